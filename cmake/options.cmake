@@ -1,0 +1,45 @@
+# Build options as interface targets: warnings, sanitizers, floating point, compiler cache.
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+option(VELO_TESTS "Build the tests" ON)
+option(VELO_BENCHMARKS "Build the benchmarks" ON)
+option(VELO_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
+option(VELO_SANITIZERS "Address and undefined behaviour sanitizers" OFF)
+option(VELO_FUZZERS "Build the fuzz targets (needs clang)" OFF)
+
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+
+find_program(CCACHE ccache)
+if(CCACHE)
+    # Precompiled headers can be cached only when their time stamps and macros are passed over.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${CCACHE})
+endif()
+
+add_library(velo_options INTERFACE)
+target_include_directories(velo_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_definitions(velo_options INTERFACE
+    QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_STRICT_ITERATORS
+    VELO_VERSION="${PROJECT_VERSION}")
+# Sums are kept in the order in which they are written: a saved map must not depend on whether the
+# compiler found a fused multiply-add.
+target_compile_options(velo_options INTERFACE -ffp-contract=off)
+target_compile_options(velo_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
+    -Wnull-dereference -Wformat=2 -Wimplicit-fallthrough)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # With precompiled headers the compiler must be told to keep what a cache needs.
+    target_compile_options(velo_options INTERFACE -fpch-preprocess)
+endif()
+if(VELO_WARNINGS_AS_ERRORS)
+    target_compile_options(velo_options INTERFACE -Werror)
+endif()
+if(VELO_SANITIZERS)
+    target_compile_options(velo_options INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
+        # The sanitizers' own checks confuse these flow analyses.
+        -Wno-null-dereference -Wno-maybe-uninitialized)
+    target_link_options(velo_options INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,2 @@
+# Install rules and the Debian package.
+# SPDX-License-Identifier: GPL-3.0-or-later

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/file_writing.h"
+
+#include <QSaveFile>
+#include <cstdarg>
+#include <cstdio>
+
+bool writeFileAtomically(const QString& path, const QByteArray& content) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    if (file.write(content) != content.size())
+        return false;
+    return file.commit();
+}
+
+QByteArray formatted(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    va_end(arguments);
+    QByteArray text(std::max(length, 0) + 1, '\0');
+    std::vsnprintf(text.data(), size_t(text.size()), format, again);
+    va_end(again);
+    text.chop(1);
+    return text;
+}

@@ -1,0 +1,14 @@
+// Writing files so that a crash leaves the old file or the new one.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// Writes to a temporary name beside `path`, flushes, renames. False, with the old file untouched,
+/// when any of it fails (unwritable folder, full disk).
+[[nodiscard]] bool writeFileAtomically(const QString& path, const QByteArray& content);
+
+/// printf formatting into a byte array, in the "C" locale, for the text formats that are laid down
+/// in that form.
+[[nodiscard]] QByteArray formatted(const char* format, ...) __attribute__((format(printf, 1, 2)));

@@ -1,0 +1,46 @@
+// Run-sized memory: allocation that is checked and reported instead of thrown.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <new>
+#include <span>
+
+/// Bytes that the system can still give without swapping; the largest size_t where it doesn't tell.
+[[nodiscard]] size_t availableMemoryBytes();
+
+/// True when `count` items of `size` bytes neither overflow nor exceed what the system can give.
+/// Systems hand out more memory than they have and end the process when it is touched, so a large
+/// request is held against what is there before it is made.
+[[nodiscard]] bool memoryIsAvailable(size_t count, size_t size);
+
+/// A zeroed array whose allocation may fail without an exception.
+template <typename T> class ZeroedBuffer {
+public:
+    /// Replaces the content by `count` zeroed items. False, and empty, when memory runs out.
+    [[nodiscard]] bool allocate(size_t count) {
+        release();
+        if (!memoryIsAvailable(count, sizeof(T)))
+            return false;
+        items_.reset(new (std::nothrow) T[count]());
+        size_ = items_ ? count : 0;
+        return items_ != nullptr;
+    }
+    void release() {
+        items_.reset();
+        size_ = 0;
+    }
+    [[nodiscard]] T* data() { return items_.get(); }
+    [[nodiscard]] const T* data() const { return items_.get(); }
+    [[nodiscard]] size_t size() const { return size_; }
+    [[nodiscard]] bool empty() const { return size_ == 0; }
+    [[nodiscard]] std::span<T> span() { return {items_.get(), size_}; }
+    [[nodiscard]] std::span<const T> span() const { return {items_.get(), size_}; }
+    T& operator[](size_t index) { return items_[index]; }
+    const T& operator[](size_t index) const { return items_[index]; }
+
+private:
+    std::unique_ptr<T[]> items_;
+    size_t size_ = 0;
+};

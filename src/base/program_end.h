@@ -1,0 +1,14 @@
+// The end of the program on a fatal failure: the one place that leaves the process.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+
+/// Ends the program with this exit status. The message of the failure has been shown before.
+///
+/// A test installs a handler that records the status and returns; a caller must therefore leave its
+/// own function at once with a failure after the call.
+void endProgram(int status);
+
+/// Replaces the end of the process; an empty function restores it.
+void installProgramEnd(std::function<void(int status)> handler);

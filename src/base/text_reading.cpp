@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text_reading.h"
+
+#include <QFile>
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+
+namespace {
+
+bool isLineEnd(QChar character) { return character == '\n' || character == '\r'; }
+
+enum class LineEnds { Skip, Fail };
+
+bool readDelimited(QChar delimiter, QString& result, TokenStream& stream, int maximum,
+                   LineEnds beforeOpening) {
+    result.clear();
+    for (;;) {
+        if (stream.atEnd())
+            return false;
+        const QChar character = stream.character();
+        if (character == delimiter)
+            break;
+        if (beforeOpening == LineEnds::Fail && isLineEnd(character))
+            return false;
+    }
+    while (result.size() < maximum) {
+        const QChar character = stream.character();
+        if (character == delimiter || character.isNull())
+            return true;
+        result += character;
+    }
+    return true;
+}
+
+} // namespace
+
+void TokenStream::skipWhiteSpace() {
+    while (position_ < text_.size() && text_[position_].isSpace())
+        ++position_;
+}
+
+QString TokenStream::word() {
+    skipWhiteSpace();
+    const qsizetype start = position_;
+    while (position_ < text_.size() && !text_[position_].isSpace())
+        ++position_;
+    if (position_ == start)
+        failed_ = true;
+    return text_.mid(start, position_ - start);
+}
+
+int TokenStream::integer() {
+    const QByteArray token = word().toLatin1();
+    char* end = nullptr;
+    errno = 0;
+    const long value = std::strtol(token.constData(), &end, 10);
+    if (end == token.constData() || errno != 0 || value > std::numeric_limits<int>::max() ||
+        value < std::numeric_limits<int>::min()) {
+        failed_ = true;
+        return 0;
+    }
+    return int(value);
+}
+
+double TokenStream::real() {
+    const QByteArray token = word().toLatin1();
+    // QByteArray converts in the "C" locale, whatever the desktop's decimal sign is. It wants the
+    // whole token to be a number, so the longest beginning that is one is looked for.
+    for (qsizetype length = token.size(); length > 0; --length) {
+        bool valid = false;
+        const double value = token.left(length).toDouble(&valid);
+        if (valid && std::isfinite(value))
+            return value;
+    }
+    failed_ = true;
+    return 0.0;
+}
+
+QString TokenStream::restOfLine() {
+    const qsizetype start = position_;
+    while (position_ < text_.size() && text_[position_] != '\n')
+        ++position_;
+    QString line = text_.mid(start, position_ - start);
+    if (position_ < text_.size())
+        ++position_;
+    if (line.endsWith('\r'))
+        line.chop(1);
+    return line;
+}
+
+QChar TokenStream::character() {
+    return position_ < text_.size() ? text_[position_++] : QChar();
+}
+
+bool TokenStream::atEnd() const {
+    for (qsizetype i = position_; i < text_.size(); ++i)
+        if (!text_[i].isSpace())
+            return false;
+    return true;
+}
+
+bool removeComments(const QString& path, QChar commentCharacter, QString& result) {
+    QString text;
+    if (!readTextFile(path, text))
+        return false;
+    result.clear();
+    TokenStream stream(std::move(text));
+    while (!stream.atEnd()) {
+        const QString word = stream.word();
+        if (word.startsWith(commentCharacter))
+            stream.restOfLine();
+        else
+            result += word + ' ';
+    }
+    return true;
+}
+
+bool readDelimitedString(QChar delimiter, QString& result, TokenStream& stream, int maximum) {
+    return readDelimited(delimiter, result, stream, maximum, LineEnds::Skip);
+}
+
+bool readDelimitedStringInLine(QChar delimiter, QString& result, TokenStream& stream, int maximum) {
+    return readDelimited(delimiter, result, stream, maximum, LineEnds::Fail);
+}
+
+QString trimFileText(QString text) {
+    while (text.startsWith(' '))
+        text.remove(0, 1);
+    while (!text.isEmpty() && isLineEnd(text.back()))
+        text.chop(1);
+    return text;
+}
+
+bool tokensAgree(QString found, QString expected) {
+    found = found.toUpper();
+    expected = expected.toUpper();
+    if (expected.endsWith(':') && !found.endsWith(':'))
+        found += ':';
+    return found == expected;
+}
+
+bool readTextFile(const QString& path, QString& text) {
+    // Settings and protocols are a few kilobytes; a file beyond this is none of ours and is not
+    // taken into memory.
+    constexpr qint64 maximumSize = 64 << 20;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    text = QString::fromUtf8(file.read(maximumSize));
+    return true;
+}

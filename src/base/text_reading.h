@@ -1,0 +1,66 @@
+// Reading the program's text formats: white-space-separated tokens and quoted strings.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+/// Most characters that a quoted string of a file may hold.
+inline constexpr int maximumQuotedLength = 256;
+
+/// Walks over a text in tokens, lines and characters. It never reads past the end: what is not
+/// there comes back empty, and failed() tells that it was asked for.
+class TokenStream {
+public:
+    explicit TokenStream(QString text) : text_(std::move(text)) {}
+
+    /// Next run of non-white-space characters; empty at the end.
+    QString word();
+    /// Next token as a whole number. Like the standard stream conversion it takes the longest
+    /// numeric beginning ("12abc" is 12); none, or one that doesn't fit, sets failed() and gives 0.
+    int integer();
+    /// Next token as a number; as integer(), with 0.0.
+    double real();
+    /// The rest of the current line, without its line end; moves to the start of the next line.
+    QString restOfLine();
+    /// Next character, or a null character at the end.
+    QChar character();
+    /// True when nothing but white space is left.
+    [[nodiscard]] bool atEnd() const;
+    /// True once a read found no token or no number where one was asked for.
+    [[nodiscard]] bool failed() const { return failed_; }
+    [[nodiscard]] qsizetype position() const { return position_; }
+    void seek(qsizetype position) { position_ = std::clamp(position, qsizetype(0), text_.size()); }
+
+private:
+    void skipWhiteSpace();
+
+    QString text_;
+    qsizetype position_ = 0;
+    bool failed_ = false;
+};
+
+/// Reads a text file word by word: a word that begins with `commentCharacter` drops the rest of its
+/// line; every other word goes into `result` with one blank behind it. False if the file can't be
+/// opened. The text is taken as UTF-8.
+[[nodiscard]] bool removeComments(const QString& path, QChar commentCharacter, QString& result);
+
+/// Reads a string between two delimiters, across line ends. Fails when the stream ends before the
+/// opening delimiter. At `maximum` characters it stops and the rest stays in the stream, so that the
+/// next key check fails on it. A missing closing delimiter ends the string with the stream.
+[[nodiscard]] bool readDelimitedString(QChar delimiter, QString& result, TokenStream& stream,
+                                       int maximum = maximumQuotedLength);
+
+/// The same, but fails at a carriage return or line feed before the opening delimiter.
+[[nodiscard]] bool readDelimitedStringInLine(QChar delimiter, QString& result, TokenStream& stream,
+                                             int maximum = maximumQuotedLength);
+
+/// Trimming of file text: blanks off the left end, then carriage returns and line feeds off the
+/// right end, and nothing else.
+[[nodiscard]] QString trimFileText(QString text);
+
+/// True when the found token is the expected one: case does not matter, nor does a missing ":" at
+/// the end of the found one.
+[[nodiscard]] bool tokensAgree(QString found, QString expected);
+
+/// The whole of a text file as UTF-8. False, with no message, if it can't be opened.
+[[nodiscard]] bool readTextFile(const QString& path, QString& text);

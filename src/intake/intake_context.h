@@ -1,0 +1,24 @@
+// What the readers of scanner files work on.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/byte_reader.h"
+#include "base/event_pump.h"
+#include "intake/dicom_header.h"
+#include "run/settings/run_settings.h"
+#include "volume/fmr_project.h"
+
+/// Lives as long as the program: a header that was parsed once keeps its values.
+struct IntakeState {
+    DicomHeader header;
+    ByteOrder rawDataByteOrder = ByteOrder::Little;
+    /// The folder that is watched in this run; settled when the run is prepared.
+    QString watchFolder;
+};
+
+struct IntakeContext {
+    RunSettings& settings;
+    FMRProject& project;
+    IntakeState& state;
+    EventPump& pump;
+};

@@ -1,0 +1,25 @@
+// One reader for each data type behind one interface.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "intake/intake_context.h"
+
+#include <memory>
+
+/// Waits for the files of a volume and reads them. Both operations block, with events processed,
+/// until the volume is complete; they return false on a time-out or when a file can't be opened or
+/// read, and show only the messages of a file that came but is no good.
+class VolumeReader {
+public:
+    virtual ~VolumeReader() = default;
+    /// Into project.firstVolume: the first measured volume, whatever number is skipped.
+    [[nodiscard]] virtual bool readFirstVolume() = 0;
+    /// Into project.volumes[volume]; 0 is the first analysed one.
+    [[nodiscard]] virtual bool readVolume(int volume) = 0;
+    /// Takes geometry and timing from the headers of the first files into the project. False after
+    /// a message when the file contradicts the settings.
+    [[nodiscard]] virtual bool readHeaders() { return true; }
+};
+
+/// The reader of settings.documentDataType, or nullptr for a type that has none.
+[[nodiscard]] std::unique_ptr<VolumeReader> makeVolumeReader(const IntakeContext& context);

@@ -1,0 +1,83 @@
+// The stimulation protocol in memory: which condition holds at each moment of a run.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <array>
+#include <optional>
+#include <vector>
+
+struct RgbColor {
+    int red = 128;
+    int green = 128;
+    int blue = 128;
+    bool operator==(const RgbColor&) const = default;
+};
+
+/// One condition: a fixed record with room for 300 intervals, so that an interval can be added
+/// during a run without allocation.
+struct ProtocolCondition {
+    static constexpr int maximumIntervals = 300;
+    static constexpr int maximumNameLength = 255;
+
+    QString name; ///< at most 255 characters
+    int nrOfIntervals = 0;
+    std::array<int, maximumIntervals> from{}; ///< bounds in the protocol's unit, both inclusive
+    std::array<int, maximumIntervals> to{};
+    RgbColor color;
+    std::array<int, maximumIntervals> timeOfResponse{}; ///< this and the following: -1 when none
+    std::array<int, maximumIntervals> reactionTime{};
+    std::array<int, maximumIntervals> accuracy{};
+    std::array<int, maximumIntervals> omission{};
+    std::array<std::array<char, 11>, maximumIntervals> buttons{}; ///< zero-terminated
+};
+
+enum class ResolutionOfTime { Volumes = 1, Milliseconds = 2 };
+
+struct StimulationProtocol {
+    int protocolFileVersion = 2;
+    ResolutionOfTime resolutionOfTime = ResolutionOfTime::Volumes;
+    QString experimentName = "<untitled>";
+    RgbColor backgroundColor{0, 0, 0};
+    RgbColor textColor{255, 255, 255};
+    RgbColor timeCourseColor{255, 255, 255};
+    RgbColor referenceFuncColor{80, 80, 80};
+    int timeCourseThick = 3;
+    int referenceFuncThick = 2;
+    std::vector<ProtocolCondition> conditions;
+    std::vector<ProtocolCondition> responseConditions;
+    bool hasResponses = false;
+    int coveredTime = 0; ///< how far the protocol is known, scaled to milliseconds
+    bool acceptNewConditions = true;
+
+    /// Segment values for the project file, from a protocol in volumes.
+    int SegmentSize = 10;
+    int SegmentOffset = 0;
+
+    /// Which of the three sources the run uses; at most one is not empty.
+    QString protocolPath; ///< .prt
+    QString realTimeProtocolPath;
+    QString tdatPath;
+
+    [[nodiscard]] int nrOfConditions() const { return int(conditions.size()); }
+    [[nodiscard]] int nrOfResponseConditions() const { return int(responseConditions.size()); }
+
+    /// Frees both tables; the experiment is untitled again.
+    void clearProtocol();
+    /// Index of an exact name. An unknown name is appended when acceptNewConditions is set; else a
+    /// warning is shown and the result is -1.
+    int conditionIndex(const QString& name);
+    /// The same for the response table, always appending.
+    int responseConditionIndex(const QString& name);
+    /// Appends one interval without responses. A full record or an index out of range leaves the
+    /// table as it is: the first such loss of a condition is reported, and false returned.
+    bool addInterval(int condition, int from, int to);
+    bool addResponseInterval(int condition, int from, int to);
+    /// Writes into the last interval of a response condition; without one it does nothing.
+    void setResponseValues(int condition, int timeOfResponse, int reactionTime, int accuracy,
+                           int omission, const QString& buttons);
+};
+
+/// True when the run gets its protocol while it is measured.
+[[nodiscard]] bool isProtocolPathSet(const QString& path); // neither empty nor "<none>"

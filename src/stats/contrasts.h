@@ -1,0 +1,41 @@
+// Contrasts over the predictors.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/protocol/stimulation_protocol.h"
+
+#include <QStringList>
+#include <vector>
+
+struct DesignMatrix;
+
+/// Bits of a selection state.
+enum ContrastState { ContrastOff = 0, ContrastPositive = 1, ContrastNegative = 2, ContrastBoth = 3 };
+
+/// One index across all lists. Weights are rows by contrast.
+struct ContrastDefinitions {
+    static constexpr int maximumShownMaps = 4;
+
+    int NrOfContrasts = 0;
+    QStringList ContrastNames;
+    std::vector<std::vector<int>> ContrastValues;  ///< over the contrast list; entry 0 the baseline
+    std::vector<std::vector<int>> ContrastWeights; ///< over design columns
+    std::vector<int> ContrastSelectionStates;
+    std::vector<int> ActiveContrastStates; ///< limited to what the model can estimate now
+    std::vector<RgbColor> ContrastColors;
+    bool ConjunctionAnalysis = false;
+    bool ContrastsChanged = false; ///< set by the operator; the next volume takes it up
+    int BaselineInContrasts = 1;
+    int BaselinePosInProtocol = 1;
+
+    void clear();
+};
+
+/// Automatic contrasts: level 1 each condition against the baseline, exactly 2 also all pairs.
+void generateContrasts(ContrastDefinitions& contrasts, const DesignMatrix& design, int level);
+/// ContrastWeights from ContrastValues; the baseline entry is dropped, confounds get 0.
+void rebuildContrastWeights(ContrastDefinitions& contrasts, const DesignMatrix& design);
+/// Toggles the positive or the negative bit. False, and nothing changes, when a fifth contrast
+/// would be switched on.
+bool toggleContrast(ContrastDefinitions& contrasts, int index, ContrastState bit);
+[[nodiscard]] int nrOfSelectedContrasts(const ContrastDefinitions& contrasts);

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/scripted_messages.h"
+
+#include "base/program_end.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString levelName(MessageLevel level) {
+    switch (level) {
+    case MessageLevel::Information:
+        return "information";
+    case MessageLevel::Warning:
+        return "warning";
+    case MessageLevel::Critical:
+        return "critical";
+    }
+    return {};
+}
+
+bool textFits(const QString& expected, const QString& text) {
+    return expected.endsWith('*') ? text.startsWith(expected.chopped(1)) : text == expected;
+}
+
+} // namespace
+
+ScriptedMessages::ScriptedMessages() : previous_(installMessageHandler(this)) {}
+
+ScriptedMessages::~ScriptedMessages() {
+    installMessageHandler(previous_);
+    for (const Expectation& left : expected_)
+        ADD_FAILURE() << "never shown, " << left.kind.toStdString() << ": "
+                      << left.text.toStdString();
+}
+
+void ScriptedMessages::expect(MessageLevel level, const QString& text) {
+    expected_.push_back({levelName(level), text, {}});
+}
+
+void ScriptedMessages::expectQuestion(const QString& text, bool answer) {
+    expected_.push_back({"question", text, answer ? "yes" : ""});
+}
+
+void ScriptedMessages::expectAnnouncement(const QString& text) {
+    expected_.push_back({"announcement", text, {}});
+}
+
+void ScriptedMessages::expectFileChoice(const QString& title, const QString& answer) {
+    expected_.push_back({"file choice", title, answer});
+}
+
+void ScriptedMessages::show(MessageLevel level, const QString& text) {
+    meet(levelName(level), text);
+}
+
+bool ScriptedMessages::ask(const QString& text) { return meet("question", text) == "yes"; }
+
+void ScriptedMessages::announce(const QString&, const QString& text, const QString&) {
+    meet("announcement", text);
+}
+
+QString ScriptedMessages::chooseFileToOpen(const QString& title, const QString&, const QString&) {
+    return meet("file choice", title);
+}
+
+QString ScriptedMessages::chooseFileToSave(const QString& title, const QString&, const QString&) {
+    return meet("file choice", title);
+}
+
+QString ScriptedMessages::meet(const QString& kind, const QString& text) {
+    shown_ << text;
+    if (acceptAnything_)
+        return {};
+    if (expected_.empty() || expected_.front().kind != kind ||
+        !textFits(expected_.front().text, text)) {
+        ADD_FAILURE() << "unexpected " << kind.toStdString() << ": " << text.toStdString()
+                      << (expected_.empty() ? std::string("\nnothing was expected")
+                                            : "\nexpected " + expected_.front().kind.toStdString() +
+                                                  ": " + expected_.front().text.toStdString());
+        return {};
+    }
+    const QString answer = expected_.front().answer;
+    expected_.pop_front();
+    return answer;
+}
+
+RecordedProgramEnd::RecordedProgramEnd() {
+    installProgramEnd([this](int status) { statuses.push_back(status); });
+}
+
+RecordedProgramEnd::~RecordedProgramEnd() { installProgramEnd({}); }
