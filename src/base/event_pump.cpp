@@ -18,7 +18,9 @@ const QElapsedTimer& programClock() {
 
 } // namespace
 
-void QtEventPump::processEvents() { QCoreApplication::processEvents(); }
+void QtEventPump::processEvents() {
+    QCoreApplication::processEvents();
+}
 
 void QtEventPump::pumpWait(int milliseconds) {
     QTimer wakeUp;
@@ -31,4 +33,6 @@ void QtEventPump::pumpWait(int milliseconds) {
     QCoreApplication::processEvents();
 }
 
-qint64 QtEventPump::milliseconds() const { return programClock().elapsed(); }
+qint64 QtEventPump::milliseconds() const {
+    return programClock().elapsed();
+}

@@ -16,7 +16,7 @@
 [[nodiscard]] bool memoryIsAvailable(size_t count, size_t size);
 
 /// A zeroed array whose allocation may fail without an exception.
-template <typename T> class ZeroedBuffer {
+template<typename T> class ZeroedBuffer {
 public:
     /// Replaces the content by `count` zeroed items. False, and empty, when memory runs out.
     [[nodiscard]] bool allocate(size_t count) {

@@ -45,11 +45,17 @@ void showInformation(const QString& text) {
     currentHandler()->show(MessageLevel::Information, text);
 }
 
-void showWarning(const QString& text) { currentHandler()->show(MessageLevel::Warning, text); }
+void showWarning(const QString& text) {
+    currentHandler()->show(MessageLevel::Warning, text);
+}
 
-void showCritical(const QString& text) { currentHandler()->show(MessageLevel::Critical, text); }
+void showCritical(const QString& text) {
+    currentHandler()->show(MessageLevel::Critical, text);
+}
 
-bool askQuestion(const QString& text) { return currentHandler()->ask(text); }
+bool askQuestion(const QString& text) {
+    return currentHandler()->ask(text);
+}
 
 void announce(const QString& title, const QString& text, const QString& button) {
     currentHandler()->announce(title, text, button);

@@ -3,7 +3,9 @@
 
 namespace paths {
 
-QString withForwardSlashes(QString path) { return path.replace('\\', '/'); }
+QString withForwardSlashes(QString path) {
+    return path.replace('\\', '/');
+}
 
 QString withTrailingSlash(QString folder) {
     if (!folder.isEmpty() && !folder.endsWith('/'))
@@ -11,13 +13,17 @@ QString withTrailingSlash(QString folder) {
     return folder;
 }
 
-QString folderWithSlash(const QString& path) { return path.left(path.lastIndexOf('/') + 1); }
+QString folderWithSlash(const QString& path) {
+    return path.left(path.lastIndexOf('/') + 1);
+}
 
 QString folderWithoutSlash(const QString& path) {
     return path.left(std::max(path.lastIndexOf('/'), qsizetype(0)));
 }
 
-QString fileName(const QString& path) { return path.mid(path.lastIndexOf('/') + 1); }
+QString fileName(const QString& path) {
+    return path.mid(path.lastIndexOf('/') + 1);
+}
 
 QString extension(const QString& path) {
     const QString name = fileName(path);

@@ -8,7 +8,9 @@
 
 namespace {
 
-bool isLineEnd(QChar character) { return character == '\n' || character == '\r'; }
+bool isLineEnd(QChar character) {
+    return character == '\n' || character == '\r';
+}
 
 enum class LineEnds { Skip, Fail };
 

@@ -45,8 +45,8 @@ private:
 [[nodiscard]] bool removeComments(const QString& path, QChar commentCharacter, QString& result);
 
 /// Reads a string between two delimiters, across line ends. Fails when the stream ends before the
-/// opening delimiter. At `maximum` characters it stops and the rest stays in the stream, so that the
-/// next key check fails on it. A missing closing delimiter ends the string with the stream.
+/// opening delimiter. At `maximum` characters it stops and the rest stays in the stream, so that
+/// the next key check fails on it. A missing closing delimiter ends the string with the stream.
 [[nodiscard]] bool readDelimitedString(QChar delimiter, QString& result, TokenStream& stream,
                                        int maximum = maximumQuotedLength);
 

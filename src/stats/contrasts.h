@@ -10,7 +10,12 @@
 struct DesignMatrix;
 
 /// Bits of a selection state.
-enum ContrastState { ContrastOff = 0, ContrastPositive = 1, ContrastNegative = 2, ContrastBoth = 3 };
+enum ContrastState {
+    ContrastOff = 0,
+    ContrastPositive = 1,
+    ContrastNegative = 2,
+    ContrastBoth = 3
+};
 
 /// One index across all lists. Weights are rows by contrast.
 struct ContrastDefinitions {

@@ -27,7 +27,8 @@ struct StatisticalMaps {
     float Threshold = 3.0f;
     float ColorMaxThreshold = 8.0f;
     int ClusterSizePixels = 4;
-    /// For each slice and pixel the size of its cluster; 0 below threshold. Empty when not computed.
+    /// For each slice and pixel the size of its cluster; 0 below threshold. Empty when not
+    /// computed.
     std::vector<std::vector<int>> ClusterSizeSlices;
 
     [[nodiscard]] size_t sliceVoxels() const { return size_t(sizeX) * size_t(sizeY); }

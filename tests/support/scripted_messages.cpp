@@ -54,7 +54,9 @@ void ScriptedMessages::show(MessageLevel level, const QString& text) {
     meet(levelName(level), text);
 }
 
-bool ScriptedMessages::ask(const QString& text) { return meet("question", text) == "yes"; }
+bool ScriptedMessages::ask(const QString& text) {
+    return meet("question", text) == "yes";
+}
 
 void ScriptedMessages::announce(const QString&, const QString& text, const QString&) {
     meet("announcement", text);
@@ -89,4 +91,6 @@ RecordedProgramEnd::RecordedProgramEnd() {
     installProgramEnd([this](int status) { statuses.push_back(status); });
 }
 
-RecordedProgramEnd::~RecordedProgramEnd() { installProgramEnd({}); }
+RecordedProgramEnd::~RecordedProgramEnd() {
+    installProgramEnd({});
+}

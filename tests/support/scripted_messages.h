@@ -1,5 +1,5 @@
-// Answers the program's boxes from a script: an unexpected message, or one left over, fails the test.
-// SPDX-License-Identifier: GPL-3.0-or-later
+// Answers the program's boxes from a script: an unexpected message, or one left over, fails the
+// test. SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/messages.h"

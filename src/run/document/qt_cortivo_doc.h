@@ -1,0 +1,56 @@
+// The document: everything that belongs to one run, as parts that know nothing of each other.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/document/mosaic_layout.h"
+#include "run/document/slice_images.h"
+#include "run/protocol/stimulation_protocol.h"
+#include "stats/contrasts.h"
+#include "stats/design_matrix.h"
+#include "stats/finished_model.h"
+#include "stats/incremental_glm.h"
+#include "stats/overlay_colors.h"
+#include "stats/statistical_maps.h"
+#include "volume/fmr_project.h"
+
+#include <QString>
+#include <vector>
+
+/// Owns the parts of one run. Computing code takes the parts that it needs, never the document.
+class QtCortivoDoc {
+public:
+    enum class Kind { Functional, Anatomical };
+
+    explicit QtCortivoDoc(Kind kind) : kind_(kind) {}
+    QtCortivoDoc(const QtCortivoDoc&) = delete;
+    QtCortivoDoc& operator=(const QtCortivoDoc&) = delete;
+
+    [[nodiscard]] Kind kind() const { return kind_; }
+
+    FMRProject project;
+    StimulationProtocol protocol;
+    std::vector<int> VolumeConditionIndex; ///< condition of each volume; -1 none
+    DesignMatrix design;
+    ContrastDefinitions contrasts;
+    BrainMask mask;
+    GLMState glm; ///< live while a run lasts
+    FinishedModel finishedModel;
+    StatisticalMaps maps;
+
+    SliceImages slices;
+    MosaicLayout mosaic;
+    OverlayColors overlayColors;
+    bool SignificanceColorCoding = false;
+
+    QString workingFolder; ///< of the settings file
+    QString mapName = "<untitled>";
+    bool firstVolumePresent = false;
+
+    /// Colour tables after a change of contrasts or of the colour coding.
+    void updateOverlayColors();
+    /// The parts that the update of the model works on.
+    [[nodiscard]] GLMRun glmRun() { return {project, design, contrasts, mask, glm, maps}; }
+
+private:
+    Kind kind_;
+};
