@@ -60,7 +60,7 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
         {90,
          [&] {
              return writeContrastFile(resultPath(run, ".ctr", "Contrasts.ctr"), document.contrasts,
-                                      document.design);
+                                      document.design.NrOfContrastPredictors);
          }},
         {-1, [&] { return writeFirstVolume(project); }},
     };
