@@ -12,9 +12,8 @@ QString asConditionName(const QString& name) {
 }
 
 int indexOf(const ConditionTable& table, const QString& name) {
-    const auto found = std::find_if(table.begin(), table.end(), [&](const ProtocolCondition& c) {
-        return c.name == name;
-    });
+    const auto found = std::find_if(table.begin(), table.end(),
+                                    [&](const ProtocolCondition& c) { return c.name == name; });
     return found == table.end() ? -1 : int(found - table.begin());
 }
 
@@ -106,4 +105,6 @@ void StimulationProtocol::setResponseValues(int condition, int timeOfResponse, i
     table.setButtons(last, buttons);
 }
 
-bool isProtocolPathSet(const QString& path) { return !path.isEmpty() && path != "<none>"; }
+bool isProtocolPathSet(const QString& path) {
+    return !path.isEmpty() && path != "<none>";
+}
