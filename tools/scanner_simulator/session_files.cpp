@@ -2,7 +2,9 @@
 #include "session_files.h"
 
 #include "base/file_writing.h"
+#include "base/paths.h"
 
+#include <QDir>
 #include <cmath>
 
 namespace {
@@ -44,7 +46,7 @@ void addHead(SettingsLines& lines, const RunDescription& run) {
 }
 
 void addScanner(SettingsLines& lines, const RunDescription& run) {
-    const bool isMosaic = run.type == ScannerType::SiemensMosaic;
+    const bool isMosaic = run.options.type == ScannerType::SiemensMosaic;
     lines.plain("DataType:", isMosaic ? "SIEMENS_DICOM_MOSAIC" : "DICOM");
     lines.blank();
     lines.quoted("FirstFileName:", run.firstFileName);
@@ -70,7 +72,7 @@ void addScanner(SettingsLines& lines, const RunDescription& run) {
 }
 
 void addRun(SettingsLines& lines, const RunDescription& run) {
-    const QString base = QString("%1-%2").arg(run.name).arg(run.options.run);
+    const QString base = QString("%1-%2").arg(run.options.name).arg(run.options.run);
     lines.number("NrOfVolumes:", run.options.nrOfVolumes);
     lines.number("NrOfVolumesToSkip:", run.options.nrOfVolumesToSkip);
     lines.blank();
@@ -98,7 +100,7 @@ void addAnalysis(SettingsLines& lines, const RunDescription& run) {
     lines.blank();
     lines.number("ForceTRDelay:", 0);
     lines.blank();
-    lines.quoted("StimulationProtocol:", "./" + run.name + ".prt");
+    lines.quoted("StimulationProtocol:", "./" + run.options.name + ".prt");
     lines.blank();
     lines.quoted("ContrastFile:", "");
     lines.blank();
@@ -130,17 +132,30 @@ void addOverlays(SettingsLines& lines) {
 } // namespace
 
 RunDescription runDescription(const SimulationOptions& options, const ScanGeometry& geometry) {
-    return {"Faces and houses, simulated, run " + QString::number(options.run),
-            options.name,
-            options.type,
-            fileNaming(options),
-            fileName(options, 0, 0),
-            options,
-            geometry};
+    return {"Faces and houses, simulated, run " + QString::number(options.run), fileNaming(options),
+            fileName(options, 0, 0), options, geometry};
 }
 
 QString settingsFileName(const SimulationOptions& options) {
     return QString("%1-%2.vco").arg(options.name).arg(options.run);
+}
+
+QString watchFolder(const SimulationOptions& options) {
+    return paths::join(options.folder, "incoming/");
+}
+
+bool writeSettingsFile(const RunDescription& run) {
+    const SimulationOptions& options = run.options;
+    return QDir().mkpath(watchFolder(options)) &&
+           QDir().mkpath(paths::join(options.folder, "results")) &&
+           writeFileAtomically(paths::join(options.folder, settingsFileName(options)),
+                               settingsText(run));
+}
+
+bool writeProtocolFile(const SimulationOptions& options) {
+    return QDir().mkpath(options.folder) &&
+           writeFileAtomically(paths::join(options.folder, options.name + ".prt"),
+                               protocolText(blockProtocol(options)));
 }
 
 QByteArray settingsText(const RunDescription& run) {

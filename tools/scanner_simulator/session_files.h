@@ -8,8 +8,6 @@
 /// What a settings file says about a run, simulated or replayed.
 struct RunDescription {
     QString title;
-    QString name; ///< of the project and of the protocol file
-    ScannerType type;
     FileNaming naming;
     QString firstFileName;
     SimulationOptions options;
@@ -20,6 +18,12 @@ struct RunDescription {
                                             const ScanGeometry& geometry);
 /// Name, without folder, of the settings file of a run.
 [[nodiscard]] QString settingsFileName(const SimulationOptions& options);
+/// Folder into which the scanner writes: incoming/ in the session folder.
+[[nodiscard]] QString watchFolder(const SimulationOptions& options);
+/// Writes the settings file and creates the folders that it names. False when any of it fails.
+[[nodiscard]] bool writeSettingsFile(const RunDescription& run);
+/// Writes the protocol file. False when that fails.
+[[nodiscard]] bool writeProtocolFile(const SimulationOptions& options);
 /// A settings file of version 4. Folders are named relative to its own.
 [[nodiscard]] QByteArray settingsText(const RunDescription& run);
 /// A protocol in volumes.

@@ -94,19 +94,15 @@ bool SimulatedScan::writeVolume(int volume, const QString& folder) const {
 }
 
 QString SimulatedScan::watchFolder() const {
-    return paths::join(options_.folder, "incoming/");
+    return ::watchFolder(options_);
 }
 
 bool SimulatedScan::writeSettings() const {
-    return QDir().mkpath(watchFolder()) && QDir().mkpath(paths::join(options_.folder, "results")) &&
-           writeFileAtomically(paths::join(options_.folder, settingsFileName(options_)),
-                               settingsText(runDescription(options_, geometry_)));
+    return writeSettingsFile(runDescription(options_, geometry_));
 }
 
 bool SimulatedScan::writeProtocol() const {
-    return QDir().mkpath(options_.folder) &&
-           writeFileAtomically(paths::join(options_.folder, options_.name + ".prt"),
-                               protocolText(conditions()));
+    return writeProtocolFile(options_);
 }
 
 bool SimulatedScan::writeTruth() const {
