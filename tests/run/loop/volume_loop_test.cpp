@@ -154,7 +154,7 @@ TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
          {{"StimulationProtocol:", "\"/nowhere/x.prt\""}},
          defaultProtocol(),
          MessageLevel::Warning,
-         "ERROR: Unable to open referenced protocol file > /nowhere/x.prt < for reading!",
+         "ERROR: Unable to open referenced protocol file > x.prt < for reading!",
          {}},
         {"huge run",
          {{"NrOfVolumes:", "999999"},
