@@ -16,9 +16,9 @@ struct DeliveryOptions {
     int startDelay = 0;           ///< milliseconds before the measurement begins
     bool growing = false;         ///< files are written in place, in pieces with pauses
     bool outOfOrder = false;      ///< slices of a volume backwards, mosaics exchanged in pairs
-    std::map<int, int> late;      ///< volume to milliseconds of delay
-    std::set<int> missing;        ///< volumes that never come
-    std::set<int> truncated;      ///< volumes whose files end early
+    std::map<int, int> late = {}; ///< volume to milliseconds of delay
+    std::set<int> missing = {};   ///< volumes that never come
+    std::set<int> truncated = {}; ///< volumes whose files end early
 };
 
 /// What is delivered: simulated volumes or those of a folder.
