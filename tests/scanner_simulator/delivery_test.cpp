@@ -2,6 +2,8 @@
 #include "scanner_simulator/command_line.h"
 #include "scanner_simulator/replay_folder.h"
 
+#include "support/test_data.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -50,7 +52,8 @@ QStringList delivered(const DeliveryOptions& options, const VolumeSource& volume
     QTemporaryDir folder;
     NotingClock clock(folder.path());
     clock.interruptAfter = interruptAfter;
-    EXPECT_EQ(deliver(options, volumes, folder.path(), clock, [](const QString&) {}), expected);
+    EXPECT_EQ(deliver(options, volumes, folder.path(), clock, [](const QString&) {}).result,
+              expected);
     return clock.notes << clock.note();
 }
 
@@ -90,11 +93,10 @@ TEST(Delivery, EndsWhenInterruptedOrUnableToWrite) {
     EXPECT_EQ(delivered({}, source(5, 1), DeliveryResult::Interrupted, 7500).constLast(),
               "8000: a0=100 b0=100");
     NotingClock clock("/");
-    QString report;
-    EXPECT_EQ(deliver({}, source(1, 1), "/nowhere/at/all/", clock,
-                      [&](const QString& text) { report = text; }),
-              DeliveryResult::Failed);
-    EXPECT_EQ(report, "The file \"/nowhere/at/all/a0\" can't be written.");
+    const DeliveryOutcome outcome =
+        deliver({}, source(1, 1), "/nowhere/at/all/", clock, [](const QString&) {});
+    EXPECT_EQ(outcome.result, DeliveryResult::Failed);
+    EXPECT_EQ(outcome.problem, "The file \"/nowhere/at/all/a0\" can't be written.");
 }
 
 TEST(ReplayFolder, TakesFilesInTheOrderOfTheirNumbers) {
@@ -113,6 +115,15 @@ TEST(ReplayFolder, TakesFilesInTheOrderOfTheirNumbers) {
     EXPECT_EQ((*second)[1].bytes, "run-0010.dcm");
     EXPECT_FALSE(nameComesBefore("a1", "a1"));
     EXPECT_TRUE(nameComesBefore("a01", "a1") != nameComesBefore("a1", "a01"));
+}
+
+TEST(ReplayFolder, PassesOverOtherFilesBesideImages) {
+    const QString folder = scannerDataFolder() + "/siemens_mosaic/run_60_volumes";
+    SKIP_WITHOUT(folder);
+    const ReplayFolder replay(folder, 1); // a licence text stands beside the images
+    EXPECT_EQ(replay.nrOfVolumes(), 60);
+    EXPECT_EQ(replay.names().constFirst(), "001_000013_000001.dcm");
+    EXPECT_EQ(replay.names().constLast(), "001_000013_000060.dcm");
 }
 
 TEST(ReplayFolder, WritesSettingsWithTheNumbersOfItsFirstFile) {

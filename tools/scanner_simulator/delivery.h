@@ -52,8 +52,12 @@ struct DeliveryStep {
 
 enum class DeliveryResult { Done, Interrupted, Failed };
 
-/// Delivers all volumes into a folder that exists. `report` hears what happens, one sentence at a
-/// time; the last one tells about a failure.
-[[nodiscard]] DeliveryResult deliver(const DeliveryOptions& options, const VolumeSource& source,
-                                     const QString& folder, DeliveryClock& clock,
-                                     const std::function<void(const QString&)>& report);
+struct DeliveryOutcome {
+    DeliveryResult result = DeliveryResult::Done;
+    QString problem = {}; ///< why it failed, as a sentence for the user
+};
+
+/// Delivers all volumes into a folder that exists. `report` hears of each volume that is there.
+[[nodiscard]] DeliveryOutcome deliver(const DeliveryOptions& options, const VolumeSource& source,
+                                      const QString& folder, DeliveryClock& clock,
+                                      const std::function<void(const QString&)>& report);
