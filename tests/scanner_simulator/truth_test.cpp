@@ -107,6 +107,7 @@ void expectTruthIsFound(const SimulationOptions& options) {
         Counts inside;
         Counts outside;
         for (size_t voxel = 0; voxel < active.size(); ++voxel) {
+            ASSERT_LE(active[voxel], brain[voxel]) << voxel;
             if (brain[voxel] == 0)
                 continue;
             Counts& counts = active[voxel] != 0 ? inside : outside;
@@ -116,8 +117,6 @@ void expectTruthIsFound(const SimulationOptions& options) {
         EXPECT_GE(inside.voxels, 60u);
         EXPECT_GE(inside.share(), 0.95);
         EXPECT_LE(outside.share(), 0.01);
-        printf("in %zu %.4f\n", inside.voxels, inside.share());
-        printf("out %zu %.4f\n", outside.voxels, outside.share());
     }
 }
 
@@ -131,4 +130,84 @@ TEST(SimulatedTruth, IsFoundByLeastSquares) {
             options.seed = seed;
             expectTruthIsFound(options);
         }
+}
+
+TEST(SimulatedTruth, LiesInBothHemispheresAndNotInTheOutermostSlices) {
+    for (const int nrOfSlices : {8, 25, 72}) {
+        SimulationOptions options;
+        options.nrOfSlices = nrOfSlices;
+        const SimulatedScan scan(options);
+        const size_t slice = scan.geometry().sliceVoxels();
+        for (int condition = 1; condition <= 2; ++condition) {
+            const std::vector<uint8_t> active = scan.activeVoxels(condition);
+            std::array<int, 2> bySide{};
+            for (size_t voxel = 0; voxel < active.size(); ++voxel)
+                if (active[voxel] != 0) {
+                    ++bySide[voxel % 64 / 32];
+                    EXPECT_GE(voxel, slice);
+                    EXPECT_LT(voxel, active.size() - slice);
+                }
+            EXPECT_GT(bySide[0], 20);
+            EXPECT_EQ(bySide[0], bySide[1]);
+        }
+    }
+}
+
+TEST(SimulatedVolume, DependsOnOptionsAlone) {
+    SimulationOptions options;
+    options.nrOfVolumes = 6;
+    const SimulatedScan scan(options);
+    const std::vector<uint16_t> fourth = scan.volume(3);
+    EXPECT_NE(scan.volume(2), fourth);
+    EXPECT_EQ(SimulatedScan(options).volume(3), fourth);
+    options.seed = 2;
+    EXPECT_NE(SimulatedScan(options).volume(3), fourth);
+    options.seed = 1;
+    options.run = 2;
+    EXPECT_NE(SimulatedScan(options).volume(3), fourth);
+}
+
+TEST(SimulatedVolume, AMaskThresholdOfOneHundredSeparatesHeadFromAir) {
+    SimulationOptions options;
+    const SimulatedScan scan(options);
+    const std::vector<uint8_t> brain = scan.brainVoxels();
+    const std::vector<uint16_t> samples = scan.volume(20);
+    for (size_t voxel = 0; voxel < samples.size(); ++voxel)
+        if (brain[voxel] != 0) {
+            EXPECT_GT(samples[voxel], 600) << voxel;
+            EXPECT_LT(samples[voxel], 1250) << voxel;
+        }
+    for (size_t slice = 0; slice < 25; ++slice) // the corners are air
+        for (const size_t corner : {0, 63, 63 * 64, 63 * 64 + 63})
+            EXPECT_LT(samples[slice * 64 * 64 + corner], 60);
+}
+
+TEST(SimulatedMotion, MovesTheHeadAsItSays) {
+    SimulationOptions options;
+    options.motion = HeadMotion::Jumps;
+    options.noise = 0.0;
+    options.fieldOfView = 64; // pixels of 1 mm, so that the first jump is one pixel along x
+    options.amplitude = 0.0;
+    const SimulatedScan scan(options);
+    const int jump = 2 + 38; // a quarter of 150 volumes after the skipped ones
+    EXPECT_TRUE(scan.pose(jump - 1).isAtRest());
+    EXPECT_DOUBLE_EQ(scan.pose(jump).translation[0], 1.0);
+    const std::vector<uint16_t> before = scan.volume(jump - 1);
+    const std::vector<uint16_t> after = scan.volume(jump);
+    for (size_t x = 1; x < 64; ++x) { // drift and pulsation change it by less than a percent
+        const size_t voxel = (12 * 64 + 32) * 64 + x;
+        EXPECT_NEAR(after[voxel], before[voxel - 1], 0.012 * before[voxel - 1]) << x;
+    }
+}
+
+TEST(SimulatedMotion, TurnsCounterClockwiseAboutX_Y_Z) {
+    // A quarter turn about each axis in this order takes x to -z, y to y, z to x.
+    HeadPose pose;
+    pose.rotation[0] = pose.rotation[1] = pose.rotation[2] = 90.0;
+    pose.translation[1] = 5.0;
+    const PoseInverse toHead(pose);
+    const Point point = toHead({3.0, 2.0 + 5.0, -1.0}); // where the head's (1, 2, 3) is seen
+    EXPECT_NEAR(point.x, 1.0, 1e-12);
+    EXPECT_NEAR(point.y, 2.0, 1e-12);
+    EXPECT_NEAR(point.z, 3.0, 1e-12);
 }

@@ -26,56 +26,52 @@ public:
              DeliveryClock& clock)
         : options_(options), source_(source), folder_(std::move(folder)), clock_(clock) {}
 
-    [[nodiscard]] DeliveryResult deliverVolume(int volume) {
+    [[nodiscard]] DeliveryOutcome deliverVolume(int volume) {
         std::optional<std::vector<ScannerFile>> files = source_.files(volume);
-        if (!files) {
-            problem_ = QString("The files of volume %1 can't be read.").arg(volume + 1);
-            return DeliveryResult::Failed;
-        }
+        if (!files)
+            return {DeliveryResult::Failed,
+                    QString("The files of volume %1 can't be read.").arg(volume + 1)};
         if (options_.outOfOrder)
             std::reverse(files->begin(), files->end());
         for (ScannerFile& file : *files) {
             if (options_.truncated.contains(volume + 1))
                 file.bytes.truncate(file.bytes.size() / 2);
             const QString path = paths::join(folder_, file.name);
-            const DeliveryResult result =
+            const DeliveryOutcome outcome =
                 options_.growing ? writeGrowing(path, file.bytes) : writeWhole(path, file.bytes);
-            if (result != DeliveryResult::Done)
-                return result;
+            if (outcome.result != DeliveryResult::Done)
+                return outcome;
         }
-        return DeliveryResult::Done;
+        return {};
     }
-    [[nodiscard]] const QString& problem() const { return problem_; }
 
 private:
-    DeliveryResult failure(const QString& path) {
-        problem_ = QString("The file \"%1\" can't be written.").arg(path);
-        return DeliveryResult::Failed;
+    static DeliveryOutcome failure(const QString& path) {
+        return {DeliveryResult::Failed, QString("The file \"%1\" can't be written.").arg(path)};
     }
-    DeliveryResult writeWhole(const QString& path, const QByteArray& bytes) {
-        return writeFileAtomically(path, bytes) ? DeliveryResult::Done : failure(path);
+    static DeliveryOutcome writeWhole(const QString& path, const QByteArray& bytes) {
+        return writeFileAtomically(path, bytes) ? DeliveryOutcome() : failure(path);
     }
-    DeliveryResult writeGrowing(const QString& path, const QByteArray& bytes) {
+    DeliveryOutcome writeGrowing(const QString& path, const QByteArray& bytes) {
         QFile file(path);
         if (!file.open(QIODevice::WriteOnly))
             return failure(path);
         const int64_t pause = piecePause(options_, source_);
         for (int piece = 0; piece < nrOfPieces; ++piece) {
             if (piece > 0 && !clock_.waitUntil(clock_.milliseconds() + pause))
-                return DeliveryResult::Interrupted;
+                return {DeliveryResult::Interrupted};
             const qsizetype from = bytes.size() * piece / nrOfPieces;
             const qsizetype to = bytes.size() * (piece + 1) / nrOfPieces;
             if (file.write(bytes.constData() + from, to - from) != to - from || !file.flush())
                 return failure(path);
         }
-        return DeliveryResult::Done;
+        return {};
     }
 
     const DeliveryOptions& options_;
     const VolumeSource& source_;
     QString folder_;
     DeliveryClock& clock_;
-    QString problem_;
 };
 
 } // namespace
@@ -102,20 +98,18 @@ std::vector<DeliveryStep> deliverySchedule(const DeliveryOptions& options,
     return steps;
 }
 
-DeliveryResult deliver(const DeliveryOptions& options, const VolumeSource& source,
-                       const QString& folder, DeliveryClock& clock,
-                       const std::function<void(const QString&)>& report) {
+DeliveryOutcome deliver(const DeliveryOptions& options, const VolumeSource& source,
+                        const QString& folder, DeliveryClock& clock,
+                        const std::function<void(const QString&)>& report) {
     Delivery delivery(options, source, folder, clock);
     const int64_t start = clock.milliseconds();
     for (const DeliveryStep& step : deliverySchedule(options, source)) {
         if (!clock.waitUntil(start + step.due))
-            return DeliveryResult::Interrupted;
-        const DeliveryResult result = delivery.deliverVolume(step.volume);
-        if (result == DeliveryResult::Failed)
-            report(delivery.problem());
-        if (result != DeliveryResult::Done)
-            return result;
+            return {DeliveryResult::Interrupted};
+        const DeliveryOutcome outcome = delivery.deliverVolume(step.volume);
+        if (outcome.result != DeliveryResult::Done)
+            return outcome;
         report(QString("volume %1 of %2").arg(step.volume + 1).arg(source.nrOfVolumes));
     }
-    return DeliveryResult::Done;
+    return {};
 }

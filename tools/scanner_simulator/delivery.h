@@ -16,9 +16,9 @@ struct DeliveryOptions {
     int startDelay = 0;           ///< milliseconds before the measurement begins
     bool growing = false;         ///< files are written in place, in pieces with pauses
     bool outOfOrder = false;      ///< slices of a volume backwards, mosaics exchanged in pairs
-    std::map<int, int> late;      ///< volume to milliseconds of delay
-    std::set<int> missing;        ///< volumes that never come
-    std::set<int> truncated;      ///< volumes whose files end early
+    std::map<int, int> late = {}; ///< volume to milliseconds of delay
+    std::set<int> missing = {};   ///< volumes that never come
+    std::set<int> truncated = {}; ///< volumes whose files end early
 };
 
 /// What is delivered: simulated volumes or those of a folder.
@@ -52,8 +52,12 @@ struct DeliveryStep {
 
 enum class DeliveryResult { Done, Interrupted, Failed };
 
-/// Delivers all volumes into a folder that exists. `report` hears what happens, one sentence at a
-/// time; the last one tells about a failure.
-[[nodiscard]] DeliveryResult deliver(const DeliveryOptions& options, const VolumeSource& source,
-                                     const QString& folder, DeliveryClock& clock,
-                                     const std::function<void(const QString&)>& report);
+struct DeliveryOutcome {
+    DeliveryResult result = DeliveryResult::Done;
+    QString problem = {}; ///< why it failed, as a sentence for the user
+};
+
+/// Delivers all volumes into a folder that exists. `report` hears of each volume that is there.
+[[nodiscard]] DeliveryOutcome deliver(const DeliveryOptions& options, const VolumeSource& source,
+                                      const QString& folder, DeliveryClock& clock,
+                                      const std::function<void(const QString&)>& report);

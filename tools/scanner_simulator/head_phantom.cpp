@@ -70,7 +70,7 @@ HeadPhantom::HeadPhantom(const ScanGeometry& geometry)
     const Point halfAxis{10.0, 10.0, height};
     for (int side = 0; side < 2; ++side) {
         const double sign = side == 0 ? -1.0 : 1.0;
-        regions_[0][side] = {{sign * 38.0, 26.0, -level}, halfAxis};
+        regions_[0][side] = {{sign * 36.0, 26.0, -level}, halfAxis};
         regions_[1][side] = {{sign * 27.0, -18.0, level}, halfAxis};
     }
 }

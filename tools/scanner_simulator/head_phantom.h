@@ -48,9 +48,9 @@ private:
 
     double borderWidth_; ///< millimetres
     Ellipsoid regions_[nrOfConditions][2];
-    Ellipsoid scalp_{{0, 0, 0}, {76, 92, 84}};
-    Ellipsoid skull_{{0, 0, 0}, {71, 87, 79}};
-    Ellipsoid brain_{{0, 0, 0}, {65, 81, 73}};
+    Ellipsoid scalp_{{0, 0, 0}, {73, 88, 82}};
+    Ellipsoid skull_{{0, 0, 0}, {68, 83, 77}};
+    Ellipsoid brain_{{0, 0, 0}, {63, 78, 72}};
     Ellipsoid ventricles_[2] = {{{-9, -4, 6}, {5, 18, 10}}, {{9, -4, 6}, {5, 18, 10}}};
 
     [[nodiscard]] double share(const Ellipsoid& ellipsoid, const Point& point) const;

@@ -72,13 +72,8 @@ ExitStatus deliverRun(const SimulatorCommand& command, const VolumeSource& sourc
     if (!removeLeftovers(names, folder))
         return refuse(Failure, QString("Old files in \"%1\" can't be removed.").arg(folder));
     SystemClock clock;
-    QString lastReport;
-    const DeliveryResult result =
-        deliver(command.delivery, source, folder, clock, [&](const QString& text) {
-            lastReport = text;
-            say(text);
-        });
-    switch (result) {
+    const DeliveryOutcome outcome = deliver(command.delivery, source, folder, clock, say);
+    switch (outcome.result) {
     case DeliveryResult::Done:
         return Success;
     case DeliveryResult::Interrupted:
@@ -86,7 +81,7 @@ ExitStatus deliverRun(const SimulatorCommand& command, const VolumeSource& sourc
     case DeliveryResult::Failed:
         break;
     }
-    return refuse(Failure, lastReport);
+    return refuse(Failure, outcome.problem);
 }
 
 ExitStatus simulateRun(const SimulatorCommand& command, const SimulationOptions& options) {

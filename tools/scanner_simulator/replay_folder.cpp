@@ -23,6 +23,11 @@ QString digitsAt(const QString& name, qsizetype& position) {
     return name.mid(significant, position - significant);
 }
 
+bool hasDicomMark(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.seek(128) && file.read(4) == "DICM";
+}
+
 } // namespace
 
 bool nameComesBefore(const QString& left, const QString& right) {
@@ -49,6 +54,11 @@ bool nameComesBefore(const QString& left, const QString& right) {
 ReplayFolder::ReplayFolder(QString folder, int nrOfFilesPerVolume)
     : folder_(std::move(folder)), nrOfFilesPerVolume_(nrOfFilesPerVolume),
       names_(QDir(folder_).entryList(QDir::Files, QDir::Unsorted)) {
+    const auto isOther = [this](const QString& name) {
+        return !hasDicomMark(paths::join(folder_, name));
+    };
+    if (!std::all_of(names_.cbegin(), names_.cend(), isOther))
+        names_.removeIf(isOther);
     std::sort(names_.begin(), names_.end(), nameComesBefore);
 }
 

@@ -8,7 +8,8 @@
 #include <optional>
 
 /// The files of one folder in the order of their names; numbers in names count as numbers. Hidden
-/// files and subfolders are passed over.
+/// files and subfolders are passed over, and so is what is no DICOM file beside some that are: an
+/// image without the mark of such files is taken only where no file has it.
 class ReplayFolder {
 public:
     /// `nrOfFilesPerVolume` files in a row make a volume; an incomplete last one is left out.
