@@ -21,19 +21,14 @@ std::string identifier(std::span<const uint8_t> value) {
     return text;
 }
 
-Findings findingsOf(std::span<const uint8_t> bytes) {
-    // Compressed samples bear another representation than "OW", by which the encoding of a whole
-    // file is told. The meta-header is always explicit; so is all of it behind a compressed syntax,
-    // but nothing is needed from there.
-    const DicomEncoding encoding = detectEncoding(bytes, EncodingSearch::LastKeyNearStart)
-                                       .value_or(DicomEncoding{ByteOrder::Little, true});
-    Findings findings;
+void collect(std::span<const uint8_t> bytes, const DicomEncoding& encoding, bool metaHeaderOnly,
+             Findings& findings) {
     DicomWalk walk(bytes, encoding);
     DicomElement element;
     bool more = walk.begin() == DicomWalk::Start::Ready;
     while (more && walk.next(element) && !element.endsHeader()) {
         const auto value = walk.value(element);
-        more = value.has_value();
+        more = value.has_value() && !(metaHeaderOnly && element.group != 0x0002);
         if (!more)
             break;
         if (element.is(0x0002, 0x0010))
@@ -43,6 +38,16 @@ Findings findingsOf(std::span<const uint8_t> bytes) {
         else if (element.is(0x0028, 0x0008))
             findings.nrOfFrames = leadingInteger(dicomText(*value));
     }
+}
+
+Findings findingsOf(std::span<const uint8_t> bytes) {
+    Findings findings;
+    // The meta-header is explicit whatever the data set is; where it starts without its length,
+    // only this tells.
+    collect(bytes, {ByteOrder::Little, true}, true, findings);
+    // Compressed samples hide the encoding, but then the syntax is known by now.
+    if (const auto encoding = detectEncoding(bytes, EncodingSearch::LastKeyNearStart))
+        collect(bytes, *encoding, false, findings);
     return findings;
 }
 

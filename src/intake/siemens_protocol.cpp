@@ -27,7 +27,7 @@ std::string_view valueOf(std::string_view line) {
 
 // Microseconds to whole milliseconds, halves upwards.
 float wholeMilliseconds(std::string_view microseconds) {
-    return std::floor(leadingFloat(microseconds) / 1000.0f + 0.5f);
+    return float(std::floor(double(leadingFloat(microseconds)) / 1000.0 + 0.5));
 }
 
 class ProtocolLines {
