@@ -16,7 +16,8 @@ struct Findings {
 
 // Identifiers are padded with a zero byte; some files pad with a blank.
 std::string identifier(std::span<const uint8_t> value) {
-    std::string text = dicomText(value);
+    constexpr size_t longestIdentifier = 64;
+    std::string text = dicomText(value.first(std::min(value.size(), longestIdentifier)));
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
 }

@@ -37,44 +37,49 @@ QStringList DicomSliceReader::namesOf(qint64 measured, int slice) const {
 }
 
 bool DicomSliceReader::readFirstVolume() {
-    return readSlices(0, Stage::FirstVolume, firstVolume());
+    return readSlices(Stage::FirstVolume, 0);
 }
 
 bool DicomSliceReader::readVolume(int volume) {
-    return readSlices(measuredVolume(volume), Stage::Loop, analysedVolume(volume));
+    return readSlices(Stage::Loop, volume);
 }
 
-bool DicomSliceReader::readSlices(qint64 measured, Stage stage, std::span<int16_t> volume) {
-    if (volume.empty())
+bool DicomSliceReader::readSlices(Stage stage, int volume) {
+    const bool first = stage == Stage::FirstVolume;
+    const qint64 measured = first ? 0 : measuredVolume(volume);
+    // Events are processed in each wait, so the volume is looked up behind it.
+    const auto target = [&] { return first ? firstVolume() : analysedVolume(volume); };
+    if (target().empty())
         return false;
-    const size_t sliceSamples = volume.size() / size_t(settings().NrOfSlices);
     for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
         // Any size counts as arrived: how long a header is, the settings don't tell.
         const QString path = await({namesOf(measured, slice), 0, true}, settleMilliseconds);
-        if (path.isEmpty())
+        if (path.isEmpty() || !takeSlice(path, stage, target(), slice))
             return false;
-        if (stage == Stage::FirstVolume && slice == 0)
+        if (first && slice == 0)
             project().FirstDataSourceFile = paths::fileName(path);
-        if (!takeSlice(path, stage, volume.subspan(size_t(slice) * sliceSamples, sliceSamples)))
-            return false;
     }
     return true;
 }
 
-bool DicomSliceReader::takeSlice(const QString& path, Stage stage, std::span<int16_t> slice) {
-    if (!readWhole(path, memoryMessage()) || (stage == Stage::FirstVolume && !acceptsFile(path)))
+bool DicomSliceReader::takeSlice(const QString& path, Stage stage, std::span<int16_t> volume,
+                                 int slice) {
+    if (volume.empty() || !readWhole(path, memoryMessage()) ||
+        (stage == Stage::FirstVolume && !acceptsFile(path)))
         return false;
     const auto found = pixelData(path, PixelKeySearch::First, missingKeyMessage());
     if (!found)
         return false;
     const std::span<uint8_t> samples = pixelBytes(bytes(), *found);
-    if (!holdsSamples(samples, slice.size(), path))
+    const size_t sliceSamples = volume.size() / size_t(settings().NrOfSlices);
+    if (!holdsSamples(samples, sliceSamples, path))
         return false;
     // The first volume goes by the file, the loop by the order that the program has settled on.
     const ByteOrder order =
         stage == Stage::FirstVolume ? found->byteOrder : state().rawDataByteOrder;
     if (order != hostByteOrder)
-        swapSamples(samples, slice.size());
-    std::memcpy(slice.data(), samples.data(), slice.size_bytes());
+        swapSamples(samples, sliceSamples);
+    std::memcpy(volume.subspan(size_t(slice) * sliceSamples).data(), samples.data(),
+                2 * sliceSamples);
     return true;
 }

@@ -12,6 +12,7 @@ public:
 
 private:
     [[nodiscard]] QStringList namesOf(qint64 measured, int slice) const;
-    [[nodiscard]] bool readSlices(qint64 measured, Stage stage, std::span<int16_t> volume);
-    [[nodiscard]] bool takeSlice(const QString& path, Stage stage, std::span<int16_t> slice);
+    [[nodiscard]] bool readSlices(Stage stage, int volume);
+    [[nodiscard]] bool takeSlice(const QString& path, Stage stage, std::span<int16_t> volume,
+                                 int slice);
 };

@@ -33,8 +33,8 @@ protected:
     /// The content of the file that was read last.
     [[nodiscard]] std::span<uint8_t> bytes() { return file_.bytes(); }
 
-    /// The volumes to fill. Empty when the number is out of range or the volume has not the size
-    /// of the settings.
+    /// The volumes to fill, looked up anew behind each wait. Empty when the number is out of range
+    /// or the volume has not the size of the settings.
     [[nodiscard]] std::span<int16_t> firstVolume();
     [[nodiscard]] std::span<int16_t> analysedVolume(int volume);
 

@@ -30,9 +30,9 @@ constexpr size_t blockWords = 1024;
 bool holdsGroup(std::span<const uint8_t> block) {
     std::array<uint16_t, blockWords> words;
     std::memcpy(words.data(), block.data(), block.size());
-    uint16_t found = 0;
+    int found = 0;
     for (size_t i = 0; i < block.size() / 2; ++i)
-        found |= uint16_t((words[i] == 0x7FE0) | (words[i] == 0xE07F));
+        found |= int(words[i] == 0x7FE0) | int(words[i] == 0xE07F);
     return found != 0;
 }
 

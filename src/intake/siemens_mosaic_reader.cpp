@@ -55,8 +55,7 @@ ExpectedFile SiemensMosaicReader::expectedFirstFile() const {
 }
 
 bool SiemensMosaicReader::readFirstVolume() {
-    const std::span<int16_t> volume = firstVolume();
-    if (!layoutIsUsable() || volume.empty())
+    if (!layoutIsUsable() || firstVolume().empty())
         return false;
     const ExpectedFile expected = expectedFirstFile();
     const QString path = await(expected, settleMilliseconds);
@@ -66,17 +65,16 @@ bool SiemensMosaicReader::readFirstVolume() {
     }
     state().watchFolder = paths::folderWithSlash(path);
     project().FirstDataSourceFile = paths::fileName(path);
-    return takeVolume(path, Stage::FirstVolume, volume);
+    return takeVolume(path, Stage::FirstVolume, firstVolume());
 }
 
 bool SiemensMosaicReader::readVolume(int volume) {
-    const std::span<int16_t> target = analysedVolume(volume);
-    if (!layoutIsUsable() || target.empty())
+    if (!layoutIsUsable() || analysedVolume(volume).empty())
         return false;
     const qint64 size = qint64(MosaicLayout::of(settings()).mosaicSamples()) * 2;
     const QString path =
         await({{watchedPath(fileName(measuredVolume(volume)))}, size, true}, settleMilliseconds);
-    return !path.isEmpty() && takeVolume(path, Stage::Loop, target);
+    return !path.isEmpty() && takeVolume(path, Stage::Loop, analysedVolume(volume));
 }
 
 bool SiemensMosaicReader::takeVolume(const QString& path, Stage stage, std::span<int16_t> volume) {

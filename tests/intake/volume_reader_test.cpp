@@ -255,8 +255,4 @@ TEST(SliceReader, FailsWithItsMessageForAFileWithoutKey) {
     EXPECT_FALSE(run.reader()->readFirstVolume());
 }
 
-TEST(VolumeReader, IsThereForKnownTypesOnly) {
-    EXPECT_EQ(IntakeRun("FLOPPY", 1, 1, 1).reader(), nullptr);
-}
-
 } // namespace
