@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-bool MosaicLayout::holdsAllSlices() const {
+bool MosaicTiling::holdsAllSlices() const {
     if (matrixSizeX <= 0 || matrixSizeY <= 0 || nrOfSlices <= 0 || mosaicSizeX < matrixSizeX ||
         mosaicSizeY < matrixSizeY)
         return false;
@@ -11,7 +11,7 @@ bool MosaicLayout::holdsAllSlices() const {
 }
 
 bool splitMosaic(std::span<const uint8_t> source, std::span<int16_t> volume,
-                 const MosaicLayout& layout) {
+                 const MosaicTiling& layout) {
     if (!layout.holdsAllSlices() || source.size() / 2 < layout.mosaicSamples() ||
         volume.size() != layout.volumeSamples())
         return false;

@@ -8,14 +8,14 @@
 #include <span>
 
 /// Sizes in samples, as the settings state them.
-struct MosaicLayout {
+struct MosaicTiling {
     int mosaicSizeX = 0;
     int mosaicSizeY = 0;
     int matrixSizeX = 0;
     int matrixSizeY = 0;
     int nrOfSlices = 0;
 
-    [[nodiscard]] static MosaicLayout of(const RunSettings& settings) {
+    [[nodiscard]] static MosaicTiling of(const RunSettings& settings) {
         return {settings.MosaicResolutionX, settings.MosaicResolutionY, settings.MatrixSizeX,
                 settings.MatrixSizeY, settings.NrOfSlices};
     }
@@ -34,4 +34,4 @@ struct MosaicLayout {
 /// layout does not hold all slices, the source less than the whole mosaic, or the volume has
 /// another size.
 [[nodiscard]] bool splitMosaic(std::span<const uint8_t> source, std::span<int16_t> volume,
-                               const MosaicLayout& layout);
+                               const MosaicTiling& layout);

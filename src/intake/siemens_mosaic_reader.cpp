@@ -31,7 +31,7 @@ QString SiemensMosaicReader::fileName(qint64 measured) const {
 }
 
 bool SiemensMosaicReader::layoutIsUsable() const {
-    const MosaicLayout layout = MosaicLayout::of(settings());
+    const MosaicTiling layout = MosaicTiling::of(settings());
     return layout.holdsAllSlices() ||
            failWith(QString("ERROR: A mosaic of %1 x %2 does not hold %3 slices of %4 x %5 - check "
                             "settings file !")
@@ -45,7 +45,7 @@ bool SiemensMosaicReader::layoutIsUsable() const {
 // With a list of folders instead of a watch folder, the first one that has the file counts; the
 // size must then be met exactly, so that the file of another run in one of them is passed by.
 ExpectedFile SiemensMosaicReader::expectedFirstFile() const {
-    const qint64 size = qint64(MosaicLayout::of(settings()).mosaicSamples()) * 2;
+    const qint64 size = qint64(MosaicTiling::of(settings()).mosaicSamples()) * 2;
     if (!settings().WatchFolder.isEmpty() || settings().watchFolderList.isEmpty())
         return {{watchedPath(fileName(0))}, size, true};
     ExpectedFile expected{{}, size, false};
@@ -71,7 +71,7 @@ bool SiemensMosaicReader::readFirstVolume() {
 bool SiemensMosaicReader::readVolume(int volume) {
     if (!layoutIsUsable() || analysedVolume(volume).empty())
         return false;
-    const qint64 size = qint64(MosaicLayout::of(settings()).mosaicSamples()) * 2;
+    const qint64 size = qint64(MosaicTiling::of(settings()).mosaicSamples()) * 2;
     const QString path =
         await({{watchedPath(fileName(measuredVolume(volume)))}, size, true}, settleMilliseconds);
     return !path.isEmpty() && takeVolume(path, Stage::Loop, analysedVolume(volume));
@@ -83,7 +83,7 @@ bool SiemensMosaicReader::takeVolume(const QString& path, Stage stage, std::span
     const auto found = pixelData(path, PixelKeySearch::Last, missingKeyMessage(path));
     if (!found)
         return false;
-    const MosaicLayout layout = MosaicLayout::of(settings());
+    const MosaicTiling layout = MosaicTiling::of(settings());
     const std::span<uint8_t> samples = pixelBytes(bytes(), *found);
     if (!holdsSamples(samples, layout.mosaicSamples(), path))
         return false;

@@ -74,7 +74,7 @@ TEST(SwapSamples, StopsAtTheCountAndAtTheEnd) {
 
 TEST(SplitMosaic, TakesTilesRowByRow) {
     // Tiles of 2 x 3 samples; the mosaic is one sample wider than its three tiles.
-    const MosaicLayout layout{7, 6, 2, 3, 5};
+    const MosaicTiling layout{7, 6, 2, 3, 5};
     std::vector<uint16_t> mosaic(42);
     for (size_t i = 0; i < mosaic.size(); ++i)
         mosaic[i] = uint16_t(i);
@@ -86,7 +86,7 @@ TEST(SplitMosaic, TakesTilesRowByRow) {
                                     12, 18, 19, 21, 22, 28, 29, 35, 36, 23, 24, 30, 31, 37, 38}));
     EXPECT_FALSE(splitMosaic(source.first(83), volume, layout));
     EXPECT_FALSE(splitMosaic(source, std::span(volume).first(29), layout));
-    for (const MosaicLayout& none : {MosaicLayout{6, 6, 2, 3, 7},
+    for (const MosaicTiling& none : {MosaicTiling{6, 6, 2, 3, 7},
                                      {6, 6, 0, 3, 1},
                                      {6, 6, 7, 3, 1},
                                      {6, 2, 2, 3, 1},
