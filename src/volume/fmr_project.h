@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -37,10 +38,10 @@ struct FMRHeader {
     int NrOfSkippedVolumes = 0;
     QString Prefix = "realtime_slice-";
     int DataStorageFormat = 2;
-    float TR = 2000.0f;             ///< milliseconds
-    float InterSliceTime = 80.0f;   ///< milliseconds
+    float TR = 2000.0f;           ///< milliseconds
+    float InterSliceTime = 80.0f; ///< milliseconds
     bool TimeResolutionVerified = false;
-    float TE = 0.0f;                ///< milliseconds
+    float TE = 0.0f; ///< milliseconds
     int SliceAcquisitionOrder = 0;
     bool SliceAcquisitionOrderVerified = false;
     int ResolutionX = 64; ///< MatrixSizeX
