@@ -168,6 +168,8 @@ TEST(CommandLine, RefusesWhatDoesNotFit) {
         {{"--tr", "fast"}, "The value \"fast\" doesn't fit option --tr."},
         {{"--type", "GE_I"}, "The value \"GE_I\" doesn't fit option --type."},
         {{"--volumes", "2"}, "The number of volumes to skip (2) must lie between 0 and 1."},
+        {{"--volumes", "700", "--block", "1"},
+         "Blocks of 1 volumes give a condition more than 300"},
         {{"--noise", "nan"}, "The value \"nan\" doesn't fit option --noise."},
         {{"--late", "3"}, "The value \"3\" doesn't fit option --late."},
         {{"--missing", "153"}, "There is no volume 153."},

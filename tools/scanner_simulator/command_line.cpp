@@ -3,6 +3,7 @@
 
 #include <QCommandLineParser>
 #include <cmath>
+#include <tuple>
 
 namespace {
 

@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <algorithm>
 #include <chrono>
 #include <clocale>
 #include <csignal>

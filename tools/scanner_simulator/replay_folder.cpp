@@ -4,6 +4,7 @@
 #include "base/paths.h"
 
 #include <QDir>
+#include <QFile>
 #include <algorithm>
 
 namespace {

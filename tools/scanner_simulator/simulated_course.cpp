@@ -3,6 +3,7 @@
 
 #include "random_numbers.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -21,7 +22,8 @@ double gammaIntegral(int shape, double t) {
     return 1.0 - std::exp(-t) * sum;
 }
 
-double degreesOrMillimetresOfDrift(double part, double turns) {
+/// From 0 to 0.7 over the run, with a wave on top; `part` of the run is over.
+double driftCourse(double part, double turns) {
     return 0.7 * part + 0.3 * std::sin(fullTurn * turns * part);
 }
 
@@ -102,12 +104,12 @@ HeadPose SimulatedCourse::driftPose(int volume) const {
     const double part = double(volume - options_.nrOfVolumesToSkip) /
                         std::max(1, options_.nrOfVolumes - options_.nrOfVolumesToSkip);
     HeadPose pose;
-    pose.translation[0] = 0.5 * degreesOrMillimetresOfDrift(part, 2.0);
-    pose.translation[1] = -0.8 * degreesOrMillimetresOfDrift(part, 1.0);
-    pose.translation[2] = 1.2 * degreesOrMillimetresOfDrift(part, 1.5);
-    pose.rotation[0] = 1.0 * degreesOrMillimetresOfDrift(part, 1.0);
-    pose.rotation[1] = 0.4 * degreesOrMillimetresOfDrift(part, 2.5);
-    pose.rotation[2] = -0.6 * degreesOrMillimetresOfDrift(part, 2.0);
+    pose.translation[0] = 0.5 * driftCourse(part, 2.0);
+    pose.translation[1] = -0.8 * driftCourse(part, 1.0);
+    pose.translation[2] = 1.2 * driftCourse(part, 1.5);
+    pose.rotation[0] = 1.0 * driftCourse(part, 1.0);
+    pose.rotation[1] = 0.4 * driftCourse(part, 2.5);
+    pose.rotation[2] = -0.6 * driftCourse(part, 2.0);
     return pose;
 }
 

@@ -5,6 +5,9 @@
 
 namespace {
 
+/// What a condition of a protocol has room for.
+constexpr int largestNrOfIntervals = 300;
+
 bool isFileName(const QString& name) {
     return !name.isEmpty() && name.size() <= 100 && !name.contains('/') && !name.contains('\\') &&
            !name.contains('"') && !name.startsWith('.') && !name.contains(' ') &&
@@ -44,6 +47,12 @@ QString problemOf(const SimulationOptions& options) {
                 .arg(range.value)
                 .arg(range.smallest)
                 .arg(range.largest);
+    // The baseline has every other block.
+    const int analysed = options.nrOfVolumes - options.nrOfVolumesToSkip;
+    if ((analysed + options.blockLength - 1) / options.blockLength > 2 * largestNrOfIntervals)
+        return QString("Blocks of %1 volumes give a condition more than %2 intervals.")
+            .arg(options.blockLength)
+            .arg(largestNrOfIntervals);
     if (!isFileName(options.name))
         return QString("The name \"%1\" can't be the beginning of file names.").arg(options.name);
     return {};
