@@ -141,8 +141,6 @@ void computeClusterSizes(StatisticalMaps& maps, bool conjunction) {
     maps.NrOfShownMaps = maps.nrOfMapsToShow(conjunction);
     if (maps.NrOfShownMaps == 0 || maps.ClusterSizePixels <= 0)
         return;
-    if (conjunction && maps.NrOfActiveContrasts >= 2)
-        maps.states[0] = 3;
 
     maps.ClusterSizeSlices.resize(size_t(maps.nrOfSlices));
     for (int slice = 0; slice < maps.nrOfSlices; ++slice) {

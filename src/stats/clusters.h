@@ -6,8 +6,7 @@
 
 /// Raises Threshold and ColorMaxThreshold to 0 where they are below, sets NrOfShownMaps, and, with
 /// a map to show and ClusterSizePixels above 0, computes ClusterSizeSlices; else those stay as they
-/// are. With `conjunction` and at least two active contrasts the first map takes the state 3: it
-/// holds values of both signs, whatever the first contrast's own state is.
+/// are. With `conjunction` only the first map is shown.
 ///
 /// Clusters are two-dimensional, 8-connected, and made of the largest of the shown maps' values, so
 /// that both signs of a map can form one cluster. The first and the last slice stay without.

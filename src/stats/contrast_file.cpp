@@ -218,13 +218,16 @@ bool parseContrasts(const QString& text, ContrastDefinitions& contrasts, const D
 }
 
 QByteArray contrastFileText(const ContrastDefinitions& contrasts, int nrOfContrastPredictors) {
-    const size_t count = size_t(contrasts.NrOfContrasts);
+    // The lists run in parallel; only what all of them hold is a contrast.
+    const size_t count =
+        std::min({contrasts.ContrastValues.size(), contrasts.ContrastSelectionStates.size(),
+                  contrasts.ContrastColors.size()});
     QByteArray text = formatted("FileVersion:           %i\n"
                                 "NrOfContrasts:         %i\n"
                                 "NrOfValues:            %i\n"
                                 "BaselineInContrasts:   %i\n"
                                 "BaselinePosInProtocol: %i\n\n",
-                                newestVersion, contrasts.NrOfContrasts, nrOfContrastPredictors,
+                                newestVersion, int(count), nrOfContrastPredictors,
                                 contrasts.BaselineInContrasts, contrasts.BaselinePosInProtocol);
     text += "ContrastNames:\n";
     for (size_t i = 0; i < count; ++i)

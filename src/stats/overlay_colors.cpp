@@ -25,7 +25,7 @@ OverlayColorTable significanceColors() {
     OverlayColorTable table;
     for (int i = 0; i < steps; ++i) {
         table[size_t(i)] = {255, 75 + 20 * i, 0};
-        table[size_t(steps + i)] = {0, 75 + 20 * i, 255 - 20 * i};
+        table[size_t(steps) + size_t(i)] = {0, 75 + 20 * i, 255 - 20 * i};
     }
     return table;
 }
