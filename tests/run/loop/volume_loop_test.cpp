@@ -30,7 +30,7 @@ protected:
             }
         }
         FMRHeader header;
-        if (!readFMRHeader(header, path("results/test.fmr")) || header.NrOfVolumes != int(volumes))
+        if (!readFMRHeader(path("results/test.fmr"), header) || header.NrOfVolumes != int(volumes))
             ADD_FAILURE() << "header says " << header.NrOfVolumes << ", data hold " << volumes;
         return int(volumes);
     }
