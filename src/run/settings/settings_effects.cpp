@@ -99,12 +99,13 @@ bool SettingsReader::checkMultiRunTarget() {
 }
 
 bool SettingsReader::createTargetFolder() {
-    if (report_.forRun() && !QDir().mkpath(settings_.TargetFolder))
+    const QString& folder = settings_.TargetFolder;
+    if (report_.forRun() && (folder.isEmpty() || !QDir().mkpath(folder)))
         return SettingsReport::failFatally(
             QStringLiteral("ERROR: Target folder  \"%1\"  does not exist and could not be "
                            "created!\n\nCheck \"%2\" file and/or create target folder;\nthen rerun "
                            "Velo-Cortivo.")
-                .arg(settings_.TargetFolder, settings_.settingsFilePath));
+                .arg(folder, settings_.settingsFilePath));
     deriveFrom(FieldEffect::FeedbackFolder);
     return true;
 }

@@ -6,7 +6,7 @@
 #include <optional>
 
 /// A folder that ends in "Ser<N>" or "<N>" (or with a small n) stands for its sibling "Ser0012" or
-/// "00012" with the highest number from 1 to 99 that exists, or number 0 when none does. The whole
+/// "0012" with the highest number from 1 to 99 that exists, or number 0 when none does. The whole
 /// last component is replaced, and the result has no "/" at its end. Other folders come back as
 /// they are.
 [[nodiscard]] QString resolvedSeriesFolder(const QString& watchFolder);
