@@ -11,6 +11,7 @@
 namespace {
 
 constexpr int maximumMatrix = 4096;
+constexpr int maximumSlices = 4096;
 
 bool canBeRead(const QString& path) {
     QFile file(path);
@@ -40,6 +41,8 @@ bool SettingsReader::applyEffect(FieldEffect effect) {
         return checkMatrix();
     case FieldEffect::VolumesToSkip:
         return checkVolumesToSkip();
+    case FieldEffect::SliceCount:
+        return checkSliceCount();
     case FieldEffect::InplaneFolder:
         return checkInplaneFolder();
     default:
@@ -153,6 +156,15 @@ bool SettingsReader::checkVolumesToSkip() {
                        "\"NrOfVolumes\" value (%2). Check respective entries in settings file!")
             .arg(settings_.NrOfVolumesToSkip)
             .arg(settings_.NrOfVolumes));
+}
+
+bool SettingsReader::checkSliceCount() {
+    if (settings_.NrOfSlices >= 1 && settings_.NrOfSlices <= maximumSlices)
+        return true;
+    return report_.refuseForRun(
+        QStringLiteral("ERROR: Problem reading \"NrOfSlices\" value (%1). Check respective entries "
+                       "in settings file!")
+            .arg(settings_.NrOfSlices));
 }
 
 bool SettingsReader::checkInplaneFolder() {

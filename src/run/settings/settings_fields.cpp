@@ -54,7 +54,6 @@ using enum ValueKind;
 // matrix, slices and volumes leaves 64 bits.
 constexpr double maximumMatrix = 4096;
 constexpr double maximumMosaic = 16384;
-constexpr double maximumSlices = 4096;
 constexpr double maximumVolumes = 1000000;
 constexpr double hourMilliseconds = 3600000;
 
@@ -213,7 +212,7 @@ void addSizes(Table& t) {
                        .within(0, maximumVolumes)
                        .blankLine());
     add(singleRun,
-        Entry(Integer, "NrOfSlices:", &S::NrOfSlices).within(1, maximumSlices).blankLine());
+        Entry(Integer, "NrOfSlices:", &S::NrOfSlices).then(FieldEffect::SliceCount).blankLine());
 }
 
 void addNamesAndTimes(Table& t) {

@@ -43,6 +43,7 @@ enum class FieldEffect {
     TimeOut,
     MatrixSizes,
     VolumesToSkip,
+    SliceCount,
     ProjectName,
     ForceTRDelay,
     InplaneFlag,

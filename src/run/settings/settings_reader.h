@@ -37,6 +37,7 @@ private:
     [[nodiscard]] bool takeDataType();
     [[nodiscard]] bool checkMatrix();
     [[nodiscard]] bool checkVolumesToSkip();
+    [[nodiscard]] bool checkSliceCount();
     [[nodiscard]] bool checkInplaneFolder();
     void takePixelSize();
     void clearOverlays();

@@ -31,9 +31,9 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
                  {"Skip: 3", "Skip: 50", skip(50)},
                  {"Skip: 3", "Skip: 49", ""},
                  {"Skip: 3", "Skip: -1", single("NrOfVolumesToSkip", "-1")},
-                 {"NrOfSlices: 9", "NrOfSlices: 0", single("NrOfSlices", "0")},
-                 {"NrOfSlices: 9", "NrOfSlices: -9", single("NrOfSlices", "-9")},
-                 {"NrOfSlices: 9", "NrOfSlices: 99999999999", single("NrOfSlices", "0")},
+                 {"NrOfSlices: 9", "NrOfSlices: 0", slices(, "0")},
+                 {"NrOfSlices: 9", "NrOfSlices: -9", slices(, "-9")},
+                 {"NrOfSlices: 9", "NrOfSlices: 99999999999", slices(, "0")},
                  {"TR: 1500.5", "TR: fast", single("TR", "0")},
                  {"StimulationProtocol:", "Protocol:", protocol}};
     for (const auto& [before, after, message] : cases) {
