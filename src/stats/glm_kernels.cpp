@@ -66,6 +66,9 @@ template<int rows>
                                            float* sums) {
     std::fill_n(sums, count, 0.0f);
     int j = 0;
+    for (; j + 8 <= nrOfRows; j += 8)
+        addRows<8>(weights + size_t(j) * weightStride, weightStride, values + size_t(j) * stride,
+                   stride, count, sums);
     for (; j + 4 <= nrOfRows; j += 4)
         addRows<4>(weights + size_t(j) * weightStride, weightStride, values + size_t(j) * stride,
                    stride, count, sums);
@@ -74,22 +77,13 @@ template<int rows>
                    stride, count, sums);
 }
 
-/// xy += each predictor's value at one volume times the samples.
-[[gnu::always_inline]] inline void addSampleProducts(const float* x, int p,
-                                                     const float* __restrict samples, size_t count,
-                                                     float* __restrict xy) {
-    for (int j = 0; j < p; ++j) {
-        float* sums = xy + size_t(j) * glmBlockVoxels;
-        for (size_t v = 0; v < count; ++v)
-            sums[v] += x[j] * samples[v];
-    }
-}
-
 /// The fitted value of one volume.
 [[gnu::always_inline]] inline void computeModel(const float* x, int p, const float* betas,
                                                 size_t count, double* model) {
     std::fill_n(model, count, 0.0);
     int j = 0;
+    for (; j + 8 <= p; j += 8)
+        addRowsInDouble<8>(x + j, betas + size_t(j) * glmBlockVoxels, glmBlockVoxels, count, model);
     for (; j + 4 <= p; j += 4)
         addRowsInDouble<4>(x + j, betas + size_t(j) * glmBlockVoxels, glmBlockVoxels, count, model);
     for (; j < p; ++j)
@@ -172,15 +166,15 @@ void solveBlock(const BatchDesign& design, std::span<const int16_t* const> volum
                 BatchScratch& scratch, double* values, size_t stride) {
     const int p = design.p;
     const int n = design.n;
-    std::fill(scratch.xy.begin(), scratch.xy.end(), 0.0f);
     for (int t = 0; t < n; ++t) {
         const int16_t* source = volumes[size_t(t)];
         float* __restrict samples = scratch.samples.data() + size_t(t) * glmBlockVoxels;
         for (size_t v = 0; v < count; ++v)
             samples[v] = float(source[v]);
-        addSampleProducts(design.x.data() + size_t(t) * size_t(p), p, samples, count,
-                          scratch.xy.data());
     }
+    for (int j = 0; j < p; ++j)
+        sumRows(design.x.data() + j, size_t(p), n, scratch.samples.data(), glmBlockVoxels, count,
+                scratch.xy.data() + size_t(j) * glmBlockVoxels);
     for (int i = 0; i < p; ++i)
         sumRows(design.inverse.data() + size_t(i) * size_t(p), 1, p, scratch.xy.data(),
                 glmBlockVoxels, count, scratch.betas.data() + size_t(i) * glmBlockVoxels);

@@ -1,0 +1,159 @@
+// Times of the model's steps at three sizes, beside a plain copy of the model's memory.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/clusters.h"
+#include "stats/glm_batch.h"
+#include "stats/incremental_glm.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <functional>
+#include <random>
+
+namespace {
+
+constexpr int nrOfVolumes = 300;
+constexpr int nrOfConditions = 6; // with the constant and the trend 8 predictors
+constexpr int nrOfContrasts = 3;
+
+struct Size {
+    int columns;
+    int rows;
+    int slices;
+    double budgetMilliseconds; ///< for update, t maps and clusters of a volume
+};
+
+/// Median over `repeats` of the milliseconds that `work` takes, after one call to warm up.
+double medianMilliseconds(int repeats, const std::function<void()>& work) {
+    using Clock = std::chrono::steady_clock;
+    work();
+    std::vector<double> times;
+    for (int i = 0; i < repeats; ++i) {
+        const Clock::time_point start = Clock::now();
+        work();
+        times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+    }
+    std::ranges::nth_element(times, times.begin() + repeats / 2);
+    return times[size_t(repeats / 2)];
+}
+
+/// A run whose voxels in the inner slices are all inside the mask.
+struct BenchmarkRun {
+    FMRProject project;
+    DesignMatrix design;
+    ContrastDefinitions contrasts;
+    BrainMask mask;
+    GLMState glm;
+    StatisticalMaps maps;
+
+    GLMRun parts() { return {project, design, contrasts, mask, glm, maps}; }
+
+    [[nodiscard]] bool prepare(const Size& size) {
+        project.ResolutionX = maps.sizeX = size.columns;
+        project.ResolutionY = maps.sizeY = size.rows;
+        project.NrOfSlices = maps.nrOfSlices = size.slices;
+        project.NrOfVolumes = nrOfVolumes;
+        makeDesign();
+        makeContrasts();
+        return makeVolumes() && createBrainMask(mask, project) &&
+               glm.allocate(design.NrOfPredictors, project.volumeSamples()) &&
+               maps.allocateMaps(nrOfContrasts);
+    }
+
+private:
+    void makeDesign() {
+        design.NrOfVolumes = nrOfVolumes;
+        design.NrOfConditionPredictors = nrOfConditions;
+        design.NrOfConfoundPredictors = 2;
+        design.NrOfPredictors = nrOfConditions + 2;
+        for (int j = 0; j < design.NrOfPredictors; ++j)
+            for (int t = 0; t < nrOfVolumes; ++t)
+                design.PredictorColumns[size_t(j)].push_back(predictor(j, t));
+        design.PredictorOnsets.assign(nrOfConditions, 0);
+    }
+    static float predictor(int column, int volume) {
+        if (column < nrOfConditions)
+            return std::max(0.0f, std::sin(float(volume * 6 + column * 60) * 0.0174533f));
+        return column == nrOfConditions ? 1.0f : float(volume) / nrOfVolumes * 2 - 1;
+    }
+    void makeContrasts() {
+        contrasts.NrOfContrasts = nrOfContrasts;
+        contrasts.ContrastSelectionStates.assign(nrOfContrasts, ContrastPositive);
+        for (size_t c = 0; c < nrOfContrasts; ++c) {
+            contrasts.ContrastWeights.emplace_back(design.NrOfPredictors, 0);
+            contrasts.ContrastWeights[c][c] = 1;
+            contrasts.ContrastWeights[c][c + 1] = -1;
+        }
+    }
+    [[nodiscard]] bool makeVolumes() {
+        std::minstd_rand random(1);
+        project.volumes.resize(nrOfVolumes);
+        for (Volume& volume : project.volumes) {
+            if (!volume.allocate(project.volumeSamples()))
+                return false;
+            for (int16_t& sample : volume.span())
+                sample = int16_t(900 + (random() >> 8) % 64);
+        }
+        return true;
+    }
+};
+
+/// Calls `work` with volumes from the batch solution on, again and again.
+struct VolumeCounter {
+    int volume = 100;
+    int next() { return volume = volume + 1 < nrOfVolumes ? volume + 1 : 101; }
+};
+
+double batchMilliseconds(BenchmarkRun& run, int nrOfVolumesInModel) {
+    return medianMilliseconds(3, [&] {
+        if (!solveBatch(run.glm, run.project, run.design, run.mask, nrOfVolumesInModel - 1))
+            std::fputs("the batch solution failed\n", stderr);
+    });
+}
+
+bool printSize(const Size& size) {
+    BenchmarkRun run;
+    if (!run.prepare(size)) {
+        std::fputs("not enough memory\n", stderr);
+        return false;
+    }
+    const double batch300 = batchMilliseconds(run, 300);
+    const double batch100 = batchMilliseconds(run, 100);
+
+    constexpr int repeats = 101;
+    const size_t bytes = run.glm.values.size() * sizeof(double);
+    std::vector<double> copy(run.glm.values.size());
+    const double memcpyTime = medianMilliseconds(
+        repeats, [&] { std::memcpy(copy.data(), run.glm.values.data(), bytes); });
+
+    VolumeCounter counter;
+    const auto update = [&] { updateGLM(run.parts(), counter.next()); };
+    run.contrasts.ContrastSelectionStates.assign(nrOfContrasts, ContrastOff);
+    run.contrasts.ContrastsChanged = true;
+    const double updateTime = medianMilliseconds(repeats, update);
+    run.contrasts.ContrastSelectionStates.assign(nrOfContrasts, ContrastPositive);
+    const double mapTime = medianMilliseconds(repeats, update);
+    const double wholeTime = medianMilliseconds(repeats, [&] {
+        update();
+        computeClusterSizes(run.maps, false);
+    });
+    std::printf("%3d x %3d x %2d  %7.2f  %7.2f  %6.2f  %7.2f  %7.2f  %7.0f  %7.1f  %7.1f\n",
+                size.columns, size.rows, size.slices, memcpyTime, updateTime,
+                updateTime / memcpyTime, mapTime, wholeTime, size.budgetMilliseconds, batch100,
+                batch300);
+    return true;
+}
+
+} // namespace
+
+int main() {
+    std::printf("Milliseconds, medians; 8 predictors, 3 contrasts, all voxels of the inner slices\n"
+                "size            memcpy   update   ratio   +t maps +clusters  budget  batch100  "
+                "batch300\n");
+    for (const Size& size : {Size{64, 64, 25, 2}, Size{74, 74, 36, 6}, Size{104, 104, 72, 25}})
+        if (!printSize(size))
+            return 1;
+    return 0;
+}
