@@ -14,6 +14,11 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
                        "\"NrOfVolumes\" value (50). Check respective entries in settings file!")
             .arg(value);
     };
+    const auto slices = [](const char* value) {
+        return QString("ERROR: Problem reading \"NrOfSlices\" value (%1). Check respective entries "
+                       "in settings file!")
+            .arg(value);
+    };
     const QString protocol = "ERROR: Expected \"StimulationProtocol:\" or \"RealTimeProtocol:\" or "
                              "\"TDatFile:\" token but found \"Protocol:\".\nCheck entry name and "
                              "order of entries in settings file!";
@@ -31,9 +36,9 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
                  {"Skip: 3", "Skip: 50", skip(50)},
                  {"Skip: 3", "Skip: 49", ""},
                  {"Skip: 3", "Skip: -1", single("NrOfVolumesToSkip", "-1")},
-                 {"NrOfSlices: 9", "NrOfSlices: 0", slices(, "0")},
-                 {"NrOfSlices: 9", "NrOfSlices: -9", slices(, "-9")},
-                 {"NrOfSlices: 9", "NrOfSlices: 99999999999", slices(, "0")},
+                 {"NrOfSlices: 9", "NrOfSlices: 0", slices("0")},
+                 {"NrOfSlices: 9", "NrOfSlices: -9", slices("-9")},
+                 {"NrOfSlices: 9", "NrOfSlices: 99999999999", slices("0")},
                  {"TR: 1500.5", "TR: fast", single("TR", "0")},
                  {"StimulationProtocol:", "Protocol:", protocol}};
     for (const auto& [before, after, message] : cases) {
