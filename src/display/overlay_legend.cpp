@@ -14,7 +14,8 @@ const QColor quietTextColor(150, 156, 166);
 const QColor frameColor(70, 76, 86);
 
 constexpr int nrOfSteps = nrOfOverlayColors / 2;
-constexpr int numberWidth = 7; ///< characters of a threshold
+constexpr int numberWidth = 6; ///< characters of a threshold
+constexpr QChar atLeast(0x2265);
 constexpr int mostLinesOfName = 3;
 
 QColor colorOf(const RgbColor& color) {
@@ -186,7 +187,7 @@ void paintOverlayLegend(QPainter& painter, const QRect& area, const OverlayLegen
         painter.setFont(numberFont(font));
         painter.setPen(quietTextColor);
         painter.drawText(head.adjusted(offset, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                         QString(">=") + thresholdNumber(legend.threshold));
+                         atLeast + QString::number(double(legend.threshold), 'f', 2));
         painter.setFont(font);
         paintEntries(painter, rest, legend);
     }
