@@ -114,9 +114,8 @@ void mergeLabels(ClusterScratch& scratch) {
     }
     for (size_t label = 1; label < labels; ++label) {
         const size_t root = size_t(scratch.roots[label]);
-        if (root == label)
-            continue;
-        scratch.sizes[root] += scratch.sizes[label];
+        if (root != label)
+            scratch.sizes[root] += scratch.sizes[label];
     }
     for (size_t label = 1; label < labels; ++label)
         scratch.sizes[label] = scratch.sizes[size_t(scratch.roots[label])];

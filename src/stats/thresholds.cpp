@@ -19,6 +19,11 @@ void keepColorMaxAbove(StatisticalMaps& maps) {
         maps.ColorMaxThreshold = maps.Threshold + 1.0f;
 }
 
+/// What betai can take: it ends the program on a ratio that is no number.
+bool areDegreesOfFreedom(float df) {
+    return std::isfinite(df) && df > 0.0f;
+}
+
 QByteArray fThresholdText(const StatisticalMaps& maps) {
     const double threshold = double(maps.Threshold);
     if (maps.MapDF1 < 1 || maps.MapDF2 < 1)
@@ -40,17 +45,18 @@ QByteArray tThresholdText(const StatisticalMaps& maps) {
 } // namespace
 
 float tProbability(float t, float df) {
-    if (std::isnan(t) || !(df > 0.0f))
+    if (std::isnan(t) || !areDegreesOfFreedom(df))
         return 1.0f;
-    return betai(0.5f * df, 0.5f, df / (df + t * t));
+    return float(numerics::betai(double(0.5f * df), 0.5, double(df / (df + t * t))));
 }
 
 float fProbability(float F, float df1, float df2) {
     if (F < 0.0f)
         return 0.0f;
-    if (std::isnan(F) || !(df1 > 0.0f) || !(df2 > 0.0f))
+    if (std::isnan(F) || !areDegreesOfFreedom(df1) || !areDegreesOfFreedom(df2))
         return 1.0f;
-    return betai(0.5f * df2, 0.5f * df1, df2 / (df2 + df1 * F));
+    return float(
+        numerics::betai(double(0.5f * df2), double(0.5f * df1), double(df2 / (df2 + df1 * F))));
 }
 
 QString thresholdText(const StatisticalMaps& maps) {

@@ -8,11 +8,12 @@
 
 /// Two-tailed probability of a t value: the incomplete beta function at df / (df + t * t) with
 /// df / 2 and 1 / 2 (Abramowitz and Stegun, 26.7.1 and 26.5.27). 1 for a value that is no number
-/// and for degrees of freedom not above 0.
+/// and for degrees of freedom that are not above 0 or not finite.
 [[nodiscard]] float tProbability(float t, float df);
 /// Probability of an F value at least as large: the incomplete beta function at
 /// df2 / (df2 + df1 * F) with df2 / 2 and df1 / 2 (Abramowitz and Stegun, 26.6.2). 0 for a negative
-/// F; 1 for a value that is no number and for degrees of freedom not above 0.
+/// F; 1 for a value that is no number and for degrees of freedom that are not above 0 or not
+/// finite.
 [[nodiscard]] float fProbability(float F, float df1, float df2);
 
 /// The lower threshold with its p value, where the degrees of freedom are known, as the information

@@ -28,6 +28,7 @@ public:
     [[nodiscard]] Kind kind() const { return kind_; }
 
     FMRProject project;
+    Volume workingVolume; ///< scratch of one volume
     StimulationProtocol protocol;
     std::vector<int> VolumeConditionIndex; ///< condition of each volume; -1 none
     DesignMatrix design;

@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/run_preparation.h"
+
+#include "base/messages.h"
+#include "base/paths.h"
+#include "base/program_end.h"
+#include "run/protocol/prt_file.h"
+#include "run/settings/settings_file.h"
+#include "stats/contrast_file.h"
+
+#include <QDir>
+
+namespace {
+
+// The values of the settings that belong to the project.
+void copySettingsToProject(FMRProject& project, const RunSettings& settings) {
+    project.NrOfVolumes = settings.nrOfAnalysedVolumes();
+    project.NrOfSlices = settings.NrOfSlices;
+    project.NrOfSkippedVolumes = settings.NrOfVolumesToSkip;
+    project.Prefix = settings.SlicePrefix;
+    project.TR = settings.TR;
+    project.InterSliceTime = settings.InterSliceTime;
+    project.ResolutionX = settings.MatrixSizeX;
+    project.ResolutionY = settings.MatrixSizeY;
+    project.LayoutNColumns = settings.NrOfColumns;
+    project.LayoutNRows = settings.NrOfRows;
+    project.sliceThickness = settings.SliceThickness;
+    project.sliceGap = settings.GapThickness;
+    project.pixelSizeX = settings.pixelSizeX;
+    project.pixelSizeY = settings.pixelSizeY;
+    // Single-slice files of this type are read without their headers; the field of view that the
+    // operator stated is all that is known.
+    if (settings.documentDataType == "DICOM" && settings.MatrixSizeX > 0 &&
+        settings.MatrixSizeY > 0) {
+        project.pixelSizeX = float(settings.InplaneFoVX) / float(settings.MatrixSizeX);
+        project.pixelSizeY = float(settings.InplaneFoVY) / float(settings.MatrixSizeY);
+    }
+    project.targetFolder = settings.TargetFolder;
+    project.projectPath = paths::join(settings.TargetFolder,
+                                      paths::withDefaultExtension(settings.ProjectName, "fmr"));
+}
+
+void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings) {
+    copySettingsToProject(document.project, settings);
+    document.protocol.tdatPath = settings.TDatFile;
+    document.protocol.realTimeProtocolPath = settings.RealTimeProtocol;
+    document.protocol.protocolPath = settings.StimulationProtocol;
+    document.maps.Threshold = settings.Threshold;
+    document.maps.ColorMaxThreshold =
+        std::max(document.maps.ColorMaxThreshold, settings.Threshold + 1.0f);
+    document.maps.ClusterSizePixels = settings.ClusterSizePixels;
+    document.maps.sizeX = settings.MatrixSizeX;
+    document.maps.sizeY = settings.MatrixSizeY;
+    document.maps.nrOfSlices = settings.NrOfSlices;
+    document.mosaic.MosaicColumns = std::max(settings.NrOfColumns, 1);
+    document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
+    document.workingFolder = settings.TargetFolder;
+}
+
+// In the order of preference; "<none>" counts as no path. With none of the three the run has no
+// protocol at this point, and the loop will tell.
+bool readProtocol(QtCortivoDoc& document) {
+    StimulationProtocol& protocol = document.protocol;
+    for (const QString& path : {protocol.tdatPath, protocol.realTimeProtocolPath}) {
+        if (isProtocolPathSet(path)) {
+            showWarning(QStringLiteral("ERROR: Protocol \"%1\" arrives during the run, which this "
+                                       "version does not support.\n\nUse a \"StimulationProtocol:\""
+                                       " in the settings file.")
+                            .arg(path));
+            return false;
+        }
+    }
+    if (!isProtocolPathSet(protocol.protocolPath))
+        return true;
+    if (paths::folderWithoutSlash(protocol.protocolPath) == QDir::currentPath())
+        protocol.protocolPath = paths::fileName(protocol.protocolPath);
+    return readPRTFile(protocol, ResponseTable::Skip);
+}
+
+// A shortage of memory is found here and not in the middle of a run.
+bool allocateRun(QtCortivoDoc& document) {
+    if (!document.project.allocateVolumes()) {
+        showCritical("ERROR: Insufficient memory for creating slice time courses!");
+        endProgram(1);
+        return false;
+    }
+    const size_t samples = document.project.volumeSamples();
+    const QString outOfMemory = "FATAL ERROR: Can not get enough memory to continue !";
+    if (!document.project.firstVolume.allocate(samples)) {
+        showCritical(outOfMemory);
+        endProgram(1);
+        return false;
+    }
+    if (!document.workingVolume.allocate(samples)) {
+        showCritical(outOfMemory);
+        // The other status is what programs that start this one look at.
+        endProgram(0);
+        return false;
+    }
+    return true;
+}
+
+bool readFirstVolume(VolumeReader& reader) {
+    if (reader.readFirstVolume())
+        return true;
+    showWarning("TIME OUT: Expected first file did not arrive!");
+    return false;
+}
+
+void showFirstVolume(QtCortivoDoc& document) {
+    const FMRProject& project = document.project;
+    computeDisplayRange(document.slices.greyScale, project.firstVolume.span());
+    document.slices.createSlicePixmaps(project.firstVolume.span(), project.ResolutionX,
+                                       project.ResolutionY, project.NrOfSlices);
+    document.firstVolumePresent = true;
+}
+
+} // namespace
+
+DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings) {
+    return {document.protocol, document.project.TR, document.project.NrOfVolumes,
+            document.contrasts.BaselinePosInProtocol, settings.DriftConfoundPredictors};
+}
+
+std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker& makeReader,
+                                         const std::function<void()>& stopTimer) {
+    RunSettings& settings = run.settings;
+    QtCortivoDoc& document = run.document;
+    if (!readSettingsFile(settings, SettingsUse::Run, stopTimer))
+        return nullptr;
+    if (settings.MergeType) {
+        showWarning("ERROR: Multi-run projects are not supported by this version.");
+        return nullptr;
+    }
+    // A version 1 file has no such key, and the flag keeps the value that a start gives it.
+    if (settings.forceTRDelayRead)
+        run.state.forceTRDelay = settings.ForceTRDelay;
+    run.state.pendingOverlayInplane = settings.pendingOverlayInplane;
+    run.state.pendingOverlayVMR = settings.pendingOverlayVMR;
+    run.state.pendingOverlaySRF = settings.pendingOverlaySRF;
+    copySettingsToDocument(document, settings);
+    if (!document.workingFolder.isEmpty())
+        QDir::setCurrent(document.workingFolder);
+
+    if (!readProtocol(document) || !allocateRun(document))
+        return nullptr;
+    if (settings.ShowGODlgAfterPreparation)
+        announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");
+
+    run.intake.rawDataByteOrder = settings.byteOrderCode();
+    run.intake.watchFolder = settings.WatchFolder;
+    std::unique_ptr<VolumeReader> reader =
+        makeReader({settings, document.project, run.intake, run.pump});
+    if (!reader) {
+        showCritical(QStringLiteral("ERROR: Data type not supported!\n\nCheck settings file: "
+                                    "\"%1\".")
+                         .arg(settings.settingsFilePath));
+        endProgram(1);
+        return nullptr;
+    }
+    if (!readFirstVolume(*reader))
+        return nullptr;
+    if (!reader->readHeaders())
+        return nullptr;
+    document.maps.MapType = MapKind::T;
+    showFirstVolume(document);
+    return reader;
+}
+
+void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings) {
+    DesignMatrix& design = document.design;
+    ContrastDefinitions& contrasts = document.contrasts;
+    const DesignSource source = designSource(document, settings);
+    buildConditionPredictorNames(design, source);
+    buildConfoundPredictorNames(design, source);
+    design.NrOfPredictors = design.NrOfConditionPredictors + design.NrOfConfoundPredictors;
+
+    if (!settings.ContrastFile.isEmpty() &&
+        !readContrastFile(settings.ContrastFile, contrasts, design,
+                          document.protocol.nrOfConditions()))
+        contrasts.clear();
+    if (contrasts.NrOfContrasts == 0) {
+        contrasts.BaselinePosInProtocol = 1;
+        generateContrasts(contrasts, design, settings.AutoContrastGenerationLevel);
+    }
+    document.updateOverlayColors();
+}

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/run_saving.h"
+
+#include "base/messages.h"
+#include "base/paths.h"
+#include "run/protocol/prt_file.h"
+#include "stats/contrast_file.h"
+#include "stats/map_file.h"
+#include "volume/fmr_file.h"
+#include "volume/stc_file.h"
+
+#include <QDir>
+
+namespace {
+
+struct SaveStep {
+    int progressBefore; ///< percent, set before the step; -1 leaves it
+    std::function<bool()> write;
+};
+
+// `extension` with its dot; `unnamed` serves a run without a project name.
+QString resultPath(const RunParts& run, const QString& extension, const QString& unnamed) {
+    const QString name = paths::fileName(run.document.project.projectPath);
+    return paths::join(run.document.project.targetFolder,
+                       name.isEmpty() ? unnamed : paths::withoutExtension(name) + extension);
+}
+
+// What the project file states beside the settings: the live layout and the protocol.
+void updateProjectForSaving(const RunParts& run) {
+    QtCortivoDoc& document = run.document;
+    FMRProject& project = document.project;
+    project.LayoutNColumns = document.mosaic.MosaicColumns;
+    project.LayoutNRows = document.mosaic.MosaicRows;
+    project.SegmentSize = document.protocol.SegmentSize;
+    project.SegmentOffset = document.protocol.SegmentOffset;
+    project.ProtocolFiles.clear();
+    if (isProtocolPathSet(document.protocol.protocolPath))
+        project.ProtocolFiles << paths::fileName(document.protocol.protocolPath);
+}
+
+std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress) {
+    QtCortivoDoc& document = run.document;
+    FMRProject& project = document.project;
+    const int volumes = recordedVolumes(run);
+    return {
+        {0,
+         [&run, &document, &project] {
+             const bool written = writeRecordedPRTFile(document.protocol, project.projectPath,
+                                                       project.targetFolder);
+             updateProjectForSaving(run);
+             return written;
+         }},
+        {5, [&, volumes] { return writeSTCData(project, volumes, &progress, &run.pump, 5, 80); }},
+        {80, [&, volumes] { return writeFMRHeader(project, volumes, project.projectPath); }},
+        {-1,
+         [&] {
+             return writeMapFile(resultPath(run, ".mps", "Maps.mps"), document.maps,
+                                 document.contrasts);
+         }},
+        {90,
+         [&] {
+             return writeContrastFile(resultPath(run, ".ctr", "Contrasts.ctr"), document.contrasts,
+                                      document.design.NrOfContrastPredictors);
+         }},
+        {-1, [&] { return writeFirstVolume(project); }},
+    };
+}
+
+bool runSteps(std::vector<SaveStep>& steps, ProgressReporter& progress) {
+    std::vector<SaveStep> failed;
+    for (SaveStep& step : steps) {
+        if (step.progressBefore >= 0)
+            progress.setProgress(step.progressBefore);
+        if (!step.write())
+            failed.push_back(step);
+    }
+    steps = std::move(failed);
+    return steps.empty();
+}
+
+} // namespace
+
+int recordedVolumes(const RunParts& run) {
+    return std::clamp(run.state.currentVolume + 1, 0, run.settings.nrOfAnalysedVolumes());
+}
+
+bool saveRecordedData(const RunParts& run) {
+    const FMRProject& project = run.document.project;
+    const std::unique_ptr<ProgressReporter> progress = run.display.openSavingProgress();
+    std::vector<SaveStep> steps = saveSteps(run, *progress);
+    for (;;) {
+        // The folder was there when the run began; it may have gone since.
+        QDir().mkpath(project.targetFolder);
+        if (runSteps(steps, *progress))
+            break;
+        if (!askQuestion(QStringLiteral("WARNING: The recorded data could not be saved completely "
+                                        "in folder \"%1\".\n\nThe data are still in memory. Free "
+                                        "space on the disk or make the folder writable.\n\nDo you "
+                                        "want to try again?")
+                             .arg(project.targetFolder)))
+            return false;
+    }
+    progress->setProgress(100);
+    return true;
+}

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/run_session.h"
+
+#include "base/messages.h"
+#include "base/paths.h"
+#include "run/loop/run_preparation.h"
+#include "run/loop/status_text.h"
+#include "run/loop/volume_loop.h"
+#include "run/settings/settings_file.h"
+#include "stats/clusters.h"
+#include "stats/thresholds.h"
+
+RunSession::RunSession(EventPump& pump, RunDisplay& display)
+    : makeReader(makeVolumeReader), pump_(pump), display_(display) {}
+
+RunSession::~RunSession() = default;
+
+void RunSession::runButtonPressed() {
+    if (licencePermits && !licencePermits())
+        return;
+    if (state.runActive) {
+        state.interruptFlag = true;
+        state.forceTRDelay = false;
+        return;
+    }
+    if (runButtonState == RunButtonState::NoSettingsFile)
+        return;
+    startRun();
+}
+
+void RunSession::requestStop() {
+    if (!state.runActive)
+        return;
+    state.interruptFlag = true;
+    state.forceTRDelay = false;
+}
+
+bool RunSession::inspectSettings() {
+    return readSettingsFile(settings, SettingsUse::Inspection, stopTimer);
+}
+
+void RunSession::startRun() {
+    // The settings file gives forceTRDelay its real value a little later, if it is new enough.
+    state.forceTRDelay = true;
+    state.runActive = true;
+    display_.runStarting();
+    setRunButton(RunButtonState::Running);
+    state.interruptedAtVolume = -1;
+    state.currentVolume = -1;
+    state.elapsedRunTime = 0;
+    state.mapsPresent = false;
+    replaceDocuments();
+    display_.showLogText(
+        processingText(state.logFontSize, paths::fileName(settings.settingsFilePath)));
+    pump_.processEvents();
+
+    const RunParts run{settings, state, intake, *functionalDocument, stations, display_, pump_};
+    const std::unique_ptr<VolumeReader> reader = prepareRun(run, makeReader, stopTimer);
+    if (!reader) {
+        state.runActive = false;
+        display_.preparationFailed();
+        return;
+    }
+    setUpContrasts(*functionalDocument, settings);
+    display_.runPrepared();
+    pump_.processEvents();
+    if (runVolumeLoop(run, *reader) == LoopEnd::NotStarted) {
+        display_.preparationFailed();
+        return;
+    }
+    finishRun();
+}
+
+void RunSession::replaceDocuments() {
+    display_.documentsLeaving();
+    functionalDocument.reset();
+    anatomicalDocument.reset();
+    pump_.processEvents();
+    functionalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
+    anatomicalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Anatomical);
+    display_.documentsArrived();
+}
+
+void RunSession::finishRun() {
+    if (state.motionCorrectionFailed) {
+        showInformation(
+            "INFO: This data set did not allow to perform 3D motion correction properly.");
+        state.motionCorrectionFailed = false;
+    }
+    state.runFinished = true;
+    setRunButton(RunButtonState::NoSettingsFile);
+    display_.runEnded();
+}
+
+void RunSession::setRunButton(RunButtonState newState) {
+    runButtonState = newState;
+    display_.setRunButtonState(newState);
+}
+
+void RunSession::thresholdChanged() {
+    if (!functionalDocument)
+        return;
+    if (!state.runActive)
+        computeClusterSizes(functionalDocument->maps,
+                            functionalDocument->contrasts.ConjunctionAnalysis);
+    state.mapsPresent = true;
+    display_.updateViews();
+}
+
+void RunSession::contrastsChanged() {
+    if (!functionalDocument)
+        return;
+    QtCortivoDoc& document = *functionalDocument;
+    if (state.runActive) {
+        document.contrasts.ContrastsChanged = true;
+        return;
+    }
+    computeContrastMaps(document.finishedModel, document.mask, document.contrasts, document.maps);
+    document.updateOverlayColors();
+    thresholdChanged();
+}
+
+void RunSession::colorCodingChanged(bool significance) {
+    if (!functionalDocument)
+        return;
+    functionalDocument->SignificanceColorCoding = significance;
+    functionalDocument->updateOverlayColors();
+    display_.updateViews();
+}
+
+void RunSession::stepThreshold(bool up) {
+    if (!functionalDocument)
+        return;
+    ::stepThreshold(functionalDocument->maps, up);
+    thresholdChanged();
+}
+
+void RunSession::showOnFirstVolume() {
+    if (state.overlayVolumeMode == 1)
+        state.overlayReset = true;
+    state.overlayVolumeMode = 0;
+    // During a run the loop takes the request up at its next volume.
+    if (!state.runActive && state.overlayReset && functionalDocument) {
+        functionalDocument->slices.updateSlicePixmaps(
+            functionalDocument->project.firstVolume.span(),
+            functionalDocument->project.NrOfSlices);
+        state.overlayReset = false;
+    }
+    if (state.pendingOverlayInplane != -1)
+        state.pendingOverlayInplane = 0;
+    display_.updateViews();
+}
+
+void RunSession::showOnCurrentVolume() {
+    state.overlayVolumeMode = 1;
+    if (state.pendingOverlayInplane != -1)
+        state.pendingOverlayInplane = 0;
+    display_.updateViews();
+}
+
+void RunSession::showOnInplanes() {
+    if (state.pendingOverlayInplane == -1)
+        return;
+    state.overlayVolumeMode = 0;
+    state.pendingOverlayInplane = 1;
+    display_.updateViews();
+}
+
+QString RunSession::panelText() const {
+    return functionalDocument ? betweenRunsText(state, functionalDocument->maps) : QString();
+}

@@ -1,0 +1,15 @@
+// The volume loop: every volume of a run in turn, from the wait for its files to the updated maps.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/loop/run_parts.h"
+
+enum class LoopEnd {
+    NotStarted,  ///< memory ran out before the first volume; nothing is saved
+    Complete,    ///< last volume, a time-out or a station's failure: what there is has been saved
+    Interrupted, ///< the operator's stop; saved likewise
+};
+
+/// Runs the loop on a prepared run and saves what was recorded. Every failure inside ends the loop
+/// by itself, after its message.
+LoopEnd runVolumeLoop(const RunParts& run, VolumeReader& reader);

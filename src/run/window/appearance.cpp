@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/window/appearance.h"
+
+#include <QScreen>
+#include <QWidget>
+
+// The same colours stand in scripts/render_art.
+namespace {
+const QColor background(0x0e, 0x14, 0x1b);
+const QColor panel(0x15, 0x1d, 0x27);
+const QColor control(0x20, 0x2b, 0x38);
+const QColor text(0xe3, 0xea, 0xf0);
+const QColor disabledText(0x66, 0x75, 0x85);
+const QColor accent(0x2f, 0xc4, 0xb2);
+} // namespace
+
+QPalette darkPalette() {
+    QPalette palette(control, background);
+    palette.setColor(QPalette::Window, panel);
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, background);
+    palette.setColor(QPalette::AlternateBase, panel);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::PlaceholderText, disabledText);
+    palette.setColor(QPalette::Button, control);
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::BrightText, Qt::white);
+    palette.setColor(QPalette::ToolTipBase, control);
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::Highlight, accent);
+    palette.setColor(QPalette::HighlightedText, background);
+    palette.setColor(QPalette::Link, accent);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, disabledText);
+    return palette;
+}
+
+QString windowStyleSheet() {
+    return QStringLiteral(R"(
+#ImageView { background: #05080b; border: 0; }
+#TitleFrm, #MenuBarFrm, #WindowButtonsFrm, #ViewButtonsFrm, #InputPanelFrm {
+    background: transparent; border: 0; }
+QMenuBar { background: transparent; }
+QMenuBar::item { padding: 5px 12px; border-radius: 5px; color: #e3eaf0; background: transparent; }
+QMenuBar::item:selected { background: #202b38; }
+QMenu { background: #151d27; border: 1px solid #314153; padding: 4px; }
+QMenu::item { padding: 6px 28px 6px 24px; border-radius: 4px; }
+QMenu::item:selected { background: #24584f; color: #ffffff; }
+QMenu::item:disabled { color: #667585; }
+QMenu::separator { height: 1px; background: #2a3746; margin: 4px 8px; }
+#ContrastBackgroundGrpBx { border: 0; background: transparent; color: #9fb0c0; }
+#ContrastBackgroundGrpBx::title { subcontrol-origin: padding; left: 12px; top: 8px; }
+#ContrastList { background: #0e141b; border: 1px solid #2a3746; border-radius: 6px; }
+#ContrastList::item { height: 26px; }
+#ContrastList::item:selected { background: #202b38; color: #e3eaf0; }
+QHeaderView::section { background: #151d27; color: #9fb0c0; border: 0; padding: 4px; }
+#LogInfos { background: transparent; border: 0; padding: 4px 8px; }
+QToolButton, QPushButton { background: #202b38; border: 1px solid #314153; border-radius: 6px;
+    color: #e3eaf0; padding: 5px; }
+QToolButton:hover, QPushButton:hover { border-color: #2fc4b2; }
+QToolButton:focus, QPushButton:focus { border-color: #2fc4b2; }
+QToolButton:pressed, QPushButton:pressed { background: #18212b; }
+QToolButton:checked, QPushButton:checked { background: #1f4b47; border-color: #2fc4b2; }
+QToolButton:disabled, QPushButton:disabled { background: #151d27; border-color: #232f3c;
+    color: #667585; }
+#WindowSizeBtn, #MinimizeBtn, #CloseBtn { background: transparent; border-color: transparent; }
+#WindowSizeBtn:hover, #MinimizeBtn:hover, #CloseBtn:hover, #WindowSizeBtn:focus,
+    #MinimizeBtn:focus, #CloseBtn:focus { border-color: #2fc4b2; }
+)");
+}
+
+QRect screenArea(const QWidget* widget) {
+    const QScreen* screen = widget->screen();
+    return screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+}

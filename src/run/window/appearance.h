@@ -1,0 +1,15 @@
+// The look of the program: dark, calm, one accent colour.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QPalette>
+#include <QRect>
+#include <QString>
+
+class QWidget;
+
+[[nodiscard]] QPalette darkPalette();
+/// Style sheet of the main window's panels and controls.
+[[nodiscard]] QString windowStyleSheet();
+/// The free area of the screen that a widget is on.
+[[nodiscard]] QRect screenArea(const QWidget* widget);

@@ -1,0 +1,41 @@
+// The tree of contrasts: which are shown, with which sign, in which colour.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "stats/contrasts.h"
+
+#include <QTreeWidget>
+#include <functional>
+#include <optional>
+
+/// Shows a run's contrasts and changes their selection and colours. It does not own them.
+class ContrastList : public QTreeWidget {
+    Q_OBJECT
+
+public:
+    enum Column { Name = 0, Positive = 1, Negative = 2, Color = 3 };
+
+    explicit ContrastList(QWidget* parent);
+
+    /// Fills the tree; nullptr empties it. The contrasts must outlive the list or the next call.
+    void setContrasts(ContrastDefinitions* contrasts);
+
+    /// Asks for a colour; the program's colour chooser unless a test puts its own here. The chooser
+    /// runs an event loop, in which the contrasts may be replaced.
+    std::function<std::optional<QColor>(const QColor& initial)> chooseColor;
+
+Q_SIGNALS:
+    /// Selection or colours have changed.
+    void contrastsEdited();
+
+public Q_SLOTS:
+    void slotClickedContrastList(QTreeWidgetItem* item, int column);
+
+private:
+    void toggle(int index, ContrastState bit);
+    void editColor(int index);
+    void showRow(int index);
+
+    ContrastDefinitions* contrasts_ = nullptr;
+    int generation_ = 0; ///< counts calls of setContrasts()
+};

@@ -1,0 +1,41 @@
+// Velo-Cortivo: real-time analysis of functional magnetic resonance imaging.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/event_pump.h"
+#include "base/standard_folders.h"
+#include "run/window/licence_dialog.h"
+#include "run/window/message_boxes.h"
+#include "run/window/velo_cortivo.h"
+#include "run/window/velo_cortivo_application.h"
+
+#include <QSplashScreen>
+#include <memory>
+
+int main(int argc, char** argv) {
+    VeloCortivoApplication application(argc, argv);
+    QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() + "/plugins");
+    MessageBoxes boxes;
+    installMessageHandler(&boxes);
+    const StandardFolders folders = standardFolders();
+    createStandardFolders(folders);
+
+    auto splash = std::make_unique<QSplashScreen>(QPixmap(":/images/VCO_Splash_v32.png"));
+    splash->show();
+    QCoreApplication::processEvents();
+
+    QtEventPump pump;
+    auto window = std::make_unique<VeloCortivo>(folders, pump);
+    if (!licencePermits())
+        return 1;
+    static_cast<void>(window->readMasterFile()); // without it the defaults hold: size 2, centred
+    window->initVars();
+    window->applyWindowSize();
+    window->placeOnScreen();
+    window->show();
+    splash->finish(window.get());
+    splash.reset();
+
+    const int status = QCoreApplication::exec();
+    window.reset();
+    installMessageHandler(nullptr);
+    return status;
+}

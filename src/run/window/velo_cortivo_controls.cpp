@@ -1,0 +1,177 @@
+// Thresholds, contrasts and views of the main window.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/file_writing.h"
+#include "base/messages.h"
+#include "base/paths.h"
+#include "display/qt_cortivo_view.h"
+#include "run/window/contrast_list.h"
+#include "run/window/velo_cortivo.h"
+#include "stats/thresholds.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QBuffer>
+#include <QCheckBox>
+#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QTextBrowser>
+#include <QToolButton>
+
+void VeloCortivo::connectControls() {
+    connect(recordButton_, &QToolButton::clicked, this, &VeloCortivo::slotRealTimeAnalysis);
+    connect(toBeginButton_, &QToolButton::clicked, this, &VeloCortivo::slotToPreviousRecording);
+    connect(toEndButton_, &QToolButton::clicked, this, &VeloCortivo::slotToNextRecording);
+    connect(preLoadRoiButton_, &QPushButton::clicked, this, &VeloCortivo::onPreLoadROI);
+    connect(preLoadVoiButton_, &QPushButton::clicked, this, &VeloCortivo::onPreLoadVOI);
+    connect(epiSlicesButton_, &QToolButton::clicked, this, &VeloCortivo::slotSwitchToFMRView);
+    connect(thresholdBox_, &QDoubleSpinBox::valueChanged, this, &VeloCortivo::slotChangeThreshold);
+    connect(colorMaxThresholdBox_, &QDoubleSpinBox::valueChanged, this,
+            &VeloCortivo::slotChangeColorMaxThreshold);
+    connect(clusterSizeBox_, &QSpinBox::valueChanged, this, &VeloCortivo::slotChangeClusterSize);
+    connect(multiSliceBox_, &QSpinBox::valueChanged, this,
+            &VeloCortivo::slotChangeMultiSliceROISelection);
+    // The keys that scroll the slices work again once a number is entered.
+    for (QAbstractSpinBox* box :
+         {static_cast<QAbstractSpinBox*>(thresholdBox_),
+          static_cast<QAbstractSpinBox*>(colorMaxThresholdBox_),
+          static_cast<QAbstractSpinBox*>(clusterSizeBox_),
+          static_cast<QAbstractSpinBox*>(multiSliceBox_)})
+        connect(box->findChild<QLineEdit*>(), &QLineEdit::returnPressed, this, [this] {
+            if (functionalView_)
+                functionalView_->setFocus();
+        });
+    connect(contrastList_, &ContrastList::contrastsEdited, this,
+            [this] { session_.contrastsChanged(); });
+    connect(conjunctionBox_, &QCheckBox::clicked, this, &VeloCortivo::slotConjunctionAnalysis);
+    connect(&timer_, &QTimer::timeout, this, [this] { timerCheckState(); });
+}
+
+void VeloCortivo::refreshControls() {
+    const QSignalBlocker blockers[] = {QSignalBlocker(thresholdBox_),
+                                       QSignalBlocker(colorMaxThresholdBox_),
+                                       QSignalBlocker(clusterSizeBox_),
+                                       QSignalBlocker(multiSliceBox_)};
+    const StatisticalMaps defaults;
+    const QtCortivoDoc* document = session_.functionalDocument.get();
+    const StatisticalMaps& maps = document ? document->maps : defaults;
+    thresholdBox_->setValue(double(maps.Threshold));
+    colorMaxThresholdBox_->setValue(double(maps.ColorMaxThreshold));
+    clusterSizeBox_->setValue(maps.ClusterSizePixels);
+    multiSliceBox_->setValue(session_.settings.MultiSliceROISelection);
+    if (session_.state.runActive)
+        return; // the loop owns the panel
+    if (document)
+        showLogText(session_.panelText());
+}
+
+void VeloCortivo::slotChangeThreshold() {
+    if (!session_.functionalDocument)
+        return;
+    changeThreshold(session_.functionalDocument->maps, float(thresholdBox_->value()));
+    session_.thresholdChanged();
+    refreshControls();
+}
+
+void VeloCortivo::slotChangeColorMaxThreshold() {
+    if (!session_.functionalDocument)
+        return;
+    changeColorMaxThreshold(session_.functionalDocument->maps,
+                            float(colorMaxThresholdBox_->value()));
+    updateViews(); // cluster sizes don't depend on it
+    refreshControls();
+}
+
+void VeloCortivo::slotChangeClusterSize() {
+    if (!session_.functionalDocument)
+        return;
+    changeClusterSize(session_.functionalDocument->maps, clusterSizeBox_->value());
+    session_.thresholdChanged();
+    refreshControls();
+}
+
+void VeloCortivo::slotChangeMultiSliceROISelection() {
+    session_.settings.MultiSliceROISelection = multiSliceBox_->value();
+}
+
+void VeloCortivo::slotConjunctionAnalysis() {
+    QtCortivoDoc* document = session_.functionalDocument.get();
+    const bool wanted = conjunctionBox_->isChecked();
+    if (!document || (wanted && nrOfSelectedContrasts(document->contrasts) < 2)) {
+        conjunctionBox_->setChecked(false);
+        return;
+    }
+    document->contrasts.ConjunctionAnalysis = wanted;
+    session_.contrastsChanged();
+}
+
+bool VeloCortivo::documentShown() const {
+    return session_.functionalDocument && functionalView_;
+}
+
+void VeloCortivo::refreshViewButtons() {
+    const bool shown = documentShown();
+    epiSlicesButton_->setEnabled(shown);
+    epiSlicesButton_->setChecked(shown && functionalView_->isVisible());
+    // These wait for views that don't exist yet in this session.
+    for (QToolButton* button :
+         {epiSlices3DButton_, vmrButton_, leftHemisphereButton_, rightHemisphereButton_}) {
+        button->setEnabled(false);
+        button->setChecked(false);
+    }
+}
+
+bool VeloCortivo::numberBeingTyped() const {
+    const auto* box = qobject_cast<QAbstractSpinBox*>(focusWidget());
+    return box && box->findChild<QLineEdit*>()->isModified();
+}
+
+void VeloCortivo::updateViews() {
+    if (!functionalView_ || !functionalView_->isVisible())
+        return;
+    functionalView_->slotDocumentChanged();
+    // A number that is being typed when a volume comes stays open.
+    if (!numberBeingTyped())
+        functionalView_->setFocus();
+}
+
+void VeloCortivo::slotSwitchToFMRView() {
+    if (functionalView_) {
+        functionalView_->show();
+        updateViews();
+    }
+    refreshViewButtons();
+}
+
+void VeloCortivo::onShowROIsAsRectangles() {
+    roiDisplayStyle_ = RoiDisplayStyle::Rectangles;
+    updateViews();
+}
+
+void VeloCortivo::onShowROIsAsMarkedVoxels() {
+    roiDisplayStyle_ = RoiDisplayStyle::MarkedVoxels;
+    updateViews();
+}
+
+void VeloCortivo::onShowROIsAsRectanglesAndMarkedVoxels() {
+    roiDisplayStyle_ = RoiDisplayStyle::RectanglesAndMarkedVoxels;
+    updateViews();
+}
+
+void VeloCortivo::slotSaveAsBMP() {
+    if (!documentShown())
+        return;
+    // The picture is that of the moment of the command, not of the end of the file choice.
+    const QImage picture = functionalView_->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const QString chosen =
+        chooseFileToSave("Save File", session_.settings.TargetFolder, "Bitmap files (*.bmp)");
+    if (chosen.isEmpty())
+        return;
+    const QString path = paths::withDefaultExtension(chosen, "bmp");
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "BMP") ||
+        !writeFileAtomically(path, bytes))
+        showWarning(QStringLiteral("ERROR: Can not save file \"%1\"!").arg(path));
+}
