@@ -16,12 +16,15 @@ struct GreyScale {
     int high = 1000;
     std::array<float, 3> gain{1.0f, 1.0f, 1.0f};
 
-    /// The table of colours, 0xffRRGGBB.
+    /// The table of colours, 0xffRRGGBB. Without gain gradation i is i * 255 / 215, rounded, so
+    /// that the window spans black to white; a gain multiplies that and is limited to 0 and 255.
     [[nodiscard]] std::array<uint32_t, nrOfGradations> table() const;
 };
 
 /// Display window of a volume: from near its darkest to near its brightest tissue, so that single
-/// bright samples don't darken the rest.
+/// bright samples don't darken the rest. Samples count as unsigned, those of 0 (outside the image,
+/// or cut off by the scanner) not at all. `low` is the 2nd percentile, `high` the 99.5th and at
+/// least low + 1; without any sample above 0 the window is 0 to 1.
 void computeDisplayRange(GreyScale& scale, std::span<const int16_t> samples);
 
 struct SliceImages {
@@ -32,7 +35,10 @@ struct SliceImages {
     std::vector<QImage> InplanePixmaps; ///< high-resolution slices; may be empty
 
     /// Makes the images anew, one for each slice of `samples` (x fastest, then y, then slices).
+    /// There are none, and the sizes are 0, when the samples don't fill the slices or memory runs
+    /// out. Samples are taken as unsigned.
     void createSlicePixmaps(std::span<const int16_t> samples, int x, int y, int nrOfSlices);
-    /// Paints other samples into the images that are there; ignored when their number differs.
+    /// Paints other samples into the images that are there; ignored when the number of
+    /// samples or slices differs.
     void updateSlicePixmaps(std::span<const int16_t> samples, int nrOfSlices);
 };

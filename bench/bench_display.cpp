@@ -1,0 +1,105 @@
+// Times of the slice view for one volume: grey images, mosaic with maps, drawing into the view.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/mosaic_composer.h"
+#include "stats/clusters.h"
+
+#include <QElapsedTimer>
+#include <QPainter>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
+namespace {
+
+struct Size {
+    int matrix;
+    int slices;
+    int columns;
+    int rows;
+};
+
+constexpr int nrOfMaps = 3;
+
+/// Median of many runs, in milliseconds.
+double medianTime(const std::function<void()>& work) {
+    constexpr int runs = 101;
+    std::vector<double> times;
+    for (int i = 0; i < runs; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        work();
+        times.push_back(double(timer.nsecsElapsed()) / 1e6);
+    }
+    std::nth_element(times.begin(), times.begin() + runs / 2, times.end());
+    return times[runs / 2];
+}
+
+std::vector<int16_t> someSamples(const Size& size) {
+    std::vector<int16_t> samples(size_t(size.matrix) * size_t(size.matrix) * size_t(size.slices));
+    for (size_t i = 0; i < samples.size(); ++i)
+        samples[i] = int16_t(i * 7919 % 1500);
+    return samples;
+}
+
+/// Wide waves, different for each map: about a fifth of the voxels pass, in large clusters.
+bool fillMaps(StatisticalMaps& maps, const Size& size) {
+    maps.sizeX = maps.sizeY = size.matrix;
+    maps.nrOfSlices = size.slices;
+    if (!maps.allocateMaps(nrOfMaps))
+        return false;
+    maps.states.assign(nrOfMaps, ContrastBoth);
+    maps.contrastOfMap = {0, 1, 2};
+    maps.NrOfActiveContrasts = nrOfMaps;
+    for (int map = 0; map < nrOfMaps; ++map)
+        for (size_t i = 0; i < maps.volumeVoxels(); ++i) {
+            const size_t x = i % size_t(size.matrix);
+            const size_t y = i / size_t(size.matrix) % size_t(size.matrix);
+            maps.ContrastMaps[size_t(map)][i] =
+                float(4.0 * std::sin(double(x) / 6 + map) * std::sin(double(y) / 5));
+        }
+    computeClusterSizes(maps, false);
+    return true;
+}
+
+void measure(const Size& size) {
+    const std::vector<int16_t> samples = someSamples(size);
+    SliceImages slices;
+    computeDisplayRange(slices.greyScale, samples);
+    slices.createSlicePixmaps(samples, size.matrix, size.matrix, size.slices);
+    StatisticalMaps maps;
+    if (!fillMaps(maps, size)) {
+        std::printf("%3d: not enough memory\n", size.matrix);
+        return;
+    }
+    OverlayColors colors;
+    MosaicSource source;
+    source.slices = &slices;
+    source.layout.MosaicColumns = size.columns;
+    source.layout.MosaicRows = size.rows;
+    source.maps = &maps;
+    source.colors = &colors;
+
+    QImage mosaic;
+    const double grey =
+        medianTime([&] { slices.updateSlicePixmaps(samples, int(slices.SlicePixmaps.size())); });
+    const auto compose = [&] { (void)composeMosaic(mosaic, source); };
+    const double contrasts = medianTime(compose);
+    source.significanceColorCoding = true;
+    const double significance = medianTime(compose);
+    QImage view(700, 560, QImage::Format_RGB32);
+    const double drawn = medianTime([&] {
+        QPainter painter(&view);
+        painter.drawImage(QRectF(0, 0, 560, 560), mosaic);
+    });
+    std::printf("%3d x %3d x %2d  %8.2f  %18.2f  %21.2f  %8.2f\n", size.matrix, size.matrix,
+                size.slices, grey, contrasts, significance, drawn);
+}
+
+} // namespace
+
+int main() {
+    std::printf("Milliseconds, median of 101, 3 maps shown\n");
+    std::printf("size              grey  mosaic, contrasts  mosaic, significance  draw 560\n");
+    for (const Size& size : {Size{64, 25, 5, 5}, Size{74, 36, 6, 6}, Size{104, 72, 9, 8}})
+        measure(size);
+}

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/mosaic_composer.h"
+
+#include "display/mosaic_geometry.h"
+#include "stats/clusters.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+constexpr uint32_t black = 0xff000000;
+
+/// Pixels of the picture that is composed.
+struct Canvas {
+    uint32_t* pixels;
+    size_t stride; ///< pixels from one line to the next
+    QSize size;
+
+    explicit Canvas(QImage& image)
+        : pixels(reinterpret_cast<uint32_t*>(image.bits())),
+          stride(size_t(image.bytesPerLine()) / sizeof(uint32_t)), size(image.size()) {}
+
+    uint32_t* line(int y) { return pixels + size_t(y) * stride; }
+    /// Fills a square; what reaches over the right or lower border is cut off.
+    void fillSquare(int x, int y, int side, uint32_t color) {
+        const int width = std::min(side, size.width() - x);
+        const int bottom = std::min(y + side, size.height());
+        for (int row = y; width > 0 && row < bottom; ++row)
+            std::fill_n(line(row) + x, width, color);
+    }
+};
+
+std::array<uint32_t, nrOfOverlayColors> packedColors(const OverlayColorTable& table) {
+    std::array<uint32_t, nrOfOverlayColors> packed;
+    const auto channel = [](int value) { return uint32_t(std::clamp(value, 0, 255)); };
+    for (size_t i = 0; i < packed.size(); ++i)
+        packed[i] = black | channel(table[i].red) << 16 | channel(table[i].green) << 8 |
+                    channel(table[i].blue);
+    return packed;
+}
+
+/// Paints the shown maps over the tiles of one mosaic.
+class OverlayPainter {
+public:
+    OverlayPainter(const MosaicSource& source, int scale)
+        : maps_(*source.maps), significance_(source.significanceColorCoding), scale_(scale),
+          colors_(packedColors(source.colors->active)) {
+        for (unsigned passing = 1; passing < colorOfSet_.size(); ++passing)
+            colorOfSet_[passing] =
+                colors_[size_t(multiMapColorIndex(passing, maps_.NrOfShownMaps))];
+    }
+
+    void paintSlice(Canvas& canvas, int slice, int column, int row) const {
+        const bool sized = size_t(slice) < maps_.ClusterSizeSlices.size() &&
+                           !maps_.ClusterSizeSlices[size_t(slice)].empty();
+        if (!sized && maps_.ClusterSizePixels != 1)
+            return;
+        size_t pixel = 0;
+        for (int y = 0; y < maps_.sizeY; ++y) {
+            const int top = (y + row * maps_.sizeY) * scale_;
+            for (int x = 0; x < maps_.sizeX; ++x, ++pixel) {
+                const unsigned passing = voxelIsShown(maps_, slice, pixel);
+                if (passing == 0)
+                    continue;
+                const uint32_t color =
+                    significance_ ? significanceColor(slice, pixel) : colorOfSet_[passing];
+                canvas.fillSquare((x + column * maps_.sizeX) * scale_, top, scale_, color);
+            }
+        }
+    }
+
+private:
+    /// The colour of the largest of the shown values; of equal ones the first counts.
+    [[nodiscard]] uint32_t significanceColor(int slice, size_t pixel) const {
+        const size_t voxel = size_t(slice) * maps_.sliceVoxels() + pixel;
+        float largest = -std::numeric_limits<float>::infinity();
+        bool negative = false;
+        for (size_t map = 0; map < size_t(maps_.NrOfShownMaps); ++map) {
+            const float value = maps_.ContrastMaps[map][voxel];
+            const float shown = valueAsShown(value, maps_.states[map]);
+            if (shown > largest) {
+                largest = shown;
+                negative = value < 0.0f;
+            }
+        }
+        return colors_[size_t(
+            significanceColorIndex(largest, negative, maps_.Threshold, maps_.ColorMaxThreshold))];
+    }
+
+    const StatisticalMaps& maps_;
+    bool significance_;
+    int scale_;
+    std::array<uint32_t, nrOfOverlayColors> colors_;
+    std::array<uint32_t, 1u << ContrastDefinitions::maximumShownMaps> colorOfSet_{};
+};
+
+/// True when there are maps to paint and all that they claim to hold is there.
+bool overlayIsUsable(const MosaicSource& source) {
+    const StatisticalMaps* maps = source.maps;
+    return maps && source.colors && maps->NrOfShownMaps > 0 &&
+           maps->NrOfShownMaps <= maps->nrOfMapsToShow(false) &&
+           maps->sizeX == source.slices->sizeX && maps->sizeY == source.slices->sizeY;
+}
+
+/// Copies a slice into its tile; what the image lacks stays black.
+void copyTile(Canvas& canvas, const QImage& image, QPoint corner, QSize tile) {
+    const QImage pixels = image.format() == QImage::Format_RGB32
+                              ? image
+                              : image.convertToFormat(QImage::Format_RGB32);
+    const QSize common = tile.boundedTo(pixels.size());
+    if (common != tile)
+        for (int y = 0; y < tile.height(); ++y)
+            std::fill_n(canvas.line(corner.y() + y) + corner.x(), tile.width(), black);
+    for (int y = 0; y < common.height(); ++y)
+        std::memcpy(canvas.line(corner.y() + y) + corner.x(), pixels.constScanLine(y),
+                    size_t(common.width()) * sizeof(uint32_t));
+}
+
+} // namespace
+
+int multiMapColorIndex(unsigned passing, int nrOfMaps) {
+    // By set of passing maps, bit i for map i. The colours of sets of three maps that hold map 3
+    // and those of pairs with it don't follow the order of the bits.
+    static constexpr std::array<int, 16> table{0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 10, 12, 13, 14};
+    constexpr unsigned firstThree = 0b111;
+    // Three shown maps that all pass take the entry of a fourth map.
+    if (nrOfMaps == 3 && passing == firstThree)
+        return 7;
+    return table[passing & 0b1111];
+}
+
+int significanceColorIndex(float shownValue, bool negative, float threshold,
+                           float colorMaxThreshold) {
+    constexpr int strongest = nrOfOverlayColors / 2 - 1;
+    const float range = colorMaxThreshold - threshold;
+    // Also taken for a range or a value that is no number.
+    int index = strongest;
+    if (range > 0.0f) {
+        const double position = double((shownValue - threshold) / range) * strongest;
+        if (position < strongest)
+            index = int(std::max(position, 0.0));
+    }
+    return negative ? index + nrOfOverlayColors / 2 : index;
+}
+
+bool composeMosaic(QImage& target, const MosaicSource& source) {
+    const std::vector<QImage>& images = source.images();
+    const QSize tile = images.empty() ? QSize() : images.front().size();
+    const QSize size = mosaicSize(source.layout, tile);
+    if (size.isEmpty()) {
+        target = QImage();
+        return false;
+    }
+    if (target.size() != size || target.format() != QImage::Format_RGB32)
+        target = QImage(size, QImage::Format_RGB32);
+    if (target.isNull())
+        return false;
+
+    const int columns = source.layout.MosaicColumns;
+    const int nrOfPlaces = columns * source.layout.MosaicRows;
+    const int nrOfSlices = int(images.size());
+    if (nrOfSlices < nrOfPlaces)
+        target.fill(black);
+
+    Canvas canvas(target);
+    const int shown = std::min(nrOfSlices, nrOfPlaces);
+    for (int place = 0; place < shown; ++place)
+        copyTile(canvas, images[size_t(sliceAtPlace(source.layout, place, nrOfSlices))],
+                 {place % columns * tile.width(), place / columns * tile.height()}, tile);
+
+    const int scale = source.slices->sizeX > 0
+                          ? int(std::lround(double(tile.width()) / source.slices->sizeX))
+                          : 0;
+    if (scale < 1 || !overlayIsUsable(source))
+        return true;
+    const OverlayPainter painter(source, scale);
+    for (int place = 0; place < shown; ++place) {
+        const int slice = sliceAtPlace(source.layout, place, nrOfSlices);
+        if (slice < source.maps->nrOfSlices)
+            painter.paintSlice(canvas, slice, place % columns, place / columns);
+    }
+    return true;
+}

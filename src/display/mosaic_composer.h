@@ -1,0 +1,46 @@
+// The picture of all slices with the statistical maps painted over them.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/document/mosaic_layout.h"
+#include "run/document/slice_images.h"
+#include "stats/overlay_colors.h"
+#include "stats/statistical_maps.h"
+
+#include <QImage>
+#include <vector>
+
+/// What a mosaic shows. Nothing is owned; `slices` must be set.
+struct MosaicSource {
+    const SliceImages* slices = nullptr;
+    bool showInplanes = false; ///< high-resolution slices, where there are any
+    MosaicLayout layout;
+    const StatisticalMaps* maps = nullptr; ///< nullptr for no overlay
+    const OverlayColors* colors = nullptr; ///< needed with maps
+    bool significanceColorCoding = false;
+
+    /// The images that make the tiles.
+    [[nodiscard]] const std::vector<QImage>& images() const {
+        return showInplanes && !slices->InplanePixmaps.empty() ? slices->InplanePixmaps
+                                                               : slices->SlicePixmaps;
+    }
+};
+
+/// Entry of the table of contrast colours for a voxel at which the maps of the bits in `passing`
+/// (not 0) reach the threshold, of `nrOfMaps` (1 to 4) shown ones.
+[[nodiscard]] int multiMapColorIndex(unsigned passing, int nrOfMaps);
+
+/// Entry of the table of significance colours for a value, as its map's state shows it, that
+/// reaches the threshold: 0 to 9 in equal steps from Threshold to ColorMaxThreshold and 9 above;
+/// 10 more for a map with a negative value. Thresholds that span nothing give the strongest colour.
+[[nodiscard]] int significanceColorIndex(float shownValue, bool negative, float threshold,
+                                         float colorMaxThreshold);
+
+/// Composes the mosaic at one pixel for each pixel of the tiles. `target` gets the size columns by
+/// rows of tiles, of the size of the first image; its memory is kept where the size stays.
+///
+/// Each voxel that voxelIsShown() lets through becomes a square of s x s pixels with s = tile width
+/// / DimX, rounded, at ((x + column * DimX) * s, (y + row * DimY) * s), without interpolation.
+/// Maps that don't have the slices' grid are not painted. False, with a null image, when there are
+/// no slices or the mosaic would be too large (see mosaicSize()).
+[[nodiscard]] bool composeMosaic(QImage& target, const MosaicSource& source);

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/overlay_legend.h"
+
+#include "display/mosaic_composer.h"
+
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QPainter>
+
+namespace {
+
+const QColor textColor(214, 218, 224);
+const QColor quietTextColor(150, 156, 166);
+const QColor frameColor(70, 76, 86);
+
+constexpr int nrOfSteps = nrOfOverlayColors / 2;
+constexpr int numberWidth = 6; ///< characters of a threshold
+constexpr QChar atLeast(0x2265);
+constexpr int mostLinesOfName = 3;
+
+QColor colorOf(const RgbColor& color) {
+    const auto channel = [](int value) { return std::clamp(value, 0, 255); };
+    return {channel(color.red), channel(color.green), channel(color.blue)};
+}
+
+QString thresholdNumber(float value) {
+    return QString::number(double(value), 'f', 2).rightJustified(numberWidth);
+}
+
+QString statisticOf(MapKind kind) {
+    if (kind == MapKind::F)
+        return "F";
+    return kind == MapKind::Correlation || kind == MapKind::CrossCorrelation ? "R" : "t";
+}
+
+/// Colours of the single maps and, for two, of both together; unions of more maps are mixtures
+/// that speak for themselves.
+void addEntries(OverlayLegend& legend, const StatisticalMaps& maps,
+                const ContrastDefinitions& contrasts) {
+    for (int map = 0; map < maps.NrOfShownMaps; ++map) {
+        const size_t index = size_t(multiMapColorIndex(1u << map, maps.NrOfShownMaps));
+        QString name;
+        if (contrasts.ConjunctionAnalysis)
+            name = "Conjunction";
+        else if (size_t(map) < maps.contrastOfMap.size())
+            name = contrasts.ContrastNames.value(maps.contrastOfMap[size_t(map)]);
+        legend.entries.push_back({name, legend.scale[index]});
+    }
+    if (maps.NrOfShownMaps == 2)
+        legend.entries.push_back({"Both", legend.scale[size_t(multiMapColorIndex(0b11, 2))]});
+}
+
+/// Ten blocks from `first` at the top, in steps of `step`, with the values at both ends.
+void paintBar(QPainter& painter, const QRect& bar, const OverlayLegend& legend, int first, int step,
+              float top, float bottom) {
+    for (int i = 0; i < nrOfSteps; ++i) {
+        const int from = bar.top() + bar.height() * i / nrOfSteps;
+        const int to = bar.top() + bar.height() * (i + 1) / nrOfSteps;
+        painter.fillRect(bar.left(), from, bar.width(), to - from,
+                         legend.scale[size_t(first + i * step)]);
+    }
+    painter.setPen(frameColor);
+    painter.drawRect(bar.adjusted(-1, -1, 0, 0));
+    painter.setPen(textColor);
+    const int line = painter.fontMetrics().height();
+    const int left = bar.right() + line / 4;
+    const QRect upper(left, bar.top() - line / 4, line * 10, line);
+    const QRect lower(left, bar.bottom() + 1 + line / 4 - line, line * 10, line);
+    painter.drawText(upper, Qt::AlignLeft | Qt::AlignVCenter, thresholdNumber(top));
+    painter.drawText(lower, Qt::AlignLeft | Qt::AlignVCenter, thresholdNumber(bottom));
+}
+
+void paintScale(QPainter& painter, const QRect& area, const OverlayLegend& legend) {
+    const int line = painter.fontMetrics().height();
+    const int gap = line;
+    const int height = std::clamp((area.height() - gap) / 2, 2 * line, 10 * line);
+    QRect bar(area.left() + 1, area.top() + line / 4, line, height);
+    if (legend.positive) {
+        paintBar(painter, bar, legend, nrOfSteps - 1, -1, legend.colorMaxThreshold,
+                 legend.threshold);
+        bar.translate(0, height + gap);
+    }
+    if (legend.negative)
+        paintBar(painter, bar, legend, nrOfSteps, 1, -legend.threshold, -legend.colorMaxThreshold);
+}
+
+/// A square of the colour and the name beside it, wrapped to a few lines.
+void paintEntries(QPainter& painter, QRect area, const OverlayLegend& legend) {
+    const int line = painter.fontMetrics().height();
+    const int swatch = line * 3 / 4;
+    for (const OverlayLegend::Entry& entry : legend.entries) {
+        const QRect square(area.left(), area.top() + (line - swatch) / 2, swatch, swatch);
+        painter.fillRect(square, entry.color);
+        painter.setPen(frameColor);
+        painter.drawRect(square.adjusted(0, 0, -1, -1));
+
+        QRect room = area.adjusted(swatch + line / 3, 0, 0, 0);
+        room.setHeight(std::min(area.height(), mostLinesOfName * line));
+        constexpr int flags = Qt::AlignLeft | Qt::AlignTop | Qt::TextWrapAnywhere;
+        constexpr int wordFlags = Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap;
+        QRect used = painter.boundingRect(room, wordFlags, entry.name);
+        const bool wordsFit = used.width() <= room.width() && used.height() <= room.height();
+        if (!wordsFit)
+            used = painter.boundingRect(room, flags, entry.name).intersected(room);
+        painter.setPen(textColor);
+        painter.setClipRect(room);
+        painter.drawText(room, wordsFit ? wordFlags : flags, entry.name);
+        painter.setClipping(false);
+        area.setTop(area.top() + std::max(used.height(), line) + line / 2);
+        if (area.height() < line)
+            return;
+    }
+}
+
+} // namespace
+
+QFont numberFont(const QFont& font, double factor) {
+    QFont numbers = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (font.pixelSize() > 0)
+        numbers.setPixelSize(std::max(int(font.pixelSize() * factor), 1));
+    else
+        numbers.setPointSizeF(font.pointSizeF() * factor);
+    return numbers;
+}
+
+OverlayLegend makeOverlayLegend(const StatisticalMaps& maps, const ContrastDefinitions& contrasts,
+                                const OverlayColors& colors, bool significanceColorCoding) {
+    OverlayLegend legend;
+    legend.overlayShown =
+        maps.NrOfShownMaps > 0 && maps.NrOfShownMaps <= maps.nrOfMapsToShow(false);
+    if (!legend.overlayShown)
+        return legend;
+    legend.significanceColorCoding = significanceColorCoding;
+    legend.statistic = statisticOf(maps.MapType);
+    legend.threshold = maps.Threshold;
+    legend.colorMaxThreshold = maps.ColorMaxThreshold;
+    for (int map = 0; map < maps.NrOfShownMaps; ++map) {
+        const int state = maps.states[size_t(map)];
+        legend.positive |= state != ContrastNegative;
+        legend.negative |= (state & ContrastNegative) != 0;
+    }
+    std::transform(colors.active.begin(), colors.active.end(), legend.scale.begin(), colorOf);
+    if (!significanceColorCoding)
+        addEntries(legend, maps, contrasts);
+    return legend;
+}
+
+QString legendText(const OverlayLegend& legend) {
+    if (!legend.overlayShown)
+        return "No statistical map is shown.";
+    QStringList lines{QString("%1 from %2, strongest colour at %3")
+                          .arg(legend.statistic, thresholdNumber(legend.threshold).trimmed(),
+                               thresholdNumber(legend.colorMaxThreshold).trimmed())};
+    if (!legend.significanceColorCoding)
+        lines[0] = QString("%1 from %2")
+                       .arg(legend.statistic, thresholdNumber(legend.threshold).trimmed());
+    for (const OverlayLegend::Entry& entry : legend.entries)
+        lines << entry.name;
+    return lines.join('\n');
+}
+
+int legendWidth(const QFont& font) {
+    const QFontMetrics numbers(numberFont(font));
+    const QFontMetrics texts(font);
+    return std::max(numbers.horizontalAdvance(QString(numberWidth, '0')) + 2 * numbers.height(),
+                    texts.averageCharWidth() * 16 + texts.height());
+}
+
+void paintOverlayLegend(QPainter& painter, const QRect& area, const OverlayLegend& legend,
+                        const QFont& font) {
+    if (!legend.overlayShown)
+        return;
+    painter.save();
+    QFont bold = font;
+    bold.setBold(true);
+    painter.setFont(bold);
+    const int line = painter.fontMetrics().height();
+    QRect rest = area.adjusted(0, line * 2, 0, 0);
+    const QRect head(area.left(), area.top(), area.width(), line);
+    painter.setPen(textColor);
+    painter.drawText(head, Qt::AlignLeft | Qt::AlignVCenter, legend.statistic);
+    if (legend.significanceColorCoding) {
+        painter.setFont(numberFont(font));
+        paintScale(painter, rest, legend);
+    } else {
+        const int offset = painter.fontMetrics().horizontalAdvance(legend.statistic + " ");
+        painter.setFont(numberFont(font));
+        painter.setPen(quietTextColor);
+        painter.drawText(head.adjusted(offset, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                         atLeast + QString::number(double(legend.threshold), 'f', 2));
+        painter.setFont(font);
+        paintEntries(painter, rest, legend);
+    }
+    painter.restore();
+}

@@ -1,0 +1,53 @@
+// The key to the colours of the map overlay, beside the slices.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "stats/overlay_colors.h"
+#include "stats/statistical_maps.h"
+
+#include <QColor>
+#include <QFont>
+#include <QString>
+#include <array>
+#include <vector>
+
+class QPainter;
+class QRect;
+
+struct OverlayLegend {
+    /// A contrast, or what several contrasts together have, by its colour.
+    struct Entry {
+        QString name;
+        QColor color;
+    };
+
+    bool overlayShown = false; ///< without, the legend is empty
+    bool significanceColorCoding = false;
+    QString statistic; ///< "t", "R" or "F"
+    float threshold = 0.0f;
+    float colorMaxThreshold = 0.0f;
+    bool positive = false; ///< a shown map colours positive values
+    bool negative = false;
+    std::array<QColor, nrOfOverlayColors> scale;
+    std::vector<Entry> entries; ///< with contrast colours only
+};
+
+/// What there is to tell about the shown maps.
+[[nodiscard]] OverlayLegend makeOverlayLegend(const StatisticalMaps& maps,
+                                              const ContrastDefinitions& contrasts,
+                                              const OverlayColors& colors,
+                                              bool significanceColorCoding);
+
+/// The thresholds and all names in full, for a tool tip.
+[[nodiscard]] QString legendText(const OverlayLegend& legend);
+
+/// Width that a legend needs with this font, in logical pixels.
+[[nodiscard]] int legendWidth(const QFont& font);
+
+/// Paints on a dark ground. `font` is that of texts; numbers take the system's font of fixed width
+/// at its size.
+void paintOverlayLegend(QPainter& painter, const QRect& area, const OverlayLegend& legend,
+                        const QFont& font);
+
+/// The system's font of fixed width at the size of `font` times `factor`.
+[[nodiscard]] QFont numberFont(const QFont& font, double factor = 1.0);

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/document/slice_images.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int nrOfSampleValues = 65536;
+constexpr int largestSample = nrOfSampleValues - 1;
+
+/// The display window limited to what a sample can hold, at least one value wide. A window of no
+/// width splits the samples into black and white at `low`, which is the limit of a narrow one.
+struct DisplayWindow {
+    int low;
+    int high;
+
+    explicit DisplayWindow(const GreyScale& scale)
+        : low(std::clamp(scale.low, 0, largestSample)),
+          high(std::clamp(scale.high, low + 1, nrOfSampleValues)) {}
+};
+
+/// The colours of the samples from `low` to `high`.
+std::vector<uint32_t> colorsOfSamples(const GreyScale& scale, const DisplayWindow& window) {
+    const auto gradations = scale.table();
+    constexpr double last = GreyScale::nrOfGradations - 1;
+    const int width = window.high - window.low;
+    std::vector<uint32_t> colors(size_t(width) + 1);
+    for (int i = 0; i <= width; ++i)
+        colors[size_t(i)] = gradations[size_t(double(i) / width * last)];
+    return colors;
+}
+
+void paintSlice(QImage& image, const int16_t* samples, const DisplayWindow& window,
+                const std::vector<uint32_t>& colors) {
+    for (int y = 0; y < image.height(); ++y) {
+        auto* line = reinterpret_cast<uint32_t*>(image.scanLine(y));
+        const int16_t* row = samples + size_t(y) * size_t(image.width());
+        for (int x = 0; x < image.width(); ++x) {
+            const int sample = uint16_t(row[x]);
+            line[x] = colors[size_t(std::clamp(sample, window.low, window.high) - window.low)];
+        }
+    }
+}
+
+/// Smallest value at or below which at least `share` of the counted samples lie.
+int percentile(const std::vector<uint32_t>& histogram, uint64_t total, double share) {
+    const double wanted = share * double(total);
+    uint64_t counted = 0;
+    for (int value = 1; value < nrOfSampleValues; ++value) {
+        counted += histogram[size_t(value)];
+        if (double(counted) >= wanted)
+            return value;
+    }
+    return largestSample;
+}
+
+} // namespace
+
+std::array<uint32_t, GreyScale::nrOfGradations> GreyScale::table() const {
+    std::array<uint32_t, nrOfGradations> colors;
+    for (int i = 0; i < nrOfGradations; ++i) {
+        uint32_t color = 0xff;
+        for (const float channelGain : gain) {
+            const float level = float(i) * 255.0f / float(nrOfGradations - 1) * channelGain;
+            // The order of the comparison lets a gain that is no number end as black.
+            const float limited = level > 0.0f ? std::min(level, 255.0f) : 0.0f;
+            color = color << 8 | uint32_t(std::lround(limited));
+        }
+        colors[size_t(i)] = color;
+    }
+    return colors;
+}
+
+void computeDisplayRange(GreyScale& scale, std::span<const int16_t> samples) {
+    constexpr double darkShare = 0.02;
+    constexpr double brightShare = 0.995;
+    std::vector<uint32_t> histogram(nrOfSampleValues);
+    for (const int16_t sample : samples)
+        ++histogram[uint16_t(sample)];
+    const uint64_t nonZero = samples.size() - histogram[0];
+    if (nonZero == 0) {
+        scale.low = 0;
+        scale.high = 1;
+        return;
+    }
+    scale.low = percentile(histogram, nonZero, darkShare);
+    scale.high = std::max(percentile(histogram, nonZero, brightShare), scale.low + 1);
+}
+
+void SliceImages::createSlicePixmaps(std::span<const int16_t> samples, int x, int y,
+                                     int nrOfSlices) {
+    SlicePixmaps.clear();
+    sizeX = 0;
+    sizeY = 0;
+    if (x <= 0 || y <= 0 || nrOfSlices <= 0 ||
+        samples.size() / size_t(x) / size_t(y) < size_t(nrOfSlices))
+        return;
+    SlicePixmaps.reserve(size_t(nrOfSlices));
+    for (int slice = 0; slice < nrOfSlices; ++slice) {
+        QImage image(x, y, QImage::Format_RGB32);
+        if (image.isNull()) {
+            SlicePixmaps.clear();
+            return;
+        }
+        SlicePixmaps.push_back(std::move(image));
+    }
+    sizeX = x;
+    sizeY = y;
+    updateSlicePixmaps(samples.first(size_t(x) * size_t(y) * size_t(nrOfSlices)), nrOfSlices);
+}
+
+void SliceImages::updateSlicePixmaps(std::span<const int16_t> samples, int nrOfSlices) {
+    const size_t sliceSamples = size_t(sizeX) * size_t(sizeY);
+    if (nrOfSlices <= 0 || size_t(nrOfSlices) != SlicePixmaps.size() ||
+        samples.size() != sliceSamples * SlicePixmaps.size())
+        return;
+    const DisplayWindow window(greyScale);
+    const std::vector<uint32_t> colors = colorsOfSamples(greyScale, window);
+    for (size_t slice = 0; slice < SlicePixmaps.size(); ++slice)
+        paintSlice(SlicePixmaps[slice], samples.data() + slice * sliceSamples, window, colors);
+}
