@@ -33,14 +33,23 @@ struct ContrastDefinitions {
     int BaselineInContrasts = 1;
     int BaselinePosInProtocol = 1;
 
+    /// Forgets all contrasts, and with them the conjunction. The two baseline fields stay.
     void clear();
 };
 
-/// Automatic contrasts: level 1 each condition against the baseline, exactly 2 also all pairs.
+/// Replaces the contrasts by automatic ones: from level 1 on each condition against the baseline,
+/// selected; at exactly level 2 also all pairs of conditions, not selected. BaselinePosInProtocol
+/// becomes 1. Entries that no design column can stand for (more than
+/// DesignMatrix::maximumPredictors besides the baseline) take no part.
 void generateContrasts(ContrastDefinitions& contrasts, const DesignMatrix& design, int level);
 /// ContrastWeights from ContrastValues; the baseline entry is dropped, confounds get 0.
 void rebuildContrastWeights(ContrastDefinitions& contrasts, const DesignMatrix& design);
 /// Toggles the positive or the negative bit. False, and nothing changes, when a fifth contrast
-/// would be switched on.
+/// would be switched on, or when there is no such contrast or bit. ContrastsChanged is the
+/// caller's: it knows whether a run is active.
 bool toggleContrast(ContrastDefinitions& contrasts, int index, ContrastState bit);
+/// Number of selection states above 0.
 [[nodiscard]] int nrOfSelectedContrasts(const ContrastDefinitions& contrasts);
+/// Switches the conjunction on or off. False, with the conjunction off, when it is to be switched
+/// on with fewer than two contrasts selected.
+bool setConjunction(ContrastDefinitions& contrasts, bool on);

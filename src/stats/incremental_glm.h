@@ -5,6 +5,7 @@
 #include "base/memory.h"
 #include "stats/contrasts.h"
 #include "stats/design_matrix.h"
+#include "stats/glm_contrasts.h"
 #include "stats/statistical_maps.h"
 #include "volume/fmr_project.h"
 
@@ -23,6 +24,16 @@ struct BrainMask {
     size_t nrOfVoxels = 0;
 };
 
+/// Memory that the update of a volume works in, kept so that volumes don't allocate.
+struct GLMWorkspace {
+    std::vector<double> x;        ///< p, the predictors at the volume
+    std::vector<double> q;        ///< p, iXX x
+    std::vector<double> gain;     ///< p, q over the scale of the residual
+    std::vector<float> inverse;   ///< p x p, iXX in float
+    std::vector<float> betas;     ///< of a block of voxels
+    std::vector<float> variances; ///< of a block of voxels
+};
+
 /// The model. Row j of `values` holds beta j of every voxel, row p the residual sum of squares;
 /// one voxel's values are `nrOfVoxels` apart.
 struct GLMState {
@@ -35,6 +46,8 @@ struct GLMState {
     std::vector<int> ActivePredictors;
     int GLMStartVolume = notStarted;
     int GLMStepIndex = 0;
+    ActiveContrasts activeContrasts; ///< over the model's columns, as of the latest refresh
+    GLMWorkspace workspace;
 
     [[nodiscard]] std::span<double> row(int index) {
         return values.span().subspan(size_t(index) * nrOfVoxels, nrOfVoxels);
@@ -42,8 +55,10 @@ struct GLMState {
     [[nodiscard]] std::span<const double> row(int index) const {
         return values.span().subspan(size_t(index) * nrOfVoxels, nrOfVoxels);
     }
-    /// Allocates and zeroes (nrOfPredictors + 1) x voxels. False when memory runs out.
+    /// A model that is not started, with (nrOfPredictors + 1) x voxels zeroed values. False, and
+    /// released, when memory runs out.
     [[nodiscard]] bool allocate(int nrOfPredictors, size_t voxels);
+    /// Frees everything; no model is started.
     void release();
 };
 
@@ -62,5 +77,14 @@ struct GLMRun {
 [[nodiscard]] bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold = 100);
 
 /// One volume: batch solution when one is due, else the recursive update; contrasts; t values.
-/// True when the overlay colours must be computed again because the active contrasts changed.
+/// True when the overlay colours must be computed again because the active contrasts were
+/// refreshed: at a batch solution, and at every volume once ContrastsChanged is set.
+///
+/// Keeps NrOfActiveContrasts, states, contrastOfMap and MapDF1 (n - p, 0 when there are none) of
+/// the maps; MapType becomes t at the first solution. With conjunction the first map holds its
+/// result and has state 3. Nothing happens for a volume that the project doesn't hold or whose size
+/// is not that of the model. Without a mask of this size no voxel is fitted.
+///
+/// The recursion is recursive least squares without forgetting (Haykin, Adaptive Filter Theory,
+/// chapter on the RLS algorithm).
 bool updateGLM(const GLMRun& run, int volumeIndex);

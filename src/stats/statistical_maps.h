@@ -4,10 +4,20 @@
 
 #include "base/memory.h"
 
+#include <cmath>
 #include <vector>
 
 /// 1 t, 2 and 3 correlation-like, 4 F.
 enum class MapKind { T = 1, Correlation = 2, CrossCorrelation = 3, F = 4 };
+
+/// Working memory of the cluster filter, kept between volumes so that the loop allocates nothing.
+struct ClusterScratch {
+    std::vector<float> combined; ///< one slice: the largest of the shown maps' values
+    std::vector<int> labels;     ///< the same with a border of zeros above, left and right
+    std::vector<int> links;      ///< by label: the equivalent label, 0 for none
+    std::vector<int> roots;      ///< by label: the final label
+    std::vector<int> sizes;      ///< by label: pixels of its cluster
+};
 
 /// One map is one float per voxel, x fastest, then y, then slices.
 struct StatisticalMaps {
@@ -30,9 +40,22 @@ struct StatisticalMaps {
     /// For each slice and pixel the size of its cluster; 0 below threshold. Empty when not
     /// computed.
     std::vector<std::vector<int>> ClusterSizeSlices;
+    ClusterScratch clusterScratch;
 
     [[nodiscard]] size_t sliceVoxels() const { return size_t(sizeX) * size_t(sizeY); }
     [[nodiscard]] size_t volumeVoxels() const { return sliceVoxels() * size_t(nrOfSlices); }
-    /// Allocates `count` zeroed maps. False, with none allocated, when memory runs out.
+    /// Replaces the maps by `count` zeroed ones of which none is in use, and forgets the cluster
+    /// sizes. False, with none allocated, when memory runs out; the message is the caller's.
     [[nodiscard]] bool allocateMaps(int count);
+    /// How many maps are to be overlaid: the one map of a conjunction, else the first four of those
+    /// in use. Maps that are not allocated at full size don't count.
+    [[nodiscard]] int nrOfMapsToShow(bool conjunction) const;
 };
+
+/// A map's value as its selection state shows it: the magnitude for 3, -value for 2, else the
+/// value.
+[[nodiscard]] inline float valueAsShown(float value, int state) {
+    if (state == 3)
+        return std::fabs(value);
+    return state == 2 ? -value : value;
+}

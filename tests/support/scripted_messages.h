@@ -6,6 +6,7 @@
 
 #include <QStringList>
 #include <deque>
+#include <functional>
 #include <vector>
 
 /// Installed for its lifetime. Expectations are met in order; `*` at the end of an expected text
@@ -23,6 +24,8 @@ public:
     [[nodiscard]] QStringList shown() const { return shown_; }
     /// Takes any message without complaint; what was shown stands in shown(). For fuzzing loops.
     void acceptAnything() { acceptAnything_ = true; }
+    /// What the operator does before answering a question.
+    std::function<void()> onQuestion;
 
     void show(MessageLevel level, const QString& text) override;
     bool ask(const QString& text) override;

@@ -74,7 +74,7 @@ bool readProtocol(QtCortivoDoc& document) {
         return true;
     if (paths::folderWithoutSlash(protocol.protocolPath) == QDir::currentPath())
         protocol.protocolPath = paths::fileName(protocol.protocolPath);
-    return readPRTFile(protocol, false);
+    return readPRTFile(protocol, ResponseTable::Skip);
 }
 
 // A shortage of memory is found here and not in the middle of a run.

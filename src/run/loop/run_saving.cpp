@@ -6,6 +6,7 @@
 #include "run/protocol/prt_file.h"
 #include "stats/contrast_file.h"
 #include "stats/map_file.h"
+#include "volume/first_volume_file.h"
 #include "volume/fmr_file.h"
 #include "volume/stc_file.h"
 
@@ -51,7 +52,7 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
              return written;
          }},
         {5, [&, volumes] { return writeSTCData(project, volumes, &progress, &run.pump, 5, 80); }},
-        {80, [&, volumes] { return writeFMRHeader(project, volumes, project.projectPath); }},
+        {80, [&, volumes] { return writeFMRHeader(project, project.projectPath, volumes); }},
         {-1,
          [&] {
              return writeMapFile(resultPath(run, ".mps", "Maps.mps"), document.maps,
@@ -60,7 +61,7 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
         {90,
          [&] {
              return writeContrastFile(resultPath(run, ".ctr", "Contrasts.ctr"), document.contrasts,
-                                      document.design);
+                                      document.design.NrOfContrastPredictors);
          }},
         {-1, [&] { return writeFirstVolume(project); }},
     };

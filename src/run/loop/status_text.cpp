@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/status_text.h"
 
-#include "base/file_writing.h"
 #include "stats/thresholds.h"
 
 namespace {
@@ -18,7 +17,7 @@ QString seconds(qint64 milliseconds) {
 
 // "<b>t</b> > <b>3</b>": which statistic passes which threshold.
 QString thresholdPart(const StatisticalMaps& maps) {
-    return runThresholdLabel(maps) + bold(QString::number(double(maps.Threshold)));
+    return thresholdPrefix(maps) + bold(QString::number(double(maps.Threshold)));
 }
 
 QString overlayPart(const RunState& state) {
@@ -63,9 +62,6 @@ QString savingTextHead(int fontSize, int volumeIndex, qint64 runMilliseconds,
 }
 
 QString betweenRunsText(const RunState& state, const StatisticalMaps& maps) {
-    const QByteArray threshold = thresholdText(maps).toUtf8();
-    return QString::fromUtf8(
-        formatted(" volume <b>%i</b>,  elapsed time: <b>%6.1f</b> secs<br> %s<br><br> Ready.<br>",
-                  state.currentVolume + 1, double(state.elapsedRunTime) / 1000.0,
-                  threshold.constData()));
+    return singleRunPanelText(state.currentVolume + 1, double(state.elapsedRunTime) / 1000.0,
+                              thresholdText(maps));
 }

@@ -15,6 +15,8 @@ struct RgbColor {
     bool operator==(const RgbColor&) const = default;
 };
 
+inline constexpr const char* untitledExperiment = "<untitled>";
+
 /// One condition: a fixed record with room for 300 intervals, so that an interval can be added
 /// during a run without allocation.
 struct ProtocolCondition {
@@ -31,6 +33,10 @@ struct ProtocolCondition {
     std::array<int, maximumIntervals> accuracy{};
     std::array<int, maximumIntervals> omission{};
     std::array<std::array<char, 11>, maximumIntervals> buttons{}; ///< zero-terminated
+    bool lossReported = false; ///< the operator knows that the record is full
+
+    /// Sets the buttons of an interval below maximumIntervals; the first 10 characters are kept.
+    void setButtons(size_t interval, const QString& text);
 };
 
 enum class ResolutionOfTime { Volumes = 1, Milliseconds = 2 };
@@ -38,7 +44,7 @@ enum class ResolutionOfTime { Volumes = 1, Milliseconds = 2 };
 struct StimulationProtocol {
     int protocolFileVersion = 2;
     ResolutionOfTime resolutionOfTime = ResolutionOfTime::Volumes;
-    QString experimentName = "<untitled>";
+    QString experimentName = untitledExperiment;
     RgbColor backgroundColor{0, 0, 0};
     RgbColor textColor{255, 255, 255};
     RgbColor timeCourseColor{255, 255, 255};

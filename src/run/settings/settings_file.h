@@ -27,3 +27,14 @@ enum class SettingsUse {
 /// `currentSettingsDir`. Empty when the file can't be read (after a message) or lacks the keys.
 [[nodiscard]] QString resolveProjectPath(const QString& vcoFileName,
                                          const QString& currentSettingsDir);
+
+/// The values that the window starts with, and that a new file is written with.
+[[nodiscard]] RunSettings defaultRunSettings();
+
+/// Sets the data type and those values whose default depends on it: "FirstFileName:" and
+/// "DicomNameDelimiter:".
+void applyDataTypeDefaults(RunSettings& settings, const QString& dataType);
+
+/// The message about a data type that no reader serves.
+[[nodiscard]] QString unsupportedDataTypeText(const QString& dataType,
+                                              const QString& settingsFilePath);

@@ -1,0 +1,193 @@
+// A whole run through the loop at the three sizes: time of a volume early and late, and memory.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/messages.h"
+#include "run/loop/run_session.h"
+#include "run/settings/settings_file.h"
+
+#include <QGuiApplication>
+#include <QTemporaryDir>
+#include <chrono>
+#include <clocale>
+#include <cstdio>
+#include <sys/resource.h>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct Size {
+    int columns;
+    int rows;
+    int slices;
+    int tiles; ///< in a row of the mosaic
+};
+
+double megabytes(size_t bytes) {
+    return double(bytes) / (1 << 20);
+}
+
+double peakMegabytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return double(usage.ru_maxrss) / 1024.0;
+}
+
+// Gives volumes of one head with a little noise, in no time worth mentioning.
+class BenchmarkReader : public VolumeReader {
+public:
+    BenchmarkReader(const IntakeContext& context, std::vector<Clock::time_point>& starts)
+        : project_(context.project), starts_(starts), noise_(project_.volumeSamples() + 4096) {
+        uint32_t state = 12345;
+        for (int16_t& sample : noise_) {
+            state = state * 1664525u + 1013904223u;
+            sample = int16_t(800 + int(state >> 27));
+        }
+    }
+    bool readFirstVolume() override {
+        fill(project_.firstVolume, 0);
+        return true;
+    }
+    bool readVolume(int volume) override {
+        fill(project_.volumes[size_t(volume)], volume);
+        starts_.push_back(Clock::now());
+        return true;
+    }
+
+private:
+    void fill(Volume& volume, int index) {
+        const size_t shift = size_t(index) * 97 % 4096;
+        std::copy_n(noise_.begin() + ptrdiff_t(shift), volume.size(), volume.data());
+    }
+
+    FMRProject& project_;
+    std::vector<Clock::time_point>& starts_;
+    std::vector<int16_t> noise_;
+};
+
+class SilentProgress : public ProgressReporter {
+public:
+    void setProgress(int) override {}
+};
+
+// Takes the time of each volume's last action: the update of the views, or the status text.
+class BenchmarkDisplay : public RunDisplay {
+public:
+    std::vector<Clock::time_point> ends;
+
+    void runStarting() override {}
+    void documentsLeaving() override {}
+    void documentsArrived() override {}
+    void runPrepared() override {}
+    void preparationFailed() override { std::printf("preparation failed\n"); }
+    void runEnded() override {}
+    void setRunButtonState(RunButtonState) override {}
+    void showLogText(const QString&) override { ends.push_back(Clock::now()); }
+    void refreshViewButtons() override {}
+    void updateViews() override { ends.back() = Clock::now(); }
+    std::unique_ptr<ProgressReporter> openSavingProgress() override {
+        return std::make_unique<SilentProgress>();
+    }
+};
+
+QString protocolText() {
+    QString text = "FileVersion: 2\nResolutionOfTime: Volumes\nExperiment: Bench\n"
+                   "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 255 255 255\n"
+                   "TimeCourseThick: 3\nReferenceFuncColor: 80 80 80\nReferenceFuncThick: 2\n"
+                   "NrOfConditions: 7\n";
+    // Six conditions beside the baseline, a constant and a trend: eight predictors.
+    for (int condition = 0; condition < 7; ++condition) {
+        text += QString("\nCondition%1\n8\n").arg(condition);
+        for (int block = 0; block < 8; ++block)
+            text += QString("%1 %2\n")
+                        .arg(block * 28 + condition * 4 + 1)
+                        .arg(block * 28 + condition * 4 + 4);
+        text += "Color: 200 100 50\n";
+    }
+    return text;
+}
+
+QString contrastText() {
+    return "FileVersion: 3\nNrOfContrasts: 3\nNrOfValues: 7\nBaselineInContrasts: 1\n"
+           "BaselinePosInProtocol: 1\nContrastNames:\n\"one\"\n\"two\"\n\"three\"\n"
+           "ContrastVectors:\n-1 1 0 0 0 0 0\n-1 0 1 0 0 0 0\n0 0 0 1 -1 0 0\n"
+           "InitialSelectionState:\n3\n3\n3\nContrastColors:\n255 0 0\n0 255 0\n0 0 255\n";
+}
+
+bool writeText(const QString& path, const QString& text) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) > 0;
+}
+
+bool writeSession(const QString& folder, const Size& size, int volumes, RunSettings& settings) {
+    settings.settingsFilePath = folder + "/bench-1.vco";
+    settings.settingsFileDir = folder + "/";
+    settings.WatchFolder = folder + "/incoming/";
+    settings.TargetFolder = folder + "/results/";
+    settings.DataType = "SIEMENS_DICOM_MOSAIC";
+    settings.FirstFileName = "001_000001_000001.dcm";
+    settings.DicomNameDelimiter = "_";
+    settings.MatrixSizeX = size.columns;
+    settings.MatrixSizeY = size.rows;
+    settings.MosaicResolutionX = size.columns * size.tiles;
+    settings.MosaicResolutionY = size.rows * size.tiles;
+    settings.NrOfSlices = size.slices;
+    settings.NrOfVolumes = volumes;
+    settings.NrOfVolumesToSkip = 0;
+    settings.ProjectName = "bench";
+    settings.SlicePrefix = "bench-";
+    settings.MotionCorrection = false;
+    settings.StimulationProtocol = folder + "/bench.prt";
+    settings.ContrastFile = folder + "/bench.ctr";
+    return writeText(settings.StimulationProtocol, protocolText()) &&
+           writeText(settings.ContrastFile, contrastText()) && writeSettingsFile(settings);
+}
+
+double medianAround(const std::vector<double>& times, size_t centre) {
+    std::vector<double> near(times.begin() + ptrdiff_t(centre - 9),
+                             times.begin() + ptrdiff_t(centre + 9));
+    std::nth_element(near.begin(), near.begin() + 9, near.end());
+    return near[9];
+}
+
+void measure(const Size& size, int volumes) {
+    QTemporaryDir folder;
+    QtEventPump pump;
+    BenchmarkDisplay display;
+    RunSession session(pump, display);
+    std::vector<Clock::time_point> starts;
+    session.makeReader = [&](const IntakeContext& context) {
+        return std::make_unique<BenchmarkReader>(context, starts);
+    };
+    if (!writeSession(folder.path(), size, volumes, session.settings)) {
+        std::printf("can't write to %s\n", folder.path().toLocal8Bit().constData());
+        return;
+    }
+    session.runButtonPressed();
+    // The first text is that of the start.
+    std::vector<double> times;
+    for (size_t i = 0; i < starts.size() && i + 1 < display.ends.size(); ++i)
+        times.push_back(
+            std::chrono::duration<double, std::milli>(display.ends[i + 1] - starts[i]).count());
+    if (times.size() < size_t(volumes) || volumes < 100) {
+        std::printf("run too short\n");
+        return;
+    }
+    const size_t volumeBytes =
+        size_t(size.columns) * size_t(size.rows) * size_t(size.slices) * 2 * size_t(volumes);
+    std::printf("%4dx%3dx%2d %6d %12.2f %12.2f %14.0f %14.0f\n", size.columns, size.rows,
+                size.slices, volumes, medianAround(times, 50),
+                medianAround(times, size_t(volumes) - 10), megabytes(volumeBytes),
+                peakMegabytes() - megabytes(volumeBytes));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QGuiApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C");
+    const int volumes = argc > 1 ? std::atoi(argv[1]) : 600;
+    std::printf("size       volumes   ms at 50  ms near end  volumes in MB  peak beside MB\n");
+    for (const Size& size : {Size{64, 64, 25, 5}, Size{74, 74, 36, 6}, Size{104, 104, 72, 9}})
+        measure(size, volumes);
+    return 0;
+}

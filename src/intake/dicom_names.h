@@ -1,0 +1,20 @@
+// Names of the DICOM files of a run.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/settings/run_settings.h"
+
+/// With leading zeros up to `width` characters; a longer number is kept whole, a width of -1 adds
+/// nothing.
+[[nodiscard]] inline QString paddedNumber(qint64 number, int width) {
+    return QString::number(number).rightJustified(width, '0');
+}
+
+/// Prefix, delimiter, volume number, delimiter, image number, ".", extension.
+[[nodiscard]] inline QString dicomFileName(const QString& prefix, qint64 volumeNumber,
+                                           qint64 imageNumber, const RunSettings& settings) {
+    const int width = settings.dicomImageNumberWidth;
+    return prefix + settings.DicomNameDelimiter + paddedNumber(volumeNumber, width) +
+           settings.DicomNameDelimiter + paddedNumber(imageNumber, width) + '.' +
+           settings.DicomNameExtension;
+}

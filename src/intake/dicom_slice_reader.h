@@ -1,0 +1,18 @@
+// Data type "DICOM": one file for each slice; all sizes come from the settings.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "intake/file_volume_reader.h"
+
+class DicomSliceReader : public FileVolumeReader {
+public:
+    explicit DicomSliceReader(const IntakeContext& context) : FileVolumeReader(context) {}
+    [[nodiscard]] bool readFirstVolume() override;
+    [[nodiscard]] bool readVolume(int volume) override;
+
+private:
+    [[nodiscard]] QStringList namesOf(qint64 measured, int slice) const;
+    [[nodiscard]] bool readSlices(Stage stage, int volume);
+    [[nodiscard]] bool takeSlice(const QString& path, Stage stage, std::span<int16_t> volume,
+                                 int slice);
+};

@@ -1,0 +1,29 @@
+// Finding the samples of a DICOM file without reading its header.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/byte_reader.h"
+
+#include <optional>
+
+/// Which pixel key counts where a file holds more than one.
+enum class PixelKeySearch {
+    First, ///< files of one slice
+    Last,  ///< mosaics
+};
+
+struct PixelData {
+    size_t valueOffset = 0; ///< of the first sample; may lie behind the end of a cut file
+    ByteOrder byteOrder = ByteOrder::Little; ///< as the key tells it
+    bool encapsulated = false; ///< of undefined length: a sequence of compressed fragments
+};
+
+/// Looks at every even offset for the pixel key. Nothing where there is none.
+[[nodiscard]] std::optional<PixelData> findPixelData(std::span<const uint8_t> bytes,
+                                                     PixelKeySearch search);
+
+/// The bytes behind the value offset; empty when it lies behind the end.
+[[nodiscard]] std::span<uint8_t> pixelBytes(std::span<uint8_t> bytes, const PixelData& pixelData);
+
+/// Exchanges the two bytes of each of the first `count` 16-bit samples, or of as many as there are.
+void swapSamples(std::span<uint8_t> samples, size_t count);

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/siemens_mosaic_reader.h"
+
+#include "base/messages.h"
+#include "base/paths.h"
+#include "intake/dicom_names.h"
+#include "intake/mosaic.h"
+#include "intake/siemens_protocol.h"
+#include "intake/slice_geometry.h"
+
+namespace {
+
+constexpr int settleMilliseconds = 30;
+
+const QString& memoryMessage() {
+    static const QString text = "ERROR: Could not allocate memory to read DICOM MOSAIC file:";
+    return text;
+}
+
+QString missingKeyMessage(const QString& path) {
+    return QString("ERROR: This file (\"%1\") is not a DICOM or ACR-NEMA file: Header does not "
+                   "contain \"begin-of-data\" key (7FE0,0010) !")
+        .arg(path);
+}
+
+} // namespace
+
+QString SiemensMosaicReader::fileName(qint64 measured) const {
+    return dicomFileName(settings().dicomFilePrefix, settings().DicomFirstVolumeNr,
+                         settings().DicomFirstImageNr + measured, settings());
+}
+
+bool SiemensMosaicReader::layoutIsUsable() const {
+    const MosaicTiling layout = MosaicTiling::of(settings());
+    return layout.holdsAllSlices() ||
+           failWith(QString("ERROR: A mosaic of %1 x %2 does not hold %3 slices of %4 x %5 - check "
+                            "settings file !")
+                        .arg(layout.mosaicSizeX)
+                        .arg(layout.mosaicSizeY)
+                        .arg(layout.nrOfSlices)
+                        .arg(layout.matrixSizeX)
+                        .arg(layout.matrixSizeY));
+}
+
+// With a list of folders instead of a watch folder, the first one that has the file counts; the
+// size must then be met exactly, so that the file of another run in one of them is passed by.
+ExpectedFile SiemensMosaicReader::expectedFirstFile() const {
+    const qint64 size = qint64(MosaicTiling::of(settings()).mosaicSamples()) * 2;
+    if (!settings().WatchFolder.isEmpty() || settings().watchFolderList.isEmpty())
+        return {{watchedPath(fileName(0))}, size, true};
+    ExpectedFile expected{{}, size, false};
+    for (const QString& folder : settings().watchFolderList)
+        expected.names << paths::join(folder, fileName(0));
+    return expected;
+}
+
+bool SiemensMosaicReader::readFirstVolume() {
+    if (!layoutIsUsable() || firstVolume().empty())
+        return false;
+    const ExpectedFile expected = expectedFirstFile();
+    const QString path = await(expected, settleMilliseconds);
+    if (path.isEmpty()) {
+        explainLateFile(expected.names, memoryMessage());
+        return false;
+    }
+    state().watchFolder = paths::folderWithSlash(path);
+    project().FirstDataSourceFile = paths::fileName(path);
+    return takeVolume(path, Stage::FirstVolume, firstVolume());
+}
+
+bool SiemensMosaicReader::readVolume(int volume) {
+    if (!layoutIsUsable() || analysedVolume(volume).empty())
+        return false;
+    const qint64 size = qint64(MosaicTiling::of(settings()).mosaicSamples()) * 2;
+    const QString path =
+        await({{watchedPath(fileName(measuredVolume(volume)))}, size, true}, settleMilliseconds);
+    return !path.isEmpty() && takeVolume(path, Stage::Loop, analysedVolume(volume));
+}
+
+bool SiemensMosaicReader::takeVolume(const QString& path, Stage stage, std::span<int16_t> volume) {
+    if (!readWhole(path, memoryMessage()) || (stage == Stage::FirstVolume && !acceptsFile(path)))
+        return false;
+    const auto found = pixelData(path, PixelKeySearch::Last, missingKeyMessage(path));
+    if (!found)
+        return false;
+    const MosaicTiling layout = MosaicTiling::of(settings());
+    const std::span<uint8_t> samples = pixelBytes(bytes(), *found);
+    if (!holdsSamples(samples, layout.mosaicSamples(), path))
+        return false;
+    // In the loop the size of the swapped part comes from another key of the settings: settings
+    // that disagree between the two keep their known result.
+    const size_t loopSide = size_t(std::max(settings().SiemensMosaicResolution, 0));
+    if (found->byteOrder != hostByteOrder)
+        swapSamples(samples, stage == Stage::Loop ? loopSide * loopSide : layout.mosaicSamples());
+    return splitMosaic(samples, volume, layout);
+}
+
+bool SiemensMosaicReader::headerFitsSettings() const {
+    const DicomHeader& header = state().header;
+    const RunSettings& run = settings();
+    if (header.columns == run.MosaicResolutionX && header.rows >= run.MosaicResolutionY)
+        return true;
+    return failWith(QString("ERROR - dimensions of DICOM file (%1 x %2) do not match those in VCO "
+                            "file (%3 x %4) !")
+                        .arg(header.rows)
+                        .arg(header.columns)
+                        .arg(run.MosaicResolutionY)
+                        .arg(run.MosaicResolutionX));
+}
+
+void SiemensMosaicReader::takeSizes() {
+    const DicomHeader& header = state().header;
+    FMRProject& run = project();
+    run.sliceThickness = header.sliceThickness;
+    // A header that never stated the spacing says nothing about a gap.
+    run.sliceGap = header.spacingBetweenSlices > 0.0f
+                       ? header.spacingBetweenSlices - header.sliceThickness
+                       : 0.0f;
+    run.pixelSizeX = header.pixelSpacingSecond;
+    run.pixelSizeY = header.pixelSpacingFirst;
+    run.VoxelResolutionVerified = true;
+
+    FMRPositionInfo& position = run.position;
+    position.nrOfRows = settings().MatrixSizeY;
+    position.nrOfColumns = settings().MatrixSizeX;
+    position.fovRows = float(settings().MatrixSizeY) * run.pixelSizeY;
+    position.fovColumns = float(settings().MatrixSizeX) * run.pixelSizeX;
+    position.sliceThickness = run.sliceThickness;
+    position.sliceGap = run.sliceGap;
+}
+
+bool SiemensMosaicReader::readHeaders() {
+    const QString path = watchedPath(fileName(0));
+    DicomHeader& header = state().header;
+    if (!readWhole(path, memoryMessage()) || !acceptsFile(path) ||
+        !parseDicomHeader(bytes(), path, header, state().rawDataByteOrder) || !headerFitsSettings())
+        return false;
+    takeSizes();
+    FMRPositionInfo& position = project().position;
+    // A header without directions leaves them as they are; the positions decide.
+    static_cast<void>(parseImageOrientation(header.imageOrientationText, position));
+    if (!parseSiemensProtocol(bytes(), project()) &&
+        !computeMosaicGeometry(path, header, state().rawDataByteOrder, project()))
+        return false;
+    position.positionInfoValid = 1;
+    return true;
+}

@@ -1,0 +1,22 @@
+// Data type "SIEMENS_DICOM_MOSAIC": one DICOM file for each volume, its slices as tiles.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "intake/file_volume_reader.h"
+
+class SiemensMosaicReader : public FileVolumeReader {
+public:
+    explicit SiemensMosaicReader(const IntakeContext& context) : FileVolumeReader(context) {}
+    [[nodiscard]] bool readFirstVolume() override;
+    [[nodiscard]] bool readVolume(int volume) override;
+    /// Geometry and timing from the first file.
+    [[nodiscard]] bool readHeaders() override;
+
+private:
+    [[nodiscard]] QString fileName(qint64 measured) const;
+    [[nodiscard]] bool layoutIsUsable() const;
+    [[nodiscard]] ExpectedFile expectedFirstFile() const;
+    [[nodiscard]] bool takeVolume(const QString& path, Stage stage, std::span<int16_t> volume);
+    [[nodiscard]] bool headerFitsSettings() const;
+    void takeSizes();
+};

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/siemens_protocol.h"
+
+#include "base/messages.h"
+#include "intake/file_bytes.h"
+#include "intake/header_numbers.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// Lines longer than this are read in pieces.
+constexpr size_t longestLine = 254;
+
+bool holds(std::string_view line, std::string_view key) {
+    return line.find(key) != std::string_view::npos;
+}
+
+// What stands two characters behind the "=": blank or tab, then the value.
+std::string_view valueOf(std::string_view line) {
+    const size_t equals = line.find('=');
+    if (equals == std::string_view::npos || line.size() < equals + 2)
+        return {};
+    return line.substr(equals + 2);
+}
+
+// Microseconds to whole milliseconds, halves upwards.
+float wholeMilliseconds(std::string_view microseconds) {
+    return float(std::floor(double(leadingFloat(microseconds)) / 1000.0 + 0.5));
+}
+
+class ProtocolLines {
+public:
+    explicit ProtocolLines(FMRProject& project) : project_(project) {
+        project_.position.sliceCenterFirst = {};
+        project_.position.sliceCenterLast = {};
+    }
+
+    /// False when nothing more is wanted.
+    bool take(std::string_view line) {
+        if (holds(line, "sSliceArray.asSlice[0].sPosition"))
+            positionsMet_ = true;
+        takeTimes(line);
+        if (!positionsMet_)
+            return true;
+        if (holds(line, "asSlice"))
+            takePosition(line);
+        if (!holds(line, "sSliceArray.ucMode"))
+            return true;
+        takeSliceOrder(valueOf(line));
+        return !repetitionTimeMet_;
+    }
+
+    /// True when slice positions were found.
+    bool finish() {
+        const bool interleaved = project_.SliceAcquisitionOrder == 3;
+        if (project_.SliceAcquisitionOrderVerified && interleaved && project_.NrOfSlices % 2 == 0)
+            project_.SliceAcquisitionOrder = 5;
+        return positionsMet_;
+    }
+
+private:
+    void takeTimes(std::string_view line) {
+        if (holds(line, "alTR[0]")) {
+            project_.TR = wholeMilliseconds(valueOf(line));
+            project_.InterSliceTime =
+                project_.NrOfSlices > 0 ? std::floor(project_.TR / float(project_.NrOfSlices)) : 0;
+            project_.TimeResolutionVerified = true;
+            repetitionTimeMet_ = true;
+        } else if (!positionsMet_ && holds(line, "alTE[0]")) {
+            project_.TE = wholeMilliseconds(valueOf(line));
+        }
+    }
+
+    void takePosition(std::string_view line) {
+        constexpr std::array<std::string_view, 3> axisKeys{"sPosition.dSag", "sPosition.dCor",
+                                                           "sPosition.dTra"};
+        for (const size_t axis : {size_t(1), size_t(2), size_t(0)}) {
+            if (!holds(line, axisKeys[axis]))
+                continue;
+            FMRPositionInfo& position = project_.position;
+            Vector3& center = axisMet_[axis] ? position.sliceCenterLast : position.sliceCenterFirst;
+            center[axis] = leadingFloat(valueOf(line));
+            axisMet_[axis] = true;
+            return;
+        }
+    }
+
+    void takeSliceOrder(std::string_view value) {
+        // Newer software writes a tab where older software writes a blank.
+        value.remove_prefix(std::min(value.find_first_not_of(" \t"), value.size()));
+        constexpr std::array<std::string_view, 3> modes{"0x1", "0x2", "0x4"};
+        const auto mode = std::ranges::find(modes, value);
+        project_.SliceAcquisitionOrderVerified = mode != modes.end();
+        if (mode != modes.end())
+            project_.SliceAcquisitionOrder = int(mode - modes.begin()) + 1;
+    }
+
+    FMRProject& project_;
+    bool positionsMet_ = false;
+    bool repetitionTimeMet_ = false;
+    std::array<bool, 3> axisMet_{};
+};
+
+} // namespace
+
+bool parseSiemensProtocol(std::span<const uint8_t> bytes, FMRProject& project) {
+    ProtocolLines lines(project);
+    size_t position = 0;
+    while (position < bytes.size()) {
+        const auto piece = bytes.subspan(position, std::min(longestLine, bytes.size() - position));
+        const auto newline = std::ranges::find(piece, uint8_t('\n'));
+        const size_t length = size_t(newline - piece.begin()) + (newline != piece.end() ? 1 : 0);
+        const std::string_view line(reinterpret_cast<const char*>(piece.data()), length);
+        if (!lines.take(trimmedHeaderText(line)))
+            break;
+        position += length;
+    }
+    return lines.finish();
+}
+
+bool readSiemensProtocol(const QString& fileName, FMRProject& project) {
+    FileBytes file;
+    if (file.read(fileName) != FileBytes::Result::Done) {
+        showWarning(QString("ERROR: File \"%1\" not found !").arg(fileName));
+        return false;
+    }
+    return parseSiemensProtocol(file.bytes(), project);
+}

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/slice_geometry.h"
+
+#include "base/text_reading.h"
+#include "intake/header_numbers.h"
+
+#include <cmath>
+
+namespace {
+
+// The first `count` fields as numbers; empty when one is missing or is no number.
+std::vector<float> numbersOf(const std::string& text, size_t count) {
+    const std::vector<std::string_view> fields = backslashFields(text);
+    if (fields.size() < count)
+        return {};
+    std::vector<float> numbers;
+    for (size_t i = 0; i < count; ++i) {
+        const std::string_view field = trimmedHeaderText(fields[i]);
+        if (field.find_first_of("0123456789") == std::string_view::npos)
+            return {};
+        numbers.push_back(leadingFloat(field));
+    }
+    return numbers;
+}
+
+Vector3 vectorAt(const std::vector<float>& numbers, size_t start) {
+    return {numbers[start], numbers[start + 1], numbers[start + 2]};
+}
+
+// A vector without length stays as it is.
+Vector3 normalised(const Vector3& v) {
+    const double length =
+        std::sqrt(double(v[0]) * v[0] + double(v[1]) * v[1] + double(v[2]) * v[2]);
+    if (!(length > 0.0))
+        return v;
+    return {float(v[0] / length), float(v[1] / length), float(v[2] / length)};
+}
+
+Vector3 cross(const Vector3& a, const Vector3& b) {
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+Vector3 moved(const Vector3& point, const Vector3& direction, float distance) {
+    return {point[0] + direction[0] * distance, point[1] + direction[1] * distance,
+            point[2] + direction[2] * distance};
+}
+
+} // namespace
+
+bool parseImagePosition(const std::string& text, SliceEnd which, FMRPositionInfo& position) {
+    const std::vector<float> numbers = numbersOf(text, 3);
+    if (numbers.empty())
+        return false;
+    (which == SliceEnd::First ? position.sliceCenterFirst : position.sliceCenterLast) =
+        vectorAt(numbers, 0);
+    return true;
+}
+
+bool parseImageOrientation(const std::string& text, FMRPositionInfo& position) {
+    const std::vector<float> numbers = numbersOf(text, 6);
+    if (numbers.empty())
+        return false;
+    position.rowDirection = vectorAt(numbers, 0);
+    position.columnDirection = vectorAt(numbers, 3);
+    return true;
+}
+
+bool computeMosaicGeometry(const DicomHeader& header, FMRProject& project) {
+    const QString maker = QString::fromLatin1(header.manufacturerText.c_str());
+    const std::vector<float> corner = numbersOf(header.imagePositionText, 3);
+    if (corner.empty() || !maker.contains("Siemens", Qt::CaseInsensitive))
+        return false;
+    FMRPositionInfo& position = project.position;
+    const Vector3& row = position.rowDirection;
+    const Vector3& column = position.columnDirection;
+    const Vector3 normal = normalised(cross(normalised(row), normalised(column)));
+    const float halfWidth = float(header.columns) * project.pixelSizeX * 0.5f;
+    const float halfHeight = float(header.rows) * project.pixelSizeY * 0.5f;
+    position.sliceCenterFirst =
+        moved(moved(vectorAt(corner, 0), row, halfWidth), column, halfHeight);
+    position.sliceCenterLast = moved(position.sliceCenterFirst, normal,
+                                     float(project.NrOfSlices) * project.sliceDistance());
+    return true;
+}
+
+bool computeMosaicGeometry(const QString& fileName, DicomHeader& header,
+                           ByteOrder& rawDataByteOrder, FMRProject& project) {
+    return readDicomHeader(fileName, header, rawDataByteOrder) &&
+           computeMosaicGeometry(header, project);
+}

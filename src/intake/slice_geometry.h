@@ -1,0 +1,29 @@
+// Slice positions and directions from the texts of a DICOM header.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "intake/dicom_header.h"
+#include "volume/fmr_project.h"
+
+/// Which slice a position belongs to.
+enum class SliceEnd { First = 1, Last = 2 };
+
+/// Three numbers between backslashes into sliceCenterFirst or sliceCenterLast. A header gives the
+/// corner of a slice there; moving it to the centre is the caller's. False, with nothing changed,
+/// when fewer are there or one is no number.
+[[nodiscard]] bool parseImagePosition(const std::string& text, SliceEnd which,
+                                      FMRPositionInfo& position);
+
+/// Six numbers into rowDirection and columnDirection. False as for the position.
+[[nodiscard]] bool parseImageOrientation(const std::string& text, FMRPositionInfo& position);
+
+/// Centres of the first and last slice of a mosaic whose protocol block doesn't tell them, from a
+/// parsed header and from pixel sizes, thickness, gap and NrOfSlices of the project. The position
+/// of a mosaic is the corner of the whole mosaic, so half of its size leads to the common centre;
+/// the last slice lies NrOfSlices (not one less) distances further. False when the maker is another
+/// one or the header has no position.
+[[nodiscard]] bool computeMosaicGeometry(const DicomHeader& header, FMRProject& project);
+
+/// The same from a file, whose header is parsed into the shared record first.
+[[nodiscard]] bool computeMosaicGeometry(const QString& fileName, DicomHeader& header,
+                                         ByteOrder& rawDataByteOrder, FMRProject& project);

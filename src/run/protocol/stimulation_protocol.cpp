@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/protocol/stimulation_protocol.h"
+
+#include "base/messages.h"
+
+namespace {
+
+using ConditionTable = std::vector<ProtocolCondition>;
+
+QString asConditionName(const QString& name) {
+    return name.left(ProtocolCondition::maximumNameLength);
+}
+
+int indexOf(const ConditionTable& table, const QString& name) {
+    const auto found = std::find_if(table.begin(), table.end(),
+                                    [&](const ProtocolCondition& c) { return c.name == name; });
+    return found == table.end() ? -1 : int(found - table.begin());
+}
+
+int append(ConditionTable& table, const QString& name) {
+    table.emplace_back().name = name;
+    return int(table.size()) - 1;
+}
+
+bool appendInterval(ConditionTable& table, int index, int from, int to) {
+    if (index < 0 || size_t(index) >= table.size())
+        return false;
+    ProtocolCondition& condition = table[size_t(index)];
+    const auto last = size_t(condition.nrOfIntervals);
+    if (condition.nrOfIntervals >= ProtocolCondition::maximumIntervals) {
+        if (!condition.lossReported)
+            showWarning(QStringLiteral("WARNING: Condition \"%1\" has more than 300 intervals; the "
+                                       "first 300 are used.")
+                            .arg(condition.name));
+        condition.lossReported = true;
+        return false;
+    }
+    condition.from[last] = from;
+    condition.to[last] = to;
+    condition.timeOfResponse[last] = -1;
+    condition.reactionTime[last] = -1;
+    condition.accuracy[last] = -1;
+    condition.omission[last] = -1;
+    condition.buttons[last].fill('\0');
+    ++condition.nrOfIntervals;
+    return true;
+}
+
+} // namespace
+
+void ProtocolCondition::setButtons(size_t interval, const QString& text) {
+    std::array<char, 11>& target = buttons[interval];
+    const QByteArray bytes = text.toLatin1().left(qsizetype(target.size()) - 1);
+    target.fill('\0');
+    std::copy(bytes.begin(), bytes.end(), target.begin());
+}
+
+void StimulationProtocol::clearProtocol() {
+    // Memory goes back as well: a record is large.
+    std::vector<ProtocolCondition>().swap(conditions);
+    std::vector<ProtocolCondition>().swap(responseConditions);
+    hasResponses = false;
+    experimentName = untitledExperiment;
+}
+
+int StimulationProtocol::conditionIndex(const QString& name) {
+    const QString known = asConditionName(name);
+    const int index = indexOf(conditions, known);
+    if (index >= 0)
+        return index;
+    if (acceptNewConditions)
+        return append(conditions, known);
+    showWarning(QStringLiteral("WARNING: Unexpected condition \"%1\" found!\n\nThis condition was "
+                               "not declared in header and will be ignored.")
+                    .arg(name));
+    return -1;
+}
+
+int StimulationProtocol::responseConditionIndex(const QString& name) {
+    const QString known = asConditionName(name);
+    const int index = indexOf(responseConditions, known);
+    return index >= 0 ? index : append(responseConditions, known);
+}
+
+bool StimulationProtocol::addInterval(int condition, int from, int to) {
+    return appendInterval(conditions, condition, from, to);
+}
+
+bool StimulationProtocol::addResponseInterval(int condition, int from, int to) {
+    return appendInterval(responseConditions, condition, from, to);
+}
+
+void StimulationProtocol::setResponseValues(int condition, int timeOfResponse, int reactionTime,
+                                            int accuracy, int omission, const QString& buttons) {
+    if (condition < 0 || condition >= nrOfResponseConditions())
+        return;
+    ProtocolCondition& table = responseConditions[size_t(condition)];
+    if (table.nrOfIntervals < 1)
+        return;
+    const auto last = size_t(table.nrOfIntervals) - 1;
+    table.timeOfResponse[last] = timeOfResponse;
+    table.reactionTime[last] = reactionTime;
+    table.accuracy[last] = accuracy;
+    table.omission[last] = omission;
+    table.setButtons(last, buttons);
+}
+
+bool isProtocolPathSet(const QString& path) {
+    return !path.isEmpty() && path != "<none>";
+}

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/settings/settings_file.h"
+
+#include "base/file_writing.h"
+#include "base/messages.h"
+#include "base/paths.h"
+#include "base/standard_folders.h"
+#include "base/text_reading.h"
+#include "run/settings/settings_paths.h"
+#include "run/settings/settings_reader.h"
+#include "run/settings/settings_writer.h"
+
+namespace {
+
+constexpr QChar commentCharacter = ';';
+constexpr QChar quote = '"';
+
+QString fileNotFoundText(const QString& path) {
+    return QStringLiteral("ERROR: \"%1\" file not found!").arg(path);
+}
+
+// The quoted value behind the next token that is this key.
+bool findQuoted(TokenStream& stream, const char* key, QString& value) {
+    while (!stream.atEnd())
+        if (tokensAgree(stream.word(), key))
+            return readDelimitedString(quote, value, stream);
+    return false;
+}
+
+} // namespace
+
+RunSettings defaultRunSettings() {
+    RunSettings settings;
+    settings.OverlayInplaneFolder = standardFolders().homePath;
+    return settings;
+}
+
+void applyDataTypeDefaults(RunSettings& settings, const QString& dataType) {
+    const QString type = dataType.toUpper();
+    settings.DataType = dataType;
+    settings.DicomNameDelimiter = type == "SIEMENS_DICOM_MOSAIC" ? "_" : "-";
+    if (type == "PHILIPS_REC" || type == "PHILIPSRECDATA")
+        settings.FirstFileName = "untitled.rec";
+    else if (type == "PHILIPS_ANALYZE_DRIN" || type == "ANALYZE_NW")
+        settings.FirstFileName = "untitled.img";
+    else if (type == "SIEMENS_DICOM_MOSAIC")
+        settings.FirstFileName = "001_000004_000001.dcm";
+    else
+        settings.FirstFileName.clear();
+}
+
+QString unsupportedDataTypeText(const QString& dataType, const QString& settingsFilePath) {
+    return QStringLiteral("ERROR: Data type \"%1\" not supported!\n\nCheck settings file: \"%2\".")
+        .arg(dataType, settingsFilePath);
+}
+
+bool readSettingsFile(RunSettings& settings, SettingsUse use,
+                      const std::function<void()>& stopTimer) {
+    const QString path = settings.settingsFilePath;
+    const SettingsReport report(path, use, stopTimer);
+    settings.settingsFileDir = paths::folderWithSlash(paths::withForwardSlashes(path));
+    settings.settingsRead = false;
+    settings.forceTRDelayRead = false;
+    QString text;
+    if (!removeComments(path, commentCharacter, text))
+        return report.fail(fileNotFoundText(path));
+    if (text.isEmpty()) {
+        report.warn(QStringLiteral("ERROR - No content in file \"%1\" found!").arg(path));
+        return false;
+    }
+    settings.settingsRead = SettingsReader(settings, report, text).read();
+    return settings.settingsRead;
+}
+
+bool writeSettingsFile(RunSettings& settings) {
+    const QString path = settings.settingsFilePath;
+    const WrittenSettings written = settingsText(settings);
+    if (!writeFileAtomically(path, written.text.toUtf8())) {
+        showWarning(
+            QStringLiteral("WARNING: Can not open VCO settings file for writing: %1").arg(path));
+        return false;
+    }
+    if (!written.dataTypeSupported)
+        showCritical(unsupportedDataTypeText(settings.DataType, path));
+    return written.dataTypeSupported;
+}
+
+QString resolveProjectPath(const QString& vcoFileName, const QString& currentSettingsDir) {
+    QString path = paths::withDefaultExtension(paths::withForwardSlashes(vcoFileName), "vco");
+    if (!path.contains('/'))
+        path = paths::join(currentSettingsDir, path);
+    QString text;
+    if (!removeComments(path, commentCharacter, text)) {
+        showWarning(fileNotFoundText(path));
+        return {};
+    }
+    TokenStream stream(text);
+    QString folder;
+    QString name;
+    if (!findQuoted(stream, "TargetFolder:", folder) || !findQuoted(stream, "ProjectName:", name))
+        return {};
+    name = paths::withForwardSlashes(name);
+    if (name.contains('/'))
+        return name;
+    return paths::join(cleanedFolder(folder, paths::folderWithSlash(path)), name);
+}

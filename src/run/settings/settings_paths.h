@@ -1,0 +1,24 @@
+// Paths as the values of a settings file.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/paths.h"
+
+/// A path as it is used: "/" as separator, and a "./" at its start replaced by the folder of the
+/// settings file.
+[[nodiscard]] inline QString cleanedPath(const QString& value, const QString& settingsFileDir) {
+    const QString path = paths::withForwardSlashes(value);
+    return path.startsWith("./") ? paths::join(settingsFileDir, path.mid(2)) : path;
+}
+
+/// The same for a folder, which gets a "/" at its end; an empty value stays empty.
+[[nodiscard]] inline QString cleanedFolder(const QString& value, const QString& settingsFileDir) {
+    return cleanedPath(paths::withTrailingSlash(paths::withForwardSlashes(value)), settingsFileDir);
+}
+
+/// A path as it is written: settingsFileDir at its start replaced by "./".
+[[nodiscard]] inline QString relativePath(const QString& path, const QString& settingsFileDir) {
+    if (settingsFileDir.isEmpty() || !path.startsWith(settingsFileDir))
+        return path;
+    return "./" + path.mid(settingsFileDir.size());
+}

@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/settings/settings_reader.h"
+
+#include "run/settings/settings_paths.h"
+#include "run/settings/watch_folders.h"
+
+#include <limits>
+
+namespace {
+
+constexpr QChar quote = '"';
+
+bool flagValue(ValueKind kind, int value) {
+    switch (kind) {
+    case ValueKind::FlagOne:
+        return value == 1;
+    case ValueKind::FlagPositive:
+        return value >= 1;
+    default:
+        return value != 0;
+    }
+}
+
+float asFloat(double value) {
+    constexpr double largest = std::numeric_limits<float>::max();
+    return float(std::clamp(value, -largest, largest));
+}
+
+} // namespace
+
+bool SettingsReader::read() {
+    for (const SettingsField& field : settingsFields())
+        if (field.applies(settings_) && !readField(field))
+            return false;
+    // Files of the first version have no such entry.
+    if (settings_.FileVersion < 2 && !settings_.MergeType)
+        settings_.FeedbackTargetFolder = settings_.TargetFolder;
+    return true;
+}
+
+bool SettingsReader::readField(const SettingsField& field) {
+    if (field.presence == Presence::UnlessEnded && stream_.atEnd()) {
+        setToDefault(field);
+        return applyEffect(field.effect);
+    }
+    switch (field.kind) {
+    case ValueKind::None:
+        return applyEffect(field.effect);
+    case ValueKind::WatchFolder:
+        return readWatchFolder(field);
+    case ValueKind::Protocol:
+        return readProtocol();
+    case ValueKind::MergeFiles:
+        return readMergeFiles(field);
+    default:
+        return field.presence == Presence::OverOtherKeys ? readOverOtherKeys(field)
+                                                         : readKeyAndValue(field);
+    }
+}
+
+bool SettingsReader::readKeyAndValue(const SettingsField& field) {
+    const QString found = stream_.word();
+    const bool valueIsThere = takeValue(field);
+    if (!report_.keyFits(found, field.key))
+        return false;
+    cleanValue(field);
+    if (!applyEffect(field.effect))
+        return false;
+    if (!valueIsThere)
+        return reportMissing(field.key);
+    return checkRange(field);
+}
+
+bool SettingsReader::readOverOtherKeys(const SettingsField& field) {
+    const QString found = stream_.word();
+    QString value;
+    const bool valueIsThere = readDelimitedString(quote, value, stream_);
+    if (!tokensAgree(found, field.key))
+        return true;
+    settings_.*std::get<QString RunSettings::*>(field.member) = value;
+    cleanValue(field);
+    return valueIsThere || reportMissing(field.key);
+}
+
+bool SettingsReader::takeValue(const SettingsField& field) {
+    const bool ended = stream_.atEnd();
+    if (const auto* integer = std::get_if<int RunSettings::*>(&field.member)) {
+        settings_.** integer = stream_.integer();
+    } else if (const auto* flag = std::get_if<bool RunSettings::*>(&field.member)) {
+        settings_.** flag = flagValue(field.kind, stream_.integer());
+    } else if (const auto* real = std::get_if<float RunSettings::*>(&field.member)) {
+        settings_.** real = asFloat(stream_.real());
+    } else if (const auto* text = std::get_if<QString RunSettings::*>(&field.member)) {
+        if (field.kind != ValueKind::Word)
+            return readDelimitedString(quote, settings_.**text, stream_);
+        settings_.** text = stream_.word();
+    }
+    return !ended;
+}
+
+void SettingsReader::setToDefault(const SettingsField& field) {
+    const auto reset = [this](auto member) {
+        if constexpr (!std::is_same_v<decltype(member), std::monostate>)
+            settings_.*member = RunSettings().*member;
+    };
+    std::visit(reset, field.member);
+}
+
+void SettingsReader::cleanValue(const SettingsField& field) {
+    if (field.kind != ValueKind::Path && field.kind != ValueKind::Folder)
+        return;
+    QString& value = settings_.*std::get<QString RunSettings::*>(field.member);
+    value = field.kind == ValueKind::Folder ? cleanedFolder(value, settings_.settingsFileDir)
+                                            : cleanedPath(value, settings_.settingsFileDir);
+}
+
+bool SettingsReader::checkRange(const SettingsField& field) {
+    if (!field.range)
+        return true;
+    double value = 0.0;
+    if (const auto* integer = std::get_if<int RunSettings::*>(&field.member))
+        value = settings_.**integer;
+    else if (const auto* real = std::get_if<float RunSettings::*>(&field.member))
+        value = double(settings_.**real);
+    if (value >= field.range->lowest && value <= field.range->highest)
+        return true;
+    return report_.refuseForRun(
+        QStringLiteral("ERROR: Problem reading \"%1\" value (%2). Check respective entry in "
+                       "settings file!")
+            .arg(field.key.chopped(1), QString::number(value, 'g', 10)));
+}
+
+bool SettingsReader::reportMissing(const QString& key) {
+    return report_.fail(QStringLiteral("ERROR: Problem reading \"%1\" value (the file has ended). "
+                                       "Check respective entry in settings file!")
+                            .arg(key.chopped(1)));
+}
+
+bool SettingsReader::readWatchFolder(const SettingsField& field) {
+    const QString found = stream_.word();
+    settings_.WatchFolderListFile.clear();
+    settings_.watchFolderList.clear();
+    settings_.watchFolderCount = 0;
+    if (tokensAgree(found, "WATCHFOLDERLIST:"))
+        return readWatchFolderList();
+    const bool valueIsThere = readDelimitedString(quote, settings_.WatchFolder, stream_);
+    if (!report_.keyFits(found, field.key))
+        return false;
+    settings_.WatchFolder = cleanedFolder(settings_.WatchFolder, settings_.settingsFileDir);
+    if (report_.forRun())
+        settings_.WatchFolder = resolvedSeriesFolder(settings_.WatchFolder);
+    return valueIsThere || reportMissing(field.key);
+}
+
+bool SettingsReader::readWatchFolderList() {
+    QString value;
+    const bool valueIsThere = readDelimitedString(quote, value, stream_);
+    // The reader of the images picks the folder when the first of them has come.
+    settings_.WatchFolder.clear();
+    settings_.WatchFolderListFile = cleanedPath(value, settings_.settingsFileDir);
+    QString text;
+    if (!valueIsThere || !readTextFile(settings_.WatchFolderListFile, text))
+        return SettingsReport::failFatally(
+            "ERROR: Can not open watch folder list file.\nCheck VCO file.");
+    if (!report_.forRun())
+        return true;
+    const WatchFolderList list = parseWatchFolderList(text, settings_.settingsFileDir);
+    settings_.watchFolderList = list.folders;
+    settings_.watchFolderCount = list.count;
+    return !list.folders.isEmpty() ||
+           SettingsReport::failFatally(
+               "ERROR: Can not find directories in watch folder list file.");
+}
+
+bool SettingsReader::readProtocol() {
+    const QString found = stream_.word();
+    QString value;
+    const bool valueIsThere = readDelimitedString(quote, value, stream_);
+    const std::pair<const char*, QString RunSettings::*> sources[] = {
+        {"TDatFile:", &RunSettings::TDatFile},
+        {"StimulationProtocol:", &RunSettings::StimulationProtocol},
+        {"RealTimeProtocol:", &RunSettings::RealTimeProtocol}};
+    for (const auto& [key, member] : sources) {
+        if (!tokensAgree(found, key))
+            continue;
+        for (const auto& source : sources)
+            (settings_.*source.second).clear();
+        settings_.*member = cleanedPath(value, settings_.settingsFileDir);
+        return valueIsThere || reportMissing(key);
+    }
+    return report_.refuseForRun(
+        QStringLiteral("ERROR: Expected \"StimulationProtocol:\" or \"RealTimeProtocol:\" or "
+                       "\"TDatFile:\" token but found \"%1\".\nCheck entry name and order of "
+                       "entries in settings file!")
+            .arg(found));
+}
+
+bool SettingsReader::readMergeFiles(const SettingsField& field) {
+    settings_.MergeFiles.clear();
+    if (!report_.keyFits(stream_.word(), field.key))
+        return false;
+    QString name;
+    while (readDelimitedStringInLine(quote, name, stream_))
+        settings_.MergeFiles << name;
+    return true;
+}

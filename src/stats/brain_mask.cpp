@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/messages.h"
+#include "stats/incremental_glm.h"
+
+namespace {
+
+/// Runs go on over the ends of rows: voxels are consecutive in memory there too.
+void collectRuns(BrainMask& mask) {
+    for (size_t voxel = 0; voxel < mask.voxels.size(); ++voxel) {
+        if (mask.voxels[voxel] == 0)
+            continue;
+        if (mask.runs.empty() || mask.runs.back().first + mask.runs.back().count != voxel)
+            mask.runs.push_back({voxel, 0});
+        ++mask.runs.back().count;
+        ++mask.nrOfVoxels;
+    }
+}
+
+} // namespace
+
+bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold) {
+    mask = BrainMask{};
+    const size_t voxels = project.volumeSamples();
+    // The mask and, at worst, a run for every second voxel.
+    if (!memoryIsAvailable(voxels, sizeof(uint8_t) + sizeof(BrainMask::Run) / 2)) {
+        showCritical("ERROR: Insufficient memory for creating contrast maps!");
+        return false;
+    }
+    mask.voxels.assign(voxels, 0);
+    if (project.NrOfSlices < 3 || project.volumes.empty() || project.volumes[0].size() < voxels)
+        return true;
+    const Volume& volume = project.volumes[0];
+    const size_t sliceSamples = project.sliceSamples();
+    for (size_t voxel = sliceSamples; voxel < voxels - sliceSamples; ++voxel)
+        mask.voxels[voxel] = int(uint16_t(volume[voxel])) > threshold;
+    collectRuns(mask);
+    return true;
+}

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/clusters.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Each pixel takes the larger of what it has and the map's value as shown. The state is settled
+/// outside the loop so that the loop vectorises.
+template<typename ValueAsShown>
+void takeLargest(std::vector<float>& combined, const float* map, ValueAsShown shown) {
+    float* pixels = combined.data();
+    const size_t count = combined.size();
+    for (size_t i = 0; i < count; ++i) {
+        const float value = shown(map[i]);
+        pixels[i] = value > pixels[i] ? value : pixels[i];
+    }
+}
+
+/// The largest of the shown maps' values over 0 for each pixel of a slice.
+void combineMaps(const StatisticalMaps& maps, int slice, std::vector<float>& combined) {
+    combined.assign(maps.sliceVoxels(), 0.0f);
+    for (size_t i = 0; i < size_t(maps.NrOfShownMaps); ++i) {
+        const float* map = maps.ContrastMaps[i].data() + size_t(slice) * maps.sliceVoxels();
+        const int state = maps.states[i];
+        if (state == 3)
+            takeLargest(combined, map, [](float value) { return std::fabs(value); });
+        else if (state == 2)
+            takeLargest(combined, map, [](float value) { return -value; });
+        else
+            takeLargest(combined, map, [](float value) { return value; });
+    }
+}
+
+bool anyReaches(const std::vector<float>& values, float threshold) {
+    int any = 0;
+    for (const float value : values)
+        any |= int(value >= threshold);
+    return any != 0;
+}
+
+/// The label of a pixel that passes. `row` points at the pixel, `above` at the pixel over it;
+/// labels of pixels that don't pass, and of the border, are 0.
+int labelOfPixel(const int* row, const int* above, ClusterScratch& scratch) {
+    int label = row[-1];
+    for (int offset = -1; offset <= 1; ++offset) {
+        const int upper = above[offset];
+        if (upper == 0)
+            continue;
+        if (label == 0)
+            label = upper;
+        else if (upper != label && scratch.links[size_t(upper)] == 0)
+            scratch.links[size_t(upper)] = label;
+    }
+    if (label == 0) {
+        label = int(scratch.links.size());
+        scratch.links.push_back(0);
+        scratch.sizes.push_back(0);
+    }
+    return label;
+}
+
+/// Labels in raster order; scratch.sizes gets the number of pixels of each label. The tables grow
+/// with the labels, so that no image, however speckled, runs over their end.
+void labelSlice(const StatisticalMaps& maps, ClusterScratch& scratch) {
+    const size_t sizeX = size_t(maps.sizeX);
+    const size_t stride = sizeX + 2;
+    scratch.labels.assign(stride * (size_t(maps.sizeY) + 1), 0);
+    scratch.links.assign(1, 0);
+    scratch.sizes.assign(1, 0);
+    for (size_t y = 0; y < size_t(maps.sizeY); ++y) {
+        const float* values = scratch.combined.data() + y * sizeX;
+        int* row = scratch.labels.data() + (y + 1) * stride + 1;
+        for (size_t x = 0; x < sizeX; ++x) {
+            if (values[x] < maps.Threshold)
+                continue;
+            row[x] = labelOfPixel(row + x, row + x - stride, scratch);
+            ++scratch.sizes[size_t(row[x])];
+        }
+    }
+}
+
+/// Follows the links of one label to the end of its chain, to a label whose end is known, or into a
+/// loop, whose smallest label is taken. All labels on the way get that result.
+void resolveLabel(int start, ClusterScratch& scratch) {
+    constexpr int onThisWay = -1;
+    std::vector<int>& roots = scratch.roots;
+    const std::vector<int>& links = scratch.links;
+    int label = start;
+    while (roots[size_t(label)] == 0 && links[size_t(label)] != 0) {
+        roots[size_t(label)] = onThisWay;
+        label = links[size_t(label)];
+    }
+    int root = roots[size_t(label)];
+    if (root == 0) {
+        root = label;
+        roots[size_t(label)] = root;
+    } else if (root == onThisWay) {
+        root = label;
+        for (int next = links[size_t(label)]; next != label; next = links[size_t(next)])
+            root = std::min(root, next);
+    }
+    for (label = start; roots[size_t(label)] == onThisWay; label = links[size_t(label)])
+        roots[size_t(label)] = root;
+}
+
+/// Turns scratch.sizes from pixels of a label into pixels of the label's cluster.
+void mergeLabels(ClusterScratch& scratch) {
+    const size_t labels = scratch.links.size();
+    scratch.roots.assign(labels, 0);
+    for (size_t label = 1; label < labels; ++label) {
+        if (scratch.roots[label] == 0)
+            resolveLabel(int(label), scratch);
+    }
+    for (size_t label = 1; label < labels; ++label) {
+        const size_t root = size_t(scratch.roots[label]);
+        if (root != label)
+            scratch.sizes[root] += scratch.sizes[label];
+    }
+    for (size_t label = 1; label < labels; ++label)
+        scratch.sizes[label] = scratch.sizes[size_t(scratch.roots[label])];
+}
+
+void writeSizes(const StatisticalMaps& maps, const ClusterScratch& scratch,
+                std::vector<int>& result) {
+    const size_t sizeX = size_t(maps.sizeX);
+    const size_t stride = sizeX + 2;
+    for (size_t y = 0; y < size_t(maps.sizeY); ++y) {
+        const int* labels = scratch.labels.data() + (y + 1) * stride + 1;
+        int* sizes = result.data() + y * sizeX;
+        for (size_t x = 0; x < sizeX; ++x)
+            sizes[x] = scratch.sizes[size_t(labels[x])];
+    }
+}
+
+} // namespace
+
+void computeClusterSizes(StatisticalMaps& maps, bool conjunction) {
+    maps.Threshold = std::max(maps.Threshold, 0.0f);
+    maps.ColorMaxThreshold = std::max(maps.ColorMaxThreshold, 0.0f);
+    maps.NrOfShownMaps = maps.nrOfMapsToShow(conjunction);
+    if (maps.NrOfShownMaps == 0 || maps.ClusterSizePixels <= 0)
+        return;
+
+    maps.ClusterSizeSlices.resize(size_t(maps.nrOfSlices));
+    for (int slice = 0; slice < maps.nrOfSlices; ++slice) {
+        std::vector<int>& sizes = maps.ClusterSizeSlices[size_t(slice)];
+        ClusterScratch& scratch = maps.clusterScratch;
+        sizes.assign(maps.sliceVoxels(), 0);
+        if (slice == 0 || slice == maps.nrOfSlices - 1)
+            continue;
+        combineMaps(maps, slice, scratch.combined);
+        if (!anyReaches(scratch.combined, maps.Threshold))
+            continue;
+        labelSlice(maps, scratch);
+        mergeLabels(scratch);
+        writeSizes(maps, scratch, sizes);
+    }
+}

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/glm_batch.h"
+
+#include "stats/glm_blocks.h"
+#include "stats/numerics/linear_systems.h"
+#include "stats/numerics/matrix_products.h"
+
+namespace {
+
+std::vector<int> activePredictorsAt(const DesignMatrix& design, int volumeIndex) {
+    std::vector<int> columns;
+    const int conditions =
+        std::min(design.NrOfConditionPredictors, int(design.PredictorOnsets.size()));
+    for (int column = 0; column < conditions; ++column)
+        if (design.PredictorOnsets[size_t(column)] <= volumeIndex)
+            columns.push_back(column);
+    for (int c = 0; c < design.NrOfConfoundPredictors; ++c)
+        if (design.NrOfConditionPredictors + c < DesignMatrix::maximumPredictors)
+            columns.push_back(design.NrOfConditionPredictors + c);
+    return columns;
+}
+
+/// X, and the inverse of X'X, in float. False when the inversion fails.
+bool makeBatchDesign(BatchDesign& batch, const DesignMatrix& design,
+                     const std::vector<int>& columns, int n) {
+    const int p = int(columns.size());
+    batch.p = p;
+    batch.n = n;
+    batch.x.reserve(size_t(n) * size_t(p));
+    for (int t = 0; t < n; ++t)
+        for (const int column : columns)
+            batch.x.push_back(designValue(design, column, t));
+    std::vector<float> xx(size_t(p) * size_t(p));
+    batch.inverse.resize(xx.size());
+    numerics::t_intel_matrix_matrix_mult_f(batch.x.data(), batch.x.data(), xx.data(), p, p, n, true,
+                                           false);
+    return numerics::invertMatrix(xx, batch.inverse, p);
+}
+
+void solveVoxels(GLMState& glm, const FMRProject& project, const BrainMask& mask,
+                 const BatchDesign& batch) {
+    BatchScratch scratch;
+    scratch.resize(batch.p, batch.n);
+    forEachBlockOverTime(
+        mask, project, batch.n, [&](const auto& samples, size_t first, size_t count) {
+            solveBlock(batch, samples, count, scratch, glm.values.data() + first, glm.nrOfVoxels);
+        });
+}
+
+} // namespace
+
+float designValue(const DesignMatrix& design, int column, int volumeIndex) {
+    const std::vector<float>& values = design.PredictorColumns[size_t(column)];
+    return size_t(volumeIndex) < values.size() ? values[size_t(volumeIndex)] : 0.0f;
+}
+
+bool isBatchSolutionDue(const GLMState& glm, const DesignMatrix& design, int volumeIndex) {
+    return size_t(glm.GLMStepIndex) < design.GLMStepVolumes.size() &&
+           design.GLMStepVolumes[size_t(glm.GLMStepIndex)] == volumeIndex;
+}
+
+bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& design,
+                const BrainMask& mask, int volumeIndex) {
+    const int n = volumeIndex + 1;
+    std::vector<int> columns = activePredictorsAt(design, volumeIndex);
+    if (columns.empty() || !volumesHaveSize(project, n, glm.nrOfVoxels) ||
+        (columns.size() + 1) * glm.nrOfVoxels > glm.values.size())
+        return false;
+    BatchDesign batch;
+    if (!makeBatchDesign(batch, design, columns, n))
+        return false;
+    glm.GLMStartVolume = volumeIndex;
+    if (glm.GLMStepIndex < design.NrOfConditionPredictors - 1)
+        ++glm.GLMStepIndex;
+    glm.nrOfActivePredictors = batch.p;
+    glm.ActivePredictors = std::move(columns);
+    glm.iXX.assign(batch.inverse.begin(), batch.inverse.end());
+    solveVoxels(glm, project, mask, batch);
+    return true;
+}

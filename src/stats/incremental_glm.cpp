@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/incremental_glm.h"
+
+#include "stats/glm_batch.h"
+#include "stats/glm_blocks.h"
+
+#include <algorithm>
+
+bool GLMState::allocate(int nrOfPredictors, size_t voxels) {
+    release();
+    const size_t rows = size_t(std::max(nrOfPredictors, 0)) + 1;
+    if (!memoryIsAvailable(voxels, rows * sizeof(double)) || !values.allocate(rows * voxels))
+        return false;
+    nrOfVoxels = voxels;
+    return true;
+}
+
+void GLMState::release() {
+    *this = GLMState{};
+}
+
+namespace {
+
+void sizeWorkspace(GLMWorkspace& workspace, size_t p) {
+    workspace.x.resize(p);
+    workspace.q.resize(p);
+    workspace.gain.resize(p);
+    workspace.inverse.resize(p * p);
+    workspace.betas.resize(p * glmBlockVoxels);
+    workspace.variances.resize(glmBlockVoxels);
+}
+
+/// Takes one volume's predictors into iXX. The unchanged q and the mirroring of the upper triangle
+/// keep the matrix exactly symmetric.
+RecursiveStep advanceInverse(GLMState& glm, const DesignMatrix& design, int volumeIndex) {
+    GLMWorkspace& work = glm.workspace;
+    const size_t p = size_t(glm.nrOfActivePredictors);
+    for (size_t j = 0; j < p; ++j)
+        work.x[j] = double(designValue(design, glm.ActivePredictors[j], volumeIndex));
+    double sum = 0.0;
+    for (size_t i = 0; i < p; ++i) {
+        work.q[i] = 0.0;
+        for (size_t j = 0; j < p; ++j)
+            work.q[i] += glm.iXX[i * p + j] * work.x[j];
+        sum += work.q[i] * work.x[i];
+    }
+    const double scale = 1.0 + sum;
+    for (size_t i = 0; i < p; ++i) {
+        work.gain[i] = work.q[i] / scale;
+        for (size_t j = i; j < p; ++j) {
+            glm.iXX[i * p + j] -= work.q[j] * work.gain[i];
+            glm.iXX[j * p + i] = glm.iXX[i * p + j];
+        }
+    }
+    return {work.x, work.gain, scale};
+}
+
+void prepareContrasts(const GLMRun& run, bool refresh) {
+    GLMState& glm = run.glm;
+    if (refresh)
+        refreshActiveContrasts(glm.activeContrasts, run.contrasts, run.maps, glm.ActivePredictors);
+    markConjunction(run.contrasts, run.maps);
+    std::copy(glm.iXX.begin(), glm.iXX.end(), glm.workspace.inverse.begin());
+    computeContrastVariances(glm.activeContrasts, glm.workspace.inverse);
+}
+
+/// All active contrasts still have a map of the model's size.
+bool mapsFit(const GLMRun& run) {
+    const StatisticalMaps& maps = run.maps;
+    const int count = run.glm.activeContrasts.count;
+    return maps.NrOfActiveContrasts == count && size_t(count) <= maps.ContrastMaps.size() &&
+           std::all_of(maps.ContrastMaps.begin(), maps.ContrastMaps.begin() + count,
+                       [&run](const auto& map) { return map.size() == run.glm.nrOfVoxels; });
+}
+
+/// The voxels' betas and residual sums of squares take the volume in, if there is a step, and their
+/// t values follow while the block is in the cache.
+void updateVoxels(const GLMRun& run, const RecursiveStep* step, int volumeIndex) {
+    GLMState& glm = run.glm;
+    GLMWorkspace& work = glm.workspace;
+    const int16_t* samples = run.project.volumes[size_t(volumeIndex)].data();
+    const float degreesOfFreedom = float(volumeIndex + 1 - glm.nrOfActivePredictors);
+    const bool withMaps = glm.activeContrasts.count > 0 && mapsFit(run);
+    const bool withConjunction = conjunctionApplies(run.contrasts, run.maps);
+    const BlockEstimates estimates{work.betas.data(), glmBlockVoxels, work.variances.data()};
+    forEachBlock(run.mask, [&](size_t first, size_t count) {
+        double* values = glm.values.data() + first;
+        if (step)
+            updateBetasAndResiduals(*step, samples + first, values, glm.nrOfVoxels, count);
+        if (!withMaps)
+            return;
+        copyBetasAndVariances(values, glm.nrOfVoxels, glm.nrOfActivePredictors, degreesOfFreedom,
+                              count, work.betas.data(), work.variances.data());
+        computeBlockMaps(glm.activeContrasts, estimates, first, count, withConjunction, run.maps);
+    });
+}
+
+bool volumeFits(const GLMRun& run, int volumeIndex) {
+    const FMRProject& project = run.project;
+    return volumeIndex >= 0 && size_t(volumeIndex) < project.volumes.size() &&
+           !run.glm.values.empty() &&
+           project.volumes[size_t(volumeIndex)].size() == run.glm.nrOfVoxels;
+}
+
+} // namespace
+
+bool updateGLM(const GLMRun& run, int volumeIndex) {
+    if (!volumeFits(run, volumeIndex))
+        return false;
+    GLMState& glm = run.glm;
+    if (run.mask.voxels.size() != glm.nrOfVoxels)
+        run.mask = BrainMask{};
+    const bool solved = isBatchSolutionDue(glm, run.design, volumeIndex) &&
+                        solveBatch(glm, run.project, run.design, run.mask, volumeIndex);
+    if (!solved && volumeIndex <= glm.GLMStartVolume)
+        return false;
+
+    sizeWorkspace(glm.workspace, size_t(glm.nrOfActivePredictors));
+    RecursiveStep step;
+    if (!solved)
+        step = advanceInverse(glm, run.design, volumeIndex);
+    // Once set, the flag stays set until the next run, and every volume refreshes the contrasts.
+    const bool refresh = solved || run.contrasts.ContrastsChanged;
+    prepareContrasts(run, refresh);
+    updateVoxels(run, solved ? nullptr : &step, volumeIndex);
+
+    run.maps.MapDF1 = std::max(volumeIndex + 1 - glm.nrOfActivePredictors, 0);
+    run.maps.MapDF2 = 0;
+    if (solved && glm.GLMStepIndex < 2)
+        run.maps.MapType = MapKind::T;
+    return refresh;
+}

@@ -1,0 +1,42 @@
+// The map file (.mps): the contrast maps of a run with what is needed to show them again.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/memory.h"
+#include "stats/contrasts.h"
+#include "stats/statistical_maps.h"
+
+#include <QString>
+#include <vector>
+
+/// One map of a file.
+struct MapFileEntry {
+    QString name; ///< of its contrast
+    MapKind type = MapKind::T;
+    int df1 = 0; ///< degrees of freedom; 0 when unknown
+    int df2 = 0;
+    float threshold = 0.0f;
+    float colorMaxThreshold = 0.0f;
+    int clusterSizePixels = 1;
+    RgbColor color;
+    int selectionState = ContrastPositive;
+    ZeroedBuffer<float> values; ///< x fastest, then y, then slices
+};
+
+/// The content of a file.
+struct MapFile {
+    int sizeX = 0;
+    int sizeY = 0;
+    int nrOfSlices = 0;
+    std::vector<MapFileEntry> maps;
+};
+
+/// Writes the maps in use under the names of their contrasts, whole or not at all; with none in use
+/// a file without maps. docs/file_formats_statistics.md has the layout. False after a critical
+/// message when the file can't be written.
+[[nodiscard]] bool writeMapFile(const QString& fileName, const StatisticalMaps& maps,
+                                const ContrastDefinitions& contrasts);
+
+/// Reads a map file. False, after a critical message and with `file` as it was, when it can't be
+/// opened, is none or of a newer version, is damaged or truncated, or when memory runs out.
+[[nodiscard]] bool readMapFile(const QString& fileName, MapFile& file);

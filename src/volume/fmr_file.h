@@ -1,0 +1,43 @@
+// The header file of a functional run (.fmr): versions 1 to 5 are read, version 5 is written.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "volume/fmr_project.h"
+
+#include <QByteArray>
+
+/// How much of a header is read.
+enum class FMRScope {
+    Inspection, ///< other runs: keys of the sizes are not tested, slice positions are passed over
+    Project,    ///< the current run: sizes must have their keys, slice positions are read
+};
+
+enum class FMRParseResult { Ok, UnexpectedTokens, UnsupportedVersion, ImpossibleSizes };
+
+/// Largest sizes that a header may state: what the 16-bit sizes of the data files can hold.
+inline constexpr int maximumFMRSize = 32767;
+inline constexpr int maximumFMRVolumes = 1000000;
+
+/// Reads a header from its text. `header` is defined only after Ok. Sizes are at least 1 and at
+/// most the limits above, so that products of them fit into 64 bits. Data of versions below 5 lie
+/// in one file per slice: DataStorageFormat is then 1.
+[[nodiscard]] FMRParseResult parseFMR(const QString& text, FMRScope scope, FMRHeader& header);
+
+/// Reads a file for inspection and leaves the current project alone. False after a message;
+/// `header` is then unchanged. A protocol is linked if header.ProtocolFiles is not empty.
+[[nodiscard]] bool readFMRHeader(const QString& fileName, FMRHeader& header);
+/// The same for either scope.
+[[nodiscard]] bool readFMRFile(const QString& fileName, FMRScope scope, FMRHeader& header);
+
+/// The version 5 text of a header. Floats have the shortest form that gives the same float again; a
+/// double quote inside a text becomes "'", since nothing can escape it.
+[[nodiscard]] QByteArray fmrText(const FMRHeader& header, int nrOfVolumes);
+
+/// Writes the header. "NrOfVolumes:" becomes the smaller of `nrOfVolumesWritten` and the analysed
+/// volumes. A trailing "-" of the prefix and a slice gap below 1e-06 mm are dropped, in the project
+/// too. False after a message, with an old file untouched.
+[[nodiscard]] bool writeFMRHeader(FMRProject& project, const QString& fileName,
+                                  int nrOfVolumesWritten);
+
+/// The prefix without one trailing "-", as it stands in file names.
+[[nodiscard]] QString prefixOfFiles(const QString& prefix);

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/load_fmr_project.h"
+
+#include "base/messages.h"
+#include "base/paths.h"
+#include "volume/fmr_file.h"
+#include "volume/stc_file.h"
+
+#include <QFile>
+
+namespace {
+
+bool canBeOpened(const QString& path) {
+    return QFile(path).open(QIODevice::ReadOnly);
+}
+
+/// A project that was moved names its anatomical file at the old place: the current folder and the
+/// folder of the project are tried then.
+void findAMRFile(FMRProject& project) {
+    if (project.LoadAMRFile.isEmpty() || canBeOpened(project.LoadAMRFile))
+        return;
+    const QString name = paths::fileName(paths::withForwardSlashes(project.LoadAMRFile));
+    for (const QString& path : {name, paths::join(project.targetFolder, name)}) {
+        if (!name.isEmpty() && canBeOpened(path)) {
+            project.LoadAMRFile = path;
+            return;
+        }
+    }
+    showWarning(QString("Error loading .FMR project:\n -> Can not find referenced file  > %1 <")
+                    .arg(project.LoadAMRFile));
+    project.LoadAMRFile.clear();
+    project.ShowAMRFile = 0;
+}
+
+} // namespace
+
+bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadData) {
+    FMRHeader header;
+    if (!readFMRFile(fileName, FMRScope::Project, header))
+        return false;
+    // Slice files of old versions may bear the "-" in their names, so stc_file.h tries both.
+    header.Prefix = prefixOfFiles(header.Prefix);
+    static_cast<FMRHeader&>(project) = header;
+    project.projectPath = fileName;
+    project.targetFolder = paths::folderWithSlash(fileName);
+    project.firstVolume.release();
+    project.volumes.clear();
+    if (loadData == LoadData::Yes && !checkSTCFiles(project))
+        return false;
+    if (!project.allocateVolumes()) {
+        showCritical("ERROR: Insufficient memory for loading the functional project!");
+        return false;
+    }
+    if (loadData == LoadData::Yes && !readSTCData(project))
+        return false;
+    findAMRFile(project);
+    return true;
+}

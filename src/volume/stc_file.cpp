@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/stc_file.h"
+
+#include "base/messages.h"
+#include "base/paths.h"
+#include "base/program_end.h"
+#include "volume/fmr_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QtEndian>
+
+namespace {
+
+constexpr qint64 sliceFileHeaderBytes = 4;
+
+bool fail(const QString& text) {
+    showCritical(text);
+    endProgram(1);
+    return false;
+}
+
+bool failShort(const QString& fileName) {
+    return fail("ERROR: The .stc file holds fewer samples than its header states: " + fileName);
+}
+
+QString notOpened(const QString& fileName) {
+    return "ERROR: Can not open .stc file: " + fileName;
+}
+
+qint64 sliceBytes(const FMRHeader& header) {
+    return qint64(header.sliceSamples() * sizeof(int16_t));
+}
+
+/// Slice files are named with the prefix as it stands in the header, which may have lost its "-".
+QString sliceFileName(const FMRHeader& header, const QString& folder, int slice) {
+    const QString number = QString::number(slice + 1) + ".stc";
+    const QString plain = paths::join(folder, header.Prefix + number);
+    const QString dashed = paths::join(folder, prefixOfFiles(header.Prefix) + "-" + number);
+    return !QFileInfo::exists(plain) && QFileInfo::exists(dashed) ? dashed : plain;
+}
+
+bool readSamples(QIODevice& file, std::span<int16_t> samples) {
+    const qint64 bytes = qint64(samples.size_bytes());
+    if (file.read(reinterpret_cast<char*>(samples.data()), bytes) != bytes)
+        return false;
+    qFromLittleEndian<quint16>(samples.data(), qsizetype(samples.size()), samples.data());
+    return true;
+}
+
+std::span<int16_t> sliceOf(FMRProject& project, int volume, int slice) {
+    return project.volumes[size_t(volume)].span().subspan(size_t(slice) * project.sliceSamples(),
+                                                          project.sliceSamples());
+}
+
+/// Collects samples into large writes.
+class SampleWriter {
+public:
+    explicit SampleWriter(QIODevice& file) : file_(file) { buffer_.reserve(flushSize); }
+
+    bool add(std::span<const int16_t> samples) {
+        const qsizetype start = buffer_.size();
+        buffer_.resize(start + qsizetype(samples.size_bytes()));
+        qToLittleEndian<quint16>(samples.data(), qsizetype(samples.size()), buffer_.data() + start);
+        return buffer_.size() < flushSize || flush();
+    }
+    bool flush() {
+        const bool written = file_.write(buffer_) == buffer_.size();
+        buffer_.resize(0);
+        return written;
+    }
+
+private:
+    static constexpr qsizetype flushSize = 1 << 20;
+    QIODevice& file_;
+    QByteArray buffer_;
+};
+
+bool writeSlices(const FMRProject& project, int nrOfVolumes, QIODevice& file,
+                 ProgressReporter* progress, EventPump* pump, int from, int to) {
+    const std::vector<int16_t> noSamples(project.sliceSamples(), 0);
+    SampleWriter writer(file);
+    for (int slice = 0; slice < project.NrOfSlices; ++slice) {
+        for (int volume = 0; volume < nrOfVolumes; ++volume) {
+            const bool exists = size_t(volume) < project.volumes.size() &&
+                                project.volumes[size_t(volume)].size() >= project.volumeSamples();
+            if (!writer.add(
+                    exists ? project.volumes[size_t(volume)].span().subspan(
+                                 size_t(slice) * project.sliceSamples(), project.sliceSamples())
+                           : std::span<const int16_t>(noSamples)))
+                return false;
+        }
+        if (progress)
+            progress->setProgress(from + int(qint64(slice) * (to - from) / project.NrOfSlices));
+        if (pump)
+            pump->processEvents();
+    }
+    return writer.flush();
+}
+
+bool checkSliceFile(const FMRProject& project, const QString& fileName) {
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(notOpened(fileName));
+    std::array<int16_t, 2> sizes{};
+    if (!readSamples(file, sizes))
+        return failShort(fileName);
+    if (sizes[0] != project.ResolutionX || sizes[1] != project.ResolutionY)
+        return fail("ERROR: Unexpected .stc file dimensions, quitting Cortivo NX...");
+    const qint64 needed = sliceFileHeaderBytes + sliceBytes(project) * project.NrOfVolumes;
+    return file.size() >= needed || failShort(fileName);
+}
+
+bool isAllocated(const FMRProject& project) {
+    return project.volumes.size() >= size_t(std::max(project.NrOfVolumes, 0)) &&
+           std::all_of(project.volumes.begin(), project.volumes.end(), [&](const Volume& volume) {
+               return volume.size() >= project.volumeSamples();
+           });
+}
+
+} // namespace
+
+QString stcFileName(const FMRProject& project) {
+    return paths::join(project.targetFolder, prefixOfFiles(project.Prefix) + ".stc");
+}
+
+bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten, ProgressReporter* progress,
+                  EventPump* pump, int from, int to) {
+    const int nrOfVolumes = std::max(std::min(nrOfVolumesWritten, project.NrOfVolumes), 0);
+    QSaveFile file(stcFileName(project));
+    if (file.open(QIODevice::WriteOnly) &&
+        writeSlices(project, nrOfVolumes, file, progress, pump, from, to) && file.commit())
+        return true;
+    showWarning("ERROR: Can not write FMR time course (STC) files !");
+    return false;
+}
+
+bool checkSTCFiles(const FMRProject& project) {
+    if (project.DataStorageFormat == 1) {
+        for (int slice = 0; slice < project.NrOfSlices; ++slice)
+            if (!checkSliceFile(project, sliceFileName(project, project.targetFolder, slice)))
+                return false;
+        return true;
+    }
+    QFile file(stcFileName(project));
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(notOpened(file.fileName()));
+    // Divided, because the product of hostile sizes may pass 64 bits.
+    const qint64 volumeBytes = sliceBytes(project) * project.NrOfSlices;
+    const bool holdsAll = volumeBytes > 0 && file.size() / volumeBytes >= project.NrOfVolumes;
+    return holdsAll || failShort(file.fileName());
+}
+
+bool readSTCData(FMRProject& project) {
+    if (!isAllocated(project) || !checkSTCFiles(project))
+        return false;
+    if (project.DataStorageFormat == 1) {
+        for (int slice = 0; slice < project.NrOfSlices; ++slice)
+            if (!readSliceSTC(project, slice, sliceFileName(project, project.targetFolder, slice)))
+                return false;
+        return true;
+    }
+    QFile file(stcFileName(project));
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(notOpened(file.fileName()));
+    for (int slice = 0; slice < project.NrOfSlices; ++slice)
+        for (int volume = 0; volume < project.NrOfVolumes; ++volume)
+            if (!readSamples(file, sliceOf(project, volume, slice)))
+                return failShort(file.fileName());
+    return true;
+}
+
+bool readSliceSTC(FMRProject& project, int slice, const QString& fileName) {
+    if (!isAllocated(project) || slice < 0 || slice >= project.NrOfSlices ||
+        !checkSliceFile(project, fileName))
+        return false;
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(sliceFileHeaderBytes))
+        return fail(notOpened(fileName));
+    for (int volume = 0; volume < project.NrOfVolumes; ++volume)
+        if (!readSamples(file, sliceOf(project, volume, slice)))
+            return failShort(fileName);
+    return true;
+}
+
+bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header, Volume& samples) {
+    if (!readFMRHeader(targetFMR, header))
+        return false;
+    const QString folder = paths::folderWithSlash(targetFMR);
+    const bool perSlice = header.DataStorageFormat == 1;
+    const QString common = paths::join(folder, prefixOfFiles(header.Prefix) + ".stc");
+    const auto nameOf = [&](int slice) {
+        return perSlice ? sliceFileName(header, folder, slice) : common;
+    };
+    if (!QFileInfo::exists(nameOf(0)))
+        return fail(QString("ERROR: Can not find / open stc file: %1 !").arg(nameOf(0)));
+    const qint64 series = sliceBytes(header) * header.NrOfVolumes;
+    const qint64 available = QFileInfo(nameOf(0)).size();
+    if (volume < 0 || volume >= header.NrOfVolumes ||
+        (perSlice ? available - sliceFileHeaderBytes < series
+                  : available / series < header.NrOfSlices))
+        return failShort(nameOf(0));
+    if (!samples.allocate(header.volumeSamples())) {
+        showCritical("ERROR: Insufficient memory for reading a volume!");
+        return false;
+    }
+    for (int slice = 0; slice < header.NrOfSlices; ++slice) {
+        QFile file(nameOf(slice));
+        if (!file.open(QIODevice::ReadOnly))
+            return fail(QString("ERROR: Can not find / open stc file: %1 !").arg(nameOf(slice)));
+        const qint64 start = perSlice ? sliceFileHeaderBytes : series * slice;
+        if (!file.seek(start + sliceBytes(header) * volume) ||
+            !readSamples(file, samples.span().subspan(size_t(slice) * header.sliceSamples(),
+                                                      header.sliceSamples())))
+            return failShort(nameOf(slice));
+    }
+    return true;
+}

@@ -1,0 +1,41 @@
+// The data files of a functional run (.stc): 16-bit little-endian samples, slice after slice.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/event_pump.h"
+#include "base/progress.h"
+#include "volume/fmr_project.h"
+
+// Format 2 is one file without header: sample (x, y) of volume v in slice s stands at sample offset
+// ((s * NrOfVolumes + v) * ResolutionY + y) * ResolutionX + x. Format 1, which is only read, is one
+// file per slice, named with the slice's number from 1: two 16-bit sizes, then the volumes.
+
+/// Path of the format 2 file: target folder, prefix less a trailing "-", ".stc".
+[[nodiscard]] QString stcFileName(const FMRProject& project);
+
+/// Writes the first volumes of the run, as many as the smaller of `nrOfVolumesWritten` and the
+/// analysed ones; a volume without memory is written as zeros. The file appears under its name only
+/// when it is whole. Progress, if a reporter is given, goes from `from` to `to` slice by slice, and
+/// events, if a pump is given, are processed after each slice: the caller sees to it that the
+/// project stays alive. False after a message, with an old file untouched, when the folder can't be
+/// written or the disk is full.
+[[nodiscard]] bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten,
+                                ProgressReporter* progress, EventPump* pump, int from, int to);
+
+/// Holds the sizes of the project against its data files. A missing or short file, or slice files
+/// of another matrix, give a message, the end of the program with status 1, and false. Bytes behind
+/// the data are not looked at.
+[[nodiscard]] bool checkSTCFiles(const FMRProject& project);
+
+/// Checks, then reads the data files of either format into the allocated volumes of the project.
+[[nodiscard]] bool readSTCData(FMRProject& project);
+
+/// Reads one volume, from 0, of another run, whose header is `targetFMR` and whose data stand
+/// beside it. `header` receives the other run's header. A missing or short data file, or a volume
+/// that the run doesn't have, ends the program with status 1 after a message.
+[[nodiscard]] bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header,
+                                 Volume& samples);
+
+/// Reads all volumes of one slice, from 0, from a format 1 file into the allocated volumes of the
+/// project. Failures end the program with status 1 after a message.
+[[nodiscard]] bool readSliceSTC(FMRProject& project, int slice, const QString& fileName);

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/arrival.h"
+
+#include "dicom_bytes.h"
+#include "support/simulated_pump.h"
+
+#include <QTemporaryDir>
+
+namespace {
+
+TEST(WaitForFile, TestsNameSizeAndKind) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a");
+    writeFile(path, "12345");
+    EXPECT_TRUE(waitForFile(path, 5, true));
+    EXPECT_TRUE(waitForFile(path, 4, true));
+    EXPECT_FALSE(waitForFile(path, 6, true));
+    EXPECT_TRUE(waitForFile(path, 5, false));
+    EXPECT_FALSE(waitForFile(path, 4, false));
+    EXPECT_FALSE(waitForFile({}, 0, true));
+    EXPECT_FALSE(waitForFile(folder.filePath("b"), 0, true));
+    EXPECT_FALSE(waitForFile(folder.path(), 0, true));
+}
+
+// Rounds stand at 0, 100, 200, ... milliseconds; the last one is the first behind the time-out.
+TEST(AwaitFile, TimeOutIsLookedAtBehindEachRound) {
+    struct Case {
+        int timeOut;
+        int arrival;
+        bool met;
+        int end; // time at the return
+    };
+    for (const auto& [timeOut, arrival, met, end] : {Case{1000, 0, true, 30},
+                                                     {1000, 950, true, 1030},
+                                                     {1000, 1050, true, 1130},
+                                                     {1000, 1150, false, 1100},
+                                                     {0, 50, true, 130},
+                                                     {0, 150, false, 100}}) {
+        SCOPED_TRACE(testing::Message() << timeOut << ' ' << arrival);
+        const QTemporaryDir folder;
+        SimulatedPump pump;
+        const QString path = folder.filePath("b");
+        const auto arrive = [&path] { writeFile(path, "full"); };
+        if (arrival == 0)
+            arrive();
+        else
+            pump.after(arrival, arrive);
+        const QString found =
+            awaitFile({{folder.filePath("a"), path}, 4, true},
+                      {.timeOutMilliseconds = timeOut, .settleMilliseconds = 30}, pump);
+        EXPECT_EQ(found, met ? path : QString());
+        EXPECT_EQ(pump.milliseconds(), end);
+    }
+}
+
+TEST(AwaitFile, TakesAGrowingFileOnceItIsWhole) {
+    const QTemporaryDir folder;
+    SimulatedPump pump;
+    const QString path = folder.filePath("a");
+    for (int part = 1; part <= 8; ++part)
+        pump.after(60 * part, [&path, part] { writeFile(path, QByteArray(part, 'x')); });
+    EXPECT_EQ(awaitFile({{path}, 8, true}, {.timeOutMilliseconds = 1000}, pump), path);
+    EXPECT_EQ(pump.milliseconds(), 510);
+}
+
+} // namespace

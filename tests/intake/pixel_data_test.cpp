@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/pixel_data.h"
+
+#include "dicom_bytes.h"
+#include "intake/mosaic.h"
+
+#include <random>
+
+namespace {
+
+// The plain form: every even offset in turn.
+std::vector<size_t> allKeys(std::span<const uint8_t> bytes) {
+    std::vector<size_t> keys;
+    for (size_t i = 0; i + 4 <= bytes.size(); i += 2) {
+        const int group = bytes[i] << 8 | bytes[i + 1];
+        const int number = bytes[i + 2] << 8 | bytes[i + 3];
+        if ((group == 0xE07F || group == 0x7FE0) && (number == 0x1000 || number == 0x0010))
+            keys.push_back(i);
+    }
+    return keys;
+}
+
+TEST(FindPixelData, AgreesWithThePlainSearch) {
+    std::mt19937 random(1);
+    const QByteArray words = QByteArray::fromHex("e07f7fe0100000105555");
+    int nrOfHits = 0;
+    for (int round = 0; round < 400; ++round) {
+        // Dense in halves of keys, or with few of them across the blocks of the fast search.
+        const bool dense = round < 200;
+        std::vector<uint8_t> bytes;
+        for (size_t i = random() % (dense ? 12 : 5000); i > 0; --i) {
+            const qsizetype word = dense || random() % 16 == 0 ? random() % 5 : 4;
+            bytes.insert(bytes.end(), {uint8_t(words[2 * word]), uint8_t(words[2 * word + 1])});
+        }
+        if (!bytes.empty() && random() % 2 == 0)
+            bytes.pop_back();
+        const std::vector<size_t> keys = allKeys(bytes);
+        nrOfHits += !keys.empty();
+        const auto first = findPixelData(bytes, PixelKeySearch::First);
+        const auto last = findPixelData(bytes, PixelKeySearch::Last);
+        ASSERT_EQ(first.has_value(), !keys.empty());
+        ASSERT_EQ(last.has_value(), !keys.empty());
+        if (keys.empty())
+            continue;
+        EXPECT_EQ(first->valueOffset, keys.front() + 8);
+        EXPECT_EQ(last->valueOffset, keys.back() + 8);
+        EXPECT_EQ(last->byteOrder,
+                  bytes[keys.back() + 2] == 0x10 ? ByteOrder::Little : ByteOrder::Big);
+    }
+    EXPECT_GT(nrOfHits, 100);
+}
+
+TEST(FindPixelData, KnowsWhereSamplesStart) {
+    const auto found = [](const QByteArray& bytes) {
+        return findPixelData(bytesOf(bytes), PixelKeySearch::First);
+    };
+    EXPECT_EQ(found(DicomBytes().pixels({1}).bytes)->valueOffset, 12);
+    EXPECT_EQ(found(DicomBytes(ByteOrder::Big, false).pixels({1}).bytes)->valueOffset, 8);
+    EXPECT_EQ(found(DicomBytes(ByteOrder::Big).pixels({1}).bytes)->byteOrder, ByteOrder::Big);
+    EXPECT_FALSE(found(DicomBytes().pixels({1}).bytes)->encapsulated);
+    EXPECT_TRUE(found(DicomBytes().header(0x7FE0, 0x10, "OB", 0xFFFFFFFF).bytes)->encapsulated);
+    EXPECT_FALSE(found("x" + DicomBytes().pixels({1}).bytes)) << "only even offsets count";
+    std::vector<uint8_t> cut{0xE0, 0x7F, 0x10, 0x00};
+    EXPECT_TRUE(pixelBytes(cut, *findPixelData(cut, PixelKeySearch::Last)).empty());
+}
+
+TEST(SwapSamples, StopsAtTheCountAndAtTheEnd) {
+    std::vector<uint8_t> bytes{1, 2, 3, 4, 5};
+    swapSamples(bytes, 1);
+    EXPECT_EQ(bytes, (std::vector<uint8_t>{2, 1, 3, 4, 5}));
+    swapSamples(bytes, 1000000000000);
+    EXPECT_EQ(bytes, (std::vector<uint8_t>{1, 2, 4, 3, 5}));
+}
+
+TEST(SplitMosaic, TakesTilesRowByRow) {
+    // Tiles of 2 x 3 samples; the mosaic is one sample wider than its three tiles.
+    const MosaicTiling layout{7, 6, 2, 3, 5};
+    std::vector<uint16_t> mosaic(42);
+    for (size_t i = 0; i < mosaic.size(); ++i)
+        mosaic[i] = uint16_t(i);
+    const std::span<const uint8_t> source(reinterpret_cast<const uint8_t*>(mosaic.data()), 84);
+    std::vector<int16_t> volume(30);
+    ASSERT_TRUE(splitMosaic(source, volume, layout));
+    EXPECT_EQ(volume,
+              (std::vector<int16_t>{0,  1,  7,  8,  14, 15, 2,  3,  9,  10, 16, 17, 4,  5,  11,
+                                    12, 18, 19, 21, 22, 28, 29, 35, 36, 23, 24, 30, 31, 37, 38}));
+    EXPECT_FALSE(splitMosaic(source.first(83), volume, layout));
+    EXPECT_FALSE(splitMosaic(source, std::span(volume).first(29), layout));
+    for (const MosaicTiling& none : {MosaicTiling{6, 6, 2, 3, 7},
+                                     {6, 6, 0, 3, 1},
+                                     {6, 6, 7, 3, 1},
+                                     {6, 2, 2, 3, 1},
+                                     {-6, 6, 2, 3, 1},
+                                     {6, 6, 2, 3, 0}})
+        EXPECT_FALSE(none.holdsAllSlices());
+}
+
+} // namespace

@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/volume_reader.h"
+
+#include "intake_run.h"
+
+#include <numeric>
+
+namespace {
+
+std::vector<uint16_t> counted(size_t count, int first = 0) {
+    std::vector<uint16_t> samples(count);
+    std::iota(samples.begin(), samples.end(), uint16_t(first));
+    return samples;
+}
+
+std::vector<int> valuesOf(const Volume& volume) {
+    return {volume.span().begin(), volume.span().end()};
+}
+
+// Two slices of 1 x 2 samples, side by side in a mosaic of 2 x 2.
+struct MosaicRun : IntakeRun {
+    MosaicRun() : IntakeRun("SIEMENS_DICOM_MOSAIC", 1, 2, 2) {
+        setMosaic(2, 2);
+        settings.DicomFirstVolumeNr = 7;
+        settings.DicomFirstImageNr = 10;
+    }
+    static QByteArray file(int first, ByteOrder order = ByteOrder::Little) {
+        return DicomBytes(order).meta().pixels(counted(4, first)).bytes;
+    }
+};
+
+TEST(MosaicReader, NamesCountImagesBehindTheSkippedOnes) {
+    MosaicRun run;
+    run.write("run-0007-0010.dcm", MosaicRun::file(100));
+    run.write("run-0007-0012.dcm", MosaicRun::file(200));
+    run.write("run-0007-0014.dcm", MosaicRun::file(0x0301, ByteOrder::Big));
+    const auto reader = run.reader();
+    ASSERT_TRUE(reader->readFirstVolume());
+    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{100, 102, 101, 103}));
+    EXPECT_EQ(run.project.FirstDataSourceFile, "run-0007-0010.dcm");
+    ASSERT_TRUE(reader->readVolume(0));
+    EXPECT_EQ(valuesOf(run.project.volumes[0]), (std::vector{200, 202, 201, 203}));
+    EXPECT_FALSE(reader->readVolume(1)) << "not there";
+    ASSERT_TRUE(reader->readVolume(2)) << "the byte order is that of the file";
+    EXPECT_EQ(valuesOf(run.project.volumes[2]), (std::vector{0x301, 0x303, 0x302, 0x304}));
+    EXPECT_FALSE(reader->readVolume(3));
+    EXPECT_FALSE(reader->readVolume(-1));
+}
+
+TEST(MosaicReader, LoopSwapsTheSquareOfItsOwnResolution) {
+    for (const int resolution : {1, 0, -5, 46340}) {
+        MosaicRun run;
+        run.settings.SiemensMosaicResolution = resolution;
+        run.settings.NrOfVolumesToSkip = 0;
+        run.write("run-0007-0010.dcm", MosaicRun::file(0x0301, ByteOrder::Big));
+        const auto reader = run.reader();
+        ASSERT_TRUE(reader->readFirstVolume());
+        EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x301, 0x303, 0x302, 0x304}));
+        ASSERT_TRUE(reader->readVolume(0));
+        const std::vector<int> swapped = valuesOf(run.project.volumes[0]);
+        EXPECT_EQ(swapped[0], resolution > 0 ? 0x301 : 0x103);
+        EXPECT_EQ(swapped[3], resolution > 1 ? 0x304 : 0x403);
+    }
+}
+
+TEST(MosaicReader, LastKeyCounts) {
+    MosaicRun run;
+    const QByteArray thumbnail = DicomBytes().pixels(counted(9)).bytes;
+    run.write(
+        "run-0007-0010.dcm",
+        DicomBytes().meta().element(0x0009, 0x0010, "OB", thumbnail).pixels(counted(4, 50)).bytes);
+    ASSERT_TRUE(run.reader()->readFirstVolume());
+    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{50, 52, 51, 53}));
+}
+
+TEST(MosaicReader, ListedFoldersNeedTheExactSize) {
+    MosaicRun run;
+    QTemporaryDir other;
+    run.settings.WatchFolder.clear();
+    run.settings.watchFolderList = QStringList{run.folder.path(), other.path()};
+    run.setMosaic(2, 100);
+    // 400 bytes of file for 400 bytes of mosaic: found, but then short of samples.
+    const QByteArray exact = MosaicRun::file(1).leftJustified(400, '\0');
+    run.write("run-0007-0010.dcm", exact + "x");
+    run.pump.after(150, [&] { writeFile(other.filePath("run-0007-0010.dcm"), exact); });
+    run.messages.expect(MessageLevel::Warning,
+                        "ERROR: File \"" + other.filePath("run-0007-0010.dcm") +
+                            "\" holds less image data than stated in the settings file !");
+    EXPECT_FALSE(run.reader()->readFirstVolume());
+    EXPECT_EQ(run.state.watchFolder, other.path() + '/');
+    EXPECT_EQ(run.pump.milliseconds(), 230);
+}
+
+TEST(MosaicReader, EveryFailureHasItsMessage) {
+    struct Case {
+        QByteArray bytes;
+        int matrixSizeX;
+        const char* message;
+    };
+    const QByteArray name = "run-0007-0010.dcm";
+    for (const auto& [bytes, matrixSizeX, message] :
+         {Case{"12345678", 1,
+               "ERROR: This file (\"%1\") is not a DICOM or ACR-NEMA file: Header does not contain "
+               "\"begin-of-data\" key (7FE0,0010) !"},
+          {DicomBytes().meta().pixels({1, 2, 3}).bytes, 1,
+           "ERROR: File \"%1\" holds less image data than stated in the settings file !"},
+          {DicomBytes().meta("1.2.840.10008.1.2.4.70").raw("12345678").bytes, 1,
+           "ERROR: File \"%1\" is compressed (transfer syntax 1.2.840.10008.1.2.4.70); export it "
+           "uncompressed !"},
+          {DicomBytes().meta().header(0x7FE0, 0x0010, "OB", 0xFFFFFFFF).raw("12345678").bytes, 1,
+           "ERROR: File \"%1\" is compressed (transfer syntax unknown); export it uncompressed !"},
+          {MosaicRun::file(0), 0,
+           "ERROR: A mosaic of 2 x 2 does not hold 2 slices of 0 x 2 - check settings file !"},
+          {MosaicRun::file(0), 3,
+           "ERROR: A mosaic of 2 x 2 does not hold 2 slices of 3 x 2 - check settings file !"}}) {
+        MosaicRun run;
+        run.settings.MatrixSizeX = matrixSizeX;
+        run.write(name, bytes);
+        run.messages.expect(MessageLevel::Warning, QString(message).replace("%1", run.path(name)));
+        EXPECT_FALSE(run.reader()->readFirstVolume());
+    }
+}
+
+TEST(MosaicReader, SaysWhyACompressedFileIsNeverTaken) {
+    MosaicRun run;
+    run.setMosaic(200, 200);
+    run.write("run-0007-0010.dcm", DicomBytes().meta("1.2.840.10008.1.2.5").bytes);
+    run.messages.expect(MessageLevel::Warning, "ERROR: File \"*");
+    EXPECT_FALSE(run.reader()->readFirstVolume());
+    EXPECT_EQ(run.pump.milliseconds(), 1100);
+}
+
+TEST(MosaicReader, TakesHeaderIntoTheProject) {
+    MosaicRun run;
+    run.write("run-0007-0010.dcm", DicomBytes()
+                                       .meta()
+                                       .element(0x0008, 0x0070, "LO", "Siemens ")
+                                       .element(0x0018, 0x0050, "DS", "3 ")
+                                       .element(0x0018, 0x0088, "DS", "3.5 ")
+                                       .element(0x0020, 0x0032, "DS", "-4\\-6\\10")
+                                       .element(0x0020, 0x0037, "DS", "1\\0\\0\\0\\1\\0 ")
+                                       .word(0x0028, 0x0010, 2)
+                                       .word(0x0028, 0x0011, 2)
+                                       .element(0x0028, 0x0030, "DS", "6\\4 ")
+                                       .pixels(counted(4))
+                                       .bytes);
+    ASSERT_TRUE(run.reader()->readHeaders());
+    EXPECT_EQ(run.project.pixelSizeX, 4.0f);
+    EXPECT_EQ(run.project.pixelSizeY, 6.0f);
+    EXPECT_EQ(run.project.sliceGap, 0.5f);
+    EXPECT_FALSE(run.project.TimeResolutionVerified);
+    EXPECT_TRUE(run.project.VoxelResolutionVerified);
+    const FMRPositionInfo& position = run.project.position;
+    EXPECT_EQ(position.positionInfoValid, 1);
+    EXPECT_EQ(position.nrOfRows, 2);
+    EXPECT_EQ(position.nrOfColumns, 1);
+    EXPECT_EQ(position.fovRows, 12.0f);
+    EXPECT_EQ(position.fovColumns, 4.0f);
+    // No protocol block: the centre of the mosaic, and two slice distances along z from it.
+    EXPECT_EQ(position.sliceCenterFirst, (Vector3{0, 0, 10}));
+    EXPECT_EQ(position.sliceCenterLast, (Vector3{0, 0, 17}));
+    run.setMosaic(4, 2);
+    run.messages.expect(
+        MessageLevel::Warning,
+        "ERROR - dimensions of DICOM file (2 x 2) do not match those in VCO file (2 x 4) !");
+    EXPECT_FALSE(run.reader()->readHeaders());
+}
+
+TEST(MosaicReader, SurvivesFilesCutAnywhere) {
+    const QByteArray whole = DicomBytes(ByteOrder::Big)
+                                 .meta()
+                                 .element(0x0008, 0x0070, "LO", "Siemens ")
+                                 .header(0x0008, 0x1140, "SQ", 0xFFFFFFFF)
+                                 .header(0xFFFE, 0xE0DD, "", 0)
+                                 .raw("alTR[0] = 2000000\n")
+                                 .pixels(counted(2000))
+                                 .bytes;
+    for (qsizetype size = 0; size <= whole.size(); size += size < 400 ? 1 : 100) {
+        MosaicRun run;
+        run.messages.acceptAnything();
+        run.settings.NrOfVolumesToSkip = 0;
+        run.setMosaic(50, 40);
+        run.settings.timeOutMilliseconds = 0;
+        run.write("run-0007-0010.dcm", whole.first(size));
+        const auto reader = run.reader();
+        const bool expected = size == whole.size();
+        EXPECT_EQ(reader->readFirstVolume(), expected);
+        EXPECT_EQ(reader->readVolume(0), expected);
+        EXPECT_FALSE(reader->readHeaders()) << "no rows and columns";
+    }
+}
+
+TEST(MosaicReader, RefusesAFileBeyondAnyImage) {
+    MosaicRun run;
+    QFile file(run.path("run-0007-0010.dcm"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(qint64(4) << 30)); // sparse
+    run.messages.expect(MessageLevel::Warning,
+                        "ERROR: Could not allocate memory to read DICOM MOSAIC file:" +
+                            run.path("run-0007-0010.dcm") + " !");
+    EXPECT_FALSE(run.reader()->readFirstVolume());
+}
+
+// Two slices of 2 x 1 samples.
+struct SliceRun : IntakeRun {
+    SliceRun() : IntakeRun("DICOM", 2, 1, 2) { settings.DicomFirstVolumeNr = 5; }
+    static QByteArray file(int first, ByteOrder order = ByteOrder::Little) {
+        return DicomBytes(order).meta().pixels(counted(2, first)).bytes;
+    }
+};
+
+TEST(SliceReader, NamesCountVolumesAndSlicesWithAndWithoutPrefix) {
+    SliceRun run;
+    run.write("-0005-0001.dcm", SliceRun::file(10));
+    run.write("run-0005-0002.dcm", SliceRun::file(20));
+    run.write("run-0007-0001.dcm", SliceRun::file(30));
+    // Each slice has the whole time-out.
+    run.pump.after(990, [&] { run.write("run-0007-0002.dcm", SliceRun::file(40)); });
+    const auto reader = run.reader();
+    ASSERT_TRUE(reader->readFirstVolume());
+    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{10, 11, 20, 21}));
+    EXPECT_EQ(run.project.FirstDataSourceFile, "-0005-0001.dcm");
+    ASSERT_TRUE(reader->readVolume(0));
+    EXPECT_EQ(valuesOf(run.project.volumes[0]), (std::vector{30, 31, 40, 41}));
+    EXPECT_FALSE(reader->readVolume(1));
+    EXPECT_TRUE(reader->readHeaders()) << "nothing to read";
+    EXPECT_EQ(run.project.position.positionInfoValid, 0);
+}
+
+TEST(SliceReader, FirstKeyCountsAndLoopGoesByTheSettledOrder) {
+    SliceRun run;
+    run.settings.NrOfVolumesToSkip = 0;
+    run.settings.dicomImageNumberWidth = -1;
+    const QByteArray two = SliceRun::file(0x0102, ByteOrder::Big) + SliceRun::file(7);
+    run.write("run-5-1.dcm", two);
+    run.write("run-5-2.dcm", two);
+    const auto reader = run.reader();
+    ASSERT_TRUE(reader->readFirstVolume());
+    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x102, 0x103, 0x102, 0x103}));
+    ASSERT_TRUE(reader->readVolume(0));
+    EXPECT_EQ(run.project.volumes[0][0], 0x201);
+    run.state.rawDataByteOrder = ByteOrder::Big;
+    ASSERT_TRUE(reader->readVolume(0));
+    EXPECT_EQ(run.project.volumes[0][0], 0x102);
+}
+
+TEST(SliceReader, FailsWithItsMessageForAFileWithoutKey) {
+    SliceRun run;
+    run.write("run-0005-0001.dcm", "");
+    run.messages.expect(MessageLevel::Warning,
+                        "ERROR: This file is not a DICOM or ACR-NEMA file: Header does not contain "
+                        "\"begin-of-data\" key (7FE0,0010) !");
+    EXPECT_FALSE(run.reader()->readFirstVolume());
+    run.write("run-0005-0001.dcm", SliceRun::file(1).chopped(1));
+    run.messages.expect(MessageLevel::Warning, "ERROR: File \"*");
+    EXPECT_FALSE(run.reader()->readFirstVolume());
+}
+
+} // namespace

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+
+#include "run/settings/settings_file.h"
+
+#include <QFile>
+
+namespace {
+
+class ProbeProgress : public ProgressReporter {
+public:
+    explicit ProbeProgress(std::vector<int>& values) : values_(values) {}
+    void setProgress(int percent) override { values_.push_back(percent); }
+
+private:
+    std::vector<int>& values_;
+};
+
+class ScriptedReader : public VolumeReader {
+public:
+    ScriptedReader(const IntakeContext& context, const Script& script)
+        : project_(context.project), pump_(context.pump), script_(script) {}
+
+    bool readFirstVolume() override {
+        fill(project_.firstVolume, 0);
+        return script_.firstVolumeComes;
+    }
+    bool readVolume(int volume) override {
+        pump_.pumpWait(int(script_.millisecondsPerVolume));
+        if (volume > script_.lastVolume)
+            return false;
+        fill(project_.volumes[size_t(volume)], volume);
+        if (script_.atVolume)
+            script_.atVolume(volume);
+        return true;
+    }
+
+private:
+    void fill(Volume& volume, int index) {
+        for (size_t i = 0; i < volume.size(); ++i)
+            volume[i] = scriptedSample(i, index, script_.seed);
+    }
+
+    FMRProject& project_;
+    EventPump& pump_;
+    const Script& script_;
+};
+
+void writeText(const QString& path, const QString& text) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text.toUtf8());
+}
+
+} // namespace
+
+int16_t scriptedSample(size_t voxel, int volume, uint16_t seed) {
+    // A cheap scrambling; only that samples differ and repeat matters.
+    uint32_t x = uint32_t(voxel) * 2654435761u + uint32_t(volume) * 40503u + seed * 97u;
+    x ^= x >> 15;
+    return int16_t(500 + int(x * 2246822519u >> 22));
+}
+
+std::unique_ptr<ProgressReporter> ProbeDisplay::openSavingProgress() {
+    return std::make_unique<ProbeProgress>(progress);
+}
+
+SessionFixture::SessionFixture() {
+    session.makeReader = [this](const IntakeContext& context) {
+        return std::make_unique<ScriptedReader>(context, script);
+    };
+}
+
+QString SessionFixture::defaultProtocol() {
+    return "\nFileVersion: 2\nResolutionOfTime: Volumes\nExperiment: Test\n"
+           "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 255 255 255\n"
+           "TimeCourseThick: 3\nReferenceFuncColor: 80 80 80\nReferenceFuncThick: 2\n"
+           "NrOfConditions: 3\n"
+           "\nFixation\n2\n1 3\n7 9\nColor: 100 100 100\n"
+           "\nFaces\n1\n4 6\nColor: 255 0 0\n"
+           "\nHouses\n1\n10 14\nColor: 0 0 255\n";
+}
+
+void SessionFixture::writeSession(int volumes, int skip, const QMap<QString, QString>& changes,
+                                  const QString& protocol) {
+    RunSettings settings;
+    settings.settingsFilePath = path("test-1.vco");
+    settings.settingsFileDir = folder_.path() + "/";
+    settings.Title = "Scripted run";
+    settings.WatchFolder = path("incoming/");
+    settings.TargetFolder = path("results/");
+    settings.DataType = "SIEMENS_DICOM_MOSAIC";
+    settings.FirstFileName = "001_000004_000001.dcm";
+    settings.DicomNameDelimiter = "_";
+    settings.MatrixSizeX = settings.MatrixSizeY = 8;
+    settings.MosaicResolutionX = settings.MosaicResolutionY = 16;
+    settings.NrOfVolumes = volumes;
+    settings.NrOfVolumesToSkip = skip;
+    settings.NrOfSlices = 4;
+    settings.SlicePrefix = "test-";
+    settings.ProjectName = "test";
+    settings.StimulationProtocol = path("test.prt");
+    settings.MotionCorrection = false;
+    ASSERT_TRUE(writeSettingsFile(settings));
+    if (!changes.isEmpty()) {
+        QString text = QString::fromUtf8(content("test-1.vco"));
+        QStringList lines = text.split('\n');
+        for (QString& line : lines)
+            for (auto change = changes.begin(); change != changes.end(); ++change)
+                if (line.startsWith(change.key()))
+                    line = change.key() + " " + change.value();
+        writeText(path("test-1.vco"), lines.join('\n'));
+    }
+    writeText(path("test.prt"), protocol);
+    session.settings = RunSettings();
+    session.settings.settingsFilePath = path("test-1.vco");
+    session.settings.settingsFileDir = folder_.path() + "/";
+    session.runButtonState = RunButtonState::Ready;
+}
+
+QByteArray SessionFixture::content(const QString& name) const {
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}

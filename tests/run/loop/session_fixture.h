@@ -1,0 +1,65 @@
+// A whole session in a temporary folder, on simulated time, with a scripted source of volumes.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/loop/run_session.h"
+#include "support/scripted_messages.h"
+#include "support/simulated_pump.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+/// Collects what a run shows.
+class ProbeDisplay : public RunDisplay {
+public:
+    QStringList calls;
+    QStringList logTexts;
+    std::vector<RunButtonState> buttonStates;
+    std::vector<int> progress;
+
+    void runStarting() override { calls << "starting"; }
+    void documentsLeaving() override { calls << "leaving"; }
+    void documentsArrived() override { calls << "arrived"; }
+    void runPrepared() override { calls << "prepared"; }
+    void preparationFailed() override { calls << "failed"; }
+    void runEnded() override { calls << "ended"; }
+    void setRunButtonState(RunButtonState state) override { buttonStates.push_back(state); }
+    void showLogText(const QString& html) override { logTexts << html; }
+    void refreshViewButtons() override {}
+    void updateViews() override { calls << "views"; }
+    std::unique_ptr<ProgressReporter> openSavingProgress() override;
+};
+
+/// What a scripted source does at each volume.
+struct Script {
+    int lastVolume = 1000000; ///< the one after it never comes
+    bool firstVolumeComes = true;
+    qint64 millisecondsPerVolume = 0;  ///< simulated time that each volume takes
+    std::function<void(int)> atVolume; ///< called when the volume has been read
+    uint16_t seed = 1;
+};
+
+/// One sample of a scripted volume: above the mask threshold, different at each voxel and volume.
+[[nodiscard]] int16_t scriptedSample(size_t voxel, int volume, uint16_t seed);
+
+class SessionFixture : public testing::Test {
+protected:
+    SessionFixture();
+
+    /// Writes a settings file of 8 x 8 x 4 voxels and its protocol. `changes` replaces lines by
+    /// key.
+    void writeSession(int volumes, int skip, const QMap<QString, QString>& changes = {},
+                      const QString& protocol = defaultProtocol());
+    [[nodiscard]] static QString defaultProtocol();
+    [[nodiscard]] QString path(const QString& name) const { return folder_.filePath(name); }
+    [[nodiscard]] QByteArray content(const QString& name) const;
+    [[nodiscard]] QString progressLog() const { return display.calls.join(' '); }
+
+    QTemporaryDir folder_;
+    ScriptedMessages messages;
+    RecordedProgramEnd programEnd;
+    SimulatedPump pump;
+    ProbeDisplay display;
+    RunSession session{pump, display};
+    Script script;
+};

@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+
+#include "volume/fmr_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+constexpr size_t sliceSamples = 8 * 8;
+constexpr size_t volumeSamples = sliceSamples * 4;
+
+class VolumeLoopTest : public SessionFixture {
+protected:
+    // Number of volumes that the saved data hold, after each sample was compared with its source at
+    // the place that the layout gives it: slice by slice, volumes within a slice.
+    int savedVolumes() {
+        const QByteArray data = content("results/test.stc");
+        const size_t volumes = size_t(data.size()) / 2 / volumeSamples;
+        const auto* bytes = reinterpret_cast<const uint8_t*>(data.constData());
+        for (size_t offset = 0; offset < size_t(data.size()) / 2; ++offset) {
+            const size_t slice = offset / sliceSamples / volumes;
+            const size_t volume = offset / sliceSamples % volumes;
+            const auto sample = int16_t(bytes[2 * offset] | bytes[2 * offset + 1] << 8);
+            const size_t voxel = slice * sliceSamples + offset % sliceSamples;
+            if (sample != scriptedSample(voxel, int(volume), script.seed)) {
+                ADD_FAILURE() << "sample " << offset << " differs";
+                return -1;
+            }
+        }
+        FMRHeader header;
+        if (!readFMRHeader(path("results/test.fmr"), header) || header.NrOfVolumes != int(volumes))
+            ADD_FAILURE() << "header says " << header.NrOfVolumes << ", data hold " << volumes;
+        return int(volumes);
+    }
+};
+
+} // namespace
+
+TEST_F(VolumeLoopTest, CompleteRunPassesEveryStationInOrderAndIsSaved) {
+    writeSession(32, 2);
+    QStringList stations;
+    for (int i = 0; i < int(Station::Count); ++i)
+        session.stations.set(Station(i), [&stations, i](int volume) {
+            if (volume == 20)
+                stations << QString::number(i);
+            return true;
+        });
+    int finished = 0;
+    session.stations.afterRun = [&] { ++finished; };
+    session.runButtonPressed();
+
+    EXPECT_EQ(stations.join(' '), "0 1 2 3 4 5 6 7 8 9 10 11 12");
+    EXPECT_EQ(finished, 1);
+    EXPECT_EQ(savedVolumes(), 30);
+    EXPECT_TRUE(progressLog().startsWith("starting leaving arrived prepared views"));
+    EXPECT_TRUE(progressLog().endsWith("views ended"));
+    EXPECT_EQ(display.buttonStates, (std::vector{RunButtonState::Running, RunButtonState::Finished,
+                                                 RunButtonState::NoSettingsFile}));
+    EXPECT_EQ(display.progress.front(), 0);
+    EXPECT_EQ(display.progress.back(), 100);
+    EXPECT_TRUE(std::is_sorted(display.progress.begin(), display.progress.end()));
+    for (const char* name : {"test.prt", "test.mps", "test.ctr", "test-firstvol.img"})
+        EXPECT_GT(QFileInfo(path(QString("results/") + name)).size(), 0) << name;
+    EXPECT_EQ(session.state.currentVolume, 29);
+    EXPECT_FALSE(session.state.runActive);
+    EXPECT_TRUE(session.state.runFinished);
+    EXPECT_EQ(display.logTexts[1].section("<br>", 0, 0),
+              "<body style=\"font-size:9pt\"> volume <b>1 (3)</b>,  elapsed time: <b>0.0</b> secs, "
+              " <b>t</b> > <b>3</b>");
+    EXPECT_TRUE(display.logTexts.last().endsWith(
+        "<br> Recorded data saved as \"<b>test</b>\".<br><br> Ready.<br></body>"));
+}
+
+TEST_F(VolumeLoopTest, StopIsLookedAtAfterTheVolumeIsReadAndLeavesItOut) {
+    for (const int stopAt : {0, 5}) {
+        writeSession(32, 2);
+        script.atVolume = [&](int volume) {
+            if (volume == stopAt)
+                session.runButtonPressed();
+        };
+        messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
+        session.runButtonPressed();
+        EXPECT_EQ(session.state.interruptedAtVolume, stopAt - 1);
+        EXPECT_FALSE(session.state.interruptFlag);
+        if (stopAt > 0)
+            EXPECT_EQ(savedVolumes(), stopAt);
+        else
+            EXPECT_EQ(QFileInfo(path("results/test.stc")).size(), 0);
+    }
+}
+
+TEST_F(VolumeLoopTest, VolumeThatNeverComesEndsTheRunAndWhatWasReadIsSaved) {
+    writeSession(32, 2);
+    script.lastVolume = 19;
+    messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
+    session.runButtonPressed();
+    EXPECT_EQ(savedVolumes(), 20);
+    EXPECT_EQ(display.calls.last(), "ended");
+}
+
+TEST_F(VolumeLoopTest, FlagLeftSetStopsTheNextRunAtItsFirstVolume) {
+    writeSession(16, 2);
+    session.state.interruptFlag = true;
+    messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
+    session.runButtonPressed();
+    EXPECT_EQ(session.state.interruptedAtVolume, -1);
+    session.runButtonState = RunButtonState::Ready;
+    session.runButtonPressed();
+    EXPECT_EQ(savedVolumes(), 14);
+}
+
+TEST_F(VolumeLoopTest, ForcedDelayHoldsEachVolumeToTheScannersCount) {
+    writeSession(6, 2, {{"ForceTRDelay:", "1"}});
+    std::vector<qint64> times;
+    session.stations.set(Station::PreLoadedRegions, [&](int) {
+        times.push_back(pump.milliseconds());
+        return true;
+    });
+    session.runButtonPressed();
+    ASSERT_EQ(times.size(), 4u);
+    const qint64 expected[] = {0, 6000 - 9, 8000 - 9, 10000 - 9};
+    for (size_t i = 1; i < times.size(); ++i)
+        EXPECT_EQ(times[i] - times[0], expected[i]);
+    // The shown value leaves the two skipped volumes out.
+    EXPECT_TRUE(display.logTexts[2].contains("VolWaitTime: <b>2000</b>"));
+}
+
+TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
+    struct Case {
+        const char* name;
+        QMap<QString, QString> changes;
+        QString protocol;
+        MessageLevel level;
+        QString text;
+        std::vector<int> statuses;
+    };
+    const QString noConditions = defaultProtocol().section("NrOfConditions", 0, 0);
+    const Case cases[] = {
+        {"no protocol",
+         {{"StimulationProtocol:", "\"<none>\""}},
+         defaultProtocol(),
+         MessageLevel::Critical,
+         "ERROR: No conditions specified!",
+         {1}},
+        {"no conditions",
+         {},
+         noConditions + "NrOfConditions: 0\n",
+         MessageLevel::Critical,
+         "ERROR: No conditions specified!",
+         {1}},
+        {"missing protocol",
+         {{"StimulationProtocol:", "\"/nowhere/x.prt\""}},
+         defaultProtocol(),
+         MessageLevel::Warning,
+         "ERROR: Unable to open referenced protocol file > x.prt < for reading!",
+         {}},
+        {"huge run",
+         {{"NrOfVolumes:", "999999"},
+          {"MatrixSizeX:", "4096"},
+          {"MatrixSizeY:", "4096"},
+          {"NrOfSlices:", "4096"}},
+         defaultProtocol(),
+         MessageLevel::Critical,
+         "ERROR: Insufficient memory for creating slice time courses!",
+         {1}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        writeSession(16, 2, c.changes, c.protocol);
+        display.calls.clear();
+        programEnd.statuses.clear();
+        messages.expect(c.level, c.text);
+        session.runButtonPressed();
+        EXPECT_EQ(display.calls.last(), "failed");
+        EXPECT_EQ(programEnd.statuses, c.statuses);
+        EXPECT_FALSE(session.state.runActive);
+    }
+    writeSession(16, 2);
+    script.firstVolumeComes = false;
+    messages.expect(MessageLevel::Warning, "TIME OUT: Expected first file did not arrive!");
+    session.runButtonPressed();
+    EXPECT_FALSE(session.state.runActive);
+    script.firstVolumeComes = true;
+    session.runButtonPressed();
+    EXPECT_EQ(savedVolumes(), 14);
+}
+
+TEST_F(VolumeLoopTest, TypeWithoutReaderEndsTheProgram) {
+    writeSession(16, 2);
+    session.makeReader = [](const IntakeContext&) { return std::unique_ptr<VolumeReader>(); };
+    messages.expect(MessageLevel::Critical,
+                    "ERROR: Data type not supported!\n\nCheck settings file: \"" +
+                        path("test-1.vco") + "\".");
+    session.runButtonPressed();
+    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
+}
+
+TEST_F(VolumeLoopTest, GoBoxComesBeforeTheFirstFile) {
+    writeSession(4, 2, {{"ShowGODlgAfterPreparation:", "1"}});
+    messages.expectAnnouncement("Press return or click the GO button to start!");
+    session.runButtonPressed();
+    EXPECT_EQ(savedVolumes(), 2);
+}
+
+TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
+    writeSession(16, 2);
+    // The folder turns into a file while the run goes on; it is mended before the second attempt.
+    script.atVolume = [&](int volume) {
+        if (volume == 13) {
+            QDir(path("results")).removeRecursively();
+            QFile blocker(path("results"));
+            ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+        }
+    };
+    messages.expect(MessageLevel::Warning, "ERROR: Unable to open protocol file!");
+    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
+    messages.expect(MessageLevel::Warning, "ERROR: Can not open FMR file \"*");
+    messages.expect(MessageLevel::Critical, "ERROR: Unable to write map file*");
+    messages.expect(MessageLevel::Critical, "ERROR: Unable to open contrasts file \"*");
+    messages.expect(MessageLevel::Critical, "Error: Can not open file to save first volume.");
+    messages.expectQuestion("WARNING: The recorded data could not be saved completely in folder*",
+                            true);
+    bool mended = false;
+    messages.onQuestion = [&] { mended = QFile::remove(path("results")); };
+    session.runButtonPressed();
+    EXPECT_TRUE(mended);
+    EXPECT_EQ(savedVolumes(), 14);
+    EXPECT_EQ(session.functionalDocument->project.volumes.size(), 14u);
+}
+
+TEST_F(VolumeLoopTest, TenRunsInARowStartCleanlyInOneProcess) {
+    for (int run = 0; run < 10; ++run) {
+        writeSession(20 + run, 2);
+        script.seed = uint16_t(run);
+        script.lastVolume = run % 3 == 1 ? 10 : 1000;
+        if (run % 3 == 1)
+            messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
+        session.runButtonPressed();
+        EXPECT_EQ(savedVolumes(), run % 3 == 1 ? 11 : 18 + run);
+        EXPECT_EQ(session.state.interruptedAtVolume, -1);
+    }
+}

@@ -1,0 +1,260 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/protocol/condition_index.h"
+#include "run/protocol/prt_file.h"
+#include "support/scripted_messages.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+const char* const header = "FileVersion: 2\nResolutionOfTime: Volumes\nExperiment: two  words\n"
+                           "BackgroundColor: 1 2 3\nTextColor: 4 5 6\nTimeCourseColor: 7 8 9\n"
+                           "TimeCourseThick: 4\nReferenceFuncColor: 10 11 12\n"
+                           "ReferenceFuncThick: 5\n";
+const char* const tables = "NrOfConditions: 2\nrest of it\n2\n1 10\n21 30\nColor: 1 2 3\n"
+                           "task\n1 11 20 Color: 4 5 6\n"
+                           "ResponseConditions: 1\nNrOfResponseEvents: 1\nFrom: 5 To: 6\n"
+                           "TimeOfResponse: 7\nRT: 350\nButtons: \"a b\"\nOmission: 0\n"
+                           "Accuracy: 1\n";
+
+class ProtocolFile : public testing::Test {
+protected:
+    ProtocolFile() { protocol.protocolPath = folder.filePath("a.prt"); }
+    void write(const QByteArray& text) {
+        QFile file(protocol.protocolPath);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    }
+    QTemporaryDir folder;
+    ScriptedMessages messages;
+    RecordedProgramEnd programEnd;
+    StimulationProtocol protocol;
+};
+
+/// A protocol in volumes or milliseconds, of conditions with one interval each.
+StimulationProtocol blocks(ResolutionOfTime unit, const std::vector<std::pair<int, int>>& bounds) {
+    StimulationProtocol protocol;
+    protocol.resolutionOfTime = unit;
+    for (const auto& [from, to] : bounds)
+        (void)protocol.addInterval(protocol.conditionIndex(QString::number(from)), from, to);
+    return protocol;
+}
+
+} // namespace
+
+TEST_F(ProtocolFile, IsReadWithItsTables) {
+    write(QByteArray(header) + tables);
+    ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip));
+    EXPECT_EQ(protocol.experimentName, "two  words");
+    EXPECT_EQ(protocol.referenceFuncColor, (RgbColor{10, 11, 12}));
+    EXPECT_EQ(protocol.referenceFuncThick, 5);
+    ASSERT_EQ(protocol.nrOfConditions(), 2);
+    EXPECT_EQ(protocol.conditions[0].name, "rest of it");
+    EXPECT_EQ(protocol.conditions[0].nrOfIntervals, 2);
+    EXPECT_EQ(protocol.conditions[0].to[1], 30);
+    EXPECT_EQ(protocol.conditions[1].color, (RgbColor{4, 5, 6}));
+    EXPECT_EQ(protocol.SegmentSize, 20);
+    EXPECT_EQ(protocol.SegmentOffset, 10);
+    EXPECT_FALSE(protocol.hasResponses);
+    EXPECT_EQ(protocol.nrOfResponseConditions(), 0);
+    ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Read));
+    EXPECT_TRUE(protocol.hasResponses);
+    ASSERT_EQ(protocol.nrOfResponseConditions(), 1);
+    EXPECT_EQ(protocol.responseConditions[0].reactionTime[0], 350);
+    EXPECT_STREQ(protocol.responseConditions[0].buttons[0].data(), "a b");
+}
+
+TEST_F(ProtocolFile, TheUnitFollowsVersionAndFirstLetter) {
+    const QByteArray version1 = QByteArray(header).mid(QByteArray(header).indexOf("Experiment"));
+    const struct {
+        QByteArray text;
+        int version;
+        ResolutionOfTime unit;
+    } cases[] = {{version1, 1, ResolutionOfTime::Volumes},
+                 {"FileVersion: 1 " + version1, 1, ResolutionOfTime::Volumes},
+                 {header, 2, ResolutionOfTime::Volumes},
+                 {QByteArray(header).replace("Volumes", "vol"), 2, ResolutionOfTime::Volumes},
+                 {QByteArray(header).replace("Volumes", "msec"), 2, ResolutionOfTime::Milliseconds},
+                 {QByteArray(header).replace("Volumes", "TR"), 2, ResolutionOfTime::Milliseconds}};
+    for (const auto& [text, version, unit] : cases) {
+        protocol.SegmentSize = 33;
+        write(text + tables);
+        ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip)) << text.constData();
+        EXPECT_EQ(protocol.protocolFileVersion, version);
+        EXPECT_EQ(protocol.resolutionOfTime, unit);
+        EXPECT_EQ(protocol.experimentName, "two  words");
+        EXPECT_EQ(protocol.SegmentSize, unit == ResolutionOfTime::Volumes ? 20 : 33);
+    }
+}
+
+TEST_F(ProtocolFile, IsWrittenInItsLayoutAndReadBack) {
+    write(QByteArray(header) + tables);
+    ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Read));
+    protocol.experimentName.clear();
+    ASSERT_TRUE(writePRTFile(protocol));
+    QFile file(protocol.protocolPath);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray expected = R"(
+FileVersion:        2
+
+ResolutionOfTime:   Volumes
+
+Experiment:         <untitled>
+
+BackgroundColor:    1 2 3
+TextColor:          4 5 6
+
+TimeCourseColor:    7 8 9
+TimeCourseThick:    4
+ReferenceFuncColor: 10 11 12
+ReferenceFuncThick: 5
+
+NrOfConditions:  2
+
+rest of it
+2
+   1   10
+  21   30
+Color: 1 2 3
+
+task
+1
+  11   20
+Color: 4 5 6
+
+
+ResponseConditions:  1
+NrOfResponseEvents: 1
+From:    5  To:    6
+TimeOfResponse: 7
+RT: 350
+Buttons: "a b"
+Omission: 0
+Accuracy: 1
+
+)";
+    EXPECT_EQ(file.readAll().toStdString(), expected.toStdString());
+    protocol.conditions[1].name.clear(); // would shift the lines after it
+    ASSERT_TRUE(writePRTFile(protocol));
+    ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Read));
+    EXPECT_EQ(protocol.conditions[1].from[0], 11);
+    EXPECT_EQ(prtText(protocol).count("<untitled>"), 2);
+}
+
+TEST_F(ProtocolFile, DamagedFilesAreRefusedWithoutChange) {
+    const QByteArray whole = QByteArray(header) + tables;
+    std::vector<QByteArray> texts = {
+        "",
+        "NrOfConditions: 3",
+        header + QByteArray("NrOfConditions: -1\n"),
+        header + QByteArray("NrOfConditions: 2000000000\na\n0\nColor: 1 2 3\n"),
+        header + QByteArray("NrOfConditions: two\n"),
+        header + QByteArray("NrOfConditions: 1\na\n-2\nColor: 1 2 3\n"),
+        header + QByteArray("NrOfConditions: 1\na\n2000000000\n1 2\nColor: 1 2 3\n")};
+    // Cut before any of its words; the response table alone may be missing.
+    for (qsizetype i = 1; i + 1 < whole.size(); ++i)
+        if (std::isspace(whole[i - 1]) && !std::isspace(whole[i]) &&
+            i != whole.indexOf("ResponseConditions"))
+            texts.push_back(whole.left(i));
+    for (const QByteArray& text : texts) {
+        const QString path = folder.filePath("a.prt");
+        protocol.protocolPath = path;
+        protocol.experimentName = "before";
+        write(text);
+        messages.expect(MessageLevel::Warning,
+                        "ERROR: Protocol file \"" + path + "\" is damaged: *");
+        EXPECT_FALSE(readPRTFile(protocol, ResponseTable::Read)) << text.constData();
+        EXPECT_EQ(protocol.protocolPath, "");
+        EXPECT_EQ(protocol.experimentName, "before");
+    }
+    protocol.protocolPath = folder.filePath("gone.prt");
+    messages.expect(MessageLevel::Warning, "ERROR: Unable to open referenced protocol file > "
+                                           "gone.prt < for reading!");
+    EXPECT_FALSE(readPRTFile(protocol, ResponseTable::Skip));
+    EXPECT_EQ(protocol.protocolPath, "");
+    EXPECT_TRUE(programEnd.statuses.empty());
+}
+
+TEST_F(ProtocolFile, MoreThan300IntervalsAreCutAndTheRestIsReadRight) {
+    QByteArray intervals;
+    for (int i = 1; i <= 310; ++i)
+        intervals += QByteArray::number(i) + ' ' + QByteArray::number(i) + '\n';
+    const QByteArray name(300, 'n');
+    write(header + QByteArray("NrOfConditions: 3\nlong\n310\n") + intervals + "Color: 1 2 3\n" +
+          "longer\n310\n" + intervals + "Color: 1 2 3\n" + name + "\n1\n400 401\nColor: 7 8 9\n");
+    messages.expect(MessageLevel::Warning, "WARNING: Condition \"long\" of protocol file has more "
+                                           "than 300 intervals; the first 300 are used.");
+    ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip));
+    EXPECT_EQ(protocol.conditions[0].nrOfIntervals, 300);
+    EXPECT_EQ(protocol.conditions[1].to[299], 300);
+    EXPECT_EQ(protocol.conditions[2].name, QString(255, 'n'));
+    EXPECT_EQ(protocol.conditions[2].from[0], 400);
+    EXPECT_EQ(protocol.conditions[2].color, (RgbColor{7, 8, 9}));
+    // One message for each condition that fills up during a run.
+    messages.expect(MessageLevel::Warning, "WARNING: Condition \"long\" has more than*");
+    EXPECT_FALSE(protocol.addInterval(0, 1, 2));
+    EXPECT_FALSE(protocol.addInterval(0, 3, 4));
+    EXPECT_FALSE(protocol.addInterval(-1, 3, 4));
+    EXPECT_FALSE(protocol.addInterval(3, 3, 4));
+}
+
+TEST_F(ProtocolFile, ARunIsRecordedInTheTargetFolder) {
+    const struct {
+        const char* prt;
+        const char* rtp;
+        const char* tdat;
+        const char* project;
+        const char* written;
+    } cases[] = {{"/else/a.prt", "", "", "run1.fmr", "a.prt"},
+                 {"", "", "/x/log.tdat", "run1.fmr", "run1.prt"},
+                 {"", "/x/a.rtp", "", "run.2.fmr", "run.2.prt"},
+                 {"", "/x/a.rtp", "<none>", "run1", "realtime.prt"},
+                 {"", "<none>", "", "run1.fmr", "realtime.prt"}};
+    for (const auto& [prt, rtp, tdat, project, written] : cases) {
+        protocol.protocolPath = prt;
+        protocol.realTimeProtocolPath = rtp;
+        protocol.tdatPath = tdat;
+        ASSERT_TRUE(writeRecordedPRTFile(protocol, project, folder.path() + '/'));
+        EXPECT_EQ(protocol.protocolPath, folder.filePath(written));
+        EXPECT_TRUE(QFile::exists(folder.filePath(written)));
+    }
+    messages.expect(MessageLevel::Warning, "ERROR: Unable to open protocol file!");
+    EXPECT_FALSE(writeRecordedPRTFile(protocol, "run1.fmr", folder.path() + "/gone/"));
+    EXPECT_EQ(protocol.protocolPath, "");
+}
+
+TEST(Conditions, UnknownNamesAreAddedOnlyWhileTheyAreAccepted) {
+    ScriptedMessages messages;
+    StimulationProtocol protocol;
+    EXPECT_EQ(protocol.conditionIndex("a"), 0);
+    EXPECT_EQ(protocol.conditionIndex("A"), 1);
+    EXPECT_EQ(protocol.conditions[1].color, (RgbColor{128, 128, 128}));
+    protocol.acceptNewConditions = false;
+    messages.expect(MessageLevel::Warning,
+                    "WARNING: Unexpected condition \"b\" found!\n\nThis condition was not declared "
+                    "in header and will be ignored.");
+    EXPECT_EQ(protocol.conditionIndex("b"), -1);
+    EXPECT_EQ(protocol.conditionIndex("a"), 0);
+    EXPECT_EQ(protocol.responseConditionIndex("RESPONSE"), 0);
+    protocol.setResponseValues(0, 1, 2, 3, 4, "no interval yet");
+    ASSERT_TRUE(protocol.addResponseInterval(0, 10, 11));
+    EXPECT_EQ(protocol.responseConditions[0].accuracy[0], -1);
+    protocol.setResponseValues(0, 1, 2, 3, 4, "0123456789abc");
+    EXPECT_STREQ(protocol.responseConditions[0].buttons[0].data(), "0123456789");
+    EXPECT_EQ(protocol.responseConditions[0].omission[0], 4);
+    protocol.clearProtocol();
+    EXPECT_EQ(protocol.nrOfConditions() + protocol.nrOfResponseConditions(), 0);
+}
+
+TEST(Conditions, AVolumeHasTheFirstConditionThatHolds) {
+    using enum ResolutionOfTime;
+    const StimulationProtocol volumes = blocks(Volumes, {{2, 3}, {3, 4}, {6, 6}});
+    EXPECT_EQ(volumeConditionIndex(volumes, 7, 2000.0f),
+              (std::vector<int>{-1, 0, 0, 1, -1, 2, -1}));
+    const StimulationProtocol times = blocks(Milliseconds, {{0, 1999}, {2000, 5000}});
+    EXPECT_EQ(volumeConditionIndex(times, 5, 1500.0f), (std::vector<int>{0, 0, 1, 1, -1}));
+    EXPECT_EQ(conditionAtVolume(volumes, -1, 2000.0f), -1);
+    EXPECT_TRUE(volumeConditionIndex(volumes, -3, 2000.0f).empty());
+}

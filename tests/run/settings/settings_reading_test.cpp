@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text_reading.h"
+#include "settings_fixture.h"
+
+TEST_F(SettingsFile, ReadsEveryVersionAndTypeBlock) {
+    const QString fields = "FirstFileName: \"abc_1234_00012.img\" ";
+    const QString geometry = "InplaneFoVX: 128 InplaneFoVY: 96 SliceThickness: 3.5 GapThickness: 0";
+    const QString dicom = fields +
+                          "DicomNameDelimiter: \"_\" DicomNameExtension: \"img\" "
+                          "DicomFirstVolumeNr: 1 DicomFirstImageNr: 3 " +
+                          geometry;
+    const QString siemens = "SiemensPatientID: 5 SiemensFirstStudyNr: 6 SiemensFirstImageNr: 7";
+    const struct {
+        const char* type;
+        QString block;
+    } types[] = {{"SIEMENS_IMA", siemens},
+                 {"siemensima", siemens},
+                 {"GE_HDXT_DICOM", ""},
+                 {"GE_I", "GESeriesNr: 4 GEFirstImageNr: 5"},
+                 {"GE_X_DICOM", "GESeriesNr: 4 GEFirstImageNr: 5"},
+                 {"GE_STANFORD", "PFileHeader: \"E1P02.7\" SliceTimeLooping: 2"},
+                 {"PHILIPS_REC", fields + geometry},
+                 {"PHILIPSRECDATA", fields + geometry},
+                 {"PHILIPS_ANALYZE_DRIN", fields + geometry},
+                 {"ANALYZE_NW", fields + geometry},
+                 {"2DSEQ_MPI", fields + geometry},
+                 {"DICOM", dicom},
+                 {"SIEMENS_DICOM_MOSAIC", dicom}};
+    for (const auto& [type, typeBlock] : types) {
+        for (int version = 1; version <= 5; ++version) {
+            SCOPED_TRACE(QString("%1, version %2").arg(type).arg(version).toStdString());
+            settings = defaultRunSettings();
+            settings.settingsFilePath = dir() + "run-1.vco";
+            settings.FeedbackTargetFolder = "/of/an/earlier/file/";
+            QString block = typeBlock;
+            if (type == QLatin1String("PHILIPS_ANALYZE_DRIN") && version >= 4)
+                block += " ImageTransformation: 1";
+            ASSERT_TRUE(readText(fileText(type, block, version), SettingsUse::Run));
+            EXPECT_TRUE(settings.settingsRead);
+            EXPECT_EQ(settings.documentDataType, QString(type).toUpper());
+            EXPECT_EQ(settings.FlipSliceOrder, version == 1 ? 2 : 3);
+            EXPECT_EQ(settings.FeedbackTargetFolder, dir() + (version == 1 ? "out/" : "fb/"));
+            EXPECT_EQ(settings.forceTRDelayRead, version >= 2);
+            EXPECT_EQ(settings.MultiSliceROISelection, version >= 3 ? 2 : 1);
+            EXPECT_EQ(settings.ROIColorsFile, version >= 3 ? dir() + "roi.txt" : QString());
+            EXPECT_EQ(settings.ImageTransformation, block.contains("Transformation") ? 1 : 2);
+            EXPECT_EQ(settings.SiemensFirstImageNr, block.startsWith("Siemens") ? 7 : 1);
+            EXPECT_EQ(settings.SliceThickness, block.contains("Thick") ? 3.5f : 4.0f);
+            const bool foreign = block.contains("FoV") && !block.contains("Dicom");
+            EXPECT_EQ(settings.pixelSizeX, foreign ? 2.0f : 0.0f);
+            EXPECT_EQ(settings.pixelSizeY, foreign ? 3.0f : 0.0f);
+        }
+    }
+}
+
+TEST_F(SettingsFile, TakesValuesInTheirForms) {
+    ASSERT_TRUE(readText("; a comment\nFILEVERSION 4\n" +
+                             replaced(geText(), "FileVersion: 4", "").replace("a run", "two  of"),
+                         SettingsUse::Run));
+    EXPECT_EQ(settings.Title, "two of");
+    EXPECT_EQ(settings.WatchFolder, dir() + "in/");
+    EXPECT_EQ(settings.TargetFolder, dir() + "out/");
+    EXPECT_TRUE(QDir(dir() + "out").exists());
+    EXPECT_EQ(settings.StimulationProtocol, dir() + "a.prt");
+    EXPECT_EQ(settings.timeOutMilliseconds, 7000);
+    EXPECT_EQ(settings.projectBaseName, "study");
+    EXPECT_EQ(settings.TR, 1500.5f);
+    EXPECT_EQ(settings.nrOfAnalysedVolumes(), 47);
+    // Only 1 means big endian.
+    ASSERT_TRUE(readText(geText().replace("RawDataBigEndian: 0", "RawDataBigEndian: 2"),
+                         SettingsUse::Inspection));
+    EXPECT_EQ(settings.byteOrderCode(), ByteOrder::Little);
+    // A file of version 1 need not have its flip key.
+    settings.FlipSliceOrder = 5;
+    ASSERT_TRUE(readText(geText(1).replace("FlipSliceOrder: 2", ""), SettingsUse::Inspection));
+    EXPECT_EQ(settings.FlipSliceOrder, 1);
+}
+
+TEST_F(SettingsFile, PassesOverAnotherKeyInPlaceOfTheColours) {
+    settings.ROIColorsFile = "before";
+    ASSERT_TRUE(readText(geText().replace("ROIColorsFile:", "Other:"), SettingsUse::Inspection));
+    EXPECT_EQ(settings.ROIColorsFile, "before");
+    EXPECT_EQ(settings.MultiSliceROISelection, 2);
+}
+
+TEST_F(SettingsFile, ReportsAWrongKeyByUseAndKeepsWhatCameBefore) {
+    const QString text = geText().replace("MatrixSizeX: 64", "MatrixX: 12");
+    const QString message = "ERROR: Expected \"MatrixSizeX:\" token but found \"MatrixX:\".\n\n"
+                            "Check entry name and order of entries in settings file: \"" +
+                            settings.settingsFilePath + "\" !\n";
+    messages.expect(MessageLevel::Warning, message);
+    EXPECT_FALSE(readText(text, SettingsUse::Inspection));
+    EXPECT_EQ(timerStops, 1);
+    EXPECT_EQ(settings.TimeOutSeconds, 7);
+    EXPECT_EQ(settings.MatrixSizeX, 12);
+    EXPECT_EQ(settings.MatrixSizeY, 64);
+    EXPECT_FALSE(settings.settingsRead);
+    EXPECT_TRUE(programEnd.statuses.empty());
+    messages.expect(MessageLevel::Critical, message);
+    EXPECT_FALSE(readText(text, SettingsUse::Run));
+    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
+}
+
+TEST_F(SettingsFile, QuotedTextsEndAtTheirLimitAndAtComments) {
+    messages.expect(MessageLevel::Warning, "ERROR: Expected \"ParadigmHelpFile:\" token*");
+    EXPECT_FALSE(readText(geText().replace("a run", QString(300, 'x')), SettingsUse::Inspection));
+    EXPECT_EQ(settings.Title.size(), 256);
+    messages.expect(MessageLevel::Warning, "ERROR: Expected \"ParadigmHelpFile:\" token*");
+    EXPECT_FALSE(readText(geText().replace("a run", "a ;run"), SettingsUse::Inspection));
+}
+
+TEST_F(SettingsFile, AFileCutAtAnyTokenEndsInOneMessage) {
+    const QString block = "FirstFileName: \"s-1-1.dcm\" DicomNameDelimiter: \"-\" "
+                          "DicomNameExtension: \"dcm\" DicomFirstVolumeNr: 1 DicomFirstImageNr: 1 "
+                          "InplaneFoVX: 1 InplaneFoVY: 1 SliceThickness: 1 GapThickness: 1";
+    const QString overlays =
+        fileText("SIEMENS_DICOM_MOSAIC", block)
+            .replace("OverlayInplaneData: 0",
+                     "OverlayInplaneData: 1 OverlayInplaneFolder: \"./in\" OverlayInplaneDataType: "
+                     "GE_MR OverlayInplaneFirstFileName: \"E1S2I3.MR\" "
+                     "OverlayInplaneMatrixSizeX: 256 OverlayInplaneMatrixSizeY: 256")
+            .replace("Mode: 0 OverlayOnSRFMode: 0",
+                     "Mode: 1 FMRVMRAlignVMRPosFile: \"v\" IntraSessionVMRFile: \"i\" "
+                     "OverlayOnSRFMode: 1 SRFFile: \"m\"");
+    messages.acceptAnything();
+    for (const QString& text : {overlays, geText(1), geText(2)}) {
+        const QStringList tokens = text.simplified().split(' ');
+        for (qsizetype length = 0; length < tokens.size(); ++length) {
+            const qsizetype shownBefore = messages.shown().size();
+            programEnd.statuses.clear();
+            const bool good = readText(tokens.mid(0, length).join(' '), SettingsUse::Run);
+            // The last key and its value are optional.
+            EXPECT_EQ(good, length == tokens.size() - 2) << length << " tokens";
+            EXPECT_EQ(messages.shown().size() - shownBefore, good ? 0 : 1) << length << " tokens";
+            EXPECT_EQ(programEnd.statuses.size(), good || length == 0 ? 0U : 1U);
+        }
+    }
+}
+
+TEST_F(SettingsFile, MissingAndEmptyFiles) {
+    const QString missing = "ERROR: \"" + settings.settingsFilePath + "\" file not found!";
+    messages.expect(MessageLevel::Warning, missing);
+    EXPECT_FALSE(readSettingsFile(settings, SettingsUse::Inspection, {}));
+    messages.expect(MessageLevel::Critical, missing);
+    EXPECT_FALSE(readSettingsFile(settings, SettingsUse::Run, {}));
+    messages.expect(MessageLevel::Warning,
+                    "ERROR - No content in file \"" + settings.settingsFilePath + "\" found!");
+    EXPECT_FALSE(readText(" ; only a comment\n", SettingsUse::Run));
+    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
+}
+
+TEST_F(SettingsFile, ReadsAMultiRunProject) {
+    const QString head = "FileVersion: 4 MergeType: 3 Title: \"\" ParadigmHelpFile: \"\" "
+                         "IFISfMRIAnalysisTests: t IFISfMRIAnalysisOptions: t "
+                         "MergeAverageTimeCourse: 1 MergeSeparatePredictors: 0 ";
+    const QString names = "ProjectName: \"all\" MergeFiles: \"a 1\"\n\"b.vco\"";
+    ASSERT_TRUE(readText(head + "TargetFolder: \"./in\" " + names, SettingsUse::Inspection));
+    EXPECT_TRUE(settings.MergeType && settings.MergeAverageTimeCourse);
+    EXPECT_FALSE(settings.MergeSeparatePredictors);
+    EXPECT_EQ(settings.TargetFolder, dir() + "in/");
+    EXPECT_EQ(settings.projectBaseName, "all");
+    EXPECT_EQ(settings.MergeFiles, QStringList({"a 1", "b.vco"}));
+    messages.expect(MessageLevel::Critical, "ERROR: Target folder  \"" + dir() +
+                                                "gone/\"  does not exist!\n\nCheck \"" +
+                                                settings.settingsFilePath +
+                                                "\" file and/or create target folder;\nthen rerun "
+                                                "Velo-Cortivo.");
+    EXPECT_FALSE(readText(head + "TargetFolder: \"./gone\" " + names, SettingsUse::Inspection));
+    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
+}
+
+TEST_F(SettingsFile, OverlaysOfferWhatTheyHave) {
+    const QString modes = "OverlayOnVMRMode: 0 OverlayOnSRFMode: 0";
+    write("lh.srf", "x");
+    ASSERT_TRUE(readText(
+        replaced(geText(), modes,
+                 "OverlayOnVMRMode: 3 FMRVMRAlignVMRPosFile: \"./p\" ACPCTransformationFile: "
+                 "\"./t\" TalairachCerebrumBorderFile: \"./b\" TalairachVMRFile: \"./v\" "
+                 "OverlayOnSRFMode: 1 SRFFile: \"./lh.srf\""),
+        SettingsUse::Inspection));
+    EXPECT_EQ(settings.TalairachVMRFile, dir() + "v");
+    EXPECT_EQ(settings.pendingOverlayVMR, 0);
+    EXPECT_EQ(settings.OverlayOnSRFMode, 1);
+    // One of two hemispheres is missing; nothing of the file before is left.
+    ASSERT_TRUE(readText(replaced(geText(), modes,
+                                  "OverlayOnVMRMode: 0 OverlayOnSRFMode: 2 SRFFileLH: "
+                                  "\"./lh.srf\" SRFFileRH: \"./rh.srf\""),
+                         SettingsUse::Inspection));
+    EXPECT_EQ(settings.TalairachVMRFile, "");
+    EXPECT_EQ(settings.pendingOverlayVMR, -1);
+    EXPECT_EQ(settings.OverlayOnSRFMode, 0);
+    EXPECT_EQ(settings.pendingOverlaySRF, -1);
+}
+
+TEST_F(SettingsFile, InplanesNeedTheirFolderInARunOnly) {
+    const QString text =
+        replaced(geText(), "OverlayInplaneData: 0",
+                 "OverlayInplaneData: 1 OverlayInplaneFolder: \"./gone\" OverlayInplaneDataType: "
+                 "GE_MR OverlayInplaneFirstFileName: \"E1S2I13.MR\" OverlayInplaneMatrixSizeX: "
+                 "256 OverlayInplaneMatrixSizeY: 256");
+    for (const SettingsUse use : {SettingsUse::Inspection, SettingsUse::Reload}) {
+        ASSERT_TRUE(readText(text, use));
+        EXPECT_EQ(settings.overlayInplaneSeriesPrefix, "E1S2I");
+        EXPECT_EQ(settings.overlayInplaneFirstNumber, 13);
+        EXPECT_EQ(settings.pendingOverlayInplane, 1);
+    }
+    messages.expect(MessageLevel::Critical,
+                    "ERROR: Inplane data folder  \"" + dir() + "gone/\"  does not exist!*");
+    EXPECT_FALSE(readText(text, SettingsUse::Run));
+    // An empty folder counts as the root of the file system.
+    ASSERT_TRUE(readText(replaced(text, "./gone", ""), SettingsUse::Run));
+    EXPECT_EQ(settings.OverlayInplaneFolder, "/");
+}

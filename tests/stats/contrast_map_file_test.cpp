@@ -1,0 +1,121 @@
+// The map file: what is written comes back, and bad files are refused.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/map_file.h"
+
+#include "base/file_writing.h"
+#include "support/scripted_messages.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+/// Two of three maps of 3 x 2 x 2 voxels in use, the second contrast first.
+StatisticalMaps exampleMaps() {
+    StatisticalMaps maps;
+    maps.sizeX = 3;
+    maps.sizeY = 2;
+    maps.nrOfSlices = 2;
+    EXPECT_TRUE(maps.allocateMaps(3));
+    maps.NrOfActiveContrasts = 2;
+    maps.states = {2, 3};
+    maps.contrastOfMap = {1, 0};
+    maps.MapDF1 = 190;
+    for (size_t i = 0; i < 12; ++i)
+        maps.ContrastMaps[1][i] = float(i) - 5.5f;
+    return maps;
+}
+
+ContrastDefinitions exampleContrasts() {
+    ContrastDefinitions contrasts;
+    contrasts.ContrastNames = {"", "Hände vs. Ruhe"};
+    contrasts.ContrastColors = {{1, 2, 3}, {255, 300, 0}};
+    return contrasts;
+}
+
+QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+}
+
+TEST(MapFile, KeepsTheMapsInUse) {
+    QTemporaryDir folder;
+    const QString path = folder.filePath("run.mps");
+    ASSERT_TRUE(writeMapFile(path, exampleMaps(), exampleContrasts()));
+    // The first map's name starts behind mark, version, sizes and count; the file ends with 6.5f.
+    const QByteArray bytes = contentOf(path);
+    EXPECT_EQ(bytes.left(24), QByteArray::fromHex("564d5053 01000000 03000000 02000000 02000000"
+                                                  "02000000"));
+    EXPECT_EQ(bytes.mid(24, 4), QByteArray::fromHex("0f000000")); // UTF-8 bytes of the name
+    EXPECT_EQ(bytes.right(4), QByteArray::fromHex("0000b040"));   // 5.5f
+    EXPECT_EQ(bytes.size(), 24 + (4 + 15 + 40 + 48) + (4 + 0 + 40 + 48));
+
+    MapFile file;
+    ASSERT_TRUE(readMapFile(path, file));
+    ASSERT_EQ(file.maps.size(), 2u);
+    EXPECT_EQ(file.sizeX * 100 + file.sizeY * 10 + file.nrOfSlices, 322);
+    EXPECT_EQ(file.maps[0].name, "Hände vs. Ruhe");
+    EXPECT_EQ(file.maps[0].color, (RgbColor{255, 255, 0}));
+    EXPECT_EQ(file.maps[0].selectionState, 2);
+    EXPECT_EQ(file.maps[0].df1, 190);
+    EXPECT_EQ(file.maps[1].threshold, 3.0f);
+    EXPECT_EQ(file.maps[1].colorMaxThreshold, 8.0f);
+    EXPECT_EQ(file.maps[1].clusterSizePixels, 4);
+    EXPECT_EQ(file.maps[1].values[11], 5.5f);
+}
+
+TEST(MapFile, RefusesWhatIsDamaged) {
+    QTemporaryDir folder;
+    const QString path = folder.filePath("bad.mps");
+    ASSERT_TRUE(writeMapFile(path, exampleMaps(), exampleContrasts()));
+    const QByteArray good = contentOf(path);
+    const QString foreign = "ERROR: Can not read file. \"" + path + "\" appears not*";
+    const QString damaged = "ERROR: Map file \"" + path + "\" is damaged or ends too early!";
+    struct Case {
+        qsizetype offset;
+        const char* replacement; // four bytes in hexadecimal
+        QString message;
+    };
+    const Case cases[] = {
+        {0, "00000000", foreign},
+        {4, "02000000", "ERROR: Can not read this new version of map files!"},
+        {8, "ffffff7f", damaged},  // columns
+        {12, "00000000", damaged}, // rows
+        {20, "ffffff7f", damaged}, // number of maps
+        {20, "01000000", damaged}, // one map only, but bytes behind it
+        {24, "ffffffff", damaged}, // length of the name
+        {43, "05000000", damaged}, // type
+        {55, "0000c07f", damaged}, // threshold that is no number
+        {79, "04000000", damaged}, // selection state
+    };
+    ScriptedMessages messages;
+    MapFile file;
+    file.sizeX = 77;
+    for (const Case& item : cases) {
+        QByteArray bytes = good;
+        bytes.replace(item.offset, 4, QByteArray::fromHex(item.replacement));
+        ASSERT_TRUE(writeFileAtomically(path, bytes));
+        messages.expect(MessageLevel::Critical, item.message);
+        EXPECT_FALSE(readMapFile(path, file)) << item.offset;
+    }
+    messages.acceptAnything();
+    ASSERT_TRUE(writeFileAtomically(path, good));
+    for (qsizetype length = good.size() - 1; length >= 0; --length) {
+        ASSERT_TRUE(QFile::resize(path, length));
+        EXPECT_FALSE(readMapFile(path, file)) << length;
+    }
+    EXPECT_EQ(file.sizeX, 77) << "a failed reading leaves the target alone";
+}
+
+TEST(MapFile, ReportsPathsThatCanNotBeOpened) {
+    ScriptedMessages messages;
+    messages.expect(MessageLevel::Critical, "ERROR: Unable to write map file \"/no/a.mps\"!");
+    messages.expect(MessageLevel::Critical, "ERROR: Can not open map file \"/no/a.mps\"!");
+    EXPECT_FALSE(writeMapFile("/no/a.mps", exampleMaps(), exampleContrasts()));
+    MapFile file;
+    EXPECT_FALSE(readMapFile("/no/a.mps", file));
+}
+
+} // namespace

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gtest/gtest.h>
+
+#include "stats/finished_model.h"
+#include "stats/glm_run.h"
+
+namespace {
+
+constexpr int nrOfVolumes = 300;
+constexpr double bound = 1e-4;
+
+/// The batch solution is a single-precision one of signals around 1000, so small betas are held
+/// against the size of the effects in the run; their standard errors are above 1.
+constexpr double effectScale = 20.0;
+constexpr double tScale = 8.0; // where colours saturate
+
+/// Agreement relative to the exact value, or to `scale` for smaller ones.
+void expectClose(double value, double exact, double scale, const char* what, size_t voxel) {
+    EXPECT_NEAR(value, exact, bound * std::max(std::abs(exact), scale)) << what << " " << voxel;
+}
+
+void compareWithExactFit(GLMTestRun& run, const std::vector<int>& columns,
+                         const std::vector<int>& contrast) {
+    size_t compared = 0;
+    for (size_t v = 0; v < run.voxels(); ++v) {
+        if (run.mask.voxels[v] == 0)
+            continue;
+        const ExactFit exact(run, columns, v, nrOfVolumes);
+        for (size_t j = 0; j < columns.size(); ++j)
+            expectClose(run.glm.row(int(j))[v], double(exact.betas[j]), effectScale, "beta", v);
+        expectClose(run.glm.row(int(columns.size()))[v], double(exact.rss), 0.0, "RSS", v);
+        expectClose(double(run.maps.ContrastMaps[0][v]), exact.t(contrast, nrOfVolumes), tScale,
+                    "t", v);
+        ++compared;
+    }
+    EXPECT_EQ(compared, run.mask.nrOfVoxels);
+    EXPECT_GT(compared, 80u);
+}
+
+GLMTestRun threeConditions() {
+    GLMTestRun run(nrOfVolumes);
+    run.addCondition(4, 12);
+    run.addCondition(21, 9);
+    run.addCondition(150, 11); // enters late
+    run.addConfounds(2);
+    run.addContrast({1, -1, 2});
+    return run;
+}
+
+TEST(GLMAccuracy, RecursionWithLatePredictorAgreesWithLeastSquares) {
+    GLMTestRun run = threeConditions();
+    run.start({11, 21, 150});
+    run.update(0, nrOfVolumes - 1);
+    EXPECT_EQ(run.glm.GLMStartVolume, 150);
+    EXPECT_EQ(run.glm.ActivePredictors, (std::vector<int>{0, 1, 2, 3, 4}));
+    compareWithExactFit(run, run.glm.ActivePredictors, {1, -1, 2, 0, 0});
+}
+
+TEST(GLMAccuracy, BatchAtTheEndAgreesWithLeastSquares) {
+    GLMTestRun run = threeConditions();
+    run.start({nrOfVolumes - 1});
+    run.update(0, nrOfVolumes - 1);
+    EXPECT_EQ(run.glm.GLMStartVolume, nrOfVolumes - 1);
+    compareWithExactFit(run, {0, 1, 2, 3, 4}, {1, -1, 2, 0, 0});
+}
+
+TEST(GLMAccuracy, CollinearPredictorsShareTheirWeight) {
+    GLMTestRun run(nrOfVolumes);
+    run.addCondition(4, 12);
+    run.addCondition(4, 12); // the same column
+    run.addCondition(21, 9);
+    run.addConfounds(1);
+    run.addContrast({1, 1, -1});
+    run.start({11, 12, 30});
+    run.update(0, nrOfVolumes - 1);
+    for (size_t v = 0; v < run.voxels(); ++v) {
+        if (run.mask.voxels[v] == 0)
+            continue;
+        // The pseudo-inverse gives each half of what one column alone would get; the sum of both
+        // has the distribution of that one, but one degree of freedom is counted for each.
+        const ExactFit exact(run, {0, 2, 3}, v, nrOfVolumes);
+        for (const int j : {0, 1})
+            expectClose(run.glm.row(j)[v], double(exact.betas[0]) / 2, effectScale, "beta", v);
+        expectClose(run.glm.row(4)[v], double(exact.rss), 0.0, "RSS", v);
+        const double freedom = std::sqrt((nrOfVolumes - 4.0) / (nrOfVolumes - 3.0));
+        expectClose(double(run.maps.ContrastMaps[0][v]), exact.t({1, -1, 0}, nrOfVolumes) * freedom,
+                    1.0, "t", v);
+    }
+}
+
+TEST(GLMAccuracy, FinishedModelGivesTheSameMaps) {
+    GLMTestRun run = threeConditions();
+    run.addContrast({0, 1, 0}, ContrastNegative);
+    run.start({11, 21, 150});
+    run.update(0, nrOfVolumes - 1);
+    FinishedModel model;
+    ASSERT_TRUE(finishModel(model, run.glm, run.project, run.mask, nrOfVolumes));
+    run.glm.release();
+    StatisticalMaps maps;
+    maps.sizeX = 7;
+    maps.sizeY = 6;
+    maps.nrOfSlices = 5;
+    maps.ContrastMaps.resize(2);
+    for (auto& map : maps.ContrastMaps) {
+        ASSERT_TRUE(map.allocate(run.voxels()));
+        map[0] = 9.0f; // of an earlier map, outside the mask
+    }
+    ASSERT_TRUE(computeContrastMaps(model, run.mask, run.contrasts, maps));
+    EXPECT_EQ(maps.states, (std::vector<int>{ContrastPositive, ContrastNegative}));
+    EXPECT_EQ(maps.MapDF1, nrOfVolumes - 5);
+    for (size_t v = 0; v < run.voxels(); ++v)
+        for (size_t c = 0; c < 2; ++c)
+            expectClose(double(maps.ContrastMaps[c][v]), double(run.maps.ContrastMaps[c][v]), 0.1,
+                        "t", v);
+
+    run.contrasts.ConjunctionAnalysis = true;
+    ASSERT_TRUE(computeContrastMaps(model, run.mask, run.contrasts, maps));
+    EXPECT_EQ(maps.states[0], ContrastBoth);
+    for (size_t v = 0; v < run.voxels(); ++v) {
+        const double a = double(run.maps.ContrastMaps[0][v]);
+        const double b = double(run.maps.ContrastMaps[1][v]);
+        const double exact = a * b > 0 ? std::copysign(std::min(std::abs(a), std::abs(b)), a) : 0;
+        expectClose(double(maps.ContrastMaps[0][v]), exact, 0.1, "conjunction", v);
+    }
+}
+
+TEST(GLMAccuracy, NoFinishedModelWithoutAFit) {
+    GLMTestRun run(20);
+    run.addCondition(2, 5);
+    run.addConfounds(1);
+    run.start({-1});
+    run.update(0, 19);
+    FinishedModel model;
+    EXPECT_FALSE(finishModel(model, run.glm, run.project, run.mask, 20));
+    EXPECT_FALSE(computeContrastMaps(model, run.mask, run.contrasts, run.maps));
+}
+
+} // namespace

@@ -1,0 +1,118 @@
+// Special functions against published tables and closed forms; sorting, splines, products.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/numerics/matrix_products.h"
+#include "stats/numerics/run_time_error.h"
+#include "stats/numerics/sorting.h"
+#include "stats/numerics/special_functions.h"
+#include "stats/numerics/spline.h"
+
+#include "support/scripted_messages.h"
+
+#include <limits>
+#include <numbers>
+
+using namespace numerics;
+
+TEST(Gammln, MatchesFactorialsAndHalfIntegers) {
+    double factorial = 1.0;
+    for (int n = 2; n <= 30; ++n) {
+        factorial *= n - 1;
+        EXPECT_NEAR(gammln(float(n)), std::log(factorial), 1e-6 + 1e-7 * std::log(factorial)) << n;
+    }
+    EXPECT_NEAR(gammln(0.5f), 0.5 * std::log(std::numbers::pi), 1e-7);
+    EXPECT_NEAR(gammln(1.5f), 0.5 * std::log(std::numbers::pi / 4), 1e-7);
+}
+
+TEST(Betai, MatchesClosedForms) {
+    for (const double x : {0.0, 0.1, 0.37, 0.5, 0.9, 1.0}) {
+        EXPECT_NEAR(betai(1, 3.5, x), 1 - std::pow(1 - x, 3.5), 1e-9);
+        EXPECT_NEAR(betai(2.5, 1, x), std::pow(x, 2.5), 1e-9);
+        EXPECT_NEAR(betai(0.5, 0.5, x), 2 / std::numbers::pi * std::asin(std::sqrt(x)), 1e-9);
+        EXPECT_NEAR(betai(7, 2.2, x) + betai(2.2, 7, 1 - x), 1.0, 1e-12);
+    }
+    EXPECT_NEAR(betai(1e6, 1e6, 0.5), 0.5, 1e-6);
+    EXPECT_EQ(betai(0, 1, 0.5), 1.0);
+    EXPECT_EQ(betai(1, 0, 0.5), 0.0);
+}
+
+TEST(Betai, MatchesTheTablesOfTAndF) {
+    // Critical values to three places; the bound is what half of the last place makes in p.
+    struct T {
+        double t, df, p;
+    };
+    for (const T& entry : {T{12.706, 1, 0.05}, T{2.228, 10, 0.05}, T{2.845, 20, 0.01},
+                           T{3.291, 1e6, 0.001}, T{1.980, 120, 0.05}})
+        EXPECT_NEAR(betai(entry.df / 2, 0.5, entry.df / (entry.df + entry.t * entry.t)), entry.p,
+                    2e-3 * entry.p);
+    struct F {
+        double f, df1, df2, p;
+    };
+    for (const F& entry : {F{3.708, 3, 10, 0.05}, F{4.103, 5, 20, 0.01}, F{161.448, 1, 1, 0.05},
+                           F{1.429, 60, 120, 0.05}})
+        EXPECT_NEAR(
+            betai(entry.df2 / 2, entry.df1 / 2, entry.df2 / (entry.df2 + entry.df1 * entry.f)),
+            entry.p, 3e-3 * entry.p);
+}
+
+TEST(Betai, BadArgumentsEndTheProgramWithTheirText) {
+    RecordedProgramEnd end;
+    testing::internal::CaptureStderr();
+    for (const double x : {-0.1, 1.1, std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_EQ(betai(1, 1, x), 0.0);
+    const std::string text = "Numerical Recipes run-time error...\nFATAL ERROR: Bad x in routine "
+                             "betai.\n...now exiting to system...\n";
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), text + text + text);
+    EXPECT_EQ(betacf(1e12, 1e12, 0.5), 0.0);
+    EXPECT_EQ(end.statuses, (std::vector<int>{1, 1, 1, 1}));
+}
+
+TEST(Sorting, IsStableAndPutsWhatIsNotANumberLast) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(indexx(std::vector<float>{3, nan, 1, 3, -2, 1}),
+              (std::vector<int>{4, 2, 5, 0, 3, 1}));
+    std::vector<float> keys = {2, 1, 2, 0}, companions = {10, 20, 30, 40};
+    sort2(keys, companions);
+    EXPECT_EQ(keys, (std::vector<float>{0, 1, 2, 2}));
+    EXPECT_EQ(companions, (std::vector<float>{40, 20, 10, 30}));
+    EXPECT_TRUE(indexx({}).empty());
+}
+
+TEST(Spline, FollowsTheNaturalSplineOfThreePoints) {
+    // Through (0,0), (1,1), (2,0): y'' = -3 in the middle; 1.5 t - 0.5 t^3 on the first piece.
+    const std::vector<float> x = {0, 1, 2}, y = {0, 1, 0};
+    const std::vector<float> bend = splineSecondDerivatives(x, y);
+    EXPECT_EQ(bend, (std::vector<float>{0, -3, 0}));
+    for (const float t : {0.0f, 0.25f, 0.5f, 1.0f}) {
+        EXPECT_NEAR(splineValue(x, y, bend, t), 1.5 * t - 0.5 * std::pow(t, 3), 1e-6);
+        EXPECT_NEAR(splineValue(x, y, bend, 2 - t), 1.5 * t - 0.5 * std::pow(t, 3), 1e-6);
+    }
+    EXPECT_EQ(splineValue({}, {}, {}, 1), 0.0f);
+}
+
+TEST(Products, BlasAgreesWithPlainLoops) {
+    initialiseNumerics();
+    const std::vector<float> a = {1, 2, 3, 4, 5, 6};  // 2 x 3
+    const std::vector<float> b = {1, 0, 2, -1, 3, 1}; // 3 x 2
+    std::vector<float> plain(4), blas(4), transposed(9);
+    matMul(a, b, plain, 2, 3, 2);
+    EXPECT_EQ(plain, (std::vector<float>{14, 1, 32, 1}));
+    t_intel_matrix_matrix_mult_f(a.data(), b.data(), blas.data(), 2, 2, 3, false, false);
+    EXPECT_EQ(blas, plain);
+    t_intel_matrix_matrix_mult_f(a.data(), a.data(), transposed.data(), 3, 3, 2, true, false);
+    EXPECT_EQ(transposed, (std::vector<float>{17, 22, 27, 22, 29, 36, 27, 36, 45}));
+    t_intel_matrix_matrix_mult_f(a.data(), a.data(), blas.data(), 2, 2, 3, false, true);
+    EXPECT_EQ(blas, (std::vector<float>{14, 32, 32, 77}));
+
+    std::vector<float> y(2), z(3);
+    matVec(a, std::vector<float>{1, -1, 2}, y, 2, 3);
+    EXPECT_EQ(y, (std::vector<float>{5, 11}));
+    t_intel_matrix_vector_mult_f(a.data(), y.data(), z.data(), 2, 3, true);
+    EXPECT_EQ(z, (std::vector<float>{49, 65, 81}));
+    const std::vector<double> d = {1, 2, 3, 4}, e = {5, 6, 7, 8};
+    std::vector<double> f(4), g(2);
+    t_intel_matrix_matrix_mult_d(d.data(), e.data(), f.data(), 2, 2, 2, true, true);
+    EXPECT_EQ(f, (std::vector<double>{23, 31, 34, 46}));
+    t_intel_matrix_vector_mult_d(d.data(), e.data(), g.data(), 2, 2, false);
+    EXPECT_EQ(g, (std::vector<double>{17, 39}));
+    EXPECT_EQ(dot(std::vector<float>{1e8f, 1, -1e8f}, std::vector<float>(3, 1.0f)), 0.0f);
+}

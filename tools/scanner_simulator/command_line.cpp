@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "command_line.h"
+
+#include <QCommandLineParser>
+#include <cmath>
+#include <tuple>
+
+namespace {
+
+void addOptions(QCommandLineParser& parser) {
+    const QList<QCommandLineOption> options = {
+        {{"h", "help"}, "Show this text."},
+        {"type", "Data type: SIEMENS_DICOM_MOSAIC (default) or DICOM.", "type"},
+        {"out", "Session folder (default: the current one).", "folder"},
+        {"name", "Name of project and protocol (default: Simulation).", "name"},
+        {"run", "Number of the first run (default: 1).", "number"},
+        {"runs", "Runs one after the other (default: 1).", "count"},
+        {"matrix", "Pixels of a slice (default: 64x64).", "columns x rows"},
+        {"slices", "Slices of a volume (default: 25).", "count"},
+        {"volumes", "Volumes, the skipped ones included (default: 152).", "count"},
+        {"skip", "Volumes before the protocol begins (default: 2).", "count"},
+        {"tr", "Time from volume to volume (default: 1000).", "milliseconds"},
+        {"fov", "Field of view along a row (default: 192).", "millimetres"},
+        {"slice-distance", "Distance of slices (default: 100 over all slices).", "millimetres"},
+        {"block", "Volumes of a block of the protocol (default: 10).", "count"},
+        {"noise", "Standard deviation of the noise (default: 8; brain 650-1130).", "value"},
+        {"amplitude", "Response of active regions, percent (default: 2.5).", "percent"},
+        {"motion", "Motion of the head: none (default), drift or jumps.", "kind"},
+        {"seed", "Seed of all random numbers (default: 1).", "number"},
+        {"syntax", "explicit-le (default), implicit-le or explicit-be.", "syntax"},
+        {"at-tr", "Deliver a volume every TR (default)."},
+        {"as-fast", "Deliver as fast as files can be written."},
+        {"speed", "Deliver this many times faster than measured (default: 1).", "factor"},
+        {"start-delay", "Wait before each run (default: 0).", "milliseconds"},
+        {"growing", "Write each file in place, in pieces with pauses."},
+        {"late", "Deliver a volume later; may be repeated.", "volume:milliseconds"},
+        {"missing", "Never deliver a volume; may be repeated.", "volume"},
+        {"truncated", "Cut the files of a volume in half; may be repeated.", "volume"},
+        {"out-of-order", "Deliver slices backwards, mosaics exchanged in pairs."},
+        {"settings-only", "Write settings, protocol and truth, but no images."},
+        {"replay", "Deliver the files of this folder instead of simulated ones.", "folder"},
+    };
+    parser.addOptions(options);
+}
+
+/// Takes values out of the parsed line; the first bad one is kept as the problem.
+class Values {
+public:
+    explicit Values(const QCommandLineParser& parser) : parser_(parser) {}
+
+    void integer(const char* option, int& value) {
+        if (parser_.isSet(option))
+            value = whole(option, parser_.value(option));
+    }
+    void real(const char* option, double& value) {
+        if (!parser_.isSet(option))
+            return;
+        bool isNumber = false;
+        value = parser_.value(option).toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(value))
+            refuse(option, parser_.value(option));
+    }
+    template<typename Choice>
+    void choice(const char* option, const std::map<QString, Choice>& choices, Choice& value) {
+        if (!parser_.isSet(option))
+            return;
+        if (const auto found = choices.find(parser_.value(option)); found != choices.end())
+            value = found->second;
+        else
+            refuse(option, parser_.value(option));
+    }
+    void text(const char* option, QString& value) {
+        if (parser_.isSet(option))
+            value = parser_.value(option);
+    }
+    void volumes(const char* option, std::set<int>& volumes) {
+        for (const QString& value : parser_.values(option))
+            volumes.insert(whole(option, value));
+    }
+    [[nodiscard]] std::optional<std::pair<int, int>> pair(const char* option, const QString& value,
+                                                          QChar separator) {
+        const QStringList parts = value.split(separator);
+        if (parts.size() != 2) {
+            refuse(option, value);
+            return std::nullopt;
+        }
+        return std::pair(whole(option, parts[0]), whole(option, parts[1]));
+    }
+    void refuse(const QString& option, const QString& value) {
+        if (problem_.isEmpty())
+            problem_ = QString("The value \"%1\" doesn't fit option --%2.").arg(value, option);
+    }
+    [[nodiscard]] const QString& problem() const { return problem_; }
+
+private:
+    int whole(const char* option, const QString& value) {
+        bool isNumber = false;
+        const int number = value.toInt(&isNumber);
+        if (!isNumber)
+            refuse(option, value);
+        return number;
+    }
+
+    const QCommandLineParser& parser_;
+    QString problem_;
+};
+
+void takeSimulation(const QCommandLineParser& parser, Values& values, SimulatorCommand& command) {
+    SimulationOptions& simulation = command.simulation;
+    values.choice<ScannerType>(
+        "type",
+        {{"SIEMENS_DICOM_MOSAIC", ScannerType::SiemensMosaic}, {"DICOM", ScannerType::Dicom}},
+        simulation.type);
+    values.choice<HeadMotion>(
+        "motion",
+        {{"none", HeadMotion::None}, {"drift", HeadMotion::Drift}, {"jumps", HeadMotion::Jumps}},
+        simulation.motion);
+    values.choice<TransferSyntax>("syntax",
+                                  {{"explicit-le", TransferSyntax::ExplicitLittle},
+                                   {"implicit-le", TransferSyntax::ImplicitLittle},
+                                   {"explicit-be", TransferSyntax::ExplicitBig}},
+                                  simulation.syntax);
+    values.text("out", simulation.folder);
+    values.text("name", simulation.name);
+    values.integer("run", simulation.run);
+    values.integer("slices", simulation.nrOfSlices);
+    values.integer("volumes", simulation.nrOfVolumes);
+    values.integer("skip", simulation.nrOfVolumesToSkip);
+    values.integer("tr", simulation.repetitionTime);
+    values.integer("fov", simulation.fieldOfView);
+    values.integer("block", simulation.blockLength);
+    values.real("slice-distance", simulation.sliceDistance);
+    values.real("noise", simulation.noise);
+    double percent = simulation.amplitude * 100.0;
+    values.real("amplitude", percent);
+    simulation.amplitude = percent / 100.0;
+    if (parser.isSet("matrix"))
+        if (const auto size = values.pair("matrix", parser.value("matrix"), 'x'))
+            std::tie(simulation.sizeX, simulation.sizeY) = *size;
+    if (parser.isSet("seed")) {
+        bool isNumber = false;
+        simulation.seed = parser.value("seed").toULongLong(&isNumber);
+        if (!isNumber)
+            values.refuse("seed", parser.value("seed"));
+    }
+}
+
+void takeDelivery(const QCommandLineParser& parser, Values& values, SimulatorCommand& command) {
+    DeliveryOptions& delivery = command.delivery;
+    delivery.atRepetitionTime = !parser.isSet("as-fast");
+    delivery.growing = parser.isSet("growing");
+    delivery.outOfOrder = parser.isSet("out-of-order");
+    values.real("speed", delivery.speed);
+    values.integer("start-delay", delivery.startDelay);
+    values.volumes("missing", delivery.missing);
+    values.volumes("truncated", delivery.truncated);
+    for (const QString& value : parser.values("late"))
+        if (const auto late = values.pair("late", value, ':')) {
+            if (late->second < 0)
+                values.refuse("late", value);
+            delivery.late.insert(*late);
+        }
+    command.volumesGiven = parser.isSet("volumes");
+    command.settingsOnly = parser.isSet("settings-only");
+    values.integer("runs", command.nrOfRuns);
+    values.text("replay", command.replayFolder);
+}
+
+QString problemOfFaults(const SimulatorCommand& command) {
+    std::set<int> volumes = command.delivery.missing;
+    volumes.insert(command.delivery.truncated.begin(), command.delivery.truncated.end());
+    for (const auto& [volume, delay] : command.delivery.late)
+        volumes.insert(volume);
+    // How many volumes a replay has is not known before its folder is read.
+    const bool isCounted = command.replayFolder.isEmpty() || command.volumesGiven;
+    for (const int volume : volumes)
+        if (volume < 1 || (isCounted && volume > command.simulation.nrOfVolumes))
+            return QString("There is no volume %1.").arg(volume);
+    return {};
+}
+
+QString problemOfCommand(const QCommandLineParser& parser, const SimulatorCommand& command) {
+    if (!parser.positionalArguments().isEmpty())
+        return QString("Unexpected argument \"%1\".").arg(parser.positionalArguments().first());
+    if (parser.isSet("as-fast") && (parser.isSet("at-tr") || parser.isSet("speed")))
+        return "--as-fast excludes --at-tr and --speed.";
+    if (command.delivery.speed < 0.01 || command.delivery.speed > 1000.0)
+        return "The speed must lie between 0.01 and 1000.";
+    if (command.delivery.startDelay < 0)
+        return "The start delay can't be negative.";
+    if (command.nrOfRuns < 1 || command.nrOfRuns + command.simulation.run > 1000)
+        return "The runs must be numbered between 1 and 999.";
+    if (!command.replayFolder.isEmpty() && command.nrOfRuns != 1)
+        return "A replay is one run.";
+    if (const QString problem = problemOf(command.simulation); !problem.isEmpty())
+        return problem;
+    return problemOfFaults(command);
+}
+
+} // namespace
+
+SimulatorCommand parseCommandLine(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        "Writes what a scanner writes: image files of a simulated head, volume by volume, into\n"
+        "incoming/ of the session folder, with settings, protocol and, aside, the truth.");
+    addOptions(parser);
+    SimulatorCommand command;
+    if (!parser.parse(arguments)) {
+        command.problem = parser.errorText();
+        return command;
+    }
+    if (parser.isSet("help")) {
+        command.helpText = parser.helpText();
+        return command;
+    }
+    Values values(parser);
+    takeSimulation(parser, values, command);
+    takeDelivery(parser, values, command);
+    command.problem =
+        values.problem().isEmpty() ? problemOfCommand(parser, command) : values.problem();
+    return command;
+}

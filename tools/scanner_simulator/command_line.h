@@ -1,0 +1,21 @@
+// What the user of scanner-simulator asks for.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "delivery.h"
+
+#include <QStringList>
+
+struct SimulatorCommand {
+    SimulationOptions simulation;
+    DeliveryOptions delivery;
+    int nrOfRuns = 1;
+    bool settingsOnly = false;
+    bool volumesGiven = false; ///< else a replay has as many as its folder
+    QString replayFolder;      ///< empty: simulate
+    QString helpText;          ///< not empty: show this and do nothing else
+    QString problem;           ///< not empty: why the command can't be carried out
+};
+
+/// `arguments` begins with the name of the program.
+[[nodiscard]] SimulatorCommand parseCommandLine(const QStringList& arguments);

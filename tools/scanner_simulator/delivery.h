@@ -1,0 +1,63 @@
+// Brings files into a watch folder as a scanner does, or as it does on a bad day.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "scanner_files.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+
+/// Volumes count from 1 here, as users count them.
+struct DeliveryOptions {
+    bool atRepetitionTime = true; ///< false: as fast as files can be written
+    double speed = 1.0;           ///< 2: twice as fast as measured
+    int startDelay = 0;           ///< milliseconds before the measurement begins
+    bool growing = false;         ///< files are written in place, in pieces with pauses
+    bool outOfOrder = false;      ///< slices of a volume backwards, mosaics exchanged in pairs
+    std::map<int, int> late = {}; ///< volume to milliseconds of delay
+    std::set<int> missing = {};   ///< volumes that never come
+    std::set<int> truncated = {}; ///< volumes whose files end early
+};
+
+/// What is delivered: simulated volumes or those of a folder.
+struct VolumeSource {
+    int nrOfVolumes = 0;
+    int nrOfFilesPerVolume = 1;
+    int repetitionTime = 1000; ///< milliseconds
+    /// Files of a volume, from 0; nothing when they can't be read.
+    std::function<std::optional<std::vector<ScannerFile>>(int volume)> files;
+};
+
+/// Time, so that tests need none.
+class DeliveryClock {
+public:
+    virtual ~DeliveryClock() = default;
+    /// Milliseconds since an arbitrary origin.
+    [[nodiscard]] virtual int64_t milliseconds() const = 0;
+    /// Returns at that moment, or at once when it has passed; false when the user ends the program.
+    [[nodiscard]] virtual bool waitUntil(int64_t milliseconds) = 0;
+};
+
+struct DeliveryStep {
+    int volume;  ///< from 0
+    int64_t due; ///< milliseconds after the start
+    bool operator==(const DeliveryStep&) const = default;
+};
+
+/// Which volume appears when, in order of time. A volume is due when it has been measured.
+[[nodiscard]] std::vector<DeliveryStep> deliverySchedule(const DeliveryOptions& options,
+                                                         const VolumeSource& source);
+
+enum class DeliveryResult { Done, Interrupted, Failed };
+
+struct DeliveryOutcome {
+    DeliveryResult result = DeliveryResult::Done;
+    QString problem = {}; ///< why it failed, as a sentence for the user
+};
+
+/// Delivers all volumes into a folder that exists. `report` hears of each volume that is there.
+[[nodiscard]] DeliveryOutcome deliver(const DeliveryOptions& options, const VolumeSource& source,
+                                      const QString& folder, DeliveryClock& clock,
+                                      const std::function<void(const QString&)>& report);

@@ -1,0 +1,57 @@
+// An analytic head: what a scanner would see at any point, without noise.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "scan_geometry.h"
+
+/// Position of the head: first it turns about the x, then the y, then the z axis through the
+/// centre of the volume, then it moves. Degrees count counter-clockwise when seen from the
+/// positive end of the axis.
+struct HeadPose {
+    double translation[3] = {}; ///< millimetres along x, y, z
+    double rotation[3] = {};    ///< degrees about x, y, z
+    [[nodiscard]] bool isAtRest() const;
+};
+
+/// Maps points of the scanner back to points of the head at rest.
+class PoseInverse {
+public:
+    explicit PoseInverse(const HeadPose& pose);
+    [[nodiscard]] Point operator()(const Point& point) const;
+
+private:
+    double rotation_[3][3];
+    double translation_[3];
+};
+
+/// Ellipsoids of scalp, skull, brain and ventricles. Brain samples lie between 600 and 1200 and
+/// vary smoothly; borders are soft over about one voxel, as partial volume makes them.
+class HeadPhantom {
+public:
+    static constexpr int nrOfConditions = 2; ///< conditions with active regions
+
+    explicit HeadPhantom(const ScanGeometry& geometry);
+    [[nodiscard]] double signal(const Point& point) const;
+    /// True inside the brain, away from its soft border.
+    [[nodiscard]] bool isBrain(const Point& point) const;
+    /// 1 or 2: the condition whose regions hold the point; 0 outside all.
+    [[nodiscard]] int activeCondition(const Point& point) const;
+    /// How strongly pulsation is seen, from 0 to 1: most near the large vessels at the centre.
+    [[nodiscard]] static double pulsationWeight(const Point& point);
+
+private:
+    struct Ellipsoid {
+        Point centre;
+        Point halfAxis;
+        [[nodiscard]] double squaredRadius(const Point& point) const;
+    };
+
+    double borderWidth_; ///< millimetres
+    Ellipsoid regions_[nrOfConditions][2];
+    Ellipsoid scalp_{{0, 0, 0}, {73, 88, 82}};
+    Ellipsoid skull_{{0, 0, 0}, {68, 83, 77}};
+    Ellipsoid brain_{{0, 0, 0}, {63, 78, 72}};
+    Ellipsoid ventricles_[2] = {{{-9, -4, 6}, {5, 18, 10}}, {{9, -4, 6}, {5, 18, 10}}};
+
+    [[nodiscard]] double share(const Ellipsoid& ellipsoid, const Point& point) const;
+};

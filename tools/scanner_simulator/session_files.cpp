@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "session_files.h"
+
+#include "base/file_writing.h"
+#include "base/paths.h"
+
+#include <QDir>
+#include <cmath>
+
+namespace {
+
+/// Lines "key value" with the key padded to 34 columns.
+class SettingsLines {
+public:
+    void plain(const char* key, const QByteArray& value) {
+        text_ += formatted("%-34s", key) + value + '\n';
+    }
+    void number(const char* key, double value) { plain(key, formatted("%.7g", value)); }
+    void quoted(const char* key, const QString& value) { plain(key, '"' + value.toUtf8() + '"'); }
+    void blank() { text_ += '\n'; }
+    [[nodiscard]] const QByteArray& text() const { return text_; }
+
+private:
+    QByteArray text_;
+};
+
+void addHead(SettingsLines& lines, const RunDescription& run) {
+    lines.blank();
+    lines.number("FileVersion:", 4);
+    lines.blank();
+    lines.number("MergeType:", 0);
+    lines.blank();
+    lines.quoted("Title:", run.title);
+    lines.blank();
+    lines.quoted("ParadigmHelpFile:", "");
+    lines.plain("IFISfMRIAnalysisTests:", "tdat");
+    lines.plain("IFISfMRIAnalysisOptions:", "tdat");
+    lines.blank();
+    lines.number("RawDataBigEndian:", run.options.syntax == TransferSyntax::ExplicitBig ? 1 : 0);
+    lines.blank();
+    lines.number("ShowGODlgAfterPreparation:", 0);
+    lines.blank();
+    lines.quoted("WatchFolder:", "./incoming/");
+    lines.quoted("TargetFolder:", "./results/");
+    lines.blank();
+}
+
+void addScanner(SettingsLines& lines, const RunDescription& run) {
+    const bool isMosaic = run.options.type == ScannerType::SiemensMosaic;
+    lines.plain("DataType:", isMosaic ? "SIEMENS_DICOM_MOSAIC" : "DICOM");
+    lines.blank();
+    lines.quoted("FirstFileName:", run.firstFileName);
+    lines.quoted("DicomNameDelimiter:", run.naming.delimiter);
+    lines.quoted("DicomNameExtension:", run.naming.extension);
+    lines.number("DicomFirstVolumeNr:", run.naming.firstVolumeNr);
+    lines.number("DicomFirstImageNr:", run.naming.firstImageNr);
+    lines.number("InplaneFoVX:", run.options.fieldOfView);
+    lines.number("InplaneFoVY:", std::round(run.geometry.pixelSize * run.geometry.sizeY));
+    lines.number("SliceThickness:", run.geometry.sliceThickness);
+    lines.number("GapThickness:", run.geometry.sliceGap());
+    lines.blank();
+    lines.number("TimeOutSeconds:", 30);
+    lines.blank();
+    lines.number("MatrixSizeX:", run.geometry.sizeX);
+    lines.number("MatrixSizeY:", run.geometry.sizeY);
+    lines.blank();
+    if (isMosaic) {
+        lines.number("MosaicResolutionX:", mosaicColumns(run.geometry));
+        lines.number("MosaicResolutionY:", mosaicRows(run.geometry));
+        lines.blank();
+    }
+}
+
+void addRun(SettingsLines& lines, const RunDescription& run) {
+    const QString base = QString("%1-%2").arg(run.options.name).arg(run.options.run);
+    lines.number("NrOfVolumes:", run.options.nrOfVolumes);
+    lines.number("NrOfVolumesToSkip:", run.options.nrOfVolumesToSkip);
+    lines.blank();
+    lines.number("NrOfSlices:", run.geometry.nrOfSlices);
+    lines.blank();
+    lines.quoted("SlicePrefix:", base + "-");
+    lines.quoted("ProjectName:", base);
+    lines.blank();
+    lines.number("TR:", run.options.repetitionTime);
+    lines.number("InterSliceTime:", double(run.options.repetitionTime) / run.geometry.nrOfSlices);
+    lines.blank();
+    lines.quoted("ROIColorsFile:", "");
+    lines.blank();
+    lines.number("MultiSliceROISelection:", 1);
+    lines.blank();
+}
+
+void addAnalysis(SettingsLines& lines, const RunDescription& run) {
+    const int columns = run.geometry.mosaicTiles();
+    lines.number("Threshold:", 3);
+    lines.number("ClusterSizePixels:", 4);
+    lines.blank();
+    lines.number("NrOfColumns:", columns);
+    lines.number("NrOfRows:", (run.geometry.nrOfSlices + columns - 1) / columns);
+    lines.blank();
+    lines.number("ForceTRDelay:", 0);
+    lines.blank();
+    lines.quoted("StimulationProtocol:", "./" + run.options.name + ".prt");
+    lines.blank();
+    lines.quoted("ContrastFile:", "");
+    lines.blank();
+    lines.number("AutoContrastGenerationLevel:", 2);
+    lines.blank();
+    lines.number("DriftConfoundPredictors:", 1);
+    lines.blank();
+    lines.number("MotionCorrection:", run.options.motion == HeadMotion::None ? 0 : 1);
+    lines.blank();
+    lines.number("SpatialGaussianSmoothing:", 0);
+    lines.number("SpatialSmoothingFWHM:", 4);
+    lines.blank();
+}
+
+void addOverlays(SettingsLines& lines) {
+    lines.number("OverlayInplaneData:", 0);
+    lines.blank();
+    lines.number("FlipSliceOrderInVolumeView:", 1);
+    lines.blank();
+    lines.number("IntraSessionMotionCorrection:", 0);
+    lines.blank();
+    lines.number("OverlayOnVMRMode:", 0);
+    lines.blank();
+    lines.number("OverlayOnSRFMode:", 0);
+    lines.blank();
+    lines.quoted("FeedbackTargetFolder:", "./results/");
+}
+
+} // namespace
+
+RunDescription runDescription(const SimulationOptions& options, const ScanGeometry& geometry) {
+    return {"Faces and houses, simulated, run " + QString::number(options.run), fileNaming(options),
+            fileName(options, 0, 0), options, geometry};
+}
+
+QString settingsFileName(const SimulationOptions& options) {
+    return QString("%1-%2.vco").arg(options.name).arg(options.run);
+}
+
+QString watchFolder(const SimulationOptions& options) {
+    return paths::join(options.folder, "incoming/");
+}
+
+bool writeSettingsFile(const RunDescription& run) {
+    const SimulationOptions& options = run.options;
+    return QDir().mkpath(watchFolder(options)) &&
+           QDir().mkpath(paths::join(options.folder, "results")) &&
+           writeFileAtomically(paths::join(options.folder, settingsFileName(options)),
+                               settingsText(run));
+}
+
+bool writeProtocolFile(const SimulationOptions& options) {
+    return QDir().mkpath(options.folder) &&
+           writeFileAtomically(paths::join(options.folder, options.name + ".prt"),
+                               protocolText(blockProtocol(options)));
+}
+
+QByteArray settingsText(const RunDescription& run) {
+    SettingsLines lines;
+    addHead(lines, run);
+    addScanner(lines, run);
+    addRun(lines, run);
+    addAnalysis(lines, run);
+    addOverlays(lines);
+    return lines.text();
+}
+
+QByteArray protocolText(const std::vector<SimulatedCondition>& conditions) {
+    QByteArray text = "\nFileVersion:        2\n\n"
+                      "ResolutionOfTime:   Volumes\n\n"
+                      "Experiment:         Faces and houses\n\n"
+                      "BackgroundColor:    0 0 0\n"
+                      "TextColor:          255 255 255\n\n"
+                      "TimeCourseColor:    255 255 255\n"
+                      "TimeCourseThick:    3\n"
+                      "ReferenceFuncColor: 80 80 80\n"
+                      "ReferenceFuncThick: 2\n\n";
+    text += formatted("NrOfConditions:  %i\n", int(conditions.size()));
+    for (const SimulatedCondition& condition : conditions) {
+        text += '\n' + condition.name.toUtf8() + '\n';
+        text += QByteArray::number(qsizetype(condition.intervals.size())) + '\n';
+        for (const ProtocolInterval& interval : condition.intervals)
+            text += formatted("%4i %4i\n", interval.from, interval.to);
+        text += formatted("Color: %i %i %i\n", condition.color[0], condition.color[1],
+                          condition.color[2]);
+    }
+    return text + "\n\nResponseConditions:  0\n";
+}
+
+QByteArray motionText(const std::vector<HeadPose>& poses) {
+    QByteArray text =
+        "# Where the simulated head is, one line for each measured volume, skipped ones included.\n"
+        "# x to the left of the head, y to its back, z to its top; the head turns about the x,\n"
+        "# then the y, then the z axis through the centre of the volume and then moves.\n"
+        "# volume from 1, translations x y z in mm, rotations about x y z in degrees\n";
+    for (size_t volume = 0; volume < poses.size(); ++volume) {
+        const HeadPose& pose = poses[volume];
+        text += formatted("%4i %9.5f %9.5f %9.5f %9.5f %9.5f %9.5f\n", int(volume + 1),
+                          pose.translation[0], pose.translation[1], pose.translation[2],
+                          pose.rotation[0], pose.rotation[1], pose.rotation[2]);
+    }
+    return text;
+}
+
+QByteArray activeText(const ScanGeometry& geometry,
+                      const std::vector<SimulatedCondition>& conditions,
+                      const std::vector<uint8_t>& active) {
+    QByteArray text = "# Voxels of the head at rest that respond to a condition.\n"
+                      "# One digit for each voxel: x fastest, a row of x on each line, then y,\n"
+                      "# then slices with a blank line between them. 0 responds to none.\n";
+    for (size_t condition = 1; condition < conditions.size(); ++condition)
+        text += formatted("# %i ", int(condition)) + conditions[condition].name.toUtf8() + '\n';
+    text += formatted("%i %i %i\n", geometry.sizeX, geometry.sizeY, geometry.nrOfSlices);
+    size_t voxel = 0;
+    for (int slice = 0; slice < geometry.nrOfSlices; ++slice) {
+        text += '\n';
+        for (int y = 0; y < geometry.sizeY; ++y) {
+            for (int x = 0; x < geometry.sizeX; ++x, ++voxel)
+                text += char('0' + active[voxel]);
+            text += '\n';
+        }
+    }
+    return text;
+}
+
+QByteArray truthReadme() {
+    return "What was put into each simulated run, in a folder named after its settings file:\n"
+           "motion.txt has the position of the head in each volume, active.txt the map of the\n"
+           "voxels that respond to a condition. Both files explain themselves in their first\n"
+           "lines.\n";
+}

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulated_course.h"
+
+#include "random_numbers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+constexpr double fullTurn = 2.0 * std::numbers::pi;
+
+/// Integral of the gamma density with a whole shape and scale 1, from 0 to t.
+double gammaIntegral(int shape, double t) {
+    double term = 1.0;
+    double sum = 1.0;
+    for (int k = 1; k < shape; ++k) {
+        term *= t / k;
+        sum += term;
+    }
+    return 1.0 - std::exp(-t) * sum;
+}
+
+/// From 0 to 0.7 over the run, with a wave on top; `part` of the run is over.
+double driftCourse(double part, double turns) {
+    return 0.7 * part + 0.3 * std::sin(fullTurn * turns * part);
+}
+
+} // namespace
+
+std::vector<SimulatedCondition> blockProtocol(const SimulationOptions& options) {
+    std::vector<SimulatedCondition> conditions = {{"Fixation", {120, 120, 120}, {}},
+                                                  {"Faces", {255, 130, 50}, {}},
+                                                  {"Houses", {70, 150, 255}, {}}};
+    const int sequence[] = {0, 1, 0, 2};
+    const int analysed = options.nrOfVolumes - options.nrOfVolumesToSkip;
+    int block = 0;
+    for (int from = 1; from <= analysed; from += options.blockLength, ++block)
+        conditions[size_t(sequence[block % 4])].intervals.push_back(
+            {from, std::min(from + options.blockLength - 1, analysed)});
+    return conditions;
+}
+
+double stepResponse(double seconds) {
+    if (seconds <= 0.0)
+        return 0.0;
+    // Beyond this the exponential underflows and both integrals are 1.
+    const double t = std::min(seconds, 500.0);
+    constexpr double ratio = 6.0;
+    return (gammaIntegral(6, t) - gammaIntegral(16, t) / ratio) / (1.0 - 1.0 / ratio);
+}
+
+SimulatedCourse::SimulatedCourse(const SimulationOptions& options)
+    : options_(options), conditions_(blockProtocol(options)),
+      secondsPerVolume_(options.repetitionTime / 1000.0) {
+    RandomNumbers random(options.seed * 1000003u + uint64_t(options.run));
+    heartPhase_ = fullTurn * random.uniform();
+    breathPhase_ = fullTurn * random.uniform();
+}
+
+double SimulatedCourse::response(int condition, double seconds) const {
+    // What came longer ago than this has no after-effect left.
+    constexpr double memory = 60.0;
+    double sum = 0.0;
+    for (const ProtocolInterval& interval : conditions_[size_t(condition)].intervals) {
+        const double start = (options_.nrOfVolumesToSkip + interval.from - 1) * secondsPerVolume_;
+        const double end = (options_.nrOfVolumesToSkip + interval.to) * secondsPerVolume_;
+        if (seconds > start && seconds < end + memory)
+            sum += stepResponse(seconds - start) - stepResponse(seconds - end);
+    }
+    return sum;
+}
+
+double SimulatedCourse::drift(double seconds) const {
+    const double part = seconds / (options_.nrOfVolumes * secondsPerVolume_);
+    return 0.01 * part + 0.001 * std::sin(fullTurn * part / 1.5);
+}
+
+double SimulatedCourse::pulsation(double seconds) const {
+    return 0.003 * std::sin(fullTurn * 1.17 * seconds + heartPhase_) +
+           0.003 * std::sin(fullTurn * 0.27 * seconds + breathPhase_);
+}
+
+double SimulatedCourse::saturation(int volume) const {
+    return volume < options_.nrOfVolumesToSkip ? 1.0 + 0.3 * std::exp(-2.0 * volume) : 1.0;
+}
+
+HeadPose SimulatedCourse::pose(int volume) const {
+    if (volume <= options_.nrOfVolumesToSkip)
+        return {};
+    switch (options_.motion) {
+    case HeadMotion::None:
+        return {};
+    case HeadMotion::Drift:
+        return driftPose(volume);
+    case HeadMotion::Jumps:
+        return jumpPose(volume);
+    }
+    return {};
+}
+
+HeadPose SimulatedCourse::driftPose(int volume) const {
+    const double part = double(volume - options_.nrOfVolumesToSkip) /
+                        std::max(1, options_.nrOfVolumes - options_.nrOfVolumesToSkip);
+    HeadPose pose;
+    pose.translation[0] = 0.5 * driftCourse(part, 2.0);
+    pose.translation[1] = -0.8 * driftCourse(part, 1.0);
+    pose.translation[2] = 1.2 * driftCourse(part, 1.5);
+    pose.rotation[0] = 1.0 * driftCourse(part, 1.0);
+    pose.rotation[1] = 0.4 * driftCourse(part, 2.5);
+    pose.rotation[2] = -0.6 * driftCourse(part, 2.0);
+    return pose;
+}
+
+HeadPose SimulatedCourse::jumpPose(int volume) const {
+    const int analysed = options_.nrOfVolumes - options_.nrOfVolumesToSkip;
+    const int quarter = 4 * (volume - options_.nrOfVolumesToSkip) / analysed;
+    HeadPose pose;
+    if (quarter >= 1)
+        pose.translation[0] = 1.0;
+    if (quarter >= 2)
+        pose.rotation[2] = 1.0;
+    if (quarter >= 3) {
+        pose.translation[2] = -1.0;
+        pose.rotation[0] = 1.0;
+    }
+    return pose;
+}

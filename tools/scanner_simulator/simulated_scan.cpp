@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "simulated_scan.h"
+
+#include "base/file_writing.h"
+#include "base/paths.h"
+#include "random_numbers.h"
+#include "session_files.h"
+
+#include <QDir>
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace {
+
+/// Samples have twelve bits, as from the converters of a scanner. It also keeps them clear of the
+/// tag that begins the samples of an image file.
+constexpr float largestSample = 4095.0f;
+
+} // namespace
+
+SimulatedScan::SimulatedScan(const SimulationOptions& options)
+    : options_(options), geometry_(options), phantom_(geometry_), course_(options),
+      atRest_(headAt({})) {}
+
+SimulatedScan::RestingHead SimulatedScan::headAt(const HeadPose& pose) const {
+    const PoseInverse toHead(pose);
+    RestingHead head;
+    head.signal.reserve(geometry_.voxels());
+    head.pulsation.reserve(geometry_.voxels());
+    head.condition.reserve(geometry_.voxels());
+    for (int slice = 0; slice < geometry_.nrOfSlices; ++slice)
+        for (int y = 0; y < geometry_.sizeY; ++y)
+            for (int x = 0; x < geometry_.sizeX; ++x) {
+                const Point point = toHead(geometry_.voxelCentre(x, y, slice));
+                const double signal = phantom_.signal(point);
+                const bool inHead = signal > 0.0;
+                head.signal.push_back(float(signal));
+                head.pulsation.push_back(inHead ? float(HeadPhantom::pulsationWeight(point))
+                                                : 0.0f);
+                head.condition.push_back(inHead ? uint8_t(phantom_.activeCondition(point)) : 0);
+            }
+    return head;
+}
+
+void SimulatedScan::fillSlice(int volume, int slice, const RestingHead& head, RandomNumbers& random,
+                              uint16_t* samples) const {
+    // Slices are measured one after the other, from the lowest to the highest.
+    const double seconds =
+        (volume + double(slice) / geometry_.nrOfSlices) * options_.repetitionTime / 1000.0;
+    const float steady = float(course_.saturation(volume) * (1.0 + course_.drift(seconds)));
+    const float pulsation = float(course_.pulsation(seconds));
+    std::array<float, HeadPhantom::nrOfConditions + 1> response{};
+    for (int condition = 1; condition <= HeadPhantom::nrOfConditions; ++condition)
+        response[size_t(condition)] =
+            float(options_.amplitude * course_.response(condition, seconds));
+    const float noise = float(options_.noise);
+    const size_t first = size_t(slice) * geometry_.sliceVoxels();
+    for (size_t i = 0; i < geometry_.sliceVoxels(); ++i) {
+        const size_t voxel = first + i;
+        const float factor =
+            steady + response[head.condition[voxel]] + pulsation * head.pulsation[voxel];
+        // A magnitude has no sign: noise in the air around the head turns positive.
+        const float value = std::fabs(head.signal[voxel] * factor + noise * random.gaussian());
+        samples[voxel] = uint16_t(std::min(value, largestSample) + 0.5f);
+    }
+}
+
+std::vector<uint16_t> SimulatedScan::volume(int volume) const {
+    const HeadPose pose = course_.pose(volume);
+    const RestingHead moved = pose.isAtRest() ? RestingHead{} : headAt(pose);
+    const RestingHead& head = pose.isAtRest() ? atRest_ : moved;
+    // The seeds of neighbouring volumes and runs are mixed before use, so that their noise is
+    // independent.
+    RandomNumbers seeds(options_.seed);
+    RandomNumbers random(
+        seeds.bits() ^
+        RandomNumbers(uint64_t(options_.run) << 32 | uint64_t(uint32_t(volume))).bits());
+    std::vector<uint16_t> samples(geometry_.voxels());
+    for (int slice = 0; slice < geometry_.nrOfSlices; ++slice)
+        fillSlice(volume, slice, head, random, samples.data());
+    return samples;
+}
+
+std::vector<ScannerFile> SimulatedScan::files(int volume) const {
+    return scannerFiles({options_, geometry_, volume}, this->volume(volume));
+}
+
+bool SimulatedScan::writeVolume(int volume, const QString& folder) const {
+    for (const ScannerFile& file : files(volume))
+        if (!writeFileAtomically(paths::join(folder, file.name), file.bytes))
+            return false;
+    return true;
+}
+
+QString SimulatedScan::watchFolder() const {
+    return ::watchFolder(options_);
+}
+
+bool SimulatedScan::writeSettings() const {
+    return writeSettingsFile(runDescription(options_, geometry_));
+}
+
+bool SimulatedScan::writeProtocol() const {
+    return writeProtocolFile(options_);
+}
+
+bool SimulatedScan::writeTruth() const {
+    const QString folder =
+        paths::join(options_.folder, QString("truth/%1-%2/").arg(options_.name).arg(options_.run));
+    std::vector<HeadPose> poses;
+    for (int volume = 0; volume < options_.nrOfVolumes; ++volume)
+        poses.push_back(pose(volume));
+    std::vector<uint8_t> active(geometry_.voxels(), 0);
+    for (int condition = 1; condition <= HeadPhantom::nrOfConditions; ++condition) {
+        const std::vector<uint8_t> map = activeVoxels(condition);
+        for (size_t voxel = 0; voxel < map.size(); ++voxel)
+            if (map[voxel] != 0)
+                active[voxel] = uint8_t(condition);
+    }
+    return QDir().mkpath(folder) && writeFileAtomically(folder + "motion.txt", motionText(poses)) &&
+           writeFileAtomically(folder + "active.txt",
+                               activeText(geometry_, conditions(), active)) &&
+           writeFileAtomically(paths::join(options_.folder, "truth/README.txt"), truthReadme());
+}
+
+std::vector<uint8_t> SimulatedScan::activeVoxels(int condition) const {
+    std::vector<uint8_t> map(geometry_.voxels(), 0);
+    if (condition > 0)
+        for (size_t voxel = 0; voxel < map.size(); ++voxel)
+            map[voxel] = atRest_.condition[voxel] == condition ? 1 : 0;
+    return map;
+}
+
+std::vector<uint8_t> SimulatedScan::brainVoxels() const {
+    std::vector<uint8_t> map;
+    map.reserve(geometry_.voxels());
+    for (int slice = 0; slice < geometry_.nrOfSlices; ++slice)
+        for (int y = 0; y < geometry_.sizeY; ++y)
+            for (int x = 0; x < geometry_.sizeX; ++x)
+                map.push_back(phantom_.isBrain(geometry_.voxelCentre(x, y, slice)) ? 1 : 0);
+    return map;
+}

@@ -1,0 +1,65 @@
+// One simulated run: its volumes, its files and the truth about it.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "head_phantom.h"
+#include "scanner_files.h"
+#include "simulated_course.h"
+
+#include <vector>
+
+/// Volumes count from 0 and include the skipped ones; samples are stored x fastest, then y, then
+/// slices. Every volume depends on the options alone, so that volumes may be asked for in any
+/// order and again. Options must be free of problems (problemOf).
+class SimulatedScan {
+public:
+    explicit SimulatedScan(const SimulationOptions& options);
+
+    [[nodiscard]] const SimulationOptions& options() const { return options_; }
+    [[nodiscard]] const ScanGeometry& geometry() const { return geometry_; }
+    /// Conditions in protocol order; 0 is the baseline.
+    [[nodiscard]] const std::vector<SimulatedCondition>& conditions() const {
+        return course_.conditions();
+    }
+
+    /// Samples from 0 to 4095.
+    [[nodiscard]] std::vector<uint16_t> volume(int volume) const;
+    /// Names, without folder, and bytes of the files of a volume, as the scanner writes them.
+    [[nodiscard]] std::vector<ScannerFile> files(int volume) const;
+    /// Writes them into a folder that exists, each whole or not at all. False when one can't be
+    /// written.
+    [[nodiscard]] bool writeVolume(int volume, const QString& folder) const;
+
+    /// Folder into which the scanner writes: incoming/ in the session folder.
+    [[nodiscard]] QString watchFolder() const;
+    /// Settings, protocol and truth of the session, with the folders that they need; see the
+    /// README of this tool for the files. False when a folder or file can't be written.
+    [[nodiscard]] bool writeSettings() const;
+    [[nodiscard]] bool writeProtocol() const;
+    [[nodiscard]] bool writeTruth() const;
+
+    /// Where the head is while a volume is measured.
+    [[nodiscard]] HeadPose pose(int volume) const { return course_.pose(volume); }
+    /// One byte for each voxel of the head at rest: 1 where its centre lies in a region that
+    /// responds to the condition. The baseline has none.
+    [[nodiscard]] std::vector<uint8_t> activeVoxels(int condition) const;
+    /// The same for the brain, less its border, where a voxel also holds other tissue.
+    [[nodiscard]] std::vector<uint8_t> brainVoxels() const;
+
+private:
+    /// What doesn't change while the head is at rest.
+    struct RestingHead {
+        std::vector<float> signal;
+        std::vector<float> pulsation;
+        std::vector<uint8_t> condition; ///< of the active region; 0 elsewhere
+    };
+    void fillSlice(int volume, int slice, const RestingHead& head, class RandomNumbers& random,
+                   uint16_t* samples) const;
+    [[nodiscard]] RestingHead headAt(const HeadPose& pose) const;
+
+    SimulationOptions options_;
+    ScanGeometry geometry_;
+    HeadPhantom phantom_;
+    SimulatedCourse course_;
+    RestingHead atRest_;
+};
