@@ -45,8 +45,8 @@ public:
         const QString word = stream_.word();
         if (word.isEmpty())
             return broken();
-        centred = word.startsWith('C', Qt::CaseInsensitive) ||
-                  word.startsWith('A', Qt::CaseInsensitive);
+        centred =
+            word.startsWith('C', Qt::CaseInsensitive) || word.startsWith('A', Qt::CaseInsensitive);
         if (!centred)
             value = TokenStream(word).integer();
         return true;
@@ -109,8 +109,7 @@ QString masterFileText(const MasterFile& master) {
            line("AutoAdvanceRun:", QString::number(int(master.autoAdvanceRun))) +
            line("AutoStartVCO:", QString::number(int(master.autoStartRun))) + '\n' +
            line("WindowSize:", QString::number(master.windowSize)) + '\n' +
-           line("HorizontalWindowPosition:",
-                positionText(master.windowCentredX, master.windowX)) +
+           line("HorizontalWindowPosition:", positionText(master.windowCentredX, master.windowX)) +
            line("VerticalWindowPosition:", positionText(master.windowCentredY, master.windowY));
 }
 
@@ -127,8 +126,8 @@ MasterFileResult readMasterFile(const QString& folder, const QString& dataPath,
     }
     QString text;
     if (!QFileInfo(path).isFile() || !removeComments(path, ';', text)) {
-        showCritical(QStringLiteral("ERROR: \"MasterVCO\" file not found in folder: \"%1\"!")
-                         .arg(folder));
+        showCritical(
+            QStringLiteral("ERROR: \"MasterVCO\" file not found in folder: \"%1\"!").arg(folder));
         return MasterFileResult::Missing;
     }
     return parseMasterFile(text, path, master) ? MasterFileResult::Read : MasterFileResult::Failed;

@@ -3,6 +3,7 @@
 #include "run/window/velo_cortivo.h"
 
 #include "base/messages.h"
+#include "run/window/appearance.h"
 #include "run/window/contrast_list.h"
 #include "run/window/licence_dialog.h"
 #include "run/window/main_window_pointer.h"
@@ -76,7 +77,8 @@ void VeloCortivo::closeEvent(QCloseEvent* event) {
 void VeloCortivo::endIfAsked() {
     // Not at once: the caller is still inside the run.
     if (endAfterRun_)
-        QMetaObject::invokeMethod(this, [this] { close(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { close(); }, Qt::QueuedConnection);
 }
 
 void VeloCortivo::paintEvent(QPaintEvent*) {

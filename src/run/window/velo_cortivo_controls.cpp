@@ -1,22 +1,15 @@
 // Thresholds, contrasts and views of the main window.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "base/file_writing.h"
-#include "base/messages.h"
-#include "base/paths.h"
 #include "display/qt_cortivo_view.h"
 #include "run/window/contrast_list.h"
 #include "run/window/velo_cortivo.h"
 #include "stats/thresholds.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QBuffer>
 #include <QCheckBox>
 #include <QDoubleSpinBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
-#include <QTextBrowser>
 #include <QToolButton>
 
 void VeloCortivo::connectControls() {
@@ -33,11 +26,10 @@ void VeloCortivo::connectControls() {
     connect(multiSliceBox_, &QSpinBox::valueChanged, this,
             &VeloCortivo::slotChangeMultiSliceROISelection);
     // The keys that scroll the slices work again once a number is entered.
-    for (QAbstractSpinBox* box :
-         {static_cast<QAbstractSpinBox*>(thresholdBox_),
-          static_cast<QAbstractSpinBox*>(colorMaxThresholdBox_),
-          static_cast<QAbstractSpinBox*>(clusterSizeBox_),
-          static_cast<QAbstractSpinBox*>(multiSliceBox_)})
+    for (QAbstractSpinBox* box : {static_cast<QAbstractSpinBox*>(thresholdBox_),
+                                  static_cast<QAbstractSpinBox*>(colorMaxThresholdBox_),
+                                  static_cast<QAbstractSpinBox*>(clusterSizeBox_),
+                                  static_cast<QAbstractSpinBox*>(multiSliceBox_)})
         connect(box->findChild<QLineEdit*>(), &QLineEdit::returnPressed, this, [this] {
             if (functionalView_)
                 functionalView_->setFocus();
@@ -49,10 +41,9 @@ void VeloCortivo::connectControls() {
 }
 
 void VeloCortivo::refreshControls() {
-    const QSignalBlocker blockers[] = {QSignalBlocker(thresholdBox_),
-                                       QSignalBlocker(colorMaxThresholdBox_),
-                                       QSignalBlocker(clusterSizeBox_),
-                                       QSignalBlocker(multiSliceBox_)};
+    const QSignalBlocker blockers[] = {
+        QSignalBlocker(thresholdBox_), QSignalBlocker(colorMaxThresholdBox_),
+        QSignalBlocker(clusterSizeBox_), QSignalBlocker(multiSliceBox_)};
     const StatisticalMaps defaults;
     const QtCortivoDoc* document = session_.functionalDocument.get();
     const StatisticalMaps& maps = document ? document->maps : defaults;
@@ -130,6 +121,9 @@ bool VeloCortivo::numberBeingTyped() const {
 void VeloCortivo::updateViews() {
     if (!functionalView_ || !functionalView_->isVisible())
         return;
+    functionalView_->setShowInplanes(session_.state.pendingOverlayInplane == 1);
+    functionalView_->setOverlayShown(session_.state.mapsPresent);
+    functionalView_->setHelpFile(session_.settings.ParadigmHelpFile);
     functionalView_->slotDocumentChanged();
     // A number that is being typed when a volume comes stays open.
     if (!numberBeingTyped())
@@ -160,18 +154,6 @@ void VeloCortivo::onShowROIsAsRectanglesAndMarkedVoxels() {
 }
 
 void VeloCortivo::slotSaveAsBMP() {
-    if (!documentShown())
-        return;
-    // The picture is that of the moment of the command, not of the end of the file choice.
-    const QImage picture = functionalView_->grab().toImage().convertToFormat(QImage::Format_RGB32);
-    const QString chosen =
-        chooseFileToSave("Save File", session_.settings.TargetFolder, "Bitmap files (*.bmp)");
-    if (chosen.isEmpty())
-        return;
-    const QString path = paths::withDefaultExtension(chosen, "bmp");
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "BMP") ||
-        !writeFileAtomically(path, bytes))
-        showWarning(QStringLiteral("ERROR: Can not save file \"%1\"!").arg(path));
+    if (functionalView_)
+        functionalView_->slotSaveAsBMP();
 }

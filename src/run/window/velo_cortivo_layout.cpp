@@ -108,8 +108,10 @@ void VeloCortivo::createTitleRow() {
     buttons->setContentsMargins(0, 2, 0, 2);
     buttons->setSpacing(4);
     buttons->addStretch();
-    QToolButton* size = newButton("WindowSizeBtn", "Switch the window between 1024 x 768 and "
-                                                   "1280 x 1024 pixels", windowButtonsFrame_);
+    QToolButton* size = newButton("WindowSizeBtn",
+                                  "Switch the window between 1024 x 768 and "
+                                  "1280 x 1024 pixels",
+                                  windowButtonsFrame_);
     size->setIcon(QIcon(":/images/window_size.png"));
     QToolButton* minimise = newButton("MinimizeBtn", "Minimize the window", windowButtonsFrame_);
     minimise->setIcon(QIcon(":/images/window_minimize.png"));
@@ -130,20 +132,26 @@ void VeloCortivo::createInputPanel() {
     inputPanel_ = newPanel("InputPanelFrm", this);
     toBeginButton_ = newIconButton("ToBeginBtn", "to_begin",
                                    "Take the settings file of the previous recording", inputPanel_);
-    recordButton_ = newButton("RecordBtn", "Start the run of the current settings file; during a "
-                                           "run, stop it and save what was measured", inputPanel_);
+    recordButton_ = newButton("RecordBtn",
+                              "Start the run of the current settings file; during a "
+                              "run, stop it and save what was measured",
+                              inputPanel_);
     recordButton_->setIconSize({85, 40});
     recordButton_->setFixedSize(97, 52);
     toEndButton_ = newIconButton("ToEndBtn", "to_end",
                                  "Take the settings file of the next recording", inputPanel_);
-    reloadButton_ = newIconButton(
-        "ReloadDataBtn", "reload", "Reload the saved run of the current settings file", inputPanel_);
-    preLoadRoiButton_ = newPreLoadButton(
-        "AutoAdvanceRunBtn", "Choose a file of regions (.roi) to be opened at the first volume of "
-                             "the next run. Lit while auto-advance is on", inputPanel_);
-    preLoadVoiButton_ = newPreLoadButton(
-        "AutoStartRunBtn", "Choose a file of volumes of interest (.voi) to be mapped at the first "
-                           "volume of the next run. Lit while auto-start is on", inputPanel_);
+    reloadButton_ = newIconButton("ReloadDataBtn", "reload",
+                                  "Reload the saved run of the current settings file", inputPanel_);
+    preLoadRoiButton_ =
+        newPreLoadButton("AutoAdvanceRunBtn",
+                         "Choose a file of regions (.roi) to be opened at the first volume of "
+                         "the next run. Lit while auto-advance is on",
+                         inputPanel_);
+    preLoadVoiButton_ =
+        newPreLoadButton("AutoStartRunBtn",
+                         "Choose a file of volumes of interest (.voi) to be mapped at the first "
+                         "volume of the next run. Lit while auto-start is on",
+                         inputPanel_);
 
     auto* transport = new QHBoxLayout;
     transport->setSpacing(6);
@@ -170,17 +178,17 @@ void VeloCortivo::createViewPanels() {
     viewButtonsFrame_ = newPanel("ViewButtonsFrm", this);
     epiSlicesButton_ = newViewButton("EPISlicesBtn", "Slices",
                                      "Show all slices of the functional volume", viewButtonsFrame_);
-    epiSlices3DButton_ = newViewButton("EPISlices3DBtn", "Volume",
-                                       "Show the functional volume in three planes",
-                                       viewButtonsFrame_);
+    epiSlices3DButton_ =
+        newViewButton("EPISlices3DBtn", "Volume", "Show the functional volume in three planes",
+                      viewButtonsFrame_);
     vmrButton_ = newViewButton("VMRBtn", "Anatomy", "Show the anatomical volume with the maps",
                                viewButtonsFrame_);
-    leftHemisphereButton_ = newViewButton("LeftHemiBtn", "Left hemisphere",
-                                          "Show the surface of the left hemisphere",
-                                          viewButtonsFrame_);
-    rightHemisphereButton_ = newViewButton("RightHemiBtn", "Right hemisphere",
-                                           "Show the surface of the right hemisphere",
-                                           viewButtonsFrame_);
+    leftHemisphereButton_ =
+        newViewButton("LeftHemiBtn", "Left hemisphere", "Show the surface of the left hemisphere",
+                      viewButtonsFrame_);
+    rightHemisphereButton_ =
+        newViewButton("RightHemiBtn", "Right hemisphere",
+                      "Show the surface of the right hemisphere", viewButtonsFrame_);
     auto* buttons = new QHBoxLayout(viewButtonsFrame_);
     buttons->setContentsMargins(0, 0, 0, 0);
     buttons->setSpacing(8);
@@ -255,9 +263,9 @@ void VeloCortivo::applyWindowSize() {
 
 void VeloCortivo::placeOnScreen() {
     const QRect area = screenArea(this);
-    const QPoint wanted = windowPosition(area, windowPixels(WindowSize(master_.windowSize)),
-                                         master_.windowCentredX, master_.windowCentredY,
-                                         {master_.windowX, master_.windowY});
+    const QPoint wanted =
+        windowPosition(area, windowPixels(WindowSize(master_.windowSize)), master_.windowCentredX,
+                       master_.windowCentredY, {master_.windowX, master_.windowY});
     move(reachablePosition(area, size(), wanted));
 }
 

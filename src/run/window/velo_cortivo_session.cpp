@@ -95,8 +95,8 @@ void VeloCortivo::toNeighbour(int step) {
         lookOnce();
         return;
     }
-    showInformation(QStringLiteral("INFO: The requested settings file \"%1\" is not available !")
-                        .arg(name));
+    showInformation(
+        QStringLiteral("INFO: The requested settings file \"%1\" is not available !").arg(name));
 }
 
 void VeloCortivo::timerCheckState(bool BeforeAppExec) {
@@ -106,9 +106,9 @@ void VeloCortivo::timerCheckState(bool BeforeAppExec) {
     preLoadVoiButton_->setChecked(master_.autoStartRun);
     reloadButton_->setEnabled(false);
     refreshViewButtons();
-    const WatchState watch{master_.settingsDirectory,  master_.settingsFileName,
-                           master_.autoAdvanceRun,     master_.autoStartRun,
-                           autoStartPending_,          session_.state.runFinished,
+    const WatchState watch{master_.settingsDirectory, master_.settingsFileName,
+                           master_.autoAdvanceRun,    master_.autoStartRun,
+                           autoStartPending_,         session_.state.runFinished,
                            highestRunNumber_};
     const WatchOutcome outcome = lookAtSession(watch, isFolder, isFile);
     if (outcome.action == WatchAction::FolderMissing) {
@@ -168,8 +168,8 @@ void VeloCortivo::refreshSettings() {
     if (!session_.state.runFinished && !session_.inspectSettings())
         return;
     const RunSettings& settings = session_.settings;
-    const QString project =
-        paths::withDefaultExtension(paths::join(settings.TargetFolder, settings.ProjectName), "fmr");
+    const QString project = paths::withDefaultExtension(
+        paths::join(settings.TargetFolder, settings.ProjectName), "fmr");
     reloadButton_->setEnabled(isFile(project));
 }
 

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/settings/master_file.h"
+
+#include "support/scripted_messages.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr char versionTwo[] = "FileVersion: 2 VCOSettingsDirectory: \"/data/x\" "
+                              "VCOSettingsFile: \"run-3.vco\" AutoAdvanceRun: 1 AutoStartVCO: 0 "
+                              "WindowSize: 1 HorizontalWindowPosition: -7 "
+                              "VerticalWindowPosition: Automatic";
+
+TEST(MasterFile, FirstStartWritesOneThatPointsAtTheSample) {
+    const QTemporaryDir folder;
+    MasterFile master;
+    EXPECT_EQ(readMasterFile(folder.path() + "/", "/home/me/VCOData/", master),
+              MasterFileResult::Created);
+    QFile file(folder.filePath("MasterVCO"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().toStdString(),
+              "\nFileVersion:               2\n\n"
+              "VCOSettingsDirectory:      \"/home/me/VCOData/VCO_FacesHouses/\"\n"
+              "VCOSettingsFile:           \"VCO_FacesHouses-1.vco\"\n\n"
+              "AutoAdvanceRun:            0\n"
+              "AutoStartVCO:              0\n\n"
+              "WindowSize:                2\n\n"
+              "HorizontalWindowPosition:  Centered\n"
+              "VerticalWindowPosition:    Centered\n");
+}
+
+TEST(MasterFile, ReadsWhatItWrites) {
+    const QTemporaryDir folder;
+    const MasterFile written{"/a b/", "c-1.vco", true, true, 1, false, true, -12, 0};
+    ASSERT_TRUE(writeMasterFile(folder.path() + "/", written));
+    MasterFile read;
+    ASSERT_EQ(readMasterFile(folder.path() + "/", {}, read), MasterFileResult::Read);
+    EXPECT_EQ(masterFileText(read), masterFileText(written));
+}
+
+TEST(MasterFile, TakesOldAndNewForms) {
+    MasterFile master;
+    ASSERT_TRUE(parseMasterFile(versionTwo, "m", master));
+    EXPECT_EQ(master.settingsDirectory, "/data/x/");
+    EXPECT_EQ(master.windowSize, 1);
+    EXPECT_FALSE(master.windowCentredX);
+    EXPECT_EQ(master.windowX, -7);
+    EXPECT_TRUE(master.windowCentredY);
+
+    const QString versionOne = QString(versionTwo)
+                                   .replace("FileVersion: 2", "fileversion 1")
+                                   .replace("VCOSettingsDirectory", "VCOWatchDirectory")
+                                   .remove("WindowSize: 1 ");
+    ASSERT_TRUE(parseMasterFile(versionOne, "m", master));
+    EXPECT_EQ(master.windowSize, 2);
+}
+
+TEST(MasterFile, BrokenFilesEndTheProgram) {
+    const QString whole = versionTwo;
+    for (const QString& broken :
+         {QString(), QString("hello"), QString(whole).replace("AutoStartVCO", "AutoStart"),
+          QString(whole).replace("AutoAdvanceRun: 1", "AutoAdvanceRun: yes"),
+          QString(whole).remove("Automatic"), QString(whole).replace("x\"", "x"),
+          whole.left(whole.indexOf("AutoAdvanceRun")),
+          QString(whole).replace("/data/x", QString(5000, 'x'))}) {
+        ScriptedMessages messages;
+        RecordedProgramEnd end;
+        messages.expect(MessageLevel::Critical, "ERROR: *");
+        MasterFile master;
+        EXPECT_FALSE(parseMasterFile(broken, "m", master)) << broken.toStdString();
+        EXPECT_EQ(end.statuses, std::vector<int>{1});
+        EXPECT_EQ(master.settingsFileName, QString());
+    }
+}
+
+TEST(MasterFile, SaysWhenItCannotBeReadOrWritten) {
+    const QTemporaryDir folder;
+    const QString path = folder.path() + "/";
+    ScriptedMessages messages;
+    MasterFile master;
+    messages.expect(MessageLevel::Critical, "ERROR: Can not update \"MasterVCO\" file !");
+    EXPECT_EQ(readMasterFile(path + "missing/", {}, master), MasterFileResult::Failed);
+    ASSERT_TRUE(QDir(path).mkdir("MasterVCO"));
+    messages.expect(MessageLevel::Critical,
+                    "ERROR: \"MasterVCO\" file not found in folder: \"" + path + "\"!");
+    EXPECT_EQ(readMasterFile(path, {}, master), MasterFileResult::Missing);
+}
+
+} // namespace

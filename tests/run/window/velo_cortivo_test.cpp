@@ -1,0 +1,245 @@
+// The main window, by the object names of its controls.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/window/velo_cortivo.h"
+
+#include "display/qt_cortivo_view.h"
+#include "run/window/contrast_list.h"
+#include "support/scripted_messages.h"
+#include "support/simulated_pump.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QDoubleSpinBox>
+#include <QFile>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextBrowser>
+#include <QToolButton>
+#include <gtest/gtest.h>
+
+namespace {
+
+class MainWindow : public testing::Test {
+protected:
+    MainWindow() {
+        folders_.applicationDataPath = home_.path() + "/app/";
+        folders_.dataPath = home_.path() + "/data/";
+        folders_.homePath = home_.path() + "/";
+        QDir().mkpath(folders_.applicationDataPath);
+        window_ = std::make_unique<VeloCortivo>(folders_, pump_);
+        EXPECT_TRUE(window_->readMasterFile());
+        window_->initVars();
+        window_->applyWindowSize();
+        window_->show();
+    }
+
+    template<typename Widget = QWidget> Widget& control(const char* name) {
+        auto* widget = window_->findChild<Widget*>(name);
+        EXPECT_NE(widget, nullptr) << name;
+        return *widget;
+    }
+    RunState& state() { return window_->session().state; }
+    QtCortivoDoc& document() { return *window_->session().functionalDocument; }
+
+    /// A document with contrasts, as a prepared run has it.
+    void prepare(int nrOfContrasts) {
+        window_->runStarting();
+        window_->documentsLeaving();
+        window_->session().functionalDocument =
+            std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
+        window_->documentsArrived();
+        ContrastDefinitions& contrasts = document().contrasts;
+        contrasts.NrOfContrasts = nrOfContrasts;
+        for (int index = 0; index < nrOfContrasts; ++index)
+            contrasts.ContrastNames << QStringLiteral("contrast %1").arg(index);
+        contrasts.ContrastSelectionStates.assign(size_t(nrOfContrasts), ContrastOff);
+        contrasts.ContrastColors.assign(size_t(nrOfContrasts), RgbColor{});
+        contrasts.ContrastValues.assign(size_t(nrOfContrasts), {-1, 1});
+        contrasts.ContrastWeights.assign(size_t(nrOfContrasts), {1});
+        window_->runPrepared();
+    }
+    void runOver() {
+        state().runActive = false;
+        window_->runEnded();
+    }
+    void click(int row, int column) {
+        auto& list = control<ContrastList>("ContrastList");
+        const QRect cell = list.visualRect(list.model()->index(row, column));
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, cell.center());
+    }
+
+    ScriptedMessages messages_;
+    SimulatedPump pump_;
+    QTemporaryDir home_;
+    StandardFolders folders_;
+    std::unique_ptr<VeloCortivo> window_;
+};
+
+TEST_F(MainWindow, EscapeSetsTheInterruptFlagUntilAKeyIsReleased) {
+    QTest::keyPress(window_.get(), Qt::Key_Escape);
+    EXPECT_TRUE(state().interruptFlag);
+    QKeyEvent repeated(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier, {}, true);
+    QCoreApplication::sendEvent(window_.get(), &repeated);
+    EXPECT_TRUE(state().interruptFlag) << "a held key repeats itself";
+    QTest::keyRelease(&control("ContrastList"), Qt::Key_A);
+    EXPECT_FALSE(state().interruptFlag);
+}
+
+TEST_F(MainWindow, KeysNeedADocumentAndCountOnce) {
+    QTest::keyClick(window_.get(), Qt::Key_Up, Qt::ShiftModifier);
+    QTest::keyClick(window_.get(), Qt::Key_Up, Qt::ControlModifier);
+    EXPECT_EQ(state().startOffsetSeconds, 0);
+
+    prepare(0);
+    QTest::keyClick(&control("ContrastList"), Qt::Key_Up, Qt::ShiftModifier);
+    EXPECT_EQ(state().startOffsetSeconds, 1);
+    QTest::keyClick(window_->windowHandle(), Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(window_->windowHandle(), Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(state().startOffsetSeconds, -1);
+    QTest::keyClick(window_.get(), Qt::Key_Up, Qt::ControlModifier);
+    EXPECT_FLOAT_EQ(document().maps.Threshold, 3.2f);
+    EXPECT_DOUBLE_EQ(control<QDoubleSpinBox>("ThresholdSpBx").value(), 3.2);
+}
+
+TEST_F(MainWindow, ThresholdControlsKeepTheirOrder) {
+    prepare(0);
+    auto& lower = control<QDoubleSpinBox>("ThresholdSpBx");
+    auto& upper = control<QDoubleSpinBox>("ColorMaxThresholdSpBx");
+    upper.setValue(4.0);
+    lower.setValue(4.0);
+    EXPECT_DOUBLE_EQ(upper.value(), 5.0);
+    lower.setValue(0.0);
+    EXPECT_FLOAT_EQ(document().maps.Threshold, 0.0001f);
+    EXPECT_EQ(lower.text(), "0.0001");
+    control<QSpinBox>("ClusterSizeSpBx").setValue(9);
+    EXPECT_EQ(document().maps.ClusterSizePixels, 9);
+    control<QSpinBox>("MultiSliceROISelectionSpBx").setValue(5);
+    EXPECT_EQ(window_->session().settings.MultiSliceROISelection, 5);
+}
+
+TEST_F(MainWindow, ContrastColumnsToggleSignsOfAtMostFour) {
+    prepare(5);
+    state().runActive = true;
+    const std::vector<int>& states = document().contrasts.ContrastSelectionStates;
+    click(0, ContrastList::Positive);
+    click(0, ContrastList::Negative);
+    EXPECT_EQ(states[0], ContrastBoth);
+    click(0, ContrastList::Positive);
+    EXPECT_EQ(states[0], ContrastNegative);
+    click(0, ContrastList::Name);
+    for (int row = 1; row < 5; ++row)
+        click(row, ContrastList::Positive);
+    EXPECT_EQ(states, (std::vector<int>{2, 1, 1, 1, 0}));
+
+    control<ContrastList>("ContrastList").chooseColor = [](const QColor&) {
+        return std::optional(QColor(1, 2, 3));
+    };
+    click(3, ContrastList::Color);
+    EXPECT_EQ(document().contrasts.ContrastColors[3], (RgbColor{1, 2, 3}));
+}
+
+TEST_F(MainWindow, ConjunctionNeedsTwoContrasts) {
+    prepare(2);
+    state().runActive = true;
+    auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
+    click(0, ContrastList::Positive);
+    conjunction.click();
+    EXPECT_FALSE(conjunction.isChecked() || document().contrasts.ConjunctionAnalysis);
+    click(1, ContrastList::Negative);
+    conjunction.click();
+    EXPECT_TRUE(conjunction.isChecked() && document().contrasts.ConjunctionAnalysis);
+}
+
+TEST_F(MainWindow, PanelsFitBothSizesWithoutOverlap) {
+    prepare(3);
+    for (const QSize size : {QSize(1280, 1024), QSize(1024, 768)}) {
+        QCoreApplication::processEvents();
+        EXPECT_EQ(window_->size(), size);
+        for (const QWidget* widget : window_->findChildren<QWidget*>()) {
+            if (!widget->isVisibleTo(window_.get()) || widget->isWindow())
+                continue;
+            const QWidget* parent = widget->parentWidget();
+            EXPECT_GE(widget->width(), widget->minimumSizeHint().width())
+                << widget->objectName().toStdString();
+            if (qobject_cast<const QAbstractScrollArea*>(parent->parentWidget()))
+                continue; // the content of a list scrolls
+            EXPECT_TRUE(parent->rect().contains(widget->geometry()))
+                << widget->objectName().toStdString() << " leaves its panel";
+            for (const QObject* other : parent->children()) {
+                const auto* sibling = qobject_cast<const QWidget*>(other);
+                if (sibling && sibling != widget && !sibling->isWindow() && sibling->isVisible() &&
+                    !parent->inherits("QAbstractSpinBox") &&
+                    !parent->inherits("QAbstractScrollArea"))
+                    EXPECT_FALSE(widget->geometry().intersects(sibling->geometry()))
+                        << widget->objectName().toStdString() << " lies over "
+                        << sibling->objectName().toStdString();
+            }
+        }
+        window_->slotSwitchWindowSize();
+    }
+}
+
+TEST_F(MainWindow, EveryControlSaysWhatItDoes) {
+    for (const QWidget* widget : window_->findChildren<QWidget*>())
+        if ((widget->inherits("QAbstractButton") || widget->inherits("QAbstractSpinBox")) &&
+            !widget->objectName().startsWith("qt_"))
+            EXPECT_FALSE(widget->toolTip().isEmpty()) << widget->objectName().toStdString();
+}
+
+TEST_F(MainWindow, FirstStartWaitsOrOffersTheSample) {
+    window_->timerCheckState();
+    EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("VCO_FacesHouses-1.vco"));
+    EXPECT_FALSE(control("ToBeginBtn").isEnabled());
+    EXPECT_FALSE(control("EPISlicesBtn").isEnabled());
+}
+
+TEST_F(MainWindow, MissingFolderLeavesAWayOut) {
+    ASSERT_TRUE(QDir(folders_.dataPath).removeRecursively());
+    messages_.expectQuestion("WARNING: The VCO file directory *", false);
+    window_->timerCheckState();
+    window_->timerCheckState();
+    EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("not available"));
+}
+
+TEST_F(MainWindow, NeighboursAreNamedOrExplained) {
+    window_->setSettingsFile(home_.path() + "/plain.vco");
+    messages_.expect(MessageLevel::Information, "ERROR: No \"-\" character found separating the "
+                                                "run number (name should be "
+                                                "\"<basename>-<nr>.vco\".");
+    window_->slotToNextRecording();
+    window_->setSettingsFile(home_.path() + "/run-1.vco");
+    messages_.expect(MessageLevel::Information,
+                     "INFO: The requested settings file \"run-2.vco\" is not available !");
+    window_->slotToNextRecording();
+}
+
+TEST_F(MainWindow, ClosingDuringARunStopsItAndKeepsTheWindow) {
+    prepare(0);
+    state().runActive = true;
+    EXPECT_FALSE(window_->close());
+    EXPECT_TRUE(state().interruptFlag);
+    QTest::keyRelease(window_.get(), Qt::Key_F4);
+    EXPECT_TRUE(state().interruptFlag) << "the keys that asked for the end don't take it back";
+    EXPECT_TRUE(window_->isVisible());
+    runOver();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(window_->isVisible());
+}
+
+TEST_F(MainWindow, SavingBoxStaysWhateverIsPressed) {
+    const std::unique_ptr<ProgressReporter> progress = window_->openSavingProgress();
+    auto& box = control<QProgressDialog>("SavingProgressDlg");
+    EXPECT_EQ(box.size(), QSize(250, 80));
+    EXPECT_EQ(box.labelText(), " Saving Analyzed Data... ");
+    EXPECT_EQ(box.pos().x() - window_->x(), (window_->width() - 250) / 2);
+    EXPECT_EQ(box.pos().y() - window_->y(), window_->height() / 3);
+    QTest::keyClick(&box, Qt::Key_Escape);
+    box.findChild<QPushButton*>()->click();
+    progress->setProgress(100);
+    EXPECT_TRUE(box.isVisible());
+    EXPECT_EQ(box.value(), 100);
+}
+
+} // namespace
