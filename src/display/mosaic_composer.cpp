@@ -26,6 +26,11 @@ struct Canvas {
     uint32_t* line(int y) { return pixels + size_t(y) * stride; }
     /// Fills a square; what reaches over the right or lower border is cut off.
     void fillSquare(int x, int y, int side, uint32_t color) {
+        if (side == 1) {
+            if (x < size.width() && y < size.height())
+                line(y)[x] = color;
+            return;
+        }
         const int width = std::min(side, size.width() - x);
         const int bottom = std::min(y + side, size.height());
         for (int row = y; width > 0 && row < bottom; ++row)

@@ -168,9 +168,10 @@ TEST(MosaicComposer, DrawsSquaresOverInplaneSlices) {
         for (int x = 0; x < 16; ++x)
             EXPECT_EQ(scene.mosaic.pixel(x, y), y >= 4 && (x == 10 || x == 11) ? entry(0) : grey)
                 << x << " " << y;
-    // 9 / 4 rounds to 2, 11 / 4 to 3; squares end at the border of the mosaic.
+    // 9 / 4 rounds to 2, 11 / 4 to 3, 3 / 4 to 1, 1 / 4 to 0; squares end at the border of the
+    // mosaic.
     scene.set(0, 1, 3, 2, 5.0f);
-    for (const QSize size : {QSize(9, 5), QSize(11, 7), QSize(1, 1)}) {
+    for (const QSize size : {QSize(9, 5), QSize(11, 7), QSize(3, 2), QSize(1, 1)}) {
         scene.slices.InplanePixmaps.assign(2, QImage(size, QImage::Format_RGB32));
         EXPECT_TRUE(composeMosaic(scene.mosaic, scene.source));
     }
