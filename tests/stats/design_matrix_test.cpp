@@ -1,0 +1,223 @@
+// Names, columns and growth of the design of a run.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/design_matrix.h"
+
+#include "base/text_reading.h"
+#include "stats/design_matrix_fourier.h"
+#include "support/scripted_messages.h"
+
+#include <QTemporaryDir>
+
+namespace {
+
+struct Interval {
+    int from;
+    int to;
+};
+
+void addCondition(StimulationProtocol& protocol, const QString& name,
+                  const std::vector<Interval>& intervals) {
+    ProtocolCondition condition;
+    condition.name = name;
+    condition.color = {int(protocol.conditions.size()), 2, 3};
+    for (const Interval& interval : intervals) {
+        condition.from[size_t(condition.nrOfIntervals)] = interval.from;
+        condition.to[size_t(condition.nrOfIntervals++)] = interval.to;
+    }
+    protocol.conditions.push_back(condition);
+}
+
+StimulationProtocol threeConditions() {
+    StimulationProtocol protocol;
+    addCondition(protocol, "Rest", {{1, 5}});
+    addCondition(protocol, "Left", {{0, 2}, {9, 99}});
+    addCondition(protocol, "Right", {{4, 6}});
+    return protocol;
+}
+
+void buildNames(DesignMatrix& design, const DesignSource& source) {
+    buildConditionPredictorNames(design, source);
+    buildConfoundPredictorNames(design, source);
+}
+
+std::vector<float> boxCar(const DesignMatrix& design, const DesignSource& source, int condition,
+                          bool weighted) {
+    std::vector<float> column(size_t(source.NrOfVolumes), 0.0f);
+    std::vector<MillisecondInterval> intervals;
+    fillBoxCar(design, source, condition, column, weighted, intervals);
+    EXPECT_TRUE(intervals.empty());
+    return column;
+}
+
+} // namespace
+
+TEST(PredictorNames, SkipTheBaselineAtItsPosition) {
+    const StimulationProtocol protocol = threeConditions();
+    DesignMatrix design;
+    buildNames(design, {.protocol = protocol, .BaselinePosInProtocol = 1});
+    EXPECT_EQ(design.PredictorNames, (QStringList{"Left", "Right", "Constant", "Linear Trend"}));
+    EXPECT_EQ(design.PredictorNumberLabels.last(), "Predictor: 4");
+    EXPECT_EQ(design.ContrastPredictorNames, (QStringList{"Rest", "Left", "Right"}));
+    EXPECT_EQ(design.NrOfContrastPredictors, 3);
+    EXPECT_EQ(design.NrOfConditionPredictors, 2);
+    EXPECT_EQ(design.NrOfPredictors, 4);
+    EXPECT_EQ(design.PredictorColors[0], (RgbColor{1, 2, 3}));
+    EXPECT_EQ(design.PredictorColors[2], (RgbColor{255, 255, 255}));
+    EXPECT_EQ(design.PredictorColors[3], (RgbColor{128, 128, 128}));
+
+    buildNames(design, {.protocol = protocol, .BaselinePosInProtocol = 2});
+    EXPECT_EQ(design.PredictorNames.mid(0, 2), (QStringList{"Rest", "Right"}));
+
+    buildNames(design,
+               {.protocol = protocol, .BaselinePosInProtocol = 0, .DriftConfoundPredictors = 0});
+    EXPECT_EQ(design.PredictorNames, (QStringList{"Rest", "Left", "Right", "Constant"}));
+    EXPECT_EQ(design.ContrastPredictorNames, (QStringList{"Baseline+", "Rest", "Left", "Right"}));
+    EXPECT_EQ(design.ContrastPredictorColors[0], (RgbColor{128, 128, 128}));
+}
+
+TEST(PredictorNames, DriftTermsAreNamedByTheirKind) {
+    const StimulationProtocol protocol;
+    DesignMatrix design;
+    for (const auto& [drift, names] : {std::pair<int, QStringList>{-3, {"Constant"}},
+                                       {2, {"Constant", "DCT-1", "DCT-2"}},
+                                       {3, {"Constant", "DCT-1", "DCT-2", "DCT-3"}}}) {
+        buildNames(design, {.protocol = protocol, .DriftConfoundPredictors = drift});
+        EXPECT_EQ(design.PredictorNames, names);
+    }
+    buildNames(design, {.protocol = protocol, .DriftConfoundPredictors = 2147483647});
+    EXPECT_EQ(design.NrOfPredictors, 50);
+}
+
+TEST(PredictorNames, ConditionsBeyondTheTableAreLeftOutWithOneWarning) {
+    StimulationProtocol protocol;
+    for (int i = 0; i < 60; ++i)
+        addCondition(protocol, QString("c%1").arg(i), {{i + 1, i + 1}});
+    QTemporaryDir folder;
+    ScriptedMessages messages;
+    messages.expect(MessageLevel::Warning,
+                    "WARNING: The protocol has more conditions than the design matrix has "
+                    "columns; only the first 48 conditions are modelled.");
+    DesignMatrix design;
+    const DesignSource source{.protocol = protocol, .NrOfVolumes = 70};
+    for (int repetition = 0; repetition < 2; ++repetition)
+        buildNames(design, source);
+    EXPECT_EQ(design.NrOfConditionPredictors, 48);
+    EXPECT_EQ(design.PredictorNames.size(), 50);
+    EXPECT_EQ(design.NrOfContrastPredictors, 60);
+    EXPECT_TRUE(createConditionPredictors(design, source));
+    EXPECT_TRUE(createConfoundPredictors(design, source, folder.path()));
+    EXPECT_EQ(design.PredictorColumns[49].size(), 70u);
+    releasePredictorColumns(design);
+    EXPECT_TRUE(design.PredictorColumns[49].empty());
+}
+
+TEST(FillBoxCar, CutsIntervalsAndTakesTheWeightBelow) {
+    const StimulationProtocol protocol = threeConditions();
+    const DesignSource source{.protocol = protocol, .NrOfVolumes = 10};
+    DesignMatrix design;
+    design.ConditionWeights = {0.5f, -2.0f};
+    EXPECT_EQ(boxCar(design, source, 1, false), (std::vector<float>{1, 1, 0, 0, 0, 0, 0, 0, 1, 1}));
+    const std::vector<float> none(10, 0.0f);
+    EXPECT_EQ(boxCar(design, source, 0, true)[0], 0.5f);
+    EXPECT_EQ(boxCar(design, source, 1, true)[0], 0.5f);
+    EXPECT_EQ(boxCar(design, source, 2, true)[4], -2.0f);
+    EXPECT_EQ(boxCar(design, source, -1, true), none);
+    EXPECT_EQ(boxCar(design, source, 3, true), none);
+}
+
+TEST(FillBoxCar, MillisecondsAreListedAndReplacedByTheirEnd) {
+    StimulationProtocol protocol;
+    protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
+    addCondition(protocol, "a", {{0, 500}, {100, 500}, {700, 900}});
+    addCondition(protocol, "b", {{700, 900}, {0, 500}});
+    DesignMatrix design;
+    design.ConditionWeights = {0.2504f};
+    const DesignSource source{.protocol = protocol, .NrOfVolumes = 3};
+    std::vector<float> column(3, 7.0f);
+    std::vector<MillisecondInterval> intervals;
+    fillBoxCar(design, source, 0, column, false, intervals);
+    ASSERT_EQ(intervals.size(), 2u);
+    fillBoxCar(design, source, 1, column, true, intervals);
+    ASSERT_EQ(intervals.size(), 3u);
+    EXPECT_EQ(intervals[0].weight, 1000);
+    EXPECT_EQ(intervals[1].weight, 250);
+    EXPECT_EQ(intervals[1].condition, "a");
+    EXPECT_EQ(intervals[2].from, 0);
+    EXPECT_EQ(column, std::vector<float>(3, 7.0f));
+}
+
+TEST(Design, ConfoundsFollowTheirFormulasAndTheDesignIsWritten) {
+    StimulationProtocol protocol = threeConditions();
+    QTemporaryDir folder;
+    for (const int drift : {1, 3}) {
+        const DesignSource source{
+            .protocol = protocol, .NrOfVolumes = 8, .DriftConfoundPredictors = drift};
+        DesignMatrix design;
+        buildNames(design, source);
+        ASSERT_TRUE(createConditionPredictors(design, source));
+        ASSERT_TRUE(createConfoundPredictors(design, source, folder.path()));
+        for (size_t t = 0; t < 8; ++t) {
+            EXPECT_EQ(design.PredictorColumns[2][t], 1.0f);
+            if (drift == 1) {
+                EXPECT_EQ(design.PredictorColumns[3][t], float(t) / 4.0f - 1.0f);
+            }
+            for (size_t c = 1; c <= 3 && drift == 3; ++c)
+                EXPECT_NEAR(design.PredictorColumns[2 + c][t],
+                            std::cos(3.1425 * double(c) * double(t) / 8.0), 1e-6);
+        }
+    }
+    QString text;
+    ASSERT_TRUE(readTextFile(folder.filePath("Realtime_DesignMatrix.txt"), text));
+    EXPECT_TRUE(text.startsWith("0.000000  0.000000  1.000000  1.000000  1.000000  1.000000  \n"));
+    EXPECT_EQ(text.count('\n'), 8);
+}
+
+TEST(Design, FailuresAreReportedAndTheRunGoesOn) {
+    const StimulationProtocol protocol = threeConditions();
+    const DesignSource source{.protocol = protocol, .NrOfVolumes = 8};
+    DesignMatrix design;
+    buildNames(design, source);
+    design.NrOfPredictors = 9;
+    ScriptedMessages messages;
+    messages.expect(MessageLevel::Critical, "INTERNAL ERROR - NrOfPredictors wrong");
+    messages.expect(MessageLevel::Warning, "WARNING: Can not write the text file*");
+    EXPECT_TRUE(createConfoundPredictors(design, source, "/dev/null/folder"));
+}
+
+TEST(Onsets, OrderColumnsAndSpaceTheGrowthOfTheModel) {
+    DesignMatrix design;
+    design.NrOfConditionPredictors = 5;
+    const int none = DesignMatrix::noOnset;
+    const std::vector<int> onsets = {20, 5, none, 5, 21};
+    for (size_t j = 0; j < onsets.size(); ++j) {
+        design.PredictorColumns[j].assign(40, 0.1f); // not above the limit
+        if (onsets[j] != none)
+            design.PredictorColumns[j][size_t(onsets[j])] = j == 1 ? -0.2f : 0.2f;
+    }
+    findPredictorOnsets(design, 40);
+    EXPECT_EQ(design.PredictorOnsets, onsets);
+    EXPECT_EQ(design.PredictorOrder, (std::vector<int>{1, 3, 0, 4, -1}));
+    fillGLMStepVolumes(design);
+    EXPECT_EQ(design.GLMStepVolumes, (std::vector<int>{11, 12, 20, 21, -1}));
+    findPredictorOnsets(design, 10);
+    EXPECT_EQ(design.PredictorOrder, (std::vector<int>{1, 3, -1, -1, -1}));
+}
+
+TEST(FourierDesign, HoldsWavesTrendAndConstant) {
+    const std::vector<std::vector<double>> columns = fillFourierDesign(2, 8);
+    ASSERT_EQ(columns.size(), 6u);
+    EXPECT_NEAR(columns[0][2], 1.0, 1e-9);
+    EXPECT_NEAR(columns[1][4], -1.0, 1e-9);
+    EXPECT_NEAR(columns[2][1], 1.0, 1e-9);
+    EXPECT_NEAR(columns[3][2], -1.0, 1e-9);
+    EXPECT_EQ(columns[4][0], -1.0);
+    EXPECT_EQ(columns[4][7], 1.0);
+    EXPECT_EQ(columns[5], std::vector<double>(8, 1.0));
+    EXPECT_TRUE(fillFourierDesign(-1, 8).empty());
+    EXPECT_EQ(fillFourierDesign(0, 1)[0][0], 0.0);
+    QTemporaryDir folder;
+    ASSERT_TRUE(writeFourierDesign(fillFourierDesign(0, 3), folder.path()));
+    QString text;
+    ASSERT_TRUE(readTextFile(folder.filePath("DM-Fourier.txt"), text));
+    EXPECT_EQ(text, "-1.000000 1.000000 \n0.000000 1.000000 \n1.000000 1.000000 \n");
+}
