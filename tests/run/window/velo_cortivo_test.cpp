@@ -171,10 +171,11 @@ TEST_F(MainWindow, PanelsFitBothSizesWithoutOverlap) {
                 const auto* sibling = qobject_cast<const QWidget*>(other);
                 if (sibling && sibling != widget && !sibling->isWindow() && sibling->isVisible() &&
                     !parent->inherits("QAbstractSpinBox") &&
-                    !parent->inherits("QAbstractScrollArea"))
+                    !parent->inherits("QAbstractScrollArea")) {
                     EXPECT_FALSE(widget->geometry().intersects(sibling->geometry()))
                         << widget->objectName().toStdString() << " lies over "
                         << sibling->objectName().toStdString();
+                }
             }
         }
         window_->slotSwitchWindowSize();
@@ -184,8 +185,9 @@ TEST_F(MainWindow, PanelsFitBothSizesWithoutOverlap) {
 TEST_F(MainWindow, EveryControlSaysWhatItDoes) {
     for (const QWidget* widget : window_->findChildren<QWidget*>())
         if ((widget->inherits("QAbstractButton") || widget->inherits("QAbstractSpinBox")) &&
-            !widget->objectName().startsWith("qt_"))
+            !widget->objectName().startsWith("qt_")) {
             EXPECT_FALSE(widget->toolTip().isEmpty()) << widget->objectName().toStdString();
+        }
 }
 
 TEST_F(MainWindow, FirstStartWaitsOrOffersTheSample) {
