@@ -1,6 +1,6 @@
 // A whole run through the loop at the three sizes: time of a volume early and late, and memory.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "base/messages.h"
+#include "intake/volume_reader.h"
 #include "run/loop/run_session.h"
 #include "run/settings/settings_file.h"
 

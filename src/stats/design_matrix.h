@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 #include <array>
+#include <span>
 #include <vector>
 
 struct DesignMatrix {
@@ -47,14 +48,52 @@ struct DesignSource {
     int DriftConfoundPredictors = 1;
 };
 
+/// Interval of a condition in a protocol in milliseconds: from, to in milliseconds.
+struct MillisecondInterval {
+    int from = 0;
+    int to = 0;
+    QString condition;
+    int weight = 1000; ///< thousandths
+};
+
+/// Which response a box-car is convolved with; None shifts it by one sample.
+enum class HRFModel { None, TwoGamma, SingleGamma };
+
+/// Fills the condition entries of the name lists, the contrast list, NrOfContrastPredictors and
+/// NrOfConditionPredictors. With a baseline the names skip the condition at its position while the
+/// columns skip the first one: they agree for position 1. Conditions beyond what 50 columns hold
+/// with the confounds get no column; a warning tells so when that becomes the case.
 void buildConditionPredictorNames(DesignMatrix& design, const DesignSource& source);
+/// Appends the confound entries; sets NrOfConfoundPredictors and NrOfPredictors.
 void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& source);
-/// False after a message when memory runs out.
+
+/// Fills every condition column from the protocol. False after a message when memory runs out.
 [[nodiscard]] bool createConditionPredictors(DesignMatrix& design, const DesignSource& source);
-/// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `workingFolder`.
+/// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `workingFolder`. False
+/// after a message when memory runs out; a text file that can't be written gives a warning only,
+/// since nothing in the run reads it.
 [[nodiscard]] bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
                                             const QString& workingFolder);
+
+/// Writes the box-car of a condition into a zeroed column of volumes: 1, or with
+/// `useConditionWeights` the weight at index max(conditionIndex - 1, 0) of ConditionWeights. For a
+/// protocol in milliseconds the column stays and the intervals are listed; one that ends where a
+/// listed one ends and doesn't start at 0 only replaces that one's weight.
+void fillBoxCar(const DesignMatrix& design, const DesignSource& source, int conditionIndex,
+                std::span<float> column, bool useConditionWeights,
+                std::vector<MillisecondInterval>& intervals);
+
+/// Convolves a column with a response in place. For a protocol in milliseconds the box-car is made
+/// from the intervals, 1 ms a sample, and the result read at multiples of TR. `nrOfPoints` below 1
+/// means the source's number of volumes. False, without a message, when memory runs out.
+[[nodiscard]] bool convolveWithHRF(std::span<float> column, HRFModel model, int nrOfPoints,
+                                   const TwoGammaHRFParams& params, const DesignSource& source,
+                                   std::span<const MillisecondInterval> intervals);
+
 void releasePredictorColumns(DesignMatrix& design);
+/// Onset of each condition column: the first volume where its magnitude exceeds 0.1; and the
+/// columns in order of onset, lower numbers first within one volume.
 void findPredictorOnsets(DesignMatrix& design, int nrOfVolumes);
-/// Entry k: the larger of the previous entry plus 1 (10 for the first) and the k-th onset.
+/// Entry k: the larger of the previous entry plus 1 (10 for the first) and the k-th onset; -1 where
+/// no further column has an onset.
 void fillGLMStepVolumes(DesignMatrix& design);

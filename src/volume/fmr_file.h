@@ -19,8 +19,8 @@ inline constexpr int maximumFMRSize = 32767;
 inline constexpr int maximumFMRVolumes = 1000000;
 
 /// Reads a header from its text. `header` is defined only after Ok. Sizes are at least 1 and at
-/// most the limits above, so that products of them fit into 64 bits. Data of versions below 5 lie
-/// in one file per slice: DataStorageFormat is then 1.
+/// most the limits above, so that the bytes of a volume and those of a slice's series fit into 64
+/// bits. Data of versions below 5 lie in one file per slice: DataStorageFormat is then 1.
 [[nodiscard]] FMRParseResult parseFMR(const QString& text, FMRScope scope, FMRHeader& header);
 
 /// Reads a file for inspection and leaves the current project alone. False after a message;

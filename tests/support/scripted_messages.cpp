@@ -55,6 +55,8 @@ void ScriptedMessages::show(MessageLevel level, const QString& text) {
 }
 
 bool ScriptedMessages::ask(const QString& text) {
+    if (onQuestion)
+        onQuestion();
     return meet("question", text) == "yes";
 }
 

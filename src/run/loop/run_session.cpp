@@ -115,7 +115,10 @@ void RunSession::contrastsChanged() {
         document.contrasts.ContrastsChanged = true;
         return;
     }
-    computeContrastMaps(document.finishedModel, document.mask, document.contrasts, document.maps);
+    // A run that ended before its first solution has no model and no maps.
+    if (!computeContrastMaps(document.finishedModel, document.mask, document.contrasts,
+                             document.maps))
+        return;
     document.updateOverlayColors();
     thresholdChanged();
 }

@@ -62,7 +62,6 @@ public:
 private:
     void startRun();
     void replaceDocuments();
-    void setUpContrasts();
     void finishRun();
     void setRunButton(RunButtonState newState);
 

@@ -243,9 +243,9 @@ void VolumeLoop::showMaps() {
 // The model of the whole run stays, in the form from which maps are computed again when contrasts
 // change; the live state and the design columns go.
 void VolumeLoop::releaseModel() {
-    if (document_.glm.GLMStartVolume < GLMState::notStarted)
-        finishModel(document_.finishedModel, document_.glm, document_.project, document_.mask,
-                    recordedVolumes(run_));
+    if (!finishModel(document_.finishedModel, document_.glm, document_.project, document_.mask,
+                     recordedVolumes(run_)))
+        document_.finishedModel.release();
     document_.glm.release();
     releasePredictorColumns(document_.design);
 }

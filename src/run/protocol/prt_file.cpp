@@ -7,6 +7,8 @@
 #include "base/program_end.h"
 #include "base/text_reading.h"
 
+#include <utility>
+
 namespace {
 
 constexpr const char* recordedName = "realtime.prt";

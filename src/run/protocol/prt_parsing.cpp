@@ -177,7 +177,7 @@ int PRTParser::keyAndInteger() {
 }
 
 QString PRTParser::nextWord() {
-    const QString word = stream_.word();
+    QString word = stream_.word();
     stream_.seek(stream_.position() - word.size());
     return word;
 }

@@ -4,6 +4,7 @@
 
 #include "run/settings/run_settings.h"
 
+#include <limits>
 #include <optional>
 #include <span>
 #include <variant>

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "intake/volume_reader.h"
 #include "run/loop/run_session.h"
 #include "support/scripted_messages.h"
 #include "support/simulated_pump.h"

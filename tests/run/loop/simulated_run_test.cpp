@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/session_fixture.h"
 
-#include "simulated_scan.h"
+#include "scanner_simulator/simulated_scan.h"
 
 namespace {
 

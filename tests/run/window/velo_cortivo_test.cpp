@@ -183,11 +183,13 @@ TEST_F(MainWindow, PanelsFitBothSizesWithoutOverlap) {
 }
 
 TEST_F(MainWindow, EveryControlSaysWhatItDoes) {
-    for (const QWidget* widget : window_->findChildren<QWidget*>())
-        if ((widget->inherits("QAbstractButton") || widget->inherits("QAbstractSpinBox")) &&
-            !widget->objectName().startsWith("qt_")) {
+    for (const QWidget* widget : window_->findChildren<QWidget*>()) {
+        const bool isControl =
+            widget->inherits("QAbstractButton") || widget->inherits("QAbstractSpinBox");
+        if (isControl && !widget->objectName().startsWith("qt_")) {
             EXPECT_FALSE(widget->toolTip().isEmpty()) << widget->objectName().toStdString();
         }
+    }
 }
 
 TEST_F(MainWindow, FirstStartWaitsOrOffersTheSample) {

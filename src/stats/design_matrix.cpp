@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/design_matrix.h"
+
+#include "base/file_writing.h"
+#include "base/memory.h"
+#include "base/messages.h"
+#include "base/paths.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr RgbColor constantColor{255, 255, 255};
+constexpr RgbColor driftColor{128, 128, 128};
+constexpr RgbColor baselineColor{128, 128, 128};
+
+int nrOfConfounds(const DesignSource& source) {
+    return 1 + std::clamp(source.DriftConfoundPredictors, 0, DesignMatrix::maximumPredictors - 1);
+}
+
+int conditionLimit(const DesignSource& source) {
+    return DesignMatrix::maximumPredictors - nrOfConfounds(source);
+}
+
+void addPredictor(DesignMatrix& design, const QString& name, RgbColor color) {
+    design.PredictorNames << name;
+    design.PredictorColors.push_back(color);
+    design.PredictorNumberLabels << QString("Predictor: %1").arg(design.PredictorNames.size());
+}
+
+bool resetColumn(std::vector<float>& column, int nrOfVolumes) {
+    const size_t count = size_t(std::max(nrOfVolumes, 0));
+    if (column.capacity() < count && !memoryIsAvailable(count, sizeof(float)))
+        return false;
+    column.assign(count, 0.0f);
+    return true;
+}
+
+bool insufficientMemory() {
+    showCritical("ERROR: Insufficient memory!");
+    return false;
+}
+
+float confoundValue(int confound, int nrOfConfoundPredictors, int volume, int nrOfVolumes) {
+    if (confound == 0)
+        return 1.0f;
+    const float time = float(volume) / float(nrOfVolumes);
+    if (nrOfConfoundPredictors == 2)
+        return time * 2.0f - 1.0f;
+    return std::cos(time * 3.1425f * float(confound));
+}
+
+QByteArray designText(const DesignMatrix& design) {
+    QByteArray text;
+    const int columns = std::clamp(design.NrOfPredictors, 0, DesignMatrix::maximumPredictors);
+    for (size_t volume = 0; volume < size_t(std::max(design.NrOfVolumes, 0)); ++volume) {
+        for (size_t j = 0; j < size_t(columns); ++j) {
+            const std::vector<float>& column = design.PredictorColumns[j];
+            text += formatted("%8.6f  ", volume < column.size() ? double(column[volume]) : 0.0);
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+} // namespace
+
+void buildConditionPredictorNames(DesignMatrix& design, const DesignSource& source) {
+    const int nrOfConditions = source.protocol.nrOfConditions();
+    const bool hasBaseline = source.BaselinePosInProtocol != 0;
+    const int wanted = std::max(nrOfConditions - (hasBaseline ? 1 : 0), 0);
+    const int limit = conditionLimit(source);
+    if (wanted > limit && design.NrOfConditionPredictors != limit)
+        showWarning(QString("WARNING: The protocol has more conditions than the design matrix has "
+                            "columns; only the first %1 conditions are modelled.")
+                        .arg(limit));
+    design.NrOfConditionPredictors = std::min(wanted, limit);
+
+    design.PredictorNames.clear();
+    design.PredictorNumberLabels.clear();
+    design.PredictorColors.clear();
+    design.ContrastPredictorNames.clear();
+    design.ContrastPredictorColors.clear();
+    if (!hasBaseline) {
+        design.ContrastPredictorNames << "Baseline+";
+        design.ContrastPredictorColors.push_back(baselineColor);
+    }
+    for (int i = 0; i < nrOfConditions; ++i) {
+        const ProtocolCondition& condition = source.protocol.conditions[size_t(i)];
+        design.ContrastPredictorNames << condition.name;
+        design.ContrastPredictorColors.push_back(condition.color);
+        const bool isBaseline = hasBaseline && i + 1 == source.BaselinePosInProtocol;
+        if (!isBaseline && design.PredictorNames.size() < limit)
+            addPredictor(design, condition.name, condition.color);
+    }
+    design.NrOfContrastPredictors = int(design.ContrastPredictorNames.size());
+}
+
+void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& source) {
+    design.NrOfConfoundPredictors = nrOfConfounds(source);
+    design.NrOfPredictors = design.NrOfConditionPredictors + design.NrOfConfoundPredictors;
+    addPredictor(design, "Constant", constantColor);
+    if (design.NrOfConfoundPredictors == 2)
+        addPredictor(design, "Linear Trend", driftColor);
+    for (int c = 1; c < design.NrOfConfoundPredictors && design.NrOfConfoundPredictors > 2; ++c)
+        addPredictor(design, QString("DCT-%1").arg(c), driftColor);
+}
+
+bool createConditionPredictors(DesignMatrix& design, const DesignSource& source) {
+    const StimulationProtocol& protocol = source.protocol;
+    const bool useConditionWeights =
+        !protocol.realTimeProtocolPath.isEmpty() && protocol.realTimeProtocolPath != "<none>";
+    const int firstCondition = source.BaselinePosInProtocol != 0 ? 1 : 0;
+    design.NrOfVolumes = std::max(source.NrOfVolumes, 0);
+    std::vector<MillisecondInterval> intervals;
+    for (int j = 0; j < std::min(design.NrOfConditionPredictors, conditionLimit(source)); ++j) {
+        std::vector<float>& column = design.PredictorColumns[size_t(j)];
+        intervals.clear();
+        if (!resetColumn(column, design.NrOfVolumes))
+            return insufficientMemory();
+        fillBoxCar(design, source, j + firstCondition, column, useConditionWeights, intervals);
+        if (!convolveWithHRF(column, HRFModel::TwoGamma, design.NrOfVolumes, design.hrf, source,
+                             intervals))
+            return insufficientMemory();
+    }
+    return true;
+}
+
+bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
+                              const QString& workingFolder) {
+    design.NrOfVolumes = std::max(source.NrOfVolumes, 0);
+    const int confounds = design.NrOfConfoundPredictors;
+    for (int c = 0; c < confounds; ++c) {
+        const int j = design.NrOfConditionPredictors + c;
+        if (j >= DesignMatrix::maximumPredictors)
+            break;
+        std::vector<float>& column = design.PredictorColumns[size_t(j)];
+        if (!resetColumn(column, design.NrOfVolumes))
+            return insufficientMemory();
+        for (int t = 0; t < design.NrOfVolumes; ++t)
+            column[size_t(t)] = confoundValue(c, confounds, t, design.NrOfVolumes);
+    }
+    if (design.NrOfPredictors - confounds != design.NrOfConditionPredictors)
+        showCritical("INTERNAL ERROR - NrOfPredictors wrong");
+    const QString path = paths::join(workingFolder, "Realtime_DesignMatrix.txt");
+    if (!writeFileAtomically(path, designText(design)))
+        showWarning(QString("WARNING: Can not write the text file \"%1\".").arg(path));
+    return true;
+}
+
+void releasePredictorColumns(DesignMatrix& design) {
+    for (std::vector<float>& column : design.PredictorColumns)
+        column = {};
+}

@@ -1,0 +1,219 @@
+// Data files against the closed formula of their layout.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/stc_file.h"
+
+#include "support/scripted_messages.h"
+#include "support/simulated_pump.h"
+#include "volume/first_volume_file.h"
+#include "volume/fmr_file.h"
+#include "volume/load_fmr_project.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace {
+
+int16_t valueAt(int x, int y, int slice, int volume) {
+    return int16_t(x + 10 * y + 100 * slice + 1000 * volume - 3000);
+}
+
+FMRProject makeRun(const QString& folder, int nrOfVolumes = 5) {
+    FMRProject project;
+    project.NrOfVolumes = nrOfVolumes;
+    project.NrOfSlices = 3;
+    project.ResolutionX = 4;
+    project.ResolutionY = 2;
+    project.Prefix = "run-";
+    project.targetFolder = folder + "/";
+    project.projectPath = project.targetFolder + "run.fmr";
+    EXPECT_TRUE(project.allocateVolumes());
+    for (int v = 0; v < nrOfVolumes; ++v)
+        for (int s = 0; s < 3; ++s)
+            for (int y = 0; y < 2; ++y)
+                for (int x = 0; x < 4; ++x)
+                    project.volumes[size_t(v)][size_t((s * 2 + y) * 4 + x)] = valueAt(x, y, s, v);
+    return project;
+}
+
+QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return file.readAll();
+}
+
+void writeBytes(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+}
+
+int16_t sampleAt(const QByteArray& bytes, qsizetype index) {
+    return int16_t(uint8_t(bytes[2 * index]) | uint8_t(bytes[2 * index + 1]) << 8);
+}
+
+struct Progress : ProgressReporter {
+    void setProgress(int percent) override { values.push_back(percent); }
+    std::vector<int> values;
+};
+
+bool sameVolumes(const FMRProject& a, const FMRProject& b) {
+    return std::equal(a.volumes.begin(), a.volumes.end(), b.volumes.begin(), b.volumes.end(),
+                      [](const Volume& left, const Volume& right) {
+                          return std::ranges::equal(left.span(), right.span());
+                      });
+}
+
+} // namespace
+
+TEST(STCFile, LiesSliceBySliceAsManyVolumesAsWereMeasured) {
+    QTemporaryDir folder;
+    const FMRProject project = makeRun(folder.path());
+    Progress progress;
+    SimulatedPump pump;
+    ASSERT_TRUE(writeSTCData(project, 4, &progress, &pump, 40, 100));
+    EXPECT_EQ(progress.values, (std::vector<int>{40, 60, 80}));
+    const QByteArray bytes = contentOf(folder.filePath("run.stc"));
+    ASSERT_EQ(bytes.size(), 3 * 4 * 8 * 2);
+    for (int s = 0; s < 3; ++s)
+        for (int v = 0; v < 4; ++v)
+            for (int y = 0; y < 2; ++y)
+                for (int x = 0; x < 4; ++x)
+                    ASSERT_EQ(sampleAt(bytes, ((s * 4 + v) * 2 + y) * 4 + x), valueAt(x, y, s, v));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{"run.stc"});
+}
+
+TEST(STCFile, AnInterruptedRunIsReadBackConsistently) {
+    QTemporaryDir folder;
+    FMRProject project = makeRun(folder.path());
+    ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 3));
+    ASSERT_TRUE(writeSTCData(project, 3, nullptr, nullptr, 0, 100));
+    FMRProject loaded;
+    ASSERT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
+    EXPECT_TRUE(sameVolumes(loaded, makeRun(folder.path(), 3)));
+    FMRHeader header;
+    Volume volume;
+    ASSERT_TRUE(readSTCVolume(2, project.projectPath, header, volume));
+    EXPECT_TRUE(std::ranges::equal(volume.span(), project.volumes[2].span()));
+}
+
+TEST(STCFile, MissingAndShortFilesEndTheProgram) {
+    QTemporaryDir folder;
+    ScriptedMessages messages;
+    RecordedProgramEnd end;
+    FMRProject project = makeRun(folder.path());
+    const QString path = folder.filePath("run.stc");
+    ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
+    messages.expect(MessageLevel::Critical, "ERROR: Can not open .stc file: " + path);
+    EXPECT_FALSE(readSTCData(project));
+    FMRHeader header;
+    Volume volume;
+    messages.expect(MessageLevel::Critical,
+                    QString("ERROR: Can not find / open stc file: %1 !").arg(path));
+    EXPECT_FALSE(readSTCVolume(0, project.projectPath, header, volume));
+    const QString shortText =
+        "ERROR: The .stc file holds fewer samples than its header states: " + path;
+    writeBytes(path, QByteArray(3 * 5 * 16 - 1, '\0'));
+    for (int i = 0; i < 3; ++i)
+        messages.expect(MessageLevel::Critical, shortText);
+    EXPECT_FALSE(readSTCData(project));
+    EXPECT_FALSE(readSTCVolume(0, project.projectPath, header, volume));
+    FMRProject loaded;
+    EXPECT_FALSE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
+    writeBytes(path, QByteArray(3 * 5 * 16, '\0'));
+    messages.expect(MessageLevel::Critical, shortText);
+    EXPECT_FALSE(readSTCVolume(5, project.projectPath, header, volume));
+    EXPECT_EQ(end.statuses, std::vector<int>(6, 1));
+}
+
+TEST(STCFile, HugeSizesAreRefusedBeforeMemoryIsTaken) {
+    QTemporaryDir folder;
+    ScriptedMessages messages;
+    RecordedProgramEnd end;
+    FMRProject project = makeRun(folder.path());
+    project.NrOfSlices = maximumFMRSize;
+    project.ResolutionX = project.ResolutionY = maximumFMRSize;
+    project.NrOfVolumes = maximumFMRVolumes;
+    ASSERT_TRUE(writeFMRHeader(project, project.projectPath, maximumFMRVolumes));
+    writeBytes(folder.filePath("run.stc"), QByteArray(100, 'x'));
+    FMRProject loaded;
+    messages.expect(MessageLevel::Critical, "ERROR: The .stc file holds fewer samples*");
+    EXPECT_FALSE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
+    messages.expect(MessageLevel::Critical,
+                    "ERROR: Insufficient memory for loading the functional project!");
+    EXPECT_FALSE(loadFMRProject(loaded, project.projectPath, LoadData::No));
+}
+
+TEST(STCFile, SliceFilesOfOldRunsAreRead) {
+    QTemporaryDir folder;
+    FMRProject project = makeRun(folder.path(), 2);
+    const FMRProject original = makeRun(folder.path(), 2);
+    project.DataStorageFormat = 1;
+    project.Prefix = "run";
+    ASSERT_TRUE(writeSTCData(original, 2, nullptr, nullptr, 0, 0));
+    const QByteArray all = contentOf(folder.filePath("run.stc"));
+    for (int slice = 0; slice < 3; ++slice)
+        writeBytes(folder.filePath(QString("run-%1.stc").arg(slice + 1)),
+                   QByteArray("\x04\0\x02\0", 4) + all.mid(slice * 32, 32));
+    for (Volume& volume : project.volumes)
+        std::ranges::fill(volume.span(), int16_t(0));
+    ASSERT_TRUE(readSTCData(project));
+    EXPECT_TRUE(sameVolumes(project, original));
+
+    ScriptedMessages messages;
+    RecordedProgramEnd end;
+    messages.expect(MessageLevel::Critical,
+                    "ERROR: Unexpected .stc file dimensions, quitting Cortivo NX...");
+    writeBytes(folder.filePath("other.stc"), QByteArray("\x02\0\x04\0", 4) + QByteArray(32, '\0'));
+    EXPECT_FALSE(readSliceSTC(project, 0, folder.filePath("other.stc")));
+    messages.expect(MessageLevel::Critical, "ERROR: The .stc file holds fewer samples*");
+    writeBytes(folder.filePath("short.stc"), QByteArray("\x04\0\x02\0", 4) + QByteArray(31, '\0'));
+    EXPECT_FALSE(readSliceSTC(project, 0, folder.filePath("short.stc")));
+    EXPECT_EQ(end.statuses, (std::vector<int>{1, 1}));
+}
+
+TEST(STCFile, AFolderThatCannotBeWrittenLeavesNothing) {
+    QTemporaryDir folder;
+    writeBytes(folder.filePath("file"), "x");
+    ScriptedMessages messages;
+    FMRProject project = makeRun(folder.filePath("file"));
+    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
+    EXPECT_FALSE(writeSTCData(project, 5, nullptr, nullptr, 0, 0));
+    ASSERT_TRUE(project.firstVolume.allocate(project.volumeSamples()));
+    messages.expect(MessageLevel::Critical, "Error: Can not open file to save first volume.");
+    EXPECT_FALSE(writeFirstVolume(project));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{"file"});
+}
+
+TEST(FirstVolume, HoldsTheSamplesInSliceOrder) {
+    QTemporaryDir folder;
+    FMRProject project = makeRun(folder.path());
+    EXPECT_FALSE(writeFirstVolume(project));
+    ASSERT_TRUE(project.firstVolume.allocate(project.volumeSamples()));
+    std::ranges::copy(project.volumes[1].span(), project.firstVolume.data());
+    ASSERT_TRUE(writeFirstVolume(project));
+    const QByteArray bytes = contentOf(folder.filePath("run-firstvol.img"));
+    ASSERT_EQ(bytes.size(), 48);
+    for (int i = 0; i < 24; ++i)
+        EXPECT_EQ(sampleAt(bytes, i), valueAt(i % 4, i / 4 % 2, i / 8, 1));
+}
+
+TEST(LoadProject, AnAnatomicalFileIsFoundBesideTheProjectOrCleared) {
+    QTemporaryDir folder;
+    FMRProject project = makeRun(folder.path());
+    project.LoadAMRFile = "C:\\old\\place\\head.amr";
+    project.ShowAMRFile = 1;
+    ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
+    ScriptedMessages messages;
+    messages.expect(MessageLevel::Warning,
+                    "Error loading .FMR project:\n -> Can not find referenced file  > "
+                    "C:\\old\\place\\head.amr <");
+    FMRProject loaded;
+    ASSERT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::No));
+    EXPECT_EQ(loaded.LoadAMRFile, "");
+    EXPECT_EQ(loaded.ShowAMRFile, 0);
+    writeBytes(folder.filePath("head.amr"), "x");
+    ASSERT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::No));
+    EXPECT_EQ(loaded.LoadAMRFile, folder.filePath("head.amr"));
+    EXPECT_EQ(loaded.ShowAMRFile, 1);
+}
