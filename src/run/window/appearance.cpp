@@ -63,6 +63,10 @@ QToolButton:pressed, QPushButton:pressed { background: #18212b; }
 QToolButton:checked, QPushButton:checked { background: #1f4b47; border-color: #2fc4b2; }
 QToolButton:disabled, QPushButton:disabled { background: #151d27; border-color: #232f3c;
     color: #667585; }
+#RecordBtn { padding: 2px; }
+QCheckBox { spacing: 8px; }
+QCheckBox::indicator { width: 20px; height: 16px; image: url(:/images/contrast_off.png); }
+QCheckBox::indicator:checked { image: url(:/images/contrast_on.png); }
 #WindowSizeBtn, #MinimizeBtn, #CloseBtn { background: transparent; border-color: transparent; }
 #WindowSizeBtn:hover, #MinimizeBtn:hover, #CloseBtn:hover, #WindowSizeBtn:focus,
     #MinimizeBtn:focus, #CloseBtn:focus { border-color: #2fc4b2; }

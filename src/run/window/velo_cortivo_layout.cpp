@@ -97,7 +97,7 @@ void VeloCortivo::createTitleRow() {
 
     menuBarFrame_ = newPanel("MenuBarFrm", this);
     auto* menu = new QHBoxLayout(menuBarFrame_);
-    menu->setContentsMargins(0, 2, 0, 2);
+    menu->setContentsMargins(0, 5, 0, 0);
     menuBar_ = new QMenuBar(menuBarFrame_);
     menuBar_->setNativeMenuBar(false);
     menuBar_->setObjectName("MenuBar");

@@ -15,8 +15,8 @@ constexpr std::array<PanelPlace, 8> places{{
     {"ImageView", {12, 48, 716, 556}, {12, 48, 932, 780}},
     {"ViewButtonsFrm", {12, 612, 716, 36}, {12, 836, 932, 36}},
     {"LogInfos", {12, 656, 716, 100}, {12, 880, 932, 132}},
-    {"InputPanelFrm", {740, 48, 272, 152}, {956, 48, 312, 152}},
-    {"ContrastBackgroundGrpBx", {740, 208, 272, 548}, {956, 208, 312, 804}},
+    {"InputPanelFrm", {740, 48, 272, 124}, {956, 48, 312, 124}},
+    {"ContrastBackgroundGrpBx", {740, 180, 272, 576}, {956, 180, 312, 832}},
 }};
 // clang-format on
 
