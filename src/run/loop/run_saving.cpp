@@ -46,8 +46,8 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
     return {
         {0,
          [&run, &document, &project] {
-             const bool written = writeRecordedPRTFile(document.protocol, project.projectPath,
-                                                       project.targetFolder);
+             const bool written =
+                 writeRecordedPRTFile(document.protocol, project.projectPath, project.targetFolder);
              updateProjectForSaving(run);
              return written;
          }},

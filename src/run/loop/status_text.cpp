@@ -9,7 +9,9 @@ QString bodyStart(int fontSize) {
     return QStringLiteral("<body style=\"font-size:%1pt\">").arg(fontSize);
 }
 
-QString bold(const QString& text) { return "<b>" + text + "</b>"; }
+QString bold(const QString& text) {
+    return "<b>" + text + "</b>";
+}
 
 QString seconds(qint64 milliseconds) {
     return QString::number(double(milliseconds) / 1000.0, 'f', 1);
@@ -57,8 +59,8 @@ QString volumeStatusText(const RunState& state, const RunSettings& settings,
 QString savingTextHead(int fontSize, int volumeIndex, qint64 runMilliseconds,
                        const StatisticalMaps& maps) {
     return bodyStart(fontSize) + " volume " + bold(QString::number(volumeIndex)) +
-           ",  elapsed time: " + bold(seconds(runMilliseconds)) + " secs,  " +
-           thresholdPart(maps) + "<br>";
+           ",  elapsed time: " + bold(seconds(runMilliseconds)) + " secs,  " + thresholdPart(maps) +
+           "<br>";
 }
 
 QString betweenRunsText(const RunState& state, const StatisticalMaps& maps) {

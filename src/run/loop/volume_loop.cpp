@@ -201,8 +201,8 @@ bool VolumeLoop::updateDisplaysOfSubject() {
     if (!station(Station::PreLoadedRegions) || !station(Station::RegionTimeCourses) ||
         !station(Station::ResponseAndMotionPlots))
         return false;
-    document_.VolumeConditionIndex = volumeConditionIndex(document_.protocol, nrOfAnalysedVolumes_,
-                                                          document_.project.TR);
+    document_.VolumeConditionIndex =
+        volumeConditionIndex(document_.protocol, nrOfAnalysedVolumes_, document_.project.TR);
     if (!station(Station::RegionLogs) || !station(Station::Classification))
         return false;
     return station(Station::Feedback) && station(Station::LetterDecoder);
@@ -251,8 +251,8 @@ void VolumeLoop::releaseModel() {
 }
 
 void VolumeLoop::save() {
-    const QString head = savingTextHead(state_.logFontSize, volumeIndex_, runClock_.elapsed(),
-                                        document_.maps);
+    const QString head =
+        savingTextHead(state_.logFontSize, volumeIndex_, runClock_.elapsed(), document_.maps);
     run_.display.showLogText(head + "<br> Saving recorded data...<br></body>");
     run_.pump.processEvents();
     if (saveRecordedData(run_))
