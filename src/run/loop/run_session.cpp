@@ -3,7 +3,9 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "run/loop/model_setup.h"
 #include "run/loop/run_preparation.h"
+#include "run/loop/run_reload.h"
 #include "run/loop/status_text.h"
 #include "run/loop/volume_loop.h"
 #include "run/settings/settings_file.h"
@@ -61,7 +63,7 @@ void RunSession::startRun() {
         display_.preparationFailed();
         return;
     }
-    setUpContrasts(*functionalDocument, settings);
+    setUpContrasts(*functionalDocument, settings, settings.ContrastFile);
     display_.runPrepared();
     pump_.processEvents();
     if (runVolumeLoop(run, *reader) == LoopEnd::NotStarted) {
@@ -69,6 +71,34 @@ void RunSession::startRun() {
         return;
     }
     finishRun();
+}
+
+bool RunSession::reloadData() {
+    if (state.runActive || settings.settingsFilePath.isEmpty())
+        return false;
+    // Nothing else may start meanwhile: loading processes events.
+    state.runActive = true;
+    display_.runStarting();
+    state.interruptedAtVolume = -1;
+    state.currentVolume = -1;
+    state.elapsedRunTime = 0;
+    state.mapsPresent = false;
+    replaceDocuments();
+    const RunParts run{settings, state, intake, *functionalDocument, stations, display_, pump_};
+    const bool loaded = reloadRun(run, stopTimer);
+    state.runActive = false;
+    state.interruptFlag = false;
+    if (!loaded) {
+        display_.preparationFailed();
+        return false;
+    }
+    state.runFinished = true;
+    setRunButton(RunButtonState::NoSettingsFile);
+    display_.runPrepared();
+    display_.runEnded();
+    display_.showLogText(reloadedText(paths::fileName(settings.settingsFilePath),
+                                      paths::fileName(functionalDocument->project.projectPath)));
+    return true;
 }
 
 void RunSession::replaceDocuments() {

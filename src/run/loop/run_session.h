@@ -25,6 +25,10 @@ public:
     /// during a run it asks it to stop.
     void runButtonPressed();
 
+    /// Brings the finished run of the current settings file back from its target folder. False,
+    /// after a message, when its files are not there or no good; false during a run.
+    bool reloadData();
+
     /// Asks a running loop to stop after the volume that it waits for.
     void requestStop();
 
