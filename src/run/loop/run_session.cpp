@@ -12,6 +12,22 @@
 #include "stats/clusters.h"
 #include "stats/thresholds.h"
 
+namespace {
+
+// Set for as long as it lives.
+class BusyMark {
+public:
+    explicit BusyMark(bool& busy) : busy_(busy) { busy_ = true; }
+    ~BusyMark() { busy_ = false; }
+    BusyMark(const BusyMark&) = delete;
+    BusyMark& operator=(const BusyMark&) = delete;
+
+private:
+    bool& busy_;
+};
+
+} // namespace
+
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : makeReader(makeVolumeReader), pump_(pump), display_(display) {}
 
@@ -25,7 +41,7 @@ void RunSession::runButtonPressed() {
         state.forceTRDelay = false;
         return;
     }
-    if (runButtonState == RunButtonState::NoSettingsFile)
+    if (busy_ || runButtonState == RunButtonState::NoSettingsFile)
         return;
     startRun();
 }
@@ -42,47 +58,52 @@ bool RunSession::inspectSettings() {
 }
 
 void RunSession::startRun() {
+    const BusyMark mark(busy_);
     // The settings file gives forceTRDelay its real value a little later, if it is new enough.
     state.forceTRDelay = true;
     state.runActive = true;
     display_.runStarting();
     setRunButton(RunButtonState::Running);
-    state.interruptedAtVolume = -1;
-    state.currentVolume = -1;
-    state.elapsedRunTime = 0;
-    state.mapsPresent = false;
+    resetRunDisplay();
     replaceDocuments();
     display_.showLogText(
         processingText(state.logFontSize, paths::fileName(settings.settingsFilePath)));
     pump_.processEvents();
-
-    const RunParts run{settings, state, intake, *functionalDocument, stations, display_, pump_};
-    const std::unique_ptr<VolumeReader> reader = prepareRun(run, makeReader, stopTimer);
-    if (!reader) {
-        state.runActive = false;
-        display_.preparationFailed();
+    if (performRun()) {
+        finishRun();
         return;
     }
-    setUpContrasts(*functionalDocument, settings, settings.ContrastFile);
-    display_.runPrepared();
-    pump_.processEvents();
-    if (runVolumeLoop(run, *reader) == LoopEnd::NotStarted) {
-        display_.preparationFailed();
-        return;
-    }
-    finishRun();
+    state.runActive = false;
+    display_.preparationFailed();
 }
 
-bool RunSession::reloadData() {
-    if (state.runActive || settings.settingsFilePath.isEmpty())
-        return false;
-    // Nothing else may start meanwhile: loading processes events.
-    state.runActive = true;
-    display_.runStarting();
+void RunSession::resetRunDisplay() {
     state.interruptedAtVolume = -1;
     state.currentVolume = -1;
     state.elapsedRunTime = 0;
     state.mapsPresent = false;
+}
+
+// False when the run did not start.
+bool RunSession::performRun() {
+    const RunParts run{settings, state, intake, *functionalDocument, stations, display_, pump_};
+    const std::unique_ptr<VolumeReader> reader = prepareRun(run, makeReader, stopTimer);
+    if (!reader)
+        return false;
+    setUpContrasts(*functionalDocument, settings, settings.ContrastFile);
+    display_.runPrepared();
+    pump_.processEvents();
+    return runVolumeLoop(run, *reader) != LoopEnd::NotStarted;
+}
+
+bool RunSession::reloadData() {
+    if (busy_ || settings.settingsFilePath.isEmpty())
+        return false;
+    const BusyMark mark(busy_);
+    // Loading processes events: what looks at runActive must not touch the documents meanwhile.
+    state.runActive = true;
+    display_.runStarting();
+    resetRunDisplay();
     replaceDocuments();
     const RunParts run{settings, state, intake, *functionalDocument, stations, display_, pump_};
     const bool loaded = reloadRun(run, stopTimer);

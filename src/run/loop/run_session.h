@@ -65,10 +65,15 @@ public:
 
 private:
     void startRun();
+    void resetRunDisplay();
+    [[nodiscard]] bool performRun();
     void replaceDocuments();
     void finishRun();
     void setRunButton(RunButtonState newState);
 
     EventPump& pump_;
     RunDisplay& display_;
+    /// From the start of a run to the end of its saving, longer than state.runActive: events are
+    /// processed while files are written, and no second run may begin then.
+    bool busy_ = false;
 };
