@@ -12,6 +12,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QTextBrowser>
@@ -36,10 +37,24 @@ QToolButton* newButton(const char* name, const QString& toolTip, QWidget* parent
     return button;
 }
 
+/// The icon of a disabled button is as faint as its text would be.
+QIcon dimmableIcon(const QString& path) {
+    QIcon icon(path);
+    const QPixmap bright(path);
+    QPixmap faint(bright.size());
+    faint.fill(Qt::transparent);
+    QPainter painter(&faint);
+    painter.setOpacity(0.3);
+    painter.drawPixmap(0, 0, bright);
+    painter.end();
+    icon.addPixmap(faint, QIcon::Disabled);
+    return icon;
+}
+
 QToolButton* newIconButton(const char* name, const char* icon, const QString& toolTip,
                            QWidget* parent) {
     QToolButton* button = newButton(name, toolTip, parent);
-    button->setIcon(QIcon(QStringLiteral(":/images/%1.png").arg(icon)));
+    button->setIcon(dimmableIcon(QStringLiteral(":/images/%1.png").arg(icon)));
     button->setIconSize({24, 24});
     button->setFixedSize(44, 44);
     return button;
@@ -279,5 +294,6 @@ void VeloCortivo::slotUpdateWindowSize() {
 
 void VeloCortivo::slotSwitchWindowSize() {
     master_.windowSize = master_.windowSize == 1 ? 2 : 1;
+    remembered_.windowSize = master_.windowSize;
     slotUpdateWindowSize();
 }
