@@ -16,6 +16,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTextBrowser>
+#include <QTextDocument>
 #include <QToolButton>
 
 namespace {
@@ -116,7 +117,10 @@ void VeloCortivo::createTitleRow() {
     menuBar_ = new QMenuBar(menuBarFrame_);
     menuBar_->setNativeMenuBar(false);
     menuBar_->setObjectName("MenuBar");
+    // No wider than its menus: the rest of the row is where the window is dragged.
+    menuBar_->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Minimum);
     menu->addWidget(menuBar_);
+    menu->addStretch();
 
     windowButtonsFrame_ = newPanel("WindowButtonsFrm", this);
     auto* buttons = new QHBoxLayout(windowButtonsFrame_);
@@ -215,6 +219,7 @@ void VeloCortivo::createViewPanels() {
     logInfos_->setObjectName("LogInfos");
     logInfos_->setToolTip("State of the run");
     logInfos_->setOpenLinks(false);
+    logInfos_->document()->setDocumentMargin(0); // the seven lines after a run fit
     logInfos_->setFocusPolicy(Qt::ClickFocus);
 }
 
