@@ -200,6 +200,36 @@ TEST_F(MainWindow, FirstStartWaitsOrOffersTheSample) {
     EXPECT_FALSE(control("EPISlicesBtn").isEnabled());
 }
 
+TEST_F(MainWindow, RemembersWhatTheOperatorChanged) {
+    const auto content = [this] {
+        QFile file(folders_.applicationDataPath + "MasterVCO");
+        return file.open(QIODevice::ReadWrite) ? file.readAll() : QByteArray();
+    };
+    const auto setContent = [this](const QByteArray& text) {
+        QFile file(folders_.applicationDataPath + "MasterVCO");
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+    };
+    const QByteArray commented = content() + "\n; by hand";
+    setContent(commented);
+    window_->close();
+    EXPECT_EQ(content(), commented) << "nothing was changed";
+
+    window_->setSettingsFile(home_.path() + "/run-7.vco");
+    window_->slotSwitchWindowSize();
+    window_->close();
+    EXPECT_TRUE(content().contains("\"run-7.vco\""));
+    EXPECT_TRUE(content().contains("WindowSize:                1"));
+    EXPECT_TRUE(content().contains("HorizontalWindowPosition:  Centered"));
+
+    const QPoint grip = window_->rect().topLeft() + QPoint(100, 20);
+    const QPoint place = window_->pos() + QPoint(7, 30);
+    QTest::mousePress(window_.get(), Qt::LeftButton, {}, grip);
+    QMouseEvent drag(QEvent::MouseMove, grip, place + grip, Qt::LeftButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(window_.get(), &drag);
+    window_->close();
+    EXPECT_TRUE(content().contains("VerticalWindowPosition:    " + QByteArray::number(place.y())));
+}
+
 TEST_F(MainWindow, MissingFolderLeavesAWayOut) {
     ASSERT_TRUE(QDir(folders_.dataPath).removeRecursively());
     messages_.expectQuestion("WARNING: The VCO file directory *", false);
