@@ -34,12 +34,6 @@ bool VeloCortivo::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::MouseButtonRelease:
         inputFlags_ = {};
         return false;
-    case QEvent::FocusIn: {
-        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
-            controlKeepsFocus_ = true;
-        return false;
-    }
     case QEvent::ContextMenu:
         // These menus have an event loop of their own, in which a run would stand still.
         return runInProgress_;
@@ -56,6 +50,8 @@ bool VeloCortivo::handleKey(int key, Qt::KeyboardModifiers modifiers) {
         session_.state.interruptFlag = true;
         return false; // it still closes a dialog
     }
+    if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
+        controlKeepsFocus_ = true;
     // What a modal box is asking about must not change behind it.
     if (QApplication::activeModalWidget())
         return false;

@@ -219,7 +219,6 @@ void VeloCortivo::createViewPanels() {
     logInfos_->setObjectName("LogInfos");
     logInfos_->setToolTip("State of the run");
     logInfos_->setOpenLinks(false);
-    logInfos_->document()->setDocumentMargin(0); // the seven lines after a run fit
     logInfos_->setFocusPolicy(Qt::ClickFocus);
 }
 
@@ -269,6 +268,8 @@ void VeloCortivo::placePanels() {
     for (const PanelPlace& place : panelPlaces())
         if (auto* panel = findChild<QWidget*>(place.name, Qt::FindDirectChildrenOnly))
             panel->setGeometry(place.at(size));
+    // In the small window the seven lines after a run need all of the panel.
+    logInfos_->document()->setDocumentMargin(size == WindowSize::Small ? 0 : 6);
 }
 
 void VeloCortivo::applyWindowSize() {

@@ -16,9 +16,8 @@ void VeloCortivo::slotRealTimeAnalysis() {
 }
 
 void VeloCortivo::slotReloadData() {
-    if (runInProgress_)
-        return;
-    // RELOAD
+    if (!runInProgress_)
+        session_.reloadData();
 }
 
 void VeloCortivo::setPreLoadEnabled(bool enabled) {
