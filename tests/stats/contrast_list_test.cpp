@@ -61,6 +61,17 @@ TEST(AutomaticContrasts, FollowTheLevelAndTheNumberOfConditions) {
     }
 }
 
+TEST(AutomaticContrasts, LeaveOutConditionsThatAFullDesignHasNoColumnFor) {
+    DesignMatrix design = designOf({"Rest", "A", "B", "C"});
+    design.NrOfConditionPredictors = 2; // columns A, B, then confounds
+    ContrastDefinitions contrasts;
+    generateContrasts(contrasts, design, 2);
+    EXPECT_EQ(contrasts.ContrastNames, QStringList({"A vs. Rest", "B vs. Rest", "B vs. A"}));
+    contrasts.ContrastValues = {{-1, 0, 0, 1}, {0, -1, 0, 1}, {-1, 0, 1, 0}};
+    rebuildContrastWeights(contrasts, design);
+    EXPECT_EQ(contrasts.ContrastWeights, (Rows{{0, 0, 0, 0}, {0, 0, 0, 0}, {0, 1, 0, 0}}));
+}
+
 TEST(Selection, TogglesBitsAndAllowsFourContrasts) {
     const int positive[] = {1, 0, 3, 2};
     const int negative[] = {2, 3, 0, 1};
