@@ -5,6 +5,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 
+#include <QFile>
 #include <QtEndian>
 
 QString firstVolumeFileName(const FMRProject& project) {
@@ -21,4 +22,23 @@ bool writeFirstVolume(const FMRProject& project) {
         return true;
     showCritical("Error: Can not open file to save first volume.");
     return false;
+}
+
+bool readFirstVolume(FMRProject& project) {
+    const QString name = firstVolumeFileName(project);
+    const size_t samples = project.volumeSamples();
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly) || file.size() < qint64(samples * sizeof(int16_t)) ||
+        !project.firstVolume.allocate(samples)) {
+        showCritical(QString("ERROR: Can not find / open file: %1 !").arg(name));
+        return false;
+    }
+    const QByteArray bytes = file.read(qint64(samples * sizeof(int16_t)));
+    if (size_t(bytes.size()) < samples * sizeof(int16_t)) {
+        showCritical(QString("ERROR: Can not find / open file: %1 !").arg(name));
+        project.firstVolume.release();
+        return false;
+    }
+    qFromLittleEndian<quint16>(bytes.constData(), qsizetype(samples), project.firstVolume.data());
+    return true;
 }

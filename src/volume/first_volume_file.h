@@ -11,3 +11,7 @@
 /// message, with an old file untouched, when that fails; false without one when the run has no
 /// first volume.
 [[nodiscard]] bool writeFirstVolume(const FMRProject& project);
+
+/// Reads it into project.firstVolume, whose size the project states. False, with nothing read,
+/// after a message when the file is missing or too short.
+[[nodiscard]] bool readFirstVolume(FMRProject& project);

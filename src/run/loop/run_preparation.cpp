@@ -6,7 +6,6 @@
 #include "base/program_end.h"
 #include "run/protocol/prt_file.h"
 #include "run/settings/settings_file.h"
-#include "stats/contrast_file.h"
 
 #include <QDir>
 
@@ -38,23 +37,6 @@ void copySettingsToProject(FMRProject& project, const RunSettings& settings) {
     project.targetFolder = settings.TargetFolder;
     project.projectPath = paths::join(settings.TargetFolder,
                                       paths::withDefaultExtension(settings.ProjectName, "fmr"));
-}
-
-void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings) {
-    copySettingsToProject(document.project, settings);
-    document.protocol.tdatPath = settings.TDatFile;
-    document.protocol.realTimeProtocolPath = settings.RealTimeProtocol;
-    document.protocol.protocolPath = settings.StimulationProtocol;
-    document.maps.Threshold = settings.Threshold;
-    document.maps.ColorMaxThreshold =
-        std::max(document.maps.ColorMaxThreshold, settings.Threshold + 1.0f);
-    document.maps.ClusterSizePixels = settings.ClusterSizePixels;
-    document.maps.sizeX = settings.MatrixSizeX;
-    document.maps.sizeY = settings.MatrixSizeY;
-    document.maps.nrOfSlices = settings.NrOfSlices;
-    document.mosaic.MosaicColumns = std::max(settings.NrOfColumns, 1);
-    document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
-    document.workingFolder = settings.TargetFolder;
 }
 
 // In the order of preference; "<none>" counts as no path. With none of the three the run has no
@@ -107,19 +89,31 @@ bool readFirstVolume(VolumeReader& reader) {
     return false;
 }
 
+} // namespace
+
+void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings) {
+    copySettingsToProject(document.project, settings);
+    document.protocol.tdatPath = settings.TDatFile;
+    document.protocol.realTimeProtocolPath = settings.RealTimeProtocol;
+    document.protocol.protocolPath = settings.StimulationProtocol;
+    document.maps.Threshold = settings.Threshold;
+    document.maps.ColorMaxThreshold =
+        std::max(document.maps.ColorMaxThreshold, settings.Threshold + 1.0f);
+    document.maps.ClusterSizePixels = settings.ClusterSizePixels;
+    document.maps.sizeX = settings.MatrixSizeX;
+    document.maps.sizeY = settings.MatrixSizeY;
+    document.maps.nrOfSlices = settings.NrOfSlices;
+    document.mosaic.MosaicColumns = std::max(settings.NrOfColumns, 1);
+    document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
+    document.workingFolder = settings.TargetFolder;
+}
+
 void showFirstVolume(QtCortivoDoc& document) {
     const FMRProject& project = document.project;
     computeDisplayRange(document.slices.greyScale, project.firstVolume.span());
     document.slices.createSlicePixmaps(project.firstVolume.span(), project.ResolutionX,
                                        project.ResolutionY, project.NrOfSlices);
     document.firstVolumePresent = true;
-}
-
-} // namespace
-
-DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings) {
-    return {document.protocol, document.project.TR, document.project.NrOfVolumes,
-            document.contrasts.BaselinePosInProtocol, settings.DriftConfoundPredictors};
 }
 
 std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker& makeReader,
@@ -165,23 +159,4 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
     document.maps.MapType = MapKind::T;
     showFirstVolume(document);
     return reader;
-}
-
-void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings) {
-    DesignMatrix& design = document.design;
-    ContrastDefinitions& contrasts = document.contrasts;
-    const DesignSource source = designSource(document, settings);
-    buildConditionPredictorNames(design, source);
-    buildConfoundPredictorNames(design, source);
-    design.NrOfPredictors = design.NrOfConditionPredictors + design.NrOfConfoundPredictors;
-
-    if (!settings.ContrastFile.isEmpty() &&
-        !readContrastFile(settings.ContrastFile, contrasts, design,
-                          document.protocol.nrOfConditions()))
-        contrasts.clear();
-    if (contrasts.NrOfContrasts == 0) {
-        contrasts.BaselinePosInProtocol = 1;
-        generateContrasts(contrasts, design, settings.AutoContrastGenerationLevel);
-    }
-    document.updateOverlayColors();
 }

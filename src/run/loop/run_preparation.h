@@ -15,8 +15,8 @@ using ReaderMaker = std::function<std::unique_ptr<VolumeReader>(const IntakeCont
                                                        const ReaderMaker& makeReader,
                                                        const std::function<void()>& stopTimer);
 
-/// Predictor names and contrasts of a prepared run: from the contrast file, or generated.
-void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings);
+/// The values of the settings that the document keeps.
+void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings);
 
-/// What the design of this run is built from.
-[[nodiscard]] DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings);
+/// Display range and slice images from the first volume.
+void showFirstVolume(QtCortivoDoc& document);

@@ -3,15 +3,36 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "run/loop/model_setup.h"
 #include "run/loop/run_preparation.h"
+#include "run/loop/run_reload.h"
 #include "run/loop/status_text.h"
 #include "run/loop/volume_loop.h"
 #include "run/settings/settings_file.h"
 #include "stats/clusters.h"
+#include "stats/numerics/matrix_products.h"
 #include "stats/thresholds.h"
 
+namespace {
+
+// Set for as long as it lives.
+class BusyMark {
+public:
+    explicit BusyMark(bool& busy) : busy_(busy) { busy_ = true; }
+    ~BusyMark() { busy_ = false; }
+    BusyMark(const BusyMark&) = delete;
+    BusyMark& operator=(const BusyMark&) = delete;
+
+private:
+    bool& busy_;
+};
+
+} // namespace
+
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
-    : makeReader(makeVolumeReader), pump_(pump), display_(display) {}
+    : makeReader(makeVolumeReader), pump_(pump), display_(display) {
+    numerics::initialiseNumerics();
+}
 
 RunSession::~RunSession() = default;
 
@@ -23,7 +44,7 @@ void RunSession::runButtonPressed() {
         state.forceTRDelay = false;
         return;
     }
-    if (runButtonState == RunButtonState::NoSettingsFile)
+    if (busy_ || runButtonState == RunButtonState::NoSettingsFile)
         return;
     startRun();
 }
@@ -40,35 +61,68 @@ bool RunSession::inspectSettings() {
 }
 
 void RunSession::startRun() {
+    const BusyMark mark(busy_);
     // The settings file gives forceTRDelay its real value a little later, if it is new enough.
     state.forceTRDelay = true;
     state.runActive = true;
     display_.runStarting();
     setRunButton(RunButtonState::Running);
-    state.interruptedAtVolume = -1;
-    state.currentVolume = -1;
-    state.elapsedRunTime = 0;
-    state.mapsPresent = false;
+    resetRunDisplay();
     replaceDocuments();
     display_.showLogText(
         processingText(state.logFontSize, paths::fileName(settings.settingsFilePath)));
     pump_.processEvents();
+    if (performRun()) {
+        finishRun();
+        return;
+    }
+    state.runActive = false;
+    display_.preparationFailed();
+}
 
+void RunSession::resetRunDisplay() {
+    state.interruptedAtVolume = -1;
+    state.currentVolume = -1;
+    state.elapsedRunTime = 0;
+    state.mapsPresent = false;
+}
+
+// False when the run did not start.
+bool RunSession::performRun() {
     const RunParts run{settings, state, intake, *functionalDocument, stations, display_, pump_};
     const std::unique_ptr<VolumeReader> reader = prepareRun(run, makeReader, stopTimer);
-    if (!reader) {
-        state.runActive = false;
-        display_.preparationFailed();
-        return;
-    }
-    setUpContrasts(*functionalDocument, settings);
+    if (!reader)
+        return false;
+    setUpContrasts(*functionalDocument, settings, settings.ContrastFile);
     display_.runPrepared();
     pump_.processEvents();
-    if (runVolumeLoop(run, *reader) == LoopEnd::NotStarted) {
+    return runVolumeLoop(run, *reader) != LoopEnd::NotStarted;
+}
+
+bool RunSession::reloadData() {
+    if (busy_ || settings.settingsFilePath.isEmpty())
+        return false;
+    const BusyMark mark(busy_);
+    // Loading processes events: what looks at runActive must not touch the documents meanwhile.
+    state.runActive = true;
+    display_.runStarting();
+    resetRunDisplay();
+    replaceDocuments();
+    const RunParts run{settings, state, intake, *functionalDocument, stations, display_, pump_};
+    const bool loaded = reloadRun(run, stopTimer);
+    state.runActive = false;
+    state.interruptFlag = false;
+    if (!loaded) {
         display_.preparationFailed();
-        return;
+        return false;
     }
-    finishRun();
+    state.runFinished = true;
+    setRunButton(RunButtonState::NoSettingsFile);
+    display_.runPrepared();
+    display_.runEnded();
+    display_.showLogText(reloadedText(paths::fileName(settings.settingsFilePath),
+                                      paths::fileName(functionalDocument->project.projectPath)));
+    return true;
 }
 
 void RunSession::replaceDocuments() {

@@ -25,6 +25,10 @@ public:
     /// during a run it asks it to stop.
     void runButtonPressed();
 
+    /// Brings the finished run of the current settings file back from its target folder. False,
+    /// after a message, when its files are not there or no good; false during a run.
+    bool reloadData();
+
     /// Asks a running loop to stop after the volume that it waits for.
     void requestStop();
 
@@ -61,10 +65,15 @@ public:
 
 private:
     void startRun();
+    void resetRunDisplay();
+    [[nodiscard]] bool performRun();
     void replaceDocuments();
     void finishRun();
     void setRunButton(RunButtonState newState);
 
     EventPump& pump_;
     RunDisplay& display_;
+    /// From the start of a run to the end of its saving, longer than state.runActive: events are
+    /// processed while files are written, and no second run may begin then.
+    bool busy_ = false;
 };

@@ -67,3 +67,16 @@ QString betweenRunsText(const RunState& state, const StatisticalMaps& maps) {
     return singleRunPanelText(state.currentVolume + 1, double(state.elapsedRunTime) / 1000.0,
                               thresholdText(maps));
 }
+
+QString reloadingText(int fontSize, const QString& settingsFileName, const QString& projectName) {
+    return bodyStart(fontSize) + " Current settings file: \"" + bold(settingsFileName) +
+           "\".<br><br> Loading project \"" + bold(projectName) + "\" from disk....<br></body>";
+}
+
+QString reloadedText(const QString& settingsFileName, const QString& projectName) {
+    // This one text has a size of its own.
+    constexpr int reloadedFontSize = 13;
+    return bodyStart(reloadedFontSize) + " Current settings file: \"" + bold(settingsFileName) +
+           "\".<br><br> Project \"" + bold(projectName) +
+           "\" loaded from disk.<br><br> Ready<br></body>";
+}

@@ -30,3 +30,8 @@ struct CycleTimes {
 
 /// The panel between runs.
 [[nodiscard]] QString betweenRunsText(const RunState& state, const StatisticalMaps& maps);
+
+/// While a finished run is loaded from disk, and after that.
+[[nodiscard]] QString reloadingText(int fontSize, const QString& settingsFileName,
+                                    const QString& projectName);
+[[nodiscard]] QString reloadedText(const QString& settingsFileName, const QString& projectName);

@@ -2,16 +2,13 @@
 #include "run/loop/volume_loop.h"
 
 #include "base/messages.h"
-#include "base/program_end.h"
-#include "run/loop/run_preparation.h"
+#include "run/loop/model_setup.h"
 #include "run/loop/run_saving.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/condition_index.h"
 #include "stats/clusters.h"
 
 namespace {
-
-constexpr int brainMaskThreshold = 100; // sample value
 
 class VolumeLoop {
 public:
@@ -23,8 +20,6 @@ public:
     LoopEnd execute();
 
 private:
-    [[nodiscard]] bool prepareModel();
-    [[nodiscard]] bool buildDesign();
     [[nodiscard]] bool takeVolume();
     [[nodiscard]] bool readVolume();
     [[nodiscard]] bool preprocess();
@@ -56,7 +51,7 @@ private:
 
 LoopEnd VolumeLoop::execute() {
     document_.mapName = "<untitled>";
-    if (!prepareModel()) {
+    if (!prepareModel(document_, run_.settings)) {
         state_.runActive = false;
         return LoopEnd::NotStarted;
     }
@@ -73,43 +68,6 @@ LoopEnd VolumeLoop::execute() {
     releaseModel();
     save();
     return interrupted_ ? LoopEnd::Interrupted : LoopEnd::Complete;
-}
-
-bool VolumeLoop::prepareModel() {
-    if (document_.protocol.nrOfConditions() == 0) {
-        showCritical("ERROR: No conditions specified!");
-        endProgram(1);
-        return false;
-    }
-    if (!buildDesign())
-        return false;
-    const size_t voxels = document_.project.volumeSamples();
-    if (!document_.glm.allocate(document_.design.NrOfPredictors, voxels)) {
-        showWarning("ERROR: Insufficient memory for creating GLM file!");
-        return false;
-    }
-    if (!document_.maps.allocateMaps(document_.contrasts.NrOfContrasts)) {
-        showWarning("ERROR: Insufficient memory for creating contrast maps!");
-        return false;
-    }
-    return true;
-}
-
-bool VolumeLoop::buildDesign() {
-    DesignMatrix& design = document_.design;
-    const DesignSource source = designSource(document_, run_.settings);
-    releasePredictorColumns(design);
-    if (!createConditionPredictors(design, source) ||
-        !createConfoundPredictors(design, source, document_.workingFolder))
-        return false;
-    if (isProtocolPathSet(document_.protocol.protocolPath)) {
-        findPredictorOnsets(design, nrOfAnalysedVolumes_);
-        fillGLMStepVolumes(design);
-    } else {
-        design.GLMStepVolumes.assign(size_t(design.NrOfConditionPredictors), -1);
-    }
-    document_.contrasts.ContrastsChanged = false;
-    return true;
 }
 
 // One pass. The order is the contract between run control and everything that hangs on the loop:

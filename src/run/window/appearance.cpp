@@ -54,7 +54,7 @@ QMenu::separator { height: 1px; background: #2a3746; margin: 4px 8px; }
 #ContrastList::item { height: 26px; }
 #ContrastList::item:selected { background: #202b38; color: #e3eaf0; }
 QHeaderView::section { background: #151d27; color: #9fb0c0; border: 0; padding: 4px; }
-#LogInfos { background: transparent; border: 0; padding: 4px 8px; }
+#LogInfos { background: transparent; border: 0; padding: 0 8px; }
 QToolButton, QPushButton { background: #202b38; border: 1px solid #314153; border-radius: 6px;
     color: #e3eaf0; padding: 5px; }
 QToolButton:hover, QPushButton:hover { border-color: #2fc4b2; }

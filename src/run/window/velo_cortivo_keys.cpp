@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMouseEvent>
 
 bool VeloCortivo::eventFilter(QObject* watched, QEvent* event) {
@@ -24,6 +25,7 @@ bool VeloCortivo::eventFilter(QObject* watched, QEvent* event) {
         return false;
     case QEvent::MouseButtonPress: {
         const auto* mouse = static_cast<QMouseEvent*>(event);
+        controlKeepsFocus_ = qobject_cast<QLineEdit*>(watched) != nullptr;
         inputFlags_ = {mouse->modifiers().testFlag(Qt::ControlModifier),
                        mouse->modifiers().testFlag(Qt::ShiftModifier),
                        mouse->modifiers().testFlag(Qt::AltModifier), mouse->buttons()};
@@ -32,6 +34,15 @@ bool VeloCortivo::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::MouseButtonRelease:
         inputFlags_ = {};
         return false;
+    case QEvent::FocusIn: {
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
+            controlKeepsFocus_ = true;
+        return false;
+    }
+    case QEvent::ContextMenu:
+        // These menus have an event loop of their own, in which a run would stand still.
+        return runInProgress_;
     default:
         return false;
     }

@@ -9,11 +9,15 @@ namespace {
 
 class ProbeProgress : public ProgressReporter {
 public:
-    explicit ProbeProgress(std::vector<int>& values) : values_(values) {}
-    void setProgress(int percent) override { values_.push_back(percent); }
+    explicit ProbeProgress(ProbeDisplay& display) : display_(display) {}
+    void setProgress(int percent) override {
+        display_.progress.push_back(percent);
+        if (display_.whileSaving)
+            display_.whileSaving();
+    }
 
 private:
-    std::vector<int>& values_;
+    ProbeDisplay& display_;
 };
 
 class ScriptedReader : public VolumeReader {
@@ -62,7 +66,7 @@ int16_t scriptedSample(size_t voxel, int volume, uint16_t seed) {
 }
 
 std::unique_ptr<ProgressReporter> ProbeDisplay::openSavingProgress() {
-    return std::make_unique<ProbeProgress>(progress);
+    return std::make_unique<ProbeProgress>(*this);
 }
 
 SessionFixture::SessionFixture() {

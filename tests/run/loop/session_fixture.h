@@ -17,6 +17,7 @@ public:
     QStringList logTexts;
     std::vector<RunButtonState> buttonStates;
     std::vector<int> progress;
+    std::function<void()> whileSaving;
 
     void runStarting() override { calls << "starting"; }
     void documentsLeaving() override { calls << "leaving"; }

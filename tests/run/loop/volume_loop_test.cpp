@@ -230,6 +230,17 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
     EXPECT_EQ(session.functionalDocument->project.volumes.size(), 14u);
 }
 
+TEST_F(VolumeLoopTest, ButtonPressedWhileSavingStartsNothing) {
+    writeSession(16, 2);
+    display.whileSaving = [this] {
+        session.runButtonPressed();
+        EXPECT_FALSE(session.reloadData());
+    };
+    session.runButtonPressed();
+    EXPECT_EQ(display.calls.count("starting"), 1);
+    EXPECT_EQ(savedVolumes(), 14);
+}
+
 TEST_F(VolumeLoopTest, TenRunsInARowStartCleanlyInOneProcess) {
     for (int run = 0; run < 10; ++run) {
         writeSession(20 + run, 2);

@@ -8,6 +8,7 @@
 #include "support/simulated_pump.h"
 
 #include <QCheckBox>
+#include <QColorDialog>
 #include <QDir>
 #include <QDoubleSpinBox>
 #include <QFile>
@@ -133,10 +134,10 @@ TEST_F(MainWindow, ContrastColumnsToggleSignsOfAtMostFour) {
         click(row, ContrastList::Positive);
     EXPECT_EQ(states, (std::vector<int>{2, 1, 1, 1, 0}));
 
-    control<ContrastList>("ContrastList").chooseColor = [](const QColor&) {
-        return std::optional(QColor(1, 2, 3));
-    };
     click(3, ContrastList::Color);
+    auto& chooser = *window_->findChild<QColorDialog*>();
+    chooser.setCurrentColor(QColor(1, 2, 3));
+    chooser.accept();
     EXPECT_EQ(document().contrasts.ContrastColors[3], (RgbColor{1, 2, 3}));
 }
 

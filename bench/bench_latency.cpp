@@ -1,0 +1,119 @@
+// From the moment a mosaic file is noticed to the status text of its volume, at the three sizes.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/run_session.h"
+#include "scanner_simulator/simulated_scan.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QTemporaryDir>
+#include <chrono>
+#include <clocale>
+#include <cstdio>
+#include <thread>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double millisecondsBetween(Clock::time_point from, Clock::time_point to) {
+    return std::chrono::duration<double, std::milli>(to - from).count();
+}
+
+// A file was noticed when the reader begins to let it settle.
+class NoticingPump : public QtEventPump {
+public:
+    std::vector<Clock::time_point> noticed;
+
+    void pumpWait(int milliseconds) override {
+        constexpr int settling = 30;
+        if (milliseconds == settling)
+            noticed.push_back(Clock::now());
+        QtEventPump::pumpWait(milliseconds);
+    }
+};
+
+class SilentProgress : public ProgressReporter {
+public:
+    void setProgress(int) override {}
+};
+
+class StatusClock : public RunDisplay {
+public:
+    std::vector<Clock::time_point> texts;
+
+    void runStarting() override {}
+    void documentsLeaving() override {}
+    void documentsArrived() override {}
+    void runPrepared() override {}
+    void preparationFailed() override { std::printf("preparation failed\n"); }
+    void runEnded() override {}
+    void setRunButtonState(RunButtonState) override {}
+    void showLogText(const QString&) override { texts.push_back(Clock::now()); }
+    void refreshViewButtons() override {}
+    void updateViews() override {}
+    std::unique_ptr<ProgressReporter> openSavingProgress() override {
+        return std::make_unique<SilentProgress>();
+    }
+};
+
+// Writes a volume at each interval, as the scanner does, while the session waits for it.
+class ScannerThread {
+public:
+    ScannerThread(const SimulatedScan& scan, int milliseconds)
+        : thread_([&scan, milliseconds](const std::stop_token& stop) {
+              for (int volume = 0; volume < scan.options().nrOfVolumes; ++volume) {
+                  if (stop.stop_requested() || !scan.writeVolume(volume, scan.watchFolder()))
+                      return;
+                  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+              }
+          }) {}
+
+private:
+    std::jthread thread_;
+};
+
+void measure(int columns, int slices, int volumes) {
+    QTemporaryDir folder;
+    SimulationOptions options;
+    options.folder = folder.path();
+    options.sizeX = options.sizeY = columns;
+    options.nrOfSlices = slices;
+    options.nrOfVolumes = volumes;
+    const SimulatedScan scan(options);
+    if (!scan.writeSettings() || !scan.writeProtocol() || !QDir().mkpath(scan.watchFolder())) {
+        std::printf("can't write to %s\n", folder.path().toLocal8Bit().constData());
+        return;
+    }
+    NoticingPump pump;
+    StatusClock display;
+    RunSession session(pump, display);
+    session.settings.settingsFilePath = folder.filePath(options.name + "-1.vco");
+    {
+        const ScannerThread scanner(scan, 250);
+        session.runButtonPressed();
+    }
+    // The first file is noticed once more, for the first volume; the first text is that of the
+    // start.
+    std::vector<double> times;
+    for (size_t i = 0; i + 1 < pump.noticed.size() && i + 1 < display.texts.size(); ++i)
+        times.push_back(millisecondsBetween(pump.noticed[i + 1], display.texts[i + 1]));
+    if (times.empty())
+        return;
+    std::sort(times.begin(), times.end());
+    std::printf("%4dx%3dx%2d %6zu %10.1f %10.1f %10.1f\n", columns, columns, slices, times.size(),
+                times[times.size() / 2], times[times.size() * 99 / 100], times.back());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QGuiApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C");
+    const int volumes = argc > 1 ? std::atoi(argv[1]) : 102;
+    std::printf("file noticed to status text, settling of 30 ms included, milliseconds\n"
+                "size        files     median   99 of 100    longest\n");
+    measure(64, 25, volumes);
+    measure(74, 36, volumes);
+    measure(104, 72, volumes);
+    return 0;
+}

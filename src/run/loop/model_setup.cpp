@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/model_setup.h"
+
+#include "base/messages.h"
+#include "base/program_end.h"
+#include "stats/contrast_file.h"
+
+namespace {
+
+bool buildDesign(QtCortivoDoc& document, const RunSettings& settings) {
+    DesignMatrix& design = document.design;
+    const DesignSource source = designSource(document, settings);
+    releasePredictorColumns(design);
+    if (!createConditionPredictors(design, source) ||
+        !createConfoundPredictors(design, source, document.workingFolder))
+        return false;
+    if (isProtocolPathSet(document.protocol.protocolPath)) {
+        findPredictorOnsets(design, source.NrOfVolumes);
+        fillGLMStepVolumes(design);
+    } else {
+        design.GLMStepVolumes.assign(size_t(design.NrOfConditionPredictors), -1);
+    }
+    document.contrasts.ContrastsChanged = false;
+    return true;
+}
+
+} // namespace
+
+DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings) {
+    return {document.protocol, document.project.TR, document.project.NrOfVolumes,
+            document.contrasts.BaselinePosInProtocol, settings.DriftConfoundPredictors};
+}
+
+void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
+                    const QString& contrastFile) {
+    DesignMatrix& design = document.design;
+    ContrastDefinitions& contrasts = document.contrasts;
+    const DesignSource source = designSource(document, settings);
+    buildConditionPredictorNames(design, source);
+    buildConfoundPredictorNames(design, source);
+    design.NrOfPredictors = design.NrOfConditionPredictors + design.NrOfConfoundPredictors;
+
+    if (!contrastFile.isEmpty() &&
+        !readContrastFile(contrastFile, contrasts, design, document.protocol.nrOfConditions()))
+        contrasts.clear();
+    if (contrasts.NrOfContrasts == 0) {
+        contrasts.BaselinePosInProtocol = 1;
+        generateContrasts(contrasts, design, settings.AutoContrastGenerationLevel);
+    }
+    document.updateOverlayColors();
+}
+
+bool prepareModel(QtCortivoDoc& document, const RunSettings& settings) {
+    if (document.protocol.nrOfConditions() == 0) {
+        showCritical("ERROR: No conditions specified!");
+        endProgram(1);
+        return false;
+    }
+    if (!buildDesign(document, settings))
+        return false;
+    if (!document.glm.allocate(document.design.NrOfPredictors, document.project.volumeSamples())) {
+        showWarning("ERROR: Insufficient memory for creating GLM file!");
+        return false;
+    }
+    if (!document.maps.allocateMaps(document.contrasts.NrOfContrasts)) {
+        showWarning("ERROR: Insufficient memory for creating contrast maps!");
+        return false;
+    }
+    return true;
+}

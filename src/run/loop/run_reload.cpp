@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/run_reload.h"
+
+#include "base/paths.h"
+#include "run/loop/model_setup.h"
+#include "run/loop/run_preparation.h"
+#include "run/loop/status_text.h"
+#include "run/protocol/condition_index.h"
+#include "run/protocol/prt_file.h"
+#include "run/settings/settings_file.h"
+#include "stats/clusters.h"
+#include "volume/first_volume_file.h"
+#include "volume/load_fmr_project.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+bool exists(const QString& path) {
+    return QFileInfo(path).isFile();
+}
+
+// The protocol as it was recorded; a run whose copy is gone falls back to the one that it was
+// measured with.
+bool readRecordedProtocol(QtCortivoDoc& document, const RunSettings& settings) {
+    const FMRProject& project = document.project;
+    const QString recorded =
+        project.ProtocolFiles.isEmpty()
+            ? QString()
+            : paths::join(project.targetFolder, paths::fileName(project.ProtocolFiles.first()));
+    document.protocol.tdatPath.clear();
+    document.protocol.realTimeProtocolPath.clear();
+    document.protocol.protocolPath = exists(recorded) ? recorded : settings.StimulationProtocol;
+    return readPRTFile(document.protocol, ResponseTable::Read);
+}
+
+bool loadProject(const RunParts& run) {
+    QtCortivoDoc& document = run.document;
+    const QString path = document.project.projectPath;
+    if (!loadFMRProject(document.project, path, LoadData::Yes))
+        return false;
+    const FMRProject& project = document.project;
+    document.maps.sizeX = project.ResolutionX;
+    document.maps.sizeY = project.ResolutionY;
+    document.maps.nrOfSlices = project.NrOfSlices;
+    document.mosaic.MosaicColumns = std::max(project.LayoutNColumns, 1);
+    document.mosaic.MosaicRows = std::max(project.LayoutNRows, 1);
+    return true;
+}
+
+// The slices show the first volume as it was measured; where its file is gone, as it was analysed.
+void showSlices(FMRProject& project, QtCortivoDoc& document) {
+    if (!readFirstVolume(project) && project.firstVolume.allocate(project.volumeSamples()))
+        std::copy_n(project.volumes.front().data(), project.volumeSamples(),
+                    project.firstVolume.data());
+    showFirstVolume(document);
+}
+
+bool fitModel(const RunParts& run) {
+    QtCortivoDoc& document = run.document;
+    const FMRProject& project = document.project;
+    if (!prepareModel(document, run.settings) ||
+        !createBrainMask(document.mask, project, brainMaskThreshold))
+        return false;
+    constexpr int volumesBetweenEvents = 10;
+    for (int volume = 0; volume < project.NrOfVolumes; ++volume) {
+        if (updateGLM(document.glmRun(), volume))
+            document.updateOverlayColors();
+        if (volume % volumesBetweenEvents == 0)
+            run.pump.processEvents();
+    }
+    if (!finishModel(document.finishedModel, document.glm, project, document.mask,
+                     project.NrOfVolumes))
+        document.finishedModel.release();
+    document.glm.release();
+    releasePredictorColumns(document.design);
+    return true;
+}
+
+} // namespace
+
+bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
+    RunSettings& settings = run.settings;
+    QtCortivoDoc& document = run.document;
+    if (!readSettingsFile(settings, SettingsUse::Reload, stopTimer))
+        return false;
+    copySettingsToDocument(document, settings);
+    const FMRProject& project = document.project;
+    run.display.showLogText(reloadingText(run.state.logFontSize,
+                                          paths::fileName(settings.settingsFilePath),
+                                          paths::fileName(project.projectPath)));
+    run.pump.processEvents();
+    if (!loadProject(run) || !readRecordedProtocol(document, settings))
+        return false;
+    const QString contrasts = paths::withoutExtension(project.projectPath) + ".ctr";
+    setUpContrasts(document, settings, exists(contrasts) ? contrasts : settings.ContrastFile);
+    showSlices(document.project, document);
+    if (!fitModel(run))
+        return false;
+    computeClusterSizes(document.maps, document.contrasts.ConjunctionAnalysis);
+    document.VolumeConditionIndex =
+        volumeConditionIndex(document.protocol, project.NrOfVolumes, project.TR);
+    run.state.currentVolume = project.NrOfVolumes;
+    run.state.mapsPresent = document.maps.NrOfActiveContrasts > 0;
+    return true;
+}
