@@ -2,6 +2,7 @@
 #include "base/messages.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -9,13 +10,14 @@ namespace {
 class StandardErrorHandler : public MessageHandler {
 public:
     void show(MessageLevel, const QString& text) override { print(text); }
+    void showAside(MessageLevel, const QString& text) override { print(text); }
     bool ask(const QString& text) override {
         print(text);
         return false;
     }
     void announce(const QString&, const QString& text, const QString&) override { print(text); }
     QString chooseFileToOpen(const QString&, const QString&, const QString&) override { return {}; }
-    QString chooseFileToSave(const QString&, const QString&, const QString&) override { return {}; }
+    void chooseFileToSave(const QString&, const QString&, const QString&, FileChosen) override {}
 
 private:
     static void print(const QString& text) {
@@ -53,6 +55,10 @@ void showCritical(const QString& text) {
     currentHandler()->show(MessageLevel::Critical, text);
 }
 
+void showWarningAside(const QString& text) {
+    currentHandler()->showAside(MessageLevel::Warning, text);
+}
+
 bool askQuestion(const QString& text) {
     return currentHandler()->ask(text);
 }
@@ -65,6 +71,7 @@ QString chooseFileToOpen(const QString& title, const QString& folder, const QStr
     return currentHandler()->chooseFileToOpen(title, folder, filter);
 }
 
-QString chooseFileToSave(const QString& title, const QString& folder, const QString& filter) {
-    return currentHandler()->chooseFileToSave(title, folder, filter);
+void chooseFileToSave(const QString& title, const QString& folder, const QString& filter,
+                      FileChosen chosen) {
+    currentHandler()->chooseFileToSave(title, folder, filter, std::move(chosen));
 }

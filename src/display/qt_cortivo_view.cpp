@@ -35,6 +35,14 @@ double scaleFactor(QSizeF room, QSize picture) {
     return whole >= largest * leastShareOfWholeFactor ? whole : largest;
 }
 
+void saveBitmap(const QImage& picture, const QString& path) {
+    QByteArray content;
+    QBuffer buffer(&content);
+    if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "BMP") ||
+        !writeFileAtomically(path, content))
+        showWarningAside(QString("WARNING: Unable to write bitmap file \"%1\"!").arg(path));
+}
+
 } // namespace
 
 QtCortivoView::QtCortivoView(QtCortivoDoc* document, QWidget* parent)
@@ -101,21 +109,13 @@ void QtCortivoView::compose() {
 
 void QtCortivoView::slotSaveAsBMP() {
     if (mosaic().isNull()) {
-        showWarning("WARNING: There are no slices to save!");
+        showWarningAside("WARNING: There are no slices to save!");
         return;
     }
-    QString path =
-        chooseFileToSave("Save Bitmap File", document_->project.targetFolder, "Bitmaps (*.bmp)");
-    if (path.isEmpty())
-        return;
-    if (!path.endsWith(".bmp", Qt::CaseInsensitive))
-        path += ".bmp";
-    // The chooser handled events; the slices may have changed meanwhile.
-    QByteArray content;
-    QBuffer buffer(&content);
-    if (!buffer.open(QIODevice::WriteOnly) || !mosaic().save(&buffer, "BMP") ||
-        !writeFileAtomically(path, content))
-        showWarning(QString("WARNING: Unable to write bitmap file \"%1\"!").arg(path));
+    // The picture as it stands: the run, and with it this view, may be over when the name is
+    // chosen.
+    chooseFileToSave("Save Bitmap File", document_->project.targetFolder, "Bitmaps (*.bmp)",
+                     [picture = mosaic()](const QString& path) { saveBitmap(picture, path); });
 }
 
 void QtCortivoView::slotShowHelpHTML() {
@@ -123,7 +123,7 @@ void QtCortivoView::slotShowHelpHTML() {
         return;
     if (!QFileInfo(helpFile_).isFile() ||
         !QDesktopServices::openUrl(QUrl::fromLocalFile(helpFile_)))
-        showWarning(QString("WARNING: Unable to open help file \"%1\"!").arg(helpFile_));
+        showWarningAside(QString("WARNING: Unable to open help file \"%1\"!").arg(helpFile_));
 }
 
 QRect QtCortivoView::legendArea() const {

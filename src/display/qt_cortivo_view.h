@@ -39,7 +39,8 @@ public:
 public Q_SLOTS:
     /// The slices, the maps or the way in which they are shown have changed.
     void slotDocumentChanged();
-    /// Asks for a file and saves the mosaic. A failure is reported.
+    /// Saves the mosaic as it stands now in the file that the operator chooses; a run goes on
+    /// meanwhile. A failure is reported.
     void slotSaveAsBMP();
     /// Blackens the view until the document changes again.
     void slotClearArea();

@@ -6,23 +6,14 @@
 
 #include <cstring>
 
-namespace {
-
-constexpr int settleMilliseconds = 10;
-
-const QString& memoryMessage() {
-    static const QString text = "ERROR: Could not allocate memory to read DICOM file:";
-    return text;
-}
-
-const QString& missingKeyMessage() {
-    static const QString text =
-        "ERROR: This file is not a DICOM or ACR-NEMA file: Header does not contain "
-        "\"begin-of-data\" key (7FE0,0010) !";
-    return text;
-}
-
-} // namespace
+DicomSliceReader::DicomSliceReader(const IntakeContext& context)
+    : FileVolumeReader(context,
+                       {.search = PixelKeySearch::First,
+                        .settleMilliseconds = 10,
+                        .memoryMessage = "ERROR: Could not allocate memory to read DICOM file:",
+                        .missingKeyMessage =
+                            "ERROR: This file is not a DICOM or ACR-NEMA file: Header does not "
+                            "contain \"begin-of-data\" key (7FE0,0010) !"}) {}
 
 // Names of this type begin with the delimiter; the files of most sites bear the prefix of the first
 // file name before it. Both are looked for.
@@ -51,35 +42,24 @@ bool DicomSliceReader::readSlices(Stage stage, int volume) {
     const auto target = [&] { return first ? firstVolume() : analysedVolume(volume); };
     if (target().empty())
         return false;
+    const size_t sliceSamples = target().size() / size_t(settings().NrOfSlices);
     for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
         // Any size counts as arrived: how long a header is, the settings don't tell.
-        const QString path = await({namesOf(measured, slice), 0, true}, settleMilliseconds);
-        if (path.isEmpty() || !takeSlice(path, stage, target(), slice))
+        const auto image = awaitImage({namesOf(measured, slice), 0, true}, stage, sliceSamples);
+        if (!image || target().empty())
             return false;
+        takeSlice(*image, stage, target().subspan(size_t(slice) * sliceSamples, sliceSamples));
         if (first && slice == 0)
-            project().FirstDataSourceFile = paths::fileName(path);
+            project().FirstDataSourceFile = paths::fileName(image->path);
     }
     return true;
 }
 
-bool DicomSliceReader::takeSlice(const QString& path, Stage stage, std::span<int16_t> volume,
-                                 int slice) {
-    if (volume.empty() || !readWhole(path, memoryMessage()) ||
-        (stage == Stage::FirstVolume && !acceptsFile(path)))
-        return false;
-    const auto found = pixelData(path, PixelKeySearch::First, missingKeyMessage());
-    if (!found)
-        return false;
-    const std::span<uint8_t> samples = pixelBytes(bytes(), *found);
-    const size_t sliceSamples = volume.size() / size_t(settings().NrOfSlices);
-    if (!holdsSamples(samples, sliceSamples, path))
-        return false;
+void DicomSliceReader::takeSlice(const Image& image, Stage stage, std::span<int16_t> target) const {
     // The first volume goes by the file, the loop by the order that the program has settled on.
     const ByteOrder order =
-        stage == Stage::FirstVolume ? found->byteOrder : state().rawDataByteOrder;
+        stage == Stage::FirstVolume ? image.byteOrder : state().rawDataByteOrder;
     if (order != hostByteOrder)
-        swapSamples(samples, sliceSamples);
-    std::memcpy(volume.subspan(size_t(slice) * sliceSamples).data(), samples.data(),
-                2 * sliceSamples);
-    return true;
+        swapSamples(image.samples, target.size());
+    std::memcpy(target.data(), image.samples.data(), target.size_bytes());
 }

@@ -6,13 +6,12 @@
 
 class DicomSliceReader : public FileVolumeReader {
 public:
-    explicit DicomSliceReader(const IntakeContext& context) : FileVolumeReader(context) {}
+    explicit DicomSliceReader(const IntakeContext& context);
     [[nodiscard]] bool readFirstVolume() override;
     [[nodiscard]] bool readVolume(int volume) override;
 
 private:
     [[nodiscard]] QStringList namesOf(qint64 measured, int slice) const;
     [[nodiscard]] bool readSlices(Stage stage, int volume);
-    [[nodiscard]] bool takeSlice(const QString& path, Stage stage, std::span<int16_t> volume,
-                                 int slice);
+    void takeSlice(const Image& image, Stage stage, std::span<int16_t> target) const;
 };

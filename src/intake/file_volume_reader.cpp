@@ -11,23 +11,65 @@ QString FileVolumeReader::watchedPath(const QString& name) const {
     return paths::join(state().watchFolder, name);
 }
 
-QString FileVolumeReader::await(const ExpectedFile& expected, int settleMilliseconds) {
-    return awaitFile(expected,
-                     {.timeOutMilliseconds = settings().timeOutMilliseconds,
-                      .settleMilliseconds = settleMilliseconds},
-                     context_.pump);
+std::optional<FileVolumeReader::Image>
+FileVolumeReader::awaitImage(const ExpectedFile& expected, Stage stage, size_t nrOfSamples) {
+    const StopWatch watch = newWatch();
+    const QString path = awaitFile(expected,
+                                   {.timeOutMilliseconds = settings().timeOutMilliseconds,
+                                    .settleMilliseconds = kind_.settleMilliseconds},
+                                   context_.pump);
+    if (!path.isEmpty())
+        return readImage(path, watch, stage, nrOfSamples);
+    if (stage == Stage::FirstVolume)
+        explainLateFile(expected.names);
+    return std::nullopt;
 }
 
-bool FileVolumeReader::readWhole(const QString& fileName, const QString& memoryMessage) {
-    switch (file_.read(fileName)) {
-    case FileBytes::Result::CannotOpen:
-        return failWith("ERROR: Can not open file !");
-    case FileBytes::Result::NoMemory:
-        return failWith(memoryMessage + fileName + " !");
-    case FileBytes::Result::Done:
-        break;
-    }
+// One more round of polling, unless the time-out has passed.
+bool FileVolumeReader::waitsOn(const StopWatch& watch) {
+    if (watch.elapsed() > settings().timeOutMilliseconds)
+        return false;
+    context_.pump.pumpWait(WaitTimes().pollMilliseconds);
     return true;
+}
+
+bool FileVolumeReader::readWhole(const QString& fileName, const StopWatch& watch) {
+    for (;;) {
+        const FileBytes::Result result = file_.read(fileName);
+        if (result == FileBytes::Result::Done)
+            return true;
+        if (result == FileBytes::Result::NoMemory)
+            return failWith(kind_.memoryMessage + fileName + " !");
+        if (!waitsOn(watch))
+            return failWith("ERROR: Can not open file !");
+    }
+}
+
+std::optional<FileVolumeReader::Image> FileVolumeReader::readImage(const QString& fileName,
+                                                                   const StopWatch& watch,
+                                                                   Stage stage,
+                                                                   size_t nrOfSamples) {
+    for (;;) {
+        if (!readWhole(fileName, watch) || (stage == Stage::FirstVolume && !acceptsFile(fileName)))
+            return std::nullopt;
+        const std::optional<PixelData> found = findPixelData(bytes(), kind_.search);
+        if (found && found->encapsulated()) {
+            showWarning(compressedMessage(fileName, "unknown"));
+            return std::nullopt;
+        }
+        const std::span<uint8_t> samples = found ? pixelBytes(bytes(), *found) : bytes().first(0);
+        if (found && samples.size() / 2 >= nrOfSamples)
+            return Image{fileName, samples, found->byteOrder};
+        // A file that has all that it promises won't grow.
+        const bool whole = found && found->statedLength && samples.size() >= *found->statedLength;
+        if (!whole && waitsOn(watch))
+            continue;
+        showWarning(found ? QString("ERROR: File \"%1\" holds less image data than stated in the "
+                                    "settings file !")
+                                .arg(fileName)
+                          : QString(kind_.missingKeyMessage).replace("%1", fileName));
+        return std::nullopt;
+    }
 }
 
 std::span<int16_t> FileVolumeReader::ofRightSize(Volume& volume) const {
@@ -59,30 +101,11 @@ bool FileVolumeReader::acceptsFile(const QString& fileName) {
     return refusal.isEmpty() || failWith(refusal);
 }
 
-void FileVolumeReader::explainLateFile(const QStringList& names, const QString& memoryMessage) {
+// Says why one of these files was never taken, where it is there but of no use: a compressed file
+// stays below the expected size for good.
+void FileVolumeReader::explainLateFile(const QStringList& names) {
     for (const QString& name : names)
-        if (QFileInfo(name).isFile() && readWhole(name, memoryMessage) && !acceptsFile(name))
+        if (QFileInfo(name).isFile() && file_.read(name) == FileBytes::Result::Done &&
+            !acceptsFile(name))
             return;
-}
-
-std::optional<PixelData> FileVolumeReader::pixelData(const QString& fileName, PixelKeySearch search,
-                                                     const QString& missingMessage) {
-    const std::optional<PixelData> found = findPixelData(bytes(), search);
-    if (!found) {
-        showWarning(missingMessage);
-        return std::nullopt;
-    }
-    if (found->encapsulated) {
-        showWarning(compressedMessage(fileName, "unknown"));
-        return std::nullopt;
-    }
-    return found;
-}
-
-bool FileVolumeReader::holdsSamples(std::span<const uint8_t> samples, size_t count,
-                                    const QString& fileName) {
-    return samples.size() / 2 >= count ||
-           failWith(QString("ERROR: File \"%1\" holds less image data than stated in the settings "
-                            "file !")
-                        .arg(fileName));
 }

@@ -60,10 +60,13 @@ std::optional<PixelData> findPixelData(std::span<const uint8_t> bytes, PixelKeyS
         return std::nullopt;
     const bool words = pixel_key::isFollowedBy(bytes, *key, "OW");
     const bool longHeader = words || pixel_key::isFollowedBy(bytes, *key, "OB");
-    ByteReader length(bytes);
-    const bool hasLength = length.seek(*key + pixel_key::size) && length.skip(longHeader ? 4 : 0);
-    return PixelData{*key + (words ? 12 : 8), pixel_key::byteOrder(bytes, *key),
-                     hasLength && length.u32() == 0xFFFFFFFF};
+    PixelData found{*key + (words ? 12 : 8), pixel_key::byteOrder(bytes, *key), {}};
+    ByteReader reader(bytes, found.byteOrder);
+    static_cast<void>(reader.seek(*key + pixel_key::size) && reader.skip(longHeader ? 4 : 0));
+    const uint32_t length = reader.u32();
+    if (!reader.failed())
+        found.statedLength = length;
+    return found;
 }
 
 std::span<uint8_t> pixelBytes(std::span<uint8_t> bytes, const PixelData& pixelData) {

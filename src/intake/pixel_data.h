@@ -15,7 +15,11 @@ enum class PixelKeySearch {
 struct PixelData {
     size_t valueOffset = 0; ///< of the first sample; may lie behind the end of a cut file
     ByteOrder byteOrder = ByteOrder::Little; ///< as the key tells it
-    bool encapsulated = false; ///< of undefined length: a sequence of compressed fragments
+    /// Bytes of the value as the element states them; nothing where the file ends before.
+    std::optional<uint32_t> statedLength;
+
+    /// Of undefined length: a sequence of compressed fragments.
+    [[nodiscard]] bool encapsulated() const { return statedLength == 0xFFFFFFFF; }
 };
 
 /// Looks at every even offset for the pixel key. Nothing where there is none.

@@ -1,29 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/siemens_mosaic_reader.h"
 
-#include "base/messages.h"
 #include "base/paths.h"
 #include "intake/dicom_names.h"
 #include "intake/mosaic.h"
 #include "intake/siemens_protocol.h"
 #include "intake/slice_geometry.h"
 
-namespace {
-
-constexpr int settleMilliseconds = 30;
-
-const QString& memoryMessage() {
-    static const QString text = "ERROR: Could not allocate memory to read DICOM MOSAIC file:";
-    return text;
-}
-
-QString missingKeyMessage(const QString& path) {
-    return QString("ERROR: This file (\"%1\") is not a DICOM or ACR-NEMA file: Header does not "
-                   "contain \"begin-of-data\" key (7FE0,0010) !")
-        .arg(path);
-}
-
-} // namespace
+SiemensMosaicReader::SiemensMosaicReader(const IntakeContext& context)
+    : FileVolumeReader(
+          context, {.search = PixelKeySearch::Last,
+                    .settleMilliseconds = 30,
+                    .memoryMessage = "ERROR: Could not allocate memory to read DICOM MOSAIC file:",
+                    .missingKeyMessage =
+                        "ERROR: This file (\"%1\") is not a DICOM or ACR-NEMA file: Header does "
+                        "not contain \"begin-of-data\" key (7FE0,0010) !"}) {}
 
 QString SiemensMosaicReader::fileName(qint64 measured) const {
     return dicomFileName(settings().dicomFilePrefix, settings().DicomFirstVolumeNr,
@@ -57,42 +48,35 @@ ExpectedFile SiemensMosaicReader::expectedFirstFile() const {
 bool SiemensMosaicReader::readFirstVolume() {
     if (!layoutIsUsable() || firstVolume().empty())
         return false;
-    const ExpectedFile expected = expectedFirstFile();
-    const QString path = await(expected, settleMilliseconds);
-    if (path.isEmpty()) {
-        explainLateFile(expected.names, memoryMessage());
+    const auto image = awaitImage(expectedFirstFile(), Stage::FirstVolume,
+                                  MosaicTiling::of(settings()).mosaicSamples());
+    if (!image)
         return false;
-    }
-    state().watchFolder = paths::folderWithSlash(path);
-    project().FirstDataSourceFile = paths::fileName(path);
-    return takeVolume(path, Stage::FirstVolume, firstVolume());
+    state().watchFolder = paths::folderWithSlash(image->path);
+    project().FirstDataSourceFile = paths::fileName(image->path);
+    return takeVolume(*image, Stage::FirstVolume, firstVolume());
 }
 
 bool SiemensMosaicReader::readVolume(int volume) {
     if (!layoutIsUsable() || analysedVolume(volume).empty())
         return false;
-    const qint64 size = qint64(MosaicTiling::of(settings()).mosaicSamples()) * 2;
-    const QString path =
-        await({{watchedPath(fileName(measuredVolume(volume)))}, size, true}, settleMilliseconds);
-    return !path.isEmpty() && takeVolume(path, Stage::Loop, analysedVolume(volume));
+    const size_t samples = MosaicTiling::of(settings()).mosaicSamples();
+    const auto image =
+        awaitImage({{watchedPath(fileName(measuredVolume(volume)))}, qint64(samples) * 2, true},
+                   Stage::Loop, samples);
+    return image && takeVolume(*image, Stage::Loop, analysedVolume(volume));
 }
 
-bool SiemensMosaicReader::takeVolume(const QString& path, Stage stage, std::span<int16_t> volume) {
-    if (!readWhole(path, memoryMessage()) || (stage == Stage::FirstVolume && !acceptsFile(path)))
-        return false;
-    const auto found = pixelData(path, PixelKeySearch::Last, missingKeyMessage(path));
-    if (!found)
-        return false;
+bool SiemensMosaicReader::takeVolume(const Image& image, Stage stage,
+                                     std::span<int16_t> volume) const {
     const MosaicTiling layout = MosaicTiling::of(settings());
-    const std::span<uint8_t> samples = pixelBytes(bytes(), *found);
-    if (!holdsSamples(samples, layout.mosaicSamples(), path))
-        return false;
     // In the loop the size of the swapped part comes from another key of the settings: settings
     // that disagree between the two keep their known result.
     const size_t loopSide = size_t(std::max(settings().SiemensMosaicResolution, 0));
-    if (found->byteOrder != hostByteOrder)
-        swapSamples(samples, stage == Stage::Loop ? loopSide * loopSide : layout.mosaicSamples());
-    return splitMosaic(samples, volume, layout);
+    if (image.byteOrder != hostByteOrder)
+        swapSamples(image.samples,
+                    stage == Stage::Loop ? loopSide * loopSide : layout.mosaicSamples());
+    return splitMosaic(image.samples, volume, layout);
 }
 
 bool SiemensMosaicReader::headerFitsSettings() const {
@@ -132,7 +116,7 @@ void SiemensMosaicReader::takeSizes() {
 bool SiemensMosaicReader::readHeaders() {
     const QString path = watchedPath(fileName(0));
     DicomHeader& header = state().header;
-    if (!readWhole(path, memoryMessage()) || !acceptsFile(path) ||
+    if (!readWhole(path, newWatch()) || !acceptsFile(path) ||
         !parseDicomHeader(bytes(), path, header, state().rawDataByteOrder) || !headerFitsSettings())
         return false;
     takeSizes();

@@ -6,7 +6,7 @@
 
 class SiemensMosaicReader : public FileVolumeReader {
 public:
-    explicit SiemensMosaicReader(const IntakeContext& context) : FileVolumeReader(context) {}
+    explicit SiemensMosaicReader(const IntakeContext& context);
     [[nodiscard]] bool readFirstVolume() override;
     [[nodiscard]] bool readVolume(int volume) override;
     /// Geometry and timing from the first file.
@@ -16,7 +16,7 @@ private:
     [[nodiscard]] QString fileName(qint64 measured) const;
     [[nodiscard]] bool layoutIsUsable() const;
     [[nodiscard]] ExpectedFile expectedFirstFile() const;
-    [[nodiscard]] bool takeVolume(const QString& path, Stage stage, std::span<int16_t> volume);
+    [[nodiscard]] bool takeVolume(const Image& image, Stage stage, std::span<int16_t> volume) const;
     [[nodiscard]] bool headerFitsSettings() const;
     void takeSizes();
 };

@@ -50,21 +50,22 @@ TEST(FindPixelData, AgreesWithThePlainSearch) {
     EXPECT_GT(nrOfHits, 100);
 }
 
-TEST(FindPixelData, KnowsWhereSamplesStart) {
+TEST(FindPixelData, KnowsWhereSamplesStartAndEnd) {
     const auto found = [](const QByteArray& bytes) {
         return findPixelData(bytesOf(bytes), PixelKeySearch::First);
     };
-    EXPECT_EQ(found(DicomBytes().pixels({1}).bytes)->valueOffset, 12);
-    EXPECT_EQ(found(DicomBytes(ByteOrder::Big, false).pixels({1}).bytes)->valueOffset, 8);
-    EXPECT_EQ(found(DicomBytes(ByteOrder::Big).pixels({1}).bytes)->byteOrder, ByteOrder::Big);
-    EXPECT_FALSE(found(DicomBytes().pixels({1}).bytes)->encapsulated);
-    EXPECT_TRUE(found(DicomBytes().header(0x7FE0, 0x10, "OB", 0xFFFFFFFF).bytes)->encapsulated);
+    for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big})
+        for (const bool explicitVR : {true, false}) {
+            const auto pixels = found(DicomBytes(order, explicitVR).pixels({1, 2}).bytes);
+            EXPECT_EQ(pixels->valueOffset, explicitVR ? 12 : 8);
+            EXPECT_EQ(pixels->byteOrder, order);
+            EXPECT_EQ(pixels->statedLength, 4u);
+        }
+    EXPECT_TRUE(found(DicomBytes().header(0x7FE0, 0x10, "OB", 0xFFFFFFFF).bytes)->encapsulated());
     EXPECT_FALSE(found("x" + DicomBytes().pixels({1}).bytes)) << "only even offsets count";
     std::vector<uint8_t> cut{0xE0, 0x7F, 0x10, 0x00};
+    EXPECT_FALSE(findPixelData(cut, PixelKeySearch::Last)->statedLength);
     EXPECT_TRUE(pixelBytes(cut, *findPixelData(cut, PixelKeySearch::Last)).empty());
-}
-
-TEST(SwapSamples, StopsAtTheCountAndAtTheEnd) {
     std::vector<uint8_t> bytes{1, 2, 3, 4, 5};
     swapSamples(bytes, 1);
     EXPECT_EQ(bytes, (std::vector<uint8_t>{2, 1, 3, 4, 5}));

@@ -18,6 +18,7 @@ const QString damagedFile = "ERROR: Contrast file is damaged or ends too early!"
 DesignMatrix threeConditions() {
     DesignMatrix design;
     design.NrOfContrastPredictors = 3;
+    design.NrOfConditionPredictors = 2;
     design.NrOfPredictors = 4;
     return design;
 }

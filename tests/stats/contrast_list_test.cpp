@@ -9,7 +9,7 @@
 namespace {
 
 /// Conditions Rest, A, B, ... of which Rest is the baseline, with a constant behind them.
-ContrastDefinitions generated(const QStringList& conditions, int level) {
+DesignMatrix designOf(const QStringList& conditions) {
     DesignMatrix design;
     design.ContrastPredictorNames = conditions;
     design.NrOfContrastPredictors = int(conditions.size());
@@ -18,6 +18,10 @@ ContrastDefinitions generated(const QStringList& conditions, int level) {
     design.NrOfPredictors = int(conditions.size());
     for (int i = 0; i < conditions.size(); ++i)
         design.ContrastPredictorColors.push_back({100 * i, 10, 255});
+    return design;
+}
+
+ContrastDefinitions generated(const DesignMatrix& design, int level) {
     ContrastDefinitions contrasts;
     contrasts.BaselinePosInProtocol = 3;
     generateContrasts(contrasts, design, level);
@@ -25,7 +29,7 @@ ContrastDefinitions generated(const QStringList& conditions, int level) {
 }
 
 TEST(AutomaticContrasts, CompareConditionsWithBaselineAndEachOther) {
-    const ContrastDefinitions contrasts = generated({"Rest", "A", "B", "C"}, 2);
+    const ContrastDefinitions contrasts = generated(designOf({"Rest", "A", "B", "C"}), 2);
     EXPECT_EQ(contrasts.ContrastNames, QStringList({"A vs. Rest", "B vs. Rest", "C vs. Rest",
                                                     "B vs. A", "C vs. A", "C vs. B"}));
     EXPECT_EQ(contrasts.ContrastValues[1], std::vector<int>({-1, 0, 1, 0}));
@@ -46,10 +50,21 @@ TEST(AutomaticContrasts, FollowTheLevelAndTheNumberOfConditions) {
          {Case{{"Rest"}, 2, 0}, Case{{}, 2, 0}, Case{{"Rest", "A"}, 2, 1},
           Case{{"Rest", "A", "B"}, 0, 0}, Case{{"Rest", "A", "B"}, 1, 2},
           Case{{"Rest", "A", "B"}, 3, 2}}) {
-        const ContrastDefinitions contrasts = generated(conditions, level);
+        const ContrastDefinitions contrasts = generated(designOf(conditions), level);
         EXPECT_EQ(contrasts.NrOfContrasts, expected);
         EXPECT_EQ(int(contrasts.ContrastWeights.size()), expected);
     }
+}
+
+TEST(AutomaticContrasts, LeaveOutConditionsThatAFullDesignHasNoColumnFor) {
+    DesignMatrix design = designOf({"Rest", "A", "B", "C"});
+    design.NrOfConditionPredictors = 2; // columns A, B, then confounds
+    ContrastDefinitions contrasts = generated(design, 2);
+    EXPECT_EQ(contrasts.ContrastNames, QStringList({"A vs. Rest", "B vs. Rest", "B vs. A"}));
+    contrasts.ContrastValues = {{-1, 0, 0, 1}, {0, -1, 0, 1}, {-1, 0, 1, 0}};
+    rebuildContrastWeights(contrasts, design);
+    EXPECT_EQ(contrasts.ContrastWeights,
+              (std::vector<std::vector<int>>{{0, 0, 0, 0}, {0, 0, 0, 0}, {0, 1, 0, 0}}));
 }
 
 TEST(Selection, TogglesBitsOfAtMostFourAndJoinsTwo) {

@@ -94,12 +94,14 @@ TEST(PredictorNames, ConditionsBeyondTheTableAreLeftOutWithOneWarning) {
     ScriptedMessages messages;
     messages.expect(MessageLevel::Warning,
                     "WARNING: The protocol has more conditions than the design matrix has "
-                    "columns; only the first 48 conditions are modelled.");
+                    "columns; only the first 49 conditions are modelled.");
+    messages.expect(MessageLevel::Warning, "WARNING: The design matrix has no columns for 1 drift "
+                                           "predictors; only 0 are modelled.");
     DesignMatrix design;
     const DesignSource source{.protocol = protocol, .NrOfVolumes = 70};
     for (int repetition = 0; repetition < 2; ++repetition)
         buildNames(design, source);
-    EXPECT_EQ(design.NrOfConditionPredictors, 48);
+    EXPECT_EQ(design.NrOfConditionPredictors, 49);
     EXPECT_EQ(design.PredictorNames.size(), 50);
     EXPECT_EQ(design.NrOfContrastPredictors, 60);
     EXPECT_TRUE(createConditionPredictors(design, source));

@@ -68,8 +68,11 @@ QString ScriptedMessages::chooseFileToOpen(const QString& title, const QString&,
     return meet("file choice", title);
 }
 
-QString ScriptedMessages::chooseFileToSave(const QString& title, const QString&, const QString&) {
-    return meet("file choice", title);
+void ScriptedMessages::chooseFileToSave(const QString& title, const QString&, const QString&,
+                                        FileChosen chosen) {
+    const QString answer = meet("file choice", title);
+    if (!answer.isEmpty())
+        chosen(answer);
 }
 
 QString ScriptedMessages::meet(const QString& kind, const QString& text) {

@@ -28,12 +28,14 @@ public:
     std::function<void()> onQuestion;
 
     void show(MessageLevel level, const QString& text) override;
+    void showAside(MessageLevel level, const QString& text) override { show(level, text); }
     bool ask(const QString& text) override;
     void announce(const QString& title, const QString& text, const QString& button) override;
     QString chooseFileToOpen(const QString& title, const QString& folder,
                              const QString& filter) override;
-    QString chooseFileToSave(const QString& title, const QString& folder,
-                             const QString& filter) override;
+    /// Answers at once.
+    void chooseFileToSave(const QString& title, const QString& folder, const QString& filter,
+                          FileChosen chosen) override;
 
 private:
     struct Expectation {

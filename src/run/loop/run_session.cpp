@@ -10,6 +10,7 @@
 #include "run/loop/volume_loop.h"
 #include "run/settings/settings_file.h"
 #include "stats/clusters.h"
+#include "stats/numerics/matrix_products.h"
 #include "stats/thresholds.h"
 
 namespace {
@@ -29,7 +30,9 @@ private:
 } // namespace
 
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
-    : makeReader(makeVolumeReader), pump_(pump), display_(display) {}
+    : makeReader(makeVolumeReader), pump_(pump), display_(display) {
+    numerics::initialiseNumerics();
+}
 
 RunSession::~RunSession() = default;
 

@@ -51,14 +51,15 @@ QMenu::separator { height: 1px; background: #2a3746; margin: 4px 8px; }
 #ContrastBackgroundGrpBx { border: 0; background: transparent; color: #9fb0c0; }
 #ContrastBackgroundGrpBx::title { subcontrol-origin: padding; left: 12px; top: 8px; }
 #ContrastList { background: #0e141b; border: 1px solid #2a3746; border-radius: 6px; }
+#ContrastList:focus { border-color: #2fc4b2; }
 #ContrastList::item { height: 26px; }
 #ContrastList::item:selected { background: #202b38; color: #e3eaf0; }
 QHeaderView::section { background: #151d27; color: #9fb0c0; border: 0; padding: 4px; }
-#LogInfos { background: transparent; border: 0; padding: 4px 8px; }
+#LogInfos { background: transparent; border: 0; padding: 0 8px; }
 QToolButton, QPushButton { background: #202b38; border: 1px solid #314153; border-radius: 6px;
     color: #e3eaf0; padding: 5px; }
 QToolButton:hover, QPushButton:hover { border-color: #2fc4b2; }
-QToolButton:focus, QPushButton:focus { border-color: #2fc4b2; }
+QToolButton:focus, QPushButton:focus { border-color: #2fc4b2; outline: 0; }
 QToolButton:pressed, QPushButton:pressed { background: #18212b; }
 QToolButton:checked, QPushButton:checked { background: #1f4b47; border-color: #2fc4b2; }
 QToolButton:disabled, QPushButton:disabled { background: #151d27; border-color: #232f3c;

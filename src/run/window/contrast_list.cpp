@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/contrast_list.h"
 
-#include "run/window/message_boxes.h"
-
+#include <QColorDialog>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QPainter>
 
 namespace {
@@ -30,9 +30,7 @@ QIcon stateIcon(bool on) {
 
 } // namespace
 
-ContrastList::ContrastList(QWidget* parent)
-    : QTreeWidget(parent),
-      chooseColor([this](const QColor& initial) { return ::chooseColor(initial, window()); }) {
+ContrastList::ContrastList(QWidget* parent) : QTreeWidget(parent) {
     setObjectName("ContrastList");
     setColumnCount(4);
     setHeaderLabels({"Contrast", "+", QString(QChar(0x2212)), QString()});
@@ -51,14 +49,16 @@ ContrastList::ContrastList(QWidget* parent)
         header()->resizeSection(column, 32);
         headerItem()->setTextAlignment(column, Qt::AlignCenter);
     }
-    setToolTip("Contrasts of the run. Click + to show positive values, \u2212 to show negative "
-               "ones (at most four contrasts at once), and the colour to choose another");
+    setToolTip(
+        "Contrasts of the run. Click + to show positive values, \u2212 to show negative "
+        "ones (at most four contrasts at once), and the colour to choose another. The keys +, "
+        "\u2212 and C do the same for the current contrast");
     connect(this, &QTreeWidget::itemClicked, this, &ContrastList::slotClickedContrastList);
 }
 
 void ContrastList::setContrasts(ContrastDefinitions* contrasts) {
     contrasts_ = contrasts;
-    ++generation_;
+    delete colorDialog_;
     clear();
     if (!contrasts_)
         return;
@@ -90,6 +90,20 @@ void ContrastList::slotClickedContrastList(QTreeWidgetItem* item, int column) {
         editColor(index);
 }
 
+void ContrastList::keyPressEvent(QKeyEvent* event) {
+    const int key = event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)
+                        ? int(Qt::Key_unknown)
+                        : event->key();
+    if (key == Qt::Key_Plus)
+        slotClickedContrastList(currentItem(), Positive);
+    else if (key == Qt::Key_Minus)
+        slotClickedContrastList(currentItem(), Negative);
+    else if (key == Qt::Key_C)
+        slotClickedContrastList(currentItem(), Color);
+    else
+        QTreeWidget::keyPressEvent(event);
+}
+
 void ContrastList::toggle(int index, ContrastState bit) {
     if (!toggleContrast(*contrasts_, index, bit))
         return;
@@ -97,14 +111,18 @@ void ContrastList::toggle(int index, ContrastState bit) {
     Q_EMIT contrastsEdited();
 }
 
+// The chooser is not waited for: a run goes on while it is open. It closes when the contrasts go.
 void ContrastList::editColor(int index) {
-    const int generation = generation_;
-    const std::optional<QColor> chosen =
-        chooseColor(toQColor(contrasts_->ContrastColors[size_t(index)]));
-    if (!chosen || generation != generation_)
-        return;
-    contrasts_->ContrastColors[size_t(index)] =
-        RgbColor{chosen->red(), chosen->green(), chosen->blue()};
-    showRow(index);
-    Q_EMIT contrastsEdited();
+    delete colorDialog_;
+    colorDialog_ = new QColorDialog(toQColor(contrasts_->ContrastColors[size_t(index)]), window());
+    colorDialog_->setAttribute(Qt::WA_DeleteOnClose);
+    colorDialog_->setOption(QColorDialog::DontUseNativeDialog);
+    colorDialog_->setWindowTitle("Color of " + contrasts_->ContrastNames.value(index));
+    connect(colorDialog_, &QColorDialog::colorSelected, this, [this, index](const QColor& chosen) {
+        contrasts_->ContrastColors[size_t(index)] =
+            RgbColor{chosen.red(), chosen.green(), chosen.blue()};
+        showRow(index);
+        Q_EMIT contrastsEdited();
+    });
+    colorDialog_->show();
 }

@@ -4,9 +4,10 @@
 
 #include "stats/contrasts.h"
 
+#include <QPointer>
 #include <QTreeWidget>
-#include <functional>
-#include <optional>
+
+class QColorDialog;
 
 /// Shows a run's contrasts and changes their selection and colours. It does not own them.
 class ContrastList : public QTreeWidget {
@@ -20,10 +21,6 @@ public:
     /// Fills the tree; nullptr empties it. The contrasts must outlive the list or the next call.
     void setContrasts(ContrastDefinitions* contrasts);
 
-    /// Asks for a colour; the program's colour chooser unless a test puts its own here. The chooser
-    /// runs an event loop, in which the contrasts may be replaced.
-    std::function<std::optional<QColor>(const QColor& initial)> chooseColor;
-
 Q_SIGNALS:
     /// Selection or colours have changed.
     void contrastsEdited();
@@ -31,11 +28,15 @@ Q_SIGNALS:
 public Q_SLOTS:
     void slotClickedContrastList(QTreeWidgetItem* item, int column);
 
+protected:
+    /// +, - and C do for the current contrast what a click in its columns does.
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void toggle(int index, ContrastState bit);
     void editColor(int index);
     void showRow(int index);
 
     ContrastDefinitions* contrasts_ = nullptr;
-    int generation_ = 0; ///< counts calls of setContrasts()
+    QPointer<QColorDialog> colorDialog_; ///< open for one of the contrasts
 };

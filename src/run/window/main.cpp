@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/event_pump.h"
 #include "base/standard_folders.h"
-#include "run/window/licence_dialog.h"
 #include "run/window/message_boxes.h"
+#include "run/window/program_dialogs.h"
 #include "run/window/velo_cortivo.h"
 #include "run/window/velo_cortivo_application.h"
 

@@ -4,22 +4,15 @@
 
 #include "base/messages.h"
 
-#include <QColor>
-#include <optional>
-
-class QWidget;
-
 /// Shows modal boxes over the active window. Installed for the whole program by main().
 class MessageBoxes : public MessageHandler {
 public:
     void show(MessageLevel level, const QString& text) override;
+    void showAside(MessageLevel level, const QString& text) override;
     [[nodiscard]] bool ask(const QString& text) override;
     void announce(const QString& title, const QString& text, const QString& button) override;
     [[nodiscard]] QString chooseFileToOpen(const QString& title, const QString& folder,
                                            const QString& filter) override;
-    [[nodiscard]] QString chooseFileToSave(const QString& title, const QString& folder,
-                                           const QString& filter) override;
+    void chooseFileToSave(const QString& title, const QString& folder, const QString& filter,
+                          FileChosen chosen) override;
 };
-
-/// The colour that the operator chooses; nothing when they cancel.
-[[nodiscard]] std::optional<QColor> chooseColor(const QColor& initial, QWidget* parent);

@@ -5,9 +5,9 @@
 #include "base/messages.h"
 #include "run/window/appearance.h"
 #include "run/window/contrast_list.h"
-#include "run/window/licence_dialog.h"
 #include "run/window/main_window_pointer.h"
 #include "run/window/message_boxes.h"
+#include "run/window/program_dialogs.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -53,6 +53,7 @@ void VeloCortivo::initVars() {
     refreshViewButtons();
     refreshControls();
     connectControls();
+    recordButton_->setFocus();
     checkStateInterval_ = 1000;
     timer_.start(checkStateInterval_);
 }
@@ -70,6 +71,7 @@ void VeloCortivo::closeEvent(QCloseEvent* event) {
         return;
     }
     timer_.stop();
+    rememberMaster();
     event->accept();
     QCoreApplication::quit();
 }
@@ -95,6 +97,9 @@ void VeloCortivo::mouseMoveEvent(QMouseEvent* event) {
         return;
     move(reachablePosition(screenArea(this), size(),
                            event->globalPosition().toPoint() - *dragOffset_));
+    remembered_.windowCentredX = remembered_.windowCentredY = false;
+    remembered_.windowX = x();
+    remembered_.windowY = y();
 }
 
 void VeloCortivo::mouseReleaseEvent(QMouseEvent*) {
@@ -106,9 +111,5 @@ void VeloCortivo::slotShowLicenseInfoDlg() {
 }
 
 void VeloCortivo::slotShowAboutDlg() {
-    announce("About Velo-Cortivo",
-             QStringLiteral("Velo-Cortivo %1\n\nReal-time analysis of functional magnetic "
-                            "resonance imaging.\n\nFor research; not a medical product.")
-                 .arg(VELO_VERSION),
-             "OK");
+    showAboutDialog(this);
 }

@@ -46,6 +46,7 @@ public:
     /// Reads MasterVCO and takes what it says. False when there is neither a file nor a way to make
     /// one: the window then has its default size and place.
     [[nodiscard]] bool readMasterFile();
+    /// Writes what the operator changed: the settings file, the window's size and place.
     [[nodiscard]] bool writeMasterFile();
     /// Takes a settings file; with an empty name a file chooser asks for it.
     void setSettingsFile(const QString& name);
@@ -74,6 +75,7 @@ public Q_SLOTS:
     void initDefaultPalettes();
     void timerCheckState() { timerCheckState(false); }
     void slotRealTimeAnalysis();
+    void slotReloadData();
     void slotToNextRecording() { toNeighbour(+1); }
     void slotToPreviousRecording() { toNeighbour(-1); }
     void slotUpdateAutoAdvance();
@@ -143,19 +145,24 @@ private:
     void showOutcome(const WatchOutcome& outcome);
     void refreshSettings();
     void endIfAsked();
+    void rememberMaster();
     [[nodiscard]] bool documentShown() const;
-    [[nodiscard]] bool numberBeingTyped() const;
 
     RunSession session_;
     EventPump& pump_;
     StandardFolders folders_;
-    MasterFile master_;
+    MasterFile master_;     ///< in force
+    MasterFile remembered_; ///< as read, with what the operator changed
+    QString masterTextAtStart_;
     bool autoStartPending_ = false;
     int highestRunNumber_ = -1;
     int checkStateInterval_ = 1000; ///< milliseconds
     QTimer timer_;
     bool runInProgress_ = false; ///< from its start to the end of saving
     bool endAfterRun_ = false;
+    /// The next volume does not give the keyboard focus to the slices: the operator went to a
+    /// control with the Tab key, or clicked in a number to change it.
+    bool controlKeepsFocus_ = false;
     InputFlags inputFlags_;
     RoiDisplayStyle roiDisplayStyle_ = RoiDisplayStyle::RectanglesAndMarkedVoxels;
     QPixmap skin_;

@@ -14,6 +14,7 @@
 
 void VeloCortivo::connectControls() {
     connect(recordButton_, &QToolButton::clicked, this, &VeloCortivo::slotRealTimeAnalysis);
+    connect(reloadButton_, &QToolButton::clicked, this, &VeloCortivo::slotReloadData);
     connect(toBeginButton_, &QToolButton::clicked, this, &VeloCortivo::slotToPreviousRecording);
     connect(toEndButton_, &QToolButton::clicked, this, &VeloCortivo::slotToNextRecording);
     connect(preLoadRoiButton_, &QPushButton::clicked, this, &VeloCortivo::onPreLoadROI);
@@ -31,6 +32,7 @@ void VeloCortivo::connectControls() {
                                   static_cast<QAbstractSpinBox*>(clusterSizeBox_),
                                   static_cast<QAbstractSpinBox*>(multiSliceBox_)})
         connect(box->findChild<QLineEdit*>(), &QLineEdit::returnPressed, this, [this] {
+            controlKeepsFocus_ = false;
             if (functionalView_)
                 functionalView_->setFocus();
         });
@@ -113,11 +115,6 @@ void VeloCortivo::refreshViewButtons() {
     }
 }
 
-bool VeloCortivo::numberBeingTyped() const {
-    const auto* box = qobject_cast<QAbstractSpinBox*>(focusWidget());
-    return box && box->findChild<QLineEdit*>()->isModified();
-}
-
 void VeloCortivo::updateViews() {
     if (!functionalView_ || !functionalView_->isVisible())
         return;
@@ -125,8 +122,7 @@ void VeloCortivo::updateViews() {
     functionalView_->setOverlayShown(session_.state.mapsPresent);
     functionalView_->setHelpFile(session_.settings.ParadigmHelpFile);
     functionalView_->slotDocumentChanged();
-    // A number that is being typed when a volume comes stays open.
-    if (!numberBeingTyped())
+    if (!controlKeepsFocus_)
         functionalView_->setFocus();
 }
 

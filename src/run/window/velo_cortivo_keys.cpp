@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMouseEvent>
 
 bool VeloCortivo::eventFilter(QObject* watched, QEvent* event) {
@@ -24,6 +25,7 @@ bool VeloCortivo::eventFilter(QObject* watched, QEvent* event) {
         return false;
     case QEvent::MouseButtonPress: {
         const auto* mouse = static_cast<QMouseEvent*>(event);
+        controlKeepsFocus_ = qobject_cast<QLineEdit*>(watched) != nullptr;
         inputFlags_ = {mouse->modifiers().testFlag(Qt::ControlModifier),
                        mouse->modifiers().testFlag(Qt::ShiftModifier),
                        mouse->modifiers().testFlag(Qt::AltModifier), mouse->buttons()};
@@ -32,6 +34,9 @@ bool VeloCortivo::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::MouseButtonRelease:
         inputFlags_ = {};
         return false;
+    case QEvent::ContextMenu:
+        // These menus have an event loop of their own, in which a run would stand still.
+        return runInProgress_;
     default:
         return false;
     }
@@ -45,6 +50,8 @@ bool VeloCortivo::handleKey(int key, Qt::KeyboardModifiers modifiers) {
         session_.state.interruptFlag = true;
         return false; // it still closes a dialog
     }
+    if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
+        controlKeepsFocus_ = true;
     // What a modal box is asking about must not change behind it.
     if (QApplication::activeModalWidget())
         return false;

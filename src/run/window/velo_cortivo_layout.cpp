@@ -12,9 +12,11 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QTextBrowser>
+#include <QTextDocument>
 #include <QToolButton>
 
 namespace {
@@ -36,10 +38,24 @@ QToolButton* newButton(const char* name, const QString& toolTip, QWidget* parent
     return button;
 }
 
+/// The icon of a disabled button is as faint as its text would be.
+QIcon dimmableIcon(const QString& path) {
+    QIcon icon(path);
+    const QPixmap bright(path);
+    QPixmap faint(bright.size());
+    faint.fill(Qt::transparent);
+    QPainter painter(&faint);
+    painter.setOpacity(0.3);
+    painter.drawPixmap(0, 0, bright);
+    painter.end();
+    icon.addPixmap(faint, QIcon::Disabled);
+    return icon;
+}
+
 QToolButton* newIconButton(const char* name, const char* icon, const QString& toolTip,
                            QWidget* parent) {
     QToolButton* button = newButton(name, toolTip, parent);
-    button->setIcon(QIcon(QStringLiteral(":/images/%1.png").arg(icon)));
+    button->setIcon(dimmableIcon(QStringLiteral(":/images/%1.png").arg(icon)));
     button->setIconSize({24, 24});
     button->setFixedSize(44, 44);
     return button;
@@ -101,7 +117,10 @@ void VeloCortivo::createTitleRow() {
     menuBar_ = new QMenuBar(menuBarFrame_);
     menuBar_->setNativeMenuBar(false);
     menuBar_->setObjectName("MenuBar");
+    // No wider than its menus: the rest of the row is where the window is dragged.
+    menuBar_->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Minimum);
     menu->addWidget(menuBar_);
+    menu->addStretch();
 
     windowButtonsFrame_ = newPanel("WindowButtonsFrm", this);
     auto* buttons = new QHBoxLayout(windowButtonsFrame_);
@@ -249,6 +268,8 @@ void VeloCortivo::placePanels() {
     for (const PanelPlace& place : panelPlaces())
         if (auto* panel = findChild<QWidget*>(place.name, Qt::FindDirectChildrenOnly))
             panel->setGeometry(place.at(size));
+    // In the small window the seven lines after a run need all of the panel.
+    logInfos_->document()->setDocumentMargin(size == WindowSize::Small ? 0 : 6);
 }
 
 void VeloCortivo::applyWindowSize() {
@@ -279,5 +300,6 @@ void VeloCortivo::slotUpdateWindowSize() {
 
 void VeloCortivo::slotSwitchWindowSize() {
     master_.windowSize = master_.windowSize == 1 ? 2 : 1;
+    remembered_.windowSize = master_.windowSize;
     slotUpdateWindowSize();
 }

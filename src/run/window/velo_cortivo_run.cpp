@@ -15,6 +15,11 @@ void VeloCortivo::slotRealTimeAnalysis() {
     session_.runButtonPressed();
 }
 
+void VeloCortivo::slotReloadData() {
+    if (!runInProgress_)
+        session_.reloadData();
+}
+
 void VeloCortivo::setPreLoadEnabled(bool enabled) {
     preLoadRoiButton_->setEnabled(enabled);
     preLoadVoiButton_->setEnabled(enabled);
@@ -23,6 +28,8 @@ void VeloCortivo::setPreLoadEnabled(bool enabled) {
 void VeloCortivo::runStarting() {
     runInProgress_ = true;
     timer_.stop();
+    // Dragging selected text would hold up the run.
+    logInfos_->setTextInteractionFlags(Qt::NoTextInteraction);
     toBeginButton_->setEnabled(false);
     toEndButton_->setEnabled(false);
     reloadButton_->setEnabled(false);
@@ -54,11 +61,13 @@ void VeloCortivo::runPrepared() {
 
 void VeloCortivo::preparationFailed() {
     runInProgress_ = false;
+    logInfos_->setTextInteractionFlags(Qt::TextBrowserInteraction);
     endIfAsked();
 }
 
 void VeloCortivo::runEnded() {
     runInProgress_ = false;
+    logInfos_->setTextInteractionFlags(Qt::TextBrowserInteraction);
     reloadButton_->setEnabled(true);
     setPreLoadEnabled(true);
     refreshControls();

@@ -25,6 +25,8 @@ bool isFile(const QString& path) {
 bool VeloCortivo::readMasterFile() {
     const MasterFileResult result =
         ::readMasterFile(folders_.applicationDataPath, folders_.dataPath, master_);
+    remembered_ = master_;
+    masterTextAtStart_ = masterFileText(remembered_);
     session_.settings.settingsFilePath =
         paths::join(master_.settingsDirectory, master_.settingsFileName);
     if (result == MasterFileResult::Created)
@@ -41,7 +43,13 @@ bool VeloCortivo::readMasterFile() {
 }
 
 bool VeloCortivo::writeMasterFile() {
-    return ::writeMasterFile(folders_.applicationDataPath, master_);
+    return ::writeMasterFile(folders_.applicationDataPath, remembered_);
+}
+
+void VeloCortivo::rememberMaster() {
+    // A file that says the same is left alone, comments included.
+    if (masterFileText(remembered_) != masterTextAtStart_)
+        (void)writeMasterFile(); // a failure has been shown, and the program ends all the same
 }
 
 void VeloCortivo::setSettingsFile(const QString& name) {
@@ -58,6 +66,8 @@ void VeloCortivo::setSettingsFile(const QString& name) {
     session_.settings.settingsFilePath = chosen;
     master_.settingsDirectory = paths::folderWithSlash(chosen);
     master_.settingsFileName = paths::fileName(chosen);
+    remembered_.settingsDirectory = master_.settingsDirectory;
+    remembered_.settingsFileName = master_.settingsFileName;
     session_.settings.Title.clear();
     session_.settings.MergeType = false;
     session_.state.runFinished = false;
@@ -104,7 +114,6 @@ void VeloCortivo::timerCheckState(bool BeforeAppExec) {
         return;
     preLoadRoiButton_->setChecked(master_.autoAdvanceRun);
     preLoadVoiButton_->setChecked(master_.autoStartRun);
-    reloadButton_->setEnabled(false);
     refreshViewButtons();
     const WatchState watch{master_.settingsDirectory, master_.settingsFileName,
                            master_.autoAdvanceRun,    master_.autoStartRun,
@@ -118,6 +127,8 @@ void VeloCortivo::timerCheckState(bool BeforeAppExec) {
     highestRunNumber_ = outcome.highestRunNumber;
     toBeginButton_->setEnabled(outcome.previousExists);
     toEndButton_->setEnabled(outcome.nextExists);
+    if (outcome.action == WatchAction::Wait)
+        reloadButton_->setEnabled(false);
     showOutcome(outcome);
     if (outcome.action == WatchAction::StartRun) {
         autoStartPending_ = false;
@@ -166,7 +177,7 @@ void VeloCortivo::showOutcome(const WatchOutcome& outcome) {
 
 void VeloCortivo::refreshSettings() {
     if (!session_.state.runFinished && !session_.inspectSettings())
-        return;
+        return reloadButton_->setEnabled(false);
     const RunSettings& settings = session_.settings;
     const QString project = paths::withDefaultExtension(
         paths::join(settings.TargetFolder, settings.ProjectName), "fmr");

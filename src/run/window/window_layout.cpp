@@ -41,6 +41,7 @@ QPoint reachablePosition(const QRect& screen, QSize window, QPoint position) {
     constexpr int handle = 80; // pixels of the title row that stay on the screen
     const int left = screen.left() + handle - window.width();
     const int right = std::max(screen.right() - handle, left);
-    const int bottom = std::max(screen.bottom() - handle, screen.top());
-    return {std::clamp(position.x(), left, right), std::clamp(position.y(), screen.top(), bottom)};
+    const int top = std::min(screen.top(), screen.bottom() + 1 - window.height());
+    const int bottom = std::max(screen.bottom() - handle, top);
+    return {std::clamp(position.x(), left, right), std::clamp(position.y(), top, bottom)};
 }

@@ -28,5 +28,6 @@ struct PanelPlace {
 /// negative position.
 [[nodiscard]] QPoint windowPosition(const QRect& screen, QSize window, bool centredX, bool centredY,
                                     QPoint wanted);
-/// The position moved so that the title row of the window can be reached on the screen.
+/// The position moved so that the title row of the window can be reached on the screen, or, where
+/// the window is taller than the screen, its lower edge.
 [[nodiscard]] QPoint reachablePosition(const QRect& screen, QSize window, QPoint position);

@@ -8,9 +8,11 @@
 #include "support/simulated_pump.h"
 
 #include <QCheckBox>
+#include <QColorDialog>
 #include <QDir>
 #include <QDoubleSpinBox>
 #include <QFile>
+#include <QLineEdit>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -103,6 +105,33 @@ TEST_F(MainWindow, KeysNeedADocumentAndCountOnce) {
     EXPECT_DOUBLE_EQ(control<QDoubleSpinBox>("ThresholdSpBx").value(), 3.2);
 }
 
+TEST_F(MainWindow, AVolumeLeavesANumberThatIsTypedItsFocus) {
+    prepare(0);
+    auto& box = control<QDoubleSpinBox>("ThresholdSpBx");
+    QTest::mouseClick(box.findChild<QLineEdit*>(), Qt::LeftButton);
+    window_->updateViews();
+    EXPECT_EQ(window_->focusWidget(), &box);
+    QTest::keyClick(&box, Qt::Key_Return);
+    EXPECT_EQ(window_->focusWidget(), &control("FunctionalView"));
+}
+
+TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
+    prepare(1);
+    // Each of these has an event loop of its own unless it is told otherwise.
+    click(0, ContrastList::Color);
+    window_->slotShowAboutDlg();
+    window_->slotShowLicenseInfoDlg();
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    const auto* box = &control<QSpinBox>("ClusterSizeSpBx");
+    QContextMenuEvent menu(QContextMenuEvent::Mouse, {3, 3}, box->mapToGlobal(QPoint(3, 3)));
+    QCoreApplication::sendEvent(box->findChild<QLineEdit*>(), &menu);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    window_->runStarting();
+    window_->documentsLeaving();
+    EXPECT_EQ(window_->findChild<QColorDialog*>(), nullptr) << "its contrast has gone";
+    runOver();
+}
+
 TEST_F(MainWindow, ThresholdControlsKeepTheirOrder) {
     prepare(0);
     auto& lower = control<QDoubleSpinBox>("ThresholdSpBx");
@@ -129,14 +158,17 @@ TEST_F(MainWindow, ContrastColumnsToggleSignsOfAtMostFour) {
     click(0, ContrastList::Positive);
     EXPECT_EQ(states[0], ContrastNegative);
     click(0, ContrastList::Name);
+    QTest::keyClick(&control("ContrastList"), Qt::Key_Plus);
+    QTest::keyClick(&control("ContrastList"), Qt::Key_Plus);
+    EXPECT_EQ(states[0], ContrastNegative);
     for (int row = 1; row < 5; ++row)
         click(row, ContrastList::Positive);
     EXPECT_EQ(states, (std::vector<int>{2, 1, 1, 1, 0}));
 
-    control<ContrastList>("ContrastList").chooseColor = [](const QColor&) {
-        return std::optional(QColor(1, 2, 3));
-    };
     click(3, ContrastList::Color);
+    auto& chooser = *window_->findChild<QColorDialog*>();
+    chooser.setCurrentColor(QColor(1, 2, 3));
+    chooser.accept();
     EXPECT_EQ(document().contrasts.ContrastColors[3], (RgbColor{1, 2, 3}));
 }
 
@@ -197,6 +229,38 @@ TEST_F(MainWindow, FirstStartWaitsOrOffersTheSample) {
     EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("VCO_FacesHouses-1.vco"));
     EXPECT_FALSE(control("ToBeginBtn").isEnabled());
     EXPECT_FALSE(control("EPISlicesBtn").isEnabled());
+}
+
+TEST_F(MainWindow, RemembersWhatTheOperatorChanged) {
+    const auto content = [this] {
+        QFile file(folders_.applicationDataPath + "MasterVCO");
+        return file.open(QIODevice::ReadWrite) ? file.readAll() : QByteArray();
+    };
+    const auto setContent = [this](const QByteArray& text) {
+        QFile file(folders_.applicationDataPath + "MasterVCO");
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+    };
+    const QByteArray commented = content() + "\n; by hand";
+    setContent(commented);
+    window_->close();
+    EXPECT_EQ(content(), commented) << "nothing was changed";
+
+    window_->show();
+    window_->setSettingsFile(home_.path() + "/run-7.vco");
+    window_->slotSwitchWindowSize();
+    window_->close();
+    EXPECT_TRUE(content().contains("\"run-7.vco\""));
+    EXPECT_TRUE(content().contains("WindowSize:                1"));
+    EXPECT_TRUE(content().contains("HorizontalWindowPosition:  Centered"));
+
+    window_->show();
+    const QPoint grip = window_->rect().topLeft() + QPoint(100, 20);
+    const QPoint place = window_->pos() + QPoint(7, 30);
+    QTest::mousePress(window_.get(), Qt::LeftButton, {}, grip);
+    QMouseEvent drag(QEvent::MouseMove, grip, place + grip, Qt::LeftButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(window_.get(), &drag);
+    window_->close();
+    EXPECT_TRUE(content().contains("VerticalWindowPosition:    " + QByteArray::number(place.y())));
 }
 
 TEST_F(MainWindow, MissingFolderLeavesAWayOut) {

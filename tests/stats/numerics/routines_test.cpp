@@ -1,5 +1,6 @@
 // Special functions against published tables and closed forms; sorting, splines, products.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/numerics/allocation.h"
 #include "stats/numerics/matrix_products.h"
 #include "stats/numerics/run_time_error.h"
 #include "stats/numerics/sorting.h"
@@ -45,6 +46,17 @@ TEST(Betai, BadArgumentsEndTheProgramWithTheirText) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), text + text + text);
     EXPECT_EQ(betacf(1e12, 1e12, 0.5), 0.0);
     EXPECT_EQ(end.statuses, (std::vector<int>{1, 1, 1, 1}));
+}
+
+TEST(Allocation, EndsTheProgramWithItsText) {
+    RecordedProgramEnd end;
+    testing::internal::CaptureStderr();
+    std::vector<float> values;
+    EXPECT_FALSE(allocateMatrix(values, size_t(1) << 50, 50));
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("\nallocation failure 2 in matrix()\n"),
+              std::string::npos);
+    EXPECT_EQ(end.statuses, std::vector<int>{1});
+    EXPECT_TRUE(allocateMatrix(values, 2, 3) && values == std::vector<float>(6, 0.0f));
 }
 
 TEST(Sorting, IsStableAndPutsWhatIsNotANumberLast) {

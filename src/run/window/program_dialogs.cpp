@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/window/program_dialogs.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+void openTextDialog(QWidget* parent, const char* name, const QString& title, const QString& text) {
+    if (auto* open = parent->findChild<QDialog*>(name)) {
+        open->raise();
+        open->activateWindow();
+        return;
+    }
+    auto* dialog = new QDialog(parent);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setObjectName(name);
+    dialog->setWindowTitle(title);
+    auto* label = new QLabel(text, dialog);
+    label->setWordWrap(true);
+    label->setMinimumWidth(440);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, dialog);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
+    auto* layout = new QVBoxLayout(dialog);
+    layout->setContentsMargins(20, 16, 20, 16);
+    layout->setSpacing(16);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->addWidget(label);
+    layout->addWidget(buttons);
+    buttons->button(QDialogButtonBox::Ok)->setFocus();
+    dialog->show();
+}
+
+} // namespace
+
+bool licencePermits() {
+    return true;
+}
+
+void showLicenceDialog(QWidget* parent) {
+    openTextDialog(
+        parent, "LicenseInfoDlg", "License Information",
+        "<h3>Velo-Cortivo is free software</h3>"
+        "<p>You may use, study, share and change it under the terms of the GNU General Public "
+        "License, version 3 or later (GPL-3.0-or-later).<br>It comes without any warranty.</p>"
+        "<p>It uses these libraries:</p>"
+        "<table cellspacing=\"6\">"
+        "<tr><td><b>Qt 6</b></td><td>GNU Lesser General Public License 3 (LGPL-3.0)</td></tr>"
+        "<tr><td><b>OpenBLAS</b></td><td>BSD 3-Clause (BSD-3-Clause)</td></tr>"
+        "</table>"
+        "<p>The full text stands in the file LICENSE of the program.</p>");
+}
+
+void showAboutDialog(QWidget* parent) {
+    openTextDialog(parent, "AboutDlg", "About Velo-Cortivo",
+                   QStringLiteral("<h3>Velo-Cortivo %1</h3>"
+                                  "<p>Real-time analysis of functional magnetic resonance "
+                                  "imaging.</p>"
+                                  "<p>For research; not a medical product.</p>")
+                       .arg(VELO_VERSION));
+}

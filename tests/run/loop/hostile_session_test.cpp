@@ -1,0 +1,203 @@
+// Whole runs on files that are damaged, late or missing.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+
+#include "scanner_simulator/delivery.h"
+#include "scanner_simulator/simulated_scan.h"
+
+namespace {
+
+constexpr int sliceSamples = 16 * 16;
+constexpr int nrOfSlices = 4;
+constexpr int mosaicBytes = 2 * 32 * 32;
+const QByteArray pixelKey = QByteArray::fromHex("e07f1000");
+const char* const lateFirstFile = "TIME OUT: Expected first file did not arrive!";
+const char* const lateFile = "TIME OUT ERROR: expected file did not arrive!";
+const char* const missingKey = "Header does not contain \"begin-of-data\" key (7FE0,0010) !";
+const char* const tooShort = "holds less image data than stated in the settings file !";
+
+// Twelve volumes of 16 x 16 x 4 samples, two of them skipped.
+struct HostileSession {
+    explicit HostileSession(ScannerType type) : scan(options(type, folder.path(), 16)) {
+        EXPECT_TRUE(scan.writeSettings() && scan.writeProtocol());
+        EXPECT_TRUE(QDir().mkpath(scan.watchFolder()));
+        session.settings.settingsFilePath = folder.filePath("Simulation-1.vco");
+        session.settings.settingsFileDir = folder.path() + "/";
+        messages.acceptAnything();
+    }
+    static SimulationOptions options(ScannerType type, const QString& folder, int size) {
+        SimulationOptions chosen;
+        chosen.type = type;
+        chosen.folder = folder;
+        chosen.sizeX = chosen.sizeY = size;
+        chosen.nrOfSlices = nrOfSlices;
+        chosen.nrOfVolumes = 12;
+        return chosen;
+    }
+    void writeAll() const {
+        for (int volume = 0; volume < 12; ++volume)
+            ASSERT_TRUE(scan.writeVolume(volume, scan.watchFolder()));
+    }
+    void write(const ScannerFile& file) const {
+        QFile target(scan.watchFolder() + file.name);
+        ASSERT_TRUE(target.open(QIODevice::WriteOnly));
+        target.write(file.bytes);
+    }
+    // The messages of one run, in order.
+    QStringList run() {
+        const qsizetype before = messages.shown().size();
+        session.runButtonState = RunButtonState::Ready;
+        session.runButtonPressed();
+        EXPECT_FALSE(session.state.runActive);
+        return messages.shown().mid(before);
+    }
+    // Number of saved volumes, after each sample was compared with what was measured.
+    [[nodiscard]] int savedVolumes() const {
+        QFile file(folder.filePath("results/Simulation-1.stc"));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray data = file.readAll();
+        const qsizetype volumes = data.size() / (2 * sliceSamples * nrOfSlices);
+        for (qsizetype volume = 0; volume < volumes; ++volume) {
+            const std::vector<uint16_t> measured = scan.volume(int(volume) + 2);
+            for (qsizetype i = 0; i < sliceSamples * nrOfSlices; ++i) {
+                const qsizetype at = (i / sliceSamples * volumes + volume) * sliceSamples;
+                const char* bytes = data.constData() + 2 * (at + i % sliceSamples);
+                if ((uint8_t(bytes[0]) | uint8_t(bytes[1]) << 8) != measured[size_t(i)])
+                    return -1;
+            }
+        }
+        return int(volumes);
+    }
+
+    QTemporaryDir folder;
+    ScriptedMessages messages;
+    RecordedProgramEnd programEnd;
+    SimulatedPump pump;
+    ProbeDisplay display;
+    RunSession session{pump, display};
+    SimulatedScan scan;
+};
+
+void expectMessages(const QStringList& shown, const QStringList& endings) {
+    ASSERT_EQ(shown.size(), endings.size()) << shown.join('\n').toStdString();
+    for (int i = 0; i < shown.size(); ++i)
+        EXPECT_TRUE(shown[i].endsWith(endings[i])) << shown[i].toStdString();
+}
+
+class HostileSessionTest : public testing::TestWithParam<ScannerType> {
+protected:
+    [[nodiscard]] bool isMosaic() const { return GetParam() == ScannerType::SiemensMosaic; }
+};
+
+INSTANTIATE_TEST_SUITE_P(Types, HostileSessionTest,
+                         testing::Values(ScannerType::SiemensMosaic, ScannerType::Dicom));
+
+} // namespace
+
+TEST_P(HostileSessionTest, FirstFileCutAnywhereEndsTheStartWithTheReason) {
+    HostileSession hostile(GetParam());
+    hostile.writeAll();
+    const ScannerFile good = hostile.scan.files(0)[0];
+    const qsizetype key = good.bytes.lastIndexOf(pixelKey);
+    for (qsizetype size = 0; size < good.bytes.size(); size += 100) {
+        SCOPED_TRACE(size);
+        hostile.write({good.name, good.bytes.first(size)});
+        QStringList endings{lateFirstFile};
+        if (!isMosaic() || size >= mosaicBytes)
+            endings.prepend(size < key + pixelKey.size() ? missingKey : tooShort);
+        expectMessages(hostile.run(), endings);
+        EXPECT_EQ(hostile.display.calls.last(), "failed");
+    }
+    hostile.write(good);
+    expectMessages(hostile.run(), {});
+    EXPECT_EQ(hostile.savedVolumes(), 10);
+}
+
+TEST_P(HostileSessionTest, FirstFileOfAnotherKindIsRefusedWithoutWaiting) {
+    HostileSession hostile(GetParam());
+    hostile.writeAll();
+    const ScannerFile good = hostile.scan.files(0)[0];
+    const SimulatedScan smaller(
+        HostileSession::options(GetParam(), hostile.folder.filePath("other"), 8));
+    const auto changed = [&good](const char* from, const char* to) {
+        return QByteArray(good.bytes).replace(QByteArray::fromHex(from), QByteArray::fromHex(to));
+    };
+    struct Case {
+        const char* name;
+        QByteArray bytes;
+        QStringList mosaicEndings;
+        QStringList sliceEndings; ///< a run of single slices reads no header
+    };
+    const Case cases[] = {
+        {"smaller than stated",
+         smaller.files(0)[0].bytes,
+         {tooShort, lateFirstFile},
+         {tooShort, lateFirstFile}},
+        {"compressed",
+         changed("312e322e3834302e31303030382e312e322e31", // 1.2.840.10008.1.2.1
+                 "312e322e3834302e31303030382e312e322e35"),
+         {"export it uncompressed !", lateFirstFile},
+         {"export it uncompressed !", lateFirstFile}},
+        {"other dimensions",
+         changed("28001100555302002000", "28001100555302004000"),
+         {"ERROR - dimensions of DICOM file (32 x 64) do not match those in VCO file (32 x 32) !"},
+         {}},
+        {"an element of 4 GiB",
+         changed("0800050043530a00", "08000500554e0000feffffff"),
+         {"ERROR: Read past the end of file, can not read file as regular DICOM!"},
+         {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const qint64 start = hostile.pump.milliseconds();
+        hostile.write({good.name, c.bytes});
+        expectMessages(hostile.run(), isMosaic() ? c.mosaicEndings : c.sliceEndings);
+        EXPECT_LT(hostile.pump.milliseconds() - start, 3000);
+    }
+    QFile huge(hostile.scan.watchFolder() + good.name);
+    ASSERT_TRUE(huge.resize(qint64(4) << 30)); // sparse
+    expectMessages(hostile.run(), {good.name + " !", lateFirstFile});
+    hostile.write(good);
+    expectMessages(hostile.run(), {});
+    EXPECT_EQ(hostile.savedVolumes(), 10);
+}
+
+TEST_P(HostileSessionTest, TroubleInTheMiddleKeepsWhatWasMeasured) {
+    struct Case {
+        const char* name;
+        DeliveryOptions delivery;
+        QStringList endings;
+        int saved;
+    };
+    // The settings give a file 30 seconds; the seventh volume is the fifth analysed one.
+    const Case cases[] = {
+        {"on time", {}, {}, 10},
+        {"growing", {.growing = true}, {}, 10},
+        {"late", {.late = {{7, 5000}}}, {}, 10},
+        {"too late", {.late = {{7, 40000}}}, {lateFile}, 4},
+        {"missing", {.missing = {7}}, {lateFile}, 4},
+        {"truncated", {.truncated = {7}}, {missingKey, lateFile}, 4},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        HostileSession hostile(GetParam());
+        const VolumeSource source{.nrOfVolumes = 12, .files = {}};
+        for (const auto& [volume, due] : deliverySchedule(c.delivery, source)) {
+            const bool truncated = c.delivery.truncated.contains(volume + 1);
+            for (ScannerFile file : hostile.scan.files(volume)) {
+                const QByteArray whole = file.bytes;
+                for (int quarter = c.delivery.growing ? 1 : 4; quarter <= 4; ++quarter) {
+                    file.bytes = whole.first(whole.size() * quarter / (truncated ? 8 : 4));
+                    hostile.pump.after(due + 150 * quarter,
+                                       [&hostile, file] { hostile.write(file); });
+                }
+            }
+        }
+        expectMessages(hostile.run(), c.endings);
+        EXPECT_EQ(hostile.savedVolumes(), c.saved);
+        EXPECT_EQ(hostile.display.calls.last(), "ended");
+        hostile.writeAll();
+        expectMessages(hostile.run(), {});
+        EXPECT_EQ(hostile.savedVolumes(), 10);
+    }
+}
