@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/file_writing.h"
 
+#include <QFileInfo>
 #include <QSaveFile>
 #include <cstdarg>
 #include <cstdio>
 
 bool writeFileAtomically(const QString& path, const QByteArray& content) {
+    // A folder, a pipe or a device must not be replaced by a file.
+    const QFileInfo existing(path);
+    if (existing.exists() && !existing.isFile())
+        return false;
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;

@@ -2,13 +2,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QString>
 #include <cstddef>
 #include <memory>
 #include <new>
 #include <span>
 
-/// Bytes that the system can still give without swapping; the largest size_t where it doesn't tell.
-[[nodiscard]] size_t availableMemoryBytes();
+/// Bytes that the system can still give without swapping, or the control groups of a container
+/// where they leave less; the largest size_t where neither tells. `root` stands before the paths
+/// that are read.
+[[nodiscard]] size_t availableMemoryBytes(const QString& root = QString());
 
 /// True when `count` items of `size` bytes neither overflow nor exceed what the system can give.
 /// Systems hand out more memory than they have and end the process when it is touched, so a large

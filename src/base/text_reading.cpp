@@ -2,7 +2,10 @@
 #include "base/text_reading.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <cerrno>
+#include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 
@@ -18,7 +21,7 @@ bool readDelimited(QChar delimiter, QString& result, TokenStream& stream, int ma
                    LineEnds beforeOpening) {
     result.clear();
     for (;;) {
-        if (stream.atEnd())
+        if (stream.exhausted())
             return false;
         const QChar character = stream.character();
         if (character == delimiter)
@@ -26,10 +29,10 @@ bool readDelimited(QChar delimiter, QString& result, TokenStream& stream, int ma
         if (beforeOpening == LineEnds::Fail && isLineEnd(character))
             return false;
     }
-    while (result.size() < maximum) {
+    while (result.size() < maximum && !stream.exhausted()) {
         const QChar character = stream.character();
-        if (character == delimiter || character.isNull())
-            return true;
+        if (character == delimiter)
+            break;
         result += character;
     }
     return true;
@@ -66,15 +69,15 @@ int TokenStream::integer() {
 }
 
 double TokenStream::real() {
-    const QByteArray token = word().toLatin1();
-    // QByteArray converts in the "C" locale, whatever the desktop's decimal sign is. It wants the
-    // whole token to be a number, so the longest beginning that is one is looked for.
-    for (qsizetype length = token.size(); length > 0; --length) {
-        bool valid = false;
-        const double value = token.left(length).toDouble(&valid);
-        if (valid && std::isfinite(value))
-            return value;
-    }
+    QByteArray token = word().toLatin1();
+    // This conversion knows no plus sign, but the same decimal point whatever the desktop's is.
+    if (token.startsWith('+') && !token.startsWith("+-"))
+        token.remove(0, 1);
+    double value = 0.0;
+    const std::from_chars_result result =
+        std::from_chars(token.constData(), token.constData() + token.size(), value);
+    if (result.ec == std::errc() && std::isfinite(value))
+        return value;
     failed_ = true;
     return 0.0;
 }
@@ -107,13 +110,14 @@ bool removeComments(const QString& path, QChar commentCharacter, QString& result
     if (!readTextFile(path, text))
         return false;
     result.clear();
+    result.reserve(text.size() + 1);
     TokenStream stream(std::move(text));
     while (!stream.atEnd()) {
         const QString word = stream.word();
         if (word.startsWith(commentCharacter))
             stream.restOfLine();
         else
-            result += word + ' ';
+            result.append(word).append(' ');
     }
     return true;
 }
@@ -142,13 +146,24 @@ bool tokensAgree(QString found, QString expected) {
     return found == expected;
 }
 
+QString shortened(const QString& text) {
+    constexpr qsizetype maximumShown = 64;
+    return text.size() > maximumShown ? text.left(maximumShown) + "..." : text;
+}
+
 bool readTextFile(const QString& path, QString& text) {
     // Settings and protocols are a few kilobytes; a file beyond this is none of ours and is not
     // taken into memory.
     constexpr qint64 maximumSize = 64 << 20;
+    // Opening a pipe would wait for its other end, and a device may never end.
+    if (!QFileInfo(path).isFile())
+        return false;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    text = QString::fromUtf8(file.read(maximumSize));
+    const QByteArray bytes = file.read(maximumSize + 1);
+    if (file.error() != QFileDevice::NoError || bytes.size() > maximumSize)
+        return false;
+    text = QString::fromUtf8(bytes);
     return true;
 }

@@ -18,7 +18,7 @@ public:
     /// Next token as a whole number. Like the standard stream conversion it takes the longest
     /// numeric beginning ("12abc" is 12); none, or one that doesn't fit, sets failed() and gives 0.
     int integer();
-    /// Next token as a number; as integer(), with 0.0.
+    /// Next token as a finite number, with "." before the decimals; as integer(), with 0.0.
     double real();
     /// The rest of the current line, without its line end; moves to the start of the next line.
     QString restOfLine();
@@ -26,6 +26,8 @@ public:
     QChar character();
     /// True when nothing but white space is left.
     [[nodiscard]] bool atEnd() const;
+    /// True when no character at all is left.
+    [[nodiscard]] bool exhausted() const { return position_ >= text_.size(); }
     /// True once a read found no token or no number where one was asked for.
     [[nodiscard]] bool failed() const { return failed_; }
     [[nodiscard]] qsizetype position() const { return position_; }
@@ -41,7 +43,7 @@ private:
 
 /// Reads a text file word by word: a word that begins with `commentCharacter` drops the rest of its
 /// line; every other word goes into `result` with one blank behind it. False if the file can't be
-/// opened. The text is taken as UTF-8.
+/// read (readTextFile). The text is taken as UTF-8.
 [[nodiscard]] bool removeComments(const QString& path, QChar commentCharacter, QString& result);
 
 /// Reads a string between two delimiters, across line ends. Fails when the stream ends before the
@@ -62,5 +64,9 @@ private:
 /// the end of the found one.
 [[nodiscard]] bool tokensAgree(QString found, QString expected);
 
-/// The whole of a text file as UTF-8. False, with no message, if it can't be opened.
+/// The text as a message quotes it: a damaged file can have words of any length.
+[[nodiscard]] QString shortened(const QString& text);
+
+/// The whole of a text file as UTF-8. False, with no message, if it can't be read, is no regular
+/// file (a folder, a pipe, a device) or is larger than 64 MiB.
 [[nodiscard]] bool readTextFile(const QString& path, QString& text);

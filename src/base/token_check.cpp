@@ -11,7 +11,7 @@ bool TokenChecker::checkToken(const QString& found, const QString& expected, Che
     const QString text =
         QStringLiteral("ERROR: Expected \"%1\" token but found \"%2\".\n\nCheck entry name and "
                        "order of entries in settings file: \"%3\" !\n")
-            .arg(expected, found, filePath_);
+            .arg(expected, shortened(found), filePath_);
     if (mode == CheckMode::Fatal) {
         showCritical(text);
         endProgram(1);

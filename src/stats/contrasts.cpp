@@ -47,7 +47,7 @@ void ContrastDefinitions::clear() {
 void generateContrasts(ContrastDefinitions& contrasts, const DesignMatrix& design, int level) {
     contrasts.clear();
     contrasts.BaselinePosInProtocol = 1;
-    const int n = std::min(design.NrOfContrastPredictors, DesignMatrix::maximumPredictors + 1);
+    const int n = std::min(design.NrOfContrastPredictors, design.NrOfConditionPredictors + 1);
     if (level >= 1)
         for (int i = 1; i < n; ++i)
             appendComparison(contrasts, design, i, 0, entryColor(design, i), ContrastPositive);
@@ -63,13 +63,18 @@ void generateContrasts(ContrastDefinitions& contrasts, const DesignMatrix& desig
 
 void rebuildContrastWeights(ContrastDefinitions& contrasts, const DesignMatrix& design) {
     const size_t columns = size_t(std::max(design.NrOfPredictors, 0));
+    const auto conditions = ptrdiff_t(std::clamp(design.NrOfConditionPredictors, 0, int(columns)));
     contrasts.ContrastWeights.assign(contrasts.ContrastValues.size(), std::vector<int>(columns, 0));
     for (size_t i = 0; i < contrasts.ContrastValues.size(); ++i) {
         const std::vector<int>& values = contrasts.ContrastValues[i];
-        const size_t entries = std::min(values.size(), columns + 1);
+        if (values.empty())
+            continue;
         // Entry 0 is dropped: the baseline is part of the model's constant.
-        if (entries > 1)
-            std::copy_n(values.begin() + 1, entries - 1, contrasts.ContrastWeights[i].begin());
+        const auto first = values.begin() + 1;
+        const auto last = first + std::min(values.end() - first, conditions);
+        // Without one of its conditions a contrast would be another one: its map stays 0.
+        if (std::all_of(last, values.end(), [](int weight) { return weight == 0; }))
+            std::copy(first, last, contrasts.ContrastWeights[i].begin());
     }
 }
 

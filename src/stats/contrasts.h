@@ -39,10 +39,10 @@ struct ContrastDefinitions {
 
 /// Replaces the contrasts by automatic ones: from level 1 on each condition against the baseline,
 /// selected; at exactly level 2 also all pairs of conditions, not selected. BaselinePosInProtocol
-/// becomes 1. Entries that no design column can stand for (more than
-/// DesignMatrix::maximumPredictors besides the baseline) take no part.
+/// becomes 1. Conditions that have no column in a full design take no part.
 void generateContrasts(ContrastDefinitions& contrasts, const DesignMatrix& design, int level);
-/// ContrastWeights from ContrastValues; the baseline entry is dropped, confounds get 0.
+/// ContrastWeights from ContrastValues; the baseline entry is dropped, confounds get 0. A contrast
+/// with a weight on a condition that has no column in a full design gets 0 everywhere.
 void rebuildContrastWeights(ContrastDefinitions& contrasts, const DesignMatrix& design);
 /// Toggles the positive or the negative bit. False, and nothing changes, when a fifth contrast
 /// would be switched on, or when there is no such contrast or bit. ContrastsChanged is the

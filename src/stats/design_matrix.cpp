@@ -5,6 +5,7 @@
 #include "base/memory.h"
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/program_end.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,13 +16,8 @@ constexpr RgbColor constantColor{255, 255, 255};
 constexpr RgbColor driftColor{128, 128, 128};
 constexpr RgbColor baselineColor{128, 128, 128};
 
-int nrOfConfounds(const DesignSource& source) {
-    return 1 + std::clamp(source.DriftConfoundPredictors, 0, DesignMatrix::maximumPredictors - 1);
-}
-
-int conditionLimit(const DesignSource& source) {
-    return DesignMatrix::maximumPredictors - nrOfConfounds(source);
-}
+/// The table is filled in column order; the constant always has a place.
+constexpr int maximumConditionPredictors = DesignMatrix::maximumPredictors - 1;
 
 void addPredictor(DesignMatrix& design, const QString& name, RgbColor color) {
     design.PredictorNames << name;
@@ -39,6 +35,7 @@ bool resetColumn(std::vector<float>& column, int nrOfVolumes) {
 
 bool insufficientMemory() {
     showCritical("ERROR: Insufficient memory!");
+    endProgram(1);
     return false;
 }
 
@@ -70,7 +67,7 @@ void buildConditionPredictorNames(DesignMatrix& design, const DesignSource& sour
     const int nrOfConditions = source.protocol.nrOfConditions();
     const bool hasBaseline = source.BaselinePosInProtocol != 0;
     const int wanted = std::max(nrOfConditions - (hasBaseline ? 1 : 0), 0);
-    const int limit = conditionLimit(source);
+    constexpr int limit = maximumConditionPredictors;
     if (wanted > limit && design.NrOfConditionPredictors != limit)
         showWarning(QString("WARNING: The protocol has more conditions than the design matrix has "
                             "columns; only the first %1 conditions are modelled.")
@@ -98,7 +95,15 @@ void buildConditionPredictorNames(DesignMatrix& design, const DesignSource& sour
 }
 
 void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& source) {
-    design.NrOfConfoundPredictors = nrOfConfounds(source);
+    const int room = DesignMatrix::maximumPredictors - design.NrOfConditionPredictors - 1;
+    const int wanted = std::max(source.DriftConfoundPredictors, 0);
+    const int drift = std::min(wanted, room);
+    if (wanted > drift && design.NrOfConfoundPredictors != 1 + drift)
+        showWarning(QString("WARNING: The design matrix has no columns for %1 drift predictors; "
+                            "only %2 are modelled.")
+                        .arg(wanted)
+                        .arg(drift));
+    design.NrOfConfoundPredictors = 1 + drift;
     design.NrOfPredictors = design.NrOfConditionPredictors + design.NrOfConfoundPredictors;
     addPredictor(design, "Constant", constantColor);
     if (design.NrOfConfoundPredictors == 2)
@@ -114,7 +119,7 @@ bool createConditionPredictors(DesignMatrix& design, const DesignSource& source)
     const int firstCondition = source.BaselinePosInProtocol != 0 ? 1 : 0;
     design.NrOfVolumes = std::max(source.NrOfVolumes, 0);
     std::vector<MillisecondInterval> intervals;
-    for (int j = 0; j < std::min(design.NrOfConditionPredictors, conditionLimit(source)); ++j) {
+    for (int j = 0; j < std::min(design.NrOfConditionPredictors, maximumConditionPredictors); ++j) {
         std::vector<float>& column = design.PredictorColumns[size_t(j)];
         intervals.clear();
         if (!resetColumn(column, design.NrOfVolumes))

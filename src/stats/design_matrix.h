@@ -61,17 +61,20 @@ enum class HRFModel { None, TwoGamma, SingleGamma };
 
 /// Fills the condition entries of the name lists, the contrast list, NrOfContrastPredictors and
 /// NrOfConditionPredictors. With a baseline the names skip the condition at its position while the
-/// columns skip the first one: they agree for position 1. Conditions beyond what 50 columns hold
-/// with the confounds get no column; a warning tells so when that becomes the case.
+/// columns skip the first one: they agree for position 1. Conditions beyond the 49 that stand
+/// beside the constant get no column; a warning tells so when that becomes the case.
 void buildConditionPredictorNames(DesignMatrix& design, const DesignSource& source);
-/// Appends the confound entries; sets NrOfConfoundPredictors and NrOfPredictors.
+/// Appends the confound entries; sets NrOfConfoundPredictors and NrOfPredictors. A negative
+/// DriftConfoundPredictors counts as 0; drift terms beyond the table are left out, and a warning
+/// tells so when that becomes the case.
 void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& source);
 
-/// Fills every condition column from the protocol. False after a message when memory runs out.
+/// Fills every condition column from the protocol. When memory runs out the program ends with
+/// status 1 after a message; false then.
 [[nodiscard]] bool createConditionPredictors(DesignMatrix& design, const DesignSource& source);
-/// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `workingFolder`. False
-/// after a message when memory runs out; a text file that can't be written gives a warning only,
-/// since nothing in the run reads it.
+/// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `workingFolder`. When
+/// memory runs out the program ends with status 1 after a message; false then. A text file that
+/// can't be written gives a warning only, since nothing in the run reads it.
 [[nodiscard]] bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
                                             const QString& workingFolder);
 

@@ -27,8 +27,8 @@ float boxCarValue(const DesignMatrix& design, int conditionIndex, bool useCondit
 
 void listInterval(std::vector<MillisecondInterval>& intervals, const ProtocolCondition& condition,
                   int from, int to, float value) {
-    const double thousandths = std::clamp(double(value) * 1000.0 + 0.5, -2e9, 2e9);
-    const int weight = int(thousandths);
+    const double thousandths = double(value) * 1000.0 + 0.5;
+    const int weight = std::isfinite(thousandths) ? int(std::clamp(thousandths, -2e9, 2e9)) : 0;
     const auto listed =
         std::find_if(intervals.begin(), intervals.end(),
                      [&](const MillisecondInterval& interval) { return interval.to == to; });

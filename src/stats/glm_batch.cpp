@@ -2,6 +2,7 @@
 #include "stats/glm_batch.h"
 
 #include "stats/glm_blocks.h"
+#include "stats/numerics/allocation.h"
 #include "stats/numerics/linear_systems.h"
 #include "stats/numerics/matrix_products.h"
 
@@ -20,27 +21,27 @@ std::vector<int> activePredictorsAt(const DesignMatrix& design, int volumeIndex)
     return columns;
 }
 
-/// X, and the inverse of X'X, in float. False when the inversion fails.
+/// X, and the inverse of X'X, in float. False when memory runs out or the inversion fails.
 bool makeBatchDesign(BatchDesign& batch, const DesignMatrix& design,
                      const std::vector<int>& columns, int n) {
     const int p = int(columns.size());
     batch.p = p;
     batch.n = n;
-    batch.x.reserve(size_t(n) * size_t(p));
+    std::vector<float> xx;
+    if (!numerics::allocateMatrix(batch.x, size_t(n), size_t(p)) ||
+        !numerics::allocateMatrix(xx, size_t(p), size_t(p)) ||
+        !numerics::allocateMatrix(batch.inverse, size_t(p), size_t(p)))
+        return false;
     for (int t = 0; t < n; ++t)
-        for (const int column : columns)
-            batch.x.push_back(designValue(design, column, t));
-    std::vector<float> xx(size_t(p) * size_t(p));
-    batch.inverse.resize(xx.size());
+        for (int j = 0; j < p; ++j)
+            batch.x[size_t(t) * size_t(p) + size_t(j)] = designValue(design, columns[size_t(j)], t);
     numerics::t_intel_matrix_matrix_mult_f(batch.x.data(), batch.x.data(), xx.data(), p, p, n, true,
                                            false);
     return numerics::invertMatrix(xx, batch.inverse, p);
 }
 
 void solveVoxels(GLMState& glm, const FMRProject& project, const BrainMask& mask,
-                 const BatchDesign& batch) {
-    BatchScratch scratch;
-    scratch.resize(batch.p, batch.n);
+                 const BatchDesign& batch, BatchScratch& scratch) {
     forEachBlockOverTime(
         mask, project, batch.n, [&](const auto& samples, size_t first, size_t count) {
             solveBlock(batch, samples, count, scratch, glm.values.data() + first, glm.nrOfVoxels);
@@ -67,7 +68,8 @@ bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& de
         (columns.size() + 1) * glm.nrOfVoxels > glm.values.size())
         return false;
     BatchDesign batch;
-    if (!makeBatchDesign(batch, design, columns, n))
+    BatchScratch scratch;
+    if (!makeBatchDesign(batch, design, columns, n) || !scratch.allocate(batch.p, batch.n))
         return false;
     glm.GLMStartVolume = volumeIndex;
     if (glm.GLMStepIndex < design.NrOfConditionPredictors - 1)
@@ -75,6 +77,6 @@ bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& de
     glm.nrOfActivePredictors = batch.p;
     glm.ActivePredictors = std::move(columns);
     glm.iXX.assign(batch.inverse.begin(), batch.inverse.end());
-    solveVoxels(glm, project, mask, batch);
+    solveVoxels(glm, project, mask, batch, scratch);
     return true;
 }

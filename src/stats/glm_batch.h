@@ -14,9 +14,9 @@ struct GLMState;
 /// Solves the model from the volumes 0 to volumeIndex with all condition columns whose onset is
 /// past, then all confound columns: predictors, iXX, betas and RSS of the mask's voxels, start
 /// volume and step. A column that is missing or too short counts as 0 there; the pseudo-inverse
-/// leaves such a column out. False, with the state unchanged, when the inversion fails, when the
-/// volumes don't have the size of the model, or when the model has no room for the predictors;
-/// room for the whole design is made when a run is prepared.
+/// leaves such a column out. False, with the state unchanged, when the inversion fails or memory
+/// runs out (both end the program), when the volumes don't have the size of the model, or when the
+/// model has no room for the predictors; room for the whole design is made when a run is prepared.
 [[nodiscard]] bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& design,
                               const BrainMask& mask, int volumeIndex);
 

@@ -2,6 +2,7 @@
 #include "stats/glm_kernels.h"
 
 #include "stats/conjunction.h"
+#include "stats/numerics/allocation.h"
 
 #include <cmath>
 
@@ -152,13 +153,13 @@ void conjoinMaps(const float* __restrict values, size_t count, float* __restrict
         result[v] = conjunctionStep(result[v], values[v]);
 }
 
-void BatchScratch::resize(int p, int n) {
-    samples.resize(size_t(n) * glmBlockVoxels);
-    xy.resize(size_t(p) * glmBlockVoxels);
-    betas.resize(size_t(p) * glmBlockVoxels);
-    model.resize(glmBlockVoxels);
-    sums.resize(glmBlockVoxels);
-    squareSums.resize(glmBlockVoxels);
+bool BatchScratch::allocate(int p, int n) {
+    return numerics::allocateMatrix(samples, size_t(n), glmBlockVoxels) &&
+           numerics::allocateMatrix(xy, size_t(p), glmBlockVoxels) &&
+           numerics::allocateMatrix(betas, size_t(p), glmBlockVoxels) &&
+           numerics::allocateVector(model, glmBlockVoxels) &&
+           numerics::allocateVector(sums, glmBlockVoxels) &&
+           numerics::allocateVector(squareSums, glmBlockVoxels);
 }
 
 VELO_WIDE_CLONES

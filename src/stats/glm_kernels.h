@@ -65,7 +65,8 @@ struct BatchScratch {
     std::vector<double> model;      ///< one row
     std::vector<double> sums;       ///< one row, of residuals
     std::vector<double> squareSums; ///< one row, of squared residuals
-    void resize(int p, int n);
+    /// False when memory runs out, which ends the program.
+    [[nodiscard]] bool allocate(int p, int n);
 };
 
 /// Least squares of one block from all volumes: X'y and betas in float; residuals from products

@@ -12,6 +12,6 @@
 /// first volume.
 [[nodiscard]] bool writeFirstVolume(const FMRProject& project);
 
-/// Reads it into project.firstVolume, whose size the project states. False, with nothing read, after
-/// a message when the file is missing or too short.
+/// Reads it into project.firstVolume, whose size the project states. False, with nothing read,
+/// after a message when the file is missing or too short.
 [[nodiscard]] bool readFirstVolume(FMRProject& project);

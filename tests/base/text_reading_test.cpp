@@ -27,7 +27,8 @@ TEST(TokenStream, TakesTheLongestNumericBeginning) {
         bool failed;
     };
     const Case cases[] = {{"2000.5", 2000.5, false}, {"1e3", 1000.0, false}, {"12abc", 12.0, false},
-                          {"abc", 0.0, true},        {"", 0.0, true},        {"nan", 0.0, true}};
+                          {"abc", 0.0, true},        {"", 0.0, true},        {"nan", 0.0, true},
+                          {"+5", 5.0, false},        {"1e999", 0.0, true},   {"+-5", 0.0, true}};
     for (const Case& c : cases) {
         TokenStream stream(c.text);
         EXPECT_DOUBLE_EQ(stream.real(), c.value) << c.text;

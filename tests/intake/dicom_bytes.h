@@ -41,10 +41,12 @@ public:
                        uint32_t length) {
         put(group, 2);
         put(number, 2);
+        // Items and delimiters have no representation, whatever the encoding.
+        const bool explicitHeader = explicitVR_ && group != 0xFFFE;
         const bool longLength = QByteArray("OB OW UN SQ").contains(representation);
-        if (explicitVR_)
+        if (explicitHeader)
             bytes += QByteArray(representation) + QByteArray(longLength ? 2 : 0, '\0');
-        put(length, explicitVR_ && !longLength ? 2 : 4);
+        put(length, explicitHeader && !longLength ? 2 : 4);
         return *this;
     }
     DicomBytes& raw(const QByteArray& value) {

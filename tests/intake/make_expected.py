@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-# What an independent DICOM reader finds in real mosaics, as the table of scanner_files_test.
+# What an independent DICOM reader finds in real mosaics, as the table of real_series_test.
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Usage: make_expected.py FOLDER > expected_mosaics.tsv
 

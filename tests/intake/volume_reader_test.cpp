@@ -129,37 +129,40 @@ TEST(MosaicReader, EveryFailureHasItsMessage) {
 
 TEST(MosaicReader, TakesHeaderIntoTheProject) {
     MosaicRun run;
-    run.write(run.name, DicomBytes()
-                            .meta()
-                            .element(0x0008, 0x0070, "LO", "Siemens ")
-                            .element(0x0018, 0x0050, "DS", "3 ")
-                            .element(0x0018, 0x0088, "DS", "3.5 ")
-                            .element(0x0020, 0x0032, "DS", "-4\\-6\\10")
-                            .element(0x0020, 0x0037, "DS", "1\\0\\0\\0\\1\\0 ")
-                            .word(0x0028, 0x0010, 2)
-                            .word(0x0028, 0x0011, 2)
-                            .element(0x0028, 0x0030, "DS", "6\\4 ")
-                            .pixels(counted(4))
-                            .bytes);
+    const auto write = [&run](const char* maker) {
+        run.write(run.name, DicomBytes()
+                                .meta()
+                                .element(0x0008, 0x0070, "LO", maker)
+                                .element(0x0018, 0x0050, "DS", "3 ")
+                                .element(0x0018, 0x0088, "DS", "3.5 ")
+                                .element(0x0020, 0x0032, "DS", "-4\\-6\\10")
+                                .element(0x0020, 0x0037, "DS", "1\\0\\0\\0\\0.6\\0.8 ")
+                                .word(0x0028, 0x0010, 2)
+                                .word(0x0028, 0x0011, 2)
+                                .element(0x0028, 0x0030, "DS", "6\\4 ")
+                                .pixels(counted(4))
+                                .bytes);
+    };
+    write("Siemens ");
     ASSERT_TRUE(run.reader()->readHeaders());
-    EXPECT_EQ(run.project.pixelSizeX, 4.0f);
-    EXPECT_EQ(run.project.pixelSizeY, 6.0f);
-    EXPECT_EQ(run.project.sliceGap, 0.5f);
-    EXPECT_FALSE(run.project.TimeResolutionVerified);
-    EXPECT_TRUE(run.project.VoxelResolutionVerified);
-    const FMRPositionInfo& position = run.project.position;
+    const FMRProject& project = run.project;
+    EXPECT_EQ((std::array{project.pixelSizeX, project.pixelSizeY, project.sliceGap}),
+              (std::array{4.0f, 6.0f, 0.5f}));
+    EXPECT_FALSE(project.TimeResolutionVerified);
+    EXPECT_TRUE(project.VoxelResolutionVerified);
+    const FMRPositionInfo& position = project.position;
     EXPECT_EQ(position.positionInfoValid, 1);
-    EXPECT_EQ(position.nrOfRows, 2);
-    EXPECT_EQ(position.nrOfColumns, 1);
-    EXPECT_EQ(position.fovRows, 12.0f);
-    EXPECT_EQ(position.fovColumns, 4.0f);
-    // No protocol block: the centre of the mosaic, and two slice distances along z from it.
-    EXPECT_EQ(position.sliceCenterFirst, (Vector3{0, 0, 10}));
-    EXPECT_EQ(position.sliceCenterLast, (Vector3{0, 0, 17}));
-    run.setMosaic(4, 2);
-    run.messages.expect(
-        MessageLevel::Warning,
-        "ERROR - dimensions of DICOM file (2 x 2) do not match those in VCO file (2 x 4) !");
+    EXPECT_EQ((std::array{position.nrOfRows, position.nrOfColumns}), (std::array{2, 1}));
+    EXPECT_EQ((std::array{position.fovRows, position.fovColumns}), (std::array{12.0f, 4.0f}));
+    // No protocol block. From the corner 4 mm along rows and 6 mm along columns lies the centre of
+    // the mosaic; the last slice is two distances along the normal (0, -0.8, 0.6) further.
+    const Vector3 first{0, -2.4f, 14.8f};
+    const Vector3 last{0, -8, 19};
+    for (size_t i = 0; i < 3; ++i) {
+        EXPECT_NEAR(position.sliceCenterFirst[i], first[i], 1e-5);
+        EXPECT_NEAR(position.sliceCenterLast[i], last[i], 1e-5);
+    }
+    write("Other ");
     EXPECT_FALSE(run.reader()->readHeaders());
 }
 

@@ -18,6 +18,7 @@ const QString damagedFile = "ERROR: Contrast file is damaged or ends too early!"
 DesignMatrix threeConditions() {
     DesignMatrix design;
     design.NrOfContrastPredictors = 3;
+    design.NrOfConditionPredictors = 2;
     design.NrOfPredictors = 4;
     return design;
 }
@@ -32,27 +33,33 @@ ContrastDefinitions twoContrasts() {
     return contrasts;
 }
 
-const char* const versionThree = "FileVersion:           3\n"
-                                 "NrOfContrasts:         2\n"
-                                 "NrOfValues:            3\n"
-                                 "BaselineInContrasts:   1\n"
-                                 "BaselinePosInProtocol: 1\n"
-                                 "\n"
-                                 "ContrastNames:\n"
-                                 "\"A vs. Rest\"\n"
-                                 "\"B 'odd'\"\n"
-                                 "\n"
-                                 "ContrastVectors:\n"
-                                 " -1  1  0\n"
-                                 "100-10-99\n"
-                                 "\n"
-                                 "InitialSelectionState:\n"
-                                 "1\n"
-                                 "3\n"
-                                 "\n"
-                                 "ContrastColors:\n"
-                                 " 255   0   0\n"
-                                 "   1  20 128\n";
+const char* const versionThree = R"(FileVersion:           3
+NrOfContrasts:         2
+NrOfValues:            3
+BaselineInContrasts:   1
+BaselinePosInProtocol: 1
+
+ContrastNames:
+"A vs. Rest"
+"B 'odd'"
+
+ContrastVectors:
+ -1  1  0
+100-10-99
+
+InitialSelectionState:
+1
+3
+
+ContrastColors:
+ 255   0   0
+   1  20 128
+)";
+
+bool parsed(const QString& text, ContrastDefinitions& contrasts, int nrOfPredictors = 3) {
+    QString message;
+    return parseContrasts(text, contrasts, threeConditions(), nrOfPredictors, message);
+}
 
 TEST(ContrastFile, IsWrittenInItsLayoutAndReadBack) {
     QTemporaryDir folder;
@@ -78,44 +85,33 @@ TEST(ContrastFile, KeepsWideValuesAndLongNamesReadable) {
     contrasts.ContrastValues[0] = {-1000, 1000, 12345};
     contrasts.ContrastNames[0] = QString(400, 'x');
     ContrastDefinitions read;
-    QString message;
-    ASSERT_TRUE(parseContrasts(QString::fromUtf8(contrastFileText(contrasts, 3)), read,
-                               threeConditions(), 3, message));
+    ASSERT_TRUE(parsed(QString::fromUtf8(contrastFileText(contrasts, 3)), read));
     EXPECT_EQ(read.ContrastValues, contrasts.ContrastValues);
     EXPECT_EQ(read.ContrastNames, QStringList({QString(255, 'x'), "B 'odd'"}));
-
     // A name beyond the limit, as another program may write it, does not shift what follows.
-    QString text = versionThree;
-    text.replace("A vs. Rest", QString(300, 'y'));
-    ASSERT_TRUE(parseContrasts(text, read, threeConditions(), 3, message));
+    ASSERT_TRUE(parsed(QString(versionThree).replace("A vs. Rest", QString(300, 'y')), read));
     EXPECT_EQ(read.ContrastNames, QStringList({QString(256, 'y'), "B 'odd'"}));
+    // A synthetic baseline is no condition.
+    const QString text =
+        QString(versionThree).replace("BaselineInContrasts:   1", "BaselineInContrasts:   0");
+    EXPECT_FALSE(parsed(text, read));
+    EXPECT_TRUE(parsed(text, read, 2));
 }
 
 TEST(ContrastFile, OlderVersionsStoreValuesByPredictor) {
-    for (const int version : {1, 2}) {
-        const QString text = QString("FileVersion: %1 NrOfContrasts: 2 NrOfValues: 3\n"
-                                     "\"first\" \"second\"\n-1 0\n1 -1\n0 1\n"
-                                     "10 20 300\n40 50 60")
-                                 .arg(version);
+    for (const char* version : {"FileVersion: 1", "FileVersion: 2"}) {
         ContrastDefinitions read;
         read.BaselineInContrasts = 0;
-        QString message;
-        ASSERT_TRUE(parseContrasts(text, read, threeConditions(), 3, message)) << version;
+        ASSERT_TRUE(parsed(version + QString(" NrOfContrasts: 2 NrOfValues: 3\n"
+                                             "\"first\" \"second\"\n-1 0\n1 -1\n0 1\n"
+                                             "10 20 300\n40 50 60"),
+                           read));
         EXPECT_EQ(read.ContrastNames, QStringList({"first", "second"}));
         EXPECT_EQ(read.ContrastValues, (std::vector<std::vector<int>>{{-1, 1, 0}, {0, -1, 1}}));
         EXPECT_EQ(read.ContrastSelectionStates, std::vector<int>({1, 1}));
         EXPECT_EQ(read.ContrastColors, (std::vector<RgbColor>{{10, 20, 255}, {40, 50, 60}}));
         EXPECT_EQ(read.BaselineInContrasts, 1);
     }
-}
-
-TEST(ContrastFile, SyntheticBaselineIsNoCondition) {
-    QString text = versionThree;
-    text.replace("BaselineInContrasts:   1", "BaselineInContrasts:   0");
-    ContrastDefinitions read;
-    QString message;
-    EXPECT_FALSE(parseContrasts(text, read, threeConditions(), 3, message));
-    EXPECT_TRUE(parseContrasts(text, read, threeConditions(), 2, message));
 }
 
 TEST(ContrastFile, BadTextIsRefusedAndChangesNothing) {

@@ -43,11 +43,8 @@ TEST(Probabilities, HoldAtTheirLimits) {
     EXPECT_EQ(tProbability(0.0f, 20), 1.0f);
     EXPECT_EQ(fProbability(0.0f, 2, 20), 1.0f);
     EXPECT_EQ(fProbability(-1.0f, 2, 20), 0.0f);
-    const float infinity = std::numeric_limits<float>::infinity();
-    for (const float value : {1e6f, 1e30f, infinity}) {
-        EXPECT_NEAR(tProbability(value, 20), 0.0f, 1e-6f);
-        EXPECT_NEAR(fProbability(value, 2, 20), 0.0f, 1e-6f);
-    }
+    for (const float value : {1e6f, 1e30f, std::numeric_limits<float>::infinity()})
+        EXPECT_NEAR(tProbability(value, 20) + fProbability(value, 2, 20), 0.0f, 1e-6f);
     const float none = std::nanf("");
     EXPECT_EQ(tProbability(none, 20) + tProbability(2.0f, 0) + tProbability(2.0f, none), 3.0f);
     EXPECT_EQ(fProbability(none, 2, 20) + fProbability(2.0f, 0, 20) + fProbability(0, 2, 0), 3.0f);
@@ -81,17 +78,19 @@ TEST(ThresholdControls, StepWithinTheirLimits) {
 
 TEST(ThresholdControls, TakeEnteredValues) {
     StatisticalMaps maps = mapsOf(MapKind::T, {3.0f, 4.0f});
+    const auto expect = [&maps](float lower, float upper) {
+        EXPECT_EQ(maps.Threshold, lower);
+        EXPECT_EQ(maps.ColorMaxThreshold, upper);
+    };
     changeThreshold(maps, 4.0f);
-    EXPECT_EQ(maps.ColorMaxThreshold, 5.0f);
+    expect(4.0f, 5.0f);
     changeThreshold(maps, 0.0f);
-    EXPECT_EQ(maps.Threshold, 0.0001f);
-    EXPECT_EQ(maps.ColorMaxThreshold, 5.0f);
+    expect(0.0001f, 5.0f);
     changeThreshold(maps, 3.0f);
     changeColorMaxThreshold(maps, 3.5f);
-    EXPECT_EQ(maps.ColorMaxThreshold, 3.5f);
+    expect(3.0f, 3.5f);
     changeColorMaxThreshold(maps, 3.0f);
-    EXPECT_EQ(maps.ColorMaxThreshold, 4.0f);
-    EXPECT_EQ(maps.Threshold, 3.0f);
+    expect(3.0f, 4.0f);
     changeClusterSize(maps, 0);
     EXPECT_EQ(maps.ClusterSizePixels, 1);
 }

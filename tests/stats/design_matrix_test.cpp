@@ -7,6 +7,7 @@
 #include "support/scripted_messages.h"
 
 #include <QTemporaryDir>
+#include <numbers>
 
 namespace {
 
@@ -73,18 +74,15 @@ TEST(PredictorNames, SkipTheBaselineAtItsPosition) {
     EXPECT_EQ(design.PredictorNames, (QStringList{"Rest", "Left", "Right", "Constant"}));
     EXPECT_EQ(design.ContrastPredictorNames, (QStringList{"Baseline+", "Rest", "Left", "Right"}));
     EXPECT_EQ(design.ContrastPredictorColors[0], (RgbColor{128, 128, 128}));
-}
 
-TEST(PredictorNames, DriftTermsAreNamedByTheirKind) {
-    const StimulationProtocol protocol;
-    DesignMatrix design;
+    const StimulationProtocol none;
     for (const auto& [drift, names] : {std::pair<int, QStringList>{-3, {"Constant"}},
                                        {2, {"Constant", "DCT-1", "DCT-2"}},
                                        {3, {"Constant", "DCT-1", "DCT-2", "DCT-3"}}}) {
-        buildNames(design, {.protocol = protocol, .DriftConfoundPredictors = drift});
+        buildNames(design, {.protocol = none, .DriftConfoundPredictors = drift});
         EXPECT_EQ(design.PredictorNames, names);
     }
-    buildNames(design, {.protocol = protocol, .DriftConfoundPredictors = 2147483647});
+    buildNames(design, {.protocol = none, .DriftConfoundPredictors = 2147483647});
     EXPECT_EQ(design.NrOfPredictors, 50);
 }
 
@@ -96,12 +94,14 @@ TEST(PredictorNames, ConditionsBeyondTheTableAreLeftOutWithOneWarning) {
     ScriptedMessages messages;
     messages.expect(MessageLevel::Warning,
                     "WARNING: The protocol has more conditions than the design matrix has "
-                    "columns; only the first 48 conditions are modelled.");
+                    "columns; only the first 49 conditions are modelled.");
+    messages.expect(MessageLevel::Warning, "WARNING: The design matrix has no columns for 1 drift "
+                                           "predictors; only 0 are modelled.");
     DesignMatrix design;
     const DesignSource source{.protocol = protocol, .NrOfVolumes = 70};
     for (int repetition = 0; repetition < 2; ++repetition)
         buildNames(design, source);
-    EXPECT_EQ(design.NrOfConditionPredictors, 48);
+    EXPECT_EQ(design.NrOfConditionPredictors, 49);
     EXPECT_EQ(design.PredictorNames.size(), 50);
     EXPECT_EQ(design.NrOfContrastPredictors, 60);
     EXPECT_TRUE(createConditionPredictors(design, source));
@@ -170,18 +170,16 @@ TEST(Design, ConfoundsFollowTheirFormulasAndTheDesignIsWritten) {
     ASSERT_TRUE(readTextFile(folder.filePath("Realtime_DesignMatrix.txt"), text));
     EXPECT_TRUE(text.startsWith("0.000000  0.000000  1.000000  1.000000  1.000000  1.000000  \n"));
     EXPECT_EQ(text.count('\n'), 8);
-}
 
-TEST(Design, FailuresAreReportedAndTheRunGoesOn) {
-    const StimulationProtocol protocol = threeConditions();
+    // A wrong count and a folder that can't be written are reported, and the run goes on.
     const DesignSource source{.protocol = protocol, .NrOfVolumes = 8};
-    DesignMatrix design;
-    buildNames(design, source);
-    design.NrOfPredictors = 9;
+    DesignMatrix wrong;
+    buildNames(wrong, source);
+    wrong.NrOfPredictors = 9;
     ScriptedMessages messages;
     messages.expect(MessageLevel::Critical, "INTERNAL ERROR - NrOfPredictors wrong");
     messages.expect(MessageLevel::Warning, "WARNING: Can not write the text file*");
-    EXPECT_TRUE(createConfoundPredictors(design, source, "/dev/null/folder"));
+    EXPECT_TRUE(createConfoundPredictors(wrong, source, "/dev/null/folder"));
 }
 
 TEST(Onsets, OrderColumnsAndSpaceTheGrowthOfTheModel) {
@@ -206,13 +204,14 @@ TEST(Onsets, OrderColumnsAndSpaceTheGrowthOfTheModel) {
 TEST(FourierDesign, HoldsWavesTrendAndConstant) {
     const std::vector<std::vector<double>> columns = fillFourierDesign(2, 8);
     ASSERT_EQ(columns.size(), 6u);
-    EXPECT_NEAR(columns[0][2], 1.0, 1e-9);
-    EXPECT_NEAR(columns[1][4], -1.0, 1e-9);
-    EXPECT_NEAR(columns[2][1], 1.0, 1e-9);
-    EXPECT_NEAR(columns[3][2], -1.0, 1e-9);
-    EXPECT_EQ(columns[4][0], -1.0);
-    EXPECT_EQ(columns[4][7], 1.0);
-    EXPECT_EQ(columns[5], std::vector<double>(8, 1.0));
+    for (size_t t = 0; t < 8; ++t) {
+        const double angle = 2 * std::numbers::pi * double(t) / 8;
+        const double expected[] = {std::sin(angle),         std::cos(angle),
+                                   std::sin(2 * angle),     std::cos(2 * angle),
+                                   2 * double(t) / 7.0 - 1, 1.0};
+        for (size_t c = 0; c < 6; ++c)
+            EXPECT_NEAR(columns[c][t], expected[c], 1e-9) << c << ' ' << t;
+    }
     EXPECT_TRUE(fillFourierDesign(-1, 8).empty());
     EXPECT_EQ(fillFourierDesign(0, 1)[0][0], 0.0);
     QTemporaryDir folder;

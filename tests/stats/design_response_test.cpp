@@ -32,32 +32,21 @@ TEST(TwoGammaHRF, MatchesTheDifferenceOfGammaDensities) {
                2e-6);
 }
 
-TEST(TwoGammaHRF, WithoutARatioOnlyTheUndershootIsLeft) {
+TEST(TwoGammaHRF, HoldsAtTheLimitsOfItsParameters) {
     TwoGammaHRFParams params;
-    params.undershootRatio = 0.0f;
+    params.undershootRatio = 0.0f; // only the undershoot is left: mode of shape 16, rate 1 at 15 s
     std::vector<double> kernel;
     twoGammaHRF(1.0, params, 16, kernel);
     ASSERT_EQ(kernel.size(), 33u);
     EXPECT_LE(*std::max_element(kernel.begin(), kernel.end()), 0.0);
-    // The density with shape 16 and rate 1 has its mode at 15 s.
     EXPECT_EQ(std::min_element(kernel.begin(), kernel.end()) - kernel.begin(), 15);
     EXPECT_NEAR(kernel[15], -1.0, 1e-6);
-}
-
-TEST(TwoGammaHRF, SmallKernelsStayUnscaledUntilTheirSumIsTaken) {
-    std::vector<double> kernel;
+    // Small kernels stay unscaled until their sum is taken.
     twoGammaHRF(0.001, TwoGammaHRFParams(), 16, kernel);
     EXPECT_NEAR(*std::max_element(kernel.begin(), kernel.end()), 1.09650748e-05, 1e-10);
-    const HRFKernel stored = twoGammaKernel(1, TwoGammaHRFParams(), 1);
-    EXPECT_EQ(stored.length, 32001);
-    EXPECT_EQ(stored.values.size(), size_t(maximumKernelLength));
-}
-
-TEST(TwoGammaHRF, ParametersThatGiveNoKernelGiveAnEmptyOne) {
-    std::vector<double> kernel = {1.0};
-    TwoGammaHRFParams params;
+    EXPECT_EQ(twoGammaKernel(1, TwoGammaHRFParams(), 1).length, 32001);
     for (const double dt : {0.0, -1.0, 1e-12, double(NAN)}) {
-        twoGammaHRF(dt, params, 16, kernel);
+        twoGammaHRF(dt, TwoGammaHRFParams(), 16, kernel);
         EXPECT_TRUE(kernel.empty()) << dt;
     }
     params.length = INFINITY;

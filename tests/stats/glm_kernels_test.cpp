@@ -103,7 +103,7 @@ TEST_P(GLMKernels, BatchSolution) {
     std::vector<double> values(size_t(p + 1) * stride, 0.0);
     std::vector<double> plain = values;
     BatchScratch scratch;
-    scratch.resize(p, n);
+    EXPECT_TRUE(scratch.allocate(p, n));
     solveBlock(design, samples, count, scratch, values.data() + firstVoxel, stride);
     for (size_t v = firstVoxel; v < firstVoxel + count; ++v) {
         std::vector<float> xy(size_t(p), 0.0f);

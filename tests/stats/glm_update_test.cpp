@@ -2,12 +2,21 @@
 #include <gtest/gtest.h>
 
 #include "stats/conjunction.h"
+#include "stats/finished_model.h"
 #include "stats/glm_run.h"
 
 #include <array>
 #include <limits>
 
 namespace {
+
+GLMTestRun oneCondition(int nrOfVolumes, int nrOfSlices = 5) {
+    GLMTestRun run(nrOfVolumes, nrOfSlices);
+    run.addCondition(5, 8);
+    run.addConfounds(1);
+    run.addContrast({1});
+    return run;
+}
 
 std::vector<int> solutionVolumes(GLMTestRun& run, int last) {
     std::vector<int> volumes;
@@ -32,27 +41,25 @@ TEST(GLMSchedule, OneSolutionForEachStepAndNoneAfterTheLast) {
     EXPECT_EQ(run.glm.nrOfActivePredictors, 4);
     EXPECT_EQ(run.maps.MapDF1, 60 - 4);
     EXPECT_EQ(run.maps.MapType, MapKind::T);
-}
 
-TEST(GLMSchedule, PredictorsWithPastOnsetEnterTogether) {
-    GLMTestRun run(20);
-    run.addCondition(11, 5);
-    run.addCondition(5, 8);
-    run.addConfounds(1);
-    run.start({11, 12});
-    run.update(0, 11);
-    EXPECT_EQ(run.glm.ActivePredictors, (std::vector<int>{0, 1, 2}));
+    GLMTestRun past(20); // predictors with a past onset enter together
+    past.addCondition(11, 5);
+    past.addCondition(5, 8);
+    past.addConfounds(1);
+    past.start({11, 12});
+    past.update(0, 11);
+    EXPECT_EQ(past.glm.ActivePredictors, (std::vector<int>{0, 1, 2}));
 }
 
 TEST(GLMSchedule, WithoutStepsNothingIsFitted) {
-    GLMTestRun run(20);
-    run.addCondition(5, 8);
-    run.addConfounds(1);
-    run.addContrast({1});
+    GLMTestRun run = oneCondition(20);
     run.start({-1});
     EXPECT_TRUE(solutionVolumes(run, 19).empty());
     EXPECT_EQ(run.glm.nrOfActivePredictors, 1);
     EXPECT_TRUE(std::ranges::all_of(run.glm.values.span(), [](double v) { return v == 0.0; }));
+    FinishedModel model;
+    EXPECT_FALSE(finishModel(model, run.glm, run.project, run.mask, 20));
+    EXPECT_FALSE(computeContrastMaps(model, run.mask, run.contrasts, run.maps));
 }
 
 TEST(GLMContrasts, AppearAtTheSolutionAfterTheirOnset) {
@@ -84,98 +91,70 @@ TEST(GLMContrasts, AppearAtTheSolutionAfterTheirOnset) {
     }
 }
 
-TEST(GLMContrasts, ConjunctionReplacesTheFirstMap) {
-    GLMTestRun plain(30);
-    plain.addCondition(4, 8);
-    plain.addCondition(5, 14);
-    plain.addConfounds(1);
-    plain.addContrast({1, 0});
-    plain.addContrast({0, 1}, ContrastNegative);
-    plain.start({11, 12});
-    plain.update(0, 20);
-    const std::vector<float> first(plain.maps.ContrastMaps[0].data(),
-                                   plain.maps.ContrastMaps[0].data() + plain.voxels());
-    plain.update(12, 11); // nothing
-    GLMTestRun both(30);
-    both.addCondition(4, 8);
-    both.addCondition(5, 14);
-    both.addConfounds(1);
-    both.addContrast({1, 0});
-    both.addContrast({0, 1}, ContrastNegative);
-    both.contrasts.ConjunctionAnalysis = true;
-    both.start({11, 12});
-    both.update(0, 20);
-    EXPECT_EQ(both.maps.states, (std::vector<int>{ContrastBoth, ContrastNegative}));
+TEST(Conjunction, TakesTheWeakestOfOneSign) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const std::pair<std::vector<float>, float> cases[] = {
+        {{}, 0},          {{3}, 3},          {{3, 2}, 2},        {{2, 3}, 2},    {{-3, -2}, -2},
+        {{-2, -3}, -2},   {{3, -2}, 0},      {{-3, 2}, 0},       {{0, 4, 5}, 0}, {{4, 0, 5}, 0},
+        {{4, -1, -5}, 0}, {{5, 4, 3, 6}, 3}, {{-5, -4, -6}, -4}, {{3, nan}, 0}};
+    for (const auto& [values, result] : cases)
+        EXPECT_EQ(conjunction(values), result);
+    // In a run it replaces the first map.
+    GLMTestRun runs[] = {GLMTestRun(30), GLMTestRun(30)};
+    for (GLMTestRun& run : runs) {
+        run.addCondition(4, 8);
+        run.addCondition(5, 14);
+        run.addConfounds(1);
+        run.addContrast({1, 0});
+        run.addContrast({0, 1}, ContrastNegative);
+        run.contrasts.ConjunctionAnalysis = &run == &runs[1];
+        run.start({11, 12});
+        run.update(0, 20);
+    }
+    EXPECT_EQ(runs[1].maps.states, (std::vector<int>{ContrastBoth, ContrastNegative}));
     size_t nrOfZeros = 0;
-    for (size_t v = 0; v < first.size(); ++v) {
-        const std::array values{first[v], plain.maps.ContrastMaps[1][v]};
-        EXPECT_EQ(both.maps.ContrastMaps[0][v], conjunction(values)) << v;
-        nrOfZeros += both.mask.voxels[v] && conjunction(values) == 0.0f;
+    for (size_t v = 0; v < runs[0].voxels(); ++v) {
+        const std::array values{runs[0].maps.ContrastMaps[0][v], runs[0].maps.ContrastMaps[1][v]};
+        EXPECT_EQ(runs[1].maps.ContrastMaps[0][v], conjunction(values)) << v;
+        nrOfZeros += runs[0].mask.voxels[v] && conjunction(values) == 0.0f;
     }
     EXPECT_GT(nrOfZeros, 0u);
-    EXPECT_LT(nrOfZeros, both.mask.nrOfVoxels);
+    EXPECT_LT(nrOfZeros, runs[0].mask.nrOfVoxels);
 }
 
-TEST(Conjunction, Table) {
-    const struct {
-        std::vector<float> values;
-        float result;
-    } cases[] = {{{}, 0},
-                 {{3}, 3},
-                 {{3, 2}, 2},
-                 {{2, 3}, 2},
-                 {{-3, -2}, -2},
-                 {{-2, -3}, -2},
-                 {{3, -2}, 0},
-                 {{-3, 2}, 0},
-                 {{0, 4, 5}, 0},
-                 {{4, 0, 5}, 0},
-                 {{4, -1, -5}, 0},
-                 {{5, 4, 3, 6}, 3},
-                 {{-5, -4, -6}, -4},
-                 {{3, std::numeric_limits<float>::quiet_NaN()}, 0}};
-    for (const auto& item : cases)
-        EXPECT_EQ(conjunction(item.values), item.result);
-}
-
-TEST(BrainMask, InnerSlicesReadAsUnsigned) {
+TEST(BrainMask, HoldsInnerSlicesReadAsUnsigned) {
     GLMTestRun run(1);
-    run.project.volumes[0][3] = 5000;          // first slice
-    run.project.volumes[0][4 * 42 + 3] = 5000; // last slice
-    run.project.volumes[0][42] = 100;          // at the threshold
-    run.project.volumes[0][43] = 101;
-    run.project.volumes[0][44] = -1; // 65535
+    const struct {
+        size_t voxel;
+        int16_t sample;
+        bool inside;
+    } cases[] = {{3, 5000, false},
+                 {4 * 42 + 3, 5000, false}, // first and last slice
+                 {42, 100, false},
+                 {43, 101, true}, // at the threshold and above
+                 {44, -1, true}}; // 65535
+    for (const auto& item : cases)
+        run.project.volumes[0][item.voxel] = item.sample;
     ASSERT_TRUE(createBrainMask(run.mask, run.project));
-    EXPECT_EQ(run.mask.voxels[3], 0);
-    EXPECT_EQ(run.mask.voxels[4 * 42 + 3], 0);
-    EXPECT_EQ(run.mask.voxels[42], 0);
-    EXPECT_NE(run.mask.voxels[43], 0);
-    EXPECT_NE(run.mask.voxels[44], 0);
+    for (const auto& item : cases)
+        EXPECT_EQ(run.mask.voxels[item.voxel] != 0, item.inside) << item.voxel;
     size_t inRuns = 0;
     for (const BrainMask::Run& item : run.mask.runs)
         for (size_t v = item.first; v < item.first + item.count; ++v, ++inRuns)
             EXPECT_NE(run.mask.voxels[v], 0) << v;
     EXPECT_EQ(inRuns, run.mask.nrOfVoxels);
     EXPECT_EQ(ptrdiff_t(inRuns), std::ranges::count_if(run.mask.voxels, [](auto v) { return v; }));
-}
 
-TEST(BrainMask, EmptyForFewerThanThreeSlices) {
-    GLMTestRun run(30, 2);
-    run.addCondition(5, 8);
-    run.addConfounds(1);
-    run.addContrast({1});
-    run.start({11});
-    EXPECT_EQ(run.mask.nrOfVoxels, 0u);
-    EXPECT_EQ(run.mask.voxels.size(), run.voxels());
-    run.update(0, 29);
-    EXPECT_EQ(run.glm.GLMStartVolume, 11);
+    GLMTestRun flat = oneCondition(30, 2); // fewer than three slices have no inner one
+    flat.start({11});
+    EXPECT_EQ(flat.mask.nrOfVoxels, 0u);
+    EXPECT_EQ(flat.mask.voxels.size(), flat.voxels());
+    flat.update(0, 29);
+    EXPECT_EQ(flat.glm.GLMStartVolume, 11);
 }
 
 TEST(GLMUpdate, FlatAndNegativeVoxels) {
-    GLMTestRun run(40);
-    run.addCondition(5, 8);
-    run.addConfounds(1);
-    run.addContrast({1});
+    GLMTestRun run = oneCondition(40);
     run.addContrast({0}); // no weights: no variance either
     for (size_t t = 0; t < 40; ++t) {
         run.project.volumes[t][50] = 700;
@@ -208,10 +187,7 @@ TEST(GLMUpdate, NoDegreesOfFreedomAndFiftyPredictors) {
 }
 
 TEST(GLMUpdate, WhatDoesNotFitIsLeftAlone) {
-    GLMTestRun run(30);
-    run.addCondition(5, 8);
-    run.addConfounds(1);
-    run.addContrast({1});
+    GLMTestRun run = oneCondition(30);
     run.start({11});
     run.update(0, 15);
     EXPECT_FALSE(updateGLM(run.parts(), 30));

@@ -101,7 +101,6 @@ void addAnalysis(SettingsLines& lines, const RunDescription& run) {
     lines.number("ForceTRDelay:", 0);
     lines.blank();
     lines.quoted("StimulationProtocol:", "./" + run.options.name + ".prt");
-    lines.blank();
     lines.quoted("ContrastFile:", "");
     lines.blank();
     lines.number("AutoContrastGenerationLevel:", 2);

@@ -50,6 +50,12 @@ bool readPRTFile(StimulationProtocol& protocol, ResponseTable responses) {
         showWarning(QStringLiteral("WARNING: Condition \"%1\" of protocol file has more than 300 "
                                    "intervals; the first 300 are used.")
                         .arg(parsing.fullCondition));
+    if (parsing.hasCutText)
+        showWarning(QStringLiteral("WARNING: Protocol file \"%1\" has a name of more than %2 "
+                                   "characters or buttons of more than %3; the rest is left out.")
+                        .arg(paths::fileName(path))
+                        .arg(ProtocolCondition::maximumNameLength)
+                        .arg(ProtocolCondition::maximumButtonsLength));
     protocol = std::move(read);
     protocol.protocolPath = path;
     return true;

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int maximumButtonsLength = 255;
+constexpr int maximumQuotedButtons = 255;
 // A name, a count, a key and three numbers, with what stands between them.
 constexpr qsizetype shortestCondition = 11;
 // A key and a count.
@@ -105,7 +105,9 @@ bool PRTParser::readConditions() {
 }
 
 bool PRTParser::readCondition(ProtocolCondition& condition) {
-    condition.name = nextLine().left(ProtocolCondition::maximumNameLength);
+    const QString name = nextLine();
+    condition.name = name.left(ProtocolCondition::maximumNameLength);
+    parsing_.hasCutText |= condition.name.size() < name.size();
     const int index = protocol_.nrOfConditions() - 1;
     const int count = stream_.integer();
     if (count < 0)
@@ -148,11 +150,12 @@ void PRTParser::readResponseEvent(bool keep) {
     const int reactionTime = keyAndInteger();
     stream_.word();
     QString buttons;
-    const bool buttonsRead = readDelimitedString('"', buttons, stream_, maximumButtonsLength);
+    const bool buttonsRead = readDelimitedString('"', buttons, stream_, maximumQuotedButtons);
     const int omission = keyAndInteger();
     const int accuracy = keyAndInteger();
     if (!buttonsRead || stream_.failed() || !keep)
         return;
+    parsing_.hasCutText |= buttons.size() > ProtocolCondition::maximumButtonsLength;
     const int index = protocol_.nrOfResponseConditions() - 1;
     protocol_.addResponseInterval(index, from, to);
     protocol_.setResponseValues(index, timeOfResponse, reactionTime, accuracy, omission, buttons);

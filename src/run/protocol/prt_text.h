@@ -15,6 +15,7 @@ struct PRTParsing {
     QString damage;        ///< what is wrong, when damaged
     QString fullCondition; ///< the first condition with more than 300 intervals; empty: none
     bool hasFullCondition = false;
+    bool hasCutText = false; ///< a name or the buttons of a response were longer than their record
 };
 
 /// Fills the model from the text of a file. Key words are skipped, not compared. When the result is

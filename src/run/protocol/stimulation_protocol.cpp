@@ -49,8 +49,8 @@ bool appendInterval(ConditionTable& table, int index, int from, int to) {
 } // namespace
 
 void ProtocolCondition::setButtons(size_t interval, const QString& text) {
-    std::array<char, 11>& target = buttons[interval];
-    const QByteArray bytes = text.toLatin1().left(qsizetype(target.size()) - 1);
+    std::array<char, maximumButtonsLength + 1>& target = buttons[interval];
+    const QByteArray bytes = text.toLatin1().left(maximumButtonsLength);
     target.fill('\0');
     std::copy(bytes.begin(), bytes.end(), target.begin());
 }

@@ -22,6 +22,7 @@ inline constexpr const char* untitledExperiment = "<untitled>";
 struct ProtocolCondition {
     static constexpr int maximumIntervals = 300;
     static constexpr int maximumNameLength = 255;
+    static constexpr int maximumButtonsLength = 10;
 
     QString name; ///< at most 255 characters
     int nrOfIntervals = 0;
@@ -32,7 +33,7 @@ struct ProtocolCondition {
     std::array<int, maximumIntervals> reactionTime{};
     std::array<int, maximumIntervals> accuracy{};
     std::array<int, maximumIntervals> omission{};
-    std::array<std::array<char, 11>, maximumIntervals> buttons{}; ///< zero-terminated
+    std::array<std::array<char, maximumButtonsLength + 1>, maximumIntervals> buttons{};
     bool lossReported = false; ///< the operator knows that the record is full
 
     /// Sets the buttons of an interval below maximumIntervals; the first 10 characters are kept.

@@ -70,6 +70,13 @@ QString line(const char* key, const QString& value) {
     return QString(key).leftJustified(27) + value + '\n';
 }
 
+// True when the file brings the value back as it is. A file with another one could end the program
+// at each start.
+bool canBeQuoted(const QString& value) {
+    return value.size() < maximumQuotedLength && value == value.simplified() &&
+           !value.contains('"') && !value.contains(" ;");
+}
+
 QString positionText(bool centred, int value) {
     return centred ? QStringLiteral("Centered") : QString::number(value);
 }
@@ -134,7 +141,8 @@ MasterFileResult readMasterFile(const QString& folder, const QString& dataPath,
 }
 
 bool writeMasterFile(const QString& folder, const MasterFile& master) {
-    if (writeFileAtomically(paths::join(folder, masterFileName), masterFileText(master).toUtf8()))
+    if (canBeQuoted(master.settingsDirectory) && canBeQuoted(master.settingsFileName) &&
+        writeFileAtomically(paths::join(folder, masterFileName), masterFileText(master).toUtf8()))
         return true;
     showCritical("ERROR: Can not update \"MasterVCO\" file !");
     return false;

@@ -40,5 +40,6 @@ enum class MasterFileResult {
 /// folder in `dataPath`. Where nothing could be read, `master` keeps what it holds.
 [[nodiscard]] MasterFileResult readMasterFile(const QString& folder, const QString& dataPath,
                                               MasterFile& master);
-/// Writes `MasterVCO` in `folder`. False after its message.
+/// Writes `MasterVCO` in `folder`. False after its message: the file can't be written, or a folder
+/// or name has quotes, runs of blanks or a length that could not be read back.
 [[nodiscard]] bool writeMasterFile(const QString& folder, const MasterFile& master);

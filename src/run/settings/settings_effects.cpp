@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <limits>
 
 namespace {
@@ -14,8 +15,9 @@ constexpr int maximumMatrix = 4096;
 constexpr int maximumSlices = 4096;
 
 bool canBeRead(const QString& path) {
+    // Opening a pipe would wait for its other end.
     QFile file(path);
-    return file.open(QIODevice::ReadOnly);
+    return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
 }
 
 int milliseconds(int seconds) {

@@ -33,6 +33,10 @@ struct Entry : SettingsField {
         range = ValueRange{lowest, highest};
         return *this;
     }
+    Entry& notZero() {
+        refusesZero = true;
+        return *this;
+    }
     Entry& present(Presence fieldPresence) {
         presence = fieldPresence;
         return *this;
@@ -193,7 +197,7 @@ void addSizes(Table& t) {
     add(singleRun, Entry(Integer, "TimeOutSeconds:", &S::TimeOutSeconds)
                        .then(FieldEffect::TimeOut)
                        .blankLine());
-    add(singleRun, Entry(Integer, "MatrixSizeX:", &S::MatrixSizeX));
+    add(singleRun, Entry(Integer, "MatrixSizeX:", &S::MatrixSizeX).notZero());
     add(singleRun,
         Entry(Integer, "MatrixSizeY:", &S::MatrixSizeY).then(FieldEffect::MatrixSizes).blankLine());
     add(mosaic,
@@ -206,20 +210,23 @@ void addSizes(Table& t) {
                      .within(0, maximumMosaic)
                      .blankLine());
     add(siemens, Entry(Flag, "SiemensFixedRunNumber:", &S::SiemensFixedRunNumber).blankLine());
-    add(singleRun, Entry(Integer, "NrOfVolumes:", &S::NrOfVolumes).within(1, maximumVolumes));
+    add(singleRun,
+        Entry(Integer, "NrOfVolumes:", &S::NrOfVolumes).within(1, maximumVolumes).notZero());
     add(singleRun, Entry(Integer, "NrOfVolumesToSkip:", &S::NrOfVolumesToSkip)
                        .then(FieldEffect::VolumesToSkip)
                        .within(0, maximumVolumes)
                        .blankLine());
-    add(singleRun,
-        Entry(Integer, "NrOfSlices:", &S::NrOfSlices).then(FieldEffect::SliceCount).blankLine());
+    add(singleRun, Entry(Integer, "NrOfSlices:", &S::NrOfSlices)
+                       .then(FieldEffect::SliceCount)
+                       .notZero()
+                       .blankLine());
 }
 
 void addNamesAndTimes(Table& t) {
     const auto add = [&](Entry entry) { t.push_back(entry.onlyIf(singleRun)); };
     add(Entry(Text, "SlicePrefix:", &S::SlicePrefix));
     add(Entry(Text, "ProjectName:", &S::ProjectName).then(FieldEffect::ProjectName).blankLine());
-    add(Entry(Real, "TR:", &S::TR).within(1, hourMilliseconds));
+    add(Entry(Real, "TR:", &S::TR).within(1, hourMilliseconds).notZero());
     add(Entry(Real, "InterSliceTime:", &S::InterSliceTime).blankLine());
     add(Entry(Path, "ROIColorsFile:", &S::ROIColorsFile)
             .since(3)

@@ -71,6 +71,8 @@ struct SettingsField {
     FieldEffect effect = FieldEffect::None;
     /// Values outside are refused, since the run could not work with them.
     std::optional<ValueRange> range;
+    /// 0 has a refusal of its own, which also serves words that are no numbers.
+    bool refusesZero = false;
     Presence presence = Presence::Required;
     int firstVersion = 1;
     int lastVersion = std::numeric_limits<int>::max();

@@ -51,7 +51,7 @@ void applyDataTypeDefaults(RunSettings& settings, const QString& dataType) {
 
 QString unsupportedDataTypeText(const QString& dataType, const QString& settingsFilePath) {
     return QStringLiteral("ERROR: Data type \"%1\" not supported!\n\nCheck settings file: \"%2\".")
-        .arg(dataType, settingsFilePath);
+        .arg(shortened(dataType), settingsFilePath);
 }
 
 bool readSettingsFile(RunSettings& settings, SettingsUse use,

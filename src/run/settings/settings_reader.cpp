@@ -9,6 +9,13 @@
 namespace {
 
 constexpr QChar quote = '"';
+const QString fileHasEnded = QStringLiteral("the file has ended");
+
+QString badValueText(const QString& key, const QString& value) {
+    return QStringLiteral("ERROR: Problem reading \"%1\" value (%2). Check respective entry in "
+                          "settings file!")
+        .arg(key.chopped(1), value);
+}
 
 bool flagValue(ValueKind kind, int value) {
     switch (kind) {
@@ -60,15 +67,13 @@ bool SettingsReader::readField(const SettingsField& field) {
 
 bool SettingsReader::readKeyAndValue(const SettingsField& field) {
     const QString found = stream_.word();
-    const bool valueIsThere = takeValue(field);
+    const QString problem = takeValue(field);
     if (!report_.keyFits(found, field.key))
         return false;
+    if (!problem.isEmpty())
+        return report_.fail(badValueText(field.key, problem));
     cleanValue(field);
-    if (!applyEffect(field.effect))
-        return false;
-    if (!valueIsThere)
-        return reportMissing(field.key);
-    return checkRange(field);
+    return applyEffect(field.effect) && checkRange(field);
 }
 
 bool SettingsReader::readOverOtherKeys(const SettingsField& field) {
@@ -82,20 +87,24 @@ bool SettingsReader::readOverOtherKeys(const SettingsField& field) {
     return valueIsThere || reportMissing(field.key);
 }
 
-bool SettingsReader::takeValue(const SettingsField& field) {
-    const bool ended = stream_.atEnd();
-    if (const auto* integer = std::get_if<int RunSettings::*>(&field.member)) {
-        settings_.** integer = stream_.integer();
-    } else if (const auto* flag = std::get_if<bool RunSettings::*>(&field.member)) {
-        settings_.** flag = flagValue(field.kind, stream_.integer());
-    } else if (const auto* real = std::get_if<float RunSettings::*>(&field.member)) {
-        settings_.** real = asFloat(stream_.real());
-    } else if (const auto* text = std::get_if<QString RunSettings::*>(&field.member)) {
+QString SettingsReader::takeValue(const SettingsField& field) {
+    if (stream_.atEnd())
+        return fileHasEnded;
+    if (const auto* text = std::get_if<QString RunSettings::*>(&field.member)) {
         if (field.kind != ValueKind::Word)
-            return readDelimitedString(quote, settings_.**text, stream_);
+            return readDelimitedString(quote, settings_.**text, stream_) ? QString() : fileHasEnded;
         settings_.** text = stream_.word();
+        return {};
     }
-    return !ended;
+    const QString word = stream_.word();
+    TokenStream number(word);
+    if (const auto* integer = std::get_if<int RunSettings::*>(&field.member))
+        settings_.** integer = number.integer();
+    else if (const auto* flag = std::get_if<bool RunSettings::*>(&field.member))
+        settings_.** flag = flagValue(field.kind, number.integer());
+    else if (const auto* real = std::get_if<float RunSettings::*>(&field.member))
+        settings_.** real = asFloat(number.real());
+    return number.failed() && !field.refusesZero ? shortened(word) : QString();
 }
 
 void SettingsReader::setToDefault(const SettingsField& field) {
@@ -124,16 +133,11 @@ bool SettingsReader::checkRange(const SettingsField& field) {
         value = double(settings_.**real);
     if (value >= field.range->lowest && value <= field.range->highest)
         return true;
-    return report_.refuseForRun(
-        QStringLiteral("ERROR: Problem reading \"%1\" value (%2). Check respective entry in "
-                       "settings file!")
-            .arg(field.key.chopped(1), QString::number(value, 'g', 10)));
+    return report_.refuseForRun(badValueText(field.key, QString::number(value, 'g', 10)));
 }
 
 bool SettingsReader::reportMissing(const QString& key) {
-    return report_.fail(QStringLiteral("ERROR: Problem reading \"%1\" value (the file has ended). "
-                                       "Check respective entry in settings file!")
-                            .arg(key.chopped(1)));
+    return report_.fail(badValueText(key, fileHasEnded));
 }
 
 bool SettingsReader::readWatchFolder(const SettingsField& field) {
@@ -192,7 +196,7 @@ bool SettingsReader::readProtocol() {
         QStringLiteral("ERROR: Expected \"StimulationProtocol:\" or \"RealTimeProtocol:\" or "
                        "\"TDatFile:\" token but found \"%1\".\nCheck entry name and order of "
                        "entries in settings file!")
-            .arg(found));
+            .arg(shortened(found)));
 }
 
 bool SettingsReader::readMergeFiles(const SettingsField& field) {

@@ -23,8 +23,8 @@ private:
     [[nodiscard]] bool readWatchFolderList();
     [[nodiscard]] bool readProtocol();
     [[nodiscard]] bool readMergeFiles(const SettingsField& field);
-    /// Takes the value into its field; false when the file ends before it.
-    [[nodiscard]] bool takeValue(const SettingsField& field);
+    /// Takes the value into its field. Not empty: what is wrong with it.
+    [[nodiscard]] QString takeValue(const SettingsField& field);
     void setToDefault(const SettingsField& field);
     void cleanValue(const SettingsField& field);
     [[nodiscard]] bool checkRange(const SettingsField& field);

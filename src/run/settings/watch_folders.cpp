@@ -9,6 +9,7 @@
 namespace {
 
 constexpr int highestSeries = 99;
+constexpr qsizetype mostFolders = 1000; // no session has more; a damaged list might
 
 QString numberedName(const QString& prefix, int number) {
     return prefix + (number < 10 ? "000" : "00") + QString::number(number);
@@ -39,7 +40,7 @@ WatchFolderList parseWatchFolderList(const QString& text, const QString& setting
     WatchFolderList list;
     list.count = stream.integer();
     qsizetype round = 0;
-    while (round < list.count && !stream.atEnd()) {
+    while (round < list.count && list.folders.size() < mostFolders && !stream.atEnd()) {
         const QString name = stream.word();
         round = name.size() + 1;
         const QString folder = paths::withTrailingSlash(paths::withForwardSlashes(name));

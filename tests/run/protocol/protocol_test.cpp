@@ -186,6 +186,7 @@ TEST_F(ProtocolFile, MoreThan300IntervalsAreCutAndTheRestIsReadRight) {
           "longer\n310\n" + intervals + "Color: 1 2 3\n" + name + "\n1\n400 401\nColor: 7 8 9\n");
     messages.expect(MessageLevel::Warning, "WARNING: Condition \"long\" of protocol file has more "
                                            "than 300 intervals; the first 300 are used.");
+    messages.expect(MessageLevel::Warning, "WARNING: Protocol file \"a.prt\" has a name of more*");
     ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip));
     EXPECT_EQ(protocol.conditions[0].nrOfIntervals, 300);
     EXPECT_EQ(protocol.conditions[1].to[299], 300);

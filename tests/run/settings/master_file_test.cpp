@@ -40,6 +40,11 @@ TEST(MasterFile, ReadsWhatItWrites) {
     MasterFile read;
     ASSERT_EQ(readMasterFile(folder.path() + "/", {}, read), MasterFileResult::Read);
     EXPECT_EQ(masterFileText(read), masterFileText(written));
+    ScriptedMessages messages;
+    for (const QString& unreadable : {QString("/a\"b/"), QString("/a  b/"), QString("/a ;b/")}) {
+        messages.expect(MessageLevel::Critical, "ERROR: Can not update \"MasterVCO\" file !");
+        EXPECT_FALSE(writeMasterFile(folder.path() + "/", {unreadable, "c-1.vco"}));
+    }
 }
 
 TEST(MasterFile, TakesOldAndNewForms) {

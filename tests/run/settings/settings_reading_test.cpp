@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "base/text_reading.h"
 #include "settings_fixture.h"
 
 TEST_F(SettingsFile, ReadsEveryVersionAndTypeBlock) {

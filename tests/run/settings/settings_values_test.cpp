@@ -4,19 +4,14 @@
 TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
     const QString matrix = "ERROR: Problem reading MatrixSizeX / MatrixSizeY values. Check "
                            "respective entries in settings file!";
-    const auto single = [](const char* key, const char* value) {
-        return QString("ERROR: Problem reading \"%1\" value (%2). Check respective entry in "
-                       "settings file!")
-            .arg(key, value);
+    const auto wrong = [](const char* key, const char* value, const char* entries = "entry") {
+        return QString("ERROR: Problem reading \"%1\" value (%2). Check respective %3 in settings "
+                       "file!")
+            .arg(key, value, entries);
     };
     const auto skip = [](int value) {
         return QString("ERROR: \"NrOfVolumesToSkip\" value (%1) must be smaller than "
                        "\"NrOfVolumes\" value (50). Check respective entries in settings file!")
-            .arg(value);
-    };
-    const auto slices = [](const char* value) {
-        return QString("ERROR: Problem reading \"NrOfSlices\" value (%1). Check respective entries "
-                       "in settings file!")
             .arg(value);
     };
     const QString protocol = "ERROR: Expected \"StimulationProtocol:\" or \"RealTimeProtocol:\" or "
@@ -32,14 +27,14 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
                  {"MatrixSizeX: 64", "MatrixSizeX: 4097", matrix},
                  {"MatrixSizeY: 32", "MatrixSizeY: -1", matrix},
                  {"MatrixSizeY: 32", "MatrixSizeY: 0", ""},
-                 {"NrOfVolumes: 50", "NrOfVolumes: 1000001", single("NrOfVolumes", "1000001")},
+                 {"NrOfVolumes: 50", "NrOfVolumes: 1000001", wrong("NrOfVolumes", "1000001")},
                  {"Skip: 3", "Skip: 50", skip(50)},
                  {"Skip: 3", "Skip: 49", ""},
-                 {"Skip: 3", "Skip: -1", single("NrOfVolumesToSkip", "-1")},
-                 {"NrOfSlices: 9", "NrOfSlices: 0", slices("0")},
-                 {"NrOfSlices: 9", "NrOfSlices: -9", slices("-9")},
-                 {"NrOfSlices: 9", "NrOfSlices: 99999999999", slices("0")},
-                 {"TR: 1500.5", "TR: fast", single("TR", "0")},
+                 {"Skip: 3", "Skip: -1", wrong("NrOfVolumesToSkip", "-1")},
+                 {"NrOfSlices: 9", "NrOfSlices: 0", wrong("NrOfSlices", "0", "entries")},
+                 {"NrOfSlices: 9", "NrOfSlices: -9", wrong("NrOfSlices", "-9", "entries")},
+                 {"NrOfSlices: 9", "NrOfSlices: 99999999999", wrong("NrOfSlices", "0", "entries")},
+                 {"TR: 1500.5", "TR: fast", wrong("TR", "0")},
                  {"StimulationProtocol:", "Protocol:", protocol}};
     for (const auto& [before, after, message] : cases) {
         SCOPED_TRACE(after);
@@ -55,20 +50,29 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
     }
 }
 
-TEST_F(SettingsFile, NoVolumesAreRefusedBeforeTheSkippedOnes) {
-    const QString text = replaced(geText(), "NrOfVolumes: 50", "NrOfVolumes: 0");
-    messages.expect(MessageLevel::Critical, "ERROR: Problem reading \"NrOfVolumes\" value (0). "
-                                            "Check respective entry in settings file!");
-    EXPECT_FALSE(readText(text, SettingsUse::Run));
-    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
-}
-
-TEST_F(SettingsFile, AnUnknownDataTypeIsAlwaysFatal) {
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: Data type \"XYZ\" not supported!\n\nCheck settings file: \"" +
-                        settings.settingsFilePath + "\".");
-    EXPECT_FALSE(readText(fileText("XYZ", ""), SettingsUse::Inspection));
-    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
+TEST_F(SettingsFile, WhatNoFileMayHoldIsFatal) {
+    write("file", "");
+    const QString target = "ERROR: Target folder  \"" + dir() +
+                           "file/out/\"  does not exist and could not be created!\n\nCheck \"" +
+                           settings.settingsFilePath +
+                           "\" file and/or create target folder;\nthen rerun Velo-Cortivo.";
+    const struct {
+        QString text;
+        SettingsUse use;
+        QString message;
+    } cases[] = {{replaced(geText(), "NrOfVolumes: 50", "NrOfVolumes: 0"), SettingsUse::Run,
+                  "ERROR: Problem reading \"NrOfVolumes\" value (0). Check respective entry in "
+                  "settings file!"},
+                 {fileText("XYZ", ""), SettingsUse::Inspection,
+                  "ERROR: Data type \"XYZ\" not supported!\n\nCheck settings file: \"" +
+                      settings.settingsFilePath + "\"."},
+                 {replaced(geText(), "./out", "./file/out"), SettingsUse::Run, target}};
+    for (const auto& [text, use, message] : cases) {
+        programEnd.statuses.clear();
+        messages.expect(MessageLevel::Critical, message);
+        EXPECT_FALSE(readText(text, use));
+        EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
+    }
 }
 
 TEST_F(SettingsFile, TheProtocolKeySaysWhichSourceIsUsed) {
@@ -142,17 +146,6 @@ TEST_F(SettingsFile, AWatchFolderListNormallyGivesItsFirstName) {
     EXPECT_EQ(settings.WatchFolderListFile, dir() + "list.txt");
 }
 
-TEST_F(SettingsFile, ATargetFolderThatCanNotBeCreatedIsFatal) {
-    write("file", "");
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: Target folder  \"" + dir() +
-                        "file/out/\"  does not exist and could not be created!\n\nCheck \"" +
-                        settings.settingsFilePath +
-                        "\" file and/or create target folder;\nthen rerun Velo-Cortivo.");
-    EXPECT_FALSE(readText(replaced(geText(), "./out", "./file/out"), SettingsUse::Run));
-    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
-}
-
 TEST_F(SettingsFile, DicomNamesTellPrefixVolumeAndWidth) {
     const struct {
         const char* name;
@@ -185,19 +178,23 @@ TEST_F(SettingsFile, DicomNamesTellPrefixVolumeAndWidth) {
 }
 
 TEST_F(SettingsFile, OtherFirstFileNames) {
-    const QString rest = "\" InplaneFoVX: 1 InplaneFoVY: 1 SliceThickness: 1 GapThickness: 1";
-    const auto block = [&](const char* name) { return "FirstFileName: \"" + QString(name) + rest; };
-    ASSERT_TRUE(readText(fileText("ANALYZE_NW", block("subject00012.img")), SettingsUse::Run));
-    EXPECT_EQ(settings.philipsFilePrefix, "subject");
-    EXPECT_EQ(settings.philipsFirstNumber, 12);
-    ASSERT_TRUE(
-        readText(fileText("PHILIPS_ANALYZE_DRIN", block("s_00034.img") + " ImageTransformation: 0"),
-                 SettingsUse::Run));
-    EXPECT_EQ(settings.philipsFilePrefix, "s_");
-    EXPECT_EQ(settings.philipsFirstNumber, 34);
-    ASSERT_TRUE(readText(fileText("ANALYZE_NW", block("a.i")), SettingsUse::Run));
-    EXPECT_EQ(settings.philipsFilePrefix, "");
-    EXPECT_EQ(settings.philipsFirstNumber, 0);
+    const struct {
+        const char* type;
+        const char* name;
+        const char* end;
+        const char* prefix;
+        int number;
+    } names[] = {{"ANALYZE_NW", "subject00012.img", "", "subject", 12},
+                 {"PHILIPS_ANALYZE_DRIN", "s_00034.img", " ImageTransformation: 0", "s_", 34},
+                 {"ANALYZE_NW", "a.i", "", "", 0}};
+    for (const auto& [type, name, end, prefix, number] : names) {
+        const QString block = QString("FirstFileName: \"%1\" InplaneFoVX: 1 InplaneFoVY: 1 "
+                                      "SliceThickness: 1 GapThickness: 1%2")
+                                  .arg(name, end);
+        ASSERT_TRUE(readText(fileText(type, block), SettingsUse::Run)) << name;
+        EXPECT_EQ(settings.philipsFilePrefix, prefix);
+        EXPECT_EQ(settings.philipsFirstNumber, number);
+    }
     const struct {
         const char* header;
         QString path;

@@ -1,5 +1,6 @@
 // Special functions against published tables and closed forms; sorting, splines, products.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/numerics/allocation.h"
 #include "stats/numerics/matrix_products.h"
 #include "stats/numerics/run_time_error.h"
 #include "stats/numerics/sorting.h"
@@ -35,25 +36,6 @@ TEST(Betai, MatchesClosedForms) {
     EXPECT_EQ(betai(1, 0, 0.5), 0.0);
 }
 
-TEST(Betai, MatchesTheTablesOfTAndF) {
-    // Critical values to three places; the bound is what half of the last place makes in p.
-    struct T {
-        double t, df, p;
-    };
-    for (const T& entry : {T{12.706, 1, 0.05}, T{2.228, 10, 0.05}, T{2.845, 20, 0.01},
-                           T{3.291, 1e6, 0.001}, T{1.980, 120, 0.05}})
-        EXPECT_NEAR(betai(entry.df / 2, 0.5, entry.df / (entry.df + entry.t * entry.t)), entry.p,
-                    2e-3 * entry.p);
-    struct F {
-        double f, df1, df2, p;
-    };
-    for (const F& entry : {F{3.708, 3, 10, 0.05}, F{4.103, 5, 20, 0.01}, F{161.448, 1, 1, 0.05},
-                           F{1.429, 60, 120, 0.05}})
-        EXPECT_NEAR(
-            betai(entry.df2 / 2, entry.df1 / 2, entry.df2 / (entry.df2 + entry.df1 * entry.f)),
-            entry.p, 3e-3 * entry.p);
-}
-
 TEST(Betai, BadArgumentsEndTheProgramWithTheirText) {
     RecordedProgramEnd end;
     testing::internal::CaptureStderr();
@@ -64,6 +46,17 @@ TEST(Betai, BadArgumentsEndTheProgramWithTheirText) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), text + text + text);
     EXPECT_EQ(betacf(1e12, 1e12, 0.5), 0.0);
     EXPECT_EQ(end.statuses, (std::vector<int>{1, 1, 1, 1}));
+}
+
+TEST(Allocation, EndsTheProgramWithItsText) {
+    RecordedProgramEnd end;
+    testing::internal::CaptureStderr();
+    std::vector<float> values;
+    EXPECT_FALSE(allocateMatrix(values, size_t(1) << 50, 50));
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("\nallocation failure 2 in matrix()\n"),
+              std::string::npos);
+    EXPECT_EQ(end.statuses, std::vector<int>{1});
+    EXPECT_TRUE(allocateMatrix(values, 2, 3) && values == std::vector<float>(6, 0.0f));
 }
 
 TEST(Sorting, IsStableAndPutsWhatIsNotANumberLast) {

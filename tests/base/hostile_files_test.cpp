@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/file_writing.h"
+#include "base/memory.h"
+#include "base/text_reading.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace {
+
+void put(const QString& path, const QByteArray& content) {
+    QDir().mkpath(path.left(path.lastIndexOf('/')));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(content);
+}
+
+} // namespace
+
+TEST(TextFile, AnythingButARegularFileIsNeitherReadNorReplaced) {
+    const QTemporaryDir folder;
+    const QString pipe = folder.filePath("pipe");
+    ASSERT_EQ(mkfifo(pipe.toUtf8().constData(), 0600), 0);
+    for (const QString& path : {pipe, folder.path(), QString("/dev/zero")}) {
+        QString text;
+        EXPECT_FALSE(readTextFile(path, text)) << path.toStdString();
+        EXPECT_FALSE(writeFileAtomically(path, "x")) << path.toStdString();
+    }
+}
+
+TEST(TextFile, ALinkStaysAndItsTargetIsWritten) {
+    const QTemporaryDir folder;
+    put(folder.filePath("target"), "old");
+    ASSERT_TRUE(QFile::link(folder.filePath("target"), folder.filePath("link")));
+    ASSERT_TRUE(writeFileAtomically(folder.filePath("link"), "new"));
+    QString text;
+    ASSERT_TRUE(readTextFile(folder.filePath("target"), text));
+    EXPECT_EQ(text, "new");
+    EXPECT_TRUE(QFileInfo(folder.filePath("link")).isSymLink());
+}
+
+TEST(AvailableMemory, IsTheSmallestOfSystemAndControlGroups) {
+    const QTemporaryDir folder;
+    const QString root = folder.path();
+    EXPECT_EQ(availableMemoryBytes(root), std::numeric_limits<size_t>::max());
+    put(root + "/proc/meminfo", "MemTotal:  900 kB\nMemAvailable:     800 kB\n");
+    EXPECT_EQ(availableMemoryBytes(root), 800U * 1024);
+    // The group of the process has no limit; the one around it has, and holds files in memory.
+    put(root + "/proc/self/cgroup", "0::/slice/job\n");
+    put(root + "/sys/fs/cgroup/slice/job/memory.max", "max\n");
+    put(root + "/sys/fs/cgroup/slice/memory.max", "500000\n");
+    put(root + "/sys/fs/cgroup/slice/memory.current", "400000\n");
+    put(root + "/sys/fs/cgroup/slice/memory.stat", "inactive_file 30000\nactive_file 20000\n");
+    EXPECT_EQ(availableMemoryBytes(root), 150000U);
+    put(root + "/proc/self/cgroup", "5:cpu:/\n4:cpu,memory:/elsewhere\n");
+    put(root + "/sys/fs/cgroup/memory/memory.limit_in_bytes", "300000\n");
+    put(root + "/sys/fs/cgroup/memory/memory.usage_in_bytes", "310000\n");
+    put(root + "/sys/fs/cgroup/memory/memory.stat", "total_inactive_file 50000\n");
+    EXPECT_EQ(availableMemoryBytes(root), 40000U);
+}
