@@ -45,17 +45,6 @@ uint16_t sampleAt(const QByteArray& samples, int index, bool bigEndian) {
 
 const QString sampleFolder = VELO_SOURCE_DIR "/src/resources/sample_session/";
 
-QStringList keysOf(const QByteArray& settings) {
-    QStringList keys;
-    for (const QString& line : QString::fromUtf8(settings).split('\n'))
-        if (!line.isEmpty()) {
-            EXPECT_NE(line[33], '"') << line.toStdString();
-            EXPECT_NE(line[34], ' ') << line.toStdString();
-            keys << line.section(' ', 0, 0);
-        }
-    return keys;
-}
-
 } // namespace
 
 TEST(MosaicFile, HoldsTheSlicesAsTilesAtItsEnd) {
@@ -111,41 +100,6 @@ TEST(MosaicFile, StatesItsProtocolInLines) {
     }
     // The corner of the whole mosaic: 48 x 60 pixels of 12 mm around the first slice's centre.
     EXPECT_TRUE(bytes.contains("-285.5\\-371.25\\-27.75"));
-}
-
-TEST(SliceFiles, AreOneForEachSliceOfAVolume) {
-    for (const Encoding& encoding : encodings) {
-        const SimulatedScan scan(smallRun(ScannerType::Dicom, encoding.syntax));
-        const std::vector<ScannerFile> files = scan.files(10);
-        const std::vector<uint16_t> volume = scan.volume(10);
-        ASSERT_EQ(files.size(), 6u);
-        EXPECT_EQ(files[0].name, "Run1-0011-0001.dcm");
-        EXPECT_EQ(files[5].name, "Run1-0011-0006.dcm");
-        for (size_t slice = 0; slice < 6; ++slice) {
-            const QByteArray samples = files[slice].bytes.right(16 * 20 * 2);
-            for (int pixel = 0; pixel < 16 * 20; ++pixel)
-                ASSERT_EQ(sampleAt(samples, pixel, encoding.bigEndian),
-                          volume[slice * 16 * 20 + size_t(pixel)]);
-        }
-    }
-}
-
-TEST(SettingsText, HasTheKeysOfTheSampleForEachType) {
-    QFile file(sampleFolder + "VCO_FacesHouses-1.vco");
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    QStringList expected = keysOf(file.readAll());
-    for (const ScannerType type : {ScannerType::SiemensMosaic, ScannerType::Dicom}) {
-        const bool isMosaic = type == ScannerType::SiemensMosaic;
-        if (!isMosaic)
-            EXPECT_EQ(
-                expected.removeIf([](const QString& key) { return key.startsWith("Mosaic"); }), 2);
-        const SimulationOptions options = smallRun(type, TransferSyntax::ExplicitLittle);
-        const QByteArray text = settingsText(runDescription(options, ScanGeometry(options)));
-        EXPECT_EQ(keysOf(text), expected);
-        EXPECT_TRUE(
-            text.contains(isMosaic ? "\"001_000004_000001.dcm\"" : "\"Run1-0001-0001.dcm\""));
-        EXPECT_EQ(text.contains("MosaicResolutionY:                60\n"), isMosaic);
-    }
 }
 
 TEST(SampleSession, IsWhatTheSimulatorWritesByDefault) {
