@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "scanner_simulator/command_line.h"
+#include "scanner_simulator/delivery.h"
 #include "scanner_simulator/replay_folder.h"
 
 #include <QDir>
@@ -17,7 +17,7 @@ public:
     [[nodiscard]] bool waitUntil(int64_t milliseconds) override {
         notes << note();
         now_ = std::max(now_, milliseconds);
-        return now_ <= interruptAfter;
+        return true;
     }
     [[nodiscard]] QString note() const {
         QStringList files;
@@ -27,7 +27,6 @@ public:
         return QString("%1: ").arg(now_) + files.join(' ');
     }
     QStringList notes;
-    int64_t interruptAfter = 1000000;
 
 private:
     QString folder_;
@@ -44,14 +43,11 @@ VolumeSource source(int nrOfVolumes, int nrOfFiles) {
             }};
 }
 
-QStringList delivered(const DeliveryOptions& options, const VolumeSource& volumes,
-                      DeliveryResult expected = DeliveryResult::Done,
-                      int64_t interruptAfter = 1000000) {
+QStringList delivered(const DeliveryOptions& options, const VolumeSource& volumes) {
     QTemporaryDir folder;
     NotingClock clock(folder.path());
-    clock.interruptAfter = interruptAfter;
     EXPECT_EQ(deliver(options, volumes, folder.path(), clock, [](const QString&) {}).result,
-              expected);
+              DeliveryResult::Done);
     return clock.notes << clock.note();
 }
 
@@ -87,16 +83,6 @@ TEST(Delivery, FilesAppearWholeOrGrow) {
               "6000: a1=25");
 }
 
-TEST(Delivery, EndsWhenInterruptedOrUnableToWrite) {
-    EXPECT_EQ(delivered({}, source(5, 1), DeliveryResult::Interrupted, 7500).constLast(),
-              "8000: a0=100 b0=100");
-    NotingClock clock("/");
-    const DeliveryOutcome outcome =
-        deliver({}, source(1, 1), "/nowhere/at/all/", clock, [](const QString&) {});
-    EXPECT_EQ(outcome.result, DeliveryResult::Failed);
-    EXPECT_EQ(outcome.problem, "The file \"/nowhere/at/all/a0\" can't be written.");
-}
-
 TEST(ReplayFolder, TakesFilesInTheOrderOfTheirNumbers) {
     QTemporaryDir folder;
     for (const char* name : {"run-0010.dcm", "run-9.dcm", "run-0002.dcm", "run-11.dcm", "a.dcm"}) {
@@ -111,28 +97,4 @@ TEST(ReplayFolder, TakesFilesInTheOrderOfTheirNumbers) {
     ASSERT_TRUE(second.has_value());
     EXPECT_EQ((*second)[1].name, "run-0010.dcm");
     EXPECT_EQ((*second)[1].bytes, "run-0010.dcm");
-}
-
-TEST(CommandLine, RefusesWhatDoesNotFit) {
-    struct Case {
-        QStringList arguments;
-        const char* problem; ///< its beginning
-    };
-    const Case cases[] = {
-        {{"--matrix", "64"}, "The value \"64\" doesn't fit option --matrix."},
-        {{"--matrix", "64x999999"}, "The matrix rows (999999) must lie between"},
-        {{"--volumes", "2"}, "The number of volumes to skip (2) must lie between 0 and 1."},
-        {{"--volumes", "700", "--block", "1"},
-         "Blocks of 1 volumes give a condition more than 300"},
-        {{"--late", "3"}, "The value \"3\" doesn't fit option --late."},
-        {{"--missing", "153"}, "There is no volume 153."},
-        {{"--name", "a/b"}, "The name \"a/b\" can't"},
-        {{"--as-fast", "--speed", "2"}, "--as-fast excludes"},
-        {{"--replay", "x", "--runs", "2"}, "A replay is one run."},
-    };
-    for (const Case& c : cases) {
-        const SimulatorCommand command =
-            parseCommandLine(QStringList("scanner-simulator") + c.arguments);
-        EXPECT_TRUE(command.problem.startsWith(c.problem)) << command.problem.toStdString();
-    }
 }
