@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/mosaic_composer.h"
 
-#include "display/mosaic_geometry.h"
-
 #include <gtest/gtest.h>
 #include <limits>
 #include <map>
@@ -178,23 +176,6 @@ TEST(MosaicComposer, RefusesWhatItCanNotShow) {
     EXPECT_EQ(scene.pixel(0, 0), grey);
     scene.slices.SlicePixmaps.clear();
     EXPECT_FALSE(composeMosaic(scene.mosaic, scene.source));
-}
-
-TEST(MosaicScrolling, WrapsOrStopsAtTheLastSlice) {
-    struct Case {
-        int columns, first, step, forward, backward;
-    };
-    // Ten slices in one row.
-    for (const Case& test :
-         {Case{5, 0, 1, 1, 9}, Case{5, 8, 1, 9, 7}, Case{5, 9, 1, 0, 8}, Case{5, 7, 5, 0, 2},
-          Case{5, 3, 5, 8, 9}, Case{10, 9, 1, 9, 8}, Case{12, 7, 5, 9, 2}, Case{10, 0, 1, 1, 9}}) {
-        MosaicLayout layout{test.columns, 1, test.first, test.step, test.step};
-        scrollForward(layout, 10);
-        EXPECT_EQ(layout.FirstShownSlice, test.forward) << test.columns << " " << test.first;
-        layout.FirstShownSlice = test.first;
-        scrollBackward(layout, 10);
-        EXPECT_EQ(layout.FirstShownSlice, test.backward) << test.columns << " " << test.first;
-    }
 }
 
 } // namespace

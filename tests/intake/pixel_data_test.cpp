@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/pixel_data.h"
 
-#include "dicom_bytes.h"
-
 #include <random>
 
 namespace {
@@ -49,15 +47,11 @@ TEST(FindPixelData, AgreesWithThePlainSearch) {
     EXPECT_GT(nrOfHits, 100);
 }
 
-TEST(FindPixelData, KnowsWhereSamplesStartAndEnd) {
-    const auto found = [](const QByteArray& bytes) {
-        return findPixelData(bytesOf(bytes), PixelKeySearch::First);
-    };
-    EXPECT_TRUE(found(DicomBytes().header(0x7FE0, 0x10, "OB", 0xFFFFFFFF).bytes)->encapsulated());
-    EXPECT_FALSE(found("x" + DicomBytes().pixels({1}).bytes)) << "only even offsets count";
-    std::vector<uint8_t> cut{0xE0, 0x7F, 0x10, 0x00};
-    EXPECT_FALSE(findPixelData(cut, PixelKeySearch::Last)->statedLength);
-    EXPECT_TRUE(pixelBytes(cut, *findPixelData(cut, PixelKeySearch::Last)).empty());
+TEST(FindPixelData, TakesAKeyAtTheVeryEnd) {
+    const std::vector<uint8_t> cut{0xE0, 0x7F, 0x10, 0x00};
+    const auto found = findPixelData(cut, PixelKeySearch::Last);
+    ASSERT_TRUE(found && !found->statedLength);
+    EXPECT_TRUE(pixelBytes(cut, *found).empty());
 }
 
 } // namespace

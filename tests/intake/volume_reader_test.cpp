@@ -24,9 +24,6 @@ struct MosaicRun : IntakeRun {
         settings.DicomFirstVolumeNr = 7;
         settings.DicomFirstImageNr = 10;
     }
-    static QByteArray file(int first, ByteOrder order = ByteOrder::Little) {
-        return DicomBytes(order).meta().pixels(counted(4, first)).bytes;
-    }
     const QString name = "run-0007-0010.dcm"; ///< of the first measured volume
 };
 
@@ -36,11 +33,7 @@ struct SliceRun : IntakeRun {
     static QByteArray file(int first, ByteOrder order = ByteOrder::Little) {
         return DicomBytes(order).meta().pixels(counted(2, first)).bytes;
     }
-    const QString name = "run-0005-0001.dcm"; ///< of the first slice
 };
-
-const QString tooShort =
-    "ERROR: File \"%1\" holds less image data than stated in the settings file !";
 
 TEST(MosaicReader, LastKeyCountsAndLoopSwapsTheSquareOfItsOwnResolution) {
     const QByteArray thumbnail = DicomBytes().pixels(counted(9)).bytes;
@@ -69,10 +62,13 @@ TEST(MosaicReader, ListedFoldersNeedTheExactSize) {
     run.settings.watchFolderList = QStringList{run.folder.path(), other.path()};
     run.setMosaic(2, 100);
     // 400 bytes of file for 400 bytes of mosaic: found, but then short of samples.
-    const QByteArray exact = MosaicRun::file(1).leftJustified(400, '\0');
+    const QByteArray exact = DicomBytes().meta().pixels(counted(4)).bytes.leftJustified(400, '\0');
     run.write(run.name, exact + "x");
     run.pump.after(150, [&] { writeFile(other.filePath(run.name), exact); });
-    run.messages.expect(MessageLevel::Warning, tooShort.arg(other.filePath(run.name)));
+    run.messages.expect(
+        MessageLevel::Warning,
+        QString("ERROR: File \"%1\" holds less image data than stated in the settings file !")
+            .arg(other.filePath(run.name)));
     EXPECT_FALSE(run.reader()->readFirstVolume());
     EXPECT_EQ(run.pump.milliseconds(), 230) << "nothing is missing from the file";
 }

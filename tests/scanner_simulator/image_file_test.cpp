@@ -9,15 +9,12 @@
 
 namespace {
 
-SimulationOptions smallRun(ScannerType type, TransferSyntax syntax) {
+SimulationOptions smallRun(TransferSyntax syntax) {
     SimulationOptions options;
-    options.type = type;
     options.syntax = syntax;
     options.sizeX = 16;
     options.sizeY = 20;
     options.nrOfSlices = 6;
-    options.nrOfVolumes = 12;
-    options.repetitionTime = 1500;
     return options;
 }
 
@@ -47,7 +44,7 @@ const QString sampleFolder = VELO_SOURCE_DIR "/src/resources/sample_session/";
 
 TEST(MosaicFile, HoldsTheSlicesAsTilesAtItsEnd) {
     for (const Encoding& encoding : encodings) {
-        const SimulatedScan scan(smallRun(ScannerType::SiemensMosaic, encoding.syntax));
+        const SimulatedScan scan(smallRun(encoding.syntax));
         const std::vector<ScannerFile> files = scan.files(4);
         ASSERT_EQ(files.size(), 1u);
         EXPECT_EQ(files[0].name, "001_000004_000005.dcm");

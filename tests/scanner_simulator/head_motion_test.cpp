@@ -3,20 +3,6 @@
 
 #include <gtest/gtest.h>
 
-TEST(SimulatedVolume, DependsOnOptionsAlone) {
-    SimulationOptions options;
-    options.nrOfVolumes = 6;
-    const SimulatedScan scan(options);
-    const std::vector<uint16_t> fourth = scan.volume(3);
-    EXPECT_NE(scan.volume(2), fourth);
-    EXPECT_EQ(SimulatedScan(options).volume(3), fourth);
-    options.seed = 2;
-    EXPECT_NE(SimulatedScan(options).volume(3), fourth);
-    options.seed = 1;
-    options.run = 2;
-    EXPECT_NE(SimulatedScan(options).volume(3), fourth);
-}
-
 TEST(SimulatedMotion, MovesTheHeadAsItSays) {
     SimulationOptions options;
     options.motion = HeadMotion::Jumps;
