@@ -75,18 +75,4 @@ TEST(Clusters, StateAndSliceDecideWhatIsShown) {
     }
 }
 
-TEST(Clusters, AtMostFourMapsAreShownAndOneOfAConjunction) {
-    StatisticalMaps maps = oneMap(3, 3, 0.0f);
-    ASSERT_TRUE(maps.allocateMaps(5));
-    maps.NrOfActiveContrasts = 5;
-    maps.states = {1, 1, 2, 1, 1};
-    maps.ClusterSizePixels = 1;
-    for (const auto& [map, value] : {std::pair(1, 4.0f), {2, -4.0f}, {4, 4.0f}})
-        maps.ContrastMaps[size_t(map)][9] = value;
-    computeClusterSizes(maps, false);
-    EXPECT_EQ(voxelIsShown(maps, 1, 0), 0b0110u) << "the fifth map is not shown";
-    computeClusterSizes(maps, true);
-    EXPECT_EQ(maps.NrOfShownMaps, 1);
-}
-
 } // namespace

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/thresholds.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 
 namespace {

@@ -2,11 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/design_matrix_rtc.h"
 
-#include "base/file_writing.h"
-#include "base/text_reading.h"
-#include "support/scripted_messages.h"
-
-#include <QTemporaryDir>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -58,26 +54,4 @@ TEST(RTC, RefusesWhatIsCutOrStatesTooMuch) {
     EXPECT_EQ(parseRTC("NrOfRTCs: 2147483647 NrOfValues: 2147483647", file),
               RTCParseResult::Incomplete);
     EXPECT_EQ(parseRTC("GIF89a", file), RTCParseResult::UnknownFormat);
-}
-
-TEST(RTC, TheDesignOfARunIsWrittenAndItsNamesRead) {
-    QTemporaryDir folder;
-    const QString path = folder.filePath("run.rtc");
-    DesignMatrix design;
-    design.NrOfVolumes = 2;
-    design.NrOfPredictors = 3;
-    design.PredictorNames = QStringList{"Left hand", "", "Constant"};
-    for (size_t j = 0; j < 3; ++j)
-        design.PredictorColumns[j] = sample().columns[j];
-    ASSERT_TRUE(writeDesignMatrixRTC(design, path));
-    QString text;
-    ASSERT_TRUE(readTextFile(path, text));
-    EXPECT_EQ(text, plainText);
-    EXPECT_EQ(readPredictorNamesOfRTC(path), "Left hand, , Constant");
-    ASSERT_TRUE(writeFileAtomically(path, versionOne("a b").toUtf8()));
-    EXPECT_EQ(readPredictorNamesOfRTC(path), " ");
-    ScriptedMessages messages;
-    messages.expect(MessageLevel::Warning,
-                    "ERROR: Can not open .rtc file for writing design matrix file !");
-    EXPECT_FALSE(writeDesignMatrixRTC(design, path + "/x.rtc"));
 }

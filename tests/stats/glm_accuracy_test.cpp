@@ -87,7 +87,10 @@ TEST(GLMAccuracy, FinishedModelGivesTheSameMapsAndTheirConjunction) {
     FinishedModel model;
     ASSERT_TRUE(finishModel(model, run.glm, run.project, run.mask, nrOfVolumes));
     run.glm.release();
-    StatisticalMaps maps = {.sizeX = 7, .sizeY = 6, .nrOfSlices = 5};
+    StatisticalMaps maps;
+    maps.sizeX = 7;
+    maps.sizeY = 6;
+    maps.nrOfSlices = 5;
     run.contrasts.ConjunctionAnalysis = false;
     ASSERT_TRUE(computeContrastMaps(model, run.mask, run.contrasts, maps));
     EXPECT_EQ(maps.states, (std::vector<int>{ContrastPositive, ContrastNegative}));

@@ -72,13 +72,6 @@ TEST(Svdfit, WeightedParabolaMatchesTheReference) {
                2e-6);
 }
 
-TEST(Gaussj, SolvesAndInverts) {
-    std::vector<float> a = {0, 2, 1, 0}, b = {6, 5}; // needs a pivot: 2 y = 6, x = 5
-    ASSERT_TRUE(gaussj(a, 2, b, 1));
-    EXPECT_EQ(a, (std::vector<float>{0, 1, 0.5f, 0}));
-    EXPECT_EQ(b, (std::vector<float>{5, 3}));
-}
-
 TEST(LinearSystems, WithoutSolutionEndTheProgram) {
     RecordedProgramEnd end;
     std::vector<float> u = {1, notANumber, 3, 4}, w(2, 5.0f), v(4, 5.0f), b;
