@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/pixel_data.h"
 
+#include <QByteArray>
+#include <gtest/gtest.h>
 #include <random>
 
 namespace {
