@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/pixel_data.h"
 
+#include <QByteArray>
+#include <gtest/gtest.h>
 #include <random>
 
 namespace {
@@ -48,7 +50,7 @@ TEST(FindPixelData, AgreesWithThePlainSearch) {
 }
 
 TEST(FindPixelData, TakesAKeyAtTheVeryEnd) {
-    const std::vector<uint8_t> cut{0xE0, 0x7F, 0x10, 0x00};
+    std::vector<uint8_t> cut{0xE0, 0x7F, 0x10, 0x00};
     const auto found = findPixelData(cut, PixelKeySearch::Last);
     ASSERT_TRUE(found && !found->statedLength);
     EXPECT_TRUE(pixelBytes(cut, *found).empty());

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "scanner_simulator/session_files.h"
 #include "scanner_simulator/simulated_scan.h"
 
 #include <QDir>

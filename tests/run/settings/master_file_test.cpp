@@ -3,7 +3,6 @@
 
 #include "support/scripted_messages.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
