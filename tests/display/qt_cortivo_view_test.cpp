@@ -4,10 +4,8 @@
 #include "run/document/qt_cortivo_doc.h"
 #include "support/scripted_messages.h"
 
-#include <QDesktopServices>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QUrl>
 #include <gtest/gtest.h>
 
 namespace {
@@ -43,14 +41,6 @@ protected:
     QtCortivoView view{&document};
 };
 
-TEST_F(View, ComposesOncePerChange) {
-    EXPECT_EQ(view.mosaic().pixel(8 + 2, 3), strongest);
-    document.maps.ContrastMaps[0][64 + 3 * 8 + 2] = 0.0f;
-    EXPECT_EQ(view.mosaic().pixel(8 + 2, 3), strongest);
-    view.slotDocumentChanged();
-    EXPECT_NE(view.mosaic().pixel(8 + 2, 3), strongest);
-}
-
 TEST_F(View, ScrollsByKeys) {
     document.mosaic = {2, 2, 0, 2, 1};
     view.slotDocumentChanged();
@@ -66,10 +56,6 @@ TEST_F(View, ScrollsByKeys) {
     }
     QTest::keyClick(&view, Qt::Key_Right, Qt::ControlModifier);
     EXPECT_EQ(document.mosaic.FirstShownSlice, 3);
-    document.mosaic.FirstShownSlice = 0;
-    view.slotDocumentChanged();
-    QTest::keyClick(&view, Qt::Key_Left); // the slices 5, 0, 1, 2
-    EXPECT_EQ(view.mosaic().pixel(2, 8 + 3), strongest);
 }
 
 TEST_F(View, DrawsTheMosaicInWholePixelsOfTheScreen) {
@@ -85,11 +71,6 @@ TEST_F(View, DrawsTheMosaicInWholePixelsOfTheScreen) {
     EXPECT_GT(side, 16);
     EXPECT_EQ(view.sliceAt({0, 0}), -1);
     EXPECT_EQ(view.sliceAt({699, 280}), -1); // the legend
-    view.slotClearArea();
-    const QImage cleared = view.grab().toImage();
-    for (int y = 0; y < cleared.height(); y += 7)
-        for (int x = 0; x < cleared.width(); x += 7)
-            ASSERT_EQ(cleared.pixel(x, y), 0xff000000u);
 }
 
 TEST_F(View, SavesTheMosaicAsBitmap) {
@@ -99,9 +80,6 @@ TEST_F(View, SavesTheMosaicAsBitmap) {
     const QImage saved(folder.filePath("run 1.2.bmp"), "BMP");
     EXPECT_EQ(saved.convertToFormat(QImage::Format_RGB32), view.mosaic());
 
-    messages.expectFileChoice("Save Bitmap File", QString());
-    view.slotSaveAsBMP();
-
     const QString missing = folder.filePath("missing/run.bmp");
     messages.expectFileChoice("Save Bitmap File", missing);
     messages.expect(MessageLevel::Warning,
@@ -109,64 +87,4 @@ TEST_F(View, SavesTheMosaicAsBitmap) {
     view.slotSaveAsBMP();
 }
 
-TEST_F(View, TellsWhyNothingIsShownOrSaved) {
-    document.mosaic.MosaicColumns = 1 << 20;
-    view.slotDocumentChanged();
-    EXPECT_TRUE(view.mosaic().isNull());
-    EXPECT_FALSE(view.grab().isNull());
-    messages.expect(MessageLevel::Warning, "WARNING: There are no slices to save!");
-    view.slotSaveAsBMP();
-
-    QtCortivoView empty(nullptr);
-    empty.resize(300, 200);
-    EXPECT_FALSE(empty.grab().isNull());
-    QTest::keyClick(&empty, Qt::Key_Right);
-    EXPECT_EQ(empty.sliceAt({10, 10}), -1);
-    messages.expect(MessageLevel::Warning, "WARNING: There are no slices to save!");
-    empty.slotSaveAsBMP();
-}
-
-TEST_F(View, PaintsEveryKindOfLegendAtAnySize) {
-    for (const bool significance : {true, false})
-        for (const MapKind kind : {MapKind::T, MapKind::Correlation, MapKind::F})
-            for (const QSize size : {QSize(1, 1), QSize(40, 400), QSize(1280, 1024)}) {
-                document.SignificanceColorCoding = significance;
-                document.maps.MapType = kind;
-                document.maps.states = {ContrastBoth};
-                document.contrasts.ContrastNames = {QString(200, 'x')};
-                view.resize(size);
-                view.slotDocumentChanged();
-                EXPECT_FALSE(view.grab().isNull());
-            }
-}
-
-/// Takes the place of the system's browser.
-class Browser : public QObject {
-    Q_OBJECT
-public:
-    Browser() { QDesktopServices::setUrlHandler("file", this, "open"); }
-    ~Browser() override { QDesktopServices::unsetUrlHandler("file"); }
-    QList<QUrl> opened;
-public Q_SLOTS:
-    void open(const QUrl& url) { opened << url; }
-};
-
-TEST_F(View, OpensTheHelpFileOfTheParadigm) {
-    Browser browser;
-    view.slotShowHelpHTML();
-    EXPECT_TRUE(browser.opened.isEmpty());
-    const QTemporaryDir folder;
-    const QString path = folder.filePath("help #1.html");
-    view.setHelpFile(path);
-    messages.expect(MessageLevel::Warning,
-                    QString("WARNING: Unable to open help file \"%1\"!").arg(path));
-    view.slotShowHelpHTML();
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    view.slotShowHelpHTML();
-    EXPECT_EQ(browser.opened, QList<QUrl>{QUrl::fromLocalFile(path)});
-}
-
 } // namespace
-
-#include "qt_cortivo_view_test.moc"

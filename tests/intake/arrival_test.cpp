@@ -8,18 +8,6 @@
 
 namespace {
 
-TEST(WaitForFile, TestsNameSizeAndKind) {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath("a");
-    writeFile(path, "12345");
-    EXPECT_TRUE(waitForFile(path, 5, true) && waitForFile(path, 4, true));
-    EXPECT_FALSE(waitForFile(path, 6, true));
-    EXPECT_TRUE(waitForFile(path, 5, false));
-    EXPECT_FALSE(waitForFile(path, 4, false));
-    for (const QString& none : {QString(), folder.filePath("b"), folder.path()})
-        EXPECT_FALSE(waitForFile(none, 0, true)) << none.toStdString();
-}
-
 // Rounds stand at 0, 100, 200, ... milliseconds; the last one is the first behind the time-out. The
 // file has half of its size 200 milliseconds before it is whole.
 TEST(AwaitFile, TakesAWholeFileAndLooksAtTheTimeOutBehindEachRound) {

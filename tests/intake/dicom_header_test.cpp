@@ -2,8 +2,6 @@
 #include "intake/dicom_header.h"
 
 #include "dicom_bytes.h"
-#include "intake/dicom_refusal.h"
-#include "intake/slice_geometry.h"
 #include "support/scripted_messages.h"
 
 namespace {
@@ -116,10 +114,7 @@ TEST(DicomHeader, EveryFailureHasItsMessage) {
          inconsistent.arg("Rows", "10")},
         {meta().element(0x0028, 0x0011, "US", "1234").pixels({1}).bytes, critical,
          inconsistent.arg("Columns", "11")},
-        {meta().element(0x0028, 0x0100, "US", "").pixels({1}).bytes, critical,
-         inconsistent.arg("Columns", "11")},
         {meta().header(0x0009, 0x0010, "OB", 0xFFFFFFFE).pixels({1}).bytes, warning, pastEnd},
-        {meta().header(0x0008, 0x0070, "LO", 40).pixels({1}).bytes, warning, pastEnd},
         {meta().header(0x0008, 0x1140, "SQ", 0xFFFFFFFF).pixels({1}).bytes, warning, pastEnd},
         // Nothing stands before a pixel element that is longer than a header value may be.
         {meta().pixels(std::vector<uint16_t>(525001)).bytes, warning, pastEnd}};
@@ -148,60 +143,6 @@ TEST(DicomHeader, LastKeyBeforeTheLimitSettlesTheEncoding) {
         messages.acceptAnything();
         EXPECT_EQ(Parse(fileWith(fill)).order, order);
     }
-}
-
-TEST(DicomIdentifiers, NeedAllFourAndOneElementMore) {
-    const QByteArray four = DicomBytes()
-                                .meta()
-                                .element(0x0010, 0x0010, "PN", "Doe^Jane")
-                                .element(0x0020, 0x0011, "IS", "3 ")
-                                .element(0x0020, 0x0012, "IS", "4 ")
-                                .element(0x0020, 0x0013, "IS", "5 ")
-                                .bytes;
-    ScriptedMessages messages;
-    DicomIdentifiers found;
-    const auto parses = [&](const QByteArray& bytes) {
-        return parseDicomIdentifiers(bytesOf(bytes), "a.dcm", found);
-    };
-    EXPECT_TRUE(parses(four + DicomBytes().pixels({1}).bytes));
-    EXPECT_EQ((std::array{found.series, found.acquisition, found.instance}), (std::array{3, 4, 5}));
-    EXPECT_EQ(found.patientName, "Doe^Jane");
-    EXPECT_FALSE(parses(DicomBytes().meta().pixels({1}).bytes));
-    EXPECT_EQ(found.series, -1) << "nothing is kept from the file before";
-    EXPECT_FALSE(parses(QByteArray("\x7F\xE0\x00\x10", 4)));
-    messages.expect(MessageLevel::Warning, "ERROR: File \"a.dcm\" is not a DICOM file!");
-    EXPECT_FALSE(parses({}));
-    messages.expect(MessageLevel::Warning, "Error: File \"/none.dcm\" not found!");
-    EXPECT_FALSE(readDicomIdentifiers("/none.dcm", found));
-    DicomHeader header;
-    ByteOrder order{};
-    messages.expect(MessageLevel::Warning, "ERROR - Can not open DICOM file: \"/none.dcm\" !");
-    EXPECT_FALSE(readDicomHeader("/none.dcm", header, order));
-}
-
-TEST(SliceGeometry, NeedsAllNumbers) {
-    FMRPositionInfo position;
-    EXPECT_TRUE(parseImagePosition(" -1.5\\2\\3e1 ", SliceEnd::Last, position));
-    EXPECT_EQ(position.sliceCenterLast, (Vector3{-1.5f, 2.0f, 30.0f}));
-    EXPECT_EQ(position.sliceCenterFirst, Vector3{});
-    EXPECT_FALSE(parseImagePosition("1\\2", SliceEnd::First, position));
-    EXPECT_FALSE(parseImagePosition("1\\2\\x", SliceEnd::First, position));
-    EXPECT_FALSE(parseImageOrientation("<skipped>", position));
-    EXPECT_TRUE(parseImageOrientation("1\\0\\0\\0\\0.8\\-0.6", position));
-    EXPECT_EQ(position.columnDirection, (Vector3{0.0f, 0.8f, -0.6f}));
-}
-
-TEST(DicomRefusal, LetsPlainFilesPassAndNamesWhatIsWrong) {
-    const auto refusal = [](const DicomBytes& dicom) {
-        return refusalOf(bytesOf(dicom.bytes), "a.dcm");
-    };
-    EXPECT_EQ(refusal(DicomBytes().meta().pixels({1})), "");
-    EXPECT_EQ(refusal(DicomBytes(ByteOrder::Big).meta("1.2.840.10008.1.2.2").pixels({1})), "");
-    EXPECT_EQ(refusal(DicomBytes().raw("no DICOM at all")), "");
-    EXPECT_TRUE(refusal(DicomBytes().meta("1.2.840.10008.1.2.5")).contains("1.2.840.10008.1.2.5)"));
-    DicomBytes frames(ByteOrder::Little, false);
-    frames.meta("1.2.840.10008.1.2").element(0x0028, 0x0008, "IS", "2 ").pixels({1});
-    EXPECT_TRUE(refusal(frames).contains("multi-frame"));
 }
 
 } // namespace

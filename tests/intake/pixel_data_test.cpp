@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/pixel_data.h"
 
-#include "dicom_bytes.h"
-#include "intake/mosaic.h"
-
 #include <random>
 
 namespace {
@@ -50,50 +47,11 @@ TEST(FindPixelData, AgreesWithThePlainSearch) {
     EXPECT_GT(nrOfHits, 100);
 }
 
-TEST(FindPixelData, KnowsWhereSamplesStartAndEnd) {
-    const auto found = [](const QByteArray& bytes) {
-        return findPixelData(bytesOf(bytes), PixelKeySearch::First);
-    };
-    for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big})
-        for (const bool explicitVR : {true, false}) {
-            const auto pixels = found(DicomBytes(order, explicitVR).pixels({1, 2}).bytes);
-            EXPECT_EQ(pixels->valueOffset, explicitVR ? 12 : 8);
-            EXPECT_EQ(pixels->byteOrder, order);
-            EXPECT_EQ(pixels->statedLength, 4u);
-        }
-    EXPECT_TRUE(found(DicomBytes().header(0x7FE0, 0x10, "OB", 0xFFFFFFFF).bytes)->encapsulated());
-    EXPECT_FALSE(found("x" + DicomBytes().pixels({1}).bytes)) << "only even offsets count";
-    std::vector<uint8_t> cut{0xE0, 0x7F, 0x10, 0x00};
-    EXPECT_FALSE(findPixelData(cut, PixelKeySearch::Last)->statedLength);
-    EXPECT_TRUE(pixelBytes(cut, *findPixelData(cut, PixelKeySearch::Last)).empty());
-    std::vector<uint8_t> bytes{1, 2, 3, 4, 5};
-    swapSamples(bytes, 1);
-    EXPECT_EQ(bytes, (std::vector<uint8_t>{2, 1, 3, 4, 5}));
-    swapSamples(bytes, 1000000000000);
-    EXPECT_EQ(bytes, (std::vector<uint8_t>{1, 2, 4, 3, 5}));
-}
-
-TEST(SplitMosaic, TakesTilesRowByRow) {
-    // Tiles of 2 x 3 samples; the mosaic is one sample wider than its three tiles.
-    const MosaicTiling layout{7, 6, 2, 3, 5};
-    std::vector<uint16_t> mosaic(42);
-    for (size_t i = 0; i < mosaic.size(); ++i)
-        mosaic[i] = uint16_t(i);
-    const std::span<const uint8_t> source(reinterpret_cast<const uint8_t*>(mosaic.data()), 84);
-    std::vector<int16_t> volume(30);
-    ASSERT_TRUE(splitMosaic(source, volume, layout));
-    EXPECT_EQ(volume,
-              (std::vector<int16_t>{0,  1,  7,  8,  14, 15, 2,  3,  9,  10, 16, 17, 4,  5,  11,
-                                    12, 18, 19, 21, 22, 28, 29, 35, 36, 23, 24, 30, 31, 37, 38}));
-    EXPECT_FALSE(splitMosaic(source.first(83), volume, layout));
-    EXPECT_FALSE(splitMosaic(source, std::span(volume).first(29), layout));
-    for (const MosaicTiling& none : {MosaicTiling{6, 6, 2, 3, 7},
-                                     {6, 6, 0, 3, 1},
-                                     {6, 6, 7, 3, 1},
-                                     {6, 2, 2, 3, 1},
-                                     {-6, 6, 2, 3, 1},
-                                     {6, 6, 2, 3, 0}})
-        EXPECT_FALSE(none.holdsAllSlices());
+TEST(FindPixelData, TakesAKeyAtTheVeryEnd) {
+    const std::vector<uint8_t> cut{0xE0, 0x7F, 0x10, 0x00};
+    const auto found = findPixelData(cut, PixelKeySearch::Last);
+    ASSERT_TRUE(found && !found->statedLength);
+    EXPECT_TRUE(pixelBytes(cut, *found).empty());
 }
 
 } // namespace

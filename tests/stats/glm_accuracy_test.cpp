@@ -19,24 +19,6 @@ void expectClose(double value, double exact, double scale, const char* what, siz
     EXPECT_NEAR(value, exact, bound * std::max(std::abs(exact), scale)) << what << " " << voxel;
 }
 
-void compareWithExactFit(GLMTestRun& run, const std::vector<int>& columns,
-                         const std::vector<int>& contrast) {
-    size_t compared = 0;
-    for (size_t v = 0; v < run.voxels(); ++v) {
-        if (run.mask.voxels[v] == 0)
-            continue;
-        const ExactFit exact(run, columns, v, nrOfVolumes);
-        for (size_t j = 0; j < columns.size(); ++j)
-            expectClose(run.glm.row(int(j))[v], double(exact.betas[j]), effectScale, "beta", v);
-        expectClose(run.glm.row(int(columns.size()))[v], double(exact.rss), 0.0, "RSS", v);
-        expectClose(double(run.maps.ContrastMaps[0][v]), exact.t(contrast, nrOfVolumes), tScale,
-                    "t", v);
-        ++compared;
-    }
-    EXPECT_EQ(compared, run.mask.nrOfVoxels);
-    EXPECT_GT(compared, 80u);
-}
-
 GLMTestRun threeConditions() {
     GLMTestRun run(nrOfVolumes);
     run.addCondition(4, 12);
@@ -47,21 +29,28 @@ GLMTestRun threeConditions() {
     return run;
 }
 
-TEST(GLMAccuracy, RecursionWithLatePredictorAgreesWithLeastSquares) {
-    GLMTestRun run = threeConditions();
-    run.start({11, 21, 150});
-    run.update(0, nrOfVolumes - 1);
-    EXPECT_EQ(run.glm.GLMStartVolume, 150);
-    EXPECT_EQ(run.glm.ActivePredictors, (std::vector<int>{0, 1, 2, 3, 4}));
-    compareWithExactFit(run, run.glm.ActivePredictors, {1, -1, 2, 0, 0});
-}
-
-TEST(GLMAccuracy, BatchAtTheEndAgreesWithLeastSquares) {
-    GLMTestRun run = threeConditions();
-    run.start({nrOfVolumes - 1});
-    run.update(0, nrOfVolumes - 1);
-    EXPECT_EQ(run.glm.GLMStartVolume, nrOfVolumes - 1);
-    compareWithExactFit(run, {0, 1, 2, 3, 4}, {1, -1, 2, 0, 0});
+TEST(GLMAccuracy, RecursionAndBatchAgreeWithLeastSquares) {
+    const std::pair<std::vector<int>, int> steps[] = {
+        {{11, 21, 150}, 150},                  // recursive behind a late predictor
+        {{nrOfVolumes - 1}, nrOfVolumes - 1}}; // one solution at the end
+    for (const auto& [volumes, last] : steps) {
+        GLMTestRun run = threeConditions();
+        run.start(volumes);
+        run.update(0, nrOfVolumes - 1);
+        EXPECT_EQ(run.glm.GLMStartVolume, last);
+        EXPECT_EQ(run.glm.ActivePredictors, (std::vector<int>{0, 1, 2, 3, 4}));
+        ASSERT_GT(run.mask.nrOfVoxels, 80u);
+        for (size_t v = 0; v < run.voxels(); ++v) {
+            if (run.mask.voxels[v] == 0)
+                continue;
+            const ExactFit exact(run, run.glm.ActivePredictors, v, nrOfVolumes);
+            for (size_t j = 0; j < 5; ++j)
+                expectClose(run.glm.row(int(j))[v], double(exact.betas[j]), effectScale, "beta", v);
+            expectClose(run.glm.row(5)[v], double(exact.rss), 0.0, "RSS", v);
+            expectClose(double(run.maps.ContrastMaps[0][v]), exact.t({1, -1, 2, 0, 0}, nrOfVolumes),
+                        tScale, "t", v);
+        }
+    }
 }
 
 TEST(GLMAccuracy, CollinearPredictorsShareTheirWeight) {
@@ -88,51 +77,27 @@ TEST(GLMAccuracy, CollinearPredictorsShareTheirWeight) {
     }
 }
 
-TEST(GLMAccuracy, FinishedModelGivesTheSameMaps) {
+TEST(GLMAccuracy, FinishedModelGivesTheSameMapsAndTheirConjunction) {
     GLMTestRun run = threeConditions();
     run.addContrast({0, 1, 0}, ContrastNegative);
+    run.contrasts.ConjunctionAnalysis = true;
     run.start({11, 21, 150});
     run.update(0, nrOfVolumes - 1);
+    EXPECT_EQ(run.maps.states, (std::vector<int>{ContrastBoth, ContrastNegative}));
     FinishedModel model;
     ASSERT_TRUE(finishModel(model, run.glm, run.project, run.mask, nrOfVolumes));
     run.glm.release();
-    StatisticalMaps maps;
-    maps.sizeX = 7;
-    maps.sizeY = 6;
-    maps.nrOfSlices = 5;
-    maps.ContrastMaps.resize(2);
-    for (auto& map : maps.ContrastMaps) {
-        ASSERT_TRUE(map.allocate(run.voxels()));
-        map[0] = 9.0f; // of an earlier map, outside the mask
-    }
+    StatisticalMaps maps = {.sizeX = 7, .sizeY = 6, .nrOfSlices = 5};
+    run.contrasts.ConjunctionAnalysis = false;
     ASSERT_TRUE(computeContrastMaps(model, run.mask, run.contrasts, maps));
     EXPECT_EQ(maps.states, (std::vector<int>{ContrastPositive, ContrastNegative}));
-    EXPECT_EQ(maps.MapDF1, nrOfVolumes - 5);
-    for (size_t v = 0; v < run.voxels(); ++v)
-        for (size_t c = 0; c < 2; ++c)
-            expectClose(double(maps.ContrastMaps[c][v]), double(run.maps.ContrastMaps[c][v]), 0.1,
-                        "t", v);
-
-    run.contrasts.ConjunctionAnalysis = true;
-    ASSERT_TRUE(computeContrastMaps(model, run.mask, run.contrasts, maps));
-    EXPECT_EQ(maps.states[0], ContrastBoth);
     for (size_t v = 0; v < run.voxels(); ++v) {
-        const double a = double(run.maps.ContrastMaps[0][v]);
-        const double b = double(run.maps.ContrastMaps[1][v]);
-        const double exact = a * b > 0 ? std::copysign(std::min(std::abs(a), std::abs(b)), a) : 0;
-        expectClose(double(maps.ContrastMaps[0][v]), exact, 0.1, "conjunction", v);
+        const double a = double(maps.ContrastMaps[0][v]);
+        const double b = double(maps.ContrastMaps[1][v]);
+        const double both = a * b > 0 ? std::copysign(std::min(std::abs(a), std::abs(b)), a) : 0;
+        expectClose(double(run.maps.ContrastMaps[0][v]), both, 0.1, "conjunction", v);
+        expectClose(double(run.maps.ContrastMaps[1][v]), b, 0.1, "t", v);
     }
-}
-
-TEST(GLMAccuracy, NoFinishedModelWithoutAFit) {
-    GLMTestRun run(20);
-    run.addCondition(2, 5);
-    run.addConfounds(1);
-    run.start({-1});
-    run.update(0, 19);
-    FinishedModel model;
-    EXPECT_FALSE(finishModel(model, run.glm, run.project, run.mask, 20));
-    EXPECT_FALSE(computeContrastMaps(model, run.mask, run.contrasts, run.maps));
 }
 
 } // namespace

@@ -133,18 +133,4 @@ TEST_P(GLMKernels, BatchSolution) {
 
 INSTANTIATE_TEST_SUITE_P(Shapes, GLMKernels, testing::ValuesIn(shapes));
 
-TEST(GLMBlocks, CoverTheRunsOnce) {
-    BrainMask mask;
-    mask.runs = {{2, 1}, {5, glmBlockVoxels}, {400, 2 * glmBlockVoxels + 1}};
-    std::vector<int> visits(1000, 0);
-    forEachBlock(mask, [&](size_t first, size_t count) {
-        EXPECT_LE(count, glmBlockVoxels);
-        for (size_t v = first; v < first + count; ++v)
-            ++visits[v];
-    });
-    for (size_t v = 0; v < visits.size(); ++v)
-        EXPECT_EQ(visits[v], v == 2 || (v >= 5 && v < 5 + glmBlockVoxels) ||
-                                 (v >= 400 && v < 401 + 2 * glmBlockVoxels));
-}
-
 } // namespace

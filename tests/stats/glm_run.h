@@ -21,11 +21,11 @@ struct GLMTestRun {
     GLMRun parts() { return {project, design, contrasts, mask, glm, maps}; }
     size_t voxels() const { return project.volumeSamples(); }
 
-    explicit GLMTestRun(int nrOfVolumes, int nrOfSlices = 5) {
+    explicit GLMTestRun(int nrOfVolumes) {
         project.NrOfVolumes = nrOfVolumes;
         project.ResolutionX = 7;
         project.ResolutionY = 6;
-        project.NrOfSlices = nrOfSlices;
+        project.NrOfSlices = 5;
         project.volumes.resize(size_t(nrOfVolumes));
         std::normal_distribution<double> noise(0.0, 12.0);
         for (Volume& volume : project.volumes) {
@@ -92,40 +92,32 @@ struct GLMTestRun {
 struct ExactFit {
     std::vector<long double> betas;
     long double rss = 0;
-    std::vector<std::vector<long double>> inverse; ///< of X'X
 
-    ExactFit(const GLMTestRun& run, const std::vector<int>& columns, size_t voxel, int n) {
-        const size_t p = columns.size();
+    ExactFit(const GLMTestRun& run, const std::vector<int>& columns, size_t voxel, int n)
+        : p(columns.size()), a(p, std::vector<long double>(2 * p + 1, 0)) {
         const auto x = [&](size_t t, size_t j) {
             return (long double)(run.design.PredictorColumns[size_t(columns[j])][t]);
         };
-        // Gauss-Jordan on [X'X | I]; designs here are well enough conditioned without pivots.
-        std::vector<std::vector<long double>> a(p, std::vector<long double>(2 * p, 0));
-        std::vector<long double> xy(p, 0);
         for (size_t i = 0; i < p; ++i) {
             a[i][p + i] = 1;
             for (size_t t = 0; t < size_t(n); ++t) {
-                xy[i] += x(t, i) * run.project.volumes[t][voxel];
+                a[i][2 * p] += x(t, i) * run.project.volumes[t][voxel];
                 for (size_t j = 0; j < p; ++j)
                     a[i][j] += x(t, i) * x(t, j);
             }
         }
+        // Gauss-Jordan; designs here are well enough conditioned without pivots.
         for (size_t i = 0; i < p; ++i) {
             const long double pivot = a[i][i];
             for (long double& value : a[i])
                 value /= pivot;
             for (size_t k = 0; k < p; ++k)
                 if (const long double factor = a[k][i]; k != i)
-                    for (size_t j = 0; j < 2 * p; ++j)
+                    for (size_t j = 0; j < a[k].size(); ++j)
                         a[k][j] -= factor * a[i][j];
         }
-        inverse.assign(p, std::vector<long double>(p));
-        betas.assign(p, 0);
         for (size_t i = 0; i < p; ++i)
-            for (size_t j = 0; j < p; ++j) {
-                inverse[i][j] = a[i][p + j];
-                betas[i] += inverse[i][j] * xy[j];
-            }
+            betas.push_back(a[i][2 * p]);
         for (size_t t = 0; t < size_t(n); ++t) {
             long double e = run.project.volumes[t][voxel];
             for (size_t j = 0; j < p; ++j)
@@ -137,11 +129,15 @@ struct ExactFit {
     [[nodiscard]] double t(const std::vector<int>& contrast, int n) const {
         long double effect = 0;
         long double variance = 0;
-        for (size_t i = 0; i < contrast.size(); ++i) {
+        for (size_t i = 0; i < p; ++i) {
             effect += contrast[i] * betas[i];
-            for (size_t j = 0; j < contrast.size(); ++j)
-                variance += contrast[i] * inverse[i][j] * contrast[j];
+            for (size_t j = 0; j < p; ++j)
+                variance += contrast[i] * a[i][p + j] * contrast[j];
         }
-        return double(effect / std::sqrt(variance * rss / (n - (long double)(betas.size()))));
+        return double(effect / std::sqrt(variance * rss / (n - (long double)(p))));
     }
+
+private:
+    size_t p;
+    std::vector<std::vector<long double>> a; ///< [X'X | I | X'y], reduced to [I | inverse | betas]
 };

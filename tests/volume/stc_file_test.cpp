@@ -28,11 +28,9 @@ FMRProject makeRun(const QString& folder, int nrOfVolumes = 5) {
     project.targetFolder = folder + "/";
     project.projectPath = project.targetFolder + "run.fmr";
     EXPECT_TRUE(project.allocateVolumes());
-    for (int v = 0; v < nrOfVolumes; ++v)
-        for (int s = 0; s < 3; ++s)
-            for (int y = 0; y < 2; ++y)
-                for (int x = 0; x < 4; ++x)
-                    project.volumes[size_t(v)][size_t((s * 2 + y) * 4 + x)] = valueAt(x, y, s, v);
+    for (int i = 0; i < nrOfVolumes * 24; ++i)
+        project.volumes[size_t(i / 24)][size_t(i % 24)] =
+            valueAt(i % 4, i / 4 % 2, i / 8 % 3, i / 24);
     return project;
 }
 
@@ -75,11 +73,8 @@ TEST(STCFile, LiesSliceBySliceAsManyVolumesAsWereMeasured) {
     EXPECT_EQ(progress.values, (std::vector<int>{40, 60, 80}));
     const QByteArray bytes = contentOf(folder.filePath("run.stc"));
     ASSERT_EQ(bytes.size(), 3 * 4 * 8 * 2);
-    for (int s = 0; s < 3; ++s)
-        for (int v = 0; v < 4; ++v)
-            for (int y = 0; y < 2; ++y)
-                for (int x = 0; x < 4; ++x)
-                    ASSERT_EQ(sampleAt(bytes, ((s * 4 + v) * 2 + y) * 4 + x), valueAt(x, y, s, v));
+    for (int i = 0; i < 3 * 4 * 8; ++i)
+        ASSERT_EQ(sampleAt(bytes, i), valueAt(i % 4, i / 4 % 2, i / 32, i / 8 % 4)) << i;
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{"run.stc"});
 }
 
@@ -172,19 +167,6 @@ TEST(STCFile, SliceFilesOfOldRunsAreRead) {
     EXPECT_EQ(end.statuses, (std::vector<int>{1, 1}));
 }
 
-TEST(STCFile, AFolderThatCannotBeWrittenLeavesNothing) {
-    QTemporaryDir folder;
-    writeBytes(folder.filePath("file"), "x");
-    ScriptedMessages messages;
-    FMRProject project = makeRun(folder.filePath("file"));
-    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
-    EXPECT_FALSE(writeSTCData(project, 5, nullptr, nullptr, 0, 0));
-    ASSERT_TRUE(project.firstVolume.allocate(project.volumeSamples()));
-    messages.expect(MessageLevel::Critical, "Error: Can not open file to save first volume.");
-    EXPECT_FALSE(writeFirstVolume(project));
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{"file"});
-}
-
 TEST(FirstVolume, HoldsTheSamplesInSliceOrder) {
     QTemporaryDir folder;
     FMRProject project = makeRun(folder.path());
@@ -196,6 +178,16 @@ TEST(FirstVolume, HoldsTheSamplesInSliceOrder) {
     ASSERT_EQ(bytes.size(), 48);
     for (int i = 0; i < 24; ++i)
         EXPECT_EQ(sampleAt(bytes, i), valueAt(i % 4, i / 4 % 2, i / 8, 1));
+
+    // A folder that can't be written is left as it is.
+    project.targetFolder = folder.filePath("run-firstvol.img/");
+    project.projectPath = project.targetFolder + "run.fmr";
+    ScriptedMessages messages;
+    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
+    EXPECT_FALSE(writeSTCData(project, 5, nullptr, nullptr, 0, 0));
+    messages.expect(MessageLevel::Critical, "Error: Can not open file to save first volume.");
+    EXPECT_FALSE(writeFirstVolume(project));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{"run-firstvol.img"});
 }
 
 TEST(LoadProject, AnAnatomicalFileIsFoundBesideTheProjectOrCleared) {

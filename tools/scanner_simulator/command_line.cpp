@@ -192,7 +192,7 @@ QString problemOfCommand(const QCommandLineParser& parser, const SimulatorComman
         return "The runs must be numbered between 1 and 999.";
     if (!command.replayFolder.isEmpty() && command.nrOfRuns != 1)
         return "A replay is one run.";
-    if (const QString problem = problemOf(command.simulation); !problem.isEmpty())
+    if (QString problem = problemOf(command.simulation); !problem.isEmpty())
         return problem;
     return problemOfFaults(command);
 }

@@ -37,7 +37,7 @@ public:
             if (options_.truncated.contains(volume + 1))
                 file.bytes.truncate(file.bytes.size() / 2);
             const QString path = paths::join(folder_, file.name);
-            const DeliveryOutcome outcome =
+            DeliveryOutcome outcome =
                 options_.growing ? writeGrowing(path, file.bytes) : writeWhole(path, file.bytes);
             if (outcome.result != DeliveryResult::Done)
                 return outcome;
@@ -106,7 +106,7 @@ DeliveryOutcome deliver(const DeliveryOptions& options, const VolumeSource& sour
     for (const DeliveryStep& step : deliverySchedule(options, source)) {
         if (!clock.waitUntil(start + step.due))
             return {DeliveryResult::Interrupted};
-        const DeliveryOutcome outcome = delivery.deliverVolume(step.volume);
+        DeliveryOutcome outcome = delivery.deliverVolume(step.volume);
         if (outcome.result != DeliveryResult::Done)
             return outcome;
         report(QString("volume %1 of %2").arg(step.volume + 1).arg(source.nrOfVolumes));

@@ -92,16 +92,16 @@ void addRun(SettingsLines& lines, const RunDescription& run) {
 
 void addAnalysis(SettingsLines& lines, const RunDescription& run) {
     const int columns = run.geometry.mosaicTiles();
+    const int rows = (run.geometry.nrOfSlices + columns - 1) / columns;
     lines.number("Threshold:", 3);
     lines.number("ClusterSizePixels:", 4);
     lines.blank();
     lines.number("NrOfColumns:", columns);
-    lines.number("NrOfRows:", (run.geometry.nrOfSlices + columns - 1) / columns);
+    lines.number("NrOfRows:", rows);
     lines.blank();
     lines.number("ForceTRDelay:", 0);
     lines.blank();
     lines.quoted("StimulationProtocol:", "./" + run.options.name + ".prt");
-    lines.blank();
     lines.quoted("ContrastFile:", "");
     lines.blank();
     lines.number("AutoContrastGenerationLevel:", 2);

@@ -109,6 +109,7 @@ bool SimulatedScan::writeTruth() const {
     const QString folder =
         paths::join(options_.folder, QString("truth/%1-%2/").arg(options_.name).arg(options_.run));
     std::vector<HeadPose> poses;
+    poses.reserve(size_t(options_.nrOfVolumes));
     for (int volume = 0; volume < options_.nrOfVolumes; ++volume)
         poses.push_back(pose(volume));
     std::vector<uint8_t> active(geometry_.voxels(), 0);

@@ -32,8 +32,8 @@ QString overlayPart(const RunState& state) {
 } // namespace
 
 QString processingText(int fontSize, const QString& settingsFileName) {
-    return bodyStart(fontSize) + " Current settings file: \"" + bold(settingsFileName) +
-           "\".<br><br>Processing...<br></body>";
+    return bodyStart(fontSize) + " Current settings file: \"" +
+           bold(settingsFileName.toHtmlEscaped()) + "\".<br><br>Processing...<br></body>";
 }
 
 QString volumeStatusText(const RunState& state, const RunSettings& settings,
@@ -69,14 +69,15 @@ QString betweenRunsText(const RunState& state, const StatisticalMaps& maps) {
 }
 
 QString reloadingText(int fontSize, const QString& settingsFileName, const QString& projectName) {
-    return bodyStart(fontSize) + " Current settings file: \"" + bold(settingsFileName) +
-           "\".<br><br> Loading project \"" + bold(projectName) + "\" from disk....<br></body>";
+    return bodyStart(fontSize) + " Current settings file: \"" +
+           bold(settingsFileName.toHtmlEscaped()) + "\".<br><br> Loading project \"" +
+           bold(projectName.toHtmlEscaped()) + "\" from disk....<br></body>";
 }
 
 QString reloadedText(const QString& settingsFileName, const QString& projectName) {
     // This one text has a size of its own.
     constexpr int reloadedFontSize = 13;
-    return bodyStart(reloadedFontSize) + " Current settings file: \"" + bold(settingsFileName) +
-           "\".<br><br> Project \"" + bold(projectName) +
-           "\" loaded from disk.<br><br> Ready<br></body>";
+    return bodyStart(reloadedFontSize) + " Current settings file: \"" +
+           bold(settingsFileName.toHtmlEscaped()) + "\".<br><br> Project \"" +
+           bold(projectName.toHtmlEscaped()) + "\" loaded from disk.<br><br> Ready<br></body>";
 }

@@ -215,7 +215,8 @@ void VolumeLoop::save() {
     run_.pump.processEvents();
     if (saveRecordedData(run_))
         run_.display.showLogText(head + "<br> Recorded data saved as \"<b>" +
-                                 run_.settings.ProjectName + "</b>\".<br><br> Ready.<br></body>");
+                                 run_.settings.ProjectName.toHtmlEscaped() +
+                                 "</b>\".<br><br> Ready.<br></body>");
     else
         run_.display.showLogText(head + "<br> Recorded data <b>not saved completely</b>.<br><br> "
                                         "Ready.<br></body>");

@@ -21,11 +21,16 @@ QIcon colorIcon(const RgbColor& color) {
     QPainter painter(&pixmap);
     painter.setPen(QColor(160, 160, 160));
     painter.drawRect(0, 0, colorIconSize.width() - 1, colorIconSize.height() - 1);
-    return QIcon(pixmap);
+    QIcon icon(pixmap);
+    icon.addPixmap(pixmap, QIcon::Selected); // the style would tint it
+    return icon;
 }
 
 QIcon stateIcon(bool on) {
-    return QIcon(on ? ":/images/contrast_on.png" : ":/images/contrast_off.png");
+    const QString path = on ? ":/images/contrast_on.png" : ":/images/contrast_off.png";
+    QIcon icon(path);
+    icon.addFile(path, {}, QIcon::Selected);
+    return icon;
 }
 
 } // namespace

@@ -130,6 +130,7 @@ private:
     void createViewPanels();
     void createContrastPanel();
     void createMenus();
+    void wrapToolTips();
     void connectControls();
     void placePanels();
 

@@ -134,6 +134,9 @@ void VeloCortivo::timerCheckState(bool BeforeAppExec) {
         autoStartPending_ = false;
         repaint();
         pump_.processEvents();
+        // A click among these events may have started the run, and ended it.
+        if (runInProgress_ || session_.state.runFinished)
+            return;
         slotRealTimeAnalysis(); // returns after the run
         return;
     }

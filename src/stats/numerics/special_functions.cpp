@@ -30,7 +30,8 @@ double logGamma(double x) {
 
 /// Numerator k (from 1) of the fraction 1 + d1 / (1 + d2 / (1 + ...)).
 double fractionNumerator(int k, double a, double b, double x) {
-    const double m = k / 2;
+    const int pairs = k / 2;
+    const double m = pairs;
     const double shifted = a + 2.0 * m;
     if (k % 2 == 0)
         return m * (b - m) * x / ((shifted - 1.0) * shifted);

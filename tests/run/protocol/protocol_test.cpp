@@ -44,28 +44,6 @@ StimulationProtocol blocks(ResolutionOfTime unit, const std::vector<std::pair<in
 
 } // namespace
 
-TEST_F(ProtocolFile, IsReadWithItsTables) {
-    write(QByteArray(header) + tables);
-    ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip));
-    EXPECT_EQ(protocol.experimentName, "two  words");
-    EXPECT_EQ(protocol.referenceFuncColor, (RgbColor{10, 11, 12}));
-    EXPECT_EQ(protocol.referenceFuncThick, 5);
-    ASSERT_EQ(protocol.nrOfConditions(), 2);
-    EXPECT_EQ(protocol.conditions[0].name, "rest of it");
-    EXPECT_EQ(protocol.conditions[0].nrOfIntervals, 2);
-    EXPECT_EQ(protocol.conditions[0].to[1], 30);
-    EXPECT_EQ(protocol.conditions[1].color, (RgbColor{4, 5, 6}));
-    EXPECT_EQ(protocol.SegmentSize, 20);
-    EXPECT_EQ(protocol.SegmentOffset, 10);
-    EXPECT_FALSE(protocol.hasResponses);
-    EXPECT_EQ(protocol.nrOfResponseConditions(), 0);
-    ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Read));
-    EXPECT_TRUE(protocol.hasResponses);
-    ASSERT_EQ(protocol.nrOfResponseConditions(), 1);
-    EXPECT_EQ(protocol.responseConditions[0].reactionTime[0], 350);
-    EXPECT_STREQ(protocol.responseConditions[0].buttons[0].data(), "a b");
-}
-
 TEST_F(ProtocolFile, TheUnitFollowsVersionAndFirstLetter) {
     const QByteArray version1 = QByteArray(header).mid(QByteArray(header).indexOf("Experiment"));
     const struct {
@@ -89,9 +67,14 @@ TEST_F(ProtocolFile, TheUnitFollowsVersionAndFirstLetter) {
     }
 }
 
-TEST_F(ProtocolFile, IsWrittenInItsLayoutAndReadBack) {
+TEST_F(ProtocolFile, IsReadAndWrittenInItsLayout) {
     write(QByteArray(header) + tables);
+    ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip));
+    EXPECT_EQ(protocol.SegmentSize, 20);
+    EXPECT_EQ(protocol.SegmentOffset, 10);
+    EXPECT_FALSE(protocol.hasResponses || protocol.nrOfResponseConditions() > 0);
     ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Read));
+    EXPECT_TRUE(protocol.hasResponses);
     protocol.experimentName.clear();
     ASSERT_TRUE(writePRTFile(protocol));
     QFile file(protocol.protocolPath);

@@ -82,17 +82,4 @@ TEST(MasterFile, BrokenFilesEndTheProgram) {
     }
 }
 
-TEST(MasterFile, SaysWhenItCannotBeReadOrWritten) {
-    const QTemporaryDir folder;
-    const QString path = folder.path() + "/";
-    ScriptedMessages messages;
-    MasterFile master;
-    messages.expect(MessageLevel::Critical, "ERROR: Can not update \"MasterVCO\" file !");
-    EXPECT_EQ(readMasterFile(path + "missing/", {}, master), MasterFileResult::Failed);
-    ASSERT_TRUE(QDir(path).mkdir("MasterVCO"));
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: \"MasterVCO\" file not found in folder: \"" + path + "\"!");
-    EXPECT_EQ(readMasterFile(path, {}, master), MasterFileResult::Missing);
-}
-
 } // namespace

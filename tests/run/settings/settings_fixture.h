@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/text_reading.h"
 #include "run/settings/settings_file.h"
 #include "support/scripted_messages.h"
 
@@ -26,6 +27,12 @@ protected:
     bool readText(const QString& text, SettingsUse use) {
         write("run-1.vco", text);
         return readSettingsFile(settings, use, [this] { ++timerStops; });
+    }
+
+    [[nodiscard]] QString writtenText() const {
+        QString text;
+        EXPECT_TRUE(readTextFile(settings.settingsFilePath, text));
+        return text;
     }
 
     /// A file as an operator writes it, with the keys of its version and type.

