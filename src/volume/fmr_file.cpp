@@ -184,8 +184,8 @@ private:
             }
             if (version != 1)
                 return;
-            start = stream_.position();
             key = stream_.word();
+            start = stream_.position();
         }
         if (key == "NrOfConditions:")
             stream_.integer();

@@ -97,6 +97,10 @@ TEST(FMRFile, VersionsOneAndTwoUseOldKeys) {
     EXPECT_EQ(second.pixelSizeX, 3.5f);
     EXPECT_EQ(second.sliceDistance(), 4.5f);
     EXPECT_TRUE(second.VoxelResolutionVerified);
+    const FMRHeader other =
+        parsed(head(2, "Prefix: a-\nTR: 2000\nInterSliceTime: 90\nVerified: 1\n") +
+               sizeLines("<none>") + "ProtocolVersion: 1\nword\n" + voxelLines);
+    EXPECT_EQ(other.pixelSizeX, 3.5f);
 }
 
 TEST(FMRFile, VersionThreeHasLinesAndPositions) {
