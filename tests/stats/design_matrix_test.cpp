@@ -3,6 +3,7 @@
 #include "stats/design_matrix.h"
 
 #include "base/text_reading.h"
+#include "support/scripted_messages.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -59,6 +60,31 @@ TEST(PredictorNames, SkipTheBaselineAtItsPosition) {
     EXPECT_EQ(design.PredictorNames, (QStringList{"Constant", "DCT-1", "DCT-2"}));
     buildNames(design, {.protocol = none, .DriftConfoundPredictors = 2147483647});
     EXPECT_EQ(design.NrOfPredictors, 50);
+}
+
+TEST(PredictorNames, ConditionsBeyondTheTableAreLeftOutWithOneWarning) {
+    StimulationProtocol protocol;
+    for (int i = 0; i < 60; ++i)
+        addCondition(protocol, QString("c%1").arg(i), {{i + 1, i + 1}});
+    QTemporaryDir folder;
+    ScriptedMessages messages;
+    messages.expect(MessageLevel::Warning,
+                    "WARNING: The protocol has more conditions than the design matrix has "
+                    "columns; only the first 49 conditions are modelled.");
+    messages.expect(MessageLevel::Warning, "WARNING: The design matrix has no columns for 1 drift "
+                                           "predictors; only 0 are modelled.");
+    DesignMatrix design;
+    const DesignSource source{.protocol = protocol, .NrOfVolumes = 70};
+    for (int repetition = 0; repetition < 2; ++repetition)
+        buildNames(design, source);
+    EXPECT_EQ(design.NrOfConditionPredictors, 49);
+    EXPECT_EQ(design.PredictorNames.size(), 50);
+    EXPECT_EQ(design.NrOfContrastPredictors, 60);
+    EXPECT_TRUE(createConditionPredictors(design, source));
+    EXPECT_TRUE(createConfoundPredictors(design, source, folder.path()));
+    EXPECT_EQ(design.PredictorColumns[49].size(), 70u);
+    releasePredictorColumns(design);
+    EXPECT_TRUE(design.PredictorColumns[49].empty());
 }
 
 TEST(FillBoxCar, CutsIntervalsAndTakesTheWeightBelow) {

@@ -94,3 +94,56 @@ TEST_F(SettingsFile, AWatchFolderListNormallyGivesItsFirstName) {
     EXPECT_TRUE(settings.watchFolderList.isEmpty());
     EXPECT_EQ(settings.WatchFolderListFile, dir() + "list.txt");
 }
+
+TEST_F(SettingsFile, DicomNamesTellPrefixVolumeAndWidth) {
+    const struct {
+        const char* name;
+        const char* prefix;
+        int volume;
+        int width;
+    } cases[] = {{"Subj-0007-0001.dcm", "Subj", 7, 4},
+                 {"a-b-12-1.dcm", "a-b", 12, -1},
+                 {"Subj-x-01.dcm", "Subj", 0, 2},
+                 {"/data/run-1/S-3-12345.dcm", "S", 3, 5},
+                 {"Subj-0001.dcm", "Subj", 9, 4},
+                 {"image.dcm", "image", 9, -1},
+                 {"--.dcm", "", 0, -1},
+                 {"", "", 9, -1}};
+    for (const auto& [name, prefix, volume, width] : cases) {
+        SCOPED_TRACE(name);
+        const QString block =
+            QString("FirstFileName: \"%1\" DicomNameDelimiter: \"-\" DicomNameExtension: \"dcm\" "
+                    "DicomFirstVolumeNr: 9 DicomFirstImageNr: 1 InplaneFoVX: 1 InplaneFoVY: 1 "
+                    "SliceThickness: 1 GapThickness: 1")
+                .arg(name);
+        ASSERT_TRUE(readText(fileText("DICOM", block), SettingsUse::Run));
+        EXPECT_EQ(settings.dicomFilePrefix, prefix);
+        EXPECT_EQ(settings.DicomFirstVolumeNr, volume);
+        EXPECT_EQ(settings.dicomImageNumberWidth, width);
+        EXPECT_EQ(settings.documentFirstFileName,
+                  QString(name).startsWith('/') ? QString(name) : dir() + "in/" + name);
+        EXPECT_EQ(settings.FirstFileName, name);
+    }
+}
+
+TEST_F(SettingsFile, QuotedTextsEndAtTheirLimitAndAtComments) {
+    messages.expect(MessageLevel::Warning, "ERROR: Expected \"ParadigmHelpFile:\" token*");
+    EXPECT_FALSE(readText(geText().replace("a run", QString(300, 'x')), SettingsUse::Inspection));
+    EXPECT_EQ(settings.Title.size(), 256);
+    messages.expect(MessageLevel::Warning, "ERROR: Expected \"ParadigmHelpFile:\" token*");
+    EXPECT_FALSE(readText(geText().replace("a run", "a ;run"), SettingsUse::Inspection));
+}
+
+TEST_F(SettingsFile, TellsTheProjectOfAnotherFile) {
+    write("a-1.vco", geText().replace("./out", "\\out").replace("study.fmr", "p"));
+    EXPECT_EQ(resolveProjectPath("a-1", dir()), "/out/p");
+    EXPECT_EQ(resolveProjectPath(dir() + "a-1.vco", "/else/"), "/out/p");
+    write("b.vco", "TARGETFOLDER \"./out\" ProjectName: \"/x/p.fmr\"");
+    EXPECT_EQ(resolveProjectPath("b", dir()), "/x/p.fmr");
+    write("c.vco", "TargetFolder: \"./out\" ProjectName: \"p\"");
+    EXPECT_EQ(resolveProjectPath("c", dir()), dir() + "out/p");
+    write("d.vco", "TargetFolder: \"/out\" ProjectName: ");
+    EXPECT_EQ(resolveProjectPath("d", dir()), "");
+    messages.expect(MessageLevel::Warning, "ERROR: \"" + dir() + "gone.vco\" file not found!");
+    EXPECT_EQ(resolveProjectPath("gone", dir()), "");
+}
