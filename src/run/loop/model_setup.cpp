@@ -27,7 +27,9 @@ bool buildDesign(QtCortivoDoc& document, const RunSettings& settings) {
 } // namespace
 
 DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings) {
-    return {document.protocol, document.project.TR, document.project.NrOfVolumes,
+    // A run that ended early has fewer volumes than its design, also when it is reloaded.
+    const int volumes = std::max(document.project.NrOfVolumes, settings.nrOfAnalysedVolumes());
+    return {document.protocol, document.project.TR, volumes,
             document.contrasts.BaselinePosInProtocol, settings.DriftConfoundPredictors};
 }
 

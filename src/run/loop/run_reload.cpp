@@ -9,6 +9,7 @@
 #include "run/protocol/prt_file.h"
 #include "run/settings/settings_file.h"
 #include "stats/clusters.h"
+#include "stats/contrast_file.h"
 #include "volume/first_volume_file.h"
 #include "volume/load_fmr_project.h"
 
@@ -93,7 +94,7 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     run.pump.processEvents();
     if (!loadProject(run) || !readRecordedProtocol(document, settings))
         return false;
-    const QString contrasts = paths::withoutExtension(project.projectPath) + ".ctr";
+    const QString contrasts = contrastFilePath({}, project.projectPath);
     setUpContrasts(document, settings, exists(contrasts) ? contrasts : settings.ContrastFile);
     showSlices(document.project, document);
     if (!fitModel(run))

@@ -8,7 +8,10 @@
 using ReloadTest = SessionFixture;
 
 TEST_F(ReloadTest, SavedRunComesBackWithItsVolumesAndMaps) {
-    writeSession(42, 2, {{"ClusterSizePixels:", "1"}});
+    // Ended early, and with drift terms whose columns depend on the planned length.
+    writeSession(52, 2, {{"ClusterSizePixels:", "1"}, {"DriftConfoundPredictors:", "3"}});
+    script.lastVolume = 39;
+    messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
     session.runButtonPressed();
     MapFile saved;
     ASSERT_TRUE(readMapFile(path("results/test.mps"), saved));
@@ -36,6 +39,7 @@ TEST_F(ReloadTest, SavedRunComesBackWithItsVolumesAndMaps) {
         "Project \"<b>test.fmr</b>\" loaded from disk.<br><br> Ready<br></body>"));
 
     session.runButtonState = RunButtonState::Ready;
+    messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
     session.runButtonPressed();
     EXPECT_EQ(session.state.currentVolume, 39);
 }
