@@ -1,5 +1,7 @@
 // From the moment a mosaic file is noticed to the status text of its volume, at the three sizes.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "silent_display.h"
+
 #include "run/loop/run_session.h"
 #include "scanner_simulator/simulated_scan.h"
 
@@ -32,28 +34,11 @@ public:
     }
 };
 
-class SilentProgress : public ProgressReporter {
-public:
-    void setProgress(int) override {}
-};
-
-class StatusClock : public RunDisplay {
+class StatusClock : public SilentDisplay {
 public:
     std::vector<Clock::time_point> texts;
 
-    void runStarting() override {}
-    void documentsLeaving() override {}
-    void documentsArrived() override {}
-    void runPrepared() override {}
-    void preparationFailed() override { std::printf("preparation failed\n"); }
-    void runEnded() override {}
-    void setRunButtonState(RunButtonState) override {}
     void showLogText(const QString&) override { texts.push_back(Clock::now()); }
-    void refreshViewButtons() override {}
-    void updateViews() override {}
-    std::unique_ptr<ProgressReporter> openSavingProgress() override {
-        return std::make_unique<SilentProgress>();
-    }
 };
 
 // Writes a volume at each interval, as the scanner does, while the session waits for it.

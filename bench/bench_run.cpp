@@ -1,5 +1,7 @@
 // A whole run through the loop at the three sizes: time of a volume early and late, and memory.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "silent_display.h"
+
 #include "intake/volume_reader.h"
 #include "run/loop/run_session.h"
 #include "run/settings/settings_file.h"
@@ -64,29 +66,13 @@ private:
     std::vector<int16_t> noise_;
 };
 
-class SilentProgress : public ProgressReporter {
-public:
-    void setProgress(int) override {}
-};
-
 // Takes the time of each volume's last action: the update of the views, or the status text.
-class BenchmarkDisplay : public RunDisplay {
+class BenchmarkDisplay : public SilentDisplay {
 public:
     std::vector<Clock::time_point> ends;
 
-    void runStarting() override {}
-    void documentsLeaving() override {}
-    void documentsArrived() override {}
-    void runPrepared() override {}
-    void preparationFailed() override { std::printf("preparation failed\n"); }
-    void runEnded() override {}
-    void setRunButtonState(RunButtonState) override {}
     void showLogText(const QString&) override { ends.push_back(Clock::now()); }
-    void refreshViewButtons() override {}
     void updateViews() override { ends.back() = Clock::now(); }
-    std::unique_ptr<ProgressReporter> openSavingProgress() override {
-        return std::make_unique<SilentProgress>();
-    }
 };
 
 QString protocolText() {
