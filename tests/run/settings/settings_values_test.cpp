@@ -42,6 +42,46 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
     }
 }
 
+TEST_F(SettingsFile, WhatNoFileMayHoldIsFatal) {
+    write("file", "");
+    const QString target = "ERROR: Target folder  \"" + dir() +
+                           "file/out/\"  does not exist and could not be created!\n\nCheck \"" +
+                           settings.settingsFilePath +
+                           "\" file and/or create target folder;\nthen rerun Velo-Cortivo.";
+    const struct {
+        QString text;
+        SettingsUse use;
+        QString message;
+    } cases[] = {{replaced(geText(), "NrOfVolumes: 50", "NrOfVolumes: 0"), SettingsUse::Run,
+                  "ERROR: Problem reading \"NrOfVolumes\" value (0). Check respective entry in "
+                  "settings file!"},
+                 {fileText("XYZ", ""), SettingsUse::Inspection,
+                  "ERROR: Data type \"XYZ\" not supported!\n\nCheck settings file: \"" +
+                      settings.settingsFilePath + "\"."},
+                 {replaced(geText(), "./out", "./file/out"), SettingsUse::Run, target}};
+    for (const auto& [text, use, message] : cases) {
+        programEnd.statuses.clear();
+        messages.expect(MessageLevel::Critical, message);
+        EXPECT_FALSE(readText(text, use));
+        EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
+    }
+}
+
+TEST_F(SettingsFile, TheProtocolKeySaysWhichSourceIsUsed) {
+    const struct {
+        const char* key;
+        QString RunSettings::*member;
+    } sources[] = {{"TDatFile:", &RunSettings::TDatFile},
+                   {"RealTimeProtocol", &RunSettings::RealTimeProtocol},
+                   {"STIMULATIONPROTOCOL:", &RunSettings::StimulationProtocol}};
+    for (const auto& [key, member] : sources) {
+        ASSERT_TRUE(
+            readText(replaced(geText(), "StimulationProtocol:", key), SettingsUse::Inspection));
+        for (const auto& other : sources)
+            EXPECT_EQ(settings.*other.member, other.member == member ? dir() + "a.prt" : QString());
+    }
+}
+
 TEST_F(SettingsFile, WatchFolderMarksTakeTheNewestSeries) {
     for (const char* name : {"Ser0002", "Ser0010", "0003", "0012", "00100"})
         QDir(dir() + "in").mkdir(name);
