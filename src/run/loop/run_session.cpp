@@ -3,6 +3,7 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/text_reading.h"
 #include "run/loop/model_setup.h"
 #include "run/loop/run_preparation.h"
 #include "run/loop/run_reload.h"
@@ -93,6 +94,9 @@ bool RunSession::performRun() {
     const std::unique_ptr<VolumeReader> reader = prepareRun(run, makeReader, stopTimer);
     if (!reader)
         return false;
+    QString colors;
+    if (!settings.ROIColorsFile.isEmpty() && readTextFile(settings.ROIColorsFile, colors))
+        takeRegionColors(colors, regionColors);
     setUpContrasts(*functionalDocument, settings, settings.ContrastFile);
     display_.runPrepared();
     pump_.processEvents();

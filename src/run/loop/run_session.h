@@ -6,6 +6,7 @@
 #include "base/event_pump.h"
 #include "intake/intake_context.h"
 #include "run/document/qt_cortivo_doc.h"
+#include "run/document/region_colors.h"
 #include "run/document/run_state.h"
 #include "run/loop/loop_stations.h"
 #include "run/loop/run_display.h"
@@ -52,6 +53,7 @@ public:
     RunState state;
     IntakeState intake;
     LoopStations stations;
+    RegionColorTable regionColors = builtInRegionColors();
     /// State of the run button as it is shown; 0 refuses a start.
     RunButtonState runButtonState = RunButtonState::Ready;
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file

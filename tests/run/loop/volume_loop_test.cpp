@@ -187,6 +187,18 @@ TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
     EXPECT_EQ(savedVolumes(), 14);
 }
 
+TEST_F(VolumeLoopTest, RegionColoursComeFromTheirFile) {
+    QFile file(path("colours.txt"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("30\n1 2 3\n4 999 -6\n7 8");
+    file.close();
+    writeSession(4, 2, {{"ROIColorsFile:", "\"./colours.txt\""}});
+    session.runButtonPressed();
+    EXPECT_EQ(session.regionColors[0], (RgbColor{1, 2, 3}));
+    EXPECT_EQ(session.regionColors[1], (RgbColor{4, 255, 0}));
+    EXPECT_EQ(session.regionColors[2], (RgbColor{40, 30, 255}));
+}
+
 TEST_F(VolumeLoopTest, TypeWithoutReaderEndsTheProgram) {
     writeSession(16, 2);
     session.makeReader = [](const IntakeContext&) { return std::unique_ptr<VolumeReader>(); };
