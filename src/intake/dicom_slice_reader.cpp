@@ -7,13 +7,13 @@
 #include <cstring>
 
 DicomSliceReader::DicomSliceReader(const IntakeContext& context)
-    : FileVolumeReader(context,
-                       {.search = PixelKeySearch::First,
-                        .settleMilliseconds = 10,
-                        .memoryMessage = "ERROR: Could not allocate memory to read DICOM file:",
-                        .missingKeyMessage =
-                            "ERROR: This file is not a DICOM or ACR-NEMA file: Header does not "
-                            "contain \"begin-of-data\" key (7FE0,0010) !"}) {}
+    : DicomVolumeReader(context,
+                        {.search = PixelKeySearch::First,
+                         .settleMilliseconds = 10,
+                         .memoryMessage = "ERROR: Could not allocate memory to read DICOM file:",
+                         .missingKeyMessage =
+                             "ERROR: This file is not a DICOM or ACR-NEMA file: Header does not "
+                             "contain \"begin-of-data\" key (7FE0,0010) !"}) {}
 
 // Names of this type begin with the delimiter; the files of most sites bear the prefix of the first
 // file name before it. Both are looked for.

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "intake/file_volume_reader.h"
+#include "intake/dicom_volume_reader.h"
 
-class DicomSliceReader : public FileVolumeReader {
+class DicomSliceReader : public DicomVolumeReader {
 public:
     explicit DicomSliceReader(const IntakeContext& context);
     [[nodiscard]] bool readFirstVolume() override;

@@ -3,9 +3,23 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
+#include <utility>
 
-FileBytes::Result FileBytes::read(const QString& fileName) {
-    constexpr qint64 largestFile = qint64(512) << 20;
+namespace {
+
+// First byte and number of bytes of the part that a file of this size holds.
+std::pair<qint64, qint64> presentPart(const FilePart& part, qint64 fileSize) {
+    const qint64 length = part.length < 0 ? fileSize : std::min(part.length, fileSize);
+    const qint64 offset =
+        std::clamp(part.fromEnd ? fileSize - length : part.offset, qint64(0), fileSize);
+    return {offset, std::min(length, fileSize - offset)};
+}
+
+} // namespace
+
+FileBytes::Result FileBytes::read(const QString& fileName, const FilePart& part) {
+    constexpr qint64 largestPart = qint64(512) << 20;
     // Files of a series differ by a few bytes; a rounded size spares most of them a new buffer.
     constexpr size_t granularity = size_t(64) << 10;
     size_ = 0;
@@ -13,11 +27,14 @@ FileBytes::Result FileBytes::read(const QString& fileName) {
     // Opening anything but a plain file may block.
     if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return Result::CannotOpen;
-    if (file.size() > largestFile)
+    const auto [offset, length] = presentPart(part, file.size());
+    if (length > largestPart)
         return Result::NoMemory;
-    const size_t wanted = size_t(file.size());
+    const size_t wanted = size_t(length);
     if (wanted > buffer_.size() && !buffer_.allocate((wanted / granularity + 1) * granularity))
         return Result::NoMemory;
+    if (offset > 0 && !file.seek(offset))
+        return Result::CannotOpen;
     while (size_ < wanted) {
         const qint64 count =
             file.read(reinterpret_cast<char*>(buffer_.data()) + size_, qint64(wanted - size_));

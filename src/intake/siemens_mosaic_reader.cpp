@@ -8,7 +8,7 @@
 #include "intake/slice_geometry.h"
 
 SiemensMosaicReader::SiemensMosaicReader(const IntakeContext& context)
-    : FileVolumeReader(
+    : DicomVolumeReader(
           context, {.search = PixelKeySearch::Last,
                     .settleMilliseconds = 30,
                     .memoryMessage = "ERROR: Could not allocate memory to read DICOM MOSAIC file:",

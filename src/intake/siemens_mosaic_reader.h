@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "intake/file_volume_reader.h"
+#include "intake/dicom_volume_reader.h"
 
-class SiemensMosaicReader : public FileVolumeReader {
+class SiemensMosaicReader : public DicomVolumeReader {
 public:
     explicit SiemensMosaicReader(const IntakeContext& context);
     [[nodiscard]] bool readFirstVolume() override;

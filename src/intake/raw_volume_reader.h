@@ -1,0 +1,31 @@
+// What the readers of files share whose samples stand at a known place.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "intake/file_volume_reader.h"
+
+#include <optional>
+
+class RawVolumeReader : public FileVolumeReader {
+protected:
+    /// A file to wait for, and what to read of it. `part` has a length.
+    struct RawFile {
+        ExpectedFile expected;
+        FilePart part;
+        int settleMilliseconds = 10;
+        int pollMilliseconds = 100;
+    };
+    /// Samples as they stand in the file, in the reader's buffer until the next read.
+    struct RawImage {
+        QString path;
+        std::span<uint8_t> samples;
+    };
+
+    using FileVolumeReader::FileVolumeReader;
+
+    /// Waits for the file and reads the whole part. A file that passes the arrival test while the
+    /// scanner still writes the part, or keeps it locked, is waited for; all of it has the time-out
+    /// of the settings. Nothing when that has passed, after a message if the file could not be
+    /// opened.
+    [[nodiscard]] std::optional<RawImage> awaitSamples(const RawFile& file);
+};
