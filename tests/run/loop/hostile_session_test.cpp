@@ -201,3 +201,43 @@ TEST_P(HostileSessionTest, TroubleInTheMiddleKeepsWhatWasMeasured) {
         EXPECT_EQ(hostile.savedVolumes(), 10);
     }
 }
+
+// All files are there, or come within the time-out, but not as quietly as on a good day.
+TEST_P(HostileSessionTest, AnUnsteadyFolderLosesNothing) {
+    using Trouble = std::function<void(HostileSession&)>;
+    const Trouble byteByByte = [](HostileSession& hostile) {
+        const ScannerFile file = hostile.scan.files(6)[0];
+        hostile.write({file.name, {}});
+        for (qsizetype size = 1; size <= file.bytes.size(); ++size)
+            hostile.pump.after(2 * size, [&hostile, file, size] {
+                hostile.write({file.name, file.bytes.first(size)});
+            });
+    };
+    const Trouble backwards = [](HostileSession& hostile) {
+        for (int volume = 0; volume < 12; ++volume) {
+            std::vector<ScannerFile> files = hostile.scan.files(volume);
+            for (size_t i = 0; i < files.size(); ++i) {
+                QFile::remove(hostile.scan.watchFolder() + files[i].name);
+                hostile.pump.after(200 * (volume + 1) - 20 * qint64(i),
+                                   [&hostile, file = files[i]] { hostile.write(file); });
+            }
+        }
+    };
+    const Trouble folderAway = [](HostileSession& hostile) {
+        const QString folder = hostile.folder.filePath("incoming");
+        hostile.pump.after(200, [folder] { QDir().rename(folder, folder + "-away"); });
+        hostile.pump.after(9000, [folder] { QDir().rename(folder + "-away", folder); });
+    };
+    const Trouble otherSeries = [](HostileSession& hostile) {
+        for (int volume = 0; volume < 12; ++volume)
+            for (const ScannerFile& file : hostile.scan.files(volume))
+                hostile.write({"2" + file.name, file.bytes + file.bytes});
+    };
+    for (const Trouble& trouble : {byteByByte, backwards, folderAway, otherSeries}) {
+        HostileSession hostile(GetParam());
+        hostile.writeAll();
+        trouble(hostile);
+        expectMessages(hostile.run(), {});
+        EXPECT_EQ(hostile.savedVolumes(), 10);
+    }
+}
