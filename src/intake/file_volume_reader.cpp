@@ -52,6 +52,16 @@ std::span<int16_t> FileVolumeReader::analysedVolume(int volume) {
     return ofRightSize(project().volumes[size_t(volume)]);
 }
 
+std::span<int16_t> FileVolumeReader::sliceOf(Stage stage, int volume, int slice) {
+    const std::span<int16_t> samples =
+        stage == Stage::FirstVolume ? firstVolume() : analysedVolume(volume);
+    const int nrOfSlices = settings().NrOfSlices;
+    if (samples.empty() || slice < 0 || slice >= nrOfSlices)
+        return {};
+    const size_t sliceSamples = samples.size() / size_t(nrOfSlices);
+    return samples.subspan(size_t(slice) * sliceSamples, sliceSamples);
+}
+
 bool FileVolumeReader::failWith(const QString& text) {
     showWarning(text);
     return false;

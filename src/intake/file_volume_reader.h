@@ -49,6 +49,9 @@ protected:
     /// Empty when the number is out of range or the volume has not the size of the settings.
     [[nodiscard]] std::span<int16_t> firstVolume();
     [[nodiscard]] std::span<int16_t> analysedVolume(int volume);
+    /// One slice of the first volume, or of an analysed one in the loop; empty as these are, and
+    /// for a slice that the settings don't have.
+    [[nodiscard]] std::span<int16_t> sliceOf(Stage stage, int volume, int slice);
 
     /// Shows the text as a warning; false, for the caller to return.
     static bool failWith(const QString& text);

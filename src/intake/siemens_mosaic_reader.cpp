@@ -82,44 +82,16 @@ bool SiemensMosaicReader::takeVolume(const Image& image, Stage stage,
 bool SiemensMosaicReader::headerFitsSettings() const {
     const DicomHeader& header = state().header;
     const RunSettings& run = settings();
-    if (header.columns == run.MosaicResolutionX && header.rows >= run.MosaicResolutionY)
-        return true;
-    return failWith(QString("ERROR - dimensions of DICOM file (%1 x %2) do not match those in VCO "
-                            "file (%3 x %4) !")
-                        .arg(header.rows)
-                        .arg(header.columns)
-                        .arg(run.MosaicResolutionY)
-                        .arg(run.MosaicResolutionX));
-}
-
-void SiemensMosaicReader::takeSizes() {
-    const DicomHeader& header = state().header;
-    FMRProject& run = project();
-    run.sliceThickness = header.sliceThickness;
-    // A header that never stated the spacing says nothing about a gap.
-    run.sliceGap = header.spacingBetweenSlices > 0.0f
-                       ? header.spacingBetweenSlices - header.sliceThickness
-                       : 0.0f;
-    run.pixelSizeX = header.pixelSpacingSecond;
-    run.pixelSizeY = header.pixelSpacingFirst;
-    run.VoxelResolutionVerified = true;
-
-    FMRPositionInfo& position = run.position;
-    position.nrOfRows = settings().MatrixSizeY;
-    position.nrOfColumns = settings().MatrixSizeX;
-    position.fovRows = float(settings().MatrixSizeY) * run.pixelSizeY;
-    position.fovColumns = float(settings().MatrixSizeX) * run.pixelSizeX;
-    position.sliceThickness = run.sliceThickness;
-    position.sliceGap = run.sliceGap;
+    return (header.columns == run.MosaicResolutionX && header.rows >= run.MosaicResolutionY) ||
+           failForDimensions(run.MosaicResolutionX, run.MosaicResolutionY);
 }
 
 bool SiemensMosaicReader::readHeaders() {
     const QString path = watchedPath(fileName(0));
     DicomHeader& header = state().header;
-    if (!readWhole(path, newWatch()) || !acceptsFile(path) ||
-        !parseDicomHeader(bytes(), path, header, state().rawDataByteOrder) || !headerFitsSettings())
+    if (!readHeader(path) || !headerFitsSettings())
         return false;
-    takeSizes();
+    takeSizes(path);
     FMRPositionInfo& position = project().position;
     // A header without directions leaves them as they are; the positions decide.
     static_cast<void>(parseImageOrientation(header.imageOrientationText, position));

@@ -18,5 +18,4 @@ private:
     [[nodiscard]] ExpectedFile expectedFirstFile() const;
     [[nodiscard]] bool takeVolume(const Image& image, Stage stage, std::span<int16_t> volume) const;
     [[nodiscard]] bool headerFitsSettings() const;
-    void takeSizes();
 };
