@@ -39,7 +39,7 @@ bool DicomSliceReader::readSlices(Stage stage, int volume) {
     const bool first = stage == Stage::FirstVolume;
     const qint64 measured = first ? 0 : measuredVolume(volume);
     // Events are processed in each wait, so the volume is looked up behind it.
-    const auto target = [&] { return first ? firstVolume() : analysedVolume(volume); };
+    const auto target = [&] { return targetVolume(stage, volume); };
     if (target().empty())
         return false;
     const size_t sliceSamples = target().size() / size_t(settings().NrOfSlices);

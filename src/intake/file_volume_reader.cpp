@@ -8,6 +8,20 @@ QString FileVolumeReader::watchedPath(const QString& name) const {
     return paths::join(state().watchFolder, name);
 }
 
+ExpectedFile FileVolumeReader::expectedFirstFile(const QString& name, qint64 size) const {
+    if (!settings().WatchFolder.isEmpty() || settings().watchFolderList.isEmpty())
+        return {{watchedPath(name)}, size, true};
+    ExpectedFile expected{{}, size, false};
+    for (const QString& folder : settings().watchFolderList)
+        expected.names << paths::join(folder, name);
+    return expected;
+}
+
+void FileVolumeReader::takeFirstFile(const QString& path) {
+    state().watchFolder = paths::folderWithSlash(path);
+    project().FirstDataSourceFile = paths::fileName(path);
+}
+
 bool FileVolumeReader::waitsOn(const StopWatch& watch, int pollMilliseconds) {
     if (watch.elapsed() > settings().timeOutMilliseconds)
         return false;

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/raw_volume_reader.h"
 
+#include "intake/pixel_data.h"
+
+#include <cstring>
+
 std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitSamples(const RawFile& file) {
     const StopWatch watch = newWatch();
     const QString path = awaitFile(file.expected,
@@ -17,4 +21,24 @@ std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitSamples(const Raw
             return RawImage{path, bytes()};
     } while (waitsOn(watch, file.pollMilliseconds));
     return std::nullopt;
+}
+
+void RawVolumeReader::toHostOrder(std::span<uint8_t> samples) const {
+    if (state().rawDataByteOrder != hostByteOrder)
+        swapSamples(samples, samples.size() / 2);
+}
+
+bool RawVolumeReader::store(std::span<const uint8_t> samples, std::span<int16_t> target) {
+    if (samples.empty() || samples.size() != target.size_bytes())
+        return false;
+    std::memcpy(target.data(), samples.data(), samples.size());
+    return true;
+}
+
+std::span<int16_t> RawVolumeReader::targetSlice(Stage stage, int volume, int slice) {
+    const std::span<int16_t> samples = targetVolume(stage, volume);
+    if (samples.empty() || slice < 0 || slice >= settings().NrOfSlices)
+        return {};
+    const size_t size = samples.size() / size_t(settings().NrOfSlices);
+    return samples.subspan(size_t(slice) * size, size);
 }

@@ -28,4 +28,12 @@ protected:
     /// of the settings. Nothing when that has passed, after a message if the file could not be
     /// opened.
     [[nodiscard]] std::optional<RawImage> awaitSamples(const RawFile& file);
+
+    /// Exchanges the bytes of all samples where the run's files, as the settings state it, have
+    /// another byte order than this machine.
+    void toHostOrder(std::span<uint8_t> samples) const;
+    /// Copies the samples. False, with nothing copied, when the target has not exactly their size.
+    [[nodiscard]] static bool store(std::span<const uint8_t> samples, std::span<int16_t> target);
+    /// One slice of the volume to fill; empty where the volume is, or has no such slice.
+    [[nodiscard]] std::span<int16_t> targetSlice(Stage stage, int volume, int slice);
 };
