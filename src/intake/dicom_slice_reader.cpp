@@ -30,13 +30,13 @@ bool DicomSliceReader::readVolume(int volume) {
 bool DicomSliceReader::readSlices(Stage stage, int volume) {
     const bool first = stage == Stage::FirstVolume;
     const qint64 measured = first ? 0 : measuredVolume(volume);
-    const size_t nrOfSamples = sliceOf(stage, volume, 0).size();
+    const size_t nrOfSamples = targetSlice(stage, volume, 0).size();
     if (nrOfSamples == 0)
         return false;
     for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
         // Any size counts as arrived: how long a header is, the settings don't tell.
         const auto image = awaitImage({namesOf(measured, slice), 0, true}, stage, nrOfSamples);
-        if (!image || !takeSlice(*image, stage, sliceOf(stage, volume, slice)))
+        if (!image || !takeSlice(*image, stage, targetSlice(stage, volume, slice)))
             return false;
         if (first && slice == 0)
             project().FirstDataSourceFile = paths::fileName(image->path);

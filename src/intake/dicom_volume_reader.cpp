@@ -6,6 +6,7 @@
 #include "intake/header_sizes.h"
 
 #include <QFileInfo>
+#include <algorithm>
 
 ImageKind ImageKind::singleSlice() {
     return {.search = PixelKeySearch::First,
@@ -78,8 +79,11 @@ bool DicomVolumeReader::takeSlice(const Image& image, Stage stage,
     // The first volume goes by the file, the loop by the order that the program has settled on.
     const ByteOrder order =
         stage == Stage::FirstVolume ? image.byteOrder : state().rawDataByteOrder;
-    copySamples(image.samples, order != hostByteOrder, target);
-    return !target.empty();
+    const std::span<uint8_t> samples =
+        image.samples.first(std::min(target.size_bytes(), image.samples.size()));
+    if (order != hostByteOrder)
+        swapSamples(samples, target.size());
+    return store(samples, target);
 }
 
 bool DicomVolumeReader::readHeader(const QString& fileName) {

@@ -18,7 +18,7 @@ bool GeDicomReader::readVolume(int volume) {
 }
 
 bool GeDicomReader::readSlices(Stage stage, int volume, qint64 base) {
-    const size_t nrOfSamples = sliceOf(stage, volume, 0).size();
+    const size_t nrOfSamples = targetSlice(stage, volume, 0).size();
     if (nrOfSamples == 0)
         return false;
     std::vector<int> missing(size_t(settings().NrOfSlices));
@@ -30,7 +30,7 @@ bool GeDicomReader::readSlices(Stage stage, int volume, qint64 base) {
             return false;
         const auto found = missing.begin() + expected.names.indexOf(image->path);
         image->samples = image->samples.last(2 * nrOfSamples);
-        if (!takeSlice(*image, stage, sliceOf(stage, volume, *found)))
+        if (!takeSlice(*image, stage, targetSlice(stage, volume, *found)))
             return false;
         if (stage == Stage::FirstVolume)
             remember(image->path, *found);

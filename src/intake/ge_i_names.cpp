@@ -4,6 +4,8 @@
 #include "base/paths.h"
 #include "intake/dicom_names.h"
 
+#include <algorithm>
+
 QString geIFileName(const GeINumbers& first, qint64 index) {
     constexpr qint64 lastImage = 999;
     constexpr int seriesStep = 20;

@@ -6,7 +6,6 @@
 #include "base/paths.h"
 #include "intake/ge_i_header.h"
 #include "intake/ge_i_names.h"
-#include "intake/pixel_data.h"
 
 namespace {
 
@@ -47,7 +46,7 @@ bool GeIReader::readVolume(int volume) {
 
 bool GeIReader::readSlices(Stage stage, int volume, qint64 firstIndex) {
     constexpr qint64 headerBytes = 7904;
-    const auto sliceBytes = qint64(sliceOf(stage, volume, 0).size_bytes());
+    const auto sliceBytes = qint64(targetSlice(stage, volume, 0).size_bytes());
     if (sliceBytes == 0)
         return false;
     for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
@@ -55,10 +54,11 @@ bool GeIReader::readSlices(Stage stage, int volume, qint64 firstIndex) {
                                                       headerBytes + sliceBytes,
                                                       /*atLeast*/ false},
                                          .part = {.offset = headerBytes, .length = sliceBytes}});
-        const std::span<int16_t> target = sliceOf(stage, volume, slice);
-        if (!image || target.empty())
+        if (!image)
             return false;
-        copySamples(image->samples, state().rawDataByteOrder != hostByteOrder, target);
+        toHostOrder(image->samples);
+        if (!store(image->samples, targetSlice(stage, volume, slice)))
+            return false;
         if (stage == Stage::FirstVolume && slice == 0)
             project().FirstDataSourceFile = paths::fileName(image->path);
     }

@@ -28,10 +28,11 @@ bool GeStanfordReader::readVolume(int volume) {
 
 // The file grows while it is read, and its first slice is the last one of the volume.
 bool GeStanfordReader::readSlices(Stage stage, int volume, const QString& path) {
-    const auto sliceBytes = qint64(sliceOf(stage, volume, 0).size_bytes());
+    const auto sliceBytes = qint64(targetSlice(stage, volume, 0).size_bytes());
     if (sliceBytes == 0)
         return false;
-    for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
+    const int nrOfSlices = settings().NrOfSlices;
+    for (int slice = 0; slice < nrOfSlices; ++slice) {
         const qint64 needed = (slice + 1) * sliceBytes;
         // Slices that are there when their turn comes have settled with the one before.
         const bool settled = slice > 0 && waitForFile(path, needed, true);
@@ -39,11 +40,12 @@ bool GeStanfordReader::readSlices(Stage stage, int volume, const QString& path) 
             awaitSamples({.expected = {{path}, needed, true},
                           .part = {.offset = slice * sliceBytes, .length = sliceBytes},
                           .settleMilliseconds = settled ? 0 : 10});
-        const std::span<int16_t> target = sliceOf(stage, volume, settings().NrOfSlices - 1 - slice);
-        if (!image || target.empty())
+        if (!image)
             return false;
-        // Swapped in any case, whatever the settings say about the byte order.
-        copySamples(image->samples, true, target);
+        // In any case, whatever the settings say about the byte order.
+        swapSamples(image->samples, image->samples.size() / 2);
+        if (!store(image->samples, targetSlice(stage, volume, nrOfSlices - 1 - slice)))
+            return false;
     }
     if (stage == Stage::FirstVolume)
         project().FirstDataSourceFile = paths::fileName(path);

@@ -78,11 +78,3 @@ void swapSamples(std::span<uint8_t> samples, size_t count) {
     for (size_t i = 0; i < end; i += 2)
         std::swap(samples[i], samples[i + 1]);
 }
-
-void copySamples(std::span<uint8_t> samples, bool swapped, std::span<int16_t> target) {
-    const size_t count = std::min(samples.size() / 2, target.size());
-    if (swapped)
-        swapSamples(samples, count);
-    if (count > 0)
-        std::memcpy(target.data(), samples.data(), 2 * count);
-}

@@ -31,6 +31,3 @@ struct PixelData {
 
 /// Exchanges the two bytes of each of the first `count` 16-bit samples, or of as many as there are.
 void swapSamples(std::span<uint8_t> samples, size_t count);
-
-/// Copies as many samples as both hold. With `swapped` their bytes are exchanged, in place, before.
-void copySamples(std::span<uint8_t> samples, bool swapped, std::span<int16_t> target);

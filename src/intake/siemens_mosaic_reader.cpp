@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/siemens_mosaic_reader.h"
 
-#include "base/paths.h"
 #include "intake/dicom_names.h"
 #include "intake/mosaic.h"
 #include "intake/siemens_protocol.h"
@@ -23,37 +22,18 @@ QString SiemensMosaicReader::fileName(qint64 measured) const {
 
 bool SiemensMosaicReader::layoutIsUsable() const {
     const MosaicTiling layout = MosaicTiling::of(settings());
-    return layout.holdsAllSlices() ||
-           failWith(QString("ERROR: A mosaic of %1 x %2 does not hold %3 slices of %4 x %5 - check "
-                            "settings file !")
-                        .arg(layout.mosaicSizeX)
-                        .arg(layout.mosaicSizeY)
-                        .arg(layout.nrOfSlices)
-                        .arg(layout.matrixSizeX)
-                        .arg(layout.matrixSizeY));
-}
-
-// With a list of folders instead of a watch folder, the first one that has the file counts; the
-// size must then be met exactly, so that the file of another run in one of them is passed by.
-ExpectedFile SiemensMosaicReader::expectedFirstFile() const {
-    const qint64 size = qint64(MosaicTiling::of(settings()).mosaicSamples()) * 2;
-    if (!settings().WatchFolder.isEmpty() || settings().watchFolderList.isEmpty())
-        return {{watchedPath(fileName(0))}, size, true};
-    ExpectedFile expected{{}, size, false};
-    for (const QString& folder : settings().watchFolderList)
-        expected.names << paths::join(folder, fileName(0));
-    return expected;
+    return layout.holdsAllSlices() || failWith(unusableLayoutMessage(layout));
 }
 
 bool SiemensMosaicReader::readFirstVolume() {
     if (!layoutIsUsable() || firstVolume().empty())
         return false;
-    const auto image = awaitImage(expectedFirstFile(), Stage::FirstVolume,
-                                  MosaicTiling::of(settings()).mosaicSamples());
+    const size_t samples = MosaicTiling::of(settings()).mosaicSamples();
+    const auto image = awaitImage(expectedFirstFile(fileName(0), qint64(samples) * 2),
+                                  Stage::FirstVolume, samples);
     if (!image)
         return false;
-    state().watchFolder = paths::folderWithSlash(image->path);
-    project().FirstDataSourceFile = paths::fileName(image->path);
+    takeFirstFile(image->path);
     return takeVolume(*image, Stage::FirstVolume, firstVolume());
 }
 
