@@ -100,12 +100,12 @@ void DicomVolumeReader::takeSizes(const QString& fileName) {
     HeaderSizes sizes;
     sizes.pixelSizeX = stated(header.pixelSpacingSecond);
     sizes.pixelSizeY = stated(header.pixelSpacingFirst);
-    sizes.sliceThickness = stated(header.sliceThickness);
     // A header that never stated the spacing says nothing about a gap.
-    if (sizes.sliceThickness)
-        sizes.sliceGap = header.spacingBetweenSlices > 0.0f
-                             ? header.spacingBetweenSlices - header.sliceThickness
-                             : 0.0f;
+    const bool spaced = header.spacingBetweenSlices > 0.0f;
+    if (spaced || header.sliceThickness != 0.0f) {
+        sizes.sliceThickness = header.sliceThickness;
+        sizes.sliceGap = spaced ? header.spacingBetweenSlices - header.sliceThickness : 0.0f;
+    }
     if (sizes.pixelSizeX)
         sizes.fieldOfViewX = float(settings().MatrixSizeX) * *sizes.pixelSizeX;
     if (sizes.pixelSizeY)

@@ -3,8 +3,6 @@
 
 #include "base/messages.h"
 
-#include <cmath>
-
 namespace {
 
 // A number that is none fails each comparison.
@@ -21,13 +19,15 @@ bool take(const std::optional<float>& length, float& target) {
     return isLength(*length);
 }
 
-bool takeGap(const std::optional<float>& gap, FMRProject& project) {
-    if (!gap)
-        return true;
-    const bool usable = std::abs(*gap) <= largestLength && isLength(project.sliceThickness + *gap);
-    if (usable)
-        project.sliceGap = *gap;
-    return usable;
+// Thickness and gap go together: they are right or wrong by the distance that they make.
+bool takeDistance(const HeaderSizes& sizes, FMRProject& project) {
+    const float thickness = sizes.sliceThickness.value_or(project.sliceThickness);
+    const float gap = sizes.sliceGap.value_or(project.sliceGap);
+    if (!(thickness >= 0.0f && thickness <= largestLength && isLength(thickness + gap)))
+        return false;
+    project.sliceThickness = thickness;
+    project.sliceGap = gap;
+    return true;
 }
 
 } // namespace
@@ -36,9 +36,8 @@ void takeHeaderSizes(const HeaderSizes& sizes, const QString& fileName, FMRProje
     FMRPositionInfo& position = project.position;
     bool usable = take(sizes.pixelSizeX, project.pixelSizeX);
     usable &= take(sizes.pixelSizeY, project.pixelSizeY);
-    // A gap goes with the thickness that it was stated with.
-    usable &=
-        take(sizes.sliceThickness, project.sliceThickness) && takeGap(sizes.sliceGap, project);
+    if (sizes.sliceThickness || sizes.sliceGap)
+        usable &= takeDistance(sizes, project);
     usable &= take(sizes.fieldOfViewX, position.fovColumns);
     usable &= take(sizes.fieldOfViewY, position.fovRows);
     position.nrOfRows = project.ResolutionY;

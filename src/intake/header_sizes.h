@@ -20,7 +20,8 @@ struct HeaderSizes {
 };
 
 /// Takes what is stated into the project and the record of its slice geometry, together with matrix
-/// and slice distance there. A length that is no number, not above 0 or above largestLength, or a
-/// gap that would make slices coincide, is left out after a warning that names the file; the
-/// project keeps what it had.
+/// and slice distance there. What can't be is left out, after a warning that names the file, and
+/// the project keeps what it had: a length that is no number, not above 0 or above largestLength.
+/// Thickness and gap are judged by their sum; a thickness of 0 stands for one that is not known
+/// beside the distance.
 void takeHeaderSizes(const HeaderSizes& sizes, const QString& fileName, FMRProject& project);

@@ -70,9 +70,9 @@ TEST(GEIHeader, TakesWhatCanBe) {
     for (const auto& [bytes, sizes, message] :
          {Case{geIFile(3.0f, 0.5f), {3.0f, 0.5f, 3.0f, 3.75f, 192.0f, 240.0f}, nullptr},
           {geIFile(3.0f, -0.5f), {3.0f, -0.5f, 3.0f, 3.75f, 192.0f, 240.0f}, nullptr},
-          {geIFile(3.0f, -3.0f), {3.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
+          {geIFile(3.0f, -3.0f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
           {geIFile(nan, 0.5f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
-          {geIFile(3.0f, nan, -1.0f), {3.0f, 1.0f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
+          {geIFile(3.0f, nan, -1.0f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
           {geIFile(3.0f, 0.5f, INFINITY), {3.0f, 0.5f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
           {geIFile(3.0f, 0.5f).chopped(1), settings, none},
           {QByteArray(151, '\0'), settings, none},
