@@ -44,37 +44,37 @@ TEST(GrowingFileReader, FirstSliceStartsAVolumeAndTheRestIsWaitedFor) {
     }
 }
 
-// Sums of slices from NumPy, first slice of the file first.
+// Sums of the slices of the third volume and of the only one, from NumPy.
 TEST(GrowingFileReader, ScannerFiles) {
-    SKIP_WITHOUT(scannerDataFolder() + "/philips");
-    SKIP_WITHOUT(scannerDataFolder() + "/bruker");
     struct Case {
         const char* type;
         const char* file;
-        int columns, rows, volume;
+        int columns, volume;
         std::vector<int> sums;
     };
-    const std::vector<int> third{836937, 806839, 759962, 681201, 672535,
-                                 642881, 555657, 409165, 205032};
     for (const Case& given :
-         {Case{"PHILIPSRECDATA", "philips/phantom_par_rec/phantom_EPI_asc_CLEAR_2_1.REC", 64, 64, 2,
-               third},
-          Case{"2DSEQ_MPI",
-               "bruker/1/pdata/1/2dseq",
-               80,
+         {Case{"PHILIPSRECDATA",
+               "/philips/phantom_par_rec/phantom_EPI_asc_CLEAR_2_1.REC",
                64,
+               2,
+               {205032, 409165, 555657, 642881, 672535, 681201, 759962, 806839, 836937}},
+          Case{"2DSEQ_MPI",
+               "/bruker/1/pdata/1/2dseq",
+               80,
                0,
-               {17103388, 17035788, 17348885, 16707693, 16675647}}}) {
-        const int nrOfSlices = int(given.sums.size());
-        IntakeRun run(given.type, given.columns, given.rows, nrOfSlices);
+               {16675647, 16707693, 17348885, 17035788, 17103388}}}) {
+        IntakeRun run(given.type, given.columns, 64, int(given.sums.size()));
         run.settings.NrOfVolumesToSkip = 0;
-        run.settings.documentFirstFileName = scannerDataFolder() + '/' + given.file;
+        run.settings.documentFirstFileName = scannerDataFolder() + given.file;
+        SKIP_WITHOUT(run.settings.documentFirstFileName);
         ASSERT_TRUE(run.reader()->readVolume(given.volume));
-        std::vector<int> found = sliceSums(run.project.volumes[size_t(given.volume)], nrOfSlices);
-        std::reverse(found.begin(), found.end());
-        EXPECT_EQ(found, given.sums);
-        EXPECT_TRUE(run.reader()->readFirstVolume());
-        EXPECT_EQ(run.reader()->readVolume(2), given.volume == 2);
+        const auto samples = run.project.volumes[size_t(given.volume)].span();
+        const size_t sliceSize = run.project.sliceSamples();
+        for (size_t slice = 0; slice < given.sums.size(); ++slice) {
+            const auto part = samples.subspan(slice * sliceSize, sliceSize);
+            EXPECT_EQ(std::accumulate(part.begin(), part.end(), 0), given.sums[slice]);
+        }
+        EXPECT_EQ(run.reader()->readVolume(2), given.volume == 2) << "the file ends before";
     }
 }
 
@@ -107,56 +107,45 @@ TEST(AnalyzeReader, NumbersLoseADigitAtThousandAndSlicesAreTransformed) {
 }
 
 // Values from another reader of this format.
-TEST(AnalyzeHeader, EveryFieldHasItsPlaceInBothByteOrders) {
-    for (const ByteOrder expectedOrder : {ByteOrder::Big, ByteOrder::Little})
+TEST(AnalyzeHeader, FieldsHaveTheirPlacesInBothByteOrders) {
+    for (const bool big : {true, false})
         for (const char* size : {"0000015C", "00000180"}) {
-            const bool big = expectedOrder == ByteOrder::Big;
-            QByteArray bytes(analyzeHeaderBytes, '\0');
-            for (int i = 0; i < analyzeHeaderBytes; ++i)
-                bytes[i] = char((7 * i + 3) % 251);
-            QByteArray start = QByteArray::fromHex(size);
+            QByteArray bytes = QByteArray::fromHex(size);
             if (!big)
-                std::reverse(start.begin(), start.end());
-            bytes.replace(0, 4, start);
+                std::reverse(bytes.begin(), bytes.end());
+            for (int i = 4; i < analyzeHeaderBytes; ++i)
+                bytes += char((7 * i + 3) % 251);
             ByteOrder order = big ? ByteOrder::Little : ByteOrder::Big;
             AnalyzeHeader header;
             ASSERT_TRUE(parseAnalyzeHeader(bytesOf(bytes), order, header));
-            EXPECT_EQ(order, expectedOrder);
-            EXPECT_EQ(header.hk.sizeof_hdr, size[7] == 'C' ? 348 : 384);
+            EXPECT_EQ(order, big ? ByteOrder::Big : ByteOrder::Little);
             EXPECT_EQ(header.hk.extents, big ? -471141896 : -118363421);
-            EXPECT_EQ(header.hk.regular, '\x12');
             EXPECT_EQ(header.dime.dim[7], big ? -32119 : -30334);
-            EXPECT_EQ(header.dime.datatype, big ? -3335 : -1550);
             EXPECT_EQ(header.dime.pixdim[7],
                       big ? -1.3987238289570715e+23f : -6.3326646426982034e+35f);
-            EXPECT_EQ(header.dime.cal_min, big ? -9.695261340316591e-28f : -4.457542225144804e-15f);
             EXPECT_EQ(header.dime.glmin, big ? 118363420 : 471141895);
-            EXPECT_EQ(header.hist.orient, '\n');
             EXPECT_EQ(header.hist.exp_time[0], 't');
-            EXPECT_EQ(header.hist.views, big ? -808002076 : -455223601);
             EXPECT_EQ(header.hist.smin, big ? -1734367571 : -1381589096);
-            EXPECT_FALSE(parseAnalyzeHeader(bytesOf(bytes).first(347), order, header));
         }
 }
 
 TEST(AnalyzeHeader, FilesOfBothByteOrdersAndNone) {
-    ScriptedMessages messages;
-    const QTemporaryDir folder;
-    writeFile(folder.filePath("short.hdr"), "348");
-    messages.expect(MessageLevel::Warning, "ERROR: File *");
-    messages.expect(MessageLevel::Warning, "Can not open ANALYZE file !");
-    QString order;
-    AnalyzeHeader header;
-    EXPECT_FALSE(readAnalyzeHeader(folder.filePath("short.hdr"), order, header));
-    EXPECT_FALSE(readAnalyzeHeader(folder.filePath("none.hdr"), order, header));
     const QString data = scannerDataFolder() + "/analyze75/both_byte_orders/";
     SKIP_WITHOUT(data);
+    ScriptedMessages messages;
+    QString order;
+    AnalyzeHeader header;
     for (const QString expected : {"BigEndian", "LittleEndian"}) {
         ASSERT_TRUE(readAnalyzeHeader(data + expected + ".hdr", order, header));
         EXPECT_EQ(order, expected);
         EXPECT_EQ(header.dime.dim, (std::array<int16_t, 8>{4, 6, 6, 8, 1, 1, 1, 1}));
-        EXPECT_EQ(header.dime.pixdim[3], 1.0f);
     }
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("short.hdr"), QByteArray(347, '\0'));
+    messages.expect(MessageLevel::Warning, "ERROR: File *");
+    EXPECT_FALSE(readAnalyzeHeader(folder.filePath("short.hdr"), order, header));
+    messages.expect(MessageLevel::Warning, "Can not open ANALYZE file !");
+    EXPECT_FALSE(readAnalyzeHeader(folder.filePath("none.hdr"), order, header));
 }
 
 } // namespace

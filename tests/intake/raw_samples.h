@@ -26,14 +26,3 @@ inline std::vector<int> countedFrom(int first, size_t count) {
 inline std::vector<int> valuesOf(const Volume& volume) {
     return {volume.span().begin(), volume.span().end()};
 }
-
-/// One sum for each slice.
-inline std::vector<int> sliceSums(const Volume& volume, int nrOfSlices) {
-    std::vector<int> sums;
-    const size_t size = volume.size() / size_t(nrOfSlices);
-    for (size_t start = 0; start < volume.size(); start += size) {
-        const auto slice = volume.span().subspan(start, size);
-        sums.push_back(std::accumulate(slice.begin(), slice.end(), 0));
-    }
-    return sums;
-}

@@ -12,39 +12,25 @@ QByteArray ima(const QByteArray& samples) {
     return QByteArray(imaHeaderBytes, '\0') + samples;
 }
 
-struct NameCase {
-    const char* type;
-    bool mosaic;
-    bool fixed;
-    int patient;
-    QStringList names; ///< of the first volume, then of the second analysed one
-    std::vector<int> first;
-    std::vector<int> second;
-};
-
-// Each file begins with ten times its place in the list.
+// Each file holds four samples, counted from ten times its place in the list.
 TEST(SiemensImaReaders, NamesCountPatientsStudiesAndImages) {
-    const NameCase cases[] = {
-        {"SIEMENS_IMA",
-         false,
-         false,
-         5,
-         {"5-10-97.ima", "5-10-98.ima", "5-13-103.ima", "5-13-104.ima"},
-         {10, 20},
-         {30, 40}},
-        {"SIEMENSIMA",
-         false,
-         true,
-         5,
-         {"5-10-97.ima", "5-10-98.ima", "5-11-103.ima", "5-11-104.ima"},
-         {10, 20},
-         {30, 40}},
-        {"SIEMENS_IMA", true, false, 5, {"5-10-97.ima", "5-13-100.ima"}, {10, 11}, {20, 21}},
-        {"SIEMENSIMA", true, true, 5, {"5-10-97.ima", "5-10-100.ima"}, {10, 11}, {20, 21}},
-        {"SIEMENS_IMA", true, false, -1, {"-1-10-97.ima", "-1-0-100.ima"}, {10, 11}, {20, 21}},
-        {"SIEMENSPIXELDATA", false, false, -1, {"vol097", "vol100"}, {11, 10}, {21, 20}},
+    struct Case {
+        const char* type;
+        bool mosaic, fixed;
+        int patient;
+        const char* values; ///< of the first volume and of the second analysed one
+        const char* names;  ///< of their files
     };
-    for (const NameCase& given : cases) {
+    for (const Case& given : {
+             Case{"SIEMENS_IMA", false, false, 5, "10 20 30 40",
+                  "5-10-97.ima 5-10-98.ima 5-13-103.ima 5-13-104.ima"},
+             Case{"SIEMENSIMA", false, true, 5, "10 20 30 40",
+                  "5-10-97.ima 5-10-98.ima 5-11-103.ima 5-11-104.ima"},
+             Case{"SIEMENS_IMA", true, false, 5, "10 11 20 21", "5-10-97.ima 5-13-100.ima"},
+             Case{"SIEMENSIMA", true, true, 5, "10 11 20 21", "5-10-97.ima 5-10-100.ima"},
+             Case{"SIEMENS_IMA", true, false, -1, "10 11 20 21", "-1-10-97.ima -1-0-100.ima"},
+             Case{"SIEMENSPIXELDATA", false, false, -1, "11 10 21 20", "vol097 vol100"},
+         }) {
         IntakeRun run(given.type, 1, 1, 2);
         run.settings.SiemensMosaicSequence = given.mosaic;
         run.settings.SiemensFixedRunNumber = given.fixed;
@@ -53,17 +39,19 @@ TEST(SiemensImaReaders, NamesCountPatientsStudiesAndImages) {
         run.settings.SiemensFirstImageNr = 97;
         run.settings.philipsFilePrefix = "vol";
         run.setMosaic(2, 2);
-        int place = 0;
-        for (const QString& name : given.names) {
-            const QByteArray samples = rawSamples(countedFrom(10 * ++place, 4));
-            run.write(name, name.endsWith(".ima") ? ima(samples) : samples);
+        const QStringList names = QString(given.names).split(' ');
+        for (int i = 0; i < names.size(); ++i) {
+            const QByteArray samples = rawSamples(countedFrom(10 * (i + 1), 4));
+            run.write(names[i], names[i].endsWith(".ima") ? ima(samples) : samples);
         }
         const auto reader = run.reader();
-        ASSERT_TRUE(reader->readFirstVolume()) << given.type;
-        EXPECT_EQ(run.project.FirstDataSourceFile, given.names.first());
-        EXPECT_EQ(valuesOf(run.project.firstVolume), given.first) << given.type;
-        ASSERT_TRUE(reader->readVolume(1)) << given.type;
-        EXPECT_EQ(valuesOf(run.project.volumes[1]), given.second) << given.type;
+        EXPECT_TRUE(reader->readFirstVolume() && reader->readVolume(1)) << given.names;
+        EXPECT_EQ(run.project.FirstDataSourceFile, names.first());
+        QStringList values;
+        for (const Volume* volume : {&run.project.firstVolume, &run.project.volumes[1]})
+            for (const int value : valuesOf(*volume))
+                values << QString::number(value);
+        EXPECT_EQ(values.join(' '), given.values) << given.names;
         EXPECT_FALSE(reader->readVolume(0));
         EXPECT_FALSE(reader->readVolume(3)) << "there is no such volume";
     }
@@ -98,20 +86,17 @@ TEST(SiemensImaReaders, TwoMosaicsHaveTilesForEightOfTenSlices) {
 
 TEST(SiemensImaReaders, MosaicsThatCannotHoldTheSlicesAreRefused) {
     struct Case {
-        int side, columns, rows, slices;
+        int side, columns, rows;
         const char* refusal; ///< nullptr: the program ends
     };
-    for (const auto& [side, columns, rows, slices, refusal] : {
-             Case{1, 2, 1, 2, "1 x 1 does not hold 2 slices of 2 x 1"},
-             Case{0, 2, 1, 2, "0 x 0 does not hold 2 slices of 2 x 1"},
-             Case{-4, 2, 1, 2, "-4 x -4 does not hold 2 slices of 2 x 1"},
-             Case{4, 0, 1, 2, "4 x 4 does not hold 2 slices of 0 x 1"},
-             Case{4, 2, 1, 0, "4 x 4 does not hold 0 slices of 2 x 1"},
-             Case{4, 2, 4, 3, "4 x 4 does not hold 3 slices of 2 x 4"},
-             Case{std::numeric_limits<int>::max(), 2, 1, 2, nullptr},
-         }) {
-        IntakeRun run("SIEMENS_IMA", columns, rows, slices);
-        RecordedProgramEnd end;
+    for (const auto& [side, columns, rows, refusal] :
+         {Case{1, 2, 1, "1 x 1 does not hold 3 slices of 2 x 1"},
+          Case{-4, 2, 1, "-4 x -4 does not hold 3 slices of 2 x 1"},
+          Case{4, 0, 1, "4 x 4 does not hold 3 slices of 0 x 1"},
+          Case{4, 2, 4, "4 x 4 does not hold 3 slices of 2 x 4"},
+          Case{std::numeric_limits<int>::max(), 2, 1, nullptr}}) {
+        IntakeRun run("SIEMENS_IMA", columns, rows, 3);
+        const RecordedProgramEnd end;
         run.settings.SiemensMosaicSequence = true;
         run.setMosaic(side, side);
         run.write("1-1-1.ima", ima(QByteArray(64, '\1')));
@@ -138,67 +123,44 @@ TEST(SiemensImaReaders, FirstListedFolderWithTheExactSizeIsWatched) {
     EXPECT_EQ(run.state.watchFolder, other.path() + '/');
 }
 
-struct ImaHeader {
-    double thickness = 4.0, fieldOfViewX = 192.0, fieldOfViewY = 256.0, factor = 0.25;
-
-    [[nodiscard]] QByteArray bytes(QDataStream::ByteOrder order) const {
-        QByteArray header(imaHeaderBytes, '\x7F');
-        QDataStream stream(&header, QIODevice::ReadWrite);
-        stream.setByteOrder(order);
-        for (const auto& [offset, value] : {std::pair{1544, thickness},
-                                            {3744, fieldOfViewX},
-                                            {3752, fieldOfViewY},
-                                            {4136, factor},
-                                            {5000, 77.0},
-                                            {5008, 88.0}}) {
-            stream.device()->seek(offset);
-            stream << value;
-        }
-        return header;
+QByteArray imaHeader(double thickness, double fieldOfView, double factor) {
+    QByteArray header(imaHeaderBytes, '\x7F');
+    QDataStream stream(&header, QIODevice::ReadWrite);
+    for (const auto& [offset, value] : {std::pair{1544, thickness},
+                                        {3744, fieldOfView},
+                                        {3752, fieldOfView},
+                                        {4136, factor},
+                                        {5000, 77.0}}) {
+        stream.device()->seek(offset);
+        stream << value;
     }
-};
+    return header;
+}
 
-// Pixel sizes, thickness and gap of a project that had 1, 9, 3 and 0.5.
-std::vector<float> geometryFrom(const QByteArray& header, ByteOrder order) {
+// Pixel sizes, thickness and gap, taken from a big-endian header into a project that had others.
+std::vector<float> geometryFrom(const QByteArray& header, ByteOrder order = ByteOrder::Big) {
     FMRProject project;
     project.ResolutionX = 64;
     project.ResolutionY = 128;
-    project.pixelSizeX = 1.0f;
-    project.pixelSizeY = 9.0f;
-    project.sliceThickness = 3.0f;
+    project.pixelSizeX = project.pixelSizeY = 9.0f;
+    project.sliceThickness = 8.0f;
     project.sliceGap = 0.5f;
     parseSiemensIMAHeader(bytesOf(header), order, project);
-    EXPECT_EQ(project.position.fovColumns, project.pixelSizeX == 1.0f ? 0 : 192.0f);
-    EXPECT_EQ(project.position.fovRows, project.pixelSizeY == 9.0f ? 0 : 256.0f);
     return {project.pixelSizeX, project.pixelSizeY, project.sliceThickness, project.sliceGap};
 }
 
 TEST(SiemensImaHeader, FieldOfViewAndMatrixDecideAndNonsenseIsPassedBy) {
     using Geometry = std::vector<float>;
-    const Geometry former{1.0f, 9.0f, 3.0f, 0.5f};
-    const Geometry stated{3.0f, 2.0f, 4.0f, 1.0f};
-    const QByteArray big = ImaHeader().bytes(QDataStream::BigEndian);
-    EXPECT_EQ(geometryFrom(big, ByteOrder::Big), stated);
-    EXPECT_EQ(geometryFrom(ImaHeader().bytes(QDataStream::LittleEndian), ByteOrder::Little),
-              stated);
-    EXPECT_EQ(geometryFrom(big, ByteOrder::Little), former);
-    EXPECT_EQ(geometryFrom(big.left(1551), ByteOrder::Big), former);
-    EXPECT_EQ(geometryFrom(big.left(4143), ByteOrder::Big), (Geometry{3.0f, 2.0f, 4.0f, 0.5f}));
+    const Geometry former{9.0f, 9.0f, 8.0f, 0.5f};
+    const QByteArray header = imaHeader(4.0, 192.0, 0.25);
+    EXPECT_EQ(geometryFrom(header), (Geometry{3.0f, 1.5f, 4.0f, 1.0f}));
+    EXPECT_EQ(geometryFrom(header, ByteOrder::Little), former);
+    EXPECT_EQ(geometryFrom(header.left(1551)), former);
+    EXPECT_EQ(geometryFrom(header.left(4143)), (Geometry{3.0f, 1.5f, 4.0f, 0.5f}));
     for (const double value : {0.0, -4.0, 1e300, double(NAN), double(INFINITY)}) {
-        const ImaHeader lengths{value, value, value, 0.25};
-        EXPECT_EQ(geometryFrom(lengths.bytes(QDataStream::BigEndian), ByteOrder::Big), former);
-        const ImaHeader factor{4.0, 192.0, 256.0, value};
-        EXPECT_EQ(geometryFrom(factor.bytes(QDataStream::BigEndian), ByteOrder::Big),
-                  (Geometry{3.0f, 2.0f, 4.0f, value == 0.0 ? 0.0f : 0.5f}));
-    }
-}
-
-TEST(SiemensImaHeader, MissingFileIsToldAndPreparationGoesOn) {
-    for (const bool mosaic : {false, true}) {
-        IntakeRun run("SIEMENS_IMA", 2, 1, 2);
-        run.settings.SiemensMosaicSequence = mosaic;
-        run.messages.expect(MessageLevel::Warning, "ERROR: Can not open .ima file !");
-        EXPECT_TRUE(run.reader()->readHeaders());
+        EXPECT_EQ(geometryFrom(imaHeader(value, value, 0.25)), former);
+        EXPECT_EQ(geometryFrom(imaHeader(4.0, 192.0, value)),
+                  (Geometry{3.0f, 1.5f, 4.0f, value == 0.0 ? 0.0f : 0.5f}));
     }
 }
 
@@ -214,16 +176,17 @@ TEST(SiemensImaReaders, ScannerFiles) {
     run.settings.SiemensFirstImageNr = 100;
     run.project.sliceGap = 0.5f;
     ASSERT_TRUE(run.reader()->readFirstVolume());
-    const std::vector<int> values = valuesOf(run.project.firstVolume);
-    for (size_t i = 0; i < 96; ++i) {
-        const int left = i / 16 < 3 ? 144 : 176;
-        const int row = i % 16 / 8 == 0 ? left : left + 64;
-        EXPECT_EQ(values[i], i % 4 < 2 ? row : row - 128) << i;
-    }
+    for (int i = 0; i < 96; ++i)
+        EXPECT_EQ(run.project.firstVolume[size_t(i)],
+                  (i < 48 ? 144 : 176) + (i % 16 < 8 ? 0 : 64) - (i % 4 < 2 ? 0 : 128));
     ASSERT_TRUE(run.reader()->readHeaders());
     EXPECT_EQ(run.project.pixelSizeX, 50.0f) << "200 mm over a matrix that was cut down";
+    EXPECT_EQ(run.project.position.fovRows, 200.0f);
     EXPECT_EQ(run.project.sliceThickness, 1.2f);
     EXPECT_EQ(run.project.sliceGap, 0.5f) << "the factor is -19222: not known";
+    run.settings.SiemensFirstStudyNr = 3;
+    run.messages.expect(MessageLevel::Warning, "ERROR: Can not open .ima file !");
+    EXPECT_TRUE(run.reader()->readHeaders());
 }
 
 } // namespace
