@@ -152,7 +152,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
         endProgram(1);
         return nullptr;
     }
-    if (!readFirstVolume(*reader))
+    if (!reader->prepare() || !readFirstVolume(*reader))
         return nullptr;
     if (!reader->readHeaders())
         return nullptr;
