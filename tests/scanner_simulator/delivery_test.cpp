@@ -34,7 +34,7 @@ private:
 };
 
 VolumeSource source(int nrOfVolumes, int nrOfFiles) {
-    return {nrOfVolumes, nrOfFiles, 1000, [nrOfFiles](int volume) {
+    return {nrOfVolumes, nrOfFiles > 1, false, 1000, [nrOfFiles](int volume) {
                 std::vector<ScannerFile> files;
                 for (int file = 0; file < nrOfFiles; ++file)
                     files.push_back(
