@@ -137,16 +137,25 @@ struct Event {
 
 /// What happens in the whole delivery, in order.
 std::vector<Event> eventsOf(const DeliveryOptions& options, const VolumeSource& source) {
-    const std::vector<DeliveryStep> steps = deliverySchedule(options, source);
     std::vector<Event> events;
-    for (size_t i = 0; i < std::max(steps.size(), size_t(source.nrOfVolumes)); ++i) {
-        if (source.protocol.lines && i < size_t(source.nrOfVolumes))
-            events.push_back({int(i), measuredAt(options, source, int(i)), true});
-        if (i < steps.size())
-            events.push_back({steps[i].volume, steps[i].due, false});
+    int linesOf = 0;
+    const int endOfLines = source.protocol.lines ? source.nrOfVolumes : 0;
+    const auto addLinesWhile = [&](auto isDue) {
+        for (; linesOf < endOfLines; ++linesOf) {
+            const int64_t due = measuredAt(options, source, linesOf);
+            if (!isDue(due))
+                return;
+            events.push_back({linesOf, due, true});
+        }
+    };
+    for (const DeliveryStep& step : deliverySchedule(options, source)) {
+        // At the same moment the lines of a volume come before it, and those of later ones behind.
+        addLinesWhile([&](int64_t due) {
+            return due < step.due || (due == step.due && linesOf <= step.volume);
+        });
+        events.push_back({step.volume, step.due, false});
     }
-    std::stable_sort(events.begin(), events.end(),
-                     [](const Event& left, const Event& right) { return left.due < right.due; });
+    addLinesWhile([](int64_t) { return true; });
     return events;
 }
 

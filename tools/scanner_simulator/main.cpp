@@ -95,6 +95,9 @@ ExitStatus simulateRun(const SimulatorCommand& command, const SimulationOptions&
     QStringList names;
     for (int volume = 0; volume < options.nrOfVolumes; ++volume)
         names << scan.format().fileNames(volume);
+    // Their names differ with the order of slices, and the series folder is the run's own.
+    if (options.type == ScannerType::GeHdxtDicom)
+        names << QDir(scan.watchFolder()).entryList({"i*.MRDC.*"}, QDir::Files);
     const VolumeSource source{options.nrOfVolumes,
                               scan.format().writesSlices(),
                               scan.format().writesOneFile(),
