@@ -39,14 +39,12 @@ TEST(RealTimeProtocol, IsOneVolumeAheadOfTheScan) {
                  "TextColor: 255 255 255\nTimeCourseColor: 255 255 255\nTimeCourseThick: 3\n");
 }
 
-TEST(StimulationLog, CoversEachVolumeToItsEnd) {
-    expectLines(
-        tdatLines,
-        {"", "0 SCAN BlockBegin Fixation\n1000 SCAN Volume 1\n", "2000 SCAN Volume 2\n",
-         "2000 SCAN BlockEnd Fixation 2000\n2000 SCAN BlockBegin Faces\n3000 SCAN Volume 3\n",
-         "4000 SCAN Volume 4\n",
-         "4000 SCAN BlockEnd Faces 2000\n4000 SCAN BlockBegin Fixation\n5000 SCAN Volume 5\n",
-         "6000 SCAN BlockEnd Fixation 2000\n6000 SCAN RunEnd\n"});
+TEST(StimulationLog, SaysWithEachVolumeWhatBeginsWithIt) {
+    expectLines(tdatLines, {"", "0 SCAN BlockBegin Fixation\n", "1000 SCAN Volume 2\n",
+                            "1900 SCAN BlockEnd Fixation 2000\n2000 SCAN BlockBegin Faces\n",
+                            "3000 SCAN Volume 4\n",
+                            "3900 SCAN BlockEnd Faces 2000\n4000 SCAN BlockBegin Fixation\n",
+                            "5900 SCAN BlockEnd Fixation 2000\n6000 SCAN RunEnd\n"});
     // Rows of the tables: two words before the kind, then number, name and the rest.
     const SimulationOptions options = shortRun();
     const QByteArray header = tdatHeader({options, blockProtocol(options)});

@@ -11,6 +11,10 @@ namespace {
 /// Of events in the log: "BlockBegin" and "BlockEnd".
 constexpr char eventWord[] = "Block";
 
+/// Milliseconds before the next volume at which the end of a block is logged. A reader that takes
+/// lines only until their time passes that volume's still reads what begins with it.
+constexpr int endLead = 100;
+
 int analysedVolumes(const SimulationOptions& options) {
     return options.nrOfVolumes - options.nrOfVolumesToSkip;
 }
@@ -40,6 +44,14 @@ QByteArray tdatEntry(const QByteArray& text) {
 
 QByteArray tdatScanLine(int time, const QByteArray& text) {
     return formatted("%i SCAN ", time) + text + '\n';
+}
+
+QByteArray tdatEnd(const SimulatedCondition& condition, const ProtocolInterval& interval,
+                   const SimulationOptions& options) {
+    const int duration = (interval.to - interval.from + 1) * options.repetitionTime;
+    return tdatScanLine(interval.to * options.repetitionTime - endLead,
+                        QByteArray(eventWord) + "End " + condition.name.toUtf8() + ' ' +
+                            QByteArray::number(duration));
 }
 
 QByteArray tdatConditionTable(const std::vector<SimulatedCondition>& conditions) {
@@ -142,26 +154,26 @@ QByteArray tdatLines(const ProtocolSource& source, int volume) {
     if (analysed < 1)
         return {};
     const int start = (analysed - 1) * source.options.repetitionTime;
-    const int end = start + source.options.repetitionTime;
+    const bool isLast = analysed == last;
     QByteArray ended;
     QByteArray begun;
     QByteArray endOfScan;
     for (const SimulatedCondition& condition : source.conditions)
         for (const ProtocolInterval& interval : condition.intervals) {
-            const QByteArray name = condition.name.toUtf8();
-            const int duration = (interval.to - interval.from + 1) * source.options.repetitionTime;
-            const QByteArray endText =
-                QByteArray(eventWord) + "End " + name + ' ' + QByteArray::number(duration);
             if (interval.to == analysed - 1)
-                ended += tdatScanLine(start, endText);
+                ended += tdatEnd(condition, interval, source.options);
             if (interval.from == analysed)
-                begun += tdatScanLine(start, QByteArray(eventWord) + "Begin " + name);
-            if (interval.to == last && analysed == last)
-                endOfScan += tdatScanLine(end, endText);
+                begun +=
+                    tdatScanLine(start, QByteArray(eventWord) + "Begin " + condition.name.toUtf8());
+            if (isLast && interval.to == last)
+                endOfScan += tdatEnd(condition, interval, source.options);
         }
-    if (analysed == last)
-        return ended + begun + endOfScan + tdatScanLine(end, "RunEnd");
-    return ended + begun + tdatScanLine(end, "Volume " + QByteArray::number(analysed));
+    if (isLast)
+        return ended + begun + endOfScan +
+               tdatScanLine(start + source.options.repetitionTime, "RunEnd");
+    if (begun.isEmpty())
+        begun = tdatScanLine(start, "Volume " + QByteArray::number(analysed));
+    return ended + begun;
 }
 
 QString protocolFileName(const SimulationOptions& options) {

@@ -25,9 +25,10 @@ struct ProtocolSource {
 /// Log of a stimulation computer (.tdat): what stands in the file before the run. All conditions
 /// are in the model, the baseline first.
 [[nodiscard]] QByteArray tdatHeader(const ProtocolSource& source);
-/// Its lines that are due when a measured volume, from 0, is there: what begins and ends with it,
-/// and the end of the volume, up to which the protocol is then known. Times in milliseconds from
-/// the start of the first analysed volume; nothing is logged before it.
+/// Its lines that are due when a measured volume, from 0, is there: the block that ended before it,
+/// and the block or the volume that begins. The last ones are the end of the last block and of the
+/// run. Times in milliseconds from the start of the first analysed volume; nothing is logged before
+/// it.
 [[nodiscard]] QByteArray tdatLines(const ProtocolSource& source, int volume);
 
 /// Name, without folder, of the protocol of a run. A complete one serves all runs of a session.
