@@ -2,6 +2,7 @@
 #include "scanner_simulator/scanner_files.h"
 #include "scanner_simulator/watch_folder.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -91,7 +92,7 @@ QString problemOfVariant(const SimulationOptions& options) {
     struct Variant {
         const char* what;
         bool chosen;
-        std::initializer_list<ScannerType> types;
+        std::vector<ScannerType> types;
     };
     const Variant variants[] = {
         {"big-endian raw data",
