@@ -122,36 +122,29 @@ TEST(PFileHeader, TakesTheNumberBehindTheWordBehindTheKey) {
     }
 }
 
-// Spacings that another reader gave for these files. They are older than the pointer to the image
-// header, which the test puts where files of this type have it.
+// Spacings as another reader wrote them down (itk_baseline_mha). The files are older than the
+// pointer to the image header, which the test puts where files of this type have it.
 TEST(GEIHeader, ScannerFiles) {
-    const QString folder = scannerDataFolder() + "/old_formats/itk_";
-    SKIP_WITHOUT(folder + "baseline_mha");
+    const QString folder = scannerDataFolder() + "/old_formats/itk_test_";
+    SKIP_WITHOUT(folder + "ge5_scrubbed");
     struct Case {
         const char* file;
-        const char* spacings;
         uint32_t start;
-        float fieldOfView;
+        float spacing, distance;
     };
-    for (const auto& [file, spacings, start, fieldOfView] :
-         {Case{"test_ge5_scrubbed/113766.003.001", "113766.003.001", 2158, 260.0f},
-          Case{"test_geadw_scrubbed/I.001", "I.001", 2186, 160.0f}}) {
-        QFile image(folder + file);
-        QFile other(folder + "baseline_mha/" + spacings + ".mha");
-        ASSERT_TRUE(image.open(QIODevice::ReadOnly) && other.open(QIODevice::ReadOnly));
-        const QString text = QString::fromLatin1(other.readAll());
-        const QStringList expected =
-            text.section("ElementSpacing = ", 1).section('\n', 0, 0).split(' ');
-        ASSERT_EQ(expected.size(), 3);
-        QByteArray bytes = image.readAll();
+    for (const auto& [name, start, spacing, distance] :
+         {Case{"ge5_scrubbed/113766.003.001", 2158, 1.01563f, 3.0f},
+          Case{"geadw_scrubbed/I.001", 2186, 0.625f, 1.5f}}) {
+        QFile file(folder + name);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        QByteArray bytes = file.readAll();
         put(bytes, 148, start);
-        const auto sizes = parseGEIHeader(bytesOf(bytes));
-        ASSERT_TRUE(sizes);
-        EXPECT_NEAR(*sizes->pixelSizeX, expected[0].toFloat(), 1e-5);
-        EXPECT_NEAR(*sizes->pixelSizeY, expected[1].toFloat(), 1e-5);
-        EXPECT_NEAR(*sizes->sliceThickness + *sizes->sliceGap, expected[2].toFloat(), 1e-5);
-        EXPECT_EQ(*sizes->fieldOfViewY, fieldOfView);
-        EXPECT_EQ(*sizes->fieldOfViewY / *sizes->pixelSizeY, 256.0f);
+        FMRProject project;
+        readGEIHeader(HeaderFile(bytes).path, project);
+        EXPECT_NEAR(project.pixelSizeX, spacing, 1e-5);
+        EXPECT_NEAR(project.pixelSizeY, spacing, 1e-5);
+        EXPECT_EQ(project.sliceDistance(), distance);
+        EXPECT_EQ(project.position.fovRows / project.pixelSizeY, 256.0f) << "pixels of the scan";
     }
 }
 
