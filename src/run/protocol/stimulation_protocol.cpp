@@ -2,6 +2,7 @@
 #include "run/protocol/stimulation_protocol.h"
 
 #include "base/messages.h"
+#include "base/text_reading.h"
 
 namespace {
 
@@ -60,6 +61,7 @@ void StimulationProtocol::clearProtocol() {
     std::vector<ProtocolCondition>().swap(conditions);
     std::vector<ProtocolCondition>().swap(responseConditions);
     hasResponses = false;
+    unexpectedConditions.clear();
     experimentName = untitledExperiment;
 }
 
@@ -70,9 +72,14 @@ int StimulationProtocol::conditionIndex(const QString& name) {
         return index;
     if (acceptNewConditions)
         return append(conditions, known);
+    // A log repeats its names, and each box holds up the run.
+    constexpr qsizetype mostWarnings = 50;
+    if (unexpectedConditions.contains(known) || unexpectedConditions.size() >= mostWarnings)
+        return -1;
+    unexpectedConditions << known;
     showWarning(QStringLiteral("WARNING: Unexpected condition \"%1\" found!\n\nThis condition was "
                                "not declared in header and will be ignored.")
-                    .arg(name));
+                    .arg(shortened(name)));
     return -1;
 }
 
