@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/messages.h"
 #include "base/text_reading.h"
 #include "run/protocol/stimulation_protocol.h"
 
@@ -27,6 +28,20 @@ struct LineEffect {
 struct ProtocolUpdate {
     bool lineTaken = false;
     bool intervalsChanged = false;
+};
+
+/// Tells the operator of lines, in boxes that hold up neither the run nor its time-outs. Of a
+/// broken file the first ones say enough; more would cover the screen.
+class LineMessages {
+public:
+    void show(const QString& message) {
+        constexpr int most = 20;
+        if (!message.isEmpty() && ++shown_ <= most)
+            showWarningAside(message);
+    }
+
+private:
+    int shown_ = 0;
 };
 
 /// The nearest time that an interval can hold.

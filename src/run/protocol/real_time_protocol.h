@@ -44,6 +44,7 @@ struct RealTimeProtocolState {
 struct RealTimeProtocol {
     RealTimeProtocolState state;
     ArrivingLines lines;
+    LineMessages messages;
 };
 
 /// Reads the header and leaves the file open. False after a message.

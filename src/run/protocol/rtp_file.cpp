@@ -20,6 +20,8 @@ bool readRTPFile(const QString& path, StimulationProtocol& protocol, RealTimePro
         showWarning(QStringLiteral("ERROR: Specified RTP file: \"%1\" not found!").arg(path));
         return false;
     }
+    // A file that can't be written to can't be appended to either: better told now than by a
+    // time-out in the run.
     if (!realTime.lines.open(path, QIODevice::ReadWrite | QIODevice::ExistingOnly,
                              ArrivingLines::LineEnd::CarriageReturnOrLineFeed)) {
         showWarning(QStringLiteral("ERROR: Can not open RTP file: \"%1\" !\n\nCheck the "
@@ -50,8 +52,7 @@ ProtocolUpdate readRTPUpdate(const RunLength& run, StimulationProtocol& protocol
         return {};
     // A line that was left out is one whose values can't be read.
     const LineEffect effect = takeRTPLine(line, run, protocol, realTime.state);
-    if (!effect.message.isEmpty())
-        showWarning(effect.message);
+    realTime.messages.show(effect.message);
     if (realTime.state.rtpFinished)
         realTime.lines.close();
     return {true, effect.intervalsChanged};

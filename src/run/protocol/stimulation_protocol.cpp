@@ -30,9 +30,10 @@ bool appendInterval(ConditionTable& table, int index, int from, int to) {
     const auto last = size_t(condition.nrOfIntervals);
     if (condition.nrOfIntervals >= ProtocolCondition::maximumIntervals) {
         if (!condition.lossReported)
-            showWarning(QStringLiteral("WARNING: Condition \"%1\" has more than 300 intervals; the "
-                                       "first 300 are used.")
-                            .arg(condition.name));
+            showWarningAside(
+                QStringLiteral("WARNING: Condition \"%1\" has more than 300 intervals; the "
+                               "first 300 are used.")
+                    .arg(condition.name));
         condition.lossReported = true;
         return false;
     }
@@ -72,14 +73,15 @@ int StimulationProtocol::conditionIndex(const QString& name) {
         return index;
     if (acceptNewConditions)
         return append(conditions, known);
-    // A log repeats its names, and each box holds up the run.
-    constexpr qsizetype mostWarnings = 50;
+    // A log repeats its names, and a broken one has any number of them.
+    constexpr qsizetype mostWarnings = 20;
     if (unexpectedConditions.contains(known) || unexpectedConditions.size() >= mostWarnings)
         return -1;
     unexpectedConditions << known;
-    showWarning(QStringLiteral("WARNING: Unexpected condition \"%1\" found!\n\nThis condition was "
-                               "not declared in header and will be ignored.")
-                    .arg(shortened(name)));
+    showWarningAside(
+        QStringLiteral("WARNING: Unexpected condition \"%1\" found!\n\nThis condition was "
+                       "not declared in header and will be ignored.")
+            .arg(shortened(name)));
     return -1;
 }
 

@@ -75,12 +75,13 @@ struct StimulationProtocol {
     /// Frees both tables; the experiment is untitled again.
     void clearProtocol();
     /// Index of an exact name. An unknown name is appended when acceptNewConditions is set; else
-    /// the result is -1, after a warning when it is the first time for this name.
+    /// the result is -1, after a warning that holds nobody up, the first time for this name.
     int conditionIndex(const QString& name);
     /// The same for the response table, always appending.
     int responseConditionIndex(const QString& name);
     /// Appends one interval without responses. A full record or an index out of range leaves the
-    /// table as it is: the first such loss of a condition is reported, and false returned.
+    /// table as it is: the first such loss of a condition is reported, in a box that holds nobody
+    /// up, and false returned.
     bool addInterval(int condition, int from, int to);
     bool addResponseInterval(int condition, int from, int to);
     /// Writes into the last interval of a response condition; without one it does nothing.

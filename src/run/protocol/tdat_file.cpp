@@ -32,8 +32,7 @@ ProtocolUpdate readTDATUpdate(StimulationProtocol& protocol, TDATProtocol& tdat)
     if (taken == ArrivingLines::Taken::TooLong)
         return {true, false};
     const LineEffect effect = takeTDATLine(line, protocol, tdat.state);
-    if (!effect.message.isEmpty())
-        showWarning(effect.message);
+    tdat.messages.show(effect.message);
     if (tdat.state.runEnded)
         tdat.lines.close();
     return {true, effect.intervalsChanged};

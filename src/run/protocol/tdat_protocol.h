@@ -43,6 +43,7 @@ struct TDATSettings {
 struct TDATProtocol {
     TDATState state;
     ArrivingLines lines;
+    LineMessages messages;
 };
 
 /// Reads the header and leaves the file open. False after a message, in which `settingsFile` stands
