@@ -10,7 +10,7 @@ namespace {
 
 constexpr qsizetype bytesPerRead = 64 << 10;
 constexpr qsizetype bytesPerCall = 1 << 20;
-constexpr const char* byteOrderMark = "\xEF\xBB\xBF"; // some editors put it before UTF-8
+constexpr QByteArrayView byteOrderMark = "\xEF\xBB\xBF"; // some editors put it before UTF-8
 
 } // namespace
 
@@ -39,7 +39,7 @@ bool ArrivingLines::open(const QString& path, QIODevice::OpenMode mode, LineEnd 
     if (file_.error() != QFileDevice::NoError)
         return false;
     if (buffer_.startsWith(byteOrderMark))
-        buffer_.remove(0, qstrlen(byteOrderMark));
+        buffer_.remove(0, byteOrderMark.size());
     return true;
 }
 

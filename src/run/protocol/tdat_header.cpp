@@ -9,6 +9,11 @@ namespace {
 
 constexpr int longestTR = 3600 * 1000; // milliseconds, as in a settings file
 constexpr int versionWithColorsInTable = 5;
+constexpr size_t maximumEntries = 1000; // of a table; a design has 50 columns
+
+int integerOf(const QString& word) {
+    return TokenStream(word).integer();
+}
 
 // Three numbers with commas between them; grey when they are none.
 RgbColor colorOf(const QString& text) {
@@ -101,7 +106,7 @@ bool TDATHeaderParser::readEntry() {
 
 void TDATHeaderParser::takeEntry(const QString& key, const QString& value) {
     if (key == "TDATFILEVERSION")
-        state_.fileVersion = value.toInt();
+        state_.fileVersion = integerOf(value);
     else if (key == "RUNCONDITION")
         protocol_.experimentName = value;
     else if (key == "FMRIANALYSISOPTIONS")
@@ -115,8 +120,7 @@ void TDATHeaderParser::takeEntry(const QString& key, const QString& value) {
 }
 
 bool TDATHeaderParser::takeTR(const QString& value) {
-    TokenStream stream(value);
-    const int TR = stream.integer();
+    const int TR = integerOf(value);
     if (TR < 1 || TR > longestTR)
         return failed(QStringLiteral("ERROR: SCANNERVOLUMEDURATION of .tdat file is no duration in "
                                      "milliseconds: \"%1\" !")
@@ -138,6 +142,8 @@ bool TDATHeaderParser::readConditionTable() {
         if (kind != "CONDITION")
             return failed("ERROR: Severe parsing error in ConditionTable: Expecting token "
                           "\"CONDITION\".");
+        if (protocol_.conditions.size() + size_t(state_.otherConditions.size()) >= maximumEntries)
+            return failed("ERROR: ConditionTable of .tdat file has more than 1000 entries.");
         if (!readCondition())
             return failed("FATAL ERROR: Insufficient memory!");
     }
@@ -152,8 +158,10 @@ bool TDATHeaderParser::readCondition() {
         state_.otherConditions << name;
         return true;
     }
-    // The table grows by doubling: both its copies are in memory then.
-    if (!memoryIsAvailable(3 * (protocol_.conditions.size() + 1), sizeof(ProtocolCondition)))
+    const std::vector<ProtocolCondition>& table = protocol_.conditions;
+    // The table grows by doubling, and both its copies are in memory then.
+    if (table.size() == table.capacity() &&
+        !memoryIsAvailable(3 * (table.size() + 1), sizeof(ProtocolCondition)))
         return false;
     const int index = protocol_.conditionIndex(name);
     if (index >= 0)
@@ -174,6 +182,8 @@ bool TDATHeaderParser::readContrastTable() {
         if (kind != "CONTRAST")
             return failed("ERROR: Severe parsing error in ContrastTable: Expecting token "
                           "\"CONTRAST\".");
+        if (state_.contrasts.table.size() >= maximumEntries)
+            return failed("ERROR: ContrastTable of .tdat file has more than 1000 entries.");
         readContrast();
     }
 }
@@ -204,7 +214,7 @@ bool TDATHeaderParser::readWeight(std::vector<int>& weights) {
         return true;
     const int index = protocol_.conditionIndex(name);
     if (index >= 0 && size_t(index) < weights.size())
-        weights[size_t(index)] = weight.toInt();
+        weights[size_t(index)] = integerOf(weight);
     return true;
 }
 

@@ -1,27 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/session_fixture.h"
+#include "run/protocol/arriving_headers.h"
 
 #include <QFile>
 #include <QProcess>
 
 namespace {
-
-const QString rtpHeader = "FileVersion: 1\nResolutionOfTime: Volumes\nExperiment: x\n"
-                          "NrOfConditions: 3\n\"Rest\" 100 100 100 no\n\"Faces\" 255 0 0 yes\n"
-                          "\"Houses\" 0 0 255 yes\nContrasts: auto1\nBackgroundColor: 0 0 0\n"
-                          "TextColor: 255 255 255\nTimeCourseColor: 255 255 255\n"
-                          "TimeCourseThick: 3\n";
-
-const QString tdatHeader = "0 HEADER TDATFILEVERSION 5\n0 HEADER SCANNERVOLUMEDURATION 1000\n"
-                           "0 HEADER MOTIONCORRECTION 0\n0 HEADER FMRIANALYSISTESTS tests:Block\n"
-                           "0 HEADER CONDITIONTABLEBEGIN 3\n0 HEADER COLUMNS 5\n"
-                           "0 HEADER CONDITION NAME Rest COLOR 90,90,90 YES\n"
-                           "0 HEADER CONDITION NAME Faces COLOR 255,0,0 YES\n"
-                           "0 HEADER CONDITION NAME Houses COLOR 0,0,255 YES\n"
-                           "0 HEADER CONDITIONTABLEEND\n"
-                           "0 HEADER CONTRASTTABLEBEGIN 1\n0 HEADER COLUMNS 5\n"
-                           "0 HEADER CONTRAST 1 F-H 9,8,7 WEIGHTS 3 -1 Houses 1 Faces -3 Rest\n"
-                           "0 HEADER CONTRASTTABLEEND\n";
 
 const QString tdatTimeOut = "TIME OUT ERROR: expected tdat condition info not available!";
 const QString rtpTimeOut =
@@ -37,7 +21,7 @@ protected:
         writeSession(volumes, 0, all);
         const QString vco = QString::fromUtf8(content("test-1.vco"));
         put("test-1.vco", QString(vco).replace("StimulationProtocol:", key));
-        put("log", header);
+        put("log", header.isEmpty() ? header : header + '\n');
         // What the model holds after each volume.
         predictors.clear();
         session.stations.set(Station::PluginAfterVolume, [this](int) {
@@ -74,7 +58,7 @@ protected:
 } // namespace
 
 TEST_F(ArrivingProtocolRun, RTPConditionsEnterTheModelAsTheyBegin) {
-    writeRun("RealTimeProtocol:", 40, rtpHeader, {{"DriftConfoundPredictors:", "0"}});
+    writeRun("RealTimeProtocol:", 40, rtpHeaderWith("auto1"), {{"DriftConfoundPredictors:", "0"}});
     std::vector<float> columns;
     script.atVolume = [&](int volume) {
         const int t = volume + 1;
@@ -97,10 +81,10 @@ TEST_F(ArrivingProtocolRun, RTPConditionsEnterTheModelAsTheyBegin) {
     EXPECT_EQ(entryOf(2), 11);
     EXPECT_EQ(entryOf(3), 21);
     EXPECT_EQ(predictors.size(), 40u);
-    EXPECT_EQ(savedConditions(), "3 Rest 3 1 2 9 19 25 40 Color: 100 100 100 "
+    EXPECT_EQ(savedConditions(), "3 Rest ing 3 1 2 9 19 25 40 Color: 100 100 100 "
                                  "Faces 1 3 8 Color: 255 0 0 Houses 1 20 24 Color: 0 0 255");
     EXPECT_EQ(session.functionalDocument->contrasts.ContrastNames,
-              (QStringList{"Faces vs. Rest", "Houses vs. Rest"}));
+              (QStringList{"Faces vs. Rest ing", "Houses vs. Rest ing"}));
     EXPECT_EQ(session.functionalDocument->protocol.coveredTime, 82000);
 
     // Row by row the run has seen the design of the finished protocol.
@@ -120,9 +104,7 @@ TEST_F(ArrivingProtocolRun, RTPConditionsEnterTheModelAsTheyBegin) {
 }
 
 TEST_F(ArrivingProtocolRun, ValuesWeightTheColumnsAndTableContrastsAreFitted) {
-    const QString table = "Contrasts: 1\nNames: \"F-H\"\nWeights: 7 1 -1\nStates: 3\n"
-                          "Colors: 1 2 3\n";
-    writeRun("RealTimeProtocol:", 20, QString(rtpHeader).replace("Contrasts: auto1\n", table));
+    writeRun("RealTimeProtocol:", 20, rtpHeader);
     append("1 0.5 0\n40 0 0\n");
     float peak = 0.0f;
     session.stations.set(Station::BestVoxels, [&](int volume) {
@@ -131,15 +113,16 @@ TEST_F(ArrivingProtocolRun, ValuesWeightTheColumnsAndTableContrastsAreFitted) {
     });
     session.runButtonPressed();
     const ContrastDefinitions& contrasts = session.functionalDocument->contrasts;
-    ASSERT_EQ(contrasts.NrOfContrasts, 1);
+    ASSERT_EQ(contrasts.NrOfContrasts, 2);
     EXPECT_EQ(contrasts.ContrastWeights[0], (std::vector<int>{1, -1, 0, 0}));
-    EXPECT_EQ(contrasts.ContrastSelectionStates[0], ContrastBoth);
+    EXPECT_EQ(contrasts.ContrastWeights[1], (std::vector<int>{1, 1, 0, 0}));
+    EXPECT_EQ(contrasts.ContrastSelectionStates, (std::vector<int>{1, 0}));
     // The kernel's sum is 1, and the block is longer than the kernel.
     EXPECT_NEAR(peak, 0.5, 1e-5);
 }
 
 TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
-    writeRun("TDatFile:", 40, tdatHeader,
+    writeRun("TDatFile:", 40, QString(tdatHeader).replace("CORRECTION 1", "CORRECTION 0"),
              {{"MotionCorrection:", "1"}, {"DriftConfoundPredictors:", "0"}});
     script.atVolume = [&](int volume) {
         append(QString("%1 VOLUME\n").arg(volume));
@@ -162,7 +145,7 @@ TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
                                  "HOUSES 1 21000 24000 Color: 0 0 255");
     EXPECT_EQ(entryOf(2), 11);
     EXPECT_EQ(entryOf(3), 25);
-    EXPECT_EQ(session.functionalDocument->contrasts.ContrastNames, QStringList("F-H"));
+    EXPECT_EQ(session.functionalDocument->contrasts.ContrastNames, (QStringList{"F-H", "F"}));
     EXPECT_EQ(session.functionalDocument->contrasts.ContrastWeights[0],
               (std::vector<int>{1, -1, 0}));
     ASSERT_TRUE(session.reloadData());
@@ -268,6 +251,6 @@ TEST_F(ArrivingProtocolRun, AnotherProgramWritesInPiecesWhileTheLoopWaits) {
     realSession.runButtonPressed();
     ASSERT_TRUE(writer.state() == QProcess::NotRunning || writer.waitForFinished());
     EXPECT_EQ(realSession.state.currentVolume, 5);
-    EXPECT_EQ(savedConditions(), "3 Rest 2 1 1 5 1005 Color: 100 100 100 "
+    EXPECT_EQ(savedConditions(), "3 Rest ing 2 1 1 5 1005 Color: 100 100 100 "
                                  "Faces 1 2 3 Color: 255 0 0 Houses 1 4 4 Color: 0 0 255");
 }
