@@ -27,13 +27,12 @@ void copySettingsToProject(FMRProject& project, const RunSettings& settings) {
     project.sliceGap = settings.GapThickness;
     project.pixelSizeX = settings.pixelSizeX;
     project.pixelSizeY = settings.pixelSizeY;
-    // Single-slice files of this type are read without their headers; the field of view that the
-    // operator stated is all that is known.
-    if (settings.documentDataType == "DICOM" && settings.MatrixSizeX > 0 &&
-        settings.MatrixSizeY > 0) {
+    // Where the settings reader had no reason to work it out, and until an image header tells
+    // better, the field of view that the operator stated is all that is known.
+    if (project.pixelSizeX == 0.0f && settings.MatrixSizeX > 0)
         project.pixelSizeX = float(settings.InplaneFoVX) / float(settings.MatrixSizeX);
+    if (project.pixelSizeY == 0.0f && settings.MatrixSizeY > 0)
         project.pixelSizeY = float(settings.InplaneFoVY) / float(settings.MatrixSizeY);
-    }
     project.targetFolder = settings.TargetFolder;
     project.projectPath = paths::join(settings.TargetFolder,
                                       paths::withDefaultExtension(settings.ProjectName, "fmr"));
@@ -132,7 +131,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
         endProgram(1);
         return nullptr;
     }
-    if (!readFirstVolume(*reader))
+    if (!reader->prepare() || !readFirstVolume(*reader))
         return nullptr;
     if (!reader->readHeaders())
         return nullptr;

@@ -156,10 +156,11 @@ TEST_P(HostileSessionTest, AnUnsteadyFolderLosesNothing) {
     using Trouble = std::function<void(HostileSession&)>;
     const Trouble byteByByte = [](HostileSession& hostile) {
         const ScannerFile file = hostile.scan.files(6)[0];
-        hostile.write({file.name, {}});
-        for (qsizetype size = 1; size <= file.bytes.size(); ++size)
-            hostile.pump.after(2 * size, [&hostile, file, size] {
-                hostile.write({file.name, file.bytes.first(size)});
+        const qsizetype written = file.bytes.size() - 500;
+        hostile.write({file.name, file.bytes.first(written)});
+        for (qsizetype i = written; i < file.bytes.size(); ++i)
+            hostile.pump.after(10 * (i - written), [&hostile, file, i] {
+                hostile.write({file.name, file.bytes.mid(i, 1), /*append*/ true});
             });
     };
     const Trouble backwards = [](HostileSession& hostile) {

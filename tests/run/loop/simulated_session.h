@@ -18,11 +18,13 @@ struct SimulatedSession {
     [[nodiscard]] QString watchFolder() const { return scan.watchFolder(); }
     void writeAll() const {
         for (int volume = 0; volume < scan.options().nrOfVolumes; ++volume)
-            ASSERT_TRUE(scan.writeVolume(volume, watchFolder()));
+            for (const ScannerFile& file : scan.files(volume))
+                write(file);
     }
     void write(const ScannerFile& file) const {
         QFile target(watchFolder() + file.name);
-        ASSERT_TRUE(target.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(!file.name.contains('/') || QDir().mkpath(QFileInfo(target).path()));
+        ASSERT_TRUE(target.open(file.append ? QIODevice::Append : QIODevice::WriteOnly));
         target.write(file.bytes);
     }
     /// The messages of one run, in order.
@@ -54,6 +56,15 @@ struct SimulatedSession {
             }
         }
         return int(volumes);
+    }
+
+    /// The first measured volume, skipped ones included, is that of the saved image file.
+    [[nodiscard]] bool firstVolumeIsSaved() const {
+        QFile file(folder.filePath("results/Simulation-1-firstvol.img"));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const std::vector<uint16_t> measured = scan.volume(0);
+        return file.readAll() == QByteArray(reinterpret_cast<const char*>(measured.data()),
+                                            qsizetype(2 * measured.size()));
     }
 
     QTemporaryDir folder;
