@@ -1,0 +1,28 @@
+// Contrast files.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fuzz/fuzz_target.h"
+#include "stats/contrast_file.h"
+
+namespace {
+
+void run(std::span<const uint8_t> bytes) {
+    constexpr int nrOfConditions = 3;
+    DesignMatrix design;
+    design.NrOfContrastPredictors = nrOfConditions;
+    design.NrOfConditionPredictors = nrOfConditions - 1;
+    design.NrOfPredictors = nrOfConditions + 1;
+    ContrastDefinitions contrasts;
+    QString message;
+    if (!parseContrasts(QString::fromUtf8(bytesAsText(bytes)), contrasts, design, nrOfConditions,
+                        message))
+        return;
+    const QByteArray written = contrastFileText(contrasts, nrOfConditions);
+    ContrastDefinitions again;
+    require(parseContrasts(QString::fromUtf8(written), again, design, nrOfConditions, message),
+            "a written contrast file reads");
+    require(again.ContrastValues == contrasts.ContrastValues, "no weight changes");
+}
+
+const bool added = addFuzzTarget({"ctr", run});
+
+} // namespace
