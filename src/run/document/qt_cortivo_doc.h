@@ -12,6 +12,7 @@
 #include "stats/overlay_colors.h"
 #include "stats/statistical_maps.h"
 #include "volume/fmr_project.h"
+#include "volume/inplane_scan.h"
 
 #include <QString>
 #include <vector>
@@ -39,6 +40,7 @@ public:
     StatisticalMaps maps;
 
     SliceImages slices;
+    InplaneScan inplanes; ///< without samples where the run has none
     MosaicLayout mosaic;
     OverlayColors overlayColors;
     bool SignificanceColorCoding = false;
