@@ -15,7 +15,7 @@ TEST(FuzzCorpus, EveryTargetTakesItsFiles) {
     for (const FuzzTarget& target : fuzzTargets()) {
         const QDir corpus(QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/") + target.name);
         const QStringList names = corpus.entryList(QDir::Files);
-        EXPECT_GE(names.size(), 2) << target.name;
+        int nrTaken = 0;
         for (const QString& name : names) {
             SCOPED_TRACE(std::string(target.name) + "/" + name.toStdString());
             QFile file(corpus.filePath(name));
@@ -23,7 +23,8 @@ TEST(FuzzCorpus, EveryTargetTakesItsFiles) {
             const QByteArray bytes = file.readAll();
             // A buffer of just this size lets the sanitizer see one byte too far.
             const std::vector<uint8_t> exact(bytes.begin(), bytes.end());
-            target.run(exact);
+            nrTaken += target.run(exact);
         }
+        EXPECT_GT(nrTaken, 0) << target.name << ": no file gets to the end of its parser";
     }
 }

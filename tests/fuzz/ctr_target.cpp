@@ -5,7 +5,7 @@
 
 namespace {
 
-void run(std::span<const uint8_t> bytes) {
+bool run(std::span<const uint8_t> bytes) {
     constexpr int nrOfConditions = 3;
     DesignMatrix design;
     design.NrOfContrastPredictors = nrOfConditions;
@@ -15,12 +15,13 @@ void run(std::span<const uint8_t> bytes) {
     QString message;
     if (!parseContrasts(QString::fromUtf8(bytesAsText(bytes)), contrasts, design, nrOfConditions,
                         message))
-        return;
+        return false;
     const QByteArray written = contrastFileText(contrasts, nrOfConditions);
     ContrastDefinitions again;
     require(parseContrasts(QString::fromUtf8(written), again, design, nrOfConditions, message),
             "a written contrast file reads");
     require(again.ContrastValues == contrasts.ContrastValues, "no weight changes");
+    return true;
 }
 
 const bool added = addFuzzTarget({"ctr", run});

@@ -5,12 +5,14 @@
 
 namespace {
 
-void run(std::span<const uint8_t> bytes) {
+bool run(std::span<const uint8_t> bytes) {
     const QString text = QString::fromUtf8(bytesAsText(bytes));
+    bool good = false;
     for (const FMRScope scope : {FMRScope::Inspection, FMRScope::Project}) {
         FMRHeader header;
         if (parseFMR(text, scope, header) != FMRParseResult::Ok)
             continue;
+        good = true;
         FMRHeader again;
         require(parseFMR(QString::fromUtf8(fmrText(header, header.NrOfVolumes)), scope, again) ==
                     FMRParseResult::Ok,
@@ -20,6 +22,7 @@ void run(std::span<const uint8_t> bytes) {
                     again.ResolutionY == header.ResolutionY,
                 "written sizes stay");
     }
+    return good;
 }
 
 const bool added = addFuzzTarget({"fmr", run});

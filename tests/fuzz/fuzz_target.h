@@ -1,5 +1,5 @@
-// One function for each parser, which the fuzzer calls with its own bytes and a test with kept ones.
-// SPDX-License-Identifier: GPL-3.0-or-later
+// One function for each parser, which the fuzzer calls with its own bytes and a test with kept
+// ones. SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include <QByteArray>
@@ -8,8 +8,8 @@
 #include <vector>
 
 struct FuzzTarget {
-    const char* name; ///< of its corpus folder, too
-    void (*run)(std::span<const uint8_t> bytes);
+    const char* name;                            ///< of its corpus folder, too
+    bool (*run)(std::span<const uint8_t> bytes); ///< true when the parser took them for good
 };
 
 /// The targets that are linked into this program.

@@ -15,17 +15,18 @@ bool readSettings(RunSettings& settings, SettingsUse use, const QString& text) {
 }
 
 // Inspection only: for a run the folders of the text would be created, wherever they lie.
-void run(std::span<const uint8_t> bytes) {
+bool run(std::span<const uint8_t> bytes) {
     const QString text = QString::fromUtf8(bytesAsText(bytes));
     static_cast<void>(parseWatchFolderList(text, "fuzz/"));
     RunSettings settings;
     // The writer's form of a multi-run project is not one that can be read.
     if (!readSettings(settings, SettingsUse::Inspection, text) || settings.MergeType)
-        return;
+        return false;
     const WrittenSettings written = settingsText(settings);
     RunSettings again;
     require(readSettings(again, SettingsUse::Inspection, written.text), "written settings read");
     require(settingsText(again).text == written.text, "written settings stay as they are");
+    return true;
 }
 
 const bool added = addFuzzTarget({"settings", run});

@@ -5,12 +5,14 @@
 
 namespace {
 
-void run(std::span<const uint8_t> bytes) {
+bool run(std::span<const uint8_t> bytes) {
+    bool good = false;
     for (const int nrOfSlices : {0, 7, 16}) {
         FMRProject project;
         project.NrOfSlices = nrOfSlices;
-        static_cast<void>(parseSiemensProtocol(bytes, project));
+        good = parseSiemensProtocol(bytes, project);
     }
+    return good;
 }
 
 const bool added = addFuzzTarget({"siemens_protocol", run});
