@@ -16,7 +16,7 @@ QString inplanePath(const RunSettings& settings, const QString& name) {
     return paths::join(settings.OverlayInplaneFolder, name);
 }
 
-void takeSlice(std::span<uint8_t> samples, ByteOrder order, std::span<int16_t> target) {
+void storeSlice(std::span<uint8_t> samples, ByteOrder order, std::span<int16_t> target) {
     if (order != hostByteOrder)
         swapSamples(samples, target.size());
     std::memcpy(target.data(), samples.data(), target.size_bytes());
@@ -42,7 +42,7 @@ public:
             const auto image = awaitSamples(fileOf(slice));
             if (!image || scan_.slice(slice).empty())
                 return false;
-            takeSlice(image->samples, state().rawDataByteOrder, scan_.slice(slice));
+            storeSlice(image->samples, state().rawDataByteOrder, scan_.slice(slice));
             // Such files are stored the same way round as the run's.
             if (form_ == RawForm::OneFile)
                 transformSlice(scan_.slice(slice), scan_.sizeY, settings().ImageTransformation);
@@ -100,7 +100,7 @@ public:
             const auto image = awaitImage(file, Stage::FirstVolume, scan_.sliceSamples());
             if (!image || scan_.slice(slice).empty())
                 return false;
-            takeSlice(image->samples, state().rawDataByteOrder, scan_.slice(slice));
+            storeSlice(image->samples, state().rawDataByteOrder, scan_.slice(slice));
         }
         return true;
     }
