@@ -16,7 +16,7 @@ bool run(std::span<const uint8_t> bytes) {
     if (!header.good)
         return false;
     for (const QString& line : text.mid(header.length).split('\n'))
-        takeTDATLine(line, protocol, state);
+        static_cast<void>(takeTDATLine(line, protocol, state));
     for (const ProtocolContrasts::Contrast& contrast : state.contrasts.table)
         require(contrast.weights.size() <= protocol.conditions.size(), "a weight each at most");
     static_cast<void>(volumeConditionIndex(protocol, 50, 2000.0f));
