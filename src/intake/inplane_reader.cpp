@@ -84,8 +84,8 @@ private:
 class DicomInplaneReader : public DicomVolumeReader {
 public:
     DicomInplaneReader(const IntakeContext& context, InplaneScan& scan, InplaneNames names)
-        : DicomVolumeReader(context, ImageKind::singleSlice()),
-          scan_(scan), names_(std::move(names)) {}
+        : DicomVolumeReader(context, ImageKind::singleSlice()), scan_(scan),
+          names_(std::move(names)) {}
 
     [[nodiscard]] bool readFirstVolume() override {
         for (int slice = 0; slice < scan_.nrOfSlices; ++slice) {
