@@ -7,4 +7,7 @@ class ProgressReporter {
 public:
     virtual ~ProgressReporter() = default;
     virtual void setProgress(int percent) = 0;
+    /// True once the operator wants the work to stop. Work that can be cancelled asks after each
+    /// call of setProgress().
+    [[nodiscard]] virtual bool cancelled() const { return false; }
 };

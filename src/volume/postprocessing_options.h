@@ -1,0 +1,61 @@
+// What the operator chose for the post-processing of a run.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+/// Correction of the slices' different times within a volume. Direction and pattern give the order
+/// in which the slices were measured; with neither pattern it is sequential. With neither
+/// interpolation the correction is linear.
+struct SliceScanTimeOptions {
+    bool checked = false; ///< the group; the choices below count only with it
+    bool ascendingSliceOrder = true;
+    bool descendingSliceOrder = false;
+    bool interleavedSliceOrder = false;  ///< every other slice from the first one measured
+    bool interleaved2SliceOrder = false; ///< every other slice from the second one
+    bool sincInterpolation = false;
+    bool cubicSplineInterpolation = true;
+};
+
+/// Gaussian smoothing of all volumes.
+struct SpatialSmoothingOptions {
+    bool checked = false;
+    bool inSpaceDomain = true; ///< else in the frequency domain
+    bool in2D = false;         ///< within each slice; else along all three axes
+    bool inMillimetres = true; ///< else the width is in pixels, the same along each axis
+    float fwhm = 4.0f;         ///< full width at half maximum
+};
+
+/// Filters of the voxels' time courses.
+struct TemporalOptions {
+    bool checked = false;
+    bool linearTrendRemoval = false;
+    bool highPass = true;        ///< includes the removal of the linear trend
+    float highPassCycles = 2.0f; ///< pairs of sine and cosine, as entered
+    bool gaussian = false;
+    bool gaussianInSeconds = true; ///< else the width is in data points
+    float gaussianWidth = 0.0015f; ///< full width at half maximum
+
+    /// The number of pairs that is used: to the nearest integer, halves upwards. -1 for what is
+    /// below zero or no number; at most a million.
+    [[nodiscard]] int nrOfHighPassCycles() const {
+        const double rounded = std::floor(double(highPassCycles) + 0.5);
+        return rounded >= 0.0 ? int(std::min(rounded, 1e6)) : -1;
+    }
+};
+
+struct PostprocessingOptions {
+    SliceScanTimeOptions sliceScanTime;
+    SpatialSmoothingOptions spatial;
+    TemporalOptions temporal;
+};
+
+/// What the dialog opens with: no group checked; ascending and interleaved order, which begins with
+/// the second slice where the number of slices is even; cubic spline; high-pass with 2 cycles.
+[[nodiscard]] inline PostprocessingOptions defaultPostprocessingOptions(int nrOfSlices) {
+    PostprocessingOptions options;
+    options.sliceScanTime.interleaved2SliceOrder = nrOfSlices % 2 == 0;
+    options.sliceScanTime.interleavedSliceOrder = nrOfSlices % 2 != 0;
+    return options;
+}
