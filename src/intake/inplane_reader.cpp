@@ -84,14 +84,8 @@ private:
 class DicomInplaneReader : public DicomVolumeReader {
 public:
     DicomInplaneReader(const IntakeContext& context, InplaneScan& scan, InplaneNames names)
-        : DicomVolumeReader(
-              context, {.search = PixelKeySearch::First,
-                        .settleMilliseconds = 10,
-                        .memoryMessage = "ERROR: Could not allocate memory to read DICOM file:",
-                        .missingKeyMessage =
-                            "ERROR: This file is not a DICOM or ACR-NEMA file: Header does not "
-                            "contain \"begin-of-data\" key (7FE0,0010) !"}),
-          scan_(scan), names_(std::move(names)) {}
+        : DicomVolumeReader(context, ImageKind::singleSlice()), scan_(scan),
+          names_(std::move(names)) {}
 
     [[nodiscard]] bool readFirstVolume() override {
         for (int slice = 0; slice < scan_.nrOfSlices; ++slice) {
