@@ -12,6 +12,7 @@
 #include "stats/overlay_colors.h"
 #include "stats/statistical_maps.h"
 #include "volume/fmr_project.h"
+#include "volume/motion_correction.h"
 
 #include <QString>
 #include <vector>
@@ -29,6 +30,7 @@ public:
 
     FMRProject project;
     Volume workingVolume; ///< scratch of one volume
+    MotionCorrection motion;
     StimulationProtocol protocol;
     std::vector<int> VolumeConditionIndex; ///< condition of each volume; -1 none
     DesignMatrix design;

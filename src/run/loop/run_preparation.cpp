@@ -4,6 +4,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/program_end.h"
+#include "run/loop/motion_preparation.h"
 #include "run/protocol/prt_file.h"
 #include "run/settings/settings_file.h"
 
@@ -154,7 +155,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
     }
     if (!readFirstVolume(*reader))
         return nullptr;
-    if (!reader->readHeaders())
+    if (!reader->readHeaders() || !prepareMotionTarget(run))
         return nullptr;
     document.maps.MapType = MapKind::T;
     showFirstVolume(document);

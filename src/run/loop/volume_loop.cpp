@@ -5,6 +5,7 @@
 #include "run/loop/model_setup.h"
 #include "run/loop/run_saving.h"
 #include "run/loop/status_text.h"
+#include "run/loop/volume_preprocessing.h"
 #include "run/protocol/condition_index.h"
 #include "stats/clusters.h"
 
@@ -22,7 +23,7 @@ public:
 private:
     [[nodiscard]] bool takeVolume();
     [[nodiscard]] bool readVolume();
-    [[nodiscard]] bool preprocess();
+    void preprocess();
     [[nodiscard]] bool updateDisplaysOfSubject();
     [[nodiscard]] bool updateModel();
     void showBackground(bool afterPreprocessing);
@@ -77,8 +78,9 @@ bool VolumeLoop::takeVolume() {
     if (!readVolume())
         return false;
     state_.currentVolume = volumeIndex_;
-    if (!station(Station::PluginBeforeVolume) || !preprocess())
+    if (!station(Station::PluginBeforeVolume))
         return false;
+    preprocess();
     run_.display.refreshViewButtons();
     if (!station(Station::ProtocolUpdate))
         return false;
@@ -111,12 +113,10 @@ bool VolumeLoop::readVolume() {
     return false;
 }
 
-bool VolumeLoop::preprocess() {
+void VolumeLoop::preprocess() {
     showBackground(false);
-    if (!station(Station::MotionCorrection) || !station(Station::Smoothing))
-        return false;
+    preprocessVolume(run_, volumeIndex_);
     showBackground(true);
-    return true;
 }
 
 void VolumeLoop::showBackground(bool afterPreprocessing) {
@@ -205,6 +205,7 @@ void VolumeLoop::releaseModel() {
                      recordedVolumes(run_)))
         document_.finishedModel.release();
     document_.glm.release();
+    document_.motion.releaseTarget();
     releasePredictorColumns(document_.design);
 }
 
