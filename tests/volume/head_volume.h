@@ -1,4 +1,4 @@
-// A head of smooth blobs, given by a formula, so that it can be looked at from any place.
+// A head given by a formula, so that it can be looked at from any place.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -16,13 +16,20 @@ public:
         const auto between = [&](double low, double high) {
             return low + (high - low) * double(random()) / 4294967295.0;
         };
+        // Longer from front to back than wide, as heads are.
+        const std::array<double, 3> part{0.36, 0.45, 0.45};
         for (size_t axis = 0; axis < 3; ++axis)
-            extent_[axis] = 0.42 * double(grid.spacing[axis]) * grid.size[axis];
-        for (Blob& blob : blobs_) {
-            for (size_t axis = 0; axis < 3; ++axis)
-                blob.centre[axis] = between(-0.6, 0.6) * extent_[axis];
-            blob.width = between(0.12, 0.3) * extent_[0];
-            blob.height = between(-250.0, 250.0);
+            extent_[axis] = part[axis] * double(grid.spacing[axis]) * grid.size[axis];
+        for (Wave& wave : waves_) {
+            double length = 0.0;
+            for (double& component : wave.direction) {
+                component = between(-1.0, 1.0);
+                length += component * component;
+            }
+            const double turnsPerMillimetre = 1.0 / between(14.0, 40.0);
+            for (double& component : wave.direction)
+                component *= 2.0 * std::numbers::pi * turnsPerMillimetre / std::sqrt(length);
+            wave.phase = between(0.0, 2.0 * std::numbers::pi);
         }
     }
 
@@ -44,10 +51,9 @@ public:
 
 private:
     using Point = std::array<double, 3>;
-    struct Blob {
-        Point centre;
-        double width;
-        double height;
+    struct Wave {
+        Point direction; ///< radians for a millimetre
+        double phase;
     };
 
     /// Twelve uniform numbers make a normal one, the same on every system.
@@ -80,16 +86,13 @@ private:
         const double edge = 2.0 * double(grid_.spacing[0]) / extent_[0];
         const double inside = 1.0 / (1.0 + std::exp((radius - 1.0) / (0.25 * edge)));
         double value = 900.0;
-        for (const Blob& blob : blobs_) {
-            double squared = 0.0;
-            for (size_t axis = 0; axis < 3; ++axis)
-                squared += (p[axis] - blob.centre[axis]) * (p[axis] - blob.centre[axis]);
-            value += blob.height * std::exp(-0.5 * squared / (blob.width * blob.width));
-        }
+        for (const Wave& wave : waves_)
+            value += 70.0 * std::sin(wave.direction[0] * p[0] + wave.direction[1] * p[1] +
+                                     wave.direction[2] * p[2] + wave.phase);
         return value * inside;
     }
 
     VolumeGrid grid_;
     Point extent_{};
-    std::array<Blob, 24> blobs_{};
+    std::array<Wave, 8> waves_{};
 };

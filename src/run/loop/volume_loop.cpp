@@ -199,7 +199,7 @@ void VolumeLoop::showMaps() {
 }
 
 // The model of the whole run stays, in the form from which maps are computed again when contrasts
-// change; the live state and the design columns go.
+// change; the live state, the motion target and the design columns go.
 void VolumeLoop::releaseModel() {
     if (!finishModel(document_.finishedModel, document_.glm, document_.project, document_.mask,
                      recordedVolumes(run_)))
