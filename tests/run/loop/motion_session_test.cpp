@@ -4,19 +4,56 @@
 
 #include "run/loop/motion_parameters_file.h"
 #include "volume/fmr_file.h"
+#include "volume/head_volume.h"
 #include "volume/stc_file.h"
 
 #include <QFileInfo>
 
 namespace {
 
+// A head that drifts, in 16 x 16 x 6 voxels.
+std::vector<int16_t> headAt(const FMRProject& project, int volume) {
+    const VolumeGrid grid(project);
+    std::vector<int16_t> samples(grid.samples());
+    HeadVolume(grid).fill({0.05f * float(volume), 0, 0, 0, 0, 0.1f * float(volume)}, 5.0,
+                          unsigned(volume), samples);
+    return samples;
+}
+
+class HeadReader : public VolumeReader {
+public:
+    HeadReader(FMRProject& project, const Script& script) : project_(project), script_(script) {}
+    bool readFirstVolume() override {
+        std::ranges::copy(headAt(project_, 0), project_.firstVolume.data());
+        return true;
+    }
+    bool readVolume(int volume) override {
+        std::ranges::copy(headAt(project_, volume), project_.volumes[size_t(volume)].data());
+        return volume <= script_.lastVolume;
+    }
+
+private:
+    FMRProject& project_;
+    const Script& script_;
+};
+
 class MotionSessionTest : public SessionFixture {
 protected:
+    MotionSessionTest() {
+        session.makeReader = [this](const IntakeContext& context) {
+            return std::make_unique<HeadReader>(context.project, script);
+        };
+    }
+    void writeHeadSession(int volumes, QMap<QString, QString> changes) {
+        for (const char* key : {"MatrixSizeX:", "MatrixSizeY:"})
+            changes[key] = "16";
+        for (const char* key : {"MosaicResolutionX:", "MosaicResolutionY:"})
+            changes[key] = "48";
+        changes.insert("NrOfSlices:", changes.value("NrOfSlices:", "6"));
+        writeSession(volumes, 2, changes);
+    }
     std::vector<int16_t> measured(int volume) const {
-        std::vector<int16_t> samples(8 * 8 * 4);
-        for (size_t i = 0; i < samples.size(); ++i)
-            samples[i] = scriptedSample(i, volume, script.seed);
-        return samples;
+        return headAt(session.functionalDocument->project, volume);
     }
     [[nodiscard]] const MotionCorrection& motion() const {
         return session.functionalDocument->motion;
@@ -35,7 +72,7 @@ protected:
 
 TEST_F(MotionSessionTest, VolumesAreCorrectedSavedAndReloadedWithTheirMotion) {
     // Ended early: the file of parameters agrees with the project file.
-    writeSession(32, 2, {{"MotionCorrection:", "1"}});
+    writeHeadSession(32, {{"MotionCorrection:", "1"}});
     script.lastVolume = 19;
     messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
     session.runButtonPressed();
@@ -65,7 +102,7 @@ TEST_F(MotionSessionTest, VolumesAreCorrectedSavedAndReloadedWithTheirMotion) {
 }
 
 TEST_F(MotionSessionTest, FilesOfParametersThatAreNoGoodSwitchTheCorrectionOff) {
-    writeSession(18, 2, {{"MotionCorrection:", "1"}});
+    writeHeadSession(18, {{"MotionCorrection:", "1"}});
     session.runButtonPressed();
     const QString file = path("results/test_3DMC.rtc");
     const QByteArray good = content("results/test_3DMC.rtc");
@@ -102,7 +139,7 @@ TEST_F(MotionSessionTest, FilesOfParametersThatAreNoGoodSwitchTheCorrectionOff) 
 }
 
 TEST_F(MotionSessionTest, DataThatAllowNoCorrectionAreToldOfAfterTheRun) {
-    writeSession(18, 2, {{"MotionCorrection:", "1"}, {"NrOfSlices:", "2"}});
+    writeHeadSession(18, {{"MotionCorrection:", "1"}, {"NrOfSlices:", "2"}});
     messages.expect(MessageLevel::Information,
                     "INFO: This data set did not allow to perform 3D motion correction properly.");
     session.runButtonPressed();
@@ -110,10 +147,10 @@ TEST_F(MotionSessionTest, DataThatAllowNoCorrectionAreToldOfAfterTheRun) {
 }
 
 TEST_F(MotionSessionTest, RunsOfOneSessionShareATarget) {
-    writeSession(18, 2);
+    writeHeadSession(18, {});
     session.runButtonPressed();
     ASSERT_TRUE(QFile::rename(path("results/test.stc"), path("target.stc")));
-    FMRProject target = FMRProject();
+    FMRProject target;
     static_cast<FMRHeader&>(target) = session.functionalDocument->project;
     target.Prefix = "target";
     target.ProtocolFiles.clear();
@@ -123,14 +160,14 @@ TEST_F(MotionSessionTest, RunsOfOneSessionShareATarget) {
         {"MotionCorrection:", "1"},
         {"IntraSessionMotionCorrection:",
          "1\nIntraSessionMotionCorrectionFile: \"" + path("target.fmr") + "\""}};
-    writeSession(18, 2, shared);
+    writeHeadSession(18, shared);
     session.runButtonPressed(); // the same volumes: the first agrees with the target
     EXPECT_TRUE(isMeasured(0));
     EXPECT_FALSE(isMeasured(1));
     EXPECT_EQ(content("results/test_3DMC.log").count("-> volume:"), 15);
 
     ASSERT_TRUE(QFile::remove(path("target.fmr")));
-    writeSession(18, 2, shared);
+    writeHeadSession(18, shared);
     messages.expect(MessageLevel::Warning, "Can not find target FMR \"" + path("target.fmr") +
                                                "\" for across-run, same-session motion correction");
     session.runButtonPressed();
