@@ -14,6 +14,8 @@
 #include "stats/statistical_maps.h"
 #include "volume/fmr_project.h"
 #include "volume/inplane_scan.h"
+#include "volume/motion_correction.h"
+#include "volume/smoothing.h"
 
 #include <QString>
 #include <vector>
@@ -31,6 +33,8 @@ public:
 
     FMRProject project;
     Volume workingVolume; ///< scratch of one volume
+    MotionCorrection motion;
+    SpatialSmoothing smoothing;
     StimulationProtocol protocol;
     RealTimeProtocol realTimeProtocol;     ///< of a run with such a protocol: its file and state
     TDATProtocol tdatProtocol;             ///< likewise

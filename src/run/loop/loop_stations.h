@@ -8,8 +8,6 @@
 /// In loop order. A station that nobody fills does nothing.
 enum class Station {
     PluginBeforeVolume,
-    MotionCorrection,
-    Smoothing,
     PreLoadedRegions,
     RegionTimeCourses,
     ResponseAndMotionPlots,

@@ -5,6 +5,7 @@
 #include "base/paths.h"
 #include "base/program_end.h"
 #include "intake/inplane_reader.h"
+#include "run/loop/motion_preparation.h"
 #include "run/loop/protocol_reading.h"
 #include "run/settings/settings_file.h"
 
@@ -158,7 +159,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
     }
     if (!reader->prepare() || !readFirstVolume(*reader))
         return nullptr;
-    if (!reader->readHeaders())
+    if (!reader->readHeaders() || !prepareMotionTarget(run))
         return nullptr;
     document.maps.MapType = MapKind::T;
     showFirstVolume(document);

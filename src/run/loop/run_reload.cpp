@@ -3,6 +3,7 @@
 
 #include "base/paths.h"
 #include "run/loop/model_setup.h"
+#include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_preparation.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/condition_index.h"
@@ -99,6 +100,9 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     const QString contrasts = contrastFilePath({}, project.projectPath);
     setUpContrasts(document, settings, exists(contrasts) ? contrasts : settings.ContrastFile);
     showSlices(document.project, document);
+    // Without its motion a run is shown all the same.
+    if (settings.MotionCorrection)
+        (void)loadMotionParameters(document.motion, project, settings.MotionCorrection);
     if (!fitModel(run))
         return false;
     computeClusterSizes(document.maps, document.contrasts.ConjunctionAnalysis);

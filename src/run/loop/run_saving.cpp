@@ -3,6 +3,7 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "run/loop/motion_parameters_file.h"
 #include "run/protocol/prt_file.h"
 #include "stats/contrast_file.h"
 #include "stats/map_file.h"
@@ -62,6 +63,11 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
          [&] {
              return writeContrastFile(resultPath(run, ".ctr", "Contrasts.ctr"), document.contrasts,
                                       document.design.NrOfContrastPredictors);
+         }},
+        {-1,
+         [&, volumes] {
+             return !run.settings.MotionCorrection ||
+                    saveMotionParameters(document.motion, project, volumes);
          }},
         {-1, [&] { return writeFirstVolume(project); }},
     };

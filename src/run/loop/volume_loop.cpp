@@ -6,6 +6,7 @@
 #include "run/loop/protocol_update.h"
 #include "run/loop/run_saving.h"
 #include "run/loop/status_text.h"
+#include "run/loop/volume_preprocessing.h"
 #include "run/protocol/condition_index.h"
 #include "stats/clusters.h"
 
@@ -23,7 +24,7 @@ public:
 private:
     [[nodiscard]] bool takeVolume();
     [[nodiscard]] bool readVolume();
-    [[nodiscard]] bool preprocess();
+    void preprocess();
     [[nodiscard]] bool updateDisplaysOfSubject();
     [[nodiscard]] bool updateModel();
     void showBackground(bool afterPreprocessing);
@@ -79,8 +80,9 @@ bool VolumeLoop::takeVolume() {
     if (!readVolume())
         return false;
     state_.currentVolume = volumeIndex_;
-    if (!station(Station::PluginBeforeVolume) || !preprocess())
+    if (!station(Station::PluginBeforeVolume))
         return false;
+    preprocess();
     run_.display.refreshViewButtons();
     if (!updateProtocol(run_, volumeIndex_))
         return false;
@@ -113,12 +115,10 @@ bool VolumeLoop::readVolume() {
     return false;
 }
 
-bool VolumeLoop::preprocess() {
+void VolumeLoop::preprocess() {
     showBackground(false);
-    if (!station(Station::MotionCorrection) || !station(Station::Smoothing))
-        return false;
+    preprocessVolume(run_, volumeIndex_);
     showBackground(true);
-    return true;
 }
 
 void VolumeLoop::showBackground(bool afterPreprocessing) {
@@ -201,12 +201,13 @@ void VolumeLoop::showMaps() {
 }
 
 // The model of the whole run stays, in the form from which maps are computed again when contrasts
-// change; the live state and the design columns go.
+// change; the live state, the motion target and the design columns go.
 void VolumeLoop::releaseModel() {
     if (!finishModel(document_.finishedModel, document_.glm, document_.project, document_.mask,
                      recordedVolumes(run_)))
         document_.finishedModel.release();
     document_.glm.release();
+    document_.motion.releaseTarget();
     releasePredictorColumns(document_.design);
 }
 

@@ -156,6 +156,42 @@ void eliminate(std::vector<double>& system, size_t n, size_t width, size_t row, 
     }
 }
 
+/// Reduces the matrix, the unit matrix that becomes its inverse and the right-hand sides together.
+template<typename T>
+Elimination eliminateAll(std::span<T> a, size_t size, std::span<T> b, size_t m) {
+    const size_t width = 2 * size + m;
+    std::vector<double> system(size * width, 0.0);
+    for (size_t i = 0; i < size; ++i) {
+        for (size_t j = 0; j < size; ++j)
+            system[i * width + j] = double(a[i * size + j]);
+        system[i * width + size + i] = 1.0;
+        for (size_t j = 0; j < m; ++j)
+            system[i * width + 2 * size + j] = double(b[i * m + j]);
+    }
+    std::vector<bool> rowDone(size, false);
+    std::vector<bool> columnDone(size, false);
+    std::vector<size_t> rowOfColumn(size, 0);
+    for (size_t step = 0; step < size; ++step) {
+        size_t row = 0;
+        size_t column = 0;
+        if (!findPivot(system, size, width, rowDone, columnDone, row, column))
+            return Elimination::NotFinite;
+        if (system[row * width + column] == 0.0)
+            return Elimination::Singular;
+        eliminate(system, size, width, row, column);
+        rowDone[row] = columnDone[column] = true;
+        rowOfColumn[column] = row;
+    }
+    for (size_t j = 0; j < size; ++j) {
+        const size_t start = rowOfColumn[j] * width;
+        for (size_t k = 0; k < size; ++k)
+            a[j * size + k] = T(system[start + size + k]);
+        for (size_t k = 0; k < m; ++k)
+            b[j * m + k] = T(system[start + 2 * size + k]);
+    }
+    return Elimination::Done;
+}
+
 bool failedElimination(std::span<float> a, std::span<float> b, const char* text) {
     nrerror(text);
     std::fill(a.begin(), a.end(), 0.0f);
@@ -171,39 +207,19 @@ bool& absoluteFlag() {
 } // namespace
 
 bool gaussj(std::span<float> a, int n, std::span<float> b, int m) {
-    // Reduced together: the matrix, the unit matrix that becomes its inverse, the right-hand sides.
-    const size_t size = size_t(n);
-    const size_t width = 2 * size + size_t(m);
-    std::vector<double> system(size * width, 0.0);
-    for (size_t i = 0; i < size; ++i) {
-        for (size_t j = 0; j < size; ++j)
-            system[i * width + j] = a[i * size + j];
-        system[i * width + size + i] = 1.0;
-        for (size_t j = 0; j < size_t(m); ++j)
-            system[i * width + 2 * size + j] = b[i * size_t(m) + j];
+    switch (eliminateAll(a, size_t(n), b, size_t(m))) {
+    case Elimination::Done:
+        return true;
+    case Elimination::NotFinite:
+        return failedElimination(a, b, "gaussj: Singular Matrix-1");
+    case Elimination::Singular:
+        return failedElimination(a, b, "gaussj: Singular Matrix-2");
     }
-    std::vector<bool> rowDone(size, false);
-    std::vector<bool> columnDone(size, false);
-    std::vector<size_t> rowOfColumn(size, 0);
-    for (size_t step = 0; step < size; ++step) {
-        size_t row = 0;
-        size_t column = 0;
-        if (!findPivot(system, size, width, rowDone, columnDone, row, column))
-            return failedElimination(a, b, "gaussj: Singular Matrix-1");
-        if (system[row * width + column] == 0.0)
-            return failedElimination(a, b, "gaussj: Singular Matrix-2");
-        eliminate(system, size, width, row, column);
-        rowDone[row] = columnDone[column] = true;
-        rowOfColumn[column] = row;
-    }
-    for (size_t j = 0; j < size; ++j) {
-        const size_t start = rowOfColumn[j] * width;
-        for (size_t k = 0; k < size; ++k)
-            a[j * size + k] = float(system[start + size + k]);
-        for (size_t k = 0; k < size_t(m); ++k)
-            b[j * size_t(m) + k] = float(system[start + 2 * size + k]);
-    }
-    return true;
+    return false;
+}
+
+Elimination eliminateGaussJordan(std::span<double> a, int n, std::span<double> b, int m) {
+    return eliminateAll(a, size_t(n), b, size_t(m));
 }
 
 bool svdcmp(std::span<float> a, int m, int n, std::span<float> w, std::span<float> v) {

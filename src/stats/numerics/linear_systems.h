@@ -18,6 +18,13 @@ namespace numerics {
 /// Matrix-1".
 [[nodiscard]] bool gaussj(std::span<float> a, int n, std::span<float> b, int m);
 
+/// How an elimination ended.
+enum class Elimination { Done, Singular, NotFinite };
+/// gaussj in double, for callers to whom a singular matrix is a result like others: nothing ends
+/// the program, and `a` and `b` are unchanged unless it is Done.
+[[nodiscard]] Elimination eliminateGaussJordan(std::span<double> a, int n, std::span<double> b,
+                                               int m);
+
 /// Decomposes a (m x n) = U diag(w) V', by one-sided Jacobi rotations (M. Hestenes, Journal of the
 /// SIAM 6, 1958, 51-90). U (m x n) replaces a; w (n) holds the singular values, none negative, in
 /// no particular order; v (n x n) holds V, not V'. Columns of U at a singular value of 0 are 0.

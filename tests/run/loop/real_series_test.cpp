@@ -4,6 +4,8 @@
 #include "run/loop/session_fixture.h"
 #include "support/test_data.h"
 
+#include "run/loop/motion_parameters_file.h"
+
 #include <QCryptographicHash>
 #include <cmath>
 
@@ -49,7 +51,8 @@ protected:
     RealSeriesTest() { session.makeReader = makeVolumeReader; }
 
     // Runs on these files, under names that count up. TR and geometry of the settings are wrong.
-    void record(const QStringList& files, const ExpectedMosaic& sizes, int skip) {
+    void record(const QStringList& files, const ExpectedMosaic& sizes, int skip,
+                bool motionCorrection = false) {
         const int analysed = int(files.size()) - skip;
         const QString protocol = defaultProtocol().section("NrOfConditions", 0, 0) +
                                  QString("NrOfConditions: 2\n\nRest\n1\n1 %1\nColor: 9 9 9\n"
@@ -61,7 +64,8 @@ protected:
                       {"MosaicResolutionY:", QString::number(sizes.whole(1))},
                       {"MatrixSizeX:", QString::number(sizes.whole(2))},
                       {"MatrixSizeY:", QString::number(sizes.whole(3))},
-                      {"NrOfSlices:", QString::number(sizes.whole(4))}},
+                      {"NrOfSlices:", QString::number(sizes.whole(4))},
+                      {"MotionCorrection:", QString::number(motionCorrection)}},
                      protocol);
         QDir(path("incoming")).removeRecursively();
         ASSERT_TRUE(QDir().mkpath(path("incoming")));
@@ -151,6 +155,39 @@ TEST_F(RealSeriesTest, IsSavedAsTheScannerMeasuredIt) {
         expectData(series, skip);
         expectHeader(series[0], int(files.size()) - skip);
     }
+}
+
+TEST_F(RealSeriesTest, MotionIsThatOfAnIndependentEstimate) {
+    const QString folder = scannerDataFolder() + "/siemens_mosaic/run_60_volumes/";
+    SKIP_WITHOUT(folder);
+    QStringList files;
+    for (const QFileInfo& file : QDir(folder).entryInfoList({"*.dcm"}, QDir::Files, QDir::Name))
+        files << file.filePath();
+    record(files, {{}, {}, {320, 320, 64, 64, 18}}, 4, true);
+    const MotionCorrection& motion = session.functionalDocument->motion;
+    ASSERT_EQ(motion.motionParameters[0].size(), 56u);
+
+    QFile reference(scannerDataFolder() +
+                    "/siemens_mosaic/run_60_volumes_reference/motion_from_volume_5.txt");
+    ASSERT_TRUE(reference.open(QIODevice::ReadOnly));
+    std::array<double, nrOfMotionParameters> sum{};
+    size_t volume = 0;
+    for (QByteArray line = reference.readLine(); !line.isEmpty(); line = reference.readLine()) {
+        if (line.startsWith('#'))
+            continue;
+        ASSERT_LT(volume, 56u);
+        const QByteArrayList values = line.simplified().split(' ');
+        for (size_t i = 0; i < nrOfMotionParameters; ++i)
+            sum[i] += std::abs(double(motion.motionParameters[i][volume]) -
+                               values[qsizetype(i)].toDouble());
+        ++volume;
+    }
+    ASSERT_EQ(volume, 56u);
+    // The method's coarse grid and scaled derivatives leave it this far from a full fit: mean
+    // differences in mm and degrees. docs/performance.md tells more.
+    const std::array<double, nrOfMotionParameters> bounds{0.015, 0.04, 0.035, 0.08, 0.05, 0.03};
+    for (size_t i = 0; i < nrOfMotionParameters; ++i)
+        EXPECT_LE(sum[i] / 56.0, bounds[i]) << "parameter " << i;
 }
 
 TEST_F(RealSeriesTest, CompressedAndEnhancedFilesAreRefusedByName) {

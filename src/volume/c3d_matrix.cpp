@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/c3d_matrix.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+struct Turn {
+    float sine;
+    float cosine;
+};
+
+Turn turnBy(float degrees) {
+    if (degrees == 0.0f)
+        return {0.0f, 1.0f};
+    if (degrees == 90.0f)
+        return {1.0f, 0.0f};
+    if (degrees == -90.0f || degrees == 270.0f)
+        return {-1.0f, 0.0f};
+    if (degrees == 180.0f)
+        return {0.0f, -1.0f};
+    const double radians = double(degrees) * std::numbers::pi / 180.0;
+    return {float(std::sin(radians)), float(std::cos(radians))};
+}
+
+/// The turn that takes axis `from` towards axis `to`.
+C3dMatrix rotation(float degrees, size_t from, size_t to) {
+    const Turn turn = turnBy(degrees);
+    C3dMatrix matrix;
+    matrix.at(from, from) = matrix.at(to, to) = turn.cosine;
+    matrix.at(from, to) = -turn.sine;
+    matrix.at(to, from) = turn.sine;
+    return matrix;
+}
+
+} // namespace
+
+C3dMatrix::C3dMatrix() {
+    for (size_t i = 0; i < 4; ++i)
+        at(i, i) = 1.0f;
+}
+
+C3dMatrix C3dMatrix::translation(float x, float y, float z) {
+    C3dMatrix matrix;
+    matrix.at(0, 3) = x;
+    matrix.at(1, 3) = y;
+    matrix.at(2, 3) = z;
+    return matrix;
+}
+
+C3dMatrix C3dMatrix::rotationX(float degrees) {
+    return rotation(degrees, 1, 2);
+}
+
+C3dMatrix C3dMatrix::rotationY(float degrees) {
+    return rotation(degrees, 2, 0);
+}
+
+C3dMatrix C3dMatrix::rotationZ(float degrees) {
+    return rotation(degrees, 0, 1);
+}
+
+C3dMatrix C3dMatrix::operator*(const C3dMatrix& right) const {
+    C3dMatrix product;
+    for (size_t row = 0; row < 4; ++row) {
+        for (size_t column = 0; column < 4; ++column) {
+            double sum = 0.0;
+            for (size_t k = 0; k < 4; ++k)
+                sum += double(at(row, k)) * right.at(k, column);
+            product.at(row, column) = float(sum);
+        }
+    }
+    return product;
+}
+
+C3dVector C3dMatrix::operator*(const C3dVector& point) const {
+    const auto coordinate = [&](size_t row) {
+        return at(row, 0) * point.x + (at(row, 1) * point.y + (at(row, 2) * point.z + at(row, 3)));
+    };
+    return {coordinate(0), coordinate(1), coordinate(2)};
+}

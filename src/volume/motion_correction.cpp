@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/motion_correction.h"
+
+#include "base/messages.h"
+
+bool MotionCorrection::allocateMotionParameters(int nrOfVolumes) {
+    for (ZeroedBuffer<float>& values : motionParameters) {
+        if (!values.allocate(size_t(std::max(nrOfVolumes, 0)))) {
+            for (ZeroedBuffer<float>& array : motionParameters)
+                array.release();
+            return false;
+        }
+    }
+    return true;
+}
+
+void MotionCorrection::setMotionTarget(const FMRProject& project) {
+    if (!project.volumes.empty() && project.volumes[0].size() == motionTarget.size())
+        std::ranges::copy(project.volumes[0].span(), motionTarget.data());
+}
+
+bool MotionCorrection::prepare(const FMRProject& project) {
+    grid_ = VolumeGrid(project);
+    if (motionTarget.size() != grid_.samples() || motionTarget.empty())
+        return false;
+    if (!motionResampled_.allocate(grid_.samples())) {
+        showWarning("ERROR: Insufficient memory for creating VTC volume!");
+        return false;
+    }
+    if (!allocateMotionParameters(project.NrOfVolumes) ||
+        !evaluator_.setTarget(grid_, motionTarget.span())) {
+        showWarning("ERROR: Insufficient memory for creating volume for motion correction!");
+        return false;
+    }
+    return true;
+}
+
+// A motion seldom lasts: a part of the last estimate is a better guess than all or nothing of it.
+MotionParameters MotionCorrection::startValues(int v) const {
+    MotionParameters start;
+    for (size_t i = 0; i < nrOfMotionParameters; ++i)
+        start[i] = double(0.9f * motionParameters[i][size_t(v) - 1]);
+    return start;
+}
+
+void MotionCorrection::correctVolumeMotion(FMRProject& project, int v,
+                                           bool& motionCorrectionFailed) {
+    if (v == 1)
+        prepared_ = prepare(project);
+    if (!prepared_ || v < 1 || size_t(v) >= motionParameters[0].size() ||
+        size_t(v) >= project.volumes.size() ||
+        project.volumes[size_t(v)].size() != grid_.samples() || !log_.open(project, grid_))
+        return;
+    // The volume itself is the source: it doesn't change before its successor is whole.
+    const std::span<int16_t> volume = project.volumes[size_t(v)].span();
+    const MotionFit fit = fitMotion(
+        [&](const RigidTransformation& transformation, MotionEquations& equations) {
+            evaluator_.evaluate(volume, transformation, equations);
+        },
+        startValues(v), motionCorrectionFailed);
+    log_.add(motionLogLine(v, fit));
+    resampleVolume(grid_, volume, motionResampled_.span(), fit.transformation);
+    const RigidTransformation& t = fit.transformation;
+    const std::array<float, nrOfMotionParameters> values{t.tx, t.ty, t.tz, t.rx, t.ry, t.rz};
+    for (size_t i = 0; i < nrOfMotionParameters; ++i)
+        motionParameters[i][size_t(v)] = values[i];
+    std::ranges::copy(motionResampled_.span(), volume.begin());
+}

@@ -1,0 +1,44 @@
+// Motion correction of a run: every volume is registered rigidly to a target and resampled.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "volume/motion_evaluation.h"
+#include "volume/motion_log.h"
+
+/// Part of a document. Without a target nothing is corrected.
+class MotionCorrection {
+public:
+    /// The volume to which all others are aligned; of the size of the run's volumes.
+    Volume motionTarget;
+    /// Six arrays with one value for each analysed volume: X, Y, Z translation in millimetres and
+    /// X, Y, Z rotation in degrees. Those of volume 0, and of volumes that were not corrected, are
+    /// 0. Empty until volume 1 is corrected.
+    std::array<ZeroedBuffer<float>, nrOfMotionParameters> motionParameters;
+
+    /// Zeroed arrays of this length. False, with all of them empty, when memory runs out.
+    [[nodiscard]] bool allocateMotionParameters(int nrOfVolumes);
+
+    /// Copies volume 0 of the run into the allocated target.
+    void setMotionTarget(const FMRProject& project);
+
+    /// Corrects volume `v`, from 1 on and in order, in place. It stays as it is, with its
+    /// parameters 0, after a message when memory runs out (at volume 1, for the whole run) or the
+    /// log can't be written.
+    ///
+    /// A fit that fails sets `motionCorrectionFailed` and counts as no motion. While it is set, by
+    /// whichever volume or run, volumes are moved by their start values, without a fit.
+    void correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed);
+
+    /// At the end of a run. The parameters stay.
+    void releaseTarget() { motionTarget.release(); }
+
+private:
+    [[nodiscard]] bool prepare(const FMRProject& project);
+    [[nodiscard]] MotionParameters startValues(int v) const;
+
+    VolumeGrid grid_;
+    MotionEvaluator evaluator_;
+    Volume motionResampled_; ///< work space
+    MotionLog log_;
+    bool prepared_ = false;
+};

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/motion_evaluation.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr int intensityThreshold = 100; // sample value
+constexpr int sliceBorder = 1;
+constexpr int pixelBorder = 2; // of rows and columns
+/// The steps leave fewer positions than this along any axis.
+constexpr size_t maximumPositions = 32;
+
+/// Distance from the centre as a part of the half size, and 0 near the centre. The translation, in
+/// millimetres, is added to a number of voxels: the parameters of runs rest on it.
+float leverArm(int voxel, int size, float translation) {
+    const float distance = float(voxel) - float(size) * 0.5f + translation;
+    return std::abs(distance) < 2.0f ? 0.0f : distance / float(size) * 2.0f;
+}
+
+float difference(int16_t after, int16_t before) {
+    return float(2 * (int(after) - int(before)));
+}
+
+/// The derivatives are those of the resampled value, hence the sign.
+void addVoxel(double d, const std::array<float, nrOfMotionParameters>& motionGradient,
+              MotionEquations& equations) {
+    MotionParameters derivative;
+    for (size_t i = 0; i < nrOfMotionParameters; ++i)
+        derivative[i] = -double(motionGradient[i]);
+    for (size_t i = 0; i < nrOfMotionParameters; ++i) {
+        double* row = &equations.curvature[i * nrOfMotionParameters];
+        for (size_t j = 0; j <= i; ++j)
+            row[j] += derivative[i] * derivative[j];
+        equations.gradient[i] += derivative[i] * d;
+    }
+    equations.sumOfSquares += d * d;
+    ++equations.voxelsUsed;
+}
+
+} // namespace
+
+/// Values at the voxels of a row of the grid and at their neighbours.
+struct MotionEvaluator::MovedRow {
+    std::array<int16_t, 3 * maximumPositions>
+        alongRow; ///< all left ones, the voxels, all right ones
+    std::array<int16_t, maximumPositions> above;
+    std::array<int16_t, maximumPositions> below;
+    std::array<int16_t, maximumPositions> before;
+    std::array<int16_t, maximumPositions> behind;
+};
+
+int motionSamplingStep(int size) {
+    return std::max(size / 16, 1);
+}
+
+bool MotionEvaluator::setTarget(const VolumeGrid& grid, std::span<const int16_t> target) {
+    grid_ = grid;
+    rows_.clear();
+    std::vector<int> columns;
+    std::vector<int16_t> values;
+    const auto [sizeX, sizeY, nrOfSlices] = grid.size;
+    for (int z = sliceBorder; z < nrOfSlices - sliceBorder; z += motionSamplingStep(nrOfSlices)) {
+        for (int y = pixelBorder; y < sizeY - pixelBorder; y += motionSamplingStep(sizeY)) {
+            const int16_t* row =
+                target.data() + (size_t(z) * size_t(sizeY) + size_t(y)) * size_t(sizeX);
+            const size_t first = columns.size();
+            for (int x = pixelBorder; x < sizeX - pixelBorder; x += motionSamplingStep(sizeX)) {
+                if (row[x] > intensityThreshold) {
+                    columns.push_back(x);
+                    values.push_back(row[x]);
+                }
+            }
+            if (columns.size() > first)
+                rows_.push_back({y, z, first, columns.size() - first});
+        }
+    }
+    if (!columns_.allocate(columns.size()) || !targetValues_.allocate(columns.size()) ||
+        !resampledValues_.allocate(columns.size()) || !motionGradients_.allocate(columns.size()))
+        return false;
+    std::ranges::copy(columns, columns_.data());
+    std::ranges::copy(values, targetValues_.data());
+    return true;
+}
+
+MotionEvaluator::MovedRow MotionEvaluator::moveRow(const VolumeSampler& sampler,
+                                                   const Row& row) const {
+    std::array<float, 3 * maximumPositions> positions;
+    const size_t count = row.count;
+    for (size_t i = 0; i < count; ++i) {
+        const int x = columns_[row.first + i];
+        positions[i] = grid_.position(0, x - 1);
+        positions[count + i] = grid_.position(0, x);
+        positions[2 * count + i] = grid_.position(0, x + 1);
+    }
+    const float* voxels = positions.data() + count;
+    const auto y = [&](int offset) { return grid_.position(1, row.y + offset); };
+    const auto z = [&](int offset) { return grid_.position(2, row.z + offset); };
+    MovedRow moved;
+    sampler.sampleRow(positions.data(), 3 * count, y(0), z(0), moved.alongRow.data());
+    sampler.sampleRow(voxels, count, y(-1), z(0), moved.above.data());
+    sampler.sampleRow(voxels, count, y(1), z(0), moved.below.data());
+    sampler.sampleRow(voxels, count, y(0), z(-1), moved.before.data());
+    sampler.sampleRow(voxels, count, y(0), z(1), moved.behind.data());
+    return moved;
+}
+
+void MotionEvaluator::computeMotionGradients(std::span<const int16_t> source,
+                                             const RigidTransformation& transformation) {
+    const VolumeSampler sampler(grid_, source, transformation);
+    for (const Row& row : rows_) {
+        const MovedRow moved = moveRow(sampler, row);
+        const float cy = leverArm(row.y, grid_.size[1], transformation.ty);
+        const float cz = leverArm(row.z, grid_.size[2], transformation.tz);
+        for (size_t i = 0; i < row.count; ++i) {
+            const size_t voxel = row.first + i;
+            resampledValues_[voxel] = moved.alongRow[row.count + i];
+            const float cx = leverArm(columns_[voxel], grid_.size[0], transformation.tx);
+            const float gx = difference(moved.alongRow[2 * row.count + i], moved.alongRow[i]);
+            const float gy = difference(moved.below[i], moved.above[i]);
+            const float gz = difference(moved.behind[i], moved.before[i]);
+            motionGradients_[voxel] = {0.5f * gx,         0.5f * gy,         0.5f * gz,
+                                       cz * gy - cy * gz, cx * gz - cz * gx, cy * gx - cx * gy};
+        }
+    }
+}
+
+void MotionEvaluator::evaluate(std::span<const int16_t> source,
+                               const RigidTransformation& transformation,
+                               MotionEquations& equations) {
+    computeMotionGradients(source, transformation);
+    equations = {};
+    for (size_t voxel = 0; voxel < columns_.size(); ++voxel)
+        if (resampledValues_[voxel] > intensityThreshold)
+            addVoxel(double(targetValues_[voxel]) - double(resampledValues_[voxel]),
+                     motionGradients_[voxel], equations);
+    for (size_t i = 0; i < nrOfMotionParameters; ++i)
+        for (size_t j = 0; j < i; ++j)
+            equations.curvature[j * nrOfMotionParameters + i] =
+                equations.curvature[i * nrOfMotionParameters + j];
+}

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/motion_log.h"
+
+#include "base/file_writing.h"
+#include "base/messages.h"
+#include "base/paths.h"
+#include "volume/motion_evaluation.h"
+
+namespace {
+
+constexpr int MaxNrOfLevMarqIterations = 10; // as logs have always stated it; a fit may take 11
+
+} // namespace
+
+QString motionLogFileName(const FMRProject& project) {
+    const QString name = paths::fileName(project.projectPath);
+    return paths::join(project.targetFolder, name.contains('.')
+                                                 ? paths::withoutExtension(name) + "_3DMC.log"
+                                                 : QString("REALTIME_3DMC.log"));
+}
+
+QByteArray motionLogHead(const VolumeGrid& grid) {
+    const int x = motionSamplingStep(grid.size[0]);
+    const int y = motionSamplingStep(grid.size[1]);
+    const int z = motionSamplingStep(grid.size[2]);
+    QByteArray text = "InterpolationMethod: Trilinear\n";
+    if (x == 1 && y == 1 && z == 1)
+        text += "FullDataSet: Yes\n";
+    else
+        text += formatted("FullDataSet: No   (sampling: %i %i %i)\n", x, y, z);
+    return text + formatted("MaxNrOfLevMarqIterations: %i\n\n", MaxNrOfLevMarqIterations);
+}
+
+QByteArray motionLogLine(int volume, const MotionFit& fit) {
+    const RigidTransformation& t = fit.transformation;
+    return formatted("-> volume: %4i   n_its: %4i   dx: %6.4f mm  dy: %6.4f mm  dz: %6.4f mm    "
+                     "rx: %6.4f degs   ry: %6.4f degs  rz: %6.4f degs\n",
+                     volume + 1, fit.steps, double(t.tx), double(t.ty), double(t.tz), double(t.rx),
+                     double(t.ry), double(t.rz));
+}
+
+bool MotionLog::open(const FMRProject& project, const VolumeGrid& grid) {
+    file_.setFileName(motionLogFileName(project));
+    const QIODevice::OpenMode mode = started_ ? QIODevice::Append : QIODevice::Truncate;
+    if (!file_.open(QIODevice::WriteOnly | mode)) {
+        tell();
+        return false;
+    }
+    if (!started_) {
+        const QByteArray head = motionLogHead(grid);
+        started_ = file_.write(head) == head.size() && file_.flush();
+    }
+    return true;
+}
+
+void MotionLog::add(const QByteArray& line) {
+    const bool written = file_.write(line) == line.size() && file_.flush();
+    file_.close();
+    if (written)
+        told_ = false;
+    else
+        tell();
+}
+
+void MotionLog::tell() {
+    if (!told_)
+        showWarningAside("ERROR: Can not open motion correction log file.");
+    told_ = true;
+}

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/motion_resampling.h"
+
+#include "base/wide_clones.h"
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+/// So many voxels of a row are worked on at once; what is known of them stays in the cache.
+constexpr size_t blockVoxels = 256;
+
+/// One coordinate along a row of the result: (factor * position + rest) / spacing + half.
+struct Line {
+    float factor;
+    float rest;
+    float spacing;
+    float half;
+    float last; ///< below this the next voxel is inside
+};
+
+/// What is known of the voxels of a block.
+struct Block {
+    alignas(64) float coordinate[3][blockVoxels];
+    alignas(64) float fraction[3][blockVoxels];
+    alignas(64) int32_t whole[3][blockVoxels];
+    alignas(64) int32_t inside[blockVoxels];
+    /// Two neighbours of a row each: at (y, z), (y + 1, z), (y, z + 1), (y + 1, z + 1).
+    alignas(64) int32_t pair[4][blockVoxels];
+};
+
+/// Places and fractions of the voxels between eight samples; those of the others are 0. Returns how
+/// many lie there.
+VELO_WIDE_CLONES int locate(const Line& x, const Line& y, const Line& z, const float* columns,
+                            size_t count, Block& block) {
+    int inside = 0;
+    for (size_t i = 0; i < count; ++i) {
+        const float cx = (x.factor * columns[i] + x.rest) / x.spacing + x.half;
+        const float cy = (y.factor * columns[i] + y.rest) / y.spacing + y.half;
+        const float cz = (z.factor * columns[i] + z.rest) / z.spacing + z.half;
+        // Comparisons with what is not a number are false.
+        const int32_t in = int32_t(cx >= 0.0f) & int32_t(cx < x.last) & int32_t(cy >= 0.0f) &
+                           int32_t(cy < y.last) & int32_t(cz >= 0.0f) & int32_t(cz < z.last);
+        block.coordinate[0][i] = cx;
+        block.coordinate[1][i] = cy;
+        block.coordinate[2][i] = cz;
+        block.inside[i] = in;
+        inside += in;
+    }
+    for (size_t axis = 0; axis < 3; ++axis) {
+        const float* coordinate = block.coordinate[axis];
+        for (size_t i = 0; i < count; ++i) {
+            const float within = block.inside[i] != 0 ? coordinate[i] : 0.0f;
+            const int32_t whole = int32_t(within);
+            block.whole[axis][i] = whole;
+            block.fraction[axis][i] = within - float(whole);
+        }
+    }
+    return inside;
+}
+
+int32_t pairAt(const int16_t* samples) {
+    int32_t pair;
+    static_assert(sizeof(pair) == 2 * sizeof(*samples));
+    std::memcpy(&pair, samples, sizeof(pair));
+    return pair;
+}
+
+float lowHalf(int32_t pair) {
+    return float(int32_t(int16_t(pair)));
+}
+
+float highHalf(int32_t pair) {
+    return float(pair >> 16);
+}
+
+float first(int32_t pair) {
+    return std::endian::native == std::endian::little ? lowHalf(pair) : highHalf(pair);
+}
+
+float second(int32_t pair) {
+    return std::endian::native == std::endian::little ? highHalf(pair) : lowHalf(pair);
+}
+
+float between(float a, float b, float fraction) {
+    return a + fraction * (b - a);
+}
+
+/// Halves upwards. Adding 0.5 first would round what is just below a half up as well.
+int16_t roundedUpwards(float value) {
+    const int32_t whole = int32_t(value);
+    const float rest = value - float(whole);
+    return int16_t(whole + int32_t(rest >= 0.5f) - int32_t(rest < -0.5f));
+}
+
+void gatherPairs(const int16_t* source, size_t rowSize, size_t sliceSize, size_t count,
+                 Block& block) {
+    for (size_t i = 0; i < count; ++i) {
+        const int16_t* corner = source + size_t(block.whole[2][i]) * sliceSize +
+                                size_t(block.whole[1][i]) * rowSize + size_t(block.whole[0][i]);
+        block.pair[0][i] = pairAt(corner);
+        block.pair[1][i] = pairAt(corner + rowSize);
+        block.pair[2][i] = pairAt(corner + sliceSize);
+        block.pair[3][i] = pairAt(corner + sliceSize + rowSize);
+    }
+}
+
+VELO_WIDE_CLONES void interpolate(const Block& block, size_t count, int16_t* __restrict values) {
+    for (size_t i = 0; i < count; ++i) {
+        const float x = block.fraction[0][i];
+        const float y = block.fraction[1][i];
+        const auto row = [&](size_t which) {
+            const int32_t pair = block.pair[which][i];
+            return between(first(pair), second(pair), x);
+        };
+        const float near = between(row(0), row(1), y);
+        const float far = between(row(2), row(3), y);
+        values[i] = roundedUpwards(between(near, far, block.fraction[2][i]));
+    }
+}
+
+} // namespace
+
+C3dMatrix RigidTransformation::matrix() const {
+    return C3dMatrix::translation(-tx, -ty, -tz) * C3dMatrix::rotationX(rx) *
+           C3dMatrix::rotationY(ry) * C3dMatrix::rotationZ(rz);
+}
+
+VolumeGrid::VolumeGrid(const FMRHeader& header)
+    : size{std::max(header.ResolutionX, 0), std::max(header.ResolutionY, 0),
+           std::max(header.NrOfSlices, 0)},
+      spacing{header.pixelSizeX, header.pixelSizeY, header.sliceDistance()} {
+    for (float& millimetres : spacing)
+        if (!(millimetres > 0.0f) || !std::isfinite(millimetres))
+            millimetres = 1.0f;
+}
+
+VolumeSampler::VolumeSampler(const VolumeGrid& grid, std::span<const int16_t> source,
+                             const RigidTransformation& transformation)
+    : grid_(grid), source_(source.data()), matrix_(transformation.matrix()) {}
+
+void VolumeSampler::sampleRow(const float* columns, size_t count, float row, float slice,
+                              int16_t* values) const {
+    const auto line = [&](size_t axis) {
+        const float rest =
+            matrix_.at(axis, 1) * row + (matrix_.at(axis, 2) * slice + matrix_.at(axis, 3));
+        return Line{matrix_.at(axis, 0), rest, grid_.spacing[axis], grid_.half(axis),
+                    float(grid_.size[axis] - 1)};
+    };
+    const Line x = line(0);
+    const Line y = line(1);
+    const Line z = line(2);
+    const size_t rowSize = size_t(grid_.size[0]);
+    const size_t sliceSize = rowSize * size_t(grid_.size[1]);
+    const auto nearest = [&](const Block& block, size_t i) -> int16_t {
+        size_t voxel[3];
+        for (size_t axis = 0; axis < 3; ++axis) {
+            const float coordinate = block.coordinate[axis][i] + 0.5f;
+            if (!(coordinate > -1.0f && coordinate < float(grid_.size[axis])))
+                return 0;
+            voxel[axis] = size_t(int(coordinate));
+        }
+        return source_[voxel[2] * sliceSize + voxel[1] * rowSize + voxel[0]];
+    };
+    Block block;
+    for (size_t done = 0; done < count; done += blockVoxels) {
+        const size_t size = std::min(blockVoxels, count - done);
+        const int inside = locate(x, y, z, columns + done, size, block);
+        // A volume that has eight samples to interpolate between has them at voxel 0 too, where the
+        // others are sent.
+        if (inside > 0) {
+            gatherPairs(source_, rowSize, sliceSize, size, block);
+            interpolate(block, size, values + done);
+        }
+        for (size_t i = 0; size_t(inside) < size && i < size; ++i)
+            if (block.inside[i] == 0)
+                values[done + i] = nearest(block, i);
+    }
+}
+
+void resampleVolume(const VolumeGrid& grid, std::span<const int16_t> source,
+                    std::span<int16_t> destination, const RigidTransformation& transformation) {
+    const VolumeSampler sampler(grid, source, transformation);
+    const size_t rowSize = size_t(grid.size[0]);
+    std::vector<float> columns(rowSize);
+    for (size_t x = 0; x < rowSize; ++x)
+        columns[x] = grid.position(0, int(x));
+    int16_t* values = destination.data();
+    for (int z = 0; z < grid.size[2]; ++z)
+        for (int y = 0; y < grid.size[1]; ++y, values += rowSize)
+            sampler.sampleRow(columns.data(), rowSize, grid.position(1, y), grid.position(2, z),
+                              values);
+}

@@ -1,0 +1,230 @@
+// Resampling, evaluation and fit against their plain forms and against scripted evaluations.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/motion_evaluation.h"
+
+#include "volume/head_volume.h"
+#include "volume/plain_motion.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace {
+
+VolumeGrid gridOf(std::array<int, 3> size, std::array<float, 3> spacing) {
+    VolumeGrid grid;
+    grid.size = size;
+    grid.spacing = spacing;
+    return grid;
+}
+
+std::vector<float> asList(const RigidTransformation& t) {
+    return {t.tx, t.ty, t.tz, t.rx, t.ry, t.rz};
+}
+
+class Random {
+public:
+    explicit Random(unsigned seed) : engine_(seed) {}
+    int whole(int low, int high) { return low + int(engine_() % unsigned(high - low + 1)); }
+    float real(float range) { return range * (float(engine_()) / 2147483648.0f - 1.0f); }
+    RigidTransformation motion(float range) {
+        return {real(range), real(range), real(range), real(range), real(range), real(range)};
+    }
+
+private:
+    std::mt19937 engine_;
+};
+
+std::vector<int16_t> resampled(const VolumeGrid& grid, const std::vector<int16_t>& source,
+                               const RigidTransformation& t) {
+    std::vector<int16_t> result(source.size(), 77);
+    resampleVolume(grid, source, result, t);
+    return result;
+}
+
+} // namespace
+
+TEST(MotionFit, GivesTheBitsOfThePlainFormForManyVolumes) {
+    int failures = 0, moved = 0, longest = 0;
+    for (unsigned seed = 0; seed < 100; ++seed) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        const VolumeGrid grid =
+            gridOf({random.whole(3, 36), random.whole(3, 36), random.whole(1, 33)},
+                   {2.0f + random.real(1.0f), 2.0f + random.real(1.0f), 3.0f + random.real(1.0f)});
+        const HeadVolume head(grid, seed);
+        std::vector<int16_t> target(grid.samples()), source(grid.samples());
+        const double noise = random.whole(0, 3) * 15.0;
+        head.fill({}, noise, seed, target);
+        head.fill(random.motion(seed % 5 == 0 ? 20.0f : 1.5f), noise, seed + 1000, source);
+        if (seed % 7 == 0) // samples beyond 32767 count as negative
+            std::fill(source.begin(), source.begin() + ptrdiff_t(source.size() / 3), -20000);
+        if (seed % 11 == 0)
+            std::fill(target.begin(), target.end(), int16_t(seed));
+        MotionParameters start{};
+        for (double& value : start)
+            value = seed % 2 == 0 ? double(random.real(1.0f)) : 0.0;
+
+        PlainMotion plain(grid, target, source);
+        bool plainFailed = false, failed = false;
+        const MotionFit expected =
+            fitMotion([&](const RigidTransformation& t,
+                          MotionEquations& equations) { plain.evaluate(t, equations); },
+                      start, plainFailed);
+        MotionEvaluator evaluator;
+        ASSERT_TRUE(evaluator.setTarget(grid, target));
+        const MotionFit found =
+            fitMotion([&](const RigidTransformation& t,
+                          MotionEquations& equations) { evaluator.evaluate(source, t, equations); },
+                      start, failed);
+        EXPECT_EQ(asList(found.transformation), asList(expected.transformation));
+        EXPECT_EQ(found.steps, expected.steps);
+        EXPECT_EQ(failed, plainFailed);
+        EXPECT_EQ(resampled(grid, source, found.transformation),
+                  plain.resample(found.transformation));
+        failures += failed;
+        moved += found.transformation.tx != 0.0f;
+        longest = std::max(longest, found.steps);
+    }
+    EXPECT_GT(failures, 5); // the cases are of all kinds
+    EXPECT_GT(moved, 60);
+    EXPECT_EQ(longest, 11);
+}
+
+TEST(ResampleVolume, GivesTheBitsOfThePlainFormForAnyMotionAndSize) {
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        const VolumeGrid grid = gridOf(
+            {random.whole(1, seed % 9 == 0 ? 300 : 20), random.whole(1, 12), random.whole(1, 9)},
+            {2.0f + random.real(1.5f), 2.0f + random.real(1.5f), 3.0f});
+        std::vector<int16_t> source(grid.samples());
+        for (int16_t& sample : source)
+            sample = int16_t(random.whole(-32768, 32767));
+        const std::array<float, 4> ranges{1.0f, 5.0f, 180.0f, 1e9f};
+        const RigidTransformation motion = random.motion(ranges[seed % 4]);
+        EXPECT_EQ(resampled(grid, source, motion), PlainMotion(grid, {}, source).resample(motion));
+    }
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    const VolumeGrid grid = gridOf({4, 4, 2}, {1.0f, 1.0f, 1.0f});
+    EXPECT_EQ(resampled(grid, std::vector<int16_t>(32, 9), {none}), std::vector<int16_t>(32, 0));
+}
+
+TEST(ResampleVolume, MovesTurnsAndRoundsAsStated) {
+    const VolumeGrid grid = gridOf({4, 3, 3}, {2.0f, 2.0f, 2.0f});
+    std::vector<int16_t> source(36);
+    for (size_t i = 0; i < source.size(); ++i)
+        source[i] = int16_t(5 + i % 4 * 3 + i / 12 * 100); // columns 3 apart, slices 100
+    EXPECT_EQ(resampled(grid, source, {}), source);
+    const auto rowOf = [&](const RigidTransformation& t, size_t slice) {
+        const std::vector<int16_t> result = resampled(grid, source, t);
+        return std::vector<int16_t>(result.begin() + ptrdiff_t(slice) * 12 + 4,
+                                    result.begin() + ptrdiff_t(slice) * 12 + 8);
+    };
+    using Row = std::vector<int16_t>;
+    // A positive translation shows what lies before; -0.5 is cut to 0, outside comes the nearest.
+    EXPECT_EQ(rowOf({1.0f}, 0), (Row{5, 7, 10, 13}));
+    EXPECT_EQ(rowOf({2.0f}, 0), (Row{5, 5, 8, 11}));
+    EXPECT_EQ(rowOf({4.0f}, 0), (Row{0, 5, 5, 8}));
+    EXPECT_EQ(rowOf({-3.0f}, 0), (Row{10, 13, 0, 0}));
+    EXPECT_EQ(rowOf({0, 0, 2.0f}, 2), (Row{105, 108, 111, 114}));
+    for (int16_t& sample : source)
+        sample = int16_t(-sample);
+    EXPECT_EQ(rowOf({1.0f}, 0), (Row{-5, -6, -9, -12})); // halves upwards
+    // A quarter turn is exact: columns become rows.
+    const VolumeGrid square = gridOf({3, 3, 2}, {1.3f, 1.3f, 1.7f});
+    const std::vector<int16_t> slices{1,  2,  3,  4,  5,  6,  7,  8,  9,
+                                      10, 20, 30, 40, 50, 60, 70, 80, 90};
+    EXPECT_EQ(
+        resampled(square, slices, {0, 0, 0, 0, 0, 90.0f}),
+        (std::vector<int16_t>{3, 6, 9, 2, 5, 8, 1, 4, 7, 30, 60, 90, 20, 50, 80, 10, 40, 70}));
+    for (const float angle : {90.0f, -90.0f, 270.0f, 180.0f})
+        for (size_t i = 0; i < 3; ++i)
+            EXPECT_EQ(std::abs(C3dMatrix::rotationZ(angle).at(i, i)),
+                      i == 2 || angle == 180.0f ? 1.0f : 0.0f);
+}
+
+namespace {
+
+// An evaluation whose sum of squares follows a script; its derivative always asks for +1 along x.
+struct ScriptedEvaluation {
+    std::vector<double> sums; ///< the last one is repeated
+    int voxelsUsed = 1;
+    int calls = 0;
+    std::vector<float> places;
+
+    void operator()(const RigidTransformation& t, MotionEquations& equations) {
+        equations = {};
+        for (size_t i = 0; i < 6; ++i)
+            equations.curvature[i * 7] = 1.0;
+        equations.gradient[0] = 1.0;
+        equations.sumOfSquares = sums[std::min(size_t(calls), sums.size() - 1)];
+        equations.voxelsUsed = voxelsUsed;
+        places.push_back(t.tx);
+        ++calls;
+    }
+};
+
+} // namespace
+
+TEST(MotionFit, StepsAsLongAsTheErrorMoves) {
+    struct Case {
+        const char* name;
+        std::vector<double> sums;
+        int steps;
+        float tx; ///< steps that were accepted, each less its damping
+    };
+    std::vector<double> falling;
+    for (int i = 0; i < 20; ++i)
+        falling.push_back(100.0 - i);
+    const Case cases[] = {
+        {"always better", falling, 11, 11.0f},
+        {"never better", {100.0}, 3, 0.0f},
+        {"exact at once", {100.0, 0.0}, 1, 1.0f},
+        {"small gain", {100.0, 90.0, 80.0, 79.99995}, 3, 3.0f},
+        {"gain just large enough", {100.0, 90.0, 80.0, 79.9, 79.9}, 4, 3.0f},
+        {"worse in between", {100.0, 200.0, 90.0, 80.0, 80.0}, 4, 2.0f},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ScriptedEvaluation script{c.sums, 1, 0, {}};
+        bool failed = false;
+        const MotionFit fit = fitMotion(std::ref(script), {}, failed);
+        EXPECT_EQ(fit.steps, c.steps);
+        EXPECT_EQ(script.calls, c.steps + 1); // the start values, then one for each step
+        EXPECT_NEAR(fit.transformation.tx, c.tx, 0.02f);
+        EXPECT_FALSE(failed);
+    }
+    // Damping shrinks a step from 1 to 1 / (1 + damping): 0.001, and ten times that when worse.
+    ScriptedEvaluation script{{100.0}, 1, 0, {}};
+    bool failed = false;
+    (void)fitMotion(std::ref(script), {}, failed);
+    const std::vector<float> places{0.0f, float(1 / 1.001), float(1 / 1.01), float(1 / 1.1)};
+    EXPECT_EQ(script.places, places);
+}
+
+TEST(MotionFit, FailuresCountAsNoMotionUntilTheFlagIsCleared) {
+    const auto fitWith = [](double curvature, int rank, bool& failed) {
+        return fitMotion(
+            [=](const RigidTransformation&, MotionEquations& equations) {
+                equations = {};
+                for (int i = 0; i < rank; ++i)
+                    equations.curvature[size_t(i) * 7] = curvature;
+                equations.sumOfSquares = 5.0;
+                equations.voxelsUsed = 1;
+            },
+            {0.5, 0, 0, 0, 0, 0.25}, failed);
+    };
+    for (const auto& [curvature, rank] :
+         {std::pair{0.0, 6}, {1.0, 5}, {std::numeric_limits<double>::quiet_NaN(), 6}}) {
+        bool failed = false;
+        EXPECT_EQ(asList(fitWith(curvature, rank, failed).transformation),
+                  (std::vector<float>(6, 0.0f)));
+        EXPECT_TRUE(failed);
+        const MotionFit later = fitWith(1.0, 6, failed);
+        EXPECT_EQ(asList(later.transformation), (std::vector<float>{0.5f, 0, 0, 0, 0, 0.25f}));
+        EXPECT_EQ(later.steps, 1);
+        failed = false;
+        (void)fitWith(1.0, 6, failed);
+        EXPECT_FALSE(failed);
+    }
+}
