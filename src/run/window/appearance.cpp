@@ -74,6 +74,12 @@ QCheckBox::indicator:checked { image: url(:/images/contrast_on.png); }
 )");
 }
 
+void wrapToolTips(QWidget& root) {
+    for (QWidget* widget : root.findChildren<QWidget*>())
+        if (!widget->toolTip().isEmpty())
+            widget->setToolTip("<p>" + widget->toolTip().toHtmlEscaped() + "</p>");
+}
+
 QRect screenArea(const QWidget* widget) {
     const QScreen* screen = widget->screen();
     return screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
