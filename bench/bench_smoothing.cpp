@@ -1,0 +1,121 @@
+// Times of spatial smoothing of a volume, and of the post-processing of a run, at three sizes.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/frequency_smoothing.h"
+#include "volume/high_pass.h"
+#include "volume/slice_timing.h"
+#include "volume/smoothing.h"
+#include "volume/temporal_smoothing.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <functional>
+#include <random>
+
+namespace {
+
+constexpr float fwhmMillimetres = 5.0f;
+constexpr int nrOfVolumes = 100;
+
+struct Size {
+    int matrix;
+    int slices;
+    float pixelMillimetres;
+    float sliceMillimetres;
+    double budgetMilliseconds;
+};
+
+class SilentProgress : public ProgressReporter {
+    void setProgress(int) override {}
+};
+
+double milliseconds(const std::function<void()>& work) {
+    const std::clock_t start = std::clock();
+    work();
+    return double(std::clock() - start) * 1e3 / CLOCKS_PER_SEC;
+}
+
+/// Median of many runs, in milliseconds of processor time: other programs don't count.
+double medianTime(int runs, const std::function<void()>& work) {
+    std::vector<double> times;
+    for (int i = 0; i < runs; ++i)
+        times.push_back(milliseconds(work));
+    std::ranges::nth_element(times, times.begin() + runs / 2);
+    return times[size_t(runs / 2)];
+}
+
+void require(bool succeeded) {
+    if (!succeeded)
+        std::fputs("a step failed\n", stderr);
+}
+
+bool prepare(FMRProject& project, const Size& size) {
+    project.ResolutionX = project.ResolutionY = size.matrix;
+    project.NrOfSlices = size.slices;
+    project.NrOfVolumes = nrOfVolumes;
+    project.pixelSizeX = project.pixelSizeY = size.pixelMillimetres;
+    project.sliceThickness = size.sliceMillimetres;
+    project.InterSliceTime = project.TR / float(size.slices + 1);
+    if (!project.allocateVolumes())
+        return false;
+    std::minstd_rand random(1);
+    for (Volume& volume : project.volumes)
+        for (int16_t& sample : volume.span())
+            sample = int16_t(random() >> 8 & 2047);
+    return true;
+}
+
+void printSize(const Size& size) {
+    FMRProject project;
+    if (!prepare(project, size)) {
+        std::printf("%3d: not enough memory\n", size.matrix);
+        return;
+    }
+    int v = 0;
+    const auto nextVolume = [&] { return v = (v + 1) % nrOfVolumes; };
+    std::vector<int16_t> copy(project.volumeSamples());
+    const double copyTime = medianTime(101, [&] {
+        std::memcpy(copy.data(), project.volumes[size_t(nextVolume())].data(),
+                    copy.size() * sizeof(int16_t));
+    });
+    SpatialSmoothing smoothing;
+    const double space = medianTime(
+        101, [&] { require(smoothing.smoothVolume(project, nextVolume(), fwhmMillimetres)); });
+    FrequencySmoothing inFrequency;
+    require(inFrequency.prepare(project, voxelWidths(project, double(fwhmMillimetres))));
+    const double frequency =
+        medianTime(11, [&] { inFrequency.smooth(project.volumes[size_t(nextVolume())].span()); });
+
+    SilentProgress silent;
+    const StepProgress progress(silent);
+    SliceScanTimeOptions slices;
+    const double spline = milliseconds(
+        [&] { require(correctSliceScanTime(project, nrOfVolumes, slices, progress)); });
+    slices.sincInterpolation = true;
+    const double sinc = milliseconds(
+        [&] { require(correctSliceScanTime(project, nrOfVolumes, slices, progress)); });
+    const double highPass =
+        milliseconds([&] { require(highPassFourier(project, nrOfVolumes, 2, progress)); });
+    TemporalOptions temporal;
+    temporal.gaussianWidth = 3.0f;
+    temporal.gaussianInSeconds = false;
+    const double gaussian =
+        milliseconds([&] { require(smoothTimeCourses(project, nrOfVolumes, temporal, progress)); });
+    std::printf("%3d x %3d x %2d  %6.2f  %7.2f  %6.0f  %9.2f  %7.2f  %7.2f  %9.2f  %8.2f\n",
+                size.matrix, size.matrix, size.slices, copyTime, space, size.budgetMilliseconds,
+                frequency, spline / nrOfVolumes, sinc / nrOfVolumes, highPass / nrOfVolumes,
+                gaussian / nrOfVolumes);
+}
+
+} // namespace
+
+int main() {
+    std::printf("Milliseconds of processor time for one volume; FWHM 5 mm; the last four of a run "
+                "of %d\n"
+                "size            memcpy    space  budget  frequency   spline     sinc  high-pass  "
+                "gaussian\n",
+                nrOfVolumes);
+    for (const Size& size : {Size{64, 25, 3, 4, 1}, Size{74, 36, 3, 3, 2}, Size{104, 72, 2, 2, 8}})
+        printSize(size);
+}

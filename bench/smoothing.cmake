@@ -1,0 +1,2 @@
+add_executable(bench_smoothing bench_smoothing.cpp)
+target_link_libraries(bench_smoothing PRIVATE volume)

@@ -1,0 +1,23 @@
+// Removal of slow drifts from the time courses of a run.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "volume/fmr_project.h"
+#include "volume/step_progress.h"
+
+/// False after a message when a high-pass filter with this many pairs of sine and cosine has no
+/// unique solution for so many volumes, or the number is below 0.
+[[nodiscard]] bool highPassIsPossible(int nrOfVolumes, int cycles);
+
+/// Least-squares fit of sines and cosines of 1 to `cycles` cycles over the first volumes of the
+/// run, a straight line and a constant, to each voxel's time course; all but the constant is
+/// subtracted. Samples are limited to 0 to 32767. The design is left in "DM-Fourier.txt" in the
+/// current folder, if that can be written. False after a message, with the samples as they were, or
+/// when cancelled, with part of the slices filtered.
+[[nodiscard]] bool highPassFourier(FMRProject& project, int nrOfVolumes, int cycles,
+                                   const StepProgress& progress);
+
+/// The same with the straight line alone, and without the file; the mean of a time course stays. A
+/// single volume has no trend.
+[[nodiscard]] bool removeLinearTrend(FMRProject& project, int nrOfVolumes,
+                                     const StepProgress& progress);

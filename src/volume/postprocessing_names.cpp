@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/postprocessing_names.h"
+
+#include "base/file_writing.h"
+#include "volume/fmr_file.h"
+
+namespace {
+
+QString sliceScanTimeMark(const SliceScanTimeOptions& options) {
+    QString mark = options.sincInterpolation          ? "_SCS"
+                   : options.cubicSplineInterpolation ? "_SCC"
+                                                      : "_SCL";
+    if (options.ascendingSliceOrder)
+        mark += 'A';
+    else if (options.descendingSliceOrder)
+        mark += 'D';
+    if (options.interleaved2SliceOrder)
+        mark += "I2";
+    else if (options.interleavedSliceOrder)
+        mark += 'I';
+    return mark;
+}
+
+QString spatialMark(const SpatialSmoothingOptions& options) {
+    const QString mark =
+        QString(options.inSpaceDomain ? "_SD" : "_FD") + (options.in2D ? "2D" : "3D");
+    return mark + formatted(options.inMillimetres ? "SS%4.2fmm" : "SS%4.2fpx", options.fwhm);
+}
+
+QString temporalMark(const TemporalOptions& options) {
+    QString mark;
+    if (options.linearTrendRemoval && !options.highPass)
+        mark += "_LTR";
+    if (options.highPass)
+        mark += formatted("_THPGLMF%ic", options.nrOfHighPassCycles());
+    // The field is four characters wide, so a short width has a blank before it.
+    if (options.gaussian)
+        mark += "_TD" + formatted(options.gaussianInSeconds ? "TS%4.1fs" : "TS%4.1fdp",
+                                  options.gaussianWidth);
+    return mark;
+}
+
+} // namespace
+
+PostprocessedNames makePostprocessedNames(const QString& fmrName, const QString& prefix,
+                                          const PostprocessingOptions& options) {
+    if (!options.sliceScanTime.checked && !options.spatial.checked && !options.temporal.checked)
+        return {fmrName, prefixOfFiles(prefix)};
+    QString marks;
+    if (options.sliceScanTime.checked)
+        marks += sliceScanTimeMark(options.sliceScanTime);
+    if (options.spatial.checked)
+        marks += spatialMark(options.spatial);
+    if (options.temporal.checked)
+        marks += temporalMark(options.temporal);
+    const QString extension = ".fmr";
+    const bool extended = fmrName.endsWith(extension, Qt::CaseInsensitive);
+    const QString name = extended ? fmrName.chopped(extension.size()) : fmrName;
+    return {name + marks + extension, prefixOfFiles(prefix) + marks};
+}

@@ -1,0 +1,48 @@
+// Spatial smoothing of a volume with a Gaussian, in the space domain.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "volume/fmr_project.h"
+#include "volume/gaussian_kernel.h"
+
+/// Full widths at half maximum of a Gaussian in voxels.
+struct VoxelWidths {
+    double x = 0.0;
+    double y = 0.0;
+    double z = 0.0;
+};
+
+/// A width in millimetres divided by pixel sizes and slice distance; infinite along an axis on
+/// which the voxel has no size.
+[[nodiscard]] VoxelWidths voxelWidths(const FMRHeader& header, double fwhmMillimetres);
+
+/// Three passes over a volume, along X, then Y, then Z. Each computes sums of tap * sample in
+/// float, limits them to 0 to 32767 and rounds to whole samples (smoothing_kernels.h). A sample
+/// that lies outside the volume is replaced by the centre sample, so that borders keep their
+/// intensity. The object keeps its work memory from volume to volume.
+class SpatialSmoothing {
+public:
+    /// Smooths volume v, from 0, in place. False, with the volume as it was, when the project has
+    /// no such volume, the width is not above 0, a kernel has more than 101 taps (an unknown voxel
+    /// size included), or, after a message, when memory runs out.
+    [[nodiscard]] bool smoothVolume(FMRProject& project, int v, float fwhmMillimetres);
+
+    /// The same for widths in voxels. An axis whose width is not above 0 is left as it is, but for
+    /// samples below 0; one axis at least has a width.
+    [[nodiscard]] bool smoothVolume(FMRProject& project, int v, const VoxelWidths& widths);
+
+    /// True when no kernel has more than 101 taps and one axis at least has a width.
+    [[nodiscard]] static bool isPossible(const VoxelWidths& widths);
+
+private:
+    using Kernels = std::array<GaussianKernel, 3>;
+
+    [[nodiscard]] static bool makeKernels(const VoxelWidths& widths, Kernels& kernels);
+    [[nodiscard]] bool allocate(const FMRHeader& header);
+    void smoothSlice(const FMRHeader& header, const Kernels& kernels, int16_t* slice);
+    void smoothAcrossSlices(const FMRHeader& header, const GaussianKernel& kernel,
+                            int16_t* samples);
+
+    ZeroedBuffer<float> slices_;  ///< one slice as read, and one smoothed along X
+    ZeroedBuffer<float> columns_; ///< a block of neighbouring voxels of all slices
+};

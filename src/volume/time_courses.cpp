@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/time_courses.h"
+
+#include "base/messages.h"
+
+#include <cmath>
+
+namespace {
+
+/// A block of neighbouring voxels of one slice.
+struct Block {
+    size_t first; ///< sample in the volume
+    size_t count;
+};
+
+double valueOf(int16_t sample, SampleRange range) {
+    return range == SampleRange::Unsigned ? double(uint16_t(sample)) : double(sample);
+}
+
+void readBlock(const FMRProject& project, const Block& block, SampleRange range,
+               std::span<double> samples) {
+    for (size_t row = 0; row < samples.size() / timeCourseBlock; ++row) {
+        const int16_t* const source = project.volumes[row].data() + block.first;
+        double* const target = samples.data() + row * timeCourseBlock;
+        for (size_t i = 0; i < block.count; ++i)
+            target[i] = valueOf(source[i], range);
+        std::fill(target + block.count, target + timeCourseBlock, 0.0);
+    }
+}
+
+std::array<bool, timeCourseBlock> findFlatCourses(std::span<const double> samples) {
+    std::array<bool, timeCourseBlock> flat;
+    flat.fill(true);
+    for (size_t row = timeCourseBlock; row < samples.size(); row += timeCourseBlock)
+        for (size_t i = 0; i < timeCourseBlock; ++i)
+            flat[i] &= samples[row + i] == samples[i];
+    return flat;
+}
+
+void writeBlock(FMRProject& project, const Block& block, SampleRange range,
+                const std::array<bool, timeCourseBlock>& flat, std::span<const double> filtered) {
+    const double largest = double(range);
+    for (size_t row = 0; row < filtered.size() / timeCourseBlock; ++row) {
+        int16_t* const target = project.volumes[row].data() + block.first;
+        const double* const source = filtered.data() + row * timeCourseBlock;
+        for (size_t i = 0; i < block.count; ++i) {
+            // Not below 0, so that truncation rounds half up.
+            const double limited = std::min(std::max(source[i], 0.0), largest);
+            const auto sample = int16_t(uint16_t(int(limited + 0.5)));
+            target[i] = flat[i] ? target[i] : sample;
+        }
+    }
+}
+
+} // namespace
+
+int nrOfCompleteVolumes(const FMRProject& project, int nrOfVolumes) {
+    const size_t most = std::min(size_t(std::max(nrOfVolumes, 0)), project.volumes.size());
+    const size_t samples = project.volumeSamples();
+    size_t count = 0;
+    while (samples > 0 && count < most && project.volumes[count].size() >= samples)
+        ++count;
+    return int(count);
+}
+
+bool filterTimeCourses(FMRProject& project, int nrOfVolumes, SampleRange range,
+                       const StepProgress& progress, const TimeCourseFilter& filter) {
+    const size_t rows = size_t(nrOfCompleteVolumes(project, nrOfVolumes));
+    ZeroedBuffer<double> samples;
+    ZeroedBuffer<double> filtered;
+    if (!samples.allocate(rows * timeCourseBlock) || !filtered.allocate(rows * timeCourseBlock)) {
+        showCritical("ERROR: Insufficient memory for creating pixel time course array.");
+        return false;
+    }
+    const size_t sliceSamples = project.sliceSamples();
+    for (int slice = 0; slice < project.NrOfSlices && rows > 0; ++slice) {
+        for (size_t pixel = 0; pixel < sliceSamples; pixel += timeCourseBlock) {
+            const Block block{size_t(slice) * sliceSamples + pixel,
+                              std::min(timeCourseBlock, sliceSamples - pixel)};
+            readBlock(project, block, range, samples.span());
+            filter(slice, samples.span(), filtered.span());
+            writeBlock(project, block, range, findFlatCourses(samples.span()), filtered.span());
+        }
+        if (!progress.advance(slice + 1, project.NrOfSlices))
+            return false;
+    }
+    return true;
+}

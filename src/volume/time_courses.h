@@ -1,0 +1,33 @@
+// Filtering the time courses of all voxels of a run.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "volume/fmr_project.h"
+#include "volume/step_progress.h"
+
+#include <functional>
+
+/// Voxels that are filtered side by side: long enough for straight inner loops, short enough for
+/// their whole time courses to stay in the cache.
+inline constexpr size_t timeCourseBlock = 128;
+
+/// How samples are read, and the largest one that is written.
+enum class SampleRange : int {
+    Signed = 32767,
+    Unsigned = 65535,
+};
+
+/// Reads the time courses of a block of voxels of one slice and leaves filtered ones. Both arrays
+/// have one row of timeCourseBlock values for each volume; columns of a block without voxels are 0.
+using TimeCourseFilter =
+    std::function<void(int slice, std::span<const double> samples, std::span<double> filtered)>;
+
+/// How many of the first `nrOfVolumes` volumes, up to the first without memory, the project has.
+[[nodiscard]] int nrOfCompleteVolumes(const FMRProject& project, int nrOfVolumes);
+
+/// Applies a filter to all voxels over the first volumes of the run. Results are limited to 0 and
+/// the largest sample and rounded half up; a time course that does not change over the run is left
+/// as it is. False after a message when memory runs out, with the samples as they were, and without
+/// one when the work is cancelled, with part of the slices filtered.
+[[nodiscard]] bool filterTimeCourses(FMRProject& project, int nrOfVolumes, SampleRange range,
+                                     const StepProgress& progress, const TimeCourseFilter& filter);
