@@ -3,7 +3,11 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "volume/high_pass.h"
 #include "volume/postprocessing_names.h"
+#include "volume/run_smoothing.h"
+#include "volume/slice_timing.h"
+#include "volume/temporal_smoothing.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -17,11 +21,13 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 #include <cmath>
+#include <limits>
 
 namespace {
 
-constexpr int fieldWidth = 84;   // pixels
-constexpr int dialogWidth = 560; // pixels
+constexpr int fieldWidth = 84;    // pixels
+constexpr int controlWidth = 104; // pixels
+constexpr int dialogWidth = 560;  // pixels
 constexpr int resultLines = 4;
 constexpr int headWidth = 190; // pixels; the same in all groups
 
@@ -68,11 +74,11 @@ void addRow(QGridLayout* grid, QWidget* head, std::initializer_list<QWidget*> co
     }
 }
 
-/// 0 for a text that is no number.
+/// No number for a text that is none.
 float numberIn(const QLineEdit* field) {
     bool ok = false;
     const float number = field->text().trimmed().toFloat(&ok);
-    return ok && std::isfinite(number) ? number : 0.0f;
+    return ok && std::isfinite(number) ? number : std::numeric_limits<float>::quiet_NaN();
 }
 
 QString numberText(float number) {
@@ -134,7 +140,10 @@ QGroupBox* PostprocessingDlg::newGroup(const QString& title, const char* name,
     grid->setHorizontalSpacing(14);
     grid->setVerticalSpacing(6);
     grid->setColumnMinimumWidth(0, headWidth);
-    grid->setColumnStretch(grid->columnCount() + 3, 1);
+    constexpr int controls = 3;
+    for (int column = 1; column <= controls; ++column)
+        grid->setColumnMinimumWidth(column, controlWidth);
+    grid->setColumnStretch(controls + 1, 1);
     return group;
 }
 
@@ -169,9 +178,10 @@ QGroupBox* PostprocessingDlg::createSliceScanTimeGroup() {
     sinc_ = newChoice("Si&nc", "m_SincInterpolation", "Six samples, weighted by a windowed sinc");
     linear_ = newChoice("&Linear", "m_LinearInterpolation", "The two neighbouring samples");
     addRow(grid, newLabel("Interpolation:"), {cubicSpline_, sinc_, linear_});
-    auto* times = new QLabel(sliceTimesText());
-    times->setObjectName("m_SliceTimesInfo");
-    grid->addWidget(times, grid->rowCount(), 0, 1, -1);
+    sliceOrder_ = newLabel({});
+    sliceOrder_->setObjectName("m_SliceOrderInfo");
+    sliceOrder_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    grid->addWidget(sliceOrder_, grid->rowCount(), 0, 1, -1);
     return sliceScanTime_;
 }
 
@@ -314,11 +324,22 @@ QString PostprocessingDlg::runText() const {
         .arg(double(header_.TR));
 }
 
-QString PostprocessingDlg::sliceTimesText() const {
-    return QStringLiteral("One slice every %1 ms: %2 slices take %3 of %4 ms.")
+// "2, 4, 6, 8 ... 23, 25", to be held against the protocol of the scanner.
+QString PostprocessingDlg::sliceOrderText() const {
+    constexpr int shownAtStart = 6;
+    constexpr int shownAtEnd = 3;
+    const SliceScanTimeOptions order = options().sliceScanTime;
+    const int slices = header_.NrOfSlices;
+    QStringList measured(std::max(slices, 0));
+    for (int slice = 0; slice < slices; ++slice)
+        measured[timePositionOfSlice(slice, slices, order, 0)] = QString::number(slice + 1);
+    QString text = measured.join(", ");
+    if (slices > shownAtStart + shownAtEnd)
+        text = measured.first(shownAtStart).join(", ") + " ... " +
+               measured.last(shownAtEnd).join(", ");
+    return QStringLiteral("Slices in the order %1; one every %2 ms of a TR of %3 ms")
+        .arg(text)
         .arg(double(header_.InterSliceTime))
-        .arg(header_.NrOfSlices)
-        .arg(double(float(header_.NrOfSlices) * header_.InterSliceTime))
         .arg(double(header_.TR));
 }
 
@@ -328,22 +349,31 @@ PostprocessingDlg::Fault PostprocessingDlg::findFault() const {
     const bool filters =
         temporal.checked && (temporal.linearTrendRemoval || temporal.highPass || temporal.gaussian);
     if (!chosen.sliceScanTime.checked && !chosen.spatial.checked && !filters)
-        return {"Nothing is chosen yet.", sliceScanTime_};
-    return findNumberFault(chosen);
+        return {"Nothing is chosen yet: check a group, and in the last one a filter.",
+                sliceScanTime_};
+    if (chosen.spatial.checked && std::isnan(chosen.spatial.fwhm))
+        return {"The width of the spatial smoothing is no number.", fwhm_};
+    if (temporal.checked && temporal.highPass && std::isnan(temporal.highPassCycles))
+        return {"The number of sines/cosines is no number.", highPassCycles_};
+    if (temporal.checked && temporal.gaussian && std::isnan(temporal.gaussianWidth))
+        return {"The width of the temporal Gaussian is no number.", gaussianWidth_};
+    return {};
 }
 
-PostprocessingDlg::Fault
-PostprocessingDlg::findNumberFault(const PostprocessingOptions& chosen) const {
-    const auto isWidth = [](float width) { return width > 0.0f; };
-    if (chosen.spatial.checked && !isWidth(chosen.spatial.fwhm))
-        return {"The width of the spatial smoothing must be a number above 0.", fwhm_};
-    if (!chosen.temporal.checked)
-        return {};
-    if (chosen.temporal.highPass && chosen.temporal.nrOfHighPassCycles() < 1)
-        return {"The number of sines/cosines must be 1 or more.", highPassCycles_};
-    if (chosen.temporal.gaussian && !isWidth(chosen.temporal.gaussianWidth))
-        return {"The width of the temporal Gaussian must be a number above 0.", gaussianWidth_};
-    return {};
+// What the steps would refuse, with their message.
+QWidget* PostprocessingDlg::findImpossibleStep() const {
+    const PostprocessingOptions chosen = options();
+    const TemporalOptions& temporal = chosen.temporal;
+    if (chosen.sliceScanTime.checked && !sliceTimesAreValid(header_))
+        return sliceScanTime_;
+    if (chosen.spatial.checked && !runSmoothingIsPossible(header_, chosen.spatial))
+        return fwhm_;
+    if (temporal.checked && temporal.highPass &&
+        !highPassIsPossible(nrOfVolumes_, temporal.nrOfHighPassCycles()))
+        return highPassCycles_;
+    if (temporal.checked && temporal.gaussian && !temporalSmoothingIsPossible(header_, temporal))
+        return gaussianWidth_;
+    return nullptr;
 }
 
 QString PostprocessingDlg::resultText() const {
@@ -364,16 +394,19 @@ void PostprocessingDlg::onChanged() {
     for (QWidget* control :
          std::initializer_list<QWidget*>{gaussianWidth_, gaussianInSeconds_, gaussianInDataPoints_})
         control->setEnabled(filters && gaussian_->isChecked());
+    sliceOrder_->setText(sliceOrderText());
     const QString fault = findFault().text;
     result_->setText(fault.isEmpty() ? resultText() : fault);
 }
 
 void PostprocessingDlg::accept() {
     const Fault fault = findFault();
-    if (fault.text.isEmpty())
+    if (!fault.text.isEmpty())
+        showWarning("ERROR: " + fault.text);
+    QWidget* wrong = fault.text.isEmpty() ? findImpossibleStep() : fault.control;
+    if (!wrong)
         return QDialog::accept();
-    showWarning("ERROR: " + fault.text);
-    fault.control->setFocus();
-    if (auto* field = qobject_cast<QLineEdit*>(fault.control))
+    wrong->setFocus();
+    if (auto* field = qobject_cast<QLineEdit*>(wrong))
         field->selectAll();
 }

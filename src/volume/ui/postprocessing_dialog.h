@@ -14,7 +14,7 @@ class QLineEdit;
 class QRadioButton;
 
 /// Collects the options and shows the names that the result will bear; it changes nothing itself.
-/// A number that makes no sense is named when "OK" is pressed, and the dialog stays.
+/// What can't be carried out is named when "OK" is pressed, and the dialog stays.
 class PostprocessingDlg : public QDialog {
     Q_OBJECT
 
@@ -22,7 +22,7 @@ public:
     /// What the dialog shows of the run is copied: the project may go while the dialog is open.
     PostprocessingDlg(const FMRProject& project, int nrOfMeasuredVolumes, QWidget* parent);
 
-    /// As chosen. A text that is no number counts as 0, which accept() does not let pass.
+    /// As chosen. A text that is no number gives NaN, which accept() does not let pass.
     [[nodiscard]] PostprocessingOptions options() const;
     /// True to go on with the statistics of the changed data.
     [[nodiscard]] bool recomputeStatistics() const;
@@ -47,10 +47,10 @@ private:
     void connectControls();
 
     [[nodiscard]] QString runText() const;
-    [[nodiscard]] QString sliceTimesText() const;
+    [[nodiscard]] QString sliceOrderText() const;
     [[nodiscard]] bool hasEvenNumberOfSlices() const { return header_.NrOfSlices % 2 == 0; }
     [[nodiscard]] Fault findFault() const;
-    [[nodiscard]] Fault findNumberFault(const PostprocessingOptions& chosen) const;
+    [[nodiscard]] QWidget* findImpossibleStep() const;
     [[nodiscard]] QString resultText() const;
     void onChanged();
 
@@ -68,6 +68,7 @@ private:
     QRadioButton* linear_ = nullptr;
     QRadioButton* cubicSpline_ = nullptr;
     QRadioButton* sinc_ = nullptr;
+    QLabel* sliceOrder_ = nullptr;
 
     QGroupBox* spatial_ = nullptr;
     QRadioButton* inSpaceDomain_ = nullptr;
