@@ -67,16 +67,17 @@ bool removeDrifts(FMRProject& project, const std::vector<float>& design, int vol
 } // namespace
 
 bool highPassIsPossible(int nrOfVolumes, int cycles) {
-    if (cycles < 0) {
-        showWarning("ERROR: The number of sines/cosines of the high-pass filter must not be below "
-                    "0!");
+    if (cycles < 0 || cycles > maximumHighPassCycles) {
+        showWarning(QString("ERROR: The number of sines/cosines of the high-pass filter must be "
+                            "between 0 and %1!")
+                        .arg(maximumHighPassCycles));
         return false;
     }
-    if (2 * qint64(cycles) + 2 > nrOfVolumes) {
+    if (2 * cycles + 2 > nrOfVolumes) {
         showWarning(QString("ERROR: A high-pass filter with %1 sines/cosines needs at least %2 "
                             "volumes, and the run has %3!")
                         .arg(cycles)
-                        .arg(2 * qint64(cycles) + 2)
+                        .arg(2 * cycles + 2)
                         .arg(nrOfVolumes));
         return false;
     }

@@ -5,8 +5,12 @@
 #include "volume/fmr_project.h"
 #include "volume/step_progress.h"
 
+/// More pairs of sine and cosine would keep the computer busy for long before the first voxel; long
+/// runs need a few dozen.
+inline constexpr int maximumHighPassCycles = 200;
+
 /// False after a message when a high-pass filter with this many pairs of sine and cosine has no
-/// unique solution for so many volumes, or the number is below 0.
+/// unique solution for so many volumes, or the number is below 0 or above the limit.
 [[nodiscard]] bool highPassIsPossible(int nrOfVolumes, int cycles);
 
 /// Least-squares fit of sines and cosines of 1 to `cycles` cycles over the first volumes of the

@@ -1,0 +1,255 @@
+// Slice times, drifts and temporal smoothing against closed forms and NumPy.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/scripted_messages.h"
+#include "volume/high_pass.h"
+#include "volume/slice_timing.h"
+#include "volume/temporal_smoothing.h"
+#include "volume_runs.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <numbers>
+
+namespace {
+
+using Order = std::vector<int>;
+
+/// Slices in the order in which a scanner measures them: all, or every other one from `start` and
+/// then the rest, upwards or downwards.
+Order measuredOrder(int nrOfSlices, bool descending, int step, int start) {
+    Order order;
+    for (int pass = 0; pass < step; ++pass)
+        for (int i = pass == 0 ? start : 1 - start; i < nrOfSlices; i += step)
+            order.push_back(descending ? nrOfSlices - 1 - i : i);
+    return order;
+}
+
+struct OrderCase {
+    bool descending;
+    bool interleaved;
+    bool interleaved2;
+
+    [[nodiscard]] SliceScanTimeOptions options() const {
+        SliceScanTimeOptions options;
+        options.ascendingSliceOrder = !descending;
+        options.descendingSliceOrder = descending;
+        options.interleavedSliceOrder = interleaved;
+        options.interleaved2SliceOrder = interleaved2;
+        return options;
+    }
+    [[nodiscard]] Order order(int nrOfSlices) const {
+        return measuredOrder(nrOfSlices, descending, interleaved || interleaved2 ? 2 : 1,
+                             interleaved2 ? 1 : 0);
+    }
+};
+
+constexpr OrderCase orderCases[] = {{false, false, false}, {false, true, false},
+                                    {false, false, true},  {true, false, false},
+                                    {true, true, false},   {true, false, true}};
+
+constexpr int nrOfVolumes = 60;
+
+double sine(double volume) {
+    return 2000 + 1000 * std::sin(2 * std::numbers::pi * volume / 20);
+}
+
+bool correct(FMRProject& run, const SliceScanTimeOptions& options) {
+    RecordedProgress progress;
+    return correctSliceScanTime(run, run.NrOfVolumes, options, StepProgress(progress));
+}
+
+/// Puts a time course into every voxel of a run of two slices.
+FMRProject runWithCourse(const std::vector<int>& course) {
+    return runOf(3, 2, 2, int(course.size()),
+                 [&](int, int, int, int v) { return course[size_t(v)]; });
+}
+
+std::vector<int> courseOf(const FMRProject& run, size_t voxel) {
+    std::vector<int> course;
+    for (const Volume& volume : run.volumes)
+        course.push_back(volume[voxel]);
+    return course;
+}
+
+} // namespace
+
+TEST(SliceTiming, PositionsFollowTheOrderOfMeasurement) {
+    for (const OrderCase& c : orderCases)
+        for (int n = 1; n <= 9; ++n) {
+            Order positions(size_t(n), -1);
+            const Order order = c.order(n);
+            for (int k = 0; k < n; ++k)
+                positions[size_t(order[size_t(k)])] = k;
+            for (int s = 0; s < n; ++s)
+                EXPECT_EQ(timePositionOfSlice(s, n, c.options(), 99), positions[size_t(s)])
+                    << n << " slices, " << c.descending << c.interleaved << c.interleaved2;
+        }
+    SliceScanTimeOptions none;
+    none.ascendingSliceOrder = false;
+    EXPECT_EQ(timePositionOfSlice(3, 5, none, 2), 2);
+}
+
+TEST(SliceTiming, ASineMeasuredSliceBySliceComesBackAligned) {
+    // Linear interpolation is off by an eighth of the second derivative at most, 12.3; the spline
+    // by 5/384 of the fourth derivative, 0.13, but near the ends it lacks curvature; the six taps
+    // of the sinc, by their response to this frequency, by 3.3, and near the ends it is linear. The
+    // rounding of samples and result adds up to 1.3.
+    const struct {
+        bool sinc;
+        bool spline;
+        double inside;
+        double nearEnds;
+    } methods[] = {{false, false, 13.4, 13.4}, {false, true, 1.4, 7}, {true, false, 4.6, 13.4}};
+    for (const OrderCase& c : orderCases)
+        for (const int n : {4, 5})
+            for (const auto& method : methods) {
+                const Order order = c.order(n);
+                FMRProject run = runOf(3, 2, n, nrOfVolumes, [&](int, int, int s, int v) {
+                    const auto k = std::ranges::find(order, s) - order.begin();
+                    return sine(v + double(k) / n);
+                });
+                const std::vector<int16_t> first(run.volumes[0].span().begin(),
+                                                 run.volumes[0].span().end());
+                SliceScanTimeOptions options = c.options();
+                options.sincInterpolation = method.sinc;
+                options.cubicSplineInterpolation = method.spline;
+                ASSERT_TRUE(correct(run, options));
+                EXPECT_TRUE(std::ranges::equal(run.volumes[0].span(), first));
+                for (int v = 1; v < nrOfVolumes; ++v)
+                    for (const int16_t sample : run.volumes[size_t(v)].span())
+                        ASSERT_NEAR(sample, sine(v),
+                                    v < 6 || v > nrOfVolumes - 6 ? method.nearEnds : method.inside)
+                            << n << method.sinc << method.spline << v;
+            }
+}
+
+TEST(SliceTiming, LinearAndSincValuesAreThoseOfTheirFormulas) {
+    // Slice 1 of 2 is half a volume late.
+    const std::vector<int> course{0, 100, 65535, 65535, 7, 40000, 50000, 3};
+    SliceScanTimeOptions options;
+    options.cubicSplineInterpolation = false;
+    FMRProject run = runWithCourse(course);
+    ASSERT_TRUE(correct(run, options));
+    EXPECT_EQ(uint16_t(run.volumes[1][6]), 50);
+    EXPECT_EQ(uint16_t(run.volumes[2][6]), 32818); // 32817.5
+    EXPECT_EQ(uint16_t(run.volumes[3][6]), 65535);
+    options.sincInterpolation = true;
+    run = runWithCourse(course);
+    ASSERT_TRUE(correct(run, options));
+    EXPECT_EQ(uint16_t(run.volumes[2][6]), 32818); // too near to the end
+    EXPECT_EQ(uint16_t(run.volumes[3][6]), 65535); // limited
+    EXPECT_EQ(uint16_t(run.volumes[4][6]), 27206); // NumPy: 27206.03
+}
+
+TEST(SliceTiming, TimesThatDoNotFitChangeNothing) {
+    ScriptedMessages messages;
+    const struct {
+        float tr;
+        float interSliceTime;
+        const char* text;
+    } cases[] = {{2000, 1001, "ERROR: NrOfSlices * InterSliceTime > TR !"},
+                 {0, 0, "ERROR: The TR and the inter-slice time of the project are no times!"},
+                 {2000, -5, "ERROR: The TR and the inter-slice time of the project are no times!"},
+                 {NAN, 5, "ERROR: The TR and the inter-slice time of the project are no times!"}};
+    for (const auto& c : cases) {
+        FMRProject run = runWithCourse({5, 9, 2});
+        run.TR = c.tr;
+        run.InterSliceTime = c.interSliceTime;
+        messages.expect(MessageLevel::Warning, c.text);
+        EXPECT_FALSE(correct(run, {}));
+        EXPECT_EQ(courseOf(run, 6), (std::vector<int>{5, 9, 2}));
+    }
+    FMRProject single = runWithCourse({-7});
+    EXPECT_TRUE(correct(single, {}));
+    EXPECT_EQ(courseOf(single, 6), std::vector<int>{-7});
+}
+
+TEST(HighPass, LeavesTheMeanAndWhatIsFastAndAFileWithTheDesign) {
+    QTemporaryDir folder;
+    const QString oldFolder = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder.path()));
+    FMRProject run = runWithCourse(
+        {903, 1024, 320, 1027, 721, 763, 867, 557, 1181, 348, 550, 645, 814, 667, 417, 340});
+    for (Volume& volume : run.volumes)
+        volume[4] = -5; // flat
+    for (size_t v = 0; v < 16; ++v)
+        run.volumes[v][5] = v == 8 ? 32767 : 0;
+    RecordedProgress progress;
+    EXPECT_TRUE(highPassFourier(run, 16, 2, StepProgress(progress)));
+    EXPECT_TRUE(QDir::setCurrent(oldFolder));
+    EXPECT_EQ(progress.values, (std::vector<int>{50, 100}));
+    // The residual of numpy.linalg.lstsq plus the last beta.
+    EXPECT_EQ(courseOf(run, 11), (std::vector<int>{624, 935, 320, 1015, 640, 622, 723, 474, 1186,
+                                                   418, 630, 690, 828, 713, 594, 731}));
+    EXPECT_EQ(courseOf(run, 4), std::vector<int>(16, -5));
+    EXPECT_EQ(std::ranges::min(courseOf(run, 5)), 0);
+    QFile file(folder.filePath("DM-Fourier.txt"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    ASSERT_EQ(lines.size(), 17);
+    EXPECT_EQ(lines[1], "0.382683 0.923880 0.707107 0.707107 -0.866667 1.000000 ");
+}
+
+TEST(HighPass, CyclesThatTheRunCanNotTellApartChangeNothing) {
+    ScriptedMessages messages;
+    FMRProject run = runWithCourse({5, 9, 2, 7, 1});
+    RecordedProgress progress;
+    for (const int cycles : {2, -1, 1000000}) {
+        messages.expect(MessageLevel::Warning,
+                        cycles == 2 ? "ERROR: A high-pass filter with 2 sines/cosines needs at "
+                                      "least 6 volumes, and the run has 5!"
+                                    : "ERROR: The number of sines/cosines of the high-pass filter "
+                                      "must be between 0 and 200!");
+        EXPECT_FALSE(highPassFourier(run, 5, cycles, StepProgress(progress)));
+    }
+    EXPECT_EQ(courseOf(run, 0), (std::vector<int>{5, 9, 2, 7, 1}));
+}
+
+TEST(LinearTrend, IsRemovedAndTheMeanStays) {
+    // Mean 18, slope 2.
+    FMRProject run = runWithCourse({10, 20, 28, 14});
+    RecordedProgress progress;
+    ASSERT_TRUE(removeLinearTrend(run, 4, StepProgress(progress)));
+    EXPECT_EQ(courseOf(run, 0), (std::vector<int>{13, 21, 27, 11}));
+    FMRProject single = runWithCourse({-5});
+    EXPECT_TRUE(removeLinearTrend(single, 1, StepProgress(progress)));
+    EXPECT_EQ(courseOf(single, 0), std::vector<int>{-5});
+}
+
+TEST(TemporalGaussian, SpreadsAnImpulseOverTheWidth) {
+    // At half the width, two volumes away, the weight is half of that in the middle.
+    std::vector<int> course(21, 0);
+    course[10] = 20000;
+    TemporalOptions options;
+    for (const bool inSeconds : {false, true}) {
+        FMRProject run = runWithCourse(course);
+        options.gaussianInSeconds = inSeconds;
+        options.gaussianWidth = inSeconds ? 8.0f : 4.0f; // TR is 2 s
+        RecordedProgress progress;
+        ASSERT_TRUE(smoothTimeCourses(run, 21, options, StepProgress(progress)));
+        const double sigma = 4 / std::sqrt(8 * std::log(2.0));
+        for (int v = 0; v < 21; ++v)
+            EXPECT_NEAR(run.volumes[size_t(v)][3],
+                        20000 / (sigma * std::sqrt(2 * std::numbers::pi)) *
+                            std::pow(0.5, (v - 10) * (v - 10) / 4.0),
+                        1.0);
+    }
+    // At the end of the run the weights of the volumes that exist are divided by their sum.
+    FMRProject border = runWithCourse({3000, 0, 0});
+    options = {};
+    options.gaussianInSeconds = false;
+    options.gaussianWidth = 2.0f; // weights 1, 1/2, 1/16
+    RecordedProgress progress;
+    ASSERT_TRUE(smoothTimeCourses(border, 3, options, StepProgress(progress)));
+    EXPECT_EQ(courseOf(border, 0), (std::vector<int>{1920, 750, 120}));
+
+    ScriptedMessages messages;
+    for (const float width : {0.0f, -1.0f, std::nanf("")}) {
+        options.gaussianWidth = width;
+        messages.expect(MessageLevel::Warning,
+                        "ERROR: The width of the temporal Gaussian must be above 0!");
+        EXPECT_FALSE(smoothTimeCourses(border, 3, options, StepProgress(progress)));
+    }
+    EXPECT_EQ(courseOf(border, 0), (std::vector<int>{1920, 750, 120}));
+}

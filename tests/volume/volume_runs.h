@@ -1,0 +1,47 @@
+// Small runs for the tests of smoothing and post-processing.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/progress.h"
+#include "volume/fmr_project.h"
+
+#include <functional>
+
+/// A run of 2 s TR whose slices fill the TR; `value` is called with x, y, slice and volume.
+inline FMRProject runOf(int sizeX, int sizeY, int nrOfSlices, int nrOfVolumes,
+                        const std::function<double(int, int, int, int)>& value) {
+    FMRProject project;
+    project.ResolutionX = sizeX;
+    project.ResolutionY = sizeY;
+    project.NrOfSlices = nrOfSlices;
+    project.NrOfVolumes = nrOfVolumes;
+    project.pixelSizeX = project.pixelSizeY = 3.0f;
+    project.sliceThickness = 3.0f;
+    project.sliceGap = 1.0f;
+    project.InterSliceTime = std::floor(project.TR / float(nrOfSlices));
+    EXPECT_TRUE(project.allocateVolumes());
+    const int sliceSamples = sizeX * sizeY;
+    for (int v = 0; v < nrOfVolumes; ++v)
+        for (int i = 0; i < sliceSamples * nrOfSlices; ++i)
+            project.volumes[size_t(v)][size_t(i)] = int16_t(
+                uint16_t(std::lround(value(i % sizeX, i / sizeX % sizeY, i / sliceSamples, v))));
+    return project;
+}
+
+/// All samples, volume after volume.
+inline std::vector<int16_t> samplesOf(const FMRProject& project) {
+    std::vector<int16_t> samples;
+    for (const Volume& volume : project.volumes)
+        samples.insert(samples.end(), volume.span().begin(), volume.span().end());
+    return samples;
+}
+
+/// Collects the values, and cancels once `cancelAt` percent are reached.
+struct RecordedProgress : ProgressReporter {
+    void setProgress(int percent) override { values.push_back(percent); }
+    [[nodiscard]] bool cancelled() const override {
+        return !values.empty() && values.back() >= cancelAt;
+    }
+    std::vector<int> values;
+    int cancelAt = 101;
+};
