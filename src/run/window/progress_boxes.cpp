@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QProgressDialog>
+#include <QPushButton>
 
 namespace {
 
@@ -73,6 +74,9 @@ public:
             cancelled_ = true;
             box_.setLabelText("Cancelling...");
         });
+        // The Return that chose "OK" in the dialog may repeat itself.
+        for (QPushButton* button : box_.findChildren<QPushButton*>())
+            button->setAutoDefault(false);
         // No value yet: setting one processes events, and the work has not told anybody that it
         // goes on.
         box_.show();

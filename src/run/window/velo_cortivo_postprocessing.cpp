@@ -13,9 +13,8 @@ void VeloCortivo::slotPostProcessData() {
     auto* dialog = new PostprocessingDlg(session_.functionalDocument->project, volumes, this);
     postprocessingDialog_ = dialog;
     wrapToolTips(*dialog);
-    connect(dialog, &QDialog::accepted, this, [this, dialog] {
-        postprocess(dialog->options(), dialog->recomputeStatistics());
-    });
+    connect(dialog, &QDialog::accepted, this,
+            [this, dialog] { postprocess(dialog->options(), dialog->recomputeStatistics()); });
     // Not waited for: auto-start may begin a run, which closes it.
     dialog->open();
 }

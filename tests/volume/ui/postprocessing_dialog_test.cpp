@@ -124,7 +124,7 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
          "ERROR: The number of sines/cosines is no number."},
         {"m_TemporalFilters", "m_HighPassCycles", "20", "ERROR: A high-pass filter with 20 *"},
         {"m_TemporalFilters", "m_HighPassCycles", "99999999999999999999",
-         "ERROR: A high-pass filter with 1000000 *"},
+         "ERROR: The number of sines/cosines of *"},
         {"m_TemporalFilters", "m_TemporalGaussianWidth", "nan",
          "ERROR: The width of the temporal Gaussian is no number."},
     };
