@@ -17,10 +17,12 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
 #include <cmath>
+#include <functional>
 #include <limits>
 
 namespace {
@@ -28,6 +30,7 @@ namespace {
 constexpr int fieldWidth = 84;    // pixels
 constexpr int controlWidth = 104; // pixels
 constexpr int dialogWidth = 560;  // pixels
+constexpr int nameWidth = 520;    // pixels
 constexpr int resultLines = 4;
 constexpr int headWidth = 190; // pixels; the same in all groups
 
@@ -178,7 +181,7 @@ QGroupBox* PostprocessingDlg::createSliceScanTimeGroup() {
     sinc_ = newChoice("Si&nc", "m_SincInterpolation", "Six samples, weighted by a windowed sinc");
     linear_ = newChoice("&Linear", "m_LinearInterpolation", "The two neighbouring samples");
     addRow(grid, newLabel("Interpolation:"), {cubicSpline_, sinc_, linear_});
-    sliceOrder_ = newLabel({});
+    sliceOrder_ = newLabel(QString());
     sliceOrder_->setObjectName("m_SliceOrderInfo");
     sliceOrder_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     grid->addWidget(sliceOrder_, grid->rowCount(), 0, 1, -1);
@@ -314,14 +317,19 @@ void PostprocessingDlg::connectControls() {
         connect(field, &QLineEdit::textChanged, this, &PostprocessingDlg::onChanged);
 }
 
+// A long name keeps its beginning and its marks, and does not widen the dialog.
+QString PostprocessingDlg::shown(const QString& fileName) const {
+    return fontMetrics().elidedText(fileName, Qt::ElideMiddle, nameWidth);
+}
+
 QString PostprocessingDlg::runText() const {
-    return QStringLiteral("\"%1\": %2 volumes of %3 x %4 x %5 voxels, TR %6 ms.")
-        .arg(paths::fileName(projectPath_))
-        .arg(nrOfVolumes_)
-        .arg(header_.ResolutionX)
-        .arg(header_.ResolutionY)
-        .arg(header_.NrOfSlices)
-        .arg(double(header_.TR));
+    const QString sizes = QStringLiteral("%1 volumes of %2 x %3 x %4 voxels, TR %5 ms")
+                              .arg(nrOfVolumes_)
+                              .arg(header_.ResolutionX)
+                              .arg(header_.ResolutionY)
+                              .arg(header_.NrOfSlices)
+                              .arg(double(header_.TR));
+    return shown(paths::fileName(projectPath_)) + '\n' + sizes;
 }
 
 // "2, 4, 6, 8 ... 23, 25", to be held against the protocol of the scanner.
@@ -360,19 +368,28 @@ PostprocessingDlg::Fault PostprocessingDlg::findFault() const {
     return {};
 }
 
-// What the steps would refuse, with their message.
+// What a step would refuse, with its message. A message processes events: a run may begin in them
+// and delete the dialog, so nothing of it is touched any more.
 QWidget* PostprocessingDlg::findImpossibleStep() const {
     const PostprocessingOptions chosen = options();
     const TemporalOptions& temporal = chosen.temporal;
-    if (chosen.sliceScanTime.checked && !sliceTimesAreValid(header_))
-        return sliceScanTime_;
-    if (chosen.spatial.checked && !runSmoothingIsPossible(header_, chosen.spatial))
-        return fwhm_;
-    if (temporal.checked && temporal.highPass &&
-        !highPassIsPossible(nrOfVolumes_, temporal.nrOfHighPassCycles()))
-        return highPassCycles_;
-    if (temporal.checked && temporal.gaussian && !temporalSmoothingIsPossible(header_, temporal))
-        return gaussianWidth_;
+    struct Check {
+        bool chosen;
+        QWidget* control;
+        std::function<bool()> isPossible;
+    };
+    const Check checks[] = {
+        {chosen.sliceScanTime.checked, sliceScanTime_, [&] { return sliceTimesAreValid(header_); }},
+        {chosen.spatial.checked, fwhm_,
+         [&] { return runSmoothingIsPossible(header_, chosen.spatial); }},
+        {temporal.checked && temporal.highPass, highPassCycles_,
+         [&] { return highPassIsPossible(nrOfVolumes_, temporal.nrOfHighPassCycles()); }},
+        {temporal.checked && temporal.gaussian, gaussianWidth_,
+         [&] { return temporalSmoothingIsPossible(header_, temporal); }},
+    };
+    for (const Check& check : checks)
+        if (check.chosen && !check.isPossible())
+            return check.control;
     return nullptr;
 }
 
@@ -383,7 +400,8 @@ QString PostprocessingDlg::resultText() const {
     const bool replaces = QFileInfo::exists(paths::join(targetFolder_, names.fmrName)) ||
                           QFileInfo::exists(paths::join(targetFolder_, stcName));
     return QStringLiteral("Will be saved as\n%1\n%2%3")
-        .arg(names.fmrName, stcName, replaces ? "\n(replaces the files of this name)" : QString());
+        .arg(shown(names.fmrName), shown(stcName),
+             replaces ? "\n(replaces the files of this name)" : QString());
 }
 
 void PostprocessingDlg::onChanged() {
@@ -400,10 +418,13 @@ void PostprocessingDlg::onChanged() {
 }
 
 void PostprocessingDlg::accept() {
+    const QPointer<PostprocessingDlg> self(this);
     const Fault fault = findFault();
     if (!fault.text.isEmpty())
         showWarning("ERROR: " + fault.text);
     QWidget* wrong = fault.text.isEmpty() ? findImpossibleStep() : fault.control;
+    if (!self)
+        return;
     if (!wrong)
         return QDialog::accept();
     wrong->setFocus();

@@ -46,6 +46,7 @@ private:
     void setOptions(const PostprocessingOptions& options);
     void connectControls();
 
+    [[nodiscard]] QString shown(const QString& fileName) const;
     [[nodiscard]] QString runText() const;
     [[nodiscard]] QString sliceOrderText() const;
     [[nodiscard]] bool hasEvenNumberOfSlices() const { return header_.NrOfSlices % 2 == 0; }

@@ -19,9 +19,9 @@ class PostprocessingDialog : public testing::Test {
 protected:
     PostprocessingDialog() { open(25); }
 
-    void open(int nrOfSlices) {
+    void open(int nrOfSlices, const QString& name = "run") {
         FMRProject project;
-        project.projectPath = folder_.filePath("run.fmr");
+        project.projectPath = folder_.filePath(name + ".fmr");
         project.targetFolder = folder_.path() + "/";
         project.Prefix = "slices-";
         project.NrOfSlices = nrOfSlices;
@@ -85,25 +85,13 @@ TEST_F(PostprocessingDialog, OkHandsOverWhatWasChosen) {
     enter("m_SpatialSmoothingFWHMValue", "1.5");
     enter("m_HighPassCycles", "3");
     enter("m_TemporalGaussianWidth", " 2.5 ");
+    // Each choice has its mark in the names.
     EXPECT_EQ(label("m_ResultInfo").section('\n', 1),
               "run_SCSD_FD2DSS1.50px_THPGLMF3c_TDTS 2.5dp.fmr\n"
               "slices_SCSD_FD2DSS1.50px_THPGLMF3c_TDTS 2.5dp.stc");
     QTest::keyClick(&control<QLineEdit>("m_HighPassCycles"), Qt::Key_Return);
     EXPECT_EQ(accepted.size(), 1);
     EXPECT_FALSE(dialog_->recomputeStatistics());
-    const PostprocessingOptions options = dialog_->options();
-    EXPECT_TRUE(options.sliceScanTime.descendingSliceOrder &&
-                options.sliceScanTime.sincInterpolation);
-    EXPECT_FALSE(options.sliceScanTime.ascendingSliceOrder ||
-                 options.sliceScanTime.interleavedSliceOrder ||
-                 options.sliceScanTime.interleaved2SliceOrder ||
-                 options.sliceScanTime.cubicSplineInterpolation);
-    EXPECT_TRUE(options.spatial.in2D);
-    EXPECT_FALSE(options.spatial.inSpaceDomain || options.spatial.inMillimetres ||
-                 options.temporal.gaussianInSeconds);
-    EXPECT_FLOAT_EQ(options.spatial.fwhm, 1.5f);
-    EXPECT_EQ(options.temporal.nrOfHighPassCycles(), 3);
-    EXPECT_FLOAT_EQ(options.temporal.gaussianWidth, 2.5f);
 }
 
 TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
@@ -116,13 +104,10 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
     const Case cases[] = {
         {"m_SpatialSmoothing", "m_SpatialSmoothingFWHMValue", "4,5",
          "ERROR: The width of the spatial smoothing is no number."},
-        {"m_SpatialSmoothing", "m_SpatialSmoothingFWHMValue", "-1",
-         "ERROR: The width of the spatial smoothing must be above 0!"},
         {"m_SpatialSmoothing", "m_SpatialSmoothingFWHMValue", "1e9",
          "ERROR: The width of the spatial smoothing is too large!"},
         {"m_TemporalFilters", "m_HighPassCycles", "",
          "ERROR: The number of sines/cosines is no number."},
-        {"m_TemporalFilters", "m_HighPassCycles", "20", "ERROR: A high-pass filter with 20 *"},
         {"m_TemporalFilters", "m_HighPassCycles", "99999999999999999999",
          "ERROR: The number of sines/cosines of *"},
         {"m_TemporalFilters", "m_TemporalGaussianWidth", "nan",
@@ -155,8 +140,6 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
 TEST_F(PostprocessingDialog, FiltersOfAGroupFollowIt) {
     const auto isEnabled = [this](const char* name) { return control<QWidget>(name).isEnabled(); };
     EXPECT_FALSE(isEnabled("m_HighPassCycles") || isEnabled("m_TemporalGaussianWidth"));
-    click("m_GoOnWithStatistics");
-    EXPECT_FALSE(isEnabled("m_HighPassCycles"));
     check("m_TemporalFilters");
     EXPECT_TRUE(isEnabled("m_HighPassCycles"));
     EXPECT_FALSE(isEnabled("m_LinearTrendRemoval")) << "the high-pass filter includes it";
@@ -168,6 +151,8 @@ TEST_F(PostprocessingDialog, FiltersOfAGroupFollowIt) {
 }
 
 TEST_F(PostprocessingDialog, FitsTheSmallScreenAndExplainsItself) {
+    open(25, QString(200, 'w'));
+    check("m_TemporalFilters");
     EXPECT_LE(dialog_->sizeHint().height(), 700);
     EXPECT_LE(dialog_->sizeHint().width(), 1000);
     for (const QWidget* widget : dialog_->findChildren<QWidget*>())
