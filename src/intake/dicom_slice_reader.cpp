@@ -4,16 +4,8 @@
 #include "base/paths.h"
 #include "intake/dicom_names.h"
 
-#include <cstring>
-
 DicomSliceReader::DicomSliceReader(const IntakeContext& context)
-    : DicomVolumeReader(context,
-                        {.search = PixelKeySearch::First,
-                         .settleMilliseconds = 10,
-                         .memoryMessage = "ERROR: Could not allocate memory to read DICOM file:",
-                         .missingKeyMessage =
-                             "ERROR: This file is not a DICOM or ACR-NEMA file: Header does not "
-                             "contain \"begin-of-data\" key (7FE0,0010) !"}) {}
+    : DicomVolumeReader(context, ImageKind::singleSlice()) {}
 
 // Names of this type begin with the delimiter; the files of most sites bear the prefix of the first
 // file name before it. Both are looked for.
@@ -38,28 +30,16 @@ bool DicomSliceReader::readVolume(int volume) {
 bool DicomSliceReader::readSlices(Stage stage, int volume) {
     const bool first = stage == Stage::FirstVolume;
     const qint64 measured = first ? 0 : measuredVolume(volume);
-    // Events are processed in each wait, so the volume is looked up behind it.
-    const auto target = [&] { return first ? firstVolume() : analysedVolume(volume); };
-    if (target().empty())
+    const size_t nrOfSamples = targetSlice(stage, volume, 0).size();
+    if (nrOfSamples == 0)
         return false;
-    const size_t sliceSamples = target().size() / size_t(settings().NrOfSlices);
     for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
         // Any size counts as arrived: how long a header is, the settings don't tell.
-        const auto image = awaitImage({namesOf(measured, slice), 0, true}, stage, sliceSamples);
-        if (!image || target().empty())
+        const auto image = awaitImage({namesOf(measured, slice), 0, true}, stage, nrOfSamples);
+        if (!image || !takeSlice(*image, stage, targetSlice(stage, volume, slice)))
             return false;
-        takeSlice(*image, stage, target().subspan(size_t(slice) * sliceSamples, sliceSamples));
         if (first && slice == 0)
             project().FirstDataSourceFile = paths::fileName(image->path);
     }
     return true;
-}
-
-void DicomSliceReader::takeSlice(const Image& image, Stage stage, std::span<int16_t> target) const {
-    // The first volume goes by the file, the loop by the order that the program has settled on.
-    const ByteOrder order =
-        stage == Stage::FirstVolume ? image.byteOrder : state().rawDataByteOrder;
-    if (order != hostByteOrder)
-        swapSamples(image.samples, target.size());
-    std::memcpy(target.data(), image.samples.data(), target.size_bytes());
 }

@@ -13,5 +13,4 @@ public:
 private:
     [[nodiscard]] QStringList namesOf(qint64 measured, int slice) const;
     [[nodiscard]] bool readSlices(Stage stage, int volume);
-    void takeSlice(const Image& image, Stage stage, std::span<int16_t> target) const;
 };

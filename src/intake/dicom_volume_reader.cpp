@@ -3,8 +3,18 @@
 
 #include "base/messages.h"
 #include "intake/dicom_refusal.h"
+#include "intake/header_sizes.h"
 
 #include <QFileInfo>
+#include <algorithm>
+
+ImageKind ImageKind::singleSlice() {
+    return {.search = PixelKeySearch::First,
+            .settleMilliseconds = 10,
+            .memoryMessage = "ERROR: Could not allocate memory to read DICOM file:",
+            .missingKeyMessage = "ERROR: This file is not a DICOM or ACR-NEMA file: Header does "
+                                 "not contain \"begin-of-data\" key (7FE0,0010) !"};
+}
 
 std::optional<DicomVolumeReader::Image>
 DicomVolumeReader::awaitImage(const ExpectedFile& expected, Stage stage, size_t nrOfSamples) {
@@ -62,4 +72,52 @@ void DicomVolumeReader::explainLateFile(const QStringList& names) {
     for (const QString& name : names)
         if (QFileInfo(name).isFile() && readNow(name) && !acceptsFile(name))
             return;
+}
+
+bool DicomVolumeReader::takeSlice(const Image& image, Stage stage,
+                                  std::span<int16_t> target) const {
+    // The first volume goes by the file, the loop by the order that the program has settled on.
+    const ByteOrder order =
+        stage == Stage::FirstVolume ? image.byteOrder : state().rawDataByteOrder;
+    const std::span<uint8_t> samples =
+        image.samples.first(std::min(target.size_bytes(), image.samples.size()));
+    if (order != hostByteOrder)
+        swapSamples(samples, target.size());
+    return store(samples, target);
+}
+
+bool DicomVolumeReader::readHeader(const QString& fileName) {
+    return readWhole(fileName, newWatch()) && acceptsFile(fileName) &&
+           parseDicomHeader(bytes(), fileName, state().header, state().rawDataByteOrder);
+}
+
+void DicomVolumeReader::takeSizes(const QString& fileName) {
+    const DicomHeader& header = state().header;
+    // A number that no file ever stated is 0.
+    const auto stated = [](float value) {
+        return value == 0.0f ? std::nullopt : std::optional(value);
+    };
+    HeaderSizes sizes;
+    sizes.pixelSizeX = stated(header.pixelSpacingSecond);
+    sizes.pixelSizeY = stated(header.pixelSpacingFirst);
+    // A header that never stated the spacing says nothing about a gap.
+    const bool spaced = header.spacingBetweenSlices > 0.0f;
+    if (spaced || header.sliceThickness != 0.0f) {
+        sizes.sliceThickness = header.sliceThickness;
+        sizes.sliceGap = spaced ? header.spacingBetweenSlices - header.sliceThickness : 0.0f;
+    }
+    if (sizes.pixelSizeX)
+        sizes.fieldOfViewX = float(settings().MatrixSizeX) * *sizes.pixelSizeX;
+    if (sizes.pixelSizeY)
+        sizes.fieldOfViewY = float(settings().MatrixSizeY) * *sizes.pixelSizeY;
+    takeHeaderSizes(sizes, fileName, project());
+}
+
+bool DicomVolumeReader::failForDimensions(int columns, int rows) const {
+    return failWith(QString("ERROR - dimensions of DICOM file (%1 x %2) do not match those in VCO "
+                            "file (%3 x %4) !")
+                        .arg(state().header.rows)
+                        .arg(state().header.columns)
+                        .arg(rows)
+                        .arg(columns));
 }

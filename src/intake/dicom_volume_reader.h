@@ -11,6 +11,9 @@ struct ImageKind {
     int settleMilliseconds = 10;
     QString memoryMessage;     ///< the file's name and " !" follow
     QString missingKeyMessage; ///< of a file without pixel key; "%1" stands for its name
+
+    /// Files of one slice each.
+    [[nodiscard]] static ImageKind singleSlice();
 };
 
 class DicomVolumeReader : public FileVolumeReader {
@@ -36,6 +39,18 @@ protected:
     [[nodiscard]] bool readWhole(const QString& fileName, const StopWatch& watch);
     /// False, after a message, for a file that is known to be unreadable as it stands.
     [[nodiscard]] bool acceptsFile(const QString& fileName);
+    /// Copies the first samples of a file of one slice; false when `target` is empty, as it is when
+    /// the volume has gone in a wait.
+    [[nodiscard]] bool takeSlice(const Image& image, Stage stage, std::span<int16_t> target) const;
+
+    /// Reads the header of a file that has arrived into the shared record. False after a message.
+    [[nodiscard]] bool readHeader(const QString& fileName);
+    /// Takes pixel sizes, thickness and gap from the shared record, and the field of view of the
+    /// matrix. What the header doesn't state stays; `fileName` is for the message of sizes that
+    /// can't be.
+    void takeSizes(const QString& fileName);
+    /// Says that the header disagrees with the columns and rows that are expected; false.
+    [[nodiscard]] bool failForDimensions(int columns, int rows) const;
 
 private:
     [[nodiscard]] std::optional<Image> readImage(const QString& fileName, const StopWatch& watch,

@@ -18,21 +18,27 @@ std::pair<qint64, qint64> presentPart(const FilePart& part, qint64 fileSize) {
 
 } // namespace
 
-FileBytes::Result FileBytes::read(const QString& fileName, const FilePart& part) {
+bool FileBytes::reserve(qint64 length) {
     constexpr qint64 largestPart = qint64(512) << 20;
     // Files of a series differ by a few bytes; a rounded size spares most of them a new buffer.
     constexpr size_t granularity = size_t(64) << 10;
+    size_ = 0;
+    if (length < 0 || length > largestPart)
+        return false;
+    const size_t wanted = size_t(length);
+    return wanted <= buffer_.size() || buffer_.allocate((wanted / granularity + 1) * granularity);
+}
+
+FileBytes::Result FileBytes::read(const QString& fileName, const FilePart& part) {
     size_ = 0;
     QFile file(fileName);
     // Opening anything but a plain file may block.
     if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return Result::CannotOpen;
     const auto [offset, length] = presentPart(part, file.size());
-    if (length > largestPart)
+    if (!reserve(length))
         return Result::NoMemory;
     const size_t wanted = size_t(length);
-    if (wanted > buffer_.size() && !buffer_.allocate((wanted / granularity + 1) * granularity))
-        return Result::NoMemory;
     if (offset > 0 && !file.seek(offset))
         return Result::CannotOpen;
     while (size_ < wanted) {

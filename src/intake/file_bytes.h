@@ -22,6 +22,9 @@ public:
     /// part does, gives less. More than 512 MiB are no image and count as too large for memory.
     /// The buffer only grows.
     [[nodiscard]] Result read(const QString& fileName, const FilePart& part = {});
+    /// Room for this many bytes, so that no read of as many can lack it; what was read is gone.
+    /// False where read() would say NoMemory.
+    [[nodiscard]] bool reserve(qint64 length);
 
     /// The bytes of the file that was read last.
     [[nodiscard]] std::span<uint8_t> bytes() { return buffer_.span().first(size_); }

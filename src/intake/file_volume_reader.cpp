@@ -4,8 +4,24 @@
 #include "base/messages.h"
 #include "base/paths.h"
 
+#include <cstring>
+
 QString FileVolumeReader::watchedPath(const QString& name) const {
     return paths::join(state().watchFolder, name);
+}
+
+ExpectedFile FileVolumeReader::expectedFirstFile(const QString& name, qint64 size) const {
+    if (!settings().WatchFolder.isEmpty() || settings().watchFolderList.isEmpty())
+        return {{watchedPath(name)}, size, true};
+    ExpectedFile expected{{}, size, false};
+    for (const QString& folder : settings().watchFolderList)
+        expected.names << paths::join(folder, name);
+    return expected;
+}
+
+void FileVolumeReader::takeFirstFile(const QString& path) {
+    state().watchFolder = paths::folderWithSlash(path);
+    project().FirstDataSourceFile = paths::fileName(path);
 }
 
 bool FileVolumeReader::waitsOn(const StopWatch& watch, int pollMilliseconds) {
@@ -50,6 +66,21 @@ std::span<int16_t> FileVolumeReader::analysedVolume(int volume) {
     if (volume < 0 || size_t(volume) >= project().volumes.size())
         return {};
     return ofRightSize(project().volumes[size_t(volume)]);
+}
+
+std::span<int16_t> FileVolumeReader::targetSlice(Stage stage, int volume, int slice) {
+    const std::span<int16_t> samples = targetVolume(stage, volume);
+    if (samples.empty() || slice < 0 || slice >= settings().NrOfSlices)
+        return {};
+    const size_t size = samples.size() / size_t(settings().NrOfSlices);
+    return samples.subspan(size_t(slice) * size, size);
+}
+
+bool FileVolumeReader::store(std::span<const uint8_t> samples, std::span<int16_t> target) {
+    if (samples.empty() || samples.size() != target.size_bytes())
+        return false;
+    std::memcpy(target.data(), samples.data(), samples.size());
+    return true;
 }
 
 bool FileVolumeReader::failWith(const QString& text) {

@@ -29,6 +29,12 @@ protected:
         return qint64(volume) + settings().NrOfVolumesToSkip;
     }
 
+    /// The first file of a run. With a list of folders instead of a watch folder, each of them may
+    /// have it; the size must then be met exactly, so that the file of another run is passed by.
+    [[nodiscard]] ExpectedFile expectedFirstFile(const QString& name, qint64 size) const;
+    /// The first file has come: its folder is watched from here on, its name goes to the project.
+    void takeFirstFile(const QString& path);
+
     /// One more round of polling, unless the time-out of a file has passed on `watch`.
     [[nodiscard]] bool waitsOn(const StopWatch& watch, int pollMilliseconds = 100);
     /// Reads the whole file, or `length` bytes at `offset`, into the buffer; one that can't be
@@ -42,6 +48,8 @@ protected:
     [[nodiscard]] bool readNow(const QString& fileName) {
         return file_.read(fileName) == FileBytes::Result::Done;
     }
+    /// Room for reads of as many bytes; false when memory does not suffice.
+    [[nodiscard]] bool reserveBuffer(qint64 length) { return file_.reserve(length); }
     /// What was read last.
     [[nodiscard]] std::span<uint8_t> bytes() { return file_.bytes(); }
 
@@ -49,6 +57,14 @@ protected:
     /// Empty when the number is out of range or the volume has not the size of the settings.
     [[nodiscard]] std::span<int16_t> firstVolume();
     [[nodiscard]] std::span<int16_t> analysedVolume(int volume);
+    /// The one of the two that the stage fills; `volume` counts only in the loop.
+    [[nodiscard]] std::span<int16_t> targetVolume(Stage stage, int volume) {
+        return stage == Stage::FirstVolume ? firstVolume() : analysedVolume(volume);
+    }
+    /// One slice of it; empty where the volume is, or has no such slice.
+    [[nodiscard]] std::span<int16_t> targetSlice(Stage stage, int volume, int slice);
+    /// Copies the samples. False, with nothing copied, when the target has not exactly their size.
+    [[nodiscard]] static bool store(std::span<const uint8_t> samples, std::span<int16_t> target);
 
     /// Shows the text as a warning; false, for the caller to return.
     static bool failWith(const QString& text);

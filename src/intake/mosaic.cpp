@@ -10,6 +10,16 @@ bool MosaicTiling::holdsAllSlices() const {
     return int64_t(mosaicSizeX / matrixSizeX) * (mosaicSizeY / matrixSizeY) >= nrOfSlices;
 }
 
+QString unusableLayoutMessage(const MosaicTiling& layout) {
+    return QString("ERROR: A mosaic of %1 x %2 does not hold %3 slices of %4 x %5 - check settings "
+                   "file !")
+        .arg(layout.mosaicSizeX)
+        .arg(layout.mosaicSizeY)
+        .arg(layout.nrOfSlices)
+        .arg(layout.matrixSizeX)
+        .arg(layout.matrixSizeY);
+}
+
 bool splitMosaic(std::span<const uint8_t> source, std::span<int16_t> volume,
                  const MosaicTiling& layout) {
     if (!layout.holdsAllSlices() || source.size() / 2 < layout.mosaicSamples() ||

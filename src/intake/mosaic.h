@@ -4,6 +4,7 @@
 
 #include "run/settings/run_settings.h"
 
+#include <QString>
 #include <cstdint>
 #include <span>
 
@@ -28,6 +29,9 @@ struct MosaicTiling {
         return size_t(matrixSizeX) * size_t(matrixSizeY) * size_t(nrOfSlices);
     }
 };
+
+/// What to tell about a layout that does not hold all slices.
+[[nodiscard]] QString unusableLayoutMessage(const MosaicTiling& layout);
 
 /// Copies the tiles, row by row from the top left, to the slices of `volume`. `source` holds the
 /// samples of the mosaic in the byte order of this machine. False, with nothing copied, when the

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/raw_volume_reader.h"
 
+#include "intake/pixel_data.h"
+
 std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitSamples(const RawFile& file) {
     const StopWatch watch = newWatch();
     const QString path = awaitFile(file.expected,
@@ -17,4 +19,9 @@ std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitSamples(const Raw
             return RawImage{path, bytes()};
     } while (waitsOn(watch, file.pollMilliseconds));
     return std::nullopt;
+}
+
+void RawVolumeReader::toHostOrder(std::span<uint8_t> samples) const {
+    if (state().rawDataByteOrder != hostByteOrder)
+        swapSamples(samples, samples.size() / 2);
 }

@@ -28,4 +28,8 @@ protected:
     /// of the settings. Nothing when that has passed, after a message if the file could not be
     /// opened.
     [[nodiscard]] std::optional<RawImage> awaitSamples(const RawFile& file);
+
+    /// Exchanges the bytes of all samples where the run's files, as the settings state it, have
+    /// another byte order than this machine.
+    void toHostOrder(std::span<uint8_t> samples) const;
 };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/siemens_mosaic_reader.h"
 
-#include "base/paths.h"
 #include "intake/dicom_names.h"
 #include "intake/mosaic.h"
 #include "intake/siemens_protocol.h"
@@ -23,37 +22,18 @@ QString SiemensMosaicReader::fileName(qint64 measured) const {
 
 bool SiemensMosaicReader::layoutIsUsable() const {
     const MosaicTiling layout = MosaicTiling::of(settings());
-    return layout.holdsAllSlices() ||
-           failWith(QString("ERROR: A mosaic of %1 x %2 does not hold %3 slices of %4 x %5 - check "
-                            "settings file !")
-                        .arg(layout.mosaicSizeX)
-                        .arg(layout.mosaicSizeY)
-                        .arg(layout.nrOfSlices)
-                        .arg(layout.matrixSizeX)
-                        .arg(layout.matrixSizeY));
-}
-
-// With a list of folders instead of a watch folder, the first one that has the file counts; the
-// size must then be met exactly, so that the file of another run in one of them is passed by.
-ExpectedFile SiemensMosaicReader::expectedFirstFile() const {
-    const qint64 size = qint64(MosaicTiling::of(settings()).mosaicSamples()) * 2;
-    if (!settings().WatchFolder.isEmpty() || settings().watchFolderList.isEmpty())
-        return {{watchedPath(fileName(0))}, size, true};
-    ExpectedFile expected{{}, size, false};
-    for (const QString& folder : settings().watchFolderList)
-        expected.names << paths::join(folder, fileName(0));
-    return expected;
+    return layout.holdsAllSlices() || failWith(unusableLayoutMessage(layout));
 }
 
 bool SiemensMosaicReader::readFirstVolume() {
     if (!layoutIsUsable() || firstVolume().empty())
         return false;
-    const auto image = awaitImage(expectedFirstFile(), Stage::FirstVolume,
-                                  MosaicTiling::of(settings()).mosaicSamples());
+    const size_t samples = MosaicTiling::of(settings()).mosaicSamples();
+    const auto image = awaitImage(expectedFirstFile(fileName(0), qint64(samples) * 2),
+                                  Stage::FirstVolume, samples);
     if (!image)
         return false;
-    state().watchFolder = paths::folderWithSlash(image->path);
-    project().FirstDataSourceFile = paths::fileName(image->path);
+    takeFirstFile(image->path);
     return takeVolume(*image, Stage::FirstVolume, firstVolume());
 }
 
@@ -82,44 +62,16 @@ bool SiemensMosaicReader::takeVolume(const Image& image, Stage stage,
 bool SiemensMosaicReader::headerFitsSettings() const {
     const DicomHeader& header = state().header;
     const RunSettings& run = settings();
-    if (header.columns == run.MosaicResolutionX && header.rows >= run.MosaicResolutionY)
-        return true;
-    return failWith(QString("ERROR - dimensions of DICOM file (%1 x %2) do not match those in VCO "
-                            "file (%3 x %4) !")
-                        .arg(header.rows)
-                        .arg(header.columns)
-                        .arg(run.MosaicResolutionY)
-                        .arg(run.MosaicResolutionX));
-}
-
-void SiemensMosaicReader::takeSizes() {
-    const DicomHeader& header = state().header;
-    FMRProject& run = project();
-    run.sliceThickness = header.sliceThickness;
-    // A header that never stated the spacing says nothing about a gap.
-    run.sliceGap = header.spacingBetweenSlices > 0.0f
-                       ? header.spacingBetweenSlices - header.sliceThickness
-                       : 0.0f;
-    run.pixelSizeX = header.pixelSpacingSecond;
-    run.pixelSizeY = header.pixelSpacingFirst;
-    run.VoxelResolutionVerified = true;
-
-    FMRPositionInfo& position = run.position;
-    position.nrOfRows = settings().MatrixSizeY;
-    position.nrOfColumns = settings().MatrixSizeX;
-    position.fovRows = float(settings().MatrixSizeY) * run.pixelSizeY;
-    position.fovColumns = float(settings().MatrixSizeX) * run.pixelSizeX;
-    position.sliceThickness = run.sliceThickness;
-    position.sliceGap = run.sliceGap;
+    return (header.columns == run.MosaicResolutionX && header.rows >= run.MosaicResolutionY) ||
+           failForDimensions(run.MosaicResolutionX, run.MosaicResolutionY);
 }
 
 bool SiemensMosaicReader::readHeaders() {
     const QString path = watchedPath(fileName(0));
     DicomHeader& header = state().header;
-    if (!readWhole(path, newWatch()) || !acceptsFile(path) ||
-        !parseDicomHeader(bytes(), path, header, state().rawDataByteOrder) || !headerFitsSettings())
+    if (!readHeader(path) || !headerFitsSettings())
         return false;
-    takeSizes();
+    takeSizes(path);
     FMRPositionInfo& position = project().position;
     // A header without directions leaves them as they are; the positions decide.
     static_cast<void>(parseImageOrientation(header.imageOrientationText, position));

@@ -15,8 +15,6 @@ public:
 private:
     [[nodiscard]] QString fileName(qint64 measured) const;
     [[nodiscard]] bool layoutIsUsable() const;
-    [[nodiscard]] ExpectedFile expectedFirstFile() const;
     [[nodiscard]] bool takeVolume(const Image& image, Stage stage, std::span<int16_t> volume) const;
     [[nodiscard]] bool headerFitsSettings() const;
-    void takeSizes();
 };

@@ -65,6 +65,12 @@ bool parseImageOrientation(const std::string& text, FMRPositionInfo& position) {
     return true;
 }
 
+Vector3 imageCentre(const Vector3& corner, const FMRPositionInfo& position, float width,
+                    float height) {
+    return moved(moved(corner, position.rowDirection, width * 0.5f), position.columnDirection,
+                 height * 0.5f);
+}
+
 bool computeMosaicGeometry(const DicomHeader& header, FMRProject& project) {
     const QString maker = QString::fromLatin1(header.manufacturerText.c_str());
     const std::vector<float> corner = numbersOf(header.imagePositionText, 3);
@@ -74,10 +80,9 @@ bool computeMosaicGeometry(const DicomHeader& header, FMRProject& project) {
     const Vector3& row = position.rowDirection;
     const Vector3& column = position.columnDirection;
     const Vector3 normal = normalised(cross(normalised(row), normalised(column)));
-    const float halfWidth = float(header.columns) * project.pixelSizeX * 0.5f;
-    const float halfHeight = float(header.rows) * project.pixelSizeY * 0.5f;
     position.sliceCenterFirst =
-        moved(moved(vectorAt(corner, 0), row, halfWidth), column, halfHeight);
+        imageCentre(vectorAt(corner, 0), position, float(header.columns) * project.pixelSizeX,
+                    float(header.rows) * project.pixelSizeY);
     position.sliceCenterLast = moved(position.sliceCenterFirst, normal,
                                      float(project.NrOfSlices) * project.sliceDistance());
     return true;

@@ -17,6 +17,11 @@ enum class SliceEnd { First = 1, Last = 2 };
 /// Six numbers into rowDirection and columnDirection. False as for the position.
 [[nodiscard]] bool parseImageOrientation(const std::string& text, FMRPositionInfo& position);
 
+/// Centre of an image of this width and height (millimetres), from its corner and the directions in
+/// `position`.
+[[nodiscard]] Vector3 imageCentre(const Vector3& corner, const FMRPositionInfo& position,
+                                  float width, float height);
+
 /// Centres of the first and last slice of a mosaic whose protocol block doesn't tell them, from a
 /// parsed header and from pixel sizes, thickness, gap and NrOfSlices of the project. The position
 /// of a mosaic is the corner of the whole mosaic, so half of its size leads to the common centre;

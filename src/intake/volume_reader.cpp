@@ -1,8 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/volume_reader.h"
 
+#include "intake/analyze_reader.h"
 #include "intake/dicom_slice_reader.h"
+#include "intake/ge_hdxt_dicom_reader.h"
+#include "intake/ge_i_reader.h"
+#include "intake/ge_stanford_reader.h"
+#include "intake/ge_x_dicom_reader.h"
+#include "intake/growing_file_reader.h"
+#include "intake/siemens_ima_mosaic_reader.h"
+#include "intake/siemens_ima_slice_reader.h"
 #include "intake/siemens_mosaic_reader.h"
+#include "intake/siemens_pixel_data_reader.h"
 
 std::unique_ptr<VolumeReader> makeVolumeReader(const IntakeContext& context) {
     const QString& type = context.settings.documentDataType;
@@ -10,5 +19,24 @@ std::unique_ptr<VolumeReader> makeVolumeReader(const IntakeContext& context) {
         return std::make_unique<SiemensMosaicReader>(context);
     if (type == "DICOM")
         return std::make_unique<DicomSliceReader>(context);
+    if (type == "GE_I")
+        return std::make_unique<GeIReader>(context);
+    if (type == "GE_X_DICOM")
+        return std::make_unique<GeXDicomReader>(context);
+    if (type == "GE_HDXT_DICOM")
+        return std::make_unique<GeHdxtDicomReader>(context);
+    if (type == "GE_STANFORD")
+        return std::make_unique<GeStanfordReader>(context);
+    if (type == "SIEMENS_IMA" || type == "SIEMENSIMA") {
+        if (context.settings.SiemensMosaicSequence)
+            return std::make_unique<SiemensImaMosaicReader>(context);
+        return std::make_unique<SiemensImaSliceReader>(context);
+    }
+    if (type == "SIEMENSPIXELDATA")
+        return std::make_unique<SiemensPixelDataReader>(context);
+    if (type == "PHILIPS_REC" || type == "PHILIPSRECDATA" || type == "2DSEQ_MPI")
+        return std::make_unique<GrowingFileReader>(context);
+    if (type == "PHILIPS_ANALYZE_DRIN" || type == "ANALYZE_NW")
+        return std::make_unique<AnalyzeReader>(context);
     return nullptr;
 }

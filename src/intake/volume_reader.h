@@ -12,6 +12,9 @@
 class VolumeReader {
 public:
     virtual ~VolumeReader() = default;
+    /// Settles what must be known before the first wait: which folder to watch, which files to
+    /// expect. False after a message when nothing can come of the wait.
+    [[nodiscard]] virtual bool prepare() { return true; }
     /// Into project.firstVolume: the first measured volume, whatever number is skipped.
     [[nodiscard]] virtual bool readFirstVolume() = 0;
     /// Into project.volumes[volume]; 0 is the first analysed one.

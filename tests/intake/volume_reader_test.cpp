@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/volume_reader.h"
 
-#include "intake_run.h"
-
-#include <numeric>
+#include "raw_samples.h"
 
 namespace {
 
@@ -11,10 +9,6 @@ std::vector<uint16_t> counted(size_t count, int first = 0) {
     std::vector<uint16_t> samples(count);
     std::iota(samples.begin(), samples.end(), uint16_t(first));
     return samples;
-}
-
-std::vector<int> valuesOf(const Volume& volume) {
-    return {volume.span().begin(), volume.span().end()};
 }
 
 // Two slices of 1 x 2 samples, side by side in a mosaic of 2 x 2.

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace {
 
@@ -34,7 +35,7 @@ private:
 };
 
 VolumeSource source(int nrOfVolumes, int nrOfFiles) {
-    return {nrOfVolumes, nrOfFiles, 1000, [nrOfFiles](int volume) {
+    return {nrOfVolumes, nrOfFiles > 1, false, 1000, [nrOfFiles](int volume) {
                 std::vector<ScannerFile> files;
                 for (int file = 0; file < nrOfFiles; ++file)
                     files.push_back(
@@ -81,6 +82,40 @@ TEST(Delivery, FilesAppearWholeOrGrow) {
               QStringList({"5000: ", "6000: a0=25", "6100: a0=50", "6200: a0=75", "6300: a0=100"}));
     EXPECT_EQ(delivered({.growing = true, .outOfOrder = true}, source(1, 2)).value(1),
               "6000: a1=25");
+}
+
+TEST(Delivery, OneFileGrowsInTheOrderOfItsVolumes) {
+    VolumeSource volumes{3, false, true, 1000, [](int volume) {
+                             return std::optional(std::vector<ScannerFile>{
+                                 {"a", QByteArray(100, char('0' + volume)), true}});
+                         }};
+    EXPECT_EQ(delivered({.late = {{1, 1500}}, .truncated = {2}}, volumes),
+              QStringList({"5000: ", "7500: a=100", "7500: a=150", "8000: a=250"}));
+    EXPECT_EQ(delivered({.growing = true, .missing = {2, 3}}, volumes),
+              QStringList({"5000: ", "6000: a=25", "6100: a=50", "6200: a=75", "6300: a=100"}));
+}
+
+TEST(Delivery, AProtocolGrowsWithTheScan) {
+    QTemporaryDir folder;
+    NotingClock clock(folder.path());
+    VolumeSource volumes = source(2, 1);
+    volumes.protocol = {folder.filePath("p"), [](int volume) {
+                            return QByteArray(volume == 0 ? "1 0\n2 0\n" : "3 1\n");
+                        }};
+    const auto deliverAll = [&](const DeliveryOptions& options) {
+        EXPECT_EQ(deliver(options, volumes, folder.path(), clock, [](const QString&) {}).result,
+                  DeliveryResult::Done);
+        return std::exchange(clock.notes, {}) << clock.note();
+    };
+    // Its lines come in time, however late a volume is.
+    EXPECT_EQ(deliverAll({.late = {{1, 1500}}}),
+              QStringList({"5000: ", "6000: p=8", "7000: p=12", "7000: b0=100 p=12",
+                           "7500: a0=100 b0=100 p=12"}));
+    ASSERT_TRUE(QFile::remove(folder.filePath("p")));
+    EXPECT_EQ(deliverAll({.halfLines = true, .missing = {1, 2}}),
+              QStringList({"7500: a0=100 b0=100", "8500: a0=100 b0=100 p=2",
+                           "8600: a0=100 b0=100 p=6", "8700: a0=100 b0=100 p=8",
+                           "9500: a0=100 b0=100 p=10", "9600: a0=100 b0=100 p=12"}));
 }
 
 TEST(ReplayFolder, TakesFilesInTheOrderOfTheirNumbers) {

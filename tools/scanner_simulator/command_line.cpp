@@ -10,7 +10,7 @@ namespace {
 void addOptions(QCommandLineParser& parser) {
     const QList<QCommandLineOption> options = {
         {{"h", "help"}, "Show this text."},
-        {"type", "Data type: SIEMENS_DICOM_MOSAIC (default) or DICOM.", "type"},
+        {"type", "Data type, see below (default: SIEMENS_DICOM_MOSAIC).", "type"},
         {"out", "Session folder (default: the current one).", "folder"},
         {"name", "Name of project and protocol (default: Simulation).", "name"},
         {"run", "Number of the first run (default: 1).", "number"},
@@ -28,6 +28,17 @@ void addOptions(QCommandLineParser& parser) {
         {"motion", "Motion of the head: none (default), drift or jumps.", "kind"},
         {"seed", "Seed of all random numbers (default: 1).", "number"},
         {"syntax", "explicit-le (default), implicit-le or explicit-be.", "syntax"},
+        {"big-endian", "Raw data are big endian."},
+        {"fixed-study", "Siemens IMA: the study number doesn't rise with the volumes."},
+        {"mosaic-tiles", "Siemens IMA: tiles in a row of a mosaic (default: all slices fit).",
+         "count"},
+        {"image-transformation", "PHILIPS_ANALYZE_DRIN: 0, 1 or 2 (default: 2).", "number"},
+        {"watch-folder",
+         "Named in the settings as plain (default), ser-mark, number-mark, list, "
+         "or exam.",
+         "form"},
+        {"protocol", "prt (default), or rtp or tdat, which grow during the run.", "kind"},
+        {"half-lines", "Write lines of a growing protocol in halves with a pause."},
         {"at-tr", "Deliver a volume every TR (default)."},
         {"as-fast", "Deliver as fast as files can be written."},
         {"speed", "Deliver this many times faster than measured (default: 1).", "factor"},
@@ -36,11 +47,20 @@ void addOptions(QCommandLineParser& parser) {
         {"late", "Deliver a volume later; may be repeated.", "volume:milliseconds"},
         {"missing", "Never deliver a volume; may be repeated.", "volume"},
         {"truncated", "Cut the files of a volume in half; may be repeated.", "volume"},
-        {"out-of-order", "Deliver slices backwards, mosaics exchanged in pairs."},
+        {"out-of-order", "Deliver slices backwards (GE_HDXT_DICOM: in any order), whole volumes "
+                         "exchanged in pairs."},
         {"settings-only", "Write settings, protocol and truth, but no images."},
         {"replay", "Deliver the files of this folder instead of simulated ones.", "folder"},
     };
     parser.addOptions(options);
+}
+
+/// The data types with their files, behind the options.
+QString typeList() {
+    QString text = "\nData types:\n";
+    for (const ScannerTypeName& name : scannerTypeNames())
+        text += QString("  %1  %2\n").arg(name.word, -22).arg(name.files);
+    return text;
 }
 
 /// Takes values out of the parsed line; the first bad one is kept as the problem.
@@ -107,10 +127,10 @@ private:
 
 void takeSimulation(const QCommandLineParser& parser, Values& values, SimulatorCommand& command) {
     SimulationOptions& simulation = command.simulation;
-    values.choice<ScannerType>(
-        "type",
-        {{"SIEMENS_DICOM_MOSAIC", ScannerType::SiemensMosaic}, {"DICOM", ScannerType::Dicom}},
-        simulation.type);
+    std::map<QString, ScannerType> types;
+    for (const ScannerTypeName& name : scannerTypeNames())
+        types.emplace(name.word, name.type);
+    values.choice("type", types, simulation.type);
     values.choice<HeadMotion>(
         "motion",
         {{"none", HeadMotion::None}, {"drift", HeadMotion::Drift}, {"jumps", HeadMotion::Jumps}},
@@ -145,11 +165,33 @@ void takeSimulation(const QCommandLineParser& parser, Values& values, SimulatorC
     }
 }
 
+void takeVariants(const QCommandLineParser& parser, Values& values, SimulationOptions& simulation) {
+    values.choice<WatchFolderForm>("watch-folder",
+                                   {{"plain", WatchFolderForm::Plain},
+                                    {"ser-mark", WatchFolderForm::SeriesMark},
+                                    {"number-mark", WatchFolderForm::NumberMark},
+                                    {"list", WatchFolderForm::List},
+                                    {"exam", WatchFolderForm::Exam}},
+                                   simulation.watchFolder);
+    values.choice<ProtocolKind>(
+        "protocol",
+        {{"prt", ProtocolKind::Prt}, {"rtp", ProtocolKind::Rtp}, {"tdat", ProtocolKind::Tdat}},
+        simulation.protocol);
+    simulation.rawDataBigEndian = parser.isSet("big-endian");
+    simulation.fixedStudyNumber = parser.isSet("fixed-study");
+    values.integer("mosaic-tiles", simulation.mosaicTiles);
+    values.integer("image-transformation", simulation.imageTransformation);
+    // The names of these files tell the order in which they were written.
+    simulation.shuffledSlices =
+        parser.isSet("out-of-order") && simulation.type == ScannerType::GeHdxtDicom;
+}
+
 void takeDelivery(const QCommandLineParser& parser, Values& values, SimulatorCommand& command) {
     DeliveryOptions& delivery = command.delivery;
     delivery.atRepetitionTime = !parser.isSet("as-fast");
     delivery.growing = parser.isSet("growing");
-    delivery.outOfOrder = parser.isSet("out-of-order");
+    delivery.outOfOrder = parser.isSet("out-of-order") && !command.simulation.shuffledSlices;
+    delivery.halfLines = parser.isSet("half-lines");
     values.real("speed", delivery.speed);
     values.integer("start-delay", delivery.startDelay);
     values.volumes("missing", delivery.missing);
@@ -179,6 +221,27 @@ QString problemOfFaults(const SimulatorCommand& command) {
     return {};
 }
 
+/// What a data type or a kind of protocol can't be combined with.
+QString problemOfKind(const SimulatorCommand& command) {
+    const SimulationOptions& simulation = command.simulation;
+    if (command.delivery.halfLines && simulation.protocol == ProtocolKind::Prt)
+        return "A .prt protocol doesn't grow in lines.";
+    if (command.delivery.outOfOrder && scannerFormat(simulation)->writesOneFile())
+        return "Volumes of one growing file come in their order.";
+    if (command.settingsOnly && command.nrOfRuns > 1 &&
+        (simulation.watchFolder == WatchFolderForm::SeriesMark ||
+         simulation.watchFolder == WatchFolderForm::NumberMark ||
+         simulation.watchFolder == WatchFolderForm::Exam))
+        return "With the folders of later runs there, the first one would watch the last of them.";
+    if (command.replayFolder.isEmpty())
+        return {};
+    if (simulation.type != ScannerType::SiemensMosaic && simulation.type != ScannerType::Dicom)
+        return "A replay needs the type SIEMENS_DICOM_MOSAIC or DICOM.";
+    if (simulation.protocol != ProtocolKind::Prt)
+        return "A replay has a .prt protocol.";
+    return {};
+}
+
 QString problemOfCommand(const QCommandLineParser& parser, const SimulatorCommand& command) {
     if (!parser.positionalArguments().isEmpty())
         return QString("Unexpected argument \"%1\".").arg(parser.positionalArguments().first());
@@ -193,6 +256,8 @@ QString problemOfCommand(const QCommandLineParser& parser, const SimulatorComman
     if (!command.replayFolder.isEmpty() && command.nrOfRuns != 1)
         return "A replay is one run.";
     if (QString problem = problemOf(command.simulation); !problem.isEmpty())
+        return problem;
+    if (QString problem = problemOfKind(command); !problem.isEmpty())
         return problem;
     return problemOfFaults(command);
 }
@@ -211,11 +276,12 @@ SimulatorCommand parseCommandLine(const QStringList& arguments) {
         return command;
     }
     if (parser.isSet("help")) {
-        command.helpText = parser.helpText();
+        command.helpText = parser.helpText() + typeList();
         return command;
     }
     Values values(parser);
     takeSimulation(parser, values, command);
+    takeVariants(parser, values, command.simulation);
     takeDelivery(parser, values, command);
     command.problem =
         values.problem().isEmpty() ? problemOfCommand(parser, command) : values.problem();

@@ -15,19 +15,30 @@ struct DeliveryOptions {
     double speed = 1.0;           ///< 2: twice as fast as measured
     int startDelay = 0;           ///< milliseconds before the measurement begins
     bool growing = false;         ///< files are written in place, in pieces with pauses
-    bool outOfOrder = false;      ///< slices of a volume backwards, mosaics exchanged in pairs
+    bool outOfOrder = false;      ///< slices backwards, or whole volumes exchanged in pairs
+    bool halfLines = false;       ///< lines of the protocol are written in halves with a pause
     std::map<int, int> late = {}; ///< volume to milliseconds of delay
     std::set<int> missing = {};   ///< volumes that never come
     std::set<int> truncated = {}; ///< volumes whose files end early
 };
 
+/// A protocol that another computer appends to while the scan goes on.
+struct ArrivingProtocol {
+    QString path;
+    /// The lines that are due when a volume, from 0, has been measured. Volumes that are late,
+    /// missing or exchanged don't hold them up. Without a function there is no such protocol.
+    std::function<QByteArray(int volume)> lines;
+};
+
 /// What is delivered: simulated volumes or those of a folder.
 struct VolumeSource {
     int nrOfVolumes = 0;
-    int nrOfFilesPerVolume = 1;
-    int repetitionTime = 1000; ///< milliseconds
+    bool writesSlices = false;  ///< each slice is a file of its own
+    bool writesOneFile = false; ///< all volumes are appended to one file
+    int repetitionTime = 1000;  ///< milliseconds
     /// Files of a volume, from 0; nothing when they can't be read.
     std::function<std::optional<std::vector<ScannerFile>>(int volume)> files;
+    ArrivingProtocol protocol = {};
 };
 
 /// Time, so that tests need none.
@@ -46,7 +57,9 @@ struct DeliveryStep {
     bool operator==(const DeliveryStep&) const = default;
 };
 
-/// Which volume appears when, in order of time. A volume is due when it has been measured.
+/// Which volume appears when, in order of time. A volume is due when it has been measured. In one
+/// file for all volumes a late one holds up those behind it, and what is missing or cut leaves no
+/// gap.
 [[nodiscard]] std::vector<DeliveryStep> deliverySchedule(const DeliveryOptions& options,
                                                          const VolumeSource& source);
 

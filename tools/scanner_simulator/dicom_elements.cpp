@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dicom_elements.h"
 
+#include "raw_bytes.h"
+
 #include <cstring>
 
 namespace {
@@ -23,11 +25,12 @@ QByteArray transferSyntaxUid(TransferSyntax syntax) {
 
 } // namespace
 
+ByteOrder DicomElements::order() const {
+    return syntax_ == TransferSyntax::ExplicitBig ? ByteOrder::Big : ByteOrder::Little;
+}
+
 void DicomElements::number(uint32_t value, int size) {
-    for (int i = 0; i < size; ++i) {
-        const int place = syntax_ == TransferSyntax::ExplicitBig ? size - 1 - i : i;
-        encoded_.append(char((value >> (8 * place)) & 0xFF));
-    }
+    appendNumber(encoded_, value, size, order());
 }
 
 void DicomElements::header(uint16_t group, uint16_t element, const char* representation,
@@ -74,14 +77,7 @@ void DicomElements::bytes(uint16_t group, uint16_t element, QByteArray value) {
 
 void DicomElements::samples(uint16_t group, uint16_t element, std::span<const uint16_t> values) {
     header(group, element, "OW", qsizetype(values.size()) * 2);
-    const qsizetype start = encoded_.size();
-    encoded_.resize(start + qsizetype(values.size()) * 2);
-    char* byte = encoded_.data() + start;
-    const bool big = syntax_ == TransferSyntax::ExplicitBig;
-    for (const uint16_t value : values) {
-        *byte++ = char(big ? value >> 8 : value & 0xFF);
-        *byte++ = char(big ? value & 0xFF : value >> 8);
-    }
+    encoded_.append(sampleBytes(values, order()));
 }
 
 QByteArray dicomFile(TransferSyntax syntax, const QByteArray& instanceUid,

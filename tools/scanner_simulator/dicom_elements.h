@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/byte_reader.h"
 #include "simulation_options.h"
 
 #include <QByteArray>
@@ -27,6 +28,7 @@ public:
 private:
     void header(uint16_t group, uint16_t element, const char* representation, qsizetype length);
     void number(uint32_t value, int size);
+    [[nodiscard]] ByteOrder order() const;
 
     TransferSyntax syntax_;
     QByteArray encoded_;

@@ -3,6 +3,7 @@
 #include "command_line.h"
 #include "replay_folder.h"
 #include "simulated_scan.h"
+#include "watch_folder.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -87,17 +88,22 @@ ExitStatus deliverRun(const SimulatorCommand& command, const VolumeSource& sourc
 
 ExitStatus simulateRun(const SimulatorCommand& command, const SimulationOptions& options) {
     const SimulatedScan scan(options);
-    if (!scan.writeSettings() || !scan.writeProtocol() || !scan.writeTruth())
+    if (!scan.writeSettings() || !scan.writeProtocolHeader() || !scan.writeTruth())
         return refuseFolder(options);
     if (command.settingsOnly)
         return Success;
     QStringList names;
-    const int nrOfFilesPerVolume = fileNaming(options).nrOfFilesPerVolume;
     for (int volume = 0; volume < options.nrOfVolumes; ++volume)
-        for (int file = 0; file < nrOfFilesPerVolume; ++file)
-            names << fileName(options, volume, file);
-    const VolumeSource source{options.nrOfVolumes, nrOfFilesPerVolume, options.repetitionTime,
-                              [&](int volume) { return std::optional(scan.files(volume)); }};
+        names << scan.format().fileNames(volume);
+    // Their names differ with the order of slices, and the series folder is the run's own.
+    if (options.type == ScannerType::GeHdxtDicom)
+        names << QDir(scan.watchFolder()).entryList({"i*.MRDC.*"}, QDir::Files);
+    const VolumeSource source{options.nrOfVolumes,
+                              scan.format().writesSlices(),
+                              scan.format().writesOneFile(),
+                              options.repetitionTime,
+                              [&](int volume) { return std::optional(scan.files(volume)); },
+                              scan.arrivingProtocol()};
     return deliverRun(command, source, names, scan.watchFolder());
 }
 
@@ -120,7 +126,8 @@ ExitStatus replay(const SimulatorCommand& command) {
         return refuseFolder(options);
     if (command.settingsOnly)
         return Success;
-    const VolumeSource source{options.nrOfVolumes, nrOfFilesPerVolume, options.repetitionTime,
+    const VolumeSource source{options.nrOfVolumes, nrOfFilesPerVolume > 1, false,
+                              options.repetitionTime,
                               [&](int volume) { return folder.files(volume); }};
     return deliverRun(command, source, folder.names(), watchFolder(options));
 }

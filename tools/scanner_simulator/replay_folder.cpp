@@ -2,6 +2,8 @@
 #include "replay_folder.h"
 
 #include "base/paths.h"
+#include "dicom_files.h"
+#include "protocol_files.h"
 
 #include <QDir>
 #include <QFile>
@@ -94,7 +96,6 @@ FileNaming ReplayFolder::naming(const SimulationOptions& options) const {
 bool ReplayFolder::writeSession(const SimulationOptions& options) const {
     RunDescription run = runDescription(options, ScanGeometry(options));
     run.title = "Replay of " + QDir(folder_).dirName();
-    run.naming = naming(options);
-    run.firstFileName = names_.value(0);
-    return writeSettingsFile(run) && writeProtocolFile(options);
+    run.format = std::make_shared<DicomFormat>(options, naming(options), names_.value(0));
+    return writeSettingsFile(run) && writeProtocolHeader({options, blockProtocol(options)});
 }

@@ -27,3 +27,11 @@ int ScanGeometry::mosaicTiles() const {
         ++tiles;
     return tiles;
 }
+
+int mosaicColumns(const ScanGeometry& geometry) {
+    return geometry.mosaicTiles() * geometry.sizeX;
+}
+
+int mosaicRows(const ScanGeometry& geometry) {
+    return geometry.mosaicTiles() * geometry.sizeY;
+}

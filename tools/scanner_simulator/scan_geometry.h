@@ -5,6 +5,8 @@
 #include "simulation_options.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <span>
 
 /// Millimetres; x to the left of the head, y to its back, z to its top.
 struct Point {
@@ -28,6 +30,11 @@ struct ScanGeometry {
     [[nodiscard]] double sliceGap() const { return sliceDistance - sliceThickness; }
     /// Half of what the slices cover from bottom to top.
     [[nodiscard]] double halfCoverage() const { return 0.5 * sliceDistance * nrOfSlices; }
+    /// Samples of one slice out of those of a volume.
+    [[nodiscard]] std::span<const uint16_t> slice(std::span<const uint16_t> samples,
+                                                  int slice) const {
+        return samples.subspan(size_t(slice) * sliceVoxels(), sliceVoxels());
+    }
     /// Centre of a voxel, seen from the centre of the volume.
     [[nodiscard]] Point voxelCentre(int x, int y, int slice) const {
         return {(x - 0.5 * (sizeX - 1)) * pixelSize, (y - 0.5 * (sizeY - 1)) * pixelSize,
@@ -41,3 +48,7 @@ struct ScanGeometry {
     /// Tiles in a row, and in a column, of a mosaic that holds all slices.
     [[nodiscard]] int mosaicTiles() const;
 };
+
+/// Pixels in a row and in a column of a mosaic of all slices.
+[[nodiscard]] int mosaicColumns(const ScanGeometry& geometry);
+[[nodiscard]] int mosaicRows(const ScanGeometry& geometry);

@@ -1,19 +1,29 @@
-// The files that a scanner writes for one volume. A further data type adds its writer here.
+// The files that a scanner writes for one volume, and what settings say about them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/byte_reader.h"
 #include "scan_geometry.h"
+#include "settings_lines.h"
 
 #include <QByteArray>
-#include <QString>
+#include <QStringList>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
 struct ScannerFile {
-    QString name; ///< without folder
+    QString name; ///< below the watch folder; may begin with a folder of its own
     QByteArray bytes;
+    bool append = false; ///< the bytes are added to a file that all volumes share
 };
+
+/// Writes a file below a folder, in a folder of its own if its name has one: whole or not at all,
+/// or at the end of what is there. False when that fails.
+[[nodiscard]] bool writeScannerFile(const QString& folder, const ScannerFile& file);
+/// Adds bytes to the end of a file, which is created if it isn't there. False when that fails.
+[[nodiscard]] bool appendToFile(const QString& path, const QByteArray& bytes);
 
 /// Which volume of which run.
 struct MeasuredVolume {
@@ -22,7 +32,47 @@ struct MeasuredVolume {
     int volume; ///< from 0
 };
 
-/// How a data type names its files.
+/// How one kind of scanner names and writes its files. One class for each family of scanners; all
+/// of them depend on the options alone.
+class ScannerFormat {
+public:
+    explicit ScannerFormat(const SimulationOptions& options)
+        : options_(options), geometry_(options) {}
+    virtual ~ScannerFormat() = default;
+
+    /// Names of the files of a volume in the order of their writing: headers, then slices.
+    [[nodiscard]] virtual QStringList fileNames(int volume) const = 0;
+    /// The files themselves. `samples` holds the whole volume.
+    [[nodiscard]] virtual std::vector<ScannerFile>
+    files(int volume, std::span<const uint16_t> samples) const = 0;
+    /// Each slice is a file of its own.
+    [[nodiscard]] virtual bool writesSlices() const { return false; }
+    /// All volumes are appended to one file.
+    [[nodiscard]] virtual bool writesOneFile() const { return false; }
+
+    /// Value of "RawDataBigEndian:".
+    [[nodiscard]] virtual bool isBigEndian() const { return options_.rawDataBigEndian; }
+    /// The entries that follow "DataType:", without blank lines around them.
+    virtual void addTypeBlock(SettingsLines& lines) const = 0;
+    /// The entries that follow "MatrixSizeY:" and its blank line.
+    virtual void addMosaicEntries(SettingsLines&) const {}
+
+protected:
+    [[nodiscard]] const SimulationOptions& options() const { return options_; }
+    [[nodiscard]] const ScanGeometry& geometry() const { return geometry_; }
+    /// Byte order of samples whose settings state it.
+    [[nodiscard]] ByteOrder sampleOrder() const {
+        return options_.rawDataBigEndian ? ByteOrder::Big : ByteOrder::Little;
+    }
+    /// Entries for field of view and slices that the types without image headers have.
+    void addGeometryEntries(SettingsLines& lines) const;
+
+private:
+    SimulationOptions options_;
+    ScanGeometry geometry_;
+};
+
+/// How the types DICOM and SIEMENS_DICOM_MOSAIC name their files.
 struct FileNaming {
     QString prefix;
     QString delimiter;
@@ -34,11 +84,5 @@ struct FileNaming {
 };
 
 [[nodiscard]] FileNaming fileNaming(const SimulationOptions& options);
-/// Name of one file of a volume; file counts from 0.
-[[nodiscard]] QString fileName(const SimulationOptions& options, int volume, int file);
-/// All files of a volume in slice order. `samples` holds the whole volume.
-[[nodiscard]] std::vector<ScannerFile> scannerFiles(const MeasuredVolume& measured,
-                                                    std::span<const uint16_t> samples);
-/// Pixels in a row and in a column of a mosaic image.
-[[nodiscard]] int mosaicColumns(const ScanGeometry& geometry);
-[[nodiscard]] int mosaicRows(const ScanGeometry& geometry);
+/// The format of the type that the options name.
+[[nodiscard]] std::unique_ptr<ScannerFormat> scannerFormat(const SimulationOptions& options);

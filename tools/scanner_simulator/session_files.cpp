@@ -3,26 +3,12 @@
 
 #include "base/file_writing.h"
 #include "base/paths.h"
+#include "protocol_files.h"
+#include "watch_folder.h"
 
 #include <QDir>
-#include <cmath>
 
 namespace {
-
-/// Lines "key value" with the key padded to 34 columns.
-class SettingsLines {
-public:
-    void plain(const char* key, const QByteArray& value) {
-        text_ += formatted("%-34s", key) + value + '\n';
-    }
-    void number(const char* key, double value) { plain(key, formatted("%.7g", value)); }
-    void quoted(const char* key, const QString& value) { plain(key, '"' + value.toUtf8() + '"'); }
-    void blank() { text_ += '\n'; }
-    [[nodiscard]] const QByteArray& text() const { return text_; }
-
-private:
-    QByteArray text_;
-};
 
 void addHead(SettingsLines& lines, const RunDescription& run) {
     lines.blank();
@@ -36,39 +22,28 @@ void addHead(SettingsLines& lines, const RunDescription& run) {
     lines.plain("IFISfMRIAnalysisTests:", "tdat");
     lines.plain("IFISfMRIAnalysisOptions:", "tdat");
     lines.blank();
-    lines.number("RawDataBigEndian:", run.options.syntax == TransferSyntax::ExplicitBig ? 1 : 0);
+    lines.number("RawDataBigEndian:", run.format->isBigEndian() ? 1 : 0);
     lines.blank();
     lines.number("ShowGODlgAfterPreparation:", 0);
     lines.blank();
-    lines.quoted("WatchFolder:", "./incoming/");
+    addWatchFolderEntry(lines, run.options);
     lines.quoted("TargetFolder:", "./results/");
     lines.blank();
 }
 
 void addScanner(SettingsLines& lines, const RunDescription& run) {
-    const bool isMosaic = run.options.type == ScannerType::SiemensMosaic;
-    lines.plain("DataType:", isMosaic ? "SIEMENS_DICOM_MOSAIC" : "DICOM");
+    lines.plain("DataType:", nameOf(run.options.type).dataType);
     lines.blank();
-    lines.quoted("FirstFileName:", run.firstFileName);
-    lines.quoted("DicomNameDelimiter:", run.naming.delimiter);
-    lines.quoted("DicomNameExtension:", run.naming.extension);
-    lines.number("DicomFirstVolumeNr:", run.naming.firstVolumeNr);
-    lines.number("DicomFirstImageNr:", run.naming.firstImageNr);
-    lines.number("InplaneFoVX:", run.options.fieldOfView);
-    lines.number("InplaneFoVY:", std::round(run.geometry.pixelSize * run.geometry.sizeY));
-    lines.number("SliceThickness:", run.geometry.sliceThickness);
-    lines.number("GapThickness:", run.geometry.sliceGap());
-    lines.blank();
+    if (run.options.type != ScannerType::GeHdxtDicom) { // has no entries
+        run.format->addTypeBlock(lines);
+        lines.blank();
+    }
     lines.number("TimeOutSeconds:", 30);
     lines.blank();
     lines.number("MatrixSizeX:", run.geometry.sizeX);
     lines.number("MatrixSizeY:", run.geometry.sizeY);
     lines.blank();
-    if (isMosaic) {
-        lines.number("MosaicResolutionX:", mosaicColumns(run.geometry));
-        lines.number("MosaicResolutionY:", mosaicRows(run.geometry));
-        lines.blank();
-    }
+    run.format->addMosaicEntries(lines);
 }
 
 void addRun(SettingsLines& lines, const RunDescription& run) {
@@ -90,6 +65,18 @@ void addRun(SettingsLines& lines, const RunDescription& run) {
     lines.blank();
 }
 
+const char* protocolKey(ProtocolKind kind) {
+    switch (kind) {
+    case ProtocolKind::Rtp:
+        return "RealTimeProtocol:";
+    case ProtocolKind::Tdat:
+        return "TDatFile:";
+    case ProtocolKind::Prt:
+        break;
+    }
+    return "StimulationProtocol:";
+}
+
 void addAnalysis(SettingsLines& lines, const RunDescription& run) {
     const int columns = run.geometry.mosaicTiles();
     const int rows = (run.geometry.nrOfSlices + columns - 1) / columns;
@@ -101,7 +88,7 @@ void addAnalysis(SettingsLines& lines, const RunDescription& run) {
     lines.blank();
     lines.number("ForceTRDelay:", 0);
     lines.blank();
-    lines.quoted("StimulationProtocol:", "./" + run.options.name + ".prt");
+    lines.quoted(protocolKey(run.options.protocol), "./" + protocolFileName(run.options));
     lines.quoted("ContrastFile:", "");
     lines.blank();
     lines.number("AutoContrastGenerationLevel:", 2);
@@ -132,30 +119,19 @@ void addOverlays(SettingsLines& lines) {
 } // namespace
 
 RunDescription runDescription(const SimulationOptions& options, const ScanGeometry& geometry) {
-    return {"Faces and houses, simulated, run " + QString::number(options.run), fileNaming(options),
-            fileName(options, 0, 0), options, geometry};
+    return {"Faces and houses, simulated, run " + QString::number(options.run), options, geometry,
+            scannerFormat(options)};
 }
 
 QString settingsFileName(const SimulationOptions& options) {
     return QString("%1-%2.vco").arg(options.name).arg(options.run);
 }
 
-QString watchFolder(const SimulationOptions& options) {
-    return paths::join(options.folder, "incoming/");
-}
-
 bool writeSettingsFile(const RunDescription& run) {
     const SimulationOptions& options = run.options;
-    return QDir().mkpath(watchFolder(options)) &&
-           QDir().mkpath(paths::join(options.folder, "results")) &&
+    return makeWatchFolder(options) && QDir().mkpath(paths::join(options.folder, "results")) &&
            writeFileAtomically(paths::join(options.folder, settingsFileName(options)),
                                settingsText(run));
-}
-
-bool writeProtocolFile(const SimulationOptions& options) {
-    return QDir().mkpath(options.folder) &&
-           writeFileAtomically(paths::join(options.folder, options.name + ".prt"),
-                               protocolText(blockProtocol(options)));
 }
 
 QByteArray settingsText(const RunDescription& run) {
@@ -166,28 +142,6 @@ QByteArray settingsText(const RunDescription& run) {
     addAnalysis(lines, run);
     addOverlays(lines);
     return lines.text();
-}
-
-QByteArray protocolText(const std::vector<SimulatedCondition>& conditions) {
-    QByteArray text = "\nFileVersion:        2\n\n"
-                      "ResolutionOfTime:   Volumes\n\n"
-                      "Experiment:         Faces and houses\n\n"
-                      "BackgroundColor:    0 0 0\n"
-                      "TextColor:          255 255 255\n\n"
-                      "TimeCourseColor:    255 255 255\n"
-                      "TimeCourseThick:    3\n"
-                      "ReferenceFuncColor: 80 80 80\n"
-                      "ReferenceFuncThick: 2\n\n";
-    text += formatted("NrOfConditions:  %i\n", int(conditions.size()));
-    for (const SimulatedCondition& condition : conditions) {
-        text += '\n' + condition.name.toUtf8() + '\n';
-        text += QByteArray::number(qsizetype(condition.intervals.size())) + '\n';
-        for (const ProtocolInterval& interval : condition.intervals)
-            text += formatted("%4i %4i\n", interval.from, interval.to);
-        text += formatted("Color: %i %i %i\n", condition.color[0], condition.color[1],
-                          condition.color[2]);
-    }
-    return text + "\n\nResponseConditions:  0\n";
 }
 
 QByteArray motionText(const std::vector<HeadPose>& poses) {

@@ -1,4 +1,4 @@
-// The texts of a session: settings, protocol, truth.
+// The texts of a session: settings, truth.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -8,26 +8,19 @@
 /// What a settings file says about a run, simulated or replayed.
 struct RunDescription {
     QString title;
-    FileNaming naming;
-    QString firstFileName;
     SimulationOptions options;
     ScanGeometry geometry;
+    std::shared_ptr<const ScannerFormat> format;
 };
 
 [[nodiscard]] RunDescription runDescription(const SimulationOptions& options,
                                             const ScanGeometry& geometry);
 /// Name, without folder, of the settings file of a run.
 [[nodiscard]] QString settingsFileName(const SimulationOptions& options);
-/// Folder into which the scanner writes: incoming/ in the session folder.
-[[nodiscard]] QString watchFolder(const SimulationOptions& options);
 /// Writes the settings file and creates the folders that it names. False when any of it fails.
 [[nodiscard]] bool writeSettingsFile(const RunDescription& run);
-/// Writes the protocol file. False when that fails.
-[[nodiscard]] bool writeProtocolFile(const SimulationOptions& options);
 /// A settings file of version 4. Folders are named relative to its own.
 [[nodiscard]] QByteArray settingsText(const RunDescription& run);
-/// A protocol in volumes.
-[[nodiscard]] QByteArray protocolText(const std::vector<SimulatedCondition>& conditions);
 /// One line for each volume, translations in millimetres and rotations in degrees.
 [[nodiscard]] QByteArray motionText(const std::vector<HeadPose>& poses);
 /// One digit for each voxel: the condition to which it responds.

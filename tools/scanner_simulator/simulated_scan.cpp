@@ -3,8 +3,10 @@
 
 #include "base/file_writing.h"
 #include "base/paths.h"
+#include "protocol_files.h"
 #include "random_numbers.h"
 #include "session_files.h"
+#include "watch_folder.h"
 
 #include <QDir>
 #include <algorithm>
@@ -21,7 +23,7 @@ constexpr float largestSample = 4095.0f;
 
 SimulatedScan::SimulatedScan(const SimulationOptions& options)
     : options_(options), geometry_(options), phantom_(geometry_), course_(options),
-      atRest_(headAt({})) {}
+      atRest_(headAt({})), format_(scannerFormat(options)) {}
 
 SimulatedScan::RestingHead SimulatedScan::headAt(const HeadPose& pose) const {
     const PoseInverse toHead(pose);
@@ -83,12 +85,12 @@ std::vector<uint16_t> SimulatedScan::volume(int volume) const {
 }
 
 std::vector<ScannerFile> SimulatedScan::files(int volume) const {
-    return scannerFiles({options_, geometry_, volume}, this->volume(volume));
+    return format_->files(volume, this->volume(volume));
 }
 
 bool SimulatedScan::writeVolume(int volume, const QString& folder) const {
     for (const ScannerFile& file : files(volume))
-        if (!writeFileAtomically(paths::join(folder, file.name), file.bytes))
+        if (!writeScannerFile(folder, file))
             return false;
     return true;
 }
@@ -102,7 +104,27 @@ bool SimulatedScan::writeSettings() const {
 }
 
 bool SimulatedScan::writeProtocol() const {
-    return writeProtocolFile(options_);
+    bool written = writeProtocolHeader();
+    for (int volume = 0; written && volume < options_.nrOfVolumes; ++volume)
+        written = appendProtocol(volume);
+    return written;
+}
+
+bool SimulatedScan::writeProtocolHeader() const {
+    return ::writeProtocolHeader({options_, conditions()});
+}
+
+bool SimulatedScan::appendProtocol(int volume) const {
+    const ArrivingProtocol protocol = arrivingProtocol();
+    return !protocol.lines || appendToFile(protocol.path, protocol.lines(volume));
+}
+
+ArrivingProtocol SimulatedScan::arrivingProtocol() const {
+    if (options_.protocol == ProtocolKind::Prt)
+        return {};
+    return {paths::join(options_.folder, protocolFileName(options_)), [this](int volume) {
+                return protocolLines({options_, conditions()}, volume);
+            }};
 }
 
 bool SimulatedScan::writeTruth() const {

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "delivery.h"
 #include "head_phantom.h"
-#include "scanner_files.h"
 #include "simulated_course.h"
 
 #include <vector>
@@ -24,19 +24,29 @@ public:
 
     /// Samples from 0 to 4095.
     [[nodiscard]] std::vector<uint16_t> volume(int volume) const;
-    /// Names, without folder, and bytes of the files of a volume, as the scanner writes them.
+    /// Names, below the watch folder, and bytes of the files of a volume, as the scanner writes
+    /// them.
     [[nodiscard]] std::vector<ScannerFile> files(int volume) const;
-    /// Writes them into a folder that exists, each whole or not at all. False when one can't be
-    /// written.
+    /// Writes them below a folder, each whole or not at all; those that all volumes share grow by
+    /// this volume. False when one can't be written.
     [[nodiscard]] bool writeVolume(int volume, const QString& folder) const;
 
-    /// Folder into which the scanner writes: incoming/ in the session folder.
+    /// How the scanner names and writes its files.
+    [[nodiscard]] const ScannerFormat& format() const { return *format_; }
+    /// Folder into which the scanner writes: incoming/ in the session folder, or the folder of the
+    /// series below it.
     [[nodiscard]] QString watchFolder() const;
-    /// Settings, protocol and truth of the session, with the folders that they need; see the
+    /// Settings, whole protocol and truth of the session, with the folders that they need; see the
     /// README of this tool for the files. False when a folder or file can't be written.
     [[nodiscard]] bool writeSettings() const;
     [[nodiscard]] bool writeProtocol() const;
     [[nodiscard]] bool writeTruth() const;
+    /// The protocol as it grows: what stands in it before the run, and what is added when a
+    /// volume has been measured. A protocol that is complete before the run doesn't grow.
+    [[nodiscard]] bool writeProtocolHeader() const;
+    [[nodiscard]] bool appendProtocol(int volume) const;
+    /// The same for a delivery.
+    [[nodiscard]] ArrivingProtocol arrivingProtocol() const;
 
     /// Where the head is while a volume is measured.
     [[nodiscard]] HeadPose pose(int volume) const { return course_.pose(volume); }
@@ -62,4 +72,5 @@ private:
     HeadPhantom phantom_;
     SimulatedCourse course_;
     RestingHead atRest_;
+    std::shared_ptr<const ScannerFormat> format_;
 };

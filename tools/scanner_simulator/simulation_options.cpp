@@ -1,9 +1,34 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulation_options.h"
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
+
+constexpr ScannerTypeName typeNames[] = {
+    {ScannerType::SiemensMosaic, "SIEMENS_DICOM_MOSAIC", "SIEMENS_DICOM_MOSAIC",
+     "001_000004_000001.dcm, a volume each"},
+    {ScannerType::Dicom, "DICOM", "DICOM", "Run1-0001-0001.dcm, a slice each"},
+    {ScannerType::SiemensIma, "SIEMENS_IMA", "SIEMENS_IMA", "513-3-17.ima, a slice each"},
+    {ScannerType::SiemensImaMosaic, "SIEMENS_IMA_MOSAIC", "SIEMENS_IMA",
+     "513-3-17.ima, a volume or a part of one each"},
+    {ScannerType::SiemensPixelData, "SIEMENSPIXELDATA", "SIEMENSPIXELDATA",
+     "017, samples of a mosaic"},
+    {ScannerType::GeI, "GE_I", "GE_I", "004/I.001, a slice each"},
+    {ScannerType::GeXDicom, "GE_X_DICOM", "GE_X_DICOM", "i5.MRDC.1, a slice each"},
+    {ScannerType::GeHdxtDicom, "GE_HDXT_DICOM", "GE_HDXT_DICOM",
+     "e1234/s4/i5.MRDC.1, a slice each"},
+    {ScannerType::GeStanford, "GE_STANFORD", "GE_STANFORD",
+     "P10001.V001.img, a volume each, with a header file"},
+    {ScannerType::PhilipsRec, "PHILIPS_REC", "PHILIPS_REC", "Run1.rec, which grows"},
+    {ScannerType::Bruker2dseq, "2DSEQ_MPI", "2DSEQ_MPI", "4/pdata/1/2dseq, which grows"},
+    {ScannerType::PhilipsAnalyze, "PHILIPS_ANALYZE_DRIN", "PHILIPS_ANALYZE_DRIN",
+     "Run1_00001.img, a volume each, with .hdr"},
+    {ScannerType::AnalyzeNw, "ANALYZE_NW", "ANALYZE_NW",
+     "run001_00001.img, a volume each, with .hdr"},
+};
 
 /// What a condition of a protocol has room for.
 constexpr int largestNrOfIntervals = 300;
@@ -14,7 +39,94 @@ bool isFileName(const QString& name) {
            !name.startsWith(';');
 }
 
+/// The folder marks know 99 series.
+constexpr int highestMarkedRun = 99;
+
+QString problemOfWatchFolder(const SimulationOptions& options) {
+    const bool isHdxt = options.type == ScannerType::GeHdxtDicom;
+    switch (options.watchFolder) {
+    case WatchFolderForm::Plain:
+        break;
+    case WatchFolderForm::SeriesMark:
+    case WatchFolderForm::NumberMark:
+        if (isHdxt || options.type == ScannerType::Bruker2dseq)
+            return "Files of this type have series folders of their own.";
+        if (options.run > highestMarkedRun)
+            return QString("A mark in the watch folder stands for no run above %1.")
+                .arg(highestMarkedRun);
+        break;
+    case WatchFolderForm::List:
+        // The listed folders are searched for files of exactly the size of header and samples.
+        if (options.type != ScannerType::SiemensIma &&
+            options.type != ScannerType::SiemensImaMosaic)
+            return "Only the types SIEMENS_IMA and SIEMENS_IMA_MOSAIC have lists of folders.";
+        break;
+    case WatchFolderForm::Exam:
+        if (!isHdxt)
+            return "Only the type GE_HDXT_DICOM has exam folders.";
+        break;
+    }
+    return {};
+}
+
+/// Mosaics whose settings have one resolution for both directions.
+QString problemOfMosaic(const SimulationOptions& options) {
+    if (options.type != ScannerType::SiemensImaMosaic &&
+        options.type != ScannerType::SiemensPixelData)
+        return {};
+    if (options.sizeX != options.sizeY)
+        return "Mosaics of this type have square slices.";
+    const int mostFiles = options.type == ScannerType::SiemensImaMosaic ? 2 : 1;
+    const int slicesOfFile = options.mosaicTiles * options.mosaicTiles;
+    if (options.mosaicTiles > 0 && options.nrOfSlices > mostFiles * slicesOfFile)
+        return QString("%1 slices don't fit into %2 mosaics of %3 slices.")
+            .arg(options.nrOfSlices)
+            .arg(mostFiles)
+            .arg(slicesOfFile);
+    return {};
+}
+
+/// An option that the type doesn't have.
+QString problemOfVariant(const SimulationOptions& options) {
+    using enum ScannerType;
+    struct Variant {
+        const char* what;
+        bool chosen;
+        std::vector<ScannerType> types;
+    };
+    const Variant variants[] = {
+        {"big-endian raw data",
+         options.rawDataBigEndian,
+         {SiemensIma, SiemensImaMosaic, SiemensPixelData, GeI, PhilipsAnalyze, AnalyzeNw}},
+        {"a fixed study number", options.fixedStudyNumber, {SiemensIma, SiemensImaMosaic}},
+        {"mosaics of a given size", options.mosaicTiles != 0, {SiemensImaMosaic, SiemensPixelData}},
+        {"slices in any order", options.shuffledSlices, {GeHdxtDicom}},
+        {"a choice of image transformations", options.imageTransformation != 2, {PhilipsAnalyze}},
+        {"a choice of transfer syntaxes",
+         options.syntax != TransferSyntax::ExplicitLittle,
+         {SiemensMosaic, Dicom, GeXDicom, GeHdxtDicom}},
+    };
+    for (const Variant& variant : variants)
+        if (variant.chosen && std::find(variant.types.begin(), variant.types.end(), options.type) ==
+                                  variant.types.end())
+            return QString("The type %1 doesn't have %2.")
+                .arg(nameOf(options.type).word, variant.what);
+    return {};
+}
+
 } // namespace
+
+std::span<const ScannerTypeName> scannerTypeNames() {
+    return typeNames;
+}
+
+const ScannerTypeName& nameOf(ScannerType type) {
+    return typeNames[size_t(type)];
+}
+
+int seriesNumber(const SimulationOptions& options) {
+    return 3 + options.run; // behind the localizers
+}
 
 QString problemOf(const SimulationOptions& options) {
     struct Range {
@@ -38,6 +150,8 @@ QString problemOf(const SimulationOptions& options) {
         {"run number", double(options.run), 1, 999},
         {"noise", options.noise, 0, 1000},
         {"amplitude", options.amplitude, -1, 1},
+        {"number of mosaic tiles in a row", double(options.mosaicTiles), 0, 16},
+        {"image transformation", double(options.imageTransformation), 0, 2},
     };
     for (const Range& range : ranges)
         if (!std::isfinite(range.value) || range.value < range.smallest ||
@@ -55,5 +169,9 @@ QString problemOf(const SimulationOptions& options) {
             .arg(largestNrOfIntervals);
     if (!isFileName(options.name))
         return QString("The name \"%1\" can't be the beginning of file names.").arg(options.name);
-    return {};
+    if (QString problem = problemOfWatchFolder(options); !problem.isEmpty())
+        return problem;
+    if (QString problem = problemOfMosaic(options); !problem.isEmpty())
+        return problem;
+    return problemOfVariant(options);
 }

@@ -4,8 +4,47 @@
 
 #include <QString>
 #include <cstdint>
+#include <span>
 
-enum class ScannerType { SiemensMosaic, Dicom };
+enum class ScannerType {
+    SiemensMosaic,
+    Dicom,
+    SiemensIma,
+    SiemensImaMosaic,
+    SiemensPixelData,
+    GeI,
+    GeXDicom,
+    GeHdxtDicom,
+    GeStanford,
+    PhilipsRec,
+    Bruker2dseq,
+    PhilipsAnalyze,
+    AnalyzeNw,
+};
+
+/// How a type is called.
+struct ScannerTypeName {
+    ScannerType type;
+    const char* word;     ///< on the command line
+    const char* dataType; ///< in the settings file
+    const char* files;    ///< what is written, for the user
+};
+
+/// All types in the order of the enumeration.
+[[nodiscard]] std::span<const ScannerTypeName> scannerTypeNames();
+[[nodiscard]] const ScannerTypeName& nameOf(ScannerType type);
+
+/// How the settings name the folder into which the scanner writes.
+enum class WatchFolderForm {
+    Plain,
+    SeriesMark, ///< "Ser<N>", for the newest of Ser0001, Ser0002, ...
+    NumberMark, ///< "<N>", for the newest of 0001, 0002, ...
+    List,       ///< a file that lists folders
+    Exam,       ///< the exam folder above the newest series folder
+};
+
+/// Complete before the run, or appended to while it goes on.
+enum class ProtocolKind { Prt, Rtp, Tdat };
 enum class HeadMotion { None, Drift, Jumps };
 enum class TransferSyntax { ExplicitLittle, ImplicitLittle, ExplicitBig };
 
@@ -29,7 +68,16 @@ struct SimulationOptions {
     double amplitude = 0.025;   ///< full response of an active region, as a part of its signal
     HeadMotion motion = HeadMotion::None;
     uint64_t seed = 1;
+    ProtocolKind protocol = ProtocolKind::Prt;
+    WatchFolderForm watchFolder = WatchFolderForm::Plain;
+    bool rawDataBigEndian = false; ///< byte order of the types whose settings state it
+    bool fixedStudyNumber = false; ///< Siemens IMA: else it rises with each volume
+    int mosaicTiles = 0; ///< Siemens IMA: in a row and a column; 0: as few as hold all slices
+    bool shuffledSlices = false; ///< GE HDxt: slices of a volume are written in any order
+    int imageTransformation = 2; ///< ANALYZE: 0 none, 1 half a turn, 2 rows from bottom to top
 };
 
+/// Number of the series that the scanner gives to a run.
+[[nodiscard]] int seriesNumber(const SimulationOptions& options);
 /// What is wrong with the options, as a sentence for the user; empty when they can be simulated.
 [[nodiscard]] QString problemOf(const SimulationOptions& options);

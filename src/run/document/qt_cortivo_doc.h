@@ -4,7 +4,8 @@
 
 #include "run/document/mosaic_layout.h"
 #include "run/document/slice_images.h"
-#include "run/protocol/stimulation_protocol.h"
+#include "run/protocol/real_time_protocol.h"
+#include "run/protocol/tdat_protocol.h"
 #include "stats/contrasts.h"
 #include "stats/design_matrix.h"
 #include "stats/finished_model.h"
@@ -30,6 +31,8 @@ public:
     FMRProject project;
     Volume workingVolume; ///< scratch of one volume
     StimulationProtocol protocol;
+    RealTimeProtocol realTimeProtocol;     ///< of a run with such a protocol: its file and state
+    TDATProtocol tdatProtocol;             ///< likewise
     std::vector<int> VolumeConditionIndex; ///< condition of each volume; -1 none
     DesignMatrix design;
     ContrastDefinitions contrasts;

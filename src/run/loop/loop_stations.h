@@ -10,7 +10,6 @@ enum class Station {
     PluginBeforeVolume,
     MotionCorrection,
     Smoothing,
-    ProtocolUpdate,
     PreLoadedRegions,
     RegionTimeCourses,
     ResponseAndMotionPlots,

@@ -33,21 +33,29 @@ DesignSource designSource(const QtCortivoDoc& document, const RunSettings& setti
             document.contrasts.BaselinePosInProtocol, settings.DriftConfoundPredictors};
 }
 
-void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
-                    const QString& contrastFile) {
+void buildPredictorNames(QtCortivoDoc& document, const RunSettings& settings) {
     DesignMatrix& design = document.design;
-    ContrastDefinitions& contrasts = document.contrasts;
     const DesignSource source = designSource(document, settings);
     buildConditionPredictorNames(design, source);
     buildConfoundPredictorNames(design, source);
     design.NrOfPredictors = design.NrOfConditionPredictors + design.NrOfConfoundPredictors;
+}
 
-    if (!contrastFile.isEmpty() &&
-        !readContrastFile(contrastFile, contrasts, design, document.protocol.nrOfConditions()))
-        contrasts.clear();
+void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
+                    const QString& contrastFile) {
+    DesignMatrix& design = document.design;
+    ContrastDefinitions& contrasts = document.contrasts;
+    buildPredictorNames(document, settings);
+    // A real-time protocol says itself whether the file is of use, and it has been read then.
+    const bool takesFile =
+        !contrastFile.isEmpty() && !isProtocolPathSet(document.protocol.realTimeProtocolPath);
+    const bool fileRead = takesFile && readContrastFile(contrastFile, contrasts, design,
+                                                        document.protocol.nrOfConditions());
     if (contrasts.NrOfContrasts == 0) {
         contrasts.BaselinePosInProtocol = 1;
         generateContrasts(contrasts, design, settings.AutoContrastGenerationLevel);
+    } else if (!fileRead) {
+        rebuildContrastWeights(contrasts, design);
     }
     document.updateOverlayColors();
 }

@@ -10,7 +10,11 @@ inline constexpr int brainMaskThreshold = 100; // sample value
 /// What the design of this run is built from.
 [[nodiscard]] DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings);
 
-/// Predictor names and contrasts: from `contrastFile` if it is not empty and fits, else generated.
+/// The name lists of the design, and the numbers of its predictors.
+void buildPredictorNames(QtCortivoDoc& document, const RunSettings& settings);
+
+/// Predictor names and contrasts: from `contrastFile` if it is not empty and fits; else those that
+/// the protocol has brought, fitted to the design; else generated.
 void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
                     const QString& contrastFile);
 

@@ -4,7 +4,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/program_end.h"
-#include "run/protocol/prt_file.h"
+#include "run/loop/protocol_reading.h"
 #include "run/settings/settings_file.h"
 
 #include <QDir>
@@ -27,36 +27,15 @@ void copySettingsToProject(FMRProject& project, const RunSettings& settings) {
     project.sliceGap = settings.GapThickness;
     project.pixelSizeX = settings.pixelSizeX;
     project.pixelSizeY = settings.pixelSizeY;
-    // Single-slice files of this type are read without their headers; the field of view that the
-    // operator stated is all that is known.
-    if (settings.documentDataType == "DICOM" && settings.MatrixSizeX > 0 &&
-        settings.MatrixSizeY > 0) {
+    // Where the settings reader had no reason to work it out, and until an image header tells
+    // better, the field of view that the operator stated is all that is known.
+    if (project.pixelSizeX == 0.0f && settings.MatrixSizeX > 0)
         project.pixelSizeX = float(settings.InplaneFoVX) / float(settings.MatrixSizeX);
+    if (project.pixelSizeY == 0.0f && settings.MatrixSizeY > 0)
         project.pixelSizeY = float(settings.InplaneFoVY) / float(settings.MatrixSizeY);
-    }
     project.targetFolder = settings.TargetFolder;
     project.projectPath = paths::join(settings.TargetFolder,
                                       paths::withDefaultExtension(settings.ProjectName, "fmr"));
-}
-
-// In the order of preference; "<none>" counts as no path. With none of the three the run has no
-// protocol at this point, and the loop will tell.
-bool readProtocol(QtCortivoDoc& document) {
-    StimulationProtocol& protocol = document.protocol;
-    for (const QString& path : {protocol.tdatPath, protocol.realTimeProtocolPath}) {
-        if (isProtocolPathSet(path)) {
-            showWarning(QStringLiteral("ERROR: Protocol \"%1\" arrives during the run, which this "
-                                       "version does not support.\n\nUse a \"StimulationProtocol:\""
-                                       " in the settings file.")
-                            .arg(path));
-            return false;
-        }
-    }
-    if (!isProtocolPathSet(protocol.protocolPath))
-        return true;
-    if (paths::folderWithoutSlash(protocol.protocolPath) == QDir::currentPath())
-        protocol.protocolPath = paths::fileName(protocol.protocolPath);
-    return readPRTFile(protocol, ResponseTable::Skip);
 }
 
 // A shortage of memory is found here and not in the middle of a run.
@@ -136,7 +115,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
     if (!document.workingFolder.isEmpty())
         QDir::setCurrent(document.workingFolder);
 
-    if (!readProtocol(document) || !allocateRun(document))
+    if (!readProtocol(run) || !allocateRun(document))
         return nullptr;
     if (settings.ShowGODlgAfterPreparation)
         announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");
@@ -152,7 +131,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
         endProgram(1);
         return nullptr;
     }
-    if (!readFirstVolume(*reader))
+    if (!reader->prepare() || !readFirstVolume(*reader))
         return nullptr;
     if (!reader->readHeaders())
         return nullptr;

@@ -3,6 +3,7 @@
 
 #include "base/messages.h"
 #include "run/loop/model_setup.h"
+#include "run/loop/protocol_update.h"
 #include "run/loop/run_saving.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/condition_index.h"
@@ -66,6 +67,7 @@ LoopEnd VolumeLoop::execute() {
     if (run_.stations.afterRun)
         run_.stations.afterRun();
     releaseModel();
+    closeProtocol(document_);
     save();
     return interrupted_ ? LoopEnd::Interrupted : LoopEnd::Complete;
 }
@@ -80,7 +82,7 @@ bool VolumeLoop::takeVolume() {
     if (!station(Station::PluginBeforeVolume) || !preprocess())
         return false;
     run_.display.refreshViewButtons();
-    if (!station(Station::ProtocolUpdate))
+    if (!updateProtocol(run_, volumeIndex_))
         return false;
     holdToTR();
     if (!updateDisplaysOfSubject())

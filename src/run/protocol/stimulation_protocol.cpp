@@ -2,6 +2,7 @@
 #include "run/protocol/stimulation_protocol.h"
 
 #include "base/messages.h"
+#include "base/text_reading.h"
 
 namespace {
 
@@ -29,9 +30,10 @@ bool appendInterval(ConditionTable& table, int index, int from, int to) {
     const auto last = size_t(condition.nrOfIntervals);
     if (condition.nrOfIntervals >= ProtocolCondition::maximumIntervals) {
         if (!condition.lossReported)
-            showWarning(QStringLiteral("WARNING: Condition \"%1\" has more than 300 intervals; the "
-                                       "first 300 are used.")
-                            .arg(condition.name));
+            showWarningAside(
+                QStringLiteral("WARNING: Condition \"%1\" has more than 300 intervals; the "
+                               "first 300 are used.")
+                    .arg(condition.name));
         condition.lossReported = true;
         return false;
     }
@@ -60,6 +62,7 @@ void StimulationProtocol::clearProtocol() {
     std::vector<ProtocolCondition>().swap(conditions);
     std::vector<ProtocolCondition>().swap(responseConditions);
     hasResponses = false;
+    unexpectedConditions.clear();
     experimentName = untitledExperiment;
 }
 
@@ -70,9 +73,15 @@ int StimulationProtocol::conditionIndex(const QString& name) {
         return index;
     if (acceptNewConditions)
         return append(conditions, known);
-    showWarning(QStringLiteral("WARNING: Unexpected condition \"%1\" found!\n\nThis condition was "
-                               "not declared in header and will be ignored.")
-                    .arg(name));
+    // A log repeats its names, and a broken one has any number of them.
+    constexpr qsizetype mostWarnings = 20;
+    if (unexpectedConditions.contains(known) || unexpectedConditions.size() >= mostWarnings)
+        return -1;
+    unexpectedConditions << known;
+    showWarningAside(
+        QStringLiteral("WARNING: Unexpected condition \"%1\" found!\n\nThis condition was "
+                       "not declared in header and will be ignored.")
+            .arg(shortened(name)));
     return -1;
 }
 

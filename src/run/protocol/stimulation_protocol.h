@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <array>
 #include <optional>
 #include <vector>
@@ -57,6 +58,7 @@ struct StimulationProtocol {
     bool hasResponses = false;
     int coveredTime = 0; ///< how far the protocol is known, scaled to milliseconds
     bool acceptNewConditions = true;
+    QStringList unexpectedConditions; ///< unknown names that the operator has been told of
 
     /// Segment values for the project file, from a protocol in volumes.
     int SegmentSize = 10;
@@ -72,13 +74,14 @@ struct StimulationProtocol {
 
     /// Frees both tables; the experiment is untitled again.
     void clearProtocol();
-    /// Index of an exact name. An unknown name is appended when acceptNewConditions is set; else a
-    /// warning is shown and the result is -1.
+    /// Index of an exact name. An unknown name is appended when acceptNewConditions is set; else
+    /// the result is -1, after a warning that holds nobody up, the first time for this name.
     int conditionIndex(const QString& name);
     /// The same for the response table, always appending.
     int responseConditionIndex(const QString& name);
     /// Appends one interval without responses. A full record or an index out of range leaves the
-    /// table as it is: the first such loss of a condition is reported, and false returned.
+    /// table as it is: the first such loss of a condition is reported, in a box that holds nobody
+    /// up, and false returned.
     bool addInterval(int condition, int from, int to);
     bool addResponseInterval(int condition, int from, int to);
     /// Writes into the last interval of a response condition; without one it does nothing.

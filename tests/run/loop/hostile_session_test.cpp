@@ -1,13 +1,11 @@
 // Whole runs on files that are damaged, late or missing.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/loop/session_fixture.h"
+#include "run/loop/simulated_session.h"
 
 #include "scanner_simulator/delivery.h"
-#include "scanner_simulator/simulated_scan.h"
 
 namespace {
 
-constexpr int sliceSamples = 16 * 16;
 constexpr int nrOfSlices = 4;
 constexpr int mosaicBytes = 2 * 32 * 32;
 const QByteArray pixelKey = QByteArray::fromHex("e07f1000");
@@ -17,65 +15,17 @@ const char* const missingKey = "Header does not contain \"begin-of-data\" key (7
 const char* const tooShort = "holds less image data than stated in the settings file !";
 
 // Twelve volumes of 16 x 16 x 4 samples, two of them skipped.
-struct HostileSession {
-    explicit HostileSession(ScannerType type) : scan(options(type, folder.path(), 16)) {
-        EXPECT_TRUE(scan.writeSettings() && scan.writeProtocol());
-        EXPECT_TRUE(QDir().mkpath(scan.watchFolder()));
-        session.settings.settingsFilePath = folder.filePath("Simulation-1.vco");
-        session.settings.settingsFileDir = folder.path() + "/";
-        messages.acceptAnything();
-    }
-    static SimulationOptions options(ScannerType type, const QString& folder, int size) {
-        SimulationOptions chosen;
-        chosen.type = type;
-        chosen.folder = folder;
-        chosen.sizeX = chosen.sizeY = size;
-        chosen.nrOfSlices = nrOfSlices;
-        chosen.nrOfVolumes = 12;
-        return chosen;
-    }
-    void writeAll() const {
-        for (int volume = 0; volume < 12; ++volume)
-            ASSERT_TRUE(scan.writeVolume(volume, scan.watchFolder()));
-    }
-    void write(const ScannerFile& file) const {
-        QFile target(scan.watchFolder() + file.name);
-        ASSERT_TRUE(target.open(QIODevice::WriteOnly));
-        target.write(file.bytes);
-    }
-    // The messages of one run, in order.
-    QStringList run() {
-        const qsizetype before = messages.shown().size();
-        session.runButtonState = RunButtonState::Ready;
-        session.runButtonPressed();
-        EXPECT_FALSE(session.state.runActive);
-        return messages.shown().mid(before);
-    }
-    // Number of saved volumes, after each sample was compared with what was measured.
-    [[nodiscard]] int savedVolumes() const {
-        QFile file(folder.filePath("results/Simulation-1.stc"));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray data = file.readAll();
-        const qsizetype volumes = data.size() / (2 * sliceSamples * nrOfSlices);
-        for (qsizetype volume = 0; volume < volumes; ++volume) {
-            const std::vector<uint16_t> measured = scan.volume(int(volume) + 2);
-            for (qsizetype i = 0; i < sliceSamples * nrOfSlices; ++i) {
-                const qsizetype at = (i / sliceSamples * volumes + volume) * sliceSamples;
-                const char* bytes = data.constData() + 2 * (at + i % sliceSamples);
-                if ((uint8_t(bytes[0]) | uint8_t(bytes[1]) << 8) != measured[size_t(i)])
-                    return -1;
-            }
-        }
-        return int(volumes);
-    }
+SimulationOptions hostileOptions(ScannerType type, int size) {
+    SimulationOptions chosen;
+    chosen.type = type;
+    chosen.sizeX = chosen.sizeY = size;
+    chosen.nrOfSlices = nrOfSlices;
+    chosen.nrOfVolumes = 12;
+    return chosen;
+}
 
-    QTemporaryDir folder;
-    ScriptedMessages messages;
-    RecordedProgramEnd programEnd;
-    SimulatedPump pump;
-    ProbeDisplay display;
-    RunSession session{pump, display};
-    SimulatedScan scan;
+struct HostileSession : SimulatedSession {
+    explicit HostileSession(ScannerType type) : SimulatedSession(hostileOptions(type, 16)) {}
 };
 
 void expectMessages(const QStringList& shown, const QStringList& endings) {
@@ -117,8 +67,7 @@ TEST_P(HostileSessionTest, FirstFileOfAnotherKindIsRefusedWithoutWaiting) {
     HostileSession hostile(GetParam());
     hostile.writeAll();
     const ScannerFile good = hostile.scan.files(0)[0];
-    const SimulatedScan smaller(
-        HostileSession::options(GetParam(), hostile.folder.filePath("other"), 8));
+    const SimulatedScan smaller(hostileOptions(GetParam(), 8));
     const auto changed = [&good](const char* from, const char* to) {
         return QByteArray(good.bytes).replace(QByteArray::fromHex(from), QByteArray::fromHex(to));
     };
@@ -154,7 +103,7 @@ TEST_P(HostileSessionTest, FirstFileOfAnotherKindIsRefusedWithoutWaiting) {
         expectMessages(hostile.run(), isMosaic() ? c.mosaicEndings : c.sliceEndings);
         EXPECT_LT(hostile.pump.milliseconds() - start, 3000);
     }
-    QFile huge(hostile.scan.watchFolder() + good.name);
+    QFile huge(hostile.watchFolder() + good.name);
     ASSERT_TRUE(huge.resize(qint64(4) << 30)); // sparse
     expectMessages(hostile.run(), {good.name + " !", lateFirstFile});
     hostile.write(good);
@@ -197,6 +146,47 @@ TEST_P(HostileSessionTest, TroubleInTheMiddleKeepsWhatWasMeasured) {
         EXPECT_EQ(hostile.savedVolumes(), c.saved);
         EXPECT_EQ(hostile.display.calls.last(), "ended");
         hostile.writeAll();
+        expectMessages(hostile.run(), {});
+        EXPECT_EQ(hostile.savedVolumes(), 10);
+    }
+}
+
+// All files are there, or come within the time-out, but not as quietly as on a good day.
+TEST_P(HostileSessionTest, AnUnsteadyFolderLosesNothing) {
+    using Trouble = std::function<void(HostileSession&)>;
+    const Trouble byteByByte = [](HostileSession& hostile) {
+        const ScannerFile file = hostile.scan.files(6)[0];
+        const qsizetype written = file.bytes.size() - 500;
+        hostile.write({file.name, file.bytes.first(written)});
+        for (qsizetype i = written; i < file.bytes.size(); ++i)
+            hostile.pump.after(10 * (i - written), [&hostile, file, i] {
+                hostile.write({file.name, file.bytes.mid(i, 1), /*append*/ true});
+            });
+    };
+    const Trouble backwards = [](HostileSession& hostile) {
+        for (int volume = 0; volume < 12; ++volume) {
+            std::vector<ScannerFile> files = hostile.scan.files(volume);
+            for (size_t i = 0; i < files.size(); ++i) {
+                QFile::remove(hostile.watchFolder() + files[i].name);
+                hostile.pump.after(200 * (volume + 1) - 20 * qint64(i),
+                                   [&hostile, file = files[i]] { hostile.write(file); });
+            }
+        }
+    };
+    const Trouble folderAway = [](HostileSession& hostile) {
+        const QString folder = hostile.folder.filePath("incoming");
+        hostile.pump.after(200, [folder] { QDir().rename(folder, folder + "-away"); });
+        hostile.pump.after(9000, [folder] { QDir().rename(folder + "-away", folder); });
+    };
+    const Trouble otherSeries = [](HostileSession& hostile) {
+        for (int volume = 0; volume < 12; ++volume)
+            for (const ScannerFile& file : hostile.scan.files(volume))
+                hostile.write({"2" + file.name, file.bytes + file.bytes});
+    };
+    for (const Trouble& trouble : {byteByByte, backwards, folderAway, otherSeries}) {
+        HostileSession hostile(GetParam());
+        hostile.writeAll();
+        trouble(hostile);
         expectMessages(hostile.run(), {});
         EXPECT_EQ(hostile.savedVolumes(), 10);
     }

@@ -51,7 +51,7 @@ TEST_F(VolumeLoopTest, CompleteRunPassesEveryStationInOrderAndIsSaved) {
     session.stations.afterRun = [&] { ++finished; };
     session.runButtonPressed();
 
-    EXPECT_EQ(stations.join(' '), "0 1 2 3 4 5 6 7 8 9 10 11 12");
+    EXPECT_EQ(stations.join(' '), "0 1 2 3 4 5 6 7 8 9 10 11");
     EXPECT_EQ(finished, 1);
     EXPECT_EQ(savedVolumes(), 30);
     EXPECT_TRUE(progressLog().startsWith("starting leaving arrived prepared views"));

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/ge_hdxt_dicom_reader.h"
+
+#include "base/paths.h"
+#include "intake/header_numbers.h"
+#include "intake/header_sizes.h"
+
+#include <QDir>
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace {
+
+constexpr const char* noPosition = "ERROR - Can nor get DICOM slice position values!";
+
+// The number behind the letter that series folders begin with; 0 where there is none.
+int seriesNumber(const QString& folderName) {
+    return leadingInteger(folderName.mid(1).toStdString());
+}
+
+// The series folder with the highest number; the earlier one of equals. Empty where there is none.
+QString latestSeries(const QString& examFolder) {
+    const QStringList series =
+        QDir(examFolder).entryList({"s*"}, QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    const auto latest = std::ranges::max_element(series, {}, seriesNumber);
+    return latest == series.end() ? QString() : *latest;
+}
+
+bool isPlace(const Vector3& point) {
+    return std::ranges::all_of(point, [](float value) { return std::abs(value) <= largestLength; });
+}
+
+// Unit vectors at right angles, but for the few decimals that a header gives.
+bool spanImage(const Vector3& row, const Vector3& column) {
+    const auto product = [](const Vector3& a, const Vector3& b) {
+        return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
+    };
+    constexpr double tolerance = 0.1;
+    return std::abs(product(row, row) - 1.0) < tolerance &&
+           std::abs(product(column, column) - 1.0) < tolerance &&
+           std::abs(product(row, column)) < tolerance;
+}
+
+} // namespace
+
+bool GeHdxtDicomReader::prepare() {
+    QString folder = state().watchFolder;
+    while (folder.endsWith('/'))
+        folder.chop(1);
+    QString name = paths::fileName(folder);
+    if (name.startsWith('e')) {
+        name = latestSeries(folder);
+        folder = paths::join(folder, name);
+    } else if (!name.startsWith('s')) {
+        return failWith("Wrong watch folder specified for GE Signa HDxt data. The watch folder "
+                        "must point to a exam or series folder.");
+    }
+    gePerSeriesOffset_ = seriesNumber(name);
+    state().watchFolder = paths::withTrailingSlash(folder);
+    return true;
+}
+
+// The first number counts files as they come, the second one slices: all slices that are missing
+// are looked for.
+QStringList GeHdxtDicomReader::namesOf(qint64 base, const std::vector<int>& missing) const {
+    const qint64 filesRead = settings().NrOfSlices - qint64(missing.size());
+    QStringList names;
+    for (const int slice : missing)
+        names << sliceFileName(gePerSeriesOffset_ + filesRead + base, base + slice);
+    return names;
+}
+
+bool GeHdxtDicomReader::takeCorner(SliceEnd which) {
+    FMRPositionInfo& position = project().position;
+    const bool first = which == SliceEnd::First;
+    return (parseImagePosition(state().header.imagePositionText, which, position) &&
+            isPlace(first ? position.sliceCenterFirst : position.sliceCenterLast)) ||
+           failWith(noPosition);
+}
+
+bool GeHdxtDicomReader::takeDirections() {
+    FMRPositionInfo& position = project().position;
+    return (parseImageOrientation(state().header.imageOrientationText, position) &&
+            spanImage(position.rowDirection, position.columnDirection)) ||
+           failWith("ERROR - Can nor get DICOM slice orientation values!");
+}
+
+// First and last are those of the volume, in whatever order their files came: an interleaved
+// measurement ends with another slice than the last one.
+bool GeHdxtDicomReader::readHeaders() {
+    DicomHeader& header = state().header;
+    FMRPositionInfo& position = project().position;
+    // The record outlives a file; a position of another one must not pass for that of this one.
+    header.imagePositionText.clear();
+    header.imageOrientationText.clear();
+    if (!readSizes())
+        return false;
+    position.fovColumns = std::round(position.fovColumns);
+    position.fovRows = std::round(position.fovRows);
+    const float width = float(settings().MatrixSizeX) * project().pixelSizeX;
+    const float height = float(settings().MatrixSizeY) * project().pixelSizeY;
+    // Without the size of a pixel no corner leads to a centre.
+    if (!(width > 0.0f && height > 0.0f))
+        return failWith(noPosition);
+    if (!takeCorner(SliceEnd::First) || !takeDirections())
+        return false;
+    header.imagePositionText.clear();
+    if (!readHeader(lastSliceFile()) || !takeCorner(SliceEnd::Last))
+        return false;
+    for (Vector3* point : {&position.sliceCenterFirst, &position.sliceCenterLast})
+        *point = imageCentre(*point, position, width, height);
+    position.positionInfoValid = 1;
+    return true;
+}

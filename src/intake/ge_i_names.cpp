@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/ge_i_names.h"
+
+#include "base/paths.h"
+#include "intake/dicom_names.h"
+
+#include <algorithm>
+
+QString geIFileName(const GeINumbers& first, qint64 index) {
+    constexpr qint64 lastImage = 999;
+    constexpr int seriesStep = 20;
+    constexpr int width = 3;
+    qint64 series = first.seriesNr;
+    qint64 image = first.firstImageNr + index;
+    if (image > lastImage) {
+        // Files since the first step to another folder; a first number that is too high steps too.
+        const qint64 behind = std::min(image - lastImage - 1, index);
+        series += seriesStep * (1 + behind / lastImage);
+        image = 1 + behind % lastImage;
+    }
+    return paddedNumber(series, width) + "/I." + paddedNumber(image, width);
+}
+
+GeIFileList geIFileList(const QString& watchFolder, const GeINumbers& first, qint64 count) {
+    constexpr qsizetype largestText = qsizetype(64) << 20;
+    GeIFileList list;
+    while (list.nrOfNames < count) {
+        const QString name = paths::join(watchFolder, geIFileName(first, list.nrOfNames));
+        const QByteArray line = name.toUtf8() + '\n';
+        if (list.text.size() + line.size() > largestText)
+            break;
+        list.text += line;
+        ++list.nrOfNames;
+    }
+    return list;
+}

@@ -1,0 +1,20 @@
+// Data type "GE_I": one raw file for each slice, in folders of 999 images.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "intake/raw_volume_reader.h"
+
+class GeIReader : public RawVolumeReader {
+public:
+    explicit GeIReader(const IntakeContext& context) : RawVolumeReader(context) {}
+    /// Writes the list of expected files into the target folder, if that can be written to.
+    [[nodiscard]] bool prepare() override;
+    [[nodiscard]] bool readFirstVolume() override;
+    [[nodiscard]] bool readVolume(int volume) override;
+    /// Voxel size and field of view. A header that can't be read doesn't stop a run.
+    [[nodiscard]] bool readHeaders() override;
+
+private:
+    [[nodiscard]] QString expectedPath(qint64 index) const;
+    [[nodiscard]] bool readSlices(Stage stage, int volume, qint64 firstIndex);
+};

@@ -1,0 +1,22 @@
+// Numbers and names of the files of the Siemens types that are older than DICOM.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/settings/run_settings.h"
+
+/// Study and image number of the first analysed volume: those of the settings moved on by the
+/// volumes that are skipped. Without a patient number (-1) the study number is -1 too; with
+/// SiemensFixedRunNumber it stays that of the settings.
+[[nodiscard]] qint64 fileStudyNr(const RunSettings& settings);
+[[nodiscard]] qint64 fileImageNr(const RunSettings& settings);
+
+/// How many slices have their tiles in one mosaic file: the square of SiemensMosaicResolution over
+/// MatrixSizeX in whole numbers, 0 where no tile fits in.
+[[nodiscard]] qint64 tilesPerFile(const RunSettings& settings);
+/// How many mosaic files have tiles for all slices; 0 where no tile fits in.
+[[nodiscard]] qint64 filesPerVolume(const RunSettings& settings);
+
+/// "513-3-17.ima": patient, study and image number.
+[[nodiscard]] QString imaFileName(const RunSettings& settings, qint64 study, qint64 image);
+/// The first file that is measured, with the three numbers as the settings state them.
+[[nodiscard]] QString firstImaFileName(const RunSettings& settings);

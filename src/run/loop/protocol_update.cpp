@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/protocol_update.h"
+
+#include "base/messages.h"
+#include "run/loop/model_setup.h"
+
+namespace {
+
+constexpr int pollMilliseconds = 5;
+constexpr double toleranceMilliseconds = 50.0;
+
+/// A protocol as the wait for it sees it.
+struct Arriving {
+    std::function<ProtocolUpdate()> readUpdate;
+    std::function<bool()> hasEnded; ///< by its own word: no more lines come
+    int coveredVolumes = 0;         ///< how many volumes must be covered
+    const char* timeOutText = "";
+};
+
+Arriving arrivingTDAT(QtCortivoDoc& document, int volumeIndex) {
+    TDATProtocol& tdat = document.tdatProtocol;
+    return {[&] { return readTDATUpdate(document.protocol, tdat); },
+            [&] { return tdat.state.runEnded; }, volumeIndex,
+            "TIME OUT ERROR: expected tdat condition info not available!"};
+}
+
+Arriving arrivingRTP(const RunParts& run, int volumeIndex) {
+    QtCortivoDoc& document = run.document;
+    RealTimeProtocol& realTime = document.realTimeProtocol;
+    const RunLength length{run.settings.nrOfAnalysedVolumes(), document.project.TR};
+    return {[&document, &realTime, length] {
+                return readRTPUpdate(length, document.protocol, realTime);
+            },
+            [&] { return realTime.state.rtpFinished; }, volumeIndex + 1,
+            "TIME OUT ERROR: expected real time protocol condition info not available!"};
+}
+
+bool covers(const QtCortivoDoc& document, int volumes) {
+    return double(document.protocol.coveredTime) + toleranceMilliseconds >
+           volumes * double(document.project.TR);
+}
+
+// Takes a line for each look, as long as it needs more. Lines that are there are taken without a
+// wait between them: a backlog shrinks as fast as it can be read.
+bool followProtocol(const RunParts& run, const Arriving& arriving, bool& intervalsChanged) {
+    const StopWatch waited(run.pump);
+    ProtocolUpdate update = arriving.readUpdate();
+    intervalsChanged = update.intervalsChanged;
+    run.pump.processEvents();
+    while (!arriving.hasEnded() && !covers(run.document, arriving.coveredVolumes)) {
+        if (waited.elapsed() > run.settings.timeOutMilliseconds) {
+            showWarning(arriving.timeOutText);
+            return false;
+        }
+        constexpr int eventRounds = 3;
+        for (int round = 0; round < eventRounds; ++round)
+            run.pump.processEvents();
+        if (!update.lineTaken)
+            run.pump.pumpWait(pollMilliseconds);
+        update = arriving.readUpdate();
+        intervalsChanged |= update.intervalsChanged;
+        run.pump.processEvents();
+    }
+    return true;
+}
+
+// The next step of the model takes in all conditions whose response has begun. When the one that
+// it was planned for turns out to have begun earlier, because its line came late, the planned
+// volume may have passed: the step is due at once then, or it would never come.
+void makeMissedStepDue(DesignMatrix& design, const GLMState& glm, int volumeIndex) {
+    const size_t next = size_t(glm.GLMStepIndex);
+    if (next >= design.GLMStepVolumes.size() || design.GLMStepVolumes[next] < 0 ||
+        design.GLMStepVolumes[next] >= volumeIndex)
+        return;
+    const std::vector<int>& active = glm.ActivePredictors;
+    for (size_t column = 0; column < design.PredictorOnsets.size(); ++column)
+        if (design.PredictorOnsets[column] <= volumeIndex &&
+            std::find(active.begin(), active.end(), int(column)) == active.end())
+            design.GLMStepVolumes[next] = volumeIndex;
+}
+
+void renewSchedule(QtCortivoDoc& document, int volumeIndex) {
+    DesignMatrix& design = document.design;
+    if (document.glm.nrOfActivePredictors >= design.NrOfPredictors)
+        return;
+    findPredictorOnsets(design, design.NrOfVolumes);
+    fillGLMStepVolumes(design);
+    makeMissedStepDue(design, document.glm, volumeIndex);
+}
+
+} // namespace
+
+bool updateProtocol(const RunParts& run, int volumeIndex) {
+    QtCortivoDoc& document = run.document;
+    const bool isTDAT = isProtocolPathSet(document.protocol.tdatPath);
+    if (!isTDAT && !isProtocolPathSet(document.protocol.realTimeProtocolPath))
+        return true;
+    const Arriving arriving =
+        isTDAT ? arrivingTDAT(document, volumeIndex) : arrivingRTP(run, volumeIndex);
+    bool intervalsChanged = false;
+    if (!arriving.hasEnded() && !followProtocol(run, arriving, intervalsChanged))
+        return false;
+    if (intervalsChanged) {
+        if (!isTDAT)
+            document.design.ConditionWeights = document.realTimeProtocol.state.rtpWeights;
+        if (!createConditionPredictors(document.design, designSource(document, run.settings)))
+            return false;
+    }
+    renewSchedule(document, volumeIndex);
+    return true;
+}
+
+void closeProtocol(QtCortivoDoc& document) {
+    document.tdatProtocol.lines.close();
+    document.realTimeProtocol.lines.close();
+}

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/messages.h"
+#include "run/protocol/real_time_protocol.h"
+
+#include <QFileInfo>
+
+namespace {
+
+void warnOfMisplacedBaseline(const QString& path) {
+    showWarning(QStringLiteral("WARNING: In RTP file \"%1\" a condition behind the first one is no "
+                               "predictor.\n\nOnly the first condition can be the baseline; "
+                               "conditions and values may be mixed up.")
+                    .arg(path));
+}
+
+} // namespace
+
+bool readRTPFile(const QString& path, StimulationProtocol& protocol, RealTimeProtocol& realTime) {
+    if (!QFileInfo::exists(path)) {
+        showWarning(QStringLiteral("ERROR: Specified RTP file: \"%1\" not found!").arg(path));
+        return false;
+    }
+    // A file that can't be written to can't be appended to either: better told now than by a
+    // time-out in the run.
+    if (!realTime.lines.open(path, QIODevice::ReadWrite | QIODevice::ExistingOnly,
+                             ArrivingLines::LineEnd::CarriageReturnOrLineFeed)) {
+        showWarning(QStringLiteral("ERROR: Can not open RTP file: \"%1\" !\n\nCheck the "
+                                   "\"WatchFolder\" and start again.\n")
+                        .arg(path));
+        return false;
+    }
+    const QByteArray bytes = realTime.lines.head(false);
+    const QString text = decodedText(bytes);
+    const HeaderParsing header = parseRTPHeader(text, protocol, realTime.state);
+    if (!header.good) {
+        showWarning(header.message);
+        realTime.lines.close();
+        return false;
+    }
+    realTime.lines.skipHead(bytesBefore(bytes, text, header.length));
+    protocol.coveredTime = 0;
+    if (realTime.state.baselineMisplaced)
+        warnOfMisplacedBaseline(path);
+    return true;
+}
+
+ProtocolUpdate readRTPUpdate(const RunLength& run, StimulationProtocol& protocol,
+                             RealTimeProtocol& realTime) {
+    QString line;
+    const ArrivingLines::Taken taken = realTime.lines.take(line);
+    if (taken == ArrivingLines::Taken::Nothing)
+        return {};
+    // A line that was left out is one whose values can't be read.
+    const LineEffect effect = takeRTPLine(line, run, protocol, realTime.state);
+    realTime.messages.show(effect.message);
+    if (realTime.state.rtpFinished)
+        realTime.lines.close();
+    return {true, effect.intervalsChanged};
+}

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/messages.h"
+#include "run/protocol/tdat_protocol.h"
+
+bool readTDATFile(const QString& path, const QString& settingsFile, StimulationProtocol& protocol,
+                  TDATProtocol& tdat, TDATSettings& settings) {
+    if (!tdat.lines.open(path, QIODevice::ReadOnly, ArrivingLines::LineEnd::LineFeed)) {
+        showWarning(QStringLiteral("ERROR: Can not open .tdat file !\n\nSet the \"WatchFolder\" in "
+                                   "the \"%1\" file and start again.\n")
+                        .arg(settingsFile));
+        return false;
+    }
+    const QByteArray bytes = tdat.lines.head(true);
+    const QString text = decodedText(bytes);
+    const HeaderParsing header = parseTDATHeader(text, protocol, tdat.state, settings);
+    if (!header.good) {
+        showWarning(header.message);
+        tdat.lines.close();
+        return false;
+    }
+    tdat.lines.skipHead(bytesBefore(bytes, text, header.length));
+    protocol.coveredTime = 0;
+    return true;
+}
+
+ProtocolUpdate readTDATUpdate(StimulationProtocol& protocol, TDATProtocol& tdat) {
+    QString line;
+    const ArrivingLines::Taken taken = tdat.lines.take(line);
+    if (taken == ArrivingLines::Taken::Nothing)
+        return {};
+    // Nothing that the program looks for is in a line as long as that.
+    if (taken == ArrivingLines::Taken::TooLong)
+        return {true, false};
+    const LineEffect effect = takeTDATLine(line, protocol, tdat.state);
+    tdat.messages.show(effect.message);
+    if (tdat.state.runEnded)
+        tdat.lines.close();
+    return {true, effect.intervalsChanged};
+}

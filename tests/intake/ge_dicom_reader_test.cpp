@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "raw_samples.h"
+#include "support/test_data.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+
+namespace {
+
+const QByteArray axial = "1\\0\\0\\0\\1\\0";
+
+// Slices of 2 x 1 samples.
+struct GeRun : IntakeRun {
+    explicit GeRun(const QString& type, int slices = 3) : IntakeRun(type, 2, 1, slices) {
+        settings.GESeriesNr = 10;
+        settings.GEFirstImageNr = 4;
+        EXPECT_TRUE(QDir(folder.path()).mkdir("s10"));
+        state.watchFolder = path("s10");
+    }
+    static QByteArray file(uint16_t first, ByteOrder order = ByteOrder::Little) {
+        return header(order).pixels({first, uint16_t(first + 1)}).bytes;
+    }
+    static DicomBytes header(ByteOrder order = ByteOrder::Little) {
+        return DicomBytes(order).meta();
+    }
+    void writeSlice(const QString& name, const QByteArray& bytes) { write("s10/" + name, bytes); }
+};
+
+TEST(GeXDicomReader, NamesCountThroughTheSeries) {
+    GeRun run("GE_X_DICOM", 2);
+    run.writeSlice("i14.MRDC.4", GeRun::file(20));
+    run.pump.after(900, [&] { run.writeSlice("i15.MRDC.5", GeRun::file(30)); });
+    // Two volumes are skipped, and only the first one counts from the first number of the settings.
+    for (const int count : {5, 6, 7})
+        run.writeSlice(QString("i%1.MRDC.%2").arg(count + 10).arg(count),
+                       GeRun::file(uint16_t(10 * count)));
+    const auto reader = run.reader();
+    ASSERT_TRUE(reader->prepare());
+    ASSERT_TRUE(reader->readFirstVolume());
+    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{20, 21, 50, 51}));
+    EXPECT_EQ(run.project.FirstDataSourceFile, "i14.MRDC.4");
+    ASSERT_TRUE(reader->readVolume(0));
+    EXPECT_EQ(valuesOf(run.project.volumes[0]), (std::vector{50, 51, 60, 61}));
+    EXPECT_FALSE(reader->readVolume(1)) << "its second slice is missing";
+    EXPECT_FALSE(reader->readVolume(3)) << "no such volume";
+}
+
+TEST(GeDicomReaders, SamplesAreTheLastBytesOfAWholeFile) {
+    for (const char* type : {"GE_X_DICOM", "GE_HDXT_DICOM"}) {
+        GeRun run(type, 1);
+        run.settings.GEFirstImageNr = 1;
+        run.settings.NrOfVolumesToSkip = 0;
+        // Longer than the slice; the scanner writes it in two parts.
+        const QByteArray whole = GeRun::header(ByteOrder::Big).pixels({1, 2, 0x304, 0x405}).bytes;
+        run.writeSlice("i11.MRDC.1", whole.chopped(7));
+        run.pump.after(450, [&] { run.writeSlice("i11.MRDC.1", whole); });
+        const auto reader = run.reader();
+        ASSERT_TRUE(reader->prepare());
+        ASSERT_TRUE(reader->readFirstVolume());
+        EXPECT_GE(run.pump.milliseconds(), 450);
+        EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x304, 0x405}));
+        // The loop goes by the order that the program has settled on.
+        ASSERT_TRUE(reader->readVolume(0));
+        EXPECT_EQ(run.project.volumes[0][0], 0x403);
+        run.state.rawDataByteOrder = ByteOrder::Big;
+        ASSERT_TRUE(reader->readVolume(0));
+        EXPECT_EQ(run.project.volumes[0][0], 0x304);
+    }
+}
+
+TEST(GeHdxtDicomReader, SlicesComeInAnyOrderAndEachOnce) {
+    GeRun run("GE_HDXT_DICOM");
+    run.writeSlice("i11.MRDC.3", GeRun::file(30));
+    run.writeSlice("i12.MRDC.1", GeRun::file(10));
+    run.writeSlice("i13.MRDC.1", GeRun::file(99));
+    run.pump.after(900, [&] { run.writeSlice("i13.MRDC.2", GeRun::file(20)); });
+    // Two volumes are skipped. Each file has the whole time-out.
+    run.writeSlice("i17.MRDC.8", GeRun::file(80));
+    run.pump.after(1800, [&] { run.writeSlice("i18.MRDC.9", GeRun::file(90)); });
+    run.pump.after(2700, [&] { run.writeSlice("i19.MRDC.7", GeRun::file(70)); });
+    const auto reader = run.reader();
+    ASSERT_TRUE(reader->prepare());
+    ASSERT_TRUE(reader->readFirstVolume());
+    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{10, 11, 20, 21, 30, 31}));
+    EXPECT_EQ(run.project.FirstDataSourceFile, "i12.MRDC.1");
+    ASSERT_TRUE(reader->readVolume(0));
+    EXPECT_EQ(valuesOf(run.project.volumes[0]), (std::vector{70, 71, 80, 81, 90, 91}));
+    EXPECT_FALSE(reader->readVolume(1));
+}
+
+TEST(GeHdxtDicomReader, SettlesTheWatchFolder) {
+    struct Case {
+        QStringList series;
+        const char* watched;
+        const char* settled; // nothing: refused
+        int number;
+    };
+    for (const auto& [series, watched, settled, number] :
+         {Case{{"e7/s3", "e7/s12", "e7/s9", "e7/x99"}, "e7", "e7/s12/", 12},
+          {{"e1234568/s3", "e1234568/s03", "e1234568/study"}, "e1234568//", "e1234568/s03/", 3},
+          {{"e7"}, "e7", "e7/", 0},
+          {{"s12b/s20"}, "s12b/", "s12b/", 12},
+          {{"exam", "s5"}, "", nullptr, 0},
+          {{"e7/13"}, "e7/13", nullptr, 0}}) {
+        SCOPED_TRACE(watched);
+        GeRun run("GE_HDXT_DICOM", 1);
+        for (const QString& name : series)
+            ASSERT_TRUE(QDir(run.folder.path()).mkpath("w/" + name));
+        run.state.watchFolder = run.path("w/") + watched;
+        if (!settled)
+            run.messages.expect(MessageLevel::Warning,
+                                "Wrong watch folder specified for GE Signa HDxt data. The watch "
+                                "folder must point to a exam or series folder.");
+        const auto reader = run.reader();
+        ASSERT_EQ(reader->prepare(), settled != nullptr);
+        if (!settled)
+            continue;
+        EXPECT_EQ(run.state.watchFolder, run.path("w/") + settled);
+        run.write(QString("w/%1i%2.MRDC.1").arg(settled).arg(number + 1), GeRun::file(1));
+        EXPECT_TRUE(reader->readFirstVolume());
+    }
+}
+
+struct Geometry {
+    QByteArray position = "-10\\-20\\5";
+    QByteArray orientation = axial;
+    QByteArray lastPosition = "-10\\-20\\13";
+    QByteArray pixelSpacing = "3.2\\1.7";
+    QByteArray thickness = "3";
+    uint16_t columns = 2;
+
+    [[nodiscard]] QByteArray file(const QByteArray& corner) const {
+        DicomBytes set = GeRun::header(ByteOrder::Big);
+        const auto text = [&set](uint16_t group, uint16_t number, const QByteArray& value) {
+            if (!value.isEmpty())
+                set.element(group, number, "DS", value + QByteArray(value.size() % 2, ' '));
+        };
+        text(0x0018, 0x0050, thickness);
+        text(0x0018, 0x0088, "4");
+        text(0x0020, 0x0032, corner);
+        text(0x0020, 0x0037, orientation);
+        set.word(0x0028, 0x0010, 1).word(0x0028, 0x0011, columns);
+        text(0x0028, 0x0030, pixelSpacing);
+        return set.pixels({1, 2}).bytes;
+    }
+};
+
+void writeVolume(GeRun& run, const Geometry& geometry) {
+    run.settings.GEFirstImageNr = 1;
+    // Of the type that takes any order, the last slice comes before the middle one.
+    const bool anyOrder = run.settings.documentDataType == "GE_HDXT_DICOM";
+    run.writeSlice("i11.MRDC.1", geometry.file(geometry.position));
+    run.writeSlice(anyOrder ? "i12.MRDC.3" : "i13.MRDC.3", geometry.file(geometry.lastPosition));
+    run.writeSlice(anyOrder ? "i13.MRDC.2" : "i12.MRDC.2", geometry.file("0\\0\\0"));
+}
+
+TEST(GeDicomReaders, HeadersGiveSizesAndOfOneTypePositions) {
+    for (const bool positions : {true, false}) {
+        GeRun run(positions ? "GE_HDXT_DICOM" : "GE_X_DICOM");
+        writeVolume(run, {});
+        const auto reader = run.reader();
+        ASSERT_TRUE(reader->prepare() && reader->readFirstVolume() && reader->readHeaders());
+        const FMRPositionInfo& position = run.project.position;
+        EXPECT_EQ(run.project.pixelSizeX, 1.7f);
+        EXPECT_EQ(run.project.pixelSizeY, 3.2f);
+        EXPECT_EQ(run.project.sliceThickness, 3.0f);
+        EXPECT_EQ(run.project.sliceGap, 1.0f);
+        EXPECT_TRUE(run.project.VoxelResolutionVerified);
+        EXPECT_EQ(run.state.rawDataByteOrder, ByteOrder::Big) << "the header tells";
+        EXPECT_EQ(position.fovColumns, positions ? 3.0f : 3.4f);
+        EXPECT_EQ(position.fovRows, positions ? 3.0f : 3.2f);
+        EXPECT_EQ(position.positionInfoValid, positions);
+        if (positions) {
+            EXPECT_EQ(position.sliceCenterFirst, (Vector3{-8.3f, -18.4f, 5.0f}));
+            EXPECT_EQ(position.sliceCenterLast, (Vector3{-8.3f, -18.4f, 13.0f}));
+        }
+    }
+}
+
+TEST(GeHdxtDicomReader, HeadersThatGiveNoGeometryStopTheRun) {
+    const char* noPosition = "ERROR - Can nor get DICOM slice position values!";
+    const char* noOrientation = "ERROR - Can nor get DICOM slice orientation values!";
+    struct Case {
+        Geometry geometry;
+        const char* message;
+    };
+    for (const auto& [geometry, message] :
+         {Case{
+              {.columns = 64},
+              "ERROR - dimensions of DICOM file (1 x 64) do not match those in VCO file (1 x 2) !"},
+          {{.position = ""}, noPosition},
+          {{.position = "1\\2"}, noPosition},
+          {{.position = "1\\2\\1e30"}, noPosition},
+          {{.lastPosition = ""}, noPosition},
+          {{.pixelSpacing = "0\\0"}, noPosition},
+          {{.orientation = "1\\0\\0\\0\\1"}, noOrientation},
+          {{.orientation = "0\\0\\0\\0\\0\\0"}, noOrientation},
+          {{.orientation = "1\\0\\0\\1\\0\\0"}, noOrientation},
+          {{.orientation = "9\\0\\0\\0\\9\\0"}, noOrientation}}) {
+        SCOPED_TRACE(message);
+        GeRun run("GE_HDXT_DICOM");
+        run.state.header.imagePositionText = "1\\2\\3";
+        run.state.header.imageOrientationText = axial.toStdString();
+        writeVolume(run, geometry);
+        run.messages.expect(MessageLevel::Warning, message);
+        const auto reader = run.reader();
+        ASSERT_TRUE(reader->prepare() && reader->readFirstVolume());
+        EXPECT_FALSE(reader->readHeaders());
+        EXPECT_EQ(run.project.position.positionInfoValid, 0);
+    }
+}
+
+void addTo(QCryptographicHash& hash, const Volume& volume) {
+    const auto bytes = std::as_bytes(volume.span());
+    hash.addData({reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())});
+}
+
+// Centres by NumPy from the corners that pydicom found, and the SHA-256 of its samples of all files
+// in the order of their names, which here bear the numbers that the types expect.
+TEST(GeDicomReaders, ScannerFiles) {
+    const QString folder = scannerDataFolder() + "/ge_dicom/";
+    SKIP_WITHOUT(folder);
+    struct Case {
+        const char* series;
+        int slices, volumes;
+        const char* digest;
+        Vector3 first, last, column;
+    };
+    const Vector3 first{1.0f, -16.001f, -61.2995f};
+    const Vector3 last{1.0f, -16.001f, -50.4995f};
+    for (const Case& given :
+         {Case{"run_20_volumes/e123/s1925",
+               18,
+               20,
+               "4d8985425742e510b7f36bab0bb02616b2893746554b54323a35f931bd343923",
+               {-1.294096f, -36.4384928f, -46.5758808f},
+               {-0.302296f, -14.2434928f, 14.0832192f},
+               {-0.061137f, 0.937673f, -0.342098f}},
+          {"four_slices/001",
+           4,
+           2,
+           "f714f7484b7e5e6729f6a07fdb2c369e30657828dcf4d12c18013409803c3f92",
+           first,
+           last,
+           {0.0f, 1.0f, 0.0f}},
+          {"four_slices/001_implicit",
+           4,
+           2,
+           "112826542de96baff53405e6be2622bd2d74ae7c82b77bbb0675edc4f5037a71",
+           first,
+           last,
+           {0.0f, 1.0f, 0.0f}}})
+        for (const char* type : {"GE_HDXT_DICOM", "GE_X_DICOM"}) {
+            SCOPED_TRACE(testing::Message() << given.series << ' ' << type);
+            IntakeRun run(type, 64, 64, given.slices);
+            run.settings.NrOfVolumesToSkip = 1;
+            run.settings.GESeriesNr = 2862279;
+            const QString watched = run.path("e123/s2862279/");
+            run.state.watchFolder = watched;
+            ASSERT_TRUE(QDir().mkpath(watched));
+            int count = 0;
+            for (const QFileInfo& file : QDir(folder + given.series).entryInfoList(QDir::Files)) {
+                ++count;
+                ASSERT_TRUE(
+                    QFile::link(file.absoluteFilePath(),
+                                watched + QString("i%1.MRDC.%2").arg(2862279 + count).arg(count)));
+            }
+            const auto reader = run.reader();
+            ASSERT_TRUE(reader->prepare() && reader->readFirstVolume() && reader->readHeaders());
+            const FMRPositionInfo& position = run.project.position;
+            EXPECT_EQ(position.fovColumns, 192.0f);
+            EXPECT_EQ(run.project.pixelSizeY, 3.0f);
+            EXPECT_EQ(position.positionInfoValid, type == QString("GE_HDXT_DICOM"));
+            for (size_t axis = 0; axis < 3 && position.positionInfoValid; ++axis) {
+                EXPECT_NEAR(position.sliceCenterFirst[axis], given.first[axis], 1e-4);
+                EXPECT_NEAR(position.sliceCenterLast[axis], given.last[axis], 1e-4);
+                EXPECT_EQ(position.columnDirection[axis], given.column[axis]);
+            }
+            QCryptographicHash hash(QCryptographicHash::Sha256);
+            addTo(hash, run.project.firstVolume);
+            run.project.volumes.resize(size_t(given.volumes));
+            for (int volume = 0; volume < given.volumes - 1; ++volume) {
+                Volume& target = run.project.volumes[size_t(volume)];
+                ASSERT_TRUE(target.allocate(run.project.volumeSamples()));
+                ASSERT_TRUE(reader->readVolume(volume));
+                addTo(hash, target);
+            }
+            EXPECT_EQ(hash.result().toHex(), given.digest);
+        }
+}
+
+} // namespace

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dicom_bytes.h"
+#include "intake/ge_i_header.h"
+#include "intake/ge_p_header.h"
+#include "support/scripted_messages.h"
+#include "support/test_data.h"
+
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <bit>
+#include <cmath>
+
+namespace {
+
+constexpr uint32_t headerStart = 200;
+constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+
+void put(QByteArray& bytes, qsizetype offset, uint32_t value) {
+    bytes = bytes.leftJustified(offset + 4, '\0');
+    qToBigEndian(value, bytes.data() + offset);
+}
+
+// The last field, the gap, ends the file.
+QByteArray geIFile(float thickness, float gap, float fieldOfView = 240.0f) {
+    QByteArray bytes;
+    put(bytes, 148, headerStart);
+    for (const auto& [offset, value] : {std::pair{26, thickness},
+                                        {34, fieldOfView},
+                                        {38, 192.0f},
+                                        {50, 3.75f},
+                                        {54, 3.0f},
+                                        {116, gap}})
+        put(bytes, headerStart + offset, std::bit_cast<uint32_t>(value));
+    return bytes;
+}
+
+FMRProject projectOfSettings() {
+    FMRProject project;
+    project.sliceThickness = 4.0f;
+    project.sliceGap = 1.0f;
+    return project;
+}
+
+std::vector<float> sizesOf(const FMRProject& project) {
+    return {project.sliceThickness,      project.sliceGap,
+            project.pixelSizeX,          project.pixelSizeY,
+            project.position.fovColumns, project.position.fovRows};
+}
+
+// Of no bytes: none.
+struct HeaderFile {
+    explicit HeaderFile(const QByteArray& bytes) {
+        if (!bytes.isNull())
+            writeFile(path, bytes);
+    }
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("header");
+};
+
+constexpr const char* cannotBe = "WARNING: The header of file \"*";
+
+TEST(GEIHeader, TakesWhatCanBe) {
+    QByteArray outside = geIFile(3.0f, 0.5f);
+    put(outside, 148, 0xFFFFFFFF);
+    QByteArray lastBytes = geIFile(3.0f, 0.5f);
+    put(lastBytes, 148, uint32_t(lastBytes.size()) - 119);
+    const std::vector<float> settings{4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f};
+    const char* none = "ERROR: GE_I file \"*";
+    struct Case {
+        QByteArray bytes;
+        std::vector<float> sizes;
+        const char* message;
+    };
+    for (const auto& [bytes, sizes, message] :
+         {Case{geIFile(3.0f, 0.5f), {3.0f, 0.5f, 3.0f, 3.75f, 192.0f, 240.0f}, nullptr},
+          {geIFile(3.0f, -0.5f), {3.0f, -0.5f, 3.0f, 3.75f, 192.0f, 240.0f}, nullptr},
+          {geIFile(3.0f, -3.0f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
+          {geIFile(nan, 0.5f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
+          {geIFile(3.0f, nan, -1.0f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
+          {geIFile(3.0f, 0.5f, INFINITY), {3.0f, 0.5f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
+          {geIFile(3.0f, 0.5f).chopped(1), settings, none},
+          {QByteArray(151, '\0'), settings, none},
+          {outside, settings, none},
+          {lastBytes, settings, none},
+          {{}, settings, "ERROR: Can not open GE_I file !"}}) {
+        ScriptedMessages messages;
+        if (message)
+            messages.expect(MessageLevel::Warning, message);
+        FMRProject project = projectOfSettings();
+        const HeaderFile file(bytes);
+        readGEIHeader(file.path, project);
+        EXPECT_EQ(sizesOf(project), sizes);
+        EXPECT_EQ(project.VoxelResolutionVerified, message == nullptr);
+        EXPECT_EQ(project.position.positionInfoValid, 0);
+    }
+}
+
+TEST(PFileHeader, TakesTheNumberBehindTheWordBehindTheKey) {
+    struct Case {
+        const char* text;
+        std::vector<float> sizes;
+        const char* message = nullptr;
+    };
+    for (const auto& [text, sizes, message] :
+         {Case{"FOV = 220.0\nslice thick = 5\nskip : 1.5mm\npixel size = 3.4375\n",
+               {5.0f, 1.5f, 3.4375f, 3.4375f, 220.0f, 220.0f}},
+          {"fov = 1 slice slice thick = 5 Skip = 2 pixel pixel size x 2",
+           {5.0f, 1.0f, 2.0f, 2.0f, 0.0f, 0.0f}},
+          {"FOV is FOV = 200 skip = none FOV =", {4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f}},
+          {"slice thick = 2 slice thick = 3 skip = 0", {3.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f}},
+          {"slice thick = -2 skip = 9 FOV = 1e30 pixel size = 3",
+           {4.0f, 1.0f, 3.0f, 3.0f, 0.0f, 0.0f},
+           cannotBe},
+          {nullptr, {4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f}, "ERROR: Can not open P header file !"}}) {
+        ScriptedMessages messages;
+        if (message)
+            messages.expect(MessageLevel::Warning, message);
+        FMRProject project = projectOfSettings();
+        const HeaderFile file(text);
+        readPFileHeader(file.path, project);
+        EXPECT_EQ(sizesOf(project), sizes);
+    }
+}
+
+// Spacings as another reader wrote them down (itk_baseline_mha). The files are older than the
+// pointer to the image header, which the test puts where files of this type have it.
+TEST(GEIHeader, ScannerFiles) {
+    const QString folder = scannerDataFolder() + "/old_formats/itk_test_";
+    SKIP_WITHOUT(folder + "ge5_scrubbed");
+    struct Case {
+        const char* file;
+        uint32_t start;
+        float spacing, distance;
+    };
+    for (const auto& [name, start, spacing, distance] :
+         {Case{"ge5_scrubbed/113766.003.001", 2158, 1.01563f, 3.0f},
+          Case{"geadw_scrubbed/I.001", 2186, 0.625f, 1.5f}}) {
+        QFile file(folder + name);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        QByteArray bytes = file.readAll();
+        put(bytes, 148, start);
+        FMRProject project;
+        readGEIHeader(HeaderFile(bytes).path, project);
+        EXPECT_NEAR(project.pixelSizeX, spacing, 1e-5);
+        EXPECT_NEAR(project.pixelSizeY, spacing, 1e-5);
+        EXPECT_EQ(project.sliceDistance(), distance);
+        EXPECT_EQ(project.position.fovRows / project.pixelSizeY, 256.0f) << "pixels of the scan";
+    }
+}
+
+} // namespace

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/analyze_header.h"
+#include "raw_samples.h"
+#include "support/test_data.h"
+
+namespace {
+
+// Three slices of one sample; one volume is skipped.
+struct GrowingRun : IntakeRun {
+    GrowingRun() : IntakeRun("PHILIPS_REC", 1, 1, 3) {
+        settings.documentFirstFileName = path("run.rec");
+        settings.NrOfVolumesToSkip = 1;
+    }
+    void grow(size_t nrOfSamples) {
+        write("run.rec", rawSamples(countedFrom(0x0102, nrOfSamples)));
+    }
+};
+
+TEST(GrowingFileReader, EachSliceOfTheFirstVolumeHasItsOwnWait) {
+    for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big}) {
+        GrowingRun run;
+        run.state.rawDataByteOrder = order;
+        for (const int slice : {1, 2, 3})
+            run.pump.after(900 * slice, [&run, slice] { run.grow(size_t(slice)); });
+        ASSERT_TRUE(run.reader()->readFirstVolume());
+        EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x104, 0x103, 0x102}));
+        EXPECT_EQ(run.project.FirstDataSourceFile, "run.rec");
+    }
+}
+
+TEST(GrowingFileReader, FirstSliceStartsAVolumeAndTheRestIsWaitedFor) {
+    for (const int whole : {200, 900, 2000}) {
+        GrowingRun run;
+        run.grow(3);
+        run.pump.after(100, [&] { run.grow(4); });
+        run.pump.after(whole, [&] { run.grow(6); });
+        const auto reader = run.reader();
+        EXPECT_EQ(reader->readVolume(0), whole < 1000);
+        EXPECT_EQ(valuesOf(run.project.volumes[0]),
+                  whole < 1000 ? (std::vector{0x107, 0x106, 0x105}) : std::vector(3, 0));
+        EXPECT_FALSE(reader->readVolume(1));
+        run.settings.NrOfVolumesToSkip = -1;
+        EXPECT_FALSE(reader->readVolume(0)) << "nothing lies before the file";
+    }
+}
+
+// Sums of the slices of the third volume and of the only one, from NumPy.
+TEST(GrowingFileReader, ScannerFiles) {
+    struct Case {
+        const char* type;
+        const char* file;
+        int columns, volume;
+        std::vector<int> sums;
+    };
+    for (const Case& given :
+         {Case{"PHILIPSRECDATA",
+               "/philips/phantom_par_rec/phantom_EPI_asc_CLEAR_2_1.REC",
+               64,
+               2,
+               {205032, 409165, 555657, 642881, 672535, 681201, 759962, 806839, 836937}},
+          Case{"2DSEQ_MPI",
+               "/bruker/1/pdata/1/2dseq",
+               80,
+               0,
+               {16675647, 16707693, 17348885, 17035788, 17103388}}}) {
+        IntakeRun run(given.type, given.columns, 64, int(given.sums.size()));
+        run.settings.NrOfVolumesToSkip = 0;
+        run.settings.documentFirstFileName = scannerDataFolder() + given.file;
+        SKIP_WITHOUT(run.settings.documentFirstFileName);
+        ASSERT_TRUE(run.reader()->readVolume(given.volume));
+        const auto samples = run.project.volumes[size_t(given.volume)].span();
+        const size_t sliceSize = run.project.sliceSamples();
+        for (size_t slice = 0; slice < given.sums.size(); ++slice) {
+            const auto part = samples.subspan(slice * sliceSize, sliceSize);
+            EXPECT_EQ(std::accumulate(part.begin(), part.end(), 0), given.sums[slice]);
+        }
+        EXPECT_EQ(run.reader()->readVolume(2), given.volume == 2) << "the file ends before";
+    }
+}
+
+// Two slices of 2 x 2 samples.
+TEST(AnalyzeReader, NumbersLoseADigitAtThousandAndSlicesAreTransformed) {
+    const std::map<int, std::vector<int>> transformed{{0, {1, 2, 3, 4, 5, 6, 7, 8}},
+                                                      {1, {4, 3, 2, 1, 8, 7, 6, 5}},
+                                                      {2, {3, 4, 1, 2, 7, 8, 5, 6}},
+                                                      {3, {1, 2, 3, 4, 5, 6, 7, 8}}};
+    for (const char* type : {"ANALYZE_NW", "PHILIPS_ANALYZE_DRIN"})
+        for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big})
+            for (const auto& [transformation, expected] : transformed) {
+                IntakeRun run(type, 2, 2, 2);
+                run.state.rawDataByteOrder = order;
+                run.settings.ImageTransformation = transformation;
+                run.settings.philipsFilePrefix = "run_";
+                run.settings.philipsFirstNumber = 997;
+                const QByteArray image = rawSamples(countedFrom(1, 8), order);
+                for (const char* name : {"run_00997.img", "run_00999.img", "run_1000.img"})
+                    run.write(name, image);
+                run.write("run_1001.img", image.chopped(1));
+                const auto reader = run.reader();
+                ASSERT_TRUE(reader->readFirstVolume());
+                EXPECT_EQ(run.project.FirstDataSourceFile, "run_00997.img");
+                ASSERT_TRUE(reader->readVolume(0) && reader->readVolume(1));
+                for (const Volume* volume : {&run.project.firstVolume, &run.project.volumes[1]})
+                    EXPECT_EQ(valuesOf(*volume), expected) << transformation;
+                EXPECT_FALSE(reader->readVolume(2));
+            }
+}
+
+// Values from another reader of this format.
+TEST(AnalyzeHeader, FieldsHaveTheirPlacesInBothByteOrders) {
+    for (const bool big : {true, false})
+        for (const char* size : {"0000015C", "00000180"}) {
+            QByteArray bytes = QByteArray::fromHex(size);
+            if (!big)
+                std::reverse(bytes.begin(), bytes.end());
+            for (int i = 4; i < analyzeHeaderBytes; ++i)
+                bytes += char((7 * i + 3) % 251);
+            ByteOrder order = big ? ByteOrder::Little : ByteOrder::Big;
+            AnalyzeHeader header;
+            ASSERT_TRUE(parseAnalyzeHeader(bytesOf(bytes), order, header));
+            EXPECT_EQ(order, big ? ByteOrder::Big : ByteOrder::Little);
+            EXPECT_EQ(header.hk.extents, big ? -471141896 : -118363421);
+            EXPECT_EQ(header.dime.dim[7], big ? -32119 : -30334);
+            EXPECT_EQ(header.dime.pixdim[7],
+                      big ? -1.3987238289570715e+23f : -6.3326646426982034e+35f);
+            EXPECT_EQ(header.dime.glmin, big ? 118363420 : 471141895);
+            EXPECT_EQ(header.hist.exp_time[0], 't');
+            EXPECT_EQ(header.hist.smin, big ? -1734367571 : -1381589096);
+        }
+}
+
+TEST(AnalyzeHeader, FilesOfBothByteOrdersAndNone) {
+    const QString data = scannerDataFolder() + "/analyze75/both_byte_orders/";
+    SKIP_WITHOUT(data);
+    ScriptedMessages messages;
+    QString order;
+    AnalyzeHeader header;
+    for (const QString expected : {"BigEndian", "LittleEndian"}) {
+        ASSERT_TRUE(readAnalyzeHeader(data + expected + ".hdr", order, header));
+        EXPECT_EQ(order, expected);
+        EXPECT_EQ(header.dime.dim, (std::array<int16_t, 8>{4, 6, 6, 8, 1, 1, 1, 1}));
+    }
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("short.hdr"), QByteArray(347, '\0'));
+    messages.expect(MessageLevel::Warning, "ERROR: File *");
+    EXPECT_FALSE(readAnalyzeHeader(folder.filePath("short.hdr"), order, header));
+    messages.expect(MessageLevel::Warning, "Can not open ANALYZE file !");
+    EXPECT_FALSE(readAnalyzeHeader(folder.filePath("none.hdr"), order, header));
+}
+
+} // namespace

@@ -1,0 +1,28 @@
+// Samples as files hold them that have no header, or one of fixed size.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "intake_run.h"
+
+#include <QDataStream>
+#include <numeric>
+
+inline QByteArray rawSamples(const std::vector<int>& values, ByteOrder order = ByteOrder::Little) {
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setByteOrder(order == ByteOrder::Little ? QDataStream::LittleEndian
+                                                   : QDataStream::BigEndian);
+    for (const int value : values)
+        stream << quint16(value);
+    return bytes;
+}
+
+inline std::vector<int> countedFrom(int first, size_t count) {
+    std::vector<int> values(count);
+    std::iota(values.begin(), values.end(), first);
+    return values;
+}
+
+inline std::vector<int> valuesOf(const Volume& volume) {
+    return {volume.span().begin(), volume.span().end()};
+}

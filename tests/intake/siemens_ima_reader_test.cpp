@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/siemens_ima_header.h"
+#include "intake/siemens_ima_names.h"
+#include "raw_samples.h"
+#include "support/test_data.h"
+
+#include <limits>
+
+namespace {
+
+QByteArray ima(const QByteArray& samples) {
+    return QByteArray(imaHeaderBytes, '\0') + samples;
+}
+
+// Each file holds four samples, counted from ten times its place in the list.
+TEST(SiemensImaReaders, NamesCountPatientsStudiesAndImages) {
+    struct Case {
+        const char* type;
+        bool mosaic, fixed;
+        int patient;
+        const char* values; ///< of the first volume and of the second analysed one
+        const char* names;  ///< of their files
+    };
+    for (const Case& given : {
+             Case{"SIEMENS_IMA", false, false, 5, "10 20 30 40",
+                  "5-10-97.ima 5-10-98.ima 5-13-103.ima 5-13-104.ima"},
+             Case{"SIEMENSIMA", false, true, 5, "10 20 30 40",
+                  "5-10-97.ima 5-10-98.ima 5-11-103.ima 5-11-104.ima"},
+             Case{"SIEMENS_IMA", true, false, 5, "10 11 20 21", "5-10-97.ima 5-13-100.ima"},
+             Case{"SIEMENSIMA", true, true, 5, "10 11 20 21", "5-10-97.ima 5-10-100.ima"},
+             Case{"SIEMENS_IMA", true, false, -1, "10 11 20 21", "-1-10-97.ima -1-0-100.ima"},
+             Case{"SIEMENSPIXELDATA", false, false, -1, "11 10 21 20", "vol097 vol100"},
+         }) {
+        IntakeRun run(given.type, 1, 1, 2);
+        run.settings.SiemensMosaicSequence = given.mosaic;
+        run.settings.SiemensFixedRunNumber = given.fixed;
+        run.settings.SiemensPatientID = given.patient;
+        run.settings.SiemensFirstStudyNr = 10;
+        run.settings.SiemensFirstImageNr = 97;
+        run.settings.philipsFilePrefix = "vol";
+        run.setMosaic(2, 2);
+        const QStringList names = QString(given.names).split(' ');
+        for (int i = 0; i < names.size(); ++i) {
+            const QByteArray samples = rawSamples(countedFrom(10 * (i + 1), 4));
+            run.write(names[i], names[i].endsWith(".ima") ? ima(samples) : samples);
+        }
+        const auto reader = run.reader();
+        EXPECT_TRUE(reader->readFirstVolume() && reader->readVolume(1)) << given.names;
+        EXPECT_EQ(run.project.FirstDataSourceFile, names.first());
+        QStringList values;
+        for (const Volume* volume : {&run.project.firstVolume, &run.project.volumes[1]})
+            for (const int value : valuesOf(*volume))
+                values << QString::number(value);
+        EXPECT_EQ(values.join(' '), given.values) << given.names;
+        EXPECT_FALSE(reader->readVolume(0));
+        EXPECT_FALSE(reader->readVolume(3)) << "there is no such volume";
+    }
+}
+
+// Slices of 2 x 1 in a mosaic of 4 x 4: four tiles in the two upper rows of samples.
+TEST(SiemensImaReaders, TwoMosaicsHaveTilesForEightOfTenSlices) {
+    for (const QString type : {"SIEMENS_IMA", "SIEMENSPIXELDATA"})
+        for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big}) {
+            const bool headless = type == "SIEMENSPIXELDATA";
+            IntakeRun run(type, 2, 1, 10);
+            run.settings.SiemensMosaicSequence = true;
+            run.setMosaic(4, 4);
+            run.state.rawDataByteOrder = order;
+            const auto write = [&](const QString& name, int first) {
+                const QByteArray samples = rawSamples(countedFrom(first, 16), order);
+                run.write(name, headless ? samples : ima(samples));
+            };
+            std::fill_n(run.project.firstVolume.data(), 20, int16_t(-1));
+            write(headless ? "001" : "1-1-1.ima", 0);
+            run.pump.after(1000, [&] { write(headless ? "101" : "1-1-101.ima", 100); });
+            ASSERT_TRUE(run.reader()->readFirstVolume());
+            EXPECT_EQ(run.pump.milliseconds(), 30 + 1000 + 30);
+            const std::vector<int> forwards{0,   1,   2,   3,   4,   5,   6,  7,  100, 101,
+                                            102, 103, 104, 105, 106, 107, -1, -1, -1,  -1};
+            const std::vector<int> backwards{-1,  -1,  -1, -1, 106, 107, 104, 105, 102, 103,
+                                             100, 101, 6,  7,  4,   5,   2,   3,   0,   1};
+            EXPECT_EQ(valuesOf(run.project.firstVolume), headless ? backwards : forwards);
+            EXPECT_EQ(filesPerVolume(run.settings), 3);
+        }
+}
+
+TEST(SiemensImaReaders, MosaicsThatCannotHoldTheSlicesAreRefused) {
+    struct Case {
+        int side, columns, rows;
+        const char* refusal; ///< nullptr: the program ends
+    };
+    for (const auto& [side, columns, rows, refusal] :
+         {Case{1, 2, 1, "1 x 1 does not hold 3 slices of 2 x 1"},
+          Case{-4, 2, 1, "-4 x -4 does not hold 3 slices of 2 x 1"},
+          Case{4, 0, 1, "4 x 4 does not hold 3 slices of 0 x 1"},
+          Case{4, 2, 4, "4 x 4 does not hold 3 slices of 2 x 4"},
+          Case{std::numeric_limits<int>::max(), 2, 1, nullptr}}) {
+        IntakeRun run("SIEMENS_IMA", columns, rows, 3);
+        const RecordedProgramEnd end;
+        run.settings.SiemensMosaicSequence = true;
+        run.setMosaic(side, side);
+        run.write("1-1-1.ima", ima(QByteArray(64, '\1')));
+        if (refusal)
+            run.messages.expect(MessageLevel::Warning, QString("ERROR: A mosaic of ") + refusal +
+                                                           " - check settings file !");
+        EXPECT_FALSE(run.reader()->readFirstVolume());
+        EXPECT_EQ(end.statuses, refusal ? std::vector<int>() : std::vector{1});
+    }
+}
+
+TEST(SiemensImaReaders, FirstListedFolderWithTheExactSizeIsWatched) {
+    IntakeRun run("SIEMENS_IMA", 2, 1, 2);
+    const QTemporaryDir other;
+    run.settings.WatchFolder.clear();
+    run.settings.watchFolderList = QStringList{run.folder.path(), other.path()};
+    const QByteArray slice = ima(rawSamples({1, 2}));
+    run.write("1-1-1.ima", slice + "x");
+    run.write("1-1-2.ima", ima(rawSamples({8, 9})));
+    writeFile(other.filePath("1-1-2.ima"), slice + "x");
+    run.pump.after(150, [&] { writeFile(other.filePath("1-1-1.ima"), slice); });
+    ASSERT_TRUE(run.reader()->readFirstVolume());
+    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{1, 2, 1, 2}));
+    EXPECT_EQ(run.state.watchFolder, other.path() + '/');
+}
+
+QByteArray imaHeader(double thickness, double fieldOfView, double factor) {
+    QByteArray header(imaHeaderBytes, '\x7F');
+    QDataStream stream(&header, QIODevice::ReadWrite);
+    for (const auto& [offset, value] : {std::pair{1544, thickness},
+                                        {3744, fieldOfView},
+                                        {3752, fieldOfView},
+                                        {4136, factor},
+                                        {5000, 77.0}}) {
+        stream.device()->seek(offset);
+        stream << value;
+    }
+    return header;
+}
+
+// Pixel sizes, thickness and gap, taken from a big-endian header into a project that had others.
+std::vector<float> geometryFrom(const QByteArray& header, ByteOrder order = ByteOrder::Big) {
+    FMRProject project;
+    project.ResolutionX = 64;
+    project.ResolutionY = 128;
+    project.pixelSizeX = project.pixelSizeY = 9.0f;
+    project.sliceThickness = 8.0f;
+    project.sliceGap = 0.5f;
+    parseSiemensIMAHeader(bytesOf(header), order, project);
+    return {project.pixelSizeX, project.pixelSizeY, project.sliceThickness, project.sliceGap};
+}
+
+TEST(SiemensImaHeader, FieldOfViewAndMatrixDecideAndNonsenseIsPassedBy) {
+    using Geometry = std::vector<float>;
+    const Geometry former{9.0f, 9.0f, 8.0f, 0.5f};
+    const QByteArray header = imaHeader(4.0, 192.0, 0.25);
+    EXPECT_EQ(geometryFrom(header), (Geometry{3.0f, 1.5f, 4.0f, 1.0f}));
+    EXPECT_EQ(geometryFrom(header, ByteOrder::Little), former);
+    EXPECT_EQ(geometryFrom(header.left(1551)), former);
+    EXPECT_EQ(geometryFrom(header.left(4143)), (Geometry{3.0f, 1.5f, 4.0f, 0.5f}));
+    for (const double value : {0.0, -4.0, 1e300, double(NAN), double(INFINITY)}) {
+        EXPECT_EQ(geometryFrom(imaHeader(value, value, 0.25)), former);
+        EXPECT_EQ(geometryFrom(imaHeader(4.0, 192.0, value)),
+                  (Geometry{3.0f, 1.5f, 4.0f, value == 0.0 ? 0.0f : 0.5f}));
+    }
+}
+
+// Expected samples are those of the picture that comes with these files.
+TEST(SiemensImaReaders, ScannerFiles) {
+    const QString folder = scannerDataFolder() + "/old_formats/itk_test_siemens_scrubbed/";
+    SKIP_WITHOUT(folder);
+    IntakeRun run("SIEMENS_IMA", 4, 4, 6);
+    run.state.watchFolder = folder;
+    run.state.rawDataByteOrder = ByteOrder::Big;
+    run.settings.SiemensPatientID = 3868;
+    run.settings.SiemensFirstStudyNr = 2;
+    run.settings.SiemensFirstImageNr = 100;
+    run.project.sliceGap = 0.5f;
+    ASSERT_TRUE(run.reader()->readFirstVolume());
+    for (int i = 0; i < 96; ++i)
+        EXPECT_EQ(run.project.firstVolume[size_t(i)],
+                  (i < 48 ? 144 : 176) + (i % 16 < 8 ? 0 : 64) - (i % 4 < 2 ? 0 : 128));
+    ASSERT_TRUE(run.reader()->readHeaders());
+    EXPECT_EQ(run.project.pixelSizeX, 50.0f) << "200 mm over a matrix that was cut down";
+    EXPECT_EQ(run.project.position.fovRows, 200.0f);
+    EXPECT_EQ(run.project.sliceThickness, 1.2f);
+    EXPECT_EQ(run.project.sliceGap, 0.5f) << "the factor is -19222: not known";
+    run.settings.SiemensFirstStudyNr = 3;
+    run.messages.expect(MessageLevel::Warning, "ERROR: Can not open .ima file !");
+    EXPECT_TRUE(run.reader()->readHeaders());
+}
+
+} // namespace

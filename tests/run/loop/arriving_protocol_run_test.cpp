@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+#include "run/protocol/arriving_headers.h"
+
+#include <QFile>
+#include <QProcess>
+
+namespace {
+
+const QString tdatTimeOut = "TIME OUT ERROR: expected tdat condition info not available!";
+const QString rtpTimeOut =
+    "TIME OUT ERROR: expected real time protocol condition info not available!";
+
+class ArrivingProtocolRun : public SessionFixture {
+protected:
+    /// A run whose protocol is a file with this header.
+    void writeRun(const QString& key, int volumes, const QString& header,
+                  const QMap<QString, QString>& changes = {}) {
+        QMap<QString, QString> all = changes;
+        all["StimulationProtocol:"] = '"' + path("log") + '"';
+        writeSession(volumes, 0, all);
+        const QString vco = QString::fromUtf8(content("test-1.vco"));
+        put("test-1.vco", QString(vco).replace("StimulationProtocol:", key));
+        put("log", header.isEmpty() ? header : header + '\n');
+        // What the model holds after each volume.
+        predictors.clear();
+        session.stations.set(Station::PluginAfterVolume, [this](int) {
+            const GLMState& glm = session.functionalDocument->glm;
+            predictors.push_back(
+                glm.GLMStartVolume == GLMState::notStarted ? 0 : glm.nrOfActivePredictors);
+            return true;
+        });
+    }
+    void put(const QString& name, const QString& text,
+             QIODevice::OpenMode mode = QIODevice::WriteOnly) {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(mode));
+        file.write(text.toUtf8());
+    }
+    void append(const QString& text) { put("log", text, QIODevice::Append); }
+    /// First volume after which the model holds that many predictors; -1 when never.
+    int entryOf(int count) const {
+        const auto found = std::find(predictors.begin(), predictors.end(), count);
+        return found == predictors.end() ? -1 : int(found - predictors.begin());
+    }
+    /// The conditions of the saved protocol: name, number of intervals, bounds, colour.
+    std::string savedConditions() const {
+        const QString text = QString::fromUtf8(content("results/test.prt"));
+        return text.section("NrOfConditions:", 1)
+            .section("ResponseConditions:", 0, 0)
+            .simplified()
+            .toStdString();
+    }
+
+    std::vector<int> predictors;
+};
+
+} // namespace
+
+TEST_F(ArrivingProtocolRun, RTPConditionsEnterTheModelAsTheyBegin) {
+    writeRun("RealTimeProtocol:", 40, rtpHeaderWith("auto1"), {{"DriftConfoundPredictors:", "0"}});
+    std::vector<float> columns;
+    script.atVolume = [&](int volume) {
+        const int t = volume + 1;
+        if (t == 40) {
+            append("SCAN END\n");
+            return;
+        }
+        // A line in two pieces, the second of which comes while the loop waits.
+        append(QString("%1 %2 ").arg(t).arg(t >= 3 && t < 9 ? 1 : 0));
+        const bool houses = t >= 20 && t < 25;
+        pump.after(30, [this, houses] { append(houses ? "1\n" : "0\n"); });
+    };
+    session.stations.set(Station::BestVoxels, [&](int volume) {
+        const DesignMatrix& design = session.functionalDocument->design;
+        columns.push_back(design.PredictorColumns[0][size_t(volume)]);
+        return true;
+    });
+    session.runButtonPressed();
+    // With a TR of 2 s a response of weight 1 exceeds 0.1 two volumes after its begin.
+    EXPECT_EQ(entryOf(2), 11);
+    EXPECT_EQ(entryOf(3), 21);
+    EXPECT_EQ(predictors.size(), 40u);
+    EXPECT_EQ(savedConditions(), "3 Rest ing 3 1 2 9 19 25 40 Color: 100 100 100 "
+                                 "Faces 1 3 8 Color: 255 0 0 Houses 1 20 24 Color: 0 0 255");
+    EXPECT_EQ(session.functionalDocument->contrasts.ContrastNames,
+              (QStringList{"Faces vs. Rest ing", "Houses vs. Rest ing"}));
+    EXPECT_EQ(session.functionalDocument->protocol.coveredTime, 82000);
+
+    // Row by row the run has seen the design of the finished protocol.
+    DesignMatrix whole;
+    const QtCortivoDoc& document = *session.functionalDocument;
+    StimulationProtocol protocol = document.protocol;
+    protocol.realTimeProtocolPath.clear();
+    const DesignSource source{protocol, 2000.0f, 40, 1, 0};
+    buildConditionPredictorNames(whole, source);
+    ASSERT_TRUE(createConditionPredictors(whole, source));
+    for (size_t i = 0; i < 40; ++i)
+        EXPECT_NEAR(columns[i], whole.PredictorColumns[0][i], 1e-6) << i;
+
+    ASSERT_TRUE(session.reloadData());
+    EXPECT_EQ(session.functionalDocument->protocol.conditions[2].to[0], 24);
+    EXPECT_EQ(session.functionalDocument->contrasts.NrOfContrasts, 2);
+}
+
+TEST_F(ArrivingProtocolRun, ValuesWeightTheColumnsAndTableContrastsAreFitted) {
+    writeRun("RealTimeProtocol:", 20, rtpHeader);
+    append("1 0.5 0\n40 0 0\n");
+    float peak = 0.0f;
+    session.stations.set(Station::BestVoxels, [&](int volume) {
+        peak = session.functionalDocument->design.PredictorColumns[0][size_t(volume)];
+        return true;
+    });
+    session.runButtonPressed();
+    const ContrastDefinitions& contrasts = session.functionalDocument->contrasts;
+    ASSERT_EQ(contrasts.NrOfContrasts, 2);
+    EXPECT_EQ(contrasts.ContrastWeights[0], (std::vector<int>{1, -1, 0, 0}));
+    EXPECT_EQ(contrasts.ContrastWeights[1], (std::vector<int>{1, 1, 0, 0}));
+    EXPECT_EQ(contrasts.ContrastSelectionStates, (std::vector<int>{1, 0}));
+    // The kernel's sum is 1, and the block is longer than the kernel.
+    EXPECT_NEAR(peak, 0.5, 1e-5);
+}
+
+TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
+    writeRun("TDatFile:", 40, QString(tdatHeader).replace("CORRECTION 1", "CORRECTION 0"),
+             {{"MotionCorrection:", "1"}, {"DriftConfoundPredictors:", "0"}});
+    script.atVolume = [&](int volume) {
+        append(QString("%1 VOLUME\n").arg(volume));
+        if (volume == 4)
+            append("4000 SCAN BLOCKBEGIN Faces\n");
+        if (volume == 9)
+            append("9000 SCAN BLOCKEND Faces 5000\n9000 SCAN BLOCKBEGINEND Cars 70\n");
+        if (volume == 25)
+            append("25000 SCAN BLOCKBEGINEND Houses 3000\n26000 SCAN BLOCKBEGINEND Cars 70\n");
+        append(QString("%1 SCAN TICK\n").arg(1000 * volume));
+    };
+    messages.expect(MessageLevel::Warning, "WARNING: Unexpected condition \"CARS\" found!*");
+    session.runButtonPressed();
+    EXPECT_EQ(session.settings.TR, 1000.0f);
+    EXPECT_FALSE(session.settings.MotionCorrection);
+    EXPECT_EQ(predictors.size(), 40u);
+    // Time counts from the first event. The begin of Houses is known at volume 25, at 21 s on that
+    // clock, when its response has begun already: it enters at once.
+    EXPECT_EQ(savedConditions(), "3 REST 0 Color: 90 90 90 FACES 1 0 5000 Color: 255 0 0 "
+                                 "HOUSES 1 21000 24000 Color: 0 0 255");
+    EXPECT_EQ(entryOf(2), 11);
+    EXPECT_EQ(entryOf(3), 25);
+    EXPECT_EQ(session.functionalDocument->contrasts.ContrastNames, (QStringList{"F-H", "F"}));
+    EXPECT_EQ(session.functionalDocument->contrasts.ContrastWeights[0],
+              (std::vector<int>{1, -1, 0}));
+    ASSERT_TRUE(session.reloadData());
+    EXPECT_EQ(session.functionalDocument->project.TR, 1000.0f);
+    EXPECT_EQ(session.functionalDocument->protocol.conditions[1].to[0], 5000);
+}
+
+TEST_F(ArrivingProtocolRun, ProtocolThatStopsGrowingEndsTheRunAndIsSaved) {
+    const struct {
+        QString key, header, lines, message;
+        size_t volumes;
+    } cases[] = {
+        {"TDatFile:", tdatHeader, "5000 SCAN TICK\n6000 SCAN BLOCKBEGIN Fac", tdatTimeOut, 6},
+        {"RealTimeProtocol:", rtpHeader, "1 0 0\n6 1 0\n9 0", rtpTimeOut, 6},
+    };
+    for (const auto& [key, header, lines, message, volumes] : cases) {
+        SCOPED_TRACE(key.toStdString());
+        writeRun(key, 20, header, {{"TimeOutSeconds:", "3"}});
+        append(lines);
+        const qint64 start = pump.milliseconds();
+        const int waits = pump.nrOfWaits();
+        messages.expect(MessageLevel::Warning, message);
+        session.runButtonPressed();
+        EXPECT_EQ(predictors.size(), volumes);
+        EXPECT_EQ(pump.milliseconds() - start, 3005);
+        EXPECT_LT(pump.nrOfWaits() - waits, 700);
+        // The volume that waited has been read, and counts.
+        EXPECT_EQ(session.functionalDocument->project.NrOfVolumes, 20);
+        EXPECT_EQ(session.state.currentVolume, int(volumes));
+        EXPECT_EQ(savedConditions().find("3 "), 0u);
+        EXPECT_EQ(display.calls.last(), "ended");
+    }
+}
+
+TEST_F(ArrivingProtocolRun, BacklogIsWorkedOffWithoutWaiting) {
+    writeRun("RealTimeProtocol:", 20, QString(rtpHeader).replace("Volumes", "ms"));
+    QString lines = "SCAN BEGIN\n";
+    for (int i = 1; i <= 500; ++i)
+        lines += QString("%1 %2 0\n").arg(100 * i).arg(i / 100 % 2);
+    append(lines);
+    session.runButtonPressed();
+    EXPECT_EQ(predictors.size(), 20u);
+    EXPECT_EQ(pump.milliseconds(), 0);
+    // Known up to the end of the last volume, and no line further.
+    EXPECT_EQ(session.functionalDocument->protocol.coveredTime, 40000);
+    EXPECT_NE(savedConditions().find("Faces 2 10000 20000 30000 40000"), std::string::npos);
+}
+
+TEST_F(ArrivingProtocolRun, ProtocolThatHasEndedIsNotWaitedFor) {
+    const struct {
+        QString key, header, lines;
+    } cases[] = {{"TDatFile:", tdatHeader, "0 SCAN BLOCKBEGINEND Faces 3000\n9 SCAN RUNEND\n"},
+                 {"RealTimeProtocol:", rtpHeader, "1 1 0\n4 0 0\nSCAN END\n"}};
+    for (const auto& [key, header, lines] : cases) {
+        writeRun(key, 20, header, {{"DriftConfoundPredictors:", "0"}});
+        append(lines);
+        session.runButtonPressed();
+        EXPECT_EQ(predictors.size(), 20u) << key.toStdString();
+        EXPECT_EQ(entryOf(2), 11);
+        EXPECT_FALSE(session.functionalDocument->tdatProtocol.lines.isOpen());
+    }
+}
+
+TEST_F(ArrivingProtocolRun, HeaderThatCanNotBeReadEndsTheProgram) {
+    const struct {
+        QString key, header, message;
+    } cases[] = {
+        {"TDatFile:", "",
+         "ERROR: Can not open .tdat file !\n\nSet the \"WatchFolder\" in the "
+         "\"test-1.vco\" file and start again.\n"},
+        {"TDatFile:", QString(tdatHeader).replace("CONDITION NAME", "CUE NAME"),
+         "ERROR: Severe parsing error in ConditionTable: Expecting token \"CONDITION\"."},
+        {"RealTimeProtocol:", "", "ERROR: Specified RTP file: \"*"},
+        {"RealTimeProtocol:", "a 1 b hours", "ERROR - Unexpected token*"},
+        {"RealTimeProtocol:", rtpHeader.left(200), "ERROR: RTP file is damaged: *"},
+    };
+    for (const auto& [key, header, message] : cases) {
+        writeRun(key, 20, header);
+        if (header.isEmpty())
+            QFile::remove(path("log"));
+        programEnd.statuses.clear();
+        messages.expect(MessageLevel::Warning, message);
+        session.runButtonPressed();
+        EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
+        EXPECT_EQ(display.calls.last(), "failed");
+    }
+}
+
+TEST_F(ArrivingProtocolRun, AnotherProgramWritesInPiecesWhileTheLoopWaits) {
+    writeRun("RealTimeProtocol:", 6, rtpHeader, {{"TimeOutSeconds:", "60"}});
+    QtEventPump realPump;
+    RunSession realSession(realPump, display);
+    realSession.makeReader = session.makeReader;
+    realSession.settings = session.settings;
+    QProcess writer;
+    writer.setStandardOutputFile(path("log"), QIODevice::Append);
+    // Half a line stands for a while before its rest follows.
+    writer.start("/bin/sh",
+                 {"-c", "printf 'SCAN BE'; sleep 0.05; printf 'GIN\\n1 0 '; sleep 0.05; "
+                        "printf '0\\n2 1 0\\n3 1'; sleep 0.05; printf ' 0\\n4 0 2\\n'; sleep 0.05;"
+                        "printf '5 0 '; sleep 0.05; printf '0\\n6 0 0\\nSCAN END\\n'"});
+    ASSERT_TRUE(writer.waitForStarted());
+    realSession.runButtonPressed();
+    ASSERT_TRUE(writer.state() == QProcess::NotRunning || writer.waitForFinished());
+    EXPECT_EQ(realSession.state.currentVolume, 5);
+    EXPECT_EQ(savedConditions(), "3 Rest ing 2 1 1 5 1005 Color: 100 100 100 "
+                                 "Faces 1 2 3 Color: 255 0 0 Houses 1 4 4 Color: 0 0 255");
+}

@@ -1,0 +1,21 @@
+// ANALYZE 7.5 files: for each volume an image and a header.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "scanner_files.h"
+
+/// Types PHILIPS_ANALYZE_DRIN and ANALYZE_NW. Rows are stored so that the image transformation of
+/// the settings leads back to the measured volume.
+class AnalyzeFormat : public ScannerFormat {
+public:
+    using ScannerFormat::ScannerFormat;
+
+    [[nodiscard]] QStringList fileNames(int volume) const override;
+    [[nodiscard]] std::vector<ScannerFile> files(int volume,
+                                                 std::span<const uint16_t> samples) const override;
+    void addTypeBlock(SettingsLines& lines) const override;
+
+private:
+    [[nodiscard]] QString prefix() const;
+    [[nodiscard]] QByteArray header() const;
+};
