@@ -43,3 +43,13 @@ if(VELO_SANITIZERS)
         -Wno-null-dereference -Wno-maybe-uninitialized)
     target_link_options(velo_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(VELO_FUZZERS)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        message(FATAL_ERROR "VELO_FUZZERS needs clang++: use the preset \"fuzz\"")
+    endif()
+    # A conversion from a number of a file that does not fit its type is undefined as well.
+    target_compile_options(velo_options INTERFACE
+        -fsanitize=fuzzer-no-link,address,undefined,float-cast-overflow
+        -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(velo_options INTERFACE -fsanitize=address,undefined)
+endif()

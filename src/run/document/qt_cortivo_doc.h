@@ -13,6 +13,7 @@
 #include "stats/overlay_colors.h"
 #include "stats/statistical_maps.h"
 #include "volume/fmr_project.h"
+#include "volume/inplane_scan.h"
 
 #include <QString>
 #include <vector>
@@ -42,6 +43,7 @@ public:
     StatisticalMaps maps;
 
     SliceImages slices;
+    InplaneScan inplanes; ///< without samples where the run has none
     MosaicLayout mosaic;
     OverlayColors overlayColors;
     bool SignificanceColorCoding = false;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/document/slice_images.h"
 
+#include "base/memory.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -41,6 +43,35 @@ void paintSlice(QImage& image, const int16_t* samples, const DisplayWindow& wind
             line[x] = colors[size_t(std::clamp(sample, window.low, window.high) - window.low)];
         }
     }
+}
+
+/// Paints one slice of the samples into each of the images, which they fill.
+void paintSlices(std::vector<QImage>& images, std::span<const int16_t> samples,
+                 const GreyScale& scale) {
+    const DisplayWindow window(scale);
+    const std::vector<uint32_t> colors = colorsOfSamples(scale, window);
+    const int16_t* slice = samples.data();
+    for (QImage& image : images) {
+        paintSlice(image, slice, window, colors);
+        slice += size_t(image.width()) * size_t(image.height());
+    }
+}
+
+/// Images of these sizes; none when so many samples don't fill them or memory runs out.
+std::vector<QImage> blankSlices(size_t nrOfSamples, int x, int y, int nrOfSlices) {
+    if (x <= 0 || y <= 0 || nrOfSlices <= 0 ||
+        nrOfSamples / size_t(x) / size_t(y) < size_t(nrOfSlices) ||
+        !memoryIsAvailable(size_t(x) * size_t(y) * size_t(nrOfSlices), sizeof(uint32_t)))
+        return {};
+    std::vector<QImage> images;
+    images.reserve(size_t(nrOfSlices));
+    for (int slice = 0; slice < nrOfSlices; ++slice) {
+        QImage image(x, y, QImage::Format_RGB32);
+        if (image.isNull())
+            return {};
+        images.push_back(std::move(image));
+    }
+    return images;
 }
 
 /// Smallest value at or below which at least `share` of the counted samples lie.
@@ -90,33 +121,25 @@ void computeDisplayRange(GreyScale& scale, std::span<const int16_t> samples) {
 
 void SliceImages::createSlicePixmaps(std::span<const int16_t> samples, int x, int y,
                                      int nrOfSlices) {
-    SlicePixmaps.clear();
-    sizeX = 0;
-    sizeY = 0;
-    if (x <= 0 || y <= 0 || nrOfSlices <= 0 ||
-        samples.size() / size_t(x) / size_t(y) < size_t(nrOfSlices))
-        return;
-    SlicePixmaps.reserve(size_t(nrOfSlices));
-    for (int slice = 0; slice < nrOfSlices; ++slice) {
-        QImage image(x, y, QImage::Format_RGB32);
-        if (image.isNull()) {
-            SlicePixmaps.clear();
-            return;
-        }
-        SlicePixmaps.push_back(std::move(image));
-    }
-    sizeX = x;
-    sizeY = y;
-    updateSlicePixmaps(samples.first(size_t(x) * size_t(y) * size_t(nrOfSlices)), nrOfSlices);
+    SlicePixmaps = blankSlices(samples.size(), x, y, nrOfSlices);
+    const bool made = !SlicePixmaps.empty();
+    sizeX = made ? x : 0;
+    sizeY = made ? y : 0;
+    if (made)
+        updateSlicePixmaps(samples.first(size_t(x) * size_t(y) * size_t(nrOfSlices)), nrOfSlices);
+}
+
+void SliceImages::createInplanePixmaps(std::span<const int16_t> samples, int x, int y,
+                                       int nrOfSlices) {
+    GreyScale scale = greyScale;
+    computeDisplayRange(scale, samples);
+    InplanePixmaps = blankSlices(samples.size(), x, y, nrOfSlices);
+    paintSlices(InplanePixmaps, samples, scale);
 }
 
 void SliceImages::updateSlicePixmaps(std::span<const int16_t> samples, int nrOfSlices) {
     const size_t sliceSamples = size_t(sizeX) * size_t(sizeY);
-    if (nrOfSlices <= 0 || size_t(nrOfSlices) != SlicePixmaps.size() ||
-        samples.size() != sliceSamples * SlicePixmaps.size())
-        return;
-    const DisplayWindow window(greyScale);
-    const std::vector<uint32_t> colors = colorsOfSamples(greyScale, window);
-    for (size_t slice = 0; slice < SlicePixmaps.size(); ++slice)
-        paintSlice(SlicePixmaps[slice], samples.data() + slice * sliceSamples, window, colors);
+    if (nrOfSlices > 0 && size_t(nrOfSlices) == SlicePixmaps.size() &&
+        samples.size() == sliceSamples * SlicePixmaps.size())
+        paintSlices(SlicePixmaps, samples, greyScale);
 }

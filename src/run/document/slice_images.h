@@ -32,7 +32,7 @@ struct SliceImages {
     int sizeX = 0; ///< DimX
     int sizeY = 0;
     std::vector<QImage> SlicePixmaps;   ///< one for each slice, DimX x DimY
-    std::vector<QImage> InplanePixmaps; ///< high-resolution slices; may be empty
+    std::vector<QImage> InplanePixmaps; ///< high-resolution slices, larger; may be empty
 
     /// Makes the images anew, one for each slice of `samples` (x fastest, then y, then slices).
     /// There are none, and the sizes are 0, when the samples don't fill the slices or memory runs
@@ -41,4 +41,7 @@ struct SliceImages {
     /// Paints other samples into the images that are there; ignored when the number of
     /// samples or slices differs.
     void updateSlicePixmaps(std::span<const int16_t> samples, int nrOfSlices);
+    /// Makes InplanePixmaps anew with a display window of their own, that of computeDisplayRange();
+    /// the arguments as for createSlicePixmaps().
+    void createInplanePixmaps(std::span<const int16_t> samples, int x, int y, int nrOfSlices);
 };

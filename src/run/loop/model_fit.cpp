@@ -11,6 +11,9 @@ bool fitVolumes(QtCortivoDoc& document, const RunSettings& settings, int nrOfVol
     if (!prepareModel(document, settings) ||
         !createBrainMask(document.mask, document.project, brainMaskThreshold))
         return false;
+    // Known whole by now, also where the protocol arrived during the run.
+    findPredictorOnsets(document.design, document.design.NrOfVolumes);
+    fillGLMStepVolumes(document.design);
     for (int volume = 0; volume < nrOfVolumes; ++volume) {
         if (updateGLM(document.glmRun(), volume))
             document.updateOverlayColors();

@@ -4,6 +4,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/program_end.h"
+#include "intake/inplane_reader.h"
 #include "run/loop/protocol_reading.h"
 #include "run/settings/settings_file.h"
 
@@ -66,6 +67,30 @@ bool readFirstVolume(VolumeReader& reader) {
         return true;
     showWarning("TIME OUT: Expected first file did not arrive!");
     return false;
+}
+
+bool readInplanes(const RunParts& run) {
+    const RunSettings& settings = run.settings;
+    QtCortivoDoc& document = run.document;
+    InplaneScan& scan = document.inplanes;
+    if (!scan.allocate(settings.OverlayInplaneMatrixSizeX, settings.OverlayInplaneMatrixSizeY,
+                       settings.NrOfSlices) ||
+        !readInplaneSeries({run.settings, document.project, run.intake, run.pump}, scan))
+        return false;
+    document.slices.createInplanePixmaps(scan.samples.span(), scan.sizeX, scan.sizeY,
+                                         scan.nrOfSlices);
+    return !document.slices.InplanePixmaps.empty();
+}
+
+// The extra scan is only a background: a run is not given up for the lack of it.
+void prepareInplanes(const RunParts& run) {
+    if (!run.settings.OverlayInplaneData || readInplanes(run))
+        return;
+    run.document.inplanes = {};
+    run.state.pendingOverlayInplane = -1;
+    showWarningAside(QStringLiteral("WARNING: The inplane images in \"%1\" did not arrive in time "
+                                    "or can not be read.\n\nThe run goes on without them.")
+                         .arg(run.settings.OverlayInplaneFolder));
 }
 
 } // namespace
@@ -137,5 +162,6 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
         return nullptr;
     document.maps.MapType = MapKind::T;
     showFirstVolume(document);
+    prepareInplanes(run);
     return reader;
 }

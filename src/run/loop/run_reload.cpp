@@ -76,6 +76,8 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     if (!readSettingsFile(settings, SettingsUse::Reload, stopTimer))
         return false;
     copySettingsToDocument(document, settings);
+    // A saved run has no inplanes.
+    run.state.pendingOverlayInplane = -1;
     const FMRProject& project = document.project;
     run.display.showLogText(reloadingText(run.state.logFontSize,
                                           paths::fileName(settings.settingsFilePath),

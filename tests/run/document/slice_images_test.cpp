@@ -66,6 +66,19 @@ TEST(SliceImages, KeepTheOrderOfTheSamplesAndRefuseWhatDoesNotFit) {
     EXPECT_TRUE(slices.SlicePixmaps.empty());
 }
 
+TEST(SliceImages, InplanesHaveADisplayWindowOfTheirOwn) {
+    SliceImages slices;
+    std::vector<int16_t> samples(2 * 3 * 4, int16_t(7));
+    samples.back() = int16_t(-2); // 65534
+    slices.createInplanePixmaps(samples, 3, 4, 2);
+    ASSERT_EQ(slices.InplanePixmaps.size(), 2u);
+    EXPECT_EQ(slices.InplanePixmaps[1].pixel(2, 3), 0xffffffffu);
+    EXPECT_EQ(slices.InplanePixmaps[1].pixel(1, 3), 0xff000000u);
+    EXPECT_EQ(slices.greyScale.high, GreyScale().high);
+    slices.createInplanePixmaps(samples, 3, 5, 2);
+    EXPECT_TRUE(slices.InplanePixmaps.empty());
+}
+
 TEST(DisplayRange, LeavesOutBackgroundAndSingleBrightSamples) {
     std::vector<int16_t> samples(3000, 0); // background
     for (int value = 1; value <= 1000; ++value)

@@ -199,6 +199,35 @@ TEST_F(VolumeLoopTest, RegionColoursComeFromTheirFile) {
     EXPECT_EQ(session.regionColors[2], (RgbColor{40, 30, 255}));
 }
 
+TEST_F(VolumeLoopTest, InplanesShowWhereTheyCameAndTheRunGoesOnWithoutThem) {
+    QDir().mkpath(path("inplanes"));
+    writeSession(14, 2,
+                 {{"OverlayInplaneData:",
+                   "1\nOverlayInplaneFolder: \"./inplanes/\"\nOverlayInplaneDataType: ANALYZE_NW\n"
+                   "OverlayInplaneFirstFileName: \"a.img\"\nOverlayInplaneMatrixSizeX: 16\n"
+                   "OverlayInplaneMatrixSizeY: 24"}});
+    messages.expect(MessageLevel::Warning,
+                    QString("WARNING: The inplane images in \"%1\" did not arrive in time or can "
+                            "not be read.\n\nThe run goes on without them.")
+                        .arg(path("inplanes/")));
+    session.runButtonPressed();
+    EXPECT_EQ(session.state.pendingOverlayInplane, -1);
+    EXPECT_TRUE(session.functionalDocument->inplanes.samples.empty());
+    EXPECT_EQ(savedVolumes(), 12);
+
+    QFile file(path("inplanes/a.img"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(2 * 16 * 24 * 4, '\1'));
+    file.close();
+    session.runButtonState = RunButtonState::Ready;
+    session.runButtonPressed();
+    EXPECT_EQ(session.state.pendingOverlayInplane, 1);
+    ASSERT_EQ(session.functionalDocument->slices.InplanePixmaps.size(), 4u);
+    EXPECT_EQ(session.functionalDocument->slices.InplanePixmaps[3].size(), QSize(16, 24));
+    ASSERT_TRUE(session.reloadData());
+    EXPECT_EQ(session.state.pendingOverlayInplane, -1) << "saved runs have none";
+}
+
 TEST_F(VolumeLoopTest, TypeWithoutReaderEndsTheProgram) {
     writeSession(16, 2);
     session.makeReader = [](const IntakeContext&) { return std::unique_ptr<VolumeReader>(); };

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "intake/inplane_reader.h"
+
+#include "base/messages.h"
+#include "base/paths.h"
+#include "intake/dicom_volume_reader.h"
+#include "intake/image_transformation.h"
+#include "intake/inplane_names.h"
+#include "intake/raw_volume_reader.h"
+
+#include <cstring>
+
+namespace {
+
+QString inplanePath(const RunSettings& settings, const QString& name) {
+    return paths::join(settings.OverlayInplaneFolder, name);
+}
+
+void storeSlice(std::span<uint8_t> samples, ByteOrder order, std::span<int16_t> target) {
+    if (order != hostByteOrder)
+        swapSamples(samples, target.size());
+    std::memcpy(target.data(), samples.data(), target.size_bytes());
+}
+
+/// Where the samples of a slice stand.
+enum class RawForm {
+    BehindHeader, ///< one file for each slice, of just the size of header and samples
+    EndOfFile,    ///< one file for each slice
+    OneFile,      ///< all slices, one behind the other
+};
+
+/// A scan is one volume, read once.
+class RawInplaneReader : public RawVolumeReader {
+public:
+    RawInplaneReader(const IntakeContext& context, InplaneScan& scan, RawForm form,
+                     int settleMilliseconds, InplaneNames names)
+        : RawVolumeReader(context), scan_(scan), form_(form),
+          settleMilliseconds_(settleMilliseconds), names_(std::move(names)) {}
+
+    [[nodiscard]] bool readFirstVolume() override {
+        for (int slice = 0; slice < scan_.nrOfSlices; ++slice) {
+            const auto image = awaitSamples(fileOf(slice));
+            if (!image || scan_.slice(slice).empty())
+                return false;
+            storeSlice(image->samples, state().rawDataByteOrder, scan_.slice(slice));
+            // Such files are stored the same way round as the run's.
+            if (form_ == RawForm::OneFile)
+                transformSlice(scan_.slice(slice), scan_.sizeY, settings().ImageTransformation);
+        }
+        return true;
+    }
+    [[nodiscard]] bool readVolume(int) override { return false; }
+
+private:
+    [[nodiscard]] RawFile fileOf(int slice) const {
+        constexpr qint64 headerBytes = 7904;
+        const qint64 sliceBytes = qint64(scan_.sliceSamples() * sizeof(int16_t));
+        RawFile file{.expected = {{inplanePath(settings(), names_(slice))}, sliceBytes, true},
+                     .part = {.offset = 0, .length = sliceBytes},
+                     .settleMilliseconds = settleMilliseconds_};
+        switch (form_) {
+        case RawForm::BehindHeader:
+            file.expected.size = headerBytes + sliceBytes;
+            file.expected.atLeast = false;
+            file.part.offset = headerBytes;
+            break;
+        case RawForm::EndOfFile:
+            file.part.fromEnd = true;
+            break;
+        case RawForm::OneFile:
+            file.expected.size = sliceBytes * scan_.nrOfSlices;
+            file.part.offset = sliceBytes * slice;
+            break;
+        }
+        return file;
+    }
+
+    InplaneScan& scan_;
+    RawForm form_;
+    int settleMilliseconds_;
+    InplaneNames names_;
+};
+
+class DicomInplaneReader : public DicomVolumeReader {
+public:
+    DicomInplaneReader(const IntakeContext& context, InplaneScan& scan, InplaneNames names)
+        : DicomVolumeReader(context, ImageKind::singleSlice()), scan_(scan),
+          names_(std::move(names)) {}
+
+    [[nodiscard]] bool readFirstVolume() override {
+        for (int slice = 0; slice < scan_.nrOfSlices; ++slice) {
+            // Any size counts as arrived: how long a header is, the settings don't tell.
+            const ExpectedFile file{{inplanePath(settings(), names_(slice))}, 0, true};
+            const auto image = awaitImage(file, Stage::FirstVolume, scan_.sliceSamples());
+            if (!image || scan_.slice(slice).empty())
+                return false;
+            storeSlice(image->samples, image->byteOrder, scan_.slice(slice));
+        }
+        return true;
+    }
+    [[nodiscard]] bool readVolume(int) override { return false; }
+
+private:
+    InplaneScan& scan_;
+    InplaneNames names_;
+};
+
+} // namespace
+
+bool readInplaneSeries(const IntakeContext& context, InplaneScan& scan) {
+    const RunSettings& settings = context.settings;
+    const QString type = settings.OverlayInplaneDataType.toUpper();
+    const auto readRaw = [&](RawForm form, int settleMilliseconds, const InplaneNames& names) {
+        return names &&
+               RawInplaneReader(context, scan, form, settleMilliseconds, names).readFirstVolume();
+    };
+    constexpr int settleMilliseconds = 10;
+    if (type == "GE_I")
+        return readRaw(RawForm::BehindHeader, 0, threeDigitNames());
+    if (type == "GE_MR")
+        return readRaw(RawForm::BehindHeader, settleMilliseconds, seriesNames(settings));
+    if (type == "GE_EXCITE_DICOM")
+        return readRaw(RawForm::EndOfFile, settleMilliseconds, twoNumberNames(settings));
+    if (type == "PHILIPS_ANALYZE_DRIN" || type == "ANALYZE_NW")
+        return readRaw(RawForm::OneFile, 0,
+                       [name = firstInplaneName(settings)](int) { return name; });
+    if (type == "DICOM" || type == "SIEMENS_DICOM_MOSAIC") {
+        const InplaneNames names = delimitedNames(settings);
+        return names && DicomInplaneReader(context, scan, names).readFirstVolume();
+    }
+    showWarning("ERROR: Can not read high res inplanes - unknown file format");
+    return false;
+}

@@ -1,0 +1,32 @@
+// What the fuzzer calls: the one target of this program, with messages and the end of the program
+// kept quiet.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/messages.h"
+#include "base/program_end.h"
+#include "fuzz/fuzz_target.h"
+
+namespace {
+
+class QuietMessages : public MessageHandler {
+public:
+    void show(MessageLevel, const QString&) override {}
+    void showAside(MessageLevel, const QString&) override {}
+    bool ask(const QString&) override { return false; }
+    void announce(const QString&, const QString&, const QString&) override {}
+    QString chooseFileToOpen(const QString&, const QString&, const QString&) override { return {}; }
+    void chooseFileToSave(const QString&, const QString&, const QString&, FileChosen) override {}
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    static QuietMessages messages;
+    installMessageHandler(&messages);
+    installProgramEnd([](int) {});
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    fuzzTargets().front().run({data, size});
+    return 0;
+}
