@@ -2,6 +2,7 @@
 #include "run/loop/run_reload.h"
 
 #include "base/paths.h"
+#include "run/loop/model_fit.h"
 #include "run/loop/model_setup.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_preparation.h"
@@ -9,7 +10,6 @@
 #include "run/protocol/condition_index.h"
 #include "run/protocol/prt_file.h"
 #include "run/settings/settings_file.h"
-#include "stats/clusters.h"
 #include "stats/contrast_file.h"
 #include "volume/first_volume_file.h"
 #include "volume/load_fmr_project.h"
@@ -60,24 +60,13 @@ void showSlices(FMRProject& project, QtCortivoDoc& document) {
 }
 
 bool fitModel(const RunParts& run) {
-    QtCortivoDoc& document = run.document;
-    const FMRProject& project = document.project;
-    if (!prepareModel(document, run.settings) ||
-        !createBrainMask(document.mask, project, brainMaskThreshold))
-        return false;
     constexpr int volumesBetweenEvents = 10;
-    for (int volume = 0; volume < project.NrOfVolumes; ++volume) {
-        if (updateGLM(document.glmRun(), volume))
-            document.updateOverlayColors();
-        if (volume % volumesBetweenEvents == 0)
-            run.pump.processEvents();
-    }
-    if (!finishModel(document.finishedModel, document.glm, project, document.mask,
-                     project.NrOfVolumes))
-        document.finishedModel.release();
-    document.glm.release();
-    releasePredictorColumns(document.design);
-    return true;
+    return fitModelToVolumes(run.document, run.settings, run.document.project.NrOfVolumes,
+                             [&run](int volume) {
+                                 if (volume % volumesBetweenEvents == 0)
+                                     run.pump.processEvents();
+                                 return true;
+                             });
 }
 
 } // namespace
@@ -105,7 +94,6 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
         (void)loadMotionParameters(document.motion, project, settings.MotionCorrection);
     if (!fitModel(run))
         return false;
-    computeClusterSizes(document.maps, document.contrasts.ConjunctionAnalysis);
     document.VolumeConditionIndex =
         volumeConditionIndex(document.protocol, project.NrOfVolumes, project.TR);
     run.state.currentVolume = project.NrOfVolumes;

@@ -91,6 +91,14 @@ int recordedVolumes(const RunParts& run) {
     return std::clamp(run.state.currentVolume + 1, 0, run.settings.nrOfAnalysedVolumes());
 }
 
+bool askToSaveAgain(const QString& folder) {
+    return askQuestion(QStringLiteral("WARNING: The recorded data could not be saved completely in "
+                                      "folder \"%1\".\n\nThe data are still in memory. Free space "
+                                      "on the disk or make the folder writable.\n\nDo you want to "
+                                      "try again?")
+                           .arg(folder));
+}
+
 bool saveRecordedData(const RunParts& run) {
     const FMRProject& project = run.document.project;
     const std::unique_ptr<ProgressReporter> progress = run.display.openSavingProgress();
@@ -100,11 +108,7 @@ bool saveRecordedData(const RunParts& run) {
         QDir().mkpath(project.targetFolder);
         if (runSteps(steps, *progress))
             break;
-        if (!askQuestion(QStringLiteral("WARNING: The recorded data could not be saved completely "
-                                        "in folder \"%1\".\n\nThe data are still in memory. Free "
-                                        "space on the disk or make the folder writable.\n\nDo you "
-                                        "want to try again?")
-                             .arg(project.targetFolder)))
+        if (!askToSaveAgain(project.targetFolder))
             return false;
     }
     progress->setProgress(100);

@@ -7,6 +7,9 @@
 /// Volumes that a run has reached: those that the saved files hold.
 [[nodiscard]] int recordedVolumes(const RunParts& run);
 
+/// Asks whether files that could not be written into `folder` are to be tried again.
+[[nodiscard]] bool askToSaveAgain(const QString& folder);
+
 /// Writes all files of the run into the target folder. When some can't be written the operator is
 /// asked, and the failed ones are written again as often as the answer is Yes; the data stay in
 /// memory meanwhile. False when files are missing at the end.

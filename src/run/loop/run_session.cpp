@@ -5,6 +5,7 @@
 #include "base/paths.h"
 #include "base/text_reading.h"
 #include "run/loop/model_setup.h"
+#include "run/loop/run_postprocessing.h"
 #include "run/loop/run_preparation.h"
 #include "run/loop/run_reload.h"
 #include "run/loop/status_text.h"
@@ -127,6 +128,31 @@ bool RunSession::reloadData() {
     display_.showLogText(reloadedText(paths::fileName(settings.settingsFilePath),
                                       paths::fileName(functionalDocument->project.projectPath)));
     return true;
+}
+
+int RunSession::measuredVolumes() const {
+    if (busy_ || state.runActive || !functionalDocument)
+        return 0;
+    // After a reload currentVolume is the number of volumes.
+    return std::clamp(state.currentVolume + 1, 0, int(functionalDocument->project.volumes.size()));
+}
+
+bool RunSession::postprocess(const PostprocessingOptions& options, bool recomputeStatistics,
+                             ProgressReporter& progress) {
+    const int volumes = measuredVolumes();
+    if (volumes == 0)
+        return false;
+    const BusyMark mark(busy_);
+    // The progress processes events: what looks at runActive must not touch the document meanwhile.
+    state.runActive = true;
+    state.interruptFlag = false;
+    display_.runStarting();
+    const RunParts run{settings, state, intake, *functionalDocument, stations, display_, pump_};
+    const bool done = postprocessRunInMemory(run, volumes, options, recomputeStatistics, progress);
+    state.runActive = false;
+    state.interruptFlag = false;
+    display_.runEnded();
+    return done;
 }
 
 void RunSession::replaceDocuments() {

@@ -11,6 +11,7 @@
 #include "run/loop/loop_stations.h"
 #include "run/loop/run_display.h"
 #include "run/settings/run_settings.h"
+#include "volume/postprocessing_options.h"
 
 #include <functional>
 #include <memory>
@@ -29,6 +30,18 @@ public:
     /// Brings the finished run of the current settings file back from its target folder. False,
     /// after a message, when its files are not there or no good; false during a run.
     bool reloadData();
+
+    /// Volumes of the run in memory that were measured: fewer than planned when it ended early. 0
+    /// while a run goes on or is saved, reloaded or post-processed, and without one.
+    [[nodiscard]] int measuredVolumes() const;
+
+    /// Carries the options out on the run in memory, writes the result under its own names and, if
+    /// asked, fits the model to the changed data. Stays until that is done; whoever shows the
+    /// progress processes events in it, and no run starts meanwhile. False when nothing was done or
+    /// not all of it: without a run, during one, cancelled, or after a message. When it is
+    /// cancelled, the samples are as they were, or, once they are saved, the statistics.
+    bool postprocess(const PostprocessingOptions& options, bool recomputeStatistics,
+                     ProgressReporter& progress);
 
     /// Asks a running loop to stop after the volume that it waits for.
     void requestStop();
@@ -76,6 +89,7 @@ private:
     EventPump& pump_;
     RunDisplay& display_;
     /// From the start of a run to the end of its saving, longer than state.runActive: events are
-    /// processed while files are written, and no second run may begin then.
+    /// processed while files are written, and no second run may begin then. Also during a reload
+    /// and post-processing.
     bool busy_ = false;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/volume_preprocessing.h"
 
+#include "base/messages.h"
+
 namespace {
 
 void correctMotion(const RunParts& run, int volumeIndex) {
@@ -12,13 +14,23 @@ void correctMotion(const RunParts& run, int volumeIndex) {
         document.motion.setMotionTarget(document.project);
 }
 
+// A volume that can't be smoothed stays as it is, and the run goes on; the operator hears of it with
+// the first one.
+void smooth(const RunParts& run, int volumeIndex) {
+    FMRProject& project = run.document.project;
+    const float fwhm = run.settings.SpatialSmoothingFWHM;
+    if (!run.document.smoothing.smoothVolume(project, volumeIndex, fwhm) && volumeIndex == 0 &&
+        !SpatialSmoothing::isPossible(voxelWidths(project, double(fwhm))))
+        showWarningAside(QString("WARNING: Volumes are not smoothed: a width of %1 mm does not go "
+                                 "with their voxel size.")
+                             .arg(double(fwhm)));
+}
+
 } // namespace
 
 void preprocessVolume(const RunParts& run, int volumeIndex) {
     if (run.settings.MotionCorrection)
         correctMotion(run, volumeIndex);
-    // A volume that can't be smoothed stays as it is, and the run goes on.
     if (run.settings.SpatialGaussianSmoothing)
-        static_cast<void>(run.document.smoothing.smoothVolume(
-            run.document.project, volumeIndex, run.settings.SpatialSmoothingFWHM));
+        smooth(run, volumeIndex);
 }

@@ -4,6 +4,6 @@
 
 #include "run/loop/run_parts.h"
 
-/// Motion correction as the settings ask for it. Volume 0 is never corrected: it is the target of
-/// the others, unless that comes from another run. Processes no events.
+/// Motion correction, then smoothing, as the settings ask for them. Volume 0 is never corrected: it
+/// is the target of the others, unless that comes from another run. Processes no events.
 void preprocessVolume(const RunParts& run, int volumeIndex);

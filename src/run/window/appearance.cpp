@@ -68,10 +68,34 @@ QToolButton:disabled, QPushButton:disabled { background: #151d27; border-color: 
 QCheckBox { spacing: 8px; }
 QCheckBox::indicator { width: 20px; height: 16px; image: url(:/images/contrast_off.png); }
 QCheckBox::indicator:checked { image: url(:/images/contrast_on.png); }
+QCheckBox:focus, QRadioButton:focus { color: #2fc4b2; }
+QRadioButton { spacing: 8px; }
+QRadioButton::indicator { width: 12px; height: 12px; border: 1px solid #8495a6;
+    border-radius: 7px; background: #0e141b; }
+QRadioButton::indicator:checked { border-color: #2fc4b2; background: qradialgradient(cx: 0.5,
+    cy: 0.5, radius: 0.5, fx: 0.5, fy: 0.5, stop: 0 #2fc4b2, stop: 0.55 #2fc4b2,
+    stop: 0.7 #0e141b); }
+QRadioButton::indicator:disabled { border-color: #3b4a5a; }
+QRadioButton::indicator:checked:disabled { background: qradialgradient(cx: 0.5, cy: 0.5,
+    radius: 0.5, fx: 0.5, fy: 0.5, stop: 0 #667585, stop: 0.55 #667585, stop: 0.7 #0e141b); }
+QDialog QGroupBox { border: 1px solid #2a3746; border-radius: 6px; margin-top: 12px;
+    padding-top: 8px; }
+QDialog QGroupBox:focus { border-color: #2fc4b2; }
+QDialog QGroupBox::title { subcontrol-origin: margin; left: 10px; padding: 0 4px; }
+QDialog QGroupBox::indicator { width: 20px; height: 16px; image: url(:/images/contrast_off.png); }
+QDialog QGroupBox::indicator:checked { image: url(:/images/contrast_on.png); }
+QDialog QPushButton { min-width: 64px; }
+QDialog QPushButton:default { background: #1f4b47; }
 #WindowSizeBtn, #MinimizeBtn, #CloseBtn { background: transparent; border-color: transparent; }
 #WindowSizeBtn:hover, #MinimizeBtn:hover, #CloseBtn:hover, #WindowSizeBtn:focus,
     #MinimizeBtn:focus, #CloseBtn:focus { border-color: #2fc4b2; }
 )");
+}
+
+void wrapToolTips(QWidget& root) {
+    for (QWidget* widget : root.findChildren<QWidget*>())
+        if (!widget->toolTip().isEmpty())
+            widget->setToolTip("<p>" + widget->toolTip().toHtmlEscaped() + "</p>");
 }
 
 QRect screenArea(const QWidget* widget) {

@@ -29,7 +29,7 @@ VeloCortivo::VeloCortivo(const StandardFolders& folders, EventPump& pump)
     createInputPanel();
     createContrastPanel();
     createMenus();
-    wrapToolTips();
+    wrapToolTips(*this);
     preLoadRoiButton_->setText("Pre-Load ROI");
     preLoadVoiButton_->setText("Pre-Load VOI");
     initDefaultPalettes();

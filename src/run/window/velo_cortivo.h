@@ -10,11 +10,13 @@
 #include "run/window/window_layout.h"
 
 #include <QPixmap>
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 #include <memory>
 
 class ContrastList;
+class PostprocessingDlg;
 class QAction;
 class QCheckBox;
 class QDoubleSpinBox;
@@ -33,7 +35,7 @@ enum class RoiDisplayStyle { Rectangles = 0, RectanglesAndMarkedVoxels = 1, Mark
 
 /// A facade. Its source is cut by concern: velo_cortivo_layout.cpp (widgets and sizes), _menus,
 /// _keys (event filter), _controls (thresholds, contrasts, views), _session (settings files and
-/// the timer), _run (what a run shows), velo_cortivo.cpp (life of the window).
+/// the timer), _run (what a run shows), _postprocessing, velo_cortivo.cpp (life of the window).
 class VeloCortivo : public QWidget, public RunDisplay {
     Q_OBJECT
 
@@ -104,6 +106,7 @@ public Q_SLOTS:
     void slotShowOnEPIs() { session_.showOnFirstVolume(); }
     void slotShowOnCurrentEPIs() { session_.showOnCurrentVolume(); }
     void slotShowOnInplanes() { session_.showOnInplanes(); }
+    void slotPostProcessData();
     void onShowROIsAsRectangles();
     void onShowROIsAsMarkedVoxels();
     void onShowROIsAsRectanglesAndMarkedVoxels();
@@ -130,7 +133,6 @@ private:
     void createViewPanels();
     void createContrastPanel();
     void createMenus();
-    void wrapToolTips();
     void connectControls();
     void placePanels();
 
@@ -145,6 +147,7 @@ private:
     void askForFolder(bool beforeAppExec);
     void showOutcome(const WatchOutcome& outcome);
     void refreshSettings();
+    void postprocess(const PostprocessingOptions& options, bool recomputeStatistics);
     void endIfAsked();
     void rememberMaster();
     [[nodiscard]] bool documentShown() const;
@@ -199,9 +202,11 @@ private:
     QAction* saveViewAction_ = nullptr;
     QAction* significanceAction_ = nullptr;
     QAction* contrastColorsAction_ = nullptr;
+    QAction* postProcessAction_ = nullptr;
     QAction* multiSliceViewAction_ = nullptr;
     QAction* firstVolumeAction_ = nullptr;
     QAction* currentVolumeAction_ = nullptr;
     QAction* inplanesAction_ = nullptr;
-    QtCortivoView* functionalView_ = nullptr; ///< a child of ImageView
+    QtCortivoView* functionalView_ = nullptr;          ///< a child of ImageView
+    QPointer<PostprocessingDlg> postprocessingDialog_; ///< of the run in memory
 };

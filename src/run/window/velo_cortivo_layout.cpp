@@ -258,13 +258,6 @@ void VeloCortivo::createContrastPanel() {
     layout->addLayout(grid);
 }
 
-// As plain text a long tool tip would lie over the slices in one line; as HTML it is wrapped.
-void VeloCortivo::wrapToolTips() {
-    for (QWidget* widget : findChildren<QWidget*>())
-        if (!widget->toolTip().isEmpty())
-            widget->setToolTip("<p>" + widget->toolTip().toHtmlEscaped() + "</p>");
-}
-
 void VeloCortivo::initDefaultPalettes() {
     setPalette(darkPalette());
     setStyleSheet(windowStyleSheet());

@@ -27,6 +27,9 @@ void VeloCortivo::createMenus() {
         action->setCheckable(true);
         coding->addAction(action);
     }
+    analysis->addSeparator();
+    postProcessAction_ =
+        analysis->addAction("Post-Processing...", this, &VeloCortivo::slotPostProcessData);
     connect(analysis, &QMenu::aboutToShow, this, &VeloCortivo::slotAnalysisMenuAboutToShow);
 
     QMenu* view = menuBar_->addMenu("&View");
@@ -60,6 +63,7 @@ void VeloCortivo::slotFileMenuAboutToShow() {
 
 void VeloCortivo::slotAnalysisMenuAboutToShow() {
     const QtCortivoDoc* document = session_.functionalDocument.get();
+    postProcessAction_->setEnabled(!runInProgress_ && session_.measuredVolumes() > 0);
     for (QAction* action : {significanceAction_, contrastColorsAction_})
         action->setEnabled(document != nullptr);
     if (!document)

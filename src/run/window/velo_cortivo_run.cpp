@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/qt_cortivo_view.h"
 #include "run/window/contrast_list.h"
-#include "run/window/saving_progress.h"
+#include "run/window/progress_boxes.h"
 #include "run/window/velo_cortivo.h"
+#include "volume/ui/postprocessing_dialog.h"
 
 #include <QCheckBox>
 #include <QLayout>
@@ -37,6 +38,7 @@ void VeloCortivo::runStarting() {
 }
 
 void VeloCortivo::documentsLeaving() {
+    delete postprocessingDialog_;
     contrastList_->setContrasts(nullptr);
     conjunctionBox_->setChecked(false);
     delete functionalView_;
@@ -77,6 +79,7 @@ void VeloCortivo::runEnded() {
 }
 
 void VeloCortivo::clearRunDisplay() {
+    delete postprocessingDialog_;
     session_.state.currentVolume = -1;
     session_.state.elapsedRunTime = 0;
     contrastList_->setContrasts(nullptr);

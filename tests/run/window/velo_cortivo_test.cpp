@@ -6,12 +6,14 @@
 #include "run/window/contrast_list.h"
 #include "support/scripted_messages.h"
 #include "support/simulated_pump.h"
+#include "volume/ui/postprocessing_dialog.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QDir>
 #include <QDoubleSpinBox>
 #include <QFile>
+#include <QGroupBox>
 #include <QLineEdit>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -308,6 +310,62 @@ TEST_F(MainWindow, SavingBoxStaysWhateverIsPressed) {
     progress->setProgress(100);
     EXPECT_TRUE(box.isVisible());
     EXPECT_EQ(box.value(), 100);
+}
+
+// A run of 20 volumes in memory, each voxel with a course of its own.
+void fillRun(FMRProject& project, const QString& folder) {
+    project.projectPath = folder + "run.fmr";
+    project.targetFolder = folder;
+    project.Prefix = "run-";
+    project.ResolutionX = project.ResolutionY = 4;
+    project.NrOfSlices = 2;
+    project.NrOfVolumes = 20;
+    ASSERT_TRUE(project.allocateVolumes());
+    for (size_t v = 0; v < project.volumes.size(); ++v)
+        for (size_t i = 0; i < project.volumes[v].size(); ++i)
+            project.volumes[v][i] = int16_t(1000 + 7 * v * (i + 1) % 101);
+}
+
+TEST_F(MainWindow, PostProcessingRunsAfterOkAndCanBeCancelled) {
+    window_->slotPostProcessData();
+    EXPECT_EQ(window_->findChild<PostprocessingDlg*>(), nullptr) << "there is no run";
+    prepare(0);
+    fillRun(document().project, home_.path() + "/");
+    state().currentVolume = 19;
+    window_->slotPostProcessData();
+    EXPECT_EQ(window_->findChild<PostprocessingDlg*>(), nullptr) << "a run goes on";
+    runOver();
+
+    const QString result = home_.path() + "/run_THPGLMF2c.fmr";
+    const int16_t measured = document().project.volumes[5][3];
+    const QString folderBefore = QDir::currentPath();
+    QDir::setCurrent(home_.path()); // where the filter leaves its design
+    using Action = std::function<void(QProgressDialog&)>;
+    const Action cancel = [](QProgressDialog& box) { box.findChild<QPushButton*>()->click(); };
+    const Action close = [](QProgressDialog& box) { box.close(); };
+    const Action wait = [](QProgressDialog&) {};
+    for (const Action* action : {&cancel, &close, &wait}) {
+        window_->slotPostProcessData();
+        control<QGroupBox>("m_TemporalFilters").setChecked(true);
+        control<QCheckBox>("m_GoOnWithStatistics").setChecked(false); // there is no protocol
+        bool looked = false;
+        pump_.after(0, [&] {
+            auto& box = control<QProgressDialog>("PostprocessingProgressDlg");
+            looked = box.isVisible() && !control("ReloadDataBtn").isEnabled();
+            window_->slotPostProcessData();
+            window_->slotRealTimeAnalysis();
+            (*action)(box);
+        });
+        control<QPushButton>("OkBtn").click();
+        EXPECT_TRUE(looked);
+        EXPECT_EQ(QFile::exists(result), action == &wait);
+        EXPECT_EQ(document().project.volumes[5][3] != measured, action == &wait);
+        EXPECT_EQ(window_->findChild<QProgressDialog*>(), nullptr);
+    }
+    QDir::setCurrent(folderBefore);
+    window_->slotPostProcessData();
+    window_->setSettingsFile(home_.path() + "/run-7.vco");
+    EXPECT_EQ(window_->findChild<PostprocessingDlg*>(), nullptr) << "its run is no longer current";
 }
 
 } // namespace

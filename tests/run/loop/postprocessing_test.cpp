@@ -1,0 +1,155 @@
+// Post-processing of the run in memory, through the session.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+
+#include "volume/load_fmr_project.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+const QString processedName = "test_SCCAI2_THPGLMF2c";
+
+/// Does something at a report of progress, and collects the reports.
+class ProbeReporter : public ProgressReporter {
+public:
+    void setProgress(int percent) override {
+        percents.push_back(percent);
+        if (atReport)
+            atReport(percent);
+        if (percent >= cancelAt)
+            cancelled_ = true;
+    }
+    [[nodiscard]] bool cancelled() const override { return cancelled_; }
+
+    std::vector<int> percents;
+    std::function<void(int percent)> atReport;
+    int cancelAt = 1000;
+
+private:
+    bool cancelled_ = false;
+};
+
+std::vector<float> samplesOf(const ZeroedBuffer<float>& map) {
+    return {map.span().begin(), map.span().end()};
+}
+
+class PostprocessingTest : public SessionFixture {
+protected:
+    PostprocessingTest() {
+        options_.sliceScanTime.checked = true;
+        options_.temporal.checked = true;
+    }
+    void measure(int volumes) {
+        writeSession(volumes + 2, 2, {{"ClusterSizePixels:", "1"}});
+        session.runButtonPressed();
+    }
+    QtCortivoDoc& document() { return *session.functionalDocument; }
+    bool isAsMeasured(int volume) {
+        const Volume& samples = document().project.volumes[size_t(volume)];
+        for (size_t i = 0; i < samples.size(); ++i)
+            if (samples[i] != scriptedSample(i, volume, script.seed))
+                return false;
+        return true;
+    }
+    QString result(const QString& extension) { return "results/" + processedName + extension; }
+
+    PostprocessingOptions options_ = defaultPostprocessingOptions(4);
+    ProbeReporter progress_;
+};
+
+} // namespace
+
+TEST_F(PostprocessingTest, ResultIsSavedUnderItsOwnNamesAndTheModelFittedToIt) {
+    measure(30);
+    const QByteArray measured = content("results/test.stc");
+    const std::vector<float> oldMap = samplesOf(document().maps.ContrastMaps[0]);
+    ASSERT_TRUE(session.postprocess(options_, true, progress_));
+    EXPECT_TRUE(std::ranges::is_sorted(progress_.percents));
+    EXPECT_EQ(progress_.percents.back(), 100);
+    EXPECT_EQ(document().project.projectPath, path("results/test.fmr"));
+    EXPECT_EQ(document().project.Prefix, "test");
+    EXPECT_EQ(content("results/test.stc"), measured);
+    EXPECT_FALSE(isAsMeasured(7));
+    EXPECT_TRUE(progressLog().endsWith("starting ended"));
+    EXPECT_FALSE(session.state.runActive);
+    const std::vector<float> newMap = samplesOf(document().maps.ContrastMaps[0]);
+    EXPECT_NE(newMap, oldMap);
+
+    // The same data and maps come from the files.
+    FMRProject saved;
+    ASSERT_TRUE(loadFMRProject(saved, path(result(".fmr")), LoadData::Yes));
+    ASSERT_EQ(saved.volumes.size(), 30u);
+    for (size_t v = 0; v < saved.volumes.size(); ++v)
+        EXPECT_TRUE(
+            std::ranges::equal(saved.volumes[v].span(), document().project.volumes[v].span()));
+    writeSession(32, 2, {{"ClusterSizePixels:", "1"}, {"ProjectName:", '"' + processedName + '"'}});
+    messages.expect(MessageLevel::Critical, "ERROR: Can not find / open file: *");
+    ASSERT_TRUE(session.reloadData());
+    EXPECT_EQ(samplesOf(document().maps.ContrastMaps[0]), newMap);
+    EXPECT_EQ(session.measuredVolumes(), 30);
+}
+
+TEST_F(PostprocessingTest, RunThatEndedEarlyKeepsItsMapsWithoutGoingOn) {
+    script.lastVolume = 19;
+    messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
+    measure(30);
+    EXPECT_EQ(session.measuredVolumes(), 20);
+    const std::vector<float> oldMap = samplesOf(document().maps.ContrastMaps[0]);
+    ASSERT_TRUE(session.postprocess(options_, false, progress_));
+    EXPECT_EQ(content(result(".stc")).size(), 20 * 8 * 8 * 4 * 2);
+    EXPECT_EQ(samplesOf(document().maps.ContrastMaps[0]), oldMap);
+}
+
+TEST_F(PostprocessingTest, CancellingLeavesTheDataOrTheStatistics) {
+    measure(30);
+    const std::vector<float> oldMap = samplesOf(document().maps.ContrastMaps[0]);
+    progress_.cancelAt = 30;
+    EXPECT_FALSE(session.postprocess(options_, true, progress_));
+    EXPECT_TRUE(isAsMeasured(0) && isAsMeasured(29));
+    EXPECT_FALSE(QFile::exists(path(result(".fmr"))) || QFile::exists(path(result(".stc"))));
+
+    ProbeReporter late;
+    late.cancelAt = 90; // the model is fitted by then
+    EXPECT_FALSE(session.postprocess(options_, true, late));
+    EXPECT_TRUE(QFile::exists(path(result(".fmr"))));
+    EXPECT_EQ(samplesOf(document().maps.ContrastMaps[0]), oldMap);
+    EXPECT_GT(document().maps.NrOfActiveContrasts, 0);
+    EXPECT_TRUE(document().finishedModel.isValid());
+    EXPECT_EQ(document().mask.voxels.size(), document().project.volumeSamples());
+}
+
+TEST_F(PostprocessingTest, NothingElseBeginsMeanwhile) {
+    EXPECT_FALSE(session.postprocess(options_, true, progress_)) << "there is no run";
+    measure(30);
+    display.calls.clear();
+    progress_.atReport = [&](int) {
+        session.runButtonState = RunButtonState::Ready;
+        session.runButtonPressed();
+        EXPECT_FALSE(session.reloadData());
+        ProbeReporter inner;
+        EXPECT_FALSE(session.postprocess(options_, true, inner));
+    };
+    EXPECT_TRUE(session.postprocess(options_, true, progress_));
+    EXPECT_EQ(progressLog(), "starting ended");
+
+    session.runButtonPressed();
+    EXPECT_EQ(session.state.currentVolume, 29) << "a run starts again, and nothing stops it";
+    session.state.currentVolume = -1; // another settings file was chosen
+    EXPECT_FALSE(session.postprocess(options_, true, progress_));
+
+    script.atVolume = [&](int) { EXPECT_FALSE(session.postprocess(options_, true, progress_)); };
+    session.runButtonState = RunButtonState::Ready;
+    session.runButtonPressed();
+}
+
+TEST_F(PostprocessingTest, FilesThatCannotBeWrittenAreTriedAgain) {
+    measure(30);
+    ASSERT_TRUE(QDir().mkpath(path(result(".stc"))));
+    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
+    messages.expectQuestion("WARNING: The recorded data could not be saved completely*", true);
+    messages.onQuestion = [this] { QDir().rmdir(path(result(".stc"))); };
+    EXPECT_TRUE(session.postprocess(options_, false, progress_));
+    EXPECT_TRUE(QFile::exists(path(result(".fmr"))));
+}
