@@ -89,6 +89,9 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     const QString contrasts = contrastFilePath({}, project.projectPath);
     setUpContrasts(document, settings, exists(contrasts) ? contrasts : settings.ContrastFile);
     showSlices(document.project, document);
+    // The log of a stimulation computer may have turned the correction off that the settings state.
+    if (isProtocolPathSet(settings.TDatFile) && !exists(motionParametersFileName(project)))
+        settings.MotionCorrection = false;
     // Without its motion a run is shown all the same.
     if (settings.MotionCorrection)
         (void)loadMotionParameters(document.motion, project, settings.MotionCorrection);

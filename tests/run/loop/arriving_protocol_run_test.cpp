@@ -122,7 +122,7 @@ TEST_F(ArrivingProtocolRun, ValuesWeightTheColumnsAndTableContrastsAreFitted) {
 }
 
 TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
-    writeRun("TDatFile:", 40, QString(tdatHeader).replace("CORRECTION 1", "CORRECTION 0"),
+    writeRun("TDatFile:", 40, tdatHeader,
              {{"MotionCorrection:", "1"}, {"DriftConfoundPredictors:", "0"}});
     script.atVolume = [&](int volume) {
         append(QString("%1 VOLUME\n").arg(volume));

@@ -219,7 +219,7 @@ TEST_F(ArrivingProtocol, TDATHeaderFillsProtocolSettingsAndContrasts) {
     ASSERT_TRUE(parsing.good);
     EXPECT_EQ(parsing.length, tdatHeader.size());
     EXPECT_EQ(settings.TR, 1000);
-    EXPECT_EQ(settings.motionCorrection, true);
+    EXPECT_EQ(settings.motionCorrection, false);
     EXPECT_EQ(protocol.experimentName, "BLOCKS");
     EXPECT_EQ(tdat.tdatEventWord, "BLOCK");
     EXPECT_TRUE(protocol.hasResponses && !protocol.acceptNewConditions);
