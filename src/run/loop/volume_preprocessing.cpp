@@ -14,8 +14,8 @@ void correctMotion(const RunParts& run, int volumeIndex) {
         document.motion.setMotionTarget(document.project);
 }
 
-// A volume that can't be smoothed stays as it is, and the run goes on; the operator hears of it with
-// the first one.
+// A volume that can't be smoothed stays as it is, and the run goes on; the operator hears of it
+// with the first one.
 void smooth(const RunParts& run, int volumeIndex) {
     FMRProject& project = run.document.project;
     const float fwhm = run.settings.SpatialSmoothingFWHM;
