@@ -25,8 +25,10 @@ void addPredictor(DesignMatrix& design, const QString& name, RgbColor color) {
     design.PredictorNumberLabels << QString("Predictor: %1").arg(design.PredictorNames.size());
 }
 
-bool resetColumn(std::vector<float>& column, int nrOfVolumes) {
-    const size_t count = size_t(std::max(nrOfVolumes, 0));
+bool resetColumn(DesignMatrix& design, size_t index) {
+    std::vector<float>& column = design.PredictorColumns[index];
+    const size_t count = size_t(std::max(design.NrOfVolumes, 0));
+    design.columnOrigins[index].reset();
     if (column.capacity() < count && !memoryIsAvailable(count, sizeof(float)))
         return false;
     column.assign(count, 0.0f);
@@ -46,6 +48,30 @@ float confoundValue(int confound, int nrOfConfoundPredictors, int volume, int nr
     if (nrOfConfoundPredictors == 2)
         return time * 2.0f - 1.0f;
     return std::cos(time * 3.1425f * float(confound));
+}
+
+// The box-car of a protocol in milliseconds is a list, which tells whether there is anything to do.
+bool createConditionPredictor(DesignMatrix& design, const DesignSource& source, int condition,
+                              size_t index) {
+    const bool useConditionWeights = isProtocolPathSet(source.protocol.realTimeProtocolPath);
+    const bool milliseconds = source.protocol.resolutionOfTime == ResolutionOfTime::Milliseconds;
+    std::vector<float>& column = design.PredictorColumns[index];
+    ColumnOrigin origin{{}, source.TR, design.NrOfVolumes, design.hrf};
+    if (milliseconds) {
+        fillBoxCar(design, source, condition, column, useConditionWeights, origin.intervals);
+        if (design.columnOrigins[index] == origin)
+            return true;
+    }
+    if (!resetColumn(design, index))
+        return false;
+    if (!milliseconds)
+        fillBoxCar(design, source, condition, column, useConditionWeights, origin.intervals);
+    if (!convolveWithHRF(column, HRFModel::TwoGamma, design.NrOfVolumes, design.hrf, source,
+                         origin.intervals))
+        return false;
+    if (milliseconds)
+        design.columnOrigins[index] = std::move(origin);
+    return true;
 }
 
 QByteArray designText(const DesignMatrix& design) {
@@ -113,22 +139,11 @@ void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& sourc
 }
 
 bool createConditionPredictors(DesignMatrix& design, const DesignSource& source) {
-    const StimulationProtocol& protocol = source.protocol;
-    const bool useConditionWeights =
-        !protocol.realTimeProtocolPath.isEmpty() && protocol.realTimeProtocolPath != "<none>";
     const int firstCondition = source.BaselinePosInProtocol != 0 ? 1 : 0;
     design.NrOfVolumes = std::max(source.NrOfVolumes, 0);
-    std::vector<MillisecondInterval> intervals;
-    for (int j = 0; j < std::min(design.NrOfConditionPredictors, maximumConditionPredictors); ++j) {
-        std::vector<float>& column = design.PredictorColumns[size_t(j)];
-        intervals.clear();
-        if (!resetColumn(column, design.NrOfVolumes))
+    for (int j = 0; j < std::min(design.NrOfConditionPredictors, maximumConditionPredictors); ++j)
+        if (!createConditionPredictor(design, source, j + firstCondition, size_t(j)))
             return insufficientMemory();
-        fillBoxCar(design, source, j + firstCondition, column, useConditionWeights, intervals);
-        if (!convolveWithHRF(column, HRFModel::TwoGamma, design.NrOfVolumes, design.hrf, source,
-                             intervals))
-            return insufficientMemory();
-    }
     return true;
 }
 
@@ -140,9 +155,9 @@ bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
         const int j = design.NrOfConditionPredictors + c;
         if (j >= DesignMatrix::maximumPredictors)
             break;
-        std::vector<float>& column = design.PredictorColumns[size_t(j)];
-        if (!resetColumn(column, design.NrOfVolumes))
+        if (!resetColumn(design, size_t(j)))
             return insufficientMemory();
+        std::vector<float>& column = design.PredictorColumns[size_t(j)];
         for (int t = 0; t < design.NrOfVolumes; ++t)
             column[size_t(t)] = confoundValue(c, confounds, t, design.NrOfVolumes);
     }
@@ -157,4 +172,5 @@ bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
 void releasePredictorColumns(DesignMatrix& design) {
     for (std::vector<float>& column : design.PredictorColumns)
         column = {};
+    design.columnOrigins = {};
 }

@@ -8,8 +8,29 @@
 #include <QString>
 #include <QStringList>
 #include <array>
+#include <optional>
 #include <span>
 #include <vector>
+
+/// Interval of a condition in a protocol in milliseconds: from, to in milliseconds.
+struct MillisecondInterval {
+    int from = 0;
+    int to = 0;
+    QString condition;
+    int weight = 1000; ///< thousandths
+
+    bool operator==(const MillisecondInterval&) const = default;
+};
+
+/// All that a condition column of a protocol in milliseconds depends on.
+struct ColumnOrigin {
+    std::vector<MillisecondInterval> intervals;
+    float TR = 0.0f; ///< milliseconds
+    int NrOfVolumes = 0;
+    TwoGammaHRFParams hrf;
+
+    bool operator==(const ColumnOrigin&) const = default;
+};
 
 struct DesignMatrix {
     static constexpr int maximumPredictors = 50;
@@ -17,6 +38,8 @@ struct DesignMatrix {
 
     /// Column j, one float per volume; empty until first used.
     std::array<std::vector<float>, maximumPredictors> PredictorColumns;
+    /// What the column was made from; nothing for a column of any other kind.
+    std::array<std::optional<ColumnOrigin>, maximumPredictors> columnOrigins;
     int NrOfVolumes = 0; ///< length of a column
     int NrOfConditionPredictors = 0;
     int NrOfConfoundPredictors = 0;
@@ -48,14 +71,6 @@ struct DesignSource {
     int DriftConfoundPredictors = 1;
 };
 
-/// Interval of a condition in a protocol in milliseconds: from, to in milliseconds.
-struct MillisecondInterval {
-    int from = 0;
-    int to = 0;
-    QString condition;
-    int weight = 1000; ///< thousandths
-};
-
 /// Which response a box-car is convolved with; None shifts it by one sample.
 enum class HRFModel { None, TwoGamma, SingleGamma };
 
@@ -69,8 +84,9 @@ void buildConditionPredictorNames(DesignMatrix& design, const DesignSource& sour
 /// tells so when that becomes the case.
 void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& source);
 
-/// Fills every condition column from the protocol. When memory runs out the program ends with
-/// status 1 after a message; false then.
+/// Fills every condition column from the protocol. A column of milliseconds takes some time, and
+/// stays as it is when it would come out the same again: an event changes one or two of them. When
+/// memory runs out the program ends with status 1 after a message; false then.
 [[nodiscard]] bool createConditionPredictors(DesignMatrix& design, const DesignSource& source);
 /// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `workingFolder`. When
 /// memory runs out the program ends with status 1 after a message; false then. A text file that

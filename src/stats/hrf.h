@@ -13,6 +13,8 @@ struct TwoGammaHRFParams {
     float undershootRatio = 6.0f; ///< response to undershoot
     float onset = 0.0f;           ///< seconds
     float length = 32.0f;         ///< seconds, of the kernel
+
+    bool operator==(const TwoGammaHRFParams&) const = default;
 };
 
 /// Entries that a kernel may hold; what lies beyond is dropped.

@@ -127,6 +127,47 @@ TEST(FillBoxCar, MillisecondsAreListedAndReplacedByTheirEnd) {
     EXPECT_EQ(column, std::vector<float>(3, 7.0f));
 }
 
+TEST(Design, ColumnsThatGrowWithTheirEventsAreThoseMadeAtOnce) {
+    StimulationProtocol protocol;
+    protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
+    protocol.realTimeProtocolPath = "a.rtp";
+    for (const char* name : {"Rest", "Left", "Right"})
+        addCondition(protocol, name, {});
+    DesignSource source{.protocol = protocol, .TR = 1000.0f, .NrOfVolumes = 30};
+    DesignMatrix growing;
+    const std::function<void()> steps[] = {
+        [] {},
+        [&] { protocol.addInterval(1, 2000, 1002000); },
+        [&] { protocol.conditions[1].to[0] = 7000; },
+        [&] { protocol.addInterval(2, 7000, 9500); },
+        [&] {
+            growing.ConditionWeights = {0.5f, 1.0f};
+        },
+        [&] { growing.hrf.timeToPeak = 5.0f; },
+        [&] { source.TR = 1500.0f; },
+        [&] { source.NrOfVolumes = 40; },
+        [&] { source.BaselinePosInProtocol = 0; },
+        [&] { source.BaselinePosInProtocol = 1; }, // its third column holds a constant meanwhile
+        [&] { source.BaselinePosInProtocol = 0; },
+        [&] { protocol.resolutionOfTime = ResolutionOfTime::Volumes; },
+        [&] { protocol.resolutionOfTime = ResolutionOfTime::Milliseconds; },
+        [&] { releasePredictorColumns(growing); }};
+    QTemporaryDir folder;
+    for (size_t step = 0; step < std::size(steps); ++step) {
+        steps[step]();
+        DesignMatrix fresh;
+        fresh.ConditionWeights = growing.ConditionWeights;
+        fresh.hrf = growing.hrf;
+        for (DesignMatrix* design : {&growing, &fresh}) {
+            buildNames(*design, source);
+            ASSERT_TRUE(createConditionPredictors(*design, source));
+            ASSERT_TRUE(createConfoundPredictors(*design, source, folder.path()));
+        }
+        for (size_t j = 0; j < size_t(fresh.NrOfPredictors); ++j)
+            EXPECT_EQ(growing.PredictorColumns[j], fresh.PredictorColumns[j]) << step << ", " << j;
+    }
+}
+
 TEST(Design, ConfoundsFollowTheirFormulasAndTheDesignIsWritten) {
     StimulationProtocol protocol = threeConditions();
     QTemporaryDir folder;

@@ -46,14 +46,21 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
     const int volumes = recordedVolumes(run);
     return {
         {0,
-         [&run, &document, &project] {
+         // A failure clears the path, and the name of the file with it.
+         [&run, &document, &project, path = document.protocol.protocolPath] {
+             document.protocol.protocolPath = path;
              const bool written =
                  writeRecordedPRTFile(document.protocol, project.projectPath, project.targetFolder);
              updateProjectForSaving(run);
              return written;
          }},
         {5, [&, volumes] { return writeSTCData(project, volumes, &progress, &run.pump, 5, 80); }},
-        {80, [&, volumes] { return writeFMRHeader(project, project.projectPath, volumes); }},
+        {80,
+         // It names the protocol, and is written again when that is there.
+         [&, volumes] {
+             return writeFMRHeader(project, project.projectPath, volumes) &&
+                    isProtocolPathSet(document.protocol.protocolPath);
+         }},
         {-1,
          [&] {
              return writeMapFile(resultPath(run, ".mps", "Maps.mps"), document.maps,

@@ -191,6 +191,8 @@ QString PRTParser::nextLine() {
 }
 
 bool PRTParser::countIsPossible(int count, qsizetype shortest) {
+    if (count > maximumTableEntries)
+        return damaged(QStringLiteral("it has more than %1 conditions").arg(maximumTableEntries));
     if (count > (length_ - stream_.position()) / shortest + 1)
         return damaged(QStringLiteral("it ends before its %1 conditions").arg(count));
     if (memoryIsAvailable(size_t(count), sizeof(ProtocolCondition)))

@@ -83,6 +83,8 @@ bool RTPHeaderParser::readConditions() {
     const int count = keyAndInteger();
     if (stream_.failed() || !countIsPossible(count, shortestCondition))
         return damaged("the number of conditions is wrong");
+    if (count > maximumTableEntries)
+        return damaged(QStringLiteral("it has more than %1 conditions").arg(maximumTableEntries));
     if (!memoryIsAvailable(size_t(count), sizeof(ProtocolCondition))) {
         parsing_.message = "FATAL ERROR: Insufficient memory!";
         return false;
@@ -134,6 +136,8 @@ bool RTPHeaderParser::readContrasts() {
     const int count = number.integer();
     if (number.failed() || !countIsPossible(count, shortestContrast))
         return damaged("the number of contrasts is wrong");
+    if (count > maximumTableEntries)
+        return damaged(QStringLiteral("it has more than %1 contrasts").arg(maximumTableEntries));
     return readContrastTable(count) || damaged("its contrasts can not be read");
 }
 

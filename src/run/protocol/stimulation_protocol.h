@@ -18,6 +18,10 @@ struct RgbColor {
 
 inline constexpr const char* untitledExperiment = "<untitled>";
 
+/// Most conditions, or contrasts, that a file may declare. A design has 50 columns, the record of a
+/// condition is large, and every volume looks through all of them.
+inline constexpr int maximumTableEntries = 1000;
+
 /// One condition: a fixed record with room for 300 intervals, so that an interval can be added
 /// during a run without allocation.
 struct ProtocolCondition {

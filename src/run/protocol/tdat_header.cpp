@@ -9,7 +9,6 @@ namespace {
 
 constexpr int longestTR = 3600 * 1000; // milliseconds, as in a settings file
 constexpr int versionWithColorsInTable = 5;
-constexpr size_t maximumEntries = 1000; // of a table; a design has 50 columns
 
 int integerOf(const QString& word) {
     return TokenStream(word).integer();
@@ -45,7 +44,7 @@ private:
     bool readContrastTable();
     void readContrast();
     bool readWeight(std::vector<int>& weights);
-    void takeColors();
+    bool takeColors();
     [[nodiscard]] int indexOf(const QString& name) const;
     QString word() { return stream_.word().toUpper(); }
     void skipWords(int count) {
@@ -55,6 +54,11 @@ private:
     bool failed(const QString& message) {
         parsing_.message = message;
         return false;
+    }
+    bool tooMany(const QString& table) {
+        return failed(QStringLiteral("ERROR: %1 of .tdat file has more than %2 entries.")
+                          .arg(table)
+                          .arg(maximumTableEntries));
     }
 
     const QString& text_;
@@ -83,8 +87,8 @@ HeaderParsing TDATHeaderParser::parse() {
         if (next == "HEADER" && !readEntry())
             return parsing_;
     }
-    if (state_.fileVersion < versionWithColorsInTable)
-        takeColors();
+    if (state_.fileVersion < versionWithColorsInTable && !takeColors())
+        return parsing_;
     // From here on every condition has been declared.
     protocol_.acceptNewConditions = false;
     parsing_.good = true;
@@ -142,8 +146,8 @@ bool TDATHeaderParser::readConditionTable() {
         if (kind != "CONDITION")
             return failed("ERROR: Severe parsing error in ConditionTable: Expecting token "
                           "\"CONDITION\".");
-        if (protocol_.conditions.size() + size_t(state_.otherConditions.size()) >= maximumEntries)
-            return failed("ERROR: ConditionTable of .tdat file has more than 1000 entries.");
+        if (protocol_.nrOfConditions() + state_.otherConditions.size() >= maximumTableEntries)
+            return tooMany("ConditionTable");
         if (!readCondition())
             return failed("FATAL ERROR: Insufficient memory!");
     }
@@ -182,8 +186,8 @@ bool TDATHeaderParser::readContrastTable() {
         if (kind != "CONTRAST")
             return failed("ERROR: Severe parsing error in ContrastTable: Expecting token "
                           "\"CONTRAST\".");
-        if (state_.contrasts.table.size() >= maximumEntries)
-            return failed("ERROR: ContrastTable of .tdat file has more than 1000 entries.");
+        if (state_.contrasts.table.size() >= size_t(maximumTableEntries))
+            return tooMany("ContrastTable");
         readContrast();
     }
 }
@@ -220,9 +224,12 @@ bool TDATHeaderParser::readWeight(std::vector<int>& weights) {
 
 // Entries name:r,g,b; of a file of an older version. Without a table of conditions they are what
 // declares them.
-void TDATHeaderParser::takeColors() {
+bool TDATHeaderParser::takeColors() {
     const bool declares = !hasConditionTable_ && protocol_.acceptNewConditions;
-    for (const QString& entry : state_.analysisOptions.split(';', Qt::SkipEmptyParts)) {
+    const QStringList entries = state_.analysisOptions.split(';', Qt::SkipEmptyParts);
+    if (entries.size() > maximumTableEntries)
+        return tooMany("FMRIANALYSISOPTIONS");
+    for (const QString& entry : entries) {
         const QString name = entry.section(':', 0, 0);
         const QString color = entry.section(':', 1, 1);
         if (color.isEmpty())
@@ -231,6 +238,7 @@ void TDATHeaderParser::takeColors() {
         if (index >= 0)
             protocol_.conditions[size_t(index)].color = colorOf(color);
     }
+    return true;
 }
 
 int TDATHeaderParser::indexOf(const QString& name) const {

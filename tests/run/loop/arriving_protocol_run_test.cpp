@@ -2,7 +2,6 @@
 #include "run/loop/session_fixture.h"
 #include "run/protocol/arriving_headers.h"
 
-#include <QFile>
 #include <QProcess>
 
 namespace {
@@ -19,9 +18,8 @@ protected:
         QMap<QString, QString> all = changes;
         all["StimulationProtocol:"] = '"' + path("log") + '"';
         writeSession(volumes, 0, all);
-        const QString vco = QString::fromUtf8(content("test-1.vco"));
-        put("test-1.vco", QString(vco).replace("StimulationProtocol:", key));
-        put("log", header.isEmpty() ? header : header + '\n');
+        put("test-1.vco", content("test-1.vco").replace("StimulationProtocol:", key.toUtf8()));
+        put("log", header.isEmpty() ? QByteArray() : header.toUtf8() + '\n');
         // What the model holds after each volume.
         predictors.clear();
         session.stations.set(Station::PluginAfterVolume, [this](int) {
@@ -31,25 +29,16 @@ protected:
             return true;
         });
     }
-    void put(const QString& name, const QString& text,
-             QIODevice::OpenMode mode = QIODevice::WriteOnly) {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(mode));
-        file.write(text.toUtf8());
-    }
-    void append(const QString& text) { put("log", text, QIODevice::Append); }
+    void append(const QString& text) { put("log", text.toUtf8(), QIODevice::Append); }
     /// First volume after which the model holds that many predictors; -1 when never.
     int entryOf(int count) const {
         const auto found = std::find(predictors.begin(), predictors.end(), count);
         return found == predictors.end() ? -1 : int(found - predictors.begin());
     }
     /// The conditions of the saved protocol: name, number of intervals, bounds, colour.
-    std::string savedConditions() const {
+    QString savedConditions() const {
         const QString text = QString::fromUtf8(content("results/test.prt"));
-        return text.section("NrOfConditions:", 1)
-            .section("ResponseConditions:", 0, 0)
-            .simplified()
-            .toStdString();
+        return text.section("NrOfConditions:", 1).section("ResponseConditions:", 0, 0).simplified();
     }
 
     std::vector<int> predictors;
@@ -175,7 +164,7 @@ TEST_F(ArrivingProtocolRun, ProtocolThatStopsGrowingEndsTheRunAndIsSaved) {
         // The volume that waited has been read, and counts.
         EXPECT_EQ(session.functionalDocument->project.NrOfVolumes, 20);
         EXPECT_EQ(session.state.currentVolume, int(volumes));
-        EXPECT_EQ(savedConditions().find("3 "), 0u);
+        EXPECT_TRUE(savedConditions().startsWith("3 "));
         EXPECT_EQ(display.calls.last(), "ended");
     }
 }
@@ -191,7 +180,7 @@ TEST_F(ArrivingProtocolRun, BacklogIsWorkedOffWithoutWaiting) {
     EXPECT_EQ(pump.milliseconds(), 0);
     // Known up to the end of the last volume, and no line further.
     EXPECT_EQ(session.functionalDocument->protocol.coveredTime, 40000);
-    EXPECT_NE(savedConditions().find("Faces 2 10000 20000 30000 40000"), std::string::npos);
+    EXPECT_TRUE(savedConditions().contains("Faces 2 10000 20000 30000 40000"));
 }
 
 TEST_F(ArrivingProtocolRun, ProtocolThatHasEndedIsNotWaitedFor) {
@@ -216,10 +205,7 @@ TEST_F(ArrivingProtocolRun, HeaderThatCanNotBeReadEndsTheProgram) {
         {"TDatFile:", "",
          "ERROR: Can not open .tdat file !\n\nSet the \"WatchFolder\" in the "
          "\"test-1.vco\" file and start again.\n"},
-        {"TDatFile:", QString(tdatHeader).replace("CONDITION NAME", "CUE NAME"),
-         "ERROR: Severe parsing error in ConditionTable: Expecting token \"CONDITION\"."},
         {"RealTimeProtocol:", "", "ERROR: Specified RTP file: \"*"},
-        {"RealTimeProtocol:", "a 1 b hours", "ERROR - Unexpected token*"},
         {"RealTimeProtocol:", rtpHeader.left(200), "ERROR: RTP file is damaged: *"},
     };
     for (const auto& [key, header, message] : cases) {

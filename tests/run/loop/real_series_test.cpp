@@ -103,27 +103,12 @@ protected:
             {"FoVCols", first.numbers[2] * first.numbers[9]},
             {"FoVRows", first.numbers[3] * first.numbers[10]},
         };
-        const QByteArrayList fromHeader{"NrOfSlices",
-                                        "TR",
-                                        "InterSliceTime",
-                                        "TE",
-                                        "SliceAcquisitionOrder",
-                                        "InplaneResolutionX",
-                                        "InplaneResolutionY",
-                                        "SliceThickness",
-                                        "SliceGap",
-                                        "Slice1CenterX",
-                                        "Slice1CenterY",
-                                        "Slice1CenterZ",
-                                        "SliceNCenterX",
-                                        "SliceNCenterY",
-                                        "SliceNCenterZ",
-                                        "RowDirX",
-                                        "RowDirY",
-                                        "RowDirZ",
-                                        "ColDirX",
-                                        "ColDirY",
-                                        "ColDirZ"};
+        const QByteArrayList fromHeader =
+            QByteArray("NrOfSlices TR InterSliceTime TE SliceAcquisitionOrder InplaneResolutionX "
+                       "InplaneResolutionY SliceThickness SliceGap Slice1CenterX Slice1CenterY "
+                       "Slice1CenterZ SliceNCenterX SliceNCenterY SliceNCenterZ RowDirX RowDirY "
+                       "RowDirZ ColDirX ColDirY ColDirZ")
+                .split(' ');
         for (int i = 0; i < fromHeader.size(); ++i)
             expected[fromHeader[i]] = first.numbers[4 + i];
         for (auto entry = expected.begin(); entry != expected.end(); ++entry)

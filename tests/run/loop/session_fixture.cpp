@@ -3,8 +3,6 @@
 
 #include "run/settings/settings_file.h"
 
-#include <QFile>
-
 namespace {
 
 class ProbeProgress : public ProgressReporter {
@@ -50,13 +48,22 @@ private:
     const Script& script_;
 };
 
-void writeText(const QString& path, const QString& text) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(text.toUtf8());
-}
-
 } // namespace
+
+int savedVolumes(const QByteArray& data, size_t sliceSamples, size_t nrOfSlices,
+                 const MeasuredSample& measured) {
+    const size_t samples = size_t(data.size()) / 2;
+    const size_t volumes = samples / (sliceSamples * nrOfSlices);
+    for (size_t offset = 0; offset < samples; ++offset) {
+        const size_t slice = offset / sliceSamples / volumes;
+        const size_t volume = offset / sliceSamples % volumes;
+        const qsizetype at = qsizetype(2 * offset);
+        if ((uint8_t(data[at]) | uint8_t(data[at + 1]) << 8) !=
+            measured(slice * sliceSamples + offset % sliceSamples, int(volume)))
+            return -1;
+    }
+    return int(volumes);
+}
 
 int16_t scriptedSample(size_t voxel, int volume, uint16_t seed) {
     // A cheap scrambling; only that samples differ and repeat matters.
@@ -107,19 +114,23 @@ void SessionFixture::writeSession(int volumes, int skip, const QMap<QString, QSt
     settings.MotionCorrection = false;
     ASSERT_TRUE(writeSettingsFile(settings));
     if (!changes.isEmpty()) {
-        QString text = QString::fromUtf8(content("test-1.vco"));
-        QStringList lines = text.split('\n');
+        QStringList lines = QString::fromUtf8(content("test-1.vco")).split('\n');
         for (QString& line : lines)
             for (auto change = changes.begin(); change != changes.end(); ++change)
                 if (line.startsWith(change.key()))
                     line = change.key() + " " + change.value();
-        writeText(path("test-1.vco"), lines.join('\n'));
+        put("test-1.vco", lines.join('\n').toUtf8());
     }
-    writeText(path("test.prt"), protocol);
+    put("test.prt", protocol.toUtf8());
     session.settings = RunSettings();
     session.settings.settingsFilePath = path("test-1.vco");
     session.settings.settingsFileDir = folder_.path() + "/";
     session.runButtonState = RunButtonState::Ready;
+}
+
+void SessionFixture::put(const QString& name, const QByteArray& bytes, QIODevice::OpenMode mode) {
+    QFile file(path(name));
+    ASSERT_TRUE(file.open(mode) && file.write(bytes) == bytes.size());
 }
 
 QByteArray SessionFixture::content(const QString& name) const {

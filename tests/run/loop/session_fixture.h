@@ -7,6 +7,7 @@
 #include "support/scripted_messages.h"
 #include "support/simulated_pump.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -41,6 +42,14 @@ struct Script {
     uint16_t seed = 1;
 };
 
+/// The sample of a voxel at a saved volume, as it was measured.
+using MeasuredSample = std::function<int(size_t voxel, int volume)>;
+
+/// Number of volumes that the saved data hold, after each sample was compared with its source at
+/// the place that the layout gives it: slice by slice, volumes within a slice. -1 when one differs.
+[[nodiscard]] int savedVolumes(const QByteArray& data, size_t sliceSamples, size_t nrOfSlices,
+                               const MeasuredSample& measured);
+
 /// One sample of a scripted volume: above the mask threshold, different at each voxel and volume.
 [[nodiscard]] int16_t scriptedSample(size_t voxel, int volume, uint16_t seed);
 
@@ -54,6 +63,8 @@ protected:
                       const QString& protocol = defaultProtocol());
     [[nodiscard]] static QString defaultProtocol();
     [[nodiscard]] QString path(const QString& name) const { return folder_.filePath(name); }
+    void put(const QString& name, const QByteArray& bytes,
+             QIODevice::OpenMode mode = QIODevice::WriteOnly);
     [[nodiscard]] QByteArray content(const QString& name) const;
     [[nodiscard]] QString progressLog() const { return display.calls.join(' '); }
 

@@ -35,36 +35,25 @@ struct SimulatedSession {
         EXPECT_FALSE(session.state.runActive);
         return messages.shown().mid(before);
     }
-    /// Number of saved volumes, after each sample was compared with what was measured; -1 when one
-    /// differs.
     [[nodiscard]] int savedVolumes() const {
         const SimulationOptions& options = scan.options();
-        const qsizetype sliceSamples = qsizetype(options.sizeX) * options.sizeY;
-        const qsizetype volumeSamples = sliceSamples * options.nrOfSlices;
-        QFile file(folder.filePath("results/Simulation-1.stc"));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray data = file.readAll();
-        const qsizetype volumes = data.size() / (2 * volumeSamples);
-        for (qsizetype volume = 0; volume < volumes; ++volume) {
-            const std::vector<uint16_t> measured =
-                scan.volume(int(volume) + options.nrOfVolumesToSkip);
-            for (qsizetype i = 0; i < volumeSamples; ++i) {
-                const qsizetype at = (i / sliceSamples * volumes + volume) * sliceSamples;
-                const char* bytes = data.constData() + 2 * (at + i % sliceSamples);
-                if ((uint8_t(bytes[0]) | uint8_t(bytes[1]) << 8) != measured[size_t(i)])
-                    return -1;
-            }
-        }
-        return int(volumes);
+        std::vector<std::vector<uint16_t>> measured;
+        for (int volume = options.nrOfVolumesToSkip; volume < options.nrOfVolumes; ++volume)
+            measured.push_back(scan.volume(volume));
+        return ::savedVolumes(
+            saved(".stc"), size_t(options.sizeX * options.sizeY), size_t(options.nrOfSlices),
+            [&](size_t voxel, int volume) { return measured[size_t(volume)][voxel]; });
     }
-
     /// The first measured volume, skipped ones included, is that of the saved image file.
     [[nodiscard]] bool firstVolumeIsSaved() const {
-        QFile file(folder.filePath("results/Simulation-1-firstvol.img"));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         const std::vector<uint16_t> measured = scan.volume(0);
-        return file.readAll() == QByteArray(reinterpret_cast<const char*>(measured.data()),
-                                            qsizetype(2 * measured.size()));
+        return saved("-firstvol.img") == QByteArray(reinterpret_cast<const char*>(measured.data()),
+                                                    qsizetype(2 * measured.size()));
+    }
+    [[nodiscard]] QByteArray saved(const QString& ending) const {
+        QFile file(folder.filePath("results/Simulation-1" + ending));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
     }
 
     QTemporaryDir folder;

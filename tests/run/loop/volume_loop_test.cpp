@@ -3,36 +3,24 @@
 
 #include "volume/fmr_file.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 namespace {
 
-constexpr size_t sliceSamples = 8 * 8;
-constexpr size_t volumeSamples = sliceSamples * 4;
-
 class VolumeLoopTest : public SessionFixture {
 protected:
-    // Number of volumes that the saved data hold, after each sample was compared with its source at
-    // the place that the layout gives it: slice by slice, volumes within a slice.
     int savedVolumes() {
-        const QByteArray data = content("results/test.stc");
-        const size_t volumes = size_t(data.size()) / 2 / volumeSamples;
-        const auto* bytes = reinterpret_cast<const uint8_t*>(data.constData());
-        for (size_t offset = 0; offset < size_t(data.size()) / 2; ++offset) {
-            const size_t slice = offset / sliceSamples / volumes;
-            const size_t volume = offset / sliceSamples % volumes;
-            const auto sample = int16_t(bytes[2 * offset] | bytes[2 * offset + 1] << 8);
-            const size_t voxel = slice * sliceSamples + offset % sliceSamples;
-            if (sample != scriptedSample(voxel, int(volume), script.seed)) {
-                ADD_FAILURE() << "sample " << offset << " differs";
-                return -1;
-            }
-        }
+        const int volumes =
+            ::savedVolumes(content("results/test.stc"), 8 * 8, 4, [this](size_t voxel, int volume) {
+                return scriptedSample(voxel, volume, script.seed);
+            });
         FMRHeader header;
-        if (!readFMRHeader(path("results/test.fmr"), header) || header.NrOfVolumes != int(volumes))
-            ADD_FAILURE() << "header says " << header.NrOfVolumes << ", data hold " << volumes;
-        return int(volumes);
+        EXPECT_TRUE(readFMRHeader(path("results/test.fmr"), header));
+        EXPECT_EQ(header.NrOfVolumes, volumes);
+        return volumes;
+    }
+    void expectMissingVolume() {
+        messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
     }
 };
 
@@ -91,23 +79,20 @@ TEST_F(VolumeLoopTest, StopIsLookedAtAfterTheVolumeIsReadAndLeavesItOut) {
     }
 }
 
-TEST_F(VolumeLoopTest, VolumeThatNeverComesEndsTheRunAndWhatWasReadIsSaved) {
-    writeSession(32, 2);
-    script.lastVolume = 19;
-    messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
-    session.runButtonPressed();
-    EXPECT_EQ(savedVolumes(), 20);
-    EXPECT_EQ(display.calls.last(), "ended");
-}
-
-TEST_F(VolumeLoopTest, FlagLeftSetStopsTheNextRunAtItsFirstVolume) {
+TEST_F(VolumeLoopTest, FlagLeftSetStopsTheNextRunAndAPressWhileSavingNone) {
     writeSession(16, 2);
     session.state.interruptFlag = true;
     messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
     session.runButtonPressed();
     EXPECT_EQ(session.state.interruptedAtVolume, -1);
     session.runButtonState = RunButtonState::Ready;
+    display.calls.clear();
+    display.whileSaving = [this] {
+        session.runButtonPressed();
+        EXPECT_FALSE(session.reloadData());
+    };
     session.runButtonPressed();
+    EXPECT_EQ(display.calls.count("starting"), 1);
     EXPECT_EQ(savedVolumes(), 14);
 }
 
@@ -128,53 +113,36 @@ TEST_F(VolumeLoopTest, ForcedDelayHoldsEachVolumeToTheScannersCount) {
 }
 
 TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
-    struct Case {
-        const char* name;
+    const QString noConditions =
+        defaultProtocol().section("NrOfConditions", 0, 0) + "NrOfConditions: 0\n";
+    const QString none = "ERROR: No conditions specified!";
+    const QString gone = "ERROR: Unable to open referenced protocol file > x.prt < for reading!";
+    const QString memory = "ERROR: Insufficient memory for creating slice time courses!";
+    const struct {
         QMap<QString, QString> changes;
         QString protocol;
         MessageLevel level;
         QString text;
         std::vector<int> statuses;
-    };
-    const QString noConditions = defaultProtocol().section("NrOfConditions", 0, 0);
-    const Case cases[] = {
-        {"no protocol",
-         {{"StimulationProtocol:", "\"<none>\""}},
+    } cases[] = {
+        {{{"StimulationProtocol:", "\"<none>\""}}, "", MessageLevel::Critical, none, {1}},
+        {{}, noConditions, MessageLevel::Critical, none, {1}},
+        {{{"StimulationProtocol:", "\"/nowhere/x.prt\""}}, "", MessageLevel::Warning, gone, {}},
+        {{{"NrOfVolumes:", "999999"}, {"NrOfSlices:", "4096"}},
          defaultProtocol(),
          MessageLevel::Critical,
-         "ERROR: No conditions specified!",
-         {1}},
-        {"no conditions",
-         {},
-         noConditions + "NrOfConditions: 0\n",
-         MessageLevel::Critical,
-         "ERROR: No conditions specified!",
-         {1}},
-        {"missing protocol",
-         {{"StimulationProtocol:", "\"/nowhere/x.prt\""}},
-         defaultProtocol(),
-         MessageLevel::Warning,
-         "ERROR: Unable to open referenced protocol file > x.prt < for reading!",
-         {}},
-        {"huge run",
-         {{"NrOfVolumes:", "999999"},
-          {"MatrixSizeX:", "4096"},
-          {"MatrixSizeY:", "4096"},
-          {"NrOfSlices:", "4096"}},
-         defaultProtocol(),
-         MessageLevel::Critical,
-         "ERROR: Insufficient memory for creating slice time courses!",
+         memory,
          {1}},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        writeSession(16, 2, c.changes, c.protocol);
+    for (const auto& [changes, protocol, level, text, statuses] : cases) {
+        SCOPED_TRACE(text.toStdString());
+        writeSession(16, 2, changes, protocol);
         display.calls.clear();
         programEnd.statuses.clear();
-        messages.expect(c.level, c.text);
+        messages.expect(level, text);
         session.runButtonPressed();
         EXPECT_EQ(display.calls.last(), "failed");
-        EXPECT_EQ(programEnd.statuses, c.statuses);
+        EXPECT_EQ(programEnd.statuses, statuses);
         EXPECT_FALSE(session.state.runActive);
     }
     writeSession(16, 2);
@@ -187,12 +155,11 @@ TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
     EXPECT_EQ(savedVolumes(), 14);
 }
 
-TEST_F(VolumeLoopTest, RegionColoursComeFromTheirFile) {
-    QFile file(path("colours.txt"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("30\n1 2 3\n4 999 -6\n7 8");
-    file.close();
-    writeSession(4, 2, {{"ROIColorsFile:", "\"./colours.txt\""}});
+TEST_F(VolumeLoopTest, RegionColoursAreReadAndTheGoBoxIsShown) {
+    put("colours.txt", "30\n1 2 3\n4 999 -6\n7 8");
+    writeSession(4, 2,
+                 {{"ROIColorsFile:", "\"./colours.txt\""}, {"ShowGODlgAfterPreparation:", "1"}});
+    messages.expectAnnouncement("Press return or click the GO button to start!");
     session.runButtonPressed();
     EXPECT_EQ(session.regionColors[0], (RgbColor{1, 2, 3}));
     EXPECT_EQ(session.regionColors[1], (RgbColor{4, 255, 0}));
@@ -215,10 +182,7 @@ TEST_F(VolumeLoopTest, InplanesShowWhereTheyCameAndTheRunGoesOnWithoutThem) {
     EXPECT_TRUE(session.functionalDocument->inplanes.samples.empty());
     EXPECT_EQ(savedVolumes(), 12);
 
-    QFile file(path("inplanes/a.img"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray(2 * 16 * 24 * 4, '\1'));
-    file.close();
+    put("inplanes/a.img", QByteArray(2 * 16 * 24 * 4, '\1'));
     session.runButtonState = RunButtonState::Ready;
     session.runButtonPressed();
     EXPECT_EQ(session.state.pendingOverlayInplane, 1);
@@ -238,21 +202,13 @@ TEST_F(VolumeLoopTest, TypeWithoutReaderEndsTheProgram) {
     EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
 }
 
-TEST_F(VolumeLoopTest, GoBoxComesBeforeTheFirstFile) {
-    writeSession(4, 2, {{"ShowGODlgAfterPreparation:", "1"}});
-    messages.expectAnnouncement("Press return or click the GO button to start!");
-    session.runButtonPressed();
-    EXPECT_EQ(savedVolumes(), 2);
-}
-
 TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
     writeSession(16, 2);
     // The folder turns into a file while the run goes on; it is mended before the second attempt.
     script.atVolume = [&](int volume) {
         if (volume == 13) {
             QDir(path("results")).removeRecursively();
-            QFile blocker(path("results"));
-            ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+            put("results", "");
         }
     };
     messages.expect(MessageLevel::Warning, "ERROR: Unable to open protocol file!");
@@ -268,18 +224,17 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
     session.runButtonPressed();
     EXPECT_TRUE(mended);
     EXPECT_EQ(savedVolumes(), 14);
-    EXPECT_EQ(session.functionalDocument->project.volumes.size(), 14u);
-}
 
-TEST_F(VolumeLoopTest, ButtonPressedWhileSavingStartsNothing) {
+    // The protocol alone can't be written; the project file names it all the same.
     writeSession(16, 2);
-    display.whileSaving = [this] {
-        session.runButtonPressed();
-        EXPECT_FALSE(session.reloadData());
-    };
+    script.atVolume = nullptr;
+    ASSERT_TRUE(QFile::remove(path("results/test.prt")) && QDir().mkpath(path("results/test.prt")));
+    messages.expect(MessageLevel::Warning, "ERROR: Unable to open protocol file!");
+    messages.expectQuestion("WARNING: The recorded data could not be saved completely*", true);
+    messages.onQuestion = [&] { QDir().rmdir(path("results/test.prt")); };
     session.runButtonPressed();
-    EXPECT_EQ(display.calls.count("starting"), 1);
-    EXPECT_EQ(savedVolumes(), 14);
+    EXPECT_TRUE(content("results/test.fmr").contains("\"test.prt\""));
+    EXPECT_TRUE(session.reloadData());
 }
 
 TEST_F(VolumeLoopTest, TenRunsInARowStartCleanlyInOneProcess) {
@@ -288,9 +243,10 @@ TEST_F(VolumeLoopTest, TenRunsInARowStartCleanlyInOneProcess) {
         script.seed = uint16_t(run);
         script.lastVolume = run % 3 == 1 ? 10 : 1000;
         if (run % 3 == 1)
-            messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
+            expectMissingVolume();
         session.runButtonPressed();
         EXPECT_EQ(savedVolumes(), run % 3 == 1 ? 11 : 18 + run);
+        EXPECT_EQ(display.calls.last(), "ended");
         EXPECT_EQ(session.state.interruptedAtVolume, -1);
     }
 }

@@ -68,6 +68,16 @@ protected:
         return text + "FlipSliceOrderInVolumeView: 3 IntraSessionMotionCorrection: 0 "
                       "OverlayOnVMRMode: 0 OverlayOnSRFMode: 0 FeedbackTargetFolder: \"./fb\"";
     }
+    static QString geometryText() {
+        return "InplaneFoVX: 128 InplaneFoVY: 96 SliceThickness: 3.5 GapThickness: 0";
+    }
+    static QString dicomText(const QString& firstName, const QString& delimiter = "-") {
+        return QString(
+                   "FirstFileName: \"%1\" DicomNameDelimiter: \"%2\" DicomNameExtension: \"dcm\" "
+                   "DicomFirstVolumeNr: 9 DicomFirstImageNr: 3 ")
+                   .arg(firstName, delimiter) +
+               geometryText();
+    }
     static QString geText(int version = 4) {
         return fileText("GE_I", "GESeriesNr: 4 GEFirstImageNr: 5", version);
     }

@@ -3,11 +3,8 @@
 
 TEST_F(SettingsFile, ReadsEveryVersionAndTypeBlock) {
     const QString fields = "FirstFileName: \"abc_1234_00012.img\" ";
-    const QString geometry = "InplaneFoVX: 128 InplaneFoVY: 96 SliceThickness: 3.5 GapThickness: 0";
-    const QString dicom = fields +
-                          "DicomNameDelimiter: \"_\" DicomNameExtension: \"img\" "
-                          "DicomFirstVolumeNr: 1 DicomFirstImageNr: 3 " +
-                          geometry;
+    const QString geometry = geometryText();
+    const QString dicom = dicomText("abc_1234_00012.img", "_");
     const QString siemens = "SiemensPatientID: 5 SiemensFirstStudyNr: 6 SiemensFirstImageNr: 7";
     const struct {
         const char* type;
@@ -93,11 +90,8 @@ TEST_F(SettingsFile, ReportsAWrongKeyByUseAndKeepsWhatCameBefore) {
 }
 
 TEST_F(SettingsFile, AFileCutAtAnyTokenEndsInOneMessage) {
-    const QString block = "FirstFileName: \"s-1-1.dcm\" DicomNameDelimiter: \"-\" "
-                          "DicomNameExtension: \"dcm\" DicomFirstVolumeNr: 1 DicomFirstImageNr: 1 "
-                          "InplaneFoVX: 1 InplaneFoVY: 1 SliceThickness: 1 GapThickness: 1";
     const QString overlays =
-        fileText("SIEMENS_DICOM_MOSAIC", block)
+        fileText("SIEMENS_DICOM_MOSAIC", dicomText("s-1-1.dcm"))
             .replace("OverlayInplaneData: 0",
                      "OverlayInplaneData: 1 OverlayInplaneFolder: \"./in\" OverlayInplaneDataType: "
                      "GE_MR OverlayInplaneFirstFileName: \"E1S2I3.MR\" "

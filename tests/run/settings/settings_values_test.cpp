@@ -151,12 +151,7 @@ TEST_F(SettingsFile, DicomNamesTellPrefixVolumeAndWidth) {
                  {"", "", 9, -1}};
     for (const auto& [name, prefix, volume, width] : cases) {
         SCOPED_TRACE(name);
-        const QString block =
-            QString("FirstFileName: \"%1\" DicomNameDelimiter: \"-\" DicomNameExtension: \"dcm\" "
-                    "DicomFirstVolumeNr: 9 DicomFirstImageNr: 1 InplaneFoVX: 1 InplaneFoVY: 1 "
-                    "SliceThickness: 1 GapThickness: 1")
-                .arg(name);
-        ASSERT_TRUE(readText(fileText("DICOM", block), SettingsUse::Run));
+        ASSERT_TRUE(readText(fileText("DICOM", dicomText(name)), SettingsUse::Run));
         EXPECT_EQ(settings.dicomFilePrefix, prefix);
         EXPECT_EQ(settings.DicomFirstVolumeNr, volume);
         EXPECT_EQ(settings.dicomImageNumberWidth, width);
