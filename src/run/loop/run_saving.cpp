@@ -46,7 +46,9 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
     const int volumes = recordedVolumes(run);
     return {
         {0,
-         [&run, &document, &project] {
+         [&run, &document, &project, protocolPath = document.protocol.protocolPath] {
+             // A failed attempt clears the path, and a second one needs the name.
+             document.protocol.protocolPath = protocolPath;
              const bool written =
                  writeRecordedPRTFile(document.protocol, project.projectPath, project.targetFolder);
              updateProjectForSaving(run);

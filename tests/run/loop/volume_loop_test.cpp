@@ -268,6 +268,8 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
     session.runButtonPressed();
     EXPECT_TRUE(mended);
     EXPECT_EQ(savedVolumes(), 14);
+    EXPECT_FALSE(content("results/test.prt").isEmpty());
+    EXPECT_TRUE(content("results/test.fmr").contains("\"test.prt\""));
     EXPECT_EQ(session.functionalDocument->project.volumes.size(), 14u);
 }
 
