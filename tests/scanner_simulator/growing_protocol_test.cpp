@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scanner_simulator/protocol_files.h"
+#include "scanner_simulator/simulated_scan.h"
+
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -54,4 +58,26 @@ TEST(StimulationLog, SaysWithEachVolumeWhatBeginsWithIt) {
           "0 HEADER Condition 2 Faces Stimulus 255,130,50 Yes\n",
           "0 HEADER Contrast 2 Houses 70,150,255 Weights 3 -1 Fixation 0 Faces 1 Houses\n"})
         EXPECT_TRUE(header.contains(row)) << row;
+}
+
+TEST(GrowingProtocol, StaysTheFileThatAWaitingProgramHasOpened) {
+    const QTemporaryDir folder;
+    SimulationOptions options = shortRun();
+    options.folder = folder.path();
+    options.protocol = ProtocolKind::Rtp;
+    const SimulatedScan scan(options);
+    ASSERT_TRUE(scan.writeProtocolHeader());
+    QFile opened(folder.filePath(protocolFileName(options)));
+    ASSERT_TRUE(opened.open(QIODevice::ReadOnly));
+    const QByteArray header = opened.readAll();
+
+    ASSERT_TRUE(scan.writeProtocolHeader());
+    ASSERT_TRUE(scan.appendProtocol(0));
+    EXPECT_EQ(opened.readAll(), "SCAN BEGIN\n");
+
+    // That of an earlier run is begun anew.
+    ASSERT_TRUE(scan.writeProtocolHeader());
+    QFile again(opened.fileName());
+    ASSERT_TRUE(again.open(QIODevice::ReadOnly));
+    EXPECT_EQ(again.readAll(), header);
 }

@@ -5,6 +5,7 @@
 #include "base/paths.h"
 
 #include <QDir>
+#include <QFile>
 
 namespace {
 
@@ -214,7 +215,11 @@ QByteArray protocolLines(const ProtocolSource& source, int volume) {
 }
 
 bool writeProtocolHeader(const ProtocolSource& source) {
-    return QDir().mkpath(source.options.folder) &&
-           writeFileAtomically(paths::join(source.options.folder, protocolFileName(source.options)),
-                               protocolHeader(source));
+    const QString path = paths::join(source.options.folder, protocolFileName(source.options));
+    const QByteArray header = protocolHeader(source);
+    // A program that waits for the scan has the file open and would never see one in its place.
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly) && file.size() == header.size() && file.readAll() == header)
+        return true;
+    return QDir().mkpath(source.options.folder) && writeFileAtomically(path, header);
 }

@@ -37,5 +37,6 @@ struct ProtocolSource {
 [[nodiscard]] QByteArray protocolHeader(const ProtocolSource& source);
 /// What is appended to it when a volume is there; nothing for a complete protocol.
 [[nodiscard]] QByteArray protocolLines(const ProtocolSource& source, int volume);
-/// Writes what stands in the file before the run, into the session folder. False when that fails.
+/// Writes what stands in the file before the run, into the session folder; a file that holds just
+/// that stays. False when that fails.
 [[nodiscard]] bool writeProtocolHeader(const ProtocolSource& source);
