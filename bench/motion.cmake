@@ -1,3 +1,6 @@
 add_executable(bench_motion bench_motion.cpp)
 target_include_directories(bench_motion PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(bench_motion PRIVATE volume)
+add_executable(bench_motion_accuracy bench_motion_accuracy.cpp)
+target_include_directories(bench_motion_accuracy PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(bench_motion_accuracy PRIVATE volume simulator_core)

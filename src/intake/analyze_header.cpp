@@ -18,6 +18,10 @@ private:
     void takeOne(int16_t& field) { field = reader_.i16(); }
     void takeOne(int32_t& field) { field = reader_.i32(); }
     void takeOne(float& field) { field = reader_.f32(); }
+    // In one piece: the optimiser makes a loop over characters into one that GCC warns of.
+    template<size_t count> void takeOne(std::array<char, count>& text) {
+        std::ranges::copy(reader_.take(count), text.begin());
+    }
     template<typename T, size_t count> void takeOne(std::array<T, count>& fields) {
         for (T& field : fields)
             takeOne(field);

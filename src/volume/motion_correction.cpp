@@ -6,12 +6,16 @@
 bool MotionCorrection::allocateMotionParameters(int nrOfVolumes) {
     for (ZeroedBuffer<float>& values : motionParameters) {
         if (!values.allocate(size_t(std::max(nrOfVolumes, 0)))) {
-            for (ZeroedBuffer<float>& array : motionParameters)
-                array.release();
+            releaseMotionParameters();
             return false;
         }
     }
     return true;
+}
+
+void MotionCorrection::releaseMotionParameters() {
+    for (ZeroedBuffer<float>& values : motionParameters)
+        values.release();
 }
 
 void MotionCorrection::setMotionTarget(const FMRProject& project) {
@@ -24,12 +28,12 @@ bool MotionCorrection::prepare(const FMRProject& project) {
     if (motionTarget.size() != grid_.samples() || motionTarget.empty())
         return false;
     if (!motionResampled_.allocate(grid_.samples())) {
-        showWarning("ERROR: Insufficient memory for creating VTC volume!");
+        showWarningAside("ERROR: Insufficient memory for creating VTC volume!");
         return false;
     }
     if (!allocateMotionParameters(project.NrOfVolumes) ||
         !evaluator_.setTarget(grid_, motionTarget.span())) {
-        showWarning("ERROR: Insufficient memory for creating volume for motion correction!");
+        showWarningAside("ERROR: Insufficient memory for creating volume for motion correction!");
         return false;
     }
     return true;

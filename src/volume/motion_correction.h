@@ -17,13 +17,14 @@ public:
 
     /// Zeroed arrays of this length. False, with all of them empty, when memory runs out.
     [[nodiscard]] bool allocateMotionParameters(int nrOfVolumes);
+    void releaseMotionParameters();
 
     /// Copies volume 0 of the run into the allocated target.
     void setMotionTarget(const FMRProject& project);
 
     /// Corrects volume `v`, from 1 on and in order, in place. It stays as it is, with its
-    /// parameters 0, after a message when memory runs out (at volume 1, for the whole run) or the
-    /// log can't be written.
+    /// parameters 0, when memory runs out (at volume 1, for the whole run) or the log can't be
+    /// opened. The operator is told in a box that doesn't stop the run.
     ///
     /// A fit that fails sets `motionCorrectionFailed` and counts as no motion. While it is set, by
     /// whichever volume or run, volumes are moved by their start values, without a fit.

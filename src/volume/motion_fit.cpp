@@ -29,6 +29,7 @@ public:
     int voxelsUsed = 0;        ///< by the evaluation of the last step
 
 private:
+    [[nodiscard]] bool hasCurvature() const;
     [[nodiscard]] bool solve(double damping, MotionParameters& change) const;
     void giveUp() {
         failed_ = true;
@@ -40,11 +41,13 @@ private:
     MotionEquations best_;
 };
 
-/// The curvature is singular when it is all zeros, or when the data tell nothing about some motion.
+bool MotionSolver::hasCurvature() const {
+    return std::ranges::any_of(best_.curvature, [](double value) { return value != 0.0; });
+}
+
+/// False when the data tell nothing about some motion.
 bool MotionSolver::solve(double damping, MotionParameters& change) const {
     auto curvature = best_.curvature;
-    if (std::ranges::all_of(curvature, [](double value) { return value == 0.0; }))
-        return false;
     for (size_t i = 0; i < nrOfMotionParameters; ++i)
         curvature[i * nrOfMotionParameters + i] *= 1.0 + damping;
     change = best_.gradient;
@@ -62,14 +65,19 @@ void MotionSolver::levenbergMarquardtStep(double& damping) {
         sumOfSquares = best_.sumOfSquares;
         voxelsUsed = best_.voxelsUsed;
     }
+    if (!hasCurvature()) {
+        giveUp();
+        return;
+    }
+    // Nothing reads the covariance, so it is not computed: where the damping alone made the
+    // equations solvable, it has no value, and the parameters are good all the same.
+    if (damping == finish)
+        return;
     MotionParameters change;
     if (!solve(damping, change)) {
         giveUp();
         return;
     }
-    // All six parameters are free, so that the inverse is the covariance as it stands.
-    if (damping == finish)
-        return;
     MotionParameters trial = parameters;
     for (size_t i = 0; i < nrOfMotionParameters; ++i)
         trial[i] += change[i];

@@ -32,7 +32,7 @@ struct MotionFit {
 
 /// Fits the parameters, at most 11 steps from the start values (D. Marquardt, Journal of the SIAM
 /// 11, 1963, 431-441). `motionCorrectionFailed` is set, and the result is no motion, when nothing
-/// can be fitted: no voxel is used, no voxel has a gradient, or the equations have no single
+/// can be fitted: no voxel is used, no voxel has a gradient, or the damped equations have no single
 /// solution. While it is set the result is the start values.
 [[nodiscard]] MotionFit fitMotion(const MotionEvaluation& evaluate, const MotionParameters& start,
                                   bool& motionCorrectionFailed);

@@ -201,10 +201,8 @@ bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header, Volu
         (perSlice ? available - sliceFileHeaderBytes < series
                   : available / series < header.NrOfSlices))
         return failShort(nameOf(0));
-    if (!samples.allocate(header.volumeSamples())) {
-        showCritical("ERROR: Insufficient memory for reading a volume!");
-        return false;
-    }
+    if (!samples.allocate(header.volumeSamples()))
+        return fail("FATAL ERROR: Can not get enough memory to continue !");
     for (int slice = 0; slice < header.NrOfSlices; ++slice) {
         QFile file(nameOf(slice));
         if (!file.open(QIODevice::ReadOnly))

@@ -31,8 +31,8 @@
 [[nodiscard]] bool readSTCData(FMRProject& project);
 
 /// Reads one volume, from 0, of another run, whose header is `targetFMR` and whose data stand
-/// beside it. `header` receives the other run's header. A missing or short data file, or a volume
-/// that the run doesn't have, ends the program with status 1 after a message.
+/// beside it. `header` receives the other run's header. A missing or short data file, a volume that
+/// the run doesn't have, or a shortage of memory ends the program with status 1 after a message.
 [[nodiscard]] bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header,
                                  Volume& samples);
 

@@ -45,8 +45,8 @@ TEST(GLMAccuracy, RecursionAndBatchAgreeWithLeastSquares) {
                 continue;
             const ExactFit exact(run, run.glm.ActivePredictors, v, nrOfVolumes);
             for (size_t j = 0; j < 5; ++j)
-                expectClose(run.glm.row(int(j))[v], double(exact.betas[j]), effectScale, "beta", v);
-            expectClose(run.glm.row(5)[v], double(exact.rss), 0.0, "RSS", v);
+                expectClose(run.glm.row(int(j))[v], exact.betas[j], effectScale, "beta", v);
+            expectClose(run.glm.row(5)[v], exact.rss, 0.0, "RSS", v);
             expectClose(double(run.maps.ContrastMaps[0][v]), exact.t({1, -1, 2, 0, 0}, nrOfVolumes),
                         tScale, "t", v);
         }
@@ -69,8 +69,8 @@ TEST(GLMAccuracy, CollinearPredictorsShareTheirWeight) {
         // has the distribution of that one, but one degree of freedom is counted for each.
         const ExactFit exact(run, {0, 2, 3}, v, nrOfVolumes);
         for (const int j : {0, 1})
-            expectClose(run.glm.row(j)[v], double(exact.betas[0]) / 2, effectScale, "beta", v);
-        expectClose(run.glm.row(4)[v], double(exact.rss), 0.0, "RSS", v);
+            expectClose(run.glm.row(j)[v], exact.betas[0] / 2, effectScale, "beta", v);
+        expectClose(run.glm.row(4)[v], exact.rss, 0.0, "RSS", v);
         const double freedom = std::sqrt((nrOfVolumes - 4.0) / (nrOfVolumes - 3.0));
         expectClose(double(run.maps.ContrastMaps[0][v]), exact.t({1, -1, 0}, nrOfVolumes) * freedom,
                     1.0, "t", v);

@@ -1,8 +1,9 @@
-// A small run with noise for tests of the model, and its least squares in extended precision.
+// A small run with noise for tests of the model, and its least squares in double precision.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "stats/incremental_glm.h"
+#include "stats/numerics/linear_systems.h"
 
 #include <cmath>
 #include <random>
@@ -88,38 +89,30 @@ struct GLMTestRun {
     }
 };
 
-/// Ordinary least squares by the normal equations in long double.
+/// Ordinary least squares by the normal equations, in double and without the decomposition that the
+/// program's solutions rest on.
 struct ExactFit {
-    std::vector<long double> betas;
-    long double rss = 0;
+    std::vector<double> betas;
+    double rss = 0;
 
     ExactFit(const GLMTestRun& run, const std::vector<int>& columns, size_t voxel, int n)
-        : p(columns.size()), a(p, std::vector<long double>(2 * p + 1, 0)) {
+        : betas(columns.size()), inverse_(columns.size() * columns.size()) {
+        const size_t p = columns.size();
         const auto x = [&](size_t t, size_t j) {
-            return (long double)(run.design.PredictorColumns[size_t(columns[j])][t]);
+            return double(run.design.PredictorColumns[size_t(columns[j])][t]);
         };
-        for (size_t i = 0; i < p; ++i) {
-            a[i][p + i] = 1;
-            for (size_t t = 0; t < size_t(n); ++t) {
-                a[i][2 * p] += x(t, i) * run.project.volumes[t][voxel];
+        for (size_t t = 0; t < size_t(n); ++t) {
+            const double y = double(run.project.volumes[t][voxel]);
+            for (size_t i = 0; i < p; ++i) {
+                betas[i] += x(t, i) * y;
                 for (size_t j = 0; j < p; ++j)
-                    a[i][j] += x(t, i) * x(t, j);
+                    inverse_[i * p + j] += x(t, i) * x(t, j);
             }
         }
-        // Gauss-Jordan; designs here are well enough conditioned without pivots.
-        for (size_t i = 0; i < p; ++i) {
-            const long double pivot = a[i][i];
-            for (long double& value : a[i])
-                value /= pivot;
-            for (size_t k = 0; k < p; ++k)
-                if (const long double factor = a[k][i]; k != i)
-                    for (size_t j = 0; j < a[k].size(); ++j)
-                        a[k][j] -= factor * a[i][j];
-        }
-        for (size_t i = 0; i < p; ++i)
-            betas.push_back(a[i][2 * p]);
+        EXPECT_EQ(numerics::eliminateGaussJordan(inverse_, int(p), betas, 1),
+                  numerics::Elimination::Done);
         for (size_t t = 0; t < size_t(n); ++t) {
-            long double e = run.project.volumes[t][voxel];
+            double e = double(run.project.volumes[t][voxel]);
             for (size_t j = 0; j < p; ++j)
                 e -= x(t, j) * betas[j];
             rss += e * e;
@@ -127,17 +120,17 @@ struct ExactFit {
     }
 
     [[nodiscard]] double t(const std::vector<int>& contrast, int n) const {
-        long double effect = 0;
-        long double variance = 0;
+        const size_t p = betas.size();
+        double effect = 0;
+        double variance = 0;
         for (size_t i = 0; i < p; ++i) {
             effect += contrast[i] * betas[i];
             for (size_t j = 0; j < p; ++j)
-                variance += contrast[i] * a[i][p + j] * contrast[j];
+                variance += contrast[i] * inverse_[i * p + j] * contrast[j];
         }
-        return double(effect / std::sqrt(variance * rss / (n - (long double)(p))));
+        return effect / std::sqrt(variance * rss / (n - double(p)));
     }
 
 private:
-    size_t p;
-    std::vector<std::vector<long double>> a; ///< [X'X | I | X'y], reduced to [I | inverse | betas]
+    std::vector<double> inverse_;
 };

@@ -11,58 +11,33 @@
 /// Where the head lies, as the fit describes it: result(p) = source(M p).
 class HeadVolume {
 public:
-    explicit HeadVolume(const VolumeGrid& grid, unsigned seed = 1) : grid_(grid) {
-        std::mt19937 random(seed);
-        const auto between = [&](double low, double high) {
-            return low + (high - low) * double(random()) / 4294967295.0;
-        };
+    /// Heads of different seeds differ in their texture.
+    explicit HeadVolume(const VolumeGrid& grid, unsigned seed = 1) : grid_(grid), seed_(seed) {
         // Longer from front to back than wide, as heads are.
         const std::array<double, 3> part{0.36, 0.45, 0.45};
         for (size_t axis = 0; axis < 3; ++axis)
             extent_[axis] = part[axis] * double(grid.spacing[axis]) * grid.size[axis];
-        for (Wave& wave : waves_) {
-            double length = 0.0;
-            for (double& component : wave.direction) {
-                component = between(-1.0, 1.0);
-                length += component * component;
-            }
-            const double turnsPerMillimetre = 1.0 / between(14.0, 40.0);
-            for (double& component : wave.direction)
-                component *= 2.0 * std::numbers::pi * turnsPerMillimetre / std::sqrt(length);
-            wave.phase = between(0.0, 2.0 * std::numbers::pi);
-        }
     }
 
     /// The volume that the transformation brings back to rest, with noise of this deviation.
     void fill(const RigidTransformation& t, double noise, unsigned seed,
               std::span<int16_t> samples) const {
         std::mt19937 random(seed);
+        std::normal_distribution<double> gaussian(0.0, noise + 1e-9);
         size_t i = 0;
         for (int z = 0; z < grid_.size[2]; ++z)
             for (int y = 0; y < grid_.size[1]; ++y)
                 for (int x = 0; x < grid_.size[0]; ++x, ++i) {
-                    const double value = signal(atRest(t, {double(grid_.position(0, x)),
-                                                           double(grid_.position(1, y)),
-                                                           double(grid_.position(2, z))})) +
-                                         noise * gaussian(random);
-                    samples[i] = int16_t(std::lround(std::abs(value)));
+                    const double value = signal(
+                        atRest(t, {double(grid_.position(0, x)), double(grid_.position(1, y)),
+                                   double(grid_.position(2, z))}));
+                    samples[i] = int16_t(std::lround(std::abs(value + gaussian(random))));
                 }
     }
 
 private:
     using Point = std::array<double, 3>;
-    struct Wave {
-        Point direction; ///< radians for a millimetre
-        double phase;
-    };
 
-    /// Twelve uniform numbers make a normal one, the same on every system.
-    static double gaussian(std::mt19937& random) {
-        double sum = -6.0;
-        for (int k = 0; k < 12; ++k)
-            sum += double(random()) / 4294967295.0;
-        return sum;
-    }
     static void turn(double& a, double& b, double degrees) {
         const double angle = degrees * std::numbers::pi / 180.0;
         const double before = a;
@@ -78,21 +53,21 @@ private:
         return p;
     }
     double signal(const Point& p) const {
-        double radius = 0.0;
-        for (size_t axis = 0; axis < 3; ++axis)
-            radius += p[axis] / extent_[axis] * p[axis] / extent_[axis];
-        radius = std::sqrt(radius);
-        // From tissue to air over about two voxels.
-        const double edge = 2.0 * double(grid_.spacing[0]) / extent_[0];
-        const double inside = 1.0 / (1.0 + std::exp((radius - 1.0) / (0.25 * edge)));
+        // Waves of 14 to 40 mm, in radians for a millimetre.
+        static constexpr double waves[6][3] = {{0.21, 0.14, -0.08}, {-0.10, 0.28, 0.17},
+                                               {0.05, -0.12, 0.19}, {0.31, -0.06, 0.22},
+                                               {-0.13, 0.02, 0.11}, {0.09, 0.33, -0.27}};
         double value = 900.0;
-        for (const Wave& wave : waves_)
-            value += 70.0 * std::sin(wave.direction[0] * p[0] + wave.direction[1] * p[1] +
-                                     wave.direction[2] * p[2] + wave.phase);
-        return value * inside;
+        for (const auto& wave : waves)
+            value += 80.0 * std::sin(wave[0] * p[0] + wave[1] * p[1] + wave[2] * p[2] +
+                                     seed_ * 40.0 * wave[0]);
+        // From tissue to air over about two voxels.
+        const double radius = std::hypot(p[0] / extent_[0], p[1] / extent_[1], p[2] / extent_[2]);
+        const double edge = 2.0 * double(grid_.spacing[0]) / extent_[0];
+        return value / (1.0 + std::exp((radius - 1.0) / (0.25 * edge)));
     }
 
     VolumeGrid grid_;
+    unsigned seed_;
     Point extent_{};
-    std::array<Wave, 8> waves_{};
 };

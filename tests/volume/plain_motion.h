@@ -1,5 +1,5 @@
-// Motion correction in its plain form: the whole volume is resampled, and six gradient volumes are
-// filled, at each evaluation. The program's form must give the same bits.
+// Motion correction in its plain form: the whole volume is resampled at each evaluation. The
+// program's form must give the same bits.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -16,33 +16,29 @@ public:
 
     const std::vector<int16_t>& resample(const RigidTransformation& t) {
         const C3dMatrix matrix = t.matrix();
+        const auto millimetres = [&](size_t axis, int index) {
+            return (float(index) - half(axis)) * grid_.spacing[axis];
+        };
         for (int z = 0; z < grid_.size[2]; ++z)
             for (int y = 0; y < grid_.size[1]; ++y)
                 for (int x = 0; x < grid_.size[0]; ++x) {
-                    const C3dVector point{position(0, x), position(1, y), position(2, z)};
-                    const C3dVector from = matrix * point;
-                    resampled_[at(x, y, z)] =
-                        sample({voxel(0, from.x), voxel(1, from.y), voxel(2, from.z)});
+                    const C3dVector from =
+                        matrix * C3dVector{millimetres(0, x), millimetres(1, y), millimetres(2, z)};
+                    resampled_[at(x, y, z)] = sample({from.x / grid_.spacing[0] + half(0),
+                                                      from.y / grid_.spacing[1] + half(1),
+                                                      from.z / grid_.spacing[2] + half(2)});
                 }
         return resampled_;
     }
 
     void evaluate(const RigidTransformation& t, MotionEquations& equations) {
-        computeMotionGradients(t);
+        resample(t);
         equations = {};
-        forEachSampled([&](size_t voxel, const std::array<int, 3>&) {
-            const double d = double(target_[voxel]) - resampled_[voxel];
-            double derivative[6];
-            for (size_t k = 0; k < 6; ++k)
-                derivative[k] = -double(gradients_[k][voxel]);
-            for (size_t j = 0; j < 6; ++j) {
-                for (size_t k = 0; k <= j; ++k)
-                    equations.curvature[j * 6 + k] += derivative[j] * derivative[k];
-                equations.gradient[j] += derivative[j] * d;
-            }
-            equations.sumOfSquares += d * d;
-            ++equations.voxelsUsed;
-        });
+        for (int z = 1; z < grid_.size[2] - 1; z += step(2))
+            for (int y = 2; y < grid_.size[1] - 2; y += step(1))
+                for (int x = 2; x < grid_.size[0] - 2; x += step(0))
+                    if (target_[at(x, y, z)] > 100 && resampled_[at(x, y, z)] > 100)
+                        addVoxel({x, y, z}, t, equations);
         for (size_t j = 0; j < 6; ++j)
             for (size_t k = j + 1; k < 6; ++k)
                 equations.curvature[j * 6 + k] = equations.curvature[k * 6 + j];
@@ -52,12 +48,8 @@ private:
     size_t at(int x, int y, int z) const {
         return (size_t(z) * size_t(grid_.size[1]) + size_t(y)) * size_t(grid_.size[0]) + size_t(x);
     }
-    float position(size_t axis, int index) const {
-        return (float(index) - float(grid_.size[axis] - 1) / 2.0f) * grid_.spacing[axis];
-    }
-    float voxel(size_t axis, float millimetres) const {
-        return millimetres / grid_.spacing[axis] + float(grid_.size[axis] - 1) / 2.0f;
-    }
+    float half(size_t axis) const { return float(grid_.size[axis] - 1) / 2.0f; }
+    int step(size_t axis) const { return grid_.size[axis] < 32 ? 1 : grid_.size[axis] / 16; }
 
     int16_t sample(const std::array<float, 3>& point) const {
         int whole[3], nearest[3];
@@ -86,43 +78,36 @@ private:
         return int16_t(std::floor(double(near + part[2] * (far - near)) + 0.5));
     }
 
-    template<typename Work> void forEachSampled(const Work& work) const {
-        const std::array<int, 3> border{2, 2, 1};
-        std::array<int, 3> step{};
-        for (size_t axis = 0; axis < 3; ++axis)
-            step[axis] = grid_.size[axis] < 32 ? 1 : grid_.size[axis] / 16;
-        for (int z = border[2]; z < grid_.size[2] - border[2]; z += step[2])
-            for (int y = border[1]; y < grid_.size[1] - border[1]; y += step[1])
-                for (int x = border[0]; x < grid_.size[0] - border[0]; x += step[0])
-                    if (target_[at(x, y, z)] > 100 && resampled_[at(x, y, z)] > 100)
-                        work(at(x, y, z), std::array{x, y, z});
-    }
-
-    void computeMotionGradients(const RigidTransformation& t) {
-        resample(t);
-        for (std::vector<float>& volume : gradients_)
-            volume.assign(grid_.samples(), 0.0f);
+    void addVoxel(const std::array<int, 3>& index, const RigidTransformation& t,
+                  MotionEquations& equations) const {
+        const size_t voxel = at(index[0], index[1], index[2]);
         const float translation[3] = {t.tx, t.ty, t.tz};
         const size_t neighbour[3] = {1, at(0, 1, 0), at(0, 0, 1)};
-        forEachSampled([&](size_t voxel, const std::array<int, 3>& index) {
-            float g[3], c[3];
-            for (size_t axis = 0; axis < 3; ++axis) {
-                g[axis] = float(2 * (resampled_[voxel + neighbour[axis]] -
-                                     resampled_[voxel - neighbour[axis]]));
-                gradients_[axis][voxel] = 0.5f * g[axis];
-                c[axis] = float(index[axis]) - float(grid_.size[axis]) * 0.5f + translation[axis];
-                c[axis] =
-                    std::abs(c[axis]) < 2.0f ? 0.0f : c[axis] / float(grid_.size[axis]) * 2.0f;
-            }
-            gradients_[3][voxel] = c[2] * g[1] - c[1] * g[2];
-            gradients_[4][voxel] = c[0] * g[2] - c[2] * g[0];
-            gradients_[5][voxel] = c[1] * g[0] - c[0] * g[1];
-        });
+        float g[3], c[3];
+        for (size_t axis = 0; axis < 3; ++axis) {
+            g[axis] = float(
+                2 * (resampled_[voxel + neighbour[axis]] - resampled_[voxel - neighbour[axis]]));
+            c[axis] = float(index[axis]) - float(grid_.size[axis]) * 0.5f + translation[axis];
+            c[axis] = std::abs(c[axis]) < 2.0f ? 0.0f : c[axis] / float(grid_.size[axis]) * 2.0f;
+        }
+        const float gradient[6] = {0.5f * g[0],
+                                   0.5f * g[1],
+                                   0.5f * g[2],
+                                   c[2] * g[1] - c[1] * g[2],
+                                   c[0] * g[2] - c[2] * g[0],
+                                   c[1] * g[0] - c[0] * g[1]};
+        const double d = double(target_[voxel]) - resampled_[voxel];
+        for (size_t j = 0; j < 6; ++j) {
+            for (size_t k = 0; k <= j; ++k)
+                equations.curvature[j * 6 + k] += double(gradient[j]) * double(gradient[k]);
+            equations.gradient[j] -= double(gradient[j]) * d;
+        }
+        equations.sumOfSquares += d * d;
+        ++equations.voxelsUsed;
     }
 
     VolumeGrid grid_;
     std::span<const int16_t> target_;
     std::span<const int16_t> source_;
     std::vector<int16_t> resampled_;
-    std::array<std::vector<float>, 6> gradients_;
 };

@@ -14,42 +14,54 @@ QStringList parameterNames() {
             "X rotation [deg]",   "Y rotation [deg]",   "Z rotation [deg]"};
 }
 
-/// What is wrong with a file; empty when its values can be taken.
-QString problemOf(RTCParseResult result, const RTCFile& file) {
-    if (file.version != 2)
+int keyedInteger(TokenStream& stream) {
+    stream.word();
+    return stream.integer();
+}
+
+/// What an operator is told of a file whose head is no good, in the order in which it is read. The
+/// keys are not looked at.
+QString problemOfHead(TokenStream& stream) {
+    if (keyedInteger(stream) != 2)
         return "ERROR: RTC file version not supported !";
-    if (file.type != "DesignMatrix")
+    stream.word();
+    if (stream.word() != "DesignMatrix")
         return "ERROR: RTC does not contain a design matrix definition !";
-    // Names and columns of an incomplete file may be missing.
-    if (result == RTCParseResult::Ok && file.columns.size() != nrOfMotionParameters)
+    if (keyedInteger(stream) != int(nrOfMotionParameters))
         return "ERROR: RTC must contain 6 predictors (3 translations and 3 rotations).";
-    if (result != RTCParseResult::Ok)
-        return "ERROR: The .rtc file with motion correction parameters is not complete !";
     return {};
 }
 
-bool readMotionParameters(MotionCorrection& motion, const FMRProject& project) {
+/// False when names or values are missing.
+bool readValues(TokenStream& stream, MotionCorrection& motion) {
+    QString name;
+    for (size_t i = 0; i < nrOfMotionParameters; ++i)
+        if (!readDelimitedString('"', name, stream))
+            return false;
+    for (size_t v = 0; v < motion.motionParameters[0].size(); ++v)
+        for (ZeroedBuffer<float>& values : motion.motionParameters)
+            values[v] = float(stream.real());
+    return !stream.failed();
+}
+
+/// False, with what to tell; that is empty for a file of another number of volumes.
+bool readMotionParameters(MotionCorrection& motion, const FMRProject& project, QString& problem) {
     QString text;
     if (!readTextFile(motionParametersFileName(project), text)) {
-        showWarning("ERROR: Can not open .rtc file for loading motion correction parameters !");
+        problem = "ERROR: Can not open .rtc file for loading motion correction parameters !";
         return false;
     }
-    RTCFile file;
-    const RTCParseResult result = parseRTC(text, file);
-    const QString problem = problemOf(result, file);
-    if (!problem.isEmpty()) {
-        showWarning(problem);
-        return false;
-    }
-    if (file.nrOfDataPoints != project.NrOfVolumes)
+    TokenStream stream(text);
+    problem = problemOfHead(stream);
+    if (!problem.isEmpty() || keyedInteger(stream) != project.NrOfVolumes)
         return false;
     if (!motion.allocateMotionParameters(project.NrOfVolumes)) {
-        showWarning("ERROR: Insufficient memory!");
+        problem = "ERROR: Insufficient memory!";
         return false;
     }
-    for (size_t i = 0; i < nrOfMotionParameters; ++i)
-        std::ranges::copy(file.columns[i], motion.motionParameters[i].data());
-    return true;
+    if (!readValues(stream, motion))
+        problem = "ERROR: The .rtc file with motion correction parameters is not complete !";
+    return problem.isEmpty();
 }
 
 } // namespace
@@ -76,8 +88,11 @@ bool saveMotionParameters(const MotionCorrection& motion, const FMRProject& proj
 
 bool loadMotionParameters(MotionCorrection& motion, const FMRProject& project,
                           bool& motionCorrection) {
-    if (readMotionParameters(motion, project))
-        return true;
-    motionCorrection = false;
-    return false;
+    QString problem;
+    motionCorrection = readMotionParameters(motion, project, problem);
+    if (!motionCorrection)
+        motion.releaseMotionParameters();
+    if (!problem.isEmpty())
+        showWarning(problem);
+    return motionCorrection;
 }

@@ -14,7 +14,7 @@
                                         int nrOfVolumes);
 
 /// Reads them back; the file must state as many volumes as the project. On a failure
-/// `motionCorrection`, the setting, is cleared and the parameters stay as they are: a file of
-/// another number of volumes passes in silence, everything else is told.
+/// `motionCorrection`, the setting, is cleared and there are no parameters: a file of another
+/// number of volumes passes in silence, everything else is told.
 [[nodiscard]] bool loadMotionParameters(MotionCorrection& motion, const FMRProject& project,
                                         bool& motionCorrection);

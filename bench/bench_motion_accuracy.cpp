@@ -1,0 +1,272 @@
+// How near motion correction comes to the truth on simulated heads, and what that depends on.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/text_reading.h"
+#include "scanner_simulator/simulated_scan.h"
+#include "volume/head_volume.h"
+#include "volume/load_fmr_project.h"
+#include "volume/motion_evaluation.h"
+
+#include <cstdio>
+#include <functional>
+#include <utility>
+
+namespace {
+
+/// How differences are summed. The program's way is the first; the others tell what it costs.
+struct Variant {
+    const char* name;
+    bool allVoxels;       ///< in place of the sparse grid
+    bool trueDerivatives; ///< of the moved volume by millimetres and degrees
+    bool means;           ///< steps are judged by the mean of the squares in place of their sum
+};
+constexpr Variant variants[] = {
+    {"the program", false, false, false},  {"means", false, false, true},
+    {"all voxels", true, false, false},    {"true derivatives", false, true, false},
+    {"voxels, deriv.", true, true, false}, {"all three", true, true, true}};
+
+/// A run whose motion is known.
+struct Course {
+    const char* name;
+    VolumeGrid grid;
+    int nrOfVolumes;
+    std::function<void(int volume, std::span<int16_t> samples)> measure;
+    std::function<RigidTransformation(int volume)> truth;
+};
+
+/// The evaluation that MotionEvaluator does, free to vary.
+class VariedEvaluation {
+public:
+    VariedEvaluation(const VolumeGrid& grid, std::span<const int16_t> target,
+                     const Variant& variant)
+        : grid_(grid), target_(target), variant_(variant), moved_(grid.samples()) {}
+
+    void evaluate(std::span<const int16_t> source, const RigidTransformation& t,
+                  MotionEquations& equations) {
+        resampleVolume(grid_, source, moved_, t);
+        equations = {};
+        const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
+        for (int z = 1; z < nrOfSlices - 1; z += step(nrOfSlices))
+            for (int y = 2; y < sizeY - 2; y += step(sizeY))
+                for (int x = 2; x < sizeX - 2; x += step(sizeX))
+                    addVoxel({x, y, z}, t, equations);
+        for (size_t i = 0; i < nrOfMotionParameters; ++i)
+            for (size_t j = i + 1; j < nrOfMotionParameters; ++j)
+                equations.curvature[i * nrOfMotionParameters + j] =
+                    equations.curvature[j * nrOfMotionParameters + i];
+        if (variant_.means && equations.voxelsUsed > 0)
+            equations.sumOfSquares /= std::exchange(equations.voxelsUsed, 1);
+    }
+
+private:
+    [[nodiscard]] int step(int size) const {
+        return variant_.allVoxels ? 1 : motionSamplingStep(size);
+    }
+    /// What a turn moves a voxel by, along the other two axes.
+    [[nodiscard]] double lever(size_t axis, int voxel, double translation) const {
+        if (variant_.trueDerivatives)
+            return double(grid_.position(axis, voxel)) * std::numbers::pi / 180.0;
+        const double distance = voxel - grid_.size[axis] * 0.5 + translation;
+        return std::abs(distance) < 2.0 ? 0.0 : distance / grid_.size[axis] * 2.0;
+    }
+    void addVoxel(const std::array<int, 3>& at, const RigidTransformation& t,
+                  MotionEquations& equations) {
+        const size_t row = size_t(grid_.size[0]);
+        const size_t slice = row * size_t(grid_.size[1]);
+        const size_t voxel = size_t(at[2]) * slice + size_t(at[1]) * row + size_t(at[0]);
+        if (target_[voxel] <= 100 || moved_[voxel] <= 100)
+            return;
+        const size_t neighbour[3] = {1, row, slice};
+        const double translation[3] = {double(t.tx), double(t.ty), double(t.tz)};
+        double g[3], c[3];
+        for (size_t axis = 0; axis < 3; ++axis) {
+            g[axis] = moved_[voxel + neighbour[axis]] - moved_[voxel - neighbour[axis]];
+            if (variant_.trueDerivatives)
+                g[axis] /= 2.0 * double(grid_.spacing[axis]);
+            c[axis] = lever(axis, at[axis], translation[axis]);
+        }
+        const double turned = variant_.trueDerivatives ? 1.0 : 2.0;
+        const MotionParameters derivative{-g[0],
+                                          -g[1],
+                                          -g[2],
+                                          turned * (c[1] * g[2] - c[2] * g[1]),
+                                          turned * (c[2] * g[0] - c[0] * g[2]),
+                                          turned * (c[0] * g[1] - c[1] * g[0])};
+        const double d = double(target_[voxel]) - moved_[voxel];
+        for (size_t i = 0; i < nrOfMotionParameters; ++i) {
+            for (size_t j = 0; j <= i; ++j)
+                equations.curvature[i * nrOfMotionParameters + j] += derivative[i] * derivative[j];
+            equations.gradient[i] += derivative[i] * d;
+        }
+        equations.sumOfSquares += d * d;
+        ++equations.voxelsUsed;
+    }
+
+    VolumeGrid grid_;
+    std::span<const int16_t> target_;
+    Variant variant_;
+    std::vector<int16_t> moved_;
+};
+
+std::array<double, nrOfMotionParameters> asArray(const RigidTransformation& t) {
+    return {double(t.tx), double(t.ty), double(t.tz), double(t.rx), double(t.ry), double(t.rz)};
+}
+
+struct Errors {
+    std::array<double, nrOfMotionParameters> of{}; ///< mean of each parameter
+    double mean[2] = {}; ///< of translations, in millimetres, and of rotations, in degrees
+    double largest[2] = {};
+    double steps = 0.0;
+};
+
+Errors follow(const Course& course, const Variant& variant) {
+    std::vector<int16_t> target(course.grid.samples()), source(course.grid.samples());
+    course.measure(0, target);
+    VariedEvaluation evaluation(course.grid, target, variant);
+    std::array<double, nrOfMotionParameters> found{};
+    Errors errors;
+    for (int v = 1; v < course.nrOfVolumes; ++v) {
+        course.measure(v, source);
+        MotionParameters start{};
+        for (size_t i = 0; i < nrOfMotionParameters; ++i)
+            start[i] = double(0.9f * float(found[i]));
+        bool failed = false;
+        const MotionFit fit = fitMotion(
+            [&](const RigidTransformation& t, MotionEquations& equations) {
+                evaluation.evaluate(source, t, equations);
+            },
+            start, failed);
+        found = asArray(fit.transformation);
+        const std::array<double, nrOfMotionParameters> truth = asArray(course.truth(v));
+        for (size_t i = 0; i < nrOfMotionParameters; ++i) {
+            const double error = std::abs(found[i] - truth[i]);
+            errors.of[i] += error / (course.nrOfVolumes - 1);
+            errors.mean[i / 3] += error / (3 * (course.nrOfVolumes - 1));
+            errors.largest[i / 3] = std::max(errors.largest[i / 3], error);
+        }
+        errors.steps += double(fit.steps) / (course.nrOfVolumes - 1);
+    }
+    return errors;
+}
+
+/// A head of soft edges and much texture, signal 900, noise 10.
+Course smoothHead(const char* name, const VolumeGrid& grid,
+                  const std::function<RigidTransformation(float part)>& motion) {
+    constexpr int nrOfVolumes = 40;
+    const auto truth = [=](int v) { return motion(float(v) / (nrOfVolumes - 1)); };
+    return {name, grid, nrOfVolumes,
+            [head = HeadVolume(grid), truth](int v, std::span<int16_t> samples) {
+                head.fill(truth(v), 10.0, unsigned(v + 1), samples);
+            },
+            truth};
+}
+
+/// The transformation that brings a head of this pose back to rest.
+RigidTransformation transformationOf(const HeadPose& pose) {
+    const PoseInverse toHead(pose);
+    // Its matrix is the transpose of Rx(rx) Ry(ry) Rz(rz).
+    const Point origin = toHead({0, 0, 0}), x = toHead({1, 0, 0}), y = toHead({0, 1, 0});
+    const auto degrees = [](double radians) { return float(radians * 180.0 / std::numbers::pi); };
+    const double ry = std::asin(x.z - origin.z);
+    return {float(-pose.translation[0]),
+            float(-pose.translation[1]),
+            float(-pose.translation[2]),
+            degrees(std::asin(-(y.z - origin.z) / std::cos(ry))),
+            degrees(ry),
+            degrees(std::asin(-(x.y - origin.y) / std::cos(ry)))};
+}
+
+/// The head of the scanner simulator: sharp edges, a skull, a slow change of the signal.
+Course sharpHead(const char* name, const VolumeGrid& grid, HeadMotion motion) {
+    SimulationOptions options;
+    options.sizeX = grid.size[0];
+    options.sizeY = grid.size[1];
+    options.nrOfSlices = grid.size[2];
+    options.fieldOfView = int(std::lround(grid.spacing[0] * float(grid.size[0])));
+    options.sliceDistance = double(grid.spacing[2]);
+    options.motion = motion;
+    options.nrOfVolumes = 150;
+    options.nrOfVolumesToSkip = 0;
+    const auto scan = std::make_shared<SimulatedScan>(options);
+    return {name, grid, options.nrOfVolumes,
+            [scan](int v, std::span<int16_t> samples) {
+                std::ranges::copy(scan->volume(v), samples.begin());
+            },
+            [scan](int v) { return transformationOf(scan->pose(v)); }};
+}
+
+/// A measured run that was saved without correction, and what another program found of its motion:
+/// a line of six numbers for each volume.
+Course realRun(const QString& fmrFile, const QString& reference) {
+    const auto project = std::make_shared<FMRProject>();
+    QString text;
+    if (!loadFMRProject(*project, fmrFile, LoadData::Yes) || !readTextFile(reference, text))
+        return {};
+    std::vector<RigidTransformation> motion;
+    for (const QString& line : text.split('\n')) {
+        const QStringList values = line.simplified().split(' ');
+        const auto value = [&](int i) { return values[i].toFloat(); };
+        if (!line.startsWith('#') && values.size() >= int(nrOfMotionParameters))
+            motion.push_back({value(0), value(1), value(2), value(3), value(4), value(5)});
+    }
+    return {"measured run", VolumeGrid(*project),
+            std::min(project->NrOfVolumes, int(motion.size())),
+            [project](int v, std::span<int16_t> samples) {
+                std::ranges::copy(project->volumes[size_t(v)].span(), samples.begin());
+            },
+            [motion](int v) { return motion[size_t(v)]; }};
+}
+
+void printCourse(const Course& course, bool allVariants) {
+    for (const Variant& variant : variants) {
+        const Errors e = follow(course, variant);
+        std::printf("%3d x %3d x %2d  %-12s  %-16s  %8.3f %8.3f  %8.3f %8.3f  %5.1f\n",
+                    course.grid.size[0], course.grid.size[1], course.grid.size[2], course.name,
+                    variant.name, e.mean[0], e.mean[1], e.largest[0], e.largest[1], e.steps);
+        if (allVariants) {
+            std::printf("    mean of each:");
+            for (const double error : e.of)
+                std::printf(" %.3f", error);
+            std::printf("\n");
+        }
+        if (!allVariants)
+            return;
+    }
+}
+
+void printSize(std::array<int, 3> voxels, std::array<float, 3> millimetres, bool allVariants) {
+    VolumeGrid grid;
+    grid.size = voxels;
+    grid.spacing = millimetres;
+    const auto part = [](float p) {
+        return RigidTransformation{0.5f * p, -0.4f * p, 0.6f * p, 0.6f * p, -0.3f * p, 0.5f * p};
+    };
+    printCourse(smoothHead("smooth rest", grid, [](float) { return RigidTransformation{}; }),
+                allVariants);
+    printCourse(smoothHead("smooth drift", grid, part), allVariants);
+    printCourse(smoothHead("smooth jumps", grid,
+                           [part](float p) { return part(std::floor(4.0f * p) / 4.0f); }),
+                allVariants);
+    printCourse(sharpHead("sharp rest", grid, HeadMotion::None), allVariants);
+    printCourse(sharpHead("sharp drift", grid, HeadMotion::Drift), allVariants);
+    printCourse(sharpHead("sharp jumps", grid, HeadMotion::Jumps), allVariants);
+}
+
+} // namespace
+
+/// Nothing: simulated heads, the program's way. "all": the variants too. A project file and a file
+/// of its motion: that run, with all variants.
+int main(int argc, char** argv) {
+    std::printf("Absolute errors: mean of translations (mm) and rotations (degrees), then largest\n"
+                "size            course        evaluation        mean mm mean deg    max mm  max "
+                "deg  steps\n");
+    if (argc > 2) {
+        printCourse(realRun(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2])),
+                    true);
+        return 0;
+    }
+    const bool allVariants = argc > 1;
+    printSize({64, 64, 25}, {3.0f, 3.0f, 4.0f}, allVariants);
+    printSize({74, 74, 36}, {2.6f, 2.6f, 3.3f}, allVariants);
+    printSize({104, 104, 72}, {2.0f, 2.0f, 2.0f}, allVariants);
+    return 0;
+}
