@@ -17,7 +17,7 @@ inline constexpr int maximumHighPassCycles = 200;
 /// run, a straight line and a constant, to each voxel's time course; all but the constant is
 /// subtracted. Samples are limited to 0 to 32767. The design is left in "DM-Fourier.txt" in the
 /// current folder, if that can be written. False after a message, with the samples as they were, or
-/// when cancelled, with part of the slices filtered.
+/// when cancelled, with part of the voxels filtered.
 [[nodiscard]] bool highPassFourier(FMRProject& project, int nrOfVolumes, int cycles,
                                    const StepProgress& progress);
 

@@ -44,6 +44,7 @@ protected:
     QTemporaryDir folder;
     ScriptedMessages messages;
     RecordedProgress progress;
+    KeptVolumes kept;
 
 private:
     QString oldFolder_;
@@ -94,7 +95,7 @@ TEST(PostprocessingNames, RecordEveryChoice) {
 TEST_F(Postprocessing, RunsTheCheckedStepsInOrderOnTheMeasuredVolumes) {
     const PostprocessingOptions options = allSteps();
     FMRProject run = makeRun();
-    EXPECT_EQ(postprocessRun(run, 16, options, progress), PostprocessingResult::Done);
+    EXPECT_EQ(postprocessRun(run, 16, options, kept, progress), PostprocessingResult::Done);
     EXPECT_TRUE(std::ranges::is_sorted(progress.values));
     EXPECT_EQ(progress.values.back(), 100);
 
@@ -113,22 +114,24 @@ TEST_F(Postprocessing, LeavesTheRunWhenItIsCancelledOrCanNotBeDone) {
     const std::vector<int16_t> before = samplesOf(run);
     for (const int percent : {1, 40, 60, 100}) {
         progress.cancelAt = percent;
-        EXPECT_EQ(postprocessRun(run, 20, allSteps(), progress), PostprocessingResult::Cancelled);
+        EXPECT_EQ(postprocessRun(run, 20, allSteps(), kept, progress),
+                  PostprocessingResult::Cancelled);
         EXPECT_EQ(samplesOf(run), before) << percent;
     }
     progress = {};
     PostprocessingOptions options;
-    EXPECT_EQ(postprocessRun(run, 20, options, progress), PostprocessingResult::NothingToDo);
-    EXPECT_EQ(postprocessRun(run, 0, allSteps(), progress), PostprocessingResult::NothingToDo);
+    EXPECT_EQ(postprocessRun(run, 20, options, kept, progress), PostprocessingResult::NothingToDo);
+    EXPECT_EQ(postprocessRun(run, 0, allSteps(), kept, progress),
+              PostprocessingResult::NothingToDo);
 
     // The last step can't be done, so the first is not begun.
     options = allSteps();
     options.temporal.highPassCycles = 10.0f;
     messages.expect(MessageLevel::Warning, "ERROR: A high-pass filter with 10 sines/cosines*");
-    EXPECT_EQ(postprocessRun(run, 20, options, progress), PostprocessingResult::Failed);
+    EXPECT_EQ(postprocessRun(run, 20, options, kept, progress), PostprocessingResult::Failed);
     options.temporal.highPassCycles = std::nanf("");
     messages.expect(MessageLevel::Warning, "ERROR: The number of sines/cosines*");
-    EXPECT_EQ(postprocessRun(run, 20, options, progress), PostprocessingResult::Failed);
+    EXPECT_EQ(postprocessRun(run, 20, options, kept, progress), PostprocessingResult::Failed);
     EXPECT_EQ(samplesOf(run), before);
     EXPECT_TRUE(progress.values.empty());
 }
