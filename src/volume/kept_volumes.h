@@ -5,6 +5,7 @@
 #include "volume/fmr_project.h"
 #include "volume/step_progress.h"
 
+/// Holds as many of the first volumes as keep() copied.
 class KeptVolumes {
 public:
     /// Copies the first volumes of the run. False after a message when memory runs out, and without
@@ -17,5 +18,5 @@ public:
     void release();
 
 private:
-    FMRProject kept_;
+    std::vector<Volume> volumes_;
 };
