@@ -5,9 +5,9 @@
 #include "volume/fmr_project.h"
 #include "volume/step_progress.h"
 
-/// More pairs of sine and cosine would keep the computer busy for long before the first voxel; long
-/// runs need a few dozen.
-inline constexpr int maximumHighPassCycles = 200;
+/// With more pairs of sine and cosine the inversion would keep the operator from cancelling for
+/// seconds; long runs need a few dozen.
+inline constexpr int maximumHighPassCycles = 100;
 
 /// False after a message when a high-pass filter with this many pairs of sine and cosine has no
 /// unique solution for so many volumes, or the number is below 0 or above the limit.
@@ -17,7 +17,7 @@ inline constexpr int maximumHighPassCycles = 200;
 /// run, a straight line and a constant, to each voxel's time course; all but the constant is
 /// subtracted. Samples are limited to 0 to 32767. The design is left in "DM-Fourier.txt" in the
 /// current folder, if that can be written. False after a message, with the samples as they were, or
-/// when cancelled, with part of the slices filtered.
+/// when cancelled, with part of the voxels filtered.
 [[nodiscard]] bool highPassFourier(FMRProject& project, int nrOfVolumes, int cycles,
                                    const StepProgress& progress);
 

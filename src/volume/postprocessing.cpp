@@ -53,34 +53,10 @@ std::vector<Step> checkedSteps(FMRProject& project, int volumes,
     return steps;
 }
 
-/// The samples of the first volumes, to be brought back when the work is cancelled.
-class KeptVolumes {
-public:
-    [[nodiscard]] bool keep(const FMRProject& project, int volumes) {
-        FMRHeader sizes = project;
-        sizes.NrOfVolumes = volumes;
-        static_cast<FMRHeader&>(kept_) = sizes;
-        if (!kept_.allocateVolumes())
-            return false;
-        for (size_t v = 0; v < kept_.volumes.size(); ++v)
-            std::copy_n(project.volumes[v].data(), project.volumeSamples(),
-                        kept_.volumes[v].data());
-        return true;
-    }
-    /// The volumes of the project stay where they are in memory.
-    void bringBack(FMRProject& project) const {
-        for (size_t v = 0; v < kept_.volumes.size(); ++v)
-            std::ranges::copy(kept_.volumes[v].span(), project.volumes[v].data());
-    }
-
-private:
-    FMRProject kept_;
-};
-
 } // namespace
 
 PostprocessingResult postprocessRun(FMRProject& project, int nrOfMeasuredVolumes,
-                                    const PostprocessingOptions& options,
+                                    const PostprocessingOptions& options, KeptVolumes& kept,
                                     ProgressReporter& progress) {
     const int volumes =
         nrOfCompleteVolumes(project, std::min(nrOfMeasuredVolumes, project.NrOfVolumes));
@@ -90,11 +66,9 @@ PostprocessingResult postprocessRun(FMRProject& project, int nrOfMeasuredVolumes
     for (const Step& step : steps)
         if (!step.isPossible())
             return PostprocessingResult::Failed;
-    KeptVolumes kept;
-    if (!kept.keep(project, volumes)) {
-        showCritical("ERROR: Insufficient memory for a copy of the run during post-processing!");
-        return PostprocessingResult::Failed;
-    }
+    if (!kept.keep(project, volumes, StepProgress(progress)))
+        return progress.cancelled() ? PostprocessingResult::Cancelled
+                                    : PostprocessingResult::Failed;
     const int count = int(steps.size());
     for (int i = 0; i < count; ++i) {
         if (steps[size_t(i)].run(StepProgress(progress, 100 * i / count, 100 * (i + 1) / count)))

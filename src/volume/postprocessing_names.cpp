@@ -14,10 +14,11 @@ QString sliceScanTimeMark(const SliceScanTimeOptions& options) {
         mark += 'A';
     else if (options.descendingSliceOrder)
         mark += 'D';
-    if (options.interleaved2SliceOrder)
-        mark += "I2";
-    else if (options.interleavedSliceOrder)
+    // Of the patterns the one that timePositionOfSlice() takes.
+    if (options.interleavedSliceOrder)
         mark += 'I';
+    else if (options.interleaved2SliceOrder)
+        mark += "I2";
     return mark;
 }
 

@@ -2,7 +2,7 @@
 #include "volume/slice_timing.h"
 
 #include "base/messages.h"
-#include "stats/numerics/spline.h"
+#include "volume/course_splines.h"
 #include "volume/time_courses.h"
 
 #include <cmath>
@@ -94,28 +94,6 @@ void shiftLinearlyOrBySinc(bool sinc, double delay, size_t volumes, const double
     }
 }
 
-/// One time course with the numbers of its volumes.
-struct SplineCourse {
-    explicit SplineCourse(size_t volumes) : times(volumes), values(volumes) {
-        std::iota(times.begin(), times.end(), 0.0f);
-    }
-    std::vector<float> times;
-    std::vector<float> values;
-};
-
-void shiftBySpline(SplineCourse& course, double delay, const double* samples, double* filtered) {
-    const size_t volumes = course.times.size();
-    for (size_t i = 0; i < timeCourseBlock; ++i) {
-        for (size_t v = 0; v < volumes; ++v)
-            course.values[v] = float(samples[v * timeCourseBlock + i]);
-        const std::vector<float> seconds =
-            numerics::splineSecondDerivatives(course.times, course.values);
-        for (size_t v = 1; v < volumes; ++v)
-            filtered[v * timeCourseBlock + i] = double(numerics::splineValue(
-                course.times, course.values, seconds, float(double(v) - delay)));
-    }
-}
-
 } // namespace
 
 int timePositionOfSlice(int slice, int nrOfSlices, const SliceScanTimeOptions& options,
@@ -147,7 +125,7 @@ bool correctSliceScanTime(FMRProject& project, int nrOfVolumes, const SliceScanT
     if (!sliceTimesAreValid(project))
         return false;
     const size_t volumes = size_t(nrOfCompleteVolumes(project, nrOfVolumes));
-    SplineCourse course(volumes);
+    CourseSplines splines(volumes);
     int currentSlice = -1;
     int position = 0;
     const auto shift = [&](int slice, std::span<const double> samples, std::span<double> filtered) {
@@ -157,7 +135,7 @@ bool correctSliceScanTime(FMRProject& project, int nrOfVolumes, const SliceScanT
         const double delay = position * double(project.InterSliceTime) / double(project.TR);
         std::copy_n(samples.begin(), timeCourseBlock, filtered.begin());
         if (options.cubicSplineInterpolation && !options.sincInterpolation)
-            shiftBySpline(course, delay, samples.data(), filtered.data());
+            splines.shift(delay, samples.data(), filtered.data());
         else
             shiftLinearlyOrBySinc(options.sincInterpolation, delay, volumes, samples.data(),
                                   filtered.data());

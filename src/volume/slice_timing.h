@@ -18,7 +18,7 @@
 /// volumes of the run. Volume 0 stays as it is, so a single volume does altogether. Samples are
 /// read and written as unsigned: 65535 is the largest. Sinc interpolation takes six samples under a
 /// Hann window, and is linear near the ends of the run. False after a message, or when cancelled,
-/// with part of the slices corrected.
+/// with part of the voxels corrected.
 [[nodiscard]] bool correctSliceScanTime(FMRProject& project, int nrOfVolumes,
                                         const SliceScanTimeOptions& options,
                                         const StepProgress& progress);

@@ -99,12 +99,10 @@ void SpatialSmoothing::smoothAcrossSlices(const FMRHeader& header, const Gaussia
     }
 }
 
-bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, const VoxelWidths& widths) {
+bool SpatialSmoothing::applyKernels(FMRProject& project, int v, const Kernels& kernels) {
     const size_t volumeSamples = project.volumeSamples();
-    Kernels kernels;
     if (v < 0 || size_t(v) >= project.volumes.size() || volumeSamples == 0 ||
-        project.volumes[size_t(v)].size() < volumeSamples || !makeKernels(widths, kernels) ||
-        !allocate(project))
+        project.volumes[size_t(v)].size() < volumeSamples || !allocate(project))
         return false;
     int16_t* const samples = project.volumes[size_t(v)].data();
     for (size_t first = 0; first < volumeSamples; first += project.sliceSamples())
@@ -114,6 +112,14 @@ bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, const VoxelWidth
 }
 
 bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, float fwhmMillimetres) {
-    return fwhmMillimetres > 0.0f &&
-           smoothVolume(project, v, voxelWidths(project, double(fwhmMillimetres)));
+    const VoxelWidths widths = voxelWidths(project, double(fwhmMillimetres));
+    Kernels kernels;
+    return fwhmMillimetres >= 0.0f && kernels[0].setWidth(widths.x) &&
+           kernels[1].setWidth(widths.y) && kernels[2].setWidth(widths.z) &&
+           applyKernels(project, v, kernels);
+}
+
+bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, const VoxelWidths& widths) {
+    Kernels kernels;
+    return makeKernels(widths, kernels) && applyKernels(project, v, kernels);
 }

@@ -22,9 +22,10 @@ struct VoxelWidths {
 /// intensity. The object keeps its work memory from volume to volume.
 class SpatialSmoothing {
 public:
-    /// Smooths volume v, from 0, in place. False, with the volume as it was, when the project has
-    /// no such volume, the width is not above 0, a kernel has more than 101 taps (an unknown voxel
-    /// size included), or, after a message, when memory runs out.
+    /// Smooths volume v, from 0, in place. A width of 0 has kernels of zeros only, and so the
+    /// volume becomes zeros. False, with the volume as it was, when the project has no such volume,
+    /// the width is below 0 or no number, a kernel has more than 101 taps (an unknown voxel size
+    /// included), or, after a message, when memory runs out.
     [[nodiscard]] bool smoothVolume(FMRProject& project, int v, float fwhmMillimetres);
 
     /// The same for widths in voxels. An axis whose width is not above 0 is left as it is, but for
@@ -38,6 +39,7 @@ private:
     using Kernels = std::array<GaussianKernel, 3>;
 
     [[nodiscard]] static bool makeKernels(const VoxelWidths& widths, Kernels& kernels);
+    [[nodiscard]] bool applyKernels(FMRProject& project, int v, const Kernels& kernels);
     [[nodiscard]] bool allocate(const FMRHeader& header);
     void smoothSlice(const FMRHeader& header, const Kernels& kernels, int16_t* slice);
     void smoothAcrossSlices(const FMRHeader& header, const GaussianKernel& kernel,

@@ -95,6 +95,8 @@ bool writeSlices(const FMRProject& project, int nrOfVolumes, QIODevice& file,
             progress->setProgress(from + int(qint64(slice) * (to - from) / project.NrOfSlices));
         if (pump)
             pump->processEvents();
+        if (progress && progress->cancelled())
+            return false;
     }
     return writer.flush();
 }
@@ -132,7 +134,8 @@ bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten, ProgressRep
     if (file.open(QIODevice::WriteOnly) &&
         writeSlices(project, nrOfVolumes, file, progress, pump, from, to) && file.commit())
         return true;
-    showWarning("ERROR: Can not write FMR time course (STC) files !");
+    if (!progress || !progress->cancelled())
+        showWarning("ERROR: Can not write FMR time course (STC) files !");
     return false;
 }
 

@@ -17,8 +17,8 @@
 /// analysed ones; a volume without memory is written as zeros. The file appears under its name only
 /// when it is whole. Progress, if a reporter is given, goes from `from` to `to` slice by slice, and
 /// events, if a pump is given, are processed after each slice: the caller sees to it that the
-/// project stays alive. False after a message, with an old file untouched, when the folder can't be
-/// written or the disk is full.
+/// project stays alive. False, with an old file untouched: after a message when the folder can't be
+/// written or the disk is full, without one when the reporter is cancelled.
 [[nodiscard]] bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten,
                                 ProgressReporter* progress, EventPump* pump, int from, int to);
 

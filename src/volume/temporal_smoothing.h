@@ -17,6 +17,6 @@
 /// Replaces each sample by the mean of its neighbours in time under a Gaussian that is cut at four
 /// standard deviations. Near the ends of the run the weights of the volumes that exist are divided
 /// by their sum. Samples are limited to 0 to 32767. False after a message, or when cancelled, with
-/// part of the slices smoothed.
+/// part of the voxels smoothed.
 [[nodiscard]] bool smoothTimeCourses(FMRProject& project, int nrOfVolumes,
                                      const TemporalOptions& options, const StepProgress& progress);

@@ -73,16 +73,17 @@ bool filterTimeCourses(FMRProject& project, int nrOfVolumes, SampleRange range,
         return false;
     }
     const size_t sliceSamples = project.sliceSamples();
-    for (int slice = 0; slice < project.NrOfSlices && rows > 0; ++slice) {
+    const auto total = int64_t(project.volumeSamples());
+    for (int slice = 0; slice < project.NrOfSlices && rows > 0; ++slice)
         for (size_t pixel = 0; pixel < sliceSamples; pixel += timeCourseBlock) {
             const Block block{size_t(slice) * sliceSamples + pixel,
                               std::min(timeCourseBlock, sliceSamples - pixel)};
             readBlock(project, block, range, samples.span());
             filter(slice, samples.span(), filtered.span());
             writeBlock(project, block, range, findFlatCourses(samples.span()), filtered.span());
+            // A slice of a long run may take seconds.
+            if (!progress.advance(int64_t(block.first + block.count), total))
+                return false;
         }
-        if (!progress.advance(slice + 1, project.NrOfSlices))
-            return false;
-    }
     return true;
 }

@@ -28,6 +28,6 @@ using TimeCourseFilter =
 /// Applies a filter to all voxels over the first volumes of the run. Results are limited to 0 and
 /// the largest sample and rounded half up; a time course that does not change over the run is left
 /// as it is. False after a message when memory runs out, with the samples as they were, and without
-/// one when the work is cancelled, with part of the slices filtered.
+/// one when the work is cancelled, with part of the voxels filtered.
 [[nodiscard]] bool filterTimeCourses(FMRProject& project, int nrOfVolumes, SampleRange range,
                                      const StepProgress& progress, const TimeCourseFilter& filter);

@@ -3,7 +3,6 @@
 #include "volume/postprocessing.h"
 
 #include "support/scripted_messages.h"
-#include "volume/fmr_file.h"
 #include "volume/high_pass.h"
 #include "volume/load_fmr_project.h"
 #include "volume/postprocessing_names.h"
@@ -40,10 +39,12 @@ protected:
         run.Prefix = "run-";
         return run;
     }
+    [[nodiscard]] QStringList files() const { return QDir(folder.path()).entryList(QDir::Files); }
 
     QTemporaryDir folder;
     ScriptedMessages messages;
     RecordedProgress progress;
+    KeptVolumes kept;
 
 private:
     QString oldFolder_;
@@ -52,49 +53,40 @@ private:
 } // namespace
 
 TEST(PostprocessingNames, RecordEveryChoice) {
-    struct Case {
+    PostprocessingOptions even = defaultPostprocessingOptions(24);
+    PostprocessingOptions odd = defaultPostprocessingOptions(25);
+    even.sliceScanTime.checked = odd.sliceScanTime.checked = true;
+    const SpatialSmoothingOptions space{true, true, false, true, 4.0f};
+    const struct {
         const char* marks;
-        std::function<void(PostprocessingOptions&)> choose;
-    };
-    using O = PostprocessingOptions;
-    const Case cases[] = {
-        {"_SCCA", [](O& o) { o.sliceScanTime.checked = true; }},
-        {"_SCSAI2", [](O& o) { o.sliceScanTime = {true, true, false, false, true, true, true}; }},
-        {"_SCLDI", [](O& o) { o.sliceScanTime = {true, false, true, true, false, false, false}; }},
-        {"_SD3DSS4.00mm", [](O& o) { o.spatial.checked = true; }},
-        {"_FD2DSS12.35px",
-         [](O& o) {
-             o.spatial = {true, false, true, false, 12.346f};
-         }},
-        {"_THPGLMF2c", [](O& o) { o.temporal.checked = true; }},
-        {"_THPGLMF3c", [](O& o) { o.temporal = {true, true, true, 2.5f, false, true, 1.0f}; }},
-        {"_LTR_TDTS 2.8s", [](O& o) { o.temporal = {true, true, false, 2.0f, true, true, 2.8f}; }},
-        {"_TDTS12.0dp", [](O& o) { o.temporal = {true, false, false, 2.0f, true, false, 12.0f}; }},
-        {"_SCCA_SD3DSS4.00mm_THPGLMF2c_TDTS 4.0s", [](O& o) { o = allSteps(); }},
-    };
-    for (const Case& c : cases) {
         PostprocessingOptions options;
-        c.choose(options);
+    } cases[] = {
+        {"_SCCAI2", even},
+        {"_SCCAI", odd},
+        {"_SCSA", {{true, true, false, false, false, true, true}, {}, {}}},
+        {"_SCLDI", {{true, false, true, true, false, false, false}, {}, {}}},
+        {"_SD3DSS4.00mm", {{}, space, {}}},
+        {"_FD2DSS12.35px", {{}, {true, false, true, false, 12.346f}, {}}},
+        {"_THPGLMF3c", {{}, {}, {true, true, true, 2.5f, false, true, 1.0f}}},
+        {"_LTR_TDTS 2.8s", {{}, {}, {true, true, false, 2.0f, true, true, 2.8f}}},
+        {"_TDTS12.0dp", {{}, {}, {true, false, false, 2.0f, true, false, 12.0f}}},
+        {"_SCCA_SD3DSS4.00mm_THPGLMF2c_TDTS 4.0s", allSteps()},
+    };
+    for (const auto& c : cases) {
         const QString marks = c.marks;
-        PostprocessedNames names = makePostprocessedNames("/data/run.v2.fmr", "run-", options);
+        PostprocessedNames names = makePostprocessedNames("/data/run.v2.fmr", "run-", c.options);
         EXPECT_EQ(names.fmrName, "/data/run.v2" + marks + ".fmr");
         EXPECT_EQ(names.prefix, "run" + marks);
-        names = makePostprocessedNames("run.v2", "", options);
+        names = makePostprocessedNames("run.v2", "", c.options);
         EXPECT_EQ(names.fmrName, "run.v2" + marks + ".fmr");
         EXPECT_EQ(names.prefix, marks);
-    }
-    for (const int slices : {24, 25}) {
-        PostprocessingOptions options = defaultPostprocessingOptions(slices);
-        options.sliceScanTime.checked = true;
-        EXPECT_EQ(makePostprocessedNames("a.fmr", "a", options).prefix,
-                  slices == 24 ? "a_SCCAI2" : "a_SCCAI");
     }
 }
 
 TEST_F(Postprocessing, RunsTheCheckedStepsInOrderOnTheMeasuredVolumes) {
     const PostprocessingOptions options = allSteps();
     FMRProject run = makeRun();
-    EXPECT_EQ(postprocessRun(run, 16, options, progress), PostprocessingResult::Done);
+    EXPECT_EQ(postprocessRun(run, 16, options, kept, progress), PostprocessingResult::Done);
     EXPECT_TRUE(std::ranges::is_sorted(progress.values));
     EXPECT_EQ(progress.values.back(), 100);
 
@@ -111,24 +103,26 @@ TEST_F(Postprocessing, RunsTheCheckedStepsInOrderOnTheMeasuredVolumes) {
 TEST_F(Postprocessing, LeavesTheRunWhenItIsCancelledOrCanNotBeDone) {
     FMRProject run = makeRun();
     const std::vector<int16_t> before = samplesOf(run);
-    for (const int percent : {1, 40, 60, 100}) {
+    for (const int percent : {0, 1, 40, 60, 100}) {
         progress.cancelAt = percent;
-        EXPECT_EQ(postprocessRun(run, 20, allSteps(), progress), PostprocessingResult::Cancelled);
+        EXPECT_EQ(postprocessRun(run, 20, allSteps(), kept, progress),
+                  PostprocessingResult::Cancelled);
         EXPECT_EQ(samplesOf(run), before) << percent;
     }
     progress = {};
     PostprocessingOptions options;
-    EXPECT_EQ(postprocessRun(run, 20, options, progress), PostprocessingResult::NothingToDo);
-    EXPECT_EQ(postprocessRun(run, 0, allSteps(), progress), PostprocessingResult::NothingToDo);
+    EXPECT_EQ(postprocessRun(run, 20, options, kept, progress), PostprocessingResult::NothingToDo);
+    EXPECT_EQ(postprocessRun(run, 0, allSteps(), kept, progress),
+              PostprocessingResult::NothingToDo);
 
     // The last step can't be done, so the first is not begun.
     options = allSteps();
-    options.temporal.highPassCycles = 10.0f;
-    messages.expect(MessageLevel::Warning, "ERROR: A high-pass filter with 10 sines/cosines*");
-    EXPECT_EQ(postprocessRun(run, 20, options, progress), PostprocessingResult::Failed);
-    options.temporal.highPassCycles = std::nanf("");
-    messages.expect(MessageLevel::Warning, "ERROR: The number of sines/cosines*");
-    EXPECT_EQ(postprocessRun(run, 20, options, progress), PostprocessingResult::Failed);
+    for (const float cycles : {10.0f, std::nanf("")}) {
+        options.temporal.highPassCycles = cycles;
+        messages.expect(MessageLevel::Warning, cycles > 0 ? "ERROR: A high-pass filter with 10 *"
+                                                          : "ERROR: The number of sines/cosines*");
+        EXPECT_EQ(postprocessRun(run, 20, options, kept, progress), PostprocessingResult::Failed);
+    }
     EXPECT_EQ(samplesOf(run), before);
     EXPECT_TRUE(progress.values.empty());
 }
@@ -137,23 +131,23 @@ TEST_F(Postprocessing, WritesUnderNamesOfItsOwn) {
     FMRProject run = makeRun();
     PostprocessingOptions options;
     options.temporal.checked = true;
+    progress.cancelAt = 50;
+    EXPECT_FALSE(writePostprocessedRun(run, 16, options, &progress));
+    EXPECT_EQ(files(), QStringList());
     ASSERT_TRUE(writePostprocessedRun(run, 16, options));
     EXPECT_EQ(run.projectPath, folder.filePath("run.v2.fmr"));
     EXPECT_EQ(run.Prefix, "run-");
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files),
-              (QStringList{"run.v2_THPGLMF2c.fmr", "run_THPGLMF2c.stc"}));
+    EXPECT_EQ(files(), (QStringList{"run.v2_THPGLMF2c.fmr", "run_THPGLMF2c.stc"}));
     FMRProject loaded;
     ASSERT_TRUE(loadFMRProject(loaded, folder.filePath("run.v2_THPGLMF2c.fmr"), LoadData::Yes));
-    EXPECT_EQ(loaded.Prefix, "run_THPGLMF2c");
     run.volumes.resize(16);
     EXPECT_EQ(samplesOf(loaded), samplesOf(run));
 
-    options.temporal.highPass = false;
-    messages.expect(MessageLevel::Warning, "ERROR: The options give*");
-    EXPECT_FALSE(writePostprocessedRun(run, 16, options));
-    options.temporal.highPass = true;
     run.targetFolder = folder.filePath("run.v2_THPGLMF2c.fmr/");
     messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
     EXPECT_FALSE(writePostprocessedRun(run, 16, options));
     EXPECT_EQ(run.Prefix, "run-");
+    options.temporal.highPass = false;
+    messages.expect(MessageLevel::Warning, "ERROR: The options give*");
+    EXPECT_FALSE(writePostprocessedRun(run, 16, options));
 }

@@ -1,5 +1,6 @@
 // Slice times, drifts and temporal smoothing against closed forms and NumPy.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/numerics/spline.h"
 #include "support/scripted_messages.h"
 #include "volume/high_pass.h"
 #include "volume/slice_timing.h"
@@ -10,45 +11,19 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <numbers>
+#include <numeric>
 
 namespace {
 
-using Order = std::vector<int>;
-
 /// Slices in the order in which a scanner measures them: all, or every other one from `start` and
 /// then the rest, upwards or downwards.
-Order measuredOrder(int nrOfSlices, bool descending, int step, int start) {
-    Order order;
+std::vector<int> measuredOrder(int nrOfSlices, bool descending, int step, int start) {
+    std::vector<int> order;
     for (int pass = 0; pass < step; ++pass)
         for (int i = pass == 0 ? start : 1 - start; i < nrOfSlices; i += step)
             order.push_back(descending ? nrOfSlices - 1 - i : i);
     return order;
 }
-
-struct OrderCase {
-    bool descending;
-    bool interleaved;
-    bool interleaved2;
-
-    [[nodiscard]] SliceScanTimeOptions options() const {
-        SliceScanTimeOptions options;
-        options.ascendingSliceOrder = !descending;
-        options.descendingSliceOrder = descending;
-        options.interleavedSliceOrder = interleaved;
-        options.interleaved2SliceOrder = interleaved2;
-        return options;
-    }
-    [[nodiscard]] Order order(int nrOfSlices) const {
-        return measuredOrder(nrOfSlices, descending, interleaved || interleaved2 ? 2 : 1,
-                             interleaved2 ? 1 : 0);
-    }
-};
-
-constexpr OrderCase orderCases[] = {{false, false, false}, {false, true, false},
-                                    {false, false, true},  {true, false, false},
-                                    {true, true, false},   {true, false, true}};
-
-constexpr int nrOfVolumes = 60;
 
 double sine(double volume) {
     return 2000 + 1000 * std::sin(2 * std::numbers::pi * volume / 20);
@@ -75,19 +50,23 @@ std::vector<int> courseOf(const FMRProject& run, size_t voxel) {
 } // namespace
 
 TEST(SliceTiming, PositionsFollowTheOrderOfMeasurement) {
-    for (const OrderCase& c : orderCases)
-        for (int n = 1; n <= 9; ++n) {
-            Order positions(size_t(n), -1);
-            const Order order = c.order(n);
-            for (int k = 0; k < n; ++k)
-                positions[size_t(order[size_t(k)])] = k;
-            for (int s = 0; s < n; ++s)
-                EXPECT_EQ(timePositionOfSlice(s, n, c.options(), 99), positions[size_t(s)])
-                    << n << " slices, " << c.descending << c.interleaved << c.interleaved2;
+    SliceScanTimeOptions options;
+    for (const bool descending : {false, true})
+        for (const int pattern : {0, 1, 2}) {
+            options.ascendingSliceOrder = !descending;
+            options.descendingSliceOrder = descending;
+            options.interleavedSliceOrder = pattern == 1;
+            options.interleaved2SliceOrder = pattern == 2;
+            for (int n = 1; n <= 9; ++n) {
+                const std::vector<int> order =
+                    measuredOrder(n, descending, pattern == 0 ? 1 : 2, pattern == 2 ? 1 : 0);
+                for (int k = 0; k < n; ++k)
+                    EXPECT_EQ(timePositionOfSlice(order[size_t(k)], n, options, 99), k)
+                        << n << " slices, pattern " << pattern << descending;
+            }
         }
-    SliceScanTimeOptions none;
-    none.ascendingSliceOrder = false;
-    EXPECT_EQ(timePositionOfSlice(3, 5, none, 2), 2);
+    options.descendingSliceOrder = false;
+    EXPECT_EQ(timePositionOfSlice(3, 5, options, 2), 2);
 }
 
 TEST(SliceTiming, ASineMeasuredSliceBySliceComesBackAligned) {
@@ -101,27 +80,47 @@ TEST(SliceTiming, ASineMeasuredSliceBySliceComesBackAligned) {
         double inside;
         double nearEnds;
     } methods[] = {{false, false, 13.4, 13.4}, {false, true, 1.4, 7}, {true, false, 4.6, 13.4}};
-    for (const OrderCase& c : orderCases)
-        for (const int n : {4, 5})
-            for (const auto& method : methods) {
-                const Order order = c.order(n);
-                FMRProject run = runOf(3, 2, n, nrOfVolumes, [&](int, int, int s, int v) {
-                    const auto k = std::ranges::find(order, s) - order.begin();
-                    return sine(v + double(k) / n);
-                });
-                const std::vector<int16_t> first(run.volumes[0].span().begin(),
-                                                 run.volumes[0].span().end());
-                SliceScanTimeOptions options = c.options();
-                options.sincInterpolation = method.sinc;
-                options.cubicSplineInterpolation = method.spline;
-                ASSERT_TRUE(correct(run, options));
-                EXPECT_TRUE(std::ranges::equal(run.volumes[0].span(), first));
-                for (int v = 1; v < nrOfVolumes; ++v)
-                    for (const int16_t sample : run.volumes[size_t(v)].span())
-                        ASSERT_NEAR(sample, sine(v),
-                                    v < 6 || v > nrOfVolumes - 6 ? method.nearEnds : method.inside)
-                            << n << method.sinc << method.spline << v;
+    for (const auto& method : methods) {
+        FMRProject run =
+            runOf(3, 2, 5, 60, [](int, int, int s, int v) { return sine(v + s / 5.0); });
+        const std::vector<int16_t> first(run.volumes[0].span().begin(),
+                                         run.volumes[0].span().end());
+        SliceScanTimeOptions options;
+        options.sincInterpolation = method.sinc;
+        options.cubicSplineInterpolation = method.spline;
+        ASSERT_TRUE(correct(run, options));
+        EXPECT_TRUE(std::ranges::equal(run.volumes[0].span(), first));
+        for (int v = 1; v < 60; ++v)
+            for (const int16_t sample : run.volumes[size_t(v)].span())
+                ASSERT_NEAR(sample, sine(v), v < 6 || v > 54 ? method.nearEnds : method.inside)
+                    << method.sinc << method.spline << v;
+    }
+}
+
+TEST(SliceTiming, SplinesOfABlockAreBitForBitThoseOfSingleCourses) {
+    for (const size_t volumes : {2u, 3u, 4u, 50u}) {
+        FMRProject run = runOf(15, 9, 3, int(volumes), [](int x, int y, int s, int v) {
+            return (x * 7919 + y * 104729 + s * 1299709 + v * v * 611953) % 65536;
+        });
+        std::vector<float> times(volumes);
+        std::iota(times.begin(), times.end(), 0.0f);
+        std::vector<int16_t> expected = samplesOf(run);
+        const size_t stride = run.volumeSamples();
+        for (size_t i = 0; i < stride; ++i) {
+            std::vector<float> course;
+            for (size_t v = 0; v < volumes; ++v)
+                course.push_back(uint16_t(run.volumes[v][i]));
+            const std::vector<float> seconds = numerics::splineSecondDerivatives(times, course);
+            const double delay = double(i / 135) * double(run.InterSliceTime) / double(run.TR);
+            for (size_t v = 1; v < volumes; ++v) {
+                const float at = float(double(v) - delay);
+                const double value = numerics::splineValue(times, course, seconds, at);
+                expected[v * stride + i] = int16_t(int(std::clamp(value, 0.0, 65535.0) + 0.5));
             }
+        }
+        ASSERT_TRUE(correct(run, {}));
+        EXPECT_EQ(samplesOf(run), expected) << volumes;
+    }
 }
 
 TEST(SliceTiming, LinearAndSincValuesAreThoseOfTheirFormulas) {
@@ -144,14 +143,15 @@ TEST(SliceTiming, LinearAndSincValuesAreThoseOfTheirFormulas) {
 
 TEST(SliceTiming, TimesThatDoNotFitChangeNothing) {
     ScriptedMessages messages;
+    const char* const noTimes = "ERROR: The TR and the inter-slice time of the project are no*";
     const struct {
         float tr;
         float interSliceTime;
         const char* text;
     } cases[] = {{2000, 1001, "ERROR: NrOfSlices * InterSliceTime > TR !"},
-                 {0, 0, "ERROR: The TR and the inter-slice time of the project are no times!"},
-                 {2000, -5, "ERROR: The TR and the inter-slice time of the project are no times!"},
-                 {NAN, 5, "ERROR: The TR and the inter-slice time of the project are no times!"}};
+                 {0, 0, noTimes},
+                 {2000, -5, noTimes},
+                 {NAN, 5, noTimes}};
     for (const auto& c : cases) {
         FMRProject run = runWithCourse({5, 9, 2});
         run.TR = c.tr;
@@ -200,16 +200,15 @@ TEST(HighPass, CyclesThatTheRunCanNotTellApartChangeNothing) {
                         cycles == 2 ? "ERROR: A high-pass filter with 2 sines/cosines needs at "
                                       "least 6 volumes, and the run has 5!"
                                     : "ERROR: The number of sines/cosines of the high-pass filter "
-                                      "must be between 0 and 200!");
+                                      "must be between 0 and 100!");
         EXPECT_FALSE(highPassFourier(run, 5, cycles, StepProgress(progress)));
     }
     EXPECT_EQ(courseOf(run, 0), (std::vector<int>{5, 9, 2, 7, 1}));
 }
 
 TEST(LinearTrend, IsRemovedAndTheMeanStays) {
-    // Mean 18, slope 2.
-    FMRProject run = runWithCourse({10, 20, 28, 14});
     RecordedProgress progress;
+    FMRProject run = runWithCourse({10, 20, 28, 14}); // mean 18, slope 2
     ASSERT_TRUE(removeLinearTrend(run, 4, StepProgress(progress)));
     EXPECT_EQ(courseOf(run, 0), (std::vector<int>{13, 21, 27, 11}));
     FMRProject single = runWithCourse({-5});
@@ -217,39 +216,37 @@ TEST(LinearTrend, IsRemovedAndTheMeanStays) {
     EXPECT_EQ(courseOf(single, 0), std::vector<int>{-5});
 }
 
-TEST(TemporalGaussian, SpreadsAnImpulseOverTheWidth) {
-    // At half the width, two volumes away, the weight is half of that in the middle.
-    std::vector<int> course(21, 0);
-    course[10] = 20000;
-    TemporalOptions options;
-    for (const bool inSeconds : {false, true}) {
-        FMRProject run = runWithCourse(course);
-        options.gaussianInSeconds = inSeconds;
-        options.gaussianWidth = inSeconds ? 8.0f : 4.0f; // TR is 2 s
-        RecordedProgress progress;
-        ASSERT_TRUE(smoothTimeCourses(run, 21, options, StepProgress(progress)));
-        const double sigma = 4 / std::sqrt(8 * std::log(2.0));
-        for (int v = 0; v < 21; ++v)
-            EXPECT_NEAR(run.volumes[size_t(v)][3],
-                        20000 / (sigma * std::sqrt(2 * std::numbers::pi)) *
-                            std::pow(0.5, (v - 10) * (v - 10) / 4.0),
-                        1.0);
-    }
-    // At the end of the run the weights of the volumes that exist are divided by their sum.
-    FMRProject border = runWithCourse({3000, 0, 0});
-    options = {};
-    options.gaussianInSeconds = false;
-    options.gaussianWidth = 2.0f; // weights 1, 1/2, 1/16
+TEST(TemporalGaussian, WeighsNeighboursWithinTheRun) {
+    // At half the full width the weight is half; weights that exist are divided by their sum.
+    const struct {
+        bool inSeconds; ///< TR is 2 s
+        float width;
+        std::vector<int> course;
+        std::vector<int> expected;
+    } cases[] = {{false, 2.0f, {3000, 0, 0}, {1920, 750, 120}}, // weights 1, 1/2, 1/16
+                 {true, 4.0f, {3000, 0, 0}, {1920, 750, 120}},
+                 // 20000 / (sigma sqrt(2 pi)) * 2^(-d^2 / 4), sigma 4 / sqrt(8 ln 2)
+                 {false,
+                  4.0f,
+                  {0, 0, 0, 0, 0, 0, 0, 20000, 0, 0, 0, 0, 0, 0, 0},
+                  {1, 9, 62, 294, 987, 2349, 3950, 4697, 3950, 2349, 987, 294, 62, 9, 1}}};
     RecordedProgress progress;
-    ASSERT_TRUE(smoothTimeCourses(border, 3, options, StepProgress(progress)));
-    EXPECT_EQ(courseOf(border, 0), (std::vector<int>{1920, 750, 120}));
-
+    TemporalOptions options;
+    for (const auto& c : cases) {
+        FMRProject run = runWithCourse(c.course);
+        options.gaussianInSeconds = c.inSeconds;
+        options.gaussianWidth = c.width;
+        ASSERT_TRUE(smoothTimeCourses(run, run.NrOfVolumes, options, StepProgress(progress)));
+        for (size_t v = 0; v < c.course.size(); ++v)
+            EXPECT_NEAR(run.volumes[v][3], c.expected[v], 1) << v;
+    }
     ScriptedMessages messages;
+    FMRProject run = runWithCourse({1, 2, 3});
     for (const float width : {0.0f, -1.0f, std::nanf("")}) {
         options.gaussianWidth = width;
         messages.expect(MessageLevel::Warning,
                         "ERROR: The width of the temporal Gaussian must be above 0!");
-        EXPECT_FALSE(smoothTimeCourses(border, 3, options, StepProgress(progress)));
+        EXPECT_FALSE(smoothTimeCourses(run, 3, options, StepProgress(progress)));
     }
-    EXPECT_EQ(courseOf(border, 0), (std::vector<int>{1920, 750, 120}));
+    EXPECT_EQ(courseOf(run, 0), (std::vector<int>{1, 2, 3}));
 }

@@ -32,7 +32,7 @@ bool writeFiles(FMRProject& project, int nrOfVolumes, const PostprocessingOption
         QDir().mkpath(project.targetFolder);
         if (writePostprocessedRun(project, nrOfVolumes, options, &progress))
             return true;
-        if (!askToSaveAgain(project.targetFolder))
+        if (progress.cancelled() || !askToSaveAgain(project.targetFolder))
             return false;
     }
 }
@@ -58,12 +58,19 @@ bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
     ProgressShare steps(progress, 0, 60);
     ProgressShare writing(progress, 60, recomputeStatistics ? 80 : 100);
     ProgressShare statistics(progress, 80, 100);
-    if (postprocessRun(project, nrOfMeasuredVolumes, options, steps) != PostprocessingResult::Done)
+    KeptVolumes kept;
+    if (postprocessRun(project, nrOfMeasuredVolumes, options, kept, steps) !=
+        PostprocessingResult::Done)
         return false;
+    const bool written = writeFiles(project, nrOfMeasuredVolumes, options, writing);
+    if (!written && progress.cancelled()) {
+        kept.bringBack(project);
+        return false;
+    }
+    kept.release();
     if (run.state.overlayVolumeMode != 0)
         run.document.slices.updateSlicePixmaps(
             project.volumes[size_t(nrOfMeasuredVolumes) - 1].span(), project.NrOfSlices);
-    const bool written = writeFiles(project, nrOfMeasuredVolumes, options, writing);
     const bool fitted = !recomputeStatistics || fitAgain(run, nrOfMeasuredVolumes, statistics);
     return written && fitted;
 }

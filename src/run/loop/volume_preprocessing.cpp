@@ -14,16 +14,19 @@ void correctMotion(const RunParts& run, int volumeIndex) {
         document.motion.setMotionTarget(document.project);
 }
 
-// A volume that can't be smoothed stays as it is, and the run goes on; the operator hears of it
-// with the first one.
+// A volume that can't be smoothed stays as it is, a width of 0 leaves nothing of it, and the run
+// goes on; the operator hears of either with the first volume.
 void smooth(const RunParts& run, int volumeIndex) {
     FMRProject& project = run.document.project;
     const float fwhm = run.settings.SpatialSmoothingFWHM;
-    if (!run.document.smoothing.smoothVolume(project, volumeIndex, fwhm) && volumeIndex == 0 &&
-        !SpatialSmoothing::isPossible(voxelWidths(project, double(fwhm))))
-        showWarningAside(QString("WARNING: Volumes are not smoothed: a width of %1 mm does not go "
-                                 "with their voxel size.")
-                             .arg(double(fwhm)));
+    const bool smoothed = run.document.smoothing.smoothVolume(project, volumeIndex, fwhm);
+    if (volumeIndex != 0 || SpatialSmoothing::isPossible(voxelWidths(project, double(fwhm))))
+        return;
+    const QString text =
+        smoothed ? "WARNING: A smoothing width of %1 mm makes all samples of the run 0."
+                 : "WARNING: Volumes are not smoothed: a width of %1 mm does not go with their "
+                   "voxel size.";
+    showWarningAside(text.arg(double(fwhm)));
 }
 
 } // namespace

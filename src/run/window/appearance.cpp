@@ -68,6 +68,7 @@ QToolButton:disabled, QPushButton:disabled { background: #151d27; border-color: 
 QCheckBox { spacing: 8px; }
 QCheckBox::indicator { width: 20px; height: 16px; image: url(:/images/contrast_off.png); }
 QCheckBox::indicator:checked { image: url(:/images/contrast_on.png); }
+QCheckBox::indicator:checked:disabled { image: url(:/images/contrast_still.png); }
 QCheckBox:focus, QRadioButton:focus { color: #2fc4b2; }
 QRadioButton { spacing: 8px; }
 QRadioButton::indicator { width: 12px; height: 12px; border: 1px solid #8495a6;
