@@ -14,19 +14,17 @@ void correctMotion(const RunParts& run, int volumeIndex) {
         document.motion.setMotionTarget(document.project);
 }
 
-// A volume that can't be smoothed stays as it is, a width of 0 leaves nothing of it, and the run
-// goes on; the operator hears of either with the first volume.
+// With a width that can't be used (of 0 nothing would be left of a volume) volumes stay as they are,
+// and the run goes on; the operator hears of it with the first one.
 void smooth(const RunParts& run, int volumeIndex) {
     FMRProject& project = run.document.project;
     const float fwhm = run.settings.SpatialSmoothingFWHM;
-    const bool smoothed = run.document.smoothing.smoothVolume(project, volumeIndex, fwhm);
-    if (volumeIndex != 0 || SpatialSmoothing::isPossible(voxelWidths(project, double(fwhm))))
-        return;
-    const QString text =
-        smoothed ? "WARNING: A smoothing width of %1 mm makes all samples of the run 0."
-                 : "WARNING: Volumes are not smoothed: a width of %1 mm does not go with their "
-                   "voxel size.";
-    showWarningAside(text.arg(double(fwhm)));
+    if (SpatialSmoothing::isPossible(voxelWidths(project, double(fwhm))))
+        static_cast<void>(run.document.smoothing.smoothVolume(project, volumeIndex, fwhm));
+    else if (volumeIndex == 0)
+        showWarningAside(QString("WARNING: Volumes are not smoothed: a width of %1 mm does not go "
+                                 "with their voxel size.")
+                             .arg(double(fwhm)));
 }
 
 } // namespace
