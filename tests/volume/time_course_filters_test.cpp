@@ -193,13 +193,14 @@ TEST(TemporalGaussian, WeighsNeighboursWithinTheRun) {
         float width;
         std::vector<int> course;
         std::vector<int> expected;
-    } cases[] = {{false, 2.0f, {3000, 0, 0}, {1920, 750, 120}}, // weights 1, 1/2, 1/16
-                 {true, 4.0f, {3000, 0, 0}, {1920, 750, 120}},
-                 // 20000 / (sigma sqrt(2 pi)) * 2^(-d^2 / 4), sigma 4 / sqrt(8 ln 2)
-                 {false,
-                  4.0f,
-                  {0, 0, 0, 0, 0, 0, 0, 20000, 0, 0, 0, 0, 0, 0, 0},
-                  {1, 9, 62, 294, 987, 2349, 3950, 4697, 3950, 2349, 987, 294, 62, 9, 1}}};
+    } cases[] = {
+        {false, 2.0f, {3000, 0, 0}, {1920, 750, 120}}, // weights 1, 1/2, 1/16
+        {true, 4.0f, {3000, 0, 0}, {1920, 750, 120}},
+        // 20000 / (sigma sqrt(2 pi)) * 2^(-d^2 / 4), sigma 4 / sqrt(8 ln 2)
+        {false,
+         4.0f,
+         {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 20000, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
+         {0, 0, 0, 1, 9, 62, 294, 987, 2349, 3950, 4697, 3950, 2349, 987, 294, 62, 9, 1, 0, 0, 0}}};
     RecordedProgress progress;
     TemporalOptions options;
     for (const auto& c : cases) {
