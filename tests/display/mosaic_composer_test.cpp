@@ -74,15 +74,14 @@ TEST(MosaicComposer, CodesSetsOfPassingMaps) {
     }
 }
 
-struct SignificanceCase {
-    std::vector<float> values; ///< one for each map
-    std::vector<int> states;
-    int index; ///< -1: the voxel keeps its grey
-};
-
 TEST(MosaicComposer, CodesSignificance) {
     // From 3 to 8: an entry for each 5/9.
-    const std::vector<SignificanceCase> cases{
+    struct Case {
+        std::vector<float> values; ///< one for each map
+        std::vector<int> states;
+        int index; ///< -1: the voxel keeps its grey
+    };
+    const std::vector<Case> cases{
         {{3.0f}, {1}, 0},
         {{2.9999f}, {1}, -1},
         {{3.6f}, {1}, 1},
@@ -97,7 +96,7 @@ TEST(MosaicComposer, CodesSignificance) {
         {{6.5f, -5.5f}, {2, 1}, -1},
         {{nan, 4.2f, 1.0f, nan}, {3, 3, 3, 2}, 2},
     };
-    for (const SignificanceCase& test : cases) {
+    for (const Case& test : cases) {
         Scene scene(1, int(test.values.size()));
         scene.source.significanceColorCoding = true;
         scene.maps.states = test.states;
@@ -106,9 +105,7 @@ TEST(MosaicComposer, CodesSignificance) {
         EXPECT_EQ(scene.pixel(3, 2), test.index < 0 ? grey : entry(test.index))
             << testing::PrintToString(test.values);
     }
-}
-
-TEST(MosaicComposer, SurvivesThresholdsThatSpanNothing) {
+    // Thresholds that span nothing.
     EXPECT_EQ(significanceColorIndex(3.0f, false, 3.0f, 3.0f), 9);
     EXPECT_EQ(significanceColorIndex(4.0f, true, 3.0f, 2.0f), 19);
     EXPECT_EQ(significanceColorIndex(4.0f, false, 3.0f, nan), 9);

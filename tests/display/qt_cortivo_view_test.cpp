@@ -10,30 +10,26 @@
 
 namespace {
 
-/// Six slices of 8 x 8 in 3 x 2 tiles; the voxel 2, 3 of slice 1 carries a t value.
-void fillDocument(QtCortivoDoc& document) {
-    std::vector<int16_t> samples(8 * 8 * 6, 50);
-    document.slices.greyScale.high = 100;
-    document.slices.createSlicePixmaps(samples, 8, 8, 6);
-    document.mosaic = {3, 2, 0, 1, 1};
-    StatisticalMaps& maps = document.maps;
-    maps.sizeX = maps.sizeY = 8;
-    maps.nrOfSlices = 6;
-    ASSERT_TRUE(maps.allocateMaps(1));
-    maps.ContrastMaps[0][64 + 3 * 8 + 2] = 20.0f;
-    maps.states = {ContrastPositive};
-    maps.contrastOfMap = {0};
-    maps.NrOfActiveContrasts = maps.NrOfShownMaps = 1;
-    maps.ClusterSizePixels = 1;
-    document.SignificanceColorCoding = true;
-}
-
 constexpr QRgb strongest = 0xffffff00;
 
+/// Six slices of 8 x 8 in 3 x 2 tiles; the voxel 2, 3 of slice 1 carries a t value.
 class View : public testing::Test {
 protected:
     void SetUp() override {
-        fillDocument(document);
+        const std::vector<int16_t> samples(8 * 8 * 6, 50);
+        document.slices.greyScale.high = 100;
+        document.slices.createSlicePixmaps(samples, 8, 8, 6);
+        document.mosaic = {3, 2, 0, 1, 1};
+        StatisticalMaps& maps = document.maps;
+        maps.sizeX = maps.sizeY = 8;
+        maps.nrOfSlices = 6;
+        ASSERT_TRUE(maps.allocateMaps(1));
+        maps.ContrastMaps[0][64 + 3 * 8 + 2] = 20.0f;
+        maps.states = {ContrastPositive};
+        maps.contrastOfMap = {0};
+        maps.NrOfActiveContrasts = maps.NrOfShownMaps = 1;
+        maps.ClusterSizePixels = 1;
+        document.SignificanceColorCoding = true;
         view.resize(700, 560);
     }
     ScriptedMessages messages;
@@ -44,13 +40,10 @@ protected:
 TEST_F(View, ScrollsByKeys) {
     document.mosaic = {2, 2, 0, 2, 1};
     view.slotDocumentChanged();
-    for (const auto& [key, first] : std::vector<std::pair<Qt::Key, int>>{{Qt::Key_PageDown, 2},
-                                                                         {Qt::Key_Right, 4},
-                                                                         {Qt::Key_Plus, 0},
-                                                                         {Qt::Key_PageUp, 5},
-                                                                         {Qt::Key_Minus, 4},
-                                                                         {Qt::Key_Left, 3},
-                                                                         {Qt::Key_Up, 3}}) {
+    const std::pair<Qt::Key, int> firstSliceAfter[] = {
+        {Qt::Key_PageDown, 2}, {Qt::Key_Right, 4}, {Qt::Key_Plus, 0}, {Qt::Key_PageUp, 5},
+        {Qt::Key_Minus, 4},    {Qt::Key_Left, 3},  {Qt::Key_Up, 3}};
+    for (const auto& [key, first] : firstSliceAfter) {
         QTest::keyClick(&view, key);
         EXPECT_EQ(document.mosaic.FirstShownSlice, first) << "key " << int(key);
     }

@@ -7,6 +7,7 @@
 #include "volume/first_volume_file.h"
 #include "volume/fmr_file.h"
 #include "volume/load_fmr_project.h"
+#include "volume_runs.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,18 +20,10 @@ int16_t valueAt(int x, int y, int slice, int volume) {
 }
 
 FMRProject makeRun(const QString& folder, int nrOfVolumes = 5) {
-    FMRProject project;
-    project.NrOfVolumes = nrOfVolumes;
-    project.NrOfSlices = 3;
-    project.ResolutionX = 4;
-    project.ResolutionY = 2;
+    FMRProject project = runOf(4, 2, 3, nrOfVolumes, valueAt);
     project.Prefix = "run-";
     project.targetFolder = folder + "/";
     project.projectPath = project.targetFolder + "run.fmr";
-    EXPECT_TRUE(project.allocateVolumes());
-    for (int i = 0; i < nrOfVolumes * 24; ++i)
-        project.volumes[size_t(i / 24)][size_t(i % 24)] =
-            valueAt(i % 4, i / 4 % 2, i / 8 % 3, i / 24);
     return project;
 }
 
@@ -50,24 +43,18 @@ int16_t sampleAt(const QByteArray& bytes, qsizetype index) {
     return int16_t(uint8_t(bytes[2 * index]) | uint8_t(bytes[2 * index + 1]) << 8);
 }
 
-struct Progress : ProgressReporter {
-    void setProgress(int percent) override { values.push_back(percent); }
-    std::vector<int> values;
+class STCFile : public testing::Test {
+protected:
+    QTemporaryDir folder;
+    ScriptedMessages messages;
+    RecordedProgramEnd end;
+    FMRProject project = makeRun(folder.path());
 };
-
-bool sameVolumes(const FMRProject& a, const FMRProject& b) {
-    return std::equal(a.volumes.begin(), a.volumes.end(), b.volumes.begin(), b.volumes.end(),
-                      [](const Volume& left, const Volume& right) {
-                          return std::ranges::equal(left.span(), right.span());
-                      });
-}
 
 } // namespace
 
-TEST(STCFile, LiesSliceBySliceAsManyVolumesAsWereMeasured) {
-    QTemporaryDir folder;
-    const FMRProject project = makeRun(folder.path());
-    Progress progress;
+TEST_F(STCFile, LiesSliceBySliceAsManyVolumesAsWereMeasured) {
+    RecordedProgress progress;
     SimulatedPump pump;
     ASSERT_TRUE(writeSTCData(project, 4, &progress, &pump, 40, 100));
     EXPECT_EQ(progress.values, (std::vector<int>{40, 60, 80}));
@@ -78,25 +65,19 @@ TEST(STCFile, LiesSliceBySliceAsManyVolumesAsWereMeasured) {
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{"run.stc"});
 }
 
-TEST(STCFile, AnInterruptedRunIsReadBackConsistently) {
-    QTemporaryDir folder;
-    FMRProject project = makeRun(folder.path());
+TEST_F(STCFile, AnInterruptedRunIsReadBackConsistently) {
     ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 3));
     ASSERT_TRUE(writeSTCData(project, 3, nullptr, nullptr, 0, 100));
     FMRProject loaded;
     ASSERT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
-    EXPECT_TRUE(sameVolumes(loaded, makeRun(folder.path(), 3)));
+    EXPECT_EQ(samplesOf(loaded), samplesOf(makeRun(folder.path(), 3)));
     FMRHeader header;
     Volume volume;
     ASSERT_TRUE(readSTCVolume(2, project.projectPath, header, volume));
     EXPECT_TRUE(std::ranges::equal(volume.span(), project.volumes[2].span()));
 }
 
-TEST(STCFile, MissingAndShortFilesEndTheProgram) {
-    QTemporaryDir folder;
-    ScriptedMessages messages;
-    RecordedProgramEnd end;
-    FMRProject project = makeRun(folder.path());
+TEST_F(STCFile, MissingAndShortFilesEndTheProgram) {
     const QString path = folder.filePath("run.stc");
     ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
     messages.expect(MessageLevel::Critical, "ERROR: Can not open .stc file: " + path);
@@ -121,11 +102,7 @@ TEST(STCFile, MissingAndShortFilesEndTheProgram) {
     EXPECT_EQ(end.statuses, std::vector<int>(6, 1));
 }
 
-TEST(STCFile, HugeSizesAreRefusedBeforeMemoryIsTaken) {
-    QTemporaryDir folder;
-    ScriptedMessages messages;
-    RecordedProgramEnd end;
-    FMRProject project = makeRun(folder.path());
+TEST_F(STCFile, HugeSizesAreRefusedBeforeMemoryIsTaken) {
     project.NrOfSlices = maximumFMRSize;
     project.ResolutionX = project.ResolutionY = maximumFMRSize;
     project.NrOfVolumes = maximumFMRVolumes;
@@ -139,9 +116,8 @@ TEST(STCFile, HugeSizesAreRefusedBeforeMemoryIsTaken) {
     EXPECT_FALSE(loadFMRProject(loaded, project.projectPath, LoadData::No));
 }
 
-TEST(STCFile, SliceFilesOfOldRunsAreRead) {
-    QTemporaryDir folder;
-    FMRProject project = makeRun(folder.path(), 2);
+TEST_F(STCFile, SliceFilesOfOldRunsAreRead) {
+    project = makeRun(folder.path(), 2);
     const FMRProject original = makeRun(folder.path(), 2);
     project.DataStorageFormat = 1;
     project.Prefix = "run";
@@ -153,10 +129,8 @@ TEST(STCFile, SliceFilesOfOldRunsAreRead) {
     for (Volume& volume : project.volumes)
         std::ranges::fill(volume.span(), int16_t(0));
     ASSERT_TRUE(readSTCData(project));
-    EXPECT_TRUE(sameVolumes(project, original));
+    EXPECT_EQ(samplesOf(project), samplesOf(original));
 
-    ScriptedMessages messages;
-    RecordedProgramEnd end;
     messages.expect(MessageLevel::Critical,
                     "ERROR: Unexpected .stc file dimensions, quitting Cortivo NX...");
     writeBytes(folder.filePath("other.stc"), QByteArray("\x02\0\x04\0", 4) + QByteArray(32, '\0'));
@@ -167,9 +141,7 @@ TEST(STCFile, SliceFilesOfOldRunsAreRead) {
     EXPECT_EQ(end.statuses, (std::vector<int>{1, 1}));
 }
 
-TEST(FirstVolume, HoldsTheSamplesInSliceOrder) {
-    QTemporaryDir folder;
-    FMRProject project = makeRun(folder.path());
+TEST_F(STCFile, TheFirstVolumeHasAFileInSliceOrder) {
     EXPECT_FALSE(writeFirstVolume(project));
     ASSERT_TRUE(project.firstVolume.allocate(project.volumeSamples()));
     std::ranges::copy(project.volumes[1].span(), project.firstVolume.data());
@@ -182,7 +154,6 @@ TEST(FirstVolume, HoldsTheSamplesInSliceOrder) {
     // A folder that can't be written is left as it is.
     project.targetFolder = folder.filePath("run-firstvol.img/");
     project.projectPath = project.targetFolder + "run.fmr";
-    ScriptedMessages messages;
     messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
     EXPECT_FALSE(writeSTCData(project, 5, nullptr, nullptr, 0, 0));
     messages.expect(MessageLevel::Critical, "Error: Can not open file to save first volume.");
@@ -190,13 +161,10 @@ TEST(FirstVolume, HoldsTheSamplesInSliceOrder) {
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{"run-firstvol.img"});
 }
 
-TEST(LoadProject, AnAnatomicalFileIsFoundBesideTheProjectOrCleared) {
-    QTemporaryDir folder;
-    FMRProject project = makeRun(folder.path());
+TEST_F(STCFile, AnAnatomicalFileIsFoundBesideTheProjectOrCleared) {
     project.LoadAMRFile = "C:\\old\\place\\head.amr";
     project.ShowAMRFile = 1;
     ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
-    ScriptedMessages messages;
     messages.expect(MessageLevel::Warning,
                     "Error loading .FMR project:\n -> Can not find referenced file  > "
                     "C:\\old\\place\\head.amr <");

@@ -427,6 +427,8 @@ void PostprocessingDlg::accept() {
         return;
     if (!wrong)
         return QDialog::accept();
+    // The message lay over the main window, which may have the keyboard now.
+    activateWindow();
     wrong->setFocus();
     if (auto* field = qobject_cast<QLineEdit*>(wrong))
         field->selectAll();

@@ -105,11 +105,13 @@ TEST_F(PostprocessingTest, RunThatEndedEarlyKeepsItsMapsWithoutGoingOn) {
 TEST_F(PostprocessingTest, CancellingLeavesTheDataOrTheStatistics) {
     measure(30);
     const std::vector<float> oldMap = samplesOf(document().maps.ContrastMaps[0]);
-    progress_.cancelAt = 30;
-    EXPECT_FALSE(session.postprocess(options_, true, progress_));
-    EXPECT_TRUE(isAsMeasured(0) && isAsMeasured(29));
-    EXPECT_FALSE(QFile::exists(path(result(".fmr"))) || QFile::exists(path(result(".stc"))));
-
+    for (const int percent : {30, 65}) { // in the steps, in writing
+        ProbeReporter early;
+        early.cancelAt = percent;
+        EXPECT_FALSE(session.postprocess(options_, true, early));
+        EXPECT_TRUE(isAsMeasured(0) && isAsMeasured(29));
+        EXPECT_FALSE(QFile::exists(path(result(".fmr"))) || QFile::exists(path(result(".stc"))));
+    }
     ProbeReporter late;
     late.cancelAt = 90; // the model is fitted by then
     EXPECT_FALSE(session.postprocess(options_, true, late));
