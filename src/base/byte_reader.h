@@ -49,6 +49,7 @@ public:
     uint32_t u32() { return uint32_t(number(4)); }
     int32_t i32() { return int32_t(u32()); }
     float f32() { return std::bit_cast<float>(u32()); }
+    double f64() { return std::bit_cast<double>(number(8)); }
 
 private:
     uint64_t number(size_t size) {

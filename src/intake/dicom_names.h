@@ -10,6 +10,11 @@
     return QString::number(number).rightJustified(width, '0');
 }
 
+/// "i5.MRDC.1": number and count as GE scanners write them, without zeros in front.
+[[nodiscard]] inline QString geDicomFileName(qint64 number, qint64 count) {
+    return QString("i%1.MRDC.%2").arg(number).arg(count);
+}
+
 /// Prefix, delimiter, volume number, delimiter, image number, ".", extension.
 [[nodiscard]] inline QString dicomFileName(const QString& prefix, qint64 volumeNumber,
                                            qint64 imageNumber, const RunSettings& settings) {

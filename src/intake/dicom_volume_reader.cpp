@@ -81,8 +81,7 @@ bool DicomVolumeReader::takeSlice(const Image& image, Stage stage,
         stage == Stage::FirstVolume ? image.byteOrder : state().rawDataByteOrder;
     const std::span<uint8_t> samples =
         image.samples.first(std::min(target.size_bytes(), image.samples.size()));
-    if (order != hostByteOrder)
-        swapSamples(samples, target.size());
+    toHostOrder(samples, order);
     return store(samples, target);
 }
 
@@ -93,13 +92,9 @@ bool DicomVolumeReader::readHeader(const QString& fileName) {
 
 void DicomVolumeReader::takeSizes(const QString& fileName) {
     const DicomHeader& header = state().header;
-    // A number that no file ever stated is 0.
-    const auto stated = [](float value) {
-        return value == 0.0f ? std::nullopt : std::optional(value);
-    };
     HeaderSizes sizes;
-    sizes.pixelSizeX = stated(header.pixelSpacingSecond);
-    sizes.pixelSizeY = stated(header.pixelSpacingFirst);
+    sizes.pixelSizeX = statedLength(header.pixelSpacingSecond);
+    sizes.pixelSizeY = statedLength(header.pixelSpacingFirst);
     // A header that never stated the spacing says nothing about a gap.
     const bool spaced = header.spacingBetweenSlices > 0.0f;
     if (spaced || header.sliceThickness != 0.0f) {

@@ -2,11 +2,12 @@
 #include "intake/ge_dicom_reader.h"
 
 #include "base/paths.h"
+#include "intake/dicom_names.h"
 
 #include <numeric>
 
 QString GeDicomReader::sliceFileName(qint64 number, qint64 count) const {
-    return watchedPath(QString("i%1.MRDC.%2").arg(number).arg(count));
+    return watchedPath(geDicomFileName(number, count));
 }
 
 bool GeDicomReader::readFirstVolume() {

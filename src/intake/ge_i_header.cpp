@@ -14,12 +14,12 @@ std::optional<HeaderSizes> parseGEIHeader(std::span<const uint8_t> bytes) {
         reader.seek(start + offset);
         return reader.f32();
     };
-    const HeaderSizes sizes{.pixelSizeX = floatAt(54),
-                            .pixelSizeY = floatAt(50),
+    const HeaderSizes sizes{.pixelSizeX = statedLength(floatAt(54)),
+                            .pixelSizeY = statedLength(floatAt(50)),
                             .sliceThickness = floatAt(26),
                             .sliceGap = floatAt(116),
-                            .fieldOfViewX = floatAt(38),
-                            .fieldOfViewY = floatAt(34)};
+                            .fieldOfViewX = statedLength(floatAt(38)),
+                            .fieldOfViewY = statedLength(floatAt(34))};
     return reader.failed() ? std::nullopt : std::optional(sizes);
 }
 

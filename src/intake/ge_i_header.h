@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <span>
 
+inline constexpr int geIHeaderBytes = 7904; ///< in front of the samples
+
 /// Sizes from the image header, whose start stands at offset 148; all numbers are big-endian on any
 /// host. Nothing when the header lies beyond the end.
 [[nodiscard]] std::optional<HeaderSizes> parseGEIHeader(std::span<const uint8_t> bytes);

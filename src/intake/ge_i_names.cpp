@@ -6,10 +6,19 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr int numberWidth = 3;
+
+} // namespace
+
+QString geIImageName(qint64 image) {
+    return "I." + paddedNumber(image, numberWidth);
+}
+
 QString geIFileName(const GeINumbers& first, qint64 index) {
     constexpr qint64 lastImage = 999;
     constexpr int seriesStep = 20;
-    constexpr int width = 3;
     qint64 series = first.seriesNr;
     qint64 image = first.firstImageNr + index;
     if (image > lastImage) {
@@ -18,7 +27,7 @@ QString geIFileName(const GeINumbers& first, qint64 index) {
         series += seriesStep * (1 + behind / lastImage);
         image = 1 + behind % lastImage;
     }
-    return paddedNumber(series, width) + "/I." + paddedNumber(image, width);
+    return paddedNumber(series, numberWidth) + '/' + geIImageName(image);
 }
 
 GeIFileList geIFileList(const QString& watchFolder, const GeINumbers& first, qint64 count) {

@@ -11,6 +11,9 @@ struct GeINumbers {
     int firstImageNr = 1;
 };
 
+/// "I.001": the number has three digits or more.
+[[nodiscard]] QString geIImageName(qint64 image);
+
 /// Name of an expected file below the watch folder, "001/I.001": both numbers have three digits or
 /// more, and the image that would be number 1000 is number 1 of the folder 20 numbers higher.
 /// `index` counts files from 0.

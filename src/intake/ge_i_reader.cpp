@@ -45,15 +45,14 @@ bool GeIReader::readVolume(int volume) {
 }
 
 bool GeIReader::readSlices(Stage stage, int volume, qint64 firstIndex) {
-    constexpr qint64 headerBytes = 7904;
     const auto sliceBytes = qint64(targetSlice(stage, volume, 0).size_bytes());
     if (sliceBytes == 0)
         return false;
     for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
         const auto image = awaitSamples({.expected = {{expectedPath(firstIndex + slice)},
-                                                      headerBytes + sliceBytes,
+                                                      geIHeaderBytes + sliceBytes,
                                                       /*atLeast*/ false},
-                                         .part = {.offset = headerBytes, .length = sliceBytes}});
+                                         .part = {.offset = geIHeaderBytes, .length = sliceBytes}});
         if (!image)
             return false;
         toHostOrder(image->samples);

@@ -3,9 +3,7 @@
 
 #include "base/messages.h"
 #include "base/text_reading.h"
-
-#include <algorithm>
-#include <limits>
+#include "intake/header_numbers.h"
 
 namespace {
 
@@ -22,10 +20,9 @@ bool takeWord(TokenStream& words, const char* wanted) {
 void takeNumber(TokenStream& words, std::optional<float>& target) {
     words.word();
     TokenStream number(words.word());
-    constexpr double limit = std::numeric_limits<float>::max();
-    const double value = std::clamp(number.real(), -limit, limit);
+    const double value = number.real();
     if (!number.failed())
-        target = float(value);
+        target = limitedFloat(value);
 }
 
 } // namespace

@@ -43,7 +43,7 @@ bool GeStanfordReader::readSlices(Stage stage, int volume, const QString& path) 
         if (!image)
             return false;
         // In any case, whatever the settings say about the byte order.
-        swapSamples(image->samples, image->samples.size() / 2);
+        swapSamples(image->samples);
         if (!store(image->samples, targetSlice(stage, volume, nrOfSlices - 1 - slice)))
             return false;
     }

@@ -18,13 +18,17 @@ TokenStream numberStream(std::string_view text) {
 
 } // namespace
 
+float limitedFloat(double value) {
+    constexpr double limit = std::numeric_limits<float>::max();
+    return float(std::clamp(value, -limit, limit));
+}
+
 double leadingNumber(std::string_view text) {
     return numberStream(text).real();
 }
 
 float leadingFloat(std::string_view text) {
-    constexpr double limit = std::numeric_limits<float>::max();
-    return float(std::clamp(leadingNumber(text), -limit, limit));
+    return limitedFloat(leadingNumber(text));
 }
 
 int leadingInteger(std::string_view text) {

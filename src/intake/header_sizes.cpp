@@ -2,13 +2,9 @@
 #include "intake/header_sizes.h"
 
 #include "base/messages.h"
+#include "intake/header_numbers.h"
 
 namespace {
-
-// A number that is none fails each comparison.
-bool isLength(float value) {
-    return value > 0.0f && value <= largestLength;
-}
 
 // False when the length is stated and can't be.
 bool take(const std::optional<float>& length, float& target) {
@@ -23,7 +19,9 @@ bool take(const std::optional<float>& length, float& target) {
 bool takeDistance(const HeaderSizes& sizes, FMRProject& project) {
     const float thickness = sizes.sliceThickness.value_or(project.sliceThickness);
     const float gap = sizes.sliceGap.value_or(project.sliceGap);
-    if (!(thickness >= 0.0f && thickness <= largestLength && isLength(thickness + gap)))
+    // Beside a gap that the header states, a thickness of 0 is one that is not known.
+    const bool unknown = thickness == 0.0f && sizes.sliceGap.has_value();
+    if (!(unknown || isLength(thickness)) || !isLength(thickness + gap))
         return false;
     project.sliceThickness = thickness;
     project.sliceGap = gap;
@@ -31,6 +29,15 @@ bool takeDistance(const HeaderSizes& sizes, FMRProject& project) {
 }
 
 } // namespace
+
+// A number that is none fails each comparison.
+bool isLength(float millimetres) {
+    return millimetres > 0.0f && millimetres <= largestLength;
+}
+
+std::optional<float> statedLength(double millimetres) {
+    return millimetres == 0.0 ? std::nullopt : std::optional(limitedFloat(millimetres));
+}
 
 void takeHeaderSizes(const HeaderSizes& sizes, const QString& fileName, FMRProject& project) {
     FMRPositionInfo& position = project.position;

@@ -9,6 +9,12 @@
 /// No scanner measures anything larger or further away, in millimetres.
 inline constexpr float largestLength = 10000.0f;
 
+/// More than 0 and at most largestLength.
+[[nodiscard]] bool isLength(float millimetres);
+
+/// A field of a header; one that is 0 was left empty by the scanner.
+[[nodiscard]] std::optional<float> statedLength(double millimetres);
+
 /// In millimetres; what a header does not state is empty.
 struct HeaderSizes {
     std::optional<float> pixelSizeX;
@@ -20,8 +26,7 @@ struct HeaderSizes {
 };
 
 /// Takes what is stated into the project and the record of its slice geometry, together with matrix
-/// and slice distance there. What can't be is left out, after a warning that names the file, and
-/// the project keeps what it had: a length that is no number, not above 0 or above largestLength.
-/// Thickness and gap are judged by their sum; a thickness of 0 stands for one that is not known
-/// beside the distance.
+/// and slice distance there. What is no length is left out, after a warning that names the file,
+/// and the project keeps what it had. Thickness and gap are judged by their sum; a thickness of 0
+/// beside a stated gap is one that is not known.
 void takeHeaderSizes(const HeaderSizes& sizes, const QString& fileName, FMRProject& project);

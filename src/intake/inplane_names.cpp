@@ -4,6 +4,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "intake/dicom_names.h"
+#include "intake/ge_i_names.h"
 
 #include <QRegularExpression>
 
@@ -33,8 +34,7 @@ QString firstInplaneName(const RunSettings& settings) {
 }
 
 InplaneNames threeDigitNames() {
-    constexpr int width = 3;
-    return [](int slice) { return "I." + paddedNumber(slice + 1, width); };
+    return [](int slice) { return geIImageName(slice + 1); };
 }
 
 InplaneNames seriesNames(const RunSettings& settings) {
@@ -70,8 +70,6 @@ InplaneNames twoNumberNames(const RunSettings& settings) {
     const QRegularExpressionMatch match = form.match(name);
     if (!match.hasMatch())
         return refuseNumber(name);
-    return [first = match.captured(1).toLongLong(),
-            second = match.captured(2).toLongLong()](int slice) {
-        return QStringLiteral("i%1.MRDC.%2").arg(first + slice).arg(second + slice);
-    };
+    return [first = match.captured(1).toLongLong(), second = match.captured(2).toLongLong()](
+               int slice) { return geDicomFileName(first + slice, second + slice); };
 }

@@ -4,22 +4,15 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "intake/dicom_volume_reader.h"
+#include "intake/ge_i_header.h"
 #include "intake/image_transformation.h"
 #include "intake/inplane_names.h"
 #include "intake/raw_volume_reader.h"
-
-#include <cstring>
 
 namespace {
 
 QString inplanePath(const RunSettings& settings, const QString& name) {
     return paths::join(settings.OverlayInplaneFolder, name);
-}
-
-void storeSlice(std::span<uint8_t> samples, ByteOrder order, std::span<int16_t> target) {
-    if (order != hostByteOrder)
-        swapSamples(samples, target.size());
-    std::memcpy(target.data(), samples.data(), target.size_bytes());
 }
 
 /// Where the samples of a slice stand.
@@ -40,9 +33,11 @@ public:
     [[nodiscard]] bool readFirstVolume() override {
         for (int slice = 0; slice < scan_.nrOfSlices; ++slice) {
             const auto image = awaitSamples(fileOf(slice));
-            if (!image || scan_.slice(slice).empty())
+            if (!image)
                 return false;
-            storeSlice(image->samples, state().rawDataByteOrder, scan_.slice(slice));
+            toHostOrder(image->samples);
+            if (!store(image->samples, scan_.slice(slice)))
+                return false;
             // Such files are stored the same way round as the run's.
             if (form_ == RawForm::OneFile)
                 transformSlice(scan_.slice(slice), scan_.sizeY, settings().ImageTransformation);
@@ -53,16 +48,15 @@ public:
 
 private:
     [[nodiscard]] RawFile fileOf(int slice) const {
-        constexpr qint64 headerBytes = 7904;
         const qint64 sliceBytes = qint64(scan_.sliceSamples() * sizeof(int16_t));
         RawFile file{.expected = {{inplanePath(settings(), names_(slice))}, sliceBytes, true},
                      .part = {.offset = 0, .length = sliceBytes},
                      .settleMilliseconds = settleMilliseconds_};
         switch (form_) {
         case RawForm::BehindHeader:
-            file.expected.size = headerBytes + sliceBytes;
+            file.expected.size = geIHeaderBytes + sliceBytes;
             file.expected.atLeast = false;
-            file.part.offset = headerBytes;
+            file.part.offset = geIHeaderBytes;
             break;
         case RawForm::EndOfFile:
             file.part.fromEnd = true;
@@ -92,9 +86,9 @@ public:
             // Any size counts as arrived: how long a header is, the settings don't tell.
             const ExpectedFile file{{inplanePath(settings(), names_(slice))}, 0, true};
             const auto image = awaitImage(file, Stage::FirstVolume, scan_.sliceSamples());
-            if (!image || scan_.slice(slice).empty())
+            // As in the loop, the run's byte order counts and not that of the file.
+            if (!image || !takeSlice(*image, Stage::Loop, scan_.slice(slice)))
                 return false;
-            storeSlice(image->samples, image->byteOrder, scan_.slice(slice));
         }
         return true;
     }

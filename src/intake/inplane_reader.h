@@ -7,7 +7,7 @@
 
 /// Waits for the files of "OverlayInplaneDataType:" in "OverlayInplaneFolder:" and reads them into
 /// `scan`, which has the sizes of the settings. Each file has the time-out of the settings for
-/// itself; events are processed meanwhile, in which the scan must stay. Raw samples are in the byte
-/// order that the run has settled on (state.rawDataByteOrder), those of DICOM files in their own.
-/// False on a time-out, and after a message when a name, the data type or a file is no good.
+/// itself; events are processed meanwhile, in which the scan must stay. Samples, those of DICOM
+/// files too, are in the byte order that the run has settled on (state.rawDataByteOrder). False on
+/// a time-out, and after a message when a name, the data type or a file is no good.
 [[nodiscard]] bool readInplaneSeries(const IntakeContext& context, InplaneScan& scan);

@@ -73,8 +73,12 @@ std::span<uint8_t> pixelBytes(std::span<uint8_t> bytes, const PixelData& pixelDa
     return bytes.subspan(std::min(pixelData.valueOffset, bytes.size()));
 }
 
-void swapSamples(std::span<uint8_t> samples, size_t count) {
-    const size_t end = 2 * std::min(count, samples.size() / 2);
-    for (size_t i = 0; i < end; i += 2)
-        std::swap(samples[i], samples[i + 1]);
+void swapSamples(std::span<uint8_t> samples) {
+    for (size_t i = 1; i < samples.size(); i += 2)
+        std::swap(samples[i - 1], samples[i]);
+}
+
+void toHostOrder(std::span<uint8_t> samples, ByteOrder order) {
+    if (order != hostByteOrder)
+        swapSamples(samples);
 }

@@ -29,5 +29,8 @@ struct PixelData {
 /// The bytes behind the value offset; empty when it lies behind the end.
 [[nodiscard]] std::span<uint8_t> pixelBytes(std::span<uint8_t> bytes, const PixelData& pixelData);
 
-/// Exchanges the two bytes of each of the first `count` 16-bit samples, or of as many as there are.
-void swapSamples(std::span<uint8_t> samples, size_t count);
+/// Exchanges the two bytes of each 16-bit sample; an odd last byte stays.
+void swapSamples(std::span<uint8_t> samples);
+
+/// The same where the samples have another byte order than this machine.
+void toHostOrder(std::span<uint8_t> samples, ByteOrder order);

@@ -21,7 +21,21 @@ std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitSamples(const Raw
     return std::nullopt;
 }
 
+std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitHeadedFile(const HeadedFile& file) {
+    const qint64 fileBytes = file.headerBytes + file.sampleBytes;
+    const auto image = awaitSamples(
+        {.expected = file.firstOfRun ? expectedFirstFile(file.name, fileBytes)
+                                     : ExpectedFile{{watchedPath(file.name)}, fileBytes, true},
+         .part = {.offset = file.headerBytes, .length = file.sampleBytes},
+         .settleMilliseconds = file.settleMilliseconds});
+    if (!image)
+        return std::nullopt;
+    if (file.firstOfRun)
+        takeFirstFile(image->path);
+    toHostOrder(image->samples);
+    return image;
+}
+
 void RawVolumeReader::toHostOrder(std::span<uint8_t> samples) const {
-    if (state().rawDataByteOrder != hostByteOrder)
-        swapSamples(samples, samples.size() / 2);
+    ::toHostOrder(samples, state().rawDataByteOrder);
 }

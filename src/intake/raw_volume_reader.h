@@ -21,6 +21,15 @@ protected:
         std::span<uint8_t> samples;
     };
 
+    /// A file of the watched folder whose samples stand behind a header of fixed size.
+    struct HeadedFile {
+        QString name;
+        bool firstOfRun = false;
+        qint64 headerBytes = 0;
+        qint64 sampleBytes = 0;
+        int settleMilliseconds = 10;
+    };
+
     using FileVolumeReader::FileVolumeReader;
 
     /// Waits for the file and reads the whole part. A file that passes the arrival test while the
@@ -28,6 +37,10 @@ protected:
     /// of the settings. Nothing when that has passed, after a message if the file could not be
     /// opened.
     [[nodiscard]] std::optional<RawImage> awaitSamples(const RawFile& file);
+
+    /// The same for such a file; its samples come in the byte order of this machine. The first one
+    /// of a run settles the watched folder.
+    [[nodiscard]] std::optional<RawImage> awaitHeadedFile(const HeadedFile& file);
 
     /// Exchanges the bytes of all samples where the run's files, as the settings state it, have
     /// another byte order than this machine.

@@ -3,14 +3,22 @@
 #pragma once
 
 #include "base/byte_reader.h"
-#include "volume/fmr_project.h"
+#include "intake/header_sizes.h"
 
 inline constexpr int imaHeaderBytes = 6144;
 
-/// Takes slice thickness, gap and fields of view (fovColumns, fovRows) into the project; pixel
-/// sizes are field of view over matrix, whatever the header's own fields say. A value that is not
-/// there or can't be a length leaves what the project has.
-void parseSiemensIMAHeader(std::span<const uint8_t> bytes, ByteOrder order, FMRProject& project);
+/// Pixels of a slice, as the settings state them.
+struct ImaMatrix {
+    int sizeX = 0;
+    int sizeY = 0;
+};
 
-/// The same for a file. One that can't be opened shows a message and changes nothing.
+/// Slice thickness, gap and fields of view; pixel sizes are field of view over matrix, whatever the
+/// header's own fields say. A gap that the scanner does not know is not stated, and nothing is
+/// where the header is cut short.
+[[nodiscard]] HeaderSizes parseSiemensIMAHeader(std::span<const uint8_t> bytes, ByteOrder order,
+                                                const ImaMatrix& matrix);
+
+/// Takes the sizes of a file into the project. After a message, when the file can't be opened, the
+/// project stays as it was.
 void readSiemensIMAHeader(const QString& fileName, ByteOrder rawDataByteOrder, FMRProject& project);

@@ -27,19 +27,11 @@ bool SiemensImaSliceReader::readSlices(Stage stage, int volume) {
     if (sliceBytes == 0)
         return false;
     for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
-        const bool firstFile = stage == Stage::FirstVolume && slice == 0;
-        const QString name = fileName(stage, volume, slice);
-        const qint64 fileBytes = imaHeaderBytes + sliceBytes;
-        const auto image = awaitSamples(
-            {.expected = firstFile ? expectedFirstFile(name, fileBytes)
-                                   : ExpectedFile{{watchedPath(name)}, fileBytes, true},
-             .part = {.offset = imaHeaderBytes, .length = sliceBytes}});
-        if (!image)
-            return false;
-        if (firstFile)
-            takeFirstFile(image->path);
-        toHostOrder(image->samples);
-        if (!store(image->samples, targetSlice(stage, volume, slice)))
+        const auto image = awaitHeadedFile({.name = fileName(stage, volume, slice),
+                                            .firstOfRun = stage == Stage::FirstVolume && slice == 0,
+                                            .headerBytes = imaHeaderBytes,
+                                            .sampleBytes = sliceBytes});
+        if (!image || !store(image->samples, targetSlice(stage, volume, slice)))
             return false;
     }
     return true;

@@ -53,9 +53,9 @@ bool SiemensMosaicReader::takeVolume(const Image& image, Stage stage,
     // In the loop the size of the swapped part comes from another key of the settings: settings
     // that disagree between the two keep their known result.
     const size_t loopSide = size_t(std::max(settings().SiemensMosaicResolution, 0));
-    if (image.byteOrder != hostByteOrder)
-        swapSamples(image.samples,
-                    stage == Stage::Loop ? loopSide * loopSide : layout.mosaicSamples());
+    const size_t count = stage == Stage::Loop ? loopSide * loopSide : layout.mosaicSamples();
+    toHostOrder(image.samples.first(2 * std::min(count, image.samples.size() / 2)),
+                image.byteOrder);
     return splitMosaic(image.samples, volume, layout);
 }
 

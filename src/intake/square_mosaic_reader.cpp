@@ -54,21 +54,12 @@ bool SquareMosaicReader::readFiles(Stage stage, int volume) {
 }
 
 bool SquareMosaicReader::readTiles(Stage stage, int volume, int file) {
-    const QString name = fileName(stage, volume, file);
-    const qint64 mosaicBytes = qint64(layoutOf(file).mosaicSamples()) * 2;
-    const qint64 fileBytes = headerBytes_ + mosaicBytes;
-    const bool firstFile = stage == Stage::FirstVolume && file == 0;
-    const auto image =
-        awaitSamples({.expected = firstFile ? expectedFirstFile(name, fileBytes)
-                                            : ExpectedFile{{watchedPath(name)}, fileBytes, true},
-                      .part = {.offset = headerBytes_, .length = mosaicBytes},
-                      .settleMilliseconds = 30});
-    if (!image)
-        return false;
-    if (firstFile)
-        takeFirstFile(image->path);
-    toHostOrder(image->samples);
-    return storeTiles(image->samples, file, targetVolume(stage, volume));
+    const auto image = awaitHeadedFile({.name = fileName(stage, volume, file),
+                                        .firstOfRun = stage == Stage::FirstVolume && file == 0,
+                                        .headerBytes = headerBytes_,
+                                        .sampleBytes = qint64(layoutOf(file).mosaicSamples()) * 2,
+                                        .settleMilliseconds = 30});
+    return image && storeTiles(image->samples, file, targetVolume(stage, volume));
 }
 
 bool SquareMosaicReader::storeTiles(std::span<const uint8_t> samples, int file,

@@ -24,7 +24,7 @@ bool run(std::span<const uint8_t> bytes) {
     for (const PixelKeySearch search : {PixelKeySearch::First, PixelKeySearch::Last}) {
         std::vector<uint8_t> copy(bytes.begin(), bytes.end());
         if (const auto found = findPixelData(copy, search))
-            swapSamples(pixelBytes(copy, *found), copy.size());
+            swapSamples(pixelBytes(copy, *found));
     }
     return good;
 }

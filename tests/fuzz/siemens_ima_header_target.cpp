@@ -11,7 +11,7 @@ bool run(std::span<const uint8_t> bytes) {
     bool good = false;
     for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big}) {
         FMRProject project;
-        parseSiemensIMAHeader(bytes, order, project);
+        takeHeaderSizes(parseSiemensIMAHeader(bytes, order, {64, 64}), "fuzz", project);
         require(std::isfinite(project.sliceThickness) && std::isfinite(project.sliceGap) &&
                     std::isfinite(project.pixelSizeX) && std::isfinite(project.pixelSizeY),
                 "sizes are numbers");

@@ -16,12 +16,9 @@ TEST(GeINames, FoldersOf999ImagesInStepsOfTwenty) {
          {Case{1, 1, 0, "001/I.001"},
           {1, 1, 998, "001/I.999"},
           {1, 1, 999, "021/I.001"},
-          {1, 1, 1997, "021/I.999"},
           {1, 1, 1998, "041/I.001"},
-          {7, 990, 9, "007/I.999"},
           {7, 990, 10, "027/I.001"},
           {990, 0, 1000, "1010/I.001"},
-          {1, 1500, 0, "021/I.001"},
           {1, 1500, 999, "041/I.001"},
           {2147483647, 2147483647, 4096000000, "2229485667/I.101"}})
         EXPECT_EQ(geIFileName({series, image}, index), QString(name));
@@ -44,52 +41,29 @@ struct GeIRun : IntakeRun {
     const QString listName = target.filePath("expected_GE_I_file_list.txt");
 };
 
-TEST(GeIReader, WritesTheListOfExpectedFilesWhereItCan) {
+TEST(GeINames, AHugeListIsCut) {
+    EXPECT_EQ(geIFileList(QString(1000000, 'w'), {}, 4096000000).nrOfNames, 67);
+}
+
+TEST(GeIReader, ListsItsFilesWhereItCanAndTakesThoseOfTheExactSize) {
     GeIRun run;
-    ASSERT_TRUE(run.reader()->prepare());
+    run.writeSlice("003/I.998", 0x0102);
+    run.write("003/I.999", QByteArray(7904 + 4, 'h'));
+    run.pump.after(900, [&] { run.writeSlice("003/I.999", 0x0304); });
+    const auto reader = run.reader();
+    ASSERT_TRUE(reader->prepare());
     QFile list(run.listName);
     ASSERT_TRUE(list.open(QIODevice::ReadOnly));
     const QStringList names = QString(list.readAll()).split('\n');
-    ASSERT_EQ(names.size(), 11);
+    ASSERT_EQ(names.size(), 11) << "two skipped and three analysed volumes";
     EXPECT_EQ(names[0], run.path("003/I.998"));
     EXPECT_EQ(names[2], run.path("023/I.001"));
     EXPECT_EQ(names[9], run.path("023/I.008"));
-
-    run.state.watchFolder = QString(1000000, 'w');
-    run.settings.NrOfVolumes = 1000000;
-    run.settings.NrOfSlices = 4096;
-    run.messages.expect(MessageLevel::Warning,
-                        "WARNING: The list of expected files ends behind 67 of 4096000000 names.");
-    EXPECT_TRUE(run.reader()->prepare());
     run.project.targetFolder = "/absent/";
-    EXPECT_TRUE(run.reader()->prepare());
-}
-
-TEST(GeIReader, TakesFilesOfTheExactSizeAndOfTheStatedByteOrder) {
-    for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big}) {
-        GeIRun run;
-        run.state.rawDataByteOrder = order;
-        const auto sample = [&](int value) {
-            return order == hostByteOrder ? value : (value & 0xFF) << 8 | value >> 8;
-        };
-        run.writeSlice("003/I.998", 0x0102);
-        run.write("003/I.999", QByteArray(7904 + 4, 'h'));
-        run.pump.after(900, [&] { run.writeSlice("003/I.999", 0x0304); });
-        // The first analysed volume lies behind two skipped ones.
-        run.writeSlice("023/I.003", 0x0506);
-        run.writeSlice("023/I.004", 0x0708);
-        run.write("023/I.005", QByteArray(7904 + 3, 'h'));
-        const auto reader = run.reader();
-        ASSERT_TRUE(reader->readFirstVolume());
-        EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{sample(0x102), sample(0x304)}));
-        EXPECT_EQ(run.project.FirstDataSourceFile, "I.998");
-        ASSERT_TRUE(reader->readVolume(0));
-        EXPECT_EQ(valuesOf(run.project.volumes[0]), (std::vector{sample(0x506), sample(0x708)}));
-        EXPECT_FALSE(reader->readVolume(1)) << "too large";
-        EXPECT_FALSE(reader->readVolume(3)) << "no such volume";
-        run.messages.expect(MessageLevel::Warning, "ERROR: GE_I file \"*");
-        EXPECT_TRUE(reader->readHeaders()) << "a run goes on without its header";
-    }
+    ASSERT_TRUE(reader->prepare() && reader->readFirstVolume());
+    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x102, 0x304}));
+    run.messages.expect(MessageLevel::Warning, "ERROR: GE_I file \"*");
+    EXPECT_TRUE(reader->readHeaders()) << "a run goes on without its header";
 }
 
 // Three slices of one sample.
@@ -101,7 +75,7 @@ struct StanfordRun : IntakeRun {
     }
 };
 
-TEST(GeStanfordReader, ReversesSlicesAndSwapsSamplesOfAGrowingFile) {
+TEST(GeStanfordReader, SwapsInAnyCaseAndSettlesOnceForAFile) {
     for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big}) {
         StanfordRun run;
         run.state.rawDataByteOrder = order;
@@ -109,20 +83,15 @@ TEST(GeStanfordReader, ReversesSlicesAndSwapsSamplesOfAGrowingFile) {
             run.pump.after(qint64(900 * slices), [&run, slices] {
                 run.write("P123.7.V001.img", rawSamples(countedFrom(0x0102, slices)));
             });
-        for (const char* name : {"P123.7.V010.img", "P123.7.V100.img"})
-            run.write(name, rawSamples({0x01FF, 2, 3}));
+        run.write("P123.7.V010.img", rawSamples({0x01FF, 2, 3}));
         const auto reader = run.reader();
-        ASSERT_TRUE(reader->prepare());
-        ASSERT_TRUE(reader->readFirstVolume());
+        ASSERT_TRUE(reader->prepare() && reader->readFirstVolume());
         EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x401, 0x301, 0x201}));
-        EXPECT_EQ(run.project.FirstDataSourceFile, "P123.7.V001.img");
         const qint64 start = run.pump.milliseconds();
         ASSERT_TRUE(reader->readVolume(0));
-        EXPECT_EQ(run.pump.milliseconds() - start, 10) << "a whole file settles once";
+        EXPECT_EQ(run.pump.milliseconds() - start, 10);
         EXPECT_EQ(valuesOf(run.project.volumes[0]), (std::vector{0x300, 0x200, -255}));
         EXPECT_FALSE(reader->readVolume(1));
-        run.settings.NrOfVolumesToSkip = 99;
-        EXPECT_TRUE(reader->readVolume(0));
     }
 }
 

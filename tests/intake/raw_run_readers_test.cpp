@@ -17,15 +17,12 @@ struct GrowingRun : IntakeRun {
 };
 
 TEST(GrowingFileReader, EachSliceOfTheFirstVolumeHasItsOwnWait) {
-    for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big}) {
-        GrowingRun run;
-        run.state.rawDataByteOrder = order;
-        for (const int slice : {1, 2, 3})
-            run.pump.after(900 * slice, [&run, slice] { run.grow(size_t(slice)); });
-        ASSERT_TRUE(run.reader()->readFirstVolume());
-        EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x104, 0x103, 0x102}));
-        EXPECT_EQ(run.project.FirstDataSourceFile, "run.rec");
-    }
+    GrowingRun run;
+    run.state.rawDataByteOrder = ByteOrder::Big; // which counts for nothing here
+    for (const int slice : {1, 2, 3})
+        run.pump.after(900 * slice, [&run, slice] { run.grow(size_t(slice)); });
+    ASSERT_TRUE(run.reader()->readFirstVolume());
+    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x104, 0x103, 0x102}));
 }
 
 TEST(GrowingFileReader, FirstSliceStartsAVolumeAndTheRestIsWaitedFor) {
@@ -78,32 +75,21 @@ TEST(GrowingFileReader, ScannerFiles) {
     }
 }
 
-// Two slices of 2 x 2 samples.
-TEST(AnalyzeReader, NumbersLoseADigitAtThousandAndSlicesAreTransformed) {
-    const std::map<int, std::vector<int>> transformed{{0, {1, 2, 3, 4, 5, 6, 7, 8}},
-                                                      {1, {4, 3, 2, 1, 8, 7, 6, 5}},
-                                                      {2, {3, 4, 1, 2, 7, 8, 5, 6}},
-                                                      {3, {1, 2, 3, 4, 5, 6, 7, 8}}};
-    for (const char* type : {"ANALYZE_NW", "PHILIPS_ANALYZE_DRIN"})
-        for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big})
-            for (const auto& [transformation, expected] : transformed) {
-                IntakeRun run(type, 2, 2, 2);
-                run.state.rawDataByteOrder = order;
-                run.settings.ImageTransformation = transformation;
-                run.settings.philipsFilePrefix = "run_";
-                run.settings.philipsFirstNumber = 997;
-                const QByteArray image = rawSamples(countedFrom(1, 8), order);
-                for (const char* name : {"run_00997.img", "run_00999.img", "run_1000.img"})
-                    run.write(name, image);
-                run.write("run_1001.img", image.chopped(1));
-                const auto reader = run.reader();
-                ASSERT_TRUE(reader->readFirstVolume());
-                EXPECT_EQ(run.project.FirstDataSourceFile, "run_00997.img");
-                ASSERT_TRUE(reader->readVolume(0) && reader->readVolume(1));
-                for (const Volume* volume : {&run.project.firstVolume, &run.project.volumes[1]})
-                    EXPECT_EQ(valuesOf(*volume), expected) << transformation;
-                EXPECT_FALSE(reader->readVolume(2));
-            }
+TEST(AnalyzeReader, NumbersLoseADigitAtThousandAndAnUnknownTransformationIsNone) {
+    for (const char* type : {"ANALYZE_NW", "PHILIPS_ANALYZE_DRIN"}) {
+        IntakeRun run(type, 2, 2, 1);
+        run.settings.ImageTransformation = 3;
+        run.settings.philipsFilePrefix = "run_";
+        run.settings.philipsFirstNumber = 997;
+        const QByteArray image = rawSamples({1, 2, 3, 4});
+        for (const char* name : {"run_00997.img", "run_00999.img", "run_1000.img"})
+            run.write(name, image);
+        run.write("run_1001.img", image.chopped(1));
+        const auto reader = run.reader();
+        ASSERT_TRUE(reader->readFirstVolume() && reader->readVolume(0) && reader->readVolume(1));
+        EXPECT_EQ(valuesOf(run.project.volumes[1]), (std::vector{1, 2, 3, 4}));
+        EXPECT_FALSE(reader->readVolume(2));
+    }
 }
 
 // Values from another reader of this format.
