@@ -4,6 +4,7 @@
 #include "dicom_bytes.h"
 #include "support/simulated_pump.h"
 
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -41,32 +42,17 @@ TEST(AwaitFile, TakesAWholeFileAndLooksAtTheTimeOutBehindEachRound) {
 }
 
 // The superuser may read everything, so the test goes on as another user.
-class OrdinaryUser {
-public:
-    explicit OrdinaryUser(const QString& ownedPath) {
-        if (geteuid() == 0)
-            changed_ = chown(ownedPath.toLocal8Bit().constData(), nobody, gid_t(-1)) == 0 &&
-                       seteuid(nobody) == 0;
-    }
-    ~OrdinaryUser() {
-        if (changed_) {
-            EXPECT_EQ(seteuid(0), 0);
-        }
-    }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-
-private:
-    static constexpr uid_t nobody = 65534;
-    bool changed_ = false;
-};
-
 TEST(AwaitFile, WaitsForThePermissionToRead) {
     const QTemporaryDir folder;
     const QByteArray path = folder.filePath("image").toLocal8Bit();
     writeFile(path, "image");
     ASSERT_EQ(chmod(folder.path().toLocal8Bit().constData(), 0755), 0);
-    const OrdinaryUser user(path);
+    constexpr uid_t nobody = 65534;
+    const auto backAgain = qScopeGuard([user = geteuid()] { EXPECT_EQ(seteuid(user), 0); });
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown(path.constData(), nobody, gid_t(-1)), 0);
+        ASSERT_EQ(seteuid(nobody), 0);
+    }
     ASSERT_EQ(chmod(path.constData(), 0), 0);
     SimulatedPump pump;
     pump.after(250, [&path] { chmod(path.constData(), 0644); });

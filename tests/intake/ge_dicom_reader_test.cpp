@@ -62,19 +62,6 @@ TEST(GeDicomReaders, SamplesAreTheLastBytesOfAWholeFile) {
     }
 }
 
-TEST(GeHdxtDicomReader, SlicesComeInAnyOrderAndEachOnce) {
-    GeRun run("GE_HDXT_DICOM");
-    run.writeSlice("i11.MRDC.3", GeRun::file(30));
-    run.writeSlice("i12.MRDC.1", GeRun::file(10));
-    run.writeSlice("i13.MRDC.1", GeRun::file(99));
-    run.pump.after(900, [&] { run.writeSlice("i13.MRDC.2", GeRun::file(20)); });
-    const auto reader = run.reader();
-    ASSERT_TRUE(reader->prepare());
-    ASSERT_TRUE(reader->readFirstVolume());
-    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{10, 11, 20, 21, 30, 31}));
-    EXPECT_EQ(run.project.FirstDataSourceFile, "i12.MRDC.1");
-}
-
 TEST(GeHdxtDicomReader, SettlesTheWatchFolder) {
     struct Case {
         QStringList series;
@@ -84,10 +71,9 @@ TEST(GeHdxtDicomReader, SettlesTheWatchFolder) {
     };
     for (const auto& [series, watched, settled, number] :
          {Case{{"e7/s3", "e7/s12", "e7/x99"}, "e7", "e7/s12/", 12},
-          {{"e1234568/s3", "e1234568/s03", "e1234568/study"}, "e1234568//", "e1234568/s03/", 3},
+          {{"e7/s3", "e7/s03", "e7/study"}, "e7//", "e7/s03/", 3},
           {{"e7"}, "e7", "e7/", 0},
           {{"s12b/s20"}, "s12b/", "s12b/", 12},
-          {{"exam", "s5"}, "", nullptr, 0},
           {{"e7/13"}, "e7/13", nullptr, 0}}) {
         SCOPED_TRACE(watched);
         GeRun run("GE_HDXT_DICOM", 1);
@@ -100,11 +86,10 @@ TEST(GeHdxtDicomReader, SettlesTheWatchFolder) {
                                 "folder must point to a exam or series folder.");
         const auto reader = run.reader();
         ASSERT_EQ(reader->prepare(), settled != nullptr);
-        if (!settled)
-            continue;
-        EXPECT_EQ(run.state.watchFolder, run.path("w/") + settled);
-        run.write(QString("w/%1i%2.MRDC.1").arg(settled).arg(number + 1), GeRun::file(1));
-        EXPECT_TRUE(reader->readFirstVolume());
+        if (settled) {
+            run.write(QString("w/%1i%2.MRDC.1").arg(settled).arg(number + 1), GeRun::file(1));
+            EXPECT_TRUE(reader->readFirstVolume());
+        }
     }
 }
 
@@ -142,133 +127,89 @@ void writeVolume(GeRun& run, const Geometry& geometry) {
 }
 
 TEST(GeDicomReaders, HeadersGiveSizesAndOfOneTypePositions) {
-    for (const bool positions : {true, false}) {
-        GeRun run(positions ? "GE_HDXT_DICOM" : "GE_X_DICOM");
-        writeVolume(run, {});
-        const auto reader = run.reader();
-        ASSERT_TRUE(reader->prepare() && reader->readFirstVolume() && reader->readHeaders());
-        const FMRPositionInfo& position = run.project.position;
-        EXPECT_EQ(run.project.pixelSizeX, 1.7f);
-        EXPECT_EQ(run.project.pixelSizeY, 3.2f);
-        EXPECT_EQ(run.project.sliceThickness, 3.0f);
-        EXPECT_EQ(run.project.sliceGap, 1.0f);
-        EXPECT_TRUE(run.project.VoxelResolutionVerified);
-        EXPECT_EQ(run.state.rawDataByteOrder, ByteOrder::Big) << "the header tells";
-        EXPECT_EQ(position.fovColumns, positions ? 3.0f : 3.4f);
-        EXPECT_EQ(position.fovRows, positions ? 3.0f : 3.2f);
-        EXPECT_EQ(position.positionInfoValid, positions);
-        if (positions) {
-            EXPECT_EQ(position.sliceCenterFirst, (Vector3{-8.3f, -18.4f, 5.0f}));
-            EXPECT_EQ(position.sliceCenterLast, (Vector3{-8.3f, -18.4f, 13.0f}));
-        }
-    }
-}
-
-TEST(GeHdxtDicomReader, HeadersThatGiveNoGeometryStopTheRun) {
     const char* noPosition = "ERROR - Can nor get DICOM slice position values!";
     const char* noOrientation = "ERROR - Can nor get DICOM slice orientation values!";
     struct Case {
         Geometry geometry;
-        const char* message;
+        const char* message = nullptr;
+        const char* type = "GE_HDXT_DICOM";
     };
-    for (const auto& [geometry, message] :
-         {Case{
-              {.columns = 64},
-              "ERROR - dimensions of DICOM file (1 x 64) do not match those in VCO file (1 x 2) !"},
+    for (const auto& [geometry, message, type] :
+         {Case{},
+          {{}, nullptr, "GE_X_DICOM"},
+          {{.columns = 64},
+           "ERROR - dimensions of DICOM file (1 x 64) do not match those in VCO file (1 x 2) !"},
           {{.position = ""}, noPosition},
           {{.position = "1\\2"}, noPosition},
           {{.position = "1\\2\\1e30"}, noPosition},
           {{.lastPosition = ""}, noPosition},
           {{.pixelSpacing = "0\\0"}, noPosition},
           {{.orientation = "1\\0\\0\\0\\1"}, noOrientation},
-          {{.orientation = "0\\0\\0\\0\\0\\0"}, noOrientation},
           {{.orientation = "1\\0\\0\\1\\0\\0"}, noOrientation},
           {{.orientation = "9\\0\\0\\0\\9\\0"}, noOrientation}}) {
-        SCOPED_TRACE(message);
-        GeRun run("GE_HDXT_DICOM");
+        SCOPED_TRACE(message ? message : type);
+        GeRun run(type);
+        // From another file; it must not pass for that of this one.
         run.state.header.imagePositionText = "1\\2\\3";
         run.state.header.imageOrientationText = axial.toStdString();
         writeVolume(run, geometry);
-        run.messages.expect(MessageLevel::Warning, message);
+        if (message)
+            run.messages.expect(MessageLevel::Warning, message);
         const auto reader = run.reader();
         ASSERT_TRUE(reader->prepare() && reader->readFirstVolume());
-        EXPECT_FALSE(reader->readHeaders());
-        EXPECT_EQ(run.project.position.positionInfoValid, 0);
+        EXPECT_EQ(reader->readHeaders(), message == nullptr);
+        const FMRProject& project = run.project;
+        const FMRPositionInfo& position = project.position;
+        const bool positions = !message && type == QString("GE_HDXT_DICOM");
+        EXPECT_EQ(position.positionInfoValid, positions);
+        if (positions) {
+            EXPECT_EQ(position.sliceCenterFirst, (Vector3{-8.3f, -18.4f, 5.0f}));
+            EXPECT_EQ(position.sliceCenterLast, (Vector3{-8.3f, -18.4f, 13.0f}));
+        }
+        if (!message) {
+            EXPECT_EQ((std::array{project.pixelSizeX, project.pixelSizeY, project.sliceThickness,
+                                  project.sliceGap, position.fovColumns, position.fovRows}),
+                      (std::array{1.7f, 3.2f, 3.0f, 1.0f, positions ? 3.0f : 3.4f,
+                                  positions ? 3.0f : 3.2f}));
+        }
+        EXPECT_EQ(run.state.rawDataByteOrder, ByteOrder::Big) << "the header tells";
     }
 }
 
-void addTo(QCryptographicHash& hash, const Volume& volume) {
-    const auto bytes = std::as_bytes(volume.span());
-    hash.addData({reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())});
-}
-
-// Centres by NumPy from the corners that pydicom found, and the SHA-256 of its samples of all files
-// in the order of their names, which here bear the numbers that the types expect.
-TEST(GeDicomReaders, ScannerFiles) {
-    const QString folder = scannerDataFolder() + "/ge_dicom/";
-    SKIP_WITHOUT(folder);
-    struct Case {
-        const char* series;
-        const char* type;
-        int slices, volumes;
-        const char* digest;
-        Vector3 first, last, column;
-    };
-    for (const Case& given :
-         {Case{"run_20_volumes/e123/s1925",
-               "GE_HDXT_DICOM",
-               18,
-               3,
-               "9b8ed338ce0f4bbad710994e827a8a96bb47ca4306b502ff97c2f658a754b8a6",
-               {-1.294096f, -36.4384928f, -46.5758808f},
-               {-0.302296f, -14.2434928f, 14.0832192f},
-               {-0.061137f, 0.937673f, -0.342098f}},
-          {"four_slices/001_implicit",
-           "GE_HDXT_DICOM",
-           4,
-           2,
-           "112826542de96baff53405e6be2622bd2d74ae7c82b77bbb0675edc4f5037a71",
-           {1.0f, -16.001f, -61.2995f},
-           {1.0f, -16.001f, -50.4995f},
-           {0.0f, 1.0f, 0.0f}},
-          {"four_slices/001",
-           "GE_X_DICOM",
-           4,
-           2,
-           "f714f7484b7e5e6729f6a07fdb2c369e30657828dcf4d12c18013409803c3f92",
-           {},
-           {},
-           {}}}) {
-        SCOPED_TRACE(given.series);
-        IntakeRun run(given.type, 64, 64, given.slices);
-        run.settings.NrOfVolumesToSkip = 1;
-        run.settings.GESeriesNr = 2862279;
-        const QString watched = run.path("e123/s2862279/");
-        run.state.watchFolder = watched;
-        ASSERT_TRUE(QDir().mkpath(watched));
-        const QFileInfoList files = QDir(folder + given.series).entryInfoList(QDir::Files);
-        for (int count = 1; count <= given.slices * given.volumes; ++count)
-            ASSERT_TRUE(
-                QFile::link(files.value(count - 1).absoluteFilePath(),
-                            watched + QString("i%1.MRDC.%2").arg(2862279 + count).arg(count)));
-        const auto reader = run.reader();
-        ASSERT_TRUE(reader->prepare() && reader->readFirstVolume() && reader->readHeaders());
-        const FMRPositionInfo& position = run.project.position;
-        EXPECT_EQ(position.fovColumns, 192.0f);
-        EXPECT_EQ(run.project.pixelSizeY, 3.0f);
-        for (size_t axis = 0; axis < 3; ++axis) {
-            EXPECT_NEAR(position.sliceCenterFirst[axis], given.first[axis], 1e-4);
-            EXPECT_NEAR(position.sliceCenterLast[axis], given.last[axis], 1e-4);
-            EXPECT_EQ(position.columnDirection[axis], given.column[axis]);
-        }
-        QCryptographicHash hash(QCryptographicHash::Sha256);
-        addTo(hash, run.project.firstVolume);
-        for (int volume = 0; volume < given.volumes - 1; ++volume) {
-            ASSERT_TRUE(reader->readVolume(volume));
-            addTo(hash, run.project.volumes[size_t(volume)]);
-        }
-        EXPECT_EQ(hash.result().toHex(), given.digest);
+// Centres by NumPy from the corners that pydicom found, and the SHA-256 of its samples of the first
+// three volumes in the order of their files, which here bear the numbers that the type expects.
+TEST(GeHdxtDicomReader, ScannerFiles) {
+    const QString series = scannerDataFolder() + "/ge_dicom/run_20_volumes/e123/s1925";
+    SKIP_WITHOUT(series);
+    IntakeRun run("GE_HDXT_DICOM", 64, 64, 18);
+    run.settings.NrOfVolumesToSkip = 1;
+    run.state.watchFolder = run.path("e123/s2862279/");
+    ASSERT_TRUE(QDir().mkpath(run.state.watchFolder));
+    const QFileInfoList files = QDir(series).entryInfoList(QDir::Files);
+    for (int count = 1; count <= 3 * 18; ++count)
+        ASSERT_TRUE(QFile::link(files.value(count - 1).absoluteFilePath(),
+                                run.state.watchFolder +
+                                    QString("i%1.MRDC.%2").arg(2862279 + count).arg(count)));
+    const auto reader = run.reader();
+    ASSERT_TRUE(reader->prepare() && reader->readFirstVolume() && reader->readHeaders());
+    const FMRPositionInfo& position = run.project.position;
+    EXPECT_EQ(position.fovColumns, 192.0f);
+    EXPECT_EQ(run.project.pixelSizeY, 3.0f);
+    EXPECT_EQ(position.columnDirection, (Vector3{-0.061137f, 0.937673f, -0.342098f}));
+    const Vector3 first{-1.294096f, -36.4384928f, -46.5758808f};
+    const Vector3 last{-0.302296f, -14.2434928f, 14.0832192f};
+    for (size_t axis = 0; axis < 3; ++axis) {
+        EXPECT_NEAR(position.sliceCenterFirst[axis], first[axis], 1e-4);
+        EXPECT_NEAR(position.sliceCenterLast[axis], last[axis], 1e-4);
     }
+    ASSERT_TRUE(reader->readVolume(0) && reader->readVolume(1));
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    for (const Volume* volume :
+         {&run.project.firstVolume, &run.project.volumes[0], &run.project.volumes[1]})
+        hash.addData(QByteArray(reinterpret_cast<const char*>(volume->data()),
+                                qsizetype(volume->span().size_bytes())));
+    EXPECT_EQ(hash.result().toHex(),
+              "9b8ed338ce0f4bbad710994e827a8a96bb47ca4306b502ff97c2f658a754b8a6");
 }
 
 } // namespace

@@ -34,92 +34,68 @@ QByteArray geIFile(float thickness, float gap, float fieldOfView = 240.0f) {
     return bytes;
 }
 
-FMRProject projectOfSettings() {
-    FMRProject project;
-    project.sliceThickness = 4.0f;
-    project.sliceGap = 1.0f;
-    return project;
-}
+struct HeaderCase {
+    QByteArray bytes; ///< nullptr: there is no file
+    std::vector<float> sizes;
+    const char* message = nullptr;
+};
 
-std::vector<float> sizesOf(const FMRProject& project) {
-    return {project.sliceThickness,      project.sliceGap,
-            project.pixelSizeX,          project.pixelSizeY,
-            project.position.fovColumns, project.position.fovRows};
-}
-
-// Of no bytes: none.
-struct HeaderFile {
-    explicit HeaderFile(const QByteArray& bytes) {
+template<typename Read> void expectSizes(Read read, const std::vector<HeaderCase>& cases) {
+    const QTemporaryDir folder;
+    for (const auto& [bytes, sizes, message] : cases) {
+        ScriptedMessages messages;
+        if (message)
+            messages.expect(MessageLevel::Warning, message);
+        const QString path = folder.filePath("header");
+        QFile::remove(path);
         if (!bytes.isNull())
             writeFile(path, bytes);
+        FMRProject project;
+        project.sliceThickness = 4.0f;
+        project.sliceGap = 1.0f;
+        read(path, project);
+        EXPECT_EQ((std::vector{project.sliceThickness, project.sliceGap, project.pixelSizeX,
+                               project.pixelSizeY, project.position.fovColumns,
+                               project.position.fovRows}),
+                  sizes);
+        EXPECT_EQ(project.position.positionInfoValid, 0);
     }
-    const QTemporaryDir folder;
-    const QString path = folder.filePath("header");
-};
+}
 
 constexpr const char* cannotBe = "WARNING: The header of file \"*";
 
 TEST(GEIHeader, TakesWhatCanBe) {
     QByteArray outside = geIFile(3.0f, 0.5f);
     put(outside, 148, 0xFFFFFFFF);
-    QByteArray lastBytes = geIFile(3.0f, 0.5f);
-    put(lastBytes, 148, uint32_t(lastBytes.size()) - 119);
     const std::vector<float> settings{4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f};
     const char* none = "ERROR: GE_I file \"*";
-    struct Case {
-        QByteArray bytes;
-        std::vector<float> sizes;
-        const char* message;
-    };
-    for (const auto& [bytes, sizes, message] :
-         {Case{geIFile(3.0f, 0.5f), {3.0f, 0.5f, 3.0f, 3.75f, 192.0f, 240.0f}, nullptr},
-          {geIFile(3.0f, -0.5f), {3.0f, -0.5f, 3.0f, 3.75f, 192.0f, 240.0f}, nullptr},
-          {geIFile(3.0f, -3.0f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
-          {geIFile(nan, 0.5f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
-          {geIFile(3.0f, nan, -1.0f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
-          {geIFile(3.0f, 0.5f, INFINITY), {3.0f, 0.5f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
-          {geIFile(3.0f, 0.5f).chopped(1), settings, none},
-          {QByteArray(151, '\0'), settings, none},
-          {outside, settings, none},
-          {lastBytes, settings, none},
-          {{}, settings, "ERROR: Can not open GE_I file !"}}) {
-        ScriptedMessages messages;
-        if (message)
-            messages.expect(MessageLevel::Warning, message);
-        FMRProject project = projectOfSettings();
-        const HeaderFile file(bytes);
-        readGEIHeader(file.path, project);
-        EXPECT_EQ(sizesOf(project), sizes);
-        EXPECT_EQ(project.VoxelResolutionVerified, message == nullptr);
-        EXPECT_EQ(project.position.positionInfoValid, 0);
-    }
+    expectSizes(readGEIHeader,
+                {{geIFile(3.0f, 0.5f), {3.0f, 0.5f, 3.0f, 3.75f, 192.0f, 240.0f}},
+                 {geIFile(3.0f, -0.5f), {3.0f, -0.5f, 3.0f, 3.75f, 192.0f, 240.0f}},
+                 {geIFile(3.0f, -3.0f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
+                 {geIFile(nan, 0.5f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
+                 {geIFile(3.0f, nan, -1.0f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
+                 {geIFile(3.0f, 0.5f, 1e9f), {3.0f, 0.5f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
+                 {geIFile(3.0f, 0.5f).chopped(1), settings, none},
+                 {QByteArray(151, '\0'), settings, none},
+                 {outside, settings, none},
+                 {{}, settings, "ERROR: Can not open GE_I file !"}});
 }
 
 TEST(PFileHeader, TakesTheNumberBehindTheWordBehindTheKey) {
-    struct Case {
-        const char* text;
-        std::vector<float> sizes;
-        const char* message = nullptr;
-    };
-    for (const auto& [text, sizes, message] :
-         {Case{"FOV = 220.0\nslice thick = 5\nskip : 1.5mm\npixel size = 3.4375\n",
-               {5.0f, 1.5f, 3.4375f, 3.4375f, 220.0f, 220.0f}},
-          {"fov = 1 slice slice thick = 5 Skip = 2 pixel pixel size x 2",
-           {5.0f, 1.0f, 2.0f, 2.0f, 0.0f, 0.0f}},
-          {"FOV is FOV = 200 skip = none FOV =", {4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f}},
-          {"slice thick = 2 slice thick = 3 skip = 0", {3.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f}},
-          {"slice thick = -2 skip = 9 FOV = 1e30 pixel size = 3",
-           {4.0f, 1.0f, 3.0f, 3.0f, 0.0f, 0.0f},
-           cannotBe},
-          {nullptr, {4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f}, "ERROR: Can not open P header file !"}}) {
-        ScriptedMessages messages;
-        if (message)
-            messages.expect(MessageLevel::Warning, message);
-        FMRProject project = projectOfSettings();
-        const HeaderFile file(text);
-        readPFileHeader(file.path, project);
-        EXPECT_EQ(sizesOf(project), sizes);
-    }
+    expectSizes(
+        readPFileHeader,
+        {{"FOV = 220.0\nslice thick = 5\nskip : 1.5mm\npixel size = 3.4375\n",
+          {5.0f, 1.5f, 3.4375f, 3.4375f, 220.0f, 220.0f}},
+         {"fov = 1 slice slice thick = 5 Skip = 2 pixel pixel size x 2",
+          {5.0f, 1.0f, 2.0f, 2.0f, 0.0f, 0.0f}},
+         {"FOV is FOV = 200 skip = none FOV =", {4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f}},
+         {"slice thick = 2 slice thick = 3 skip = 0", {3.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f}},
+         {"slice thick = 0", {4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f}, cannotBe},
+         {"slice thick = -2 skip = 9 FOV = 1e30 pixel size = 3",
+          {4.0f, 1.0f, 3.0f, 3.0f, 0.0f, 0.0f},
+          cannotBe},
+         {nullptr, {4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f}, "ERROR: Can not open P header file !"}});
 }
 
 // Spacings as another reader wrote them down (itk_baseline_mha). The files are older than the
@@ -139,8 +115,10 @@ TEST(GEIHeader, ScannerFiles) {
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         QByteArray bytes = file.readAll();
         put(bytes, 148, start);
+        const auto sizes = parseGEIHeader(bytesOf(bytes));
         FMRProject project;
-        readGEIHeader(HeaderFile(bytes).path, project);
+        ASSERT_TRUE(sizes.has_value());
+        takeHeaderSizes(*sizes, name, project);
         EXPECT_NEAR(project.pixelSizeX, spacing, 1e-5);
         EXPECT_NEAR(project.pixelSizeY, spacing, 1e-5);
         EXPECT_EQ(project.sliceDistance(), distance);

@@ -40,52 +40,41 @@ TEST(SiemensImaReaders, NamesOfUnusualNumbers) {
 
 // Slices of 2 x 1 in a mosaic of 4 x 4: four tiles in the two upper rows of samples.
 TEST(SiemensImaReaders, TwoMosaicsHaveTilesForEightOfTenSlices) {
-    for (const QString type : {"SIEMENS_IMA", "SIEMENSPIXELDATA"})
-        for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big}) {
-            const bool headless = type == "SIEMENSPIXELDATA";
-            IntakeRun run(type, 2, 1, 10);
-            run.settings.SiemensMosaicSequence = true;
-            run.setMosaic(4, 4);
-            run.state.rawDataByteOrder = order;
-            const auto write = [&](const QString& name, int first) {
-                const QByteArray samples = rawSamples(countedFrom(first, 16), order);
-                run.write(name, headless ? samples : ima(samples));
-            };
-            std::fill_n(run.project.firstVolume.data(), 20, int16_t(-1));
-            write(headless ? "001" : "1-1-1.ima", 0);
-            run.pump.after(1000, [&] { write(headless ? "101" : "1-1-101.ima", 100); });
-            ASSERT_TRUE(run.reader()->readFirstVolume());
-            EXPECT_EQ(run.pump.milliseconds(), 30 + 1000 + 30);
-            const std::vector<int> forwards{0,   1,   2,   3,   4,   5,   6,  7,  100, 101,
-                                            102, 103, 104, 105, 106, 107, -1, -1, -1,  -1};
-            const std::vector<int> backwards{-1,  -1,  -1, -1, 106, 107, 104, 105, 102, 103,
-                                             100, 101, 6,  7,  4,   5,   2,   3,   0,   1};
-            EXPECT_EQ(valuesOf(run.project.firstVolume), headless ? backwards : forwards);
-            EXPECT_EQ(filesPerVolume(run.settings), 3);
-        }
+    for (const bool headless : {false, true}) {
+        IntakeRun run(headless ? "SIEMENSPIXELDATA" : "SIEMENS_IMA", 2, 1, 10);
+        run.settings.SiemensMosaicSequence = true;
+        run.setMosaic(4, 4);
+        std::fill_n(run.project.firstVolume.data(), 20, int16_t(-1));
+        const QByteArray header(headless ? 0 : imaHeaderBytes, '\0');
+        run.write(headless ? "001" : "1-1-1.ima", header + rawSamples(countedFrom(0, 16)));
+        run.pump.after(1000, [&] {
+            run.write(headless ? "101" : "1-1-101.ima", header + rawSamples(countedFrom(100, 16)));
+        });
+        ASSERT_TRUE(run.reader()->readFirstVolume());
+        EXPECT_EQ(run.pump.milliseconds(), 30 + 1000 + 30);
+        const std::vector<int> forwards{0,   1,   2,   3,   4,   5,   6,  7,  100, 101,
+                                        102, 103, 104, 105, 106, 107, -1, -1, -1,  -1};
+        const std::vector<int> backwards{-1,  -1,  -1, -1, 106, 107, 104, 105, 102, 103,
+                                         100, 101, 6,  7,  4,   5,   2,   3,   0,   1};
+        EXPECT_EQ(valuesOf(run.project.firstVolume), headless ? backwards : forwards);
+        EXPECT_EQ(filesPerVolume(run.settings), 3);
+    }
 }
 
 TEST(SiemensImaReaders, MosaicsThatCannotHoldTheSlicesAreRefused) {
-    struct Case {
-        int side, columns, rows;
-        const char* refusal; ///< nullptr: the program ends
-    };
-    for (const auto& [side, columns, rows, refusal] :
-         {Case{1, 2, 1, "1 x 1 does not hold 3 slices of 2 x 1"},
-          Case{-4, 2, 1, "-4 x -4 does not hold 3 slices of 2 x 1"},
-          Case{4, 0, 1, "4 x 4 does not hold 3 slices of 0 x 1"},
-          Case{4, 2, 4, "4 x 4 does not hold 3 slices of 2 x 4"},
-          Case{std::numeric_limits<int>::max(), 2, 1, nullptr}}) {
-        IntakeRun run("SIEMENS_IMA", columns, rows, 3);
+    for (const auto& [side, columns, refusal] :
+         {std::tuple{-4, 2, "-4 x -4 does not hold 3 slices of 2 x 1"},
+          {4, 0, "4 x 4 does not hold 3 slices of 0 x 1"},
+          {std::numeric_limits<int>::max(), 2, ""}}) { // no memory: the program ends
+        IntakeRun run("SIEMENS_IMA", columns, 1, 3);
         const RecordedProgramEnd end;
         run.settings.SiemensMosaicSequence = true;
         run.setMosaic(side, side);
-        run.write("1-1-1.ima", ima(QByteArray(64, '\1')));
-        if (refusal)
+        if (*refusal)
             run.messages.expect(MessageLevel::Warning, QString("ERROR: A mosaic of ") + refusal +
                                                            " - check settings file !");
         EXPECT_FALSE(run.reader()->readFirstVolume());
-        EXPECT_EQ(end.statuses, refusal ? std::vector<int>() : std::vector{1});
+        EXPECT_EQ(end.statuses, *refusal ? std::vector<int>() : std::vector{1});
     }
 }
 

@@ -22,19 +22,6 @@ SimulationOptions smallRun(ScannerType type, bool bigEndian = false) {
     return options;
 }
 
-struct Place {
-    int file;
-    int offset; ///< bytes from the start, or from the end when negative
-};
-
-int inSlice(int x, int y) {
-    return 2 * (y * size + x);
-}
-
-Place inTile(int file, int start, int tile, int tiles, int x, int y) {
-    return {file, start + 2 * ((tile / tiles * size + y) * tiles * size + tile % tiles * size + x)};
-}
-
 template<typename Number> Number numberAt(const QByteArray& bytes, int offset, bool bigEndian) {
     return bigEndian ? qFromBigEndian<Number>(bytes.constData() + offset)
                      : qFromLittleEndian<Number>(bytes.constData() + offset);
@@ -46,79 +33,6 @@ QByteArray headerOf(ScannerType type, bool bigEndian = false) {
 }
 
 } // namespace
-
-TEST(RawFile, HoldsEverySampleWhereTheScannerPutsIt) {
-    using enum ScannerType;
-    struct Case {
-        const char* what;
-        SimulationOptions options;
-        bool bigEndian;
-        Place (*place)(int x, int y, int slice);
-    };
-    SimulationOptions turned = smallRun(PhilipsAnalyze, true);
-    turned.imageTransformation = 1;
-    SimulationOptions straight = smallRun(PhilipsAnalyze);
-    straight.imageTransformation = 0;
-    SimulationOptions twoFiles = smallRun(SiemensImaMosaic, true);
-    twoFiles.mosaicTiles = 2;
-    const auto backwards = [](int x, int y, int slice) {
-        return Place{0, (nrOfSlices - 1 - slice) * sliceBytes + inSlice(x, y)};
-    };
-    const auto atEnd = [](int x, int y, int slice) {
-        return Place{slice, inSlice(x, y) - sliceBytes};
-    };
-    const auto flipped = [](int x, int y, int slice) {
-        return Place{1, slice * sliceBytes + inSlice(x, size - 1 - y)};
-    };
-    const Case cases[] = {
-        {"IMA", smallRun(SiemensIma), false,
-         [](int x, int y, int slice) {
-             return Place{slice, 6144 + inSlice(x, y)};
-         }},
-        {"IMA mosaics", twoFiles, true,
-         [](int x, int y, int slice) { return inTile(slice / 4, 6144, slice % 4, 2, x, y); }},
-        {"pixel data", smallRun(SiemensPixelData), false,
-         [](int x, int y, int slice) { return inTile(0, 0, nrOfSlices - 1 - slice, 3, x, y); }},
-        {"GE I", smallRun(GeI, true), true,
-         [](int x, int y, int slice) {
-             return Place{slice, 7904 + inSlice(x, y)};
-         }},
-        {"GE X", smallRun(GeXDicom), false, atEnd},
-        {"GE HDxt", smallRun(GeHdxtDicom), false, atEnd},
-        {"P file", smallRun(GeStanford), true, backwards},
-        {"REC", smallRun(PhilipsRec), false, backwards},
-        {"2dseq", smallRun(Bruker2dseq), false, backwards},
-        {"ANALYZE as read", straight, false,
-         [](int x, int y, int slice) {
-             return Place{1, slice * sliceBytes + inSlice(x, y)};
-         }},
-        {"ANALYZE turned", turned, true,
-         [](int x, int y, int slice) {
-             return Place{1, slice * sliceBytes + inSlice(size - 1 - x, size - 1 - y)};
-         }},
-        {"ANALYZE flipped", smallRun(PhilipsAnalyze), false, flipped},
-        {"ANALYZE NW", smallRun(AnalyzeNw), false, flipped},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        ASSERT_EQ(problemOf(c.options), "");
-        const SimulatedScan scan(c.options);
-        const std::vector<ScannerFile> files = scan.files(1);
-        const std::vector<uint16_t> volume = scan.volume(1);
-        size_t voxel = 0;
-        for (int slice = 0; slice < nrOfSlices; ++slice)
-            for (int y = 0; y < size; ++y)
-                for (int x = 0; x < size; ++x, ++voxel) {
-                    const Place place = c.place(x, y, slice);
-                    ASSERT_LT(size_t(place.file), files.size());
-                    const QByteArray& bytes = files[size_t(place.file)].bytes;
-                    const int offset =
-                        place.offset < 0 ? int(bytes.size()) + place.offset : place.offset;
-                    ASSERT_LE(offset + 2, bytes.size());
-                    ASSERT_EQ(numberAt<uint16_t>(bytes, offset, c.bigEndian), volume[voxel]);
-                }
-    }
-}
 
 TEST(RawFile, HeadersHoldTheGeometry) {
     for (const bool bigEndian : {false, true}) {
@@ -170,18 +84,5 @@ TEST(GeDicomFile, StatesWhereItsSliceLies) {
         const QByteArray text = dump.readAllStandardOutput();
         for (const char* value : {position, "[1\\0\\0\\0\\1\\0]", "US 16", "[12\\12]", "[4]"})
             EXPECT_TRUE(text.contains(value)) << value << '\n' << text.constData();
-    }
-}
-
-TEST(GrowingFile, HoldsAllVolumesOneAfterTheOther) {
-    QTemporaryDir folder;
-    const SimulatedScan scan(smallRun(ScannerType::PhilipsRec));
-    QByteArray expected;
-    for (int volume = 0; volume < 3; ++volume) {
-        ASSERT_TRUE(scan.writeVolume(volume, folder.path()));
-        expected += scan.files(volume)[0].bytes;
-        QFile file(folder.filePath("Run1.rec"));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        EXPECT_EQ(file.readAll(), expected);
     }
 }
