@@ -82,7 +82,7 @@ TEST_F(MotionCorrectionTest, FollowsTheHead) {
     constexpr int last = 15;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.bound);
-        makeRun({48, 48, 20}, last + 1);
+        makeRun({64, 64, 25}, last + 1);
         double error[2] = {};
         for (int v = 0; v <= last; ++v) {
             const float done = float(v) / last;
