@@ -116,6 +116,9 @@ struct Errors {
     double mean[2] = {}; ///< of translations, in millimetres, and of rotations, in degrees
     double largest[2] = {};
     double steps = 0.0;
+    /// Mean square at the true place by that at the found one. Above 1 no search could have gone
+    /// to the true place: it is not where the volumes agree best.
+    double truthByFound = 0.0;
 };
 
 Errors follow(const Course& course, const Variant& variant) {
@@ -144,6 +147,13 @@ Errors follow(const Course& course, const Variant& variant) {
             errors.largest[i / 3] = std::max(errors.largest[i / 3], error);
         }
         errors.steps += double(fit.steps) / (course.nrOfVolumes - 1);
+        const auto meanSquareAt = [&](const RigidTransformation& t) {
+            MotionEquations equations;
+            evaluation.evaluate(source, t, equations);
+            return equations.sumOfSquares / equations.voxelsUsed;
+        };
+        errors.truthByFound += meanSquareAt(course.truth(v)) / meanSquareAt(fit.transformation) /
+                               (course.nrOfVolumes - 1);
     }
     return errors;
 }
@@ -219,9 +229,10 @@ Course realRun(const QString& fmrFile, const QString& reference) {
 void printCourse(const Course& course, bool allVariants) {
     for (const Variant& variant : variants) {
         const Errors e = follow(course, variant);
-        std::printf("%3d x %3d x %2d  %-12s  %-16s  %8.3f %8.3f  %8.3f %8.3f  %5.1f\n",
+        std::printf("%3d x %3d x %2d  %-12s  %-16s  %8.3f %8.3f  %8.3f %8.3f  %5.1f  %11.3f\n",
                     course.grid.size[0], course.grid.size[1], course.grid.size[2], course.name,
-                    variant.name, e.mean[0], e.mean[1], e.largest[0], e.largest[1], e.steps);
+                    variant.name, e.mean[0], e.mean[1], e.largest[0], e.largest[1], e.steps,
+                    e.truthByFound);
         if (allVariants) {
             std::printf("    mean of each:");
             for (const double error : e.of)
@@ -253,20 +264,21 @@ void printSize(std::array<int, 3> voxels, std::array<float, 3> millimetres, bool
 
 } // namespace
 
-/// Nothing: simulated heads, the program's way. "all": the variants too. A project file and a file
-/// of its motion: that run, with all variants.
+/// Nothing: simulated heads at three sizes, the program's way. "all": the smallest size, all
+/// variants. A project file and a file of its motion: that run, all variants.
 int main(int argc, char** argv) {
     std::printf("Absolute errors: mean of translations (mm) and rotations (degrees), then largest\n"
                 "size            course        evaluation        mean mm mean deg    max mm  max "
-                "deg  steps\n");
+                "deg  steps  truth/found\n");
     if (argc > 2) {
         printCourse(realRun(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2])),
                     true);
         return 0;
     }
-    const bool allVariants = argc > 1;
-    printSize({64, 64, 25}, {3.0f, 3.0f, 4.0f}, allVariants);
-    printSize({74, 74, 36}, {2.6f, 2.6f, 3.3f}, allVariants);
-    printSize({104, 104, 72}, {2.0f, 2.0f, 2.0f}, allVariants);
+    printSize({64, 64, 25}, {3.0f, 3.0f, 4.0f}, argc > 1);
+    if (argc > 1)
+        return 0;
+    printSize({74, 74, 36}, {2.6f, 2.6f, 3.3f}, false);
+    printSize({104, 104, 72}, {2.0f, 2.0f, 2.0f}, false);
     return 0;
 }

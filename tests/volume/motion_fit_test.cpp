@@ -45,7 +45,7 @@ std::vector<int16_t> resampled(const VolumeGrid& grid, const std::vector<int16_t
 
 TEST(MotionFit, GivesTheBitsOfThePlainFormForManyVolumes) {
     int failures = 0, moved = 0, longest = 0;
-    for (unsigned seed = 0; seed < 100; ++seed) {
+    for (unsigned seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
         const VolumeGrid grid =
@@ -82,8 +82,8 @@ TEST(MotionFit, GivesTheBitsOfThePlainFormForManyVolumes) {
         moved += found.transformation.tx != 0.0f;
         longest = std::max(longest, found.steps);
     }
-    EXPECT_GT(failures, 5); // the cases are of all kinds
-    EXPECT_GT(moved, 60);
+    EXPECT_GT(failures, 3); // the cases are of all kinds
+    EXPECT_GT(moved, 35);
     EXPECT_EQ(longest, 11);
 }
 
