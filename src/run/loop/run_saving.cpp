@@ -13,6 +13,8 @@
 
 #include <QDir>
 
+#include <memory>
+
 namespace {
 
 struct SaveStep {
@@ -44,6 +46,7 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
     QtCortivoDoc& document = run.document;
     FMRProject& project = document.project;
     const int volumes = recordedVolumes(run);
+    const auto dataWritten = std::make_shared<bool>(false);
     return {
         {0,
          // A failure clears the path, and the name of the file with it.
@@ -54,11 +57,15 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
              updateProjectForSaving(run);
              return written;
          }},
-        {5, [&, volumes] { return writeSTCData(project, volumes, &progress, &run.pump, 5, 80); }},
+        {5,
+         [&, volumes, dataWritten] {
+             return *dataWritten = writeSTCData(project, volumes, &progress, &run.pump, 5, 80);
+         }},
+        // Without its data a header would misread those that an earlier run left under the name. It
+        // names the protocol, and is written again when that is there.
         {80,
-         // It names the protocol, and is written again when that is there.
-         [&, volumes] {
-             return writeFMRHeader(project, project.projectPath, volumes) &&
+         [&, volumes, dataWritten] {
+             return *dataWritten && writeFMRHeader(project, project.projectPath, volumes) &&
                     isProtocolPathSet(document.protocol.protocolPath);
          }},
         {-1,

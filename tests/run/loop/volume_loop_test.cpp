@@ -213,7 +213,6 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
     };
     messages.expect(MessageLevel::Warning, "ERROR: Unable to open protocol file!");
     messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
-    messages.expect(MessageLevel::Warning, "ERROR: Can not open FMR file \"*");
     messages.expect(MessageLevel::Critical, "ERROR: Unable to write map file*");
     messages.expect(MessageLevel::Critical, "ERROR: Unable to open contrasts file \"*");
     messages.expect(MessageLevel::Critical, "Error: Can not open file to save first volume.");
