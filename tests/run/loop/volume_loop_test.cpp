@@ -153,6 +153,15 @@ TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
     script.firstVolumeComes = true;
     session.runButtonPressed();
     EXPECT_EQ(savedVolumes(), 14);
+
+    programEnd.statuses.clear();
+    session.makeReader = [](const IntakeContext&) { return std::unique_ptr<VolumeReader>(); };
+    session.runButtonState = RunButtonState::Ready;
+    messages.expect(MessageLevel::Critical,
+                    "ERROR: Data type not supported!\n\nCheck settings file: \"" +
+                        path("test-1.vco") + "\".");
+    session.runButtonPressed();
+    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
 }
 
 TEST_F(VolumeLoopTest, RegionColoursAreReadAndTheGoBoxIsShown) {
@@ -190,16 +199,6 @@ TEST_F(VolumeLoopTest, InplanesShowWhereTheyCameAndTheRunGoesOnWithoutThem) {
     EXPECT_EQ(session.functionalDocument->slices.InplanePixmaps[3].size(), QSize(16, 24));
     ASSERT_TRUE(session.reloadData());
     EXPECT_EQ(session.state.pendingOverlayInplane, -1) << "saved runs have none";
-}
-
-TEST_F(VolumeLoopTest, TypeWithoutReaderEndsTheProgram) {
-    writeSession(16, 2);
-    session.makeReader = [](const IntakeContext&) { return std::unique_ptr<VolumeReader>(); };
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: Data type not supported!\n\nCheck settings file: \"" +
-                        path("test-1.vco") + "\".");
-    session.runButtonPressed();
-    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
 }
 
 TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
