@@ -45,7 +45,7 @@ std::vector<int16_t> resampled(const VolumeGrid& grid, const std::vector<int16_t
 
 TEST(MotionFit, GivesTheBitsOfThePlainFormForManyVolumes) {
     int failures = 0, moved = 0, longest = 0;
-    for (unsigned seed = 0; seed < 60; ++seed) {
+    for (unsigned seed = 0; seed < 100; ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
         const VolumeGrid grid =
@@ -88,7 +88,7 @@ TEST(MotionFit, GivesTheBitsOfThePlainFormForManyVolumes) {
 }
 
 TEST(ResampleVolume, GivesTheBitsOfThePlainFormForAnyMotionAndSize) {
-    for (unsigned seed = 0; seed < 60; ++seed) {
+    for (unsigned seed = 0; seed < 100; ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
         const VolumeGrid grid = gridOf(

@@ -15,7 +15,7 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
 /// The prescribed taps for a full width in voxels; one tap of 1 without a width.
-std::vector<float> plainTaps(double width) {
+std::vector<double> plainTaps(double width) {
     const int half = width > 0 ? int(std::lround(width * 0.9)) : 0;
     std::vector<double> taps;
     for (int d = -half; d <= half; ++d)
@@ -23,35 +23,38 @@ std::vector<float> plainTaps(double width) {
     const double sum = std::accumulate(taps.begin(), taps.end(), 0.0);
     for (double& tap : taps)
         tap /= sum;
-    return {taps.begin(), taps.end()};
+    return taps;
 }
 
-/// The first volume of the run, smoothed in three passes.
-std::vector<int16_t> plainSmoothing(const FMRProject& run, const std::array<double, 3>& widths) {
-    std::vector<int16_t> samples(run.volumes[0].span().begin(), run.volumes[0].span().end());
+/// The first volume of the run, smoothed in three passes, as samples in float or without rounding
+/// in double.
+template<typename Real, typename Sample>
+std::vector<Sample> plainSmoothing(const FMRProject& run, const std::array<double, 3>& widths) {
+    std::vector<Sample> samples(run.volumes[0].span().begin(), run.volumes[0].span().end());
     const std::array<int, 3> sizes{run.ResolutionX, run.ResolutionY, run.NrOfSlices};
     int stride = 1;
     for (size_t axis = 0; axis < 3; stride *= sizes[axis], ++axis) {
-        const std::vector<float> taps = plainTaps(widths[axis]);
+        const std::vector<double> taps = plainTaps(widths[axis]);
         const int half = int(taps.size()) / 2;
-        const std::vector<int16_t> in = samples;
+        const std::vector<Sample> in = samples;
         for (int i = 0; i < int(in.size()); ++i) {
             const int position = i / stride % sizes[axis];
-            float sum = 0;
+            Real sum = 0;
             for (int d = -half; d <= half; ++d) {
                 const bool inside = position + d >= 0 && position + d < sizes[axis];
-                sum += taps[size_t(d + half)] * in[size_t(inside ? i + d * stride : i)];
+                sum += Real(taps[size_t(d + half)]) * Real(in[size_t(inside ? i + d * stride : i)]);
             }
-            samples[size_t(i)] = int16_t(std::clamp(sum, 0.0f, 32767.0f) + 0.5f);
+            const Real rounding = std::is_integral_v<Sample> ? Real(0.5) : Real(0);
+            samples[size_t(i)] = Sample(std::clamp(sum, Real(0), Real(32767)) + rounding);
         }
     }
     return samples;
 }
 
-FMRProject randomRun(int sizeX, int sizeY, int nrOfSlices) {
+FMRProject randomRun(int sizeX, int sizeY, int nrOfSlices, int range = 65536) {
     std::minstd_rand random(7);
     return runOf(sizeX, sizeY, nrOfSlices, 1,
-                 [&](int, int, int, int) { return int(random() >> 8) % 65536; });
+                 [&](int, int, int, int) { return int(random() >> 8) % range; });
 }
 
 double blob(double x, double y, double z, double variance, double factor) {
@@ -67,7 +70,7 @@ bool smoothWhole(FMRProject& run, const SpatialSmoothingOptions& options) {
 
 } // namespace
 
-TEST(SmoothVolume, IsBitForBitThePlainForm) {
+TEST(SmoothVolume, IsBitForBitThePlainFormAndCloseToAConvolutionInDouble) {
     const struct {
         std::array<int, 3> size;
         std::array<double, 3> widths;
@@ -79,12 +82,18 @@ TEST(SmoothVolume, IsBitForBitThePlainForm) {
     SpatialSmoothing smoothing; // with the memory of the case before
     for (const auto& c : cases) {
         FMRProject run = randomRun(c.size[0], c.size[1], c.size[2]);
-        const std::vector<int16_t> plain = plainSmoothing(run, c.widths);
+        const std::vector<int16_t> plain = plainSmoothing<float, int16_t>(run, c.widths);
         // The voxels are 3 x 3 x 4 mm, so that the first case is 5 mm.
         const VoxelWidths widths{c.widths[0], c.widths[1], c.widths[2]};
         ASSERT_TRUE(c.size[0] == 64 ? smoothing.smoothVolume(run, 0, 5.0f)
                                     : smoothing.smoothVolume(run, 0, widths));
         EXPECT_EQ(samplesOf(run), plain) << c.size[0];
+
+        FMRProject image = randomRun(c.size[0], c.size[1], c.size[2], 3000);
+        const std::vector<double> exact = plainSmoothing<double, double>(image, c.widths);
+        ASSERT_TRUE(smoothing.smoothVolume(image, 0, widths));
+        for (size_t i = 0; i < exact.size(); ++i)
+            ASSERT_NEAR(image.volumes[0][i], std::floor(exact[i] + 0.5), 1.0) << i;
     }
 }
 
@@ -135,7 +144,7 @@ TEST(SmoothRun, InTheFrequencyDomainABlobStaysABlobWithTheSumOfTheVariances) {
 TEST(SmoothRun, SmoothsInSpaceOrRefusesWithAMessage) {
     ScriptedMessages messages;
     FMRProject run = randomRun(6, 5, 4);
-    const std::vector<int16_t> expected = plainSmoothing(run, {2.0, 2.0, 0.0});
+    const std::vector<int16_t> expected = plainSmoothing<float, int16_t>(run, {2.0, 2.0, 0.0});
     EXPECT_TRUE(smoothWhole(run, {true, true, true, false, 2.0f}));
     for (const float width : {0.0f, -1.0f, std::nanf(""), infinity, 1e30f}) {
         messages.expect(MessageLevel::Warning,

@@ -14,8 +14,8 @@ void correctMotion(const RunParts& run, int volumeIndex) {
         document.motion.setMotionTarget(document.project);
 }
 
-// With a width that can't be used (of 0 nothing would be left of a volume) volumes stay as they are,
-// and the run goes on; the operator hears of it with the first one.
+// With a width that can't be used (of 0 nothing would be left of a volume) volumes stay as they
+// are, and the run goes on; the operator hears of it with the first one.
 void smooth(const RunParts& run, int volumeIndex) {
     FMRProject& project = run.document.project;
     const float fwhm = run.settings.SpatialSmoothingFWHM;

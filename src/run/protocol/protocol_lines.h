@@ -35,7 +35,7 @@ struct ProtocolUpdate {
 class LineMessages {
 public:
     void show(const QString& message) {
-        constexpr int most = 20;
+        constexpr int most = 5;
         if (!message.isEmpty() && ++shown_ <= most)
             showWarningAside(message);
     }

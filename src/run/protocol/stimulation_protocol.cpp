@@ -74,7 +74,7 @@ int StimulationProtocol::conditionIndex(const QString& name) {
     if (acceptNewConditions)
         return append(conditions, known);
     // A log repeats its names, and a broken one has any number of them.
-    constexpr qsizetype mostWarnings = 20;
+    constexpr qsizetype mostWarnings = 5;
     if (unexpectedConditions.contains(known) || unexpectedConditions.size() >= mostWarnings)
         return -1;
     unexpectedConditions << known;

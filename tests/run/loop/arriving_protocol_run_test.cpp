@@ -2,6 +2,8 @@
 #include "run/loop/session_fixture.h"
 #include "run/protocol/arriving_headers.h"
 
+#include <QProcess>
+
 namespace {
 
 const QString tdatTimeOut = "TIME OUT ERROR: expected tdat condition info not available!";
@@ -216,4 +218,25 @@ TEST_F(ArrivingProtocolRun, HeaderThatCanNotBeReadEndsTheProgram) {
         EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
         EXPECT_EQ(display.calls.last(), "failed");
     }
+}
+
+TEST_F(ArrivingProtocolRun, AnotherProgramWritesInPiecesWhileTheLoopWaits) {
+    writeRun("RealTimeProtocol:", 6, rtpHeader, {{"TimeOutSeconds:", "60"}});
+    QtEventPump realPump;
+    RunSession realSession(realPump, display);
+    realSession.makeReader = session.makeReader;
+    realSession.settings = session.settings;
+    QProcess writer;
+    writer.setStandardOutputFile(path("log"), QIODevice::Append);
+    // Half a line stands for a while before its rest follows.
+    writer.start("/bin/sh",
+                 {"-c", "printf 'SCAN BE'; sleep 0.05; printf 'GIN\\n1 0 '; sleep 0.05; "
+                        "printf '0\\n2 1 0\\n3 1'; sleep 0.05; printf ' 0\\n4 0 2\\n'; sleep 0.05;"
+                        "printf '5 0 '; sleep 0.05; printf '0\\n6 0 0\\nSCAN END\\n'"});
+    ASSERT_TRUE(writer.waitForStarted());
+    realSession.runButtonPressed();
+    ASSERT_TRUE(writer.state() == QProcess::NotRunning || writer.waitForFinished());
+    EXPECT_EQ(realSession.state.currentVolume, 5);
+    EXPECT_EQ(savedConditions(), "3 Rest ing 2 1 1 5 1005 Color: 100 100 100 "
+                                 "Faces 1 2 3 Color: 255 0 0 Houses 1 4 4 Color: 0 0 255");
 }
