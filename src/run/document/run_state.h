@@ -27,7 +27,8 @@ struct RunState {
     QString preLoadROIFile;
     bool preLoadVOI = false;
     bool motionCorrectionFailed = false;
-    bool mapsPresent = false; ///< there are maps to show
-    bool runFinished = false; ///< the current settings file has been analysed
-    int logFontSize = 9;      ///< points
+    bool mapsPresent = false;    ///< there are maps to show
+    bool runFinished = false;    ///< the current settings file has been analysed
+    bool savedCompletely = true; ///< the run in memory is on disk, whole
+    int logFontSize = 9;         ///< points
 };

@@ -122,6 +122,7 @@ bool RunSession::reloadData() {
         return false;
     }
     state.runFinished = true;
+    state.savedCompletely = true;
     setRunButton(RunButtonState::NoSettingsFile);
     display_.runPrepared();
     display_.runEnded();

@@ -96,11 +96,13 @@ QString offerText(int fontSize, const QString& settingsFileName) {
         .arg(QString::number(fontSize), settingsFileName.toHtmlEscaped());
 }
 
-QString finishedText(int fontSize, const QString& settingsFileName, const QString& title) {
+QString finishedText(int fontSize, const QString& settingsFileName, const QString& title,
+                     bool savedCompletely) {
     return QStringLiteral("<body style=\"font-size:%1pt\"> Current settings file: "
-                          "\"<b>%2</b>\".<br><br>%3<br><br>Processing completed.<br>Ready.<br>"
+                          "\"<b>%2</b>\".<br><br>%3<br><br>Processing completed.<br>%4Ready.<br>"
                           "</body>")
-        .arg(QString::number(fontSize), settingsFileName.toHtmlEscaped(), title.toHtmlEscaped());
+        .arg(QString::number(fontSize), settingsFileName.toHtmlEscaped(), title.toHtmlEscaped(),
+             savedCompletely ? "" : "Recorded data <b>not saved completely</b>.<br>");
 }
 
 QString waitingText(int fontSize, const QString& settingsFileName) {

@@ -59,7 +59,7 @@ struct WatchOutcome {
 /// Texts of the panel; `fontSize` in points.
 [[nodiscard]] QString offerText(int fontSize, const QString& settingsFileName);
 [[nodiscard]] QString finishedText(int fontSize, const QString& settingsFileName,
-                                   const QString& title);
+                                   const QString& title, bool savedCompletely);
 [[nodiscard]] QString waitingText(int fontSize, const QString& settingsFileName);
 
 /// What the operator is told when a neighbour can't be named; empty when it can.

@@ -216,7 +216,8 @@ void VolumeLoop::save() {
         savingTextHead(state_.logFontSize, volumeIndex_, runClock_.elapsed(), document_.maps);
     run_.display.showLogText(head + "<br> Saving recorded data...<br></body>");
     run_.pump.processEvents();
-    if (saveRecordedData(run_))
+    state_.savedCompletely = saveRecordedData(run_);
+    if (state_.savedCompletely)
         run_.display.showLogText(head + "<br> Recorded data saved as \"<b>" +
                                  run_.settings.ProjectName.toHtmlEscaped() +
                                  "</b>\".<br><br> Ready.<br></body>");

@@ -171,7 +171,8 @@ void VeloCortivo::showOutcome(const WatchOutcome& outcome) {
         break;
     case WatchAction::ShowFinished:
         session_.runButtonState = RunButtonState::Finished;
-        showLogText(finishedText(fontSize, name, session_.settings.Title));
+        showLogText(
+            finishedText(fontSize, name, session_.settings.Title, session_.state.savedCompletely));
         refreshSettings();
         break;
     }
