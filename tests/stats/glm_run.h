@@ -76,9 +76,7 @@ struct GLMTestRun {
         maps.sizeX = project.ResolutionX;
         maps.sizeY = project.ResolutionY;
         maps.nrOfSlices = project.NrOfSlices;
-        maps.ContrastMaps.resize(size_t(contrasts.NrOfContrasts));
-        for (auto& map : maps.ContrastMaps)
-            ASSERT_TRUE(map.allocate(voxels()));
+        ASSERT_TRUE(maps.allocateMaps(contrasts.NrOfContrasts));
         ASSERT_TRUE(createBrainMask(mask, project));
         ASSERT_TRUE(glm.allocate(design.NrOfPredictors, voxels()));
     }

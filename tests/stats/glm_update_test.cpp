@@ -1,31 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
-#include "stats/conjunction.h"
 #include "stats/glm_run.h"
 
-#include <limits>
-
 namespace {
-
-TEST(GLMSchedule, OneSolutionForEachStepAndNoneAfterTheLast) {
-    GLMTestRun run(60);
-    run.addCondition(5, 8);
-    run.addCondition(5, 6);
-    run.addCondition(30, 8);
-    run.addConfounds(1);
-    run.start({11, 12, 30}); // equal onsets enter one after the other
-    std::vector<int> solutions;
-    for (int t = 0; t < 60; ++t) {
-        const int before = run.glm.GLMStartVolume;
-        updateGLM(run.parts(), t);
-        if (run.glm.GLMStartVolume != before)
-            solutions.push_back(t);
-    }
-    EXPECT_EQ(solutions, (std::vector<int>{11, 12, 30}));
-    EXPECT_EQ(run.glm.nrOfActivePredictors, 4);
-    EXPECT_EQ(run.maps.MapDF1, 60 - 4);
-}
 
 TEST(GLMContrasts, AppearAtTheSolutionAfterTheirOnset) {
     GLMTestRun run(40);
@@ -56,31 +34,18 @@ TEST(GLMContrasts, AppearAtTheSolutionAfterTheirOnset) {
     }
 }
 
-TEST(Conjunction, TakesTheWeakestOfOneSign) {
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    const std::pair<std::vector<float>, float> cases[] = {
-        {{}, 0},        {{3}, 3},          {{3, 2}, 2},        {{-2, -3}, -2}, {{-3, 2}, 0},
-        {{4, 0, 5}, 0}, {{5, 4, 3, 6}, 3}, {{-5, -4, -6}, -4}, {{3, nan}, 0}};
-    for (const auto& [values, result] : cases)
-        EXPECT_EQ(conjunction(values), result);
-}
-
 TEST(BrainMask, HoldsInnerSlicesReadAsUnsigned) {
     GLMTestRun run(1);
-    const struct {
-        size_t voxel;
-        int16_t sample;
-        bool inside;
-    } cases[] = {{3, 5000, false},
-                 {4 * 42 + 3, 5000, false}, // first and last slice
-                 {42, 100, false},
-                 {43, 101, true}, // at the threshold and above
-                 {44, -1, true}}; // 65535
-    for (const auto& item : cases)
-        run.project.volumes[0][item.voxel] = item.sample;
+    const std::tuple<size_t, int16_t, bool> cases[] = {{3, 5000, false},
+                                                       {4 * 42 + 3, 5000, false}, // outer slices
+                                                       {42, 100, false},
+                                                       {43, 101, true}, // above the threshold
+                                                       {44, -1, true}}; // 65535
+    for (const auto& [voxel, sample, inside] : cases)
+        run.project.volumes[0][voxel] = sample;
     ASSERT_TRUE(createBrainMask(run.mask, run.project));
-    for (const auto& item : cases)
-        EXPECT_EQ(run.mask.voxels[item.voxel] != 0, item.inside) << item.voxel;
+    for (const auto& [voxel, sample, inside] : cases)
+        EXPECT_EQ(run.mask.voxels[voxel] != 0, inside) << voxel;
 }
 
 TEST(GLMUpdate, NoDegreesOfFreedomAndFiftyPredictors) {

@@ -8,19 +8,7 @@
 namespace {
 
 QString levelName(MessageLevel level) {
-    switch (level) {
-    case MessageLevel::Information:
-        return "information";
-    case MessageLevel::Warning:
-        return "warning";
-    case MessageLevel::Critical:
-        return "critical";
-    }
-    return {};
-}
-
-bool textFits(const QString& expected, const QString& text) {
-    return expected.endsWith('*') ? text.startsWith(expected.chopped(1)) : text == expected;
+    return QStringList{"information", "warning", "critical"}[qsizetype(level)];
 }
 
 } // namespace
@@ -79,17 +67,16 @@ QString ScriptedMessages::meet(const QString& kind, const QString& text) {
     shown_ << text;
     if (acceptAnything_)
         return {};
-    if (expected_.empty() || expected_.front().kind != kind ||
-        !textFits(expected_.front().text, text)) {
+    const Expectation next = expected_.empty() ? Expectation{"nothing", {}, {}} : expected_.front();
+    if (next.kind != kind ||
+        (next.text.endsWith('*') ? !text.startsWith(next.text.chopped(1)) : text != next.text)) {
         ADD_FAILURE() << "unexpected " << kind.toStdString() << ": " << text.toStdString()
-                      << (expected_.empty() ? std::string("\nnothing was expected")
-                                            : "\nexpected " + expected_.front().kind.toStdString() +
-                                                  ": " + expected_.front().text.toStdString());
+                      << "\nexpected " << next.kind.toStdString() << ": "
+                      << next.text.toStdString();
         return {};
     }
-    const QString answer = expected_.front().answer;
     expected_.pop_front();
-    return answer;
+    return next.answer;
 }
 
 RecordedProgramEnd::RecordedProgramEnd() {

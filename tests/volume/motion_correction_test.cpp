@@ -110,29 +110,19 @@ TEST_F(MotionCorrectionTest, FollowsTheHead) {
     }
 }
 
-TEST_F(MotionCorrectionTest, LogHasALineForEachVolume) {
-    makeRun({32, 33, 15}, 3);
-    for (int v = 0; v < 3; ++v) {
-        measureHead(v, {0.3f * float(v)});
-        correct(v);
-    }
-    const QByteArrayList lines = log().split('\n');
-    ASSERT_EQ(lines.size(), 7);
-    EXPECT_EQ(lines.mid(0, 4).join('|'), "InterpolationMethod: Trilinear|FullDataSet: No   "
-                                         "(sampling: 2 2 1)|MaxNrOfLevMarqIterations: 10|");
-    EXPECT_TRUE(lines[4].startsWith("-> volume:    2   n_its: "));
-    EXPECT_TRUE(lines[5].startsWith("-> volume:    3   n_its: "));
+TEST_F(MotionCorrectionTest, LogHasItsHeadAndLines) {
+    makeRun({32, 33, 15}, 1);
+    EXPECT_EQ(motionLogHead(VolumeGrid(project)),
+              "InterpolationMethod: Trilinear\nFullDataSet: No   (sampling: 2 2 1)\n"
+              "MaxNrOfLevMarqIterations: 10\n\n");
+    project.ResolutionX = project.ResolutionY = 31;
+    EXPECT_TRUE(motionLogHead(VolumeGrid(project)).contains("\nFullDataSet: Yes\n"));
     const MotionFit fit{{1, -2, 0.12346f, 0.5f, 0, -0.25f}, 11};
     EXPECT_EQ(motionLogLine(0, fit),
               "-> volume:    1   n_its:   11   dx: 1.0000 mm  dy: -2.0000 mm  dz: 0.1235 mm    "
               "rx: 0.5000 degs   ry: 0.0000 degs  rz: -0.2500 degs\n");
-    for (const auto& [name, log] :
-         {std::pair{"run", "REALTIME_3DMC.log"}, {"a.b.fmr", "a.b_3DMC.log"}}) {
-        project.projectPath = "/else.where/" + QString(name);
-        EXPECT_EQ(motionLogFileName(project), folder.filePath(log));
-    }
-    project.ResolutionX = project.ResolutionY = 31;
-    EXPECT_TRUE(motionLogHead(VolumeGrid(project)).contains("\nFullDataSet: Yes\n"));
+    project.projectPath = "/else.where/run";
+    EXPECT_EQ(motionLogFileName(project), folder.filePath("REALTIME_3DMC.log"));
 }
 
 TEST_F(MotionCorrectionTest, VolumesWhoseLogCanNotBeWrittenStayAsTheyAre) {
@@ -157,24 +147,20 @@ TEST_F(MotionCorrectionTest, VolumesWhoseLogCanNotBeWrittenStayAsTheyAre) {
 }
 
 TEST_F(MotionCorrectionTest, FitsThatFailLeaveTheSamples) {
-    struct Case {
-        std::array<int, 3> size;
-        int low, high; ///< samples
-        float pixelSize;
-    };
-    const Case cases[] = {
+    // Size, lowest and highest sample, pixel size.
+    const std::tuple<std::array<int, 3>, int, int, float> cases[] = {
         {{16, 16, 6}, 0, 100, 3.0f},   {{16, 16, 6}, 500, 500, 3.0f}, // dark, flat
         {{16, 16, 1}, 200, 900, 3.0f}, {{1, 2, 3}, 200, 900, 3.0f},   // too small
         {{9, 1, 6}, 200, 900, 0.0f},   {{16, 16, 6}, 0, 0, 3.0f},     // no pixel size, empty
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.size));
-        makeRun(c.size, 3);
-        project.pixelSizeX = project.pixelSizeY = c.pixelSize;
+    for (const auto& [size, low, high, pixelSize] : cases) {
+        SCOPED_TRACE(testing::PrintToString(size));
+        makeRun(size, 3);
+        project.pixelSizeX = project.pixelSizeY = pixelSize;
         for (int v = 0; v < 3; ++v) {
             int i = v * 11;
             for (int16_t& sample : project.volumes[size_t(v)].span())
-                sample = int16_t(c.low + (i += 37) % (c.high - c.low + 1));
+                sample = int16_t(low + (i += 37) % (high - low + 1));
             const std::vector<int16_t> measured = copyOf(v);
             correct(v);
             EXPECT_EQ(copyOf(v), measured);
@@ -182,28 +168,12 @@ TEST_F(MotionCorrectionTest, FitsThatFailLeaveTheSamples) {
         }
         EXPECT_EQ(parametersOf(2), std::vector<float>(6, 0.0f));
     }
-    // Without a target nothing is even tried.
-    makeRun({16, 16, 6}, 2);
-    motion->releaseTarget();
-    correct(1);
-    EXPECT_TRUE(motion->motionParameters[0].empty());
 }
 
-TEST_F(MotionCorrectionTest, TargetOfAnotherRunMustBeThereAndFit) {
-    makeRun({8, 7, 3}, 4);
-    for (size_t i = 0; i < project.volumeSamples(); ++i)
-        project.volumes[0][i] = int16_t(i * 3);
-    ASSERT_TRUE(writeSTCData(project, 4, nullptr, nullptr, 0, 100));
-    ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 4));
-    ASSERT_TRUE(loadIntraSessionTarget(project.projectPath, project, *motion));
-    EXPECT_TRUE(std::ranges::equal(motion->motionTarget.span(), project.volumes[0].span()));
-
-    for (const QString& path : {folder.filePath("none.fmr"), folder.path(), QString()}) {
-        messages.expect(MessageLevel::Warning, "Can not find target FMR \"" + path +
-                                                   "\" for across-run, same-session motion "
-                                                   "correction");
-        EXPECT_FALSE(loadIntraSessionTarget(path, project, *motion));
-    }
+TEST_F(MotionCorrectionTest, TargetOfAnotherRunMustFit) {
+    makeRun({8, 7, 3}, 1);
+    ASSERT_TRUE(writeSTCData(project, 1, nullptr, nullptr, 0, 100));
+    ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 1));
     for (int FMRHeader::*size :
          {&FMRHeader::ResolutionX, &FMRHeader::ResolutionY, &FMRHeader::NrOfSlices}) {
         ++(project.*size);

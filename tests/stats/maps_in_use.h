@@ -1,0 +1,22 @@
+// Statistical maps for tests of what is made of them.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "stats/statistical_maps.h"
+
+#include <gtest/gtest.h>
+#include <numeric>
+
+/// Zeroed maps of the first contrasts, all in use, shown and with `state`.
+inline StatisticalMaps mapsInUse(int sizeX, int sizeY, int nrOfSlices, int count, int state = 1) {
+    StatisticalMaps maps;
+    maps.sizeX = sizeX;
+    maps.sizeY = sizeY;
+    maps.nrOfSlices = nrOfSlices;
+    EXPECT_TRUE(maps.allocateMaps(count));
+    maps.NrOfActiveContrasts = maps.NrOfShownMaps = count;
+    maps.states.assign(size_t(count), state);
+    maps.contrastOfMap.resize(size_t(count));
+    std::iota(maps.contrastOfMap.begin(), maps.contrastOfMap.end(), 0);
+    return maps;
+}
