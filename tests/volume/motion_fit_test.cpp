@@ -76,6 +76,8 @@ TEST(MotionFit, GivesTheBitsOfThePlainFormForManyVolumes) {
         EXPECT_EQ(asList(found.transformation), asList(expected.transformation));
         EXPECT_EQ(found.steps, expected.steps);
         EXPECT_EQ(failed, plainFailed);
+        EXPECT_EQ(resampled(grid, source, found.transformation),
+                  plain.resample(found.transformation));
         failures += failed;
         moved += found.transformation.tx != 0.0f;
         longest = std::max(longest, found.steps);
@@ -99,6 +101,40 @@ TEST(ResampleVolume, GivesTheBitsOfThePlainFormForAnyMotionAndSize) {
         const RigidTransformation motion = random.motion(ranges[seed % 4]);
         EXPECT_EQ(resampled(grid, source, motion), PlainMotion(grid, {}, source).resample(motion));
     }
+}
+
+TEST(ResampleVolume, MovesTurnsAndRoundsAsStated) {
+    const VolumeGrid grid = gridOf({4, 3, 3}, {2.0f, 2.0f, 2.0f});
+    std::vector<int16_t> source(36);
+    for (size_t i = 0; i < source.size(); ++i)
+        source[i] = int16_t(5 + i % 4 * 3 + i / 12 * 100); // columns 3 apart, slices 100
+    EXPECT_EQ(resampled(grid, source, {}), source);
+    const auto rowOf = [&](const RigidTransformation& t, size_t slice) {
+        const std::vector<int16_t> result = resampled(grid, source, t);
+        return std::vector<int16_t>(result.begin() + ptrdiff_t(slice) * 12 + 4,
+                                    result.begin() + ptrdiff_t(slice) * 12 + 8);
+    };
+    using Row = std::vector<int16_t>;
+    // A positive translation shows what lies before; -0.5 is cut to 0, outside comes the nearest.
+    EXPECT_EQ(rowOf({1.0f}, 0), (Row{5, 7, 10, 13}));
+    EXPECT_EQ(rowOf({2.0f}, 0), (Row{5, 5, 8, 11}));
+    EXPECT_EQ(rowOf({4.0f}, 0), (Row{0, 5, 5, 8}));
+    EXPECT_EQ(rowOf({-3.0f}, 0), (Row{10, 13, 0, 0}));
+    EXPECT_EQ(rowOf({0, 0, 2.0f}, 2), (Row{105, 108, 111, 114}));
+    for (int16_t& sample : source)
+        sample = int16_t(-sample);
+    EXPECT_EQ(rowOf({1.0f}, 0), (Row{-5, -6, -9, -12})); // halves upwards
+    // A quarter turn is exact: columns become rows.
+    const VolumeGrid square = gridOf({3, 3, 2}, {1.3f, 1.3f, 1.7f});
+    const std::vector<int16_t> slices{1,  2,  3,  4,  5,  6,  7,  8,  9,
+                                      10, 20, 30, 40, 50, 60, 70, 80, 90};
+    EXPECT_EQ(
+        resampled(square, slices, {0, 0, 0, 0, 0, 90.0f}),
+        (std::vector<int16_t>{3, 6, 9, 2, 5, 8, 1, 4, 7, 30, 60, 90, 20, 50, 80, 10, 40, 70}));
+    for (const float angle : {90.0f, -90.0f, 270.0f, 180.0f})
+        for (size_t i = 0; i < 3; ++i)
+            EXPECT_EQ(std::abs(C3dMatrix::rotationZ(angle).at(i, i)),
+                      i == 2 || angle == 180.0f ? 1.0f : 0.0f);
 }
 
 TEST(MotionFit, StepsAsLongAsTheErrorMoves) {
@@ -144,23 +180,34 @@ TEST(MotionFit, StepsAsLongAsTheErrorMoves) {
 }
 
 TEST(MotionFit, FailuresCountAsNoMotionUntilTheFlagIsCleared) {
-    const auto fitWith = [](double element, bool& failed) {
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    constexpr double nothing = 0.0, row = 1.0, pair = 2.0;
+    const auto fitWith = [=](double kind, bool& failed) {
         return fitMotion(
             [=](const RigidTransformation&, MotionEquations& equations) {
                 equations = {};
-                for (size_t i = 0; i < 6; ++i)
-                    equations.curvature[i * 7] = i == 0 ? element : 1.0;
+                for (size_t i = kind == row ? 1 : 0; i < 6; ++i)
+                    equations.curvature[i * 7] = kind == nothing    ? 0.0
+                                                 : std::isnan(kind) ? none
+                                                                    : 1.0;
+                if (kind == pair)
+                    equations.curvature[1] = equations.curvature[6] = 1.0;
                 equations.sumOfSquares = 5.0;
                 equations.voxelsUsed = 1;
             },
             {0.5, 0, 0, 0, 0, 0.25}, failed);
     };
-    for (const double element : {0.0, std::numeric_limits<double>::quiet_NaN()}) {
+    const std::vector<float> start{0.5f, 0, 0, 0, 0, 0.25f};
+    for (const double kind : {nothing, row, none}) {
         bool failed = false;
-        EXPECT_EQ(asList(fitWith(element, failed).transformation), (std::vector<float>(6, 0.0f)));
+        EXPECT_EQ(asList(fitWith(kind, failed).transformation), (std::vector<float>(6, 0.0f)));
         EXPECT_TRUE(failed);
-        const MotionFit later = fitWith(1.0, failed);
-        EXPECT_EQ(asList(later.transformation), (std::vector<float>{0.5f, 0, 0, 0, 0, 0.25f}));
+        const MotionFit later = fitWith(3.0, failed);
+        EXPECT_EQ(asList(later.transformation), start);
         EXPECT_EQ(later.steps, 1);
     }
+    // Singular without damping only: what the steps have found stands.
+    bool failed = false;
+    EXPECT_EQ(asList(fitWith(pair, failed).transformation), start);
+    EXPECT_FALSE(failed);
 }
