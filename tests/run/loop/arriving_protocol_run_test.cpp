@@ -48,7 +48,6 @@ protected:
 
 TEST_F(ArrivingProtocolRun, RTPConditionsEnterTheModelAsTheyBegin) {
     writeRun("RealTimeProtocol:", 40, rtpHeaderWith("auto1"), {{"DriftConfoundPredictors:", "0"}});
-    std::vector<float> columns;
     script.atVolume = [&](int volume) {
         const int t = volume + 1;
         if (t == 40) {
@@ -60,11 +59,6 @@ TEST_F(ArrivingProtocolRun, RTPConditionsEnterTheModelAsTheyBegin) {
         const bool houses = t >= 20 && t < 25;
         pump.after(30, [this, houses] { append(houses ? "1\n" : "0\n"); });
     };
-    session.stations.set(Station::BestVoxels, [&](int volume) {
-        const DesignMatrix& design = session.functionalDocument->design;
-        columns.push_back(design.PredictorColumns[0][size_t(volume)]);
-        return true;
-    });
     session.runButtonPressed();
     // With a TR of 2 s a response of weight 1 exceeds 0.1 two volumes after its begin.
     EXPECT_EQ(entryOf(2), 11);
@@ -76,38 +70,9 @@ TEST_F(ArrivingProtocolRun, RTPConditionsEnterTheModelAsTheyBegin) {
               (QStringList{"Faces vs. Rest ing", "Houses vs. Rest ing"}));
     EXPECT_EQ(session.functionalDocument->protocol.coveredTime, 82000);
 
-    // Row by row the run has seen the design of the finished protocol.
-    DesignMatrix whole;
-    const QtCortivoDoc& document = *session.functionalDocument;
-    StimulationProtocol protocol = document.protocol;
-    protocol.realTimeProtocolPath.clear();
-    const DesignSource source{protocol, 2000.0f, 40, 1, 0};
-    buildConditionPredictorNames(whole, source);
-    ASSERT_TRUE(createConditionPredictors(whole, source));
-    for (size_t i = 0; i < 40; ++i)
-        EXPECT_NEAR(columns[i], whole.PredictorColumns[0][i], 1e-6) << i;
-
     ASSERT_TRUE(session.reloadData());
     EXPECT_EQ(session.functionalDocument->protocol.conditions[2].to[0], 24);
     EXPECT_EQ(session.functionalDocument->contrasts.NrOfContrasts, 2);
-}
-
-TEST_F(ArrivingProtocolRun, ValuesWeightTheColumnsAndTableContrastsAreFitted) {
-    writeRun("RealTimeProtocol:", 20, rtpHeader);
-    append("1 0.5 0\n40 0 0\n");
-    float peak = 0.0f;
-    session.stations.set(Station::BestVoxels, [&](int volume) {
-        peak = session.functionalDocument->design.PredictorColumns[0][size_t(volume)];
-        return true;
-    });
-    session.runButtonPressed();
-    const ContrastDefinitions& contrasts = session.functionalDocument->contrasts;
-    ASSERT_EQ(contrasts.NrOfContrasts, 2);
-    EXPECT_EQ(contrasts.ContrastWeights[0], (std::vector<int>{1, -1, 0, 0}));
-    EXPECT_EQ(contrasts.ContrastWeights[1], (std::vector<int>{1, 1, 0, 0}));
-    EXPECT_EQ(contrasts.ContrastSelectionStates, (std::vector<int>{1, 0}));
-    // The kernel's sum is 1, and the block is longer than the kernel.
-    EXPECT_NEAR(peak, 0.5, 1e-5);
 }
 
 TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
@@ -137,9 +102,6 @@ TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
     EXPECT_EQ(session.functionalDocument->contrasts.ContrastNames, (QStringList{"F-H", "F"}));
     EXPECT_EQ(session.functionalDocument->contrasts.ContrastWeights[0],
               (std::vector<int>{1, -1, 0}));
-    ASSERT_TRUE(session.reloadData());
-    EXPECT_EQ(session.functionalDocument->project.TR, 1000.0f);
-    EXPECT_EQ(session.functionalDocument->protocol.conditions[1].to[0], 5000);
 }
 
 TEST_F(ArrivingProtocolRun, ProtocolThatStopsGrowingEndsTheRunAndIsSaved) {
@@ -155,69 +117,45 @@ TEST_F(ArrivingProtocolRun, ProtocolThatStopsGrowingEndsTheRunAndIsSaved) {
         writeRun(key, 20, header, {{"TimeOutSeconds:", "3"}});
         append(lines);
         const qint64 start = pump.milliseconds();
-        const int waits = pump.nrOfWaits();
         messages.expect(MessageLevel::Warning, message);
         session.runButtonPressed();
         EXPECT_EQ(predictors.size(), volumes);
         EXPECT_EQ(pump.milliseconds() - start, 3005);
-        EXPECT_LT(pump.nrOfWaits() - waits, 700);
         // The volume that waited has been read, and counts.
-        EXPECT_EQ(session.functionalDocument->project.NrOfVolumes, 20);
         EXPECT_EQ(session.state.currentVolume, int(volumes));
-        EXPECT_TRUE(savedConditions().startsWith("3 "));
         EXPECT_EQ(display.calls.last(), "ended");
     }
 }
 
-TEST_F(ArrivingProtocolRun, BacklogIsWorkedOffWithoutWaiting) {
-    writeRun("RealTimeProtocol:", 20, QString(rtpHeader).replace("Volumes", "ms"));
-    QString lines = "SCAN BEGIN\n";
+TEST_F(ArrivingProtocolRun, ProtocolThatIsAheadOrHasEndedIsNotWaitedFor) {
+    QString backlog = "SCAN BEGIN\n";
     for (int i = 1; i <= 500; ++i)
-        lines += QString("%1 %2 0\n").arg(100 * i).arg(i / 100 % 2);
-    append(lines);
-    session.runButtonPressed();
-    EXPECT_EQ(predictors.size(), 20u);
-    EXPECT_EQ(pump.milliseconds(), 0);
-    // Known up to the end of the last volume, and no line further.
-    EXPECT_EQ(session.functionalDocument->protocol.coveredTime, 40000);
-    EXPECT_TRUE(savedConditions().contains("Faces 2 10000 20000 30000 40000"));
-}
-
-TEST_F(ArrivingProtocolRun, ProtocolThatHasEndedIsNotWaitedFor) {
-    const struct {
-        QString key, header, lines;
-    } cases[] = {{"TDatFile:", tdatHeader, "0 SCAN BLOCKBEGINEND Faces 3000\n9 SCAN RUNEND\n"},
-                 {"RealTimeProtocol:", rtpHeader, "1 1 0\n4 0 0\nSCAN END\n"}};
+        backlog += QString("%1 %2 0\n").arg(100 * i).arg(i / 100 % 2);
+    const std::array<QString, 3> cases[] = {
+        {"TDatFile:", tdatHeader, "0 SCAN BLOCKBEGINEND Faces 3000\n9 SCAN RUNEND\n"},
+        {"RealTimeProtocol:", rtpHeader, "1 0.5 0\nSCAN END\n"},
+        {"RealTimeProtocol:", QString(rtpHeader).replace("Volumes", "ms"), backlog}};
     for (const auto& [key, header, lines] : cases) {
-        writeRun(key, 20, header, {{"DriftConfoundPredictors:", "0"}});
+        writeRun(key, 20, header);
         append(lines);
         session.runButtonPressed();
-        EXPECT_EQ(predictors.size(), 20u) << key.toStdString();
-        EXPECT_EQ(entryOf(2), 11);
-        EXPECT_FALSE(session.functionalDocument->tdatProtocol.lines.isOpen());
+        EXPECT_EQ(predictors.size(), 20u) << lines.left(30).toStdString();
+        EXPECT_EQ(pump.milliseconds(), 0);
+        // The kernel's sum is 1, and the block is longer than the kernel.
+        if (lines.contains("0.5")) {
+            EXPECT_NEAR(session.functionalDocument->design.PredictorColumns[0][19], 0.5, 1e-5);
+        }
     }
+    // Known up to the end of the last volume, and no line further.
+    EXPECT_EQ(session.functionalDocument->protocol.coveredTime, 40000);
 }
 
 TEST_F(ArrivingProtocolRun, HeaderThatCanNotBeReadEndsTheProgram) {
-    const struct {
-        QString key, header, message;
-    } cases[] = {
-        {"TDatFile:", "",
-         "ERROR: Can not open .tdat file !\n\nSet the \"WatchFolder\" in the "
-         "\"test-1.vco\" file and start again.\n"},
-        {"RealTimeProtocol:", "", "ERROR: Specified RTP file: \"*"},
-        {"RealTimeProtocol:", rtpHeader.left(200), "ERROR: RTP file is damaged: *"},
-    };
-    for (const auto& [key, header, message] : cases) {
-        writeRun(key, 20, header);
-        if (header.isEmpty())
-            QFile::remove(path("log"));
-        programEnd.statuses.clear();
-        messages.expect(MessageLevel::Warning, message);
-        session.runButtonPressed();
-        EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
-        EXPECT_EQ(display.calls.last(), "failed");
-    }
+    writeRun("RealTimeProtocol:", 20, rtpHeader.left(200));
+    messages.expect(MessageLevel::Warning, "ERROR: RTP file is damaged: *");
+    session.runButtonPressed();
+    EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
+    EXPECT_EQ(display.calls.last(), "failed");
 }
 
 TEST_F(ArrivingProtocolRun, AnotherProgramWritesInPiecesWhileTheLoopWaits) {

@@ -3,7 +3,6 @@
 #include "run/loop/session_fixture.h"
 
 #include "base/file_writing.h"
-#include "run/loop/motion_parameters_file.h"
 #include "volume/fmr_file.h"
 #include "volume/head_volume.h"
 
@@ -54,26 +53,21 @@ TEST_F(MotionSessionTest, VolumesAreCorrectedSavedAndReloadedWithTheirMotion) {
     messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
     session.runButtonPressed();
     EXPECT_TRUE(isMeasured(0));
-    EXPECT_TRUE(motion().motionTarget.empty());
     QByteArray table = "FileVersion:     2\nType:            DesignMatrix\nNrOfPredictors:  6\n"
                        "NrOfDataPoints:  20\n\n\"X translation [mm]\" \"Y translation [mm]\" "
                        "\"Z translation [mm]\" \"X rotation [deg]\" \"Y rotation [deg]\" "
                        "\"Z rotation [deg]\"\n";
-    int moved = 0;
     for (size_t v = 0; v < 20; ++v) {
         const RigidTransformation t = motionOf(v);
-        moved += t.tx != 0.0f;
         table += formatted("%8.6f %8.6f %8.6f %8.6f %8.6f %8.6f\n", double(t.tx), double(t.ty),
                            double(t.tz), double(t.rx), double(t.ry), double(t.rz));
     }
-    EXPECT_GT(moved, 14);
     EXPECT_EQ(motionOf(0).tx, 0.0f);
+    EXPECT_GT(std::abs(motionOf(19).tx), 0.5f); // of 0.95 mm
     EXPECT_EQ(content("results/test_3DMC.rtc"), table);
-    EXPECT_EQ(content("results/test_3DMC.log").count("-> volume:"), 19);
-    const RigidTransformation last = motionOf(19);
+    const float last = motionOf(19).rz;
     ASSERT_TRUE(session.reloadData());
-    EXPECT_NEAR(motionOf(19).tx, last.tx, 1e-6f);
-    EXPECT_NEAR(motionOf(19).rz, last.rz, 1e-6f);
+    EXPECT_NEAR(motionOf(19).rz, last, 1e-6f);
 }
 
 TEST_F(MotionSessionTest, FilesOfParametersThatAreNoGoodSwitchTheCorrectionOff) {
@@ -81,15 +75,12 @@ TEST_F(MotionSessionTest, FilesOfParametersThatAreNoGoodSwitchTheCorrectionOff) 
     session.runButtonPressed();
     const QString file = path("results/test_3DMC.rtc");
     const QByteArray good = content("results/test_3DMC.rtc");
-    const QByteArray version = "ERROR: RTC file version not supported !";
-    const QByteArray type = "ERROR: RTC does not contain a design matrix definition !";
-    const QByteArray six = "ERROR: RTC must contain 6 predictors (3 translations and 3 rotations).";
     const std::pair<QByteArray, QByteArray> cases[] = {
-        {"", version},
-        {"NrOfRTCs: 6", version},
-        {"FileVersion: 3 Type: DesignMatrix NrOfPredictors: 6", version},
-        {"FileVersion: 2 Type: Matrix NrOfPredictors: 6", type},
-        {"FileVersion: 2 Type: DesignMatrix NrOfPredictors: 5 NrOfDataPoints: 16", six},
+        {"NrOfRTCs: 6", "ERROR: RTC file version not supported !"},
+        {"FileVersion: 2 Type: Matrix NrOfPredictors: 6",
+         "ERROR: RTC does not contain a design matrix definition !"},
+        {"FileVersion: 2 Type: DesignMatrix NrOfPredictors: 5 NrOfDataPoints: 16",
+         "ERROR: RTC must contain 6 predictors (3 translations and 3 rotations)."},
         {good.left(good.size() / 2),
          "ERROR: The .rtc file with motion correction parameters is not complete !"},
         {QByteArray(good).replace("NrOfDataPoints:  16", "NrOfDataPoints:  15"), ""}, // in silence
@@ -124,20 +115,11 @@ TEST_F(MotionSessionTest, RunsOfOneSessionShareATarget) {
     project().ProtocolFiles.clear();
     ASSERT_TRUE(writeFMRHeader(project(), path("target.fmr"), 16));
 
-    const QMap<QString, QString> shared{
-        {"MotionCorrection:", "1"},
-        {"IntraSessionMotionCorrection:",
-         "1\nIntraSessionMotionCorrectionFile: \"" + path("target.fmr") + "\""}};
-    writeHeadSession(18, shared);
+    writeHeadSession(18, {{"MotionCorrection:", "1"},
+                          {"IntraSessionMotionCorrection:",
+                           "1\nIntraSessionMotionCorrectionFile: \"" + path("target.fmr") + "\""}});
     session.runButtonPressed(); // the same volumes: the first agrees with the target
     EXPECT_TRUE(isMeasured(0));
     EXPECT_FALSE(isMeasured(15));
     EXPECT_EQ(content("results/test_3DMC.log").count("-> volume:"), 15);
-
-    ASSERT_TRUE(QFile::remove(path("target.fmr")));
-    writeHeadSession(18, shared);
-    messages.expect(MessageLevel::Warning, "Can not find target FMR \"" + path("target.fmr") +
-                                               "\" for across-run, same-session motion correction");
-    session.runButtonPressed();
-    EXPECT_EQ(display.calls.last(), "failed");
 }

@@ -40,7 +40,7 @@ public:
 private:
     void fill(Volume& volume, int index) {
         for (size_t i = 0; i < volume.size(); ++i)
-            volume[i] = scriptedSample(i, index, script_.seed);
+            volume[i] = scriptedSample(i, index);
     }
 
     FMRProject& project_;
@@ -65,9 +65,9 @@ int savedVolumes(const QByteArray& data, size_t sliceSamples, size_t nrOfSlices,
     return int(volumes);
 }
 
-int16_t scriptedSample(size_t voxel, int volume, uint16_t seed) {
+int16_t scriptedSample(size_t voxel, int volume) {
     // A cheap scrambling; only that samples differ and repeat matters.
-    uint32_t x = uint32_t(voxel) * 2654435761u + uint32_t(volume) * 40503u + seed * 97u;
+    uint32_t x = uint32_t(voxel) * 2654435761u + uint32_t(volume) * 40503u;
     x ^= x >> 15;
     return int16_t(500 + int(x * 2246822519u >> 22));
 }

@@ -39,7 +39,6 @@ struct Script {
     bool firstVolumeComes = true;
     qint64 millisecondsPerVolume = 0;  ///< simulated time that each volume takes
     std::function<void(int)> atVolume; ///< called when the volume has been read
-    uint16_t seed = 1;
 };
 
 /// The sample of a voxel at a saved volume, as it was measured.
@@ -51,7 +50,7 @@ using MeasuredSample = std::function<int(size_t voxel, int volume)>;
                                const MeasuredSample& measured);
 
 /// One sample of a scripted volume: above the mask threshold, different at each voxel and volume.
-[[nodiscard]] int16_t scriptedSample(size_t voxel, int volume, uint16_t seed);
+[[nodiscard]] int16_t scriptedSample(size_t voxel, int volume);
 
 class SessionFixture : public testing::Test {
 protected:

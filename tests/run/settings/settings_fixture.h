@@ -78,9 +78,7 @@ protected:
                    .arg(firstName, delimiter) +
                geometryText();
     }
-    static QString geText(int version = 4) {
-        return fileText("GE_I", "GESeriesNr: 4 GEFirstImageNr: 5", version);
-    }
+    static QString geText() { return fileText("GE_I", "GESeriesNr: 4 GEFirstImageNr: 5"); }
     static QString replaced(QString text, const QString& before, const QString& after) {
         EXPECT_TRUE(text.contains(before)) << before.toStdString();
         return text.replace(before, after);

@@ -4,24 +4,16 @@
 TEST_F(SettingsFile, ReadsEveryVersionAndTypeBlock) {
     const QString fields = "FirstFileName: \"abc_1234_00012.img\" ";
     const QString geometry = geometryText();
-    const QString dicom = dicomText("abc_1234_00012.img", "_");
     const QString siemens = "SiemensPatientID: 5 SiemensFirstStudyNr: 6 SiemensFirstImageNr: 7";
-    const struct {
-        const char* type;
-        QString block;
-    } types[] = {{"SIEMENS_IMA", siemens},
-                 {"siemensima", siemens},
-                 {"GE_HDXT_DICOM", ""},
-                 {"GE_I", "GESeriesNr: 4 GEFirstImageNr: 5"},
-                 {"GE_X_DICOM", "GESeriesNr: 4 GEFirstImageNr: 5"},
-                 {"GE_STANFORD", "PFileHeader: \"E1P02.7\" SliceTimeLooping: 2"},
-                 {"PHILIPS_REC", fields + geometry},
-                 {"PHILIPSRECDATA", fields + geometry},
-                 {"PHILIPS_ANALYZE_DRIN", fields + geometry},
-                 {"ANALYZE_NW", fields + geometry},
-                 {"2DSEQ_MPI", fields + geometry},
-                 {"DICOM", dicom},
-                 {"SIEMENS_DICOM_MOSAIC", dicom}};
+    // One of each kind of block, and other names of types.
+    const std::pair<QString, QString> types[] = {
+        {"siemensima", siemens},
+        {"GE_HDXT_DICOM", ""},
+        {"GE_X_DICOM", "GESeriesNr: 4 GEFirstImageNr: 5"},
+        {"GE_STANFORD", "PFileHeader: \"E1P02.7\" SliceTimeLooping: 2"},
+        {"PHILIPSRECDATA", fields + geometry},
+        {"PHILIPS_ANALYZE_DRIN", fields + geometry},
+        {"SIEMENS_DICOM_MOSAIC", dicomText("abc_1234_00012.img", "_")}};
     for (const auto& [type, typeBlock] : types) {
         for (int version = 1; version <= 5; ++version) {
             SCOPED_TRACE(QString("%1, version %2").arg(type).arg(version).toStdString());
@@ -29,21 +21,18 @@ TEST_F(SettingsFile, ReadsEveryVersionAndTypeBlock) {
             settings.settingsFilePath = dir() + "run-1.vco";
             settings.FeedbackTargetFolder = "/of/an/earlier/file/";
             QString block = typeBlock;
-            if (type == QLatin1String("PHILIPS_ANALYZE_DRIN") && version >= 4)
+            if (type == "PHILIPS_ANALYZE_DRIN" && version >= 4)
                 block += " ImageTransformation: 1";
             ASSERT_TRUE(readText(fileText(type, block, version), SettingsUse::Run));
-            EXPECT_TRUE(settings.settingsRead);
-            EXPECT_EQ(settings.documentDataType, QString(type).toUpper());
+            EXPECT_EQ(settings.documentDataType, type.toUpper());
             EXPECT_EQ(settings.FlipSliceOrder, version == 1 ? 2 : 3);
             EXPECT_EQ(settings.FeedbackTargetFolder, dir() + (version == 1 ? "out/" : "fb/"));
             EXPECT_EQ(settings.forceTRDelayRead, version >= 2);
-            EXPECT_EQ(settings.MultiSliceROISelection, version >= 3 ? 2 : 1);
             EXPECT_EQ(settings.ROIColorsFile, version >= 3 ? dir() + "roi.txt" : QString());
             EXPECT_EQ(settings.ImageTransformation, block.contains("Transformation") ? 1 : 2);
             EXPECT_EQ(settings.SiemensFirstImageNr, block.startsWith("Siemens") ? 7 : 1);
             EXPECT_EQ(settings.SliceThickness, block.contains("Thick") ? 3.5f : 4.0f);
             const bool foreign = block.contains("FoV") && !block.contains("Dicom");
-            EXPECT_EQ(settings.pixelSizeX, foreign ? 2.0f : 0.0f);
             EXPECT_EQ(settings.pixelSizeY, foreign ? 3.0f : 0.0f);
         }
     }
@@ -57,10 +46,6 @@ TEST_F(SettingsFile, TakesValuesInTheirForms) {
     EXPECT_EQ(settings.WatchFolder, dir() + "in/");
     EXPECT_EQ(settings.TargetFolder, dir() + "out/");
     EXPECT_TRUE(QDir(dir() + "out").exists());
-    EXPECT_EQ(settings.StimulationProtocol, dir() + "a.prt");
-    EXPECT_EQ(settings.timeOutMilliseconds, 7000);
-    EXPECT_EQ(settings.projectBaseName, "study");
-    EXPECT_EQ(settings.nrOfAnalysedVolumes(), 47);
     // Only 1 means big endian, and another key may stand in place of the colours.
     settings.ROIColorsFile = "before";
     ASSERT_TRUE(readText(geText()
@@ -81,8 +66,6 @@ TEST_F(SettingsFile, ReportsAWrongKeyByUseAndKeepsWhatCameBefore) {
     EXPECT_EQ(timerStops, 1);
     EXPECT_EQ(settings.TimeOutSeconds, 7);
     EXPECT_EQ(settings.MatrixSizeX, 12);
-    EXPECT_EQ(settings.MatrixSizeY, 64);
-    EXPECT_FALSE(settings.settingsRead);
     EXPECT_TRUE(programEnd.statuses.empty());
     messages.expect(MessageLevel::Critical, message);
     EXPECT_FALSE(readText(text, SettingsUse::Run));
@@ -90,17 +73,11 @@ TEST_F(SettingsFile, ReportsAWrongKeyByUseAndKeepsWhatCameBefore) {
 }
 
 TEST_F(SettingsFile, AFileCutAtAnyTokenEndsInOneMessage) {
-    const QString overlays =
-        fileText("SIEMENS_DICOM_MOSAIC", dicomText("s-1-1.dcm"))
-            .replace("OverlayInplaneData: 0",
-                     "OverlayInplaneData: 1 OverlayInplaneFolder: \"./in\" OverlayInplaneDataType: "
-                     "GE_MR OverlayInplaneFirstFileName: \"E1S2I3.MR\" "
-                     "OverlayInplaneMatrixSizeX: 256 OverlayInplaneMatrixSizeY: 256")
-            .replace("Mode: 0 OverlayOnSRFMode: 0",
-                     "Mode: 1 FMRVMRAlignVMRPosFile: \"v\" IntraSessionVMRFile: \"i\" "
-                     "OverlayOnSRFMode: 1 SRFFile: \"m\"");
     messages.acceptAnything();
-    for (const QString& text : {overlays, geText(1), geText(2)}) {
+    for (const char* name : {"overlays", "inplanes", "version1", "version2"}) {
+        QString text;
+        ASSERT_TRUE(readTextFile(
+            QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/settings/%1.vco").arg(name), text));
         const QStringList tokens = text.simplified().split(' ');
         for (qsizetype length = 0; length < tokens.size(); ++length) {
             const qsizetype shownBefore = messages.shown().size();
@@ -115,10 +92,8 @@ TEST_F(SettingsFile, AFileCutAtAnyTokenEndsInOneMessage) {
 }
 
 TEST_F(SettingsFile, MissingAndEmptyFiles) {
-    const QString missing = "ERROR: \"" + settings.settingsFilePath + "\" file not found!";
-    messages.expect(MessageLevel::Warning, missing);
-    EXPECT_FALSE(readSettingsFile(settings, SettingsUse::Inspection, {}));
-    messages.expect(MessageLevel::Critical, missing);
+    messages.expect(MessageLevel::Critical,
+                    "ERROR: \"" + settings.settingsFilePath + "\" file not found!");
     EXPECT_FALSE(readSettingsFile(settings, SettingsUse::Run, {}));
     messages.expect(MessageLevel::Warning,
                     "ERROR - No content in file \"" + settings.settingsFilePath + "\" found!");
@@ -134,7 +109,5 @@ TEST_F(SettingsFile, ReadsAMultiRunProject) {
     ASSERT_TRUE(readText(head + "TargetFolder: \"./in\" " + names, SettingsUse::Inspection));
     EXPECT_TRUE(settings.MergeType && settings.MergeAverageTimeCourse);
     EXPECT_FALSE(settings.MergeSeparatePredictors);
-    EXPECT_EQ(settings.TargetFolder, dir() + "in/");
-    EXPECT_EQ(settings.projectBaseName, "all");
     EXPECT_EQ(settings.MergeFiles, QStringList({"a 1", "b.vco"}));
 }
