@@ -278,3 +278,23 @@ TEST_F(ArrivingProtocol, TDATResponsesAreKept) {
                         "Buttons: \"B\" Omission: 0 Accuracy: 1 From: 150 To: 151 "
                         "TimeOfResponse: 150 RT: 0 Buttons: \"\" Omission: 1 Accuracy: 0"));
 }
+
+TEST_F(ArrivingProtocol, DocumentedExamplesGiveWhatTheirPageSays) {
+    QFile page(VELO_SOURCE_DIR "/docs/file_formats_arriving_protocols.md");
+    ASSERT_TRUE(page.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(page.readAll());
+    write(text.section("```\n", 1, 1).toUtf8());
+    RealTimeProtocol realTime;
+    ASSERT_TRUE(readRTPFile(path, protocol, realTime));
+    while (readRTPUpdate({10, 2000.0f}, protocol, realTime).lineTaken)
+        continue;
+    EXPECT_EQ(intervals(protocol.conditions), "1-2 6-10 | 3-4 | 5-5");
+    write(text.section("```\n", 3, 3).toUtf8(), QIODevice::WriteOnly);
+    TDATProtocol log;
+    ASSERT_TRUE(readTDATFile(path, "a.vco", protocol, log, settings));
+    while (readTDATUpdate(protocol, log).lineTaken)
+        continue;
+    EXPECT_EQ(intervals(protocol.conditions), "0-4000 | 4000-8000 | 8000-10000");
+    EXPECT_EQ(intervals(protocol.responseConditions), "4630-4631");
+    EXPECT_TRUE(log.state.runEnded && messages.shown().isEmpty());
+}
