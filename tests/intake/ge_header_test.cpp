@@ -58,27 +58,18 @@ template<typename Read> void expectSizes(Read read, const std::vector<HeaderCase
                                project.pixelSizeY, project.position.fovColumns,
                                project.position.fovRows}),
                   sizes);
-        EXPECT_EQ(project.position.positionInfoValid, 0);
     }
 }
 
 constexpr const char* cannotBe = "WARNING: The header of file \"*";
 
 TEST(GEIHeader, TakesWhatCanBe) {
-    QByteArray outside = geIFile(3.0f, 0.5f);
-    put(outside, 148, 0xFFFFFFFF);
     const std::vector<float> settings{4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f};
-    const char* none = "ERROR: GE_I file \"*";
     expectSizes(readGEIHeader,
                 {{geIFile(3.0f, 0.5f), {3.0f, 0.5f, 3.0f, 3.75f, 192.0f, 240.0f}},
-                 {geIFile(3.0f, -0.5f), {3.0f, -0.5f, 3.0f, 3.75f, 192.0f, 240.0f}},
                  {geIFile(3.0f, -3.0f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
-                 {geIFile(nan, 0.5f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 240.0f}, cannotBe},
                  {geIFile(3.0f, nan, -1.0f), {4.0f, 1.0f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
-                 {geIFile(3.0f, 0.5f, 1e9f), {3.0f, 0.5f, 3.0f, 3.75f, 192.0f, 0.0f}, cannotBe},
-                 {geIFile(3.0f, 0.5f).chopped(1), settings, none},
-                 {QByteArray(151, '\0'), settings, none},
-                 {outside, settings, none},
+                 {geIFile(3.0f, 0.5f).chopped(1), settings, "ERROR: GE_I file \"*"},
                  {{}, settings, "ERROR: Can not open GE_I file !"}});
 }
 
@@ -91,7 +82,6 @@ TEST(PFileHeader, TakesTheNumberBehindTheWordBehindTheKey) {
           {5.0f, 1.0f, 2.0f, 2.0f, 0.0f, 0.0f}},
          {"FOV is FOV = 200 skip = none FOV =", {4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f}},
          {"slice thick = 2 slice thick = 3 skip = 0", {3.0f, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f}},
-         {"slice thick = 0", {4.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f}, cannotBe},
          {"slice thick = -2 skip = 9 FOV = 1e30 pixel size = 3",
           {4.0f, 1.0f, 3.0f, 3.0f, 0.0f, 0.0f},
           cannotBe},
@@ -103,14 +93,9 @@ TEST(PFileHeader, TakesTheNumberBehindTheWordBehindTheKey) {
 TEST(GEIHeader, ScannerFiles) {
     const QString folder = scannerDataFolder() + "/old_formats/itk_test_";
     SKIP_WITHOUT(folder + "ge5_scrubbed");
-    struct Case {
-        const char* file;
-        uint32_t start;
-        float spacing, distance;
-    };
     for (const auto& [name, start, spacing, distance] :
-         {Case{"ge5_scrubbed/113766.003.001", 2158, 1.01563f, 3.0f},
-          Case{"geadw_scrubbed/I.001", 2186, 0.625f, 1.5f}}) {
+         {std::tuple{"ge5_scrubbed/113766.003.001", 2158u, 1.01563f, 3.0f},
+          {"geadw_scrubbed/I.001", 2186u, 0.625f, 1.5f}}) {
         QFile file(folder + name);
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         QByteArray bytes = file.readAll();

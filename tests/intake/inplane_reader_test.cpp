@@ -32,15 +32,10 @@ QByteArray dicom(const QByteArray& samples) {
     return DicomBytes().meta().header(0x7FE0, 0x0010, "OW", 4).raw(samples + "tail").bytes;
 }
 
-struct Series {
-    QString type;
-    QString firstName;
-    QMap<QString, QByteArray> files;
-    int milliseconds; ///< settling times of all files
-};
-
 TEST(InplaneReader, TakesTheFilesOfEachType) {
-    const std::vector<Series> cases{
+    // Type, first name, files and their settling times together.
+    using Files = QMap<QString, QByteArray>;
+    const std::vector<std::tuple<const char*, QString, Files, int>> cases{
         {"ge_i", "anything", {{"I.001", header + first}, {"I.002", header + second}}, 0},
         {"GE_MR",
          "E1S2I9.MR",
@@ -55,40 +50,37 @@ TEST(InplaneReader, TakesTheFilesOfEachType) {
          "D:\\scans\\in.img",
          {{"in.img", QByteArray::fromHex("0304010207080506ff")}},
          0},
-        {"ANALYZE_NW", "in.img", {{"in.img", QByteArray::fromHex("0304010207080506")}}, 0},
-        {"DICOM",
+        {"SIEMENS_DICOM_MOSAIC",
          "a-b-0099.dcm",
          {{"a-b-0099.dcm", dicom(first)}, {"a-b-0100.dcm", dicom(second)}},
          20},
-        {"SIEMENS_DICOM_MOSAIC", "x-9", {{"x-9", dicom(first)}, {"x-10", dicom(second)}}, 20},
     };
-    for (const Series& series : cases) {
+    for (const auto& [type, firstName, files, milliseconds] : cases) {
         for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big}) {
-            SCOPED_TRACE(series.type.toStdString());
-            InplaneRun run(series.type, series.firstName);
+            SCOPED_TRACE(type);
+            InplaneRun run(type, firstName);
             run.state.rawDataByteOrder = order;
-            for (auto file = series.files.begin(); file != series.files.end(); ++file)
+            for (auto file = files.begin(); file != files.end(); ++file)
                 run.write(file.key(), file.value());
             EXPECT_TRUE(run.read());
             // DICOM files too go by the order of the run.
             EXPECT_EQ(run.values(), order == ByteOrder::Little
                                         ? (std::vector{0x0201, 0x0403, 0x0605, 0x0807})
                                         : (std::vector{0x0102, 0x0304, 0x0506, 0x0708}));
-            EXPECT_EQ(run.pump.milliseconds(), series.milliseconds);
+            EXPECT_EQ(run.pump.milliseconds(), milliseconds);
         }
     }
 }
 
 TEST(InplaneReader, WaitsForWholeFilesUntilTheTimeOut) {
-    for (const auto& [type, tooEarly, whole] :
-         {std::tuple{"GE_MR", header + first + "x", header + first},
-          {"ANALYZE_NW", first + "abc", first + first},
-          {"GE_EXCITE_DICOM", QByteArray("abc"), first}}) {
+    for (const auto& [type, name, tooEarly, whole] :
+         {std::tuple{"GE_MR", "I1", header + first + "x", header + first},
+          {"ANALYZE_NW", "a.img", first + "abc", first + first},
+          {"GE_EXCITE_DICOM", "i1.MRDC.1", "abc", first}}) {
         SCOPED_TRACE(type);
-        const bool isMR = type == QString("GE_MR");
-        InplaneRun run(type, isMR ? "I1" : "i1.MRDC.1");
-        const QString name = run.settings.OverlayInplaneFirstFileName;
-        run.write(isMR ? "I2" : "i2.MRDC.2", whole);
+        InplaneRun run(type, name);
+        for (const char* next : {"I2", "i2.MRDC.2"})
+            run.write(next, whole);
         run.write(name, tooEarly);
         EXPECT_FALSE(run.read());
         EXPECT_EQ(run.pump.milliseconds(), 1100);

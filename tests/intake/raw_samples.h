@@ -1,4 +1,4 @@
-// Samples as files hold them that have no header, or one of fixed size.
+// Little-endian samples as files hold them that have no header, or one of fixed size.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -7,11 +7,10 @@
 #include <QDataStream>
 #include <numeric>
 
-inline QByteArray rawSamples(const std::vector<int>& values, ByteOrder order = ByteOrder::Little) {
+inline QByteArray rawSamples(const std::vector<int>& values) {
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream.setByteOrder(order == ByteOrder::Little ? QDataStream::LittleEndian
-                                                   : QDataStream::BigEndian);
+    stream.setByteOrder(QDataStream::LittleEndian);
     for (const int value : values)
         stream << quint16(value);
     return bytes;

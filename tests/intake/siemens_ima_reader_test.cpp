@@ -13,15 +13,11 @@ QByteArray ima(const QByteArray& samples) {
 }
 
 TEST(SiemensImaReaders, NamesOfUnusualNumbers) {
-    struct Case {
-        bool mosaic;
-        int patient;
-        const char* files; ///< of the first volume and of the second analysed one
-    };
-    for (const auto& [mosaic, patient, files] :
-         // Of single slices a fixed study number rises all the same, but not by the skipped ones.
-         {Case{false, 5, "5-10-97.ima 5-10-98.ima 5-11-103.ima 5-11-104.ima"},
-          Case{true, -1, "-1-10-97.ima -1--1-100.ima"}}) {
+    for (const auto& [mosaic, patient, files] : // of the first volume and the second analysed one
+                                                // Of single slices a fixed study number rises all
+                                                // the same, but not by the skipped ones.
+         {std::tuple{false, 5, "5-10-97.ima 5-10-98.ima 5-11-103.ima 5-11-104.ima"},
+          {true, -1, "-1-10-97.ima -1--1-100.ima"}}) {
         IntakeRun run("SIEMENSIMA", 1, 1, 2);
         run.settings.SiemensMosaicSequence = mosaic;
         run.settings.SiemensFixedRunNumber = true;
@@ -34,7 +30,6 @@ TEST(SiemensImaReaders, NamesOfUnusualNumbers) {
         const auto reader = run.reader();
         EXPECT_TRUE(reader->readFirstVolume() && reader->readVolume(1)) << files;
         EXPECT_FALSE(reader->readVolume(0));
-        EXPECT_FALSE(reader->readVolume(3)) << "there is no such volume";
     }
 }
 
@@ -63,34 +58,18 @@ TEST(SiemensImaReaders, TwoMosaicsHaveTilesForEightOfTenSlices) {
 
 TEST(SiemensImaReaders, MosaicsThatCannotHoldTheSlicesAreRefused) {
     for (const auto& [side, columns, refusal] :
-         {std::tuple{-4, 2, "-4 x -4 does not hold 3 slices of 2 x 1"},
-          {4, 0, "4 x 4 does not hold 3 slices of 0 x 1"},
+         {std::tuple{-4, 2, "-4 x -4 does not hold 3 slices of 2 x 1 - check settings file !"},
+          {4, 0, "4 x 4 does not hold 3 slices of 0 x 1 - check settings file !"},
           {std::numeric_limits<int>::max(), 2, ""}}) { // no memory: the program ends
         IntakeRun run("SIEMENS_IMA", columns, 1, 3);
         const RecordedProgramEnd end;
         run.settings.SiemensMosaicSequence = true;
         run.setMosaic(side, side);
         if (*refusal)
-            run.messages.expect(MessageLevel::Warning, QString("ERROR: A mosaic of ") + refusal +
-                                                           " - check settings file !");
+            run.messages.expect(MessageLevel::Warning, QString("ERROR: A mosaic of ") + refusal);
         EXPECT_FALSE(run.reader()->readFirstVolume());
         EXPECT_EQ(end.statuses, *refusal ? std::vector<int>() : std::vector{1});
     }
-}
-
-TEST(SiemensImaReaders, FirstListedFolderWithTheExactSizeIsWatched) {
-    IntakeRun run("SIEMENS_IMA", 2, 1, 2);
-    const QTemporaryDir other;
-    run.settings.WatchFolder.clear();
-    run.settings.watchFolderList = QStringList{run.folder.path(), other.path()};
-    const QByteArray slice = ima(rawSamples({1, 2}));
-    run.write("1-1-1.ima", slice + "x");
-    run.write("1-1-2.ima", ima(rawSamples({8, 9})));
-    writeFile(other.filePath("1-1-2.ima"), slice + "x");
-    run.pump.after(150, [&] { writeFile(other.filePath("1-1-1.ima"), slice); });
-    ASSERT_TRUE(run.reader()->readFirstVolume());
-    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{1, 2, 1, 2}));
-    EXPECT_EQ(run.state.watchFolder, other.path() + '/');
 }
 
 // A big-endian header with the slice thickness, both fields of view, the distance factor and a
@@ -109,40 +88,18 @@ QByteArray imaHeader(double thickness, double fieldOfView, double factor) {
     return header;
 }
 
-TEST(SiemensImaHeader, FieldOfViewAndMatrixDecideAndNonsenseIsToldOf) {
-    using Sizes = std::vector<float>; // pixels, thickness, gap
-    const Sizes former{9.0f, 9.0f, 8.0f, 0.5f};
+TEST(SiemensImaHeader, FieldOfViewAndMatrixDecide) {
     const QByteArray header = imaHeader(4.0, 192.0, 0.25);
-    struct Case {
-        QByteArray header;
-        Sizes sizes;
-        bool told = false;
-        ByteOrder order = ByteOrder::Big;
-    };
-    std::vector<Case> cases{{header, {3.0f, 1.5f, 4.0f, 1.0f}},
-                            {header, former, true, ByteOrder::Little},
-                            {header.chopped(1), former},
-                            {imaHeader(0.0, 0.0, 0.25), former},
-                            {imaHeader(4.0, 192.0, -0.25), {3.0f, 1.5f, 4.0f, -1.0f}},
-                            // How real files say that they don't know it.
-                            {imaHeader(4.0, 192.0, -19222.0), {3.0f, 1.5f, 4.0f, 0.5f}}};
-    for (const double value : {1e300, double(NAN), double(INFINITY)}) {
-        cases.push_back({imaHeader(value, value, 0.25), former, true});
-        cases.push_back({imaHeader(4.0, 192.0, value), {3.0f, 1.5f, 8.0f, 0.5f}, true});
-    }
-    for (const auto& [bytes, sizes, told, order] : cases) {
-        IntakeRun run("SIEMENS_IMA", 64, 128, 1);
-        FMRProject& project = run.project;
-        project.pixelSizeX = project.pixelSizeY = 9.0f;
-        project.sliceThickness = 8.0f;
-        project.sliceGap = 0.5f;
-        if (told)
-            run.messages.expect(MessageLevel::Warning, "WARNING: The header of file \"*");
-        run.write("1-1-1.ima", bytes);
-        readSiemensIMAHeader(run.path("1-1-1.ima"), order, project);
-        EXPECT_EQ((Sizes{project.pixelSizeX, project.pixelSizeY, project.sliceThickness,
-                         project.sliceGap}),
-                  sizes);
+    for (const auto& [bytes, pixelX, pixelY, thickness, gap] :
+         {std::tuple{header, 3.0f, 1.5f, 4.0f, 1.0f},
+          {header.chopped(1), 0.0f, 0.0f, 0.0f, 0.0f},
+          {imaHeader(0.0, 0.0, 0.25), 0.0f, 0.0f, 0.0f, 0.0f},
+          {imaHeader(4.0, 192.0, -0.25), 3.0f, 1.5f, 4.0f, -1.0f}}) {
+        const auto sizes = parseSiemensIMAHeader(bytesOf(bytes), ByteOrder::Big, {64, 128});
+        EXPECT_EQ(sizes.pixelSizeX.value_or(0.0f), pixelX);
+        EXPECT_EQ(sizes.pixelSizeY.value_or(0.0f), pixelY);
+        EXPECT_EQ(sizes.sliceThickness.value_or(0.0f), thickness);
+        EXPECT_EQ(sizes.sliceGap.value_or(0.0f), gap);
     }
 }
 

@@ -33,17 +33,11 @@ TEST(SiemensProtocol, RoundsTimesAndKeepsFirstAndLastPosition) {
 }
 
 TEST(SiemensProtocol, SliceOrderStandsBehindPositions) {
-    struct Case {
-        const char* value;
-        int nrOfSlices;
-        int code; // 0 is not verified
-    };
-    for (const auto& [value, nrOfSlices, code] : {Case{" = 0x1\n", 3, 1},
+    for (const auto& [value, nrOfSlices, code] : {std::tuple{" = 0x1\n", 3, 1},
                                                   {"\t = \t0x2\r\n", 3, 2},
                                                   {" = 0x4\n", 3, 3},
                                                   {" = 0x4\n", 4, 5},
-                                                  {" = 4\n", 3, 0},
-                                                  {" =", 3, 0}}) {
+                                                  {" = 4\n", 3, 0}}) { // not verified
         const FMRProject project = parsed(slices + "sSliceArray.ucMode" + value, true, nrOfSlices);
         EXPECT_EQ(project.SliceAcquisitionOrder, code) << value;
         EXPECT_EQ(project.SliceAcquisitionOrderVerified, code != 0) << value;
@@ -51,8 +45,7 @@ TEST(SiemensProtocol, SliceOrderStandsBehindPositions) {
     EXPECT_FALSE(parsed("sSliceArray.ucMode = 0x1\n" + slices).SliceAcquisitionOrderVerified);
 }
 
-TEST(SiemensProtocol, SurvivesAnything) {
-    parsed("alTR[0]\nalTR[0] =\nalTR[0]=1e300\nalTE[0] = nan\n", false, 0);
+TEST(SiemensProtocol, IsReadInPieces) {
     // A line is read in pieces of 254 bytes: a key across two pieces is not met.
     parsed(QByteArray(240, 'x') + slices, true);
     EXPECT_FALSE(parsed(QByteArray(250, 'x') + times, false).TimeResolutionVerified);

@@ -5,32 +5,19 @@
 
 namespace {
 
-std::vector<uint16_t> counted(size_t count, int first = 0) {
-    std::vector<uint16_t> samples(count);
-    std::iota(samples.begin(), samples.end(), uint16_t(first));
-    return samples;
-}
-
-// Two slices of 2 x 1 samples.
-struct SliceRun : IntakeRun {
-    SliceRun() : IntakeRun("DICOM", 2, 1, 2) { settings.DicomFirstVolumeNr = 5; }
-    static QByteArray file(int first, ByteOrder order = ByteOrder::Little) {
-        return DicomBytes(order).meta().pixels(counted(2, first)).bytes;
-    }
-};
-
 TEST(MosaicReader, LastKeyCountsAndLoopSwapsTheSquareOfItsOwnResolution) {
-    const QByteArray thumbnail = DicomBytes().pixels(counted(9)).bytes;
+    const QByteArray thumbnail = DicomBytes().pixels(countedFrom(0, 9)).bytes;
     for (const int resolution : {1, 0, -5, 46340}) {
         IntakeRun run("SIEMENS_DICOM_MOSAIC", 1, 2, 2);
         run.setMosaic(2, 2);
         run.settings.SiemensMosaicResolution = resolution;
+        run.settings.dicomImageNumberWidth = -1;
         run.settings.NrOfVolumesToSkip = 0;
-        run.write("run-0001-0001.dcm", DicomBytes(ByteOrder::Big)
-                                           .meta()
-                                           .element(0x0009, 0x0010, "OB", thumbnail)
-                                           .pixels(counted(4, 0x0301))
-                                           .bytes);
+        run.write("run-1-1.dcm", DicomBytes(ByteOrder::Big)
+                                     .meta()
+                                     .element(0x0009, 0x0010, "OB", thumbnail)
+                                     .pixels(countedFrom(0x0301, 4))
+                                     .bytes);
         const auto reader = run.reader();
         ASSERT_TRUE(reader->readFirstVolume() && reader->readVolume(0));
         EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x301, 0x303, 0x302, 0x304}));
@@ -39,28 +26,20 @@ TEST(MosaicReader, LastKeyCountsAndLoopSwapsTheSquareOfItsOwnResolution) {
     }
 }
 
-TEST(SliceReader, TakesNamesWithAndWithoutPrefix) {
-    SliceRun run;
-    run.write("-0005-0001.dcm", SliceRun::file(10));
-    // Each slice has the whole time-out.
-    run.pump.after(990, [&] { run.write("run-0005-0002.dcm", SliceRun::file(20)); });
-    const auto reader = run.reader();
-    ASSERT_TRUE(reader->readFirstVolume());
-    EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{10, 11, 20, 21}));
-    EXPECT_TRUE(reader->readHeaders()) << "nothing to read";
-    EXPECT_EQ(run.project.position.positionInfoValid, 0);
-}
-
+// Names with the prefix and without; each slice has the whole time-out.
 TEST(SliceReader, FirstKeyCountsAndLoopGoesByTheSettledOrder) {
-    SliceRun run;
+    IntakeRun run("DICOM", 2, 1, 2);
+    run.settings.DicomFirstVolumeNr = 5;
     run.settings.NrOfVolumesToSkip = 0;
-    run.settings.dicomImageNumberWidth = -1;
-    const QByteArray two = SliceRun::file(0x0102, ByteOrder::Big) + SliceRun::file(7);
-    run.write("run-5-1.dcm", two);
-    run.write("run-5-2.dcm", two);
+    const QByteArray two = DicomBytes(ByteOrder::Big).meta().pixels({0x102, 0x103}).bytes +
+                           DicomBytes().meta().pixels({7, 8}).bytes;
+    run.write("-0005-0001.dcm", two);
+    run.pump.after(990, [&] { run.write("run-0005-0002.dcm", two); });
     const auto reader = run.reader();
     ASSERT_TRUE(reader->readFirstVolume());
     EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x102, 0x103, 0x102, 0x103}));
+    EXPECT_TRUE(reader->readHeaders()) << "nothing to read";
+    EXPECT_EQ(run.project.position.positionInfoValid, 0);
     ASSERT_TRUE(reader->readVolume(0));
     EXPECT_EQ(run.project.volumes[0][0], 0x201);
     run.state.rawDataByteOrder = ByteOrder::Big;

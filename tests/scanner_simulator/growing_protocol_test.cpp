@@ -32,32 +32,15 @@ void expectLines(Lines lines, std::initializer_list<const char*> expected) {
 
 } // namespace
 
-TEST(RealTimeProtocol, IsOneVolumeAheadOfTheScan) {
+// The real-time protocol is one volume ahead of the scan; the log says what begins with a volume.
+TEST(GrowingProtocol, GrowsWithEachVolume) {
     expectLines(rtpLines, {"SCAN BEGIN\n", "1 0 0\n2 0 0\n", "3 1 0\n", "4 1 0\n", "5 0 0\n",
                            "6 0 0\n", "SCAN END\n"});
-    const SimulationOptions options = shortRun();
-    EXPECT_STREQ(rtpHeader({options, blockProtocol(options)}).constData(),
-                 "FileVersion: 1\nResolutionOfTime: Volumes\nExperiment: FacesAndHouses\n"
-                 "NrOfConditions: 3\n\"Fixation\" 120 120 120 no\n\"Faces\" 255 130 50 yes\n"
-                 "\"Houses\" 70 150 255 yes\nContrasts: auto2\nBackgroundColor: 0 0 0\n"
-                 "TextColor: 255 255 255\nTimeCourseColor: 255 255 255\nTimeCourseThick: 3\n");
-}
-
-TEST(StimulationLog, SaysWithEachVolumeWhatBeginsWithIt) {
     expectLines(tdatLines, {"", "0 SCAN BlockBegin Fixation\n", "1000 SCAN Volume 2\n",
                             "1900 SCAN BlockEnd Fixation 2000\n2000 SCAN BlockBegin Faces\n",
                             "3000 SCAN Volume 4\n",
                             "3900 SCAN BlockEnd Faces 2000\n4000 SCAN BlockBegin Fixation\n",
                             "5900 SCAN BlockEnd Fixation 2000\n6000 SCAN RunEnd\n"});
-    // Rows of the tables: two words before the kind, then number, name and the rest.
-    const SimulationOptions options = shortRun();
-    const QByteArray header = tdatHeader({options, blockProtocol(options)});
-    for (const char* row :
-         {"0 HEADER ScannerVolumeDuration 1000\n", "0 HEADER fMRIAnalysisTests Events:Block\n",
-          "0 HEADER ConditionTableBegin 1\n0 HEADER NrOfConditions 3\n0 HEADER Condition 1 ",
-          "0 HEADER Condition 2 Faces Stimulus 255,130,50 Yes\n",
-          "0 HEADER Contrast 2 Houses 70,150,255 Weights 3 -1 Fixation 0 Faces 1 Houses\n"})
-        EXPECT_TRUE(header.contains(row)) << row;
 }
 
 TEST(GrowingProtocol, StaysTheFileThatAWaitingProgramHasOpened) {

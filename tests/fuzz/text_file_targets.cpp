@@ -1,0 +1,143 @@
+// Text files that a run reads: settings, protocols, project headers and contrasts.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fuzz/fuzz_target.h"
+#include "run/protocol/condition_index.h"
+#include "run/protocol/prt_text.h"
+#include "run/protocol/real_time_protocol.h"
+#include "run/protocol/tdat_protocol.h"
+#include "run/settings/settings_reader.h"
+#include "run/settings/settings_writer.h"
+#include "run/settings/watch_folders.h"
+#include "stats/contrast_file.h"
+#include "volume/fmr_file.h"
+
+namespace {
+
+bool readSettings(RunSettings& settings, SettingsUse use, const QString& text) {
+    settings.settingsFilePath = "fuzz/fuzz.vco";
+    settings.settingsFileDir = "fuzz/";
+    const SettingsReport report(settings.settingsFilePath, use, [] {});
+    return SettingsReader(settings, report, text).read();
+}
+
+// Settings files, and the lists of watch folders that they name. Inspection only: for a run the
+// folders of the text would be created, wherever they lie.
+bool settingsFile(std::span<const uint8_t> bytes) {
+    const QString text = QString::fromUtf8(QByteArrayView(bytes));
+    static_cast<void>(parseWatchFolderList(text, "fuzz/"));
+    RunSettings settings;
+    // The writer's form of a multi-run project is not one that can be read.
+    if (!readSettings(settings, SettingsUse::Inspection, text) || settings.MergeType)
+        return false;
+    const WrittenSettings written = settingsText(settings);
+    RunSettings again;
+    require(readSettings(again, SettingsUse::Inspection, written.text), "written settings read");
+    require(settingsText(again).text == written.text, "written settings stay as they are");
+    return true;
+}
+
+// Protocol files.
+bool prt(std::span<const uint8_t> bytes) {
+    const QString text = QString::fromUtf8(QByteArrayView(bytes));
+    bool good = false;
+    for (const bool withResponses : {false, true}) {
+        StimulationProtocol protocol;
+        if (parsePRT(text, withResponses, protocol).result != PRTResult::Good)
+            continue;
+        good = true;
+        static_cast<void>(volumeConditionIndex(protocol, 50, 2000.0f));
+        StimulationProtocol again;
+        require(parsePRT(QString::fromUtf8(prtText(protocol)), withResponses, again).result ==
+                    PRTResult::Good,
+                "a written protocol reads");
+        require(again.nrOfConditions() == protocol.nrOfConditions(), "no condition is lost");
+    }
+    return good;
+}
+
+// Real-time protocols: the header, and the lines behind it one by one.
+bool rtp(std::span<const uint8_t> bytes) {
+    const QString text = decodedText(QByteArrayView(bytes).toByteArray());
+    StimulationProtocol protocol;
+    RealTimeProtocolState state;
+    const HeaderParsing header = parseRTPHeader(text, protocol, state);
+    require(header.length >= 0 && header.length <= text.size(), "a header lies inside its text");
+    if (!header.good)
+        return false;
+    for (const QString& line : text.mid(header.length).split('\n'))
+        static_cast<void>(takeRTPLine(line, {50, 2000.0f}, protocol, state));
+    for (const ProtocolContrasts::Contrast& contrast : state.contrasts.table)
+        require(contrast.weights.size() == protocol.conditions.size(), "a weight each");
+    static_cast<void>(volumeConditionIndex(protocol, 50, 2000.0f));
+    return true;
+}
+
+// Logs of stimulation computers: the header, and the lines behind it one by one.
+bool tdat(std::span<const uint8_t> bytes) {
+    const QString text = decodedText(QByteArrayView(bytes).toByteArray());
+    StimulationProtocol protocol;
+    TDATState state;
+    TDATSettings settings;
+    const HeaderParsing header = parseTDATHeader(text, protocol, state, settings);
+    require(header.length >= 0 && header.length <= text.size(), "a header lies inside its text");
+    if (!header.good)
+        return false;
+    for (const QString& line : text.mid(header.length).split('\n'))
+        static_cast<void>(takeTDATLine(line, protocol, state));
+    for (const ProtocolContrasts::Contrast& contrast : state.contrasts.table)
+        require(contrast.weights.size() <= protocol.conditions.size(), "a weight each at most");
+    static_cast<void>(volumeConditionIndex(protocol, 50, 2000.0f));
+    return true;
+}
+
+// Headers of functional projects.
+bool fmr(std::span<const uint8_t> bytes) {
+    const QString text = QString::fromUtf8(QByteArrayView(bytes));
+    bool good = false;
+    for (const FMRScope scope : {FMRScope::Inspection, FMRScope::Project}) {
+        FMRHeader header;
+        if (parseFMR(text, scope, header) != FMRParseResult::Ok)
+            continue;
+        good = true;
+        FMRHeader again;
+        require(parseFMR(QString::fromUtf8(fmrText(header, header.NrOfVolumes)), scope, again) ==
+                    FMRParseResult::Ok,
+                "a written header reads");
+        require(again.NrOfVolumes == header.NrOfVolumes && again.NrOfSlices == header.NrOfSlices &&
+                    again.ResolutionX == header.ResolutionX &&
+                    again.ResolutionY == header.ResolutionY,
+                "written sizes stay");
+    }
+    return good;
+}
+
+// Contrast files.
+bool ctr(std::span<const uint8_t> bytes) {
+    constexpr int nrOfConditions = 3;
+    DesignMatrix design;
+    design.NrOfContrastPredictors = nrOfConditions;
+    design.NrOfConditionPredictors = nrOfConditions - 1;
+    design.NrOfPredictors = nrOfConditions + 1;
+    ContrastDefinitions contrasts;
+    QString message;
+    if (!parseContrasts(QString::fromUtf8(QByteArrayView(bytes)), contrasts, design, nrOfConditions,
+                        message))
+        return false;
+    const QByteArray written = contrastFileText(contrasts, nrOfConditions);
+    ContrastDefinitions again;
+    require(parseContrasts(QString::fromUtf8(written), again, design, nrOfConditions, message),
+            "a written contrast file reads");
+    require(again.ContrastValues == contrasts.ContrastValues, "no weight changes");
+    return true;
+}
+
+} // namespace
+
+std::vector<FuzzTarget> textFileTargets() {
+    return {{"settings", settingsFile},
+            {"prt", prt},
+            {"rtp", rtp},
+            {"tdat", tdat},
+            {"fmr", fmr},
+            {"ctr", ctr}};
+}
