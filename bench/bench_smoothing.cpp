@@ -6,6 +6,8 @@
 #include "volume/smoothing.h"
 #include "volume/temporal_smoothing.h"
 
+#include <QDir>
+#include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -111,6 +113,9 @@ void printSize(const Size& size) {
 } // namespace
 
 int main() {
+    // The high-pass filter leaves its design in the current folder.
+    const QTemporaryDir folder;
+    QDir::setCurrent(folder.path());
     std::printf("Milliseconds of processor time for one volume; FWHM 5 mm; the last four of a run "
                 "of %d\n"
                 "size            memcpy    space  budget  frequency   spline     sinc  high-pass  "

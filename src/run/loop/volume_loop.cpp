@@ -109,9 +109,9 @@ bool VolumeLoop::readVolume() {
     state_.runActive = false;
     state_.interruptFlag = false;
     interrupted_ = true;
+    showInformation("RECORDING INTERRUPTED BY USER");
     // The volume that was just read does not count.
     state_.interruptedAtVolume = state_.currentVolume;
-    showInformation("RECORDING INTERRUPTED BY USER");
     return false;
 }
 

@@ -19,9 +19,9 @@ void correctMotion(const RunParts& run, int volumeIndex) {
 void smooth(const RunParts& run, int volumeIndex) {
     FMRProject& project = run.document.project;
     const float fwhm = run.settings.SpatialSmoothingFWHM;
-    if (SpatialSmoothing::isPossible(voxelWidths(project, double(fwhm))))
-        static_cast<void>(run.document.smoothing.smoothVolume(project, volumeIndex, fwhm));
-    else if (volumeIndex == 0)
+    if (fwhm > 0.0f && run.document.smoothing.smoothVolume(project, volumeIndex, fwhm))
+        return;
+    if (volumeIndex == 0 && !SpatialSmoothing::isPossible(voxelWidths(project, double(fwhm))))
         showWarningAside(QString("WARNING: Volumes are not smoothed: a width of %1 mm does not go "
                                  "with their voxel size.")
                              .arg(double(fwhm)));

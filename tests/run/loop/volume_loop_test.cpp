@@ -164,17 +164,23 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
             put("results", "");
         }
     };
-    messages.expect(MessageLevel::Warning, "ERROR: Unable to open protocol file!");
-    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
-    messages.expect(MessageLevel::Critical, "ERROR: Unable to write map file*");
-    messages.expect(MessageLevel::Critical, "ERROR: Unable to open contrasts file \"*");
-    messages.expect(MessageLevel::Critical, "Error: Can not open file to save first volume.");
-    messages.expectQuestion("WARNING: The recorded data could not be saved completely in folder*",
-                            true);
-    bool mended = false;
-    messages.onQuestion = [&] { mended = QFile::remove(path("results")); };
-    session.runButtonPressed();
-    EXPECT_TRUE(mended);
+    for (const bool again : {false, true}) {
+        messages.expect(MessageLevel::Warning, "ERROR: Unable to open protocol file!");
+        messages.expect(MessageLevel::Warning,
+                        "ERROR: Can not write FMR time course (STC) files !");
+        messages.expect(MessageLevel::Critical, "ERROR: Unable to write map file*");
+        messages.expect(MessageLevel::Critical, "ERROR: Unable to open contrasts file \"*");
+        messages.expect(MessageLevel::Critical, "Error: Can not open file to save first volume.");
+        messages.expectQuestion("WARNING: The recorded data could not be saved completely in "
+                                "folder*",
+                                again);
+        bool mended = false;
+        messages.onQuestion = [&] { mended = QFile::remove(path("results")); };
+        session.runButtonState = RunButtonState::Ready;
+        session.runButtonPressed();
+        EXPECT_TRUE(mended);
+        EXPECT_EQ(session.state.savedCompletely, again);
+    }
     EXPECT_EQ(savedVolumes(), 14);
 
     // The protocol that could not be written at first is named all the same.
