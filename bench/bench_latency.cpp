@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "silent_display.h"
 
-#include "run/loop/run_session.h"
+#include "run/session/run_session.h"
 #include "scanner_simulator/simulated_scan.h"
 
 #include <QDir>

@@ -3,7 +3,7 @@
 #include "silent_display.h"
 
 #include "intake/volume_reader.h"
-#include "run/loop/run_session.h"
+#include "run/session/run_session.h"
 #include "run/settings/settings_file.h"
 #include "volume/head_volume.h"
 

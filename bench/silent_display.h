@@ -4,16 +4,10 @@
 
 #include "run/loop/run_display.h"
 
-#include <cstdio>
-
 class SilentDisplay : public RunDisplay {
 public:
-    void runStarting() override {}
-    void documentsLeaving() override {}
-    void documentsArrived() override {}
-    void runPrepared() override {}
-    void preparationFailed() override { std::printf("preparation failed\n"); }
-    void runEnded() override {}
+    void workStarting() override {}
+    void workEnded() override {}
     void setRunButtonState(RunButtonState) override {}
     void showLogText(const QString&) override {}
     void refreshViewButtons() override {}

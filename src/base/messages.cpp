@@ -55,6 +55,10 @@ void showCritical(const QString& text) {
     currentHandler()->show(MessageLevel::Critical, text);
 }
 
+void showInformationAside(const QString& text) {
+    currentHandler()->showAside(MessageLevel::Information, text);
+}
+
 void showWarningAside(const QString& text) {
     currentHandler()->showAside(MessageLevel::Warning, text);
 }

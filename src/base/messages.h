@@ -39,6 +39,7 @@ MessageHandler* installMessageHandler(MessageHandler* handler);
 void showInformation(const QString& text);
 void showWarning(const QString& text);
 void showCritical(const QString& text);
+void showInformationAside(const QString& text);
 void showWarningAside(const QString& text);
 [[nodiscard]] bool askQuestion(const QString& text);
 void announce(const QString& title, const QString& text, const QString& button);

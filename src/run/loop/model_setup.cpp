@@ -24,6 +24,38 @@ bool buildDesign(QtCortivoDoc& document, const RunSettings& settings) {
     return true;
 }
 
+// The name lists of the design, and the numbers of its predictors.
+void buildPredictorNames(QtCortivoDoc& document, const RunSettings& settings) {
+    DesignMatrix& design = document.design;
+    const DesignSource source = designSource(document, settings);
+    buildConditionPredictorNames(design, source);
+    buildConfoundPredictorNames(design, source);
+    design.NrOfPredictors = design.NrOfConditionPredictors + design.NrOfConfoundPredictors;
+}
+
+// What the header of an arriving protocol says on contrasts.
+ProtocolContrasts broughtContrasts(const QtCortivoDoc& document) {
+    if (isProtocolPathSet(document.protocol.tdatPath))
+        return document.tdatProtocol.state.contrasts;
+    if (isProtocolPathSet(document.protocol.realTimeProtocolPath))
+        return document.realTimeProtocol.state.contrasts;
+    return {};
+}
+
+void takeContrastTable(ContrastDefinitions& contrasts, const ProtocolContrasts& brought) {
+    contrasts.clear();
+    for (const ProtocolContrasts::Contrast& contrast : brought.table) {
+        const int state = contrast.selectionState;
+        contrasts.ContrastNames << contrast.name;
+        contrasts.ContrastValues.push_back(contrast.weights);
+        contrasts.ContrastSelectionStates.push_back(
+            state >= ContrastOff && state <= ContrastBoth ? state : ContrastOff);
+        contrasts.ContrastColors.push_back(contrast.color);
+        ++contrasts.NrOfContrasts;
+    }
+    contrasts.ActiveContrastStates.assign(brought.table.size(), ContrastOff);
+}
+
 } // namespace
 
 DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings) {
@@ -33,29 +65,26 @@ DesignSource designSource(const QtCortivoDoc& document, const RunSettings& setti
             document.contrasts.BaselinePosInProtocol, settings.DriftConfoundPredictors};
 }
 
-void buildPredictorNames(QtCortivoDoc& document, const RunSettings& settings) {
-    DesignMatrix& design = document.design;
-    const DesignSource source = designSource(document, settings);
-    buildConditionPredictorNames(design, source);
-    buildConfoundPredictorNames(design, source);
-    design.NrOfPredictors = design.NrOfConditionPredictors + design.NrOfConfoundPredictors;
-}
-
 void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
                     const QString& contrastFile) {
-    DesignMatrix& design = document.design;
     ContrastDefinitions& contrasts = document.contrasts;
     buildPredictorNames(document, settings);
-    // A real-time protocol says itself whether the file is of use, and it has been read then.
-    const bool takesFile =
-        !contrastFile.isEmpty() && !isProtocolPathSet(document.protocol.realTimeProtocolPath);
-    const bool fileRead = takesFile && readContrastFile(contrastFile, contrasts, design,
-                                                        document.protocol.nrOfConditions());
+    const ProtocolContrasts brought = broughtContrasts(document);
+    if (brought.source == ProtocolContrasts::Source::Table)
+        takeContrastTable(contrasts, brought);
+    if (brought.source == ProtocolContrasts::Source::Generated)
+        generateContrasts(contrasts, document.design, brought.level);
+    const bool isRealTime = isProtocolPathSet(document.protocol.realTimeProtocolPath);
+    const bool asksForFile = brought.source == ProtocolContrasts::Source::ContrastFile;
+    const bool fileRead =
+        !contrastFile.isEmpty() && (!isRealTime || asksForFile) &&
+        readContrastFile(contrastFile, contrasts, document.design,
+                         document.protocol.nrOfConditions());
     if (contrasts.NrOfContrasts == 0) {
         contrasts.BaselinePosInProtocol = 1;
-        generateContrasts(contrasts, design, settings.AutoContrastGenerationLevel);
+        generateContrasts(contrasts, document.design, settings.AutoContrastGenerationLevel);
     } else if (!fileRead) {
-        rebuildContrastWeights(contrasts, design);
+        rebuildContrastWeights(contrasts, document.design);
     }
     document.updateOverlayColors();
 }

@@ -10,11 +10,9 @@ inline constexpr int brainMaskThreshold = 100; // sample value
 /// What the design of this run is built from.
 [[nodiscard]] DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings);
 
-/// The name lists of the design, and the numbers of its predictors.
-void buildPredictorNames(QtCortivoDoc& document, const RunSettings& settings);
-
-/// Predictor names and contrasts: from `contrastFile` if it is not empty and fits; else those that
-/// the protocol has brought, fitted to the design; else generated.
+/// Predictor names and contrasts of a run that is prepared or reloaded. Contrasts are those of
+/// `contrastFile`, if it is not empty and fits; else those that an arriving protocol asks for in
+/// its header; else generated. A real-time protocol says itself whether the file is of use.
 void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
                     const QString& contrastFile);
 

@@ -3,44 +3,11 @@
 
 #include "base/paths.h"
 #include "base/program_end.h"
-#include "run/loop/model_setup.h"
 #include "run/protocol/prt_file.h"
-#include "stats/contrast_file.h"
 
 #include <QDir>
 
 namespace {
-
-void takeContrastTable(QtCortivoDoc& document, const ProtocolContrasts& brought) {
-    ContrastDefinitions& contrasts = document.contrasts;
-    contrasts.clear();
-    for (const ProtocolContrasts::Contrast& contrast : brought.table) {
-        const int state = contrast.selectionState;
-        contrasts.ContrastNames << contrast.name;
-        contrasts.ContrastValues.push_back(contrast.weights);
-        contrasts.ContrastSelectionStates.push_back(
-            state >= ContrastOff && state <= ContrastBoth ? state : ContrastOff);
-        contrasts.ContrastColors.push_back(contrast.color);
-        ++contrasts.NrOfContrasts;
-    }
-    contrasts.ActiveContrastStates.assign(brought.table.size(), ContrastOff);
-    rebuildContrastWeights(contrasts, document.design);
-}
-
-void takeContrasts(QtCortivoDoc& document, const RunSettings& settings,
-                   const ProtocolContrasts& brought) {
-    using Source = ProtocolContrasts::Source;
-    buildPredictorNames(document, settings);
-    if (brought.source == Source::Table)
-        takeContrastTable(document, brought);
-    if (brought.source == Source::Generated)
-        generateContrasts(document.contrasts, document.design, brought.level);
-    // A file that can't be used has been reported; the contrasts are automatic ones then.
-    if (brought.source == Source::ContrastFile && !settings.ContrastFile.isEmpty() &&
-        !readContrastFile(settings.ContrastFile, document.contrasts, document.design,
-                          document.protocol.nrOfConditions()))
-        document.contrasts.clear();
-}
 
 bool readTDAT(const RunParts& run) {
     QtCortivoDoc& document = run.document;
@@ -52,7 +19,6 @@ bool readTDAT(const RunParts& run) {
         document.project.TR = run.settings.TR = float(*given.TR);
     if (given.motionCorrection)
         run.settings.MotionCorrection = *given.motionCorrection;
-    takeContrasts(document, run.settings, document.tdatProtocol.state.contrasts);
     return true;
 }
 
@@ -65,7 +31,6 @@ bool readRTP(const RunParts& run) {
     if (state.rtpHasBaseline)
         document.contrasts.BaselinePosInProtocol = 1;
     document.design.ConditionWeights = state.rtpWeights;
-    takeContrasts(document, run.settings, state.contrasts);
     return true;
 }
 

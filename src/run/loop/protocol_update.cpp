@@ -49,7 +49,7 @@ bool followProtocol(const RunParts& run, const Arriving& arriving, bool& interva
     run.pump.processEvents();
     while (!arriving.hasEnded() && !covers(run.document, arriving.coveredVolumes)) {
         if (waited.elapsed() > run.settings.timeOutMilliseconds) {
-            showWarning(arriving.timeOutText);
+            showWarningAside(arriving.timeOutText);
             return false;
         }
         constexpr int eventRounds = 3;
@@ -98,8 +98,9 @@ bool updateProtocol(const RunParts& run, int volumeIndex) {
     const Arriving arriving =
         isTDAT ? arrivingTDAT(document, volumeIndex) : arrivingRTP(run, volumeIndex);
     bool intervalsChanged = false;
-    if (!arriving.hasEnded() && !followProtocol(run, arriving, intervalsChanged))
-        return false;
+    const bool isCovered =
+        arriving.hasEnded() || followProtocol(run, arriving, intervalsChanged);
+    // What has come before a time-out is in the recorded protocol, and so in the model.
     if (intervalsChanged) {
         if (!isTDAT)
             document.design.ConditionWeights = document.realTimeProtocol.state.rtpWeights;
@@ -107,7 +108,7 @@ bool updateProtocol(const RunParts& run, int volumeIndex) {
             return false;
     }
     renewSchedule(document, volumeIndex);
-    return true;
+    return isCovered;
 }
 
 void closeProtocol(QtCortivoDoc& document) {

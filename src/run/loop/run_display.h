@@ -13,21 +13,12 @@ class RunDisplay {
 public:
     virtual ~RunDisplay() = default;
 
-    /// A run begins: the timer stops, the running icon shows, the buttons for the neighbouring
-    /// recordings, for reloading and pre-loading are disabled.
-    virtual void runStarting() = 0;
-    /// The documents are about to be replaced: dialogs let go of them, views are deleted, plots
-    /// hidden, the contrast list cleared.
-    virtual void documentsLeaving() = 0;
-    /// New documents exist: views are made.
-    virtual void documentsArrived() = 0;
-    /// The run is prepared: the views are drawn and shown, the contrast list is filled, the view
-    /// buttons and controls refreshed.
-    virtual void runPrepared() = 0;
-    /// Preparation failed; only the run button works from here on.
-    virtual void preparationFailed() = 0;
-    /// After the whole run, saving included: buttons enabled, the timer restarted.
-    virtual void runEnded() = 0;
+    /// The session has left its idle phase: the controls for choosing, reloading and pre-loading go
+    /// off, and so does the timer.
+    virtual void workStarting() = 0;
+    /// The session is idle again. Controls and timer stay off when the start of a run has failed:
+    /// only the run button works from there on.
+    virtual void workEnded() = 0;
 
     virtual void setRunButtonState(RunButtonState state) = 0;
     /// HTML text for the panel LogInfos.

@@ -4,17 +4,21 @@
 
 #include "base/event_pump.h"
 #include "intake/volume_reader.h"
+#include "run/document/operator_requests.h"
 #include "run/document/qt_cortivo_doc.h"
-#include "run/document/run_state.h"
-#include "run/loop/loop_stations.h"
+#include "run/document/run_report.h"
+#include "run/document/session_phase.h"
 #include "run/loop/run_display.h"
+#include "run/loop/run_listeners.h"
 
 struct RunParts {
     RunSettings& settings;
-    RunState& state;
+    SessionPhase& phase;
+    RunReport& report;
+    OperatorRequests& requests;
     IntakeState& intake;
     QtCortivoDoc& document;
-    const LoopStations& stations;
+    RunListeners& listeners;
     RunDisplay& display;
     EventPump& pump;
 };

@@ -44,7 +44,7 @@ bool fitAgain(const RunParts& run, int nrOfVolumes, ProgressReporter& progress) 
     };
     if (!fitModelToVolumes(run.document, run.settings, nrOfVolumes, afterVolume))
         return false;
-    run.state.mapsPresent = run.document.maps.NrOfActiveContrasts > 0;
+    run.report.mapsPresent = run.document.maps.NrOfActiveContrasts > 0;
     return true;
 }
 
@@ -68,7 +68,7 @@ bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
         return false;
     }
     kept.release();
-    if (run.state.overlayVolumeMode != 0)
+    if (run.requests.overlayVolumeMode != 0)
         run.document.slices.updateSlicePixmaps(
             project.volumes[size_t(nrOfMeasuredVolumes) - 1].span(), project.NrOfSlices);
     const bool fitted = !recomputeStatistics || fitAgain(run, nrOfMeasuredVolumes, statistics);

@@ -5,6 +5,7 @@
 #include "base/paths.h"
 #include "base/program_end.h"
 #include "intake/inplane_reader.h"
+#include "run/loop/model_setup.h"
 #include "run/loop/motion_preparation.h"
 #include "run/loop/protocol_reading.h"
 #include "run/settings/settings_file.h"
@@ -88,7 +89,7 @@ void prepareInplanes(const RunParts& run) {
     if (!run.settings.OverlayInplaneData || readInplanes(run))
         return;
     run.document.inplanes = {};
-    run.state.pendingOverlayInplane = -1;
+    run.requests.pendingOverlayInplane = -1;
     showWarningAside(QStringLiteral("WARNING: The inplane images in \"%1\" did not arrive in time "
                                     "or can not be read.\n\nThe run goes on without them.")
                          .arg(run.settings.OverlayInplaneFolder));
@@ -133,10 +134,10 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
     }
     // A version 1 file has no such key, and the flag keeps the value that a start gives it.
     if (settings.forceTRDelayRead)
-        run.state.forceTRDelay = settings.ForceTRDelay;
-    run.state.pendingOverlayInplane = settings.pendingOverlayInplane;
-    run.state.pendingOverlayVMR = settings.pendingOverlayVMR;
-    run.state.pendingOverlaySRF = settings.pendingOverlaySRF;
+        run.requests.forceTRDelay = settings.ForceTRDelay;
+    run.requests.pendingOverlayInplane = settings.pendingOverlayInplane;
+    run.requests.pendingOverlayVMR = settings.pendingOverlayVMR;
+    run.requests.pendingOverlaySRF = settings.pendingOverlaySRF;
     copySettingsToDocument(document, settings);
     if (!document.workingFolder.isEmpty())
         QDir::setCurrent(document.workingFolder);
@@ -164,5 +165,6 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
     document.maps.MapType = MapKind::T;
     showFirstVolume(document);
     prepareInplanes(run);
+    setUpContrasts(document, settings, settings.ContrastFile);
     return reader;
 }

@@ -78,9 +78,9 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
         return false;
     copySettingsToDocument(document, settings);
     // A saved run has no inplanes.
-    run.state.pendingOverlayInplane = -1;
+    run.requests.pendingOverlayInplane = -1;
     const FMRProject& project = document.project;
-    run.display.showLogText(reloadingText(run.state.logFontSize,
+    run.display.showLogText(reloadingText(run.requests.logFontSize,
                                           paths::fileName(settings.settingsFilePath),
                                           paths::fileName(project.projectPath)));
     run.pump.processEvents();
@@ -99,7 +99,7 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
         return false;
     document.VolumeConditionIndex =
         volumeConditionIndex(document.protocol, project.NrOfVolumes, project.TR);
-    run.state.currentVolume = project.NrOfVolumes;
-    run.state.mapsPresent = document.maps.NrOfActiveContrasts > 0;
+    run.report.currentVolume = project.NrOfVolumes;
+    run.report.mapsPresent = document.maps.NrOfActiveContrasts > 0;
     return true;
 }

@@ -45,7 +45,7 @@ void updateProjectForSaving(const RunParts& run) {
 std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress) {
     QtCortivoDoc& document = run.document;
     FMRProject& project = document.project;
-    const int volumes = recordedVolumes(run);
+    const int volumes = recordedVolumes(run.report, project);
     const auto dataWritten = std::make_shared<bool>(false);
     return {
         {0,
@@ -100,10 +100,6 @@ bool runSteps(std::vector<SaveStep>& steps, ProgressReporter& progress) {
 }
 
 } // namespace
-
-int recordedVolumes(const RunParts& run) {
-    return std::clamp(run.state.currentVolume + 1, 0, run.settings.nrOfAnalysedVolumes());
-}
 
 bool askToSaveAgain(const QString& folder) {
     return askQuestion(QStringLiteral("WARNING: The recorded data could not be saved completely in "

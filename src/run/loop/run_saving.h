@@ -4,9 +4,6 @@
 
 #include "run/loop/run_parts.h"
 
-/// Volumes that a run has reached: those that the saved files hold.
-[[nodiscard]] int recordedVolumes(const RunParts& run);
-
 /// Asks whether files that could not be written into `folder` are to be tried again.
 [[nodiscard]] bool askToSaveAgain(const QString& folder);
 

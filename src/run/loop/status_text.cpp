@@ -13,6 +13,12 @@ QString bold(const QString& text) {
     return "<b>" + text + "</b>";
 }
 
+// Up to the name; the closing quote is the caller's.
+QString settingsFileHead(int fontSize, const QString& settingsFileName) {
+    return bodyStart(fontSize) + " Current settings file: \"" +
+           bold(settingsFileName.toHtmlEscaped());
+}
+
 QString seconds(qint64 milliseconds) {
     return QString::number(double(milliseconds) / 1000.0, 'f', 1);
 }
@@ -22,38 +28,55 @@ QString thresholdPart(const StatisticalMaps& maps) {
     return thresholdPrefix(maps) + bold(QString::number(double(maps.Threshold)));
 }
 
-QString overlayPart(const RunState& state) {
-    if (state.overlayVolumeMode == 0)
+QString overlayPart(const OperatorRequests& requests) {
+    if (requests.overlayVolumeMode == 0)
         return "<br>OverlayOnVolume: First";
-    return state.overlayAfterPreprocessing ? "<br>OverlayOnVolume: Current-AfterPP"
-                                           : "<br>OverlayOnVolume: Current-BeforePP";
+    return requests.overlayAfterPreprocessing ? "<br>OverlayOnVolume: Current-AfterPP"
+                                              : "<br>OverlayOnVolume: Current-BeforePP";
 }
 
 } // namespace
 
 QString processingText(int fontSize, const QString& settingsFileName) {
-    return bodyStart(fontSize) + " Current settings file: \"" +
-           bold(settingsFileName.toHtmlEscaped()) + "\".<br><br>Processing...<br></body>";
+    return settingsFileHead(fontSize, settingsFileName) + "\".<br><br>Processing...<br></body>";
 }
 
-QString volumeStatusText(const RunState& state, const RunSettings& settings,
-                         const StatisticalMaps& maps, const CycleTimes& times, int volumeIndex,
-                         qint64 runMilliseconds) {
-    const bool last = volumeIndex + 1 >= settings.nrOfAnalysedVolumes();
-    return bodyStart(state.logFontSize) +
+QString offerText(int fontSize, const QString& settingsFileName) {
+    return settingsFileHead(fontSize, settingsFileName) +
+           "\".<br><br>Click the \"<b>Record</b>\" button to start processing.<br></body>";
+}
+
+QString waitingText(int fontSize, const QString& settingsFileName) {
+    return settingsFileHead(fontSize, settingsFileName) +
+           "\" not available.<br><br>Waiting...<br></body>";
+}
+
+QString finishedText(int fontSize, const QString& settingsFileName, const QString& title,
+                     bool savedCompletely) {
+    return settingsFileHead(fontSize, settingsFileName) + "\".<br><br>" + title.toHtmlEscaped() +
+           "<br><br>Processing completed.<br>" +
+           (savedCompletely ? "" : "Recorded data <b>not saved completely</b>.<br>") +
+           "Ready.<br></body>";
+}
+
+QString volumeStatusText(const RunReport& report, const OperatorRequests& requests,
+                         const RunSettings& settings, const StatisticalMaps& maps) {
+    const int volume = report.currentVolume;
+    const bool last = volume + 1 >= settings.nrOfAnalysedVolumes();
+    return bodyStart(requests.logFontSize) +
            QStringLiteral(" volume <b>%1 (%2)</b>,  elapsed time: ")
-               .arg(volumeIndex + 1)
-               .arg(settings.NrOfVolumesToSkip + 1 + volumeIndex) +
-           bold(seconds(runMilliseconds)) + " secs,  " + thresholdPart(maps) +
+               .arg(volume + 1)
+               .arg(settings.NrOfVolumesToSkip + 1 + volume) +
+           bold(seconds(report.elapsedRunTime)) + " secs,  " + thresholdPart(maps) +
            QStringLiteral("<br><br>ReadVolTime: <b>%1</b> ms   FeedbackTime: <b>%2</b> ms<br>"
                           "FullVolTime: <b>%3</b> ms   VolWaitTime: <b>%4</b> ms<br>"
                           "StartOffset: <b>%5</b> sec")
-               .arg(times.readVolTime)
-               .arg(times.feedbackTime)
-               .arg(times.fullVolTime)
-               .arg(times.volWaitTime)
-               .arg(state.startOffsetSeconds) +
-           overlayPart(state) + (last ? "<br> Ready.<br></body>" : "</body>");
+               .arg(report.times.readVolTime)
+               .arg(report.times.feedbackTime)
+               .arg(report.times.fullVolTime)
+               .arg(report.times.volWaitTime)
+               .arg(requests.startOffsetSeconds) +
+           overlayPart(requests) + (last ? "<br> Ready.<br></body>" : "</body>");
 }
 
 QString savingTextHead(int fontSize, int volumeIndex, qint64 runMilliseconds,
@@ -63,21 +86,18 @@ QString savingTextHead(int fontSize, int volumeIndex, qint64 runMilliseconds,
            "<br>";
 }
 
-QString betweenRunsText(const RunState& state, const StatisticalMaps& maps) {
-    return singleRunPanelText(state.currentVolume + 1, double(state.elapsedRunTime) / 1000.0,
+QString betweenRunsText(const RunReport& report, const StatisticalMaps& maps) {
+    return singleRunPanelText(report.currentVolume + 1, double(report.elapsedRunTime) / 1000.0,
                               thresholdText(maps));
 }
 
 QString reloadingText(int fontSize, const QString& settingsFileName, const QString& projectName) {
-    return bodyStart(fontSize) + " Current settings file: \"" +
-           bold(settingsFileName.toHtmlEscaped()) + "\".<br><br> Loading project \"" +
+    return settingsFileHead(fontSize, settingsFileName) + "\".<br><br> Loading project \"" +
            bold(projectName.toHtmlEscaped()) + "\" from disk....<br></body>";
 }
 
 QString reloadedText(const QString& settingsFileName, const QString& projectName) {
-    // This one text has a size of its own.
-    constexpr int reloadedFontSize = 13;
-    return bodyStart(reloadedFontSize) + " Current settings file: \"" +
-           bold(settingsFileName.toHtmlEscaped()) + "\".<br><br> Project \"" +
+    constexpr int reloadedFontSize = 13; // a size of its own
+    return settingsFileHead(reloadedFontSize, settingsFileName) + "\".<br><br> Project \"" +
            bold(projectName.toHtmlEscaped()) + "\" loaded from disk.<br><br> Ready<br></body>";
 }

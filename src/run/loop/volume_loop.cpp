@@ -15,104 +15,122 @@ namespace {
 class VolumeLoop {
 public:
     VolumeLoop(const RunParts& run, VolumeReader& reader)
-        : run_(run), document_(run.document), state_(run.state), reader_(reader),
+        : run_(run), document_(run.document), reader_(reader),
           nrOfAnalysedVolumes_(run.settings.nrOfAnalysedVolumes()), runClock_(run.pump),
-          cycleClock_(run.pump), readClock_(run.pump) {}
+          cycleClock_(run.pump), stepClock_(run.pump) {}
 
     LoopEnd execute();
 
 private:
     [[nodiscard]] bool takeVolume();
     [[nodiscard]] bool readVolume();
+    [[nodiscard]] bool passStepsBeforeModel();
+    [[nodiscard]] bool passStepsAfterModel();
     void preprocess();
-    [[nodiscard]] bool updateDisplaysOfSubject();
-    [[nodiscard]] bool updateModel();
+    void showToSubject();
+    void updateModel();
     void showBackground(bool afterPreprocessing);
     void holdToTR();
     void showStatus();
     void showMaps();
     void releaseModel();
     void save();
-    [[nodiscard]] bool station(Station which) const {
-        return run_.stations.run(which, volumeIndex_);
+    [[nodiscard]] VolumeAtHand hand() const { return {document_, volumeIndex_}; }
+    [[nodiscard]] bool step(VolumeStep which) const {
+        return run_.listeners.atStep(which, hand());
     }
 
     const RunParts& run_;
     QtCortivoDoc& document_;
-    RunState& state_;
     VolumeReader& reader_;
     const int nrOfAnalysedVolumes_;
     StopWatch runClock_;
     StopWatch cycleClock_;
-    StopWatch readClock_;
-    CycleTimes times_;
+    StopWatch stepClock_;
     int volumeIndex_ = 0;
     bool interrupted_ = false;
     bool backgroundChanged_ = false;
 };
 
 LoopEnd VolumeLoop::execute() {
+    run_.phase.enter(Phase::Recording);
     document_.mapName = "<untitled>";
-    if (!prepareModel(document_, run_.settings)) {
-        state_.runActive = false;
+    if (!prepareModel(document_, run_.settings))
         return LoopEnd::NotStarted;
-    }
     runClock_.restart();
     cycleClock_.restart();
     for (volumeIndex_ = 0; volumeIndex_ < nrOfAnalysedVolumes_; ++volumeIndex_)
         if (!takeVolume())
             break;
 
+    run_.phase.enter(Phase::Saving);
     run_.display.setRunButtonState(RunButtonState::Finished);
-    state_.runActive = false;
-    if (run_.stations.afterRun)
-        run_.stations.afterRun();
+    run_.listeners.loopEnded(document_);
     releaseModel();
     closeProtocol(document_);
     save();
     return interrupted_ ? LoopEnd::Interrupted : LoopEnd::Complete;
 }
 
-// One pass. The order is the contract between run control and everything that hangs on the loop:
-// displays come before the model, so what the subject sees at a volume rests on the model of the
-// volume before.
+// One pass. The order is the contract between run control and everything that listens: displays
+// come before the model, so what the subject sees at a volume rests on the model of the volume
+// before.
 bool VolumeLoop::takeVolume() {
     if (!readVolume())
         return false;
-    state_.currentVolume = volumeIndex_;
-    if (!station(Station::PluginBeforeVolume))
-        return false;
-    preprocess();
-    run_.display.refreshViewButtons();
-    if (!updateProtocol(run_, volumeIndex_))
-        return false;
-    holdToTR();
-    if (!updateDisplaysOfSubject())
-        return false;
+    run_.report.currentVolume = volumeIndex_;
+    const bool goesOn = passStepsBeforeModel();
     run_.pump.processEvents();
-    if (!updateModel())
+    // Also where a step ends the run: the volume was measured, so it counts everywhere.
+    updateModel();
+    if (!goesOn || !passStepsAfterModel())
         return false;
     showStatus();
     showMaps();
+    run_.listeners.endOfVolume(hand());
     return true;
 }
 
 bool VolumeLoop::readVolume() {
-    readClock_.restart();
+    stepClock_.restart();
     if (!reader_.readVolume(volumeIndex_)) {
-        showWarning("TIME OUT ERROR: expected file did not arrive!");
+        showWarningAside("TIME OUT ERROR: expected file did not arrive!");
         return false;
     }
-    times_.readVolTime = readClock_.elapsed();
-    if (!state_.interruptFlag)
+    run_.report.times.readVolTime = stepClock_.elapsed();
+    if (!run_.requests.interruptFlag)
         return true;
-    state_.runActive = false;
-    state_.interruptFlag = false;
+    run_.requests.interruptFlag = false;
     interrupted_ = true;
-    showInformation("RECORDING INTERRUPTED BY USER");
+    // Not waited for: the data are in memory only until they are saved.
+    showInformationAside("RECORDING INTERRUPTED BY USER");
     // The volume that was just read does not count.
-    state_.interruptedAtVolume = state_.currentVolume;
+    run_.report.interruptedAtVolume = run_.report.currentVolume;
     return false;
+}
+
+bool VolumeLoop::passStepsBeforeModel() {
+    const bool goesOn = run_.listeners.beforeVolume(hand());
+    preprocess();
+    run_.display.refreshViewButtons();
+    if (!goesOn || !updateProtocol(run_, volumeIndex_))
+        return false;
+    holdToTR();
+    if (!step(VolumeStep::LoadRegions) || !step(VolumeStep::RegionTimeCourses) ||
+        !step(VolumeStep::Plots))
+        return false;
+    document_.VolumeConditionIndex =
+        volumeConditionIndex(document_.protocol, nrOfAnalysedVolumes_, document_.project.TR);
+    if (!step(VolumeStep::Logs) || !step(VolumeStep::Classification))
+        return false;
+    showToSubject();
+    return step(VolumeStep::LetterDecoder);
+}
+
+void VolumeLoop::showToSubject() {
+    stepClock_.restart();
+    if (run_.listeners.drawSubjectDisplay(hand()))
+        run_.report.times.feedbackTime = stepClock_.elapsed();
 }
 
 void VolumeLoop::preprocess() {
@@ -122,33 +140,34 @@ void VolumeLoop::preprocess() {
 }
 
 void VolumeLoop::showBackground(bool afterPreprocessing) {
-    if (state_.overlayAfterPreprocessing != afterPreprocessing)
+    if (run_.requests.overlayAfterPreprocessing != afterPreprocessing)
         return;
     const FMRProject& project = document_.project;
-    if (state_.overlayVolumeMode != 0) {
+    if (run_.requests.overlayVolumeMode != 0) {
         document_.slices.updateSlicePixmaps(project.volumes[size_t(volumeIndex_)].span(),
                                             project.NrOfSlices);
         backgroundChanged_ = true;
-    } else if (state_.overlayReset) {
+    } else if (run_.requests.overlayReset) {
         document_.slices.updateSlicePixmaps(project.firstVolume.span(), project.NrOfSlices);
-        state_.overlayReset = false;
+        run_.requests.overlayReset = false;
         backgroundChanged_ = true;
     }
 }
 
 // Paces a replay. The value that is shown leaves the skipped volumes out, the wait does not.
 void VolumeLoop::holdToTR() {
-    times_.volWaitTime = 0;
-    if (!state_.forceTRDelay || volumeIndex_ == 0)
+    CycleTimes& times = run_.report.times;
+    times.volWaitTime = 0;
+    if (!run_.requests.forceTRDelay || volumeIndex_ == 0)
         return;
     const double tr = double(document_.project.TR);
     const auto dueAt = [&](int volumes) {
-        return qint64(volumes * tr) - qint64(state_.startOffsetSeconds) * 1000;
+        return qint64(volumes * tr) - qint64(run_.requests.startOffsetSeconds) * 1000;
     };
-    times_.volWaitTime = dueAt(volumeIndex_) - runClock_.elapsed();
+    times.volWaitTime = dueAt(volumeIndex_) - runClock_.elapsed();
     constexpr qint64 closeEnough = 10; // milliseconds
     constexpr qint64 longestWait = 50; // so that a stop or a changed offset is seen soon
-    while (state_.forceTRDelay) {
+    while (run_.requests.forceTRDelay) {
         const qint64 left =
             dueAt(run_.settings.NrOfVolumesToSkip + volumeIndex_) - runClock_.elapsed();
         if (left < closeEnough)
@@ -157,34 +176,26 @@ void VolumeLoop::holdToTR() {
     }
 }
 
-bool VolumeLoop::updateDisplaysOfSubject() {
-    if (!station(Station::PreLoadedRegions) || !station(Station::RegionTimeCourses) ||
-        !station(Station::ResponseAndMotionPlots))
-        return false;
-    document_.VolumeConditionIndex =
-        volumeConditionIndex(document_.protocol, nrOfAnalysedVolumes_, document_.project.TR);
-    if (!station(Station::RegionLogs) || !station(Station::Classification))
-        return false;
-    return station(Station::Feedback) && station(Station::LetterDecoder);
-}
-
-bool VolumeLoop::updateModel() {
-    if (volumeIndex_ == 0 &&
-        !createBrainMask(document_.mask, document_.project, brainMaskThreshold))
-        return false;
+void VolumeLoop::updateModel() {
+    // Without a mask, after a message, no voxel is fitted and the run goes on.
+    if (volumeIndex_ == 0 && !createBrainMask(document_.mask, document_.project, brainMaskThreshold))
+        document_.mask = {};
     if (updateGLM(document_.glmRun(), volumeIndex_))
         document_.updateOverlayColors();
-    if (!station(Station::PluginAfterVolume))
+}
+
+bool VolumeLoop::passStepsAfterModel() {
+    if (!step(VolumeStep::AfterModel))
         return false;
     run_.pump.processEvents();
-    return station(Station::BestVoxels);
+    return step(VolumeStep::SelectVoxels);
 }
 
 void VolumeLoop::showStatus() {
-    state_.elapsedRunTime = runClock_.elapsed();
-    times_.fullVolTime = cycleClock_.elapsed();
-    run_.display.showLogText(volumeStatusText(state_, run_.settings, document_.maps, times_,
-                                              volumeIndex_, state_.elapsedRunTime));
+    run_.report.elapsedRunTime = runClock_.elapsed();
+    run_.report.times.fullVolTime = cycleClock_.elapsed();
+    run_.display.showLogText(
+        volumeStatusText(run_.report, run_.requests, run_.settings, document_.maps));
     run_.pump.processEvents();
     cycleClock_.restart();
 }
@@ -193,7 +204,7 @@ void VolumeLoop::showMaps() {
     const bool modelled = volumeIndex_ >= document_.glm.GLMStartVolume;
     if (modelled) {
         computeClusterSizes(document_.maps, document_.contrasts.ConjunctionAnalysis);
-        state_.mapsPresent = true;
+        run_.report.mapsPresent = true;
     }
     if (modelled || backgroundChanged_)
         run_.display.updateViews();
@@ -204,7 +215,7 @@ void VolumeLoop::showMaps() {
 // change; the live state, the motion target and the design columns go.
 void VolumeLoop::releaseModel() {
     if (!finishModel(document_.finishedModel, document_.glm, document_.project, document_.mask,
-                     recordedVolumes(run_)))
+                     recordedVolumes(run_.report, document_.project)))
         document_.finishedModel.release();
     document_.glm.release();
     document_.motion.releaseTarget();
@@ -212,18 +223,18 @@ void VolumeLoop::releaseModel() {
 }
 
 void VolumeLoop::save() {
-    const QString head =
-        savingTextHead(state_.logFontSize, volumeIndex_, runClock_.elapsed(), document_.maps);
+    RunReport& report = run_.report;
+    const QString head = savingTextHead(run_.requests.logFontSize, volumeIndex_,
+                                        runClock_.elapsed(), document_.maps);
     run_.display.showLogText(head + "<br> Saving recorded data...<br></body>");
     run_.pump.processEvents();
-    state_.savedCompletely = saveRecordedData(run_);
-    if (state_.savedCompletely)
-        run_.display.showLogText(head + "<br> Recorded data saved as \"<b>" +
-                                 run_.settings.ProjectName.toHtmlEscaped() +
-                                 "</b>\".<br><br> Ready.<br></body>");
-    else
-        run_.display.showLogText(head + "<br> Recorded data <b>not saved completely</b>.<br><br> "
-                                        "Ready.<br></body>");
+    report.savedCompletely = saveRecordedData(run_);
+    const QString outcome =
+        report.savedCompletely
+            ? "Recorded data saved as \"<b>" + run_.settings.ProjectName.toHtmlEscaped() + "</b>\"."
+            : QString("Recorded data <b>not saved completely</b>.");
+    report.outcomeText = head + "<br> " + outcome + "<br><br> Ready.<br></body>";
+    run_.display.showLogText(report.outcomeText);
 }
 
 } // namespace

@@ -9,7 +9,7 @@ void correctMotion(const RunParts& run, int volumeIndex) {
     QtCortivoDoc& document = run.document;
     if (volumeIndex > 0)
         document.motion.correctVolumeMotion(document.project, volumeIndex,
-                                            run.state.motionCorrectionFailed);
+                                            run.report.motionCorrectionFailed);
     else if (!run.settings.IntraSessionMotionCorrection)
         document.motion.setMotionTarget(document.project);
 }

@@ -1,110 +1,168 @@
-// The life of the main window: construction, dragging, closing.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/velo_cortivo.h"
 
-#include "base/messages.h"
 #include "run/window/appearance.h"
-#include "run/window/contrast_list.h"
-#include "run/window/main_window_pointer.h"
-#include "run/window/message_boxes.h"
 #include "run/window/program_dialogs.h"
+#include "run/window/progress_boxes.h"
+#include "run/window/title_row.h"
+#include "run/window/window_layout.h"
+#include "volume/ui/postprocessing_dialog.h"
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QMouseEvent>
-#include <QPainter>
-#include <QPushButton>
 
 VeloCortivo::VeloCortivo(const StandardFolders& folders, EventPump& pump)
-    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint), session_(pump, *this), pump_(pump),
-      folders_(folders) {
-    setMainWindow(this);
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint), pump_(pump), session_(pump, *this),
+      watch_(folders, session_, pump, *this, *this), frame_(*this, watch_), keys_(*this),
+      menus_(*createTitleRow(*this), *this), viewPanel_(new ViewPanel(session_, this)),
+      logPanel_(new LogPanel(this)), inputPanel_(new InputPanel(this)),
+      contrastPanel_(new ContrastPanel(session_, this)) {
+    setProgramAccess(this);
     setObjectName("VeloCortivo");
     setWindowTitle("Velo-Cortivo");
     setWindowIcon(QIcon(":/images/velo-cortivo-256.png"));
     session_.licencePermits = licencePermits;
-    session_.stopTimer = [this] { timer_.stop(); };
-    createTitleRow();
-    createViewPanels();
-    createInputPanel();
-    createContrastPanel();
-    createMenus();
     wrapToolTips(*this);
-    preLoadRoiButton_->setText("Pre-Load ROI");
-    preLoadVoiButton_->setText("Pre-Load VOI");
     initDefaultPalettes();
     qApp->installEventFilter(this);
 }
 
 VeloCortivo::~VeloCortivo() {
     qApp->removeEventFilter(this);
-    documentsLeaving(); // views go before the documents that they show
-    setMainWindow(nullptr);
+    session_.listeners.documentsLeaving(); // views go before the documents that they show
+    setProgramAccess(nullptr);
 }
 
 void VeloCortivo::initVars() {
     initDefaultPalettes();
     showLogText(QStringLiteral("<body style=\"font-size:%1pt\"> Velo-Cortivo %2<br><br>Looking "
                                "for the settings file...<br></body>")
-                    .arg(QString::number(session_.state.logFontSize), VELO_VERSION));
-    session_.runButtonState = RunButtonState::Ready;
-    setRunButtonState(RunButtonState::Ready);
-    toBeginButton_->setEnabled(false);
-    toEndButton_->setEnabled(false);
+                    .arg(QString::number(session_.requests.logFontSize), VELO_VERSION));
+    session_.setRunButton(RunButtonState::Ready);
     refreshViewButtons();
     refreshControls();
-    connectControls();
-    recordButton_->setFocus();
-    checkStateInterval_ = 1000;
-    timer_.start(checkStateInterval_);
+    inputPanel_->connectTo(*this);
+    viewPanel_->connectTo(*this);
+    contrastPanel_->connectTo(*this);
+    inputPanel_->focusRunButton();
+    watch_.start();
+}
+
+void VeloCortivo::initDefaultPalettes() {
+    setPalette(darkPalette());
+    setStyleSheet(windowStyleSheet());
 }
 
 void VeloCortivo::closeEvent(QCloseEvent* event) {
-    if (runInProgress_) {
+    if (!session_.phase.isIdle()) {
         // The volumes measured so far exist nowhere else: they are saved before the program ends.
         endAfterRun_ = true;
         session_.requestStop();
         showLogText(QStringLiteral("<body style=\"font-size:%1pt\"> The run stops with the volume "
                                    "that is awaited now and is saved.<br><br>The program ends "
                                    "after that.<br></body>")
-                        .arg(session_.state.logFontSize));
+                        .arg(session_.requests.logFontSize));
         event->ignore();
         return;
     }
-    timer_.stop();
-    rememberMaster();
+    watch_.stop();
+    watch_.writeMasterFileIfChanged();
     event->accept();
     QCoreApplication::quit();
 }
 
-void VeloCortivo::endIfAsked() {
+void VeloCortivo::workStarting() {
+    watch_.workStarting();
+    logPanel_->setTextSelectable(false);
+}
+
+void VeloCortivo::workEnded() {
+    logPanel_->setTextSelectable(true);
+    watch_.workEnded();
+    contrastPanel_->refresh();
+    updateViews();
     // Not at once: the caller is still inside the run.
     if (endAfterRun_)
         QMetaObject::invokeMethod(
             this, [this] { close(); }, Qt::QueuedConnection);
 }
 
-void VeloCortivo::paintEvent(QPaintEvent*) {
-    QPainter(this).drawPixmap(rect(), skin_);
+void VeloCortivo::refreshControls() {
+    contrastPanel_->refresh();
+    if (session_.phase.isIdle() && session_.functionalDocument)
+        showLogText(session_.panelText());
 }
 
-void VeloCortivo::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton)
-        dragOffset_ = event->globalPosition().toPoint() - frameGeometry().topLeft();
+void VeloCortivo::showInputControls(const InputControls& controls) {
+    inputPanel_->showControls(controls);
 }
 
-void VeloCortivo::mouseMoveEvent(QMouseEvent* event) {
-    if (!dragOffset_ || !(event->buttons() & Qt::LeftButton))
-        return;
-    move(reachablePosition(screenArea(this), size(),
-                           event->globalPosition().toPoint() - *dragOffset_));
-    remembered_.windowCentredX = remembered_.windowCentredY = false;
-    remembered_.windowX = x();
-    remembered_.windowY = y();
+void VeloCortivo::showTitle(const QString& title) {
+    if (windowTitle() != title)
+        setWindowTitle(title);
 }
 
-void VeloCortivo::mouseReleaseEvent(QMouseEvent*) {
-    dragOffset_.reset();
+std::unique_ptr<ProgressReporter> VeloCortivo::openSavingProgress() {
+    return openSavingBox(this);
+}
+
+void VeloCortivo::applyWindowSize() {
+    frame_.applySize();
+    // In the small window the seven lines after a run need all of the panel.
+    logPanel_->setMargin(watch_.master().windowSize == 1 ? 0 : 6);
+}
+
+void VeloCortivo::slotUpdateWindowSize() {
+    applyWindowSize();
+    frame_.keepReachable();
+    updateViews();
+}
+
+void VeloCortivo::slotSwitchWindowSize() {
+    frame_.switchSize();
+    slotUpdateWindowSize();
+}
+
+void VeloCortivo::slotChangeThreshold() {
+    contrastPanel_->takeThreshold();
+    refreshControls();
+}
+
+void VeloCortivo::slotChangeColorMaxThreshold() {
+    contrastPanel_->takeColorMaxThreshold();
+    refreshControls();
+}
+
+void VeloCortivo::slotChangeClusterSize() {
+    contrastPanel_->takeClusterSize();
+    refreshControls();
+}
+
+void VeloCortivo::slotSwitchToFMRView() {
+    viewPanel_->showSlices();
+    updateViews();
+    refreshViewButtons();
+}
+
+void VeloCortivo::focusSlices() {
+    keys_.releaseFocus();
+    viewPanel_->focusSlices();
+}
+
+void VeloCortivo::setROIDisplayStyle(RoiDisplayStyle style) {
+    roiDisplayStyle_ = style;
+    updateViews();
+}
+
+void VeloCortivo::nextROIDisplayStyle() {
+    switch (RoiDisplayStyle((int(roiDisplayStyle_) + 1) % 3)) {
+    case RoiDisplayStyle::Rectangles:
+        return onShowROIsAsRectangles();
+    case RoiDisplayStyle::RectanglesAndMarkedVoxels:
+        return onShowROIsAsRectanglesAndMarkedVoxels();
+    case RoiDisplayStyle::MarkedVoxels:
+        return onShowROIsAsMarkedVoxels();
+    }
 }
 
 void VeloCortivo::slotShowLicenseInfoDlg() {
@@ -113,4 +171,19 @@ void VeloCortivo::slotShowLicenseInfoDlg() {
 
 void VeloCortivo::slotShowAboutDlg() {
     showAboutDialog(this);
+}
+
+void VeloCortivo::slotPostProcessData() {
+    const int volumes = session_.volumesForPostprocessing();
+    if (volumes == 0)
+        return;
+    delete findChild<PostprocessingDlg*>();
+    auto* dialog = new PostprocessingDlg(session_.functionalDocument->project, volumes, this);
+    wrapToolTips(*dialog);
+    connect(dialog, &QDialog::accepted, this, [this, dialog] {
+        const std::unique_ptr<ProgressReporter> progress = openPostprocessingBox(this, pump_);
+        session_.postprocess(dialog->options(), dialog->recomputeStatistics(), *progress);
+    });
+    // Not waited for: auto-start may begin a run, which closes it.
+    dialog->open();
 }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/session_fixture.h"
+#include "stats/map_file.h"
+#include "volume/fmr_file.h"
 #include "run/protocol/arriving_headers.h"
 
 #include <QProcess>
@@ -22,12 +24,13 @@ protected:
         put("log", header.isEmpty() ? QByteArray() : header.toUtf8() + '\n');
         // What the model holds after each volume.
         predictors.clear();
-        session.stations.set(Station::PluginAfterVolume, [this](int) {
-            const GLMState& glm = session.functionalDocument->glm;
-            predictors.push_back(
-                glm.GLMStartVolume == GLMState::notStarted ? 0 : glm.nrOfActivePredictors);
+        probe.onStep = [this](VolumeStep step, const VolumeAtHand& hand) {
+            const GLMState& glm = hand.document.glm;
+            if (step == VolumeStep::AfterModel)
+                predictors.push_back(
+                    glm.GLMStartVolume == GLMState::notStarted ? 0 : glm.nrOfActivePredictors);
             return true;
-        });
+        };
     }
     void append(const QString& text) { put("log", text.toUtf8(), QIODevice::Append); }
     /// First volume after which the model holds that many predictors; -1 when never.
@@ -42,6 +45,7 @@ protected:
     }
 
     std::vector<int> predictors;
+    ProbeListener probe{session.listeners, ListenerPlace::PlugIn};
 };
 
 } // namespace
@@ -121,10 +125,27 @@ TEST_F(ArrivingProtocolRun, ProtocolThatStopsGrowingEndsTheRunAndIsSaved) {
         session.runButtonPressed();
         EXPECT_EQ(predictors.size(), volumes);
         EXPECT_EQ(pump.milliseconds() - start, 3005);
-        // The volume that waited has been read, and counts.
-        EXPECT_EQ(session.state.currentVolume, int(volumes));
+        // The volume that waited has been measured, and counts everywhere.
+        EXPECT_EQ(session.report.currentVolume, int(volumes));
         EXPECT_EQ(display.calls.last(), "ended");
     }
+}
+
+TEST_F(ArrivingProtocolRun, AfterATimeOutModelAndFilesCountTheSameVolumes) {
+    writeRun("RealTimeProtocol:", 40, rtpHeader, {{"TimeOutSeconds:", "3"}});
+    append("1 0 0\n4 1 0\n9 0 0\n15 0 1\n22 0 0\n25 0 0\n26");
+    messages.expect(MessageLevel::Warning, rtpTimeOut);
+    session.runButtonPressed();
+    FMRHeader header;
+    ASSERT_TRUE(readFMRHeader(path("results/test.fmr"), header));
+    EXPECT_EQ(header.NrOfVolumes, session.report.currentVolume + 1);
+    EXPECT_EQ(session.functionalDocument->finishedModel.NrOfVolumes, header.NrOfVolumes);
+    const QByteArray maps = content("results/test.mps");
+    ASSERT_TRUE(session.reloadData());
+    EXPECT_EQ(session.functionalDocument->finishedModel.NrOfVolumes, header.NrOfVolumes);
+    EXPECT_TRUE(writeMapFile(path("reloaded.mps"), session.functionalDocument->maps,
+                             session.functionalDocument->contrasts));
+    EXPECT_EQ(content("reloaded.mps"), maps) << "the model has seen all that was saved";
 }
 
 TEST_F(ArrivingProtocolRun, ProtocolThatIsAheadOrHasEndedIsNotWaitedFor) {
@@ -155,7 +176,7 @@ TEST_F(ArrivingProtocolRun, HeaderThatCanNotBeReadEndsTheProgram) {
     messages.expect(MessageLevel::Warning, "ERROR: RTP file is damaged: *");
     session.runButtonPressed();
     EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
-    EXPECT_EQ(display.calls.last(), "failed");
+    EXPECT_TRUE(session.report.startFailed);
 }
 
 TEST_F(ArrivingProtocolRun, AnotherProgramWritesInPiecesWhileTheLoopWaits) {
@@ -174,7 +195,7 @@ TEST_F(ArrivingProtocolRun, AnotherProgramWritesInPiecesWhileTheLoopWaits) {
     ASSERT_TRUE(writer.waitForStarted());
     realSession.runButtonPressed();
     ASSERT_TRUE(writer.state() == QProcess::NotRunning || writer.waitForFinished());
-    EXPECT_EQ(realSession.state.currentVolume, 5);
+    EXPECT_EQ(realSession.report.currentVolume, 5);
     EXPECT_EQ(savedConditions(), "3 Rest ing 2 1 1 5 1005 Color: 100 100 100 "
                                  "Faces 1 2 3 Color: 255 0 0 Houses 1 4 4 Color: 0 0 255");
 }

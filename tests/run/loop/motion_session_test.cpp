@@ -104,7 +104,7 @@ TEST_F(MotionSessionTest, DataThatAllowNoCorrectionAreToldOfAfterTheRun) {
     messages.expect(MessageLevel::Information,
                     "INFO: This data set did not allow to perform 3D motion correction properly.");
     session.runButtonPressed();
-    EXPECT_FALSE(session.state.motionCorrectionFailed);
+    EXPECT_FALSE(session.report.motionCorrectionFailed);
 }
 
 TEST_F(MotionSessionTest, RunsOfOneSessionShareATarget) {

@@ -111,7 +111,7 @@ TEST_F(PostprocessingTest, NothingElseBeginsMeanwhile) {
     measure(30);
     display.calls.clear();
     progress_.atReport = [&](int) {
-        session.runButtonState = RunButtonState::Ready;
+        session.setRunButton(RunButtonState::Ready);
         session.runButtonPressed();
         EXPECT_FALSE(session.reloadData());
         ProbeReporter inner;
@@ -121,7 +121,7 @@ TEST_F(PostprocessingTest, NothingElseBeginsMeanwhile) {
     EXPECT_EQ(progressLog(), "starting ended");
 
     script.atVolume = [&](int) { EXPECT_FALSE(session.postprocess(options_, true, progress_)); };
-    session.runButtonState = RunButtonState::Ready;
+    session.setRunButton(RunButtonState::Ready);
     session.runButtonPressed();
-    EXPECT_EQ(session.state.currentVolume, 29) << "a run starts again, and nothing stops it";
+    EXPECT_EQ(session.report.currentVolume, 29) << "a run starts again, and nothing stops it";
 }

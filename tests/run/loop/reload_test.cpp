@@ -28,8 +28,8 @@ TEST_F(ReloadTest, SavedRunComesBackWithItsVolumesAndMaps) {
             ASSERT_EQ(saved.maps[map].values[i], document.maps.ContrastMaps[map][i]);
     }
 
-    session.runButtonState = RunButtonState::Ready;
+    session.setRunButton(RunButtonState::Ready);
     messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
     session.runButtonPressed();
-    EXPECT_EQ(session.state.currentVolume, 39);
+    EXPECT_EQ(session.report.currentVolume, 39);
 }

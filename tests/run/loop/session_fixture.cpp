@@ -125,7 +125,7 @@ void SessionFixture::writeSession(int volumes, int skip, const QMap<QString, QSt
     session.settings = RunSettings();
     session.settings.settingsFilePath = path("test-1.vco");
     session.settings.settingsFileDir = folder_.path() + "/";
-    session.runButtonState = RunButtonState::Ready;
+    session.setRunButton(RunButtonState::Ready);
 }
 
 void SessionFixture::put(const QString& name, const QByteArray& bytes, QIODevice::OpenMode mode) {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "intake/volume_reader.h"
-#include "run/loop/run_session.h"
+#include "run/session/run_session.h"
 #include "support/scripted_messages.h"
 #include "support/simulated_pump.h"
 
@@ -19,18 +19,66 @@ public:
     std::vector<RunButtonState> buttonStates;
     std::vector<int> progress;
     std::function<void()> whileSaving;
+    std::function<void()> whenLogged;
+    std::function<void()> whenStarting;
+    std::function<void()> whenEnded;
 
-    void runStarting() override { calls << "starting"; }
-    void documentsLeaving() override { calls << "leaving"; }
-    void documentsArrived() override { calls << "arrived"; }
-    void runPrepared() override { calls << "prepared"; }
-    void preparationFailed() override { calls << "failed"; }
-    void runEnded() override { calls << "ended"; }
+    void workStarting() override {
+        calls << "starting";
+        if (whenStarting)
+            whenStarting();
+    }
+    void workEnded() override {
+        calls << "ended";
+        if (whenEnded)
+            whenEnded();
+    }
     void setRunButtonState(RunButtonState state) override { buttonStates.push_back(state); }
-    void showLogText(const QString& html) override { logTexts << html; }
+    void showLogText(const QString& html) override {
+        logTexts << html;
+        if (whenLogged)
+            whenLogged();
+    }
     void refreshViewButtons() override {}
     void updateViews() override { calls << "views"; }
     std::unique_ptr<ProgressReporter> openSavingProgress() override;
+};
+
+/// Listens to a run and does what a test says.
+class ProbeListener : public RunListener {
+public:
+    ProbeListener(RunListeners& listeners, ListenerPlace place) { listeners.add(*this, place); }
+
+    QStringList hooks; ///< of the run, and of the volumes that `watched` names
+    std::function<bool(int volume)> watched = [](int) { return false; };
+    std::function<bool(VolumeStep, const VolumeAtHand&)> onStep;
+    std::function<bool(int volume)> onBeforeVolume;
+    std::function<bool(int volume)> onSubjectDisplay;
+
+    void documentsLeaving() override { hooks << "leaving"; }
+    void documentsArrived(QtCortivoDoc&) override { hooks << "arrived"; }
+    void runPrepared(QtCortivoDoc&) override { hooks << "prepared"; }
+    void settingsFileChanged() override { hooks << "changed"; }
+    bool beforeVolume(const VolumeAtHand& hand) override {
+        note("before", hand);
+        return !onBeforeVolume || onBeforeVolume(hand.volume);
+    }
+    bool atStep(VolumeStep step, const VolumeAtHand& hand) override {
+        note(QString::number(int(step)), hand);
+        return !onStep || onStep(step, hand);
+    }
+    bool drawSubjectDisplay(const VolumeAtHand& hand) override {
+        note("subject", hand);
+        return onSubjectDisplay && onSubjectDisplay(hand.volume);
+    }
+    void endOfVolume(const VolumeAtHand& hand) override { note("end", hand); }
+    void loopEnded(QtCortivoDoc&) override { hooks << "over"; }
+
+private:
+    void note(const QString& hook, const VolumeAtHand& hand) {
+        if (watched(hand.volume))
+            hooks << hook;
+    }
 };
 
 /// What a scripted source does at each volume.

@@ -30,9 +30,9 @@ struct SimulatedSession {
     /// The messages of one run, in order.
     QStringList run() {
         const qsizetype before = messages.shown().size();
-        session.runButtonState = RunButtonState::Ready;
+        session.setRunButton(RunButtonState::Ready);
         session.runButtonPressed();
-        EXPECT_FALSE(session.state.runActive);
+        EXPECT_TRUE(session.phase.isIdle());
         return messages.shown().mid(before);
     }
     [[nodiscard]] int savedVolumes() const {

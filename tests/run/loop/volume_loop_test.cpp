@@ -20,28 +20,32 @@ protected:
 
 } // namespace
 
-TEST_F(VolumeLoopTest, CompleteRunPassesEveryStationInOrderAndIsSaved) {
+TEST_F(VolumeLoopTest, CompleteRunPassesEveryStepInOrderAndIsSaved) {
     put("colours.txt", "30\n1 2 3\n4 999 -6\n7 8");
     writeSession(32, 2,
                  {{"ROIColorsFile:", "\"./colours.txt\""}, {"ShowGODlgAfterPreparation:", "1"}});
     messages.expectAnnouncement("Press return or click the GO button to start!");
-    QStringList stations;
-    for (int i = 0; i < int(Station::Count); ++i)
-        session.stations.set(Station(i), [&stations, i](int volume) {
-            if (volume == 20)
-                stations << QString::number(i);
-            return true;
-        });
-    int finished = 0;
-    session.stations.afterRun = [&] { ++finished; };
+    ProbeListener probe(session.listeners, ListenerPlace::PlugIn);
+    probe.watched = [](int volume) { return volume == 20; };
+    display.buttonStates.clear();
+    bool drawn = false;
+    probe.onSubjectDisplay = [&](int volume) {
+        EXPECT_TRUE(session.phase.runActive());
+        pump.pumpWait(volume == 20 ? 17 : 4);
+        return drawn = volume >= 20;
+    };
     session.runButtonPressed();
 
-    EXPECT_EQ(stations.join(' '), "0 1 2 3 4 5 6 7 8 9");
-    EXPECT_EQ(finished, 1);
+    EXPECT_EQ(probe.hooks.join(' '),
+              "leaving arrived prepared before 0 1 2 3 4 subject 5 6 7 end over");
+    EXPECT_TRUE(drawn);
+    EXPECT_TRUE(display.logTexts[20].contains("FeedbackTime: <b>-1</b>"));
+    EXPECT_TRUE(display.logTexts[21].contains("FeedbackTime: <b>17</b>"));
+    EXPECT_TRUE(display.logTexts[22].contains("FeedbackTime: <b>4</b>"));
     EXPECT_EQ(session.regionColors[1], (RgbColor{4, 255, 0}));
     EXPECT_EQ(session.regionColors[2], (RgbColor{40, 30, 255}));
     EXPECT_EQ(savedVolumes(), 30);
-    EXPECT_TRUE(progressLog().startsWith("starting leaving arrived prepared views"));
+    EXPECT_TRUE(progressLog().startsWith("starting views"));
     EXPECT_EQ(display.buttonStates, (std::vector{RunButtonState::Running, RunButtonState::Finished,
                                                  RunButtonState::NoSettingsFile}));
     EXPECT_EQ(display.progress.back(), 100);
@@ -61,8 +65,8 @@ TEST_F(VolumeLoopTest, StopIsLookedAtAfterTheVolumeIsReadAndLeavesItOut) {
         };
         messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
         session.runButtonPressed();
-        EXPECT_EQ(session.state.interruptedAtVolume, stopAt - 1);
-        EXPECT_FALSE(session.state.interruptFlag);
+        EXPECT_EQ(session.report.interruptedAtVolume, stopAt - 1);
+        EXPECT_FALSE(session.requests.interruptFlag);
         if (stopAt > 0)
             EXPECT_EQ(savedVolumes(), stopAt);
         else
@@ -72,11 +76,11 @@ TEST_F(VolumeLoopTest, StopIsLookedAtAfterTheVolumeIsReadAndLeavesItOut) {
 
 TEST_F(VolumeLoopTest, FlagLeftSetStopsTheNextRunAndAPressWhileSavingNone) {
     writeSession(16, 2);
-    session.state.interruptFlag = true;
+    session.requests.interruptFlag = true;
     messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
     session.runButtonPressed();
-    EXPECT_EQ(session.state.interruptedAtVolume, -1);
-    session.runButtonState = RunButtonState::Ready;
+    EXPECT_EQ(session.report.interruptedAtVolume, -1);
+    session.setRunButton(RunButtonState::Ready);
     display.calls.clear();
     display.whileSaving = [this] {
         session.runButtonPressed();
@@ -90,10 +94,12 @@ TEST_F(VolumeLoopTest, FlagLeftSetStopsTheNextRunAndAPressWhileSavingNone) {
 TEST_F(VolumeLoopTest, ForcedDelayHoldsEachVolumeToTheScannersCount) {
     writeSession(6, 2, {{"ForceTRDelay:", "1"}});
     std::vector<qint64> times;
-    session.stations.set(Station::PreLoadedRegions, [&](int) {
-        times.push_back(pump.milliseconds());
+    ProbeListener probe(session.listeners, ListenerPlace::Plots);
+    probe.onStep = [&](VolumeStep step, const VolumeAtHand&) {
+        if (step == VolumeStep::LoadRegions)
+            times.push_back(pump.milliseconds());
         return true;
-    });
+    };
     session.runButtonPressed();
     ASSERT_EQ(times.size(), 4u);
     const qint64 expected[] = {0, 6000 - 9, 8000 - 9, 10000 - 9};
@@ -121,7 +127,7 @@ TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
         programEnd.statuses.clear();
         messages.expect(level, text);
         session.runButtonPressed();
-        EXPECT_EQ(display.calls.last(), "failed");
+        EXPECT_TRUE(session.report.startFailed);
         EXPECT_EQ(programEnd.statuses,
                   std::vector<int>(level == MessageLevel::Critical ? 1 : 0, 1));
     }
@@ -129,7 +135,7 @@ TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
     script.firstVolumeComes = false;
     messages.expect(MessageLevel::Warning, "TIME OUT: Expected first file did not arrive!");
     session.runButtonPressed();
-    EXPECT_FALSE(session.state.runActive);
+    EXPECT_TRUE(session.phase.isIdle());
 }
 
 TEST_F(VolumeLoopTest, InplanesShowWhereTheyCameAndTheRunGoesOnWithoutThem) {
@@ -142,17 +148,17 @@ TEST_F(VolumeLoopTest, InplanesShowWhereTheyCameAndTheRunGoesOnWithoutThem) {
     messages.expect(MessageLevel::Warning,
                     "WARNING: The inplane images in \"" + path("inplanes/") + "\" did not arrive*");
     session.runButtonPressed();
-    EXPECT_EQ(session.state.pendingOverlayInplane, -1);
+    EXPECT_EQ(session.requests.pendingOverlayInplane, -1);
     EXPECT_EQ(savedVolumes(), 12);
 
     put("inplanes/a.img", QByteArray(2 * 16 * 24 * 4, '\1'));
-    session.runButtonState = RunButtonState::Ready;
+    session.setRunButton(RunButtonState::Ready);
     session.runButtonPressed();
-    EXPECT_EQ(session.state.pendingOverlayInplane, 1);
+    EXPECT_EQ(session.requests.pendingOverlayInplane, 1);
     ASSERT_EQ(session.functionalDocument->slices.InplanePixmaps.size(), 4u);
     EXPECT_EQ(session.functionalDocument->slices.InplanePixmaps[3].size(), QSize(16, 24));
     ASSERT_TRUE(session.reloadData());
-    EXPECT_EQ(session.state.pendingOverlayInplane, -1) << "saved runs have none";
+    EXPECT_EQ(session.requests.pendingOverlayInplane, -1) << "saved runs have none";
 }
 
 TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
@@ -176,10 +182,10 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
                                 again);
         bool mended = false;
         messages.onQuestion = [&] { mended = QFile::remove(path("results")); };
-        session.runButtonState = RunButtonState::Ready;
+        session.setRunButton(RunButtonState::Ready);
         session.runButtonPressed();
         EXPECT_TRUE(mended);
-        EXPECT_EQ(session.state.savedCompletely, again);
+        EXPECT_EQ(session.report.savedCompletely, again);
     }
     EXPECT_EQ(savedVolumes(), 14);
 
@@ -196,6 +202,6 @@ TEST_F(VolumeLoopTest, TenRunsInARowStartCleanlyInOneProcess) {
         session.runButtonPressed();
         EXPECT_EQ(savedVolumes(), run % 3 == 1 ? 11 : 18 + run);
         EXPECT_EQ(display.calls.last(), "ended");
-        EXPECT_EQ(session.state.interruptedAtVolume, -1);
+        EXPECT_EQ(session.report.interruptedAtVolume, -1);
     }
 }

@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QGroupBox>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -43,16 +44,16 @@ protected:
         EXPECT_NE(widget, nullptr) << name;
         return *widget;
     }
-    RunState& state() { return window_->session().state; }
+    OperatorRequests& requests() { return window_->session().requests; }
     QtCortivoDoc& document() { return *window_->session().functionalDocument; }
 
-    /// A document with contrasts, as a prepared run has it.
-    void prepare(int nrOfContrasts) {
-        window_->runStarting();
-        window_->documentsLeaving();
-        window_->session().functionalDocument =
-            std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
-        window_->documentsArrived();
+    /// A document with contrasts, as a prepared run has it; the session stays in that phase.
+    void prepare(int nrOfContrasts, Phase phase = Phase::Idle) {
+        RunSession& session = window_->session();
+        window_->workStarting();
+        session.listeners.documentsLeaving();
+        session.functionalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
+        session.listeners.documentsArrived(document());
         ContrastDefinitions& contrasts = document().contrasts;
         contrasts.NrOfContrasts = nrOfContrasts;
         for (int index = 0; index < nrOfContrasts; ++index)
@@ -61,11 +62,26 @@ protected:
         contrasts.ContrastColors.assign(size_t(nrOfContrasts), RgbColor{});
         contrasts.ContrastValues.assign(size_t(nrOfContrasts), {-1, 1});
         contrasts.ContrastWeights.assign(size_t(nrOfContrasts), {1});
-        window_->runPrepared();
+        session.listeners.runPrepared(document());
+        session.phase.enter(phase);
     }
     void runOver() {
-        state().runActive = false;
-        window_->runEnded();
+        window_->session().phase.enter(Phase::Idle);
+        window_->workEnded();
+    }
+    /// The entries of a menu that can be chosen now; those with a mark that is set have a "*".
+    QStringList enabledEntries(const char* title) {
+        for (QMenu* menu : control<QMenuBar>("MenuBar").findChildren<QMenu*>()) {
+            if (menu->title() != title)
+                continue;
+            Q_EMIT menu->aboutToShow();
+            QStringList texts;
+            for (const QAction* action : menu->actions())
+                if (action->isEnabled() && !action->isSeparator())
+                    texts << action->text() + (action->isChecked() ? "*" : "");
+            return texts;
+        }
+        return {};
     }
     void click(int row, int column) {
         auto& list = control<ContrastList>("ContrastList");
@@ -82,25 +98,25 @@ protected:
 
 TEST_F(MainWindow, EscapeSetsTheInterruptFlagUntilAKeyIsReleased) {
     QTest::keyPress(window_.get(), Qt::Key_Escape);
-    EXPECT_TRUE(state().interruptFlag);
+    EXPECT_TRUE(requests().interruptFlag);
     QKeyEvent repeated(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier, {}, true);
     QCoreApplication::sendEvent(window_.get(), &repeated);
-    EXPECT_TRUE(state().interruptFlag) << "a held key repeats itself";
+    EXPECT_TRUE(requests().interruptFlag) << "a held key repeats itself";
     QTest::keyRelease(&control("ContrastList"), Qt::Key_A);
-    EXPECT_FALSE(state().interruptFlag);
+    EXPECT_FALSE(requests().interruptFlag);
 }
 
 TEST_F(MainWindow, KeysNeedADocumentAndCountOnce) {
     QTest::keyClick(window_.get(), Qt::Key_Up, Qt::ShiftModifier);
     QTest::keyClick(window_.get(), Qt::Key_Up, Qt::ControlModifier);
-    EXPECT_EQ(state().startOffsetSeconds, 0);
+    EXPECT_EQ(requests().startOffsetSeconds, 0);
 
     prepare(0);
     QTest::keyClick(&control("ContrastList"), Qt::Key_Up, Qt::ShiftModifier);
-    EXPECT_EQ(state().startOffsetSeconds, 1);
+    EXPECT_EQ(requests().startOffsetSeconds, 1);
     QTest::keyClick(window_->windowHandle(), Qt::Key_Down, Qt::ShiftModifier);
     QTest::keyClick(window_->windowHandle(), Qt::Key_Down, Qt::ShiftModifier);
-    EXPECT_EQ(state().startOffsetSeconds, -1);
+    EXPECT_EQ(requests().startOffsetSeconds, -1);
     QTest::keyClick(window_.get(), Qt::Key_Up, Qt::ControlModifier);
     EXPECT_DOUBLE_EQ(control<QDoubleSpinBox>("ThresholdSpBx").value(), 3.2);
 }
@@ -116,7 +132,7 @@ TEST_F(MainWindow, AVolumeLeavesANumberThatIsTypedItsFocus) {
 }
 
 TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
-    prepare(1);
+    prepare(1, Phase::Recording);
     // Each of these has an event loop of its own unless it is told otherwise.
     click(0, ContrastList::Color);
     window_->slotShowAboutDlg();
@@ -126,15 +142,13 @@ TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
     QContextMenuEvent menu(QContextMenuEvent::Mouse, {3, 3}, box->mapToGlobal(QPoint(3, 3)));
     QCoreApplication::sendEvent(box->findChild<QLineEdit*>(), &menu);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-    window_->runStarting();
-    window_->documentsLeaving();
+    window_->session().listeners.documentsLeaving();
     EXPECT_EQ(window_->findChild<QColorDialog*>(), nullptr) << "its contrast has gone";
     runOver();
 }
 
 TEST_F(MainWindow, ContrastColumnsToggleSignsOfAtMostFour) {
-    prepare(5);
-    state().runActive = true;
+    prepare(5, Phase::Recording);
     const std::vector<int>& states = document().contrasts.ContrastSelectionStates;
     auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
     click(0, ContrastList::Positive);
@@ -173,45 +187,63 @@ TEST_F(MainWindow, PanelsFitBothSizes) {
     }
 }
 
-TEST_F(MainWindow, RemembersWhatTheOperatorChanged) {
-    const QString path = folders_.applicationDataPath + "MasterVCO";
-    const auto content = [&path] {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
-    const QByteArray commented = content() + "\n; by hand";
-    ASSERT_TRUE(writeFileAtomically(path, commented));
-    window_->close();
-    EXPECT_EQ(content(), commented) << "nothing was changed";
-
-    window_->show();
-    window_->setSettingsFile(home_.path() + "/run-7.vco");
-    window_->slotSwitchWindowSize();
-    window_->close();
-    EXPECT_TRUE(content().contains("\"run-7.vco\""));
-    EXPECT_TRUE(content().contains("WindowSize:                1"));
-    EXPECT_TRUE(content().contains("HorizontalWindowPosition:  Centered"));
+TEST_F(MainWindow, ShowsWhatTheLookAtTheSettingsFileFinds) {
+    window_->timerCheckState();
+    EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("VCO_FacesHouses-1.vco"));
+    EXPECT_EQ(window_->windowTitle(), "VCO - VCO_FacesHouses-1.vco");
+    const std::pair<const char*, bool InputControls::*> buttons[] = {
+        {"ToBeginBtn", &InputControls::previousExists},
+        {"ToEndBtn", &InputControls::nextExists},
+        {"ReloadDataBtn", &InputControls::reloadPossible},
+        {"AutoAdvanceRunBtn", &InputControls::preLoadPossible},
+        {"AutoStartRunBtn", &InputControls::preLoadPossible}};
+    for (const auto& [name, member] : buttons) {
+        InputControls controls{false, false, false, false, false, false};
+        window_->showInputControls(controls);
+        EXPECT_FALSE(control(name).isEnabled()) << name;
+        controls.*member = true;
+        window_->showInputControls(controls);
+        EXPECT_TRUE(control(name).isEnabled()) << name;
+    }
+    window_->showInputControls({.autoAdvanceRun = true});
+    EXPECT_TRUE(control<QPushButton>("AutoAdvanceRunBtn").isChecked());
+    EXPECT_FALSE(control<QPushButton>("AutoStartRunBtn").isChecked());
 }
 
-TEST_F(MainWindow, FirstStartOffersTheSampleAndAMissingFolderAWayOut) {
-    const auto& panel = control<QTextBrowser>("LogInfos");
-    window_->timerCheckState();
-    EXPECT_TRUE(panel.toPlainText().contains("VCO_FacesHouses-1.vco"));
-    EXPECT_FALSE(control("ToBeginBtn").isEnabled() || control("EPISlicesBtn").isEnabled());
-    ASSERT_TRUE(QDir(folders_.dataPath).removeRecursively());
-    messages_.expectQuestion("WARNING: The VCO file directory *", false);
-    window_->timerCheckState();
-    window_->timerCheckState();
-    EXPECT_TRUE(panel.toPlainText().contains("not available"));
+TEST_F(MainWindow, MenusFollowThePhase) {
+    const auto all = [this] {
+        return QStringList{enabledEntries("&File").join(", "), enabledEntries("&Analysis").join(", "),
+                           enabledEntries("&View").join(", ")};
+    };
+    const QString overlay = "Overlay On First Func Volume*, Overlay On Current Func Volume, ";
+    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Close, Exit", "",
+                                  overlay + "Switch Window Size"}));
+    prepare(1, Phase::Recording);
+    EXPECT_EQ(all(), (QStringList{"Save View As BMP..., Close, Exit",
+                                  "Colors Code Significance, Colors Code Contrasts*",
+                                  "Multi-Slice View, " + overlay + "Switch Window Size"}));
+    document().project.volumes.resize(3);
+    window_->session().report.currentVolume = 2;
+    window_->slotSwitchToSignificanceColorCoding();
+    requests().pendingOverlayInplane = 0;
+    window_->slotShowOnCurrentEPIs();
+    runOver();
+    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Save View As BMP..., Close, Exit",
+                                  "Colors Code Significance*, Colors Code Contrasts, "
+                                  "Post-Processing...",
+                                  "Multi-Slice View, Overlay On First Func Volume, Overlay On "
+                                  "Current Func Volume*, Overlay On Inplanes, Switch Window "
+                                  "Size"}));
+    window_->slotShowOnInplanes();
+    EXPECT_TRUE(enabledEntries("&View").contains("Overlay On Inplanes*"));
 }
 
 TEST_F(MainWindow, ClosingDuringARunStopsItAndKeepsTheWindow) {
-    prepare(0);
-    state().runActive = true;
+    prepare(0, Phase::Recording);
     EXPECT_FALSE(window_->close());
-    EXPECT_TRUE(state().interruptFlag);
+    EXPECT_TRUE(requests().interruptFlag);
     QTest::keyRelease(window_.get(), Qt::Key_F4);
-    EXPECT_TRUE(state().interruptFlag) << "the keys that asked for the end don't take it back";
+    EXPECT_TRUE(requests().interruptFlag) << "the keys that asked for the end don't take it back";
     EXPECT_TRUE(window_->isVisible());
     runOver();
     QCoreApplication::processEvents();
@@ -231,7 +263,7 @@ TEST_F(MainWindow, SavingBoxStaysWhateverIsPressed) {
 TEST_F(MainWindow, PostProcessingRunsAfterOkAndCanBeCancelled) {
     window_->slotPostProcessData();
     EXPECT_EQ(window_->findChild<PostprocessingDlg*>(), nullptr) << "there is no run";
-    prepare(0);
+    prepare(0, Phase::Recording);
     FMRProject& project = document().project;
     project.projectPath = home_.path() + "/run.fmr";
     project.targetFolder = home_.path() + "/";
@@ -239,7 +271,7 @@ TEST_F(MainWindow, PostProcessingRunsAfterOkAndCanBeCancelled) {
     project.NrOfSlices = 2;
     project.NrOfVolumes = 20;
     ASSERT_TRUE(project.allocateVolumes());
-    state().currentVolume = 19;
+    window_->session().report.currentVolume = 19;
     window_->slotPostProcessData();
     EXPECT_EQ(window_->findChild<PostprocessingDlg*>(), nullptr) << "a run goes on";
     runOver();

@@ -1,5 +1,6 @@
-// The key commands, which work in all windows of the program.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/window/key_commands.h"
+
 #include "run/window/velo_cortivo.h"
 
 #include <QApplication>
@@ -7,28 +8,33 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 
-bool VeloCortivo::eventFilter(QObject* watched, QEvent* event) {
+KeyCommands::InputFlags KeyCommands::flagsOf(Qt::KeyboardModifiers modifiers,
+                                             Qt::MouseButtons buttons) {
+    return {modifiers.testFlag(Qt::ControlModifier), modifiers.testFlag(Qt::ShiftModifier),
+            modifiers.testFlag(Qt::AltModifier), buttons};
+}
+
+bool KeyCommands::filter(QObject* watched, QEvent* event) {
     // An event reaches the native window first and then the widget: it counts at the widget.
     if (!watched->isWidgetType())
         return false;
     switch (event->type()) {
     case QEvent::KeyPress: {
         const auto* key = static_cast<QKeyEvent*>(event);
-        return handleKey(key->key(), key->modifiers());
+        inputFlags_ = flagsOf(key->modifiers(), inputFlags_.mouseButtons);
+        return handleKey(key->key());
     }
     case QEvent::KeyRelease:
         inputFlags_ = {};
         // A held key repeats itself as releases and presses. Only the finger's release counts; and
         // not that of the keys that asked for the end of the program.
-        if (!static_cast<QKeyEvent*>(event)->isAutoRepeat() && !endAfterRun_)
-            session_.state.interruptFlag = false;
+        if (!static_cast<QKeyEvent*>(event)->isAutoRepeat() && !window_.endsAfterRun())
+            window_.session().requests.interruptFlag = false;
         return false;
     case QEvent::MouseButtonPress: {
         const auto* mouse = static_cast<QMouseEvent*>(event);
         controlKeepsFocus_ = qobject_cast<QLineEdit*>(watched) != nullptr;
-        inputFlags_ = {mouse->modifiers().testFlag(Qt::ControlModifier),
-                       mouse->modifiers().testFlag(Qt::ShiftModifier),
-                       mouse->modifiers().testFlag(Qt::AltModifier), mouse->buttons()};
+        inputFlags_ = flagsOf(mouse->modifiers(), mouse->buttons());
         return false;
     }
     case QEvent::MouseButtonRelease:
@@ -36,18 +42,16 @@ bool VeloCortivo::eventFilter(QObject* watched, QEvent* event) {
         return false;
     case QEvent::ContextMenu:
         // These menus have an event loop of their own, in which a run would stand still.
-        return runInProgress_;
+        return !window_.session().phase.isIdle();
     default:
         return false;
     }
 }
 
-bool VeloCortivo::handleKey(int key, Qt::KeyboardModifiers modifiers) {
-    inputFlags_.control = modifiers.testFlag(Qt::ControlModifier);
-    inputFlags_.shift = modifiers.testFlag(Qt::ShiftModifier);
-    inputFlags_.alt = modifiers.testFlag(Qt::AltModifier);
+bool KeyCommands::handleKey(int key) {
+    RunSession& session = window_.session();
     if (key == Qt::Key_Escape) {
-        session_.state.interruptFlag = true;
+        session.requests.interruptFlag = true;
         return false; // it still closes a dialog
     }
     if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
@@ -56,29 +60,18 @@ bool VeloCortivo::handleKey(int key, Qt::KeyboardModifiers modifiers) {
     if (QApplication::activeModalWidget())
         return false;
     const bool vertical = key == Qt::Key_Up || key == Qt::Key_Down;
-    if (vertical && inputFlags_.shift && documentShown()) {
-        session_.state.startOffsetSeconds += key == Qt::Key_Up ? 1 : -1;
+    if (vertical && inputFlags_.shift && window_.documentShown()) {
+        session.shiftStartOffset(key == Qt::Key_Up);
         return true;
     }
-    if (vertical && inputFlags_.control && documentShown()) {
-        session_.stepThreshold(key == Qt::Key_Up);
-        refreshControls();
+    if (vertical && inputFlags_.control && window_.documentShown()) {
+        session.stepThreshold(key == Qt::Key_Up);
+        window_.refreshControls();
         return true;
     }
     if (key == Qt::Key_R && inputFlags_.control) {
-        nextRoiDisplayStyle();
+        window_.nextROIDisplayStyle();
         return true;
     }
     return false;
-}
-
-void VeloCortivo::nextRoiDisplayStyle() {
-    switch (RoiDisplayStyle((int(roiDisplayStyle_) + 1) % 3)) {
-    case RoiDisplayStyle::Rectangles:
-        return onShowROIsAsRectangles();
-    case RoiDisplayStyle::RectanglesAndMarkedVoxels:
-        return onShowROIsAsRectanglesAndMarkedVoxels();
-    case RoiDisplayStyle::MarkedVoxels:
-        return onShowROIsAsMarkedVoxels();
-    }
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/sample_session.h"
+#include "run/session/sample_session.h"
 
 #include "base/file_writing.h"
 

@@ -1,0 +1,35 @@
+// What the operator asks for, taken up by the session and the loop.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+/// Written by controls and keys at any time, also while the loop processes events.
+struct OperatorRequests {
+    /// Stops the loop after the volume that is being read. Set by a second press of the run button
+    /// and by Escape; cleared by the release of any key and by the loop that it stopped.
+    bool interruptFlag = false;
+    bool forceTRDelay = false;  ///< a replay is held to the TR
+    int startOffsetSeconds = 0; ///< shift of the forced delay
+
+    int overlayVolumeMode = 0; ///< 0: the slices stay those of the first volume
+    bool overlayAfterPreprocessing = true;
+    bool overlayReset = false;      ///< one-shot request for the first volume's slices
+    int pendingOverlayInplane = -1; ///< -1: there are none; 1: shown
+    int pendingOverlayVMR = -1;
+    int pendingOverlaySRF = -1;
+
+    bool saveRTPs = false;
+    bool saveROITimeCourses = false;
+    bool saveROIBetaTimeCourses = false;
+    bool bestVoxelSelection = false;
+    QString preLoadROIFile;
+    bool preLoadVOI = false;
+    int logFontSize = 9; ///< points, of the panel
+
+    /// A second press of the run button: a forced delay ends too.
+    void stopRun() {
+        interruptFlag = true;
+        forceTRDelay = false;
+    }
+};

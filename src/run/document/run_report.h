@@ -1,0 +1,48 @@
+// What run control reports of a run: how far it is, how long it takes, how it ended.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "volume/fmr_project.h"
+
+#include <QString>
+#include <algorithm>
+
+/// Durations of one cycle, in milliseconds.
+struct CycleTimes {
+    qint64 readVolTime = 0;   ///< reading, with the wait for the files
+    qint64 feedbackTime = -1; ///< the display of the subject; -1 until one has been drawn
+    qint64 fullVolTime = 0;   ///< since the end of the previous cycle
+    qint64 volWaitTime = 0;   ///< left at the start of the forced delay; 0 without one
+};
+
+/// Written by the session and the loop, read by everybody.
+struct RunReport {
+    int currentVolume = -1;       ///< index of the last volume that counts; -1 before a run
+    int interruptedAtVolume = -1; ///< where the operator stopped the run
+    qint64 elapsedRunTime = 0;    ///< milliseconds, set after every volume
+    CycleTimes times;
+    bool motionCorrectionFailed = false;
+    bool mapsPresent = false;    ///< there are maps to show
+    bool runFinished = false;    ///< the current settings file has been analysed
+    bool savedCompletely = true; ///< the run in memory is on disk, whole
+    /// The latest start failed: only the run button and a newly chosen settings file work.
+    bool startFailed = false;
+    /// How the latest run or reload ended, as the panel shows it until something newer happens.
+    QString outcomeText;
+
+    /// A new run, or none: nothing has been measured.
+    void forgetVolumes() {
+        interruptedAtVolume = -1;
+        currentVolume = -1;
+        elapsedRunTime = 0;
+        mapsPresent = false;
+        times = {};
+        outcomeText.clear();
+    }
+};
+
+/// Volumes of the run in memory that were measured and count: those that its model has seen and
+/// that its files hold. Fewer than planned when the run ended early.
+[[nodiscard]] inline int recordedVolumes(const RunReport& report, const FMRProject& project) {
+    return std::clamp(report.currentVolume + 1, 0, int(project.volumes.size()));
+}

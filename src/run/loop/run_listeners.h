@@ -1,0 +1,129 @@
+// Who takes part in a run beside the loop itself: regions, plots, feedback, plug-ins, dialogs.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <vector>
+
+class QtCortivoDoc;
+class RunListeners;
+
+/// Who comes first where several listen to the same thing. This is the one list of them: nothing
+/// else in run control knows who they are.
+enum class ListenerPlace {
+    Views,
+    Regions,
+    Plots,
+    Logs,
+    Classification,
+    Feedback,
+    Decoder,
+    PlugIn,
+    Dialogs
+};
+
+/// Steps of a volume in the order in which it passes them. Those up to the letter decoder rest on
+/// the model of the volume before.
+enum class VolumeStep {
+    LoadRegions,
+    RegionTimeCourses,
+    Plots,
+    Logs,
+    Classification,
+    LetterDecoder,
+    AfterModel,
+    SelectVoxels
+};
+
+/// What a hook works on, valid during the call.
+struct VolumeAtHand {
+    QtCortivoDoc& document;
+    int volume; ///< index, from 0
+};
+
+/// Overrides the hooks that it needs. It leaves its list when it is destroyed, which may happen in
+/// any hook, its own included.
+class RunListener {
+public:
+    RunListener() = default;
+    virtual ~RunListener();
+    RunListener(const RunListener&) = delete;
+    RunListener& operator=(const RunListener&) = delete;
+
+    /// The documents are about to be replaced: let go of them.
+    virtual void documentsLeaving() {}
+    /// New documents exist, still empty.
+    virtual void documentsArrived(QtCortivoDoc& functional) { static_cast<void>(functional); }
+    /// The run is prepared, or has been reloaded: its sizes, names and contrasts are known.
+    virtual void runPrepared(QtCortivoDoc& functional) { static_cast<void>(functional); }
+    /// The operator turned to another settings file: what belongs to the run in memory closes.
+    virtual void settingsFileChanged() {}
+
+    /// The samples of the volume are in memory, as they were measured. False ends the run, after
+    /// the listener has said why; so it does for the steps.
+    [[nodiscard]] virtual bool beforeVolume(const VolumeAtHand& hand) {
+        static_cast<void>(hand);
+        return true;
+    }
+    [[nodiscard]] virtual bool atStep(VolumeStep step, const VolumeAtHand& hand) {
+        static_cast<void>(step), static_cast<void>(hand);
+        return true;
+    }
+    /// Computes and draws what the subject sees, between classification and letter decoder. True
+    /// when something was drawn: the time is then reported as feedbackTime.
+    virtual bool drawSubjectDisplay(const VolumeAtHand& hand) {
+        static_cast<void>(hand);
+        return false;
+    }
+    /// Maps and views are up to date.
+    virtual void endOfVolume(const VolumeAtHand& hand) { static_cast<void>(hand); }
+    /// The last volume is done, whichever way the loop ended; nothing is saved yet.
+    virtual void loopEnded(QtCortivoDoc& document) { static_cast<void>(document); }
+
+private:
+    friend class RunListeners;
+    RunListeners* list_ = nullptr;
+};
+
+/// Calls its listeners in the order of their places, and of their arrival within a place. A hook
+/// may add and remove listeners: one that joins is called from the next hook on, one that leaves is
+/// not called any more.
+class RunListeners {
+public:
+    RunListeners() = default;
+    ~RunListeners();
+    RunListeners(const RunListeners&) = delete;
+    RunListeners& operator=(const RunListeners&) = delete;
+
+    /// The listener, which is not owned, takes its place; one that had another leaves that.
+    void add(RunListener& listener, ListenerPlace place);
+    void remove(RunListener& listener);
+
+    void documentsLeaving();
+    void documentsArrived(QtCortivoDoc& functional);
+    void runPrepared(QtCortivoDoc& functional);
+    void settingsFileChanged();
+    /// These two stop at the first listener that ends the run, and give false then.
+    [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand);
+    [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand);
+    /// True when anything was drawn.
+    [[nodiscard]] bool drawSubjectDisplay(const VolumeAtHand& hand);
+    void endOfVolume(const VolumeAtHand& hand);
+    void loopEnded(QtCortivoDoc& document);
+
+private:
+    struct Entry {
+        RunListener* listener; ///< null once it has left during a call
+        ListenerPlace place;
+    };
+    using Call = std::function<bool(RunListener&)>;
+
+    /// Calls each of them until one gives false.
+    bool callEach(const Call& call);
+    void insert(const Entry& entry);
+    void settle();
+
+    std::vector<Entry> entries_;
+    std::vector<Entry> joining_; ///< during a call
+    int callDepth_ = 0;          ///< hooks process events, in which further hooks may be called
+};

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/session/run_session.h"
+
+#include "base/messages.h"
+#include "base/paths.h"
+#include "base/text_reading.h"
+#include "run/loop/run_postprocessing.h"
+#include "run/loop/run_preparation.h"
+#include "run/loop/run_reload.h"
+#include "run/loop/status_text.h"
+#include "run/loop/volume_loop.h"
+#include "run/settings/settings_file.h"
+#include "stats/numerics/matrix_products.h"
+
+RunSession::RunSession(EventPump& pump, RunDisplay& display)
+    : makeReader(makeVolumeReader), pump_(pump), display_(display) {
+    numerics::initialiseNumerics();
+}
+
+RunSession::~RunSession() = default;
+
+RunParts RunSession::parts() {
+    return {settings, phase,     report,   requests, intake, *functionalDocument,
+            listeners, display_, pump_};
+}
+
+bool RunSession::inPhase(Phase first, const std::function<bool()>& work) {
+    bool done = false;
+    {
+        const PhaseScope scope(phase, first);
+        display_.workStarting();
+        done = work();
+    }
+    takeUpChanges();
+    display_.workEnded();
+    return done;
+}
+
+void RunSession::runButtonPressed() {
+    if (licencePermits && !licencePermits())
+        return;
+    if (phase.canBeStopped())
+        return requests.stopRun();
+    if (phase.isIdle() && runButton_ != RunButtonState::NoSettingsFile)
+        report.startFailed = !inPhase(Phase::Preparing, [this] { return startRun(); });
+}
+
+void RunSession::requestStop() {
+    if (phase.canBeStopped())
+        requests.stopRun();
+}
+
+bool RunSession::inspectSettings() {
+    return readSettingsFile(settings, SettingsUse::Inspection, stopTimer);
+}
+
+void RunSession::changeSettingsFile(const QString& path) {
+    listeners.settingsFileChanged();
+    report.forgetVolumes();
+    report.runFinished = false;
+    report.startFailed = false;
+    settings.settingsFilePath = path;
+    settings.Title.clear();
+    settings.MergeType = false;
+}
+
+// False when the run did not start.
+bool RunSession::startRun() {
+    // The settings file gives forceTRDelay its real value a little later, if it is new enough.
+    requests.forceTRDelay = true;
+    setRunButton(RunButtonState::Running);
+    report.forgetVolumes();
+    replaceDocuments();
+    display_.showLogText(
+        processingText(requests.logFontSize, paths::fileName(settings.settingsFilePath)));
+    pump_.processEvents();
+    report.startFailed = !recordRun();
+    if (report.startFailed)
+        return false;
+    if (report.motionCorrectionFailed) {
+        showInformation(
+            "INFO: This data set did not allow to perform 3D motion correction properly.");
+        report.motionCorrectionFailed = false;
+    }
+    report.runFinished = true;
+    setRunButton(RunButtonState::NoSettingsFile);
+    return true;
+}
+
+bool RunSession::recordRun() {
+    const RunParts run = parts();
+    const std::unique_ptr<VolumeReader> reader = prepareRun(run, makeReader, stopTimer);
+    if (!reader)
+        return false;
+    QString colors;
+    if (!settings.ROIColorsFile.isEmpty() && readTextFile(settings.ROIColorsFile, colors))
+        takeRegionColors(colors, regionColors);
+    listeners.runPrepared(*functionalDocument);
+    display_.updateViews();
+    pump_.processEvents();
+    return runVolumeLoop(run, *reader) != LoopEnd::NotStarted;
+}
+
+bool RunSession::reloadData() {
+    if (!phase.isIdle() || settings.settingsFilePath.isEmpty())
+        return false;
+    return inPhase(Phase::Reloading, [this] {
+        report.forgetVolumes();
+        replaceDocuments();
+        report.startFailed = !loadRun();
+        return !report.startFailed;
+    });
+}
+
+bool RunSession::loadRun() {
+    if (!reloadRun(parts(), stopTimer))
+        return false;
+    report.runFinished = true;
+    report.savedCompletely = true;
+    setRunButton(RunButtonState::NoSettingsFile);
+    listeners.runPrepared(*functionalDocument);
+    report.outcomeText = reloadedText(paths::fileName(settings.settingsFilePath),
+                                      paths::fileName(functionalDocument->project.projectPath));
+    display_.showLogText(report.outcomeText);
+    return true;
+}
+
+int RunSession::volumesForPostprocessing() const {
+    return phase.isIdle() && functionalDocument ? recordedVolumes(report, functionalDocument->project)
+                                                   : 0;
+}
+
+bool RunSession::postprocess(const PostprocessingOptions& options, bool recomputeStatistics,
+                             ProgressReporter& progress) {
+    const int volumes = volumesForPostprocessing();
+    return volumes > 0 && inPhase(Phase::PostProcessing, [&] {
+               return postprocessRunInMemory(parts(), volumes, options, recomputeStatistics,
+                                             progress);
+           });
+}
+
+void RunSession::replaceDocuments() {
+    listeners.documentsLeaving();
+    functionalDocument.reset();
+    anatomicalDocument.reset();
+    display_.refreshViewButtons();
+    pump_.processEvents();
+    functionalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
+    anatomicalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Anatomical);
+    listeners.documentsArrived(*functionalDocument);
+}
+
+void RunSession::setRunButton(RunButtonState state) {
+    runButton_ = state;
+    display_.setRunButtonState(state);
+}

@@ -1,0 +1,109 @@
+// One operator's session: settings, phase, documents, and every operation that the operator has.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/event_pump.h"
+#include "intake/intake_context.h"
+#include "run/document/operator_requests.h"
+#include "run/document/qt_cortivo_doc.h"
+#include "run/document/region_colors.h"
+#include "run/document/run_report.h"
+#include "run/document/session_phase.h"
+#include "run/loop/run_display.h"
+#include "run/loop/run_listeners.h"
+#include "run/settings/run_settings.h"
+#include "volume/postprocessing_options.h"
+
+#include <functional>
+#include <memory>
+
+class VolumeReader;
+struct RunParts;
+
+class RunSession {
+public:
+    RunSession(EventPump& pump, RunDisplay& display);
+    ~RunSession();
+
+    /// The press of the run button, and auto-start: starts a run and stays until it is saved; while
+    /// a run is prepared or recorded, asks it to stop; in other phases nothing.
+    void runButtonPressed();
+    /// Asks a run that is prepared or recorded to stop after the volume that it waits for.
+    void requestStop();
+
+    /// Restores the finished run of the current settings file from its target folder. False, after
+    /// a message, when its files are missing or damaged; false also unless the session is idle.
+    bool reloadData();
+
+    /// Carries the options out on the run in memory, writes the result under its own names and, if
+    /// asked, fits the model to the changed data. Stays until that is done; whoever shows the
+    /// progress processes events in it. False when nothing was done or not all of it: without a
+    /// run, unless the session is idle, cancelled, or after a message. When it is cancelled, the
+    /// samples are as they were, or, once they are saved, the statistics.
+    bool postprocess(const PostprocessingOptions& options, bool recomputeStatistics,
+                     ProgressReporter& progress);
+    /// Volumes of the run in memory that post-processing would work on; 0 without a run, and unless
+    /// the session is idle.
+    [[nodiscard]] int volumesForPostprocessing() const;
+
+    /// Another settings file is current: the run in memory is shown no longer, and listeners close
+    /// what belongs to it. For idle sessions only.
+    void changeSettingsFile(const QString& path);
+    /// Reads the current settings file for display. False after its message.
+    [[nodiscard]] bool inspectSettings();
+
+    /// Operations on the controls. Without a document they do nothing. Maps are computed at once in
+    /// an idle session; during a run the next volume takes the change up, in other phases the end
+    /// of the phase.
+    void changeThreshold(float threshold);
+    void changeColorMaxThreshold(float threshold);
+    void changeClusterSize(int pixels);
+    void stepThreshold(bool up);    ///< Ctrl+Up, Ctrl+Down
+    void shiftStartOffset(bool up); ///< Shift+Up, Shift+Down
+    /// After a change of selection or colours.
+    void contrastsChanged();
+    /// False, with the conjunction off, when it is wanted of fewer than two selected contrasts.
+    bool changeConjunction(bool wanted);
+    void changeColorCoding(bool significance);
+    void showOnFirstVolume();
+    void showOnCurrentVolume();
+    void showOnInplanes();
+
+    /// Threshold and volume text of the panel between runs; empty without a document.
+    [[nodiscard]] QString panelText();
+    void setRunButton(RunButtonState state);
+    /// As it is shown; NoSettingsFile refuses a start.
+    [[nodiscard]] RunButtonState runButton() const { return runButton_; }
+
+    RunSettings settings;
+    SessionPhase phase;
+    RunReport report;
+    OperatorRequests requests;
+    IntakeState intake;
+    RunListeners listeners;
+    RegionColorTable regionColors = builtInRegionColors();
+    std::function<void()> stopTimer; ///< stops the periodic look at the settings file
+    /// The check of the licence at each start; the program is free, so it permits.
+    std::function<bool()> licencePermits;
+    /// Makes the reader of a run; a test puts a scripted source here.
+    std::function<std::unique_ptr<VolumeReader>(const IntakeContext&)> makeReader;
+
+    std::unique_ptr<QtCortivoDoc> functionalDocument;
+    std::unique_ptr<QtCortivoDoc> anatomicalDocument;
+
+private:
+    /// Does the work in its phase, with the display told of its start and its end.
+    bool inPhase(Phase first, const std::function<bool()>& work);
+    [[nodiscard]] RunParts parts();
+    [[nodiscard]] bool startRun();
+    [[nodiscard]] bool recordRun();
+    [[nodiscard]] bool loadRun();
+    void replaceDocuments();
+    void takeUpChanges();
+    void mapsChanged();
+
+    EventPump& pump_;
+    RunDisplay& display_;
+    RunButtonState runButton_ = RunButtonState::Ready;
+    bool clustersOutdated_ = false; ///< by a change outside the idle phase and the loop
+};

@@ -1,0 +1,129 @@
+// Operations on the controls of maps and background: when what they change is computed.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/status_text.h"
+#include "run/session/run_session.h"
+#include "stats/clusters.h"
+#include "stats/thresholds.h"
+
+// During a run the loop finds the clusters of each volume anew; in the other phases, which process
+// events, the document belongs to the work that goes on.
+void RunSession::mapsChanged() {
+    if (phase.isIdle())
+        computeClusterSizes(functionalDocument->maps,
+                            functionalDocument->contrasts.ConjunctionAnalysis);
+    else
+        clustersOutdated_ = !phase.runActive();
+    report.mapsPresent = true;
+    display_.updateViews();
+}
+
+void RunSession::takeUpChanges() {
+    const bool outdated = clustersOutdated_;
+    clustersOutdated_ = false;
+    if (!functionalDocument)
+        return;
+    if (functionalDocument->contrasts.ContrastsChanged)
+        contrastsChanged();
+    else if (outdated)
+        mapsChanged();
+}
+
+void RunSession::changeThreshold(float threshold) {
+    if (!functionalDocument)
+        return;
+    ::changeThreshold(functionalDocument->maps, threshold);
+    mapsChanged();
+}
+
+// Cluster sizes don't depend on it.
+void RunSession::changeColorMaxThreshold(float threshold) {
+    if (!functionalDocument)
+        return;
+    ::changeColorMaxThreshold(functionalDocument->maps, threshold);
+    display_.updateViews();
+}
+
+void RunSession::changeClusterSize(int pixels) {
+    if (!functionalDocument)
+        return;
+    ::changeClusterSize(functionalDocument->maps, pixels);
+    mapsChanged();
+}
+
+void RunSession::stepThreshold(bool up) {
+    if (!functionalDocument)
+        return;
+    ::stepThreshold(functionalDocument->maps, up);
+    mapsChanged();
+}
+
+void RunSession::shiftStartOffset(bool up) {
+    if (functionalDocument)
+        requests.startOffsetSeconds += up ? 1 : -1;
+}
+
+void RunSession::contrastsChanged() {
+    if (!functionalDocument)
+        return;
+    QtCortivoDoc& document = *functionalDocument;
+    document.contrasts.ContrastsChanged = !phase.isIdle();
+    // A run that ended before its first solution has no model and no maps.
+    if (!phase.isIdle() || !computeContrastMaps(document.finishedModel, document.mask,
+                                                document.contrasts, document.maps))
+        return;
+    document.updateOverlayColors();
+    mapsChanged();
+}
+
+bool RunSession::changeConjunction(bool wanted) {
+    if (!functionalDocument || !setConjunction(functionalDocument->contrasts, wanted))
+        return false;
+    contrastsChanged();
+    return true;
+}
+
+void RunSession::changeColorCoding(bool significance) {
+    if (!functionalDocument)
+        return;
+    functionalDocument->SignificanceColorCoding = significance;
+    functionalDocument->updateOverlayColors();
+    display_.updateViews();
+}
+
+void RunSession::showOnFirstVolume() {
+    if (requests.overlayVolumeMode == 1)
+        requests.overlayReset = true;
+    requests.overlayVolumeMode = 0;
+    // During a run the loop takes the request up at its next volume.
+    if (!phase.runActive() && requests.overlayReset && functionalDocument) {
+        const FMRProject& project = functionalDocument->project;
+        functionalDocument->slices.updateSlicePixmaps(project.firstVolume.span(),
+                                                      project.NrOfSlices);
+        requests.overlayReset = false;
+    }
+    if (requests.pendingOverlayInplane != -1)
+        requests.pendingOverlayInplane = 0;
+    display_.updateViews();
+}
+
+void RunSession::showOnCurrentVolume() {
+    requests.overlayVolumeMode = 1;
+    if (requests.pendingOverlayInplane != -1)
+        requests.pendingOverlayInplane = 0;
+    display_.updateViews();
+}
+
+void RunSession::showOnInplanes() {
+    if (requests.pendingOverlayInplane == -1)
+        return;
+    requests.overlayVolumeMode = 0;
+    requests.pendingOverlayInplane = 1;
+    display_.updateViews();
+}
+
+QString RunSession::panelText() {
+    if (!functionalDocument)
+        return {};
+    report.outcomeText.clear();
+    return betweenRunsText(report, functionalDocument->maps);
+}

@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/session/settings_file_watch.h"
+
+#include "base/messages.h"
+#include "base/paths.h"
+#include "run/loop/status_text.h"
+#include "run/session/sample_session.h"
+#include "run/session/settings_file_names.h"
+
+#include <QFileInfo>
+
+namespace {
+
+constexpr int checkStateInterval = 1000; // milliseconds
+
+bool isFile(const QString& path) {
+    return QFileInfo(path).isFile();
+}
+
+} // namespace
+
+SettingsFileWatch::SettingsFileWatch(const StandardFolders& folders, RunSession& session,
+                                     EventPump& pump, RunDisplay& display,
+                                     SettingsFileDisplay& controls)
+    : folders_(folders), session_(session), pump_(pump), display_(display),
+      controlsDisplay_(controls) {
+    session_.stopTimer = [this] { stop(); };
+    timer_.setInterval(checkStateInterval);
+    QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { look(); });
+}
+
+bool SettingsFileWatch::readMasterFile() {
+    const MasterFileResult result =
+        ::readMasterFile(folders_.applicationDataPath, folders_.dataPath, master_);
+    remembered_ = master_;
+    writtenText_ = masterFileText(remembered_);
+    if (result == MasterFileResult::Created)
+        laySampleSession(master_.settingsDirectory);
+    session_.changeSettingsFile(currentFile());
+    highestRunNumber_ = -1;
+    showControls();
+    if (result == MasterFileResult::Missing)
+        look(true);
+    return result != MasterFileResult::Failed;
+}
+
+bool SettingsFileWatch::writeMasterFile() {
+    if (!::writeMasterFile(folders_.applicationDataPath, remembered_))
+        return false;
+    writtenText_ = masterFileText(remembered_);
+    return true;
+}
+
+void SettingsFileWatch::writeMasterFileIfChanged() {
+    if (masterFileText(remembered_) != writtenText_)
+        (void)writeMasterFile(); // a failure has been shown, and the session goes on all the same
+}
+
+void SettingsFileWatch::setWindowPosition(QPoint position) {
+    remembered_.windowCentredX = remembered_.windowCentredY = false;
+    remembered_.windowX = position.x();
+    remembered_.windowY = position.y();
+}
+
+void SettingsFileWatch::start() {
+    controls_.previousExists = controls_.nextExists = controls_.reloadPossible = false;
+    showControls();
+    timer_.start();
+}
+
+void SettingsFileWatch::showControls() {
+    controls_.autoAdvanceRun = master_.autoAdvanceRun;
+    controls_.autoStartRun = master_.autoStartRun;
+    controlsDisplay_.showInputControls(controls_);
+}
+
+void SettingsFileWatch::workStarting() {
+    stop();
+    controls_.previousExists = controls_.nextExists = false;
+    controls_.reloadPossible = controls_.preLoadPossible = false;
+    showControls();
+}
+
+void SettingsFileWatch::workEnded() {
+    if (session_.report.startFailed)
+        return;
+    controls_.reloadPossible = controls_.preLoadPossible = true;
+    showControls();
+    timer_.start();
+}
+
+bool SettingsFileWatch::folderExists() const {
+    return !master_.settingsDirectory.isEmpty() && QFileInfo(master_.settingsDirectory).isDir();
+}
+
+QString SettingsFileWatch::currentFile() const {
+    return paths::join(master_.settingsDirectory, master_.settingsFileName);
+}
+
+void SettingsFileWatch::look(bool beforeAppExec) {
+    if (!session_.phase.isIdle() || session_.report.startFailed)
+        return;
+    display_.refreshViewButtons();
+    if (!folderExists())
+        return askForFolder(beforeAppExec);
+    const auto neighbourExists = [this](int step) {
+        const QString name = neighbourName(master_.settingsFileName, step);
+        return !name.isEmpty() && isFile(master_.settingsDirectory + name);
+    };
+    controls_.previousExists = neighbourExists(-1);
+    controls_.nextExists = neighbourExists(+1);
+    controls_.reloadPossible = false;
+    controls_.preLoadPossible = true;
+    lookAtFile();
+}
+
+void SettingsFileWatch::lookAtFile() {
+    const bool isThere = !master_.settingsFileName.isEmpty() && isFile(currentFile());
+    if (isThere)
+        controlsDisplay_.showTitle("VCO - " + master_.settingsFileName);
+    if (!isThere) {
+        session_.setRunButton(RunButtonState::NoSettingsFile);
+        display_.showLogText(
+            waitingText(session_.requests.logFontSize, master_.settingsFileName));
+    } else if (session_.report.runFinished) {
+        showFinishedFile();
+    } else if (master_.autoStartRun || autoStartPending_) {
+        return startRun();
+    } else {
+        offerFile();
+    }
+    showControls();
+    if (master_.autoAdvanceRun)
+        advance();
+}
+
+void SettingsFileWatch::offerFile() {
+    session_.setRunButton(RunButtonState::Ready);
+    display_.showLogText(offerText(session_.requests.logFontSize, master_.settingsFileName));
+    controls_.reloadPossible = session_.inspectSettings() && projectExists();
+}
+
+void SettingsFileWatch::showFinishedFile() {
+    session_.setRunButton(RunButtonState::Finished);
+    // Where the data lie is told until something newer happens.
+    const QString& outcome = session_.report.outcomeText;
+    display_.showLogText(outcome.isEmpty()
+                             ? finishedText(session_.requests.logFontSize,
+                                            master_.settingsFileName, session_.settings.Title,
+                                            session_.report.savedCompletely)
+                             : outcome);
+    controls_.reloadPossible = projectExists();
+}
+
+bool SettingsFileWatch::projectExists() const {
+    const RunSettings& settings = session_.settings;
+    return isFile(paths::withDefaultExtension(
+        paths::join(settings.TargetFolder, settings.ProjectName), "fmr"));
+}
+
+void SettingsFileWatch::startRun() {
+    autoStartPending_ = false;
+    session_.setRunButton(RunButtonState::Ready);
+    display_.showLogText(processingText(session_.requests.logFontSize, master_.settingsFileName));
+    controlsDisplay_.paintNow();
+    pump_.processEvents();
+    // A click among these events may have started the run, and ended it.
+    if (session_.phase.isIdle() && !session_.report.runFinished)
+        session_.runButtonPressed(); // returns after the run
+}
+
+// One number at a time, so that none is skipped when several files have appeared.
+void SettingsFileWatch::advance() {
+    const int found =
+        countRecordings(master_.settingsDirectory, master_.settingsFileName, isFile);
+    if (highestRunNumber_ == -1)
+        highestRunNumber_ = found;
+    if (found <= highestRunNumber_)
+        return;
+    const int next = highestRunNumber_ + 1;
+    if (!setSettingsFile(master_.settingsDirectory +
+                         recordingName(master_.settingsFileName, next)))
+        return;
+    highestRunNumber_ = next;
+    autoStartPending_ = true;
+}
+
+void SettingsFileWatch::askForFolder(bool beforeAppExec) {
+    if (!beforeAppExec)
+        stop();
+    const bool choose = askQuestion(
+        QStringLiteral("WARNING: The VCO file directory \"%1\" specified in the \"MasterVCO\" file "
+                       "does not exist! You should select a VCO file or specify a folder, which "
+                       "will contain VCO files.\n\nDo you want to set the VCO file (or directory) "
+                       "now?\n")
+            .arg(master_.settingsDirectory));
+    if (choose) {
+        setSettingsFile({});
+    } else {
+        master_.settingsDirectory = folders_.homePath;
+        session_.settings.settingsFilePath = currentFile();
+    }
+    if (!beforeAppExec)
+        timer_.start();
+}
+
+bool SettingsFileWatch::setSettingsFile(const QString& name) {
+    QString chosen = name;
+    if (chosen.isEmpty())
+        chosen = chooseFileToOpen("Open File",
+                                  master_.settingsDirectory.isEmpty() ? folders_.dataPath
+                                                                      : master_.settingsDirectory,
+                                  "Velo-Cortivo settings files (*.vco)");
+    // Auto-start may have begun a run while the chooser was open.
+    if (chosen.isEmpty() || !session_.phase.isIdle())
+        return false;
+    chosen = paths::withForwardSlashes(chosen);
+    master_.settingsDirectory = remembered_.settingsDirectory = paths::folderWithSlash(chosen);
+    master_.settingsFileName = remembered_.settingsFileName = paths::fileName(chosen);
+    highestRunNumber_ = -1;
+    autoStartPending_ = false;
+    session_.changeSettingsFile(chosen);
+    // A crash or a power cut later on must not bring an old session back.
+    writeMasterFileIfChanged();
+    controlsDisplay_.paintNow();
+    return true;
+}
+
+void SettingsFileWatch::chooseSettingsFile() {
+    if (session_.phase.isIdle() && setSettingsFile({}))
+        lookOnce();
+}
+
+void SettingsFileWatch::lookOnce() {
+    // After a file that could not be parsed the timer rests until a run has ended; the file that
+    // the operator chose is looked at all the same.
+    if (!isRunning())
+        look();
+}
+
+void SettingsFileWatch::toNeighbour(int step) {
+    if (!session_.phase.isIdle())
+        return;
+    const QString fault = recordingNameFault(master_.settingsFileName);
+    if (!fault.isEmpty())
+        return showInformation(fault);
+    const QString name = neighbourName(master_.settingsFileName, step);
+    const QString path = master_.settingsDirectory + name;
+    if (name.isEmpty() || !isFile(path))
+        return showInformation(
+            QStringLiteral("INFO: The requested settings file \"%1\" is not available !")
+                .arg(name));
+    if (setSettingsFile(path))
+        lookOnce();
+}
+
+void SettingsFileWatch::choosePreLoadedRegions() {
+    // The lit state of the button shows auto-advance; a click does not change it.
+    showControls();
+    const QString file =
+        chooseFileToOpen("Open File", master_.settingsDirectory, "Region files (*.roi)");
+    if (!file.isEmpty())
+        session_.requests.preLoadROIFile = file;
+}
+
+void SettingsFileWatch::choosePreLoadedVolumesOfInterest() {
+    showControls();
+    const QString file = chooseFileToOpen("Open File", master_.settingsDirectory,
+                                          "Volume of interest files (*.voi)");
+    session_.requests.preLoadVOI = session_.requests.preLoadVOI || !file.isEmpty();
+}

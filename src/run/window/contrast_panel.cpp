@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/window/contrast_panel.h"
+
+#include "run/window/contrast_list.h"
+#include "run/window/threshold_spin_box.h"
+#include "run/window/velo_cortivo.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+namespace {
+
+/// One row: the label, and the number field at the right with a fixed width.
+void addNumberRow(QGridLayout* grid, const QString& label, QAbstractSpinBox* box, const char* name,
+                  const QString& toolTip) {
+    constexpr int width = 104;
+    box->setObjectName(name);
+    box->setToolTip(toolTip);
+    box->setFixedWidth(width);
+    box->setAlignment(Qt::AlignRight);
+    // A number counts when it is finished, not digit by digit.
+    box->setKeyboardTracking(false);
+    auto* text = new QLabel(label, box->parentWidget());
+    text->setBuddy(box);
+    text->setToolTip(toolTip);
+    const int row = grid->rowCount();
+    grid->addWidget(text, row, 0);
+    grid->addWidget(box, row, 1, Qt::AlignRight);
+}
+
+} // namespace
+
+ContrastPanel::ContrastPanel(RunSession& session, QWidget* parent)
+    : QGroupBox("Contrasts and maps", parent), session_(session), list_(new ContrastList(this)),
+      conjunction_(new QCheckBox("Conjunction of contrasts", this)),
+      threshold_(new ThresholdSpinBox(this)), colorMaxThreshold_(new ThresholdSpinBox(this)),
+      clusterSize_(new QSpinBox(this)), multiSlice_(new QSpinBox(this)) {
+    setObjectName("ContrastBackgroundGrpBx");
+    conjunction_->setObjectName("ConjunctionOfContrastsOp");
+    conjunction_->setToolTip("Show only voxels in which all selected contrasts agree; needs at "
+                             "least two of them");
+    auto* grid = new QGridLayout;
+    grid->setVerticalSpacing(8);
+    grid->setColumnStretch(0, 1);
+    addThresholdRows(grid);
+    addSizeRows(grid);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(12, 30, 12, 14);
+    layout->setSpacing(10);
+    layout->addWidget(list_, 1);
+    layout->addWidget(conjunction_);
+    layout->addSpacing(4);
+    layout->addLayout(grid);
+    session_.listeners.add(*this, ListenerPlace::Views);
+}
+
+void ContrastPanel::addThresholdRows(QGridLayout* grid) {
+    addNumberRow(grid, "Lower threshold", threshold_, "ThresholdSpBx",
+                 "Smallest value of the map that is shown, in units of the map (t, r or F). "
+                 "Ctrl+Up and Ctrl+Down change it in steps");
+    addNumberRow(grid, "Upper threshold", colorMaxThreshold_, "ColorMaxThresholdSpBx",
+                 "Value from which the strongest colour is used, in units of the map");
+}
+
+void ContrastPanel::addSizeRows(QGridLayout* grid) {
+    clusterSize_->setRange(1, 9999);
+    addNumberRow(grid, "Cluster size", clusterSize_, "ClusterSizeSpBx",
+                 "Smallest connected area of a slice that is shown, in pixels");
+    multiSlice_->setRange(0, 99);
+    addNumberRow(grid, "ROI slices", multiSlice_, "MultiSliceROISelectionSpBx",
+                 "Number of neighbouring slices that the selection of a region takes in");
+}
+
+void ContrastPanel::connectTo(VeloCortivo& window) {
+    connect(threshold_, &QDoubleSpinBox::valueChanged, &window, &VeloCortivo::slotChangeThreshold);
+    connect(colorMaxThreshold_, &QDoubleSpinBox::valueChanged, &window,
+            &VeloCortivo::slotChangeColorMaxThreshold);
+    connect(clusterSize_, &QSpinBox::valueChanged, &window, &VeloCortivo::slotChangeClusterSize);
+    connect(multiSlice_, &QSpinBox::valueChanged, &window,
+            &VeloCortivo::slotChangeMultiSliceROISelection);
+    connect(conjunction_, &QCheckBox::clicked, &window, &VeloCortivo::slotConjunctionAnalysis);
+    connect(list_, &ContrastList::contrastsEdited, &window,
+            [this] { session_.contrastsChanged(); });
+    // The keys that scroll the slices work again once a number is entered.
+    for (const QAbstractSpinBox* box : findChildren<QAbstractSpinBox*>())
+        connect(box->findChild<QLineEdit*>(), &QLineEdit::returnPressed, &window,
+                &VeloCortivo::focusSlices);
+}
+
+void ContrastPanel::refresh() {
+    const QSignalBlocker blockers[] = {QSignalBlocker(threshold_),
+                                       QSignalBlocker(colorMaxThreshold_),
+                                       QSignalBlocker(clusterSize_), QSignalBlocker(multiSlice_)};
+    const StatisticalMaps defaults;
+    const QtCortivoDoc* document = session_.functionalDocument.get();
+    const StatisticalMaps& maps = document ? document->maps : defaults;
+    threshold_->setValue(double(maps.Threshold));
+    colorMaxThreshold_->setValue(double(maps.ColorMaxThreshold));
+    clusterSize_->setValue(maps.ClusterSizePixels);
+    multiSlice_->setValue(session_.settings.MultiSliceROISelection);
+}
+
+void ContrastPanel::takeThreshold() {
+    session_.changeThreshold(float(threshold_->value()));
+}
+
+void ContrastPanel::takeColorMaxThreshold() {
+    session_.changeColorMaxThreshold(float(colorMaxThreshold_->value()));
+}
+
+void ContrastPanel::takeClusterSize() {
+    session_.changeClusterSize(clusterSize_->value());
+}
+
+void ContrastPanel::takeMultiSliceROISelection() {
+    session_.settings.MultiSliceROISelection = multiSlice_->value();
+}
+
+void ContrastPanel::takeConjunction() {
+    const bool wanted = conjunction_->isChecked();
+    conjunction_->setChecked(session_.changeConjunction(wanted) && wanted);
+}
+
+void ContrastPanel::documentsLeaving() {
+    list_->setContrasts(nullptr);
+    conjunction_->setChecked(false);
+}
+
+void ContrastPanel::runPrepared(QtCortivoDoc& functional) {
+    list_->setContrasts(&functional.contrasts);
+    refresh();
+}
+
+void ContrastPanel::settingsFileChanged() {
+    list_->setContrasts(nullptr);
+}

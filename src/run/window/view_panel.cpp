@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/window/view_panel.h"
+
+#include "display/qt_cortivo_view.h"
+#include "run/window/velo_cortivo.h"
+#include "run/window/window_controls.h"
+
+#include <QBoxLayout>
+#include <QToolButton>
+
+ViewPanel::ViewPanel(RunSession& session, QWidget* parent) : QFrame(parent), session_(session) {
+    setObjectName("ImageView");
+    auto* views = new QVBoxLayout(this);
+    views->setContentsMargins(2, 2, 2, 2);
+    createButtons(parent);
+    session_.listeners.add(*this, ListenerPlace::Views);
+}
+
+void ViewPanel::createButtons(QWidget* parent) {
+    QFrame* frame = newPanel("ViewButtonsFrm", parent);
+    auto* row = new QHBoxLayout(frame);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(8);
+    const auto addButton = [&](const char* name, const char* text, const char* toolTip) {
+        QToolButton* button = newButton(name, toolTip, frame);
+        button->setText(text);
+        button->setCheckable(true);
+        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+        row->addWidget(button);
+        return button;
+    };
+    slices_ = addButton("EPISlicesBtn", "Slices", "Show all slices of the functional volume");
+    volume_ =
+        addButton("EPISlices3DBtn", "Volume", "Show the functional volume in three planes");
+    anatomy_ = addButton("VMRBtn", "Anatomy", "Show the anatomical volume with the maps");
+    leftHemisphere_ =
+        addButton("LeftHemiBtn", "Left hemisphere", "Show the surface of the left hemisphere");
+    rightHemisphere_ =
+        addButton("RightHemiBtn", "Right hemisphere", "Show the surface of the right hemisphere");
+}
+
+void ViewPanel::connectTo(VeloCortivo& window) {
+    connect(slices_, &QToolButton::clicked, &window, &VeloCortivo::slotSwitchToFMRView);
+}
+
+bool ViewPanel::documentShown() const {
+    return session_.functionalDocument && functionalView_;
+}
+
+void ViewPanel::refreshButtons() {
+    const bool shown = documentShown();
+    slices_->setEnabled(shown);
+    slices_->setChecked(shown && functionalView_->isVisible());
+    for (QToolButton* button : {volume_, anatomy_, leftHemisphere_, rightHemisphere_}) {
+        button->setEnabled(false);
+        button->setChecked(false);
+    }
+}
+
+void ViewPanel::update(bool keepFocus) {
+    if (!functionalView_ || !functionalView_->isVisible())
+        return;
+    functionalView_->setShowInplanes(session_.requests.pendingOverlayInplane == 1);
+    functionalView_->setOverlayShown(session_.report.mapsPresent);
+    functionalView_->setHelpFile(session_.settings.ParadigmHelpFile);
+    functionalView_->slotDocumentChanged();
+    if (!keepFocus)
+        functionalView_->setFocus();
+}
+
+void ViewPanel::showSlices() {
+    if (functionalView_)
+        functionalView_->show();
+}
+
+void ViewPanel::focusSlices() {
+    if (functionalView_)
+        functionalView_->setFocus();
+}
+
+void ViewPanel::saveAsBMP() {
+    if (functionalView_)
+        functionalView_->slotSaveAsBMP();
+}
+
+void ViewPanel::documentsLeaving() {
+    delete functionalView_;
+    functionalView_ = nullptr;
+    refreshButtons();
+}
+
+void ViewPanel::documentsArrived(QtCortivoDoc& functional) {
+    functionalView_ = new QtCortivoView(&functional, this);
+    functionalView_->setObjectName("FunctionalView");
+    layout()->addWidget(functionalView_);
+    functionalView_->hide();
+}
+
+void ViewPanel::runPrepared(QtCortivoDoc&) {
+    functionalView_->show();
+    refreshButtons();
+}

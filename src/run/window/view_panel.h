@@ -1,0 +1,47 @@
+// The area of the views and the buttons that switch between them.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/loop/run_listeners.h"
+
+#include <QFrame>
+
+class QToolButton;
+class QtCortivoView;
+class RunSession;
+class VeloCortivo;
+
+/// The frame ImageView. Makes the views of new documents and lets them go with these.
+class ViewPanel : public QFrame, public RunListener {
+public:
+    /// The frame of the buttons becomes a child of `parent` too.
+    ViewPanel(RunSession& session, QWidget* parent);
+
+    void connectTo(VeloCortivo& window);
+    /// There are a document and its view.
+    [[nodiscard]] bool documentShown() const;
+    void refreshButtons();
+    /// Repaints the visible view. It takes the keyboard unless `keepFocus`: the operator is busy
+    /// with a control.
+    void update(bool keepFocus);
+    /// Brings the slices to the front.
+    void showSlices();
+    void focusSlices();
+    void saveAsBMP();
+
+    void documentsLeaving() override;
+    void documentsArrived(QtCortivoDoc& functional) override;
+    void runPrepared(QtCortivoDoc& functional) override;
+
+private:
+    void createButtons(QWidget* parent);
+
+    RunSession& session_;
+    QtCortivoView* functionalView_ = nullptr;
+    QToolButton* slices_ = nullptr;
+    /// They wait for views that don't exist yet.
+    QToolButton* volume_ = nullptr;
+    QToolButton* anatomy_ = nullptr;
+    QToolButton* leftHemisphere_ = nullptr;
+    QToolButton* rightHemisphere_ = nullptr;
+};

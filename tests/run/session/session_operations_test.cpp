@@ -1,0 +1,247 @@
+// Every operation of the operator in every phase of a session.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+#include "stats/clusters.h"
+#include "stats/thresholds.h"
+
+namespace {
+
+const std::map<Phase, const char*> phaseNames = {
+    {Phase::Idle, "idle"},     {Phase::Preparing, "preparing"}, {Phase::Recording, "recording"},
+    {Phase::Saving, "saving"}, {Phase::Reloading, "reloading"}, {Phase::PostProcessing, "post"}};
+
+class Reporter : public ProgressReporter {
+public:
+    explicit Reporter(std::function<void()> atReport = [] {}) : atReport_(std::move(atReport)) {}
+    void setProgress(int) override { atReport_(); }
+
+private:
+    std::function<void()> atReport_;
+};
+
+class SessionOperations : public SessionFixture {
+protected:
+    SessionOperations() {
+        options_.temporal.checked = true;
+        writeSession(32, 2);
+        session.runButtonPressed(); // there is a run in memory and on disk
+    }
+
+    bool postprocess(ProgressReporter& progress) {
+        return session.postprocess(options_, true, progress);
+    }
+
+    /// Calls `operation` once while the session is in the phase, and returns when it is idle.
+    void inPhase(Phase phase, const std::function<void()>& operation) {
+        bool done = false;
+        const auto once = [&] {
+            if (done || session.phase.now() != phase)
+                return;
+            done = true;
+            operation();
+        };
+        ProbeListener probe(session.listeners, ListenerPlace::Dialogs);
+        probe.onStep = [&](VolumeStep step, const VolumeAtHand& hand) {
+            if (hand.volume == 20 && step == VolumeStep::Plots)
+                once();
+            return true;
+        };
+        display.whenLogged = once; // Preparing and Reloading, with their documents
+        display.whileSaving = once;
+        Reporter reporter(once);
+        session.setRunButton(RunButtonState::Ready);
+        switch (phase) {
+        case Phase::Idle:
+            once();
+            break;
+        case Phase::Preparing:
+        case Phase::Recording:
+        case Phase::Saving:
+            session.runButtonPressed();
+            break;
+        case Phase::Reloading:
+            EXPECT_TRUE(session.reloadData());
+            break;
+        case Phase::PostProcessing:
+            EXPECT_TRUE(postprocess(reporter));
+            break;
+        }
+        EXPECT_TRUE(done);
+        EXPECT_TRUE(session.phase.isIdle());
+        display.whileSaving = display.whenLogged = {};
+    }
+
+    PostprocessingOptions options_;
+};
+
+} // namespace
+
+TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
+    Reporter silent;
+    const auto starts = [this] { return display.calls.count("starting"); };
+    const struct {
+        const char* name;
+        std::function<bool()> works; ///< does it, and tells whether anything came of it
+        std::set<Phase> phases;
+    } operations[] = {
+        {"run button starts",
+         [&] {
+             const auto before = starts();
+             session.runButtonPressed();
+             session.requests.interruptFlag = false;
+             return starts() > before;
+         },
+         {Phase::Idle}},
+        {"run button stops",
+         [&] {
+             const bool idle = session.phase.isIdle();
+             session.requests.forceTRDelay = true;
+             session.runButtonPressed();
+             const bool stops = session.requests.interruptFlag && !session.requests.forceTRDelay;
+             session.requests.interruptFlag = false;
+             return stops && !idle;
+         },
+         {Phase::Preparing, Phase::Recording}},
+        {"stop",
+         [&] {
+             session.requestStop();
+             const bool stops = session.requests.interruptFlag;
+             session.requests.interruptFlag = false;
+             return stops;
+         },
+         {Phase::Preparing, Phase::Recording}},
+        {"reload", [&] { return session.reloadData(); }, {Phase::Idle}},
+        {"post-processing", [&] { return postprocess(silent); }, {Phase::Idle}},
+        {"offer post-processing",
+         [&] { return session.volumesForPostprocessing() == 30; },
+         {Phase::Idle}},
+        {"active for plug-ins", [&] { return session.phase.runActive(); }, {Phase::Recording}},
+    };
+    for (const auto& operation : operations)
+        for (const auto& [phase, name] : phaseNames) {
+            SCOPED_TRACE(std::string(operation.name) + ", " + name);
+            bool worked = false;
+            inPhase(phase, [&] { worked = operation.works(); });
+            EXPECT_EQ(worked, operation.phases.contains(phase));
+        }
+}
+
+// A change is on the maps once the session is idle, whenever it was made.
+TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
+    const struct {
+        const char* name;
+        std::function<void(QtCortivoDoc&)> change;
+    } operations[] = {
+        {"threshold", [&](QtCortivoDoc&) { session.changeThreshold(0.5f); }},
+        {"step", [&](QtCortivoDoc&) { session.stepThreshold(false); }},
+        {"cluster size", [&](QtCortivoDoc&) { session.changeClusterSize(2); }},
+        {"contrast",
+         [&](QtCortivoDoc& document) {
+             toggleContrast(document.contrasts, 1, ContrastPositive);
+             session.contrastsChanged();
+         }},
+        {"conjunction",
+         [&](QtCortivoDoc& document) {
+             EXPECT_TRUE(session.changeConjunction(!document.contrasts.ConjunctionAnalysis));
+             EXPECT_FALSE(document.contrasts.NrOfContrasts > 0 && !session.changeConjunction(false));
+             EXPECT_TRUE(session.changeConjunction(true));
+         }},
+    };
+    for (const auto& operation : operations)
+        for (const auto& [phase, name] : phaseNames) {
+            if (phase == Phase::Preparing)
+                continue; // there are no maps yet
+            SCOPED_TRACE(std::string(operation.name) + ", " + name);
+            writeSession(32, 2);
+            session.setRunButton(RunButtonState::Ready);
+            session.runButtonPressed();
+            inPhase(phase, [&] {
+                if (session.functionalDocument->contrasts.NrOfContrasts > 0)
+                    operation.change(*session.functionalDocument);
+            });
+            QtCortivoDoc& document = *session.functionalDocument;
+            const StatisticalMaps& shown = document.maps;
+            const auto clusters = shown.ClusterSizeSlices;
+            const std::vector<int> contrastOfMap = shown.contrastOfMap;
+            ASSERT_TRUE(computeContrastMaps(document.finishedModel, document.mask,
+                                            document.contrasts, document.maps));
+            computeClusterSizes(document.maps, document.contrasts.ConjunctionAnalysis);
+            EXPECT_EQ(clusters, shown.ClusterSizeSlices);
+            EXPECT_EQ(contrastOfMap, shown.contrastOfMap);
+            EXPECT_FALSE(document.contrasts.ContrastsChanged);
+        }
+}
+
+TEST_F(SessionOperations, WithoutADocumentTheControlsDoNothing) {
+    bool looked = false;
+    pump.after(0, [&] {
+        looked = session.functionalDocument == nullptr;
+        session.changeThreshold(1.0f);
+        session.changeColorMaxThreshold(1.0f);
+        session.changeClusterSize(9);
+        session.stepThreshold(true);
+        session.shiftStartOffset(true);
+        session.contrastsChanged();
+        session.changeColorCoding(true);
+        session.showOnFirstVolume();
+        EXPECT_FALSE(session.changeConjunction(true));
+        EXPECT_TRUE(session.panelText().isEmpty());
+    });
+    session.setRunButton(RunButtonState::Ready);
+    session.runButtonPressed();
+    EXPECT_TRUE(looked);
+    EXPECT_EQ(session.requests.startOffsetSeconds, 0);
+    EXPECT_FALSE(session.functionalDocument->SignificanceColorCoding);
+}
+
+TEST_F(SessionOperations, BackgroundFollowsTheChosenVolume) {
+    const SliceImages& slices = session.functionalDocument->slices;
+    const QImage first = slices.SlicePixmaps[1].copy();
+    session.showOnInplanes();
+    EXPECT_EQ(session.requests.pendingOverlayInplane, -1) << "there are none";
+
+    // In a run the next volume takes the request up, between runs it is carried out at once.
+    QImage inRun;
+    inPhase(Phase::Recording, [&] { session.showOnCurrentVolume(); });
+    EXPECT_NE(session.functionalDocument->slices.SlicePixmaps[1], first);
+    inPhase(Phase::Recording, [&] {
+        session.showOnFirstVolume();
+        EXPECT_TRUE(session.requests.overlayReset);
+    });
+    EXPECT_EQ(session.functionalDocument->slices.SlicePixmaps[1], first);
+    inPhase(Phase::Recording, [&] { session.showOnCurrentVolume(); });
+    session.requests.pendingOverlayInplane = 1;
+    session.showOnFirstVolume();
+    EXPECT_EQ(session.functionalDocument->slices.SlicePixmaps[1], first);
+    EXPECT_FALSE(session.requests.overlayReset);
+    EXPECT_EQ(session.requests.pendingOverlayInplane, 0);
+    session.showOnInplanes();
+    EXPECT_EQ(session.requests.pendingOverlayInplane, 1);
+    session.showOnCurrentVolume();
+    EXPECT_EQ(session.requests.pendingOverlayInplane, 0);
+    EXPECT_EQ(session.requests.overlayVolumeMode, 1);
+}
+
+TEST_F(SessionOperations, OutcomeStandsUntilSomethingNewer) {
+    EXPECT_TRUE(session.report.outcomeText.contains("Recorded data saved as \"<b>test</b>\"."));
+    EXPECT_EQ(display.logTexts.last(), session.report.outcomeText);
+    EXPECT_TRUE(session.panelText().startsWith(" volume <b>30</b>"));
+    EXPECT_TRUE(session.report.outcomeText.isEmpty());
+    ASSERT_TRUE(session.reloadData());
+    EXPECT_TRUE(session.report.outcomeText.contains("loaded from disk"));
+    EXPECT_EQ(display.logTexts.last(), session.report.outcomeText);
+    session.changeSettingsFile(path("other-1.vco"));
+    EXPECT_TRUE(session.report.outcomeText.isEmpty());
+    EXPECT_EQ(session.volumesForPostprocessing(), 0);
+}
+
+TEST_F(SessionOperations, AStoppedRunIsSavedBeforeAnybodyAnswers) {
+    session.setRunButton(RunButtonState::Ready);
+    script.atVolume = [&](int volume) {
+        if (volume == 9)
+            session.runButtonPressed();
+    };
+    messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
+    session.runButtonPressed();
+    EXPECT_EQ(QFileInfo(path("results/test.stc")).size(), 9 * 8 * 8 * 4 * 2);
+}

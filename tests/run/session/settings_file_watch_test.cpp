@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/session/settings_file_watch.h"
+
+#include "base/file_writing.h"
+#include "run/loop/session_fixture.h"
+
+namespace {
+
+class ProbeControls : public SettingsFileDisplay {
+public:
+    InputControls controls;
+    QString title;
+    int paints = 0;
+
+    void showInputControls(const InputControls& shown) override { controls = shown; }
+    void showTitle(const QString& shown) override { title = shown; }
+    void paintNow() override { ++paints; }
+};
+
+class SettingsFileWatchTest : public SessionFixture {
+protected:
+    SettingsFileWatchTest() {
+        folders_.applicationDataPath = path("app/");
+        folders_.dataPath = path("data/");
+        folders_.homePath = path("home/");
+        for (const QString& folder :
+             {folders_.applicationDataPath, folders_.dataPath, folders_.homePath})
+            QDir().mkpath(folder);
+        watch_ = std::make_unique<SettingsFileWatch>(folders_, session, pump, display, controls_);
+        display.whenStarting = [this] { watch_->workStarting(); };
+        display.whenEnded = [this] { watch_->workEnded(); };
+    }
+
+    /// Settings files of a session, each of a run that the scripted source feeds; the first of
+    /// them is current.
+    void beginWith(const QStringList& names) {
+        writeSession(16, 2);
+        for (const QString& name : names)
+            put(name, content("test-1.vco"));
+        QFile::remove(path("test-1.vco"));
+        watch_->setSettingsFile(path(names[0]));
+    }
+    void add(const QString& name, const QString& like) { put(name, content(like)); }
+    [[nodiscard]] QString current() const { return watch_->master().settingsFileName; }
+    [[nodiscard]] int nrOfRuns() const { return int(display.calls.count("starting")); }
+    [[nodiscard]] QByteArray masterText() const { return content("app/MasterVCO"); }
+    [[nodiscard]] QString panel() const { return display.logTexts.last(); }
+
+    StandardFolders folders_;
+    ProbeControls controls_;
+    std::unique_ptr<SettingsFileWatch> watch_;
+};
+
+} // namespace
+
+TEST_F(SettingsFileWatchTest, AFirstStartOffersTheSampleSession) {
+    ASSERT_TRUE(watch_->readMasterFile());
+    EXPECT_TRUE(QFile::exists(path("data/VCO_FacesHouses/VCO_FacesHouses-1.vco")));
+    EXPECT_TRUE(masterText().contains("\"VCO_FacesHouses-1.vco\""));
+    watch_->look();
+    EXPECT_EQ(controls_.title, "VCO - VCO_FacesHouses-1.vco");
+    EXPECT_TRUE(panel().contains("Click the \"<b>Record</b>\" button"));
+    EXPECT_EQ(session.runButton(), RunButtonState::Ready);
+    EXPECT_FALSE(controls_.controls.previousExists || controls_.controls.reloadPossible);
+}
+
+TEST_F(SettingsFileWatchTest, ShowsNeighboursAndGoesToThem) {
+    beginWith({"r-3.vco", "r-4.vco", "r-2.vco"});
+    watch_->look();
+    EXPECT_TRUE(controls_.controls.previousExists && controls_.controls.nextExists);
+    watch_->toNeighbour(+1);
+    EXPECT_EQ(current(), "r-4.vco");
+    EXPECT_TRUE(controls_.controls.previousExists && !controls_.controls.nextExists);
+    messages.expect(MessageLevel::Information,
+                    "INFO: The requested settings file \"r-5.vco\" is not available !");
+    watch_->toNeighbour(+1);
+    EXPECT_EQ(current(), "r-4.vco");
+    watch_->toNeighbour(-1);
+    watch_->toNeighbour(-1);
+    EXPECT_EQ(current(), "r-2.vco");
+    EXPECT_TRUE(!controls_.controls.previousExists && controls_.controls.nextExists);
+
+    for (const auto& [name, text] : std::vector<std::pair<QString, QString>>{
+             {"run", "ERROR: No \"vco\" extension found in settings file name"},
+             {"run3.vco", "ERROR: No \"-\" character found separating the run number (name should "
+                          "be \"<basename>-<nr>.vco\"."}}) {
+        watch_->setSettingsFile(path(name));
+        messages.expect(MessageLevel::Information, text);
+        watch_->toNeighbour(+1);
+    }
+}
+
+TEST_F(SettingsFileWatchTest, AutoAdvanceTakesNewFilesOneByOneAndRunsThem) {
+    beginWith({"r-1.vco", "r-2.vco"});
+    watch_->setAutoAdvance(true);
+    watch_->look();
+    watch_->look();
+    EXPECT_EQ(current(), "r-1.vco") << "files that were there at the start are not run";
+    add("r-4.vco", "r-1.vco");
+    watch_->look();
+    EXPECT_EQ(current(), "r-1.vco") << "there is a gap";
+    add("r-3.vco", "r-1.vco");
+    for (const char* expected : {"r-3.vco", "r-4.vco"}) {
+        watch_->look();
+        EXPECT_EQ(current(), expected);
+        const int before = nrOfRuns();
+        watch_->look();
+        EXPECT_EQ(nrOfRuns(), before + 1) << expected;
+        EXPECT_TRUE(session.report.runFinished);
+    }
+    watch_->look();
+    watch_->look();
+    EXPECT_EQ(current(), "r-4.vco");
+    EXPECT_EQ(nrOfRuns(), 2);
+}
+
+TEST_F(SettingsFileWatchTest, AutoStartRunsAFileOnceWhenItIsThere) {
+    beginWith({"r-1.vco"});
+    watch_->setAutoStart(true);
+    QFile::rename(path("r-1.vco"), path("away"));
+    watch_->look();
+    EXPECT_EQ(session.runButton(), RunButtonState::NoSettingsFile);
+    EXPECT_TRUE(panel().contains("not available"));
+    EXPECT_FALSE(controls_.controls.reloadPossible);
+    QFile::rename(path("away"), path("r-1.vco"));
+    watch_->start();
+    bool rested = false;
+    script.atVolume = [&](int) {
+        rested = !watch_->isRunning() && !controls_.controls.preLoadPossible;
+        watch_->look(); // the session is busy
+        EXPECT_FALSE(watch_->setSettingsFile(path("other-1.vco")));
+        watch_->toNeighbour(+1);
+        watch_->chooseSettingsFile();
+    };
+    const int paints = controls_.paints;
+    watch_->look();
+    EXPECT_GT(controls_.paints, paints);
+    EXPECT_TRUE(rested);
+    EXPECT_TRUE(watch_->isRunning() && controls_.controls.preLoadPossible);
+    EXPECT_EQ(current(), "r-1.vco");
+    watch_->look();
+    EXPECT_EQ(nrOfRuns(), 1);
+    EXPECT_EQ(session.runButton(), RunButtonState::Finished);
+    EXPECT_TRUE(controls_.controls.reloadPossible);
+    EXPECT_TRUE(panel().contains("Recorded data saved as"));
+    (void)session.panelText(); // a threshold was changed
+    watch_->look();
+    EXPECT_TRUE(panel().contains("Processing completed."));
+}
+
+TEST_F(SettingsFileWatchTest, AfterAFailedStartOnlyRunButtonAndANewFileHelp) {
+    beginWith({"r-1.vco", "r-2.vco"});
+    watch_->start();
+    watch_->look();
+    const auto fail = [&] {
+        script.firstVolumeComes = false;
+        messages.expect(MessageLevel::Warning, "TIME OUT: Expected first file did not arrive!");
+        session.runButtonPressed();
+        script.firstVolumeComes = true;
+    };
+    fail();
+    const auto isDead = [&] {
+        const InputControls& shown = controls_.controls;
+        return !watch_->isRunning() && !shown.nextExists && !shown.reloadPossible &&
+               !shown.preLoadPossible && panel().contains("Processing...");
+    };
+    watch_->setAutoStart(true);
+    watch_->look();
+    EXPECT_TRUE(isDead());
+    messages.expectFileChoice("Open File", {}); // cancelled
+    watch_->chooseSettingsFile();
+    EXPECT_TRUE(isDead());
+    EXPECT_EQ(nrOfRuns(), 1);
+
+    session.runButtonPressed();
+    EXPECT_TRUE(session.report.runFinished);
+    EXPECT_TRUE(watch_->isRunning());
+    watch_->setAutoStart(false);
+    watch_->setSettingsFile(path("r-1.vco"));
+    fail();
+    messages.expectFileChoice("Open File", path("r-2.vco"));
+    watch_->chooseSettingsFile();
+    EXPECT_TRUE(controls_.controls.previousExists && controls_.controls.preLoadPossible);
+    EXPECT_TRUE(panel().contains("r-2.vco"));
+}
+
+TEST_F(SettingsFileWatchTest, AFileThatCannotBeParsedStopsTheTimerUntilAnotherIsChosen) {
+    beginWith({"r-1.vco"});
+    put("bad-1.vco", "FileVersion: 4\nRubbish: 1\n");
+    watch_->start();
+    watch_->setSettingsFile(path("bad-1.vco"));
+    messages.expect(MessageLevel::Warning, "*");
+    watch_->look();
+    EXPECT_FALSE(watch_->isRunning() || controls_.controls.reloadPossible);
+    messages.expectFileChoice("Open File", path("r-1.vco"));
+    watch_->chooseSettingsFile();
+    EXPECT_TRUE(panel().contains("r-1.vco"));
+}
+
+TEST_F(SettingsFileWatchTest, TheMasterFileIsWrittenWithTheChoice) {
+    ASSERT_TRUE(watch_->readMasterFile());
+    const QByteArray commented = masterText() + "\n; by hand";
+    ASSERT_TRUE(writeFileAtomically(path("app/MasterVCO"), commented));
+    watch_->writeMasterFileIfChanged();
+    watch_->setAutoAdvance(true); // of this session only
+    watch_->writeMasterFileIfChanged();
+    EXPECT_EQ(masterText(), commented) << "nothing was changed";
+
+    watch_->setSettingsFile(path("run-7.vco"));
+    EXPECT_TRUE(masterText().contains("\"run-7.vco\""));
+    EXPECT_TRUE(masterText().contains("AutoAdvanceRun:            0"));
+    watch_->setWindowSize(1);
+    watch_->setWindowPosition({30, -4});
+    watch_->writeMasterFileIfChanged();
+    for (const char* line : {"WindowSize:                1", "HorizontalWindowPosition:  30",
+                             "VerticalWindowPosition:    -4"})
+        EXPECT_TRUE(masterText().contains(line)) << line;
+    SettingsFileWatch next(folders_, session, pump, display, controls_);
+    ASSERT_TRUE(next.readMasterFile());
+    EXPECT_EQ(next.master().settingsFileName, "run-7.vco");
+}
+
+TEST_F(SettingsFileWatchTest, AMissingFolderLeavesAWayOut) {
+    ASSERT_TRUE(watch_->readMasterFile());
+    for (const bool choose : {true, false}) {
+        watch_->setSettingsFile(path("gone/run-1.vco"));
+        messages.expectQuestion("WARNING: The VCO file directory \"" + path("gone/") + "\" *",
+                                choose);
+        if (choose)
+            messages.expectFileChoice("Open File", path("run-7.vco"));
+        watch_->look();
+        EXPECT_TRUE(watch_->isRunning());
+        EXPECT_EQ(watch_->master().settingsDirectory, choose ? folder_.path() + "/" : folders_.homePath);
+    }
+    watch_->stop();
+    watch_->setSettingsFile(path("gone/run-1.vco"));
+    messages.expectQuestion("WARNING: The VCO file directory *", false);
+    watch_->look(/*beforeAppExec*/ true);
+    EXPECT_FALSE(watch_->isRunning());
+}
+
+TEST_F(SettingsFileWatchTest, PreLoadButtonsChooseFilesForTheNextRun) {
+    ASSERT_TRUE(watch_->readMasterFile());
+    messages.expectFileChoice("Open File", {});
+    watch_->choosePreLoadedRegions();
+    EXPECT_TRUE(session.requests.preLoadROIFile.isEmpty());
+    messages.expectFileChoice("Open File", path("a.roi"));
+    watch_->choosePreLoadedRegions();
+    EXPECT_EQ(session.requests.preLoadROIFile, path("a.roi"));
+    for (const QString& file : {path("a.voi"), QString()}) {
+        messages.expectFileChoice("Open File", file);
+        watch_->choosePreLoadedVolumesOfInterest();
+        EXPECT_TRUE(session.requests.preLoadVOI) << "a cancelled choice takes nothing back";
+    }
+}
