@@ -51,15 +51,15 @@ struct BenchmarkRun {
     GLMRun parts() { return {project, design, contrasts, mask, glm, maps}; }
 
     [[nodiscard]] bool prepare(const Size& size) {
-        project.ResolutionX = maps.sizeX = size.columns;
-        project.ResolutionY = maps.sizeY = size.rows;
-        project.NrOfSlices = maps.nrOfSlices = size.slices;
+        project.ResolutionX = size.columns;
+        project.ResolutionY = size.rows;
+        project.NrOfSlices = size.slices;
         project.NrOfVolumes = nrOfVolumes;
         makeDesign();
         makeContrasts();
         return makeVolumes() && createBrainMask(mask, project) &&
                glm.allocate(design.NrOfPredictors, project.volumeSamples()) &&
-               maps.allocateMaps(nrOfContrasts);
+               maps.allocateMaps(nrOfContrasts, project.size());
     }
 
 private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/overlay_legend.h"
 
-#include "display/mosaic_composer.h"
+#include "display/slice_mosaic.h"
 
 #include <QFontDatabase>
 #include <QFontMetrics>

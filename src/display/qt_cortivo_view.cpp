@@ -4,9 +4,9 @@
 #include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
-#include "display/mosaic_composer.h"
-#include "display/mosaic_geometry.h"
 #include "display/overlay_legend.h"
+#include "display/slice_mosaic.h"
+#include "display/slice_mosaic_geometry.h"
 #include "run/document/qt_cortivo_doc.h"
 
 #include <QBuffer>
@@ -90,7 +90,7 @@ void QtCortivoView::compose() {
     legend_ = {};
     if (!document_)
         return;
-    MosaicSource source;
+    SliceMosaicSource source;
     source.slices = &document_->slices;
     source.showInplanes = showInplanes_;
     source.layout = document_->mosaic;
@@ -104,7 +104,7 @@ void QtCortivoView::compose() {
     shownLayout_ = document_->mosaic;
     nrOfShownSlices_ = int(source.images().size());
     // Without a picture the mosaic is null, and the view says so.
-    (void)composeMosaic(mosaic_, source);
+    (void)composeSliceMosaic(mosaic_, source);
 }
 
 void QtCortivoView::slotSaveAsBMP() {
@@ -224,7 +224,7 @@ void QtCortivoView::keyPressEvent(QKeyEvent* event) {
         QWidget::keyPressEvent(event);
 }
 
-void QtCortivoView::scroll(void (*step)(MosaicLayout& layout, int nrOfSlices)) {
+void QtCortivoView::scroll(void (*step)(SliceMosaicLayout& layout, int nrOfSlices)) {
     if (mosaic().isNull())
         return;
     step(document_->mosaic, nrOfShownSlices_);

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "display/overlay_legend.h"
-#include "run/document/mosaic_layout.h"
+#include "run/document/slice_mosaic_layout.h"
 
 #include <QImage>
 #include <QString>
@@ -58,13 +58,13 @@ private:
     [[nodiscard]] QRectF mosaicArea() const;
     [[nodiscard]] QString toolTipAt(QPoint position) const;
     void compose();
-    void scroll(void (*step)(MosaicLayout& layout, int nrOfSlices));
+    void scroll(void (*step)(SliceMosaicLayout& layout, int nrOfSlices));
     void paintTileMarks(QPainter& painter, const QRectF& area) const;
 
     QtCortivoDoc* document_;
     QImage mosaic_;
     // As the mosaic was composed: the document may be ahead of what is on the screen.
-    MosaicLayout shownLayout_;
+    SliceMosaicLayout shownLayout_;
     int nrOfShownSlices_ = 0; ///< that the mosaic chooses from
     OverlayLegend legend_;
     bool outdated_ = true; ///< the mosaic is to be composed before it is drawn

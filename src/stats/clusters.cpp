@@ -19,9 +19,9 @@ void takeLargest(std::vector<float>& combined, const float* map, ValueAsShown sh
 
 /// The largest of the shown maps' values over 0 for each pixel of a slice.
 void combineMaps(const StatisticalMaps& maps, int slice, std::vector<float>& combined) {
-    combined.assign(maps.sliceVoxels(), 0.0f);
+    combined.assign(maps.size.sliceSamples(), 0.0f);
     for (size_t i = 0; i < size_t(maps.NrOfShownMaps); ++i) {
-        const float* map = maps.ContrastMaps[i].data() + size_t(slice) * maps.sliceVoxels();
+        const float* map = maps.ContrastMaps[i].data() + size_t(slice) * maps.size.sliceSamples();
         const int state = maps.states[i];
         if (state == 3)
             takeLargest(combined, map, [](float value) { return std::fabs(value); });
@@ -63,12 +63,12 @@ int labelOfPixel(const int* row, const int* above, ClusterScratch& scratch) {
 /// Labels in raster order; scratch.sizes gets the number of pixels of each label. The tables grow
 /// with the labels, so that no image, however speckled, runs over their end.
 void labelSlice(const StatisticalMaps& maps, ClusterScratch& scratch) {
-    const size_t sizeX = size_t(maps.sizeX);
+    const size_t sizeX = size_t(maps.size.x);
     const size_t stride = sizeX + 2;
-    scratch.labels.assign(stride * (size_t(maps.sizeY) + 1), 0);
+    scratch.labels.assign(stride * (size_t(maps.size.y) + 1), 0);
     scratch.links.assign(1, 0);
     scratch.sizes.assign(1, 0);
-    for (size_t y = 0; y < size_t(maps.sizeY); ++y) {
+    for (size_t y = 0; y < size_t(maps.size.y); ++y) {
         const float* values = scratch.combined.data() + y * sizeX;
         int* row = scratch.labels.data() + (y + 1) * stride + 1;
         for (size_t x = 0; x < sizeX; ++x) {
@@ -123,9 +123,9 @@ void mergeLabels(ClusterScratch& scratch) {
 
 void writeSizes(const StatisticalMaps& maps, const ClusterScratch& scratch,
                 std::vector<int>& result) {
-    const size_t sizeX = size_t(maps.sizeX);
+    const size_t sizeX = size_t(maps.size.x);
     const size_t stride = sizeX + 2;
-    for (size_t y = 0; y < size_t(maps.sizeY); ++y) {
+    for (size_t y = 0; y < size_t(maps.size.y); ++y) {
         const int* labels = scratch.labels.data() + (y + 1) * stride + 1;
         int* sizes = result.data() + y * sizeX;
         for (size_t x = 0; x < sizeX; ++x)
@@ -142,12 +142,12 @@ void computeClusterSizes(StatisticalMaps& maps, bool conjunction) {
     if (maps.NrOfShownMaps == 0 || maps.ClusterSizePixels <= 0)
         return;
 
-    maps.ClusterSizeSlices.resize(size_t(maps.nrOfSlices));
-    for (int slice = 0; slice < maps.nrOfSlices; ++slice) {
+    maps.ClusterSizeSlices.resize(size_t(maps.size.slices));
+    for (int slice = 0; slice < maps.size.slices; ++slice) {
         std::vector<int>& sizes = maps.ClusterSizeSlices[size_t(slice)];
         ClusterScratch& scratch = maps.clusterScratch;
-        sizes.assign(maps.sliceVoxels(), 0);
-        if (slice == 0 || slice == maps.nrOfSlices - 1)
+        sizes.assign(maps.size.sliceSamples(), 0);
+        if (slice == 0 || slice == maps.size.slices - 1)
             continue;
         combineMaps(maps, slice, scratch.combined);
         if (!anyReaches(scratch.combined, maps.Threshold))

@@ -19,7 +19,7 @@ void computeClusterSizes(StatisticalMaps& maps, bool conjunction);
 /// Which of the shown maps colour a voxel: bit i for map i, 0 when the voxel keeps its grey value.
 /// A map passes where its value, as its state shows it, reaches Threshold. With ClusterSizePixels 1
 /// the cluster sizes are not looked at, so that slices without them are coloured too. `slice` and
-/// `pixel` (x + sizeX * y) lie inside the volume.
+/// `pixel` (x + size.x * y) lie inside the volume.
 [[nodiscard]] inline unsigned voxelIsShown(const StatisticalMaps& maps, int slice, size_t pixel) {
     if (maps.ClusterSizePixels != 1) {
         if (size_t(slice) >= maps.ClusterSizeSlices.size())
@@ -28,7 +28,7 @@ void computeClusterSizes(StatisticalMaps& maps, bool conjunction);
         if (pixel >= sizes.size() || sizes[pixel] < maps.ClusterSizePixels)
             return 0;
     }
-    const size_t voxel = size_t(slice) * maps.sliceVoxels() + pixel;
+    const size_t voxel = size_t(slice) * maps.size.sliceSamples() + pixel;
     unsigned passing = 0;
     for (size_t map = 0; map < size_t(maps.NrOfShownMaps); ++map)
         if (valueAsShown(maps.ContrastMaps[map][voxel], maps.states[map]) >= maps.Threshold)

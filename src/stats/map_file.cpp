@@ -64,11 +64,11 @@ std::vector<MapInUse> mapsInUse(const StatisticalMaps& maps, const ContrastDefin
     std::vector<MapInUse> result;
     for (size_t i = 0; i < count; ++i) {
         const size_t contrast = size_t(maps.contrastOfMap[i]);
-        if (maps.ContrastMaps[i].size() < maps.volumeVoxels())
+        if (maps.ContrastMaps[i].size() < maps.size.samples())
             continue;
         const bool known = contrast < contrasts.ContrastColors.size();
         result.push_back(
-            {maps.ContrastMaps[i].span().first(maps.volumeVoxels()),
+            {maps.ContrastMaps[i].span().first(maps.size.samples()),
              contrasts.ContrastNames.value(maps.contrastOfMap[i]).toUtf8().left(longestName),
              known ? contrasts.ContrastColors[contrast] : RgbColor(), maps.states[i]});
     }
@@ -134,10 +134,10 @@ QString readHeader(QDataStream& stream, const QString& fileName, MapFile& file, 
             .arg(fileName);
     if (version > fileVersion)
         return QStringLiteral("ERROR: Can not read this new version of map files!");
-    stream >> file.sizeX >> file.sizeY >> file.nrOfSlices >> nrOfMaps;
+    stream >> file.size.x >> file.size.y >> file.size.slices >> nrOfMaps;
     const auto isSize = [](int value) { return value > 0 && value <= largestSize; };
-    if (stream.status() != QDataStream::Ok || !isSize(file.sizeX) || !isSize(file.sizeY) ||
-        !isSize(file.nrOfSlices) || nrOfMaps < 0)
+    if (stream.status() != QDataStream::Ok || !isSize(file.size.x) || !isSize(file.size.y) ||
+        !isSize(file.size.slices) || nrOfMaps < 0)
         return damagedMessage(fileName);
     return {};
 }
@@ -161,7 +161,7 @@ QString readContent(QFile& device, const QString& fileName, MapFile& file) {
     if (!message.isEmpty())
         return message;
     // At most 2^36 voxels of 4 bytes each, so the products below fit.
-    const qint64 voxels = qint64(file.sizeX) * file.sizeY * file.nrOfSlices;
+    const auto voxels = qint64(file.size.samples());
     if (nrOfMaps > device.bytesAvailable() / (voxels * qint64(sizeof(float))))
         return damagedMessage(fileName);
     file.maps.resize(size_t(nrOfMaps));
@@ -183,8 +183,8 @@ bool writeMapFile(const QString& fileName, const StatisticalMaps& maps,
         const std::vector<MapInUse> used = mapsInUse(maps, contrasts);
         QDataStream stream(&device);
         prepare(stream);
-        stream << fileMark << fileVersion << qint32(maps.sizeX) << qint32(maps.sizeY)
-               << qint32(maps.nrOfSlices) << qint32(used.size());
+        stream << fileMark << fileVersion << qint32(maps.size.x) << qint32(maps.size.y)
+               << qint32(maps.size.slices) << qint32(used.size());
         for (const MapInUse& map : used)
             writeMap(stream, map, maps);
         written = stream.status() == QDataStream::Ok && device.commit();

@@ -25,9 +25,7 @@ struct MapFileEntry {
 
 /// The content of a file.
 struct MapFile {
-    int sizeX = 0;
-    int sizeY = 0;
-    int nrOfSlices = 0;
+    VolumeSize size; ///< of each map
     std::vector<MapFileEntry> maps;
 };
 

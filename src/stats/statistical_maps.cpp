@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <limits>
 
-bool StatisticalMaps::allocateMaps(int count) {
+bool StatisticalMaps::allocateMaps(int count, const VolumeSize& sizeOfEach) {
+    size = sizeOfEach;
     ContrastMaps.clear();
     ClusterSizeSlices.clear();
     states.clear();
@@ -16,7 +17,7 @@ bool StatisticalMaps::allocateMaps(int count) {
 
     // All maps together are held against the memory first, so that a request far too large fails at
     // once and not after half of it has been zeroed.
-    const size_t voxels = volumeVoxels();
+    const size_t voxels = size.samples();
     if (voxels > std::numeric_limits<size_t>::max() / size_t(count) ||
         !memoryIsAvailable(size_t(count) * voxels, sizeof(float)))
         return false;
@@ -35,7 +36,7 @@ int StatisticalMaps::nrOfMapsToShow(bool conjunction) const {
     const int wanted = std::min(NrOfActiveContrasts, conjunction ? 1 : maximumShownMaps);
     int count = 0;
     while (count < wanted && size_t(count) < std::min(ContrastMaps.size(), states.size()) &&
-           ContrastMaps[size_t(count)].size() >= volumeVoxels())
+           ContrastMaps[size_t(count)].size() >= size.samples())
         ++count;
     return count;
 }

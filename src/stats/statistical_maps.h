@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/memory.h"
+#include "volume/volume_geometry.h"
 
 #include <cmath>
 #include <vector>
@@ -21,9 +22,7 @@ struct ClusterScratch {
 
 /// One map is one float per voxel, x fastest, then y, then slices.
 struct StatisticalMaps {
-    int sizeX = 0;
-    int sizeY = 0;
-    int nrOfSlices = 0;
+    VolumeSize size;                               ///< of each map, as they were allocated
     std::vector<ZeroedBuffer<float>> ContrastMaps; ///< one for each defined contrast
     int NrOfActiveContrasts = 0;                   ///< the first so many maps are in use
     /// For each map in use: selection state 1 to 3 and the contrast that it belongs to.
@@ -42,11 +41,10 @@ struct StatisticalMaps {
     std::vector<std::vector<int>> ClusterSizeSlices;
     ClusterScratch clusterScratch;
 
-    [[nodiscard]] size_t sliceVoxels() const { return size_t(sizeX) * size_t(sizeY); }
-    [[nodiscard]] size_t volumeVoxels() const { return sliceVoxels() * size_t(nrOfSlices); }
-    /// Replaces the maps by `count` zeroed ones of which none is in use, and forgets the cluster
-    /// sizes. False, with none allocated, when memory runs out; the message is the caller's.
-    [[nodiscard]] bool allocateMaps(int count);
+    /// Replaces the maps by `count` zeroed ones of this size, of which none is in use, and forgets
+    /// the cluster sizes. False, with none allocated, when memory runs out; the message is the
+    /// caller's.
+    [[nodiscard]] bool allocateMaps(int count, const VolumeSize& sizeOfEach);
     /// How many maps are to be overlaid: the one map of a conjunction, else the first four of those
     /// in use. Maps that are not allocated at full size don't count.
     [[nodiscard]] int nrOfMapsToShow(bool conjunction) const;

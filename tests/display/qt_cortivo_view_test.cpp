@@ -16,7 +16,7 @@ protected:
     void SetUp() override {
         const std::vector<int16_t> samples(8 * 8 * 6, 50);
         document.slices.greyScale.high = 100;
-        document.slices.createSlicePixmaps(samples, 8, 8, 6);
+        document.slices.createSlicePixmaps(samples, {8, 8, 6});
         document.mosaic = {2, 2, 0, 2, 1};
         view.resize(700, 560);
     }

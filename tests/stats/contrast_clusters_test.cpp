@@ -26,9 +26,10 @@ TEST(Clusters, ShapesHaveTheSizesThatTheRulesGive) {
     for (const auto& [name, rows, expected] : cases) {
         const int sizeX = int(rows[0].size());
         StatisticalMaps maps = mapsInUse(sizeX, int(rows.size()), 3, 1);
-        for (size_t i = 0; i < maps.sliceVoxels(); ++i)
+        for (size_t i = 0; i < maps.size.sliceSamples(); ++i)
             if (rows[i / size_t(sizeX)][i % size_t(sizeX)] == '#')
-                maps.ContrastMaps[0][maps.sliceVoxels() + i] = maps.Threshold; // just reaches it
+                maps.ContrastMaps[0][maps.size.sliceSamples() + i] =
+                    maps.Threshold; // just reaches it
         computeClusterSizes(maps, false);
         const std::vector<int>& sizes = maps.ClusterSizeSlices[1];
         EXPECT_EQ(std::set<int>(sizes.begin(), sizes.end()), expected) << name;

@@ -71,7 +71,7 @@ TEST(MapFile, RefusesWhatIsDamaged) {
     };
     ScriptedMessages messages;
     MapFile file;
-    file.sizeX = 77;
+    file.size.x = 77;
     for (const auto& [offset, replacement, message] : cases) {
         QByteArray bytes = good;
         bytes.replace(offset, 4, QByteArray::fromHex(replacement));
@@ -85,7 +85,7 @@ TEST(MapFile, RefusesWhatIsDamaged) {
         ASSERT_TRUE(QFile::resize(path, length));
         EXPECT_FALSE(readMapFile(path, file)) << length;
     }
-    EXPECT_EQ(file.sizeX, 77) << "a failed reading leaves the target alone";
+    EXPECT_EQ(file.size.x, 77) << "a failed reading leaves the target alone";
 }
 
 } // namespace

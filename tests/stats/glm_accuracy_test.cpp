@@ -64,9 +64,6 @@ TEST(GLMAccuracy, FinishedModelGivesTheSameMapsAndTheirConjunction) {
     ASSERT_TRUE(finishModel(model, run.glm, run.project, run.mask, nrOfVolumes));
     run.glm.release();
     StatisticalMaps maps;
-    maps.sizeX = 7;
-    maps.sizeY = 6;
-    maps.nrOfSlices = 5;
     run.contrasts.ConjunctionAnalysis = false;
     ASSERT_TRUE(computeContrastMaps(model, run.mask, run.contrasts, maps));
     EXPECT_EQ(maps.states, (std::vector<int>{ContrastPositive, ContrastNegative}));

@@ -73,10 +73,7 @@ struct GLMTestRun {
     /// After all conditions, confounds and contrasts.
     void start(std::vector<int> stepVolumes) {
         design.GLMStepVolumes = std::move(stepVolumes);
-        maps.sizeX = project.ResolutionX;
-        maps.sizeY = project.ResolutionY;
-        maps.nrOfSlices = project.NrOfSlices;
-        ASSERT_TRUE(maps.allocateMaps(contrasts.NrOfContrasts));
+        ASSERT_TRUE(maps.allocateMaps(contrasts.NrOfContrasts, project.size()));
         ASSERT_TRUE(createBrainMask(mask, project));
         ASSERT_TRUE(glm.allocate(design.NrOfPredictors, voxels()));
     }

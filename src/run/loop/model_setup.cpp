@@ -72,7 +72,7 @@ bool prepareModel(QtCortivoDoc& document, const RunSettings& settings) {
         showWarning("ERROR: Insufficient memory for creating GLM file!");
         return false;
     }
-    if (!document.maps.allocateMaps(document.contrasts.NrOfContrasts)) {
+    if (!document.maps.allocateMaps(document.contrasts.NrOfContrasts, document.project.size())) {
         showWarning("ERROR: Insufficient memory for creating contrast maps!");
         return false;
     }

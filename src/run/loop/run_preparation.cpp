@@ -74,12 +74,11 @@ bool readInplanes(const RunParts& run) {
     const RunSettings& settings = run.settings;
     QtCortivoDoc& document = run.document;
     InplaneScan& scan = document.inplanes;
-    if (!scan.allocate(settings.OverlayInplaneMatrixSizeX, settings.OverlayInplaneMatrixSizeY,
-                       settings.NrOfSlices) ||
+    if (!scan.allocate({settings.OverlayInplaneMatrixSizeX, settings.OverlayInplaneMatrixSizeY,
+                        document.project.NrOfSlices}) ||
         !readInplaneSeries({run.settings, document.project, run.intake, run.pump}, scan))
         return false;
-    document.slices.createInplanePixmaps(scan.samples.span(), scan.sizeX, scan.sizeY,
-                                         scan.nrOfSlices);
+    document.slices.createInplanePixmaps(scan.samples.span(), scan.size);
     return !document.slices.InplanePixmaps.empty();
 }
 
@@ -105,9 +104,6 @@ void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings)
     document.maps.ColorMaxThreshold =
         std::max(document.maps.ColorMaxThreshold, settings.Threshold + 1.0f);
     document.maps.ClusterSizePixels = settings.ClusterSizePixels;
-    document.maps.sizeX = settings.MatrixSizeX;
-    document.maps.sizeY = settings.MatrixSizeY;
-    document.maps.nrOfSlices = settings.NrOfSlices;
     document.mosaic.MosaicColumns = std::max(settings.NrOfColumns, 1);
     document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
     document.workingFolder = settings.TargetFolder;
@@ -116,8 +112,7 @@ void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings)
 void showFirstVolume(QtCortivoDoc& document) {
     const FMRProject& project = document.project;
     computeDisplayRange(document.slices.greyScale, project.firstVolume.span());
-    document.slices.createSlicePixmaps(project.firstVolume.span(), project.ResolutionX,
-                                       project.ResolutionY, project.NrOfSlices);
+    document.slices.createSlicePixmaps(project.firstVolume.span(), project.size());
     document.firstVolumePresent = true;
 }
 

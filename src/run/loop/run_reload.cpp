@@ -43,9 +43,6 @@ bool loadProject(const RunParts& run) {
     if (!loadFMRProject(document.project, path, LoadData::Yes))
         return false;
     const FMRProject& project = document.project;
-    document.maps.sizeX = project.ResolutionX;
-    document.maps.sizeY = project.ResolutionY;
-    document.maps.nrOfSlices = project.NrOfSlices;
     document.mosaic.MosaicColumns = std::max(project.LayoutNColumns, 1);
     document.mosaic.MosaicRows = std::max(project.LayoutNRows, 1);
     return true;

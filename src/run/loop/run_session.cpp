@@ -230,7 +230,7 @@ void RunSession::showOnFirstVolume() {
     // During a run the loop takes the request up at its next volume.
     if (!state.runActive && state.overlayReset && functionalDocument) {
         functionalDocument->slices.updateSlicePixmaps(
-            functionalDocument->project.firstVolume.span(), functionalDocument->project.NrOfSlices);
+            functionalDocument->project.firstVolume.span());
         state.overlayReset = false;
     }
     if (state.pendingOverlayInplane != -1)

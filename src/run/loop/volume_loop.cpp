@@ -126,11 +126,10 @@ void VolumeLoop::showBackground(bool afterPreprocessing) {
         return;
     const FMRProject& project = document_.project;
     if (state_.overlayVolumeMode != 0) {
-        document_.slices.updateSlicePixmaps(project.volumes[size_t(volumeIndex_)].span(),
-                                            project.NrOfSlices);
+        document_.slices.updateSlicePixmaps(project.volumes[size_t(volumeIndex_)].span());
         backgroundChanged_ = true;
     } else if (state_.overlayReset) {
-        document_.slices.updateSlicePixmaps(project.firstVolume.span(), project.NrOfSlices);
+        document_.slices.updateSlicePixmaps(project.firstVolume.span());
         state_.overlayReset = false;
         backgroundChanged_ = true;
     }
