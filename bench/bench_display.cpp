@@ -54,7 +54,8 @@ bool fillMaps(StatisticalMaps& maps, const Size& size) {
             maps.ContrastMaps[size_t(map)][i] =
                 float(4.0 * std::sin(double(x) / 6 + map) * std::sin(double(y) / 5));
         }
-    computeClusterSizes(maps, false);
+    OverlayThresholds thresholds;
+    computeClusterSizes(maps, thresholds, false);
     return true;
 }
 
@@ -79,7 +80,7 @@ void measure(const Size& size) {
     size_t passing = 0;
     for (int slice = 0; slice < size.slices; ++slice)
         for (size_t pixel = 0; pixel < maps.size.sliceSamples(); ++pixel)
-            passing += voxelIsShown(maps, slice, pixel) != 0;
+            passing += voxelIsShown(maps, source.thresholds, slice, pixel) != 0;
     QImage mosaic;
     const double grey = medianTime([&] { slices.updateSlicePixmaps(samples); });
     const auto compose = [&] { (void)composeSliceMosaic(mosaic, source); };

@@ -47,6 +47,7 @@ struct BenchmarkRun {
     BrainMask mask;
     GLMState glm;
     StatisticalMaps maps;
+    OverlayThresholds thresholds;
 
     GLMRun parts() { return {project, design, contrasts, mask, glm, maps}; }
 
@@ -137,7 +138,7 @@ bool printSize(const Size& size) {
     const double mapTime = medianMilliseconds(repeats, update);
     const double wholeTime = medianMilliseconds(repeats, [&] {
         update();
-        computeClusterSizes(run.maps, false);
+        computeClusterSizes(run.maps, run.thresholds, false);
     });
     std::printf("%3d x %3d x %2d  %7.2f  %7.2f  %6.2f  %7.2f  %7.2f  %7.0f  %7.1f  %7.1f\n",
                 size.columns, size.rows, size.slices, memcpyTime, updateTime,

@@ -45,8 +45,9 @@ void saveBitmap(const QImage& picture, const QString& path) {
 
 } // namespace
 
-QtCortivoView::QtCortivoView(QtCortivoDoc* document, QWidget* parent)
-    : QWidget(parent), document_(document) {
+QtCortivoView::QtCortivoView(QtCortivoDoc* document, const OverlayThresholds& thresholds,
+                             QWidget* parent)
+    : QWidget(parent), document_(document), thresholds_(thresholds) {
     setObjectName("QtCortivoView");
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -98,8 +99,9 @@ void QtCortivoView::compose() {
     source.significanceColorCoding = document_->SignificanceColorCoding;
     if (overlayShown_ && document_->kind() == QtCortivoDoc::Kind::Functional) {
         source.maps = &document_->maps;
-        legend_ = makeOverlayLegend(document_->maps, document_->contrasts, document_->overlayColors,
-                                    document_->SignificanceColorCoding);
+        source.thresholds = thresholds_;
+        legend_ = makeOverlayLegend(document_->maps, thresholds_, document_->contrasts,
+                                    document_->overlayColors, document_->SignificanceColorCoding);
     }
     shownLayout_ = document_->mosaic;
     nrOfShownSlices_ = int(source.images().size());

@@ -18,8 +18,10 @@ class QtCortivoView : public QWidget {
     Q_OBJECT
 
 public:
-    /// The document is not owned and must live as long as the view; without one the view is black.
-    explicit QtCortivoView(QtCortivoDoc* document, QWidget* parent = nullptr);
+    /// Document and thresholds are not owned and must live as long as the view; without a document
+    /// the view is black.
+    QtCortivoView(QtCortivoDoc* document, const OverlayThresholds& thresholds,
+                  QWidget* parent = nullptr);
 
     /// Shows the high-resolution slices instead of the functional ones, where there are any.
     void setShowInplanes(bool show);
@@ -62,6 +64,7 @@ private:
     void paintTileMarks(QPainter& painter, const QRectF& area) const;
 
     QtCortivoDoc* document_;
+    const OverlayThresholds& thresholds_;
     QImage mosaic_;
     // As the mosaic was composed: the document may be ahead of what is on the screen.
     SliceMosaicLayout shownLayout_;

@@ -51,7 +51,8 @@ std::array<uint32_t, nrOfOverlayColors> packedColors(const OverlayColorTable& ta
 class OverlayPainter {
 public:
     OverlayPainter(const SliceMosaicSource& source, int scale)
-        : maps_(*source.maps), significance_(source.significanceColorCoding), scale_(scale),
+        : maps_(*source.maps), thresholds_(source.thresholds),
+          significance_(source.significanceColorCoding), scale_(scale),
           colors_(packedColors(source.colors->active)) {
         for (unsigned passing = 1; passing < colorOfSet_.size(); ++passing)
             colorOfSet_[passing] =
@@ -61,13 +62,13 @@ public:
     void paintSlice(Canvas& canvas, int slice, int column, int row) const {
         const bool sized = size_t(slice) < maps_.ClusterSizeSlices.size() &&
                            !maps_.ClusterSizeSlices[size_t(slice)].empty();
-        if (!sized && maps_.ClusterSizePixels != 1)
+        if (!sized && thresholds_.looksAtClusters())
             return;
         size_t pixel = 0;
         for (int y = 0; y < maps_.size.y; ++y) {
             const int top = (y + row * maps_.size.y) * scale_;
             for (int x = 0; x < maps_.size.x; ++x, ++pixel) {
-                const unsigned passing = voxelIsShown(maps_, slice, pixel);
+                const unsigned passing = voxelIsShown(maps_, thresholds_, slice, pixel);
                 if (passing == 0)
                     continue;
                 const uint32_t color =
@@ -91,11 +92,12 @@ private:
                 negative = value < 0.0f;
             }
         }
-        return colors_[size_t(
-            significanceColorIndex(largest, negative, maps_.Threshold, maps_.ColorMaxThreshold))];
+        return colors_[size_t(significanceColorIndex(largest, negative, thresholds_.Threshold,
+                                                     thresholds_.ColorMaxThreshold))];
     }
 
     const StatisticalMaps& maps_;
+    const OverlayThresholds thresholds_;
     bool significance_;
     int scale_;
     std::array<uint32_t, nrOfOverlayColors> colors_;

@@ -6,6 +6,7 @@
 #include "run/document/slice_mosaic_layout.h"
 #include "stats/overlay_colors.h"
 #include "stats/statistical_maps.h"
+#include "stats/thresholds.h"
 
 #include <QImage>
 #include <vector>
@@ -16,6 +17,7 @@ struct SliceMosaicSource {
     bool showInplanes = false; ///< high-resolution slices, where there are any
     SliceMosaicLayout layout;
     const StatisticalMaps* maps = nullptr; ///< nullptr for no overlay
+    OverlayThresholds thresholds;
     const OverlayColors* colors = nullptr; ///< needed with maps
     bool significanceColorCoding = false;
 

@@ -62,17 +62,17 @@ int labelOfPixel(const int* row, const int* above, ClusterScratch& scratch) {
 
 /// Labels in raster order; scratch.sizes gets the number of pixels of each label. The tables grow
 /// with the labels, so that no image, however speckled, runs over their end.
-void labelSlice(const StatisticalMaps& maps, ClusterScratch& scratch) {
-    const size_t sizeX = size_t(maps.size.x);
+void labelSlice(const VolumeSize& size, float threshold, ClusterScratch& scratch) {
+    const size_t sizeX = size_t(size.x);
     const size_t stride = sizeX + 2;
-    scratch.labels.assign(stride * (size_t(maps.size.y) + 1), 0);
+    scratch.labels.assign(stride * (size_t(size.y) + 1), 0);
     scratch.links.assign(1, 0);
     scratch.sizes.assign(1, 0);
-    for (size_t y = 0; y < size_t(maps.size.y); ++y) {
+    for (size_t y = 0; y < size_t(size.y); ++y) {
         const float* values = scratch.combined.data() + y * sizeX;
         int* row = scratch.labels.data() + (y + 1) * stride + 1;
         for (size_t x = 0; x < sizeX; ++x) {
-            if (values[x] < maps.Threshold)
+            if (values[x] < threshold)
                 continue;
             row[x] = labelOfPixel(row + x, row + x - stride, scratch);
             ++scratch.sizes[size_t(row[x])];
@@ -121,11 +121,10 @@ void mergeLabels(ClusterScratch& scratch) {
         scratch.sizes[label] = scratch.sizes[size_t(scratch.roots[label])];
 }
 
-void writeSizes(const StatisticalMaps& maps, const ClusterScratch& scratch,
-                std::vector<int>& result) {
-    const size_t sizeX = size_t(maps.size.x);
+void writeSizes(const VolumeSize& size, const ClusterScratch& scratch, std::vector<int>& result) {
+    const size_t sizeX = size_t(size.x);
     const size_t stride = sizeX + 2;
-    for (size_t y = 0; y < size_t(maps.size.y); ++y) {
+    for (size_t y = 0; y < size_t(size.y); ++y) {
         const int* labels = scratch.labels.data() + (y + 1) * stride + 1;
         int* sizes = result.data() + y * sizeX;
         for (size_t x = 0; x < sizeX; ++x)
@@ -135,11 +134,12 @@ void writeSizes(const StatisticalMaps& maps, const ClusterScratch& scratch,
 
 } // namespace
 
-void computeClusterSizes(StatisticalMaps& maps, bool conjunction) {
-    maps.Threshold = std::max(maps.Threshold, 0.0f);
-    maps.ColorMaxThreshold = std::max(maps.ColorMaxThreshold, 0.0f);
+void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, bool conjunction) {
+    thresholds.Threshold = std::max(thresholds.Threshold, 0.0f);
+    thresholds.ColorMaxThreshold = std::max(thresholds.ColorMaxThreshold, 0.0f);
+    thresholds.ClusterSizePixels = std::max(thresholds.ClusterSizePixels, 1);
     maps.NrOfShownMaps = maps.nrOfMapsToShow(conjunction);
-    if (maps.NrOfShownMaps == 0 || maps.ClusterSizePixels <= 0)
+    if (maps.NrOfShownMaps == 0)
         return;
 
     maps.ClusterSizeSlices.resize(size_t(maps.size.slices));
@@ -150,10 +150,10 @@ void computeClusterSizes(StatisticalMaps& maps, bool conjunction) {
         if (slice == 0 || slice == maps.size.slices - 1)
             continue;
         combineMaps(maps, slice, scratch.combined);
-        if (!anyReaches(scratch.combined, maps.Threshold))
+        if (!anyReaches(scratch.combined, thresholds.Threshold))
             continue;
-        labelSlice(maps, scratch);
+        labelSlice(maps.size, thresholds.Threshold, scratch);
         mergeLabels(scratch);
-        writeSizes(maps, scratch, sizes);
+        writeSizes(maps.size, scratch, sizes);
     }
 }

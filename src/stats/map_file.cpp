@@ -79,12 +79,14 @@ qint32 channel(int value) {
     return std::clamp(value, 0, 255);
 }
 
-void writeMap(QDataStream& stream, const MapInUse& map, const StatisticalMaps& maps) {
+void writeMap(QDataStream& stream, const MapInUse& map, const StatisticalMaps& maps,
+              const OverlayThresholds& thresholds) {
     // The stream's own form of a byte array would mark an empty name in a way of its own.
     stream << quint32(map.name.size());
     stream.writeRawData(map.name.constData(), int(map.name.size()));
-    stream << qint32(maps.MapType) << qint32(maps.MapDF1) << qint32(maps.MapDF2) << maps.Threshold
-           << maps.ColorMaxThreshold << qint32(maps.ClusterSizePixels) << channel(map.color.red)
+    stream << qint32(maps.MapType) << qint32(maps.MapDF1) << qint32(maps.MapDF2)
+           << thresholds.Threshold << thresholds.ColorMaxThreshold
+           << qint32(thresholds.ClusterSizePixels) << channel(map.color.red)
            << channel(map.color.green) << channel(map.color.blue) << qint32(map.selectionState);
     writeFloats(stream, map.values);
 }
@@ -107,15 +109,17 @@ bool readMapHeader(QDataStream& stream, MapFileEntry& map) {
     if (!readName(stream, map.name))
         return false;
     qint32 type = 0, red = 0, green = 0, blue = 0;
-    stream >> type >> map.df1 >> map.df2 >> map.threshold >> map.colorMaxThreshold >>
-        map.clusterSizePixels >> red >> green >> blue >> map.selectionState;
+    stream >> type >> map.df1 >> map.df2 >> map.thresholds.Threshold >>
+        map.thresholds.ColorMaxThreshold >> map.thresholds.ClusterSizePixels >> red >> green >>
+        blue >> map.selectionState;
     const auto isChannel = [](qint32 value) { return value >= 0 && value <= 255; };
     map.type = MapKind(type);
     map.color = {red, green, blue};
     return stream.status() == QDataStream::Ok && type >= int(MapKind::T) &&
            type <= int(MapKind::F) && map.df1 >= 0 && map.df2 >= 0 &&
-           std::isfinite(map.threshold) && std::isfinite(map.colorMaxThreshold) && isChannel(red) &&
-           isChannel(green) && isChannel(blue) && map.selectionState >= ContrastOff &&
+           std::isfinite(map.thresholds.Threshold) &&
+           std::isfinite(map.thresholds.ColorMaxThreshold) && isChannel(red) && isChannel(green) &&
+           isChannel(blue) && map.selectionState >= ContrastOff &&
            map.selectionState <= ContrastBoth;
 }
 
@@ -176,7 +180,7 @@ QString readContent(QFile& device, const QString& fileName, MapFile& file) {
 } // namespace
 
 bool writeMapFile(const QString& fileName, const StatisticalMaps& maps,
-                  const ContrastDefinitions& contrasts) {
+                  const OverlayThresholds& thresholds, const ContrastDefinitions& contrasts) {
     QSaveFile device(fileName);
     bool written = device.open(QIODevice::WriteOnly);
     if (written) {
@@ -186,7 +190,7 @@ bool writeMapFile(const QString& fileName, const StatisticalMaps& maps,
         stream << fileMark << fileVersion << qint32(maps.size.x) << qint32(maps.size.y)
                << qint32(maps.size.slices) << qint32(used.size());
         for (const MapInUse& map : used)
-            writeMap(stream, map, maps);
+            writeMap(stream, map, maps, thresholds);
         written = stream.status() == QDataStream::Ok && device.commit();
     }
     if (!written)

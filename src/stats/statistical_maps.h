@@ -1,4 +1,4 @@
-// Statistical maps of a run, their thresholds and the sizes of their clusters.
+// Statistical maps of a run and the sizes of their clusters.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -33,9 +33,6 @@ struct StatisticalMaps {
     MapKind MapType = MapKind::T;
     int MapDF1 = 0; ///< degrees of freedom; 0 when unknown
     int MapDF2 = 0;
-    float Threshold = 3.0f;
-    float ColorMaxThreshold = 8.0f;
-    int ClusterSizePixels = 4;
     /// For each slice and pixel the size of its cluster; 0 below threshold. Empty when not
     /// computed.
     std::vector<std::vector<int>> ClusterSizeSlices;

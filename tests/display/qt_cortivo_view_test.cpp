@@ -22,7 +22,8 @@ protected:
     }
     ScriptedMessages messages;
     QtCortivoDoc document{QtCortivoDoc::Kind::Functional};
-    QtCortivoView view{&document};
+    OverlayThresholds thresholds;
+    QtCortivoView view{&document, thresholds};
 };
 
 TEST_F(View, ScrollsByKeys) {

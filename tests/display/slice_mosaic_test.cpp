@@ -26,7 +26,7 @@ struct Scene {
         const std::vector<int16_t> samples(size_t(12 * nrOfSlices), int16_t(1));
         slices.createSlicePixmaps(samples, {4, 3, nrOfSlices});
         maps = mapsInUse(4, 3, nrOfSlices, nrOfMaps, ContrastBoth);
-        maps.ClusterSizePixels = 1;
+        source.thresholds.ClusterSizePixels = 1;
         for (int i = 0; i < nrOfOverlayColors; ++i)
             colors.active[size_t(i)] = {i + 1, 2 * i, 3 * i};
         source.slices = &slices;

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "stats/thresholds.h"
+
 #include <QString>
 
 struct RunState {
@@ -27,8 +29,9 @@ struct RunState {
     QString preLoadROIFile;
     bool preLoadVOI = false;
     bool motionCorrectionFailed = false;
-    bool mapsPresent = false;    ///< there are maps to show
-    bool runFinished = false;    ///< the current settings file has been analysed
-    bool savedCompletely = true; ///< the run in memory is on disk, whole
-    int logFontSize = 9;         ///< points
+    OverlayThresholds thresholds; ///< of the maps; those of the settings at each start
+    bool mapsPresent = false;     ///< there are maps to show
+    bool runFinished = false;     ///< the current settings file has been analysed
+    bool savedCompletely = true;  ///< the run in memory is on disk, whole
+    int logFontSize = 9;          ///< points
 };

@@ -42,7 +42,8 @@ bool fitAgain(const RunParts& run, int nrOfVolumes, ProgressReporter& progress) 
         progress.setProgress((volume + 1) * 100 / nrOfVolumes);
         return !progress.cancelled();
     };
-    if (!fitModelToVolumes(run.document, run.settings, nrOfVolumes, afterVolume))
+    if (!fitModelToVolumes(run.document, run.settings, run.state.thresholds, nrOfVolumes,
+                           afterVolume))
         return false;
     run.state.mapsPresent = run.document.maps.NrOfActiveContrasts > 0;
     return true;

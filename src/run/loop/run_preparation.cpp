@@ -100,10 +100,6 @@ void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings)
     document.protocol.tdatPath = settings.TDatFile;
     document.protocol.realTimeProtocolPath = settings.RealTimeProtocol;
     document.protocol.protocolPath = settings.StimulationProtocol;
-    document.maps.Threshold = settings.Threshold;
-    document.maps.ColorMaxThreshold =
-        std::max(document.maps.ColorMaxThreshold, settings.Threshold + 1.0f);
-    document.maps.ClusterSizePixels = settings.ClusterSizePixels;
     document.mosaic.MosaicColumns = std::max(settings.NrOfColumns, 1);
     document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
     document.workingFolder = settings.TargetFolder;
@@ -133,6 +129,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
     run.state.pendingOverlayVMR = settings.pendingOverlayVMR;
     run.state.pendingOverlaySRF = settings.pendingOverlaySRF;
     copySettingsToDocument(document, settings);
+    run.state.thresholds = thresholdsAtStart(settings.Threshold, settings.ClusterSizePixels);
     if (!document.workingFolder.isEmpty())
         QDir::setCurrent(document.workingFolder);
 

@@ -58,8 +58,8 @@ void showSlices(FMRProject& project, QtCortivoDoc& document) {
 
 bool fitModel(const RunParts& run) {
     constexpr int volumesBetweenEvents = 10;
-    return fitModelToVolumes(run.document, run.settings, run.document.project.NrOfVolumes,
-                             [&run](int volume) {
+    return fitModelToVolumes(run.document, run.settings, run.state.thresholds,
+                             run.document.project.NrOfVolumes, [&run](int volume) {
                                  if (volume % volumesBetweenEvents == 0)
                                      run.pump.processEvents();
                                  return true;
@@ -74,6 +74,7 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     if (!readSettingsFile(settings, SettingsUse::Reload, stopTimer))
         return false;
     copySettingsToDocument(document, settings);
+    run.state.thresholds = thresholdsAtStart(settings.Threshold, settings.ClusterSizePixels);
     // A saved run has no inplanes.
     run.state.pendingOverlayInplane = -1;
     const FMRProject& project = document.project;

@@ -186,7 +186,7 @@ void RunSession::thresholdChanged() {
     if (!functionalDocument)
         return;
     if (!state.runActive)
-        computeClusterSizes(functionalDocument->maps,
+        computeClusterSizes(functionalDocument->maps, state.thresholds,
                             functionalDocument->contrasts.ConjunctionAnalysis);
     state.mapsPresent = true;
     display_.updateViews();
@@ -219,7 +219,7 @@ void RunSession::colorCodingChanged(bool significance) {
 void RunSession::stepThreshold(bool up) {
     if (!functionalDocument)
         return;
-    ::stepThreshold(functionalDocument->maps, up);
+    ::stepThreshold(state.thresholds, functionalDocument->maps.MapType, up);
     thresholdChanged();
 }
 

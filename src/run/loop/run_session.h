@@ -51,7 +51,7 @@ public:
 
     /// Operations on the controls; each does nothing without a document, and during a run leaves
     /// the recomputation to the next volume.
-    void thresholdChanged(); ///< cluster sizes and views after a change of maps.Threshold
+    void thresholdChanged(); ///< cluster sizes and views after a change of state.thresholds
     void contrastsChanged(); ///< after a change of selection or colours
     void colorCodingChanged(bool significance);
     void stepThreshold(bool up); ///< Ctrl+Up, Ctrl+Down

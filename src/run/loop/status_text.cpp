@@ -18,8 +18,8 @@ QString seconds(qint64 milliseconds) {
 }
 
 // "<b>t</b> > <b>3</b>": which statistic passes which threshold.
-QString thresholdPart(const StatisticalMaps& maps) {
-    return thresholdPrefix(maps) + bold(QString::number(double(maps.Threshold)));
+QString thresholdPart(const RunState& state, const StatisticalMaps& maps) {
+    return thresholdPrefix(maps) + bold(QString::number(double(state.thresholds.Threshold)));
 }
 
 QString overlayPart(const RunState& state) {
@@ -44,7 +44,7 @@ QString volumeStatusText(const RunState& state, const RunSettings& settings,
            QStringLiteral(" volume <b>%1 (%2)</b>,  elapsed time: ")
                .arg(volumeIndex + 1)
                .arg(settings.NrOfVolumesToSkip + 1 + volumeIndex) +
-           bold(seconds(runMilliseconds)) + " secs,  " + thresholdPart(maps) +
+           bold(seconds(runMilliseconds)) + " secs,  " + thresholdPart(state, maps) +
            QStringLiteral("<br><br>ReadVolTime: <b>%1</b> ms   FeedbackTime: <b>%2</b> ms<br>"
                           "FullVolTime: <b>%3</b> ms   VolWaitTime: <b>%4</b> ms<br>"
                           "StartOffset: <b>%5</b> sec")
@@ -56,16 +56,16 @@ QString volumeStatusText(const RunState& state, const RunSettings& settings,
            overlayPart(state) + (last ? "<br> Ready.<br></body>" : "</body>");
 }
 
-QString savingTextHead(int fontSize, int volumeIndex, qint64 runMilliseconds,
-                       const StatisticalMaps& maps) {
-    return bodyStart(fontSize) + " volume " + bold(QString::number(volumeIndex)) +
-           ",  elapsed time: " + bold(seconds(runMilliseconds)) + " secs,  " + thresholdPart(maps) +
-           "<br>";
+QString savingTextHead(const RunState& state, const StatisticalMaps& maps, int volumeIndex,
+                       qint64 runMilliseconds) {
+    return bodyStart(state.logFontSize) + " volume " + bold(QString::number(volumeIndex)) +
+           ",  elapsed time: " + bold(seconds(runMilliseconds)) + " secs,  " +
+           thresholdPart(state, maps) + "<br>";
 }
 
 QString betweenRunsText(const RunState& state, const StatisticalMaps& maps) {
     return singleRunPanelText(state.currentVolume + 1, double(state.elapsedRunTime) / 1000.0,
-                              thresholdText(maps));
+                              thresholdText(maps, state.thresholds));
 }
 
 QString reloadingText(int fontSize, const QString& settingsFileName, const QString& projectName) {

@@ -25,8 +25,8 @@ struct CycleTimes {
                                        int volumeIndex, qint64 runMilliseconds);
 
 /// Head of the texts around saving: where the loop stopped and when.
-[[nodiscard]] QString savingTextHead(int fontSize, int volumeIndex, qint64 runMilliseconds,
-                                     const StatisticalMaps& maps);
+[[nodiscard]] QString savingTextHead(const RunState& state, const StatisticalMaps& maps,
+                                     int volumeIndex, qint64 runMilliseconds);
 
 /// The panel between runs.
 [[nodiscard]] QString betweenRunsText(const RunState& state, const StatisticalMaps& maps);

@@ -191,7 +191,8 @@ void VolumeLoop::showStatus() {
 void VolumeLoop::showMaps() {
     const bool modelled = volumeIndex_ >= document_.glm.GLMStartVolume;
     if (modelled) {
-        computeClusterSizes(document_.maps, document_.contrasts.ConjunctionAnalysis);
+        computeClusterSizes(document_.maps, state_.thresholds,
+                            document_.contrasts.ConjunctionAnalysis);
         state_.mapsPresent = true;
     }
     if (modelled || backgroundChanged_)
@@ -211,8 +212,7 @@ void VolumeLoop::releaseModel() {
 }
 
 void VolumeLoop::save() {
-    const QString head =
-        savingTextHead(state_.logFontSize, volumeIndex_, runClock_.elapsed(), document_.maps);
+    const QString head = savingTextHead(state_, document_.maps, volumeIndex_, runClock_.elapsed());
     run_.display.showLogText(head + "<br> Saving recorded data...<br></body>");
     run_.pump.processEvents();
     state_.savedCompletely = saveRecordedData(run_);

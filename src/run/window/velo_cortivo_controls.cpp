@@ -46,23 +46,21 @@ void VeloCortivo::refreshControls() {
     const QSignalBlocker blockers[] = {
         QSignalBlocker(thresholdBox_), QSignalBlocker(colorMaxThresholdBox_),
         QSignalBlocker(clusterSizeBox_), QSignalBlocker(multiSliceBox_)};
-    const StatisticalMaps defaults;
-    const QtCortivoDoc* document = session_.functionalDocument.get();
-    const StatisticalMaps& maps = document ? document->maps : defaults;
-    thresholdBox_->setValue(double(maps.Threshold));
-    colorMaxThresholdBox_->setValue(double(maps.ColorMaxThreshold));
-    clusterSizeBox_->setValue(maps.ClusterSizePixels);
+    const OverlayThresholds& thresholds = session_.state.thresholds;
+    thresholdBox_->setValue(double(thresholds.Threshold));
+    colorMaxThresholdBox_->setValue(double(thresholds.ColorMaxThreshold));
+    clusterSizeBox_->setValue(thresholds.ClusterSizePixels);
     multiSliceBox_->setValue(session_.settings.MultiSliceROISelection);
     if (session_.state.runActive)
         return; // the loop owns the panel
-    if (document)
+    if (session_.functionalDocument)
         showLogText(session_.panelText());
 }
 
 void VeloCortivo::slotChangeThreshold() {
     if (!session_.functionalDocument)
         return;
-    changeThreshold(session_.functionalDocument->maps, float(thresholdBox_->value()));
+    changeThreshold(session_.state.thresholds, float(thresholdBox_->value()));
     session_.thresholdChanged();
     refreshControls();
 }
@@ -70,8 +68,7 @@ void VeloCortivo::slotChangeThreshold() {
 void VeloCortivo::slotChangeColorMaxThreshold() {
     if (!session_.functionalDocument)
         return;
-    changeColorMaxThreshold(session_.functionalDocument->maps,
-                            float(colorMaxThresholdBox_->value()));
+    changeColorMaxThreshold(session_.state.thresholds, float(colorMaxThresholdBox_->value()));
     updateViews(); // cluster sizes don't depend on it
     refreshControls();
 }
@@ -79,7 +76,7 @@ void VeloCortivo::slotChangeColorMaxThreshold() {
 void VeloCortivo::slotChangeClusterSize() {
     if (!session_.functionalDocument)
         return;
-    changeClusterSize(session_.functionalDocument->maps, clusterSizeBox_->value());
+    changeClusterSize(session_.state.thresholds, clusterSizeBox_->value());
     session_.thresholdChanged();
     refreshControls();
 }

@@ -47,7 +47,8 @@ void VeloCortivo::documentsLeaving() {
 }
 
 void VeloCortivo::documentsArrived() {
-    functionalView_ = new QtCortivoView(session_.functionalDocument.get(), imageView_);
+    functionalView_ =
+        new QtCortivoView(session_.functionalDocument.get(), session_.state.thresholds, imageView_);
     functionalView_->setObjectName("FunctionalView");
     imageView_->layout()->addWidget(functionalView_);
     functionalView_->hide();
