@@ -51,8 +51,7 @@ bool fillMaps(StatisticalMaps& maps, const Size& size) {
         for (size_t i = 0; i < maps.size.samples(); ++i) {
             const size_t x = i % size_t(size.matrix);
             const size_t y = i / size_t(size.matrix) % size_t(size.matrix);
-            maps.ContrastMaps[size_t(map)][i] =
-                float(4.0 * std::sin(double(x) / 6 + map) * std::sin(double(y) / 5));
+            maps.map(map)[i] = float(4.0 * std::sin(double(x) / 6 + map) * std::sin(double(y) / 5));
         }
     OverlayThresholds thresholds;
     computeClusterSizes(maps, thresholds, false);

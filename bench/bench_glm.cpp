@@ -90,13 +90,11 @@ private:
     }
     [[nodiscard]] bool makeVolumes() {
         std::minstd_rand random(1);
-        project.volumes.resize(nrOfVolumes);
-        for (Volume& volume : project.volumes) {
-            if (!volume.allocate(project.volumeSamples()))
-                return false;
-            for (int16_t& sample : volume.span())
+        if (!project.allocateVolumes())
+            return false;
+        for (size_t v = 0; v < project.volumes.size(); ++v)
+            for (int16_t& sample : project.volumes[v])
                 sample = int16_t(900 + (random() >> 8) % 64);
-        }
         return true;
     }
 };

@@ -81,11 +81,13 @@ public:
 private:
     /// The colour of the largest of the shown values; of equal ones the first counts.
     [[nodiscard]] uint32_t significanceColor(int slice, size_t pixel) const {
-        const size_t voxel = size_t(slice) * maps_.size.sliceSamples() + pixel;
+        const size_t mapSamples = maps_.size.samples();
+        const float* values =
+            maps_.ContrastMaps.data() + size_t(slice) * maps_.size.sliceSamples() + pixel;
         float largest = -std::numeric_limits<float>::infinity();
         bool negative = false;
         for (size_t map = 0; map < size_t(maps_.NrOfShownMaps); ++map) {
-            const float value = maps_.ContrastMaps[map][voxel];
+            const float value = values[map * mapSamples];
             const float shown = valueAsShown(value, maps_.states[map]);
             if (shown > largest) {
                 largest = shown;

@@ -49,12 +49,12 @@ bool FileVolumeReader::readPart(const QString& fileName, const FilePart& part,
     }
 }
 
-std::span<int16_t> FileVolumeReader::ofRightSize(Volume& volume) const {
-    return volume.size() == project().volumeSamples() ? volume.span() : std::span<int16_t>();
+std::span<int16_t> FileVolumeReader::ofRightSize(std::span<int16_t> volume) const {
+    return volume.size() == project().volumeSamples() ? volume : std::span<int16_t>();
 }
 
 std::span<int16_t> FileVolumeReader::firstVolume() {
-    return ofRightSize(project().firstVolume);
+    return ofRightSize(project().firstVolume.span());
 }
 
 std::span<int16_t> FileVolumeReader::analysedVolume(int volume) {

@@ -70,7 +70,7 @@ protected:
     static bool failWith(const QString& text);
 
 private:
-    [[nodiscard]] std::span<int16_t> ofRightSize(Volume& volume) const;
+    [[nodiscard]] std::span<int16_t> ofRightSize(std::span<int16_t> volume) const;
 
     IntakeContext context_;
     FileBytes file_;

@@ -27,9 +27,10 @@ bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold) 
         return false;
     }
     mask.voxels.assign(voxels, 0);
-    if (project.NrOfSlices < 3 || project.volumes.empty() || project.volumes[0].size() < voxels)
+    if (project.NrOfSlices < 3 || project.volumes.empty() ||
+        project.volumes.samplesOfEach() < voxels)
         return true;
-    const Volume& volume = project.volumes[0];
+    const std::span<const int16_t> volume = project.volumes[0];
     const size_t sliceSamples = project.sliceSamples();
     for (size_t voxel = sliceSamples; voxel < voxels - sliceSamples; ++voxel)
         mask.voxels[voxel] = int(uint16_t(volume[voxel])) > threshold;

@@ -20,9 +20,9 @@ void takeLargest(std::vector<float>& combined, const float* map, ValueAsShown sh
 /// The largest of the shown maps' values over 0 for each pixel of a slice.
 void combineMaps(const StatisticalMaps& maps, int slice, std::vector<float>& combined) {
     combined.assign(maps.size.sliceSamples(), 0.0f);
-    for (size_t i = 0; i < size_t(maps.NrOfShownMaps); ++i) {
-        const float* map = maps.ContrastMaps[i].data() + size_t(slice) * maps.size.sliceSamples();
-        const int state = maps.states[i];
+    for (int i = 0; i < maps.NrOfShownMaps; ++i) {
+        const float* map = maps.map(i).data() + size_t(slice) * maps.size.sliceSamples();
+        const int state = maps.states[size_t(i)];
         if (state == 3)
             takeLargest(combined, map, [](float value) { return std::fabs(value); });
         else if (state == 2)

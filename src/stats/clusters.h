@@ -30,10 +30,12 @@ void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, b
         if (pixel >= sizes.size() || sizes[pixel] < thresholds.ClusterSizePixels)
             return 0;
     }
-    const size_t voxel = size_t(slice) * maps.size.sliceSamples() + pixel;
+    const size_t mapSamples = maps.size.samples();
+    const float* value =
+        maps.ContrastMaps.data() + size_t(slice) * maps.size.sliceSamples() + pixel;
     unsigned passing = 0;
-    for (size_t map = 0; map < size_t(maps.NrOfShownMaps); ++map)
-        if (valueAsShown(maps.ContrastMaps[map][voxel], maps.states[map]) >= thresholds.Threshold)
+    for (size_t map = 0; map < size_t(maps.NrOfShownMaps); ++map, value += mapSamples)
+        if (valueAsShown(*value, maps.states[map]) >= thresholds.Threshold)
             passing |= 1u << map;
     return passing;
 }

@@ -39,12 +39,8 @@ void finishBlock(FinishedModel& model, const GLMState& glm, std::span<const int1
 
 bool allocateMissingMaps(const FinishedModel& model, const ContrastDefinitions& contrasts,
                          StatisticalMaps& maps) {
-    const size_t needed = size_t(std::max(contrasts.NrOfContrasts, 0));
-    const bool present =
-        maps.size == model.size && maps.ContrastMaps.size() >= needed &&
-        std::all_of(maps.ContrastMaps.begin(), maps.ContrastMaps.end(),
-                    [&](const auto& map) { return map.size() == model.nrOfVoxels(); });
-    if (present || maps.allocateMaps(int(needed), model.size))
+    const bool present = maps.size == model.size && maps.nrOfMaps >= contrasts.NrOfContrasts;
+    if (present || maps.allocateMaps(contrasts.NrOfContrasts, model.size))
         return true;
     showCritical("ERROR: Not enough memory for contrast maps - terminating Cortivo...");
     endProgram(1);
@@ -106,7 +102,7 @@ bool computeContrastMaps(const FinishedModel& model, const BrainMask& mask,
     markConjunction(contrasts, maps);
     computeContrastVariances(active, model.iXX);
     for (int c = 0; c < active.count; ++c)
-        std::ranges::fill(maps.ContrastMaps[size_t(c)].span(), 0.0f);
+        std::ranges::fill(maps.map(c), 0.0f);
     const bool withConjunction = conjunctionApplies(contrasts, maps);
     std::array<float, glmBlockVoxels> variances;
     forEachBlock(mask, [&](size_t first, size_t count) {

@@ -59,16 +59,14 @@ struct MapInUse {
 
 std::vector<MapInUse> mapsInUse(const StatisticalMaps& maps, const ContrastDefinitions& contrasts) {
     const size_t count =
-        std::min({size_t(std::max(maps.NrOfActiveContrasts, 0)), maps.ContrastMaps.size(),
+        std::min({size_t(std::max(maps.NrOfActiveContrasts, 0)), size_t(maps.nrOfMaps),
                   maps.states.size(), maps.contrastOfMap.size()});
     std::vector<MapInUse> result;
     for (size_t i = 0; i < count; ++i) {
         const size_t contrast = size_t(maps.contrastOfMap[i]);
-        if (maps.ContrastMaps[i].size() < maps.size.samples())
-            continue;
         const bool known = contrast < contrasts.ContrastColors.size();
         result.push_back(
-            {maps.ContrastMaps[i].span().first(maps.size.samples()),
+            {maps.map(int(i)),
              contrasts.ContrastNames.value(maps.contrastOfMap[i]).toUtf8().left(longestName),
              known ? contrasts.ContrastColors[contrast] : RgbColor(), maps.states[i]});
     }

@@ -6,6 +6,7 @@
 #include "volume/volume_geometry.h"
 
 #include <cmath>
+#include <span>
 #include <vector>
 
 /// 1 t, 2 and 3 correlation-like, 4 F.
@@ -20,11 +21,13 @@ struct ClusterScratch {
     std::vector<int> sizes;      ///< by label: pixels of its cluster
 };
 
-/// One map is one float per voxel, x fastest, then y, then slices.
+/// One map is one float per voxel, x fastest, then y, then slices; map m starts at
+/// m * size.samples(). So the block can be handed out as it is.
 struct StatisticalMaps {
-    VolumeSize size;                               ///< of each map, as they were allocated
-    std::vector<ZeroedBuffer<float>> ContrastMaps; ///< one for each defined contrast
-    int NrOfActiveContrasts = 0;                   ///< the first so many maps are in use
+    VolumeSize size;                  ///< of each map, as they were allocated
+    ZeroedBuffer<float> ContrastMaps; ///< map after map, one for each defined contrast
+    int nrOfMaps = 0;                 ///< in ContrastMaps
+    int NrOfActiveContrasts = 0;      ///< the first so many maps are in use
     /// For each map in use: selection state 1 to 3 and the contrast that it belongs to.
     std::vector<int> states;
     std::vector<int> contrastOfMap;
@@ -38,12 +41,19 @@ struct StatisticalMaps {
     std::vector<std::vector<int>> ClusterSizeSlices;
     ClusterScratch clusterScratch;
 
+    /// Values of a map below nrOfMaps.
+    [[nodiscard]] std::span<float> map(int index) {
+        return ContrastMaps.span().subspan(size_t(index) * size.samples(), size.samples());
+    }
+    [[nodiscard]] std::span<const float> map(int index) const {
+        return ContrastMaps.span().subspan(size_t(index) * size.samples(), size.samples());
+    }
     /// Replaces the maps by `count` zeroed ones of this size, of which none is in use, and forgets
     /// the cluster sizes. False, with none allocated, when memory runs out; the message is the
     /// caller's.
     [[nodiscard]] bool allocateMaps(int count, const VolumeSize& sizeOfEach);
     /// How many maps are to be overlaid: the one map of a conjunction, else the first four of those
-    /// in use. Maps that are not allocated at full size don't count.
+    /// in use. Maps that are not allocated don't count.
     [[nodiscard]] int nrOfMapsToShow(bool conjunction) const;
 };
 

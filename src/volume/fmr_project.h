@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/memory.h"
+#include "volume/run_volumes.h"
 #include "volume/volume_geometry.h"
 
 #include <QString>
@@ -54,18 +54,17 @@ struct FMRHeader : VolumeGeometry {
     QString FirstDataSourceFile;
 };
 
-/// Samples of one volume: x fastest, then y, then slices.
-using Volume = ZeroedBuffer<int16_t>;
-
 /// The current run.
 struct FMRProject : FMRHeader {
     QString projectPath;  ///< full path of the .fmr file
     QString targetFolder; ///< with "/" at the end
     /// One entry for each analysed volume, all allocated when the run is prepared. NrOfVolumes is
     /// their number; what has been measured so far is the caller's to know.
-    std::vector<Volume> volumes;
+    RunVolumes volumes;
     Volume firstVolume; ///< as it was read, before any correction
 
     /// Allocates NrOfVolumes zeroed volumes. False, with none allocated, when memory runs out.
-    [[nodiscard]] bool allocateVolumes();
+    [[nodiscard]] bool allocateVolumes() {
+        return volumes.allocate(size_t(std::max(NrOfVolumes, 0)), volumeSamples());
+    }
 };

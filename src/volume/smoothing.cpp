@@ -102,7 +102,7 @@ void SpatialSmoothing::smoothAcrossSlices(const VolumeGeometry& geometry,
 bool SpatialSmoothing::applyKernels(FMRProject& project, int v, const Kernels& kernels) {
     const size_t volumeSamples = project.volumeSamples();
     if (v < 0 || size_t(v) >= project.volumes.size() || volumeSamples == 0 ||
-        project.volumes[size_t(v)].size() < volumeSamples || !allocate(project))
+        project.volumes.samplesOfEach() < volumeSamples || !allocate(project))
         return false;
     int16_t* const samples = project.volumes[size_t(v)].data();
     for (size_t first = 0; first < volumeSamples; first += project.sliceSamples())

@@ -36,7 +36,7 @@ struct Scene {
         source.layout.MosaicRows = 1;
     }
     void set(int map, int slice, int x, int y, float value) {
-        maps.ContrastMaps[size_t(map)][size_t(slice * 12 + y * 4 + x)] = value;
+        maps.map(map)[size_t(slice * 12 + y * 4 + x)] = value;
     }
     QRgb pixel(int x, int y) {
         EXPECT_TRUE(composeSliceMosaic(mosaic, source));

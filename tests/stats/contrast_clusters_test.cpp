@@ -29,8 +29,7 @@ TEST(Clusters, ShapesHaveTheSizesThatTheRulesGive) {
         StatisticalMaps maps = mapsInUse(sizeX, int(rows.size()), 3, 1);
         for (size_t i = 0; i < maps.size.sliceSamples(); ++i)
             if (rows[i / size_t(sizeX)][i % size_t(sizeX)] == '#')
-                maps.ContrastMaps[0][maps.size.sliceSamples() + i] =
-                    thresholds.Threshold; // just reaches it
+                maps.map(0)[maps.size.sliceSamples() + i] = thresholds.Threshold; // just reaches it
         computeClusterSizes(maps, thresholds, false);
         const std::vector<int>& sizes = maps.ClusterSizeSlices[1];
         EXPECT_EQ(std::set<int>(sizes.begin(), sizes.end()), expected) << name;
@@ -48,7 +47,7 @@ TEST(Clusters, StateAndSliceDecideWhatIsShown) {
           {3, 2.99f, false},
           {3, std::numeric_limits<float>::quiet_NaN(), false}}) {
         StatisticalMaps maps = mapsInUse(2, 2, 3, 1, state);
-        std::ranges::fill(maps.ContrastMaps[0].span(), value);
+        std::ranges::fill(maps.map(0), value);
         OverlayThresholds thresholds{.Threshold = 3.0f, .ClusterSizePixels = 0};
         computeClusterSizes(maps, thresholds, false);
         EXPECT_EQ(thresholds.ClusterSizePixels, 1);

@@ -21,7 +21,7 @@ StatisticalMaps exampleMaps() {
     maps.contrastOfMap = {1, 0};
     maps.MapDF1 = 190;
     for (size_t i = 0; i < 12; ++i)
-        maps.ContrastMaps[1][i] = float(i) - 5.5f;
+        maps.map(1)[i] = float(i) - 5.5f;
     return maps;
 }
 

@@ -57,7 +57,7 @@ TEST(GLMUpdate, NoDegreesOfFreedomAndFiftyPredictors) {
     run.start({11, 12});
     for (int t = 0; t < 60; ++t) {
         updateGLM(run.parts(), t);
-        for (const float value : run.maps.ContrastMaps[0].span())
+        for (const float value : run.maps.map(0))
             ASSERT_TRUE(t >= 50 || value == 0.0f) << t;
     }
     EXPECT_EQ(run.maps.MapDF1, 10);

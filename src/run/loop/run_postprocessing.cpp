@@ -70,8 +70,7 @@ bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
     }
     kept.release();
     if (run.state.overlayVolumeMode != 0)
-        run.document.slices.updateSlicePixmaps(
-            project.volumes[size_t(nrOfMeasuredVolumes) - 1].span());
+        run.document.slices.updateSlicePixmaps(project.volumes[size_t(nrOfMeasuredVolumes) - 1]);
     const bool fitted = !recomputeStatistics || fitAgain(run, nrOfMeasuredVolumes, statistics);
     return written && fitted;
 }

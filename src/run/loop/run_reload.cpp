@@ -51,8 +51,7 @@ bool loadProject(const RunParts& run) {
 // The slices show the first volume as it was measured; where its file is gone, as it was analysed.
 void showSlices(FMRProject& project, QtCortivoDoc& document) {
     if (!readFirstVolume(project) && project.firstVolume.allocate(project.volumeSamples()))
-        std::copy_n(project.volumes.front().data(), project.volumeSamples(),
-                    project.firstVolume.data());
+        std::copy_n(project.volumes[0].data(), project.volumeSamples(), project.firstVolume.data());
     showFirstVolume(document);
 }
 

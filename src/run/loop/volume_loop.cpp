@@ -126,7 +126,7 @@ void VolumeLoop::showBackground(bool afterPreprocessing) {
         return;
     const FMRProject& project = document_.project;
     if (state_.overlayVolumeMode != 0) {
-        document_.slices.updateSlicePixmaps(project.volumes[size_t(volumeIndex_)].span());
+        document_.slices.updateSlicePixmaps(project.volumes[size_t(volumeIndex_)]);
         backgroundChanged_ = true;
     } else if (state_.overlayReset) {
         document_.slices.updateSlicePixmaps(project.firstVolume.span());
