@@ -97,7 +97,8 @@ void updateVoxels(const GLMRun& run, const RecursiveStep* step, int volumeIndex)
 bool volumeFits(const GLMRun& run, int volumeIndex) {
     const FMRProject& project = run.project;
     return volumeIndex >= 0 && size_t(volumeIndex) < project.volumes.size() &&
-           !run.glm.values.empty() && project.volumes.samplesOfEach() == run.glm.nrOfVoxels;
+           !run.glm.values.empty() && project.volumes.samplesOfEach() == run.glm.nrOfVoxels &&
+           run.mask.voxels.size() == run.glm.nrOfVoxels;
 }
 
 } // namespace
@@ -106,8 +107,6 @@ bool updateGLM(const GLMRun& run, int volumeIndex) {
     if (!volumeFits(run, volumeIndex))
         return false;
     GLMState& glm = run.glm;
-    if (run.mask.voxels.size() != glm.nrOfVoxels)
-        run.mask = BrainMask{};
     const bool solved = isBatchSolutionDue(glm, run.design, volumeIndex) &&
                         solveBatch(glm, run.project, run.design, run.mask, volumeIndex);
     if (!solved && volumeIndex <= glm.GLMStartVolume)

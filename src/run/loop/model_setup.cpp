@@ -45,12 +45,19 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
                     const QString& contrastFile) {
     DesignMatrix& design = document.design;
     ContrastDefinitions& contrasts = document.contrasts;
-    buildPredictorNames(document, settings);
     // A real-time protocol says itself whether the file is of use, and it has been read then.
     const bool takesFile =
         !contrastFile.isEmpty() && !isProtocolPathSet(document.protocol.realTimeProtocolPath);
+    const int baselinePosition = contrasts.BaselinePosInProtocol;
+    if (takesFile && contrastFileHasNoBaseline(contrastFile))
+        contrasts.BaselinePosInProtocol = 0;
+    buildPredictorNames(document, settings);
     const bool fileRead = takesFile && readContrastFile(contrastFile, contrasts, design,
                                                         document.protocol.nrOfConditions());
+    if (!fileRead && contrasts.BaselinePosInProtocol != baselinePosition) {
+        contrasts.BaselinePosInProtocol = baselinePosition;
+        buildPredictorNames(document, settings);
+    }
     if (contrasts.NrOfContrasts == 0) {
         contrasts.BaselinePosInProtocol = 1;
         generateContrasts(contrasts, design, settings.AutoContrastGenerationLevel);

@@ -168,9 +168,9 @@ bool VolumeLoop::updateDisplaysOfSubject() {
 }
 
 bool VolumeLoop::updateModel() {
-    if (volumeIndex_ == 0 &&
-        !createBrainMask(document_.mask, document_.project, brainMaskThreshold))
-        return false;
+    // Without a mask there is no model; the volumes are measured, shown and saved all the same.
+    if (volumeIndex_ == 0)
+        (void)createBrainMask(document_.mask, document_.project, brainMaskThreshold);
     if (updateGLM(document_.glmRun(), volumeIndex_))
         document_.updateOverlayColors();
     if (!station(Station::PluginAfterVolume))
