@@ -1,6 +1,6 @@
 // Times of the slice view for one volume: grey images, mosaic with maps, drawing into the view.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "display/mosaic_composer.h"
+#include "display/slice_mosaic.h"
 #include "stats/clusters.h"
 
 #include <QPainter>
@@ -42,21 +42,19 @@ std::vector<int16_t> someSamples(const Size& size) {
 
 /// Wide waves, different for each map, in all slices: far more voxels pass than in a brain.
 bool fillMaps(StatisticalMaps& maps, const Size& size) {
-    maps.sizeX = maps.sizeY = size.matrix;
-    maps.nrOfSlices = size.slices;
-    if (!maps.allocateMaps(nrOfMaps))
+    if (!maps.allocateMaps(nrOfMaps, {size.matrix, size.matrix, size.slices}))
         return false;
     maps.states.assign(nrOfMaps, ContrastBoth);
     maps.contrastOfMap = {0, 1, 2};
     maps.NrOfActiveContrasts = nrOfMaps;
     for (int map = 0; map < nrOfMaps; ++map)
-        for (size_t i = 0; i < maps.volumeVoxels(); ++i) {
+        for (size_t i = 0; i < maps.size.samples(); ++i) {
             const size_t x = i % size_t(size.matrix);
             const size_t y = i / size_t(size.matrix) % size_t(size.matrix);
-            maps.ContrastMaps[size_t(map)][i] =
-                float(4.0 * std::sin(double(x) / 6 + map) * std::sin(double(y) / 5));
+            maps.map(map)[i] = float(4.0 * std::sin(double(x) / 6 + map) * std::sin(double(y) / 5));
         }
-    computeClusterSizes(maps, false);
+    OverlayThresholds thresholds;
+    computeClusterSizes(maps, thresholds, false);
     return true;
 }
 
@@ -64,14 +62,14 @@ void measure(const Size& size) {
     const std::vector<int16_t> samples = someSamples(size);
     SliceImages slices;
     computeDisplayRange(slices.greyScale, samples);
-    slices.createSlicePixmaps(samples, size.matrix, size.matrix, size.slices);
+    slices.createSlicePixmaps(samples, {size.matrix, size.matrix, size.slices});
     StatisticalMaps maps;
     if (!fillMaps(maps, size)) {
         std::printf("%3d: not enough memory\n", size.matrix);
         return;
     }
     OverlayColors colors;
-    MosaicSource source;
+    SliceMosaicSource source;
     source.slices = &slices;
     source.layout.MosaicColumns = size.columns;
     source.layout.MosaicRows = size.rows;
@@ -80,12 +78,11 @@ void measure(const Size& size) {
 
     size_t passing = 0;
     for (int slice = 0; slice < size.slices; ++slice)
-        for (size_t pixel = 0; pixel < maps.sliceVoxels(); ++pixel)
-            passing += voxelIsShown(maps, slice, pixel) != 0;
+        for (size_t pixel = 0; pixel < maps.size.sliceSamples(); ++pixel)
+            passing += voxelIsShown(maps, source.thresholds, slice, pixel) != 0;
     QImage mosaic;
-    const double grey =
-        medianTime([&] { slices.updateSlicePixmaps(samples, int(slices.SlicePixmaps.size())); });
-    const auto compose = [&] { (void)composeMosaic(mosaic, source); };
+    const double grey = medianTime([&] { slices.updateSlicePixmaps(samples); });
+    const auto compose = [&] { (void)composeSliceMosaic(mosaic, source); };
     const double contrasts = medianTime(compose);
     source.significanceColorCoding = true;
     const double significance = medianTime(compose);

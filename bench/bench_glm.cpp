@@ -47,19 +47,20 @@ struct BenchmarkRun {
     BrainMask mask;
     GLMState glm;
     StatisticalMaps maps;
+    OverlayThresholds thresholds;
 
     GLMRun parts() { return {project, design, contrasts, mask, glm, maps}; }
 
     [[nodiscard]] bool prepare(const Size& size) {
-        project.ResolutionX = maps.sizeX = size.columns;
-        project.ResolutionY = maps.sizeY = size.rows;
-        project.NrOfSlices = maps.nrOfSlices = size.slices;
+        project.ResolutionX = size.columns;
+        project.ResolutionY = size.rows;
+        project.NrOfSlices = size.slices;
         project.NrOfVolumes = nrOfVolumes;
         makeDesign();
         makeContrasts();
         return makeVolumes() && createBrainMask(mask, project) &&
                glm.allocate(design.NrOfPredictors, project.volumeSamples()) &&
-               maps.allocateMaps(nrOfContrasts);
+               maps.allocateMaps(nrOfContrasts, project.size());
     }
 
 private:
@@ -89,13 +90,11 @@ private:
     }
     [[nodiscard]] bool makeVolumes() {
         std::minstd_rand random(1);
-        project.volumes.resize(nrOfVolumes);
-        for (Volume& volume : project.volumes) {
-            if (!volume.allocate(project.volumeSamples()))
-                return false;
-            for (int16_t& sample : volume.span())
+        if (!project.allocateVolumes())
+            return false;
+        for (size_t v = 0; v < project.volumes.size(); ++v)
+            for (int16_t& sample : project.volumes[v])
                 sample = int16_t(900 + (random() >> 8) % 64);
-        }
         return true;
     }
 };
@@ -137,7 +136,7 @@ bool printSize(const Size& size) {
     const double mapTime = medianMilliseconds(repeats, update);
     const double wholeTime = medianMilliseconds(repeats, [&] {
         update();
-        computeClusterSizes(run.maps, false);
+        computeClusterSizes(run.maps, run.thresholds, false);
     });
     std::printf("%3d x %3d x %2d  %7.2f  %7.2f  %6.2f  %7.2f  %7.2f  %7.0f  %7.1f  %7.1f\n",
                 size.columns, size.rows, size.slices, memcpyTime, updateTime,

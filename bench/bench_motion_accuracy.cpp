@@ -221,7 +221,7 @@ Course realRun(const QString& fmrFile, const QString& reference) {
     return {"measured run", VolumeGrid(*project),
             std::min(project->NrOfVolumes, int(motion.size())),
             [project](int v, std::span<int16_t> samples) {
-                std::ranges::copy(project->volumes[size_t(v)].span(), samples.begin());
+                std::ranges::copy(project->volumes[size_t(v)], samples.begin());
             },
             [motion](int v) { return motion[size_t(v)]; }};
 }

@@ -62,7 +62,7 @@ public:
         }
     }
     bool readFirstVolume() override {
-        fill(project_.firstVolume, 0);
+        fill(project_.firstVolume.span(), 0);
         return true;
     }
     bool readVolume(int volume) override {
@@ -74,7 +74,7 @@ public:
 private:
     static constexpr int nrOfPlaces = 16;
 
-    void fill(Volume& volume, int index) {
+    void fill(std::span<int16_t> volume, int index) {
         const int place = index % (2 * nrOfPlaces);
         std::ranges::copy(heads_[size_t(std::min(place, 2 * nrOfPlaces - 1 - place))],
                           volume.data());

@@ -62,8 +62,8 @@ bool prepare(FMRProject& project, const Size& size) {
     if (!project.allocateVolumes())
         return false;
     std::minstd_rand random(1);
-    for (Volume& volume : project.volumes)
-        for (int16_t& sample : volume.span())
+    for (size_t v = 0; v < project.volumes.size(); ++v)
+        for (int16_t& sample : project.volumes[v])
             sample = int16_t(random() >> 8 & 2047);
     return true;
 }
@@ -87,7 +87,7 @@ void printSize(const Size& size) {
     FrequencySmoothing inFrequency;
     require(inFrequency.prepare(project, voxelWidths(project, double(fwhmMillimetres))));
     const double frequency =
-        medianTime(11, [&] { inFrequency.smooth(project.volumes[size_t(nextVolume())].span()); });
+        medianTime(11, [&] { inFrequency.smooth(project.volumes[size_t(nextVolume())]); });
 
     SilentProgress silent;
     const StepProgress progress(silent);

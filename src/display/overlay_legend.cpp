@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/overlay_legend.h"
 
-#include "display/mosaic_composer.h"
+#include "display/slice_mosaic.h"
 
 #include <QFontDatabase>
 #include <QFontMetrics>
@@ -123,8 +123,9 @@ QFont numberFont(const QFont& font, double factor) {
     return numbers;
 }
 
-OverlayLegend makeOverlayLegend(const StatisticalMaps& maps, const ContrastDefinitions& contrasts,
-                                const OverlayColors& colors, bool significanceColorCoding) {
+OverlayLegend makeOverlayLegend(const StatisticalMaps& maps, const OverlayThresholds& thresholds,
+                                const ContrastDefinitions& contrasts, const OverlayColors& colors,
+                                bool significanceColorCoding) {
     OverlayLegend legend;
     legend.overlayShown =
         maps.NrOfShownMaps > 0 && maps.NrOfShownMaps <= maps.nrOfMapsToShow(false);
@@ -132,8 +133,8 @@ OverlayLegend makeOverlayLegend(const StatisticalMaps& maps, const ContrastDefin
         return legend;
     legend.significanceColorCoding = significanceColorCoding;
     legend.statistic = statisticOf(maps.MapType);
-    legend.threshold = maps.Threshold;
-    legend.colorMaxThreshold = maps.ColorMaxThreshold;
+    legend.threshold = thresholds.Threshold;
+    legend.colorMaxThreshold = thresholds.ColorMaxThreshold;
     for (int map = 0; map < maps.NrOfShownMaps; ++map) {
         const int state = maps.states[size_t(map)];
         legend.positive |= state != ContrastNegative;

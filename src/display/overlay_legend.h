@@ -3,7 +3,7 @@
 #pragma once
 
 #include "stats/overlay_colors.h"
-#include "stats/statistical_maps.h"
+#include "stats/thresholds.h"
 
 #include <QColor>
 #include <QFont>
@@ -34,6 +34,7 @@ struct OverlayLegend {
 
 /// What there is to tell about the shown maps.
 [[nodiscard]] OverlayLegend makeOverlayLegend(const StatisticalMaps& maps,
+                                              const OverlayThresholds& thresholds,
                                               const ContrastDefinitions& contrasts,
                                               const OverlayColors& colors,
                                               bool significanceColorCoding);

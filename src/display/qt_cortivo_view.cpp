@@ -4,9 +4,9 @@
 #include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
-#include "display/mosaic_composer.h"
-#include "display/mosaic_geometry.h"
 #include "display/overlay_legend.h"
+#include "display/slice_mosaic.h"
+#include "display/slice_mosaic_geometry.h"
 #include "run/document/qt_cortivo_doc.h"
 
 #include <QBuffer>
@@ -45,8 +45,9 @@ void saveBitmap(const QImage& picture, const QString& path) {
 
 } // namespace
 
-QtCortivoView::QtCortivoView(QtCortivoDoc* document, QWidget* parent)
-    : QWidget(parent), document_(document) {
+QtCortivoView::QtCortivoView(QtCortivoDoc* document, const OverlayThresholds& thresholds,
+                             QWidget* parent)
+    : QWidget(parent), document_(document), thresholds_(thresholds) {
     setObjectName("QtCortivoView");
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -90,7 +91,7 @@ void QtCortivoView::compose() {
     legend_ = {};
     if (!document_)
         return;
-    MosaicSource source;
+    SliceMosaicSource source;
     source.slices = &document_->slices;
     source.showInplanes = showInplanes_;
     source.layout = document_->mosaic;
@@ -98,13 +99,14 @@ void QtCortivoView::compose() {
     source.significanceColorCoding = document_->SignificanceColorCoding;
     if (overlayShown_ && document_->kind() == QtCortivoDoc::Kind::Functional) {
         source.maps = &document_->maps;
-        legend_ = makeOverlayLegend(document_->maps, document_->contrasts, document_->overlayColors,
-                                    document_->SignificanceColorCoding);
+        source.thresholds = thresholds_;
+        legend_ = makeOverlayLegend(document_->maps, thresholds_, document_->contrasts,
+                                    document_->overlayColors, document_->SignificanceColorCoding);
     }
     shownLayout_ = document_->mosaic;
     nrOfShownSlices_ = int(source.images().size());
     // Without a picture the mosaic is null, and the view says so.
-    (void)composeMosaic(mosaic_, source);
+    (void)composeSliceMosaic(mosaic_, source);
 }
 
 void QtCortivoView::slotSaveAsBMP() {
@@ -224,7 +226,7 @@ void QtCortivoView::keyPressEvent(QKeyEvent* event) {
         QWidget::keyPressEvent(event);
 }
 
-void QtCortivoView::scroll(void (*step)(MosaicLayout& layout, int nrOfSlices)) {
+void QtCortivoView::scroll(void (*step)(SliceMosaicLayout& layout, int nrOfSlices)) {
     if (mosaic().isNull())
         return;
     step(document_->mosaic, nrOfShownSlices_);

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "display/overlay_legend.h"
-#include "run/document/mosaic_layout.h"
+#include "run/document/slice_mosaic_layout.h"
 
 #include <QImage>
 #include <QString>
@@ -18,8 +18,10 @@ class QtCortivoView : public QWidget {
     Q_OBJECT
 
 public:
-    /// The document is not owned and must live as long as the view; without one the view is black.
-    explicit QtCortivoView(QtCortivoDoc* document, QWidget* parent = nullptr);
+    /// Document and thresholds are not owned and must live as long as the view; without a document
+    /// the view is black.
+    QtCortivoView(QtCortivoDoc* document, const OverlayThresholds& thresholds,
+                  QWidget* parent = nullptr);
 
     /// Shows the high-resolution slices instead of the functional ones, where there are any.
     void setShowInplanes(bool show);
@@ -58,13 +60,14 @@ private:
     [[nodiscard]] QRectF mosaicArea() const;
     [[nodiscard]] QString toolTipAt(QPoint position) const;
     void compose();
-    void scroll(void (*step)(MosaicLayout& layout, int nrOfSlices));
+    void scroll(void (*step)(SliceMosaicLayout& layout, int nrOfSlices));
     void paintTileMarks(QPainter& painter, const QRectF& area) const;
 
     QtCortivoDoc* document_;
+    const OverlayThresholds& thresholds_;
     QImage mosaic_;
     // As the mosaic was composed: the document may be ahead of what is on the screen.
-    MosaicLayout shownLayout_;
+    SliceMosaicLayout shownLayout_;
     int nrOfShownSlices_ = 0; ///< that the mosaic chooses from
     OverlayLegend legend_;
     bool outdated_ = true; ///< the mosaic is to be composed before it is drawn

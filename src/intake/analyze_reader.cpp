@@ -33,8 +33,8 @@ bool AnalyzeReader::readImage(Stage stage, int volume) {
     toHostOrder(image->samples);
     if (!store(image->samples, targetVolume(stage, volume)))
         return false;
-    for (int slice = 0; slice < settings().NrOfSlices; ++slice)
-        transformSlice(targetSlice(stage, volume, slice), settings().MatrixSizeY,
+    for (int slice = 0; slice < project().NrOfSlices; ++slice)
+        transformSlice(targetSlice(stage, volume, slice), project().ResolutionY,
                        settings().ImageTransformation);
     return true;
 }

@@ -33,7 +33,7 @@ bool DicomSliceReader::readSlices(Stage stage, int volume) {
     const size_t nrOfSamples = targetSlice(stage, volume, 0).size();
     if (nrOfSamples == 0)
         return false;
-    for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
+    for (int slice = 0; slice < project().NrOfSlices; ++slice) {
         // Any size counts as arrived: how long a header is, the settings don't tell.
         const auto image = awaitImage({namesOf(measured, slice), 0, true}, stage, nrOfSamples);
         if (!image || !takeSlice(*image, stage, targetSlice(stage, volume, slice)))

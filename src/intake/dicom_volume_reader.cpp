@@ -102,9 +102,9 @@ void DicomVolumeReader::takeSizes(const QString& fileName) {
         sizes.sliceGap = spaced ? header.spacingBetweenSlices - header.sliceThickness : 0.0f;
     }
     if (sizes.pixelSizeX)
-        sizes.fieldOfViewX = float(settings().MatrixSizeX) * *sizes.pixelSizeX;
+        sizes.fieldOfViewX = float(project().ResolutionX) * *sizes.pixelSizeX;
     if (sizes.pixelSizeY)
-        sizes.fieldOfViewY = float(settings().MatrixSizeY) * *sizes.pixelSizeY;
+        sizes.fieldOfViewY = float(project().ResolutionY) * *sizes.pixelSizeY;
     takeHeaderSizes(sizes, fileName, project());
 }
 

@@ -49,17 +49,12 @@ bool FileVolumeReader::readPart(const QString& fileName, const FilePart& part,
     }
 }
 
-std::span<int16_t> FileVolumeReader::ofRightSize(Volume& volume) const {
-    const RunSettings& run = settings();
-    if (run.MatrixSizeX <= 0 || run.MatrixSizeY <= 0 || run.NrOfSlices <= 0)
-        return {};
-    const size_t samples =
-        size_t(run.MatrixSizeX) * size_t(run.MatrixSizeY) * size_t(run.NrOfSlices);
-    return volume.size() == samples ? volume.span() : std::span<int16_t>();
+std::span<int16_t> FileVolumeReader::ofRightSize(std::span<int16_t> volume) const {
+    return volume.size() == project().volumeSamples() ? volume : std::span<int16_t>();
 }
 
 std::span<int16_t> FileVolumeReader::firstVolume() {
-    return ofRightSize(project().firstVolume);
+    return ofRightSize(project().firstVolume.span());
 }
 
 std::span<int16_t> FileVolumeReader::analysedVolume(int volume) {
@@ -70,9 +65,9 @@ std::span<int16_t> FileVolumeReader::analysedVolume(int volume) {
 
 std::span<int16_t> FileVolumeReader::targetSlice(Stage stage, int volume, int slice) {
     const std::span<int16_t> samples = targetVolume(stage, volume);
-    if (samples.empty() || slice < 0 || slice >= settings().NrOfSlices)
+    if (samples.empty() || slice < 0 || slice >= project().NrOfSlices)
         return {};
-    const size_t size = samples.size() / size_t(settings().NrOfSlices);
+    const size_t size = samples.size() / size_t(project().NrOfSlices);
     return samples.subspan(size_t(slice) * size, size);
 }
 

@@ -54,7 +54,7 @@ protected:
     [[nodiscard]] std::span<uint8_t> bytes() { return file_.bytes(); }
 
     /// The volumes to fill, looked up anew behind each wait, since events are processed in it.
-    /// Empty when the number is out of range or the volume has not the size of the settings.
+    /// Empty when the number is out of range or the volume has not the size of the run.
     [[nodiscard]] std::span<int16_t> firstVolume();
     [[nodiscard]] std::span<int16_t> analysedVolume(int volume);
     /// The one of the two that the stage fills; `volume` counts only in the loop.
@@ -70,7 +70,7 @@ protected:
     static bool failWith(const QString& text);
 
 private:
-    [[nodiscard]] std::span<int16_t> ofRightSize(Volume& volume) const;
+    [[nodiscard]] std::span<int16_t> ofRightSize(std::span<int16_t> volume) const;
 
     IntakeContext context_;
     FileBytes file_;

@@ -15,14 +15,14 @@ bool GeDicomReader::readFirstVolume() {
 }
 
 bool GeDicomReader::readVolume(int volume) {
-    return readSlices(Stage::Loop, volume, settings().NrOfSlices * measuredVolume(volume) + 1);
+    return readSlices(Stage::Loop, volume, project().NrOfSlices * measuredVolume(volume) + 1);
 }
 
 bool GeDicomReader::readSlices(Stage stage, int volume, qint64 base) {
     const size_t nrOfSamples = targetSlice(stage, volume, 0).size();
     if (nrOfSamples == 0)
         return false;
-    std::vector<int> missing(size_t(settings().NrOfSlices));
+    std::vector<int> missing(size_t(project().NrOfSlices));
     std::iota(missing.begin(), missing.end(), 0);
     while (!missing.empty()) {
         const ExpectedFile expected{namesOf(base, missing), qint64(2 * nrOfSamples), true};
@@ -45,7 +45,7 @@ void GeDicomReader::remember(const QString& path, int slice) {
         firstSliceFile_ = path;
         project().FirstDataSourceFile = paths::fileName(path);
     }
-    if (slice == settings().NrOfSlices - 1)
+    if (slice == project().NrOfSlices - 1)
         lastSliceFile_ = path;
 }
 
@@ -53,8 +53,7 @@ bool GeDicomReader::readSizes() {
     if (!readHeader(firstSliceFile_))
         return false;
     const DicomHeader& header = state().header;
-    const RunSettings& run = settings();
+    const VolumeSize size = project().size();
     takeSizes(firstSliceFile_);
-    return (header.columns == run.MatrixSizeX && header.rows == run.MatrixSizeY) ||
-           failForDimensions(run.MatrixSizeX, run.MatrixSizeY);
+    return (header.columns == size.x && header.rows == size.y) || failForDimensions(size.x, size.y);
 }

@@ -64,7 +64,7 @@ bool GeHdxtDicomReader::prepare() {
 // The first number counts files as they come, the second one slices: all slices that are missing
 // are looked for.
 QStringList GeHdxtDicomReader::namesOf(qint64 base, const std::vector<int>& missing) const {
-    const qint64 filesRead = settings().NrOfSlices - qint64(missing.size());
+    const qint64 filesRead = project().NrOfSlices - qint64(missing.size());
     QStringList names;
     for (const int slice : missing)
         names << sliceFileName(gePerSeriesOffset_ + filesRead + base, base + slice);
@@ -98,8 +98,8 @@ bool GeHdxtDicomReader::readHeaders() {
         return false;
     position.fovColumns = std::round(position.fovColumns);
     position.fovRows = std::round(position.fovRows);
-    const float width = float(settings().MatrixSizeX) * project().pixelSizeX;
-    const float height = float(settings().MatrixSizeY) * project().pixelSizeY;
+    const float width = float(project().ResolutionX) * project().pixelSizeX;
+    const float height = float(project().ResolutionY) * project().pixelSizeY;
     // Without the size of a pixel no corner leads to a centre.
     if (!(width > 0.0f && height > 0.0f))
         return failWith(noPosition);

@@ -25,7 +25,7 @@ bool GeIReader::prepare() {
     if (folder.isEmpty())
         return true;
     const qint64 nrOfFiles =
-        measuredVolume(settings().nrOfAnalysedVolumes()) * settings().NrOfSlices;
+        measuredVolume(settings().nrOfAnalysedVolumes()) * project().NrOfSlices;
     const GeIFileList list = geIFileList(state().watchFolder, firstNumbers(settings()), nrOfFiles);
     const bool written =
         writeFileAtomically(paths::join(folder, "expected_GE_I_file_list.txt"), list.text);
@@ -41,14 +41,14 @@ bool GeIReader::readFirstVolume() {
 }
 
 bool GeIReader::readVolume(int volume) {
-    return readSlices(Stage::Loop, volume, measuredVolume(volume) * settings().NrOfSlices);
+    return readSlices(Stage::Loop, volume, measuredVolume(volume) * project().NrOfSlices);
 }
 
 bool GeIReader::readSlices(Stage stage, int volume, qint64 firstIndex) {
     const auto sliceBytes = qint64(targetSlice(stage, volume, 0).size_bytes());
     if (sliceBytes == 0)
         return false;
-    for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
+    for (int slice = 0; slice < project().NrOfSlices; ++slice) {
         const auto image = awaitSamples({.expected = {{expectedPath(firstIndex + slice)},
                                                       geIHeaderBytes + sliceBytes,
                                                       /*atLeast*/ false},

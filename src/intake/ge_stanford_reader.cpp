@@ -31,7 +31,7 @@ bool GeStanfordReader::readSlices(Stage stage, int volume, const QString& path) 
     const auto sliceBytes = qint64(targetSlice(stage, volume, 0).size_bytes());
     if (sliceBytes == 0)
         return false;
-    const int nrOfSlices = settings().NrOfSlices;
+    const int nrOfSlices = project().NrOfSlices;
     for (int slice = 0; slice < nrOfSlices; ++slice) {
         const qint64 needed = (slice + 1) * sliceBytes;
         // Slices that are there when their turn comes have settled with the one before.

@@ -6,7 +6,7 @@
 
 bool GrowingFileReader::readFirstVolume() {
     const QString path = settings().documentFirstFileName;
-    const int nrOfSlices = settings().NrOfSlices;
+    const int nrOfSlices = project().NrOfSlices;
     const qint64 sliceBytes = qint64(targetSlice(Stage::FirstVolume, 0, 0).size_bytes());
     if (sliceBytes == 0)
         return false;
@@ -36,6 +36,6 @@ bool GrowingFileReader::readVolume(int volume) {
                       .pollMilliseconds = 50});
     if (!image || !store(image->samples, analysedVolume(volume)))
         return false;
-    reverseParts(analysedVolume(volume), settings().NrOfSlices);
+    reverseParts(analysedVolume(volume), project().NrOfSlices);
     return true;
 }

@@ -47,10 +47,6 @@ void takeHeaderSizes(const HeaderSizes& sizes, const QString& fileName, FMRProje
         usable &= takeDistance(sizes, project);
     usable &= take(sizes.fieldOfViewX, position.fovColumns);
     usable &= take(sizes.fieldOfViewY, position.fovRows);
-    position.nrOfRows = project.ResolutionY;
-    position.nrOfColumns = project.ResolutionX;
-    position.sliceThickness = project.sliceThickness;
-    position.sliceGap = project.sliceGap;
     if (usable && sizes.pixelSizeX && sizes.pixelSizeY && sizes.sliceThickness)
         project.VoxelResolutionVerified = true;
     if (!usable)

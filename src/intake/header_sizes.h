@@ -25,8 +25,7 @@ struct HeaderSizes {
     std::optional<float> fieldOfViewY;
 };
 
-/// Takes what is stated into the project and the record of its slice geometry, together with matrix
-/// and slice distance there. What is no length is left out, after a warning that names the file,
-/// and the project keeps what it had. Thickness and gap are judged by their sum; a thickness of 0
-/// beside a stated gap is one that is not known.
+/// Takes what is stated into the project and the record of its slice positions. What is no length
+/// is left out, after a warning that names the file, and the project keeps what it had. Thickness
+/// and gap are judged by their sum; a thickness of 0 beside a stated gap is one that is not known.
 void takeHeaderSizes(const HeaderSizes& sizes, const QString& fileName, FMRProject& project);

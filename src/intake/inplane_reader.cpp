@@ -31,7 +31,7 @@ public:
           settleMilliseconds_(settleMilliseconds), names_(std::move(names)) {}
 
     [[nodiscard]] bool readFirstVolume() override {
-        for (int slice = 0; slice < scan_.nrOfSlices; ++slice) {
+        for (int slice = 0; slice < scan_.size.slices; ++slice) {
             const auto image = awaitSamples(fileOf(slice));
             if (!image)
                 return false;
@@ -40,7 +40,7 @@ public:
                 return false;
             // Such files are stored the same way round as the run's.
             if (form_ == RawForm::OneFile)
-                transformSlice(scan_.slice(slice), scan_.sizeY, settings().ImageTransformation);
+                transformSlice(scan_.slice(slice), scan_.size.y, settings().ImageTransformation);
         }
         return true;
     }
@@ -48,7 +48,7 @@ public:
 
 private:
     [[nodiscard]] RawFile fileOf(int slice) const {
-        const qint64 sliceBytes = qint64(scan_.sliceSamples() * sizeof(int16_t));
+        const qint64 sliceBytes = qint64(scan_.size.sliceSamples() * sizeof(int16_t));
         RawFile file{.expected = {{inplanePath(settings(), names_(slice))}, sliceBytes, true},
                      .part = {.offset = 0, .length = sliceBytes},
                      .settleMilliseconds = settleMilliseconds_};
@@ -62,7 +62,7 @@ private:
             file.part.fromEnd = true;
             break;
         case RawForm::OneFile:
-            file.expected.size = sliceBytes * scan_.nrOfSlices;
+            file.expected.size = sliceBytes * scan_.size.slices;
             file.part.offset = sliceBytes * slice;
             break;
         }
@@ -82,10 +82,10 @@ public:
           names_(std::move(names)) {}
 
     [[nodiscard]] bool readFirstVolume() override {
-        for (int slice = 0; slice < scan_.nrOfSlices; ++slice) {
+        for (int slice = 0; slice < scan_.size.slices; ++slice) {
             // Any size counts as arrived: how long a header is, the settings don't tell.
             const ExpectedFile file{{inplanePath(settings(), names_(slice))}, 0, true};
-            const auto image = awaitImage(file, Stage::FirstVolume, scan_.sliceSamples());
+            const auto image = awaitImage(file, Stage::FirstVolume, scan_.size.sliceSamples());
             // As in the loop, the run's byte order counts and not that of the file.
             if (!image || !takeSlice(*image, Stage::Loop, scan_.slice(slice)))
                 return false;

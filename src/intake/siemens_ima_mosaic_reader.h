@@ -3,12 +3,12 @@
 #pragma once
 
 #include "intake/siemens_ima_header.h"
-#include "intake/square_mosaic_reader.h"
+#include "intake/square_tiled_image_reader.h"
 
-class SiemensImaMosaicReader : public SquareMosaicReader {
+class SiemensImaMosaicReader : public SquareTiledImageReader {
 public:
     explicit SiemensImaMosaicReader(const IntakeContext& context)
-        : SquareMosaicReader(context, imaHeaderBytes, TileOrder::Ascending) {}
+        : SquareTiledImageReader(context, imaHeaderBytes, TileOrder::Ascending) {}
     /// Geometry from the first file.
     [[nodiscard]] bool readHeaders() override;
 

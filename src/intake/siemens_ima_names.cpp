@@ -8,23 +8,23 @@ qint64 fileStudyNr(const RunSettings& settings) {
     return qint64(settings.SiemensFirstStudyNr) + skipped;
 }
 
-qint64 fileImageNr(const RunSettings& settings) {
+qint64 fileImageNr(const RunSettings& settings, const VolumeGeometry& geometry) {
     const bool oneFileASlice =
         !settings.SiemensMosaicSequence && settings.documentDataType != "SIEMENSPIXELDATA";
-    const qint64 numbersAVolume = oneFileASlice ? settings.NrOfSlices : 1;
+    const qint64 numbersAVolume = oneFileASlice ? geometry.NrOfSlices : 1;
     return settings.SiemensFirstImageNr + settings.NrOfVolumesToSkip * numbersAVolume;
 }
 
-qint64 tilesPerFile(const RunSettings& settings) {
-    if (settings.MatrixSizeX <= 0 || settings.SiemensMosaicResolution <= 0)
+qint64 tilesPerFile(const RunSettings& settings, const VolumeGeometry& geometry) {
+    if (geometry.ResolutionX <= 0 || settings.SiemensMosaicResolution <= 0)
         return 0;
-    const qint64 tilesPerRow = settings.SiemensMosaicResolution / settings.MatrixSizeX;
+    const qint64 tilesPerRow = settings.SiemensMosaicResolution / geometry.ResolutionX;
     return tilesPerRow * tilesPerRow;
 }
 
-qint64 filesPerVolume(const RunSettings& settings) {
-    const qint64 tiles = tilesPerFile(settings);
-    return tiles == 0 ? 0 : (settings.NrOfSlices + tiles - 1) / tiles;
+qint64 filesPerVolume(const RunSettings& settings, const VolumeGeometry& geometry) {
+    const qint64 tiles = tilesPerFile(settings, geometry);
+    return tiles == 0 ? 0 : (geometry.NrOfSlices + tiles - 1) / tiles;
 }
 
 QString imaFileName(const RunSettings& settings, qint64 study, qint64 image) {

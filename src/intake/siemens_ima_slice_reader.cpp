@@ -11,7 +11,7 @@ QString SiemensImaSliceReader::fileName(Stage stage, int volume, int slice) cons
     if (stage == Stage::FirstVolume)
         return imaFileName(run, run.SiemensFirstStudyNr, qint64(run.SiemensFirstImageNr) + slice);
     return imaFileName(run, fileStudyNr(run) + volume,
-                       fileImageNr(run) + qint64(run.NrOfSlices) * volume + slice);
+                       fileImageNr(run, project()) + qint64(project().NrOfSlices) * volume + slice);
 }
 
 bool SiemensImaSliceReader::readFirstVolume() {
@@ -26,7 +26,7 @@ bool SiemensImaSliceReader::readSlices(Stage stage, int volume) {
     const qint64 sliceBytes = qint64(targetSlice(stage, volume, 0).size_bytes());
     if (sliceBytes == 0)
         return false;
-    for (int slice = 0; slice < settings().NrOfSlices; ++slice) {
+    for (int slice = 0; slice < project().NrOfSlices; ++slice) {
         const auto image = awaitHeadedFile({.name = fileName(stage, volume, slice),
                                             .firstOfRun = stage == Stage::FirstVolume && slice == 0,
                                             .headerBytes = imaHeaderBytes,

@@ -2,9 +2,9 @@
 #include "intake/siemens_mosaic_reader.h"
 
 #include "intake/dicom_names.h"
-#include "intake/mosaic.h"
 #include "intake/siemens_protocol.h"
 #include "intake/slice_geometry.h"
+#include "intake/tiled_image.h"
 
 SiemensMosaicReader::SiemensMosaicReader(const IntakeContext& context)
     : DicomVolumeReader(
@@ -21,14 +21,14 @@ QString SiemensMosaicReader::fileName(qint64 measured) const {
 }
 
 bool SiemensMosaicReader::layoutIsUsable() const {
-    const MosaicTiling layout = MosaicTiling::of(settings());
+    const TiledImageLayout layout = TiledImageLayout::of(settings(), project());
     return layout.holdsAllSlices() || failWith(unusableLayoutMessage(layout));
 }
 
 bool SiemensMosaicReader::readFirstVolume() {
     if (!layoutIsUsable() || firstVolume().empty())
         return false;
-    const size_t samples = MosaicTiling::of(settings()).mosaicSamples();
+    const size_t samples = TiledImageLayout::of(settings(), project()).imageSamples();
     const auto image = awaitImage(expectedFirstFile(fileName(0), qint64(samples) * 2),
                                   Stage::FirstVolume, samples);
     if (!image)
@@ -40,7 +40,7 @@ bool SiemensMosaicReader::readFirstVolume() {
 bool SiemensMosaicReader::readVolume(int volume) {
     if (!layoutIsUsable() || analysedVolume(volume).empty())
         return false;
-    const size_t samples = MosaicTiling::of(settings()).mosaicSamples();
+    const size_t samples = TiledImageLayout::of(settings(), project()).imageSamples();
     const auto image =
         awaitImage({{watchedPath(fileName(measuredVolume(volume)))}, qint64(samples) * 2, true},
                    Stage::Loop, samples);
@@ -49,14 +49,14 @@ bool SiemensMosaicReader::readVolume(int volume) {
 
 bool SiemensMosaicReader::takeVolume(const Image& image, Stage stage,
                                      std::span<int16_t> volume) const {
-    const MosaicTiling layout = MosaicTiling::of(settings());
+    const TiledImageLayout layout = TiledImageLayout::of(settings(), project());
     // In the loop the size of the swapped part comes from another key of the settings: settings
     // that disagree between the two keep their known result.
     const size_t loopSide = size_t(std::max(settings().SiemensMosaicResolution, 0));
-    const size_t count = stage == Stage::Loop ? loopSide * loopSide : layout.mosaicSamples();
+    const size_t count = stage == Stage::Loop ? loopSide * loopSide : layout.imageSamples();
     toHostOrder(image.samples.first(2 * std::min(count, image.samples.size() / 2)),
                 image.byteOrder);
-    return splitMosaic(image.samples, volume, layout);
+    return splitTiledImage(image.samples, volume, layout);
 }
 
 bool SiemensMosaicReader::headerFitsSettings() const {
@@ -76,7 +76,7 @@ bool SiemensMosaicReader::readHeaders() {
     // A header without directions leaves them as they are; the positions decide.
     static_cast<void>(parseImageOrientation(header.imageOrientationText, position));
     if (!parseSiemensProtocol(bytes(), project()) &&
-        !computeMosaicGeometry(path, header, state().rawDataByteOrder, project()))
+        !computeTiledImageGeometry(path, header, state().rawDataByteOrder, project()))
         return false;
     position.positionInfoValid = 1;
     return true;

@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "intake/square_mosaic_reader.h"
+#include "intake/square_tiled_image_reader.h"
 
-class SiemensPixelDataReader : public SquareMosaicReader {
+class SiemensPixelDataReader : public SquareTiledImageReader {
 public:
     explicit SiemensPixelDataReader(const IntakeContext& context)
-        : SquareMosaicReader(context, 0, TileOrder::Descending) {}
+        : SquareTiledImageReader(context, 0, TileOrder::Descending) {}
 
 private:
     /// Prefix and image number of at least three digits; there is no study number.

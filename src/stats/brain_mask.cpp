@@ -23,13 +23,14 @@ bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold) 
     const size_t voxels = project.volumeSamples();
     // The mask and, at worst, a run for every second voxel.
     if (!memoryIsAvailable(voxels, sizeof(uint8_t) + sizeof(BrainMask::Run) / 2)) {
-        showCritical("ERROR: Insufficient memory for creating contrast maps!");
+        showWarningAside("ERROR: Insufficient memory for creating contrast maps!");
         return false;
     }
     mask.voxels.assign(voxels, 0);
-    if (project.NrOfSlices < 3 || project.volumes.empty() || project.volumes[0].size() < voxels)
+    if (project.NrOfSlices < 3 || project.volumes.empty() ||
+        project.volumes.samplesOfEach() < voxels)
         return true;
-    const Volume& volume = project.volumes[0];
+    const std::span<const int16_t> volume = project.volumes[0];
     const size_t sliceSamples = project.sliceSamples();
     for (size_t voxel = sliceSamples; voxel < voxels - sliceSamples; ++voxel)
         mask.voxels[voxel] = int(uint16_t(volume[voxel])) > threshold;

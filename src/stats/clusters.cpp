@@ -19,10 +19,10 @@ void takeLargest(std::vector<float>& combined, const float* map, ValueAsShown sh
 
 /// The largest of the shown maps' values over 0 for each pixel of a slice.
 void combineMaps(const StatisticalMaps& maps, int slice, std::vector<float>& combined) {
-    combined.assign(maps.sliceVoxels(), 0.0f);
-    for (size_t i = 0; i < size_t(maps.NrOfShownMaps); ++i) {
-        const float* map = maps.ContrastMaps[i].data() + size_t(slice) * maps.sliceVoxels();
-        const int state = maps.states[i];
+    combined.assign(maps.size.sliceSamples(), 0.0f);
+    for (int i = 0; i < maps.NrOfShownMaps; ++i) {
+        const float* map = maps.map(i).data() + size_t(slice) * maps.size.sliceSamples();
+        const int state = maps.states[size_t(i)];
         if (state == 3)
             takeLargest(combined, map, [](float value) { return std::fabs(value); });
         else if (state == 2)
@@ -62,17 +62,17 @@ int labelOfPixel(const int* row, const int* above, ClusterScratch& scratch) {
 
 /// Labels in raster order; scratch.sizes gets the number of pixels of each label. The tables grow
 /// with the labels, so that no image, however speckled, runs over their end.
-void labelSlice(const StatisticalMaps& maps, ClusterScratch& scratch) {
-    const size_t sizeX = size_t(maps.sizeX);
+void labelSlice(const VolumeSize& size, float threshold, ClusterScratch& scratch) {
+    const size_t sizeX = size_t(size.x);
     const size_t stride = sizeX + 2;
-    scratch.labels.assign(stride * (size_t(maps.sizeY) + 1), 0);
+    scratch.labels.assign(stride * (size_t(size.y) + 1), 0);
     scratch.links.assign(1, 0);
     scratch.sizes.assign(1, 0);
-    for (size_t y = 0; y < size_t(maps.sizeY); ++y) {
+    for (size_t y = 0; y < size_t(size.y); ++y) {
         const float* values = scratch.combined.data() + y * sizeX;
         int* row = scratch.labels.data() + (y + 1) * stride + 1;
         for (size_t x = 0; x < sizeX; ++x) {
-            if (values[x] < maps.Threshold)
+            if (values[x] < threshold)
                 continue;
             row[x] = labelOfPixel(row + x, row + x - stride, scratch);
             ++scratch.sizes[size_t(row[x])];
@@ -121,11 +121,10 @@ void mergeLabels(ClusterScratch& scratch) {
         scratch.sizes[label] = scratch.sizes[size_t(scratch.roots[label])];
 }
 
-void writeSizes(const StatisticalMaps& maps, const ClusterScratch& scratch,
-                std::vector<int>& result) {
-    const size_t sizeX = size_t(maps.sizeX);
+void writeSizes(const VolumeSize& size, const ClusterScratch& scratch, std::vector<int>& result) {
+    const size_t sizeX = size_t(size.x);
     const size_t stride = sizeX + 2;
-    for (size_t y = 0; y < size_t(maps.sizeY); ++y) {
+    for (size_t y = 0; y < size_t(size.y); ++y) {
         const int* labels = scratch.labels.data() + (y + 1) * stride + 1;
         int* sizes = result.data() + y * sizeX;
         for (size_t x = 0; x < sizeX; ++x)
@@ -135,25 +134,26 @@ void writeSizes(const StatisticalMaps& maps, const ClusterScratch& scratch,
 
 } // namespace
 
-void computeClusterSizes(StatisticalMaps& maps, bool conjunction) {
-    maps.Threshold = std::max(maps.Threshold, 0.0f);
-    maps.ColorMaxThreshold = std::max(maps.ColorMaxThreshold, 0.0f);
+void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, bool conjunction) {
+    thresholds.Threshold = std::max(thresholds.Threshold, 0.0f);
+    thresholds.ColorMaxThreshold = std::max(thresholds.ColorMaxThreshold, 0.0f);
+    thresholds.ClusterSizePixels = std::max(thresholds.ClusterSizePixels, 1);
     maps.NrOfShownMaps = maps.nrOfMapsToShow(conjunction);
-    if (maps.NrOfShownMaps == 0 || maps.ClusterSizePixels <= 0)
+    if (maps.NrOfShownMaps == 0)
         return;
 
-    maps.ClusterSizeSlices.resize(size_t(maps.nrOfSlices));
-    for (int slice = 0; slice < maps.nrOfSlices; ++slice) {
+    maps.ClusterSizeSlices.resize(size_t(maps.size.slices));
+    for (int slice = 0; slice < maps.size.slices; ++slice) {
         std::vector<int>& sizes = maps.ClusterSizeSlices[size_t(slice)];
         ClusterScratch& scratch = maps.clusterScratch;
-        sizes.assign(maps.sliceVoxels(), 0);
-        if (slice == 0 || slice == maps.nrOfSlices - 1)
+        sizes.assign(maps.size.sliceSamples(), 0);
+        if (slice == 0 || slice == maps.size.slices - 1)
             continue;
         combineMaps(maps, slice, scratch.combined);
-        if (!anyReaches(scratch.combined, maps.Threshold))
+        if (!anyReaches(scratch.combined, thresholds.Threshold))
             continue;
-        labelSlice(maps, scratch);
+        labelSlice(maps.size, thresholds.Threshold, scratch);
         mergeLabels(scratch);
-        writeSizes(maps, scratch, sizes);
+        writeSizes(maps.size, scratch, sizes);
     }
 }

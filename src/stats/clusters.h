@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "stats/statistical_maps.h"
+#include "stats/thresholds.h"
 
-/// Raises Threshold and ColorMaxThreshold to 0 where they are below, sets NrOfShownMaps, and, with
-/// a map to show and ClusterSizePixels above 0, computes ClusterSizeSlices; else those stay as they
+/// Raises Threshold and ColorMaxThreshold to 0 and ClusterSizePixels to 1 where they are below,
+/// sets NrOfShownMaps, and, with a map to show, computes ClusterSizeSlices; else those stay as they
 /// are. With `conjunction` only the first map is shown.
 ///
 /// Clusters are two-dimensional, 8-connected, and made of the largest of the shown maps' values, so
@@ -14,24 +14,28 @@
 /// Equivalent labels are noted in a table that holds one link for each label; a second equivalence
 /// of a label is not noted. Therefore a winding region, such as a spiral, can count as several
 /// clusters. Sizes of saved runs rest on this rule: it is not a full connected-component search.
-void computeClusterSizes(StatisticalMaps& maps, bool conjunction);
+void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, bool conjunction);
 
 /// Which of the shown maps colour a voxel: bit i for map i, 0 when the voxel keeps its grey value.
 /// A map passes where its value, as its state shows it, reaches Threshold. With ClusterSizePixels 1
 /// the cluster sizes are not looked at, so that slices without them are coloured too. `slice` and
-/// `pixel` (x + sizeX * y) lie inside the volume.
-[[nodiscard]] inline unsigned voxelIsShown(const StatisticalMaps& maps, int slice, size_t pixel) {
-    if (maps.ClusterSizePixels != 1) {
+/// `pixel` (x + size.x * y) lie inside the volume.
+[[nodiscard]] inline unsigned voxelIsShown(const StatisticalMaps& maps,
+                                           const OverlayThresholds& thresholds, int slice,
+                                           size_t pixel) {
+    if (thresholds.looksAtClusters()) {
         if (size_t(slice) >= maps.ClusterSizeSlices.size())
             return 0;
         const std::vector<int>& sizes = maps.ClusterSizeSlices[size_t(slice)];
-        if (pixel >= sizes.size() || sizes[pixel] < maps.ClusterSizePixels)
+        if (pixel >= sizes.size() || sizes[pixel] < thresholds.ClusterSizePixels)
             return 0;
     }
-    const size_t voxel = size_t(slice) * maps.sliceVoxels() + pixel;
+    const size_t mapSamples = maps.size.samples();
+    const float* value =
+        maps.ContrastMaps.data() + size_t(slice) * maps.size.sliceSamples() + pixel;
     unsigned passing = 0;
-    for (size_t map = 0; map < size_t(maps.NrOfShownMaps); ++map)
-        if (valueAsShown(maps.ContrastMaps[map][voxel], maps.states[map]) >= maps.Threshold)
+    for (size_t map = 0; map < size_t(maps.NrOfShownMaps); ++map, value += mapSamples)
+        if (valueAsShown(*value, maps.states[map]) >= thresholds.Threshold)
             passing |= 1u << map;
     return passing;
 }

@@ -54,6 +54,14 @@ bool readHeader(TokenStream& stream, Header& header, QString& message) {
     return !stream.failed();
 }
 
+/// The position must be that of a condition, or 0 for a model without baseline, where the list of
+/// predictors begins with an entry of its own.
+bool baselineFits(const Header& header, const DesignMatrix& design, int nrOfConditions) {
+    const bool baselineIsCondition = header.baselinePosInProtocol != 0;
+    return header.baselinePosInProtocol >= 0 && header.baselinePosInProtocol <= nrOfConditions &&
+           baselineIsCondition == (design.NrOfContrastPredictors == nrOfConditions);
+}
+
 bool fitsDesign(const Header& header, const DesignMatrix& design, int nrOfConditions) {
     const int conditions =
         header.baselineInContrasts < 1 ? header.nrOfValues - 1 : header.nrOfValues;
@@ -200,6 +208,15 @@ bool parseContrasts(const QString& text, ContrastDefinitions& contrasts, const D
         return false;
     }
 
+    if (header.version >= 3 && !baselineFits(header, design, nrOfConditions)) {
+        message =
+            QStringLiteral("ERROR: Contrast file states %1 as position of the baseline, which "
+                           "contradicts the model. Check \"BaselinePosInProtocol:\" and "
+                           "\"BaselineInContrasts:\"!")
+                .arg(header.baselinePosInProtocol);
+        return false;
+    }
+
     ContrastDefinitions read;
     if (!canHold(header, text.size() - stream.position()) || !readSections(stream, header, read)) {
         message = damagedFileMessage();
@@ -244,6 +261,16 @@ QByteArray contrastFileText(const ContrastDefinitions& contrasts, int nrOfContra
         text += formatted("%4i%4i%4i\n", color.red, color.green, color.blue);
     }
     return text;
+}
+
+bool contrastFileHasNoBaseline(const QString& fileName) {
+    QString text;
+    QString message;
+    if (!readTextFile(fileName, text))
+        return false;
+    TokenStream stream(text);
+    Header header;
+    return readHeader(stream, header, message) && header.baselinePosInProtocol == 0;
 }
 
 bool readContrastFile(const QString& fileName, ContrastDefinitions& contrasts,

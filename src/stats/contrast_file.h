@@ -13,7 +13,11 @@
 
 /// Takes the contrasts from the text of a file of version 1, 2 or 3, and rebuilds their weights.
 /// False, with the reason in `message` and `contrasts` as they were, when the text is no contrast
-/// file, is damaged, or does not fit `design.NrOfContrastPredictors` and `nrOfConditions`.
+/// file, is damaged, or does not fit `design.NrOfContrastPredictors` and `nrOfConditions`. A file
+/// whose baseline position contradicts the model is refused too: its weights would fall on the
+/// columns of other conditions. Either one of the conditions is the baseline and the file has a
+/// value for each of them, or none is (position 0) and one more value, for "Baseline+", comes
+/// first.
 ///
 /// Versions 1 and 2 have no baseline entries: BaselineInContrasts is 1 for them and
 /// BaselinePosInProtocol stays. A selection state that is none is taken as off; colour channels are
@@ -26,6 +30,11 @@
 /// be read back.
 [[nodiscard]] QByteArray contrastFileText(const ContrastDefinitions& contrasts,
                                           int nrOfContrastPredictors);
+
+/// True for a file whose BaselinePosInProtocol is 0. The lists of predictors that it is read
+/// against then need an entry of their own for the baseline. False, without a message, for any
+/// other file.
+[[nodiscard]] bool contrastFileHasNoBaseline(const QString& fileName);
 
 /// Reads a contrast file. False, after a warning and with the contrasts as they were, on a failure.
 [[nodiscard]] bool readContrastFile(const QString& fileName, ContrastDefinitions& contrasts,

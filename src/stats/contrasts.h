@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "run/protocol/stimulation_protocol.h"
+#include "base/rgb_color.h"
 
 #include <QStringList>
 #include <vector>

@@ -113,6 +113,10 @@ void releasePredictorColumns(DesignMatrix& design);
 /// Onset of each condition column: the first volume where its magnitude exceeds 0.1; and the
 /// columns in order of onset, lower numbers first within one volume.
 void findPredictorOnsets(DesignMatrix& design, int nrOfVolumes);
+/// The conditions that the model will never hold: their response does not exceed 0.1 within the
+/// columns, or so late that no solution of the schedule follows within them. In column order.
+/// findPredictorOnsets() and fillGLMStepVolumes() have been called, and the protocol is complete.
+[[nodiscard]] QStringList conditionsWithoutModel(const DesignMatrix& design);
 /// Entry k: the larger of the previous entry plus 1 (10 for the first) and the k-th onset; -1 where
 /// no further column has an onset.
 void fillGLMStepVolumes(DesignMatrix& design);

@@ -16,7 +16,7 @@ enum Row { correlationRow = 0, totalRow = 1, firstBetaRow = 2 };
 bool stateIsUsable(const GLMState& glm, const FMRProject& project, const BrainMask& mask,
                    int nrOfVolumes) {
     return glm.GLMStartVolume != GLMState::notStarted && nrOfVolumes > glm.GLMStartVolume &&
-           mask.voxels.size() == glm.nrOfVoxels &&
+           mask.voxels.size() == glm.nrOfVoxels && project.volumeSamples() == glm.nrOfVoxels &&
            volumesHaveSize(project, nrOfVolumes, glm.nrOfVoxels);
 }
 
@@ -39,12 +39,8 @@ void finishBlock(FinishedModel& model, const GLMState& glm, std::span<const int1
 
 bool allocateMissingMaps(const FinishedModel& model, const ContrastDefinitions& contrasts,
                          StatisticalMaps& maps) {
-    const size_t needed = size_t(std::max(contrasts.NrOfContrasts, 0));
-    const bool present =
-        maps.ContrastMaps.size() >= needed &&
-        std::all_of(maps.ContrastMaps.begin(), maps.ContrastMaps.end(),
-                    [&](const auto& map) { return map.size() == model.nrOfVoxels; });
-    if (present || maps.allocateMaps(int(needed)))
+    const bool present = maps.size == model.size && maps.nrOfMaps >= contrasts.NrOfContrasts;
+    if (present || maps.allocateMaps(contrasts.NrOfContrasts, model.size))
         return true;
     showCritical("ERROR: Not enough memory for contrast maps - terminating Cortivo...");
     endProgram(1);
@@ -66,7 +62,7 @@ void computeVariances(const FinishedModel& model, size_t first, size_t count, fl
 bool FinishedModel::isValid() const {
     const size_t p = size_t(std::max(nrOfActivePredictors, 0));
     return p > 0 && ActivePredictors.size() == p && iXX.size() == p * p &&
-           GLMMaps.size() >= (p + firstBetaRow) * nrOfVoxels;
+           GLMMaps.size() >= (p + firstBetaRow) * nrOfVoxels();
 }
 
 void FinishedModel::release() {
@@ -83,7 +79,7 @@ bool finishModel(FinishedModel& model, const GLMState& glm, const FMRProject& pr
         showCritical("ERROR: Insufficient memory for creating GLM data structure!");
         return false;
     }
-    model.nrOfVoxels = glm.nrOfVoxels;
+    model.size = project.size();
     model.nrOfActivePredictors = glm.nrOfActivePredictors;
     model.NrOfVolumes = nrOfVolumes;
     model.ActivePredictors = glm.ActivePredictors;
@@ -97,8 +93,7 @@ bool finishModel(FinishedModel& model, const GLMState& glm, const FMRProject& pr
 
 bool computeContrastMaps(const FinishedModel& model, const BrainMask& mask,
                          ContrastDefinitions& contrasts, StatisticalMaps& maps) {
-    if (!model.isValid() || mask.voxels.size() != model.nrOfVoxels ||
-        maps.volumeVoxels() != model.nrOfVoxels)
+    if (!model.isValid() || mask.voxels.size() != model.nrOfVoxels())
         return false;
     if (!allocateMissingMaps(model, contrasts, maps))
         return false;
@@ -107,12 +102,12 @@ bool computeContrastMaps(const FinishedModel& model, const BrainMask& mask,
     markConjunction(contrasts, maps);
     computeContrastVariances(active, model.iXX);
     for (int c = 0; c < active.count; ++c)
-        std::ranges::fill(maps.ContrastMaps[size_t(c)].span(), 0.0f);
+        std::ranges::fill(maps.map(c), 0.0f);
     const bool withConjunction = conjunctionApplies(contrasts, maps);
     std::array<float, glmBlockVoxels> variances;
     forEachBlock(mask, [&](size_t first, size_t count) {
         computeVariances(model, first, count, variances.data());
-        const BlockEstimates estimates{model.row(firstBetaRow).data() + first, model.nrOfVoxels,
+        const BlockEstimates estimates{model.row(firstBetaRow).data() + first, model.nrOfVoxels(),
                                        variances.data()};
         computeBlockMaps(active, estimates, first, count, withConjunction, maps);
     });

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/memory.h"
+#include "volume/volume_geometry.h"
 
 #include <span>
 #include <vector>
@@ -17,17 +18,18 @@ struct StatisticalMaps;
 /// the mean, then the betas. Further rows of a whole-run model may follow; they are not looked at.
 struct FinishedModel {
     ZeroedBuffer<float> GLMMaps;
-    size_t nrOfVoxels = 0;
+    VolumeSize size;                   ///< of each row
     int nrOfActivePredictors = 0;      ///< p; 0 without a model
     int NrOfVolumes = 0;               ///< n, volumes in the model
     std::vector<int> ActivePredictors; ///< design columns in model order
     std::vector<float> iXX;            ///< p x p, inverse of X'X
 
+    [[nodiscard]] size_t nrOfVoxels() const { return size.samples(); }
     [[nodiscard]] std::span<float> row(int index) {
-        return GLMMaps.span().subspan(size_t(index) * nrOfVoxels, nrOfVoxels);
+        return GLMMaps.span().subspan(size_t(index) * nrOfVoxels(), nrOfVoxels());
     }
     [[nodiscard]] std::span<const float> row(int index) const {
-        return GLMMaps.span().subspan(size_t(index) * nrOfVoxels, nrOfVoxels);
+        return GLMMaps.span().subspan(size_t(index) * nrOfVoxels(), nrOfVoxels());
     }
     /// True when all parts are there and agree in size.
     [[nodiscard]] bool isValid() const;
@@ -46,6 +48,6 @@ struct FinishedModel {
 /// that the model explains, this equals RSS / (n - p), the variance that the live maps have used.
 /// A voxel with R <= 0 or outside the mask gets 0. Maps that are missing are allocated; when memory
 /// runs out the program ends after a message. Sets what updateGLM sets in the maps. False without a
-/// model or when mask or maps don't have its size.
+/// model or when the mask does not have its size.
 [[nodiscard]] bool computeContrastMaps(const FinishedModel& model, const BrainMask& mask,
                                        ContrastDefinitions& contrasts, StatisticalMaps& maps);

@@ -18,10 +18,8 @@ template<typename Work> void forEachBlock(const BrainMask& mask, const Work& wor
 /// samples.
 [[nodiscard]] inline bool volumesHaveSize(const FMRProject& project, int nrOfVolumes,
                                           size_t voxels) {
-    if (nrOfVolumes < 1 || size_t(nrOfVolumes) > project.volumes.size())
-        return false;
-    return std::all_of(project.volumes.begin(), project.volumes.begin() + nrOfVolumes,
-                       [voxels](const Volume& volume) { return volume.size() == voxels; });
+    return nrOfVolumes >= 1 && size_t(nrOfVolumes) <= project.volumes.size() &&
+           project.volumes.samplesOfEach() == voxels;
 }
 
 /// Calls `work(samples, first, count)` for each block, where `samples` holds, for each of the first

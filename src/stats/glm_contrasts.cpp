@@ -41,7 +41,7 @@ void refreshActiveContrasts(ActiveContrasts& active, ContrastDefinitions& contra
     maps.contrastOfMap.clear();
     for (size_t c = 0; c < contrasts.ActiveContrastStates.size(); ++c) {
         const int state = contrasts.ActiveContrastStates[c];
-        if (state <= ContrastOff || maps.states.size() == maps.ContrastMaps.size())
+        if (state <= ContrastOff || int(maps.states.size()) == maps.nrOfMaps)
             continue;
         maps.states.push_back(state);
         maps.contrastOfMap.push_back(int(c));
@@ -78,11 +78,10 @@ void computeBlockMaps(const ActiveContrasts& active, const BlockEstimates& estim
     for (int c = 0; c < active.count; ++c) {
         const ContrastTerms contrast{active.row(c), active.variances[size_t(c)]};
         computeTValues(contrast, estimates.betas, estimates.stride, estimates.variances, count,
-                       maps.ContrastMaps[size_t(c)].data() + first);
+                       maps.map(c).data() + first);
     }
     if (!withConjunction)
         return;
     for (int c = 1; c < active.count; ++c)
-        conjoinMaps(maps.ContrastMaps[size_t(c)].data() + first, count,
-                    maps.ContrastMaps[0].data() + first);
+        conjoinMaps(maps.map(c).data() + first, count, maps.map(0).data() + first);
 }

@@ -68,9 +68,8 @@ void prepareContrasts(const GLMRun& run, bool refresh) {
 bool mapsFit(const GLMRun& run) {
     const StatisticalMaps& maps = run.maps;
     const int count = run.glm.activeContrasts.count;
-    return maps.NrOfActiveContrasts == count && size_t(count) <= maps.ContrastMaps.size() &&
-           std::all_of(maps.ContrastMaps.begin(), maps.ContrastMaps.begin() + count,
-                       [&run](const auto& map) { return map.size() == run.glm.nrOfVoxels; });
+    return maps.NrOfActiveContrasts == count && count <= maps.nrOfMaps &&
+           maps.size.samples() == run.glm.nrOfVoxels;
 }
 
 /// The voxels' betas and residual sums of squares take the volume in, if there is a step, and their
@@ -98,8 +97,8 @@ void updateVoxels(const GLMRun& run, const RecursiveStep* step, int volumeIndex)
 bool volumeFits(const GLMRun& run, int volumeIndex) {
     const FMRProject& project = run.project;
     return volumeIndex >= 0 && size_t(volumeIndex) < project.volumes.size() &&
-           !run.glm.values.empty() &&
-           project.volumes[size_t(volumeIndex)].size() == run.glm.nrOfVoxels;
+           !run.glm.values.empty() && project.volumes.samplesOfEach() == run.glm.nrOfVoxels &&
+           run.mask.voxels.size() == run.glm.nrOfVoxels;
 }
 
 } // namespace
@@ -108,8 +107,6 @@ bool updateGLM(const GLMRun& run, int volumeIndex) {
     if (!volumeFits(run, volumeIndex))
         return false;
     GLMState& glm = run.glm;
-    if (run.mask.voxels.size() != glm.nrOfVoxels)
-        run.mask = BrainMask{};
     const bool solved = isBatchSolutionDue(glm, run.design, volumeIndex) &&
                         solveBatch(glm, run.project, run.design, run.mask, volumeIndex);
     if (!solved && volumeIndex <= glm.GLMStartVolume)

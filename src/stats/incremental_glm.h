@@ -67,13 +67,14 @@ struct GLMRun {
     const FMRProject& project;
     const DesignMatrix& design;
     ContrastDefinitions& contrasts;
-    BrainMask& mask;
+    const BrainMask& mask;
     GLMState& glm;
     StatisticalMaps& maps;
 };
 
 /// Mask from the first volume: all slices but the first and the last, values above the threshold
-/// when read as unsigned 16-bit numbers. False after a message when memory runs out.
+/// when read as unsigned 16-bit numbers. False, with an empty mask, when memory runs out: the
+/// operator has been told, in a box that holds nobody up, and the run goes on without a model.
 [[nodiscard]] bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold = 100);
 
 /// One volume: batch solution when one is due, else the recursive update; contrasts; t values.
@@ -83,7 +84,7 @@ struct GLMRun {
 /// Keeps NrOfActiveContrasts, states, contrastOfMap and MapDF1 (n - p, 0 when there are none) of
 /// the maps; MapType becomes t at the first solution. With conjunction the first map holds its
 /// result and has state 3. Nothing happens for a volume that the project doesn't hold or whose size
-/// is not that of the model. Without a mask of this size no voxel is fitted.
+/// is not that of the model, or without a mask of that size: no model is then started.
 ///
 /// The recursion is recursive least squares without forgetting (Haykin, Adaptive Filter Theory,
 /// chapter on the RLS algorithm).

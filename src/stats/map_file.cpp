@@ -59,16 +59,14 @@ struct MapInUse {
 
 std::vector<MapInUse> mapsInUse(const StatisticalMaps& maps, const ContrastDefinitions& contrasts) {
     const size_t count =
-        std::min({size_t(std::max(maps.NrOfActiveContrasts, 0)), maps.ContrastMaps.size(),
+        std::min({size_t(std::max(maps.NrOfActiveContrasts, 0)), size_t(maps.nrOfMaps),
                   maps.states.size(), maps.contrastOfMap.size()});
     std::vector<MapInUse> result;
     for (size_t i = 0; i < count; ++i) {
         const size_t contrast = size_t(maps.contrastOfMap[i]);
-        if (maps.ContrastMaps[i].size() < maps.volumeVoxels())
-            continue;
         const bool known = contrast < contrasts.ContrastColors.size();
         result.push_back(
-            {maps.ContrastMaps[i].span().first(maps.volumeVoxels()),
+            {maps.map(int(i)),
              contrasts.ContrastNames.value(maps.contrastOfMap[i]).toUtf8().left(longestName),
              known ? contrasts.ContrastColors[contrast] : RgbColor(), maps.states[i]});
     }
@@ -79,12 +77,14 @@ qint32 channel(int value) {
     return std::clamp(value, 0, 255);
 }
 
-void writeMap(QDataStream& stream, const MapInUse& map, const StatisticalMaps& maps) {
+void writeMap(QDataStream& stream, const MapInUse& map, const StatisticalMaps& maps,
+              const OverlayThresholds& thresholds) {
     // The stream's own form of a byte array would mark an empty name in a way of its own.
     stream << quint32(map.name.size());
     stream.writeRawData(map.name.constData(), int(map.name.size()));
-    stream << qint32(maps.MapType) << qint32(maps.MapDF1) << qint32(maps.MapDF2) << maps.Threshold
-           << maps.ColorMaxThreshold << qint32(maps.ClusterSizePixels) << channel(map.color.red)
+    stream << qint32(maps.MapType) << qint32(maps.MapDF1) << qint32(maps.MapDF2)
+           << thresholds.Threshold << thresholds.ColorMaxThreshold
+           << qint32(thresholds.ClusterSizePixels) << channel(map.color.red)
            << channel(map.color.green) << channel(map.color.blue) << qint32(map.selectionState);
     writeFloats(stream, map.values);
 }
@@ -107,15 +107,17 @@ bool readMapHeader(QDataStream& stream, MapFileEntry& map) {
     if (!readName(stream, map.name))
         return false;
     qint32 type = 0, red = 0, green = 0, blue = 0;
-    stream >> type >> map.df1 >> map.df2 >> map.threshold >> map.colorMaxThreshold >>
-        map.clusterSizePixels >> red >> green >> blue >> map.selectionState;
+    stream >> type >> map.df1 >> map.df2 >> map.thresholds.Threshold >>
+        map.thresholds.ColorMaxThreshold >> map.thresholds.ClusterSizePixels >> red >> green >>
+        blue >> map.selectionState;
     const auto isChannel = [](qint32 value) { return value >= 0 && value <= 255; };
     map.type = MapKind(type);
     map.color = {red, green, blue};
     return stream.status() == QDataStream::Ok && type >= int(MapKind::T) &&
            type <= int(MapKind::F) && map.df1 >= 0 && map.df2 >= 0 &&
-           std::isfinite(map.threshold) && std::isfinite(map.colorMaxThreshold) && isChannel(red) &&
-           isChannel(green) && isChannel(blue) && map.selectionState >= ContrastOff &&
+           std::isfinite(map.thresholds.Threshold) &&
+           std::isfinite(map.thresholds.ColorMaxThreshold) && isChannel(red) && isChannel(green) &&
+           isChannel(blue) && map.selectionState >= ContrastOff &&
            map.selectionState <= ContrastBoth;
 }
 
@@ -134,10 +136,10 @@ QString readHeader(QDataStream& stream, const QString& fileName, MapFile& file, 
             .arg(fileName);
     if (version > fileVersion)
         return QStringLiteral("ERROR: Can not read this new version of map files!");
-    stream >> file.sizeX >> file.sizeY >> file.nrOfSlices >> nrOfMaps;
+    stream >> file.size.x >> file.size.y >> file.size.slices >> nrOfMaps;
     const auto isSize = [](int value) { return value > 0 && value <= largestSize; };
-    if (stream.status() != QDataStream::Ok || !isSize(file.sizeX) || !isSize(file.sizeY) ||
-        !isSize(file.nrOfSlices) || nrOfMaps < 0)
+    if (stream.status() != QDataStream::Ok || !isSize(file.size.x) || !isSize(file.size.y) ||
+        !isSize(file.size.slices) || nrOfMaps < 0)
         return damagedMessage(fileName);
     return {};
 }
@@ -161,7 +163,7 @@ QString readContent(QFile& device, const QString& fileName, MapFile& file) {
     if (!message.isEmpty())
         return message;
     // At most 2^36 voxels of 4 bytes each, so the products below fit.
-    const qint64 voxels = qint64(file.sizeX) * file.sizeY * file.nrOfSlices;
+    const auto voxels = qint64(file.size.samples());
     if (nrOfMaps > device.bytesAvailable() / (voxels * qint64(sizeof(float))))
         return damagedMessage(fileName);
     file.maps.resize(size_t(nrOfMaps));
@@ -176,17 +178,17 @@ QString readContent(QFile& device, const QString& fileName, MapFile& file) {
 } // namespace
 
 bool writeMapFile(const QString& fileName, const StatisticalMaps& maps,
-                  const ContrastDefinitions& contrasts) {
+                  const OverlayThresholds& thresholds, const ContrastDefinitions& contrasts) {
     QSaveFile device(fileName);
     bool written = device.open(QIODevice::WriteOnly);
     if (written) {
         const std::vector<MapInUse> used = mapsInUse(maps, contrasts);
         QDataStream stream(&device);
         prepare(stream);
-        stream << fileMark << fileVersion << qint32(maps.sizeX) << qint32(maps.sizeY)
-               << qint32(maps.nrOfSlices) << qint32(used.size());
+        stream << fileMark << fileVersion << qint32(maps.size.x) << qint32(maps.size.y)
+               << qint32(maps.size.slices) << qint32(used.size());
         for (const MapInUse& map : used)
-            writeMap(stream, map, maps);
+            writeMap(stream, map, maps, thresholds);
         written = stream.status() == QDataStream::Ok && device.commit();
     }
     if (!written)

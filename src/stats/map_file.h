@@ -4,7 +4,7 @@
 
 #include "base/memory.h"
 #include "stats/contrasts.h"
-#include "stats/statistical_maps.h"
+#include "stats/thresholds.h"
 
 #include <QString>
 #include <vector>
@@ -15,9 +15,7 @@ struct MapFileEntry {
     MapKind type = MapKind::T;
     int df1 = 0; ///< degrees of freedom; 0 when unknown
     int df2 = 0;
-    float threshold = 0.0f;
-    float colorMaxThreshold = 0.0f;
-    int clusterSizePixels = 1;
+    OverlayThresholds thresholds; ///< with which it was shown
     RgbColor color;
     int selectionState = ContrastPositive;
     ZeroedBuffer<float> values; ///< x fastest, then y, then slices
@@ -25,9 +23,7 @@ struct MapFileEntry {
 
 /// The content of a file.
 struct MapFile {
-    int sizeX = 0;
-    int sizeY = 0;
-    int nrOfSlices = 0;
+    VolumeSize size; ///< of each map
     std::vector<MapFileEntry> maps;
 };
 
@@ -35,6 +31,7 @@ struct MapFile {
 /// a file without maps. docs/file_formats_statistics.md has the layout. False after a critical
 /// message when the file can't be written.
 [[nodiscard]] bool writeMapFile(const QString& fileName, const StatisticalMaps& maps,
+                                const OverlayThresholds& thresholds,
                                 const ContrastDefinitions& contrasts);
 
 /// Reads a map file. False, after a critical message and with `file` as it was, when it can't be

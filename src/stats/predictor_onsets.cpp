@@ -34,3 +34,16 @@ void fillGLMStepVolumes(DesignMatrix& design) {
         design.GLMStepVolumes[k] = previous;
     }
 }
+
+QStringList conditionsWithoutModel(const DesignMatrix& design) {
+    // A solution takes in all columns whose onset is past, so the last one within the run decides.
+    int lastSolution = -1;
+    for (const int volume : design.GLMStepVolumes)
+        if (volume < design.NrOfVolumes)
+            lastSolution = std::max(lastSolution, volume);
+    QStringList names;
+    for (size_t j = 0; j < design.PredictorOnsets.size(); ++j)
+        if (design.PredictorOnsets[j] > lastSolution)
+            names << design.PredictorNames.value(qsizetype(j));
+    return names;
+}

@@ -4,38 +4,27 @@
 #include <algorithm>
 #include <limits>
 
-bool StatisticalMaps::allocateMaps(int count) {
-    ContrastMaps.clear();
+bool StatisticalMaps::allocateMaps(int count, const VolumeSize& sizeOfEach) {
+    ContrastMaps.release();
     ClusterSizeSlices.clear();
     states.clear();
     contrastOfMap.clear();
+    nrOfMaps = 0;
     NrOfActiveContrasts = 0;
     NrOfShownMaps = 0;
+    size = sizeOfEach;
+    const size_t voxels = size.samples();
     if (count <= 0)
         return true;
-
-    // All maps together are held against the memory first, so that a request far too large fails at
-    // once and not after half of it has been zeroed.
-    const size_t voxels = volumeVoxels();
     if (voxels > std::numeric_limits<size_t>::max() / size_t(count) ||
-        !memoryIsAvailable(size_t(count) * voxels, sizeof(float)))
+        !ContrastMaps.allocate(size_t(count) * voxels))
         return false;
-    ContrastMaps.resize(size_t(count));
-    for (ZeroedBuffer<float>& map : ContrastMaps) {
-        if (!map.allocate(voxels)) {
-            ContrastMaps.clear();
-            return false;
-        }
-    }
+    nrOfMaps = count;
     return true;
 }
 
 int StatisticalMaps::nrOfMapsToShow(bool conjunction) const {
     constexpr int maximumShownMaps = 4;
-    const int wanted = std::min(NrOfActiveContrasts, conjunction ? 1 : maximumShownMaps);
-    int count = 0;
-    while (count < wanted && size_t(count) < std::min(ContrastMaps.size(), states.size()) &&
-           ContrastMaps[size_t(count)].size() >= volumeVoxels())
-        ++count;
-    return count;
+    return std::min(
+        {NrOfActiveContrasts, conjunction ? 1 : maximumShownMaps, nrOfMaps, int(states.size())});
 }

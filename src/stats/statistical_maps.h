@@ -1,10 +1,12 @@
-// Statistical maps of a run, their thresholds and the sizes of their clusters.
+// Statistical maps of a run and the sizes of their clusters.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/memory.h"
+#include "volume/volume_geometry.h"
 
 #include <cmath>
+#include <span>
 #include <vector>
 
 /// 1 t, 2 and 3 correlation-like, 4 F.
@@ -19,13 +21,13 @@ struct ClusterScratch {
     std::vector<int> sizes;      ///< by label: pixels of its cluster
 };
 
-/// One map is one float per voxel, x fastest, then y, then slices.
+/// One map is one float per voxel, x fastest, then y, then slices; map m starts at
+/// m * size.samples(). So the block can be handed out as it is.
 struct StatisticalMaps {
-    int sizeX = 0;
-    int sizeY = 0;
-    int nrOfSlices = 0;
-    std::vector<ZeroedBuffer<float>> ContrastMaps; ///< one for each defined contrast
-    int NrOfActiveContrasts = 0;                   ///< the first so many maps are in use
+    VolumeSize size;                  ///< of each map, as they were allocated
+    ZeroedBuffer<float> ContrastMaps; ///< map after map, one for each defined contrast
+    int nrOfMaps = 0;                 ///< in ContrastMaps
+    int NrOfActiveContrasts = 0;      ///< the first so many maps are in use
     /// For each map in use: selection state 1 to 3 and the contrast that it belongs to.
     std::vector<int> states;
     std::vector<int> contrastOfMap;
@@ -34,21 +36,24 @@ struct StatisticalMaps {
     MapKind MapType = MapKind::T;
     int MapDF1 = 0; ///< degrees of freedom; 0 when unknown
     int MapDF2 = 0;
-    float Threshold = 3.0f;
-    float ColorMaxThreshold = 8.0f;
-    int ClusterSizePixels = 4;
     /// For each slice and pixel the size of its cluster; 0 below threshold. Empty when not
     /// computed.
     std::vector<std::vector<int>> ClusterSizeSlices;
     ClusterScratch clusterScratch;
 
-    [[nodiscard]] size_t sliceVoxels() const { return size_t(sizeX) * size_t(sizeY); }
-    [[nodiscard]] size_t volumeVoxels() const { return sliceVoxels() * size_t(nrOfSlices); }
-    /// Replaces the maps by `count` zeroed ones of which none is in use, and forgets the cluster
-    /// sizes. False, with none allocated, when memory runs out; the message is the caller's.
-    [[nodiscard]] bool allocateMaps(int count);
+    /// Values of a map below nrOfMaps.
+    [[nodiscard]] std::span<float> map(int index) {
+        return ContrastMaps.span().subspan(size_t(index) * size.samples(), size.samples());
+    }
+    [[nodiscard]] std::span<const float> map(int index) const {
+        return ContrastMaps.span().subspan(size_t(index) * size.samples(), size.samples());
+    }
+    /// Replaces the maps by `count` zeroed ones of this size, of which none is in use, and forgets
+    /// the cluster sizes. False, with none allocated, when memory runs out; the message is the
+    /// caller's.
+    [[nodiscard]] bool allocateMaps(int count, const VolumeSize& sizeOfEach);
     /// How many maps are to be overlaid: the one map of a conjunction, else the first four of those
-    /// in use. Maps that are not allocated at full size don't count.
+    /// in use. Maps that are not allocated don't count.
     [[nodiscard]] int nrOfMapsToShow(bool conjunction) const;
 };
 

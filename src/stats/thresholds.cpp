@@ -9,14 +9,14 @@
 
 namespace {
 
-bool isCorrelation(const StatisticalMaps& maps) {
-    return maps.MapType == MapKind::Correlation || maps.MapType == MapKind::CrossCorrelation;
+bool isCorrelation(MapKind kind) {
+    return kind == MapKind::Correlation || kind == MapKind::CrossCorrelation;
 }
 
 /// Colours need an upper threshold above the lower one.
-void keepColorMaxAbove(StatisticalMaps& maps) {
-    if (!(maps.ColorMaxThreshold > maps.Threshold))
-        maps.ColorMaxThreshold = maps.Threshold + 1.0f;
+void keepColorMaxAbove(OverlayThresholds& thresholds) {
+    if (!(thresholds.ColorMaxThreshold > thresholds.Threshold))
+        thresholds.ColorMaxThreshold = thresholds.Threshold + 1.0f;
 }
 
 /// What betai can take: it ends the program on a ratio that is no number.
@@ -24,25 +24,31 @@ bool areDegreesOfFreedom(float df) {
     return std::isfinite(df) && df > 0.0f;
 }
 
-QByteArray fThresholdText(const StatisticalMaps& maps) {
-    const double threshold = double(maps.Threshold);
+QByteArray fThresholdText(const StatisticalMaps& maps, float threshold) {
     if (maps.MapDF1 < 1 || maps.MapDF2 < 1)
-        return formatted(" Threshold: <b>F</b> = <b>%5.2f</b>", threshold);
-    const float p = fProbability(maps.Threshold, float(maps.MapDF1), float(maps.MapDF2));
+        return formatted(" Threshold: <b>F</b> = <b>%5.2f</b>", double(threshold));
+    const float p = fProbability(threshold, float(maps.MapDF1), float(maps.MapDF2));
     return formatted(" Threshold: <b>F</b>(%i,%i) = %5.2f, <b>p</b> = %8.6f.", maps.MapDF1,
-                     maps.MapDF2, threshold, double(p));
+                     maps.MapDF2, double(threshold), double(p));
 }
 
-QByteArray tThresholdText(const StatisticalMaps& maps) {
-    const double threshold = double(maps.Threshold);
+QByteArray tThresholdText(const StatisticalMaps& maps, float threshold) {
     if (maps.MapDF1 < 1)
-        return formatted(" Threshold: <b>t</b> = <b>%5.2f</b>", threshold);
-    const float p = tProbability(maps.Threshold, float(maps.MapDF1));
-    return formatted(" Threshold: <b>t</b>(%i) = %5.2f, <b>p</b> = %8.6f.", maps.MapDF1, threshold,
-                     double(p));
+        return formatted(" Threshold: <b>t</b> = <b>%5.2f</b>", double(threshold));
+    const float p = tProbability(threshold, float(maps.MapDF1));
+    return formatted(" Threshold: <b>t</b>(%i) = %5.2f, <b>p</b> = %8.6f.", maps.MapDF1,
+                     double(threshold), double(p));
 }
 
 } // namespace
+
+OverlayThresholds thresholdsAtStart(float threshold, int clusterSizePixels) {
+    OverlayThresholds thresholds;
+    thresholds.Threshold = threshold;
+    thresholds.ColorMaxThreshold = std::max(thresholds.ColorMaxThreshold, threshold + 1.0f);
+    changeClusterSize(thresholds, clusterSizePixels);
+    return thresholds;
+}
 
 float tProbability(float t, float df) {
     if (std::isnan(t) || !areDegreesOfFreedom(df))
@@ -59,15 +65,17 @@ float fProbability(float F, float df1, float df2) {
         numerics::betai(double(0.5f * df2), double(0.5f * df1), double(df2 / (df2 + df1 * F))));
 }
 
-QString thresholdText(const StatisticalMaps& maps) {
-    if (isCorrelation(maps))
-        return QString::fromLatin1(formatted("<b>R</b> > <b>%5.2f</b>", double(maps.Threshold)));
-    return QString::fromLatin1(maps.MapType == MapKind::F ? fThresholdText(maps)
-                                                          : tThresholdText(maps));
+QString thresholdText(const StatisticalMaps& maps, const OverlayThresholds& thresholds) {
+    const float threshold = thresholds.Threshold;
+    if (isCorrelation(maps.MapType))
+        return QString::fromLatin1(formatted("<b>R</b> > <b>%5.2f</b>", double(threshold)));
+    return QString::fromLatin1(maps.MapType == MapKind::F ? fThresholdText(maps, threshold)
+                                                          : tThresholdText(maps, threshold));
 }
 
 QString thresholdPrefix(const StatisticalMaps& maps) {
-    return isCorrelation(maps) ? QStringLiteral("<b>R</b> > ") : QStringLiteral("<b>t</b> > ");
+    return isCorrelation(maps.MapType) ? QStringLiteral("<b>R</b> > ")
+                                       : QStringLiteral("<b>t</b> > ");
 }
 
 QString singleRunPanelText(int volume, double elapsedSeconds, const QString& thresholdText) {
@@ -80,28 +88,29 @@ QString multiRunPanelText(const QString& thresholdText) {
     return "<br> " + thresholdText + "<br><br><br> Ready.<br>";
 }
 
-void stepThreshold(StatisticalMaps& maps, bool up) {
-    if (isCorrelation(maps)) {
-        maps.Threshold += up ? 0.02f : -0.02f;
-        maps.ColorMaxThreshold = maps.Threshold <= 0.6f ? 0.7f : maps.Threshold + 0.1f;
-        maps.Threshold = std::clamp(maps.Threshold, 0.1f, 0.9f);
+void stepThreshold(OverlayThresholds& thresholds, MapKind kind, bool up) {
+    float& threshold = thresholds.Threshold;
+    if (isCorrelation(kind)) {
+        threshold += up ? 0.02f : -0.02f;
+        thresholds.ColorMaxThreshold = threshold <= 0.6f ? 0.7f : threshold + 0.1f;
+        threshold = std::clamp(threshold, 0.1f, 0.9f);
         return;
     }
-    maps.Threshold = std::max(maps.Threshold + (up ? 0.2f : -0.2f), 1.0f);
-    keepColorMaxAbove(maps);
+    threshold = std::max(threshold + (up ? 0.2f : -0.2f), 1.0f);
+    keepColorMaxAbove(thresholds);
 }
 
-void changeThreshold(StatisticalMaps& maps, float value) {
+void changeThreshold(OverlayThresholds& thresholds, float value) {
     constexpr float smallest = 0.0001f;
-    maps.Threshold = value > smallest ? value : smallest;
-    keepColorMaxAbove(maps);
+    thresholds.Threshold = value > smallest ? value : smallest;
+    keepColorMaxAbove(thresholds);
 }
 
-void changeColorMaxThreshold(StatisticalMaps& maps, float value) {
-    maps.ColorMaxThreshold = value;
-    keepColorMaxAbove(maps);
+void changeColorMaxThreshold(OverlayThresholds& thresholds, float value) {
+    thresholds.ColorMaxThreshold = value;
+    keepColorMaxAbove(thresholds);
 }
 
-void changeClusterSize(StatisticalMaps& maps, int value) {
-    maps.ClusterSizePixels = std::max(value, 1);
+void changeClusterSize(OverlayThresholds& thresholds, int value) {
+    thresholds.ClusterSizePixels = std::max(value, 1);
 }

@@ -213,12 +213,12 @@ private:
         position.sliceCenterLast = keyedVector();
         position.rowDirection = keyedVector();
         position.columnDirection = keyedVector();
-        position.nrOfRows = keyedInteger();
-        position.nrOfColumns = keyedInteger();
+        keyedInteger(); // rows and columns, as stated above
+        keyedInteger();
         position.fovRows = keyedReal();
         position.fovColumns = keyedReal();
-        position.sliceThickness = keyedReal();
-        position.sliceGap = keyedReal();
+        keyedReal(); // slice thickness and gap, as stated above
+        keyedReal();
         keyedInteger(); // past transformations
         stream_.word();
         header_.radiologicalConvention = stream_.word().toUpper() == "YES";

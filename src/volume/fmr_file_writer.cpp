@@ -60,6 +60,10 @@ void addRun(KeyWriter& writer, const FMRHeader& header, int nrOfVolumes) {
     writer.add("ResolutionY:                   ", header.ResolutionY);
 }
 
+float gapAsWritten(const VolumeGeometry& geometry) {
+    return std::abs(geometry.sliceGap) < 1e-06f ? 0.0f : geometry.sliceGap;
+}
+
 void addDisplayAndProtocols(KeyWriter& writer, const FMRHeader& header) {
     writer.addQuotedOrNone("LoadAMRFile:                   \"", header.LoadAMRFile);
     writer.add("ShowAMRFile:                   ", header.ShowAMRFile != 0);
@@ -75,12 +79,12 @@ void addDisplayAndProtocols(KeyWriter& writer, const FMRHeader& header) {
     writer.add("InplaneResolutionX:            ", header.pixelSizeX);
     writer.add("InplaneResolutionY:            ", header.pixelSizeY);
     writer.add("SliceThickness:                ", header.sliceThickness);
-    writer.add("SliceGap:                      ",
-               std::abs(header.sliceGap) < 1e-06f ? 0.0f : header.sliceGap);
+    writer.add("SliceGap:                      ", gapAsWritten(header));
     writer.add("VoxelResolutionVerified:       ", header.VoxelResolutionVerified);
 }
 
-void addPositions(KeyWriter& writer, const FMRPositionInfo& position) {
+void addPositions(KeyWriter& writer, const FMRHeader& header) {
+    const FMRPositionInfo& position = header.position;
     writer.addRaw("\n\nPositionInformationFromImageHeaders\n\n");
     writer.add("PosInfosVerified: ", position.positionInfoValid);
     writer.add("CoordinateSystem: ", position.coordinateSystem);
@@ -96,12 +100,12 @@ void addPositions(KeyWriter& writer, const FMRPositionInfo& position) {
     writer.add("ColDirX:          ", position.columnDirection[0]);
     writer.add("ColDirY:          ", position.columnDirection[1]);
     writer.add("ColDirZ:          ", position.columnDirection[2]);
-    writer.add("NRows:            ", position.nrOfRows);
-    writer.add("NCols:            ", position.nrOfColumns);
+    writer.add("NRows:            ", header.ResolutionY);
+    writer.add("NCols:            ", header.ResolutionX);
     writer.add("FoVRows:          ", position.fovRows);
     writer.add("FoVCols:          ", position.fovColumns);
-    writer.add("SliceThickness:   ", position.sliceThickness);
-    writer.add("GapThickness:     ", position.sliceGap);
+    writer.add("SliceThickness:   ", header.sliceThickness);
+    writer.add("GapThickness:     ", gapAsWritten(header));
 }
 
 } // namespace
@@ -110,7 +114,7 @@ QByteArray fmrText(const FMRHeader& header, int nrOfVolumes) {
     KeyWriter writer;
     addRun(writer, header, nrOfVolumes);
     addDisplayAndProtocols(writer, header);
-    addPositions(writer, header.position);
+    addPositions(writer, header);
     writer.addRaw("\n\nNrOfPastSpatialTransformations: 0\n\n");
     writer.addRaw(header.radiologicalConvention ? "\n\nRadiologicalConvention: YES\n"
                                                 : "\n\nRadiologicalConvention: NO\n");
@@ -121,8 +125,7 @@ QByteArray fmrText(const FMRHeader& header, int nrOfVolumes) {
 
 bool writeFMRHeader(FMRProject& project, const QString& fileName, int nrOfVolumesWritten) {
     project.Prefix = prefixOfFiles(project.Prefix);
-    if (std::abs(project.sliceGap) < 1e-06f)
-        project.sliceGap = 0.0f;
+    project.sliceGap = gapAsWritten(project);
     const int nrOfVolumes = std::max(std::min(nrOfVolumesWritten, project.NrOfVolumes), 0);
     if (writeFileAtomically(fileName, fmrText(project, nrOfVolumes)))
         return true;

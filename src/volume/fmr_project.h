@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/memory.h"
+#include "volume/run_volumes.h"
+#include "volume/volume_geometry.h"
 
 #include <QString>
 #include <QStringList>
@@ -12,29 +13,24 @@
 
 using Vector3 = std::array<float, 3>;
 
-/// Slice geometry from the image headers, in the scanner's patient coordinates (millimetres).
+/// Where the slices lie, from the image headers, in the scanner's patient coordinates
+/// (millimetres). The matrix, slice thickness and gap that files give beside it are those of the
+/// run's VolumeGeometry.
 struct FMRPositionInfo {
     int positionInfoValid = 0; ///< 1 when filled from headers
-    int firstSliceNumber = 1;
-    int lastSliceNumber = 1;
     int coordinateSystem = 1;
     Vector3 sliceCenterFirst{};
     Vector3 sliceCenterLast{};
     Vector3 rowDirection{};
     Vector3 columnDirection{};
-    int nrOfRows = 0;
-    int nrOfColumns = 0;
-    float fovRows = 0.0f;
+    float fovRows = 0.0f; ///< as the headers state it: of the scan, which may have been cut down
     float fovColumns = 0.0f;
-    float sliceThickness = 0.0f;
-    float sliceGap = 0.0f;
 };
 
 /// What the project file states. Volumes count those that are analysed.
-struct FMRHeader {
+struct FMRHeader : VolumeGeometry {
     int fileVersion = 5;
     int NrOfVolumes = 0;
-    int NrOfSlices = 16;
     int NrOfSkippedVolumes = 0;
     QString Prefix = "realtime_slice-";
     int DataStorageFormat = 2;
@@ -44,8 +40,6 @@ struct FMRHeader {
     float TE = 0.0f; ///< milliseconds
     int SliceAcquisitionOrder = 0;
     bool SliceAcquisitionOrderVerified = false;
-    int ResolutionX = 64; ///< MatrixSizeX
-    int ResolutionY = 64; ///< MatrixSizeY
     QString LoadAMRFile;
     int ShowAMRFile = 0;
     int LayoutNColumns = 5;
@@ -54,26 +48,11 @@ struct FMRHeader {
     int SegmentSize = 10;
     int SegmentOffset = 0;
     QStringList ProtocolFiles;
-    float pixelSizeX = 0.0f; ///< millimetres
-    float pixelSizeY = 0.0f;
-    float sliceThickness = 0.0f;
-    float sliceGap = 0.0f;
     bool VoxelResolutionVerified = false;
     FMRPositionInfo position;
     bool radiologicalConvention = true;
     QString FirstDataSourceFile;
-
-    [[nodiscard]] float sliceDistance() const { return sliceThickness + sliceGap; }
-    [[nodiscard]] size_t sliceSamples() const {
-        return size_t(std::max(ResolutionX, 0)) * size_t(std::max(ResolutionY, 0));
-    }
-    [[nodiscard]] size_t volumeSamples() const {
-        return sliceSamples() * size_t(std::max(NrOfSlices, 0));
-    }
 };
-
-/// Samples of one volume: x fastest, then y, then slices.
-using Volume = ZeroedBuffer<int16_t>;
 
 /// The current run.
 struct FMRProject : FMRHeader {
@@ -81,9 +60,11 @@ struct FMRProject : FMRHeader {
     QString targetFolder; ///< with "/" at the end
     /// One entry for each analysed volume, all allocated when the run is prepared. NrOfVolumes is
     /// their number; what has been measured so far is the caller's to know.
-    std::vector<Volume> volumes;
+    RunVolumes volumes;
     Volume firstVolume; ///< as it was read, before any correction
 
     /// Allocates NrOfVolumes zeroed volumes. False, with none allocated, when memory runs out.
-    [[nodiscard]] bool allocateVolumes();
+    [[nodiscard]] bool allocateVolumes() {
+        return volumes.allocate(size_t(std::max(NrOfVolumes, 0)), volumeSamples());
+    }
 };

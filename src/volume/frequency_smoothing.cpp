@@ -46,20 +46,21 @@ struct FrequencySmoothing::Plans {
 FrequencySmoothing::FrequencySmoothing() = default;
 FrequencySmoothing::~FrequencySmoothing() = default;
 
-bool FrequencySmoothing::prepare(const FMRHeader& header, const VoxelWidths& widths) {
+bool FrequencySmoothing::prepare(const VolumeGeometry& geometry, const VoxelWidths& widths) {
     plans_ = std::make_unique<Plans>();
-    plans_->factorsX = transferFactors(widths.x, header.ResolutionX);
-    plans_->factorsY = transferFactors(widths.y, header.ResolutionY);
+    plans_->factorsX = transferFactors(widths.x, geometry.ResolutionX);
+    plans_->factorsY = transferFactors(widths.y, geometry.ResolutionY);
     const bool acrossSlices = widths.z > 0.0;
-    plans_->factorsZ = acrossSlices ? transferFactors(widths.z, header.NrOfSlices)
-                                    : std::vector<float>(size_t(header.NrOfSlices), 1.0f);
-    if (memoryIsAvailable(header.volumeSamples(), sizeof(float)))
-        plans_->samples.reset(fftwf_alloc_real(header.volumeSamples()));
+    plans_->factorsZ = acrossSlices ? transferFactors(widths.z, geometry.NrOfSlices)
+                                    : std::vector<float>(size_t(geometry.NrOfSlices), 1.0f);
+    if (memoryIsAvailable(geometry.volumeSamples(), sizeof(float)))
+        plans_->samples.reset(fftwf_alloc_real(geometry.volumeSamples()));
     if (float* const data = plans_->samples.get()) {
-        const std::array<int, 3> sizes{header.NrOfSlices, header.ResolutionY, header.ResolutionX};
+        const std::array<int, 3> sizes{geometry.NrOfSlices, geometry.ResolutionY,
+                                       geometry.ResolutionX};
         const int rank = acrossSlices ? 3 : 2;
-        const int howMany = acrossSlices ? 1 : header.NrOfSlices;
-        const int distance = acrossSlices ? 0 : int(header.sliceSamples());
+        const int howMany = acrossSlices ? 1 : geometry.NrOfSlices;
+        const int distance = acrossSlices ? 0 : int(geometry.sliceSamples());
         const auto plan = [&](fftwf_r2r_kind kind) {
             const std::array<fftwf_r2r_kind, 3> kinds{kind, kind, kind};
             return Plan(fftwf_plan_many_r2r(rank, sizes.data() + 3 - rank, howMany, data, nullptr,

@@ -15,10 +15,10 @@ public:
     FrequencySmoothing();
     ~FrequencySmoothing();
 
-    /// Plans the transforms of volumes of the header's sizes. An axis whose width is not above 0 is
+    /// Plans the transforms of volumes of these sizes. An axis whose width is not above 0 is
     /// left as it is; without a width along Z the transforms are those of single slices. Widths are
     /// finite. False after a message when memory runs out.
-    [[nodiscard]] bool prepare(const FMRHeader& header, const VoxelWidths& widths);
+    [[nodiscard]] bool prepare(const VolumeGeometry& geometry, const VoxelWidths& widths);
     /// Smooths the samples of one volume in place; results are limited to 0 to 32767 and rounded
     /// half up. prepare() has succeeded.
     void smooth(std::span<int16_t> samples);

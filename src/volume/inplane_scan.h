@@ -6,28 +6,23 @@
 
 /// As many slices as the run has; x fastest, then y, then slices. Without samples there is no scan.
 struct InplaneScan {
-    int sizeX = 0;
-    int sizeY = 0;
-    int nrOfSlices = 0;
+    VolumeSize size;
     Volume samples;
 
     /// Zeroed samples of these sizes. False, and empty, for a size below 1 or when memory runs out.
-    [[nodiscard]] bool allocate(int x, int y, int slices) {
+    [[nodiscard]] bool allocate(const VolumeSize& wanted) {
         *this = {};
-        if (x <= 0 || y <= 0 || slices <= 0 ||
-            size_t(x) * size_t(y) > SIZE_MAX / sizeof(int16_t) / size_t(slices) ||
-            !samples.allocate(size_t(x) * size_t(y) * size_t(slices)))
+        if (wanted.x <= 0 || wanted.y <= 0 || wanted.slices <= 0 ||
+            wanted.sliceSamples() > SIZE_MAX / sizeof(int16_t) / size_t(wanted.slices) ||
+            !samples.allocate(wanted.samples()))
             return false;
-        sizeX = x;
-        sizeY = y;
-        nrOfSlices = slices;
+        size = wanted;
         return true;
     }
-    [[nodiscard]] size_t sliceSamples() const { return size_t(sizeX) * size_t(sizeY); }
     /// Samples of a slice; empty for one that is not there.
     [[nodiscard]] std::span<int16_t> slice(int index) {
-        const bool present = index >= 0 && index < nrOfSlices;
-        return present ? samples.span().subspan(size_t(index) * sliceSamples(), sliceSamples())
-                       : std::span<int16_t>();
+        if (index < 0 || index >= size.slices)
+            return {};
+        return samples.span().subspan(size_t(index) * size.sliceSamples(), size.sliceSamples());
     }
 };

@@ -19,8 +19,8 @@ void MotionCorrection::releaseMotionParameters() {
 }
 
 void MotionCorrection::setMotionTarget(const FMRProject& project) {
-    if (!project.volumes.empty() && project.volumes[0].size() == motionTarget.size())
-        std::ranges::copy(project.volumes[0].span(), motionTarget.data());
+    if (!project.volumes.empty() && project.volumes.samplesOfEach() == motionTarget.size())
+        std::ranges::copy(project.volumes[0], motionTarget.data());
 }
 
 bool MotionCorrection::prepare(const FMRProject& project) {
@@ -52,11 +52,11 @@ void MotionCorrection::correctVolumeMotion(FMRProject& project, int v,
     if (v == 1)
         prepared_ = prepare(project);
     if (!prepared_ || v < 1 || size_t(v) >= motionParameters[0].size() ||
-        size_t(v) >= project.volumes.size() ||
-        project.volumes[size_t(v)].size() != grid_.samples() || !log_.open(project, grid_))
+        size_t(v) >= project.volumes.size() || project.volumes.samplesOfEach() != grid_.samples() ||
+        !log_.open(project, grid_))
         return;
     // The volume itself is the source: it doesn't change before its successor is whole.
-    const std::span<int16_t> volume = project.volumes[size_t(v)].span();
+    const std::span<int16_t> volume = project.volumes[size_t(v)];
     const MotionFit fit = fitMotion(
         [&](const RigidTransformation& transformation, MotionEquations& equations) {
             evaluator_.evaluate(volume, transformation, equations);

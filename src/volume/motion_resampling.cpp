@@ -128,10 +128,10 @@ C3dMatrix RigidTransformation::matrix() const {
            C3dMatrix::rotationY(ry) * C3dMatrix::rotationZ(rz);
 }
 
-VolumeGrid::VolumeGrid(const FMRHeader& header)
-    : size{std::max(header.ResolutionX, 0), std::max(header.ResolutionY, 0),
-           std::max(header.NrOfSlices, 0)},
-      spacing{header.pixelSizeX, header.pixelSizeY, header.sliceDistance()} {
+VolumeGrid::VolumeGrid(const VolumeGeometry& geometry)
+    : size{std::max(geometry.ResolutionX, 0), std::max(geometry.ResolutionY, 0),
+           std::max(geometry.NrOfSlices, 0)},
+      spacing{geometry.pixelSizeX, geometry.pixelSizeY, geometry.sliceDistance()} {
     for (float& millimetres : spacing)
         if (!(millimetres > 0.0f) || !std::isfinite(millimetres))
             millimetres = 1.0f;

@@ -22,7 +22,7 @@ struct RigidTransformation {
 
 /// Sizes of a volume, and of its voxels in millimetres.
 struct VolumeGrid {
-    explicit VolumeGrid(const FMRHeader& header);
+    explicit VolumeGrid(const VolumeGeometry& geometry);
     VolumeGrid() = default;
 
     /// Columns, rows, slices.

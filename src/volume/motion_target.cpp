@@ -15,11 +15,6 @@ bool canBeOpened(const QString& path) {
     return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly);
 }
 
-bool sizesMatch(const FMRHeader& target, const FMRHeader& run) {
-    return target.ResolutionX == run.ResolutionX && target.ResolutionY == run.ResolutionY &&
-           target.NrOfSlices == run.NrOfSlices;
-}
-
 } // namespace
 
 bool loadIntraSessionTarget(const QString& path, const FMRProject& project,
@@ -33,10 +28,10 @@ bool loadIntraSessionTarget(const QString& path, const FMRProject& project,
     FMRHeader target;
     if (!readFMRHeader(path, target))
         return false;
-    if (!sizesMatch(target, project)) {
+    if (target.size() != project.size()) {
         showWarning("The provided across-run, same-session target FMR file does not match current "
                     "(source) FMR file!");
         return false;
     }
-    return readSTCVolume(0, path, target, motion.motionTarget) && sizesMatch(target, project);
+    return readSTCVolume(0, path, target, motion.motionTarget) && target.size() == project.size();
 }

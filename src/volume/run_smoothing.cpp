@@ -33,7 +33,7 @@ bool smoothInFrequency(FMRProject& project, int nrOfVolumes, const VoxelWidths& 
     if (!smoothing.prepare(project, widths))
         return false;
     for (int v = 0; v < nrOfVolumes; ++v) {
-        smoothing.smooth(project.volumes[size_t(v)].span().first(project.volumeSamples()));
+        smoothing.smooth(project.volumes[size_t(v)].first(project.volumeSamples()));
         if (!progress.advance(v + 1, nrOfVolumes))
             return false;
     }

@@ -31,10 +31,10 @@ double inVoxels(double millimetres, float voxelSize) {
 
 } // namespace
 
-VoxelWidths voxelWidths(const FMRHeader& header, double fwhmMillimetres) {
-    return {inVoxels(fwhmMillimetres, header.pixelSizeX),
-            inVoxels(fwhmMillimetres, header.pixelSizeY),
-            inVoxels(fwhmMillimetres, header.sliceDistance())};
+VoxelWidths voxelWidths(const VolumeGeometry& geometry, double fwhmMillimetres) {
+    return {inVoxels(fwhmMillimetres, geometry.pixelSizeX),
+            inVoxels(fwhmMillimetres, geometry.pixelSizeY),
+            inVoxels(fwhmMillimetres, geometry.sliceDistance())};
 }
 
 bool SpatialSmoothing::makeKernels(const VoxelWidths& widths, Kernels& kernels) {
@@ -57,9 +57,9 @@ bool SpatialSmoothing::isPossible(const VoxelWidths& widths) {
     return makeKernels(widths, kernels);
 }
 
-bool SpatialSmoothing::allocate(const FMRHeader& header) {
-    const size_t sliceFloats = 2 * header.sliceSamples();
-    const size_t columnFloats = columnBlock * size_t(header.NrOfSlices);
+bool SpatialSmoothing::allocate(const VolumeGeometry& geometry) {
+    const size_t sliceFloats = 2 * geometry.sliceSamples();
+    const size_t columnFloats = columnBlock * size_t(geometry.NrOfSlices);
     if ((slices_.size() == sliceFloats || slices_.allocate(sliceFloats)) &&
         (columns_.size() == columnFloats || columns_.allocate(columnFloats)))
         return true;
@@ -67,32 +67,32 @@ bool SpatialSmoothing::allocate(const FMRHeader& header) {
     return false;
 }
 
-void SpatialSmoothing::smoothSlice(const FMRHeader& header, const Kernels& kernels,
+void SpatialSmoothing::smoothSlice(const VolumeGeometry& geometry, const Kernels& kernels,
                                    int16_t* slice) {
-    const size_t columns = size_t(header.ResolutionX);
+    const size_t columns = size_t(geometry.ResolutionX);
     float* const asRead = slices_.data();
-    float* const alongX = asRead + header.sliceSamples();
-    convertSamples(slice, header.sliceSamples(), asRead);
-    for (size_t first = 0; first < header.sliceSamples(); first += columns)
+    float* const alongX = asRead + geometry.sliceSamples();
+    convertSamples(slice, geometry.sliceSamples(), asRead);
+    for (size_t first = 0; first < geometry.sliceSamples(); first += columns)
         smoothAlongRow(kernels[0].taps(), {asRead + first, columns}, alongX + first);
     RowPointers rows;
-    for (int y = 0; y < header.ResolutionY; ++y) {
-        pointAtRows(rows, kernels[1], alongX, columns, y, header.ResolutionY);
+    for (int y = 0; y < geometry.ResolutionY; ++y) {
+        pointAtRows(rows, kernels[1], alongX, columns, y, geometry.ResolutionY);
         smoothRows(kernels[1].taps(), rows.data(), columns, slice + size_t(y) * columns);
     }
 }
 
-void SpatialSmoothing::smoothAcrossSlices(const FMRHeader& header, const GaussianKernel& kernel,
-                                          int16_t* samples) {
-    const size_t sliceSamples = header.sliceSamples();
+void SpatialSmoothing::smoothAcrossSlices(const VolumeGeometry& geometry,
+                                          const GaussianKernel& kernel, int16_t* samples) {
+    const size_t sliceSamples = geometry.sliceSamples();
     RowPointers rows;
     for (size_t first = 0; first < sliceSamples; first += columnBlock) {
         const size_t count = std::min(columnBlock, sliceSamples - first);
-        for (int z = 0; z < header.NrOfSlices; ++z)
+        for (int z = 0; z < geometry.NrOfSlices; ++z)
             convertSamples(samples + size_t(z) * sliceSamples + first, count,
                            columns_.data() + size_t(z) * columnBlock);
-        for (int z = 0; z < header.NrOfSlices; ++z) {
-            pointAtRows(rows, kernel, columns_.data(), columnBlock, z, header.NrOfSlices);
+        for (int z = 0; z < geometry.NrOfSlices; ++z) {
+            pointAtRows(rows, kernel, columns_.data(), columnBlock, z, geometry.NrOfSlices);
             smoothRows(kernel.taps(), rows.data(), count,
                        samples + size_t(z) * sliceSamples + first);
         }
@@ -102,7 +102,7 @@ void SpatialSmoothing::smoothAcrossSlices(const FMRHeader& header, const Gaussia
 bool SpatialSmoothing::applyKernels(FMRProject& project, int v, const Kernels& kernels) {
     const size_t volumeSamples = project.volumeSamples();
     if (v < 0 || size_t(v) >= project.volumes.size() || volumeSamples == 0 ||
-        project.volumes[size_t(v)].size() < volumeSamples || !allocate(project))
+        project.volumes.samplesOfEach() < volumeSamples || !allocate(project))
         return false;
     int16_t* const samples = project.volumes[size_t(v)].data();
     for (size_t first = 0; first < volumeSamples; first += project.sliceSamples())

@@ -14,7 +14,7 @@ struct VoxelWidths {
 
 /// A width in millimetres divided by pixel sizes and slice distance; infinite along an axis on
 /// which the voxel has no size.
-[[nodiscard]] VoxelWidths voxelWidths(const FMRHeader& header, double fwhmMillimetres);
+[[nodiscard]] VoxelWidths voxelWidths(const VolumeGeometry& geometry, double fwhmMillimetres);
 
 /// Three passes over a volume, along X, then Y, then Z. Each computes sums of tap * sample in
 /// float, limits them to 0 to 32767 and rounds to whole samples (smoothing_kernels.h). A sample
@@ -40,9 +40,9 @@ private:
 
     [[nodiscard]] static bool makeKernels(const VoxelWidths& widths, Kernels& kernels);
     [[nodiscard]] bool applyKernels(FMRProject& project, int v, const Kernels& kernels);
-    [[nodiscard]] bool allocate(const FMRHeader& header);
-    void smoothSlice(const FMRHeader& header, const Kernels& kernels, int16_t* slice);
-    void smoothAcrossSlices(const FMRHeader& header, const GaussianKernel& kernel,
+    [[nodiscard]] bool allocate(const VolumeGeometry& geometry);
+    void smoothSlice(const VolumeGeometry& geometry, const Kernels& kernels, int16_t* slice);
+    void smoothAcrossSlices(const VolumeGeometry& geometry, const GaussianKernel& kernel,
                             int16_t* samples);
 
     ZeroedBuffer<float> slices_;  ///< one slice as read, and one smoothed along X

@@ -50,8 +50,8 @@ bool readSamples(QIODevice& file, std::span<int16_t> samples) {
 }
 
 std::span<int16_t> sliceOf(FMRProject& project, int volume, int slice) {
-    return project.volumes[size_t(volume)].span().subspan(size_t(slice) * project.sliceSamples(),
-                                                          project.sliceSamples());
+    return project.volumes[size_t(volume)].subspan(size_t(slice) * project.sliceSamples(),
+                                                   project.sliceSamples());
 }
 
 /// Collects samples into large writes.
@@ -84,9 +84,9 @@ bool writeSlices(const FMRProject& project, int nrOfVolumes, QIODevice& file,
     for (int slice = 0; slice < project.NrOfSlices; ++slice) {
         for (int volume = 0; volume < nrOfVolumes; ++volume) {
             const bool exists = size_t(volume) < project.volumes.size() &&
-                                project.volumes[size_t(volume)].size() >= project.volumeSamples();
+                                project.volumes.samplesOfEach() >= project.volumeSamples();
             if (!writer.add(
-                    exists ? project.volumes[size_t(volume)].span().subspan(
+                    exists ? project.volumes[size_t(volume)].subspan(
                                  size_t(slice) * project.sliceSamples(), project.sliceSamples())
                            : std::span<const int16_t>(noSamples)))
                 return false;
@@ -116,9 +116,7 @@ bool checkSliceFile(const FMRProject& project, const QString& fileName) {
 
 bool isAllocated(const FMRProject& project) {
     return project.volumes.size() >= size_t(std::max(project.NrOfVolumes, 0)) &&
-           std::all_of(project.volumes.begin(), project.volumes.end(), [&](const Volume& volume) {
-               return volume.size() >= project.volumeSamples();
-           });
+           project.volumes.samplesOfEach() >= project.volumeSamples();
 }
 
 } // namespace

@@ -55,12 +55,10 @@ void writeBlock(FMRProject& project, const Block& block, SampleRange range,
 } // namespace
 
 int nrOfCompleteVolumes(const FMRProject& project, int nrOfVolumes) {
-    const size_t most = std::min(size_t(std::max(nrOfVolumes, 0)), project.volumes.size());
     const size_t samples = project.volumeSamples();
-    size_t count = 0;
-    while (samples > 0 && count < most && project.volumes[count].size() >= samples)
-        ++count;
-    return int(count);
+    if (samples == 0 || project.volumes.samplesOfEach() < samples)
+        return 0;
+    return int(std::min(size_t(std::max(nrOfVolumes, 0)), project.volumes.size()));
 }
 
 bool filterTimeCourses(FMRProject& project, int nrOfVolumes, SampleRange range,

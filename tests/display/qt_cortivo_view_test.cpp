@@ -16,13 +16,14 @@ protected:
     void SetUp() override {
         const std::vector<int16_t> samples(8 * 8 * 6, 50);
         document.slices.greyScale.high = 100;
-        document.slices.createSlicePixmaps(samples, 8, 8, 6);
+        document.slices.createSlicePixmaps(samples, {8, 8, 6});
         document.mosaic = {2, 2, 0, 2, 1};
         view.resize(700, 560);
     }
     ScriptedMessages messages;
     QtCortivoDoc document{QtCortivoDoc::Kind::Functional};
-    QtCortivoView view{&document};
+    OverlayThresholds thresholds;
+    QtCortivoView view{&document, thresholds};
 };
 
 TEST_F(View, ScrollsByKeys) {

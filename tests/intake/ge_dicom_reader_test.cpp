@@ -178,10 +178,10 @@ TEST(GeHdxtDicomReader, ScannerFiles) {
     }
     ASSERT_TRUE(reader->readVolume(0) && reader->readVolume(1));
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    for (const Volume* volume :
-         {&run.project.firstVolume, &run.project.volumes[0], &run.project.volumes[1]})
-        hash.addData(QByteArray(reinterpret_cast<const char*>(volume->data()),
-                                qsizetype(volume->span().size_bytes())));
+    for (const std::span<const int16_t> volume :
+         {run.project.firstVolume.span(), run.project.volumes[0], run.project.volumes[1]})
+        hash.addData(QByteArray(reinterpret_cast<const char*>(volume.data()),
+                                qsizetype(volume.size_bytes())));
     EXPECT_EQ(hash.result().toHex(),
               "9b8ed338ce0f4bbad710994e827a8a96bb47ca4306b502ff97c2f658a754b8a6");
 }

@@ -15,7 +15,7 @@ struct InplaneRun : IntakeRun {
         settings.OverlayInplaneFirstFileName = firstName;
         settings.ImageTransformation = 1;
         deriveInplaneFirstFile(settings);
-        EXPECT_TRUE(scan.allocate(2, 1, 2));
+        EXPECT_TRUE(scan.allocate({2, 1, 2}));
     }
     bool read() { return readInplaneSeries({settings, project, state, pump}, scan); }
     std::vector<int> values() const {

@@ -24,10 +24,9 @@ struct IntakeRun {
         project.ResolutionX = columns;
         project.ResolutionY = rows;
         project.NrOfSlices = slices;
-        project.volumes.resize(3);
+        project.NrOfVolumes = 3;
+        EXPECT_TRUE(project.allocateVolumes());
         EXPECT_TRUE(project.firstVolume.allocate(project.volumeSamples()));
-        for (Volume& volume : project.volumes)
-            EXPECT_TRUE(volume.allocate(project.volumeSamples()));
     }
     void setMosaic(int columns, int rows) {
         settings.MosaicResolutionX = columns;

@@ -49,7 +49,7 @@ TEST(GrowingFileReader, ScannerFiles) {
         run.settings.NrOfVolumesToSkip = volume;
         run.settings.documentFirstFileName = folder + name;
         ASSERT_TRUE(run.reader()->readVolume(0)) << name;
-        const auto samples = run.project.volumes[0].span();
+        const auto samples = run.project.volumes[0];
         for (size_t slice = 0; slice < sums.size(); ++slice) {
             const auto part = samples.subspan(slice * size_t(columns) * 64, size_t(columns) * 64);
             EXPECT_EQ(std::accumulate(part.begin(), part.end(), 0), sums[slice]);

@@ -22,6 +22,6 @@ inline std::vector<int> countedFrom(int first, size_t count) {
     return values;
 }
 
-inline std::vector<int> valuesOf(const Volume& volume) {
-    return {volume.span().begin(), volume.span().end()};
+inline std::vector<int> valuesOf(const auto& volume) {
+    return {volume.data(), volume.data() + volume.size()};
 }

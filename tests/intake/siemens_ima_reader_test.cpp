@@ -52,7 +52,7 @@ TEST(SiemensImaReaders, TwoMosaicsHaveTilesForEightOfTenSlices) {
         const std::vector<int> backwards{-1,  -1,  -1, -1, 106, 107, 104, 105, 102, 103,
                                          100, 101, 6,  7,  4,   5,   2,   3,   0,   1};
         EXPECT_EQ(valuesOf(run.project.firstVolume), headless ? backwards : forwards);
-        EXPECT_EQ(filesPerVolume(run.settings), 3);
+        EXPECT_EQ(filesPerVolume(run.settings, run.project), 3);
     }
 }
 

@@ -25,11 +25,12 @@ TEST(Clusters, ShapesHaveTheSizesThatTheRulesGive) {
     };
     for (const auto& [name, rows, expected] : cases) {
         const int sizeX = int(rows[0].size());
+        OverlayThresholds thresholds;
         StatisticalMaps maps = mapsInUse(sizeX, int(rows.size()), 3, 1);
-        for (size_t i = 0; i < maps.sliceVoxels(); ++i)
+        for (size_t i = 0; i < maps.size.sliceSamples(); ++i)
             if (rows[i / size_t(sizeX)][i % size_t(sizeX)] == '#')
-                maps.ContrastMaps[0][maps.sliceVoxels() + i] = maps.Threshold; // just reaches it
-        computeClusterSizes(maps, false);
+                maps.map(0)[maps.size.sliceSamples() + i] = thresholds.Threshold; // just reaches it
+        computeClusterSizes(maps, thresholds, false);
         const std::vector<int>& sizes = maps.ClusterSizeSlices[1];
         EXPECT_EQ(std::set<int>(sizes.begin(), sizes.end()), expected) << name;
     }
@@ -46,14 +47,16 @@ TEST(Clusters, StateAndSliceDecideWhatIsShown) {
           {3, 2.99f, false},
           {3, std::numeric_limits<float>::quiet_NaN(), false}}) {
         StatisticalMaps maps = mapsInUse(2, 2, 3, 1, state);
-        std::ranges::fill(maps.ContrastMaps[0].span(), value);
-        computeClusterSizes(maps, false);
+        std::ranges::fill(maps.map(0), value);
+        OverlayThresholds thresholds{.Threshold = 3.0f, .ClusterSizePixels = 0};
+        computeClusterSizes(maps, thresholds, false);
+        EXPECT_EQ(thresholds.ClusterSizePixels, 1);
         EXPECT_EQ(maps.ClusterSizeSlices[1][0], shown ? 4 : 0);
         // The outermost slices have no clusters; their voxels are shown with cluster size 1 only.
-        for (const int pixels : {1, 4, 5}) {
-            maps.ClusterSizePixels = pixels;
-            EXPECT_EQ(voxelIsShown(maps, 1, 3), shown && pixels < 5 ? 1u : 0u);
-            EXPECT_EQ(voxelIsShown(maps, 0, 3), shown && pixels < 2 ? 1u : 0u);
+        for (const int pixels : {0, 1, 4, 5}) {
+            thresholds.ClusterSizePixels = pixels;
+            EXPECT_EQ(voxelIsShown(maps, thresholds, 1, 3), shown && pixels < 5 ? 1u : 0u);
+            EXPECT_EQ(voxelIsShown(maps, thresholds, 0, 3), shown && pixels < 2 ? 1u : 0u);
         }
     }
 }

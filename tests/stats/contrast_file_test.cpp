@@ -85,6 +85,38 @@ TEST(ContrastFile, OlderVersionsStoreValuesByPredictor) {
     EXPECT_EQ(read.BaselineInContrasts, 1);
 }
 
+TEST(ContrastFile, BaselineMustAgreeWithTheModel) {
+    // Three conditions, in a model that takes one of them, or none, as the baseline.
+    struct Case {
+        int entries, inContrasts, position;
+        bool taken;
+    };
+    const Case cases[] = {{3, 1, 1, true},  {3, 1, 3, true},   {3, 1, 0, false},
+                          {3, 1, 4, false}, {3, 1, -1, false}, {4, 0, 0, true},
+                          {4, 0, 1, false}, {4, 1, 0, false},  {3, 0, 0, false}};
+    for (const auto& [entries, inContrasts, position, taken] : cases) {
+        DesignMatrix design = threeConditions();
+        design.NrOfContrastPredictors = entries;
+        design.NrOfConditionPredictors = entries - 1;
+        const QString text =
+            QString(
+                "FileVersion: 3 NrOfContrasts: 1 NrOfValues: %1 BaselineInContrasts: %2 "
+                "BaselinePosInProtocol: %3\nContrastNames:\n\"A\"\nContrastVectors:\n -1  1  0%4"
+                "\nInitialSelectionState:\n1\nContrastColors:\n 1 2 3\n")
+                .arg(entries)
+                .arg(inContrasts)
+                .arg(position)
+                .arg(entries == 4 ? "  2" : "");
+        ContrastDefinitions contrasts;
+        QString message;
+        EXPECT_EQ(parseContrasts(text, contrasts, design, 3, message), taken)
+            << message.toStdString();
+        EXPECT_EQ(message.startsWith("ERROR: Contrast file "), !taken);
+        const std::vector<int> weights{1, 0, entries == 4 ? 2 : 0, 0};
+        EXPECT_TRUE(!taken || contrasts.ContrastWeights[0] == weights);
+    }
+}
+
 TEST(ContrastFile, BadTextIsRefusedAndChangesNothing) {
     const QString good = versionThree;
     const auto with = [&](const char* before, const char* after) {

@@ -12,6 +12,8 @@
 namespace {
 
 /// Two of three maps of 3 x 2 x 2 voxels in use, the second contrast first.
+const OverlayThresholds exampleThresholds{2.5f, 7.0f, 3};
+
 StatisticalMaps exampleMaps() {
     StatisticalMaps maps = mapsInUse(3, 2, 2, 3);
     maps.NrOfActiveContrasts = 2;
@@ -19,7 +21,7 @@ StatisticalMaps exampleMaps() {
     maps.contrastOfMap = {1, 0};
     maps.MapDF1 = 190;
     for (size_t i = 0; i < 12; ++i)
-        maps.ContrastMaps[1][i] = float(i) - 5.5f;
+        maps.map(1)[i] = float(i) - 5.5f;
     return maps;
 }
 
@@ -39,7 +41,7 @@ QByteArray contentOf(const QString& path) {
 TEST(MapFile, KeepsTheMapsInUse) {
     QTemporaryDir folder;
     const QString path = folder.filePath("run.mps");
-    ASSERT_TRUE(writeMapFile(path, exampleMaps(), exampleContrasts()));
+    ASSERT_TRUE(writeMapFile(path, exampleMaps(), exampleThresholds, exampleContrasts()));
     // Mark, version, sizes and count stand before the first map.
     const QByteArray bytes = contentOf(path);
     EXPECT_EQ(bytes.left(24), QByteArray::fromHex("564d5053 01000000 03000000 02000000 02000000"
@@ -50,13 +52,14 @@ TEST(MapFile, KeepsTheMapsInUse) {
     ASSERT_TRUE(readMapFile(path, file));
     EXPECT_EQ(file.maps[0].name, "Hände vs. Ruhe");
     EXPECT_EQ(file.maps[0].color, (RgbColor{255, 255, 0}));
+    EXPECT_EQ(file.maps[1].thresholds, exampleThresholds);
     EXPECT_EQ(file.maps[1].values[11], 5.5f);
 }
 
 TEST(MapFile, RefusesWhatIsDamaged) {
     QTemporaryDir folder;
     const QString path = folder.filePath("bad.mps");
-    ASSERT_TRUE(writeMapFile(path, exampleMaps(), exampleContrasts()));
+    ASSERT_TRUE(writeMapFile(path, exampleMaps(), exampleThresholds, exampleContrasts()));
     const QByteArray good = contentOf(path);
     const QString foreign = "ERROR: Can not read file. \"" + path + "\" appears not*";
     const QString damaged = "ERROR: Map file \"" + path + "\" is damaged or ends too early!";
@@ -71,7 +74,7 @@ TEST(MapFile, RefusesWhatIsDamaged) {
     };
     ScriptedMessages messages;
     MapFile file;
-    file.sizeX = 77;
+    file.size.x = 77;
     for (const auto& [offset, replacement, message] : cases) {
         QByteArray bytes = good;
         bytes.replace(offset, 4, QByteArray::fromHex(replacement));
@@ -85,7 +88,7 @@ TEST(MapFile, RefusesWhatIsDamaged) {
         ASSERT_TRUE(QFile::resize(path, length));
         EXPECT_FALSE(readMapFile(path, file)) << length;
     }
-    EXPECT_EQ(file.sizeX, 77) << "a failed reading leaves the target alone";
+    EXPECT_EQ(file.size.x, 77) << "a failed reading leaves the target alone";
 }
 
 } // namespace

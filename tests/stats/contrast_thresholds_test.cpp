@@ -6,19 +6,6 @@
 
 namespace {
 
-struct Pair {
-    float lower;
-    float upper;
-};
-
-StatisticalMaps mapsOf(MapKind type, Pair thresholds) {
-    StatisticalMaps maps;
-    maps.MapType = type;
-    maps.Threshold = thresholds.lower;
-    maps.ColorMaxThreshold = thresholds.upper;
-    return maps;
-}
-
 TEST(Probabilities, AgreeWithPublishedTables) {
     // Critical values of Student's t, two-tailed, and of F, upper tail, as statistics books print
     // them: three decimals for t, two for F.
@@ -35,30 +22,37 @@ TEST(Probabilities, AgreeWithPublishedTables) {
 }
 
 TEST(ThresholdControls, StepWithinTheirLimits) {
-    const std::tuple<MapKind, Pair, bool, Pair> cases[] = {
+    const std::tuple<MapKind, OverlayThresholds, bool, OverlayThresholds> cases[] = {
         {MapKind::T, {3.0f, 8.0f}, true, {3.2f, 8.0f}},
         {MapKind::F, {3.8f, 4.0f}, true, {4.0f, 5.0f}},
         {MapKind::T, {0.0001f, 0.5f}, false, {1.0f, 2.0f}},
         {MapKind::Correlation, {0.62f, 0.7f}, true, {0.64f, 0.74f}},
         {MapKind::CrossCorrelation, {0.9f, 1.0f}, true, {0.9f, 1.02f}},
     };
-    for (const auto& [type, before, up, after] : cases) {
-        StatisticalMaps maps = mapsOf(type, before);
-        stepThreshold(maps, up);
-        EXPECT_NEAR(maps.Threshold, after.lower, 1e-6f) << before.lower;
-        EXPECT_NEAR(maps.ColorMaxThreshold, after.upper, 1e-6f) << before.lower;
+    for (const auto& [kind, before, up, after] : cases) {
+        OverlayThresholds thresholds = before;
+        stepThreshold(thresholds, kind, up);
+        EXPECT_NEAR(thresholds.Threshold, after.Threshold, 1e-6f) << before.Threshold;
+        EXPECT_NEAR(thresholds.ColorMaxThreshold, after.ColorMaxThreshold, 1e-6f);
     }
+}
+
+TEST(ThresholdControls, StartWithWhatTheSettingsState) {
+    EXPECT_EQ(thresholdsAtStart(2.5f, 6), (OverlayThresholds{2.5f, 8.0f, 6}));
+    EXPECT_EQ(thresholdsAtStart(7.5f, 0), (OverlayThresholds{7.5f, 8.5f, 1}));
 }
 
 TEST(ThresholdTexts, ShowTheValueAndItsProbability) {
     // Probabilities from SciPy's t and F distributions.
-    StatisticalMaps maps = mapsOf(MapKind::T, {3.0f, 8.0f});
+    StatisticalMaps maps;
     maps.MapDF1 = 190;
-    EXPECT_EQ(thresholdText(maps), " Threshold: <b>t</b>(190) =  3.00, <b>p</b> = 0.003062.");
-    maps = mapsOf(MapKind::F, {4.5f, 8.0f});
+    EXPECT_EQ(thresholdText(maps, {3.0f}),
+              " Threshold: <b>t</b>(190) =  3.00, <b>p</b> = 0.003062.");
+    maps.MapType = MapKind::F;
     maps.MapDF1 = 3;
     maps.MapDF2 = 96;
-    EXPECT_EQ(thresholdText(maps), " Threshold: <b>F</b>(3,96) =  4.50, <b>p</b> = 0.005342.");
+    EXPECT_EQ(thresholdText(maps, {4.5f}),
+              " Threshold: <b>F</b>(3,96) =  4.50, <b>p</b> = 0.005342.");
     EXPECT_EQ(singleRunPanelText(12, 21.96, "T"),
               " volume <b>12</b>,  elapsed time: <b>  22.0</b> secs<br> T<br><br> Ready.<br>");
 }

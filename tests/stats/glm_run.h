@@ -27,12 +27,12 @@ struct GLMTestRun {
         project.ResolutionX = 7;
         project.ResolutionY = 6;
         project.NrOfSlices = 5;
-        project.volumes.resize(size_t(nrOfVolumes));
+        EXPECT_TRUE(project.allocateVolumes());
         std::normal_distribution<double> noise(0.0, 12.0);
-        for (Volume& volume : project.volumes) {
-            EXPECT_TRUE(volume.allocate(voxels()));
+        for (size_t t = 0; t < project.volumes.size(); ++t) {
             for (size_t v = 0; v < voxels(); ++v)
-                volume[v] = int16_t(v % 11 == 3 || v % 17 < 2 ? 60 : 1000 + noise(random));
+                project.volumes[t][v] =
+                    int16_t(v % 11 == 3 || v % 17 < 2 ? 60 : 1000 + noise(random));
         }
         design.NrOfVolumes = nrOfVolumes;
     }
@@ -73,10 +73,7 @@ struct GLMTestRun {
     /// After all conditions, confounds and contrasts.
     void start(std::vector<int> stepVolumes) {
         design.GLMStepVolumes = std::move(stepVolumes);
-        maps.sizeX = project.ResolutionX;
-        maps.sizeY = project.ResolutionY;
-        maps.nrOfSlices = project.NrOfSlices;
-        ASSERT_TRUE(maps.allocateMaps(contrasts.NrOfContrasts));
+        ASSERT_TRUE(maps.allocateMaps(contrasts.NrOfContrasts, project.size()));
         ASSERT_TRUE(createBrainMask(mask, project));
         ASSERT_TRUE(glm.allocate(design.NrOfPredictors, voxels()));
     }

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
+#include "stats/finished_model.h"
 #include "stats/glm_run.h"
+#include "support/scripted_messages.h"
 
 namespace {
 
@@ -48,6 +50,26 @@ TEST(BrainMask, HoldsInnerSlicesReadAsUnsigned) {
         EXPECT_EQ(run.mask.voxels[voxel] != 0, inside) << voxel;
 }
 
+TEST(BrainMask, WithoutItThereIsNoModel) {
+    GLMTestRun run(20);
+    run.addCondition(3, 8);
+    run.addConfounds(1);
+    run.addContrast({1});
+    run.start({11});
+    FMRProject huge;
+    huge.ResolutionX = huge.ResolutionY = huge.NrOfSlices = 1 << 20;
+    ScriptedMessages messages;
+    messages.expect(MessageLevel::Warning,
+                    "ERROR: Insufficient memory for creating contrast maps!");
+    EXPECT_FALSE(createBrainMask(run.mask, huge));
+    EXPECT_TRUE(run.mask.voxels.empty());
+    run.update(0, 19);
+    EXPECT_EQ(run.glm.GLMStartVolume, GLMState::notStarted);
+    EXPECT_EQ(run.maps.NrOfActiveContrasts, 0);
+    FinishedModel model;
+    EXPECT_FALSE(finishModel(model, run.glm, run.project, run.mask, 20));
+}
+
 TEST(GLMUpdate, NoDegreesOfFreedomAndFiftyPredictors) {
     GLMTestRun run(60);
     for (int c = 0; c < 40; ++c)
@@ -57,7 +79,7 @@ TEST(GLMUpdate, NoDegreesOfFreedomAndFiftyPredictors) {
     run.start({11, 12});
     for (int t = 0; t < 60; ++t) {
         updateGLM(run.parts(), t);
-        for (const float value : run.maps.ContrastMaps[0].span())
+        for (const float value : run.maps.map(0))
             ASSERT_TRUE(t >= 50 || value == 0.0f) << t;
     }
     EXPECT_EQ(run.maps.MapDF1, 10);

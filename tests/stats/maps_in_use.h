@@ -10,10 +10,7 @@
 /// Zeroed maps of the first contrasts, all in use, shown and with `state`.
 inline StatisticalMaps mapsInUse(int sizeX, int sizeY, int nrOfSlices, int count, int state = 1) {
     StatisticalMaps maps;
-    maps.sizeX = sizeX;
-    maps.sizeY = sizeY;
-    maps.nrOfSlices = nrOfSlices;
-    EXPECT_TRUE(maps.allocateMaps(count));
+    EXPECT_TRUE(maps.allocateMaps(count, {sizeX, sizeY, nrOfSlices}));
     maps.NrOfActiveContrasts = maps.NrOfShownMaps = count;
     maps.states.assign(size_t(count), state);
     maps.contrastOfMap.resize(size_t(count));

@@ -53,7 +53,7 @@ TEST(FMRFile, EachVersionHasKeysOfItsOwn) {
     EXPECT_EQ(third.Prefix, "old run-");
     EXPECT_EQ(third.ProtocolFiles, QStringList{"my runs/a.prt"});
     EXPECT_EQ(third.position.columnDirection, (Vector3{10, 11, 12}));
-    EXPECT_EQ(third.position.nrOfColumns, 48);
+    EXPECT_EQ(third.ResolutionX, 8) << "not that of the position block";
     EXPECT_FALSE(third.radiologicalConvention);
     EXPECT_EQ(parsed(sampleHeader("3"), FMRScope::Inspection).position.coordinateSystem, 1);
     for (const FMRScope scope : {FMRScope::Project, FMRScope::Inspection}) {
@@ -110,6 +110,8 @@ TEST(FMRFile, WritesWhatItReads) {
                                 "TR:                            2000\n"));
     EXPECT_TRUE(text.contains("InplaneResolutionX:            3.4375\n"
                               "InplaneResolutionY:            0.1\n"));
+    EXPECT_TRUE(text.contains("NRows:            6\nNCols:            8\n"));
+    EXPECT_TRUE(text.contains("SliceThickness:   0.33333334\nGapThickness:     0\n"));
     EXPECT_TRUE(text.endsWith("\n\nNrOfPastSpatialTransformations: 0\n\n"
                               "\n\nRadiologicalConvention: NO\n\n\n"
                               "FirstDataSourceFile: \"I.001\"\n"));

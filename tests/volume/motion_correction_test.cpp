@@ -40,11 +40,10 @@ protected:
             motion->correctVolumeMotion(project, v, failed);
     }
     void measureHead(int v, const RigidTransformation& place) {
-        HeadVolume(VolumeGrid(project))
-            .fill(place, noise, unsigned(v), project.volumes[size_t(v)].span());
+        HeadVolume(VolumeGrid(project)).fill(place, noise, unsigned(v), project.volumes[size_t(v)]);
     }
     std::vector<int16_t> copyOf(int v) const {
-        const std::span<const int16_t> samples = project.volumes[size_t(v)].span();
+        const std::span<const int16_t> samples = project.volumes[size_t(v)];
         return {samples.begin(), samples.end()};
     }
     std::vector<float> parametersOf(int v) const {
@@ -159,7 +158,7 @@ TEST_F(MotionCorrectionTest, FitsThatFailLeaveTheSamples) {
         project.pixelSizeX = project.pixelSizeY = pixelSize;
         for (int v = 0; v < 3; ++v) {
             int i = v * 11;
-            for (int16_t& sample : project.volumes[size_t(v)].span())
+            for (int16_t& sample : project.volumes[size_t(v)])
                 sample = int16_t(low + (i += 37) % (high - low + 1));
             const std::vector<int16_t> measured = copyOf(v);
             correct(v);

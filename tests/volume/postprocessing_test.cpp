@@ -80,7 +80,7 @@ TEST_F(Postprocessing, RunsTheCheckedStepsInOrderOnTheMeasuredVolumes) {
     EXPECT_TRUE(highPassFourier(stepwise, 16, 2, step));
     EXPECT_TRUE(smoothTimeCourses(stepwise, 16, options.temporal, step));
     EXPECT_EQ(samplesOf(run), samplesOf(stepwise));
-    EXPECT_TRUE(std::ranges::equal(run.volumes[16].span(), makeRun().volumes[16].span()));
+    EXPECT_TRUE(std::ranges::equal(run.volumes[16], makeRun().volumes[16]));
 }
 
 TEST_F(Postprocessing, LeavesTheRunWhenItIsCancelledOrCanNotBeDone) {

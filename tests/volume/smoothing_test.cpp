@@ -30,7 +30,7 @@ std::vector<double> plainTaps(double width) {
 /// in double.
 template<typename Real, typename Sample>
 std::vector<Sample> plainSmoothing(const FMRProject& run, const std::array<double, 3>& widths) {
-    std::vector<Sample> samples(run.volumes[0].span().begin(), run.volumes[0].span().end());
+    std::vector<Sample> samples(run.volumes[0].begin(), run.volumes[0].end());
     const std::array<int, 3> sizes{run.ResolutionX, run.ResolutionY, run.NrOfSlices};
     int stride = 1;
     for (size_t axis = 0; axis < 3; stride *= sizes[axis], ++axis) {

@@ -93,8 +93,7 @@ TEST_F(STCFile, SliceFilesOfOldRunsAreRead) {
     for (int slice = 0; slice < 3; ++slice)
         writeBytes(folder.filePath(QString("run-%1.stc").arg(slice + 1)),
                    QByteArray("\x04\0\x02\0", 4) + all.mid(slice * 32, 32));
-    for (Volume& volume : project.volumes)
-        std::ranges::fill(volume.span(), int16_t(0));
+    ASSERT_TRUE(project.allocateVolumes());
     ASSERT_TRUE(readSTCData(project));
     EXPECT_EQ(samplesOf(project), samplesOf(original));
 

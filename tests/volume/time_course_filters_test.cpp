@@ -38,8 +38,8 @@ FMRProject runWithCourse(const std::vector<int>& course) {
 
 std::vector<int> courseOf(const FMRProject& run, size_t voxel) {
     std::vector<int> course;
-    for (const Volume& volume : run.volumes)
-        course.push_back(volume[voxel]);
+    for (size_t v = 0; v < run.volumes.size(); ++v)
+        course.push_back(run.volumes[v][voxel]);
     return course;
 }
 
@@ -72,7 +72,7 @@ TEST(SliceTiming, ASineMeasuredSliceBySliceComesBackAligned) {
         });
         ASSERT_TRUE(correct(run, options));
         for (int v = 1; v < volumes; ++v)
-            for (const int16_t sample : run.volumes[size_t(v)].span())
+            for (const int16_t sample : run.volumes[size_t(v)])
                 ASSERT_NEAR(sample, sine(v), bounds[method][v < 6 || v > volumes - 6])
                     << "variant " << variant << ", volume " << v;
     }
@@ -142,10 +142,10 @@ TEST(HighPass, LeavesTheMeanAndWhatIsFastAndAFileWithTheDesign) {
     ASSERT_TRUE(QDir::setCurrent(folder.path()));
     FMRProject run = runWithCourse(
         {903, 1024, 320, 1027, 721, 763, 867, 557, 1181, 348, 550, 645, 814, 667, 417, 340});
-    for (Volume& volume : run.volumes)
-        volume[4] = -5; // flat
-    for (size_t v = 0; v < 16; ++v)
+    for (size_t v = 0; v < 16; ++v) {
+        run.volumes[v][4] = -5; // flat
         run.volumes[v][5] = v == 8 ? 32767 : 0;
+    }
     RecordedProgress progress;
     EXPECT_TRUE(highPassFourier(run, 16, 2, StepProgress(progress)));
     EXPECT_TRUE(QDir::setCurrent(oldFolder));

@@ -31,8 +31,8 @@ inline FMRProject runOf(int sizeX, int sizeY, int nrOfSlices, int nrOfVolumes,
 /// All samples, volume after volume.
 inline std::vector<int16_t> samplesOf(const FMRProject& project) {
     std::vector<int16_t> samples;
-    for (const Volume& volume : project.volumes)
-        samples.insert(samples.end(), volume.span().begin(), volume.span().end());
+    for (size_t v = 0; v < project.volumes.size(); ++v)
+        samples.insert(samples.end(), project.volumes[v].begin(), project.volumes[v].end());
     return samples;
 }
 

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "stats/thresholds.h"
+
 #include <QString>
 
 /// Written by controls and keys at any time, also while the loop processes events.
@@ -18,6 +20,7 @@ struct OperatorRequests {
     int pendingOverlayInplane = -1; ///< -1: there are none; 1: shown
     int pendingOverlayVMR = -1;
     int pendingOverlaySRF = -1;
+    OverlayThresholds thresholds; ///< of the maps; those of the settings at each start
 
     bool saveRTPs = false;
     bool saveROITimeCourses = false;

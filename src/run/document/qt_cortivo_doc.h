@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "run/document/mosaic_layout.h"
 #include "run/document/slice_images.h"
+#include "run/document/slice_mosaic_layout.h"
 #include "run/protocol/real_time_protocol.h"
 #include "run/protocol/tdat_protocol.h"
 #include "stats/contrasts.h"
@@ -48,7 +48,7 @@ public:
 
     SliceImages slices;
     InplaneScan inplanes; ///< without samples where the run has none
-    MosaicLayout mosaic;
+    SliceMosaicLayout mosaic;
     OverlayColors overlayColors;
     bool SignificanceColorCoding = false;
 

@@ -57,16 +57,15 @@ void paintSlices(std::vector<QImage>& images, std::span<const int16_t> samples,
     }
 }
 
-/// Images of these sizes; none when so many samples don't fill them or memory runs out.
-std::vector<QImage> blankSlices(size_t nrOfSamples, int x, int y, int nrOfSlices) {
-    if (x <= 0 || y <= 0 || nrOfSlices <= 0 ||
-        nrOfSamples / size_t(x) / size_t(y) < size_t(nrOfSlices) ||
-        !memoryIsAvailable(size_t(x) * size_t(y) * size_t(nrOfSlices), sizeof(uint32_t)))
+/// Images of this size; none when so many samples don't fill them or memory runs out.
+std::vector<QImage> blankSlices(size_t nrOfSamples, const VolumeSize& size) {
+    if (size.samples() == 0 || nrOfSamples / size.sliceSamples() < size_t(size.slices) ||
+        !memoryIsAvailable(size.samples(), sizeof(uint32_t)))
         return {};
     std::vector<QImage> images;
-    images.reserve(size_t(nrOfSlices));
-    for (int slice = 0; slice < nrOfSlices; ++slice) {
-        QImage image(x, y, QImage::Format_RGB32);
+    images.reserve(size_t(size.slices));
+    for (int slice = 0; slice < size.slices; ++slice) {
+        QImage image(size.x, size.y, QImage::Format_RGB32);
         if (image.isNull())
             return {};
         images.push_back(std::move(image));
@@ -119,27 +118,21 @@ void computeDisplayRange(GreyScale& scale, std::span<const int16_t> samples) {
     scale.high = std::max(percentile(histogram, nonZero, brightShare), scale.low + 1);
 }
 
-void SliceImages::createSlicePixmaps(std::span<const int16_t> samples, int x, int y,
-                                     int nrOfSlices) {
-    SlicePixmaps = blankSlices(samples.size(), x, y, nrOfSlices);
-    const bool made = !SlicePixmaps.empty();
-    sizeX = made ? x : 0;
-    sizeY = made ? y : 0;
-    if (made)
-        updateSlicePixmaps(samples.first(size_t(x) * size_t(y) * size_t(nrOfSlices)), nrOfSlices);
+void SliceImages::createSlicePixmaps(std::span<const int16_t> samples, const VolumeSize& size) {
+    SlicePixmaps = blankSlices(samples.size(), size);
+    if (!SlicePixmaps.empty())
+        updateSlicePixmaps(samples.first(size.samples()));
 }
 
-void SliceImages::createInplanePixmaps(std::span<const int16_t> samples, int x, int y,
-                                       int nrOfSlices) {
+void SliceImages::createInplanePixmaps(std::span<const int16_t> samples, const VolumeSize& size) {
     GreyScale scale = greyScale;
     computeDisplayRange(scale, samples);
-    InplanePixmaps = blankSlices(samples.size(), x, y, nrOfSlices);
+    InplanePixmaps = blankSlices(samples.size(), size);
     paintSlices(InplanePixmaps, samples, scale);
 }
 
-void SliceImages::updateSlicePixmaps(std::span<const int16_t> samples, int nrOfSlices) {
-    const size_t sliceSamples = size_t(sizeX) * size_t(sizeY);
-    if (nrOfSlices > 0 && size_t(nrOfSlices) == SlicePixmaps.size() &&
-        samples.size() == sliceSamples * SlicePixmaps.size())
+void SliceImages::updateSlicePixmaps(std::span<const int16_t> samples) {
+    const QSize grid = gridSize();
+    if (samples.size() == size_t(grid.width()) * size_t(grid.height()) * SlicePixmaps.size())
         paintSlices(SlicePixmaps, samples, greyScale);
 }

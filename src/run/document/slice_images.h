@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "volume/volume_geometry.h"
+
 #include <QImage>
 #include <array>
 #include <cstdint>
@@ -29,19 +31,20 @@ void computeDisplayRange(GreyScale& scale, std::span<const int16_t> samples);
 
 struct SliceImages {
     GreyScale greyScale;
-    int sizeX = 0; ///< DimX
-    int sizeY = 0;
     std::vector<QImage> SlicePixmaps;   ///< one for each slice, DimX x DimY
     std::vector<QImage> InplanePixmaps; ///< high-resolution slices, larger; may be empty
 
+    /// DimX by DimY; empty without slices.
+    [[nodiscard]] QSize gridSize() const {
+        return SlicePixmaps.empty() ? QSize(0, 0) : SlicePixmaps.front().size();
+    }
     /// Makes the images anew, one for each slice of `samples` (x fastest, then y, then slices).
-    /// There are none, and the sizes are 0, when the samples don't fill the slices or memory runs
-    /// out. Samples are taken as unsigned.
-    void createSlicePixmaps(std::span<const int16_t> samples, int x, int y, int nrOfSlices);
-    /// Paints other samples into the images that are there; ignored when the number of
-    /// samples or slices differs.
-    void updateSlicePixmaps(std::span<const int16_t> samples, int nrOfSlices);
+    /// There are none when the samples don't fill the slices or memory runs out. Samples are taken
+    /// as unsigned.
+    void createSlicePixmaps(std::span<const int16_t> samples, const VolumeSize& size);
+    /// Paints other samples into the images that are there; ignored when their number differs.
+    void updateSlicePixmaps(std::span<const int16_t> samples);
     /// Makes InplanePixmaps anew with a display window of their own, that of computeDisplayRange();
     /// the arguments as for createSlicePixmaps().
-    void createInplanePixmaps(std::span<const int16_t> samples, int x, int y, int nrOfSlices);
+    void createInplanePixmaps(std::span<const int16_t> samples, const VolumeSize& size);
 };

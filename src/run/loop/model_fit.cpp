@@ -4,10 +4,12 @@
 #include "run/loop/model_setup.h"
 #include "stats/clusters.h"
 
+#include <utility>
+
 namespace {
 
-bool fitVolumes(QtCortivoDoc& document, const RunSettings& settings, int nrOfVolumes,
-                const AfterVolume& afterVolume) {
+bool fitVolumes(QtCortivoDoc& document, const RunSettings& settings, OverlayThresholds& thresholds,
+                int nrOfVolumes, const AfterVolume& afterVolume) {
     if (!prepareModel(document, settings) ||
         !createBrainMask(document.mask, document.project, brainMaskThreshold))
         return false;
@@ -23,18 +25,18 @@ bool fitVolumes(QtCortivoDoc& document, const RunSettings& settings, int nrOfVol
     if (!finishModel(document.finishedModel, document.glm, document.project, document.mask,
                      nrOfVolumes))
         document.finishedModel.release();
-    computeClusterSizes(document.maps, document.contrasts.ConjunctionAnalysis);
+    computeClusterSizes(document.maps, thresholds, document.contrasts.ConjunctionAnalysis);
     return true;
 }
 
 } // namespace
 
-bool fitModelToVolumes(QtCortivoDoc& document, const RunSettings& settings, int nrOfVolumes,
+bool fitModelToVolumes(QtCortivoDoc& document, const RunSettings& settings,
+                       OverlayThresholds& thresholds, int nrOfVolumes,
                        const AfterVolume& afterVolume) {
-    // The settings of the maps, thresholds and sizes, stay in the document.
-    StatisticalMaps formerMaps = std::move(document.maps);
-    BrainMask formerMask = std::move(document.mask);
-    const bool fitted = fitVolumes(document, settings, nrOfVolumes, afterVolume);
+    StatisticalMaps formerMaps = std::exchange(document.maps, {});
+    BrainMask formerMask = std::exchange(document.mask, {});
+    const bool fitted = fitVolumes(document, settings, thresholds, nrOfVolumes, afterVolume);
     if (!fitted) {
         document.maps = std::move(formerMaps);
         document.mask = std::move(formerMask);

@@ -56,6 +56,21 @@ void takeContrastTable(ContrastDefinitions& contrasts, const ProtocolContrasts& 
     contrasts.ActiveContrastStates.assign(brought.table.size(), ContrastOff);
 }
 
+// Contrasts of a run whose contrast file is none, or can't be used.
+void takeContrasts(QtCortivoDoc& document, const ProtocolContrasts& brought, int automaticLevel) {
+    ContrastDefinitions& contrasts = document.contrasts;
+    if (brought.source == ProtocolContrasts::Source::Table)
+        takeContrastTable(contrasts, brought);
+    if (brought.source == ProtocolContrasts::Source::Generated)
+        generateContrasts(contrasts, document.design, brought.level);
+    if (contrasts.NrOfContrasts == 0) {
+        contrasts.BaselinePosInProtocol = 1;
+        generateContrasts(contrasts, document.design, automaticLevel);
+    } else {
+        rebuildContrastWeights(contrasts, document.design);
+    }
+}
+
 } // namespace
 
 DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings) {
@@ -68,23 +83,24 @@ DesignSource designSource(const QtCortivoDoc& document, const RunSettings& setti
 void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
                     const QString& contrastFile) {
     ContrastDefinitions& contrasts = document.contrasts;
-    buildPredictorNames(document, settings);
     const ProtocolContrasts brought = broughtContrasts(document);
-    if (brought.source == ProtocolContrasts::Source::Table)
-        takeContrastTable(contrasts, brought);
-    if (brought.source == ProtocolContrasts::Source::Generated)
-        generateContrasts(contrasts, document.design, brought.level);
     const bool isRealTime = isProtocolPathSet(document.protocol.realTimeProtocolPath);
-    const bool asksForFile = brought.source == ProtocolContrasts::Source::ContrastFile;
-    const bool fileRead =
-        !contrastFile.isEmpty() && (!isRealTime || asksForFile) &&
-        readContrastFile(contrastFile, contrasts, document.design,
-                         document.protocol.nrOfConditions());
-    if (contrasts.NrOfContrasts == 0) {
-        contrasts.BaselinePosInProtocol = 1;
-        generateContrasts(contrasts, document.design, settings.AutoContrastGenerationLevel);
-    } else if (!fileRead) {
-        rebuildContrastWeights(contrasts, document.design);
+    const bool takesFile =
+        !contrastFile.isEmpty() &&
+        (!isRealTime || brought.source == ProtocolContrasts::Source::ContrastFile);
+    // Predictors are named after the model has been told whether it has a baseline.
+    const int baselinePosition = contrasts.BaselinePosInProtocol;
+    if (takesFile && contrastFileHasNoBaseline(contrastFile))
+        contrasts.BaselinePosInProtocol = 0;
+    buildPredictorNames(document, settings);
+    const bool fileRead = takesFile && readContrastFile(contrastFile, contrasts, document.design,
+                                                        document.protocol.nrOfConditions());
+    if (!fileRead) {
+        if (contrasts.BaselinePosInProtocol != baselinePosition) {
+            contrasts.BaselinePosInProtocol = baselinePosition;
+            buildPredictorNames(document, settings);
+        }
+        takeContrasts(document, brought, settings.AutoContrastGenerationLevel);
     }
     document.updateOverlayColors();
 }
@@ -101,7 +117,7 @@ bool prepareModel(QtCortivoDoc& document, const RunSettings& settings) {
         showWarning("ERROR: Insufficient memory for creating GLM file!");
         return false;
     }
-    if (!document.maps.allocateMaps(document.contrasts.NrOfContrasts)) {
+    if (!document.maps.allocateMaps(document.contrasts.NrOfContrasts, document.project.size())) {
         showWarning("ERROR: Insufficient memory for creating contrast maps!");
         return false;
     }

@@ -42,7 +42,8 @@ bool fitAgain(const RunParts& run, int nrOfVolumes, ProgressReporter& progress) 
         progress.setProgress((volume + 1) * 100 / nrOfVolumes);
         return !progress.cancelled();
     };
-    if (!fitModelToVolumes(run.document, run.settings, nrOfVolumes, afterVolume))
+    if (!fitModelToVolumes(run.document, run.settings, run.requests.thresholds, nrOfVolumes,
+                           afterVolume))
         return false;
     run.report.mapsPresent = run.document.maps.NrOfActiveContrasts > 0;
     return true;
@@ -69,8 +70,7 @@ bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
     }
     kept.release();
     if (run.requests.overlayVolumeMode != 0)
-        run.document.slices.updateSlicePixmaps(
-            project.volumes[size_t(nrOfMeasuredVolumes) - 1].span(), project.NrOfSlices);
+        run.document.slices.updateSlicePixmaps(project.volumes[size_t(nrOfMeasuredVolumes) - 1]);
     const bool fitted = !recomputeStatistics || fitAgain(run, nrOfMeasuredVolumes, statistics);
     return written && fitted;
 }

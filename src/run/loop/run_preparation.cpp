@@ -75,12 +75,11 @@ bool readInplanes(const RunParts& run) {
     const RunSettings& settings = run.settings;
     QtCortivoDoc& document = run.document;
     InplaneScan& scan = document.inplanes;
-    if (!scan.allocate(settings.OverlayInplaneMatrixSizeX, settings.OverlayInplaneMatrixSizeY,
-                       settings.NrOfSlices) ||
+    if (!scan.allocate({settings.OverlayInplaneMatrixSizeX, settings.OverlayInplaneMatrixSizeY,
+                        document.project.NrOfSlices}) ||
         !readInplaneSeries({run.settings, document.project, run.intake, run.pump}, scan))
         return false;
-    document.slices.createInplanePixmaps(scan.samples.span(), scan.sizeX, scan.sizeY,
-                                         scan.nrOfSlices);
+    document.slices.createInplanePixmaps(scan.samples.span(), scan.size);
     return !document.slices.InplanePixmaps.empty();
 }
 
@@ -102,13 +101,6 @@ void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings)
     document.protocol.tdatPath = settings.TDatFile;
     document.protocol.realTimeProtocolPath = settings.RealTimeProtocol;
     document.protocol.protocolPath = settings.StimulationProtocol;
-    document.maps.Threshold = settings.Threshold;
-    document.maps.ColorMaxThreshold =
-        std::max(document.maps.ColorMaxThreshold, settings.Threshold + 1.0f);
-    document.maps.ClusterSizePixels = settings.ClusterSizePixels;
-    document.maps.sizeX = settings.MatrixSizeX;
-    document.maps.sizeY = settings.MatrixSizeY;
-    document.maps.nrOfSlices = settings.NrOfSlices;
     document.mosaic.MosaicColumns = std::max(settings.NrOfColumns, 1);
     document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
     document.workingFolder = settings.TargetFolder;
@@ -117,8 +109,7 @@ void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings)
 void showFirstVolume(QtCortivoDoc& document) {
     const FMRProject& project = document.project;
     computeDisplayRange(document.slices.greyScale, project.firstVolume.span());
-    document.slices.createSlicePixmaps(project.firstVolume.span(), project.ResolutionX,
-                                       project.ResolutionY, project.NrOfSlices);
+    document.slices.createSlicePixmaps(project.firstVolume.span(), project.size());
     document.firstVolumePresent = true;
 }
 
@@ -139,6 +130,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
     run.requests.pendingOverlayVMR = settings.pendingOverlayVMR;
     run.requests.pendingOverlaySRF = settings.pendingOverlaySRF;
     copySettingsToDocument(document, settings);
+    run.requests.thresholds = thresholdsAtStart(settings.Threshold, settings.ClusterSizePixels);
     if (!document.workingFolder.isEmpty())
         QDir::setCurrent(document.workingFolder);
 

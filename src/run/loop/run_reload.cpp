@@ -43,9 +43,6 @@ bool loadProject(const RunParts& run) {
     if (!loadFMRProject(document.project, path, LoadData::Yes))
         return false;
     const FMRProject& project = document.project;
-    document.maps.sizeX = project.ResolutionX;
-    document.maps.sizeY = project.ResolutionY;
-    document.maps.nrOfSlices = project.NrOfSlices;
     document.mosaic.MosaicColumns = std::max(project.LayoutNColumns, 1);
     document.mosaic.MosaicRows = std::max(project.LayoutNRows, 1);
     return true;
@@ -54,15 +51,14 @@ bool loadProject(const RunParts& run) {
 // The slices show the first volume as it was measured; where its file is gone, as it was analysed.
 void showSlices(FMRProject& project, QtCortivoDoc& document) {
     if (!readFirstVolume(project) && project.firstVolume.allocate(project.volumeSamples()))
-        std::copy_n(project.volumes.front().data(), project.volumeSamples(),
-                    project.firstVolume.data());
+        std::copy_n(project.volumes[0].data(), project.volumeSamples(), project.firstVolume.data());
     showFirstVolume(document);
 }
 
 bool fitModel(const RunParts& run) {
     constexpr int volumesBetweenEvents = 10;
-    return fitModelToVolumes(run.document, run.settings, run.document.project.NrOfVolumes,
-                             [&run](int volume) {
+    return fitModelToVolumes(run.document, run.settings, run.requests.thresholds,
+                             run.document.project.NrOfVolumes, [&run](int volume) {
                                  if (volume % volumesBetweenEvents == 0)
                                      run.pump.processEvents();
                                  return true;
@@ -77,6 +73,7 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     if (!readSettingsFile(settings, SettingsUse::Reload, stopTimer))
         return false;
     copySettingsToDocument(document, settings);
+    run.requests.thresholds = thresholdsAtStart(settings.Threshold, settings.ClusterSizePixels);
     // A saved run has no inplanes.
     run.requests.pendingOverlayInplane = -1;
     const FMRProject& project = document.project;

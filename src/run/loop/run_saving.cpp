@@ -71,7 +71,7 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
         {-1,
          [&] {
              return writeMapFile(resultPath(run, ".mps", "Maps.mps"), document.maps,
-                                 document.contrasts);
+                                 run.requests.thresholds, document.contrasts);
          }},
         {90,
          [&] {

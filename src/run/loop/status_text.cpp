@@ -24,8 +24,8 @@ QString seconds(qint64 milliseconds) {
 }
 
 // "<b>t</b> > <b>3</b>": which statistic passes which threshold.
-QString thresholdPart(const StatisticalMaps& maps) {
-    return thresholdPrefix(maps) + bold(QString::number(double(maps.Threshold)));
+QString thresholdPart(const OperatorRequests& requests, const StatisticalMaps& maps) {
+    return thresholdPrefix(maps) + bold(QString::number(double(requests.thresholds.Threshold)));
 }
 
 QString overlayPart(const OperatorRequests& requests) {
@@ -67,7 +67,7 @@ QString volumeStatusText(const RunReport& report, const OperatorRequests& reques
            QStringLiteral(" volume <b>%1 (%2)</b>,  elapsed time: ")
                .arg(volume + 1)
                .arg(settings.NrOfVolumesToSkip + 1 + volume) +
-           bold(seconds(report.elapsedRunTime)) + " secs,  " + thresholdPart(maps) +
+           bold(seconds(report.elapsedRunTime)) + " secs,  " + thresholdPart(requests, maps) +
            QStringLiteral("<br><br>ReadVolTime: <b>%1</b> ms   FeedbackTime: <b>%2</b> ms<br>"
                           "FullVolTime: <b>%3</b> ms   VolWaitTime: <b>%4</b> ms<br>"
                           "StartOffset: <b>%5</b> sec")
@@ -79,16 +79,17 @@ QString volumeStatusText(const RunReport& report, const OperatorRequests& reques
            overlayPart(requests) + (last ? "<br> Ready.<br></body>" : "</body>");
 }
 
-QString savingTextHead(int fontSize, int volumeIndex, qint64 runMilliseconds,
-                       const StatisticalMaps& maps) {
-    return bodyStart(fontSize) + " volume " + bold(QString::number(volumeIndex)) +
-           ",  elapsed time: " + bold(seconds(runMilliseconds)) + " secs,  " + thresholdPart(maps) +
-           "<br>";
+QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& maps, int volumeIndex,
+                       qint64 runMilliseconds) {
+    return bodyStart(requests.logFontSize) + " volume " + bold(QString::number(volumeIndex)) +
+           ",  elapsed time: " + bold(seconds(runMilliseconds)) + " secs,  " +
+           thresholdPart(requests, maps) + "<br>";
 }
 
-QString betweenRunsText(const RunReport& report, const StatisticalMaps& maps) {
+QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
+                        const StatisticalMaps& maps) {
     return singleRunPanelText(report.currentVolume + 1, double(report.elapsedRunTime) / 1000.0,
-                              thresholdText(maps));
+                              thresholdText(maps, requests.thresholds));
 }
 
 QString reloadingText(int fontSize, const QString& settingsFileName, const QString& projectName) {

@@ -21,11 +21,12 @@
                                        const RunSettings& settings, const StatisticalMaps& maps);
 
 /// Head of the texts around saving: where the loop stopped and when.
-[[nodiscard]] QString savingTextHead(int fontSize, int volumeIndex, qint64 runMilliseconds,
-                                     const StatisticalMaps& maps);
+[[nodiscard]] QString savingTextHead(const OperatorRequests& requests,
+                                     const StatisticalMaps& maps, int volumeIndex, qint64 runMilliseconds);
 
 /// The panel between runs.
-[[nodiscard]] QString betweenRunsText(const RunReport& report, const StatisticalMaps& maps);
+[[nodiscard]] QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
+                                      const StatisticalMaps& maps);
 
 /// While a finished run is loaded from disk, and after that.
 [[nodiscard]] QString reloadingText(int fontSize, const QString& settingsFileName,

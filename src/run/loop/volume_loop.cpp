@@ -144,11 +144,10 @@ void VolumeLoop::showBackground(bool afterPreprocessing) {
         return;
     const FMRProject& project = document_.project;
     if (run_.requests.overlayVolumeMode != 0) {
-        document_.slices.updateSlicePixmaps(project.volumes[size_t(volumeIndex_)].span(),
-                                            project.NrOfSlices);
+        document_.slices.updateSlicePixmaps(project.volumes[size_t(volumeIndex_)]);
         backgroundChanged_ = true;
     } else if (run_.requests.overlayReset) {
-        document_.slices.updateSlicePixmaps(project.firstVolume.span(), project.NrOfSlices);
+        document_.slices.updateSlicePixmaps(project.firstVolume.span());
         run_.requests.overlayReset = false;
         backgroundChanged_ = true;
     }
@@ -177,9 +176,9 @@ void VolumeLoop::holdToTR() {
 }
 
 void VolumeLoop::updateModel() {
-    // Without a mask, after a message, no voxel is fitted and the run goes on.
-    if (volumeIndex_ == 0 && !createBrainMask(document_.mask, document_.project, brainMaskThreshold))
-        document_.mask = {};
+    // Without a mask there is no model; the volumes are measured, shown and saved all the same.
+    if (volumeIndex_ == 0)
+        (void)createBrainMask(document_.mask, document_.project, brainMaskThreshold);
     if (updateGLM(document_.glmRun(), volumeIndex_))
         document_.updateOverlayColors();
 }
@@ -203,7 +202,8 @@ void VolumeLoop::showStatus() {
 void VolumeLoop::showMaps() {
     const bool modelled = volumeIndex_ >= document_.glm.GLMStartVolume;
     if (modelled) {
-        computeClusterSizes(document_.maps, document_.contrasts.ConjunctionAnalysis);
+        computeClusterSizes(document_.maps, run_.requests.thresholds,
+                            document_.contrasts.ConjunctionAnalysis);
         run_.report.mapsPresent = true;
     }
     if (modelled || backgroundChanged_)
@@ -224,8 +224,8 @@ void VolumeLoop::releaseModel() {
 
 void VolumeLoop::save() {
     RunReport& report = run_.report;
-    const QString head = savingTextHead(run_.requests.logFontSize, volumeIndex_,
-                                        runClock_.elapsed(), document_.maps);
+    const QString head =
+        savingTextHead(run_.requests, document_.maps, volumeIndex_, runClock_.elapsed());
     run_.display.showLogText(head + "<br> Saving recorded data...<br></body>");
     run_.pump.processEvents();
     report.savedCompletely = saveRecordedData(run_);

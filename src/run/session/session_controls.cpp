@@ -9,7 +9,7 @@
 // events, the document belongs to the work that goes on.
 void RunSession::mapsChanged() {
     if (phase.isIdle())
-        computeClusterSizes(functionalDocument->maps,
+        computeClusterSizes(functionalDocument->maps, requests.thresholds,
                             functionalDocument->contrasts.ConjunctionAnalysis);
     else
         clustersOutdated_ = !phase.runActive();
@@ -31,7 +31,7 @@ void RunSession::takeUpChanges() {
 void RunSession::changeThreshold(float threshold) {
     if (!functionalDocument)
         return;
-    ::changeThreshold(functionalDocument->maps, threshold);
+    ::changeThreshold(requests.thresholds, threshold);
     mapsChanged();
 }
 
@@ -39,21 +39,21 @@ void RunSession::changeThreshold(float threshold) {
 void RunSession::changeColorMaxThreshold(float threshold) {
     if (!functionalDocument)
         return;
-    ::changeColorMaxThreshold(functionalDocument->maps, threshold);
+    ::changeColorMaxThreshold(requests.thresholds, threshold);
     display_.updateViews();
 }
 
 void RunSession::changeClusterSize(int pixels) {
     if (!functionalDocument)
         return;
-    ::changeClusterSize(functionalDocument->maps, pixels);
+    ::changeClusterSize(requests.thresholds, pixels);
     mapsChanged();
 }
 
 void RunSession::stepThreshold(bool up) {
     if (!functionalDocument)
         return;
-    ::stepThreshold(functionalDocument->maps, up);
+    ::stepThreshold(requests.thresholds, functionalDocument->maps.MapType, up);
     mapsChanged();
 }
 
@@ -96,9 +96,8 @@ void RunSession::showOnFirstVolume() {
     requests.overlayVolumeMode = 0;
     // During a run the loop takes the request up at its next volume.
     if (!phase.runActive() && requests.overlayReset && functionalDocument) {
-        const FMRProject& project = functionalDocument->project;
-        functionalDocument->slices.updateSlicePixmaps(project.firstVolume.span(),
-                                                      project.NrOfSlices);
+        functionalDocument->slices.updateSlicePixmaps(
+            functionalDocument->project.firstVolume.span());
         requests.overlayReset = false;
     }
     if (requests.pendingOverlayInplane != -1)
@@ -125,5 +124,5 @@ QString RunSession::panelText() {
     if (!functionalDocument)
         return {};
     report.outcomeText.clear();
-    return betweenRunsText(report, functionalDocument->maps);
+    return betweenRunsText(report, requests, functionalDocument->maps);
 }

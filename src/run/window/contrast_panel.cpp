@@ -96,12 +96,10 @@ void ContrastPanel::refresh() {
     const QSignalBlocker blockers[] = {QSignalBlocker(threshold_),
                                        QSignalBlocker(colorMaxThreshold_),
                                        QSignalBlocker(clusterSize_), QSignalBlocker(multiSlice_)};
-    const StatisticalMaps defaults;
-    const QtCortivoDoc* document = session_.functionalDocument.get();
-    const StatisticalMaps& maps = document ? document->maps : defaults;
-    threshold_->setValue(double(maps.Threshold));
-    colorMaxThreshold_->setValue(double(maps.ColorMaxThreshold));
-    clusterSize_->setValue(maps.ClusterSizePixels);
+    const OverlayThresholds& thresholds = session_.requests.thresholds;
+    threshold_->setValue(double(thresholds.Threshold));
+    colorMaxThreshold_->setValue(double(thresholds.ColorMaxThreshold));
+    clusterSize_->setValue(thresholds.ClusterSizePixels);
     multiSlice_->setValue(session_.settings.MultiSliceROISelection);
 }
 

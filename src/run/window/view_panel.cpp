@@ -90,7 +90,7 @@ void ViewPanel::documentsLeaving() {
 }
 
 void ViewPanel::documentsArrived(QtCortivoDoc& functional) {
-    functionalView_ = new QtCortivoView(&functional, this);
+    functionalView_ = new QtCortivoView(&functional, session_.requests.thresholds, this);
     functionalView_->setObjectName("FunctionalView");
     layout()->addWidget(functionalView_);
     functionalView_->hide();

@@ -27,7 +27,7 @@ TEST(SliceImages, PaintSamplesByTheDisplayWindow) {
         SliceImages slices;
         slices.greyScale.low = low;
         slices.greyScale.high = high;
-        slices.createSlicePixmaps(std::array{int16_t(uint16_t(sample))}, 1, 1, 1);
+        slices.createSlicePixmaps(std::array{int16_t(uint16_t(sample))}, {1, 1, 1});
         ASSERT_EQ(slices.SlicePixmaps.size(), 1u);
         EXPECT_EQ(slices.SlicePixmaps[0].pixel(0, 0), slices.greyScale.table()[gradation])
             << low << " to " << high << ", sample " << sample;
@@ -41,17 +41,17 @@ TEST(SliceImages, KeepTheOrderOfTheSamplesAndRefuseWhatDoesNotFit) {
     slices.greyScale.low = 0;
     slices.greyScale.high = 215;
     const auto table = slices.greyScale.table();
-    slices.createSlicePixmaps(samples, 2, 3, 4);
+    slices.createSlicePixmaps(samples, {2, 3, 4});
     ASSERT_EQ(slices.SlicePixmaps.size(), 4u);
     EXPECT_EQ(slices.SlicePixmaps[3].pixel(1, 2), table[23]);
 
     std::reverse(samples.begin(), samples.end());
-    slices.updateSlicePixmaps(samples, 4);
+    slices.updateSlicePixmaps(samples);
     EXPECT_EQ(slices.SlicePixmaps[3].pixel(1, 2), table[0]);
-    slices.updateSlicePixmaps(std::span(samples).first(20), 4);
+    slices.updateSlicePixmaps(std::span(samples).first(20));
     EXPECT_EQ(slices.SlicePixmaps[0].pixel(0, 0), table[23]);
 
-    slices.createSlicePixmaps(samples, -2, -3, 4);
+    slices.createSlicePixmaps(samples, {-2, -3, 4});
     EXPECT_TRUE(slices.SlicePixmaps.empty());
 }
 
@@ -59,7 +59,7 @@ TEST(SliceImages, InplanesHaveADisplayWindowOfTheirOwn) {
     SliceImages slices;
     std::vector<int16_t> samples(2 * 3 * 4, int16_t(7));
     samples.back() = int16_t(-2); // 65534
-    slices.createInplanePixmaps(samples, 3, 4, 2);
+    slices.createInplanePixmaps(samples, {3, 4, 2});
     ASSERT_EQ(slices.InplanePixmaps.size(), 2u);
     EXPECT_EQ(slices.InplanePixmaps[1].pixel(2, 3), 0xffffffffu);
     EXPECT_EQ(slices.InplanePixmaps[1].pixel(1, 3), 0xff000000u);

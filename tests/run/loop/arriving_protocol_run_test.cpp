@@ -144,6 +144,7 @@ TEST_F(ArrivingProtocolRun, AfterATimeOutModelAndFilesCountTheSameVolumes) {
     ASSERT_TRUE(session.reloadData());
     EXPECT_EQ(session.functionalDocument->finishedModel.NrOfVolumes, header.NrOfVolumes);
     EXPECT_TRUE(writeMapFile(path("reloaded.mps"), session.functionalDocument->maps,
+                             session.requests.thresholds,
                              session.functionalDocument->contrasts));
     EXPECT_EQ(content("reloaded.mps"), maps) << "the model has seen all that was saved";
 }

@@ -40,7 +40,7 @@ protected:
         return samples;
     }
     bool isMeasured(int volume) {
-        return std::ranges::equal(project().volumes[size_t(volume)].span(), measured(volume));
+        return std::ranges::equal(project().volumes[size_t(volume)], measured(volume));
     }
 };
 

@@ -27,8 +27,8 @@ public:
     int cancelAt = 1000;
 };
 
-std::vector<float> samplesOf(const ZeroedBuffer<float>& map) {
-    return {map.span().begin(), map.span().end()};
+std::vector<float> samplesOf(std::span<const float> map) {
+    return {map.begin(), map.end()};
 }
 
 class PostprocessingTest : public SessionFixture {
@@ -43,7 +43,7 @@ protected:
     }
     QtCortivoDoc& document() { return *session.functionalDocument; }
     bool isAsMeasured(int volume) {
-        const Volume& samples = document().project.volumes[size_t(volume)];
+        const std::span<const int16_t> samples = document().project.volumes[size_t(volume)];
         for (size_t i = 0; i < samples.size(); ++i)
             if (samples[i] != scriptedSample(i, volume))
                 return false;
@@ -60,13 +60,13 @@ protected:
 TEST_F(PostprocessingTest, ResultIsSavedUnderItsOwnNamesAndTheModelFittedToIt) {
     measure(30);
     const QByteArray measured = content("results/test.stc");
-    const std::vector<float> oldMap = samplesOf(document().maps.ContrastMaps[0]);
+    const std::vector<float> oldMap = samplesOf(document().maps.map(0));
     ASSERT_TRUE(session.postprocess(options_, true, progress_));
     EXPECT_TRUE(std::ranges::is_sorted(progress_.percents));
     EXPECT_EQ(progress_.percents.back(), 100);
     EXPECT_EQ(document().project.projectPath, path("results/test.fmr"));
     EXPECT_EQ(content("results/test.stc"), measured);
-    const std::vector<float> newMap = samplesOf(document().maps.ContrastMaps[0]);
+    const std::vector<float> newMap = samplesOf(document().maps.map(0));
     EXPECT_NE(newMap, oldMap);
 
     // The same data and maps come from the files.
@@ -74,27 +74,26 @@ TEST_F(PostprocessingTest, ResultIsSavedUnderItsOwnNamesAndTheModelFittedToIt) {
     ASSERT_TRUE(loadFMRProject(saved, path(result(".fmr")), LoadData::Yes));
     ASSERT_EQ(saved.volumes.size(), 30u);
     for (size_t v = 0; v < saved.volumes.size(); ++v)
-        EXPECT_TRUE(
-            std::ranges::equal(saved.volumes[v].span(), document().project.volumes[v].span()));
+        EXPECT_TRUE(std::ranges::equal(saved.volumes[v], document().project.volumes[v]));
     writeSession(32, 2, {{"ClusterSizePixels:", "1"}, {"ProjectName:", '"' + processedName + '"'}});
     messages.expect(MessageLevel::Critical, "ERROR: Can not find / open file: *");
     ASSERT_TRUE(session.reloadData());
-    EXPECT_EQ(samplesOf(document().maps.ContrastMaps[0]), newMap);
+    EXPECT_EQ(samplesOf(document().maps.map(0)), newMap);
 }
 
 TEST_F(PostprocessingTest, RunThatEndedEarlyKeepsItsMapsWithoutGoingOn) {
     script.lastVolume = 19;
     messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
     measure(30);
-    const std::vector<float> oldMap = samplesOf(document().maps.ContrastMaps[0]);
+    const std::vector<float> oldMap = samplesOf(document().maps.map(0));
     ASSERT_TRUE(session.postprocess(options_, false, progress_));
     EXPECT_EQ(content(result(".stc")).size(), 20 * 8 * 8 * 4 * 2);
-    EXPECT_EQ(samplesOf(document().maps.ContrastMaps[0]), oldMap);
+    EXPECT_EQ(samplesOf(document().maps.map(0)), oldMap);
 }
 
 TEST_F(PostprocessingTest, CancellingLeavesTheDataOrTheStatistics) {
     measure(30);
-    const std::vector<float> oldMap = samplesOf(document().maps.ContrastMaps[0]);
+    const std::vector<float> oldMap = samplesOf(document().maps.map(0));
     for (const int percent : {30, 65, 90}) { // in the steps, in writing, in fitting the model
         ProbeReporter reporter;
         reporter.cancelAt = percent;
@@ -103,7 +102,7 @@ TEST_F(PostprocessingTest, CancellingLeavesTheDataOrTheStatistics) {
         EXPECT_EQ(QFile::exists(path(result(".fmr"))), percent == 90);
         EXPECT_EQ(QFile::exists(path(result(".stc"))), percent == 90);
     }
-    EXPECT_EQ(samplesOf(document().maps.ContrastMaps[0]), oldMap);
+    EXPECT_EQ(samplesOf(document().maps.map(0)), oldMap);
 }
 
 TEST_F(PostprocessingTest, NothingElseBeginsMeanwhile) {

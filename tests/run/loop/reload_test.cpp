@@ -25,7 +25,7 @@ TEST_F(ReloadTest, SavedRunComesBackWithItsVolumesAndMaps) {
     for (size_t map = 0; map < 2; ++map) {
         EXPECT_EQ(saved.maps[map].name, document.contrasts.ContrastNames[qsizetype(map)]);
         for (size_t i = 0; i < saved.maps[map].values.size(); ++i)
-            ASSERT_EQ(saved.maps[map].values[i], document.maps.ContrastMaps[map][i]);
+            ASSERT_EQ(saved.maps[map].values[i], document.maps.map(int(map))[i]);
     }
 
     session.setRunButton(RunButtonState::Ready);

@@ -24,7 +24,7 @@ public:
         : project_(context.project), pump_(context.pump), script_(script) {}
 
     bool readFirstVolume() override {
-        fill(project_.firstVolume, 0);
+        fill(project_.firstVolume.span(), 0);
         return script_.firstVolumeComes;
     }
     bool readVolume(int volume) override {
@@ -38,7 +38,7 @@ public:
     }
 
 private:
-    void fill(Volume& volume, int index) {
+    void fill(std::span<int16_t> volume, int index) {
         for (size_t i = 0; i < volume.size(); ++i)
             volume[i] = scriptedSample(i, index);
     }

@@ -5,7 +5,7 @@
 namespace {
 
 // Part of the voxels under `wanted` whose map value passes 3.
-double fractionAbove3(const ZeroedBuffer<float>& map, const std::vector<uint8_t>& wanted) {
+double fractionAbove3(std::span<const float> map, const std::vector<uint8_t>& wanted) {
     size_t above = 0;
     size_t all = 0;
     for (size_t i = 0; i < wanted.size(); ++i) {
@@ -35,7 +35,7 @@ TEST(SimulatedRun, ActiveRegionsAreFoundAndOthersAreNot) {
     for (int condition : {1, 2}) {
         const int map = condition - 1;
         ASSERT_EQ(document.maps.contrastOfMap[size_t(map)], map);
-        const ZeroedBuffer<float>& values = document.maps.ContrastMaps[size_t(map)];
+        const std::span<const float> values = document.maps.map(map);
         EXPECT_GE(fractionAbove3(values, scan.activeVoxels(condition)), 0.95) << condition;
         std::vector<uint8_t> others = document.mask.voxels;
         for (size_t i = 0; i < others.size(); ++i)

@@ -193,6 +193,54 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
     EXPECT_TRUE(content("results/test.fmr").contains("\"test.prt\""));
 }
 
+TEST_F(VolumeLoopTest, ContrastFileDecidesWhetherThereIsABaseline) {
+    const auto file = [](const char* counts, const char* weights) {
+        return QByteArray("FileVersion: 3 NrOfContrasts: 1 ") + counts +
+               "\nContrastNames:\n\"A\"\nContrastVectors:\n" + weights +
+               "\nInitialSelectionState:\n1\nContrastColors:\n1 2 3\n";
+    };
+    const QByteArray none = "NrOfValues: 4 BaselineInContrasts: 0 BaselinePosInProtocol: 0";
+    const QByteArray first = "NrOfValues: 3 BaselineInContrasts: 1 BaselinePosInProtocol: 1";
+    const QByteArray contradiction =
+        "NrOfValues: 3 BaselineInContrasts: 1 BaselinePosInProtocol: 0";
+    struct Case {
+        QByteArray file;
+        QStringList conditions;
+        std::vector<int> weights;
+    };
+    const Case cases[] = {
+        {file(none, " -1  1  0  0"), {"Fixation", "Faces", "Houses"}, {1, 0, 0, 0, 0}},
+        {file(first, " -1  1  0"), {"Faces", "Houses"}, {1, 0, 0, 0}},
+        {file(contradiction, " -1  0  1"), {"Faces", "Houses"}, {1, 0, 0, 0}}, // automatic ones
+    };
+    for (const auto& [text, conditions, weights] : cases) {
+        writeSession(24, 2, {{"ContrastFile:", "\"" + path("run.ctr") + "\""}});
+        put("run.ctr", text);
+        if (text.contains(contradiction))
+            messages.expect(MessageLevel::Warning, "ERROR: Contrast file *");
+        session.runButtonPressed();
+        const QtCortivoDoc& document = *session.functionalDocument;
+        EXPECT_EQ(document.design.PredictorNames.mid(0, conditions.size()), conditions);
+        EXPECT_EQ(document.design.NrOfConditionPredictors, conditions.size());
+        EXPECT_EQ(document.contrasts.ContrastWeights[0], weights);
+        // The columns belong to the names: the first condition that has one starts first.
+        EXPECT_EQ(document.design.PredictorOnsets[0] < document.design.PredictorOnsets[1], true);
+        EXPECT_EQ(document.finishedModel.isValid(), true);
+    }
+}
+
+TEST_F(VolumeLoopTest, GoesOnWithoutAModelWhenMemoryDoesNotHoldTheMask) {
+    writeSession(22, 2);
+    script.atVolume = [&](int volume) {
+        session.functionalDocument->project.ResolutionX = volume == 0 ? 1 << 30 : 8;
+    };
+    messages.expect(MessageLevel::Warning,
+                    "ERROR: Insufficient memory for creating contrast maps!");
+    session.runButtonPressed();
+    EXPECT_EQ(savedVolumes(), 20);
+    EXPECT_FALSE(session.functionalDocument->finishedModel.isValid());
+}
+
 TEST_F(VolumeLoopTest, TenRunsInARowStartCleanlyInOneProcess) {
     for (int run = 0; run < 10; ++run) {
         writeSession(20 + run, 2);

@@ -165,7 +165,8 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
             const std::vector<int> contrastOfMap = shown.contrastOfMap;
             ASSERT_TRUE(computeContrastMaps(document.finishedModel, document.mask,
                                             document.contrasts, document.maps));
-            computeClusterSizes(document.maps, document.contrasts.ConjunctionAnalysis);
+            computeClusterSizes(document.maps, session.requests.thresholds,
+                                document.contrasts.ConjunctionAnalysis);
             EXPECT_EQ(clusters, shown.ClusterSizeSlices);
             EXPECT_EQ(contrastOfMap, shown.contrastOfMap);
             EXPECT_FALSE(document.contrasts.ContrastsChanged);

@@ -177,6 +177,7 @@ TEST_F(SettingsFileWatchTest, AfterAFailedStartOnlyRunButtonAndANewFileHelp) {
     EXPECT_TRUE(watch_->isRunning());
     watch_->setAutoStart(false);
     watch_->setSettingsFile(path("r-1.vco"));
+    watch_->look();
     fail();
     messages.expectFileChoice("Open File", path("r-2.vco"));
     watch_->chooseSettingsFile();

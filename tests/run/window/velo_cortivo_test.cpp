@@ -222,7 +222,8 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     EXPECT_EQ(all(), (QStringList{"Save View As BMP..., Close, Exit",
                                   "Colors Code Significance, Colors Code Contrasts*",
                                   "Multi-Slice View, " + overlay + "Switch Window Size"}));
-    document().project.volumes.resize(3);
+    document().project.NrOfVolumes = 3;
+    ASSERT_TRUE(document().project.allocateVolumes());
     window_->session().report.currentVolume = 2;
     window_->slotSwitchToSignificanceColorCoding();
     requests().pendingOverlayInplane = 0;

@@ -2,20 +2,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "run/document/mosaic_layout.h"
 #include "run/document/slice_images.h"
+#include "run/document/slice_mosaic_layout.h"
 #include "stats/overlay_colors.h"
 #include "stats/statistical_maps.h"
+#include "stats/thresholds.h"
 
 #include <QImage>
 #include <vector>
 
 /// What a mosaic shows. Nothing is owned; `slices` must be set.
-struct MosaicSource {
+struct SliceMosaicSource {
     const SliceImages* slices = nullptr;
     bool showInplanes = false; ///< high-resolution slices, where there are any
-    MosaicLayout layout;
+    SliceMosaicLayout layout;
     const StatisticalMaps* maps = nullptr; ///< nullptr for no overlay
+    OverlayThresholds thresholds;
     const OverlayColors* colors = nullptr; ///< needed with maps
     bool significanceColorCoding = false;
 
@@ -42,5 +44,5 @@ struct MosaicSource {
 /// Each voxel that voxelIsShown() lets through becomes a square of s x s pixels with s = tile width
 /// / DimX, rounded, at ((x + column * DimX) * s, (y + row * DimY) * s), without interpolation.
 /// Maps that don't have the slices' grid are not painted. False, with a null image, when there are
-/// no slices or the mosaic would be too large (see mosaicSize()).
-[[nodiscard]] bool composeMosaic(QImage& target, const MosaicSource& source);
+/// no slices or the mosaic would be too large (see sliceMosaicSize()).
+[[nodiscard]] bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "display/mosaic_composer.h"
+#include "display/slice_mosaic.h"
 
-#include "display/mosaic_geometry.h"
+#include "display/slice_mosaic_geometry.h"
 #include "stats/clusters.h"
 
 #include <algorithm>
@@ -50,8 +50,9 @@ std::array<uint32_t, nrOfOverlayColors> packedColors(const OverlayColorTable& ta
 /// Paints the shown maps over the tiles of one mosaic.
 class OverlayPainter {
 public:
-    OverlayPainter(const MosaicSource& source, int scale)
-        : maps_(*source.maps), significance_(source.significanceColorCoding), scale_(scale),
+    OverlayPainter(const SliceMosaicSource& source, int scale)
+        : maps_(*source.maps), thresholds_(source.thresholds),
+          significance_(source.significanceColorCoding), scale_(scale),
           colors_(packedColors(source.colors->active)) {
         for (unsigned passing = 1; passing < colorOfSet_.size(); ++passing)
             colorOfSet_[passing] =
@@ -61,18 +62,18 @@ public:
     void paintSlice(Canvas& canvas, int slice, int column, int row) const {
         const bool sized = size_t(slice) < maps_.ClusterSizeSlices.size() &&
                            !maps_.ClusterSizeSlices[size_t(slice)].empty();
-        if (!sized && maps_.ClusterSizePixels != 1)
+        if (!sized && thresholds_.looksAtClusters())
             return;
         size_t pixel = 0;
-        for (int y = 0; y < maps_.sizeY; ++y) {
-            const int top = (y + row * maps_.sizeY) * scale_;
-            for (int x = 0; x < maps_.sizeX; ++x, ++pixel) {
-                const unsigned passing = voxelIsShown(maps_, slice, pixel);
+        for (int y = 0; y < maps_.size.y; ++y) {
+            const int top = (y + row * maps_.size.y) * scale_;
+            for (int x = 0; x < maps_.size.x; ++x, ++pixel) {
+                const unsigned passing = voxelIsShown(maps_, thresholds_, slice, pixel);
                 if (passing == 0)
                     continue;
                 const uint32_t color =
                     significance_ ? significanceColor(slice, pixel) : colorOfSet_[passing];
-                canvas.fillSquare((x + column * maps_.sizeX) * scale_, top, scale_, color);
+                canvas.fillSquare((x + column * maps_.size.x) * scale_, top, scale_, color);
             }
         }
     }
@@ -80,22 +81,25 @@ public:
 private:
     /// The colour of the largest of the shown values; of equal ones the first counts.
     [[nodiscard]] uint32_t significanceColor(int slice, size_t pixel) const {
-        const size_t voxel = size_t(slice) * maps_.sliceVoxels() + pixel;
+        const size_t mapSamples = maps_.size.samples();
+        const float* values =
+            maps_.ContrastMaps.data() + size_t(slice) * maps_.size.sliceSamples() + pixel;
         float largest = -std::numeric_limits<float>::infinity();
         bool negative = false;
         for (size_t map = 0; map < size_t(maps_.NrOfShownMaps); ++map) {
-            const float value = maps_.ContrastMaps[map][voxel];
+            const float value = values[map * mapSamples];
             const float shown = valueAsShown(value, maps_.states[map]);
             if (shown > largest) {
                 largest = shown;
                 negative = value < 0.0f;
             }
         }
-        return colors_[size_t(
-            significanceColorIndex(largest, negative, maps_.Threshold, maps_.ColorMaxThreshold))];
+        return colors_[size_t(significanceColorIndex(largest, negative, thresholds_.Threshold,
+                                                     thresholds_.ColorMaxThreshold))];
     }
 
     const StatisticalMaps& maps_;
+    const OverlayThresholds thresholds_;
     bool significance_;
     int scale_;
     std::array<uint32_t, nrOfOverlayColors> colors_;
@@ -103,11 +107,11 @@ private:
 };
 
 /// True when there are maps to paint and all that they claim to hold is there.
-bool overlayIsUsable(const MosaicSource& source) {
+bool overlayIsUsable(const SliceMosaicSource& source) {
     const StatisticalMaps* maps = source.maps;
     return maps && source.colors && maps->NrOfShownMaps > 0 &&
            maps->NrOfShownMaps <= maps->nrOfMapsToShow(false) &&
-           maps->sizeX == source.slices->sizeX && maps->sizeY == source.slices->sizeY;
+           QSize(maps->size.x, maps->size.y) == source.slices->gridSize();
 }
 
 /// Copies a slice into its tile; what the image lacks stays black.
@@ -151,10 +155,10 @@ int significanceColorIndex(float shownValue, bool negative, float threshold,
     return negative ? index + nrOfOverlayColors / 2 : index;
 }
 
-bool composeMosaic(QImage& target, const MosaicSource& source) {
+bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source) {
     const std::vector<QImage>& images = source.images();
     const QSize tile = images.empty() ? QSize() : images.front().size();
-    const QSize size = mosaicSize(source.layout, tile);
+    const QSize size = sliceMosaicSize(source.layout, tile);
     if (size.isEmpty()) {
         target = QImage();
         return false;
@@ -176,15 +180,14 @@ bool composeMosaic(QImage& target, const MosaicSource& source) {
         copyTile(canvas, images[size_t(sliceAtPlace(source.layout, place, nrOfSlices))],
                  {place % columns * tile.width(), place / columns * tile.height()}, tile);
 
-    const int scale = source.slices->sizeX > 0
-                          ? int(std::lround(double(tile.width()) / source.slices->sizeX))
-                          : 0;
+    const int dimX = source.slices->gridSize().width();
+    const int scale = dimX > 0 ? int(std::lround(double(tile.width()) / dimX)) : 0;
     if (scale < 1 || !overlayIsUsable(source))
         return true;
     const OverlayPainter painter(source, scale);
     for (int place = 0; place < shown; ++place) {
         const int slice = sliceAtPlace(source.layout, place, nrOfSlices);
-        if (slice < source.maps->nrOfSlices)
+        if (slice < source.maps->size.slices)
             painter.paintSlice(canvas, slice, place % columns, place / columns);
     }
     return true;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "display/mosaic_composer.h"
+#include "display/slice_mosaic.h"
 
 #include "stats/maps_in_use.h"
 
@@ -18,15 +18,15 @@ struct Scene {
     SliceImages slices;
     StatisticalMaps maps;
     OverlayColors colors;
-    MosaicSource source;
+    SliceMosaicSource source;
     QImage mosaic;
 
     explicit Scene(int nrOfSlices, int nrOfMaps) {
         slices.greyScale.high = 1;
         const std::vector<int16_t> samples(size_t(12 * nrOfSlices), int16_t(1));
-        slices.createSlicePixmaps(samples, 4, 3, nrOfSlices);
+        slices.createSlicePixmaps(samples, {4, 3, nrOfSlices});
         maps = mapsInUse(4, 3, nrOfSlices, nrOfMaps, ContrastBoth);
-        maps.ClusterSizePixels = 1;
+        source.thresholds.ClusterSizePixels = 1;
         for (int i = 0; i < nrOfOverlayColors; ++i)
             colors.active[size_t(i)] = {i + 1, 2 * i, 3 * i};
         source.slices = &slices;
@@ -36,10 +36,10 @@ struct Scene {
         source.layout.MosaicRows = 1;
     }
     void set(int map, int slice, int x, int y, float value) {
-        maps.ContrastMaps[size_t(map)][size_t(slice * 12 + y * 4 + x)] = value;
+        maps.map(map)[size_t(slice * 12 + y * 4 + x)] = value;
     }
     QRgb pixel(int x, int y) {
-        EXPECT_TRUE(composeMosaic(mosaic, source));
+        EXPECT_TRUE(composeSliceMosaic(mosaic, source));
         return mosaic.pixel(x, y);
     }
 };
@@ -48,7 +48,7 @@ QRgb entry(int index) {
     return qRgb(index + 1, 2 * index, 3 * index);
 }
 
-TEST(MosaicComposer, CodesSetsOfPassingMaps) {
+TEST(SliceMosaic, CodesSetsOfPassingMaps) {
     const std::map<std::vector<int>, int> fourMaps{
         {{0}, 0},       {{1}, 1},        {{2}, 3},        {{3}, 7},        {{0, 1}, 2},
         {{0, 2}, 4},    {{0, 3}, 8},     {{1, 2}, 5},     {{1, 3}, 9},     {{2, 3}, 10},
@@ -67,7 +67,7 @@ TEST(MosaicComposer, CodesSetsOfPassingMaps) {
     EXPECT_EQ(three.pixel(2, 1), entry(7));
 }
 
-TEST(MosaicComposer, CodesSignificance) {
+TEST(SliceMosaic, CodesSignificance) {
     // From 3 to 8: an entry for each 5/9.
     // One value and state for each map. At -1 the voxel keeps its grey.
     using Case = std::tuple<std::vector<float>, std::vector<int>, int>;
@@ -97,7 +97,7 @@ TEST(MosaicComposer, CodesSignificance) {
     EXPECT_EQ(significanceColorIndex(4.0f, false, 3.0f, nan), 9);
 }
 
-TEST(MosaicComposer, ArrangesSlicesInRowsFromTheFirstShownOne) {
+TEST(SliceMosaic, ArrangesSlicesInRowsFromTheFirstShownOne) {
     Scene scene(5, 1);
     scene.set(0, 4, 1, 2, 5.0f);
     scene.source.layout = {3, 2, 3, 1, 1};
@@ -109,7 +109,7 @@ TEST(MosaicComposer, ArrangesSlicesInRowsFromTheFirstShownOne) {
     EXPECT_EQ(scene.mosaic.pixel(11, 5), black);
 }
 
-TEST(MosaicComposer, DrawsSquaresOverInplaneSlices) {
+TEST(SliceMosaic, DrawsSquaresOverInplaneSlices) {
     Scene scene(2, 1);
     scene.slices.InplanePixmaps.assign(2, QImage(8, 6, QImage::Format_Grayscale8));
     for (QImage& image : scene.slices.InplanePixmaps)
@@ -123,20 +123,21 @@ TEST(MosaicComposer, DrawsSquaresOverInplaneSlices) {
                 << x << " " << y;
 }
 
-TEST(MosaicComposer, RefusesWhatItCanNotShow) {
+TEST(SliceMosaic, RefusesWhatItCanNotShow) {
     Scene scene(2, 1);
-    for (const MosaicLayout& layout : {MosaicLayout{0, 1, 0, 1, 1}, MosaicLayout{1, -1, 0, 1, 1},
-                                       MosaicLayout{1 << 30, 1 << 30, 0, 1, 1}}) {
+    for (const SliceMosaicLayout& layout :
+         {SliceMosaicLayout{0, 1, 0, 1, 1}, SliceMosaicLayout{1, -1, 0, 1, 1},
+          SliceMosaicLayout{1 << 30, 1 << 30, 0, 1, 1}}) {
         scene.source.layout = layout;
-        EXPECT_FALSE(composeMosaic(scene.mosaic, scene.source));
+        EXPECT_FALSE(composeSliceMosaic(scene.mosaic, scene.source));
         EXPECT_TRUE(scene.mosaic.isNull());
     }
     scene.source.layout = {2, 1, 0, 1, 1};
     scene.set(0, 0, 0, 0, 5.0f);
-    scene.maps.sizeX = 3; // another grid
+    scene.maps.size.x = 3; // another grid
     EXPECT_EQ(scene.pixel(0, 0), grey);
     scene.slices.SlicePixmaps.clear();
-    EXPECT_FALSE(composeMosaic(scene.mosaic, scene.source));
+    EXPECT_FALSE(composeSliceMosaic(scene.mosaic, scene.source));
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-struct MosaicLayout {
+struct SliceMosaicLayout {
     int MosaicColumns = 5;
     int MosaicRows = 5;
     int FirstShownSlice = 0;

@@ -1,11 +1,12 @@
-// What the readers of Siemens mosaics older than DICOM share: square ones, one or two for a volume.
+// What the readers of Siemens mosaics older than DICOM share: square tiled images, one or two for a
+// volume.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "intake/mosaic.h"
 #include "intake/raw_volume_reader.h"
+#include "intake/tiled_image.h"
 
-class SquareMosaicReader : public RawVolumeReader {
+class SquareTiledImageReader : public RawVolumeReader {
 public:
     [[nodiscard]] bool readFirstVolume() override;
     [[nodiscard]] bool readVolume(int volume) override;
@@ -16,7 +17,7 @@ protected:
         Descending ///< the first tile is the last slice
     };
 
-    SquareMosaicReader(const IntakeContext& context, qint64 headerBytes, TileOrder order)
+    SquareTiledImageReader(const IntakeContext& context, qint64 headerBytes, TileOrder order)
         : RawVolumeReader(context), headerBytes_(headerBytes), order_(order) {}
 
     /// Name of the file with these numbers.
@@ -25,7 +26,7 @@ protected:
 private:
     /// `file` is 0 or 1 in all of these.
     [[nodiscard]] QString fileName(Stage stage, int volume, int file) const;
-    [[nodiscard]] MosaicTiling layoutOf(int file) const;
+    [[nodiscard]] TiledImageLayout layoutOf(int file) const;
     [[nodiscard]] bool readFiles(Stage stage, int volume);
     [[nodiscard]] bool readTiles(Stage stage, int volume, int file);
     [[nodiscard]] bool storeTiles(std::span<const uint8_t> samples, int file,

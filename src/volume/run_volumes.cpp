@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/run_volumes.h"
+
+bool RunVolumes::allocate(size_t count, size_t samples) {
+    clear();
+    // Each volume alone is small: the whole run is held against what the system can give.
+    if (count != 0 &&
+        (samples > SIZE_MAX / count || !memoryIsAvailable(count * samples, sizeof(int16_t))))
+        return false;
+    buffers_.resize(count);
+    for (Volume& volume : buffers_) {
+        if (!volume.allocate(samples)) {
+            clear();
+            return false;
+        }
+        table_.push_back(volume.data());
+    }
+    return true;
+}
+
+void RunVolumes::clear() {
+    table_.clear();
+    buffers_.clear();
+}

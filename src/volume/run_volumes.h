@@ -1,0 +1,40 @@
+// The volumes of a run in memory.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/memory.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+/// Samples of one volume: x fastest, then y, then slices.
+using Volume = ZeroedBuffer<int16_t>;
+
+/// Volumes of one size, each in memory of its own, and the table of their addresses. A volume keeps
+/// its address from allocate() to clear().
+class RunVolumes {
+public:
+    /// Replaces the volumes by `count` zeroed ones of `samples` each. False, with none allocated,
+    /// when memory runs out.
+    [[nodiscard]] bool allocate(size_t count, size_t samples);
+    void clear();
+
+    [[nodiscard]] size_t size() const { return table_.size(); }
+    [[nodiscard]] bool empty() const { return table_.empty(); }
+    /// Of each volume; 0 without volumes.
+    [[nodiscard]] size_t samplesOfEach() const {
+        return buffers_.empty() ? 0 : buffers_.front().size();
+    }
+    /// Samples of a volume, which must be there.
+    [[nodiscard]] std::span<int16_t> operator[](size_t volume) { return buffers_[volume].span(); }
+    [[nodiscard]] std::span<const int16_t> operator[](size_t volume) const {
+        return buffers_[volume].span();
+    }
+    /// One pointer for each volume, as plug-ins are handed them; nullptr without volumes.
+    [[nodiscard]] int16_t* const* table() const { return empty() ? nullptr : table_.data(); }
+
+private:
+    std::vector<Volume> buffers_;
+    std::vector<int16_t*> table_;
+};
