@@ -87,12 +87,10 @@ void VeloCortivo::slotChangeMultiSliceROISelection() {
 
 void VeloCortivo::slotConjunctionAnalysis() {
     QtCortivoDoc* document = session_.functionalDocument.get();
-    const bool wanted = conjunctionBox_->isChecked();
-    if (!document || (wanted && nrOfSelectedContrasts(document->contrasts) < 2)) {
+    if (!document || !setConjunction(document->contrasts, conjunctionBox_->isChecked())) {
         conjunctionBox_->setChecked(false);
         return;
     }
-    document->contrasts.ConjunctionAnalysis = wanted;
     session_.contrastsChanged();
 }
 
