@@ -58,7 +58,7 @@ struct BenchmarkRun {
         project.NrOfVolumes = nrOfVolumes;
         makeDesign();
         makeContrasts();
-        return makeVolumes() && createBrainMask(mask, project) &&
+        return makeVolumes() && createBrainMask(mask, project, 100) &&
                glm.allocate(design.NrOfPredictors, project.volumeSamples()) &&
                maps.allocateMaps(nrOfContrasts, project.size());
     }

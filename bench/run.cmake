@@ -1,6 +1,6 @@
 add_executable(bench_run bench_run.cpp)
 target_include_directories(bench_run PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-target_link_libraries(bench_run PRIVATE loop)
+target_link_libraries(bench_run PRIVATE session)
 add_executable(bench_latency bench_latency.cpp)
 target_link_libraries(bench_latency PRIVATE session simulator_core)
 add_executable(bench_intake bench_intake.cpp)

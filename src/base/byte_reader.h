@@ -67,9 +67,3 @@ private:
     size_t position_ = 0;
     bool failed_ = false;
 };
-
-/// The two bytes of every 16-bit sample exchanged.
-inline void swapBytes(std::span<uint16_t> samples) {
-    for (uint16_t& sample : samples)
-        sample = uint16_t((sample << 8) | (sample >> 8));
-}

@@ -30,7 +30,6 @@ protected:
     /// be read or has not the matrix of the settings.
     [[nodiscard]] bool readSizes();
     /// Files of the first volume, once it has been read.
-    [[nodiscard]] const QString& firstSliceFile() const { return firstSliceFile_; }
     [[nodiscard]] const QString& lastSliceFile() const { return lastSliceFile_; }
 
 private:

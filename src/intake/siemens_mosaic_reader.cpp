@@ -56,7 +56,7 @@ bool SiemensMosaicReader::takeVolume(const Image& image, Stage stage,
     const size_t count = stage == Stage::Loop ? loopSide * loopSide : layout.imageSamples();
     toHostOrder(image.samples.first(2 * std::min(count, image.samples.size() / 2)),
                 image.byteOrder);
-    return splitTiledImage(image.samples, volume, layout);
+    return splitMosaic(image.samples, volume, layout);
 }
 
 bool SiemensMosaicReader::headerFitsSettings() const {
@@ -76,7 +76,7 @@ bool SiemensMosaicReader::readHeaders() {
     // A header without directions leaves them as they are; the positions decide.
     static_cast<void>(parseImageOrientation(header.imageOrientationText, position));
     if (!parseSiemensProtocol(bytes(), project()) &&
-        !computeTiledImageGeometry(path, header, state().rawDataByteOrder, project()))
+        !computeMosaicGeometry(path, header, state().rawDataByteOrder, project()))
         return false;
     position.positionInfoValid = 1;
     return true;

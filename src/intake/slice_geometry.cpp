@@ -71,7 +71,7 @@ Vector3 imageCentre(const Vector3& corner, const FMRPositionInfo& position, floa
                  height * 0.5f);
 }
 
-bool computeTiledImageGeometry(const DicomHeader& header, FMRProject& project) {
+bool computeMosaicGeometry(const DicomHeader& header, FMRProject& project) {
     const QString maker = QString::fromLatin1(header.manufacturerText.c_str());
     const std::vector<float> corner = numbersOf(header.imagePositionText, 3);
     if (corner.empty() || !maker.contains("Siemens", Qt::CaseInsensitive))
@@ -88,8 +88,8 @@ bool computeTiledImageGeometry(const DicomHeader& header, FMRProject& project) {
     return true;
 }
 
-bool computeTiledImageGeometry(const QString& fileName, DicomHeader& header,
-                               ByteOrder& rawDataByteOrder, FMRProject& project) {
+bool computeMosaicGeometry(const QString& fileName, DicomHeader& header,
+                           ByteOrder& rawDataByteOrder, FMRProject& project) {
     return readDicomHeader(fileName, header, rawDataByteOrder) &&
-           computeTiledImageGeometry(header, project);
+           computeMosaicGeometry(header, project);
 }

@@ -27,8 +27,8 @@ enum class SliceEnd { First = 1, Last = 2 };
 /// of a mosaic is the corner of the whole mosaic, so half of its size leads to the common centre;
 /// the last slice lies NrOfSlices (not one less) distances further. False when the maker is another
 /// one or the header has no position.
-[[nodiscard]] bool computeTiledImageGeometry(const DicomHeader& header, FMRProject& project);
+[[nodiscard]] bool computeMosaicGeometry(const DicomHeader& header, FMRProject& project);
 
 /// The same from a file, whose header is parsed into the shared record first.
-[[nodiscard]] bool computeTiledImageGeometry(const QString& fileName, DicomHeader& header,
-                                             ByteOrder& rawDataByteOrder, FMRProject& project);
+[[nodiscard]] bool computeMosaicGeometry(const QString& fileName, DicomHeader& header,
+                                         ByteOrder& rawDataByteOrder, FMRProject& project);

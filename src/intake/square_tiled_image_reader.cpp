@@ -70,9 +70,9 @@ bool SquareTiledImageReader::storeTiles(std::span<const uint8_t> samples, int fi
     if (start + count > volume.size())
         return false;
     if (order_ == TileOrder::Ascending)
-        return splitTiledImage(samples, volume.subspan(start, count), layout);
+        return splitMosaic(samples, volume.subspan(start, count), layout);
     const std::span<int16_t> part = volume.subspan(volume.size() - start - count, count);
-    if (!splitTiledImage(samples, part, layout))
+    if (!splitMosaic(samples, part, layout))
         return false;
     reverseParts(part, layout.volume.slices);
     return true;

@@ -20,8 +20,8 @@ QString unusableLayoutMessage(const TiledImageLayout& layout) {
         .arg(layout.volume.y);
 }
 
-bool splitTiledImage(std::span<const uint8_t> source, std::span<int16_t> volume,
-                     const TiledImageLayout& layout) {
+bool splitMosaic(std::span<const uint8_t> source, std::span<int16_t> volume,
+                 const TiledImageLayout& layout) {
     if (!layout.holdsAllSlices() || source.size() / 2 < layout.imageSamples() ||
         volume.size() != layout.volume.samples())
         return false;

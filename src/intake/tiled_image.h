@@ -34,5 +34,5 @@ struct TiledImageLayout {
 /// samples of the image in the byte order of this machine. False, with nothing copied, when the
 /// layout does not hold all slices, the source less than the whole image, or the volume has
 /// another size.
-[[nodiscard]] bool splitTiledImage(std::span<const uint8_t> source, std::span<int16_t> volume,
-                                   const TiledImageLayout& layout);
+[[nodiscard]] bool splitMosaic(std::span<const uint8_t> source, std::span<int16_t> volume,
+                               const TiledImageLayout& layout);

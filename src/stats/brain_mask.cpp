@@ -12,7 +12,6 @@ void collectRuns(BrainMask& mask) {
         if (mask.runs.empty() || mask.runs.back().first + mask.runs.back().count != voxel)
             mask.runs.push_back({voxel, 0});
         ++mask.runs.back().count;
-        ++mask.nrOfVoxels;
     }
 }
 

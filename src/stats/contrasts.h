@@ -52,4 +52,4 @@ bool toggleContrast(ContrastDefinitions& contrasts, int index, ContrastState bit
 [[nodiscard]] int nrOfSelectedContrasts(const ContrastDefinitions& contrasts);
 /// Switches the conjunction on or off. False, with the conjunction off, when it is to be switched
 /// on with fewer than two contrasts selected.
-bool setConjunction(ContrastDefinitions& contrasts, bool on);
+[[nodiscard]] bool setConjunction(ContrastDefinitions& contrasts, bool on);

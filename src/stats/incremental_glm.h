@@ -21,7 +21,6 @@ struct BrainMask {
     };
     std::vector<uint8_t> voxels; ///< non-zero inside; empty before the mask is made
     std::vector<Run> runs;
-    size_t nrOfVoxels = 0;
 };
 
 /// Memory that the update of a volume works in, kept so that volumes don't allocate.
@@ -75,7 +74,7 @@ struct GLMRun {
 /// Mask from the first volume: all slices but the first and the last, values above the threshold
 /// when read as unsigned 16-bit numbers. False, with an empty mask, when memory runs out: the
 /// operator has been told, in a box that holds nobody up, and the run goes on without a model.
-[[nodiscard]] bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold = 100);
+[[nodiscard]] bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold);
 
 /// One volume: batch solution when one is due, else the recursive update; contrasts; t values.
 /// True when the overlay colours must be computed again because the active contrasts were

@@ -31,8 +31,8 @@ public:
     [[nodiscard]] std::span<const int16_t> operator[](size_t volume) const {
         return buffers_[volume].span();
     }
-    /// One pointer for each volume, as plug-ins are handed them; nullptr without volumes.
-    [[nodiscard]] int16_t* const* table() const { return empty() ? nullptr : table_.data(); }
+    /// size() pointers, one for each volume, as plug-ins are handed them.
+    [[nodiscard]] int16_t* const* table() const { return table_.data(); }
 
 private:
     std::vector<Volume> buffers_;

@@ -35,7 +35,7 @@ bool dicom(std::span<const uint8_t> bytes) {
     static_cast<void>(
         parseImagePosition(header.imagePositionText, SliceEnd::First, project.position));
     static_cast<void>(parseImageOrientation(header.imageOrientationText, project.position));
-    static_cast<void>(computeTiledImageGeometry(header, project));
+    static_cast<void>(computeMosaicGeometry(header, project));
     DicomIdentifiers identifiers;
     require(!parseDicomIdentifiers(bytes, "fuzz.dcm", identifiers) || identifiers.complete(),
             "identifiers are complete");

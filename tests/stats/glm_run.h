@@ -74,7 +74,7 @@ struct GLMTestRun {
     void start(std::vector<int> stepVolumes) {
         design.GLMStepVolumes = std::move(stepVolumes);
         ASSERT_TRUE(maps.allocateMaps(contrasts.NrOfContrasts, project.size()));
-        ASSERT_TRUE(createBrainMask(mask, project));
+        ASSERT_TRUE(createBrainMask(mask, project, 100));
         ASSERT_TRUE(glm.allocate(design.NrOfPredictors, voxels()));
     }
 

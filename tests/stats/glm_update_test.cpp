@@ -45,7 +45,7 @@ TEST(BrainMask, HoldsInnerSlicesReadAsUnsigned) {
                                                        {44, -1, true}}; // 65535
     for (const auto& [voxel, sample, inside] : cases)
         run.project.volumes[0][voxel] = sample;
-    ASSERT_TRUE(createBrainMask(run.mask, run.project));
+    ASSERT_TRUE(createBrainMask(run.mask, run.project, 100));
     for (const auto& [voxel, sample, inside] : cases)
         EXPECT_EQ(run.mask.voxels[voxel] != 0, inside) << voxel;
 }
@@ -61,7 +61,7 @@ TEST(BrainMask, WithoutItThereIsNoModel) {
     ScriptedMessages messages;
     messages.expect(MessageLevel::Warning,
                     "ERROR: Insufficient memory for creating contrast maps!");
-    EXPECT_FALSE(createBrainMask(run.mask, huge));
+    EXPECT_FALSE(createBrainMask(run.mask, huge, 100));
     EXPECT_TRUE(run.mask.voxels.empty());
     run.update(0, 19);
     EXPECT_EQ(run.glm.GLMStartVolume, GLMState::notStarted);

@@ -122,3 +122,16 @@ TEST_F(STCFile, AnAnatomicalFileIsFoundBesideTheProjectOrCleared) {
     EXPECT_EQ(loaded.LoadAMRFile, folder.filePath("head.amr"));
     EXPECT_EQ(loaded.ShowAMRFile, 1);
 }
+
+TEST(RunVolumes, TableHasTheAddressOfEachVolume) {
+    RunVolumes volumes;
+    ASSERT_TRUE(volumes.allocate(3, 5));
+    volumes[2][4] = -7;
+    const RunVolumes moved = std::move(volumes);
+    EXPECT_EQ(moved.table()[2][4], -7);
+    for (size_t v = 0; v < 3; ++v)
+        EXPECT_EQ(moved.table()[v], moved[v].data());
+    EXPECT_FALSE(volumes.allocate(SIZE_MAX / 4, 8));
+    EXPECT_TRUE(volumes.empty());
+    EXPECT_EQ(volumes.samplesOfEach(), 0u);
+}

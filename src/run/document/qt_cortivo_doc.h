@@ -54,7 +54,6 @@ public:
 
     QString workingFolder; ///< of the settings file
     QString mapName = "<untitled>";
-    bool firstVolumePresent = false;
 
     /// Colour tables after a change of contrasts or of the colour coding.
     void updateOverlayColors();

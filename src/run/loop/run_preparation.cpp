@@ -110,7 +110,6 @@ void showFirstVolume(QtCortivoDoc& document) {
     const FMRProject& project = document.project;
     computeDisplayRange(document.slices.greyScale, project.firstVolume.span());
     document.slices.createSlicePixmaps(project.firstVolume.span(), project.size());
-    document.firstVolumePresent = true;
 }
 
 std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker& makeReader,
