@@ -4,6 +4,7 @@
 #include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/text_reading.h"
 
 #include <charconv>
 #include <cmath>
@@ -120,6 +121,10 @@ QByteArray fmrText(const FMRHeader& header, int nrOfVolumes) {
 }
 
 bool writeFMRHeader(FMRProject& project, const QString& fileName, int nrOfVolumesWritten) {
+    if (namesFolder(project.Prefix))
+        showWarning(QString("WARNING: The prefix \"%1\" names a folder. The data of the run are "
+                            "saved beside its header, as \"%2.stc\".")
+                        .arg(shortened(project.Prefix), prefixOfFiles(project.Prefix)));
     project.Prefix = prefixOfFiles(project.Prefix);
     if (std::abs(project.sliceGap) < 1e-06f)
         project.sliceGap = 0.0f;
