@@ -44,6 +44,9 @@ struct FMRHeader {
     float TE = 0.0f; ///< milliseconds
     int SliceAcquisitionOrder = 0;
     bool SliceAcquisitionOrderVerified = false;
+    /// When each slice was measured, in milliseconds from the start of the volume, as the scanner's
+    /// headers tell; empty where they don't. Several slices may share a time. No file keeps it.
+    std::vector<float> sliceTimes;
     int ResolutionX = 64; ///< MatrixSizeX
     int ResolutionY = 64; ///< MatrixSizeY
     QString LoadAMRFile;
