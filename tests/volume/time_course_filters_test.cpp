@@ -206,6 +206,10 @@ TEST(LinearTrend, IsRemovedAndTheMeanStays) {
     FMRProject run = runWithCourse({10, 20, 28, 14}); // mean 18, slope 2
     ASSERT_TRUE(removeLinearTrend(run, 4, StepProgress(progress)));
     EXPECT_EQ(courseOf(run, 0), (std::vector<int>{13, 21, 27, 11}));
+    // Samples are unsigned: a mean of 32768 with no slope, limited to the largest signed one.
+    run = runWithCourse({32760, 32776, 32776, 32760});
+    ASSERT_TRUE(removeLinearTrend(run, 4, StepProgress(progress)));
+    EXPECT_EQ(courseOf(run, 0), (std::vector<int>{32760, 32767, 32767, 32760}));
 }
 
 TEST(TemporalGaussian, WeighsNeighboursWithinTheRun) {
