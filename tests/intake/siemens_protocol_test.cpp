@@ -64,10 +64,12 @@ TEST(SiemensProtocol, ReadingEndsWithOrderOrBlock) {
         EXPECT_EQ(project.SliceAcquisitionOrder, 2);
     }
     // Without TR, order or slices it goes on.
-    for (const QByteArray& text : {slices + mode + other, mode + slices + "### ASCCONV END" + other,
-                                   times + slices + "### ASCCONV END" + other})
+    const QByteArray end = "### ASCCONV END ###\n";
+    for (const QByteArray& text :
+         {slices + mode + other, mode + slices + end + other, times + slices + end + other})
         EXPECT_EQ(parsed(text).position.sliceCenterLast[2], 99);
-    EXPECT_EQ(parsed(mode + times + "### ASCCONV END\n" + slices).position.sliceCenterLast[2], 5);
+    EXPECT_EQ(parsed(other + mode + times + end + slices).position.sliceCenterLast[2], 5);
+    EXPECT_EQ(parsed(other + slices).position.sliceCenterFirst[2], -3);
 }
 
 TEST(SiemensProtocol, ATRThatNoScannerHasLeavesThatOfTheSettings) {
