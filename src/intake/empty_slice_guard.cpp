@@ -50,13 +50,13 @@ int EmptySliceGuard::lateSlice(int volume) {
         if (isEmpty_[slice] && !wasEmpty_[slice])
             late = int(slice);
     }
-    const bool anyFilled = std::ranges::find(isEmpty_, char(0)) != isEmpty_.end();
-    return volume == firstVolume && anyFilled ? -1 : late;
+    return late;
 }
 
 void EmptySliceGuard::tell(int volume, int slice) {
     constexpr int mostWarnings = 3;
-    if (nrOfWarnings_ >= mostWarnings)
+    const bool anyFilled = std::ranges::find(isEmpty_, char(0)) != isEmpty_.end();
+    if (nrOfWarnings_ >= mostWarnings || (volume == firstVolume && anyFilled))
         return;
     ++nrOfWarnings_;
     const QString name =

@@ -9,8 +9,9 @@
 /// Such a volume is read again for up to one TR, within the time-out of the settings. Then it is
 /// taken as it is, and the operator is told, a few times in a run.
 ///
-/// The volume before is the one that was read before. The first volume of a run has none; only one
-/// that is zero throughout is waited for. A volume without such slices costs one look at its first
+/// The volume before is the one that was read before. The first volume of a run has none: each of
+/// its slices is waited for, but empty ones may belong to the scan, so that only a volume that is
+/// zero throughout is told. A volume without such slices costs one look at its first
 /// samples.
 class EmptySliceGuard : public VolumeReader {
 public:
