@@ -3,7 +3,9 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFileSystemWatcher>
 #include <QTimer>
+#include <utility>
 
 namespace {
 
@@ -18,17 +20,45 @@ const QElapsedTimer& programClock() {
 
 } // namespace
 
+QtEventPump::QtEventPump() = default;
+QtEventPump::~QtEventPump() = default;
+
 void QtEventPump::processEvents() {
     QCoreApplication::processEvents();
 }
 
 void QtEventPump::pumpWait(int milliseconds) {
+    pumpUntil(milliseconds, false);
+}
+
+bool QtEventPump::pumpWaitForChange(int milliseconds, const QStringList& folders) {
+    watch(folders);
+    pumpUntil(milliseconds, changed_);
+    return std::exchange(changed_, false);
+}
+
+// Folders that are not there yet, or were replaced, are taken up as soon as they are.
+void QtEventPump::watch(const QStringList& folders) {
+    if (!watcher_) {
+        watcher_ = std::make_unique<QFileSystemWatcher>();
+        QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, watcher_.get(),
+                         [this] { changed_ = true; });
+    }
+    for (const QString& folder : watcher_->directories())
+        if (!folders.contains(folder))
+            watcher_->removePath(folder);
+    for (const QString& folder : folders)
+        if (!folder.isEmpty() && !watcher_->directories().contains(folder))
+            watcher_->addPath(folder);
+}
+
+void QtEventPump::pumpUntil(int milliseconds, const bool& done) {
     QTimer wakeUp;
     wakeUp.setTimerType(Qt::PreciseTimer);
     wakeUp.setSingleShot(true);
     wakeUp.start(milliseconds);
     const qint64 end = this->milliseconds() + milliseconds;
-    while (this->milliseconds() < end && wakeUp.isActive())
+    while (!done && this->milliseconds() < end && wakeUp.isActive())
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
     QCoreApplication::processEvents();
 }

@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QtGlobal>
+#include <QStringList>
+#include <memory>
+
+class QFileSystemWatcher;
 
 /// Processes interface events and tells the time. A test counts simulated milliseconds instead.
 class EventPump {
@@ -12,6 +15,15 @@ public:
     virtual void processEvents() = 0;
     /// Handles events for this long. Nothing in the program waits in any other way during a run.
     virtual void pumpWait(int milliseconds) = 0;
+    /// The same, but ends as soon as a file comes to, leaves or is renamed in one of the folders,
+    /// where the system tells of it; then true. A change since the wait before for the same folders
+    /// ends it at once. Mounts whose files are written elsewhere tell nothing, and the growth of a
+    /// file is not told: what is waited for has to be looked for in any case.
+    virtual bool pumpWaitForChange(int milliseconds, const QStringList& folders) {
+        static_cast<void>(folders);
+        pumpWait(milliseconds);
+        return false;
+    }
     /// Milliseconds since an arbitrary origin, never going back.
     [[nodiscard]] virtual qint64 milliseconds() const = 0;
 };
@@ -20,9 +32,19 @@ public:
 /// costs next to no processor time.
 class QtEventPump : public EventPump {
 public:
+    QtEventPump();
+    ~QtEventPump() override;
     void processEvents() override;
     void pumpWait(int milliseconds) override;
+    bool pumpWaitForChange(int milliseconds, const QStringList& folders) override;
     [[nodiscard]] qint64 milliseconds() const override;
+
+private:
+    void pumpUntil(int milliseconds, const bool& done);
+    void watch(const QStringList& folders);
+
+    std::unique_ptr<QFileSystemWatcher> watcher_; ///< made at the first wait for a change
+    bool changed_ = false;                        ///< since the last wait for a change
 };
 
 /// Time since its start or last restart, in milliseconds of a pump's clock.

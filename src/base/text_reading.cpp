@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/text_reading.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include "base/plain_file.h"
+
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -155,11 +155,8 @@ bool readTextFile(const QString& path, QString& text) {
     // Settings and protocols are a few kilobytes; a file beyond this is none of ours and is not
     // taken into memory.
     constexpr qint64 maximumSize = 64 << 20;
-    // Opening a pipe would wait for its other end, and a device may never end.
-    if (!QFileInfo(path).isFile())
-        return false;
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!openPlainFile(file))
         return false;
     const QByteArray bytes = file.read(maximumSize + 1);
     if (file.error() != QFileDevice::NoError || bytes.size() > maximumSize)

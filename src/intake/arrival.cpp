@@ -1,32 +1,104 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/arrival.h"
 
+#include "base/paths.h"
+#include "base/plain_file.h"
+
 #include <QFile>
-#include <QFileInfo>
+#include <filesystem>
+
+namespace {
+
+bool fits(const FileStamp& stamp, qint64 size, bool atLeast) {
+    return atLeast ? stamp.size >= size : stamp.size == size;
+}
+
+QStringList foldersOf(const QStringList& names) {
+    QStringList folders;
+    for (const QString& name : names)
+        folders << paths::folderWithSlash(name);
+    folders.removeDuplicates();
+    return folders;
+}
+
+/// Reads the names in the folders and drops them: a mount then looks at the server anew.
+void readFolders(const QStringList& folders) {
+    for (const QString& folder : folders) {
+        std::error_code error;
+        std::filesystem::directory_iterator entry(QFile::encodeName(folder).toStdString(), error);
+        while (!error && entry != std::filesystem::directory_iterator())
+            entry.increment(error);
+    }
+}
+
+/// The pauses between the rounds of one wait.
+class Pauses {
+public:
+    Pauses(const QStringList& names, const WaitTimes& times, EventPump& pump)
+        : folders_(foldersOf(names)), times_(times), pump_(pump) {}
+
+    /// A scanner that writes many small files, or one in many pieces, changes the folder all the
+    /// time: behind a change come rounds of this distance, and only then the next look at changes.
+    void next(qint64 waitedMilliseconds) {
+        constexpr int quickMilliseconds = 10;
+        if (quickPauses_ > 0) {
+            --quickPauses_;
+            pump_.pumpWait(quickMilliseconds);
+            return;
+        }
+        if (pump_.pumpWaitForChange(times_.pollMilliseconds, folders_))
+            quickPauses_ = times_.pollMilliseconds / quickMilliseconds;
+        constexpr qint64 patienceMilliseconds = 1000;
+        if (waitedMilliseconds >= patienceMilliseconds)
+            lookAtFolders();
+    }
+
+private:
+    /// A large folder on a slow mount must not hold up the window: reading takes at most a tenth of
+    /// the time.
+    void lookAtFolders() {
+        constexpr qint64 restPerReading = 9;
+        const qint64 start = pump_.milliseconds();
+        if (start < nextReading_)
+            return;
+        readFolders(folders_);
+        const qint64 end = pump_.milliseconds();
+        nextReading_ = end + restPerReading * (end - start);
+    }
+
+    QStringList folders_;
+    WaitTimes times_;
+    EventPump& pump_;
+    int quickPauses_ = 0;
+    qint64 nextReading_ = 0;
+};
+
+} // namespace
 
 bool waitForFile(const QString& fileName, qint64 size, bool atLeast) {
-    if (fileName.isEmpty())
-        return false;
-    // Size and kind cost one look at the folder entry, an open more; most polls end here. Anything
-    // but a plain file is no image, and opening it may block.
-    const QFileInfo info(fileName);
-    if (!info.isFile() || (atLeast ? info.size() < size : info.size() != size))
-        return false;
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    const auto stamp = fileStamp(fileName);
+    return stamp && fits(*stamp, size, atLeast);
 }
 
 QString awaitFile(const ExpectedFile& expected, const WaitTimes& times, EventPump& pump) {
     const StopWatch watch(pump);
+    Pauses pauses(expected.names, times, pump);
     for (;;) {
+        bool unsettled = false;
         for (const QString& name : expected.names) {
-            if (!waitForFile(name, expected.size, expected.atLeast))
+            const auto found = fileStamp(name);
+            if (!found || !fits(*found, expected.size, expected.atLeast))
                 continue;
             pump.pumpWait(times.settleMilliseconds);
-            return name;
+            const bool settled = expected.keepsGrowing || times.settleMilliseconds == 0;
+            if (settled || fileStamp(name) == found)
+                return name;
+            unsettled = true;
         }
         if (watch.elapsed() > times.timeOutMilliseconds)
             return {};
-        pump.pumpWait(times.pollMilliseconds);
+        // A file that changes is looked at again without a pause: its settling time was one.
+        if (!unsettled)
+            pauses.next(watch.elapsed());
     }
 }

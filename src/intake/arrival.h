@@ -16,6 +16,9 @@ struct ExpectedFile {
     QStringList names;
     qint64 size = 0;
     bool atLeast = true;
+    /// The scanner goes on writing to the file when what is waited for is there, as it does where
+    /// one file holds a run: size and times never hold still.
+    bool keepsGrowing = false;
 };
 
 struct WaitTimes {
@@ -24,7 +27,12 @@ struct WaitTimes {
     int settleMilliseconds = 10; ///< from the arrival to the reading
 };
 
-/// Blocks, with events processed, until one of the names passes the arrival test, and then for the
-/// settling time. Its name, or an empty string when the time-out has passed before.
+/// Blocks, with events processed, until one of the names has passed the arrival test and its size
+/// and times have then held still over the settling time: a copy may be made at its full size and
+/// filled later. Its name, or an empty string when the time-out has passed before.
+///
+/// A change of the folder, where the system tells of it, brings the next rounds forward. After a
+/// second the folder itself is read in each round, since a network mount may remember that a file
+/// was not there.
 [[nodiscard]] QString awaitFile(const ExpectedFile& expected, const WaitTimes& times,
                                 EventPump& pump);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/file_bytes.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include "base/plain_file.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -32,8 +32,7 @@ bool FileBytes::reserve(qint64 length) {
 FileBytes::Result FileBytes::read(const QString& fileName, const FilePart& part) {
     size_ = 0;
     QFile file(fileName);
-    // Opening anything but a plain file may block.
-    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    if (!openPlainFile(file, QIODevice::ReadOnly | QIODevice::Unbuffered))
         return Result::CannotOpen;
     const auto [offset, length] = presentPart(part, file.size());
     if (!reserve(length))

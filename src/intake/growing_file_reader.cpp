@@ -11,9 +11,9 @@ bool GrowingFileReader::readFirstVolume() {
     if (sliceBytes == 0)
         return false;
     for (int slice = 0; slice < nrOfSlices; ++slice) {
-        const auto image =
-            awaitSamples({.expected = {{path}, (slice + 1) * sliceBytes, true},
-                          .part = {.offset = slice * sliceBytes, .length = sliceBytes}});
+        const auto image = awaitSamples(
+            {.expected = {{path}, (slice + 1) * sliceBytes, true, /*keepsGrowing*/ true},
+             .part = {.offset = slice * sliceBytes, .length = sliceBytes}});
         if (!image ||
             !store(image->samples, targetSlice(Stage::FirstVolume, 0, nrOfSlices - 1 - slice)))
             return false;
@@ -29,11 +29,13 @@ bool GrowingFileReader::readVolume(int volume) {
     const qint64 start = measuredVolume(volume) * volumeBytes;
     if (sliceBytes == 0 || start < 0)
         return false;
-    const auto image =
-        awaitSamples({.expected = {{settings().documentFirstFileName}, start + sliceBytes, true},
-                      .part = {.offset = start, .length = volumeBytes},
-                      .settleMilliseconds = 5,
-                      .pollMilliseconds = 50});
+    const auto image = awaitSamples({.expected = {{settings().documentFirstFileName},
+                                                  start + sliceBytes,
+                                                  true,
+                                                  /*keepsGrowing*/ true},
+                                     .part = {.offset = start, .length = volumeBytes},
+                                     .settleMilliseconds = 5,
+                                     .pollMilliseconds = 50});
     if (!image || !store(image->samples, analysedVolume(volume)))
         return false;
     reverseParts(analysedVolume(volume), project().NrOfSlices);

@@ -3,6 +3,7 @@
 
 #include "intake/dicom_names.h"
 #include "intake/siemens_protocol.h"
+#include "intake/siemens_slice_times.h"
 #include "intake/slice_geometry.h"
 #include "intake/tiled_image.h"
 
@@ -72,6 +73,7 @@ bool SiemensMosaicReader::readHeaders() {
     if (!readHeader(path) || !headerFitsSettings())
         return false;
     takeSizes(path);
+    project().sliceTimes = siemensSliceTimes(bytes(), project().NrOfSlices);
     FMRPositionInfo& position = project().position;
     // A header without directions leaves them as they are; the positions decide.
     static_cast<void>(parseImageOrientation(header.imageOrientationText, position));

@@ -2,11 +2,14 @@
 #include "intake/siemens_protocol.h"
 
 #include "base/messages.h"
+#include "base/text_reading.h"
 #include "intake/file_bytes.h"
 #include "intake/header_numbers.h"
 
+#include <QByteArray>
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -42,18 +45,24 @@ public:
         if (holds(line, "sSliceArray.asSlice[0].sPosition"))
             positionsMet_ = true;
         takeTimes(line);
-        if (!positionsMet_)
-            return true;
-        if (holds(line, "asSlice"))
+        if (positionsMet_ && holds(line, "asSlice"))
             takePosition(line);
-        if (!holds(line, "sSliceArray.ucMode"))
-            return true;
-        takeSliceOrder(valueOf(line));
-        return !repetitionTimeMet_;
+        const bool order = holds(line, "sSliceArray.ucMode");
+        if (order)
+            takeSliceOrder(valueOf(line));
+        orderMet_ |= order;
+        // With the order before the slices, the end of the block is the end of these.
+        const bool last = order || (orderMet_ && holds(line, "### ASCCONV END"));
+        return !(last && positionsMet_ && repetitionTimeMet_);
     }
 
     /// True when slice positions were found.
     bool finish() {
+        if (refusedTime_ && !repetitionTimeMet_)
+            showWarningAside(QString("WARNING: The scanner's protocol states a TR of \"%1\" "
+                                     "microseconds; the TR of the settings file, %2 ms, stays.")
+                                 .arg(shortened(QString::fromLatin1(*refusedTime_)))
+                                 .arg(double(project_.TR)));
         const bool interleaved = project_.SliceAcquisitionOrder == 3;
         if (project_.SliceAcquisitionOrderVerified && interleaved && project_.NrOfSlices % 2 == 0)
             project_.SliceAcquisitionOrder = 5;
@@ -63,14 +72,24 @@ public:
 private:
     void takeTimes(std::string_view line) {
         if (holds(line, "alTR[0]")) {
-            project_.TR = wholeMilliseconds(valueOf(line));
-            project_.InterSliceTime =
-                project_.NrOfSlices > 0 ? std::floor(project_.TR / float(project_.NrOfSlices)) : 0;
-            project_.TimeResolutionVerified = true;
-            repetitionTimeMet_ = true;
+            takeRepetitionTime(valueOf(line));
         } else if (!positionsMet_ && holds(line, "alTE[0]")) {
             project_.TE = wholeMilliseconds(valueOf(line));
         }
+    }
+
+    void takeRepetitionTime(std::string_view value) {
+        constexpr float longest = 100000.0f;
+        const float time = wholeMilliseconds(value);
+        if (!(time >= 1.0f && time <= longest)) {
+            refusedTime_ = QByteArray(value.data(), qsizetype(value.size())).trimmed();
+            return;
+        }
+        project_.TR = time;
+        project_.InterSliceTime =
+            project_.NrOfSlices > 0 ? std::floor(time / float(project_.NrOfSlices)) : 0;
+        project_.TimeResolutionVerified = true;
+        repetitionTimeMet_ = true;
     }
 
     void takePosition(std::string_view line) {
@@ -90,7 +109,10 @@ private:
     void takeSliceOrder(std::string_view value) {
         // Newer software writes a tab where older software writes a blank.
         value.remove_prefix(std::min(value.find_first_not_of(" \t"), value.size()));
-        constexpr std::array<std::string_view, 3> modes{"0x1", "0x2", "0x4"};
+        value = value.substr(0, value.find_last_not_of(" \t") + 1);
+        if (value.starts_with("0x"))
+            value.remove_prefix(2);
+        constexpr std::array<std::string_view, 3> modes{"1", "2", "4"};
         const auto mode = std::ranges::find(modes, value);
         project_.SliceAcquisitionOrderVerified = mode != modes.end();
         if (mode != modes.end())
@@ -100,6 +122,8 @@ private:
     FMRProject& project_;
     bool positionsMet_ = false;
     bool repetitionTimeMet_ = false;
+    bool orderMet_ = false;
+    std::optional<QByteArray> refusedTime_;
     std::array<bool, 3> axisMet_{};
 };
 

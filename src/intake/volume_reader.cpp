@@ -3,6 +3,7 @@
 
 #include "intake/analyze_reader.h"
 #include "intake/dicom_slice_reader.h"
+#include "intake/empty_slice_guard.h"
 #include "intake/ge_hdxt_dicom_reader.h"
 #include "intake/ge_i_reader.h"
 #include "intake/ge_stanford_reader.h"
@@ -13,7 +14,9 @@
 #include "intake/siemens_mosaic_reader.h"
 #include "intake/siemens_pixel_data_reader.h"
 
-std::unique_ptr<VolumeReader> makeVolumeReader(const IntakeContext& context) {
+namespace {
+
+std::unique_ptr<VolumeReader> makeTypedReader(const IntakeContext& context) {
     const QString& type = context.settings.documentDataType;
     if (type == "SIEMENS_DICOM_MOSAIC")
         return std::make_unique<SiemensMosaicReader>(context);
@@ -39,4 +42,13 @@ std::unique_ptr<VolumeReader> makeVolumeReader(const IntakeContext& context) {
     if (type == "PHILIPS_ANALYZE_DRIN" || type == "ANALYZE_NW")
         return std::make_unique<AnalyzeReader>(context);
     return nullptr;
+}
+
+} // namespace
+
+std::unique_ptr<VolumeReader> makeVolumeReader(const IntakeContext& context) {
+    std::unique_ptr<VolumeReader> reader = makeTypedReader(context);
+    if (!reader)
+        return nullptr;
+    return std::make_unique<EmptySliceGuard>(context, std::move(reader));
 }

@@ -24,5 +24,6 @@ public:
     [[nodiscard]] virtual bool readHeaders() { return true; }
 };
 
-/// The reader of settings.documentDataType, or nullptr for a type that has none.
+/// The reader of settings.documentDataType, or nullptr for a type that has none. It waits for
+/// slices that are still empty (empty_slice_guard.h).
 [[nodiscard]] std::unique_ptr<VolumeReader> makeVolumeReader(const IntakeContext& context);

@@ -4,8 +4,8 @@
 #include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 
-#include <QFile>
 #include <QtEndian>
 
 QString firstVolumeFileName(const FMRProject& project) {
@@ -28,7 +28,7 @@ bool readFirstVolume(FMRProject& project) {
     const QString name = firstVolumeFileName(project);
     const size_t samples = project.volumeSamples();
     QFile file(name);
-    if (!file.open(QIODevice::ReadOnly) || file.size() < qint64(samples * sizeof(int16_t)) ||
+    if (!openPlainFile(file) || file.size() < qint64(samples * sizeof(int16_t)) ||
         !project.firstVolume.allocate(samples)) {
         showCritical(QString("ERROR: Can not find / open file: %1 !").arg(name));
         return false;

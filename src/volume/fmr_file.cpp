@@ -2,6 +2,7 @@
 #include "volume/fmr_file.h"
 
 #include "base/messages.h"
+#include "base/paths.h"
 #include "base/text_reading.h"
 
 namespace {
@@ -255,6 +256,13 @@ bool readFMRFile(const QString& fileName, FMRScope scope, FMRHeader& header) {
     FMRHeader found;
     switch (parseFMR(text, scope, found)) {
     case FMRParseResult::Ok:
+        if (namesFolder(found.Prefix)) {
+            const QString name = paths::fileName(paths::withForwardSlashes(found.Prefix));
+            showWarning(QString("WARNING: The prefix \"%1\" in \"%2\" names a folder. The data "
+                                "are looked for beside the header, under \"%3\".")
+                            .arg(shortened(found.Prefix), fileName, shortened(name)));
+            found.Prefix = name;
+        }
         header = found;
         return true;
     case FMRParseResult::UnexpectedTokens:
@@ -281,6 +289,15 @@ bool readFMRHeader(const QString& fileName, FMRHeader& header) {
     return readFMRFile(fileName, FMRScope::Inspection, header);
 }
 
+bool namesFolder(const QString& prefix) {
+    return paths::withForwardSlashes(prefix).contains('/');
+}
+
 QString prefixOfFiles(const QString& prefix) {
-    return prefix.endsWith('-') ? prefix.chopped(1) : prefix;
+    QString name = paths::fileName(paths::withForwardSlashes(prefix));
+    // Nothing in a header can escape a quote, and no file name can hold a zero.
+    name.replace('"', '\'').remove(QChar(0));
+    while (name.endsWith('-'))
+        name.chop(1);
+    return emptyIfNone(name);
 }

@@ -24,7 +24,8 @@ inline constexpr int maximumFMRVolumes = 1000000;
 [[nodiscard]] FMRParseResult parseFMR(const QString& text, FMRScope scope, FMRHeader& header);
 
 /// Reads a file for inspection and leaves the current project alone. False after a message;
-/// `header` is then unchanged. A protocol is linked if header.ProtocolFiles is not empty.
+/// `header` is then unchanged. A protocol is linked if header.ProtocolFiles is not empty. A prefix
+/// that names a folder is cut down to its file name, with a message.
 [[nodiscard]] bool readFMRHeader(const QString& fileName, FMRHeader& header);
 /// The same for either scope.
 [[nodiscard]] bool readFMRFile(const QString& fileName, FMRScope scope, FMRHeader& header);
@@ -34,10 +35,15 @@ inline constexpr int maximumFMRVolumes = 1000000;
 [[nodiscard]] QByteArray fmrText(const FMRHeader& header, int nrOfVolumes);
 
 /// Writes the header. "NrOfVolumes:" becomes the smaller of `nrOfVolumesWritten` and the analysed
-/// volumes. A trailing "-" of the prefix and a slice gap below 1e-06 mm are dropped, in the project
-/// too. False after a message, with an old file untouched.
+/// volumes. What prefixOfFiles() drops and a slice gap below 1e-06 mm are dropped, in the project
+/// too, with a message where the prefix names a folder. False after a message, with an old file
+/// untouched.
 [[nodiscard]] bool writeFMRHeader(FMRProject& project, const QString& fileName,
                                   int nrOfVolumesWritten);
 
-/// The prefix without one trailing "-", as it stands in file names.
+/// The prefix as it stands in the header and in the name of the data file: without any "-" at its
+/// end and without a folder, since the data lie beside the header; with "'" for a double quote;
+/// empty for "<none>". What has been through this once stays as it is.
 [[nodiscard]] QString prefixOfFiles(const QString& prefix);
+/// True when the prefix names a folder; "\" counts as "/".
+[[nodiscard]] bool namesFolder(const QString& prefix);

@@ -4,6 +4,7 @@
 #include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/text_reading.h"
 
 #include <charconv>
 #include <cmath>
@@ -124,6 +125,10 @@ QByteArray fmrText(const FMRHeader& header, int nrOfVolumes) {
 }
 
 bool writeFMRHeader(FMRProject& project, const QString& fileName, int nrOfVolumesWritten) {
+    if (namesFolder(project.Prefix))
+        showWarning(QString("WARNING: The prefix \"%1\" names a folder. The data of the run are "
+                            "saved beside its header, as \"%2.stc\".")
+                        .arg(shortened(project.Prefix), prefixOfFiles(project.Prefix)));
     project.Prefix = prefixOfFiles(project.Prefix);
     project.sliceGap = gapAsWritten(project);
     const int nrOfVolumes = std::max(std::min(nrOfVolumesWritten, project.NrOfVolumes), 0);

@@ -40,6 +40,9 @@ struct FMRHeader : VolumeGeometry {
     float TE = 0.0f; ///< milliseconds
     int SliceAcquisitionOrder = 0;
     bool SliceAcquisitionOrderVerified = false;
+    /// When each slice was measured, in milliseconds from the start of the volume, as the scanner's
+    /// headers tell; empty where they don't. Several slices may share a time. No file keeps it.
+    std::vector<float> sliceTimes;
     QString LoadAMRFile;
     int ShowAMRFile = 0;
     int LayoutNColumns = 5;

@@ -79,7 +79,7 @@ bool FrequencySmoothing::prepare(const VolumeGeometry& geometry, const VoxelWidt
 void FrequencySmoothing::smooth(std::span<int16_t> samples) {
     constexpr float largestSample = 32767.0f;
     float* const data = plans_->samples.get();
-    std::copy(samples.begin(), samples.end(), data);
+    std::ranges::transform(samples, data, [](int16_t sample) { return float(uint16_t(sample)); });
     fftwf_execute(plans_->forward.get());
     float* value = data;
     for (const float factorZ : plans_->factorsZ)

@@ -19,8 +19,8 @@ public:
     /// left as it is; without a width along Z the transforms are those of single slices. Widths are
     /// finite. False after a message when memory runs out.
     [[nodiscard]] bool prepare(const VolumeGeometry& geometry, const VoxelWidths& widths);
-    /// Smooths the samples of one volume in place; results are limited to 0 to 32767 and rounded
-    /// half up. prepare() has succeeded.
+    /// Smooths the samples of one volume, read as unsigned, in place; results are limited to 0 to
+    /// 32767 and rounded half up. prepare() has succeeded.
     void smooth(std::span<int16_t> samples);
 
 private:

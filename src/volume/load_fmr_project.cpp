@@ -3,15 +3,15 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "volume/fmr_file.h"
 #include "volume/stc_file.h"
-
-#include <QFile>
 
 namespace {
 
 bool canBeOpened(const QString& path) {
-    return QFile(path).open(QIODevice::ReadOnly);
+    QFile file(path);
+    return openPlainFile(file);
 }
 
 /// A project that was moved names its anatomical file at the old place: the current folder and the
@@ -38,8 +38,9 @@ bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadD
     FMRHeader header;
     if (!readFMRFile(fileName, FMRScope::Project, header))
         return false;
-    // Slice files of old versions may bear the "-" in their names, so stc_file.h tries both.
-    header.Prefix = prefixOfFiles(header.Prefix);
+    // Data files may bear the "-" in their names all the same, so stc_file.h tries both.
+    if (header.Prefix.endsWith('-'))
+        header.Prefix.chop(1);
     static_cast<FMRHeader&>(project) = header;
     project.projectPath = fileName;
     project.targetFolder = paths::folderWithSlash(fileName);

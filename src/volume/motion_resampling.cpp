@@ -61,6 +61,7 @@ VELO_WIDE_CLONES int locate(const Line& x, const Line& y, const Line& z, const f
     return inside;
 }
 
+// Two samples side by side, which are unsigned.
 int32_t pairAt(const int16_t* samples) {
     int32_t pair;
     static_assert(sizeof(pair) == 2 * sizeof(*samples));
@@ -69,11 +70,11 @@ int32_t pairAt(const int16_t* samples) {
 }
 
 float lowHalf(int32_t pair) {
-    return float(int32_t(int16_t(pair)));
+    return float(pair & 0xFFFF);
 }
 
 float highHalf(int32_t pair) {
-    return float(pair >> 16);
+    return float(int32_t(uint32_t(pair) >> 16));
 }
 
 float first(int32_t pair) {
@@ -88,11 +89,11 @@ float between(float a, float b, float fraction) {
     return a + fraction * (b - a);
 }
 
-/// Halves upwards. Adding 0.5 first would round what is just below a half up as well.
+/// Halves upwards, of what is not negative. Adding 0.5 first would round what is just below a half
+/// up as well.
 int16_t roundedUpwards(float value) {
     const int32_t whole = int32_t(value);
-    const float rest = value - float(whole);
-    return int16_t(whole + int32_t(rest >= 0.5f) - int32_t(rest < -0.5f));
+    return int16_t(uint16_t(whole + int32_t(value - float(whole) >= 0.5f)));
 }
 
 void gatherPairs(const int16_t* source, size_t rowSize, size_t sliceSize, size_t count,

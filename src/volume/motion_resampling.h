@@ -45,9 +45,9 @@ struct VolumeGrid {
 /// Looks up where the voxels of a transformed volume come from.
 ///
 /// With the voxel and its neighbour on each axis inside, the value is interpolated between eight
-/// samples in float, along x, then y, then slices, and rounded to the nearest whole number, halves
-/// upwards. Else the nearest voxel is taken: coordinates plus 0.5, truncated towards 0. Outside the
-/// volume the value is 0.
+/// samples, read as unsigned, in float, along x, then y, then slices, and rounded to the nearest
+/// whole number, halves upwards. Else the nearest voxel is taken: coordinates plus 0.5, truncated
+/// towards 0. Outside the volume the value is 0.
 class VolumeSampler {
 public:
     /// `source` holds grid.samples() samples and outlives the sampler.

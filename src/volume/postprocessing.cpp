@@ -24,7 +24,7 @@ std::vector<Step> checkedSteps(FMRProject& project, int volumes,
     const TemporalOptions& temporal = options.temporal;
     std::vector<Step> steps;
     if (options.sliceScanTime.checked)
-        steps.push_back({[&] { return sliceTimesAreValid(project); },
+        steps.push_back({[&] { return sliceTimesAreValid(project, options.sliceScanTime); },
                          [&, volumes](const StepProgress& progress) {
                              return correctSliceScanTime(project, volumes, options.sliceScanTime,
                                                          progress);

@@ -10,6 +10,8 @@ QString sliceScanTimeMark(const SliceScanTimeOptions& options) {
     QString mark = options.sincInterpolation          ? "_SCS"
                    : options.cubicSplineInterpolation ? "_SCC"
                                                       : "_SCL";
+    if (options.measuredTimes)
+        return mark + 'M';
     if (options.ascendingSliceOrder)
         mark += 'A';
     else if (options.descendingSliceOrder)

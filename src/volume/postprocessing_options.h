@@ -16,6 +16,9 @@ struct SliceScanTimeOptions {
     bool interleaved2SliceOrder = false; ///< every other slice from the second one
     bool sincInterpolation = false;
     bool cubicSplineInterpolation = true;
+    /// The header's own time of each slice counts (FMRHeader::sliceTimes), not direction and
+    /// pattern.
+    bool measuredTimes = false;
 };
 
 /// Gaussian smoothing of all volumes.

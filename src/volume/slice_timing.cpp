@@ -5,6 +5,7 @@
 #include "volume/course_splines.h"
 #include "volume/time_courses.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <numeric>
@@ -94,6 +95,18 @@ void shiftLinearlyOrBySinc(bool sinc, double delay, size_t volumes, const double
     }
 }
 
+bool measuredTimesAreValid(const FMRHeader& header) {
+    if (header.sliceTimes.size() != size_t(std::max(header.NrOfSlices, 0))) {
+        showWarning("ERROR: The headers of the run gave no time for each slice!");
+        return false;
+    }
+    const bool inside = std::ranges::all_of(
+        header.sliceTimes, [&](float time) { return time >= 0.0f && time < header.TR; });
+    if (!inside)
+        showWarning("ERROR: The times of the slices do not lie within the TR!");
+    return inside;
+}
+
 } // namespace
 
 int timePositionOfSlice(int slice, int nrOfSlices, const SliceScanTimeOptions& options,
@@ -108,7 +121,9 @@ int timePositionOfSlice(int slice, int nrOfSlices, const SliceScanTimeOptions& o
     return lastPosition;
 }
 
-bool sliceTimesAreValid(const FMRHeader& header) {
+bool sliceTimesAreValid(const FMRHeader& header, const SliceScanTimeOptions& options) {
+    if (options.measuredTimes)
+        return measuredTimesAreValid(header);
     if (float(header.NrOfSlices) * header.InterSliceTime > header.TR) {
         showWarning("ERROR: NrOfSlices * InterSliceTime > TR !");
         return false;
@@ -122,7 +137,7 @@ bool sliceTimesAreValid(const FMRHeader& header) {
 
 bool correctSliceScanTime(FMRProject& project, int nrOfVolumes, const SliceScanTimeOptions& options,
                           const StepProgress& progress) {
-    if (!sliceTimesAreValid(project))
+    if (!sliceTimesAreValid(project, options))
         return false;
     const size_t volumes = size_t(nrOfCompleteVolumes(project, nrOfVolumes));
     CourseSplines splines(volumes);
@@ -132,7 +147,9 @@ bool correctSliceScanTime(FMRProject& project, int nrOfVolumes, const SliceScanT
         if (slice != currentSlice)
             position = timePositionOfSlice(slice, project.NrOfSlices, options, position);
         currentSlice = slice;
-        const double delay = position * double(project.InterSliceTime) / double(project.TR);
+        const double time = options.measuredTimes ? double(project.sliceTimes[size_t(slice)])
+                                                  : position * double(project.InterSliceTime);
+        const double delay = time / double(project.TR);
         std::copy_n(samples.begin(), timeCourseBlock, filtered.begin());
         if (options.cubicSplineInterpolation && !options.sincInterpolation)
             splines.shift(delay, samples.data(), filtered.data());

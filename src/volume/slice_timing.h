@@ -12,7 +12,10 @@
                                       const SliceScanTimeOptions& options, int lastPosition);
 
 /// False after a message when the slices of a volume take longer than TR, or the times are none.
-[[nodiscard]] bool sliceTimesAreValid(const FMRHeader& header);
+/// With options.measuredTimes the times of the header count, one for each slice: from 0 on and
+/// below TR.
+[[nodiscard]] bool sliceTimesAreValid(const FMRHeader& header,
+                                      const SliceScanTimeOptions& options = {});
 
 /// Moves the time course of every voxel back by its slice's delay within the volume, over the first
 /// volumes of the run. Volume 0 stays as it is, so a single volume does altogether. Samples are

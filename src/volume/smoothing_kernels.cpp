@@ -91,5 +91,5 @@ void smoothAlongRow(std::span<const float> taps, std::span<const float> row, flo
 
 void convertSamples(const int16_t* samples, size_t count, float* result) {
     for (size_t i = 0; i < count; ++i)
-        result[i] = float(samples[i]);
+        result[i] = float(uint16_t(samples[i]));
 }

@@ -18,4 +18,5 @@ void smoothRows(std::span<const float> taps, const float* const* rows, size_t co
 /// overlap the row. The number of taps is odd.
 void smoothAlongRow(std::span<const float> taps, std::span<const float> row, float* result);
 
+/// Reads samples as unsigned.
 void convertSamples(const int16_t* samples, size_t count, float* result);

@@ -3,6 +3,7 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "base/program_end.h"
 #include "volume/fmr_file.h"
 
@@ -37,8 +38,15 @@ qint64 sliceBytes(const FMRHeader& header) {
 QString sliceFileName(const FMRHeader& header, const QString& folder, int slice) {
     const QString number = QString::number(slice + 1) + ".stc";
     const QString plain = paths::join(folder, header.Prefix + number);
-    const QString dashed = paths::join(folder, prefixOfFiles(header.Prefix) + "-" + number);
+    const QString dashed = paths::join(folder, header.Prefix + "-" + number);
     return !QFileInfo::exists(plain) && QFileInfo::exists(dashed) ? dashed : plain;
+}
+
+/// The data file to read.
+QString dataFileName(const FMRHeader& header, const QString& folder) {
+    const QString plain = paths::join(folder, header.Prefix + ".stc");
+    return QFileInfo::exists(plain) ? plain
+                                    : paths::join(folder, prefixOfFiles(header.Prefix) + ".stc");
 }
 
 bool readSamples(QIODevice& file, std::span<int16_t> samples) {
@@ -103,7 +111,7 @@ bool writeSlices(const FMRProject& project, int nrOfVolumes, QIODevice& file,
 
 bool checkSliceFile(const FMRProject& project, const QString& fileName) {
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!openPlainFile(file))
         return fail(notOpened(fileName));
     std::array<int16_t, 2> sizes{};
     if (!readSamples(file, sizes))
@@ -129,7 +137,10 @@ bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten, ProgressRep
                   EventPump* pump, int from, int to) {
     const int nrOfVolumes = std::max(std::min(nrOfVolumesWritten, project.NrOfVolumes), 0);
     QSaveFile file(stcFileName(project));
-    if (file.open(QIODevice::WriteOnly) &&
+    // A pipe or a device must be neither opened nor replaced.
+    const QFileInfo existing(file.fileName());
+    const bool free = !existing.exists() || existing.isFile();
+    if (free && file.open(QIODevice::WriteOnly) &&
         writeSlices(project, nrOfVolumes, file, progress, pump, from, to) && file.commit())
         return true;
     if (!progress || !progress->cancelled())
@@ -144,13 +155,14 @@ bool checkSTCFiles(const FMRProject& project) {
                 return false;
         return true;
     }
-    QFile file(stcFileName(project));
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(notOpened(file.fileName()));
+    const QString name = dataFileName(project, project.targetFolder);
+    QFile file(name);
+    if (!openPlainFile(file))
+        return fail(notOpened(name));
     // Divided, because the product of hostile sizes may pass 64 bits.
     const qint64 volumeBytes = sliceBytes(project) * project.NrOfSlices;
     const bool holdsAll = volumeBytes > 0 && file.size() / volumeBytes >= project.NrOfVolumes;
-    return holdsAll || failShort(file.fileName());
+    return holdsAll || failShort(name);
 }
 
 bool readSTCData(FMRProject& project) {
@@ -162,13 +174,14 @@ bool readSTCData(FMRProject& project) {
                 return false;
         return true;
     }
-    QFile file(stcFileName(project));
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(notOpened(file.fileName()));
+    const QString name = dataFileName(project, project.targetFolder);
+    QFile file(name);
+    if (!openPlainFile(file))
+        return fail(notOpened(name));
     for (int slice = 0; slice < project.NrOfSlices; ++slice)
         for (int volume = 0; volume < project.NrOfVolumes; ++volume)
             if (!readSamples(file, sliceOf(project, volume, slice)))
-                return failShort(file.fileName());
+                return failShort(name);
     return true;
 }
 
@@ -177,7 +190,7 @@ bool readSliceSTC(FMRProject& project, int slice, const QString& fileName) {
         !checkSliceFile(project, fileName))
         return false;
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly) || !file.seek(sliceFileHeaderBytes))
+    if (!openPlainFile(file) || !file.seek(sliceFileHeaderBytes))
         return fail(notOpened(fileName));
     for (int volume = 0; volume < project.NrOfVolumes; ++volume)
         if (!readSamples(file, sliceOf(project, volume, slice)))
@@ -190,11 +203,13 @@ bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header, Volu
         return false;
     const QString folder = paths::folderWithSlash(targetFMR);
     const bool perSlice = header.DataStorageFormat == 1;
-    const QString common = paths::join(folder, prefixOfFiles(header.Prefix) + ".stc");
+    if (header.Prefix.endsWith('-'))
+        header.Prefix.chop(1);
+    const QString common = dataFileName(header, folder);
     const auto nameOf = [&](int slice) {
         return perSlice ? sliceFileName(header, folder, slice) : common;
     };
-    if (!QFileInfo::exists(nameOf(0)))
+    if (!QFileInfo(nameOf(0)).isFile())
         return fail(QString("ERROR: Can not find / open stc file: %1 !").arg(nameOf(0)));
     const qint64 series = sliceBytes(header) * header.NrOfVolumes;
     const qint64 available = QFileInfo(nameOf(0)).size();
@@ -206,7 +221,7 @@ bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header, Volu
         return fail("FATAL ERROR: Can not get enough memory to continue !");
     for (int slice = 0; slice < header.NrOfSlices; ++slice) {
         QFile file(nameOf(slice));
-        if (!file.open(QIODevice::ReadOnly))
+        if (!openPlainFile(file))
             return fail(QString("ERROR: Can not find / open stc file: %1 !").arg(nameOf(slice)));
         const qint64 start = perSlice ? sliceFileHeaderBytes : series * slice;
         if (!file.seek(start + sliceBytes(header) * volume) ||

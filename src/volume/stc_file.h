@@ -10,7 +10,9 @@
 // ((s * NrOfVolumes + v) * ResolutionY + y) * ResolutionX + x. Format 1, which is only read, is one
 // file per slice, named with the slice's number from 1: two 16-bit sizes, then the volumes.
 
-/// Path of the format 2 file: target folder, prefix less a trailing "-", ".stc".
+/// Path of the format 2 file that is written: target folder, prefixOfFiles(), ".stc". Other
+/// writers drop one "-" at the end of the prefix: where there is a file of such a name, that one is
+/// read.
 [[nodiscard]] QString stcFileName(const FMRProject& project);
 
 /// Writes the first volumes of the run, as many as the smaller of `nrOfVolumesWritten` and the
@@ -18,13 +20,14 @@
 /// when it is whole. Progress, if a reporter is given, goes from `from` to `to` slice by slice, and
 /// events, if a pump is given, are processed after each slice: the caller sees to it that the
 /// project stays alive. False, with an old file untouched: after a message when the folder can't be
-/// written or the disk is full, without one when the reporter is cancelled.
+/// written, the disk is full or the name is that of no plain file, without one when the reporter is
+/// cancelled.
 [[nodiscard]] bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten,
                                 ProgressReporter* progress, EventPump* pump, int from, int to);
 
-/// Holds the sizes of the project against its data files. A missing or short file, or slice files
-/// of another matrix, give a message, the end of the program with status 1, and false. Bytes behind
-/// the data are not looked at.
+/// Holds the sizes of the project against its data files. A missing or short file, something else
+/// than a plain file (which is not opened), or slice files of another matrix give a message, the
+/// end of the program with status 1, and false. Bytes behind the data are not looked at.
 [[nodiscard]] bool checkSTCFiles(const FMRProject& project);
 
 /// Checks, then reads the data files of either format into the allocated volumes of the project.

@@ -13,17 +13,12 @@ struct Block {
     size_t count;
 };
 
-double valueOf(int16_t sample, SampleRange range) {
-    return range == SampleRange::Unsigned ? double(uint16_t(sample)) : double(sample);
-}
-
-void readBlock(const FMRProject& project, const Block& block, SampleRange range,
-               std::span<double> samples) {
+void readBlock(const FMRProject& project, const Block& block, std::span<double> samples) {
     for (size_t row = 0; row < samples.size() / timeCourseBlock; ++row) {
         const int16_t* const source = project.volumes[row].data() + block.first;
         double* const target = samples.data() + row * timeCourseBlock;
         for (size_t i = 0; i < block.count; ++i)
-            target[i] = valueOf(source[i], range);
+            target[i] = double(uint16_t(source[i]));
         std::fill(target + block.count, target + timeCourseBlock, 0.0);
     }
 }
@@ -76,7 +71,7 @@ bool filterTimeCourses(FMRProject& project, int nrOfVolumes, SampleRange range,
         for (size_t pixel = 0; pixel < sliceSamples; pixel += timeCourseBlock) {
             const Block block{size_t(slice) * sliceSamples + pixel,
                               std::min(timeCourseBlock, sliceSamples - pixel)};
-            readBlock(project, block, range, samples.span());
+            readBlock(project, block, samples.span());
             filter(slice, samples.span(), filtered.span());
             writeBlock(project, block, range, findFlatCourses(samples.span()), filtered.span());
             // A slice of a long run may take seconds.

@@ -11,7 +11,8 @@
 /// their whole time courses to stay in the cache.
 inline constexpr size_t timeCourseBlock = 128;
 
-/// How samples are read, and the largest one that is written.
+/// The largest sample that is written: that of signed samples, as statistics read them, or that of
+/// unsigned ones, as scanners write them. All are read as unsigned.
 enum class SampleRange : int {
     Signed = 32767,
     Unsigned = 65535,

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/file_writing.h"
 #include "base/memory.h"
+#include "base/plain_file.h"
 #include "base/text_reading.h"
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -29,6 +33,21 @@ TEST(TextFile, AnythingButARegularFileIsNeitherReadNorReplaced) {
         EXPECT_FALSE(readTextFile(path, text)) << path.toStdString();
         EXPECT_FALSE(writeFileAtomically(path, "x")) << path.toStdString();
     }
+}
+
+// To open a device or a pipe can do something at its other end.
+TEST(PlainFile, APipeIsNotEvenOpened) {
+    const QTemporaryDir folder;
+    const QByteArray pipe = folder.filePath("pipe").toLocal8Bit();
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    const int queue = inotify_init1(IN_NONBLOCK);
+    const auto closed = qScopeGuard([queue] { close(queue); });
+    ASSERT_GE(inotify_add_watch(queue, pipe.constData(), IN_OPEN), 0);
+    EXPECT_FALSE(fileStamp(pipe));
+    QFile file(pipe);
+    EXPECT_FALSE(openPlainFile(file));
+    std::array<char, 4096> events;
+    EXPECT_LT(read(queue, events.data(), events.size()), 0);
 }
 
 TEST(TextFile, ALinkStaysAndItsTargetIsWritten) {

@@ -4,8 +4,10 @@
 #include "dicom_bytes.h"
 #include "support/simulated_pump.h"
 
+#include <QDateTime>
 #include <QScopeGuard>
 #include <QTemporaryDir>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -32,6 +34,102 @@ TEST(AwaitFile, TakesAWholeFileAndLooksAtTheTimeOutBehindEachRound) {
         EXPECT_EQ(found, met ? path : QString());
         EXPECT_EQ(pump.milliseconds(), end);
     }
+}
+
+// Written in place at one size, and stamped so that no two writes fall into one tick of the clock.
+void overwrite(const QString& path, const QByteArray& bytes, int second) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    ASSERT_TRUE(file.flush() && file.setFileTime(QDateTime::fromSecsSinceEpoch(second),
+                                                 QFileDevice::FileModificationTime));
+}
+
+// The first look is at 0 milliseconds, the settling time 30.
+TEST(AwaitFile, SizeAndTimesHoldStillOverTheSettlingTime) {
+    for (const auto& [lastWrite, keepsGrowing, end] : {std::tuple{0, false, 30},
+                                                       {25, false, 60},
+                                                       {85, false, 120},
+                                                       {2000, false, 1020},
+                                                       {85, true, 30}}) {
+        const QTemporaryDir folder;
+        SimulatedPump pump;
+        const QString path = folder.filePath("image");
+        overwrite(path, "0000", 1);
+        for (int time = 25; time <= lastWrite; time += 30)
+            pump.after(time, [&path, time] { overwrite(path, "full", time); });
+        const QString found =
+            awaitFile({{path}, 4, true, keepsGrowing},
+                      {.timeOutMilliseconds = 1000, .settleMilliseconds = 30}, pump);
+        EXPECT_EQ(found, lastWrite < 1000 ? path : QString());
+        EXPECT_EQ(pump.milliseconds(), end) << lastWrite;
+    }
+    // A file that has shrunk is not there any more.
+    const QTemporaryDir folder;
+    SimulatedPump pump;
+    overwrite(folder.filePath("a"), "whole", 1);
+    overwrite(folder.filePath("b"), "whole", 1);
+    pump.after(5, [&] { overwrite(folder.filePath("a"), "cut", 2); });
+    EXPECT_EQ(awaitFile({{folder.filePath("a"), folder.filePath("b")}, 5, true}, {}, pump),
+              folder.filePath("b"));
+}
+
+// Rounds stand at 0 and 100 milliseconds, settling at 30; half of the file comes at 42.
+TEST(AwaitFile, AChangeOfTheFolderBringsTheNextRoundsForward) {
+    for (const auto& [told, whole, end] :
+         {std::tuple{true, 42, 72}, {true, 55, 92}, {true, 139, 172}, {false, 55, 130}}) {
+        const QTemporaryDir folder;
+        SimulatedPump pump;
+        const QString path = folder.filePath("image");
+        pump.after(42, [&pump, &path, told = told] {
+            writeFile(path, "half");
+            if (told)
+                pump.changeFolders();
+        });
+        pump.after(whole, [&path] { writeFile(path, "half and half"); });
+        EXPECT_EQ(awaitFile({{path}, 13, true},
+                            {.timeOutMilliseconds = 1000, .settleMilliseconds = 30}, pump),
+                  path);
+        EXPECT_EQ(pump.milliseconds(), end) << told << whole;
+        EXPECT_EQ(pump.watchedFolders(), QStringList{folder.path() + '/'});
+    }
+}
+
+TEST(AwaitFile, AFolderThatChangesAllTheTimeMakesNoBusyLoop) {
+    SimulatedPump pump;
+    for (int time = 1; time < 1200; ++time)
+        pump.after(time, [&pump] { pump.changeFolders(); });
+    EXPECT_EQ(awaitFile({{"/none/image"}, 1, true}, {.timeOutMilliseconds = 1000}, pump), "");
+    EXPECT_GT(pump.nrOfWaits(), 90);
+    EXPECT_LE(pump.nrOfWaits(), 112);
+}
+
+// The system tells who reads a folder. Rounds stand at 0, 100, 200, ... milliseconds.
+TEST(AwaitFile, TheFolderIsReadInEachRoundFromASecondOn) {
+    const QTemporaryDir folder;
+    const int queue = inotify_init1(IN_NONBLOCK);
+    const auto closed = qScopeGuard([queue] { close(queue); });
+    ASSERT_GE(inotify_add_watch(queue, folder.path().toLocal8Bit().constData(), IN_ACCESS), 0);
+    SimulatedPump pump;
+    std::vector<bool> readings;
+    for (int time = 950; time < 1400; time += 100)
+        pump.after(time, [&] {
+            std::array<char, 4096> events;
+            readings.push_back(read(queue, events.data(), events.size()) > 0);
+        });
+    const QString path = folder.filePath("image");
+    pump.after(1310, [&path] { writeFile(path, "image"); });
+    EXPECT_EQ(awaitFile({{path}, 5, true}, {.timeOutMilliseconds = 5000}, pump), path);
+    EXPECT_EQ(readings, (std::vector<bool>{false, false, true, true, true}));
+}
+
+TEST(AwaitFile, APipeOrADeviceIsNoFileAndHoldsNothingUp) {
+    const QTemporaryDir folder;
+    const QString pipe = folder.filePath("pipe");
+    ASSERT_EQ(mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+    ASSERT_TRUE(QFile::link(pipe, folder.filePath("link")));
+    for (const QString& path :
+         {pipe, folder.filePath("link"), folder.path(), QString("/dev/null"), QString()})
+        EXPECT_FALSE(waitForFile(path, 0, true)) << path.toStdString();
 }
 
 // The superuser may read everything, so the test goes on as another user.

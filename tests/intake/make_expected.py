@@ -35,8 +35,8 @@ def slice_centre(protocol, index):
 
 
 def order_code(text, slices):
-    # Only the hexadecimal form, in which the block states it behind the slices, is taken.
-    code = {"0x1": 1, "0x2": 2, "0x4": 3}.get(text, 0)
+    # Hexadecimal up to B17, decimal later.
+    code = {1: 1, 2: 2, 4: 3}.get(int(text, 0), 0)
     return 5 if code == 3 and slices % 2 == 0 else code
 
 

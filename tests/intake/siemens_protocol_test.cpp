@@ -32,17 +32,69 @@ TEST(SiemensProtocol, RoundsTimesAndKeepsFirstAndLastPosition) {
     EXPECT_EQ(project.position.sliceCenterLast, (Vector3{0, 0, 5}));
 }
 
-TEST(SiemensProtocol, SliceOrderStandsBehindPositions) {
+TEST(SiemensProtocol, SliceOrderIsHexadecimalBehindPositionsOrDecimalBeforeThem) {
     for (const auto& [value, nrOfSlices, code] : {std::tuple{" = 0x1\n", 3, 1},
                                                   {"\t = \t0x2\r\n", 3, 2},
                                                   {" = 0x4\n", 3, 3},
                                                   {" = 0x4\n", 4, 5},
-                                                  {" = 4\n", 3, 0}}) { // not verified
-        const FMRProject project = parsed(slices + "sSliceArray.ucMode" + value, true, nrOfSlices);
-        EXPECT_EQ(project.SliceAcquisitionOrder, code) << value;
-        EXPECT_EQ(project.SliceAcquisitionOrderVerified, code != 0) << value;
+                                                  {"\t = \t1\n", 3, 1},
+                                                  {"\t = \t2 \t\n", 3, 2},
+                                                  {"\t = \t4\n", 3, 3},
+                                                  {"\t = \t4\n", 4, 5},
+                                                  {"\t = \t8\n", 3, 0}, // not verified
+                                                  {" = 0x10\n", 3, 0},
+                                                  {" = \n", 3, 0}}) {
+        const QByteArray mode = QByteArray("sSliceArray.ucMode") + value;
+        for (const QByteArray& text : {slices + mode, mode + times + slices}) {
+            const FMRProject project = parsed(text, true, nrOfSlices);
+            EXPECT_EQ(project.SliceAcquisitionOrder, code) << value;
+            EXPECT_EQ(project.SliceAcquisitionOrderVerified, code != 0) << value;
+        }
     }
-    EXPECT_FALSE(parsed("sSliceArray.ucMode = 0x1\n" + slices).SliceAcquisitionOrderVerified);
+}
+
+// A second block, or what looks like one in the samples, counts for nothing.
+TEST(SiemensProtocol, ReadingEndsWithOrderOrBlock) {
+    const QByteArray mode = "sSliceArray.ucMode = 2\n";
+    const QByteArray other = "sSliceArray.asSlice[9].sPosition.dTra = 99\n";
+    for (const QByteArray& text :
+         {times + slices + mode + other, mode + times + slices + "### ASCCONV END ###\n" + other}) {
+        const FMRProject project = parsed(text);
+        EXPECT_EQ(project.position.sliceCenterLast[2], 5);
+        EXPECT_EQ(project.SliceAcquisitionOrder, 2);
+    }
+    // Without TR, order or slices it goes on.
+    const QByteArray end = "### ASCCONV END ###\n";
+    for (const QByteArray& text :
+         {slices + mode + other, mode + slices + end + other, times + slices + end + other})
+        EXPECT_EQ(parsed(text).position.sliceCenterLast[2], 99);
+    EXPECT_EQ(parsed(other + mode + times + end + slices).position.sliceCenterLast[2], 5);
+    EXPECT_EQ(parsed(other + slices).position.sliceCenterFirst[2], -3);
+}
+
+TEST(SiemensProtocol, ATRThatNoScannerHasLeavesThatOfTheSettings) {
+    for (const auto& [value, expected] : {std::pair{"0", 2000},
+                                          {"-1000000", 2000},
+                                          {"nan", 2000},
+                                          {"", 2000},
+                                          {"499", 2000},
+                                          {"1e30", 2000},
+                                          {"100001000", 2000},
+                                          {"500", 1},
+                                          {"100000000", 100000}}) {
+        ScriptedMessages messages;
+        if (expected == 2000)
+            messages.expect(MessageLevel::Warning, QString("WARNING: The scanner's protocol states "
+                                                           "a TR of \"%1\" microseconds; the TR "
+                                                           "of the settings file, 2000 ms, stays.")
+                                                       .arg(value));
+        const FMRProject project = parsed(QByteArray("alTR[0] = ") + value + '\n' + slices);
+        EXPECT_EQ(project.TR, float(expected)) << value;
+        EXPECT_EQ(project.TimeResolutionVerified, expected != 2000) << value;
+        EXPECT_EQ(project.InterSliceTime,
+                  expected == 2000 ? 80.0f : std::floor(float(expected) / 3))
+            << value;
+    }
 }
 
 TEST(SiemensProtocol, IsReadInPieces) {

@@ -1,19 +1,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/simulated_pump.h"
 
+#include <utility>
+
 void SimulatedPump::processEvents() {
     now_ += eventCost_;
     runDue();
 }
 
 void SimulatedPump::pumpWait(int milliseconds) {
+    waitUnless(milliseconds, false);
+}
+
+bool SimulatedPump::pumpWaitForChange(int milliseconds, const QStringList& folders) {
+    watchedFolders_ = folders;
+    waitUnless(milliseconds, changed_);
+    return std::exchange(changed_, false);
+}
+
+void SimulatedPump::waitUnless(int milliseconds, const bool& done) {
     ++nrOfWaits_;
     const qint64 end = now_ + milliseconds;
-    while (!actions_.empty() && actions_.begin()->first <= end) {
+    while (!done && !actions_.empty() && actions_.begin()->first <= end) {
         now_ = std::max(now_, actions_.begin()->first);
         runDue();
     }
-    now_ = end;
+    if (!done)
+        now_ = end;
 }
 
 void SimulatedPump::after(qint64 milliseconds, std::function<void()> action) {

@@ -13,17 +13,25 @@ class SimulatedPump : public EventPump {
 public:
     void processEvents() override;
     void pumpWait(int milliseconds) override;
+    bool pumpWaitForChange(int milliseconds, const QStringList& folders) override;
     [[nodiscard]] qint64 milliseconds() const override { return now_; }
 
     /// Runs `action` once, `milliseconds` from now.
     void after(qint64 milliseconds, std::function<void()> action);
     /// Time that each call of processEvents() takes; keeps polling loops without a wait finite.
     void setEventCost(int milliseconds) { eventCost_ = milliseconds; }
+    /// Something changes in the folders that a wait watches: it ends here, or the next one at once.
+    void changeFolders() { changed_ = true; }
+    /// Of the last wait for a change.
+    [[nodiscard]] QStringList watchedFolders() const { return watchedFolders_; }
     [[nodiscard]] int nrOfWaits() const { return nrOfWaits_; }
 
 private:
     void runDue();
+    void waitUnless(int milliseconds, const bool& done);
 
+    bool changed_ = false;
+    QStringList watchedFolders_;
     qint64 now_ = 0;
     int eventCost_ = 0;
     int nrOfWaits_ = 0;

@@ -122,8 +122,8 @@ TEST(ResampleVolume, MovesTurnsAndRoundsAsStated) {
     EXPECT_EQ(rowOf({-3.0f}, 0), (Row{10, 13, 0, 0}));
     EXPECT_EQ(rowOf({0, 0, 2.0f}, 2), (Row{105, 108, 111, 114}));
     for (int16_t& sample : source)
-        sample = int16_t(-sample);
-    EXPECT_EQ(rowOf({1.0f}, 0), (Row{-5, -6, -9, -12})); // halves upwards
+        sample = int16_t(sample + 32760); // some of them above the largest signed one
+    EXPECT_EQ(rowOf({1.0f}, 0), (Row{32765, 32767, int16_t(32770), int16_t(32773)}));
     // A quarter turn is exact: columns become rows.
     const VolumeGrid square = gridOf({3, 3, 2}, {1.3f, 1.3f, 1.7f});
     const std::vector<int16_t> slices{1,  2,  3,  4,  5,  6,  7,  8,  9,

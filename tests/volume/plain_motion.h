@@ -71,11 +71,12 @@ private:
         for (int k = 0; k < 2; ++k)
             for (int j = 0; j < 2; ++j) {
                 const size_t left = at(whole[0], whole[1] + j, whole[2] + k);
-                corner[k][j] = source_[left] + part[0] * float(source_[left + 1] - source_[left]);
+                const auto value = [&](size_t i) { return float(uint16_t(source_[i])); };
+                corner[k][j] = value(left) + part[0] * (value(left + 1) - value(left));
             }
         const float near = corner[0][0] + part[1] * (corner[0][1] - corner[0][0]);
         const float far = corner[1][0] + part[1] * (corner[1][1] - corner[1][0]);
-        return int16_t(std::floor(double(near + part[2] * (far - near)) + 0.5));
+        return int16_t(int(std::floor(double(near + part[2] * (far - near)) + 0.5)));
     }
 
     void addVoxel(const std::array<int, 3>& index, const RigidTransformation& t,

@@ -53,6 +53,7 @@ TEST(PostprocessingNames, RecordEveryChoice) {
     const std::pair<QString, PostprocessingOptions> cases[] = {
         {"_SCCAI2", even},
         {"_SCSA", {{true, true, false, false, false, true, true}, {}, {}}},
+        {"_SCLM", {{true, true, false, true, false, false, false, true}, {}, {}}},
         {"_SD3DSS4.00mm", {{}, space, {}}},
         {"_FD2DSS12.35px", {{}, {true, false, true, false, 12.346f}, {}}},
         {"_THPGLMF3c", {{}, {}, {true, true, true, 2.5f, false, true, 1.0f}}},

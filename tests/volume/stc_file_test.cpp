@@ -3,12 +3,15 @@
 #include "volume/stc_file.h"
 
 #include "support/scripted_messages.h"
+#include "volume/first_volume_file.h"
 #include "volume/fmr_file.h"
 #include "volume/load_fmr_project.h"
 #include "volume_runs.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <sys/stat.h>
 
 namespace {
 
@@ -45,6 +48,122 @@ protected:
 };
 
 } // namespace
+
+// A name without folder is what the header says; other writers drop one "-" from that.
+TEST_F(STCFile, EverySavedRunComesBackWhateverItsPrefix) {
+    const QStringList prefixes{
+        "",     "-",      "--",      "a-",     "a--",     "a---",       "-a",      "a\"b-",
+        "\"-",  "<none>", "<none>-", "a b - ", "%1%2-",   "a\nb\t-",    "\u00e4-", "...-",
+        ";x--", "..",     "a/b--",   "../up-", "/tmp/a-", "..\\back\\", "a/..",    "a\"/<none>"};
+    for (const QString& prefix : prefixes) {
+        SCOPED_TRACE(prefix.toStdString());
+        const QTemporaryDir around;
+        ASSERT_TRUE(QDir(around.path()).mkdir("run"));
+        project = makeRun(around.filePath("run"));
+        project.Prefix = prefix;
+        ASSERT_TRUE(writeSTCData(project, 5, nullptr, nullptr, 0, 0));
+        if (prefix.contains('/') || prefix.contains('\\'))
+            messages.expect(MessageLevel::Warning, "WARNING: The prefix \"*");
+        ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
+        EXPECT_EQ(
+            QDir(around.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+            QStringList{"run"});
+        EXPECT_EQ(QDir(around.filePath("run"))
+                      .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)
+                      .size(),
+                  2);
+        FMRProject loaded;
+        ASSERT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
+        EXPECT_EQ(samplesOf(loaded), samplesOf(project));
+        FMRHeader header;
+        Volume volume;
+        ASSERT_TRUE(readSTCVolume(4, project.projectPath, header, volume));
+        EXPECT_TRUE(std::ranges::equal(volume.span(), project.volumes[4].span()));
+        // Once more, from what was loaded.
+        ASSERT_TRUE(writeSTCData(loaded, 5, nullptr, nullptr, 0, 0));
+        ASSERT_TRUE(writeFMRHeader(loaded, loaded.projectPath, 5));
+        ASSERT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
+        EXPECT_EQ(samplesOf(loaded), samplesOf(project));
+    }
+}
+
+TEST_F(STCFile, DataOfOtherWritersLackOneDashOfTheHeadersPrefix) {
+    for (const auto& [stated, file] :
+         {std::pair{"run-", "run"}, {"run--", "run-"}, {"run---", "run--"}}) {
+        ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
+        ASSERT_TRUE(writeSTCData(project, 5, nullptr, nullptr, 0, 0));
+        const QString data = folder.filePath(QString(file) + ".stc");
+        ASSERT_TRUE(data == stcFileName(project) || QFile::rename(stcFileName(project), data));
+        QByteArray text = contentOf(project.projectPath);
+        text.replace("\"run\"", QByteArray("\"") + stated + '"');
+        writeBytes(project.projectPath, text);
+        FMRProject loaded;
+        ASSERT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::Yes)) << stated;
+        FMRHeader header;
+        Volume volume;
+        EXPECT_TRUE(readSTCVolume(0, project.projectPath, header, volume)) << stated;
+        QFile::remove(data);
+    }
+}
+
+// A folder in the prefix of a header that somebody else wrote.
+TEST_F(STCFile, APrefixNeverLeadsOutOfTheFolder) {
+    ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
+    ASSERT_TRUE(writeSTCData(project, 5, nullptr, nullptr, 0, 0));
+    const QByteArray text = contentOf(project.projectPath);
+    for (const QByteArray prefix :
+         {"../run", "/etc/run", "a/../../run-", "..\\run", "C:\\x\\run"}) {
+        QByteArray hostile = text;
+        hostile.replace("\"run\"", '"' + prefix + '"');
+        writeBytes(project.projectPath, hostile);
+        FMRProject loaded;
+        messages.expect(MessageLevel::Warning, "WARNING: The prefix \"" + prefix + "\" in*");
+        EXPECT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
+        EXPECT_EQ(loaded.Prefix, "run");
+        FMRHeader header;
+        Volume volume;
+        messages.expect(MessageLevel::Warning, "WARNING: The prefix \"" + prefix + "\" in*");
+        EXPECT_TRUE(readSTCVolume(0, project.projectPath, header, volume));
+    }
+}
+
+// A pipe would hold the program up for good.
+TEST_F(STCFile, PipesFoldersAndDevicesAreRefused) {
+    ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
+    const QString path = folder.filePath("run.stc");
+    const QString slices = folder.filePath("run1.stc");
+    const QString first = folder.filePath("run-firstvol.img");
+    const std::vector<std::function<bool(const QString&)>> makers{
+        [](const QString& name) { return mkfifo(name.toLocal8Bit().constData(), 0600) == 0; },
+        [](const QString& name) { return QDir().mkdir(name); },
+        [](const QString& name) { return QFile::link("/dev/zero", name); }};
+    for (const auto& make : makers) {
+        ASSERT_TRUE(make(path) && make(slices) && make(first));
+        FMRProject loaded;
+        FMRHeader header;
+        Volume volume;
+        messages.expect(MessageLevel::Critical, "ERROR: Can not open .stc file: " + path);
+        EXPECT_FALSE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
+        messages.expect(MessageLevel::Critical, "ERROR: Can not find / open stc file: *");
+        EXPECT_FALSE(readSTCVolume(0, project.projectPath, header, volume));
+        messages.expect(MessageLevel::Critical, "ERROR: Can not open .stc file: " + slices);
+        EXPECT_FALSE(readSliceSTC(project, 0, slices));
+        messages.expect(MessageLevel::Critical, "ERROR: Can not find / open file: " + first + " !");
+        EXPECT_FALSE(readFirstVolume(project));
+        messages.expect(MessageLevel::Warning,
+                        "ERROR: Can not write FMR time course (STC) files !");
+        EXPECT_FALSE(writeSTCData(project, 5, nullptr, nullptr, 0, 0));
+        // The same as its anatomical file.
+        FMRProject other = makeRun(folder.path());
+        other.LoadAMRFile = path;
+        ASSERT_TRUE(writeFMRHeader(other, folder.filePath("other.fmr"), 5));
+        messages.expect(MessageLevel::Warning, "Error loading .FMR project:\n -> Can not find*");
+        ASSERT_TRUE(loadFMRProject(loaded, folder.filePath("other.fmr"), LoadData::No));
+        EXPECT_EQ(loaded.LoadAMRFile, "");
+        for (const QString& name : {path, slices, first})
+            EXPECT_TRUE(QFileInfo(name).isDir() ? QDir().rmdir(name) : QFile::remove(name));
+    }
+}
 
 TEST_F(STCFile, MissingAndShortFilesEndTheProgram) {
     const QString path = folder.filePath("run.stc");

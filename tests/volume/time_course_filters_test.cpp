@@ -123,6 +123,45 @@ TEST(SliceTiming, ValuesAreThoseOfNumPy) {
     }
 }
 
+// Two slices at a time, in an order that no pattern has; direction and pattern count for nothing.
+TEST(SliceTiming, MeasuredTimesOfSeveralSlicesAtOnceComeBackAligned) {
+    const auto ramp = [](double v) { return 1000 + 100 * v; };
+    for (const int direction : {0, 1, 2}) {
+        FMRProject run = runOf(3, 2, 6, 9, [&](int, int, int s, int v) {
+            return ramp(v + std::array{0.25, 0.75, 0.0}[size_t(s % 3)]);
+        });
+        run.InterSliceTime = 5000; // which does not count either
+        run.sliceTimes = {500, 1500, 0, 500, 1500, 0};
+        SliceScanTimeOptions options;
+        options.ascendingSliceOrder = direction == 1;
+        options.descendingSliceOrder = direction == 2;
+        options.cubicSplineInterpolation = false;
+        options.measuredTimes = true;
+        ASSERT_TRUE(correct(run, options));
+        for (int v = 1; v < 9; ++v)
+            for (const int16_t sample : run.volumes[size_t(v)].span())
+                ASSERT_NEAR(sample, ramp(v), 0.5) << v;
+    }
+}
+
+TEST(SliceTiming, MeasuredTimesThatAreNotThereOrCanNotBeChangeNothing) {
+    SliceScanTimeOptions options;
+    options.measuredTimes = true;
+    for (const auto& [times, message] :
+         {std::pair<std::vector<float>, QString>{{}, "ERROR: The headers of the run gave no time*"},
+          {{0}, "ERROR: The headers of the run gave no time*"},
+          {{0, 2000}, "ERROR: The times of the slices do not lie within*"},
+          {{-1, 0}, "ERROR: The times of the slices do not lie within*"},
+          {{0, NAN}, "ERROR: The times of the slices do not lie within*"}}) {
+        ScriptedMessages messages;
+        messages.expect(MessageLevel::Warning, message);
+        FMRProject run = runWithCourse({5, 9, 2});
+        run.sliceTimes = times;
+        EXPECT_FALSE(correct(run, options));
+        EXPECT_EQ(courseOf(run, 6), (std::vector<int>{5, 9, 2}));
+    }
+}
+
 TEST(SliceTiming, TimesThatDoNotFitChangeNothing) {
     ScriptedMessages messages;
     FMRProject run = runWithCourse({5, 9, 2});
@@ -167,6 +206,10 @@ TEST(LinearTrend, IsRemovedAndTheMeanStays) {
     FMRProject run = runWithCourse({10, 20, 28, 14}); // mean 18, slope 2
     ASSERT_TRUE(removeLinearTrend(run, 4, StepProgress(progress)));
     EXPECT_EQ(courseOf(run, 0), (std::vector<int>{13, 21, 27, 11}));
+    // Samples are unsigned: a mean of 32768 with no slope, limited to the largest signed one.
+    run = runWithCourse({32760, 32776, 32776, 32760});
+    ASSERT_TRUE(removeLinearTrend(run, 4, StepProgress(progress)));
+    EXPECT_EQ(courseOf(run, 0), (std::vector<int>{32760, 32767, 32767, 32760}));
 }
 
 TEST(TemporalGaussian, WeighsNeighboursWithinTheRun) {

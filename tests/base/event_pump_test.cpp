@@ -1,0 +1,53 @@
+// The pump of the running program, with the system's own notices. The long waits would show as
+// such; no test depends on how soon a notice comes. SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/event_pump.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr int longWait = 20000;
+
+void create(const QString& path) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+}
+
+} // namespace
+
+TEST(QtEventPump, AWaitEndsWithAChangeOfItsFolders) {
+    const QTemporaryDir folder;
+    const QTemporaryDir other;
+    const QStringList both{folder.path() + '/', other.path() + '/', QString()};
+    QtEventPump pump;
+    const StopWatch watch(pump);
+    QTimer::singleShot(20, [&] { create(other.filePath("image")); });
+    EXPECT_TRUE(pump.pumpWaitForChange(longWait, both));
+    // Between two waits.
+    create(folder.filePath("image"));
+    EXPECT_TRUE(pump.pumpWaitForChange(longWait, both));
+    EXPECT_LT(watch.elapsed(), longWait);
+    // A folder that is watched no more, and one that comes later.
+    const QStringList later{folder.path() + "/later/"};
+    EXPECT_FALSE(pump.pumpWaitForChange(0, later));
+    create(other.filePath("second"));
+    EXPECT_FALSE(pump.pumpWaitForChange(50, later));
+    ASSERT_TRUE(QDir(folder.path()).mkdir("later"));
+    EXPECT_FALSE(pump.pumpWaitForChange(10, later));
+    create(folder.filePath("later/image"));
+    EXPECT_TRUE(pump.pumpWaitForChange(longWait, later));
+}
+
+TEST(QtEventPump, APlainWaitIsNotCutShort) {
+    const QTemporaryDir folder;
+    QtEventPump pump;
+    EXPECT_FALSE(pump.pumpWaitForChange(0, {folder.path()}));
+    create(folder.filePath("image"));
+    const StopWatch watch(pump);
+    pump.pumpWait(40);
+    EXPECT_GE(watch.elapsed(), 40);
+}
