@@ -1,24 +1,27 @@
 # velo_library(name SOURCES ... USES ... [UI]): one static library of the layer table.
+# velo_program(name SOURCES ... USES ... [UI]): one program.
 # velo_test(name SOURCES ... USES ... LABELS ... [UI] [RELEASE]): one test program.
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# A precompiled header that many targets share: compiling it takes as long as several source files.
-# The compiler takes it only with the definitions that it was made with, so `uses` are what all
-# users have in common.
-function(velo_precompiled_header name header)
-    file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp.in "// Nothing but its precompiled header.\n")
-    configure_file(${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp.in ${name}.cpp COPYONLY)
-    add_library(${name} OBJECT ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
-    target_link_libraries(${name} PRIVATE velo_options ${ARGN})
-    # Images are used from level 6 on; the definition that comes with them would part the users.
-    target_include_directories(${name} SYSTEM PRIVATE ${Qt6Gui_INCLUDE_DIRS})
-    target_precompile_headers(${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/${header})
+# A precompiled header that many targets share: making it takes as long as several source files. The
+# compiler takes it only with the definitions that it was made with, so the libraries given here are
+# those that all its users have in common.
+function(velo_precompiled_header name)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
+    file(GENERATE OUTPUT ${source} CONTENT "// Nothing but its precompiled header.\n")
+    add_library(velo_${name} OBJECT EXCLUDE_FROM_ALL ${source})
+    target_link_libraries(velo_${name} PRIVATE velo_options ${ARGN})
+    # Images are used from level 6 on; a link to Qt Gui would bring a definition that others lack.
+    target_include_directories(velo_${name} SYSTEM PRIVATE ${Qt6Gui_INCLUDE_DIRS})
+    target_precompile_headers(velo_${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/${name}.h)
 endfunction()
 
-velo_precompiled_header(velo_precompiled_core precompiled_core.h Qt6::Core)
-velo_precompiled_header(velo_precompiled_widgets precompiled_widgets.h Qt6::Widgets)
+velo_precompiled_header(precompiled_core Qt6::Core)
+velo_precompiled_header(precompiled_widgets Qt6::Widgets)
 if(VELO_TESTS)
-    velo_precompiled_header(velo_precompiled_test precompiled_test.h Qt6::Widgets GTest::gtest)
+    velo_precompiled_header(precompiled_test Qt6::Widgets GTest::gtest)
+    velo_precompiled_header(precompiled_widgets_test Qt6::Widgets GTest::gtest)
+    target_include_directories(velo_precompiled_widgets_test SYSTEM PRIVATE ${Qt6Test_INCLUDE_DIRS})
 endif()
 
 # A target uses only targets of lower levels; scripts/check_layers holds the includes against the
@@ -36,17 +39,32 @@ function(velo_library name)
     endif()
 endfunction()
 
+# A program without tests: what users start, and the benchmarks.
+function(velo_program name)
+    cmake_parse_arguments(ARG "UI" "" "SOURCES;USES" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE ${ARG_USES})
+    if(ARG_UI)
+        target_precompile_headers(${name} REUSE_FROM velo_precompiled_widgets)
+    else()
+        target_precompile_headers(${name} REUSE_FROM velo_precompiled_core)
+    endif()
+endfunction()
+
 # A test program runs on the offscreen platform with a home of its own and leaves its results as
-# JSON. RELEASE: scripts/test runs it once more, built as users get it.
+# JSON. UI: it uses widgets. RELEASE: scripts/test runs it once more, built as users get it.
 add_custom_target(release_tests)
 function(velo_test name)
     cmake_parse_arguments(ARG "UI;RELEASE" "" "SOURCES;USES;LABELS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(${name} PRIVATE test_support ${ARG_USES})
-    set_target_properties(${name} PROPERTIES
-        AUTOMOC ${ARG_UI} RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-    target_precompile_headers(${name} REUSE_FROM velo_precompiled_test)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    if(ARG_UI)
+        target_precompile_headers(${name} REUSE_FROM velo_precompiled_widgets_test)
+    else()
+        target_precompile_headers(${name} REUSE_FROM velo_precompiled_test)
+    endif()
     if(ARG_RELEASE)
         add_dependencies(release_tests ${name})
         list(APPEND ARG_LABELS release)
