@@ -1,2 +1,1 @@
-add_executable(bench_display bench_display.cpp)
-target_link_libraries(bench_display PRIVATE display document stats)
+velo_program(bench_display UI SOURCES bench_display.cpp USES display document stats)

@@ -1,2 +1,1 @@
-add_executable(bench_glm bench_glm.cpp)
-target_link_libraries(bench_glm PRIVATE stats)
+velo_program(bench_glm SOURCES bench_glm.cpp USES stats)

@@ -1,6 +1,4 @@
-add_executable(bench_motion bench_motion.cpp)
+velo_program(bench_motion SOURCES bench_motion.cpp USES volume)
 target_include_directories(bench_motion PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-target_link_libraries(bench_motion PRIVATE volume)
-add_executable(bench_motion_accuracy bench_motion_accuracy.cpp)
+velo_program(bench_motion_accuracy SOURCES bench_motion_accuracy.cpp USES volume simulator_core)
 target_include_directories(bench_motion_accuracy PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-target_link_libraries(bench_motion_accuracy PRIVATE volume simulator_core)

@@ -1,2 +1,1 @@
-add_executable(bench_smoothing bench_smoothing.cpp)
-target_link_libraries(bench_smoothing PRIVATE volume)
+velo_program(bench_smoothing SOURCES bench_smoothing.cpp USES volume)
