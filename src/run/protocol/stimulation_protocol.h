@@ -2,19 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/rgb_color.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <array>
 #include <optional>
 #include <vector>
-
-struct RgbColor {
-    int red = 128;
-    int green = 128;
-    int blue = 128;
-    bool operator==(const RgbColor&) const = default;
-};
 
 inline constexpr const char* untitledExperiment = "<untitled>";
 

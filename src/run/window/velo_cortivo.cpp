@@ -3,7 +3,7 @@
 #include "run/window/velo_cortivo.h"
 
 #include "base/messages.h"
-#include "run/window/appearance.h"
+#include "dialogs/appearance.h"
 #include "run/window/contrast_list.h"
 #include "run/window/main_window_pointer.h"
 #include "run/window/message_boxes.h"

@@ -1,8 +1,8 @@
 // The widgets of the main window and their places.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/appearance.h"
+#include "dialogs/appearance.h"
+#include "dialogs/number_fields.h"
 #include "run/window/contrast_list.h"
-#include "run/window/threshold_spin_box.h"
 #include "run/window/velo_cortivo.h"
 
 #include <QBitmap>

@@ -1,7 +1,6 @@
 // Post-processing of the run in memory: the dialog, and the work with its progress.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/appearance.h"
-#include "run/window/progress_boxes.h"
+#include "dialogs/progress_boxes.h"
 #include "run/window/velo_cortivo.h"
 #include "volume/ui/postprocessing_dialog.h"
 
@@ -12,7 +11,6 @@ void VeloCortivo::slotPostProcessData() {
     delete postprocessingDialog_;
     auto* dialog = new PostprocessingDlg(session_.functionalDocument->project, volumes, this);
     postprocessingDialog_ = dialog;
-    wrapToolTips(*dialog);
     connect(dialog, &QDialog::accepted, this,
             [this, dialog] { postprocess(dialog->options(), dialog->recomputeStatistics()); });
     // Not waited for: auto-start may begin a run, which closes it.
@@ -22,6 +20,7 @@ void VeloCortivo::slotPostProcessData() {
 void VeloCortivo::postprocess(const PostprocessingOptions& options, bool recomputeStatistics) {
     if (runInProgress_)
         return;
-    const std::unique_ptr<ProgressReporter> progress = openPostprocessingBox(this, pump_);
+    const std::unique_ptr<ProgressReporter> progress = openCancellableProgressBox(
+        this, {"PostprocessingProgressDlg", "Post-processing the run..."}, pump_);
     session_.postprocess(options, recomputeStatistics, *progress);
 }

@@ -1,8 +1,8 @@
 // What a run shows in the main window.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "dialogs/progress_boxes.h"
 #include "display/qt_cortivo_view.h"
 #include "run/window/contrast_list.h"
-#include "run/window/progress_boxes.h"
 #include "run/window/velo_cortivo.h"
 #include "volume/ui/postprocessing_dialog.h"
 
@@ -100,5 +100,7 @@ void VeloCortivo::showLogText(const QString& html) {
 }
 
 std::unique_ptr<ProgressReporter> VeloCortivo::openSavingProgress() {
-    return openSavingBox(this);
+    // Nothing is cancelled: a run that is half saved would be lost.
+    return openProgressBox(
+        this, {"SavingProgressDlg", " Saving Analyzed Data... ", " Cancel ", {250, 80}});
 }
