@@ -141,11 +141,12 @@ TEST(NumberFields, ReadWhatIsTyped) {
     box.setLocale(QLocale::c());
     for (const auto& [value, text] : std::vector<std::pair<double, QString>>{{2.5, "2.50"},
                                                                              {0.0001, "0.0001"},
-                                                                             {0.125, "0.1250"},
+                                                                             {0.12504, "0.1250"},
                                                                              {-1, "0.00"},
                                                                              {1e5, "9999.00"}}) {
         box.setValue(value);
         EXPECT_EQ(box.text(), text);
+        EXPECT_EQ(box.value(), text.toDouble()) << "what is shown counts";
     }
 }
 
@@ -224,6 +225,7 @@ TEST(DialogSetup, TallContentScrollsOnlyWhereTheScreenIsTooSmall) {
 
 TEST(ProgressBoxes, OnlyCancellableWorkIsCancelled) {
     QWidget window;
+    window.setGeometry(340, 60, 800, 600);
     SimulatedPump pump;
     using Act = std::function<void(QProgressDialog&)>;
     const Act acts[] = {[](auto& box) { box.template findChild<QPushButton*>()->click(); },
@@ -236,6 +238,9 @@ TEST(ProgressBoxes, OnlyCancellableWorkIsCancelled) {
                                               : openProgressBox(&window, look);
             auto& box = *window.findChild<QProgressDialog*>("WorkDlg");
             EXPECT_NE(QApplication::overrideCursor(), nullptr);
+            EXPECT_EQ(box.value(), cancellable ? -1 : 0); // -1: nothing was told yet
+            EXPECT_EQ(box.pos(), QPoint(340 + (800 - 320) / 2, 60 + 600 / 3));
+            EXPECT_EQ(box.size(), QSize(320, 110));
             EXPECT_FALSE(progress->cancelled());
             act(box);
             progress->setProgress(100);

@@ -232,6 +232,8 @@ TEST_F(Boxes, ChooseFilesThatExistAndGiveNewOnesTheirExtension) {
                          [&](const QString& path) { chosen = path; });
         auto* dialog = open<QFileDialog>().at(0);
         EXPECT_EQ(dialog->windowTitle(), "Save");
+        EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptSave);
+        EXPECT_TRUE(dialog->testOption(QFileDialog::DontUseNativeDialog));
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
         acts[0](*dialog);
         EXPECT_TRUE(open<QFileDialog>().empty());
@@ -280,6 +282,7 @@ TEST_F(Boxes, ChoosersCloseWithTheirSubjectAndCallNobody) {
         subject);
     EXPECT_EQ(open<QColorDialog>().at(0)->windowTitle(), "Color of a");
     EXPECT_FALSE(open<QColorDialog>().at(0)->isModal());
+    EXPECT_TRUE(open<QColorDialog>().at(0)->testOption(QColorDialog::DontUseNativeDialog));
     key(Qt::Key_Return)(*open<QColorDialog>().at(0));
     EXPECT_EQ(chosen, (RgbColor{1, 2, 255}));
     chooseColor("Color of a", {}, unwanted, subject);

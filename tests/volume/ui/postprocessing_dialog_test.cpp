@@ -51,6 +51,9 @@ protected:
 TEST_F(PostprocessingDialog, OkHandsOverWhatWasChosen) {
     QSignalSpy accepted(dialog_.get(), &QDialog::accepted);
     EXPECT_TRUE(label("m_ResultInfo").startsWith("Nothing"));
+    EXPECT_EQ(control<QLineEdit>("m_SpatialSmoothingFWHMValue").text(), "4");
+    EXPECT_EQ(control<QLineEdit>("m_HighPassCycles").text(), "2");
+    EXPECT_EQ(control<QLineEdit>("m_TemporalGaussianWidth").text(), "0.0015");
     for (const char* group :
          {"m_SliceScanTimeCorrection", "m_SpatialSmoothing", "m_TemporalFilters"})
         check(group);
@@ -103,6 +106,25 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
     EXPECT_TRUE(dialog_->isVisible());
     click("CancelBtn");
     EXPECT_EQ(dialog_->result(), QDialog::Rejected);
+}
+
+TEST_F(PostprocessingDialog, OffersOnlyWhatMayBeChosen) {
+    for (const int slices : {25, 26})
+        for (const bool on : {false, true}) {
+            open(slices);
+            check("m_SliceScanTimeCorrection");
+            check("m_TemporalFilters");
+            control<QAbstractButton>("m_TemporalHighPassFilter").setChecked(on);
+            control<QAbstractButton>("m_TemporalGaussianSmoothing").setChecked(on);
+            const auto enabled = [this](const char* name) {
+                return control<QWidget>(name).isEnabled();
+            };
+            EXPECT_EQ(enabled("m_InterleavedOrder"), slices == 25);
+            EXPECT_EQ(enabled("m_LinearTrendRemoval"), !on);
+            for (const char* name : {"m_HighPassCycles", "m_TemporalGaussianWidth",
+                                     "m_TemporalGaussInSeconds", "m_TemporalGaussInDataPoints"})
+                EXPECT_EQ(enabled(name), on) << name;
+        }
 }
 
 TEST_F(PostprocessingDialog, ARunMayBeginInAMessageAndDeleteIt) {
