@@ -1,23 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/messages.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <utility>
 
 namespace {
 
 // Serves before a window exists, and programs that have none.
-class StandardErrorHandler : public MessageHandler {
+class StandardErrorHandler : public UnattendedMessages {
 public:
-    void show(MessageLevel, const QString& text) override { print(text); }
+    void show(MessageLevel, const QString& text, const QString&) override { print(text); }
     void showAside(MessageLevel, const QString& text) override { print(text); }
-    bool ask(const QString& text) override {
+    bool ask(const QString& text, const QString&) override {
         print(text);
         return false;
     }
     void announce(const QString&, const QString& text, const QString&) override { print(text); }
-    QString chooseFileToOpen(const QString&, const QString&, const QString&) override { return {}; }
-    void chooseFileToSave(const QString&, const QString&, const QString&, FileChosen) override {}
 
 private:
     static void print(const QString& text) {
@@ -37,22 +37,33 @@ MessageHandler*& currentHandler() {
 
 } // namespace
 
+void OpenChooser::close() {
+    // Closing may come back here.
+    if (const auto closeChooser = std::exchange(closeChooser_, nullptr))
+        closeChooser();
+}
+
+void OpenChooser::hold(std::function<void()> closeChooser) {
+    close();
+    closeChooser_ = std::move(closeChooser);
+}
+
 MessageHandler* installMessageHandler(MessageHandler* handler) {
     MessageHandler* previous = currentHandler();
     currentHandler() = handler ? handler : &builtInHandler();
     return previous;
 }
 
-void showInformation(const QString& text) {
-    currentHandler()->show(MessageLevel::Information, text);
+void showInformation(const QString& text, const QString& title) {
+    currentHandler()->show(MessageLevel::Information, text, title);
 }
 
-void showWarning(const QString& text) {
-    currentHandler()->show(MessageLevel::Warning, text);
+void showWarning(const QString& text, const QString& title) {
+    currentHandler()->show(MessageLevel::Warning, text, title);
 }
 
-void showCritical(const QString& text) {
-    currentHandler()->show(MessageLevel::Critical, text);
+void showCritical(const QString& text, const QString& title) {
+    currentHandler()->show(MessageLevel::Critical, text, title);
 }
 
 void showInformationAside(const QString& text) {
@@ -63,19 +74,56 @@ void showWarningAside(const QString& text) {
     currentHandler()->showAside(MessageLevel::Warning, text);
 }
 
-bool askQuestion(const QString& text) {
-    return currentHandler()->ask(text);
+bool askQuestion(const QString& text, const QString& title) {
+    return currentHandler()->ask(text, title);
 }
 
 void announce(const QString& title, const QString& text, const QString& button) {
     currentHandler()->announce(title, text, button);
 }
 
-QString chooseFileToOpen(const QString& title, const QString& folder, const QString& filter) {
-    return currentHandler()->chooseFileToOpen(title, folder, filter);
+std::optional<int> askForInteger(const InputTexts& texts, int start, const IntegerBounds& bounds) {
+    if (bounds.minimum > bounds.maximum)
+        return {};
+    return currentHandler()->inputInteger(texts, std::clamp(start, bounds.minimum, bounds.maximum),
+                                          bounds);
 }
 
-void chooseFileToSave(const QString& title, const QString& folder, const QString& filter,
-                      FileChosen chosen) {
-    currentHandler()->chooseFileToSave(title, folder, filter, std::move(chosen));
+std::optional<double> askForNumber(const InputTexts& texts, double start,
+                                   const NumberBounds& bounds) {
+    if (!(bounds.minimum <= bounds.maximum)) // nor with a bound that is no number
+        return {};
+    const auto within = [&bounds](double number) {
+        return std::isnan(number) ? bounds.minimum
+                                  : std::clamp(number, bounds.minimum, bounds.maximum);
+    };
+    // A field that rounds to its decimals may round a bound away.
+    const std::optional<double> number =
+        currentHandler()->inputNumber(texts, within(start), bounds);
+    return number ? std::optional(within(*number)) : std::nullopt;
+}
+
+std::optional<QString> askForText(const InputTexts& texts, const QString& start) {
+    return currentHandler()->inputText(texts, start);
+}
+
+QString chooseFileToOpen(const QString& title, const QString& place, const QString& filter) {
+    return currentHandler()->chooseFileToOpen(title, place, filter);
+}
+
+QString waitForFileToSave(const QString& title, const QString& place, const QString& filter) {
+    return currentHandler()->waitForFileToSave(title, place, filter);
+}
+
+void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
+                      FileChosen chosen, OpenChooser* subject) {
+    if (subject)
+        subject->close();
+    currentHandler()->chooseFileToSave(title, place, filter, std::move(chosen), subject);
+}
+
+void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,
+                 OpenChooser& subject) {
+    subject.close();
+    currentHandler()->chooseColor(title, start, std::move(chosen), subject);
 }

@@ -1,8 +1,8 @@
-// A colour as files state it.
+// A colour as files and the operator give it.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/// Channels from 0 to 255; grey where nothing is stated.
+/// Channels from 0 to 255, though a file may give others; grey where nothing is stated.
 struct RgbColor {
     int red = 128;
     int green = 128;

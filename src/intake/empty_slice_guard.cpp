@@ -39,13 +39,14 @@ int EmptySliceGuard::lateSlice(int volume) {
     const size_t index = size_t(std::max(volume, 0));
     if (volume != firstVolume && index >= project.volumes.size())
         return -1;
-    const Volume& samples = volume == firstVolume ? project.firstVolume : project.volumes[index];
+    const std::span<const int16_t> samples =
+        volume == firstVolume ? project.firstVolume.span() : project.volumes[index];
     const size_t sliceSamples = project.sliceSamples();
     if (sliceSamples == 0 || samples.size() != project.volumeSamples())
         return -1;
     int late = -1;
     for (size_t slice = slices; slice-- > 0;) {
-        const auto part = samples.span().subspan(slice * sliceSamples, sliceSamples);
+        const auto part = samples.subspan(slice * sliceSamples, sliceSamples);
         isEmpty_[slice] = std::ranges::all_of(part, [](int16_t sample) { return sample == 0; });
         if (isEmpty_[slice] && !wasEmpty_[slice])
             late = int(slice);

@@ -5,6 +5,7 @@
 #include "base/paths.h"
 #include "volume/fmr_file.h"
 #include "volume/high_pass.h"
+#include "volume/postprocessing_choices.h"
 #include "volume/postprocessing_names.h"
 #include "volume/run_smoothing.h"
 #include "volume/slice_timing.h"
@@ -14,42 +15,33 @@
 
 namespace {
 
-struct Step {
-    std::function<bool()> isPossible; ///< shows a message when it is not
-    std::function<bool(const StepProgress&)> run;
-};
+using Step = std::function<bool(const StepProgress&)>;
 
+/// In the order of the work.
 std::vector<Step> checkedSteps(FMRProject& project, int volumes,
                                const PostprocessingOptions& options) {
     const TemporalOptions& temporal = options.temporal;
     std::vector<Step> steps;
     if (options.sliceScanTime.checked)
-        steps.push_back({[&] { return sliceTimesAreValid(project, options.sliceScanTime); },
-                         [&, volumes](const StepProgress& progress) {
-                             return correctSliceScanTime(project, volumes, options.sliceScanTime,
-                                                         progress);
-                         }});
+        steps.push_back([&, volumes](const StepProgress& progress) {
+            return correctSliceScanTime(project, volumes, options.sliceScanTime, progress);
+        });
     if (options.spatial.checked)
-        steps.push_back({[&] { return runSmoothingIsPossible(project, options.spatial); },
-                         [&, volumes](const StepProgress& progress) {
-                             return smoothRun(project, volumes, options.spatial, progress);
-                         }});
+        steps.push_back([&, volumes](const StepProgress& progress) {
+            return smoothRun(project, volumes, options.spatial, progress);
+        });
     if (temporal.checked && temporal.highPass)
-        steps.push_back(
-            {[&, volumes] { return highPassIsPossible(volumes, temporal.nrOfHighPassCycles()); },
-             [&, volumes](const StepProgress& progress) {
-                 return highPassFourier(project, volumes, temporal.nrOfHighPassCycles(), progress);
-             }});
+        steps.push_back([&, volumes](const StepProgress& progress) {
+            return highPassFourier(project, volumes, temporal.nrOfHighPassCycles(), progress);
+        });
     else if (temporal.checked && temporal.linearTrendRemoval)
-        steps.push_back({[] { return true; },
-                         [&, volumes](const StepProgress& progress) {
-                             return removeLinearTrend(project, volumes, progress);
-                         }});
+        steps.push_back([&, volumes](const StepProgress& progress) {
+            return removeLinearTrend(project, volumes, progress);
+        });
     if (temporal.checked && temporal.gaussian)
-        steps.push_back({[&] { return temporalSmoothingIsPossible(project, temporal); },
-                         [&, volumes](const StepProgress& progress) {
-                             return smoothTimeCourses(project, volumes, temporal, progress);
-                         }});
+        steps.push_back([&, volumes](const StepProgress& progress) {
+            return smoothTimeCourses(project, volumes, temporal, progress);
+        });
     return steps;
 }
 
@@ -63,15 +55,14 @@ PostprocessingResult postprocessRun(FMRProject& project, int nrOfMeasuredVolumes
     const std::vector<Step> steps = checkedSteps(project, volumes, options);
     if (volumes == 0 || steps.empty())
         return PostprocessingResult::NothingToDo;
-    for (const Step& step : steps)
-        if (!step.isPossible())
-            return PostprocessingResult::Failed;
+    if (findImpossibleStep(project, volumes, options) != PostprocessingChoice::None)
+        return PostprocessingResult::Failed;
     if (!kept.keep(project, volumes, StepProgress(progress)))
         return progress.cancelled() ? PostprocessingResult::Cancelled
                                     : PostprocessingResult::Failed;
     const int count = int(steps.size());
     for (int i = 0; i < count; ++i) {
-        if (steps[size_t(i)].run(StepProgress(progress, 100 * i / count, 100 * (i + 1) / count)))
+        if (steps[size_t(i)](StepProgress(progress, 100 * i / count, 100 * (i + 1) / count)))
             continue;
         if (!progress.cancelled())
             return PostprocessingResult::Failed;

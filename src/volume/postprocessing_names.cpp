@@ -2,7 +2,10 @@
 #include "volume/postprocessing_names.h"
 
 #include "base/file_writing.h"
+#include "base/paths.h"
 #include "volume/fmr_file.h"
+
+#include <QFileInfo>
 
 namespace {
 
@@ -60,4 +63,15 @@ PostprocessedNames makePostprocessedNames(const QString& fmrName, const QString&
     const bool extended = fmrName.endsWith(extension, Qt::CaseInsensitive);
     const QString name = extended ? fmrName.chopped(extension.size()) : fmrName;
     return {name + marks + extension, prefixOfFiles(prefix) + marks};
+}
+
+PostprocessedFiles postprocessedFiles(const QString& projectPath, const QString& prefix,
+                                      const QString& targetFolder,
+                                      const PostprocessingOptions& options) {
+    const PostprocessedNames names =
+        makePostprocessedNames(paths::fileName(projectPath), prefix, options);
+    PostprocessedFiles files{names.fmrName, names.prefix + ".stc"};
+    for (const QString& name : {files.fmrName, files.stcName})
+        files.replaceOthers |= QFileInfo::exists(paths::join(targetFolder, name));
+    return files;
 }

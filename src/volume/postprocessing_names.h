@@ -17,3 +17,16 @@ struct PostprocessedNames {
 [[nodiscard]] PostprocessedNames makePostprocessedNames(const QString& fmrName,
                                                         const QString& prefix,
                                                         const PostprocessingOptions& options);
+
+/// Names, without folder, of the files that the post-processed run is written to.
+struct PostprocessedFiles {
+    QString fmrName;
+    QString stcName;
+    bool replaceOthers = false; ///< one of them is there already
+};
+
+/// For a run that is written to a folder, which ends with "/".
+[[nodiscard]] PostprocessedFiles postprocessedFiles(const QString& projectPath,
+                                                    const QString& prefix,
+                                                    const QString& targetFolder,
+                                                    const PostprocessingOptions& options);

@@ -54,11 +54,27 @@ struct PostprocessingOptions {
     TemporalOptions temporal;
 };
 
-/// What the dialog opens with: no group checked; ascending and interleaved order, which begins with
-/// the second slice where the number of slices is even; cubic spline; high-pass with 2 cycles.
+/// With an even number of slices scanners begin an interleaved volume with the second slice of the
+/// direction.
+[[nodiscard]] constexpr bool interleavedBeginsWithSecond(int nrOfSlices) {
+    return nrOfSlices % 2 == 0;
+}
+
+/// The options with the interleaved pattern that the number of slices allows.
+[[nodiscard]] inline SliceScanTimeOptions withAllowedPattern(SliceScanTimeOptions options,
+                                                             int nrOfSlices) {
+    if (options.interleavedSliceOrder && interleavedBeginsWithSecond(nrOfSlices)) {
+        options.interleavedSliceOrder = false;
+        options.interleaved2SliceOrder = true;
+    }
+    return options;
+}
+
+/// What the dialog opens with: no group checked; ascending and interleaved order; cubic spline;
+/// high-pass with 2 cycles.
 [[nodiscard]] inline PostprocessingOptions defaultPostprocessingOptions(int nrOfSlices) {
     PostprocessingOptions options;
-    options.sliceScanTime.interleaved2SliceOrder = nrOfSlices % 2 == 0;
-    options.sliceScanTime.interleavedSliceOrder = nrOfSlices % 2 != 0;
+    options.sliceScanTime.interleavedSliceOrder = true;
+    options.sliceScanTime = withAllowedPattern(options.sliceScanTime, nrOfSlices);
     return options;
 }

@@ -4,22 +4,8 @@
 #include "base/program_end.h"
 #include "fuzz/fuzz_target.h"
 
-namespace {
-
-class QuietMessages : public MessageHandler {
-public:
-    void show(MessageLevel, const QString&) override {}
-    void showAside(MessageLevel, const QString&) override {}
-    bool ask(const QString&) override { return false; }
-    void announce(const QString&, const QString&, const QString&) override {}
-    QString chooseFileToOpen(const QString&, const QString&, const QString&) override { return {}; }
-    void chooseFileToSave(const QString&, const QString&, const QString&, FileChosen) override {}
-};
-
-} // namespace
-
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    static QuietMessages messages;
+    static UnattendedMessages messages;
     installMessageHandler(&messages);
     installProgramEnd([](int) {});
     return 0;

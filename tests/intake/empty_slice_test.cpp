@@ -104,7 +104,8 @@ TEST(EmptySlice, OfAGrowingFileIsWaitedFor) {
     run.settings.documentFirstFileName = run.path("run.rec");
     run.settings.NrOfVolumesToSkip = 0;
     run.write("run.rec", rawSamples({1, 2, 0, 0}));
-    run.project.volumes.resize(2);
+    run.project.NrOfVolumes = 2;
+    ASSERT_TRUE(run.project.allocateVolumes());
     const auto reader = run.reader();
     ASSERT_TRUE(reader->readFirstVolume() && reader->readVolume(0));
     run.pump.after(30, [&run] { run.write("run.rec", rawSamples({1, 2, 3, 4})); });

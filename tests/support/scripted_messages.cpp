@@ -7,8 +7,13 @@
 
 namespace {
 
-QString levelName(MessageLevel level) {
-    return QStringList{"information", "warning", "critical"}[qsizetype(level)];
+/// What a message is, with its title where that is not the program's.
+QString kindOf(const QString& kind, const QString& title) {
+    return title == programTitle ? kind : kind + " titled " + title;
+}
+
+QString kindOf(MessageLevel level, const QString& title) {
+    return kindOf(QStringList{"information", "warning", "critical"}[qsizetype(level)], title);
 }
 
 } // namespace
@@ -22,52 +27,109 @@ ScriptedMessages::~ScriptedMessages() {
                       << left.text.toStdString();
 }
 
-void ScriptedMessages::expect(MessageLevel level, const QString& text) {
-    expected_.push_back({levelName(level), text, {}});
+void ScriptedMessages::expect(MessageLevel level, const QString& text, const QString& title) {
+    expected_.push_back({kindOf(level, title), text});
 }
 
-void ScriptedMessages::expectQuestion(const QString& text, bool answer) {
-    expected_.push_back({"question", text, answer ? "yes" : ""});
+void ScriptedMessages::expectQuestion(const QString& text, bool answer, const QString& title) {
+    expected_.push_back({kindOf("question", title), text, answer});
 }
 
 void ScriptedMessages::expectAnnouncement(const QString& text) {
-    expected_.push_back({"announcement", text, {}});
+    expected_.push_back({"announcement", text});
 }
 
 void ScriptedMessages::expectFileChoice(const QString& title, const QString& answer) {
     expected_.push_back({"file choice", title, answer});
 }
 
-void ScriptedMessages::show(MessageLevel level, const QString& text) {
-    meet(levelName(level), text);
+template<typename Value>
+void ScriptedMessages::expectAnswer(const QString& kind, const QString& text,
+                                    const std::optional<Value>& answer) {
+    expected_.push_back({kind, text, answer ? Answer(*answer) : Answer()});
 }
 
-bool ScriptedMessages::ask(const QString& text) {
+void ScriptedMessages::expectInteger(const QString& text, std::optional<int> answer) {
+    expectAnswer("integer", text, answer);
+}
+
+void ScriptedMessages::expectNumber(const QString& text, std::optional<double> answer) {
+    expectAnswer("number", text, answer);
+}
+
+void ScriptedMessages::expectText(const QString& text, const std::optional<QString>& answer) {
+    expectAnswer("text", text, answer);
+}
+
+void ScriptedMessages::expectColorChoice(const QString& title, std::optional<RgbColor> answer) {
+    expectAnswer("colour choice", title, answer);
+}
+
+void ScriptedMessages::show(MessageLevel level, const QString& text, const QString& title) {
+    meetNext(kindOf(level, title), text);
+}
+
+bool ScriptedMessages::ask(const QString& text, const QString& title) {
     if (onQuestion)
         onQuestion();
-    return meet("question", text) == "yes";
+    return meet<bool>(kindOf("question", title), text).value_or(false);
 }
 
 void ScriptedMessages::announce(const QString&, const QString& text, const QString&) {
-    meet("announcement", text);
+    meetNext("announcement", text);
+}
+
+std::optional<int> ScriptedMessages::inputInteger(const InputTexts& texts, int,
+                                                  const IntegerBounds& bounds) {
+    const auto answer = meet<int>("integer", texts.text);
+    EXPECT_TRUE(!answer || (bounds.minimum <= *answer && *answer <= bounds.maximum));
+    return answer;
+}
+
+std::optional<double> ScriptedMessages::inputNumber(const InputTexts& texts, double,
+                                                    const NumberBounds& bounds) {
+    const auto answer = meet<double>("number", texts.text);
+    EXPECT_TRUE(!answer || (bounds.minimum <= *answer && *answer <= bounds.maximum));
+    return answer;
+}
+
+std::optional<QString> ScriptedMessages::inputText(const InputTexts& texts, const QString&) {
+    return meet<QString>("text", texts.text);
 }
 
 QString ScriptedMessages::chooseFileToOpen(const QString& title, const QString&, const QString&) {
-    return meet("file choice", title);
+    return meet<QString>("file choice", title).value_or(QString());
+}
+
+QString ScriptedMessages::waitForFileToSave(const QString& title, const QString&, const QString&) {
+    return meet<QString>("file choice", title).value_or(QString());
 }
 
 void ScriptedMessages::chooseFileToSave(const QString& title, const QString&, const QString&,
-                                        FileChosen chosen) {
-    const QString answer = meet("file choice", title);
-    if (!answer.isEmpty())
-        chosen(answer);
+                                        FileChosen chosen, OpenChooser*) {
+    const auto answer = meet<QString>("file choice", title);
+    if (answer && !answer->isEmpty())
+        chosen(*answer);
 }
 
-QString ScriptedMessages::meet(const QString& kind, const QString& text) {
+void ScriptedMessages::chooseColor(const QString& title, const RgbColor&, ColorChosen chosen,
+                                   OpenChooser&) {
+    if (const auto answer = meet<RgbColor>("colour choice", title))
+        chosen(*answer);
+}
+
+template<typename Value>
+std::optional<Value> ScriptedMessages::meet(const QString& kind, const QString& text) {
+    const Answer answer = meetNext(kind, text);
+    const auto* value = std::get_if<Value>(&answer);
+    return value ? std::optional<Value>(*value) : std::nullopt;
+}
+
+ScriptedMessages::Answer ScriptedMessages::meetNext(const QString& kind, const QString& text) {
     shown_ << text;
     if (acceptAnything_)
         return {};
-    const Expectation next = expected_.empty() ? Expectation{"nothing", {}, {}} : expected_.front();
+    const Expectation next = expected_.empty() ? Expectation{"nothing", {}} : expected_.front();
     if (next.kind != kind ||
         (next.text.endsWith('*') ? !text.startsWith(next.text.chopped(1)) : text != next.text)) {
         ADD_FAILURE() << "unexpected " << kind.toStdString() << ": " << text.toStdString()

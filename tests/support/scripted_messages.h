@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <deque>
 #include <functional>
+#include <variant>
 #include <vector>
 
 /// Installed for its lifetime. Expectations are met in order; `*` at the end of an expected text
@@ -16,10 +17,18 @@ public:
     ScriptedMessages();
     ~ScriptedMessages() override;
 
-    void expect(MessageLevel level, const QString& text);
-    void expectQuestion(const QString& text, bool answer);
+    /// A message, aside or not, with this title.
+    void expect(MessageLevel level, const QString& text, const QString& title = programTitle);
+    void expectQuestion(const QString& text, bool answer, const QString& title = programTitle);
     void expectAnnouncement(const QString& text);
+    /// Of a file to open or to save, whether it is waited for or not; an empty answer cancels.
     void expectFileChoice(const QString& title, const QString& answer);
+    /// By the text of an input, and the title of a colour chooser; without an answer it is
+    /// cancelled. A number that lies outside the bounds of its request fails the test.
+    void expectInteger(const QString& text, std::optional<int> answer);
+    void expectNumber(const QString& text, std::optional<double> answer);
+    void expectText(const QString& text, const std::optional<QString>& answer);
+    void expectColorChoice(const QString& title, std::optional<RgbColor> answer);
     /// All messages so far, one for each line end.
     [[nodiscard]] QStringList shown() const { return shown_; }
     /// Takes any message without complaint; what was shown stands in shown(). For fuzzing loops.
@@ -27,23 +36,40 @@ public:
     /// What the operator does before answering a question.
     std::function<void()> onQuestion;
 
-    void show(MessageLevel level, const QString& text) override;
-    void showAside(MessageLevel level, const QString& text) override { show(level, text); }
-    bool ask(const QString& text) override;
+    void show(MessageLevel level, const QString& text, const QString& title) override;
+    void showAside(MessageLevel level, const QString& text) override {
+        show(level, text, programTitle);
+    }
+    bool ask(const QString& text, const QString& title) override;
     void announce(const QString& title, const QString& text, const QString& button) override;
-    QString chooseFileToOpen(const QString& title, const QString& folder,
+    std::optional<int> inputInteger(const InputTexts& texts, int start,
+                                    const IntegerBounds& bounds) override;
+    std::optional<double> inputNumber(const InputTexts& texts, double start,
+                                      const NumberBounds& bounds) override;
+    std::optional<QString> inputText(const InputTexts& texts, const QString& start) override;
+    QString chooseFileToOpen(const QString& title, const QString& place,
                              const QString& filter) override;
-    /// Answers at once.
-    void chooseFileToSave(const QString& title, const QString& folder, const QString& filter,
-                          FileChosen chosen) override;
+    QString waitForFileToSave(const QString& title, const QString& place,
+                              const QString& filter) override;
+    /// Both answer at once.
+    void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
+                          FileChosen chosen, OpenChooser* subject) override;
+    void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,
+                     OpenChooser& subject) override;
 
 private:
+    /// Without a value the request is cancelled.
+    using Answer = std::variant<std::monostate, bool, int, double, QString, RgbColor>;
     struct Expectation {
         QString kind;
         QString text;
-        QString answer;
+        Answer answer = {};
     };
-    QString meet(const QString& kind, const QString& text);
+    template<typename Value>
+    void expectAnswer(const QString& kind, const QString& text, const std::optional<Value>& answer);
+    template<typename Value>
+    [[nodiscard]] std::optional<Value> meet(const QString& kind, const QString& text);
+    Answer meetNext(const QString& kind, const QString& text);
 
     std::deque<Expectation> expected_;
     QStringList shown_;

@@ -78,7 +78,7 @@ TEST_F(STCFile, EverySavedRunComesBackWhateverItsPrefix) {
         FMRHeader header;
         Volume volume;
         ASSERT_TRUE(readSTCVolume(4, project.projectPath, header, volume));
-        EXPECT_TRUE(std::ranges::equal(volume.span(), project.volumes[4].span()));
+        EXPECT_TRUE(std::ranges::equal(volume.span(), project.volumes[4]));
         // Once more, from what was loaded.
         ASSERT_TRUE(writeSTCData(loaded, 5, nullptr, nullptr, 0, 0));
         ASSERT_TRUE(writeFMRHeader(loaded, loaded.projectPath, 5));

@@ -139,7 +139,7 @@ TEST(SliceTiming, MeasuredTimesOfSeveralSlicesAtOnceComeBackAligned) {
         options.measuredTimes = true;
         ASSERT_TRUE(correct(run, options));
         for (int v = 1; v < 9; ++v)
-            for (const int16_t sample : run.volumes[size_t(v)].span())
+            for (const int16_t sample : run.volumes[size_t(v)])
                 ASSERT_NEAR(sample, ramp(v), 0.5) << v;
     }
 }

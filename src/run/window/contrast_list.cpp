@@ -1,30 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/contrast_list.h"
 
-#include <QColorDialog>
+#include "dialogs/appearance.h"
+
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QPainter>
 
 namespace {
 
 constexpr QSize colorIconSize(20, 16);
-
-QColor toQColor(const RgbColor& color) {
-    const auto channel = [](int value) { return std::clamp(value, 0, 255); };
-    return QColor(channel(color.red), channel(color.green), channel(color.blue));
-}
-
-QIcon colorIcon(const RgbColor& color) {
-    QPixmap pixmap(colorIconSize);
-    pixmap.fill(toQColor(color));
-    QPainter painter(&pixmap);
-    painter.setPen(QColor(160, 160, 160));
-    painter.drawRect(0, 0, colorIconSize.width() - 1, colorIconSize.height() - 1);
-    QIcon icon(pixmap);
-    icon.addPixmap(pixmap, QIcon::Selected); // the style would tint it
-    return icon;
-}
 
 QIcon stateIcon(bool on) {
     const QString path = on ? ":/images/contrast_on.png" : ":/images/contrast_off.png";
@@ -63,7 +47,7 @@ ContrastList::ContrastList(QWidget* parent) : QTreeWidget(parent) {
 
 void ContrastList::setContrasts(ContrastDefinitions* contrasts) {
     contrasts_ = contrasts;
-    delete colorDialog_;
+    colorChooser_.close();
     clear();
     if (!contrasts_)
         return;
@@ -80,7 +64,7 @@ void ContrastList::showRow(int index) {
     const int state = contrasts_->ContrastSelectionStates[size_t(index)];
     item->setIcon(Positive, stateIcon(state & ContrastPositive));
     item->setIcon(Negative, stateIcon(state & ContrastNegative));
-    item->setIcon(Color, colorIcon(contrasts_->ContrastColors[size_t(index)]));
+    item->setIcon(Color, colorIcon(contrasts_->ContrastColors[size_t(index)], colorIconSize));
 }
 
 void ContrastList::slotClickedContrastList(QTreeWidgetItem* item, int column) {
@@ -118,16 +102,13 @@ void ContrastList::toggle(int index, ContrastState bit) {
 
 // The chooser is not waited for: a run goes on while it is open. It closes when the contrasts go.
 void ContrastList::editColor(int index) {
-    delete colorDialog_;
-    colorDialog_ = new QColorDialog(toQColor(contrasts_->ContrastColors[size_t(index)]), window());
-    colorDialog_->setAttribute(Qt::WA_DeleteOnClose);
-    colorDialog_->setOption(QColorDialog::DontUseNativeDialog);
-    colorDialog_->setWindowTitle("Color of " + contrasts_->ContrastNames.value(index));
-    connect(colorDialog_, &QColorDialog::colorSelected, this, [this, index](const QColor& chosen) {
-        contrasts_->ContrastColors[size_t(index)] =
-            RgbColor{chosen.red(), chosen.green(), chosen.blue()};
-        showRow(index);
-        Q_EMIT contrastsEdited();
-    });
-    colorDialog_->show();
+    chooseColor(
+        "Color of " + contrasts_->ContrastNames.value(index),
+        contrasts_->ContrastColors[size_t(index)],
+        [this, index](const RgbColor& chosen) {
+            contrasts_->ContrastColors[size_t(index)] = chosen;
+            showRow(index);
+            Q_EMIT contrastsEdited();
+        },
+        colorChooser_);
 }

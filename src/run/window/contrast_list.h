@@ -2,12 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/messages.h"
 #include "stats/contrasts.h"
 
-#include <QPointer>
 #include <QTreeWidget>
-
-class QColorDialog;
 
 /// Shows a run's contrasts and changes their selection and colours. It does not own them.
 class ContrastList : public QTreeWidget {
@@ -38,5 +36,5 @@ private:
     void showRow(int index);
 
     ContrastDefinitions* contrasts_ = nullptr;
-    QPointer<QColorDialog> colorDialog_; ///< open for one of the contrasts
+    OpenChooser colorChooser_; ///< of one of the contrasts
 };

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/contrast_panel.h"
 
+#include "dialogs/number_fields.h"
 #include "run/window/contrast_list.h"
-#include "run/window/threshold_spin_box.h"
 #include "run/window/velo_cortivo.h"
 
 #include <QCheckBox>

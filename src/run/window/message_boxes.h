@@ -1,18 +1,30 @@
-// Messages, questions, file and colour choices on the screen.
+// Messages, questions, inputs, choices of files and colours on the screen.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/messages.h"
 
-/// Shows modal boxes over the active window. Installed for the whole program by main().
+/// Shows boxes of the toolkit over the active window. Installed for the whole program by main().
+/// Texts are plain text, whatever characters a file name in them holds. When the window below a box
+/// goes, the box goes with it and counts as cancelled.
 class MessageBoxes : public MessageHandler {
 public:
-    void show(MessageLevel level, const QString& text) override;
+    void show(MessageLevel level, const QString& text, const QString& title) override;
     void showAside(MessageLevel level, const QString& text) override;
-    [[nodiscard]] bool ask(const QString& text) override;
+    [[nodiscard]] bool ask(const QString& text, const QString& title) override;
     void announce(const QString& title, const QString& text, const QString& button) override;
-    [[nodiscard]] QString chooseFileToOpen(const QString& title, const QString& folder,
+    [[nodiscard]] std::optional<int> inputInteger(const InputTexts& texts, int start,
+                                                  const IntegerBounds& bounds) override;
+    [[nodiscard]] std::optional<double> inputNumber(const InputTexts& texts, double start,
+                                                    const NumberBounds& bounds) override;
+    [[nodiscard]] std::optional<QString> inputText(const InputTexts& texts,
+                                                   const QString& start) override;
+    [[nodiscard]] QString chooseFileToOpen(const QString& title, const QString& place,
                                            const QString& filter) override;
-    void chooseFileToSave(const QString& title, const QString& folder, const QString& filter,
-                          FileChosen chosen) override;
+    [[nodiscard]] QString waitForFileToSave(const QString& title, const QString& place,
+                                            const QString& filter) override;
+    void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
+                          FileChosen chosen, OpenChooser* subject) override;
+    void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,
+                     OpenChooser& subject) override;
 };

@@ -1,37 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/program_dialogs.h"
 
-#include <QDialog>
-#include <QDialogButtonBox>
-#include <QLabel>
-#include <QPushButton>
-#include <QVBoxLayout>
+#include "dialogs/dialog_setup.h"
+#include "ui_text_dialog.h"
 
 namespace {
 
 void openTextDialog(QWidget* parent, const char* name, const QString& title, const QString& text) {
-    if (auto* open = parent->findChild<QDialog*>(name)) {
-        open->raise();
-        open->activateWindow();
-        return;
-    }
+    if (auto* open = parent->findChild<QDialog*>(name))
+        return showInFront(*open);
     auto* dialog = new QDialog(parent);
+    Ui::TextDlg form;
+    form.setupUi(dialog);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setObjectName(name);
     dialog->setWindowTitle(title);
-    auto* label = new QLabel(text, dialog);
-    label->setWordWrap(true);
-    label->setMinimumWidth(440);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, dialog);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-    auto* layout = new QVBoxLayout(dialog);
-    layout->setContentsMargins(20, 16, 20, 16);
-    layout->setSpacing(16);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
-    layout->addWidget(label);
-    layout->addWidget(buttons);
-    buttons->button(QDialogButtonBox::Ok)->setFocus();
+    form.TextLbl->setText(text);
+    prepareDialog(*dialog);
+    form.Buttons->setFocus();
     dialog->show();
 }
 
@@ -51,6 +37,8 @@ void showLicenceDialog(QWidget* parent) {
         "<table cellspacing=\"6\">"
         "<tr><td><b>Qt 6</b></td><td>GNU Lesser General Public License 3 (LGPL-3.0)</td></tr>"
         "<tr><td><b>OpenBLAS</b></td><td>BSD 3-Clause (BSD-3-Clause)</td></tr>"
+        "<tr><td><b>FFTW 3</b></td><td>GNU General Public License 2 or later "
+        "(GPL-2.0-or-later)</td></tr>"
         "</table>"
         "<p>The full text stands in the file LICENSE of the program.</p>");
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/velo_cortivo.h"
 
-#include "run/window/appearance.h"
+#include "dialogs/appearance.h"
+#include "dialogs/progress_boxes.h"
 #include "run/window/program_dialogs.h"
-#include "run/window/progress_boxes.h"
 #include "run/window/title_row.h"
 #include "run/window/window_layout.h"
 #include "volume/ui/postprocessing_dialog.h"
@@ -103,7 +103,9 @@ void VeloCortivo::showTitle(const QString& title) {
 }
 
 std::unique_ptr<ProgressReporter> VeloCortivo::openSavingProgress() {
-    return openSavingBox(this);
+    // Nothing is cancelled: a run that is half saved would be lost.
+    return openProgressBox(
+        this, {"SavingProgressDlg", " Saving Analyzed Data... ", " Cancel ", {250, 80}});
 }
 
 void VeloCortivo::applyWindowSize() {
@@ -174,16 +176,5 @@ void VeloCortivo::slotShowAboutDlg() {
 }
 
 void VeloCortivo::slotPostProcessData() {
-    const int volumes = session_.volumesForPostprocessing();
-    if (volumes == 0)
-        return;
-    delete findChild<PostprocessingDlg*>();
-    auto* dialog = new PostprocessingDlg(session_.functionalDocument->project, volumes, this);
-    wrapToolTips(*dialog);
-    connect(dialog, &QDialog::accepted, this, [this, dialog] {
-        const std::unique_ptr<ProgressReporter> progress = openPostprocessingBox(this, pump_);
-        session_.postprocess(dialog->options(), dialog->recomputeStatistics(), *progress);
-    });
-    // Not waited for: auto-start may begin a run, which closes it.
-    dialog->open();
+    openPostprocessingDialog(session_, pump_, *this);
 }

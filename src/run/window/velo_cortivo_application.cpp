@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/velo_cortivo_application.h"
 
-#include "run/window/appearance.h"
+#include "dialogs/appearance.h"
 
 #include <QLocale>
 #include <QToolTip>

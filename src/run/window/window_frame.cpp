@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/window_frame.h"
 
+#include "dialogs/appearance.h"
 #include "run/session/settings_file_watch.h"
-#include "run/window/appearance.h"
 #include "run/window/window_layout.h"
 
 #include <QBitmap>

@@ -4,6 +4,7 @@
 
 #include "base/file_writing.h"
 #include "run/window/contrast_list.h"
+#include "run/window/message_boxes.h"
 #include "support/scripted_messages.h"
 #include "support/simulated_pump.h"
 #include "volume/ui/postprocessing_dialog.h"
@@ -133,8 +134,16 @@ TEST_F(MainWindow, AVolumeLeavesANumberThatIsTypedItsFocus) {
 
 TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
     prepare(1, Phase::Recording);
+    MessageBoxes boxes;
+    installMessageHandler(&boxes);
     // Each of these has an event loop of its own unless it is told otherwise.
     click(0, ContrastList::Color);
+    const QColorDialog* chooser = nullptr;
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+        if (const auto* dialog = qobject_cast<const QColorDialog*>(widget))
+            chooser = dialog;
+    ASSERT_NE(chooser, nullptr);
+    EXPECT_EQ(chooser->windowTitle(), "Color of contrast 0");
     window_->slotShowAboutDlg();
     window_->slotShowLicenseInfoDlg();
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
@@ -143,7 +152,8 @@ TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
     QCoreApplication::sendEvent(box->findChild<QLineEdit*>(), &menu);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
     window_->session().listeners.documentsLeaving();
-    EXPECT_EQ(window_->findChild<QColorDialog*>(), nullptr) << "its contrast has gone";
+    EXPECT_FALSE(chooser->isVisible()) << "its contrast has gone";
+    installMessageHandler(&messages_);
     runOver();
 }
 
@@ -167,6 +177,14 @@ TEST_F(MainWindow, ContrastColumnsToggleSignsOfAtMostFour) {
     EXPECT_EQ(states, (std::vector<int>{2, 1, 1, 1, 0}));
     conjunction.click();
     EXPECT_TRUE(conjunction.isChecked() && document().contrasts.ConjunctionAnalysis);
+}
+
+TEST_F(MainWindow, AContrastTakesTheColorThatIsChosen) {
+    prepare(2);
+    messages_.expectColorChoice("Color of contrast 1", RgbColor{9, 8, 7});
+    click(1, ContrastList::Color);
+    EXPECT_EQ(document().contrasts.ContrastColors[1], (RgbColor{9, 8, 7}));
+    EXPECT_EQ(document().contrasts.ContrastColors[0], RgbColor());
 }
 
 TEST_F(MainWindow, PanelsFitBothSizes) {

@@ -51,6 +51,9 @@ protected:
 TEST_F(PostprocessingDialog, OkHandsOverWhatWasChosen) {
     QSignalSpy accepted(dialog_.get(), &QDialog::accepted);
     EXPECT_TRUE(label("m_ResultInfo").startsWith("Nothing"));
+    EXPECT_EQ(control<QLineEdit>("m_SpatialSmoothingFWHMValue").text(), "4");
+    EXPECT_EQ(control<QLineEdit>("m_HighPassCycles").text(), "2");
+    EXPECT_EQ(control<QLineEdit>("m_TemporalGaussianWidth").text(), "0.0015");
     for (const char* group :
          {"m_SliceScanTimeCorrection", "m_SpatialSmoothing", "m_TemporalFilters"})
         check(group);
@@ -103,6 +106,72 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
     EXPECT_TRUE(dialog_->isVisible());
     click("CancelBtn");
     EXPECT_EQ(dialog_->result(), QDialog::Rejected);
+}
+
+TEST_F(PostprocessingDialog, OffersOnlyWhatMayBeChosen) {
+    for (const int slices : {25, 26})
+        for (const bool on : {false, true}) {
+            open(slices);
+            check("m_SliceScanTimeCorrection");
+            check("m_TemporalFilters");
+            control<QAbstractButton>("m_TemporalHighPassFilter").setChecked(on);
+            control<QAbstractButton>("m_TemporalGaussianSmoothing").setChecked(on);
+            const auto enabled = [this](const char* name) {
+                return control<QWidget>(name).isEnabled();
+            };
+            EXPECT_EQ(enabled("m_InterleavedOrder"), slices == 25);
+            EXPECT_EQ(enabled("m_LinearTrendRemoval"), !on);
+            for (const char* name : {"m_HighPassCycles", "m_TemporalGaussianWidth",
+                                     "m_TemporalGaussInSeconds", "m_TemporalGaussInDataPoints"})
+                EXPECT_EQ(enabled(name), on) << name;
+        }
+}
+
+TEST_F(PostprocessingDialog, ARunMayBeginInAMessageAndDeleteIt) {
+    struct DeletingMessages : UnattendedMessages {
+        void show(MessageLevel, const QString&, const QString&) override { dialog.reset(); }
+        std::unique_ptr<PostprocessingDlg>& dialog;
+        explicit DeletingMessages(std::unique_ptr<PostprocessingDlg>& d) : dialog(d) {}
+    } deleting(dialog_);
+    for (const char* group : {"", "m_SliceScanTimeCorrection"}) {
+        open(26);
+        if (*group)
+            check(group);
+        installMessageHandler(&deleting);
+        dialog_->accept();
+        installMessageHandler(&messages_);
+        EXPECT_EQ(dialog_, nullptr);
+    }
+}
+
+TEST_F(PostprocessingDialog, EveryControlExplainsItselfAndHasAKeyOfItsOwn) {
+    QStringList keys;
+    for (const QWidget* widget : dialog_->findChildren<QWidget*>()) {
+        const bool field = qobject_cast<const QLineEdit*>(widget);
+        const bool inChain = field || widget->focusPolicy() & Qt::TabFocus;
+        EXPECT_TRUE(!inChain || !widget->toolTip().isEmpty()) << widget->objectName().toStdString();
+        EXPECT_TRUE(!field || !widget->accessibleName().isEmpty() ||
+                    widget->objectName() == "m_SpatialSmoothingFWHMValue") // its label has it
+            << widget->objectName().toStdString();
+        for (const char* property : {"text", "title"}) {
+            const QString text = widget->property(property).toString();
+            if (const qsizetype mark = text.indexOf('&'); mark >= 0)
+                keys << text.mid(mark + 1, 1).toLower();
+        }
+    }
+    EXPECT_EQ(keys.removeDuplicates(), 0) << keys.join(' ').toStdString();
+    EXPECT_GE(keys.size(), 15);
+    // From the first group with Tab, as the form lists them.
+    check("m_SpatialSmoothing");
+    QStringList reached;
+    for (int i = 0; i < 8; ++i) {
+        reached << dialog_->focusWidget()->objectName();
+        QTest::keyClick(dialog_->focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_EQ(reached.join(' ').toStdString(),
+              "m_SliceScanTimeCorrection m_SpatialSmoothing m_SpatialSmoothingInSpaceDomain "
+              "m_SpatialSmoothingInFrequencyDomain m_SpatialSmoothingIn3D m_SpatialSmoothingIn2D "
+              "m_SpatialSmoothingFWHMValue m_SpatialGaussInMm");
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/progress_boxes.h"
+#include "dialogs/progress_boxes.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -8,25 +8,20 @@
 
 namespace {
 
-constexpr QSize boxSize(250, 80);
-constexpr QSize postprocessingBoxSize(320, 110);
-
 /// Stays until it is deleted. Whatever would close it is a cancellation, which canceled() tells.
 class ProgressBox : public QProgressDialog {
 public:
-    ProgressBox(QWidget* window, const char* name, const QString& label, const QString& button,
-                QSize size)
-        : QProgressDialog(label, button, 0, 100, window) {
-        setObjectName(name);
+    ProgressBox(QWidget* window, const ProgressBoxLook& look)
+        : QProgressDialog(look.label, look.button, 0, 100, window) {
+        setObjectName(look.objectName);
         setWindowTitle("Velo-Cortivo");
         disconnect(this, SIGNAL(canceled()), this, SLOT(cancel()));
         setAutoClose(false);
         setAutoReset(false);
         setMinimumDuration(0);
         setWindowModality(Qt::ApplicationModal);
-        setFixedSize(size);
-        move(window->x() + (window->width() - size.width()) / 2,
-             window->y() + window->height() / 3);
+        setFixedSize(look.size);
+        move(window->x() + (window->width() - width()) / 2, window->y() + window->height() / 3);
     }
     void reject() override { Q_EMIT canceled(); }
 
@@ -50,14 +45,13 @@ public:
     BusyCursor& operator=(const BusyCursor&) = delete;
 };
 
-class SavingProgress : public ProgressReporter {
+class BoxedProgress : public ProgressReporter {
 public:
-    explicit SavingProgress(QWidget* window)
-        : box_(window, "SavingProgressDlg", " Saving Analyzed Data... ", " Cancel ", boxSize) {
+    BoxedProgress(QWidget* window, const ProgressBoxLook& look) : box_(window, look) {
         box_.show();
         setProgress(0);
     }
-    ~SavingProgress() override { box_.hide(); }
+    ~BoxedProgress() override { box_.hide(); }
     void setProgress(int percent) override { box_.setValue(percent); }
 
 private:
@@ -65,11 +59,10 @@ private:
     ProgressBox box_;
 };
 
-class PostprocessingProgress : public ProgressReporter {
+class CancellableProgress : public ProgressReporter {
 public:
-    PostprocessingProgress(QWidget* window, EventPump& pump)
-        : pump_(pump), box_(window, "PostprocessingProgressDlg", "Post-processing the run...",
-                            "Cancel", postprocessingBoxSize) {
+    CancellableProgress(QWidget* window, const ProgressBoxLook& look, EventPump& pump)
+        : pump_(pump), box_(window, look) {
         QObject::connect(&box_, &QProgressDialog::canceled, &box_, [this] {
             cancelled_ = true;
             box_.setLabelText("Cancelling...");
@@ -81,7 +74,7 @@ public:
         // goes on.
         box_.show();
     }
-    ~PostprocessingProgress() override { box_.hide(); }
+    ~CancellableProgress() override { box_.hide(); }
     void setProgress(int percent) override {
         box_.setValue(percent);
         pump_.processEvents();
@@ -97,10 +90,11 @@ private:
 
 } // namespace
 
-std::unique_ptr<ProgressReporter> openSavingBox(QWidget* window) {
-    return std::make_unique<SavingProgress>(window);
+std::unique_ptr<ProgressReporter> openProgressBox(QWidget* window, const ProgressBoxLook& look) {
+    return std::make_unique<BoxedProgress>(window, look);
 }
 
-std::unique_ptr<ProgressReporter> openPostprocessingBox(QWidget* window, EventPump& pump) {
-    return std::make_unique<PostprocessingProgress>(window, pump);
+std::unique_ptr<ProgressReporter>
+openCancellableProgressBox(QWidget* window, const ProgressBoxLook& look, EventPump& pump) {
+    return std::make_unique<CancellableProgress>(window, look, pump);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/appearance.h"
+#include "dialogs/appearance.h"
 
+#include <QPainter>
 #include <QScreen>
 #include <QWidget>
 
@@ -33,6 +34,23 @@ QPalette darkPalette() {
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, disabledText);
     return palette;
+}
+
+QColor toQColor(const RgbColor& color) {
+    const auto channel = [](int value) { return std::clamp(value, 0, 255); };
+    return {channel(color.red), channel(color.green), channel(color.blue)};
+}
+
+QIcon colorIcon(const RgbColor& color, QSize size) {
+    QPixmap pixmap(size);
+    pixmap.fill(toQColor(color));
+    QPainter painter(&pixmap);
+    painter.setPen(QColor(160, 160, 160));
+    painter.drawRect(0, 0, size.width() - 1, size.height() - 1);
+    painter.end();
+    QIcon icon(pixmap);
+    icon.addPixmap(pixmap, QIcon::Selected); // the style would tint it
+    return icon;
 }
 
 QString windowStyleSheet() {

@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/rgb_color.h"
+
+#include <QIcon>
 #include <QPalette>
 #include <QRect>
 #include <QString>
@@ -9,6 +12,10 @@
 class QWidget;
 
 [[nodiscard]] QPalette darkPalette();
+/// Channels outside 0 to 255 are brought to the nearest bound.
+[[nodiscard]] QColor toQColor(const RgbColor& color);
+/// A framed sample of a colour, the same for a selected row.
+[[nodiscard]] QIcon colorIcon(const RgbColor& color, QSize size);
 /// Style sheet of the main window's panels and controls.
 [[nodiscard]] QString windowStyleSheet();
 /// A long tool tip would lie over the slices in one line: makes those of all controls below `root`

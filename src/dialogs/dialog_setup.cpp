@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dialogs/dialog_setup.h"
+
+#include "dialogs/appearance.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <set>
+
+namespace {
+
+constexpr int titleBarHeight = 40; // pixels that are kept free for the window's own frame
+
+/// Sets the size of a dialog when it is shown for the first time; a top-level window would else be
+/// held to two thirds of the screen.
+class FirstSize : public QObject {
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* dialog = static_cast<QWidget*>(watched);
+        if (event->type() == QEvent::Show && !dialog->testAttribute(Qt::WA_Resized))
+            dialog->resize(
+                dialog->sizeHint().boundedTo(screenArea(dialog).size() - QSize(0, titleBarHeight)));
+        return false;
+    }
+};
+
+/// A screen reader has a text for the others: that on the button, or that of a label.
+bool needsName(const QWidget* widget) {
+    const auto* button = qobject_cast<const QAbstractButton*>(widget);
+    return button ? button->text().isEmpty()
+                  : qobject_cast<const QLineEdit*>(widget) ||
+                        qobject_cast<const QAbstractSpinBox*>(widget) ||
+                        qobject_cast<const QComboBox*>(widget) ||
+                        qobject_cast<const QAbstractItemView*>(widget);
+}
+
+} // namespace
+
+void prepareDialog(QDialog& dialog) {
+    std::set<const QWidget*> labelled;
+    for (const QLabel* label : dialog.findChildren<QLabel*>())
+        labelled.insert(label->buddy());
+    for (QWidget* widget : dialog.findChildren<QWidget*>())
+        if (needsName(widget) && !labelled.contains(widget) && widget->accessibleName().isEmpty())
+            widget->setAccessibleName(widget->toolTip());
+    wrapToolTips(dialog);
+    dialog.installEventFilter(new FirstSize(&dialog));
+}
+
+void showInFront(QDialog& dialog) {
+    dialog.show();
+    dialog.raise();
+    dialog.activateWindow();
+}
+
+void returnToControl(QWidget& control) {
+    // The message lay over another window, which may have the keyboard now.
+    control.activateWindow();
+    control.setFocus();
+    if (auto* field = qobject_cast<QLineEdit*>(&control))
+        field->selectAll();
+}
+
+QRect placedWithin(const QRect& area, const QRect& frame) {
+    QRect placed(frame.topLeft(), frame.size().boundedTo(area.size()));
+    placed.moveRight(std::min(placed.right(), area.right()));
+    placed.moveBottom(std::min(placed.bottom(), area.bottom()));
+    placed.moveLeft(std::max(placed.left(), area.left()));
+    placed.moveTop(std::max(placed.top(), area.top()));
+    return placed;
+}
+
+void keepOnScreen(QWidget& window) {
+    const QRect frame = window.frameGeometry();
+    const QRect placed = placedWithin(screenArea(&window), frame);
+    if (placed == frame)
+        return;
+    window.resize(window.size() - (frame.size() - placed.size()));
+    window.move(placed.topLeft());
+}
