@@ -11,11 +11,12 @@ function(velo_precompiled_header name)
     file(GENERATE OUTPUT ${source} CONTENT "// Nothing but its precompiled header.\n")
     add_library(velo_${name} OBJECT EXCLUDE_FROM_ALL ${source})
     target_link_libraries(velo_${name} PRIVATE velo_options ${ARGN})
-    # Images are used from level 6 on; a link to Qt Gui would bring a definition that others lack.
-    target_include_directories(velo_${name} SYSTEM PRIVATE ${Qt6Gui_INCLUDE_DIRS})
     target_precompile_headers(velo_${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/${name}.h)
 endfunction()
 
+# Images stand in the header of all, though they are used from level 6 on: scripts/check_layers sees
+# to that. A link to Qt Gui would bring a definition that parts the users.
+target_include_directories(velo_options SYSTEM INTERFACE ${Qt6Gui_INCLUDE_DIRS})
 velo_precompiled_header(precompiled_core Qt6::Core)
 velo_precompiled_header(precompiled_widgets Qt6::Widgets)
 if(VELO_TESTS)

@@ -24,13 +24,16 @@ public:
               std::span<int16_t> samples) const {
         std::mt19937 random(seed);
         std::normal_distribution<double> gaussian(0.0, noise + 1e-9);
+        const std::array<Turn, 3> turns{Turn(-double(t.rx)), Turn(-double(t.ry)),
+                                        Turn(-double(t.rz))};
         size_t i = 0;
         for (int z = 0; z < grid_.size[2]; ++z)
             for (int y = 0; y < grid_.size[1]; ++y)
                 for (int x = 0; x < grid_.size[0]; ++x, ++i) {
-                    const double value = signal(
-                        atRest(t, {double(grid_.position(0, x)), double(grid_.position(1, y)),
-                                   double(grid_.position(2, z))}));
+                    const double value =
+                        signal(atRest(t, turns,
+                                      {double(grid_.position(0, x)), double(grid_.position(1, y)),
+                                       double(grid_.position(2, z))}));
                     samples[i] = int16_t(std::lround(std::abs(value + gaussian(random))));
                 }
     }
@@ -38,18 +41,25 @@ public:
 private:
     using Point = std::array<double, 3>;
 
-    static void turn(double& a, double& b, double degrees) {
-        const double angle = degrees * std::numbers::pi / 180.0;
-        const double before = a;
-        a = std::cos(angle) * before - std::sin(angle) * b;
-        b = std::sin(angle) * before + std::cos(angle) * b;
-    }
+    /// A rotation in a plane; sine and cosine are taken once for all voxels.
+    struct Turn {
+        explicit Turn(double degrees)
+            : cosine(std::cos(degrees * std::numbers::pi / 180.0)),
+              sine(std::sin(degrees * std::numbers::pi / 180.0)) {}
+        void apply(double& a, double& b) const {
+            const double before = a;
+            a = cosine * before - sine * b;
+            b = sine * before + cosine * b;
+        }
+        double cosine;
+        double sine;
+    };
     /// The inverse of T(-t) Rx Ry Rz, in double and turn by turn.
-    static Point atRest(const RigidTransformation& t, Point p) {
+    static Point atRest(const RigidTransformation& t, const std::array<Turn, 3>& turns, Point p) {
         p = {p[0] + double(t.tx), p[1] + double(t.ty), p[2] + double(t.tz)};
-        turn(p[1], p[2], -double(t.rx));
-        turn(p[2], p[0], -double(t.ry));
-        turn(p[0], p[1], -double(t.rz));
+        turns[0].apply(p[1], p[2]);
+        turns[1].apply(p[2], p[0]);
+        turns[2].apply(p[0], p[1]);
         return p;
     }
     double signal(const Point& p) const {

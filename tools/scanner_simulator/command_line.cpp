@@ -26,6 +26,7 @@ void addOptions(QCommandLineParser& parser) {
         {"noise", "Standard deviation of the noise (default: 8; brain 650-1130).", "value"},
         {"amplitude", "Response of active regions, percent (default: 2.5).", "percent"},
         {"motion", "Motion of the head: none (default), drift or jumps.", "kind"},
+        {"smoothing", "Width of the smoothing in the settings (default: 0, off).", "millimetres"},
         {"seed", "Seed of all random numbers (default: 1).", "number"},
         {"syntax", "explicit-le (default), implicit-le or explicit-be.", "syntax"},
         {"big-endian", "Raw data are big endian."},
@@ -149,6 +150,7 @@ void takeSimulation(const QCommandLineParser& parser, Values& values, SimulatorC
     values.integer("tr", simulation.repetitionTime);
     values.integer("fov", simulation.fieldOfView);
     values.integer("block", simulation.blockLength);
+    values.integer("smoothing", simulation.smoothingWidth);
     values.real("slice-distance", simulation.sliceDistance);
     values.real("noise", simulation.noise);
     double percent = simulation.amplitude * 100.0;

@@ -97,8 +97,9 @@ void addAnalysis(SettingsLines& lines, const RunDescription& run) {
     lines.blank();
     lines.number("MotionCorrection:", run.options.motion == HeadMotion::None ? 0 : 1);
     lines.blank();
-    lines.number("SpatialGaussianSmoothing:", 0);
-    lines.number("SpatialSmoothingFWHM:", 4);
+    const int width = run.options.smoothingWidth;
+    lines.number("SpatialGaussianSmoothing:", width > 0 ? 1 : 0);
+    lines.number("SpatialSmoothingFWHM:", width > 0 ? width : 4);
     lines.blank();
 }
 

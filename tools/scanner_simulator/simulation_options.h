@@ -67,6 +67,7 @@ struct SimulationOptions {
     double noise = 8.0;         ///< standard deviation in sample units
     double amplitude = 0.025;   ///< full response of an active region, as a part of its signal
     HeadMotion motion = HeadMotion::None;
+    int smoothingWidth = 0; ///< millimetres at half maximum that the settings ask for; 0: none
     uint64_t seed = 1;
     ProtocolKind protocol = ProtocolKind::Prt;
     WatchFolderForm watchFolder = WatchFolderForm::Plain;

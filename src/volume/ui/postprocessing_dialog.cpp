@@ -43,6 +43,12 @@ PostprocessingDlg::PostprocessingDlg(const FMRProject& project, int nrOfMeasured
 
 PostprocessingDlg::~PostprocessingDlg() = default;
 
+// Not at once: a message of the dialog may be open.
+void PostprocessingDlg::leave() {
+    hide();
+    deleteLater();
+}
+
 void PostprocessingDlg::setOptions(const PostprocessingOptions& options) {
     const SliceScanTimeOptions& times = options.sliceScanTime;
     ui_->m_SliceScanTimeCorrection->setChecked(times.checked);

@@ -32,13 +32,14 @@ public:
     [[nodiscard]] bool recomputeStatistics() const;
 
     // It goes with the run that it is about.
-    void documentsLeaving() override { deleteLater(); }
-    void settingsFileChanged() override { deleteLater(); }
+    void documentsLeaving() override { leave(); }
+    void settingsFileChanged() override { leave(); }
 
 protected:
     [[nodiscard]] bool apply() override;
 
 private:
+    void leave();
     void setOptions(const PostprocessingOptions& options);
     void onChanged();
     [[nodiscard]] QString shown(const QString& fileName) const;

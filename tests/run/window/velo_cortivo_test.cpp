@@ -318,6 +318,7 @@ TEST_F(MainWindow, PostProcessingRunsAfterOkAndCanBeCancelled) {
     QDir::setCurrent(folderBefore);
     window_->slotPostProcessData();
     window_->setSettingsFile(home_.path() + "/run-7.vco");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(window_->findChild<PostprocessingDlg*>(), nullptr) << "its run is no longer current";
 }
 
