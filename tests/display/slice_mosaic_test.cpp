@@ -123,6 +123,15 @@ TEST(SliceMosaic, DrawsSquaresOverInplaneSlices) {
                 << x << " " << y;
 }
 
+TEST(SliceMosaic, LeavesBlackWhatASmallerImageDoesNotFill) {
+    Scene scene(2, 1);
+    scene.mosaic = QImage(8, 3, QImage::Format_RGB32);
+    scene.mosaic.fill(Qt::red);
+    scene.slices.SlicePixmaps[1] = scene.slices.SlicePixmaps[1].copy(0, 0, 2, 3);
+    EXPECT_EQ(scene.pixel(4 + 1, 0), grey);
+    EXPECT_EQ(scene.pixel(4 + 2, 0), black);
+}
+
 TEST(SliceMosaic, RefusesWhatItCanNotShow) {
     Scene scene(2, 1);
     for (const SliceMosaicLayout& layout :

@@ -48,9 +48,9 @@ TEST(Clusters, StateAndSliceDecideWhatIsShown) {
           {3, std::numeric_limits<float>::quiet_NaN(), false}}) {
         StatisticalMaps maps = mapsInUse(2, 2, 3, 1, state);
         std::ranges::fill(maps.map(0), value);
-        OverlayThresholds thresholds{.Threshold = 3.0f, .ClusterSizePixels = 0};
+        OverlayThresholds thresholds{3.0f, -1.0f, 0};
         computeClusterSizes(maps, thresholds, false);
-        EXPECT_EQ(thresholds.ClusterSizePixels, 1);
+        EXPECT_EQ(thresholds, (OverlayThresholds{3.0f, 0.0f, 1}));
         EXPECT_EQ(maps.ClusterSizeSlices[1][0], shown ? 4 : 0);
         // The outermost slices have no clusters; their voxels are shown with cluster size 1 only.
         for (const int pixels : {0, 1, 4, 5}) {

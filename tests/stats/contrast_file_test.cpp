@@ -68,6 +68,7 @@ TEST(ContrastFile, IsWrittenInItsLayoutAndReadBack) {
     EXPECT_EQ(read.ContrastValues, twoContrasts().ContrastValues);
     EXPECT_EQ(read.ContrastWeights,
               (std::vector<std::vector<int>>{{1, 0, 0, 0}, {-10, -99, 0, 0}}));
+    EXPECT_EQ(read.ContrastSelectionStates, twoContrasts().ContrastSelectionStates);
     EXPECT_EQ(read.ContrastColors, twoContrasts().ContrastColors);
 }
 

@@ -48,6 +48,11 @@ TEST(BrainMask, HoldsInnerSlicesReadAsUnsigned) {
     ASSERT_TRUE(createBrainMask(run.mask, run.project, 100));
     for (const auto& [voxel, sample, inside] : cases)
         EXPECT_EQ(run.mask.voxels[voxel] != 0, inside) << voxel;
+    // Kernels need the voxels in runs: one from each that lies outside to the next.
+    ASSERT_GE(run.mask.runs.size(), 2u);
+    EXPECT_EQ(run.mask.runs[0].first, 43u);
+    EXPECT_EQ(run.mask.runs[0].count, 4u); // 47 is one of the dark voxels
+    EXPECT_EQ(run.mask.runs[1].first, 48u);
 }
 
 TEST(BrainMask, WithoutItThereIsNoModel) {

@@ -139,5 +139,4 @@ struct RunSettings {
         return RawDataBigEndian ? ByteOrder::Big : ByteOrder::Little;
     }
     [[nodiscard]] int nrOfAnalysedVolumes() const { return NrOfVolumes - NrOfVolumesToSkip; }
-    [[nodiscard]] float sliceDistance() const { return SliceThickness + GapThickness; }
 };
