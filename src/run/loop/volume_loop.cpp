@@ -7,7 +7,7 @@
 #include "run/loop/run_saving.h"
 #include "run/loop/status_text.h"
 #include "run/loop/volume_preprocessing.h"
-#include "run/protocol/condition_index.h"
+#include "run/protocol/stimulation_protocol.h"
 #include "stats/clusters.h"
 
 namespace {

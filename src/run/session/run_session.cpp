@@ -94,7 +94,7 @@ bool RunSession::recordRun() {
         return false;
     QString colors;
     if (!settings.ROIColorsFile.isEmpty() && readTextFile(settings.ROIColorsFile, colors))
-        takeRegionColors(colors, regionColors);
+        parseRegionColors(colors, regionColors);
     listeners.runPrepared(*functionalDocument);
     display_.updateViews();
     pump_.processEvents();
