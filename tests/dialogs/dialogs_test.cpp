@@ -226,6 +226,7 @@ TEST(DialogSetup, TallContentScrollsOnlyWhereTheScreenIsTooSmall) {
 TEST(ProgressBoxes, OnlyCancellableWorkIsCancelled) {
     QWidget window;
     window.setGeometry(340, 60, 800, 600);
+    window.show();
     SimulatedPump pump;
     using Act = std::function<void(QProgressDialog&)>;
     const Act acts[] = {[](auto& box) { box.template findChild<QPushButton*>()->click(); },
@@ -239,7 +240,7 @@ TEST(ProgressBoxes, OnlyCancellableWorkIsCancelled) {
             auto& box = *window.findChild<QProgressDialog*>("WorkDlg");
             EXPECT_NE(QApplication::overrideCursor(), nullptr);
             EXPECT_EQ(box.value(), cancellable ? -1 : 0); // -1: nothing was told yet
-            EXPECT_EQ(box.pos(), QPoint(340 + (800 - 320) / 2, 60 + 600 / 3));
+            EXPECT_EQ(box.pos(), QPoint(window.x() + (800 - 320) / 2, window.y() + 600 / 3));
             EXPECT_EQ(box.size(), QSize(320, 110));
             EXPECT_FALSE(progress->cancelled());
             act(box);
