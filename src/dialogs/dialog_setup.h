@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QRect>
+#include <QString>
 
 class QDialog;
 class QWidget;
@@ -24,3 +25,7 @@ void returnToControl(QWidget& control);
 /// with its frame. For windows that stand at a place of their own, and after a change of their
 /// size.
 void keepOnScreen(QWidget& window);
+
+/// Opens a modeless dialog with a text, which may be HTML, and an OK button. One of this object
+/// name that is open already comes to the front.
+void openTextDialog(QWidget& parent, const char* name, const QString& title, const QString& text);

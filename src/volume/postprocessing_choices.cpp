@@ -16,7 +16,8 @@ OpenChoices openChoices(const PostprocessingOptions& options, const FMRHeader& h
     return {times.checked && !times.measuredTimes,
             times.checked && timesAreKnown,
             times.checked && !interleavedBeginsWithSecond(header.NrOfSlices),
-            temporal.checked && !temporal.highPass, temporal.checked && temporal.highPass,
+            temporal.checked && !temporal.highPass,
+            temporal.checked && temporal.highPass,
             temporal.checked && temporal.gaussian};
 }
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/session/settings_file_watch.h"
 
+#include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
 #include "run/loop/status_text.h"
-#include "run/session/sample_session.h"
 #include "run/session/settings_file_names.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 namespace {
@@ -15,6 +16,18 @@ constexpr int checkStateInterval = 1000; // milliseconds
 
 bool isFile(const QString& path) {
     return QFileInfo(path).isFile();
+}
+
+// Files that are there already are the user's and stay. The sample is a help, not a need: without
+// it the program starts all the same.
+void laySampleSession(const QString& folder) {
+    QDir().mkpath(folder);
+    const QDir source(":/sample_session");
+    for (const QString& name : source.entryList(QDir::Files)) {
+        QFile file(source.filePath(name));
+        if (!QFile::exists(folder + name) && file.open(QIODevice::ReadOnly))
+            static_cast<void>(writeFileAtomically(folder + name, file.readAll()));
+    }
 }
 
 } // namespace
@@ -120,8 +133,7 @@ void SettingsFileWatch::lookAtFile() {
         controlsDisplay_.showTitle("VCO - " + master_.settingsFileName);
     if (!isThere) {
         session_.setRunButton(RunButtonState::NoSettingsFile);
-        display_.showLogText(
-            waitingText(session_.requests.logFontSize, master_.settingsFileName));
+        display_.showLogText(waitingText(session_.requests.logFontSize, master_.settingsFileName));
     } else if (session_.report.runFinished) {
         showFinishedFile();
     } else if (master_.autoStartRun || autoStartPending_) {
@@ -144,11 +156,10 @@ void SettingsFileWatch::showFinishedFile() {
     session_.setRunButton(RunButtonState::Finished);
     // Where the data lie is told until something newer happens.
     const QString& outcome = session_.report.outcomeText;
-    display_.showLogText(outcome.isEmpty()
-                             ? finishedText(session_.requests.logFontSize,
-                                            master_.settingsFileName, session_.settings.Title,
-                                            session_.report.savedCompletely)
-                             : outcome);
+    display_.showLogText(
+        outcome.isEmpty() ? finishedText(session_.requests.logFontSize, master_.settingsFileName,
+                                         session_.settings.Title, session_.report.savedCompletely)
+                          : outcome);
     controls_.reloadPossible = projectExists();
 }
 
@@ -171,15 +182,13 @@ void SettingsFileWatch::startRun() {
 
 // One number at a time, so that none is skipped when several files have appeared.
 void SettingsFileWatch::advance() {
-    const int found =
-        countRecordings(master_.settingsDirectory, master_.settingsFileName, isFile);
+    const int found = countRecordings(master_.settingsDirectory, master_.settingsFileName, isFile);
     if (highestRunNumber_ == -1)
         highestRunNumber_ = found;
     if (found <= highestRunNumber_)
         return;
     const int next = highestRunNumber_ + 1;
-    if (!setSettingsFile(master_.settingsDirectory +
-                         recordingName(master_.settingsFileName, next)))
+    if (!setSettingsFile(master_.settingsDirectory + recordingName(master_.settingsFileName, next)))
         return;
     highestRunNumber_ = next;
     autoStartPending_ = true;

@@ -143,7 +143,8 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
         {"conjunction",
          [&](QtCortivoDoc& document) {
              EXPECT_TRUE(session.changeConjunction(!document.contrasts.ConjunctionAnalysis));
-             EXPECT_FALSE(document.contrasts.NrOfContrasts > 0 && !session.changeConjunction(false));
+             EXPECT_FALSE(document.contrasts.NrOfContrasts > 0 &&
+                          !session.changeConjunction(false));
              EXPECT_TRUE(session.changeConjunction(true));
          }},
     };
@@ -245,4 +246,5 @@ TEST_F(SessionOperations, AStoppedRunIsSavedBeforeAnybodyAnswers) {
     messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
     session.runButtonPressed();
     EXPECT_EQ(QFileInfo(path("results/test.stc")).size(), 9 * 8 * 8 * 4 * 2);
+    EXPECT_EQ(messages.shownAside(), QStringList("RECORDING INTERRUPTED BY USER"));
 }

@@ -55,7 +55,9 @@ QString textOf(const QDialog& dialog) {
     if (const auto* box = qobject_cast<const QMessageBox*>(&dialog))
         return box->text();
     const auto* label = dialog.findChild<QLabel*>();
-    return label->textFormat() == Qt::PlainText ? label->text().replace("&&", "&") : "not plain";
+    return label->textFormat() == Qt::PlainText && label->wordWrap()
+               ? label->text().replace("&&", "&")
+               : "not as it should be";
 }
 
 class Boxes : public testing::Test {
@@ -152,6 +154,7 @@ TEST_F(Boxes, ShowTheirTextAndTakeEachAnswer) {
         {integer, typed("-2"), "-2"},
         {integer, typed("91"), "9"}, // the last digit is not taken
         {number, key(Qt::Key_Return), "0.5"},
+        {number, typed("91"), "9"},
         {number, typed("1.2346"), "1.234"}, // nor is a fourth decimal
         {name, key(Qt::Key_Return), "start"},
         {name, typed("a&b"), "a&b"},
@@ -176,6 +179,31 @@ TEST_F(Boxes, ShowTheirTextAndTakeEachAnswer) {
             QApplication::restoreOverrideCursor();
         }
     }
+}
+
+TEST_F(Boxes, HoldUpARunOnlyWhereAnAnswerIsNeeded) {
+    bool active = true;
+    boxes_.runIsActive = [&] { return active; };
+    const auto modeless = [] {
+        int count = 0;
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (auto* box = qobject_cast<QMessageBox*>(widget); box && box->isVisible()) {
+                ++count;
+                box->close();
+            }
+        return count;
+    };
+    boxes_.show(MessageLevel::Information, text, programTitle);
+    boxes_.show(MessageLevel::Warning, text, programTitle);
+    EXPECT_EQ(modeless(), 2);
+    const auto show = [this](MessageLevel level, const QString& title) {
+        return [this, level, title] { return boxes_.show(level, text, title), QString(); };
+    };
+    answered(show(MessageLevel::Critical, programTitle), {key(Qt::Key_Return)});
+    answered(show(MessageLevel::Information, "Velo-Cortivo Plugin"), {key(Qt::Key_Return)});
+    active = false;
+    answered(show(MessageLevel::Warning, programTitle), {key(Qt::Key_Return)});
+    EXPECT_EQ(modeless(), 0);
 }
 
 TEST_F(Boxes, CountAsCancelledWhenTheyAreClosedOrTheirWindowGoes) {

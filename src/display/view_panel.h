@@ -9,15 +9,15 @@
 class QToolButton;
 class QtCortivoView;
 class RunSession;
-class VeloCortivo;
 
 /// The frame ImageView. Makes the views of new documents and lets them go with these.
 class ViewPanel : public QFrame, public RunListener {
+    Q_OBJECT
+
 public:
     /// The frame of the buttons becomes a child of `parent` too.
     ViewPanel(RunSession& session, QWidget* parent);
 
-    void connectTo(VeloCortivo& window);
     /// There are a document and its view.
     [[nodiscard]] bool documentShown() const;
     void refreshButtons();
@@ -32,6 +32,9 @@ public:
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override;
     void runPrepared(QtCortivoDoc& functional) override;
+
+Q_SIGNALS:
+    void slicesWanted();
 
 private:
     void createButtons(QWidget* parent);

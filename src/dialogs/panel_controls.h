@@ -1,4 +1,4 @@
-// Frames and buttons as the panels of the main window have them.
+// Frames and buttons of panels.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
