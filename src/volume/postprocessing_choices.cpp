@@ -4,7 +4,6 @@
 #include "volume/high_pass.h"
 #include "volume/run_smoothing.h"
 #include "volume/slice_timing.h"
-#include "volume/temporal_smoothing.h"
 
 #include <algorithm>
 
@@ -16,7 +15,8 @@ OpenChoices openChoices(const PostprocessingOptions& options, const FMRHeader& h
     return {times.checked && !times.measuredTimes,
             times.checked && timesAreKnown,
             times.checked && !interleavedBeginsWithSecond(header.NrOfSlices),
-            temporal.checked && !temporal.highPass, temporal.checked && temporal.highPass,
+            temporal.checked && !temporal.highPass,
+            temporal.checked && temporal.highPass,
             temporal.checked && temporal.gaussian};
 }
 

@@ -37,7 +37,7 @@ public:
     std::function<void()> onQuestion;
 
     void show(MessageLevel level, const QString& text, const QString& title) override;
-    void showAside(MessageLevel level, const QString& text) override {
+    void showModeless(MessageLevel level, const QString& text) override {
         show(level, text, programTitle);
     }
     bool ask(const QString& text, const QString& title) override;

@@ -3,7 +3,7 @@
 
 #include "base/messages.h"
 #include "base/program_end.h"
-#include "volume/motion_target.h"
+#include "volume/motion_correction.h"
 
 bool prepareMotionTarget(const RunParts& run) {
     const RunSettings& settings = run.settings;

@@ -49,7 +49,7 @@ bool followProtocol(const RunParts& run, const Arriving& arriving, bool& interva
     run.pump.processEvents();
     while (!arriving.hasEnded() && !covers(run.document, arriving.coveredVolumes)) {
         if (waited.elapsed() > run.settings.timeOutMilliseconds) {
-            showWarningAside(arriving.timeOutText);
+            showModelessWarning(arriving.timeOutText);
             return false;
         }
         constexpr int eventRounds = 3;
@@ -98,8 +98,7 @@ bool updateProtocol(const RunParts& run, int volumeIndex) {
     const Arriving arriving =
         isTDAT ? arrivingTDAT(document, volumeIndex) : arrivingRTP(run, volumeIndex);
     bool intervalsChanged = false;
-    const bool isCovered =
-        arriving.hasEnded() || followProtocol(run, arriving, intervalsChanged);
+    const bool isCovered = arriving.hasEnded() || followProtocol(run, arriving, intervalsChanged);
     // What has come before a time-out is in the recorded protocol, and so in the model.
     if (intervalsChanged) {
         if (!isTDAT)

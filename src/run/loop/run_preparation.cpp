@@ -89,9 +89,10 @@ void prepareInplanes(const RunParts& run) {
         return;
     run.document.inplanes = {};
     run.requests.pendingOverlayInplane = -1;
-    showWarningAside(QStringLiteral("WARNING: The inplane images in \"%1\" did not arrive in time "
-                                    "or can not be read.\n\nThe run goes on without them.")
-                         .arg(run.settings.OverlayInplaneFolder));
+    showModelessWarning(
+        QStringLiteral("WARNING: The inplane images in \"%1\" did not arrive in time "
+                       "or can not be read.\n\nThe run goes on without them.")
+            .arg(run.settings.OverlayInplaneFolder));
 }
 
 } // namespace

@@ -179,7 +179,7 @@ void MessageBoxes::show(MessageLevel level, const QString& text, const QString& 
     waitForBox(iconOf(level), text, title, QMessageBox::Ok);
 }
 
-void MessageBoxes::showAside(MessageLevel level, const QString& text) {
+void MessageBoxes::showModeless(MessageLevel level, const QString& text) {
     auto* box = new QMessageBox(boxParent());
     setUp(*box, iconOf(level), text, programTitle);
     box->setStandardButtons(QMessageBox::Ok);

@@ -186,8 +186,7 @@ void openPostprocessingDialog(RunSession& session, EventPump& pump, QWidget& win
     if (volumes == 0)
         return;
     delete window.findChild<PostprocessingDlg*>();
-    auto* dialog =
-        new PostprocessingDlg(session.functionalDocument->project, volumes, &window);
+    auto* dialog = new PostprocessingDlg(session.functionalDocument->project, volumes, &window);
     session.listeners.add(*dialog, ListenerPlace::Dialogs);
     QObject::connect(dialog, &QDialog::accepted, &window, [&session, &pump, &window, dialog] {
         const auto progress = openCancellableProgressBox(
