@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/loop/run_postprocessing.h"
+#include "run/loop/finished_run.h"
 
-#include "run/loop/model_fit.h"
-#include "run/loop/run_saving.h"
+#include "run/loop/run_model.h"
 #include "volume/postprocessing.h"
 #include "volume/postprocessing_names.h"
 

@@ -1,3 +1,4 @@
+// Steps stand in the order in which prepareRun(), at the end, takes them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/run_preparation.h"
 
@@ -5,14 +6,41 @@
 #include "base/paths.h"
 #include "base/program_end.h"
 #include "intake/inplane_reader.h"
-#include "run/loop/model_setup.h"
-#include "run/loop/motion_preparation.h"
-#include "run/loop/protocol_reading.h"
+#include "run/loop/run_model.h"
+#include "run/loop/run_protocol.h"
 #include "run/settings/settings_file.h"
+#include "volume/motion_correction.h"
 
 #include <QDir>
 
 namespace {
+
+const QString outOfMemory = "FATAL ERROR: Can not get enough memory to continue !";
+
+bool failFatally(const QString& text, int status = 1) {
+    showCritical(text);
+    endProgram(status);
+    return false;
+}
+
+bool readRunSettings(const RunParts& run, const std::function<void()>& stopTimer) {
+    RunSettings& settings = run.settings;
+    if (!readSettingsFile(settings, SettingsUse::Run, stopTimer))
+        return false;
+    if (settings.MergeType) {
+        showWarning("ERROR: Multi-run projects are not supported by this version.");
+        return false;
+    }
+    OperatorRequests& requests = run.requests;
+    // A version 1 file has no such key, and the flag keeps the value that a start gives it.
+    if (settings.forceTRDelayRead)
+        requests.forceTRDelay = settings.ForceTRDelay;
+    requests.pendingOverlayInplane = settings.pendingOverlayInplane;
+    requests.pendingOverlayVMR = settings.pendingOverlayVMR;
+    requests.pendingOverlaySRF = settings.pendingOverlaySRF;
+    requests.thresholds = thresholdsAtStart(settings.Threshold, settings.ClusterSizePixels);
+    return true;
+}
 
 // The values of the settings that belong to the project.
 void copySettingsToProject(FMRProject& project, const RunSettings& settings) {
@@ -41,27 +69,58 @@ void copySettingsToProject(FMRProject& project, const RunSettings& settings) {
                                       paths::withDefaultExtension(settings.ProjectName, "fmr"));
 }
 
+} // namespace
+
+void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings) {
+    copySettingsToProject(document.project, settings);
+    document.protocol.tdatPath = settings.TDatFile;
+    document.protocol.realTimeProtocolPath = settings.RealTimeProtocol;
+    document.protocol.protocolPath = settings.StimulationProtocol;
+    document.mosaic.MosaicColumns = std::max(settings.NrOfColumns, 1);
+    document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
+    document.workingFolder = settings.TargetFolder;
+}
+
+void showFirstVolume(QtCortivoDoc& document) {
+    const FMRProject& project = document.project;
+    computeDisplayRange(document.slices.greyScale, project.firstVolume.span());
+    document.slices.createSlicePixmaps(project.firstVolume.span(), project.size());
+}
+
+namespace {
+
+// The operator hears of it before the first volume is waited for, and may mend the protocol.
+void tellOfConditionsWithoutModel(const QtCortivoDoc& document, const RunSettings& settings) {
+    const QStringList names = conditionsThatNeverEnter(document, settings);
+    if (!names.isEmpty())
+        showModelessWarning(
+            QStringLiteral("WARNING: The model will not hold these conditions, since "
+                           "their response does not begin in time within the run: "
+                           "%1.")
+                .arg(names.join(", ")));
+}
+
 // A shortage of memory is found here and not in the middle of a run.
 bool allocateRun(QtCortivoDoc& document) {
-    if (!document.project.allocateVolumes()) {
-        showCritical("ERROR: Insufficient memory for creating slice time courses!");
-        endProgram(1);
-        return false;
-    }
+    if (!document.project.allocateVolumes())
+        return failFatally("ERROR: Insufficient memory for creating slice time courses!");
     const size_t samples = document.project.volumeSamples();
-    const QString outOfMemory = "FATAL ERROR: Can not get enough memory to continue !";
-    if (!document.project.firstVolume.allocate(samples)) {
-        showCritical(outOfMemory);
-        endProgram(1);
-        return false;
-    }
-    if (!document.workingVolume.allocate(samples)) {
-        showCritical(outOfMemory);
-        // The other status is what programs that start this one look at.
-        endProgram(0);
-        return false;
-    }
-    return true;
+    if (!document.project.firstVolume.allocate(samples))
+        return failFatally(outOfMemory);
+    // The other status is what programs that start this one look at.
+    return document.workingVolume.allocate(samples) || failFatally(outOfMemory, 0);
+}
+
+std::unique_ptr<VolumeReader> makeRunReader(const RunParts& run, const ReaderMaker& makeReader) {
+    run.intake.rawDataByteOrder = run.settings.byteOrderCode();
+    run.intake.watchFolder = run.settings.WatchFolder;
+    std::unique_ptr<VolumeReader> reader =
+        makeReader({run.settings, run.document.project, run.intake, run.pump});
+    if (!reader)
+        failFatally(QStringLiteral("ERROR: Data type not supported!\n\nCheck settings file: "
+                                   "\"%1\".")
+                        .arg(run.settings.settingsFilePath));
+    return reader;
 }
 
 bool readFirstVolume(VolumeReader& reader) {
@@ -69,6 +128,20 @@ bool readFirstVolume(VolumeReader& reader) {
         return true;
     showWarning("TIME OUT: Expected first file did not arrive!");
     return false;
+}
+
+// Memory for the target, which volume 0 fills, or the target of another run of the session. False
+// after a message; data files of the other run that are missing or too short end the program.
+bool prepareMotionTarget(const RunParts& run) {
+    const RunSettings& settings = run.settings;
+    QtCortivoDoc& document = run.document;
+    if (!settings.MotionCorrection)
+        return true;
+    if (settings.IntraSessionMotionCorrection)
+        return loadIntraSessionTarget(settings.IntraSessionMotionCorrectionFile, document.project,
+                                      document.motion);
+    return document.motion.motionTarget.allocate(document.project.volumeSamples()) ||
+           failFatally(outOfMemory);
 }
 
 bool readInplanes(const RunParts& run) {
@@ -97,62 +170,26 @@ void prepareInplanes(const RunParts& run) {
 
 } // namespace
 
-void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings) {
-    copySettingsToProject(document.project, settings);
-    document.protocol.tdatPath = settings.TDatFile;
-    document.protocol.realTimeProtocolPath = settings.RealTimeProtocol;
-    document.protocol.protocolPath = settings.StimulationProtocol;
-    document.mosaic.MosaicColumns = std::max(settings.NrOfColumns, 1);
-    document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
-    document.workingFolder = settings.TargetFolder;
-}
-
-void showFirstVolume(QtCortivoDoc& document) {
-    const FMRProject& project = document.project;
-    computeDisplayRange(document.slices.greyScale, project.firstVolume.span());
-    document.slices.createSlicePixmaps(project.firstVolume.span(), project.size());
-}
-
 std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker& makeReader,
                                          const std::function<void()>& stopTimer) {
-    RunSettings& settings = run.settings;
+    const RunSettings& settings = run.settings;
     QtCortivoDoc& document = run.document;
-    if (!readSettingsFile(settings, SettingsUse::Run, stopTimer))
+    if (!readRunSettings(run, stopTimer))
         return nullptr;
-    if (settings.MergeType) {
-        showWarning("ERROR: Multi-run projects are not supported by this version.");
-        return nullptr;
-    }
-    // A version 1 file has no such key, and the flag keeps the value that a start gives it.
-    if (settings.forceTRDelayRead)
-        run.requests.forceTRDelay = settings.ForceTRDelay;
-    run.requests.pendingOverlayInplane = settings.pendingOverlayInplane;
-    run.requests.pendingOverlayVMR = settings.pendingOverlayVMR;
-    run.requests.pendingOverlaySRF = settings.pendingOverlaySRF;
     copySettingsToDocument(document, settings);
-    run.requests.thresholds = thresholdsAtStart(settings.Threshold, settings.ClusterSizePixels);
     if (!document.workingFolder.isEmpty())
         QDir::setCurrent(document.workingFolder);
-
-    if (!readProtocol(run) || !allocateRun(document))
+    if (!readProtocol(run))
+        return nullptr;
+    tellOfConditionsWithoutModel(document, settings);
+    if (!allocateRun(document))
         return nullptr;
     if (settings.ShowGODlgAfterPreparation)
         announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");
 
-    run.intake.rawDataByteOrder = settings.byteOrderCode();
-    run.intake.watchFolder = settings.WatchFolder;
-    std::unique_ptr<VolumeReader> reader =
-        makeReader({settings, document.project, run.intake, run.pump});
-    if (!reader) {
-        showCritical(QStringLiteral("ERROR: Data type not supported!\n\nCheck settings file: "
-                                    "\"%1\".")
-                         .arg(settings.settingsFilePath));
-        endProgram(1);
-        return nullptr;
-    }
-    if (!reader->prepare() || !readFirstVolume(*reader))
-        return nullptr;
-    if (!reader->readHeaders() || !prepareMotionTarget(run))
+    std::unique_ptr<VolumeReader> reader = makeRunReader(run, makeReader);
+    if (!reader || !reader->prepare() || !readFirstVolume(*reader) || !reader->readHeaders() ||
+        !prepareMotionTarget(run))
         return nullptr;
     document.maps.MapType = MapKind::T;
     showFirstVolume(document);

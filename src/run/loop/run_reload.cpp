@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/loop/run_reload.h"
+#include "run/loop/finished_run.h"
 
 #include "base/paths.h"
-#include "run/loop/model_fit.h"
-#include "run/loop/model_setup.h"
 #include "run/loop/motion_parameters_file.h"
+#include "run/loop/run_model.h"
 #include "run/loop/run_preparation.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/condition_index.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/loop/run_saving.h"
+#include "run/loop/finished_run.h"
 
 #include "base/messages.h"
 #include "base/paths.h"

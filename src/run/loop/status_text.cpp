@@ -79,8 +79,8 @@ QString volumeStatusText(const RunReport& report, const OperatorRequests& reques
            overlayPart(requests) + (last ? "<br> Ready.<br></body>" : "</body>");
 }
 
-QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& maps, int volumeIndex,
-                       qint64 runMilliseconds) {
+QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& maps,
+                       int volumeIndex, qint64 runMilliseconds) {
     return bodyStart(requests.logFontSize) + " volume " + bold(QString::number(volumeIndex)) +
            ",  elapsed time: " + bold(seconds(runMilliseconds)) + " secs,  " +
            thresholdPart(requests, maps) + "<br>";

@@ -21,8 +21,8 @@
                                        const RunSettings& settings, const StatisticalMaps& maps);
 
 /// Head of the texts around saving: where the loop stopped and when.
-[[nodiscard]] QString savingTextHead(const OperatorRequests& requests,
-                                     const StatisticalMaps& maps, int volumeIndex, qint64 runMilliseconds);
+[[nodiscard]] QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& maps,
+                                     int volumeIndex, qint64 runMilliseconds);
 
 /// The panel between runs.
 [[nodiscard]] QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,

@@ -2,11 +2,10 @@
 #include "run/loop/volume_loop.h"
 
 #include "base/messages.h"
-#include "run/loop/model_setup.h"
-#include "run/loop/protocol_update.h"
-#include "run/loop/run_saving.h"
+#include "run/loop/finished_run.h"
+#include "run/loop/run_model.h"
+#include "run/loop/run_protocol.h"
 #include "run/loop/status_text.h"
-#include "run/loop/volume_preprocessing.h"
 #include "run/protocol/condition_index.h"
 #include "stats/clusters.h"
 

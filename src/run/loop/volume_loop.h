@@ -13,3 +13,7 @@ enum class LoopEnd {
 /// Runs the loop on a prepared run and saves what was recorded. Every failure inside ends the loop
 /// by itself, after its message.
 LoopEnd runVolumeLoop(const RunParts& run, VolumeReader& reader);
+
+/// Motion correction, then smoothing, as the settings ask for them. Volume 0 is never corrected: it
+/// is the target of the others, unless that comes from another run. Processes no events.
+void preprocessVolume(const RunParts& run, int volumeIndex);

@@ -4,9 +4,8 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/text_reading.h"
-#include "run/loop/run_postprocessing.h"
+#include "run/loop/finished_run.h"
 #include "run/loop/run_preparation.h"
-#include "run/loop/run_reload.h"
 #include "run/loop/status_text.h"
 #include "run/loop/volume_loop.h"
 #include "run/settings/settings_file.h"
@@ -20,7 +19,7 @@ RunSession::RunSession(EventPump& pump, RunDisplay& display)
 RunSession::~RunSession() = default;
 
 RunParts RunSession::parts() {
-    return {settings, phase,     report,   requests, intake, *functionalDocument,
+    return {settings,  phase,    report, requests, intake, *functionalDocument,
             listeners, display_, pump_};
 }
 
@@ -126,8 +125,9 @@ bool RunSession::loadRun() {
 }
 
 int RunSession::volumesForPostprocessing() const {
-    return phase.isIdle() && functionalDocument ? recordedVolumes(report, functionalDocument->project)
-                                                   : 0;
+    return phase.isIdle() && functionalDocument
+               ? recordedVolumes(report, functionalDocument->project)
+               : 0;
 }
 
 bool RunSession::postprocess(const PostprocessingOptions& options, bool recomputeStatistics,

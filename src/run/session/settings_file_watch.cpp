@@ -120,8 +120,7 @@ void SettingsFileWatch::lookAtFile() {
         controlsDisplay_.showTitle("VCO - " + master_.settingsFileName);
     if (!isThere) {
         session_.setRunButton(RunButtonState::NoSettingsFile);
-        display_.showLogText(
-            waitingText(session_.requests.logFontSize, master_.settingsFileName));
+        display_.showLogText(waitingText(session_.requests.logFontSize, master_.settingsFileName));
     } else if (session_.report.runFinished) {
         showFinishedFile();
     } else if (master_.autoStartRun || autoStartPending_) {
@@ -144,11 +143,10 @@ void SettingsFileWatch::showFinishedFile() {
     session_.setRunButton(RunButtonState::Finished);
     // Where the data lie is told until something newer happens.
     const QString& outcome = session_.report.outcomeText;
-    display_.showLogText(outcome.isEmpty()
-                             ? finishedText(session_.requests.logFontSize,
-                                            master_.settingsFileName, session_.settings.Title,
-                                            session_.report.savedCompletely)
-                             : outcome);
+    display_.showLogText(
+        outcome.isEmpty() ? finishedText(session_.requests.logFontSize, master_.settingsFileName,
+                                         session_.settings.Title, session_.report.savedCompletely)
+                          : outcome);
     controls_.reloadPossible = projectExists();
 }
 
@@ -171,15 +169,13 @@ void SettingsFileWatch::startRun() {
 
 // One number at a time, so that none is skipped when several files have appeared.
 void SettingsFileWatch::advance() {
-    const int found =
-        countRecordings(master_.settingsDirectory, master_.settingsFileName, isFile);
+    const int found = countRecordings(master_.settingsDirectory, master_.settingsFileName, isFile);
     if (highestRunNumber_ == -1)
         highestRunNumber_ = found;
     if (found <= highestRunNumber_)
         return;
     const int next = highestRunNumber_ + 1;
-    if (!setSettingsFile(master_.settingsDirectory +
-                         recordingName(master_.settingsFileName, next)))
+    if (!setSettingsFile(master_.settingsDirectory + recordingName(master_.settingsFileName, next)))
         return;
     highestRunNumber_ = next;
     autoStartPending_ = true;

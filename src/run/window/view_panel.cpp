@@ -30,8 +30,7 @@ void ViewPanel::createButtons(QWidget* parent) {
         return button;
     };
     slices_ = addButton("EPISlicesBtn", "Slices", "Show all slices of the functional volume");
-    volume_ =
-        addButton("EPISlices3DBtn", "Volume", "Show the functional volume in three planes");
+    volume_ = addButton("EPISlices3DBtn", "Volume", "Show the functional volume in three planes");
     anatomy_ = addButton("VMRBtn", "Anatomy", "Show the anatomical volume with the maps");
     leftHemisphere_ =
         addButton("LeftHemiBtn", "Left hemisphere", "Show the surface of the left hemisphere");

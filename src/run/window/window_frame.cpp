@@ -25,9 +25,9 @@ void WindowFrame::applySize() {
 void WindowFrame::placeOnScreen() {
     const MasterFile& master = watch_.master();
     const QRect area = screenArea(&window_);
-    const QPoint wanted = windowPosition(area, windowPixels(WindowSize(master.windowSize)),
-                                         master.windowCentredX, master.windowCentredY,
-                                         {master.windowX, master.windowY});
+    const QPoint wanted =
+        windowPosition(area, windowPixels(WindowSize(master.windowSize)), master.windowCentredX,
+                       master.windowCentredY, {master.windowX, master.windowY});
     window_.move(reachablePosition(area, window_.size(), wanted));
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/session_fixture.h"
+#include "run/protocol/arriving_headers.h"
 #include "stats/map_file.h"
 #include "volume/fmr_file.h"
-#include "run/protocol/arriving_headers.h"
 
 #include <QProcess>
 
@@ -144,8 +144,7 @@ TEST_F(ArrivingProtocolRun, AfterATimeOutModelAndFilesCountTheSameVolumes) {
     ASSERT_TRUE(session.reloadData());
     EXPECT_EQ(session.functionalDocument->finishedModel.NrOfVolumes, header.NrOfVolumes);
     EXPECT_TRUE(writeMapFile(path("reloaded.mps"), session.functionalDocument->maps,
-                             session.requests.thresholds,
-                             session.functionalDocument->contrasts));
+                             session.requests.thresholds, session.functionalDocument->contrasts));
     EXPECT_EQ(content("reloaded.mps"), maps) << "the model has seen all that was saved";
 }
 

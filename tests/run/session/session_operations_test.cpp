@@ -143,7 +143,8 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
         {"conjunction",
          [&](QtCortivoDoc& document) {
              EXPECT_TRUE(session.changeConjunction(!document.contrasts.ConjunctionAnalysis));
-             EXPECT_FALSE(document.contrasts.NrOfContrasts > 0 && !session.changeConjunction(false));
+             EXPECT_FALSE(document.contrasts.NrOfContrasts > 0 &&
+                          !session.changeConjunction(false));
              EXPECT_TRUE(session.changeConjunction(true));
          }},
     };

@@ -231,7 +231,8 @@ TEST_F(SettingsFileWatchTest, AMissingFolderLeavesAWayOut) {
             messages.expectFileChoice("Open File", path("run-7.vco"));
         watch_->look();
         EXPECT_TRUE(watch_->isRunning());
-        EXPECT_EQ(watch_->master().settingsDirectory, choose ? folder_.path() + "/" : folders_.homePath);
+        EXPECT_EQ(watch_->master().settingsDirectory,
+                  choose ? folder_.path() + "/" : folders_.homePath);
     }
     watch_->stop();
     watch_->setSettingsFile(path("gone/run-1.vco"));

@@ -230,7 +230,8 @@ TEST_F(MainWindow, ShowsWhatTheLookAtTheSettingsFileFinds) {
 
 TEST_F(MainWindow, MenusFollowThePhase) {
     const auto all = [this] {
-        return QStringList{enabledEntries("&File").join(", "), enabledEntries("&Analysis").join(", "),
+        return QStringList{enabledEntries("&File").join(", "),
+                           enabledEntries("&Analysis").join(", "),
                            enabledEntries("&View").join(", ")};
     };
     const QString overlay = "Overlay On First Func Volume*, Overlay On Current Func Volume, ";

@@ -108,6 +108,20 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
     EXPECT_EQ(dialog_->result(), QDialog::Rejected);
 }
 
+TEST_F(PostprocessingDialog, NamesTellTheOtherChoicesToo) {
+    check("m_SliceScanTimeCorrection");
+    EXPECT_EQ(label("m_ResultInfo").section('\n', 1, 1), "run_SCCAI.fmr");
+    for (const char* choice : {"m_Interleaved2Order", "m_LinearInterpolation"})
+        click(choice);
+    check("m_TemporalFilters");
+    for (const char* choice : {"m_TemporalHighPassFilter", "m_LinearTrendRemoval"})
+        click(choice);
+    EXPECT_EQ(label("m_ResultInfo").section('\n', 1, 1), "run_SCLAI2_LTR.fmr");
+    check("m_SpatialSmoothing");
+    EXPECT_TRUE(dialog_->recomputeStatistics());
+    EXPECT_EQ(label("m_ResultInfo").section('\n', 1, 1), "run_SCLAI2_SD3DSS4.00mm_LTR.fmr");
+}
+
 TEST_F(PostprocessingDialog, OffersOnlyWhatMayBeChosen) {
     for (const int slices : {25, 26})
         for (const bool on : {false, true}) {

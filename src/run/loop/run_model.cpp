@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/loop/model_setup.h"
+#include "run/loop/run_model.h"
 
 #include "base/messages.h"
 #include "base/program_end.h"
+#include "stats/clusters.h"
 #include "stats/contrast_file.h"
 
 namespace {
@@ -105,6 +106,21 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
     document.updateOverlayColors();
 }
 
+QStringList conditionsThatNeverEnter(const QtCortivoDoc& document, const RunSettings& settings) {
+    if (!isProtocolPathSet(document.protocol.protocolPath))
+        return {};
+    // A design of its own: the document's gets its columns when the loop begins.
+    DesignMatrix planned;
+    const DesignSource source = designSource(document, settings);
+    buildConditionPredictorNames(planned, source);
+    planned.NrOfPredictors = planned.NrOfConditionPredictors;
+    if (!createConditionPredictors(planned, source))
+        return {};
+    findPredictorOnsets(planned, source.NrOfVolumes);
+    fillGLMStepVolumes(planned);
+    return conditionsWithoutModel(planned);
+}
+
 bool prepareModel(QtCortivoDoc& document, const RunSettings& settings) {
     if (document.protocol.nrOfConditions() == 0) {
         showCritical("ERROR: No conditions specified!");
@@ -122,4 +138,45 @@ bool prepareModel(QtCortivoDoc& document, const RunSettings& settings) {
         return false;
     }
     return true;
+}
+
+namespace {
+
+bool fitVolumes(QtCortivoDoc& document, const RunSettings& settings, OverlayThresholds& thresholds,
+                int nrOfVolumes, const AfterVolume& afterVolume) {
+    if (!prepareModel(document, settings) ||
+        !createBrainMask(document.mask, document.project, brainMaskThreshold))
+        return false;
+    // Known whole by now, also where the protocol arrived during the run.
+    findPredictorOnsets(document.design, document.design.NrOfVolumes);
+    fillGLMStepVolumes(document.design);
+    for (int volume = 0; volume < nrOfVolumes; ++volume) {
+        if (updateGLM(document.glmRun(), volume))
+            document.updateOverlayColors();
+        if (!afterVolume(volume))
+            return false;
+    }
+    if (!finishModel(document.finishedModel, document.glm, document.project, document.mask,
+                     nrOfVolumes))
+        document.finishedModel.release();
+    computeClusterSizes(document.maps, thresholds, document.contrasts.ConjunctionAnalysis);
+    return true;
+}
+
+} // namespace
+
+bool fitModelToVolumes(QtCortivoDoc& document, const RunSettings& settings,
+                       OverlayThresholds& thresholds, int nrOfVolumes,
+                       const AfterVolume& afterVolume) {
+    StatisticalMaps formerMaps = std::exchange(document.maps, {});
+    BrainMask formerMask = std::exchange(document.mask, {});
+    const bool fitted = fitVolumes(document, settings, thresholds, nrOfVolumes, afterVolume);
+    if (!fitted) {
+        document.maps = std::move(formerMaps);
+        document.mask = std::move(formerMask);
+        document.updateOverlayColors();
+    }
+    document.glm.release();
+    releasePredictorColumns(document.design);
+    return fitted;
 }

@@ -1,0 +1,31 @@
+// What becomes of a run after its loop: it is saved, loaded again, post-processed.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/loop/run_parts.h"
+#include "volume/postprocessing_options.h"
+
+#include <functional>
+
+/// Asks whether files that could not be written into `folder` are to be tried again.
+[[nodiscard]] bool askToSaveAgain(const QString& folder);
+
+/// Writes all files of the run into the target folder. When some can't be written the operator is
+/// asked, and the failed ones are written again as often as the answer is Yes; the data stay in
+/// memory meanwhile. False when files are missing at the end.
+[[nodiscard]] bool saveRecordedData(const RunParts& run);
+
+/// Loads project, protocol and contrasts of the run that the settings file describes into the empty
+/// document, and fits the model again, volume by volume as it was fitted while the run was
+/// measured, so that the maps are those of the run's end. False after a message.
+[[nodiscard]] bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer);
+
+/// Carries the options out on the first volumes of the run, as many as were measured, writes the
+/// result under the names that record them and, if asked, fits the model to the changed data. When
+/// the files can't be written the operator is asked, and they are written again as often as the
+/// answer is Yes. False when nothing was done or not all of it: cancelled, or after a message.
+/// Cancelled before the data are written, the samples are brought back; after that it keeps the
+/// maps.
+[[nodiscard]] bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
+                                          const PostprocessingOptions& options,
+                                          bool recomputeStatistics, ProgressReporter& progress);
