@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/text_reading.h"
 #include "scanner_simulator/simulated_scan.h"
+#include "volume/fmr_project.h"
 #include "volume/head_volume.h"
-#include "volume/load_fmr_project.h"
 #include "volume/motion_evaluation.h"
 
 #include <cstdio>

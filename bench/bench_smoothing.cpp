@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/frequency_smoothing.h"
 #include "volume/high_pass.h"
+#include "volume/run_smoothing.h"
 #include "volume/slice_timing.h"
 #include "volume/smoothing.h"
-#include "volume/temporal_smoothing.h"
 
 #include <QDir>
 #include <QTemporaryDir>

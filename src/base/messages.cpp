@@ -12,7 +12,7 @@ namespace {
 class StandardErrorHandler : public UnattendedMessages {
 public:
     void show(MessageLevel, const QString& text, const QString&) override { print(text); }
-    void showAside(MessageLevel, const QString& text) override { print(text); }
+    void showModeless(MessageLevel, const QString& text) override { print(text); }
     bool ask(const QString& text, const QString&) override {
         print(text);
         return false;
@@ -66,12 +66,12 @@ void showCritical(const QString& text, const QString& title) {
     currentHandler()->show(MessageLevel::Critical, text, title);
 }
 
-void showInformationAside(const QString& text) {
-    currentHandler()->showAside(MessageLevel::Information, text);
+void showModelessInformation(const QString& text) {
+    currentHandler()->showModeless(MessageLevel::Information, text);
 }
 
-void showWarningAside(const QString& text) {
-    currentHandler()->showAside(MessageLevel::Warning, text);
+void showModelessWarning(const QString& text) {
+    currentHandler()->showModeless(MessageLevel::Warning, text);
 }
 
 bool askQuestion(const QString& text, const QString& title) {

@@ -61,7 +61,7 @@ public:
     /// Shows a modal box. A busy cursor, if one is set, is off while it is up.
     virtual void show(MessageLevel level, const QString& text, const QString& title) = 0;
     /// Shows a box that waits for nobody: for what a side task has to tell while a run goes on.
-    virtual void showAside(MessageLevel level, const QString& text) = 0;
+    virtual void showModeless(MessageLevel level, const QString& text) = 0;
     /// A question with the buttons Yes and No; true for Yes.
     [[nodiscard]] virtual bool ask(const QString& text, const QString& title) = 0;
     /// A modal box with a title and one default button that bears `button`.
@@ -91,7 +91,7 @@ public:
 class UnattendedMessages : public MessageHandler {
 public:
     void show(MessageLevel, const QString&, const QString&) override {}
-    void showAside(MessageLevel, const QString&) override {}
+    void showModeless(MessageLevel, const QString&) override {}
     bool ask(const QString&, const QString&) override { return false; }
     void announce(const QString&, const QString&, const QString&) override {}
     std::optional<int> inputInteger(const InputTexts&, int, const IntegerBounds&) override {
@@ -117,8 +117,8 @@ MessageHandler* installMessageHandler(MessageHandler* handler);
 void showInformation(const QString& text, const QString& title = programTitle);
 void showWarning(const QString& text, const QString& title = programTitle);
 void showCritical(const QString& text, const QString& title = programTitle);
-void showInformationAside(const QString& text);
-void showWarningAside(const QString& text);
+void showModelessInformation(const QString& text);
+void showModelessWarning(const QString& text);
 [[nodiscard]] bool askQuestion(const QString& text, const QString& title = programTitle);
 void announce(const QString& title, const QString& text, const QString& button);
 

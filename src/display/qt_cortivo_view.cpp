@@ -40,7 +40,7 @@ void saveBitmap(const QImage& picture, const QString& path) {
     QBuffer buffer(&content);
     if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "BMP") ||
         !writeFileAtomically(path, content))
-        showWarningAside(QString("WARNING: Unable to write bitmap file \"%1\"!").arg(path));
+        showModelessWarning(QString("WARNING: Unable to write bitmap file \"%1\"!").arg(path));
 }
 
 } // namespace
@@ -111,7 +111,7 @@ void QtCortivoView::compose() {
 
 void QtCortivoView::slotSaveAsBMP() {
     if (mosaic().isNull()) {
-        showWarningAside("WARNING: There are no slices to save!");
+        showModelessWarning("WARNING: There are no slices to save!");
         return;
     }
     // The picture as it stands: the run, and with it this view, may be over when the name is
@@ -125,7 +125,7 @@ void QtCortivoView::slotShowHelpHTML() {
         return;
     if (!QFileInfo(helpFile_).isFile() ||
         !QDesktopServices::openUrl(QUrl::fromLocalFile(helpFile_)))
-        showWarningAside(QString("WARNING: Unable to open help file \"%1\"!").arg(helpFile_));
+        showModelessWarning(QString("WARNING: Unable to open help file \"%1\"!").arg(helpFile_));
 }
 
 QRect QtCortivoView::legendArea() const {

@@ -62,8 +62,9 @@ void EmptySliceGuard::tell(int volume, int slice) {
     ++nrOfWarnings_;
     const QString name =
         volume == firstVolume ? QString("the first volume") : QString("volume %1").arg(volume + 1);
-    showWarningAside(QString("WARNING: Slice %1 of %2 holds nothing but zeros and was taken like "
-                             "that. Are the files of the scanner copied too slowly?")
-                         .arg(slice + 1)
-                         .arg(name));
+    showModelessWarning(
+        QString("WARNING: Slice %1 of %2 holds nothing but zeros and was taken like "
+                "that. Are the files of the scanner copied too slowly?")
+            .arg(slice + 1)
+            .arg(name));
 }

@@ -4,7 +4,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "intake/dicom_volume_reader.h"
-#include "intake/ge_i_header.h"
+#include "intake/ge_headers.h"
 #include "intake/image_transformation.h"
 #include "intake/inplane_names.h"
 #include "intake/raw_volume_reader.h"

@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/volume_reader.h"
 
-#include "intake/analyze_reader.h"
-#include "intake/dicom_slice_reader.h"
+#include "intake/dicom_readers.h"
 #include "intake/empty_slice_guard.h"
-#include "intake/ge_hdxt_dicom_reader.h"
-#include "intake/ge_i_reader.h"
-#include "intake/ge_stanford_reader.h"
-#include "intake/ge_x_dicom_reader.h"
-#include "intake/growing_file_reader.h"
-#include "intake/siemens_ima_mosaic_reader.h"
-#include "intake/siemens_ima_slice_reader.h"
-#include "intake/siemens_mosaic_reader.h"
-#include "intake/siemens_pixel_data_reader.h"
+#include "intake/ge_dicom_readers.h"
+#include "intake/ge_raw_readers.h"
+#include "intake/raw_readers.h"
+#include "intake/siemens_ima_readers.h"
 
 namespace {
 

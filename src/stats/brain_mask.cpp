@@ -22,7 +22,7 @@ bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold) 
     const size_t voxels = project.volumeSamples();
     // The mask and, at worst, a run for every second voxel.
     if (!memoryIsAvailable(voxels, sizeof(uint8_t) + sizeof(BrainMask::Run) / 2)) {
-        showWarningAside("ERROR: Insufficient memory for creating contrast maps!");
+        showModelessWarning("ERROR: Insufficient memory for creating contrast maps!");
         return false;
     }
     mask.voxels.assign(voxels, 0);

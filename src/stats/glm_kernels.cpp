@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/glm_kernels.h"
 
-#include "base/wide_clones.h"
+#include "base/simd_clones.h"
 #include "stats/numerics/failures.h"
 
 #include <cmath>
@@ -92,7 +92,7 @@ template<int rows>
 
 } // namespace
 
-VELO_WIDE_CLONES
+VELO_SIMD_CLONES
 void updateBetasAndResiduals(const RecursiveStep& step, const int16_t* samples, double* values,
                              size_t stride, size_t count) {
     alignas(64) double residuals[glmBlockVoxels];
@@ -115,7 +115,7 @@ void updateBetasAndResiduals(const RecursiveStep& step, const int16_t* samples, 
         squares[v] += residuals[v] * residuals[v] / step.scale;
 }
 
-VELO_WIDE_CLONES
+VELO_SIMD_CLONES
 void copyBetasAndVariances(const double* values, size_t stride, int p, float degreesOfFreedom,
                            size_t count, float* __restrict betas, float* __restrict variances) {
     for (int j = 0; j < p; ++j) {
@@ -129,7 +129,7 @@ void copyBetasAndVariances(const double* values, size_t stride, int p, float deg
         variances[v] = float(squares[v]) / degreesOfFreedom;
 }
 
-VELO_WIDE_CLONES
+VELO_SIMD_CLONES
 void computeTValues(const ContrastTerms& contrast, const float* betas, size_t stride,
                     const float* variances, size_t count, float* __restrict tValues) {
     const float variance = contrast.variance;
@@ -146,7 +146,7 @@ void computeTValues(const ContrastTerms& contrast, const float* betas, size_t st
     }
 }
 
-VELO_WIDE_CLONES
+VELO_SIMD_CLONES
 void conjoinMaps(const float* __restrict values, size_t count, float* __restrict result) {
     for (size_t v = 0; v < count; ++v)
         result[v] = conjunctionStep(result[v], values[v]);
@@ -161,7 +161,7 @@ bool BatchScratch::allocate(int p, int n) {
            numerics::allocateVector(squareSums, glmBlockVoxels);
 }
 
-VELO_WIDE_CLONES
+VELO_SIMD_CLONES
 void solveBlock(const BatchDesign& design, std::span<const int16_t* const> volumes, size_t count,
                 BatchScratch& scratch, double* values, size_t stride) {
     const int p = design.p;
@@ -203,7 +203,7 @@ void solveBlock(const BatchDesign& design, std::span<const int16_t* const> volum
         values[size_t(p) * stride + v] = squareSums[v] - sums[v] * sums[v] / n;
 }
 
-VELO_WIDE_CLONES
+VELO_SIMD_CLONES
 void computeTotalSumsOfSquares(std::span<const int16_t* const> volumes, size_t count,
                                double* __restrict totals) {
     alignas(64) double sums[glmBlockVoxels];

@@ -2,6 +2,20 @@
 #include "volume/motion_correction.h"
 
 #include "base/messages.h"
+#include "volume/fmr_file.h"
+#include "volume/stc_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+bool canBeOpened(const QString& path) {
+    // Opening a pipe would wait for its other end.
+    return QFileInfo(path).isFile() && QFile(path).open(QIODevice::ReadOnly);
+}
+
+} // namespace
 
 bool MotionCorrection::allocateMotionParameters(int nrOfVolumes) {
     for (ZeroedBuffer<float>& values : motionParameters) {
@@ -28,12 +42,13 @@ bool MotionCorrection::prepare(const FMRProject& project) {
     if (motionTarget.size() != grid_.samples() || motionTarget.empty())
         return false;
     if (!motionResampled_.allocate(grid_.samples())) {
-        showWarningAside("ERROR: Insufficient memory for creating VTC volume!");
+        showModelessWarning("ERROR: Insufficient memory for creating VTC volume!");
         return false;
     }
     if (!allocateMotionParameters(project.NrOfVolumes) ||
         !evaluator_.setTarget(grid_, motionTarget.span())) {
-        showWarningAside("ERROR: Insufficient memory for creating volume for motion correction!");
+        showModelessWarning(
+            "ERROR: Insufficient memory for creating volume for motion correction!");
         return false;
     }
     return true;
@@ -69,4 +84,23 @@ void MotionCorrection::correctVolumeMotion(FMRProject& project, int v,
     for (size_t i = 0; i < nrOfMotionParameters; ++i)
         motionParameters[i][size_t(v)] = values[i];
     std::ranges::copy(motionResampled_.span(), volume.begin());
+}
+
+bool loadIntraSessionTarget(const QString& path, const FMRProject& project,
+                            MotionCorrection& motion) {
+    if (!canBeOpened(path)) {
+        showWarning(QString("Can not find target FMR \"%1\" for across-run, same-session motion "
+                            "correction")
+                        .arg(path));
+        return false;
+    }
+    FMRHeader target;
+    if (!readFMRHeader(path, target))
+        return false;
+    if (target.size() != project.size()) {
+        showWarning("The provided across-run, same-session target FMR file does not match current "
+                    "(source) FMR file!");
+        return false;
+    }
+    return readSTCVolume(0, path, target, motion.motionTarget) && target.size() == project.size();
 }

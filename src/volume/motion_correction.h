@@ -43,3 +43,9 @@ private:
     MotionLog log_;
     bool prepared_ = false;
 };
+
+/// Reads volume 0 of the run whose project file is `path` into the motion target. False after a
+/// message when the file isn't there or its run has other sizes than `project`. Data files that are
+/// missing or too short, and a shortage of memory, end the program with status 1 (readSTCVolume).
+[[nodiscard]] bool loadIntraSessionTarget(const QString& path, const FMRProject& project,
+                                          MotionCorrection& motion);

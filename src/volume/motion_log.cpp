@@ -64,6 +64,6 @@ void MotionLog::add(const QByteArray& line) {
 
 void MotionLog::tell() {
     if (!told_)
-        showWarningAside("ERROR: Can not open motion correction log file.");
+        showModelessWarning("ERROR: Can not open motion correction log file.");
     told_ = true;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/motion_resampling.h"
 
-#include "base/wide_clones.h"
+#include "base/simd_clones.h"
 
 #include <bit>
 #include <cmath>
@@ -33,7 +33,7 @@ struct Block {
 
 /// Places and fractions of the voxels between eight samples; those of the others are 0. Returns how
 /// many lie there.
-VELO_WIDE_CLONES int locate(const Line& x, const Line& y, const Line& z, const float* columns,
+VELO_SIMD_CLONES int locate(const Line& x, const Line& y, const Line& z, const float* columns,
                             size_t count, Block& block) {
     int inside = 0;
     for (size_t i = 0; i < count; ++i) {
@@ -108,7 +108,7 @@ void gatherPairs(const int16_t* source, size_t rowSize, size_t sliceSize, size_t
     }
 }
 
-VELO_WIDE_CLONES void interpolate(const Block& block, size_t count, int16_t* __restrict values) {
+VELO_SIMD_CLONES void interpolate(const Block& block, size_t count, int16_t* __restrict values) {
     for (size_t i = 0; i < count; ++i) {
         const float x = block.fraction[0][i];
         const float y = block.fraction[1][i];

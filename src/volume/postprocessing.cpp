@@ -10,7 +10,6 @@
 #include "volume/run_smoothing.h"
 #include "volume/slice_timing.h"
 #include "volume/stc_file.h"
-#include "volume/temporal_smoothing.h"
 #include "volume/time_courses.h"
 
 namespace {
@@ -48,7 +47,7 @@ std::vector<Step> checkedSteps(FMRProject& project, int volumes,
 } // namespace
 
 PostprocessingResult postprocessRun(FMRProject& project, int nrOfMeasuredVolumes,
-                                    const PostprocessingOptions& options, KeptVolumes& kept,
+                                    const PostprocessingOptions& options, VolumeBackup& backup,
                                     ProgressReporter& progress) {
     const int volumes =
         nrOfCompleteVolumes(project, std::min(nrOfMeasuredVolumes, project.NrOfVolumes));
@@ -57,7 +56,7 @@ PostprocessingResult postprocessRun(FMRProject& project, int nrOfMeasuredVolumes
         return PostprocessingResult::NothingToDo;
     if (findImpossibleStep(project, volumes, options) != PostprocessingChoice::None)
         return PostprocessingResult::Failed;
-    if (!kept.keep(project, volumes, StepProgress(progress)))
+    if (!backup.copy(project, volumes, StepProgress(progress)))
         return progress.cancelled() ? PostprocessingResult::Cancelled
                                     : PostprocessingResult::Failed;
     const int count = int(steps.size());
@@ -66,7 +65,7 @@ PostprocessingResult postprocessRun(FMRProject& project, int nrOfMeasuredVolumes
             continue;
         if (!progress.cancelled())
             return PostprocessingResult::Failed;
-        kept.bringBack(project);
+        backup.restore(project);
         return PostprocessingResult::Cancelled;
     }
     return PostprocessingResult::Done;

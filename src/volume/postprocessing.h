@@ -3,8 +3,8 @@
 #pragma once
 
 #include "base/progress.h"
-#include "volume/kept_volumes.h"
 #include "volume/postprocessing_options.h"
+#include "volume/volume_backup.h"
 
 enum class PostprocessingResult {
     Done,
@@ -21,7 +21,7 @@ enum class PostprocessingResult {
 /// measured.
 [[nodiscard]] PostprocessingResult postprocessRun(FMRProject& project, int nrOfMeasuredVolumes,
                                                   const PostprocessingOptions& options,
-                                                  KeptVolumes& kept, ProgressReporter& progress);
+                                                  VolumeBackup& backup, ProgressReporter& progress);
 
 /// Writes the data (.stc) and the header (.fmr) of the run into its target folder under the names
 /// that record the options; the project keeps its own names. False after a message; also when the

@@ -4,7 +4,6 @@
 #include "volume/high_pass.h"
 #include "volume/run_smoothing.h"
 #include "volume/slice_timing.h"
-#include "volume/temporal_smoothing.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
-// Spatial smoothing of all volumes of a run.
+// Smoothing of a whole run: each volume in space, each voxel in time.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/progress.h"
 #include "volume/fmr_project.h"
 #include "volume/postprocessing_options.h"
-#include "volume/step_progress.h"
 
 /// False after a message when the width is not above 0, the voxel size that it needs is not known,
 /// or the kernels of the space domain would be too wide.
@@ -16,3 +16,18 @@
 /// with part of the volumes smoothed.
 [[nodiscard]] bool smoothRun(FMRProject& project, int nrOfVolumes,
                              const SpatialSmoothingOptions& options, const StepProgress& progress);
+
+/// The full width at half maximum in volumes: data points as they are, seconds divided by TR. 0
+/// when the width or the TR is none.
+[[nodiscard]] double widthInVolumes(const FMRHeader& header, const TemporalOptions& options);
+
+/// False after a message when the width is not above 0.
+[[nodiscard]] bool temporalSmoothingIsPossible(const FMRHeader& header,
+                                               const TemporalOptions& options);
+
+/// Replaces each sample by the mean of its neighbours in time under a Gaussian that is cut at four
+/// standard deviations. Near the ends of the run the weights of the volumes that exist are divided
+/// by their sum. Samples are limited to 0 to 32767. False after a message, or when cancelled, with
+/// part of the voxels smoothed.
+[[nodiscard]] bool smoothTimeCourses(FMRProject& project, int nrOfVolumes,
+                                     const TemporalOptions& options, const StepProgress& progress);

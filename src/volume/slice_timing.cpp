@@ -2,7 +2,7 @@
 #include "volume/slice_timing.h"
 
 #include "base/messages.h"
-#include "volume/course_splines.h"
+#include "volume/time_course_splines.h"
 #include "volume/time_courses.h"
 
 #include <algorithm>
@@ -140,7 +140,7 @@ bool correctSliceScanTime(FMRProject& project, int nrOfVolumes, const SliceScanT
     if (!sliceTimesAreValid(project, options))
         return false;
     const size_t volumes = size_t(nrOfCompleteVolumes(project, nrOfVolumes));
-    CourseSplines splines(volumes);
+    TimeCourseSplines splines(volumes);
     int currentSlice = -1;
     int position = 0;
     const auto shift = [&](int slice, std::span<const double> samples, std::span<double> filtered) {

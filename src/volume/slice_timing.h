@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/progress.h"
 #include "volume/fmr_project.h"
 #include "volume/postprocessing_options.h"
-#include "volume/step_progress.h"
 
 /// Position, from 0, of a slice, from 0, in the time order of a volume. With neither direction set
 /// it is `lastPosition`.

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/progress.h"
 #include "volume/fmr_project.h"
-#include "volume/step_progress.h"
 
 #include <functional>
 

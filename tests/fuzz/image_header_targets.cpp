@@ -4,11 +4,10 @@
 #include "intake/analyze_header.h"
 #include "intake/dicom_header.h"
 #include "intake/dicom_refusal.h"
-#include "intake/ge_i_header.h"
-#include "intake/ge_p_header.h"
+#include "intake/ge_headers.h"
 #include "intake/pixel_data.h"
 #include "intake/siemens_ima_header.h"
-#include "intake/siemens_protocol.h"
+#include "intake/siemens_private_header.h"
 #include "intake/slice_geometry.h"
 
 #include <cmath>

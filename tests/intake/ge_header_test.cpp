@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dicom_bytes.h"
-#include "intake/ge_i_header.h"
-#include "intake/ge_p_header.h"
+#include "intake/ge_headers.h"
 #include "support/scripted_messages.h"
 #include "support/test_data.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "intake/siemens_protocol.h"
+#include "intake/siemens_private_header.h"
 
 #include "dicom_bytes.h"
 #include "support/scripted_messages.h"

@@ -1,6 +1,6 @@
 // Times of the slices, in headers built by hand and in those of scanners.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "intake/siemens_slice_times.h"
+#include "intake/siemens_private_header.h"
 
 #include "dicom_bytes.h"
 #include "support/test_data.h"

@@ -32,15 +32,15 @@ public:
     /// All messages so far, one for each line end.
     [[nodiscard]] QStringList shown() const { return shown_; }
     /// Those of them that nobody had to answer.
-    [[nodiscard]] QStringList shownAside() const { return shownAside_; }
+    [[nodiscard]] QStringList shownModeless() const { return shownModeless_; }
     /// Takes any message without complaint; what was shown stands in shown(). For fuzzing loops.
     void acceptAnything() { acceptAnything_ = true; }
     /// What the operator does before answering a question.
     std::function<void()> onQuestion;
 
     void show(MessageLevel level, const QString& text, const QString& title) override;
-    void showAside(MessageLevel level, const QString& text) override {
-        shownAside_ << text;
+    void showModeless(MessageLevel level, const QString& text) override {
+        shownModeless_ << text;
         show(level, text, programTitle);
     }
     bool ask(const QString& text, const QString& title) override;
@@ -76,7 +76,7 @@ private:
 
     std::deque<Expectation> expected_;
     QStringList shown_;
-    QStringList shownAside_;
+    QStringList shownModeless_;
     bool acceptAnything_ = false;
     MessageHandler* previous_;
 };

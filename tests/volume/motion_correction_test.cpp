@@ -5,7 +5,7 @@
 #include "support/scripted_messages.h"
 #include "volume/fmr_file.h"
 #include "volume/head_volume.h"
-#include "volume/motion_target.h"
+#include "volume/motion_correction.h"
 #include "volume/stc_file.h"
 
 #include <QDir>

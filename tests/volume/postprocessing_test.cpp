@@ -7,7 +7,6 @@
 #include "volume/postprocessing_names.h"
 #include "volume/run_smoothing.h"
 #include "volume/slice_timing.h"
-#include "volume/temporal_smoothing.h"
 #include "volume_runs.h"
 
 #include <QDir>
@@ -38,7 +37,7 @@ protected:
     QTemporaryDir folder;
     ScriptedMessages messages;
     RecordedProgress progress;
-    KeptVolumes kept;
+    VolumeBackup backup;
 
 private:
     QString oldFolder_;
@@ -70,7 +69,7 @@ TEST(PostprocessingNames, RecordEveryChoice) {
 TEST_F(Postprocessing, RunsTheCheckedStepsInOrderOnTheMeasuredVolumes) {
     const PostprocessingOptions options = allSteps();
     FMRProject run = makeRun();
-    EXPECT_EQ(postprocessRun(run, 16, options, kept, progress), PostprocessingResult::Done);
+    EXPECT_EQ(postprocessRun(run, 16, options, backup, progress), PostprocessingResult::Done);
     EXPECT_TRUE(std::ranges::is_sorted(progress.values));
     EXPECT_EQ(progress.values.back(), 100);
 
@@ -88,11 +87,13 @@ TEST_F(Postprocessing, LeavesTheRunWhenItIsCancelledOrCanNotBeDone) {
     FMRProject run = makeRun();
     const std::vector<int16_t> before = samplesOf(run);
     progress.cancelAt = 40;
-    EXPECT_EQ(postprocessRun(run, 20, allSteps(), kept, progress), PostprocessingResult::Cancelled);
+    EXPECT_EQ(postprocessRun(run, 20, allSteps(), backup, progress),
+              PostprocessingResult::Cancelled);
     EXPECT_EQ(samplesOf(run), before);
     progress = {};
     PostprocessingOptions options;
-    EXPECT_EQ(postprocessRun(run, 20, options, kept, progress), PostprocessingResult::NothingToDo);
+    EXPECT_EQ(postprocessRun(run, 20, options, backup, progress),
+              PostprocessingResult::NothingToDo);
 
     // The last step can't be done, so the first is not begun.
     options = allSteps();
@@ -103,7 +104,7 @@ TEST_F(Postprocessing, LeavesTheRunWhenItIsCancelledOrCanNotBeDone) {
                                      "least 22 volumes, and the run has 20!"
                                    : "ERROR: The number of sines/cosines of the high-pass filter "
                                      "must be between 0 and 100!");
-        EXPECT_EQ(postprocessRun(run, 20, options, kept, progress), PostprocessingResult::Failed);
+        EXPECT_EQ(postprocessRun(run, 20, options, backup, progress), PostprocessingResult::Failed);
     }
     EXPECT_EQ(samplesOf(run), before);
     EXPECT_TRUE(progress.values.empty());

@@ -5,7 +5,7 @@
 #include "support/scripted_messages.h"
 #include "volume/first_volume_file.h"
 #include "volume/fmr_file.h"
-#include "volume/load_fmr_project.h"
+#include "volume/fmr_project.h"
 #include "volume_runs.h"
 
 #include <QDir>

@@ -3,8 +3,8 @@
 #include "stats/numerics/spline.h"
 #include "support/scripted_messages.h"
 #include "volume/high_pass.h"
+#include "volume/run_smoothing.h"
 #include "volume/slice_timing.h"
-#include "volume/temporal_smoothing.h"
 #include "volume_runs.h"
 
 #include <QDir>

@@ -58,16 +58,16 @@ bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
     ProgressShare steps(progress, 0, 60);
     ProgressShare writing(progress, 60, recomputeStatistics ? 80 : 100);
     ProgressShare statistics(progress, 80, 100);
-    KeptVolumes kept;
-    if (postprocessRun(project, nrOfMeasuredVolumes, options, kept, steps) !=
+    VolumeBackup backup;
+    if (postprocessRun(project, nrOfMeasuredVolumes, options, backup, steps) !=
         PostprocessingResult::Done)
         return false;
     const bool written = writeFiles(project, nrOfMeasuredVolumes, options, writing);
     if (!written && progress.cancelled()) {
-        kept.bringBack(project);
+        backup.restore(project);
         return false;
     }
-    kept.release();
+    backup.release();
     if (run.requests.overlayVolumeMode != 0)
         run.document.slices.updateSlicePixmaps(project.volumes[size_t(nrOfMeasuredVolumes) - 1]);
     const bool fitted = !recomputeStatistics || fitAgain(run, nrOfMeasuredVolumes, statistics);

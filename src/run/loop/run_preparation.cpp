@@ -9,7 +9,7 @@
 #include "run/loop/run_model.h"
 #include "run/loop/run_protocol.h"
 #include "run/settings/settings_file.h"
-#include "volume/motion_target.h"
+#include "volume/motion_correction.h"
 
 #include <QDir>
 
@@ -93,10 +93,11 @@ namespace {
 void tellOfConditionsWithoutModel(const QtCortivoDoc& document, const RunSettings& settings) {
     const QStringList names = conditionsThatNeverEnter(document, settings);
     if (!names.isEmpty())
-        showWarningAside(QStringLiteral("WARNING: The model will not hold these conditions, since "
-                                        "their response does not begin in time within the run: "
-                                        "%1.")
-                             .arg(names.join(", ")));
+        showModelessWarning(
+            QStringLiteral("WARNING: The model will not hold these conditions, since "
+                           "their response does not begin in time within the run: "
+                           "%1.")
+                .arg(names.join(", ")));
 }
 
 // A shortage of memory is found here and not in the middle of a run.
@@ -161,9 +162,10 @@ void prepareInplanes(const RunParts& run) {
         return;
     run.document.inplanes = {};
     run.requests.pendingOverlayInplane = -1;
-    showWarningAside(QStringLiteral("WARNING: The inplane images in \"%1\" did not arrive in time "
-                                    "or can not be read.\n\nThe run goes on without them.")
-                         .arg(run.settings.OverlayInplaneFolder));
+    showModelessWarning(
+        QStringLiteral("WARNING: The inplane images in \"%1\" did not arrive in time "
+                       "or can not be read.\n\nThe run goes on without them.")
+            .arg(run.settings.OverlayInplaneFolder));
 }
 
 } // namespace

@@ -103,7 +103,7 @@ bool followProtocol(const RunParts& run, const Arriving& arriving, bool& interva
     run.pump.processEvents();
     while (!arriving.hasEnded() && !covers(run.document, arriving.coveredVolumes)) {
         if (waited.elapsed() > run.settings.timeOutMilliseconds) {
-            showWarningAside(arriving.timeOutText);
+            showModelessWarning(arriving.timeOutText);
             return false;
         }
         constexpr int eventRounds = 3;

@@ -10,7 +10,7 @@
 #include "run/settings/settings_file.h"
 #include "stats/contrast_file.h"
 #include "volume/first_volume_file.h"
-#include "volume/load_fmr_project.h"
+#include "volume/fmr_project.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -91,7 +91,7 @@ bool VolumeLoop::takeVolume() {
 bool VolumeLoop::readVolume() {
     stepClock_.restart();
     if (!reader_.readVolume(volumeIndex_)) {
-        showWarningAside("TIME OUT ERROR: expected file did not arrive!");
+        showModelessWarning("TIME OUT ERROR: expected file did not arrive!");
         return false;
     }
     run_.report.times.readVolTime = stepClock_.elapsed();
@@ -100,7 +100,7 @@ bool VolumeLoop::readVolume() {
     run_.requests.interruptFlag = false;
     interrupted_ = true;
     // Not waited for: the data are in memory only until they are saved.
-    showInformationAside("RECORDING INTERRUPTED BY USER");
+    showModelessInformation("RECORDING INTERRUPTED BY USER");
     // The volume that was just read does not count.
     run_.report.interruptedAtVolume = run_.report.currentVolume;
     return false;

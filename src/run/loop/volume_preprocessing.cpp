@@ -22,9 +22,10 @@ void smooth(const RunParts& run, int volumeIndex) {
     if (fwhm > 0.0f && run.document.smoothing.smoothVolume(project, volumeIndex, fwhm))
         return;
     if (volumeIndex == 0 && !SpatialSmoothing::isPossible(voxelWidths(project, double(fwhm))))
-        showWarningAside(QString("WARNING: Volumes are not smoothed: a width of %1 mm does not go "
-                                 "with their voxel size.")
-                             .arg(double(fwhm)));
+        showModelessWarning(
+            QString("WARNING: Volumes are not smoothed: a width of %1 mm does not go "
+                    "with their voxel size.")
+                .arg(double(fwhm)));
 }
 
 } // namespace

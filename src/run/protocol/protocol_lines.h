@@ -58,7 +58,7 @@ public:
     void show(const QString& message) {
         constexpr int most = 5;
         if (!message.isEmpty() && ++shown_ <= most)
-            showWarningAside(message);
+            showModelessWarning(message);
     }
 
 private:

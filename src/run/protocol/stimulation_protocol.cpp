@@ -30,7 +30,7 @@ bool appendInterval(ConditionTable& table, int index, int from, int to) {
     const auto last = size_t(condition.nrOfIntervals);
     if (condition.nrOfIntervals >= ProtocolCondition::maximumIntervals) {
         if (!condition.lossReported)
-            showWarningAside(
+            showModelessWarning(
                 QStringLiteral("WARNING: Condition \"%1\" has more than 300 intervals; the "
                                "first 300 are used.")
                     .arg(condition.name));
@@ -85,7 +85,7 @@ int StimulationProtocol::conditionIndex(const QString& name) {
     if (unexpectedConditions.contains(known) || unexpectedConditions.size() >= mostWarnings)
         return -1;
     unexpectedConditions << known;
-    showWarningAside(
+    showModelessWarning(
         QStringLiteral("WARNING: Unexpected condition \"%1\" found!\n\nThis condition was "
                        "not declared in header and will be ignored.")
             .arg(shortened(name)));

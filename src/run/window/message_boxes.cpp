@@ -177,11 +177,11 @@ void setUp(QInputDialog& dialog, const InputTexts& texts) {
 
 void MessageBoxes::show(MessageLevel level, const QString& text, const QString& title) {
     if (level != MessageLevel::Critical && title == programTitle && runIsActive())
-        return showAside(level, text);
+        return showModeless(level, text);
     waitForBox(iconOf(level), text, title, QMessageBox::Ok);
 }
 
-void MessageBoxes::showAside(MessageLevel level, const QString& text) {
+void MessageBoxes::showModeless(MessageLevel level, const QString& text) {
     auto* box = new QMessageBox(boxParent());
     setUp(*box, iconOf(level), text, programTitle);
     box->setStandardButtons(QMessageBox::Ok);

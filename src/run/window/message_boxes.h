@@ -14,7 +14,7 @@ public:
     std::function<bool()> runIsActive = [] { return false; };
 
     void show(MessageLevel level, const QString& text, const QString& title) override;
-    void showAside(MessageLevel level, const QString& text) override;
+    void showModeless(MessageLevel level, const QString& text) override;
     [[nodiscard]] bool ask(const QString& text, const QString& title) override;
     void announce(const QString& title, const QString& text, const QString& button) override;
     [[nodiscard]] std::optional<int> inputInteger(const InputTexts& texts, int start,

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/session_fixture.h"
 
-#include "volume/load_fmr_project.h"
+#include "volume/fmr_project.h"
 
 #include <QFile>
 

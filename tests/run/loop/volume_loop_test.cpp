@@ -144,7 +144,7 @@ TEST_F(VolumeLoopTest, ConditionsThatNeverEnterTheModelAreToldBeforeTheFirstVolu
     script.firstVolumeComes = false;
     messages.expect(MessageLevel::Warning, "TIME OUT: Expected first file did not arrive!");
     session.runButtonPressed();
-    EXPECT_TRUE(messages.shownAside().value(0).endsWith(": Houses."));
+    EXPECT_TRUE(messages.shownModeless().value(0).endsWith(": Houses."));
 }
 
 TEST_F(VolumeLoopTest, InplanesShowWhereTheyCameAndTheRunGoesOnWithoutThem) {

@@ -318,9 +318,9 @@ TEST_F(Boxes, ChoosersCloseWithTheirSubjectAndCallNobody) {
     EXPECT_TRUE(open<QColorDialog>().empty());
 }
 
-TEST_F(Boxes, WaitForNobodyAside) {
+TEST_F(Boxes, ModelessOnesReturnAtOnce) {
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    showWarningAside(text);
+    showModelessWarning(text);
     auto* box = open<QMessageBox>().at(0);
     EXPECT_EQ(box->text(), text);
     EXPECT_EQ(box->icon(), QMessageBox::Warning);

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "intake/siemens_protocol.h"
+#include "intake/siemens_private_header.h"
 
 #include "base/messages.h"
 #include "base/text_reading.h"
+#include "intake/dicom_walk.h"
 #include "intake/file_bytes.h"
 #include "intake/header_numbers.h"
 
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <string>
 
 namespace {
 
@@ -59,10 +61,10 @@ public:
     /// True when slice positions were found.
     bool finish() {
         if (timeRefused_ && !repetitionTimeMet_)
-            showWarningAside(QString("WARNING: The scanner's protocol states a TR of \"%1\" "
-                                     "microseconds; the TR of the settings file, %2 ms, stays.")
-                                 .arg(shortened(refusedTime_))
-                                 .arg(double(project_.TR)));
+            showModelessWarning(QString("WARNING: The scanner's protocol states a TR of \"%1\" "
+                                        "microseconds; the TR of the settings file, %2 ms, stays.")
+                                    .arg(shortened(refusedTime_))
+                                    .arg(double(project_.TR)));
         const bool interleaved = project_.SliceAcquisitionOrder == 3;
         if (project_.SliceAcquisitionOrderVerified && interleaved && project_.NrOfSlices % 2 == 0)
             project_.SliceAcquisitionOrder = 5;
@@ -129,6 +131,35 @@ private:
     std::array<bool, 3> axisMet_{};
 };
 
+constexpr uint16_t privateGroup = 0x0019;
+constexpr uint16_t timesInBlock = 0x29;
+
+// The value of the element; empty where there is none.
+std::span<const uint8_t> findTimes(std::span<const uint8_t> bytes, ByteOrder& order) {
+    const auto encoding = detectEncoding(bytes, EncodingSearch::LastKeyNearStart);
+    if (!encoding)
+        return {};
+    DicomWalk walk(bytes, *encoding);
+    DicomElement element;
+    int block = -1;
+    bool more = walk.begin() == DicomWalk::Start::Ready;
+    while (more && walk.next(element) && element.group <= privateGroup) {
+        const auto value = walk.value(element);
+        more = value.has_value();
+        if (!more || element.group != privateGroup)
+            continue;
+        // Elements 10 to FF name the owners of the blocks 10xx to FFxx.
+        if (element.number >= 0x10 && element.number <= 0xFF &&
+            dicomText(*value).starts_with("SIEMENS MR HEADER"))
+            block = element.number;
+        if (block >= 0 && element.number == ((block << 8) | timesInBlock)) {
+            order = walk.byteOrder();
+            return *value;
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 bool parseSiemensProtocol(std::span<const uint8_t> bytes, FMRProject& project) {
@@ -153,4 +184,18 @@ bool readSiemensProtocol(const QString& fileName, FMRProject& project) {
         return false;
     }
     return parseSiemensProtocol(file.bytes(), project);
+}
+
+std::vector<float> siemensSliceTimes(std::span<const uint8_t> bytes, int nrOfSlices) {
+    ByteOrder order = hostByteOrder;
+    const std::span<const uint8_t> value = findTimes(bytes, order);
+    if (nrOfSlices <= 0 || value.size() != size_t(nrOfSlices) * sizeof(double))
+        return {};
+    ByteReader reader(value, order);
+    std::vector<float> times(static_cast<size_t>(nrOfSlices));
+    std::ranges::generate(times, [&reader] { return limitedFloat(reader.f64()); });
+    constexpr float longestTR = 100000.0f;
+    const bool usable =
+        std::ranges::all_of(times, [](float time) { return time >= 0.0f && time < longestTR; });
+    return usable ? times : std::vector<float>();
 }

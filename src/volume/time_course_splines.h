@@ -8,9 +8,9 @@
 /// volume apart, so the elimination is the same for all voxels and is done once for a run. The
 /// values are bit for bit those of numerics::splineSecondDerivatives() and splineValue(), voxel by
 /// voxel.
-class CourseSplines {
+class TimeCourseSplines {
 public:
-    explicit CourseSplines(size_t nrOfVolumes);
+    explicit TimeCourseSplines(size_t nrOfVolumes);
 
     /// Rows of volumes from 1 on become the values at v - delay; `delay` is from 0 to below 1. Row
     /// 0 of `filtered` stays.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "volume/load_fmr_project.h"
+#include "volume/fmr_project.h"
 
 #include "base/messages.h"
 #include "base/paths.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "volume/kept_volumes.h"
+#include "volume/volume_backup.h"
 
 #include "base/messages.h"
 #include "volume/time_courses.h"
 
-bool KeptVolumes::keep(const FMRProject& project, int nrOfVolumes, const StepProgress& progress) {
+bool VolumeBackup::copy(const FMRProject& project, int nrOfVolumes, const StepProgress& progress) {
     const size_t samples = project.volumeSamples();
     const auto count = size_t(nrOfCompleteVolumes(project, nrOfVolumes));
     // Each volume alone is small: the whole run is held against what the system can give.
@@ -22,12 +22,12 @@ bool KeptVolumes::keep(const FMRProject& project, int nrOfVolumes, const StepPro
     return enoughMemory;
 }
 
-void KeptVolumes::bringBack(FMRProject& project) const {
+void VolumeBackup::restore(FMRProject& project) const {
     for (size_t v = 0; v < volumes_.size(); ++v)
         std::ranges::copy(volumes_[v].span(), project.volumes[v].data());
 }
 
-void KeptVolumes::release() {
+void VolumeBackup::release() {
     volumes_.clear();
     volumes_.shrink_to_fit();
 }

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "intake/ge_i_reader.h"
+#include "intake/ge_raw_readers.h"
 
 #include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
-#include "intake/ge_i_header.h"
+#include "intake/dicom_names.h"
+#include "intake/ge_headers.h"
 #include "intake/ge_i_names.h"
+#include "intake/pixel_data.h"
+#include "run/settings/settings_paths.h"
 
 namespace {
 
@@ -66,5 +69,56 @@ bool GeIReader::readSlices(Stage stage, int volume, qint64 firstIndex) {
 
 bool GeIReader::readHeaders() {
     readGEIHeader(expectedPath(0), project());
+    return true;
+}
+
+bool GeStanfordReader::prepare() {
+    return !settings().pFilePath.isEmpty() ||
+           failWith(QString("ERROR: The name of the P header file \"%1\" has no \"P\" - check "
+                            "settings file !")
+                        .arg(settings().PFileHeader));
+}
+
+QString GeStanfordReader::volumePath(qint64 measured) const {
+    return settings().pFilePath + ".V" + paddedNumber(measured + 1, 3) + ".img";
+}
+
+bool GeStanfordReader::readFirstVolume() {
+    return readSlices(Stage::FirstVolume, 0, volumePath(0));
+}
+
+bool GeStanfordReader::readVolume(int volume) {
+    return readSlices(Stage::Loop, volume, volumePath(measuredVolume(volume)));
+}
+
+// The file grows while it is read, and its first slice is the last one of the volume.
+bool GeStanfordReader::readSlices(Stage stage, int volume, const QString& path) {
+    const auto sliceBytes = qint64(targetSlice(stage, volume, 0).size_bytes());
+    if (sliceBytes == 0)
+        return false;
+    const int nrOfSlices = project().NrOfSlices;
+    for (int slice = 0; slice < nrOfSlices; ++slice) {
+        const qint64 needed = (slice + 1) * sliceBytes;
+        // Slices that are there when their turn comes have settled with the one before.
+        const bool settled = slice > 0 && waitForFile(path, needed, true);
+        const auto image =
+            awaitSamples({.expected = {{path}, needed, true},
+                          .part = {.offset = slice * sliceBytes, .length = sliceBytes},
+                          .settleMilliseconds = settled ? 0 : 10});
+        if (!image)
+            return false;
+        // In any case, whatever the settings say about the byte order.
+        swapSamples(image->samples);
+        if (!store(image->samples, targetSlice(stage, volume, nrOfSlices - 1 - slice)))
+            return false;
+    }
+    if (stage == Stage::FirstVolume)
+        project().FirstDataSourceFile = paths::fileName(path);
+    return true;
+}
+
+bool GeStanfordReader::readHeaders() {
+    const QString header = cleanedPath(settings().PFileHeader, settings().settingsFileDir);
+    readPFileHeader(header.contains('/') ? header : watchedPath(header), project());
     return true;
 }

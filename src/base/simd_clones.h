@@ -8,7 +8,7 @@
 // choice, which is made before they are set up.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__gnu_linux__) &&   \
     !defined(__SANITIZE_ADDRESS__)
-#define VELO_WIDE_CLONES __attribute__((target_clones("default", "avx2")))
+#define VELO_SIMD_CLONES __attribute__((target_clones("default", "avx2")))
 #else
-#define VELO_WIDE_CLONES
+#define VELO_SIMD_CLONES
 #endif

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "intake/ge_hdxt_dicom_reader.h"
+#include "intake/ge_dicom_readers.h"
 
 #include "base/paths.h"
+#include "intake/dicom_names.h"
 #include "intake/header_numbers.h"
 #include "intake/header_sizes.h"
 
@@ -43,6 +44,58 @@ bool spanImage(const Vector3& row, const Vector3& column) {
 }
 
 } // namespace
+
+QString GeDicomReader::sliceFileName(qint64 number, qint64 count) const {
+    return watchedPath(geDicomFileName(number, count));
+}
+
+bool GeDicomReader::readFirstVolume() {
+    return readSlices(Stage::FirstVolume, 0, firstCount());
+}
+
+bool GeDicomReader::readVolume(int volume) {
+    return readSlices(Stage::Loop, volume, project().NrOfSlices * measuredVolume(volume) + 1);
+}
+
+bool GeDicomReader::readSlices(Stage stage, int volume, qint64 base) {
+    const size_t nrOfSamples = targetSlice(stage, volume, 0).size();
+    if (nrOfSamples == 0)
+        return false;
+    std::vector<int> missing(size_t(project().NrOfSlices));
+    std::iota(missing.begin(), missing.end(), 0);
+    while (!missing.empty()) {
+        const ExpectedFile expected{namesOf(base, missing), qint64(2 * nrOfSamples), true};
+        auto image = awaitImage(expected, stage, nrOfSamples);
+        if (!image)
+            return false;
+        const auto found = missing.begin() + expected.names.indexOf(image->path);
+        image->samples = image->samples.last(2 * nrOfSamples);
+        if (!takeSlice(*image, stage, targetSlice(stage, volume, *found)))
+            return false;
+        if (stage == Stage::FirstVolume)
+            remember(image->path, *found);
+        missing.erase(found);
+    }
+    return true;
+}
+
+void GeDicomReader::remember(const QString& path, int slice) {
+    if (slice == 0) {
+        firstSliceFile_ = path;
+        project().FirstDataSourceFile = paths::fileName(path);
+    }
+    if (slice == project().NrOfSlices - 1)
+        lastSliceFile_ = path;
+}
+
+bool GeDicomReader::readSizes() {
+    if (!readHeader(firstSliceFile_))
+        return false;
+    const DicomHeader& header = state().header;
+    const VolumeSize size = project().size();
+    takeSizes(firstSliceFile_);
+    return (header.columns == size.x && header.rows == size.y) || failForDimensions(size.x, size.y);
+}
 
 bool GeHdxtDicomReader::prepare() {
     QString folder = state().watchFolder;
@@ -112,4 +165,9 @@ bool GeHdxtDicomReader::readHeaders() {
         *point = imageCentre(*point, position, width, height);
     position.positionInfoValid = 1;
     return true;
+}
+
+QStringList GeXDicomReader::namesOf(qint64 base, const std::vector<int>& missing) const {
+    const qint64 count = base + missing.front();
+    return {sliceFileName(count + settings().GESeriesNr, count)};
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "volume/course_splines.h"
+#include "volume/time_course_splines.h"
 
 // See stats/numerics/spline.cpp for the equations; with a distance of 1 between neighbours each
 // inner row of the system is curvature before + 4 * here + after = 6 * change of slope.
 
-CourseSplines::CourseSplines(size_t nrOfVolumes)
+TimeCourseSplines::TimeCourseSplines(size_t nrOfVolumes)
     : nrOfVolumes_(nrOfVolumes), diagonal_(nrOfVolumes, 1.0),
       curvatures_(nrOfVolumes * timeCourseBlock, 0.0f) {
     for (size_t v = 1; v + 1 < nrOfVolumes; ++v)
@@ -12,7 +12,7 @@ CourseSplines::CourseSplines(size_t nrOfVolumes)
 }
 
 /// `work` holds the right sides in its rows from 1 on.
-void CourseSplines::findCurvatures(const double* samples, double* work) {
+void TimeCourseSplines::findCurvatures(const double* samples, double* work) {
     constexpr size_t stride = timeCourseBlock;
     for (size_t v = 1; v + 1 < nrOfVolumes_; ++v) {
         const double* const here = samples + v * stride;
@@ -36,7 +36,7 @@ void CourseSplines::findCurvatures(const double* samples, double* work) {
     }
 }
 
-void CourseSplines::shift(double delay, const double* samples, double* filtered) {
+void TimeCourseSplines::shift(double delay, const double* samples, double* filtered) {
     constexpr size_t stride = timeCourseBlock;
     findCurvatures(samples, filtered);
     for (size_t v = 1; v < nrOfVolumes_; ++v) {
