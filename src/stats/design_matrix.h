@@ -77,11 +77,11 @@ enum class HRFModel { None, TwoGamma, SingleGamma };
 /// Fills the condition entries of the name lists, the contrast list, NrOfContrastPredictors and
 /// NrOfConditionPredictors. With a baseline the names skip the condition at its position while the
 /// columns skip the first one: they agree for position 1. Conditions beyond the 49 that fit beside
-/// the constant get no column; the first time that happens there is a warning.
+/// the constant get no column; a warning is shown when this starts to happen.
 void buildConditionPredictorNames(DesignMatrix& design, const DesignSource& source);
 /// Appends the confound entries; sets NrOfConfoundPredictors and NrOfPredictors. A negative
-/// DriftConfoundPredictors counts as 0. Drift terms that don't fit are left out; the first time
-/// that happens there is a warning.
+/// DriftConfoundPredictors counts as 0. Drift terms that don't fit are left out; a warning is shown
+/// when this starts to happen.
 void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& source);
 
 /// Fills every condition column from the protocol. A column in milliseconds is slow to compute, so

@@ -16,8 +16,8 @@ struct GLMState;
 /// mask, start volume and step. A column that is missing or too short counts as 0 there; the
 /// pseudo-inverse drops a column of zeros. False, with the state unchanged, when the inversion
 /// fails or memory runs out (both end the program), when the volumes differ in size from the model,
-/// or when the model is not allocated for so many predictors; preparing a run allocates it for the
-/// whole design.
+/// or when the model is not allocated for this many predictors; preparing a run allocates it for
+/// the whole design.
 [[nodiscard]] bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& design,
                               const BrainMask& mask, int volumeIndex);
 

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr quint32 fileMark = 0x53504D56; // "VMPS" as it stands in the file
+constexpr quint32 fileMark = 0x53504D56; // "VMPS" in the file
 constexpr qint32 fileVersion = 1;
 constexpr qint32 largestSize = 4096;   // along one axis, far above any matrix
 constexpr quint32 longestName = 65536; // bytes

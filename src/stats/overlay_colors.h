@@ -20,7 +20,7 @@ using MultiMapColorTable = std::array<RgbColor, nrOfMultiMapColors>;
 /// A new table with no entry set: all black.
 [[nodiscard]] MultiMapColorTable unsetMultiMapColors();
 
-/// The table that the overlay paints with, and the multi-map table behind it.
+/// The table that the overlay paints with, and the multi-map table it is built from.
 struct OverlayColors {
     OverlayColorTable active = significanceColors();
     /// One colour for each combination of maps that pass. With n maps shown only the first 2^n - 1

@@ -70,7 +70,7 @@ TEST(MapFile, RefusesWhatIsDamaged) {
         {20, "ffffff7f", damaged}, // number of maps
         {24, "ffffffff", damaged}, // length of the name
         {43, "05000000", damaged}, // type
-        {55, "0000c07f", damaged}, // threshold that is no number
+        {55, "0000c07f", damaged}, // threshold that is not a number
     };
     ScriptedMessages messages;
     MapFile file;

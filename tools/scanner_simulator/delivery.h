@@ -33,7 +33,7 @@ struct GrowingProtocol {
 /// What to deliver: simulated volumes or those of a folder.
 struct VolumeSource {
     int nrOfVolumes = 0;
-    bool writesSlices = false;  ///< each slice is a file of its own
+    bool writesSlices = false;  ///< each slice is a separate file
     bool writesOneFile = false; ///< all volumes are appended to one file
     int repetitionTime = 1000;  ///< milliseconds
     /// Files of a volume, from 0; nothing when they can't be read.

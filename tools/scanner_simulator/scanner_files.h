@@ -14,7 +14,7 @@
 #include <vector>
 
 struct ScannerFile {
-    QString name; ///< below the watch folder; may begin with a folder of its own
+    QString name; ///< below the watch folder; may include a subfolder
     QByteArray bytes;
     bool append = false; ///< the bytes are added to a file that all volumes share
 };
@@ -45,7 +45,7 @@ public:
     /// The files themselves. `samples` holds the whole volume.
     [[nodiscard]] virtual std::vector<ScannerFile>
     files(int volume, std::span<const uint16_t> samples) const = 0;
-    /// Each slice is a file of its own.
+    /// Each slice is a separate file.
     [[nodiscard]] virtual bool writesSlices() const { return false; }
     /// All volumes are appended to one file.
     [[nodiscard]] virtual bool writesOneFile() const { return false; }

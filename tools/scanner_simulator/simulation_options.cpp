@@ -52,7 +52,7 @@ QString problemOfWatchFolder(const SimulationOptions& options) {
         if (isHdxt || options.type == ScannerType::Bruker2dseq)
             return "Files of this type have series folders of their own.";
         if (options.run > highestMarkedRun)
-            return QString("A mark in the watch folder stands for no run above %1.")
+            return QString("A mark in the watch folder allows for runs up to %1 only.")
                 .arg(highestMarkedRun);
         break;
     case WatchFolderForm::List:

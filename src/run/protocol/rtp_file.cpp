@@ -7,8 +7,8 @@
 namespace {
 
 void warnOfMisplacedBaseline(const QString& path) {
-    showWarning(QStringLiteral("WARNING: In RTP file \"%1\" a condition behind the first one is no "
-                               "predictor.\n\nOnly the first condition can be the baseline; "
+    showWarning(QStringLiteral("WARNING: In RTP file \"%1\" a condition after the first one is not "
+                               "a predictor.\n\nOnly the first condition can be the baseline; "
                                "conditions and values may be mixed up.")
                     .arg(path));
 }

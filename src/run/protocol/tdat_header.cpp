@@ -126,9 +126,10 @@ void TDATHeaderParser::takeEntry(const QString& key, const QString& value) {
 bool TDATHeaderParser::takeTR(const QString& value) {
     const int TR = integerOf(value);
     if (TR < 1 || TR > longestTR)
-        return failed(QStringLiteral("ERROR: SCANNERVOLUMEDURATION of .tdat file is no duration in "
-                                     "milliseconds: \"%1\" !")
-                          .arg(shortened(value)));
+        return failed(
+            QStringLiteral("ERROR: SCANNERVOLUMEDURATION of .tdat file is not a duration in "
+                           "milliseconds: \"%1\" !")
+                .arg(shortened(value)));
     settings_.TR = TR;
     return true;
 }

@@ -21,7 +21,7 @@ QString bareName(const QString& path) {
 // The text before and after the last delimiter; found is false when there is none.
 struct Split {
     QString before;
-    QString behind;
+    QString after;
     bool found = false;
 };
 
@@ -55,11 +55,11 @@ void deriveDicomNames(RunSettings& settings) {
     const QString name = paths::withoutExtension(bareName(settings.FirstFileName));
     const Split image = splitAtLast(name, settings.DicomNameDelimiter);
     const Split volume = splitAtLast(image.before, settings.DicomNameDelimiter);
-    if (const int number = volume.behind.toInt(); volume.found && number >= 0)
+    if (const int number = volume.after.toInt(); volume.found && number >= 0)
         settings.DicomFirstVolumeNr = number;
     settings.dicomFilePrefix = volume.before;
-    const bool padded = image.behind.startsWith('0') || image.behind.size() >= 4;
-    settings.dicomImageNumberWidth = padded ? int(image.behind.size()) : -1;
+    const bool padded = image.after.startsWith('0') || image.after.size() >= 4;
+    settings.dicomImageNumberWidth = padded ? int(image.after.size()) : -1;
 }
 
 void derivePFile(RunSettings& settings) {

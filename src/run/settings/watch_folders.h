@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <optional>
 
-/// A folder that ends in "Ser<N>" or "<N>" (or with a small n) stands for its sibling "Ser0012" or
+/// A folder that ends in "Ser<N>" or "<N>" (or with lower-case n) means its sibling "Ser0012" or
 /// "0012" with the highest number from 1 to 99 that exists, or number 0 when none does. The whole
 /// last component is replaced, and the result has no trailing "/". Other folders are returned
 /// unchanged.

@@ -100,7 +100,7 @@ void ContrastList::toggle(int index, ContrastState bit) {
     Q_EMIT contrastsEdited();
 }
 
-// The chooser is not waited for: a run goes on while it is open. It closes when the contrasts go.
+// The chooser is modeless, so that a run continues. It closes when the contrasts are removed.
 void ContrastList::editColor(int index) {
     chooseColor(
         "Color of " + contrasts_->ContrastNames.value(index),

@@ -1,4 +1,4 @@
-// The tree of contrasts: which are shown, with which sign, in which colour.
+// The contrast list: selection, sign and colour of the contrasts.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -16,7 +16,7 @@ public:
 
     explicit ContrastList(QWidget* parent);
 
-    /// Fills the tree; nullptr empties it. The contrasts must outlive the list or the next call.
+    /// Fills the list; nullptr clears it. The contrasts must outlive the list or the next call.
     void setContrasts(ContrastDefinitions* contrasts);
 
 Q_SIGNALS:
@@ -27,7 +27,7 @@ public Q_SLOTS:
     void slotClickedContrastList(QTreeWidgetItem* item, int column);
 
 protected:
-    /// +, - and C do for the current contrast what a click in its columns does.
+    /// +, - and C act like clicks in the columns of the current contrast.
     void keyPressEvent(QKeyEvent* event) override;
 
 private:

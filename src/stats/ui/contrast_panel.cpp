@@ -14,7 +14,7 @@
 
 namespace {
 
-/// One row: the label, and the number field at the right with a fixed width.
+/// One row: the label, and a number field of fixed width to its right.
 void addNumberRow(QGridLayout* grid, const QString& label, QAbstractSpinBox* box, const char* name,
                   const QString& toolTip) {
     constexpr int width = 104;
@@ -22,7 +22,7 @@ void addNumberRow(QGridLayout* grid, const QString& label, QAbstractSpinBox* box
     box->setToolTip(toolTip);
     box->setFixedWidth(width);
     box->setAlignment(Qt::AlignRight);
-    // A number counts when it is finished, not digit by digit.
+    // Apply a number when it is complete, not digit by digit.
     box->setKeyboardTracking(false);
     auto* text = new QLabel(label, box->parentWidget());
     text->setBuddy(box);
@@ -85,7 +85,7 @@ void ContrastPanel::connectControls() {
     connect(multiSlice_, &QSpinBox::valueChanged, this, &ContrastPanel::multiSliceEdited);
     connect(conjunction_, &QCheckBox::clicked, this, &ContrastPanel::conjunctionClicked);
     connect(list_, &ContrastList::contrastsEdited, this, [this] { session_.contrastsChanged(); });
-    // The keys that scroll the slices work again once a number is entered.
+    // Once a number is entered the keys scroll the slices again.
     for (const QAbstractSpinBox* box : findChildren<QAbstractSpinBox*>())
         connect(box->findChild<QLineEdit*>(), &QLineEdit::returnPressed, this,
                 &ContrastPanel::numberEntered);

@@ -1,4 +1,4 @@
-// Contrasts, thresholds and the cluster size, at the right of the slices.
+// Contrasts, thresholds and cluster size, to the right of the slices.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -13,17 +13,17 @@ class QGridLayout;
 class QSpinBox;
 class RunSession;
 
-/// Shows what the session has, and follows its documents.
+/// Shows the values of the session's documents.
 class ContrastPanel : public QGroupBox, public RunListener {
     Q_OBJECT
 
 public:
     ContrastPanel(RunSession& session, QWidget* parent);
 
-    /// Writes thresholds, cluster size and number of slices into their boxes, without signals.
+    /// Updates thresholds, cluster size and number of slices in their fields, without signals.
     void refresh();
 
-    /// What the boxes hold, handed to the session.
+    /// Pass the value of a control to the session.
     void takeThreshold();
     void takeColorMaxThreshold();
     void takeClusterSize();
@@ -35,13 +35,13 @@ public:
     void settingsFileChanged() override;
 
 Q_SIGNALS:
-    /// The operator changed a control; the take functions hand its value over.
+    /// The operator changed a control; the take functions pass its value on.
     void thresholdEdited();
     void colorMaxThresholdEdited();
     void clusterSizeEdited();
     void multiSliceEdited();
     void conjunctionClicked();
-    /// A number was finished with the Return key.
+    /// A number was confirmed with the Return key.
     void numberEntered();
 
 private:

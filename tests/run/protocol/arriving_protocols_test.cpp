@@ -142,7 +142,7 @@ TEST_F(ArrivingProtocol, DamagedHeadersAreRefused) {
         {"CONDITION NAME Cue", "CUE",
          "ERROR: Severe parsing error in ConditionTable: Expecting token \"CONDITION\"."},
         {"1000", "0",
-         "SCANNERVOLUMEDURATION of .tdat file is no duration in milliseconds: \"0\" !"},
+         "SCANNERVOLUMEDURATION of .tdat file is not a duration in milliseconds: \"0\" !"},
         {"0 HEADER CONDITIONTABLEEND", manyConditions,
          "ConditionTable of .tdat file has more than 1000 entries."},
     };

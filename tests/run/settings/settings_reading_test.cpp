@@ -46,7 +46,7 @@ TEST_F(SettingsFile, TakesValuesInTheirForms) {
     EXPECT_EQ(settings.WatchFolder, dir() + "in/");
     EXPECT_EQ(settings.TargetFolder, dir() + "out/");
     EXPECT_TRUE(QDir(dir() + "out").exists());
-    // Only 1 means big endian, and another key may stand in place of the colours.
+    // Only 1 means big endian, and another key may replace the colours.
     settings.ROIColorsFile = "before";
     ASSERT_TRUE(readText(geText()
                              .replace("RawDataBigEndian: 0", "RawDataBigEndian: 2")
