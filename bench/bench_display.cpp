@@ -20,7 +20,7 @@ struct Size {
 
 constexpr int nrOfMaps = 3;
 
-/// Median of many runs, in milliseconds of processor time: other programs don't count.
+/// Median of many runs, in milliseconds of processor time, so that other programs don't count.
 double medianTime(const std::function<void()>& work) {
     constexpr int runs = 101;
     std::vector<double> times;

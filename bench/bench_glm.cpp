@@ -1,4 +1,4 @@
-// Times of the model's steps at three sizes, beside a plain copy of the model's memory.
+// Times of the model's steps at three sizes, compared with copying the model's memory.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/clusters.h"
 #include "stats/glm_batch.h"
@@ -39,7 +39,7 @@ double medianMilliseconds(int repeats, const std::function<void()>& work) {
     return times[size_t(repeats / 2)];
 }
 
-/// A run whose voxels in the inner slices are all inside the mask.
+/// A run with all voxels of the inner slices inside the mask.
 struct BenchmarkRun {
     FMRProject project;
     DesignMatrix design;
@@ -99,7 +99,7 @@ private:
     }
 };
 
-/// Calls `work` with volumes from the batch solution on, again and again.
+/// Calls `work` repeatedly with volumes from the batch solution on.
 struct VolumeCounter {
     int volume = 100;
     int next() { return volume = volume + 1 < nrOfVolumes ? volume + 1 : 101; }

@@ -1,6 +1,7 @@
-// What a reader costs beside the settling time, and what its wait for a file costs.
+// Cost of reading a volume, without the settling time, and of waiting for a file.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/volume_reader.h"
+#include "scanner_simulator/mosaic_image.h"
 #include "scanner_simulator/simulated_scan.h"
 
 #include <QCoreApplication>
@@ -14,7 +15,7 @@
 
 namespace {
 
-// Time passes only in waits, so that what is measured is work.
+// Time passes only in waits, so that only work is measured.
 class ImpatientPump : public EventPump {
 public:
     void processEvents() override {}

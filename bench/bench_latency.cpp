@@ -1,4 +1,4 @@
-// From the moment a mosaic file is noticed to the status text of its volume, at the three sizes.
+// Latency from noticing a mosaic file to the status text of its volume, at three sizes.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "silent_display.h"
 
@@ -21,7 +21,7 @@ double millisecondsBetween(Clock::time_point from, Clock::time_point to) {
     return std::chrono::duration<double, std::milli>(to - from).count();
 }
 
-// A file was noticed when the reader begins to let it settle.
+// A file counts as noticed when the reader starts to let it settle.
 class NoticingPump : public QtEventPump {
 public:
     std::vector<Clock::time_point> noticed;

@@ -1,4 +1,4 @@
-// Time of motion correction for one volume at three sizes, beside its plain form.
+// Time of motion correction for one volume at three sizes, compared with its plain form.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/head_volume.h"
 #include "volume/motion_evaluation.h"
@@ -17,7 +17,7 @@ struct Size {
 
 constexpr double noise = 10.0; // sample units, in a head of 900
 
-/// Of processor time, so that other programs don't count.
+/// Processor time, so that other programs don't count.
 double milliseconds() {
     return double(std::clock()) * 1e3 / CLOCKS_PER_SEC;
 }
@@ -27,7 +27,7 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-/// What one volume takes.
+/// Cost of one volume.
 struct Times {
     std::vector<double> fit;
     std::vector<double> resampling;
@@ -47,7 +47,7 @@ void correct(const MotionParameters& start, const Evaluation& evaluate, const Re
     times.steps.push_back(fit.steps);
 }
 
-/// Volumes of a head that drifts, each fitted from 0.9 times the place of the one before.
+/// Volumes of a drifting head, each fitted from 0.9 times the position of the previous one.
 void measure(const Size& size, int repeats) {
     VolumeGrid grid;
     grid.size = size.voxels;

@@ -1,4 +1,4 @@
-// How near motion correction comes to the truth on simulated heads, and what that depends on.
+// Accuracy of motion correction on simulated heads, and what limits it.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/text_reading.h"
 #include "scanner_simulator/simulated_scan.h"
@@ -12,12 +12,12 @@
 
 namespace {
 
-/// How differences are summed. The program's way is the first; the others tell what it costs.
+/// How differences are summed. The first is the program's; the others show what it costs.
 struct Variant {
     const char* name;
-    bool allVoxels;       ///< in place of the sparse grid
+    bool allVoxels;       ///< instead of the sparse grid
     bool trueDerivatives; ///< of the moved volume by millimetres and degrees
-    bool means;           ///< steps are judged by the mean of the squares in place of their sum
+    bool means;           ///< steps are compared by the mean of the squares instead of their sum
 };
 constexpr Variant variants[] = {
     {"the program", false, false, false},  {"means", false, false, true},
@@ -33,7 +33,7 @@ struct Course {
     std::function<RigidTransformation(int volume)> truth;
 };
 
-/// The evaluation that MotionEvaluator does, free to vary.
+/// The evaluation of MotionEvaluator, with variants.
 class VariedEvaluation {
 public:
     VariedEvaluation(const VolumeGrid& grid, std::span<const int16_t> target,
@@ -61,7 +61,7 @@ private:
     [[nodiscard]] int step(int size) const {
         return variant_.allVoxels ? 1 : motionSamplingStep(size);
     }
-    /// What a turn moves a voxel by, along the other two axes.
+    /// Displacement of a voxel by a rotation, along the other two axes.
     [[nodiscard]] double lever(size_t axis, int voxel, double translation) const {
         if (variant_.trueDerivatives)
             return double(grid_.position(axis, voxel)) * std::numbers::pi / 180.0;
@@ -116,8 +116,8 @@ struct Errors {
     double mean[2] = {}; ///< of translations, in millimetres, and of rotations, in degrees
     double largest[2] = {};
     double steps = 0.0;
-    /// Mean square at the true place by that at the found one. Above 1 no search could have gone
-    /// to the true place: it is not where the volumes agree best.
+    /// Mean square at the true position divided by that at the estimate. Above 1 no search could
+    /// have found the true position: it is not where the volumes agree best.
     double truthByFound = 0.0;
 };
 
@@ -158,7 +158,7 @@ Errors follow(const Course& course, const Variant& variant) {
     return errors;
 }
 
-/// A head of soft edges and much texture, signal 900, noise 10.
+/// A head with soft edges and much texture, signal 900, noise 10.
 Course smoothHead(const char* name, const VolumeGrid& grid,
                   const std::function<RigidTransformation(float part)>& motion) {
     constexpr int nrOfVolumes = 40;
@@ -170,7 +170,7 @@ Course smoothHead(const char* name, const VolumeGrid& grid,
             truth};
 }
 
-/// The transformation that brings a head of this pose back to rest.
+/// The transformation that moves a head with this pose back to rest.
 RigidTransformation transformationOf(const HeadPose& pose) {
     const PoseInverse toHead(pose);
     // Its matrix is the transpose of Rx(rx) Ry(ry) Rz(rz).
@@ -204,8 +204,8 @@ Course sharpHead(const char* name, const VolumeGrid& grid, HeadMotion motion) {
             [scan](int v) { return transformationOf(scan->pose(v)); }};
 }
 
-/// A measured run that was saved without correction, and what another program found of its motion:
-/// a line of six numbers for each volume.
+/// A measured run that was saved without correction, and its motion as estimated by another
+/// program: a line of six numbers for each volume.
 Course realRun(const QString& fmrFile, const QString& reference) {
     const auto project = std::make_shared<FMRProject>();
     QString text;
@@ -264,8 +264,8 @@ void printSize(std::array<int, 3> voxels, std::array<float, 3> millimetres, bool
 
 } // namespace
 
-/// Nothing: simulated heads at three sizes, the program's way. "all": the smallest size, all
-/// variants. A project file and a file of its motion: that run, all variants.
+/// Arguments: none for simulated heads at three sizes, the program's variant; "all" for the
+/// smallest size, all variants; a project file and a file of its motion for that run, all variants.
 int main(int argc, char** argv) {
     std::printf("Absolute errors: mean of translations (mm) and rotations (degrees), then largest\n"
                 "size            course        evaluation        mean mm mean deg    max mm  max "

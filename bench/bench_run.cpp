@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Of processor time, so that other programs don't count.
+/// Processor time, so that other programs don't count.
 double milliseconds() {
     return double(std::clock()) * 1e3 / CLOCKS_PER_SEC;
 }
@@ -28,7 +28,7 @@ struct Size {
     int tiles; ///< in a row of the mosaic
     float pixelMillimetres;
     float sliceMillimetres;
-    double budgetMilliseconds; ///< of a volume, with all that happens to its samples
+    double budgetMilliseconds; ///< of a volume, with motion correction and smoothing
 };
 
 double megabytes(size_t bytes) {
@@ -41,8 +41,8 @@ double peakMegabytes() {
     return double(usage.ru_maxrss) / 1024.0;
 }
 
-// Gives volumes of a head that moves to and fro, in no time worth mentioning. The air is as bright
-// as tissue, so that every voxel is inside the mask.
+// Supplies volumes of a head that moves to and fro, in negligible time. The air is as bright as
+// tissue, so that every voxel is inside the mask.
 class BenchmarkReader : public VolumeReader {
 public:
     BenchmarkReader(const IntakeContext& context, const Size& size, std::vector<double>& starts)
@@ -85,7 +85,7 @@ private:
     std::vector<std::vector<int16_t>> heads_;
 };
 
-// Takes the time of each volume's last action: the update of the views, or the status text.
+// Records the time of each volume's last action: the update of the views, or the status text.
 class BenchmarkDisplay : public SilentDisplay {
 public:
     std::vector<double> ends;
@@ -99,7 +99,7 @@ QString protocolText() {
                    "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 255 255 255\n"
                    "TimeCourseThick: 3\nReferenceFuncColor: 80 80 80\nReferenceFuncThick: 2\n"
                    "NrOfConditions: 7\n";
-    // Six conditions beside the baseline, a constant and a trend: eight predictors.
+    // Six conditions besides the baseline, a constant and a trend: eight predictors.
     for (int condition = 0; condition < 7; ++condition) {
         text += QString("\nCondition%1\n8\n").arg(condition);
         for (int block = 0; block < 8; ++block)

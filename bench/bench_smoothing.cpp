@@ -38,7 +38,7 @@ double milliseconds(const std::function<void()>& work) {
     return double(std::clock() - start) * 1e3 / CLOCKS_PER_SEC;
 }
 
-/// Median of many runs, in milliseconds of processor time: other programs don't count.
+/// Median of many runs, in milliseconds of processor time, so that other programs don't count.
 double medianTime(int runs, const std::function<void()>& work) {
     std::vector<double> times;
     for (int i = 0; i < runs; ++i)
@@ -113,7 +113,7 @@ void printSize(const Size& size) {
 } // namespace
 
 int main() {
-    // The high-pass filter leaves its design in the current folder.
+    // The high-pass filter writes its design to the current folder.
     const QTemporaryDir folder;
     QDir::setCurrent(folder.path());
     std::printf("Milliseconds of processor time for one volume; FWHM 5 mm; the last four of a run "

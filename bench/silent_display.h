@@ -1,4 +1,4 @@
-// A run that shows nothing; a benchmark overrides what it takes the time of.
+// A display that shows nothing; a benchmark overrides what it measures.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

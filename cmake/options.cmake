@@ -13,12 +13,12 @@ endif()
 
 find_program(CCACHE ccache)
 if(CCACHE)
-    # Precompiled headers can be cached only when their time stamps and macros are passed over.
+    # Precompiled headers can be cached only when their time stamps and macros are ignored.
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
         CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${CCACHE})
 endif()
 
-# A fast linker where one is installed: the test programs are many and linked statically.
+# Use a fast linker if one is installed: there are many statically linked test programs.
 include(CheckLinkerFlag)
 foreach(linker mold lld)
     check_linker_flag(CXX -fuse-ld=${linker} VELO_HAS_${linker})
@@ -40,9 +40,9 @@ target_compile_options(velo_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
     -Wnull-dereference -Wformat=2 -Wimplicit-fallthrough)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # With precompiled headers the compiler must be told to keep what a cache needs.
+    # With precompiled headers the compiler must keep what ccache needs.
     target_compile_options(velo_options INTERFACE -fpch-preprocess)
-    # Collecting garbage takes a twentieth of the time of a compilation that seldom needs it.
+    # Garbage collection takes 5 % of the compile time and is seldom needed.
     target_compile_options(velo_options INTERFACE --param=ggc-min-heapsize=400000)
 endif()
 if(VELO_WARNINGS_AS_ERRORS)
@@ -59,7 +59,7 @@ if(VELO_FUZZERS)
     if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
         message(FATAL_ERROR "VELO_FUZZERS needs clang++: use the preset \"fuzz\"")
     endif()
-    # A conversion from a number of a file that does not fit its type is undefined as well.
+    # Converting a number from a file that does not fit its type is undefined too.
     target_compile_options(velo_options INTERFACE
         -fsanitize=fuzzer-no-link,address,undefined,float-cast-overflow
         -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -3,9 +3,9 @@
 # velo_test(name SOURCES ... USES ... LABELS ... [UI] [RELEASE]): one test program.
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# A precompiled header that many targets share: making it takes as long as several source files. The
-# compiler takes it only with the definitions that it was made with, so the libraries given here are
-# those that all its users have in common.
+# A precompiled header that many targets share, since building one takes as long as several source
+# files. The compiler accepts it only with the definitions that it was built with, so the libraries
+# given here are those that all its users have in common.
 function(velo_precompiled_header name)
     set(source ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
     file(GENERATE OUTPUT ${source} CONTENT "// Nothing but its precompiled header.\n")
@@ -14,8 +14,8 @@ function(velo_precompiled_header name)
     target_precompile_headers(velo_${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/${name}.h)
 endfunction()
 
-# Images stand in the header of all, though they are used from level 6 on: scripts/check_layers sees
-# to that. A link to Qt Gui would bring a definition that parts the users.
+# All targets share a header with QImage, though only those from level 6 on may use it:
+# scripts/check_layers checks that. Linking Qt Gui would add a definition that prevents the sharing.
 target_include_directories(velo_options SYSTEM INTERFACE ${Qt6Gui_INCLUDE_DIRS})
 velo_precompiled_header(precompiled_core Qt6::Core)
 velo_precompiled_header(precompiled_widgets Qt6::Widgets)
@@ -25,7 +25,7 @@ if(VELO_TESTS)
     target_include_directories(velo_precompiled_widgets_test SYSTEM PRIVATE ${Qt6Test_INCLUDE_DIRS})
 endif()
 
-# A target uses only targets of lower levels; scripts/check_layers holds the includes against the
+# A target uses only targets of lower levels; scripts/check_layers compares the includes with the
 # table in ARCHITECTURE.md, this function only builds. A form of Qt Designer (.ui) lies beside the
 # class that includes its "ui_<form>.h".
 function(velo_library name)
@@ -40,7 +40,7 @@ function(velo_library name)
     endif()
 endfunction()
 
-# A program without tests: what users start, and the benchmarks.
+# A program that is not a test: those for users, and the benchmarks.
 function(velo_program name)
     cmake_parse_arguments(ARG "UI" "" "SOURCES;USES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
@@ -52,8 +52,8 @@ function(velo_program name)
     endif()
 endfunction()
 
-# A test program runs on the offscreen platform with a home of its own and leaves its results as
-# JSON. UI: it uses widgets. RELEASE: scripts/test runs it once more, built as users get it.
+# A test program runs on the offscreen platform with its own home folder and writes its results as
+# JSON. UI: it uses widgets. RELEASE: scripts/test also runs it in a release build.
 add_custom_target(release_tests)
 function(velo_test name)
     cmake_parse_arguments(ARG "UI;RELEASE" "" "SOURCES;USES;LABELS" ${ARGN})

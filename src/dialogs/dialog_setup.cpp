@@ -2,6 +2,7 @@
 #include "dialogs/dialog_setup.h"
 
 #include "dialogs/appearance.h"
+#include "ui_text_dialog.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -85,4 +86,19 @@ void keepOnScreen(QWidget& window) {
         return;
     window.resize(window.size() - (frame.size() - placed.size()));
     window.move(placed.topLeft());
+}
+
+void openTextDialog(QWidget& parent, const char* name, const QString& title, const QString& text) {
+    if (auto* open = parent.findChild<QDialog*>(name))
+        return showInFront(*open);
+    auto* dialog = new QDialog(&parent);
+    Ui::TextDlg form;
+    form.setupUi(dialog);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setObjectName(name);
+    dialog->setWindowTitle(title);
+    form.TextLbl->setText(text);
+    prepareDialog(*dialog);
+    form.Buttons->setFocus();
+    dialog->show();
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QRect>
+#include <QString>
 
 class QDialog;
 class QWidget;
@@ -23,3 +24,7 @@ void returnToControl(QWidget& control);
 /// Moves a shown window, and makes it smaller if need be, so that it fits on its screen with its
 /// frame. For windows with a position of their own, and after resizing.
 void keepOnScreen(QWidget& window);
+
+/// Opens a modeless dialog with a text, which may be HTML, and an OK button. An open one with this
+/// object name is raised instead.
+void openTextDialog(QWidget& parent, const char* name, const QString& title, const QString& text);

@@ -62,7 +62,7 @@ public:
     void paintSlice(Canvas& canvas, int slice, int column, int row) const {
         const bool sized = size_t(slice) < maps_.ClusterSizeSlices.size() &&
                            !maps_.ClusterSizeSlices[size_t(slice)].empty();
-        if (!sized && thresholds_.looksAtClusters())
+        if (!sized && thresholds_.filtersClusters())
             return;
         size_t pixel = 0;
         for (int y = 0; y < maps_.size.y; ++y) {

@@ -60,10 +60,10 @@ public:
 
     /// True when slice positions were found.
     bool finish() {
-        if (refusedTime_ && !repetitionTimeMet_)
+        if (timeRefused_ && !repetitionTimeMet_)
             showModelessWarning(QString("WARNING: The scanner's protocol states a TR of \"%1\" "
                                         "microseconds; the TR of the settings file, %2 ms, stays.")
-                                    .arg(shortened(QString::fromLatin1(*refusedTime_)))
+                                    .arg(shortened(refusedTime_))
                                     .arg(double(project_.TR)));
         const bool interleaved = project_.SliceAcquisitionOrder == 3;
         if (project_.SliceAcquisitionOrderVerified && interleaved && project_.NrOfSlices % 2 == 0)
@@ -84,7 +84,8 @@ private:
         constexpr float longest = 100000.0f;
         const float time = wholeMilliseconds(value);
         if (!(time >= 1.0f && time <= longest)) {
-            refusedTime_ = QByteArray(value.data(), qsizetype(value.size())).trimmed();
+            timeRefused_ = true;
+            refusedTime_ = QString::fromLatin1(value.data(), qsizetype(value.size())).trimmed();
             return;
         }
         project_.TR = time;
@@ -125,7 +126,8 @@ private:
     bool positionsMet_ = false;
     bool repetitionTimeMet_ = false;
     bool orderMet_ = false;
-    std::optional<QByteArray> refusedTime_;
+    bool timeRefused_ = false;
+    QString refusedTime_; ///< as the file states it
     std::array<bool, 3> axisMet_{};
 };
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Runs go on over the ends of rows: voxels are consecutive in memory there too.
+/// Runs continue across row ends, where voxels are consecutive in memory too.
 void collectRuns(BrainMask& mask) {
     for (size_t voxel = 0; voxel < mask.voxels.size(); ++voxel) {
         if (mask.voxels[voxel] == 0)

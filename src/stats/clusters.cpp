@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Each pixel takes the larger of what it has and the map's value as shown. The state is settled
+/// Sets each pixel to the larger of itself and the map's value as shown. The state is handled
 /// outside the loop so that the loop vectorises.
 template<typename ValueAsShown>
 void takeLargest(std::vector<float>& combined, const float* map, ValueAsShown shown) {
@@ -17,7 +17,7 @@ void takeLargest(std::vector<float>& combined, const float* map, ValueAsShown sh
     }
 }
 
-/// The largest of the shown maps' values over 0 for each pixel of a slice.
+/// The largest of the shown maps' values, at least 0, for each pixel of a slice.
 void combineMaps(const StatisticalMaps& maps, int slice, std::vector<float>& combined) {
     combined.assign(maps.size.sliceSamples(), 0.0f);
     for (int i = 0; i < maps.NrOfShownMaps; ++i) {
@@ -61,7 +61,7 @@ int labelOfPixel(const int* row, const int* above, ClusterScratch& scratch) {
 }
 
 /// Labels in raster order; scratch.sizes gets the number of pixels of each label. The tables grow
-/// with the labels, so that no image, however speckled, runs over their end.
+/// with the labels, so that no image can overflow them.
 void labelSlice(const VolumeSize& size, float threshold, ClusterScratch& scratch) {
     const size_t sizeX = size_t(size.x);
     const size_t stride = sizeX + 2;
@@ -80,8 +80,8 @@ void labelSlice(const VolumeSize& size, float threshold, ClusterScratch& scratch
     }
 }
 
-/// Follows the links of one label to the end of its chain, to a label whose end is known, or into a
-/// loop, whose smallest label is taken. All labels on the way get that result.
+/// Follows the links of one label to the end of the chain, to a label already resolved, or into a
+/// loop, whose smallest label is used. All labels on the way get that result.
 void resolveLabel(int start, ClusterScratch& scratch) {
     constexpr int onThisWay = -1;
     std::vector<int>& roots = scratch.roots;
@@ -104,7 +104,7 @@ void resolveLabel(int start, ClusterScratch& scratch) {
         roots[size_t(label)] = root;
 }
 
-/// Turns scratch.sizes from pixels of a label into pixels of the label's cluster.
+/// Replaces the pixel count of each label in scratch.sizes by that of its cluster.
 void mergeLabels(ClusterScratch& scratch) {
     const size_t labels = scratch.links.size();
     scratch.roots.assign(labels, 0);

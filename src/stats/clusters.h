@@ -5,25 +5,25 @@
 #include "stats/thresholds.h"
 
 /// Raises Threshold and ColorMaxThreshold to 0 and ClusterSizePixels to 1 where they are below,
-/// sets NrOfShownMaps, and, with a map to show, computes ClusterSizeSlices; else those stay as they
-/// are. With `conjunction` only the first map is shown.
+/// sets NrOfShownMaps and, if there is a map to show, recomputes ClusterSizeSlices. With
+/// `conjunction` only the first map is shown.
 ///
-/// Clusters are two-dimensional, 8-connected, and made of the largest of the shown maps' values, so
-/// that both signs of a map can form one cluster. The first and the last slice stay without.
+/// Clusters are two-dimensional, 8-connected, and formed on the largest of the shown maps' values,
+/// so that both signs of a map can form one cluster. The first and the last slice have none.
 ///
-/// Equivalent labels are noted in a table that holds one link for each label; a second equivalence
-/// of a label is not noted. Therefore a winding region, such as a spiral, can count as several
-/// clusters. Sizes of saved runs rest on this rule: it is not a full connected-component search.
+/// The table of equivalent labels holds one link per label; a second equivalence of a label is
+/// dropped. So this is not a full connected-component search: a winding region, such as a spiral,
+/// can count as several clusters. The sizes in saved runs depend on this rule.
 void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, bool conjunction);
 
 /// Which of the shown maps colour a voxel: bit i for map i, 0 when the voxel keeps its grey value.
 /// A map passes where its value, as its state shows it, reaches Threshold. With ClusterSizePixels 1
-/// the cluster sizes are not looked at, so that slices without them are coloured too. `slice` and
-/// `pixel` (x + size.x * y) lie inside the volume.
+/// the cluster sizes are ignored, so that slices without them are coloured too. `slice` and `pixel`
+/// (x + size.x * y) lie inside the volume.
 [[nodiscard]] inline unsigned voxelIsShown(const StatisticalMaps& maps,
                                            const OverlayThresholds& thresholds, int slice,
                                            size_t pixel) {
-    if (thresholds.looksAtClusters()) {
+    if (thresholds.filtersClusters()) {
         if (size_t(slice) >= maps.ClusterSizeSlices.size())
             return 0;
         const std::vector<int>& sizes = maps.ClusterSizeSlices[size_t(slice)];

@@ -30,7 +30,7 @@ QString damagedFileMessage() {
     return QStringLiteral("ERROR: Contrast file is damaged or ends too early!");
 }
 
-/// False with a message when this is no contrast file or one of a newer version.
+/// False with a message when this is not a contrast file, or one of a newer version.
 bool readHeader(TokenStream& stream, Header& header, QString& message) {
     const QString key = stream.word();
     header.version = stream.integer();
@@ -55,7 +55,7 @@ bool readHeader(TokenStream& stream, Header& header, QString& message) {
 }
 
 /// The position must be that of a condition, or 0 for a model without baseline, where the list of
-/// predictors begins with an entry of its own.
+/// predictors begins with a separate baseline entry.
 bool baselineFits(const Header& header, const DesignMatrix& design, int nrOfConditions) {
     const bool baselineIsCondition = header.baselinePosInProtocol != 0;
     return header.baselinePosInProtocol >= 0 && header.baselinePosInProtocol <= nrOfConditions &&
@@ -68,14 +68,14 @@ bool fitsDesign(const Header& header, const DesignMatrix& design, int nrOfCondit
     return header.nrOfValues == design.NrOfContrastPredictors && conditions == nrOfConditions;
 }
 
-/// True when the rest of the text is long enough for so many contrasts, each with two quotes and at
-/// least one character for each value.
+/// True when the rest of the text is long enough for this many contrasts, each with two quotes and
+/// at least one character for each value.
 bool canHold(const Header& header, qsizetype remaining) {
     return header.nrOfContrasts >= 0 && header.nrOfValues >= 0 &&
            header.nrOfContrasts <= remaining / (qsizetype(header.nrOfValues) + 2);
 }
 
-/// A name between quotes; what exceeds the limit is dropped up to the closing quote.
+/// A quoted name; characters beyond the limit are dropped.
 bool readName(TokenStream& stream, QString& name) {
     if (!readDelimitedString('"', name, stream))
         return false;
@@ -85,9 +85,9 @@ bool readName(TokenStream& stream, QString& name) {
     return true;
 }
 
-/// Values fill fields of three characters without separator, so "100" and "-10" run together with
-/// what stands before them. A line of exactly so many fields, but not so many words, is cut by its
-/// columns.
+/// Values fill fields of three characters without separator, so "100" and "-10" touch the value
+/// before them. A line of exactly this many fields, but with a different number of words, is split
+/// by columns.
 bool readFields(const QString& line, std::vector<int>& row) {
     const qsizetype count = qsizetype(row.size());
     if (line.size() != count * valueFieldWidth || line.simplified().split(' ').size() == count)
@@ -102,7 +102,7 @@ bool readFields(const QString& line, std::vector<int>& row) {
     return true;
 }
 
-/// One row by columns where its line has them, else token by token.
+/// One row, by columns where its line has fixed fields, else token by token.
 void readRow(TokenStream& stream, std::vector<int>& row) {
     const qsizetype start = stream.position();
     QString line;
@@ -132,7 +132,7 @@ int readChannel(TokenStream& stream) {
     return std::clamp(stream.integer(), 0, 255);
 }
 
-/// All sections behind the header. False when the text ends before the last of them.
+/// All sections after the header. False when the text ends before the last of them.
 bool readSections(TokenStream& stream, const Header& header, ContrastDefinitions& contrasts) {
     const auto skipTitle = [&] {
         if (header.version >= 3)
@@ -167,16 +167,16 @@ bool readSections(TokenStream& stream, const Header& header, ContrastDefinitions
     return !stream.failed();
 }
 
-/// A name as the reader takes it back: without the delimiter, and short enough that its closing
-/// quote is reached within the limit.
+/// A name that can be read back: without quotes, and short enough that the closing quote is found
+/// within the limit.
 QByteArray writableName(QString name) {
     name.replace('"', '\'');
     name.truncate(maximumQuotedLength - 1);
     return name.toUtf8();
 }
 
-/// One line of values. Where one of them needs more than its field, fields can't be told apart any
-/// more, and a blank is put between the values.
+/// One line of values. When one of them is wider than its field, columns no longer work, so the
+/// values are separated by blanks.
 QByteArray vectorLine(const std::vector<int>& values, int count) {
     QByteArray fields;
     QByteArray words;
@@ -235,7 +235,7 @@ bool parseContrasts(const QString& text, ContrastDefinitions& contrasts, const D
 }
 
 QByteArray contrastFileText(const ContrastDefinitions& contrasts, int nrOfContrastPredictors) {
-    // The lists run in parallel; only what all of them hold is a contrast.
+    // The lists are parallel; only indices within all of them are contrasts.
     const size_t count =
         std::min({contrasts.ContrastValues.size(), contrasts.ContrastSelectionStates.size(),
                   contrasts.ContrastColors.size()});

@@ -72,7 +72,7 @@ void rebuildContrastWeights(ContrastDefinitions& contrasts, const DesignMatrix& 
         // Entry 0 is dropped: the baseline is part of the model's constant.
         const auto first = values.begin() + 1;
         const auto last = first + std::min(values.end() - first, conditions);
-        // Without one of its conditions a contrast would be another one: its map stays 0.
+        // Without one of its conditions it would be a different contrast: its map stays 0.
         if (std::all_of(last, values.end(), [](int weight) { return weight == 0; }))
             std::copy(first, last, contrasts.ContrastWeights[i].begin());
     }

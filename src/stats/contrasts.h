@@ -26,30 +26,31 @@ struct ContrastDefinitions {
     std::vector<std::vector<int>> ContrastValues;  ///< over the contrast list; entry 0 the baseline
     std::vector<std::vector<int>> ContrastWeights; ///< over design columns
     std::vector<int> ContrastSelectionStates;
-    std::vector<int> ActiveContrastStates; ///< limited to what the model can estimate now
+    std::vector<int> ActiveContrastStates; ///< 0 where the model can't estimate it yet
     std::vector<RgbColor> ContrastColors;
     bool ConjunctionAnalysis = false;
-    bool ContrastsChanged = false; ///< set by the operator; the next volume takes it up
+    bool ContrastsChanged = false; ///< set by the operator; applied at the next volume
     int BaselineInContrasts = 1;
     int BaselinePosInProtocol = 1;
 
-    /// Forgets all contrasts, and with them the conjunction. The two baseline fields stay.
+    /// Removes all contrasts and switches the conjunction off. The two baseline fields are
+    /// unchanged.
     void clear();
 };
 
 /// Replaces the contrasts by automatic ones: from level 1 on each condition against the baseline,
 /// selected; at exactly level 2 also all pairs of conditions, not selected. BaselinePosInProtocol
-/// becomes 1. Conditions that have no column in a full design take no part.
+/// becomes 1. Conditions without a column, because the design is full, are left out.
 void generateContrasts(ContrastDefinitions& contrasts, const DesignMatrix& design, int level);
 /// ContrastWeights from ContrastValues; the baseline entry is dropped, confounds get 0. A contrast
-/// with a weight on a condition that has no column in a full design gets 0 everywhere.
+/// with a weight on a condition without a column, because the design is full, gets 0 everywhere.
 void rebuildContrastWeights(ContrastDefinitions& contrasts, const DesignMatrix& design);
-/// Toggles the positive or the negative bit. False, and nothing changes, when a fifth contrast
-/// would be switched on, or when there is no such contrast or bit. ContrastsChanged is the
-/// caller's: it knows whether a run is active.
+/// Toggles the positive or the negative bit. False, without a change, when it would switch on a
+/// fifth contrast, or when there is no such contrast or bit. The caller sets ContrastsChanged: it
+/// knows whether a run is active.
 bool toggleContrast(ContrastDefinitions& contrasts, int index, ContrastState bit);
 /// Number of selection states above 0.
 [[nodiscard]] int nrOfSelectedContrasts(const ContrastDefinitions& contrasts);
-/// Switches the conjunction on or off. False, with the conjunction off, when it is to be switched
-/// on with fewer than two contrasts selected.
+/// Switches the conjunction on or off. False, with the conjunction off, when `on` but fewer than
+/// two contrasts are selected.
 [[nodiscard]] bool setConjunction(ContrastDefinitions& contrasts, bool on);

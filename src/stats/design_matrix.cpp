@@ -16,7 +16,7 @@ constexpr RgbColor constantColor{255, 255, 255};
 constexpr RgbColor driftColor{128, 128, 128};
 constexpr RgbColor baselineColor{128, 128, 128};
 
-/// The table is filled in column order; the constant always has a place.
+/// Columns are assigned in order; one is reserved for the constant.
 constexpr int maximumConditionPredictors = DesignMatrix::maximumPredictors - 1;
 
 void addPredictor(DesignMatrix& design, const QString& name, RgbColor color) {
@@ -50,7 +50,8 @@ float confoundValue(int confound, int nrOfConfoundPredictors, int volume, int nr
     return std::cos(time * 3.1425f * float(confound));
 }
 
-// The box-car of a protocol in milliseconds is a list, which tells whether there is anything to do.
+// The box-car of a protocol in milliseconds is a list of intervals; an unchanged list needs no
+// work.
 bool createConditionPredictor(DesignMatrix& design, const DesignSource& source, int condition,
                               size_t index) {
     const bool useConditionWeights = isProtocolPathSet(source.protocol.realTimeProtocolPath);

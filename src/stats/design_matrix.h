@@ -12,7 +12,7 @@
 #include <span>
 #include <vector>
 
-/// Interval of a condition in a protocol in milliseconds: from, to in milliseconds.
+/// Interval of a condition, in milliseconds.
 struct MillisecondInterval {
     int from = 0;
     int to = 0;
@@ -22,7 +22,7 @@ struct MillisecondInterval {
     bool operator==(const MillisecondInterval&) const = default;
 };
 
-/// All that a condition column of a protocol in milliseconds depends on.
+/// Everything a condition column of a protocol in milliseconds depends on.
 struct ColumnOrigin {
     std::vector<MillisecondInterval> intervals;
     float TR = 0.0f; ///< milliseconds
@@ -38,7 +38,7 @@ struct DesignMatrix {
 
     /// Column j, one float per volume; empty until first used.
     std::array<std::vector<float>, maximumPredictors> PredictorColumns;
-    /// What the column was made from; nothing for a column of any other kind.
+    /// Inputs of a column in milliseconds; empty for any other column.
     std::array<std::optional<ColumnOrigin>, maximumPredictors> columnOrigins;
     int NrOfVolumes = 0; ///< length of a column
     int NrOfConditionPredictors = 0;
@@ -55,8 +55,8 @@ struct DesignMatrix {
     int NrOfContrastPredictors = 0;
 
     std::vector<int> PredictorOnsets; ///< per condition column; noOnset until found
-    std::vector<int> PredictorOrder;  ///< columns in order of onset; -1 for free places
-    std::vector<int> GLMStepVolumes;  ///< volumes at which the model grows; -1 where none
+    std::vector<int> PredictorOrder;  ///< columns in order of onset; -1 for unused entries
+    std::vector<int> GLMStepVolumes;  ///< volumes at which the model grows; -1 for none
 
     TwoGammaHRFParams hrf;
     std::vector<float> ConditionWeights; ///< last non-zero value per condition, real-time protocol
@@ -76,46 +76,46 @@ enum class HRFModel { None, TwoGamma, SingleGamma };
 
 /// Fills the condition entries of the name lists, the contrast list, NrOfContrastPredictors and
 /// NrOfConditionPredictors. With a baseline the names skip the condition at its position while the
-/// columns skip the first one: they agree for position 1. Conditions beyond the 49 that stand
-/// beside the constant get no column; a warning tells so when that becomes the case.
+/// columns skip the first one: they agree for position 1. Conditions beyond the 49 that fit beside
+/// the constant get no column; the first time that happens there is a warning.
 void buildConditionPredictorNames(DesignMatrix& design, const DesignSource& source);
 /// Appends the confound entries; sets NrOfConfoundPredictors and NrOfPredictors. A negative
-/// DriftConfoundPredictors counts as 0; drift terms beyond the table are left out, and a warning
-/// tells so when that becomes the case.
+/// DriftConfoundPredictors counts as 0. Drift terms that don't fit are left out; the first time
+/// that happens there is a warning.
 void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& source);
 
-/// Fills every condition column from the protocol. A column of milliseconds takes some time, and
-/// stays as it is when it would come out the same again: an event changes one or two of them. When
+/// Fills every condition column from the protocol. A column in milliseconds is slow to compute, so
+/// it is recomputed only when its inputs have changed: an event changes one or two columns. When
 /// memory runs out the program ends with status 1 after a message; false then.
 [[nodiscard]] bool createConditionPredictors(DesignMatrix& design, const DesignSource& source);
 /// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `workingFolder`. When
-/// memory runs out the program ends with status 1 after a message; false then. A text file that
-/// can't be written gives a warning only, since nothing in the run reads it.
+/// memory runs out the program ends with status 1 after a message; false then. Failure to write the
+/// text file only gives a warning, since nothing in the run reads it.
 [[nodiscard]] bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
                                             const QString& workingFolder);
 
 /// Writes the box-car of a condition into a zeroed column of volumes: 1, or with
 /// `useConditionWeights` the weight at index max(conditionIndex - 1, 0) of ConditionWeights. For a
-/// protocol in milliseconds the column stays and the intervals are listed; one that ends where a
-/// listed one ends and doesn't start at 0 only replaces that one's weight.
+/// protocol in milliseconds the column is left alone and the intervals are appended to `intervals`;
+/// one that ends where a listed one ends and doesn't start at 0 only replaces that one's weight.
 void fillBoxCar(const DesignMatrix& design, const DesignSource& source, int conditionIndex,
                 std::span<float> column, bool useConditionWeights,
                 std::vector<MillisecondInterval>& intervals);
 
-/// Convolves a column with a response in place. For a protocol in milliseconds the box-car is made
-/// from the intervals, 1 ms a sample, and the result read at multiples of TR. `nrOfPoints` below 1
-/// means the source's number of volumes. False, without a message, when memory runs out.
+/// Convolves a column with a response in place. For a protocol in milliseconds the box-car is built
+/// from the intervals at 1 ms per sample, and the result sampled at multiples of TR. `nrOfPoints`
+/// below 1 means the source's number of volumes. False, without a message, when memory runs out.
 [[nodiscard]] bool convolveWithHRF(std::span<float> column, HRFModel model, int nrOfPoints,
                                    const TwoGammaHRFParams& params, const DesignSource& source,
                                    std::span<const MillisecondInterval> intervals);
 
 void releasePredictorColumns(DesignMatrix& design);
-/// Onset of each condition column: the first volume where its magnitude exceeds 0.1; and the
-/// columns in order of onset, lower numbers first within one volume.
+/// Finds the onset of each condition column, the first volume where its magnitude exceeds 0.1, and
+/// sorts the columns by onset, lower numbers first within one volume.
 void findPredictorOnsets(DesignMatrix& design, int nrOfVolumes);
-/// The conditions that the model will never hold: their response does not exceed 0.1 within the
-/// columns, or so late that no solution of the schedule follows within them. In column order.
-/// findPredictorOnsets() and fillGLMStepVolumes() have been called, and the protocol is complete.
+/// Names of the conditions that will never enter the model, in column order: their response does
+/// not exceed 0.1 within the run, or does so too late for a solution of the schedule to follow.
+/// Call findPredictorOnsets() and fillGLMStepVolumes() first; the protocol must be complete.
 [[nodiscard]] QStringList conditionsWithoutModel(const DesignMatrix& design);
 /// Entry k: the larger of the previous entry plus 1 (10 for the first) and the k-th onset; -1 where
 /// no further column has an onset.

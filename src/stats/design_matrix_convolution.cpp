@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Milliseconds between two volumes, at least 1 whatever the header states.
+/// Milliseconds between two volumes; at least 1, even if the header is wrong.
 int roundedTR(const DesignSource& source) {
     constexpr float longest = 1e7f;
     return source.TR >= 1.0f ? int(std::lround(std::min(source.TR, longest))) : 1;
@@ -52,7 +52,7 @@ void shiftByOne(std::span<float> column) {
     column.front() = 0.0f;
 }
 
-/// The box-car of a protocol in milliseconds, one entry for each millisecond.
+/// The box-car of a protocol in milliseconds, one sample per millisecond.
 void fillMilliseconds(std::span<float> box, std::span<const MillisecondInterval> intervals) {
     for (const MillisecondInterval& interval : intervals) {
         const qint64 end = std::min(qint64(interval.to), qint64(box.size()));
@@ -61,7 +61,7 @@ void fillMilliseconds(std::span<float> box, std::span<const MillisecondInterval>
     }
 }
 
-/// Adds what each millisecond of the box-car gives to the volumes after it.
+/// Adds the response to each millisecond of the box-car to the volumes after it.
 void convolveMilliseconds(std::span<const float> box, const HRFKernel& kernel, qint64 step,
                           std::span<float> column) {
     const qint64 length = kernel.length;

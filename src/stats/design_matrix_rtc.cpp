@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Every value takes at least one digit and one blank, so larger counts can't be meant.
+/// Every value takes at least one digit and one blank, so larger counts are invalid.
 bool countsArePossible(int columns, int points, qsizetype textSize) {
     return columns >= 0 && points >= 0 && columns <= textSize && points <= textSize &&
            qint64(columns) * points <= textSize;

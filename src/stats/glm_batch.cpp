@@ -2,7 +2,7 @@
 #include "stats/glm_batch.h"
 
 #include "stats/glm_blocks.h"
-#include "stats/numerics/allocation.h"
+#include "stats/numerics/failures.h"
 #include "stats/numerics/linear_systems.h"
 #include "stats/numerics/matrix_products.h"
 

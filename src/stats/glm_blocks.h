@@ -1,4 +1,4 @@
-// Walking over the voxels of the brain mask in blocks that fit the cache.
+// Iterates over the voxels of the brain mask in blocks that fit the cache.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

@@ -11,7 +11,7 @@
 namespace {
 
 /// False when a weight falls on a column that is not in the model. Confound columns always are, so
-/// such a column is that of a condition that has not begun.
+/// such a column belongs to a condition that has not started.
 bool canBeEstimated(const std::vector<int>& weights, std::span<const int> activePredictors) {
     for (size_t column = 0; column < weights.size(); ++column)
         if (weights[column] != 0 && std::find(activePredictors.begin(), activePredictors.end(),

@@ -9,13 +9,13 @@
 struct ContrastDefinitions;
 struct StatisticalMaps;
 
-/// The contrasts in use over the columns of a model, in the order of the contrast list.
+/// The active contrasts over the columns of a model, in the order of the contrast list.
 struct ActiveContrasts {
     int count = 0;
     int nrOfPredictors = 0;       ///< p
     std::vector<float> weights;   ///< count x p, row by contrast
     std::vector<float> variances; ///< c' iXX c of each
-    std::vector<float> product;   ///< p, iXX c while the variances are computed
+    std::vector<float> product;   ///< p, scratch: iXX c
 
     [[nodiscard]] std::span<const float> row(int index) const {
         return std::span(weights).subspan(size_t(index) * size_t(nrOfPredictors),
@@ -23,10 +23,10 @@ struct ActiveContrasts {
     }
 };
 
-/// Takes the selected contrasts up: ActiveContrastStates are the selection states, reduced to 0
-/// where a weight falls on a column that is not in the model (`activePredictors`: design columns in
-/// model order). Sets NrOfActiveContrasts, states and contrastOfMap of the maps; only as many maps
-/// are used as are allocated.
+/// Activates the selected contrasts: ActiveContrastStates become the selection states, or 0 where a
+/// weight falls on a column that is not in the model (`activePredictors`: design columns in model
+/// order). Sets NrOfActiveContrasts, states and contrastOfMap of the maps, limited to the maps
+/// allocated.
 void refreshActiveContrasts(ActiveContrasts& active, ContrastDefinitions& contrasts,
                             StatisticalMaps& maps, std::span<const int> activePredictors);
 
@@ -47,7 +47,7 @@ struct BlockEstimates {
     const float* variances = nullptr;
 };
 
-/// Writes the t values of all active contrasts for the voxels first to first + count - 1, and the
-/// conjunction over the first map if `withConjunction`.
+/// Writes the t values of all active contrasts for the voxels first to first + count - 1. If
+/// `withConjunction`, the first map gets the conjunction instead.
 void computeBlockMaps(const ActiveContrasts& active, const BlockEstimates& estimates, size_t first,
                       size_t count, bool withConjunction, StatisticalMaps& maps);

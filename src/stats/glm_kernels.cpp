@@ -2,8 +2,7 @@
 #include "stats/glm_kernels.h"
 
 #include "base/simd_clones.h"
-#include "stats/conjunction.h"
-#include "stats/numerics/allocation.h"
+#include "stats/numerics/failures.h"
 
 #include <cmath>
 
@@ -11,8 +10,8 @@ namespace {
 
 constexpr float flatVariance = 1e-05f;
 
-/// residuals -= x[0] * row 0, then x[1] * row 1, ... Several rows at once spare the way of the
-/// residual through memory.
+/// residuals -= x[0] * row 0, then x[1] * row 1, ... Several rows at once keep the residual in a
+/// register.
 template<int rows>
 [[gnu::always_inline]] inline void subtractRows(const double* x, const double* values,
                                                 size_t stride, size_t count,
@@ -66,6 +65,16 @@ template<int rows>
     for (; j < nrOfRows; ++j)
         addRows<1>(weights + size_t(j) * weightStride, weightStride, values + size_t(j) * stride,
                    stride, count, sums);
+}
+
+/// One step over the contrasts of a voxel: of two values with the same sign the one nearer to 0,
+/// otherwise 0. A result of 0 stays 0 in all further steps.
+[[gnu::always_inline]] inline float conjunctionStep(float result, float value) {
+    if (result > 0.0f && value > 0.0f)
+        return value < result ? value : result;
+    if (result < 0.0f && value < 0.0f)
+        return value > result ? value : result;
+    return 0.0f;
 }
 
 /// The fitted value of one volume.

@@ -7,17 +7,17 @@
 #include <span>
 #include <vector>
 
-// All loops are vectorised across voxels: each voxel sees its operations in the order in which they
-// are written here, so the results are bit for bit those of a loop over single voxels.
+// All loops are vectorised across voxels: the operations on a voxel keep the order written here, so
+// the results are bit for bit those of a loop over single voxels.
 //
 // A "row" holds one value per voxel; rows of a matrix are `stride` values apart. `count` is the
 // number of voxels of the block, at most glmBlockVoxels.
 
-/// So many voxels are worked on at once: with 8 predictors their state stays in a first-level cache
-/// between the update and the t values.
+/// Voxels in a block: with 8 predictors their state stays in the first-level cache between the
+/// update and the t values.
 inline constexpr size_t glmBlockVoxels = 256;
 
-/// What a new volume does to each voxel: e = y - x'b; b += e * gain; RSS += e * e / scale.
+/// The update of each voxel by a new volume: e = y - x'b; b += e * gain; RSS += e * e / scale.
 struct RecursiveStep {
     std::span<const double> x;    ///< p predictor values of the volume
     std::span<const double> gain; ///< p
@@ -41,15 +41,18 @@ struct ContrastTerms {
 
 /// t = (c . b) / sqrt(residual variance * contrast variance) in float. 0 where the residual
 /// variance is below 1e-05 or not a number (a flat voxel, no degrees of freedom). 0 also for a
-/// contrast variance that is not positive: it is negative only by rounding, and 0 for a contrast
-/// without weights in the model, where the quotient would be 0 / 0.
+/// contrast variance that is not positive: it can be negative only by rounding, and is 0 for a
+/// contrast without weights in the model, where t would be 0 / 0.
 void computeTValues(const ContrastTerms& contrast, const float* betas, size_t stride,
                     const float* variances, size_t count, float* tValues);
 
-/// One step of the conjunction for each voxel: `result` takes in the next map's values.
+/// One step of the conjunction for each voxel: combines `result` with the next map's values. After
+/// all maps it holds the value of smallest magnitude where all have the same sign, else 0; a value
+/// that is not a number counts as 0. This is the test of the conjunction null by the minimum
+/// statistic (Nichols et al. 2005, NeuroImage 25:653-660).
 void conjoinMaps(const float* values, size_t count, float* result);
 
-/// The design of a batch solution and room for one block; made once for all blocks.
+/// The design of a batch solution, shared by all blocks.
 struct BatchDesign {
     int p = 0;
     int n = 0;
@@ -57,7 +60,7 @@ struct BatchDesign {
     std::vector<float> inverse; ///< p x p, of X'X
 };
 
-/// Memory that the batch solution works in.
+/// Working memory of the batch solution, for one block.
 struct BatchScratch {
     std::vector<float> samples;     ///< n rows
     std::vector<float> xy;          ///< p rows, X'y
@@ -69,13 +72,13 @@ struct BatchScratch {
     [[nodiscard]] bool allocate(int p, int n);
 };
 
-/// Least squares of one block from all volumes: X'y and betas in float; residuals from products
-/// formed in float and summed in double; RSS about the mean residual. `volumes` holds n pointers to
-/// the block's samples. Writes p rows of betas and the RSS in row p.
+/// Least squares of one block from all volumes: X'y and betas in float; residuals from float
+/// products summed in double; RSS about the mean residual. `volumes` holds n pointers to the
+/// block's samples. Writes p rows of betas and the RSS in row p.
 void solveBlock(const BatchDesign& design, std::span<const int16_t* const> volumes, size_t count,
                 BatchScratch& scratch, double* values, size_t stride);
 
 /// Sum of squares about the mean over all volumes for each voxel. Exact up to the last division and
-/// difference, since sums of 16-bit numbers and of their squares are whole numbers in a double.
+/// difference, since sums of 16-bit numbers and of their squares are exact integers in a double.
 void computeTotalSumsOfSquares(std::span<const int16_t* const> volumes, size_t count,
                                double* totals);

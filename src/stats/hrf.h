@@ -17,7 +17,7 @@ struct TwoGammaHRFParams {
     bool operator==(const TwoGammaHRFParams&) const = default;
 };
 
-/// Entries that a kernel may hold; what lies beyond is dropped.
+/// Longest kernel; entries beyond it are dropped.
 inline constexpr int maximumKernelLength = 18002;
 
 /// Density of the gamma distribution at the first `count` entries of x: 0 for x <= 0, otherwise
@@ -26,11 +26,11 @@ void gammaPdf(int count, std::span<const double> x, double shape, double rate,
               std::span<double> out);
 
 /// The two-gamma response: the difference of two gamma densities, sampled every `dtSeconds` from a
-/// grid that is `oversampling` times finer, scaled to a largest magnitude of 1 unless that is below
-/// 0.0001. An undershoot ratio below 0.001 leaves the inverted undershoot alone.
+/// grid `oversampling` times finer, scaled to a peak magnitude of 1 unless that is below 0.0001. An
+/// undershoot ratio below 0.001 gives the inverted undershoot only.
 ///
 /// The kernel has trunc(length / dt) + 1 entries. It is empty when dt, the oversampling or the
-/// length can't give a kernel (not positive, not finite, or more than ten million fine samples).
+/// length is invalid (not positive, not finite, or more than ten million fine samples).
 void twoGammaHRF(double dtSeconds, const TwoGammaHRFParams& params, int oversampling,
                  std::vector<double>& kernelOut);
 
@@ -38,7 +38,7 @@ void twoGammaHRF(double dtSeconds, const TwoGammaHRFParams& params, int oversamp
 struct HRFKernel {
     /// At most maximumKernelLength floats, divided by the magnitude of the sum of all entries.
     std::vector<float> values;
-    int length = 0; ///< L, which counts the dropped entries too
+    int length = 0; ///< L, including dropped entries
 };
 
 /// Two-gamma kernel with one entry for each `stepMilliseconds`.
@@ -50,6 +50,6 @@ struct HRFKernel {
 /// milliseconds.
 [[nodiscard]] HRFKernel singleGammaKernel(int stepMilliseconds, bool inMilliseconds);
 
-/// The column convolved with the kernel in float, cut to its own length.
+/// The column convolved with the kernel in float, truncated to its length.
 [[nodiscard]] std::vector<float> convolveColumn(std::span<const float> box,
                                                 const HRFKernel& kernel);

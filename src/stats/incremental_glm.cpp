@@ -30,8 +30,8 @@ void sizeWorkspace(GLMWorkspace& workspace, size_t p) {
     workspace.variances.resize(glmBlockVoxels);
 }
 
-/// Takes one volume's predictors into iXX. The unchanged q and the mirroring of the upper triangle
-/// keep the matrix exactly symmetric.
+/// Updates iXX with one volume's predictors. The unchanged q and mirroring the upper triangle keep
+/// the matrix exactly symmetric.
 RecursiveStep advanceInverse(GLMState& glm, const DesignMatrix& design, int volumeIndex) {
     GLMWorkspace& work = glm.workspace;
     const size_t p = size_t(glm.nrOfActivePredictors);
@@ -64,7 +64,7 @@ void prepareContrasts(const GLMRun& run, bool refresh) {
     computeContrastVariances(glm.activeContrasts, glm.workspace.inverse);
 }
 
-/// All active contrasts still have a map of the model's size.
+/// True when all active contrasts still have a map of the model's size.
 bool mapsFit(const GLMRun& run) {
     const StatisticalMaps& maps = run.maps;
     const int count = run.glm.activeContrasts.count;
@@ -72,8 +72,8 @@ bool mapsFit(const GLMRun& run) {
            maps.size.samples() == run.glm.nrOfVoxels;
 }
 
-/// The voxels' betas and residual sums of squares take the volume in, if there is a step, and their
-/// t values follow while the block is in the cache.
+/// Updates betas and residual sums of squares, if there is a step, then the t values while the
+/// block is in the cache.
 void updateVoxels(const GLMRun& run, const RecursiveStep* step, int volumeIndex) {
     GLMState& glm = run.glm;
     GLMWorkspace& work = glm.workspace;

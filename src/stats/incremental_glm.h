@@ -13,7 +13,8 @@
 #include <span>
 #include <vector>
 
-/// Voxels in which the model is fitted. Runs of consecutive voxels keep inner loops straight.
+/// Voxels in which the model is fitted. Runs of consecutive voxels keep inner loops free of
+/// branches.
 struct BrainMask {
     struct Run {
         size_t first;
@@ -23,7 +24,7 @@ struct BrainMask {
     std::vector<Run> runs;
 };
 
-/// Memory that the update of a volume works in, kept so that volumes don't allocate.
+/// Working memory of the update, kept between volumes to avoid allocation.
 struct GLMWorkspace {
     std::vector<double> x;        ///< p, the predictors at the volume
     std::vector<double> q;        ///< p, iXX x
@@ -34,7 +35,7 @@ struct GLMWorkspace {
 };
 
 /// The model. Row j of `values` holds beta j of every voxel, row p the residual sum of squares;
-/// one voxel's values are `nrOfVoxels` apart.
+/// rows are `nrOfVoxels` apart.
 struct GLMState {
     static constexpr int notStarted = 1000000;
 
@@ -54,10 +55,10 @@ struct GLMState {
     [[nodiscard]] std::span<const double> row(int index) const {
         return values.span().subspan(size_t(index) * nrOfVoxels, nrOfVoxels);
     }
-    /// A model that is not started, with (nrOfPredictors + 1) x voxels zeroed values. False, and
-    /// released, when memory runs out.
+    /// Resets to an unstarted model with (nrOfPredictors + 1) x voxels zeroed values. False, with
+    /// nothing allocated, when memory runs out.
     [[nodiscard]] bool allocate(int nrOfPredictors, size_t voxels);
-    /// Frees everything; no model is started.
+    /// Frees everything and resets to an unstarted model.
     void release();
 };
 
@@ -72,18 +73,18 @@ struct GLMRun {
 };
 
 /// Mask from the first volume: all slices but the first and the last, values above the threshold
-/// when read as unsigned 16-bit numbers. False, with an empty mask, when memory runs out: the
-/// operator has been told, in a box that holds nobody up, and the run goes on without a model.
+/// when read as unsigned 16-bit numbers. False, with an empty mask, after a modeless warning when
+/// memory runs out; the run goes on without a model.
 [[nodiscard]] bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold);
 
-/// One volume: batch solution when one is due, else the recursive update; contrasts; t values.
-/// True when the overlay colours must be computed again because the active contrasts were
-/// refreshed: at a batch solution, and at every volume once ContrastsChanged is set.
+/// One volume: batch solution when one is due, else the recursive update; contrasts; t values. True
+/// when the overlay colours must be recomputed because the active contrasts were refreshed: at a
+/// batch solution, and at every volume once ContrastsChanged is set.
 ///
-/// Keeps NrOfActiveContrasts, states, contrastOfMap and MapDF1 (n - p, 0 when there are none) of
-/// the maps; MapType becomes t at the first solution. With conjunction the first map holds its
-/// result and has state 3. Nothing happens for a volume that the project doesn't hold or whose size
-/// is not that of the model, or without a mask of that size: no model is then started.
+/// Sets NrOfActiveContrasts, states, contrastOfMap and MapDF1 (n - p, at least 0) of the maps;
+/// MapType becomes t at the first solution. With conjunction the first map holds its result and has
+/// state 3. Does nothing when the project lacks the volume, or when its size or that of the mask
+/// differs from the model's.
 ///
 /// The recursion is recursive least squares without forgetting (Haykin, Adaptive Filter Theory,
 /// chapter on the RLS algorithm).

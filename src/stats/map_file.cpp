@@ -17,7 +17,7 @@ constexpr quint32 fileMark = 0x53504D56; // "VMPS" as it stands in the file
 constexpr qint32 fileVersion = 1;
 constexpr qint32 largestSize = 4096;   // along one axis, far above any matrix
 constexpr quint32 longestName = 65536; // bytes
-constexpr size_t floatsAtOnce = 16384; // converted and moved in one piece
+constexpr size_t floatsAtOnce = 16384; // converted and written at once
 
 void prepare(QDataStream& stream) {
     stream.setVersion(11);
@@ -49,7 +49,7 @@ bool readFloats(QDataStream& stream, std::span<float> values) {
     return true;
 }
 
-/// What belongs to one map, with bounds looked at.
+/// The contrast of a map, with indices checked.
 struct MapInUse {
     std::span<const float> values;
     QByteArray name;
@@ -79,7 +79,7 @@ qint32 channel(int value) {
 
 void writeMap(QDataStream& stream, const MapInUse& map, const StatisticalMaps& maps,
               const OverlayThresholds& thresholds) {
-    // The stream's own form of a byte array would mark an empty name in a way of its own.
+    // The stream operator for byte arrays has a special form for an empty name.
     stream << quint32(map.name.size());
     stream.writeRawData(map.name.constData(), int(map.name.size()));
     stream << qint32(maps.MapType) << qint32(maps.MapDF1) << qint32(maps.MapDF2)
@@ -89,7 +89,7 @@ void writeMap(QDataStream& stream, const MapInUse& map, const StatisticalMaps& m
     writeFloats(stream, map.values);
 }
 
-/// A name whose length is held against the file before memory is taken for it.
+/// A name; its length is checked against the file before memory is allocated.
 bool readName(QDataStream& stream, QString& name) {
     quint32 length = 0;
     stream >> length;
@@ -102,7 +102,7 @@ bool readName(QDataStream& stream, QString& name) {
     return true;
 }
 
-/// The entries of a map before its values. False when one of them can't be.
+/// The entries of a map before its values. False when one is invalid.
 bool readMapHeader(QDataStream& stream, MapFileEntry& map) {
     if (!readName(stream, map.name))
         return false;

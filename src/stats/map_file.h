@@ -1,4 +1,4 @@
-// The map file (.mps): the contrast maps of a run with what is needed to show them again.
+// The map file (.mps): the contrast maps of a run with their display settings.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -27,13 +27,13 @@ struct MapFile {
     std::vector<MapFileEntry> maps;
 };
 
-/// Writes the maps in use under the names of their contrasts, whole or not at all; with none in use
-/// a file without maps. docs/file_formats_statistics.md has the layout. False after a critical
-/// message when the file can't be written.
+/// Writes the maps in use atomically, under the names of their contrasts; with none in use, a file
+/// without maps. docs/file_formats_statistics.md has the layout. False after a critical message
+/// when the file can't be written.
 [[nodiscard]] bool writeMapFile(const QString& fileName, const StatisticalMaps& maps,
                                 const OverlayThresholds& thresholds,
                                 const ContrastDefinitions& contrasts);
 
-/// Reads a map file. False, after a critical message and with `file` as it was, when it can't be
-/// opened, is none or of a newer version, is damaged or truncated, or when memory runs out.
+/// Reads a map file. False, after a critical message and with `file` unchanged, when it can't be
+/// opened, is not a map file or of a newer version, is damaged, or when memory runs out.
 [[nodiscard]] bool readMapFile(const QString& fileName, MapFile& file);

@@ -17,23 +17,23 @@ using MultiMapColorTable = std::array<RgbColor, nrOfMultiMapColors>;
 /// green, each from weak to strong.
 [[nodiscard]] OverlayColorTable significanceColors();
 
-/// A new table of which no entry has been set: black.
+/// A new table with no entry set: all black.
 [[nodiscard]] MultiMapColorTable unsetMultiMapColors();
 
-/// The table that the overlay paints with, and the one of the contrasts that it is taken from.
+/// The table that the overlay paints with, and the multi-map table behind it.
 struct OverlayColors {
     OverlayColorTable active = significanceColors();
-    /// One colour for each set of maps that pass together. It keeps what it has from call to call:
-    /// with n maps shown only its first 2^n - 1 entries are set.
+    /// One colour for each combination of maps that pass. With n maps shown only the first 2^n - 1
+    /// entries are set; the others keep their values from earlier calls.
     MultiMapColorTable MultiMapColors = unsetMultiMapColors();
 };
 
-/// Sets the entries of `table` that the colours of the first four shown maps decide; the others
-/// keep their values. `count` is the number of shown maps, `colors` theirs in order.
+/// Sets the entries of `table` for combinations of the shown maps; the others keep their values.
+/// `count` is the number of shown maps, `colors` holds their colours in order.
 void setMultiMapColors(MultiMapColorTable& table, const std::array<RgbColor, 4>& colors, int count);
 
-/// Computes the tables after a change of the maps in use (contrastOfMap) or of the coding. The
-/// active table is that of significance when no map is shown or `significanceColorCoding` is set;
-/// else its first 15 entries are the multi-map colours and the rest stays as it is.
+/// Recomputes the tables after a change of the maps in use (contrastOfMap) or of the coding. The
+/// active table is significanceColors() when no map is shown or `significanceColorCoding` is set;
+/// else its first 15 entries are the multi-map colours and the rest is unchanged.
 void updateOverlayColors(OverlayColors& colors, const ContrastDefinitions& contrasts,
                          const StatisticalMaps& maps, bool significanceColorCoding);

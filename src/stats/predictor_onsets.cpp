@@ -36,7 +36,8 @@ void fillGLMStepVolumes(DesignMatrix& design) {
 }
 
 QStringList conditionsWithoutModel(const DesignMatrix& design) {
-    // A solution takes in all columns whose onset is past, so the last one within the run decides.
+    // A solution includes all columns whose onset has passed, so the last one within the run
+    // decides.
     int lastSolution = -1;
     for (const int volume : design.GLMStepVolumes)
         if (volume < design.NrOfVolumes)

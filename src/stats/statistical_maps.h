@@ -12,7 +12,7 @@
 /// 1 t, 2 and 3 correlation-like, 4 F.
 enum class MapKind { T = 1, Correlation = 2, CrossCorrelation = 3, F = 4 };
 
-/// Working memory of the cluster filter, kept between volumes so that the loop allocates nothing.
+/// Working memory of the cluster filter, kept between volumes to avoid allocation.
 struct ClusterScratch {
     std::vector<float> combined; ///< one slice: the largest of the shown maps' values
     std::vector<int> labels;     ///< the same with a border of zeros above, left and right
@@ -21,13 +21,13 @@ struct ClusterScratch {
     std::vector<int> sizes;      ///< by label: pixels of its cluster
 };
 
-/// One map is one float per voxel, x fastest, then y, then slices; map m starts at
-/// m * size.samples(). So the block can be handed out as it is.
+/// One map is one float per voxel, x fastest, then y, then slices; map m starts at m *
+/// size.samples(). Plug-ins get the block as it is.
 struct StatisticalMaps {
-    VolumeSize size;                  ///< of each map, as they were allocated
+    VolumeSize size;                  ///< of each map, as allocated
     ZeroedBuffer<float> ContrastMaps; ///< map after map, one for each defined contrast
     int nrOfMaps = 0;                 ///< in ContrastMaps
-    int NrOfActiveContrasts = 0;      ///< the first so many maps are in use
+    int NrOfActiveContrasts = 0;      ///< the first this many maps are in use
     /// For each map in use: selection state 1 to 3 and the contrast that it belongs to.
     std::vector<int> states;
     std::vector<int> contrastOfMap;
@@ -48,9 +48,9 @@ struct StatisticalMaps {
     [[nodiscard]] std::span<const float> map(int index) const {
         return ContrastMaps.span().subspan(size_t(index) * size.samples(), size.samples());
     }
-    /// Replaces the maps by `count` zeroed ones of this size, of which none is in use, and forgets
-    /// the cluster sizes. False, with none allocated, when memory runs out; the message is the
-    /// caller's.
+    /// Replaces the maps by `count` zeroed ones of this size, none of them in use, and clears the
+    /// cluster sizes. False, with none allocated, when memory runs out; the caller shows the
+    /// message.
     [[nodiscard]] bool allocateMaps(int count, const VolumeSize& sizeOfEach);
     /// How many maps are to be overlaid: the one map of a conjunction, else the first four of those
     /// in use. Maps that are not allocated don't count.

@@ -19,7 +19,7 @@ void keepColorMaxAbove(OverlayThresholds& thresholds) {
         thresholds.ColorMaxThreshold = thresholds.Threshold + 1.0f;
 }
 
-/// What betai can take: it ends the program on a ratio that is no number.
+/// Checked because betai ends the program on a ratio that is not a number.
 bool areDegreesOfFreedom(float df) {
     return std::isfinite(df) && df > 0.0f;
 }

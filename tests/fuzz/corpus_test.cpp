@@ -1,4 +1,4 @@
-// Runs every target over its corpus, in which the inputs stay that once broke a parser.
+// Runs every target over its corpus, which keeps inputs that once broke a parser.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/fuzz_target.h"
 #include "support/scripted_messages.h"
@@ -9,7 +9,7 @@
 
 namespace {
 
-// How many files of a folder get to the end of the parser.
+// How many files of a folder the parser accepts.
 int nrOfFilesTaken(const FuzzTarget& target, const QString& folder) {
     ScriptedMessages messages;
     messages.acceptAnything();
@@ -20,7 +20,7 @@ int nrOfFilesTaken(const FuzzTarget& target, const QString& folder) {
         SCOPED_TRACE(file.fileName().toStdString());
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         const QByteArray bytes = file.readAll();
-        // A buffer of just this size lets the sanitizer see one byte too far.
+        // With a buffer of exactly this size the sanitizer catches a read beyond its end.
         const std::vector<uint8_t> exact(bytes.begin(), bytes.end());
         nrTaken += target.run(exact);
     }
@@ -36,7 +36,7 @@ TEST(FuzzCorpus, EveryTargetTakesItsFiles) {
                 << target.name;
 }
 
-TEST(FuzzCorpus, NoFileOfAScannerIsTooOdd) {
+TEST(FuzzCorpus, TakesRealScannerFiles) {
     SKIP_WITHOUT(scannerDataFolder());
     int nrTaken = 0;
     for (const char* folder :

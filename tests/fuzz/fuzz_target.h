@@ -1,5 +1,5 @@
-// One function for each parser, which the fuzzer calls with its own bytes and a test with kept
-// ones. SPDX-License-Identifier: GPL-3.0-or-later
+// One function for each parser, called by the fuzzer, and by a test with the corpus.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include <cstdint>
@@ -9,14 +9,14 @@
 #include <vector>
 
 struct FuzzTarget {
-    const char* name;                            ///< of its corpus folder, too
-    bool (*run)(std::span<const uint8_t> bytes); ///< true when the parser took them for good
+    const char* name;                            ///< also of its corpus folder
+    bool (*run)(std::span<const uint8_t> bytes); ///< true when the parser accepted them
 };
 
 [[nodiscard]] std::vector<FuzzTarget> imageHeaderTargets();
 [[nodiscard]] std::vector<FuzzTarget> textFileTargets();
 
-/// Ends the process when a parser did not keep what its header says.
+/// Aborts when a parser breaks the contract of its header.
 inline void require(bool kept, const char* promise) {
     if (kept)
         return;

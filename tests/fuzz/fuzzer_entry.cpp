@@ -1,5 +1,6 @@
-// What the fuzzer calls: the target that this program is named for, with messages and the end of
-// the program kept quiet. SPDX-License-Identifier: GPL-3.0-or-later
+// Entry point of the fuzzer: runs the target this program is named after, with messages and the end
+// of the program suppressed.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/messages.h"
 #include "base/program_end.h"
 #include "fuzz/fuzz_target.h"

@@ -25,7 +25,7 @@ FMRProject withSizes(const HeaderSizes& sizes) {
     return project;
 }
 
-// Everything that looks into a DICOM file before its samples are taken.
+// All that is read from a DICOM file before its samples.
 bool dicom(std::span<const uint8_t> bytes) {
     DicomHeader header;
     FMRProject project;

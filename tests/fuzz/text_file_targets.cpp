@@ -1,12 +1,11 @@
 // Text files that a run reads: settings, protocols, project headers and contrasts.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/fuzz_target.h"
-#include "run/protocol/condition_index.h"
-#include "run/protocol/prt_text.h"
+#include "run/protocol/prt_file.h"
 #include "run/protocol/real_time_protocol.h"
 #include "run/protocol/tdat_protocol.h"
+#include "run/settings/settings_file.h"
 #include "run/settings/settings_reader.h"
-#include "run/settings/settings_writer.h"
 #include "run/settings/watch_folders.h"
 #include "stats/contrast_file.h"
 #include "volume/fmr_file.h"
@@ -20,13 +19,13 @@ bool readSettings(RunSettings& settings, SettingsUse use, const QString& text) {
     return SettingsReader(settings, report, text).read();
 }
 
-// Settings files, and the lists of watch folders that they name. Inspection only: for a run the
-// folders of the text would be created, wherever they lie.
+// Settings files, and the lists of watch folders that they name. Inspection only: a run would
+// create the folders in the text, wherever they are.
 bool settingsFile(std::span<const uint8_t> bytes) {
     const QString text = QString::fromUtf8(QByteArrayView(bytes));
     static_cast<void>(parseWatchFolderList(text, "fuzz/"));
     RunSettings settings;
-    // The writer's form of a multi-run project is not one that can be read.
+    // A multi-run project is written without all its entries, so it can't be read back.
     if (!readSettings(settings, SettingsUse::Inspection, text) || settings.MergeType)
         return false;
     const WrittenSettings written = settingsText(settings);
@@ -55,7 +54,7 @@ bool prt(std::span<const uint8_t> bytes) {
     return good;
 }
 
-// Real-time protocols: the header, and the lines behind it one by one.
+// Real-time protocols: the header, then the lines one by one.
 bool rtp(std::span<const uint8_t> bytes) {
     const QString text = decodedText(QByteArrayView(bytes).toByteArray());
     StimulationProtocol protocol;
@@ -65,14 +64,14 @@ bool rtp(std::span<const uint8_t> bytes) {
     if (!header.good)
         return false;
     for (const QString& line : text.mid(header.length).split('\n'))
-        static_cast<void>(takeRTPLine(line, {50, 2000.0f}, protocol, state));
+        static_cast<void>(applyRTPLine(line, {50, 2000.0f}, protocol, state));
     for (const ProtocolContrasts::Contrast& contrast : state.contrasts.table)
         require(contrast.weights.size() == protocol.conditions.size(), "a weight each");
     static_cast<void>(volumeConditionIndex(protocol, 50, 2000.0f));
     return true;
 }
 
-// Logs of stimulation computers: the header, and the lines behind it one by one.
+// Logs of stimulation computers: the header, then the lines one by one.
 bool tdat(std::span<const uint8_t> bytes) {
     const QString text = decodedText(QByteArrayView(bytes).toByteArray());
     StimulationProtocol protocol;
@@ -83,7 +82,7 @@ bool tdat(std::span<const uint8_t> bytes) {
     if (!header.good)
         return false;
     for (const QString& line : text.mid(header.length).split('\n'))
-        static_cast<void>(takeTDATLine(line, protocol, state));
+        static_cast<void>(applyTDATLine(line, protocol, state));
     for (const ProtocolContrasts::Contrast& contrast : state.contrasts.table)
         require(contrast.weights.size() <= protocol.conditions.size(), "a weight each at most");
     static_cast<void>(volumeConditionIndex(protocol, 50, 2000.0f));

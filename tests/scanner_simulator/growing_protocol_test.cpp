@@ -32,7 +32,7 @@ void expectLines(Lines lines, std::initializer_list<const char*> expected) {
 
 } // namespace
 
-// The real-time protocol is one volume ahead of the scan; the log says what begins with a volume.
+// The real-time protocol is one volume ahead of the scan; the log states what begins with a volume.
 TEST(GrowingProtocol, GrowsWithEachVolume) {
     expectLines(rtpLines, {"SCAN BEGIN\n", "1 0 0\n2 0 0\n", "3 1 0\n", "4 1 0\n", "5 0 0\n",
                            "6 0 0\n", "SCAN END\n"});
@@ -58,7 +58,7 @@ TEST(GrowingProtocol, StaysTheFileThatAWaitingProgramHasOpened) {
     ASSERT_TRUE(scan.appendProtocol(0));
     EXPECT_EQ(opened.readAll(), "SCAN BEGIN\n");
 
-    // That of an earlier run is begun anew.
+    // One from an earlier run is rewritten.
     ASSERT_TRUE(scan.writeProtocolHeader());
     QFile again(opened.fileName());
     ASSERT_TRUE(again.open(QIODevice::ReadOnly));

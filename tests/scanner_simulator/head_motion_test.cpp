@@ -27,7 +27,7 @@ TEST(SimulatedMotion, TurnsCounterClockwiseAboutX_Y_Z) {
     pose.rotation[0] = pose.rotation[1] = pose.rotation[2] = 90.0;
     pose.translation[1] = 5.0;
     const PoseInverse toHead(pose);
-    const Point point = toHead({3.0, 2.0 + 5.0, -1.0}); // where the head's (1, 2, 3) is seen
+    const Point point = toHead({3.0, 2.0 + 5.0, -1.0}); // position of the head's (1, 2, 3)
     EXPECT_NEAR(point.x, 1.0, 1e-12);
     EXPECT_NEAR(point.y, 2.0, 1e-12);
     EXPECT_NEAR(point.z, 3.0, 1e-12);

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-// Those of the first volumes meet their readers in the tests of whole runs.
+// The names of the first volumes are checked by the readers in the tests of whole runs.
 TEST(ScannerNames, AreThoseOfTheScannerLateInARun) {
     using enum ScannerType;
     struct Case {

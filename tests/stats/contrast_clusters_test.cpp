@@ -1,4 +1,4 @@
-// The cluster filter: sizes by the rules of labelling, and what it lets through.
+// The cluster filter: sizes by the labelling rules, and the voxels that pass.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/clusters.h"
 
@@ -18,7 +18,7 @@ TEST(Clusters, ShapesHaveTheSizesThatTheRulesGive) {
         {"U: arms joined at the bottom", {"#...#", "#...#", "#####"}, {0, 9}},
         {"edges of a row don't touch", {"#...", "...#", "#..."}, {0, 1}},
         {"spiral", {"#######", "#.....#", "#.###.#", "#.#...#", "#.#####"}, {0, 23}},
-        // The middle piece is linked to the first already, so its touch with the last is not noted.
+        // The middle piece is already linked to the first, so its link to the last is dropped.
         {"second equivalence", {"#.#......", ".#.#####.", "........#", ".....###."}, {0, 3, 9}},
         {"labels linked in a loop", {"####.", "#...#", "#.##.", ".##.."}, {0, 11}},
         {"more than ten thousand labels", speckles, {0, 1}},

@@ -1,4 +1,4 @@
-// The contrast file: its layout, its versions, and files that are none.
+// The contrast file: its layout, its versions, and invalid files.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/contrast_file.h"
 

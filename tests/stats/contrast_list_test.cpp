@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Conditions Rest, A, B, ... of which Rest is the baseline, with a constant behind them.
+/// Conditions Rest (the baseline), A, B, ... and a constant.
 DesignMatrix designOf(const QStringList& conditions) {
     DesignMatrix design;
     design.ContrastPredictorNames = conditions;
@@ -62,7 +62,7 @@ TEST(OverlayTables, MixTheColoursOfTheShownMaps) {
     for (const auto& [entry, color] : mixtures)
         EXPECT_EQ(colors.active[entry], color) << entry;
 
-    // With three maps entry 7 and those behind it keep what the earlier contrasts left.
+    // With three maps entries from 7 on keep their values from the earlier contrasts.
     contrasts.ContrastColors[0] = {9, 9, 9};
     updateOverlayColors(colors, contrasts, mapsInUse(1, 1, 1, 3), false);
     EXPECT_EQ(colors.active[0], (RgbColor{9, 9, 9}));

@@ -1,4 +1,4 @@
-// The map file: what is written comes back, and bad files are refused.
+// The map file: round trip, and damaged files.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/map_file.h"
 
@@ -42,7 +42,7 @@ TEST(MapFile, KeepsTheMapsInUse) {
     QTemporaryDir folder;
     const QString path = folder.filePath("run.mps");
     ASSERT_TRUE(writeMapFile(path, exampleMaps(), exampleThresholds, exampleContrasts()));
-    // Mark, version, sizes and count stand before the first map.
+    // Mark, version, sizes and count precede the first map.
     const QByteArray bytes = contentOf(path);
     EXPECT_EQ(bytes.left(24), QByteArray::fromHex("564d5053 01000000 03000000 02000000 02000000"
                                                   "02000000"));

@@ -1,4 +1,4 @@
-// Names, columns and growth of the design of a run.
+// Names, columns and growth of a run's design.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/design_matrix.h"
 

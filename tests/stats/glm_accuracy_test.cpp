@@ -9,8 +9,8 @@ namespace {
 constexpr int nrOfVolumes = 300;
 constexpr double bound = 1e-4;
 
-/// The batch solution is a single-precision one of signals around 1000, so small betas are held
-/// against the size of the effects in the run; their standard errors are above 1.
+/// The batch solution is in single precision on signals around 1000, so small betas are compared
+/// relative to the effects in the run; their standard errors are above 1.
 constexpr double effectScale = 20.0;
 constexpr double tScale = 8.0; // where colours saturate
 
@@ -31,7 +31,7 @@ GLMTestRun threeConditions() {
 
 TEST(GLMAccuracy, RecursionAndBatchAgreeWithLeastSquares) {
     const std::pair<std::vector<int>, int> steps[] = {
-        {{11, 21, 150}, 150},                  // recursive behind a late predictor
+        {{11, 21, 150}, 150},                  // recursive after a late predictor
         {{nrOfVolumes - 1}, nrOfVolumes - 1}}; // one solution at the end
     for (const auto& [volumes, last] : steps) {
         GLMTestRun run = threeConditions();

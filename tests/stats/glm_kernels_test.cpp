@@ -9,9 +9,9 @@
 
 namespace {
 
-// Each kernel against its plain form, voxel by voxel as it is laid down, bit for bit.
+// Each kernel against its plain form, voxel by voxel, bit for bit.
 
-constexpr size_t stride = 300; // of the state; blocks start at an odd place
+constexpr size_t stride = 300; // of the state; blocks start at an odd index
 constexpr size_t firstVoxel = 17;
 
 struct Shape {

@@ -70,7 +70,7 @@ struct GLMTestRun {
         ++contrasts.NrOfContrasts;
     }
 
-    /// After all conditions, confounds and contrasts.
+    /// Call after all conditions, confounds and contrasts.
     void start(std::vector<int> stepVolumes) {
         design.GLMStepVolumes = std::move(stepVolumes);
         ASSERT_TRUE(maps.allocateMaps(contrasts.NrOfContrasts, project.size()));
@@ -85,7 +85,7 @@ struct GLMTestRun {
 };
 
 /// Ordinary least squares by the normal equations, in double and without the decomposition that the
-/// program's solutions rest on.
+/// program's solutions use.
 struct ExactFit {
     std::vector<double> betas;
     double rss = 0;

@@ -48,7 +48,7 @@ TEST(BrainMask, HoldsInnerSlicesReadAsUnsigned) {
     ASSERT_TRUE(createBrainMask(run.mask, run.project, 100));
     for (const auto& [voxel, sample, inside] : cases)
         EXPECT_EQ(run.mask.voxels[voxel] != 0, inside) << voxel;
-    // Kernels need the voxels in runs: one from each that lies outside to the next.
+    // Kernels need the voxels in runs, each between two voxels outside the mask.
     ASSERT_GE(run.mask.runs.size(), 2u);
     EXPECT_EQ(run.mask.runs[0].first, 43u);
     EXPECT_EQ(run.mask.runs[0].count, 4u); // 47 is one of the dark voxels
@@ -79,7 +79,7 @@ TEST(GLMUpdate, NoDegreesOfFreedomAndFiftyPredictors) {
     GLMTestRun run(60);
     for (int c = 0; c < 40; ++c)
         run.addCondition(c % 7, 3 + c % 5);
-    run.addConfounds(10); // all but the first alike: the rank is low
+    run.addConfounds(10); // all but the first are equal: the rank is low
     run.addContrast({1});
     run.start({11, 12});
     for (int t = 0; t < 60; ++t) {

@@ -1,4 +1,4 @@
-// Statistical maps for tests of what is made of them.
+// Statistical maps for tests.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

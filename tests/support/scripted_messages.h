@@ -31,6 +31,8 @@ public:
     void expectColorChoice(const QString& title, std::optional<RgbColor> answer);
     /// All messages so far, one for each line end.
     [[nodiscard]] QStringList shown() const { return shown_; }
+    /// Those of them that were modeless.
+    [[nodiscard]] QStringList shownModeless() const { return shownModeless_; }
     /// Accepts any message, which is listed in shown(). For fuzzing loops.
     void acceptAnything() { acceptAnything_ = true; }
     /// What the operator does before answering a question.
@@ -38,6 +40,7 @@ public:
 
     void show(MessageLevel level, const QString& text, const QString& title) override;
     void showModeless(MessageLevel level, const QString& text) override {
+        shownModeless_ << text;
         show(level, text, programTitle);
     }
     bool ask(const QString& text, const QString& title) override;
@@ -73,6 +76,7 @@ private:
 
     std::deque<Expectation> expected_;
     QStringList shown_;
+    QStringList shownModeless_;
     bool acceptAnything_ = false;
     MessageHandler* previous_;
 };

@@ -23,14 +23,14 @@ void transformSlice(std::span<uint16_t> slice, int sizeX, int transformation) {
 } // namespace
 
 QString AnalyzeFormat::prefix() const {
-    // The number of the second type begins behind the seventh character.
+    // The number of the second type begins after the seventh character.
     return options().type == ScannerType::AnalyzeNw
                ? QString("run%1_").arg(options().run, 3, 10, QChar('0'))
                : QString("Run%1_").arg(options().run);
 }
 
 QStringList AnalyzeFormat::fileNames(int volume) const {
-    // Five digits below 1000, and four from there on.
+    // Five digits below 1000, four from 1000 on.
     const int number = firstNumber + volume;
     const QString name =
         prefix() + QString("%1").arg(number, number < 1000 ? 5 : 4, 10, QChar('0'));
@@ -44,7 +44,7 @@ QByteArray AnalyzeFormat::header() const {
     HeaderBytes header(headerBytes, sampleOrder());
     header.int32(0, headerBytes);
     header.int32(32, 16384); // extents
-    header.text(38, "r");    // all images of a volume have one size
+    header.text(38, "r");    // all images of a volume have the same size
     const int dimensions[] = {4, geometry().sizeX, geometry().sizeY, geometry().nrOfSlices, 1};
     for (int i = 0; i < 5; ++i)
         header.int16(40 + 2 * i, dimensions[i]);

@@ -1,11 +1,11 @@
-// ANALYZE 7.5 files: for each volume an image and a header.
+// ANALYZE 7.5 files: an image and a header for each volume.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "scanner_files.h"
 
 /// Types PHILIPS_ANALYZE_DRIN and ANALYZE_NW. Rows are stored so that the image transformation of
-/// the settings leads back to the measured volume.
+/// the settings restores the measured volume.
 class AnalyzeFormat : public ScannerFormat {
 public:
     using ScannerFormat::ScannerFormat;

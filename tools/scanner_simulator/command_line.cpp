@@ -56,7 +56,7 @@ void addOptions(QCommandLineParser& parser) {
     parser.addOptions(options);
 }
 
-/// The data types with their files, behind the options.
+/// The data types with their files, after the options.
 QString typeList() {
     QString text = "\nData types:\n";
     for (const ScannerTypeName& name : scannerTypeNames())
@@ -64,7 +64,7 @@ QString typeList() {
     return text;
 }
 
-/// Takes values out of the parsed line; the first bad one is kept as the problem.
+/// Reads values from the parsed line; the first bad one is kept as the problem.
 class Values {
 public:
     explicit Values(const QCommandLineParser& parser) : parser_(parser) {}
@@ -183,7 +183,7 @@ void takeVariants(const QCommandLineParser& parser, Values& values, SimulationOp
     simulation.fixedStudyNumber = parser.isSet("fixed-study");
     values.integer("mosaic-tiles", simulation.mosaicTiles);
     values.integer("image-transformation", simulation.imageTransformation);
-    // The names of these files tell the order in which they were written.
+    // The names of these files state the order in which they were written.
     simulation.shuffledSlices =
         parser.isSet("out-of-order") && simulation.type == ScannerType::GeHdxtDicom;
 }
@@ -215,7 +215,7 @@ QString problemOfFaults(const SimulatorCommand& command) {
     volumes.insert(command.delivery.truncated.begin(), command.delivery.truncated.end());
     for (const auto& [volume, delay] : command.delivery.late)
         volumes.insert(volume);
-    // How many volumes a replay has is not known before its folder is read.
+    // The number of volumes of a replay is unknown before its folder is read.
     const bool isCounted = command.replayFolder.isEmpty() || command.volumesGiven;
     for (const int volume : volumes)
         if (volume < 1 || (isCounted && volume > command.simulation.nrOfVolumes))
@@ -223,7 +223,7 @@ QString problemOfFaults(const SimulatorCommand& command) {
     return {};
 }
 
-/// What a data type or a kind of protocol can't be combined with.
+/// Invalid combinations with a data type or a kind of protocol.
 QString problemOfKind(const SimulatorCommand& command) {
     const SimulationOptions& simulation = command.simulation;
     if (command.delivery.halfLines && simulation.protocol == ProtocolKind::Prt)

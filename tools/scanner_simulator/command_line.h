@@ -1,4 +1,4 @@
-// What the user of scanner-simulator asks for.
+// The command line of scanner-simulator.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -11,10 +11,10 @@ struct SimulatorCommand {
     DeliveryOptions delivery;
     int nrOfRuns = 1;
     bool settingsOnly = false;
-    bool volumesGiven = false; ///< else a replay has as many as its folder
+    bool volumesGiven = false; ///< otherwise a replay delivers the whole folder
     QString replayFolder;      ///< empty: simulate
     QString helpText;          ///< not empty: show this and do nothing else
-    QString problem;           ///< not empty: why the command can't be carried out
+    QString problem;           ///< not empty: why the command is invalid
 };
 
 /// `arguments` begins with the name of the program.

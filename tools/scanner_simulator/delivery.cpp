@@ -7,8 +7,8 @@ namespace {
 
 constexpr int nrOfPieces = 4;
 
-/// Pause between the pieces of a growing file: all files of a volume together take less than half
-/// of the time until the next one.
+/// Pause between the pieces of a growing file, so that all files of a volume take less than half of
+/// the time until the next one.
 int64_t piecePause(const DeliveryOptions& options, const VolumeSource& source, size_t nrOfFiles) {
     if (!options.atRepetitionTime)
         return 20;
@@ -79,7 +79,7 @@ private:
         return appendToFile(path, text) ? DeliveryOutcome() : failure(path);
     }
     DeliveryOutcome writeGrowing(const ScannerFile& file, size_t nrOfFiles) {
-        // The first piece begins the file, unless it goes on from the volume before.
+        // The first piece starts the file, unless it continues from the volume before.
         ScannerFile piece{file.name, {}, file.append};
         const int64_t pause = piecePause(options_, source_, nrOfFiles);
         for (int number = 0; number < nrOfPieces; ++number) {
@@ -128,14 +128,14 @@ std::vector<DeliveryStep> deliverySchedule(const DeliveryOptions& options,
 
 namespace {
 
-/// A volume, or the lines of the protocol that go with one.
+/// A volume, or the protocol lines due with it.
 struct Event {
     int volume;
     int64_t due;
     bool isLines;
 };
 
-/// What happens in the whole delivery, in order.
+/// All steps of the delivery, in order.
 std::vector<Event> eventsOf(const DeliveryOptions& options, const VolumeSource& source) {
     std::vector<Event> events;
     int linesOf = 0;
@@ -149,7 +149,8 @@ std::vector<Event> eventsOf(const DeliveryOptions& options, const VolumeSource& 
         }
     };
     for (const DeliveryStep& step : deliverySchedule(options, source)) {
-        // At the same moment the lines of a volume come before it, and those of later ones behind.
+        // Lines due at the same moment as their volume come before it, those of later volumes after
+        // it.
         addLinesWhile([&](int64_t due) {
             return due < step.due || (due == step.due && linesOf <= step.volume);
         });

@@ -1,4 +1,4 @@
-// Brings files into a watch folder as a scanner does, or as it does on a bad day.
+// Delivers files into a watch folder as a scanner does, with faults on request.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -15,22 +15,22 @@ struct DeliveryOptions {
     double speed = 1.0;           ///< 2: twice as fast as measured
     int startDelay = 0;           ///< milliseconds before the measurement begins
     bool growing = false;         ///< files are written in place, in pieces with pauses
-    bool outOfOrder = false;      ///< slices backwards, or whole volumes exchanged in pairs
+    bool outOfOrder = false;      ///< slices in reverse, or whole volumes swapped in pairs
     bool halfLines = false;       ///< lines of the protocol are written in halves with a pause
-    std::map<int, int> late = {}; ///< volume to milliseconds of delay
-    std::set<int> missing = {};   ///< volumes that never come
+    std::map<int, int> late = {}; ///< delay in milliseconds by volume
+    std::set<int> missing = {};   ///< volumes that are never delivered
     std::set<int> truncated = {}; ///< volumes whose files end early
 };
 
-/// A protocol that another computer appends to while the scan goes on.
-struct ArrivingProtocol {
+/// A protocol that another computer appends to during the scan.
+struct GrowingProtocol {
     QString path;
     /// The lines that are due when a volume, from 0, has been measured. Volumes that are late,
-    /// missing or exchanged don't hold them up. Without a function there is no such protocol.
+    /// missing or swapped don't delay them. Empty without such a protocol.
     std::function<QByteArray(int volume)> lines;
 };
 
-/// What is delivered: simulated volumes or those of a folder.
+/// What to deliver: simulated volumes or those of a folder.
 struct VolumeSource {
     int nrOfVolumes = 0;
     bool writesSlices = false;  ///< each slice is a file of its own
@@ -38,16 +38,16 @@ struct VolumeSource {
     int repetitionTime = 1000;  ///< milliseconds
     /// Files of a volume, from 0; nothing when they can't be read.
     std::function<std::optional<std::vector<ScannerFile>>(int volume)> files;
-    ArrivingProtocol protocol = {};
+    GrowingProtocol protocol = {};
 };
 
-/// Time, so that tests need none.
+/// A clock that tests can replace.
 class DeliveryClock {
 public:
     virtual ~DeliveryClock() = default;
     /// Milliseconds since an arbitrary origin.
     [[nodiscard]] virtual int64_t milliseconds() const = 0;
-    /// Returns at that moment, or at once when it has passed; false when the user ends the program.
+    /// Waits until that moment, if it is not past; false when the user ends the program.
     [[nodiscard]] virtual bool waitUntil(int64_t milliseconds) = 0;
 };
 
@@ -57,9 +57,8 @@ struct DeliveryStep {
     bool operator==(const DeliveryStep&) const = default;
 };
 
-/// Which volume appears when, in order of time. A volume is due when it has been measured. In one
-/// file for all volumes a late one holds up those behind it, and what is missing or cut leaves no
-/// gap.
+/// Delivery times in chronological order. A volume is due when it has been measured. In one file
+/// for all volumes a late one delays those after it, and missing or truncated ones leave no gap.
 [[nodiscard]] std::vector<DeliveryStep> deliverySchedule(const DeliveryOptions& options,
                                                          const VolumeSource& source);
 
@@ -70,7 +69,7 @@ struct DeliveryOutcome {
     QString problem = {}; ///< why it failed, as a sentence for the user
 };
 
-/// Delivers all volumes into a folder that exists. `report` hears of each volume that is there.
+/// Delivers all volumes into an existing folder. `report` is called for each volume delivered.
 [[nodiscard]] DeliveryOutcome deliver(const DeliveryOptions& options, const VolumeSource& source,
                                       const QString& folder, DeliveryClock& clock,
                                       const std::function<void(const QString&)>& report);

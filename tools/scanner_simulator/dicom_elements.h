@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <span>
 
-/// The encoding, as DICOM PS3.5, sections 7.1 and 10, lays it down. Elements must be added in
-/// rising order of their tags.
+/// The encoding of DICOM PS3.5, sections 7.1 and 10. Elements must be added in ascending order of
+/// tags.
 class DicomElements {
 public:
     explicit DicomElements(TransferSyntax syntax) : syntax_(syntax) {}
@@ -19,7 +19,7 @@ public:
     void text(uint16_t group, uint16_t element, const char* representation, QByteArray value);
     void unsignedShort(uint16_t group, uint16_t element, uint16_t value);
     void unsignedLong(uint16_t group, uint16_t element, uint32_t value);
-    /// "OB": bytes that no encoding changes.
+    /// "OB": bytes, the same in all encodings.
     void bytes(uint16_t group, uint16_t element, QByteArray value);
     /// "OW": samples in the byte order of the encoding.
     void samples(uint16_t group, uint16_t element, std::span<const uint16_t> values);
@@ -34,6 +34,6 @@ private:
     QByteArray encoded_;
 };
 
-/// A whole file: preamble, meta header with this instance identifier, data set.
+/// A complete file: preamble, meta header with this instance identifier, data set.
 [[nodiscard]] QByteArray dicomFile(TransferSyntax syntax, const QByteArray& instanceUid,
                                    const QByteArray& dataSet);

@@ -7,7 +7,7 @@
 FileNaming fileNaming(const SimulationOptions& options) {
     if (options.type == ScannerType::SiemensMosaic)
         return {"001", "_", "dcm", 6, seriesNumber(options), 1, 1};
-    // Single slices have no series number in their names, so that each run has its own prefix.
+    // Names of single slices have no series number, so each run has its own prefix.
     return {QString("Run%1").arg(options.run), "-", "dcm", 4, 1, 1, options.nrOfSlices};
 }
 

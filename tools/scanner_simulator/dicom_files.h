@@ -1,4 +1,4 @@
-// DICOM files whose names have a prefix and two numbers: mosaics and single slices.
+// DICOM files named by a prefix and two numbers: mosaics and single slices.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -7,7 +7,7 @@
 class DicomFormat : public ScannerFormat {
 public:
     explicit DicomFormat(const SimulationOptions& options);
-    /// For recorded files that are called otherwise; `firstName` is the name of the first.
+    /// For recorded files with other names; `firstName` is the name of the first.
     DicomFormat(const SimulationOptions& options, FileNaming naming, QString firstName);
 
     [[nodiscard]] QStringList fileNames(int volume) const override;

@@ -3,14 +3,13 @@
 
 #include "base/file_writing.h"
 #include "dicom_elements.h"
-#include "protocol_block.h"
 
 #include <algorithm>
 
 namespace {
 
-/// Identifiers below the root for numbers that need no registration. Each part is a number of its
-/// own, so that different runs and seeds never share one.
+/// Identifiers below the root that needs no registration. Runs and seeds are separate components,
+/// so that they never share an identifier.
 QByteArray identifier(const SimulationOptions& options, const QByteArray& last) {
     return formatted("2.25.%llu.%i", static_cast<unsigned long long>(options.seed),
                      seriesNumber(options)) +
@@ -118,8 +117,8 @@ void addPixelDescription(DicomElements& set, const MeasuredVolume& measured,
     set.text(0x0028, 0x1051, "DS", "1100");
 }
 
-/// Private group with the protocol block. The block is a small part of what a scanner stores
-/// there; a binary head stands before it, as it does there.
+/// Private group with the protocol block. A scanner stores much more there; as there, a binary
+/// header precedes the block.
 void addProtocol(DicomElements& set, const MeasuredVolume& measured) {
     set.text(0x0029, 0x0010, "LO", "SIEMENS CSA HEADER");
     set.text(0x0029, 0x1018, "CS", "MR");

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ge_files.h"
 
+#include "dicom_image.h"
 #include "mosaic_image.h"
+#include "random_numbers.h"
 #include "raw_bytes.h"
+
+#include <numeric>
 
 namespace {
 
@@ -15,7 +19,7 @@ QString threeDigits(int number) {
     return QString("%1").arg(number, 3, 10, QChar('0'));
 }
 
-/// Its numbers are big endian, whatever the byte order of the samples.
+/// Header numbers are big endian, whatever the byte order of the samples.
 QByteArray headerOf(const ScanGeometry& geometry) {
     HeaderBytes header(headerBytes, ByteOrder::Big);
     header.int32(148, imageHeaderStart);
@@ -34,7 +38,7 @@ QStringList GeIFormat::fileNames(int volume) const {
     QStringList names;
     for (int slice = 0; slice < geometry().nrOfSlices; ++slice) {
         const int before = firstImage - 1 + volume * geometry().nrOfSlices + slice;
-        // A full folder is followed by one 20 numbers higher.
+        // The next folder after a full one is numbered 20 higher.
         const int folder = seriesNumber(options()) + 20 * (before / imagesOfFolder);
         names << threeDigits(folder) + "/I." + threeDigits(before % imagesOfFolder + 1);
     }
@@ -94,4 +98,47 @@ std::vector<ScannerFile> GeStanfordFormat::files(int volume,
 void GeStanfordFormat::addTypeBlock(SettingsLines& lines) const {
     lines.quoted("PFileHeader:", headerName());
     lines.number("SliceTimeLooping:", 1);
+}
+
+std::vector<int> GeDicomFormat::sliceOrder(int volume) const {
+    std::vector<int> order(size_t(geometry().nrOfSlices));
+    std::iota(order.begin(), order.end(), 0);
+    if (options().shuffledSlices) {
+        // A Fisher-Yates shuffle: all permutations are equally likely.
+        RandomNumbers random(options().seed * 7919u + uint64_t(volume));
+        for (size_t last = order.size() - 1; last > 0; --last)
+            std::swap(order[last], order[size_t(random.bits() % (last + 1))]);
+    }
+    return order;
+}
+
+QStringList GeDicomFormat::fileNames(int volume) const {
+    const int firstOfVolume = firstImage + volume * geometry().nrOfSlices;
+    QStringList names;
+    int running = seriesNumber(options()) + firstOfVolume;
+    for (const int slice : sliceOrder(volume))
+        names << QString("i%1.MRDC.%2").arg(running++).arg(firstOfVolume + slice);
+    return names;
+}
+
+std::vector<ScannerFile> GeDicomFormat::files(int volume, std::span<const uint16_t> samples) const {
+    const QStringList names = fileNames(volume);
+    std::vector<ScannerFile> files;
+    for (const int slice : sliceOrder(volume))
+        files.push_back(
+            {names[qsizetype(files.size())],
+             dicomImageFile({options(), geometry(), volume}, sliceImage(geometry(), volume, slice),
+                            geometry().slice(samples, slice))});
+    return files;
+}
+
+bool GeDicomFormat::isBigEndian() const {
+    return options().syntax == TransferSyntax::ExplicitBig;
+}
+
+void GeDicomFormat::addTypeBlock(SettingsLines& lines) const {
+    if (options().type == ScannerType::GeHdxtDicom)
+        return; // the watch folder has the number of the series
+    lines.number("GESeriesNr:", seriesNumber(options()));
+    lines.number("GEFirstImageNr:", firstImage);
 }

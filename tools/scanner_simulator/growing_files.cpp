@@ -11,7 +11,8 @@ QStringList GrowingFormat::fileNames(int /*volume*/) const {
 }
 
 std::vector<ScannerFile> GrowingFormat::files(int volume, std::span<const uint16_t> samples) const {
-    // Samples are as the reading machine has them: these scanners write for their own consoles.
+    // Samples are in host byte order, whatever the settings: these scanners write for their own
+    // consoles.
     return {{fileNames(volume).first(),
              sampleBytes(reversedSlices(geometry(), samples), hostByteOrder), true}};
 }

@@ -1,10 +1,10 @@
-// Raw data without header in one file that grows through the run.
+// Raw data without header in one file that grows during the run.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "scanner_files.h"
 
-/// Types PHILIPS_REC and 2DSEQ_MPI: the slices of each volume follow from the last to the first.
+/// Types PHILIPS_REC and 2DSEQ_MPI: slices of each volume from the last to the first.
 class GrowingFormat : public ScannerFormat {
 public:
     using ScannerFormat::ScannerFormat;

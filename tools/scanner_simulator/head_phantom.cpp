@@ -64,7 +64,7 @@ double HeadPhantom::Ellipsoid::squaredRadius(const Point& point) const {
 
 HeadPhantom::HeadPhantom(const ScanGeometry& geometry)
     : borderWidth_(std::max(geometry.pixelSize, 2.0)) {
-    // The regions stay away from the outermost slices, however little these cover.
+    // The regions stay clear of the outermost slices, even for a small coverage.
     const double height = std::min(10.0, 0.5 * geometry.halfCoverage());
     const double level = std::min(20.0, 0.25 * geometry.halfCoverage());
     const Point halfAxis{10.0, 10.0, height};

@@ -1,19 +1,19 @@
-// An analytic head: what a scanner would see at any point, without noise.
+// An analytic head phantom: the noise-free signal at any point.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "scan_geometry.h"
 
-/// Position of the head: first it turns about the x, then the y, then the z axis through the
-/// centre of the volume, then it moves. Degrees count counter-clockwise when seen from the
-/// positive end of the axis.
+/// Position of the head: rotation about the x, then the y, then the z axis through the centre of
+/// the volume, then translation. Rotations are counter-clockwise when seen from the positive end of
+/// the axis.
 struct HeadPose {
     double translation[3] = {}; ///< millimetres along x, y, z
     double rotation[3] = {};    ///< degrees about x, y, z
     [[nodiscard]] bool isAtRest() const;
 };
 
-/// Maps points of the scanner back to points of the head at rest.
+/// Maps points in the scanner to points in the head at rest.
 class PoseInverse {
 public:
     explicit PoseInverse(const HeadPose& pose);
@@ -25,18 +25,18 @@ private:
 };
 
 /// Ellipsoids of scalp, skull, brain and ventricles. Brain samples lie between 600 and 1200 and
-/// vary smoothly; borders are soft over about one voxel, as partial volume makes them.
+/// vary smoothly; borders are blurred over about one voxel, like partial volume effects.
 class HeadPhantom {
 public:
     static constexpr int nrOfConditions = 2; ///< conditions with active regions
 
     explicit HeadPhantom(const ScanGeometry& geometry);
     [[nodiscard]] double signal(const Point& point) const;
-    /// True inside the brain, away from its soft border.
+    /// True inside the brain, away from its blurred border.
     [[nodiscard]] bool isBrain(const Point& point) const;
     /// 1 or 2: the condition whose regions hold the point; 0 outside all.
     [[nodiscard]] int activeCondition(const Point& point) const;
-    /// How strongly pulsation is seen, from 0 to 1: most near the large vessels at the centre.
+    /// Strength of pulsation, from 0 to 1: highest near the large vessels at the centre.
     [[nodiscard]] static double pulsationWeight(const Point& point);
 
 private:

@@ -30,7 +30,7 @@ public:
         using namespace std::chrono;
         return duration_cast<std::chrono::milliseconds>(steady_clock::now() - origin_).count();
     }
-    /// Sleeps in short pieces, so that an interrupt from the keyboard ends a long wait.
+    /// Sleeps in short intervals, so that an interrupt from the keyboard ends a long wait.
     [[nodiscard]] bool waitUntil(int64_t milliseconds) override {
         constexpr int64_t longestSleep = 50;
         while (interrupted == 0 && this->milliseconds() < milliseconds)
@@ -59,7 +59,7 @@ ExitStatus refuseFolder(const SimulationOptions& options) {
                   QString("The session files can't be written into \"%1\".").arg(options.folder));
 }
 
-/// Files of an earlier measurement with the same names would be taken for this one's.
+/// Files of an earlier measurement with the same names would be mistaken for these.
 bool removeLeftovers(const QStringList& names, const QString& folder) {
     for (const QString& name : names) {
         const QString path = paths::join(folder, name);
@@ -95,7 +95,7 @@ ExitStatus simulateRun(const SimulatorCommand& command, const SimulationOptions&
     QStringList names;
     for (int volume = 0; volume < options.nrOfVolumes; ++volume)
         names << scan.format().fileNames(volume);
-    // Their names differ with the order of slices, and the series folder is the run's own.
+    // Their names depend on the slice order, and each run has its own series folder.
     if (options.type == ScannerType::GeHdxtDicom)
         names << QDir(scan.watchFolder()).entryList({"i*.MRDC.*"}, QDir::Files);
     const VolumeSource source{options.nrOfVolumes,
@@ -103,7 +103,7 @@ ExitStatus simulateRun(const SimulatorCommand& command, const SimulationOptions&
                               scan.format().writesOneFile(),
                               options.repetitionTime,
                               [&](int volume) { return std::optional(scan.files(volume)); },
-                              scan.arrivingProtocol()};
+                              scan.growingProtocol()};
     return deliverRun(command, source, names, scan.watchFolder());
 }
 

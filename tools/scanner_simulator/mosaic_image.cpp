@@ -3,6 +3,14 @@
 
 #include <algorithm>
 
+int mosaicColumns(const ScanGeometry& geometry) {
+    return geometry.mosaicTiles() * geometry.sizeX;
+}
+
+int mosaicRows(const ScanGeometry& geometry) {
+    return geometry.mosaicTiles() * geometry.sizeY;
+}
+
 std::vector<uint16_t> mosaicImage(const ScanGeometry& geometry, int tiles,
                                   std::span<const uint16_t> samples) {
     const auto tilesInRow = size_t(tiles);

@@ -1,4 +1,4 @@
-// Slices as tiles of one large image.
+// Arrangements of slices: tiles of one large image, and reversed order.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -8,6 +8,9 @@
 #include <span>
 #include <vector>
 
+/// Pixels in a row and in a column of a mosaic of all slices.
+[[nodiscard]] int mosaicColumns(const ScanGeometry& geometry);
+[[nodiscard]] int mosaicRows(const ScanGeometry& geometry);
 /// An image of `tiles` x `tiles` slices, row by row from the top left; tiles without a slice are
 /// zero. `samples` holds whole slices, no more than there are tiles.
 [[nodiscard]] std::vector<uint16_t> mosaicImage(const ScanGeometry& geometry, int tiles,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "protocol_block.h"
+#include "dicom_image.h"
 
 #include "base/file_writing.h"
 

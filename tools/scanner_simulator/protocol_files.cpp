@@ -9,11 +9,11 @@
 
 namespace {
 
-/// Of events in the log: "BlockBegin" and "BlockEnd".
+/// Prefix of events in the log: "BlockBegin" and "BlockEnd".
 constexpr char eventWord[] = "Block";
 
-/// Milliseconds before the next volume at which the end of a block is logged. A reader that takes
-/// lines only until their time passes that volume's still reads what begins with it.
+/// The end of a block is logged this many milliseconds before the next volume, so that a reader
+/// that stops at the time of that volume still reads what begins with it.
 constexpr int endLead = 100;
 
 int analysedVolumes(const SimulationOptions& options) {
@@ -217,7 +217,7 @@ QByteArray protocolLines(const ProtocolSource& source, int volume) {
 bool writeProtocolHeader(const ProtocolSource& source) {
     const QString path = paths::join(source.options.folder, protocolFileName(source.options));
     const QByteArray header = protocolHeader(source);
-    // A program that waits for the scan has the file open and would never see one in its place.
+    // A program that waits for the scan has the file open and would never see a replacement.
     QFile file(path);
     if (file.open(QIODevice::ReadOnly) && file.size() == header.size() && file.readAll() == header)
         return true;

@@ -1,4 +1,4 @@
-// Random numbers that depend on the seed alone, not on the library of the system.
+// Random numbers that depend only on the seed, not on the system's library.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <numbers>
 
-/// Generator with one word of state that is mixed at each step (Steele, Lea and Flood, OOPSLA
-/// 2014). The library's distributions may differ between systems, so they are not used.
+/// Generator with one word of state, mixed at each step (Steele, Lea and Flood, OOPSLA 2014). The
+/// library's distributions may differ between systems, so they are not used.
 class RandomNumbers {
 public:
     explicit RandomNumbers(uint64_t seed) : state_(seed) {}

@@ -7,7 +7,7 @@
 #include <QByteArray>
 #include <bit>
 
-/// Adds the lowest `size` bytes of a number.
+/// Appends the lowest `size` bytes of a number.
 inline void appendNumber(QByteArray& bytes, uint64_t value, int size, ByteOrder order) {
     for (int i = 0; i < size; ++i) {
         const int place = order == ByteOrder::Big ? size - 1 - i : i;
@@ -26,7 +26,7 @@ inline void appendNumber(QByteArray& bytes, uint64_t value, int size, ByteOrder 
     return bytes;
 }
 
-/// A header of fixed size, zero where nothing is put. Offsets must lie inside.
+/// A header of fixed size, initially zero. Offsets must lie inside.
 class HeaderBytes {
 public:
     HeaderBytes(int size, ByteOrder order) : bytes_(size, '\0'), order_(order) {}

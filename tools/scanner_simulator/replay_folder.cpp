@@ -15,7 +15,7 @@ bool isDigit(QChar character) {
     return character >= '0' && character <= '9';
 }
 
-/// The run of digits at a position, less its leading zeros; moves behind it.
+/// The run of digits at a position, without leading zeros; advances the position past it.
 QString digitsAt(const QString& name, qsizetype& position) {
     const qsizetype first = position;
     while (position < name.size() && isDigit(name[position]))

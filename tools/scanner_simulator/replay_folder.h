@@ -1,4 +1,4 @@
-// Files of a real measurement, to be delivered again.
+// Replays the files of a real measurement.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -7,12 +7,11 @@
 #include <QStringList>
 #include <optional>
 
-/// The files of one folder in the order of their names; numbers in names count as numbers. Hidden
-/// files and subfolders are passed over, and so is what is no DICOM file beside some that are: an
-/// image without the mark of such files is taken only where no file has it.
+/// The files of one folder in natural order of their names. Hidden files and subfolders are
+/// skipped. If any file has the DICOM prefix, those without it are skipped too.
 class ReplayFolder {
 public:
-    /// `nrOfFilesPerVolume` files in a row make a volume; an incomplete last one is left out.
+    /// `nrOfFilesPerVolume` successive files form a volume; an incomplete last one is left out.
     ReplayFolder(QString folder, int nrOfFilesPerVolume);
     [[nodiscard]] int nrOfVolumes() const;
     /// Files of a volume, from 0; nothing when one can't be read.
@@ -30,5 +29,5 @@ private:
     QStringList names_;
 };
 
-/// True when `left` comes before `right`: runs of digits are compared as numbers, the rest as text.
+/// Natural order: runs of digits are compared as numbers, the rest as text.
 [[nodiscard]] bool nameComesBefore(const QString& left, const QString& right);

@@ -15,7 +15,8 @@ double toTenths(double millimetres) {
 ScanGeometry::ScanGeometry(const SimulationOptions& options)
     : sizeX(options.sizeX), sizeY(options.sizeY), nrOfSlices(options.nrOfSlices),
       pixelSize(double(options.fieldOfView) / options.sizeX), sliceDistance(options.sliceDistance) {
-    // Slices nearer than 2 mm are not usual in functional imaging; many of them cover more.
+    // Slice distances below 2 mm are unusual in functional imaging; many slices cover more than 100
+    // mm.
     if (sliceDistance <= 0.0)
         sliceDistance = std::max(2.0, toTenths(100.0 / nrOfSlices));
     sliceThickness = std::max(0.1, toTenths(0.8 * sliceDistance));
@@ -26,12 +27,4 @@ int ScanGeometry::mosaicTiles() const {
     while (tiles * tiles < nrOfSlices)
         ++tiles;
     return tiles;
-}
-
-int mosaicColumns(const ScanGeometry& geometry) {
-    return geometry.mosaicTiles() * geometry.sizeX;
-}
-
-int mosaicRows(const ScanGeometry& geometry) {
-    return geometry.mosaicTiles() * geometry.sizeY;
 }

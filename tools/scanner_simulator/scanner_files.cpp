@@ -4,7 +4,6 @@
 #include "analyze_files.h"
 #include "base/paths.h"
 #include "dicom_files.h"
-#include "ge_dicom_files.h"
 #include "ge_files.h"
 #include "growing_files.h"
 #include "siemens_ima_files.h"

@@ -1,4 +1,4 @@
-// The files that a scanner writes for one volume, and what settings say about them.
+// The files that a scanner writes for one volume, and their entries in the settings.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -19,8 +19,8 @@ struct ScannerFile {
     bool append = false; ///< the bytes are added to a file that all volumes share
 };
 
-/// Writes a file below a folder, in a folder of its own if its name has one: whole or not at all,
-/// or at the end of what is there. False when that fails.
+/// Writes a file below a folder, creating a subfolder if its name has one: atomically, or appended
+/// to the existing file. False when that fails.
 [[nodiscard]] bool writeScannerFile(const QString& folder, const ScannerFile& file);
 /// Adds bytes to the end of a file, which is created if it isn't there. False when that fails.
 [[nodiscard]] bool appendToFile(const QString& path, const QByteArray& bytes);
@@ -32,15 +32,15 @@ struct MeasuredVolume {
     int volume; ///< from 0
 };
 
-/// How one kind of scanner names and writes its files. One class for each family of scanners; all
-/// of them depend on the options alone.
+/// How one kind of scanner names and writes its files. One class for each family of scanners; they
+/// depend on the options only.
 class ScannerFormat {
 public:
     explicit ScannerFormat(const SimulationOptions& options)
         : options_(options), geometry_(options) {}
     virtual ~ScannerFormat() = default;
 
-    /// Names of the files of a volume in the order of their writing: headers, then slices.
+    /// Names of the files of a volume in the order of writing: headers, then slices.
     [[nodiscard]] virtual QStringList fileNames(int volume) const = 0;
     /// The files themselves. `samples` holds the whole volume.
     [[nodiscard]] virtual std::vector<ScannerFile>
@@ -60,11 +60,11 @@ public:
 protected:
     [[nodiscard]] const SimulationOptions& options() const { return options_; }
     [[nodiscard]] const ScanGeometry& geometry() const { return geometry_; }
-    /// Byte order of samples whose settings state it.
+    /// Byte order of samples for types whose settings state it.
     [[nodiscard]] ByteOrder sampleOrder() const {
         return options_.rawDataBigEndian ? ByteOrder::Big : ByteOrder::Little;
     }
-    /// Entries for field of view and slices that the types without image headers have.
+    /// Entries for field of view and slices, for types without image headers.
     void addGeometryEntries(SettingsLines& lines) const;
 
 private:
@@ -84,5 +84,5 @@ struct FileNaming {
 };
 
 [[nodiscard]] FileNaming fileNaming(const SimulationOptions& options);
-/// The format of the type that the options name.
+/// The format for the type in the options.
 [[nodiscard]] std::unique_ptr<ScannerFormat> scannerFormat(const SimulationOptions& options);

@@ -1,11 +1,11 @@
-// The texts of a session: settings, truth.
+// The text files of a session: settings and ground truth.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "scanner_files.h"
-#include "simulated_course.h"
+#include "simulated_dynamics.h"
 
-/// What a settings file says about a run, simulated or replayed.
+/// Content of the settings file of a run, simulated or replayed.
 struct RunDescription {
     QString title;
     SimulationOptions options;
@@ -17,13 +17,13 @@ struct RunDescription {
                                             const ScanGeometry& geometry);
 /// Name, without folder, of the settings file of a run.
 [[nodiscard]] QString settingsFileName(const SimulationOptions& options);
-/// Writes the settings file and creates the folders that it names. False when any of it fails.
+/// Writes the settings file and creates the folders named in it. False when any of it fails.
 [[nodiscard]] bool writeSettingsFile(const RunDescription& run);
 /// A settings file of version 4. Folders are named relative to its own.
 [[nodiscard]] QByteArray settingsText(const RunDescription& run);
 /// One line for each volume, translations in millimetres and rotations in degrees.
 [[nodiscard]] QByteArray motionText(const std::vector<HeadPose>& poses);
-/// One digit for each voxel: the condition to which it responds.
+/// One digit for each voxel: the condition it responds to.
 [[nodiscard]] QByteArray activeText(const ScanGeometry& geometry,
                                     const std::vector<SimulatedCondition>& conditions,
                                     const std::vector<uint8_t>& active);

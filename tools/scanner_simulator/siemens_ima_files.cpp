@@ -29,7 +29,7 @@ void addMosaicSizes(SettingsLines& lines, bool isMosaic, int resolution, bool fi
 } // namespace
 
 int SiemensImaFormat::firstStudy() const {
-    // Each run has studies of its own, as many as it needs.
+    // Each run has its own studies, as many as it needs.
     const int studiesOfRun = options().fixedStudyNumber && isMosaic() ? 1 : options().nrOfVolumes;
     return 3 + (options().run - 1) * studiesOfRun;
 }
@@ -37,8 +37,8 @@ int SiemensImaFormat::firstStudy() const {
 int SiemensImaFormat::study(int volume) const {
     if (!options().fixedStudyNumber)
         return firstStudy() + volume;
-    // Single slices have a study of their own for each volume all the same; the fixed number only
-    // leaves the skipped volumes uncounted.
+    // Single slices still have a study per volume; the fixed number only excludes the skipped
+    // volumes from the count.
     return firstStudy() + (isMosaic() ? 0 : std::max(0, volume - options().nrOfVolumesToSkip));
 }
 
@@ -50,7 +50,7 @@ QStringList SiemensImaFormat::fileNames(int volume) const {
     QStringList names;
     for (int image = 0; image < imagesOfVolume; ++image)
         names << name(firstImageOfSeries + volume * imagesOfVolume + image);
-    // The rest of each volume has its numbers behind those of all first parts.
+    // Numbers of second parts follow those of all first parts.
     const int tiles = tilesOf(options(), geometry());
     if (isMosaic() && geometry().nrOfSlices > tiles * tiles)
         names << name(firstImageOfSeries + volume + options().nrOfVolumes);
@@ -96,7 +96,7 @@ void SiemensImaFormat::addMosaicEntries(SettingsLines& lines) const {
 }
 
 int SiemensPixelDataFormat::firstImage() const {
-    // There is no study number, so that the numbers of a run follow those of the run before.
+    // There is no study number, so the image numbers continue from the previous run.
     return firstImageOfSeries + (options().run - 1) * options().nrOfVolumes;
 }
 
@@ -112,7 +112,7 @@ std::vector<ScannerFile> SiemensPixelDataFormat::files(int volume,
 }
 
 void SiemensPixelDataFormat::addTypeBlock(SettingsLines& lines) const {
-    lines.number("SiemensPatientID:", -1); // says that names have no patient and no study
+    lines.number("SiemensPatientID:", -1); // names have no patient and no study
     lines.number("SiemensFirstStudyNr:", -1);
     lines.number("SiemensFirstImageNr:", firstImage());
 }

@@ -23,7 +23,7 @@ private:
     [[nodiscard]] QByteArray file(std::span<const uint16_t> pixels) const;
 };
 
-/// Type SIEMENSPIXELDATA: samples alone, tiles from the last slice to the first.
+/// Type SIEMENSPIXELDATA: samples only, tiles from the last slice to the first.
 class SiemensPixelDataFormat : public ScannerFormat {
 public:
     using ScannerFormat::ScannerFormat;

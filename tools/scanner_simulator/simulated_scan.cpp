@@ -15,14 +15,14 @@
 
 namespace {
 
-/// Samples have twelve bits, as from the converters of a scanner. It also keeps them clear of the
-/// tag that begins the samples of an image file.
+/// Samples have 12 bits, like those of a scanner's converters. So they can't resemble the tag that
+/// precedes the samples of an image file.
 constexpr float largestSample = 4095.0f;
 
 } // namespace
 
 SimulatedScan::SimulatedScan(const SimulationOptions& options)
-    : options_(options), geometry_(options), phantom_(geometry_), course_(options),
+    : options_(options), geometry_(options), phantom_(geometry_), dynamics_(options),
       atRest_(headAt({})), format_(scannerFormat(options)) {}
 
 SimulatedScan::RestingHead SimulatedScan::headAt(const HeadPose& pose) const {
@@ -50,30 +50,29 @@ void SimulatedScan::fillSlice(int volume, int slice, const RestingHead& head, Ra
     // Slices are measured one after the other, from the lowest to the highest.
     const double seconds =
         (volume + double(slice) / geometry_.nrOfSlices) * options_.repetitionTime / 1000.0;
-    const float steady = float(course_.saturation(volume) * (1.0 + course_.drift(seconds)));
-    const float pulsation = float(course_.pulsation(seconds));
+    const float steady = float(dynamics_.saturation(volume) * (1.0 + dynamics_.drift(seconds)));
+    const float pulsation = float(dynamics_.pulsation(seconds));
     std::array<float, HeadPhantom::nrOfConditions + 1> response{};
     for (int condition = 1; condition <= HeadPhantom::nrOfConditions; ++condition)
         response[size_t(condition)] =
-            float(options_.amplitude * course_.response(condition, seconds));
+            float(options_.amplitude * dynamics_.response(condition, seconds));
     const float noise = float(options_.noise);
     const size_t first = size_t(slice) * geometry_.sliceVoxels();
     for (size_t i = 0; i < geometry_.sliceVoxels(); ++i) {
         const size_t voxel = first + i;
         const float factor =
             steady + response[head.condition[voxel]] + pulsation * head.pulsation[voxel];
-        // A magnitude has no sign: noise in the air around the head turns positive.
+        // Magnitude images have no sign: noise in the air around the head becomes positive.
         const float value = std::fabs(head.signal[voxel] * factor + noise * random.gaussian());
         samples[voxel] = uint16_t(std::min(value, largestSample) + 0.5f);
     }
 }
 
 std::vector<uint16_t> SimulatedScan::volume(int volume) const {
-    const HeadPose pose = course_.pose(volume);
+    const HeadPose pose = dynamics_.pose(volume);
     const RestingHead moved = pose.isAtRest() ? RestingHead{} : headAt(pose);
     const RestingHead& head = pose.isAtRest() ? atRest_ : moved;
-    // The seeds of neighbouring volumes and runs are mixed before use, so that their noise is
-    // independent.
+    // Seeds of neighbouring volumes and runs are mixed, so that their noise is independent.
     RandomNumbers seeds(options_.seed);
     RandomNumbers random(
         seeds.bits() ^
@@ -115,11 +114,11 @@ bool SimulatedScan::writeProtocolHeader() const {
 }
 
 bool SimulatedScan::appendProtocol(int volume) const {
-    const ArrivingProtocol protocol = arrivingProtocol();
+    const GrowingProtocol protocol = growingProtocol();
     return !protocol.lines || appendToFile(protocol.path, protocol.lines(volume));
 }
 
-ArrivingProtocol SimulatedScan::arrivingProtocol() const {
+GrowingProtocol SimulatedScan::growingProtocol() const {
     if (options_.protocol == ProtocolKind::Prt)
         return {};
     return {paths::join(options_.folder, protocolFileName(options_)), [this](int volume) {

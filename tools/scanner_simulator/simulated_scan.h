@@ -1,16 +1,16 @@
-// One simulated run: its volumes, its files and the truth about it.
+// One simulated run: its volumes, its files and its ground truth.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "delivery.h"
 #include "head_phantom.h"
-#include "simulated_course.h"
+#include "simulated_dynamics.h"
 
 #include <vector>
 
 /// Volumes count from 0 and include the skipped ones; samples are stored x fastest, then y, then
-/// slices. Every volume depends on the options alone, so that volumes may be asked for in any
-/// order and again. Options must be free of problems (problemOf).
+/// slices. A volume depends on the options only, so volumes can be generated repeatedly and in any
+/// order. Options must be valid (problemOf).
 class SimulatedScan {
 public:
     explicit SimulatedScan(const SimulationOptions& options);
@@ -19,7 +19,7 @@ public:
     [[nodiscard]] const ScanGeometry& geometry() const { return geometry_; }
     /// Conditions in protocol order; 0 is the baseline.
     [[nodiscard]] const std::vector<SimulatedCondition>& conditions() const {
-        return course_.conditions();
+        return dynamics_.conditions();
     }
 
     /// Samples from 0 to 4095.
@@ -27,37 +27,37 @@ public:
     /// Names, below the watch folder, and bytes of the files of a volume, as the scanner writes
     /// them.
     [[nodiscard]] std::vector<ScannerFile> files(int volume) const;
-    /// Writes them below a folder, each whole or not at all; those that all volumes share grow by
-    /// this volume. False when one can't be written.
+    /// Writes them below a folder, each atomically; a file shared by all volumes grows by this
+    /// volume. False when one can't be written.
     [[nodiscard]] bool writeVolume(int volume, const QString& folder) const;
 
     /// How the scanner names and writes its files.
     [[nodiscard]] const ScannerFormat& format() const { return *format_; }
-    /// Folder into which the scanner writes: incoming/ in the session folder, or the folder of the
-    /// series below it.
+    /// Folder that the scanner writes to: incoming/ in the session folder, or the series folder
+    /// below it.
     [[nodiscard]] QString watchFolder() const;
-    /// Settings, whole protocol and truth of the session, with the folders that they need; see the
-    /// README of this tool for the files. False when a folder or file can't be written.
+    /// Settings, complete protocol and ground truth of the session, with their folders; the README
+    /// of this tool lists the files. False when a folder or file can't be written.
     [[nodiscard]] bool writeSettings() const;
     [[nodiscard]] bool writeProtocol() const;
     [[nodiscard]] bool writeTruth() const;
-    /// The protocol as it grows: what stands in it before the run, and what is added when a
-    /// volume has been measured. A protocol that is complete before the run doesn't grow.
+    /// The growing protocol: its content before the run, and the lines added after a volume. A
+    /// protocol that is complete before the run doesn't grow.
     [[nodiscard]] bool writeProtocolHeader() const;
     [[nodiscard]] bool appendProtocol(int volume) const;
     /// The same for a delivery.
-    [[nodiscard]] ArrivingProtocol arrivingProtocol() const;
+    [[nodiscard]] GrowingProtocol growingProtocol() const;
 
     /// Where the head is while a volume is measured.
-    [[nodiscard]] HeadPose pose(int volume) const { return course_.pose(volume); }
+    [[nodiscard]] HeadPose pose(int volume) const { return dynamics_.pose(volume); }
     /// One byte for each voxel of the head at rest: 1 where its centre lies in a region that
     /// responds to the condition. The baseline has none.
     [[nodiscard]] std::vector<uint8_t> activeVoxels(int condition) const;
-    /// The same for the brain, less its border, where a voxel also holds other tissue.
+    /// The same for the brain without its border, where voxels also hold other tissue.
     [[nodiscard]] std::vector<uint8_t> brainVoxels() const;
 
 private:
-    /// What doesn't change while the head is at rest.
+    /// The part that is constant while the head is at rest.
     struct RestingHead {
         std::vector<float> signal;
         std::vector<float> pulsation;
@@ -70,7 +70,7 @@ private:
     SimulationOptions options_;
     ScanGeometry geometry_;
     HeadPhantom phantom_;
-    SimulatedCourse course_;
+    SimulatedDynamics dynamics_;
     RestingHead atRest_;
     std::shared_ptr<const ScannerFormat> format_;
 };

@@ -30,7 +30,7 @@ constexpr ScannerTypeName typeNames[] = {
      "run001_00001.img, a volume each, with .hdr"},
 };
 
-/// What a condition of a protocol has room for.
+/// Capacity of a condition in a protocol.
 constexpr int largestNrOfIntervals = 300;
 
 bool isFileName(const QString& name) {
@@ -39,7 +39,7 @@ bool isFileName(const QString& name) {
            !name.startsWith(';');
 }
 
-/// The folder marks know 99 series.
+/// The folder marks allow for 99 series.
 constexpr int highestMarkedRun = 99;
 
 QString problemOfWatchFolder(const SimulationOptions& options) {
@@ -86,7 +86,7 @@ QString problemOfMosaic(const SimulationOptions& options) {
     return {};
 }
 
-/// An option that the type doesn't have.
+/// Options that the type doesn't have.
 QString problemOfVariant(const SimulationOptions& options) {
     using enum ScannerType;
     struct Variant {
@@ -125,7 +125,7 @@ const ScannerTypeName& nameOf(ScannerType type) {
 }
 
 int seriesNumber(const SimulationOptions& options) {
-    return 3 + options.run; // behind the localizers
+    return 3 + options.run; // after the localizers
 }
 
 QString problemOf(const SimulationOptions& options) {
@@ -162,7 +162,7 @@ QString problemOf(const SimulationOptions& options) {
                 .arg(range.value)
                 .arg(range.smallest)
                 .arg(range.largest);
-    // The baseline has every other block.
+    // Every other block is baseline.
     const int analysed = options.nrOfVolumes - options.nrOfVolumesToSkip;
     if ((analysed + options.blockLength - 1) / options.blockLength > 2 * largestNrOfIntervals)
         return QString("Blocks of %1 volumes give a condition more than %2 intervals.")

@@ -1,4 +1,4 @@
-// What is simulated: one run of one scanner on one head.
+// The options of a simulated run.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -22,19 +22,19 @@ enum class ScannerType {
     AnalyzeNw,
 };
 
-/// How a type is called.
+/// Names of a type.
 struct ScannerTypeName {
     ScannerType type;
     const char* word;     ///< on the command line
     const char* dataType; ///< in the settings file
-    const char* files;    ///< what is written, for the user
+    const char* files;    ///< example for the user
 };
 
 /// All types in the order of the enumeration.
 [[nodiscard]] std::span<const ScannerTypeName> scannerTypeNames();
 [[nodiscard]] const ScannerTypeName& nameOf(ScannerType type);
 
-/// How the settings name the folder into which the scanner writes.
+/// How the settings name the folder that the scanner writes to.
 enum class WatchFolderForm {
     Plain,
     SeriesMark, ///< "Ser<N>", for the newest of Ser0001, Ser0002, ...
@@ -65,20 +65,21 @@ struct SimulationOptions {
     double sliceDistance = 0.0; ///< millimetres between slice centres; 0: 100 mm over all slices
     int blockLength = 10;       ///< volumes of one block of the protocol
     double noise = 8.0;         ///< standard deviation in sample units
-    double amplitude = 0.025;   ///< full response of an active region, as a part of its signal
+    double amplitude = 0.025;   ///< full response of an active region, as a fraction of its signal
     HeadMotion motion = HeadMotion::None;
-    int smoothingWidth = 0; ///< millimetres at half maximum that the settings ask for; 0: none
+    int smoothingWidth = 0; ///< FWHM in the settings, millimetres; 0: none
     uint64_t seed = 1;
     ProtocolKind protocol = ProtocolKind::Prt;
     WatchFolderForm watchFolder = WatchFolderForm::Plain;
     bool rawDataBigEndian = false; ///< byte order of the types whose settings state it
-    bool fixedStudyNumber = false; ///< Siemens IMA: else it rises with each volume
+    bool fixedStudyNumber = false; ///< Siemens IMA: otherwise it rises with each volume
     int mosaicTiles = 0; ///< Siemens IMA: in a row and a column; 0: as few as hold all slices
     bool shuffledSlices = false; ///< GE HDxt: slices of a volume are written in any order
-    int imageTransformation = 2; ///< ANALYZE: 0 none, 1 half a turn, 2 rows from bottom to top
+    int imageTransformation =
+        2; ///< ANALYZE: 0 none, 1 rotated by 180 degrees, 2 rows from bottom to top
 };
 
-/// Number of the series that the scanner gives to a run.
+/// Series number of a run.
 [[nodiscard]] int seriesNumber(const SimulationOptions& options);
-/// What is wrong with the options, as a sentence for the user; empty when they can be simulated.
+/// What is wrong with the options, as a sentence for the user; empty when they are valid.
 [[nodiscard]] QString problemOf(const SimulationOptions& options);

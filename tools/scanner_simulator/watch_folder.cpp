@@ -28,7 +28,7 @@ QString seriesFolder(const SimulationOptions& options) {
     return {};
 }
 
-/// As the settings name it, below incoming/.
+/// The name in the settings, below incoming/.
 QString namedFolder(const SimulationOptions& options) {
     switch (options.watchFolder) {
     case WatchFolderForm::SeriesMark:

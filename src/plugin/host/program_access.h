@@ -1,10 +1,10 @@
-// The way in for the C functions of the plug-in interface, which are given no object to work on.
+// Global access to the program for the C functions of the plug-in interface, which get no object.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 class RunSession;
 
-/// What these functions reach of the running program. The main window implements it.
+/// The part of the program that these functions use. The main window implements it.
 class ProgramAccess {
 public:
     virtual ~ProgramAccess() = default;
@@ -12,6 +12,6 @@ public:
 };
 
 /// Null before the window is made and after it is gone. For the plug-in functions only: all other
-/// code is handed what it works on.
+/// code is passed the objects it needs.
 [[nodiscard]] ProgramAccess* programAccess();
 void setProgramAccess(ProgramAccess* program);

@@ -1,4 +1,4 @@
-// What the operator asks for, taken up by the session and the loop.
+// The operator's requests, polled by the session and the loop.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -6,21 +6,21 @@
 
 #include <QString>
 
-/// Written by controls and keys at any time, also while the loop processes events.
+/// Set by controls and keys at any time, also while the loop processes events.
 struct OperatorRequests {
-    /// Stops the loop after the volume that is being read. Set by a second press of the run button
-    /// and by Escape; cleared by the release of any key and by the loop that it stopped.
+    /// Stops the loop after the current volume. Set by a second press of the run button and by
+    /// Escape; cleared by the release of any key and by the loop when it stops.
     bool interruptFlag = false;
-    bool forceTRDelay = false;  ///< a replay is held to the TR
+    bool forceTRDelay = false;  ///< a replay keeps the pace of the TR
     int startOffsetSeconds = 0; ///< shift of the forced delay
 
-    int overlayVolumeMode = 0; ///< 0: the slices stay those of the first volume
+    int overlayVolumeMode = 0; ///< 0: the slices show the first volume
     bool overlayAfterPreprocessing = true;
     bool overlayReset = false;      ///< one-shot request for the first volume's slices
     int pendingOverlayInplane = -1; ///< -1: there are none; 1: shown
     int pendingOverlayVMR = -1;
     int pendingOverlaySRF = -1;
-    OverlayThresholds thresholds; ///< of the maps; those of the settings at each start
+    OverlayThresholds thresholds; ///< of the maps; reset from the settings at each start
 
     bool saveRTPs = false;
     bool saveROITimeCourses = false;
@@ -30,7 +30,7 @@ struct OperatorRequests {
     bool preLoadVOI = false;
     int logFontSize = 9; ///< points, of the panel
 
-    /// A second press of the run button: a forced delay ends too.
+    /// For a second press of the run button: also ends a forced delay.
     void stopRun() {
         interruptFlag = true;
         forceTRDelay = false;

@@ -1,4 +1,4 @@
-// The document: everything that belongs to one run, as parts that know nothing of each other.
+// The document: all data of one run, as independent parts.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -20,7 +20,7 @@
 #include <QString>
 #include <vector>
 
-/// Owns the parts of one run. Computing code takes the parts that it needs, never the document.
+/// Owns the data of one run. Algorithms are passed the parts they need, never the document.
 class QtCortivoDoc {
 public:
     enum class Kind { Functional, Anatomical };
@@ -32,7 +32,7 @@ public:
     [[nodiscard]] Kind kind() const { return kind_; }
 
     FMRProject project;
-    Volume workingVolume; ///< scratch of one volume
+    Volume workingVolume; ///< scratch memory for one volume
     MotionCorrection motion;
     SpatialSmoothing smoothing;
     StimulationProtocol protocol;
@@ -42,12 +42,12 @@ public:
     DesignMatrix design;
     ContrastDefinitions contrasts;
     BrainMask mask;
-    GLMState glm; ///< live while a run lasts
+    GLMState glm; ///< updated during a run
     FinishedModel finishedModel;
     StatisticalMaps maps;
 
     SliceImages slices;
-    InplaneScan inplanes; ///< without samples where the run has none
+    InplaneScan inplanes; ///< empty if the run has none
     SliceMosaicLayout mosaic;
     OverlayColors overlayColors;
     bool SignificanceColorCoding = false;
@@ -55,9 +55,9 @@ public:
     QString workingFolder; ///< of the settings file
     QString mapName = "<untitled>";
 
-    /// Colour tables after a change of contrasts or of the colour coding.
+    /// Recomputes the colour tables after a change of contrasts or of the colour coding.
     void updateOverlayColors();
-    /// The parts that the update of the model works on.
+    /// The parts that the model update needs.
     [[nodiscard]] GLMRun glmRun() { return {project, design, contrasts, mask, glm, maps}; }
 
 private:

@@ -16,7 +16,7 @@ RegionColorTable builtInRegionColors() {
     return table;
 }
 
-void takeRegionColors(const QString& text, RegionColorTable& colors) {
+void parseRegionColors(const QString& text, RegionColorTable& colors) {
     TokenStream stream(text);
     const int count = std::clamp(stream.integer(), 0, int(nrOfRegionColors));
     const auto channel = [&stream] { return std::clamp(stream.integer(), 0, 255); };

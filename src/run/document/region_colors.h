@@ -10,10 +10,9 @@
 inline constexpr size_t nrOfRegionColors = 20;
 using RegionColorTable = std::array<RgbColor, nrOfRegionColors>;
 
-/// Six colours that differ well, repeated.
+/// Six distinct colours, repeated.
 [[nodiscard]] RegionColorTable builtInRegionColors();
 
-/// Replaces the first entries by those of a text: a count, of which at most 20 are taken, then as
-/// many triples of red, green and blue, held within 0 to 255. A triple that is not complete ends
-/// it.
-void takeRegionColors(const QString& text, RegionColorTable& colors);
+/// Replaces the first entries by those of a text: a count, at most 20 of which are used, then as
+/// many triples of red, green and blue, clamped to 0 to 255. Stops at an incomplete triple.
+void parseRegionColors(const QString& text, RegionColorTable& colors);

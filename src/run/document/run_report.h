@@ -1,4 +1,4 @@
-// What run control reports of a run: how far it is, how long it takes, how it ended.
+// Progress, timing and outcome of a run.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -17,7 +17,7 @@ struct CycleTimes {
 
 /// Written by the session and the loop, read by everybody.
 struct RunReport {
-    int currentVolume = -1;       ///< index of the last volume that counts; -1 before a run
+    int currentVolume = -1;       ///< index of the last valid volume; -1 before a run
     int interruptedAtVolume = -1; ///< where the operator stopped the run
     qint64 elapsedRunTime = 0;    ///< milliseconds, set after every volume
     CycleTimes times;
@@ -27,10 +27,10 @@ struct RunReport {
     bool savedCompletely = true; ///< the run in memory is on disk, whole
     /// The latest start failed: only the run button and a newly chosen settings file work.
     bool startFailed = false;
-    /// How the latest run or reload ended, as the panel shows it until something newer happens.
+    /// Outcome of the latest run or reload, shown on the panel until something newer happens.
     QString outcomeText;
 
-    /// A new run, or none: nothing has been measured.
+    /// Resets for a new run, or for none: nothing has been measured.
     void forgetVolumes() {
         interruptedAtVolume = -1;
         currentVolume = -1;
@@ -41,8 +41,8 @@ struct RunReport {
     }
 };
 
-/// Volumes of the run in memory that were measured and count: those that its model has seen and
-/// that its files hold. Fewer than planned when the run ended early.
+/// Valid volumes of the run in memory: those in its model and its files. Fewer than planned when
+/// the run ended early.
 [[nodiscard]] inline int recordedVolumes(const RunReport& report, const FMRProject& project) {
     return std::clamp(report.currentVolume + 1, 0, int(project.volumes.size()));
 }

@@ -1,4 +1,4 @@
-// What a session is doing: the one place that says so.
+// What a session is doing.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -7,18 +7,18 @@ enum class Phase {
     Preparing,      ///< from the press of the run button to the first pass of the loop
     Recording,      ///< the volume loop, from its start to its end
     Saving,         ///< from the end of the loop until the run is on disk
-    Reloading,      ///< a finished run comes back from disk
+    Reloading,      ///< a finished run is loaded from disk
     PostProcessing, ///< the volumes in memory are changed and written under new names
 };
 
-/// Owned by the session. Menus, controls, the timer and every slot ask it what may happen now.
+/// Owned by the session. Menus, controls, the timer and all slots query it for what is allowed now.
 class SessionPhase {
 public:
     [[nodiscard]] Phase now() const { return now_; }
     [[nodiscard]] bool isIdle() const { return now_ == Phase::Idle; }
-    /// From the start of the volume loop to its end and at no other time.
+    /// True exactly while the volume loop runs.
     [[nodiscard]] bool runActive() const { return now_ == Phase::Recording; }
-    /// There is a run that can be asked to stop.
+    /// True when there is a run that can be stopped.
     [[nodiscard]] bool canBeStopped() const {
         return now_ == Phase::Preparing || now_ == Phase::Recording;
     }
@@ -28,8 +28,7 @@ private:
     Phase now_ = Phase::Idle;
 };
 
-/// The session is in this phase, or in one that work inside enters, until the scope ends; it is
-/// idle then.
+/// Enters a phase; work inside may enter others. The session is idle again when the scope ends.
 class PhaseScope {
 public:
     PhaseScope(SessionPhase& phase, Phase first) : phase_(phase) { phase_.enter(first); }

@@ -11,8 +11,8 @@ namespace {
 constexpr int nrOfSampleValues = 65536;
 constexpr int largestSample = nrOfSampleValues - 1;
 
-/// The display window limited to what a sample can hold, at least one value wide. A window of no
-/// width splits the samples into black and white at `low`, which is the limit of a narrow one.
+/// The display window clamped to the range of a sample, at least one value wide. A window of zero
+/// width splits the samples into black and white at `low`, like a very narrow one.
 struct DisplayWindow {
     int low;
     int high;
@@ -45,7 +45,7 @@ void paintSlice(QImage& image, const int16_t* samples, const DisplayWindow& wind
     }
 }
 
-/// Paints one slice of the samples into each of the images, which they fill.
+/// Paints one slice of the samples into each image; the samples must fill them.
 void paintSlices(std::vector<QImage>& images, std::span<const int16_t> samples,
                  const GreyScale& scale) {
     const DisplayWindow window(scale);
@@ -57,7 +57,7 @@ void paintSlices(std::vector<QImage>& images, std::span<const int16_t> samples,
     }
 }
 
-/// Images of this size; none when so many samples don't fill them or memory runs out.
+/// Images of this size; none when this number of samples doesn't fill them or memory runs out.
 std::vector<QImage> blankSlices(size_t nrOfSamples, const VolumeSize& size) {
     if (size.samples() == 0 || nrOfSamples / size.sliceSamples() < size_t(size.slices) ||
         !memoryIsAvailable(size.samples(), sizeof(uint32_t)))
@@ -93,7 +93,7 @@ std::array<uint32_t, GreyScale::nrOfGradations> GreyScale::table() const {
         uint32_t color = 0xff;
         for (const float channelGain : gain) {
             const float level = float(i) * 255.0f / float(nrOfGradations - 1) * channelGain;
-            // The order of the comparison lets a gain that is no number end as black.
+            // With this order of comparison a NaN gain gives black.
             const float limited = level > 0.0f ? std::min(level, 255.0f) : 0.0f;
             color = color << 8 | uint32_t(std::lround(limited));
         }

@@ -6,7 +6,6 @@
 #include "run/loop/run_model.h"
 #include "run/loop/run_preparation.h"
 #include "run/loop/status_text.h"
-#include "run/protocol/condition_index.h"
 #include "run/protocol/prt_file.h"
 #include "run/settings/settings_file.h"
 #include "stats/contrast_file.h"

@@ -6,7 +6,7 @@
 #include "run/loop/run_model.h"
 #include "run/loop/run_protocol.h"
 #include "run/loop/status_text.h"
-#include "run/protocol/condition_index.h"
+#include "run/protocol/stimulation_protocol.h"
 #include "stats/clusters.h"
 
 namespace {

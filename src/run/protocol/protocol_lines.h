@@ -1,4 +1,4 @@
-// What the two protocols that arrive during a run have in common: reading values, adding up times.
+// Common parts of the two protocols that arrive during a run: contrasts, results, values of lines.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -10,28 +10,49 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <vector>
 
-/// What reading the header of such a protocol came to.
+/// Contrasts that a protocol asks for or defines.
+struct ProtocolContrasts {
+    enum class Source {
+        None,
+        ContrastFile, ///< the one in the settings
+        Generated,    ///< automatic ones, of `level`
+        Table,
+    };
+    struct Contrast {
+        QString name;
+        std::vector<int> weights; ///< one for each condition of the protocol
+        int selectionState = 1;   ///< 0 off, 1 positive, 2 negative, 3 both
+        RgbColor color;
+    };
+
+    Source source = Source::None;
+    int level = 0;
+    std::vector<Contrast> table;
+};
+
+/// Result of parsing the header of such a protocol.
 struct HeaderParsing {
     bool good = false;
-    QString message;      ///< what the operator is told when it is not
-    qsizetype length = 0; ///< characters of the text that are header
+    QString message;      ///< for the operator when it is not good
+    qsizetype length = 0; ///< of the header, in characters of the text
 };
 
-/// What one line did.
+/// Effect of one line.
 struct LineEffect {
-    bool intervalsChanged = false; ///< and with them, the design
-    QString message;               ///< what the operator is told; empty: nothing
+    bool intervalsChanged = false; ///< so the design is outdated
+    QString message;               ///< for the operator; empty for none
 };
 
-/// What one call of an update did.
+/// Effect of one update.
 struct ProtocolUpdate {
     bool lineTaken = false;
     bool intervalsChanged = false;
 };
 
-/// Tells the operator of lines, in boxes that hold up neither the run nor its time-outs. Of a
-/// broken file the first ones say enough; more would cover the screen.
+/// Shows messages about lines in modeless boxes, which delay neither the run nor its time-outs.
+/// Only the first few, since a damaged file would cover the screen with them.
 class LineMessages {
 public:
     void show(const QString& message) {
@@ -44,21 +65,21 @@ private:
     int shown_ = 0;
 };
 
-/// The nearest time that an interval can hold.
-[[nodiscard]] inline int asTime(double time) {
+/// A time clamped to what an interval can hold.
+[[nodiscard]] inline int clampedTime(double time) {
     constexpr double largest = std::numeric_limits<int>::max();
     return int(std::clamp(time, -largest, largest));
 }
 
-/// The next word as a time; decimals are cut. Nothing when it is no number or too large a one.
-[[nodiscard]] inline std::optional<int> takeTime(TokenStream& stream) {
+/// The next word as a time, truncated to an integer. Nothing when it is not a number or too large.
+[[nodiscard]] inline std::optional<int> readTime(TokenStream& stream) {
     const double time = stream.real();
     if (stream.failed() || std::abs(time) > double(std::numeric_limits<int>::max()))
         return std::nullopt;
     return int(time);
 }
 
-/// A colour with its channels held within 0 and 255.
+/// A colour with its channels clamped to 0 to 255.
 [[nodiscard]] inline RgbColor validColor(int red, int green, int blue) {
     return {std::clamp(red, 0, 255), std::clamp(green, 0, 255), std::clamp(blue, 0, 255)};
 }

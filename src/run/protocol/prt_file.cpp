@@ -24,7 +24,7 @@ bool reportBadProtocol(const PRTParsing& parsing, const QString& path) {
     return false;
 }
 
-// The name of the project with the extension of a protocol.
+// The project's name with the extension of a protocol.
 QString nameOfRecording(const QString& projectFileName) {
     const QString name = paths::fileName(paths::withForwardSlashes(projectFileName));
     const qsizetype dot = name.lastIndexOf('.');

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/memory.h"
 #include "base/text_reading.h"
-#include "run/protocol/prt_text.h"
+#include "run/protocol/prt_file.h"
 
 #include <limits>
 
 namespace {
 
 constexpr int maximumQuotedButtons = 255;
-// A name, a count, a key and three numbers, with what stands between them.
+// A name, a count, a key and three numbers, with their separators.
 constexpr qsizetype shortestCondition = 11;
 // A key and a count.
 constexpr qsizetype shortestResponseCondition = 3;
@@ -31,11 +31,11 @@ private:
     RgbColor keyAndColor();
     RgbColor color();
     int keyAndInteger();
-    /// The next word, which stays in the stream.
+    /// The next word, without consuming it.
     QString nextWord();
     /// The next line that is not blank.
     QString nextLine();
-    /// True when that many records can stand in the rest of the text and in memory.
+    /// True when the rest of the text and memory have room for that many records.
     bool countIsPossible(int count, qsizetype shortest);
     bool isRoomLeft(const ProtocolCondition& condition);
     bool damaged(const QString& what);
@@ -52,7 +52,7 @@ PRTParsing PRTParser::parse(bool withResponses) {
     if (readHeader() && readConditions()) {
         if (protocol_.resolutionOfTime == ResolutionOfTime::Volumes)
             takeSegments();
-        // A protocol that was written by hand often has no such table.
+        // Protocols written by hand often lack this table.
         if (withResponses && !stream_.atEnd() && !readResponseConditions() &&
             parsing_.result == PRTResult::Good)
             damaged("the response table can not be read");
@@ -63,7 +63,7 @@ PRTParsing PRTParser::parse(bool withResponses) {
 bool PRTParser::readHeader() {
     protocol_.protocolFileVersion = 1;
     protocol_.resolutionOfTime = ResolutionOfTime::Volumes;
-    // Without the line of the version the word is the key of the experiment.
+    // Without a version line this word is the key of the experiment.
     if (stream_.word() == "FileVersion:") {
         protocol_.protocolFileVersion = stream_.integer();
         readResolution();
@@ -78,8 +78,8 @@ bool PRTParser::readHeader() {
     return !stream_.failed() || damaged("its header can not be read");
 }
 
-// Leaves the stream behind the key of the experiment. Some files of version 1 have a line for the
-// version and still none for the resolution.
+// Advances past the key of the experiment. Some files of version 1 have a version line but no line
+// for the resolution.
 void PRTParser::readResolution() {
     if (protocol_.protocolFileVersion < 2 && tokensAgree(nextWord(), "Experiment:")) {
         stream_.word();
@@ -216,7 +216,8 @@ bool PRTParser::damaged(const QString& what) {
     return false;
 }
 
-// Twice the mean length of all intervals, and where the last one that starts the run ends.
+// SegmentSize is twice the mean length of all intervals; SegmentOffset is the end of the last
+// interval that starts at volume 1.
 void PRTParser::takeSegments() {
     double sum = 0.0;
     int count = 0;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/file_writing.h"
-#include "run/protocol/prt_text.h"
+#include "run/protocol/prt_file.h"
 
 namespace {
 
-// A name fills one line of its own, so it holds no line ends and is not empty.
+// A name fills one line, so it must not be empty or contain line ends.
 QByteArray nameLine(QString name) {
     name.replace('\n', ' ').replace('\r', ' ');
     return name.trimmed().isEmpty() ? QByteArray(untitledExperiment) : name.toUtf8();

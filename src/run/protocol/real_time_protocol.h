@@ -2,48 +2,47 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "run/protocol/arriving_lines.h"
-#include "run/protocol/protocol_contrasts.h"
+#include "run/protocol/growing_text_file.h"
 #include "run/protocol/protocol_lines.h"
 
-/// How far a run goes.
+/// Length of a run.
 struct RunLength {
     int nrOfAnalysedVolumes = 0;
     float TR = 2000.0f; ///< milliseconds
 };
 
-/// What is known of such a protocol beside its conditions and intervals.
+/// State of such a protocol besides its conditions and intervals.
 struct RealTimeProtocolState {
-    /// Values of these magnitudes and above are none: as weights they would drown the model.
+    /// Values from this magnitude on are invalid: as weights they would swamp the model.
     static constexpr double valueLimit = 1e6;
 
-    bool rtpHasBaseline = false;    ///< the first condition is no predictor
+    bool rtpHasBaseline = false;    ///< the first condition is not a predictor
     std::vector<float> rtpPrevious; ///< these three: one value for each predictor condition
     std::vector<float> rtpCurrent;  ///< of the latest line
-    std::vector<float> rtpWeights;  ///< with which each condition began last
-    std::vector<bool> holds;        ///< for each condition: its last interval has not ended
+    std::vector<float> rtpWeights;  ///< at the latest onset of each condition
+    std::vector<bool> holds;        ///< for each condition: its last interval is open
     bool rtpFirstLine = true;
-    bool rtpFinished = false;       ///< "SCAN END" has come
-    bool rtpAllZero = true;         ///< no condition holds, by the latest line
-    bool rtpPreviousAllZero = true; ///< by the line before
+    bool rtpFinished = false;       ///< "SCAN END" was read
+    bool rtpAllZero = true;         ///< no condition holds as of the latest line
+    bool rtpPreviousAllZero = true; ///< as of the line before
     bool rewardParadigm = false;    ///< Motion, Fixation, Stimulus and Reward are all declared
-    bool baselineMisplaced = false; ///< a condition behind the first is no predictor
-    ProtocolContrasts contrasts;    ///< what the header says on contrasts
+    bool baselineMisplaced = false; ///< a condition after the first is not a predictor
+    ProtocolContrasts contrasts;    ///< from the header
 };
 
-/// Reads the header from the text of a file, word by word; key words are skipped, not compared.
+/// Parses the header from the text of a file, word by word; keywords are skipped, not compared.
 [[nodiscard]] HeaderParsing parseRTPHeader(const QString& text, StimulationProtocol& protocol,
                                            RealTimeProtocolState& state);
 
-/// Takes one line that is not blank. A line with too few values, or with one that is no finite
+/// Applies one line that is not blank. A line with too few values, or with one that is not a finite
 /// number below valueLimit, has no effect at all; a value below 0 counts as 0.
-[[nodiscard]] LineEffect takeRTPLine(const QString& line, const RunLength& run,
-                                     StimulationProtocol& protocol, RealTimeProtocolState& state);
+[[nodiscard]] LineEffect applyRTPLine(const QString& line, const RunLength& run,
+                                      StimulationProtocol& protocol, RealTimeProtocolState& state);
 
 /// The protocol of a run with its file.
 struct RealTimeProtocol {
     RealTimeProtocolState state;
-    ArrivingLines lines;
+    GrowingTextFile lines;
     LineMessages messages;
 };
 
@@ -51,6 +50,6 @@ struct RealTimeProtocol {
 [[nodiscard]] bool readRTPFile(const QString& path, StimulationProtocol& protocol,
                                RealTimeProtocol& realTime);
 
-/// Takes one line, if a whole one has come; closes the file at "SCAN END".
+/// Applies the next line if it is complete; closes the file at "SCAN END".
 ProtocolUpdate readRTPUpdate(const RunLength& run, StimulationProtocol& protocol,
                              RealTimeProtocol& realTime);

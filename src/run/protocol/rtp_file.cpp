@@ -20,10 +20,10 @@ bool readRTPFile(const QString& path, StimulationProtocol& protocol, RealTimePro
         showWarning(QStringLiteral("ERROR: Specified RTP file: \"%1\" not found!").arg(path));
         return false;
     }
-    // A file that can't be written to can't be appended to either: better told now than by a
-    // time-out in the run.
+    // A file that can't be written to can't be appended to either: better reported now than by a
+    // time-out during the run.
     if (!realTime.lines.open(path, QIODevice::ReadWrite | QIODevice::ExistingOnly,
-                             ArrivingLines::LineEnd::CarriageReturnOrLineFeed)) {
+                             GrowingTextFile::LineEnd::CarriageReturnOrLineFeed)) {
         showWarning(QStringLiteral("ERROR: Can not open RTP file: \"%1\" !\n\nCheck the "
                                    "\"WatchFolder\" and start again.\n")
                         .arg(path));
@@ -47,11 +47,11 @@ bool readRTPFile(const QString& path, StimulationProtocol& protocol, RealTimePro
 ProtocolUpdate readRTPUpdate(const RunLength& run, StimulationProtocol& protocol,
                              RealTimeProtocol& realTime) {
     QString line;
-    const ArrivingLines::Taken taken = realTime.lines.take(line);
-    if (taken == ArrivingLines::Taken::Nothing)
+    const GrowingTextFile::ReadResult result = realTime.lines.readLine(line);
+    if (result == GrowingTextFile::ReadResult::Nothing)
         return {};
-    // A line that was left out is one whose values can't be read.
-    const LineEffect effect = takeRTPLine(line, run, protocol, realTime.state);
+    // A skipped line counts as one whose values can't be read.
+    const LineEffect effect = applyRTPLine(line, run, protocol, realTime.state);
     realTime.messages.show(effect.message);
     if (realTime.state.rtpFinished)
         realTime.lines.close();

@@ -6,11 +6,11 @@
 
 namespace {
 
-// Two quotes, three numbers and a word, with the blanks that part them.
+// Two quotes, three numbers and a word, with the blanks between them.
 constexpr qsizetype shortestCondition = 8;
 // Two quotes, a selection state and three numbers, with the blanks that part them.
 constexpr qsizetype shortestContrast = 9;
-// The first interval of the baseline reaches to here, whatever the unit.
+// End of the first interval of the baseline, whatever the unit.
 constexpr int openEnd = 100000;
 
 class RTPHeaderParser {
@@ -32,7 +32,7 @@ private:
     RgbColor color();
     RgbColor keyAndColor();
     int keyAndInteger();
-    /// True when that many records can stand in the rest of the text.
+    /// True when the rest of the text has room for that many records.
     bool countIsPossible(int count, qsizetype shortest);
     bool damaged(const QString& what);
 
@@ -105,7 +105,7 @@ bool RTPHeaderParser::readCondition(QStringList& names) {
     if (!readDelimitedString('"', name, stream_))
         return false;
     names << name;
-    // Not by its name: two conditions of one name still have a value each in every line.
+    // Not by name: two conditions of the same name still have a value each in every line.
     ProtocolCondition& condition = protocol_.conditions.emplace_back();
     condition.name = name.left(ProtocolCondition::maximumNameLength);
     condition.color = color();

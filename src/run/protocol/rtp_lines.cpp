@@ -3,7 +3,7 @@
 
 namespace {
 
-// The end of an interval that holds until a later line ends it.
+// Provisional end of an interval, until a later line ends it.
 constexpr int farEndVolumes = 1000;
 constexpr int farEndMilliseconds = 1000000;
 
@@ -23,10 +23,12 @@ private:
     void takeBaseline();
     void beginInterval(int condition);
     void endInterval(int condition, int end);
-    /// The last unit of time before the line's.
-    [[nodiscard]] int before() const { return asTime(double(time_) - (inVolumes_ ? 1.0 : 0.0)); }
+    /// The last time unit before that of the line.
+    [[nodiscard]] int before() const {
+        return clampedTime(double(time_) - (inVolumes_ ? 1.0 : 0.0));
+    }
     void cover(double milliseconds) {
-        protocol_.coveredTime = std::max(protocol_.coveredTime, asTime(milliseconds));
+        protocol_.coveredTime = std::max(protocol_.coveredTime, clampedTime(milliseconds));
     }
 
     const RunLength& run_;
@@ -52,15 +54,16 @@ LineEffect RTPLine::take(const QString& line) {
 
 void RTPLine::endScan() {
     const int volumes = run_.nrOfAnalysedVolumes;
-    protocol_.coveredTime = asTime((volumes + 1.0) * double(run_.TR));
+    protocol_.coveredTime = clampedTime((volumes + 1.0) * double(run_.TR));
     state_.rtpFinished = true;
     if (state_.rtpHasBaseline && state_.rtpPreviousAllZero)
-        endInterval(0, inVolumes_ ? volumes : asTime(volumes * double(run_.TR)));
+        endInterval(0, inVolumes_ ? volumes : clampedTime(volumes * double(run_.TR)));
 }
 
-// All of a line is read before any of it is used, so that one with too few values does nothing.
+// A line is read completely before any of it is used, so that one with too few values has no
+// effect.
 bool RTPLine::readValues(TokenStream stream) {
-    const std::optional<int> time = takeTime(stream);
+    const std::optional<int> time = readTime(stream);
     for (float& value : state_.rtpCurrent) {
         const double read = stream.real();
         if (stream.failed() || std::abs(read) >= RealTimeProtocolState::valueLimit)
@@ -107,11 +110,11 @@ void RTPLine::takeBaseline() {
 void RTPLine::beginInterval(int condition) {
     const int length = inVolumes_ ? farEndVolumes : farEndMilliseconds;
     state_.holds[size_t(condition)] =
-        protocol_.addInterval(condition, time_, asTime(double(time_) + length));
+        protocol_.addInterval(condition, time_, clampedTime(double(time_) + length));
     effect_.intervalsChanged = true;
 }
 
-// An interval that found no room has not to end another one.
+// An interval that didn't fit must not end another one.
 void RTPLine::endInterval(int condition, int end) {
     if (!state_.holds[size_t(condition)])
         return;
@@ -123,7 +126,7 @@ void RTPLine::endInterval(int condition, int end) {
 
 } // namespace
 
-LineEffect takeRTPLine(const QString& line, const RunLength& run, StimulationProtocol& protocol,
-                       RealTimeProtocolState& state) {
+LineEffect applyRTPLine(const QString& line, const RunLength& run, StimulationProtocol& protocol,
+                        RealTimeProtocolState& state) {
     return RTPLine(run, protocol, state).take(line);
 }

@@ -48,6 +48,13 @@ bool appendInterval(ConditionTable& table, int index, int from, int to) {
     return true;
 }
 
+bool holdsAt(const ProtocolCondition& condition, double moment) {
+    for (size_t i = 0; i < size_t(condition.nrOfIntervals); ++i)
+        if (condition.from[i] <= moment && moment <= condition.to[i])
+            return true;
+    return false;
+}
+
 } // namespace
 
 void ProtocolCondition::setButtons(size_t interval, const QString& text) {
@@ -58,7 +65,7 @@ void ProtocolCondition::setButtons(size_t interval, const QString& text) {
 }
 
 void StimulationProtocol::clearProtocol() {
-    // Memory goes back as well: a record is large.
+    // Also frees the memory: a record is large.
     std::vector<ProtocolCondition>().swap(conditions);
     std::vector<ProtocolCondition>().swap(responseConditions);
     hasResponses = false;
@@ -73,7 +80,7 @@ int StimulationProtocol::conditionIndex(const QString& name) {
         return index;
     if (acceptNewConditions)
         return append(conditions, known);
-    // A log repeats its names, and a broken one has any number of them.
+    // A log repeats its names, and a damaged one may have any number of them.
     constexpr qsizetype mostWarnings = 5;
     if (unexpectedConditions.contains(known) || unexpectedConditions.size() >= mostWarnings)
         return -1;
@@ -116,4 +123,24 @@ void StimulationProtocol::setResponseValues(int condition, int timeOfResponse, i
 
 bool isProtocolPathSet(const QString& path) {
     return !path.isEmpty() && path != "<none>";
+}
+
+int conditionAtVolume(const StimulationProtocol& protocol, int volumeIndex, float TR) {
+    if (volumeIndex < 0)
+        return -1;
+    const double moment = protocol.resolutionOfTime == ResolutionOfTime::Volumes
+                              ? volumeIndex + 1.0
+                              : double(volumeIndex) * double(TR);
+    for (int condition = 0; condition < protocol.nrOfConditions(); ++condition)
+        if (holdsAt(protocol.conditions[size_t(condition)], moment))
+            return condition;
+    return -1;
+}
+
+std::vector<int> volumeConditionIndex(const StimulationProtocol& protocol, int nrOfVolumes,
+                                      float TR) {
+    std::vector<int> conditions(size_t(std::max(nrOfVolumes, 0)));
+    for (size_t volume = 0; volume < conditions.size(); ++volume)
+        conditions[volume] = conditionAtVolume(protocol, int(volume), TR);
+    return conditions;
 }

@@ -13,12 +13,12 @@
 
 inline constexpr const char* untitledExperiment = "<untitled>";
 
-/// Most conditions, or contrasts, that a file may declare. A design has 50 columns, the record of a
-/// condition is large, and every volume looks through all of them.
+/// Largest number of conditions, or contrasts, in a file. A design has 50 columns, the record of a
+/// condition is large, and every volume searches all of them.
 inline constexpr int maximumTableEntries = 1000;
 
-/// One condition: a fixed record with room for 300 intervals, so that an interval can be added
-/// during a run without allocation.
+/// One condition: a fixed record with room for 300 intervals, so that adding an interval during a
+/// run doesn't allocate.
 struct ProtocolCondition {
     static constexpr int maximumIntervals = 300;
     static constexpr int maximumNameLength = 255;
@@ -34,7 +34,7 @@ struct ProtocolCondition {
     std::array<int, maximumIntervals> accuracy{};
     std::array<int, maximumIntervals> omission{};
     std::array<std::array<char, maximumButtonsLength + 1>, maximumIntervals> buttons{};
-    bool lossReported = false; ///< the operator knows that the record is full
+    bool lossReported = false; ///< a full record has been reported
 
     /// Sets the buttons of an interval below maximumIntervals; the first 10 characters are kept.
     void setButtons(size_t interval, const QString& text);
@@ -55,9 +55,9 @@ struct StimulationProtocol {
     std::vector<ProtocolCondition> conditions;
     std::vector<ProtocolCondition> responseConditions;
     bool hasResponses = false;
-    int coveredTime = 0; ///< how far the protocol is known, scaled to milliseconds
+    int coveredTime = 0; ///< time up to which the protocol is known, scaled to milliseconds
     bool acceptNewConditions = true;
-    QStringList unexpectedConditions; ///< unknown names that the operator has been told of
+    QStringList unexpectedConditions; ///< unknown names already reported
 
     /// Segment values for the project file, from a protocol in volumes.
     int SegmentSize = 10;
@@ -71,22 +71,31 @@ struct StimulationProtocol {
     [[nodiscard]] int nrOfConditions() const { return int(conditions.size()); }
     [[nodiscard]] int nrOfResponseConditions() const { return int(responseConditions.size()); }
 
-    /// Frees both tables; the experiment is untitled again.
+    /// Frees both tables and resets the experiment's name.
     void clearProtocol();
     /// Index of an exact name. An unknown name is appended when acceptNewConditions is set; else
-    /// the result is -1, after a warning that holds nobody up, the first time for this name.
+    /// the result is -1, with a modeless warning the first time.
     int conditionIndex(const QString& name);
-    /// The same for the response table, always appending.
+    /// The same for the response table, but always appends.
     int responseConditionIndex(const QString& name);
-    /// Appends one interval without responses. A full record or an index out of range leaves the
-    /// table as it is: the first such loss of a condition is reported, in a box that holds nobody
-    /// up, and false returned.
+    /// Appends one interval without responses. False, with the table unchanged, when the record is
+    /// full or the index out of range; the first loss of a condition is reported in a modeless box.
     bool addInterval(int condition, int from, int to);
     bool addResponseInterval(int condition, int from, int to);
-    /// Writes into the last interval of a response condition; without one it does nothing.
+    /// Sets the values of the last interval of a response condition; does nothing without one.
     void setResponseValues(int condition, int timeOfResponse, int reactionTime, int accuracy,
                            int omission, const QString& buttons);
 };
 
-/// True when the run gets its protocol while it is measured.
+/// True when a path is set.
 [[nodiscard]] bool isProtocolPathSet(const QString& path); // neither empty nor "<none>"
+
+/// Index of the condition that holds at a volume, counted from 0 among the analysed ones; -1 when
+/// none does. In volumes an interval covers volumes from - 1 to to - 1; in milliseconds it holds
+/// when the volume's start, volumeIndex times TR (milliseconds), lies in it, both bounds included.
+/// Where intervals of two conditions overlap the one that stands first in the protocol wins.
+[[nodiscard]] int conditionAtVolume(const StimulationProtocol& protocol, int volumeIndex, float TR);
+
+/// conditionAtVolume() for the volumes from 0 to nrOfVolumes - 1.
+[[nodiscard]] std::vector<int> volumeConditionIndex(const StimulationProtocol& protocol,
+                                                    int nrOfVolumes, float TR);

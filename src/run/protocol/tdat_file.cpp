@@ -4,7 +4,7 @@
 
 bool readTDATFile(const QString& path, const QString& settingsFile, StimulationProtocol& protocol,
                   TDATProtocol& tdat, TDATSettings& settings) {
-    if (!tdat.lines.open(path, QIODevice::ReadOnly, ArrivingLines::LineEnd::LineFeed)) {
+    if (!tdat.lines.open(path, QIODevice::ReadOnly, GrowingTextFile::LineEnd::LineFeed)) {
         showWarning(QStringLiteral("ERROR: Can not open .tdat file !\n\nSet the \"WatchFolder\" in "
                                    "the \"%1\" file and start again.\n")
                         .arg(settingsFile));
@@ -25,13 +25,13 @@ bool readTDATFile(const QString& path, const QString& settingsFile, StimulationP
 
 ProtocolUpdate readTDATUpdate(StimulationProtocol& protocol, TDATProtocol& tdat) {
     QString line;
-    const ArrivingLines::Taken taken = tdat.lines.take(line);
-    if (taken == ArrivingLines::Taken::Nothing)
+    const GrowingTextFile::ReadResult result = tdat.lines.readLine(line);
+    if (result == GrowingTextFile::ReadResult::Nothing)
         return {};
-    // Nothing that the program looks for is in a line as long as that.
-    if (taken == ArrivingLines::Taken::TooLong)
+    // A line that long holds nothing the program looks for.
+    if (result == GrowingTextFile::ReadResult::TooLong)
         return {true, false};
-    const LineEffect effect = takeTDATLine(line, protocol, tdat.state);
+    const LineEffect effect = applyTDATLine(line, protocol, tdat.state);
     tdat.messages.show(effect.message);
     if (tdat.state.runEnded)
         tdat.lines.close();

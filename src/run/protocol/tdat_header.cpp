@@ -14,7 +14,7 @@ int integerOf(const QString& word) {
     return TokenStream(word).integer();
 }
 
-// Three numbers with commas between them; grey when they are none.
+// Three numbers separated by commas; grey when invalid.
 RgbColor colorOf(const QString& text) {
     const QStringList parts = text.split(',');
     std::array<int, 3> channels{128, 128, 128};
@@ -163,7 +163,7 @@ bool TDATHeaderParser::readCondition() {
         return true;
     }
     const std::vector<ProtocolCondition>& table = protocol_.conditions;
-    // The table grows by doubling, and both its copies are in memory then.
+    // The table grows by doubling, with both copies in memory for a moment.
     if (table.size() == table.capacity() &&
         !memoryIsAvailable(3 * (table.size() + 1), sizeof(ProtocolCondition)))
         return false;
@@ -203,8 +203,8 @@ void TDATHeaderParser::readContrast() {
         continue;
 }
 
-// A weight and the name of its condition. A row may weight all declared conditions or only some:
-// the next entry of the header ends it.
+// A weight and the name of its condition. A row may list only some conditions: the next entry of
+// the header ends it.
 bool TDATHeaderParser::readWeight(std::vector<int>& weights) {
     const QString weight = word();
     entryBegun_ = weight == "HEADER";
@@ -222,8 +222,8 @@ bool TDATHeaderParser::readWeight(std::vector<int>& weights) {
     return true;
 }
 
-// Entries name:r,g,b; of a file of an older version. Without a table of conditions they are what
-// declares them.
+// Entries name:r,g,b; of a file of an older version. Without a condition table they declare the
+// conditions.
 bool TDATHeaderParser::takeColors() {
     const bool declares = !hasConditionTable_ && protocol_.acceptNewConditions;
     const QStringList entries = state_.analysisOptions.split(';', Qt::SkipEmptyParts);

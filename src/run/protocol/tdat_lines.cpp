@@ -3,7 +3,7 @@
 
 namespace {
 
-// The end of an interval that holds until a later line ends it.
+// Provisional end of an interval, until a later line ends it.
 constexpr int farEnd = 1000000; // milliseconds
 constexpr const char* responseCondition = "RESPONSE";
 
@@ -21,10 +21,10 @@ private:
     void endEvent();
     void takeResponse();
     void badLine();
-    /// The event is the latest one from here on. Its condition is -1 when it is not in the model.
+    /// Makes this the latest event. `condition` is -1 when it is not in the model.
     void startEvent(const QString& name);
-    /// Of the line, on the clock of the protocol.
-    [[nodiscard]] int now() const { return asTime(double(time_) - state_.tdatTimeOrigin); }
+    /// Time stamp of the line, on the clock of the protocol.
+    [[nodiscard]] int now() const { return clampedTime(double(time_) - state_.tdatTimeOrigin); }
 
     const QString& line_;
     TokenStream stream_;
@@ -54,7 +54,7 @@ bool TDATLine::findScan() {
         previous = word;
     }
     TokenStream stamp(previous);
-    const std::optional<int> time = takeTime(stamp);
+    const std::optional<int> time = readTime(stamp);
     if (!time)
         badLine();
     time_ = time.value_or(0);
@@ -76,7 +76,7 @@ void TDATLine::takeScan() {
 
 void TDATLine::beginEvent(bool withEnd) {
     const QString name = stream_.word();
-    const std::optional<int> duration = withEnd ? takeTime(stream_) : farEnd;
+    const std::optional<int> duration = withEnd ? readTime(stream_) : farEnd;
     if (name.isEmpty() || !duration) {
         badLine();
         return;
@@ -85,8 +85,9 @@ void TDATLine::beginEvent(bool withEnd) {
     const double end = double(now()) + *duration;
     if (state_.tdatCurrentCondition < 0)
         return;
-    // An event that finds no room in its condition must not change the one before it at its end.
-    if (!protocol_.addInterval(state_.tdatCurrentCondition, now(), asTime(end)))
+    // An event that doesn't fit into its condition must not, when it ends, change the one before
+    // it.
+    if (!protocol_.addInterval(state_.tdatCurrentCondition, now(), clampedTime(end)))
         state_.tdatCurrentCondition = -1;
     effect_.intervalsChanged = true;
 }
@@ -106,7 +107,7 @@ void TDATLine::endEvent() {
                               .arg(state_.tdatEventWord, state_.tdatCurrentName);
         return;
     }
-    const std::optional<int> duration = takeTime(stream_);
+    const std::optional<int> duration = readTime(stream_);
     if (!duration) {
         badLine();
         return;
@@ -115,7 +116,7 @@ void TDATLine::endEvent() {
         return;
     ProtocolCondition& condition = protocol_.conditions[size_t(state_.tdatCurrentCondition)];
     const size_t last = size_t(condition.nrOfIntervals) - 1;
-    condition.to[last] = asTime(double(condition.from[last]) + *duration);
+    condition.to[last] = clampedTime(double(condition.from[last]) + *duration);
     effect_.intervalsChanged = true;
 }
 
@@ -132,7 +133,7 @@ void TDATLine::takeResponse() {
     if (!protocol_.hasResponses)
         return;
     const int condition = protocol_.responseConditionIndex(responseCondition);
-    if (protocol_.addResponseInterval(condition, now(), asTime(now() + 1.0)))
+    if (protocol_.addResponseInterval(condition, now(), clampedTime(now() + 1.0)))
         protocol_.setResponseValues(condition, now(), reactionTime, accuracy, omission, buttons);
 }
 
@@ -146,6 +147,6 @@ void TDATLine::badLine() {
 
 } // namespace
 
-LineEffect takeTDATLine(const QString& line, StimulationProtocol& protocol, TDATState& state) {
+LineEffect applyTDATLine(const QString& line, StimulationProtocol& protocol, TDATState& state) {
     return TDATLine(line, protocol, state).take();
 }

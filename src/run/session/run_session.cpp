@@ -41,7 +41,7 @@ void RunSession::runButtonPressed() {
     if (phase.canBeStopped())
         return requests.stopRun();
     if (phase.isIdle() && runButton_ != RunButtonState::NoSettingsFile)
-        report.startFailed = !inPhase(Phase::Preparing, [this] { return startRun(); });
+        inPhase(Phase::Preparing, [this] { return startRun(); });
 }
 
 void RunSession::requestStop() {
@@ -55,7 +55,9 @@ bool RunSession::inspectSettings() {
 
 void RunSession::changeSettingsFile(const QString& path) {
     listeners.settingsFileChanged();
-    report.forgetVolumes();
+    report.currentVolume = -1;
+    report.elapsedRunTime = 0;
+    report.outcomeText.clear();
     report.runFinished = false;
     report.startFailed = false;
     settings.settingsFilePath = path;
@@ -93,7 +95,7 @@ bool RunSession::recordRun() {
         return false;
     QString colors;
     if (!settings.ROIColorsFile.isEmpty() && readTextFile(settings.ROIColorsFile, colors))
-        takeRegionColors(colors, regionColors);
+        parseRegionColors(colors, regionColors);
     listeners.runPrepared(*functionalDocument);
     display_.updateViews();
     pump_.processEvents();

@@ -105,5 +105,5 @@ private:
     EventPump& pump_;
     RunDisplay& display_;
     RunButtonState runButton_ = RunButtonState::Ready;
-    bool clustersOutdated_ = false; ///< by a change outside the idle phase and the loop
+    bool clustersOutdated_ = false; ///< by a change outside the idle phase
 };

@@ -5,14 +5,14 @@
 #include "stats/clusters.h"
 #include "stats/thresholds.h"
 
-// During a run the loop finds the clusters of each volume anew; in the other phases, which process
-// events, the document belongs to the work that goes on.
+// Unless the session is idle the document belongs to the work that goes on. During a run the loop
+// finds the clusters of the next volume anew, but that may never come.
 void RunSession::mapsChanged() {
     if (phase.isIdle())
         computeClusterSizes(functionalDocument->maps, requests.thresholds,
                             functionalDocument->contrasts.ConjunctionAnalysis);
     else
-        clustersOutdated_ = !phase.runActive();
+        clustersOutdated_ = true;
     report.mapsPresent = true;
     display_.updateViews();
 }

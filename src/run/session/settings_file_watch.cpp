@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/session/settings_file_watch.h"
 
+#include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
 #include "run/loop/status_text.h"
-#include "run/session/sample_session.h"
 #include "run/session/settings_file_names.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 namespace {
@@ -15,6 +16,18 @@ constexpr int checkStateInterval = 1000; // milliseconds
 
 bool isFile(const QString& path) {
     return QFileInfo(path).isFile();
+}
+
+// Files that are there already are the user's and stay. The sample is a help, not a need: without
+// it the program starts all the same.
+void laySampleSession(const QString& folder) {
+    QDir().mkpath(folder);
+    const QDir source(":/sample_session");
+    for (const QString& name : source.entryList(QDir::Files)) {
+        QFile file(source.filePath(name));
+        if (!QFile::exists(folder + name) && file.open(QIODevice::ReadOnly))
+            static_cast<void>(writeFileAtomically(folder + name, file.readAll()));
+    }
 }
 
 } // namespace

@@ -18,7 +18,7 @@ QString bareName(const QString& path) {
     return paths::fileName(paths::withForwardSlashes(path));
 }
 
-// The text before and behind the last delimiter; found is false when there is none.
+// The text before and after the last delimiter; found is false when there is none.
 struct Split {
     QString before;
     QString behind;

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Reads the values of one file in their order. After the first failure nothing more is read.
+/// Reads the values of one file in order. Stops at the first failure.
 class MasterFileReader {
 public:
     MasterFileReader(const QString& text, const QString& filePath)
@@ -70,7 +70,7 @@ QString line(const char* key, const QString& value) {
     return QString(key).leftJustified(27) + value + '\n';
 }
 
-// True when the file brings the value back as it is. A file with another one could end the program
+// True when the value can be read back unchanged. A file with another value could end the program
 // at each start.
 bool canBeQuoted(const QString& value) {
     return value.size() < maximumQuotedLength && value == value.simplified() &&

@@ -1,4 +1,5 @@
-// The master file: which settings file is current, how runs follow each other, where the window is.
+// The master file: current settings file, auto-advance and auto-start, size and position of the
+// window.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -11,19 +12,19 @@ struct MasterFile {
     bool autoAdvanceRun = false; ///< go on to the next numbered settings file
     bool autoStartRun = false;   ///< start a run as soon as its settings file exists
     int windowSize = 2;          ///< 1: 1024 x 768, 2: 1280 x 1024
-    bool windowCentredX = true;  ///< the position follows from the screen
+    bool windowCentredX = true;  ///< centred on the screen
     bool windowCentredY = true;
-    int windowX = 0; ///< pixels; not used for a centred axis
+    int windowX = 0; ///< pixels; ignored for a centred axis
     int windowY = 0;
 };
 
 inline constexpr char masterFileName[] = "MasterVCO";
-/// Folder below the data folder, and settings file in it, that a first start points at.
+/// Folder below the data folder, and settings file in it, that are current after the first start.
 inline constexpr char sampleFolderName[] = "VCO_FacesHouses";
 inline constexpr char sampleSettingsName[] = "VCO_FacesHouses-1.vco";
 
-/// Parses the text of a master file, comments removed. A wrong key or a number that is missing
-/// shows its message, naming `filePath`, and ends the program with status 1; then false.
+/// Parses the text of a master file, comments removed. After a wrong key or a missing number shows
+/// a message that names `filePath`, ends the program with status 1, and returns false.
 [[nodiscard]] bool parseMasterFile(const QString& text, const QString& filePath,
                                    MasterFile& master);
 /// The text of a master file, version 2.
@@ -31,15 +32,15 @@ inline constexpr char sampleSettingsName[] = "VCO_FacesHouses-1.vco";
 
 enum class MasterFileResult {
     Read,
-    Created, ///< there was none: the sample session is current, and the file is written
-    Missing, ///< it can't be opened; the message has been shown
-    Failed,  ///< it could be neither read nor made
+    Created, ///< there was none; one that points at the sample session was written
+    Missing, ///< it can't be opened; a message has been shown
+    Failed,  ///< it could be neither read nor created
 };
 
-/// Reads `MasterVCO` in `folder` (with "/" at the end), or makes one that points at the sample
-/// folder in `dataPath`. Where nothing could be read, `master` keeps what it holds.
+/// Reads `MasterVCO` in `folder` (with "/" at the end), or creates one that points at the sample
+/// folder in `dataPath`. If nothing could be read, `master` is unchanged.
 [[nodiscard]] MasterFileResult readMasterFile(const QString& folder, const QString& dataPath,
                                               MasterFile& master);
-/// Writes `MasterVCO` in `folder`. False after its message: the file can't be written, or a folder
-/// or name has quotes, runs of blanks or a length that could not be read back.
+/// Writes `MasterVCO` in `folder`. False, after a message, when the file can't be written, or when
+/// quotes, runs of blanks or the length of a folder or name couldn't be read back.
 [[nodiscard]] bool writeMasterFile(const QString& folder, const MasterFile& master);

@@ -1,4 +1,4 @@
-// What one settings file (.vco) says about a run.
+// The content of one settings file (.vco).
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -7,9 +7,9 @@
 #include <QString>
 #include <QStringList>
 
-/// Fields named after the keys of the file, with the values that a new file is written with; below
-/// them what is derived while reading. Lengths are in millimetres, times in milliseconds unless the
-/// name says otherwise.
+/// Fields are named after the keys of the file and initialised with the values of a new file;
+/// derived values follow below. Lengths are in millimetres, times in milliseconds unless the name
+/// says otherwise.
 struct RunSettings {
     // Head of every file
     int FileVersion = 1;
@@ -83,7 +83,7 @@ struct RunSettings {
     bool SpatialGaussianSmoothing = false;
     float SpatialSmoothingFWHM = 4.0f;
     bool OverlayInplaneData = false;
-    QString OverlayInplaneFolder; ///< starts as the user's home folder
+    QString OverlayInplaneFolder; ///< initially the user's home folder
     QString OverlayInplaneDataType = "GE_I";
     QString OverlayInplaneFirstFileName = "I.001";
     int OverlayInplaneMatrixSizeX = 256;
@@ -120,18 +120,18 @@ struct RunSettings {
     int pendingOverlayInplane = -1; ///< -1 none, 0 or 1 available
     int pendingOverlayVMR = -1;
     int pendingOverlaySRF = -1;
-    bool forceTRDelayRead = false; ///< the file was new enough to have "ForceTRDelay:"
+    bool forceTRDelayRead = false; ///< the file's version has "ForceTRDelay:"
     bool settingsRead = false;
 
     // Filled when a run is prepared
     QStringList watchFolderList;
-    int watchFolderCount = 0; ///< the count as the list file states it
+    int watchFolderCount = 0; ///< the count stated in the list file
     float pixelSizeX = 0.0f;  ///< only for types whose image headers are not read
     float pixelSizeY = 0.0f;
 
-    /// The data type as the run compares it: upper case, with the spelling of the file.
+    /// The data type in upper case, otherwise spelt as in the file; the run compares it.
     QString documentDataType;
-    /// First file name as the run uses it: joined to the watch folder where it has no folder.
+    /// First file name, joined to the watch folder if it has no folder.
     QString documentFirstFileName;
 
     /// 1 little endian, 2 big endian, from "RawDataBigEndian:".

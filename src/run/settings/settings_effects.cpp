@@ -1,4 +1,4 @@
-// What follows from the values of a settings file while it is read.
+// Effects of the values of a settings file while it is read.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/settings/first_file_names.h"
 #include "run/settings/settings_paths.h"
@@ -15,7 +15,7 @@ constexpr int maximumMatrix = 4096;
 constexpr int maximumSlices = 4096;
 
 bool canBeRead(const QString& path) {
-    // Opening a pipe would wait for its other end.
+    // Opening a pipe would block until its other end is opened.
     QFile file(path);
     return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
 }
@@ -137,7 +137,7 @@ bool SettingsReader::checkMatrix() {
                                 "respective entries in settings file!");
 }
 
-// The other types have it in their image headers.
+// The other types get it from their image headers.
 void SettingsReader::takePixelSize() {
     const QStringList types{"PHILIPS_REC", "PHILIPSRECDATA", "ANALYZE_NW", "PHILIPS_ANALYZE_DRIN",
                             "2DSEQ_MPI"};
@@ -181,7 +181,7 @@ bool SettingsReader::checkInplaneFolder() {
             .arg(settings_.OverlayInplaneFolder, settings_.settingsFilePath));
 }
 
-// The modes go with their files: a file of version 1 has neither.
+// The modes are cleared with their files: a file of version 1 has neither.
 void SettingsReader::clearOverlays() {
     for (QString RunSettings::*file :
          {&RunSettings::FMRVMRAlignVMRPosFile, &RunSettings::IntraSessionVMRFile,

@@ -5,7 +5,7 @@ namespace {
 
 using Condition = bool (*)(const RunSettings&);
 
-// A line of the table below, and what is added to it in the order in which it reads best.
+// An entry of the table below, with chained setters.
 struct Entry : SettingsField {
     Entry(ValueKind valueKind, const char* name, SettingsMember where) {
         kind = valueKind;
@@ -54,8 +54,8 @@ struct Entry : SettingsField {
 using S = RunSettings;
 using enum ValueKind;
 
-// Sizes beyond these are errors of typing; with them nothing that is computed from the product of
-// matrix, slices and volumes leaves 64 bits.
+// Larger sizes are typing errors. Within these limits the product of matrix, slices and volumes
+// fits into 64 bits.
 constexpr double maximumMatrix = 4096;
 constexpr double maximumMosaic = 16384;
 constexpr double maximumVolumes = 1000000;
@@ -164,7 +164,7 @@ void addFolders(Table& t) {
     add(Entry(Word, "DataType:", &S::DataType).then(FieldEffect::DataType).blankLine());
 }
 
-// The blocks of all types in one list: where two types share keys they have them in the same order.
+// The blocks of all types in one list: types that share keys have them in the same order.
 void addTypeBlock(Table& t) {
     const auto add = [&](Condition condition, Entry entry) {
         t.push_back(entry.onlyIf(condition));
@@ -230,7 +230,7 @@ void addNamesAndTimes(Table& t) {
     add(Entry(Real, "InterSliceTime:", &S::InterSliceTime).blankLine());
     add(Entry(Path, "ROIColorsFile:", &S::ROIColorsFile)
             .since(3)
-            .present(Presence::OverOtherKeys)
+            .present(Presence::SkipsOtherKey)
             .blankLine());
     add(Entry(Integer, "MultiSliceROISelection:", &S::MultiSliceROISelection).since(3).blankLine());
     add(Entry(Real, "Threshold:", &S::Threshold));
@@ -280,7 +280,7 @@ void addFlip(Table& t) {
     const auto add = [&](const char* key) {
         return Entry(Integer, key, &S::FlipSliceOrder).onlyIf(singleRun);
     };
-    t.push_back(add("FlipSliceOrder:").until(1).present(Presence::UnlessEnded));
+    t.push_back(add("FlipSliceOrder:").until(1).present(Presence::OptionalAtEnd));
     t.push_back(add("FlipSliceOrderInMultiSliceView:").since(2).until(3));
     t.push_back(add("FlipSliceOrderInVolumeView:").since(2).blankLine());
 }
@@ -310,7 +310,7 @@ void addMeshesAndFeedback(Table& t) {
     add(twoMeshes, Entry(Path, "SRFFileRH:", &S::SRFFileRH));
     t.push_back(groupEnd(FieldEffect::SRFGroup).since(2));
     add(singleRun, Entry(Folder, "FeedbackTargetFolder:", &S::FeedbackTargetFolder)
-                       .present(Presence::UnlessEnded)
+                       .present(Presence::OptionalAtEnd)
                        .then(FieldEffect::FeedbackFolder));
 }
 
@@ -337,7 +337,7 @@ Table makeTable() {
 } // namespace
 
 bool SettingsField::applies(const RunSettings& settings) const {
-    // A version below 1 is read as the first one.
+    // A version below 1 is read as version 1.
     const int version = std::max(settings.FileVersion, 1);
     return version >= firstVersion && version <= lastVersion &&
            (condition == nullptr || condition(settings));

@@ -1,4 +1,4 @@
-// The table of a settings file: every entry in file order, for the reader and the writer alike.
+// The entries of a settings file in file order, for both reader and writer.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -11,14 +11,14 @@
 
 /// How a value is written in the file.
 enum class ValueKind {
-    None,         ///< no text at all: an effect or a blank line between groups
+    None,         ///< no text: an effect, or a blank line between groups
     Integer,      ///< one token
     Flag,         ///< an integer; 0 is false
     FlagOne,      ///< an integer; only 1 is true
     FlagPositive, ///< an integer; 1 or more is true
     Real,         ///< one token
     Word,         ///< one token, without quotes
-    Text,         ///< quoted, kept as it stands
+    Text,         ///< quoted, kept as it is
     Path,         ///< quoted path of a file
     Folder,       ///< quoted path of a folder, which gets a "/" at its end
     WatchFolder,  ///< a watch folder, or a file that lists several
@@ -28,11 +28,11 @@ enum class ValueKind {
 
 enum class Presence {
     Required,
-    UnlessEnded,   ///< absent when the file has ended; the value is its default then
-    OverOtherKeys, ///< with another key in its place, that key and its value are lost
+    OptionalAtEnd, ///< may be absent at the end of the file; then the default applies
+    SkipsOtherKey, ///< optional; another key in its place is skipped with its value
 };
 
-/// What follows from a value, once its key has been found right.
+/// Action after a value whose key was right.
 enum class FieldEffect {
     None,
     MultiRunTarget,
@@ -69,17 +69,17 @@ struct SettingsField {
     QString key;
     SettingsMember member;
     FieldEffect effect = FieldEffect::None;
-    /// Values outside are refused, since the run could not work with them.
+    /// Values outside can't be used by a run and are rejected.
     std::optional<ValueRange> range;
-    /// 0 has a refusal of its own, which also serves words that are no numbers.
+    /// Rejects 0 with its own message, and with it words that are not numbers.
     bool refusesZero = false;
     Presence presence = Presence::Required;
     int firstVersion = 1;
     int lastVersion = std::numeric_limits<int>::max();
-    /// Further condition, by the values before this entry; none when null.
+    /// Further condition on the values before this entry; none when null.
     bool (*condition)(const RunSettings&) = nullptr;
     bool blankLineAfter = false;
-    /// The settings folder at the start of a path is written as "./".
+    /// Write the settings folder at the start of the path as "./".
     bool writtenRelative = false;
 
     /// True when a file with these values has the entry.

@@ -8,7 +8,6 @@
 #include "base/text_reading.h"
 #include "run/settings/settings_paths.h"
 #include "run/settings/settings_reader.h"
-#include "run/settings/settings_writer.h"
 
 namespace {
 
@@ -19,7 +18,7 @@ QString fileNotFoundText(const QString& path) {
     return QStringLiteral("ERROR: \"%1\" file not found!").arg(path);
 }
 
-// The quoted value behind the next token that is this key.
+// The quoted value after the next occurrence of this key.
 bool findQuoted(TokenStream& stream, const char* key, QString& value) {
     while (!stream.atEnd())
         if (tokensAgree(stream.word(), key))

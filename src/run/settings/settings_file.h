@@ -6,35 +6,46 @@
 
 #include <functional>
 
-/// What a settings file is read for.
+/// Purpose of reading a settings file.
 enum class SettingsUse {
-    Inspection, ///< display or editing: wrong keys warn
+    Inspection, ///< display or editing: wrong keys give a warning
     Run,        ///< preparation of a run: wrong keys and values end the program
     Reload,     ///< as Run, for saved data: a missing inplane folder doesn't matter
 };
 
-/// Reads settings.settingsFilePath, key by key: a failing read leaves the keys before the failure
-/// changed. `stopTimer` stops the periodic look at the settings file; it is called before a warning
-/// about a wrong key. False after any failure, whose message has been shown.
+/// Reads settings.settingsFilePath, key by key: on failure the keys before it have been changed.
+/// `stopTimer` stops polling the settings file; it is called before a warning about a wrong key.
+/// False after any failure, with its message shown.
 [[nodiscard]] bool readSettingsFile(RunSettings& settings, SettingsUse use,
                                     const std::function<void()>& stopTimer);
 
-/// Writes the values to settings.settingsFilePath as file version 4. False after its message.
+inline constexpr int writtenFileVersion = 4;
+
+struct WrittenSettings {
+    QString text;
+    bool dataTypeSupported = true; ///< otherwise the text ends with the data type
+};
+
+/// The text of a file with all entries that apply. A data type of "ANALYZE_DRIN" is changed to
+/// "PHILIPS_ANALYZE_DRIN" in `settings` after it has been written.
+[[nodiscard]] WrittenSettings settingsText(RunSettings& settings);
+
+/// Writes the values to settings.settingsFilePath as file version 4. False after a message.
 [[nodiscard]] bool writeSettingsFile(RunSettings& settings);
 
-/// The quick look into one settings file that a multi-run project needs: the project's path, from
-/// target folder and project name alone. A name without folder is looked for in
-/// `currentSettingsDir`. Empty when the file can't be read (after a message) or lacks the keys.
+/// Path of the project that a settings file describes, for multi-run projects; reads only target
+/// folder and project name. A file name without folder is searched in `currentSettingsDir`. Empty
+/// when the file can't be read (after a message) or lacks the keys.
 [[nodiscard]] QString resolveProjectPath(const QString& vcoFileName,
                                          const QString& currentSettingsDir);
 
-/// The values that the window starts with, and that a new file is written with.
+/// The initial values of the window and of a new file.
 [[nodiscard]] RunSettings defaultRunSettings();
 
 /// Sets the data type and those values whose default depends on it: "FirstFileName:" and
 /// "DicomNameDelimiter:".
 void applyDataTypeDefaults(RunSettings& settings, const QString& dataType);
 
-/// The message about a data type that no reader serves.
+/// The message about an unsupported data type.
 [[nodiscard]] QString unsupportedDataTypeText(const QString& dataType,
                                               const QString& settingsFilePath);

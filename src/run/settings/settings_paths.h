@@ -1,11 +1,11 @@
-// Paths as the values of a settings file.
+// Paths in settings files.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/paths.h"
 
-/// A path as it is used: "/" as separator, and a "./" at its start replaced by the folder of the
-/// settings file.
+/// A path for use: "/" as separator, and a leading "./" replaced by the folder of the settings
+/// file.
 [[nodiscard]] inline QString cleanedPath(const QString& value, const QString& settingsFileDir) {
     const QString path = paths::withForwardSlashes(value);
     return path.startsWith("./") ? paths::join(settingsFileDir, path.mid(2)) : path;
@@ -16,7 +16,7 @@
     return cleanedPath(paths::withTrailingSlash(paths::withForwardSlashes(value)), settingsFileDir);
 }
 
-/// A path as it is written: settingsFileDir at its start replaced by "./".
+/// A path for writing: a leading settingsFileDir replaced by "./".
 [[nodiscard]] inline QString relativePath(const QString& path, const QString& settingsFileDir) {
     if (settingsFileDir.isEmpty() || !path.startsWith(settingsFileDir))
         return path;

@@ -46,7 +46,7 @@ bool SettingsReader::read() {
 }
 
 bool SettingsReader::readField(const SettingsField& field) {
-    if (field.presence == Presence::UnlessEnded && stream_.atEnd()) {
+    if (field.presence == Presence::OptionalAtEnd && stream_.atEnd()) {
         setToDefault(field);
         return applyEffect(field.effect);
     }
@@ -60,7 +60,7 @@ bool SettingsReader::readField(const SettingsField& field) {
     case ValueKind::MergeFiles:
         return readMergeFiles(field);
     default:
-        return field.presence == Presence::OverOtherKeys ? readOverOtherKeys(field)
+        return field.presence == Presence::SkipsOtherKey ? readOrSkipOtherKey(field)
                                                          : readKeyAndValue(field);
     }
 }
@@ -76,7 +76,7 @@ bool SettingsReader::readKeyAndValue(const SettingsField& field) {
     return applyEffect(field.effect) && checkRange(field);
 }
 
-bool SettingsReader::readOverOtherKeys(const SettingsField& field) {
+bool SettingsReader::readOrSkipOtherKey(const SettingsField& field) {
     const QString found = stream_.word();
     QString value;
     const bool valueIsThere = readDelimitedString(quote, value, stream_);
@@ -159,7 +159,7 @@ bool SettingsReader::readWatchFolder(const SettingsField& field) {
 bool SettingsReader::readWatchFolderList() {
     QString value;
     const bool valueIsThere = readDelimitedString(quote, value, stream_);
-    // The reader of the images picks the folder when the first of them has come.
+    // The image reader chooses the folder when the first file arrives.
     settings_.WatchFolder.clear();
     settings_.WatchFolderListFile = cleanedPath(value, settings_.settingsFileDir);
     QString text;

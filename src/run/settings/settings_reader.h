@@ -12,18 +12,18 @@ public:
     SettingsReader(RunSettings& settings, const SettingsReport& report, const QString& text)
         : settings_(settings), report_(report), stream_(text) {}
 
-    /// All entries that apply. False after a message.
+    /// Reads all entries that apply. False after a message.
     [[nodiscard]] bool read();
 
 private:
     [[nodiscard]] bool readField(const SettingsField& field);
     [[nodiscard]] bool readKeyAndValue(const SettingsField& field);
-    [[nodiscard]] bool readOverOtherKeys(const SettingsField& field);
+    [[nodiscard]] bool readOrSkipOtherKey(const SettingsField& field);
     [[nodiscard]] bool readWatchFolder(const SettingsField& field);
     [[nodiscard]] bool readWatchFolderList();
     [[nodiscard]] bool readProtocol();
     [[nodiscard]] bool readMergeFiles(const SettingsField& field);
-    /// Takes the value into its field. Not empty: what is wrong with it.
+    /// Stores the value in its field. Returns what is wrong with it; empty if nothing.
     [[nodiscard]] QString takeValue(const SettingsField& field);
     void setToDefault(const SettingsField& field);
     void cleanValue(const SettingsField& field);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/settings/settings_writer.h"
+#include "run/settings/settings_file.h"
 
 #include "base/text_reading.h"
 #include "run/settings/settings_fields.h"
@@ -85,7 +85,7 @@ WrittenSettings settingsText(RunSettings& settings) {
         paths::folderWithSlash(paths::withForwardSlashes(settings.settingsFilePath));
     WrittenSettings result{"\n"};
     for (const SettingsField& field : settingsFields()) {
-        // Only the head has no condition; a multi-run project is written no further.
+        // Only the head is unconditional; nothing more is written for a multi-run project.
         if (written.MergeType && field.condition != nullptr)
             break;
         if (!field.applies(written))
@@ -93,7 +93,7 @@ WrittenSettings settingsText(RunSettings& settings) {
         result.text += fieldText(field, written);
         if (field.effect != FieldEffect::DataType)
             continue;
-        // The old word goes into the file once more; its block is that of the new one.
+        // The old name is written once more, with the block of the new one.
         if (written.DataType.toUpper() == "ANALYZE_DRIN")
             settings.DataType = written.DataType = "PHILIPS_ANALYZE_DRIN";
         result.dataTypeSupported = isSupportedDataType(written.DataType);

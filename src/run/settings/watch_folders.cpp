@@ -9,7 +9,7 @@
 namespace {
 
 constexpr int highestSeries = 99;
-constexpr qsizetype mostFolders = 1000; // no session has more; a damaged list might
+constexpr qsizetype mostFolders = 1000; // more only in a damaged list
 
 QString numberedName(const QString& prefix, int number) {
     return prefix + (number < 10 ? "000" : "00") + QString::number(number);

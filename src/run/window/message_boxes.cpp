@@ -176,6 +176,8 @@ void setUp(QInputDialog& dialog, const InputTexts& texts) {
 } // namespace
 
 void MessageBoxes::show(MessageLevel level, const QString& text, const QString& title) {
+    if (level != MessageLevel::Critical && title == programTitle && runIsActive())
+        return showModeless(level, text);
     waitForBox(iconOf(level), text, title, QMessageBox::Ok);
 }
 

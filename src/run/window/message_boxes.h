@@ -9,6 +9,10 @@
 /// goes, the box goes with it and counts as cancelled.
 class MessageBoxes : public MessageHandler {
 public:
+    /// While it gives true, the program's own information and warnings are modeless: a run goes on,
+    /// or is saved, whether somebody answers or not.
+    std::function<bool()> runIsActive = [] { return false; };
+
     void show(MessageLevel level, const QString& text, const QString& title) override;
     void showModeless(MessageLevel level, const QString& text) override;
     [[nodiscard]] bool ask(const QString& text, const QString& title) override;

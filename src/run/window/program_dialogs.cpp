@@ -2,26 +2,8 @@
 #include "run/window/program_dialogs.h"
 
 #include "dialogs/dialog_setup.h"
-#include "ui_text_dialog.h"
 
-namespace {
-
-void openTextDialog(QWidget* parent, const char* name, const QString& title, const QString& text) {
-    if (auto* open = parent->findChild<QDialog*>(name))
-        return showInFront(*open);
-    auto* dialog = new QDialog(parent);
-    Ui::TextDlg form;
-    form.setupUi(dialog);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setObjectName(name);
-    dialog->setWindowTitle(title);
-    form.TextLbl->setText(text);
-    prepareDialog(*dialog);
-    form.Buttons->setFocus();
-    dialog->show();
-}
-
-} // namespace
+#include <QString>
 
 bool licencePermits() {
     return true;
@@ -29,7 +11,7 @@ bool licencePermits() {
 
 void showLicenceDialog(QWidget* parent) {
     openTextDialog(
-        parent, "LicenseInfoDlg", "License Information",
+        *parent, "LicenseInfoDlg", "License Information",
         "<h3>Velo-Cortivo is free software</h3>"
         "<p>You may use, study, share and change it under the terms of the GNU General Public "
         "License, version 3 or later (GPL-3.0-or-later).<br>It comes without any warranty.</p>"
@@ -44,7 +26,7 @@ void showLicenceDialog(QWidget* parent) {
 }
 
 void showAboutDialog(QWidget* parent) {
-    openTextDialog(parent, "AboutDlg", "About Velo-Cortivo",
+    openTextDialog(*parent, "AboutDlg", "About Velo-Cortivo",
                    QStringLiteral("<h3>Velo-Cortivo %1</h3>"
                                   "<p>Real-time analysis of functional magnetic resonance "
                                   "imaging.</p>"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/title_row.h"
 
+#include "dialogs/panel_controls.h"
 #include "run/window/velo_cortivo.h"
-#include "run/window/window_controls.h"
 
 #include <QBoxLayout>
 #include <QLabel>

@@ -41,11 +41,24 @@ void VeloCortivo::initVars() {
     session_.setRunButton(RunButtonState::Ready);
     refreshViewButtons();
     refreshControls();
-    inputPanel_->connectTo(*this);
-    viewPanel_->connectTo(*this);
-    contrastPanel_->connectTo(*this);
+    connectPanels();
     inputPanel_->focusRunButton();
     watch_.start();
+}
+
+void VeloCortivo::connectPanels() {
+    using Contrasts = ContrastPanel;
+    using Window = VeloCortivo;
+    inputPanel_->connectTo(*this);
+    connect(viewPanel_, &ViewPanel::slicesWanted, this, &Window::slotSwitchToFMRView);
+    connect(contrastPanel_, &Contrasts::thresholdEdited, this, &Window::slotChangeThreshold);
+    connect(contrastPanel_, &Contrasts::colorMaxThresholdEdited, this,
+            &Window::slotChangeColorMaxThreshold);
+    connect(contrastPanel_, &Contrasts::clusterSizeEdited, this, &Window::slotChangeClusterSize);
+    connect(contrastPanel_, &Contrasts::multiSliceEdited, this,
+            &Window::slotChangeMultiSliceROISelection);
+    connect(contrastPanel_, &Contrasts::conjunctionClicked, this, &Window::slotConjunctionAnalysis);
+    connect(contrastPanel_, &Contrasts::numberEntered, this, &Window::focusSlices);
 }
 
 void VeloCortivo::initDefaultPalettes() {

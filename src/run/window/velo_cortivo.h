@@ -2,16 +2,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "display/log_panel.h"
+#include "display/view_panel.h"
 #include "plugin/host/program_access.h"
 #include "run/loop/run_display.h"
 #include "run/session/settings_file_watch.h"
-#include "run/window/contrast_panel.h"
 #include "run/window/input_panel.h"
 #include "run/window/key_commands.h"
-#include "run/window/log_panel.h"
 #include "run/window/menu_table.h"
-#include "run/window/view_panel.h"
 #include "run/window/window_frame.h"
+#include "stats/ui/contrast_panel.h"
 
 #include <QWidget>
 
@@ -120,6 +120,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent*) override { frame_.release(); }
 
 private:
+    void connectPanels();
     void setROIDisplayStyle(RoiDisplayStyle style);
 
     EventPump& pump_;

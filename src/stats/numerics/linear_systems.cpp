@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/numerics/linear_systems.h"
 
-#include "stats/numerics/run_time_error.h"
+#include "stats/numerics/failures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -113,7 +113,7 @@ void storeColumns(const std::vector<Column>& columns, std::span<float> matrix) {
             matrix[i * columns.size() + j] = float(columns[j][i]);
 }
 
-/// The singular values that count, inverted; 0 for the others.
+/// The reciprocals of the significant singular values; 0 for the others.
 std::vector<double> invertedAbove(const std::vector<double>& w, double threshold) {
     double largest = 0.0;
     for (const double value : w)
@@ -125,8 +125,8 @@ std::vector<double> invertedAbove(const std::vector<double>& w, double threshold
     return result;
 }
 
-/// Largest magnitude in rows and columns that have not been pivots yet. False when there is none,
-/// which happens only when a value is not a number.
+/// Largest magnitude in rows and columns that have not been pivots yet. False when there is none
+/// because a value is not a number.
 bool findPivot(const std::vector<double>& system, size_t n, size_t width,
                const std::vector<bool>& rowDone, const std::vector<bool>& columnDone,
                size_t& pivotRow, size_t& pivotColumn) {

@@ -8,9 +8,9 @@
 
 namespace numerics {
 
-// Matrices are row-major and 0-based. Input and output are floats, the work in between is done in
-// double. What can't be computed ends the program through nrerror(); where that returns, the
-// functions give false and leave zeros in their results.
+// Matrices are row-major and 0-based. Input and output are floats, the computation is done in
+// double. On failure the program ends through nrerror(); where that returns, the functions return
+// false with zeros in their results.
 
 /// Solves a x = b by Gauss-Jordan elimination with full pivoting. `a` (n x n) is replaced by its
 /// inverse, `b` (n x m) by the solutions; m may be 0. A singular matrix ends the program with

@@ -7,13 +7,13 @@
 
 namespace numerics {
 
-// Ascending; equal keys stay in their order, and what is not a number goes to the end. Neither
-// needs a stack of fixed size, so neither can run out of one.
+// Both are ascending and stable; NaN goes to the end. Neither uses a stack of fixed size, so
+// neither can overflow one.
 
 /// Indices from 0 of the keys in ascending order.
 [[nodiscard]] std::vector<int> indexx(std::span<const float> keys);
 
-/// Sorts the keys and moves the companions with them. The shorter length counts.
+/// Sorts the keys and permutes the companions likewise, up to the shorter length.
 void sort2(std::span<float> keys, std::span<float> companions);
 
 } // namespace numerics

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/numerics/special_functions.h"
 
-#include "stats/numerics/run_time_error.h"
+#include "stats/numerics/failures.h"
 
 #include <array>
 #include <cmath>
@@ -50,8 +50,8 @@ float gammln(float x) {
 }
 
 double betacf(double a, double b, double x) {
-    // Lentz's method as modified by Thompson and Barnett: the ratios of successive numerators and
-    // of successive denominators are carried on, so that neither overflows.
+    // Lentz's method as modified by Thompson and Barnett: it carries the ratios of successive
+    // numerators and denominators, so that neither overflows.
     constexpr int maximumSteps = 10000;
     constexpr double accuracy = 4.0 * std::numeric_limits<double>::epsilon();
     double fraction = 1.0;

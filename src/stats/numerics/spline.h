@@ -12,8 +12,8 @@ namespace numerics {
 [[nodiscard]] std::vector<float> splineSecondDerivatives(std::span<const float> x,
                                                          std::span<const float> y);
 
-/// Value of the spline at a position. Outside the points the first or last piece is continued. No
-/// point gives 0, one point its value; two equal neighbours in x give the left one's value.
+/// Value of the spline at a position. Outside the points the first or last piece is extrapolated.
+/// Without points the value is 0, with one point its y; between two equal x it is the left y.
 [[nodiscard]] float splineValue(std::span<const float> x, std::span<const float> y,
                                 std::span<const float> secondDerivatives, float at);
 

@@ -68,7 +68,7 @@ SimulationOptions shortRun(ScannerType type) {
     options.nrOfSlices = 5;
     options.nrOfVolumes = 14;
     options.nrOfVolumesToSkip = 2;
-    options.blockLength = 4;
+    options.blockLength = 2;
     return options;
 }
 

@@ -138,6 +138,15 @@ TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
     EXPECT_TRUE(session.phase.isIdle());
 }
 
+TEST_F(VolumeLoopTest, ConditionsThatNeverEnterTheModelAreToldBeforeTheFirstVolume) {
+    writeSession(16, 2, {}, defaultProtocol().replace("10 14", "14 14"));
+    messages.expect(MessageLevel::Warning, "WARNING: The model will not hold these conditions*");
+    script.firstVolumeComes = false;
+    messages.expect(MessageLevel::Warning, "TIME OUT: Expected first file did not arrive!");
+    session.runButtonPressed();
+    EXPECT_TRUE(messages.shownModeless().value(0).endsWith(": Houses."));
+}
+
 TEST_F(VolumeLoopTest, InplanesShowWhereTheyCameAndTheRunGoesOnWithoutThem) {
     QDir().mkpath(path("inplanes"));
     writeSession(14, 2,

@@ -13,7 +13,7 @@ inline const QString rtpHeader =
     "BackgroundColor: 7 8 9\nTextColor: 10 11 12\nTimeCourseColor: 13 14 15\n"
     "TimeCourseThick: 4";
 
-/// The header above with another request in place of its table of contrasts.
+/// The header above with another request instead of its table of contrasts.
 inline QString rtpHeaderWith(const QString& contrasts) {
     return rtpHeader.section("Contrasts: ", 0, 0) + "Contrasts: " + contrasts +
            "\nBackgroundColor" + rtpHeader.section("BackgroundColor", 1);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/protocol/arriving_headers.h"
-#include "run/protocol/prt_text.h"
+#include "run/protocol/prt_file.h"
 #include "run/protocol/real_time_protocol.h"
 #include "run/protocol/tdat_protocol.h"
 #include "support/scripted_messages.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// "from-to ..." of each condition, conditions parted by " | ".
+/// "from-to ..." of each condition, conditions separated by " | ".
 QString intervals(const std::vector<ProtocolCondition>& conditions) {
     QStringList texts;
     for (const ProtocolCondition& condition : conditions) {
@@ -42,12 +42,12 @@ protected:
         EXPECT_EQ(parsing.good, parsing.message.isEmpty());
         return parsing.message;
     }
-    /// Lines parted by ";". The messages that they led to.
+    /// Applies lines separated by ";". Returns their messages.
     QStringList take(const QString& lines, bool isTDAT = false) {
         QStringList shown;
         for (const QString& line : lines.split(';'))
-            shown << (isTDAT ? takeTDATLine(line, protocol, tdat)
-                             : takeRTPLine(line, {20, 2000.0f}, protocol, rtp))
+            shown << (isTDAT ? applyTDATLine(line, protocol, tdat)
+                             : applyRTPLine(line, {20, 2000.0f}, protocol, rtp))
                          .message;
         shown.removeAll(QString());
         return shown;
@@ -65,41 +65,41 @@ protected:
 } // namespace
 
 TEST_F(ArrivingProtocol, LinesAreTakenWholeAndOnce) {
-    using Taken = ArrivingLines::Taken;
-    ArrivingLines lines;
+    using Result = GrowingTextFile::ReadResult;
+    GrowingTextFile lines;
     QString line;
     write("\xEF\xBB\xBFhead\nfirst\r\n \n\nsec");
-    ASSERT_TRUE(lines.open(path, QIODevice::ReadOnly, ArrivingLines::LineEnd::LineFeed));
+    ASSERT_TRUE(lines.open(path, QIODevice::ReadOnly, GrowingTextFile::LineEnd::LineFeed));
     EXPECT_EQ(lines.head(false), "head\nfirst\r\n \n\nsec");
     EXPECT_EQ(lines.head(true), "head\nfirst\r\n \n\n");
     lines.skipHead(5);
-    ASSERT_EQ(lines.take(line), Taken::Line);
+    ASSERT_EQ(lines.readLine(line), Result::Line);
     EXPECT_EQ(line.trimmed(), "first");
     for (const char* piece : {"", "o", "nd"}) {
         write(piece);
-        EXPECT_EQ(lines.take(line), Taken::Nothing);
+        EXPECT_EQ(lines.readLine(line), Result::Nothing);
     }
     write("\nL\xE4rm\nL\xC3\xA4rm\n");
     for (const char16_t* expected : {u"second", u"L\u00E4rm", u"L\u00E4rm"}) {
-        ASSERT_EQ(lines.take(line), Taken::Line);
+        ASSERT_EQ(lines.readLine(line), Result::Line);
         EXPECT_EQ(line, QString::fromUtf16(expected));
     }
-    // Longer than can be meant, and in pieces.
+    // Longer than allowed, and in pieces.
     write(QByteArray(3 << 20, 'x'));
     for (int i = 0; i < 6; ++i)
-        EXPECT_EQ(lines.take(line), Taken::Nothing);
+        EXPECT_EQ(lines.readLine(line), Result::Nothing);
     write("x\n" + QByteArray(70000, 'y') + "\nlast\n");
-    EXPECT_EQ(lines.take(line), Taken::TooLong);
-    EXPECT_EQ(lines.take(line), Taken::TooLong);
-    EXPECT_EQ(lines.take(line), Taken::Line);
+    EXPECT_EQ(lines.readLine(line), Result::TooLong);
+    EXPECT_EQ(lines.readLine(line), Result::TooLong);
+    EXPECT_EQ(lines.readLine(line), Result::Line);
     EXPECT_EQ(line, "last");
-    // Rewritten from its start: nothing comes twice. Gone: nothing comes.
+    // Rewritten from its start: nothing is read twice. Deleted: nothing is read.
     write("", QIODevice::WriteOnly);
     write("head\nfirst\n");
-    EXPECT_EQ(lines.take(line), Taken::Nothing);
+    EXPECT_EQ(lines.readLine(line), Result::Nothing);
     ASSERT_TRUE(QFile::remove(path));
-    EXPECT_EQ(lines.take(line), Taken::Nothing);
-    EXPECT_FALSE(lines.open("/dev/zero", QIODevice::ReadOnly, ArrivingLines::LineEnd::LineFeed));
+    EXPECT_EQ(lines.readLine(line), Result::Nothing);
+    EXPECT_FALSE(lines.open("/dev/zero", QIODevice::ReadOnly, GrowingTextFile::LineEnd::LineFeed));
 }
 
 TEST_F(ArrivingProtocol, RTPHeaderFillsProtocolAndContrasts) {
@@ -165,11 +165,11 @@ TEST_F(ArrivingProtocol, RTPLinesOpenAndCloseIntervals) {
         {rtpHeader, "1 0 0;4 1 0;8 0 0;scan  end", "1-3 8-20 | 4-7 | ", 42000, 0},
         {ms, "0 0 0;4000 1 1;8000.7 0 1;9000 0 0;SCAN END",
          "0-4000 9000-40000 | 4000-8000 | 4000-9000", 42000, 0},
-        // Too few values, none, or no numbers: the line has no effect.
+        // Too few values, none, or invalid numbers: the line has no effect.
         {rtpHeader, "4 1;hello;5 1 nan;5 inf 0;5 1 1e30;99999999999 1 1;;5 0 1", "1-4 |  | 5-1005",
          10000, 7},
         {rtpHeader, "5 -1 0;6 1 0;7 -3 0 9 9", "1-5 7-1007 | 6-6 | ", 14000, 0},
-        // Times at the end of what a number holds.
+        // Times at the limits of an integer.
         {rtpHeader, "-2147483647 1 0;2147483647 0 1",
          "1--2147483647 | -2147483647-2147483646 | 2147483647-2147483647", 2147483647, 0},
     };
@@ -245,7 +245,7 @@ TEST_F(ArrivingProtocol, TDATLinesOpenAndCloseIntervals) {
          " | 0-5 | ", 20, ""},
         {"x 500 SCAN BLOCKBEGINEND HOUSES 700;1500 SCAN BLOCKBEGINEND FACES 10.5",
          " | 1000-1010 | 0-700", 1500, ""},
-        // An event of a condition that is no predictor is the first one all the same.
+        // An event of a condition that is not a predictor still counts as the first one.
         {"500 SCAN BLOCKBEGIN CUE;600 SCAN BLOCKEND CUE 50;700 SCAN BLOCKBEGINEND REST 1",
          "200-201 |  | ", 700, ""},
         {"0 SCAN BLOCKBEGIN FACES;9 SCAN BLOCKEND HOUSES 3", " | 0-1000000 | ", 9, wrongName},

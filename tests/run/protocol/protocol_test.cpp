@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/protocol/condition_index.h"
 #include "run/protocol/prt_file.h"
 #include "support/scripted_messages.h"
 

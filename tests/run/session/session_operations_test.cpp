@@ -246,4 +246,5 @@ TEST_F(SessionOperations, AStoppedRunIsSavedBeforeAnybodyAnswers) {
     messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
     session.runButtonPressed();
     EXPECT_EQ(QFileInfo(path("results/test.stc")).size(), 9 * 8 * 8 * 4 * 2);
+    EXPECT_EQ(messages.shownModeless(), QStringList("RECORDING INTERRUPTED BY USER"));
 }

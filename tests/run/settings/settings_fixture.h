@@ -1,4 +1,4 @@
-// Settings files in a temporary folder, with their messages and program ends under control.
+// Settings files in a temporary folder, with scripted messages and intercepted program ends.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Gives a member a value of its own.
+/// Sets a member to a distinct value.
 void setDistinct(RunSettings& settings, const SettingsField& field, int number,
                  const QString& folder) {
     const bool isFolder = field.kind == ValueKind::Folder || field.kind == ValueKind::WatchFolder;
@@ -63,7 +63,7 @@ TEST_F(SettingsFile, TheSampleIsWrittenAsItStands) {
     ASSERT_TRUE(readText(sample, SettingsUse::Inspection));
     ASSERT_TRUE(writeSettingsFile(settings));
     EXPECT_EQ(writtenText().toStdString(), sample.toStdString());
-    // What the sample has not.
+    // Entries that the sample lacks.
     settings.Title = "the \"first\" run";
     settings.TR = 2100.1f;
     ASSERT_TRUE(writeSettingsFile(settings));

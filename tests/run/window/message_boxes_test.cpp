@@ -181,6 +181,31 @@ TEST_F(Boxes, ShowTheirTextAndTakeEachAnswer) {
     }
 }
 
+TEST_F(Boxes, HoldUpARunOnlyWhereAnAnswerIsNeeded) {
+    bool active = true;
+    boxes_.runIsActive = [&] { return active; };
+    const auto modeless = [] {
+        int count = 0;
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (auto* box = qobject_cast<QMessageBox*>(widget); box && box->isVisible()) {
+                ++count;
+                box->close();
+            }
+        return count;
+    };
+    boxes_.show(MessageLevel::Information, text, programTitle);
+    boxes_.show(MessageLevel::Warning, text, programTitle);
+    EXPECT_EQ(modeless(), 2);
+    const auto show = [this](MessageLevel level, const QString& title) {
+        return [this, level, title] { return boxes_.show(level, text, title), QString(); };
+    };
+    answered(show(MessageLevel::Critical, programTitle), {key(Qt::Key_Return)});
+    answered(show(MessageLevel::Information, "Velo-Cortivo Plugin"), {key(Qt::Key_Return)});
+    active = false;
+    answered(show(MessageLevel::Warning, programTitle), {key(Qt::Key_Return)});
+    EXPECT_EQ(modeless(), 0);
+}
+
 TEST_F(Boxes, CountAsCancelledWhenTheyAreClosedOrTheirWindowGoes) {
     const std::function<QString()> requests[] = {
         [] { return showWarning(text), ""; },

@@ -3,8 +3,8 @@
 #include "run/window/velo_cortivo.h"
 
 #include "base/file_writing.h"
-#include "run/window/contrast_list.h"
 #include "run/window/message_boxes.h"
+#include "stats/ui/contrast_list.h"
 #include "support/scripted_messages.h"
 #include "support/simulated_pump.h"
 #include "volume/ui/postprocessing_dialog.h"

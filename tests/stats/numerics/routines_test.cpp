@@ -1,4 +1,4 @@
-// The incomplete beta function against closed forms, and its complaint.
+// The incomplete beta function against closed forms, and its error.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/numerics/special_functions.h"
 

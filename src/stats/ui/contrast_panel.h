@@ -12,15 +12,14 @@ class QDoubleSpinBox;
 class QGridLayout;
 class QSpinBox;
 class RunSession;
-class VeloCortivo;
 
-/// Shows what the session has, and follows its documents. The slots of the window change it.
+/// Shows what the session has, and follows its documents.
 class ContrastPanel : public QGroupBox, public RunListener {
+    Q_OBJECT
+
 public:
     ContrastPanel(RunSession& session, QWidget* parent);
 
-    /// Connects the controls to the slots of the window.
-    void connectTo(VeloCortivo& window);
     /// Writes thresholds, cluster size and number of slices into their boxes, without signals.
     void refresh();
 
@@ -35,7 +34,18 @@ public:
     void runPrepared(QtCortivoDoc& functional) override;
     void settingsFileChanged() override;
 
+Q_SIGNALS:
+    /// The operator changed a control; the take functions hand its value over.
+    void thresholdEdited();
+    void colorMaxThresholdEdited();
+    void clusterSizeEdited();
+    void multiSliceEdited();
+    void conjunctionClicked();
+    /// A number was finished with the Return key.
+    void numberEntered();
+
 private:
+    void connectControls();
     void addThresholdRows(QGridLayout* grid);
     void addSizeRows(QGridLayout* grid);
 

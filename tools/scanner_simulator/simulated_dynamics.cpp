@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "simulated_course.h"
+#include "simulated_dynamics.h"
 
 #include "random_numbers.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 constexpr double fullTurn = 2.0 * std::numbers::pi;
 
-/// Integral of the gamma density with a whole shape and scale 1, from 0 to t.
+/// Integral of the gamma density with an integer shape and scale 1, from 0 to t.
 double gammaIntegral(int shape, double t) {
     double term = 1.0;
     double sum = 1.0;
@@ -22,7 +22,7 @@ double gammaIntegral(int shape, double t) {
     return 1.0 - std::exp(-t) * sum;
 }
 
-/// From 0 to 0.7 over the run, with a wave on top; `part` of the run is over.
+/// From 0 to 0.7 over the run, with a wave on top; `part` is the elapsed fraction of the run.
 double driftCourse(double part, double turns) {
     return 0.7 * part + 0.3 * std::sin(fullTurn * turns * part);
 }
@@ -45,13 +45,13 @@ std::vector<SimulatedCondition> blockProtocol(const SimulationOptions& options) 
 double stepResponse(double seconds) {
     if (seconds <= 0.0)
         return 0.0;
-    // Beyond this the exponential underflows and both integrals are 1.
+    // From here on the exponential underflows and both integrals are 1.
     const double t = std::min(seconds, 500.0);
     constexpr double ratio = 6.0;
     return (gammaIntegral(6, t) - gammaIntegral(16, t) / ratio) / (1.0 - 1.0 / ratio);
 }
 
-SimulatedCourse::SimulatedCourse(const SimulationOptions& options)
+SimulatedDynamics::SimulatedDynamics(const SimulationOptions& options)
     : options_(options), conditions_(blockProtocol(options)),
       secondsPerVolume_(options.repetitionTime / 1000.0) {
     RandomNumbers random(options.seed * 1000003u + uint64_t(options.run));
@@ -59,8 +59,8 @@ SimulatedCourse::SimulatedCourse(const SimulationOptions& options)
     breathPhase_ = fullTurn * random.uniform();
 }
 
-double SimulatedCourse::response(int condition, double seconds) const {
-    // What came longer ago than this has no after-effect left.
+double SimulatedDynamics::response(int condition, double seconds) const {
+    // Stimuli longer ago than this have no effect any more.
     constexpr double memory = 60.0;
     double sum = 0.0;
     for (const ProtocolInterval& interval : conditions_[size_t(condition)].intervals) {
@@ -72,21 +72,21 @@ double SimulatedCourse::response(int condition, double seconds) const {
     return sum;
 }
 
-double SimulatedCourse::drift(double seconds) const {
+double SimulatedDynamics::drift(double seconds) const {
     const double part = seconds / (options_.nrOfVolumes * secondsPerVolume_);
     return 0.01 * part + 0.001 * std::sin(fullTurn * part / 1.5);
 }
 
-double SimulatedCourse::pulsation(double seconds) const {
+double SimulatedDynamics::pulsation(double seconds) const {
     return 0.003 * std::sin(fullTurn * 1.17 * seconds + heartPhase_) +
            0.003 * std::sin(fullTurn * 0.27 * seconds + breathPhase_);
 }
 
-double SimulatedCourse::saturation(int volume) const {
+double SimulatedDynamics::saturation(int volume) const {
     return volume < options_.nrOfVolumesToSkip ? 1.0 + 0.3 * std::exp(-2.0 * volume) : 1.0;
 }
 
-HeadPose SimulatedCourse::pose(int volume) const {
+HeadPose SimulatedDynamics::pose(int volume) const {
     if (volume <= options_.nrOfVolumesToSkip)
         return {};
     switch (options_.motion) {
@@ -100,7 +100,7 @@ HeadPose SimulatedCourse::pose(int volume) const {
     return {};
 }
 
-HeadPose SimulatedCourse::driftPose(int volume) const {
+HeadPose SimulatedDynamics::driftPose(int volume) const {
     const double part = double(volume - options_.nrOfVolumesToSkip) /
                         std::max(1, options_.nrOfVolumes - options_.nrOfVolumesToSkip);
     HeadPose pose;
@@ -113,7 +113,7 @@ HeadPose SimulatedCourse::driftPose(int volume) const {
     return pose;
 }
 
-HeadPose SimulatedCourse::jumpPose(int volume) const {
+HeadPose SimulatedDynamics::jumpPose(int volume) const {
     const int analysed = options_.nrOfVolumes - options_.nrOfVolumesToSkip;
     const int quarter = 4 * (volume - options_.nrOfVolumesToSkip) / analysed;
     HeadPose pose;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/contrast_panel.h"
+#include "stats/ui/contrast_panel.h"
 
 #include "dialogs/number_fields.h"
-#include "run/window/contrast_list.h"
-#include "run/window/velo_cortivo.h"
+#include "run/session/run_session.h"
+#include "stats/ui/contrast_list.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -56,6 +56,7 @@ ContrastPanel::ContrastPanel(RunSession& session, QWidget* parent)
     layout->addWidget(conjunction_);
     layout->addSpacing(4);
     layout->addLayout(grid);
+    connectControls();
     session_.listeners.add(*this, ListenerPlace::Views);
 }
 
@@ -76,20 +77,18 @@ void ContrastPanel::addSizeRows(QGridLayout* grid) {
                  "Number of neighbouring slices that the selection of a region takes in");
 }
 
-void ContrastPanel::connectTo(VeloCortivo& window) {
-    connect(threshold_, &QDoubleSpinBox::valueChanged, &window, &VeloCortivo::slotChangeThreshold);
-    connect(colorMaxThreshold_, &QDoubleSpinBox::valueChanged, &window,
-            &VeloCortivo::slotChangeColorMaxThreshold);
-    connect(clusterSize_, &QSpinBox::valueChanged, &window, &VeloCortivo::slotChangeClusterSize);
-    connect(multiSlice_, &QSpinBox::valueChanged, &window,
-            &VeloCortivo::slotChangeMultiSliceROISelection);
-    connect(conjunction_, &QCheckBox::clicked, &window, &VeloCortivo::slotConjunctionAnalysis);
-    connect(list_, &ContrastList::contrastsEdited, &window,
-            [this] { session_.contrastsChanged(); });
+void ContrastPanel::connectControls() {
+    connect(threshold_, &QDoubleSpinBox::valueChanged, this, &ContrastPanel::thresholdEdited);
+    connect(colorMaxThreshold_, &QDoubleSpinBox::valueChanged, this,
+            &ContrastPanel::colorMaxThresholdEdited);
+    connect(clusterSize_, &QSpinBox::valueChanged, this, &ContrastPanel::clusterSizeEdited);
+    connect(multiSlice_, &QSpinBox::valueChanged, this, &ContrastPanel::multiSliceEdited);
+    connect(conjunction_, &QCheckBox::clicked, this, &ContrastPanel::conjunctionClicked);
+    connect(list_, &ContrastList::contrastsEdited, this, [this] { session_.contrastsChanged(); });
     // The keys that scroll the slices work again once a number is entered.
     for (const QAbstractSpinBox* box : findChildren<QAbstractSpinBox*>())
-        connect(box->findChild<QLineEdit*>(), &QLineEdit::returnPressed, &window,
-                &VeloCortivo::focusSlices);
+        connect(box->findChild<QLineEdit*>(), &QLineEdit::returnPressed, this,
+                &ContrastPanel::numberEntered);
 }
 
 void ContrastPanel::refresh() {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/log_panel.h"
+#include "display/log_panel.h"
 
 #include <QTextDocument>
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "stats/numerics/allocation.h"
+#include "stats/numerics/failures.h"
 
 #include "base/memory.h"
-#include "stats/numerics/run_time_error.h"
+#include "base/program_end.h"
 
+#include <cstdio>
 #include <new>
 
 namespace numerics {
@@ -26,6 +27,12 @@ bool allocate(std::vector<T>& values, size_t rows, size_t columns, const char* f
 }
 
 } // namespace
+
+void nrerror(const char* text) {
+    std::fprintf(stderr, "Numerical Recipes run-time error...\n%s\n...now exiting to system...\n",
+                 text);
+    endProgram(1);
+}
 
 bool allocateVector(std::vector<float>& values, size_t count) {
     return allocate(values, count, 1, "allocation failure in vector()");

@@ -1,4 +1,4 @@
-// What changes with time in a simulated run: protocol, responses, drift, pulsation, motion.
+// The dynamics of a simulated run: protocol, responses, drift, pulsation, motion.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -22,24 +22,24 @@ struct SimulatedCondition {
 /// before each block of a condition, to the end of the run.
 [[nodiscard]] std::vector<SimulatedCondition> blockProtocol(const SimulationOptions& options);
 
-/// Response to a stimulus that starts at 0 and never ends, `seconds` later; it settles at 1.
+/// Step response: to a stimulus that starts at time 0 and never ends; it converges to 1.
 ///
 /// The impulse response is the difference of two gamma densities with scale 1 s and shapes 6 and
 /// 16, the second divided by 6 (Friston et al., NeuroImage 7, 1998). For whole shapes the integral
 /// of a gamma density is the closed form of the Erlang distribution.
 [[nodiscard]] double stepResponse(double seconds);
 
-/// Factors at one moment of a run, given in seconds from the start of the measurement.
-class SimulatedCourse {
+/// Factors at one moment of a run, in seconds from the start of the measurement.
+class SimulatedDynamics {
 public:
-    explicit SimulatedCourse(const SimulationOptions& options);
+    explicit SimulatedDynamics(const SimulationOptions& options);
     /// Response of a condition, 0 at rest and about 1 at the end of a long block.
     [[nodiscard]] double response(int condition, double seconds) const;
-    /// Slow change of the whole signal, as a part of it: a trend and one slow wave.
+    /// Drift as a fraction of the signal: a trend and one slow wave.
     [[nodiscard]] double drift(double seconds) const;
-    /// Heart beat and breathing, as a part of the signal where they are strongest.
+    /// Heart beat and breathing as a fraction of the signal where they are strongest.
     [[nodiscard]] double pulsation(double seconds) const;
-    /// Brightness before the signal is steady; exactly 1 from the first analysed volume on.
+    /// Brightness before the steady state; exactly 1 from the first analysed volume on.
     [[nodiscard]] double saturation(int volume) const;
     /// Where the head is; at rest until the first analysed volume is measured.
     [[nodiscard]] HeadPose pose(int volume) const;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/view_panel.h"
+#include "display/view_panel.h"
 
+#include "dialogs/panel_controls.h"
 #include "display/qt_cortivo_view.h"
-#include "run/window/velo_cortivo.h"
-#include "run/window/window_controls.h"
+#include "run/session/run_session.h"
 
 #include <QBoxLayout>
 #include <QToolButton>
@@ -13,6 +13,7 @@ ViewPanel::ViewPanel(RunSession& session, QWidget* parent) : QFrame(parent), ses
     auto* views = new QVBoxLayout(this);
     views->setContentsMargins(2, 2, 2, 2);
     createButtons(parent);
+    connect(slices_, &QToolButton::clicked, this, &ViewPanel::slicesWanted);
     session_.listeners.add(*this, ListenerPlace::Views);
 }
 
@@ -36,10 +37,6 @@ void ViewPanel::createButtons(QWidget* parent) {
         addButton("LeftHemiBtn", "Left hemisphere", "Show the surface of the left hemisphere");
     rightHemisphere_ =
         addButton("RightHemiBtn", "Right hemisphere", "Show the surface of the right hemisphere");
-}
-
-void ViewPanel::connectTo(VeloCortivo& window) {
-    connect(slices_, &QToolButton::clicked, &window, &VeloCortivo::slotSwitchToFMRView);
 }
 
 bool ViewPanel::documentShown() const {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/window_controls.h"
+#include "dialogs/panel_controls.h"
 
 #include <QFrame>
 #include <QPainter>

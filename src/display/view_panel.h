@@ -9,20 +9,20 @@
 class QToolButton;
 class QtCortivoView;
 class RunSession;
-class VeloCortivo;
 
-/// The frame ImageView. Makes the views of new documents and lets them go with these.
+/// The frame ImageView. Creates the views of new documents and deletes them with these.
 class ViewPanel : public QFrame, public RunListener {
+    Q_OBJECT
+
 public:
     /// The frame of the buttons becomes a child of `parent` too.
     ViewPanel(RunSession& session, QWidget* parent);
 
-    void connectTo(VeloCortivo& window);
-    /// There are a document and its view.
+    /// True when there are a document and its view.
     [[nodiscard]] bool documentShown() const;
     void refreshButtons();
-    /// Repaints the visible view. It takes the keyboard unless `keepFocus`: the operator is busy
-    /// with a control.
+    /// Repaints the visible view. It takes the keyboard focus unless `keepFocus`: the operator is
+    /// using a control.
     void update(bool keepFocus);
     /// Brings the slices to the front.
     void showSlices();
@@ -33,13 +33,16 @@ public:
     void documentsArrived(QtCortivoDoc& functional) override;
     void runPrepared(QtCortivoDoc& functional) override;
 
+Q_SIGNALS:
+    void slicesWanted();
+
 private:
     void createButtons(QWidget* parent);
 
     RunSession& session_;
     QtCortivoView* functionalView_ = nullptr;
     QToolButton* slices_ = nullptr;
-    /// They wait for views that don't exist yet.
+    /// Buttons of views that don't exist yet.
     QToolButton* volume_ = nullptr;
     QToolButton* anatomy_ = nullptr;
     QToolButton* leftHemisphere_ = nullptr;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/contrast_list.h"
+#include "stats/ui/contrast_list.h"
 
 #include "dialogs/appearance.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/protocol/arriving_lines.h"
+#include "run/protocol/growing_text_file.h"
 
 #include <QFileInfo>
 #include <QStringDecoder>
@@ -10,7 +10,7 @@ namespace {
 
 constexpr qsizetype bytesPerRead = 64 << 10;
 constexpr qsizetype bytesPerCall = 1 << 20;
-constexpr QByteArrayView byteOrderMark = "\xEF\xBB\xBF"; // some editors put it before UTF-8
+constexpr QByteArrayView byteOrderMark = "\xEF\xBB\xBF"; // written by some editors
 
 } // namespace
 
@@ -26,9 +26,9 @@ qsizetype bytesBefore(const QByteArray& bytes, const QString& text, qsizetype ch
     return isUtf8 ? text.left(characters).toUtf8().size() : characters;
 }
 
-bool ArrivingLines::open(const QString& path, QIODevice::OpenMode mode, LineEnd lineEnd) {
+bool GrowingTextFile::open(const QString& path, QIODevice::OpenMode mode, LineEnd lineEnd) {
     close();
-    // Opening a pipe would wait for its other end.
+    // Opening a pipe would block until its other end is opened.
     if (!QFileInfo(path).isFile())
         return false;
     file_.setFileName(path);
@@ -43,27 +43,27 @@ bool ArrivingLines::open(const QString& path, QIODevice::OpenMode mode, LineEnd 
     return true;
 }
 
-void ArrivingLines::close() {
+void GrowingTextFile::close() {
     file_.close();
     buffer_ = {};
     next_ = scanned_ = 0;
     tooLong_ = false;
 }
 
-QByteArray ArrivingLines::head(bool wholeLines) const {
+QByteArray GrowingTextFile::head(bool wholeLines) const {
     return wholeLines ? buffer_.left(buffer_.lastIndexOf('\n') + 1) : buffer_;
 }
 
-void ArrivingLines::skipHead(qsizetype bytes) {
+void GrowingTextFile::skipHead(qsizetype bytes) {
     next_ = scanned_ = std::clamp(bytes, qsizetype(0), buffer_.size());
 }
 
-ArrivingLines::Taken ArrivingLines::take(QString& line) {
+GrowingTextFile::ReadResult GrowingTextFile::readLine(QString& line) {
     for (qsizetype looked = 0; looked < bytesPerCall;) {
         const qsizetype end = lineEnd();
         if (end < 0) {
             if (!readMore())
-                return Taken::Nothing;
+                return ReadResult::Nothing;
             looked += bytesPerRead;
             continue;
         }
@@ -71,15 +71,15 @@ ArrivingLines::Taken ArrivingLines::take(QString& line) {
         next_ = scanned_ = end + 1;
         looked += bytes.size() + 1;
         if (std::exchange(tooLong_, false) || bytes.size() > maximumLine)
-            return Taken::TooLong;
+            return ReadResult::TooLong;
         line = decodedText(bytes);
         if (!line.trimmed().isEmpty())
-            return Taken::Line;
+            return ReadResult::Line;
     }
-    return Taken::Nothing;
+    return ReadResult::Nothing;
 }
 
-qsizetype ArrivingLines::lineEnd() {
+qsizetype GrowingTextFile::lineEnd() {
     const bool carriageReturnEnds = lineEnd_ == LineEnd::CarriageReturnOrLineFeed;
     const auto end =
         std::find_if(buffer_.cbegin() + scanned_, buffer_.cend(), [carriageReturnEnds](char c) {
@@ -89,7 +89,7 @@ qsizetype ArrivingLines::lineEnd() {
     return end == buffer_.cend() ? -1 : scanned_;
 }
 
-bool ArrivingLines::readMore() {
+bool GrowingTextFile::readMore() {
     if (!file_.isOpen())
         return false;
     buffer_.remove(0, next_);
