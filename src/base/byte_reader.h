@@ -23,7 +23,7 @@ public:
     [[nodiscard]] size_t remaining() const { return bytes_.size() - position_; }
     void setOrder(ByteOrder order) { order_ = order; }
 
-    /// False, and failed(), when the position lies beyond the end.
+    /// False, and failed(), when the position is beyond the end.
     bool seek(size_t position) {
         if (position > bytes_.size())
             failed_ = true;
@@ -38,7 +38,7 @@ public:
             position_ += count;
         return !failed_;
     }
-    /// A view of the next `count` bytes; empty, and failed(), when they are not there.
+    /// A view of the next `count` bytes; empty, and failed(), when there are fewer.
     std::span<const uint8_t> take(size_t count) {
         const size_t start = position_;
         return skip(count) ? bytes_.subspan(start, count) : std::span<const uint8_t>();

@@ -37,7 +37,7 @@ bool QtEventPump::pumpWaitForChange(int milliseconds, const QStringList& folders
     return std::exchange(changed_, false);
 }
 
-// Folders that are not there yet, or were replaced, are taken up as soon as they are.
+// Folders that don't exist yet, or were replaced, are watched as soon as they exist.
 void QtEventPump::watch(const QStringList& folders) {
     if (!watcher_) {
         watcher_ = std::make_unique<QFileSystemWatcher>();

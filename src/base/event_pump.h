@@ -1,4 +1,4 @@
-// The one way in which the program waits: events are processed, a clock is looked at.
+// The only way the program waits: it processes events and reads a clock.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -7,7 +7,7 @@
 
 class QFileSystemWatcher;
 
-/// Processes interface events and tells the time. A test counts simulated milliseconds instead.
+/// Processes interface events and reads the time, which a test simulates.
 class EventPump {
 public:
     virtual ~EventPump() = default;
@@ -15,10 +15,10 @@ public:
     virtual void processEvents() = 0;
     /// Handles events for this long. Nothing in the program waits in any other way during a run.
     virtual void pumpWait(int milliseconds) = 0;
-    /// The same, but ends as soon as a file comes to, leaves or is renamed in one of the folders,
-    /// where the system tells of it; then true. A change since the wait before for the same folders
-    /// ends it at once. Mounts whose files are written elsewhere tell nothing, and the growth of a
-    /// file is not told: what is waited for has to be looked for in any case.
+    /// The same, but returns true as soon as a file is created, deleted or renamed in one of the
+    /// folders, if the system reports it. A change since the last wait for the same folders ends it
+    /// at once. Changes made by other machines on a network mount and the growth of a file are not
+    /// reported, so the caller has to poll in any case.
     virtual bool pumpWaitForChange(int milliseconds, const QStringList& folders) {
         static_cast<void>(folders);
         pumpWait(milliseconds);

@@ -7,9 +7,9 @@
 
 /// Writes to a temporary name beside `path`, flushes, renames. False, with the old file untouched,
 /// when any of it fails (unwritable folder, full disk) or `path` is no regular file. A symbolic
-/// link stays, and the file that it leads to is replaced.
+/// link stays, and its target is replaced.
 [[nodiscard]] bool writeFileAtomically(const QString& path, const QByteArray& content);
 
-/// printf formatting into a byte array, in the "C" locale, for the text formats that are laid down
-/// in that form.
+/// printf formatting into a byte array, in the "C" locale, for text formats that are defined that
+/// way.
 [[nodiscard]] QByteArray formatted(const char* format, ...) __attribute__((format(printf, 1, 2)));

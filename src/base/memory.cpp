@@ -14,7 +14,7 @@ QByteArray contentOf(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// The number behind a key at the start of a line; `otherwise` when there is none.
+/// The number after a key at the start of a line; `otherwise` without one.
 size_t numberOf(const QByteArray& text, const QByteArray& key, size_t otherwise) {
     for (const QByteArray& line : text.split('\n')) {
         const QList<QByteArray> words = line.simplified().split(' ');
@@ -33,7 +33,7 @@ size_t leftInGroup(const QString& folder, bool unified) {
     if (!hasLimit)
         return noLimit;
     const size_t usage = contentOf(folder + usageFile).trimmed().toULongLong();
-    // Files that are kept in memory count as used, but give way.
+    // Cached files count as used, but are evicted on demand.
     const QByteArray statistics = contentOf(folder + "/memory.stat");
     const QByteArray prefix = unified ? "" : "total_";
     const size_t files = numberOf(statistics, prefix + "inactive_file", 0) +

@@ -8,14 +8,13 @@
 #include <new>
 #include <span>
 
-/// Bytes that the system can still give without swapping, or the control groups of a container
-/// where they leave less; the largest size_t where neither tells. `root` stands before the paths
-/// that are read.
+/// Bytes available without swapping, or within the limits of the process's control groups if that
+/// is less; the largest size_t if neither is known. `root` is prepended to the paths that are read.
 [[nodiscard]] size_t availableMemoryBytes(const QString& root = QString());
 
-/// True when `count` items of `size` bytes neither overflow nor exceed what the system can give.
-/// Systems hand out more memory than they have and end the process when it is touched, so a large
-/// request is held against what is there before it is made.
+/// True when `count` items of `size` bytes neither overflow nor exceed the available memory.
+/// Systems overcommit and kill the process when the memory is touched, so a large request is
+/// checked before it is made.
 [[nodiscard]] bool memoryIsAvailable(size_t count, size_t size);
 
 /// A zeroed array whose allocation may fail without an exception.

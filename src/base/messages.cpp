@@ -8,7 +8,7 @@
 
 namespace {
 
-// Serves before a window exists, and programs that have none.
+// Used before a window exists, and by programs without one.
 class StandardErrorHandler : public UnattendedMessages {
 public:
     void show(MessageLevel, const QString& text, const QString&) override { print(text); }
@@ -38,7 +38,7 @@ MessageHandler*& currentHandler() {
 } // namespace
 
 void OpenChooser::close() {
-    // Closing may come back here.
+    // Closing may re-enter this function.
     if (const auto closeChooser = std::exchange(closeChooser_, nullptr))
         closeChooser();
 }
@@ -91,13 +91,13 @@ std::optional<int> askForInteger(const InputTexts& texts, int start, const Integ
 
 std::optional<double> askForNumber(const InputTexts& texts, double start,
                                    const NumberBounds& bounds) {
-    if (!(bounds.minimum <= bounds.maximum)) // nor with a bound that is no number
+    if (!(bounds.minimum <= bounds.maximum)) // also if a bound is NaN
         return {};
     const auto within = [&bounds](double number) {
         return std::isnan(number) ? bounds.minimum
                                   : std::clamp(number, bounds.minimum, bounds.maximum);
     };
-    // A field that rounds to its decimals may round a bound away.
+    // Rounding to the field's decimals may leave the bounds.
     const std::optional<double> number =
         currentHandler()->inputNumber(texts, within(start), bounds);
     return number ? std::optional(within(*number)) : std::nullopt;

@@ -1,5 +1,5 @@
-// What the program says to the operator and asks of them: one seam for every box, chooser and
-// input. SPDX-License-Identifier: GPL-3.0-or-later
+// Messages, questions, inputs and choosers: the one seam to the operator.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/rgb_color.h"
@@ -15,7 +15,7 @@ using FileChosen = std::function<void(const QString& path)>;
 /// Takes the colour that the operator chose.
 using ColorChosen = std::function<void(const RgbColor& color)>;
 
-/// The title of a box that is given no other.
+/// The default title of a box.
 inline const QString programTitle = QStringLiteral("Velo-Cortivo");
 
 /// What an input box shows: its title, and the text above the field.
@@ -24,21 +24,21 @@ struct InputTexts {
     QString text;
 };
 
-/// Bounds of an integer; a field that is stepped goes by 1.
+/// Bounds of an integer; spin boxes step by 1.
 struct IntegerBounds {
     int minimum = 0;
     int maximum = 0;
 };
 
-/// Bounds of a real number, and the digits behind its decimal point.
+/// Bounds of a real number, and its number of decimals.
 struct NumberBounds {
     double minimum = 0.0;
     double maximum = 0.0;
     int decimals = 2;
 };
 
-/// The chooser that is open for a subject, at most one. It closes, and calls nobody any more, when
-/// this goes, when another opens for the same subject, or with close().
+/// The open chooser of a subject, at most one. It closes without calling its callback when this
+/// object is destroyed, when another chooser opens for the subject, or with close().
 class OpenChooser {
 public:
     OpenChooser() = default;
@@ -47,7 +47,7 @@ public:
     OpenChooser& operator=(const OpenChooser&) = delete;
 
     void close();
-    /// For handlers: takes over what closes the chooser, which may have closed before.
+    /// For handlers: sets the function that closes the chooser, which may be closed already.
     void hold(std::function<void()> closeChooser);
 
 private:
@@ -58,17 +58,17 @@ private:
 class MessageHandler {
 public:
     virtual ~MessageHandler() = default;
-    /// Shows a modal box. A busy cursor, if one is set, is off while it is up.
+    /// Shows a modal box. A busy cursor is hidden meanwhile.
     virtual void show(MessageLevel level, const QString& text, const QString& title) = 0;
-    /// Shows a box that waits for nobody: for what a side task has to tell while a run goes on.
+    /// Shows a modeless box, for messages during a run.
     virtual void showModeless(MessageLevel level, const QString& text) = 0;
     /// A question with the buttons Yes and No; true for Yes.
     [[nodiscard]] virtual bool ask(const QString& text, const QString& title) = 0;
-    /// A modal box with a title and one default button that bears `button`.
+    /// A modal box with a title and one default button labelled `button`.
     virtual void announce(const QString& title, const QString& text, const QString& button) = 0;
 
-    /// These wait for the operator, so a run stands still meanwhile. `start` lies within the
-    /// bounds. Nothing when the operator cancels.
+    /// These block, so a run stands still meanwhile. `start` is within the bounds. Nothing when the
+    /// operator cancels.
     [[nodiscard]] virtual std::optional<int> inputInteger(const InputTexts& texts, int start,
                                                           const IntegerBounds& bounds) = 0;
     [[nodiscard]] virtual std::optional<double> inputNumber(const InputTexts& texts, double start,
@@ -80,14 +80,14 @@ public:
     [[nodiscard]] virtual QString waitForFileToSave(const QString& title, const QString& place,
                                                     const QString& filter) = 0;
 
-    /// These open a chooser and return at once. A `subject` is free; it may be nullptr.
+    /// These open a modeless chooser. `subject` has none open; it may be nullptr.
     virtual void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                                   FileChosen chosen, OpenChooser* subject) = 0;
     virtual void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,
                              OpenChooser& subject) = 0;
 };
 
-/// Nobody is there: nothing is shown, every question is answered with No, and all else cancelled.
+/// Without an operator: shows nothing, answers questions with No and cancels everything else.
 class UnattendedMessages : public MessageHandler {
 public:
     void show(MessageLevel, const QString&, const QString&) override {}
@@ -122,31 +122,29 @@ void showModelessWarning(const QString& text);
 [[nodiscard]] bool askQuestion(const QString& text, const QString& title = programTitle);
 void announce(const QString& title, const QString& text, const QString& button);
 
-/// Ask for a value and wait for it: nothing when the operator cancels, or when no value can lie
-/// within the bounds. `start` is brought within the bounds first; one that is no number becomes
-/// the minimum.
+/// Ask for a value and block: nothing when the operator cancels or no value is within the bounds.
+/// `start` is clamped to the bounds; NaN becomes the minimum.
 [[nodiscard]] std::optional<int> askForInteger(const InputTexts& texts, int start,
                                                const IntegerBounds& bounds);
 [[nodiscard]] std::optional<double> askForNumber(const InputTexts& texts, double start,
                                                  const NumberBounds& bounds);
 [[nodiscard]] std::optional<QString> askForText(const InputTexts& texts, const QString& start);
 
-/// Full path of an existing file, or an empty string when the operator cancels. In all choosers of
-/// files `place` is the folder to begin in, or a path whose file name is proposed, and `filter`
-/// reads "Bitmaps (*.bmp)", several joined by ";;".
+/// Full path of an existing file, or an empty string when the operator cancels. In all file
+/// choosers `place` is the initial folder, or a path whose file name is suggested, and `filter` is
+/// like "Bitmaps (*.bmp)", several joined by ";;".
 [[nodiscard]] QString chooseFileToOpen(const QString& title, const QString& place,
                                        const QString& filter);
-/// Full path of a file to write, which bears an extension of the filter, or an empty string when
-/// the operator cancels or does not want to replace an existing file. Waits, so it is only for
-/// callers that must return the path.
+/// Full path of a file to write, with an extension of the filter, or an empty string when the
+/// operator cancels or declines to replace an existing file. Blocks, so it is only for callers that
+/// must return the path.
 [[nodiscard]] QString waitForFileToSave(const QString& title, const QString& place,
                                         const QString& filter);
-/// The same, but returns at once: a run goes on meanwhile. `chosen` is called with the path, or not
-/// at all. With a subject the chooser, and its question about an existing file, close when the
-/// subject goes.
+/// The modeless form: `chosen` is called with the path, or not at all. With a subject, the chooser
+/// and its question about an existing file close when the subject is destroyed.
 void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                       FileChosen chosen, OpenChooser* subject = nullptr);
-/// Opens a chooser that begins with the colour `start` and returns at once. `chosen` is called when
-/// the operator takes a colour.
+/// Opens a modeless colour chooser at the colour `start`. `chosen` is called when the operator
+/// accepts a colour.
 void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,
                  OpenChooser& subject);

@@ -14,11 +14,11 @@ namespace paths {
 [[nodiscard]] QString folderWithSlash(const QString& path);
 /// The part before the last "/"; empty when there is none.
 [[nodiscard]] QString folderWithoutSlash(const QString& path);
-/// The part behind the last "/".
+/// The part after the last "/".
 [[nodiscard]] QString fileName(const QString& path);
-/// The text behind the last "." of the file name, in lower case; empty when there is none.
+/// The text after the last "." of the file name, in lower case; empty when there is none.
 [[nodiscard]] QString extension(const QString& path);
-/// The path less the last "." of its file name and what follows it.
+/// The path without the last "." of its file name and what follows.
 [[nodiscard]] QString withoutExtension(const QString& path);
 /// The path with `extension` (without dot) added where its file name has none.
 [[nodiscard]] QString withDefaultExtension(const QString& path, const QString& extension);

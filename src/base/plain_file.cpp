@@ -26,9 +26,9 @@ qint64 nanoseconds(const timespec& time) {
     return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
 }
 
-/// -1 when it can't be opened or is no plain file.
+/// -1 when it can't be opened or is not a regular file.
 int openDescriptor(const QString& path) {
-    // An open can act on a device, so the folder's entry is asked first.
+    // Opening a device can have an effect, so the directory entry is checked first.
     const QFileInfo entry(path);
     if (path.isEmpty() || (entry.exists() && !entry.isFile()))
         return -1;

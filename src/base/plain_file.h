@@ -1,24 +1,24 @@
-// Reading files that others write or name: a pipe or a device must not hold the program up.
+// Reading files of unknown origin: a pipe or a device must not block the program.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include <QFile>
 #include <optional>
 
-/// Opens a plain file for reading. False for anything else (folder, pipe, device), which is not
-/// opened, and never waits for another end. The kind is looked at before and behind the opening:
-/// what the name stands for may change in between. An open file doesn't tell its name any more.
+/// Opens a regular file for reading, without blocking. False for anything else (folder, pipe,
+/// device), which is not opened. The type is checked before and after opening, since the name may
+/// be reused in between. The open file has no fileName().
 [[nodiscard]] bool openPlainFile(QFile& file, QIODevice::OpenMode mode = QIODevice::ReadOnly);
 
-/// What changes when a file is written to: its size, or one of its times. A file that is made at
-/// its full size and filled later has its size from the start.
+/// Size and times of a file, at least one of which changes when it is written to. A file may be
+/// created at its full size and filled later.
 struct FileStamp {
     qint64 size = 0;
     qint64 modified = 0; ///< nanoseconds since an arbitrary origin
-    qint64 changed = 0;  ///< the same, of content, name or rights
+    qint64 changed = 0;  ///< the same, of content, name or permissions
     [[nodiscard]] bool operator==(const FileStamp&) const = default;
 };
 
-/// The stamp of a plain file that can be opened for reading. The file is opened first and then
-/// asked: that makes a network mount look at the server instead of at what it remembers.
+/// The stamp of a regular file that can be opened for reading. The file is opened before it is
+/// queried, which makes a network mount ask the server instead of its cache.
 [[nodiscard]] std::optional<FileStamp> fileStamp(const QString& path);

@@ -6,9 +6,9 @@
 
 /// Ends the program with this exit status. The message of the failure has been shown before.
 ///
-/// A test installs a handler that records the status and returns; a caller must therefore leave its
-/// own function at once with a failure after the call.
+/// A test installs a handler that records the status and returns; so a caller must return a failure
+/// at once after the call.
 void endProgram(int status);
 
-/// Replaces the end of the process; an empty function restores it.
+/// Overrides the end of the process; an empty function restores it.
 void installProgramEnd(std::function<void(int status)> handler);

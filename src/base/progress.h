@@ -1,10 +1,10 @@
-// Progress of long work, shown by whoever cares.
+// Progress of long work, and cancelling it.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include <cstdint>
 
-/// Told about progress from 0 to 100; the window shows a box, a test collects the values.
+/// Receives progress from 0 to 100; the window shows a box, a test collects the values.
 class ProgressReporter {
 public:
     virtual ~ProgressReporter() = default;
@@ -14,7 +14,7 @@ public:
     [[nodiscard]] virtual bool cancelled() const { return false; }
 };
 
-/// Maps a step's own progress to a range of percent, and tells whether the work is to stop.
+/// Maps a step's own progress to a range of percent, and reports cancelling.
 class StepProgress {
 public:
     explicit StepProgress(ProgressReporter& reporter, int from = 0, int to = 100)

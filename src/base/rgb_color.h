@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/// Channels from 0 to 255, though a file may give others; grey where nothing is stated.
+/// Channels from 0 to 255, though a file may state others; grey by default.
 struct RgbColor {
     int red = 128;
     int green = 128;

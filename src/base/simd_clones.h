@@ -1,11 +1,11 @@
-// Loops over voxels that are also compiled for wider registers.
+// Compiling loops over voxels for several instruction sets.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-// Where the compiler and the system can choose between versions of a function at start-up, a
-// function marked with this is also compiled for wider registers. Contraction to fused multiply-add
-// is off in the whole tree, so every version gives the same bits. The sanitizers can't run the
-// choice, which is made before they are set up.
+// A function marked with VELO_SIMD_CLONES is also compiled for AVX2, where compiler and system can
+// select the version at start-up. Contraction to fused multiply-add is off in the whole tree, so
+// both versions give the same bits. The sanitizers don't support the selection, which runs before
+// they are initialised.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__gnu_linux__) &&   \
     !defined(__SANITIZE_ADDRESS__)
 #define VELO_SIMD_CLONES __attribute__((target_clones("default", "avx2")))

@@ -1,4 +1,4 @@
-// The folders that the program keeps: the one place that asks the system where they are.
+// The program's folders: the one place that asks the system where they are.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

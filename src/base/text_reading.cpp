@@ -70,7 +70,7 @@ int TokenStream::integer() {
 
 double TokenStream::real() {
     QByteArray token = word().toLatin1();
-    // This conversion knows no plus sign, but the same decimal point whatever the desktop's is.
+    // This conversion rejects a plus sign, but its decimal point doesn't depend on the locale.
     if (token.startsWith('+') && !token.startsWith("+-"))
         token.remove(0, 1);
     double value = 0.0;
@@ -152,8 +152,8 @@ QString shortened(const QString& text) {
 }
 
 bool readTextFile(const QString& path, QString& text) {
-    // Settings and protocols are a few kilobytes; a file beyond this is none of ours and is not
-    // taken into memory.
+    // Settings and protocols are a few kilobytes; a larger file is not one of ours and is not read
+    // into memory.
     constexpr qint64 maximumSize = 64 << 20;
     QFile file(path);
     if (!openPlainFile(file))

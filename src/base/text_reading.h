@@ -4,11 +4,11 @@
 
 #include <QString>
 
-/// Most characters that a quoted string of a file may hold.
+/// Maximum length of a quoted string in a file.
 inline constexpr int maximumQuotedLength = 256;
 
-/// Walks over a text in tokens, lines and characters. It never reads past the end: what is not
-/// there comes back empty, and failed() tells that it was asked for.
+/// Walks over a text in tokens, lines and characters. It never reads past the end: reads there
+/// return empty values and set failed().
 class TokenStream {
 public:
     explicit TokenStream(QString text) : text_(std::move(text)) {}
@@ -16,9 +16,9 @@ public:
     /// Next run of non-white-space characters; empty at the end.
     QString word();
     /// Next token as a whole number. Like the standard stream conversion it takes the longest
-    /// numeric beginning ("12abc" is 12); none, or one that doesn't fit, sets failed() and gives 0.
+    /// numeric prefix ("12abc" is 12); none, or an overflow, sets failed() and gives 0.
     int integer();
-    /// Next token as a finite number, with "." before the decimals; as integer(), with 0.0.
+    /// Next token as a finite number, with "." as decimal point; fails like integer(), with 0.0.
     double real();
     /// The rest of the current line, without its line end; moves to the start of the next line.
     QString restOfLine();
@@ -42,7 +42,7 @@ private:
 };
 
 /// Reads a text file word by word: a word that begins with `commentCharacter` drops the rest of its
-/// line; every other word goes into `result` with one blank behind it. False if the file can't be
+/// line; every other word goes into `result`, followed by one blank. False if the file can't be
 /// read (readTextFile). The text is taken as UTF-8.
 [[nodiscard]] bool removeComments(const QString& path, QChar commentCharacter, QString& result);
 
@@ -60,11 +60,10 @@ private:
 /// right end, and nothing else.
 [[nodiscard]] QString trimFileText(QString text);
 
-/// True when the found token is the expected one: case does not matter, nor does a missing ":" at
-/// the end of the found one.
+/// True when the tokens are equal, ignoring case and a missing ":" at the end of the found one.
 [[nodiscard]] bool tokensAgree(QString found, QString expected);
 
-/// The text as a message quotes it: a damaged file can have words of any length.
+/// The text shortened for a message: a damaged file can have words of any length.
 [[nodiscard]] QString shortened(const QString& text);
 
 /// The whole of a text file as UTF-8. False, with no message, if it can't be read, is no regular

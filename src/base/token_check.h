@@ -1,4 +1,4 @@
-// Checking the keys of positional text files, with the prescribed message and its consequences.
+// Checking the keys of positional text files.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -14,8 +14,8 @@ enum class CheckMode {
 /// Checks tokens of one file.
 class TokenChecker {
 public:
-    /// `stopTimer` is called before a warning, so that the periodic look at the settings file does
-    /// not raise the box again and again.
+    /// `stopTimer` is called before a warning, so that polling the settings file does not show the
+    /// box again and again.
     TokenChecker(QString filePath, std::function<void()> stopTimer)
         : filePath_(std::move(filePath)), stopTimer_(std::move(stopTimer)) {}
 

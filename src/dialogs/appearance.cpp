@@ -5,7 +5,7 @@
 #include <QScreen>
 #include <QWidget>
 
-// The same colours stand in scripts/render_art.
+// scripts/render_art has the same colours.
 namespace {
 const QColor background(0x0e, 0x14, 0x1b);
 const QColor panel(0x15, 0x1d, 0x27);

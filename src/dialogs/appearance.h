@@ -12,14 +12,14 @@
 class QWidget;
 
 [[nodiscard]] QPalette darkPalette();
-/// Channels outside 0 to 255 are brought to the nearest bound.
+/// Channels are clamped to 0 to 255.
 [[nodiscard]] QColor toQColor(const RgbColor& color);
-/// A framed sample of a colour, the same for a selected row.
+/// A framed colour swatch, which looks the same in a selected row.
 [[nodiscard]] QIcon colorIcon(const RgbColor& color, QSize size);
 /// Style sheet of the main window's panels and controls.
 [[nodiscard]] QString windowStyleSheet();
-/// A long tool tip would lie over the slices in one line: makes those of all controls below `root`
-/// HTML, which is wrapped.
+/// Makes the tool tips of all controls below `root` HTML, which wraps: as one line a long tool tip
+/// would cover the slices.
 void wrapToolTips(QWidget& root);
-/// The free area of the screen that a widget is on.
+/// The available area of a widget's screen.
 [[nodiscard]] QRect screenArea(const QWidget* widget);

@@ -18,8 +18,8 @@ namespace {
 
 constexpr int titleBarHeight = 40; // pixels that are kept free for the window's own frame
 
-/// Sets the size of a dialog when it is shown for the first time; a top-level window would else be
-/// held to two thirds of the screen.
+/// Sets the size of a dialog when it is shown for the first time; a top-level window would
+/// otherwise be limited to two thirds of the screen.
 class FirstSize : public QObject {
 public:
     using QObject::QObject;
@@ -33,7 +33,7 @@ public:
     }
 };
 
-/// A screen reader has a text for the others: that on the button, or that of a label.
+/// For the others a screen reader uses the text of the button or of a label.
 bool needsName(const QWidget* widget) {
     const auto* button = qobject_cast<const QAbstractButton*>(widget);
     return button ? button->text().isEmpty()
@@ -63,7 +63,7 @@ void showInFront(QDialog& dialog) {
 }
 
 void returnToControl(QWidget& control) {
-    // The message lay over another window, which may have the keyboard now.
+    // The message belonged to another window, which may have the focus now.
     control.activateWindow();
     control.setFocus();
     if (auto* field = qobject_cast<QLineEdit*>(&control))

@@ -1,4 +1,4 @@
-// What every dialog does after its form is set up, and where it stands.
+// Setting up dialogs, and placing windows on the screen.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -12,20 +12,19 @@ class QWidget;
 /// screen readers, and lets the dialog open as large as its content, but no larger than the screen.
 void prepareDialog(QDialog& dialog);
 
-/// Shows a dialog that is not waited for, or brings it to the front, and gives it the keyboard.
+/// Shows a modeless dialog or raises it, and gives it the keyboard focus.
 void showInFront(QDialog& dialog);
 
-/// After a message about a control: gives it the keyboard, with a text field's content selected.
+/// After a message about a control: gives it the focus, with a text field's content selected.
 void returnToControl(QWidget& control);
 
-/// `frame` moved, and made smaller if need be, so that it lies within `area`.
+/// `frame` moved, and made smaller if need be, to fit into `area`.
 [[nodiscard]] QRect placedWithin(const QRect& area, const QRect& frame);
 
-/// Moves a window that is shown, and makes it smaller if need be, so that it lies on its screen
-/// with its frame. For windows that stand at a place of their own, and after a change of their
-/// size.
+/// Moves a shown window, and makes it smaller if need be, so that it fits on its screen with its
+/// frame. For windows with a position of their own, and after resizing.
 void keepOnScreen(QWidget& window);
 
-/// Opens a modeless dialog with a text, which may be HTML, and an OK button. One of this object
-/// name that is open already comes to the front.
+/// Opens a modeless dialog with a text, which may be HTML, and an OK button. An open one with this
+/// object name is raised instead.
 void openTextDialog(QWidget& parent, const char* name, const QString& title, const QString& text);

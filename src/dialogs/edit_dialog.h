@@ -1,11 +1,11 @@
-// What dialogs share that edit something: a copy is edited and handed over when it is right.
+// Base of dialogs that edit a value: a copy is edited, and applied when it is valid.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include <QDialog>
 #include <utility>
 
-/// What a dialog edits: a copy beside the value as it was.
+/// The edited copy of a value, and the original.
 template<typename Value> class EditedCopy {
 public:
     explicit EditedCopy(Value original) : original_(std::move(original)), edited_(original_) {}
@@ -13,7 +13,7 @@ public:
     [[nodiscard]] Value& edited() { return edited_; }
     [[nodiscard]] const Value& edited() const { return edited_; }
     [[nodiscard]] bool isChanged() const { return !(edited_ == original_); }
-    /// The value to hand over; what was edited counts as the original from now on.
+    /// The value to apply, which becomes the new original.
     const Value& applied() { return original_ = edited_; }
     void revert() { edited_ = original_; }
 
@@ -31,7 +31,8 @@ class EditDialog : public QDialog {
 public:
     using QDialog::QDialog;
 
-    /// Closes the dialog, unless apply() refuses. The dialog may be deleted in messages of apply().
+    /// Closes the dialog, unless apply() refuses. The dialog may be deleted during messages of
+    /// apply().
     void accept() override;
     void reject() override;
 
@@ -42,10 +43,9 @@ protected:
     /// To be called after each edit.
     void refreshButtons();
 
-    /// Hands over what was edited. False when it is not right and the dialog has to stay, after a
-    /// message.
+    /// Applies the edits. False, after a message, when they are invalid and the dialog stays open.
     [[nodiscard]] virtual bool apply() = 0;
-    /// Takes back what was edited and not applied.
+    /// Discards edits that were not applied.
     virtual void revert() {}
     [[nodiscard]] virtual bool isChanged() const { return false; }
 

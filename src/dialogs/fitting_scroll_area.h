@@ -4,8 +4,8 @@
 
 #include <QScrollArea>
 
-/// As large as its content where there is room, so that a scroll bar shows only where there is
-/// none. Forms name it as a promoted QScrollArea.
+/// As large as its content if there is room; otherwise it scrolls. Forms use it as a promoted
+/// QScrollArea.
 class FittingScrollArea : public QScrollArea {
     Q_OBJECT
 
@@ -13,6 +13,6 @@ public:
     explicit FittingScrollArea(QWidget* parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
-    /// As wide as the content: only the height gives way.
+    /// As wide as the content: only the height shrinks.
     [[nodiscard]] QSize minimumSizeHint() const override;
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Stays until it is deleted. Whatever would close it is a cancellation, which canceled() tells.
+/// Stays open until it is deleted. Anything that would close it emits canceled() instead.
 class ProgressBox : public QProgressDialog {
 public:
     ProgressBox(QWidget* window, const ProgressBoxLook& look)
@@ -32,7 +32,7 @@ protected:
     }
 };
 
-/// The busy cursor, for as long as it lives.
+/// Sets the busy cursor for its lifetime.
 class BusyCursor {
 public:
     explicit BusyCursor(Qt::CursorShape shape) { QApplication::setOverrideCursor(shape); }
@@ -67,11 +67,11 @@ public:
             cancelled_ = true;
             box_.setLabelText("Cancelling...");
         });
-        // The Return that chose "OK" in the dialog may repeat itself.
+        // The Return key that chose "OK" in the dialog may auto-repeat.
         for (QPushButton* button : box_.findChildren<QPushButton*>())
             button->setAutoDefault(false);
-        // No value yet: setting one processes events, and the work has not told anybody that it
-        // goes on.
+        // No value yet: setting one processes events, before the session's phase says that work is
+        // going on.
         box_.show();
     }
     ~CancellableProgress() override { box_.hide(); }

@@ -1,4 +1,4 @@
-// The boxes that show how far long work has come.
+// Boxes that show the progress of long work.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -18,8 +18,8 @@ struct ProgressBoxLook {
     QSize size{320, 110}; ///< pixels; larger where the text needs it
 };
 
-/// Opens a box over `window` and sets the busy cursor; both go when the result is deleted. The box
-/// is modal, so that nothing changes what is being worked on; its button stops nothing.
+/// Opens a box over `window` and sets the busy cursor; both end when the result is deleted. The box
+/// is modal, so that nothing changes the data being processed; its button stops nothing.
 [[nodiscard]] std::unique_ptr<ProgressReporter> openProgressBox(QWidget* window,
                                                                 const ProgressBoxLook& look);
 

@@ -8,9 +8,9 @@ class LogPanel : public QTextBrowser {
 public:
     explicit LogPanel(QWidget* parent);
 
-    /// The same text again is left alone: it would throw away the operator's selection.
+    /// Setting the same text again does nothing, which keeps the operator's selection.
     void showText(const QString& html);
-    /// Dragging selected text would hold up a run.
+    /// Off during a run: dragging selected text would block it.
     void setTextSelectable(bool selectable);
     /// Space around the text, in pixels.
     void setMargin(int pixels);

@@ -33,8 +33,8 @@ QString statisticOf(MapKind kind) {
     return kind == MapKind::Correlation || kind == MapKind::CrossCorrelation ? "R" : "t";
 }
 
-/// Colours of the single maps and, for two, of both together; unions of more maps are mixtures
-/// that speak for themselves.
+/// Colours of the single maps and, for two, of their overlap; overlaps of more maps are evident
+/// mixtures.
 void addEntries(OverlayLegend& legend, const StatisticalMaps& maps,
                 const ContrastDefinitions& contrasts) {
     for (int map = 0; map < maps.NrOfShownMaps; ++map) {

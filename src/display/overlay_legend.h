@@ -1,4 +1,4 @@
-// The key to the colours of the map overlay, beside the slices.
+// The colour legend of the map overlay, beside the slices.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -15,7 +15,7 @@ class QPainter;
 class QRect;
 
 struct OverlayLegend {
-    /// A contrast, or what several contrasts together have, by its colour.
+    /// The colour of a contrast, or of the overlap of several.
     struct Entry {
         QString name;
         QColor color;
@@ -32,7 +32,7 @@ struct OverlayLegend {
     std::vector<Entry> entries; ///< with contrast colours only
 };
 
-/// What there is to tell about the shown maps.
+/// The legend of the shown maps.
 [[nodiscard]] OverlayLegend makeOverlayLegend(const StatisticalMaps& maps,
                                               const OverlayThresholds& thresholds,
                                               const ContrastDefinitions& contrasts,
@@ -45,10 +45,10 @@ struct OverlayLegend {
 /// Width that a legend needs with this font, in logical pixels.
 [[nodiscard]] int legendWidth(const QFont& font);
 
-/// Paints on a dark ground. `font` is that of texts; numbers take the system's font of fixed width
-/// at its size.
+/// Paints on a dark background. `font` is for texts; numbers use the system's fixed-width font at
+/// its size.
 void paintOverlayLegend(QPainter& painter, const QRect& area, const OverlayLegend& legend,
                         const QFont& font);
 
-/// The system's font of fixed width at the size of `font` times `factor`.
+/// The system's fixed-width font at the size of `font` times `factor`.
 [[nodiscard]] QFont numberFont(const QFont& font, double factor = 1.0);

@@ -24,8 +24,8 @@ const QColor labelColor(196, 202, 210);
 const QColor labelGround(0, 0, 0, 150);
 const QColor lineColor(44, 48, 56);
 
-/// A scale factor up to this share below the largest that fits is taken if it is whole: all pixels
-/// then have the same size.
+/// A whole scale factor is preferred up to this share below the largest that fits: all pixels then
+/// have the same size.
 constexpr double leastShareOfWholeFactor = 0.9;
 
 double scaleFactor(QSizeF room, QSize picture) {
@@ -114,8 +114,8 @@ void QtCortivoView::slotSaveAsBMP() {
         showModelessWarning("WARNING: There are no slices to save!");
         return;
     }
-    // The picture as it stands: the run, and with it this view, may be over when the name is
-    // chosen.
+    // A copy of the current picture: the run may have ended, and this view with it, when the name
+    // is chosen.
     chooseFileToSave("Save Bitmap File", document_->project.targetFolder, "Bitmaps (*.bmp)",
                      [picture = mosaic()](const QString& path) { saveBitmap(picture, path); });
 }

@@ -13,7 +13,7 @@ class QtCortivoDoc;
 
 /// The mosaic is composed once for each change, at one pixel for each pixel of a slice, and drawn
 /// into the view without smoothing. Slice numbers, lines between the tiles and the colour legend
-/// are drawn over it at the resolution of the screen; they are no part of the saved picture.
+/// are drawn over it at the resolution of the screen; they are not part of the saved picture.
 class QtCortivoView : public QWidget {
     Q_OBJECT
 
@@ -30,9 +30,9 @@ public:
     /// The help file of the paradigm, as the settings name it; empty for none.
     void setHelpFile(const QString& path) { helpFile_ = path; }
 
-    /// The mosaic as it stands; null without slices, or when it would be too large.
+    /// The current mosaic; null without slices, or when it would be too large.
     [[nodiscard]] const QImage& mosaic();
-    /// The slice at a position in the view, counted from 0; -1 beside the slices.
+    /// The slice at a position in the view, counted from 0; -1 outside the slices.
     [[nodiscard]] int sliceAt(QPoint position) const;
 
     [[nodiscard]] QSize sizeHint() const override { return {700, 560}; }
@@ -41,8 +41,8 @@ public:
 public Q_SLOTS:
     /// The slices, the maps or the way in which they are shown have changed.
     void slotDocumentChanged();
-    /// Saves the mosaic as it stands now in the file that the operator chooses; a run goes on
-    /// meanwhile. A failure is reported.
+    /// Saves the current mosaic in the file that the operator chooses, without blocking a run. A
+    /// failure is reported.
     void slotSaveAsBMP();
     /// Blackens the view until the document changes again.
     void slotClearArea();
@@ -56,7 +56,7 @@ protected:
 
 private:
     [[nodiscard]] QRect legendArea() const;
-    /// Where the mosaic stands in the view, in logical pixels on the grid of the screen's.
+    /// The mosaic's area in the view, in logical pixels, aligned to those of the screen.
     [[nodiscard]] QRectF mosaicArea() const;
     [[nodiscard]] QString toolTipAt(QPoint position) const;
     void compose();

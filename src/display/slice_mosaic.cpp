@@ -24,7 +24,7 @@ struct Canvas {
           stride(size_t(image.bytesPerLine()) / sizeof(uint32_t)), size(image.size()) {}
 
     uint32_t* line(int y) { return pixels + size_t(y) * stride; }
-    /// Fills a square; what reaches over the right or lower border is cut off.
+    /// Fills a square, clipped at the right and lower border.
     void fillSquare(int x, int y, int side, uint32_t color) {
         if (side == 1) {
             if (x < size.width() && y < size.height())
@@ -79,7 +79,7 @@ public:
     }
 
 private:
-    /// The colour of the largest of the shown values; of equal ones the first counts.
+    /// The colour of the largest of the shown values; the first of equal ones wins.
     [[nodiscard]] uint32_t significanceColor(int slice, size_t pixel) const {
         const size_t mapSamples = maps_.size.samples();
         const float* values =
@@ -106,7 +106,7 @@ private:
     std::array<uint32_t, 1u << ContrastDefinitions::maximumShownMaps> colorOfSet_{};
 };
 
-/// True when there are maps to paint and all that they claim to hold is there.
+/// True when there are maps to paint and they match their counts and the grid of the slices.
 bool overlayIsUsable(const SliceMosaicSource& source) {
     const StatisticalMaps* maps = source.maps;
     return maps && source.colors && maps->NrOfShownMaps > 0 &&
@@ -114,7 +114,7 @@ bool overlayIsUsable(const SliceMosaicSource& source) {
            QSize(maps->size.x, maps->size.y) == source.slices->gridSize();
 }
 
-/// Copies a slice into its tile; what the image lacks stays black.
+/// Copies a slice into its tile; the rest of the tile is black.
 void copyTile(Canvas& canvas, const QImage& image, QPoint corner, QSize tile) {
     const QImage pixels = image.format() == QImage::Format_RGB32
                               ? image
@@ -145,7 +145,7 @@ int significanceColorIndex(float shownValue, bool negative, float threshold,
                            float colorMaxThreshold) {
     constexpr int strongest = nrOfOverlayColors / 2 - 1;
     const float range = colorMaxThreshold - threshold;
-    // Also taken for a range or a value that is no number.
+    // Also used when the range or the value is NaN.
     int index = strongest;
     if (range > 0.0f) {
         const double position = double((shownValue - threshold) / range) * strongest;

@@ -28,21 +28,21 @@ struct SliceMosaicSource {
     }
 };
 
-/// Entry of the table of contrast colours for a voxel at which the maps of the bits in `passing`
-/// (not 0) reach the threshold, of `nrOfMaps` (1 to 4) shown ones.
+/// Index into the contrast colours for a voxel at which the maps with a bit in `passing` (not 0)
+/// reach the threshold, out of `nrOfMaps` (1 to 4) shown ones.
 [[nodiscard]] int multiMapColorIndex(unsigned passing, int nrOfMaps);
 
-/// Entry of the table of significance colours for a value, as its map's state shows it, that
-/// reaches the threshold: 0 to 9 in equal steps from Threshold to ColorMaxThreshold and 9 above;
-/// 10 more for a map with a negative value. Thresholds that span nothing give the strongest colour.
+/// Index into the significance colours for a value that reaches the threshold, as its map's state
+/// shows it: 0 to 9 in equal steps from Threshold to ColorMaxThreshold and 9 above; 10 more for a
+/// map with a negative value. An empty range of thresholds gives the strongest colour.
 [[nodiscard]] int significanceColorIndex(float shownValue, bool negative, float threshold,
                                          float colorMaxThreshold);
 
 /// Composes the mosaic at one pixel for each pixel of the tiles. `target` gets the size columns by
 /// rows of tiles, of the size of the first image; its memory is kept where the size stays.
 ///
-/// Each voxel that voxelIsShown() lets through becomes a square of s x s pixels with s = tile width
-/// / DimX, rounded, at ((x + column * DimX) * s, (y + row * DimY) * s), without interpolation.
-/// Maps that don't have the slices' grid are not painted. False, with a null image, when there are
-/// no slices or the mosaic would be too large (see sliceMosaicSize()).
+/// Each voxel that passes voxelIsShown() becomes a square of s x s pixels with s = tile width /
+/// DimX, rounded, at ((x + column * DimX) * s, (y + row * DimY) * s), without interpolation. Maps
+/// that don't have the slices' grid are not painted. False, with a null image, when there are no
+/// slices or the mosaic would be too large (see sliceMosaicSize()).
 [[nodiscard]] bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source);

@@ -1,4 +1,4 @@
-// Which slice stands at which place of the mosaic, and how the operator scrolls through them.
+// Which slice is at which place of the mosaic, and scrolling through the slices.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -14,8 +14,8 @@
 /// 1 GB.
 inline constexpr int maximumSliceMosaicSide = 16384;
 
-/// The slice at a place counted row by row; -1 for a place beyond the slices. FirstShownSlice
-/// stands at place 0, the slices before it follow the last one.
+/// The slice at a place counted row by row; -1 for a place beyond the slices. FirstShownSlice is at
+/// place 0; the slices before it follow the last one.
 [[nodiscard]] int sliceAtPlace(const SliceMosaicLayout& layout, int place, int nrOfSlices);
 
 /// True when the mosaic has a tile for each slice.

@@ -10,7 +10,7 @@ class QToolButton;
 class QtCortivoView;
 class RunSession;
 
-/// The frame ImageView. Makes the views of new documents and lets them go with these.
+/// The frame ImageView. Creates the views of new documents and deletes them with these.
 class ViewPanel : public QFrame, public RunListener {
     Q_OBJECT
 
@@ -18,11 +18,11 @@ public:
     /// The frame of the buttons becomes a child of `parent` too.
     ViewPanel(RunSession& session, QWidget* parent);
 
-    /// There are a document and its view.
+    /// True when there are a document and its view.
     [[nodiscard]] bool documentShown() const;
     void refreshButtons();
-    /// Repaints the visible view. It takes the keyboard unless `keepFocus`: the operator is busy
-    /// with a control.
+    /// Repaints the visible view. It takes the keyboard focus unless `keepFocus`: the operator is
+    /// using a control.
     void update(bool keepFocus);
     /// Brings the slices to the front.
     void showSlices();
@@ -42,7 +42,7 @@ private:
     RunSession& session_;
     QtCortivoView* functionalView_ = nullptr;
     QToolButton* slices_ = nullptr;
-    /// They wait for views that don't exist yet.
+    /// Buttons of views that don't exist yet.
     QToolButton* volume_ = nullptr;
     QToolButton* anatomy_ = nullptr;
     QToolButton* leftHemisphere_ = nullptr;

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Takes the fields one after the other, each in its own type.
+// Reads the fields in order, each with its own type.
 class FieldReader {
 public:
     FieldReader(std::span<const uint8_t> bytes, ByteOrder order) : reader_(bytes, order) {}

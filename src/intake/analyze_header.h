@@ -1,4 +1,4 @@
-// The header of ANALYZE 7.5 images, a file of its own (".hdr") beside the samples.
+// The header of ANALYZE 7.5 images, a separate file (".hdr") beside the samples.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -7,7 +7,7 @@
 #include <QString>
 #include <array>
 
-/// How to read the file as such, 40 bytes. Names of this record are those of the published format.
+/// Description of the file, 40 bytes. Field names are those of the published format.
 struct AnalyzeHeaderKey {
     int32_t sizeof_hdr = 0; ///< 348, or 384 in a longer variant
     std::array<char, 10> data_type{};
@@ -28,7 +28,7 @@ struct AnalyzeImageDimension {
     int16_t bitpix = 0;   ///< bits of a voxel
     int16_t dim_un0 = 0;
     std::array<float, 8> pixdim{}; ///< from 1 on as dim: millimetres, then seconds or milliseconds
-    float vox_offset = 0.0f;       ///< bytes in front of the samples
+    float vox_offset = 0.0f;       ///< bytes before the samples
     std::array<float, 3> funused{};
     float cal_max = 0.0f;
     float cal_min = 0.0f;
@@ -68,8 +68,8 @@ struct AnalyzeHeader {
 
 inline constexpr int analyzeHeaderBytes = 348;
 
-/// The values as they stand; none is checked. Big endian when the size of the header reads as 348
-/// or 384 that way, else little endian. False, with nothing changed, for less than a whole record.
+/// No value is checked. Big endian when the size of the header reads as 348 or 384 that way, else
+/// little endian. False, with nothing changed, for less than a whole record.
 [[nodiscard]] bool parseAnalyzeHeader(std::span<const uint8_t> bytes, ByteOrder& order,
                                       AnalyzeHeader& header);
 

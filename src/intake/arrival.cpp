@@ -21,7 +21,7 @@ QStringList foldersOf(const QStringList& names) {
     return folders;
 }
 
-/// Reads the names in the folders and drops them: a mount then looks at the server anew.
+/// Lists the folders and discards the names: a network mount then asks the server again.
 void readFolders(const QStringList& folders) {
     for (const QString& folder : folders) {
         std::error_code error;
@@ -38,7 +38,7 @@ public:
         : folders_(foldersOf(names)), times_(times), pump_(pump) {}
 
     /// A scanner that writes many small files, or one in many pieces, changes the folder all the
-    /// time: behind a change come rounds of this distance, and only then the next look at changes.
+    /// time: a change is followed by rounds at this interval before the next one is watched for.
     void next(qint64 waitedMilliseconds) {
         constexpr int quickMilliseconds = 10;
         if (quickPauses_ > 0) {
@@ -54,7 +54,7 @@ public:
     }
 
 private:
-    /// A large folder on a slow mount must not hold up the window: reading takes at most a tenth of
+    /// A large folder on a slow mount must not freeze the window: listing takes at most a tenth of
     /// the time.
     void lookAtFolders() {
         constexpr qint64 restPerReading = 9;
@@ -97,7 +97,7 @@ QString awaitFile(const ExpectedFile& expected, const WaitTimes& times, EventPum
         }
         if (watch.elapsed() > times.timeOutMilliseconds)
             return {};
-        // A file that changes is looked at again without a pause: its settling time was one.
+        // A file that changes is tested again without a pause: its settling time was one.
         if (!unsettled)
             pauses.next(watch.elapsed());
     }

@@ -1,4 +1,4 @@
-// Waiting for the files of a scanner, which gives no sign of its own.
+// Waiting for the files of a scanner, which doesn't announce them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -8,16 +8,16 @@
 #include <QStringList>
 
 /// The arrival test. True when the name is not empty, the file exists, can be opened for reading,
-/// and holds at least `size` bytes, or with `atLeast` off exactly that many.
+/// and holds at least `size` bytes, or exactly that many without `atLeast`.
 [[nodiscard]] bool waitForFile(const QString& fileName, qint64 size, bool atLeast);
 
-/// What is waited for. Several names stand for one file: all are tested in each round.
+/// An awaited file. It may have one of several names, all of which are tested in each round.
 struct ExpectedFile {
     QStringList names;
     qint64 size = 0;
     bool atLeast = true;
-    /// The scanner goes on writing to the file when what is waited for is there, as it does where
-    /// one file holds a run: size and times never hold still.
+    /// The file keeps growing after the awaited part has arrived, as one file for a whole run does:
+    /// its size and times never settle.
     bool keepsGrowing = false;
 };
 
@@ -27,12 +27,12 @@ struct WaitTimes {
     int settleMilliseconds = 10; ///< from the arrival to the reading
 };
 
-/// Blocks, with events processed, until one of the names has passed the arrival test and its size
-/// and times have then held still over the settling time: a copy may be made at its full size and
-/// filled later. Its name, or an empty string when the time-out has passed before.
+/// Blocks, processing events, until one of the names has passed the arrival test and the size and
+/// times of the file have not changed for the settling time: a copy may be created at its full size
+/// and filled later. Returns the name, or an empty string on a time-out.
 ///
-/// A change of the folder, where the system tells of it, brings the next rounds forward. After a
-/// second the folder itself is read in each round, since a network mount may remember that a file
-/// was not there.
+/// A change of the folder, if the system reports it, starts the next round early. After one second
+/// the folder is listed in each round, since a network mount may have cached that a file is
+/// missing.
 [[nodiscard]] QString awaitFile(const ExpectedFile& expected, const WaitTimes& times,
                                 EventPump& pump);

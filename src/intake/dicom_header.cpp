@@ -75,7 +75,7 @@ constexpr const char* columnsMessage =
 constexpr std::array binaryFields{
     BinaryField{tagOf(0x0028, 0x0010), &DicomHeader::rows, rowsMessage},
     BinaryField{tagOf(0x0028, 0x0011), &DicomHeader::columns, columnsMessage},
-    // The text names another key; operators know it in this form.
+    // The text names another key, but operators know it like this.
     BinaryField{tagOf(0x0028, 0x0100), &DicomHeader::bitsAllocated, columnsMessage},
 };
 
@@ -117,7 +117,7 @@ bool takeBinary(const BinaryField& entry, std::span<const uint8_t> value, ByteOr
     return true;
 }
 
-// Takes the value if it belongs to a tag of the record. False after a message.
+// Stores the value if its tag belongs to the record. False after a message.
 bool takeValue(uint32_t tag, std::span<const uint8_t> value, ByteOrder order, DicomHeader& header) {
     if (const TextField* text = entryFor(textFields, tag))
         header.*text->field = limitedText(value, text->limit);
@@ -230,8 +230,8 @@ bool parseDicomIdentifiers(std::span<const uint8_t> bytes, const QString& fileNa
         more = value.has_value();
         if (!more)
             break;
-        // The test stands behind the elements that are not wanted: a walk that ends right behind
-        // the fourth one has not been shown to be whole.
+        // Tested only after unwanted elements: a file that ends right after the fourth identifier
+        // may be truncated.
         if (isIdentifier(element))
             takeIdentifier(tagOf(element.group, element.number), *value, identifiers);
         else if (identifiers.complete())

@@ -1,4 +1,4 @@
-// What a run needs of a DICOM header, and the walk through a file that finds it.
+// The fields of a DICOM header that a run needs, and parsing them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -9,16 +9,16 @@
 #include <span>
 #include <string>
 
-/// One flat record. It outlives a parse: a tag that a file does not hold keeps the value of the
-/// file before. Texts hold the bytes of the file up to their first zero byte, padding included; one
-/// that is longer than its limit is "<skipped>".
+/// Shared by the files of a run: a tag that is missing from a file keeps its previous value. Texts
+/// hold the bytes of the file up to their first zero byte, padding included; one that is longer
+/// than its limit is "<skipped>".
 struct DicomHeader {
     ByteOrder metaByteOrder = ByteOrder::Little;
     ByteOrder dataByteOrder = ByteOrder::Little;
     bool explicitVR = false;
     int32_t columns = 0;               ///< (0028,0011)
     int32_t rows = 0;                  ///< (0028,0010)
-    float pixelSpacingSecond = 0.0f;   ///< (0028,0030) behind the backslash, millimetres
+    float pixelSpacingSecond = 0.0f;   ///< (0028,0030) after the backslash, millimetres
     float pixelSpacingFirst = 0.0f;    ///< (0028,0030) before the backslash, millimetres
     float sliceThickness = 0.0f;       ///< (0018,0050), millimetres
     float spacingBetweenSlices = 0.0f; ///< (0018,0088), millimetres; 0 until a file states it
@@ -43,9 +43,9 @@ struct DicomHeader {
     int32_t instanceNumber = 0;        ///< (0020,0013)
 };
 
-/// Walks the bytes of a file up to the first group whose low byte is above 28. `rawDataByteOrder`
-/// takes the byte order that the file is found to have. False after a message that names
-/// `fileName`; what was read up to the failure stays in `header`.
+/// Walks the bytes of a file up to the first group whose low byte is above 0x28. `rawDataByteOrder`
+/// receives the detected byte order. False after a message that names `fileName`; what was read up
+/// to the failure stays in `header`.
 [[nodiscard]] bool parseDicomHeader(std::span<const uint8_t> bytes, const QString& fileName,
                                     DicomHeader& header, ByteOrder& rawDataByteOrder);
 
@@ -53,7 +53,7 @@ struct DicomHeader {
 [[nodiscard]] bool readDicomHeader(const QString& fileName, DicomHeader& header,
                                    ByteOrder& rawDataByteOrder);
 
-/// What the renaming of a folder needs of each file.
+/// What renaming the files of a folder needs of each.
 struct DicomIdentifiers {
     int32_t series = -1;      ///< (0020,0011)
     int32_t acquisition = -1; ///< (0020,0012)
@@ -65,8 +65,8 @@ struct DicomIdentifiers {
     }
 };
 
-/// A walk of its own that leaves the shared record alone. True once all four are known; false with
-/// a message for bytes without pixel key, silently where the walk ends early.
+/// Parses without touching the shared record. True once all four are known; false with a message if
+/// there is no pixel key, without one when the header ends early.
 [[nodiscard]] bool parseDicomIdentifiers(std::span<const uint8_t> bytes, const QString& fileName,
                                          DicomIdentifiers& identifiers);
 

@@ -10,7 +10,7 @@
     return QString::number(number).rightJustified(width, '0');
 }
 
-/// "i5.MRDC.1": number and count as GE scanners write them, without zeros in front.
+/// "i5.MRDC.1": number and count as GE scanners write them, without leading zeros.
 [[nodiscard]] inline QString geDicomFileName(qint64 number, qint64 count) {
     return QString("i%1.MRDC.%2").arg(number).arg(count);
 }

@@ -10,8 +10,8 @@
 DicomSliceReader::DicomSliceReader(const IntakeContext& context)
     : DicomVolumeReader(context, ImageKind::singleSlice()) {}
 
-// Names of this type begin with the delimiter; the files of most sites bear the prefix of the first
-// file name before it. Both are looked for.
+// Names of this type begin with the delimiter; at most sites the prefix of the first file name
+// precedes it. Both are looked for.
 QStringList DicomSliceReader::namesOf(qint64 measured, int slice) const {
     const RunSettings& run = settings();
     const qint64 volumeNumber = run.DicomFirstVolumeNr + measured;
@@ -37,7 +37,7 @@ bool DicomSliceReader::readSlices(Stage stage, int volume) {
     if (nrOfSamples == 0)
         return false;
     for (int slice = 0; slice < project().NrOfSlices; ++slice) {
-        // Any size counts as arrived: how long a header is, the settings don't tell.
+        // Any size counts as arrived, since the length of the header is unknown.
         const auto image = awaitImage({namesOf(measured, slice), 0, true}, stage, nrOfSamples);
         if (!image || !takeSlice(*image, stage, targetSlice(stage, volume, slice)))
             return false;
@@ -91,8 +91,8 @@ bool SiemensMosaicReader::readVolume(int volume) {
 bool SiemensMosaicReader::takeVolume(const Image& image, Stage stage,
                                      std::span<int16_t> volume) const {
     const TiledImageLayout layout = TiledImageLayout::of(settings(), project());
-    // In the loop the size of the swapped part comes from another key of the settings: settings
-    // that disagree between the two keep their known result.
+    // In the loop the size of the swapped part comes from another settings key: where the two
+    // differ, results stay what they have always been.
     const size_t loopSide = size_t(std::max(settings().SiemensMosaicResolution, 0));
     const size_t count = stage == Stage::Loop ? loopSide * loopSide : layout.imageSamples();
     toHostOrder(image.samples.first(2 * std::min(count, image.samples.size() / 2)),

@@ -43,8 +43,7 @@ void collect(std::span<const uint8_t> bytes, const DicomEncoding& encoding, bool
 
 Findings findingsOf(std::span<const uint8_t> bytes) {
     Findings findings;
-    // The meta-header is explicit whatever the data set is; where it starts without its length,
-    // only this tells.
+    // The meta-header is always explicit; detection fails on one that starts without its length.
     collect(bytes, {ByteOrder::Little, true}, true, findings);
     // Compressed samples hide the encoding, but then the syntax is known by now.
     if (const auto encoding = detectEncoding(bytes, EncodingSearch::LastKeyNearStart))
@@ -60,7 +59,7 @@ bool isUncompressed(const std::string& transferSyntax) {
 
 } // namespace
 
-QString refusalOf(std::span<const uint8_t> bytes, const QString& fileName) {
+QString unsupportedReason(std::span<const uint8_t> bytes, const QString& fileName) {
     constexpr std::string_view enhancedImageStorage = "1.2.840.10008.5.1.4.1.1.4.1";
     const Findings findings = findingsOf(bytes);
     if (!isUncompressed(findings.transferSyntax))

@@ -1,5 +1,4 @@
-// Refusing files whose samples can't be read as they stand: compressed ones and those of several
-// frames.
+// Detecting DICOM files that are not supported: compressed and multi-frame ones.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -7,10 +6,9 @@
 #include <cstdint>
 #include <span>
 
-/// Why the file can't be read, as a message that names it; empty when nothing speaks against it.
-/// Looks at transfer syntax and storage class of the meta-header and at the header's storage class
-/// and number of frames.
-[[nodiscard]] QString refusalOf(std::span<const uint8_t> bytes, const QString& fileName);
+/// A message that says why the file can't be read; empty if it can. Checks transfer syntax and
+/// storage class of the meta-header, and storage class and number of frames of the header.
+[[nodiscard]] QString unsupportedReason(std::span<const uint8_t> bytes, const QString& fileName);
 
-/// The message for samples that come in compressed fragments.
+/// The message for compressed samples.
 [[nodiscard]] QString compressedMessage(const QString& fileName, const QString& transferSyntax);

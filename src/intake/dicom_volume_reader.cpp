@@ -49,9 +49,9 @@ std::optional<DicomVolumeReader::Image> DicomVolumeReader::readImage(const QStri
         const std::span<uint8_t> samples = found ? pixelBytes(bytes(), *found) : bytes().first(0);
         if (found && samples.size() / 2 >= nrOfSamples)
             return Image{fileName, samples, found->byteOrder};
-        // A file that has all that it promises won't grow.
+        // A file that has all its stated data won't grow.
         const bool whole = found && found->statedLength && samples.size() >= *found->statedLength;
-        if (!whole && waitsOn(watch))
+        if (!whole && waitAgain(watch))
             continue;
         showWarning(found ? QString("ERROR: File \"%1\" holds less image data than stated in the "
                                     "settings file !")
@@ -62,12 +62,11 @@ std::optional<DicomVolumeReader::Image> DicomVolumeReader::readImage(const QStri
 }
 
 bool DicomVolumeReader::acceptsFile(const QString& fileName) {
-    const QString refusal = refusalOf(bytes(), fileName);
+    const QString refusal = unsupportedReason(bytes(), fileName);
     return refusal.isEmpty() || failWith(refusal);
 }
 
-// Says why one of these files was never taken, where it is there but of no use: a compressed file
-// stays below the expected size for good.
+// Explains why an existing file was never accepted: a compressed one stays below the expected size.
 void DicomVolumeReader::explainLateFile(const QStringList& names) {
     for (const QString& name : names)
         if (QFileInfo(name).isFile() && readNow(name) && !acceptsFile(name))
@@ -76,7 +75,7 @@ void DicomVolumeReader::explainLateFile(const QStringList& names) {
 
 bool DicomVolumeReader::takeSlice(const Image& image, Stage stage,
                                   std::span<int16_t> target) const {
-    // The first volume goes by the file, the loop by the order that the program has settled on.
+    // The first volume uses the byte order of the file, the loop that of the run.
     const ByteOrder order =
         stage == Stage::FirstVolume ? image.byteOrder : state().rawDataByteOrder;
     const std::span<uint8_t> samples =

@@ -1,11 +1,11 @@
-// What the readers of DICOM files share whose pixels are found by their key.
+// Base of the readers of DICOM files, which find the samples by the pixel key.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "intake/file_volume_reader.h"
 #include "intake/pixel_data.h"
 
-/// What tells the files of one data type from those of another.
+/// How the files of one data type are read.
 struct ImageKind {
     PixelKeySearch search = PixelKeySearch::First;
     int settleMilliseconds = 10;
@@ -28,28 +28,28 @@ protected:
     DicomVolumeReader(const IntakeContext& context, ImageKind kind)
         : FileVolumeReader(context), kind_(std::move(kind)) {}
 
-    /// Waits for one of the names and reads its image of at least `nrOfSamples` samples. A scanner
-    /// may still be writing the file when it passes the arrival test, or keep it locked: both are
-    /// waited out. All of it has the time-out of the settings. Nothing when that has passed, after
-    /// a message if a file had arrived, or after the message of a file that no waiting mends. The
-    /// first volume is also held against the kinds of files that can't be read.
+    /// Waits for one of the names and reads its image of at least `nrOfSamples` samples. The
+    /// scanner may still be writing the file when it passes the arrival test, or keep it locked:
+    /// both are waited for, all within the time-out of the settings. Nothing on a time-out, after a
+    /// message if a file had arrived, or after a message for a damaged file. Files of the first
+    /// volume are also checked for being supported.
     [[nodiscard]] std::optional<Image> awaitImage(const ExpectedFile& expected, Stage stage,
                                                   size_t nrOfSamples);
     /// Reads a file that has arrived, as FileVolumeReader does, with this kind's message.
     [[nodiscard]] bool readWhole(const QString& fileName, const StopWatch& watch);
-    /// False, after a message, for a file that is known to be unreadable as it stands.
+    /// False, after a message, for a file that is not supported.
     [[nodiscard]] bool acceptsFile(const QString& fileName);
     /// Copies the first samples of a file of one slice; false when `target` is empty, as it is when
-    /// the volume has gone in a wait.
+    /// the volume was freed during a wait.
     [[nodiscard]] bool takeSlice(const Image& image, Stage stage, std::span<int16_t> target) const;
 
     /// Reads the header of a file that has arrived into the shared record. False after a message.
     [[nodiscard]] bool readHeader(const QString& fileName);
-    /// Takes pixel sizes, thickness and gap from the shared record, and the field of view of the
-    /// matrix. What the header doesn't state stays; `fileName` is for the message of sizes that
-    /// can't be.
+    /// Copies pixel sizes, thickness and gap from the shared record, and computes the field of view
+    /// of the matrix. Sizes missing from the header stay; `fileName` is for the message about
+    /// invalid ones.
     void takeSizes(const QString& fileName);
-    /// Says that the header disagrees with the columns and rows that are expected; false.
+    /// Shows that the header does not match the expected columns and rows; returns false.
     [[nodiscard]] bool failForDimensions(int columns, int rows) const;
 
 private:

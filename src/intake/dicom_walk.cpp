@@ -10,7 +10,7 @@ namespace {
 
 constexpr size_t markOffset = 128;
 constexpr uint32_t undefinedLength = 0xFFFFFFFF;
-// Longest value that a header may hold; beyond it the file is taken for something else.
+// Longest value that a header may hold; a longer one shows that this is not a header.
 constexpr uint32_t longestValue = 1050000;
 // Bytes that are tested for the pixel key before the search for the encoding ends.
 constexpr size_t encodingSearchLimit = 200000;
@@ -50,7 +50,7 @@ std::optional<DicomEncoding> detectEncoding(std::span<const uint8_t> bytes, Enco
                               pixel_key::isFollowedBy(bytes, position, "OW")};
         if (search == EncodingSearch::FirstKey)
             break;
-        // The key and the two bytes behind it are passed and not counted.
+        // The key and the two bytes after it are skipped and not counted.
         position += pixel_key::size + 2;
     }
     return found;
@@ -90,7 +90,7 @@ bool DicomWalk::next(DicomElement& element) {
         order_ = encoding_.byteOrder;
     }
     if (element.length == undefinedLength) {
-        passUndefinedLength();
+        skipUndefinedLength();
         element.length = 0;
     }
     return !reader_.failed() && reader_.remaining() > 0 && element.length <= longestValue;
@@ -120,8 +120,8 @@ bool DicomWalk::readLength(DicomElement& element) {
     return false;
 }
 
-// Looks for the first sequence delimiter, whatever level it ends.
-void DicomWalk::passUndefinedLength() {
+// Looks for the first sequence delimiter, of any level.
+void DicomWalk::skipUndefinedLength() {
     reader_.setOrder(order_);
     uint16_t before = 0;
     while (!reader_.failed()) {

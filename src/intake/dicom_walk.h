@@ -1,4 +1,4 @@
-// The elements of a DICOM file one after the other, in whatever encoding it has.
+// Walking through the elements of a DICOM file, in any encoding.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -6,41 +6,41 @@
 
 #include <optional>
 
-/// How the data set of a file is written.
+/// How the data set of a file is encoded.
 struct DicomEncoding {
     ByteOrder byteOrder = ByteOrder::Little;
     bool explicitVR = false;
 };
 
-/// Which of several pixel keys settles the encoding.
+/// Which of several pixel keys determines the encoding.
 enum class EncodingSearch {
     FirstKey,         ///< the first one of the file
     LastKeyNearStart, ///< the last one before about 200000 bytes were tested
 };
 
-/// Reads the encoding off the pixel key (7FE0,0010): which byte comes first, and whether "OW"
-/// follows. Nothing where there is no key.
+/// Derives the encoding from the pixel key (7FE0,0010): its byte order, and whether "OW" follows.
+/// Nothing without a key.
 [[nodiscard]] std::optional<DicomEncoding> detectEncoding(std::span<const uint8_t> bytes,
                                                           EncodingSearch search);
 
 struct DicomElement {
     uint16_t group = 0;
     uint16_t number = 0;
-    uint32_t length = 0; ///< bytes of the value that follows; 0 for a passed sequence
+    uint32_t length = 0; ///< bytes of the value that follows; 0 for a skipped sequence
 
     [[nodiscard]] bool is(uint16_t wantedGroup, uint16_t wantedNumber) const {
         return group == wantedGroup && number == wantedNumber;
     }
-    /// Groups with a low byte above 28 hold nothing that a run needs.
+    /// Groups with a low byte above 0x28 hold nothing that a run needs.
     [[nodiscard]] bool endsHeader() const { return (group & 0xFF) > 0x28; }
 };
 
-/// Walks over top-level elements. Sequences of undefined length are passed over.
+/// Walks over top-level elements. Sequences of undefined length are skipped.
 class DicomWalk {
 public:
     enum class Start {
         Ready,
-        TooShort,     ///< the file ends before the mark "DICM" has its place
+        TooShort,     ///< the file ends before the place of the mark "DICM"
         NoMetaHeader, ///< "DICM" is not followed by group 0002
     };
 
@@ -48,14 +48,14 @@ public:
         : reader_(bytes), encoding_(encoding), order_(encoding.byteOrder),
           metaExplicit_(encoding.explicitVR) {}
 
-    /// Finds the first element: behind the mark "DICM", or at offset 0 in a file without it.
+    /// Finds the first element: after the mark "DICM", or at offset 0 in a file without it.
     [[nodiscard]] Start begin();
-    /// Reads the header of the next element; the walk then stands at its value. False when the file
-    /// ends there or the length is above what a header may hold.
+    /// Reads the header of the next element and moves to its value. False when the file ends there
+    /// or the length is above what a header may hold.
     [[nodiscard]] bool next(DicomElement& element);
-    /// Passes the value of the element. False when it reaches beyond the end.
+    /// Skips the value of the element. False when it reaches beyond the end.
     [[nodiscard]] bool skip(const DicomElement& element) { return reader_.skip(element.length); }
-    /// The value of the element, passed; nothing when it reaches beyond the end.
+    /// Reads the value of the element and moves past it. Nothing when it reaches beyond the end.
     [[nodiscard]] std::optional<std::span<const uint8_t>> value(const DicomElement& element);
     /// Byte order of the element that was read last.
     [[nodiscard]] ByteOrder byteOrder() const { return order_; }
@@ -65,7 +65,7 @@ public:
 private:
     void readTag(DicomElement& element);
     bool readLength(DicomElement& element);
-    void passUndefinedLength();
+    void skipUndefinedLength();
 
     ByteReader reader_;
     DicomEncoding encoding_;

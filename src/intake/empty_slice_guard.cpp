@@ -19,13 +19,13 @@ bool EmptySliceGuard::readFilled(int volume) {
     while (late >= 0 && double(waited.elapsed()) < double(context_.project.TR) &&
            total.elapsed() < context_.settings.timeOutMilliseconds) {
         context_.pump.pumpWait(pollMilliseconds);
-        // What was read is kept when the file has gone meanwhile.
+        // If the file has disappeared meanwhile, what was read is kept.
         if (!readOnce(volume))
             break;
         late = lateSlice(volume);
     }
     if (late >= 0)
-        tell(volume, late);
+        warn(volume, late);
     wasEmpty_.swap(isEmpty_);
     return true;
 }
@@ -54,7 +54,7 @@ int EmptySliceGuard::lateSlice(int volume) {
     return late;
 }
 
-void EmptySliceGuard::tell(int volume, int slice) {
+void EmptySliceGuard::warn(int volume, int slice) {
     constexpr int mostWarnings = 3;
     const bool anyFilled = std::ranges::find(isEmpty_, char(0)) != isEmpty_.end();
     if (nrOfWarnings_ >= mostWarnings || (volume == firstVolume && anyFilled))
@@ -62,9 +62,8 @@ void EmptySliceGuard::tell(int volume, int slice) {
     ++nrOfWarnings_;
     const QString name =
         volume == firstVolume ? QString("the first volume") : QString("volume %1").arg(volume + 1);
-    showModelessWarning(
-        QString("WARNING: Slice %1 of %2 holds nothing but zeros and was taken like "
-                "that. Are the files of the scanner copied too slowly?")
-            .arg(slice + 1)
-            .arg(name));
+    showModelessWarning(QString("WARNING: Slice %1 of %2 contains only zeros and was accepted. "
+                                "Are the files of the scanner copied too slowly?")
+                            .arg(slice + 1)
+                            .arg(name));
 }

@@ -1,18 +1,17 @@
-// Waits for slices that a volume's files hold as zeros at first.
+// Waiting for slices that are still zero when their file arrives.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "intake/volume_reader.h"
 
-/// Stands around the reader of any data type. A copy to a share can be made at its full size and be
-/// filled slice by slice: a slice of zeros that was not so in the volume before is no measurement.
-/// Such a volume is read again for up to one TR, within the time-out of the settings. Then it is
-/// taken as it is, and the operator is told, a few times in a run.
+/// Wraps the reader of any data type. A copy on a share can be created at its full size and filled
+/// slice by slice: a slice of zeros that was not zero in the previous volume has not arrived. Such
+/// a volume is read again for up to one TR, within the time-out of the settings. Then it is
+/// accepted, with a warning, at most a few times per run.
 ///
-/// The volume before is the one that was read before. The first volume of a run has none: each of
-/// its slices is waited for, but empty ones may belong to the scan, so that only a volume that is
-/// zero throughout is told. A volume without such slices costs one look at its first
-/// samples.
+/// The previous volume is the one read before. In the first volume of a run every empty slice is
+/// waited for, but empty slices may belong to the scan, so only a volume of zeros gives a warning.
+/// Of slices that are not empty only the first samples are tested.
 class EmptySliceGuard : public VolumeReader {
 public:
     EmptySliceGuard(const IntakeContext& context, std::unique_ptr<VolumeReader> reader)
@@ -30,11 +29,11 @@ private:
     [[nodiscard]] bool readOnce(int volume);
     /// The first slice, from 0, that is empty and should not be; -1 where there is none.
     [[nodiscard]] int lateSlice(int volume);
-    void tell(int volume, int slice);
+    void warn(int volume, int slice);
 
     IntakeContext context_;
     std::unique_ptr<VolumeReader> reader_;
-    // One entry for each slice: whether it is empty in the volume at hand, and was before.
+    // One entry for each slice: whether it is empty in this volume, and was in the previous one.
     std::vector<char> isEmpty_;
     std::vector<char> wasEmpty_;
     int nrOfWarnings_ = 0;

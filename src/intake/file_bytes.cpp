@@ -20,7 +20,7 @@ std::pair<qint64, qint64> presentPart(const FilePart& part, qint64 fileSize) {
 
 bool FileBytes::reserve(qint64 length) {
     constexpr qint64 largestPart = qint64(512) << 20;
-    // Files of a series differ by a few bytes; a rounded size spares most of them a new buffer.
+    // Files of a series differ by a few bytes; a rounded size saves a new buffer for most of them.
     constexpr size_t granularity = size_t(64) << 10;
     size_ = 0;
     if (length < 0 || length > largestPart)

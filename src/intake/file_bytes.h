@@ -1,4 +1,4 @@
-// A file, or a part of it, in memory, in a buffer that serves one file after the other.
+// Reading a file, or a part of it, into a reusable buffer.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -7,7 +7,7 @@
 #include <QString>
 #include <cstdint>
 
-/// Which bytes of a file; all of them unless stated otherwise.
+/// Which bytes of a file; all of them by default.
 struct FilePart {
     qint64 offset = 0;
     qint64 length = -1;   ///< -1: to the end of the file
@@ -18,12 +18,11 @@ class FileBytes {
 public:
     enum class Result { Done, CannotOpen, NoMemory };
 
-    /// Reads what the file holds when it is opened; one that shrinks meanwhile, or ends before the
-    /// part does, gives less. More than 512 MiB are no image and count as too large for memory.
-    /// The buffer only grows.
+    /// Reads what the file holds when it is opened; less if it shrinks meanwhile or ends within the
+    /// part. More than 512 MiB can't be an image and gives NoMemory. The buffer only grows.
     [[nodiscard]] Result read(const QString& fileName, const FilePart& part = {});
-    /// Room for this many bytes, so that no read of as many can lack it; what was read is gone.
-    /// False where read() would say NoMemory.
+    /// Reserves memory for reads of up to this many bytes and discards what was read. False if
+    /// read() would return NoMemory.
     [[nodiscard]] bool reserve(qint64 length);
 
     /// The bytes of the file that was read last.

@@ -24,7 +24,7 @@ void FileVolumeReader::takeFirstFile(const QString& path) {
     project().FirstDataSourceFile = paths::fileName(path);
 }
 
-bool FileVolumeReader::waitsOn(const StopWatch& watch, int pollMilliseconds) {
+bool FileVolumeReader::waitAgain(const StopWatch& watch, int pollMilliseconds) {
     if (watch.elapsed() > settings().timeOutMilliseconds)
         return false;
     pump().pumpWait(pollMilliseconds);
@@ -44,7 +44,7 @@ bool FileVolumeReader::readPart(const QString& fileName, const FilePart& part,
             return true;
         if (result == FileBytes::Result::NoMemory)
             return failWith(memoryMessage + fileName + " !");
-        if (!waitsOn(watch))
+        if (!waitAgain(watch))
             return failWith("ERROR: Can not open file !");
     }
 }

@@ -1,4 +1,4 @@
-// What all readers of files share: the run, the wait, the place in the project.
+// Base of all readers of files: the run, waiting, and the target in the project.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -24,22 +24,24 @@ protected:
 
     /// Path of a file in the watched folder.
     [[nodiscard]] QString watchedPath(const QString& name) const;
-    /// Counts measured volumes, from an analysed one.
+    /// The index of an analysed volume among the measured ones.
     [[nodiscard]] qint64 measuredVolume(int volume) const {
         return qint64(volume) + settings().NrOfVolumesToSkip;
     }
 
-    /// The first file of a run. With a list of folders instead of a watch folder, each of them may
-    /// have it; the size must then be met exactly, so that the file of another run is passed by.
+    /// The first file of a run. With a list of folders instead of a watch folder it may be in any
+    /// of them; the size must then match exactly, so that a file of another run is ignored.
     [[nodiscard]] ExpectedFile expectedFirstFile(const QString& name, qint64 size) const;
-    /// The first file has come: its folder is watched from here on, its name goes to the project.
+    /// Makes the folder of the first file the watch folder and stores the file's name in the
+    /// project.
     void takeFirstFile(const QString& path);
 
-    /// One more round of polling, unless the time-out of a file has passed on `watch`.
-    [[nodiscard]] bool waitsOn(const StopWatch& watch, int pollMilliseconds = 100);
+    /// Waits for the next poll. False, without waiting, if `watch` has passed the time-out of a
+    /// file.
+    [[nodiscard]] bool waitAgain(const StopWatch& watch, int pollMilliseconds = 100);
     /// Reads the whole file, or `length` bytes at `offset`, into the buffer; one that can't be
-    /// opened is tried again until the time-out has passed on `watch`. False after a message;
-    /// `memoryMessage`, the file's name and " !" make that of a file too large for the memory.
+    /// opened is tried again until `watch` has passed the time-out. False after a message; for a
+    /// file too large for memory it is `memoryMessage`, the file's name and " !".
     [[nodiscard]] bool readWhole(const QString& fileName, const StopWatch& watch,
                                  const QString& memoryMessage);
     [[nodiscard]] bool readPart(const QString& fileName, const FilePart& part,
@@ -48,22 +50,22 @@ protected:
     [[nodiscard]] bool readNow(const QString& fileName) {
         return file_.read(fileName) == FileBytes::Result::Done;
     }
-    /// Room for reads of as many bytes; false when memory does not suffice.
+    /// Reserves memory for reads of up to this many bytes; false when there is not enough.
     [[nodiscard]] bool reserveBuffer(qint64 length) { return file_.reserve(length); }
     /// What was read last.
     [[nodiscard]] std::span<uint8_t> bytes() { return file_.bytes(); }
 
-    /// The volumes to fill, looked up anew behind each wait, since events are processed in it.
-    /// Empty when the number is out of range or the volume has not the size of the run.
+    /// The volumes to fill, to be looked up again after each wait, which processes events. Empty
+    /// when the index is out of range or the volume does not have the size of the run.
     [[nodiscard]] std::span<int16_t> firstVolume();
     [[nodiscard]] std::span<int16_t> analysedVolume(int volume);
-    /// The one of the two that the stage fills; `volume` counts only in the loop.
+    /// The one of the two that the stage fills; `volume` is used only in the loop.
     [[nodiscard]] std::span<int16_t> targetVolume(Stage stage, int volume) {
         return stage == Stage::FirstVolume ? firstVolume() : analysedVolume(volume);
     }
-    /// One slice of it; empty where the volume is, or has no such slice.
+    /// One slice of it; empty if the volume is, or has no such slice.
     [[nodiscard]] std::span<int16_t> targetSlice(Stage stage, int volume, int slice);
-    /// Copies the samples. False, with nothing copied, when the target has not exactly their size.
+    /// Copies the samples. False, with nothing copied, when the sizes differ.
     [[nodiscard]] static bool store(std::span<const uint8_t> samples, std::span<int16_t> target);
 
     /// Shows the text as a warning; false, for the caller to return.

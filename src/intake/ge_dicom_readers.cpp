@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* noPosition = "ERROR - Can nor get DICOM slice position values!";
 
-// The number behind the letter that series folders begin with; 0 where there is none.
+// The number after the first letter of a series folder; 0 without one.
 int seriesNumber(const QString& folderName) {
     return leadingInteger(folderName.mid(1).toStdString());
 }
@@ -32,7 +32,7 @@ bool isPlace(const Vector3& point) {
     return std::ranges::all_of(point, [](float value) { return std::abs(value) <= largestLength; });
 }
 
-// Unit vectors at right angles, but for the few decimals that a header gives.
+// Orthogonal unit vectors, within the few decimals of a header.
 bool spanImage(const Vector3& row, const Vector3& column) {
     const auto product = [](const Vector3& a, const Vector3& b) {
         return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
@@ -114,8 +114,8 @@ bool GeHdxtDicomReader::prepare() {
     return true;
 }
 
-// The first number counts files as they come, the second one slices: all slices that are missing
-// are looked for.
+// The first number counts files as they arrive, the second one slices: all missing slices are
+// looked for.
 QStringList GeHdxtDicomReader::namesOf(qint64 base, const std::vector<int>& missing) const {
     const qint64 filesRead = project().NrOfSlices - qint64(missing.size());
     QStringList names;
@@ -139,12 +139,13 @@ bool GeHdxtDicomReader::takeDirections() {
            failWith("ERROR - Can nor get DICOM slice orientation values!");
 }
 
-// First and last are those of the volume, in whatever order their files came: an interleaved
+// First and last slice of the volume, in whatever order their files arrived: an interleaved
 // measurement ends with another slice than the last one.
 bool GeHdxtDicomReader::readHeaders() {
     DicomHeader& header = state().header;
     FMRPositionInfo& position = project().position;
-    // The record outlives a file; a position of another one must not pass for that of this one.
+    // The record keeps values of other files; their position must not be taken for that of this
+    // one.
     header.imagePositionText.clear();
     header.imageOrientationText.clear();
     if (!readSizes())
@@ -153,7 +154,7 @@ bool GeHdxtDicomReader::readHeaders() {
     position.fovRows = std::round(position.fovRows);
     const float width = float(project().ResolutionX) * project().pixelSizeX;
     const float height = float(project().ResolutionY) * project().pixelSizeY;
-    // Without the size of a pixel no corner leads to a centre.
+    // Without a pixel size the centre can't be computed from the corner.
     if (!(width > 0.0f && height > 0.0f))
         return failWith(noPosition);
     if (!takeCorner(SliceEnd::First) || !takeDirections())

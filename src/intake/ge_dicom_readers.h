@@ -18,7 +18,7 @@ protected:
     explicit GeDicomReader(const IntakeContext& context)
         : DicomVolumeReader(context, ImageKind::singleSlice()) {}
 
-    /// Number behind the last "." of the first file's name.
+    /// Number after the last "." of the first file's name.
     [[nodiscard]] virtual qint64 firstCount() const = 0;
     /// Names of the files that may come next: the i-th one would hold slice missing[i], counted
     /// from 0. `base` is the second number of the volume's first slice.
@@ -26,10 +26,10 @@ protected:
                                               const std::vector<int>& missing) const = 0;
 
     [[nodiscard]] QString sliceFileName(qint64 number, qint64 count) const;
-    /// Takes sizes and field of view of the first slice. False after a message when the file can't
-    /// be read or has not the matrix of the settings.
+    /// Reads sizes and field of view from the first slice. False after a message when the file
+    /// can't be read or its matrix is not that of the settings.
     [[nodiscard]] bool readSizes();
-    /// Files of the first volume, once it has been read.
+    /// Last file of the first volume, once that has been read.
     [[nodiscard]] const QString& lastSliceFile() const { return lastSliceFile_; }
 
 private:
@@ -44,9 +44,10 @@ private:
 class GeHdxtDicomReader : public GeDicomReader {
 public:
     explicit GeHdxtDicomReader(const IntakeContext& context) : GeDicomReader(context) {}
-    /// Settles the watch folder: a series folder, whose name begins with "s", or the highest
+    /// Determines the watch folder: a series folder, whose name begins with "s", or the highest
     /// numbered one of an exam folder, whose name begins with "e". An exam without series stays the
-    /// watch folder: the wait for the first file will tell. False after a message for any other.
+    /// watch folder, and the wait for the first file times out. False after a message for any
+    /// other.
     [[nodiscard]] bool prepare() override;
     /// Voxel size, field of view in whole millimetres, and the centres of first and last slice.
     [[nodiscard]] bool readHeaders() override;
@@ -64,7 +65,7 @@ private:
 class GeXDicomReader : public GeDicomReader {
 public:
     explicit GeXDicomReader(const IntakeContext& context) : GeDicomReader(context) {}
-    /// Voxel size and field of view; these files are not asked for positions.
+    /// Voxel size and field of view; positions are not read.
     [[nodiscard]] bool readHeaders() override { return readSizes(); }
 
 private:

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Takes the next word if it is this one.
+// Reads the next word if it is this one.
 bool takeWord(TokenStream& words, const char* wanted) {
     const qsizetype before = words.position();
     if (words.word() == wanted)
@@ -18,7 +18,7 @@ bool takeWord(TokenStream& words, const char* wanted) {
     return false;
 }
 
-// The number behind the next word, which is a sign of equality or a colon.
+// Reads the number after the next word, which is "=" or ":".
 void takeNumber(TokenStream& words, std::optional<float>& target) {
     words.word();
     TokenStream number(words.word());
@@ -48,7 +48,7 @@ std::optional<HeaderSizes> parseGEIHeader(std::span<const uint8_t> bytes) {
 }
 
 void readGEIHeader(const QString& fileName, FMRProject& project) {
-    // Headers stand before the samples; no file has this much before its image header.
+    // No file has this many bytes before the end of its image header.
     constexpr qint64 headerLimit = qint64(1) << 20;
     FileBytes file;
     if (file.read(fileName, {.length = headerLimit}) != FileBytes::Result::Done) {

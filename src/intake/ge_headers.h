@@ -7,21 +7,20 @@
 #include <cstdint>
 #include <span>
 
-inline constexpr int geIHeaderBytes = 7904; ///< in front of the samples
+inline constexpr int geIHeaderBytes = 7904; ///< before the samples
 
-/// Sizes from the image header, whose start stands at offset 148; all numbers are big-endian on any
-/// host. Nothing when the header lies beyond the end.
+/// Sizes from the image header, whose offset is stored at offset 148; all numbers are big-endian.
+/// Nothing when the header reaches beyond the end.
 [[nodiscard]] std::optional<HeaderSizes> parseGEIHeader(std::span<const uint8_t> bytes);
 
-/// Takes the sizes of a file into the project. After a message, when the file can't be opened or
+/// Copies the sizes of a file into the project. After a message, when the file can't be opened or
 /// holds no image header, the project stays as it was.
 void readGEIHeader(const QString& fileName, FMRProject& project);
 
-/// Looks at each word for "FOV", "slice thick", "skip" and "pixel size"; the word behind is passed,
-/// whatever it is, and the next one is the number. The last statement of a size counts; one without
-/// a number counts as none.
+/// Searches the words for "FOV", "slice thick", "skip" and "pixel size"; the next word is skipped,
+/// whatever it is, and the one after it is the number. The last occurrence with a number wins.
 [[nodiscard]] HeaderSizes parsePFileHeader(const QString& text);
 
-/// Takes the sizes of a file into the project; those that it doesn't state stay. After a message,
-/// when the file can't be opened, all stay.
+/// Copies the sizes of a file into the project; sizes missing from it stay. All stay, after a
+/// message, when the file can't be opened.
 void readPFileHeader(const QString& fileName, FMRProject& project);

@@ -22,7 +22,7 @@ QString geIFileName(const GeINumbers& first, qint64 index) {
     qint64 series = first.seriesNr;
     qint64 image = first.firstImageNr + index;
     if (image > lastImage) {
-        // Files since the first step to another folder; a first number that is too high steps too.
+        // Files since the first change of folder; a first number above 999 changes it as well.
         const qint64 behind = std::min(image - lastImage - 1, index);
         series += seriesStep * (1 + behind / lastImage);
         image = 1 + behind % lastImage;

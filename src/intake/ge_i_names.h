@@ -24,7 +24,7 @@ struct GeIFileList {
     qint64 nrOfNames = 0; ///< may be less than was asked for
 };
 
-/// The first `count` expected files with the folder before each name. A list that would grow beyond
-/// 64 MiB is cut.
+/// The first `count` expected files with the folder before each name. A list is truncated at 64
+/// MiB.
 [[nodiscard]] GeIFileList geIFileList(const QString& watchFolder, const GeINumbers& first,
                                       qint64 count);

@@ -22,7 +22,7 @@ QString GeIReader::expectedPath(qint64 index) const {
     return watchedPath(geIFileName(firstNumbers(settings()), index));
 }
 
-// The list is for the operator to look at; a run needs none of it.
+// The list is for the operator; a run does not need it.
 bool GeIReader::prepare() {
     const QString& folder = project().targetFolder;
     if (folder.isEmpty())
@@ -33,7 +33,7 @@ bool GeIReader::prepare() {
     const bool written =
         writeFileAtomically(paths::join(folder, "expected_GE_I_file_list.txt"), list.text);
     if (written && list.nrOfNames < nrOfFiles)
-        showWarning(QString("WARNING: The list of expected files ends behind %1 of %2 names.")
+        showWarning(QString("WARNING: The list of expected files ends after %1 of %2 names.")
                         .arg(list.nrOfNames)
                         .arg(nrOfFiles));
     return true;
@@ -91,7 +91,7 @@ bool GeStanfordReader::readVolume(int volume) {
     return readSlices(Stage::Loop, volume, volumePath(measuredVolume(volume)));
 }
 
-// The file grows while it is read, and its first slice is the last one of the volume.
+// The file grows while it is read, and starts with the last slice of the volume.
 bool GeStanfordReader::readSlices(Stage stage, int volume, const QString& path) {
     const auto sliceBytes = qint64(targetSlice(stage, volume, 0).size_bytes());
     if (sliceBytes == 0)
@@ -99,7 +99,7 @@ bool GeStanfordReader::readSlices(Stage stage, int volume, const QString& path) 
     const int nrOfSlices = project().NrOfSlices;
     for (int slice = 0; slice < nrOfSlices; ++slice) {
         const qint64 needed = (slice + 1) * sliceBytes;
-        // Slices that are there when their turn comes have settled with the one before.
+        // Slices that have arrived already have settled with the previous one.
         const bool settled = slice > 0 && waitForFile(path, needed, true);
         const auto image =
             awaitSamples({.expected = {{path}, needed, true},
@@ -107,7 +107,7 @@ bool GeStanfordReader::readSlices(Stage stage, int volume, const QString& path) 
                           .settleMilliseconds = settled ? 0 : 10});
         if (!image)
             return false;
-        // In any case, whatever the settings say about the byte order.
+        // Always, whatever byte order the settings state.
         swapSamples(image->samples);
         if (!store(image->samples, targetSlice(stage, volume, nrOfSlices - 1 - slice)))
             return false;

@@ -8,7 +8,7 @@
 class GeIReader : public RawVolumeReader {
 public:
     explicit GeIReader(const IntakeContext& context) : RawVolumeReader(context) {}
-    /// Writes the list of expected files into the target folder, if that can be written to.
+    /// Writes the list of expected files into the target folder, if possible.
     [[nodiscard]] bool prepare() override;
     [[nodiscard]] bool readFirstVolume() override;
     [[nodiscard]] bool readVolume(int volume) override;

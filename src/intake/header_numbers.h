@@ -1,21 +1,21 @@
-// Numbers in image headers. Of a text the longest numeric beginning counts, 0 where there is none.
+// Numbers in image headers: of a text its longest numeric prefix, 0 without one.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include <string_view>
 #include <vector>
 
-/// Limited to what a float can hold; a number that is none stays none.
+/// Clamped to the range of a float; NaN stays NaN.
 [[nodiscard]] float limitedFloat(double value);
 
-/// Finite; a number that doesn't fit is 0.
+/// Finite; 0 on overflow.
 [[nodiscard]] double leadingNumber(std::string_view text);
-/// As leadingNumber, limited as above.
+/// As leadingNumber, clamped as above.
 [[nodiscard]] float leadingFloat(std::string_view text);
 [[nodiscard]] int leadingInteger(std::string_view text);
 
-/// Blanks off the left end, then carriage returns and line feeds off the right end.
+/// The text without blanks at its start and without carriage returns and line feeds at its end.
 [[nodiscard]] std::string_view trimmedHeaderText(std::string_view text);
 
-/// The text cut at every backslash.
+/// The text split at every backslash.
 [[nodiscard]] std::vector<std::string_view> backslashFields(std::string_view text);

@@ -6,7 +6,7 @@
 
 namespace {
 
-// False when the length is stated and can't be.
+// False when the stated length is invalid.
 bool take(const std::optional<float>& length, float& target) {
     if (!length)
         return true;
@@ -15,11 +15,11 @@ bool take(const std::optional<float>& length, float& target) {
     return isLength(*length);
 }
 
-// Thickness and gap go together: they are right or wrong by the distance that they make.
+// Thickness and gap are valid or invalid together, by the slice distance.
 bool takeDistance(const HeaderSizes& sizes, FMRProject& project) {
     const float thickness = sizes.sliceThickness.value_or(project.sliceThickness);
     const float gap = sizes.sliceGap.value_or(project.sliceGap);
-    // Beside a gap that the header states, a thickness of 0 is one that is not known.
+    // With a stated gap a thickness of 0 means that it is unknown.
     const bool unknown = thickness == 0.0f && sizes.sliceGap.has_value();
     if (!(unknown || isLength(thickness)) || !isLength(thickness + gap))
         return false;
@@ -30,7 +30,7 @@ bool takeDistance(const HeaderSizes& sizes, FMRProject& project) {
 
 } // namespace
 
-// A number that is none fails each comparison.
+// NaN fails each comparison.
 bool isLength(float millimetres) {
     return millimetres > 0.0f && millimetres <= largestLength;
 }
@@ -50,7 +50,7 @@ void takeHeaderSizes(const HeaderSizes& sizes, const QString& fileName, FMRProje
     if (usable && sizes.pixelSizeX && sizes.pixelSizeY && sizes.sliceThickness)
         project.VoxelResolutionVerified = true;
     if (!usable)
-        showWarning(QString("WARNING: The header of file \"%1\" states sizes that can't be; the "
-                            "run goes on without them. Check voxel size and field of view !")
+        showWarning(QString("WARNING: The header of file \"%1\" states invalid sizes; the run "
+                            "goes on without them. Check voxel size and field of view !")
                         .arg(fileName));
 }

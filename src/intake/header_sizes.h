@@ -6,16 +6,16 @@
 
 #include <optional>
 
-/// No scanner measures anything larger or further away, in millimetres.
+/// Upper bound of sizes and of distances from the scanner's centre, in millimetres.
 inline constexpr float largestLength = 10000.0f;
 
 /// More than 0 and at most largestLength.
 [[nodiscard]] bool isLength(float millimetres);
 
-/// A field of a header; one that is 0 was left empty by the scanner.
+/// A field of a header; 0 means that the scanner left it empty.
 [[nodiscard]] std::optional<float> statedLength(double millimetres);
 
-/// In millimetres; what a header does not state is empty.
+/// In millimetres; empty if the header does not state it.
 struct HeaderSizes {
     std::optional<float> pixelSizeX;
     std::optional<float> pixelSizeY;
@@ -25,7 +25,7 @@ struct HeaderSizes {
     std::optional<float> fieldOfViewY;
 };
 
-/// Takes what is stated into the project and the record of its slice positions. What is no length
-/// is left out, after a warning that names the file, and the project keeps what it had. Thickness
-/// and gap are judged by their sum; a thickness of 0 beside a stated gap is one that is not known.
+/// Copies the stated sizes into the project and its slice positions. For invalid ones the project
+/// keeps its values, after a warning that names the file. Thickness and gap are checked by their
+/// sum; a thickness of 0 with a stated gap means that it is unknown.
 void takeHeaderSizes(const HeaderSizes& sizes, const QString& fileName, FMRProject& project);

@@ -22,7 +22,7 @@ InplaneNames refuseNumber(const QString& name) {
             .arg(name));
 }
 
-// The last "." of a name and what follows.
+// The extension of a name with its dot.
 QString dotAndExtension(const QString& name) {
     return name.mid(paths::withoutExtension(name).size());
 }

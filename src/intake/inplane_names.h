@@ -18,7 +18,7 @@ using InplaneNames = std::function<QString(int slice)>;
 /// The series prefix, the number from the first one on, not padded, and the extension.
 [[nodiscard]] InplaneNames seriesNames(const RunSettings& settings);
 
-/// The part behind the last "DicomNameDelimiter:" counts up and keeps its width. Empty after a
+/// The part after the last "DicomNameDelimiter:" counts up and keeps its width. Empty after a
 /// message when the delimiter is missing or no number follows it.
 [[nodiscard]] InplaneNames delimitedNames(const RunSettings& settings);
 

@@ -15,11 +15,11 @@ QString inplanePath(const RunSettings& settings, const QString& name) {
     return paths::join(settings.OverlayInplaneFolder, name);
 }
 
-/// Where the samples of a slice stand.
+/// Where the samples of a slice are.
 enum class RawForm {
-    BehindHeader, ///< one file for each slice, of just the size of header and samples
+    BehindHeader, ///< one file for each slice, exactly as long as header and samples
     EndOfFile,    ///< one file for each slice
-    OneFile,      ///< all slices, one behind the other
+    OneFile,      ///< all slices, one after the other
 };
 
 /// A scan is one volume, read once.
@@ -38,7 +38,7 @@ public:
             toHostOrder(image->samples);
             if (!store(image->samples, scan_.slice(slice)))
                 return false;
-            // Such files are stored the same way round as the run's.
+            // Such files have the same orientation as the run's.
             if (form_ == RawForm::OneFile)
                 transformSlice(scan_.slice(slice), scan_.size.y, settings().ImageTransformation);
         }
@@ -83,10 +83,10 @@ public:
 
     [[nodiscard]] bool readFirstVolume() override {
         for (int slice = 0; slice < scan_.size.slices; ++slice) {
-            // Any size counts as arrived: how long a header is, the settings don't tell.
+            // Any size counts as arrived, since the length of the header is unknown.
             const ExpectedFile file{{inplanePath(settings(), names_(slice))}, 0, true};
             const auto image = awaitImage(file, Stage::FirstVolume, scan_.size.sliceSamples());
-            // As in the loop, the run's byte order counts and not that of the file.
+            // As in the loop, the byte order is that of the run, not of the file.
             if (!image || !takeSlice(*image, Stage::Loop, scan_.slice(slice)))
                 return false;
         }

@@ -6,8 +6,8 @@
 #include "volume/inplane_scan.h"
 
 /// Waits for the files of "OverlayInplaneDataType:" in "OverlayInplaneFolder:" and reads them into
-/// `scan`, which has the sizes of the settings. Each file has the time-out of the settings for
-/// itself; events are processed meanwhile, in which the scan must stay. Samples, those of DICOM
-/// files too, are in the byte order that the run has settled on (state.rawDataByteOrder). False on
-/// a time-out, and after a message when a name, the data type or a file is no good.
+/// `scan`, which has the sizes of the settings. Each file has the full time-out of the settings;
+/// events are processed meanwhile, and the scan must stay alive. Samples, even of DICOM files, are
+/// in the byte order of the run (state.rawDataByteOrder). False on a time-out, and after a message
+/// for an invalid name, data type or file.
 [[nodiscard]] bool readInplaneSeries(const IntakeContext& context, InplaneScan& scan);

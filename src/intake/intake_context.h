@@ -12,7 +12,7 @@
 struct IntakeState {
     DicomHeader header;
     ByteOrder rawDataByteOrder = ByteOrder::Little;
-    /// The folder that is watched in this run; settled when the run is prepared.
+    /// The watch folder of this run, determined when the run is prepared.
     QString watchFolder;
 };
 

@@ -36,8 +36,8 @@ bool holdsGroup(std::span<const uint8_t> block) {
     return found != 0;
 }
 
-// The samples lie behind the key and fill nearly the whole file, so the search goes through them
-// from the end. No two keys overlap: the last one is the same from either side.
+// The samples follow the key and fill nearly the whole file, so the search goes through them from
+// the end. No two keys overlap: the last one is the same from either side.
 std::optional<size_t> lastKey(std::span<const uint8_t> bytes) {
     size_t end = nrOfPlaces(bytes);
     while (end > 0) {

@@ -13,8 +13,8 @@ enum class PixelKeySearch {
 };
 
 struct PixelData {
-    size_t valueOffset = 0; ///< of the first sample; may lie behind the end of a cut file
-    ByteOrder byteOrder = ByteOrder::Little; ///< as the key tells it
+    size_t valueOffset = 0; ///< of the first sample; may be beyond the end of a truncated file
+    ByteOrder byteOrder = ByteOrder::Little; ///< as the key states it
     /// Bytes of the value as the element states them; nothing where the file ends before.
     std::optional<uint32_t> statedLength;
 
@@ -22,15 +22,15 @@ struct PixelData {
     [[nodiscard]] bool encapsulated() const { return statedLength == 0xFFFFFFFF; }
 };
 
-/// Looks at every even offset for the pixel key. Nothing where there is none.
+/// Searches every even offset for the pixel key. Nothing without one.
 [[nodiscard]] std::optional<PixelData> findPixelData(std::span<const uint8_t> bytes,
                                                      PixelKeySearch search);
 
-/// The bytes behind the value offset; empty when it lies behind the end.
+/// The bytes from the value offset on; empty when that is beyond the end.
 [[nodiscard]] std::span<uint8_t> pixelBytes(std::span<uint8_t> bytes, const PixelData& pixelData);
 
-/// Exchanges the two bytes of each 16-bit sample; an odd last byte stays.
+/// Swaps the two bytes of each 16-bit sample; an odd last byte stays.
 void swapSamples(std::span<uint8_t> samples);
 
-/// The same where the samples have another byte order than this machine.
+/// The same if the byte order is not that of this machine.
 void toHostOrder(std::span<uint8_t> samples, ByteOrder order);

@@ -13,8 +13,8 @@ inline constexpr size_t size = 4;
     return (first == 0xE0 && second == 0x7F) || (first == 0x7F && second == 0xE0);
 }
 
-/// True when the key stands at `offset`. Group and number are looked at one by one: files exist
-/// whose key mixes the orders. `offset` + size must lie inside.
+/// True when the key is at `offset`. Group and number are checked separately: some files mix byte
+/// orders in the key. `offset` + size must be inside.
 [[nodiscard]] constexpr bool isAt(std::span<const uint8_t> bytes, size_t offset) {
     const uint8_t third = bytes[offset + 2];
     const uint8_t fourth = bytes[offset + 3];
@@ -22,12 +22,12 @@ inline constexpr size_t size = 4;
            ((third == 0x10 && fourth == 0x00) || (third == 0x00 && fourth == 0x10));
 }
 
-/// Byte order of the key at `offset`, read off its element number.
+/// Byte order of the key at `offset`, from its element number.
 [[nodiscard]] constexpr ByteOrder byteOrder(std::span<const uint8_t> bytes, size_t offset) {
     return bytes[offset + 2] == 0x10 ? ByteOrder::Little : ByteOrder::Big;
 }
 
-/// True when the value representation behind the key at `offset` is this one.
+/// True when the value representation after the key at `offset` is this one.
 [[nodiscard]] constexpr bool isFollowedBy(std::span<const uint8_t> bytes, size_t offset,
                                           const char* representation) {
     return bytes.size() - offset >= size + 2 &&

@@ -5,7 +5,7 @@
 #include "intake/dicom_names.h"
 #include "intake/image_transformation.h"
 
-// The width drops from five digits to four at 1000: the names that exports have.
+// Exported names have five digits below 1000 and four from there on.
 QString AnalyzeReader::filePath(qint64 measured) const {
     const qint64 number = settings().philipsFirstNumber + measured;
     return watchedPath(settings().philipsFilePrefix + paddedNumber(number, number < 1000 ? 5 : 4) +
@@ -57,7 +57,7 @@ bool GrowingFileReader::readFirstVolume() {
     return true;
 }
 
-// The volume is taken up as soon as its first slice is there; the rest is waited for behind that.
+// Waits for the first slice of the volume to settle, then for the rest.
 bool GrowingFileReader::readVolume(int volume) {
     const qint64 sliceBytes = qint64(targetSlice(Stage::Loop, volume, 0).size_bytes());
     const qint64 volumeBytes = qint64(analysedVolume(volume).size_bytes());

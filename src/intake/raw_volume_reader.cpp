@@ -17,7 +17,7 @@ std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitSamples(const Raw
             return std::nullopt;
         if (bytes().size() == size_t(file.part.length))
             return RawImage{path, bytes()};
-    } while (waitsOn(watch, file.pollMilliseconds));
+    } while (waitAgain(watch, file.pollMilliseconds));
     return std::nullopt;
 }
 

@@ -1,4 +1,4 @@
-// What the readers of files share whose samples stand at a known place.
+// Base of the readers of files whose samples are at a known offset.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -15,13 +15,13 @@ protected:
         int settleMilliseconds = 10;
         int pollMilliseconds = 100;
     };
-    /// Samples as they stand in the file, in the reader's buffer until the next read.
+    /// Samples as stored in the file, in the reader's buffer until the next read.
     struct RawImage {
         QString path;
         std::span<uint8_t> samples;
     };
 
-    /// A file of the watched folder whose samples stand behind a header of fixed size.
+    /// A file of the watch folder whose samples follow a header of fixed size.
     struct HeadedFile {
         QString name;
         bool firstOfRun = false;
@@ -33,16 +33,15 @@ protected:
     using FileVolumeReader::FileVolumeReader;
 
     /// Waits for the file and reads the whole part. A file that passes the arrival test while the
-    /// scanner still writes the part, or keeps it locked, is waited for; all of it has the time-out
-    /// of the settings. Nothing when that has passed, after a message if the file could not be
-    /// opened.
+    /// scanner still writes the part, or keeps it locked, is waited for, all within the time-out of
+    /// the settings. Nothing on a time-out, after a message if the file could not be opened.
     [[nodiscard]] std::optional<RawImage> awaitSamples(const RawFile& file);
 
-    /// The same for such a file; its samples come in the byte order of this machine. The first one
-    /// of a run settles the watched folder.
+    /// The same for such a file, with its samples in the byte order of this machine. The first one
+    /// of a run determines the watch folder.
     [[nodiscard]] std::optional<RawImage> awaitHeadedFile(const HeadedFile& file);
 
-    /// Exchanges the bytes of all samples where the run's files, as the settings state it, have
-    /// another byte order than this machine.
+    /// Swaps the samples if the byte order of the run's files, as the settings state it, is not
+    /// that of this machine.
     void toHostOrder(std::span<uint8_t> samples) const;
 };

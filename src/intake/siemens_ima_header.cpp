@@ -14,8 +14,8 @@ enum Offset : size_t {
     DistanceFactor = 4136,
 };
 
-// Files exist that state -19222 for a factor that the scanner doesn't know. Slices may overlap, but
-// each lies beyond the one before: no factor of -1 or less is one.
+// Some files state -19222 for an unknown factor. Slices may overlap, but each is beyond the
+// previous one: a factor of -1 or less is invalid.
 constexpr double noFactor = -1.0;
 
 std::optional<float> pixelSize(const std::optional<float>& fieldOfView, int pixels) {

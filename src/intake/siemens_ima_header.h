@@ -1,4 +1,4 @@
-// The binary header in front of the samples of a Siemens ".ima" file.
+// The binary header before the samples of a Siemens ".ima" file.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -14,11 +14,11 @@ struct ImaMatrix {
 };
 
 /// Slice thickness, gap and fields of view; pixel sizes are field of view over matrix, whatever the
-/// header's own fields say. A gap that the scanner does not know is not stated, and nothing is
-/// where the header is cut short.
+/// header's own fields say. An unknown gap is left empty, and everything if the header is
+/// truncated.
 [[nodiscard]] HeaderSizes parseSiemensIMAHeader(std::span<const uint8_t> bytes, ByteOrder order,
                                                 const ImaMatrix& matrix);
 
-/// Takes the sizes of a file into the project. After a message, when the file can't be opened, the
+/// Copies the sizes of a file into the project. After a message, when the file can't be opened, the
 /// project stays as it was.
 void readSiemensIMAHeader(const QString& fileName, ByteOrder rawDataByteOrder, FMRProject& project);

@@ -5,16 +5,16 @@
 #include "run/settings/run_settings.h"
 #include "volume/volume_geometry.h"
 
-/// Study and image number of the first analysed volume: those of the settings moved on by the
-/// volumes that are skipped. Without a patient number (-1) the study number is -1 too; with
+/// Study and image number of the first analysed volume: those of the settings advanced by the
+/// skipped volumes. Without a patient number (-1) the study number is -1 too; with
 /// SiemensFixedRunNumber it stays that of the settings.
 [[nodiscard]] qint64 fileStudyNr(const RunSettings& settings);
 [[nodiscard]] qint64 fileImageNr(const RunSettings& settings, const VolumeGeometry& geometry);
 
-/// How many slices have their tiles in one file: the square of SiemensMosaicResolution over
-/// the columns of a slice in whole numbers, 0 where no tile fits in.
+/// Tiles in one file: the square of SiemensMosaicResolution / columns of a slice, an integer
+/// division; 0 if no tile fits.
 [[nodiscard]] qint64 tilesPerFile(const RunSettings& settings, const VolumeGeometry& geometry);
-/// How many files have tiles for all slices; 0 where no tile fits in.
+/// Files needed for all slices; 0 if no tile fits.
 [[nodiscard]] qint64 filesPerVolume(const RunSettings& settings, const VolumeGeometry& geometry);
 
 /// "513-3-17.ima": patient, study and image number.

@@ -7,8 +7,8 @@
 #include "intake/siemens_ima_header.h"
 #include "intake/siemens_ima_names.h"
 
-// The study number rises with each volume, also with SiemensFixedRunNumber: for files of single
-// slices that only takes the skipped volumes out of it.
+// The study number rises with each volume even with SiemensFixedRunNumber, which for single-slice
+// files only leaves out the skipped volumes.
 QString SiemensImaSliceReader::fileName(Stage stage, int volume, int slice) const {
     const RunSettings& run = settings();
     if (stage == Stage::FirstVolume)
@@ -54,8 +54,8 @@ bool SquareTiledImageReader::readVolume(int volume) {
     return readFiles(Stage::Loop, volume);
 }
 
-// Tiles that the first file has no room for stand in a file that the scanner counts behind the
-// first ones of all volumes.
+// Tiles that don't fit into the first file are in a second one, numbered after the first files of
+// all volumes.
 QString SquareTiledImageReader::fileName(Stage stage, int volume, int file) const {
     const RunSettings& run = settings();
     const qint64 behind = file == 0 ? 0 : run.NrOfVolumes;
@@ -65,8 +65,8 @@ QString SquareTiledImageReader::fileName(Stage stage, int volume, int file) cons
                   fileImageNr(run, project()) + volume + behind);
 }
 
-// The part of the slices that this file has tiles for. Where none fits in, all are in it, and it
-// does not hold them.
+// The slices that this file has tiles for. If no tile fits, all are assigned to it, and
+// holdsAllSlices() fails.
 TiledImageLayout SquareTiledImageReader::layoutOf(int file) const {
     const int side = settings().SiemensMosaicResolution;
     const qint64 tiles = tilesPerFile(settings(), project());
@@ -86,7 +86,7 @@ bool SquareTiledImageReader::readFiles(Stage stage, int volume) {
         endProgram(1);
         return false;
     }
-    // Slices that two files have no tiles for stay as they are.
+    // Slices beyond the tiles of two files stay as they are.
     const int nrOfFiles = filesPerVolume(settings(), project()) > 1 ? 2 : 1;
     for (int file = 0; file < nrOfFiles; ++file)
         if (!readTiles(stage, volume, file))

@@ -22,7 +22,7 @@ bool holds(std::string_view line, std::string_view key) {
     return line.find(key) != std::string_view::npos;
 }
 
-// What stands two characters behind the "=": blank or tab, then the value.
+// The text from the second character after the "=", which a blank or tab follows.
 std::string_view valueOf(std::string_view line) {
     const size_t equals = line.find('=');
     if (equals == std::string_view::npos || line.size() < equals + 2)
@@ -30,7 +30,7 @@ std::string_view valueOf(std::string_view line) {
     return line.substr(equals + 2);
 }
 
-// Microseconds to whole milliseconds, halves upwards.
+// Microseconds to whole milliseconds, rounded half up.
 float wholeMilliseconds(std::string_view microseconds) {
     return float(std::floor(double(leadingFloat(microseconds)) / 1000.0 + 0.5));
 }
@@ -53,7 +53,7 @@ public:
         if (order)
             takeSliceOrder(valueOf(line));
         orderMet_ |= order;
-        // With the order before the slices, the end of the block is the end of these.
+        // If the order precedes the slices, these end with the block.
         const bool last = order || (orderMet_ && holds(line, "### ASCCONV END"));
         return !(last && positionsMet_ && repetitionTimeMet_);
     }

@@ -14,9 +14,9 @@
 ///
 /// Slice order: 1 ascending, 2 descending, 3 interleaved, 5 interleaved with an even number of
 /// slices, where the scanner starts with the second slice. Software up to B17 states it in
-/// hexadecimal digits behind the slices, later software in decimal ones before them.
+/// hexadecimal digits after the slices, later software in decimal ones before them.
 ///
-/// A TR that no scanner has leaves TR and inter-slice time as they are, after a warning.
+/// An impossible TR leaves TR and inter-slice time unchanged, after a warning.
 [[nodiscard]] bool parseSiemensProtocol(std::span<const uint8_t> bytes, FMRProject& project);
 
 /// The same for a file; false with a message when it can't be opened.

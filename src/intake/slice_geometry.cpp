@@ -8,7 +8,7 @@
 
 namespace {
 
-// The first `count` fields as numbers; empty when one is missing or is no number.
+// The first `count` fields as numbers; empty when one is missing or not a number.
 std::vector<float> numbersOf(const std::string& text, size_t count) {
     const std::vector<std::string_view> fields = backslashFields(text);
     if (fields.size() < count)
@@ -27,7 +27,7 @@ Vector3 vectorAt(const std::vector<float>& numbers, size_t start) {
     return {numbers[start], numbers[start + 1], numbers[start + 2]};
 }
 
-// A vector without length stays as it is.
+// A zero vector stays as it is.
 Vector3 normalised(const Vector3& v) {
     const double length =
         std::sqrt(double(v[0]) * v[0] + double(v[1]) * v[1] + double(v[2]) * v[2]);

@@ -1,5 +1,4 @@
-// An image file of the scanner that holds the slices of a volume as tiles of one large image, which
-// scanners call a mosaic.
+// Mosaics: image files that hold the slices of a volume as tiles of one large image.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -10,7 +9,7 @@
 #include <cstdint>
 #include <span>
 
-/// Sizes in samples: of the image as the settings state them, of the slices in it as the run does.
+/// Sizes in samples: of the image from the settings, of its slices from the run.
 struct TiledImageLayout {
     int imageSizeX = 0;
     int imageSizeY = 0;
@@ -27,12 +26,12 @@ struct TiledImageLayout {
     [[nodiscard]] size_t imageSamples() const { return size_t(imageSizeX) * size_t(imageSizeY); }
 };
 
-/// What to tell about a layout that does not hold all slices.
+/// The message for a layout that does not hold all slices.
 [[nodiscard]] QString unusableLayoutMessage(const TiledImageLayout& layout);
 
 /// Copies the tiles, row by row from the top left, to the slices of `volume`. `source` holds the
 /// samples of the image in the byte order of this machine. False, with nothing copied, when the
-/// layout does not hold all slices, the source less than the whole image, or the volume has
-/// another size.
+/// layout does not hold all slices, the source is shorter than the image, or the volume has another
+/// size.
 [[nodiscard]] bool splitMosaic(std::span<const uint8_t> source, std::span<int16_t> volume,
                                const TiledImageLayout& layout);

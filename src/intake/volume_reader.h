@@ -1,4 +1,4 @@
-// One reader for each data type behind one interface.
+// The interface of the readers, one for each data type.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -6,14 +6,14 @@
 
 #include <memory>
 
-/// Waits for the files of a volume and reads them. Both operations block, with events processed,
-/// until the volume is complete; they return false on a time-out or when a file can't be opened or
-/// read, and show only the messages of a file that came but is no good.
+/// Waits for the files of a volume and reads them. Both read operations block, processing events,
+/// until the volume is complete. They return false on a time-out or when a file can't be opened or
+/// read, and show messages for damaged files only.
 class VolumeReader {
 public:
     virtual ~VolumeReader() = default;
-    /// Settles what must be known before the first wait: which folder to watch, which files to
-    /// expect. False after a message when nothing can come of the wait.
+    /// Determines, before the first wait, which folder to watch and which files to expect. False
+    /// after a message when waiting would be useless.
     [[nodiscard]] virtual bool prepare() { return true; }
     /// Into project.firstVolume: the first measured volume, whatever number is skipped.
     [[nodiscard]] virtual bool readFirstVolume() = 0;

@@ -24,7 +24,7 @@ Turn turnBy(float degrees) {
     return {float(std::sin(radians)), float(std::cos(radians))};
 }
 
-/// The turn that takes axis `from` towards axis `to`.
+/// Rotation from axis `from` towards axis `to`.
 C3dMatrix rotation(float degrees, size_t from, size_t to) {
     const Turn turn = turnBy(degrees);
     C3dMatrix matrix;

@@ -17,8 +17,8 @@ public:
     /// The identity.
     C3dMatrix();
     [[nodiscard]] static C3dMatrix translation(float x, float y, float z);
-    /// Right-handed turns about an axis, in degrees. At 0, 90, -90, 270 and 180 degrees sine and
-    /// cosine are exact.
+    /// Right-handed rotations about an axis, in degrees. At 0, 90, -90, 270 and 180 degrees sine
+    /// and cosine are exact.
     [[nodiscard]] static C3dMatrix rotationX(float degrees);
     [[nodiscard]] static C3dMatrix rotationY(float degrees);
     [[nodiscard]] static C3dMatrix rotationZ(float degrees);
@@ -28,8 +28,8 @@ public:
 
     /// Each element is summed in double.
     [[nodiscard]] C3dMatrix operator*(const C3dMatrix& right) const;
-    /// The transformed point. Each coordinate is summed in float from the translation to x, so that
-    /// what the points of a row have in common can be computed once with the same result.
+    /// The transformed point. Each coordinate is summed in float, from the translation to x, so
+    /// that the terms shared by a row of points can be computed once without changing the result.
     [[nodiscard]] C3dVector operator*(const C3dVector& point) const;
 
 private:

@@ -8,8 +8,8 @@
 [[nodiscard]] QString firstVolumeFileName(const FMRProject& project);
 
 /// Writes the samples of project.firstVolume, 16-bit little endian in slice order. False after a
-/// message, with an old file untouched, when that fails; false without one when the run has no
-/// first volume.
+/// message, with an existing file untouched, when that fails; false without a message when the run
+/// has no first volume.
 [[nodiscard]] bool writeFirstVolume(const FMRProject& project);
 
 /// Reads it into project.firstVolume, whose size the project states. False, with nothing read,

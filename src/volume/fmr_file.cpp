@@ -13,7 +13,7 @@ QString emptyIfNone(const QString& text) {
     return text == noFile ? QString() : text;
 }
 
-/// One pass over a header. Order is everything: most keys are passed over unread.
+/// One pass over a header. Keys are positional: most are skipped unread.
 class FMRParser {
 public:
     FMRParser(const QString& text, FMRScope scope, FMRHeader& header)
@@ -33,7 +33,7 @@ public:
         if (stream_.failed() || textMissing_)
             return FMRParseResult::UnexpectedTokens;
         // Nothing depends on the name of the first data file: a header that ends before it is
-        // whole.
+        // complete.
         if (header_.fileVersion >= 4 && !stream_.atEnd())
             header_.FirstDataSourceFile = quoted();
         return sizesArePossible() ? FMRParseResult::Ok : FMRParseResult::ImpossibleSizes;
@@ -54,8 +54,8 @@ private:
             component = keyedReal();
         return vector;
     }
-    /// The next text in double quotes; its key, if not read yet, is passed over with the rest.
-    /// Paths may be as long as the system allows.
+    /// The next text in double quotes; its key, if not read yet, is skipped. Paths may be as long
+    /// as the system allows.
     QString quoted() {
         constexpr int maximumPathLength = 4096;
         QString text;
@@ -191,7 +191,7 @@ private:
         if (key == "NrOfConditions:")
             stream_.integer();
         else
-            stream_.seek(start); // no word about protocols: the key belongs to what follows
+            stream_.seek(start); // no protocols: the key belongs to what follows
     }
 
     void readVoxelSizes() {
@@ -295,7 +295,7 @@ bool namesFolder(const QString& prefix) {
 
 QString prefixOfFiles(const QString& prefix) {
     QString name = paths::fileName(paths::withForwardSlashes(prefix));
-    // Nothing in a header can escape a quote, and no file name can hold a zero.
+    // A header has no escape for a quote, and no file name can hold a zero.
     name.replace('"', '\'').remove(QChar(0));
     while (name.endsWith('-'))
         name.chop(1);

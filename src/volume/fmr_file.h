@@ -8,7 +8,7 @@
 
 /// How much of a header is read.
 enum class FMRScope {
-    Inspection, ///< other runs: keys of the sizes are not tested, slice positions are passed over
+    Inspection, ///< other runs: keys of the sizes are not checked, slice positions are skipped
     Project,    ///< the current run: sizes must have their keys, slice positions are read
 };
 
@@ -20,30 +20,30 @@ inline constexpr int maximumFMRVolumes = 1000000;
 
 /// Reads a header from its text. `header` is defined only after Ok. Sizes are at least 1 and at
 /// most the limits above, so that the bytes of a volume and those of a slice's series fit into 64
-/// bits. Data of versions below 5 lie in one file per slice: DataStorageFormat is then 1.
+/// bits. Data of versions below 5 are in one file per slice: DataStorageFormat is then 1.
 [[nodiscard]] FMRParseResult parseFMR(const QString& text, FMRScope scope, FMRHeader& header);
 
 /// Reads a file for inspection and leaves the current project alone. False after a message;
 /// `header` is then unchanged. A protocol is linked if header.ProtocolFiles is not empty. A prefix
-/// that names a folder is cut down to its file name, with a message.
+/// with a folder is reduced to its file name, with a message.
 [[nodiscard]] bool readFMRHeader(const QString& fileName, FMRHeader& header);
 /// The same for either scope.
 [[nodiscard]] bool readFMRFile(const QString& fileName, FMRScope scope, FMRHeader& header);
 
-/// The version 5 text of a header. Floats have the shortest form that gives the same float again; a
-/// double quote inside a text becomes "'", since nothing can escape it.
+/// The version 5 text of a header. Floats have the shortest form that reads back as the same float;
+/// a double quote inside a text becomes "'", since the format has no escape.
 [[nodiscard]] QByteArray fmrText(const FMRHeader& header, int nrOfVolumes);
 
 /// Writes the header. "NrOfVolumes:" becomes the smaller of `nrOfVolumesWritten` and the analysed
-/// volumes. What prefixOfFiles() drops and a slice gap below 1e-06 mm are dropped, in the project
-/// too, with a message where the prefix names a folder. False after a message, with an old file
-/// untouched.
+/// volumes. The prefix becomes prefixOfFiles() and a slice gap below 1e-06 mm becomes 0, in the
+/// project too, with a message if the prefix names a folder. False after a message, with an
+/// existing file untouched.
 [[nodiscard]] bool writeFMRHeader(FMRProject& project, const QString& fileName,
                                   int nrOfVolumesWritten);
 
-/// The prefix as it stands in the header and in the name of the data file: without any "-" at its
-/// end and without a folder, since the data lie beside the header; with "'" for a double quote;
-/// empty for "<none>". What has been through this once stays as it is.
+/// The prefix for the header and the name of the data file: without trailing "-" and without a
+/// folder, since the data are beside the header; with "'" for a double quote; empty for "<none>".
+/// Applying it twice changes nothing more.
 [[nodiscard]] QString prefixOfFiles(const QString& prefix);
 /// True when the prefix names a folder; "\" counts as "/".
 [[nodiscard]] bool namesFolder(const QString& prefix);

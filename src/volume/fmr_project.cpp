@@ -14,8 +14,8 @@ bool canBeOpened(const QString& path) {
     return openPlainFile(file);
 }
 
-/// A project that was moved names its anatomical file at the old place: the current folder and the
-/// folder of the project are tried then.
+/// A project that was moved names its anatomical file in the old folder: the current folder and
+/// that of the project are then tried.
 void findAMRFile(FMRProject& project) {
     if (project.LoadAMRFile.isEmpty() || canBeOpened(project.LoadAMRFile))
         return;
@@ -38,7 +38,7 @@ bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadD
     FMRHeader header;
     if (!readFMRFile(fileName, FMRScope::Project, header))
         return false;
-    // Data files may bear the "-" in their names all the same, so stc_file.h tries both.
+    // The names of data files may still have the "-", so stc_file.h tries both.
     if (header.Prefix.endsWith('-'))
         header.Prefix.chop(1);
     static_cast<FMRHeader&>(project) = header;

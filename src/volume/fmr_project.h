@@ -13,9 +13,8 @@
 
 using Vector3 = std::array<float, 3>;
 
-/// Where the slices lie, from the image headers, in the scanner's patient coordinates
-/// (millimetres). The matrix, slice thickness and gap that files give beside it are those of the
-/// run's VolumeGeometry.
+/// Slice positions from the image headers, in the scanner's patient coordinates (millimetres). The
+/// matrix, slice thickness and gap that files list with them are in VolumeGeometry.
 struct FMRPositionInfo {
     int positionInfoValid = 0; ///< 1 when filled from headers
     int coordinateSystem = 1;
@@ -23,7 +22,7 @@ struct FMRPositionInfo {
     Vector3 sliceCenterLast{};
     Vector3 rowDirection{};
     Vector3 columnDirection{};
-    float fovRows = 0.0f; ///< as the headers state it: of the scan, which may have been cut down
+    float fovRows = 0.0f; ///< as the headers state it, before any cropping
     float fovColumns = 0.0f;
 };
 
@@ -41,7 +40,7 @@ struct FMRHeader : VolumeGeometry {
     int SliceAcquisitionOrder = 0;
     bool SliceAcquisitionOrderVerified = false;
     /// When each slice was measured, in milliseconds from the start of the volume, as the scanner's
-    /// headers tell; empty where they don't. Several slices may share a time. No file keeps it.
+    /// headers state it; empty where they don't. Several slices may share a time. Not saved.
     std::vector<float> sliceTimes;
     QString LoadAMRFile;
     int ShowAMRFile = 0;
@@ -62,7 +61,7 @@ struct FMRProject : FMRHeader {
     QString projectPath;  ///< full path of the .fmr file
     QString targetFolder; ///< with "/" at the end
     /// One entry for each analysed volume, all allocated when the run is prepared. NrOfVolumes is
-    /// their number; what has been measured so far is the caller's to know.
+    /// their number; the caller keeps track of how many have been measured.
     RunVolumes volumes;
     Volume firstVolume; ///< as it was read, before any correction
 
@@ -75,10 +74,10 @@ struct FMRProject : FMRHeader {
 enum class LoadData { No, Yes };
 
 /// Reads the header into the project, allocates its volumes and, if asked, reads the data. The
-/// sizes that the header states are held against the data files before anything is allocated. False
-/// after a message; the project is unchanged when the header is no good. Data files that are
-/// missing, too short or of another matrix end the program with status 1 after a message.
+/// sizes in the header are checked against the data files before anything is allocated. False after
+/// a message; an invalid header leaves the project unchanged. Data files that are missing, too
+/// short or of another matrix end the program with status 1 after a message.
 ///
-/// LoadAMRFile names an existing file afterwards, or it and ShowAMRFile are cleared after a
+/// Afterwards LoadAMRFile names an existing file, or it and ShowAMRFile have been cleared with a
 /// message.
 [[nodiscard]] bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadData);

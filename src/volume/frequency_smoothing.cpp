@@ -19,8 +19,8 @@ struct FreeSamples {
 };
 using Samples = std::unique_ptr<float, FreeSamples>;
 
-/// Factors of the frequencies k / (2 length) of one axis, with the 1 / (2 length) by which the
-/// transform there and back has to be divided.
+/// Factors for the frequencies k / (2 length) of one axis, including the normalisation 1 / (2
+/// length) of a forward and backward transform.
 std::vector<float> transferFactors(double width, int length) {
     const double sigma = width > 0.0 ? gaussianSigma(width) : 0.0;
     std::vector<float> factors;

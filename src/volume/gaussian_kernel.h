@@ -18,7 +18,7 @@ public:
     /// sum and stored as floats; all are 0 if that sum is not positive, as it is for a width of 0.
     /// False, with the kernel as it was, for more than 101 taps.
     [[nodiscard]] bool setWidth(double fullWidth);
-    /// One tap of 1: the axis is left as it is.
+    /// A single tap of 1: no smoothing along the axis.
     void setIdentity();
 
     [[nodiscard]] int halfWidth() const { return halfWidth_; }

@@ -15,7 +15,7 @@ namespace {
 /// Row-major matrices in double.
 struct DriftModel {
     int volumes = 0;
-    int drifts = 0;                 ///< columns of the design but for the constant
+    int drifts = 0;                 ///< columns of the design without the constant
     std::vector<double> columns;    ///< volumes x drifts
     std::vector<double> projection; ///< drifts x volumes: a time course gives its betas
 };
@@ -24,7 +24,7 @@ std::vector<double> asDouble(const std::vector<float>& values) {
     return {values.begin(), values.end()};
 }
 
-/// (X'X)^-1 X' less the row of the constant, whose beta is not subtracted.
+/// (X'X)^-1 X' without the row of the constant, whose beta is not subtracted.
 [[nodiscard]] bool makeModel(const std::vector<float>& design, int volumes, DriftModel& model) {
     const int predictors = int(design.size()) / volumes;
     const size_t products = size_t(predictors) * size_t(predictors);
@@ -60,7 +60,7 @@ bool removeDrifts(FMRProject& project, const std::vector<float>& design, int vol
                                                false);
         numerics::t_intel_matrix_matrix_mult_d(model.columns.data(), betas.data(), filtered.data(),
                                                volumes, block, model.drifts, false, false);
-        // The residual plus the constant's beta is the sample less what the drifts explain.
+        // The residual plus the constant's beta is the sample minus the fitted drifts.
         for (size_t i = 0; i < samples.size(); ++i)
             filtered[i] = samples[i] - filtered[i];
     };

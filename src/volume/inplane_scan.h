@@ -1,10 +1,10 @@
-// The high-resolution slices that lie in the planes of the functional ones.
+// High-resolution slices in the planes of the functional ones.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "volume/fmr_project.h"
 
-/// As many slices as the run has; x fastest, then y, then slices. Without samples there is no scan.
+/// As many slices as the run has; x fastest, then y, then slices. No samples without a scan.
 struct InplaneScan {
     VolumeSize size;
     Volume samples;
@@ -19,7 +19,7 @@ struct InplaneScan {
         size = wanted;
         return true;
     }
-    /// Samples of a slice; empty for one that is not there.
+    /// Samples of a slice; empty for an invalid index.
     [[nodiscard]] std::span<int16_t> slice(int index) {
         if (index < 0 || index >= size.slices)
             return {};

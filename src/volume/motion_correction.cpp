@@ -54,7 +54,7 @@ bool MotionCorrection::prepare(const FMRProject& project) {
     return true;
 }
 
-// A motion seldom lasts: a part of the last estimate is a better guess than all or nothing of it.
+// Motion seldom continues: part of the last estimate is a better start than all or none of it.
 MotionParameters MotionCorrection::startValues(int v) const {
     MotionParameters start;
     for (size_t i = 0; i < nrOfMotionParameters; ++i)
@@ -70,7 +70,7 @@ void MotionCorrection::correctVolumeMotion(FMRProject& project, int v,
         size_t(v) >= project.volumes.size() || project.volumes.samplesOfEach() != grid_.samples() ||
         !log_.open(project, grid_))
         return;
-    // The volume itself is the source: it doesn't change before its successor is whole.
+    // The volume itself is the source: it is replaced only when the result is complete.
     const std::span<int16_t> volume = project.volumes[size_t(v)];
     const MotionFit fit = fitMotion(
         [&](const RigidTransformation& transformation, MotionEquations& equations) {

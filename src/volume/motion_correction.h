@@ -22,12 +22,12 @@ public:
     /// Copies volume 0 of the run into the allocated target.
     void setMotionTarget(const FMRProject& project);
 
-    /// Corrects volume `v`, from 1 on and in order, in place. It stays as it is, with its
+    /// Corrects volume `v`, from 1 on and in order, in place. It is left unchanged, with its
     /// parameters 0, when memory runs out (at volume 1, for the whole run) or the log can't be
-    /// opened. The operator is told in a box that doesn't stop the run.
+    /// opened; a modeless box tells the operator.
     ///
-    /// A fit that fails sets `motionCorrectionFailed` and counts as no motion. While it is set, by
-    /// whichever volume or run, volumes are moved by their start values, without a fit.
+    /// A failed fit sets `motionCorrectionFailed` and counts as no motion. While the flag is set,
+    /// by whichever volume or run, volumes are moved by their start values, without a fit.
     void correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed);
 
     /// At the end of a run. The parameters stay.
@@ -45,7 +45,7 @@ private:
 };
 
 /// Reads volume 0 of the run whose project file is `path` into the motion target. False after a
-/// message when the file isn't there or its run has other sizes than `project`. Data files that are
+/// message when the file is missing or its run has other sizes than `project`. Data files that are
 /// missing or too short, and a shortage of memory, end the program with status 1 (readSTCVolume).
 [[nodiscard]] bool loadIntraSessionTarget(const QString& path, const FMRProject& project,
                                           MotionCorrection& motion);

@@ -8,11 +8,11 @@ namespace {
 constexpr int intensityThreshold = 100; // sample value
 constexpr int sliceBorder = 1;
 constexpr int pixelBorder = 2; // of rows and columns
-/// The steps leave fewer positions than this along any axis.
+/// Steps are chosen so that fewer positions than this remain along each axis.
 constexpr size_t maximumPositions = 32;
 
-/// Distance from the centre as a part of the half size, and 0 near the centre. The translation, in
-/// millimetres, is added to a number of voxels: the parameters of runs rest on it.
+/// Distance from the centre as a fraction of the half size; 0 near the centre. The translation in
+/// millimetres is added to a number of voxels: parameters of saved runs depend on it.
 float leverArm(int voxel, int size, float translation) {
     const float distance = float(voxel) - float(size) * 0.5f + translation;
     return std::abs(distance) < 2.0f ? 0.0f : distance / float(size) * 2.0f;

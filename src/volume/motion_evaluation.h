@@ -1,16 +1,16 @@
-// How well a volume, moved by given parameters, agrees with the target.
+// How well a moved volume matches the target.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/memory.h"
 #include "volume/motion_fit.h"
 
-/// Compares at a sparse grid of voxels: about 16 positions along each axis, without a border of one
+/// Compares a sparse grid of voxels: about 16 positions along each axis, excluding a border of one
 /// slice and of two rows and columns. A voxel counts when its value is above 100 in the target and
 /// in the moved volume.
 ///
-/// Only these voxels and their six neighbours are resampled; the sums are those that resampling the
-/// whole volume gives.
+/// Only these voxels and their six neighbours are resampled; the sums equal those of resampling the
+/// whole volume.
 class MotionEvaluator {
 public:
     /// Finds the voxels of a target of grid.samples() samples. False when memory runs out.
@@ -22,7 +22,7 @@ public:
                   MotionEquations& equations);
 
 private:
-    /// A grid row of the target. Its voxels, those above the threshold, stand one behind the other.
+    /// A row of the grid. Its voxels above the threshold are stored consecutively.
     struct Row {
         int y;
         int z;
@@ -44,5 +44,5 @@ private:
     ZeroedBuffer<Gradient> motionGradients_; ///< of the voxels that count
 };
 
-/// Distance of the positions of the grid along an axis of `size` voxels.
+/// Spacing of the grid, in voxels, along an axis of `size` voxels.
 [[nodiscard]] int motionSamplingStep(int size);

@@ -13,15 +13,15 @@ constexpr double smallestImprovement = 0.0001; // of the mean squared difference
 constexpr double setUp = -1.0;
 constexpr double finish = 0.0;
 
-/// The solver and what it keeps from step to step.
+/// The solver and its state between steps.
 class MotionSolver {
 public:
     MotionSolver(const MotionEvaluation& evaluate, const MotionParameters& start, bool& failed)
         : parameters(start), evaluate_(evaluate), failed_(failed) {}
 
-    /// Takes one step. A negative damping sets the solver up first and a damping of 0 ends the fit,
-    /// with no further evaluation; else the damping is changed as the step went. Without effect
-    /// while the fit counts as failed.
+    /// Takes one step. A negative damping initialises the solver first; a damping of 0 ends the fit
+    /// without another evaluation; otherwise the damping follows the success of the step. Does
+    /// nothing once the fit has failed.
     void levenbergMarquardtStep(double& damping);
 
     MotionParameters parameters;
@@ -45,7 +45,7 @@ bool MotionSolver::hasCurvature() const {
     return std::ranges::any_of(best_.curvature, [](double value) { return value != 0.0; });
 }
 
-/// False when the data tell nothing about some motion.
+/// False when the data do not determine some motion.
 bool MotionSolver::solve(double damping, MotionParameters& change) const {
     auto curvature = best_.curvature;
     for (size_t i = 0; i < nrOfMotionParameters; ++i)
@@ -69,8 +69,8 @@ void MotionSolver::levenbergMarquardtStep(double& damping) {
         giveUp();
         return;
     }
-    // Nothing reads the covariance, so it is not computed: where the damping alone made the
-    // equations solvable, it has no value, and the parameters are good all the same.
+    // The covariance is not needed: where only the damping made the equations solvable, it doesn't
+    // exist, though the parameters are valid.
     if (damping == finish)
         return;
     MotionParameters change;

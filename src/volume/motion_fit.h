@@ -1,4 +1,4 @@
-// The fit of six motion parameters by the method of Levenberg and Marquardt.
+// Levenberg-Marquardt fit of the six motion parameters.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -13,8 +13,7 @@ using MotionParameters = std::array<double, nrOfMotionParameters>;
 
 [[nodiscard]] RigidTransformation transformationOf(const MotionParameters& parameters);
 
-/// The squared differences between target and resampled volume, and what they say about a better
-/// place.
+/// The squared differences between target and resampled volume, and their normal equations.
 struct MotionEquations {
     double sumOfSquares = 0.0;
     int voxelsUsed = 0;
@@ -32,7 +31,7 @@ struct MotionFit {
 
 /// Fits the parameters, at most 11 steps from the start values (D. Marquardt, Journal of the SIAM
 /// 11, 1963, 431-441). `motionCorrectionFailed` is set, and the result is no motion, when nothing
-/// can be fitted: no voxel is used, no voxel has a gradient, or the damped equations have no single
-/// solution. While it is set the result is the start values.
+/// can be fitted: no voxel is used, no voxel has a gradient, or the damped equations are singular.
+/// While it is set the result is the start values.
 [[nodiscard]] MotionFit fitMotion(const MotionEvaluation& evaluate, const MotionParameters& start,
                                   bool& motionCorrectionFailed);

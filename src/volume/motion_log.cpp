@@ -43,7 +43,7 @@ bool MotionLog::open(const FMRProject& project, const VolumeGrid& grid) {
     file_.setFileName(motionLogFileName(project));
     const QIODevice::OpenMode mode = started_ ? QIODevice::Append : QIODevice::Truncate;
     if (!file_.open(QIODevice::WriteOnly | mode)) {
-        tell();
+        warn();
         return false;
     }
     if (!started_) {
@@ -57,13 +57,13 @@ void MotionLog::add(const QByteArray& line) {
     const bool written = file_.write(line) == line.size() && file_.flush();
     file_.close();
     if (written)
-        told_ = false;
+        warned_ = false;
     else
-        tell();
+        warn();
 }
 
-void MotionLog::tell() {
-    if (!told_)
+void MotionLog::warn() {
+    if (!warned_)
         showModelessWarning("ERROR: Can not open motion correction log file.");
-    told_ = true;
+    warned_ = true;
 }

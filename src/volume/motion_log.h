@@ -1,4 +1,4 @@
-// The log of a run's motion correction (_3DMC.log): how it is done, and a line for each volume.
+// The motion correction log of a run (_3DMC.log): the settings, and a line for each volume.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -20,17 +20,16 @@
 /// Writes the log of one run, record by record.
 class MotionLog {
 public:
-    /// Opens the file, anew with its head at the first time and at its end afterwards. When that
-    /// fails the operator is told, in a box that doesn't stop the run and once until it has worked
-    /// again. False then.
+    /// Opens the file: at first a new one with its head, later the same for appending. False when
+    /// that fails, after a modeless box that is shown once until it works again.
     [[nodiscard]] bool open(const FMRProject& project, const VolumeGrid& grid);
     /// Adds a record and closes the file, so that nothing is lost when the program ends.
     void add(const QByteArray& line);
 
 private:
-    void tell();
+    void warn();
 
     QFile file_;
     bool started_ = false; ///< the head is written
-    bool told_ = false;
+    bool warned_ = false;
 };

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// So many voxels of a row are worked on at once; what is known of them stays in the cache.
+/// Voxels of a row that are processed together; their intermediate values stay in the cache.
 constexpr size_t blockVoxels = 256;
 
 /// One coordinate along a row of the result: (factor * position + rest) / spacing + half.
@@ -21,18 +21,18 @@ struct Line {
     float last; ///< below this the next voxel is inside
 };
 
-/// What is known of the voxels of a block.
+/// Intermediate values of the voxels of a block.
 struct Block {
     alignas(64) float coordinate[3][blockVoxels];
     alignas(64) float fraction[3][blockVoxels];
     alignas(64) int32_t whole[3][blockVoxels];
     alignas(64) int32_t inside[blockVoxels];
-    /// Two neighbours of a row each: at (y, z), (y + 1, z), (y, z + 1), (y + 1, z + 1).
+    /// Pairs of neighbours along the row: at (y, z), (y + 1, z), (y, z + 1), (y + 1, z + 1).
     alignas(64) int32_t pair[4][blockVoxels];
 };
 
-/// Places and fractions of the voxels between eight samples; those of the others are 0. Returns how
-/// many lie there.
+/// Positions and fractions of the voxels that lie between eight samples; 0 for the others. Returns
+/// the number of the former.
 VELO_SIMD_CLONES int locate(const Line& x, const Line& y, const Line& z, const float* columns,
                             size_t count, Block& block) {
     int inside = 0;
@@ -40,7 +40,7 @@ VELO_SIMD_CLONES int locate(const Line& x, const Line& y, const Line& z, const f
         const float cx = (x.factor * columns[i] + x.rest) / x.spacing + x.half;
         const float cy = (y.factor * columns[i] + y.rest) / y.spacing + y.half;
         const float cz = (z.factor * columns[i] + z.rest) / z.spacing + z.half;
-        // Comparisons with what is not a number are false.
+        // Comparisons with NaN are false.
         const int32_t in = int32_t(cx >= 0.0f) & int32_t(cx < x.last) & int32_t(cy >= 0.0f) &
                            int32_t(cy < y.last) & int32_t(cz >= 0.0f) & int32_t(cz < z.last);
         block.coordinate[0][i] = cx;
@@ -61,7 +61,7 @@ VELO_SIMD_CLONES int locate(const Line& x, const Line& y, const Line& z, const f
     return inside;
 }
 
-// Two samples side by side, which are unsigned.
+// Two adjacent samples, read as unsigned.
 int32_t pairAt(const int16_t* samples) {
     int32_t pair;
     static_assert(sizeof(pair) == 2 * sizeof(*samples));
@@ -89,8 +89,8 @@ float between(float a, float b, float fraction) {
     return a + fraction * (b - a);
 }
 
-/// Halves upwards, of what is not negative. Adding 0.5 first would round what is just below a half
-/// up as well.
+/// Rounds a value that is not negative, halves up. Adding 0.5 first would also round up a value
+/// just below a half.
 int16_t roundedUpwards(float value) {
     const int32_t whole = int32_t(value);
     return int16_t(uint16_t(whole + int32_t(value - float(whole) >= 0.5f)));
@@ -169,8 +169,7 @@ void VolumeSampler::sampleRow(const float* columns, size_t count, float row, flo
     for (size_t done = 0; done < count; done += blockVoxels) {
         const size_t size = std::min(blockVoxels, count - done);
         const int inside = locate(x, y, z, columns + done, size, block);
-        // A volume that has eight samples to interpolate between has them at voxel 0 too, where the
-        // others are sent.
+        // Voxels that are not inside read at voxel 0, which has eight samples if any voxel has.
         if (inside > 0) {
             gatherPairs(source_, rowSize, sliceSize, size, block);
             interpolate(block, size, values + done);

@@ -1,4 +1,4 @@
-// A volume as it looks after a rigid motion.
+// Resampling a volume after a rigid motion.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -16,7 +16,7 @@ struct RigidTransformation {
     float ry = 0.0f;
     float rz = 0.0f;
 
-    /// Where a point of the result is found in the source: T(-tx, -ty, -tz) Rx Ry Rz.
+    /// Maps a point of the result to the source: T(-tx, -ty, -tz) Rx Ry Rz.
     [[nodiscard]] C3dMatrix matrix() const;
 };
 
@@ -27,8 +27,8 @@ struct VolumeGrid {
 
     /// Columns, rows, slices.
     std::array<int, 3> size{};
-    /// Pixel size X and Y, slice distance. One that isn't known (not above 0) counts as 1 mm:
-    /// division by 0 would put every voxel outside the volume.
+    /// Pixel size X and Y, slice distance. An unknown one (not above 0) counts as 1 mm: division by
+    /// 0 would put every voxel outside the volume.
     std::array<float, 3> spacing{1.0f, 1.0f, 1.0f};
 
     [[nodiscard]] size_t samples() const {
@@ -42,12 +42,12 @@ struct VolumeGrid {
     }
 };
 
-/// Looks up where the voxels of a transformed volume come from.
+/// Samples the source at the positions of the transformed volume's voxels.
 ///
-/// With the voxel and its neighbour on each axis inside, the value is interpolated between eight
-/// samples, read as unsigned, in float, along x, then y, then slices, and rounded to the nearest
-/// whole number, halves upwards. Else the nearest voxel is taken: coordinates plus 0.5, truncated
-/// towards 0. Outside the volume the value is 0.
+/// Where the voxel and its next neighbour on each axis are inside, the value is interpolated
+/// between eight samples, read as unsigned, in float, along x, then y, then slices, and rounded to
+/// the nearest integer, halves up. Elsewhere the nearest voxel is taken: coordinates plus 0.5,
+/// truncated towards 0. Outside the volume the value is 0.
 class VolumeSampler {
 public:
     /// `source` holds grid.samples() samples and outlives the sampler.

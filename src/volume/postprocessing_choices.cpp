@@ -29,12 +29,13 @@ UnfinishedChoice findUnfinishedChoice(const PostprocessingOptions& options) {
                 "Nothing is chosen yet: check a group, and in the last one a filter."};
     if (options.spatial.checked && std::isnan(options.spatial.fwhm))
         return {PostprocessingChoice::SpatialWidth,
-                "The width of the spatial smoothing is no number."};
+                "The width of the spatial smoothing is not a number."};
     if (temporal.checked && temporal.highPass && std::isnan(temporal.highPassCycles))
-        return {PostprocessingChoice::HighPassCycles, "The number of sines/cosines is no number."};
+        return {PostprocessingChoice::HighPassCycles,
+                "The number of sines/cosines is not a number."};
     if (temporal.checked && temporal.gaussian && std::isnan(temporal.gaussianWidth))
         return {PostprocessingChoice::TemporalWidth,
-                "The width of the temporal Gaussian is no number."};
+                "The width of the temporal Gaussian is not a number."};
     return {};
 }
 

@@ -22,7 +22,7 @@ struct PostprocessedNames {
 struct PostprocessedFiles {
     QString fmrName;
     QString stcName;
-    bool replaceOthers = false; ///< one of them is there already
+    bool replaceOthers = false; ///< one of them exists already
 };
 
 /// For a run that is written to a folder, which ends with "/".

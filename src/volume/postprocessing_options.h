@@ -9,14 +9,14 @@
 /// in which the slices were measured; with neither pattern it is sequential. With neither
 /// interpolation the correction is linear.
 struct SliceScanTimeOptions {
-    bool checked = false; ///< the group; the choices below count only with it
+    bool checked = false; ///< the group; without it the choices below are ignored
     bool ascendingSliceOrder = true;
     bool descendingSliceOrder = false;
     bool interleavedSliceOrder = false;  ///< every other slice from the first one measured
     bool interleaved2SliceOrder = false; ///< every other slice from the second one
     bool sincInterpolation = false;
     bool cubicSplineInterpolation = true;
-    /// The header's own time of each slice counts (FMRHeader::sliceTimes), not direction and
+    /// Use the headers' time of each slice (FMRHeader::sliceTimes) instead of direction and
     /// pattern.
     bool measuredTimes = false;
 };
@@ -40,8 +40,8 @@ struct TemporalOptions {
     bool gaussianInSeconds = true; ///< else the width is in data points
     float gaussianWidth = 0.0015f; ///< full width at half maximum
 
-    /// The number of pairs that is used: to the nearest integer, halves upwards. -1 for what is
-    /// below zero or no number; at most a million.
+    /// The number of pairs, rounded to the nearest integer, halves up; at most a million. -1 for
+    /// NaN and below zero.
     [[nodiscard]] int nrOfHighPassCycles() const {
         const double rounded = std::floor(double(highPassCycles) + 0.5);
         return rounded >= 0.0 ? int(std::min(rounded, 1e6)) : -1;
@@ -70,7 +70,7 @@ struct PostprocessingOptions {
     return options;
 }
 
-/// What the dialog opens with: no group checked; ascending and interleaved order; cubic spline;
+/// The dialog's initial choices: no group checked; ascending and interleaved order; cubic spline;
 /// high-pass with 2 cycles.
 [[nodiscard]] inline PostprocessingOptions defaultPostprocessingOptions(int nrOfSlices) {
     PostprocessingOptions options;

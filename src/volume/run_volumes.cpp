@@ -3,7 +3,7 @@
 
 bool RunVolumes::allocate(size_t count, size_t samples) {
     clear();
-    // Each volume alone is small: the whole run is held against what the system can give.
+    // Single volumes are small, so the available memory is checked for the whole run.
     if (count != 0 &&
         (samples > SIZE_MAX / count || !memoryIsAvailable(count * samples, sizeof(int16_t))))
         return false;

@@ -22,16 +22,16 @@ public:
 
     [[nodiscard]] size_t size() const { return table_.size(); }
     [[nodiscard]] bool empty() const { return table_.empty(); }
-    /// Of each volume; 0 without volumes.
+    /// Samples of each volume; 0 without volumes.
     [[nodiscard]] size_t samplesOfEach() const {
         return buffers_.empty() ? 0 : buffers_.front().size();
     }
-    /// Samples of a volume, which must be there.
+    /// Samples of a volume, which must exist.
     [[nodiscard]] std::span<int16_t> operator[](size_t volume) { return buffers_[volume].span(); }
     [[nodiscard]] std::span<const int16_t> operator[](size_t volume) const {
         return buffers_[volume].span();
     }
-    /// size() pointers, one for each volume, as plug-ins are handed them.
+    /// size() pointers, one for each volume, for plug-ins.
     [[nodiscard]] int16_t* const* table() const { return table_.data(); }
 
 private:

@@ -34,7 +34,7 @@ int ascendingPosition(int s, int n, bool interleaved, bool interleaved2) {
 int descendingPosition(int s, int n, bool interleaved, bool interleaved2) {
     const int h = (n + 1) / 2;
     const bool odd = (s + 1) % 2 != 0;
-    // Counted from the other end, odd and even slices change places if their number is odd.
+    // With an odd number of slices the last one is odd too, which swaps the patterns.
     if (n % 2 != 0)
         std::swap(interleaved, interleaved2);
     if (interleaved2) {
@@ -111,7 +111,7 @@ bool measuredTimesAreValid(const FMRHeader& header) {
 
 int timePositionOfSlice(int slice, int nrOfSlices, const SliceScanTimeOptions& options,
                         int lastPosition) {
-    // The first pattern that is set counts.
+    // The first pattern that is set wins.
     const bool interleaved = options.interleavedSliceOrder;
     const bool interleaved2 = options.interleaved2SliceOrder && !interleaved;
     if (options.ascendingSliceOrder)
@@ -129,7 +129,7 @@ bool sliceTimesAreValid(const FMRHeader& header, const SliceScanTimeOptions& opt
         return false;
     }
     if (!(header.TR > 0.0f && header.InterSliceTime >= 0.0f)) {
-        showWarning("ERROR: The TR and the inter-slice time of the project are no times!");
+        showWarning("ERROR: The TR or the inter-slice time of the project is invalid!");
         return false;
     }
     return true;

@@ -14,7 +14,7 @@ constexpr size_t columnBlock = 256;
 
 using RowPointers = std::array<const float*, GaussianKernel::maximumTaps>;
 
-/// The rows that the taps meet around row `center` of `count` rows.
+/// The rows under the taps that are centred on row `center` of `count` rows.
 void pointAtRows(RowPointers& rows, const GaussianKernel& kernel, const float* first, size_t stride,
                  int center, int count) {
     for (int d = -kernel.halfWidth(); d <= kernel.halfWidth(); ++d) {

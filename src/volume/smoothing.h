@@ -17,22 +17,22 @@ struct VoxelWidths {
 [[nodiscard]] VoxelWidths voxelWidths(const VolumeGeometry& geometry, double fwhmMillimetres);
 
 /// Three passes over a volume, along X, then Y, then Z. Each computes sums of tap * sample in
-/// float, limits them to 0 to 32767 and rounds to whole samples (smoothing_kernels.h). A sample
-/// that lies outside the volume is replaced by the centre sample, so that borders keep their
-/// intensity. The object keeps its work memory from volume to volume.
+/// float, clamps them to 0 to 32767 and rounds to whole samples (smoothing_kernels.h). A sample
+/// outside the volume is replaced by the centre sample, so that borders keep their intensity. The
+/// object reuses its work memory for all volumes.
 class SpatialSmoothing {
 public:
-    /// Smooths volume v, from 0, in place. A width of 0 has kernels of zeros only, and so the
-    /// volume becomes zeros. False, with the volume as it was, when the project has no such volume,
-    /// the width is below 0 or no number, a kernel has more than 101 taps (an unknown voxel size
-    /// included), or, after a message, when memory runs out.
+    /// Smooths volume v, from 0, in place. A width of 0 gives kernels of zeros, and so a volume of
+    /// zeros. False, with the volume unchanged, when the project has no such volume, the width is
+    /// negative or NaN, a kernel has more than 101 taps (an unknown voxel size included), or, after
+    /// a message, when memory runs out.
     [[nodiscard]] bool smoothVolume(FMRProject& project, int v, float fwhmMillimetres);
 
-    /// The same for widths in voxels. An axis whose width is not above 0 is left as it is, but for
-    /// samples below 0; one axis at least has a width.
+    /// The same for widths in voxels. An axis whose width is not above 0 is not smoothed, apart
+    /// from clamping; at least one axis has a width.
     [[nodiscard]] bool smoothVolume(FMRProject& project, int v, const VoxelWidths& widths);
 
-    /// True when no kernel has more than 101 taps and one axis at least has a width.
+    /// True when no kernel has more than 101 taps and at least one axis has a width.
     [[nodiscard]] static bool isPossible(const VoxelWidths& widths);
 
 private:

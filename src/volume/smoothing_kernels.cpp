@@ -11,7 +11,7 @@ namespace {
 constexpr size_t sumBlock = 256;
 constexpr float largestSample = 32767.0f;
 
-/// sums += taps[0] * row 0, then taps[1] * row 1, ... Several rows at once spare the way of the
+/// sums += taps[0] * row 0, then taps[1] * row 1, ... Taking several rows at once saves passing the
 /// sums through memory.
 template<int nrOfRows>
 [[gnu::always_inline]] inline void addRows(const float* taps, const float* const* rows,

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <span>
 
-// Each result is the sum of tap * sample in float, from the first tap to the last, limited to 0 to
+// Each result is the sum of tap * sample in float, from the first tap to the last, clamped to 0 to
 // 32767, plus 0.5 in float, truncated.
 
 /// result[i] = sum over k of taps[k] * rows[k][i], for `count` values. `result` overlaps no row.

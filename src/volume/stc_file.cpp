@@ -34,7 +34,7 @@ qint64 sliceBytes(const FMRHeader& header) {
     return qint64(header.sliceSamples() * sizeof(int16_t));
 }
 
-/// Slice files are named with the prefix as it stands in the header, which may have lost its "-".
+/// Slice files are named with the prefix of the header, which may have lost its "-".
 QString sliceFileName(const FMRHeader& header, const QString& folder, int slice) {
     const QString number = QString::number(slice + 1) + ".stc";
     const QString plain = paths::join(folder, header.Prefix + number);
@@ -159,7 +159,7 @@ bool checkSTCFiles(const FMRProject& project) {
     QFile file(name);
     if (!openPlainFile(file))
         return fail(notOpened(name));
-    // Divided, because the product of hostile sizes may pass 64 bits.
+    // A division, since the product of hostile sizes may overflow 64 bits.
     const qint64 volumeBytes = sliceBytes(project) * project.NrOfSlices;
     const bool holdsAll = volumeBytes > 0 && file.size() / volumeBytes >= project.NrOfVolumes;
     return holdsAll || failShort(name);

@@ -6,36 +6,35 @@
 #include "base/progress.h"
 #include "volume/fmr_project.h"
 
-// Format 2 is one file without header: sample (x, y) of volume v in slice s stands at sample offset
-// ((s * NrOfVolumes + v) * ResolutionY + y) * ResolutionX + x. Format 1, which is only read, is one
+// Format 2 is one file without header: sample (x, y) of volume v in slice s is at sample offset ((s
+// * NrOfVolumes + v) * ResolutionY + y) * ResolutionX + x. Format 1, which is only read, is one
 // file per slice, named with the slice's number from 1: two 16-bit sizes, then the volumes.
 
-/// Path of the format 2 file that is written: target folder, prefixOfFiles(), ".stc". Other
-/// writers drop one "-" at the end of the prefix: where there is a file of such a name, that one is
-/// read.
+/// Path of the format 2 file that is written: target folder, prefixOfFiles(), ".stc". Other writers
+/// drop only one "-" at the end of the prefix: if such a file exists, that one is read.
 [[nodiscard]] QString stcFileName(const FMRProject& project);
 
 /// Writes the first volumes of the run, as many as the smaller of `nrOfVolumesWritten` and the
 /// analysed ones; a volume without memory is written as zeros. The file appears under its name only
-/// when it is whole. Progress, if a reporter is given, goes from `from` to `to` slice by slice, and
-/// events, if a pump is given, are processed after each slice: the caller sees to it that the
-/// project stays alive. False, with an old file untouched: after a message when the folder can't be
-/// written, the disk is full or the name is that of no plain file, without one when the reporter is
+/// when it is complete. Progress, if a reporter is given, goes from `from` to `to` slice by slice,
+/// and events, if a pump is given, are processed after each slice: the caller keeps the project
+/// alive. False, with an existing file untouched: after a message when the folder can't be written,
+/// the disk is full or the name is not that of a regular file, without one when the reporter is
 /// cancelled.
 [[nodiscard]] bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten,
                                 ProgressReporter* progress, EventPump* pump, int from, int to);
 
-/// Holds the sizes of the project against its data files. A missing or short file, something else
-/// than a plain file (which is not opened), or slice files of another matrix give a message, the
-/// end of the program with status 1, and false. Bytes behind the data are not looked at.
+/// Checks the sizes of the project against its data files. A missing or short file, anything but a
+/// regular file (which is not opened), or slice files of another matrix end the program with status
+/// 1 after a message; false then. Extra bytes after the data are ignored.
 [[nodiscard]] bool checkSTCFiles(const FMRProject& project);
 
 /// Checks, then reads the data files of either format into the allocated volumes of the project.
 [[nodiscard]] bool readSTCData(FMRProject& project);
 
-/// Reads one volume, from 0, of another run, whose header is `targetFMR` and whose data stand
-/// beside it. `header` receives the other run's header. A missing or short data file, a volume that
-/// the run doesn't have, or a shortage of memory ends the program with status 1 after a message.
+/// Reads one volume, from 0, of another run, whose header is `targetFMR` and whose data are beside
+/// it. `header` receives the other run's header. A missing or short data file, a volume that the
+/// run doesn't have, or a shortage of memory ends the program with status 1 after a message.
 [[nodiscard]] bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header,
                                  Volume& samples);
 

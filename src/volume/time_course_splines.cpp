@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/time_course_splines.h"
 
-// See stats/numerics/spline.cpp for the equations; with a distance of 1 between neighbours each
-// inner row of the system is curvature before + 4 * here + after = 6 * change of slope.
+// See stats/numerics/spline.cpp for the equations; with unit spacing each inner row of the system
+// is c[v - 1] + 4 c[v] + c[v + 1] = 6 * change of slope.
 
 TimeCourseSplines::TimeCourseSplines(size_t nrOfVolumes)
     : nrOfVolumes_(nrOfVolumes), diagonal_(nrOfVolumes, 1.0),
@@ -11,7 +11,7 @@ TimeCourseSplines::TimeCourseSplines(size_t nrOfVolumes)
         diagonal_[v] = v == 1 ? 4.0 : 4.0 - 1.0 / diagonal_[v - 1];
 }
 
-/// `work` holds the right sides in its rows from 1 on.
+/// `work` takes the right-hand sides, in its rows from 1 on.
 void TimeCourseSplines::findCurvatures(const double* samples, double* work) {
     constexpr size_t stride = timeCourseBlock;
     for (size_t v = 1; v + 1 < nrOfVolumes_; ++v) {

@@ -4,16 +4,15 @@
 
 #include "volume/time_courses.h"
 
-/// Natural cubic splines through all samples of timeCourseBlock time courses. Samples stand one
-/// volume apart, so the elimination is the same for all voxels and is done once for a run. The
-/// values are bit for bit those of numerics::splineSecondDerivatives() and splineValue(), voxel by
-/// voxel.
+/// Natural cubic splines through timeCourseBlock time courses. Samples are one volume apart, so the
+/// elimination is the same for all voxels and is done once per run. Values are bit for bit those of
+/// numerics::splineSecondDerivatives() and splineValue(), voxel by voxel.
 class TimeCourseSplines {
 public:
     explicit TimeCourseSplines(size_t nrOfVolumes);
 
-    /// Rows of volumes from 1 on become the values at v - delay; `delay` is from 0 to below 1. Row
-    /// 0 of `filtered` stays.
+    /// Sets each row v of `filtered`, from 1 on, to the values at v - delay; 0 <= delay < 1. Row 0
+    /// is left unchanged.
     void shift(double delay, const double* samples, double* filtered);
 
 private:

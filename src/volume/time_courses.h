@@ -18,17 +18,17 @@ enum class SampleRange : int {
     Unsigned = 65535,
 };
 
-/// Reads the time courses of a block of voxels of one slice and leaves filtered ones. Both arrays
-/// have one row of timeCourseBlock values for each volume; columns of a block without voxels are 0.
+/// Filters the time courses of a block of voxels of one slice. Both arrays have one row of
+/// timeCourseBlock values for each volume; unused columns are 0.
 using TimeCourseFilter =
     std::function<void(int slice, std::span<const double> samples, std::span<double> filtered)>;
 
-/// How many of the first `nrOfVolumes` volumes, up to the first without memory, the project has.
+/// How many of the first `nrOfVolumes` volumes are allocated, up to the first that is not.
 [[nodiscard]] int nrOfCompleteVolumes(const FMRProject& project, int nrOfVolumes);
 
-/// Applies a filter to all voxels over the first volumes of the run. Results are limited to 0 and
-/// the largest sample and rounded half up; a time course that does not change over the run is left
-/// as it is. False after a message when memory runs out, with the samples as they were, and without
-/// one when the work is cancelled, with part of the voxels filtered.
+/// Applies a filter to all voxels over the first volumes of the run. Results are clamped to 0 to
+/// the largest sample and rounded half up; a constant time course is left unchanged. False after a
+/// message when memory runs out, with the samples unchanged, and without one when cancelled, with
+/// part of the voxels filtered.
 [[nodiscard]] bool filterTimeCourses(FMRProject& project, int nrOfVolumes, SampleRange range,
                                      const StepProgress& progress, const TimeCourseFilter& filter);

@@ -7,7 +7,7 @@
 bool VolumeBackup::copy(const FMRProject& project, int nrOfVolumes, const StepProgress& progress) {
     const size_t samples = project.volumeSamples();
     const auto count = size_t(nrOfCompleteVolumes(project, nrOfVolumes));
-    // Each volume alone is small: the whole run is held against what the system can give.
+    // Single volumes are small, so the available memory is checked for the whole run.
     bool enoughMemory = memoryIsAvailable(count * samples, sizeof(int16_t));
     volumes_.clear();
     for (size_t v = 0; v < count && enoughMemory; ++v) {

@@ -9,12 +9,12 @@
 class VolumeBackup {
 public:
     /// Copies the first volumes of the run. False after a message when memory runs out, and without
-    /// one when the work is cancelled meanwhile; the progress stays where it begins.
+    /// one when cancelled. Progress stays at the start of its range.
     [[nodiscard]] bool copy(const FMRProject& project, int nrOfVolumes,
                             const StepProgress& progress);
-    /// Writes the kept samples back into the volumes, which stay where they are in memory.
+    /// Copies the samples back into the volumes, which keep their addresses.
     void restore(FMRProject& project) const;
-    /// Gives the memory back.
+    /// Frees the memory.
     void release();
 
 private:

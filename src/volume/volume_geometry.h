@@ -18,14 +18,13 @@ struct VolumeSize {
     [[nodiscard]] size_t samples() const { return sliceSamples() * size_t(std::max(slices, 0)); }
 };
 
-/// The sizes of a run's volumes and of their voxels. A run states them here and nowhere else: code
-/// that needs them takes them from the run, and an array of voxels knows the size that it was
-/// allocated with.
+/// The sizes of a run's volumes and of their voxels. This is their only place: other code takes
+/// them from the run, and an array of voxels knows the size that it was allocated with.
 struct VolumeGeometry {
     int ResolutionX = 64; ///< MatrixSizeX
     int ResolutionY = 64; ///< MatrixSizeY
     int NrOfSlices = 16;
-    float pixelSizeX = 0.0f; ///< millimetres, as all that follow; 0 where it is not known
+    float pixelSizeX = 0.0f; ///< millimetres, like all that follow; 0 if unknown
     float pixelSizeY = 0.0f;
     float sliceThickness = 0.0f;
     float sliceGap = 0.0f; ///< negative where slices overlap

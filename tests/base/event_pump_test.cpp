@@ -1,5 +1,6 @@
-// The pump of the running program, with the system's own notices. The long waits would show as
-// such; no test depends on how soon a notice comes. SPDX-License-Identifier: GPL-3.0-or-later
+// The pump of the running program, with real notifications of the system. A missed one shows as a
+// long wait; no test depends on how soon one comes.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/event_pump.h"
 
 #include <QDir>

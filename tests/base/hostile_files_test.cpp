@@ -35,7 +35,7 @@ TEST(TextFile, AnythingButARegularFileIsNeitherReadNorReplaced) {
     }
 }
 
-// To open a device or a pipe can do something at its other end.
+// Opening a device or a pipe can have an effect at its other end.
 TEST(PlainFile, APipeIsNotEvenOpened) {
     const QTemporaryDir folder;
     const QByteArray pipe = folder.filePath("pipe").toLocal8Bit();

@@ -1,4 +1,4 @@
-// What is asked of the operator, with and without somebody there.
+// Inputs, questions and choosers, with and without an operator.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/messages.h"
 
@@ -12,7 +12,7 @@ namespace {
 
 constexpr double none = std::numeric_limits<double>::quiet_NaN();
 
-/// Takes what an input begins with, or an answer of its own.
+/// Accepts the initial value of an input, or gives an answer of its own.
 class TakesStart : public UnattendedMessages {
 public:
     TakesStart() : previous_(installMessageHandler(this)) {}

@@ -1,4 +1,4 @@
-// What the dialogs of the program share.
+// Shared parts of the dialogs.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/appearance.h"
 #include "dialogs/dialog_setup.h"
@@ -22,7 +22,7 @@
 
 namespace {
 
-/// Edits an integer; "refused" counts as not right.
+/// Edits an integer; "refused" makes it invalid.
 class NumberDialog : public EditDialog {
 public:
     static constexpr int refused = 13;

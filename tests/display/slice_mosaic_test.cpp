@@ -79,7 +79,7 @@ TEST(SliceMosaic, CodesSignificance) {
         {{nan}, {3}, -1},
         {{-3.6f}, {3}, 11},
         {{5.0f}, {2}, -1},
-        {{4.2f, -5.5f}, {3, 3}, 14}, // the larger magnitude tells the sign
+        {{4.2f, -5.5f}, {3, 3}, 14}, // the larger magnitude decides the sign
         {{6.5f, -5.5f}, {2, 1}, -1},
         {{nan, 4.2f, 1.0f, nan}, {3, 3, 3, 2}, 2},
     };
@@ -92,7 +92,7 @@ TEST(SliceMosaic, CodesSignificance) {
         EXPECT_EQ(scene.pixel(3, 2), index < 0 ? grey : entry(index))
             << testing::PrintToString(values);
     }
-    // Thresholds that span nothing.
+    // An empty range of thresholds.
     EXPECT_EQ(significanceColorIndex(3.0f, false, 3.0f, 3.0f), 9);
     EXPECT_EQ(significanceColorIndex(4.0f, false, 3.0f, nan), 9);
 }

@@ -22,7 +22,7 @@ public:
     explicit DicomBytes(ByteOrder order = ByteOrder::Little, bool explicitVR = true)
         : order_(order), explicitVR_(explicitVR) {}
 
-    /// Preamble, mark and a meta-header: group length and transfer syntax, as ever little-endian.
+    /// Preamble, mark and a meta-header: group length and transfer syntax, always little-endian.
     DicomBytes& meta() {
         bytes += QByteArray(128, '\0') + "DICM" +
                  QByteArray::fromHex("02000000554c04001c0000000200100055491400") +

@@ -97,7 +97,7 @@ TEST(DicomHeader, EveryFailureHasItsMessage) {
         {meta().element(0x0028, 0x0011, "US", "1234").pixels({1}).bytes, critical,
          inconsistent.arg("Columns", "11")},
         {meta().header(0x0008, 0x1140, "SQ", 0xFFFFFFFF).pixels({1}).bytes, warning, pastEnd},
-        // Nothing stands before a pixel element that is longer than a header value may be.
+        // No element precedes a pixel element that is longer than a header value may be.
         {meta().pixels(std::vector<int>(525001)).bytes, warning, pastEnd}};
     for (const auto& [bytes, level, message] : cases) {
         ScriptedMessages messages;

@@ -30,7 +30,7 @@ struct EmptySlices : testing::Test {
     void expectWarning(int slice, const QString& volume) {
         run.messages.expect(
             MessageLevel::Warning,
-            QString("WARNING: Slice %1 of %2 holds nothing*").arg(slice).arg(volume));
+            QString("WARNING: Slice %1 of %2 contains only zeros*").arg(slice).arg(volume));
     }
 
     IntakeRun run{"ANALYZE_NW", 1, 2, 2};
@@ -66,7 +66,7 @@ TEST_F(EmptySlices, AreTakenAfterOneTRWithinTheTimeOut) {
         EXPECT_EQ(timeOf(0), 10);
     }
     put(2, {0, 0, 0, 0});
-    EXPECT_EQ(timeOf(1), 10) << "told often enough, and there is no TR to wait for";
+    EXPECT_EQ(timeOf(1), 10) << "warned often enough, and there is no TR to wait for";
 }
 
 TEST_F(EmptySlices, OfAFileThatHasGoneAreTakenAsTheyWere) {

@@ -46,7 +46,7 @@ TEST(GeDicomReaders, SamplesAreTheLastBytesOfAWholeFile) {
         const auto reader = run.reader();
         ASSERT_TRUE(reader->prepare() && reader->readFirstVolume());
         EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x304, 0x405}));
-        // The loop goes by the order that the program has settled on.
+        // The loop uses the byte order of the run.
         ASSERT_TRUE(reader->readVolume(0));
         EXPECT_EQ(run.project.volumes[0][0], 0x403);
         run.state.rawDataByteOrder = ByteOrder::Big;
@@ -123,7 +123,7 @@ TEST(GeDicomReaders, HeadersGiveSizesAndOfOneTypePositions) {
           {{.orientation = "9\\0\\0\\0\\9\\0"}, noOrientation}}) {
         SCOPED_TRACE(message ? message : type);
         GeRun run(type);
-        // From another file; it must not pass for that of this one.
+        // From another file; it must not be taken for that of this one.
         run.state.header.imagePositionText = "1\\2\\3";
         run.state.header.imageOrientationText = axial.toStdString();
         writeVolume(run, geometry);
@@ -136,7 +136,7 @@ TEST(GeDicomReaders, HeadersGiveSizesAndOfOneTypePositions) {
         const FMRPositionInfo& position = project.position;
         const bool positions = !message && type == QString("GE_HDXT_DICOM");
         EXPECT_EQ(position.positionInfoValid, positions);
-        EXPECT_EQ(run.state.rawDataByteOrder, ByteOrder::Big) << "the header tells";
+        EXPECT_EQ(run.state.rawDataByteOrder, ByteOrder::Big) << "from the header";
         if (message)
             continue;
         if (positions) {

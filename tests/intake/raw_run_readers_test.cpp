@@ -11,7 +11,7 @@ TEST(GrowingFileReader, EachSliceOfTheFirstVolumeHasItsOwnWaitAndLaterOneEachVol
         IntakeRun run("PHILIPS_REC", 1, 1, 3);
         run.settings.documentFirstFileName = run.path("run.rec");
         run.settings.NrOfVolumesToSkip = 1;
-        run.state.rawDataByteOrder = ByteOrder::Big; // which counts for nothing here
+        run.state.rawDataByteOrder = ByteOrder::Big; // ignored here
         const auto grow = [&run](int milliseconds, size_t nrOfSamples) {
             run.pump.after(milliseconds, [&run, nrOfSamples] {
                 run.write("run.rec", rawSamples(countedFrom(0x0102, nrOfSamples)));

@@ -1,4 +1,4 @@
-// Little-endian samples as files hold them that have no header, or one of fixed size.
+// Little-endian samples, as in raw files.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

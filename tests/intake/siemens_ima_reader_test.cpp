@@ -73,7 +73,7 @@ TEST(SiemensImaReaders, MosaicsThatCannotHoldTheSlicesAreRefused) {
 }
 
 // A big-endian header with the slice thickness, both fields of view, the distance factor and a
-// pixel size that nobody asks for.
+// pixel size that is not used.
 QByteArray imaHeader(double thickness, double fieldOfView, double factor) {
     QByteArray header(imaHeaderBytes, '\0');
     QDataStream stream(&header, QIODevice::ReadWrite);

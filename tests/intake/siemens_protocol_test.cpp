@@ -53,7 +53,7 @@ TEST(SiemensProtocol, SliceOrderIsHexadecimalBehindPositionsOrDecimalBeforeThem)
     }
 }
 
-// A second block, or what looks like one in the samples, counts for nothing.
+// A second block, or what looks like one in the samples, is ignored.
 TEST(SiemensProtocol, ReadingEndsWithOrderOrBlock) {
     const QByteArray mode = "sSliceArray.ucMode = 2\n";
     const QByteArray other = "sSliceArray.asSlice[9].sPosition.dTra = 99\n";

@@ -26,7 +26,7 @@ TEST(MosaicReader, LastKeyCountsAndLoopSwapsTheSquareOfItsOwnResolution) {
     }
 }
 
-// Names with the prefix and without; each slice has the whole time-out.
+// Names with and without the prefix; each slice has the full time-out.
 TEST(SliceReader, FirstKeyCountsAndLoopGoesByTheSettledOrder) {
     IntakeRun run("DICOM", 2, 1, 2);
     run.settings.DicomFirstVolumeNr = 5;

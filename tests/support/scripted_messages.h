@@ -1,5 +1,5 @@
-// Answers the program's boxes from a script: an unexpected message, or one left over, fails the
-// test. SPDX-License-Identifier: GPL-3.0-or-later
+// Scripted answers to the program's boxes: an unexpected message, or one left over, fails the test.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/messages.h"
@@ -11,17 +11,17 @@
 #include <vector>
 
 /// Installed for its lifetime. Expectations are met in order; `*` at the end of an expected text
-/// stands for any rest.
+/// matches any rest.
 class ScriptedMessages : public MessageHandler {
 public:
     ScriptedMessages();
     ~ScriptedMessages() override;
 
-    /// A message, aside or not, with this title.
+    /// A message, modal or modeless, with this title.
     void expect(MessageLevel level, const QString& text, const QString& title = programTitle);
     void expectQuestion(const QString& text, bool answer, const QString& title = programTitle);
     void expectAnnouncement(const QString& text);
-    /// Of a file to open or to save, whether it is waited for or not; an empty answer cancels.
+    /// Of a file to open or to save, blocking or modeless; an empty answer cancels.
     void expectFileChoice(const QString& title, const QString& answer);
     /// By the text of an input, and the title of a colour chooser; without an answer it is
     /// cancelled. A number that lies outside the bounds of its request fails the test.
@@ -31,9 +31,9 @@ public:
     void expectColorChoice(const QString& title, std::optional<RgbColor> answer);
     /// All messages so far, one for each line end.
     [[nodiscard]] QStringList shown() const { return shown_; }
-    /// Those of them that nobody had to answer.
+    /// Those of them that were modeless.
     [[nodiscard]] QStringList shownModeless() const { return shownModeless_; }
-    /// Takes any message without complaint; what was shown stands in shown(). For fuzzing loops.
+    /// Accepts any message, which is listed in shown(). For fuzzing loops.
     void acceptAnything() { acceptAnything_ = true; }
     /// What the operator does before answering a question.
     std::function<void()> onQuestion;

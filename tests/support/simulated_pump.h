@@ -1,4 +1,4 @@
-// Simulated time: waiting takes no time at all, and things happen at given moments.
+// Simulated time: waits return at once, and actions run at given times.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -7,8 +7,8 @@
 #include <functional>
 #include <map>
 
-/// A clock that moves only when the program waits. Scheduled actions run when their moment is
-/// passed in a wait or a call of processEvents().
+/// A clock that moves only when the program waits. Scheduled actions run when a wait or
+/// processEvents() passes their time.
 class SimulatedPump : public EventPump {
 public:
     void processEvents() override;
@@ -20,7 +20,7 @@ public:
     void after(qint64 milliseconds, std::function<void()> action);
     /// Time that each call of processEvents() takes; keeps polling loops without a wait finite.
     void setEventCost(int milliseconds) { eventCost_ = milliseconds; }
-    /// Something changes in the folders that a wait watches: it ends here, or the next one at once.
+    /// Simulates a change in the watched folders: the current wait ends, or the next one at once.
     void changeFolders() { changed_ = true; }
     /// Of the last wait for a change.
     [[nodiscard]] QStringList watchedFolders() const { return watchedFolders_; }

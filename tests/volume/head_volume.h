@@ -1,4 +1,4 @@
-// A head given by a formula, so that it can be looked at from any place.
+// A head given by a formula, so that it can be sampled at any position.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -8,7 +8,7 @@
 #include <numbers>
 #include <random>
 
-/// Where the head lies, as the fit describes it: result(p) = source(M p).
+/// Moves the head as the fit describes it: result(p) = source(M p).
 class HeadVolume {
 public:
     /// Heads of different seeds differ in their texture.

@@ -1,4 +1,4 @@
-// Motion correction of runs: how near it comes to the truth, its log, its failures, its target.
+// Motion correction of runs: accuracy, log, failures, target of another run.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/motion_correction.h"
 

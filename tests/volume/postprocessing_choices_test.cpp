@@ -1,4 +1,4 @@
-// Which choices of post-processing go together, and what the operator reads about them.
+// Which choices of post-processing are available, and the texts about them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/postprocessing_choices.h"
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// All groups checked, with numbers that can be carried out.
+/// All groups checked, with possible numbers.
 PostprocessingOptions everything(int nrOfSlices = 25) {
     PostprocessingOptions options = defaultPostprocessingOptions(nrOfSlices);
     options.sliceScanTime.checked = options.spatial.checked = options.temporal.checked = true;
@@ -83,16 +83,16 @@ TEST(PostprocessingChoices, WhatIsMissingOrImpossibleIsNamed) {
                               [](auto& o) { o.temporal.highPassCycles = std::nanf(""); },
                               [](auto& o) { o.temporal.gaussianWidth = std::nanf(""); }};
     const UnfinishedChoice expected[] = {
-        {SpatialWidth, "The width of the spatial smoothing is no number."},
-        {HighPassCycles, "The number of sines/cosines is no number."},
-        {TemporalWidth, "The width of the temporal Gaussian is no number."}};
+        {SpatialWidth, "The width of the spatial smoothing is not a number."},
+        {HighPassCycles, "The number of sines/cosines is not a number."},
+        {TemporalWidth, "The width of the temporal Gaussian is not a number."}};
     for (size_t i = 0; i < std::size(numbers); ++i) {
         PostprocessingOptions options = everything();
         EXPECT_EQ(findUnfinishedChoice(options).choice, None);
         numbers[i](options);
         EXPECT_EQ(findUnfinishedChoice(options).choice, expected[i].choice);
         EXPECT_EQ(findUnfinishedChoice(options).text, expected[i].text);
-        // A number counts only with its step.
+        // A number is ignored without its step.
         options.spatial.checked = options.temporal.highPass = options.temporal.gaussian = false;
         EXPECT_EQ(findUnfinishedChoice(options).text, "");
     }

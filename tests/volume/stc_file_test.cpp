@@ -49,7 +49,7 @@ protected:
 
 } // namespace
 
-// A name without folder is what the header says; other writers drop one "-" from that.
+// Data are named like the header's prefix without a folder; other writers drop one "-" of it.
 TEST_F(STCFile, EverySavedRunComesBackWhateverItsPrefix) {
     const QStringList prefixes{
         "",     "-",      "--",      "a-",     "a--",     "a---",       "-a",      "a\"b-",
@@ -127,7 +127,7 @@ TEST_F(STCFile, APrefixNeverLeadsOutOfTheFolder) {
     }
 }
 
-// A pipe would hold the program up for good.
+// A pipe would block the program for good.
 TEST_F(STCFile, PipesFoldersAndDevicesAreRefused) {
     ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
     const QString path = folder.filePath("run.stc");

@@ -123,14 +123,14 @@ TEST(SliceTiming, ValuesAreThoseOfNumPy) {
     }
 }
 
-// Two slices at a time, in an order that no pattern has; direction and pattern count for nothing.
+// Two slices at a time, in an order that no pattern has; direction and pattern are ignored.
 TEST(SliceTiming, MeasuredTimesOfSeveralSlicesAtOnceComeBackAligned) {
     const auto ramp = [](double v) { return 1000 + 100 * v; };
     for (const int direction : {0, 1, 2}) {
         FMRProject run = runOf(3, 2, 6, 9, [&](int, int, int s, int v) {
             return ramp(v + std::array{0.25, 0.75, 0.0}[size_t(s % 3)]);
         });
-        run.InterSliceTime = 5000; // which does not count either
+        run.InterSliceTime = 5000; // ignored as well
         run.sliceTimes = {500, 1500, 0, 500, 1500, 0};
         SliceScanTimeOptions options;
         options.ascendingSliceOrder = direction == 1;
@@ -167,7 +167,7 @@ TEST(SliceTiming, TimesThatDoNotFitChangeNothing) {
     FMRProject run = runWithCourse({5, 9, 2});
     run.TR = NAN;
     messages.expect(MessageLevel::Warning,
-                    "ERROR: The TR and the inter-slice time of the project are no*");
+                    "ERROR: The TR or the inter-slice time of the project is invalid!");
     EXPECT_FALSE(correct(run, {}));
     EXPECT_EQ(courseOf(run, 6), (std::vector<int>{5, 9, 2}));
     FMRProject single = runWithCourse({-7});
@@ -206,7 +206,7 @@ TEST(LinearTrend, IsRemovedAndTheMeanStays) {
     FMRProject run = runWithCourse({10, 20, 28, 14}); // mean 18, slope 2
     ASSERT_TRUE(removeLinearTrend(run, 4, StepProgress(progress)));
     EXPECT_EQ(courseOf(run, 0), (std::vector<int>{13, 21, 27, 11}));
-    // Samples are unsigned: a mean of 32768 with no slope, limited to the largest signed one.
+    // Samples are unsigned: a mean of 32768 with no slope, clamped to the largest signed one.
     run = runWithCourse({32760, 32776, 32776, 32760});
     ASSERT_TRUE(removeLinearTrend(run, 4, StepProgress(progress)));
     EXPECT_EQ(courseOf(run, 0), (std::vector<int>{32760, 32767, 32767, 32760}));

@@ -43,7 +43,7 @@ PostprocessingDlg::PostprocessingDlg(const FMRProject& project, int nrOfMeasured
 
 PostprocessingDlg::~PostprocessingDlg() = default;
 
-// Not at once: a message of the dialog may be open.
+// Deferred, since a message of the dialog may be open.
 void PostprocessingDlg::leave() {
     hide();
     deleteLater();
@@ -117,7 +117,7 @@ bool PostprocessingDlg::recomputeStatistics() const {
     return ui_->m_GoOnWithStatistics->isChecked();
 }
 
-// A long name keeps its beginning and its marks, and does not widen the dialog.
+// Elided in the middle: the marks at the end stay visible, and the dialog is not widened.
 QString PostprocessingDlg::shown(const QString& fileName) const {
     return fontMetrics().elidedText(fileName, Qt::ElideMiddle,
                                     nameLength * fontMetrics().averageCharWidth());
@@ -193,6 +193,6 @@ void openPostprocessingDialog(RunSession& session, EventPump& pump, QWidget& win
             &window, {"PostprocessingProgressDlg", "Post-processing the run..."}, pump);
         session.postprocess(dialog->options(), dialog->recomputeStatistics(), *progress);
     });
-    // Not waited for: auto-start may begin a run, which closes it.
+    // Returns at once: auto-start may begin a run, which closes the dialog.
     dialog->open();
 }

@@ -16,22 +16,22 @@ namespace Ui {
 class PostprocessingDlg;
 }
 
-/// Collects the options and shows the names that the result will bear; it changes nothing itself.
-/// What can't be carried out is named when "OK" is pressed, and the dialog stays.
+/// Collects the options and shows the names of the result; it changes nothing itself. Impossible
+/// choices are reported when "OK" is pressed, and the dialog stays open.
 class PostprocessingDlg : public EditDialog, public RunListener {
     Q_OBJECT
 
 public:
-    /// What the dialog shows of the run is copied: the project may go while the dialog is open.
+    /// What the dialog shows of the run is copied, since the project may be replaced meanwhile.
     PostprocessingDlg(const FMRProject& project, int nrOfMeasuredVolumes, QWidget* parent);
     ~PostprocessingDlg() override;
 
-    /// As chosen. A text that is no number gives NaN, which does not pass "OK".
+    /// The current choices. Text that is not a number gives NaN, which "OK" rejects.
     [[nodiscard]] PostprocessingOptions options() const;
     /// True to go on with the statistics of the changed data.
     [[nodiscard]] bool recomputeStatistics() const;
 
-    // It goes with the run that it is about.
+    // The dialog closes with its run.
     void documentsLeaving() override { leave(); }
     void settingsFileChanged() override { leave(); }
 
@@ -53,7 +53,7 @@ private:
     const int nrOfVolumes_;
 };
 
-/// Opens the dialog for the run in memory as a child of `window`, in place of one that is open, and
+/// Opens the dialog for the run in memory as a child of `window`, replacing one that is open, and
 /// returns; "OK" post-processes the run under a progress box. Nothing happens without a run, or
 /// unless the session is idle.
 void openPostprocessingDialog(RunSession& session, EventPump& pump, QWidget& window);

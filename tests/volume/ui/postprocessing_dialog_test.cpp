@@ -77,13 +77,13 @@ TEST_F(PostprocessingDialog, OkHandsOverWhatWasChosen) {
 TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
     const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
         {"m_SpatialSmoothing", "m_SpatialSmoothingFWHMValue", "4,5",
-         "ERROR: The width of the spatial smoothing is no number."},
+         "ERROR: The width of the spatial smoothing is not a number."},
         {"m_SpatialSmoothing", "m_SpatialSmoothingFWHMValue", "1e9",
          "ERROR: The width of the spatial smoothing is too large!"},
         {"m_TemporalFilters", "m_HighPassCycles", "99999999999999999999",
          "ERROR: The number of sines/cosines of *"},
         {"m_TemporalFilters", "m_TemporalGaussianWidth", "nan",
-         "ERROR: The width of the temporal Gaussian is no number."}};
+         "ERROR: The width of the temporal Gaussian is not a number."}};
     for (const auto& [group, field, text, message] : cases) {
         open(25);
         check(group);
