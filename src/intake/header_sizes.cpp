@@ -47,6 +47,7 @@ void takeHeaderSizes(const HeaderSizes& sizes, const QString& fileName, FMRProje
         usable &= takeDistance(sizes, project);
     usable &= take(sizes.fieldOfViewX, position.fovColumns);
     usable &= take(sizes.fieldOfViewY, position.fovRows);
+    position.sizesFromHeaders = true;
     if (usable && sizes.pixelSizeX && sizes.pixelSizeY && sizes.sliceThickness)
         project.VoxelResolutionVerified = true;
     if (!usable)

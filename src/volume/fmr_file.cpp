@@ -214,11 +214,12 @@ private:
         position.sliceCenterLast = keyedVector();
         position.rowDirection = keyedVector();
         position.columnDirection = keyedVector();
-        keyedInteger(); // rows and columns, as stated above
+        // Rows and columns, slice thickness and gap are those stated above.
+        position.sizesFromHeaders = keyedInteger() != 0;
         keyedInteger();
         position.fovRows = keyedReal();
         position.fovColumns = keyedReal();
-        keyedReal(); // slice thickness and gap, as stated above
+        keyedReal();
         keyedReal();
         keyedInteger(); // past transformations
         stream_.word();

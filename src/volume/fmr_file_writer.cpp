@@ -101,12 +101,13 @@ void addPositions(KeyWriter& writer, const FMRHeader& header) {
     writer.add("ColDirX:          ", position.columnDirection[0]);
     writer.add("ColDirY:          ", position.columnDirection[1]);
     writer.add("ColDirZ:          ", position.columnDirection[2]);
-    writer.add("NRows:            ", header.ResolutionY);
-    writer.add("NCols:            ", header.ResolutionX);
+    const bool stated = position.sizesFromHeaders;
+    writer.add("NRows:            ", stated ? header.ResolutionY : 0);
+    writer.add("NCols:            ", stated ? header.ResolutionX : 0);
     writer.add("FoVRows:          ", position.fovRows);
     writer.add("FoVCols:          ", position.fovColumns);
-    writer.add("SliceThickness:   ", header.sliceThickness);
-    writer.add("GapThickness:     ", gapAsWritten(header));
+    writer.add("SliceThickness:   ", stated ? header.sliceThickness : 0.0f);
+    writer.add("GapThickness:     ", stated ? header.sliceGap : 0.0f);
 }
 
 } // namespace

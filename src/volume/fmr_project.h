@@ -17,6 +17,9 @@ using Vector3 = std::array<float, 3>;
 /// matrix, slice thickness and gap that files list with them are in VolumeGeometry.
 struct FMRPositionInfo {
     int positionInfoValid = 0; ///< 1 when filled from headers
+    /// Image headers have been read. The file lists the sizes of VolumeGeometry with the positions
+    /// then, and zeros otherwise.
+    bool sizesFromHeaders = false;
     int coordinateSystem = 1;
     Vector3 sliceCenterFirst{};
     Vector3 sliceCenterLast{};

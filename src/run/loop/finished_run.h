@@ -1,4 +1,4 @@
-// What becomes of a run after its loop: it is saved, loaded again, post-processed.
+// A run after its loop: saving, reload, post-processing.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -24,7 +24,7 @@
 /// result under the names that record them and, if asked, fits the model to the changed data. When
 /// the files can't be written the operator is asked, and they are written again as often as the
 /// answer is Yes. False when nothing was done or not all of it: cancelled, or after a message.
-/// Cancelled before the data are written, the samples are brought back; after that it keeps the
+/// While the data are not written the samples are restored; after that a cancellation keeps the
 /// maps.
 [[nodiscard]] bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
                                           const PostprocessingOptions& options,

@@ -4,6 +4,10 @@
 #include <algorithm>
 
 RunListener::~RunListener() {
+    stopListening();
+}
+
+void RunListener::stopListening() {
     if (list_)
         list_->remove(*this);
 }

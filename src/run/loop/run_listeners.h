@@ -80,6 +80,10 @@ public:
     /// The last volume is done, whichever way the loop ended; nothing is saved yet.
     virtual void loopEnded(QtCortivoDoc& document) { static_cast<void>(document); }
 
+protected:
+    /// Leaves the list before it is destroyed: a dialog that is hidden and deleted later.
+    void stopListening();
+
 private:
     friend class RunListeners;
     RunListeners* list_ = nullptr;

@@ -114,7 +114,9 @@ QStringList conditionsThatNeverEnter(const QtCortivoDoc& document, const RunSett
         return {};
     // A design of its own: the document's gets its columns when the loop begins.
     DesignMatrix planned;
-    const DesignSource source = designSource(document, settings);
+    DesignSource source = designSource(document, settings);
+    if (contrastFileHasNoBaseline(settings.ContrastFile))
+        source.BaselinePosInProtocol = 0;
     buildConditionPredictorNames(planned, source);
     planned.NrOfPredictors = planned.NrOfConditionPredictors;
     if (!createConditionPredictors(planned, source))

@@ -1,5 +1,5 @@
-// The model of a run: names and contrasts, design and memory, and the fit to volumes that are all
-// in memory. SPDX-License-Identifier: GPL-3.0-or-later
+// The model of a run: its names and contrasts, its design, the fit to volumes in memory.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "run/document/qt_cortivo_doc.h"

@@ -63,7 +63,7 @@ bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
         PostprocessingResult::Done)
         return false;
     const bool written = writeFiles(project, nrOfMeasuredVolumes, options, writing);
-    if (!written && progress.cancelled()) {
+    if (!written) {
         backup.restore(project);
         return false;
     }

@@ -92,6 +92,14 @@ QString betweenRunsText(const RunReport& report, const OperatorRequests& request
                               thresholdText(maps, requests.thresholds));
 }
 
+QString endingText(int fontSize, bool stopsRun) {
+    const char* const work =
+        stopsRun ? " The run stops with the volume that is awaited now and is saved.<br><br>" : " ";
+    return bodyStart(fontSize) + work +
+           (stopsRun ? "The program ends after that.<br></body>"
+                     : "The program ends when the work at hand is done.<br></body>");
+}
+
 QString reloadingText(int fontSize, const QString& settingsFileName, const QString& projectName) {
     return settingsFileHead(fontSize, settingsFileName) + "\".<br><br> Loading project \"" +
            bold(projectName.toHtmlEscaped()) + "\" from disk....<br></body>";

@@ -28,6 +28,9 @@
 [[nodiscard]] QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
                                       const StatisticalMaps& maps);
 
+/// The operator has closed the window while the session is not idle; `stopsRun`: a run is recorded.
+[[nodiscard]] QString endingText(int fontSize, bool stopsRun);
+
 /// While a finished run is loaded from disk, and after that.
 [[nodiscard]] QString reloadingText(int fontSize, const QString& settingsFileName,
                                     const QString& projectName);

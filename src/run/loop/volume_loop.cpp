@@ -52,8 +52,12 @@ private:
 LoopEnd VolumeLoop::execute() {
     run_.phase.enter(Phase::Recording);
     document_.mapName = "<untitled>";
-    if (!prepareModel(document_, run_.settings))
+    if (!prepareModel(document_, run_.settings)) {
+        run_.listeners.loopEnded(document_);
+        releaseModel();
+        closeProtocol(document_);
         return LoopEnd::NotStarted;
+    }
     runClock_.restart();
     cycleClock_.restart();
     for (volumeIndex_ = 0; volumeIndex_ < nrOfAnalysedVolumes_; ++volumeIndex_)
@@ -80,12 +84,12 @@ bool VolumeLoop::takeVolume() {
     run_.pump.processEvents();
     // Also where a step ends the run: the volume was measured, so it counts everywhere.
     updateModel();
-    if (!goesOn || !passStepsAfterModel())
-        return false;
-    showStatus();
+    const bool continues = goesOn && passStepsAfterModel();
+    if (continues)
+        showStatus();
     showMaps();
     run_.listeners.endOfVolume(hand());
-    return true;
+    return continues;
 }
 
 bool VolumeLoop::readVolume() {

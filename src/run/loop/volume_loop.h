@@ -6,7 +6,7 @@
 
 enum class LoopEnd {
     NotStarted,  ///< memory ran out before the first volume; nothing is saved
-    Complete,    ///< last volume, a time-out or a station's failure: what there is has been saved
+    Complete,    ///< last volume, a time-out, or a listener that ended the run; saved
     Interrupted, ///< the operator's stop; saved likewise
 };
 

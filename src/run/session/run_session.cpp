@@ -152,6 +152,10 @@ void RunSession::replaceDocuments() {
     listeners.documentsArrived(*functionalDocument);
 }
 
+bool RunSession::messagesAreModeless(MessageLevel level) const {
+    return phase.now() == Phase::Saving || (phase.runActive() && level != MessageLevel::Critical);
+}
+
 void RunSession::setRunButton(RunButtonState state) {
     runButton_ = state;
     display_.setRunButtonState(state);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/event_pump.h"
+#include "base/messages.h"
 #include "intake/intake_context.h"
 #include "run/document/operator_requests.h"
 #include "run/document/qt_cortivo_doc.h"
@@ -71,6 +72,9 @@ public:
 
     /// Threshold and volume text of the panel between runs; empty without a document.
     [[nodiscard]] QString panelText();
+    /// Whether a message must not wait for an answer: while a run is recorded, unless it ends the
+    /// program (critical), and while data are only in memory.
+    [[nodiscard]] bool messagesAreModeless(MessageLevel level) const;
     void setRunButton(RunButtonState state);
     /// As it is shown; NoSettingsFile refuses a start.
     [[nodiscard]] RunButtonState runButton() const { return runButton_; }
@@ -100,6 +104,7 @@ private:
     [[nodiscard]] bool loadRun();
     void replaceDocuments();
     void takeUpChanges();
+    void resetBackground();
     void mapsChanged();
 
     EventPump& pump_;

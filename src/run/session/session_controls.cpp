@@ -22,6 +22,7 @@ void RunSession::takeUpChanges() {
     clustersOutdated_ = false;
     if (!functionalDocument)
         return;
+    resetBackground();
     if (functionalDocument->contrasts.ContrastsChanged)
         contrastsChanged();
     else if (outdated)
@@ -90,16 +91,20 @@ void RunSession::changeColorCoding(bool significance) {
     display_.updateViews();
 }
 
+void RunSession::resetBackground() {
+    if (!requests.overlayReset)
+        return;
+    functionalDocument->slices.updateSlicePixmaps(functionalDocument->project.firstVolume.span());
+    requests.overlayReset = false;
+}
+
 void RunSession::showOnFirstVolume() {
     if (requests.overlayVolumeMode == 1)
         requests.overlayReset = true;
     requests.overlayVolumeMode = 0;
     // During a run the loop takes the request up at its next volume.
-    if (!phase.runActive() && requests.overlayReset && functionalDocument) {
-        functionalDocument->slices.updateSlicePixmaps(
-            functionalDocument->project.firstVolume.span());
-        requests.overlayReset = false;
-    }
+    if (phase.isIdle() && functionalDocument)
+        resetBackground();
     if (requests.pendingOverlayInplane != -1)
         requests.pendingOverlayInplane = 0;
     display_.updateViews();

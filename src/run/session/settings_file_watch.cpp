@@ -42,6 +42,16 @@ SettingsFileWatch::SettingsFileWatch(const StandardFolders& folders, RunSession&
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { look(); });
 }
 
+SettingsFileWatch::~SettingsFileWatch() {
+    session_.stopTimer = {};
+}
+
+void SettingsFileWatch::end() {
+    ended_ = true;
+    stop();
+    writeMasterFileIfChanged();
+}
+
 bool SettingsFileWatch::readMasterFile() {
     const MasterFileResult result =
         ::readMasterFile(folders_.applicationDataPath, folders_.dataPath, master_);
@@ -111,7 +121,7 @@ QString SettingsFileWatch::currentFile() const {
 }
 
 void SettingsFileWatch::look(bool beforeAppExec) {
-    if (!session_.phase.isIdle() || session_.report.startFailed)
+    if (ended_ || !session_.phase.isIdle() || session_.report.startFailed)
         return;
     display_.refreshViewButtons();
     if (!folderExists())
@@ -170,13 +180,16 @@ bool SettingsFileWatch::projectExists() const {
 }
 
 void SettingsFileWatch::startRun() {
+    const QString file = master_.settingsFileName;
     autoStartPending_ = false;
     session_.setRunButton(RunButtonState::Ready);
     display_.showLogText(processingText(session_.requests.logFontSize, master_.settingsFileName));
     controlsDisplay_.paintNow();
     pump_.processEvents();
-    // A click among these events may have started the run, and ended it.
-    if (session_.phase.isIdle() && !session_.report.runFinished)
+    // Among these events a click may have started a run and ended it, turned to another file, or
+    // closed the window.
+    if (!ended_ && session_.phase.isIdle() && !session_.report.runFinished &&
+        !session_.report.startFailed && master_.settingsFileName == file)
         session_.runButtonPressed(); // returns after the run
 }
 
@@ -207,7 +220,7 @@ void SettingsFileWatch::askForFolder(bool beforeAppExec) {
         setSettingsFile({});
     } else {
         master_.settingsDirectory = folders_.homePath;
-        session_.settings.settingsFilePath = currentFile();
+        session_.changeSettingsFile(currentFile());
     }
     if (!beforeAppExec)
         timer_.start();

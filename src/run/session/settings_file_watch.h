@@ -38,6 +38,10 @@ public:
     SettingsFileWatch(const StandardFolders& folders, RunSession& session, EventPump& pump,
                       RunDisplay& display, SettingsFileDisplay& controls);
 
+    ~SettingsFileWatch();
+    SettingsFileWatch(const SettingsFileWatch&) = delete;
+    SettingsFileWatch& operator=(const SettingsFileWatch&) = delete;
+
     /// Takes what MasterVCO says; a first start makes it and lays the sample session beside it.
     /// False when there is neither a file nor a way to make one: the defaults hold then.
     [[nodiscard]] bool readMasterFile();
@@ -57,6 +61,9 @@ public:
     /// Starts the look once a second, with everything off until the first one.
     void start();
     void stop() { timer_.stop(); }
+    /// The program ends: no look and no automatic start any more; what the operator changed is
+    /// written.
+    void end();
     [[nodiscard]] bool isRunning() const { return timer_.isActive(); }
 
     /// The look at the settings file. It may start a run, and returns after that. `beforeAppExec`:
@@ -99,6 +106,7 @@ private:
     MasterFile remembered_; ///< as read, with what the operator changed
     QString writtenText_;   ///< of the master file as it is on disk
     InputControls controls_;
+    bool ended_ = false;
     bool autoStartPending_ = false; ///< auto-advance has just moved on to a new file
     int highestRunNumber_ = -1;     ///< highest numbered settings file seen; -1 unknown
     QTimer timer_;

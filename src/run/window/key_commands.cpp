@@ -3,6 +3,7 @@
 
 #include "run/window/velo_cortivo.h"
 
+#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -33,7 +34,8 @@ bool KeyCommands::filter(QObject* watched, QEvent* event) {
         return false;
     case QEvent::MouseButtonPress: {
         const auto* mouse = static_cast<QMouseEvent*>(event);
-        controlKeepsFocus_ = qobject_cast<QLineEdit*>(watched) != nullptr;
+        controlKeepsFocus_ = qobject_cast<QLineEdit*>(watched) != nullptr ||
+                             qobject_cast<QAbstractSpinBox*>(watched) != nullptr;
         inputFlags_ = flagsOf(mouse->modifiers(), mouse->buttons());
         return false;
     }

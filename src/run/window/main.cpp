@@ -24,7 +24,9 @@ int main(int argc, char** argv) {
 
     QtEventPump pump;
     auto window = std::make_unique<VeloCortivo>(folders, pump);
-    boxes.runIsActive = [&window] { return window && window->session().phase.runActive(); };
+    boxes.isModeless = [&window](MessageLevel level) {
+        return window && window->session().messagesAreModeless(level);
+    };
     if (!licencePermits())
         return 1;
     static_cast<void>(window->readMasterFile()); // without it the defaults hold: size 2, centred

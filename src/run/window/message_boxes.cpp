@@ -27,9 +27,13 @@ std::vector<QCursor> takeCursorsOff() {
 }
 
 /// The window at the bottom of those that lie over each other: a dialog may close and be deleted
-/// below a box.
+/// below a box. While another program is in front, the main window: a box must not turn up on some
+/// other screen.
 QWidget* boxParent() {
     QWidget* window = QApplication::activeWindow();
+    for (QWidget* candidate : QApplication::topLevelWidgets())
+        if (!window && candidate->isVisible() && candidate->objectName() == "VeloCortivo")
+            window = candidate;
     while (window && window->parentWidget())
         window = window->parentWidget()->window();
     return window;
@@ -176,7 +180,7 @@ void setUp(QInputDialog& dialog, const InputTexts& texts) {
 } // namespace
 
 void MessageBoxes::show(MessageLevel level, const QString& text, const QString& title) {
-    if (level != MessageLevel::Critical && title == programTitle && runIsActive())
+    if (title == programTitle && isModeless(level))
         return showModeless(level, text);
     waitForBox(iconOf(level), text, title, QMessageBox::Ok);
 }

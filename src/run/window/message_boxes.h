@@ -9,9 +9,9 @@
 /// goes, the box goes with it and counts as cancelled.
 class MessageBoxes : public MessageHandler {
 public:
-    /// While it gives true, the program's own information and warnings are modeless: a run goes on,
-    /// or is saved, whether somebody answers or not.
-    std::function<bool()> runIsActive = [] { return false; };
+    /// Tells whether the program's own messages of a level are modeless now: a run goes on, and is
+    /// saved, whether somebody answers or not.
+    std::function<bool(MessageLevel)> isModeless = [](MessageLevel) { return false; };
 
     void show(MessageLevel level, const QString& text, const QString& title) override;
     void showModeless(MessageLevel level, const QString& text) override;

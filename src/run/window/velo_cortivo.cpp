@@ -3,6 +3,7 @@
 
 #include "dialogs/appearance.h"
 #include "dialogs/progress_boxes.h"
+#include "run/loop/status_text.h"
 #include "run/window/program_dialogs.h"
 #include "run/window/title_row.h"
 #include "run/window/window_layout.h"
@@ -70,16 +71,12 @@ void VeloCortivo::closeEvent(QCloseEvent* event) {
     if (!session_.phase.isIdle()) {
         // The volumes measured so far exist nowhere else: they are saved before the program ends.
         endAfterRun_ = true;
+        showLogText(endingText(session_.requests.logFontSize, session_.phase.canBeStopped()));
         session_.requestStop();
-        showLogText(QStringLiteral("<body style=\"font-size:%1pt\"> The run stops with the volume "
-                                   "that is awaited now and is saved.<br><br>The program ends "
-                                   "after that.<br></body>")
-                        .arg(session_.requests.logFontSize));
         event->ignore();
         return;
     }
-    watch_.stop();
-    watch_.writeMasterFileIfChanged();
+    watch_.end();
     event->accept();
     QCoreApplication::quit();
 }

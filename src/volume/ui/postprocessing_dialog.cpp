@@ -45,6 +45,7 @@ PostprocessingDlg::~PostprocessingDlg() = default;
 
 // Deferred, since a message of the dialog may be open.
 void PostprocessingDlg::leave() {
+    stopListening();
     hide();
     deleteLater();
 }
@@ -188,6 +189,7 @@ void openPostprocessingDialog(RunSession& session, EventPump& pump, QWidget& win
     delete window.findChild<PostprocessingDlg*>();
     auto* dialog = new PostprocessingDlg(session.functionalDocument->project, volumes, &window);
     session.listeners.add(*dialog, ListenerPlace::Dialogs);
+    QObject::connect(dialog, &QDialog::rejected, dialog, &QObject::deleteLater);
     QObject::connect(dialog, &QDialog::accepted, &window, [&session, &pump, &window, dialog] {
         const auto progress = openCancellableProgressBox(
             &window, {"PostprocessingProgressDlg", "Post-processing the run..."}, pump);

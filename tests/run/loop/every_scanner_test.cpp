@@ -1,5 +1,5 @@
-// Each data type, in each way in which its scanners are set up, from the files to the saved
-// project. SPDX-License-Identifier: GPL-3.0-or-later
+// Each data type, in each way in which its scanners are set up, from the files to the project.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/simulated_session.h"
 
 namespace {

@@ -183,7 +183,9 @@ TEST_F(Boxes, ShowTheirTextAndTakeEachAnswer) {
 
 TEST_F(Boxes, HoldUpARunOnlyWhereAnAnswerIsNeeded) {
     bool active = true;
-    boxes_.runIsActive = [&] { return active; };
+    boxes_.isModeless = [&](MessageLevel level) {
+        return active && level != MessageLevel::Critical;
+    };
     const auto modeless = [] {
         int count = 0;
         for (QWidget* widget : QApplication::topLevelWidgets())
