@@ -92,12 +92,18 @@ QString betweenRunsText(const RunReport& report, const OperatorRequests& request
                               thresholdText(maps, requests.thresholds));
 }
 
-QString endingText(int fontSize, bool stopsRun) {
-    const char* const work =
-        stopsRun ? " The run stops with the volume that is awaited now and is saved.<br><br>" : " ";
-    return bodyStart(fontSize) + work +
-           (stopsRun ? "The program ends after that.<br></body>"
-                     : "The program ends when the work at hand is done.<br></body>");
+QString endingText(int fontSize, Phase phase) {
+    QString work = " The work at hand is finished first.";
+    if (phase == Phase::Recording)
+        work = " The run stops with the volume that is awaited now and is saved.";
+    if (phase == Phase::Preparing)
+        work = " The start of the run ends with its first volume, or when its time-out has passed.";
+    return bodyStart(fontSize) + work + "<br><br>The program ends after that.<br></body>";
+}
+
+QString postprocessedText(int fontSize, const QString& projectName) {
+    return bodyStart(fontSize) + " Post-processed data saved as \"" +
+           bold(projectName.toHtmlEscaped()) + "\".<br><br> Ready.<br></body>";
 }
 
 QString reloadingText(int fontSize, const QString& settingsFileName, const QString& projectName) {

@@ -4,6 +4,7 @@
 
 #include "run/document/operator_requests.h"
 #include "run/document/run_report.h"
+#include "run/document/session_phase.h"
 #include "run/settings/run_settings.h"
 #include "stats/statistical_maps.h"
 
@@ -28,8 +29,11 @@
 [[nodiscard]] QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
                                       const StatisticalMaps& maps);
 
-/// The operator has closed the window while the session is not idle; `stopsRun`: a run is recorded.
-[[nodiscard]] QString endingText(int fontSize, bool stopsRun);
+/// The operator has closed the window while the session is not idle.
+[[nodiscard]] QString endingText(int fontSize, Phase phase);
+
+/// After post-processing: where the result lies.
+[[nodiscard]] QString postprocessedText(int fontSize, const QString& projectName);
 
 /// While a finished run is loaded from disk, and after that.
 [[nodiscard]] QString reloadingText(int fontSize, const QString& settingsFileName,

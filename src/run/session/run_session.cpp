@@ -10,6 +10,7 @@
 #include "run/loop/volume_loop.h"
 #include "run/settings/settings_file.h"
 #include "stats/numerics/matrix_products.h"
+#include "volume/postprocessing_names.h"
 
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : makeReader(makeVolumeReader), pump_(pump), display_(display) {
@@ -136,8 +137,15 @@ bool RunSession::postprocess(const PostprocessingOptions& options, bool recomput
                              ProgressReporter& progress) {
     const int volumes = volumesForPostprocessing();
     return volumes > 0 && inPhase(Phase::PostProcessing, [&] {
-               return postprocessRunInMemory(parts(), volumes, options, recomputeStatistics,
-                                             progress);
+               if (!postprocessRunInMemory(parts(), volumes, options, recomputeStatistics,
+                                           progress))
+                   return false;
+               const FMRProject& project = functionalDocument->project;
+               const QString name = paths::fileName(
+                   makePostprocessedNames(project.projectPath, project.Prefix, options).fmrName);
+               report.outcomeText = postprocessedText(requests.logFontSize, name);
+               display_.showLogText(report.outcomeText);
+               return true;
            });
 }
 

@@ -71,7 +71,7 @@ void VeloCortivo::closeEvent(QCloseEvent* event) {
     if (!session_.phase.isIdle()) {
         // The volumes measured so far exist nowhere else: they are saved before the program ends.
         endAfterRun_ = true;
-        showLogText(endingText(session_.requests.logFontSize, session_.phase.canBeStopped()));
+        showLogText(endingText(session_.requests.logFontSize, session_.phase.now()));
         session_.requestStop();
         event->ignore();
         return;
@@ -99,7 +99,7 @@ void VeloCortivo::workEnded() {
 
 void VeloCortivo::refreshControls() {
     contrastPanel_->refresh();
-    if (session_.phase.isIdle() && session_.functionalDocument)
+    if (session_.phase.isIdle() && session_.functionalDocument && !session_.report.startFailed)
         showLogText(session_.panelText());
 }
 

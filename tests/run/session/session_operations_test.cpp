@@ -174,6 +174,38 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
         }
 }
 
+TEST_F(SessionOperations, AChangeWhileTheLastVolumeIsAwaitedIsOnTheMaps) {
+    script.lastVolume = 20;
+    script.millisecondsPerVolume = 10;
+    pump.after(215, [&] {
+        EXPECT_TRUE(session.phase.runActive());
+        EXPECT_EQ(session.report.currentVolume, 20);
+        session.showOnCurrentVolume();
+        session.showOnFirstVolume();
+        session.changeThreshold(0.5f);
+    });
+    messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
+    session.setRunButton(RunButtonState::Ready);
+    session.runButtonPressed();
+    QtCortivoDoc& document = *session.functionalDocument;
+    const auto clusters = document.maps.ClusterSizeSlices;
+    computeClusterSizes(document.maps, session.requests.thresholds, false);
+    EXPECT_EQ(clusters, document.maps.ClusterSizeSlices);
+    EXPECT_FALSE(session.requests.overlayReset);
+}
+
+TEST_F(SessionOperations, MessagesWaitForNobodyWhileDataAreAtStake) {
+    for (const auto& [phase, name] : phaseNames) {
+        SCOPED_TRACE(name);
+        inPhase(phase, [&, now = phase] {
+            const bool saving = now == Phase::Saving;
+            EXPECT_EQ(session.messagesAreModeless(MessageLevel::Warning),
+                      saving || now == Phase::Recording);
+            EXPECT_EQ(session.messagesAreModeless(MessageLevel::Critical), saving);
+        });
+    }
+}
+
 TEST_F(SessionOperations, WithoutADocumentTheControlsDoNothing) {
     bool looked = false;
     pump.after(0, [&] {
