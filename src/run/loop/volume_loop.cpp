@@ -51,7 +51,6 @@ private:
 
 LoopEnd VolumeLoop::execute() {
     run_.phase.enter(Phase::Recording);
-    document_.mapName = "<untitled>";
     if (!prepareModel(document_, run_.settings)) {
         run_.listeners.loopEnded(document_);
         releaseModel();

@@ -105,6 +105,22 @@ TEST_F(PostprocessingTest, CancellingLeavesTheDataOrTheStatistics) {
     EXPECT_EQ(samplesOf(document().maps.map(0)), oldMap);
 }
 
+TEST_F(PostprocessingTest, AFolderThatIsLostLeadsToAQuestion) {
+    measure(30);
+    session.showOnCurrentVolume();
+    const QImage shown = document().slices.SlicePixmaps[1].copy();
+    for (const bool again : {false, true}) {
+        QDir(path("results")).removeRecursively();
+        put("results", "");
+        messages.expect(MessageLevel::Warning, "*");
+        messages.expectQuestion("WARNING: The recorded data could not be saved completely*", again);
+        messages.onQuestion = [&] { QFile::remove(path("results")); };
+        EXPECT_EQ(session.postprocess(options_, false, progress_), again);
+        EXPECT_EQ(QFile::exists(path(result(".fmr"))), again);
+        EXPECT_NE(document().slices.SlicePixmaps[1], shown) << "the last volume, processed";
+    }
+}
+
 TEST_F(PostprocessingTest, NothingElseBeginsMeanwhile) {
     EXPECT_FALSE(session.postprocess(options_, true, progress_)) << "there is no run";
     measure(30);

@@ -21,6 +21,13 @@ TEST_F(ReloadTest, SavedRunComesBackWithItsVolumesAndMaps) {
     for (size_t i = 0; i < document.project.volumes[0].size(); ++i)
         ASSERT_EQ(document.project.volumes[17][i], scriptedSample(i, 17));
     EXPECT_EQ(document.protocol.conditions[1].name, "Faces");
+    EXPECT_EQ(document.VolumeConditionIndex.size(), 40u);
+    EXPECT_EQ(document.VolumeConditionIndex[4], 1);
+    EXPECT_TRUE(session.report.mapsPresent);
+    EXPECT_EQ(session.volumesForPostprocessing(), 40);
+    EXPECT_EQ(document.mosaic.MosaicColumns, document.project.LayoutNColumns);
+    EXPECT_EQ(document.slices.SlicePixmaps.size(), 4u);
+    EXPECT_TRUE(document.glm.ActivePredictors.empty()) << "the live model is no longer needed";
     ASSERT_EQ(document.maps.NrOfActiveContrasts, 2);
     for (size_t map = 0; map < 2; ++map) {
         EXPECT_EQ(saved.maps[map].name, document.contrasts.ContrastNames[qsizetype(map)]);

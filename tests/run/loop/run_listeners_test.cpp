@@ -116,7 +116,11 @@ TEST_F(RunListenersTest, MayLeaveAndJoinInAHook) {
 TEST_F(RunListenersTest, OneOfTheTwoMayGoFirst) {
     auto list = std::make_unique<RunListeners>();
     list->add(views_, ListenerPlace::Views);
+    list->add(plots1_, ListenerPlace::Plots);
+    list->remove(plots1_);
     list.reset();
+    listeners_.add(plots1_, ListenerPlace::Plots);
+    listeners_.remove(plots1_);
     listeners_.add(views_, ListenerPlace::Views);
     {
         Named brief(log_, "brief");

@@ -27,6 +27,23 @@ TEST_F(VolumeLoopTest, CompleteRunPassesEveryStepInOrderAndIsSaved) {
     messages.expectAnnouncement("Press return or click the GO button to start!");
     ProbeListener probe(session.listeners, ListenerPlace::PlugIn);
     probe.watched = [](int volume) { return volume == 20; };
+    // Where events are processed, so that the operator sees what was shown and can stop the run:
+    // before the loop, in the watched volume, and before the files are written.
+    pump.setEventCost(1);
+    const std::function<void()> noteEvents = [&] {
+        const bool inLoop = session.phase.runActive();
+        if ((!inLoop || session.report.currentVolume == 20) && probe.hooks.last() != "|")
+            probe.hooks << "|";
+        pump.after(1, noteEvents);
+    };
+    pump.after(1, noteEvents);
+    script.atVolume = [&](int volume) {
+        if (volume == 0) {
+            EXPECT_EQ(progressLog(), "starting views") << "the first volume is shown";
+        }
+        session.requests.overlayVolumeMode = volume == 23 || volume == 24;
+        session.requests.overlayAfterPreprocessing = volume != 24;
+    };
     display.buttonStates.clear();
     bool drawn = false;
     probe.onSubjectDisplay = [&](int volume) {
@@ -37,15 +54,20 @@ TEST_F(VolumeLoopTest, CompleteRunPassesEveryStepInOrderAndIsSaved) {
     session.runButtonPressed();
 
     EXPECT_EQ(probe.hooks.join(' '),
-              "leaving arrived prepared before 0 1 2 3 4 subject 5 6 7 end over");
+              "leaving | arrived | prepared | before 0 1 2 3 4 subject | 5 | 6 | 7 | end over |");
     EXPECT_TRUE(drawn);
     EXPECT_TRUE(display.logTexts[20].contains("FeedbackTime: <b>-1</b>"));
     EXPECT_TRUE(display.logTexts[21].contains("FeedbackTime: <b>17</b>"));
     EXPECT_TRUE(display.logTexts[22].contains("FeedbackTime: <b>4</b>"));
+    const std::pair<int, const char*> ends[] = {{22, "First</body>"},
+                                                {24, "Current-AfterPP</body>"},
+                                                {25, "Current-BeforePP</body>"},
+                                                {30, "First<br> Ready.<br></body>"}};
+    for (const auto& [text, end] : ends)
+        EXPECT_TRUE(display.logTexts[text].endsWith(QString("<br>OverlayOnVolume: ") + end));
     EXPECT_EQ(session.regionColors[1], (RgbColor{4, 255, 0}));
     EXPECT_EQ(session.regionColors[2], (RgbColor{40, 30, 255}));
     EXPECT_EQ(savedVolumes(), 30);
-    EXPECT_TRUE(progressLog().startsWith("starting views"));
     EXPECT_EQ(display.buttonStates, (std::vector{RunButtonState::Running, RunButtonState::Finished,
                                                  RunButtonState::NoSettingsFile}));
     EXPECT_EQ(display.progress.back(), 100);
@@ -72,6 +94,57 @@ TEST_F(VolumeLoopTest, StopIsLookedAtAfterTheVolumeIsReadAndLeavesItOut) {
         else
             EXPECT_EQ(QFileInfo(path("results/test.stc")).size(), 0);
     }
+}
+
+TEST_F(VolumeLoopTest, AListenerEndsTheRunAtAnyStepAndTheVolumeCounts) {
+    constexpr int before = -1;
+    ProbeListener probe(session.listeners, ListenerPlace::PlugIn);
+    for (int last = before; last <= int(VolumeStep::SelectVoxels); ++last) {
+        SCOPED_TRACE(last);
+        QList<int> steps; ///< of the volume that is the last
+        const auto goesOn = [&](int step, int volume) {
+            if (volume == 3)
+                steps << step;
+            return volume != 3 || step != last;
+        };
+        probe.onBeforeVolume = [&](int volume) { return goesOn(before, volume); };
+        probe.onStep = [&](VolumeStep step, const VolumeAtHand& hand) {
+            return goesOn(int(step), hand.volume);
+        };
+        writeSession(8, 2);
+        session.runButtonPressed();
+        EXPECT_EQ(steps.last(), last);
+        EXPECT_EQ(savedVolumes(), 4);
+        EXPECT_EQ(session.report.interruptedAtVolume, -1);
+    }
+}
+
+TEST_F(VolumeLoopTest, TheProjectFileStatesWhatTheSettingsSay) {
+    writeSession(8, 2,
+                 {{"TR:", "1500"},
+                  {"InterSliceTime:", "70"},
+                  {"NrOfColumns:", "3"},
+                  {"NrOfRows:", "2"},
+                  {"SliceThickness:", "3.5"},
+                  {"GapThickness:", "0.5"},
+                  {"InplaneFoVX:", "32"},
+                  {"InplaneFoVY:", "24"}});
+    session.runButtonPressed();
+    EXPECT_EQ(session.intake.watchFolder, path("incoming/"));
+    FMRHeader header;
+    ASSERT_TRUE(readFMRHeader(path("results/test.fmr"), header));
+    EXPECT_EQ(header.NrOfVolumes, 6);
+    EXPECT_EQ(header.NrOfSkippedVolumes, 2);
+    EXPECT_EQ(header.NrOfSlices, 4);
+    EXPECT_EQ(header.ResolutionX * header.ResolutionY, 64);
+    EXPECT_EQ(header.TR, 1500.0f);
+    EXPECT_EQ(header.InterSliceTime, 70.0f);
+    EXPECT_EQ(std::pair(header.LayoutNColumns, header.LayoutNRows), std::pair(3, 2));
+    EXPECT_EQ(std::pair(header.sliceThickness, header.sliceGap), std::pair(3.5f, 0.5f));
+    EXPECT_EQ(std::pair(header.pixelSizeX, header.pixelSizeY), std::pair(4.0f, 3.0f));
+    // Twice the mean length of the protocol's intervals, and the end of the first.
+    EXPECT_EQ(std::pair(header.SegmentSize, header.SegmentOffset), std::pair(7, 3));
+    EXPECT_EQ(header.ProtocolFiles, QStringList("test.prt"));
 }
 
 TEST_F(VolumeLoopTest, FlagLeftSetStopsTheNextRunAndAPressWhileSavingNone) {
@@ -136,6 +209,10 @@ TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
     messages.expect(MessageLevel::Warning, "TIME OUT: Expected first file did not arrive!");
     session.runButtonPressed();
     EXPECT_TRUE(session.phase.isIdle());
+    session.makeReader = [](const IntakeContext&) { return nullptr; };
+    messages.expect(MessageLevel::Critical, "ERROR: Data type not supported!*");
+    session.runButtonPressed();
+    EXPECT_EQ(programEnd.statuses, (std::vector{1, 1}));
 }
 
 TEST_F(VolumeLoopTest, ConditionsThatNeverEnterTheModelAreToldBeforeTheFirstVolume) {
@@ -195,6 +272,7 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
         session.runButtonPressed();
         EXPECT_TRUE(mended);
         EXPECT_EQ(session.report.savedCompletely, again);
+        EXPECT_EQ(session.report.outcomeText.contains("<b>not saved completely</b>"), !again);
     }
     EXPECT_EQ(savedVolumes(), 14);
 

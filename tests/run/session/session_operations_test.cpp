@@ -228,32 +228,99 @@ TEST_F(SessionOperations, WithoutADocumentTheControlsDoNothing) {
     EXPECT_FALSE(session.functionalDocument->SignificanceColorCoding);
 }
 
+TEST_F(SessionOperations, EachControlChangesItsValueAndRepaints) {
+    QtCortivoDoc& document = *session.functionalDocument;
+    const OverlayThresholds& thresholds = session.requests.thresholds;
+    toggleContrast(document.contrasts, 1, ContrastPositive);
+    const OverlayColorTable colors = document.overlayColors.active;
+    const struct {
+        std::function<void()> change;
+        std::function<bool()> isDone;
+        bool showsMaps = true;
+    } controls[] = {
+        {[&] { session.changeThreshold(4.5f); }, [&] { return thresholds.Threshold == 4.5f; }},
+        {[&] { session.stepThreshold(true); }, [&] { return thresholds.Threshold == 4.7f; }},
+        {[&] { session.changeClusterSize(7); }, [&] { return thresholds.ClusterSizePixels == 7; }},
+        {[&] { session.changeColorMaxThreshold(11.0f); },
+         [&] { return thresholds.ColorMaxThreshold == 11.0f; }, false},
+        {[&] { session.changeColorCoding(true); },
+         [&] { return document.overlayColors.active == significanceColors(); }, false},
+        {[&] { session.changeColorCoding(false); },
+         [&] { return document.overlayColors.active == colors; }, false},
+        {[&] {
+             document.contrasts.ContrastColors[0] = {1, 2, 3};
+             session.contrastsChanged();
+         },
+         [&] {
+             return document.overlayColors.active[0] == RgbColor{1, 2, 3};
+         }},
+    };
+    EXPECT_NE(colors, significanceColors());
+    for (const auto& control : controls) {
+        SCOPED_TRACE(&control - controls);
+        display.calls.clear();
+        session.report.mapsPresent = false;
+        control.change();
+        EXPECT_TRUE(control.isDone());
+        EXPECT_EQ(progressLog(), "views");
+        EXPECT_EQ(session.report.mapsPresent, control.showsMaps);
+    }
+}
+
+TEST_F(SessionOperations, ALicenceThatDoesNotPermitKeepsTheRunFromStarting) {
+    session.setRunButton(RunButtonState::Ready);
+    display.calls.clear();
+    for (const bool permitted : {false, true}) {
+        session.licencePermits = [permitted] { return permitted; };
+        session.runButtonPressed();
+        EXPECT_EQ(display.calls.contains("starting"), permitted);
+    }
+}
+
+TEST_F(SessionOperations, ChoiceOfTheBackgroundIsOneOfThree) {
+    OperatorRequests& requests = session.requests;
+    const auto first = [&] { session.showOnFirstVolume(); };
+    const auto current = [&] { session.showOnCurrentVolume(); };
+    const auto inplanes = [&] { session.showOnInplanes(); };
+    const struct {
+        std::function<void()> choose;
+        std::pair<int, int> before; ///< mode of the volume, and inplanes
+        std::pair<int, int> after;
+        bool reset = false; ///< the slices of the first volume are wanted back
+    } cases[] = {
+        {first, {0, -1}, {0, -1}},   {first, {1, -1}, {0, -1}, true}, {first, {0, 1}, {0, 0}},
+        {current, {0, -1}, {1, -1}}, {current, {0, 1}, {1, 0}},       {inplanes, {1, -1}, {1, -1}},
+        {inplanes, {1, 0}, {0, 1}},
+    };
+    inPhase(Phase::Recording, [&] {
+        for (const auto& row : cases) {
+            SCOPED_TRACE(&row - cases);
+            std::tie(requests.overlayVolumeMode, requests.pendingOverlayInplane) = row.before;
+            requests.overlayReset = false;
+            display.calls.clear();
+            row.choose();
+            EXPECT_EQ(std::pair(requests.overlayVolumeMode, requests.pendingOverlayInplane),
+                      row.after);
+            EXPECT_EQ(requests.overlayReset, row.reset);
+            EXPECT_EQ(progressLog(), row.before == std::pair(1, -1) && !row.reset ? "" : "views");
+        }
+    });
+}
+
 TEST_F(SessionOperations, BackgroundFollowsTheChosenVolume) {
     const SliceImages& slices = session.functionalDocument->slices;
     const QImage first = slices.SlicePixmaps[1].copy();
-    session.showOnInplanes();
-    EXPECT_EQ(session.requests.pendingOverlayInplane, -1) << "there are none";
 
     // In a run the next volume takes the request up, between runs it is carried out at once.
     QImage inRun;
     inPhase(Phase::Recording, [&] { session.showOnCurrentVolume(); });
     EXPECT_NE(session.functionalDocument->slices.SlicePixmaps[1], first);
-    inPhase(Phase::Recording, [&] {
-        session.showOnFirstVolume();
-        EXPECT_TRUE(session.requests.overlayReset);
-    });
+    inPhase(Phase::Recording, [&] { session.showOnFirstVolume(); });
     EXPECT_EQ(session.functionalDocument->slices.SlicePixmaps[1], first);
     inPhase(Phase::Recording, [&] { session.showOnCurrentVolume(); });
-    session.requests.pendingOverlayInplane = 1;
     session.showOnFirstVolume();
     EXPECT_EQ(session.functionalDocument->slices.SlicePixmaps[1], first);
     EXPECT_FALSE(session.requests.overlayReset);
-    EXPECT_EQ(session.requests.pendingOverlayInplane, 0);
-    session.showOnInplanes();
-    EXPECT_EQ(session.requests.pendingOverlayInplane, 1);
-    session.showOnCurrentVolume();
-    EXPECT_EQ(session.requests.pendingOverlayInplane, 0);
-    EXPECT_EQ(session.requests.overlayVolumeMode, 1);
 }
 
 TEST_F(SessionOperations, OutcomeStandsUntilSomethingNewer) {
@@ -261,12 +328,40 @@ TEST_F(SessionOperations, OutcomeStandsUntilSomethingNewer) {
     EXPECT_EQ(display.logTexts.last(), session.report.outcomeText);
     EXPECT_TRUE(session.panelText().startsWith(" volume <b>30</b>"));
     EXPECT_TRUE(session.report.outcomeText.isEmpty());
+    session.report.savedCompletely = false;
+    ProbeListener probe(session.listeners, ListenerPlace::Views);
     ASSERT_TRUE(session.reloadData());
+    EXPECT_EQ(probe.hooks.join(' '), "leaving arrived prepared");
+    EXPECT_TRUE(session.report.runFinished && session.report.savedCompletely);
+    EXPECT_EQ(session.runButton(), RunButtonState::NoSettingsFile);
     EXPECT_TRUE(session.report.outcomeText.contains("loaded from disk"));
     EXPECT_EQ(display.logTexts.last(), session.report.outcomeText);
     session.changeSettingsFile(path("other-1.vco"));
+    EXPECT_EQ(probe.hooks.last(), "changed");
     EXPECT_TRUE(session.report.outcomeText.isEmpty());
     EXPECT_EQ(session.volumesForPostprocessing(), 0);
+}
+
+TEST_F(SessionOperations, AReloadThatFailsLeavesNothingOfTheRunBefore) {
+    QFile::remove(path("results/test.ctr"));
+    put("results/test.prt",
+        defaultProtocol().section("NrOfConditions:", 0, 0).toUtf8() + "NrOfConditions: 0\n");
+    const std::tuple<QString, MessageLevel, QString> cases[] = {
+        {"", MessageLevel::Critical, "ERROR: No conditions specified!"},
+        {"test.prt", MessageLevel::Warning, "ERROR: Unable to open referenced protocol file*"},
+        {"test.fmr", MessageLevel::Warning, "ERROR - Can not open FMR file: *"}};
+    for (const auto& [file, level, text] : cases) {
+        SCOPED_TRACE(text.toStdString());
+        writeSession(32, 2, {{"StimulationProtocol:", "\"<none>\""}});
+        QFile::remove(path("results/" + file));
+        messages.expect(level, text);
+        EXPECT_FALSE(session.reloadData());
+        EXPECT_TRUE(session.report.startFailed);
+        EXPECT_EQ(session.report.currentVolume, -1);
+        EXPECT_FALSE(session.report.mapsPresent);
+    }
+    session.settings.settingsFilePath.clear();
+    EXPECT_FALSE(session.reloadData()) << "without a word";
 }
 
 TEST_F(SessionOperations, AStoppedRunIsSavedBeforeAnybodyAnswers) {

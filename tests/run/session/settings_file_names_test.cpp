@@ -8,7 +8,10 @@ TEST(SettingsFileNames, NameNeighbours) {
     for (const auto& [name, step, neighbour] :
          std::vector<std::tuple<QString, int, QString>>{{"a-b.c-09.vco", 1, "a-b.c-10.vco"},
                                                         {"run-9", 1, "run-10.vco"},
+                                                        {"run-1.vco", -1, "run-0.vco"},
                                                         {"run-0.vco", -1, ""},
+                                                        {"-3.vco", 1, "-4.vco"},
+                                                        {".a-3", 1, ""},
                                                         {"run3.vco", 1, ""},
                                                         {"run-.vco", 1, ""},
                                                         {"", 1, ""},

@@ -54,8 +54,10 @@ protected:
 } // namespace
 
 TEST_F(SettingsFileWatchTest, AFirstStartOffersTheSampleSession) {
+    QDir().mkpath(path("data/VCO_FacesHouses"));
+    put("data/VCO_FacesHouses/VCO_FacesHouses.prt", "of the user");
     ASSERT_TRUE(watch_->readMasterFile());
-    EXPECT_TRUE(QFile::exists(path("data/VCO_FacesHouses/VCO_FacesHouses-1.vco")));
+    EXPECT_EQ(content("data/VCO_FacesHouses/VCO_FacesHouses.prt"), "of the user");
     EXPECT_TRUE(masterText().contains("\"VCO_FacesHouses-1.vco\""));
     watch_->look();
     EXPECT_EQ(controls_.title, "VCO - VCO_FacesHouses-1.vco");
@@ -79,6 +81,8 @@ TEST_F(SettingsFileWatchTest, ShowsNeighboursAndGoesToThem) {
     watch_->toNeighbour(-1);
     EXPECT_EQ(current(), "r-2.vco");
     EXPECT_TRUE(!controls_.controls.previousExists && controls_.controls.nextExists);
+    watch_->start();
+    EXPECT_FALSE(controls_.controls.nextExists) << "until the first look";
 
     for (const auto& [name, text] : std::vector<std::pair<QString, QString>>{
              {"run", "ERROR: No \"vco\" extension found in settings file name"},
@@ -121,9 +125,14 @@ TEST_F(SettingsFileWatchTest, AutoStartRunsAFileOnceWhenItIsThere) {
     watch_->look();
     EXPECT_EQ(session.runButton(), RunButtonState::NoSettingsFile);
     EXPECT_TRUE(panel().contains("not available"));
-    EXPECT_FALSE(controls_.controls.reloadPossible);
+    EXPECT_TRUE(controls_.controls.autoStartRun && !controls_.controls.autoAdvanceRun);
     QFile::rename(path("away"), path("r-1.vco"));
     watch_->start();
+    bool painted = false;
+    pump.after(0, [&] {
+        painted = panel().contains("Processing...") && controls_.paints > 0;
+        session.runButtonPressed(); // a click that the look finds among the events
+    });
     bool rested = false;
     script.atVolume = [&](int) {
         rested = !watch_->isRunning() && !controls_.controls.preLoadPossible;
@@ -132,11 +141,11 @@ TEST_F(SettingsFileWatchTest, AutoStartRunsAFileOnceWhenItIsThere) {
         watch_->toNeighbour(+1);
         watch_->chooseSettingsFile();
     };
-    const int paints = controls_.paints;
+    controls_.paints = 0;
     watch_->look();
-    EXPECT_GT(controls_.paints, paints);
-    EXPECT_TRUE(rested);
-    EXPECT_TRUE(watch_->isRunning() && controls_.controls.preLoadPossible);
+    EXPECT_TRUE(painted && rested);
+    EXPECT_TRUE(watch_->isRunning());
+    EXPECT_TRUE(controls_.controls.preLoadPossible && controls_.controls.reloadPossible);
     EXPECT_EQ(current(), "r-1.vco");
     watch_->look();
     EXPECT_EQ(nrOfRuns(), 1);
@@ -146,10 +155,24 @@ TEST_F(SettingsFileWatchTest, AutoStartRunsAFileOnceWhenItIsThere) {
     (void)session.panelText(); // a threshold was changed
     watch_->look();
     EXPECT_TRUE(panel().contains("Processing completed."));
+    EXPECT_FALSE(panel().contains("not saved completely"));
+    session.report.savedCompletely = false;
+    watch_->look();
+    EXPECT_TRUE(panel().contains("not saved completely"));
+
+    // The same file again, and then gone.
+    watch_->setAutoStart(false);
+    watch_->setSettingsFile(path("r-1.vco"));
+    watch_->look();
+    EXPECT_EQ(session.runButton(), RunButtonState::Ready);
+    EXPECT_TRUE(controls_.controls.reloadPossible) << "its run is on disk";
+    QFile::remove(path("r-1.vco"));
+    watch_->look();
+    EXPECT_FALSE(controls_.controls.reloadPossible);
 }
 
 TEST_F(SettingsFileWatchTest, AfterAFailedStartOnlyRunButtonAndANewFileHelp) {
-    beginWith({"r-1.vco", "r-2.vco"});
+    beginWith({"r-1.vco", "r-2.vco", "r-0.vco"});
     watch_->start();
     watch_->look();
     const auto fail = [&] {
@@ -161,8 +184,8 @@ TEST_F(SettingsFileWatchTest, AfterAFailedStartOnlyRunButtonAndANewFileHelp) {
     fail();
     const auto isDead = [&] {
         const InputControls& shown = controls_.controls;
-        return !watch_->isRunning() && !shown.nextExists && !shown.reloadPossible &&
-               !shown.preLoadPossible && panel().contains("Processing...");
+        return !watch_->isRunning() && !shown.nextExists && !shown.previousExists &&
+               !shown.reloadPossible && !shown.preLoadPossible && panel().contains("Processing...");
     };
     watch_->setAutoStart(true);
     watch_->look();
@@ -200,16 +223,24 @@ TEST_F(SettingsFileWatchTest, AFileThatCannotBeParsedStopsTheTimerUntilAnotherIs
 
 TEST_F(SettingsFileWatchTest, TheMasterFileIsWrittenWithTheChoice) {
     ASSERT_TRUE(watch_->readMasterFile());
-    const QByteArray commented = masterText() + "\n; by hand";
-    ASSERT_TRUE(writeFileAtomically(path("app/MasterVCO"), commented));
-    watch_->writeMasterFileIfChanged();
+    const auto edit = [this](const char* from, const char* to) {
+        const QByteArray text = masterText().replace(from, to) + "\n; by hand";
+        EXPECT_TRUE(writeFileAtomically(path("app/MasterVCO"), text));
+        return text;
+    };
+    QByteArray text = edit("AutoStartVCO:              0", "AutoStartVCO:              1");
+    ASSERT_TRUE(watch_->readMasterFile());
     watch_->setAutoAdvance(true); // of this session only
     watch_->writeMasterFileIfChanged();
-    EXPECT_EQ(masterText(), commented) << "nothing was changed";
+    EXPECT_EQ(masterText(), text) << "nothing was changed";
 
     watch_->setSettingsFile(path("run-7.vco"));
     EXPECT_TRUE(masterText().contains("\"run-7.vco\""));
-    EXPECT_TRUE(masterText().contains("AutoAdvanceRun:            0"));
+    for (const char* line : {"AutoAdvanceRun:            0", "AutoStartVCO:              1"})
+        EXPECT_TRUE(masterText().contains(line)) << line;
+    text = edit("", "");
+    watch_->setSettingsFile(path("run-7.vco"));
+    EXPECT_EQ(masterText(), text);
     watch_->setWindowSize(1);
     watch_->setWindowPosition({30, -4});
     watch_->writeMasterFileIfChanged();
@@ -219,6 +250,21 @@ TEST_F(SettingsFileWatchTest, TheMasterFileIsWrittenWithTheChoice) {
     SettingsFileWatch next(folders_, session, pump, display, controls_);
     ASSERT_TRUE(next.readMasterFile());
     EXPECT_EQ(next.master().settingsFileName, "run-7.vco");
+    EXPECT_EQ(next.master().settingsDirectory, folder_.path() + "/");
+}
+
+TEST_F(SettingsFileWatchTest, AMasterFileThatCannotBeReadOrWrittenIsTold) {
+    QDir().mkpath(path("app/MasterVCO"));
+    messages.expect(MessageLevel::Critical, "ERROR: \"MasterVCO\" file not found in folder: *");
+    messages.expectQuestion("WARNING: The VCO file directory *", false);
+    EXPECT_TRUE(watch_->readMasterFile());
+    EXPECT_FALSE(watch_->isRunning()) << "the event loop does not run yet";
+    messages.expect(MessageLevel::Critical, "ERROR: Can not update \"MasterVCO\" file !");
+    EXPECT_FALSE(watch_->writeMasterFile());
+    QDir(folders_.applicationDataPath).removeRecursively();
+    put("app", "");
+    messages.expect(MessageLevel::Critical, "ERROR: Can not update \"MasterVCO\" file !");
+    EXPECT_FALSE(watch_->readMasterFile());
 }
 
 TEST_F(SettingsFileWatchTest, AMissingFolderLeavesAWayOut) {
@@ -229,8 +275,12 @@ TEST_F(SettingsFileWatchTest, AMissingFolderLeavesAWayOut) {
                                 choose);
         if (choose)
             messages.expectFileChoice("Open File", path("run-7.vco"));
+        messages.onQuestion = [this] { EXPECT_FALSE(watch_->isRunning()); };
         watch_->look();
+        messages.onQuestion = {};
         EXPECT_TRUE(watch_->isRunning());
+        EXPECT_EQ(session.settings.settingsFilePath,
+                  choose ? path("run-7.vco") : path("home/run-1.vco"));
         EXPECT_EQ(watch_->master().settingsDirectory,
                   choose ? folder_.path() + "/" : folders_.homePath);
     }

@@ -1,101 +1,21 @@
-// The main window, by the object names of its controls.
+// The main window while a run goes on and after it.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/window/velo_cortivo.h"
+#include "run/window/main_window.h"
 
-#include "base/file_writing.h"
 #include "run/window/message_boxes.h"
-#include "stats/ui/contrast_list.h"
-#include "support/scripted_messages.h"
-#include "support/simulated_pump.h"
 #include "volume/ui/postprocessing_dialog.h"
 
 #include <QCheckBox>
 #include <QColorDialog>
-#include <QDir>
 #include <QDoubleSpinBox>
 #include <QFile>
 #include <QGroupBox>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QProgressDialog>
 #include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QTextBrowser>
-#include <gtest/gtest.h>
 
 namespace {
-
-class MainWindow : public testing::Test {
-protected:
-    MainWindow() {
-        folders_.applicationDataPath = home_.path() + "/app/";
-        folders_.dataPath = home_.path() + "/data/";
-        folders_.homePath = home_.path() + "/";
-        QDir().mkpath(folders_.applicationDataPath);
-        window_ = std::make_unique<VeloCortivo>(folders_, pump_);
-        EXPECT_TRUE(window_->readMasterFile());
-        window_->initVars();
-        window_->applyWindowSize();
-        window_->show();
-    }
-
-    template<typename Widget = QWidget> Widget& control(const char* name) {
-        auto* widget = window_->findChild<Widget*>(name);
-        EXPECT_NE(widget, nullptr) << name;
-        return *widget;
-    }
-    OperatorRequests& requests() { return window_->session().requests; }
-    QtCortivoDoc& document() { return *window_->session().functionalDocument; }
-
-    /// A document with contrasts, as a prepared run has it; the session stays in that phase.
-    void prepare(int nrOfContrasts, Phase phase = Phase::Idle) {
-        RunSession& session = window_->session();
-        window_->workStarting();
-        session.listeners.documentsLeaving();
-        session.functionalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
-        session.listeners.documentsArrived(document());
-        ContrastDefinitions& contrasts = document().contrasts;
-        contrasts.NrOfContrasts = nrOfContrasts;
-        for (int index = 0; index < nrOfContrasts; ++index)
-            contrasts.ContrastNames << QStringLiteral("contrast %1").arg(index);
-        contrasts.ContrastSelectionStates.assign(size_t(nrOfContrasts), ContrastOff);
-        contrasts.ContrastColors.assign(size_t(nrOfContrasts), RgbColor{});
-        contrasts.ContrastValues.assign(size_t(nrOfContrasts), {-1, 1});
-        contrasts.ContrastWeights.assign(size_t(nrOfContrasts), {1});
-        session.listeners.runPrepared(document());
-        session.phase.enter(phase);
-    }
-    void runOver() {
-        window_->session().phase.enter(Phase::Idle);
-        window_->workEnded();
-    }
-    /// The entries of a menu that can be chosen now; those with a mark that is set have a "*".
-    QStringList enabledEntries(const char* title) {
-        for (QMenu* menu : control<QMenuBar>("MenuBar").findChildren<QMenu*>()) {
-            if (menu->title() != title)
-                continue;
-            Q_EMIT menu->aboutToShow();
-            QStringList texts;
-            for (const QAction* action : menu->actions())
-                if (action->isEnabled() && !action->isSeparator())
-                    texts << action->text() + (action->isChecked() ? "*" : "");
-            return texts;
-        }
-        return {};
-    }
-    void click(int row, int column) {
-        auto& list = control<ContrastList>("ContrastList");
-        const QRect cell = list.visualRect(list.model()->index(row, column));
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, cell.center());
-    }
-
-    ScriptedMessages messages_;
-    SimulatedPump pump_;
-    QTemporaryDir home_;
-    StandardFolders folders_;
-    std::unique_ptr<VeloCortivo> window_;
-};
 
 TEST_F(MainWindow, EscapeSetsTheInterruptFlagUntilAKeyIsReleased) {
     QTest::keyPress(window_.get(), Qt::Key_Escape);

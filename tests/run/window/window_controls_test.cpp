@@ -1,0 +1,384 @@
+// The controls of the main window: each is connected to what it says, and shows how things stand.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/window/main_window.h"
+
+#include "display/qt_cortivo_view.h"
+#include "plugin/host/program_access.h"
+
+#include <QCheckBox>
+#include <QDialog>
+#include <QDoubleSpinBox>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTextBrowser>
+#include <QTextCursor>
+#include <QToolButton>
+
+namespace {
+
+constexpr InputControls allPossible{true, true, true, true, false, false};
+
+TEST_F(MainWindow, EachButtonAndEntryDoesWhatItSays) {
+    const auto missing = [this](const char* name) {
+        messages_.expect(
+            MessageLevel::Information,
+            QStringLiteral("INFO: The requested settings file \"%1\" is not available !")
+                .arg(name));
+    };
+    const auto chosen = [this](const char* file) { messages_.expectFileChoice("Open File", file); };
+    const auto said = [] { return true; }; // the message was met, or the test fails
+    const auto isOpen = [this](const char* title) {
+        const QList<QDialog*> dialogs = window_->findChildren<QDialog*>();
+        return std::ranges::any_of(dialogs, [&](const QDialog* dialog) {
+            return dialog->isVisible() && dialog->windowTitle() == title;
+        });
+    };
+    const auto viewShown = [this] { return control("FunctionalView").isVisible(); };
+    const auto nothing = [] {};
+    const auto hideView = [this] { control("FunctionalView").hide(); };
+    const QString newFile = home_.path() + "/run-7.vco";
+    const auto isLit = [this](const char* name) {
+        return control<QAbstractButton>(name).isChecked();
+    };
+    const struct {
+        const char* control;
+        std::function<void()> before;
+        std::function<bool()> isDone;
+        Phase phase = Phase::Idle;
+    } rows[] = {
+        {"ToBeginBtn", [&] { missing("VCO_FacesHouses-0.vco"); }, said},
+        {"ToEndBtn", [&] { missing("VCO_FacesHouses-2.vco"); }, said},
+        {"AutoAdvanceRunBtn", [&] { chosen("/a.roi"); },
+         [&] { return requests().preLoadROIFile == "/a.roi" && !isLit("AutoAdvanceRunBtn"); }},
+        {"AutoStartRunBtn", [&] { chosen("/a.voi"); },
+         [&] { return requests().preLoadVOI && !isLit("AutoStartRunBtn"); }},
+        {"EPISlicesBtn", hideView, [&] { return viewShown() && isLit("EPISlicesBtn"); }},
+        {"Multi-Slice View", hideView, viewShown},
+        {"WindowSizeBtn", nothing, [&] { return window_->width() == 1024; }},
+        {"Switch Window Size", nothing, [&] { return window_->width() == 1280; }},
+        {"Save View As BMP...",
+         [&] { messages_.expect(MessageLevel::Warning, "WARNING: There are no slices to save!"); },
+         said},
+        {"Colors Code Significance", nothing, [&] { return document().SignificanceColorCoding; }},
+        {"Colors Code Contrasts", nothing, [&] { return !document().SignificanceColorCoding; }},
+        {"Overlay On Current Func Volume", nothing,
+         [&] { return requests().overlayVolumeMode == 1; }},
+        {"Overlay On First Func Volume", nothing,
+         [&] { return requests().overlayVolumeMode == 0; }},
+        {"Overlay On Inplanes", [&] { requests().pendingOverlayInplane = 0; },
+         [&] { return requests().pendingOverlayInplane == 1; }},
+        {"License Information...", nothing, [&] { return isOpen("License Information"); }},
+        {"About Velo-Cortivo ", nothing, [&] { return isOpen("About Velo-Cortivo"); }},
+        {"RecordBtn", nothing, [&] { return requests().interruptFlag && !window_->endsAfterRun(); },
+         Phase::Recording},
+        {"CloseBtn", nothing, [&] { return requests().interruptFlag; }, Phase::Recording},
+        {"Close", nothing, [&] { return requests().interruptFlag; }, Phase::Recording},
+        {"Exit", nothing, [&] { return requests().interruptFlag; }, Phase::Recording},
+        {"ReloadDataBtn",
+         [&] { messages_.expect(MessageLevel::Warning, "ERROR - Can not open FMR file: *"); },
+         [&] { return window_->session().report.startFailed; }},
+        {"Set New VCO File...", [&] { chosen(newFile.toUtf8()); },
+         [&] { return window_->session().settings.settingsFilePath == newFile; }},
+        {"MinimizeBtn", nothing, [&] { return window_->isMinimized(); }},
+    };
+    prepare(0);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.control);
+        window_->showInputControls(allPossible);
+        requests().interruptFlag = false;
+        row.before();
+        window_->session().phase.enter(row.phase);
+        choose(row.control);
+        window_->session().phase.enter(Phase::Idle);
+        EXPECT_TRUE(row.isDone());
+    }
+}
+
+TEST_F(MainWindow, NumbersGoToTheSessionWhenTheyAreFinished) {
+    const OverlayThresholds& thresholds = requests().thresholds;
+    const auto panel = [this] { return control<QTextBrowser>("LogInfos").toPlainText(); };
+    const auto threshold = [&] { return double(thresholds.Threshold); };
+    const auto upper = [&] { return double(thresholds.ColorMaxThreshold); };
+    const struct {
+        const char* name;
+        std::function<double()> value;
+        QString typed[2];    ///< between runs, and during one
+        bool isShown = true; ///< in the panel
+    } boxes[] = {
+        {"ThresholdSpBx", threshold, {"7", "9"}},
+        {"ColorMaxThresholdSpBx", upper, {"12", "12.5"}},
+        {"ClusterSizeSpBx", [&] { return double(thresholds.ClusterSizePixels); }, {"1", "9999"}},
+        {"MultiSliceROISelectionSpBx",
+         [&] { return double(window_->session().settings.MultiSliceROISelection); },
+         {"99", "0"},
+         false},
+    };
+    prepare(1);
+    for (const Phase phase : {Phase::Idle, Phase::Recording})
+        for (const auto& box : boxes) {
+            SCOPED_TRACE(box.name);
+            window_->session().phase.enter(phase);
+            window_->showLogText("before");
+            auto* field = control(box.name).findChild<QLineEdit*>();
+            const double before = box.value();
+            const QString& number = box.typed[phase == Phase::Idle ? 0 : 1];
+            field->selectAll();
+            QTest::keyClicks(field, number);
+            EXPECT_EQ(box.value(), before);
+            QTest::keyClick(field, Qt::Key_Return);
+            EXPECT_EQ(box.value(), number.toDouble());
+            EXPECT_EQ(panel() != "before", box.isShown && phase == Phase::Idle) << "the loop's";
+        }
+    // The box of the upper threshold follows the lower one, and all of them a new run.
+    control<QDoubleSpinBox>("ThresholdSpBx").setValue(20.0);
+    EXPECT_EQ(control<QDoubleSpinBox>("ColorMaxThresholdSpBx").value(), 21.0);
+    requests().thresholds = {1.5f, 6.5f, 3};
+    window_->session().settings.MultiSliceROISelection = 2;
+    prepare(1);
+    const std::pair<const char*, const char*> shown[] = {{"ThresholdSpBx", "1.50"},
+                                                         {"ColorMaxThresholdSpBx", "6.50"},
+                                                         {"ClusterSizeSpBx", "3"},
+                                                         {"MultiSliceROISelectionSpBx", "2"}};
+    for (const auto& [name, text] : shown)
+        EXPECT_EQ(control<QAbstractSpinBox>(name).text(), text) << name;
+    EXPECT_EQ(requests().thresholds, (OverlayThresholds{1.5f, 6.5f, 3}));
+}
+
+TEST_F(MainWindow, RunButtonShowsItsStateAndViewButtonsTheirViews) {
+    const std::pair<RunButtonState, const char*> states[] = {
+        {RunButtonState::NoSettingsFile, "none"},
+        {RunButtonState::Ready, "ready"},
+        {RunButtonState::Finished, "finished"},
+        {RunButtonState::Running, "running"}};
+    const auto& button = control<QToolButton>("RecordBtn");
+    for (const auto& [state, name] : states) {
+        window_->setRunButtonState(state);
+        const QIcon icon(QStringLiteral(":/images/record_%1.png").arg(name));
+        ASSERT_FALSE(icon.isNull());
+        EXPECT_EQ(button.icon().pixmap(85, 40).toImage(), icon.pixmap(85, 40).toImage()) << name;
+    }
+    EXPECT_EQ(button.iconSize(), QSize(85, 40));
+
+    const auto buttons = [this] {
+        QString shown;
+        for (const char* name :
+             {"EPISlicesBtn", "EPISlices3DBtn", "VMRBtn", "LeftHemiBtn", "RightHemiBtn"}) {
+            const auto& view = control<QAbstractButton>(name);
+            shown += view.isChecked() ? 'C' : view.isEnabled() ? 'e' : '-';
+        }
+        return shown;
+    };
+    EXPECT_EQ(buttons(), "-----");
+    prepare(0);
+    EXPECT_EQ(buttons(), "C----");
+    control("FunctionalView").hide();
+    window_->refreshViewButtons();
+    EXPECT_EQ(buttons(), "e----");
+    window_->session().listeners.documentsLeaving();
+    EXPECT_EQ(buttons(), "-----");
+}
+
+TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
+    prepare(2);
+    auto& list = control<ContrastList>("ContrastList");
+    const auto image = [&](int column) {
+        return list.topLevelItem(1)->icon(column).pixmap(20, 16).toImage();
+    };
+    const auto resource = [](const char* name) {
+        return QIcon(QStringLiteral(":/images/contrast_%1.png").arg(name)).pixmap(20, 16).toImage();
+    };
+    click(1, ContrastList::Name);
+    QTest::keyClick(&list, Qt::Key_Minus);
+    EXPECT_EQ(image(ContrastList::Negative), resource("on"));
+    EXPECT_EQ(image(ContrastList::Positive), resource("off"));
+    messages_.expectColorChoice("Color of contrast 1", RgbColor{9, 8, 7});
+    QTest::keyClick(&list, Qt::Key_C);
+    EXPECT_EQ(image(ContrastList::Color).pixelColor(10, 8), QColor(9, 8, 7));
+    QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(list.topLevelItem(1)->text(ContrastList::Name), "contrast 1");
+
+    RunListeners& listeners = window_->session().listeners;
+    auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
+    conjunction.setChecked(true);
+    listeners.settingsFileChanged();
+    EXPECT_EQ(list.topLevelItemCount(), 0);
+    listeners.runPrepared(document());
+    EXPECT_EQ(list.topLevelItemCount(), 2);
+    listeners.documentsLeaving();
+    EXPECT_EQ(list.topLevelItemCount(), 0);
+    EXPECT_FALSE(conjunction.isChecked());
+}
+
+TEST_F(MainWindow, TextOfThePanelCanBeSelectedWhereItHoldsUpNoRun) {
+    auto& panel = control<QTextBrowser>("LogInfos");
+    window_->showLogText("one <b>two</b>");
+    panel.selectAll();
+    window_->showLogText("one <b>two</b>");
+    EXPECT_EQ(panel.textCursor().selectedText(), "one two") << "nothing new";
+    window_->showLogText("three");
+    EXPECT_EQ(panel.toPlainText(), "three");
+    prepare(0, Phase::Recording);
+    EXPECT_EQ(panel.textInteractionFlags(), Qt::NoTextInteraction);
+    window_->close();
+    EXPECT_TRUE(panel.toPlainText().contains("The run stops with the volume"));
+    runOver();
+    EXPECT_TRUE(panel.textInteractionFlags() & Qt::TextSelectableByMouse);
+}
+
+TEST_F(MainWindow, IsDraggedByItsFrameAndComesBackToItsPlace) {
+    window_->move(0, 0);
+    const auto drag = [this](Qt::MouseButton button, bool released) {
+        const auto send = [&](QEvent::Type type, QPoint at, Qt::MouseButton cause) {
+            QMouseEvent event(type, at, window_->mapToGlobal(at), cause, button, {});
+            QCoreApplication::sendEvent(window_.get(), &event);
+        };
+        send(QEvent::MouseButtonPress, {5, 5}, button);
+        if (released)
+            send(QEvent::MouseButtonRelease, {5, 5}, button);
+        send(QEvent::MouseMove, {35, 25}, Qt::NoButton);
+    };
+    drag(Qt::RightButton, false);
+    drag(Qt::LeftButton, true);
+    EXPECT_EQ(window_->pos(), QPoint(0, 0));
+    drag(Qt::LeftButton, false);
+    EXPECT_EQ(window_->pos(), QPoint(30, 20));
+    ASSERT_TRUE(window_->writeMasterFile());
+    ASSERT_TRUE(window_->readMasterFile());
+    window_->move(0, 0);
+    window_->placeOnScreen();
+    EXPECT_EQ(window_->pos(), QPoint(30, 20));
+    window_->move(5000, 0);
+    window_->slotUpdateWindowSize();
+    EXPECT_LT(window_->pos().x(), 5000) << "its title row comes back";
+
+    window_->slotSwitchWindowSize();
+    EXPECT_TRUE(window_->close());
+    QFile master(folders_.applicationDataPath + "MasterVCO");
+    ASSERT_TRUE(master.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(master.readAll().contains("WindowSize:                1"));
+}
+
+TEST_F(MainWindow, KeysDoNothingBehindABoxThatAsks) {
+    prepare(0);
+    QDialog box(window_.get());
+    box.setModal(true);
+    box.show();
+    QTest::keyClick(&box, Qt::Key_Up, Qt::ShiftModifier);
+    QTest::keyClick(&box, Qt::Key_Up, Qt::ControlModifier);
+    EXPECT_EQ(requests().startOffsetSeconds, 0);
+    EXPECT_EQ(requests().thresholds.Threshold, 3.0f);
+    QTest::keyPress(&box, Qt::Key_Escape);
+    EXPECT_TRUE(requests().interruptFlag);
+    EXPECT_FALSE(box.isVisible());
+    // Without a modifier, and with another one, they are the view's.
+    QTest::keyClick(window_.get(), Qt::Key_Up);
+    QTest::keyClick(window_.get(), Qt::Key_Up, Qt::AltModifier);
+    QTest::keyClick(window_.get(), Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_EQ(requests().startOffsetSeconds, 0);
+    EXPECT_EQ(requests().thresholds.Threshold, 3.0f);
+}
+
+TEST_F(MainWindow, ControlsStandInLineAndSayWhatTheyAreFor) {
+    prepare(0);
+    QCoreApplication::processEvents();
+    const auto place = [this](const QString& name) {
+        const QWidget& widget = control(name.toUtf8());
+        return QRect(widget.mapTo(window_.get(), QPoint(0, 0)), widget.size());
+    };
+    // From the left to the right edge of their panels, or one of them, with a margin.
+    const struct {
+        const char* panel;
+        QStringList controls;
+        int margin;
+        bool left, right;
+    } rows[] = {
+        {"TitleFrm", {"LogoLbl"}, 4, true, false},
+        {"MenuBarFrm", {"MenuBar"}, 0, true, false},
+        {"WindowButtonsFrm", {"WindowSizeBtn", "MinimizeBtn", "CloseBtn"}, 0, false, true},
+        {"ViewButtonsFrm",
+         {"EPISlicesBtn", "EPISlices3DBtn", "VMRBtn", "LeftHemiBtn", "RightHemiBtn"},
+         0,
+         true,
+         true},
+        {"ImageView", {"FunctionalView"}, 2, true, true},
+        {"InputPanelFrm", {"ToBeginBtn", "RecordBtn", "ToEndBtn"}, 12, true, false},
+        {"InputPanelFrm", {"ReloadDataBtn"}, 12, false, true},
+        {"InputPanelFrm", {"AutoAdvanceRunBtn", "AutoStartRunBtn"}, 12, true, true},
+        {"ContrastBackgroundGrpBx", {"ContrastList"}, 12, true, true},
+        {"ContrastBackgroundGrpBx", {"ThresholdSpBx"}, 12, false, true},
+        {"ContrastBackgroundGrpBx", {"ColorMaxThresholdSpBx"}, 12, false, true},
+        {"ContrastBackgroundGrpBx", {"ClusterSizeSpBx"}, 12, false, true},
+        {"ContrastBackgroundGrpBx", {"MultiSliceROISelectionSpBx"}, 12, false, true},
+    };
+    for (const auto& [panel, controls, margin, left, right] : rows) {
+        SCOPED_TRACE(controls.first().toStdString());
+        const QRect first = place(controls.first());
+        EXPECT_TRUE(!left || first.left() - place(panel).left() == margin);
+        EXPECT_TRUE(!right || place(panel).right() - place(controls.last()).right() == margin);
+        for (qsizetype i = 1; i < controls.size(); ++i) {
+            EXPECT_LE(std::abs(place(controls[i]).center().y() - first.center().y()), 1);
+            const int gap = place(controls[i]).left() - place(controls[i - 1]).right() - 1;
+            EXPECT_TRUE(gap >= 4 && gap <= 8) << gap;
+        }
+    }
+    for (const auto* box : window_->findChildren<QAbstractSpinBox*>()) {
+        const QList<QLabel*> labels = window_->findChildren<QLabel*>();
+        EXPECT_TRUE(std::ranges::any_of(labels, [&](const QLabel* label) {
+            return label->buddy() == box && !label->toolTip().isEmpty();
+        })) << box->objectName().toStdString();
+        EXPECT_EQ(box->width(), control("ThresholdSpBx").width());
+    }
+    for (const auto* button : window_->findChildren<QAbstractButton*>()) {
+        if (!button->objectName().endsWith("Btn"))
+            continue;
+        EXPECT_FALSE(button->toolTip().isEmpty()) << button->objectName().toStdString();
+        EXPECT_EQ(button->focusPolicy(), Qt::TabFocus);
+        EXPECT_TRUE(button->text().isEmpty() != button->icon().isNull());
+        EXPECT_TRUE(button->icon().isNull() ||
+                    button->icon().actualSize(button->iconSize()) == button->iconSize());
+    }
+}
+
+TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {
+    prepare(0);
+    const std::vector<int16_t> samples(8 * 8 * 4, 50);
+    document().slices.greyScale.high = 100;
+    document().slices.createSlicePixmaps(samples, {8, 8, 4});
+    document().slices.createInplanePixmaps(std::vector<int16_t>(16 * 16 * 4, 90), {16, 16, 4});
+    document().mosaic = {2, 2, 0, 2, 1};
+    auto& view = control<QtCortivoView>("FunctionalView");
+    const auto size = [&] {
+        window_->updateViews();
+        return view.mosaic().size();
+    };
+    const QSize functional = size();
+    requests().pendingOverlayInplane = 0;
+    EXPECT_EQ(size(), functional);
+    requests().pendingOverlayInplane = 1;
+    EXPECT_NE(size(), functional);
+
+    control("ContrastList").setFocus();
+    window_->updateViews();
+    EXPECT_EQ(window_->focusWidget(), &view);
+    for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
+        QTest::keyClick(&view, key);
+        control("ContrastList").setFocus();
+        window_->updateViews();
+        EXPECT_EQ(window_->focusWidget(), &control("ContrastList")) << "the operator went there";
+        window_->focusSlices();
+        EXPECT_EQ(window_->focusWidget(), &view);
+    }
+}
+
+// Auto-start and auto-advance live on this.
+TEST_F(MainWindow, LooksAtTheSettingsFileByItself) {
+    EXPECT_EQ(window_->windowTitle(), "Velo-Cortivo");
+    EXPECT_EQ(programAccess(), window_.get());
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] { return window_->windowTitle() == "VCO - VCO_FacesHouses-1.vco"; }, 60000));
+    window_.reset();
+    EXPECT_EQ(programAccess(), nullptr);
+}
+
+} // namespace

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/window/window_layout.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+// Two rows of panels and a column: each edge lies at the margin of the window, or a gap away from
+// another panel.
+TEST(WindowLayout, PanelsStandEdgeToEdge) {
+    for (const WindowSize size : {WindowSize::Small, WindowSize::Large}) {
+        const QSize window = windowPixels(size);
+        const auto meets = [size](auto edge, auto opposite, std::vector<int> gaps) {
+            return [=](const QRect& panel) {
+                return std::ranges::any_of(panelPlaces(), [&](const PanelPlace& other) {
+                    const int gap = std::abs((panel.*edge)() - (other.at(size).*opposite)()) - 1;
+                    return std::ranges::find(gaps, gap) != gaps.end();
+                });
+            };
+        };
+        const auto leftMeets = meets(&QRect::left, &QRect::right, {8, 12});
+        const auto rightMeets = meets(&QRect::right, &QRect::left, {8, 12});
+        const auto topMeets = meets(&QRect::top, &QRect::bottom, {8});
+        const auto bottomMeets = meets(&QRect::bottom, &QRect::top, {8});
+        for (const PanelPlace& place : panelPlaces()) {
+            const QRect& panel = place.at(size);
+            EXPECT_TRUE(panel.left() == 12 || leftMeets(panel)) << place.name;
+            EXPECT_TRUE(panel.right() == window.width() - 13 || rightMeets(panel)) << place.name;
+            EXPECT_TRUE(panel.top() == 6 || topMeets(panel)) << place.name;
+            EXPECT_TRUE(panel.bottom() == window.height() - 13 || bottomMeets(panel)) << place.name;
+        }
+    }
+}
+
+TEST(WindowLayout, WindowStandsWhereItIsWantedAndCanBeReached) {
+    const QRect screen(100, 50, 1920, 1080);
+    const QRect laptop(0, 0, 1280, 720);
+    const QSize window(1280, 1024);
+    const struct {
+        QRect screen;
+        bool centredX, centredY;
+        QPoint wanted;
+        QPoint position;
+    } places[] = {{screen, true, true, {7, 8}, {420, 78}},
+                  {screen, false, true, {7, 8}, {7, 78}},
+                  {screen, true, false, {7, 8}, {420, 8}},
+                  {laptop, true, true, {7, 8}, {0, 0}}}; // never negative
+    for (const auto& place : places)
+        EXPECT_EQ(
+            windowPosition(place.screen, window, place.centredX, place.centredY, place.wanted),
+            place.position);
+    // 80 pixels of the title row stay, and of a window that is too tall its lower edge is reached.
+    const std::tuple<QRect, QPoint, QPoint> moves[] = {{screen, {300, 60}, {300, 60}},
+                                                       {screen, {-5000, -5000}, {-1100, 50}},
+                                                       {screen, {5000, 5000}, {1939, 1049}},
+                                                       {laptop, {0, -5000}, {0, -304}},
+                                                       {laptop, {0, 5000}, {0, 639}}};
+    for (const auto& [area, wanted, position] : moves)
+        EXPECT_EQ(reachablePosition(area, window, wanted), position);
+}
