@@ -210,22 +210,6 @@ TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
     EXPECT_FALSE(conjunction.isChecked());
 }
 
-TEST_F(MainWindow, TextOfThePanelCanBeSelectedWhereItHoldsUpNoRun) {
-    auto& panel = control<QTextBrowser>("LogInfos");
-    window_->showLogText("one <b>two</b>");
-    panel.selectAll();
-    window_->showLogText("one <b>two</b>");
-    EXPECT_EQ(panel.textCursor().selectedText(), "one two") << "nothing new";
-    window_->showLogText("three");
-    EXPECT_EQ(panel.toPlainText(), "three");
-    prepare(0, Phase::Recording);
-    EXPECT_EQ(panel.textInteractionFlags(), Qt::NoTextInteraction);
-    window_->close();
-    EXPECT_TRUE(panel.toPlainText().contains("The run stops with the volume"));
-    runOver();
-    EXPECT_TRUE(panel.textInteractionFlags() & Qt::TextSelectableByMouse);
-}
-
 TEST_F(MainWindow, IsDraggedByItsFrameAndComesBackToItsPlace) {
     window_->move(0, 0);
     const auto drag = [this](Qt::MouseButton button, bool released) {
@@ -277,67 +261,6 @@ TEST_F(MainWindow, KeysDoNothingBehindABoxThatAsks) {
     QTest::keyClick(window_.get(), Qt::Key_Left, Qt::ShiftModifier);
     EXPECT_EQ(requests().startOffsetSeconds, 0);
     EXPECT_EQ(requests().thresholds.Threshold, 3.0f);
-}
-
-TEST_F(MainWindow, ControlsStandInLineAndSayWhatTheyAreFor) {
-    prepare(0);
-    QCoreApplication::processEvents();
-    const auto place = [this](const QString& name) {
-        const QWidget& widget = control(name.toUtf8());
-        return QRect(widget.mapTo(window_.get(), QPoint(0, 0)), widget.size());
-    };
-    // From the left to the right edge of their panels, or one of them, with a margin.
-    const struct {
-        const char* panel;
-        QStringList controls;
-        int margin;
-        bool left, right;
-    } rows[] = {
-        {"TitleFrm", {"LogoLbl"}, 4, true, false},
-        {"MenuBarFrm", {"MenuBar"}, 0, true, false},
-        {"WindowButtonsFrm", {"WindowSizeBtn", "MinimizeBtn", "CloseBtn"}, 0, false, true},
-        {"ViewButtonsFrm",
-         {"EPISlicesBtn", "EPISlices3DBtn", "VMRBtn", "LeftHemiBtn", "RightHemiBtn"},
-         0,
-         true,
-         true},
-        {"ImageView", {"FunctionalView"}, 2, true, true},
-        {"InputPanelFrm", {"ToBeginBtn", "RecordBtn", "ToEndBtn"}, 12, true, false},
-        {"InputPanelFrm", {"ReloadDataBtn"}, 12, false, true},
-        {"InputPanelFrm", {"AutoAdvanceRunBtn", "AutoStartRunBtn"}, 12, true, true},
-        {"ContrastBackgroundGrpBx", {"ContrastList"}, 12, true, true},
-        {"ContrastBackgroundGrpBx", {"ThresholdSpBx"}, 12, false, true},
-        {"ContrastBackgroundGrpBx", {"ColorMaxThresholdSpBx"}, 12, false, true},
-        {"ContrastBackgroundGrpBx", {"ClusterSizeSpBx"}, 12, false, true},
-        {"ContrastBackgroundGrpBx", {"MultiSliceROISelectionSpBx"}, 12, false, true},
-    };
-    for (const auto& [panel, controls, margin, left, right] : rows) {
-        SCOPED_TRACE(controls.first().toStdString());
-        const QRect first = place(controls.first());
-        EXPECT_TRUE(!left || first.left() - place(panel).left() == margin);
-        EXPECT_TRUE(!right || place(panel).right() - place(controls.last()).right() == margin);
-        for (qsizetype i = 1; i < controls.size(); ++i) {
-            EXPECT_LE(std::abs(place(controls[i]).center().y() - first.center().y()), 1);
-            const int gap = place(controls[i]).left() - place(controls[i - 1]).right() - 1;
-            EXPECT_TRUE(gap >= 4 && gap <= 8) << gap;
-        }
-    }
-    for (const auto* box : window_->findChildren<QAbstractSpinBox*>()) {
-        const QList<QLabel*> labels = window_->findChildren<QLabel*>();
-        EXPECT_TRUE(std::ranges::any_of(labels, [&](const QLabel* label) {
-            return label->buddy() == box && !label->toolTip().isEmpty();
-        })) << box->objectName().toStdString();
-        EXPECT_EQ(box->width(), control("ThresholdSpBx").width());
-    }
-    for (const auto* button : window_->findChildren<QAbstractButton*>()) {
-        if (!button->objectName().endsWith("Btn"))
-            continue;
-        EXPECT_FALSE(button->toolTip().isEmpty()) << button->objectName().toStdString();
-        EXPECT_EQ(button->focusPolicy(), Qt::TabFocus);
-        EXPECT_TRUE(button->text().isEmpty() != button->icon().isNull());
-        EXPECT_TRUE(button->icon().isNull() ||
-                    button->icon().actualSize(button->iconSize()) == button->iconSize());
-    }
 }
 
 TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {

@@ -1,35 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/window_layout.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
-
-// Two rows of panels and a column: each edge lies at the margin of the window, or a gap away from
-// another panel.
-TEST(WindowLayout, PanelsStandEdgeToEdge) {
-    for (const WindowSize size : {WindowSize::Small, WindowSize::Large}) {
-        const QSize window = windowPixels(size);
-        const auto meets = [size](auto edge, auto opposite, std::vector<int> gaps) {
-            return [=](const QRect& panel) {
-                return std::ranges::any_of(panelPlaces(), [&](const PanelPlace& other) {
-                    const int gap = std::abs((panel.*edge)() - (other.at(size).*opposite)()) - 1;
-                    return std::ranges::find(gaps, gap) != gaps.end();
-                });
-            };
-        };
-        const auto leftMeets = meets(&QRect::left, &QRect::right, {8, 12});
-        const auto rightMeets = meets(&QRect::right, &QRect::left, {8, 12});
-        const auto topMeets = meets(&QRect::top, &QRect::bottom, {8});
-        const auto bottomMeets = meets(&QRect::bottom, &QRect::top, {8});
-        for (const PanelPlace& place : panelPlaces()) {
-            const QRect& panel = place.at(size);
-            EXPECT_TRUE(panel.left() == 12 || leftMeets(panel)) << place.name;
-            EXPECT_TRUE(panel.right() == window.width() - 13 || rightMeets(panel)) << place.name;
-            EXPECT_TRUE(panel.top() == 6 || topMeets(panel)) << place.name;
-            EXPECT_TRUE(panel.bottom() == window.height() - 13 || bottomMeets(panel)) << place.name;
-        }
-    }
-}
 
 TEST(WindowLayout, WindowStandsWhereItIsWantedAndCanBeReached) {
     const QRect screen(100, 50, 1920, 1080);
