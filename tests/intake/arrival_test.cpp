@@ -63,14 +63,6 @@ TEST(AwaitFile, SizeAndTimesHoldStillOverTheSettlingTime) {
         EXPECT_EQ(found, lastWrite < 1000 ? path : QString());
         EXPECT_EQ(pump.milliseconds(), end) << lastWrite;
     }
-    // A file that has shrunk is not there any more.
-    const QTemporaryDir folder;
-    SimulatedPump pump;
-    overwrite(folder.filePath("a"), "whole", 1);
-    overwrite(folder.filePath("b"), "whole", 1);
-    pump.after(5, [&] { overwrite(folder.filePath("a"), "cut", 2); });
-    EXPECT_EQ(awaitFile({{folder.filePath("a"), folder.filePath("b")}, 5, true}, {}, pump),
-              folder.filePath("b"));
 }
 
 // Rounds stand at 0 and 100 milliseconds, settling at 30; half of the file comes at 42.
