@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/appearance.h"
 #include "dialogs/dialog_setup.h"
-#include "dialogs/edit_dialog.h"
 #include "dialogs/fitting_scroll_area.h"
 #include "dialogs/number_fields.h"
 #include "dialogs/progress_boxes.h"
@@ -19,84 +18,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-/// Edits an integer; "refused" makes it invalid.
-class NumberDialog : public EditDialog {
-public:
-    static constexpr int refused = 13;
-
-    explicit NumberDialog(int& target) : target_(target), copy_(target) {
-        auto* layout = new QVBoxLayout(this);
-        box_ = new QSpinBox;
-        box_->setToolTip("How many");
-        layout->addWidget(box_);
-        for (const char* name : {"OkBtn", "ApplyBtn", "ResetBtn", "CancelBtn"}) {
-            auto* button = new QPushButton(name);
-            button->setObjectName(name);
-            layout->addWidget(button);
-        }
-        connect(box_, &QSpinBox::valueChanged, this, [this](int value) {
-            copy_.edited() = value;
-            refreshButtons();
-        });
-        setUpEditing();
-        revert();
-        open();
-    }
-    void enter(int value) { box_->setValue(value); }
-    void click(const char* name) { button(name)->click(); }
-    QPushButton* button(const char* name) { return findChild<QPushButton*>(name); }
-    int value() const { return box_->value(); }
-
-protected:
-    bool apply() override {
-        if (copy_.edited() == refused)
-            return false;
-        target_ = copy_.applied();
-        return true;
-    }
-    void revert() override {
-        copy_.revert();
-        box_->setValue(copy_.edited());
-    }
-    bool isChanged() const override { return copy_.isChanged(); }
-
-private:
-    int& target_;
-    EditedCopy<int> copy_;
-    QSpinBox* box_;
-};
-
-TEST(EditDialogs, HandOverWhatWasEditedWhenItIsRight) {
-    int target = 5;
-    NumberDialog dialog(target);
-    const auto buttonsAre = [&dialog](bool enabled) {
-        return dialog.button("ApplyBtn")->isEnabled() == enabled &&
-               dialog.button("ResetBtn")->isEnabled() == enabled;
-    };
-    EXPECT_TRUE(buttonsAre(false));
-    dialog.enter(6);
-    EXPECT_TRUE(buttonsAre(true));
-    dialog.click("ResetBtn");
-    EXPECT_TRUE(buttonsAre(false));
-    EXPECT_EQ(dialog.value(), 5);
-    dialog.enter(7);
-    dialog.click("ApplyBtn");
-    EXPECT_TRUE(buttonsAre(false));
-    EXPECT_EQ(target, 7);
-    EXPECT_TRUE(dialog.isVisible());
-    dialog.enter(NumberDialog::refused);
-    dialog.click("OkBtn");
-    EXPECT_TRUE(dialog.isVisible() && buttonsAre(true));
-    dialog.click("CancelBtn");
-    EXPECT_FALSE(dialog.isVisible());
-    EXPECT_EQ(dialog.value(), 7) << "what was applied last";
-    dialog.open();
-    dialog.enter(9);
-    dialog.click("OkBtn");
-    EXPECT_EQ(target, 9);
-    EXPECT_EQ(dialog.result(), QDialog::Accepted);
-}
 
 TEST(NumberFields, ReadWhatIsTyped) {
     QLineEdit field;
@@ -178,32 +99,26 @@ TEST(DialogSetup, TallContentScrollsOnlyWhereTheScreenIsTooSmall) {
     }
 }
 
-TEST(ProgressBoxes, OnlyCancellableWorkIsCancelled) {
+TEST(ProgressBoxes, WorkThatCanBeCancelledIsByItsButtonAndEscapeOnly) {
     QWidget window;
     window.show();
     SimulatedPump pump;
-    using Act = std::function<void(QProgressDialog&)>;
-    const Act acts[] = {[](auto& box) { box.template findChild<QPushButton*>()->click(); },
-                        [](auto& box) { QTest::keyClick(&box, Qt::Key_Escape); }};
-    for (const Act& act : acts)
-        for (const bool cancellable : {false, true}) {
-            const ProgressBoxLook look{"WorkDlg", "Working...", "Stop"};
-            const auto progress = cancellable ? openCancellableProgressBox(&window, look, pump)
-                                              : openProgressBox(&window, look);
-            auto& box = *window.findChild<QProgressDialog*>("WorkDlg");
-            EXPECT_NE(QApplication::overrideCursor(), nullptr);
-            // The Return that began the work may repeat itself.
-            if (cancellable)
-                QTest::keyClick(&box, Qt::Key_Return);
-            EXPECT_FALSE(progress->cancelled());
-            act(box);
-            progress->setProgress(100);
-            EXPECT_TRUE(box.isVisible()) << "until the work has ended";
-            EXPECT_EQ(box.value(), 100);
-            EXPECT_EQ(progress->cancelled(), cancellable);
-        }
+    for (const bool byButton : {true, false}) {
+        const auto progress =
+            openCancellableProgressBox(&window, {"WorkDlg", "Working...", "Stop"}, pump);
+        auto& box = *window.findChild<QProgressDialog*>("WorkDlg");
+        EXPECT_NE(QApplication::overrideCursor(), nullptr);
+        // The Return that began the work may repeat itself.
+        QTest::keyClick(&box, Qt::Key_Return);
+        EXPECT_FALSE(progress->cancelled());
+        if (byButton)
+            box.findChild<QPushButton*>()->click();
+        else
+            QTest::keyClick(&box, Qt::Key_Escape);
+        EXPECT_TRUE(progress->cancelled());
+        EXPECT_TRUE(box.isVisible()) << "until the work has ended";
+    }
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-    EXPECT_EQ(window.findChild<QProgressDialog*>(), nullptr);
 }
 
 } // namespace

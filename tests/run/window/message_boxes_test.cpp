@@ -101,6 +101,7 @@ protected:
     }
     QString file(const QString& name) { return folder_.filePath(name); }
 
+    const Act cancellings[2] = {key(Qt::Key_Escape), [this](QDialog&) { window_.reset(); }};
     MessageBoxes boxes_;
     std::unique_ptr<QWidget> window_;
     QTemporaryDir folder_;
@@ -123,7 +124,7 @@ QString name() {
     return shown(askForText({programTitle, text}, "start"));
 }
 
-TEST_F(Boxes, ShowTheirTextAndTakeEachAnswer) {
+TEST_F(Boxes, ShowTheirTextAndAreAnsweredOrCancelled) {
     const struct {
         std::function<QString()> request;
         Act act;
@@ -159,6 +160,10 @@ TEST_F(Boxes, ShowTheirTextAndTakeEachAnswer) {
         ASSERT_NE(QApplication::overrideCursor(), nullptr) << "the work goes on";
         EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::BusyCursor);
         QApplication::restoreOverrideCursor();
+        for (const Act& cancelling : cancellings) {
+            EXPECT_EQ(answered(row.request, {cancelling}), "");
+            showWindow();
+        }
     }
 }
 
@@ -187,29 +192,13 @@ TEST_F(Boxes, HoldUpARunOnlyWhereAnAnswerIsNeeded) {
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(Boxes, CountAsCancelledWhenTheyAreClosedOrTheirWindowGoes) {
-    const std::function<QString()> requests[] = {
-        [] { return showWarning(text), ""; },
-        [] { return announce("t", text, "GO"), ""; },
-        question,
-        integer,
-        number,
-        name,
-        [this] { return chooseFileToOpen("t", file(""), "All (*)"); },
-        [this] { return waitForFileToSave("t", file("new.roi"), "Region files (*.roi)"); },
-    };
-    const Act acts[] = {key(Qt::Key_Escape), [this](QDialog&) { window_.reset(); }};
-    for (const auto& request : requests)
-        for (const Act& act : acts) {
-            showWindow();
-            EXPECT_EQ(answered(request, {act}), "");
-        }
-}
-
 TEST_F(Boxes, ChooseFilesThatExistAndGiveNewOnesTheirExtension) {
-    EXPECT_EQ(answered([this] { return chooseFileToOpen("Open ROI", file(""), "ROI (*.roi)"); },
-                       {typed("old.roi")}),
-              file("old.roi"));
+    const auto openFile = [this] { return chooseFileToOpen("Open", file(""), "ROI (*.roi)"); };
+    EXPECT_EQ(answered(openFile, {typed("old.roi")}), file("old.roi"));
+    for (const Act& cancelling : cancellings) {
+        EXPECT_EQ(answered(openFile, {cancelling}), "");
+        showWindow();
+    }
     const struct {
         QString proposed;
         QString filter;
