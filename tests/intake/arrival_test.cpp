@@ -114,16 +114,6 @@ TEST(AwaitFile, TheFolderIsReadInEachRoundFromASecondOn) {
     EXPECT_EQ(readings, (std::vector<bool>{false, false, true, true, true}));
 }
 
-TEST(AwaitFile, APipeOrADeviceIsNoFileAndHoldsNothingUp) {
-    const QTemporaryDir folder;
-    const QString pipe = folder.filePath("pipe");
-    ASSERT_EQ(mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
-    ASSERT_TRUE(QFile::link(pipe, folder.filePath("link")));
-    for (const QString& path :
-         {pipe, folder.filePath("link"), folder.path(), QString("/dev/null"), QString()})
-        EXPECT_FALSE(waitForFile(path, 0, true)) << path.toStdString();
-}
-
 // The superuser may read everything, so the test goes on as another user.
 TEST(AwaitFile, WaitsForThePermissionToRead) {
     const QTemporaryDir folder;

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/postprocessing_choices.h"
 
-#include "support/scripted_messages.h"
 #include "volume/postprocessing_names.h"
 
 #include <QFile>
@@ -31,74 +30,32 @@ FMRHeader header(int nrOfSlices = 25) {
     return header;
 }
 
-using Change = std::function<void(PostprocessingOptions&)>;
-
-TEST(PostprocessingChoices, OneRulesOutAnother) {
-    const struct {
-        int nrOfSlices;
-        Change change;
-        OpenChoices open;
-    } cases[] = {
-        {25, [](auto&) {}, {true, false, true, false, true, true}},
-        {24, [](auto& o) { o.temporal.highPass = false; }, {true, false, false, true, false, true}},
-        {25,
-         [](auto& o) { o.sliceScanTime.measuredTimes = true; },
-         {false, false, true, false, true, true}},
-        {25,
-         [](auto& o) { o.sliceScanTime.checked = o.temporal.gaussian = false; },
-         {false, false, false, false, true, false}},
-        {25,
-         [](auto& o) { o.temporal.checked = o.temporal.highPass = false; },
-         {true, false, true, false, false, false}},
-    };
-    for (const auto& row : cases) {
-        PostprocessingOptions options = everything();
-        row.change(options);
-        FMRHeader header;
-        header.NrOfSlices = row.nrOfSlices;
-        const OpenChoices open = openChoices(options, header);
-        EXPECT_EQ(open.direction, row.open.direction);
-        EXPECT_FALSE(open.measuredTimes) << "the headers have none";
-        header.sliceTimes.assign(size_t(row.nrOfSlices), 1.0f);
-        EXPECT_EQ(openChoices(options, header).measuredTimes, options.sliceScanTime.checked);
-        EXPECT_EQ(open.interleaved, row.open.interleaved);
-        EXPECT_EQ(open.linearTrend, row.open.linearTrend);
-        EXPECT_EQ(open.highPassCycles, row.open.highPassCycles);
-        EXPECT_EQ(open.gaussianWidth, row.open.gaussianWidth);
-    }
+TEST(PostprocessingChoices, MeasuredTimesRuleOutADirection) {
+    PostprocessingOptions options = everything();
+    FMRHeader run = header();
+    EXPECT_FALSE(openChoices(options, run).measuredTimes) << "the headers have none";
+    EXPECT_TRUE(openChoices(options, run).direction);
+    run.sliceTimes.assign(25, 1.0f);
+    EXPECT_TRUE(openChoices(options, run).measuredTimes);
+    options.sliceScanTime.measuredTimes = true;
+    EXPECT_FALSE(openChoices(options, run).direction);
 }
 
-TEST(PostprocessingChoices, WhatIsMissingOrImpossibleIsNamed) {
+TEST(PostprocessingChoices, OnlyWhatIsChosenMustBePossible) {
     using enum PostprocessingChoice;
     // A number is ignored without its step.
-    PostprocessingOptions idle = everything();
-    idle.spatial.fwhm = idle.temporal.gaussianWidth = std::nanf("");
-    idle.spatial.checked = idle.temporal.gaussian = false;
-    EXPECT_EQ(findUnfinishedChoice(idle).choice, None);
-    idle.sliceScanTime.checked = idle.temporal.highPass = false;
-    EXPECT_TRUE(findUnfinishedChoice(idle).text.startsWith("Nothing is chosen yet"));
-    idle.temporal.linearTrendRemoval = true;
-    EXPECT_EQ(findUnfinishedChoice(idle).choice, None);
+    PostprocessingOptions options = everything();
+    options.spatial.fwhm = options.temporal.gaussianWidth = std::nanf("");
+    options.spatial.checked = options.temporal.gaussian = false;
+    EXPECT_EQ(findUnfinishedChoice(options).choice, None);
+    options.sliceScanTime.checked = options.temporal.highPass = false;
+    EXPECT_TRUE(findUnfinishedChoice(options).text.startsWith("Nothing is chosen yet"));
+    options.temporal.linearTrendRemoval = true;
+    EXPECT_EQ(findUnfinishedChoice(options).choice, None);
 
-    ScriptedMessages messages;
-    EXPECT_EQ(findImpossibleStep(header(), 40, everything()), None);
-    const struct {
-        Change change;
-        PostprocessingChoice step;
-        const char* message;
-        int nrOfSlices = 25;
-    } cases[] = {{[](auto&) {}, SliceScanTime, "ERROR: NrOfSlices * InterSliceTime > TR !", 26},
-                 {[](auto& o) { o.temporal.gaussianWidth = 0.0f; }, TemporalWidth,
-                  "ERROR: The width of the temporal Gaussian must be above 0!"}};
-    for (const auto& row : cases) {
-        PostprocessingOptions options = everything();
-        row.change(options);
-        messages.expect(MessageLevel::Warning, row.message);
-        EXPECT_EQ(findImpossibleStep(header(row.nrOfSlices), 40, options), row.step);
-        options = {};
-        row.change(options); // no group is checked
-        EXPECT_EQ(findImpossibleStep(header(row.nrOfSlices), 40, options), None);
-    }
+    // What can't be done matters only where it is chosen.
+    options.temporal.gaussianWidth = 0.0f;
+    EXPECT_EQ(findImpossibleStep(header(26), 40, options), None);
 }
 
 TEST(PostprocessingChoices, TextsNameOrderSizesAndFiles) {

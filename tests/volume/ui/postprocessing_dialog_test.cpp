@@ -84,7 +84,9 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
         {"m_TemporalFilters", "m_HighPassCycles", "x",
          "ERROR: The number of sines/cosines is not a number."},
         {"m_TemporalFilters", "m_TemporalGaussianWidth", "nan",
-         "ERROR: The width of the temporal Gaussian is not a number."}};
+         "ERROR: The width of the temporal Gaussian is not a number."},
+        {"m_TemporalFilters", "m_TemporalGaussianWidth", "0",
+         "ERROR: The width of the temporal Gaussian must be above 0!"}};
     for (const auto& [group, field, text, message] : cases) {
         open(25);
         check(group);
