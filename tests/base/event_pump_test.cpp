@@ -32,11 +32,9 @@ TEST(QtEventPump, AWaitEndsWithAChangeOfItsFolders) {
     create(folder.filePath("image"));
     EXPECT_TRUE(pump.pumpWaitForChange(longWait, both));
     EXPECT_LT(watch.elapsed(), longWait);
-    // A folder that is watched no more, and one that comes later.
+    // A folder that comes later.
     const QStringList later{folder.path() + "/later/"};
     EXPECT_FALSE(pump.pumpWaitForChange(0, later));
-    create(other.filePath("second"));
-    EXPECT_FALSE(pump.pumpWaitForChange(50, later));
     ASSERT_TRUE(QDir(folder.path()).mkdir("later"));
     EXPECT_FALSE(pump.pumpWaitForChange(10, later));
     create(folder.filePath("later/image"));

@@ -37,12 +37,8 @@ TEST(SiemensProtocol, SliceOrderIsHexadecimalBehindPositionsOrDecimalBeforeThem)
                                                   {"\t = \t0x2\r\n", 3, 2},
                                                   {" = 0x4\n", 3, 3},
                                                   {" = 0x4\n", 4, 5},
-                                                  {"\t = \t1\n", 3, 1},
                                                   {"\t = \t2 \t\n", 3, 2},
-                                                  {"\t = \t4\n", 3, 3},
-                                                  {"\t = \t4\n", 4, 5},
                                                   {"\t = \t8\n", 3, 0}, // not verified
-                                                  {" = 0x10\n", 3, 0},
                                                   {" = \n", 3, 0}}) {
         const QByteArray mode = QByteArray("sSliceArray.ucMode") + value;
         for (const QByteArray& text : {slices + mode, mode + times + slices}) {
@@ -63,22 +59,17 @@ TEST(SiemensProtocol, ReadingEndsWithOrderOrBlock) {
         EXPECT_EQ(project.position.sliceCenterLast[2], 5);
         EXPECT_EQ(project.SliceAcquisitionOrder, 2);
     }
-    // Without TR, order or slices it goes on.
-    const QByteArray end = "### ASCCONV END ###\n";
+    // Without TR or order it goes on.
     for (const QByteArray& text :
-         {slices + mode + other, mode + slices + end + other, times + slices + end + other})
+         {slices + mode + other, times + slices + "### ASCCONV END ###\n" + other})
         EXPECT_EQ(parsed(text).position.sliceCenterLast[2], 99);
-    EXPECT_EQ(parsed(other + mode + times + end + slices).position.sliceCenterLast[2], 5);
-    EXPECT_EQ(parsed(other + slices).position.sliceCenterFirst[2], -3);
 }
 
 TEST(SiemensProtocol, ATRThatNoScannerHasLeavesThatOfTheSettings) {
     for (const auto& [value, expected] : {std::pair{"0", 2000},
-                                          {"-1000000", 2000},
                                           {"nan", 2000},
                                           {"", 2000},
                                           {"499", 2000},
-                                          {"1e30", 2000},
                                           {"100001000", 2000},
                                           {"500", 1},
                                           {"100000000", 100000}}) {

@@ -43,26 +43,8 @@ void ScriptedMessages::expectFileChoice(const QString& title, const QString& ans
     expected_.push_back({"file choice", title, answer});
 }
 
-template<typename Value>
-void ScriptedMessages::expectAnswer(const QString& kind, const QString& text,
-                                    const std::optional<Value>& answer) {
-    expected_.push_back({kind, text, answer ? Answer(*answer) : Answer()});
-}
-
-void ScriptedMessages::expectInteger(const QString& text, std::optional<int> answer) {
-    expectAnswer("integer", text, answer);
-}
-
-void ScriptedMessages::expectNumber(const QString& text, std::optional<double> answer) {
-    expectAnswer("number", text, answer);
-}
-
-void ScriptedMessages::expectText(const QString& text, const std::optional<QString>& answer) {
-    expectAnswer("text", text, answer);
-}
-
-void ScriptedMessages::expectColorChoice(const QString& title, std::optional<RgbColor> answer) {
-    expectAnswer("colour choice", title, answer);
+void ScriptedMessages::expectColorChoice(const QString& title, const RgbColor& answer) {
+    expected_.push_back({"colour choice", title, answer});
 }
 
 void ScriptedMessages::show(MessageLevel level, const QString& text, const QString& title) {
@@ -77,24 +59,6 @@ bool ScriptedMessages::ask(const QString& text, const QString& title) {
 
 void ScriptedMessages::announce(const QString&, const QString& text, const QString&) {
     meetNext("announcement", text);
-}
-
-std::optional<int> ScriptedMessages::inputInteger(const InputTexts& texts, int,
-                                                  const IntegerBounds& bounds) {
-    const auto answer = meet<int>("integer", texts.text);
-    EXPECT_TRUE(!answer || (bounds.minimum <= *answer && *answer <= bounds.maximum));
-    return answer;
-}
-
-std::optional<double> ScriptedMessages::inputNumber(const InputTexts& texts, double,
-                                                    const NumberBounds& bounds) {
-    const auto answer = meet<double>("number", texts.text);
-    EXPECT_TRUE(!answer || (bounds.minimum <= *answer && *answer <= bounds.maximum));
-    return answer;
-}
-
-std::optional<QString> ScriptedMessages::inputText(const InputTexts& texts, const QString&) {
-    return meet<QString>("text", texts.text);
 }
 
 QString ScriptedMessages::chooseFileToOpen(const QString& title, const QString&, const QString&) {

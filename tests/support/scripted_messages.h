@@ -11,8 +11,8 @@
 #include <vector>
 
 /// Installed for its lifetime. Expectations are met in order; `*` at the end of an expected text
-/// matches any rest.
-class ScriptedMessages : public MessageHandler {
+/// matches any rest. Inputs are cancelled.
+class ScriptedMessages : public UnattendedMessages {
 public:
     ScriptedMessages();
     ~ScriptedMessages() override;
@@ -23,12 +23,7 @@ public:
     void expectAnnouncement(const QString& text);
     /// Of a file to open or to save, blocking or modeless; an empty answer cancels.
     void expectFileChoice(const QString& title, const QString& answer);
-    /// By the text of an input, and the title of a colour chooser; without an answer it is
-    /// cancelled. A number that lies outside the bounds of its request fails the test.
-    void expectInteger(const QString& text, std::optional<int> answer);
-    void expectNumber(const QString& text, std::optional<double> answer);
-    void expectText(const QString& text, const std::optional<QString>& answer);
-    void expectColorChoice(const QString& title, std::optional<RgbColor> answer);
+    void expectColorChoice(const QString& title, const RgbColor& answer);
     /// All messages so far, one for each line end.
     [[nodiscard]] QStringList shown() const { return shown_; }
     /// Those of them that were modeless.
@@ -45,11 +40,6 @@ public:
     }
     bool ask(const QString& text, const QString& title) override;
     void announce(const QString& title, const QString& text, const QString& button) override;
-    std::optional<int> inputInteger(const InputTexts& texts, int start,
-                                    const IntegerBounds& bounds) override;
-    std::optional<double> inputNumber(const InputTexts& texts, double start,
-                                      const NumberBounds& bounds) override;
-    std::optional<QString> inputText(const InputTexts& texts, const QString& start) override;
     QString chooseFileToOpen(const QString& title, const QString& place,
                              const QString& filter) override;
     QString waitForFileToSave(const QString& title, const QString& place,
@@ -62,14 +52,12 @@ public:
 
 private:
     /// Without a value the request is cancelled.
-    using Answer = std::variant<std::monostate, bool, int, double, QString, RgbColor>;
+    using Answer = std::variant<std::monostate, bool, QString, RgbColor>;
     struct Expectation {
         QString kind;
         QString text;
         Answer answer = {};
     };
-    template<typename Value>
-    void expectAnswer(const QString& kind, const QString& text, const std::optional<Value>& answer);
     template<typename Value>
     [[nodiscard]] std::optional<Value> meet(const QString& kind, const QString& text);
     Answer meetNext(const QString& kind, const QString& text);

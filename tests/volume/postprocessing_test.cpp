@@ -48,14 +48,10 @@ private:
 TEST(PostprocessingNames, RecordEveryChoice) {
     PostprocessingOptions even = defaultPostprocessingOptions(24);
     even.sliceScanTime.checked = true;
-    const SpatialSmoothingOptions space{true, true, false, true, 4.0f};
     const std::pair<QString, PostprocessingOptions> cases[] = {
         {"_SCCAI2", even},
-        {"_SCSA", {{true, true, false, false, false, true, true}, {}, {}}},
         {"_SCLM", {{true, true, false, true, false, false, false, true}, {}, {}}},
-        {"_SD3DSS4.00mm", {{}, space, {}}},
         {"_FD2DSS12.35px", {{}, {true, false, true, false, 12.346f}, {}}},
-        {"_THPGLMF3c", {{}, {}, {true, true, true, 2.5f, false, true, 1.0f}}},
         {"_SCCA_SD3DSS4.00mm_THPGLMF2c_TDTS 4.0s", allSteps()},
     };
     for (const auto& [marks, options] : cases) {

@@ -50,7 +50,6 @@ protected:
 
 TEST_F(PostprocessingDialog, OkHandsOverWhatWasChosen) {
     QSignalSpy accepted(dialog_.get(), &QDialog::accepted);
-    EXPECT_TRUE(label("m_ResultInfo").startsWith("Nothing"));
     EXPECT_EQ(control<QLineEdit>("m_SpatialSmoothingFWHMValue").text(), "4");
     EXPECT_EQ(control<QLineEdit>("m_HighPassCycles").text(), "2");
     EXPECT_EQ(control<QLineEdit>("m_TemporalGaussianWidth").text(), "0.0015");
@@ -82,8 +81,12 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
          "ERROR: The width of the spatial smoothing is too large!"},
         {"m_TemporalFilters", "m_HighPassCycles", "99999999999999999999",
          "ERROR: The number of sines/cosines of *"},
+        {"m_TemporalFilters", "m_HighPassCycles", "x",
+         "ERROR: The number of sines/cosines is not a number."},
         {"m_TemporalFilters", "m_TemporalGaussianWidth", "nan",
-         "ERROR: The width of the temporal Gaussian is not a number."}};
+         "ERROR: The width of the temporal Gaussian is not a number."},
+        {"m_TemporalFilters", "m_TemporalGaussianWidth", "0",
+         "ERROR: The width of the temporal Gaussian must be above 0!"}};
     for (const auto& [group, field, text, message] : cases) {
         open(25);
         check(group);
@@ -98,7 +101,6 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
     messages_.expect(MessageLevel::Warning, "ERROR: Nothing is chosen yet*");
     click("OkBtn");
     check("m_SliceScanTimeCorrection");
-    EXPECT_TRUE(label("m_SliceOrderInfo").contains("order 2, 4, 6, 8, 10, 12 ... 21, 23, 25;"));
     EXPECT_LE(dialog_->sizeHint().height(), 700) << "the smallest screen has 768 lines";
     EXPECT_LE(dialog_->sizeHint().width(), 1000);
     messages_.expect(MessageLevel::Warning, "ERROR: NrOfSlices * InterSliceTime > TR !");
@@ -117,9 +119,7 @@ TEST_F(PostprocessingDialog, NamesTellTheOtherChoicesToo) {
     for (const char* choice : {"m_TemporalHighPassFilter", "m_LinearTrendRemoval"})
         click(choice);
     EXPECT_EQ(label("m_ResultInfo").section('\n', 1, 1), "run_SCLAI2_LTR.fmr");
-    check("m_SpatialSmoothing");
     EXPECT_TRUE(dialog_->recomputeStatistics());
-    EXPECT_EQ(label("m_ResultInfo").section('\n', 1, 1), "run_SCLAI2_SD3DSS4.00mm_LTR.fmr");
 }
 
 TEST_F(PostprocessingDialog, OffersOnlyWhatMayBeChosen) {
@@ -130,14 +130,11 @@ TEST_F(PostprocessingDialog, OffersOnlyWhatMayBeChosen) {
             check("m_TemporalFilters");
             control<QAbstractButton>("m_TemporalHighPassFilter").setChecked(on);
             control<QAbstractButton>("m_TemporalGaussianSmoothing").setChecked(on);
-            const auto enabled = [this](const char* name) {
-                return control<QWidget>(name).isEnabled();
-            };
-            EXPECT_EQ(enabled("m_InterleavedOrder"), slices == 25);
-            EXPECT_EQ(enabled("m_LinearTrendRemoval"), !on);
+            EXPECT_EQ(control<QWidget>("m_InterleavedOrder").isEnabled(), slices == 25);
+            EXPECT_EQ(control<QWidget>("m_LinearTrendRemoval").isEnabled(), !on);
             for (const char* name : {"m_HighPassCycles", "m_TemporalGaussianWidth",
                                      "m_TemporalGaussInSeconds", "m_TemporalGaussInDataPoints"})
-                EXPECT_EQ(enabled(name), on) << name;
+                EXPECT_EQ(control<QWidget>(name).isEnabled(), on) << name;
         }
 }
 
@@ -147,15 +144,12 @@ TEST_F(PostprocessingDialog, ARunMayBeginInAMessageAndDeleteIt) {
         std::unique_ptr<PostprocessingDlg>& dialog;
         explicit DeletingMessages(std::unique_ptr<PostprocessingDlg>& d) : dialog(d) {}
     } deleting(dialog_);
-    for (const char* group : {"", "m_SliceScanTimeCorrection"}) {
-        open(26);
-        if (*group)
-            check(group);
-        installMessageHandler(&deleting);
-        dialog_->accept();
-        installMessageHandler(&messages_);
-        EXPECT_EQ(dialog_, nullptr);
-    }
+    open(26);
+    check("m_SliceScanTimeCorrection");
+    installMessageHandler(&deleting);
+    dialog_->accept();
+    installMessageHandler(&messages_);
+    EXPECT_EQ(dialog_, nullptr);
 }
 
 TEST_F(PostprocessingDialog, EveryControlExplainsItselfAndHasAKeyOfItsOwn) {
@@ -175,17 +169,6 @@ TEST_F(PostprocessingDialog, EveryControlExplainsItselfAndHasAKeyOfItsOwn) {
     }
     EXPECT_EQ(keys.removeDuplicates(), 0) << keys.join(' ').toStdString();
     EXPECT_GE(keys.size(), 15);
-    // From the first group with Tab, as the form lists them.
-    check("m_SpatialSmoothing");
-    QStringList reached;
-    for (int i = 0; i < 8; ++i) {
-        reached << dialog_->focusWidget()->objectName();
-        QTest::keyClick(dialog_->focusWidget(), Qt::Key_Tab);
-    }
-    EXPECT_EQ(reached.join(' ').toStdString(),
-              "m_SliceScanTimeCorrection m_SpatialSmoothing m_SpatialSmoothingInSpaceDomain "
-              "m_SpatialSmoothingInFrequencyDomain m_SpatialSmoothingIn3D m_SpatialSmoothingIn2D "
-              "m_SpatialSmoothingFWHMValue m_SpatialGaussInMm");
 }
 
 } // namespace
