@@ -72,28 +72,3 @@ TEST(Delivery, FilesAppearWholeOrGrow) {
     EXPECT_EQ(delivered({.growing = true}, source(1, 1)),
               QStringList({"5000: ", "6000: a0=25", "6100: a0=50", "6200: a0=75", "6300: a0=100"}));
 }
-
-TEST(Delivery, OneFileGrowsInTheOrderOfItsVolumes) {
-    VolumeSource volumes{3, false, true, 1000, [](int volume) {
-                             return std::optional(std::vector<ScannerFile>{
-                                 {"a", QByteArray(100, char('0' + volume)), true}});
-                         }};
-    EXPECT_EQ(delivered({.late = {{1, 1500}}, .truncated = {2}}, volumes),
-              QStringList({"5000: ", "7500: a=100", "7500: a=150", "8000: a=250"}));
-}
-
-TEST(Delivery, AProtocolGrowsWithTheScan) {
-    QTemporaryDir folder;
-    NotingClock clock(folder.path());
-    VolumeSource volumes = source(2, 1);
-    volumes.protocol = {folder.filePath("p"), [](int volume) {
-                            return QByteArray(volume == 0 ? "1 0\n2 0\n" : "3 1\n");
-                        }};
-    // Its lines come in time, however late a volume is.
-    const auto result = deliver({.halfLines = true, .late = {{1, 1500}}}, volumes, folder.path(),
-                                clock, [](const QString&) {});
-    EXPECT_EQ(result.result, DeliveryResult::Done);
-    EXPECT_EQ(clock.notes << clock.note(),
-              QStringList({"5000: ", "6000: p=2", "6100: p=6", "6200: p=8", "7000: p=10",
-                           "7100: p=12", "7100: b0=100 p=12", "7500: a0=100 b0=100 p=12"}));
-}

@@ -78,24 +78,6 @@ TEST(PredictorNames, ConditionsBeyondTheTableAreLeftOutWithOneWarning) {
     EXPECT_TRUE(createConfoundPredictors(design, source, folder.path()));
 }
 
-TEST(FillBoxCar, CutsIntervalsAndTakesTheWeightBelow) {
-    const StimulationProtocol protocol = threeConditions();
-    const DesignSource source{.protocol = protocol, .NrOfVolumes = 10};
-    DesignMatrix design;
-    design.ConditionWeights = {0.5f, -2.0f};
-    std::vector<MillisecondInterval> intervals;
-    const std::pair<int, std::vector<float>> cases[] = {
-        {0, {0.5f, 0.5f, 0.5f, 0.5f, 0.5f}},
-        {1, {0.5f, 0.5f, 0, 0, 0, 0, 0, 0, 0.5f, 0.5f}},
-        {3, std::vector<float>(10)}};
-    for (auto [condition, expected] : cases) {
-        std::vector<float> column(10, 0.0f);
-        fillBoxCar(design, source, condition, column, true, intervals);
-        expected.resize(10);
-        EXPECT_EQ(column, expected) << condition;
-    }
-}
-
 TEST(FillBoxCar, MillisecondsAreListedAndReplacedByTheirEnd) {
     StimulationProtocol protocol;
     protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
@@ -193,12 +175,4 @@ TEST(Onsets, OrderColumnsAndSpaceTheGrowthOfTheModel) {
     EXPECT_EQ(design.PredictorOrder, (std::vector<int>{1, 3, 0, 4, -1}));
     fillGLMStepVolumes(design);
     EXPECT_EQ(design.GLMStepVolumes, (std::vector<int>{11, 12, 20, 21, -1}));
-
-    design.PredictorNames = {"a", "b", "c", "d", "e", "Constant"};
-    const std::pair<int, QStringList> missing[] = {
-        {40, {"c"}}, {21, {"c", "e"}}, {12, {"a", "c", "e"}}, {11, {"a", "b", "c", "d", "e"}}};
-    for (const auto& [volumes, names] : missing) {
-        design.NrOfVolumes = volumes;
-        EXPECT_EQ(conditionsWithoutModel(design), names) << volumes;
-    }
 }

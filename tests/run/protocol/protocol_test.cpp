@@ -161,32 +161,14 @@ TEST_F(ProtocolFile, MoreThan300IntervalsAreCutAndTheRestIsReadRight) {
     EXPECT_FALSE(protocol.addInterval(3, 3, 4));
 }
 
-TEST_F(ProtocolFile, ARunIsRecordedInTheTargetFolder) {
-    const std::array<const char*, 5> cases[] = {{"/else/a.prt", "", "", "run1.fmr", "a.prt"},
-                                                {"", "", "/x/log.tdat", "run1.fmr", "run1.prt"},
-                                                {"", "/x/a.rtp", "", "run.2.fmr", "run.2.prt"},
-                                                {"", "<none>", "", "run1.fmr", "realtime.prt"}};
-    for (const auto& [prt, rtp, tdat, project, written] : cases) {
-        protocol.protocolPath = prt;
-        protocol.realTimeProtocolPath = rtp;
-        protocol.tdatPath = tdat;
-        ASSERT_TRUE(writeRecordedPRTFile(protocol, project, folder.path() + '/'));
-        EXPECT_EQ(protocol.protocolPath, folder.filePath(written));
-        EXPECT_TRUE(QFile::exists(folder.filePath(written)));
-    }
+// Under the other names whole runs are recorded.
+TEST_F(ProtocolFile, ARunWithoutAFileIsRecordedToo) {
+    protocol.protocolPath.clear();
+    ASSERT_TRUE(writeRecordedPRTFile(protocol, "run1.fmr", folder.path() + '/'));
+    EXPECT_TRUE(QFile::exists(folder.filePath("realtime.prt")));
     messages.expect(MessageLevel::Warning, "ERROR: Unable to open protocol file!");
     EXPECT_FALSE(writeRecordedPRTFile(protocol, "run1.fmr", folder.path() + "/gone/"));
     EXPECT_EQ(protocol.protocolPath, "");
-}
-
-TEST(Conditions, ButtonsAreCutAndNeedAnInterval) {
-    StimulationProtocol protocol;
-    EXPECT_EQ(protocol.responseConditionIndex("RESPONSE"), 0);
-    protocol.setResponseValues(0, 1, 2, 3, 4, "no interval yet");
-    ASSERT_TRUE(protocol.addResponseInterval(0, 10, 11));
-    EXPECT_EQ(protocol.responseConditions[0].accuracy[0], -1);
-    protocol.setResponseValues(0, 1, 2, 3, 4, "0123456789abc");
-    EXPECT_STREQ(protocol.responseConditions[0].buttons[0].data(), "0123456789");
 }
 
 TEST(Conditions, AVolumeHasTheFirstConditionThatHolds) {

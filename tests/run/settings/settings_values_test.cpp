@@ -43,7 +43,7 @@ TEST_F(SettingsFile, WhatNoFileMayHoldIsFatal) {
         {replaced(geText(), "NrOfVolumes: 50", "NrOfVolumes: 0"), SettingsUse::Run,
          "ERROR: Problem reading \"NrOfVolumes\" value (0). Check respective entry in settings "
          "file!"},
-        {fileText("XYZ", ""), SettingsUse::Inspection,
+        {replaced(geText(), "GE_STANFORD", "XYZ"), SettingsUse::Inspection,
          "ERROR: Data type \"XYZ\" not supported!\n\nCheck settings file: \"" +
              settings.settingsFilePath + "\"."},
         {replaced(geText(), "./out", "./file/out"), SettingsUse::Run,
@@ -105,6 +105,9 @@ TEST_F(SettingsFile, AWatchFolderListNormallyGivesItsFirstName) {
 }
 
 TEST_F(SettingsFile, DicomNamesTellPrefixVolumeAndWidth) {
+    const QString text = corpusText("inplanes")
+                             .replace("Delimiter: \"_\"", "Delimiter: \"-\"")
+                             .replace("FirstVolumeNr: 1", "FirstVolumeNr: 9");
     const std::tuple<QString, QString, int, int> cases[] = {
         {"a-b-12-1.dcm", "a-b", 12, -1},
         {"Subj-x-01.dcm", "Subj", 0, 2},
@@ -115,7 +118,7 @@ TEST_F(SettingsFile, DicomNamesTellPrefixVolumeAndWidth) {
         {"", "", 9, -1}};
     for (const auto& [name, prefix, volume, width] : cases) {
         SCOPED_TRACE(name.toStdString());
-        ASSERT_TRUE(readText(fileText("DICOM", dicomText(name)), SettingsUse::Run));
+        ASSERT_TRUE(readText(replaced(text, "001_000004_000001.dcm", name), SettingsUse::Run));
         EXPECT_EQ(settings.dicomFilePrefix, prefix);
         EXPECT_EQ(settings.DicomFirstVolumeNr, volume);
         EXPECT_EQ(settings.dicomImageNumberWidth, width);
