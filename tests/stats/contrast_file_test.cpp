@@ -3,6 +3,7 @@
 #include "stats/contrast_file.h"
 
 #include "base/text_reading.h"
+#include "support/test_data.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -32,28 +33,7 @@ ContrastDefinitions twoContrasts() {
     return contrasts;
 }
 
-const char* const versionThree = R"(FileVersion:           3
-NrOfContrasts:         2
-NrOfValues:            3
-BaselineInContrasts:   1
-BaselinePosInProtocol: 1
-
-ContrastNames:
-"A vs. Rest"
-"B 'odd'"
-
-ContrastVectors:
- -1  1  0
-100-10-99
-
-InitialSelectionState:
-1
-3
-
-ContrastColors:
- 255   0   0
-   1  20 128
-)";
+const QString versionThree = corpusText("ctr/version3.ctr");
 
 TEST(ContrastFile, IsWrittenInItsLayoutAndReadBack) {
     QTemporaryDir folder;
@@ -87,12 +67,11 @@ TEST(ContrastFile, OlderVersionsStoreValuesByPredictor) {
 }
 
 TEST(ContrastFile, BadTextIsRefusedAndChangesNothing) {
-    const QString good = versionThree;
     const QString baseline = "ERROR: Contrast file states %1 as position of the baseline, which "
                              "contradicts the model. Check \"BaselinePosInProtocol:\" and "
                              "\"BaselineInContrasts:\"!";
     const auto with = [&](const char* before, const char* after) {
-        return QString(good).replace(before, after);
+        return QString(versionThree).replace(before, after);
     };
     const std::pair<QString, QString> cases[] = {
         {"", foreignFile},
@@ -104,7 +83,7 @@ TEST(ContrastFile, BadTextIsRefusedAndChangesNothing) {
         {with("BaselinePosInProtocol: 1", "BaselinePosInProtocol: 0"), baseline.arg(0)},
         {with("BaselinePosInProtocol: 1", "BaselinePosInProtocol: 4"), baseline.arg(4)},
         {with("NrOfContrasts:         2", "NrOfContrasts: 2147483647"), damagedFile},
-        {good.left(good.size() - 5), damagedFile},
+        {versionThree.chopped(5), damagedFile},
     };
     for (const auto& [text, expected] : cases) {
         ContrastDefinitions contrasts = twoContrasts();

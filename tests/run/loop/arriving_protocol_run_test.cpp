@@ -62,10 +62,10 @@ TEST_F(ArrivingProtocolRun, RTPConditionsEnterTheModelAsTheyBegin) {
     EXPECT_EQ(entryOf(2), 11);
     EXPECT_EQ(entryOf(3), 21);
     EXPECT_EQ(predictors.size(), 40u);
-    EXPECT_EQ(savedConditions(), "3 Rest ing 3 1 2 9 19 25 40 Color: 100 100 100 "
+    EXPECT_EQ(savedConditions(), "3 Fix ation 3 1 2 9 19 25 40 Color: 100 100 100 "
                                  "Faces 1 3 8 Color: 255 0 0 Houses 1 20 24 Color: 0 0 255");
     EXPECT_EQ(session.functionalDocument->contrasts.ContrastNames,
-              (QStringList{"Faces vs. Rest ing", "Houses vs. Rest ing"}));
+              (QStringList{"Faces vs. Fix ation", "Houses vs. Fix ation"}));
     EXPECT_EQ(session.functionalDocument->protocol.coveredTime, 82000);
 
     ASSERT_TRUE(session.reloadData());

@@ -5,6 +5,7 @@
 #include "base/text_reading.h"
 #include "run/settings/settings_file.h"
 #include "support/scripted_messages.h"
+#include "support/test_data.h"
 
 #include <QDir>
 #include <QFile>
@@ -35,14 +36,11 @@ protected:
         return text;
     }
 
-    /// A file as an operator writes it, from the corpus of the fuzzer.
-    static QString corpusText(const char* name) {
-        QString text;
-        EXPECT_TRUE(readTextFile(
-            QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/settings/%1.vco").arg(name), text));
-        return text;
+    /// A file as an operator writes it.
+    static QString operatorText(const char* name) {
+        return corpusText(QString("settings/%1.vco").arg(name));
     }
-    static QString geText() { return corpusText("pfile"); }
+    static QString geText() { return operatorText("pfile"); }
     static QString replaced(QString text, const QString& before, const QString& after) {
         EXPECT_TRUE(text.contains(before)) << before.toStdString();
         return text.replace(before, after);

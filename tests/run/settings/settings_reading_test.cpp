@@ -3,11 +3,12 @@
 
 // The blocks of the types are read by whole runs of every scanner.
 TEST_F(SettingsFile, ReadsEveryVersion) {
-    const QString versionFour = corpusText("analyze");
+    const QString versionFour = operatorText("analyze");
     const std::pair<int, QString> cases[] = {
-        {1, corpusText("version1")},
-        {2, corpusText("version2")},
-        {3, corpusText("ima").replace("WATCHFOLDERLIST: \"./list.txt\"", "WatchFolder: \"./in\"")},
+        {1, operatorText("version1")},
+        {2, operatorText("version2")},
+        {3,
+         operatorText("ima").replace("WATCHFOLDERLIST: \"./list.txt\"", "WatchFolder: \"./in\"")},
         {4, versionFour},
         {5, replaced(versionFour, "FileVersion: 4", "FileVersion: 5")}};
     for (const auto& [version, text] : cases) {
@@ -64,7 +65,7 @@ TEST_F(SettingsFile, ReportsAWrongKeyByUseAndKeepsWhatCameBefore) {
 TEST_F(SettingsFile, AFileCutAtAnyTokenEndsInOneMessage) {
     messages.acceptAnything();
     for (const char* name : {"overlays", "inplanes", "version1", "version2"}) {
-        const QStringList tokens = corpusText(name).simplified().split(' ');
+        const QStringList tokens = operatorText(name).simplified().split(' ');
         for (qsizetype length = 0; length < tokens.size(); ++length) {
             const qsizetype shownBefore = messages.shown().size();
             programEnd.statuses.clear();

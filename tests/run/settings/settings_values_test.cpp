@@ -105,7 +105,7 @@ TEST_F(SettingsFile, AWatchFolderListNormallyGivesItsFirstName) {
 }
 
 TEST_F(SettingsFile, DicomNamesTellPrefixVolumeAndWidth) {
-    const QString text = corpusText("inplanes")
+    const QString text = operatorText("inplanes")
                              .replace("Delimiter: \"_\"", "Delimiter: \"-\"")
                              .replace("FirstVolumeNr: 1", "FirstVolumeNr: 9");
     const std::tuple<QString, QString, int, int> cases[] = {
