@@ -78,6 +78,24 @@ TEST(PredictorNames, ConditionsBeyondTheTableAreLeftOutWithOneWarning) {
     EXPECT_TRUE(createConfoundPredictors(design, source, folder.path()));
 }
 
+TEST(FillBoxCar, CutsIntervalsAndTakesTheWeightBelow) {
+    const StimulationProtocol protocol = threeConditions();
+    const DesignSource source{.protocol = protocol, .NrOfVolumes = 10};
+    DesignMatrix design;
+    design.ConditionWeights = {0.5f, -2.0f};
+    std::vector<MillisecondInterval> intervals;
+    const std::pair<int, std::vector<float>> cases[] = {
+        {0, {0.5f, 0.5f, 0.5f, 0.5f, 0.5f}},
+        {1, {0.5f, 0.5f, 0, 0, 0, 0, 0, 0, 0.5f, 0.5f}},
+        {3, std::vector<float>(10)}};
+    for (auto [condition, expected] : cases) {
+        std::vector<float> column(10, 0.0f);
+        fillBoxCar(design, source, condition, column, true, intervals);
+        expected.resize(10);
+        EXPECT_EQ(column, expected) << condition;
+    }
+}
+
 TEST(FillBoxCar, MillisecondsAreListedAndReplacedByTheirEnd) {
     StimulationProtocol protocol;
     protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
