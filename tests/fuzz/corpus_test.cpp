@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/fuzz_target.h"
 #include "support/scripted_messages.h"
-#include "support/test_data.h"
 
 #include <QDirIterator>
 #include <gtest/gtest.h>
@@ -34,15 +33,6 @@ TEST(FuzzCorpus, EveryTargetTakesItsFiles) {
                                      QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/") + target.name),
                       0)
                 << target.name;
-}
-
-TEST(FuzzCorpus, TakesRealScannerFiles) {
-    SKIP_WITHOUT(scannerDataFolder());
-    int nrTaken = 0;
-    for (const char* folder :
-         {"/dicom_odd", "/ge_dicom/four_slices", "/siemens_single_slice", "/old_formats"})
-        nrTaken += nrOfFilesTaken(imageHeaderTargets()[0], scannerDataFolder() + folder);
-    EXPECT_GT(nrTaken, 30);
 }
 
 } // namespace

@@ -42,25 +42,3 @@ TEST(GrowingProtocol, GrowsWithEachVolume) {
                             "3900 SCAN BlockEnd Faces 2000\n4000 SCAN BlockBegin Fixation\n",
                             "5900 SCAN BlockEnd Fixation 2000\n6000 SCAN RunEnd\n"});
 }
-
-TEST(GrowingProtocol, StaysTheFileThatAWaitingProgramHasOpened) {
-    const QTemporaryDir folder;
-    SimulationOptions options = shortRun();
-    options.folder = folder.path();
-    options.protocol = ProtocolKind::Rtp;
-    const SimulatedScan scan(options);
-    ASSERT_TRUE(scan.writeProtocolHeader());
-    QFile opened(folder.filePath(protocolFileName(options)));
-    ASSERT_TRUE(opened.open(QIODevice::ReadOnly));
-    const QByteArray header = opened.readAll();
-
-    ASSERT_TRUE(scan.writeProtocolHeader());
-    ASSERT_TRUE(scan.appendProtocol(0));
-    EXPECT_EQ(opened.readAll(), "SCAN BEGIN\n");
-
-    // One from an earlier run is rewritten.
-    ASSERT_TRUE(scan.writeProtocolHeader());
-    QFile again(opened.fileName());
-    ASSERT_TRUE(again.open(QIODevice::ReadOnly));
-    EXPECT_EQ(again.readAll(), header);
-}

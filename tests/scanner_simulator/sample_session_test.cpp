@@ -19,15 +19,3 @@ TEST(SampleSession, IsWhatTheSimulatorWritesByDefault) {
         EXPECT_EQ(kept.readAll().toStdString(), written.readAll().toStdString()) << name;
     }
 }
-
-TEST(SimulatedSettings, AskForSmoothingOfTheGivenWidth) {
-    QTemporaryDir folder;
-    SimulationOptions options;
-    options.folder = folder.path();
-    options.smoothingWidth = 6;
-    ASSERT_TRUE(SimulatedScan(options).writeSettings());
-    QFile file(folder.filePath("Simulation-1.vco"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QString text = QString::fromUtf8(file.readAll()).simplified();
-    EXPECT_TRUE(text.contains("SpatialGaussianSmoothing: 1 SpatialSmoothingFWHM: 6 "));
-}

@@ -3,6 +3,7 @@
 #include "stats/contrast_file.h"
 
 #include "base/text_reading.h"
+#include "support/test_data.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -32,28 +33,7 @@ ContrastDefinitions twoContrasts() {
     return contrasts;
 }
 
-const char* const versionThree = R"(FileVersion:           3
-NrOfContrasts:         2
-NrOfValues:            3
-BaselineInContrasts:   1
-BaselinePosInProtocol: 1
-
-ContrastNames:
-"A vs. Rest"
-"B 'odd'"
-
-ContrastVectors:
- -1  1  0
-100-10-99
-
-InitialSelectionState:
-1
-3
-
-ContrastColors:
- 255   0   0
-   1  20 128
-)";
+const QString versionThree = corpusText("ctr/version3.ctr");
 
 TEST(ContrastFile, IsWrittenInItsLayoutAndReadBack) {
     QTemporaryDir folder;
@@ -86,42 +66,12 @@ TEST(ContrastFile, OlderVersionsStoreValuesByPredictor) {
     EXPECT_EQ(read.BaselineInContrasts, 1);
 }
 
-TEST(ContrastFile, BaselineMustAgreeWithTheModel) {
-    // Three conditions, in a model that takes one of them, or none, as the baseline.
-    struct Case {
-        int entries, inContrasts, position;
-        bool taken;
-    };
-    const Case cases[] = {{3, 1, 1, true},  {3, 1, 3, true},   {3, 1, 0, false},
-                          {3, 1, 4, false}, {3, 1, -1, false}, {4, 0, 0, true},
-                          {4, 0, 1, false}, {4, 1, 0, false},  {3, 0, 0, false}};
-    for (const auto& [entries, inContrasts, position, taken] : cases) {
-        DesignMatrix design = threeConditions();
-        design.NrOfContrastPredictors = entries;
-        design.NrOfConditionPredictors = entries - 1;
-        const QString text =
-            QString(
-                "FileVersion: 3 NrOfContrasts: 1 NrOfValues: %1 BaselineInContrasts: %2 "
-                "BaselinePosInProtocol: %3\nContrastNames:\n\"A\"\nContrastVectors:\n -1  1  0%4"
-                "\nInitialSelectionState:\n1\nContrastColors:\n 1 2 3\n")
-                .arg(entries)
-                .arg(inContrasts)
-                .arg(position)
-                .arg(entries == 4 ? "  2" : "");
-        ContrastDefinitions contrasts;
-        QString message;
-        EXPECT_EQ(parseContrasts(text, contrasts, design, 3, message), taken)
-            << message.toStdString();
-        EXPECT_EQ(message.startsWith("ERROR: Contrast file "), !taken);
-        const std::vector<int> weights{1, 0, entries == 4 ? 2 : 0, 0};
-        EXPECT_TRUE(!taken || contrasts.ContrastWeights[0] == weights);
-    }
-}
-
 TEST(ContrastFile, BadTextIsRefusedAndChangesNothing) {
-    const QString good = versionThree;
+    const QString baseline = "ERROR: Contrast file states %1 as position of the baseline, which "
+                             "contradicts the model. Check \"BaselinePosInProtocol:\" and "
+                             "\"BaselineInContrasts:\"!";
     const auto with = [&](const char* before, const char* after) {
-        return QString(good).replace(before, after);
+        return QString(versionThree).replace(before, after);
     };
     const std::pair<QString, QString> cases[] = {
         {"", foreignFile},
@@ -130,8 +80,10 @@ TEST(ContrastFile, BadTextIsRefusedAndChangesNothing) {
         {with("NrOfValues:            3", "NrOfValues: 5"),
          "ERROR: Contrast file contains values for 5 predictors\nwhich does not fit current "
          "contrasts with 3 predictors"},
+        {with("BaselinePosInProtocol: 1", "BaselinePosInProtocol: 0"), baseline.arg(0)},
+        {with("BaselinePosInProtocol: 1", "BaselinePosInProtocol: 4"), baseline.arg(4)},
         {with("NrOfContrasts:         2", "NrOfContrasts: 2147483647"), damagedFile},
-        {good.left(good.size() - 5), damagedFile},
+        {versionThree.chopped(5), damagedFile},
     };
     for (const auto& [text, expected] : cases) {
         ContrastDefinitions contrasts = twoContrasts();

@@ -39,17 +39,6 @@ TEST(AutomaticContrasts, CompareConditionsWithBaselineAndEachOther) {
     EXPECT_EQ(generated(designOf({"Rest", "A", "B"}), 1).NrOfContrasts, 2);
 }
 
-TEST(AutomaticContrasts, LeaveOutConditionsThatAFullDesignHasNoColumnFor) {
-    DesignMatrix design = designOf({"Rest", "A", "B", "C"});
-    design.NrOfConditionPredictors = 2; // columns A, B, then confounds
-    ContrastDefinitions contrasts = generated(design, 2);
-    EXPECT_EQ(contrasts.ContrastNames, QStringList({"A vs. Rest", "B vs. Rest", "B vs. A"}));
-    contrasts.ContrastValues = {{-1, 0, 0, 1}, {0, -1, 0, 1}, {-1, 0, 1, 0}};
-    rebuildContrastWeights(contrasts, design);
-    EXPECT_EQ(contrasts.ContrastWeights,
-              (std::vector<std::vector<int>>{{0, 0, 0, 0}, {0, 0, 0, 0}, {0, 1, 0, 0}}));
-}
-
 TEST(OverlayTables, MixTheColoursOfTheShownMaps) {
     ContrastDefinitions contrasts;
     contrasts.ContrastColors = {{0, 0, 255}, {3, 101, 0}, {0, 200, 6}, {255, 0, 1}};

@@ -193,12 +193,4 @@ TEST(Onsets, OrderColumnsAndSpaceTheGrowthOfTheModel) {
     EXPECT_EQ(design.PredictorOrder, (std::vector<int>{1, 3, 0, 4, -1}));
     fillGLMStepVolumes(design);
     EXPECT_EQ(design.GLMStepVolumes, (std::vector<int>{11, 12, 20, 21, -1}));
-
-    design.PredictorNames = {"a", "b", "c", "d", "e", "Constant"};
-    const std::pair<int, QStringList> missing[] = {
-        {40, {"c"}}, {21, {"c", "e"}}, {12, {"a", "c", "e"}}, {11, {"a", "b", "c", "d", "e"}}};
-    for (const auto& [volumes, names] : missing) {
-        design.NrOfVolumes = volumes;
-        EXPECT_EQ(conditionsWithoutModel(design), names) << volumes;
-    }
 }

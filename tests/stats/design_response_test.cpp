@@ -57,21 +57,6 @@ TEST(ConvolveWithHRF, MillisecondsMatchTheReference) {
                2e-5);
 }
 
-TEST(ConvolveWithHRF, WithoutAResponseTheBoxCarIsShifted) {
-    const StimulationProtocol volumes = protocolOf(ResolutionOfTime::Volumes);
-    std::vector<float> column = {1, 0, 2, 3};
-    ASSERT_TRUE(convolveWithHRF(column, HRFModel::None, 0, TwoGammaHRFParams(),
-                                {.protocol = volumes, .NrOfVolumes = 4}, {}));
-    EXPECT_EQ(column, (std::vector<float>{0, 1, 0, 2}));
-    const StimulationProtocol milliseconds = protocolOf(ResolutionOfTime::Milliseconds);
-    const std::vector<MillisecondInterval> intervals = {{-5, 1000, "a", 500},
-                                                        {2999, 2147483647, "a", 1000}};
-    ASSERT_TRUE(convolveWithHRF(column, HRFModel::None, 0, TwoGammaHRFParams(),
-                                {.protocol = milliseconds, .TR = 1000, .NrOfVolumes = 4},
-                                intervals));
-    EXPECT_EQ(column, (std::vector<float>{0, 0.5f, 0, 1}));
-}
-
 TEST(ConvolveWithHRF, ImpossibleTimesNeitherCrashNorTakeTheMemory) {
     const StimulationProtocol milliseconds = protocolOf(ResolutionOfTime::Milliseconds);
     for (const float TR : {0.0f, float(NAN)}) {

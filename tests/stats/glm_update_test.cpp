@@ -55,26 +55,6 @@ TEST(BrainMask, HoldsInnerSlicesReadAsUnsigned) {
     EXPECT_EQ(run.mask.runs[1].first, 48u);
 }
 
-TEST(BrainMask, WithoutItThereIsNoModel) {
-    GLMTestRun run(20);
-    run.addCondition(3, 8);
-    run.addConfounds(1);
-    run.addContrast({1});
-    run.start({11});
-    FMRProject huge;
-    huge.ResolutionX = huge.ResolutionY = huge.NrOfSlices = 1 << 20;
-    ScriptedMessages messages;
-    messages.expect(MessageLevel::Warning,
-                    "ERROR: Insufficient memory for creating contrast maps!");
-    EXPECT_FALSE(createBrainMask(run.mask, huge, 100));
-    EXPECT_TRUE(run.mask.voxels.empty());
-    run.update(0, 19);
-    EXPECT_EQ(run.glm.GLMStartVolume, GLMState::notStarted);
-    EXPECT_EQ(run.maps.NrOfActiveContrasts, 0);
-    FinishedModel model;
-    EXPECT_FALSE(finishModel(model, run.glm, run.project, run.mask, 20));
-}
-
 TEST(GLMUpdate, NoDegreesOfFreedomAndFiftyPredictors) {
     GLMTestRun run(60);
     for (int c = 0; c < 40; ++c)

@@ -34,7 +34,6 @@ const Variant variants[] = {
     {"ImaMosaicBigEndian", ScannerType::SiemensImaMosaic,
      [](auto& o) { o.rawDataBigEndian = true; }},
     {"ImaMosaicInTwoFiles", ScannerType::SiemensImaMosaic, [](auto& o) { o.mosaicTiles = 2; }},
-    {"PixelData", ScannerType::SiemensPixelData},
     {"GeI", ScannerType::GeI},
     {"GeIPastImage999", ScannerType::GeI, [](auto& o) { o.nrOfVolumes = 205; }},
     {"GeXDicom", ScannerType::GeXDicom},
@@ -72,22 +71,6 @@ SimulationOptions shortRun(ScannerType type) {
     return options;
 }
 
-// No settings file states this type, which programs that prepare a run themselves may ask for.
-void makeReachable(SimulatedSession& run) {
-    if (run.scan.options().type != ScannerType::SiemensPixelData)
-        return;
-    QFile file(run.session.settings.settingsFilePath);
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    const QByteArray text = file.readAll().replace("SIEMENSPIXELDATA", "SIEMENS_IMA");
-    ASSERT_TRUE(file.resize(0) && file.seek(0) && file.write(text) == text.size());
-    run.session.makeReader =
-        [prefix = run.scan.files(0)[0].name.chopped(3)](const IntakeContext& context) {
-            context.settings.documentDataType = "SIEMENSPIXELDATA";
-            context.settings.philipsFilePrefix = prefix;
-            return makeVolumeReader(context);
-        };
-}
-
 } // namespace
 
 TEST_P(EveryScannerTest, RunIsSavedAsItWasMeasured) {
@@ -95,7 +78,6 @@ TEST_P(EveryScannerTest, RunIsSavedAsItWasMeasured) {
     GetParam().change(options);
     ASSERT_EQ(problemOf(options), QString());
     SimulatedSession run(options);
-    makeReachable(run);
     run.writeAll();
     EXPECT_EQ(run.run(), QStringList());
     EXPECT_EQ(run.display.calls.last(), "ended");
@@ -110,7 +92,6 @@ TEST_P(EveryScannerTest, HalvesOfFilesAreNotTaken) {
     GetParam().change(options);
     options.nrOfVolumes = 5;
     SimulatedSession run(options);
-    makeReachable(run);
     for (int volume = 0; volume < options.nrOfVolumes; ++volume)
         for (const ScannerFile& file : run.scan.files(volume)) {
             const qsizetype half = file.bytes.size() / 2 + 1;

@@ -150,15 +150,6 @@ TEST_P(HostileSessionTest, TroubleInTheMiddleKeepsWhatWasMeasured) {
 // All files are there, or come within the time-out, but not as quietly as on a good day.
 TEST_P(HostileSessionTest, AnUnsteadyFolderLosesNothing) {
     using Trouble = std::function<void(HostileSession&)>;
-    const Trouble byteByByte = [](HostileSession& hostile) {
-        const ScannerFile file = hostile.scan.files(6)[0];
-        const qsizetype written = file.bytes.size() - 500;
-        hostile.write({file.name, file.bytes.first(written)});
-        for (qsizetype i = written; i < file.bytes.size(); ++i)
-            hostile.pump.after(10 * (i - written), [&hostile, file, i] {
-                hostile.write({file.name, file.bytes.mid(i, 1), /*append*/ true});
-            });
-    };
     const Trouble backwards = [](HostileSession& hostile) {
         for (int volume = 0; volume < 12; ++volume) {
             std::vector<ScannerFile> files = hostile.scan.files(volume);
@@ -179,7 +170,7 @@ TEST_P(HostileSessionTest, AnUnsteadyFolderLosesNothing) {
             for (const ScannerFile& file : hostile.scan.files(volume))
                 hostile.write({"2" + file.name, file.bytes + file.bytes});
     };
-    for (const Trouble& trouble : {byteByByte, backwards, folderAway, otherSeries}) {
+    for (const Trouble& trouble : {backwards, folderAway, otherSeries}) {
         HostileSession hostile(GetParam());
         hostile.writeAll();
         trouble(hostile);

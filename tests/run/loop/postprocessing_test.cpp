@@ -10,20 +10,15 @@ namespace {
 
 const QString processedName = "test_SCCAI2_THPGLMF2c";
 
-/// Does something at a report of progress, and collects the reports.
+/// Collects the reports of progress, and cancels at one of them.
 class ProbeReporter : public ProgressReporter {
 public:
-    void setProgress(int percent) override {
-        percents.push_back(percent);
-        if (atReport)
-            atReport(percent);
-    }
+    void setProgress(int percent) override { percents.push_back(percent); }
     [[nodiscard]] bool cancelled() const override {
         return !percents.empty() && percents.back() >= cancelAt;
     }
 
     std::vector<int> percents;
-    std::function<void(int percent)> atReport;
     int cancelAt = 1000;
 };
 
@@ -120,24 +115,4 @@ TEST_F(PostprocessingTest, AFolderThatIsLostLeadsToAQuestion) {
         EXPECT_EQ(isAsMeasured(29), !again) << "what is not on disk is restored";
         EXPECT_EQ(document().slices.SlicePixmaps[1] == shown, !again);
     }
-}
-
-TEST_F(PostprocessingTest, NothingElseBeginsMeanwhile) {
-    EXPECT_FALSE(session.postprocess(options_, true, progress_)) << "there is no run";
-    measure(30);
-    display.calls.clear();
-    progress_.atReport = [&](int) {
-        session.setRunButton(RunButtonState::Ready);
-        session.runButtonPressed();
-        EXPECT_FALSE(session.reloadData());
-        ProbeReporter inner;
-        EXPECT_FALSE(session.postprocess(options_, true, inner));
-    };
-    EXPECT_TRUE(session.postprocess(options_, true, progress_));
-    EXPECT_EQ(progressLog(), "starting ended");
-
-    script.atVolume = [&](int) { EXPECT_FALSE(session.postprocess(options_, true, progress_)); };
-    session.setRunButton(RunButtonState::Ready);
-    session.runButtonPressed();
-    EXPECT_EQ(session.report.currentVolume, 29) << "a run starts again, and nothing stops it";
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/protocol/prt_file.h"
 #include "support/scripted_messages.h"
+#include "support/test_data.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -8,15 +9,9 @@
 
 namespace {
 
-const char* const header = "FileVersion: 2\nResolutionOfTime: Volumes\nExperiment: two  words\n"
-                           "BackgroundColor: 1 2 3\nTextColor: 4 5 6\nTimeCourseColor: 7 8 9\n"
-                           "TimeCourseThick: 4\nReferenceFuncColor: 10 11 12\n"
-                           "ReferenceFuncThick: 5\n";
-const char* const tables = "NrOfConditions: 2\nrest of it\n2\n1 10\n21 30\nColor: 1 2 3\n"
-                           "task\n1 11 20 Color: 4 5 6\n"
-                           "ResponseConditions: 1\nNrOfResponseEvents: 1\nFrom: 5 To: 6\n"
-                           "TimeOfResponse: 7\nRT: 350\nButtons: \"a b\"\nOmission: 0\n"
-                           "Accuracy: 1\n";
+const QByteArray whole = corpusText("prt/responses.prt").replace("msec", "Volumes").toUtf8();
+const QByteArray header = whole.left(whole.indexOf("NrOfConditions"));
+const QByteArray tables = whole.mid(header.size());
 
 class ProtocolFile : public testing::Test {
 protected:
@@ -35,7 +30,7 @@ protected:
 } // namespace
 
 TEST_F(ProtocolFile, TheUnitFollowsVersionAndFirstLetter) {
-    const QByteArray version1 = QByteArray(header).mid(QByteArray(header).indexOf("Experiment"));
+    const QByteArray version1 = header.mid(header.indexOf("Experiment"));
     const std::tuple<QByteArray, int, ResolutionOfTime> cases[] = {
         {version1, 1, ResolutionOfTime::Volumes},
         {"FileVersion: 1 " + version1, 1, ResolutionOfTime::Volumes},
@@ -52,56 +47,24 @@ TEST_F(ProtocolFile, TheUnitFollowsVersionAndFirstLetter) {
 }
 
 TEST_F(ProtocolFile, IsReadAndWrittenInItsLayout) {
-    write(QByteArray(header) + tables);
+    const QByteArray laidOut = corpusText("prt/blocks.prt").toUtf8();
+    write(laidOut);
     ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip));
     EXPECT_EQ(protocol.SegmentOffset, 10);
+    ASSERT_TRUE(writePRTFile(protocol));
+    QFile file(protocol.protocolPath);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().toStdString(), laidOut.toStdString());
+
+    write(whole);
+    ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip));
     EXPECT_FALSE(protocol.hasResponses || protocol.nrOfResponseConditions() > 0);
     ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Read));
     EXPECT_TRUE(protocol.hasResponses);
     protocol.experimentName.clear();
-    ASSERT_TRUE(writePRTFile(protocol));
-    QFile file(protocol.protocolPath);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray expected = R"(
-FileVersion:        2
-
-ResolutionOfTime:   Volumes
-
-Experiment:         <untitled>
-
-BackgroundColor:    1 2 3
-TextColor:          4 5 6
-
-TimeCourseColor:    7 8 9
-TimeCourseThick:    4
-ReferenceFuncColor: 10 11 12
-ReferenceFuncThick: 5
-
-NrOfConditions:  2
-
-rest of it
-2
-   1   10
-  21   30
-Color: 1 2 3
-
-task
-1
-  11   20
-Color: 4 5 6
-
-
-ResponseConditions:  1
-NrOfResponseEvents: 1
-From:    5  To:    6
-TimeOfResponse: 7
-RT: 350
-Buttons: "a b"
-Omission: 0
-Accuracy: 1
-
-)";
-    EXPECT_EQ(file.readAll().toStdString(), expected.toStdString());
+    EXPECT_EQ(prtText(protocol).mid(prtText(protocol).indexOf("ResponseC")),
+              "ResponseConditions:  1\nNrOfResponseEvents: 1\nFrom:    5  To:    6\n"
+              "TimeOfResponse: 7\nRT: 350\nButtons: \"a b\"\nOmission: 0\nAccuracy: 1\n\n");
     protocol.conditions[1].name.clear(); // would shift the lines after it
     ASSERT_TRUE(writePRTFile(protocol));
     ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Read));
@@ -110,11 +73,9 @@ Accuracy: 1
 }
 
 TEST_F(ProtocolFile, DamagedFilesAreRefusedWithoutChange) {
-    const QByteArray whole = QByteArray(header) + tables;
     std::vector<QByteArray> texts = {
-        "", "NrOfConditions: 3",
-        header + QByteArray("NrOfConditions: 2000000000\na\n0\nColor: 1 2 3\n"),
-        header + QByteArray("NrOfConditions: 1\na\n2000000000\n1 2\nColor: 1 2 3\n")};
+        "", "NrOfConditions: 3", header + "NrOfConditions: 2000000000\na\n0\nColor: 1 2 3\n",
+        header + "NrOfConditions: 1\na\n2000000000\n1 2\nColor: 1 2 3\n"};
     // Cut before any of its words; the response table alone may be missing.
     for (qsizetype i = 1; i + 1 < whole.size(); ++i)
         if (std::isspace(whole[i - 1]) && !std::isspace(whole[i]) &&
@@ -144,7 +105,7 @@ TEST_F(ProtocolFile, MoreThan300IntervalsAreCutAndTheRestIsReadRight) {
     for (int i = 1; i <= 310; ++i)
         intervals += QByteArray::number(i) + ' ' + QByteArray::number(i) + '\n';
     const QByteArray name(300, 'n');
-    write(header + QByteArray("NrOfConditions: 3\nlong\n310\n") + intervals + "Color: 1 2 3\n" +
+    write(header + "NrOfConditions: 3\nlong\n310\n" + intervals + "Color: 1 2 3\n" +
           "longer\n310\n" + intervals + "Color: 1 2 3\n" + name + "\n1\n400 401\nColor: 7 8 9\n");
     messages.expect(MessageLevel::Warning, "WARNING: Condition \"long\" of protocol file has more "
                                            "than 300 intervals; the first 300 are used.");
@@ -161,32 +122,14 @@ TEST_F(ProtocolFile, MoreThan300IntervalsAreCutAndTheRestIsReadRight) {
     EXPECT_FALSE(protocol.addInterval(3, 3, 4));
 }
 
-TEST_F(ProtocolFile, ARunIsRecordedInTheTargetFolder) {
-    const std::array<const char*, 5> cases[] = {{"/else/a.prt", "", "", "run1.fmr", "a.prt"},
-                                                {"", "", "/x/log.tdat", "run1.fmr", "run1.prt"},
-                                                {"", "/x/a.rtp", "", "run.2.fmr", "run.2.prt"},
-                                                {"", "<none>", "", "run1.fmr", "realtime.prt"}};
-    for (const auto& [prt, rtp, tdat, project, written] : cases) {
-        protocol.protocolPath = prt;
-        protocol.realTimeProtocolPath = rtp;
-        protocol.tdatPath = tdat;
-        ASSERT_TRUE(writeRecordedPRTFile(protocol, project, folder.path() + '/'));
-        EXPECT_EQ(protocol.protocolPath, folder.filePath(written));
-        EXPECT_TRUE(QFile::exists(folder.filePath(written)));
-    }
+// Under the other names whole runs are recorded.
+TEST_F(ProtocolFile, ARunWithoutAFileIsRecordedToo) {
+    protocol.protocolPath.clear();
+    ASSERT_TRUE(writeRecordedPRTFile(protocol, "run1.fmr", folder.path() + '/'));
+    EXPECT_TRUE(QFile::exists(folder.filePath("realtime.prt")));
     messages.expect(MessageLevel::Warning, "ERROR: Unable to open protocol file!");
     EXPECT_FALSE(writeRecordedPRTFile(protocol, "run1.fmr", folder.path() + "/gone/"));
     EXPECT_EQ(protocol.protocolPath, "");
-}
-
-TEST(Conditions, ButtonsAreCutAndNeedAnInterval) {
-    StimulationProtocol protocol;
-    EXPECT_EQ(protocol.responseConditionIndex("RESPONSE"), 0);
-    protocol.setResponseValues(0, 1, 2, 3, 4, "no interval yet");
-    ASSERT_TRUE(protocol.addResponseInterval(0, 10, 11));
-    EXPECT_EQ(protocol.responseConditions[0].accuracy[0], -1);
-    protocol.setResponseValues(0, 1, 2, 3, 4, "0123456789abc");
-    EXPECT_STREQ(protocol.responseConditions[0].buttons[0].data(), "0123456789");
 }
 
 TEST(Conditions, AVolumeHasTheFirstConditionThatHolds) {

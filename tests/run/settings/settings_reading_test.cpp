@@ -1,40 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "settings_fixture.h"
 
-TEST_F(SettingsFile, ReadsEveryVersionAndTypeBlock) {
-    const QString fields = "FirstFileName: \"abc_1234_00012.img\" ";
-    const QString geometry = geometryText();
-    const QString siemens = "SiemensPatientID: 5 SiemensFirstStudyNr: 6 SiemensFirstImageNr: 7";
-    // One of each kind of block, and other names of types.
-    const std::pair<QString, QString> types[] = {
-        {"siemensima", siemens},
-        {"GE_HDXT_DICOM", ""},
-        {"GE_X_DICOM", "GESeriesNr: 4 GEFirstImageNr: 5"},
-        {"GE_STANFORD", "PFileHeader: \"E1P02.7\" SliceTimeLooping: 2"},
-        {"PHILIPSRECDATA", fields + geometry},
-        {"PHILIPS_ANALYZE_DRIN", fields + geometry},
-        {"SIEMENS_DICOM_MOSAIC", dicomText("abc_1234_00012.img", "_")}};
-    for (const auto& [type, typeBlock] : types) {
-        for (int version = 1; version <= 5; ++version) {
-            SCOPED_TRACE(QString("%1, version %2").arg(type).arg(version).toStdString());
-            settings = defaultRunSettings();
-            settings.settingsFilePath = dir() + "run-1.vco";
-            settings.FeedbackTargetFolder = "/of/an/earlier/file/";
-            QString block = typeBlock;
-            if (type == "PHILIPS_ANALYZE_DRIN" && version >= 4)
-                block += " ImageTransformation: 1";
-            ASSERT_TRUE(readText(fileText(type, block, version), SettingsUse::Run));
-            EXPECT_EQ(settings.documentDataType, type.toUpper());
-            EXPECT_EQ(settings.FlipSliceOrder, version == 1 ? 2 : 3);
-            EXPECT_EQ(settings.FeedbackTargetFolder, dir() + (version == 1 ? "out/" : "fb/"));
-            EXPECT_EQ(settings.forceTRDelayRead, version >= 2);
-            EXPECT_EQ(settings.ROIColorsFile, version >= 3 ? dir() + "roi.txt" : QString());
-            EXPECT_EQ(settings.ImageTransformation, block.contains("Transformation") ? 1 : 2);
-            EXPECT_EQ(settings.SiemensFirstImageNr, block.startsWith("Siemens") ? 7 : 1);
-            EXPECT_EQ(settings.SliceThickness, block.contains("Thick") ? 3.5f : 4.0f);
-            const bool foreign = block.contains("FoV") && !block.contains("Dicom");
-            EXPECT_EQ(settings.pixelSizeY, foreign ? 3.0f : 0.0f);
-        }
+// The blocks of the types are read by whole runs of every scanner.
+TEST_F(SettingsFile, ReadsEveryVersion) {
+    const QString versionFour = operatorText("analyze");
+    const std::pair<int, QString> cases[] = {
+        {1, operatorText("version1")},
+        {2, operatorText("version2")},
+        {3,
+         operatorText("ima").replace("WATCHFOLDERLIST: \"./list.txt\"", "WatchFolder: \"./in\"")},
+        {4, versionFour},
+        {5, replaced(versionFour, "FileVersion: 4", "FileVersion: 5")}};
+    for (const auto& [version, text] : cases) {
+        SCOPED_TRACE(version);
+        settings = defaultRunSettings();
+        settings.settingsFilePath = dir() + "run-1.vco";
+        settings.FeedbackTargetFolder = "/of/an/earlier/file/";
+        ASSERT_TRUE(readText(text, SettingsUse::Run));
+        EXPECT_EQ(settings.FlipSliceOrder, version == 1 ? 2 : 3);
+        EXPECT_EQ(settings.FeedbackTargetFolder, dir() + (version == 1 ? "out/" : "fb/"));
+        EXPECT_EQ(settings.forceTRDelayRead, version >= 2);
+        EXPECT_EQ(settings.ROIColorsFile, version >= 3 ? dir() + "roi.txt" : QString());
+        EXPECT_EQ(settings.ImageTransformation, version >= 4 ? 1 : 2);
+        EXPECT_EQ(settings.SiemensFirstImageNr, version == 3 ? 17 : 1);
+        EXPECT_EQ(settings.SliceThickness, version >= 4 ? 3.0f : 4.0f);
+        EXPECT_EQ(settings.pixelSizeY, version >= 4 ? 6.0f : 0.0f);
     }
 }
 
@@ -75,10 +65,7 @@ TEST_F(SettingsFile, ReportsAWrongKeyByUseAndKeepsWhatCameBefore) {
 TEST_F(SettingsFile, AFileCutAtAnyTokenEndsInOneMessage) {
     messages.acceptAnything();
     for (const char* name : {"overlays", "inplanes", "version1", "version2"}) {
-        QString text;
-        ASSERT_TRUE(readTextFile(
-            QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/settings/%1.vco").arg(name), text));
-        const QStringList tokens = text.simplified().split(' ');
+        const QStringList tokens = operatorText(name).simplified().split(' ');
         for (qsizetype length = 0; length < tokens.size(); ++length) {
             const qsizetype shownBefore = messages.shown().size();
             programEnd.statuses.clear();

@@ -57,9 +57,7 @@ TEST_F(SettingsFile, EveryFieldSurvivesWritingAndReading) {
 }
 
 TEST_F(SettingsFile, TheSampleIsWrittenAsItStands) {
-    QString sample;
-    ASSERT_TRUE(readTextFile(VELO_SOURCE_DIR "/src/resources/sample_session/VCO_FacesHouses-1.vco",
-                             sample));
+    const QString sample = operatorText("sample_session");
     ASSERT_TRUE(readText(sample, SettingsUse::Inspection));
     ASSERT_TRUE(writeSettingsFile(settings));
     EXPECT_EQ(writtenText().toStdString(), sample.toStdString());
