@@ -7,50 +7,14 @@
 
 #include <QCheckBox>
 #include <QColorDialog>
-#include <QDoubleSpinBox>
 #include <QFile>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QProgressDialog>
 #include <QPushButton>
-#include <QTextBrowser>
+#include <QSpinBox>
 
 namespace {
-
-TEST_F(MainWindow, EscapeSetsTheInterruptFlagUntilAKeyIsReleased) {
-    QTest::keyPress(window_.get(), Qt::Key_Escape);
-    EXPECT_TRUE(requests().interruptFlag);
-    QKeyEvent repeated(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier, {}, true);
-    QCoreApplication::sendEvent(window_.get(), &repeated);
-    EXPECT_TRUE(requests().interruptFlag) << "a held key repeats itself";
-    QTest::keyRelease(&control("ContrastList"), Qt::Key_A);
-    EXPECT_FALSE(requests().interruptFlag);
-}
-
-TEST_F(MainWindow, KeysNeedADocumentAndCountOnce) {
-    QTest::keyClick(window_.get(), Qt::Key_Up, Qt::ShiftModifier);
-    QTest::keyClick(window_.get(), Qt::Key_Up, Qt::ControlModifier);
-    EXPECT_EQ(requests().startOffsetSeconds, 0);
-
-    prepare(0);
-    QTest::keyClick(&control("ContrastList"), Qt::Key_Up, Qt::ShiftModifier);
-    EXPECT_EQ(requests().startOffsetSeconds, 1);
-    QTest::keyClick(window_->windowHandle(), Qt::Key_Down, Qt::ShiftModifier);
-    QTest::keyClick(window_->windowHandle(), Qt::Key_Down, Qt::ShiftModifier);
-    EXPECT_EQ(requests().startOffsetSeconds, -1);
-    QTest::keyClick(window_.get(), Qt::Key_Up, Qt::ControlModifier);
-    EXPECT_DOUBLE_EQ(control<QDoubleSpinBox>("ThresholdSpBx").value(), 3.2);
-}
-
-TEST_F(MainWindow, AVolumeLeavesANumberThatIsTypedItsFocus) {
-    prepare(0);
-    auto& box = control<QDoubleSpinBox>("ThresholdSpBx");
-    QTest::mouseClick(box.findChild<QLineEdit*>(), Qt::LeftButton);
-    window_->updateViews();
-    EXPECT_EQ(window_->focusWidget(), &box);
-    QTest::keyClick(&box, Qt::Key_Return);
-    EXPECT_EQ(window_->focusWidget(), &control("FunctionalView"));
-}
 
 TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
     prepare(1, Phase::Recording);
@@ -99,14 +63,6 @@ TEST_F(MainWindow, ContrastColumnsToggleSignsOfAtMostFour) {
     EXPECT_TRUE(conjunction.isChecked() && document().contrasts.ConjunctionAnalysis);
 }
 
-TEST_F(MainWindow, AContrastTakesTheColorThatIsChosen) {
-    prepare(2);
-    messages_.expectColorChoice("Color of contrast 1", RgbColor{9, 8, 7});
-    click(1, ContrastList::Color);
-    EXPECT_EQ(document().contrasts.ContrastColors[1], (RgbColor{9, 8, 7}));
-    EXPECT_EQ(document().contrasts.ContrastColors[0], RgbColor());
-}
-
 TEST_F(MainWindow, PanelsFitBothSizes) {
     prepare(3);
     for (const QSize size : {QSize(1280, 1024), QSize(1024, 768)}) {
@@ -125,10 +81,7 @@ TEST_F(MainWindow, PanelsFitBothSizes) {
     }
 }
 
-TEST_F(MainWindow, ShowsWhatTheLookAtTheSettingsFileFinds) {
-    window_->timerCheckState();
-    EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("VCO_FacesHouses-1.vco"));
-    EXPECT_EQ(window_->windowTitle(), "VCO - VCO_FacesHouses-1.vco");
+TEST_F(MainWindow, ButtonsFollowWhatTheLookAtTheSettingsFileFinds) {
     const std::pair<const char*, bool InputControls::*> buttons[] = {
         {"ToBeginBtn", &InputControls::previousExists},
         {"ToEndBtn", &InputControls::nextExists},
@@ -201,8 +154,6 @@ TEST_F(MainWindow, SavingBoxStaysWhateverIsPressed) {
 }
 
 TEST_F(MainWindow, PostProcessingRunsAfterOkAndCanBeCancelled) {
-    window_->slotPostProcessData();
-    EXPECT_EQ(window_->findChild<PostprocessingDlg*>(), nullptr) << "there is no run";
     prepare(0, Phase::Recording);
     FMRProject& project = document().project;
     project.projectPath = home_.path() + "/run.fmr";
