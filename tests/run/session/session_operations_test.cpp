@@ -203,8 +203,6 @@ TEST_F(SessionOperations, WithoutADocumentTheControlsDoNothing) {
         session.changeThreshold(1.0f);
         session.changeColorMaxThreshold(1.0f);
         session.changeClusterSize(9);
-        session.stepThreshold(true);
-        session.shiftStartOffset(true);
         session.contrastsChanged();
         session.changeColorCoding(true);
         session.showOnFirstVolume();
@@ -214,7 +212,6 @@ TEST_F(SessionOperations, WithoutADocumentTheControlsDoNothing) {
     session.setRunButton(RunButtonState::Ready);
     session.runButtonPressed();
     EXPECT_TRUE(looked);
-    EXPECT_EQ(session.requests.startOffsetSeconds, 0);
     EXPECT_FALSE(session.functionalDocument->SignificanceColorCoding);
 }
 
