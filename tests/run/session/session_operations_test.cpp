@@ -228,7 +228,8 @@ TEST_F(SessionOperations, ColorsFollowCodingAndContrastsAndEachChangeRepaints) {
     EXPECT_EQ(document.overlayColors.active, colors);
     session.changeThreshold(4.5f);
     session.changeColorMaxThreshold(11.0f);
-    EXPECT_EQ(progressLog(), "views views views views views");
+    EXPECT_TRUE(session.changeConjunction(true));
+    EXPECT_EQ(progressLog(), "views views views views views views");
 }
 
 TEST_F(SessionOperations, ALicenceThatDoesNotPermitKeepsTheRunFromStarting) {
