@@ -13,6 +13,7 @@
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QTextBrowser>
 
 namespace {
 
@@ -68,6 +69,8 @@ TEST_F(MainWindow, PanelsFitBothSizes) {
     for (const QSize size : {QSize(1280, 1024), QSize(1024, 768)}) {
         QCoreApplication::processEvents();
         EXPECT_EQ(window_->size(), size);
+        EXPECT_EQ(control<QTextBrowser>("LogInfos").document()->documentMargin(),
+                  size.width() == 1024 ? 0 : 6);
         for (const QWidget* widget : window_->findChildren<QWidget*>()) {
             if (!widget->isVisibleTo(window_.get()) || widget->isWindow())
                 continue;

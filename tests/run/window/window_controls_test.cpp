@@ -307,6 +307,12 @@ TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {
     EXPECT_EQ(window_->focusWidget(), &box) << "a number is being typed";
     QTest::keyClick(&box, Qt::Key_Return);
     EXPECT_EQ(window_->focusWidget(), &view);
+    QTest::mouseClick(box.findChild<QLineEdit*>(), Qt::LeftButton);
+    QTest::mouseClick(&control("ImageView"), Qt::LeftButton);
+    window_->updateViews();
+    EXPECT_EQ(window_->focusWidget(), &view);
+    QTest::keyClick(&control("WindowSizeBtn"), Qt::Key_Space);
+    EXPECT_EQ(window_->width(), 1024) << "keys reach the controls";
 }
 
 // Auto-start and auto-advance live on this.
