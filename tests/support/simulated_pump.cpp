@@ -4,6 +4,7 @@
 #include <utility>
 
 void SimulatedPump::processEvents() {
+    now_ += eventCost_;
     runDue();
 }
 

@@ -18,6 +18,8 @@ public:
 
     /// Runs `action` once, `milliseconds` from now.
     void after(qint64 milliseconds, std::function<void()> action);
+    /// Time that each call of processEvents() takes.
+    void setEventCost(int milliseconds) { eventCost_ = milliseconds; }
     /// Simulates a change in the watched folders: the current wait ends, or the next one at once.
     void changeFolders() { changed_ = true; }
     /// Of the last wait for a change.
@@ -32,5 +34,6 @@ private:
     QStringList watchedFolders_;
     qint64 now_ = 0;
     int nrOfWaits_ = 0;
+    int eventCost_ = 0;
     std::multimap<qint64, std::function<void()>> actions_;
 };
