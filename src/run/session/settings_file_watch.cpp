@@ -103,7 +103,7 @@ void SettingsFileWatch::workEnded() {
 }
 
 bool SettingsFileWatch::folderExists() const {
-    return !master_.settingsDirectory.isEmpty() && QFileInfo(master_.settingsDirectory).isDir();
+    return QFileInfo(master_.settingsDirectory).isDir();
 }
 
 QString SettingsFileWatch::currentFile() const {
@@ -128,7 +128,7 @@ void SettingsFileWatch::look(bool beforeAppExec) {
 }
 
 void SettingsFileWatch::lookAtFile() {
-    const bool isThere = !master_.settingsFileName.isEmpty() && isFile(currentFile());
+    const bool isThere = isFile(currentFile());
     if (isThere)
         controlsDisplay_.showTitle("VCO - " + master_.settingsFileName);
     if (!isThere) {
@@ -175,8 +175,8 @@ void SettingsFileWatch::startRun() {
     display_.showLogText(processingText(session_.requests.logFontSize, master_.settingsFileName));
     controlsDisplay_.paintNow();
     pump_.processEvents();
-    // A click among these events may have started the run, and ended it.
-    if (session_.phase.isIdle() && !session_.report.runFinished)
+    // A click among these events may have started the run, which has ended or failed since.
+    if (!session_.report.runFinished && !session_.report.startFailed)
         session_.runButtonPressed(); // returns after the run
 }
 

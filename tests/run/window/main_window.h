@@ -67,11 +67,14 @@ protected:
             }
         return {};
     }
-    /// The entries of a menu that can be chosen now; those with a mark that is set have a "*".
+    /// The entries of a menu that can be chosen now; those with a mark that is set have a "*", and
+    /// a separator is a "|".
     QStringList enabledEntries(const char* title) {
         QStringList texts;
         for (const QAction* action : entries(title))
-            if (action->isEnabled() && !action->isSeparator())
+            if (action->isSeparator())
+                texts << "|";
+            else if (action->isEnabled())
                 texts << action->text() + (action->isChecked() ? "*" : "");
         return texts;
     }

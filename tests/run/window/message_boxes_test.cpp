@@ -326,6 +326,14 @@ TEST_F(Boxes, WaitForNobodyAside) {
     EXPECT_EQ(box->icon(), QMessageBox::Warning);
     EXPECT_FALSE(box->isModal());
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    // One above a dialog stays when that closes, and goes with the window.
+    auto dialog = std::make_unique<QDialog>(window_.get());
+    dialog->show();
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    showWarningAside(text);
+    dialog.reset();
+    EXPECT_EQ(open<QMessageBox>().size(), 2u);
     window_->activateWindow();
     window_.reset();
     EXPECT_TRUE(open<QMessageBox>().empty());

@@ -197,6 +197,9 @@ TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
     EXPECT_EQ(image(ContrastList::Color).pixelColor(10, 8), QColor(9, 8, 7));
     QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(list.topLevelItem(1)->text(ContrastList::Name), "contrast 1");
+    for (const int column : {ContrastList::Positive, ContrastList::Negative, ContrastList::Color})
+        EXPECT_EQ(list.columnWidth(column), 32);
+    EXPECT_EQ(list.columnWidth(ContrastList::Name), list.viewport()->width() - 3 * 32);
 
     RunListeners& listeners = window_->session().listeners;
     auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
@@ -222,7 +225,9 @@ TEST_F(MainWindow, TextOfThePanelCanBeSelectedWhereItHoldsUpNoRun) {
     EXPECT_EQ(panel.textInteractionFlags(), Qt::NoTextInteraction);
     window_->close();
     EXPECT_TRUE(panel.toPlainText().contains("The run stops with the volume"));
+    requests().thresholds.Threshold = 5.0f;
     runOver();
+    EXPECT_EQ(control<QDoubleSpinBox>("ThresholdSpBx").value(), 5.0);
     EXPECT_TRUE(panel.textInteractionFlags() & Qt::TextSelectableByMouse);
 }
 
@@ -375,6 +380,10 @@ TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {
 TEST_F(MainWindow, LooksAtTheSettingsFileByItself) {
     EXPECT_EQ(window_->windowTitle(), "Velo-Cortivo");
     EXPECT_EQ(programAccess(), window_.get());
+    EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("Looking for the "));
+    EXPECT_EQ(window_->focusWidget(), &control("RecordBtn"));
+    EXPECT_FALSE(control<QToolButton>("RecordBtn").icon().isNull());
+    EXPECT_EQ(control<QDoubleSpinBox>("ThresholdSpBx").value(), 3.0);
     EXPECT_TRUE(QTest::qWaitFor(
         [this] { return window_->windowTitle() == "VCO - VCO_FacesHouses-1.vco"; }, 60000));
     window_.reset();
