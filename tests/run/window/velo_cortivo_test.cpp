@@ -103,14 +103,6 @@ TEST_F(MainWindow, ContrastColumnsToggleSignsOfAtMostFour) {
     EXPECT_TRUE(conjunction.isChecked() && document().contrasts.ConjunctionAnalysis);
 }
 
-TEST_F(MainWindow, AContrastTakesTheColorThatIsChosen) {
-    prepare(2);
-    messages_.expectColorChoice("Color of contrast 1", RgbColor{9, 8, 7});
-    click(1, ContrastList::Color);
-    EXPECT_EQ(document().contrasts.ContrastColors[1], (RgbColor{9, 8, 7}));
-    EXPECT_EQ(document().contrasts.ContrastColors[0], RgbColor());
-}
-
 TEST_F(MainWindow, PanelsFitBothSizes) {
     prepare(3);
     for (const QSize size : {QSize(1280, 1024), QSize(1024, 768)}) {

@@ -192,9 +192,13 @@ TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
     QTest::keyClick(&list, Qt::Key_Minus);
     EXPECT_EQ(image(ContrastList::Negative), resource("on"));
     EXPECT_EQ(image(ContrastList::Positive), resource("off"));
-    messages_.expectColorChoice("Color of contrast 1", RgbColor{9, 8, 7});
-    QTest::keyClick(&list, Qt::Key_C);
-    EXPECT_EQ(image(ContrastList::Color).pixelColor(10, 8), QColor(9, 8, 7));
+    for (const bool byKey : {false, true}) {
+        const RgbColor color{9, 8, byKey};
+        messages_.expectColorChoice("Color of contrast 1", color);
+        byKey ? QTest::keyClick(&list, Qt::Key_C) : click(1, ContrastList::Color);
+        EXPECT_EQ(document().contrasts.ContrastColors, (std::vector<RgbColor>{{}, color}));
+        EXPECT_EQ(image(ContrastList::Color).pixelColor(10, 8), QColor(9, 8, byKey));
+    }
     QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(list.topLevelItem(1)->text(ContrastList::Name), "contrast 1");
     for (const int column : {ContrastList::Positive, ContrastList::Negative, ContrastList::Color})
