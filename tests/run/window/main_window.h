@@ -81,7 +81,7 @@ protected:
     /// A click on the button of this name, or on the menu entry of this text.
     void choose(const QString& control) {
         if (auto* button = window_->findChild<QAbstractButton*>(control))
-            return button->click();
+            return QTest::mouseClick(button, Qt::LeftButton);
         for (const char* menu : {"&File", "&Analysis", "&View", "&Help"})
             for (QAction* action : entries(menu))
                 if (action->text() == control)

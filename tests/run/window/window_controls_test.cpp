@@ -4,6 +4,7 @@
 
 #include "display/qt_cortivo_view.h"
 #include "plugin/host/program_access.h"
+#include "stats/maps_in_use.h"
 
 #include <QCheckBox>
 #include <QDialog>
@@ -34,7 +35,10 @@ TEST_F(MainWindow, EachButtonAndEntryDoesWhatItSays) {
             return dialog->isVisible() && dialog->windowTitle() == title;
         });
     };
-    const auto viewShown = [this] { return control("FunctionalView").isVisible(); };
+    const auto viewShown = [this] {
+        return control("FunctionalView").isVisible() &&
+               window_->focusWidget() == &control("FunctionalView");
+    };
     const auto nothing = [] {};
     const auto hideView = [this] { control("FunctionalView").hide(); };
     const QString newFile = home_.path() + "/run-7.vco";
@@ -367,9 +371,22 @@ TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {
     requests().pendingOverlayInplane = 1;
     EXPECT_NE(size(), functional);
 
+    requests().pendingOverlayInplane = 0;
+    requests().thresholds.ClusterSizePixels = 1;
+    document().maps = mapsInUse(8, 8, 4, 1);
+    std::ranges::fill(document().maps.map(0), 5.0f);
+    const auto picture = [&](bool mapsPresent) {
+        window_->session().report.mapsPresent = mapsPresent;
+        window_->updateViews();
+        return view.mosaic().copy();
+    };
+    EXPECT_NE(picture(false), picture(true));
+
     control("ContrastList").setFocus();
     window_->updateViews();
     EXPECT_EQ(window_->focusWidget(), &view);
+    QTest::keyClick(&control("WindowSizeBtn"), Qt::Key_Space);
+    EXPECT_EQ(window_->width(), 1024) << "keys reach the controls";
     for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
         QTest::keyClick(&view, key);
         control("ContrastList").setFocus();
