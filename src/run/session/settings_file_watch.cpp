@@ -113,7 +113,7 @@ void SettingsFileWatch::workEnded() {
 }
 
 bool SettingsFileWatch::folderExists() const {
-    return !master_.settingsDirectory.isEmpty() && QFileInfo(master_.settingsDirectory).isDir();
+    return QFileInfo(master_.settingsDirectory).isDir();
 }
 
 QString SettingsFileWatch::currentFile() const {
@@ -138,7 +138,7 @@ void SettingsFileWatch::look(bool beforeAppExec) {
 }
 
 void SettingsFileWatch::lookAtFile() {
-    const bool isThere = !master_.settingsFileName.isEmpty() && isFile(currentFile());
+    const bool isThere = isFile(currentFile());
     if (isThere)
         controlsDisplay_.showTitle("VCO - " + master_.settingsFileName);
     if (!isThere) {
@@ -186,10 +186,15 @@ void SettingsFileWatch::startRun() {
     display_.showLogText(processingText(session_.requests.logFontSize, master_.settingsFileName));
     controlsDisplay_.paintNow();
     pump_.processEvents();
+<<<<<<< HEAD
     // Among these events a click may have started a run and ended it, turned to another file, or
     // closed the window.
     if (!ended_ && session_.phase.isIdle() && !session_.report.runFinished &&
         !session_.report.startFailed && master_.settingsFileName == file)
+=======
+    // A click among these events may have started the run, which has ended or failed since.
+    if (!session_.report.runFinished && !session_.report.startFailed)
+>>>>>>> h_tests
         session_.runButtonPressed(); // returns after the run
 }
 

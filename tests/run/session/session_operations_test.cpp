@@ -254,6 +254,11 @@ TEST_F(SessionOperations, EachControlChangesItsValueAndRepaints) {
          [&] {
              return document.overlayColors.active[0] == RgbColor{1, 2, 3};
          }},
+        {[&] {
+             toggleContrast(document.contrasts, 1, ContrastPositive);
+             EXPECT_TRUE(session.changeConjunction(true));
+         },
+         [&] { return document.contrasts.ConjunctionAnalysis; }},
     };
     EXPECT_NE(colors, significanceColors());
     for (const auto& control : controls) {

@@ -50,6 +50,10 @@ TEST_F(MainWindow, AVolumeLeavesANumberThatIsTypedItsFocus) {
     EXPECT_EQ(window_->focusWidget(), &box);
     QTest::keyClick(&box, Qt::Key_Return);
     EXPECT_EQ(window_->focusWidget(), &control("FunctionalView"));
+    QTest::mouseClick(box.findChild<QLineEdit*>(), Qt::LeftButton);
+    QTest::mouseClick(&control("ImageView"), Qt::LeftButton);
+    window_->updateViews();
+    EXPECT_EQ(window_->focusWidget(), &control("FunctionalView"));
 }
 
 TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
@@ -99,19 +103,13 @@ TEST_F(MainWindow, ContrastColumnsToggleSignsOfAtMostFour) {
     EXPECT_TRUE(conjunction.isChecked() && document().contrasts.ConjunctionAnalysis);
 }
 
-TEST_F(MainWindow, AContrastTakesTheColorThatIsChosen) {
-    prepare(2);
-    messages_.expectColorChoice("Color of contrast 1", RgbColor{9, 8, 7});
-    click(1, ContrastList::Color);
-    EXPECT_EQ(document().contrasts.ContrastColors[1], (RgbColor{9, 8, 7}));
-    EXPECT_EQ(document().contrasts.ContrastColors[0], RgbColor());
-}
-
 TEST_F(MainWindow, PanelsFitBothSizes) {
     prepare(3);
     for (const QSize size : {QSize(1280, 1024), QSize(1024, 768)}) {
         QCoreApplication::processEvents();
         EXPECT_EQ(window_->size(), size);
+        EXPECT_EQ(control<QTextBrowser>("LogInfos").document()->documentMargin(),
+                  size.width() == 1024 ? 0 : 6);
         for (const QWidget* widget : window_->findChildren<QWidget*>()) {
             if (!widget->isVisibleTo(window_.get()) || widget->isWindow())
                 continue;
@@ -155,12 +153,12 @@ TEST_F(MainWindow, MenusFollowThePhase) {
                            enabledEntries("&View").join(", ")};
     };
     const QString overlay = "Overlay On First Func Volume*, Overlay On Current Func Volume, ";
-    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Close, Exit", "",
-                                  overlay + "Switch Window Size"}));
+    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., |, Close, Exit", "|",
+                                  "|, " + overlay + "|, Switch Window Size"}));
     prepare(1, Phase::Recording);
-    EXPECT_EQ(all(), (QStringList{"Save View As BMP..., Close, Exit",
-                                  "Colors Code Significance, Colors Code Contrasts*",
-                                  "Multi-Slice View, " + overlay + "Switch Window Size"}));
+    EXPECT_EQ(all(), (QStringList{"Save View As BMP..., |, Close, Exit",
+                                  "Colors Code Significance, Colors Code Contrasts*, |",
+                                  "Multi-Slice View, |, " + overlay + "|, Switch Window Size"}));
     document().project.NrOfVolumes = 3;
     ASSERT_TRUE(document().project.allocateVolumes());
     window_->session().report.currentVolume = 2;
@@ -168,11 +166,11 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     requests().pendingOverlayInplane = 0;
     window_->slotShowOnCurrentEPIs();
     runOver();
-    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Save View As BMP..., Close, Exit",
-                                  "Colors Code Significance*, Colors Code Contrasts, "
+    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Save View As BMP..., |, Close, Exit",
+                                  "Colors Code Significance*, Colors Code Contrasts, |, "
                                   "Post-Processing...",
-                                  "Multi-Slice View, Overlay On First Func Volume, Overlay On "
-                                  "Current Func Volume*, Overlay On Inplanes, Switch Window "
+                                  "Multi-Slice View, |, Overlay On First Func Volume, Overlay On "
+                                  "Current Func Volume*, Overlay On Inplanes, |, Switch Window "
                                   "Size"}));
     window_->slotShowOnInplanes();
     EXPECT_TRUE(enabledEntries("&View").contains("Overlay On Inplanes*"));

@@ -4,6 +4,7 @@
 
 #include "display/qt_cortivo_view.h"
 #include "plugin/host/program_access.h"
+#include "stats/maps_in_use.h"
 
 #include <QCheckBox>
 #include <QDialog>
@@ -34,7 +35,10 @@ TEST_F(MainWindow, EachButtonAndEntryDoesWhatItSays) {
             return dialog->isVisible() && dialog->windowTitle() == title;
         });
     };
-    const auto viewShown = [this] { return control("FunctionalView").isVisible(); };
+    const auto viewShown = [this] {
+        return control("FunctionalView").isVisible() &&
+               window_->focusWidget() == &control("FunctionalView");
+    };
     const auto nothing = [] {};
     const auto hideView = [this] { control("FunctionalView").hide(); };
     const QString newFile = home_.path() + "/run-7.vco";
@@ -192,11 +196,18 @@ TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
     QTest::keyClick(&list, Qt::Key_Minus);
     EXPECT_EQ(image(ContrastList::Negative), resource("on"));
     EXPECT_EQ(image(ContrastList::Positive), resource("off"));
-    messages_.expectColorChoice("Color of contrast 1", RgbColor{9, 8, 7});
-    QTest::keyClick(&list, Qt::Key_C);
-    EXPECT_EQ(image(ContrastList::Color).pixelColor(10, 8), QColor(9, 8, 7));
+    for (const bool byKey : {false, true}) {
+        const RgbColor color{9, 8, byKey};
+        messages_.expectColorChoice("Color of contrast 1", color);
+        byKey ? QTest::keyClick(&list, Qt::Key_C) : click(1, ContrastList::Color);
+        EXPECT_EQ(document().contrasts.ContrastColors, (std::vector<RgbColor>{{}, color}));
+        EXPECT_EQ(image(ContrastList::Color).pixelColor(10, 8), QColor(9, 8, byKey));
+    }
     QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(list.topLevelItem(1)->text(ContrastList::Name), "contrast 1");
+    for (const int column : {ContrastList::Positive, ContrastList::Negative, ContrastList::Color})
+        EXPECT_EQ(list.columnWidth(column), 32);
+    EXPECT_EQ(list.columnWidth(ContrastList::Name), list.viewport()->width() - 3 * 32);
 
     RunListeners& listeners = window_->session().listeners;
     auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
@@ -281,9 +292,22 @@ TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {
     requests().pendingOverlayInplane = 1;
     EXPECT_NE(size(), functional);
 
+    requests().pendingOverlayInplane = 0;
+    requests().thresholds.ClusterSizePixels = 1;
+    document().maps = mapsInUse(8, 8, 4, 1);
+    std::ranges::fill(document().maps.map(0), 5.0f);
+    const auto picture = [&](bool mapsPresent) {
+        window_->session().report.mapsPresent = mapsPresent;
+        window_->updateViews();
+        return view.mosaic().copy();
+    };
+    EXPECT_NE(picture(false), picture(true));
+
     control("ContrastList").setFocus();
     window_->updateViews();
     EXPECT_EQ(window_->focusWidget(), &view);
+    QTest::keyClick(&control("WindowSizeBtn"), Qt::Key_Space);
+    EXPECT_EQ(window_->width(), 1024) << "keys reach the controls";
     for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
         QTest::keyClick(&view, key);
         control("ContrastList").setFocus();
@@ -298,6 +322,10 @@ TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {
 TEST_F(MainWindow, LooksAtTheSettingsFileByItself) {
     EXPECT_EQ(window_->windowTitle(), "Velo-Cortivo");
     EXPECT_EQ(programAccess(), window_.get());
+    EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("Looking for the "));
+    EXPECT_EQ(window_->focusWidget(), &control("RecordBtn"));
+    EXPECT_FALSE(control<QToolButton>("RecordBtn").icon().isNull());
+    EXPECT_EQ(control<QDoubleSpinBox>("ThresholdSpBx").value(), 3.0);
     EXPECT_TRUE(QTest::qWaitFor(
         [this] { return window_->windowTitle() == "VCO - VCO_FacesHouses-1.vco"; }, 60000));
     window_.reset();
