@@ -186,15 +186,10 @@ void SettingsFileWatch::startRun() {
     display_.showLogText(processingText(session_.requests.logFontSize, master_.settingsFileName));
     controlsDisplay_.paintNow();
     pump_.processEvents();
-<<<<<<< HEAD
     // Among these events a click may have started a run and ended it, turned to another file, or
     // closed the window.
     if (!ended_ && session_.phase.isIdle() && !session_.report.runFinished &&
         !session_.report.startFailed && master_.settingsFileName == file)
-=======
-    // A click among these events may have started the run, which has ended or failed since.
-    if (!session_.report.runFinished && !session_.report.startFailed)
->>>>>>> h_tests
         session_.runButtonPressed(); // returns after the run
 }
 

@@ -270,33 +270,6 @@ TEST_F(Boxes, ChoosersCloseWithTheirSubjectAndCallNobody) {
     EXPECT_FALSE(colors->isModal());
     key(Qt::Key_Return)(*colors);
     EXPECT_EQ(chosen, (RgbColor{1, 2, 255}));
-<<<<<<< HEAD
-=======
-    chooseColor("Color of a", {}, unwanted, subject);
-    window_.reset();
-    EXPECT_TRUE(open<QColorDialog>().empty());
-}
-
-TEST_F(Boxes, WaitForNobodyAside) {
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    showWarningAside(text);
-    auto* box = open<QMessageBox>().at(0);
-    EXPECT_EQ(box->text(), text);
-    EXPECT_EQ(box->icon(), QMessageBox::Warning);
-    EXPECT_FALSE(box->isModal());
-    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-    // One above a dialog stays when that closes, and goes with the window.
-    auto dialog = std::make_unique<QDialog>(window_.get());
-    dialog->show();
-    dialog->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
-    showWarningAside(text);
-    dialog.reset();
-    EXPECT_EQ(open<QMessageBox>().size(), 2u);
-    window_->activateWindow();
-    window_.reset();
-    EXPECT_TRUE(open<QMessageBox>().empty());
->>>>>>> h_tests
 }
 
 } // namespace
