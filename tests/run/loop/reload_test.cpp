@@ -21,7 +21,6 @@ TEST_F(ReloadTest, SavedRunComesBackWithItsVolumesAndMaps) {
     for (size_t i = 0; i < document.project.volumes[0].size(); ++i)
         ASSERT_EQ(document.project.volumes[17][i], scriptedSample(i, 17));
     EXPECT_EQ(document.protocol.conditions[1].name, "Faces");
-    EXPECT_EQ(document.VolumeConditionIndex.size(), 40u);
     EXPECT_EQ(document.VolumeConditionIndex[4], 1);
     EXPECT_TRUE(session.report.mapsPresent);
     EXPECT_EQ(session.volumesForPostprocessing(), 40);
@@ -34,9 +33,4 @@ TEST_F(ReloadTest, SavedRunComesBackWithItsVolumesAndMaps) {
         for (size_t i = 0; i < saved.maps[map].values.size(); ++i)
             ASSERT_EQ(saved.maps[map].values[i], document.maps.map(int(map))[i]);
     }
-
-    session.setRunButton(RunButtonState::Ready);
-    messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
-    session.runButtonPressed();
-    EXPECT_EQ(session.report.currentVolume, 39);
 }

@@ -4,7 +4,6 @@
 
 #include "display/qt_cortivo_view.h"
 #include "plugin/host/program_access.h"
-#include "stats/maps_in_use.h"
 
 #include <QCheckBox>
 #include <QDialog>
@@ -35,10 +34,7 @@ TEST_F(MainWindow, EachButtonAndEntryDoesWhatItSays) {
             return dialog->isVisible() && dialog->windowTitle() == title;
         });
     };
-    const auto viewShown = [this] {
-        return control("FunctionalView").isVisible() &&
-               window_->focusWidget() == &control("FunctionalView");
-    };
+    const auto viewShown = [this] { return control("FunctionalView").isVisible(); };
     const auto nothing = [] {};
     const auto hideView = [this] { control("FunctionalView").hide(); };
     const QString newFile = home_.path() + "/run-7.vco";
@@ -140,12 +136,10 @@ TEST_F(MainWindow, NumbersGoToTheSessionWhenTheyAreFinished) {
     requests().thresholds = {1.5f, 6.5f, 3};
     window_->session().settings.MultiSliceROISelection = 2;
     prepare(1);
-    const std::pair<const char*, const char*> shown[] = {{"ThresholdSpBx", "1.50"},
-                                                         {"ColorMaxThresholdSpBx", "6.50"},
-                                                         {"ClusterSizeSpBx", "3"},
-                                                         {"MultiSliceROISelectionSpBx", "2"}};
-    for (const auto& [name, text] : shown)
-        EXPECT_EQ(control<QAbstractSpinBox>(name).text(), text) << name;
+    QStringList shown;
+    for (const auto& box : boxes)
+        shown << control<QAbstractSpinBox>(box.name).text();
+    EXPECT_EQ(shown.join(' '), "1.50 6.50 3 2");
     EXPECT_EQ(requests().thresholds, (OverlayThresholds{1.5f, 6.5f, 3}));
 }
 
@@ -162,7 +156,6 @@ TEST_F(MainWindow, RunButtonShowsItsStateAndViewButtonsTheirViews) {
         ASSERT_FALSE(icon.isNull());
         EXPECT_EQ(button.icon().pixmap(85, 40).toImage(), icon.pixmap(85, 40).toImage()) << name;
     }
-    EXPECT_EQ(button.iconSize(), QSize(85, 40));
 
     const auto buttons = [this] {
         QString shown;
@@ -179,8 +172,6 @@ TEST_F(MainWindow, RunButtonShowsItsStateAndViewButtonsTheirViews) {
     control("FunctionalView").hide();
     window_->refreshViewButtons();
     EXPECT_EQ(buttons(), "e----");
-    window_->session().listeners.documentsLeaving();
-    EXPECT_EQ(buttons(), "-----");
 }
 
 TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
@@ -205,9 +196,6 @@ TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
     }
     QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(list.topLevelItem(1)->text(ContrastList::Name), "contrast 1");
-    for (const int column : {ContrastList::Positive, ContrastList::Negative, ContrastList::Color})
-        EXPECT_EQ(list.columnWidth(column), 32);
-    EXPECT_EQ(list.columnWidth(ContrastList::Name), list.viewport()->width() - 3 * 32);
 
     RunListeners& listeners = window_->session().listeners;
     auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
@@ -223,20 +211,15 @@ TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
 
 TEST_F(MainWindow, IsDraggedByItsFrameAndComesBackToItsPlace) {
     window_->move(0, 0);
-    const auto drag = [this](Qt::MouseButton button, bool released) {
-        const auto send = [&](QEvent::Type type, QPoint at, Qt::MouseButton cause) {
-            QMouseEvent event(type, at, window_->mapToGlobal(at), cause, button, {});
-            QCoreApplication::sendEvent(window_.get(), &event);
-        };
-        send(QEvent::MouseButtonPress, {5, 5}, button);
-        if (released)
-            send(QEvent::MouseButtonRelease, {5, 5}, button);
-        send(QEvent::MouseMove, {35, 25}, Qt::NoButton);
+    const auto send = [this](QEvent::Type type, QPoint at, Qt::MouseButton cause) {
+        QMouseEvent event(type, at, window_->mapToGlobal(at), cause, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(window_.get(), &event);
     };
-    drag(Qt::RightButton, false);
-    drag(Qt::LeftButton, true);
-    EXPECT_EQ(window_->pos(), QPoint(0, 0));
-    drag(Qt::LeftButton, false);
+    send(QEvent::MouseButtonPress, {5, 5}, Qt::LeftButton);
+    send(QEvent::MouseMove, {35, 25}, Qt::NoButton);
+    EXPECT_EQ(window_->pos(), QPoint(30, 20));
+    send(QEvent::MouseButtonRelease, {5, 5}, Qt::LeftButton);
+    send(QEvent::MouseMove, {65, 45}, Qt::NoButton);
     EXPECT_EQ(window_->pos(), QPoint(30, 20));
     ASSERT_TRUE(window_->writeMasterFile());
     ASSERT_TRUE(window_->readMasterFile());
@@ -254,15 +237,20 @@ TEST_F(MainWindow, IsDraggedByItsFrameAndComesBackToItsPlace) {
     EXPECT_TRUE(master.readAll().contains("WindowSize:                1"));
 }
 
-TEST_F(MainWindow, KeysDoNothingBehindABoxThatAsks) {
+TEST_F(MainWindow, KeysNeedADocumentAndCountOnce) {
+    const auto values = [this] {
+        return std::pair(requests().startOffsetSeconds, requests().thresholds.Threshold);
+    };
+    const auto pressBoth = [](QWidget* widget) {
+        QTest::keyClick(widget, Qt::Key_Up, Qt::ShiftModifier);
+        QTest::keyClick(widget, Qt::Key_Up, Qt::ControlModifier);
+    };
+    pressBoth(window_.get());
     prepare(0);
     QDialog box(window_.get());
     box.setModal(true);
     box.show();
-    QTest::keyClick(&box, Qt::Key_Up, Qt::ShiftModifier);
-    QTest::keyClick(&box, Qt::Key_Up, Qt::ControlModifier);
-    EXPECT_EQ(requests().startOffsetSeconds, 0);
-    EXPECT_EQ(requests().thresholds.Threshold, 3.0f);
+    pressBoth(&box);
     QTest::keyPress(&box, Qt::Key_Escape);
     EXPECT_TRUE(requests().interruptFlag);
     EXPECT_FALSE(box.isVisible());
@@ -270,8 +258,20 @@ TEST_F(MainWindow, KeysDoNothingBehindABoxThatAsks) {
     QTest::keyClick(window_.get(), Qt::Key_Up);
     QTest::keyClick(window_.get(), Qt::Key_Up, Qt::AltModifier);
     QTest::keyClick(window_.get(), Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_EQ(values(), std::pair(0, 3.0f));
+    pressBoth(&control("ContrastList"));
+    EXPECT_EQ(values(), std::pair(1, 3.2f));
+    QTest::keyClick(window_->windowHandle(), Qt::Key_Down, Qt::ShiftModifier);
     EXPECT_EQ(requests().startOffsetSeconds, 0);
-    EXPECT_EQ(requests().thresholds.Threshold, 3.0f);
+    EXPECT_DOUBLE_EQ(control<QDoubleSpinBox>("ThresholdSpBx").value(), 3.2);
+
+    // Escape sets the flag until a key is released; a held key repeats itself.
+    QTest::keyPress(window_.get(), Qt::Key_Escape);
+    QKeyEvent repeated(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier, {}, true);
+    QCoreApplication::sendEvent(window_.get(), &repeated);
+    EXPECT_TRUE(requests().interruptFlag);
+    QTest::keyRelease(&control("ContrastList"), Qt::Key_A);
+    EXPECT_FALSE(requests().interruptFlag);
 }
 
 TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {
@@ -292,40 +292,27 @@ TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {
     requests().pendingOverlayInplane = 1;
     EXPECT_NE(size(), functional);
 
-    requests().pendingOverlayInplane = 0;
-    requests().thresholds.ClusterSizePixels = 1;
-    document().maps = mapsInUse(8, 8, 4, 1);
-    std::ranges::fill(document().maps.map(0), 5.0f);
-    const auto picture = [&](bool mapsPresent) {
-        window_->session().report.mapsPresent = mapsPresent;
-        window_->updateViews();
-        return view.mosaic().copy();
-    };
-    EXPECT_NE(picture(false), picture(true));
-
     control("ContrastList").setFocus();
     window_->updateViews();
     EXPECT_EQ(window_->focusWidget(), &view);
-    QTest::keyClick(&control("WindowSizeBtn"), Qt::Key_Space);
-    EXPECT_EQ(window_->width(), 1024) << "keys reach the controls";
-    for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
-        QTest::keyClick(&view, key);
-        control("ContrastList").setFocus();
-        window_->updateViews();
-        EXPECT_EQ(window_->focusWidget(), &control("ContrastList")) << "the operator went there";
-        window_->focusSlices();
-        EXPECT_EQ(window_->focusWidget(), &view);
-    }
+    QTest::keyClick(&view, Qt::Key_Tab);
+    control("ContrastList").setFocus();
+    window_->updateViews();
+    EXPECT_EQ(window_->focusWidget(), &control("ContrastList")) << "the operator went there";
+    window_->focusSlices();
+    EXPECT_EQ(window_->focusWidget(), &view);
+    auto& box = control<QDoubleSpinBox>("ThresholdSpBx");
+    QTest::mouseClick(box.findChild<QLineEdit*>(), Qt::LeftButton);
+    window_->updateViews();
+    EXPECT_EQ(window_->focusWidget(), &box) << "a number is being typed";
+    QTest::keyClick(&box, Qt::Key_Return);
+    EXPECT_EQ(window_->focusWidget(), &view);
 }
 
 // Auto-start and auto-advance live on this.
 TEST_F(MainWindow, LooksAtTheSettingsFileByItself) {
     EXPECT_EQ(window_->windowTitle(), "Velo-Cortivo");
     EXPECT_EQ(programAccess(), window_.get());
-    EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("Looking for the "));
-    EXPECT_EQ(window_->focusWidget(), &control("RecordBtn"));
-    EXPECT_FALSE(control<QToolButton>("RecordBtn").icon().isNull());
-    EXPECT_EQ(control<QDoubleSpinBox>("ThresholdSpBx").value(), 3.0);
     EXPECT_TRUE(QTest::qWaitFor(
         [this] { return window_->windowTitle() == "VCO - VCO_FacesHouses-1.vco"; }, 60000));
     window_.reset();
