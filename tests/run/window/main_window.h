@@ -67,21 +67,18 @@ protected:
             }
         return {};
     }
-    /// The entries of a menu that can be chosen now; those with a mark that is set have a "*", and
-    /// a separator is a "|".
+    /// The entries of a menu that can be chosen now; those with a mark that is set have a "*".
     QStringList enabledEntries(const char* title) {
         QStringList texts;
         for (const QAction* action : entries(title))
-            if (action->isSeparator())
-                texts << "|";
-            else if (action->isEnabled())
+            if (action->isEnabled() && !action->isSeparator())
                 texts << action->text() + (action->isChecked() ? "*" : "");
         return texts;
     }
     /// A click on the button of this name, or on the menu entry of this text.
     void choose(const QString& control) {
         if (auto* button = window_->findChild<QAbstractButton*>(control))
-            return QTest::mouseClick(button, Qt::LeftButton);
+            return button->click();
         for (const char* menu : {"&File", "&Analysis", "&View", "&Help"})
             for (QAction* action : entries(menu))
                 if (action->text() == control)
