@@ -113,7 +113,7 @@ void SettingsFileWatch::workEnded() {
 }
 
 bool SettingsFileWatch::folderExists() const {
-    return !master_.settingsDirectory.isEmpty() && QFileInfo(master_.settingsDirectory).isDir();
+    return QFileInfo(master_.settingsDirectory).isDir();
 }
 
 QString SettingsFileWatch::currentFile() const {
@@ -138,7 +138,7 @@ void SettingsFileWatch::look(bool beforeAppExec) {
 }
 
 void SettingsFileWatch::lookAtFile() {
-    const bool isThere = !master_.settingsFileName.isEmpty() && isFile(currentFile());
+    const bool isThere = isFile(currentFile());
     if (isThere)
         controlsDisplay_.showTitle("VCO - " + master_.settingsFileName);
     if (!isThere) {

@@ -12,7 +12,6 @@ VeloCortivoApplication::VeloCortivoApplication(int& argc, char** argv) : QApplic
     std::setlocale(LC_NUMERIC, "C");
     QLocale::setDefault(QLocale::c());
     setApplicationName("Velo-Cortivo");
-    setOrganizationName(QString());
     setApplicationVersion(VELO_VERSION);
     setDesktopFileName("velo-cortivo");
     // Boxes may open and close before the main window is shown, and while it ends a run.

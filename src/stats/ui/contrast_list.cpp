@@ -21,7 +21,6 @@ QIcon stateIcon(bool on) {
 
 ContrastList::ContrastList(QWidget* parent) : QTreeWidget(parent) {
     setObjectName("ContrastList");
-    setColumnCount(4);
     setHeaderLabels({"Contrast", "+", QString(QChar(0x2212)), QString()});
     setRootIsDecorated(false);
     setUniformRowHeights(true);

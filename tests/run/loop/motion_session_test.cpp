@@ -99,6 +99,16 @@ TEST_F(MotionSessionTest, FilesOfParametersThatAreNoGoodSwitchTheCorrectionOff) 
     EXPECT_TRUE(session.reloadData());
 }
 
+TEST_F(MotionSessionTest, AFileOfParametersThatCannotBeWrittenLeadsToTheQuestion) {
+    writeHeadSession(8, {{"MotionCorrection:", "1"}});
+    QDir().mkpath(path("results/test_3DMC.rtc"));
+    messages.expect(MessageLevel::Warning,
+                    "ERROR: Can not open .rtc file for saving motion correction parameters !");
+    messages.expectQuestion("WARNING: The recorded data could not be saved completely*", false);
+    session.runButtonPressed();
+    EXPECT_FALSE(session.report.savedCompletely);
+}
+
 TEST_F(MotionSessionTest, DataThatAllowNoCorrectionAreToldOfAfterTheRun) {
     writeHeadSession(18, {{"MotionCorrection:", "1"}, {"NrOfSlices:", "2"}});
     messages.expect(MessageLevel::Information,

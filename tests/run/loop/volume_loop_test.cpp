@@ -159,20 +159,22 @@ TEST_F(VolumeLoopTest, TheProjectFileStatesWhatTheSettingsSay) {
 
 TEST_F(VolumeLoopTest, ForcedDelayHoldsEachVolumeToTheScannersCount) {
     writeSession(6, 2, {{"ForceTRDelay:", "1"}});
+    script.millisecondsPerVolume = 100;
     std::vector<qint64> times;
     ProbeListener probe(session.listeners, ListenerPlace::Plots);
-    probe.onStep = [&](VolumeStep step, const VolumeAtHand&) {
+    probe.onStep = [&](VolumeStep step, const VolumeAtHand& hand) {
         if (step == VolumeStep::LoadRegions)
             times.push_back(pump.milliseconds());
+        session.requests.startOffsetSeconds = hand.volume < 1 ? 0 : 1; // the next comes earlier
         return true;
     };
     session.runButtonPressed();
     ASSERT_EQ(times.size(), 4u);
-    const qint64 expected[] = {0, 6000 - 9, 8000 - 9, 10000 - 9};
+    const qint64 expected[] = {100, 6000 - 9, 7000 - 9, 9000 - 9};
     for (size_t i = 1; i < times.size(); ++i)
-        EXPECT_EQ(times[i] - times[0], expected[i]);
+        EXPECT_EQ(times[i] - times[0], expected[i] - expected[0]);
     // The shown value leaves the two skipped volumes out.
-    EXPECT_TRUE(display.logTexts[2].contains("VolWaitTime: <b>2000</b>"));
+    EXPECT_TRUE(display.logTexts[2].contains("VolWaitTime: <b>1800</b>"));
 }
 
 TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {

@@ -98,6 +98,7 @@ TEST_F(SettingsFileWatchTest, AutoAdvanceTakesNewFilesOneByOneAndRunsThem) {
     beginWith({"r-1.vco", "r-2.vco"});
     watch_->setAutoAdvance(true);
     watch_->look();
+    EXPECT_TRUE(controls_.controls.autoAdvanceRun && !controls_.controls.autoStartRun);
     watch_->look();
     EXPECT_EQ(current(), "r-1.vco") << "files that were there at the start are not run";
     add("r-4.vco", "r-1.vco");
@@ -180,13 +181,15 @@ TEST_F(SettingsFileWatchTest, AfterAFailedStartOnlyRunButtonAndANewFileHelp) {
         session.runButtonPressed();
         script.firstVolumeComes = true;
     };
-    fail();
+    watch_->setAutoStart(true);
+    pump.after(0, fail); // a click before the look has started the run
+    watch_->look();
+    EXPECT_EQ(nrOfRuns(), 1);
     const auto isDead = [&] {
         const InputControls& shown = controls_.controls;
         return !watch_->isRunning() && !shown.nextExists && !shown.previousExists &&
                !shown.reloadPossible && !shown.preLoadPossible && panel().contains("Processing...");
     };
-    watch_->setAutoStart(true);
     watch_->look();
     EXPECT_TRUE(isDead());
     messages.expectFileChoice("Open File", {}); // cancelled
