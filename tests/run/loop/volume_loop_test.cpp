@@ -322,3 +322,16 @@ TEST_F(VolumeLoopTest, GoesOnWithoutAModelWhenMemoryDoesNotHoldTheMask) {
     EXPECT_EQ(savedVolumes(), 20);
     EXPECT_FALSE(session.functionalDocument->finishedModel.isValid());
 }
+
+TEST_F(VolumeLoopTest, TenRunsInARowStartCleanlyInOneProcess) {
+    for (int run = 0; run < 10; ++run) {
+        writeSession(20 + run, 2);
+        script.lastVolume = run % 3 == 1 ? 10 : 1000;
+        if (run % 3 == 1)
+            messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
+        session.runButtonPressed();
+        EXPECT_EQ(savedVolumes(), run % 3 == 1 ? 11 : 18 + run);
+        EXPECT_EQ(display.calls.last(), "ended");
+        EXPECT_EQ(session.report.interruptedAtVolume, -1);
+    }
+}
