@@ -4,7 +4,7 @@
 
 enum class Phase {
     Idle,
-    Preparing,      ///< from the press of the run button to the first pass of the loop
+    Preparing,      ///< from the press of the run button to the start of the loop
     Recording,      ///< the volume loop, from its start to its end
     Saving,         ///< from the end of the loop until the run is on disk
     Reloading,      ///< a finished run is loaded from disk

@@ -8,8 +8,8 @@
 class QtCortivoDoc;
 class RunListeners;
 
-/// Who comes first where several listen to the same thing. This is the one list of them: nothing
-/// else in run control knows who they are.
+/// Who comes first where several listen to the same thing. This is the one list of them;
+/// the loop and the window name none.
 enum class ListenerPlace {
     Views,
     Regions,

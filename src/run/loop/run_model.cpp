@@ -89,7 +89,7 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
     const bool takesFile =
         !contrastFile.isEmpty() &&
         (!isRealTime || brought.source == ProtocolContrasts::Source::ContrastFile);
-    // Predictors are named after the model has been told whether it has a baseline.
+    // Whether the model has a baseline must be known before its predictors get names.
     const int baselinePosition = contrasts.BaselinePosInProtocol;
     if (takesFile && contrastFileHasNoBaseline(contrastFile))
         contrasts.BaselinePosInProtocol = 0;

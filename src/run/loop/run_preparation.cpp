@@ -107,7 +107,7 @@ bool allocateRun(QtCortivoDoc& document) {
     const size_t samples = document.project.volumeSamples();
     if (!document.project.firstVolume.allocate(samples))
         return failFatally(outOfMemory);
-    // The other status is what programs that start this one look at.
+    // A program that starts this one tells this failure by its status.
     return document.workingVolume.allocate(samples) || failFatally(outOfMemory, 0);
 }
 

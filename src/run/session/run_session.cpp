@@ -6,6 +6,7 @@
 #include "base/text_reading.h"
 #include "run/loop/finished_run.h"
 #include "run/loop/run_preparation.h"
+#include "run/loop/run_protocol.h"
 #include "run/loop/status_text.h"
 #include "run/loop/volume_loop.h"
 #include "run/settings/settings_file.h"
@@ -92,8 +93,10 @@ bool RunSession::startRun() {
 bool RunSession::recordRun() {
     const RunParts run = parts();
     const std::unique_ptr<VolumeReader> reader = prepareRun(run, makeReader, stopTimer);
-    if (!reader)
+    if (!reader) {
+        closeProtocol(*functionalDocument);
         return false;
+    }
     QString colors;
     if (!settings.ROIColorsFile.isEmpty() && readTextFile(settings.ROIColorsFile, colors))
         parseRegionColors(colors, regionColors);

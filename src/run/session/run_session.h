@@ -39,8 +39,8 @@ public:
     /// Carries the options out on the run in memory, writes the result under its own names and, if
     /// asked, fits the model to the changed data. Stays until that is done; whoever shows the
     /// progress processes events in it. False when nothing was done or not all of it: without a
-    /// run, unless the session is idle, cancelled, or after a message. When it is cancelled, the
-    /// samples are as they were, or, once they are saved, the statistics.
+    /// run, unless the session is idle, cancelled, or after a message. When it is cancelled
+    /// before the result is on disk, the samples are restored; after that, the statistics are.
     bool postprocess(const PostprocessingOptions& options, bool recomputeStatistics,
                      ProgressReporter& progress);
     /// Volumes of the run in memory that post-processing would work on; 0 without a run, and unless
