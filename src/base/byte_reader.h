@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QString>
 #include <bit>
 #include <cstdint>
 #include <span>
@@ -48,8 +49,18 @@ public:
     int16_t i16() { return int16_t(u16()); }
     uint32_t u32() { return uint32_t(number(4)); }
     int32_t i32() { return int32_t(u32()); }
+    uint64_t u64() { return number(8); }
+    int64_t i64() { return int64_t(u64()); }
     float f32() { return std::bit_cast<float>(u32()); }
-    double f64() { return std::bit_cast<double>(number(8)); }
+    double f64() { return std::bit_cast<double>(u64()); }
+
+    /// Bytes after their number, a u32. Empty, and failed(), when there are fewer.
+    QByteArray sizedBytes() {
+        const std::span<const uint8_t> bytes = take(u32());
+        return {reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())};
+    }
+    /// UTF-8 as sizedBytes().
+    QString text() { return QString::fromUtf8(sizedBytes()); }
 
 private:
     uint64_t number(size_t size) {

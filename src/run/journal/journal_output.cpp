@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/journal/journal_output.h"
+
+#include "base/plain_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+#ifdef Q_OS_UNIX
+
+bool writeAll(QFile& file, std::span<const uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file.handle(), bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        bytes = bytes.subspan(size_t(written));
+    }
+    return true;
+}
+
+/// Where a file system can't force out, the journal is still worth having: it survives all but a
+/// power cut.
+bool canNotForceOut(int error) {
+    return error == EINVAL || error == ENOSYS || error == ENOTSUP;
+}
+
+bool forceOutData(QFile& file) {
+    int result = 0;
+    do {
+#ifdef Q_OS_LINUX
+        result = ::fdatasync(file.handle());
+#else
+        result = ::fsync(file.handle());
+#endif
+    } while (result != 0 && errno == EINTR);
+    return result == 0 || canNotForceOut(errno);
+}
+
+/// Without its entry a file that is on the disk isn't found after a power cut. Some folders can't
+/// be opened or forced out; that is no reason to give up the journal.
+void forceOutFolder(const QString& folder) {
+    const int descriptor =
+        ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    ::fsync(descriptor);
+    ::close(descriptor);
+}
+
+#else
+
+bool writeAll(QFile& file, std::span<const uint8_t> bytes) {
+    return file.write(reinterpret_cast<const char*>(bytes.data()), qint64(bytes.size())) ==
+           qint64(bytes.size());
+}
+
+bool forceOutData(QFile& file) {
+    return file.flush();
+}
+
+void forceOutFolder(const QString&) {}
+
+#endif
+
+class JournalFile : public JournalOutput {
+public:
+    explicit JournalFile(const QString& path) : file_(path) {}
+
+    [[nodiscard]] bool create() {
+        folderToForceOut_ = QFileInfo(file_.fileName()).absolutePath();
+        return file_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
+    }
+    [[nodiscard]] bool openAndCut(qint64 keepBytes) {
+        const std::optional<FileStamp> stamp = fileStamp(file_.fileName());
+        return stamp && keepBytes >= 0 && keepBytes <= stamp->size &&
+               file_.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered) &&
+               file_.resize(keepBytes) && file_.seek(keepBytes);
+    }
+    bool write(std::span<const uint8_t> bytes) override { return writeAll(file_, bytes); }
+    bool forceOut() override {
+        if (!forceOutData(file_))
+            return false;
+        if (!folderToForceOut_.isEmpty())
+            forceOutFolder(folderToForceOut_);
+        folderToForceOut_.clear();
+        return true;
+    }
+
+private:
+    QFile file_;
+    QString folderToForceOut_; ///< empty when that is done
+};
+
+} // namespace
+
+std::unique_ptr<JournalOutput> createJournalFile(const QString& path) {
+    auto file = std::make_unique<JournalFile>(path);
+    return file->create() ? std::move(file) : nullptr;
+}
+
+std::unique_ptr<JournalOutput> continueJournalFile(const QString& path, qint64 keepBytes) {
+    auto file = std::make_unique<JournalFile>(path);
+    return file->openAndCut(keepBytes) ? std::move(file) : nullptr;
+}
