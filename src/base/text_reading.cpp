@@ -109,9 +109,14 @@ bool removeComments(const QString& path, QChar commentCharacter, QString& result
     QString text;
     if (!readTextFile(path, text))
         return false;
-    result.clear();
+    result = withoutComments(text, commentCharacter);
+    return true;
+}
+
+QString withoutComments(const QString& text, QChar commentCharacter) {
+    QString result;
     result.reserve(text.size() + 1);
-    TokenStream stream(std::move(text));
+    TokenStream stream(text);
     while (!stream.atEnd()) {
         const QString word = stream.word();
         if (word.startsWith(commentCharacter))
@@ -119,7 +124,7 @@ bool removeComments(const QString& path, QChar commentCharacter, QString& result
         else
             result.append(word).append(' ');
     }
-    return true;
+    return result;
 }
 
 bool readDelimitedString(QChar delimiter, QString& result, TokenStream& stream, int maximum) {

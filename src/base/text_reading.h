@@ -46,6 +46,9 @@ private:
 /// read (readTextFile). The text is taken as UTF-8.
 [[nodiscard]] bool removeComments(const QString& path, QChar commentCharacter, QString& result);
 
+/// The same from a text.
+[[nodiscard]] QString withoutComments(const QString& text, QChar commentCharacter);
+
 /// Reads a string between two delimiters, across line ends. Fails when the stream ends before the
 /// opening delimiter. At `maximum` characters it stops and the rest stays in the stream, so that
 /// the next key check fails on it. A missing closing delimiter ends the string with the stream.

@@ -22,6 +22,8 @@ public:
     /// Takes geometry and timing from the headers of the first files into the project. False after
     /// a message when the file contradicts the settings.
     [[nodiscard]] virtual bool readHeaders() { return true; }
+    /// A recorded run has given its last volume: what readVolume() waited for will never come.
+    [[nodiscard]] virtual bool isAtEnd() const { return false; }
 };
 
 /// The reader of settings.documentDataType, or nullptr for a type that has none. It waits for

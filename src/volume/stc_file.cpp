@@ -22,8 +22,12 @@ bool fail(const QString& text) {
     return false;
 }
 
+QString tooShort(const QString& fileName) {
+    return "ERROR: The .stc file holds fewer samples than its header states: " + fileName;
+}
+
 bool failShort(const QString& fileName) {
-    return fail("ERROR: The .stc file holds fewer samples than its header states: " + fileName);
+    return fail(tooShort(fileName));
 }
 
 QString notOpened(const QString& fileName) {
@@ -148,6 +152,22 @@ bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten, ProgressRep
     return false;
 }
 
+bool stcDataReadBack(const FMRProject& project, int nrOfVolumesWritten) {
+    const int nrOfVolumes = std::max(std::min(nrOfVolumesWritten, project.NrOfVolumes), 0);
+    QFile file(stcFileName(project));
+    if (!openPlainFile(file) ||
+        file.size() != sliceBytes(project) * project.NrOfSlices * nrOfVolumes)
+        return false;
+    std::vector<int16_t> found(project.sliceSamples());
+    for (int slice = 0; slice < project.NrOfSlices; ++slice)
+        for (int volume = 0; volume < nrOfVolumes; ++volume)
+            if (!readSamples(file, found) ||
+                !std::ranges::equal(found, project.volumes[size_t(volume)].subspan(
+                                               size_t(slice) * found.size(), found.size())))
+                return false;
+    return true;
+}
+
 bool checkSTCFiles(const FMRProject& project) {
     if (project.DataStorageFormat == 1) {
         for (int slice = 0; slice < project.NrOfSlices; ++slice)
@@ -198,36 +218,73 @@ bool readSliceSTC(FMRProject& project, int slice, const QString& fileName) {
     return true;
 }
 
+namespace {
+
+/// The data files of a saved run, in the folder of its header.
+class SavedSeries {
+public:
+    SavedSeries(FMRHeader& header, const QString& targetFMR)
+        : header_(header), folder_(paths::folderWithSlash(targetFMR)) {
+        if (header_.Prefix.endsWith('-'))
+            header_.Prefix.chop(1);
+        common_ = dataFileName(header_, folder_);
+    }
+
+    [[nodiscard]] QString nameOf(int slice) const {
+        return perSlice() ? sliceFileName(header_, folder_, slice) : common_;
+    }
+    /// Where the samples of a slice begin at this volume.
+    [[nodiscard]] qint64 offset(int slice, int volume) const {
+        return (perSlice() ? sliceFileHeaderBytes : seriesBytes() * slice) +
+               sliceBytes(header_) * volume;
+    }
+    /// Why the first of the files can't be read; empty when it can.
+    [[nodiscard]] QString fault() const {
+        const QFileInfo file(nameOf(0));
+        if (!file.isFile())
+            return QString("ERROR: Can not find / open stc file: %1 !").arg(nameOf(0));
+        const bool isShort = perSlice() ? file.size() - sliceFileHeaderBytes < seriesBytes()
+                                        : file.size() / seriesBytes() < header_.NrOfSlices;
+        return isShort ? tooShort(nameOf(0)) : QString();
+    }
+
+private:
+    [[nodiscard]] bool perSlice() const { return header_.DataStorageFormat == 1; }
+    [[nodiscard]] qint64 seriesBytes() const {
+        return std::max(sliceBytes(header_) * header_.NrOfVolumes, qint64(1));
+    }
+
+    FMRHeader& header_;
+    QString folder_;
+    QString common_;
+};
+
+} // namespace
+
+QString savedDataFault(FMRHeader header, const QString& targetFMR) {
+    return SavedSeries(header, targetFMR).fault();
+}
+
 bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header, Volume& samples) {
     if (!readFMRHeader(targetFMR, header))
         return false;
-    const QString folder = paths::folderWithSlash(targetFMR);
-    const bool perSlice = header.DataStorageFormat == 1;
-    if (header.Prefix.endsWith('-'))
-        header.Prefix.chop(1);
-    const QString common = dataFileName(header, folder);
-    const auto nameOf = [&](int slice) {
-        return perSlice ? sliceFileName(header, folder, slice) : common;
-    };
-    if (!QFileInfo(nameOf(0)).isFile())
-        return fail(QString("ERROR: Can not find / open stc file: %1 !").arg(nameOf(0)));
-    const qint64 series = sliceBytes(header) * header.NrOfVolumes;
-    const qint64 available = QFileInfo(nameOf(0)).size();
-    if (volume < 0 || volume >= header.NrOfVolumes ||
-        (perSlice ? available - sliceFileHeaderBytes < series
-                  : available / series < header.NrOfSlices))
-        return failShort(nameOf(0));
+    const SavedSeries series(header, targetFMR);
+    const QString fault = series.fault();
+    if (!fault.isEmpty())
+        return fail(fault);
+    if (volume < 0 || volume >= header.NrOfVolumes)
+        return failShort(series.nameOf(0));
     if (!samples.allocate(header.volumeSamples()))
         return fail("FATAL ERROR: Can not get enough memory to continue !");
     for (int slice = 0; slice < header.NrOfSlices; ++slice) {
-        QFile file(nameOf(slice));
+        const QString name = series.nameOf(slice);
+        QFile file(name);
         if (!openPlainFile(file))
-            return fail(QString("ERROR: Can not find / open stc file: %1 !").arg(nameOf(slice)));
-        const qint64 start = perSlice ? sliceFileHeaderBytes : series * slice;
-        if (!file.seek(start + sliceBytes(header) * volume) ||
+            return fail(QString("ERROR: Can not find / open stc file: %1 !").arg(name));
+        if (!file.seek(series.offset(slice, volume)) ||
             !readSamples(file, samples.span().subspan(size_t(slice) * header.sliceSamples(),
                                                       header.sliceSamples())))
-            return failShort(nameOf(slice));
+            return failShort(name);
     }
     return true;
 }

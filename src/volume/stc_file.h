@@ -24,6 +24,10 @@
 [[nodiscard]] bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten,
                                 ProgressReporter* progress, EventPump* pump, int from, int to);
 
+/// Reads the file of writeSTCData() back. True when it holds the first volumes of the run, as many
+/// as were written, and nothing else. Shows nothing.
+[[nodiscard]] bool stcDataReadBack(const FMRProject& project, int nrOfVolumesWritten);
+
 /// Checks the sizes of the project against its data files. A missing or short file, anything but a
 /// regular file (which is not opened), or slice files of another matrix end the program with status
 /// 1 after a message; false then. Extra bytes after the data are ignored.
@@ -37,6 +41,10 @@
 /// run doesn't have, or a shortage of memory ends the program with status 1 after a message.
 [[nodiscard]] bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header,
                                  Volume& samples);
+
+/// Why readSTCVolume() would end the program for the run whose header, in the file `targetFMR`, is
+/// this; empty when its data are there. Of one file per slice only the first is looked at.
+[[nodiscard]] QString savedDataFault(FMRHeader header, const QString& targetFMR);
 
 /// Reads all volumes of one slice, from 0, from a format 1 file into the allocated volumes of the
 /// project. Failures end the program with status 1 after a message.

@@ -10,8 +10,9 @@
 /// Asks whether files that could not be written into `folder` are to be tried again.
 [[nodiscard]] bool askToSaveAgain(const QString& folder);
 
-/// Writes all files of the run into the target folder. When some can't be written the operator is
-/// asked, and the failed ones are written again as often as the answer is Yes; the data stay in
+/// Writes all files of the run into the target folder and reads them back. When some can't be
+/// written the operator is asked, and the failed ones, or all of them when what came back was not
+/// what was written, are written again as often as the answer is Yes; the data stay in
 /// memory meanwhile. False when files are missing at the end.
 [[nodiscard]] bool saveRecordedData(const RunParts& run);
 

@@ -106,3 +106,11 @@ void RunListeners::endOfVolume(const VolumeAtHand& hand) {
 void RunListeners::loopEnded(QtCortivoDoc& document) {
     callEach([&](RunListener& listener) { return listener.loopEnded(document), true; });
 }
+
+void RunListeners::record(const RunRecord& record) {
+    callEach([&](RunListener& listener) { return listener.recordMade(record), true; });
+}
+
+void RunListeners::play(const RunRecord& record) {
+    callEach([&](RunListener& listener) { return listener.recordPlayed(record), true; });
+}

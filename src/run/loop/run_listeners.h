@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QByteArray>
 #include <functional>
 #include <vector>
 
@@ -11,6 +12,7 @@ class RunListeners;
 /// Who comes first where several listen to the same thing. This is the one list of them;
 /// the loop and the window name none.
 enum class ListenerPlace {
+    Journal, ///< takes the samples before anybody works on them
     Views,
     Regions,
     Plots,
@@ -19,7 +21,8 @@ enum class ListenerPlace {
     Feedback,
     Decoder,
     PlugIn,
-    Dialogs
+    Dialogs,
+    Player, ///< of a recorded run: plays what the others have recorded
 };
 
 /// Steps of a volume in the order in which it passes them. Those up to the letter decoder rest on
@@ -39,6 +42,13 @@ enum class VolumeStep {
 struct VolumeAtHand {
     QtCortivoDoc& document;
     int volume; ///< index, from 0
+};
+
+/// What a listener wants to find again when the run is recovered or replayed: a change by the
+/// operator, a line that arrived. `name` says whose it is; the content is its own.
+struct RunRecord {
+    QByteArray name;
+    QByteArray content;
 };
 
 /// Overrides the hooks that it needs. It leaves its list when it is destroyed, which may happen in
@@ -80,6 +90,11 @@ public:
     /// The last volume is done, whichever way the loop ended; nothing is saved yet.
     virtual void loopEnded(QtCortivoDoc& document) { static_cast<void>(document); }
 
+    /// Somebody wants this kept; see RunListeners::record().
+    virtual void recordMade(const RunRecord& record) { static_cast<void>(record); }
+    /// The run is played again and has come to the moment at which this record was made.
+    virtual void recordPlayed(const RunRecord& record) { static_cast<void>(record); }
+
 protected:
     /// Leaves the list before it is destroyed: a dialog that is hidden and deleted later.
     void stopListening();
@@ -114,6 +129,9 @@ public:
     [[nodiscard]] bool drawSubjectDisplay(const VolumeAtHand& hand);
     void endOfVolume(const VolumeAtHand& hand);
     void loopEnded(QtCortivoDoc& document);
+    /// Keeps something of the run that is being recorded: the journal, if there is one, takes it.
+    void record(const RunRecord& record);
+    void play(const RunRecord& record);
 
 private:
     struct Entry {

@@ -8,7 +8,6 @@
 #include "intake/inplane_reader.h"
 #include "run/loop/run_model.h"
 #include "run/loop/run_protocol.h"
-#include "run/settings/settings_file.h"
 #include "volume/motion_correction.h"
 
 #include <QDir>
@@ -23,9 +22,10 @@ bool failFatally(const QString& text, int status = 1) {
     return false;
 }
 
-bool readRunSettings(const RunParts& run, const std::function<void()>& stopTimer) {
+bool readRunSettings(const RunParts& run, RunSource& source,
+                     const std::function<void()>& stopTimer) {
     RunSettings& settings = run.settings;
-    if (!readSettingsFile(settings, SettingsUse::Run, stopTimer))
+    if (!source.readSettings(settings, stopTimer))
         return false;
     if (settings.MergeType) {
         showWarning("ERROR: Multi-run projects are not supported by this version.");
@@ -111,11 +111,11 @@ bool allocateRun(QtCortivoDoc& document) {
     return document.workingVolume.allocate(samples) || failFatally(outOfMemory, 0);
 }
 
-std::unique_ptr<VolumeReader> makeRunReader(const RunParts& run, const ReaderMaker& makeReader) {
+std::unique_ptr<VolumeReader> makeRunReader(const RunParts& run, RunSource& source) {
     run.intake.rawDataByteOrder = run.settings.byteOrderCode();
     run.intake.watchFolder = run.settings.WatchFolder;
     std::unique_ptr<VolumeReader> reader =
-        makeReader({run.settings, run.document.project, run.intake, run.pump});
+        source.makeReader({run.settings, run.document.project, run.intake, run.pump});
     if (!reader)
         failFatally(QStringLiteral("ERROR: Data type not supported!\n\nCheck settings file: "
                                    "\"%1\".")
@@ -132,14 +132,13 @@ bool readFirstVolume(VolumeReader& reader) {
 
 // Memory for the target, which volume 0 fills, or the target of another run of the session. False
 // after a message; data files of the other run that are missing or too short end the program.
-bool prepareMotionTarget(const RunParts& run) {
+bool prepareMotionTarget(const RunParts& run, RunSource& source) {
     const RunSettings& settings = run.settings;
     QtCortivoDoc& document = run.document;
     if (!settings.MotionCorrection)
         return true;
     if (settings.IntraSessionMotionCorrection)
-        return loadIntraSessionTarget(settings.IntraSessionMotionCorrectionFile, document.project,
-                                      document.motion);
+        return source.loadMotionTarget(settings, document.project, document.motion);
     return document.motion.motionTarget.allocate(document.project.volumeSamples()) ||
            failFatally(outOfMemory);
 }
@@ -170,11 +169,11 @@ void prepareInplanes(const RunParts& run) {
 
 } // namespace
 
-std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker& makeReader,
+std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
                                          const std::function<void()>& stopTimer) {
     const RunSettings& settings = run.settings;
     QtCortivoDoc& document = run.document;
-    if (!readRunSettings(run, stopTimer))
+    if (!readRunSettings(run, source, stopTimer))
         return nullptr;
     copySettingsToDocument(document, settings);
     if (!document.workingFolder.isEmpty())
@@ -187,9 +186,9 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, const ReaderMaker&
     if (settings.ShowGODlgAfterPreparation)
         announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");
 
-    std::unique_ptr<VolumeReader> reader = makeRunReader(run, makeReader);
+    std::unique_ptr<VolumeReader> reader = makeRunReader(run, source);
     if (!reader || !reader->prepare() || !readFirstVolume(*reader) || !reader->readHeaders() ||
-        !prepareMotionTarget(run))
+        !prepareMotionTarget(run, source))
         return nullptr;
     document.maps.MapType = MapKind::T;
     showFirstVolume(document);

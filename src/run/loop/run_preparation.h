@@ -3,16 +3,11 @@
 #pragma once
 
 #include "run/loop/run_parts.h"
-
-#include <functional>
-#include <memory>
-
-using ReaderMaker = std::function<std::unique_ptr<VolumeReader>(const IntakeContext&)>;
+#include "run/loop/run_source.h"
 
 /// Reads settings, protocol and first volume and allocates what the loop needs. Returns the reader
 /// of the run's volumes; nullptr after a message when the run can't start.
-[[nodiscard]] std::unique_ptr<VolumeReader> prepareRun(const RunParts& run,
-                                                       const ReaderMaker& makeReader,
+[[nodiscard]] std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
                                                        const std::function<void()>& stopTimer);
 
 /// The values of the settings that the document keeps.

@@ -98,7 +98,13 @@ bool covers(const QtCortivoDoc& document, int volumes) {
 // wait between them: a backlog shrinks as fast as it can be read.
 bool followProtocol(const RunParts& run, const Arriving& arriving, bool& intervalsChanged) {
     const StopWatch waited(run.pump);
-    ProtocolUpdate update = arriving.readUpdate();
+    const auto takeLine = [&run, &arriving] {
+        const ProtocolUpdate taken = arriving.readUpdate();
+        if (taken.lineTaken)
+            run.listeners.record({protocolLineRecord, taken.line.toUtf8()});
+        return taken;
+    };
+    ProtocolUpdate update = takeLine();
     intervalsChanged = update.intervalsChanged;
     run.pump.processEvents();
     while (!arriving.hasEnded() && !covers(run.document, arriving.coveredVolumes)) {
@@ -111,7 +117,7 @@ bool followProtocol(const RunParts& run, const Arriving& arriving, bool& interva
             run.pump.processEvents();
         if (!update.lineTaken)
             run.pump.pumpWait(pollMilliseconds);
-        update = arriving.readUpdate();
+        update = takeLine();
         intervalsChanged |= update.intervalsChanged;
         run.pump.processEvents();
     }
@@ -162,6 +168,14 @@ bool updateProtocol(const RunParts& run, int volumeIndex) {
     }
     renewSchedule(document, volumeIndex);
     return isCovered;
+}
+
+GrowingTextFile* arrivingLines(QtCortivoDoc& document) {
+    if (isProtocolPathSet(document.protocol.tdatPath))
+        return &document.tdatProtocol.lines;
+    if (isProtocolPathSet(document.protocol.realTimeProtocolPath))
+        return &document.realTimeProtocol.lines;
+    return nullptr;
 }
 
 void closeProtocol(QtCortivoDoc& document) {

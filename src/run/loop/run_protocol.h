@@ -22,5 +22,12 @@
 /// for the design runs out. Events are processed while it waits.
 [[nodiscard]] bool updateProtocol(const RunParts& run, int volumeIndex);
 
+/// The lines that are taken are recorded under this name; an empty one stands for a line that was
+/// too long to be read.
+inline constexpr char protocolLineRecord[] = "protocol line";
+
+/// The file of the protocol that arrives during the run; nullptr when it was complete.
+[[nodiscard]] GrowingTextFile* arrivingLines(QtCortivoDoc& document);
+
 /// Closes the files of such a protocol.
 void closeProtocol(QtCortivoDoc& document);

@@ -3,6 +3,8 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
+#include "base/text_reading.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/protocol/prt_file.h"
 #include "stats/contrast_file.h"
@@ -13,6 +15,7 @@
 
 #include <QDir>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -99,6 +102,31 @@ bool runSteps(std::vector<SaveStep>& steps, ProgressReporter& progress) {
     return steps.empty();
 }
 
+// Whether the files are what was to be written. Samples and sizes are compared; a text or a map
+// that was written whole must come back from the disk.
+bool filesReadBack(const RunParts& run) {
+    const QtCortivoDoc& document = run.document;
+    const FMRProject& project = document.project;
+    const int volumes = recordedVolumes(run.report, project);
+    if (volumes == 0)
+        return true; // nothing was measured
+    QString text;
+    FMRHeader header;
+    if (!readTextFile(project.projectPath, text) ||
+        parseFMR(text, FMRScope::Inspection, header) != FMRParseResult::Ok ||
+        header.size() != project.size() || header.NrOfVolumes != volumes)
+        return false;
+    QStringList others{document.protocol.protocolPath, resultPath(run, ".mps", "Maps.mps"),
+                       resultPath(run, ".ctr", "Contrasts.ctr"), firstVolumeFileName(project)};
+    if (run.settings.MotionCorrection && !document.motion.motionParameters[0].empty())
+        others << motionParametersFileName(project);
+    const bool othersReadable = std::ranges::all_of(others, [](const QString& name) {
+        QFile file(name);
+        return openPlainFile(file) && !file.readAll().isEmpty();
+    });
+    return othersReadable && stcDataReadBack(project, volumes);
+}
+
 } // namespace
 
 bool askToSaveAgain(const QString& folder) {
@@ -116,8 +144,11 @@ bool saveRecordedData(const RunParts& run) {
     for (;;) {
         // The folder was there when the run began; it may have gone since.
         QDir().mkpath(project.targetFolder);
-        if (runSteps(steps, *progress))
-            break;
+        if (runSteps(steps, *progress)) {
+            if (filesReadBack(run))
+                break;
+            steps = saveSteps(run, *progress);
+        }
         if (!askToSaveAgain(project.targetFolder))
             return false;
     }

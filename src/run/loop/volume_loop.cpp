@@ -94,7 +94,10 @@ bool VolumeLoop::takeVolume() {
 bool VolumeLoop::readVolume() {
     stepClock_.restart();
     if (!reader_.readVolume(volumeIndex_)) {
-        showModelessWarning("TIME OUT ERROR: expected file did not arrive!");
+        if (reader_.isAtEnd())
+            run_.report.interruptedAtVolume = run_.report.currentVolume;
+        else
+            showModelessWarning("TIME OUT ERROR: expected file did not arrive!");
         return false;
     }
     run_.report.times.readVolTime = stepClock_.elapsed();

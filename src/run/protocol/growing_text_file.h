@@ -38,6 +38,12 @@ public:
     [[nodiscard]] QByteArray head(bool wholeLines) const;
     /// Starts the lines after this many bytes of the head.
     void skipHead(qsizetype bytes);
+    /// The same number, until the first line is read.
+    [[nodiscard]] qsizetype skippedBytes() const { return next_; }
+
+    /// Adds complete lines, each with its line feed, as if they stood next in the file; also after
+    /// close(), for a recorded run.
+    void feed(const QByteArray& lines) { buffer_ += lines; }
 
     /// Returns the next non-blank line. Reads a bounded part of the file, so that a huge one can't
     /// block the caller.

@@ -49,6 +49,7 @@ struct LineEffect {
 struct ProtocolUpdate {
     bool lineTaken = false;
     bool intervalsChanged = false;
+    QString line; ///< the one that was taken; empty when it was too long to be read
 };
 
 /// Shows messages about lines in modeless boxes, which delay neither the run nor its time-outs.

@@ -55,5 +55,5 @@ ProtocolUpdate readRTPUpdate(const RunLength& run, StimulationProtocol& protocol
     realTime.messages.show(effect.message);
     if (realTime.state.rtpFinished)
         realTime.lines.close();
-    return {true, effect.intervalsChanged};
+    return {true, effect.intervalsChanged, line};
 }

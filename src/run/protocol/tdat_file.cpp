@@ -30,10 +30,10 @@ ProtocolUpdate readTDATUpdate(StimulationProtocol& protocol, TDATProtocol& tdat)
         return {};
     // A line that long holds nothing the program looks for.
     if (result == GrowingTextFile::ReadResult::TooLong)
-        return {true, false};
+        return {true, false, {}};
     const LineEffect effect = applyTDATLine(line, protocol, tdat.state);
     tdat.messages.show(effect.message);
     if (tdat.state.runEnded)
         tdat.lines.close();
-    return {true, effect.intervalsChanged};
+    return {true, effect.intervalsChanged, line};
 }

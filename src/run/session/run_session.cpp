@@ -14,7 +14,8 @@
 #include "volume/postprocessing_names.h"
 
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
-    : makeReader(makeVolumeReader), pump_(pump), display_(display) {
+    : journal(listeners, pump), makeReader(makeVolumeReader), pump_(pump), display_(display),
+      operatorRecords_(listeners, requests) {
     numerics::initialiseNumerics();
 }
 
@@ -43,7 +44,7 @@ void RunSession::runButtonPressed() {
     if (phase.canBeStopped())
         return requests.stopRun();
     if (phase.isIdle() && runButton_ != RunButtonState::NoSettingsFile)
-        inPhase(Phase::Preparing, [this] { return startRun(); });
+        inPhase(Phase::Preparing, [this] { return measureRun(); });
 }
 
 void RunSession::requestStop() {
@@ -67,8 +68,15 @@ void RunSession::changeSettingsFile(const QString& path) {
     settings.MergeType = false;
 }
 
+bool RunSession::measureRun() {
+    ScannerRun source(makeReader);
+    const bool done = startRun(source, [this, &source] { journal.begin(parts(), source.inputs()); });
+    endJournal(done);
+    return done;
+}
+
 // False when the run did not start.
-bool RunSession::startRun() {
+bool RunSession::startRun(RunSource& source, const std::function<void()>& prepared) {
     // The settings file gives forceTRDelay its real value a little later, if it is new enough.
     requests.forceTRDelay = true;
     setRunButton(RunButtonState::Running);
@@ -77,7 +85,7 @@ bool RunSession::startRun() {
     display_.showLogText(
         processingText(requests.logFontSize, paths::fileName(settings.settingsFilePath)));
     pump_.processEvents();
-    report.startFailed = !recordRun();
+    report.startFailed = !recordRun(source, prepared);
     if (report.startFailed)
         return false;
     if (report.motionCorrectionFailed) {
@@ -90,9 +98,9 @@ bool RunSession::startRun() {
     return true;
 }
 
-bool RunSession::recordRun() {
+bool RunSession::recordRun(RunSource& source, const std::function<void()>& prepared) {
     const RunParts run = parts();
-    const std::unique_ptr<VolumeReader> reader = prepareRun(run, makeReader, stopTimer);
+    const std::unique_ptr<VolumeReader> reader = prepareRun(run, source, stopTimer);
     if (!reader) {
         closeProtocol(*functionalDocument);
         return false;
@@ -101,6 +109,8 @@ bool RunSession::recordRun() {
     if (!settings.ROIColorsFile.isEmpty() && readTextFile(settings.ROIColorsFile, colors))
         parseRegionColors(colors, regionColors);
     listeners.runPrepared(*functionalDocument);
+    if (prepared)
+        prepared();
     display_.updateViews();
     pump_.processEvents();
     return runVolumeLoop(run, *reader) != LoopEnd::NotStarted;

@@ -12,6 +12,9 @@
 #include "run/document/session_phase.h"
 #include "run/loop/run_display.h"
 #include "run/loop/run_listeners.h"
+#include "run/replay/journal_run.h"
+#include "run/replay/operator_records.h"
+#include "run/replay/run_journal.h"
 #include "run/settings/run_settings.h"
 #include "volume/postprocessing_options.h"
 
@@ -46,6 +49,17 @@ public:
     /// Volumes of the run in memory that post-processing would work on; 0 without a run, and unless
     /// the session is idle.
     [[nodiscard]] int volumesForPostprocessing() const;
+
+    /// The journals of runs whose results are not on disk, the latest first, without those that a
+    /// running program writes.
+    [[nodiscard]] QStringList unfinishedJournals() const;
+    /// Plays the run in the journal as if it were measured now, and stays until that is saved.
+    /// Recovered and gone on with, its results replace those of the run, and the journal goes once
+    /// they are on disk; replayed, they need a folder of their own. False, after a message, when the
+    /// journal can't be read or the run can't be prepared; false also unless the session is idle.
+    bool playJournal(const PlayOptions& options, PlayPurpose purpose);
+    /// Plays a saved run; `isOwn` as for SavedRun. False like playJournal().
+    bool playSavedRun(const PlayOptions& options, bool isOwn);
 
     /// Another settings file is current: the run in memory is shown no longer, and listeners close
     /// what belongs to it. For idle sessions only.
@@ -85,6 +99,8 @@ public:
     OperatorRequests requests;
     IntakeState intake;
     RunListeners listeners;
+    RunJournal journal;
+    bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file
     /// The check of the licence at each start; the program is free, so it permits.
@@ -99,16 +115,23 @@ private:
     /// Does the work in its phase, with the display told of its start and its end.
     bool inPhase(Phase first, const std::function<bool()>& work);
     [[nodiscard]] RunParts parts();
-    [[nodiscard]] bool startRun();
-    [[nodiscard]] bool recordRun();
+    [[nodiscard]] bool measureRun();
+    /// `prepared` is called before the first volume is read.
+    [[nodiscard]] bool startRun(RunSource& source, const std::function<void()>& prepared = {});
+    [[nodiscard]] bool recordRun(RunSource& source, const std::function<void()>& prepared);
+    [[nodiscard]] JournalEnding journalEnding() const;
+    void endJournal(bool runDone);
+    void endPlayedJournal(const JournalRun& source, const QString& path);
     [[nodiscard]] bool loadRun();
     void replaceDocuments();
     void takeUpChanges();
     void resetBackground();
     void mapsChanged();
+    void noteChange();
 
     EventPump& pump_;
     RunDisplay& display_;
+    OperatorRecords operatorRecords_;
     RunButtonState runButton_ = RunButtonState::Ready;
     bool clustersOutdated_ = false; ///< by a change outside the idle phase
 };

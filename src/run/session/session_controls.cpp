@@ -5,6 +5,12 @@
 #include "stats/clusters.h"
 #include "stats/thresholds.h"
 
+// What changes while a run is recorded belongs to it: see OperatorRecords.
+void RunSession::noteChange() {
+    if (phase.runActive())
+        operatorRecords_.changed();
+}
+
 // Unless the session is idle the document belongs to the work that goes on. During a run the loop
 // finds the clusters of the next volume anew, but that may never come.
 void RunSession::mapsChanged() {
@@ -15,6 +21,7 @@ void RunSession::mapsChanged() {
         clustersOutdated_ = true;
     report.mapsPresent = true;
     display_.updateViews();
+    noteChange();
 }
 
 void RunSession::takeUpChanges() {
@@ -42,6 +49,7 @@ void RunSession::changeColorMaxThreshold(float threshold) {
         return;
     ::changeColorMaxThreshold(requests.thresholds, threshold);
     display_.updateViews();
+    noteChange();
 }
 
 void RunSession::changeClusterSize(int pixels) {
@@ -68,6 +76,7 @@ void RunSession::contrastsChanged() {
         return;
     QtCortivoDoc& document = *functionalDocument;
     document.contrasts.ContrastsChanged = !phase.isIdle();
+    noteChange();
     // A run that ended before its first solution has no model and no maps.
     if (!phase.isIdle() || !computeContrastMaps(document.finishedModel, document.mask,
                                                 document.contrasts, document.maps))

@@ -105,7 +105,7 @@ bool SettingsReader::checkMultiRunTarget() {
 
 bool SettingsReader::createTargetFolder() {
     const QString& folder = settings_.TargetFolder;
-    if (report_.forRun() && (folder.isEmpty() || !QDir().mkpath(folder)))
+    if (report_.forRun() && !report_.forRecorded() && (folder.isEmpty() || !QDir().mkpath(folder)))
         return SettingsReport::failFatally(
             QStringLiteral("ERROR: Target folder  \"%1\"  does not exist and could not be "
                            "created!\n\nCheck \"%2\" file and/or create target folder;\nthen rerun "

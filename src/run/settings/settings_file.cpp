@@ -26,6 +26,13 @@ bool findQuoted(TokenStream& stream, const char* key, QString& value) {
     return false;
 }
 
+void beginReading(RunSettings& settings) {
+    settings.settingsFileDir =
+        paths::folderWithSlash(paths::withForwardSlashes(settings.settingsFilePath));
+    settings.settingsRead = false;
+    settings.forceTRDelayRead = false;
+}
+
 } // namespace
 
 RunSettings defaultRunSettings() {
@@ -55,19 +62,25 @@ QString unsupportedDataTypeText(const QString& dataType, const QString& settings
 
 bool readSettingsFile(RunSettings& settings, SettingsUse use,
                       const std::function<void()>& stopTimer) {
-    const QString path = settings.settingsFilePath;
-    const SettingsReport report(path, use, stopTimer);
-    settings.settingsFileDir = paths::folderWithSlash(paths::withForwardSlashes(path));
-    settings.settingsRead = false;
-    settings.forceTRDelayRead = false;
+    beginReading(settings);
     QString text;
-    if (!removeComments(path, commentCharacter, text))
-        return report.fail(fileNotFoundText(path));
-    if (text.isEmpty()) {
-        report.warn(QStringLiteral("ERROR - No content in file \"%1\" found!").arg(path));
+    if (!readTextFile(settings.settingsFilePath, text))
+        return SettingsReport(settings.settingsFilePath, use, stopTimer)
+            .fail(fileNotFoundText(settings.settingsFilePath));
+    return readSettingsText(settings, text, use, stopTimer);
+}
+
+bool readSettingsText(RunSettings& settings, const QString& text, SettingsUse use,
+                      const std::function<void()>& stopTimer) {
+    beginReading(settings);
+    const SettingsReport report(settings.settingsFilePath, use, stopTimer);
+    const QString content = withoutComments(text, commentCharacter);
+    if (content.isEmpty()) {
+        report.warn(QStringLiteral("ERROR - No content in file \"%1\" found!")
+                        .arg(settings.settingsFilePath));
         return false;
     }
-    settings.settingsRead = SettingsReader(settings, report, text).read();
+    settings.settingsRead = SettingsReader(settings, report, content).read();
     return settings.settingsRead;
 }
 

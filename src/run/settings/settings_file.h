@@ -11,12 +11,18 @@ enum class SettingsUse {
     Inspection, ///< display or editing: wrong keys give a warning
     Run,        ///< preparation of a run: wrong keys and values end the program
     Reload,     ///< as Run, for saved data: a missing inplane folder doesn't matter
+    Recorded,   ///< as Reload, for data that are played again: no folder needs to exist
 };
 
 /// Reads settings.settingsFilePath, key by key: on failure the keys before it have been changed.
 /// `stopTimer` stops polling the settings file; it is called before a warning about a wrong key.
 /// False after any failure, with its message shown.
 [[nodiscard]] bool readSettingsFile(RunSettings& settings, SettingsUse use,
+                                    const std::function<void()>& stopTimer);
+
+/// The same from the text of the file, which may be gone: settings.settingsFilePath says where it
+/// lay, since its relative paths begin there.
+[[nodiscard]] bool readSettingsText(RunSettings& settings, const QString& text, SettingsUse use,
                                     const std::function<void()>& stopTimer);
 
 inline constexpr int writtenFileVersion = 4;

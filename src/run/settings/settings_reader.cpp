@@ -162,6 +162,8 @@ bool SettingsReader::readWatchFolderList() {
     // The image reader chooses the folder when the first file arrives.
     settings_.WatchFolder.clear();
     settings_.WatchFolderListFile = cleanedPath(value, settings_.settingsFileDir);
+    if (valueIsThere && report_.forRecorded())
+        return true;
     QString text;
     if (!valueIsThere || !readTextFile(settings_.WatchFolderListFile, text))
         return SettingsReport::failFatally(

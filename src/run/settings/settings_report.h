@@ -25,7 +25,8 @@ public:
     void warn(const QString& text) const;
 
     [[nodiscard]] bool forRun() const { return use_ != SettingsUse::Inspection; }
-    [[nodiscard]] bool forReload() const { return use_ == SettingsUse::Reload; }
+    [[nodiscard]] bool forReload() const { return use_ == SettingsUse::Reload || forRecorded(); }
+    [[nodiscard]] bool forRecorded() const { return use_ == SettingsUse::Recorded; }
 
 private:
     SettingsUse use_;

@@ -1,0 +1,23 @@
+// The journals of runs that are not saved yet, wherever they lie: a start after a crash looks here.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QStringList>
+
+/// A text file with one path in each line. Journals come and go one at a time; one that can't be
+/// listed is found by hand. Does nothing without a path.
+class JournalList {
+public:
+    explicit JournalList(QString path = {}) : path_(std::move(path)) {}
+
+    /// Those that still exist, the latest first.
+    [[nodiscard]] QStringList journals() const;
+    void add(const QString& journal) const;
+    void remove(const QString& journal) const;
+
+private:
+    [[nodiscard]] QStringList read() const;
+    void write(const QStringList& journals) const;
+
+    QString path_;
+};

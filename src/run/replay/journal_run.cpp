@@ -1,0 +1,274 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/replay/journal_run.h"
+
+#include "base/file_writing.h"
+#include "base/messages.h"
+#include "base/paths.h"
+#include "run/document/qt_cortivo_doc.h"
+#include "run/loop/run_protocol.h"
+#include "run/replay/run_journal.h"
+#include "run/settings/settings_file.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+bool isProtocolLine(const ListenerRecord& record) {
+    return record.record.name == protocolLineRecord;
+}
+
+} // namespace
+
+/// Gives the volumes of the journal; for a run that goes on, those of the scanner after them.
+class JournalReader : public VolumeReader {
+public:
+    JournalReader(JournalRun& run, const IntakeContext& context,
+                  std::unique_ptr<VolumeReader> scanner)
+        : run_(run), context_(context), scanner_(std::move(scanner)) {}
+
+    [[nodiscard]] bool prepare() override {
+        return sizesAgree(context_.settings, run_.head_.project, run_.options_.path) &&
+               (!scanner_ || scanner_->prepare());
+    }
+    [[nodiscard]] bool readFirstVolume() override {
+        if (scanner_ && !scanner_->readFirstVolume())
+            return false;
+        Volume& first = context_.project.firstVolume;
+        const std::vector<int16_t> found(first.data(), first.data() + first.size());
+        if (!copySamples(run_.firstVolume_, first.span()))
+            return false;
+        if (!scanner_ || std::ranges::equal(found, first.span()))
+            return true;
+        showWarning(QStringLiteral("ERROR: The first file in folder \"%1\" is not that of the run "
+                                   "in the journal: the run can be recovered, but not gone on "
+                                   "with.")
+                        .arg(context_.state.watchFolder));
+        return false;
+    }
+    [[nodiscard]] bool readHeaders() override {
+        if (scanner_ && !scanner_->readHeaders())
+            return false;
+        restoreHeader(context_.project, run_.head_.project);
+        return true;
+    }
+    [[nodiscard]] bool readVolume(int volume) override {
+        if (run_.takeVolume(volume, context_.project.volumes[size_t(volume)]))
+            return true;
+        return scanner_ && scanner_->readVolume(volume);
+    }
+    [[nodiscard]] bool isAtEnd() const override { return !scanner_; }
+
+private:
+    JournalRun& run_;
+    IntakeContext context_;
+    std::unique_ptr<VolumeReader> scanner_; ///< null unless the run goes on
+};
+
+JournalRun::JournalRun(PlayOptions options, PlayPurpose purpose, RunListeners& listeners)
+    : options_(std::move(options)), purpose_(purpose), listeners_(listeners),
+      cursor_(options_.path) {
+    listeners_.add(*this, ListenerPlace::Player);
+}
+
+void JournalRun::setContinuation(ReaderMaker makeReader, RunJournal& journal) {
+    makeScannerReader_ = std::move(makeReader);
+    journal_ = &journal;
+}
+
+bool JournalRun::open() {
+    JournalRecord record;
+    const auto take = [&](RecordKind kind) {
+        return cursor_.next(record) && record.kind == uint32_t(kind);
+    };
+    const auto kept = [&] {
+        return std::vector<uint8_t>(record.payload.begin(), record.payload.end());
+    };
+    if (!take(RecordKind::Head) ||
+        !decodeHead(record.payload, head_) || !take(RecordKind::FirstVolume)) {
+        showWarning(QStringLiteral("ERROR: \"%1\" is not the journal of a run, or its beginning "
+                                   "is damaged.")
+                        .arg(options_.path));
+        return false;
+    }
+    firstVolume_ = kept();
+    bytesWithVolume_ = cursor_.goodBytes();
+    collectRecords();
+    return true;
+}
+
+bool JournalRun::unpack(const InputFile& input, QString& path) {
+    if (input.path.isEmpty())
+        return true;
+    path = unpacked_.filePath(paths::fileName(input.path));
+    if (unpacked_.isValid() && writeFileAtomically(path, input.content))
+        return true;
+    showWarning(QStringLiteral("ERROR: The files of the journal can not be unpacked in folder "
+                               "\"%1\". Is the disk full?")
+                    .arg(unpacked_.path()));
+    return false;
+}
+
+bool JournalRun::readSettings(RunSettings& settings, const std::function<void()>& stopTimer) {
+    if (!ownSettings()) {
+        settings.settingsFilePath = options_.settingsFile;
+        if (!readSettingsForPlaying(settings, stopTimer))
+            return false;
+        // The recorded volumes are those that are analysed.
+        const int analysed = settings.nrOfAnalysedVolumes();
+        settings.NrOfVolumesToSkip = head_.project.NrOfSkippedVolumes;
+        settings.NrOfVolumes = analysed + settings.NrOfVolumesToSkip;
+    } else {
+        settings.settingsFilePath = head_.settings.path;
+        if (!readSettingsText(settings, QString::fromUtf8(head_.settings.content),
+                              SettingsUse::Recorded, stopTimer))
+            return false;
+        QString* protocols[] = {&settings.TDatFile, &settings.RealTimeProtocol,
+                                &settings.StimulationProtocol};
+        for (QString* protocol : protocols)
+            if (isProtocolPathSet(*protocol) && !unpack(head_.protocol, *protocol))
+                return false;
+        if (!unpack(head_.contrasts, settings.ContrastFile))
+            return false;
+    }
+    prepareForPlaying(settings, options_);
+    if (purpose_ == PlayPurpose::GoOn && !head_.watchFolder.isEmpty()) {
+        if (settings.documentFirstFileName.startsWith(settings.WatchFolder))
+            settings.documentFirstFileName =
+                head_.watchFolder +
+                settings.documentFirstFileName.mid(settings.WatchFolder.size());
+        settings.WatchFolder = head_.watchFolder;
+    }
+    return true;
+}
+
+std::unique_ptr<VolumeReader> JournalRun::makeReader(const IntakeContext& context) {
+    std::unique_ptr<VolumeReader> scanner;
+    if (purpose_ == PlayPurpose::GoOn) {
+        scanner = makeScannerReader_(context);
+        if (!scanner)
+            return nullptr;
+    }
+    return std::make_unique<JournalReader>(*this, context, std::move(scanner));
+}
+
+bool JournalRun::loadMotionTarget(const RunSettings& settings, const FMRProject& project,
+                                  MotionCorrection& motion) {
+    if (motionTarget_.empty() || !ownSettings())
+        return RunSource::loadMotionTarget(settings, project, motion);
+    return motion.motionTarget.allocate(project.volumeSamples()) &&
+           copySamples(motionTarget_, motion.motionTarget.span());
+}
+
+void JournalRun::runPrepared(QtCortivoDoc& document) {
+    document_ = &document;
+    GrowingTextFile* lines = ownSettings() ? arrivingLines(document) : nullptr;
+    if (lines)
+        lines->close(); // they come from the journal
+}
+
+// Reads up to the next volume.
+void JournalRun::collectRecords() {
+    nextVolume_.clear();
+    JournalRecord record;
+    ListenerRecord made;
+    while (nextVolume_.empty() && cursor_.next(record)) {
+        const auto kind = RecordKind(record.kind);
+        if (kind == RecordKind::MeasuredVolume)
+            nextVolume_.assign(record.payload.begin(), record.payload.end());
+        else if (kind == RecordKind::MotionTarget)
+            motionTarget_.assign(record.payload.begin(), record.payload.end());
+        else if (kind == RecordKind::Listener && decodeListenerRecord(record.payload, made))
+            records_.push_back(made);
+    }
+}
+
+bool JournalRun::takeVolume(int volume, std::span<int16_t> samples) {
+    playUpTo(RecordMoment::Waiting);
+    VolumeArrival arrival;
+    std::span<const uint8_t> bytes;
+    if (nextVolume_.empty() || !decodeVolume(nextVolume_, arrival, bytes) ||
+        arrival.volume != volume || !copySamples(bytes, samples)) {
+        if (!goesOn_)
+            goOnRecording(volume - 1);
+        return false;
+    }
+    bytesWithVolume_ = cursor_.goodBytes();
+    collectRecords();
+    if (nextVolume_.empty())
+        goOnRecording(volume);
+    playProtocol();
+    return true;
+}
+
+// From here on everything is written again that follows the latest volume in the journal: it is
+// played, and what is played is recorded.
+void JournalRun::goOnRecording(int latestVolume) {
+    goesOn_ = purpose_ == PlayPurpose::GoOn;
+    if (goesOn_)
+        journal_->goOn(options_.path, bytesWithVolume_, latestVolume);
+}
+
+void JournalRun::playProtocol() {
+    GrowingTextFile* lines = ownSettings() ? arrivingLines(*document_) : nullptr;
+    if (lines && (!nextVolume_.empty() || !readProtocolOn()))
+        for (const ListenerRecord& record : records_)
+            if (isProtocolLine(record)) {
+                // An empty one was too long to be read and had no effect.
+                if (!record.record.content.isEmpty())
+                    lines->feed(record.record.content + '\n');
+                ++linesPlayed_;
+            }
+    std::erase_if(records_, isProtocolLine);
+}
+
+// The latest volume may have been waiting for lines when the program ended. False when the file is
+// not the one that the journal has followed.
+bool JournalRun::readProtocolOn() {
+    GrowingTextFile& lines = *arrivingLines(*document_);
+    const bool isTDAT = isProtocolPathSet(document_->protocol.tdatPath);
+    const auto lineEnd = isTDAT ? GrowingTextFile::LineEnd::LineFeed
+                                : GrowingTextFile::LineEnd::CarriageReturnOrLineFeed;
+    const QByteArray header = head_.protocol.content.left(head_.protocolHeadBytes);
+    bool isSame = lines.open(head_.protocol.path, QIODevice::ReadOnly, lineEnd) &&
+                  lines.head(false).startsWith(header);
+    if (isSame)
+        lines.skipHead(header.size());
+    QString line;
+    for (qsizetype i = 0; isSame && i < linesPlayed_; ++i)
+        isSame = lines.readLine(line) != GrowingTextFile::ReadResult::Nothing;
+    if (!isSame)
+        lines.close();
+    return isSame;
+}
+
+void JournalRun::playUpTo(RecordMoment moment) {
+    std::vector<ListenerRecord> due;
+    std::erase_if(records_, [&](const ListenerRecord& record) {
+        const bool isDue = record.moment <= moment;
+        if (isDue)
+            due.push_back(record);
+        return isDue;
+    });
+    if (purpose_ == PlayPurpose::Replay)
+        return;
+    for (const ListenerRecord& record : due) {
+        listeners_.play(record.record);
+        if (goesOn_)
+            listeners_.record(record.record);
+    }
+}
+
+bool JournalRun::atStep(VolumeStep step, const VolumeAtHand&) {
+    if (step == VolumeStep::LetterDecoder)
+        playUpTo(RecordMoment::BeforeModel);
+    return true;
+}
+
+void JournalRun::endOfVolume(const VolumeAtHand&) {
+    playUpTo(RecordMoment::AfterModel);
+}
+
+void JournalRun::loopEnded(QtCortivoDoc&) {
+    playUpTo(RecordMoment::Waiting);
+}

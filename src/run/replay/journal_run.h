@@ -1,0 +1,81 @@
+// A run that is played from its journal: recovered after a crash, gone on with, or replayed.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/journal/journal_scan.h"
+#include "run/loop/run_listeners.h"
+#include "run/replay/journal_records.h"
+#include "run/replay/played_run.h"
+
+#include <QTemporaryDir>
+#include <vector>
+
+class RunJournal;
+
+/// What is played beside the volumes and the lines of the protocol.
+enum class PlayPurpose {
+    Replay,  ///< nothing: the operator sits before the run as if it were measured now
+    Recover, ///< what was recorded, so that the results are those of the run
+    GoOn,    ///< likewise, and after the last recorded volume the scanner's next one is read
+};
+
+/// Source and listener of one such run. Each record is played at the moment of its volume at which
+/// it was made, and a protocol's lines come with the volume that waited for them; so every step of
+/// the loop finds what it found when the run was measured. When the last volume has come, the lines
+/// that it may still need are read from the protocol's own file, if that is there.
+class JournalRun : public RunSource, public RunListener {
+public:
+    /// Makes the reader of the scanner's files, for a run that goes on.
+    using ReaderMaker = std::function<std::unique_ptr<VolumeReader>(const IntakeContext&)>;
+
+    JournalRun(PlayOptions options, PlayPurpose purpose, RunListeners& listeners);
+
+    /// Reads the head. False after a message.
+    [[nodiscard]] bool open();
+    [[nodiscard]] const RunHead& head() const { return head_; }
+    /// How far the journal could be read.
+    [[nodiscard]] const JournalScanResult& readSoFar() const { return cursor_.result(); }
+    /// For GoOn: what reads on, and the journal that is continued.
+    void setContinuation(ReaderMaker makeReader, RunJournal& journal);
+
+    [[nodiscard]] bool readSettings(RunSettings& settings,
+                                    const std::function<void()>& stopTimer) override;
+    [[nodiscard]] std::unique_ptr<VolumeReader> makeReader(const IntakeContext& context) override;
+    [[nodiscard]] bool loadMotionTarget(const RunSettings& settings, const FMRProject& project,
+                                        MotionCorrection& motion) override;
+
+    void runPrepared(QtCortivoDoc& document) override;
+    [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
+    void endOfVolume(const VolumeAtHand& hand) override;
+    void loopEnded(QtCortivoDoc& document) override;
+
+private:
+    friend class JournalReader;
+
+    [[nodiscard]] bool ownSettings() const { return options_.settingsFile.isEmpty(); }
+    [[nodiscard]] bool unpack(const InputFile& input, QString& path);
+    /// The next volume, if the journal has one, into `samples`.
+    [[nodiscard]] bool takeVolume(int volume, std::span<int16_t> samples);
+    void collectRecords();
+    void playProtocol();
+    [[nodiscard]] bool readProtocolOn();
+    void playUpTo(RecordMoment moment);
+    void goOnRecording(int latestVolume);
+
+    PlayOptions options_;
+    PlayPurpose purpose_;
+    RunListeners& listeners_;
+    JournalCursor cursor_;
+    RunHead head_;
+    std::vector<uint8_t> firstVolume_;
+    std::vector<uint8_t> motionTarget_;
+    std::vector<uint8_t> nextVolume_; ///< payload of its record; empty at the end
+    qint64 bytesWithVolume_ = 0;      ///< of the journal, up to and including the latest volume
+    std::vector<ListenerRecord> records_; ///< of the latest volume, not yet played
+    qsizetype linesPlayed_ = 0;
+    bool goesOn_ = false; ///< the recorded part has been played, and the run goes on
+    QTemporaryDir unpacked_;
+    QtCortivoDoc* document_ = nullptr;
+    ReaderMaker makeScannerReader_;
+    RunJournal* journal_ = nullptr;
+};

@@ -1,0 +1,27 @@
+// What a journal and a saved run have in common when they are played through preparation and loop.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "run/loop/run_source.h"
+
+struct PlayOptions {
+    QString path;         ///< of the journal (.vcj) or of the project (.fmr)
+    QString settingsFile; ///< other settings than those of the run; empty: its own
+    QString targetFolder; ///< where the results go; empty: where the run's were to go
+    bool atTR = false;    ///< else as fast as it goes
+};
+
+/// Reads `settings.settingsFilePath` for playing. In a run wrong keys end the program; here a file
+/// that can't be used is only told, and false.
+[[nodiscard]] bool readSettingsForPlaying(RunSettings& settings,
+                                          const std::function<void()>& stopTimer);
+
+/// Nothing is waited for, and nobody is asked: the run has been measured.
+void prepareForPlaying(RunSettings& settings, const PlayOptions& options);
+
+/// What the scanner said about the volumes; what the settings say about the run stays.
+void restoreHeader(FMRProject& project, const FMRHeader& recorded);
+
+/// False, after a message that names `path`, when the settings describe other sizes.
+[[nodiscard]] bool sizesAgree(const RunSettings& settings, const FMRHeader& recorded,
+                              const QString& path);

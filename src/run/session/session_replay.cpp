@@ -1,0 +1,92 @@
+// Operations on runs that were recorded before: recover, go on, replay.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/messages.h"
+#include "base/paths.h"
+#include "run/loop/status_text.h"
+#include "run/replay/journal_description.h"
+#include "run/replay/saved_run.h"
+#include "run/session/run_session.h"
+
+#include <QFileInfo>
+
+namespace {
+
+// A replay shows a run again; what the run gave stays as it is.
+bool hasFolderOfItsOwn(const QString& results, const QString& recorded) {
+    const QString target = QFileInfo(results).absoluteFilePath();
+    const bool same = results.isEmpty() ||
+                      paths::withTrailingSlash(target) ==
+                          paths::withTrailingSlash(QFileInfo(recorded).absoluteFilePath()) ||
+                      (QFileInfo::exists(target) && QFileInfo(target) == QFileInfo(recorded));
+    if (same)
+        showWarning(QStringLiteral("ERROR: The results of a replay would replace those of the run "
+                                   "in folder \"%1\". Choose another folder.")
+                        .arg(recorded));
+    return !same;
+}
+
+} // namespace
+
+JournalEnding RunSession::journalEnding() const {
+    if (!report.savedCompletely)
+        return JournalEnding::Unfinished;
+    return keepsJournals ? JournalEnding::Kept : JournalEnding::Removed;
+}
+
+void RunSession::endJournal(bool runDone) {
+    const bool holdsData = runDone && report.currentVolume >= 0;
+    const JournalEnding ending = holdsData ? journalEnding() : JournalEnding::Removed;
+    if (ending == JournalEnding::Unfinished && journal.isWriting())
+        showModelessWarning(
+            QStringLiteral("INFO: All volumes of this run are in its journal \"%1\". \"Recover "
+                           "Run...\" in the menu File saves the run from there.")
+                .arg(journal.path()));
+    journal.end(ending);
+}
+
+QStringList RunSession::unfinishedJournals() const {
+    return journal.list().journals();
+}
+
+void RunSession::endPlayedJournal(const JournalRun& source, const QString& path) {
+    const JournalScanResult& scan = source.readSoFar();
+    const QString loss = lossText(path, scan, report.currentVolume + 1);
+    if (!loss.isEmpty()) {
+        showModelessWarning(loss);
+        return journal.list().remove(path);
+    }
+    journal.endPlayed(path, scan.goodBytes, journalEnding());
+}
+
+bool RunSession::playJournal(const PlayOptions& options, PlayPurpose purpose) {
+    if (!phase.isIdle())
+        return false;
+    JournalRun source(options, purpose, listeners);
+    if (!source.open() || (purpose == PlayPurpose::Replay &&
+                           !hasFolderOfItsOwn(options.targetFolder, source.head().targetFolder)))
+        return false;
+    if (purpose == PlayPurpose::GoOn)
+        source.setContinuation(makeReader, journal);
+    return inPhase(Phase::Preparing, [&] {
+        settings.settingsFilePath =
+            options.settingsFile.isEmpty() ? source.head().settings.path : options.settingsFile;
+        if (purpose != PlayPurpose::Replay)
+            report.motionCorrectionFailed = source.head().motionCorrectionFailed;
+        const bool done = startRun(source);
+        if (purpose == PlayPurpose::GoOn)
+            endJournal(done);
+        else if (purpose == PlayPurpose::Recover && done && report.currentVolume >= 0)
+            endPlayedJournal(source, options.path);
+        return done;
+    });
+}
+
+bool RunSession::playSavedRun(const PlayOptions& options, bool isOwn) {
+    SavedRun source(options, isOwn);
+    return phase.isIdle() && source.open() &&
+           hasFolderOfItsOwn(options.targetFolder, paths::folderWithSlash(options.path)) &&
+           inPhase(Phase::Preparing, [&] {
+               settings.settingsFilePath = options.settingsFile;
+               return startRun(source);
+           });
+}
