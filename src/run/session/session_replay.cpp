@@ -45,7 +45,9 @@ void RunSession::endJournal(bool runDone) {
 }
 
 QStringList RunSession::unfinishedJournals() const {
-    return journal.list().journals();
+    QStringList journals = journal.list().journals();
+    journals.removeIf(journalIsInUse);
+    return journals;
 }
 
 void RunSession::endPlayedJournal(const JournalRun& source, const QString& path) {
