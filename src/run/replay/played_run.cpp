@@ -5,10 +5,27 @@
 #include "base/paths.h"
 #include "run/settings/settings_file.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 bool readSettingsForPlaying(RunSettings& settings, const std::function<void()>& stopTimer) {
     RunSettings inspected = settings;
     return readSettingsFile(inspected, SettingsUse::Inspection, stopTimer) &&
            readSettingsFile(settings, SettingsUse::Recorded, stopTimer);
+}
+
+QString replayFolderFault(const QString& results, const QString& ofTheRun) {
+    const QFileInfo target(results);
+    const QFileInfo recorded(ofTheRun);
+    const auto path = [](const QFileInfo& folder) {
+        return paths::withTrailingSlash(QDir::cleanPath(folder.absoluteFilePath()));
+    };
+    const bool isOther = !results.isEmpty() && path(target) != path(recorded) &&
+                         !(target.exists() && target == recorded);
+    return isOther ? QString()
+                   : QStringLiteral("ERROR: The results of a replay would replace those of the run "
+                                    "in folder \"%1\". Choose another folder.")
+                         .arg(ofTheRun);
 }
 
 void prepareForPlaying(RunSettings& settings, const PlayOptions& options) {

@@ -16,6 +16,10 @@ struct PlayOptions {
 [[nodiscard]] bool readSettingsForPlaying(RunSettings& settings,
                                           const std::function<void()>& stopTimer);
 
+/// Why the results of a replay can't go into a folder, for the operator: that of the run itself
+/// keeps what the run gave. Empty when they can.
+[[nodiscard]] QString replayFolderFault(const QString& results, const QString& ofTheRun);
+
 /// Nothing is waited for, and nobody is asked: the run has been measured.
 void prepareForPlaying(RunSettings& settings, const PlayOptions& options);
 
