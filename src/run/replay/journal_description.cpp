@@ -48,6 +48,11 @@ std::optional<JournalDescription> describeJournal(const QString& path) {
     return description;
 }
 
+QString noJournalText(const QString& path) {
+    return QStringLiteral("\"%1\" is not the journal of a run, or its beginning is damaged.")
+        .arg(path);
+}
+
 QString lossText(const QString& path, const JournalScanResult& scan, int nrOfVolumes) {
     if (scan.end == JournalEnd::Whole || scan.end == JournalEnd::CutOff)
         return {};

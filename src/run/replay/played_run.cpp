@@ -14,6 +14,22 @@ bool readSettingsForPlaying(RunSettings& settings, const std::function<void()>& 
            readSettingsFile(settings, SettingsUse::Recorded, stopTimer);
 }
 
+QString typedFolder(const QString& text) {
+    return paths::withTrailingSlash(paths::withForwardSlashes(text.trimmed()));
+}
+
+QString resultsFolderFault(const QString& folder) {
+    if (!QDir::isAbsolutePath(folder))
+        return "Choose a folder for the results, with its full path.";
+    QFileInfo existing(QDir::cleanPath(folder));
+    while (!existing.exists() && !existing.isRoot())
+        existing.setFile(existing.path());
+    return existing.isDir() && existing.isWritable()
+               ? QString()
+               : QStringLiteral("The folder \"%1\" can not be written. Choose another one.")
+                     .arg(folder);
+}
+
 QString replayFolderFault(const QString& results, const QString& ofTheRun) {
     const QFileInfo target(results);
     const QFileInfo recorded(ofTheRun);
@@ -23,7 +39,7 @@ QString replayFolderFault(const QString& results, const QString& ofTheRun) {
     const bool isOther = !results.isEmpty() && path(target) != path(recorded) &&
                          !(target.exists() && target == recorded);
     return isOther ? QString()
-                   : QStringLiteral("ERROR: The results of a replay would replace those of the run "
+                   : QStringLiteral("The results of a replay would replace those of the run "
                                     "in folder \"%1\". Choose another folder.")
                          .arg(ofTheRun);
 }

@@ -12,7 +12,7 @@ namespace {
 bool hasFolderOfItsOwn(const QString& results, const QString& ofTheRun) {
     const QString fault = replayFolderFault(results, ofTheRun);
     if (!fault.isEmpty())
-        showWarning(fault);
+        showWarning("ERROR: " + fault);
     return fault.isEmpty();
 }
 

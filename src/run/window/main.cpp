@@ -36,6 +36,7 @@ int main(int argc, char** argv) {
     window->show();
     splash->finish(window.get());
     splash.reset();
+    window->offerUnsavedRuns();
 
     const int status = QCoreApplication::exec();
     window.reset();
