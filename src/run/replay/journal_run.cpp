@@ -130,7 +130,8 @@ bool JournalRun::readSettings(RunSettings& settings, const std::function<void()>
         if (!unpack(head_.contrasts, settings.ContrastFile))
             return false;
     }
-    prepareForPlaying(settings, options_);
+    if (!prepareForPlaying(settings, options_))
+        return false;
     if (purpose_ == PlayPurpose::GoOn && !head_.watchFolder.isEmpty()) {
         if (settings.documentFirstFileName.startsWith(settings.WatchFolder))
             settings.documentFirstFileName =

@@ -44,19 +44,25 @@ QString replayFolderFault(const QString& results, const QString& ofTheRun) {
                          .arg(ofTheRun);
 }
 
-void prepareForPlaying(RunSettings& settings, const PlayOptions& options) {
+bool prepareForPlaying(RunSettings& settings, const PlayOptions& options) {
     settings.ShowGODlgAfterPreparation = false;
     settings.OverlayInplaneData = false;
     settings.pendingOverlayInplane = -1;
     settings.ForceTRDelay = options.atTR;
     settings.forceTRDelayRead = true;
-    if (options.targetFolder.isEmpty())
-        return;
-    const QString former = settings.TargetFolder;
-    settings.TargetFolder = paths::withTrailingSlash(options.targetFolder);
-    if (settings.FeedbackTargetFolder.startsWith(former))
-        settings.FeedbackTargetFolder =
-            settings.TargetFolder + settings.FeedbackTargetFolder.mid(former.size());
+    if (!options.targetFolder.isEmpty()) {
+        const QString former = settings.TargetFolder;
+        settings.TargetFolder = paths::withTrailingSlash(options.targetFolder);
+        if (settings.FeedbackTargetFolder.startsWith(former))
+            settings.FeedbackTargetFolder =
+                settings.TargetFolder + settings.FeedbackTargetFolder.mid(former.size());
+    }
+    if (QDir().mkpath(settings.TargetFolder))
+        return true;
+    showWarning(QStringLiteral("ERROR: The folder \"%1\" could not be created. Choose another one "
+                               "for the results.")
+                    .arg(settings.TargetFolder));
+    return false;
 }
 
 void restoreHeader(FMRProject& project, const FMRHeader& recorded) {

@@ -9,11 +9,13 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QHeaderView>
 #include <QPointer>
 
 namespace {
 
 constexpr int infoLines = 5;
+constexpr int columnGap = 16; // pixels
 
 } // namespace
 
@@ -21,6 +23,7 @@ RecoverRunDlg::RecoverRunDlg(RunSession& session, QWidget* parent)
     : QDialog(parent), ui_(std::make_unique<Ui::RecoverRunDlg>()), session_(session),
       journals_(offeredJournals(session.unfinishedJournals())) {
     ui_->setupUi(this);
+    ui_->JournalTable->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     // Room for the longest text, so that nothing moves from row to row.
     ui_->JournalInfo->setMinimumHeight(infoLines * fontMetrics().lineSpacing());
     connectControls();
@@ -71,6 +74,8 @@ void RecoverRunDlg::fillTable(int chosenRow) {
             table.setItem(row, column, new QTableWidgetItem(texts[column]));
     }
     table.resizeColumnsToContents();
+    for (int column = 0; column + 1 < table.columnCount(); ++column)
+        table.setColumnWidth(column, table.columnWidth(column) + columnGap);
     table.selectRow(chosenRow);
     showChosen();
 }
