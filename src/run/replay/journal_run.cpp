@@ -84,8 +84,8 @@ bool JournalRun::open() {
     const auto kept = [&] {
         return std::vector<uint8_t>(record.payload.begin(), record.payload.end());
     };
-    if (!take(RecordKind::Head) ||
-        !decodeHead(record.payload, head_) || !take(RecordKind::FirstVolume)) {
+    if (!take(RecordKind::Head) || !decodeHead(record.payload, head_) ||
+        !take(RecordKind::FirstVolume)) {
         showWarning(QStringLiteral("ERROR: \"%1\" is not the journal of a run, or its beginning "
                                    "is damaged.")
                         .arg(options_.path));
@@ -135,8 +135,7 @@ bool JournalRun::readSettings(RunSettings& settings, const std::function<void()>
     if (purpose_ == PlayPurpose::GoOn && !head_.watchFolder.isEmpty()) {
         if (settings.documentFirstFileName.startsWith(settings.WatchFolder))
             settings.documentFirstFileName =
-                head_.watchFolder +
-                settings.documentFirstFileName.mid(settings.WatchFolder.size());
+                head_.watchFolder + settings.documentFirstFileName.mid(settings.WatchFolder.size());
         settings.WatchFolder = head_.watchFolder;
     }
     return true;

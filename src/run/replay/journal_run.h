@@ -69,8 +69,8 @@ private:
     RunHead head_;
     std::vector<uint8_t> firstVolume_;
     std::vector<uint8_t> motionTarget_;
-    std::vector<uint8_t> nextVolume_; ///< payload of its record; empty at the end
-    qint64 bytesWithVolume_ = 0;      ///< of the journal, up to and including the latest volume
+    std::vector<uint8_t> nextVolume_;     ///< payload of its record; empty at the end
+    qint64 bytesWithVolume_ = 0;          ///< of the journal, up to and including the latest volume
     std::vector<ListenerRecord> records_; ///< of the latest volume, not yet played
     qsizetype linesPlayed_ = 0;
     bool goesOn_ = false; ///< the recorded part has been played, and the run goes on

@@ -139,10 +139,9 @@ void RunJournal::tellOfFault() {
     if (!writer_ || faultTold_ || writer_->fault() == JournalFault::None)
         return;
     faultTold_ = true;
-    const QString reason =
-        writer_->fault() == JournalFault::QueueFull
-            ? QStringLiteral("the disk is too slow")
-            : QStringLiteral("writing failed; the disk may be full, or gone");
+    const QString reason = writer_->fault() == JournalFault::QueueFull
+                               ? QStringLiteral("the disk is too slow")
+                               : QStringLiteral("writing failed; the disk may be full, or gone");
     showModelessWarning(QStringLiteral("WARNING: The journal \"%1\" of this run ends here: %2. The "
                                        "run goes on without: until it is saved, the data of "
                                        "further volumes are in memory only.")

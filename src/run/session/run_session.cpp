@@ -70,7 +70,8 @@ void RunSession::changeSettingsFile(const QString& path) {
 
 bool RunSession::measureRun() {
     ScannerRun source(makeReader);
-    const bool done = startRun(source, [this, &source] { journal.begin(parts(), source.inputs()); });
+    const bool done =
+        startRun(source, [this, &source] { journal.begin(parts(), source.inputs()); });
     endJournal(done);
     return done;
 }

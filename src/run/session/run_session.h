@@ -55,8 +55,9 @@ public:
     [[nodiscard]] QStringList unfinishedJournals() const;
     /// Plays the run in the journal as if it were measured now, and stays until that is saved.
     /// Recovered and gone on with, its results replace those of the run, and the journal goes once
-    /// they are on disk; replayed, they need a folder of their own. False, after a message, when the
-    /// journal can't be read or the run can't be prepared; false also unless the session is idle.
+    /// they are on disk; replayed, they need a folder of their own. False, after a message, when
+    /// the journal can't be read or the run can't be prepared; false also unless the session is
+    /// idle.
     bool playJournal(const PlayOptions& options, PlayPurpose purpose);
     /// Plays a saved run; `isOwn` as for SavedRun. False like playJournal().
     bool playSavedRun(const PlayOptions& options, bool isOwn);
