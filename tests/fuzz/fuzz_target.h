@@ -15,6 +15,7 @@ struct FuzzTarget {
 
 [[nodiscard]] std::vector<FuzzTarget> imageHeaderTargets();
 [[nodiscard]] std::vector<FuzzTarget> textFileTargets();
+[[nodiscard]] std::vector<FuzzTarget> journalTargets();
 
 /// Aborts when a parser breaks the contract of its header.
 inline void require(bool kept, const char* promise) {

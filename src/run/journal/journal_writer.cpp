@@ -204,6 +204,6 @@ void JournalWriter::fail() {
     writingFailed_ = true;
     if (fault_ == JournalFault::None)
         fault_ = JournalFault::WriteFailed;
-    queue_.drop(queue_.size());
+    queue_ = ByteRing();
     forced_.notify_all();
 }
