@@ -10,7 +10,8 @@
 using ReaderMaker = std::function<std::unique_ptr<VolumeReader>(const IntakeContext&)>;
 
 /// Reads settings, protocol and first volume and allocates what the loop needs. Returns the reader
-/// of the run's volumes; nullptr after a message when the run can't start.
+/// of the run's volumes; nullptr after a message when the run can't start, or without one when the
+/// pump gives up waiting. The target folder is locked then, unless another program holds it.
 [[nodiscard]] std::unique_ptr<VolumeReader> prepareRun(const RunParts& run,
                                                        const ReaderMaker& makeReader,
                                                        const std::function<void()>& stopTimer);

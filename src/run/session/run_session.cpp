@@ -13,6 +13,8 @@
 #include "stats/numerics/matrix_products.h"
 #include "volume/postprocessing_names.h"
 
+#include <QScopeGuard>
+
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : makeReader(makeVolumeReader), pump_(pump), display_(display) {
     numerics::initialiseNumerics();
@@ -21,8 +23,8 @@ RunSession::RunSession(EventPump& pump, RunDisplay& display)
 RunSession::~RunSession() = default;
 
 RunParts RunSession::parts() {
-    return {settings,  phase,    report, requests, intake, *functionalDocument,
-            listeners, display_, pump_};
+    return {settings,  phase,    report, requests,   intake, *functionalDocument,
+            listeners, display_, pump_,  targetLock_};
 }
 
 bool RunSession::inPhase(Phase first, const std::function<bool()>& work) {
@@ -92,6 +94,7 @@ bool RunSession::startRun() {
 
 bool RunSession::recordRun() {
     const RunParts run = parts();
+    const auto unlock = qScopeGuard([this] { targetLock_.release(); });
     const std::unique_ptr<VolumeReader> reader = prepareRun(run, makeReader, stopTimer);
     if (!reader) {
         closeProtocol(*functionalDocument);
