@@ -33,6 +33,8 @@ public:
     /// Reads the head. False after a message.
     [[nodiscard]] bool open();
     [[nodiscard]] const RunHead& head() const { return head_; }
+    /// Whether every volume that can be read has been played: the operator may stop a recovery.
+    [[nodiscard]] bool allPlayed() const { return nextVolume_.empty(); }
     /// How far the journal could be read.
     [[nodiscard]] const JournalScanResult& readSoFar() const { return cursor_.result(); }
     /// For GoOn: what reads on, and the journal that is continued.

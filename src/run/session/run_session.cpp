@@ -13,6 +13,8 @@
 #include "stats/numerics/matrix_products.h"
 #include "volume/postprocessing_names.h"
 
+#include <QScopeGuard>
+
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : journal(listeners, pump), makeReader(makeVolumeReader), pump_(pump), display_(display),
       operatorRecords_(listeners, requests) {
@@ -22,8 +24,8 @@ RunSession::RunSession(EventPump& pump, RunDisplay& display)
 RunSession::~RunSession() = default;
 
 RunParts RunSession::parts() {
-    return {settings,  phase,    report, requests, intake, *functionalDocument,
-            listeners, display_, pump_};
+    return {settings,  phase,    report, requests,   intake, *functionalDocument,
+            listeners, display_, pump_,  targetLock_};
 }
 
 bool RunSession::inPhase(Phase first, const std::function<bool()>& work) {
@@ -101,6 +103,7 @@ bool RunSession::startRun(RunSource& source, const std::function<void()>& prepar
 
 bool RunSession::recordRun(RunSource& source, const std::function<void()>& prepared) {
     const RunParts run = parts();
+    const auto unlock = qScopeGuard([this] { targetLock_.release(); });
     const std::unique_ptr<VolumeReader> reader = prepareRun(run, source, stopTimer);
     if (!reader) {
         closeProtocol(*functionalDocument);

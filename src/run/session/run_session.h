@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/event_pump.h"
+#include "base/folder_lock.h"
 #include "base/messages.h"
 #include "intake/intake_context.h"
 #include "run/document/operator_requests.h"
@@ -134,5 +135,6 @@ private:
     RunDisplay& display_;
     OperatorRecords operatorRecords_;
     RunButtonState runButton_ = RunButtonState::Ready;
+    FolderLock targetLock_;
     bool clustersOutdated_ = false; ///< by a change outside the idle phase
 };

@@ -49,6 +49,8 @@ QStringList RunSession::unfinishedJournals() const {
 }
 
 void RunSession::endPlayedJournal(const JournalRun& source, const QString& path) {
+    if (!source.allPlayed())
+        return;
     const JournalScanResult& scan = source.readSoFar();
     const QString loss = lossText(path, scan, report.currentVolume + 1);
     if (!loss.isEmpty()) {

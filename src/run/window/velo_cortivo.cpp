@@ -4,6 +4,7 @@
 #include "dialogs/appearance.h"
 #include "dialogs/progress_boxes.h"
 #include "run/loop/status_text.h"
+#include "run/window/message_boxes.h"
 #include "run/window/program_dialogs.h"
 #include "run/window/title_row.h"
 #include "run/window/window_layout.h"
@@ -79,6 +80,12 @@ void VeloCortivo::closeEvent(QCloseEvent* event) {
     watch_.end();
     event->accept();
     QCoreApplication::quit();
+}
+
+void VeloCortivo::endProgramOrderly() {
+    pump_.giveUpWaiting();
+    cancelDialogsForGood();
+    close();
 }
 
 void VeloCortivo::workStarting() {

@@ -85,6 +85,7 @@ public Q_SLOTS:
     void slotSwitchWindowSize();
     void slotUpdateWindowSize();
     void slotClose() { close(); }
+    void endProgramOrderly();
     void slotExitVCO() { close(); }
     void slotShowLicenseInfoDlg();
     void slotShowAboutDlg();

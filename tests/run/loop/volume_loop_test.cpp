@@ -177,6 +177,16 @@ TEST_F(VolumeLoopTest, ForcedDelayHoldsEachVolumeToTheScannersCount) {
     EXPECT_TRUE(display.logTexts[2].contains("VolWaitTime: <b>1800</b>"));
 }
 
+TEST_F(VolumeLoopTest, ADelayThatIsGivenUpKeepsItsVolume) {
+    writeSession(6, 2, {{"ForceTRDelay:", "1"}});
+    pump.after(500, [this] { pump.giveUpWaiting(); });
+    session.runButtonPressed();
+    EXPECT_LE(pump.milliseconds(), 550);
+    EXPECT_EQ(session.report.currentVolume, 1);
+    EXPECT_TRUE(session.report.savedCompletely);
+    EXPECT_EQ(session.report.interruptedAtVolume, 1);
+}
+
 TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
     const std::tuple<QMap<QString, QString>, MessageLevel, QString> cases[] = {
         {{{"StimulationProtocol:", "\"<none>\""}},
