@@ -104,11 +104,18 @@ void RunJournal::goOn(const QString& path, qint64 wholeBytes, int latestVolume) 
                                 .arg(path));
 }
 
+bool RunJournal::holdsRun() {
+    return writer_ && writer_->finish() && writer_->fault() == JournalFault::None &&
+           QFile::exists(path_);
+}
+
 void RunJournal::end(JournalEnding ending) {
     if (path_.isEmpty())
         return;
     if (ending == JournalEnding::Kept)
         add(RecordKind::Saved, {});
+    if (writer_ && ending == JournalEnding::Removed)
+        writer_->abandon();
     writer_.reset();
     if (ending == JournalEnding::Removed)
         QFile::remove(path_);

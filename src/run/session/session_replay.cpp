@@ -36,8 +36,8 @@ JournalEnding RunSession::journalEnding() const {
 void RunSession::endJournal(bool runDone) {
     const bool holdsData = runDone && report.currentVolume >= 0;
     const JournalEnding ending = holdsData ? journalEnding() : JournalEnding::Removed;
-    if (ending == JournalEnding::Unfinished && journal.isWriting())
-        showModelessWarning(
+    if (ending == JournalEnding::Unfinished && journal.holdsRun())
+        showModelessInformation(
             QStringLiteral("INFO: All volumes of this run are in its journal \"%1\". \"Recover "
                            "Run...\" in the menu File saves the run from there.")
                 .arg(journal.path()));
