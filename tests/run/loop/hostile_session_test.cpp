@@ -169,9 +169,9 @@ TEST_P(HostileSessionTest, AWaitThatIsGivenUpEndsTheRunWithoutAWord) {
                 if (bytes.isEmpty())
                     QFile::remove(hostile.watchFolder() + file.name);
             }
-            hostile.pump.after(900, [&] { hostile.pump.giveUpWaiting(); });
+            hostile.pump.after(500, [&] { hostile.pump.giveUpWaiting(); });
             expectMessages(hostile.run(), {});
-            EXPECT_LE(hostile.pump.milliseconds(), 1100);
+            EXPECT_LE(hostile.pump.milliseconds(), 650);
             EXPECT_EQ(hostile.session.report.startFailed, volume == 0);
             EXPECT_EQ(hostile.session.report.currentVolume, volume == 0 ? -1 : 3);
             if (volume > 0) {

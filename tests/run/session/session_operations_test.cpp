@@ -254,15 +254,16 @@ TEST_F(SessionOperations, ARunHoldsItsTargetFolderOrAsks) {
         inPhase(phase, [&] { EXPECT_FALSE(isFree()); });
     EXPECT_TRUE(isFree());
 
-    ASSERT_TRUE(other.take(path("results")));
+    put("results/velo-cortivo.lock", "77\nvelo-cortivo\nelsewhere\nanother computer\n");
     for (const bool answer : {false, true}) {
-        messages.expectQuestion("WARNING: Another Velo-Cortivo (process *", answer);
+        messages.expectQuestion("WARNING: Another Velo-Cortivo (process 77 on host elsewhere) *",
+                                answer);
         session.setRunButton(RunButtonState::Ready);
         session.runButtonPressed();
         EXPECT_EQ(session.report.startFailed, !answer);
         EXPECT_EQ(session.report.currentVolume, answer ? 29 : -1);
     }
-    EXPECT_FALSE(FolderLock().take(path("results"))) << "left to the other program";
+    EXPECT_TRUE(isFree()) << "taken over";
 }
 
 TEST_F(SessionOperations, BackgroundFollowsTheChosenVolume) {
