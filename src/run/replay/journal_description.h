@@ -23,5 +23,6 @@ struct JournalDescription {
 describeJournal(const QString& path, const std::function<bool()>& takePart = {});
 
 /// What could not be read back, for the operator; empty for a journal that is whole or that the end
-/// of the program cut off within the record that was being written.
-[[nodiscard]] QString lossText(const QString& path, const JournalScanResult& scan, int nrOfVolumes);
+/// of the program cut off within the record that was being written. `size` of its volumes.
+[[nodiscard]] QString lossText(const QString& path, const JournalScanResult& scan, int nrOfVolumes,
+                               const VolumeSize& size);

@@ -5,25 +5,33 @@
 #include "base/paths.h"
 #include "run/settings/settings_file.h"
 
+#include <QDir>
+
 bool readSettingsForPlaying(RunSettings& settings, const std::function<void()>& stopTimer) {
     RunSettings inspected = settings;
     return readSettingsFile(inspected, SettingsUse::Inspection, stopTimer) &&
            readSettingsFile(settings, SettingsUse::Recorded, stopTimer);
 }
 
-void prepareForPlaying(RunSettings& settings, const PlayOptions& options) {
+bool prepareForPlaying(RunSettings& settings, const PlayOptions& options) {
     settings.ShowGODlgAfterPreparation = false;
     settings.OverlayInplaneData = false;
     settings.pendingOverlayInplane = -1;
     settings.ForceTRDelay = options.atTR;
     settings.forceTRDelayRead = true;
-    if (options.targetFolder.isEmpty())
-        return;
-    const QString former = settings.TargetFolder;
-    settings.TargetFolder = paths::withTrailingSlash(options.targetFolder);
-    if (settings.FeedbackTargetFolder.startsWith(former))
-        settings.FeedbackTargetFolder =
-            settings.TargetFolder + settings.FeedbackTargetFolder.mid(former.size());
+    if (!options.targetFolder.isEmpty()) {
+        const QString former = settings.TargetFolder;
+        settings.TargetFolder = paths::withTrailingSlash(options.targetFolder);
+        if (settings.FeedbackTargetFolder.startsWith(former))
+            settings.FeedbackTargetFolder =
+                settings.TargetFolder + settings.FeedbackTargetFolder.mid(former.size());
+    }
+    if (!settings.TargetFolder.isEmpty() && QDir().mkpath(settings.TargetFolder))
+        return true;
+    showWarning(QStringLiteral("ERROR: The folder \"%1\" for the results can not be created. "
+                               "Choose another one.")
+                    .arg(settings.TargetFolder));
+    return false;
 }
 
 void restoreHeader(FMRProject& project, const FMRHeader& recorded) {

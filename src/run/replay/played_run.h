@@ -16,8 +16,9 @@ struct PlayOptions {
 [[nodiscard]] bool readSettingsForPlaying(RunSettings& settings,
                                           const std::function<void()>& stopTimer);
 
-/// Nothing is waited for, and nobody is asked: the run has been measured.
-void prepareForPlaying(RunSettings& settings, const PlayOptions& options);
+/// Nothing is waited for, and nobody is asked: the run has been measured. Creates the folder of the
+/// results; false, after a message, when that fails.
+[[nodiscard]] bool prepareForPlaying(RunSettings& settings, const PlayOptions& options);
 
 /// What the scanner said about the volumes; what the settings say about the run stays.
 void restoreHeader(FMRProject& project, const FMRHeader& recorded);

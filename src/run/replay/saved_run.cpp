@@ -95,8 +95,7 @@ bool SavedRun::readSettings(RunSettings& settings, const std::function<void()>& 
         settings.RealTimeProtocol.clear();
         settings.StimulationProtocol = recorded;
     }
-    prepareForPlaying(settings, options_);
-    return true;
+    return prepareForPlaying(settings, options_);
 }
 
 std::unique_ptr<VolumeReader> SavedRun::makeReader(const IntakeContext& context) {

@@ -52,7 +52,8 @@ void RunSession::endPlayedJournal(const JournalRun& source, const QString& path)
     if (!source.allPlayed())
         return;
     const JournalScanResult& scan = source.readSoFar();
-    const QString loss = lossText(path, scan, report.currentVolume + 1);
+    const QString loss =
+        lossText(path, scan, report.currentVolume + 1, source.head().project.size());
     if (!loss.isEmpty()) {
         showModelessWarning(loss);
         return journal.list().remove(path);

@@ -25,6 +25,8 @@ public:
 
     bool readFirstVolume() override {
         fill(project_.firstVolume.span(), 0);
+        for (int16_t& sample : project_.firstVolume.span())
+            sample = int16_t(sample + script_.firstSample);
         return script_.firstVolumeComes;
     }
     bool readVolume(int volume) override {

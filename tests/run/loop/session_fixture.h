@@ -85,6 +85,7 @@ private:
 struct Script {
     int lastVolume = 1000000; ///< the one after it never comes
     bool firstVolumeComes = true;
+    int firstSample = 0;               ///< added to all samples of the first volume
     qint64 millisecondsPerVolume = 0;  ///< simulated time that each volume takes
     std::function<void(int)> atVolume; ///< called when the volume has been read
 };

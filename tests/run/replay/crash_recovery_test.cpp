@@ -120,6 +120,7 @@ TEST_P(KilledRun, IsRecoveredAsIfItHadBeenStoppedThere) {
         const JournalCount count = countJournal(journal);
         SCOPED_TRACE(testing::Message() << "round " << round << ", " << moment << " us, read "
                                         << volumesRead << ", kept " << count.volumes);
+        RecordProperty("volumesAtKill" + std::to_string(round), count.volumes);
         EXPECT_GE(count.volumes, volumesRead - 1) << "at most the volume in flight is missing";
         const bool goesOn = round % 4 == 3;
         trial.play(journal, goesOn ? PlayPurpose::GoOn : PlayPurpose::Recover, count.changes);
