@@ -98,6 +98,9 @@ using MeasuredSample = std::function<int(size_t voxel, int volume)>;
 [[nodiscard]] int savedVolumes(const QByteArray& data, size_t sliceSamples, size_t nrOfSlices,
                                const MeasuredSample& measured);
 
+/// Cuts a journal behind its first volumes, as a crash does.
+void cutJournal(const QString& path, int volumes);
+
 /// One sample of a scripted volume: above the mask threshold, different at each voxel and volume.
 [[nodiscard]] int16_t scriptedSample(size_t voxel, int volume);
 

@@ -1,9 +1,7 @@
 // Recovering and replaying runs, and what happens when that can't be done.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/journal/journal_scan.h"
 #include "run/loop/session_fixture.h"
 #include "run/replay/journal_description.h"
-#include "run/replay/journal_records.h"
 
 namespace {
 
@@ -24,17 +22,6 @@ protected:
         const QStringList kept = QDir(path("results")).entryList({"*.vcj"});
         ASSERT_EQ(kept.size(), 1);
         ASSERT_TRUE(QFile::rename(path("results/" + kept.front()), path("run.vcj")));
-    }
-    /// Cuts the journal behind its first volumes, as a crash does.
-    void cutBehind(int volumes) {
-        qint64 end = 0;
-        int found = 0;
-        JournalCursor cursor(path("run.vcj"));
-        for (JournalRecord record; found < volumes && cursor.next(record);) {
-            found += RecordKind(record.kind) == RecordKind::MeasuredVolume;
-            end = cursor.goodBytes();
-        }
-        ASSERT_TRUE(QFile::resize(path("run.vcj"), end));
     }
     [[nodiscard]] PlayOptions playing(const QString& target = {},
                                       const QString& name = "run.vcj") const {
@@ -105,7 +92,7 @@ TEST_F(PlayingTest, OtherSettingsMustFitTheVolumes) {
 
 TEST_F(PlayingTest, DamageIsToldAndTheFileStays) {
     recordRun();
-    cutBehind(15);
+    cutJournal(path("run.vcj"), 15);
     const QByteArray whole = content("run.vcj");
     const qint64 volumeBytes = 8 * 8 * 4 * 2 + 40; // samples and what stands around them
     const struct {
@@ -198,7 +185,7 @@ TEST_F(PlayingTest, WhereNoJournalCanBeWrittenTheRunGoesOnWithout) {
 
 TEST_F(PlayingTest, ARunOfAnotherSeriesIsNotGoneOnWith) {
     recordRun();
-    cutBehind(12);
+    cutJournal(path("run.vcj"), 12);
     script.firstSample = 7; // the scanner's folder holds another series by now
     messages.expect(MessageLevel::Warning, "ERROR: The first file in folder*");
     EXPECT_FALSE(session.playJournal(playing(), PlayPurpose::GoOn));
