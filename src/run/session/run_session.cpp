@@ -45,8 +45,22 @@ void RunSession::runButtonPressed() {
         return;
     if (phase.canBeStopped())
         return requests.stopRun();
-    if (phase.isIdle() && runButton_ != RunButtonState::NoSettingsFile)
+    if (phase.isIdle() && runButton_ != RunButtonState::NoSettingsFile && mayLeaveRun())
         inPhase(Phase::Preparing, [this] { return measureRun(); });
+}
+
+bool RunSession::mayLeaveRun() {
+    if (!report.onlyInMemory || !phase.isIdle())
+        return true;
+    const bool saveFirst = askQuestion(
+        QStringLiteral("WARNING: The run \"%1\" is only in memory: neither its results nor its "
+                       "journal could be written.\n\nDo you want to save it in folder \"%2\" "
+                       "first? With \"No\" its data are lost.")
+            .arg(settings.ProjectName, functionalDocument->project.targetFolder));
+    report.onlyInMemory = saveFirst && !inPhase(Phase::Saving, [this] {
+                              return report.savedCompletely = saveRecordedData(parts());
+                          });
+    return !report.onlyInMemory;
 }
 
 void RunSession::requestStop() {
@@ -121,7 +135,7 @@ bool RunSession::recordRun(RunSource& source, const std::function<void()>& prepa
 }
 
 bool RunSession::reloadData() {
-    if (!phase.isIdle() || settings.settingsFilePath.isEmpty())
+    if (!phase.isIdle() || settings.settingsFilePath.isEmpty() || !mayLeaveRun())
         return false;
     return inPhase(Phase::Reloading, [this] {
         report.forgetVolumes();

@@ -33,6 +33,9 @@ public:
     /// The press of the run button, and auto-start: starts a run and stays until it is saved; while
     /// a run is prepared or recorded, asks it to stop; in other phases nothing.
     void runButtonPressed();
+    /// When the run in memory is nowhere else, asks whether to save it first, and does so. False
+    /// when it is still nowhere else, and the operator has not given it up.
+    [[nodiscard]] bool mayLeaveRun();
     /// Asks a run that is prepared or recorded to stop after the volume that it waits for.
     void requestStop();
 

@@ -234,7 +234,7 @@ bool SettingsFileWatch::setSettingsFile(const QString& name) {
                                                                       : master_.settingsDirectory,
                                   "Velo-Cortivo settings files (*.vco)");
     // Auto-start may have begun a run while the chooser was open.
-    if (chosen.isEmpty() || !session_.phase.isIdle())
+    if (chosen.isEmpty() || !session_.phase.isIdle() || !session_.mayLeaveRun())
         return false;
     chosen = paths::withForwardSlashes(chosen);
     master_.settingsDirectory = remembered_.settingsDirectory = paths::folderWithSlash(chosen);

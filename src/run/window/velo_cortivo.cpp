@@ -77,6 +77,10 @@ void VeloCortivo::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    if (!session_.mayLeaveRun()) {
+        event->ignore();
+        return;
+    }
     watch_.end();
     event->accept();
     QCoreApplication::quit();

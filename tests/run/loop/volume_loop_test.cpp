@@ -278,6 +278,16 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
         EXPECT_TRUE(mended);
         EXPECT_EQ(session.report.savedCompletely, again);
         EXPECT_EQ(session.report.outcomeText.contains("<b>not saved completely</b>"), !again);
+        EXPECT_EQ(session.report.onlyInMemory, !again) << "the journal went with the folder";
+        messages.onQuestion = {};
+        // What exists nowhere else is not replaced without a word.
+        if (!again) {
+            QFile::remove(path("results"));
+            messages.expectQuestion("WARNING: The run \"test\" is only in memory*", true);
+            EXPECT_TRUE(session.mayLeaveRun());
+            EXPECT_EQ(savedVolumes(), 14);
+            EXPECT_FALSE(session.report.onlyInMemory);
+        }
     }
     EXPECT_EQ(savedVolumes(), 14);
 
