@@ -52,15 +52,18 @@ void RunSession::runButtonPressed() {
 bool RunSession::mayLeaveRun() {
     if (!report.onlyInMemory || !phase.isIdle())
         return true;
-    const bool saveFirst = askQuestion(
-        QStringLiteral("WARNING: The run \"%1\" is only in memory: neither its results nor its "
-                       "journal could be written.\n\nDo you want to save it in folder \"%2\" "
-                       "first? With \"No\" its data are lost.")
-            .arg(settings.ProjectName, functionalDocument->project.targetFolder));
+    const bool programEnds = pump_.waitsGivenUp(); // nobody answers any more
+    const bool saveFirst =
+        programEnds ||
+        askQuestion(
+            QStringLiteral("WARNING: The run \"%1\" is only in memory: neither its results nor its "
+                           "journal could be written.\n\nDo you want to save it in folder \"%2\" "
+                           "first? With \"No\" its data are lost.")
+                .arg(settings.ProjectName, functionalDocument->project.targetFolder));
     report.onlyInMemory = saveFirst && !inPhase(Phase::Saving, [this] {
                               return report.savedCompletely = saveRecordedData(parts());
                           });
-    return !report.onlyInMemory;
+    return programEnds || !report.onlyInMemory;
 }
 
 void RunSession::requestStop() {
