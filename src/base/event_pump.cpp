@@ -58,7 +58,7 @@ void QtEventPump::pumpUntil(int milliseconds, const bool& done) {
     wakeUp.setSingleShot(true);
     wakeUp.start(milliseconds);
     const qint64 end = this->milliseconds() + milliseconds;
-    while (!done && this->milliseconds() < end && wakeUp.isActive())
+    while (!done && !waitsGivenUp() && this->milliseconds() < end && wakeUp.isActive())
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
     QCoreApplication::processEvents();
 }

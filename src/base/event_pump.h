@@ -24,8 +24,15 @@ public:
         pumpWait(milliseconds);
         return false;
     }
+    /// The program is to end: from now on no wait lasts. Whoever waits in a loop looks at
+    /// waitsGivenUp() and ends as if nothing would come any more, but without a message.
+    void giveUpWaiting() { waitsGivenUp_ = true; }
+    [[nodiscard]] bool waitsGivenUp() const { return waitsGivenUp_; }
     /// Milliseconds since an arbitrary origin, never going back.
     [[nodiscard]] virtual qint64 milliseconds() const = 0;
+
+private:
+    bool waitsGivenUp_ = false;
 };
 
 /// The pump of the running program. It sleeps between events instead of spinning, so that a wait

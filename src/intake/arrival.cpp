@@ -95,7 +95,7 @@ QString awaitFile(const ExpectedFile& expected, const WaitTimes& times, EventPum
                 return name;
             unsettled = true;
         }
-        if (watch.elapsed() > times.timeOutMilliseconds)
+        if (pump.waitsGivenUp() || watch.elapsed() > times.timeOutMilliseconds)
             return {};
         // A file that changes is tested again without a pause: its settling time was one.
         if (!unsettled)

@@ -29,7 +29,8 @@ struct WaitTimes {
 
 /// Blocks, processing events, until one of the names has passed the arrival test and the size and
 /// times of the file have not changed for the settling time: a copy may be created at its full size
-/// and filled later. Returns the name, or an empty string on a time-out.
+/// and filled later. Returns the name, or an empty string on a time-out or when the pump gives up
+/// waiting.
 ///
 /// A change of the folder, if the system reports it, starts the next round early. After one second
 /// the folder is listed in each round, since a network mount may have cached that a file is

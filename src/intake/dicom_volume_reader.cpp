@@ -25,7 +25,7 @@ DicomVolumeReader::awaitImage(const ExpectedFile& expected, Stage stage, size_t 
                                    pump());
     if (!path.isEmpty())
         return readImage(path, watch, stage, nrOfSamples);
-    if (stage == Stage::FirstVolume)
+    if (stage == Stage::FirstVolume && !pump().waitsGivenUp())
         explainLateFile(expected.names);
     return std::nullopt;
 }
@@ -53,6 +53,8 @@ std::optional<DicomVolumeReader::Image> DicomVolumeReader::readImage(const QStri
         const bool whole = found && found->statedLength && samples.size() >= *found->statedLength;
         if (!whole && waitAgain(watch))
             continue;
+        if (pump().waitsGivenUp())
+            return std::nullopt;
         showWarning(found ? QString("ERROR: File \"%1\" holds less image data than stated in the "
                                     "settings file !")
                                 .arg(fileName)

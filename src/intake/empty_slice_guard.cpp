@@ -16,7 +16,8 @@ bool EmptySliceGuard::readFilled(int volume) {
         return false;
     const StopWatch waited(context_.pump);
     int late = lateSlice(volume);
-    while (late >= 0 && double(waited.elapsed()) < double(context_.project.TR) &&
+    while (late >= 0 && !context_.pump.waitsGivenUp() &&
+           double(waited.elapsed()) < double(context_.project.TR) &&
            total.elapsed() < context_.settings.timeOutMilliseconds) {
         context_.pump.pumpWait(pollMilliseconds);
         // If the file has disappeared meanwhile, what was read is kept.
@@ -24,7 +25,7 @@ bool EmptySliceGuard::readFilled(int volume) {
             break;
         late = lateSlice(volume);
     }
-    if (late >= 0)
+    if (late >= 0 && !context_.pump.waitsGivenUp())
         warn(volume, late);
     wasEmpty_.swap(isEmpty_);
     return true;

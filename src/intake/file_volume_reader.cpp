@@ -25,7 +25,7 @@ void FileVolumeReader::takeFirstFile(const QString& path) {
 }
 
 bool FileVolumeReader::waitAgain(const StopWatch& watch, int pollMilliseconds) {
-    if (watch.elapsed() > settings().timeOutMilliseconds)
+    if (pump().waitsGivenUp() || watch.elapsed() > settings().timeOutMilliseconds)
         return false;
     pump().pumpWait(pollMilliseconds);
     return true;
@@ -45,7 +45,7 @@ bool FileVolumeReader::readPart(const QString& fileName, const FilePart& part,
         if (result == FileBytes::Result::NoMemory)
             return failWith(memoryMessage + fileName + " !");
         if (!waitAgain(watch))
-            return failWith("ERROR: Can not open file !");
+            return !pump().waitsGivenUp() && failWith("ERROR: Can not open file !");
     }
 }
 

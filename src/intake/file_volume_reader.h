@@ -37,7 +37,7 @@ protected:
     void takeFirstFile(const QString& path);
 
     /// Waits for the next poll. False, without waiting, if `watch` has passed the time-out of a
-    /// file.
+    /// file, or when the pump has given up waiting.
     [[nodiscard]] bool waitAgain(const StopWatch& watch, int pollMilliseconds = 100);
     /// Reads the whole file, or `length` bytes at `offset`, into the buffer; one that can't be
     /// opened is tried again until `watch` has passed the time-out. False after a message; for a

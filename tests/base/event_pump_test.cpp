@@ -41,6 +41,15 @@ TEST(QtEventPump, AWaitEndsWithAChangeOfItsFolders) {
     EXPECT_TRUE(pump.pumpWaitForChange(longWait, later));
 }
 
+TEST(QtEventPump, NoWaitLastsOnceWaitingIsGivenUp) {
+    QtEventPump pump;
+    const StopWatch watch(pump);
+    QTimer::singleShot(20, [&] { pump.giveUpWaiting(); });
+    pump.pumpWait(longWait);
+    EXPECT_FALSE(pump.pumpWaitForChange(longWait, {}));
+    EXPECT_LT(watch.elapsed(), longWait);
+}
+
 TEST(QtEventPump, APlainWaitIsNotCutShort) {
     const QTemporaryDir folder;
     QtEventPump pump;

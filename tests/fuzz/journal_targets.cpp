@@ -2,8 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/byte_reader.h"
 #include "fuzz/fuzz_target.h"
+#include "run/document/qt_cortivo_doc.h"
 #include "run/journal/journal_framing.h"
 #include "run/journal/journal_scan.h"
+#include "run/replay/journal_records.h"
+#include "run/replay/operator_records.h"
 
 #include <algorithm>
 
@@ -64,8 +67,40 @@ bool journal(std::span<const uint8_t> bytes) {
     return true;
 }
 
+// The payloads of a run's journal, whatever kind they are said to be.
+bool runRecords(std::span<const uint8_t> bytes) {
+    RunHead head;
+    const bool isHead = decodeHead(bytes, head);
+    if (isHead) {
+        RunHead again;
+        require(decodeHead(encodeHead(head), again) &&
+                    again.settings.content == head.settings.content &&
+                    again.project.sliceTimes.size() == head.project.sliceTimes.size(),
+                "a head is written as it was read");
+    }
+    VolumeArrival arrival;
+    std::span<const uint8_t> samples;
+    const bool isVolume = decodeVolume(bytes, arrival, samples);
+    require(samples.size() <= bytes.size(), "samples are in their record");
+    ListenerRecord record;
+    const bool isListener = decodeListenerRecord(bytes, record);
+    RunListeners listeners;
+    OperatorRequests requests;
+    QtCortivoDoc document(QtCortivoDoc::Kind::Functional);
+    document.contrasts.NrOfContrasts = 1;
+    document.contrasts.ContrastSelectionStates = {ContrastOff};
+    document.contrasts.ContrastColors.resize(1);
+    OperatorRecords operatorRecords(listeners, requests);
+    operatorRecords.documentsArrived(document);
+    listeners.play(
+        {"maps", QByteArray(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()))});
+    listeners.play(record.record);
+    require(document.contrasts.ContrastSelectionStates.size() == 1, "contrasts keep their number");
+    return isHead || isVolume || isListener;
+}
+
 } // namespace
 
 std::vector<FuzzTarget> journalTargets() {
-    return {{"journal", journal}};
+    return {{"journal", journal}, {"run_records", runRecords}};
 }

@@ -25,6 +25,7 @@ struct RunReport {
     bool mapsPresent = false;    ///< there are maps to show
     bool runFinished = false;    ///< the current settings file has been analysed
     bool savedCompletely = true; ///< the run in memory is on disk, whole
+    bool onlyInMemory = false;   ///< neither its results nor its journal are
     /// The latest start failed: only the run button and a newly chosen settings file work.
     bool startFailed = false;
     /// Outcome of the latest run or reload, shown on the panel until something newer happens.

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -35,7 +36,15 @@ bool canNotForceOut(int error) {
     return error == EINVAL || error == ENOSYS || error == ENOTSUP;
 }
 
+/// A file that was removed with its folder takes bytes that nobody will find again.
+bool isInAFolder(QFile& file) {
+    struct stat status {};
+    return ::fstat(file.handle(), &status) != 0 || status.st_nlink > 0;
+}
+
 bool forceOutData(QFile& file) {
+    if (!isInAFolder(file))
+        return false;
     int result = 0;
     do {
 #ifdef Q_OS_LINUX

@@ -12,7 +12,8 @@ public:
     virtual ~JournalOutput() = default;
     /// Appends all of `bytes`. False when that fails; some of them may have been written then.
     [[nodiscard]] virtual bool write(std::span<const uint8_t> bytes) = 0;
-    /// Returns when all that was written is on the disk; false when that fails.
+    /// Returns when all that was written is on the disk; false when that fails, or when the file
+    /// was removed meanwhile.
     [[nodiscard]] virtual bool forceOut() = 0;
 };
 

@@ -105,6 +105,11 @@ bool JournalWriter::finish() {
     return onDisk();
 }
 
+void JournalWriter::abandon() {
+    const Lock lock(mutex_);
+    abandoned_ = true;
+}
+
 bool JournalWriter::makeRoom(size_t bytes) {
     if (bytes <= queue_.room())
         return true;
@@ -117,7 +122,9 @@ void JournalWriter::run(bool writeHead) {
     bool ended = false;
     while (good && !ended) {
         waitForWork(lock);
-        if (forceOutIsDue())
+        if (abandoned_)
+            ended = true;
+        else if (forceOutIsDue())
             good = forceOut(lock);
         else if (!queue_.empty())
             good = writeSomeRecords(lock);

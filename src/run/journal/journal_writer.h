@@ -34,7 +34,8 @@ public:
     /// not be made) the journal has failed from the beginning.
     explicit JournalWriter(std::unique_ptr<JournalOutput> output, bool writeHead = true,
                            JournalLimits limits = {});
-    /// Writes what is queued, forces it out and ends the thread: waits for the disk.
+    /// Writes what is queued, forces it out and ends the thread: waits for the disk, unless the
+    /// journal was abandoned.
     ~JournalWriter();
     JournalWriter(const JournalWriter&) = delete;
     JournalWriter& operator=(const JournalWriter&) = delete;
@@ -47,6 +48,9 @@ public:
     /// Waits until all that was taken is on the disk; false when writing failed. After `QueueFull`
     /// true means that the records before it are on the disk.
     bool finish();
+    /// Nobody needs the journal any more: what is queued is not written, and the disk is waited for
+    /// only as long as the piece takes that is being written.
+    void abandon();
 
 private:
     using Clock = std::chrono::steady_clock; // one that is never set
@@ -76,6 +80,7 @@ private:
     JournalFault fault_ = JournalFault::None;
     bool writingFailed_ = false;
     bool ending_ = false;
+    bool abandoned_ = false;
     // Bytes of records, counted from the beginning.
     uint64_t takenBytes_ = 0;
     uint64_t writtenBytes_ = 0;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/event_pump.h"
+#include "base/folder_lock.h"
 #include "intake/volume_reader.h"
 #include "run/document/operator_requests.h"
 #include "run/document/qt_cortivo_doc.h"
@@ -21,4 +22,5 @@ struct RunParts {
     RunListeners& listeners;
     RunDisplay& display;
     EventPump& pump;
+    FolderLock& targetLock; ///< on the target folder, from preparation until the run is saved
 };

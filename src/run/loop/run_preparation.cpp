@@ -15,6 +15,9 @@
 namespace {
 
 const QString outOfMemory = "FATAL ERROR: Can not get enough memory to continue !";
+const QString folderInUse =
+    "WARNING: Another Velo-Cortivo (%1) is using the folder \"%2\". Both would write their "
+    "results there.\n\nDo you want to start the run all the same?";
 
 bool failFatally(const QString& text, int status = 1) {
     showCritical(text);
@@ -39,6 +42,17 @@ bool readRunSettings(const RunParts& run, RunSource& source,
     requests.pendingOverlayVMR = settings.pendingOverlayVMR;
     requests.pendingOverlaySRF = settings.pendingOverlaySRF;
     requests.thresholds = thresholdsAtStart(settings.Threshold, settings.ClusterSizePixels);
+    return true;
+}
+
+// Two programs that save into one folder may overwrite each other's results.
+bool lockTargetFolder(const RunParts& run) {
+    const QString& folder = run.settings.TargetFolder;
+    if (run.targetLock.take(folder))
+        return true;
+    if (!askQuestion(folderInUse.arg(run.targetLock.holder(), folder)))
+        return false;
+    static_cast<void>(run.targetLock.takeOver(folder)); // without a lock if the other one lives
     return true;
 }
 
@@ -123,10 +137,11 @@ std::unique_ptr<VolumeReader> makeRunReader(const RunParts& run, RunSource& sour
     return reader;
 }
 
-bool readFirstVolume(VolumeReader& reader) {
+bool readFirstVolume(const RunParts& run, VolumeReader& reader) {
     if (reader.readFirstVolume())
         return true;
-    showWarning("TIME OUT: Expected first file did not arrive!");
+    if (!run.pump.waitsGivenUp())
+        showWarning("TIME OUT: Expected first file did not arrive!");
     return false;
 }
 
@@ -161,6 +176,8 @@ void prepareInplanes(const RunParts& run) {
         return;
     run.document.inplanes = {};
     run.requests.pendingOverlayInplane = -1;
+    if (run.pump.waitsGivenUp())
+        return;
     showModelessWarning(
         QStringLiteral("WARNING: The inplane images in \"%1\" did not arrive in time "
                        "or can not be read.\n\nThe run goes on without them.")
@@ -176,6 +193,8 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
     if (!readRunSettings(run, source, stopTimer))
         return nullptr;
     copySettingsToDocument(document, settings);
+    if (!lockTargetFolder(run))
+        return nullptr;
     if (!document.workingFolder.isEmpty())
         QDir::setCurrent(document.workingFolder);
     if (!readProtocol(run))
@@ -187,12 +206,12 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
         announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");
 
     std::unique_ptr<VolumeReader> reader = makeRunReader(run, source);
-    if (!reader || !reader->prepare() || !readFirstVolume(*reader) || !reader->readHeaders() ||
+    if (!reader || !reader->prepare() || !readFirstVolume(run, *reader) || !reader->readHeaders() ||
         !prepareMotionTarget(run, source))
         return nullptr;
     document.maps.MapType = MapKind::T;
     showFirstVolume(document);
     prepareInplanes(run);
     setUpContrasts(document, settings, settings.ContrastFile);
-    return reader;
+    return run.pump.waitsGivenUp() ? nullptr : std::move(reader);
 }

@@ -6,7 +6,8 @@
 #include "run/loop/run_source.h"
 
 /// Reads settings, protocol and first volume and allocates what the loop needs. Returns the reader
-/// of the run's volumes; nullptr after a message when the run can't start.
+/// of the run's volumes; nullptr after a message when the run can't start, or without one when the
+/// pump gives up waiting. The target folder is locked then, unless another program holds it.
 [[nodiscard]] std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
                                                        const std::function<void()>& stopTimer);
 

@@ -108,6 +108,8 @@ bool followProtocol(const RunParts& run, const Arriving& arriving, bool& interva
     intervalsChanged = update.intervalsChanged;
     run.pump.processEvents();
     while (!arriving.hasEnded() && !covers(run.document, arriving.coveredVolumes)) {
+        if (run.pump.waitsGivenUp())
+            return false;
         if (waited.elapsed() > run.settings.timeOutMilliseconds) {
             showModelessWarning(arriving.timeOutText);
             return false;

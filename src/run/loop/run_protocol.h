@@ -19,7 +19,8 @@
 ///
 /// A log (.tdat) must cover the start of the volume, a real-time protocol (.rtp) that of the next
 /// one. False, after a message, when that does not come within timeOutMilliseconds, or when memory
-/// for the design runs out. Events are processed while it waits.
+/// for the design runs out; without one when the pump gives up waiting. Events are processed while
+/// it waits.
 [[nodiscard]] bool updateProtocol(const RunParts& run, int volumeIndex);
 
 /// The lines that are taken are recorded under this name; an empty one stands for a line that was

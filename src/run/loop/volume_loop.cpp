@@ -93,7 +93,7 @@ bool VolumeLoop::takeVolume() {
 
 bool VolumeLoop::readVolume() {
     stepClock_.restart();
-    if (!reader_.readVolume(volumeIndex_)) {
+    if (!reader_.readVolume(volumeIndex_) && !run_.pump.waitsGivenUp()) {
         if (reader_.isAtEnd())
             run_.report.interruptedAtVolume = run_.report.currentVolume;
         else
@@ -101,12 +101,13 @@ bool VolumeLoop::readVolume() {
         return false;
     }
     run_.report.times.readVolTime = stepClock_.elapsed();
-    if (!run_.requests.interruptFlag)
+    if (!run_.requests.interruptFlag && !run_.pump.waitsGivenUp())
         return true;
     run_.requests.interruptFlag = false;
     interrupted_ = true;
     // Not waited for: the data are in memory only until they are saved.
-    showModelessInformation("RECORDING INTERRUPTED BY USER");
+    if (!run_.pump.waitsGivenUp())
+        showModelessInformation("RECORDING INTERRUPTED BY USER");
     // The volume that was just read does not count.
     run_.report.interruptedAtVolume = run_.report.currentVolume;
     return false;
@@ -169,7 +170,7 @@ void VolumeLoop::holdToTR() {
     times.volWaitTime = dueAt(volumeIndex_) - runClock_.elapsed();
     constexpr qint64 closeEnough = 10; // milliseconds
     constexpr qint64 longestWait = 50; // so that a stop or a changed offset is seen soon
-    while (run_.requests.forceTRDelay) {
+    while (run_.requests.forceTRDelay && !run_.pump.waitsGivenUp()) {
         const qint64 left =
             dueAt(run_.settings.NrOfVolumesToSkip + volumeIndex_) - runClock_.elapsed();
         if (left < closeEnough)

@@ -53,14 +53,19 @@ QString noJournalText(const QString& path) {
         .arg(path);
 }
 
-QString lossText(const QString& path, const JournalScanResult& scan, int nrOfVolumes) {
-    if (scan.end == JournalEnd::Whole || scan.end == JournalEnd::CutOff)
+QString lossText(const QString& path, const JournalScanResult& scan, int nrOfVolumes,
+                 const VolumeSize& size) {
+    // A record whose length is damaged seems to be cut off as well, but more follows it.
+    constexpr qint64 mostOfOtherParts = 1 << 10; // bytes around the samples of a record
+    const qint64 lost = scan.fileBytes - scan.goodBytes;
+    const bool cutOffByEnd = scan.end == JournalEnd::CutOff &&
+                             lost <= qint64(size.samples() * sizeof(int16_t)) + mostOfOtherParts;
+    if (scan.end == JournalEnd::Whole || cutOffByEnd)
         return {};
     constexpr double bytesPerMegabyte = 1e6;
-    const QString rest =
-        QString::number(double(scan.fileBytes - scan.goodBytes) / bytesPerMegabyte, 'f', 1);
+    const QString rest = QString::number(double(lost) / bytesPerMegabyte, 'f', 1);
     const QString text =
-        scan.end == JournalEnd::Damaged
+        scan.end != JournalEnd::Unreadable
             ? QStringLiteral("WARNING: The journal \"%1\" is damaged after volume %2. The volumes "
                              "up to there come back; the %3 MB behind do not. The file is left "
                              "as it is.")

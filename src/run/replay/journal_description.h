@@ -17,14 +17,14 @@ struct JournalDescription {
     JournalScanResult scan;
 };
 
-/// Nothing when the file is no journal, or when its beginning is damaged. Passes over the samples, so
-/// that it takes a moment also for a long run; damage in them is found when the run is played.
+/// Nothing when the file is no journal, or when its beginning is damaged. Passes over the samples,
+/// so that it takes a moment also for a long run; damage in them is found when the run is played.
 [[nodiscard]] std::optional<JournalDescription> describeJournal(const QString& path);
 
 /// That the file is none of these, for the operator.
 [[nodiscard]] QString noJournalText(const QString& path);
 
 /// What could not be read back, for the operator; empty for a journal that is whole or that the end
-/// of the program cut off within the record that was being written.
-[[nodiscard]] QString lossText(const QString& path, const JournalScanResult& scan,
-                               int nrOfVolumes);
+/// of the program cut off within the record that was being written. `size` of its volumes.
+[[nodiscard]] QString lossText(const QString& path, const JournalScanResult& scan, int nrOfVolumes,
+                               const VolumeSize& size);

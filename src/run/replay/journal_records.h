@@ -21,7 +21,6 @@ enum class RecordKind : uint32_t {
     Saved = 7,     ///< the results are on disk, whole: there is nothing to recover
 };
 
-
 /// What a run was prepared from, and what preparation found out.
 struct RunHead {
     qint64 startedAt = 0; ///< milliseconds since 1970, UTC
@@ -39,9 +38,9 @@ struct RunHead {
 
 /// When a volume was complete.
 struct VolumeArrival {
-    int volume = 0;               ///< from 0
-    qint64 wallClock = 0;         ///< milliseconds since 1970, UTC; may jump
-    qint64 sinceFirstVolume = 0;  ///< milliseconds of a clock that doesn't
+    int volume = 0;              ///< from 0
+    qint64 wallClock = 0;        ///< milliseconds since 1970, UTC; may jump
+    qint64 sinceFirstVolume = 0; ///< milliseconds of a clock that doesn't
 };
 
 /// Where in the cycle of a volume a listener's record was made.

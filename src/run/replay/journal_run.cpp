@@ -33,22 +33,11 @@ public:
                (!scanner_ || scanner_->prepare());
     }
     [[nodiscard]] bool readFirstVolume() override {
-        if (scanner_ && !scanner_->readFirstVolume())
-            return false;
-        Volume& first = context_.project.firstVolume;
-        const std::vector<int16_t> found(first.data(), first.data() + first.size());
-        if (!copySamples(run_.firstVolume_, first.span()))
-            return false;
-        if (!scanner_ || std::ranges::equal(found, first.span()))
-            return true;
-        showWarning(QStringLiteral("ERROR: The first file in folder \"%1\" is not that of the run "
-                                   "in the journal: the run can be recovered, but not gone on "
-                                   "with.")
-                        .arg(context_.state.watchFolder));
-        return false;
+        return scanner_ ? scanner_->readFirstVolume()
+                        : copySamples(run_.firstVolume_, context_.project.firstVolume.span());
     }
     [[nodiscard]] bool readHeaders() override {
-        if (scanner_ && !scanner_->readHeaders())
+        if (scanner_ && (!scannerHasTheRun() || !scanner_->readHeaders()))
             return false;
         restoreHeader(context_.project, run_.head_.project);
         return true;
@@ -61,6 +50,19 @@ public:
     [[nodiscard]] bool isAtEnd() const override { return !scanner_; }
 
 private:
+    /// Another series may lie in the folder by now.
+    [[nodiscard]] bool scannerHasTheRun() const {
+        const std::span<const int16_t> found = context_.project.firstVolume.span();
+        std::vector<int16_t> recorded(found.size());
+        if (copySamples(run_.firstVolume_, recorded) && std::ranges::equal(found, recorded))
+            return true;
+        showWarning(QStringLiteral("ERROR: The first file in folder \"%1\" is not that of the run "
+                                   "in the journal. The run can be recovered, but the program can "
+                                   "not go on with it.")
+                        .arg(context_.state.watchFolder));
+        return false;
+    }
+
     JournalRun& run_;
     IntakeContext context_;
     std::unique_ptr<VolumeReader> scanner_; ///< null unless the run goes on
@@ -85,8 +87,8 @@ bool JournalRun::open() {
     const auto kept = [&] {
         return std::vector<uint8_t>(record.payload.begin(), record.payload.end());
     };
-    if (!take(RecordKind::Head) ||
-        !decodeHead(record.payload, head_) || !take(RecordKind::FirstVolume)) {
+    if (!take(RecordKind::Head) || !decodeHead(record.payload, head_) ||
+        !take(RecordKind::FirstVolume)) {
         showWarning("ERROR: " + noJournalText(options_.path));
         return false;
     }
@@ -130,16 +132,16 @@ bool JournalRun::readSettings(RunSettings& settings, const std::function<void()>
         if (!unpack(head_.contrasts, settings.ContrastFile))
             return false;
     }
-    if (!prepareForPlaying(settings, options_))
-        return false;
+    // A line of a protocol that has not come by now will not come.
+    if (purpose_ != PlayPurpose::GoOn)
+        settings.timeOutMilliseconds = 0;
     if (purpose_ == PlayPurpose::GoOn && !head_.watchFolder.isEmpty()) {
         if (settings.documentFirstFileName.startsWith(settings.WatchFolder))
             settings.documentFirstFileName =
-                head_.watchFolder +
-                settings.documentFirstFileName.mid(settings.WatchFolder.size());
+                head_.watchFolder + settings.documentFirstFileName.mid(settings.WatchFolder.size());
         settings.WatchFolder = head_.watchFolder;
     }
-    return true;
+    return prepareForPlaying(settings, options_);
 }
 
 std::unique_ptr<VolumeReader> JournalRun::makeReader(const IntakeContext& context) {

@@ -33,6 +33,8 @@ public:
     /// Reads the head. False after a message.
     [[nodiscard]] bool open();
     [[nodiscard]] const RunHead& head() const { return head_; }
+    /// Whether every volume that can be read has been played: the operator may stop a recovery.
+    [[nodiscard]] bool allPlayed() const { return nextVolume_.empty(); }
     /// How far the journal could be read.
     [[nodiscard]] const JournalScanResult& readSoFar() const { return cursor_.result(); }
     /// For GoOn: what reads on, and the journal that is continued.
@@ -69,8 +71,8 @@ private:
     RunHead head_;
     std::vector<uint8_t> firstVolume_;
     std::vector<uint8_t> motionTarget_;
-    std::vector<uint8_t> nextVolume_; ///< payload of its record; empty at the end
-    qint64 bytesWithVolume_ = 0;      ///< of the journal, up to and including the latest volume
+    std::vector<uint8_t> nextVolume_;     ///< payload of its record; empty at the end
+    qint64 bytesWithVolume_ = 0;          ///< of the journal, up to and including the latest volume
     std::vector<ListenerRecord> records_; ///< of the latest volume, not yet played
     qsizetype linesPlayed_ = 0;
     bool goesOn_ = false; ///< the recorded part has been played, and the run goes on

@@ -57,10 +57,10 @@ bool prepareForPlaying(RunSettings& settings, const PlayOptions& options) {
             settings.FeedbackTargetFolder =
                 settings.TargetFolder + settings.FeedbackTargetFolder.mid(former.size());
     }
-    if (QDir().mkpath(settings.TargetFolder))
+    if (!settings.TargetFolder.isEmpty() && QDir().mkpath(settings.TargetFolder))
         return true;
-    showWarning(QStringLiteral("ERROR: The folder \"%1\" could not be created. Choose another one "
-                               "for the results.")
+    showWarning(QStringLiteral("ERROR: The folder \"%1\" for the results can not be created. "
+                               "Choose another one.")
                     .arg(settings.TargetFolder));
     return false;
 }

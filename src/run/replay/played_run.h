@@ -27,8 +27,8 @@ struct PlayOptions {
 /// keeps what the run gave. Empty when they can.
 [[nodiscard]] QString replayFolderFault(const QString& results, const QString& ofTheRun);
 
-/// Nothing is waited for, and nobody is asked: the run has been measured. Creates the target
-/// folder; false, after a message, when that fails.
+/// Nothing is waited for, and nobody is asked: the run has been measured. Creates the folder of the
+/// results; false, after a message, when that fails.
 [[nodiscard]] bool prepareForPlaying(RunSettings& settings, const PlayOptions& options);
 
 /// What the scanner said about the volumes; what the settings say about the run stays.

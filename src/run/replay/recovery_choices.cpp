@@ -72,7 +72,8 @@ QStringList recoveryColumns(const JournalDescription& journal) {
 QString recoveryText(const JournalDescription& journal, qint64 now) {
     QStringList lines{endingText(journal, now), "Journal: " + journal.path,
                       settingsText(journal.head.settings.path)};
-    const QString loss = lossText(journal.path, journal.scan, journal.nrOfVolumes);
+    const QString loss =
+        lossText(journal.path, journal.scan, journal.nrOfVolumes, journal.head.project.size());
     if (!loss.isEmpty())
         lines.insert(1, loss);
     return lines.join('\n');

@@ -45,8 +45,8 @@ public:
     /// The same for a journal that was played: `wholeBytes` of it could be read.
     void endPlayed(const QString& path, qint64 wholeBytes, JournalEnding ending);
 
-    /// True while all that arrives is kept.
-    [[nodiscard]] bool isWriting() const { return writer_ && !faultTold_; }
+    /// Waits for the disk; true when all that arrived is in the file, and the file in its folder.
+    [[nodiscard]] bool holdsRun();
     /// Of the latest run; empty when it has none.
     [[nodiscard]] const QString& path() const { return path_; }
 

@@ -16,9 +16,7 @@ public:
     SavedRunReader(const IntakeContext& context, const FMRHeader& header, const QString& path)
         : context_(context), header_(header), path_(path) {}
 
-    [[nodiscard]] bool prepare() override {
-        return sizesAgree(context_.settings, header_, path_);
-    }
+    [[nodiscard]] bool prepare() override { return sizesAgree(context_.settings, header_, path_); }
     /// As it was measured; where its file is gone, as it was analysed.
     [[nodiscard]] bool readFirstVolume() override {
         FMRProject saved;
@@ -84,11 +82,10 @@ bool SavedRun::readSettings(RunSettings& settings, const std::function<void()>& 
     settings.NrOfVolumesToSkip = header_.NrOfSkippedVolumes;
     settings.NrOfVolumes = analysed + settings.NrOfVolumesToSkip;
     settings.TR = header_.TR;
-    const QString recorded =
-        header_.ProtocolFiles.isEmpty()
-            ? QString()
-            : paths::join(paths::folderWithSlash(options_.path),
-                          paths::fileName(header_.ProtocolFiles.first()));
+    const QString recorded = header_.ProtocolFiles.isEmpty()
+                                 ? QString()
+                                 : paths::join(paths::folderWithSlash(options_.path),
+                                               paths::fileName(header_.ProtocolFiles.first()));
     if (isOwn_) {
         settings.MotionCorrection = false;
         settings.SpatialGaussianSmoothing = false;

@@ -13,6 +13,8 @@
 #include "stats/numerics/matrix_products.h"
 #include "volume/postprocessing_names.h"
 
+#include <QScopeGuard>
+
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : journal(listeners, pump), makeReader(makeVolumeReader), pump_(pump), display_(display),
       operatorRecords_(listeners, requests) {
@@ -22,8 +24,8 @@ RunSession::RunSession(EventPump& pump, RunDisplay& display)
 RunSession::~RunSession() = default;
 
 RunParts RunSession::parts() {
-    return {settings,  phase,    report, requests, intake, *functionalDocument,
-            listeners, display_, pump_};
+    return {settings,  phase,    report, requests,   intake, *functionalDocument,
+            listeners, display_, pump_,  targetLock_};
 }
 
 bool RunSession::inPhase(Phase first, const std::function<bool()>& work) {
@@ -43,8 +45,25 @@ void RunSession::runButtonPressed() {
         return;
     if (phase.canBeStopped())
         return requests.stopRun();
-    if (phase.isIdle() && runButton_ != RunButtonState::NoSettingsFile)
+    if (phase.isIdle() && runButton_ != RunButtonState::NoSettingsFile && mayLeaveRun())
         inPhase(Phase::Preparing, [this] { return measureRun(); });
+}
+
+bool RunSession::mayLeaveRun() {
+    if (!report.onlyInMemory || !phase.isIdle())
+        return true;
+    const bool programEnds = pump_.waitsGivenUp(); // nobody answers any more
+    const bool saveFirst =
+        programEnds ||
+        askQuestion(
+            QStringLiteral("WARNING: The run \"%1\" is only in memory: neither its results nor its "
+                           "journal could be written.\n\nDo you want to save it in folder \"%2\" "
+                           "first? With \"No\" its data are lost.")
+                .arg(settings.ProjectName, functionalDocument->project.targetFolder));
+    report.onlyInMemory = saveFirst && !inPhase(Phase::Saving, [this] {
+                              return report.savedCompletely = saveRecordedData(parts());
+                          });
+    return programEnds || !report.onlyInMemory;
 }
 
 void RunSession::requestStop() {
@@ -70,7 +89,8 @@ void RunSession::changeSettingsFile(const QString& path) {
 
 bool RunSession::measureRun() {
     ScannerRun source(makeReader);
-    const bool done = startRun(source, [this, &source] { journal.begin(parts(), source.inputs()); });
+    const bool done =
+        startRun(source, [this, &source] { journal.begin(parts(), source.inputs()); });
     endJournal(done);
     return done;
 }
@@ -100,6 +120,7 @@ bool RunSession::startRun(RunSource& source, const std::function<void()>& prepar
 
 bool RunSession::recordRun(RunSource& source, const std::function<void()>& prepared) {
     const RunParts run = parts();
+    const auto unlock = qScopeGuard([this] { targetLock_.release(); });
     const std::unique_ptr<VolumeReader> reader = prepareRun(run, source, stopTimer);
     if (!reader) {
         closeProtocol(*functionalDocument);
@@ -117,7 +138,7 @@ bool RunSession::recordRun(RunSource& source, const std::function<void()>& prepa
 }
 
 bool RunSession::reloadData() {
-    if (!phase.isIdle() || settings.settingsFilePath.isEmpty())
+    if (!phase.isIdle() || settings.settingsFilePath.isEmpty() || !mayLeaveRun())
         return false;
     return inPhase(Phase::Reloading, [this] {
         report.forgetVolumes();

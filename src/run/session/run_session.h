@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/event_pump.h"
+#include "base/folder_lock.h"
 #include "base/messages.h"
 #include "intake/intake_context.h"
 #include "run/document/operator_requests.h"
@@ -32,6 +33,9 @@ public:
     /// The press of the run button, and auto-start: starts a run and stays until it is saved; while
     /// a run is prepared or recorded, asks it to stop; in other phases nothing.
     void runButtonPressed();
+    /// When the run in memory is nowhere else, asks whether to save it first, and does so. False
+    /// when it is still nowhere else, and the operator has not given it up.
+    [[nodiscard]] bool mayLeaveRun();
     /// Asks a run that is prepared or recorded to stop after the volume that it waits for.
     void requestStop();
 
@@ -55,8 +59,9 @@ public:
     [[nodiscard]] QStringList unfinishedJournals() const;
     /// Plays the run in the journal as if it were measured now, and stays until that is saved.
     /// Recovered and gone on with, its results replace those of the run, and the journal goes once
-    /// they are on disk; replayed, they need a folder of their own. False, after a message, when the
-    /// journal can't be read or the run can't be prepared; false also unless the session is idle.
+    /// they are on disk; replayed, they need a folder of their own. False, after a message, when
+    /// the journal can't be read or the run can't be prepared; false also unless the session is
+    /// idle.
     bool playJournal(const PlayOptions& options, PlayPurpose purpose);
     /// Plays a saved run; `isOwn` as for SavedRun. False like playJournal().
     bool playSavedRun(const PlayOptions& options, bool isOwn);
@@ -133,5 +138,6 @@ private:
     RunDisplay& display_;
     OperatorRecords operatorRecords_;
     RunButtonState runButton_ = RunButtonState::Ready;
+    FolderLock targetLock_;
     bool clustersOutdated_ = false; ///< by a change outside the idle phase
 };

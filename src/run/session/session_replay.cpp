@@ -27,8 +27,9 @@ JournalEnding RunSession::journalEnding() const {
 void RunSession::endJournal(bool runDone) {
     const bool holdsData = runDone && report.currentVolume >= 0;
     const JournalEnding ending = holdsData ? journalEnding() : JournalEnding::Removed;
-    if (ending == JournalEnding::Unfinished && journal.isWriting())
-        showModelessWarning(
+    report.onlyInMemory = ending == JournalEnding::Unfinished && !journal.holdsRun();
+    if (ending == JournalEnding::Unfinished && !report.onlyInMemory)
+        showModelessInformation(
             QStringLiteral("INFO: All volumes of this run are in its journal \"%1\". \"Recover "
                            "Run...\" in the menu File saves the run from there.")
                 .arg(journal.path()));
@@ -42,8 +43,11 @@ QStringList RunSession::unfinishedJournals() const {
 }
 
 void RunSession::endPlayedJournal(const JournalRun& source, const QString& path) {
+    if (!source.allPlayed())
+        return;
     const JournalScanResult& scan = source.readSoFar();
-    const QString loss = lossText(path, scan, report.currentVolume + 1);
+    const QString loss =
+        lossText(path, scan, report.currentVolume + 1, source.head().project.size());
     if (!loss.isEmpty()) {
         showModelessWarning(loss);
         return journal.list().remove(path);
@@ -55,8 +59,9 @@ bool RunSession::playJournal(const PlayOptions& options, PlayPurpose purpose) {
     if (!phase.isIdle())
         return false;
     JournalRun source(options, purpose, listeners);
-    if (!source.open() || (purpose == PlayPurpose::Replay &&
-                           !hasFolderOfItsOwn(options.targetFolder, source.head().targetFolder)))
+    if (!mayLeaveRun() || !source.open() ||
+        (purpose == PlayPurpose::Replay &&
+         !hasFolderOfItsOwn(options.targetFolder, source.head().targetFolder)))
         return false;
     if (purpose == PlayPurpose::GoOn)
         source.setContinuation(makeReader, journal);
@@ -76,7 +81,7 @@ bool RunSession::playJournal(const PlayOptions& options, PlayPurpose purpose) {
 
 bool RunSession::playSavedRun(const PlayOptions& options, bool isOwn) {
     SavedRun source(options, isOwn);
-    return phase.isIdle() && source.open() &&
+    return phase.isIdle() && mayLeaveRun() && source.open() &&
            hasFolderOfItsOwn(options.targetFolder, paths::folderWithSlash(options.path)) &&
            inPhase(Phase::Preparing, [&] {
                settings.settingsFilePath = options.settingsFile;

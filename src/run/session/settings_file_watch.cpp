@@ -236,7 +236,7 @@ bool SettingsFileWatch::setSettingsFile(const QString& name) {
                                                                       : master_.settingsDirectory,
                                   "Velo-Cortivo settings files (*.vco)");
     // Auto-start may have begun a run while the chooser was open.
-    if (chosen.isEmpty() || !session_.phase.isIdle())
+    if (chosen.isEmpty() || !session_.phase.isIdle() || !session_.mayLeaveRun())
         return false;
     chosen = paths::withForwardSlashes(chosen);
     master_.settingsDirectory = remembered_.settingsDirectory = paths::folderWithSlash(chosen);
@@ -293,9 +293,9 @@ bool SettingsFileWatch::playSavedRun(const PlayOptions& options, bool isOwn) {
 }
 
 bool SettingsFileWatch::play(const QString& settingsFile, const std::function<bool()>& operation) {
-    if (!session_.phase.isIdle())
+    const bool isCurrent = isFile(settingsFile);
+    if (!session_.phase.isIdle() || (isCurrent && !setSettingsFile(settingsFile)))
         return false;
-    const bool isCurrent = isFile(settingsFile) && setSettingsFile(settingsFile);
     const bool played = operation();
     if (!isCurrent)
         returnToCurrentFile(played);

@@ -4,6 +4,7 @@
 #include "base/standard_folders.h"
 #include "run/window/message_boxes.h"
 #include "run/window/program_dialogs.h"
+#include "run/window/termination_signals.h"
 #include "run/window/velo_cortivo.h"
 #include "run/window/velo_cortivo_application.h"
 
@@ -11,6 +12,7 @@
 #include <memory>
 
 int main(int argc, char** argv) {
+    ignoreSignalsOfWrites();
     VeloCortivoApplication application(argc, argv);
     QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() + "/plugins");
     MessageBoxes boxes;
@@ -38,6 +40,8 @@ int main(int argc, char** argv) {
     splash.reset();
     window->offerUnsavedRuns();
 
+    // Not earlier: up to here there is nothing to lose, and only the event loop can be left.
+    const TerminationSignals terminationSignals([&window] { window->endProgramOrderly(); });
     const int status = QCoreApplication::exec();
     window.reset();
     installMessageHandler(nullptr);

@@ -179,6 +179,17 @@ void setUp(QInputDialog& dialog, const InputTexts& texts) {
 
 } // namespace
 
+void cancelDialogsForGood() {
+    installMessageHandler(nullptr); // first: to be cancelled may lead to a question
+    std::vector<QPointer<QDialog>> dialogs;
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* dialog = qobject_cast<QDialog*>(widget); dialog && dialog->isVisible())
+            dialogs.emplace_back(dialog);
+    for (const QPointer<QDialog>& dialog : dialogs)
+        if (dialog)
+            dialog->reject();
+}
+
 void MessageBoxes::show(MessageLevel level, const QString& text, const QString& title) {
     if (title == programTitle && isModeless(level))
         return showModeless(level, text);

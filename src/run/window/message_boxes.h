@@ -4,6 +4,10 @@
 
 #include "base/messages.h"
 
+/// Nobody is there to answer any more: cancels every dialog that is open, also those that show
+/// progress and those that are waited for, and leaves messages to the built-in handler.
+void cancelDialogsForGood();
+
 /// Shows boxes of the toolkit over the active window. Installed for the whole program by main().
 /// Texts are plain text, whatever characters a file name in them holds. When the window below a box
 /// goes, the box goes with it and counts as cancelled.

@@ -6,6 +6,7 @@
 #include "run/loop/status_text.h"
 #include "run/replay/ui/recover_run_dialog.h"
 #include "run/replay/ui/replay_run_dialog.h"
+#include "run/window/message_boxes.h"
 #include "run/window/program_dialogs.h"
 #include "run/window/title_row.h"
 #include "run/window/window_layout.h"
@@ -80,9 +81,19 @@ void VeloCortivo::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    if (!session_.mayLeaveRun()) {
+        event->ignore();
+        return;
+    }
     watch_.end();
     event->accept();
     QCoreApplication::quit();
+}
+
+void VeloCortivo::endProgramOrderly() {
+    pump_.giveUpWaiting();
+    cancelDialogsForGood();
+    close();
 }
 
 void VeloCortivo::workStarting() {

@@ -90,6 +90,7 @@ public Q_SLOTS:
     void slotSwitchWindowSize();
     void slotUpdateWindowSize();
     void slotClose() { close(); }
+    void endProgramOrderly();
     void slotExitVCO() { close(); }
     void slotShowLicenseInfoDlg();
     void slotShowAboutDlg();

@@ -103,16 +103,22 @@ TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
 }
 
 TEST_F(ArrivingProtocolRun, LogThatStopsGrowingEndsTheRun) {
-    writeRun("TDatFile:", 20, tdatHeader, {{"TimeOutSeconds:", "3"}});
-    append("5000 SCAN TICK\n6000 SCAN BLOCKBEGIN Fac");
-    messages.expect(MessageLevel::Warning,
-                    "TIME OUT ERROR: expected tdat condition info not available!");
-    session.runButtonPressed();
-    EXPECT_EQ(predictors.size(), 6u);
-    EXPECT_EQ(pump.milliseconds(), 3005);
-    // The volume that waited has been measured, and counts everywhere.
-    EXPECT_EQ(session.report.currentVolume, 6);
-    EXPECT_EQ(display.calls.last(), "ended");
+    for (const bool givenUp : {false, true}) {
+        writeRun("TDatFile:", 20, tdatHeader, {{"TimeOutSeconds:", "3"}});
+        append("5000 SCAN TICK\n6000 SCAN BLOCKBEGIN Fac");
+        if (givenUp)
+            pump.after(500, [this] { pump.giveUpWaiting(); });
+        else
+            messages.expect(MessageLevel::Warning,
+                            "TIME OUT ERROR: expected tdat condition info not available!");
+        const qint64 start = pump.milliseconds();
+        session.runButtonPressed();
+        EXPECT_EQ(predictors.size(), 6u);
+        EXPECT_EQ(pump.milliseconds() - start, givenUp ? 500 : 3005);
+        // The volume that waited has been measured, and counts everywhere.
+        EXPECT_EQ(session.report.currentVolume, 6);
+        EXPECT_EQ(display.calls.last(), "ended");
+    }
 }
 
 TEST_F(ArrivingProtocolRun, AfterATimeOutModelAndFilesCountTheSameVolumes) {

@@ -85,6 +85,25 @@ TEST_P(EveryScannerTest, RunIsSavedAsItWasMeasured) {
     EXPECT_TRUE(run.firstVolumeIsSaved());
 }
 
+// The program ends in mid-run: the rest is read by a reader that has not seen the beginning.
+TEST_P(EveryScannerTest, RunIsGoneOnWithAfterACrash) {
+    SimulationOptions options = shortRun(GetParam().type);
+    GetParam().change(options);
+    SimulatedSession run(options);
+    run.writeAll();
+    run.session.keepsJournals = true;
+    EXPECT_EQ(run.run(), QStringList());
+    QDir results(run.folder.filePath("results"));
+    const QString journal = results.filePath(results.entryList({"*.vcj"}).value(0));
+    cutJournal(journal, 5);
+    const QByteArray whole = run.saved(".fmr");
+    ASSERT_TRUE(results.remove("Simulation-1.fmr"));
+    run.session.intake = {};
+    EXPECT_TRUE(run.session.playJournal({journal, {}, {}, false}, PlayPurpose::GoOn));
+    EXPECT_EQ(run.savedVolumes(), options.nrOfVolumes - options.nrOfVolumesToSkip);
+    EXPECT_EQ(run.saved(".fmr"), whole);
+}
+
 // Every file comes in two halves, the second one a second after the first.
 TEST_P(EveryScannerTest, HalvesOfFilesAreNotTaken) {
     SimulationOptions options = shortRun(GetParam().type);

@@ -147,6 +147,39 @@ TEST_P(HostileSessionTest, TroubleInTheMiddleKeepsWhatWasMeasured) {
     }
 }
 
+// A file is missing, incomplete or empty when the program is told to end.
+TEST_P(HostileSessionTest, AWaitThatIsGivenUpEndsTheRunWithoutAWord) {
+    using Damage = std::function<QByteArray(QByteArray)>;
+    const Damage damages[] = {
+        [](const QByteArray&) { return QByteArray(); },
+        [](const QByteArray& bytes) { return bytes.first(bytes.size() / 2); },
+        [](QByteArray bytes) {
+            const qsizetype pixels = bytes.lastIndexOf(pixelKey) + 12;
+            return bytes.first(pixels) + QByteArray(bytes.size() - pixels, '\0');
+        },
+    };
+    for (const Damage& damage : damages)
+        for (const int volume : {0, 6}) {
+            SCOPED_TRACE(testing::Message() << (&damage - damages) << ' ' << volume);
+            HostileSession hostile(GetParam());
+            hostile.writeAll();
+            for (const ScannerFile& file : hostile.scan.files(volume)) {
+                const QByteArray bytes = damage(file.bytes);
+                hostile.write({file.name, bytes});
+                if (bytes.isEmpty())
+                    QFile::remove(hostile.watchFolder() + file.name);
+            }
+            hostile.pump.after(500, [&] { hostile.pump.giveUpWaiting(); });
+            expectMessages(hostile.run(), {});
+            EXPECT_LE(hostile.pump.milliseconds(), 650);
+            EXPECT_EQ(hostile.session.report.startFailed, volume == 0);
+            EXPECT_EQ(hostile.session.report.currentVolume, volume == 0 ? -1 : 3);
+            if (volume > 0) {
+                EXPECT_EQ(hostile.savedVolumes(), 4);
+            }
+        }
+}
+
 // All files are there, or come within the time-out, but not as quietly as on a good day.
 TEST_P(HostileSessionTest, AnUnsteadyFolderLosesNothing) {
     using Trouble = std::function<void(HostileSession&)>;

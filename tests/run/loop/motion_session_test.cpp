@@ -105,6 +105,7 @@ TEST_F(MotionSessionTest, AFileOfParametersThatCannotBeWrittenLeadsToTheQuestion
     messages.expect(MessageLevel::Warning,
                     "ERROR: Can not open .rtc file for saving motion correction parameters !");
     messages.expectQuestion("WARNING: The recorded data could not be saved completely*", false);
+    messages.expect(MessageLevel::Information, "INFO: All volumes of this run are in its journal*");
     session.runButtonPressed();
     EXPECT_FALSE(session.report.savedCompletely);
 }

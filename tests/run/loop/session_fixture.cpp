@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/session_fixture.h"
 
+#include "run/journal/journal_scan.h"
+#include "run/replay/journal_records.h"
 #include "run/settings/settings_file.h"
 
 namespace {
@@ -25,6 +27,8 @@ public:
 
     bool readFirstVolume() override {
         fill(project_.firstVolume.span(), 0);
+        for (int16_t& sample : project_.firstVolume.span())
+            sample = int16_t(sample + script_.firstSample);
         return script_.firstVolumeComes;
     }
     bool readVolume(int volume) override {
@@ -63,6 +67,14 @@ int savedVolumes(const QByteArray& data, size_t sliceSamples, size_t nrOfSlices,
             return -1;
     }
     return int(volumes);
+}
+
+void cutJournal(const QString& path, int volumes) {
+    qint64 end = 0;
+    JournalCursor cursor(path);
+    for (JournalRecord record; volumes > 0 && cursor.next(record); end = cursor.goodBytes())
+        volumes -= RecordKind(record.kind) == RecordKind::MeasuredVolume;
+    ASSERT_TRUE(volumes == 0 && QFile::resize(path, end));
 }
 
 int16_t scriptedSample(size_t voxel, int volume) {

@@ -85,6 +85,7 @@ private:
 struct Script {
     int lastVolume = 1000000; ///< the one after it never comes
     bool firstVolumeComes = true;
+    int firstSample = 0;               ///< added to all samples of the first volume
     qint64 millisecondsPerVolume = 0;  ///< simulated time that each volume takes
     std::function<void(int)> atVolume; ///< called when the volume has been read
 };
@@ -96,6 +97,9 @@ using MeasuredSample = std::function<int(size_t voxel, int volume)>;
 /// the place that the layout gives it: slice by slice, volumes within a slice. -1 when one differs.
 [[nodiscard]] int savedVolumes(const QByteArray& data, size_t sliceSamples, size_t nrOfSlices,
                                const MeasuredSample& measured);
+
+/// Cuts a journal behind its first volumes, as a crash does.
+void cutJournal(const QString& path, int volumes);
 
 /// One sample of a scripted volume: above the mask threshold, different at each voxel and volume.
 [[nodiscard]] int16_t scriptedSample(size_t voxel, int volume);

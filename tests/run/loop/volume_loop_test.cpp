@@ -177,6 +177,16 @@ TEST_F(VolumeLoopTest, ForcedDelayHoldsEachVolumeToTheScannersCount) {
     EXPECT_TRUE(display.logTexts[2].contains("VolWaitTime: <b>1800</b>"));
 }
 
+TEST_F(VolumeLoopTest, ADelayThatIsGivenUpKeepsItsVolume) {
+    writeSession(6, 2, {{"ForceTRDelay:", "1"}});
+    pump.after(500, [this] { pump.giveUpWaiting(); });
+    session.runButtonPressed();
+    EXPECT_LE(pump.milliseconds(), 550);
+    EXPECT_EQ(session.report.currentVolume, 1);
+    EXPECT_TRUE(session.report.savedCompletely);
+    EXPECT_EQ(session.report.interruptedAtVolume, 1);
+}
+
 TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
     const std::tuple<QMap<QString, QString>, MessageLevel, QString> cases[] = {
         {{{"StimulationProtocol:", "\"<none>\""}},
@@ -268,6 +278,16 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
         EXPECT_TRUE(mended);
         EXPECT_EQ(session.report.savedCompletely, again);
         EXPECT_EQ(session.report.outcomeText.contains("<b>not saved completely</b>"), !again);
+        EXPECT_EQ(session.report.onlyInMemory, !again) << "the journal went with the folder";
+        messages.onQuestion = {};
+        // What exists nowhere else is not replaced without a word.
+        if (!again) {
+            QFile::remove(path("results"));
+            messages.expectQuestion("WARNING: The run \"test\" is only in memory*", true);
+            EXPECT_TRUE(session.mayLeaveRun());
+            EXPECT_EQ(savedVolumes(), 14);
+            EXPECT_FALSE(session.report.onlyInMemory);
+        }
     }
     EXPECT_EQ(savedVolumes(), 14);
 

@@ -242,6 +242,30 @@ TEST_F(SessionOperations, ALicenceThatDoesNotPermitKeepsTheRunFromStarting) {
     }
 }
 
+TEST_F(SessionOperations, ARunHoldsItsTargetFolderOrAsks) {
+    FolderLock other;
+    const auto isFree = [&] {
+        const bool taken = other.take(path("results"));
+        other.release();
+        return taken;
+    };
+    EXPECT_TRUE(isFree());
+    for (const Phase phase : {Phase::Recording, Phase::Saving})
+        inPhase(phase, [&] { EXPECT_FALSE(isFree()); });
+    EXPECT_TRUE(isFree());
+
+    put("results/velo-cortivo.lock", "77\nvelo-cortivo\nelsewhere\nanother computer\n");
+    for (const bool answer : {false, true}) {
+        messages.expectQuestion("WARNING: Another Velo-Cortivo (process 77 on host elsewhere) *",
+                                answer);
+        session.setRunButton(RunButtonState::Ready);
+        session.runButtonPressed();
+        EXPECT_EQ(session.report.startFailed, !answer);
+        EXPECT_EQ(session.report.currentVolume, answer ? 29 : -1);
+    }
+    EXPECT_TRUE(isFree()) << "taken over";
+}
+
 TEST_F(SessionOperations, BackgroundFollowsTheChosenVolume) {
     const SliceImages& slices = session.functionalDocument->slices;
     const QImage first = slices.SlicePixmaps[1].copy();

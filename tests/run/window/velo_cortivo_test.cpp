@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/main_window.h"
 
+#include "dialogs/progress_boxes.h"
 #include "run/window/message_boxes.h"
 #include "volume/ui/postprocessing_dialog.h"
 
@@ -14,6 +15,7 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTextBrowser>
+#include <QTimer>
 
 namespace {
 
@@ -144,6 +146,37 @@ TEST_F(MainWindow, ClosingDuringARunStopsItAndKeepsTheWindow) {
     runOver();
     QCoreApplication::processEvents();
     EXPECT_FALSE(window_->isVisible());
+}
+
+TEST_F(MainWindow, AnOrderlyEndAnswersWhatIsOpenAndAsksNoMore) {
+    MessageBoxes boxes;
+    for (const Phase phase : {Phase::Idle, Phase::Recording, Phase::PostProcessing}) {
+        prepare(0, phase);
+        requests().interruptFlag = false;
+        window_->show();
+        installMessageHandler(&boxes);
+        const auto progress = openCancellableProgressBox(window_.get(), {"Progress", "..."}, pump_);
+        QTimer atOnce;
+        QObject::connect(&atOnce, &QTimer::timeout, &atOnce, [&, ended = false]() mutable {
+            if (!std::exchange(ended, true))
+                return window_->endProgramOrderly();
+            ADD_FAILURE() << "the question stays";
+            qobject_cast<QDialog*>(QApplication::activeModalWidget())->reject();
+        });
+        atOnce.start(0);
+        EXPECT_FALSE(askQuestion("May the program end?"));
+        atOnce.stop();
+        EXPECT_TRUE(progress->cancelled());
+        EXPECT_TRUE(pump_.waitsGivenUp());
+        EXPECT_EQ(requests().interruptFlag, phase == Phase::Recording);
+        testing::internal::CaptureStderr();
+        EXPECT_FALSE(askQuestion("Again?"));
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "Again?\n");
+        EXPECT_EQ(window_->isVisible(), phase != Phase::Idle);
+        runOver();
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(window_->isVisible());
+    }
 }
 
 TEST_F(MainWindow, SavingBoxStaysWhateverIsPressed) {
