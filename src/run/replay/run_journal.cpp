@@ -104,11 +104,18 @@ void RunJournal::goOn(const QString& path, qint64 wholeBytes, int latestVolume) 
                                 .arg(path));
 }
 
+bool RunJournal::holdsRun() {
+    return writer_ && writer_->finish() && writer_->fault() == JournalFault::None &&
+           QFile::exists(path_);
+}
+
 void RunJournal::end(JournalEnding ending) {
     if (path_.isEmpty())
         return;
     if (ending == JournalEnding::Kept)
         add(RecordKind::Saved, {});
+    if (writer_ && ending == JournalEnding::Removed)
+        writer_->abandon();
     writer_.reset();
     if (ending == JournalEnding::Removed)
         QFile::remove(path_);
@@ -139,10 +146,9 @@ void RunJournal::tellOfFault() {
     if (!writer_ || faultTold_ || writer_->fault() == JournalFault::None)
         return;
     faultTold_ = true;
-    const QString reason =
-        writer_->fault() == JournalFault::QueueFull
-            ? QStringLiteral("the disk is too slow")
-            : QStringLiteral("writing failed; the disk may be full, or gone");
+    const QString reason = writer_->fault() == JournalFault::QueueFull
+                               ? QStringLiteral("the disk is too slow")
+                               : QStringLiteral("writing failed; the disk may be full, or gone");
     showModelessWarning(QStringLiteral("WARNING: The journal \"%1\" of this run ends here: %2. The "
                                        "run goes on without: until it is saved, the data of "
                                        "further volumes are in memory only.")
@@ -152,10 +158,12 @@ void RunJournal::tellOfFault() {
 bool RunJournal::beforeVolume(const VolumeAtHand& hand) {
     if (!writer_)
         return true;
+    moment_ = RecordMoment::BeforeModel;
+    if (hand.volume == volume_)
+        return true; // the latest one of a journal that is gone on with: it is there
     if (volume_ < 0)
         clock_.restart();
     volume_ = hand.volume;
-    moment_ = RecordMoment::BeforeModel;
     const FMRProject& project = hand.document.project;
     add(RecordKind::MeasuredVolume,
         encodeArrival({hand.volume, QDateTime::currentMSecsSinceEpoch(), clock_.elapsed()}),

@@ -1,0 +1,202 @@
+// Recovering and replaying runs, and what happens when that can't be done.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+#include "run/replay/journal_description.h"
+
+namespace {
+
+class PlayingTest : public SessionFixture {
+protected:
+    PlayingTest() {
+        QDir().mkpath(path("fallback"));
+        session.journal.setPlaces(path("fallback/"), JournalList(path("OpenJournals")));
+    }
+    ~PlayingTest() override { QDir().setCurrent(QDir::tempPath()); }
+
+    /// Runs the session, whose journal is then "run.vcj".
+    void recordRun(int volumes = 20) {
+        writeSession(volumes, 0);
+        session.keepsJournals = true;
+        session.runButtonPressed();
+        session.keepsJournals = false;
+        const QStringList kept = QDir(path("results")).entryList({"*.vcj"});
+        ASSERT_EQ(kept.size(), 1);
+        ASSERT_TRUE(QFile::rename(path("results/" + kept.front()), path("run.vcj")));
+    }
+    [[nodiscard]] PlayOptions playing(const QString& target = {},
+                                      const QString& name = "run.vcj") const {
+        return {path(name), {}, target.isEmpty() ? QString() : path(target), false};
+    }
+    [[nodiscard]] int volumesIn(const QString& folder) const {
+        return savedVolumes(content(folder + "/test.stc"), 8 * 8, 4, scriptedSample);
+    }
+};
+
+} // namespace
+
+TEST_F(PlayingTest, AReplayGivesWhatTheRunGaveInAFolderOfItsOwn) {
+    recordRun();
+    const QString savedProject = "results/test.fmr";
+    const QString settings = path("test-1.vco");
+    messages.expect(MessageLevel::Warning, "ERROR: The results of a replay would replace those*");
+    EXPECT_FALSE(session.playJournal(playing("results"), PlayPurpose::Replay));
+    messages.expect(MessageLevel::Warning, "ERROR: The results of a replay would replace those*");
+    EXPECT_FALSE(
+        session.playSavedRun({path(savedProject), settings, path("results/"), false}, true));
+    EXPECT_TRUE(session.playJournal(playing("again"), PlayPurpose::Replay));
+    EXPECT_TRUE(session.playSavedRun({path(savedProject), settings, path("again2/"), false}, true));
+    for (const char* name :
+         {"test.stc", "test.fmr", "test.mps", "test.ctr", "test.prt", "test-firstvol.img"})
+        for (const char* folder : {"again/", "again2/"})
+            EXPECT_TRUE(content(QString(folder) + name) == content(QString("results/") + name))
+                << folder << name;
+    EXPECT_TRUE(QFile::exists(path("run.vcj")));
+}
+
+TEST_F(PlayingTest, AReplayKeepsThePaceThatIsAskedFor) {
+    recordRun();
+    for (const bool atTR : {true, false}) {
+        const qint64 start = pump.milliseconds();
+        PlayOptions options = playing("again");
+        options.atTR = atTR;
+        EXPECT_TRUE(session.playJournal(options, PlayPurpose::Replay));
+        const qint64 expected = atTR ? 19 * 2000 : 0; // TR of the settings
+        EXPECT_NEAR(double(pump.milliseconds() - start), double(expected), 100);
+    }
+}
+
+TEST_F(PlayingTest, OtherSettingsMustFitTheVolumes) {
+    recordRun();
+    const QByteArray own = content("test-1.vco");
+    const struct {
+        const char* from;
+        const char* to;
+        bool fits;
+    } cases[] = {
+        {"DriftConfoundPredictors:          1", "DriftConfoundPredictors:          0", true},
+        {"NrOfSlices:                       4", "NrOfSlices:                       5", false}};
+    for (const auto& [from, to, fits] : cases) {
+        ASSERT_TRUE(own.contains(from)) << own.constData();
+        put("other.vco", QByteArray(own).replace(from, to));
+        PlayOptions options = playing("other");
+        options.settingsFile = path("other.vco");
+        if (!fits)
+            messages.expect(MessageLevel::Warning, "ERROR: The volumes of \"*");
+        EXPECT_EQ(session.playJournal(options, PlayPurpose::Replay), fits);
+        if (fits) {
+            EXPECT_EQ(volumesIn("other"), 20);
+            EXPECT_FALSE(content("other/test.mps") == content("results/test.mps"));
+        }
+    }
+}
+
+TEST_F(PlayingTest, DamageIsToldAndTheFileStays) {
+    recordRun();
+    cutJournal(path("run.vcj"), 15);
+    const QByteArray whole = content("run.vcj");
+    const qint64 volumeBytes = 8 * 8 * 4 * 2 + 40; // samples and what stands around them
+    const struct {
+        qint64 position;
+        const char* bytes;
+        int left; ///< volumes
+    } cases[] = { // Samples of the last volume but two; the length of a record; zeros at the end.
+                 {whole.size() - 2 * volumeBytes - 100, "\x55\x33", 12},
+                 {whole.size() - 3 * volumeBytes + 8, "\xff\xff\xff\xff", 12},
+                 {whole.size(), "\x01", 15}};
+    for (const auto& [position, bytes, left] : cases) {
+        QByteArray damaged = whole;
+        damaged.replace(position, qstrlen(bytes), bytes);
+        put("run.vcj", damaged);
+        session.journal.list().add(path("run.vcj"));
+        messages.expect(MessageLevel::Warning, "WARNING: The journal \"" + path("run.vcj") +
+                                                   "\" is damaged after volume " +
+                                                   QString::number(left) + "*");
+        EXPECT_TRUE(session.playJournal(playing(), PlayPurpose::Recover));
+        EXPECT_EQ(volumesIn("results"), left);
+        EXPECT_EQ(content("run.vcj"), damaged);
+        EXPECT_TRUE(session.unfinishedJournals().isEmpty());
+    }
+    for (const QByteArray& head : {QByteArray("nothing"), whole.left(60)}) {
+        put("run.vcj", head);
+        messages.expect(MessageLevel::Warning, "ERROR: \"" + path("run.vcj") + "\" is not the*");
+        EXPECT_FALSE(session.playJournal(playing(), PlayPurpose::Recover));
+    }
+}
+
+TEST_F(PlayingTest, ARunThatCouldNotBeSavedIsRecoveredFromItsJournal) {
+    writeSession(20, 0);
+    // The name of a file of the results is taken by a folder.
+    QDir().mkpath(path("results/test.stc/x"));
+    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
+    messages.expectQuestion("WARNING: The recorded data could not be saved completely in*", false);
+    messages.expect(MessageLevel::Information, "INFO: All volumes of this run are in its journal*");
+    session.runButtonPressed();
+    ASSERT_EQ(session.unfinishedJournals().size(), 1);
+    const QString journal = session.unfinishedJournals().front();
+    const auto description = describeJournal(journal);
+    ASSERT_TRUE(description);
+    EXPECT_EQ(description->nrOfVolumes, 20);
+    EXPECT_TRUE(description->loopEnded && !description->saved);
+    EXPECT_EQ(description->head.projectName, "test");
+
+    // A recovery that the operator stops leaves it, one that is carried through does not.
+    for (const bool stopped : {true, false}) {
+        display.whenLogged = [&] {
+            if (stopped && session.phase.runActive() && session.report.currentVolume == 9)
+                session.requestStop();
+        };
+        if (stopped)
+            messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
+        EXPECT_TRUE(
+            session.playJournal({journal, {}, path("rescued"), false}, PlayPurpose::Recover));
+        EXPECT_EQ(volumesIn("rescued"), stopped ? 10 : 20);
+        EXPECT_EQ(QFile::exists(journal), stopped);
+        EXPECT_EQ(session.unfinishedJournals().size(), stopped ? 1 : 0);
+    }
+}
+
+TEST_F(PlayingTest, WhereNoJournalCanBeWrittenTheRunGoesOnWithout) {
+    for (const bool fallback : {true, false}) {
+        writeSession(20, 0);
+        if (!fallback)
+            QDir(path("fallback")).removeRecursively();
+        // The folder of the results turns into a file, and back before they are saved.
+        session.makeReader = [this, make = session.makeReader](const IntakeContext& context) {
+            QDir(path("results")).removeRecursively();
+            put("results", "");
+            return make(context);
+        };
+        script.atVolume = [&](int volume) {
+            EXPECT_EQ(QDir(path("fallback")).entryList({"*.vcj"}).size(), fallback ? 1 : 0);
+            if (volume == 19)
+                QFile::remove(path("results"));
+        };
+        messages.acceptAnything(); // the text of the design can't be written either
+        session.runButtonPressed();
+        EXPECT_EQ(messages.shown()
+                      .filter(fallback ? "The journal of this run can not be written"
+                                       : "No journal of this run can be written")
+                      .size(),
+                  1);
+        EXPECT_EQ(volumesIn("results"), 20);
+        EXPECT_TRUE(QDir(path("fallback")).isEmpty());
+    }
+}
+
+TEST_F(PlayingTest, ARunOfAnotherSeriesIsNotGoneOnWith) {
+    recordRun();
+    cutJournal(path("run.vcj"), 12);
+    script.firstSample = 7; // the scanner's folder holds another series by now
+    messages.expect(MessageLevel::Warning, "ERROR: The first file in folder*");
+    EXPECT_FALSE(session.playJournal(playing(), PlayPurpose::GoOn));
+    script.firstSample = 0;
+    for (const bool kept : {true, false}) {
+        session.keepsJournals = kept;
+        cutJournal(path("run.vcj"), 12);
+        EXPECT_TRUE(session.playJournal(playing(), PlayPurpose::GoOn));
+        EXPECT_EQ(volumesIn("results"), 20);
+        const auto journal = describeJournal(path("run.vcj"));
+        EXPECT_EQ(journal.has_value(), kept);
+        EXPECT_TRUE(!kept || (journal->nrOfVolumes == 20 && journal->saved));
+    }
+}
