@@ -97,6 +97,7 @@ void RunJournal::goOn(const QString& path, qint64 wholeBytes, int latestVolume) 
     moment_ = RecordMoment::Waiting;
     start(continueJournalFile(path, wholeBytes), false);
     clock_.restart();
+    list_.add(path_); // it may have been opened from elsewhere, and the program may end once more
     if (!writer_)
         showModelessWarning(QStringLiteral("WARNING: The journal \"%1\" can not be continued. The "
                                            "run goes on without: until it is saved, the data of "

@@ -193,6 +193,9 @@ TEST_F(PlayingTest, ARunOfAnotherSeriesIsNotGoneOnWith) {
     for (const bool kept : {true, false}) {
         session.keepsJournals = kept;
         cutJournal(path("run.vcj"), 12);
+        script.atVolume = [this](int) {
+            EXPECT_EQ(session.journal.list().journals(), QStringList(path("run.vcj")));
+        };
         EXPECT_TRUE(session.playJournal(playing(), PlayPurpose::GoOn));
         EXPECT_EQ(volumesIn("results"), 20);
         const auto journal = describeJournal(path("run.vcj"));
