@@ -134,7 +134,8 @@ TEST_F(ReplayDialogs, JournalsAreOpenedFromElsewhereAndRemoved) {
     {
         const auto writer = continueJournalFile(path("cut.vcj"), 16);
         messages.expectFileChoice("Open File", path("cut.vcj"));
-        messages.expect(MessageLevel::Warning, "ERROR: The journal \"" + path("cut.vcj") + "\" is being*");
+        messages.expect(MessageLevel::Warning,
+                        "ERROR: The journal \"" + path("cut.vcj") + "\" is being*");
         control("OpenBtn").click();
     }
     QFile::remove(path("cut.vcj"));
