@@ -31,7 +31,6 @@ RunHead headOf(const RunParts& run, const RunInputs& inputs) {
     head.targetFolder = document.project.targetFolder;
     head.watchFolder = run.intake.watchFolder;
     head.project = document.project;
-    head.motionCorrectionFailed = run.report.motionCorrectionFailed;
     return head;
 }
 
@@ -156,12 +155,13 @@ void RunJournal::tellOfFault() {
 }
 
 bool RunJournal::beforeVolume(const VolumeAtHand& hand) {
-    if (!writer_)
+    moment_ = RecordMoment::BeforeModel;
+    // The latest volume of a journal that is continued is in it already.
+    if (!writer_ || hand.volume <= volume_)
         return true;
     if (volume_ < 0)
         clock_.restart();
     volume_ = hand.volume;
-    moment_ = RecordMoment::BeforeModel;
     const FMRProject& project = hand.document.project;
     add(RecordKind::MeasuredVolume,
         encodeArrival({hand.volume, QDateTime::currentMSecsSinceEpoch(), clock_.elapsed()}),
@@ -186,5 +186,5 @@ void RunJournal::loopEnded(QtCortivoDoc&) {
 
 void RunJournal::recordMade(const RunRecord& record) {
     if (writer_)
-        add(RecordKind::Listener, encodeListenerRecord({volume_, moment_, record}));
+        add(RecordKind::Listener, encodeListenerRecord({moment_, record}));
 }
