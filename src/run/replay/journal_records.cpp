@@ -117,7 +117,6 @@ template<typename Coder, typename Head> void codeHead(Coder& coder, Head& head) 
     coder.field(head.targetFolder);
     coder.field(head.watchFolder);
     codeProject(coder, head.project);
-    coder.field(head.motionCorrectionFailed);
 }
 
 } // namespace
@@ -159,7 +158,6 @@ bool decodeVolume(std::span<const uint8_t> payload, VolumeArrival& arrival,
 
 std::vector<uint8_t> encodeListenerRecord(const ListenerRecord& record) {
     HeadWriter writer;
-    writer.i32(record.volume);
     writer.u8(uint8_t(record.moment));
     writer.field(record.record.name);
     writer.field(record.record.content);
@@ -168,7 +166,6 @@ std::vector<uint8_t> encodeListenerRecord(const ListenerRecord& record) {
 
 bool decodeListenerRecord(std::span<const uint8_t> payload, ListenerRecord& record) {
     ByteReader reader(payload);
-    record.volume = reader.i32();
     const uint8_t moment = reader.u8();
     record.moment = RecordMoment(moment);
     record.record.name = reader.sizedBytes();

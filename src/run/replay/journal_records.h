@@ -33,7 +33,6 @@ struct RunHead {
     QString targetFolder;
     QString watchFolder; ///< the one in which the first file was found
     FMRHeader project;
-    bool motionCorrectionFailed = false; ///< RunReport's, at the start
 };
 
 /// When a volume was complete.
@@ -43,7 +42,7 @@ struct VolumeArrival {
     qint64 sinceFirstVolume = 0; ///< milliseconds of a clock that doesn't
 };
 
-/// Where in the cycle of a volume a listener's record was made.
+/// Where in the cycle of the volume before it in the journal a listener's record was made.
 enum class RecordMoment : uint8_t {
     BeforeModel = 0, ///< from the volume's arrival to its model
     AfterModel = 1,  ///< to the end of the volume
@@ -51,7 +50,6 @@ enum class RecordMoment : uint8_t {
 };
 
 struct ListenerRecord {
-    int volume = 0; ///< the latest that had arrived
     RecordMoment moment = RecordMoment::Waiting;
     RunRecord record;
 };

@@ -31,7 +31,6 @@ RunHead headOf(const RunParts& run, const RunInputs& inputs) {
     head.targetFolder = document.project.targetFolder;
     head.watchFolder = run.intake.watchFolder;
     head.project = document.project;
-    head.motionCorrectionFailed = run.report.motionCorrectionFailed;
     return head;
 }
 
@@ -157,7 +156,9 @@ void RunJournal::tellOfFault() {
 }
 
 bool RunJournal::beforeVolume(const VolumeAtHand& hand) {
-    if (!writer_)
+    moment_ = RecordMoment::BeforeModel;
+    // The latest volume of a journal that is continued is in it already.
+    if (!writer_ || hand.volume <= volume_)
         return true;
     moment_ = RecordMoment::BeforeModel;
     if (hand.volume == volume_)
@@ -189,5 +190,5 @@ void RunJournal::loopEnded(QtCortivoDoc&) {
 
 void RunJournal::recordMade(const RunRecord& record) {
     if (writer_)
-        add(RecordKind::Listener, encodeListenerRecord({volume_, moment_, record}));
+        add(RecordKind::Listener, encodeListenerRecord({moment_, record}));
 }

@@ -71,7 +71,7 @@ private:
     QString path_;
     std::unique_ptr<JournalWriter> writer_;
     bool faultTold_ = false;
-    int volume_ = -1; ///< the latest that was written
+    int volume_ = -1; ///< the latest in the journal
     RecordMoment moment_ = RecordMoment::Waiting;
     std::vector<int16_t> swapped_;
 };

@@ -68,8 +68,6 @@ bool RunSession::playJournal(const PlayOptions& options, PlayPurpose purpose) {
     return inPhase(Phase::Preparing, [&] {
         settings.settingsFilePath =
             options.settingsFile.isEmpty() ? source.head().settings.path : options.settingsFile;
-        if (purpose != PlayPurpose::Replay)
-            report.motionCorrectionFailed = source.head().motionCorrectionFailed;
         const bool done = startRun(source);
         if (purpose == PlayPurpose::GoOn)
             endJournal(done);

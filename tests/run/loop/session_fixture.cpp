@@ -72,9 +72,10 @@ int savedVolumes(const QByteArray& data, size_t sliceSamples, size_t nrOfSlices,
 void cutJournal(const QString& path, int volumes) {
     qint64 end = 0;
     JournalCursor cursor(path);
-    for (JournalRecord record; volumes > 0 && cursor.next(record); end = cursor.goodBytes())
-        volumes -= RecordKind(record.kind) == RecordKind::MeasuredVolume;
-    ASSERT_TRUE(volumes == 0 && QFile::resize(path, end));
+    for (JournalRecord record; cursor.next(record); end = cursor.goodBytes())
+        if (RecordKind(record.kind) == RecordKind::MeasuredVolume && volumes-- == 0)
+            break;
+    ASSERT_TRUE(QFile::resize(path, end));
 }
 
 int16_t scriptedSample(size_t voxel, int volume) {

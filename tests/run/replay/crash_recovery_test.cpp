@@ -146,14 +146,14 @@ TEST(CutJournal, GivesTheRunUpToThere) {
         ASSERT_TRUE(QFile::copy(trial.journals().value(0), kept));
         const auto whole = trial.takeResults();
         std::vector<qint64> ends;
-        qint64 position = 0;
         JournalCursor cursor(kept);
         for (JournalRecord record; cursor.next(record);)
-            ends.push_back(position = cursor.goodBytes());
+            ends.push_back(cursor.goodBytes());
         trial.keepsJournals = false;
-        std::mt19937 random(7);
-        for (int round = 0; round < 12; ++round) {
-            const size_t record = std::uniform_int_distribution<size_t>(4, ends.size() - 1)(random);
+        // Behind the head and the first volume; VELO_TRIAL_CUTS=1 cuts at every record.
+        const auto step = size_t(numberFrom("VELO_TRIAL_CUTS", 5));
+        int round = 0;
+        for (size_t record = 2; record < ends.size(); record += step, ++round) {
             const QString journal = folder.filePath("results/cut.vcj");
             ASSERT_TRUE(QDir().mkpath(folder.filePath("results")) && QFile::copy(kept, journal) &&
                         QFile::resize(journal, ends[record] - (round % 2 == 0 ? 0 : 1)));

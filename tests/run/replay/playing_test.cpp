@@ -14,14 +14,25 @@ protected:
     ~PlayingTest() override { QDir().setCurrent(QDir::tempPath()); }
 
     /// Runs the session, whose journal is then "run.vcj".
-    void recordRun(int volumes = 20) {
-        writeSession(volumes, 0);
+    void recordRun(int volumes = 20, const QMap<QString, QString>& changes = {}) {
+        writeSession(volumes, 0, changes);
         session.keepsJournals = true;
         session.runButtonPressed();
         session.keepsJournals = false;
         const QStringList kept = QDir(path("results")).entryList({"*.vcj"});
         ASSERT_EQ(kept.size(), 1);
         ASSERT_TRUE(QFile::rename(path("results/" + kept.front()), path("run.vcj")));
+    }
+    /// Of its latest volume, in milliseconds after the first.
+    [[nodiscard]] qint64 lastArrival() const {
+        VolumeArrival arrival;
+        std::span<const uint8_t> samples;
+        JournalCursor cursor(path("run.vcj"));
+        for (JournalRecord record; cursor.next(record);)
+            if (RecordKind(record.kind) == RecordKind::MeasuredVolume &&
+                !decodeVolume(record.payload, arrival, samples))
+                return -1;
+        return arrival.sinceFirstVolume;
     }
     [[nodiscard]] PlayOptions playing(const QString& target = {},
                                       const QString& name = "run.vcj") const {
@@ -63,6 +74,59 @@ TEST_F(PlayingTest, AReplayKeepsThePaceThatIsAskedFor) {
         const qint64 expected = atTR ? 19 * 2000 : 0; // TR of the settings
         EXPECT_NEAR(double(pump.milliseconds() - start), double(expected), 100);
     }
+}
+
+TEST_F(PlayingTest, ARunIsRecoveredWithTheFilesThatItWasPreparedFrom) {
+    recordRun();
+    ASSERT_TRUE(QFile::rename(path("results/test.ctr"), path("own.ctr")));
+    QByteArray contrasts = content("own.ctr");
+    put("own.ctr", contrasts.replace("InitialSelectionState:\n1", "InitialSelectionState:\n0"));
+    ASSERT_NE(content("own.ctr"), content("results/test.ctr"));
+    ASSERT_TRUE(QFile::remove(path("run.vcj")));
+    script.millisecondsPerVolume = 1500;
+    recordRun(20, {{"ContrastFile:", "\"./own.ctr\""}, {"Threshold:", "2.5"}});
+    QMap<QString, QByteArray> expected;
+    for (const char* name : {"test.mps", "test.ctr", "test.prt", "test.fmr"})
+        expected[name] = content(QString("results/") + name);
+    EXPECT_TRUE(QFile::remove(path("own.ctr")) && QFile::remove(path("test-1.vco")) &&
+                QFile::remove(path("test.prt")) && QDir(path("results")).removeRecursively());
+    const auto description = describeJournal(path("run.vcj"));
+    ASSERT_TRUE(description);
+    EXPECT_NEAR(double(description->latestArrival - description->head.startedAt), 0, 10000);
+    EXPECT_EQ(lastArrival(), 19 * 1500);
+    EXPECT_TRUE(session.playJournal(playing(), PlayPurpose::Recover));
+    for (const QString& name : expected.keys())
+        EXPECT_EQ(content("results/" + name), expected[name]) << qPrintable(name);
+}
+
+TEST_F(PlayingTest, AnotherCrashAfterGoingOnLosesNothing) {
+    recordRun();
+    // Twice: from nothing but the first volume, and from the middle.
+    for (const int volumes : {0, 8, 14}) {
+        cutJournal(path("run.vcj"), volumes);
+        session.keepsJournals = true;
+        display.whenLogged = [&] { // what runs goes on as it is
+            const bool plays =
+                session.phase.runActive() && session.playJournal(playing(), PlayPurpose::Recover);
+            EXPECT_FALSE(plays);
+        };
+        EXPECT_TRUE(session.playJournal(playing(), PlayPurpose::GoOn));
+        display.whenLogged = {};
+        const auto description = describeJournal(path("run.vcj"));
+        ASSERT_TRUE(description);
+        EXPECT_EQ(description->nrOfVolumes, 20);
+        EXPECT_EQ(description->scan.end, JournalEnd::Whole);
+        // The first volume, 20 volumes, the ends of loop and saving, and the head.
+        EXPECT_EQ(description->scan.nrOfRecords, 24);
+    }
+    cutJournal(path("run.vcj"), 17);
+    session.keepsJournals = false;
+    EXPECT_TRUE(session.playJournal(playing(), PlayPurpose::Recover));
+    EXPECT_EQ(volumesIn("results"), 17);
+    // Shorter than planned: that is no time-out when it is replayed.
+    EXPECT_TRUE(session.playSavedRun(
+        {path("results/test.fmr"), path("test-1.vco"), path("again/"), false}, true));
+    EXPECT_EQ(volumesIn("again"), 17);
 }
 
 TEST_F(PlayingTest, OtherSettingsMustFitTheVolumes) {
