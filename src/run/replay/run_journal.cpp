@@ -160,9 +160,6 @@ bool RunJournal::beforeVolume(const VolumeAtHand& hand) {
     // The latest volume of a journal that is continued is in it already.
     if (!writer_ || hand.volume <= volume_)
         return true;
-    moment_ = RecordMoment::BeforeModel;
-    if (hand.volume == volume_)
-        return true; // the latest one of a journal that is gone on with: it is there
     if (volume_ < 0)
         clock_.restart();
     volume_ = hand.volume;

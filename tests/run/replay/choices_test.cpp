@@ -1,5 +1,6 @@
 // What is said and offered about runs that can be recovered or replayed.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/journal/journal_writer.h"
 #include "run/loop/session_fixture.h"
 #include "run/replay/recovery_choices.h"
 #include "run/replay/replay_choices.h"
@@ -60,6 +61,22 @@ TEST(RecoveryChoices, TheTextTellsHowAndWhenTheRunEnded) {
     EXPECT_TRUE(recoveryText(journal, 0).contains("2.5 MB"));
     journal.saved = true;
     EXPECT_TRUE(recoveryText(journal, 0).startsWith("The results of this run are saved."));
+}
+
+TEST(RecoveryChoices, AVolumeOutOfOrderIsNotCounted) {
+    const QTemporaryDir folder;
+    RunHead head = describedRun().head;
+    head.project.ResolutionX = head.project.ResolutionY = head.project.NrOfSlices = 1;
+    {
+        JournalWriter writer(createJournalFile(folder.filePath("run.vcj")));
+        EXPECT_TRUE(writer.add(uint32_t(RecordKind::Head), {encodeHead(head)}));
+        for (const int volume : {0, 1, 7})
+            EXPECT_TRUE(
+                writer.add(uint32_t(RecordKind::MeasuredVolume), {encodeArrival({volume, 5, 5})}));
+    }
+    const auto offered = offeredJournals({folder.filePath("none"), folder.filePath("run.vcj")});
+    ASSERT_EQ(offered.size(), 1u);
+    EXPECT_EQ(offered[0].nrOfVolumes, 2);
 }
 
 TEST(RecoveryChoices, AnotherFolderTakesTheResults) {

@@ -305,6 +305,10 @@ TEST_F(SettingsFileWatchTest, TheSettingsFileOfAPlayedRunBecomesCurrentUnlessItI
     EXPECT_FALSE(session.report.runFinished) << "of that file";
     EXPECT_TRUE(watch_->isRunning());
 
+    messages.expect(MessageLevel::Warning, "ERROR: The folder \"/dev/null/x/\"*");
+    EXPECT_FALSE(watch_->playJournal({journal, {}, "/dev/null/x/", false}, PlayPurpose::Replay));
+    EXPECT_TRUE(watch_->isRunning() && !session.report.startFailed) << "not that of this file";
+
     put("broken.vcj", "");
     messages.expect(MessageLevel::Warning, "ERROR: \"" + path("broken.vcj") + "\"*");
     PlayOptions broken;

@@ -172,9 +172,9 @@ TEST_F(ReplayDialogs, AReplayTellsWhatWillHappenAndPlaysIt) {
     EXPECT_TRUE(label("PlanInfo").contains("as fast as it goes"));
 
     const std::tuple<const char*, QString, QString> faults[] = {
-        {"RunEdit", path("gone.vcj"), path("run.vcj")},
-        {"SettingsEdit", path("gone.vco"), path("other.vco")},
-        {"FolderEdit", path("results"), path("training")}};
+        {"FolderEdit", path("results"), path("training")},
+        {"RunEdit", path("gone.vcj"), path("run.vcj")}, // the folder that was typed stays
+        {"SettingsEdit", path("gone.vco"), path("other.vco")}};
     for (const auto& [name, wrong, right] : faults) {
         enter(name, wrong);
         messages.expect(MessageLevel::Warning, "ERROR: " + label("PlanInfo"));
