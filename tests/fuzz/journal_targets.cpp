@@ -28,6 +28,11 @@ JournalScanResult checkedScan(std::span<const uint8_t> bytes) {
     require(result.goodBytes == qint64(good) && good <= bytes.size(), "good bytes are in records");
     require((result.end == JournalEnd::Whole) == (good == bytes.size() && good > 0),
             "a whole journal is good to its end");
+    JournalCursor skimming(bytes);
+    JournalRecord record;
+    while (skimming.skim(record, 1)) {
+    }
+    require(skimming.goodBytes() >= result.goodBytes, "what can be read can be skimmed");
     return result;
 }
 

@@ -9,6 +9,7 @@
 #ifdef Q_OS_UNIX
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -66,7 +67,29 @@ void forceOutFolder(const QString& folder) {
     ::close(descriptor);
 }
 
+/// False when another open file holds a lock that forbids this one. The system takes a lock away
+/// when its program ends, whatever ends it. Where a file system has no locks, everybody gets one.
+bool lockFile(QFile& file, int kind) {
+    return ::flock(file.handle(), kind | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+bool lockToWrite(QFile& file) {
+    return lockFile(file, LOCK_EX);
+}
+
+bool lockToLook(QFile& file) {
+    return lockFile(file, LOCK_SH);
+}
+
 #else
+
+bool lockToWrite(QFile&) {
+    return true;
+}
+
+bool lockToLook(QFile&) {
+    return true;
+}
 
 bool writeAll(QFile& file, std::span<const uint8_t> bytes) {
     return file.write(reinterpret_cast<const char*>(bytes.data()), qint64(bytes.size())) ==
@@ -87,13 +110,14 @@ public:
 
     [[nodiscard]] bool create() {
         folderToForceOut_ = QFileInfo(file_.fileName()).absolutePath();
-        return file_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
+        return file_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered) &&
+               lockToWrite(file_);
     }
     [[nodiscard]] bool openAndCut(qint64 keepBytes) {
         const std::optional<FileStamp> stamp = fileStamp(file_.fileName());
         return stamp && keepBytes >= 0 && keepBytes <= stamp->size &&
                file_.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered) &&
-               file_.resize(keepBytes) && file_.seek(keepBytes);
+               lockToWrite(file_) && file_.resize(keepBytes) && file_.seek(keepBytes);
     }
     bool write(std::span<const uint8_t> bytes) override { return writeAll(file_, bytes); }
     bool forceOut() override {
@@ -120,4 +144,9 @@ std::unique_ptr<JournalOutput> createJournalFile(const QString& path) {
 std::unique_ptr<JournalOutput> continueJournalFile(const QString& path, qint64 keepBytes) {
     auto file = std::make_unique<JournalFile>(path);
     return file->openAndCut(keepBytes) ? std::move(file) : nullptr;
+}
+
+bool journalIsInUse(const QString& path) {
+    QFile file(path);
+    return openPlainFile(file) && !lockToLook(file);
 }

@@ -18,7 +18,8 @@ public:
 };
 
 /// Creates a file; nullptr when that fails or something of this name exists, which is never
-/// replaced. The first forceOut() also forces out the entry in its folder.
+/// replaced. The first forceOut() also forces out the entry in its folder. While a journal is open,
+/// nobody else can continue it.
 ///
 /// A write beyond a limit of the file size (RLIMIT_FSIZE) fails like one to a full disk, provided
 /// that the program ignores the signal SIGXFSZ, which would end it.
@@ -26,6 +27,10 @@ public:
 
 /// Opens an existing journal and cuts it to `keepBytes`, the goodBytes of its scan, to go on after
 /// its last whole record. nullptr, with the file as it was, when it is no regular file, can't be
-/// opened for writing or is shorter than that.
+/// opened for writing, is shorter than that, or is written by somebody else.
 [[nodiscard]] std::unique_ptr<JournalOutput> continueJournalFile(const QString& path,
                                                                  qint64 keepBytes);
+
+/// Whether this or another program on this computer has the journal open for writing. Also false
+/// where that can't be found out.
+[[nodiscard]] bool journalIsInUse(const QString& path);

@@ -11,6 +11,8 @@ public:
     [[nodiscard]] virtual qint64 size() const = 0;
     /// The next bytes, as many as `bytes` holds; false when there are fewer or reading fails.
     [[nodiscard]] virtual bool read(std::span<uint8_t> bytes) = 0;
+    /// Passes over bytes; false when there are fewer.
+    [[nodiscard]] virtual bool skip(size_t count) = 0;
 };
 
 namespace {
@@ -26,6 +28,9 @@ public:
         return file_.read(reinterpret_cast<char*>(bytes.data()), qint64(bytes.size())) ==
                qint64(bytes.size());
     }
+    bool skip(size_t count) override {
+        return count == 0 || file_.seek(file_.pos() + qint64(count));
+    }
 
 private:
     QFile file_;
@@ -40,7 +45,12 @@ public:
         if (bytes.size() > rest_.size())
             return false;
         std::ranges::copy(rest_.first(bytes.size()), bytes.begin());
-        rest_ = rest_.subspan(bytes.size());
+        return skip(bytes.size());
+    }
+    bool skip(size_t count) override {
+        if (count > rest_.size())
+            return false;
+        rest_ = rest_.subspan(count);
         return true;
     }
 
@@ -97,17 +107,25 @@ void JournalCursor::readHead() {
 }
 
 bool JournalCursor::next(JournalRecord& record) {
+    return advance(record, {});
+}
+
+bool JournalCursor::skim(JournalRecord& record, size_t payloadBytes) {
+    return advance(record, payloadBytes);
+}
+
+bool JournalCursor::advance(JournalRecord& record, SkimmedBytes skimmedBytes) {
     if (ended_)
         return false;
     ended_ = result_.goodBytes == result_.fileBytes;
     if (ended_)
         return false;
-    result_.end = readRecord(record);
+    result_.end = readRecord(record, skimmedBytes);
     ended_ = result_.end != JournalEnd::Whole;
     return !ended_;
 }
 
-JournalEnd JournalCursor::readRecord(JournalRecord& record) {
+JournalEnd JournalCursor::readRecord(JournalRecord& record, SkimmedBytes skimmedBytes) {
     const auto rest = uint64_t(result_.fileBytes - result_.goodBytes);
     JournalRecordHeaderBytes bytes{};
     const std::span<uint8_t> present =
@@ -119,16 +137,16 @@ JournalEnd JournalCursor::readRecord(JournalRecord& record) {
     const JournalRecordHeader header = parsedRecordHeader(bytes);
     if (present.size() < bytes.size() || header.length > rest - bytes.size())
         return JournalEnd::CutOff;
-    const auto length = size_t(header.length);
+    const size_t length = std::min(size_t(header.length), skimmedBytes.value_or(SIZE_MAX));
     if (length > payload_.size() && !payload_.allocate(length))
         return JournalEnd::Unreadable;
     const std::span<uint8_t> payload = payload_.span().first(length);
-    if (!source_->read(payload))
+    if (!source_->read(payload) || !source_->skip(size_t(header.length) - length))
         return JournalEnd::Unreadable;
-    if (checksumWith(checksumOfHeader(bytes), payload) != header.checksum)
+    if (!skimmedBytes && checksumWith(checksumOfHeader(bytes), payload) != header.checksum)
         return JournalEnd::Damaged;
     record = {header.kind, payload};
-    result_.goodBytes += qint64(bytes.size() + length);
+    result_.goodBytes += qint64(bytes.size() + header.length);
     ++result_.nrOfRecords;
     return JournalEnd::Whole;
 }

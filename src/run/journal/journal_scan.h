@@ -8,6 +8,7 @@
 #include <QString>
 #include <functional>
 #include <memory>
+#include <optional>
 
 enum class JournalEnd {
     Whole,       ///< ends after a record
@@ -40,7 +41,11 @@ public:
     /// The next whole record, whose payload is valid until the next call. False at the end or the
     /// first fault, and from then on.
     [[nodiscard]] bool next(JournalRecord& record);
-    /// Why next() returned false; `Whole` before it has.
+    /// The same with at most `payloadBytes` of the payload; the rest is passed over, which takes a
+    /// moment where next() takes seconds. The checksum can't be compared, so damage within a
+    /// payload shows only at the next header, or not at all.
+    [[nodiscard]] bool skim(JournalRecord& record, size_t payloadBytes);
+    /// Why next() or skim() returned false; `Whole` before it has.
     [[nodiscard]] JournalEnd end() const { return result_.end; }
     /// Of the head and the records so far.
     [[nodiscard]] qint64 goodBytes() const { return result_.goodBytes; }
@@ -48,7 +53,10 @@ public:
 
 private:
     void readHead();
-    [[nodiscard]] JournalEnd readRecord(JournalRecord& record);
+    /// `skimmedBytes` of the payload at most; all, and checked, without it.
+    using SkimmedBytes = std::optional<size_t>;
+    [[nodiscard]] bool advance(JournalRecord& record, SkimmedBytes skimmedBytes);
+    [[nodiscard]] JournalEnd readRecord(JournalRecord& record, SkimmedBytes skimmedBytes);
 
     std::unique_ptr<JournalSource> source_;
     ZeroedBuffer<uint8_t> payload_;

@@ -3,17 +3,16 @@
 
 namespace {
 
-/// Takes what a record says about the run. False at the first one that is not as it should be.
+/// Takes what the beginning of a record says about the run. False at a volume that is not the next.
 bool takeRecord(JournalDescription& description, const JournalRecord& record) {
     switch (RecordKind(record.kind)) {
-    case RecordKind::Head:
-        return decodeHead(record.payload, description.head);
     case RecordKind::MeasuredVolume: {
         VolumeArrival arrival;
         std::span<const uint8_t> samples;
-        if (!decodeVolume(record.payload, arrival, samples))
+        if (!decodeVolume(record.payload, arrival, samples) ||
+            arrival.volume != description.nrOfVolumes)
             return false;
-        description.nrOfVolumes = arrival.volume + 1;
+        ++description.nrOfVolumes;
         description.latestArrival = arrival.wallClock;
         return true;
     }
@@ -23,6 +22,7 @@ bool takeRecord(JournalDescription& description, const JournalRecord& record) {
     case RecordKind::Saved:
         description.saved = true;
         return true;
+    case RecordKind::Head:
     case RecordKind::FirstVolume:
     case RecordKind::MotionTarget:
     case RecordKind::Listener:
@@ -33,17 +33,24 @@ bool takeRecord(JournalDescription& description, const JournalRecord& record) {
 
 } // namespace
 
-std::optional<JournalDescription> describeJournal(const QString& path,
-                                                  const std::function<bool()>& takePart) {
+std::optional<JournalDescription> describeJournal(const QString& path) {
     JournalDescription description;
     description.path = path;
-    description.scan = scanJournal(path, [&](const JournalRecord& record) {
-        const bool isVolume = RecordKind(record.kind) == RecordKind::MeasuredVolume;
-        return takeRecord(description, record) && (!isVolume || !takePart || takePart());
-    });
-    if (description.head.startedAt == 0)
+    JournalCursor cursor(path);
+    JournalRecord record;
+    if (!cursor.next(record) || RecordKind(record.kind) != RecordKind::Head ||
+        !decodeHead(record.payload, description.head))
         return std::nullopt;
+    const size_t beginning = encodeArrival({}).size();
+    while (cursor.skim(record, beginning) && takeRecord(description, record)) {
+    }
+    description.scan = cursor.result();
     return description;
+}
+
+QString noJournalText(const QString& path) {
+    return QStringLiteral("\"%1\" is not the journal of a run, or its beginning is damaged.")
+        .arg(path);
 }
 
 QString lossText(const QString& path, const JournalScanResult& scan, int nrOfVolumes,
@@ -60,10 +67,10 @@ QString lossText(const QString& path, const JournalScanResult& scan, int nrOfVol
     const QString text =
         scan.end != JournalEnd::Unreadable
             ? QStringLiteral("WARNING: The journal \"%1\" is damaged after volume %2. The volumes "
-                             "up to there have come back; the %3 MB behind have not. The file is "
-                             "left as it is.")
-            : QStringLiteral("WARNING: The journal \"%1\" could not be read beyond volume %2. The "
-                             "volumes up to there have come back; the %3 MB behind have not. The "
-                             "file is left as it is.");
-    return text.arg(path).arg(nrOfVolumes).arg(rest);
+                             "up to there come back; the %3 MB behind do not. The file is left "
+                             "as it is.")
+            : QStringLiteral("WARNING: The journal \"%1\" can not be read beyond volume %2. The "
+                             "volumes up to there come back; the %3 MB behind do not. The file is "
+                             "left as it is.");
+    return text.arg(path, QString::number(nrOfVolumes), rest);
 }

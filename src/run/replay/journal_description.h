@@ -17,10 +17,12 @@ struct JournalDescription {
     JournalScanResult scan;
 };
 
-/// Reads through the journal; nothing when it is none, or when its beginning is damaged. Calls
-/// `takePart` after each volume, if it is given, and gives up when that returns false.
-[[nodiscard]] std::optional<JournalDescription>
-describeJournal(const QString& path, const std::function<bool()>& takePart = {});
+/// Nothing when the file is no journal, or when its beginning is damaged. Passes over the samples,
+/// so that it takes a moment also for a long run; damage in them is found when the run is played.
+[[nodiscard]] std::optional<JournalDescription> describeJournal(const QString& path);
+
+/// That the file is none of these, for the operator.
+[[nodiscard]] QString noJournalText(const QString& path);
 
 /// What could not be read back, for the operator; empty for a journal that is whole or that the end
 /// of the program cut off within the record that was being written. `size` of its volumes.

@@ -29,8 +29,11 @@ QStringList JournalList::journals() const {
 
 void JournalList::add(const QString& journal) const {
     // A path with a line end would come back as two.
-    if (!journal.contains('\n'))
-        write(read() << journal);
+    if (journal.contains('\n'))
+        return;
+    QStringList journals = read();
+    journals.removeAll(journal);
+    write(journals << journal);
 }
 
 void JournalList::remove(const QString& journal) const {

@@ -12,6 +12,7 @@ public:
 
     /// Those that still exist, the latest first.
     [[nodiscard]] QStringList journals() const;
+    /// As the latest, also one that is listed already.
     void add(const QString& journal) const;
     void remove(const QString& journal) const;
 

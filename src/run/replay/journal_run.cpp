@@ -6,6 +6,7 @@
 #include "base/paths.h"
 #include "run/document/qt_cortivo_doc.h"
 #include "run/loop/run_protocol.h"
+#include "run/replay/journal_description.h"
 #include "run/replay/run_journal.h"
 #include "run/settings/settings_file.h"
 
@@ -88,9 +89,7 @@ bool JournalRun::open() {
     };
     if (!take(RecordKind::Head) || !decodeHead(record.payload, head_) ||
         !take(RecordKind::FirstVolume)) {
-        showWarning(QStringLiteral("ERROR: \"%1\" is not the journal of a run, or its beginning "
-                                   "is damaged.")
-                        .arg(options_.path));
+        showWarning("ERROR: " + noJournalText(options_.path));
         return false;
     }
     firstVolume_ = kept();

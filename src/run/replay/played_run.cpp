@@ -6,11 +6,42 @@
 #include "run/settings/settings_file.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 bool readSettingsForPlaying(RunSettings& settings, const std::function<void()>& stopTimer) {
     RunSettings inspected = settings;
     return readSettingsFile(inspected, SettingsUse::Inspection, stopTimer) &&
            readSettingsFile(settings, SettingsUse::Recorded, stopTimer);
+}
+
+QString typedFolder(const QString& text) {
+    return paths::withTrailingSlash(paths::withForwardSlashes(text.trimmed()));
+}
+
+QString resultsFolderFault(const QString& folder) {
+    if (!QDir::isAbsolutePath(folder))
+        return "Choose a folder for the results, with its full path.";
+    QFileInfo existing(QDir::cleanPath(folder));
+    while (!existing.exists() && !existing.isRoot())
+        existing.setFile(existing.path());
+    return existing.isDir() && existing.isWritable()
+               ? QString()
+               : QStringLiteral("The folder \"%1\" can not be written. Choose another one.")
+                     .arg(folder);
+}
+
+QString replayFolderFault(const QString& results, const QString& ofTheRun) {
+    const QFileInfo target(results);
+    const QFileInfo recorded(ofTheRun);
+    const auto path = [](const QFileInfo& folder) {
+        return paths::withTrailingSlash(QDir::cleanPath(folder.absoluteFilePath()));
+    };
+    const bool isOther = !results.isEmpty() && path(target) != path(recorded) &&
+                         !(target.exists() && target == recorded);
+    return isOther ? QString()
+                   : QStringLiteral("The results of a replay would replace those of the run "
+                                    "in folder \"%1\". Choose another folder.")
+                         .arg(ofTheRun);
 }
 
 bool prepareForPlaying(RunSettings& settings, const PlayOptions& options) {

@@ -16,6 +16,17 @@ struct PlayOptions {
 [[nodiscard]] bool readSettingsForPlaying(RunSettings& settings,
                                           const std::function<void()>& stopTimer);
 
+/// A folder as it was typed, with "/" at its end.
+[[nodiscard]] QString typedFolder(const QString& text);
+
+/// Why results can't go into a folder, for the operator; empty when they can. It is created if need
+/// be.
+[[nodiscard]] QString resultsFolderFault(const QString& folder);
+
+/// Why the results of a replay can't go into a folder, for the operator: that of the run itself
+/// keeps what the run gave. Empty when they can.
+[[nodiscard]] QString replayFolderFault(const QString& results, const QString& ofTheRun);
+
 /// Nothing is waited for, and nobody is asked: the run has been measured. Creates the folder of the
 /// results; false, after a message, when that fails.
 [[nodiscard]] bool prepareForPlaying(RunSettings& settings, const PlayOptions& options);

@@ -96,6 +96,7 @@ void RunJournal::goOn(const QString& path, qint64 wholeBytes, int latestVolume) 
     moment_ = RecordMoment::Waiting;
     start(continueJournalFile(path, wholeBytes), false);
     clock_.restart();
+    list_.add(path_); // it may have been opened from elsewhere, and the program may end once more
     if (!writer_)
         showModelessWarning(QStringLiteral("WARNING: The journal \"%1\" can not be continued. The "
                                            "run goes on without: until it is saved, the data of "
@@ -159,6 +160,9 @@ bool RunJournal::beforeVolume(const VolumeAtHand& hand) {
     // The latest volume of a journal that is continued is in it already.
     if (!writer_ || hand.volume <= volume_)
         return true;
+    moment_ = RecordMoment::BeforeModel;
+    if (hand.volume == volume_)
+        return true; // the latest one of a journal that is gone on with: it is there
     if (volume_ < 0)
         clock_.restart();
     volume_ = hand.volume;

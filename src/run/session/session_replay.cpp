@@ -7,22 +7,13 @@
 #include "run/replay/saved_run.h"
 #include "run/session/run_session.h"
 
-#include <QFileInfo>
-
 namespace {
 
-// A replay shows a run again; what the run gave stays as it is.
-bool hasFolderOfItsOwn(const QString& results, const QString& recorded) {
-    const QString target = QFileInfo(results).absoluteFilePath();
-    const bool same = results.isEmpty() ||
-                      paths::withTrailingSlash(target) ==
-                          paths::withTrailingSlash(QFileInfo(recorded).absoluteFilePath()) ||
-                      (QFileInfo::exists(target) && QFileInfo(target) == QFileInfo(recorded));
-    if (same)
-        showWarning(QStringLiteral("ERROR: The results of a replay would replace those of the run "
-                                   "in folder \"%1\". Choose another folder.")
-                        .arg(recorded));
-    return !same;
+bool hasFolderOfItsOwn(const QString& results, const QString& ofTheRun) {
+    const QString fault = replayFolderFault(results, ofTheRun);
+    if (!fault.isEmpty())
+        showWarning("ERROR: " + fault);
+    return fault.isEmpty();
 }
 
 } // namespace
@@ -46,7 +37,9 @@ void RunSession::endJournal(bool runDone) {
 }
 
 QStringList RunSession::unfinishedJournals() const {
-    return journal.list().journals();
+    QStringList journals = journal.list().journals();
+    journals.removeIf(journalIsInUse);
+    return journals;
 }
 
 void RunSession::endPlayedJournal(const JournalRun& source, const QString& path) {

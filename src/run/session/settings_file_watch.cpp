@@ -5,6 +5,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "run/loop/status_text.h"
+#include "run/replay/journal_description.h"
 #include "run/session/settings_file_names.h"
 
 #include <QDir>
@@ -59,6 +60,7 @@ bool SettingsFileWatch::readMasterFile() {
     writtenText_ = masterFileText(remembered_);
     if (result == MasterFileResult::Created)
         laySampleSession(master_.settingsDirectory);
+    session_.keepsJournals = master_.keepsJournals;
     session_.changeSettingsFile(currentFile());
     highestRunNumber_ = -1;
     showControls();
@@ -121,7 +123,7 @@ QString SettingsFileWatch::currentFile() const {
 }
 
 void SettingsFileWatch::look(bool beforeAppExec) {
-    if (ended_ || !session_.phase.isIdle() || session_.report.startFailed)
+    if (ended_ || held_ || !session_.phase.isIdle() || session_.report.startFailed)
         return;
     display_.refreshViewButtons();
     if (!folderExists())
@@ -274,6 +276,44 @@ void SettingsFileWatch::toNeighbour(int step) {
                 .arg(name));
     if (setSettingsFile(path))
         lookOnce();
+}
+
+bool SettingsFileWatch::playJournal(const PlayOptions& options, PlayPurpose purpose) {
+    const auto settingsFile = [&options] {
+        if (!options.settingsFile.isEmpty())
+            return options.settingsFile;
+        const std::optional<JournalDescription> journal = describeJournal(options.path);
+        return journal ? journal->head.settings.path : QString();
+    };
+    return play(settingsFile(), [&] { return session_.playJournal(options, purpose); });
+}
+
+bool SettingsFileWatch::playSavedRun(const PlayOptions& options, bool isOwn) {
+    return play(options.settingsFile, [&] { return session_.playSavedRun(options, isOwn); });
+}
+
+bool SettingsFileWatch::play(const QString& settingsFile, const std::function<bool()>& operation) {
+    const bool isCurrent = isFile(settingsFile);
+    if (!session_.phase.isIdle() || (isCurrent && !setSettingsFile(settingsFile)))
+        return false;
+    const bool played = operation();
+    if (!isCurrent)
+        returnToCurrentFile(played);
+    return played;
+}
+
+void SettingsFileWatch::returnToCurrentFile(bool played) {
+    if (session_.settings.settingsFilePath != currentFile()) {
+        session_.changeSettingsFile(currentFile());
+        timer_.start(); // a start that failed was not that of this file
+    }
+    // Modeless: the window may have been closed during the run, and the program ends.
+    if (played && session_.report.savedCompletely)
+        showModelessInformation(
+            QStringLiteral(
+                "INFO: The results of the run are in folder \"%1\". Its settings file no "
+                "longer exists, so \"%2\" is still the current one.")
+                .arg(session_.functionalDocument->project.targetFolder, master_.settingsFileName));
 }
 
 void SettingsFileWatch::choosePreLoadedRegions() {

@@ -76,6 +76,13 @@ public:
     void chooseSettingsFile();
     /// Makes the neighbouring recording current, if it exists; says so if not.
     void toNeighbour(int step);
+    /// RunSession's operations of the same names. The settings file of the run becomes the current
+    /// one. One that is gone does not, and nor does the run count as that of the current file: the
+    /// session turns back to that when the run is over, and says where the results are.
+    bool playJournal(const PlayOptions& options, PlayPurpose purpose);
+    bool playSavedRun(const PlayOptions& options, bool isOwn);
+    /// While held, the periodic look does nothing, so that no run starts by itself.
+    void hold(bool held) { held_ = held; }
     /// Files to be opened at the first volume of the next run.
     void choosePreLoadedRegions();
     void choosePreLoadedVolumesOfInterest();
@@ -92,6 +99,8 @@ private:
     void offerFile();
     void showFinishedFile();
     [[nodiscard]] bool projectExists() const;
+    [[nodiscard]] bool play(const QString& settingsFile, const std::function<bool()>& operation);
+    void returnToCurrentFile(bool played);
     void startRun();
     void advance();
     void lookOnce();
@@ -107,6 +116,7 @@ private:
     QString writtenText_;   ///< of the master file as it is on disk
     InputControls controls_;
     bool ended_ = false;
+    bool held_ = false;
     bool autoStartPending_ = false; ///< auto-advance has just moved on to a new file
     int highestRunNumber_ = -1;     ///< highest numbered settings file seen; -1 unknown
     QTimer timer_;

@@ -40,6 +40,10 @@ public:
         value = number != 0;
         return true;
     }
+    /// An entry that a file may have as its last.
+    [[nodiscard]] bool optionalFlag(const char* key, bool& value) {
+        return !checker_.checkToken(stream_.word(), key, CheckMode::Silent) || flag(value);
+    }
     /// A number, or a word that begins with "C" (centred) or "A" (automatic).
     [[nodiscard]] bool position(bool& centred, int& value) {
         const QString word = stream_.word();
@@ -100,7 +104,8 @@ bool parseMasterFile(const QString& text, const QString& filePath, MasterFile& m
     if (!reader.key("HorizontalWindowPosition:") ||
         !reader.position(found.windowCentredX, found.windowX) ||
         !reader.key("VerticalWindowPosition:") ||
-        !reader.position(found.windowCentredY, found.windowY))
+        !reader.position(found.windowCentredY, found.windowY) ||
+        !reader.optionalFlag("KeepRunJournals:", found.keepsJournals))
         return false;
     found.settingsDirectory =
         paths::withTrailingSlash(paths::withForwardSlashes(found.settingsDirectory));
@@ -117,7 +122,8 @@ QString masterFileText(const MasterFile& master) {
            line("AutoStartVCO:", QString::number(int(master.autoStartRun))) + '\n' +
            line("WindowSize:", QString::number(master.windowSize)) + '\n' +
            line("HorizontalWindowPosition:", positionText(master.windowCentredX, master.windowX)) +
-           line("VerticalWindowPosition:", positionText(master.windowCentredY, master.windowY));
+           line("VerticalWindowPosition:", positionText(master.windowCentredY, master.windowY)) +
+           (master.keepsJournals ? '\n' + line("KeepRunJournals:", "1") : QString());
 }
 
 MasterFileResult readMasterFile(const QString& folder, const QString& dataPath,

@@ -1,5 +1,5 @@
 // The master file: current settings file, auto-advance and auto-start, size and position of the
-// window.
+// window, and what becomes of the journals of runs.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -16,6 +16,7 @@ struct MasterFile {
     bool windowCentredY = true;
     int windowX = 0; ///< pixels; ignored for a centred axis
     int windowY = 0;
+    bool keepsJournals = false; ///< of runs that are saved, to be replayed
 };
 
 inline constexpr char masterFileName[] = "MasterVCO";

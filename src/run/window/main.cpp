@@ -38,6 +38,7 @@ int main(int argc, char** argv) {
     window->show();
     splash->finish(window.get());
     splash.reset();
+    window->offerUnsavedRuns();
 
     // Not earlier: up to here there is nothing to lose, and only the event loop can be left.
     const TerminationSignals terminationSignals([&window] { window->endProgramOrderly(); });

@@ -64,6 +64,8 @@ constexpr MenuTitle titles[] = {{"&File", &Window::slotFileMenuAboutToShow},
 // clang-format off
 constexpr MenuEntry entries[] = {
     {"&File", "Set New VCO File...", &Window::slotSetVCOSettingsFile, Idle},
+    {"&File", "Recover Run...", &Window::slotRecoverRun, Idle},
+    {"&File", "Replay Run...", &Window::slotReplayRun, Idle},
     {"&File", "Save View As BMP...", &Window::slotSaveAsBMP, Always, documentShown, nullptr, separator},
     {"&File", "Close", &Window::slotClose},
     {"&File", "Exit", &Window::slotExitVCO},

@@ -4,6 +4,8 @@
 #include "dialogs/appearance.h"
 #include "dialogs/progress_boxes.h"
 #include "run/loop/status_text.h"
+#include "run/replay/ui/recover_run_dialog.h"
+#include "run/replay/ui/replay_run_dialog.h"
 #include "run/window/message_boxes.h"
 #include "run/window/program_dialogs.h"
 #include "run/window/title_row.h"
@@ -24,6 +26,8 @@ VeloCortivo::VeloCortivo(const StandardFolders& folders, EventPump& pump)
     setWindowTitle("Velo-Cortivo");
     setWindowIcon(QIcon(":/images/velo-cortivo-256.png"));
     session_.licencePermits = licencePermits;
+    session_.journal.setPlaces(folders.dataPath,
+                               JournalList(folders.applicationDataPath + "OpenJournals"));
     wrapToolTips(*this);
     initDefaultPalettes();
     qApp->installEventFilter(this);
@@ -194,6 +198,18 @@ void VeloCortivo::slotShowLicenseInfoDlg() {
 
 void VeloCortivo::slotShowAboutDlg() {
     showAboutDialog(this);
+}
+
+void VeloCortivo::offerUnsavedRuns() {
+    offerRecovery(session_, watch_, *this);
+}
+
+void VeloCortivo::slotRecoverRun() {
+    openRecoverRunDialog(session_, watch_, *this);
+}
+
+void VeloCortivo::slotReplayRun() {
+    openReplayRunDialog(session_, watch_, *this);
 }
 
 void VeloCortivo::slotPostProcessData() {

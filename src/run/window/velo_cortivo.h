@@ -46,6 +46,9 @@ public:
     /// Moves the window to the place that the master file gives on this screen.
     void placeOnScreen() { frame_.placeOnScreen(); }
 
+    /// Opens the dialog of recovery if a run was not saved when the program ended.
+    void offerUnsavedRuns();
+
     /// There are a document and its view.
     [[nodiscard]] bool documentShown() const { return viewPanel_->documentShown(); }
     /// The operator closed the window during a run, which is saved first.
@@ -81,6 +84,8 @@ public Q_SLOTS:
     void onPreLoadROI() { watch_.choosePreLoadedRegions(); }
     void onPreLoadVOI() { watch_.choosePreLoadedVolumesOfInterest(); }
     void slotSetVCOSettingsFile() { watch_.chooseSettingsFile(); }
+    void slotRecoverRun();
+    void slotReplayRun();
     void slotSaveAsBMP() { viewPanel_->saveAsBMP(); }
     void slotSwitchWindowSize();
     void slotUpdateWindowSize();

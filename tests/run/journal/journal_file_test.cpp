@@ -70,6 +70,23 @@ TEST(JournalFile, WhatExistsIsNeverReplacedAndWhatDoesNotIsNotContinued) {
     EXPECT_FALSE(QFile::exists(folder.filePath("none")));
 }
 
+TEST(JournalFile, OneWriterAtATimeHasIt) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("run.journal");
+    EXPECT_FALSE(journalIsInUse(path)) << "there is none";
+    auto written = createJournalFile(path);
+    for (const qint64 keep : {qint64(0), qint64(3)}) {
+        EXPECT_TRUE(written->write(bytesOf("12345")));
+        EXPECT_TRUE(journalIsInUse(path));
+        EXPECT_EQ(continueJournalFile(path, 1), nullptr);
+        EXPECT_EQ(QFileInfo(path).size(), keep + 5) << "the writer's content stays";
+        written.reset();
+        EXPECT_FALSE(journalIsInUse(path));
+        written = continueJournalFile(path, 3);
+        ASSERT_TRUE(written);
+    }
+}
+
 // Like a full disk: a part of the last record fits.
 TEST(JournalFile, AWriteBeyondTheLimitLeavesWhatFits) {
     constexpr rlim_t limitBytes = 1000;

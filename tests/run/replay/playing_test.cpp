@@ -254,7 +254,16 @@ TEST_F(PlayingTest, ARunOfAnotherSeriesIsNotGoneOnWith) {
     messages.expect(MessageLevel::Warning, "ERROR: The first file in folder*");
     EXPECT_FALSE(session.playJournal(playing(), PlayPurpose::GoOn));
     script.firstSample = 0;
-    EXPECT_TRUE(session.playJournal(playing(), PlayPurpose::GoOn));
-    EXPECT_EQ(volumesIn("results"), 20);
-    EXPECT_FALSE(QFile::exists(path("run.vcj")));
+    for (const bool kept : {true, false}) {
+        session.keepsJournals = kept;
+        cutJournal(path("run.vcj"), 12);
+        script.atVolume = [this](int) {
+            EXPECT_EQ(session.journal.list().journals(), QStringList(path("run.vcj")));
+        };
+        EXPECT_TRUE(session.playJournal(playing(), PlayPurpose::GoOn));
+        EXPECT_EQ(volumesIn("results"), 20);
+        const auto journal = describeJournal(path("run.vcj"));
+        EXPECT_EQ(journal.has_value(), kept);
+        EXPECT_TRUE(!kept || (journal->nrOfVolumes == 20 && journal->saved));
+    }
 }

@@ -272,3 +272,43 @@ TEST_F(SettingsFileWatchTest, AMissingFolderLeavesAWayOut) {
                   choose ? folder_.path() + "/" : folders_.homePath);
     }
 }
+
+TEST_F(SettingsFileWatchTest, TheSettingsFileOfAPlayedRunBecomesCurrentUnlessItIsGone) {
+    ASSERT_TRUE(watch_->readMasterFile());
+    EXPECT_FALSE(session.keepsJournals);
+    put("app/MasterVCO", masterText() + "KeepRunJournals: 1");
+    ASSERT_TRUE(watch_->readMasterFile());
+    EXPECT_TRUE(session.keepsJournals);
+    beginWith({"r-1.vco"});
+    session.runButtonPressed();
+    const QString journal = path("results/" + QDir(path("results")).entryList({"*.vcj"}).value(0));
+    const QString project = path("results/test.fmr");
+    const auto play = [&](bool ofProject) {
+        watch_->setSettingsFile(path("other.vco"));
+        const PlayOptions options{ofProject ? project : journal,
+                                  ofProject ? path("r-1.vco") : QString(), path("replay/"), false};
+        return ofProject ? watch_->playSavedRun(options, true)
+                         : watch_->playJournal(options, PlayPurpose::Replay);
+    };
+    for (const bool ofProject : {false, true}) {
+        EXPECT_TRUE(play(ofProject));
+        EXPECT_EQ(current(), "r-1.vco");
+        EXPECT_TRUE(session.report.runFinished);
+    }
+    QFile::remove(path("r-1.vco"));
+    messages.expect(MessageLevel::Information,
+                    "INFO: The results of the run are in folder \"" + path("replay/") +
+                        "\". Its settings file no longer exists, so \"other.vco\" is still*");
+    EXPECT_TRUE(play(false));
+    EXPECT_EQ(current(), "other.vco");
+    EXPECT_EQ(session.settings.settingsFilePath, path("other.vco"));
+    EXPECT_FALSE(session.report.runFinished) << "of that file";
+    EXPECT_TRUE(watch_->isRunning());
+
+    put("broken.vcj", "");
+    messages.expect(MessageLevel::Warning, "ERROR: \"" + path("broken.vcj") + "\"*");
+    PlayOptions broken;
+    broken.path = path("broken.vcj");
+    EXPECT_FALSE(watch_->playJournal(broken, PlayPurpose::Recover));
+    EXPECT_EQ(current(), "other.vco");
+}

@@ -34,11 +34,12 @@ TEST(MasterFile, FirstStartWritesOneThatPointsAtTheSample) {
 
 TEST(MasterFile, ReadsWhatItWrites) {
     const QTemporaryDir folder;
-    const MasterFile written{"/a b/", "c-1.vco", true, true, 1, false, true, -12, 0};
+    const MasterFile written{"/a b/", "c-1.vco", true, true, 1, false, true, -12, 0, true};
     ASSERT_TRUE(writeMasterFile(folder.path() + "/", written));
     MasterFile read;
     ASSERT_EQ(readMasterFile(folder.path() + "/", {}, read), MasterFileResult::Read);
     EXPECT_EQ(masterFileText(read), masterFileText(written));
+    EXPECT_TRUE(read.keepsJournals);
     ScriptedMessages messages;
     for (const QString& unreadable : {QString("/a\"b/"), QString("/a  b/"), QString("/a ;b/")}) {
         messages.expect(MessageLevel::Critical, "ERROR: Can not update \"MasterVCO\" file !");
@@ -52,6 +53,9 @@ TEST(MasterFile, TakesOldAndNewForms) {
     EXPECT_EQ(master.settingsDirectory, "/data/x/");
     EXPECT_EQ(master.windowX, -7);
     EXPECT_TRUE(master.windowCentredY);
+    EXPECT_FALSE(master.keepsJournals);
+    ASSERT_TRUE(parseMasterFile(versionTwo + QString(" KeepRunJournals: 1"), "m", master));
+    EXPECT_TRUE(master.keepsJournals);
 
     const QString versionOne = QString(versionTwo)
                                    .replace("FileVersion: 2", "fileversion 1")
@@ -64,7 +68,8 @@ TEST(MasterFile, TakesOldAndNewForms) {
 TEST(MasterFile, BrokenFilesEndTheProgram) {
     const QString whole = versionTwo;
     for (const QString& broken :
-         {QString(), QString(whole).replace("AutoStartVCO", "AutoStart"),
+         {QString(),
+          whole + " KeepRunJournals:", QString(whole).replace("AutoStartVCO", "AutoStart"),
           QString(whole).replace("AutoAdvanceRun: 1", "AutoAdvanceRun: yes"),
           QString(whole).replace("x\"", "x"), whole.left(whole.indexOf("AutoAdvanceRun")),
           QString(whole).replace("/data/x", QString(5000, 'x'))}) {

@@ -3,6 +3,8 @@
 #include "run/window/main_window.h"
 
 #include "dialogs/progress_boxes.h"
+#include "run/journal/journal_writer.h"
+#include "run/replay/journal_records.h"
 #include "run/window/message_boxes.h"
 #include "volume/ui/postprocessing_dialog.h"
 
@@ -15,6 +17,7 @@
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QTableWidget>
 #include <QTextBrowser>
 #include <QTimer>
 
@@ -114,8 +117,8 @@ TEST_F(MainWindow, MenusFollowThePhase) {
                            enabledEntries("&View").join(", ")};
     };
     const QString overlay = "Overlay On First Func Volume*, Overlay On Current Func Volume, ";
-    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Close, Exit", "",
-                                  overlay + "Switch Window Size"}));
+    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Recover Run..., Replay Run..., Close, Exit",
+                                  "", overlay + "Switch Window Size"}));
     prepare(1, Phase::Recording);
     EXPECT_EQ(all(), (QStringList{"Save View As BMP..., Close, Exit",
                                   "Colors Code Significance, Colors Code Contrasts*",
@@ -127,7 +130,8 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     requests().pendingOverlayInplane = 0;
     window_->slotShowOnCurrentEPIs();
     runOver();
-    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Save View As BMP..., Close, Exit",
+    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Recover Run..., Replay Run..., Save View "
+                                  "As BMP..., Close, Exit",
                                   "Colors Code Significance*, Colors Code Contrasts, "
                                   "Post-Processing...",
                                   "Multi-Slice View, Overlay On First Func Volume, Overlay On "
@@ -229,6 +233,29 @@ TEST_F(MainWindow, PostProcessingRunsAfterOkAndCanBeCancelled) {
     window_->setSettingsFile(home_.path() + "/run-7.vco");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(window_->findChild<PostprocessingDlg*>(), nullptr) << "its run is no longer current";
+}
+
+TEST_F(MainWindow, UnsavedRunsAreOfferedAtTheStartAndByTheMenu) {
+    RunHead head;
+    head.startedAt = 1;
+    head.project.ResolutionX = head.project.ResolutionY = head.project.NrOfSlices = 1;
+    head.project.NrOfVolumes = 7;
+    const QString journal = home_.path() + "/run.vcj";
+    JournalWriter writer(createJournalFile(journal));
+    ASSERT_TRUE(writer.add(uint32_t(RecordKind::Head), {encodeHead(head)}) && writer.finish());
+    JournalList(folders_.applicationDataPath + "OpenJournals").add(journal);
+    window_->offerUnsavedRuns();
+    EXPECT_EQ(window_->findChild<QDialog*>("RecoverRunDlg"), nullptr) << "it is being written";
+    QFile::copy(journal, journal + "2");
+    JournalList(folders_.applicationDataPath + "OpenJournals").add(journal + "2");
+    window_->offerUnsavedRuns();
+    EXPECT_EQ(control<QTableWidget>("JournalTable").rowCount(), 1);
+    control<QPushButton>("NotNowBtn").click();
+    choose("Recover Run...");
+    EXPECT_TRUE(control<QDialog>("RecoverRunDlg").isVisible());
+    control<QPushButton>("NotNowBtn").click();
+    choose("Replay Run...");
+    EXPECT_TRUE(control<QDialog>("ReplayRunDlg").isVisible());
 }
 
 } // namespace

@@ -1,0 +1,159 @@
+// What is said and offered about runs that can be recovered or replayed.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+#include "run/replay/recovery_choices.h"
+#include "run/replay/replay_choices.h"
+
+#include <QDir>
+
+namespace {
+
+JournalDescription describedRun() {
+    JournalDescription journal;
+    journal.path = "/data/run.vcj";
+    journal.head.startedAt = 1'700'000'000'000;
+    journal.head.projectName = "run";
+    journal.head.targetFolder = "/data/results/";
+    journal.head.settings.path = "/data/run-1.vco";
+    journal.head.project.NrOfVolumes = 120;
+    journal.nrOfVolumes = 87;
+    journal.latestArrival = journal.head.startedAt + 180'000;
+    return journal;
+}
+
+} // namespace
+
+TEST(RecoveryChoices, FollowWhatTheJournalHolds) {
+    JournalDescription journal = describedRun();
+    EXPECT_EQ(recoveryColumns(journal)[3], "87 of 120");
+    const auto states = [&] {
+        const RecoveryChoices choices = recoveryChoices(journal);
+        return std::pair(choices.recover, choices.goOn);
+    };
+    EXPECT_EQ(states(), std::pair(true, true));
+    journal.loopEnded = true;
+    EXPECT_EQ(states(), std::pair(true, false));
+    journal.loopEnded = false;
+    journal.nrOfVolumes = 0;
+    EXPECT_EQ(states(), std::pair(false, true));
+    EXPECT_EQ(recoveryColumns(journal)[2], "none");
+}
+
+TEST(RecoveryChoices, TheTextTellsHowAndWhenTheRunEnded) {
+    const std::tuple<int, const char*> times[] = {
+        {-5, "less than a minute ago"}, {59, "less than a minute ago"},
+        {60, "1 minute ago"},           {59 * 60 + 59, "59 minutes ago"},
+        {2 * 3600, "2 hours ago"},      {49 * 3600, "2 days ago"}};
+    JournalDescription journal = describedRun();
+    for (const auto& [seconds, ago] : times)
+        EXPECT_EQ(recoveryText(journal, journal.latestArrival + qint64(seconds) * 1000),
+                  QStringLiteral("The run was being measured when the program ended, %1.\n"
+                                 "Journal: /data/run.vcj\n"
+                                 "Settings file: /data/run-1.vco (no longer there; its text is in "
+                                 "the journal)")
+                      .arg(ago));
+    journal.nrOfVolumes = 0;
+    EXPECT_TRUE(recoveryText(journal, journal.latestArrival).contains("3 minutes ago"));
+    journal.loopEnded = true;
+    EXPECT_TRUE(recoveryText(journal, 0).startsWith("The run was over, but not yet saved,"));
+    journal.scan = {JournalEnd::Damaged, 1'000'000, 3'500'000, 9};
+    EXPECT_TRUE(recoveryText(journal, 0).contains("2.5 MB"));
+    journal.saved = true;
+    EXPECT_TRUE(recoveryText(journal, 0).startsWith("The results of this run are saved."));
+}
+
+TEST(RecoveryChoices, AnotherFolderTakesTheResults) {
+    const JournalDescription journal = describedRun();
+    EXPECT_EQ(recoveryOptions(journal, " /data/results ").targetFolder, QString());
+    EXPECT_EQ(recoveryOptions(journal, "/else").targetFolder, "/else/");
+    EXPECT_EQ(recoveryOptions(journal, "/else").path, journal.path);
+}
+
+TEST(ResultsFolder, MustHaveAPathThatCanBeCreated) {
+    const QTemporaryDir folder;
+    EXPECT_EQ(resultsFolderFault(folder.filePath("a/b/")), QString());
+    for (const QString& wrong : {QString(), QString("results/"), QString("/dev/null/results/")})
+        EXPECT_NE(resultsFolderFault(wrong), QString()) << wrong.toStdString();
+}
+
+class ReplayChoicesTest : public SessionFixture {
+protected:
+    ReplayChoicesTest() {
+        writeSession(20, 0);
+        session.keepsJournals = true;
+        session.runButtonPressed();
+        journal_ = path("results/" + QDir(path("results")).entryList({"*.vcj"}).value(0));
+    }
+    [[nodiscard]] ReplayableRun run(const QString& file) const {
+        return describeReplayableRun(file, session.settings);
+    }
+
+    QString journal_;
+};
+
+TEST_F(ReplayChoicesTest, WhatCannotBePlayedIsNamed) {
+    put("notes.txt", "");
+    put("none.vcj", "no journal");
+    put("none.fmr", "no project");
+    QDir().mkpath(path("alone"));
+    put("alone/test.fmr", content("results/test.fmr")); // without its data
+    for (const QString& file : {QString(), path("gone.vcj"), path("notes.txt"), path("none.vcj"),
+                                path("none.fmr"), path("alone/test.fmr")}) {
+        const ReplayFault fault = findReplayFault(run(file), {true, {}, path("replay"), true});
+        EXPECT_EQ(fault.choice, ReplayChoice::Run) << file.toStdString();
+        EXPECT_TRUE(fault.text.endsWith('.') || fault.text.endsWith('!'));
+        EXPECT_TRUE(file.isEmpty() || fault.text.contains(file.section('/', -1).section('.', 0, 0)))
+            << fault.text.toStdString();
+    }
+}
+
+TEST_F(ReplayChoicesTest, SettingsAndFolderMustFitTheRun) {
+    put("other.vco", content("test-1.vco"));
+    session.settings.settingsFilePath = path("test-1.vco");
+    const QString project = path("results/test.fmr");
+    put("results/renamed.fmr", content("results/test.fmr")); // not that of the settings
+    const QString own;
+    const struct {
+        QString run, settings, folder;
+        ReplayChoice fault;
+    } cases[] = {
+        {journal_, own, path("replay"), ReplayChoice::None},
+        {project, own, path("replay"), ReplayChoice::None},
+        {project, path("other.vco"), path("replay"), ReplayChoice::None},
+        {path("results/renamed.fmr"), own, path("replay"), ReplayChoice::Settings},
+        {path("results/renamed.fmr"), path("other.vco"), path("replay"), ReplayChoice::None},
+        {journal_, path("gone.vco"), path("replay"), ReplayChoice::Settings},
+        {journal_, own, path("results"), ReplayChoice::Folder},
+        {project, own, path("results/../results/"), ReplayChoice::Folder},
+        {project, own, "replay", ReplayChoice::Folder}};
+    for (const auto& [file, settings, folder, fault] : cases) {
+        const ReplayChoices choices{settings.isEmpty(), settings, folder, true};
+        EXPECT_EQ(findReplayFault(run(file), choices).choice, fault)
+            << file.toStdString() << " " << folder.toStdString();
+        if (fault != ReplayChoice::None)
+            continue;
+        const PlayOptions options = replayOptions(run(file), choices);
+        EXPECT_EQ(options.settingsFile, !settings.isEmpty() ? settings
+                                        : file == journal_  ? QString()
+                                                            : path("test-1.vco"));
+        EXPECT_EQ(options.targetFolder, path("replay/"));
+        EXPECT_TRUE(options.atTR);
+    }
+}
+
+TEST_F(ReplayChoicesTest, TheTextTellsWhatWillHappen) {
+    EXPECT_EQ(proposedReplayFolder(journal_), path("results/replay/"));
+    EXPECT_EQ(replayText(run(journal_), {true, {}, "/r", true}),
+              "The 20 volumes of \"test\" are analysed again with the settings of the run, one "
+              "every 2000 ms (0 min 40 s). The results go into \"/r/\" and replace those of an "
+              "earlier replay there; the run itself stays as it is.");
+    EXPECT_TRUE(replayText(run(journal_), {false, "/s/other.vco", "/r", false})
+                    .contains("with \"other.vco\", as fast as it goes."));
+}
+
+TEST_F(ReplayChoicesTest, AfterAReplayTheRunIsStillThatOfTheSettingsFile) {
+    const QString project = path("results/test.fmr");
+    EXPECT_TRUE(session.playSavedRun({project, path("test-1.vco"), path("replay/"), false}, true));
+    EXPECT_EQ(projectOf(session.settings), path("replay/test.fmr"));
+    EXPECT_EQ(projectOf(settingsOfCurrentFile(session.settings)), project);
+}

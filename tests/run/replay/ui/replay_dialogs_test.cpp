@@ -1,0 +1,216 @@
+// The dialogs of recovery and replay, by the object names of their controls.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+#include "run/replay/ui/recover_run_dialog.h"
+#include "run/replay/ui/replay_run_dialog.h"
+#include "run/session/settings_file_watch.h"
+
+#include <QAbstractButton>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTableWidget>
+
+namespace {
+
+class NoControls : public SettingsFileDisplay {
+    void showInputControls(const InputControls&) override {}
+    void showTitle(const QString&) override {}
+    void paintNow() override {}
+};
+
+class ReplayDialogs : public SessionFixture {
+protected:
+    ReplayDialogs() {
+        for (const char* folder : {"app", "data", "home"})
+            QDir().mkpath(path(folder));
+        watch_ = std::make_unique<SettingsFileWatch>(
+            StandardFolders{{}, {}, path("data/"), path("app/"), path("home/")}, session, pump,
+            display, controls_);
+        session.journal.setPlaces({}, JournalList(path("OpenJournals")));
+        writeSession(20, 0);
+        session.keepsJournals = true;
+        watch_->setSettingsFile(path("test-1.vco"));
+        session.runButtonPressed();
+        session.keepsJournals = false;
+        const QStringList kept = QDir(path("results")).entryList({"*.vcj"});
+        EXPECT_TRUE(QFile::rename(path("results/" + kept.value(0)), path("run.vcj")));
+    }
+    ~ReplayDialogs() override { QDir().setCurrent(QDir::tempPath()); }
+
+    /// A journal as the crash of a run leaves it.
+    void crash(const QString& name, int volumes) {
+        QFile::copy(path("run.vcj"), path(name));
+        cutJournal(path(name), volumes);
+        session.journal.list().add(path(name));
+    }
+    template<typename Widget = QAbstractButton> Widget& control(const char* name) {
+        auto* widget = window_.findChild<Widget*>(name);
+        EXPECT_NE(widget, nullptr) << name;
+        return *widget;
+    }
+    QTableWidget& table() { return control<QTableWidget>("JournalTable"); }
+    QString field(const char* name) { return control<QLineEdit>(name).text(); }
+    QString label(const char* name) { return control<QLabel>(name).text(); }
+    void enter(const char* name, const QString& text) {
+        auto& edit = control<QLineEdit>(name);
+        edit.clear();
+        edit.insert(text);
+    }
+    [[nodiscard]] int volumesIn(const QString& folder) const {
+        return savedVolumes(content(folder + "/test.stc"), 8 * 8, 4, scriptedSample);
+    }
+
+    NoControls controls_;
+    std::unique_ptr<SettingsFileWatch> watch_;
+    QWidget window_; ///< goes before the session, and the dialogs with it
+};
+
+} // namespace
+
+TEST_F(ReplayDialogs, AnUnsavedRunIsRecoveredOrGoneOnWith) {
+    for (const bool goOn : {false, true}) {
+        QDir(path("results")).removeRecursively();
+        crash("old.vcj", 5);
+        crash("cut.vcj", 12);
+        session.journal.list().add(path("run.vcj")); // saved
+        offerRecovery(session, *watch_, window_);
+        EXPECT_EQ(table().rowCount(), 2);
+        EXPECT_EQ(table().item(0, 3)->text(), "12 of 20");
+        EXPECT_TRUE(label("JournalInfo").contains(path("cut.vcj")));
+        EXPECT_EQ(field("FolderEdit"), path("results/"));
+        if (!goOn) { // "old" is the second row, recovered elsewhere
+            table().selectRow(1);
+            enter("FolderEdit", "nowhere");
+            messages.expect(MessageLevel::Warning, "ERROR: Choose a folder for the results*");
+            control("RecoverBtn").click();
+            EXPECT_TRUE(control<QDialog>("RecoverRunDlg").isVisible());
+            enter("FolderEdit", path("elsewhere"));
+        }
+        control(goOn ? "GoOnBtn" : "RecoverBtn").click();
+        EXPECT_FALSE(control<QDialog>("RecoverRunDlg").isVisible());
+        EXPECT_EQ(volumesIn(goOn ? "results" : "elsewhere"), goOn ? 20 : 5);
+        EXPECT_EQ(QFile::exists(path("cut.vcj")), !goOn);
+    }
+}
+
+TEST_F(ReplayDialogs, WhileAnUnsavedRunIsOfferedNoneStartsByItself) {
+    const auto nrOfRuns = [this] { return display.calls.count("starting"); };
+    offerRecovery(session, *watch_, window_);
+    EXPECT_EQ(window_.findChild<QDialog*>(), nullptr) << "there is none";
+    crash("cut.vcj", 12);
+    put("next.vco", content("test-1.vco"));
+    watch_->setSettingsFile(path("next.vco"));
+    watch_->setAutoStart(true);
+    offerRecovery(session, *watch_, window_);
+    watch_->look();
+    EXPECT_EQ(nrOfRuns(), 1) << "that of the set-up";
+    control("NotNowBtn").click();
+    watch_->look();
+    EXPECT_EQ(nrOfRuns(), 2);
+    EXPECT_TRUE(QFile::exists(path("cut.vcj")));
+
+    watch_->setSettingsFile(path("next.vco"));
+    openRecoverRunDialog(session, *watch_, window_);
+    watch_->look();
+    EXPECT_EQ(nrOfRuns(), 3);
+    EXPECT_FALSE(control<QDialog>("RecoverRunDlg").isVisible()) << "a run has begun";
+}
+
+TEST_F(ReplayDialogs, JournalsAreOpenedFromElsewhereAndRemoved) {
+    openRecoverRunDialog(session, *watch_, window_);
+    for (const char* button : {"RecoverBtn", "GoOnBtn", "RemoveBtn"})
+        EXPECT_FALSE(control(button).isEnabled()) << button;
+    put("none.vcj", "x");
+    crash("cut.vcj", 12);
+    const auto choose = [&](const QString& journal) {
+        messages.expectFileChoice("Open File", journal);
+        control("OpenBtn").click();
+    };
+    messages.expectFileChoice("Open File", path("none.vcj"));
+    messages.expect(MessageLevel::Warning, "ERROR: \"" + path("none.vcj") + "\" is not*");
+    control("OpenBtn").click();
+    choose({});
+    {
+        const auto writer = continueJournalFile(path("cut.vcj"), 16);
+        messages.expectFileChoice("Open File", path("cut.vcj"));
+        messages.expect(MessageLevel::Warning,
+                        "ERROR: The journal \"" + path("cut.vcj") + "\" is being*");
+        control("OpenBtn").click();
+    }
+    QFile::remove(path("cut.vcj"));
+    crash("cut.vcj", 12);
+    for (const char* journal : {"cut.vcj", "run.vcj", "run.vcj"})
+        choose(path(journal));
+    EXPECT_EQ(table().rowCount(), 2) << "one of them twice";
+    EXPECT_TRUE(control("RecoverBtn").isEnabled());
+    EXPECT_FALSE(control("GoOnBtn").isEnabled()) << "that run was over";
+    table().selectRow(1);
+    for (const bool sure : {false, true}) {
+        messages.expectQuestion("Do you want to delete the journal of the run \"test\"? Its 12*",
+                                sure);
+        control("RemoveBtn").click();
+        EXPECT_EQ(table().rowCount(), sure ? 1 : 2);
+        EXPECT_EQ(QFile::exists(path("cut.vcj")), !sure);
+    }
+    EXPECT_FALSE(content("OpenJournals").contains("cut.vcj"));
+}
+
+TEST_F(ReplayDialogs, AReplayTellsWhatWillHappenAndPlaysIt) {
+    openReplayRunDialog(session, *watch_, window_);
+    EXPECT_EQ(field("RunEdit"), path("results/test.fmr"));
+    EXPECT_EQ(field("FolderEdit"), path("results/replay/"));
+    EXPECT_TRUE(label("PlanInfo").startsWith("The 20 volumes of \"test\""));
+    messages.expectFileChoice("Open File", path("run.vcj"));
+    control("BrowseRunBtn").click();
+    EXPECT_EQ(field("FolderEdit"), path("replay/")) << "follows the run";
+    put("other.vco", content("test-1.vco"));
+    messages.expectFileChoice("Open File", path("other.vco"));
+    control("BrowseSettingsBtn").click();
+    EXPECT_TRUE(label("PlanInfo").contains("with \"other.vco\", one every 2000 ms"));
+    control("FastBtn").click();
+    EXPECT_TRUE(label("PlanInfo").contains("as fast as it goes"));
+
+    const std::tuple<const char*, QString, QString> faults[] = {
+        {"RunEdit", path("gone.vcj"), path("run.vcj")},
+        {"SettingsEdit", path("gone.vco"), path("other.vco")},
+        {"FolderEdit", path("results"), path("training")}};
+    for (const auto& [name, wrong, right] : faults) {
+        enter(name, wrong);
+        messages.expect(MessageLevel::Warning, "ERROR: " + label("PlanInfo"));
+        control("OkBtn").click();
+        EXPECT_EQ(control<QDialog>("ReplayRunDlg").focusWidget(), &control<QLineEdit>(name));
+        enter(name, right);
+    }
+    control("OkBtn").click();
+    EXPECT_FALSE(control<QDialog>("ReplayRunDlg").isVisible());
+    EXPECT_EQ(volumesIn("training"), 20);
+    EXPECT_EQ(watch_->master().settingsFileName, "other.vco");
+
+    watch_->setSettingsFile(path("test-1.vco"));
+    openReplayRunDialog(session, *watch_, window_);
+    control("FastBtn").click();
+    control("OkBtn").click();
+    EXPECT_EQ(volumesIn("results/replay"), 20) << "a project, with its own settings";
+}
+
+TEST_F(ReplayDialogs, EveryControlExplainsItselfAndFitsTheScreen) {
+    crash("cut.vcj", 12);
+    openRecoverRunDialog(session, *watch_, window_);
+    openReplayRunDialog(session, *watch_, window_);
+    for (const auto* dialog : window_.findChildren<QDialog*>()) {
+        EXPECT_TRUE(dialog->sizeHint().width() <= 1000 && dialog->sizeHint().height() <= 700);
+        QStringList keys;
+        for (const QWidget* widget : dialog->findChildren<QWidget*>()) {
+            const bool ours = widget->objectName().endsWith("Btn") ||
+                              widget->objectName().endsWith("Edit") ||
+                              widget->objectName().endsWith("Table");
+            EXPECT_TRUE(!ours || !widget->toolTip().isEmpty())
+                << widget->objectName().toStdString();
+            const QString text = widget->property("text").toString();
+            if (const qsizetype mark = text.indexOf('&'); mark >= 0)
+                keys << text.mid(mark + 1, 1).toLower();
+        }
+        EXPECT_EQ(keys.removeDuplicates(), 0) << keys.join(' ').toStdString();
+    }
+}
