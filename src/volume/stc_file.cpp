@@ -152,19 +152,21 @@ bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten, ProgressRep
     return false;
 }
 
-bool stcDataReadBack(const FMRProject& project, int nrOfVolumesWritten) {
+bool stcDataReadBack(const FMRProject& project, int nrOfVolumesWritten, EventPump& pump) {
     const int nrOfVolumes = std::max(std::min(nrOfVolumesWritten, project.NrOfVolumes), 0);
     QFile file(stcFileName(project));
     if (!openPlainFile(file) ||
         file.size() != sliceBytes(project) * project.NrOfSlices * nrOfVolumes)
         return false;
     std::vector<int16_t> found(project.sliceSamples());
-    for (int slice = 0; slice < project.NrOfSlices; ++slice)
+    for (int slice = 0; slice < project.NrOfSlices; ++slice) {
         for (int volume = 0; volume < nrOfVolumes; ++volume)
             if (!readSamples(file, found) ||
                 !std::ranges::equal(found, project.volumes[size_t(volume)].subspan(
                                                size_t(slice) * found.size(), found.size())))
                 return false;
+        pump.processEvents();
+    }
     return true;
 }
 

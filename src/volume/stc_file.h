@@ -25,8 +25,9 @@
                                 ProgressReporter* progress, EventPump* pump, int from, int to);
 
 /// Reads the file of writeSTCData() back. True when it holds the first volumes of the run, as many
-/// as were written, and nothing else. Shows nothing.
-[[nodiscard]] bool stcDataReadBack(const FMRProject& project, int nrOfVolumesWritten);
+/// as were written, and nothing else. Shows nothing; events are processed after each slice.
+[[nodiscard]] bool stcDataReadBack(const FMRProject& project, int nrOfVolumesWritten,
+                                   EventPump& pump);
 
 /// Checks the sizes of the project against its data files. A missing or short file, anything but a
 /// regular file (which is not opened), or slice files of another matrix end the program with status

@@ -108,6 +108,8 @@ bool JournalWriter::finish() {
 void JournalWriter::abandon() {
     const Lock lock(mutex_);
     abandoned_ = true;
+    if (fault_ == JournalFault::None)
+        fault_ = JournalFault::WriteFailed;
 }
 
 bool JournalWriter::makeRoom(size_t bytes) {
@@ -123,7 +125,7 @@ void JournalWriter::run(bool writeHead) {
     while (good && !ended) {
         waitForWork(lock);
         if (abandoned_)
-            ended = true;
+            good = false;
         else if (forceOutIsDue())
             good = forceOut(lock);
         else if (!queue_.empty())

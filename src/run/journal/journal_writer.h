@@ -48,8 +48,8 @@ public:
     /// Waits until all that was taken is on the disk; false when writing failed. After `QueueFull`
     /// true means that the records before it are on the disk.
     bool finish();
-    /// Nobody needs the journal any more: what is queued is not written, and the disk is waited for
-    /// only as long as the piece takes that is being written.
+    /// Nobody needs the journal any more: it has failed from now on, what is queued is not written,
+    /// and the disk is waited for only as long as the piece takes that is being written.
     void abandon();
 
 private:

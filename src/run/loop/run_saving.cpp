@@ -124,7 +124,7 @@ bool filesReadBack(const RunParts& run) {
         QFile file(name);
         return openPlainFile(file) && !file.readAll().isEmpty();
     });
-    return othersReadable && stcDataReadBack(project, volumes);
+    return othersReadable && stcDataReadBack(project, volumes, run.pump);
 }
 
 } // namespace

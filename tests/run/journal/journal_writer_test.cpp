@@ -49,6 +49,20 @@ TEST_F(JournalThread, ASlowDiskDelaysNobodyAndAFullQueueEndsTheJournal) {
         EXPECT_EQ(read.records[i], Record(i, payload));
 }
 
+TEST_F(JournalThread, ForcingOutDelaysNobodyAndTheFirstFaultIsTold) {
+    disk->forcesOut = false;
+    JournalWriter writer(output(), true, {.queueBytes = 100, .forceOutMilliseconds = 0});
+    disk->waitUntil([&] { return disk->calls == "WF"; });
+    EXPECT_TRUE(writer.add(1, {bytesOf("line")}));
+    EXPECT_FALSE(writer.add(2, {bytesOf(std::string(100, 'v'))}));
+    disk->set([&] {
+        disk->failingCall = 2;
+        disk->forcesOut = true;
+    });
+    EXPECT_FALSE(writer.finish());
+    EXPECT_EQ(writer.fault(), JournalFault::QueueFull);
+}
+
 TEST_F(JournalThread, AnEmptyQueueTakesARecordOfAnySize) {
     const std::string large(100'000, 'v');
     JournalWriter writer(output(), true, {.queueBytes = 100, .forceOutMilliseconds = never});

@@ -13,6 +13,7 @@ struct ScriptedDisk {
     std::mutex mutex;
     std::condition_variable changed;
     bool open = true;             ///< while it isn't, writes wait
+    bool forcesOut = true;        ///< while it doesn't, forcing out waits
     bool shutsWhenForced = false; ///< so that one piece of work is done each time it is opened
     int failingCall = -1;         ///< index of the call that fails
     std::vector<uint8_t> bytes;
@@ -26,7 +27,7 @@ struct ScriptedDisk {
         }
         changed.notify_all();
     }
-    /// Waits as long as it takes: there is no luck in a test that hangs.
+    /// Waits as long as it takes; what never comes runs into the time limit of the test program.
     void waitUntil(const std::function<bool()>& condition) {
         std::unique_lock lock(mutex);
         changed.wait(lock, condition);
@@ -53,10 +54,13 @@ public:
         return good;
     }
     bool forceOut() override {
-        const std::lock_guard lock(disk_->mutex);
+        std::unique_lock lock(disk_->mutex);
+        const bool good = begin('F');
+        disk_->changed.wait(lock, [this] { return disk_->forcesOut; });
         disk_->forced = disk_->bytes.size();
         disk_->open = disk_->open && !disk_->shutsWhenForced;
-        return begin('F');
+        disk_->changed.notify_all();
+        return good;
     }
 
 private:
