@@ -6,6 +6,33 @@
 #include <cstdarg>
 #include <cstdio>
 
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <unistd.h>
+
+bool forceOutData(int descriptor) {
+    int result = 0;
+    do {
+#ifdef Q_OS_LINUX
+        result = ::fdatasync(descriptor);
+#else
+        result = ::fsync(descriptor);
+#endif
+    } while (result != 0 && errno == EINTR);
+    return result == 0 || errno == EINVAL || errno == ENOSYS || errno == ENOTSUP;
+}
+#else
+bool forceOutData(int) {
+    return true;
+}
+#endif
+
+bool commitFile(QSaveFile& file) {
+    if (!file.flush() || !forceOutData(file.handle()))
+        file.cancelWriting();
+    return file.commit();
+}
+
 bool writeFileAtomically(const QString& path, const QByteArray& content) {
     // A folder, a pipe or a device must not be replaced by a file.
     const QFileInfo existing(path);
@@ -16,7 +43,7 @@ bool writeFileAtomically(const QString& path, const QByteArray& content) {
         return false;
     if (file.write(content) != content.size())
         return false;
-    return file.commit();
+    return commitFile(file);
 }
 
 QByteArray formatted(const char* format, ...) {

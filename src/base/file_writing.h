@@ -5,10 +5,20 @@
 #include <QByteArray>
 #include <QString>
 
+class QSaveFile;
+
 /// Writes to a temporary name beside `path`, flushes, renames. False, with the old file untouched,
 /// when any of it fails (unwritable folder, full disk) or `path` is no regular file. A symbolic
 /// link stays, and its target is replaced.
 [[nodiscard]] bool writeFileAtomically(const QString& path, const QByteArray& content);
+
+/// Ends the writing of a file in the same way: forces out what was written and renames. To be used
+/// instead of commit(), which renames also a file whose last block found no room on the disk.
+[[nodiscard]] bool commitFile(QSaveFile& file);
+
+/// Returns when the data of an open file are on the disk; false when that fails. Where a file
+/// system can't do it, true: the data then survive all but a power cut.
+[[nodiscard]] bool forceOutData(int descriptor);
 
 /// printf formatting into a byte array, in the "C" locale, for text formats that are defined that
 /// way.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/map_file.h"
 
+#include "base/file_writing.h"
 #include "base/messages.h"
 
 #include <QDataStream>
@@ -189,7 +190,7 @@ bool writeMapFile(const QString& fileName, const StatisticalMaps& maps,
                << qint32(maps.size.slices) << qint32(used.size());
         for (const MapInUse& map : used)
             writeMap(stream, map, maps, thresholds);
-        written = stream.status() == QDataStream::Ok && device.commit();
+        written = stream.status() == QDataStream::Ok && commitFile(device);
     }
     if (!written)
         showCritical(QStringLiteral("ERROR: Unable to write map file \"%1\"!").arg(fileName));

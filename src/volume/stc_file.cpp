@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/stc_file.h"
 
+#include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/plain_file.h"
@@ -145,7 +146,7 @@ bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten, ProgressRep
     const QFileInfo existing(file.fileName());
     const bool free = !existing.exists() || existing.isFile();
     if (free && file.open(QIODevice::WriteOnly) &&
-        writeSlices(project, nrOfVolumes, file, progress, pump, from, to) && file.commit())
+        writeSlices(project, nrOfVolumes, file, progress, pump, from, to) && commitFile(file))
         return true;
     if (!progress || !progress->cancelled())
         showWarning("ERROR: Can not write FMR time course (STC) files !");

@@ -92,7 +92,7 @@ std::optional<Value> ScriptedMessages::meet(const QString& kind, const QString& 
 ScriptedMessages::Answer ScriptedMessages::meetNext(const QString& kind, const QString& text) {
     shown_ << text;
     if (acceptAnything_)
-        return {};
+        return answerToAnything_;
     const Expectation next = expected_.empty() ? Expectation{"nothing", {}} : expected_.front();
     if (next.kind != kind ||
         (next.text.endsWith('*') ? !text.startsWith(next.text.chopped(1)) : text != next.text)) {

@@ -28,8 +28,11 @@ public:
     [[nodiscard]] QStringList shown() const { return shown_; }
     /// Those of them that were modeless.
     [[nodiscard]] QStringList shownModeless() const { return shownModeless_; }
-    /// Accepts any message, which is listed in shown(). For fuzzing loops.
-    void acceptAnything() { acceptAnything_ = true; }
+    /// Accepts any message, which is listed in shown(), and answers questions.
+    void acceptAnything(bool answer = false) {
+        acceptAnything_ = true;
+        answerToAnything_ = answer;
+    }
     /// What the operator does before answering a question.
     std::function<void()> onQuestion;
 
@@ -66,6 +69,7 @@ private:
     QStringList shown_;
     QStringList shownModeless_;
     bool acceptAnything_ = false;
+    bool answerToAnything_ = false;
     MessageHandler* previous_;
 };
 

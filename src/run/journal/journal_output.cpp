@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/journal/journal_output.h"
 
+#include "base/file_writing.h"
 #include "base/plain_file.h"
 
 #include <QFile>
@@ -30,30 +31,10 @@ bool writeAll(QFile& file, std::span<const uint8_t> bytes) {
     return true;
 }
 
-/// Where a file system can't force out, the journal is still worth having: it survives all but a
-/// power cut.
-bool canNotForceOut(int error) {
-    return error == EINVAL || error == ENOSYS || error == ENOTSUP;
-}
-
 /// A file that was removed with its folder takes bytes that nobody will find again.
 bool isInAFolder(QFile& file) {
     struct stat status {};
     return ::fstat(file.handle(), &status) != 0 || status.st_nlink > 0;
-}
-
-bool forceOutData(QFile& file) {
-    if (!isInAFolder(file))
-        return false;
-    int result = 0;
-    do {
-#ifdef Q_OS_LINUX
-        result = ::fdatasync(file.handle());
-#else
-        result = ::fsync(file.handle());
-#endif
-    } while (result != 0 && errno == EINTR);
-    return result == 0 || canNotForceOut(errno);
 }
 
 /// Without its entry a file that is on the disk isn't found after a power cut. Some folders can't
@@ -96,8 +77,8 @@ bool writeAll(QFile& file, std::span<const uint8_t> bytes) {
            qint64(bytes.size());
 }
 
-bool forceOutData(QFile& file) {
-    return file.flush();
+bool isInAFolder(QFile&) {
+    return true;
 }
 
 void forceOutFolder(const QString&) {}
@@ -121,7 +102,7 @@ public:
     }
     bool write(std::span<const uint8_t> bytes) override { return writeAll(file_, bytes); }
     bool forceOut() override {
-        if (!forceOutData(file_))
+        if (!isInAFolder(file_) || !forceOutData(file_.handle()))
             return false;
         if (!folderToForceOut_.isEmpty())
             forceOutFolder(folderToForceOut_);

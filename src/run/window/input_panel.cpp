@@ -21,6 +21,10 @@ QPushButton* newPreLoadButton(const char* name, const char* text, const QString&
     return button;
 }
 
+QIcon runButtonIcon(const char* name) {
+    return QIcon(QStringLiteral(":/images/%1.png").arg(name));
+}
+
 } // namespace
 
 InputPanel::InputPanel(QWidget* parent)
@@ -41,7 +45,9 @@ InputPanel::InputPanel(QWidget* parent)
       preLoadVOI_(newPreLoadButton("AutoStartRunBtn", "Pre-Load VOI",
                                    "Choose a file of volumes of interest (.voi) to be mapped at "
                                    "the first volume of the next run. Lit while auto-start is on",
-                                   this)) {
+                                   this)),
+      runButtonIcons_{runButtonIcon("record_none"), runButtonIcon("record_ready"),
+                      runButtonIcon("record_finished"), runButtonIcon("record_running")} {
     setObjectName("InputPanelFrm");
     record_->setIconSize({85, 40});
     record_->setFixedSize(97, 52);
@@ -72,9 +78,7 @@ void InputPanel::connectTo(VeloCortivo& window) {
 }
 
 void InputPanel::showRunButton(RunButtonState state) {
-    static constexpr const char* icons[] = {"record_none", "record_ready", "record_finished",
-                                            "record_running"};
-    record_->setIcon(QIcon(QStringLiteral(":/images/%1.png").arg(icons[int(state)])));
+    record_->setIcon(runButtonIcons_[size_t(state)]);
 }
 
 void InputPanel::showControls(const InputControls& controls) {

@@ -6,6 +6,8 @@
 #include "run/session/settings_file_watch.h"
 
 #include <QFrame>
+#include <QIcon>
+#include <array>
 
 class QPushButton;
 class QToolButton;
@@ -32,4 +34,7 @@ private:
     /// auto-advance and auto-start are on.
     QPushButton* preLoadROI_;
     QPushButton* preLoadVOI_;
+    /// In the order of RunButtonState. The look at the settings file shows one every second, and of
+    /// each new icon Qt keeps what it has drawn.
+    const std::array<QIcon, 4> runButtonIcons_;
 };

@@ -10,8 +10,7 @@ namespace {
 
 constexpr QSize colorIconSize(20, 16);
 
-QIcon stateIcon(bool on) {
-    const QString path = on ? ":/images/contrast_on.png" : ":/images/contrast_off.png";
+QIcon stateIcon(const QString& path) {
     QIcon icon(path);
     icon.addFile(path, {}, QIcon::Selected);
     return icon;
@@ -19,7 +18,9 @@ QIcon stateIcon(bool on) {
 
 } // namespace
 
-ContrastList::ContrastList(QWidget* parent) : QTreeWidget(parent) {
+ContrastList::ContrastList(QWidget* parent)
+    : QTreeWidget(parent), off_(stateIcon(":/images/contrast_off.png")),
+      on_(stateIcon(":/images/contrast_on.png")) {
     setObjectName("ContrastList");
     setHeaderLabels({"Contrast", "+", QString(QChar(0x2212)), QString()});
     setRootIsDecorated(false);
@@ -61,9 +62,13 @@ void ContrastList::setContrasts(ContrastDefinitions* contrasts) {
 void ContrastList::showRow(int index) {
     QTreeWidgetItem* item = topLevelItem(index);
     const int state = contrasts_->ContrastSelectionStates[size_t(index)];
-    item->setIcon(Positive, stateIcon(state & ContrastPositive));
-    item->setIcon(Negative, stateIcon(state & ContrastNegative));
-    item->setIcon(Color, colorIcon(contrasts_->ContrastColors[size_t(index)], colorIconSize));
+    const RgbColor& color = contrasts_->ContrastColors[size_t(index)];
+    QIcon& sample = colors_[toQColor(color).rgb()];
+    if (sample.isNull())
+        sample = colorIcon(color, colorIconSize);
+    item->setIcon(Positive, state & ContrastPositive ? on_ : off_);
+    item->setIcon(Negative, state & ContrastNegative ? on_ : off_);
+    item->setIcon(Color, sample);
 }
 
 void ContrastList::slotClickedContrastList(QTreeWidgetItem* item, int column) {

@@ -5,6 +5,8 @@
 #include "base/messages.h"
 #include "stats/contrasts.h"
 
+#include <QHash>
+#include <QIcon>
 #include <QTreeWidget>
 
 /// Shows a run's contrasts and changes their selection and colours. It does not own them.
@@ -37,4 +39,8 @@ private:
 
     ContrastDefinitions* contrasts_ = nullptr;
     OpenChooser colorChooser_; ///< of one of the contrasts
+    // Not made anew for each run, as Qt keeps what it has drawn of an icon.
+    const QIcon off_;
+    const QIcon on_;
+    QHash<QRgb, QIcon> colors_;
 };

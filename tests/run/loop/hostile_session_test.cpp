@@ -180,6 +180,16 @@ TEST_P(HostileSessionTest, AWaitThatIsGivenUpEndsTheRunWithoutAWord) {
         }
 }
 
+TEST_P(HostileSessionTest, AWatchFolderThatStaysAwayLeavesWhatCameBefore) {
+    HostileSession hostile(GetParam());
+    hostile.writeAll();
+    const QString folder = hostile.folder.filePath("incoming");
+    hostile.pump.after(200, [&] { ASSERT_TRUE(QDir().rename(folder, folder + "-away")); });
+    expectMessages(hostile.run(), {lateFile});
+    EXPECT_GT(hostile.session.report.currentVolume, 0);
+    EXPECT_EQ(hostile.savedVolumes(), hostile.session.report.currentVolume + 1);
+}
+
 // All files are there, or come within the time-out, but not as quietly as on a good day.
 TEST_P(HostileSessionTest, AnUnsteadyFolderLosesNothing) {
     using Trouble = std::function<void(HostileSession&)>;
