@@ -141,6 +141,15 @@ void SessionFixture::writeSession(int volumes, int skip, const QMap<QString, QSt
     session.setRunButton(RunButtonState::Ready);
 }
 
+QString SessionFixture::recordJournal() {
+    session.keepsJournals = true;
+    session.runButtonPressed();
+    session.keepsJournals = false;
+    const QStringList kept = QDir(path("results")).entryList({"*.vcj"});
+    EXPECT_EQ(kept.size(), 1);
+    return path("results/" + kept.value(0));
+}
+
 void SessionFixture::put(const QString& name, const QByteArray& bytes, QIODevice::OpenMode mode) {
     QFile file(path(name));
     ASSERT_TRUE(file.open(mode) && file.write(bytes) == bytes.size());

@@ -7,6 +7,7 @@
 #include "support/scripted_messages.h"
 #include "support/simulated_pump.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -107,12 +108,19 @@ void cutJournal(const QString& path, int volumes);
 class SessionFixture : public testing::Test {
 protected:
     SessionFixture();
+    ~SessionFixture() override { QDir::setCurrent(QDir::tempPath()); } // a run works in its folder
 
     /// Writes a settings file of 8 x 8 x 4 voxels and its protocol. `changes` replaces lines by
     /// key.
     void writeSession(int volumes, int skip, const QMap<QString, QString>& changes = {},
                       const QString& protocol = defaultProtocol());
     [[nodiscard]] static QString defaultProtocol();
+    /// Runs the session; the path of its journal, which is kept.
+    [[nodiscard]] QString recordJournal();
+    /// That its results hold; -1 when a sample is wrong.
+    [[nodiscard]] int volumesIn(const QString& folder) const {
+        return savedVolumes(content(folder + "/test.stc"), 8 * 8, 4, scriptedSample);
+    }
     [[nodiscard]] QString path(const QString& name) const { return folder_.filePath(name); }
     void put(const QString& name, const QByteArray& bytes,
              QIODevice::OpenMode mode = QIODevice::WriteOnly);

@@ -1,5 +1,6 @@
 // What is said and offered about runs that can be recovered or replayed.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/paths.h"
 #include "run/journal/journal_writer.h"
 #include "run/loop/session_fixture.h"
 #include "run/replay/recovery_choices.h"
@@ -26,17 +27,20 @@ JournalDescription describedRun() {
 
 TEST(RecoveryChoices, FollowWhatTheJournalHolds) {
     JournalDescription journal = describedRun();
-    EXPECT_EQ(recoveryColumns(journal)[3], "87 of 120");
-    const auto states = [&] {
-        const RecoveryChoices choices = recoveryChoices(journal);
-        return std::pair(choices.recover, choices.goOn);
+    const auto expectChoices = [&](bool recover, bool goOn) {
+        EXPECT_EQ(recoveryChoices(journal).recover, recover);
+        EXPECT_EQ(recoveryChoices(journal).goOn, goOn);
     };
-    EXPECT_EQ(states(), std::pair(true, true));
+    expectChoices(true, true);
+    EXPECT_EQ(recoveryColumns(journal)[3], "87 of 120");
+    EXPECT_EQ(recoveryOptions(journal, " /data/results ").targetFolder, QString());
+    EXPECT_EQ(recoveryOptions(journal, "/else").targetFolder, "/else/");
+    EXPECT_EQ(recoveryOptions(journal, "/else").path, journal.path);
     journal.loopEnded = true;
-    EXPECT_EQ(states(), std::pair(true, false));
+    expectChoices(true, false);
     journal.loopEnded = false;
     journal.nrOfVolumes = 0;
-    EXPECT_EQ(states(), std::pair(false, true));
+    expectChoices(false, true);
     EXPECT_EQ(recoveryColumns(journal)[2], "none");
 }
 
@@ -79,27 +83,11 @@ TEST(RecoveryChoices, AVolumeOutOfOrderIsNotCounted) {
     EXPECT_EQ(offered[0].nrOfVolumes, 2);
 }
 
-TEST(RecoveryChoices, AnotherFolderTakesTheResults) {
-    const JournalDescription journal = describedRun();
-    EXPECT_EQ(recoveryOptions(journal, " /data/results ").targetFolder, QString());
-    EXPECT_EQ(recoveryOptions(journal, "/else").targetFolder, "/else/");
-    EXPECT_EQ(recoveryOptions(journal, "/else").path, journal.path);
-}
-
-TEST(ResultsFolder, MustHaveAPathThatCanBeCreated) {
-    const QTemporaryDir folder;
-    EXPECT_EQ(resultsFolderFault(folder.filePath("a/b/")), QString());
-    for (const QString& wrong : {QString(), QString("results/"), QString("/dev/null/results/")})
-        EXPECT_NE(resultsFolderFault(wrong), QString()) << wrong.toStdString();
-}
-
 class ReplayChoicesTest : public SessionFixture {
 protected:
     ReplayChoicesTest() {
         writeSession(20, 0);
-        session.keepsJournals = true;
-        session.runButtonPressed();
-        journal_ = path("results/" + QDir(path("results")).entryList({"*.vcj"}).value(0));
+        journal_ = recordJournal();
     }
     [[nodiscard]] ReplayableRun run(const QString& file) const {
         return describeReplayableRun(file, session.settings);
@@ -128,21 +116,24 @@ TEST_F(ReplayChoicesTest, SettingsAndFolderMustFitTheRun) {
     put("other.vco", content("test-1.vco"));
     session.settings.settingsFilePath = path("test-1.vco");
     const QString project = path("results/test.fmr");
-    put("results/renamed.fmr", content("results/test.fmr")); // not that of the settings
+    const QString renamed = path("results/renamed.fmr"); // not that of the settings
+    put("results/renamed.fmr", content("results/test.fmr"));
     const QString own;
-    const struct {
-        QString run, settings, folder;
-        ReplayChoice fault;
-    } cases[] = {
-        {journal_, own, path("replay"), ReplayChoice::None},
-        {project, own, path("replay"), ReplayChoice::None},
-        {project, path("other.vco"), path("replay"), ReplayChoice::None},
-        {path("results/renamed.fmr"), own, path("replay"), ReplayChoice::Settings},
-        {path("results/renamed.fmr"), path("other.vco"), path("replay"), ReplayChoice::None},
-        {journal_, path("gone.vco"), path("replay"), ReplayChoice::Settings},
+    const QString other = path("other.vco");
+    const QString good = path("replay");
+    const std::tuple<QString, QString, QString, ReplayChoice> cases[] = {
+        {journal_, own, good, ReplayChoice::None},
+        {project, own, good, ReplayChoice::None},
+        {project, other, good, ReplayChoice::None},
+        {renamed, own, good, ReplayChoice::Settings},
+        {renamed, other, good, ReplayChoice::None},
+        {journal_, path("gone.vco"), good, ReplayChoice::Settings},
         {journal_, own, path("results"), ReplayChoice::Folder},
         {project, own, path("results/../results/"), ReplayChoice::Folder},
-        {project, own, "replay", ReplayChoice::Folder}};
+        {project, own, "replay", ReplayChoice::Folder},
+        {project, own, "", ReplayChoice::Folder},
+        {project, own, "/dev/null/results/", ReplayChoice::Folder},
+        {project, own, path("a/b/"), ReplayChoice::None}};
     for (const auto& [file, settings, folder, fault] : cases) {
         const ReplayChoices choices{settings.isEmpty(), settings, folder, true};
         EXPECT_EQ(findReplayFault(run(file), choices).choice, fault)
@@ -150,10 +141,9 @@ TEST_F(ReplayChoicesTest, SettingsAndFolderMustFitTheRun) {
         if (fault != ReplayChoice::None)
             continue;
         const PlayOptions options = replayOptions(run(file), choices);
-        EXPECT_EQ(options.settingsFile, !settings.isEmpty() ? settings
-                                        : file == journal_  ? QString()
-                                                            : path("test-1.vco"));
-        EXPECT_EQ(options.targetFolder, path("replay/"));
+        const QString ownFile = file == journal_ ? QString() : path("test-1.vco");
+        EXPECT_EQ(options.settingsFile, settings.isEmpty() ? ownFile : settings);
+        EXPECT_EQ(options.targetFolder, paths::withTrailingSlash(folder));
         EXPECT_TRUE(options.atTR);
     }
 }
@@ -164,11 +154,6 @@ TEST_F(ReplayChoicesTest, TheTextTellsWhatWillHappen) {
               "The 20 volumes of \"test\" are analysed again with the settings of the run, one "
               "every 2000 ms (0 min 40 s). The results go into \"/r/\" and replace those of an "
               "earlier replay there; the run itself stays as it is.");
-    EXPECT_TRUE(replayText(run(journal_), {false, "/s/other.vco", "/r", false})
-                    .contains("with \"other.vco\", as fast as it goes."));
-}
-
-TEST_F(ReplayChoicesTest, AfterAReplayTheRunIsStillThatOfTheSettingsFile) {
     const QString project = path("results/test.fmr");
     EXPECT_TRUE(session.playSavedRun({project, path("test-1.vco"), path("replay/"), false}, true));
     EXPECT_EQ(projectOf(session.settings), path("replay/test.fmr"));

@@ -21,7 +21,10 @@ protected:
         folders_.dataPath = home_.path() + "/data/";
         folders_.homePath = home_.path() + "/";
         QDir().mkpath(folders_.applicationDataPath);
-        window_ = std::make_unique<VeloCortivo>(folders_, pump_);
+        open(pump_);
+    }
+    void open(EventPump& pump) {
+        window_ = std::make_unique<VeloCortivo>(folders_, pump);
         EXPECT_TRUE(window_->readMasterFile());
         window_->initVars();
         window_->applyWindowSize();

@@ -29,18 +29,13 @@ protected:
             display, controls_);
         session.journal.setPlaces({}, JournalList(path("OpenJournals")));
         writeSession(20, 0);
-        session.keepsJournals = true;
         watch_->setSettingsFile(path("test-1.vco"));
-        session.runButtonPressed();
-        session.keepsJournals = false;
-        const QStringList kept = QDir(path("results")).entryList({"*.vcj"});
-        EXPECT_TRUE(QFile::rename(path("results/" + kept.value(0)), path("run.vcj")));
+        EXPECT_TRUE(QFile::rename(recordJournal(), path("run.vcj")));
     }
-    ~ReplayDialogs() override { QDir().setCurrent(QDir::tempPath()); }
 
     /// A journal as the crash of a run leaves it.
     void crash(const QString& name, int volumes) {
-        QFile::copy(path("run.vcj"), path(name));
+        put(name, content("run.vcj"));
         cutJournal(path(name), volumes);
         session.journal.list().add(path(name));
     }
@@ -53,12 +48,12 @@ protected:
     QString field(const char* name) { return control<QLineEdit>(name).text(); }
     QString label(const char* name) { return control<QLabel>(name).text(); }
     void enter(const char* name, const QString& text) {
-        auto& edit = control<QLineEdit>(name);
-        edit.clear();
-        edit.insert(text);
+        control<QLineEdit>(name).clear();
+        control<QLineEdit>(name).insert(text);
     }
-    [[nodiscard]] int volumesIn(const QString& folder) const {
-        return savedVolumes(content(folder + "/test.stc"), 8 * 8, 4, scriptedSample);
+    void chooseFile(const char* button, const QString& file) {
+        messages.expectFileChoice("Open File", path(file));
+        control(button).click();
     }
 
     NoControls controls_;
@@ -95,7 +90,10 @@ TEST_F(ReplayDialogs, AnUnsavedRunIsRecoveredOrGoneOnWith) {
 }
 
 TEST_F(ReplayDialogs, WhileAnUnsavedRunIsOfferedNoneStartsByItself) {
-    const auto nrOfRuns = [this] { return display.calls.count("starting"); };
+    const auto runsAfterALook = [this] {
+        watch_->look();
+        return display.calls.count("starting");
+    };
     offerRecovery(session, *watch_, window_);
     EXPECT_EQ(window_.findChild<QDialog*>(), nullptr) << "there is none";
     crash("cut.vcj", 12);
@@ -103,17 +101,14 @@ TEST_F(ReplayDialogs, WhileAnUnsavedRunIsOfferedNoneStartsByItself) {
     watch_->setSettingsFile(path("next.vco"));
     watch_->setAutoStart(true);
     offerRecovery(session, *watch_, window_);
-    watch_->look();
-    EXPECT_EQ(nrOfRuns(), 1) << "that of the set-up";
+    EXPECT_EQ(runsAfterALook(), 1) << "that of the set-up";
     control("NotNowBtn").click();
-    watch_->look();
-    EXPECT_EQ(nrOfRuns(), 2);
+    EXPECT_EQ(runsAfterALook(), 2);
     EXPECT_TRUE(QFile::exists(path("cut.vcj")));
 
     watch_->setSettingsFile(path("next.vco"));
     openRecoverRunDialog(session, *watch_, window_);
-    watch_->look();
-    EXPECT_EQ(nrOfRuns(), 3);
+    EXPECT_EQ(runsAfterALook(), 3);
     EXPECT_FALSE(control<QDialog>("RecoverRunDlg").isVisible()) << "a run has begun";
 }
 
@@ -122,26 +117,21 @@ TEST_F(ReplayDialogs, JournalsAreOpenedFromElsewhereAndRemoved) {
     for (const char* button : {"RecoverBtn", "GoOnBtn", "RemoveBtn"})
         EXPECT_FALSE(control(button).isEnabled()) << button;
     put("none.vcj", "x");
-    crash("cut.vcj", 12);
-    const auto choose = [&](const QString& journal) {
-        messages.expectFileChoice("Open File", journal);
-        control("OpenBtn").click();
-    };
     messages.expectFileChoice("Open File", path("none.vcj"));
     messages.expect(MessageLevel::Warning, "ERROR: \"" + path("none.vcj") + "\" is not*");
     control("OpenBtn").click();
-    choose({});
+    messages.expectFileChoice("Open File", {});
+    control("OpenBtn").click();
     {
-        const auto writer = continueJournalFile(path("cut.vcj"), 16);
+        const auto writer = createJournalFile(path("cut.vcj"));
         messages.expectFileChoice("Open File", path("cut.vcj"));
         messages.expect(MessageLevel::Warning,
                         "ERROR: The journal \"" + path("cut.vcj") + "\" is being*");
         control("OpenBtn").click();
     }
-    QFile::remove(path("cut.vcj"));
     crash("cut.vcj", 12);
     for (const char* journal : {"cut.vcj", "run.vcj", "run.vcj"})
-        choose(path(journal));
+        chooseFile("OpenBtn", journal);
     EXPECT_EQ(table().rowCount(), 2) << "one of them twice";
     EXPECT_TRUE(control("RecoverBtn").isEnabled());
     EXPECT_FALSE(control("GoOnBtn").isEnabled()) << "that run was over";
@@ -161,12 +151,10 @@ TEST_F(ReplayDialogs, AReplayTellsWhatWillHappenAndPlaysIt) {
     EXPECT_EQ(field("RunEdit"), path("results/test.fmr"));
     EXPECT_EQ(field("FolderEdit"), path("results/replay/"));
     EXPECT_TRUE(label("PlanInfo").startsWith("The 20 volumes of \"test\""));
-    messages.expectFileChoice("Open File", path("run.vcj"));
-    control("BrowseRunBtn").click();
+    chooseFile("BrowseRunBtn", "run.vcj");
     EXPECT_EQ(field("FolderEdit"), path("replay/")) << "follows the run";
     put("other.vco", content("test-1.vco"));
-    messages.expectFileChoice("Open File", path("other.vco"));
-    control("BrowseSettingsBtn").click();
+    chooseFile("BrowseSettingsBtn", "other.vco");
     EXPECT_TRUE(label("PlanInfo").contains("with \"other.vco\", one every 2000 ms"));
     control("FastBtn").click();
     EXPECT_TRUE(label("PlanInfo").contains("as fast as it goes"));
@@ -202,11 +190,10 @@ TEST_F(ReplayDialogs, EveryControlExplainsItselfAndFitsTheScreen) {
         EXPECT_TRUE(dialog->sizeHint().width() <= 1000 && dialog->sizeHint().height() <= 700);
         QStringList keys;
         for (const QWidget* widget : dialog->findChildren<QWidget*>()) {
-            const bool ours = widget->objectName().endsWith("Btn") ||
-                              widget->objectName().endsWith("Edit") ||
-                              widget->objectName().endsWith("Table");
-            EXPECT_TRUE(!ours || !widget->toolTip().isEmpty())
-                << widget->objectName().toStdString();
+            const QString name = widget->objectName();
+            const bool ours =
+                name.endsWith("Btn") || name.endsWith("Edit") || name.endsWith("Table");
+            EXPECT_TRUE(!ours || !widget->toolTip().isEmpty()) << name.toStdString();
             const QString text = widget->property("text").toString();
             if (const qsizetype mark = text.indexOf('&'); mark >= 0)
                 keys << text.mid(mark + 1, 1).toLower();
