@@ -3,7 +3,10 @@
 #pragma once
 
 #include "run/journal/journal_scan.h"
+#include "run/journal/journal_writer.h"
 
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +16,15 @@ using Record = std::pair<uint32_t, std::string>;
 
 inline std::span<const uint8_t> bytesOf(std::string_view text) {
     return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
+}
+
+/// Writes a journal, or continues one.
+inline void write(std::unique_ptr<JournalOutput> output, std::span<const Record> records,
+                  bool writeHead = true) {
+    JournalWriter writer(std::move(output), writeHead);
+    for (const auto& [kind, payload] : records)
+        EXPECT_TRUE(writer.add(kind, {bytesOf(payload)}));
+    EXPECT_TRUE(writer.finish());
 }
 
 struct ReadBack {

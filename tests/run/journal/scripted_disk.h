@@ -32,12 +32,6 @@ struct ScriptedDisk {
         std::unique_lock lock(mutex);
         changed.wait(lock, condition);
     }
-    void shut() {
-        set([this] { open = false; });
-    }
-    void release() {
-        set([this] { open = true; });
-    }
 };
 
 class ScriptedOutput : public JournalOutput {

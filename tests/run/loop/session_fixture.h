@@ -55,6 +55,7 @@ public:
     std::function<bool(VolumeStep, const VolumeAtHand&)> onStep;
     std::function<bool(int volume)> onBeforeVolume;
     std::function<bool(int volume)> onSubjectDisplay;
+    std::function<void(int volume)> onEndOfVolume = [](int) {};
 
     void documentsLeaving() override { hooks << "leaving"; }
     void documentsArrived(QtCortivoDoc&) override { hooks << "arrived"; }
@@ -72,7 +73,10 @@ public:
         note("subject", hand);
         return onSubjectDisplay && onSubjectDisplay(hand.volume);
     }
-    void endOfVolume(const VolumeAtHand& hand) override { note("end", hand); }
+    void endOfVolume(const VolumeAtHand& hand) override {
+        note("end", hand);
+        onEndOfVolume(hand.volume);
+    }
     void loopEnded(QtCortivoDoc&) override { hooks << "over"; }
 
 private:

@@ -6,11 +6,9 @@
 
 namespace {
 
-enum Moment { BeforeModel, AfterModel, EndOfVolume };
-
 struct Change {
     int volume;
-    Moment moment;
+    std::optional<VolumeStep> step; ///< none: the end of the volume
     void (*make)(RunSession&);
 };
 
@@ -19,44 +17,65 @@ void toggle(RunSession& session, int contrast, ContrastState bit) {
     session.contrastsChanged();
 }
 
+constexpr auto beforeModel = VolumeStep::Plots;
+constexpr auto afterModel = VolumeStep::SelectVoxels;
 constexpr Change changes[] = {
-    {2, EndOfVolume, [](RunSession& s) { s.changeThreshold(2.5f); }},
-    {9, BeforeModel, [](RunSession& s) { toggle(s, 0, ContrastNegative); }},
-    {13, BeforeModel, [](RunSession& s) { s.stepThreshold(true); }},
-    {14, AfterModel, [](RunSession& s) { toggle(s, 1, ContrastPositive); }},
-    {15, EndOfVolume, [](RunSession& s) { s.changeClusterSize(7); }},
-    {17, EndOfVolume, [](RunSession& s) { s.changeColorMaxThreshold(11.0f); }},
-    {19, BeforeModel,
+    {2, {}, [](RunSession& s) { s.changeThreshold(2.5f); }},
+    {9, beforeModel, [](RunSession& s) { toggle(s, 0, ContrastNegative); }},
+    {13, beforeModel, [](RunSession& s) { s.stepThreshold(true); }},
+    {14, afterModel, [](RunSession& s) { toggle(s, 1, ContrastPositive); }},
+    {15, {}, [](RunSession& s) { s.changeClusterSize(7); }},
+    {17, {}, [](RunSession& s) { s.changeColorMaxThreshold(11.0f); }},
+    {19, beforeModel,
      [](RunSession& s) {
          s.functionalDocument->contrasts.ContrastColors[0] = {1, 2, 3};
          s.contrastsChanged();
      }},
-    {22, AfterModel, [](RunSession& s) { toggle(s, 1, ContrastPositive); }},
-    {23, EndOfVolume, [](RunSession& s) { EXPECT_TRUE(s.changeConjunction(true)); }},
-    {26, BeforeModel, [](RunSession& s) { s.changeThreshold(3.25f); }},
+    {22, afterModel, [](RunSession& s) { toggle(s, 1, ContrastPositive); }},
+    {23, {}, [](RunSession& s) { EXPECT_TRUE(s.changeConjunction(true)); }},
+    {26, beforeModel, [](RunSession& s) { s.changeThreshold(3.25f); }},
 };
 
 } // namespace
 
-void TrialOperator::change(int volume, int moment) {
-    for (int i = firstChange; i < std::min(endOfChanges, int(std::size(changes))); ++i)
-        if (changes[i].volume == volume && changes[i].moment == moment)
-            changes[i].make(session_);
+int numberFrom(const char* variable, int otherwise) {
+    return qEnvironmentVariableIsSet(variable) ? qEnvironmentVariableIntValue(variable) : otherwise;
 }
 
-bool TrialOperator::atStep(VolumeStep step, const VolumeAtHand& hand) {
-    if (step == VolumeStep::Plots)
-        change(hand.volume, BeforeModel);
-    if (step == VolumeStep::SelectVoxels)
-        change(hand.volume, AfterModel);
-    return true;
+void operate(ProbeListener& listener, RunSession& session, int first, int end) {
+    const auto change = [=, &session](int volume, std::optional<VolumeStep> step) {
+        for (int i = first; i < std::min(end, int(std::size(changes))); ++i)
+            if (changes[i].volume == volume && changes[i].step == step)
+                changes[i].make(session);
+    };
+    listener.onStep = [change](VolumeStep step, const VolumeAtHand& hand) {
+        change(hand.volume, step);
+        return true;
+    };
+    listener.onEndOfVolume = [change](int volume) { change(volume, {}); };
 }
 
-void TrialOperator::endOfVolume(const VolumeAtHand& hand) {
-    change(hand.volume, EndOfVolume);
+JournalCount countJournal(const QString& path) {
+    JournalCount count;
+    JournalCursor cursor(path);
+    ListenerRecord made;
+    for (JournalRecord record; cursor.next(record);) {
+        count.volumes += RecordKind(record.kind) == RecordKind::MeasuredVolume;
+        count.changes += RecordKind(record.kind) == RecordKind::Listener &&
+                         decodeListenerRecord(record.payload, made) && made.record.name == "maps";
+    }
+    return count;
 }
 
-CrashTrial::CrashTrial(const SimulationOptions& options) : options_(options) {
+CrashTrial::CrashTrial(const TrialKind& kind) {
+    SimulationOptions options;
+    options.folder = folder_.path();
+    options.sizeX = options.sizeY = kind.size;
+    options.nrOfSlices = kind.slices;
+    options.motion = kind.motion;
+    options.protocol = kind.protocol;
+    options.nrOfVolumes = 32;
+    options.blockLength = 4;
     const SimulatedScan scan(options);
     EXPECT_TRUE(scan.writeSettings() && scan.writeProtocol() && scan.writeProtocolHeader());
     for (int volume = 0; volume < options.nrOfVolumes; ++volume)
@@ -65,10 +84,9 @@ CrashTrial::CrashTrial(const SimulationOptions& options) : options_(options) {
 }
 
 CrashTrial::~CrashTrial() {
-    QDir().setCurrent(QDir::tempPath()); // a run works in its target folder
+    QDir::setCurrent(QDir::tempPath()); // a run works in its target folder
     if (testing::Test::HasFailure())
-        for (const QString& text : messages.shown())
-            std::printf("message: %s\n", qPrintable(text));
+        std::printf("messages: %s\n", qPrintable(messages.shown().join('\n')));
 }
 
 void CrashTrial::prepare(RunSession& session, const QString& folder) {
@@ -82,22 +100,22 @@ void CrashTrial::run(int stopAt, int nrOfChanges) {
     ProbeDisplay display;
     RunSession session(pump, display);
     session.keepsJournals = keepsJournals;
-    TrialOperator trialOperator(session);
-    trialOperator.endOfChanges = nrOfChanges;
+    ProbeListener listener(session.listeners, ListenerPlace::Dialogs);
+    operate(listener, session, 0, nrOfChanges);
     // The volume that is read next does not count, so no further change may be made.
     display.whenLogged = [&] {
         if (session.phase.runActive() && session.report.currentVolume == stopAt - 1)
             session.requestStop();
     };
-    prepare(session, options_.folder);
+    prepare(session, folder_.path());
     session.runButtonPressed();
     EXPECT_TRUE(session.report.savedCompletely);
 }
 
-QStringList CrashTrial::journals() const {
+QStringList CrashTrial::journals(const QString& folder) const {
     QStringList paths;
-    for (const QString& name : QDir(path("results")).entryList({"*.vcj"}, QDir::Files))
-        paths << path("results/" + name);
+    for (const QFileInfo& file : QDir(path(folder)).entryInfoList({"*.vcj"}, QDir::Files))
+        paths << file.filePath();
     return paths;
 }
 
@@ -105,35 +123,36 @@ void CrashTrial::play(const QString& journal, PlayPurpose purpose, int firstChan
     SimulatedPump pump;
     ProbeDisplay display;
     RunSession session(pump, display);
-    TrialOperator trialOperator(session);
-    trialOperator.firstChange =
-        purpose == PlayPurpose::GoOn ? firstChange : std::numeric_limits<int>::max();
+    ProbeListener listener(session.listeners, ListenerPlace::Dialogs);
+    if (purpose == PlayPurpose::GoOn)
+        operate(listener, session, firstChange);
     EXPECT_TRUE(session.playJournal({journal, {}, {}, false}, purpose));
     EXPECT_TRUE(session.report.savedCompletely);
     EXPECT_TRUE(journals().isEmpty());
 }
 
-QMap<QString, QByteArray> CrashTrial::takeResults() {
-    QMap<QString, QByteArray> results;
+void CrashTrial::expectComesBack(const QString& journal, bool goesOn) {
+    constexpr int analysedVolumes = 30;
+    const auto [volumes, changes] = countJournal(journal);
+    SCOPED_TRACE(testing::Message() << "volumes " << volumes << ", changes " << changes);
+    play(journal, goesOn ? PlayPurpose::GoOn : PlayPurpose::Recover, changes);
+    Results found = takeResults();
+    run(goesOn || volumes == analysedVolumes ? -1 : volumes, goesOn ? 1000 : changes);
+    const Results expected = takeResults();
+    EXPECT_EQ(found.keys().join(' '), expected.keys().join(' '));
+    for (const QString& name : expected.keys())
+        EXPECT_TRUE(found[name] == expected[name]) << qPrintable(name);
+}
+
+CrashTrial::Results CrashTrial::takeResults() {
+    Results results;
     QDir folder(path("results"));
     for (const QString& name : folder.entryList(QDir::Files)) {
         QFile file(folder.filePath(name));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         results[name] = file.readAll();
     }
-    QDir().setCurrent(QDir::tempPath());
+    QDir::setCurrent(QDir::tempPath());
     EXPECT_TRUE(folder.removeRecursively());
     return results;
-}
-
-JournalCount countJournal(const QString& path) {
-    JournalCount count;
-    (void)scanJournal(path, [&](const JournalRecord& record) {
-        ListenerRecord made;
-        count.volumes += RecordKind(record.kind) == RecordKind::MeasuredVolume;
-        count.changes += RecordKind(record.kind) == RecordKind::Listener &&
-                         decodeListenerRecord(record.payload, made) && made.record.name == "maps";
-        return true;
-    });
-    return count;
 }

@@ -5,55 +5,25 @@
 #include "run/loop/session_fixture.h"
 #include "scanner_simulator/simulated_scan.h"
 
-/// Changes thresholds, contrasts and colours at fixed moments of fixed volumes.
-class TrialOperator : public RunListener {
-public:
-    explicit TrialOperator(RunSession& session) : session_(session) {
-        session.listeners.add(*this, ListenerPlace::Dialogs);
-    }
-    int firstChange = 0; ///< earlier ones have been made already
-    int endOfChanges = 1000;
-    std::function<void(int volume)> whenRead;
-
-    [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand) override {
-        if (whenRead)
-            whenRead(hand.volume);
-        return true;
-    }
-    [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
-    void endOfVolume(const VolumeAtHand& hand) override;
-
-private:
-    void change(int volume, int moment);
-
-    RunSession& session_;
+/// Of a run of 32 volumes, two of them skipped.
+struct TrialKind {
+    int size;
+    int slices;
+    HeadMotion motion;
+    ProtocolKind protocol;
 };
-
-/// A session of simulated files in one folder, which several runs and processes work on in turn.
-class CrashTrial {
-public:
-    /// Writes all files of the run, the whole of an arriving protocol included.
-    explicit CrashTrial(const SimulationOptions& options);
-    ~CrashTrial();
-
-    [[nodiscard]] QString path(const QString& name) const { return options_.folder + '/' + name; }
-    /// A session on the files of a trial's folder, here or in another process.
-    static void prepare(RunSession& session, const QString& folder);
-    /// The run from its start; stopped when volume `stopAt` has been read, if that is one.
-    void run(int stopAt, int nrOfChanges);
-    /// The journals in the results.
-    [[nodiscard]] QStringList journals() const;
-    void play(const QString& journal, PlayPurpose purpose, int firstChange);
-    /// Moves the results away; all files of the run by name.
-    [[nodiscard]] QMap<QString, QByteArray> takeResults();
-
-    ScriptedMessages messages;
-    RecordedProgramEnd programEnd;
-    bool keepsJournals = false;
-
-private:
-    SimulationOptions options_;
+// The first ones are tests; all of them, with many kills, are a trial of some minutes:
+// VELO_TRIAL_KINDS=6 VELO_TRIAL_KILLS=35 VELO_TRIAL_SEED=1.
+inline constexpr TrialKind trialKinds[] = {
+    {24, 6, HeadMotion::None, ProtocolKind::Prt},    {32, 8, HeadMotion::Drift, ProtocolKind::Tdat},
+    {24, 6, HeadMotion::Jumps, ProtocolKind::Rtp},   {64, 25, HeadMotion::Drift, ProtocolKind::Prt},
+    {104, 72, HeadMotion::Drift, ProtocolKind::Prt}, {104, 72, HeadMotion::None, ProtocolKind::Rtp},
 };
+[[nodiscard]] int numberFrom(const char* variable, int otherwise);
+
+/// Lets the listener change thresholds, contrasts and colours of the session at fixed moments of
+/// fixed volumes; the changes before `first` have been made already.
+void operate(ProbeListener& listener, RunSession& session, int first = 0, int end = 1000);
 
 /// Volumes, and changes by the operator, that a journal holds.
 struct JournalCount {
@@ -61,3 +31,33 @@ struct JournalCount {
     int changes = 0;
 };
 [[nodiscard]] JournalCount countJournal(const QString& path);
+
+/// A session of simulated files in one folder, which several runs and processes work on in turn.
+class CrashTrial {
+public:
+    using Results = QMap<QString, QByteArray>;
+
+    /// Writes all files of the run, the whole of an arriving protocol included.
+    explicit CrashTrial(const TrialKind& kind);
+    ~CrashTrial();
+
+    [[nodiscard]] QString path(const QString& name) const { return folder_.filePath(name); }
+    /// A session on the files of a trial's folder, here or in another process.
+    static void prepare(RunSession& session, const QString& folder);
+    /// The run from its start; stopped when volume `stopAt` has been read, if that is one.
+    void run(int stopAt = -1, int nrOfChanges = 1000);
+    /// The journals in a folder.
+    [[nodiscard]] QStringList journals(const QString& folder = "results") const;
+    void play(const QString& journal, PlayPurpose purpose, int firstChange = 0);
+    /// What comes back of a journal is what a run gives that was stopped there.
+    void expectComesBack(const QString& journal, bool goesOn);
+    /// Moves the results away; all files of the run by name.
+    [[nodiscard]] Results takeResults();
+
+    ScriptedMessages messages;
+    RecordedProgramEnd programEnd;
+    bool keepsJournals = false;
+
+private:
+    QTemporaryDir folder_;
+};

@@ -1,43 +1,15 @@
 // Runs whose disk is full or whose folder goes: what was measured is in the results or the journal.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/replay/crash_trial.h"
-
-#include <QScopeGuard>
-#include <algorithm>
-#include <csignal>
-#include <sys/resource.h>
+#include "support/file_size_limit.h"
 
 namespace {
 
-/// While this lives, files can't grow beyond a size, as if the disk were full then.
-class FileSizeLimit {
-public:
-    FileSizeLimit() {
-        EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &before_), 0);
-        handler_ = std::signal(SIGXFSZ, SIG_IGN);
-    }
-    ~FileSizeLimit() {
-        lift();
-        std::signal(SIGXFSZ, handler_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-    void set(qint64 bytes) {
-        const rlimit limit{rlim_t(bytes), before_.rlim_max};
-        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-    void lift() { setrlimit(RLIMIT_FSIZE, &before_); }
-
-private:
-    rlimit before_{};
-    void (*handler_)(int) = nullptr;
-};
-
-/// 30 volumes of 24 x 24 x 6 samples, and how the run is saved when nothing happens.
+/// A run, and how it is saved when nothing happens.
 class Fault : public testing::Test {
 protected:
-    explicit Fault(HeadMotion motion = HeadMotion::None) : trial_(optionsOf(motion)) {
+    explicit Fault(HeadMotion motion = HeadMotion::None)
+        : trial_({24, 6, motion, ProtocolKind::Prt}) {
         trial_.run(-1, 0);
         expected_ = trial_.takeResults();
         // Only what the saving writes.
@@ -45,47 +17,36 @@ protected:
             if (name.endsWith(".txt") || name.endsWith(".log"))
                 expected_.remove(name);
         EXPECT_EQ(expected_.size(), motion == HeadMotion::None ? 6 : 7);
-        CrashTrial::prepare(session_, folder_.path());
+        CrashTrial::prepare(session_, trial_.path(""));
     }
-    [[nodiscard]] SimulationOptions optionsOf(HeadMotion motion) const {
-        SimulationOptions options;
-        options.folder = folder_.path();
-        options.sizeX = options.sizeY = 24;
-        options.nrOfSlices = 6;
-        options.nrOfVolumes = 32;
-        options.blockLength = 4;
-        options.motion = motion;
-        return options;
-    }
-    /// Runs it again; questions get this answer after `beforeAnswer`.
-    void run(bool answer, std::function<void()> beforeAnswer) {
+    /// Runs it again; questions get this answer after `beforeAnswer`. The number of questions, and
+    /// of warnings about the journal.
+    std::pair<int, int> run(bool answer, const std::function<void()>& beforeAnswer) {
+        int questions = 0;
         trial_.messages.acceptAnything(answer);
-        trial_.messages.onQuestion = [this, beforeAnswer = std::move(beforeAnswer)] {
-            ++questions_;
+        trial_.messages.onQuestion = [&] {
+            ++questions;
             beforeAnswer();
         };
-        questions_ = 0;
+        const auto warnings = [&] {
+            return int(trial_.messages.shown().filter("WARNING: The journal ").size());
+        };
+        const int before = warnings();
         session_.setRunButton(RunButtonState::Ready);
         session_.runButtonPressed();
+        return {questions, warnings() - before};
     }
     void expectAllInResults() {
         const auto found = trial_.takeResults();
         for (const QString& name : expected_.keys())
             EXPECT_TRUE(found[name] == expected_[name]) << qPrintable(name);
     }
-    /// Of the latest run and those before.
-    [[nodiscard]] int messagesThatBegin(const QString& text) const {
-        return int(std::ranges::count_if(
-            trial_.messages.shown(), [&](const QString& shown) { return shown.startsWith(text); }));
-    }
 
-    QTemporaryDir folder_;
     CrashTrial trial_;
-    QMap<QString, QByteArray> expected_;
+    CrashTrial::Results expected_;
     SimulatedPump pump_;
     ProbeDisplay display_;
     RunSession session_{pump_, display_};
-    int questions_ = 0;
 };
 
 class FullDisk : public Fault {
@@ -108,27 +69,24 @@ TEST_F(FullDisk, AtAnyWriteOfTheSavingLosesNothing) {
                 EXPECT_TRUE(session_.journal.holdsRun());
                 limit_.set(expected_[name].size() - 1);
             };
-            run(answer, [&] { limit_.lift(); });
+            EXPECT_EQ(run(answer, [&] { limit_.lift(); }).first, 1);
             EXPECT_EQ(session_.report.savedCompletely, answer);
-            EXPECT_EQ(questions_, 1);
             const QStringList journals = trial_.journals();
             ASSERT_EQ(journals.size(), answer ? 0 : 1);
             if (!answer)
-                trial_.play(journals.front(), PlayPurpose::Recover, 0);
+                trial_.play(journals.front(), PlayPurpose::Recover);
             expectAllInResults();
         }
 }
 
 TEST_F(FullDisk, EndsTheJournalAndNotTheRun) {
-    int told = 0;
     for (const qint64 bytes : {20'000, 100'000}) {
         display_.whenLogged = [&] {
             limit_.set(bytes);
             (void)session_.journal.holdsRun(); // the disk has had its time
         };
         display_.whileSaving = [&] { limit_.lift(); };
-        run(false, [] {});
-        EXPECT_EQ(messagesThatBegin("WARNING: The journal "), ++told);
+        EXPECT_EQ(run(false, [] {}).second, 1);
         EXPECT_TRUE(session_.report.savedCompletely);
         expectAllInResults();
     }
@@ -136,31 +94,31 @@ TEST_F(FullDisk, EndsTheJournalAndNotTheRun) {
 
 TEST_F(Fault, AFolderThatGoesIsMadeAgainOrAskedFor) {
     const QString results = trial_.path("results");
+    const auto remove = [&] { QDir(results).removeRecursively(); };
+    const auto rename = [&](const char* ending) { QDir().rename(results, results + ending); };
     const struct {
         const char* name;
         std::function<void()> happen;
         int questions;
-        bool endsJournal;
+        int warnings; ///< that the journal ends
     } faults[] = {
-        {"removed", [&] { QDir(results).removeRecursively(); }, 0, true},
-        {"renamed", [&] { QDir().rename(results, results + "-away"); }, 0, false},
+        {"removed", remove, 0, 1},
+        {"renamed", [&] { rename("-away"); }, 0, 0},
         {"leads nowhere",
          [&] {
-             QDir().rename(results, results + "-elsewhere");
+             rename("-elsewhere");
              QFile::link(results + "-missing", results);
          },
-         1, false},
+         1, 0},
         {"has become a file",
          [&] {
-             QDir(results).removeRecursively();
-             QFile file(results);
-             EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+             remove();
+             EXPECT_TRUE(QFile(results).open(QIODevice::WriteOnly));
          },
-         1, true},
+         1, 1},
     };
     for (const auto& fault : faults) {
         SCOPED_TRACE(fault.name);
-        const int toldBefore = messagesThatBegin("WARNING: The journal ");
         bool happened = false;
         display_.whenLogged = [&] {
             if (!session_.phase.runActive() || session_.report.currentVolume != 10)
@@ -169,17 +127,15 @@ TEST_F(Fault, AFolderThatGoesIsMadeAgainOrAskedFor) {
                 fault.happen();
             (void)session_.journal.holdsRun(); // forces out
         };
-        run(true, [&] { EXPECT_TRUE(QFile::remove(results)); });
+        EXPECT_EQ(run(true, [&] { EXPECT_TRUE(QFile::remove(results)); }),
+                  std::pair(fault.questions, fault.warnings));
         EXPECT_TRUE(happened);
-        EXPECT_EQ(questions_, fault.questions);
-        EXPECT_EQ(messagesThatBegin("WARNING: The journal ") - toldBefore, fault.endsJournal);
         EXPECT_TRUE(session_.report.savedCompletely);
         expectAllInResults();
     }
     // A journal goes with its folder and stays whole.
-    for (const char* away : {"-away", "-elsewhere"}) {
-        const QStringList left = QDir(results + away).entryList({"*.vcj"}, QDir::Files);
-        ASSERT_EQ(left.size(), 1);
-        EXPECT_EQ(countJournal(results + away + '/' + left.front()).volumes, 30);
+    for (const char* away : {"results-away", "results-elsewhere"}) {
+        ASSERT_EQ(trial_.journals(away).size(), 1);
+        EXPECT_EQ(countJournal(trial_.journals(away).front()).volumes, 30);
     }
 }

@@ -203,7 +203,8 @@ TEST_F(PlayingTest, WhereNoJournalCanBeWrittenTheRunGoesOnWithout) {
         };
         messages.acceptAnything(); // the text of the design can't be written either
         session.runButtonPressed();
-        const QString told = fallback ? "The journal of this run can" : "No journal of this run can";
+        const QString told =
+            fallback ? "The journal of this run can" : "No journal of this run can";
         EXPECT_EQ(messages.shown().filter(told + " ").size(), 1);
         EXPECT_EQ(volumesIn("results"), 20);
         EXPECT_TRUE(QDir(path("fallback")).isEmpty());
