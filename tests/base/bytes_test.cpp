@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(Bytes, WhatIsWrittenLittleEndianReadsBack) {
+TEST(Bytes, AreWrittenLittleEndian) {
     ByteWriter writer;
     writer.u8(0xfe);
     writer.u16(0x1234);
@@ -21,22 +21,7 @@ TEST(Bytes, WhatIsWrittenLittleEndianReadsBack) {
     const auto expected =
         QByteArray::fromHex("fe3412efcdab89efcdab8967452301feffffff0000000000000080"
                             "0000c0bf9a9999999999b93f02000000c2b500000000");
-    const std::vector<uint8_t>& bytes = writer.result();
-    EXPECT_EQ(QByteArrayView(bytes).toByteArray().toHex(), expected.toHex());
-
-    ByteReader reader(bytes);
-    EXPECT_EQ(reader.u8(), 0xfe);
-    EXPECT_EQ(reader.u16(), 0x1234);
-    EXPECT_EQ(reader.u32(), 0x89abcdef);
-    EXPECT_EQ(reader.u64(), 0x0123456789abcdef);
-    EXPECT_EQ(reader.i32(), -2);
-    EXPECT_EQ(reader.i64(), INT64_MIN);
-    EXPECT_EQ(reader.f32(), -1.5f);
-    EXPECT_EQ(reader.f64(), 0.1);
-    EXPECT_EQ(reader.text(), QString::fromUtf8("µ"));
-    EXPECT_EQ(reader.sizedBytes(), QByteArray());
-    EXPECT_EQ(reader.remaining(), 0U);
-    EXPECT_FALSE(reader.failed());
+    EXPECT_EQ(QByteArrayView(writer.result()).toByteArray().toHex(), expected.toHex());
 }
 
 TEST(Bytes, ALengthBeyondTheRestGivesNothing) {

@@ -9,77 +9,57 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-namespace {
+class FolderLockTest : public testing::Test {
+protected:
+    const QTemporaryDir folder_;
+    QFile mark_{folder_.filePath("velo-cortivo.lock")};
+    FolderLock first_;
+    FolderLock second_;
+};
 
-qint64 processThatHasGone() {
-    QProcess process;
-    process.start("true", QStringList());
-    EXPECT_TRUE(process.waitForStarted());
-    const qint64 id = process.processId();
-    EXPECT_TRUE(process.waitForFinished());
-    return id;
-}
-
-} // namespace
-
-TEST(FolderLock, OneHoldsAFolderAtATime) {
-    const QTemporaryDir folder;
-    const QString mark = folder.filePath("velo-cortivo.lock");
-    FolderLock first;
-    FolderLock second;
-    ASSERT_TRUE(first.take(folder.path()));
-    EXPECT_FALSE(second.take(folder.path() + '/'));
-    EXPECT_EQ(second.holder(), QString("process %1 on host %2")
-                                   .arg(QCoreApplication::applicationPid())
-                                   .arg(QSysInfo::machineHostName()));
-    EXPECT_FALSE(second.takeOver(folder.path())) << "the first one works still";
-    second.release();
-    EXPECT_TRUE(QFile::exists(mark));
-    first.release();
-    EXPECT_FALSE(QFile::exists(mark));
-    EXPECT_TRUE(second.take(folder.path()));
+TEST_F(FolderLockTest, OneHoldsAFolderAtATime) {
+    ASSERT_TRUE(first_.take(folder_.path()));
+    EXPECT_FALSE(second_.take(folder_.path() + '/'));
+    EXPECT_EQ(second_.holder(), QString("process %1 on host %2")
+                                    .arg(QCoreApplication::applicationPid())
+                                    .arg(QSysInfo::machineHostName()));
+    EXPECT_FALSE(second_.takeOver(folder_.path())) << "the first one works still";
+    second_.release();
+    EXPECT_TRUE(mark_.exists());
+    first_.release();
+    EXPECT_FALSE(mark_.exists());
     const QTemporaryDir other;
-    EXPECT_TRUE(second.take(other.path()));
-    EXPECT_TRUE(first.take(folder.path())) << "left for the other folder";
+    EXPECT_TRUE(second_.take(folder_.path()) && second_.take(other.path()));
+    EXPECT_TRUE(first_.take(folder_.path())) << "left for the other folder";
+    for (const QString& place : {folder_.filePath("none"), QString("/proc")})
+        EXPECT_TRUE(first_.take(place) && second_.take(place)) << "no place for the mark";
 }
 
-TEST(FolderLock, WithoutAPlaceForTheMarkNothingIsHeld) {
-    const QTemporaryDir folder;
-    for (const QString& place : {folder.filePath("none"), QString("/proc")}) {
-        FolderLock first;
-        FolderLock second;
-        EXPECT_TRUE(first.take(place) && second.take(place)) << place.toStdString();
-    }
-}
-
-TEST(FolderLock, TheMarkOfAProgramThatHasGoneIsReplaced) {
-    const QTemporaryDir folder;
-    QFile mark(folder.filePath("velo-cortivo.lock"));
-    FolderLock lock;
-    ASSERT_TRUE(lock.take(folder.path()) && mark.open(QIODevice::ReadOnly));
-    QByteArrayList lines = mark.readAll().split('\n'); // process, program, host, its number
-    mark.close();
-    lock.release();
-    lines[0] = QByteArray::number(processThatHasGone());
-    const auto leaveMark = [&] {
-        ASSERT_TRUE(mark.open(QIODevice::WriteOnly));
-        mark.write(lines.join('\n'));
+TEST_F(FolderLockTest, TheMarkOfAProgramThatHasGoneIsReplaced) {
+    QProcess gone;
+    gone.start("true", QStringList());
+    ASSERT_TRUE(gone.waitForStarted());
+    const QByteArray process = QByteArray::number(gone.processId());
+    ASSERT_TRUE(gone.waitForFinished() && first_.take(folder_.path()) &&
+                mark_.open(QIODevice::ReadOnly));
+    QByteArrayList lines = mark_.readAll().split('\n'); // process, program, host, its number
+    lines[0] = process;
+    mark_.close();
+    for (const bool isElsewhere : {false, true}) {
+        first_.release();
+        if (isElsewhere) { // of another computer nobody can tell
+            lines[2] = "elsewhere";
+            lines[3] = "another computer";
+        }
         // Long ago, as at the start of a long run.
-        ASSERT_TRUE(mark.flush() && mark.setFileTime(QDateTime::fromSecsSinceEpoch(1000),
-                                                     QFileDevice::FileModificationTime));
-        mark.close();
-    };
-    leaveMark();
-    EXPECT_TRUE(lock.take(folder.path()));
-    lock.release();
-    // Of another computer nobody can tell.
-    lines[2] = "elsewhere";
-    lines[3] = "another computer";
-    leaveMark();
-    EXPECT_FALSE(lock.take(folder.path()));
-    EXPECT_EQ(lock.holder().toStdString(),
-              "process " + lines[0].toStdString() + " on host elsewhere");
-    EXPECT_TRUE(lock.takeOver(folder.path()));
-    FolderLock other;
-    EXPECT_FALSE(other.take(folder.path()));
+        ASSERT_TRUE(mark_.open(QIODevice::WriteOnly) && mark_.write(lines.join('\n')) > 0 &&
+                    mark_.flush() &&
+                    mark_.setFileTime(QDateTime::fromSecsSinceEpoch(1000),
+                                      QFileDevice::FileModificationTime));
+        mark_.close();
+        EXPECT_EQ(first_.take(folder_.path()), !isElsewhere);
+    }
+    EXPECT_EQ(first_.holder(), "process " + process + " on host elsewhere");
+    EXPECT_TRUE(first_.takeOver(folder_.path()));
+    EXPECT_FALSE(second_.take(folder_.path()));
 }

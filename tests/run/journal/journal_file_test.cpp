@@ -1,7 +1,6 @@
 // Journals in real files.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "journal_content.h"
-#include "support/file_size_limit.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -64,25 +63,4 @@ TEST_F(JournalFile, OneWriterAtATimeHasItUntilItIsRemoved) {
     }
     QFile::remove(path_);
     EXPECT_FALSE(written->forceOut());
-}
-
-// Like a full disk: a part of the last record fits.
-TEST_F(JournalFile, AWriteBeyondTheLimitLeavesWhatFits) {
-    constexpr qint64 limitBytes = 1000;
-    const Record record(1, std::string(100, 'v'));
-    FileSizeLimit limit;
-    size_t nrFinished = 0;
-    {
-        JournalWriter writer(createJournalFile(path_));
-        limit.set(limitBytes);
-        while (writer.add(record.first, {bytesOf(record.second)}) && writer.finish())
-            ++nrFinished;
-        EXPECT_EQ(writer.fault(), JournalFault::WriteFailed);
-        limit.lift();
-    }
-    const ReadBack read = readBack(path_);
-    EXPECT_EQ(read.result.end, JournalEnd::CutOff);
-    EXPECT_EQ(read.result.fileBytes, limitBytes);
-    EXPECT_EQ(nrFinished, 8U);
-    EXPECT_EQ(read.records, std::vector<Record>(nrFinished, record));
 }

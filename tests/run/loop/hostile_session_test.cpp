@@ -174,20 +174,8 @@ TEST_P(HostileSessionTest, AWaitThatIsGivenUpEndsTheRunWithoutAWord) {
             EXPECT_LE(hostile.pump.milliseconds(), 650);
             EXPECT_EQ(hostile.session.report.startFailed, volume == 0);
             EXPECT_EQ(hostile.session.report.currentVolume, volume == 0 ? -1 : 3);
-            if (volume > 0) {
-                EXPECT_EQ(hostile.savedVolumes(), 4);
-            }
+            EXPECT_TRUE(volume == 0 || hostile.savedVolumes() == 4);
         }
-}
-
-TEST_P(HostileSessionTest, AWatchFolderThatStaysAwayLeavesWhatCameBefore) {
-    HostileSession hostile(GetParam());
-    hostile.writeAll();
-    const QString folder = hostile.folder.filePath("incoming");
-    hostile.pump.after(200, [&] { ASSERT_TRUE(QDir().rename(folder, folder + "-away")); });
-    expectMessages(hostile.run(), {lateFile});
-    EXPECT_GT(hostile.session.report.currentVolume, 0);
-    EXPECT_EQ(hostile.savedVolumes(), hostile.session.report.currentVolume + 1);
 }
 
 // All files are there, or come within the time-out, but not as quietly as on a good day.

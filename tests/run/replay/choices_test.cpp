@@ -67,22 +67,6 @@ TEST(RecoveryChoices, TheTextTellsHowAndWhenTheRunEnded) {
     EXPECT_TRUE(recoveryText(journal, 0).startsWith("The results of this run are saved."));
 }
 
-TEST(RecoveryChoices, AVolumeOutOfOrderIsNotCounted) {
-    const QTemporaryDir folder;
-    RunHead head = describedRun().head;
-    head.project.ResolutionX = head.project.ResolutionY = head.project.NrOfSlices = 1;
-    {
-        JournalWriter writer(createJournalFile(folder.filePath("run.vcj")));
-        EXPECT_TRUE(writer.add(uint32_t(RecordKind::Head), {encodeHead(head)}));
-        for (const int volume : {0, 1, 7})
-            EXPECT_TRUE(
-                writer.add(uint32_t(RecordKind::MeasuredVolume), {encodeArrival({volume, 5, 5})}));
-    }
-    const auto offered = offeredJournals({folder.filePath("none"), folder.filePath("run.vcj")});
-    ASSERT_EQ(offered.size(), 1u);
-    EXPECT_EQ(offered[0].nrOfVolumes, 2);
-}
-
 class ReplayChoicesTest : public SessionFixture {
 protected:
     ReplayChoicesTest() {
@@ -146,6 +130,16 @@ TEST_F(ReplayChoicesTest, SettingsAndFolderMustFitTheRun) {
         EXPECT_EQ(options.targetFolder, paths::withTrailingSlash(folder));
         EXPECT_TRUE(options.atTR);
     }
+}
+
+TEST_F(ReplayChoicesTest, AVolumeOutOfOrderIsNotCounted) {
+    cutJournal(journal_, 5);
+    const JournalScanResult scan = describeJournal(journal_)->scan;
+    JournalWriter(continueJournalFile(journal_, scan.goodBytes), false)
+        .add(uint32_t(RecordKind::MeasuredVolume), {encodeArrival({7, 5, 5})});
+    const auto offered = offeredJournals({path("none"), journal_});
+    ASSERT_EQ(offered.size(), 1u);
+    EXPECT_EQ(offered[0].nrOfVolumes, 5);
 }
 
 TEST_F(ReplayChoicesTest, TheTextTellsWhatWillHappen) {

@@ -274,45 +274,36 @@ TEST_F(SettingsFileWatchTest, AMissingFolderLeavesAWayOut) {
 }
 
 TEST_F(SettingsFileWatchTest, TheSettingsFileOfAPlayedRunBecomesCurrentUnlessItIsGone) {
-    ASSERT_TRUE(watch_->readMasterFile());
-    EXPECT_FALSE(session.keepsJournals);
-    put("app/MasterVCO", masterText() + "KeepRunJournals: 1");
-    ASSERT_TRUE(watch_->readMasterFile());
-    EXPECT_TRUE(session.keepsJournals);
-    beginWith({"r-1.vco"});
-    session.runButtonPressed();
-    const QString journal = path("results/" + QDir(path("results")).entryList({"*.vcj"}).value(0));
-    const QString project = path("results/test.fmr");
-    const auto play = [&](bool ofProject) {
-        watch_->setSettingsFile(path("other.vco"));
-        const PlayOptions options{ofProject ? project : journal,
-                                  ofProject ? path("r-1.vco") : QString(), path("replay/"), false};
-        return ofProject ? watch_->playSavedRun(options, true)
-                         : watch_->playJournal(options, PlayPurpose::Replay);
-    };
-    for (const bool ofProject : {false, true}) {
-        EXPECT_TRUE(play(ofProject));
-        EXPECT_EQ(current(), "r-1.vco");
-        EXPECT_TRUE(session.report.runFinished);
+    for (const bool keeps : {false, true}) {
+        ASSERT_TRUE(watch_->readMasterFile());
+        EXPECT_EQ(session.keepsJournals, keeps);
+        put("app/MasterVCO", masterText() + "KeepRunJournals: 1");
     }
+    beginWith({"r-1.vco"});
+    const QString journal = recordJournal();
+    const auto play = [&](const QString& file, const QString& folder) {
+        watch_->setSettingsFile(path("other.vco"));
+        return watch_->playJournal({file, {}, folder, false}, PlayPurpose::Replay);
+    };
+    EXPECT_TRUE(play(journal, path("replay/")));
+    EXPECT_EQ(current(), "r-1.vco");
+    EXPECT_TRUE(session.report.runFinished);
+    watch_->setSettingsFile(path("other.vco"));
+    EXPECT_TRUE(watch_->playSavedRun(
+        {path("results/test.fmr"), path("r-1.vco"), path("replay/"), false}, true));
+    EXPECT_EQ(current(), "r-1.vco");
     QFile::remove(path("r-1.vco"));
     messages.expect(MessageLevel::Information,
                     "INFO: The results of the run are in folder \"" + path("replay/") +
                         "\". Its settings file no longer exists, so \"other.vco\" is still*");
-    EXPECT_TRUE(play(false));
-    EXPECT_EQ(current(), "other.vco");
+    EXPECT_TRUE(play(journal, path("replay/")));
     EXPECT_EQ(session.settings.settingsFilePath, path("other.vco"));
     EXPECT_FALSE(session.report.runFinished) << "of that file";
-    EXPECT_TRUE(watch_->isRunning());
 
     messages.expect(MessageLevel::Warning, "ERROR: The folder \"/dev/null/x/\"*");
-    EXPECT_FALSE(watch_->playJournal({journal, {}, "/dev/null/x/", false}, PlayPurpose::Replay));
+    EXPECT_FALSE(play(journal, "/dev/null/x/"));
+    messages.expect(MessageLevel::Warning, "ERROR: \"" + path("none.vcj") + "\"*");
+    EXPECT_FALSE(play(path("none.vcj"), {}));
     EXPECT_TRUE(watch_->isRunning() && !session.report.startFailed) << "not that of this file";
-
-    put("broken.vcj", "");
-    messages.expect(MessageLevel::Warning, "ERROR: \"" + path("broken.vcj") + "\"*");
-    PlayOptions broken;
-    broken.path = path("broken.vcj");
-    EXPECT_FALSE(watch_->playJournal(broken, PlayPurpose::Recover));
     EXPECT_EQ(current(), "other.vco");
 }

@@ -28,9 +28,9 @@ SimulationOptions smallScan() {
 
 /// The program on the settings of a simulated session, which it starts by itself. Files are awaited
 /// for ten minutes.
-class Program {
-public:
-    Program() {
+class ProgramEnd : public testing::TestWithParam<int>, public SimulatedSession {
+protected:
+    ProgramEnd() : SimulatedSession(smallScan()) {
         QString text;
         EXPECT_TRUE(readTextFile(path("Simulation-1.vco"), text));
         text.replace(QRegularExpression("TimeOutSeconds: +30"), "TimeOutSeconds: 600");
@@ -43,67 +43,53 @@ public:
         EXPECT_TRUE(QDir().mkpath(masterFolder) && writeMasterFile(masterFolder, master));
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("QT_QPA_PLATFORM", "offscreen");
-        for (const auto& [name, place] : {std::pair{"HOME", ""},
-                                          {"XDG_DATA_HOME", "data"},
-                                          {"XDG_CONFIG_HOME", "config"},
-                                          {"XDG_RUNTIME_DIR", ""}})
-            environment.insert(name, path(place));
+        for (const char* home : {"HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"})
+            environment.insert(home, path(""));
+        environment.insert("XDG_DATA_HOME", path("data"));
         environment.insert("QT_LOGGING_RULES", "*=false"); // what is left are messages
         process.setProcessEnvironment(environment);
     }
-    ~Program() {
+    ~ProgramEnd() override {
         process.kill();
         process.waitForFinished();
     }
 
-    [[nodiscard]] QString path(const QString& name) const { return session.folder.filePath(name); }
+    [[nodiscard]] QString path(const QString& name) const { return folder.filePath(name); }
     /// Waits until a file that the program writes holds the text.
     [[nodiscard]] bool hasWritten(const QString& name, const QByteArray& text) {
         QElapsedTimer watch;
-        for (watch.start(); watch.elapsed() < deadline;) {
-            QFile file(path(name));
-            if (file.open(QIODevice::ReadOnly) && file.readAll().contains(text))
-                return true;
-            if (process.waitForFinished(20)) // has it ended?
-                return false;
-        }
+        QFile file(path(name));
+        for (watch.start(); watch.elapsed() < deadline; file.close())
+            if (const bool found = file.open(QIODevice::ReadOnly) && file.readAll().contains(text);
+                found || process.waitForFinished(20)) // has it ended?
+                return found;
         return false;
     }
 
-    SimulatedSession session{smallScan()};
     QProcess process;
 };
 
+INSTANTIATE_TEST_SUITE_P(Volumes, ProgramEnd, testing::Values(0, 5)); // that come
+
 } // namespace
 
-TEST(ProgramEnd, ARunThatWaitsForAFileIsSavedAtOnce) {
-    const struct {
-        int volumes; ///< those that come
-        int signal;
-        const char* written; ///< shows how far the run has come
-        const char* text;
-    } cases[] = {{0, SIGINT, "results/velo-cortivo.lock", ""},
-                 {5, SIGTERM, "results/Simulation-1_3DMC.log", "volume:    5 "}};
-    for (const auto& [volumes, signal, written, text] : cases) {
-        SCOPED_TRACE(volumes);
-        Program program;
-        for (int volume = 0; volume < volumes; ++volume)
-            for (const ScannerFile& file : program.session.scan.files(volume))
-                program.session.write(file);
-        program.process.start(QCoreApplication::applicationDirPath() + "/../bin/velo-cortivo",
-                              QStringList());
-        ASSERT_TRUE(program.hasWritten(written, text))
-            << program.process.readAllStandardError().toStdString();
-        // Writes that fail don't end it.
-        for (const int sent : {SIGPIPE, SIGXFSZ, signal})
-            ASSERT_EQ(::kill(pid_t(program.process.processId()), sent), 0);
-        ASSERT_TRUE(program.process.waitForFinished(deadline));
-        EXPECT_EQ(program.process.exitStatus(), QProcess::NormalExit);
-        EXPECT_EQ(program.process.exitCode(), 0);
-        EXPECT_EQ(program.process.readAllStandardError().toStdString(), "");
-        EXPECT_FALSE(QFile::exists(program.path("results/velo-cortivo.lock")));
-        EXPECT_EQ(QFileInfo(program.path("results/Simulation-1.stc")).size(),
-                  volumes * 16 * 16 * 4 * 2);
-        EXPECT_EQ(QFile::exists(program.path("results/Simulation-1.fmr")), volumes > 0);
-    }
+TEST_P(ProgramEnd, ARunThatWaitsForAFileIsSavedAtOnce) {
+    const int volumes = GetParam();
+    for (int volume = 0; volume < volumes; ++volume)
+        for (const ScannerFile& file : scan.files(volume))
+            write(file);
+    process.start(QCoreApplication::applicationDirPath() + "/../bin/velo-cortivo", QStringList());
+    ASSERT_TRUE(volumes > 0 ? hasWritten("results/Simulation-1_3DMC.log", "volume:    5 ")
+                            : hasWritten("results/velo-cortivo.lock", ""))
+        << process.readAllStandardError().toStdString();
+    // Writes that fail don't end it.
+    for (const int sent : {SIGPIPE, SIGXFSZ, volumes > 0 ? SIGTERM : SIGINT})
+        ASSERT_EQ(::kill(pid_t(process.processId()), sent), 0);
+    ASSERT_TRUE(process.waitForFinished(deadline));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_EQ(process.readAllStandardError().toStdString(), "");
+    EXPECT_FALSE(QFile::exists(path("results/velo-cortivo.lock")));
+    EXPECT_EQ(QFileInfo(path("results/Simulation-1.stc")).size(), volumes * 16 * 16 * 4 * 2);
+    EXPECT_EQ(QFile::exists(path("results/Simulation-1.fmr")), volumes > 0);
 }

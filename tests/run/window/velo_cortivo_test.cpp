@@ -237,25 +237,23 @@ TEST_F(MainWindow, PostProcessingRunsAfterOkAndCanBeCancelled) {
 
 TEST_F(MainWindow, UnsavedRunsAreOfferedAtTheStartAndByTheMenu) {
     RunHead head;
-    head.startedAt = 1;
     head.project.ResolutionX = head.project.ResolutionY = head.project.NrOfSlices = 1;
     head.project.NrOfVolumes = 7;
     const QString journal = home_.path() + "/run.vcj";
-    JournalWriter writer(createJournalFile(journal));
-    ASSERT_TRUE(writer.add(uint32_t(RecordKind::Head), {encodeHead(head)}) && writer.finish());
+    auto writer = std::make_unique<JournalWriter>(createJournalFile(journal));
+    ASSERT_TRUE(writer->add(uint32_t(RecordKind::Head), {encodeHead(head)}));
     JournalList(folders_.applicationDataPath + "OpenJournals").add(journal);
     window_->offerUnsavedRuns();
     EXPECT_EQ(window_->findChild<QDialog*>("RecoverRunDlg"), nullptr) << "it is being written";
-    QFile::copy(journal, journal + "2");
-    JournalList(folders_.applicationDataPath + "OpenJournals").add(journal + "2");
+    writer.reset();
     window_->offerUnsavedRuns();
     EXPECT_EQ(control<QTableWidget>("JournalTable").rowCount(), 1);
-    control<QPushButton>("NotNowBtn").click();
-    choose("Recover Run...");
-    EXPECT_TRUE(control<QDialog>("RecoverRunDlg").isVisible());
-    control<QPushButton>("NotNowBtn").click();
-    choose("Replay Run...");
-    EXPECT_TRUE(control<QDialog>("ReplayRunDlg").isVisible());
+    choose("NotNowBtn");
+    for (const char* name : {"Recover", "Replay"}) {
+        choose(name + QString(" Run..."));
+        EXPECT_TRUE(control<QDialog>(qPrintable(name + QString("RunDlg"))).isVisible());
+        choose("NotNowBtn");
+    }
 }
 
 } // namespace
