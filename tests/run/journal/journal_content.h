@@ -18,15 +18,6 @@ inline std::span<const uint8_t> bytesOf(std::string_view text) {
     return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
 }
 
-/// Writes a journal, or continues one.
-inline void write(std::unique_ptr<JournalOutput> output, std::span<const Record> records,
-                  bool writeHead = true) {
-    JournalWriter writer(std::move(output), writeHead);
-    for (const auto& [kind, payload] : records)
-        EXPECT_TRUE(writer.add(kind, {bytesOf(payload)}));
-    EXPECT_TRUE(writer.finish());
-}
-
 struct ReadBack {
     JournalScanResult result;
     std::vector<Record> records;

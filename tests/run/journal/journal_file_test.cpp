@@ -15,22 +15,6 @@ protected:
 
 } // namespace
 
-TEST_F(JournalFile, IsContinuedAfterItsLastWholeRecord) {
-    const std::vector<Record> records{
-        {1, "settings"}, {2, "first"}, {2, "second"}, {3, ""}, {2, "third"}};
-    write(createJournalFile(path_), std::span(records).first(3));
-    const qint64 whole = readBack(path_).result.fileBytes;
-    for (const int torn : {0, 1}) {
-        QFile::resize(path_, whole - torn);
-        const JournalScanResult before = readBack(path_).result;
-        std::unique_ptr<JournalOutput> output = continueJournalFile(path_, before.goodBytes);
-        EXPECT_EQ(QFileInfo(path_).size(), before.goodBytes);
-        write(std::move(output), std::span(records).subspan(size_t(3 - torn)), false);
-        EXPECT_EQ(readBack(path_).result.end, JournalEnd::Whole);
-        EXPECT_EQ(readBack(path_).records, records);
-    }
-}
-
 TEST_F(JournalFile, WhatExistsIsNeverReplacedAndWhatDoesNotIsNotContinued) {
     QFile file(path_);
     ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.write("12345") == 5 && file.flush());

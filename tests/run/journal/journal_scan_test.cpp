@@ -93,14 +93,6 @@ TEST_F(JournalScan, AnyFlippedBitLeavesTheRecordsBeforeIt) {
     }
 }
 
-TEST_F(JournalScan, ACopyAsTextIsNoJournal) {
-    const std::pair<const char*, const char*> changes[] = {
-        {"\r\n", "\n"}, {"\n", "\r\n"}, {"\n", "\r"}, {"\r\n", "\r"}, {"\x89", "\x09"}};
-    for (const auto& [from, to] : changes)
-        EXPECT_EQ(readBytes(QByteArray(knownJournal).replace(from, to)).result.end,
-                  JournalEnd::NotAJournal);
-}
-
 // A length is compared with the rest of the file before memory is asked for.
 TEST_F(JournalScan, AHostileLengthIsARecordThatWasCutOff) {
     const uint64_t rest = 5;
@@ -131,23 +123,6 @@ TEST_F(JournalScan, OnlyRegularFilesAreRead) {
     ASSERT_EQ(mkfifo(pipe.toUtf8().constData(), 0600), 0);
     for (const QString& path : {pipe, folder_.path(), file_.fileName(), QString("/dev/zero")})
         EXPECT_EQ(readBack(path).result.end, JournalEnd::Unreadable) << path.toStdString();
-}
-
-TEST_F(JournalScan, TheTakerMayStopIt) {
-    int calls = 0;
-    const JournalScanResult result =
-        scanJournal(bytesOf(knownJournal), [&](const JournalRecord&) { return ++calls > 1; });
-    EXPECT_EQ(calls, 1);
-    EXPECT_EQ(result.end, JournalEnd::Whole);
-    EXPECT_EQ(result.goodBytes, knownEnds[1]);
-}
-
-// The payload's memory is used again by shorter records.
-TEST_F(JournalScan, EachPayloadHasItsOwnLength) {
-    const std::vector<Record> records{
-        {1, std::string(5000, 'a')}, {2, "b"}, {3, std::string(6000, 'c')}};
-    write(createJournalFile(file_.fileName()), records);
-    EXPECT_EQ(readBack(file_.fileName()).records, records);
 }
 
 TEST_F(JournalScan, SkimsTheBeginningsOfPayloadsAndReadsOn) {

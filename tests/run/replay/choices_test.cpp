@@ -46,17 +46,14 @@ TEST(RecoveryChoices, FollowWhatTheJournalHolds) {
 
 TEST(RecoveryChoices, TheTextTellsHowAndWhenTheRunEnded) {
     const std::tuple<int, const char*> times[] = {
-        {-5, "less than a minute ago"}, {59, "less than a minute ago"},
-        {60, "1 minute ago"},           {59 * 60 + 59, "59 minutes ago"},
-        {2 * 3600, "2 hours ago"},      {49 * 3600, "2 days ago"}};
+        {-5, "less than a minute"}, {59, "less than a minute"}, {60, "1 minute"},
+        {3599, "59 minutes"},       {2 * 3600, "2 hours"},      {49 * 3600, "2 days"}};
     JournalDescription journal = describedRun();
     for (const auto& [seconds, ago] : times)
         EXPECT_EQ(recoveryText(journal, journal.latestArrival + qint64(seconds) * 1000),
-                  QStringLiteral("The run was being measured when the program ended, %1.\n"
-                                 "Journal: /data/run.vcj\n"
-                                 "Settings file: /data/run-1.vco (no longer there; its text is in "
-                                 "the journal)")
-                      .arg(ago));
+                  QString("The run was being measured when the program ended, ") + ago +
+                      " ago.\nJournal: /data/run.vcj\nSettings file: /data/run-1.vco (no longer "
+                      "there; its text is in the journal)");
     journal.nrOfVolumes = 0;
     EXPECT_TRUE(recoveryText(journal, journal.latestArrival).contains("3 minutes ago"));
     journal.loopEnded = true;

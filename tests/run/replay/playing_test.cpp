@@ -83,6 +83,7 @@ TEST_F(PlayingTest, AnotherCrashAfterGoingOnLosesNothing) {
     // Twice: from nothing but the first volume, and from the middle.
     for (const int volumes : {0, 8, 14}) {
         cutJournal(journal_, volumes);
+        put("run.vcj", "\xd5REC", QIODevice::Append); // torn
         session.keepsJournals = true;
         display.whenLogged = [&] { // what runs goes on as it is
             EXPECT_FALSE(session.phase.runActive() && play(PlayPurpose::Recover));

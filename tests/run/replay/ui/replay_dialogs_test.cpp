@@ -51,8 +51,10 @@ protected:
         control<QLineEdit>(name).clear();
         control<QLineEdit>(name).insert(text);
     }
-    void chooseFile(const char* button, const QString& file) {
+    void chooseFile(const char* button, const QString& file, const QString& warning = {}) {
         messages.expectFileChoice("Open File", path(file));
+        if (!warning.isEmpty())
+            messages.expect(MessageLevel::Warning, warning);
         control(button).click();
     }
 
@@ -116,19 +118,13 @@ TEST_F(ReplayDialogs, JournalsAreOpenedFromElsewhereAndRemoved) {
     openRecoverRunDialog(session, *watch_, window_);
     for (const char* button : {"RecoverBtn", "GoOnBtn", "RemoveBtn"})
         EXPECT_FALSE(control(button).isEnabled()) << button;
-    put("none.vcj", "x");
-    messages.expectFileChoice("Open File", path("none.vcj"));
-    messages.expect(MessageLevel::Warning, "ERROR: \"" + path("none.vcj") + "\" is not*");
-    control("OpenBtn").click();
     messages.expectFileChoice("Open File", {});
     control("OpenBtn").click();
-    {
-        const auto writer = createJournalFile(path("cut.vcj"));
-        messages.expectFileChoice("Open File", path("cut.vcj"));
-        messages.expect(MessageLevel::Warning,
-                        "ERROR: The journal \"" + path("cut.vcj") + "\" is being*");
-        control("OpenBtn").click();
-    }
+    put("none.vcj", "x");
+    chooseFile("OpenBtn", "none.vcj", "ERROR: \"" + path("none.vcj") + "\" is not*");
+    auto writer = createJournalFile(path("cut.vcj"));
+    chooseFile("OpenBtn", "cut.vcj", "ERROR: The journal \"" + path("cut.vcj") + "\" is being*");
+    writer.reset();
     crash("cut.vcj", 12);
     for (const char* journal : {"cut.vcj", "run.vcj", "run.vcj"})
         chooseFile("OpenBtn", journal);
