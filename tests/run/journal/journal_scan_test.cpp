@@ -142,7 +142,7 @@ TEST_F(JournalScan, SkimsTheBeginningsOfPayloadsAndReadsOn) {
         EXPECT_FALSE(cursor->skim(record, 3));
         EXPECT_EQ(cursor->end(), JournalEnd::Whole);
     }
-    JournalCursor cut(bytesOf(bytes.first(knownEnds[1] - 1)));
+    JournalCursor cut(bytesOf(bytes).first(size_t(knownEnds[1] - 1)));
     EXPECT_FALSE(cut.skim(record, 3));
     EXPECT_EQ(cut.end(), JournalEnd::CutOff);
 }

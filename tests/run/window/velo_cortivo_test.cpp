@@ -162,14 +162,13 @@ TEST_F(MainWindow, AnOrderlyEndAnswersWhatIsOpenAndAsksNoMore) {
         installMessageHandler(&boxes);
         const auto progress = openCancellableProgressBox(window_.get(), {"Progress", "..."}, pump_);
         QTimer atOnce;
-        QObject::connect(&atOnce, &QTimer::timeout, &atOnce, [&, ended = false]() mutable {
+        atOnce.callOnTimeout([&, ended = false]() mutable {
             if (!std::exchange(ended, true))
                 return window_->endProgramOrderly();
-            for (QWidget* widget : QApplication::topLevelWidgets())
-                if (auto* box = qobject_cast<QMessageBox*>(widget); box && box->isVisible()) {
-                    ADD_FAILURE() << box->text().toStdString() << " is open";
-                    box->reject();
-                }
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                ADD_FAILURE() << box->text().toStdString() << " is open";
+                box->reject();
+            }
         });
         atOnce.start(0);
         EXPECT_FALSE(askQuestion("May the program end?"));
