@@ -200,7 +200,8 @@ TEST(JournalCursor, SkimsTheBeginningsOfPayloadsAndReadsOn) {
         EXPECT_EQ(skimmed(*cursor, 3), "none");
         EXPECT_EQ(cursor->end(), JournalEnd::Whole);
     }
-    JournalCursor cut(bytesOf(bytes.first(knownEnds[1] - 1)));
+    const QByteArray beginning = bytes.first(knownEnds[1] - 1);
+    JournalCursor cut(bytesOf(beginning));
     EXPECT_EQ(skimmed(cut, 3), "none");
     EXPECT_EQ(cut.end(), JournalEnd::CutOff);
 }
