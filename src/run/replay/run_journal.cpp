@@ -7,6 +7,7 @@
 
 #include <QDateTime>
 #include <QDir>
+#include <QFileInfo>
 
 namespace {
 
@@ -79,7 +80,7 @@ void RunJournal::begin(const RunParts& run, const RunInputs& inputs) {
                            "run goes on without: until it is saved, its data are in memory only.")
                 .arg(project.targetFolder));
     list_.add(path_);
-    if (paths::folderWithSlash(path_) == fallbackFolder_)
+    if (QFileInfo(paths::folderWithSlash(path_)) != QFileInfo(project.targetFolder))
         showModelessWarning(QStringLiteral("WARNING: The journal of this run can not be written in "
                                            "folder \"%1\". It is in folder \"%2\".")
                                 .arg(project.targetFolder, fallbackFolder_));
