@@ -53,7 +53,7 @@ void RunJournal::createFile(const QString& targetFolder, const QString& projectN
             path_ = QDir(folder).absoluteFilePath(unique + journalExtension);
             if (QFile::exists(path_))
                 continue;
-            start(createJournalFile(path_), true);
+            start(createOutput(path_), true);
             break;
         }
         if (writer_)

@@ -10,6 +10,7 @@
 #include "run/replay/journal_records.h"
 #include "run/replay/scanner_run.h"
 
+#include <functional>
 #include <memory>
 
 inline constexpr char journalExtension[] = ".vcj";
@@ -35,6 +36,10 @@ public:
     /// not finished it stands in the list. Without these two: no fallback, no list.
     void setPlaces(const QString& fallbackFolder, const JournalList& list);
     [[nodiscard]] const JournalList& list() const { return list_; }
+
+    /// Creates the file of a journal; a test puts a slow disk here.
+    std::function<std::unique_ptr<JournalOutput>(const QString& path)> createOutput =
+        createJournalFile;
 
     /// Begins the journal of a run that is prepared and not recorded yet.
     void begin(const RunParts& run, const RunInputs& inputs);
