@@ -191,8 +191,11 @@ bool JournalRun::takeVolume(int volume, std::span<int16_t> samples) {
     std::span<const uint8_t> bytes;
     if (nextVolume_.empty() || !decodeVolume(nextVolume_, arrival, bytes) ||
         arrival.volume != volume || !copySamples(bytes, samples)) {
-        if (!goesOn_)
+        nextVolume_.clear();
+        if (!goesOn_) { // the journal has no volume, or one that is none
             goOnRecording(volume - 1);
+            playProtocol();
+        }
         return false;
     }
     bytesWithVolume_ = cursor_.goodBytes();
