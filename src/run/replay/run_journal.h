@@ -28,7 +28,7 @@ enum class JournalEnding {
 /// on without a journal.
 class RunJournal : public RunListener {
 public:
-    RunJournal(RunListeners& listeners, const EventPump& pump) : pump_(pump), clock_(pump) {
+    RunJournal(RunListeners& listeners, const EventPump& pump) : clock_(pump) {
         listeners.add(*this, ListenerPlace::Journal);
     }
 
@@ -69,7 +69,6 @@ private:
     void addSamples(RecordKind kind, std::span<const int16_t> samples);
     void tellOfFault();
 
-    const EventPump& pump_;
     StopWatch clock_; ///< since the first volume
     QString fallbackFolder_;
     JournalList list_;
