@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QPointer>
+#include <algorithm>
 
 namespace {
 
@@ -124,7 +125,8 @@ void RecoverRunDlg::addJournal(const QString& path) {
     if (!journal)
         return showWarning("ERROR: " + noJournalText(path));
     std::erase_if(journals_, [&](const JournalDescription& known) { return known.path == path; });
-    journals_.insert(journals_.begin(), *std::move(journal));
+    journals_.push_back(*std::move(journal));
+    std::rotate(journals_.begin(), journals_.end() - 1, journals_.end());
     fillTable(0);
 }
 
