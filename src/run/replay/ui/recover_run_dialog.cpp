@@ -63,7 +63,7 @@ PlayOptions RecoverRunDlg::options() const {
 void RecoverRunDlg::fillTable(int chosenRow) {
     ui_->IntroLbl->setText(
         journals_.empty()
-            ? "All runs are saved. \"Open...\" takes a journal that lies elsewhere."
+            ? "There is no run left to recover. \"Open...\" takes a journal that lies elsewhere."
             : "These runs were measured, but not saved. Their journals hold all volumes that had "
               "arrived.");
     QTableWidget& table = *ui_->JournalTable;
@@ -94,13 +94,20 @@ void RecoverRunDlg::showChosen() {
 }
 
 void RecoverRunDlg::play(PlayPurpose purpose) {
+    const JournalDescription* journal = chosen();
+    if (!journal)
+        return;
     const QString fault = resultsFolderFault(typedFolder(ui_->FolderEdit->text()));
-    if (fault.isEmpty()) {
+    const QString question = replacementQuestion(*journal, ui_->FolderEdit->text());
+    const QPointer<RecoverRunDlg> self(this);
+    if (fault.isEmpty() && (question.isEmpty() || askQuestion(question))) {
+        if (!self)
+            return;
         purpose_ = purpose;
         return accept();
     }
-    const QPointer<RecoverRunDlg> self(this);
-    showWarning("ERROR: " + fault);
+    if (!fault.isEmpty())
+        showWarning("ERROR: " + fault);
     if (self)
         returnToControl(*ui_->FolderEdit);
 }
