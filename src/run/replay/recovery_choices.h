@@ -26,6 +26,11 @@ struct RecoveryChoices {
 /// milliseconds since 1970, UTC.
 [[nodiscard]] QString recoveryText(const JournalDescription& journal, qint64 now);
 
+/// Asks whether the run may replace a project of its name that was written into `targetFolder`
+/// after its latest volume, such as that of a second measurement. Empty without such a project.
+[[nodiscard]] QString replacementQuestion(const JournalDescription& journal,
+                                          const QString& targetFolder);
+
 /// With the results in `targetFolder`; in the run's own folder when it is empty or just that.
 [[nodiscard]] PlayOptions recoveryOptions(const JournalDescription& journal,
                                           const QString& targetFolder);

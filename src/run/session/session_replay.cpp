@@ -28,7 +28,11 @@ void RunSession::endJournal(bool runDone) {
     const bool holdsData = runDone && report.currentVolume >= 0;
     const JournalEnding ending = holdsData ? journalEnding() : JournalEnding::Removed;
     report.onlyInMemory = ending == JournalEnding::Unfinished && !journal.holdsRun();
-    if (ending == JournalEnding::Unfinished && !report.onlyInMemory)
+    if (report.onlyInMemory)
+        showModelessWarning("WARNING: This run is only in memory, since its journal does not hold "
+                            "all volumes. You will be asked once more whether to save it: before "
+                            "the next run, or when the program ends.");
+    else if (ending == JournalEnding::Unfinished)
         showModelessInformation(
             QStringLiteral("INFO: All volumes of this run are in its journal \"%1\". \"Recover "
                            "Run...\" in the menu File saves the run from there.")

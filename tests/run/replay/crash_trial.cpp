@@ -103,6 +103,7 @@ QStringList CrashTrial::journals() const {
 
 void CrashTrial::play(const QString& journal, PlayPurpose purpose, int firstChange) {
     SimulatedPump pump;
+    pump.setEventCost(1);
     ProbeDisplay display;
     RunSession session(pump, display);
     TrialOperator trialOperator(session);
