@@ -71,8 +71,10 @@ private:
     RunHead head_;
     std::vector<uint8_t> firstVolume_;
     std::vector<uint8_t> motionTarget_;
-    std::vector<uint8_t> nextVolume_;     ///< payload of its record; empty at the end
-    qint64 bytesWithVolume_ = 0;          ///< of the journal, up to and including the latest volume
+    std::vector<uint8_t> nextVolume_; ///< payload of its record; empty at the end
+    /// Of the journal, up to and including the latest volume; before that, what the run was
+    /// prepared from. A run that goes on writes the rest again.
+    qint64 bytesToKeep_ = 0;
     std::vector<ListenerRecord> records_; ///< of the latest volume, not yet played
     qsizetype linesPlayed_ = 0;
     bool goesOn_ = false; ///< the recorded part has been played, and the run goes on
