@@ -129,9 +129,10 @@ bool RunSession::recordRun(RunSource& source, const std::function<void()>& prepa
     QString colors;
     if (!settings.ROIColorsFile.isEmpty() && readTextFile(settings.ROIColorsFile, colors))
         parseRegionColors(colors, regionColors);
-    listeners.runPrepared(*functionalDocument);
+    // First, so that listeners can record what they begin with.
     if (prepared)
         prepared();
+    listeners.runPrepared(*functionalDocument);
     display_.updateViews();
     pump_.processEvents();
     return runVolumeLoop(run, *reader) != LoopEnd::NotStarted;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/session_fixture.h"
 #include "run/replay/journal_description.h"
+#include "volume/fmr_file.h"
 
 namespace {
 
@@ -116,8 +117,8 @@ TEST_F(PlayingTest, AnotherCrashAfterGoingOnLosesNothing) {
         ASSERT_TRUE(description);
         EXPECT_EQ(description->nrOfVolumes, 20);
         EXPECT_EQ(description->scan.end, JournalEnd::Whole);
-        // The first volume, 20 volumes, the ends of loop and saving, and the head.
-        EXPECT_EQ(description->scan.nrOfRecords, 24);
+        // Head, first volume, thresholds at the start, 20 volumes, the ends of loop and saving.
+        EXPECT_EQ(description->scan.nrOfRecords, 25);
     }
     cutJournal(path("run.vcj"), 17);
     session.keepsJournals = false;
@@ -127,6 +128,34 @@ TEST_F(PlayingTest, AnotherCrashAfterGoingOnLosesNothing) {
     EXPECT_TRUE(session.playSavedRun(
         {path("results/test.fmr"), path("test-1.vco"), path("again/"), false}, true));
     EXPECT_EQ(volumesIn("again"), 17);
+}
+
+TEST_F(PlayingTest, WhatARunBeganWithOutlivesACrashBeforeItsFirstVolume) {
+    writeSession(20, 0);
+    session.runButtonPressed();
+    ASSERT_TRUE(QFile::rename(path("results/test.stc"), path("target.stc")));
+    session.functionalDocument->project.Prefix = "target";
+    session.functionalDocument->project.ProtocolFiles.clear();
+    ASSERT_TRUE(writeFMRHeader(session.functionalDocument->project, path("target.fmr"), 20));
+    messages.acceptAnything(); // noise allows no correction
+    const auto makeReader = session.makeReader;
+    session.makeReader = [&](const IntakeContext& context) {
+        session.changeThreshold(3.25f); // while the first file is waited for
+        return makeReader(context);
+    };
+    recordRun(20, {{"MotionCorrection:", "1"},
+                   {"IntraSessionMotionCorrection:",
+                    "1\nIntraSessionMotionCorrectionFile: \"" + path("target.fmr") + "\""}});
+    session.makeReader = makeReader;
+    ASSERT_TRUE(QFile::remove(path("target.fmr")) && QFile::remove(path("target.stc")));
+    cutJournal(path("run.vcj"), 0);
+    session.keepsJournals = true;
+    EXPECT_TRUE(session.playJournal(playing(), PlayPurpose::GoOn));
+    session.keepsJournals = false;
+    cutJournal(path("run.vcj"), 12);
+    EXPECT_TRUE(session.playJournal(playing(), PlayPurpose::Recover));
+    EXPECT_EQ(session.report.currentVolume, 11);
+    EXPECT_EQ(session.requests.thresholds.Threshold, 3.25f);
 }
 
 TEST_F(PlayingTest, OtherSettingsMustFitTheVolumes) {
