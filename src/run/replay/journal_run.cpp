@@ -199,6 +199,7 @@ bool JournalRun::takeVolume(int volume, std::span<int16_t> samples) {
     playUpTo(RecordMoment::Waiting);
     if (!isThere)
         return false;
+    latestTaken_ = volume;
     bytesToKeep_ = cursor_.goodBytes();
     collectRecords();
     if (nextVolume_.empty())
@@ -271,7 +272,8 @@ bool JournalRun::atStep(VolumeStep step, const VolumeAtHand&) {
     return true;
 }
 
-void JournalRun::endOfVolume(const VolumeAtHand&) {
+void JournalRun::endOfVolume(const VolumeAtHand& hand) {
+    latestPlayed_ = hand.volume;
     playUpTo(RecordMoment::AfterModel);
 }
 

@@ -50,7 +50,9 @@ void RunSession::endPlayedJournal(const JournalRun& source, const QString& path)
         lossText(path, scan, report.currentVolume + 1, source.head().project.size());
     if (!loss.isEmpty()) {
         showModelessWarning(loss);
-        return journal.list().remove(path);
+        if (report.savedCompletely)
+            journal.list().remove(path);
+        return;
     }
     journal.endPlayed(path, scan.goodBytes, journalEnding());
 }
@@ -69,8 +71,10 @@ bool RunSession::playJournal(const PlayOptions& options, PlayPurpose purpose) {
         settings.settingsFilePath =
             options.settingsFile.isEmpty() ? source.head().settings.path : options.settingsFile;
         const bool done = startRun(source);
-        if (purpose == PlayPurpose::GoOn)
+        if (purpose == PlayPurpose::GoOn && source.allPlayed())
             endJournal(done);
+        else if (purpose == PlayPurpose::GoOn)
+            journal.end(JournalEnding::Unfinished); // it holds more than was played
         else if (purpose == PlayPurpose::Recover && done && report.currentVolume >= 0)
             endPlayedJournal(source, options.path);
         return done;

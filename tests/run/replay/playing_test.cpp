@@ -209,6 +209,14 @@ TEST_F(PlayingTest, DamageIsToldAndTheFileStays) {
         EXPECT_EQ(content("run.vcj"), damaged);
         EXPECT_TRUE(session.unfinishedJournals().isEmpty());
     }
+    // As long as nothing of it is saved it is offered.
+    QDir().mkpath(path("blocked/test.stc/x"));
+    session.journal.list().add(path("run.vcj"));
+    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
+    messages.expectQuestion("WARNING: The recorded data could not be saved completely in*", false);
+    messages.expect(MessageLevel::Warning, "WARNING: The journal \"*");
+    EXPECT_TRUE(session.playJournal(playing("blocked"), PlayPurpose::Recover));
+    EXPECT_EQ(session.unfinishedJournals().size(), 1);
     for (const QByteArray& head : {QByteArray("nothing"), whole.left(60)}) {
         put("run.vcj", head);
         messages.expect(MessageLevel::Warning, "ERROR: \"" + path("run.vcj") + "\" is not the*");
@@ -232,17 +240,22 @@ TEST_F(PlayingTest, ARunThatCouldNotBeSavedIsRecoveredFromItsJournal) {
     EXPECT_TRUE(description->loopEnded && !description->saved);
     EXPECT_EQ(description->head.projectName, "test");
 
-    // A recovery that the operator stops leaves it, one that is carried through does not.
-    for (const bool stopped : {true, false}) {
-        display.whenLogged = [&] {
-            if (stopped && session.phase.runActive() && session.report.currentVolume == 9)
+    // One that the operator stops, even at its last volume, leaves it; one that is carried through
+    // does not.
+    const std::pair<PlayPurpose, int> stops[] = {{PlayPurpose::Recover, 10},
+                                                 {PlayPurpose::GoOn, 19},
+                                                 {PlayPurpose::Recover, 19},
+                                                 {PlayPurpose::Recover, 20}};
+    for (const auto& [purpose, volumes] : stops) {
+        const bool stopped = volumes < 20;
+        display.whenLogged = [&, last = volumes - 1] {
+            if (stopped && session.phase.runActive() && session.report.currentVolume == last)
                 session.requestStop();
         };
         if (stopped)
             messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
-        EXPECT_TRUE(
-            session.playJournal({journal, {}, path("rescued"), false}, PlayPurpose::Recover));
-        EXPECT_EQ(volumesIn("rescued"), stopped ? 10 : 20);
+        EXPECT_TRUE(session.playJournal({journal, {}, path("rescued"), false}, purpose));
+        EXPECT_EQ(volumesIn("rescued"), volumes);
         EXPECT_EQ(QFile::exists(journal), stopped);
         EXPECT_EQ(session.unfinishedJournals().size(), stopped ? 1 : 0);
     }
