@@ -63,6 +63,9 @@ bool RunSession::mayLeaveRun() {
     report.onlyInMemory = saveFirst && !inPhase(Phase::Saving, [this] {
                               return report.savedCompletely = saveRecordedData(parts());
                           });
+    // A recovery from the part would replace the whole.
+    if (saveFirst && !report.onlyInMemory)
+        journal.endPlayed(brokenOffJournal_, 0, JournalEnding::Removed);
     return programEnds || !report.onlyInMemory;
 }
 

@@ -140,4 +140,5 @@ private:
     RunButtonState runButton_ = RunButtonState::Ready;
     FolderLock targetLock_;
     bool clustersOutdated_ = false; ///< by a change outside the idle phase
+    QString brokenOffJournal_;      ///< of the run that is only in memory; it holds a part of it
 };

@@ -33,6 +33,7 @@ void RunSession::endJournal(bool runDone) {
             QStringLiteral("INFO: All volumes of this run are in its journal \"%1\". \"Recover "
                            "Run...\" in the menu File saves the run from there.")
                 .arg(journal.path()));
+    brokenOffJournal_ = report.onlyInMemory ? journal.path() : QString();
     journal.end(ending);
 }
 
