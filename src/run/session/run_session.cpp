@@ -174,7 +174,8 @@ int RunSession::volumesForPostprocessing() const {
 bool RunSession::postprocess(const PostprocessingOptions& options, bool recomputeStatistics,
                              ProgressReporter& progress) {
     const int volumes = volumesForPostprocessing();
-    return volumes > 0 && inPhase(Phase::PostProcessing, [&] {
+    // It changes the samples in memory, which may be nowhere else.
+    return volumes > 0 && mayLeaveRun() && inPhase(Phase::PostProcessing, [&] {
                if (!postprocessRunInMemory(parts(), volumes, options, recomputeStatistics,
                                            progress))
                    return false;
