@@ -52,7 +52,7 @@ public:
 
     /// Waits for the disk; true when all that arrived is in the file, and the file in its folder.
     [[nodiscard]] bool holdsRun();
-    /// Of the latest run; empty when it has none.
+    /// Of the run that is recorded; empty without a journal, and when it has ended.
     [[nodiscard]] const QString& path() const { return path_; }
 
     [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand) override;

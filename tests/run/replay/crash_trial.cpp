@@ -132,7 +132,8 @@ JournalCount countJournal(const QString& path) {
     (void)scanJournal(path, [&](const JournalRecord& record) {
         ListenerRecord made;
         count.volumes += RecordKind(record.kind) == RecordKind::MeasuredVolume;
-        count.changes += RecordKind(record.kind) == RecordKind::Listener &&
+        // What stands before the first volume is the state at the start.
+        count.changes += count.volumes > 0 && RecordKind(record.kind) == RecordKind::Listener &&
                          decodeListenerRecord(record.payload, made) && made.record.name == "maps";
         return true;
     });

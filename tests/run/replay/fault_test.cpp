@@ -133,6 +133,22 @@ TEST_F(FullDisk, EndsTheJournalAndNotTheRun) {
     }
 }
 
+// The part in the journal must not be offered, and replace the whole, later on.
+TEST_F(FullDisk, ARunThatIsSavedAtLastLeavesNoPartOfIt) {
+    display_.whenLogged = [&] {
+        limit_.set(20'000);
+        (void)session_.journal.holdsRun();
+    };
+    run(false, [] {});
+    limit_.lift();
+    EXPECT_TRUE(session_.report.onlyInMemory);
+    EXPECT_EQ(trial_.journals().size(), 1);
+    trial_.messages.acceptAnything(true);
+    EXPECT_TRUE(session_.mayLeaveRun());
+    EXPECT_TRUE(trial_.journals().isEmpty());
+    expectAllInResults();
+}
+
 TEST_F(Fault, AFolderThatGoesIsMadeAgainOrAskedFor) {
     const QString results = trial_.path("results");
     const struct {
