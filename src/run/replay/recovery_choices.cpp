@@ -60,7 +60,7 @@ std::vector<JournalDescription> offeredJournals(const QStringList& journals) {
 }
 
 RecoveryChoices recoveryChoices(const JournalDescription& journal) {
-    return {journal.nrOfVolumes > 0, !journal.loopEnded};
+    return {journal.nrOfVolumes > 0 && !journal.saved, !journal.loopEnded};
 }
 
 QStringList recoveryColumns(const JournalDescription& journal) {

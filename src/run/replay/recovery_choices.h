@@ -13,7 +13,7 @@
 
 /// What the operator may do with a journal.
 struct RecoveryChoices {
-    bool recover = false; ///< there is a volume
+    bool recover = false; ///< there is a volume, and the results are not saved
     bool goOn = false;    ///< further volumes may come
 };
 [[nodiscard]] RecoveryChoices recoveryChoices(const JournalDescription& journal);

@@ -62,7 +62,9 @@ public:
     void recordMade(const RunRecord& record) override;
 
 private:
-    void createFile(const QString& targetFolder, const QString& projectName);
+    void createFile(const RunParts& run, const RunInputs& inputs);
+    /// Waits for the disk; false when it doesn't take it.
+    [[nodiscard]] bool writeBeginning(const RunParts& run, const RunInputs& inputs);
     void start(std::unique_ptr<JournalOutput> output, bool isNew);
     void add(RecordKind kind, std::span<const uint8_t> content,
              std::span<const uint8_t> samples = {});

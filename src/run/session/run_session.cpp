@@ -60,6 +60,9 @@ bool RunSession::mayLeaveRun() {
                            "journal could be written.\n\nDo you want to save it in folder \"%2\" "
                            "first? With \"No\" its data are lost.")
                 .arg(settings.ProjectName, functionalDocument->project.targetFolder));
+    // A signal to end may have come during the question, and the run been dealt with.
+    if (!programEnds && pump_.waitsGivenUp())
+        return false;
     report.onlyInMemory = saveFirst && !inPhase(Phase::Saving, [this] {
                               return report.savedCompletely = saveRecordedData(parts());
                           });
