@@ -8,6 +8,7 @@
 
 #ifdef Q_OS_UNIX
 #include <cerrno>
+#include <fcntl.h>
 #include <unistd.h>
 
 bool forceOutData(int descriptor) {
@@ -21,16 +22,30 @@ bool forceOutData(int descriptor) {
     } while (result != 0 && errno == EINTR);
     return result == 0 || errno == EINVAL || errno == ENOSYS || errno == ENOTSUP;
 }
+
+void forceOutFolder(const QString& folder) {
+    const int descriptor =
+        ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    ::fsync(descriptor);
+    ::close(descriptor);
+}
 #else
 bool forceOutData(int) {
     return true;
 }
+
+void forceOutFolder(const QString&) {}
 #endif
 
 bool commitFile(QSaveFile& file) {
     if (!file.flush() || !forceOutData(file.handle()))
         file.cancelWriting();
-    return file.commit();
+    if (!file.commit())
+        return false;
+    forceOutFolder(QFileInfo(file.fileName()).absolutePath());
+    return true;
 }
 
 bool writeFileAtomically(const QString& path, const QByteArray& content) {

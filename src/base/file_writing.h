@@ -16,6 +16,10 @@ class QSaveFile;
 /// instead of commit(), which renames also a file whose last block found no room on the disk.
 [[nodiscard]] bool commitFile(QSaveFile& file);
 
+/// Returns when the entries of a folder are on the disk. Without its entry a file isn't found after
+/// a power cut. Some folders can't be opened or forced out; a file in them is worth having anyway.
+void forceOutFolder(const QString& folder);
+
 /// Returns when the data of an open file are on the disk; false when that fails. Where a file
 /// system can't do it, true: the data then survive all but a power cut.
 [[nodiscard]] bool forceOutData(int descriptor);

@@ -6,6 +6,8 @@
 #include "base/paths.h"
 #include "volume/motion_evaluation.h"
 
+#include <QDir>
+
 namespace {
 
 constexpr int MaxNrOfLevMarqIterations = 10; // as logs have always stated it; a fit may take 11
@@ -42,7 +44,10 @@ QByteArray motionLogLine(int volume, const MotionFit& fit) {
 bool MotionLog::open(const FMRProject& project, const VolumeGrid& grid) {
     file_.setFileName(motionLogFileName(project));
     const QIODevice::OpenMode mode = started_ ? QIODevice::Append : QIODevice::Truncate;
-    if (!file_.open(QIODevice::WriteOnly | mode)) {
+    const auto open = [&] { return file_.open(QIODevice::WriteOnly | mode); };
+    // The folder was there when the run began. If it has gone since, volumes would stay uncorrected
+    // for want of it.
+    if (!open() && !(QDir().mkpath(project.targetFolder) && open())) {
         warn();
         return false;
     }

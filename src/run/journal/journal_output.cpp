@@ -37,17 +37,6 @@ bool isInAFolder(QFile& file) {
     return ::fstat(file.handle(), &status) != 0 || status.st_nlink > 0;
 }
 
-/// Without its entry a file that is on the disk isn't found after a power cut. Some folders can't
-/// be opened or forced out; that is no reason to give up the journal.
-void forceOutFolder(const QString& folder) {
-    const int descriptor =
-        ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    ::fsync(descriptor);
-    ::close(descriptor);
-}
-
 /// False when another open file holds a lock that forbids this one. The system takes a lock away
 /// when its program ends, whatever ends it. Where a file system has no locks, everybody gets one.
 bool lockFile(QFile& file, int kind) {
@@ -80,8 +69,6 @@ bool writeAll(QFile& file, std::span<const uint8_t> bytes) {
 bool isInAFolder(QFile&) {
     return true;
 }
-
-void forceOutFolder(const QString&) {}
 
 #endif
 

@@ -6,7 +6,20 @@
 #include <numeric>
 #include <system_error>
 
+#ifdef Q_OS_LINUX
+#include <pthread.h>
+#endif
+
 namespace {
+
+/// Woken by a record, the thread must not take the processor from the loop that has added it. No
+/// more than a request: where it fails, the thread works all the same.
+void yieldToOthers() {
+#ifdef Q_OS_LINUX
+    const sched_param parameters{};
+    static_cast<void>(pthread_setschedparam(pthread_self(), SCHED_BATCH, &parameters));
+#endif
+}
 
 /// Small records are written together, up to this size.
 constexpr size_t togetherBytes = size_t(256) << 10;
@@ -119,6 +132,7 @@ bool JournalWriter::makeRoom(size_t bytes) {
 }
 
 void JournalWriter::run(bool writeHead) {
+    yieldToOthers();
     Lock lock(mutex_);
     bool good = !writeHead || writeHeadOfFile(lock);
     bool ended = false;

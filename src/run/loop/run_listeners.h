@@ -44,7 +44,7 @@ struct VolumeAtHand {
     int volume; ///< index, from 0
 };
 
-/// What a listener wants to find again when the run is recovered or replayed: a change by the
+/// What a listener wants to find again when the run is recovered or gone on with: a change by the
 /// operator, a line that arrived. `name` says whose it is; the content is its own.
 struct RunRecord {
     QByteArray name;
@@ -92,7 +92,8 @@ public:
 
     /// Somebody wants this kept; see RunListeners::record().
     virtual void recordMade(const RunRecord& record) { static_cast<void>(record); }
-    /// The run is played again and has come to the moment at which this record was made.
+    /// The run is recovered or gone on with, and has come to the moment at which this record was
+    /// made. In a replay the operator decides anew: no records come.
     virtual void recordPlayed(const RunRecord& record) { static_cast<void>(record); }
 
 protected:
@@ -129,7 +130,8 @@ public:
     [[nodiscard]] bool drawSubjectDisplay(const VolumeAtHand& hand);
     void endOfVolume(const VolumeAtHand& hand);
     void loopEnded(QtCortivoDoc& document);
-    /// Keeps something of the run that is being recorded: the journal, if there is one, takes it.
+    /// Keeps something of the run that is being recorded: the journal, if there is one, takes it,
+    /// from runPrepared() on. What was changed before that is recorded there.
     void record(const RunRecord& record);
     void play(const RunRecord& record);
 

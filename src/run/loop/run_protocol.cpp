@@ -110,7 +110,8 @@ bool followProtocol(const RunParts& run, const Arriving& arriving, bool& interva
     while (!arriving.hasEnded() && !covers(run.document, arriving.coveredVolumes)) {
         if (run.pump.waitsGivenUp())
             return false;
-        if (waited.elapsed() > run.settings.timeOutMilliseconds) {
+        // While lines come, nothing is waited for: a played run may not wait at all.
+        if (!update.lineTaken && waited.elapsed() > run.settings.timeOutMilliseconds) {
             showModelessWarning(arriving.timeOutText);
             return false;
         }

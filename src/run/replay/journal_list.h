@@ -3,9 +3,11 @@
 #pragma once
 
 #include <QStringList>
+#include <functional>
+#include <optional>
 
-/// A text file with one path in each line. Journals come and go one at a time; one that can't be
-/// listed is found by hand. Does nothing without a path.
+/// A text file with one path in each line, which several programs may change. A journal that can't
+/// be listed is found by hand. Does nothing without a path.
 class JournalList {
 public:
     explicit JournalList(QString path = {}) : path_(std::move(path)) {}
@@ -17,8 +19,9 @@ public:
     void remove(const QString& journal) const;
 
 private:
-    [[nodiscard]] QStringList read() const;
-    void write(const QStringList& journals) const;
+    /// Nothing when there is a list that can't be read.
+    [[nodiscard]] std::optional<QStringList> read() const;
+    void change(const std::function<void(QStringList&)>& edit) const;
 
     QString path_;
 };

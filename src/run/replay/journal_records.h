@@ -37,9 +37,10 @@ struct RunHead {
 
 /// When a volume was complete.
 struct VolumeArrival {
-    int volume = 0;              ///< from 0
-    qint64 wallClock = 0;        ///< milliseconds since 1970, UTC; may jump
-    qint64 sinceFirstVolume = 0; ///< milliseconds of a clock that doesn't
+    int volume = 0;       ///< from 0
+    qint64 wallClock = 0; ///< milliseconds since 1970, UTC; may jump
+    /// Milliseconds of a clock that doesn't; starts again when the program goes on with a run.
+    qint64 sinceFirstVolume = 0;
 };
 
 /// Where in the cycle of the volume before it in the journal a listener's record was made.

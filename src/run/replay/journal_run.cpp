@@ -93,7 +93,7 @@ bool JournalRun::open() {
         return false;
     }
     firstVolume_ = kept();
-    bytesWithVolume_ = cursor_.goodBytes();
+    bytesToKeep_ = cursor_.goodBytes();
     collectRecords();
     return true;
 }
@@ -176,26 +176,35 @@ void JournalRun::collectRecords() {
     ListenerRecord made;
     while (nextVolume_.empty() && cursor_.next(record)) {
         const auto kind = RecordKind(record.kind);
-        if (kind == RecordKind::MeasuredVolume)
+        if (kind == RecordKind::MeasuredVolume) {
             nextVolume_.assign(record.payload.begin(), record.payload.end());
-        else if (kind == RecordKind::MotionTarget)
+        } else if (kind == RecordKind::MotionTarget) {
             motionTarget_.assign(record.payload.begin(), record.payload.end());
-        else if (kind == RecordKind::Listener && decodeListenerRecord(record.payload, made))
+            bytesToKeep_ = cursor_.goodBytes();
+        } else if (kind == RecordKind::Listener && decodeListenerRecord(record.payload, made)) {
             records_.push_back(made);
+        }
     }
 }
 
 bool JournalRun::takeVolume(int volume, std::span<int16_t> samples) {
-    playUpTo(RecordMoment::Waiting);
     VolumeArrival arrival;
     std::span<const uint8_t> bytes;
-    if (nextVolume_.empty() || !decodeVolume(nextVolume_, arrival, bytes) ||
-        arrival.volume != volume || !copySamples(bytes, samples)) {
-        if (!goesOn_)
-            goOnRecording(volume - 1);
-        return false;
+    const bool isThere = !goesOn_ && !nextVolume_.empty() &&
+                         decodeVolume(nextVolume_, arrival, bytes) && arrival.volume == volume &&
+                         copySamples(bytes, samples);
+    // First, where the journal has no volume, or one that is none: what is played from here on is
+    // recorded again.
+    if (!isThere && !goesOn_) {
+        nextVolume_.clear();
+        goOnRecording(volume - 1);
+        playProtocol();
     }
-    bytesWithVolume_ = cursor_.goodBytes();
+    playUpTo(RecordMoment::Waiting);
+    if (!isThere)
+        return false;
+    latestTaken_ = volume;
+    bytesToKeep_ = cursor_.goodBytes();
     collectRecords();
     if (nextVolume_.empty())
         goOnRecording(volume);
@@ -208,7 +217,7 @@ bool JournalRun::takeVolume(int volume, std::span<int16_t> samples) {
 void JournalRun::goOnRecording(int latestVolume) {
     goesOn_ = purpose_ == PlayPurpose::GoOn;
     if (goesOn_)
-        journal_->goOn(options_.path, bytesWithVolume_, latestVolume);
+        journal_->goOn(options_.path, bytesToKeep_, latestVolume);
 }
 
 void JournalRun::playProtocol() {
@@ -267,7 +276,8 @@ bool JournalRun::atStep(VolumeStep step, const VolumeAtHand&) {
     return true;
 }
 
-void JournalRun::endOfVolume(const VolumeAtHand&) {
+void JournalRun::endOfVolume(const VolumeAtHand& hand) {
+    latestPlayed_ = hand.volume;
     playUpTo(RecordMoment::AfterModel);
 }
 

@@ -33,8 +33,11 @@ public:
     /// Reads the head. False after a message.
     [[nodiscard]] bool open();
     [[nodiscard]] const RunHead& head() const { return head_; }
-    /// Whether every volume that can be read has been played: the operator may stop a recovery.
-    [[nodiscard]] bool allPlayed() const { return nextVolume_.empty(); }
+    /// Whether every volume that can be read has been played: the operator may stop a recovery, and
+    /// the volume that is taken then does not count.
+    [[nodiscard]] bool allPlayed() const {
+        return nextVolume_.empty() && latestPlayed_ >= latestTaken_;
+    }
     /// How far the journal could be read.
     [[nodiscard]] const JournalScanResult& readSoFar() const { return cursor_.result(); }
     /// For GoOn: what reads on, and the journal that is continued.
@@ -71,11 +74,15 @@ private:
     RunHead head_;
     std::vector<uint8_t> firstVolume_;
     std::vector<uint8_t> motionTarget_;
-    std::vector<uint8_t> nextVolume_;     ///< payload of its record; empty at the end
-    qint64 bytesWithVolume_ = 0;          ///< of the journal, up to and including the latest volume
+    std::vector<uint8_t> nextVolume_; ///< payload of its record; empty at the end
+    /// Of the journal, up to and including the latest volume; before that, what the run was
+    /// prepared from. A run that goes on writes the rest again.
+    qint64 bytesToKeep_ = 0;
     std::vector<ListenerRecord> records_; ///< of the latest volume, not yet played
     qsizetype linesPlayed_ = 0;
-    bool goesOn_ = false; ///< the recorded part has been played, and the run goes on
+    int latestTaken_ = -1;  ///< volume of the journal, from 0
+    int latestPlayed_ = -1; ///< to its end
+    bool goesOn_ = false;   ///< the recorded part has been played, and the run goes on
     QTemporaryDir unpacked_;
     QtCortivoDoc* document_ = nullptr;
     ReaderMaker makeScannerReader_;

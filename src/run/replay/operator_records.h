@@ -14,11 +14,13 @@ public:
         listeners.add(*this, ListenerPlace::Views);
     }
 
-    /// To be called after each change while a run is recorded.
+    /// To be called after each change while a run is prepared or recorded.
     void changed();
 
     void documentsLeaving() override { document_ = nullptr; }
     void documentsArrived(QtCortivoDoc& functional) override { document_ = &functional; }
+    /// What was changed while the first file was waited for came before there was a journal.
+    void runPrepared(QtCortivoDoc&) override { changed(); }
     void recordPlayed(const RunRecord& record) override;
 
 private:

@@ -2,6 +2,8 @@
 #include "run/replay/recovery_choices.h"
 
 #include "base/paths.h"
+#include "base/text_reading.h"
+#include "volume/fmr_file.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -58,7 +60,7 @@ std::vector<JournalDescription> offeredJournals(const QStringList& journals) {
 }
 
 RecoveryChoices recoveryChoices(const JournalDescription& journal) {
-    return {journal.nrOfVolumes > 0, !journal.loopEnded};
+    return {journal.nrOfVolumes > 0 && !journal.saved, !journal.loopEnded};
 }
 
 QStringList recoveryColumns(const JournalDescription& journal) {
@@ -77,6 +79,24 @@ QString recoveryText(const JournalDescription& journal, qint64 now) {
     if (!loss.isEmpty())
         lines.insert(1, loss);
     return lines.join('\n');
+}
+
+QString replacementQuestion(const JournalDescription& journal, const QString& targetFolder) {
+    const QString folder = typedFolder(targetFolder);
+    const QFileInfo project(folder + journal.head.projectName + ".fmr");
+    const qint64 written = project.lastModified().toMSecsSinceEpoch();
+    QString text;
+    FMRHeader header;
+    if (!project.isFile() || written <= journal.latestArrival ||
+        !readTextFile(project.filePath(), text) ||
+        parseFMR(text, FMRScope::Inspection, header) != FMRParseResult::Ok)
+        return {};
+    return QStringLiteral("WARNING: The folder \"%1\" holds results \"%2\" with %3 volumes, "
+                          "written on %4, after the latest volume of this run. They would be "
+                          "replaced.\n\nDo you want to replace them?")
+        .arg(folder, journal.head.projectName)
+        .arg(header.NrOfVolumes)
+        .arg(localTime(written, "yyyy-MM-dd hh:mm:ss"));
 }
 
 PlayOptions recoveryOptions(const JournalDescription& journal, const QString& targetFolder) {

@@ -13,7 +13,7 @@
 
 /// What the operator may do with a journal.
 struct RecoveryChoices {
-    bool recover = false; ///< there is a volume
+    bool recover = false; ///< there is a volume, and the results are not saved
     bool goOn = false;    ///< further volumes may come
 };
 [[nodiscard]] RecoveryChoices recoveryChoices(const JournalDescription& journal);
@@ -25,6 +25,11 @@ struct RecoveryChoices {
 /// How the run ended, what of it is damaged, where the journal and the settings file are. `now` in
 /// milliseconds since 1970, UTC.
 [[nodiscard]] QString recoveryText(const JournalDescription& journal, qint64 now);
+
+/// Asks whether the run may replace a project of its name that was written into `targetFolder`
+/// after its latest volume, such as that of a second measurement. Empty without such a project.
+[[nodiscard]] QString replacementQuestion(const JournalDescription& journal,
+                                          const QString& targetFolder);
 
 /// With the results in `targetFolder`; in the run's own folder when it is empty or just that.
 [[nodiscard]] PlayOptions recoveryOptions(const JournalDescription& journal,

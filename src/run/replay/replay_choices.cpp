@@ -57,6 +57,8 @@ void describeSavedRun(ReplayableRun& run, const RunSettings& current) {
 }
 
 QString settingsFault(const ReplayableRun& run, const ReplayChoices& choices) {
+    if (!choices.ownSettings && choices.settingsFile.isEmpty())
+        return "Choose the settings file.";
     if (!choices.ownSettings)
         return isFile(choices.settingsFile)
                    ? QString()

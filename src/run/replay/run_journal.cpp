@@ -7,6 +7,7 @@
 
 #include <QDateTime>
 #include <QDir>
+#include <QFileInfo>
 
 namespace {
 
@@ -41,7 +42,9 @@ void RunJournal::setPlaces(const QString& fallbackFolder, const JournalList& lis
     list_ = list;
 }
 
-void RunJournal::createFile(const QString& targetFolder, const QString& projectName) {
+void RunJournal::createFile(const RunParts& run, const RunInputs& inputs) {
+    const QString& targetFolder = run.document.project.targetFolder;
+    const QString& projectName = run.settings.ProjectName;
     const QString name = paths::withoutExtension(paths::fileName(projectName)) + '-' +
                          QDateTime::currentDateTime().toString("yyyyMMdd-hhmmss");
     for (const QString& folder : {targetFolder, fallbackFolder_}) {
@@ -52,13 +55,23 @@ void RunJournal::createFile(const QString& targetFolder, const QString& projectN
             path_ = QDir(folder).absoluteFilePath(unique + journalExtension);
             if (QFile::exists(path_))
                 continue;
-            start(createJournalFile(path_), true);
+            start(createOutput(path_), true);
             break;
         }
-        if (writer_)
+        if (writer_ && writeBeginning(run, inputs))
             return;
+        end(JournalEnding::Removed); // a full disk takes an empty file
     }
     path_.clear();
+}
+
+bool RunJournal::writeBeginning(const RunParts& run, const RunInputs& inputs) {
+    add(RecordKind::Head, encodeHead(headOf(run, inputs)));
+    addSamples(RecordKind::FirstVolume, run.document.project.firstVolume.span());
+    // One that volume 0 gives is made from the volumes again.
+    if (run.settings.MotionCorrection && run.settings.IntraSessionMotionCorrection)
+        addSamples(RecordKind::MotionTarget, run.document.motion.motionTarget.span());
+    return holdsRun();
 }
 
 void RunJournal::start(std::unique_ptr<JournalOutput> output, bool isNew) {
@@ -72,22 +85,17 @@ void RunJournal::begin(const RunParts& run, const RunInputs& inputs) {
     const FMRProject& project = run.document.project;
     volume_ = -1;
     moment_ = RecordMoment::Waiting;
-    createFile(project.targetFolder, run.settings.ProjectName);
+    createFile(run, inputs);
     if (!writer_)
         return showModelessWarning(
             QStringLiteral("WARNING: No journal of this run can be written in folder \"%1\". The "
                            "run goes on without: until it is saved, its data are in memory only.")
                 .arg(project.targetFolder));
     list_.add(path_);
-    if (paths::folderWithSlash(path_) == fallbackFolder_)
+    if (QFileInfo(paths::folderWithSlash(path_)) != QFileInfo(project.targetFolder))
         showModelessWarning(QStringLiteral("WARNING: The journal of this run can not be written in "
                                            "folder \"%1\". It is in folder \"%2\".")
                                 .arg(project.targetFolder, fallbackFolder_));
-    add(RecordKind::Head, encodeHead(headOf(run, inputs)));
-    addSamples(RecordKind::FirstVolume, project.firstVolume.span());
-    // One that volume 0 gives is made from the volumes again.
-    if (run.settings.MotionCorrection && run.settings.IntraSessionMotionCorrection)
-        addSamples(RecordKind::MotionTarget, run.document.motion.motionTarget.span());
 }
 
 void RunJournal::goOn(const QString& path, qint64 wholeBytes, int latestVolume) {
@@ -96,12 +104,14 @@ void RunJournal::goOn(const QString& path, qint64 wholeBytes, int latestVolume) 
     moment_ = RecordMoment::Waiting;
     start(continueJournalFile(path, wholeBytes), false);
     clock_.restart();
-    list_.add(path_); // it may have been opened from elsewhere, and the program may end once more
-    if (!writer_)
-        showModelessWarning(QStringLiteral("WARNING: The journal \"%1\" can not be continued. The "
-                                           "run goes on without: until it is saved, the data of "
-                                           "new volumes are in memory only.")
-                                .arg(path));
+    if (writer_) // the file may have been opened from elsewhere, and the program may end once more
+        return list_.add(path_);
+    path_.clear(); // it is not ours to remove
+    showModelessWarning(
+        QStringLiteral("WARNING: The journal \"%1\" can not be continued. The run "
+                       "goes on without: until it is saved, the data of new volumes "
+                       "are in memory only.")
+            .arg(path));
 }
 
 bool RunJournal::holdsRun() {
@@ -125,6 +135,8 @@ void RunJournal::end(JournalEnding ending) {
 }
 
 void RunJournal::endPlayed(const QString& path, qint64 wholeBytes, JournalEnding ending) {
+    if (journalIsInUse(path))
+        return;
     path_ = path;
     if (ending == JournalEnding::Kept)
         start(continueJournalFile(path, wholeBytes), false);

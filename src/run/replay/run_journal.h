@@ -10,6 +10,7 @@
 #include "run/replay/journal_records.h"
 #include "run/replay/scanner_run.h"
 
+#include <functional>
 #include <memory>
 
 inline constexpr char journalExtension[] = ".vcj";
@@ -27,7 +28,7 @@ enum class JournalEnding {
 /// on without a journal.
 class RunJournal : public RunListener {
 public:
-    RunJournal(RunListeners& listeners, const EventPump& pump) : pump_(pump), clock_(pump) {
+    RunJournal(RunListeners& listeners, const EventPump& pump) : clock_(pump) {
         listeners.add(*this, ListenerPlace::Journal);
     }
 
@@ -35,6 +36,10 @@ public:
     /// not finished it stands in the list. Without these two: no fallback, no list.
     void setPlaces(const QString& fallbackFolder, const JournalList& list);
     [[nodiscard]] const JournalList& list() const { return list_; }
+
+    /// Creates the file of a journal; a test puts a slow disk here.
+    std::function<std::unique_ptr<JournalOutput>(const QString& path)> createOutput =
+        createJournalFile;
 
     /// Begins the journal of a run that is prepared and not recorded yet.
     void begin(const RunParts& run, const RunInputs& inputs);
@@ -47,7 +52,7 @@ public:
 
     /// Waits for the disk; true when all that arrived is in the file, and the file in its folder.
     [[nodiscard]] bool holdsRun();
-    /// Of the latest run; empty when it has none.
+    /// Of the run that is recorded; empty without a journal, and when it has ended.
     [[nodiscard]] const QString& path() const { return path_; }
 
     [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand) override;
@@ -57,14 +62,15 @@ public:
     void recordMade(const RunRecord& record) override;
 
 private:
-    void createFile(const QString& targetFolder, const QString& projectName);
+    void createFile(const RunParts& run, const RunInputs& inputs);
+    /// Waits for the disk; false when it doesn't take it.
+    [[nodiscard]] bool writeBeginning(const RunParts& run, const RunInputs& inputs);
     void start(std::unique_ptr<JournalOutput> output, bool isNew);
     void add(RecordKind kind, std::span<const uint8_t> content,
              std::span<const uint8_t> samples = {});
     void addSamples(RecordKind kind, std::span<const int16_t> samples);
     void tellOfFault();
 
-    const EventPump& pump_;
     StopWatch clock_; ///< since the first volume
     QString fallbackFolder_;
     JournalList list_;

@@ -60,9 +60,15 @@ bool RunSession::mayLeaveRun() {
                            "journal could be written.\n\nDo you want to save it in folder \"%2\" "
                            "first? With \"No\" its data are lost.")
                 .arg(settings.ProjectName, functionalDocument->project.targetFolder));
+    // A signal to end may have come during the question, and the run been dealt with.
+    if (!programEnds && pump_.waitsGivenUp())
+        return false;
     report.onlyInMemory = saveFirst && !inPhase(Phase::Saving, [this] {
                               return report.savedCompletely = saveRecordedData(parts());
                           });
+    // A recovery from the part would replace the whole.
+    if (saveFirst && !report.onlyInMemory)
+        journal.endPlayed(brokenOffJournal_, 0, JournalEnding::Removed);
     return programEnds || !report.onlyInMemory;
 }
 
@@ -129,9 +135,10 @@ bool RunSession::recordRun(RunSource& source, const std::function<void()>& prepa
     QString colors;
     if (!settings.ROIColorsFile.isEmpty() && readTextFile(settings.ROIColorsFile, colors))
         parseRegionColors(colors, regionColors);
-    listeners.runPrepared(*functionalDocument);
+    // First, so that listeners can record what they begin with.
     if (prepared)
         prepared();
+    listeners.runPrepared(*functionalDocument);
     display_.updateViews();
     pump_.processEvents();
     return runVolumeLoop(run, *reader) != LoopEnd::NotStarted;
@@ -170,7 +177,8 @@ int RunSession::volumesForPostprocessing() const {
 bool RunSession::postprocess(const PostprocessingOptions& options, bool recomputeStatistics,
                              ProgressReporter& progress) {
     const int volumes = volumesForPostprocessing();
-    return volumes > 0 && inPhase(Phase::PostProcessing, [&] {
+    // It changes the samples in memory, which may be nowhere else.
+    return volumes > 0 && mayLeaveRun() && inPhase(Phase::PostProcessing, [&] {
                if (!postprocessRunInMemory(parts(), volumes, options, recomputeStatistics,
                                            progress))
                    return false;

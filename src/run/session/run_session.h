@@ -66,8 +66,9 @@ public:
     /// Plays a saved run; `isOwn` as for SavedRun. False like playJournal().
     bool playSavedRun(const PlayOptions& options, bool isOwn);
 
-    /// Another settings file is current: the run in memory is shown no longer, and listeners close
-    /// what belongs to it. For idle sessions only.
+    /// Another settings file is current: the run in memory is shown no longer and can't be saved
+    /// any more, so mayLeaveRun() is asked before; listeners close what belongs to it. For idle
+    /// sessions only.
     void changeSettingsFile(const QString& path);
     /// Reads the current settings file for display. False after its message.
     [[nodiscard]] bool inspectSettings();
@@ -140,4 +141,5 @@ private:
     RunButtonState runButton_ = RunButtonState::Ready;
     FolderLock targetLock_;
     bool clustersOutdated_ = false; ///< by a change outside the idle phase
+    QString brokenOffJournal_;      ///< of the run that is only in memory; it holds a part of it
 };

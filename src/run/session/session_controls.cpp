@@ -5,9 +5,9 @@
 #include "stats/clusters.h"
 #include "stats/thresholds.h"
 
-// What changes while a run is recorded belongs to it: see OperatorRecords.
+// What changes before a run has ended belongs to it: see OperatorRecords.
 void RunSession::noteChange() {
-    if (phase.runActive())
+    if (phase.canBeStopped())
         operatorRecords_.changed();
 }
 

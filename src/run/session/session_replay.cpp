@@ -28,11 +28,16 @@ void RunSession::endJournal(bool runDone) {
     const bool holdsData = runDone && report.currentVolume >= 0;
     const JournalEnding ending = holdsData ? journalEnding() : JournalEnding::Removed;
     report.onlyInMemory = ending == JournalEnding::Unfinished && !journal.holdsRun();
-    if (ending == JournalEnding::Unfinished && !report.onlyInMemory)
+    if (report.onlyInMemory)
+        showModelessWarning("WARNING: This run is only in memory, since its journal does not hold "
+                            "all volumes. You will be asked once more whether to save it: before "
+                            "the next run, or when the program ends.");
+    else if (ending == JournalEnding::Unfinished)
         showModelessInformation(
             QStringLiteral("INFO: All volumes of this run are in its journal \"%1\". \"Recover "
                            "Run...\" in the menu File saves the run from there.")
                 .arg(journal.path()));
+    brokenOffJournal_ = report.onlyInMemory ? journal.path() : QString();
     journal.end(ending);
 }
 
@@ -50,7 +55,9 @@ void RunSession::endPlayedJournal(const JournalRun& source, const QString& path)
         lossText(path, scan, report.currentVolume + 1, source.head().project.size());
     if (!loss.isEmpty()) {
         showModelessWarning(loss);
-        return journal.list().remove(path);
+        if (report.savedCompletely)
+            journal.list().remove(path);
+        return;
     }
     journal.endPlayed(path, scan.goodBytes, journalEnding());
 }
@@ -69,8 +76,10 @@ bool RunSession::playJournal(const PlayOptions& options, PlayPurpose purpose) {
         settings.settingsFilePath =
             options.settingsFile.isEmpty() ? source.head().settings.path : options.settingsFile;
         const bool done = startRun(source);
-        if (purpose == PlayPurpose::GoOn)
+        if (purpose == PlayPurpose::GoOn && source.allPlayed())
             endJournal(done);
+        else if (purpose == PlayPurpose::GoOn)
+            journal.end(JournalEnding::Unfinished); // it holds more than was played
         else if (purpose == PlayPurpose::Recover && done && report.currentVolume >= 0)
             endPlayedJournal(source, options.path);
         return done;

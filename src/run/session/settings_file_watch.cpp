@@ -126,8 +126,13 @@ void SettingsFileWatch::look(bool beforeAppExec) {
     if (ended_ || held_ || !session_.phase.isIdle() || session_.report.startFailed)
         return;
     display_.refreshViewButtons();
-    if (!folderExists())
-        return askForFolder(beforeAppExec);
+    if (!folderExists()) {
+        // The folder may have gone with that of the results. A run that is only in memory stays the
+        // current one, or it could not be saved any more.
+        if (!session_.report.onlyInMemory)
+            askForFolder(beforeAppExec);
+        return;
+    }
     const auto neighbourExists = [this](int step) {
         const QString name = neighbourName(master_.settingsFileName, step);
         return !name.isEmpty() && isFile(master_.settingsDirectory + name);
@@ -303,7 +308,7 @@ bool SettingsFileWatch::play(const QString& settingsFile, const std::function<bo
 }
 
 void SettingsFileWatch::returnToCurrentFile(bool played) {
-    if (session_.settings.settingsFilePath != currentFile()) {
+    if (session_.settings.settingsFilePath != currentFile() && session_.mayLeaveRun()) {
         session_.changeSettingsFile(currentFile());
         timer_.start(); // a start that failed was not that of this file
     }

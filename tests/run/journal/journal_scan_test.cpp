@@ -142,7 +142,8 @@ TEST_F(JournalScan, SkimsTheBeginningsOfPayloadsAndReadsOn) {
         EXPECT_FALSE(cursor->skim(record, 3));
         EXPECT_EQ(cursor->end(), JournalEnd::Whole);
     }
-    JournalCursor cut(bytesOf(bytes).first(size_t(knownEnds[1] - 1)));
+    const QByteArray beginning = bytes.first(knownEnds[1] - 1);
+    JournalCursor cut(bytesOf(beginning));
     EXPECT_FALSE(cut.skim(record, 3));
     EXPECT_EQ(cut.end(), JournalEnd::CutOff);
 }

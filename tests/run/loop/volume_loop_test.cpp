@@ -271,6 +271,8 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
         messages.expectQuestion("WARNING: The recorded data could not be saved completely in "
                                 "folder*",
                                 again);
+        if (!again)
+            messages.expect(MessageLevel::Warning, "WARNING: This run is only in memory, since*");
         bool mended = false;
         messages.onQuestion = [&] { mended = QFile::remove(path("results")); };
         session.setRunButton(RunButtonState::Ready);

@@ -93,6 +93,15 @@ TEST_F(ReplayChoicesTest, WhatCannotBePlayedIsNamed) {
     }
 }
 
+TEST_F(ReplayChoicesTest, RecoveryAsksBeforeItReplacesALaterRun) {
+    JournalDescription run = describedRun();
+    run.head.projectName = "test";
+    EXPECT_TRUE(replacementQuestion(run, path("results")).contains("\"test\" with 20 volumes"));
+    EXPECT_TRUE(replacementQuestion(run, path("elsewhere")).isEmpty());
+    run.latestArrival = QFileInfo(path("results/test.fmr")).lastModified().toMSecsSinceEpoch();
+    EXPECT_TRUE(replacementQuestion(run, path("results")).isEmpty()) << "it was there before";
+}
+
 TEST_F(ReplayChoicesTest, SettingsAndFolderMustFitTheRun) {
     put("other.vco", content("test-1.vco"));
     session.settings.settingsFilePath = path("test-1.vco");

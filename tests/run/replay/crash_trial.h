@@ -49,7 +49,8 @@ public:
     /// The journals in a folder.
     [[nodiscard]] QStringList journals(const QString& folder = "results") const;
     void play(const QString& journal, PlayPurpose purpose, int firstChange = 0);
-    /// What comes back of a journal is what a run gives that was stopped there.
+    /// What comes back of a journal is what a run gives that was stopped there. One without volumes
+    /// can only be gone on with.
     void expectComesBack(const QString& journal, bool goesOn);
     /// Moves the results away; all files of the run by name.
     [[nodiscard]] Results takeResults();

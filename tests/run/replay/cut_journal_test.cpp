@@ -16,7 +16,7 @@ TEST(CutJournal, GivesTheRunUpToThere) {
         for (JournalRecord record; cursor.next(record);)
             ends.push_back(cursor.goodBytes());
         trial.keepsJournals = false;
-        // Behind the head and the first volume; VELO_TRIAL_CUTS=1 cuts at every record.
+        // From before the first analysed volume on; VELO_TRIAL_CUTS=1 cuts at every record.
         const auto step = size_t(numberFrom("VELO_TRIAL_CUTS", 5));
         int round = 0;
         for (size_t record = 2; record < ends.size(); record += step, ++round) {

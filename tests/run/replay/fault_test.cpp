@@ -31,15 +31,14 @@ private:
 /// A run, and how it is saved when nothing happens.
 class Fault : public testing::Test {
 protected:
-    explicit Fault(HeadMotion motion = HeadMotion::None)
-        : trial_({24, 6, motion, ProtocolKind::Prt}) {
+    Fault() : trial_({24, 6, HeadMotion::Drift, ProtocolKind::Prt}) {
         trial_.run(-1, 0);
         expected_ = trial_.takeResults();
         // Only what the saving writes.
         for (const QString& name : expected_.keys())
             if (name.endsWith(".txt") || name.endsWith(".log"))
                 expected_.remove(name);
-        EXPECT_EQ(expected_.size(), motion == HeadMotion::None ? 6 : 7);
+        EXPECT_EQ(expected_.size(), 7);
         CrashTrial::prepare(session_, trial_.path(""));
     }
     /// Runs it again; questions get this answer after `beforeAnswer`. The number of questions, and
@@ -57,6 +56,7 @@ protected:
         const int before = warnings();
         session_.setRunButton(RunButtonState::Ready);
         session_.runButtonPressed();
+        trial_.messages.onQuestion = {};
         return {questions, warnings() - before};
     }
     void expectAllInResults() {
@@ -74,7 +74,6 @@ protected:
 
 class FullDisk : public Fault {
 protected:
-    FullDisk() : Fault(HeadMotion::Drift) {}
     FileSizeLimit limit_;
 };
 
@@ -113,6 +112,22 @@ TEST_F(FullDisk, EndsTheJournalAndNotTheRun) {
         EXPECT_TRUE(session_.report.savedCompletely);
         expectAllInResults();
     }
+}
+
+// The part in the journal must not be offered, and replace the whole, later on.
+TEST_F(FullDisk, ARunThatIsSavedAtLastLeavesNoPartOfIt) {
+    display_.whenLogged = [&] {
+        limit_.set(20'000);
+        (void)session_.journal.holdsRun();
+    };
+    run(false, [] {});
+    limit_.lift();
+    EXPECT_TRUE(session_.report.onlyInMemory);
+    EXPECT_EQ(trial_.journals().size(), 1);
+    trial_.messages.acceptAnything(true);
+    EXPECT_TRUE(session_.mayLeaveRun());
+    EXPECT_TRUE(trial_.journals().isEmpty());
+    expectAllInResults();
 }
 
 TEST_F(Fault, AFolderThatGoesIsMadeAgainOrAskedFor) {
@@ -154,11 +169,16 @@ TEST_F(Fault, AFolderThatGoesIsMadeAgainOrAskedFor) {
                   std::pair(fault.questions, fault.warnings));
         EXPECT_TRUE(happened);
         EXPECT_TRUE(session_.report.savedCompletely);
-        expectAllInResults();
+        // Without a log of their motion volumes are not corrected.
+        if (fault.questions == 0)
+            expectAllInResults();
+        else
+            EXPECT_EQ(trial_.takeResults()["Simulation-1.stc"].size(), 30 * 24 * 24 * 6 * 2);
     }
     // A journal goes with its folder and stays whole.
     for (const char* away : {"results-away", "results-elsewhere"}) {
         ASSERT_EQ(trial_.journals(away).size(), 1);
-        EXPECT_EQ(countJournal(trial_.journals(away).front()).volumes, 30);
+        trial_.play(trial_.journals(away).front(), PlayPurpose::Recover);
+        expectAllInResults();
     }
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/session_fixture.h"
 #include "run/replay/journal_description.h"
+#include "volume/fmr_file.h"
 
 namespace {
 
@@ -94,8 +95,8 @@ TEST_F(PlayingTest, AnotherCrashAfterGoingOnLosesNothing) {
         ASSERT_TRUE(description);
         EXPECT_EQ(description->nrOfVolumes, 20);
         EXPECT_EQ(description->scan.end, JournalEnd::Whole);
-        // The first volume, 20 volumes, the ends of loop and saving, and the head.
-        EXPECT_EQ(description->scan.nrOfRecords, 24);
+        // Head, first volume, thresholds at the start, 20 volumes, the ends of loop and saving.
+        EXPECT_EQ(description->scan.nrOfRecords, 25);
     }
     cutJournal(journal_, 17);
     session.keepsJournals = false;
@@ -105,6 +106,34 @@ TEST_F(PlayingTest, AnotherCrashAfterGoingOnLosesNothing) {
     EXPECT_TRUE(session.playSavedRun(
         {path("results/test.fmr"), path("test-1.vco"), path("again/"), false}, true));
     EXPECT_EQ(volumesIn("again"), 17);
+}
+
+TEST_F(PlayingTest, WhatARunBeganWithOutlivesACrashBeforeItsFirstVolume) {
+    writeSession(20, 0);
+    session.runButtonPressed();
+    ASSERT_TRUE(QFile::rename(path("results/test.stc"), path("target.stc")));
+    session.functionalDocument->project.Prefix = "target";
+    session.functionalDocument->project.ProtocolFiles.clear();
+    ASSERT_TRUE(writeFMRHeader(session.functionalDocument->project, path("target.fmr"), 20));
+    messages.acceptAnything(); // noise allows no correction
+    const auto makeReader = session.makeReader;
+    session.makeReader = [&](const IntakeContext& context) {
+        session.changeThreshold(3.25f); // while the first file is waited for
+        return makeReader(context);
+    };
+    recordRun({{"MotionCorrection:", "1"},
+               {"IntraSessionMotionCorrection:",
+                "1\nIntraSessionMotionCorrectionFile: \"" + path("target.fmr") + "\""}});
+    session.makeReader = makeReader;
+    ASSERT_TRUE(QFile::remove(path("target.fmr")) && QFile::remove(path("target.stc")));
+    cutJournal(journal_, 0);
+    session.keepsJournals = true;
+    EXPECT_TRUE(play(PlayPurpose::GoOn));
+    session.keepsJournals = false;
+    cutJournal(journal_, 12);
+    EXPECT_TRUE(play(PlayPurpose::Recover));
+    EXPECT_EQ(session.report.currentVolume, 11);
+    EXPECT_EQ(session.requests.thresholds.Threshold, 3.25f);
 }
 
 TEST_F(PlayingTest, OtherSettingsMustFitTheVolumes) {
@@ -141,6 +170,14 @@ TEST_F(PlayingTest, DamageIsToldAndTheFileStays) {
         EXPECT_EQ(content("run.vcj"), damaged);
         EXPECT_TRUE(session.unfinishedJournals().isEmpty());
     }
+    // As long as nothing of it is saved it is offered.
+    QDir().mkpath(path("blocked/test.stc/x"));
+    session.journal.list().add(journal_);
+    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
+    messages.expectQuestion("WARNING: The recorded data could not be saved completely in*", false);
+    messages.expect(MessageLevel::Warning, "WARNING: The journal \"*");
+    EXPECT_TRUE(play(PlayPurpose::Recover, path("blocked")));
+    EXPECT_EQ(session.unfinishedJournals().size(), 1);
     for (const QByteArray& head : {QByteArray("nothing"), whole.left(60)}) {
         put("run.vcj", head);
         messages.expect(MessageLevel::Warning, "ERROR: \"" + journal_ + "\" is not the*");
@@ -164,16 +201,22 @@ TEST_F(PlayingTest, ARunThatCouldNotBeSavedIsRecoveredFromItsJournal) {
     EXPECT_TRUE(description->loopEnded && !description->saved);
     EXPECT_EQ(description->head.projectName, "test");
 
-    // A recovery that the operator stops leaves it, one that is carried through does not.
-    for (const bool stopped : {true, false}) {
-        display.whenLogged = [&] {
-            if (stopped && session.phase.runActive() && session.report.currentVolume == 9)
+    // One that the operator stops, even at its last volume, leaves it; one that is carried through
+    // does not.
+    const std::pair<PlayPurpose, int> stops[] = {{PlayPurpose::Recover, 10},
+                                                 {PlayPurpose::GoOn, 19},
+                                                 {PlayPurpose::Recover, 19},
+                                                 {PlayPurpose::Recover, 20}};
+    for (const auto& [purpose, volumes] : stops) {
+        const bool stopped = volumes < 20;
+        display.whenLogged = [&, last = volumes - 1] {
+            if (stopped && session.phase.runActive() && session.report.currentVolume == last)
                 session.requestStop();
         };
         if (stopped)
             messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
-        EXPECT_TRUE(play(PlayPurpose::Recover, path("rescued")));
-        EXPECT_EQ(volumesIn("rescued"), stopped ? 10 : 20);
+        EXPECT_TRUE(play(purpose, path("rescued")));
+        EXPECT_EQ(volumesIn("rescued"), volumes);
         EXPECT_EQ(QFile::exists(journal_), stopped);
         EXPECT_EQ(session.unfinishedJournals().size(), stopped ? 1 : 0);
     }

@@ -340,3 +340,14 @@ TEST_F(SessionOperations, AStoppedRunIsSavedBeforeAnybodyAnswers) {
     EXPECT_EQ(QFileInfo(path("results/test.stc")).size(), 9 * 8 * 8 * 4 * 2);
     EXPECT_EQ(messages.shownModeless(), QStringList("RECORDING INTERRUPTED BY USER"));
 }
+
+// Post-processing changes the samples.
+TEST_F(SessionOperations, ARunThatIsOnlyInMemoryIsSavedBeforeItIsPostProcessed) {
+    const QByteArray measured = content("results/test.stc");
+    ASSERT_TRUE(QFile::remove(path("results/test.stc")));
+    session.report.onlyInMemory = true;
+    messages.expectQuestion("WARNING: The run \"test\" is only in memory*", true);
+    Reporter silent;
+    EXPECT_TRUE(postprocess(silent));
+    EXPECT_TRUE(content("results/test.stc") == measured);
+}

@@ -258,6 +258,9 @@ TEST_F(SettingsFileWatchTest, AMissingFolderLeavesAWayOut) {
     ASSERT_TRUE(watch_->readMasterFile());
     for (const bool choose : {true, false}) {
         watch_->setSettingsFile(path("gone/run-1.vco"));
+        session.report.onlyInMemory = true;
+        watch_->look(); // nobody is asked, since the answer could drop the run
+        session.report.onlyInMemory = false;
         messages.expectQuestion("WARNING: The VCO file directory \"" + path("gone/") + "\" *",
                                 choose);
         if (choose)

@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QHeaderView>
 #include <QPointer>
+#include <algorithm>
 
 namespace {
 
@@ -62,7 +63,7 @@ PlayOptions RecoverRunDlg::options() const {
 void RecoverRunDlg::fillTable(int chosenRow) {
     ui_->IntroLbl->setText(
         journals_.empty()
-            ? "All runs are saved. \"Open...\" takes a journal that lies elsewhere."
+            ? "There is no run left to recover. \"Open...\" takes a journal that lies elsewhere."
             : "These runs were measured, but not saved. Their journals hold all volumes that had "
               "arrived.");
     QTableWidget& table = *ui_->JournalTable;
@@ -93,13 +94,20 @@ void RecoverRunDlg::showChosen() {
 }
 
 void RecoverRunDlg::play(PlayPurpose purpose) {
+    const JournalDescription* journal = chosen();
+    if (!journal)
+        return;
     const QString fault = resultsFolderFault(typedFolder(ui_->FolderEdit->text()));
-    if (fault.isEmpty()) {
+    const QString question = replacementQuestion(*journal, ui_->FolderEdit->text());
+    const QPointer<RecoverRunDlg> self(this);
+    if (fault.isEmpty() && (question.isEmpty() || askQuestion(question))) {
+        if (!self)
+            return;
         purpose_ = purpose;
         return accept();
     }
-    const QPointer<RecoverRunDlg> self(this);
-    showWarning("ERROR: " + fault);
+    if (!fault.isEmpty())
+        showWarning("ERROR: " + fault);
     if (self)
         returnToControl(*ui_->FolderEdit);
 }
@@ -124,7 +132,8 @@ void RecoverRunDlg::addJournal(const QString& path) {
     if (!journal)
         return showWarning("ERROR: " + noJournalText(path));
     std::erase_if(journals_, [&](const JournalDescription& known) { return known.path == path; });
-    journals_.insert(journals_.begin(), *std::move(journal));
+    journals_.push_back(*std::move(journal));
+    std::rotate(journals_.begin(), journals_.end() - 1, journals_.end());
     fillTable(0);
 }
 
