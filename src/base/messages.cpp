@@ -13,7 +13,7 @@ class StandardErrorHandler : public UnattendedMessages {
 public:
     void show(MessageLevel, const QString& text, const QString&) override { print(text); }
     void showModeless(MessageLevel, const QString& text) override { print(text); }
-    bool ask(const QString& text, const QString&) override {
+    bool ask(const QString& text, const QString&, DefaultAnswer) override {
         print(text);
         return false;
     }
@@ -75,7 +75,11 @@ void showModelessWarning(const QString& text) {
 }
 
 bool askQuestion(const QString& text, const QString& title) {
-    return currentHandler()->ask(text, title);
+    return currentHandler()->ask(text, title, DefaultAnswer::Yes);
+}
+
+bool askBeforeLoss(const QString& text) {
+    return currentHandler()->ask(text, programTitle, DefaultAnswer::No);
 }
 
 void announce(const QString& title, const QString& text, const QString& button) {

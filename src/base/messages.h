@@ -9,6 +9,7 @@
 #include <optional>
 
 enum class MessageLevel { Information, Warning, Critical };
+enum class DefaultAnswer { Yes, No };
 
 /// Takes the path that the operator chose.
 using FileChosen = std::function<void(const QString& path)>;
@@ -62,8 +63,9 @@ public:
     virtual void show(MessageLevel level, const QString& text, const QString& title) = 0;
     /// Shows a modeless box, for messages during a run.
     virtual void showModeless(MessageLevel level, const QString& text) = 0;
-    /// A question with the buttons Yes and No; true for Yes.
-    [[nodiscard]] virtual bool ask(const QString& text, const QString& title) = 0;
+    /// A question with the buttons Yes and No; true for Yes. Return gives the default answer.
+    [[nodiscard]] virtual bool ask(const QString& text, const QString& title,
+                                   DefaultAnswer defaultAnswer) = 0;
     /// A modal box with a title and one default button labelled `button`.
     virtual void announce(const QString& title, const QString& text, const QString& button) = 0;
 
@@ -92,7 +94,7 @@ class UnattendedMessages : public MessageHandler {
 public:
     void show(MessageLevel, const QString&, const QString&) override {}
     void showModeless(MessageLevel, const QString&) override {}
-    bool ask(const QString&, const QString&) override { return false; }
+    bool ask(const QString&, const QString&, DefaultAnswer) override { return false; }
     void announce(const QString&, const QString&, const QString&) override {}
     std::optional<int> inputInteger(const InputTexts&, int, const IntegerBounds&) override {
         return {};
@@ -120,6 +122,8 @@ void showCritical(const QString& text, const QString& title = programTitle);
 void showModelessInformation(const QString& text);
 void showModelessWarning(const QString& text);
 [[nodiscard]] bool askQuestion(const QString& text, const QString& title = programTitle);
+/// The same where Yes may lose something: Return means No.
+[[nodiscard]] bool askBeforeLoss(const QString& text);
 void announce(const QString& title, const QString& text, const QString& button);
 
 /// Ask for a value and block: nothing when the operator cancels or no value is within the bounds.

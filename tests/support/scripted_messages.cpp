@@ -51,7 +51,7 @@ void ScriptedMessages::show(MessageLevel level, const QString& text, const QStri
     meetNext(kindOf(level, title), text);
 }
 
-bool ScriptedMessages::ask(const QString& text, const QString& title) {
+bool ScriptedMessages::ask(const QString& text, const QString& title, DefaultAnswer) {
     if (onQuestion)
         onQuestion();
     return meet<bool>(kindOf("question", title), text).value_or(false);

@@ -41,7 +41,7 @@ public:
         shownModeless_ << text;
         show(level, text, programTitle);
     }
-    bool ask(const QString& text, const QString& title) override;
+    bool ask(const QString& text, const QString& title, DefaultAnswer) override;
     void announce(const QString& title, const QString& text, const QString& button) override;
     QString chooseFileToOpen(const QString& title, const QString& place,
                              const QString& filter) override;

@@ -50,7 +50,7 @@ bool lockTargetFolder(const RunParts& run) {
     const QString& folder = run.settings.TargetFolder;
     if (run.targetLock.take(folder))
         return true;
-    if (!askQuestion(folderInUse.arg(run.targetLock.holder(), folder)))
+    if (!askBeforeLoss(folderInUse.arg(run.targetLock.holder(), folder)))
         return false;
     static_cast<void>(run.targetLock.takeOver(folder)); // without a lock if the other one lives
     return true;

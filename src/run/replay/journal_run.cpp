@@ -216,8 +216,19 @@ bool JournalRun::takeVolume(int volume, std::span<int16_t> samples) {
 // played, and what is played is recorded.
 void JournalRun::goOnRecording(int latestVolume) {
     goesOn_ = purpose_ == PlayPurpose::GoOn;
-    if (goesOn_)
-        journal_->goOn(options_.path, bytesToKeep_, latestVolume);
+    if (!goesOn_)
+        return;
+    const QString loss =
+        lossText(options_.path, cursor_.result(), latestVolume + 1, head_.project.size());
+    if (loss.isEmpty())
+        return journal_->goOn(options_.path, bytesToKeep_, latestVolume);
+    // A damaged journal stays as it is; a copy of what is good in it is continued.
+    const QString copy = options_.path.chopped(qstrlen(journalExtension)) + "-goes-on" +
+                         journalExtension;
+    static_cast<void>(QFile::copy(options_.path, copy)); // without it the next call tells
+    journal_->goOn(copy, bytesToKeep_, latestVolume);
+    journal_->list().remove(options_.path);
+    showModelessWarning(loss);
 }
 
 void JournalRun::playProtocol() {

@@ -39,7 +39,7 @@ QString endingText(const JournalDescription& journal, qint64 now) {
     const qint64 latest = journal.nrOfVolumes > 0 ? journal.latestArrival : journal.head.startedAt;
     return (journal.loopEnded
                 ? QStringLiteral("The run was over, but not yet saved, when the program ended, %1.")
-                : QStringLiteral("The run was being measured when the program ended, %1."))
+                : QStringLiteral("The run was not over when its journal ended, %1."))
         .arg(agoText(now - latest));
 }
 

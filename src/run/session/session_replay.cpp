@@ -1,4 +1,5 @@
-// Operations on runs that were recorded before: recover, go on, replay.
+// The journal of a run that has ended, and operations on runs that were recorded before: recover, go
+// on, replay.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/messages.h"
 #include "base/paths.h"
@@ -76,6 +77,11 @@ bool RunSession::playJournal(const PlayOptions& options, PlayPurpose purpose) {
         settings.settingsFilePath =
             options.settingsFile.isEmpty() ? source.head().settings.path : options.settingsFile;
         const bool done = startRun(source);
+        // The settings file still names the folder that it did.
+        settings.TargetFolder = source.head().targetFolder;
+        if (!done && purpose != PlayPurpose::Replay)
+            showModelessInformation(
+                QStringLiteral("INFO: The run is still in its journal \"%1\".").arg(options.path));
         if (purpose == PlayPurpose::GoOn && source.allPlayed())
             endJournal(done);
         else if (purpose == PlayPurpose::GoOn)

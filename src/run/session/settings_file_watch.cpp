@@ -284,41 +284,46 @@ void SettingsFileWatch::toNeighbour(int step) {
 }
 
 bool SettingsFileWatch::playJournal(const PlayOptions& options, PlayPurpose purpose) {
-    const auto settingsFile = [&options] {
-        if (!options.settingsFile.isEmpty())
-            return options.settingsFile;
-        const std::optional<JournalDescription> journal = describeJournal(options.path);
-        return journal ? journal->head.settings.path : QString();
-    };
-    return play(settingsFile(), [&] { return session_.playJournal(options, purpose); });
+    const auto operation = [&] { return session_.playJournal(options, purpose); };
+    if (purpose == PlayPurpose::Replay)
+        return playBesideCurrentFile(options, operation);
+    const std::optional<JournalDescription> journal = describeJournal(options.path);
+    const QString settingsFile = journal ? journal->head.settings.path : QString();
+    if (!isFile(settingsFile))
+        return playBesideCurrentFile(options, operation);
+    return setSettingsFile(settingsFile) && operation();
 }
 
 bool SettingsFileWatch::playSavedRun(const PlayOptions& options, bool isOwn) {
-    return play(options.settingsFile, [&] { return session_.playSavedRun(options, isOwn); });
+    return playBesideCurrentFile(options,
+                                 [&] { return session_.playSavedRun(options, isOwn); });
 }
 
-bool SettingsFileWatch::play(const QString& settingsFile, const std::function<bool()>& operation) {
-    const bool isCurrent = isFile(settingsFile);
-    if (!session_.phase.isIdle() || (isCurrent && !setSettingsFile(settingsFile)))
+bool SettingsFileWatch::playBesideCurrentFile(const PlayOptions& options,
+                                              const std::function<bool()>& operation) {
+    if (!session_.phase.isIdle())
         return false;
+    // A file that has been measured must not be measured once more by auto-start.
+    const bool wasFinished = session_.report.runFinished;
+    controlsDisplay_.showTitle("VCO - " + paths::fileName(options.path));
     const bool played = operation();
-    if (!isCurrent)
-        returnToCurrentFile(played);
-    return played;
-}
-
-void SettingsFileWatch::returnToCurrentFile(bool played) {
-    if (session_.settings.settingsFilePath != currentFile() && session_.mayLeaveRun()) {
+    const bool isSaved = played && session_.report.savedCompletely;
+    if (session_.settings.settingsFilePath != currentFile() || played) {
+        const QString folder =
+            isSaved ? session_.functionalDocument->project.targetFolder : QString();
+        if (!session_.mayLeaveRun())
+            return played;
         session_.changeSettingsFile(currentFile());
+        session_.report.runFinished = wasFinished;
         timer_.start(); // a start that failed was not that of this file
+        // Modeless: the window may have been closed during the run, and the program ends.
+        if (isSaved)
+            showModelessInformation(
+                QStringLiteral("INFO: The results of \"%1\" are in folder \"%2\". The current "
+                               "settings file is still \"%3\".")
+                    .arg(paths::fileName(options.path), folder, master_.settingsFileName));
     }
-    // Modeless: the window may have been closed during the run, and the program ends.
-    if (played && session_.report.savedCompletely)
-        showModelessInformation(
-            QStringLiteral(
-                "INFO: The results of the run are in folder \"%1\". Its settings file no "
-                "longer exists, so \"%2\" is still the current one.")
-                .arg(session_.functionalDocument->project.targetFolder, master_.settingsFileName));
+    return played;
 }
 
 void SettingsFileWatch::choosePreLoadedRegions() {

@@ -76,9 +76,11 @@ public:
     void chooseSettingsFile();
     /// Makes the neighbouring recording current, if it exists; says so if not.
     void toNeighbour(int step);
-    /// RunSession's operations of the same names. The settings file of the run becomes the current
-    /// one. One that is gone does not, and nor does the run count as that of the current file: the
-    /// session turns back to that when the run is over, and says where the results are.
+    /// RunSession's operations of the same names; dialogs call these, which keep the current
+    /// settings file right. That of a run that is recovered or gone on with becomes the current
+    /// one. For a replay, or when it is gone, the current file stays, and the run does not count as
+    /// that of it: the session turns back to it when the run is over, and says where the results
+    /// are.
     bool playJournal(const PlayOptions& options, PlayPurpose purpose);
     bool playSavedRun(const PlayOptions& options, bool isOwn);
     /// While held, the periodic look does nothing, so that no run starts by itself.
@@ -99,8 +101,7 @@ private:
     void offerFile();
     void showFinishedFile();
     [[nodiscard]] bool projectExists() const;
-    [[nodiscard]] bool play(const QString& settingsFile, const std::function<bool()>& operation);
-    void returnToCurrentFile(bool played);
+    bool playBesideCurrentFile(const PlayOptions& options, const std::function<bool()>& operation);
     void startRun();
     void advance();
     void lookOnce();

@@ -203,8 +203,9 @@ void MessageBoxes::showModeless(MessageLevel level, const QString& text) {
     showBeside(box);
 }
 
-bool MessageBoxes::ask(const QString& text, const QString& title) {
-    return waitForBox(QMessageBox::Question, text, title, QMessageBox::Yes | QMessageBox::No) ==
+bool MessageBoxes::ask(const QString& text, const QString& title, DefaultAnswer defaultAnswer) {
+    return waitForBox(QMessageBox::Question, text, title, QMessageBox::Yes | QMessageBox::No,
+                      defaultAnswer == DefaultAnswer::Yes ? QMessageBox::Yes : QMessageBox::No) ==
            QMessageBox::Yes;
 }
 

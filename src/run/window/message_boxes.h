@@ -19,7 +19,8 @@ public:
 
     void show(MessageLevel level, const QString& text, const QString& title) override;
     void showModeless(MessageLevel level, const QString& text) override;
-    [[nodiscard]] bool ask(const QString& text, const QString& title) override;
+    [[nodiscard]] bool ask(const QString& text, const QString& title,
+                           DefaultAnswer defaultAnswer) override;
     void announce(const QString& title, const QString& text, const QString& button) override;
     [[nodiscard]] std::optional<int> inputInteger(const InputTexts& texts, int start,
                                                   const IntegerBounds& bounds) override;

@@ -64,8 +64,7 @@ void RecoverRunDlg::fillTable(int chosenRow) {
     ui_->IntroLbl->setText(
         journals_.empty()
             ? "There is no run left to recover. \"Open...\" takes a journal that lies elsewhere."
-            : "These runs were measured, but not saved. Their journals hold all volumes that had "
-              "arrived.");
+            : "These runs were measured, but not saved. Their journals hold what had arrived.");
     QTableWidget& table = *ui_->JournalTable;
     table.clearSelection();
     table.setRowCount(int(journals_.size()));
@@ -100,7 +99,7 @@ void RecoverRunDlg::play(PlayPurpose purpose) {
     const QString fault = resultsFolderFault(typedFolder(ui_->FolderEdit->text()));
     const QString question = replacementQuestion(*journal, ui_->FolderEdit->text());
     const QPointer<RecoverRunDlg> self(this);
-    if (fault.isEmpty() && (question.isEmpty() || askQuestion(question))) {
+    if (fault.isEmpty() && (question.isEmpty() || askBeforeLoss(question))) {
         if (!self)
             return;
         purpose_ = purpose;
@@ -147,7 +146,7 @@ void RecoverRunDlg::removeJournal() {
         QStringLiteral("Do you want to delete the journal of the run \"%1\"? Its %2 volumes can "
                        "not be recovered then.\n\n%3")
             .arg(journal->head.projectName, QString::number(journal->nrOfVolumes), path);
-    if (!askQuestion(question) || !self)
+    if (!askBeforeLoss(question) || !self)
         return;
     if (!QFile::remove(path))
         return showWarning(QStringLiteral("ERROR: The file \"%1\" can not be deleted.").arg(path));
@@ -158,7 +157,10 @@ void RecoverRunDlg::removeJournal() {
 
 RecoverRunDlg& openRecoverRunDialog(RunSession& session, SettingsFileWatch& watch,
                                     QWidget& window) {
-    delete window.findChild<RecoverRunDlg*>();
+    if (auto* open = window.findChild<RecoverRunDlg*>()) {
+        open->reject(); // whoever waits for it hears of its end
+        delete open;
+    }
     auto* dialog = new RecoverRunDlg(session, &window);
     session.listeners.add(*dialog, ListenerPlace::Dialogs);
     QObject::connect(dialog, &QDialog::finished, dialog, &QObject::deleteLater);
