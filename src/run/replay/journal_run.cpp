@@ -223,8 +223,8 @@ void JournalRun::goOnRecording(int latestVolume) {
     if (loss.isEmpty())
         return journal_->goOn(options_.path, bytesToKeep_, latestVolume);
     // A damaged journal stays as it is; a copy of what is good in it is continued.
-    const QString copy = options_.path.chopped(qstrlen(journalExtension)) + "-goes-on" +
-                         journalExtension;
+    const QString copy =
+        options_.path.chopped(qstrlen(journalExtension)) + "-goes-on" + journalExtension;
     static_cast<void>(QFile::copy(options_.path, copy)); // without it the next call tells
     journal_->goOn(copy, bytesToKeep_, latestVolume);
     journal_->list().remove(options_.path);

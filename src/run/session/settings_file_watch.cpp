@@ -295,8 +295,7 @@ bool SettingsFileWatch::playJournal(const PlayOptions& options, PlayPurpose purp
 }
 
 bool SettingsFileWatch::playSavedRun(const PlayOptions& options, bool isOwn) {
-    return playBesideCurrentFile(options,
-                                 [&] { return session_.playSavedRun(options, isOwn); });
+    return playBesideCurrentFile(options, [&] { return session_.playSavedRun(options, isOwn); });
 }
 
 bool SettingsFileWatch::playBesideCurrentFile(const PlayOptions& options,

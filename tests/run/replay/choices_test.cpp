@@ -51,7 +51,7 @@ TEST(RecoveryChoices, TheTextTellsHowAndWhenTheRunEnded) {
     JournalDescription journal = describedRun();
     for (const auto& [seconds, ago] : times)
         EXPECT_EQ(recoveryText(journal, journal.latestArrival + qint64(seconds) * 1000),
-                  QString("The run was being measured when the program ended, ") + ago +
+                  QString("The run was not over when its journal ended, ") + ago +
                       " ago.\nJournal: /data/run.vcj\nSettings file: /data/run-1.vco (no longer "
                       "there; its text is in the journal)");
     journal.nrOfVolumes = 0;

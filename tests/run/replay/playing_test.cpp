@@ -170,6 +170,13 @@ TEST_F(PlayingTest, DamageIsToldAndTheFileStays) {
         EXPECT_EQ(content("run.vcj"), damaged);
         EXPECT_TRUE(session.unfinishedJournals().isEmpty());
     }
+    // The run goes on in a copy.
+    const QString copy = path("run-goes-on.vcj");
+    messages.expect(MessageLevel::Warning, "WARNING: The journal \"" + journal_ + "\" is damaged*");
+    session.keepsJournals = true;
+    EXPECT_TRUE(play(PlayPurpose::GoOn));
+    session.keepsJournals = false;
+    EXPECT_EQ(describeJournal(copy)->nrOfVolumes, 20);
     // As long as nothing of it is saved it is offered.
     QDir().mkpath(path("blocked/test.stc/x"));
     session.journal.list().add(journal_);
@@ -253,6 +260,7 @@ TEST_F(PlayingTest, ARunOfAnotherSeriesIsNotGoneOnWith) {
     cutJournal(journal_, 12);
     script.firstSample = 7; // the scanner's folder holds another series by now
     messages.expect(MessageLevel::Warning, "ERROR: The first file in folder*");
+    messages.expect(MessageLevel::Information, "INFO: The run is still in its journal*");
     EXPECT_FALSE(play(PlayPurpose::GoOn));
     script.firstSample = 0;
     script.atVolume = [this](int) {

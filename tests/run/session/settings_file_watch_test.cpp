@@ -276,7 +276,7 @@ TEST_F(SettingsFileWatchTest, AMissingFolderLeavesAWayOut) {
     }
 }
 
-TEST_F(SettingsFileWatchTest, TheSettingsFileOfAPlayedRunBecomesCurrentUnlessItIsGone) {
+TEST_F(SettingsFileWatchTest, TheSettingsFileOfARecoveredRunBecomesCurrentUnlessItIsGone) {
     for (const bool keeps : {false, true}) {
         ASSERT_TRUE(watch_->readMasterFile());
         EXPECT_EQ(session.keepsJournals, keeps);
@@ -284,29 +284,38 @@ TEST_F(SettingsFileWatchTest, TheSettingsFileOfAPlayedRunBecomesCurrentUnlessItI
     }
     beginWith({"r-1.vco"});
     const QString journal = recordJournal();
-    const auto play = [&](const QString& file, const QString& folder) {
+    const auto play = [&](const QString& file, const QString& folder, PlayPurpose purpose) {
         watch_->setSettingsFile(path("other.vco"));
-        return watch_->playJournal({file, {}, folder, false}, PlayPurpose::Replay);
+        session.report.runFinished = purpose == PlayPurpose::Replay; // it has been measured
+        return watch_->playJournal({file, {}, folder, false}, purpose);
     };
-    EXPECT_TRUE(play(journal, path("replay/")));
+    const auto expectPlayed = [&](const QString& name) {
+        messages.expect(MessageLevel::Information, "INFO: The results of \"" + name +
+                                                       "\" are in folder \"" + path("replay/") +
+                                                       "\". The current settings file is still*");
+    };
+    const QString copy = path("copy.vcj"); // what is recovered goes
+    ASSERT_TRUE(QFile::copy(journal, copy) && QFile::rename(journal, path("run.vcj")));
+    EXPECT_TRUE(play(path("run.vcj"), path("replay/"), PlayPurpose::Recover));
     EXPECT_EQ(current(), "r-1.vco");
     EXPECT_TRUE(session.report.runFinished);
-    watch_->setSettingsFile(path("other.vco"));
+    EXPECT_EQ(session.settings.TargetFolder, path("results/")) << "what a reload will read";
+
+    expectPlayed("copy.vcj");
+    EXPECT_TRUE(play(copy, path("replay/"), PlayPurpose::Replay));
+    EXPECT_EQ(current(), "other.vco");
+    EXPECT_TRUE(session.report.runFinished) << "auto-start must not measure that once more";
+    expectPlayed("test.fmr");
     EXPECT_TRUE(watch_->playSavedRun(
         {path("results/test.fmr"), path("r-1.vco"), path("replay/"), false}, true));
-    EXPECT_EQ(current(), "r-1.vco");
     QFile::remove(path("r-1.vco"));
-    messages.expect(MessageLevel::Information,
-                    "INFO: The results of the run are in folder \"" + path("replay/") +
-                        "\". Its settings file no longer exists, so \"other.vco\" is still*");
-    EXPECT_TRUE(play(journal, path("replay/")));
+    expectPlayed("copy.vcj");
+    EXPECT_TRUE(play(copy, path("replay/"), PlayPurpose::GoOn));
     EXPECT_EQ(session.settings.settingsFilePath, path("other.vco"));
     EXPECT_FALSE(session.report.runFinished) << "of that file";
 
-    messages.expect(MessageLevel::Warning, "ERROR: The folder \"/dev/null/x/\"*");
-    EXPECT_FALSE(play(journal, "/dev/null/x/"));
     messages.expect(MessageLevel::Warning, "ERROR: \"" + path("none.vcj") + "\"*");
-    EXPECT_FALSE(play(path("none.vcj"), {}));
+    EXPECT_FALSE(play(path("none.vcj"), {}, PlayPurpose::Recover));
     EXPECT_TRUE(watch_->isRunning() && !session.report.startFailed) << "not that of this file";
     EXPECT_EQ(current(), "other.vco");
 }

@@ -167,12 +167,12 @@ TEST_F(ReplayDialogs, AReplayTellsWhatWillHappenAndPlaysIt) {
         EXPECT_EQ(control<QDialog>("ReplayRunDlg").focusWidget(), &control<QLineEdit>(name));
         enter(name, right);
     }
+    messages.expect(MessageLevel::Information, "INFO: The results of \"run.vcj\" are in folder*");
     control("OkBtn").click();
     EXPECT_FALSE(control<QDialog>("ReplayRunDlg").isVisible());
     EXPECT_EQ(volumesIn("training"), 20);
-    EXPECT_EQ(watch_->master().settingsFileName, "other.vco");
 
-    watch_->setSettingsFile(path("test-1.vco"));
+    messages.expect(MessageLevel::Information, "INFO: The results of \"test.fmr\" are in folder*");
     openReplayRunDialog(session, *watch_, window_);
     control("FastBtn").click();
     control("OkBtn").click();
