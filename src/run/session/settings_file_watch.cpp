@@ -291,7 +291,10 @@ bool SettingsFileWatch::playJournal(const PlayOptions& options, PlayPurpose purp
     const QString settingsFile = journal ? journal->head.settings.path : QString();
     if (!isFile(settingsFile))
         return playBesideCurrentFile(options, operation);
-    return setSettingsFile(settingsFile) && operation();
+    if (!setSettingsFile(settingsFile))
+        return false;
+    controlsDisplay_.showTitle("VCO - " + master_.settingsFileName);
+    return operation();
 }
 
 bool SettingsFileWatch::playSavedRun(const PlayOptions& options, bool isOwn) {
