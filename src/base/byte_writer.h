@@ -14,13 +14,11 @@
 class ByteWriter {
 public:
     void u8(uint8_t value) { number(value, 1); }
-    void u16(uint16_t value) { number(value, 2); }
     void u32(uint32_t value) { number(value, 4); }
     void u64(uint64_t value) { number(value, 8); }
     void i32(int32_t value) { u32(uint32_t(value)); }
     void i64(int64_t value) { u64(uint64_t(value)); }
     void f32(float value) { u32(std::bit_cast<uint32_t>(value)); }
-    void f64(double value) { u64(std::bit_cast<uint64_t>(value)); }
 
     /// Bytes as they are, without their number.
     void raw(std::span<const uint8_t> bytes) {

@@ -14,14 +14,15 @@ namespace {
 
 JournalScanResult checkedScan(std::span<const uint8_t> bytes) {
     size_t payloadBytes = 0;
-    const auto take = [&](const JournalRecord& record) {
+    JournalCursor cursor(bytes);
+    JournalRecord record;
+    while (cursor.next(record)) {
         payloadBytes += record.payload.size();
         ByteReader reader(record.payload);
         const size_t textBytes = reader.sizedBytes().size();
         require(textBytes <= record.payload.size(), "no text is longer than its record");
-        return true;
-    };
-    const JournalScanResult result = scanJournal(bytes, take);
+    }
+    const JournalScanResult result = cursor.result();
     require(result.fileBytes == qint64(bytes.size()), "all of the file is counted");
     const size_t headers = size_t(result.nrOfRecords) * journalRecordHeaderBytes;
     const size_t good = result.goodBytes == 0 ? 0 : journalHeadBytes + headers + payloadBytes;
@@ -29,7 +30,6 @@ JournalScanResult checkedScan(std::span<const uint8_t> bytes) {
     require((result.end == JournalEnd::Whole) == (good == bytes.size() && good > 0),
             "a whole journal is good to its end");
     JournalCursor skimming(bytes);
-    JournalRecord record;
     while (skimming.skim(record, 1)) {
     }
     require(skimming.goodBytes() >= result.goodBytes, "what can be read can be skimmed");

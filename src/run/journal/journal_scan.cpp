@@ -59,14 +59,6 @@ private:
     std::span<const uint8_t> rest_;
 };
 
-JournalScanResult scan(JournalCursor& cursor,
-                       const std::function<bool(const JournalRecord&)>& take) {
-    JournalRecord record;
-    while (cursor.next(record) && take(record)) {
-    }
-    return cursor.result();
-}
-
 } // namespace
 
 JournalCursor::JournalCursor(const QString& path) : source_(std::make_unique<FileSource>(path)) {
@@ -149,16 +141,4 @@ JournalEnd JournalCursor::readRecord(JournalRecord& record, SkimmedBytes skimmed
     result_.goodBytes += qint64(bytes.size() + header.length);
     ++result_.nrOfRecords;
     return JournalEnd::Whole;
-}
-
-JournalScanResult scanJournal(const QString& path,
-                              const std::function<bool(const JournalRecord&)>& take) {
-    JournalCursor cursor(path);
-    return scan(cursor, take);
-}
-
-JournalScanResult scanJournal(std::span<const uint8_t> bytes,
-                              const std::function<bool(const JournalRecord&)>& take) {
-    JournalCursor cursor(bytes);
-    return scan(cursor, take);
 }

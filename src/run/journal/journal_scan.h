@@ -6,7 +6,6 @@
 #include "run/journal/journal_format.h"
 
 #include <QString>
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -63,11 +62,3 @@ private:
     JournalScanResult result_;
     bool ended_ = false;
 };
-
-/// Calls `take` for each whole record up to the first fault. Stops when it returns false: `end` is
-/// `Whole` then, and `goodBytes` reaches to the end of the record that was given last.
-[[nodiscard]] JournalScanResult scanJournal(const QString& path,
-                                            const std::function<bool(const JournalRecord&)>& take);
-/// The same over bytes in memory.
-[[nodiscard]] JournalScanResult scanJournal(std::span<const uint8_t> bytes,
-                                            const std::function<bool(const JournalRecord&)>& take);

@@ -26,7 +26,7 @@ enum class JournalFault {
     QueueFull,   ///< the disk is too slow, or memory ran out; what was queued is still written
 };
 
-/// The disk is touched by the thread only. All functions may be called by any thread.
+/// The disk is touched by the thread only; the functions are called by another one.
 class JournalWriter {
 public:
     /// Starts the thread, which begins with the head of the file; `writeHead` is false when the

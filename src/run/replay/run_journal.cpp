@@ -58,7 +58,9 @@ void RunJournal::createFile(const RunParts& run, const RunInputs& inputs) {
             start(createOutput(path_), true);
             break;
         }
-        if (writer_ && writeBeginning(run, inputs))
+        if (!writer_)
+            continue; // what has the name, if anything, is not ours
+        if (writeBeginning(run, inputs))
             return;
         end(JournalEnding::Removed); // a full disk takes an empty file
     }

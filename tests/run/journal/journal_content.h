@@ -26,10 +26,10 @@ struct ReadBack {
 /// The whole records of a file (its path) or of bytes.
 template<typename From> ReadBack readBack(const From& from) {
     ReadBack read;
-    read.result = scanJournal(from, [&](const JournalRecord& record) {
+    JournalCursor cursor(from);
+    for (JournalRecord record; cursor.next(record);)
         read.records.emplace_back(record.kind,
                                   std::string(record.payload.begin(), record.payload.end()));
-        return true;
-    });
+    read.result = cursor.result();
     return read;
 }

@@ -163,23 +163,6 @@ TEST_F(JournalThread, RecordsGoRoundTheQueue) {
     EXPECT_EQ(written().records, records);
 }
 
-TEST_F(JournalThread, ThreadsMayAddAtOnce) {
-    constexpr uint32_t nrEach = 200;
-    {
-        JournalWriter writer = writerWith();
-        const auto addAll = [&writer](uint32_t kind) {
-            for (uint32_t i = 0; i < nrEach; ++i)
-                EXPECT_TRUE(writer.add(kind, {bytesOf(std::to_string(i))}));
-        };
-        std::jthread other(addAll, 1);
-        addAll(0);
-    }
-    std::array<uint32_t, 2> next{};
-    for (const auto& [kind, payload] : written().records)
-        EXPECT_EQ(payload, std::to_string(next.at(kind)++));
-    EXPECT_EQ(next[0] + next[1], 2 * nrEach);
-}
-
 // Each record is on the disk when finish() has returned.
 TEST_F(JournalThread, AFailureAtAnyCallLeavesWhatWasWritten) {
     for (int failing = 0; failing < 12; ++failing) {
