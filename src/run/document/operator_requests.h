@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "regions/region_of_interest.h"
 #include "stats/thresholds.h"
 
 #include <QString>
@@ -25,7 +26,7 @@ struct OperatorRequests {
     bool saveRTPs = false;
     bool saveROITimeCourses = false;
     bool saveROIBetaTimeCourses = false;
-    bool bestVoxelSelection = false;
+    RegionOptions regions;
     QString preLoadROIFile;
     bool preLoadVOI = false;
     int logFontSize = 9; ///< points, of the panel

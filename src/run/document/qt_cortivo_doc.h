@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "regions/regions.h"
 #include "run/document/slice_images.h"
 #include "run/document/slice_mosaic_layout.h"
 #include "run/protocol/real_time_protocol.h"
@@ -45,6 +46,7 @@ public:
     GLMState glm; ///< updated during a run
     FinishedModel finishedModel;
     StatisticalMaps maps;
+    Regions regions;
 
     SliceImages slices;
     InplaneScan inplanes; ///< empty if the run has none

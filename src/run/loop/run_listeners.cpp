@@ -82,6 +82,10 @@ void RunListeners::settingsFileChanged() {
     callEach([](RunListener& listener) { return listener.settingsFileChanged(), true; });
 }
 
+void RunListeners::regionsChanged(QtCortivoDoc& functional) {
+    callEach([&](RunListener& listener) { return listener.regionsChanged(functional), true; });
+}
+
 bool RunListeners::beforeVolume(const VolumeAtHand& hand) {
     return callEach([&](RunListener& listener) { return listener.beforeVolume(hand); });
 }

@@ -69,6 +69,10 @@ public:
     /// The operator turned to another settings file: what belongs to the run in memory closes.
     virtual void settingsFileChanged() {}
 
+    /// Regions were added to the document, or removed from it, or their whole curves have changed;
+    /// the views take it up.
+    virtual void regionsChanged(QtCortivoDoc& functional) { static_cast<void>(functional); }
+
     /// The samples of the volume are in memory, as they were measured. False ends the run, after
     /// the listener has said why; so it does for the steps.
     [[nodiscard]] virtual bool beforeVolume(const VolumeAtHand& hand) {
@@ -123,6 +127,7 @@ public:
     void documentsArrived(QtCortivoDoc& functional);
     void runPrepared(QtCortivoDoc& functional);
     void settingsFileChanged();
+    void regionsChanged(QtCortivoDoc& functional);
     /// These two stop at the first listener that ends the run, and give false then.
     [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand);
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand);

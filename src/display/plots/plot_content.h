@@ -1,0 +1,71 @@
+// What a plot shows, and painting it at any size.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QColor>
+#include <QRectF>
+#include <QString>
+#include <optional>
+#include <vector>
+
+class QFont;
+class QPainter;
+
+/// A curve of equally spaced points: point i stands at PlotContent::xStart + i * xStep.
+struct PlotCurve {
+    QString legend; ///< empty for none
+    QColor color;
+    std::vector<float> values; ///< values that are not finite leave a gap
+    std::vector<float> errors; ///< half lengths of the error bars, or empty
+    double width = 1.5;        ///< logical pixels
+};
+
+/// A coloured stretch of the background, in units of x: an interval of the protocol.
+struct PlotBand {
+    double from = 0.0;
+    double to = 0.0;
+    QColor color;
+    QString name;
+};
+
+/// One bar of a bar plot, with its error bar.
+struct PlotBar {
+    QString name;
+    QColor color;
+    float value = 0.0f;
+    float error = 0.0f;
+};
+
+/// A straight line across the plot with a short text.
+struct PlotLine {
+    double at = 0.0;
+    Qt::Orientation orientation = Qt::Vertical;
+    QColor color;
+    QString text;
+};
+
+/// The range of an axis.
+struct PlotRange {
+    double from = 0.0;
+    double to = 1.0;
+
+    bool operator==(const PlotRange&) const = default;
+};
+
+/// Curves or bars. Ranges that are not given follow from the data.
+struct PlotContent {
+    QString title;
+    QString xLabel;
+    QString yLabel;
+    double xStart = 0.0;
+    double xStep = 1.0;
+    std::vector<PlotCurve> curves;
+    std::vector<PlotBar> bars; ///< a plot with bars has no curves, and names below them
+    std::vector<PlotBand> bands;
+    std::vector<PlotLine> lines;
+    std::optional<PlotRange> xRange;
+    std::optional<PlotRange> yRange;
+    bool gridShown = true;
+    bool legendShown = true;
+    QString note; ///< shown in the middle of a plot without data: what to do or to wait for
+};

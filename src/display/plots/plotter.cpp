@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/plots/plotter.h"
+
+#include "dialogs/appearance.h"

@@ -1,0 +1,30 @@
+// What is written about regions at each volume: value files, time courses, betas.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "regions/regions.h"
+#include "stats/design_matrix.h"
+#include "volume/volume_geometry.h"
+
+#include <QByteArray>
+#include <QString>
+
+// `volumeIndex` counts from 0, files count from 1. The texts are what one volume adds; those of
+// volume 0 begin with the head of the file.
+
+/// The time point file: number of regions, the latest mean of each, the condition; real numbers
+/// with 9 significant digits.
+[[nodiscard]] QByteArray timePointText(const Regions& regions, int condition);
+
+/// The extended time course (.ert): the voxels of each region with their values in this volume.
+/// `samples` are those of the volume, of this size.
+[[nodiscard]] QByteArray extendedTimeCourseText(const Regions& regions, int volumeIndex,
+                                                std::span<const int16_t> samples,
+                                                const VolumeSize& size);
+
+/// The beta time course (.btc).
+[[nodiscard]] QByteArray betaTimeCourseText(const Regions& regions, const DesignMatrix& design,
+                                            int volumeIndex);
+
+/// Appends to a log and flushes it, or with `create` replaces it. False when that fails.
+[[nodiscard]] bool appendToLog(const QString& path, const QByteArray& text, bool create);

@@ -1,0 +1,62 @@
+// The operator's work on regions of interest, and what a run does for them.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "regions/region_of_interest.h"
+#include "run/loop/run_listeners.h"
+
+#include <QString>
+
+struct OperatorRequests;
+struct RunReport;
+struct RunSettings;
+class Regions;
+class SessionPhase;
+
+/// A member of the session. It follows the run: loads the regions chosen for it, keeps their time
+/// courses and betas up to date, writes their logs, ranks their voxels. After each change of the
+/// list or of whole curves the listeners hear regionsChanged().
+///
+/// The list changes while the session is idle or records; in other phases, and without a document
+/// that holds a volume, the operations do nothing.
+class SessionRegions : public RunListener {
+public:
+    struct Parts {
+        const RunSettings& settings;
+        const SessionPhase& phase;
+        const RunReport& report;
+        OperatorRequests& requests;
+        RunListeners& listeners;
+    };
+
+    explicit SessionRegions(const Parts& parts);
+
+    /// The regions of the run in memory; null without one.
+    [[nodiscard]] const Regions* list() const;
+    [[nodiscard]] bool mayChange() const;
+
+    /// A drag on a slice: makes a region of the voxels that the rectangle selects, with its history
+    /// so far. False when it selects none.
+    bool selectRectangle(const VoxelRectangle& rectangle);
+    void removeAll();
+    /// Replaces the regions by those of a file that the operator chooses, or of the one named.
+    /// False when nothing was loaded.
+    void chooseFileToLoad();
+    bool load(const QString& fileName);
+    /// Writes them into a file that the operator chooses.
+    void chooseFileToSave();
+
+    void setLogTimePoints(bool on);
+    void setLogTimeCourses(bool on);
+    void setLogBetas(bool on);
+
+    void documentsLeaving() override;
+    void documentsArrived(QtCortivoDoc& functional) override;
+    void runPrepared(QtCortivoDoc& functional) override;
+    [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
+    void recordPlayed(const RunRecord& record) override;
+
+private:
+    Parts parts_;
+    QtCortivoDoc* document_ = nullptr;
+};

@@ -1,0 +1,25 @@
+// Measures of data quality that rest on motion: framewise displacement and DVARS.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+/// Radius of the sphere on which rotations are turned into millimetres.
+inline constexpr double headRadiusMillimetres = 50.0;
+/// A usual limit of framewise displacement in millimetres.
+inline constexpr double framewiseDisplacementLimit = 0.5;
+
+/// Framewise displacement of a volume in millimetres: the sum of the magnitudes of the differences
+/// of the six parameters to those of the volume before (three translations in millimetres, three
+/// rotations in degrees, taken as arcs at headRadiusMillimetres). Power et al. 2012, NeuroImage
+/// 59:2142-2154.
+[[nodiscard]] double framewiseDisplacement(const std::array<float, 6>& before,
+                                           const std::array<float, 6>& now);
+
+/// DVARS of a volume in percent: root mean square over the voxels in the mask (non-zero bytes) of
+/// the difference to the volume before, divided by the mean of the volume before over these voxels.
+/// The same paper. 0 without voxels or with a mean of 0. All of one length.
+[[nodiscard]] double volumeDVARS(std::span<const int16_t> before, std::span<const int16_t> now,
+                                 std::span<const uint8_t> mask);
