@@ -292,7 +292,7 @@ bool readROIFile(const QString& fileName, const VolumeSize& size, SavedRegions& 
     case RoiFileResult::Ok:
         break;
     }
-    if (saved.regions.empty()) {
+    if (saved.regions.empty() && saved.regionsOutside > 0) {
         showWarning(QStringLiteral("WARNING: The regions-of-interest file \"%1\" holds no region "
                                    "that lies in the volumes of this run.")
                         .arg(fileName));
