@@ -46,8 +46,6 @@ public:
         const qint64 end = clock_.milliseconds();
         next_ = end + std::max(leastRest_, restPerLook * (end - start));
     }
-    /// The next look is due at once, as for another folder.
-    void restart() { next_ = 0; }
 
 private:
     const EventPump& clock_;

@@ -35,8 +35,8 @@ int compareNumbers(QStringView a, QStringView b) {
 
 bool comesBefore(const NameShape& a, const NameShape& b) {
     if (a.pattern == b.pattern)
-        for (size_t i = 0; i < std::min(a.numbers.size(), b.numbers.size()); ++i)
-            if (const int order = compareNumbers(a.numbers[i], b.numbers[i]))
+        for (size_t i = 0; i < a.nrOfNumbers(); ++i)
+            if (const int order = compareNumbers(a.number(i), b.number(i)))
                 return order < 0;
     return a.name < b.name;
 }
@@ -59,22 +59,28 @@ QString number(qint64 value) {
 } // namespace
 
 NameShape::NameShape(const QString& written) : name(written), lower(written.toLower()) {
+    stem_ = {0, lower.lastIndexOf('.')};
+    if (stem_.length < 0)
+        stem_.length = lower.size();
+    pattern.reserve(lower.size());
     for (qsizetype i = 0; i < lower.size();) {
-        qsizetype end = i;
-        while (end < lower.size() && isDigit(lower[end]))
-            ++end;
-        if (end > i)
-            numbers.push_back(lower.mid(i, end - i));
-        pattern += end > i ? QChar('0') : lower[i];
-        i = std::max(end, i + 1);
+        Part digits{i, 0};
+        while (i < lower.size() && isDigit(lower[i]))
+            ++i;
+        digits.length = i - digits.start;
+        if (digits.length == 0) {
+            pattern += lower[i++];
+            continue;
+        }
+        pattern += '0';
+        numbers_.push_back(digits);
+        if (i == stem_.length)
+            lastNumber_ = digits;
     }
-    const qsizetype point = lower.lastIndexOf('.');
-    stem = point < 0 ? lower : lower.left(point);
-    extension = point < 0 ? QString() : lower.mid(point + 1);
-    qsizetype start = stem.size();
-    while (start > 0 && isDigit(stem[start - 1]))
-        --start;
-    lastNumber = stem.mid(start);
+}
+
+QStringView NameShape::extension() const {
+    return QStringView(lower).mid(std::min(stem_.length + 1, lower.size()));
 }
 
 SimilarNames::SimilarNames(const QStringList& awaited) {
@@ -93,19 +99,19 @@ SimilarNames::Kind SimilarNames::kindOf(const NameShape& found, const NameShape&
     if (found.pattern == awaited.pattern) {
         constexpr size_t mostBits = 64;
         Kind kind{Difference::Number};
-        const size_t count = awaited.numbers.size();
+        const size_t count = awaited.nrOfNumbers();
         for (size_t i = 0; i < count; ++i)
-            if (compareNumbers(found.numbers[i], awaited.numbers[i]) != 0)
+            if (compareNumbers(found.number(i), awaited.number(i)) != 0)
                 kind.numbersFromEnd |= quint64(1) << std::min(count - 1 - i, mostBits - 1);
         kind.nrOfNumbers = std::popcount(kind.numbersFromEnd);
         return kind.nrOfNumbers > 0 ? kind : Kind{Difference::NrOfDigits};
     }
-    if (found.stem == awaited.stem)
+    if (found.stem() == awaited.stem())
         return {Difference::Extension};
     if (awaited.lower.size() >= shortestPart && found.lower.contains(awaited.lower))
         return {Difference::LongerName};
-    if (!awaited.lastNumber.isEmpty() && found.lastNumber == awaited.lastNumber &&
-        found.extension == awaited.extension)
+    if (!awaited.lastNumber().isEmpty() && found.lastNumber() == awaited.lastNumber() &&
+        found.extension() == awaited.extension())
         return {Difference::Prefix};
     return {Difference::Other};
 }
@@ -189,10 +195,16 @@ QString refusalOf(const QString& path, const ExpectedFile& expected) {
         return QString("It can not be opened, check the permission to read it: %1").arg(name);
     const bool isSmall = stamp->size < expected.size;
     if (isSmall || (!expected.atLeast && stamp->size > expected.size))
-        return QString("%1: %2 has %3 bytes, %4%5 are needed")
-            .arg(isSmall ? "Too small" : "Too large", name, number(stamp->size),
-                 expected.atLeast ? "at least " : "exactly ", number(expected.size));
+        return QString("%1, %2 of %3 %4 bytes: %5")
+            .arg(isSmall ? "Too small" : "Too large", number(stamp->size),
+                 expected.atLeast ? "at least" : "exactly", number(expected.size), name);
     return QString("It is still changing, or not complete: %1").arg(name);
+}
+
+/// What tells one folder from the others.
+QString endOf(const QString& folder) {
+    constexpr qsizetype longest = 48;
+    return folder.size() <= longest ? folder : QChar(0x2026) + folder.right(longest - 1);
 }
 
 /// One look at all folders, within its limits.
@@ -211,7 +223,7 @@ public:
         }
         folders.removeDuplicates();
         for (const QString& folder : folders)
-            readFolder(folder, folders.size() > 1 ? folder + ": " : QString());
+            readFolder(folder, folders.size() > 1 ? endOf(folder) + ": " : QString());
         const bool tooMany = lines_.size() > mostLines;
         if (cutShort_ || tooMany)
             lines_ = lines_.first(std::min(lines_.size(), mostLines - 1));

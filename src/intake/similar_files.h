@@ -17,10 +17,25 @@ public:
     QString name; ///< as it is written
     QString lower;
     QString pattern; ///< each number replaced by one digit
-    QString stem;    ///< up to the last "."
-    QString extension;
-    QString lastNumber; ///< the digits at the end of the stem
-    std::vector<QString> numbers;
+
+    [[nodiscard]] size_t nrOfNumbers() const { return numbers_.size(); }
+    [[nodiscard]] QStringView number(size_t index) const { return part(numbers_[index]); }
+    [[nodiscard]] QStringView stem() const { return part(stem_); } ///< up to the last "."
+    [[nodiscard]] QStringView extension() const;
+    [[nodiscard]] QStringView lastNumber() const { return part(lastNumber_); } ///< ends the stem
+
+private:
+    struct Part {
+        qsizetype start = 0;
+        qsizetype length = 0;
+    };
+    [[nodiscard]] QStringView part(const Part& part) const {
+        return QStringView(lower).mid(part.start, part.length);
+    }
+
+    std::vector<Part> numbers_;
+    Part stem_;
+    Part lastNumber_;
 };
 
 /// Sorts the names of a folder by how they differ from the awaited ones. Holds the first and last

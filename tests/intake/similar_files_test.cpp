@@ -66,12 +66,10 @@ TEST_F(SimilarFiles, TellWhyTheFileItselfIsNotTaken) {
     EXPECT_EQ(look(), line("The folder is empty"));
     put("run-0001.dcm", 1999);
     put("test.txt", 10);
-    EXPECT_EQ(look(),
-              line(R"(Too small: "run-0001.dcm" has 1,999 bytes, at least 2,000 are needed)"));
+    EXPECT_EQ(look(), line(R"(Too small, 1,999 of at least 2,000 bytes: "run-0001.dcm")"));
     put("run-0001.dcm", 2001);
     EXPECT_EQ(look(), line(R"(It is still changing, or not complete: "run-0001.dcm")"));
-    EXPECT_EQ(look(false),
-              line(R"(Too large: "run-0001.dcm" has 2,001 bytes, exactly 2,000 are needed)"));
+    EXPECT_EQ(look(false), line(R"(Too large, 2,001 of exactly 2,000 bytes: "run-0001.dcm")"));
     QFile::remove(folder.filePath("run-0001.dcm"));
     QFile::remove(folder.filePath("test.txt"));
     ASSERT_TRUE(QDir(folder.path()).mkdir("exam1"));
@@ -119,9 +117,8 @@ TEST_F(SimilarFiles, EndALookThatTakesLong) {
 // whichever of the two is waited for.
 TEST(FileWaits, AreToldAsLongAsTheyLast) {
     const QByteArray image = DicomBytes().meta().pixels({7, 8, 9, 10}).bytes;
-    for (const auto& [type, name, bytes] :
-         {std::tuple{"DICOM", "run-0001-0001.dcm", image},
-          {"PHILIPS_REC", "run.rec", QByteArray(8, 'x')}}) {
+    for (const auto& [type, name, bytes] : {std::tuple{"DICOM", "run-0001-0001.dcm", image},
+                                            {"PHILIPS_REC", "run.rec", QByteArray(8, 'x')}}) {
         IntakeRun run(type, 2, 2, 1);
         run.settings.DicomFirstVolumeNr = 1;
         run.settings.documentFirstFileName = run.path(name);
