@@ -183,9 +183,12 @@ void WaitingNotice::fit() {
 }
 
 QString WaitingNotice::html(qsizetype nrOfSimilar) const {
-    QString html = isBand() ? head_.first() : "<big>" + head_.first() + "</big>";
-    html += "<br>" + head_.mid(1).join("<br>");
-    if (nrOfSimilar > 0)
+    QString html;
+    if (isBand())
+        html = QString("%1 %2<br>%3. %4").arg(head_[0], head_[1], head_[2], head_[3]);
+    else
+        html = "<big>" + head_[0] + "</big><br>" + head_.mid(1).join("<br>");
+    if (nrOfSimilar > 0 && !isBand())
         html += "<p style=\"margin-top:6px\">A look into the folder:";
     for (const QString& line : similar_.first(nrOfSimilar))
         html += QString("<br>%1 ").arg(QChar(0x2022)) + line.toHtmlEscaped();
@@ -203,7 +206,7 @@ void WaitingNotice::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), palette().color(isBand() ? QPalette::Window : QPalette::Base));
     const int margin = marginOf(*this, isBand());
     const int top = isBand() ? margin / 2 : height() / 4;
-    const int bar = margin / 4;
+    const int bar = fontMetrics().height() / 4;
     const int barHeight = isBand() ? height() : int(text_.size().height());
     painter.fillRect(margin - 3 * bar, isBand() ? 0 : top, bar, barHeight,
                      palette().color(QPalette::Highlight));

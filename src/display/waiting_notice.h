@@ -52,6 +52,6 @@ private:
     QTime since_; ///< of the wait that is shown
     qint64 shownStart_ = -1;
     FolderPace pace_;
-    QStringList head_;    ///< HTML lines
+    QStringList head_;    ///< four lines of HTML: file, folder, times, how to stop
     QStringList similar_; ///< plain lines, of its folder
 };
