@@ -3,7 +3,6 @@
 
 #include "run/loop/session_fixture.h"
 
-#include <QApplication>
 #include <QTimer>
 
 namespace {
@@ -110,7 +109,6 @@ TEST_F(Notice, FollowsTheArea) {
     ASSERT_TRUE(shownAfter(5000));
     area.show();
     area.resize(932, 780);
-    QApplication::processEvents();
     EXPECT_EQ(notice.width(), 932);
 }
 

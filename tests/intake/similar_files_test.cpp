@@ -27,6 +27,7 @@ TEST(SimilarNames, AreToldWithWhatIsOther) {
          {"Run-0001.dcm.GZ", "run-0001.dcm.7z"},
          {R"(Compressed: 2 names from "Run-0001.dcm.GZ" to "run-0001.dcm.7z")"}},
         {{"run-0001.dcm"}, {".run-0001.dcm.Xa1"}, {R"(Longer name: ".run-0001.dcm.Xa1")"}},
+        {{"I.01"}, {"MRI.01"}, {R"(Longer name: "MRI.01")"}},
         {{"I.1"}, {"MRI.1"}, {R"(Only other files: "MRI.1")"}},
         {{"run-0001.dcm"}, {"run-1.dcm"}, {R"(Other number of digits: "run-1.dcm")"}},
         {{"I.003"}, {"I.004"}, {R"(Other number: "I.004")"}},
@@ -34,6 +35,7 @@ TEST(SimilarNames, AreToldWithWhatIsOther) {
          {"run-0010.dcm", "run-9.dcm", "run-0011.dcm"},
          {R"(Other number: 3 names from "run-9.dcm" to "run-0011.dcm")"}},
         {{"scan-0007.dcm"}, {"run_7.dcm", "ep2d_0007.dcm"}, {R"(Other prefix: "ep2d_0007.dcm")"}},
+        {{"scan-0007.dcm"}, {"ep2d_0007.xcm"}, {R"(Only other files: "ep2d_0007.xcm")"}},
         {{"run.dcm"}, {"test.dcm"}, {R"(Only other files: "test.dcm")"}},
         {{"run-1.dcm"}, {"run-1.dcm", "test.txt"}, {}},
         {{"1-1", "run-1-1"},
@@ -67,6 +69,8 @@ TEST_F(SimilarFiles, TellWhyTheFileItselfIsNotTaken) {
     put("run-0001.dcm", 1999);
     put("test.txt", 10);
     EXPECT_EQ(look(), line(R"(Too small, 1,999 of at least 2,000 bytes: "run-0001.dcm")"));
+    put("run-0001.dcm", 2000);
+    EXPECT_EQ(look(false), look());
     put("run-0001.dcm", 2001);
     EXPECT_EQ(look(), line(R"(It is still changing, or not complete: "run-0001.dcm")"));
     EXPECT_EQ(look(false), line(R"(Too large, 2,001 of exactly 2,000 bytes: "run-0001.dcm")"));
