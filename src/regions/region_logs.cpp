@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QTextStream>
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 
@@ -18,12 +19,14 @@ double meanAt(const RegionOfInterest& region, int volumeIndex) {
     return last < 0 ? 0.0 : double(region.TimeCourseValues[size_t(last)]);
 }
 
-/// As "%*i" would; a log lists thousands of voxels at each volume, so it must be quick.
-void appendNumber(QByteArray& text, int number, int width) {
+/// The blanks, then the number as by "%*i"; a log lists thousands of voxels at each volume, so it
+/// must be quick.
+void appendNumber(QByteArray& text, int blanks, int width, int number) {
     std::array<char, 12> digits;
-    const auto end = std::to_chars(digits.begin(), digits.end(), number).ptr;
-    text.append(std::max<qsizetype>(width - (end - digits.begin()), 0), ' ');
-    text.append(digits.data(), end - digits.begin());
+    const qsizetype length =
+        std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr - digits.data();
+    text.append(blanks + std::max<qsizetype>(width - length, 0), ' ');
+    text.append(digits.data(), length);
 }
 
 void appendVoxels(QByteArray& text, const VoxelList& voxels, std::span<const int16_t> samples,
@@ -32,10 +35,10 @@ void appendVoxels(QByteArray& text, const VoxelList& voxels, std::span<const int
     text.reserve(text.size() + lineLength * qsizetype(voxels.size()));
     for (size_t i = 0; i < voxels.size(); ++i) {
         const size_t row = size_t(voxels.z[i]) * size_t(size.y) + size_t(voxels.y[i]);
-        appendNumber(text, voxels.x[i], 3);
-        appendNumber(text, voxels.y[i], 4);
-        appendNumber(text, voxels.z[i], 4);
-        appendNumber(text, samples[row * size_t(size.x) + size_t(voxels.x[i])], 7);
+        appendNumber(text, 0, 3, voxels.x[i]);
+        appendNumber(text, 1, 3, voxels.y[i]);
+        appendNumber(text, 1, 3, voxels.z[i]);
+        appendNumber(text, 2, 5, samples[row * size_t(size.x) + size_t(voxels.x[i])]);
         text += '\n';
     }
 }

@@ -25,8 +25,9 @@ protected:
         writeSession(42, 2, {{"ClusterSizePixels:", "1"}});
         ProbeListener operatorHand(session.listeners, ListenerPlace::Dialogs);
         operatorHand.onEndOfVolume = [&, this](int volume) {
-            if (volume == at)
+            if (volume == at) {
                 EXPECT_TRUE(session.regions.selectRectangle(drag));
+            }
             if (volume >= at)
                 expectCurve(volume);
         };
@@ -86,7 +87,7 @@ TEST_F(SessionRegionsTest, ALogThatCannotBeWrittenIsToldOfAndTheRunGoesOn) {
         messages.expect(MessageLevel::Warning,
                         "ERROR: Can not open extended ROI time course file (.ERT) !");
     session.runButtonPressed();
-    EXPECT_EQ(volumesIn(path("results")), 3);
+    EXPECT_EQ(volumesIn("results"), 3);
 }
 
 TEST_F(SessionRegionsTest, TheChosenFileIsLoadedAtTheFirstVolumeAndAMissingOneIsToldOf) {
@@ -104,11 +105,13 @@ TEST_F(SessionRegionsTest, TheChosenFileIsLoadedAtTheFirstVolumeAndAMissingOneIs
     session.runButtonPressed();
     EXPECT_EQ(atFirstVolume, 1);
     session.requests.preLoadROIFile = path("missing.roi");
-    messages.expect(MessageLevel::Warning, "ERROR: Can not open .ROI file");
+    messages.expect(MessageLevel::Warning,
+                    "ERROR: Can not open .ROI file for loading previously defined "
+                    "regions-of-interest !");
     session.setRunButton(RunButtonState::Ready);
     session.runButtonPressed();
     EXPECT_EQ(atFirstVolume, 0);
-    EXPECT_EQ(volumesIn(path("results")), 40);
+    EXPECT_EQ(volumesIn("results"), 40);
 }
 
 TEST_F(SessionRegionsTest, RegionsChangeOnlyWhileTheSessionIsIdleOrRecords) {
