@@ -190,8 +190,8 @@ bool RunSession::postprocess(const PostprocessingOptions& options, bool recomput
     const int volumes = volumesForPostprocessing();
     // It changes the samples in memory, which may be nowhere else.
     return volumes > 0 && mayLeaveRun() && inPhase(Phase::PostProcessing, [&] {
-               const bool done = postprocessRunInMemory(parts(), volumes, options,
-                                                        recomputeStatistics, progress);
+               const bool done =
+                   postprocessRunInMemory(parts(), volumes, options, recomputeStatistics, progress);
                regions.samplesChanged();
                if (!done)
                    return false;

@@ -146,7 +146,7 @@ private:
     OperatorRecords operatorRecords_;
     RunButtonState runButton_ = RunButtonState::Ready;
     FolderLock targetLock_;
-    bool clustersOutdated_ = false; ///< by a change outside the idle phase
+    bool clustersOutdated_ = false;      ///< by a change outside the idle phase
     std::optional<int> chosenROISlices_; ///< by the operator; reading the settings again keeps it
-    QString brokenOffJournal_;      ///< of the run that is only in memory; it holds a part of it
+    QString brokenOffJournal_; ///< of the run that is only in memory; it holds a part of it
 };

@@ -37,9 +37,9 @@ void addNumberRow(QGridLayout* grid, const QString& label, QAbstractSpinBox* box
 ContrastPanel::ContrastPanel(RunSession& session, QWidget* parent)
     : QGroupBox("Contrasts and maps", parent), session_(session), list_(new ContrastList(this)),
       conjunction_(new QCheckBox("Conjunction of contrasts", this)),
-      pluginMaps_(new QCheckBox("Maps of plug-ins", this)),
-      threshold_(new ThresholdSpinBox(this)), colorMaxThreshold_(new ThresholdSpinBox(this)),
-      clusterSize_(new QSpinBox(this)), multiSlice_(new QSpinBox(this)) {
+      pluginMaps_(new QCheckBox("Maps of plug-ins", this)), threshold_(new ThresholdSpinBox(this)),
+      colorMaxThreshold_(new ThresholdSpinBox(this)), clusterSize_(new QSpinBox(this)),
+      multiSlice_(new QSpinBox(this)) {
     setObjectName("ContrastBackgroundGrpBx");
     conjunction_->setObjectName("ConjunctionOfContrastsOp");
     conjunction_->setToolTip("Show only voxels in which all selected contrasts agree; needs at "
