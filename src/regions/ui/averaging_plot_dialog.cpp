@@ -1,0 +1,1 @@
+#include "regions/ui/averaging_plot_dialog.h"
