@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/appearance.h"
 
+#include <QFontDatabase>
 #include <QPainter>
 #include <QScreen>
 #include <QWidget>
@@ -51,6 +52,20 @@ QIcon colorIcon(const RgbColor& color, QSize size) {
     QIcon icon(pixmap);
     icon.addPixmap(pixmap, QIcon::Selected); // the style would tint it
     return icon;
+}
+
+QFont scaledFont(QFont font, double factor) {
+    if (font.pixelSize() > 0)
+        font.setPixelSize(std::max(int(font.pixelSize() * factor), 1));
+    else
+        font.setPointSizeF(font.pointSizeF() * factor);
+    return font;
+}
+
+QFont numberFont(const QFont& font, double factor) {
+    QFont numbers = scaledFont(font, factor);
+    numbers.setFamilies(QFontDatabase::systemFont(QFontDatabase::FixedFont).families());
+    return numbers;
 }
 
 QString windowStyleSheet() {

@@ -3,7 +3,6 @@
 
 #include "display/slice_mosaic.h"
 
-#include <QFontDatabase>
 #include <QFontMetrics>
 #include <QPainter>
 
@@ -113,15 +112,6 @@ void paintEntries(QPainter& painter, QRect area, const OverlayLegend& legend) {
 }
 
 } // namespace
-
-QFont numberFont(const QFont& font, double factor) {
-    QFont numbers = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    if (font.pixelSize() > 0)
-        numbers.setPixelSize(std::max(int(font.pixelSize() * factor), 1));
-    else
-        numbers.setPointSizeF(font.pointSizeF() * factor);
-    return numbers;
-}
 
 OverlayLegend makeOverlayLegend(const StatisticalMaps& maps, const OverlayThresholds& thresholds,
                                 const ContrastDefinitions& contrasts, const OverlayColors& colors,
