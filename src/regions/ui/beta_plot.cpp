@@ -11,6 +11,7 @@ BetaPlot::BetaPlot(RunSession& session, const RegionPlotSettings& settings, QWid
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(plotter_);
+    plotter_->setMinimumSize(80, 70);
     setToolTip("Betas of the region: percent of the baseline signal for each condition, with "
                "standard errors");
 }

@@ -2,6 +2,7 @@
 #include "regions/ui/region_plot_content.h"
 
 #include "dialogs/appearance.h"
+#include "display/plots/plot_colors.h"
 #include "display/plots/plot_drawing.h"
 #include "regions/time_course_statistics.h"
 
@@ -10,12 +11,8 @@
 
 namespace {
 
-const QColor markColor(0x9f, 0xb0, 0xc0); // of lines that mark a place
-
-std::span<const float> measured(const PlottedRegion& plotted) {
-    const int count = std::clamp(plotted.lastVolume + 1, 0, plotted.region.NrOfValues());
-    return std::span(plotted.region.TimeCourseValues).first(size_t(count));
-}
+const QColor& markColor = plotColors::quietText; // of lines that mark a place
+constexpr int smallestUnit = 3;                       // milliseconds, of a time axis
 
 QString voxelText(const PlottedRegion& plotted) {
     const int all = plotted.region.NrOfVoxels();
@@ -70,13 +67,12 @@ QColor shade(const QColor& color, size_t region) {
     return color.lighter(factors[region % std::size(factors)]);
 }
 
+/// Units of the time axis from one volume to the next.
 double averagingStep(int interval, float TR) {
     constexpr double millisecondsPerSecond = 1000.0;
     if (interval == averagingInSeconds)
         return double(TR) / millisecondsPerSecond;
-    return averagingTimeLabel(interval) == averagingTimeLabel(averagingInScans)
-               ? 1.0
-               : double(TR) / interval;
+    return interval < smallestUnit ? 1.0 : double(TR) / interval;
 }
 
 } // namespace
@@ -88,14 +84,19 @@ QString regionName(int number) {
 QString regionHeading(const PlottedRegion& plotted) {
     QString text = regionName(plotted.number) + " · " + voxelText(plotted) +
                    sliceText(plotted.region.voxels.z);
-    const double ratio = temporalSignalToNoise(measured(plotted));
+    const double ratio = temporalSignalToNoise(measuredCurve(plotted));
     if (ratio > 0)
         text += " · tSNR " + QString::number(ratio, 'f', 1);
     return text;
 }
 
+std::span<const float> measuredCurve(const PlottedRegion& plotted) {
+    const int count = std::clamp(plotted.lastVolume + 1, 0, plotted.region.NrOfValues());
+    return std::span(plotted.region.TimeCourseValues).first(size_t(count));
+}
+
 std::vector<float> shownCurve(const PlottedRegion& plotted, const TimeCourseDisplay& display) {
-    const std::span<const float> values = measured(plotted);
+    const std::span<const float> values = measuredCurve(plotted);
     std::vector<float> curve =
         display.detrended ? detrended(values) : std::vector<float>(values.begin(), values.end());
     return display.percent ? percentOfMean(curve) : curve;
@@ -148,11 +149,11 @@ PlotContent betaContent(const PlottedRegion& plotted, const DesignMatrix& design
     const RegionOfInterest& region = plotted.region;
     PlotContent content;
     content.title = regionName(plotted.number);
-    content.yRange = range;
     if (region.predictorsInFit == 0 || region.ROIBetas.empty()) {
         content.note = "No model yet";
         return content;
     }
+    content.yRange = range;
     const double factor = percentFactor(region, design);
     content.yLabel = factor == 1.0 ? "Beta" : "Beta (%)";
     const size_t conditions =
@@ -187,8 +188,13 @@ std::optional<PlotRange> roundedRange(const std::vector<std::vector<float>>& cur
     return PlotRange{std::floor(range->from / step) * step, std::ceil(range->to / step) * step};
 }
 
+int averagingInterval(AveragingTimeAxis axis, float TR) {
+    if (axis == AveragingTimeAxis::Scans || !(TR >= float(smallestUnit)))
+        return averagingInScans;
+    return axis == AveragingTimeAxis::Seconds ? averagingInSeconds : int(std::lround(TR));
+}
+
 QString averagingTimeLabel(int interval) {
-    constexpr int smallestUnit = 3; // milliseconds
     if (interval == averagingInSeconds)
         return "Time (sec)";
     return interval < smallestUnit ? QString("Time (scans)")

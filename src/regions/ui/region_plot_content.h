@@ -31,7 +31,9 @@ struct TimeCourseDisplay {
 /// and is left out where there is none.
 [[nodiscard]] QString regionHeading(const PlottedRegion& plotted);
 
-/// The curve up to the last valid volume, in percent and without its trend as wanted.
+/// The signal up to the last valid volume, as it was measured.
+[[nodiscard]] std::span<const float> measuredCurve(const PlottedRegion& plotted);
+/// The same in percent and without its trend, as wanted.
 [[nodiscard]] std::vector<float> shownCurve(const PlottedRegion& plotted,
                                             const TimeCourseDisplay& display);
 /// The intervals of all conditions, in volumes from 1; a volume reaches half a volume to both sides
@@ -52,9 +54,14 @@ struct TimeCourseDisplay {
 /// The range of all finite values, widened to round numbers; nothing without values.
 [[nodiscard]] std::optional<PlotRange> roundedRange(const std::vector<std::vector<float>>& curves);
 
-/// The time axis of an average: one of these, or the milliseconds of a unit, at least 3.
+/// The unit of the time axis of an average.
+enum class AveragingTimeAxis { Scans, Seconds, UnitsOfTR };
+
+/// As a number: one of these, or the milliseconds of the unit, which are at least 3.
 inline constexpr int averagingInScans = -1;
 inline constexpr int averagingInSeconds = -2;
+/// `TR` in milliseconds; without one the axis is in scans.
+[[nodiscard]] int averagingInterval(AveragingTimeAxis axis, float TR);
 
 [[nodiscard]] QString averagingTimeLabel(int interval);
 [[nodiscard]] QString averagingValueLabel(bool percent);

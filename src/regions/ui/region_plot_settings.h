@@ -14,5 +14,5 @@ struct RegionPlotSettings {
     bool commonBetaScale = false;
     PlotRange betaRange{-1.0, 3.0}; ///< of all beta plots with the common scale
     AveragingWindow averaging;
-    int averagingInterval = averagingInScans;
+    AveragingTimeAxis timeAxis = AveragingTimeAxis::Scans;
 };

@@ -8,7 +8,6 @@
 #include "regions/ui/session_region.h"
 #include "ui_time_course_plot_dialog.h"
 
-#include <QAction>
 
 TimeCoursePlotDlg::TimeCoursePlotDlg(RunSession& session, RegionPlotSettings& settings,
                                      QWidget* parent)
@@ -17,12 +16,12 @@ TimeCoursePlotDlg::TimeCoursePlotDlg(RunSession& session, RegionPlotSettings& se
     ui_->setupUi(this);
     connect(ui_->ShowOptionsBtn, &QToolButton::clicked, this,
             &TimeCoursePlotDlg::slotToggleOptions);
-    connect(ui_->PercentOp, &QToolButton::clicked, this, &TimeCoursePlotDlg::unitChanged);
-    connect(ui_->GridOp, &QToolButton::clicked, this, &TimeCoursePlotDlg::showGrid);
-    connect(ui_->ProtocolOp, &QToolButton::clicked, this, &TimeCoursePlotDlg::showProtocol);
-    connect(ui_->LegendOp, &QToolButton::clicked, this, &TimeCoursePlotDlg::refresh);
-    connect(ui_->SaveBitmapBtn, &QToolButton::clicked, this, &TimeCoursePlotDlg::slotSaveAsBMP);
-    connect(ui_->HelpBtn, &QToolButton::clicked, this, &TimeCoursePlotDlg::slotShowHelpHTML);
+    connect(ui_->PercentOp, &QAction::triggered, this, &TimeCoursePlotDlg::unitChanged);
+    connect(ui_->GridOp, &QAction::triggered, this, &TimeCoursePlotDlg::showGrid);
+    connect(ui_->ProtocolOp, &QAction::triggered, this, &TimeCoursePlotDlg::showProtocol);
+    connect(ui_->LegendOp, &QAction::triggered, this, &TimeCoursePlotDlg::refresh);
+    connect(ui_->SaveBitmapAction, &QAction::triggered, this, &TimeCoursePlotDlg::slotSaveAsBMP);
+    connect(ui_->HelpAction, &QAction::triggered, this, &TimeCoursePlotDlg::slotShowHelpHTML);
     wrapToolTips(*this);
     init();
 }
@@ -31,7 +30,7 @@ TimeCoursePlotDlg::~TimeCoursePlotDlg() = default;
 
 void TimeCoursePlotDlg::init() {
     ui_->PercentOp->setChecked(false);
-    for (QToolButton* option : {ui_->GridOp, ui_->ProtocolOp, ui_->LegendOp})
+    for (QAction* option : {ui_->GridOp, ui_->ProtocolOp, ui_->LegendOp})
         option->setChecked(true);
     ui_->ShowOptionsBtn->setChecked(false);
     ui_->PlotOptions->hide();
@@ -40,7 +39,7 @@ void TimeCoursePlotDlg::init() {
 }
 
 void TimeCoursePlotDlg::cleanUp() {
-    delete AveragingWindow;
+    releaseAveragingWindow();
     number_ = -1;
     clearPlot();
 }
@@ -104,9 +103,30 @@ void TimeCoursePlotDlg::slotShowHelpHTML() {
     openHelpFile(session_.settings.ParadigmHelpFile);
 }
 
-void TimeCoursePlotDlg::openAveragingWindow() {}
+void TimeCoursePlotDlg::openAveragingWindow() {
+    if (!AveragingWindow) {
+        AveragingWindow = new AveragingPlotDlg(session_, settings_, this);
+        connect(AveragingWindow, &AveragingPlotDlg::edited, this, &TimeCoursePlotDlg::drawAverages);
+    }
+    showInFront(*AveragingWindow);
+    drawAverages();
+}
 
-void TimeCoursePlotDlg::drawAverages() {}
+void TimeCoursePlotDlg::drawAverages() {
+    if (!AveragingWindow)
+        showModelessWarning("INTERNAL ERROR: Plot dialog not available!");
+    else if (!AveragingWindow->draw())
+        releaseAveragingWindow();
+}
+
+// Deferred, since one of its own controls may have led here.
+void TimeCoursePlotDlg::releaseAveragingWindow() {
+    if (!AveragingWindow)
+        return;
+    AveragingWindow->hide();
+    AveragingWindow->deleteLater();
+    AveragingWindow.clear();
+}
 
 void TimeCoursePlotDlg::showEvent(QShowEvent*) {
     if (outdated_)

@@ -8,7 +8,7 @@
 #include <QWidget>
 #include <memory>
 
-class Plot2DDlg;
+class AveragingPlotDlg;
 class RunSession;
 
 namespace Ui {
@@ -41,7 +41,7 @@ public:
     /// Draws the averages of the regions of the session. Without the window, or with too many
     /// trials, a message is shown and the window released.
     void drawAverages();
-    QPointer<Plot2DDlg> AveragingWindow;
+    QPointer<AveragingPlotDlg> AveragingWindow;
 
 Q_SIGNALS:
     /// The operator chose another unit, which the common range depends on.
@@ -68,6 +68,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void releaseAveragingWindow();
     [[nodiscard]] TimeCourseDisplay display() const;
     void showHeading(const QString& text, const QColor& color);
 

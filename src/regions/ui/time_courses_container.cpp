@@ -149,7 +149,7 @@ void TimeCoursesContainer::arrange() {
             grid->addWidget(slot, i / columns, i % columns);
         slot->setVisible(i < used);
     }
-    ui_->Slots->setVisible(used > 0);
+    ui_->SlotsArea->setVisible(used > 0);
     ui_->NoRegionsLbl->setVisible(used == 0);
     ui_->AverageBtn->setEnabled(used > 0);
 }
