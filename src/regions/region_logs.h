@@ -17,14 +17,18 @@
 [[nodiscard]] QByteArray timePointText(const Regions& regions, int condition);
 
 /// The extended time course (.ert): the voxels of each region with their values in this volume.
-/// `samples` are those of the volume, of this size.
+/// `samples` are those of the volume, of this size, and hold all voxels. The mean is that of the
+/// volume, or of the last one in the curve if that is shorter.
 [[nodiscard]] QByteArray extendedTimeCourseText(const Regions& regions, int volumeIndex,
                                                 std::span<const int16_t> samples,
                                                 const VolumeSize& size);
 
-/// The beta time course (.btc).
+/// The beta time course (.btc). A region with fewer betas than the design has predictors is left
+/// out, though its number counts; one without a fit, or whose constant is at most 0.01 in
+/// magnitude, has no line of betas.
 [[nodiscard]] QByteArray betaTimeCourseText(const Regions& regions, const DesignMatrix& design,
                                             int volumeIndex);
 
-/// Appends to a log and flushes it, or with `create` replaces it. False when that fails.
+/// Appends to a log and flushes it, or with `create` replaces it. False when that fails, or when
+/// `path` is a folder, a pipe or a device. The folder must exist.
 [[nodiscard]] bool appendToLog(const QString& path, const QByteArray& text, bool create);
