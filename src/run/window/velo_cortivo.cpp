@@ -222,7 +222,7 @@ void VeloCortivo::tellLater(const char* entry) {
 }
 
 void VeloCortivo::slotShowMotionPlot() {
-    openMotionPlot(session_, *this);
+    // openMotionPlot(session_, *this);
 }
 
 void VeloCortivo::slotShowLicenseInfoDlg() {
