@@ -56,12 +56,35 @@ void ViewPanel::refreshButtons() {
 void ViewPanel::update(bool keepFocus) {
     if (!functionalView_ || !functionalView_->isVisible())
         return;
-    functionalView_->setShowInplanes(session_.requests.pendingOverlayInplane == 1);
-    functionalView_->setOverlayShown(session_.report.mapsPresent);
-    functionalView_->setHelpFile(session_.settings.ParadigmHelpFile);
-    functionalView_->slotDocumentChanged();
+    showCurrentState();
     if (!keepFocus)
         functionalView_->setFocus();
+}
+
+void ViewPanel::showCurrentState() {
+    const OperatorRequests& requests = session_.requests;
+    functionalView_->setShowInplanes(requests.pendingOverlayInplane == 1);
+    functionalView_->setOverlayShown(session_.report.mapsPresent);
+    functionalView_->setHelpFile(session_.settings.ParadigmHelpFile);
+    functionalView_->setRegionMarking(
+        {.style = roiDisplayStyle_,
+         .colors = session_.regionColors,
+         .MultiSliceROISelection = session_.settings.MultiSliceROISelection,
+         .bestVoxelSelection = requests.regions.BestVoxelSelection});
+    const int measured = recordedVolumes(session_.report, session_.functionalDocument->project);
+    functionalView_->setVolumeReadOut(
+        requests.overlayVolumeMode == 0 || measured == 0 ? firstVolumeAsRead : measured - 1);
+    functionalView_->slotDocumentChanged();
+}
+
+void ViewPanel::setROIDisplayStyle(RoiDisplayStyle style) {
+    roiDisplayStyle_ = style;
+    if (documentShown())
+        showCurrentState();
+}
+
+bool ViewPanel::cancelDrag() {
+    return functionalView_ && functionalView_->cancelDrag();
 }
 
 void ViewPanel::showSlices() {
@@ -90,9 +113,18 @@ void ViewPanel::documentsArrived(QtCortivoDoc& functional) {
     functionalView_->setObjectName("FunctionalView");
     layout()->addWidget(functionalView_);
     functionalView_->hide();
+    connect(functionalView_, &QtCortivoView::rectangleSelected, this,
+            [this](const VoxelRectangle& rectangle) {
+                (void)session_.regions.selectRectangle(rectangle);
+            });
 }
 
 void ViewPanel::runPrepared(QtCortivoDoc&) {
     functionalView_->show();
     refreshButtons();
+}
+
+void ViewPanel::regionsChanged(QtCortivoDoc&) {
+    if (documentShown())
+        showCurrentState();
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "display/region_marks.h"
 #include "run/loop/run_listeners.h"
 
 #include <QFrame>
@@ -28,19 +29,26 @@ public:
     void showSlices();
     void focusSlices();
     void saveAsBMP();
+    void setROIDisplayStyle(RoiDisplayStyle style);
+    /// True when a rectangle was being dragged on the slices; it is given up.
+    bool cancelDrag();
 
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override;
     void runPrepared(QtCortivoDoc& functional) override;
+    void regionsChanged(QtCortivoDoc& functional) override;
 
 Q_SIGNALS:
     void slicesWanted();
 
 private:
     void createButtons(QWidget* parent);
+    /// Passes on what the session has, and has the view repainted.
+    void showCurrentState();
 
     RunSession& session_;
     QtCortivoView* functionalView_ = nullptr;
+    RoiDisplayStyle roiDisplayStyle_ = RoiDisplayStyle::RectanglesAndMarkedVoxels;
     QToolButton* slices_ = nullptr;
     /// Buttons of views that don't exist yet.
     QToolButton* volume_ = nullptr;

@@ -48,7 +48,7 @@ void appendVoxels(QByteArray& text, const VoxelList& voxels, std::span<const int
 QString betaLine(const RegionOfInterest& region, const DesignMatrix& design) {
     constexpr float smallestConstant = 0.01f;
     constexpr float smallestBeta = 1e-05f;
-    const auto conditions = size_t(std::max(design.NrOfConditionPredictors, 0));
+    const auto conditions = size_t(design.NrOfConditionPredictors);
     if (region.predictorsInFit == 0 || region.ROIBetas.size() <= conditions ||
         !(std::abs(region.ROIBetas[conditions]) > smallestConstant))
         return {};
@@ -77,8 +77,9 @@ QByteArray timePointText(const Regions& regions, int condition) {
 }
 
 QByteArray extendedTimeCourseText(const Regions& regions, int volumeIndex,
-                                  std::span<const int16_t> samples, const VolumeSize& size) {
-    QByteArray text = volumeIndex == 0 ? "FileVersion: 1\n\n\n" : "";
+                                  std::span<const int16_t> samples, const VolumeSize& size,
+                                  bool withHead) {
+    QByteArray text = withHead ? "FileVersion: 1\n\n\n" : "";
     text += formatted("TimePoint:   %i\n\n", volumeIndex + 1);
     text += formatted("NrOfROIs:    %i\n\n", regions.count());
     for (int r = 0; r < regions.count(); ++r) {
@@ -91,10 +92,11 @@ QByteArray extendedTimeCourseText(const Regions& regions, int volumeIndex,
     return text + "\n\n";
 }
 
-QByteArray betaTimeCourseText(const Regions& regions, const DesignMatrix& design, int volumeIndex) {
+QByteArray betaTimeCourseText(const Regions& regions, const DesignMatrix& design, int volumeIndex,
+                              bool withHead) {
     QByteArray text;
     QTextStream stream(&text);
-    if (volumeIndex == 0)
+    if (withHead)
         stream << "FileVersion:    1\n"
                << "BetaMode:       PercentToBaseline\n\n";
     stream << "TimePoint:      " << volumeIndex + 1 << '\n';

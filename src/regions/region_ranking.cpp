@@ -68,7 +68,7 @@ void rankROIVoxels(Regions& regions, const GLMState& glm, const DesignMatrix& de
     for (int i = 0; i < regions.count(); ++i) {
         RegionOfInterest& region = regions[i];
         region.SortedVoxelList.clear();
-        if (region.TopVoxelRatio >= 1.0f || region.NrOfVoxels() < 2)
+        if (!(region.TopVoxelRatio < 1.0f) || region.NrOfVoxels() < 2)
             continue;
         if (region.TopVoxelSelectionMode == allPredictors) {
             region.SortedVoxelList = ranking(region, model.conditions, model.constant, size);

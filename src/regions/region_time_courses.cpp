@@ -36,10 +36,10 @@ RegionOfInterest& createROIFromVoxels(Regions& regions, const FMRProject& projec
 
 std::span<const int> voxelsInUse(const RegionOfInterest& region, bool bestVoxelSelection) {
     const size_t listed = region.SortedVoxelList.size();
-    if (!bestVoxelSelection || region.NrOfVoxels() < 2 || region.TopVoxelRatio >= 1.0f ||
+    if (!bestVoxelSelection || region.NrOfVoxels() < 2 || !(region.TopVoxelRatio < 1.0f) ||
         listed == 0)
         return {};
-    const double wanted = std::round(double(region.NrOfVoxels()) * double(region.TopVoxelRatio));
+    const double wanted = std::round(float(region.NrOfVoxels()) * region.TopVoxelRatio);
     return std::span(region.SortedVoxelList).first(size_t(std::clamp(wanted, 1.0, double(listed))));
 }
 

@@ -62,9 +62,12 @@ private:
         return false;
     }
 
+    /// Stays where it is after a fault, so that the line of the fault is known.
+    int integer() { return good() ? stream_.integer() : 0; }
+
     int integerAfter(const char* key) {
         if (nextIs(key))
-            return stream_.integer();
+            return integer();
         fail(QStringLiteral("\"%1\" is missing").arg(key));
         return 0;
     }
@@ -77,9 +80,9 @@ private:
         withVoxels_ = integerAfter("SaveVoxelsInROIs:") != 0;
         // What the regions bring along is seen from their own keys.
         if (nextIs("SaveSortedVoxelList:"))
-            stream_.integer();
+            integer();
         if (nextIs("SaveROIMaxPSC:"))
-            stream_.integer();
+            integer();
         const int nrOfWindows = integerAfter("NrOfTCPlots:");
         if (nrOfWindows < 0)
             fail(QStringLiteral("a negative number of regions"));
@@ -111,9 +114,9 @@ private:
         if (withVoxels_)
             readVoxels(region);
         if (nextIs("TopVoxelRatio:"))
-            region.TopVoxelRatio = std::clamp(float(stream_.integer()) / 100.0f, 0.0f, 1.0f);
+            region.TopVoxelRatio = std::clamp(float(integer()) / 100.0f, 0.0f, 1.0f);
         if (nextIs("TopVoxelSelectionMode:"))
-            region.TopVoxelSelectionMode = stream_.integer();
+            region.TopVoxelSelectionMode = integer();
         if (withVoxels_ && nextIs("SortedVoxelList:"))
             readSortedList(region.SortedVoxelList);
         if (saved_.regions.size() == maximumSavedRegions)
@@ -149,9 +152,9 @@ private:
         for (int& position : newPositions_) {
             if (!good())
                 return;
-            const int x = stream_.integer();
-            const int y = stream_.integer();
-            const int z = nrOfCoordinates() == 3 ? stream_.integer() : region.rectangle.slice;
+            const int x = integer();
+            const int y = integer();
+            const int z = nrOfCoordinates() == 3 ? integer() : region.rectangle.slice;
             if (isInside(size_, x, y, z)) {
                 position = int(voxels.size());
                 voxels.append(x, y, z);
@@ -166,7 +169,7 @@ private:
         std::vector<bool> named(newPositions_.size());
         bool valid = true;
         for (size_t i = 0; i < named.size() && good(); ++i) {
-            const int position = stream_.integer();
+            const int position = integer();
             valid = valid && position >= 0 && size_t(position) < named.size() &&
                     !named[size_t(position)];
             if (!valid)
@@ -292,7 +295,7 @@ bool readROIFile(const QString& fileName, const VolumeSize& size, SavedRegions& 
     case RoiFileResult::Ok:
         break;
     }
-    if (saved.regions.empty()) {
+    if (saved.regions.empty() && saved.regionsOutside > 0) {
         showWarning(QStringLiteral("WARNING: The regions-of-interest file \"%1\" holds no region "
                                    "that lies in the volumes of this run.")
                         .arg(fileName));

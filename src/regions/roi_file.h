@@ -48,7 +48,8 @@ enum class RoiFileResult { Ok, IncompatibleVersion, Damaged, OutOfMemory };
 [[nodiscard]] QByteArray roiFileText(const Regions& regions, const RegionOptions& options);
 
 /// Reads the file, with its messages. False after one: it can't be opened, has an unknown version,
-/// is damaged, or holds no region for this volume. Voxels outside are reported.
+/// is damaged, or has all its regions outside the volume. A file may hold no regions. Voxels
+/// outside are reported.
 [[nodiscard]] bool readROIFile(const QString& fileName, const VolumeSize& size,
                                SavedRegions& saved);
 /// Writes it. False after a message.

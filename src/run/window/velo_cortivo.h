@@ -15,9 +15,6 @@
 
 #include <QWidget>
 
-/// How regions are marked in the slices, in the order of Ctrl+R.
-enum class RoiDisplayStyle { Rectangles = 0, RectanglesAndMarkedVoxels = 1, MarkedVoxels = 2 };
-
 /// A facade over its parts: panels, menus, keys and frame here, and the session, which knows no
 /// widgets. A slot is one line that calls an operation of one of them.
 class VeloCortivo : public QWidget,
