@@ -109,9 +109,17 @@ void TimeCoursePlotDlg::showHeading(const QString& text, const QColor& color) {
     fitHeading();
 }
 
+// Whole parts are left out, since half a number would be a wrong one: those in the middle first.
 void TimeCoursePlotDlg::fitHeading() {
     QLabel* label = ui_->RegionInfoLbl;
-    label->setText(label->fontMetrics().elidedText(heading_, Qt::ElideRight, label->width()));
+    const QString separator = " · ";
+    QStringList parts = heading_.split(separator);
+    const auto tooWide = [&] {
+        return label->fontMetrics().horizontalAdvance(parts.join(separator)) > label->width();
+    };
+    while (parts.size() > 1 && tooWide())
+        parts.removeAt(std::max(parts.size() - 2, qsizetype(1)));
+    label->setText(parts.join(separator));
 }
 
 void TimeCoursePlotDlg::slotToggleOptions() {

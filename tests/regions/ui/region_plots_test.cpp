@@ -66,6 +66,22 @@ TEST_F(RegionPlots, HeadingsSayWhatARegionIs) {
     EXPECT_FALSE(regionOfSession(session, 2));
 }
 
+TEST_F(RegionPlots, HeadingsLeaveOutWhatHasNoRoom) {
+    addRegions(1);
+    auto* label = find<QLabel>("RegionInfoLbl");
+    const QString whole = label->text();
+    EXPECT_TRUE(whole.startsWith("ROI 1 · 31 voxels · slice 9 · tSNR ")) << whole.toStdString();
+    for (const auto& [missing, shown] :
+         {std::pair(" · slice 9", 1), {" · 31 voxels · slice 9", 1}, {"", 0}}) {
+        const QString text = shown ? QString(whole).remove(missing) : QString("ROI 1");
+        label->resize(label->fontMetrics().horizontalAdvance(text) + 1, label->height());
+        document->regions[0].voxels.append(1, 1, 8); // another heading
+        passVolume();
+        EXPECT_EQ(label->text().count("·"), text.count("·"));
+        EXPECT_EQ(label->text().contains("tSNR"), shown == 1);
+    }
+}
+
 TEST_F(RegionPlots, CurvesStandOnTheProtocol) {
     addRegions(1);
     const PlotContent& content = contentOf("TimeCourse1");
@@ -263,7 +279,7 @@ TEST_F(RegionPlots, RangesAreOwnOrCommon) {
     EXPECT_LT(contentOf("TimeCourse2").yRange->to, 10.0);
     find<QRadioButton>("IndividualTCScalingOp")->click();
     EXPECT_FALSE(contentOf("TimeCourse1").yRange);
-    find<QPushButton>("CloseBtn")->click();
+    find<QPushButton>("CloseOptionsBtn")->click();
     EXPECT_FALSE(dialog->isVisible());
 }
 
