@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/appearance.h"
 
+#include <QFontDatabase>
 #include <QPainter>
 #include <QScreen>
 #include <QWidget>
@@ -53,6 +54,20 @@ QIcon colorIcon(const RgbColor& color, QSize size) {
     return icon;
 }
 
+QFont scaledFont(QFont font, double factor) {
+    if (font.pixelSize() > 0)
+        font.setPixelSize(std::max(int(font.pixelSize() * factor), 1));
+    else
+        font.setPointSizeF(font.pointSizeF() * factor);
+    return font;
+}
+
+QFont numberFont(const QFont& font, double factor) {
+    QFont numbers = scaledFont(font, factor);
+    numbers.setFamilies(QFontDatabase::systemFont(QFontDatabase::FixedFont).families());
+    return numbers;
+}
+
 QString windowStyleSheet() {
     return QStringLiteral(R"(
 #ImageView { background: #05080b; border: 0; }
@@ -83,6 +98,10 @@ QToolButton:checked, QPushButton:checked { background: #1f4b47; border-color: #2
 QToolButton:disabled, QPushButton:disabled { background: #151d27; border-color: #232f3c;
     color: #667585; }
 #RecordBtn { padding: 2px; }
+#TimeCoursesContainer QToolButton { padding: 1px 7px; border-radius: 4px; }
+#TimeCoursesContainer QToolBar { border: 0; padding: 0; spacing: 2px; background: transparent; }
+#TimeCoursesContainer #ShowOptionsBtn { padding: 0 4px; }
+#qt_toolbar_ext_button { padding: 0; min-width: 14px; }
 QCheckBox { spacing: 8px; }
 QCheckBox::indicator { width: 20px; height: 16px; image: url(:/images/contrast_off.png); }
 QCheckBox::indicator:checked { image: url(:/images/contrast_on.png); }

@@ -9,6 +9,7 @@
 #include <QRect>
 #include <QString>
 
+class QFont;
 class QWidget;
 
 [[nodiscard]] QPalette darkPalette();
@@ -16,6 +17,9 @@ class QWidget;
 [[nodiscard]] QColor toQColor(const RgbColor& color);
 /// A framed colour swatch, which looks the same in a selected row.
 [[nodiscard]] QIcon colorIcon(const RgbColor& color, QSize size);
+[[nodiscard]] QFont scaledFont(QFont font, double factor);
+/// The system's fixed-width font at the size of `font` times `factor`, for numbers that change.
+[[nodiscard]] QFont numberFont(const QFont& font, double factor = 1.0);
 /// Style sheet of the main window's panels and controls.
 [[nodiscard]] QString windowStyleSheet();
 /// Makes the tool tips of all controls below `root` HTML, which wraps: as one line a long tool tip

@@ -3,7 +3,6 @@
 
 #include "display/slice_mosaic.h"
 
-#include <QFontDatabase>
 #include <QFontMetrics>
 #include <QPainter>
 
@@ -115,15 +114,6 @@ QString statisticOf(MapKind kind) {
     if (kind == MapKind::F)
         return "F";
     return kind == MapKind::Correlation || kind == MapKind::CrossCorrelation ? "R" : "t";
-}
-
-QFont numberFont(const QFont& font, double factor) {
-    QFont numbers = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    if (font.pixelSize() > 0)
-        numbers.setPixelSize(std::max(int(font.pixelSize() * factor), 1));
-    else
-        numbers.setPointSizeF(font.pointSizeF() * factor);
-    return numbers;
 }
 
 OverlayLegend makeOverlayLegend(const StatisticalMaps& maps, const OverlayThresholds& thresholds,

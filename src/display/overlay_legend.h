@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dialogs/appearance.h"
 #include "stats/overlay_colors.h"
 #include "stats/thresholds.h"
 
@@ -55,6 +56,3 @@ struct OverlayLegend {
 /// its size.
 void paintOverlayLegend(QPainter& painter, const QRect& area, const OverlayLegend& legend,
                         const QFont& font);
-
-/// The system's fixed-width font at the size of `font` times `factor`.
-[[nodiscard]] QFont numberFont(const QFont& font, double factor = 1.0);

@@ -22,7 +22,7 @@ struct RegionModel {
 std::vector<int> columnsAt(const DesignMatrix& design, int volumeIndex) {
     if (!design.PredictorOnsets.empty())
         return activePredictorsAt(design, volumeIndex);
-    std::vector<int> all(size_t(std::clamp(design.NrOfPredictors, 0, design.maximumPredictors)));
+    std::vector<int> all(size_t(design.NrOfPredictors));
     std::iota(all.begin(), all.end(), 0);
     return all;
 }

@@ -48,7 +48,7 @@ void appendVoxels(QByteArray& text, const VoxelList& voxels, std::span<const int
 QString betaLine(const RegionOfInterest& region, const DesignMatrix& design) {
     constexpr float smallestConstant = 0.01f;
     constexpr float smallestBeta = 1e-05f;
-    const auto conditions = size_t(std::max(design.NrOfConditionPredictors, 0));
+    const auto conditions = size_t(design.NrOfConditionPredictors);
     if (region.predictorsInFit == 0 || region.ROIBetas.size() <= conditions ||
         !(std::abs(region.ROIBetas[conditions]) > smallestConstant))
         return {};

@@ -136,6 +136,7 @@ TEST(EventRelatedAverage, TellsOfTooManyTrials) {
 TEST(TimeCourseStatistics, AgreeWithTheirClosedForms) {
     // Deviations -2, 0, 0, 2 about 50: a standard deviation of sqrt(8 / 3).
     EXPECT_NEAR(temporalSignalToNoise(std::vector<float>{48, 50, 50, 52}), 50 / 1.6329932, 1e-5);
+    EXPECT_NEAR(temporalSignalToNoise(std::vector<float>{6, 8}), 7 / 1.4142136, 1e-5);
     EXPECT_EQ(temporalSignalToNoise(std::vector<float>{7}), 0.0);
     EXPECT_EQ(temporalSignalToNoise(std::vector<float>(9, 0.1f)), 0.0);
 

@@ -136,9 +136,16 @@ TEST(ROIBetas, WithoutAModelAreZeroAndTheConstantsIsOne) {
     run.design.NrOfPredictors = 3;
     computeROIBetas(run.regions, run.design, true);
     expectUnfitted({0, 0, 1});
+    // The first condition begins after the end of a shorter curve between two long ones.
+    run.design.PredictorOnsets = {4, 30};
+    run.regions.add(region).CurrentTimePoint = 2;
+    run.regions.add(region);
+    computeROIBetas(run.regions, run.design, true);
+    EXPECT_EQ(run.regions[1].predictorsInFit, 0);
+    EXPECT_EQ(run.regions[2].ROIBetas, region.ROIBetas);
+    EXPECT_EQ(region.predictorsInFit, 3);
 
     // With as many volumes as columns the fit is exact, without degrees of freedom.
-    run.design.PredictorOnsets = {4, 30};
     region.CurrentTimePoint = 1;
     run.design.NrOfConfoundPredictors = 2;
     run.design.NrOfPredictors = 4;

@@ -61,19 +61,20 @@ TEST(RegionLogs, ExtendedTimeCoursesListTheVoxels) {
                "\n\n\n\n";
     };
     const auto textOf = [&](int volume) {
-        return extendedTimeCourseText(run.regions, volume, run.samples, size);
+        return extendedTimeCourseText(run.regions, volume, run.samples, size, volume == 0);
     };
     EXPECT_EQ(textOf(0), expected("FileVersion: 1\n\n\nTimePoint:   1\n\nNrOfROIs:    2\n\n",
                                   "1012.345642090"));
     EXPECT_EQ(textOf(1), expected("TimePoint:   2\n\nNrOfROIs:    2\n\n", "-0.500000000"));
     EXPECT_EQ(textOf(9), expected("TimePoint:   10\n\nNrOfROIs:    2\n\n", "1234567.875000000"));
-    EXPECT_EQ(extendedTimeCourseText({}, 4, {}, {}), "TimePoint:   5\n\nNrOfROIs:    0\n\n\n\n");
+    EXPECT_EQ(extendedTimeCourseText({}, 4, {}, {}, false),
+              "TimePoint:   5\n\nNrOfROIs:    0\n\n\n\n");
 }
 
 TEST(RegionLogs, BetaTimeCoursesLeaveOutWhatHasNoBetas) {
     LogRun run;
     const auto textOf = [&](int volume) {
-        return betaTimeCourseText(run.regions, run.design, volume);
+        return betaTimeCourseText(run.regions, run.design, volume, volume == 0);
     };
     const QByteArray first = "ROI:            1\nNrOfVoxels:     2\nNrOfCondBetas:  4\n";
     const QByteArray second = "ROI:            2\nNrOfVoxels:     1\nNrOfCondBetas:  4\n";

@@ -3,13 +3,9 @@
 #pragma once
 
 #include <QColor>
-#include <QRectF>
 #include <QString>
 #include <optional>
 #include <vector>
-
-class QFont;
-class QPainter;
 
 /// A curve of equally spaced points: point i stands at PlotContent::xStart + i * xStep.
 struct PlotCurve {

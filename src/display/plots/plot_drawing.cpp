@@ -1,2 +1,321 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "display/plots/plotter.h"
+#include "display/plots/plot_drawing.h"
+
+#include "display/plots/plot_colors.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double bandOpacity = 0.32;
+constexpr double gap = 4;
+
+/// Paints one plot whose parts are placed already.
+class PlotPainter {
+public:
+    PlotPainter(QPainter& painter, const PlotContent& content, const PlotLayout& layout)
+        : painter_(painter), content_(content), layout_(layout), axes_(layout.geometry.axes) {}
+
+    void paint();
+
+private:
+    void paintBands();
+    void paintGrid();
+    void paintLines();
+    void paintCurve(const PlotCurve& curve);
+    void paintCurveErrors(const PlotCurve& curve, int from, int to);
+    void paintBars();
+    void paintErrorBar(double x, double value, double error, double capHalf);
+    void paintFrame();
+    void paintNumbers();
+    void paintBarNames();
+    void paintLegend();
+    void paintLabels();
+    void paintNote();
+    void text(const QRectF& room, int alignment, const QString& text);
+    [[nodiscard]] double xOf(double value) const { return layout_.geometry.positionOfX(value); }
+    [[nodiscard]] double yOf(double value) const { return layout_.geometry.positionOfY(value); }
+    [[nodiscard]] double barWidth() const;
+    [[nodiscard]] QPointF place(const PlotCurve& curve, int index) const {
+        return {xOf(xOfPoint(content_, index)), yOf(double(curve.values[size_t(index)]))};
+    }
+
+    QPainter& painter_;
+    const PlotContent& content_;
+    const PlotLayout& layout_;
+    const QRectF axes_;
+};
+
+void PlotPainter::paint() {
+    paintBands();
+    if (content_.gridShown)
+        paintGrid();
+    painter_.save();
+    painter_.setClipRect(axes_);
+    paintBars();
+    for (const PlotCurve& curve : content_.curves)
+        paintCurve(curve);
+    painter_.restore();
+    paintFrame();
+    painter_.setFont(layout_.textFont);
+    paintLines();
+    paintBarNames();
+    paintLegend();
+    paintLabels();
+    if (!content_.note.isEmpty() && !hasData(content_))
+        paintNote();
+    painter_.setFont(layout_.numberFont);
+    paintNumbers();
+}
+
+/// Longer texts end in an ellipsis.
+void PlotPainter::text(const QRectF& room, int alignment, const QString& text) {
+    const QFontMetricsF metrics = painter_.fontMetrics();
+    painter_.drawText(room, alignment | Qt::TextSingleLine,
+                      metrics.elidedText(text, Qt::ElideRight, room.width()));
+}
+
+void PlotPainter::paintBands() {
+    for (const PlotBand& band : content_.bands) {
+        if (!std::isfinite(band.from) || !std::isfinite(band.to))
+            continue;
+        const double from = std::max(xOf(std::min(band.from, band.to)), axes_.left());
+        const double to = std::min(xOf(std::max(band.from, band.to)), axes_.right());
+        if (from > axes_.right() || to < axes_.left())
+            continue;
+        QColor color = band.color;
+        color.setAlphaF(float(bandOpacity));
+        const double width = std::max(to - from, 1.0); // a short interval can still be seen
+        painter_.fillRect(QRectF(from, axes_.top(), width, axes_.height()) & axes_, color);
+    }
+}
+
+void PlotPainter::paintGrid() {
+    painter_.setPen(QPen(plotColors::grid, 0));
+    for (const PlotTick& tick : layout_.xTicks)
+        painter_.drawLine(QLineF(xOf(tick.at), axes_.top(), xOf(tick.at), axes_.bottom()));
+    for (const PlotTick& tick : layout_.yTicks) {
+        painter_.setPen(QPen(tick.at == 0.0 ? plotColors::frame : plotColors::grid, 0));
+        painter_.drawLine(QLineF(axes_.left(), yOf(tick.at), axes_.right(), yOf(tick.at)));
+    }
+}
+
+void PlotPainter::paintLines() {
+    const double height = painter_.fontMetrics().height();
+    for (const PlotLine& line : content_.lines) {
+        const bool vertical = line.orientation == Qt::Vertical;
+        const PlotRange& range = vertical ? layout_.geometry.x : layout_.geometry.y;
+        if (!(line.at >= range.from && line.at <= range.to))
+            continue;
+        painter_.setPen(QPen(readableColor(line.color), 1));
+        if (vertical) {
+            const double x = xOf(line.at);
+            painter_.drawLine(QLineF(x, axes_.top(), x, axes_.bottom()));
+            // On the side with more room.
+            const bool left = x > axes_.center().x();
+            const QRectF room(left ? axes_.left() : x + gap, axes_.top(),
+                              (left ? x - axes_.left() : axes_.right() - x) - gap, height);
+            text(room, left ? Qt::AlignRight : Qt::AlignLeft, line.text);
+        } else {
+            const double y = yOf(line.at);
+            painter_.drawLine(QLineF(axes_.left(), y, axes_.right(), y));
+            const double top = y - height > axes_.top() ? y - height : y;
+            text(QRectF(axes_.left() + gap, top, axes_.width() - gap, height), Qt::AlignLeft,
+                 line.text);
+        }
+    }
+}
+
+void PlotPainter::paintErrorBar(double x, double value, double error, double capHalf) {
+    if (!std::isfinite(value) || !std::isfinite(error) || error == 0.0)
+        return;
+    const double upper = yOf(value + std::abs(error));
+    const double lower = yOf(value - std::abs(error));
+    painter_.drawLine(QLineF(x, upper, x, lower));
+    if (capHalf < 1)
+        return;
+    painter_.drawLine(QLineF(x - capHalf, upper, x + capHalf, upper));
+    painter_.drawLine(QLineF(x - capHalf, lower, x + capHalf, lower));
+}
+
+void PlotPainter::paintCurveErrors(const PlotCurve& curve, int from, int to) {
+    const double spacing = xOf(xOfPoint(content_, 1)) - xOf(xOfPoint(content_, 0));
+    const double capHalf = std::min(spacing / 4, 3.0);
+    QColor color = readableColor(curve.color);
+    color.setAlphaF(0.6f);
+    painter_.setPen(QPen(color, 1));
+    for (int i = from; i <= to; ++i)
+        paintErrorBar(xOf(xOfPoint(content_, i)), double(curve.values[size_t(i)]),
+                      double(curve.errors[size_t(i)]), capHalf);
+}
+
+void PlotPainter::paintCurve(const PlotCurve& curve) {
+    const int last = int(curve.values.size()) - 1;
+    // With the neighbours just outside, to which lines lead.
+    const int from =
+        int(std::clamp(pointNearX(content_, layout_.geometry.x.from) - 1, 0.0, double(last + 1)));
+    const int to =
+        int(std::clamp(pointNearX(content_, layout_.geometry.x.to) + 1, -1.0, double(last)));
+    if (curve.errors.size() == curve.values.size())
+        paintCurveErrors(curve, from, to);
+    const double width = std::clamp(curve.width, 0.5, 10.0);
+    const QColor color = readableColor(curve.color);
+    painter_.setPen(QPen(color, width, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+    QPolygonF run;
+    const auto finishRun = [&] {
+        if (run.size() == 1) {
+            const double size = std::max(2 * width, 3.0);
+            painter_.fillRect(QRectF(run[0] - QPointF(size, size) / 2, QSizeF(size, size)), color);
+        } else if (run.size() > 1) {
+            painter_.drawPolyline(run);
+        }
+        run.clear();
+    };
+    painter_.setRenderHint(QPainter::Antialiasing, true);
+    for (int i = from; i <= to; ++i) {
+        if (std::isfinite(curve.values[size_t(i)]))
+            run.append(place(curve, i));
+        else
+            finishRun();
+    }
+    finishRun();
+    painter_.setRenderHint(QPainter::Antialiasing, false);
+}
+
+double PlotPainter::barWidth() const {
+    return axes_.width() / (layout_.geometry.x.to - layout_.geometry.x.from);
+}
+
+void PlotPainter::paintBars() {
+    constexpr double share = 0.7;
+    const double width = std::max(barWidth() * share, 1.0);
+    const double zero = std::clamp(yOf(0.0), axes_.top(), axes_.bottom());
+    for (size_t i = 0; i < content_.bars.size(); ++i) {
+        const PlotBar& bar = content_.bars[i];
+        if (!std::isfinite(bar.value))
+            continue;
+        const double x = xOf(double(i));
+        const double top = yOf(double(bar.value));
+        painter_.fillRect(QRectF(QPointF(x - width / 2, std::min(top, zero)),
+                                 QPointF(x + width / 2, std::max(top, zero))),
+                          readableColor(bar.color));
+        painter_.setPen(QPen(plotColors::text, 1));
+        paintErrorBar(x, double(bar.value), double(bar.error), std::min(width / 4, 6.0));
+    }
+    if (content_.bars.empty())
+        return;
+    painter_.setPen(QPen(plotColors::quietText, 1));
+    painter_.drawLine(QLineF(axes_.left(), zero, axes_.right(), zero));
+}
+
+void PlotPainter::paintFrame() {
+    painter_.setPen(QPen(plotColors::frame, 1));
+    painter_.drawLine(axes_.bottomLeft(), axes_.bottomRight());
+    painter_.drawLine(axes_.topLeft(), axes_.bottomLeft());
+}
+
+void PlotPainter::paintNumbers() {
+    painter_.setPen(plotColors::quietText);
+    const QFontMetricsF metrics = painter_.fontMetrics();
+    const double line = metrics.height();
+    const double digit = metrics.horizontalAdvance('0');
+    for (const PlotTick& tick : layout_.xTicks) {
+        const double half = double(tick.text.size() + 1) * digit / 2;
+        painter_.drawText(QRectF(xOf(tick.at) - half, axes_.bottom() + 1, 2 * half, line),
+                          Qt::AlignCenter, tick.text);
+    }
+    for (const PlotTick& tick : layout_.yTicks) {
+        const double width = double(tick.text.size() + 1) * digit;
+        painter_.drawText(QRectF(axes_.left() - gap - width, yOf(tick.at) - line / 2, width, line),
+                          Qt::AlignRight | Qt::AlignVCenter, tick.text);
+    }
+}
+
+void PlotPainter::paintBarNames() {
+    const QFontMetricsF metrics = painter_.fontMetrics();
+    if (barWidth() < 2 * metrics.averageCharWidth())
+        return; // the read-out has the names
+    painter_.setPen(plotColors::quietText);
+    for (size_t i = 0; i < content_.bars.size(); ++i) {
+        const double width = barWidth() - 1;
+        text(QRectF(xOf(double(i)) - width / 2, axes_.bottom() + 1, width, metrics.height()),
+             Qt::AlignCenter, content_.bars[i].name);
+    }
+}
+
+void PlotPainter::paintLegend() {
+    for (const PlotLegendEntry& entry : layout_.legend) {
+        QColor color = readableColor(entry.color);
+        const double thickness = entry.isBand ? entry.mark.height() * 0.6 : 3;
+        if (entry.isBand)
+            color.setAlphaF(0.6f);
+        painter_.fillRect(QRectF(entry.mark.left(), entry.mark.center().y() - thickness / 2,
+                                 entry.mark.width(), thickness),
+                          color);
+        painter_.setPen(plotColors::text);
+        text(entry.text, Qt::AlignLeft | Qt::AlignVCenter, entry.name);
+    }
+}
+
+void PlotPainter::paintLabels() {
+    painter_.setPen(plotColors::text);
+    if (!layout_.title.isEmpty())
+        text(layout_.title, Qt::AlignLeft | Qt::AlignVCenter, content_.title);
+    painter_.setPen(plotColors::quietText);
+    if (!layout_.xLabel.isEmpty())
+        text(layout_.xLabel, Qt::AlignCenter, content_.xLabel);
+    if (layout_.yLabel.isEmpty())
+        return;
+    painter_.save();
+    painter_.translate(layout_.yLabel.left(), layout_.yLabel.bottom());
+    painter_.rotate(-90);
+    text(QRectF(0, 0, layout_.yLabel.height(), layout_.yLabel.width()), Qt::AlignCenter,
+         content_.yLabel);
+    painter_.restore();
+}
+
+void PlotPainter::paintNote() {
+    painter_.setPen(plotColors::text);
+    painter_.drawText(axes_.adjusted(gap, 0, -gap, 0), Qt::AlignCenter | Qt::TextWordWrap,
+                      content_.note);
+}
+
+} // namespace
+
+PlotGeometry paintPlot(QPainter& painter, const QRectF& area, const PlotContent& content,
+                       const QFont& font) {
+    return paintPlot(painter, area, content, {wholeXRange(content), wholeYRange(content)}, font);
+}
+
+PlotGeometry paintPlot(QPainter& painter, const QRectF& area, const PlotContent& content,
+                       const PlotRanges& ranges, const QFont& font) {
+    const PlotLayout layout = layOutPlot(area, content, ranges, font);
+    painter.save();
+    painter.fillRect(area, plotColors::background);
+    PlotPainter(painter, content, layout).paint();
+    painter.restore();
+    return layout.geometry;
+}
+
+QColor readableColor(const QColor& color) {
+    constexpr int leastBrightness = 70;
+    const int brightness = qGray(color.rgb());
+    if (brightness >= leastBrightness)
+        return color;
+    const double share = double(leastBrightness - brightness) / (255 - brightness);
+    const auto lighter = [&](int channel) { return int(channel + share * (255 - channel)); };
+    return {lighter(color.red()), lighter(color.green()), lighter(color.blue())};
+}
+
+double xOfPoint(const PlotContent& content, int index) {
+    return content.xStart + content.xStep * index;
+}
+
+double pointNearX(const PlotContent& content, double x) {
+    constexpr double largest = 1e9; // still an int
+    const double index = std::round((x - content.xStart) / content.xStep);
+    return std::isnan(index) ? 0.0 : std::clamp(index, -largest, largest);
+}

@@ -1,17 +1,12 @@
-// The widget of all plots.
+// The widget of all plots of curves and bars.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "display/plots/plot_canvas.h"
 #include "display/plots/plot_content.h"
 
-#include <QPixmap>
-#include <QWidget>
-
-/// Shows a plot from a backing store that is painted anew when the content, the size or the zoom
-/// changes. Dragging a rectangle zooms in, the wheel zooms around the pointer, a double click goes
-/// back; the values under the pointer are read out. Works by keys too: + and -, arrows to move,
-/// Home for the whole plot.
-class Plotter : public QWidget {
+/// Curves or bars, with the zoom, the read-out and the saving of a PlotCanvas.
+class Plotter : public PlotCanvas {
     Q_OBJECT
 
 public:
@@ -20,20 +15,19 @@ public:
     /// A zoom that the operator chose stays.
     void setContent(PlotContent content);
     [[nodiscard]] const PlotContent& content() const { return content_; }
-    /// The ranges that are shown now.
-    [[nodiscard]] PlotRange shownX() const;
-    [[nodiscard]] PlotRange shownY() const;
-    /// The picture as it is shown, without the read-out under the pointer.
-    [[nodiscard]] QPixmap picture();
-    /// The read-out at a place of the widget; empty outside the plot.
-    [[nodiscard]] QString readOutAt(QPoint position) const;
+    /// The point of the curves under the pointer with its values, or the bar, and the intervals
+    /// there.
+    [[nodiscard]] QString readOutAt(QPoint position) const override;
 
-public Q_SLOTS:
-    void zoomIn();
-    void zoomOut();
-    /// Saves the picture in the file that the operator chooses, without blocking a run.
-    void slotSaveAsBMP();
+protected:
+    [[nodiscard]] PlotRanges wholeRanges() const override { return whole_; }
+    [[nodiscard]] QSizeF leastWidths() const override;
+    [[nodiscard]] PlotGeometry geometryIn(const QRectF& area,
+                                          const PlotRanges& ranges) const override;
+    void paintContent(QPainter& painter, const QRectF& area, const PlotRanges& ranges) override;
+    void paintPointer(QPainter& painter, QPoint position) override;
 
 private:
     PlotContent content_;
+    PlotRanges whole_;
 };
