@@ -11,11 +11,12 @@
 #include <QToolButton>
 
 ViewPanel::ViewPanel(RunSession& session, QWidget* parent)
-    : QFrame(parent), session_(session), area_(new QMainWindow(this, Qt::Widget)) {
+    : QFrame(parent), session_(session), area_(new QMainWindow(this)) {
     setObjectName("ImageView");
     auto* frame = new QVBoxLayout(this);
     frame->setContentsMargins(2, 2, 2, 2);
     frame->addWidget(area_);
+    area_->setWindowFlags(Qt::Widget); // it is a window by birth
     auto* views = new QWidget(area_);
     (new QVBoxLayout(views))->setContentsMargins(0, 0, 0, 0);
     area_->setCentralWidget(views);

@@ -11,6 +11,7 @@
 #include "run/window/program_dialogs.h"
 #include "run/window/title_row.h"
 #include "run/window/window_layout.h"
+#include "stats/ui/contrast_list.h"
 #include "volume/ui/postprocessing_dialog.h"
 
 #include <QApplication>

@@ -60,6 +60,7 @@ public:
     ScriptedMessages messages;
     RecordedProgramEnd programEnd;
     bool keepsJournals = false;
+    bool followsRegions = true; ///< writes their logs and ranks their voxels
 
 private:
     QTemporaryDir folder_;

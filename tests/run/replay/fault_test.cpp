@@ -32,13 +32,14 @@ private:
 class Fault : public testing::Test {
 protected:
     Fault() : trial_({24, 6, HeadMotion::Drift, ProtocolKind::Prt}) {
+        trial_.followsRegions = false;
         trial_.run(-1, 0);
         expected_ = trial_.takeResults();
         // Only what the saving writes.
         for (const QString& name : expected_.keys())
             if (name.endsWith(".txt") || name.endsWith(".log"))
                 expected_.remove(name);
-        EXPECT_EQ(expected_.size(), 7);
+        EXPECT_EQ(expected_.size(), 8);
         CrashTrial::prepare(session_, trial_.path(""));
     }
     /// Runs it again; questions get this answer after `beforeAnswer`. The number of questions, and

@@ -98,16 +98,17 @@ TEST_F(MainWindow, ButtonsFollowWhatTheLookAtTheSettingsFileFinds) {
         {"AutoAdvanceRunBtn", &InputControls::preLoadPossible},
         {"AutoStartRunBtn", &InputControls::preLoadPossible}};
     for (const auto& [name, member] : buttons) {
-        InputControls controls{false, false, false, false, false, false};
+        InputControls controls{.preLoadPossible = false, .preLoadedRegions = {}};
         window_->showInputControls(controls);
         EXPECT_FALSE(control(name).isEnabled()) << name;
         controls.*member = true;
         window_->showInputControls(controls);
         EXPECT_TRUE(control(name).isEnabled()) << name;
     }
-    window_->showInputControls({.autoAdvanceRun = true});
+    window_->showInputControls({.autoAdvanceRun = true, .preLoadedRegions = "/rois/a&b.roi"});
     EXPECT_TRUE(control<QPushButton>("AutoAdvanceRunBtn").isChecked());
     EXPECT_FALSE(control<QPushButton>("AutoStartRunBtn").isChecked());
+    EXPECT_TRUE(control("AutoAdvanceRunBtn").toolTip().contains("/rois/a&amp;b.roi"));
 }
 
 TEST_F(MainWindow, MenusFollowThePhase) {

@@ -17,7 +17,8 @@
 
 namespace {
 
-constexpr InputControls allPossible{true, true, true, true, false, false};
+const InputControls allPossible{
+    .previousExists = true, .nextExists = true, .reloadPossible = true, .preLoadedRegions = {}};
 
 TEST_F(MainWindow, EachButtonAndEntryDoesWhatItSays) {
     const auto missing = [this](const char* name) {
@@ -111,7 +112,7 @@ TEST_F(MainWindow, NumbersGoToTheSessionWhenTheyAreFinished) {
         {"ClusterSizeSpBx", [&] { return double(thresholds.ClusterSizePixels); }, {"1", "9999"}},
         {"MultiSliceROISelectionSpBx",
          [&] { return double(window_->session().settings.MultiSliceROISelection); },
-         {"99", "0"},
+         {"99", "1"},
          false},
     };
     prepare(1);
