@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/plots/plot_drawing.h"
 
+#include "display/plots/curve_painting.h"
 #include "display/plots/plot_colors.h"
 
 #include <QFontMetricsF>
@@ -25,6 +26,7 @@ private:
     void paintBands();
     void paintGrid();
     void paintLines();
+    void paintLineText(const PlotLine& line, const QPointF& at);
     void paintCurve(const PlotCurve& curve);
     void paintCurveErrors(const PlotCurve& curve, int from, int to);
     void paintBars();
@@ -86,7 +88,7 @@ void PlotPainter::paintBands() {
         const double to = std::min(xOf(std::max(band.from, band.to)), axes_.right());
         if (from > axes_.right() || to < axes_.left())
             continue;
-        QColor color = band.color;
+        QColor color = readableColor(band.color);
         color.setAlphaF(float(bandOpacity));
         const double width = std::max(to - from, 1.0); // a short interval can still be seen
         painter_.fillRect(QRectF(from, axes_.top(), width, axes_.height()) & axes_, color);
@@ -104,29 +106,39 @@ void PlotPainter::paintGrid() {
 }
 
 void PlotPainter::paintLines() {
-    const double height = painter_.fontMetrics().height();
     for (const PlotLine& line : content_.lines) {
         const bool vertical = line.orientation == Qt::Vertical;
         const PlotRange& range = vertical ? layout_.geometry.x : layout_.geometry.y;
         if (!(line.at >= range.from && line.at <= range.to))
             continue;
+        const double x = xOf(line.at);
+        const double y = yOf(line.at);
         painter_.setPen(QPen(readableColor(line.color), 1));
-        if (vertical) {
-            const double x = xOf(line.at);
-            painter_.drawLine(QLineF(x, axes_.top(), x, axes_.bottom()));
-            // On the side with more room.
-            const bool left = x > axes_.center().x();
-            const QRectF room(left ? axes_.left() : x + gap, axes_.top(),
-                              (left ? x - axes_.left() : axes_.right() - x) - gap, height);
-            text(room, left ? Qt::AlignRight : Qt::AlignLeft, line.text);
-        } else {
-            const double y = yOf(line.at);
-            painter_.drawLine(QLineF(axes_.left(), y, axes_.right(), y));
-            const double top = y - height > axes_.top() ? y - height : y;
-            text(QRectF(axes_.left() + gap, top, axes_.width() - gap, height), Qt::AlignLeft,
-                 line.text);
-        }
+        painter_.drawLine(vertical ? QLineF(x, axes_.top(), x, axes_.bottom())
+                                   : QLineF(axes_.left(), y, axes_.right(), y));
+        if (!line.text.isEmpty())
+            paintLineText(line, vertical ? QPointF(x, axes_.top()) : QPointF(axes_.left(), y));
     }
+}
+
+/// Beside a vertical line, on the side with more room; above a horizontal one, or below it where it
+/// is at the top. Curves go on behind the text.
+void PlotPainter::paintLineText(const PlotLine& line, const QPointF& at) {
+    const QFontMetricsF metrics = painter_.fontMetrics();
+    const bool vertical = line.orientation == Qt::Vertical;
+    const bool before = vertical && at.x() > axes_.center().x();
+    const bool below = !vertical && at.y() - metrics.height() < axes_.top();
+    const double room = (before ? at.x() - axes_.left() : axes_.right() - at.x()) - 2 * gap;
+    const double width = std::min(metrics.horizontalAdvance(line.text) + 1, room);
+    if (width < metrics.averageCharWidth() * 2)
+        return;
+    const QRectF place(before ? at.x() - gap - width : at.x() + gap,
+                       vertical || below ? at.y() + 1 : at.y() - 1 - metrics.height(), width,
+                       metrics.height());
+    QColor ground = plotColors::background;
+    ground.setAlpha(170);
+    painter_.fillRect(place, ground);
+    text(place, Qt::AlignLeft | Qt::AlignVCenter, line.text);
 }
 
 void PlotPainter::paintErrorBar(double x, double value, double error, double capHalf) {
@@ -161,28 +173,16 @@ void PlotPainter::paintCurve(const PlotCurve& curve) {
         int(std::clamp(pointNearX(content_, layout_.geometry.x.to) + 1, -1.0, double(last)));
     if (curve.errors.size() == curve.values.size())
         paintCurveErrors(curve, from, to);
-    const double width = std::clamp(curve.width, 0.5, 10.0);
-    const QColor color = readableColor(curve.color);
-    painter_.setPen(QPen(color, width, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+    const CurvePen pen{readableColor(curve.color), std::clamp(curve.width, 0.5, 10.0)};
     QPolygonF run;
-    const auto finishRun = [&] {
-        if (run.size() == 1) {
-            const double size = std::max(2 * width, 3.0);
-            painter_.fillRect(QRectF(run[0] - QPointF(size, size) / 2, QSizeF(size, size)), color);
-        } else if (run.size() > 1) {
-            painter_.drawPolyline(run);
-        }
-        run.clear();
-    };
-    painter_.setRenderHint(QPainter::Antialiasing, true);
-    for (int i = from; i <= to; ++i) {
-        if (std::isfinite(curve.values[size_t(i)]))
+    for (int i = from; i <= to + 1; ++i) {
+        if (i <= to && std::isfinite(curve.values[size_t(i)])) {
             run.append(place(curve, i));
-        else
-            finishRun();
+        } else if (!run.isEmpty()) {
+            paintCurveRun(painter_, run, axes_, pen);
+            run.clear();
+        }
     }
-    finishRun();
-    painter_.setRenderHint(QPainter::Antialiasing, false);
 }
 
 double PlotPainter::barWidth() const {
@@ -301,7 +301,7 @@ PlotGeometry paintPlot(QPainter& painter, const QRectF& area, const PlotContent&
 }
 
 QColor readableColor(const QColor& color) {
-    constexpr int leastBrightness = 70;
+    constexpr int leastBrightness = 100;
     const int brightness = qGray(color.rgb());
     if (brightness >= leastBrightness)
         return color;

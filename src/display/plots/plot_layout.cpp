@@ -160,8 +160,9 @@ PlotLayout layOutPlot(const QRectF& area, const PlotContent& content, const Plot
     (void)room.takeTop(numbers.height() / 2); // half of the uppermost number stands above
     room.dropRight(digit * 2);
 
-    const int yCount = std::clamp(int(room.rest().height() / (2.2 * numbers.height())), 2, 10);
-    layout.yTicks = ticksOf(ranges.y, yCount);
+    const int yCount = std::clamp(int(room.rest().height() / (1.6 * numbers.height())), 2, 9);
+    if (hasData(content) || content.yRange)
+        layout.yTicks = ticksOf(ranges.y, yCount);
     const double leastCharacters = small ? 4 : 5;
     (void)room.takeLeft(std::max(double(longestText(layout.yTicks)), leastCharacters) * digit +
                         gap);
@@ -174,11 +175,9 @@ PlotLayout layOutPlot(const QRectF& area, const PlotContent& content, const Plot
     layout.geometry = {axes, ranges.x, ranges.y};
     if (content.bars.empty())
         layout.xTicks = ticksAlong(ranges.x, axes.width(), digit);
-    for (QRectF* label : {&layout.xLabel, &layout.title}) {
-        if (label->isEmpty())
-            continue;
-        label->setLeft(axes.left());
-        label->setRight(axes.right());
+    if (!layout.xLabel.isEmpty()) {
+        layout.xLabel.setLeft(axes.left());
+        layout.xLabel.setRight(axes.right());
     }
     if (!layout.yLabel.isEmpty()) {
         layout.yLabel.setTop(axes.top());

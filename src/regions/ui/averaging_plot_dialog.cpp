@@ -2,7 +2,7 @@
 #include "regions/ui/averaging_plot_dialog.h"
 
 #include "base/messages.h"
-#include "dialogs/dialog_setup.h"
+#include "dialogs/appearance.h"
 #include "display/plots/plotter.h"
 #include "regions/ui/session_region.h"
 #include "ui_averaging_controls.h"
@@ -16,10 +16,11 @@ AveragingPlotDlg::AveragingPlotDlg(RunSession& session, RegionPlotSettings& sett
       ui_(std::make_unique<Ui::AveragingControls>()) {
     setObjectName("AveragingWindow");
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle("Event-Related Averaging Plot");
+    setTitle("Event-Related Averaging Plot");
     auto* controls = new QWidget(this);
     ui_->setupUi(controls);
-    layout()->addWidget(controls);
+    constexpr int belowThePlot = 1;
+    static_cast<QVBoxLayout*>(layout())->insertWidget(belowThePlot, controls);
     listRegions(nrOfRegions(session_));
     showSettings();
     for (QSpinBox* box : controls->findChildren<QSpinBox*>())
@@ -27,7 +28,7 @@ AveragingPlotDlg::AveragingPlotDlg(RunSession& session, RegionPlotSettings& sett
     for (QComboBox* box : controls->findChildren<QComboBox*>())
         connect(box, &QComboBox::currentIndexChanged, this, &AveragingPlotDlg::takeControls);
     connect(ui_->AveragePercentOp, &QCheckBox::toggled, this, &AveragingPlotDlg::takeControls);
-    prepareDialog(*this);
+    wrapToolTips(*controls);
 }
 
 AveragingPlotDlg::~AveragingPlotDlg() = default;

@@ -14,6 +14,10 @@ BetaPlot::BetaPlot(RunSession& session, const RegionPlotSettings& settings, QWid
     plotter_->setMinimumSize(80, 70);
     setToolTip("Betas of the region: percent of the baseline signal for each condition, with "
                "standard errors");
+    auto* save = new QAction("Save...", this);
+    connect(save, &QAction::triggered, plotter_, &Plotter::slotSaveAsBMP);
+    addAction(save);
+    setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 void BetaPlot::refresh() {

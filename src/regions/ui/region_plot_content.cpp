@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -63,8 +64,17 @@ double standardError(const RegionOfInterest& region, size_t predictor) {
 
 /// Curves of several regions in the colour of one condition.
 QColor shade(const QColor& color, size_t region) {
-    constexpr int factors[] = {100, 160, 65, 200, 45, 130};
+    constexpr int factors[] = {100, 60, 130, 80, 115, 45};
     return color.lighter(factors[region % std::size(factors)]);
+}
+
+/// Gaps where no trial counts.
+std::vector<float> shownAverage(const ConditionAverage& average) {
+    std::vector<float> values = average.mean;
+    for (size_t i = 0; i < std::min(values.size(), average.trials.size()); ++i)
+        if (average.trials[i] == 0)
+            values[i] = std::numeric_limits<float>::quiet_NaN();
+    return values;
 }
 
 /// Units of the time axis from one volume to the next.
@@ -219,7 +229,7 @@ PlotContent averagingContent(const std::vector<PlottedAverages>& regions,
                                ? average.name
                                : regionName(regions[i].regionNumber) + ' ' + average.name;
             curve.color = shade(toQColor(average.color), i);
-            curve.values = average.mean;
+            curve.values = shownAverage(average);
             curve.errors = average.standardError;
             content.curves.push_back(std::move(curve));
         }

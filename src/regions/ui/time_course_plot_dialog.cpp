@@ -8,6 +8,16 @@
 #include "regions/ui/session_region.h"
 #include "ui_time_course_plot_dialog.h"
 
+namespace {
+
+QFont smaller(QFont font) {
+    constexpr double factor = 0.88;
+    font.setPointSizeF(font.pointSizeF() * factor);
+    return font;
+}
+
+} // namespace
+
 TimeCoursePlotDlg::TimeCoursePlotDlg(RunSession& session, RegionPlotSettings& settings,
                                      QWidget* parent)
     : QWidget(parent), session_(session), settings_(settings),
@@ -21,6 +31,10 @@ TimeCoursePlotDlg::TimeCoursePlotDlg(RunSession& session, RegionPlotSettings& se
     connect(ui_->LegendOp, &QAction::triggered, this, &TimeCoursePlotDlg::refresh);
     connect(ui_->SaveBitmapAction, &QAction::triggered, this, &TimeCoursePlotDlg::slotSaveAsBMP);
     connect(ui_->HelpAction, &QAction::triggered, this, &TimeCoursePlotDlg::slotShowHelpHTML);
+    ui_->RegionInfoLbl->setFont(smaller(font()));
+    // The row cuts off what has no room.
+    addActions(ui_->PlotOptions->actions());
+    setContextMenuPolicy(Qt::ActionsContextMenu);
     wrapToolTips(*this);
     init();
 }
@@ -46,6 +60,7 @@ void TimeCoursePlotDlg::cleanUp() {
 void TimeCoursePlotDlg::clearPlot() {
     showHeading({}, {});
     ui_->TimeCoursePlotter->setContent({});
+    ui_->TimeCoursePlotter->zoomToWhole();
     outdated_ = true;
 }
 
@@ -73,20 +88,38 @@ void TimeCoursePlotDlg::refresh() {
         return clearPlot();
     const QtCortivoDoc& document = *session_.functionalDocument;
     showHeading(regionHeading(*plotted), plotted->color);
+    ui_->TimeCoursePlotter->setSaveFolder(document.project.targetFolder);
     ui_->TimeCoursePlotter->setContent(timeCourseContent(
         *plotted, document.protocol, document.project.TR, display(), commonRange_));
 }
 
 void TimeCoursePlotDlg::showHeading(const QString& text, const QColor& color) {
+    if (text == heading_)
+        return;
     heading_ = text;
     QLabel* label = ui_->RegionInfoLbl;
     QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, color);
-    label->setPalette(palette);
+    if (palette.color(QPalette::WindowText) != color) {
+        palette.setColor(QPalette::WindowText, color);
+        label->setPalette(palette);
+    }
     label->setToolTip(text.isEmpty() ? QString()
                                      : text + "\nRegion, voxels, slice, temporal signal-to-noise "
                                               "ratio (mean over standard deviation)");
-    label->setText(label->fontMetrics().elidedText(text, Qt::ElideRight, label->width()));
+    fitHeading();
+}
+
+// Whole parts are left out, since half a number would be a wrong one: those in the middle first.
+void TimeCoursePlotDlg::fitHeading() {
+    QLabel* label = ui_->RegionInfoLbl;
+    const QString separator = " · ";
+    QStringList parts = heading_.split(separator);
+    const auto tooWide = [&] {
+        return label->fontMetrics().horizontalAdvance(parts.join(separator)) > label->width();
+    };
+    while (parts.size() > 1 && tooWide())
+        parts.removeAt(std::max(parts.size() - 2, qsizetype(1)));
+    label->setText(parts.join(separator));
 }
 
 void TimeCoursePlotDlg::slotToggleOptions() {
@@ -134,6 +167,7 @@ void TimeCoursePlotDlg::showEvent(QShowEvent*) {
 
 void TimeCoursePlotDlg::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    QLabel* label = ui_->RegionInfoLbl;
-    label->setText(label->fontMetrics().elidedText(heading_, Qt::ElideRight, label->width()));
+    // The label has its width once the layout is done.
+    layout()->activate();
+    fitHeading();
 }

@@ -71,6 +71,7 @@ private:
     void releaseAveragingWindow();
     [[nodiscard]] TimeCourseDisplay display() const;
     void showHeading(const QString& text, const QColor& color);
+    void fitHeading();
 
     RunSession& session_;
     RegionPlotSettings& settings_;

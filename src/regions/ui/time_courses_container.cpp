@@ -214,7 +214,7 @@ void TimeCoursesContainer::createOptions() {
     onClick(optionsUi_->IndividualTCScalingOp,
             &TimeCoursesContainer::onUseIndividualScalingForTCPlots);
     onClick(optionsUi_->CommonTCScalingOp, &TimeCoursesContainer::onUseCommonScalingForTCPlots);
-    onClick(optionsUi_->CloseBtn, &TimeCoursesContainer::onCloseOptionsDlg);
+    onClick(optionsUi_->CloseOptionsBtn, &TimeCoursesContainer::onCloseOptionsDlg);
     connect(optionsUi_->MinValueSpBx, &QDoubleSpinBox::valueChanged, this,
             &TimeCoursesContainer::onChangeMinValSpBx);
     connect(optionsUi_->MaxValueSpBx, &QDoubleSpinBox::valueChanged, this,

@@ -1,0 +1,359 @@
+// The plots of regions: what they show, and how the container arranges them.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/plots/plotter.h"
+#include "plotted_run.h"
+#include "regions/ui/averaging_plot_dialog.h"
+#include "regions/ui/session_region.h"
+#include "regions/ui/time_course_plot_dialog.h"
+
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QTest>
+
+namespace {
+
+class RegionPlots : public PlottedRun {
+protected:
+    void SetUp() override {
+        window.setLayout(new QVBoxLayout);
+        window.layout()->addWidget(&container);
+        window.resize(900, 600);
+        window.show();
+    }
+
+    template<typename Widget> Widget* find(const QString& name) {
+        auto* found = container.findChild<Widget*>(name);
+        EXPECT_TRUE(found) << name.toStdString();
+        return found;
+    }
+    const PlotContent& contentOf(const QString& plot) {
+        return find<QWidget>(plot)->findChild<Plotter*>()->content();
+    }
+    QStringList visible() {
+        QStringList names;
+        for (const char* kind : {"TimeCourse%1", "BetaPlot%1"})
+            for (int i = 1; i <= 6; ++i) {
+                const auto* plot = container.findChild<QWidget*>(QString(kind).arg(i));
+                if (plot && plot->isVisible())
+                    names << plot->objectName();
+            }
+        return names;
+    }
+    void removeRegions() {
+        document->regions.clear();
+        session.listeners.regionsChanged(*document);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    AveragingPlotDlg* averages() { return container.findChild<AveragingPlotDlg*>(); }
+};
+
+TEST_F(RegionPlots, HeadingsSayWhatARegionIs) {
+    addRegions(2);
+    EXPECT_EQ(regionHeading(*regionOfSession(session, 1)).section(" · ", 0, 2),
+              "ROI 2 · 32 voxels · slice 9");
+    RegionOfInterest& region = document->regions[1];
+    region.voxels.append(1, 1, 9);
+    region.TimeCourseValues.assign(60, 0.0f);
+    for (size_t v = 0; v < 40; v += 2)
+        region.TimeCourseValues[v] = 2.0f; // mean 1, variance 40 / 39
+    EXPECT_EQ(regionHeading(*regionOfSession(session, 1)),
+              "ROI 2 · 33 voxels · slices 9-10 · tSNR 1.0");
+    session.requests.regions.BestVoxelSelection = true;
+    region.TopVoxelRatio = 0.1f;
+    region.SortedVoxelList = std::vector<int>(33, 0);
+    region.CurrentTimePoint = 0;
+    EXPECT_EQ(regionHeading(*regionOfSession(session, 1)), "ROI 2 · 3 of 33 voxels · slices 9-10");
+    EXPECT_FALSE(regionOfSession(session, 2));
+}
+
+TEST_F(RegionPlots, HeadingsLeaveOutWhatHasNoRoom) {
+    addRegions(1);
+    auto* label = find<QLabel>("RegionInfoLbl");
+    const QString whole = label->text();
+    EXPECT_TRUE(whole.startsWith("ROI 1 · 31 voxels · slice 9 · tSNR ")) << whole.toStdString();
+    for (const auto& [missing, shown] :
+         {std::pair(" · slice 9", 1), {" · 31 voxels · slice 9", 1}, {"", 0}}) {
+        const QString text = shown ? QString(whole).remove(missing) : QString("ROI 1");
+        label->resize(label->fontMetrics().horizontalAdvance(text) + 1, label->height());
+        document->regions[0].voxels.append(1, 1, 8); // another heading
+        passVolume();
+        EXPECT_EQ(label->text().count("·"), text.count("·"));
+        EXPECT_EQ(label->text().contains("tSNR"), shown == 1);
+    }
+}
+
+TEST_F(RegionPlots, CurvesStandOnTheProtocol) {
+    addRegions(1);
+    const PlotContent& content = contentOf("TimeCourse1");
+    ASSERT_EQ(content.curves.size(), 1u);
+    EXPECT_EQ(content.curves[0].values.size(), 40u);
+    EXPECT_EQ(content.curves[0].values[6], 1022.0f);
+    EXPECT_EQ(content.curves[0].color, QColor(255, 40, 50));
+    EXPECT_EQ(content.xStart, 1.0);
+    EXPECT_EQ(content.xRange, (PlotRange{0.5, 60.5}));
+    EXPECT_EQ(content.lines.at(0).at, 40.0);
+    ASSERT_EQ(content.bands.size(), 8u);
+    EXPECT_EQ(content.bands[3].name, "Faces");
+    EXPECT_EQ(content.bands[3].from, 5.5);
+    EXPECT_EQ(content.bands[3].to, 10.5);
+
+    // The same in milliseconds; a condition that arrives is there at the next volume.
+    document->protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
+    document->protocol.conditions[1].from[0] = 10000;
+    document->protocol.conditions[1].to[0] = 19999;
+    document->protocol.conditions.push_back(document->protocol.conditions[1]);
+    document->regions[0].CurrentTimePoint = 45;
+    passVolume();
+    EXPECT_EQ(content.curves[0].values.size(), 46u);
+    EXPECT_EQ(content.bands[3].from, 5.5);
+    EXPECT_EQ(content.bands[3].to, 10.5);
+    EXPECT_EQ(content.bands.size(), 11u);
+    session.report.interruptedAtVolume = 29;
+    passVolume();
+    EXPECT_EQ(content.curves[0].values.size(), 30u);
+}
+
+TEST_F(RegionPlots, OptionsOfATimeCourse) {
+    addRegions(1);
+    const PlotContent& content = contentOf("TimeCourse1");
+    auto* plot = find<TimeCoursePlotDlg>("TimeCourse1");
+    EXPECT_EQ(plot->windowTitle(), "ROI Signal Time Course");
+    auto* row = find<QWidget>("PlotOptions");
+    EXPECT_FALSE(row->isVisible());
+    find<QToolButton>("ShowOptionsBtn")->click();
+    EXPECT_TRUE(row->isVisible());
+    const auto trigger = [&](const char* name) { plot->findChild<QAction*>(name)->trigger(); };
+    trigger("GridOp");
+    trigger("ProtocolOp");
+    trigger("LegendOp");
+    EXPECT_FALSE(content.gridShown || content.legendShown);
+    EXPECT_TRUE(content.bands.empty());
+    trigger("PercentOp");
+    double sum = 0.0;
+    for (const float value : content.curves[0].values)
+        sum += double(value);
+    EXPECT_NEAR(sum, 0.0, 1e-3);
+    EXPECT_NEAR(double(content.curves[0].values[6]), 100 * (1022.0 / 1008.0 - 1), 1e-3);
+    const std::vector<float> before = content.curves[0].values;
+    container.setDetrended(true);
+    EXPECT_TRUE(container.detrended());
+    EXPECT_NE(content.curves[0].values, before);
+
+    plot->clearPlot();
+    EXPECT_TRUE(content.curves.empty());
+    session.settings.ParadigmHelpFile = "/nowhere.html";
+    messages.expect(MessageLevel::Warning, "WARNING: Unable to open help file \"/nowhere.html\"!");
+    trigger("HelpAction");
+    messages.expectFileChoice("Save Bitmap File", {});
+    trigger("SaveBitmapAction");
+}
+
+TEST_F(RegionPlots, BetasAreBarsWithStandardErrors) {
+    addRegions(2);
+    const PlotContent& content = contentOf("BetaPlot1");
+    EXPECT_EQ(content.note, "No model yet");
+    fitModel(document->regions[0]);
+    passVolume();
+    ASSERT_EQ(content.bars.size(), 2u);
+    EXPECT_EQ(content.bars[0].name, "Faces");
+    EXPECT_EQ(content.bars[0].color, QColor(255, 80, 60));
+    EXPECT_EQ(content.bars[1].value, -0.5f);
+    EXPECT_FLOAT_EQ(content.bars[0].error, 0.5f); // sqrt(0.25 * 100) / 1000 * 100
+    document->regions[0].ROIBetas[2] = 0.01f;     // too small to be a baseline
+    passVolume();
+    EXPECT_FLOAT_EQ(content.bars[1].error, 3.0f);
+}
+
+TEST_F(RegionPlots, FixedPlotsAreKeptAndFurtherRegionsFloat) {
+    EXPECT_FALSE(container.isVisible());
+    addRegions(2);
+    EXPECT_EQ(visible().join(' '), "TimeCourse1 TimeCourse2 BetaPlot1 BetaPlot2");
+    const QWidget* first = find<QWidget>("TimeCourse1");
+    addRegions(3);
+    EXPECT_EQ(visible().size(), 10);
+    auto* fourth = find<QWidget>("RegionSlot4");
+    auto* fifth = find<QWidget>("RegionSlot5");
+    EXPECT_TRUE(fourth->isWindow());
+    EXPECT_EQ(fourth->windowTitle(), "ROI Signal Time Course");
+    EXPECT_FALSE(find<QWidget>("TimeCourse3")->isWindow());
+    EXPECT_EQ(fifth->pos() - fourth->pos(), QPoint(20, 20));
+
+    // Closing a window leaves its region, which is shown again on demand.
+    fourth->close();
+    passVolume();
+    EXPECT_EQ(visible().size(), 8);
+    container.showContainer();
+    EXPECT_EQ(visible().size(), 10);
+
+    removeRegions();
+    EXPECT_TRUE(visible().isEmpty());
+    EXPECT_FALSE(container.findChild<QWidget*>("TimeCourse4"));
+    EXPECT_TRUE(find<QWidget>("NoRegionsLbl")->isVisible());
+    addRegions(1);
+    EXPECT_EQ(find<QWidget>("TimeCourse1"), first);
+    session.listeners.documentsLeaving();
+    session.functionalDocument.reset();
+    EXPECT_TRUE(visible().isEmpty());
+    EXPECT_TRUE(contentOf("TimeCourse1").curves.empty());
+}
+
+TEST_F(RegionPlots, HiddenPlotsTakeTheLatestWhenTheyAreShown) {
+    addRegions(4);
+    find<QWidget>("RegionSlot4")->close();
+    container.onShowOnlyTCs();
+    fitModel(document->regions[0]);
+    for (int i = 0; i < 4; ++i)
+        document->regions[i].CurrentTimePoint = 20;
+    passVolume();
+    EXPECT_EQ(contentOf("TimeCourse1").curves[0].values.size(), 21u);
+    EXPECT_EQ(contentOf("TimeCourse4").curves[0].values.size(), 40u);
+    EXPECT_TRUE(contentOf("BetaPlot1").bars.empty());
+    container.onShowOnlyBetas();
+    EXPECT_EQ(contentOf("BetaPlot1").bars.size(), 2u);
+    container.showContainer();
+    container.onShowTCsAndBetas();
+    EXPECT_EQ(contentOf("TimeCourse4").curves[0].values.size(), 21u);
+}
+
+TEST_F(RegionPlots, RowsAndButtonsArrangeThePlots) {
+    addRegions(3);
+    const auto place = [&](int slot) {
+        QCoreApplication::processEvents();
+        return find<QWidget>(QString("RegionSlot%1").arg(slot))->pos();
+    };
+    const auto sameRow = [&](int a, int b) { return place(a).y() == place(b).y(); };
+    auto* rows = find<QSpinBox>("NrOfRowsSpBx");
+    EXPECT_TRUE(sameRow(1, 2) && sameRow(2, 3));
+    rows->setValue(2);
+    EXPECT_TRUE(sameRow(1, 2) && !sameRow(2, 3));
+    container.onNrOfRowsChanged(3);
+    EXPECT_EQ(rows->value(), 3);
+    EXPECT_TRUE(!sameRow(1, 2) && place(1).x() == place(3).x());
+    for (const auto& [button, plots] :
+         {std::pair("ShowTCsBtn", "TimeCourse1 TimeCourse2 TimeCourse3"),
+          {"ShowBetasBtn", "BetaPlot1 BetaPlot2 BetaPlot3"},
+          {"ShowBothBtn", "TimeCourse1 TimeCourse2 TimeCourse3 BetaPlot1 BetaPlot2 BetaPlot3"}}) {
+        find<QToolButton>(button)->click();
+        EXPECT_EQ(visible().join(' '), plots);
+    }
+    for (int i = 1; i <= TimeCoursesContainer::fixedSlots; ++i) {
+        EXPECT_FALSE(find<QLineEdit>(QString("MultiRunTC%1").arg(i))->isVisible());
+        EXPECT_FALSE(find<QScrollBar>(QString("MultiRunTC%1ScrollBar").arg(i))->isVisible());
+    }
+    window.resize(716, 210);
+    EXPECT_EQ(window.width(), 716) << "three regions fit below the slices";
+}
+
+TEST_F(RegionPlots, RangesAreOwnOrCommon) {
+    addRegions(2);
+    for (int i = 0; i < 2; ++i)
+        fitModel(document->regions[i]);
+    passVolume();
+    find<QToolButton>("OptionsBtn")->click();
+    auto* dialog = find<QDialog>("TCContainerOptionsDlg");
+    EXPECT_EQ(dialog->windowTitle(), "TC Container Options");
+    auto* minimum = find<QDoubleSpinBox>("MinValueSpBx");
+    auto* maximum = find<QDoubleSpinBox>("MaxValueSpBx");
+    EXPECT_FALSE(minimum->isEnabled() || contentOf("BetaPlot1").yRange);
+    find<QRadioButton>("CommonBetaScalingOp")->click();
+    EXPECT_TRUE(minimum->isEnabled() && maximum->isEnabled());
+    maximum->setValue(5.0);
+    minimum->setValue(-4.0);
+    EXPECT_EQ(contentOf("BetaPlot2").yRange, (PlotRange{-4.0, 5.0}));
+    minimum->setValue(6.0);
+    EXPECT_EQ(contentOf("BetaPlot1").yRange, (PlotRange{6.0, 6.1}));
+    container.onChangeMaxValSpBx(2.0);
+    EXPECT_EQ(contentOf("BetaPlot1").yRange, (PlotRange{1.9, 2.0}));
+    EXPECT_EQ(minimum->value(), 1.9);
+    find<QRadioButton>("IndividualBetaScalingOp")->click();
+    EXPECT_FALSE(contentOf("BetaPlot1").yRange);
+
+    find<QRadioButton>("CommonTCScalingOp")->click();
+    const PlotRange common = *contentOf("TimeCourse1").yRange;
+    EXPECT_EQ(contentOf("TimeCourse2").yRange, common);
+    EXPECT_LE(common.from, 1000.0);
+    EXPECT_GE(common.to, 2044.0);
+    // In another unit a plot doesn't share the range.
+    find<TimeCoursePlotDlg>("TimeCourse2")->findChild<QAction*>("PercentOp")->trigger();
+    EXPECT_LT(contentOf("TimeCourse1").yRange->to, 1100.0);
+    EXPECT_LT(contentOf("TimeCourse2").yRange->to, 10.0);
+    find<QRadioButton>("IndividualTCScalingOp")->click();
+    EXPECT_FALSE(contentOf("TimeCourse1").yRange);
+    find<QPushButton>("CloseOptionsBtn")->click();
+    EXPECT_FALSE(dialog->isVisible());
+}
+
+TEST_F(RegionPlots, AveragesFollowTheRun) {
+    EXPECT_FALSE(find<QToolButton>("AverageBtn")->isEnabled());
+    addRegions(2);
+    find<QToolButton>("AverageBtn")->click();
+    ASSERT_TRUE(averages());
+    EXPECT_EQ(averages()->windowTitle(), "Event-Related Averaging Plot");
+    const PlotContent& content = averages()->findChild<Plotter*>()->content();
+    EXPECT_EQ(content.xLabel, "Time (scans)");
+    EXPECT_EQ(content.yLabel, "fMRI response (% BOLD signal)");
+    EXPECT_EQ(content.xStart, -2.0);
+    ASSERT_EQ(content.curves.size(), 2u); // not that of "Rest"
+    EXPECT_EQ(content.curves[0].legend, "Faces");
+    ASSERT_EQ(content.curves[0].errors.size(), 13u);
+    const float percent = content.curves[0].values[4];
+
+    find<QComboBox>("AveragedRegionCmBx")->setCurrentIndex(0);
+    ASSERT_EQ(content.curves.size(), 4u);
+    EXPECT_EQ(content.curves[3].legend, "ROI 2 Houses");
+    find<QCheckBox>("AveragePercentOp")->click();
+    EXPECT_EQ(content.yLabel, "fMRI response (arbitrary units)");
+    EXPECT_NEAR(double(content.curves[0].values[4] / percent), 10.0, 0.1);
+    find<QSpinBox>("BeforeOnsetSpBx")->setValue(3);
+    find<QSpinBox>("AfterOnsetSpBx")->setValue(40);
+    EXPECT_EQ(content.curves[0].values.size(), 44u);
+    EXPECT_TRUE(std::isnan(content.curves[0].values[43])) << "no trial reaches so far";
+    find<QSpinBox>("BaselineFromSpBx")->setValue(2);
+    EXPECT_EQ(find<QSpinBox>("BaselineToSpBx")->value(), 2);
+    for (const auto& [axis, label, start] :
+         {std::tuple(1, "Time (sec)", -6.0), {2, "Time (2000 msec)", -3.0}}) {
+        find<QComboBox>("TimeAxisCmBx")->setCurrentIndex(axis);
+        EXPECT_EQ(content.xLabel, label);
+        EXPECT_EQ(content.xStart, start);
+    }
+    const std::vector<float> own = content.curves[0].values;
+    container.setEpochBased(false);
+    EXPECT_FALSE(container.epochBased());
+    EXPECT_NE(content.curves[0].values[0], own[0]);
+    for (int i = 0; i < 2; ++i)
+        document->regions[i].CurrentTimePoint = 3;
+    passVolume();
+    EXPECT_EQ(content.note, "No trial yet");
+    removeRegions();
+    EXPECT_FALSE(averages());
+}
+
+TEST_F(RegionPlots, AveragesThatCanNotBeDrawn) {
+    addRegions(1);
+    messages.expect(MessageLevel::Warning, "INTERNAL ERROR: Plot dialog not available!");
+    find<TimeCoursePlotDlg>("TimeCourse1")->drawAverages();
+    container.onShowAverages();
+    ASSERT_TRUE(averages());
+    for (int i = 0; i < 7; ++i) {
+        document->protocol.conditions.push_back(document->protocol.conditions[1]);
+        ProtocolCondition& condition = document->protocol.conditions.back();
+        condition.nrOfIntervals = ProtocolCondition::maximumIntervals;
+        condition.from.fill(10);
+        condition.to.fill(12);
+    }
+    messages.expect(MessageLevel::Warning, "ERROR: Too many trigger points!");
+    passVolume();
+    passVolume(); // no second message
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_FALSE(averages());
+    EXPECT_EQ(messages.shownModeless().size(), 2);
+}
+
+TEST(AveragingLabels, FollowTheInterval) {
+    for (const auto& [interval, label] : std::vector<std::pair<int, const char*>>{
+             {-1, "Time (scans)"}, {-2, "Time (sec)"}, {2, "Time (scans)"}, {3, "Time (3 msec)"}})
+        EXPECT_EQ(averagingTimeLabel(interval), label);
+    EXPECT_EQ(averagingInterval(AveragingTimeAxis::Seconds, 0.0f), averagingInScans);
+}
+
+} // namespace
