@@ -31,7 +31,9 @@ protected:
 
 TEST_F(ViewPanelTest, RegionsAreDrawnWhileVolumesArrive) {
     session.requests.thresholds.Threshold = 100.0f;
+    window.resize(620, 520);
     panel.resize(600, 500);
+    window.show();
     writeSession(42, 2, {{"MultiSliceROISelection:", "1"}});
     ProbeListener operatorHand(session.listeners, ListenerPlace::Dialogs);
     operatorHand.onEndOfVolume = [this](int volume) {
