@@ -98,6 +98,10 @@ QToolButton:checked, QPushButton:checked { background: #1f4b47; border-color: #2
 QToolButton:disabled, QPushButton:disabled { background: #151d27; border-color: #232f3c;
     color: #667585; }
 #RecordBtn { padding: 2px; }
+#TimeCoursesContainer QToolButton { padding: 1px 7px; border-radius: 4px; }
+#TimeCoursesContainer QToolBar { border: 0; padding: 0; spacing: 2px; background: transparent; }
+#TimeCoursesContainer #ShowOptionsBtn { padding: 0 4px; }
+#qt_toolbar_ext_button { padding: 0; min-width: 14px; }
 QCheckBox { spacing: 8px; }
 QCheckBox::indicator { width: 20px; height: 16px; image: url(:/images/contrast_off.png); }
 QCheckBox::indicator:checked { image: url(:/images/contrast_on.png); }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/dialog_setup.h"
 
+#include "base/messages.h"
 #include "dialogs/appearance.h"
 #include "ui_text_dialog.h"
 
@@ -8,10 +9,13 @@
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QDialog>
 #include <QEvent>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
+#include <QUrl>
 #include <set>
 
 namespace {
@@ -101,4 +105,11 @@ void openTextDialog(QWidget& parent, const char* name, const QString& title, con
     prepareDialog(*dialog);
     form.Buttons->setFocus();
     dialog->show();
+}
+
+void openHelpFile(const QString& path) {
+    if (path.isEmpty())
+        return;
+    if (!QFileInfo(path).isFile() || !QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+        showModelessWarning(QString("WARNING: Unable to open help file \"%1\"!").arg(path));
 }

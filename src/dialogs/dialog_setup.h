@@ -28,3 +28,7 @@ void keepOnScreen(QWidget& window);
 /// Opens a modeless dialog with a text, which may be HTML, and an OK button. An open one with this
 /// object name is raised instead.
 void openTextDialog(QWidget& parent, const char* name, const QString& title, const QString& text);
+
+/// Opens a help file in the program that the system has for it; an empty path does nothing. A
+/// failure is reported.
+void openHelpFile(const QString& path);

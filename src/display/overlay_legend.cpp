@@ -26,24 +26,13 @@ QString thresholdNumber(float value) {
     return QString::number(double(value), 'f', 2).rightJustified(numberWidth);
 }
 
-QString statisticOf(MapKind kind) {
-    if (kind == MapKind::F)
-        return "F";
-    return kind == MapKind::Correlation || kind == MapKind::CrossCorrelation ? "R" : "t";
-}
-
 /// Colours of the single maps and, for two, of their overlap; overlaps of more maps are evident
 /// mixtures.
 void addEntries(OverlayLegend& legend, const StatisticalMaps& maps,
                 const ContrastDefinitions& contrasts) {
     for (int map = 0; map < maps.NrOfShownMaps; ++map) {
         const size_t index = size_t(multiMapColorIndex(1u << map, maps.NrOfShownMaps));
-        QString name;
-        if (contrasts.ConjunctionAnalysis)
-            name = "Conjunction";
-        else if (size_t(map) < maps.contrastOfMap.size())
-            name = contrasts.ContrastNames.value(maps.contrastOfMap[size_t(map)]);
-        legend.entries.push_back({name, legend.scale[index]});
+        legend.entries.push_back({shownMapName(maps, contrasts, map), legend.scale[index]});
     }
     if (maps.NrOfShownMaps == 2)
         legend.entries.push_back({"Both", legend.scale[size_t(multiMapColorIndex(0b11, 2))]});
@@ -112,6 +101,20 @@ void paintEntries(QPainter& painter, QRect area, const OverlayLegend& legend) {
 }
 
 } // namespace
+
+QString shownMapName(const StatisticalMaps& maps, const ContrastDefinitions& contrasts, int map) {
+    if (contrasts.ConjunctionAnalysis)
+        return "Conjunction";
+    if (size_t(map) >= maps.contrastOfMap.size())
+        return {};
+    return contrasts.ContrastNames.value(maps.contrastOfMap[size_t(map)]);
+}
+
+QString statisticOf(MapKind kind) {
+    if (kind == MapKind::F)
+        return "F";
+    return kind == MapKind::Correlation || kind == MapKind::CrossCorrelation ? "R" : "t";
+}
 
 OverlayLegend makeOverlayLegend(const StatisticalMaps& maps, const OverlayThresholds& thresholds,
                                 const ContrastDefinitions& contrasts, const OverlayColors& colors,

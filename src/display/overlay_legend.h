@@ -40,6 +40,12 @@ struct OverlayLegend {
                                               const OverlayColors& colors,
                                               bool significanceColorCoding);
 
+/// Name of a shown map's contrast, or "Conjunction".
+[[nodiscard]] QString shownMapName(const StatisticalMaps& maps,
+                                   const ContrastDefinitions& contrasts, int map);
+/// "t", "R" or "F".
+[[nodiscard]] QString statisticOf(MapKind kind);
+
 /// The thresholds and all names in full, for a tool tip.
 [[nodiscard]] QString legendText(const OverlayLegend& legend);
 

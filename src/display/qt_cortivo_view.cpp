@@ -6,7 +6,7 @@
 #include "base/paths.h"
 #include "display/overlay_legend.h"
 #include "display/slice_mosaic.h"
-#include "display/slice_mosaic_geometry.h"
+#include "display/tile_marks.h"
 #include "run/document/qt_cortivo_doc.h"
 
 #include <QBuffer>
@@ -20,9 +20,9 @@
 
 namespace {
 
-const QColor labelColor(196, 202, 210);
-const QColor labelGround(0, 0, 0, 150);
-const QColor lineColor(44, 48, 56);
+const QColor rubberBandFill(255, 255, 255, 50);
+
+constexpr int smallestNumberPixels = 9; ///< height of the font in the saved picture
 
 /// A whole scale factor is preferred up to this share below the largest that fits: all pixels then
 /// have the same size.
@@ -68,6 +68,18 @@ void QtCortivoView::setOverlayShown(bool shown) {
     slotDocumentChanged();
 }
 
+void QtCortivoView::setVolumeReadOut(int volume) {
+    readOutVolume_ = volume;
+    update(readOutLine());
+}
+
+void QtCortivoView::setRegionMarking(const RegionMarking& marking) {
+    if (marking == marking_)
+        return;
+    marking_ = marking;
+    slotDocumentChanged();
+}
+
 void QtCortivoView::slotDocumentChanged() {
     cleared_ = false;
     outdated_ = true;
@@ -76,18 +88,29 @@ void QtCortivoView::slotDocumentChanged() {
 
 void QtCortivoView::slotClearArea() {
     cleared_ = true;
+    cancelDrag();
     update();
 }
 
 const QImage& QtCortivoView::mosaic() {
     if (outdated_)
-        compose();
+        renderSlices();
     return mosaic_;
 }
 
-void QtCortivoView::compose() {
+void QtCortivoView::renderSlices() {
     outdated_ = false;
+    const MosaicTiles before = tilesOn({});
+    composeMosaic();
+    // A rectangle belongs to the tile on which it began.
+    if (mosaic_.isNull() || tilesOn({}) != before)
+        cancelDrag();
+}
+
+void QtCortivoView::composeMosaic() {
     nrOfShownSlices_ = 0;
+    shownGrid_ = {};
+    regionFrames_.clear();
     legend_ = {};
     if (!document_)
         return;
@@ -105,8 +128,14 @@ void QtCortivoView::compose() {
     }
     shownLayout_ = document_->mosaic;
     nrOfShownSlices_ = int(source.images().size());
+    shownGrid_ = document_->slices.gridSize();
+    inplanesShown_ = &source.images() == &document_->slices.InplanePixmaps;
     // Without a picture the mosaic is null, and the view says so.
-    (void)composeSliceMosaic(mosaic_, source);
+    if (!composeSliceMosaic(mosaic_, source))
+        return;
+    markRegionVoxels(mosaic_, tilesOn(mosaic_.rect()), document_->regions, marking_);
+    regionFrames_ = regionFrames(document_->regions, marking_,
+                                 {shownGrid_.width(), shownGrid_.height(), nrOfShownSlices_});
 }
 
 void QtCortivoView::slotSaveAsBMP() {
@@ -116,8 +145,16 @@ void QtCortivoView::slotSaveAsBMP() {
     }
     // A copy of the current picture: the run may have ended, and this view with it, when the name
     // is chosen.
+    QImage picture = mosaic();
+    {
+        QPainter painter(&picture);
+        QFont font = numberFont(this->font());
+        font.setPixelSize(smallestNumberPixels);
+        painter.setFont(font);
+        drawROIs(painter, tilesOn(picture.rect()));
+    }
     chooseFileToSave("Save Bitmap File", document_->project.targetFolder, "Bitmaps (*.bmp)",
-                     [picture = mosaic()](const QString& path) { saveBitmap(picture, path); });
+                     [picture](const QString& path) { saveBitmap(picture, path); });
 }
 
 void QtCortivoView::slotShowHelpHTML() {
@@ -128,35 +165,42 @@ void QtCortivoView::slotShowHelpHTML() {
         showModelessWarning(QString("WARNING: Unable to open help file \"%1\"!").arg(helpFile_));
 }
 
+QRect QtCortivoView::readOutLine() const {
+    const int lineHeight = fontMetrics().height() + 4;
+    return QRect(0, height() - lineHeight, width(), lineHeight);
+}
+
 QRect QtCortivoView::legendArea() const {
     const int margin = fontMetrics().height() / 2;
     const int legend = std::min(legendWidth(font()), width() / 3);
-    return QRect(width() - legend - margin, margin, legend, height() - 2 * margin);
+    return QRect(width() - legend - margin, margin, legend, readOutLine().top() - 2 * margin);
 }
 
-QRectF QtCortivoView::mosaicArea() const {
+QRectF QtCortivoView::room() const {
+    return QRectF(0, 0, legendArea().left() - fontMetrics().height() / 2, readOutLine().top());
+}
+
+QRectF QtCortivoView::fittedArea() const {
     if (mosaic_.isNull())
         return {};
     const double ratio = devicePixelRatioF();
-    const QSizeF room(legendArea().left() - fontMetrics().height() / 2, height());
-    const double factor = scaleFactor(room * ratio, mosaic_.size());
+    const QSizeF free = room().size();
+    const double factor = scaleFactor(free * ratio, mosaic_.size());
     const double shownWidth = std::floor(mosaic_.width() * factor);
     const double shownHeight = std::floor(mosaic_.height() * factor);
-    const double left = std::floor((room.width() * ratio - shownWidth) / 2);
-    const double top = std::floor((room.height() * ratio - shownHeight) / 2);
+    const double left = std::floor((free.width() * ratio - shownWidth) / 2);
+    const double top = std::floor((free.height() * ratio - shownHeight) / 2);
     return {left / ratio, top / ratio, shownWidth / ratio, shownHeight / ratio};
 }
 
-int QtCortivoView::sliceAt(QPoint position) const {
-    const QRectF area = mosaicArea();
-    if (cleared_ || !area.contains(position))
-        return -1;
-    const int column =
-        int((position.x() - area.left()) / area.width() * shownLayout_.MosaicColumns);
-    const int row = int((position.y() - area.top()) / area.height() * shownLayout_.MosaicRows);
-    if (column >= shownLayout_.MosaicColumns || row >= shownLayout_.MosaicRows)
-        return -1;
-    return sliceAtPlace(shownLayout_, row * shownLayout_.MosaicColumns + column, nrOfShownSlices_);
+MosaicTiles QtCortivoView::tilesOn(const QRectF& area) const {
+    return {shownLayout_, nrOfShownSlices_, shownGrid_, area};
+}
+
+MosaicTiles QtCortivoView::tiles() const {
+    if (cleared_ || mosaic_.isNull())
+        return {};
+    return tilesOn(zoom_.area(fittedArea(), room()));
 }
 
 void QtCortivoView::paintEvent(QPaintEvent*) {
@@ -174,53 +218,91 @@ void QtCortivoView::paintEvent(QPaintEvent*) {
         }
         return;
     }
-    const QRectF area = mosaicArea();
-    painter.drawImage(area, mosaic_);
-    paintTileMarks(painter, area);
+    painter.save();
+    painter.setClipRect(room());
+    drawMosaic(painter, tiles().area);
+    drawOverMosaic(painter);
+    painter.restore();
     paintOverlayLegend(painter, legendArea(), legend_, font());
+    drawReadOut(painter);
 }
 
-void QtCortivoView::paintTileMarks(QPainter& painter, const QRectF& area) const {
-    const QFont font = numberFont(this->font(), 0.8);
-    painter.setFont(font);
-    const QFontMetrics metrics(font);
-    const int digits = int(QString::number(nrOfShownSlices_).size());
-    const QSize label(metrics.horizontalAdvance(QString(digits, '0')) + 4, metrics.height());
-    const double tileWidth = area.width() / shownLayout_.MosaicColumns;
-    const double tileHeight = area.height() / shownLayout_.MosaicRows;
+// Only the pixels that are visible: at a strong zoom the whole picture would be scaled in vain.
+void QtCortivoView::drawMosaic(QPainter& painter, const QRectF& area) const {
+    const double scaleX = area.width() / mosaic_.width();
+    const double scaleY = area.height() / mosaic_.height();
+    const QRectF visible = (area & room()).translated(-area.topLeft());
+    const QRect pixels = QRectF(visible.left() / scaleX, visible.top() / scaleY,
+                                visible.width() / scaleX, visible.height() / scaleY)
+                             .toAlignedRect() &
+                         mosaic_.rect();
+    painter.drawImage(QRectF(area.left() + pixels.left() * scaleX,
+                             area.top() + pixels.top() * scaleY, pixels.width() * scaleX,
+                             pixels.height() * scaleY),
+                      mosaic_, pixels);
+}
 
-    painter.setPen(QPen(lineColor, 0));
-    for (int column = 1; column < shownLayout_.MosaicColumns; ++column) {
-        const double x = area.left() + column * tileWidth;
-        painter.drawLine(QPointF(x, area.top()), QPointF(x, area.bottom()));
-    }
-    for (int row = 1; row < shownLayout_.MosaicRows; ++row) {
-        const double y = area.top() + row * tileHeight;
-        painter.drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
-    }
-    // On very small tiles the numbers would hide the slices.
-    if (label.width() * 3 > tileWidth || label.height() * 3 > tileHeight)
+void QtCortivoView::drawOverMosaic(QPainter& painter) const {
+    const MosaicTiles shown = tiles();
+    // The headers of inplane slices, which may be turned otherwise, are not kept.
+    const PatientSides sides =
+        inplanesShown_ ? PatientSides() : patientSides(document_->project.position);
+    paintTileMarks(painter, shown, sides, room(), font());
+    painter.setFont(numberFont(font(), 0.8));
+    drawROIs(painter, shown);
+    if (readOut_)
+        paintVoxelCross(painter, shown, *readOut_);
+    if (action_ != MouseAction::Rectangle)
         return;
-    const int places =
-        std::min(nrOfShownSlices_, shownLayout_.MosaicColumns * shownLayout_.MosaicRows);
-    for (int place = 0; place < places; ++place) {
-        const double left = area.left() + place % shownLayout_.MosaicColumns * tileWidth;
-        const double bottom = area.top() + (place / shownLayout_.MosaicColumns + 1) * tileHeight;
-        const QRectF ground(left + 2, bottom - label.height() - 1, label.width(), label.height());
-        painter.fillRect(ground, labelGround);
-        painter.setPen(labelColor);
-        painter.drawText(ground, Qt::AlignCenter,
-                         QString::number(sliceAtPlace(shownLayout_, place, nrOfShownSlices_) + 1)
-                             .rightJustified(digits));
+    painter.setPen(QPen(Qt::white, 1, Qt::DashLine));
+    painter.setBrush(rubberBandFill);
+    painter.drawRect(shown.areaOf(drag_.place, drag_.voxels()));
+}
+
+void QtCortivoView::drawROIs(QPainter& painter, const MosaicTiles& tiles) const {
+    drawRegionFrames(painter, tiles, regionFrames_, marking_.colors, inplanesShown_ ? 3 : 2);
+}
+
+void QtCortivoView::drawReadOut(QPainter& painter) const {
+    const int margin = fontMetrics().height() / 2;
+    QRect line = readOutLine().adjusted(margin, 0, -margin, 0);
+    painter.setFont(font());
+    painter.setPen(labelColor);
+    if (!zoom_.isWhole()) {
+        const QString zoomText =
+            QString("%1 %   double click: all").arg(std::lround(zoom_.factor() * 100));
+        painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, zoomText);
+        line.setRight(line.right() - fontMetrics().horizontalAdvance(zoomText) - margin);
     }
+    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter,
+                     fontMetrics().elidedText(readOutText(), Qt::ElideRight, line.width()));
+}
+
+QString QtCortivoView::readOutText() const {
+    if (action_ == MouseAction::Rectangle)
+        return rectangleText(drag_.rectangle(), slicesOfDrag());
+    if (readOut_ && document_)
+        if (const auto known = voxelReadOut(*document_, *readOut_, readOutVolume_, overlayShown_))
+            return voxelReadOutText(*known);
+    return "Drag: region   Click: voxel   Wheel: zoom";
 }
 
 void QtCortivoView::keyPressEvent(QKeyEvent* event) {
-    const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
-    const int key = plain ? event->key() : int(Qt::Key_unknown);
-    if (key == Qt::Key_PageDown || key == Qt::Key_Plus || key == Qt::Key_Right)
+    const Qt::KeyboardModifiers modifiers = event->modifiers();
+    const int key = event->key();
+    const bool arrow =
+        key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down;
+    const bool plain = !(modifiers & (Qt::ControlModifier | Qt::AltModifier));
+    if (key == Qt::Key_Escape && cancelDrag())
+        return;
+    if (modifiers & Qt::ControlModifier &&
+        (key == Qt::Key_Plus || key == Qt::Key_Equal || key == Qt::Key_Minus || key == Qt::Key_0))
+        zoomByKey(key);
+    else if (modifiers & Qt::AltModifier && arrow)
+        panByKey(key);
+    else if (plain && (key == Qt::Key_PageDown || key == Qt::Key_Plus || key == Qt::Key_Right))
         scroll(scrollForward);
-    else if (key == Qt::Key_PageUp || key == Qt::Key_Minus || key == Qt::Key_Left)
+    else if (plain && (key == Qt::Key_PageUp || key == Qt::Key_Minus || key == Qt::Key_Left))
         scroll(scrollBackward);
     else
         QWidget::keyPressEvent(event);
@@ -246,12 +328,18 @@ bool QtCortivoView::event(QEvent* event) {
 }
 
 QString QtCortivoView::toolTipAt(QPoint position) const {
-    if (!cleared_ && legendArea().contains(position))
-        return legendText(legend_);
-    const int slice = sliceAt(position);
-    if (slice < 0)
+    if (cleared_ || action_ != MouseAction::None)
         return {};
-    return QString("Slice %1 of %2\nPage Down, + or Right: forward\nPage Up, - or Left: backward")
-        .arg(slice + 1)
+    if (legendArea().contains(position))
+        return legendText(legend_);
+    if (readOutLine().contains(position))
+        return readOutText();
+    const MosaicTiles shown = tiles();
+    const int place = room().contains(position) ? shown.placeAt(position) : -1;
+    if (place < 0)
+        return {};
+    return QString("Slice %1 of %2\nPage Down, + or Right: forward\nPage Up, - or Left: backward\n"
+                   "Drag: new region\nClick: values of the voxel\nWheel, Ctrl++, Ctrl+-: zoom")
+        .arg(sliceAtPlace(shownLayout_, place, nrOfShownSlices_) + 1)
         .arg(nrOfShownSlices_);
 }

@@ -3,7 +3,10 @@
 #pragma once
 
 #include "display/overlay_legend.h"
-#include "run/document/slice_mosaic_layout.h"
+#include "display/rectangle_drag.h"
+#include "display/region_marks.h"
+#include "display/view_zoom.h"
+#include "display/voxel_read_out.h"
 
 #include <QImage>
 #include <QString>
@@ -12,8 +15,10 @@
 class QtCortivoDoc;
 
 /// The mosaic is composed once for each change, at one pixel for each pixel of a slice, and drawn
-/// into the view without smoothing. Slice numbers, lines between the tiles and the colour legend
-/// are drawn over it at the resolution of the screen; they are not part of the saved picture.
+/// into the view without smoothing. The voxels of regions are marked in it; their frames are drawn
+/// over it at the resolution of the screen, and into the saved picture at its own. Slice numbers,
+/// lines between the tiles, the colour legend and the line with read-outs are not part of the saved
+/// picture.
 class QtCortivoView : public QWidget {
     Q_OBJECT
 
@@ -27,19 +32,27 @@ public:
     void setShowInplanes(bool show);
     /// Switches the maps on or off; they are on at first.
     void setOverlayShown(bool shown);
+    /// The volume whose samples are read out, or firstVolumeAsRead.
+    void setVolumeReadOut(int volume);
+    void setRegionMarking(const RegionMarking& marking);
     /// The help file of the paradigm, as the settings name it; empty for none.
     void setHelpFile(const QString& path) { helpFile_ = path; }
 
     /// The current mosaic; null without slices, or when it would be too large.
     [[nodiscard]] const QImage& mosaic();
-    /// The slice at a position in the view, counted from 0; -1 outside the slices.
-    [[nodiscard]] int sliceAt(QPoint position) const;
+    /// Where the voxels lie on the view, as it was composed last; empty when none are shown.
+    [[nodiscard]] MosaicTiles tiles() const;
+    /// The line with read-outs: of the rectangle that is dragged or the voxel that was clicked,
+    /// else what the mouse does.
+    [[nodiscard]] QString readOutText() const;
+    /// True when a rectangle was being dragged; it is given up.
+    bool cancelDrag();
 
     [[nodiscard]] QSize sizeHint() const override { return {700, 560}; }
     [[nodiscard]] QSize minimumSizeHint() const override { return {200, 160}; }
 
 public Q_SLOTS:
-    /// The slices, the maps or the way in which they are shown have changed.
+    /// The slices, the maps, the regions or the way in which they are shown have changed.
     void slotDocumentChanged();
     /// Saves the current mosaic in the file that the operator chooses, without blocking a run. A
     /// failure is reported.
@@ -49,19 +62,52 @@ public Q_SLOTS:
     /// Opens the help file, if there is one, in the program that the system has for it.
     void slotShowHelpHTML();
 
+Q_SIGNALS:
+    /// The operator has dragged a rectangle over these voxels; it is inside the slice and not
+    /// empty.
+    void rectangleSelected(const VoxelRectangle& rectangle);
+
 protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
+    /// What the pressed button does.
+    enum class MouseAction {
+        None,
+        Click, ///< until the pointer has moved far enough for a rectangle
+        Rectangle,
+        Pan
+    };
+
+    [[nodiscard]] Qt::MouseButton buttonOfAction() const;
+    [[nodiscard]] QRect readOutLine() const;
     [[nodiscard]] QRect legendArea() const;
-    /// The mosaic's area in the view, in logical pixels, aligned to those of the screen.
-    [[nodiscard]] QRectF mosaicArea() const;
+    /// What the mosaic may cover.
+    [[nodiscard]] QRectF room() const;
+    /// The whole mosaic's area in the view, in logical pixels, aligned to those of the screen.
+    [[nodiscard]] QRectF fittedArea() const;
     [[nodiscard]] QString toolTipAt(QPoint position) const;
-    void compose();
+    void renderSlices();
+    void composeMosaic();
     void scroll(void (*step)(SliceMosaicLayout& layout, int nrOfSlices));
-    void paintTileMarks(QPainter& painter, const QRectF& area) const;
+    void drawMosaic(QPainter& painter, const QRectF& area) const;
+    void drawOverMosaic(QPainter& painter) const;
+    void drawReadOut(QPainter& painter) const;
+    /// Draws the frames of the regions on a picture of the mosaic.
+    void drawROIs(QPainter& painter, const MosaicTiles& tiles) const;
+    [[nodiscard]] MosaicTiles tilesOn(const QRectF& area) const;
+    [[nodiscard]] SliceRange slicesOfDrag() const;
+    void zoom(double by, QPointF position);
+    void zoomByKey(int key);
+    void panByKey(int key);
+    void click();
 
     QtCortivoDoc* document_;
     const OverlayThresholds& thresholds_;
@@ -69,10 +115,22 @@ private:
     // As the mosaic was composed: the document may be ahead of what is on the screen.
     SliceMosaicLayout shownLayout_;
     int nrOfShownSlices_ = 0; ///< that the mosaic chooses from
+    QSize shownGrid_;
+    bool inplanesShown_ = false;
+    std::vector<RegionFrame> regionFrames_;
     OverlayLegend legend_;
     bool outdated_ = true; ///< the mosaic is to be composed before it is drawn
     bool cleared_ = false;
     bool showInplanes_ = false;
     bool overlayShown_ = true;
+    int readOutVolume_ = firstVolumeAsRead;
+    RegionMarking marking_;
     QString helpFile_;
+
+    ViewZoom zoom_;
+    MouseAction action_ = MouseAction::None;
+    QPointF pressed_; ///< where the action began; for panning, where the pointer was last
+    RectangleDrag drag_;
+    std::optional<VoxelPosition> readOut_;
+    std::optional<VoxelPosition> readOutBeforeClick_; ///< for a double click, which takes it back
 };

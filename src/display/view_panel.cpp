@@ -6,12 +6,19 @@
 #include "run/session/run_session.h"
 
 #include <QBoxLayout>
+#include <QDockWidget>
+#include <QMainWindow>
 #include <QToolButton>
 
-ViewPanel::ViewPanel(RunSession& session, QWidget* parent) : QFrame(parent), session_(session) {
+ViewPanel::ViewPanel(RunSession& session, QWidget* parent)
+    : QFrame(parent), session_(session), area_(new QMainWindow(this, Qt::Widget)) {
     setObjectName("ImageView");
-    auto* views = new QVBoxLayout(this);
-    views->setContentsMargins(2, 2, 2, 2);
+    auto* frame = new QVBoxLayout(this);
+    frame->setContentsMargins(2, 2, 2, 2);
+    frame->addWidget(area_);
+    auto* views = new QWidget(area_);
+    (new QVBoxLayout(views))->setContentsMargins(0, 0, 0, 0);
+    area_->setCentralWidget(views);
     createButtons(parent);
     connect(slices_, &QToolButton::clicked, this, &ViewPanel::slicesWanted);
     session_.listeners.add(*this, ListenerPlace::Views);
@@ -56,12 +63,45 @@ void ViewPanel::refreshButtons() {
 void ViewPanel::update(bool keepFocus) {
     if (!functionalView_ || !functionalView_->isVisible())
         return;
-    functionalView_->setShowInplanes(session_.requests.pendingOverlayInplane == 1);
-    functionalView_->setOverlayShown(session_.report.mapsPresent);
-    functionalView_->setHelpFile(session_.settings.ParadigmHelpFile);
-    functionalView_->slotDocumentChanged();
+    showCurrentState();
     if (!keepFocus)
         functionalView_->setFocus();
+}
+
+void ViewPanel::showCurrentState() {
+    const OperatorRequests& requests = session_.requests;
+    functionalView_->setShowInplanes(requests.pendingOverlayInplane == 1);
+    functionalView_->setOverlayShown(session_.report.mapsPresent);
+    functionalView_->setHelpFile(session_.settings.ParadigmHelpFile);
+    functionalView_->setRegionMarking(
+        {.style = roiDisplayStyle_,
+         .colors = session_.regionColors,
+         .MultiSliceROISelection = session_.settings.MultiSliceROISelection,
+         .bestVoxelSelection = requests.regions.BestVoxelSelection});
+    const int measured = recordedVolumes(session_.report, session_.functionalDocument->project);
+    functionalView_->setVolumeReadOut(
+        requests.overlayVolumeMode == 0 || measured == 0 ? firstVolumeAsRead : measured - 1);
+    functionalView_->slotDocumentChanged();
+}
+
+void ViewPanel::setROIDisplayStyle(RoiDisplayStyle style) {
+    roiDisplayStyle_ = style;
+    if (documentShown())
+        showCurrentState();
+}
+
+bool ViewPanel::cancelDrag() {
+    return functionalView_ && functionalView_->cancelDrag();
+}
+
+void ViewPanel::showHelp() {
+    if (functionalView_)
+        functionalView_->slotShowHelpHTML();
+}
+
+void ViewPanel::dock(QDockWidget& window) {
+    area_->addDockWidget(Qt::BottomDockWidgetArea, &window);
+    window.hide();
 }
 
 void ViewPanel::showSlices() {
@@ -88,11 +128,20 @@ void ViewPanel::documentsLeaving() {
 void ViewPanel::documentsArrived(QtCortivoDoc& functional) {
     functionalView_ = new QtCortivoView(&functional, session_.requests.thresholds, this);
     functionalView_->setObjectName("FunctionalView");
-    layout()->addWidget(functionalView_);
+    area_->centralWidget()->layout()->addWidget(functionalView_);
     functionalView_->hide();
+    connect(functionalView_, &QtCortivoView::rectangleSelected, this,
+            [this](const VoxelRectangle& rectangle) {
+                (void)session_.regions.selectRectangle(rectangle);
+            });
 }
 
 void ViewPanel::runPrepared(QtCortivoDoc&) {
     functionalView_->show();
     refreshButtons();
+}
+
+void ViewPanel::regionsChanged(QtCortivoDoc&) {
+    if (documentShown())
+        showCurrentState();
 }

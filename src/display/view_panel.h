@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "display/region_marks.h"
 #include "run/loop/run_listeners.h"
 
 #include <QFrame>
 
+class QDockWidget;
+class QMainWindow;
 class QToolButton;
 class QtCortivoView;
 class RunSession;
@@ -28,19 +31,32 @@ public:
     void showSlices();
     void focusSlices();
     void saveAsBMP();
+    /// Opens the help file of the paradigm, if the settings name one.
+    void showHelp();
+    [[nodiscard]] RoiDisplayStyle roiDisplayStyle() const { return roiDisplayStyle_; }
+    void setROIDisplayStyle(RoiDisplayStyle style);
+    /// Docks a window below the views; the operator can make it float.
+    void dock(QDockWidget& window);
+    /// True when a rectangle was being dragged on the slices; it is given up.
+    bool cancelDrag();
 
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override;
     void runPrepared(QtCortivoDoc& functional) override;
+    void regionsChanged(QtCortivoDoc& functional) override;
 
 Q_SIGNALS:
     void slicesWanted();
 
 private:
     void createButtons(QWidget* parent);
+    /// Passes on what the session has, and has the view repainted.
+    void showCurrentState();
 
     RunSession& session_;
+    QMainWindow* area_; ///< the views in its middle, docked windows around them
     QtCortivoView* functionalView_ = nullptr;
+    RoiDisplayStyle roiDisplayStyle_ = RoiDisplayStyle::RectanglesAndMarkedVoxels;
     QToolButton* slices_ = nullptr;
     /// Buttons of views that don't exist yet.
     QToolButton* volume_ = nullptr;

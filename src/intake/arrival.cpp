@@ -35,7 +35,7 @@ void readFolders(const QStringList& folders) {
 class Pauses {
 public:
     Pauses(const QStringList& names, const WaitTimes& times, EventPump& pump)
-        : folders_(foldersOf(names)), times_(times), pump_(pump) {}
+        : folders_(foldersOf(names)), times_(times), pump_(pump), pace_(pump) {}
 
     /// A scanner that writes many small files, or one in many pieces, changes the folder all the
     /// time: a change is followed by rounds at this interval before the next one is watched for.
@@ -50,27 +50,15 @@ public:
             quickPauses_ = times_.pollMilliseconds / quickMilliseconds;
         constexpr qint64 patienceMilliseconds = 1000;
         if (waitedMilliseconds >= patienceMilliseconds)
-            lookAtFolders();
+            pace_.whenDue([this] { readFolders(folders_); });
     }
 
 private:
-    /// A large folder on a slow mount must not freeze the window: listing takes at most a tenth of
-    /// the time.
-    void lookAtFolders() {
-        constexpr qint64 restPerReading = 9;
-        const qint64 start = pump_.milliseconds();
-        if (start < nextReading_)
-            return;
-        readFolders(folders_);
-        const qint64 end = pump_.milliseconds();
-        nextReading_ = end + restPerReading * (end - start);
-    }
-
     QStringList folders_;
     WaitTimes times_;
     EventPump& pump_;
     int quickPauses_ = 0;
-    qint64 nextReading_ = 0;
+    FolderPace pace_;
 };
 
 } // namespace

@@ -19,6 +19,7 @@ ImageKind ImageKind::singleSlice() {
 std::optional<DicomVolumeReader::Image>
 DicomVolumeReader::awaitImage(const ExpectedFile& expected, Stage stage, size_t nrOfSamples) {
     const StopWatch watch = newWatch();
+    const FileWaitScope told = tellWait(expected);
     const QString path = awaitFile(expected,
                                    {.timeOutMilliseconds = settings().timeOutMilliseconds,
                                     .settleMilliseconds = kind_.settleMilliseconds},

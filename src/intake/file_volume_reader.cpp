@@ -24,6 +24,14 @@ void FileVolumeReader::takeFirstFile(const QString& path) {
     project().FirstDataSourceFile = paths::fileName(path);
 }
 
+FileWaitScope FileVolumeReader::tellWait(const ExpectedFile& expected) {
+    return {state().fileWait,
+            {.file = expected,
+             .missingPart = {},
+             .start = pump().milliseconds(),
+             .timeOutMilliseconds = settings().timeOutMilliseconds}};
+}
+
 bool FileVolumeReader::waitAgain(const StopWatch& watch, int pollMilliseconds) {
     if (pump().waitsGivenUp() || watch.elapsed() > settings().timeOutMilliseconds)
         return false;

@@ -5,6 +5,7 @@
 #include "base/byte_reader.h"
 #include "base/event_pump.h"
 #include "intake/dicom_header.h"
+#include "intake/file_wait.h"
 #include "run/settings/run_settings.h"
 #include "volume/fmr_project.h"
 
@@ -14,6 +15,8 @@ struct IntakeState {
     ByteOrder rawDataByteOrder = ByteOrder::Little;
     /// The watch folder of this run, determined when the run is prepared.
     QString watchFolder;
+    /// Set while a run waits for a file or for lines of one.
+    std::optional<FileWait> fileWait;
 };
 
 struct IntakeContext {

@@ -5,6 +5,7 @@
 
 std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitSamples(const RawFile& file) {
     const StopWatch watch = newWatch();
+    const FileWaitScope told = tellWait(file.expected);
     const QString path = awaitFile(file.expected,
                                    {.timeOutMilliseconds = settings().timeOutMilliseconds,
                                     .pollMilliseconds = file.pollMilliseconds,

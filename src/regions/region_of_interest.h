@@ -3,6 +3,7 @@
 #pragma once
 
 #include "regions/region_samples.h"
+#include "volume/volume_geometry.h"
 
 #include <vector>
 
@@ -24,6 +25,11 @@ struct VoxelList {
 
     bool operator==(const VoxelList&) const = default;
     [[nodiscard]] size_t size() const { return x.size(); }
+    /// Where the samples of the voxel at a position in the list lie in a volume.
+    [[nodiscard]] size_t offset(size_t position, const VolumeSize& volume) const {
+        return size_t(z[position]) * volume.sliceSamples() +
+               size_t(y[position]) * size_t(volume.x) + size_t(x[position]);
+    }
     void append(int voxelX, int voxelY, int voxelZ) {
         x.push_back(voxelX);
         y.push_back(voxelY);
@@ -66,7 +72,7 @@ struct RegionOfInterest {
 
     float MaxPSC = defaultMaxPSC; ///< percent signal change that fills the feedback display
 
-    /// The voxels' values, kept side by side for the sums.
+    /// The voxels' values, kept side by side for the sums; forget() when voxels or volumes change.
     RegionSamples samples;
 
     [[nodiscard]] int NrOfVoxels() const { return int(voxels.size()); }

@@ -15,7 +15,7 @@ struct SelectionMaps {
     float Threshold = 3.0f;
     int ClusterSizePixels = 4;
     /// The shown maps of plug-ins, each of size.samples() values; may be empty.
-    std::vector<std::span<const float>> pluginMaps;
+    std::vector<std::span<const float>> pluginMaps = {};
 };
 
 /// The slices, from 0, that a selection of `nrOfSlices` around `slice` covers: [first, last], both

@@ -5,6 +5,9 @@
 #include <span>
 #include <vector>
 
+/// In double; 0 for no values.
+[[nodiscard]] double meanOf(std::span<const float> values);
+
 /// Mean over standard deviation (n - 1) of the curve; 0 for fewer than 2 values or without
 /// variation.
 [[nodiscard]] double temporalSignalToNoise(std::span<const float> values);

@@ -97,6 +97,19 @@ bool toggleContrast(ContrastDefinitions& contrasts, int index, ContrastState bit
     return true;
 }
 
+bool selectContrastAlone(ContrastDefinitions& contrasts, int index) {
+    std::vector<int>& states = contrasts.ContrastSelectionStates;
+    if (index < 0 || size_t(index) >= states.size())
+        return false;
+    switchContrastsOff(contrasts);
+    states[size_t(index)] = ContrastPositive;
+    return true;
+}
+
+void switchContrastsOff(ContrastDefinitions& contrasts) {
+    std::ranges::fill(contrasts.ContrastSelectionStates, int(ContrastOff));
+}
+
 bool setConjunction(ContrastDefinitions& contrasts, bool on) {
     contrasts.ConjunctionAnalysis = on && nrOfSelectedContrasts(contrasts) >= 2;
     return contrasts.ConjunctionAnalysis == on;

@@ -49,6 +49,11 @@ void rebuildContrastWeights(ContrastDefinitions& contrasts, const DesignMatrix& 
 /// fifth contrast, or when there is no such contrast or bit. The caller sets ContrastsChanged: it
 /// knows whether a run is active.
 bool toggleContrast(ContrastDefinitions& contrasts, int index, ContrastState bit);
+/// Selects the positive values of this contrast and switches all others off. False, without a
+/// change, when there is no such contrast.
+bool selectContrastAlone(ContrastDefinitions& contrasts, int index);
+/// Switches all contrasts off; their definitions stay.
+void switchContrastsOff(ContrastDefinitions& contrasts);
 /// Number of selection states above 0.
 [[nodiscard]] int nrOfSelectedContrasts(const ContrastDefinitions& contrasts);
 /// Switches the conjunction on or off. False, with the conjunction off, when `on` but fewer than

@@ -148,8 +148,7 @@ bool createConditionPredictors(DesignMatrix& design, const DesignSource& source)
     return true;
 }
 
-bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
-                              const QString& workingFolder) {
+bool fillConfoundColumns(DesignMatrix& design, const DesignSource& source) {
     design.NrOfVolumes = std::max(source.NrOfVolumes, 0);
     const int confounds = design.NrOfConfoundPredictors;
     for (int c = 0; c < confounds; ++c) {
@@ -162,6 +161,14 @@ bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
         for (int t = 0; t < design.NrOfVolumes; ++t)
             column[size_t(t)] = confoundValue(c, confounds, t, design.NrOfVolumes);
     }
+    return true;
+}
+
+bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
+                              const QString& workingFolder) {
+    if (!fillConfoundColumns(design, source))
+        return false;
+    const int confounds = design.NrOfConfoundPredictors;
     if (design.NrOfPredictors - confounds != design.NrOfConditionPredictors)
         showCritical("INTERNAL ERROR - NrOfPredictors wrong");
     const QString path = paths::join(workingFolder, "Realtime_DesignMatrix.txt");

@@ -88,6 +88,9 @@ void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& sourc
 /// it is recomputed only when its inputs have changed: an event changes one or two columns. When
 /// memory runs out the program ends with status 1 after a message; false then.
 [[nodiscard]] bool createConditionPredictors(DesignMatrix& design, const DesignSource& source);
+/// Fills the confound columns: the constant, then the drift terms. False when memory runs out,
+/// which ends the program with status 1 after a message.
+[[nodiscard]] bool fillConfoundColumns(DesignMatrix& design, const DesignSource& source);
 /// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `workingFolder`. When
 /// memory runs out the program ends with status 1 after a message; false then. Failure to write the
 /// text file only gives a warning, since nothing in the run reads it.

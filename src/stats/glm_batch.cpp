@@ -8,6 +8,16 @@
 
 namespace {
 
+void solveVoxels(GLMState& glm, const FMRProject& project, const BrainMask& mask,
+                 const BatchDesign& batch, BatchScratch& scratch) {
+    forEachBlockOverTime(
+        mask, project, batch.n, [&](const auto& samples, size_t first, size_t count) {
+            solveBlock(batch, samples, count, scratch, glm.values.data() + first, glm.nrOfVoxels);
+        });
+}
+
+} // namespace
+
 std::vector<int> activePredictorsAt(const DesignMatrix& design, int volumeIndex) {
     std::vector<int> columns;
     const int conditions =
@@ -21,7 +31,6 @@ std::vector<int> activePredictorsAt(const DesignMatrix& design, int volumeIndex)
     return columns;
 }
 
-/// X, and the inverse of X'X, in float. False when memory runs out or the inversion fails.
 bool makeBatchDesign(BatchDesign& batch, const DesignMatrix& design,
                      const std::vector<int>& columns, int n) {
     const int p = int(columns.size());
@@ -39,16 +48,6 @@ bool makeBatchDesign(BatchDesign& batch, const DesignMatrix& design,
                                            false);
     return numerics::invertMatrix(xx, batch.inverse, p);
 }
-
-void solveVoxels(GLMState& glm, const FMRProject& project, const BrainMask& mask,
-                 const BatchDesign& batch, BatchScratch& scratch) {
-    forEachBlockOverTime(
-        mask, project, batch.n, [&](const auto& samples, size_t first, size_t count) {
-            solveBlock(batch, samples, count, scratch, glm.values.data() + first, glm.nrOfVoxels);
-        });
-}
-
-} // namespace
 
 float designValue(const DesignMatrix& design, int column, int volumeIndex) {
     const std::vector<float>& values = design.PredictorColumns[size_t(column)];

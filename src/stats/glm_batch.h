@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <vector>
+
+struct BatchDesign;
 struct BrainMask;
 struct DesignMatrix;
 struct FMRProject;
@@ -20,6 +23,15 @@ struct GLMState;
 /// the whole design.
 [[nodiscard]] bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& design,
                               const BrainMask& mask, int volumeIndex);
+
+/// The columns of a model solved at this volume: the condition columns whose onset is at or before
+/// it, then all confound columns. Conditions without an entry in PredictorOnsets are left out.
+[[nodiscard]] std::vector<int> activePredictorsAt(const DesignMatrix& design, int volumeIndex);
+
+/// X of these columns (at least one) for the volumes 0 to nrOfVolumes - 1, and the inverse of X'X,
+/// both in float. False when the inversion fails or memory runs out, which end the program.
+[[nodiscard]] bool makeBatchDesign(BatchDesign& batch, const DesignMatrix& design,
+                                   const std::vector<int>& columns, int nrOfVolumes);
 
 /// Value of a design column at a volume; 0 beyond its end.
 [[nodiscard]] float designValue(const DesignMatrix& design, int column, int volumeIndex);

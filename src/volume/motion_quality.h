@@ -20,6 +20,7 @@ inline constexpr double framewiseDisplacementLimit = 0.5;
 
 /// DVARS of a volume in percent: root mean square over the voxels in the mask (non-zero bytes) of
 /// the difference to the volume before, divided by the mean of the volume before over these voxels.
-/// The same paper. 0 without voxels or with a mean of 0. All of one length.
+/// The same paper. 0 without voxels in the mask, where that mean is not positive, or when the
+/// lengths differ.
 [[nodiscard]] double volumeDVARS(std::span<const int16_t> before, std::span<const int16_t> now,
                                  std::span<const uint8_t> mask);

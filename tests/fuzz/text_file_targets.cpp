@@ -1,6 +1,9 @@
-// Text files that a run reads: settings, protocols, project headers and contrasts.
+// Text files that a run reads: settings, protocols, project headers, contrasts and regions.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/fuzz_target.h"
+#include "regions/region_selection.h"
+#include "regions/region_time_courses.h"
+#include "regions/roi_file.h"
 #include "run/protocol/prt_file.h"
 #include "run/protocol/real_time_protocol.h"
 #include "run/protocol/tdat_protocol.h"
@@ -130,6 +133,54 @@ bool ctr(std::span<const uint8_t> bytes) {
     return true;
 }
 
+/// The region as a run makes it from its file.
+void createSavedRegion(Regions& regions, const FMRProject& project, const SavedRegion& saved) {
+    StatisticalMaps none;
+    const VoxelList voxels = saved.voxels ? *saved.voxels
+                                          : selectROIVoxels({.size = project.size(), .maps = none},
+                                                            false, 2, saved.rectangle);
+    for (size_t i = 0; i < voxels.size(); ++i)
+        require(isInside(project.size(), voxels.x[i], voxels.y[i], voxels.z[i]), "voxels inside");
+    if (voxels.size() == 0)
+        return;
+    RegionOptions options{.BestVoxelSelection = true};
+    options.TopVoxelRatio = saved.TopVoxelRatio.value_or(options.TopVoxelRatio);
+    RegionOfInterest& region = createROIFromVoxels(regions, project, project.NrOfVolumes, voxels,
+                                                   saved.rectangle, options);
+    region.SortedVoxelList = saved.SortedVoxelList;
+    std::vector<int> positions = saved.SortedVoxelList;
+    std::ranges::sort(positions);
+    for (size_t i = 0; i < positions.size(); ++i)
+        require(positions.size() == voxels.size() && positions[i] == int(i), "each position once");
+    updateTimeCourse(region, project, project.NrOfVolumes, true);
+}
+
+// Files of regions.
+bool roi(std::span<const uint8_t> bytes) {
+    FMRProject project;
+    project.ResolutionX = 16;
+    project.ResolutionY = 12;
+    project.NrOfSlices = 5;
+    project.NrOfVolumes = 3;
+    require(project.allocateVolumes(), "there is memory");
+    SavedRegions saved;
+    if (parseROIFile(QString::fromUtf8(QByteArrayView(bytes)), project.size(), saved) !=
+        RoiFileResult::Ok)
+        return false;
+    Regions regions;
+    for (const SavedRegion& region : saved.regions)
+        createSavedRegion(regions, project, region);
+    SavedRegions again;
+    const QByteArray written =
+        roiFileText(regions, {.BestVoxelSelection = true, .saveMaxPSC = true});
+    require(parseROIFile(QString::fromUtf8(written), project.size(), again) == RoiFileResult::Ok,
+            "a written file reads");
+    require(int(again.regions.size()) == regions.count(), "no region is lost");
+    for (int i = 0; i < regions.count(); ++i)
+        require(again.regions[size_t(i)].voxels == regions[i].voxels, "no voxel changes");
+    return true;
+}
+
 } // namespace
 
 std::vector<FuzzTarget> textFileTargets() {
@@ -138,5 +189,6 @@ std::vector<FuzzTarget> textFileTargets() {
             {"rtp", rtp},
             {"tdat", tdat},
             {"fmr", fmr},
-            {"ctr", ctr}};
+            {"ctr", ctr},
+            {"roi", roi}};
 }

@@ -8,4 +8,6 @@ struct SliceMosaicLayout {
     int FirstShownSlice = 0;
     int SliceScrollForward = 1;
     int SliceScrollBackward = 1;
+
+    bool operator==(const SliceMosaicLayout&) const = default;
 };

@@ -7,6 +7,11 @@
 
 #include <functional>
 
+/// Path of a file of results: the project's name with `extension`, which has its dot, in its target
+/// folder; `unnamed` serves a run without a project name.
+[[nodiscard]] QString resultPath(const FMRProject& project, const QString& extension,
+                                 const QString& unnamed);
+
 /// Asks whether files that could not be written into `folder` are to be tried again.
 [[nodiscard]] bool askToSaveAgain(const QString& folder);
 

@@ -126,6 +126,16 @@ QStringList conditionsThatNeverEnter(const QtCortivoDoc& document, const RunSett
     return conditionsWithoutModel(planned);
 }
 
+bool rebuildDesign(DesignMatrix& design, const QtCortivoDoc& document,
+                   const RunSettings& settings) {
+    const DesignSource source = designSource(document, settings);
+    design = document.design;
+    if (!createConditionPredictors(design, source) || !fillConfoundColumns(design, source))
+        return false;
+    findPredictorOnsets(design, source.NrOfVolumes);
+    return true;
+}
+
 bool prepareModel(QtCortivoDoc& document, const RunSettings& settings) {
     if (document.protocol.nrOfConditions() == 0) {
         showCritical("ERROR: No conditions specified!");

@@ -23,6 +23,11 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
 /// program ends after a message; false also after a message when memory runs out.
 [[nodiscard]] bool prepareModel(QtCortivoDoc& document, const RunSettings& settings);
 
+/// The design of a run that is over, with its columns and onsets: the document's own has lost its
+/// columns. False when memory runs out, which ends the program after a message.
+[[nodiscard]] bool rebuildDesign(DesignMatrix& design, const QtCortivoDoc& document,
+                                 const RunSettings& settings);
+
 /// Conditions of a complete protocol that will never enter the model of this run, by name; see
 /// conditionsWithoutModel(). None for a protocol that arrives during the run, and for a run of
 /// fewer than 12 volumes, which gets no model.

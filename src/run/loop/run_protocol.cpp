@@ -8,6 +8,7 @@
 #include "run/protocol/prt_file.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace {
 
@@ -68,13 +69,14 @@ struct Arriving {
     std::function<ProtocolUpdate()> readUpdate;
     std::function<bool()> hasEnded; ///< by its own word: no more lines come
     int coveredVolumes = 0;         ///< how many volumes must be covered
+    QString path;
     const char* timeOutText = "";
 };
 
 Arriving arrivingTDAT(QtCortivoDoc& document, int volumeIndex) {
     TDATProtocol& tdat = document.tdatProtocol;
     return {[&] { return readTDATUpdate(document.protocol, tdat); },
-            [&] { return tdat.state.runEnded; }, volumeIndex,
+            [&] { return tdat.state.runEnded; }, volumeIndex, document.protocol.tdatPath,
             "TIME OUT ERROR: expected tdat condition info not available!"};
 }
 
@@ -86,6 +88,7 @@ Arriving arrivingRTP(const RunParts& run, int volumeIndex) {
                 return readRTPUpdate(length, document.protocol, realTime);
             },
             [&] { return realTime.state.rtpFinished; }, volumeIndex + 1,
+            document.protocol.realTimeProtocolPath,
             "TIME OUT ERROR: expected real time protocol condition info not available!"};
 }
 
@@ -94,10 +97,18 @@ bool covers(const QtCortivoDoc& document, int volumes) {
            volumes * double(document.project.TR);
 }
 
+FileWait lineWait(const RunParts& run, const Arriving& arriving) {
+    return {.file = {.names = {QFileInfo(arriving.path).absoluteFilePath()}},
+            .missingPart = QString("lines up to volume %1").arg(arriving.coveredVolumes + 1),
+            .start = run.pump.milliseconds(),
+            .timeOutMilliseconds = run.settings.timeOutMilliseconds};
+}
+
 // Takes a line for each look, as long as it needs more. Lines that are there are taken without a
 // wait between them: a backlog shrinks as fast as it can be read.
 bool followProtocol(const RunParts& run, const Arriving& arriving, bool& intervalsChanged) {
     const StopWatch waited(run.pump);
+    const FileWaitScope told(run.intake.fileWait, lineWait(run, arriving));
     const auto takeLine = [&run, &arriving] {
         const ProtocolUpdate taken = arriving.readUpdate();
         if (taken.lineTaken)

@@ -5,6 +5,7 @@
 #include "base/paths.h"
 #include "base/plain_file.h"
 #include "base/text_reading.h"
+#include "regions/roi_file.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/protocol/prt_file.h"
 #include "stats/contrast_file.h"
@@ -25,11 +26,8 @@ struct SaveStep {
     std::function<bool()> write;
 };
 
-// `extension` with its dot; `unnamed` serves a run without a project name.
-QString resultPath(const RunParts& run, const QString& extension, const QString& unnamed) {
-    const QString name = paths::fileName(run.document.project.projectPath);
-    return paths::join(run.document.project.targetFolder,
-                       name.isEmpty() ? unnamed : paths::withoutExtension(name) + extension);
+QString regionFileName(const FMRProject& project) {
+    return resultPath(project, ".roi", "Selected.roi");
 }
 
 // What the project file states beside the settings: the live layout and the protocol.
@@ -73,13 +71,17 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
          }},
         {-1,
          [&] {
-             return writeMapFile(resultPath(run, ".mps", "Maps.mps"), document.maps,
+             return writeMapFile(resultPath(project, ".mps", "Maps.mps"), document.maps,
                                  run.requests.thresholds, document.contrasts);
          }},
         {90,
          [&] {
-             return writeContrastFile(resultPath(run, ".ctr", "Contrasts.ctr"), document.contrasts,
-                                      document.design.NrOfContrastPredictors);
+             return writeContrastFile(resultPath(project, ".ctr", "Contrasts.ctr"),
+                                      document.contrasts, document.design.NrOfContrastPredictors);
+         }},
+        {-1,
+         [&] {
+             return writeROIFile(regionFileName(project), document.regions, run.requests.regions);
          }},
         {-1,
          [&, volumes] {
@@ -116,8 +118,9 @@ bool filesReadBack(const RunParts& run) {
         parseFMR(text, FMRScope::Inspection, header) != FMRParseResult::Ok ||
         header.size() != project.size() || header.NrOfVolumes != volumes)
         return false;
-    QStringList others{document.protocol.protocolPath, resultPath(run, ".mps", "Maps.mps"),
-                       resultPath(run, ".ctr", "Contrasts.ctr"), firstVolumeFileName(project)};
+    QStringList others{document.protocol.protocolPath, resultPath(project, ".mps", "Maps.mps"),
+                       resultPath(project, ".ctr", "Contrasts.ctr"), regionFileName(project),
+                       firstVolumeFileName(project)};
     if (run.settings.MotionCorrection && !document.motion.motionParameters[0].empty())
         others << motionParametersFileName(project);
     const bool othersReadable = std::ranges::all_of(others, [](const QString& name) {
@@ -128,6 +131,12 @@ bool filesReadBack(const RunParts& run) {
 }
 
 } // namespace
+
+QString resultPath(const FMRProject& project, const QString& extension, const QString& unnamed) {
+    const QString name = paths::fileName(project.projectPath);
+    return paths::join(project.targetFolder,
+                       name.isEmpty() ? unnamed : paths::withoutExtension(name) + extension);
+}
 
 bool askToSaveAgain(const QString& folder) {
     return askQuestion(QStringLiteral("WARNING: The recorded data could not be saved completely in "

@@ -170,7 +170,7 @@ bool decodeListenerRecord(std::span<const uint8_t> payload, ListenerRecord& reco
     record.moment = RecordMoment(moment);
     record.record.name = reader.sizedBytes();
     record.record.content = reader.sizedBytes();
-    return !reader.failed() && moment <= uint8_t(RecordMoment::Waiting);
+    return !reader.failed() && moment <= uint8_t(RecordMoment::BeforeRegions);
 }
 
 std::span<const uint8_t> sampleBytes(std::span<const int16_t> samples,
@@ -188,4 +188,11 @@ bool copySamples(std::span<const uint8_t> bytes, std::span<int16_t> samples) {
         return false;
     qFromLittleEndian<quint16>(bytes.data(), qsizetype(samples.size()), samples.data());
     return true;
+}
+
+bool notAfter(RecordMoment first, RecordMoment second) {
+    const auto place = [](RecordMoment moment) {
+        return moment == RecordMoment::BeforeRegions ? -1 : int(moment);
+    };
+    return place(first) <= place(second);
 }

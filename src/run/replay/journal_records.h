@@ -44,11 +44,16 @@ struct VolumeArrival {
 };
 
 /// Where in the cycle of the volume before it in the journal a listener's record was made.
+/// As it stands in the file; notAfter() tells the order in a volume.
 enum class RecordMoment : uint8_t {
-    BeforeModel = 0, ///< from the volume's arrival to its model
-    AfterModel = 1,  ///< to the end of the volume
-    Waiting = 2,     ///< for the next one
+    BeforeModel = 0,   ///< from the regions' time courses to the model
+    AfterModel = 1,    ///< to the end of the volume
+    Waiting = 2,       ///< for the next one
+    BeforeRegions = 3, ///< from the volume's arrival to the regions' time courses
 };
+
+/// True when `first` is not after `second` in the cycle of a volume.
+[[nodiscard]] bool notAfter(RecordMoment first, RecordMoment second);
 
 struct ListenerRecord {
     RecordMoment moment = RecordMoment::Waiting;

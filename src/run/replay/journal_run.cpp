@@ -267,7 +267,7 @@ bool JournalRun::readProtocolOn() {
 void JournalRun::playUpTo(RecordMoment moment) {
     std::vector<ListenerRecord> due;
     std::erase_if(records_, [&](const ListenerRecord& record) {
-        const bool isDue = record.moment <= moment;
+        const bool isDue = notAfter(record.moment, moment);
         if (isDue)
             due.push_back(record);
         return isDue;
@@ -282,7 +282,9 @@ void JournalRun::playUpTo(RecordMoment moment) {
 }
 
 bool JournalRun::atStep(VolumeStep step, const VolumeAtHand&) {
-    if (step == VolumeStep::LetterDecoder)
+    if (step == VolumeStep::LoadRegions)
+        playUpTo(RecordMoment::BeforeRegions);
+    else if (step == VolumeStep::LetterDecoder)
         playUpTo(RecordMoment::BeforeModel);
     return true;
 }

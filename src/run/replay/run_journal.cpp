@@ -170,7 +170,7 @@ void RunJournal::tellOfFault() {
 }
 
 bool RunJournal::beforeVolume(const VolumeAtHand& hand) {
-    moment_ = RecordMoment::BeforeModel;
+    moment_ = RecordMoment::BeforeRegions;
     // The latest volume of a journal that is continued is in it already.
     if (!writer_ || hand.volume <= volume_)
         return true;
@@ -185,6 +185,8 @@ bool RunJournal::beforeVolume(const VolumeAtHand& hand) {
 }
 
 bool RunJournal::atStep(VolumeStep step, const VolumeAtHand&) {
+    if (step == VolumeStep::RegionTimeCourses)
+        moment_ = RecordMoment::BeforeModel;
     if (step == VolumeStep::AfterModel)
         moment_ = RecordMoment::AfterModel;
     return true;

@@ -16,7 +16,8 @@
 #include <QScopeGuard>
 
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
-    : journal(listeners, pump), makeReader(makeVolumeReader), pump_(pump), display_(display),
+    : journal(listeners, pump), regions({settings, phase, report, requests, listeners}),
+      makeReader(makeVolumeReader), pump_(pump), display_(display),
       operatorRecords_(listeners, requests) {
     numerics::initialiseNumerics();
 }
@@ -78,11 +79,19 @@ void RunSession::requestStop() {
 }
 
 bool RunSession::inspectSettings() {
-    return readSettingsFile(settings, SettingsUse::Inspection, stopTimer);
+    if (!readSettingsFile(settings, SettingsUse::Inspection, stopTimer))
+        return false;
+    keepChosenROISlices();
+    return true;
+}
+
+void RunSession::keepChosenROISlices() {
+    settings.MultiSliceROISelection = chosenROISlices_.value_or(settings.MultiSliceROISelection);
 }
 
 void RunSession::changeSettingsFile(const QString& path) {
     listeners.settingsFileChanged();
+    chosenROISlices_.reset();
     report.currentVolume = -1;
     report.elapsedRunTime = 0;
     report.outcomeText.clear();
@@ -132,6 +141,7 @@ bool RunSession::recordRun(RunSource& source, const std::function<void()>& prepa
         closeProtocol(*functionalDocument);
         return false;
     }
+    keepChosenROISlices();
     QString colors;
     if (!settings.ROIColorsFile.isEmpty() && readTextFile(settings.ROIColorsFile, colors))
         parseRegionColors(colors, regionColors);
@@ -158,6 +168,7 @@ bool RunSession::reloadData() {
 bool RunSession::loadRun() {
     if (!reloadRun(parts(), stopTimer))
         return false;
+    keepChosenROISlices();
     report.runFinished = true;
     report.savedCompletely = true;
     setRunButton(RunButtonState::NoSettingsFile);
@@ -179,8 +190,10 @@ bool RunSession::postprocess(const PostprocessingOptions& options, bool recomput
     const int volumes = volumesForPostprocessing();
     // It changes the samples in memory, which may be nowhere else.
     return volumes > 0 && mayLeaveRun() && inPhase(Phase::PostProcessing, [&] {
-               if (!postprocessRunInMemory(parts(), volumes, options, recomputeStatistics,
-                                           progress))
+               const bool done =
+                   postprocessRunInMemory(parts(), volumes, options, recomputeStatistics, progress);
+               regions.samplesChanged();
+               if (!done)
                    return false;
                const FMRProject& project = functionalDocument->project;
                const QString name = paths::fileName(

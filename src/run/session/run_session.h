@@ -16,6 +16,7 @@
 #include "run/replay/journal_run.h"
 #include "run/replay/operator_records.h"
 #include "run/replay/run_journal.h"
+#include "run/session/session_regions.h"
 #include "run/settings/run_settings.h"
 #include "volume/postprocessing_options.h"
 
@@ -86,6 +87,9 @@ public:
     /// False, with the conjunction off, when it is wanted of fewer than two selected contrasts.
     bool changeConjunction(bool wanted);
     void changeColorCoding(bool significance);
+    /// Slices that the next selection of a region takes in, at least 1; holds until another
+    /// settings file is chosen.
+    void changeMultiSliceROISelection(int slices);
     void showOnFirstVolume();
     void showOnCurrentVolume();
     void showOnInplanes();
@@ -106,6 +110,7 @@ public:
     IntakeState intake;
     RunListeners listeners;
     RunJournal journal;
+    SessionRegions regions;
     bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file
@@ -131,6 +136,7 @@ private:
     [[nodiscard]] bool loadRun();
     void replaceDocuments();
     void takeUpChanges();
+    void keepChosenROISlices();
     void resetBackground();
     void mapsChanged();
     void noteChange();
@@ -140,6 +146,7 @@ private:
     OperatorRecords operatorRecords_;
     RunButtonState runButton_ = RunButtonState::Ready;
     FolderLock targetLock_;
-    bool clustersOutdated_ = false; ///< by a change outside the idle phase
-    QString brokenOffJournal_;      ///< of the run that is only in memory; it holds a part of it
+    bool clustersOutdated_ = false;      ///< by a change outside the idle phase
+    std::optional<int> chosenROISlices_; ///< by the operator; reading the settings again keeps it
+    QString brokenOffJournal_; ///< of the run that is only in memory; it holds a part of it
 };

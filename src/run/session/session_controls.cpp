@@ -100,6 +100,11 @@ void RunSession::changeColorCoding(bool significance) {
     display_.updateViews();
 }
 
+void RunSession::changeMultiSliceROISelection(int slices) {
+    settings.MultiSliceROISelection = std::max(slices, 1);
+    chosenROISlices_ = settings.MultiSliceROISelection;
+}
+
 void RunSession::resetBackground() {
     if (!requests.overlayReset)
         return;

@@ -2,15 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "regions/region_of_interest.h"
+#include "base/messages.h"
+#include "run/loop/region_log_files.h"
 #include "run/loop/run_listeners.h"
+#include "run/loop/run_regions.h"
 
 #include <QString>
 
-struct OperatorRequests;
 struct RunReport;
-struct RunSettings;
-class Regions;
 class SessionPhase;
 
 /// A member of the session. It follows the run: loads the regions chosen for it, keeps their time
@@ -46,9 +45,10 @@ public:
     /// Writes them into a file that the operator chooses.
     void chooseFileToSave();
 
-    void setLogTimePoints(bool on);
-    void setLogTimeCourses(bool on);
-    void setLogBetas(bool on);
+    /// Switches one of the logs (saveRTPs, saveROITimeCourses, saveROIBetaTimeCourses).
+    void setLog(bool OperatorRequests::*log, bool on);
+    /// The volumes in memory have changed, by post-processing.
+    void samplesChanged();
 
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override;
@@ -57,6 +57,14 @@ public:
     void recordPlayed(const RunRecord& record) override;
 
 private:
+    [[nodiscard]] RegionRun run() const;
+    void noteChange();
+    void listChanged();
+    void loadSaved();
+
     Parts parts_;
     QtCortivoDoc* document_ = nullptr;
+    RegionLogFiles logs_;
+    OpenChooser chooser_;
+    bool played_ = false; ///< the run is recovered: its regions come from its records
 };

@@ -96,6 +96,7 @@ void SettingsFileWatch::start() {
 void SettingsFileWatch::showControls() {
     controls_.autoAdvanceRun = master_.autoAdvanceRun;
     controls_.autoStartRun = master_.autoStartRun;
+    controls_.preLoadedRegions = session_.requests.preLoadROIFile;
     controlsDisplay_.showInputControls(controls_);
 }
 
@@ -331,10 +332,9 @@ bool SettingsFileWatch::playBesideCurrentFile(const PlayOptions& options,
 void SettingsFileWatch::choosePreLoadedRegions() {
     // The lit state of the button shows auto-advance; a click does not change it.
     showControls();
-    const QString file =
+    session_.requests.preLoadROIFile =
         chooseFileToOpen("Open File", master_.settingsDirectory, "Region files (*.roi)");
-    if (!file.isEmpty())
-        session_.requests.preLoadROIFile = file;
+    showControls();
 }
 
 void SettingsFileWatch::choosePreLoadedVolumesOfInterest() {

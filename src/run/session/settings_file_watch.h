@@ -18,6 +18,7 @@ struct InputControls {
     bool preLoadPossible = true; ///< the buttons "Pre-Load ROI" and "Pre-Load VOI"
     bool autoAdvanceRun = false; ///< they are lit while these two are on
     bool autoStartRun = false;
+    QString preLoadedRegions; ///< the file chosen for the next run; empty for none
 };
 
 /// Implemented by the window; a test collects what it is told.
@@ -85,7 +86,8 @@ public:
     bool playSavedRun(const PlayOptions& options, bool isOwn);
     /// While held, the periodic look does nothing, so that no run starts by itself.
     void hold(bool held) { held_ = held; }
-    /// Files to be opened at the first volume of the next run.
+    /// Files to be opened at the first volume of each run from now on; a cancelled chooser clears
+    /// the choice.
     void choosePreLoadedRegions();
     void choosePreLoadedVolumesOfInterest();
 

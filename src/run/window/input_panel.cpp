@@ -21,6 +21,17 @@ QPushButton* newPreLoadButton(const char* name, const char* text, const QString&
     return button;
 }
 
+// HTML, which wraps.
+QString preLoadToolTip(const QString& chosen) {
+    const QString file =
+        chosen.isEmpty() ? QStringLiteral("None is chosen.")
+                         : QStringLiteral("Chosen: <b>%1</b>; cancel the file chooser to clear it.")
+                               .arg(chosen.toHtmlEscaped());
+    return QStringLiteral("<p>Choose a file of regions (.roi) to be opened at the first volume of "
+                          "each run from now on. %1 Lit while auto-advance is on.</p>")
+        .arg(file);
+}
+
 QIcon runButtonIcon(const char* name) {
     return QIcon(QStringLiteral(":/images/%1.png").arg(name));
 }
@@ -38,10 +49,7 @@ InputPanel::InputPanel(QWidget* parent)
                            this)),
       reload_(newIconButton("ReloadDataBtn", "reload",
                             "Reload the saved run of the current settings file", this)),
-      preLoadROI_(newPreLoadButton("AutoAdvanceRunBtn", "Pre-Load ROI",
-                                   "Choose a file of regions (.roi) to be opened at the first "
-                                   "volume of the next run. Lit while auto-advance is on",
-                                   this)),
+      preLoadROI_(newPreLoadButton("AutoAdvanceRunBtn", "Pre-Load ROI", {}, this)),
       preLoadVOI_(newPreLoadButton("AutoStartRunBtn", "Pre-Load VOI",
                                    "Choose a file of volumes of interest (.voi) to be mapped at "
                                    "the first volume of the next run. Lit while auto-start is on",
@@ -87,6 +95,7 @@ void InputPanel::showControls(const InputControls& controls) {
     reload_->setEnabled(controls.reloadPossible);
     preLoadROI_->setEnabled(controls.preLoadPossible);
     preLoadVOI_->setEnabled(controls.preLoadPossible);
+    preLoadROI_->setToolTip(preLoadToolTip(controls.preLoadedRegions));
     preLoadROI_->setChecked(controls.autoAdvanceRun);
     preLoadVOI_->setChecked(controls.autoStartRun);
 }

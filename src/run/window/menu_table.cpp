@@ -30,6 +30,50 @@ bool codesContrasts(VeloCortivo& window) {
     return documentExists(window) && !codesSignificance(window);
 }
 
+bool averagesEpochs(VeloCortivo& window) {
+    return window.timeCourses().epochBased();
+}
+
+bool showsDetrended(VeloCortivo& window) {
+    return window.timeCourses().detrended();
+}
+
+bool regionsMayChange(VeloCortivo& window) {
+    return window.session().regions.mayChange();
+}
+
+bool regionsExist(VeloCortivo& window) {
+    return regionsMayChange(window) && !window.session().regions.list()->empty();
+}
+
+bool logsTimePoints(VeloCortivo& window) {
+    return window.session().requests.saveRTPs;
+}
+
+bool logsTimeCourses(VeloCortivo& window) {
+    return window.session().requests.saveROITimeCourses;
+}
+
+bool logsBetas(VeloCortivo& window) {
+    return window.session().requests.saveROIBetaTimeCourses;
+}
+
+bool showsRectangles(VeloCortivo& window) {
+    return window.roiDisplayStyle() == RoiDisplayStyle::Rectangles;
+}
+
+bool showsMarkedVoxels(VeloCortivo& window) {
+    return window.roiDisplayStyle() == RoiDisplayStyle::MarkedVoxels;
+}
+
+bool showsBoth(VeloCortivo& window) {
+    return window.roiDisplayStyle() == RoiDisplayStyle::RectanglesAndMarkedVoxels;
+}
+
+bool paradigmHelpExists(VeloCortivo& window) {
+    return !window.session().settings.ParadigmHelpFile.isEmpty();
+}
+
 bool inplanesExist(VeloCortivo& window) {
     return window.session().requests.pendingOverlayInplane != -1;
 }
@@ -46,37 +90,74 @@ bool onCurrentVolume(VeloCortivo& window) {
     return !onInplanes(window) && window.session().requests.overlayVolumeMode != 0;
 }
 
+constexpr char laterEditors[] = "The editors of settings and protocols come in a later version";
+constexpr char laterClassification[] = "Classification comes in a later version";
+constexpr char laterAnatomy[] = "Anatomy and volumes come in a later version";
 constexpr auto Always = MenuPhase::Always;
 constexpr auto Idle = MenuPhase::Idle;
+constexpr auto Regions = MenuPhase::RegionsMayChange;
+constexpr auto Later = MenuPhase::Later;
 constexpr bool separator = true;
 using Window = VeloCortivo;
 
 struct MenuTitle {
     const char* title;
-    void (VeloCortivo::*aboutToShow)(); ///< null for a menu that never changes
+    void (VeloCortivo::*aboutToShow)();
 };
 
 constexpr MenuTitle titles[] = {{"&File", &Window::slotFileMenuAboutToShow},
                                 {"&Analysis", &Window::slotAnalysisMenuAboutToShow},
                                 {"&View", &Window::slotViewMenuAboutToShow},
-                                {"&Help", nullptr}};
+                                {"&Multi-Run", &Window::slotMultiRunMenuAboutToShow},
+                                {"&Plugins", &Window::onPluginsMenuAboutToShow},
+                                {"&Help", &Window::slotHelpMenuAboutToShow}};
 
 // clang-format off
 constexpr MenuEntry entries[] = {
     {"&File", "Set New VCO File...", &Window::slotSetVCOSettingsFile, Idle},
+    {.menu = "&File", .text = "Edit VCO File...", .slot = &Window::slotEditVCOSettingsFile, .phase = Later, .toolTip = laterEditors},
+    {.menu = "&File", .text = "Edit MasterVCO File...", .slot = &Window::slotEditMasterVCOFileSettings, .phase = Later, .toolTip = laterEditors},
+    {.menu = "&File", .text = "Rename DICOM Files...", .slot = &Window::slotRenameDICOMFiles, .phase = Later, .endsSection = separator, .toolTip = laterEditors},
+    {.menu = "&File", .text = "VMR-VMR Coregistration...", .slot = &Window::slotVMR2VMRCoregistration, .phase = Later, .endsSection = separator, .toolTip = "Registration of anatomies comes in a later version"},
     {"&File", "Recover Run...", &Window::slotRecoverRun, Idle},
     {"&File", "Replay Run...", &Window::slotReplayRun, Idle},
-    {"&File", "Save View As BMP...", &Window::slotSaveAsBMP, Always, documentShown, nullptr, separator},
+    {.menu = "&File", .text = "Save View As BMP...", .slot = &Window::slotSaveAsBMP, .possible = documentShown, .endsSection = separator},
     {"&File", "Close", &Window::slotClose},
     {"&File", "Exit", &Window::slotExitVCO},
-    {"&Analysis", "Colors Code Significance", &Window::slotSwitchToSignificanceColorCoding, Always, documentExists, codesSignificance},
-    {"&Analysis", "Colors Code Contrasts", &Window::slotSwitchToMultiMapColorCoding, Always, documentExists, codesContrasts, separator},
-    {"&Analysis", "Post-Processing...", &Window::slotPostProcessData, Idle, runInMemory},
-    {"&View", "Multi-Slice View", &Window::slotSwitchToFMRView, Always, documentShown, nullptr, separator},
-    {"&View", "Overlay On First Func Volume", &Window::slotShowOnEPIs, Always, nullptr, onFirstVolume},
-    {"&View", "Overlay On Current Func Volume", &Window::slotShowOnCurrentEPIs, Always, nullptr, onCurrentVolume},
-    {"&View", "Overlay On Inplanes", &Window::slotShowOnInplanes, Always, inplanesExist, onInplanes, separator},
-    {"&View", "Switch Window Size", &Window::slotSwitchWindowSize},
+    {"&Analysis", "Colors Code Significance", &Window::slotSwitchToSignificanceColorCoding, Always, documentExists, MenuGroup::Colors, codesSignificance},
+    {"&Analysis", "Colors Code Contrasts", &Window::slotSwitchToMultiMapColorCoding, Always, documentExists, MenuGroup::Colors, codesContrasts, separator},
+    {"&Analysis", "Epoch-Based Averaging", &Window::slotSwitchAveragingType, Always, nullptr, MenuGroup::Toggle, averagesEpochs, false, "Each trial has its own baseline in the event-related average; otherwise all trials share one"},
+    {.menu = "&Analysis", .text = "Stimulation Protocol...", .slot = &Window::slotStimulationProtocol, .phase = Later, .endsSection = separator, .toolTip = laterEditors},
+    {.menu = "&Analysis", .text = "SVM Training...", .slot = &Window::onOfflineSVMDlg, .phase = Later, .toolTip = laterClassification},
+    {.menu = "&Analysis", .text = "RFE Training...", .slot = &Window::onRFEDlg, .phase = Later, .toolTip = laterClassification},
+    {.menu = "&Analysis", .text = "Real-Time SVM Classification...", .slot = &Window::onRealTimeSVMClassification, .phase = Later, .endsSection = separator, .toolTip = laterClassification},
+    {.menu = "&Analysis", .text = "Post-Processing...", .slot = &Window::slotPostProcessData, .phase = Idle, .possible = runInMemory, .endsSection = separator},
+    {.menu = "&Analysis", .text = "Neurofeedback... ", .slot = &Window::slotShowNeurofeedbackDlg, .phase = Later, .toolTip = "Neurofeedback comes in a later version"},
+    {.menu = "&Analysis", .text = "BOLD Decoder... ", .slot = &Window::slotShowBOLDDecoder, .phase = Later, .endsSection = separator, .toolTip = "The letter decoder comes in a later version"},
+    {"&Analysis", "Load ROIs...", &Window::slotLoadROIs, Regions, regionsMayChange},
+    {"&Analysis", "Save ROIs...", &Window::slotSaveROIs, Regions, regionsExist},
+    {.menu = "&Analysis", .text = "ROI GLM...", .slot = &Window::slotROIGLM, .phase = Later, .endsSection = separator, .toolTip = "The model of a region comes in a later version"},
+    {"&Analysis", "Log ROI Time Point Files (RTPs)", &Window::slotSaveRTPsOption, Always, nullptr, MenuGroup::Toggle, logsTimePoints, false, "Write the mean of each region into a file of its own at each volume, into the feedback folder"},
+    {"&Analysis", "Log ROI Time Courses (ERT)", &Window::slotSaveROITimeCourses, Always, nullptr, MenuGroup::Toggle, logsTimeCourses, false, "Append the values of all voxels of each region to a file at each volume, in the target folder"},
+    {"&Analysis", "Log ROI Betas (BTC)", &Window::slotSaveROIBetaTimeCourses, Always, nullptr, MenuGroup::Toggle, logsBetas, false, "Append the betas of each region to a file at each volume, in the target folder"},
+    {.menu = "&View", .text = "Multi-Slice View", .slot = &Window::slotSwitchToFMRView, .possible = documentShown},
+    {.menu = "&View", .text = "Volume View", .slot = &Window::slotSwitchToEPI3DView, .phase = Later, .toolTip = laterAnatomy},
+    {.menu = "&View", .text = "Anatomical Volume View", .slot = &Window::slotSwitchToVMRView, .phase = Later, .toolTip = laterAnatomy},
+    {.menu = "&View", .text = "Surface View", .slot = &Window::slotSwitchToSurfaceView, .phase = Later, .endsSection = separator, .toolTip = "Surfaces come in a later version"},
+    {"&View", "Overlay On First Func Volume", &Window::slotShowOnEPIs, Always, nullptr, MenuGroup::Overlay, onFirstVolume},
+    {"&View", "Overlay On Current Func Volume", &Window::slotShowOnCurrentEPIs, Always, nullptr, MenuGroup::Overlay, onCurrentVolume},
+    {"&View", "Overlay On Inplanes", &Window::slotShowOnInplanes, Always, inplanesExist, MenuGroup::Overlay, onInplanes, separator},
+    {"&View", "Show ROIs With Rectangles", &Window::onShowROIsAsRectangles, Always, nullptr, MenuGroup::RegionStyle, showsRectangles},
+    {"&View", "Show ROIs With Highlighted Voxels", &Window::onShowROIsAsMarkedVoxels, Always, nullptr, MenuGroup::RegionStyle, showsMarkedVoxels},
+    {"&View", "Show ROIs With Rectangles And Highlighted Voxels", &Window::onShowROIsAsRectanglesAndMarkedVoxels, Always, nullptr, MenuGroup::RegionStyle, showsBoth, separator},
+    {"&View", "Show ROI Time Courses Container", &Window::onShowTimeCoursesContainer},
+    {"&View", "Remove ROI Time Course Plots", &Window::slotRemoveROITimeCoursePlots, Regions, regionsExist},
+    {"&View", "Display Detrended ROI Time Courses", &Window::onToggleROITimeCoursesDetrended, Always, nullptr, MenuGroup::Toggle, showsDetrended, separator, "Show the curves without their linear trend; files and feedback are not changed"},
+    {"&View", "Show Motion Plot", &Window::slotShowMotionPlot},
+    {.menu = "&View", .text = "Switch Window Size", .slot = &Window::slotSwitchWindowSize},
+    {.menu = "&Multi-Run", .text = "<Single-run analysis>", .slot = &Window::slotMultiRunMenuActivated, .phase = Later, .toolTip = "The analysis of several runs comes in a later version"},
+    {.menu = "&Plugins", .text = "<No plug-ins>", .slot = &Window::onCallPlugin, .phase = Later, .toolTip = "Plug-ins come in a later version"},
+    {.menu = "&Help", .text = "Help On Paradigm", .slot = &Window::slotShowHelpHTML, .possible = paradigmHelpExists, .toolTip = "Open the help file that the settings file names"},
     {"&Help", "License Information...", &Window::slotShowLicenseInfoDlg},
     {"&Help", "About Velo-Cortivo ", &Window::slotShowAboutDlg},
 };
@@ -92,24 +173,43 @@ MenuTable::MenuTable(QMenuBar& bar, VeloCortivo& window) : window_(window) {
     actions_.resize(std::size(entries));
     for (const MenuTitle& title : titles) {
         QMenu* menu = bar.addMenu(title.title);
-        if (title.aboutToShow)
-            QObject::connect(menu, &QMenu::aboutToShow, &window, title.aboutToShow);
-        auto* marks = new QActionGroup(menu);
+        menu->setToolTipsVisible(true);
+        QObject::connect(menu, &QMenu::aboutToShow, &window, title.aboutToShow);
         for (size_t i = 0; i < actions_.size(); ++i)
             if (QLatin1String(entries[i].menu) == QLatin1String(title.title))
-                actions_[i] = addEntry(*menu, *marks, entries[i]);
+                actions_[i] = addEntry(*menu, entries[i]);
     }
 }
 
-QAction* MenuTable::addEntry(QMenu& menu, QActionGroup& marks, const MenuEntry& entry) {
+QAction* MenuTable::addEntry(QMenu& menu, const MenuEntry& entry) {
     QAction* action = menu.addAction(entry.text, &window_, entry.slot);
-    if (entry.checked) {
-        action->setCheckable(true);
-        marks.addAction(action);
+    action->setCheckable(entry.checked != nullptr);
+    // Without a tool tip of its own an action has its text as one.
+    action->setToolTip(entry.toolTip ? QString(entry.toolTip) : QString());
+    if (entry.checked && entry.group != MenuGroup::Toggle) {
+        QActionGroup*& group = groups_[entry.group];
+        if (!group)
+            group = new QActionGroup(&menu);
+        group->addAction(action);
     }
-    if (entry.endsGroup)
+    if (entry.endsSection)
         menu.addSeparator();
     return action;
+}
+
+bool MenuTable::inPhase(MenuPhase phase) const {
+    const SessionPhase& session = window_.session().phase;
+    switch (phase) {
+    case MenuPhase::Always:
+        return true;
+    case MenuPhase::Idle:
+        return session.isIdle();
+    case MenuPhase::RegionsMayChange:
+        return session.isIdle() || session.runActive();
+    case MenuPhase::Later:
+        break;
+    }
+    return false;
 }
 
 void MenuTable::refresh(const char* title) {
@@ -117,8 +217,8 @@ void MenuTable::refresh(const char* title) {
         const MenuEntry& entry = entries[i];
         if (QLatin1String(entry.menu) != QLatin1String(title))
             continue;
-        const bool inPhase = entry.phase == Always || window_.session().phase.isIdle();
-        actions_[i]->setEnabled(inPhase && (!entry.possible || entry.possible(window_)));
+        actions_[i]->setEnabled(inPhase(entry.phase) &&
+                                (!entry.possible || entry.possible(window_)));
         if (entry.checked)
             actions_[i]->setChecked(entry.checked(window_));
     }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <map>
 #include <span>
 #include <vector>
 
@@ -11,8 +12,12 @@ class QMenu;
 class QMenuBar;
 class VeloCortivo;
 
-/// When an entry can be chosen: at any time, or while the session is idle.
-enum class MenuPhase { Always, Idle };
+/// When an entry can be chosen: at any time, while the session is idle, or while it is idle or
+/// records (regions can be changed then); or not in this version.
+enum class MenuPhase { Always, Idle, RegionsMayChange, Later };
+
+/// Entries with a mark: at most one of a group is marked; those of Toggle are independent.
+enum class MenuGroup { None, Toggle, Colors, Overlay, RegionStyle };
 
 /// One entry, in order of creation.
 struct MenuEntry {
@@ -22,9 +27,11 @@ struct MenuEntry {
     MenuPhase phase = MenuPhase::Always;
     /// What it needs beside the phase; null for nothing.
     bool (*possible)(VeloCortivo& window) = nullptr;
-    /// For an entry with a mark: whether it is set. Of those with a mark in one menu one holds.
-    bool (*checked)(VeloCortivo& window) = nullptr;
-    bool endsGroup = false; ///< a separator follows
+    MenuGroup group = MenuGroup::None;
+    bool (*checked)(VeloCortivo& window) = nullptr; ///< whether its mark is set
+    bool endsSection = false;                       ///< a separator follows
+    /// What it is for, where the text alone doesn't say it, or why it can't be chosen yet.
+    const char* toolTip = nullptr;
 };
 
 [[nodiscard]] std::span<const MenuEntry> menuEntries();
@@ -37,8 +44,10 @@ public:
     void refresh(const char* title);
 
 private:
-    [[nodiscard]] QAction* addEntry(QMenu& menu, QActionGroup& marks, const MenuEntry& entry);
+    [[nodiscard]] QAction* addEntry(QMenu& menu, const MenuEntry& entry);
+    [[nodiscard]] bool inPhase(MenuPhase phase) const;
 
     VeloCortivo& window_;
     std::vector<QAction*> actions_; ///< one for each entry of the table
+    std::map<MenuGroup, QActionGroup*> groups_;
 };

@@ -41,8 +41,11 @@ ContrastList::ContrastList(QWidget* parent)
     setToolTip(
         "Contrasts of the run. Click + to show positive values, \u2212 to show negative "
         "ones (at most four contrasts at once), and the colour to choose another. The keys +, "
-        "\u2212 and C do the same for the current contrast");
+        "\u2212 and C do the same for the current contrast. A double click on a name shows this "
+        "contrast alone");
     connect(this, &QTreeWidget::itemClicked, this, &ContrastList::slotClickedContrastList);
+    connect(this, &QTreeWidget::itemDoubleClicked, this,
+            &ContrastList::slotDoubleClickedContrastList);
 }
 
 void ContrastList::setContrasts(ContrastDefinitions* contrasts) {
@@ -81,6 +84,27 @@ void ContrastList::slotClickedContrastList(QTreeWidgetItem* item, int column) {
         toggle(index, ContrastNegative);
     else if (column == Color)
         editColor(index);
+}
+
+void ContrastList::slotDoubleClickedContrastList(QTreeWidgetItem* item, int column) {
+    const int index = indexOfTopLevelItem(item);
+    if (!contrasts_ || column != Name || !selectContrastAlone(*contrasts_, index))
+        return;
+    showRows();
+    Q_EMIT contrastsEdited();
+}
+
+void ContrastList::slotDeleteAllContrasts() {
+    if (!contrasts_)
+        return;
+    switchContrastsOff(*contrasts_);
+    showRows();
+    Q_EMIT contrastsEdited();
+}
+
+void ContrastList::showRows() {
+    for (int index = 0; index < contrasts_->NrOfContrasts; ++index)
+        showRow(index);
 }
 
 void ContrastList::keyPressEvent(QKeyEvent* event) {

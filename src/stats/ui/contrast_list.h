@@ -27,6 +27,10 @@ Q_SIGNALS:
 
 public Q_SLOTS:
     void slotClickedContrastList(QTreeWidgetItem* item, int column);
+    /// A double click on a name shows this contrast alone.
+    void slotDoubleClickedContrastList(QTreeWidgetItem* item, int column);
+    /// Switches all contrasts off.
+    void slotDeleteAllContrasts();
 
 protected:
     /// +, - and C act like clicks in the columns of the current contrast.
@@ -36,6 +40,7 @@ private:
     void toggle(int index, ContrastState bit);
     void editColor(int index);
     void showRow(int index);
+    void showRows();
 
     ContrastDefinitions* contrasts_ = nullptr;
     OpenChooser colorChooser_; ///< of one of the contrasts

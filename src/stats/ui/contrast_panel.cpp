@@ -37,12 +37,17 @@ void addNumberRow(QGridLayout* grid, const QString& label, QAbstractSpinBox* box
 ContrastPanel::ContrastPanel(RunSession& session, QWidget* parent)
     : QGroupBox("Contrasts and maps", parent), session_(session), list_(new ContrastList(this)),
       conjunction_(new QCheckBox("Conjunction of contrasts", this)),
-      threshold_(new ThresholdSpinBox(this)), colorMaxThreshold_(new ThresholdSpinBox(this)),
-      clusterSize_(new QSpinBox(this)), multiSlice_(new QSpinBox(this)) {
+      pluginMaps_(new QCheckBox("Maps of plug-ins", this)), threshold_(new ThresholdSpinBox(this)),
+      colorMaxThreshold_(new ThresholdSpinBox(this)), clusterSize_(new QSpinBox(this)),
+      multiSlice_(new QSpinBox(this)) {
     setObjectName("ContrastBackgroundGrpBx");
     conjunction_->setObjectName("ConjunctionOfContrastsOp");
     conjunction_->setToolTip("Show only voxels in which all selected contrasts agree; needs at "
                              "least two of them");
+    pluginMaps_->setObjectName("TogglePluginMapsOp");
+    pluginMaps_->setToolTip("Show the maps of plug-ins instead of the contrasts; no plug-in is "
+                            "loaded");
+    pluginMaps_->setEnabled(false);
     auto* grid = new QGridLayout;
     grid->setVerticalSpacing(8);
     grid->setColumnStretch(0, 1);
@@ -54,6 +59,7 @@ ContrastPanel::ContrastPanel(RunSession& session, QWidget* parent)
     layout->setSpacing(10);
     layout->addWidget(list_, 1);
     layout->addWidget(conjunction_);
+    layout->addWidget(pluginMaps_);
     layout->addSpacing(4);
     layout->addLayout(grid);
     connectControls();
@@ -72,9 +78,10 @@ void ContrastPanel::addSizeRows(QGridLayout* grid) {
     clusterSize_->setRange(1, 9999);
     addNumberRow(grid, "Cluster size", clusterSize_, "ClusterSizeSpBx",
                  "Smallest connected area of a slice that is shown, in pixels");
-    multiSlice_->setRange(0, 99);
+    multiSlice_->setRange(1, 99);
     addNumberRow(grid, "ROI slices", multiSlice_, "MultiSliceROISelectionSpBx",
-                 "Number of neighbouring slices that the selection of a region takes in");
+                 "Number of slices that the selection of a region takes in, around the one that it "
+                 "is drawn on");
 }
 
 void ContrastPanel::connectControls() {
@@ -115,7 +122,7 @@ void ContrastPanel::takeClusterSize() {
 }
 
 void ContrastPanel::takeMultiSliceROISelection() {
-    session_.settings.MultiSliceROISelection = multiSlice_->value();
+    session_.changeMultiSliceROISelection(multiSlice_->value());
 }
 
 void ContrastPanel::takeConjunction() {

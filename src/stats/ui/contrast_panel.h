@@ -29,6 +29,7 @@ public:
     void takeClusterSize();
     void takeMultiSliceROISelection();
     void takeConjunction();
+    [[nodiscard]] ContrastList& list() { return *list_; }
 
     void documentsLeaving() override;
     void runPrepared(QtCortivoDoc& functional) override;
@@ -52,6 +53,7 @@ private:
     RunSession& session_;
     ContrastList* list_;
     QCheckBox* conjunction_;
+    QCheckBox* pluginMaps_;
     QDoubleSpinBox* threshold_;
     QDoubleSpinBox* colorMaxThreshold_;
     QSpinBox* clusterSize_;

@@ -106,6 +106,11 @@ TEST_F(ArrivingProtocolRun, LogThatStopsGrowingEndsTheRun) {
     for (const bool givenUp : {false, true}) {
         writeRun("TDatFile:", 20, tdatHeader, {{"TimeOutSeconds:", "3"}});
         append("5000 SCAN TICK\n6000 SCAN BLOCKBEGIN Fac");
+        QString told;
+        pump.after(400, [&] {
+            if (const std::optional<FileWait>& wait = session.intake.fileWait)
+                told = wait->missingPart + " in " + wait->file.names.join(' ');
+        });
         if (givenUp)
             pump.after(500, [this] { pump.giveUpWaiting(); });
         else
@@ -115,6 +120,8 @@ TEST_F(ArrivingProtocolRun, LogThatStopsGrowingEndsTheRun) {
         session.runButtonPressed();
         EXPECT_EQ(predictors.size(), 6u);
         EXPECT_EQ(pump.milliseconds() - start, givenUp ? 500 : 3005);
+        EXPECT_EQ(told, "lines up to volume 7 in " + path("log"));
+        EXPECT_FALSE(session.intake.fileWait);
         // The volume that waited has been measured, and counts everywhere.
         EXPECT_EQ(session.report.currentVolume, 6);
         EXPECT_EQ(display.calls.last(), "ended");

@@ -267,6 +267,7 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
                         "ERROR: Can not write FMR time course (STC) files !");
         messages.expect(MessageLevel::Critical, "ERROR: Unable to write map file*");
         messages.expect(MessageLevel::Critical, "ERROR: Unable to open contrasts file \"*");
+        messages.expect(MessageLevel::Warning, "ERROR: Can not open .roi file for saving*");
         messages.expect(MessageLevel::Critical, "Error: Can not open file to save first volume.");
         messages.expectQuestion("WARNING: The recorded data could not be saved completely in "
                                 "folder*",

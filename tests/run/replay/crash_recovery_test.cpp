@@ -56,6 +56,7 @@ TEST(CrashVictim, DISABLED_Runs) {
         return true;
     };
     CrashTrial::prepare(session, qEnvironmentVariable(victimFolder));
+    CrashTrial::followRegions(session);
     session.runButtonPressed();
 }
 

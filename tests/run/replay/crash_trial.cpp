@@ -17,14 +17,21 @@ void toggle(RunSession& session, int contrast, ContrastState bit) {
     session.contrastsChanged();
 }
 
-constexpr auto beforeModel = VolumeStep::Plots;
+void draw(RunSession& session, int slice) {
+    EXPECT_TRUE(session.regions.selectRectangle({slice, 4, 12, 15, 5}));
+}
+
+constexpr auto beforeRegions = VolumeStep::LoadRegions; // as while an arriving protocol is awaited
+constexpr auto beforeModel = VolumeStep::LetterDecoder;
 constexpr auto afterModel = VolumeStep::SelectVoxels;
 constexpr Change changes[] = {
     {2, {}, [](RunSession& s) { s.changeThreshold(2.5f); }},
+    {3, {}, [](RunSession& s) { draw(s, 2); }},
     {9, beforeModel, [](RunSession& s) { toggle(s, 0, ContrastNegative); }},
     {13, beforeModel, [](RunSession& s) { s.stepThreshold(true); }},
     {14, afterModel, [](RunSession& s) { toggle(s, 1, ContrastPositive); }},
     {15, {}, [](RunSession& s) { s.changeClusterSize(7); }},
+    {16, beforeRegions, [](RunSession& s) { draw(s, 1); }},
     {17, {}, [](RunSession& s) { s.changeColorMaxThreshold(11.0f); }},
     {19, beforeModel,
      [](RunSession& s) {
@@ -33,6 +40,7 @@ constexpr Change changes[] = {
      }},
     {22, afterModel, [](RunSession& s) { toggle(s, 1, ContrastPositive); }},
     {23, {}, [](RunSession& s) { EXPECT_TRUE(s.changeConjunction(true)); }},
+    {24, afterModel, [](RunSession& s) { draw(s, 3); }},
     {26, beforeModel, [](RunSession& s) { s.changeThreshold(3.25f); }},
 };
 
@@ -63,7 +71,8 @@ JournalCount countJournal(const QString& path) {
         count.volumes += RecordKind(record.kind) == RecordKind::MeasuredVolume;
         // What stands before the first volume is the state at the start.
         count.changes += count.volumes > 0 && RecordKind(record.kind) == RecordKind::Listener &&
-                         decodeListenerRecord(record.payload, made) && made.record.name == "maps";
+                         decodeListenerRecord(record.payload, made) &&
+                         (made.record.name == "maps" || made.record.name == "regions");
     }
     return count;
 }
@@ -90,6 +99,14 @@ CrashTrial::~CrashTrial() {
         std::printf("messages: %s\n", qPrintable(messages.shown().join('\n')));
 }
 
+// A recovered run knows this from its journal.
+void CrashTrial::followRegions(RunSession& session) {
+    for (const auto log : {&OperatorRequests::saveRTPs, &OperatorRequests::saveROITimeCourses,
+                           &OperatorRequests::saveROIBetaTimeCourses})
+        session.regions.setLog(log, true);
+    session.requests.regions.BestVoxelSelection = true;
+}
+
 void CrashTrial::prepare(RunSession& session, const QString& folder) {
     session.settings.settingsFilePath = folder + "/Simulation-1.vco";
     session.settings.settingsFileDir = folder + "/";
@@ -109,6 +126,7 @@ void CrashTrial::run(int stopAt, int nrOfChanges) {
             session.requestStop();
     };
     prepare(session, folder_.path());
+    followRegions(session);
     session.runButtonPressed();
     EXPECT_TRUE(session.report.savedCompletely);
 }

@@ -44,6 +44,8 @@ public:
     [[nodiscard]] QString path(const QString& name) const { return folder_.filePath(name); }
     /// A session on the files of a trial's folder, here or in another process.
     static void prepare(RunSession& session, const QString& folder);
+    /// Switches all logs of regions on, and the ranking of their voxels.
+    static void followRegions(RunSession& session);
     /// The run from its start; stopped when volume `stopAt` has been read, if that is one.
     void run(int stopAt = -1, int nrOfChanges = 1000);
     /// The journals in a folder.

@@ -95,8 +95,9 @@ TEST_F(PlayingTest, AnotherCrashAfterGoingOnLosesNothing) {
         ASSERT_TRUE(description);
         EXPECT_EQ(description->nrOfVolumes, 20);
         EXPECT_EQ(description->scan.end, JournalEnd::Whole);
-        // Head, first volume, thresholds at the start, 20 volumes, the ends of loop and saving.
-        EXPECT_EQ(description->scan.nrOfRecords, 25);
+        // Head, first volume, thresholds and regions at the start, 20 volumes, the ends of loop
+        // and saving.
+        EXPECT_EQ(description->scan.nrOfRecords, 26);
     }
     cutJournal(journal_, 17);
     session.keepsJournals = false;

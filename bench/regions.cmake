@@ -1,0 +1,1 @@
+velo_program(bench_regions SOURCES bench_regions.cpp USES regions)

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/voxel_read_out.h"
+
+#include "display/overlay_legend.h"
+#include "regions/region_time_courses.h"
+#include "run/document/qt_cortivo_doc.h"
+
+namespace {
+
+/// Empty when there is no such volume, or not of this size.
+std::span<const int16_t> samplesOf(const FMRProject& project, int volume) {
+    std::span<const int16_t> samples;
+    if (volume == firstVolumeAsRead)
+        samples = project.firstVolume.span();
+    else if (volume >= 0 && size_t(volume) < project.volumes.size())
+        samples = project.volumes[size_t(volume)];
+    return samples.size() == project.volumeSamples() ? samples : std::span<const int16_t>();
+}
+
+} // namespace
+
+std::optional<VoxelReadOut> voxelReadOut(const QtCortivoDoc& document, const VoxelPosition& voxel,
+                                         int volume, bool mapsShown) {
+    const VolumeSize size = document.project.size();
+    if (!isInside(size, voxel.x, voxel.y, voxel.slice))
+        return {};
+    const size_t offset = size_t(voxel.slice) * size.sliceSamples() +
+                          size_t(voxel.y) * size_t(size.x) + size_t(voxel.x);
+    VoxelReadOut readOut;
+    readOut.voxel = voxel;
+    const std::span<const int16_t> samples = samplesOf(document.project, volume);
+    if (!samples.empty()) {
+        readOut.volume = std::max(volume, 0);
+        readOut.value = samples[offset];
+    }
+    const StatisticalMaps& maps = document.maps;
+    readOut.statistic = statisticOf(maps.MapType);
+    const bool usable = mapsShown && maps.size == size;
+    const int shown = usable ? std::min(maps.NrOfShownMaps, maps.nrOfMapsToShow(false)) : 0;
+    for (int map = 0; map < shown; ++map)
+        readOut.maps.push_back(
+            {shownMapName(maps, document.contrasts, map), maps.map(map)[offset]});
+    return readOut;
+}
+
+QString voxelReadOutText(const VoxelReadOut& readOut) {
+    QString text = QString("x %1  y %2  slice %3")
+                       .arg(readOut.voxel.x + 1)
+                       .arg(readOut.voxel.y + 1)
+                       .arg(readOut.voxel.slice + 1);
+    if (readOut.volume >= 0)
+        text += QString("   volume %1: %2").arg(readOut.volume + 1).arg(readOut.value);
+    QStringList maps;
+    for (const VoxelReadOut::MapValue& map : readOut.maps)
+        maps << QString("%1 %2").arg(map.name, QString::number(double(map.value), 'f', 2));
+    if (!maps.isEmpty())
+        text += "   " + readOut.statistic + ": " + maps.join(", ");
+    return text;
+}

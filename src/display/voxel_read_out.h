@@ -1,0 +1,35 @@
+// What is known of one voxel.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "display/slice_mosaic_geometry.h"
+
+#include <QString>
+#include <optional>
+#include <vector>
+
+class QtCortivoDoc;
+
+struct VoxelReadOut {
+    struct MapValue {
+        QString name; ///< of the contrast
+        float value;  ///< with its sign, whichever signs the map shows
+    };
+
+    VoxelPosition voxel;
+    int volume = -1; ///< from 0; -1 when nothing has been measured
+    int value = 0;   ///< in that volume, signed as in the model and the curves
+    QString statistic;
+    std::vector<MapValue> maps;
+};
+
+/// A volume as it was read, before any correction: the first one, which the slices show at first.
+inline constexpr int firstVolumeAsRead = -1;
+
+/// The sample of a volume that is measured, or firstVolumeAsRead, and with `mapsShown` the values
+/// of the shown maps. Nothing for a voxel outside the run's volume.
+[[nodiscard]] std::optional<VoxelReadOut>
+voxelReadOut(const QtCortivoDoc& document, const VoxelPosition& voxel, int volume, bool mapsShown);
+
+/// In one line, all numbers from 1.
+[[nodiscard]] QString voxelReadOutText(const VoxelReadOut& readOut);

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "regions/ui/time_course_plot_dialog.h"
+
+#include "base/messages.h"
+#include "dialogs/appearance.h"
+#include "dialogs/dialog_setup.h"
+#include "regions/ui/averaging_plot_dialog.h"
+#include "regions/ui/session_region.h"
+#include "ui_time_course_plot_dialog.h"
+
+
+TimeCoursePlotDlg::TimeCoursePlotDlg(RunSession& session, RegionPlotSettings& settings,
+                                     QWidget* parent)
+    : QWidget(parent), session_(session), settings_(settings),
+      ui_(std::make_unique<Ui::TimeCoursePlotDlg>()) {
+    ui_->setupUi(this);
+    connect(ui_->ShowOptionsBtn, &QToolButton::clicked, this,
+            &TimeCoursePlotDlg::slotToggleOptions);
+    connect(ui_->PercentOp, &QAction::triggered, this, &TimeCoursePlotDlg::unitChanged);
+    connect(ui_->GridOp, &QAction::triggered, this, &TimeCoursePlotDlg::showGrid);
+    connect(ui_->ProtocolOp, &QAction::triggered, this, &TimeCoursePlotDlg::showProtocol);
+    connect(ui_->LegendOp, &QAction::triggered, this, &TimeCoursePlotDlg::refresh);
+    connect(ui_->SaveBitmapAction, &QAction::triggered, this, &TimeCoursePlotDlg::slotSaveAsBMP);
+    connect(ui_->HelpAction, &QAction::triggered, this, &TimeCoursePlotDlg::slotShowHelpHTML);
+    wrapToolTips(*this);
+    init();
+}
+
+TimeCoursePlotDlg::~TimeCoursePlotDlg() = default;
+
+void TimeCoursePlotDlg::init() {
+    ui_->PercentOp->setChecked(false);
+    for (QAction* option : {ui_->GridOp, ui_->ProtocolOp, ui_->LegendOp})
+        option->setChecked(true);
+    ui_->ShowOptionsBtn->setChecked(false);
+    ui_->PlotOptions->hide();
+    commonRange_.reset();
+    clearPlot();
+}
+
+void TimeCoursePlotDlg::cleanUp() {
+    releaseAveragingWindow();
+    number_ = -1;
+    clearPlot();
+}
+
+void TimeCoursePlotDlg::clearPlot() {
+    showHeading({}, {});
+    ui_->TimeCoursePlotter->setContent({});
+    outdated_ = true;
+}
+
+bool TimeCoursePlotDlg::percentShown() const {
+    return ui_->PercentOp->isChecked();
+}
+
+TimeCourseDisplay TimeCoursePlotDlg::display() const {
+    return {percentShown(), settings_.detrended, ui_->ProtocolOp->isChecked(),
+            ui_->GridOp->isChecked(), ui_->LegendOp->isChecked()};
+}
+
+std::vector<float> TimeCoursePlotDlg::visibleCurve() const {
+    const std::optional<PlottedRegion> plotted =
+        isVisible() ? regionOfSession(session_, number_) : std::nullopt;
+    return plotted ? shownCurve(*plotted, display()) : std::vector<float>();
+}
+
+void TimeCoursePlotDlg::refresh() {
+    outdated_ = !isVisible();
+    if (outdated_)
+        return;
+    const std::optional<PlottedRegion> plotted = regionOfSession(session_, number_);
+    if (!plotted)
+        return clearPlot();
+    const QtCortivoDoc& document = *session_.functionalDocument;
+    showHeading(regionHeading(*plotted), plotted->color);
+    ui_->TimeCoursePlotter->setContent(timeCourseContent(
+        *plotted, document.protocol, document.project.TR, display(), commonRange_));
+}
+
+void TimeCoursePlotDlg::showHeading(const QString& text, const QColor& color) {
+    heading_ = text;
+    QLabel* label = ui_->RegionInfoLbl;
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, color);
+    label->setPalette(palette);
+    label->setToolTip(text.isEmpty() ? QString()
+                                     : text + "\nRegion, voxels, slice, temporal signal-to-noise "
+                                              "ratio (mean over standard deviation)");
+    label->setText(label->fontMetrics().elidedText(text, Qt::ElideRight, label->width()));
+}
+
+void TimeCoursePlotDlg::slotToggleOptions() {
+    ui_->PlotOptions->setVisible(ui_->PlotOptions->isHidden());
+    ui_->ShowOptionsBtn->setChecked(!ui_->PlotOptions->isHidden());
+}
+
+void TimeCoursePlotDlg::slotSaveAsBMP() {
+    ui_->TimeCoursePlotter->slotSaveAsBMP();
+}
+
+void TimeCoursePlotDlg::slotShowHelpHTML() {
+    openHelpFile(session_.settings.ParadigmHelpFile);
+}
+
+void TimeCoursePlotDlg::openAveragingWindow() {
+    if (!AveragingWindow) {
+        AveragingWindow = new AveragingPlotDlg(session_, settings_, this);
+        connect(AveragingWindow, &AveragingPlotDlg::edited, this, &TimeCoursePlotDlg::drawAverages);
+    }
+    showInFront(*AveragingWindow);
+    drawAverages();
+}
+
+void TimeCoursePlotDlg::drawAverages() {
+    if (!AveragingWindow)
+        showModelessWarning("INTERNAL ERROR: Plot dialog not available!");
+    else if (!AveragingWindow->draw())
+        releaseAveragingWindow();
+}
+
+// Deferred, since one of its own controls may have led here.
+void TimeCoursePlotDlg::releaseAveragingWindow() {
+    if (!AveragingWindow)
+        return;
+    AveragingWindow->hide();
+    AveragingWindow->deleteLater();
+    AveragingWindow.clear();
+}
+
+void TimeCoursePlotDlg::showEvent(QShowEvent*) {
+    if (outdated_)
+        refresh();
+}
+
+void TimeCoursePlotDlg::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    QLabel* label = ui_->RegionInfoLbl;
+    label->setText(label->fontMetrics().elidedText(heading_, Qt::ElideRight, label->width()));
+}

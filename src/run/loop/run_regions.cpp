@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/run_regions.h"
+
+#include "regions/region_betas.h"
+#include "regions/region_selection.h"
+#include "regions/region_time_courses.h"
+#include "run/loop/run_model.h"
+
+namespace {
+
+VoxelList selectedVoxels(const RegionRun& run, const VoxelRectangle& rectangle) {
+    const QtCortivoDoc& document = run.document;
+    const OverlayThresholds& thresholds = run.requests.thresholds;
+    const SelectionMaps maps{document.project.size(),
+                             document.maps,
+                             thresholds.Threshold,
+                             thresholds.ClusterSizePixels,
+                             {}};
+    return selectROIVoxels(maps, run.requests.regions.SelectOnlyMapVoxels,
+                           std::max(run.settings.MultiSliceROISelection, 1), rectangle);
+}
+
+RegionOfInterest& addRegion(const RegionRun& run, VoxelList voxels,
+                            const VoxelRectangle& rectangle) {
+    return createROIFromVoxels(run.document.regions, run.document.project, run.nrOfVolumes,
+                               std::move(voxels), rectangle, run.requests.regions);
+}
+
+void computeBetas(const RegionRun& run) {
+    QtCortivoDoc& document = run.document;
+    if (!document.glm.values.empty()) {
+        computeROIBetas(document.regions, document.design,
+                        document.glm.GLMStartVolume != GLMState::notStarted);
+        return;
+    }
+    // After a run its live model is gone.
+    DesignMatrix design;
+    if (rebuildDesign(design, document, run.settings))
+        computeROIBetas(document.regions, design, document.finishedModel.isValid());
+}
+
+} // namespace
+
+bool addSelectedRegion(const RegionRun& run, const VoxelRectangle& rectangle) {
+    VoxelList voxels = selectedVoxels(run, rectangle);
+    if (voxels.size() == 0)
+        return false;
+    addRegion(run, std::move(voxels), rectangle);
+    computeBetas(run);
+    return true;
+}
+
+void placeSavedRegions(const RegionRun& run, const SavedRegions& saved) {
+    run.document.regions.clear();
+    for (const SavedRegion& state : saved.regions) {
+        VoxelList voxels = state.voxels ? *state.voxels : selectedVoxels(run, state.rectangle);
+        if (voxels.size() == 0)
+            continue;
+        RegionOfInterest& region = addRegion(run, std::move(voxels), state.rectangle);
+        region.TopVoxelRatio = state.TopVoxelRatio.value_or(region.TopVoxelRatio);
+        region.TopVoxelSelectionMode =
+            state.TopVoxelSelectionMode.value_or(region.TopVoxelSelectionMode);
+        region.SortedVoxelList = state.SortedVoxelList;
+        region.MaxPSC = state.MaxPSC.value_or(region.MaxPSC);
+    }
+    updateRegions(run);
+}
+
+void updateRegions(const RegionRun& run) {
+    Regions& regions = run.document.regions;
+    for (int i = 0; i < regions.count(); ++i)
+        updateTimeCourse(regions[i], run.document.project, run.nrOfVolumes,
+                         run.requests.regions.BestVoxelSelection);
+    if (!regions.empty())
+        computeBetas(run);
+}
+
+void updateRegionsFromChangedSamples(const RegionRun& run) {
+    Regions& regions = run.document.regions;
+    for (int i = 0; i < regions.count(); ++i)
+        regions[i].samples.forget();
+    updateRegions(run);
+}

@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/session/session_regions.h"
+
+#include "base/byte_reader.h"
+#include "base/byte_writer.h"
+#include "base/messages.h"
+#include "regions/region_ranking.h"
+#include "regions/roi_file.h"
+#include "run/document/run_report.h"
+#include "run/document/session_phase.h"
+#include "run/loop/finished_run.h"
+
+#include <QFileInfo>
+
+namespace {
+
+constexpr char regionsRecord[] = "regions";
+constexpr char fileFilter[] = "ROI definition files (*.roi)";
+
+/// Choices and logs as they are now, the ranking of each region (a file holds it only where it is
+/// whole for all of them), then the regions as in their file.
+QByteArray encoded(const OperatorRequests& requests, const Regions& regions) {
+    ByteWriter writer;
+    const RegionOptions& options = requests.regions;
+    for (const bool flag :
+         {requests.saveRTPs, requests.saveROITimeCourses, requests.saveROIBetaTimeCourses,
+          options.SelectOnlyMapVoxels, options.BestVoxelSelection, options.saveMaxPSC})
+        writer.u8(flag);
+    writer.f32(options.TopVoxelRatio);
+    writer.i32(options.TopVoxelSelectionMode);
+    writer.u32(uint32_t(regions.count()));
+    for (int i = 0; i < regions.count(); ++i) {
+        writer.u32(uint32_t(regions[i].SortedVoxelList.size()));
+        for (const int position : regions[i].SortedVoxelList)
+            writer.i32(position);
+    }
+    const std::vector<uint8_t>& bytes = writer.result();
+    return QByteArray(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())) +
+           roiFileText(regions, options);
+}
+
+/// What a record says beside the regions themselves.
+struct RecordedChoices {
+    OperatorRequests requests;
+    std::vector<std::vector<int>> rankings;
+};
+
+/// Reads what encoded() wrote, up to the text of the regions. The choices hold those of the session
+/// before.
+void decode(ByteReader& reader, RecordedChoices& choices) {
+    OperatorRequests& requests = choices.requests;
+    RegionOptions& options = requests.regions;
+    for (bool* flag :
+         {&requests.saveRTPs, &requests.saveROITimeCourses, &requests.saveROIBetaTimeCourses,
+          &options.SelectOnlyMapVoxels, &options.BestVoxelSelection, &options.saveMaxPSC})
+        *flag = reader.u8() != 0;
+    options.TopVoxelRatio = reader.f32();
+    options.TopVoxelSelectionMode = reader.i32();
+    for (uint32_t regions = reader.u32(); regions > 0 && !reader.failed(); --regions) {
+        std::vector<int>& ranking = choices.rankings.emplace_back();
+        for (uint32_t count = reader.u32(); count > 0 && !reader.failed(); --count)
+            ranking.push_back(reader.i32());
+    }
+}
+
+/// The rankings belong to regions with as many voxels.
+void placeRankings(SavedRegions& saved, const std::vector<std::vector<int>>& rankings) {
+    for (size_t i = 0; i < std::min(saved.regions.size(), rankings.size()); ++i) {
+        SavedRegion& region = saved.regions[i];
+        const size_t voxels = region.voxels ? region.voxels->size() : 0;
+        const bool fits = rankings[i].size() == voxels &&
+                          std::ranges::all_of(rankings[i], [voxels](int position) {
+                              return position >= 0 && size_t(position) < voxels;
+                          });
+        region.SortedVoxelList = fits ? rankings[i] : std::vector<int>();
+    }
+}
+
+} // namespace
+
+SessionRegions::SessionRegions(const Parts& parts) : parts_(parts) {
+    parts_.listeners.add(*this, ListenerPlace::Regions);
+}
+
+const Regions* SessionRegions::list() const {
+    return document_ ? &document_->regions : nullptr;
+}
+
+RegionRun SessionRegions::run() const {
+    return {*document_, parts_.settings, parts_.requests,
+            recordedVolumes(parts_.report, document_->project)};
+}
+
+bool SessionRegions::mayChange() const {
+    return document_ && (parts_.phase.isIdle() || parts_.phase.runActive()) &&
+           recordedVolumes(parts_.report, document_->project) > 0;
+}
+
+void SessionRegions::noteChange() {
+    if (parts_.phase.canBeStopped())
+        parts_.listeners.record({regionsRecord, encoded(parts_.requests, document_->regions)});
+}
+
+void SessionRegions::listChanged() {
+    noteChange();
+    parts_.listeners.regionsChanged(*document_);
+}
+
+bool SessionRegions::selectRectangle(const VoxelRectangle& rectangle) {
+    if (!mayChange() || !addSelectedRegion(run(), rectangle))
+        return false;
+    listChanged();
+    return true;
+}
+
+void SessionRegions::removeAll() {
+    if (!mayChange() || document_->regions.empty())
+        return;
+    document_->regions.clear();
+    listChanged();
+}
+
+void SessionRegions::chooseFileToLoad() {
+    if (!mayChange())
+        return;
+    const QString fileName =
+        chooseFileToOpen("Open ROI File", document_->project.targetFolder, fileFilter);
+    if (!fileName.isEmpty())
+        static_cast<void>(load(fileName));
+}
+
+bool SessionRegions::load(const QString& fileName) {
+    SavedRegions saved;
+    // The chooser and the messages of reading process events.
+    if (!mayChange() || !readROIFile(fileName, document_->project.size(), saved) || !mayChange())
+        return false;
+    if (saved.regions.empty()) {
+        showWarning(QStringLiteral("WARNING: The regions-of-interest file \"%1\" holds no regions.")
+                        .arg(fileName));
+        return false;
+    }
+    placeSavedRegions(run(), saved);
+    listChanged();
+    return true;
+}
+
+void SessionRegions::chooseFileToSave() {
+    if (!mayChange())
+        return;
+    ::chooseFileToSave(
+        "Save ROI File", resultPath(document_->project, ".roi", "Selected.roi"), fileFilter,
+        [this](const QString& fileName) {
+            if (document_)
+                static_cast<void>(
+                    writeROIFile(fileName, document_->regions, parts_.requests.regions));
+        },
+        &chooser_);
+}
+
+void SessionRegions::setLog(bool OperatorRequests::*log, bool on) {
+    parts_.requests.*log = on;
+    if (document_)
+        noteChange();
+}
+
+void SessionRegions::samplesChanged() {
+    if (!document_ || document_->regions.empty())
+        return;
+    updateRegionsFromChangedSamples(run());
+    parts_.listeners.regionsChanged(*document_);
+}
+
+void SessionRegions::loadSaved() {
+    const QString fileName = resultPath(document_->project, ".roi", "Selected.roi");
+    SavedRegions saved;
+    if (QFileInfo(fileName).isFile() && readROIFile(fileName, document_->project.size(), saved))
+        placeSavedRegions(run(), saved);
+}
+
+void SessionRegions::documentsLeaving() {
+    document_ = nullptr;
+    chooser_.close();
+}
+
+void SessionRegions::documentsArrived(QtCortivoDoc& functional) {
+    document_ = &functional;
+    logs_.restart();
+    played_ = false;
+}
+
+// What was chosen before there was a journal. A run that is reloaded brings its regions.
+void SessionRegions::runPrepared(QtCortivoDoc& functional) {
+    if (parts_.phase.now() == Phase::Reloading)
+        loadSaved();
+    noteChange();
+    parts_.listeners.regionsChanged(functional);
+}
+
+bool SessionRegions::atStep(VolumeStep step, const VolumeAtHand& hand) {
+    switch (step) {
+    case VolumeStep::LoadRegions:
+        // A run that is recovered has regions of its own.
+        if (hand.volume == 0 && !parts_.requests.preLoadROIFile.isEmpty() && !played_)
+            static_cast<void>(load(parts_.requests.preLoadROIFile));
+        break;
+    case VolumeStep::RegionTimeCourses:
+        updateRegions(run());
+        break;
+    case VolumeStep::Logs:
+        logs_.writeVolume(hand.document, parts_.settings, parts_.requests, hand.volume);
+        break;
+    case VolumeStep::SelectVoxels:
+        if (parts_.requests.regions.BestVoxelSelection)
+            rankROIVoxels(hand.document.regions, hand.document.glm, hand.document.design,
+                          hand.document.project.size());
+        break;
+    default:
+        break;
+    }
+    return true;
+}
+
+void SessionRegions::recordPlayed(const RunRecord& record) {
+    if (!document_ || record.name != regionsRecord)
+        return;
+    played_ = true;
+    RecordedChoices choices{parts_.requests, {}};
+    ByteReader reader({reinterpret_cast<const uint8_t*>(record.content.constData()),
+                       size_t(record.content.size())});
+    decode(reader, choices);
+    SavedRegions saved;
+    if (reader.failed() ||
+        parseROIFile(QString::fromUtf8(record.content.mid(qsizetype(reader.position()))),
+                     document_->project.size(), saved) != RoiFileResult::Ok)
+        return;
+    placeRankings(saved, choices.rankings);
+    parts_.requests = choices.requests;
+    if (recordedVolumes(parts_.report, document_->project) > 0) {
+        placeSavedRegions(run(), saved);
+        parts_.listeners.regionsChanged(*document_);
+    }
+}

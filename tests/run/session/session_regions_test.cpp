@@ -1,0 +1,137 @@
+// Regions of a whole session: drawn, followed, logged, saved, reloaded, in every phase.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+
+namespace {
+
+constexpr VoxelRectangle drag{1, 2, 6, 1, 4}; // 4 x 3 voxels of slice 1
+constexpr int nrOfDraggedVoxels = 12;
+
+/// Mean over the dragged voxels, from the volume as it was measured.
+double measuredMean(int volume) {
+    double sum = 0.0;
+    for (int y = drag.top; y < drag.bottom; ++y)
+        for (int x = drag.left; x < drag.right; ++x)
+            sum += scriptedSample(size_t(64 * drag.slice + 8 * y + x), volume);
+    return sum / ((drag.right - drag.left) * (drag.bottom - drag.top));
+}
+
+} // namespace
+
+class SessionRegionsTest : public SessionFixture {
+protected:
+    /// A run of 40 volumes in which the operator draws a region when volume `at` is over.
+    void runWithRegionAt(int at) {
+        writeSession(42, 2, {{"ClusterSizePixels:", "1"}});
+        ProbeListener operatorHand(session.listeners, ListenerPlace::Dialogs);
+        operatorHand.onEndOfVolume = [&, this](int volume) {
+            if (volume == at) {
+                EXPECT_TRUE(session.regions.selectRectangle(drag));
+            }
+            if (volume >= at)
+                expectCurve(volume);
+        };
+        session.runButtonPressed();
+    }
+    void expectCurve(int lastVolume) {
+        const RegionOfInterest& region = (*session.regions.list())[0];
+        ASSERT_EQ(region.CurrentTimePoint, lastVolume);
+        for (int volume = 0; volume <= lastVolume; ++volume)
+            ASSERT_NEAR(double(region.TimeCourseValues[size_t(volume)]), measuredMean(volume), 1e-3)
+                << volume;
+    }
+};
+
+TEST_F(SessionRegionsTest, DrawnInMidRunItHasItsHistoryAndComesBackWithAReload) {
+    // All voxels of the rectangle respond alike, so which of them a map shows doesn't matter.
+    session.requests.thresholds.Threshold = 100.0f;
+    runWithRegionAt(20);
+    ASSERT_EQ(session.regions.list()->count(), 1);
+    EXPECT_EQ((*session.regions.list())[0].NrOfVoxels(), nrOfDraggedVoxels);
+    const std::vector<float> betas = (*session.regions.list())[0].ROIBetas;
+    const QByteArray saved = content("results/test.roi");
+    EXPECT_TRUE(saved.startsWith("FileVersion:           5\n")) << saved.constData();
+    ASSERT_TRUE(session.reloadData());
+    ASSERT_EQ(session.regions.list()->count(), 1);
+    expectCurve(39);
+    const RegionOfInterest& region = (*session.regions.list())[0];
+    EXPECT_EQ(region.Left, drag.left + 1);
+    ASSERT_EQ(region.ROIBetas.size(), betas.size());
+    EXPECT_GT(region.predictorsInFit, 0) << "a reloaded region has its betas at once";
+    for (size_t i = 0; i < betas.size(); ++i)
+        EXPECT_NEAR(double(region.ROIBetas[i]), double(betas[i]),
+                    1e-4 * std::abs(double(betas[i])));
+}
+
+TEST_F(SessionRegionsTest, LogsFollowTheRegionsFromTheirFirstVolumeOn) {
+    session.regions.setLog(&OperatorRequests::saveRTPs, true);
+    session.regions.setLog(&OperatorRequests::saveROIBetaTimeCourses, true);
+    runWithRegionAt(7);
+    EXPECT_EQ(content("results/test-8.rtp"), "0 0\n") << "no region yet";
+    const QList<QByteArray> words = content("results/test-9.rtp").simplified().split(' ');
+    ASSERT_EQ(words.size(), 3);
+    EXPECT_EQ(words[0], "1");
+    EXPECT_NEAR(words[1].toDouble(), measuredMean(8), 1e-4);
+    EXPECT_EQ(words[2].toInt(), session.functionalDocument->VolumeConditionIndex[8]);
+    const QByteArray betas = content("results/test_ROI_betas.btc");
+    EXPECT_EQ(betas.count("TimePoint:"), 40);
+    EXPECT_EQ(betas.count("NrOfVoxels:     12\n"), 32);
+    EXPECT_FALSE(QFile::exists(path("results/test_plots.ert"))) << "that log is off";
+}
+
+TEST_F(SessionRegionsTest, ALogThatCannotBeWrittenIsToldOfAndTheRunGoesOn) {
+    session.regions.setLog(&OperatorRequests::saveROITimeCourses, true);
+    writeSession(5, 2);
+    ASSERT_TRUE(QDir().mkpath(path("results/test_plots.ert")));
+    for (int volume = 0; volume < 3; ++volume)
+        messages.expect(MessageLevel::Warning,
+                        "ERROR: Can not open extended ROI time course file (.ERT) !");
+    session.runButtonPressed();
+    EXPECT_EQ(volumesIn("results"), 3);
+}
+
+TEST_F(SessionRegionsTest, TheChosenFileIsLoadedAtTheFirstVolumeAndAMissingOneIsToldOf) {
+    runWithRegionAt(3);
+    ASSERT_TRUE(QFile::rename(path("results/test.roi"), path("chosen.roi")));
+    session.requests.preLoadROIFile = path("chosen.roi");
+    int atFirstVolume = -1;
+    ProbeListener probe(session.listeners, ListenerPlace::Plots);
+    probe.onStep = [&](VolumeStep step, const VolumeAtHand& hand) {
+        if (step == VolumeStep::Plots && hand.volume == 0)
+            atFirstVolume = hand.document.regions.count();
+        return true;
+    };
+    session.setRunButton(RunButtonState::Ready);
+    session.runButtonPressed();
+    EXPECT_EQ(atFirstVolume, 1);
+    session.requests.preLoadROIFile = path("missing.roi");
+    messages.expect(MessageLevel::Warning,
+                    "ERROR: Can not open .ROI file for loading previously defined "
+                    "regions-of-interest !");
+    session.setRunButton(RunButtonState::Ready);
+    session.runButtonPressed();
+    EXPECT_EQ(atFirstVolume, 0);
+    EXPECT_EQ(volumesIn("results"), 40);
+}
+
+TEST_F(SessionRegionsTest, RegionsChangeOnlyWhileTheSessionIsIdleOrRecords) {
+    EXPECT_FALSE(session.regions.selectRectangle(drag)) << "no document";
+    EXPECT_FALSE(session.regions.load(path("any.roi")));
+    session.regions.removeAll();
+    EXPECT_EQ(session.regions.list(), nullptr);
+    QStringList accepted;
+    display.whileSaving = [&] {
+        accepted << (session.regions.selectRectangle(drag) ? "saving" : "");
+    };
+    display.whenStarting = [&] {
+        accepted << (session.regions.selectRectangle(drag) ? "preparing" : "");
+    };
+    runWithRegionAt(5);
+    accepted.removeAll("");
+    EXPECT_EQ(accepted, QStringList());
+    EXPECT_TRUE(session.regions.selectRectangle(drag));
+    EXPECT_FALSE(session.regions.selectRectangle({1, 3, 3, 0, 8})) << "no width";
+    EXPECT_EQ(session.regions.list()->count(), 2);
+    session.regions.removeAll();
+    EXPECT_TRUE(session.regions.list()->empty());
+}
