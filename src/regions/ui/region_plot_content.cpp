@@ -12,7 +12,7 @@
 namespace {
 
 const QColor& markColor = plotColors::quietText; // of lines that mark a place
-constexpr int smallestUnit = 3;                       // milliseconds, of a time axis
+constexpr int smallestUnit = 3;                  // milliseconds, of a time axis
 
 QString voxelText(const PlottedRegion& plotted) {
     const int all = plotted.region.NrOfVoxels();

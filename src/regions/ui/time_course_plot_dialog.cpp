@@ -8,7 +8,6 @@
 #include "regions/ui/session_region.h"
 #include "ui_time_course_plot_dialog.h"
 
-
 TimeCoursePlotDlg::TimeCoursePlotDlg(RunSession& session, RegionPlotSettings& settings,
                                      QWidget* parent)
     : QWidget(parent), session_(session), settings_(settings),

@@ -12,9 +12,9 @@ protected:
         session.functionalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
         document = session.functionalDocument.get();
         document->project.TR = 2000;
-        for (const auto& [name, color, first] :
-             {std::tuple("Rest", RgbColor{100, 100, 100}, 1), {"Faces", {255, 80, 60}, 6},
-              {"Houses", {60, 160, 255}, 16}}) {
+        for (const auto& [name, color, first] : {std::tuple("Rest", RgbColor{100, 100, 100}, 1),
+                                                 {"Faces", {255, 80, 60}, 6},
+                                                 {"Houses", {60, 160, 255}, 16}}) {
             ProtocolCondition condition;
             condition.name = name;
             condition.color = color;
@@ -39,9 +39,9 @@ protected:
             region.voxels.append(x, 5, 8);
         region.CurrentTimePoint = 39;
         for (int v = 0; v < 60; ++v)
-            region.TimeCourseValues.push_back(
-                float(number) * (v % 20 >= 6 && v % 20 < 12 ? 1020.0f : 1000.0f) +
-                float(v * 7 % 5));
+            region.TimeCourseValues.push_back(float(number) *
+                                                  (v % 20 >= 6 && v % 20 < 12 ? 1020.0f : 1000.0f) +
+                                              float(v * 7 % 5));
         document->regions.add(std::move(region));
     }
     void fitModel(RegionOfInterest& region) {
@@ -55,9 +55,7 @@ protected:
             addRegion();
         session.listeners.regionsChanged(*document);
     }
-    void passVolume() {
-        EXPECT_TRUE(session.listeners.atStep(VolumeStep::Plots, {*document, 39}));
-    }
+    void passVolume() { EXPECT_TRUE(session.listeners.atStep(VolumeStep::Plots, {*document, 39})); }
 
     ScriptedMessages messages;
     SimulatedPump pump;
