@@ -230,7 +230,9 @@ void PlotCanvas::showReadOut() {
     if (text.isEmpty())
         QToolTip::hideText();
     else
-        QToolTip::showText(mapToGlobal(*pointer_), text, this);
+        // As HTML, since a name could look like it.
+        QToolTip::showText(mapToGlobal(*pointer_),
+                           "<p style='white-space: pre'>" + text.toHtmlEscaped() + "</p>", this);
 }
 
 void PlotCanvas::mouseReleaseEvent(QMouseEvent* event) {

@@ -73,7 +73,8 @@ TEST_F(Matrix, ColorsAndReadsOutItsCells) {
 
     mouse::wheel(plotter, cell(1, 2), 10); // as far in as one cell
     EXPECT_NEAR(plotter.shownX().to - plotter.shownX().from, 1, 1e-9);
-    EXPECT_EQ(plotter.readOutAt(QRect({}, plotter.size()).center()), "Row 2, column 3: 4");
+    EXPECT_EQ(plotter.readOutAt(cell(1, 2)), "Row 2, column 3: 4");
+    EXPECT_EQ(colorAt(1, 2), matrixLevelColor(32));
 }
 
 TEST_F(Matrix, SelectsFromASeries) {

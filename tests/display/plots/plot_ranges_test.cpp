@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "display/plots/plot_ranges.h"
+#include "display/plots/plot_layout.h"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -73,7 +73,7 @@ TEST(PlotRanges, FollowFromTheDataWithRoundBounds) {
         {"empty curve", curveOf({}), {0, 1}, {0, 1}},
         {"only gaps", curveOf({nan, nan}), {0, 1}, {0, 1}},
         {"rising", curveOf({100, 105, nan, 107}), {0, 3}, {99, 108}},
-        {"errors", curveOf({0, 10}, {1, 2}), {0, 1}, {-2, 14}},
+        {"errors", curveOf({10, 20}, {8, 2}), {0, 1}, {0, 25}},
         {"equal", curveOf({100, 100}), {0, 1}, {85, 115}},
         {"one 0", curveOf({0}), {-1, 1}, {-1.5, 1.5}},
         {"huge", curveOf({-1e30f, 1e30f}), {0, 1}, {-1.5e30, 1.5e30}},
@@ -112,6 +112,46 @@ TEST(PlotRanges, StandStillWhileTheDataFitAndFillHalfOfThem) {
                                                           {{nan}, true},
                                                           {{5, 5}, false}})
         EXPECT_EQ(wholeYRange(curveOf(values), previous) == previous, kept) << values.back();
+}
+
+TEST(PlotLayout, LeavesTextsOutWhereThereIsNoRoom) {
+    PlotContent content = curveOf({100, 900});
+    content.curves[0].legend = "Mean";
+    content.title = "ROI 1";
+    content.xLabel = content.yLabel = "Label";
+    content.bands = {{0, 1, Qt::red, "Faces"}, {2, 3, Qt::red, "Faces"}};
+    struct Case {
+        QSize size;
+        size_t legend;
+        bool labels;
+        size_t leastTicks, mostTicks;
+        double leastShare; ///< of the area that is for the curves
+    };
+    const Case cases[] = {{{150, 100}, 0, false, 2, 5, 0.4},
+                          {{240, 160}, 2, true, 2, 7, 0.4},
+                          {{1200, 800}, 2, true, 5, 12, 0.85}};
+    for (const auto& [size, legend, labels, leastTicks, mostTicks, leastShare] : cases) {
+        const QRectF area({0, 0}, size);
+        const PlotRanges ranges{{0, 500}, {0, 1000}};
+        const PlotLayout layout = layOutPlot(area, content, ranges, QFont());
+        EXPECT_EQ(layout.legend.size(), legend);
+        EXPECT_EQ(layout.xLabel.isEmpty(), !labels);
+        EXPECT_EQ(layout.yLabel.isEmpty(), !labels);
+        for (const std::vector<PlotTick>& ticks : {layout.xTicks, layout.yTicks}) {
+            EXPECT_GE(ticks.size(), leastTicks) << size.width();
+            EXPECT_LE(ticks.size(), mostTicks) << size.width();
+        }
+        const QRectF& axes = layout.geometry.axes;
+        EXPECT_GE(axes.width() * axes.height(), leastShare * size.width() * size.height());
+        EXPECT_TRUE(area.contains(axes));
+        EXPECT_FALSE(axes.intersects(layout.title) || axes.intersects(layout.xLabel) ||
+                     axes.intersects(layout.yLabel));
+        for (const PlotLegendEntry& entry : layout.legend)
+            EXPECT_FALSE(axes.intersects(entry.text)) << "never over the curves";
+        // A painter's numbers are limited.
+        for (const double far : {1e300, -1e300, double(nan)})
+            EXPECT_LT(std::abs(layout.geometry.positionOfX(far)), 1e5);
+    }
 }
 
 } // namespace

@@ -70,6 +70,11 @@ TEST_F(Plot, HasCurvesBandsAndLinesWhereTheirValuesAre) {
         EXPECT_EQ(colorAt(7, 2), QColor(Qt::yellow));
         EXPECT_EQ(colorAt(8, 3), QColor(Qt::cyan));
     }
+    PlotContent close = bare({5, 5});
+    close.xStep = 10;
+    close.xRange = {4, 6};
+    plotter.setContent(close);
+    EXPECT_EQ(colorAt(5, 5), curveColor) << "its points are outside";
     // However noisy, a long curve covers what it passes.
     PlotContent noisy = bare();
     for (int i = 0; i < 5001; ++i)
@@ -143,6 +148,13 @@ TEST_F(Plot, ZoomsByKeysAndGoesBack) {
                           {Qt::Key_Minus, {4.375, 9.375}, {3.125, 8.125}},
                           {Qt::Key_Minus, {0, 10}, {0, 10}},
                           {Qt::Key_Plus, {2.5, 7.5}, {2.5, 7.5}},
+                          {Qt::Key_Plus, {3.75, 6.25}, {3.75, 6.25}},
+                          {Qt::Key_Right, {4.375, 6.875}, {3.75, 6.25}},
+                          {Qt::Key_Right, {5, 7.5}, {3.75, 6.25}},
+                          {Qt::Key_Right, {5.625, 8.125}, {3.75, 6.25}},
+                          {Qt::Key_Right, {6.25, 8.75}, {3.75, 6.25}},
+                          {Qt::Key_Right, {6.875, 9.375}, {3.75, 6.25}},
+                          {Qt::Key_Minus, {5, 10}, {2.5, 7.5}}, // not beyond the whole
                           {Qt::Key_Home, {0, 10}, {0, 10}}};
     int step = 0;
     for (const Case& wanted : cases) {
