@@ -349,6 +349,30 @@ TEST_F(RegionPlots, AveragesThatCanNotBeDrawn) {
     EXPECT_EQ(messages.shownModeless().size(), 2);
 }
 
+// Regions come and go while the run pumps events.
+TEST_F(SessionFixture, PlotsFollowARun) {
+    writeSession(30, 0);
+    TimeCoursesContainer container(session, nullptr);
+    std::vector<size_t> lengths;
+    script.atVolume = [&](int volume) {
+        if (volume == 5)
+            EXPECT_TRUE(session.regions.selectRectangle({1, 2, 5, 2, 5}));
+        else if (volume == 25)
+            session.regions.removeAll();
+    };
+    ProbeListener probe(session.listeners, ListenerPlace::Logs);
+    probe.onStep = [&](VolumeStep step, const VolumeAtHand&) {
+        const auto* plot = container.findChild<QWidget*>("TimeCourse1");
+        if (step == VolumeStep::Plots && plot->isVisible())
+            lengths.push_back(plot->findChild<Plotter*>()->content().curves[0].values.size());
+        return true;
+    };
+    session.runButtonPressed();
+    ASSERT_EQ(lengths.size(), 20u);
+    for (size_t i = 0; i < lengths.size(); ++i)
+        EXPECT_EQ(lengths[i], i + 6);
+}
+
 TEST(AveragingLabels, FollowTheInterval) {
     for (const auto& [interval, label] : std::vector<std::pair<int, const char*>>{
              {-1, "Time (scans)"}, {-2, "Time (sec)"}, {2, "Time (scans)"}, {3, "Time (3 msec)"}})
