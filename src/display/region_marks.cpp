@@ -11,7 +11,7 @@
 namespace {
 
 constexpr int nrOfColorsInTurn = 6;
-const QColor numberGround(0, 0, 0, 150);
+constexpr int middleGrey = 128;
 
 QColor colorOfRegion(const RegionColorTable& colors, int region) {
     return toQColor(colors[size_t(region % nrOfColorsInTurn)]);
@@ -23,9 +23,9 @@ QRect rectangleOf(const RegionOfInterest& region, const VolumeSize& size) {
     if (region.FromSlice < 1 || region.FromSlice > size.slices)
         return {};
     const auto [left, right] =
-        std::minmax(fromZero(region.Left, size.x), fromZero(region.Right, size.x));
+        std::minmax({fromZero(region.Left, size.x), fromZero(region.Right, size.x)});
     const auto [top, bottom] =
-        std::minmax(fromZero(region.Top, size.y), fromZero(region.Bottom, size.y));
+        std::minmax({fromZero(region.Top, size.y), fromZero(region.Bottom, size.y)});
     return {left, top, right - left, bottom - top};
 }
 
@@ -173,7 +173,8 @@ void drawRegionFrames(QPainter& painter, const MosaicTiles& tiles,
         const QString number = QString::number(frame.region + 1);
         const QRectF ground = numberArea(area, tiles.tile(place),
                                          {metrics.horizontalAdvance(number) + 2, metrics.height()});
-        painter.fillRect(ground, numberGround);
+        painter.fillRect(ground, color);
+        painter.setPen(qGray(color.rgb()) >= middleGrey ? Qt::black : Qt::white);
         painter.drawText(ground, Qt::AlignCenter, number);
     }
 }

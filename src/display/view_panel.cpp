@@ -6,12 +6,19 @@
 #include "run/session/run_session.h"
 
 #include <QBoxLayout>
+#include <QDockWidget>
+#include <QMainWindow>
 #include <QToolButton>
 
-ViewPanel::ViewPanel(RunSession& session, QWidget* parent) : QFrame(parent), session_(session) {
+ViewPanel::ViewPanel(RunSession& session, QWidget* parent)
+    : QFrame(parent), session_(session), area_(new QMainWindow(this, Qt::Widget)) {
     setObjectName("ImageView");
-    auto* views = new QVBoxLayout(this);
-    views->setContentsMargins(2, 2, 2, 2);
+    auto* frame = new QVBoxLayout(this);
+    frame->setContentsMargins(2, 2, 2, 2);
+    frame->addWidget(area_);
+    auto* views = new QWidget(area_);
+    (new QVBoxLayout(views))->setContentsMargins(0, 0, 0, 0);
+    area_->setCentralWidget(views);
     createButtons(parent);
     connect(slices_, &QToolButton::clicked, this, &ViewPanel::slicesWanted);
     session_.listeners.add(*this, ListenerPlace::Views);
@@ -87,6 +94,16 @@ bool ViewPanel::cancelDrag() {
     return functionalView_ && functionalView_->cancelDrag();
 }
 
+void ViewPanel::showHelp() {
+    if (functionalView_)
+        functionalView_->slotShowHelpHTML();
+}
+
+void ViewPanel::dock(QDockWidget& window) {
+    area_->addDockWidget(Qt::BottomDockWidgetArea, &window);
+    window.hide();
+}
+
 void ViewPanel::showSlices() {
     if (functionalView_)
         functionalView_->show();
@@ -111,7 +128,7 @@ void ViewPanel::documentsLeaving() {
 void ViewPanel::documentsArrived(QtCortivoDoc& functional) {
     functionalView_ = new QtCortivoView(&functional, session_.requests.thresholds, this);
     functionalView_->setObjectName("FunctionalView");
-    layout()->addWidget(functionalView_);
+    area_->centralWidget()->layout()->addWidget(functionalView_);
     functionalView_->hide();
     connect(functionalView_, &QtCortivoView::rectangleSelected, this,
             [this](const VoxelRectangle& rectangle) {

@@ -7,6 +7,8 @@
 
 #include <QFrame>
 
+class QDockWidget;
+class QMainWindow;
 class QToolButton;
 class QtCortivoView;
 class RunSession;
@@ -29,7 +31,12 @@ public:
     void showSlices();
     void focusSlices();
     void saveAsBMP();
+    /// Opens the help file of the paradigm, if the settings name one.
+    void showHelp();
+    [[nodiscard]] RoiDisplayStyle roiDisplayStyle() const { return roiDisplayStyle_; }
     void setROIDisplayStyle(RoiDisplayStyle style);
+    /// Docks a window below the views; the operator can make it float.
+    void dock(QDockWidget& window);
     /// True when a rectangle was being dragged on the slices; it is given up.
     bool cancelDrag();
 
@@ -47,6 +54,7 @@ private:
     void showCurrentState();
 
     RunSession& session_;
+    QMainWindow* area_; ///< the views in its middle, docked windows around them
     QtCortivoView* functionalView_ = nullptr;
     RoiDisplayStyle roiDisplayStyle_ = RoiDisplayStyle::RectanglesAndMarkedVoxels;
     QToolButton* slices_ = nullptr;

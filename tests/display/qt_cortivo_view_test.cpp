@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/qt_cortivo_view.h"
 
+#include "dialogs/appearance.h"
 #include "run/document/qt_cortivo_doc.h"
 #include "support/scripted_messages.h"
 
 #include <QTemporaryDir>
 #include <QTest>
+#include <QWheelEvent>
 #include <gtest/gtest.h>
 
 namespace {
@@ -18,8 +20,30 @@ protected:
         document.slices.greyScale.high = 100;
         document.slices.createSlicePixmaps(samples, {8, 8, 6});
         document.mosaic = {2, 2, 0, 2, 1};
+        document.project.ResolutionX = document.project.ResolutionY = 8;
+        document.project.NrOfSlices = 6;
         view.resize(700, 560);
+        QObject::connect(&view, &QtCortivoView::rectangleSelected,
+                         [this](const VoxelRectangle& chosen) { selected.push_back(chosen); });
+        (void)view.grab();
     }
+    [[nodiscard]] QPoint at(int place, int x, int y) const {
+        return view.tiles().areaOf(place, {x, y, 1, 1}).center().toPoint();
+    }
+    void drag(QPoint from, QPoint to) {
+        QTest::mousePress(&view, Qt::LeftButton, {}, from);
+        QTest::mouseMove(&view, to);
+    }
+    void click(QPoint position) { QTest::mouseClick(&view, Qt::LeftButton, {}, position); }
+    void turnWheel(QPoint position, int steps) {
+        QWheelEvent event(position, view.mapToGlobal(position), {}, {0, 120 * steps}, Qt::NoButton,
+                          {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&view, &event);
+    }
+    [[nodiscard]] bool readsOut(const QString& start) const {
+        return view.readOutText().startsWith(start);
+    }
+    std::vector<VoxelRectangle> selected;
     ScriptedMessages messages;
     QtCortivoDoc document{QtCortivoDoc::Kind::Functional};
     OverlayThresholds thresholds;
@@ -37,6 +61,126 @@ TEST_F(View, ScrollsByKeys) {
     }
     QTest::keyClick(&view, Qt::Key_Right, Qt::ControlModifier);
     EXPECT_EQ(document.mosaic.FirstShownSlice, 3);
+}
+
+TEST_F(View, DragsSelectVoxelsOfTheFirstTile) {
+    document.mosaic.FirstShownSlice = 4;
+    struct Case {
+        QPoint from, to; ///< voxels of the second tile, beyond it too
+        std::array<int, 4> sides;
+    };
+    const Case cases[] = {{{1, 2}, {4, 6}, {1, 5, 2, 7}},
+                          {{4, 6}, {1, 2}, {1, 5, 2, 7}},
+                          {{3, 3}, {-3, 20}, {0, 4, 3, 8}},
+                          {{7, 0}, {500, -900}, {7, 8, 0, 1}}};
+    document.slices.InplanePixmaps.assign(6, QImage(24, 24, QImage::Format_RGB32));
+    for (const bool inplanes : {false, true})
+        for (const auto& [from, to, sides] : cases) {
+            view.setShowInplanes(inplanes);
+            view.slotDocumentChanged();
+            (void)view.grab();
+            selected.clear();
+            drag(at(1, from.x(), from.y()), at(1, to.x(), to.y()));
+            EXPECT_TRUE(readsOut(QString("x %1").arg(sides[0] + 1)));
+            EXPECT_TRUE(selected.empty());
+            QTest::mouseRelease(&view, Qt::LeftButton, {}, at(1, to.x(), to.y()));
+            ASSERT_EQ(selected.size(), 1u);
+            const VoxelRectangle& found = selected.front();
+            EXPECT_EQ((std::array{found.left, found.right, found.top, found.bottom}), sides);
+            EXPECT_EQ(found.slice, 5);
+        }
+}
+
+TEST_F(View, DragsAreGivenUp) {
+    const QPoint from = at(0, 1, 1);
+    const QPoint to = at(0, 5, 5);
+    const std::function<void()> ways[] = {
+        [this] { QTest::keyClick(&view, Qt::Key_Escape); },
+        [&] { QTest::mouseClick(&view, Qt::RightButton, {}, to); },
+        [this] { view.slotClearArea(); },
+        [this] { // the slice is at another place now
+            QTest::keyClick(&view, Qt::Key_PageDown);
+            (void)view.grab();
+        },
+        [&] { EXPECT_TRUE(view.cancelDrag()); }};
+    for (const auto& giveUp : ways) {
+        drag(from, to);
+        giveUp();
+        EXPECT_FALSE(view.cancelDrag());
+        QTest::mouseRelease(&view, Qt::LeftButton, {}, to);
+        EXPECT_TRUE(readsOut("Drag"));
+        view.slotDocumentChanged();
+        (void)view.grab();
+    }
+    QTest::mousePress(&view, Qt::MiddleButton, {}, from);
+    QTest::mouseMove(&view, to);
+    QTest::mouseRelease(&view, Qt::MiddleButton, {}, to);
+    EXPECT_TRUE(selected.empty());
+}
+
+TEST_F(View, ClicksReadVoxelsOut) {
+    click(at(2, 3, 4));
+    EXPECT_TRUE(readsOut("x 4  y 5  slice 3"));
+    click(at(1, 7, 0));
+    EXPECT_TRUE(readsOut("x 8  y 1  slice 2"));
+    const QImage marked = view.grab().toImage();
+    click(at(1, 7, 0));
+    EXPECT_TRUE(readsOut("Drag"));
+    EXPECT_NE(view.grab().toImage(), marked);
+    click(at(1, 7, 0));
+    click({1, 300}); // beside the slices
+    EXPECT_TRUE(readsOut("Drag"));
+    EXPECT_TRUE(selected.empty());
+}
+
+TEST_F(View, ZoomsAroundThePointerAndGoesBack) {
+    click(at(2, 3, 4));
+    const QRectF whole = view.tiles().area;
+    const QPoint pointer = at(1, 2, 6);
+    turnWheel(pointer, 3);
+    EXPECT_NEAR(view.tiles().area.width(), whole.width() * 1.953125, 1e-6);
+    EXPECT_NEAR(QLineF(at(1, 2, 6), pointer).length(), 0, 1.5); // voxels have 33, then 65 pixels
+    QTest::mousePress(&view, Qt::MiddleButton, {}, {300, 300});
+    QTest::mouseMove(&view, {310, 295});
+    QTest::mouseRelease(&view, Qt::MiddleButton, {}, {310, 295});
+    EXPECT_NEAR(QLineF(at(1, 2, 6), pointer + QPoint(10, -5)).length(), 0, 1.5);
+    const double left = view.tiles().area.left();
+    QTest::keyClick(&view, Qt::Key_Right, Qt::AltModifier);
+    EXPECT_LT(view.tiles().area.left(), left);
+
+    click(at(1, 5, 5)); // the first click of the two
+    QTest::mouseDClick(&view, Qt::LeftButton, {}, at(1, 5, 5));
+    EXPECT_EQ(view.tiles().area, whole);
+    EXPECT_TRUE(readsOut("x 4  y 5  slice 3"));
+    EXPECT_TRUE(selected.empty());
+
+    const std::pair<Qt::Key, double> zoomAfter[] = {
+        {Qt::Key_Plus, 1.25}, {Qt::Key_Equal, 1.5625}, {Qt::Key_Minus, 1.25}, {Qt::Key_0, 1}};
+    for (const auto& [key, factor] : zoomAfter) {
+        QTest::keyClick(&view, key, Qt::ControlModifier);
+        EXPECT_NEAR(view.tiles().area.width(), whole.width() * factor, 1e-6) << int(key);
+    }
+    EXPECT_EQ(document.mosaic.FirstShownSlice, 0);
+}
+
+TEST_F(View, SavesRegionsWithTheBitmap) {
+    RegionOfInterest region;
+    region.FromSlice = 2;
+    region.Left = region.Top = 3;
+    region.Right = region.Bottom = 6;
+    document.regions.add(std::move(region));
+    document.slices.InplanePixmaps.assign(6, QImage(32, 32, QImage::Format_RGB32));
+    view.setShowInplanes(true);
+    const QTemporaryDir folder;
+    messages.expectFileChoice("Save Bitmap File", folder.filePath("run.bmp"));
+    view.slotSaveAsBMP();
+    const QImage saved(folder.filePath("run.bmp"), "BMP");
+    const QRgb color = toQColor(builtInRegionColors()[0]).rgb();
+    for (const QPoint corner : {QPoint(40, 8), QPoint(39, 19), QPoint(53, 21)})
+        EXPECT_EQ(saved.pixel(corner), color) << corner.x() << " " << corner.y();
+    for (const QPoint inside : {QPoint(45, 14), QPoint(8, 8)})
+        EXPECT_EQ(saved.pixel(inside), view.mosaic().pixel(inside));
+    EXPECT_NE(saved.copy(54, 8, 8, 8), view.mosaic().copy(54, 8, 8, 8)); // the number
 }
 
 TEST_F(View, SavesTheMosaicAsBitmap) {

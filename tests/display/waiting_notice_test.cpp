@@ -77,6 +77,7 @@ TEST_F(Notice, TellsFileFolderTimesAndWhatIsThere) {
 TEST_F(Notice, LooksIntoTheFolderEveryTwoSeconds) {
     await({path("run-0001.dcm")});
     ASSERT_TRUE(shownAfter(1500));
+    EXPECT_TRUE(tells("A look into the folder:")) << "before the first volume there is room";
     EXPECT_TRUE(tells("The folder is empty"));
     put("run-0002.dcm", "x");
     ASSERT_TRUE(shownAfter(1999));
@@ -110,6 +111,7 @@ TEST_F(Notice, FollowsTheArea) {
     area.show();
     area.resize(932, 780);
     EXPECT_EQ(notice.width(), 932);
+    EXPECT_GE(notice.height(), 4 * notice.fontMetrics().height()) << "the path is wrapped";
 }
 
 TEST_F(Notice, IsRenewedOnlyDuringARun) {

@@ -85,6 +85,8 @@ TEST_F(SimilarFiles, TellWhyTheFileItselfIsNotTaken) {
 TEST_F(SimilarFiles, AreLookedForInAllFolders) {
     put("run-0002.dcm", 10);
     const QString here = folder.path() + '/';
+    EXPECT_EQ(similarFiles({{here + "run-0001.dcm", here + "run-0003.dcm"}, 10, true}, pump),
+              (QStringList{R"(Other number: "run-0002.dcm")"}));
     EXPECT_EQ(similarFiles({{"/none/run-0001.dcm", here + "run-0001.dcm"}, 10, true}, pump),
               (QStringList{"/none/: The folder does not exist",
                            here + R"(: Other number: "run-0002.dcm")"}));

@@ -87,21 +87,13 @@ TEST(EventRelatedAverage, LeavesOutTrialsWithoutABaseline) {
 TEST(EventRelatedAverage, OnsetsAreThoseOfTheConditionOfEachVolume) {
     std::vector<float> ramp(10);
     std::iota(ramp.begin(), ramp.end(), 1.0f);
+    constexpr int least = std::numeric_limits<int>::min();
+    const std::vector<Interval> intervals{
+        {-5, 3},        {-5, 0},        {0, 0},       {1, 1},        {3, 8},
+        {10, 10},       {11, 12},       {2000, 2000}, {2001, 3999},  {2001, 4000},
+        {18000, 18001}, {18001, 90000}, {least, -1},  {least, 90000}};
     for (const ResolutionOfTime unit : {ResolutionOfTime::Volumes, ResolutionOfTime::Milliseconds})
-        for (const Interval& interval :
-             {Interval{-5, 3},
-              {-5, 0},
-              {0, 0},
-              {1, 1},
-              {3, 8},
-              {10, 10},
-              {11, 12},
-              {2000, 2000},
-              {2001, 3999},
-              {2001, 4000},
-              {18000, 18001},
-              {18001, 90000},
-              {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}}) {
+        for (const Interval& interval : intervals) {
             StimulationProtocol protocol;
             protocol.resolutionOfTime = unit;
             addCondition(protocol, "A", {interval});

@@ -34,74 +34,36 @@ struct BetaRun {
     }
 };
 
-struct Fit {
-    int CurrentTimePoint;
-    bool onsetsKnown;
-    std::vector<double> betas;
-    double residualVariance;
-    int predictors;
-    double firstVariance;  ///< of the first condition, over that of the residuals
-    double lastCovariance; ///< of constant and trend
-};
-
 } // namespace
 
 TEST(ROIBetas, AgreeWithLeastSquaresBeforeAndAfterALatePredictor) {
-    // From NumPy, with pinv(X'X).
-    const Fit fits[] = {{29,
-                         true,
-                         {1.80136647, 0, 1002.83665, 2.65332381},
-                         5.05060195,
-                         3,
-                         0.237414311,
-                         0.213696973},
-                        {30,
-                         true,
-                         {1.80136647, -0.86007932, 1002.83665, 2.65332381},
-                         5.05060195,
-                         4,
-                         0.237414311,
-                         0.213696973},
-                        {59,
-                         true,
-                         {1.78697874, -1.09075969, 1003.06416, 2.96917157},
-                         4.89642290,
-                         4,
-                         0.126135246,
-                         0.011363291},
-                        {99,
-                         false,
-                         {1.78697874, -1.09075969, 1003.06416, 2.96917157},
-                         4.89642290,
-                         4,
-                         0.126135246,
-                         0.011363291}};
-    for (const Fit& fit : fits) {
-        SCOPED_TRACE(fit.CurrentTimePoint);
+    // From NumPy with pinv(X'X): the betas, the residual variance, and of the inverse the variance
+    // of the first condition and the covariance of constant and trend.
+    using Solution = std::vector<double>;
+    const Solution early{1.80136647, 0,           1002.83665, 2.65332381,
+                         5.05060195, 0.237414311, 0.213696973};
+    const Solution grown{1.80136647, -0.86007932, 1002.83665, 2.65332381,
+                         5.05060195, 0.237414311, 0.213696973};
+    const Solution whole{1.78697874, -1.09075969, 1003.06416, 2.96917157,
+                         4.89642290, 0.126135246, 0.011363291};
+    for (const auto& [CurrentTimePoint, exact] :
+         {std::pair{29, early}, {30, grown}, {59, whole}, {99, whole}}) {
+        SCOPED_TRACE(CurrentTimePoint);
         BetaRun run;
-        run.regions.add({}); // without a volume
-        RegionOfInterest& last = run.regions.add({});
-        last.TimeCourseValues.assign(nrOfVolumes, 0.001f);
-        last.CurrentTimePoint = 20;
-        run.regions[0].CurrentTimePoint = fit.CurrentTimePoint;
-        if (!fit.onsetsKnown)
+        if (CurrentTimePoint == 99)
             run.design.PredictorOnsets.clear();
+        RegionOfInterest& region = run.regions[0];
+        region.CurrentTimePoint = CurrentTimePoint;
         computeROIBetas(run.regions, run.design, true);
-
-        const RegionOfInterest& region = run.regions[0];
         ASSERT_EQ(region.ROIBetas.size(), 4u);
         for (size_t j = 0; j < 4; ++j)
-            EXPECT_NEAR(double(region.ROIBetas[j]), fit.betas[j], 2e-3) << j;
-        EXPECT_NEAR(double(region.residualVariance), fit.residualVariance, 1e-3);
-        EXPECT_EQ(region.predictorsInFit, fit.predictors);
+            EXPECT_NEAR(double(region.ROIBetas[j]), exact[j], 2e-3) << j;
+        EXPECT_NEAR(double(region.residualVariance), exact[4], 1e-3);
+        EXPECT_EQ(region.predictorsInFit, exact[1] == 0.0 ? 3 : 4);
         ASSERT_EQ(region.BetaCovariance.size(), 16u);
-        EXPECT_NEAR(region.BetaCovariance[0], fit.firstVariance, 1e-5);
-        EXPECT_NEAR(region.BetaCovariance[11], fit.lastCovariance, 1e-5);
-        EXPECT_EQ(region.BetaCovariance[5] == 0.0, fit.predictors == 3);
-        EXPECT_EQ(run.regions[1].ROIBetas, (std::vector<float>{0, 0, 1, 0}));
-        // A constant this small gives no percentage.
-        EXPECT_NEAR(double(last.ROIBetas[2]), 0.001, 1e-6);
-        EXPECT_NEAR(double(last.ROIBetas[0]), 0.0, 1e-6);
+        EXPECT_NEAR(region.BetaCovariance[0], exact[5], 1e-5);
+        EXPECT_NEAR(region.BetaCovariance[11], exact[6], 1e-5);
+        EXPECT_EQ(region.BetaCovariance[5] == 0.0, exact[1] == 0.0);
     }
 }
 
@@ -138,8 +100,11 @@ TEST(ROIBetas, WithoutAModelAreZeroAndTheConstantsIsOne) {
     expectUnfitted({0, 0, 1});
     // The first condition begins after the end of a shorter curve between two long ones.
     run.design.PredictorOnsets = {4, 30};
-    run.regions.add(region).CurrentTimePoint = 2;
-    run.regions.add(region);
+    for (const int last : {2, nrOfVolumes - 1}) {
+        RegionOfInterest& other = run.regions.add({});
+        other.TimeCourseValues = region.TimeCourseValues;
+        other.CurrentTimePoint = last;
+    }
     computeROIBetas(run.regions, run.design, true);
     EXPECT_EQ(run.regions[1].predictorsInFit, 0);
     EXPECT_EQ(run.regions[2].ROIBetas, region.ROIBetas);

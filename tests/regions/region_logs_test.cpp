@@ -22,16 +22,15 @@ struct LogRun {
         std::iota(samples.begin(), samples.end(), int16_t(-32768));
         design.NrOfConditionPredictors = 4;
         design.NrOfPredictors = 5;
-        RegionOfInterest& first = regions.add({});
-        first.voxels.append(1, 2, 3);
-        first.voxels.append(11, 10, 100);
-        first.TimeCourseValues = {1012.34567f, -0.5f, 1234567.875f};
-        first.CurrentTimePoint = 1;
-        first.ROIBetas = {1.5f, -0.333333333f, 0.9e-05f, 1.1e-05f, 0.0101f};
-        first.predictorsInFit = 5;
-        RegionOfInterest& second = regions.add(first);
-        second.voxels = {{0}, {0}, {0}};
-        second.CurrentTimePoint = 2;
+        for (const int latest : {1, 2}) {
+            RegionOfInterest& region = regions.add({});
+            region.TimeCourseValues = {1012.34567f, -0.5f, 1234567.875f};
+            region.CurrentTimePoint = latest;
+            region.ROIBetas = {1.5f, -0.333333333f, 0.9e-05f, 1.1e-05f, 0.0101f};
+            region.predictorsInFit = 5;
+        }
+        regions[0].voxels = {{1, 11}, {2, 10}, {3, 100}};
+        regions[1].voxels = {{0}, {0}, {0}};
     }
 };
 
@@ -60,35 +59,36 @@ TEST(RegionLogs, ExtendedTimeCoursesListTheVoxels) {
                mean + "\n\nROI:         2\nNrOfVoxels:  1\n  0   0   0  -32768\nAvgValue: " + mean +
                "\n\n\n\n";
     };
-    const auto textOf = [&](int volume) {
-        return extendedTimeCourseText(run.regions, volume, run.samples, size, volume == 0);
+    const auto textOf = [&](int volume, bool withHead) {
+        return extendedTimeCourseText(run.regions, volume, run.samples, size, withHead);
     };
-    EXPECT_EQ(textOf(0), expected("FileVersion: 1\n\n\nTimePoint:   1\n\nNrOfROIs:    2\n\n",
-                                  "1012.345642090"));
-    EXPECT_EQ(textOf(1), expected("TimePoint:   2\n\nNrOfROIs:    2\n\n", "-0.500000000"));
-    EXPECT_EQ(textOf(9), expected("TimePoint:   10\n\nNrOfROIs:    2\n\n", "1234567.875000000"));
+    EXPECT_EQ(textOf(0, true), expected("FileVersion: 1\n\n\nTimePoint:   1\n\nNrOfROIs:    2\n\n",
+                                        "1012.345642090"));
+    EXPECT_EQ(textOf(1, false), expected("TimePoint:   2\n\nNrOfROIs:    2\n\n", "-0.500000000"));
+    EXPECT_EQ(textOf(9, false),
+              expected("TimePoint:   10\n\nNrOfROIs:    2\n\n", "1234567.875000000"));
     EXPECT_EQ(extendedTimeCourseText({}, 4, {}, {}, false),
               "TimePoint:   5\n\nNrOfROIs:    0\n\n\n\n");
 }
 
 TEST(RegionLogs, BetaTimeCoursesLeaveOutWhatHasNoBetas) {
     LogRun run;
-    const auto textOf = [&](int volume) {
-        return betaTimeCourseText(run.regions, run.design, volume, volume == 0);
+    const auto textOf = [&](int volume, bool withHead) {
+        return betaTimeCourseText(run.regions, run.design, volume, withHead);
     };
     const QByteArray first = "ROI:            1\nNrOfVoxels:     2\nNrOfCondBetas:  4\n";
     const QByteArray second = "ROI:            2\nNrOfVoxels:     1\nNrOfCondBetas:  4\n";
     const QByteArray betas = "1.5 -0.333333 0 1.1e-05 \n";
-    EXPECT_EQ(textOf(0), "FileVersion:    1\nBetaMode:       PercentToBaseline\n\n"
-                         "TimePoint:      1\nNrOfROIs:       2\n" +
-                             first + betas + second + betas + "\n");
+    EXPECT_EQ(textOf(0, true), "FileVersion:    1\nBetaMode:       PercentToBaseline\n\n"
+                               "TimePoint:      1\nNrOfROIs:       2\n" +
+                                   first + betas + second + betas + "\n");
     run.regions[0].ROIBetas[4] = -0.0099f;
     run.regions[1].predictorsInFit = 0;
     const QByteArray head = "TimePoint:      8\nNrOfROIs:       2\n";
-    EXPECT_EQ(textOf(7), head + first + second + "\n");
+    EXPECT_EQ(textOf(7, false), head + first + second + "\n");
     run.regions[0].ROIBetas.pop_back();
     run.regions[1].voxels = {};
-    EXPECT_EQ(textOf(7), head + "ROI:            2\nNrOfVoxels:     0\n\n");
+    EXPECT_EQ(textOf(7, false), head + "ROI:            2\nNrOfVoxels:     0\n\n");
 }
 
 TEST(RegionLogs, AreAppendedToRegularFilesOnly) {

@@ -3,6 +3,7 @@
 
 #include "dialogs/appearance.h"
 #include "dialogs/progress_boxes.h"
+#include "display/waiting_notice.h"
 #include "run/loop/status_text.h"
 #include "run/replay/ui/recover_run_dialog.h"
 #include "run/replay/ui/replay_run_dialog.h"
@@ -20,11 +21,14 @@ VeloCortivo::VeloCortivo(const StandardFolders& folders, EventPump& pump)
       watch_(folders, session_, pump, *this, *this), frame_(*this, watch_), keys_(*this),
       menus_(*createTitleRow(*this), *this), viewPanel_(new ViewPanel(session_, this)),
       logPanel_(new LogPanel(this)), inputPanel_(new InputPanel(this)),
-      contrastPanel_(new ContrastPanel(session_, this)) {
+      contrastPanel_(new ContrastPanel(session_, this)),
+      timeCourses_(new TimeCoursesContainer(session_, this)) {
     setProgramAccess(this);
     setObjectName("VeloCortivo");
     setWindowTitle("Velo-Cortivo");
     setWindowIcon(QIcon(":/images/velo-cortivo-256.png"));
+    viewPanel_->dock(*timeCourses_);
+    new WaitingNotice(session_, pump_, viewPanel_);
     session_.licencePermits = licencePermits;
     session_.journal.setPlaces(folders.dataPath,
                                JournalList(folders.applicationDataPath + "OpenJournals"));
@@ -176,13 +180,8 @@ void VeloCortivo::focusSlices() {
     viewPanel_->focusSlices();
 }
 
-void VeloCortivo::setROIDisplayStyle(RoiDisplayStyle style) {
-    roiDisplayStyle_ = style;
-    updateViews();
-}
-
 void VeloCortivo::nextROIDisplayStyle() {
-    switch (RoiDisplayStyle((int(roiDisplayStyle_) + 1) % 3)) {
+    switch (RoiDisplayStyle((int(roiDisplayStyle()) + 1) % 3)) {
     case RoiDisplayStyle::Rectangles:
         return onShowROIsAsRectangles();
     case RoiDisplayStyle::RectanglesAndMarkedVoxels:
@@ -190,6 +189,40 @@ void VeloCortivo::nextROIDisplayStyle() {
     case RoiDisplayStyle::MarkedVoxels:
         return onShowROIsAsMarkedVoxels();
     }
+}
+
+void VeloCortivo::toggleLog(bool OperatorRequests::* log) {
+    session_.regions.setLog(log, !(session_.requests.*log));
+}
+
+void VeloCortivo::onToggleROITimeCoursesDetrended() {
+    timeCourses_->setDetrended(!timeCourses_->detrended());
+}
+
+void VeloCortivo::slotSwitchAveragingType() {
+    timeCourses_->setEpochBased(!timeCourses_->epochBased());
+}
+
+void VeloCortivo::slotClickedContrastList(QTreeWidgetItem* item, int column) {
+    contrastPanel_->list().slotClickedContrastList(item, column);
+}
+
+void VeloCortivo::slotDoubleClickedContrastList(QTreeWidgetItem* item, int column) {
+    contrastPanel_->list().slotDoubleClickedContrastList(item, column);
+}
+
+void VeloCortivo::slotDeleteAllContrasts() {
+    contrastPanel_->list().slotDeleteAllContrasts();
+}
+
+void VeloCortivo::tellLater(const char* entry) {
+    for (const MenuEntry& row : menuEntries())
+        if (QLatin1String(row.text) == QLatin1String(entry))
+            showModelessInformation(QStringLiteral("%1.").arg(row.toolTip));
+}
+
+void VeloCortivo::slotShowMotionPlot() {
+    // openMotionPlot(session_, *this);
 }
 
 void VeloCortivo::slotShowLicenseInfoDlg() {

@@ -5,6 +5,7 @@
 #include "display/log_panel.h"
 #include "display/view_panel.h"
 #include "plugin/host/program_access.h"
+#include "regions/ui/time_courses_container.h"
 #include "run/loop/run_display.h"
 #include "run/session/settings_file_watch.h"
 #include "run/window/input_panel.h"
@@ -52,6 +53,8 @@ public:
     [[nodiscard]] bool endsAfterRun() const { return endAfterRun_; }
     /// Writes what the session has into the controls, and, unless a run owns it, into the panel.
     void refreshControls();
+    [[nodiscard]] RoiDisplayStyle roiDisplayStyle() const { return viewPanel_->roiDisplayStyle(); }
+    [[nodiscard]] const TimeCoursesContainer& timeCourses() const { return *timeCourses_; }
     void nextROIDisplayStyle();
     /// The keyboard goes from a control back to the slices.
     void focusSlices();
@@ -94,10 +97,16 @@ public Q_SLOTS:
     void slotFileMenuAboutToShow() { menus_.refresh("&File"); }
     void slotAnalysisMenuAboutToShow() { menus_.refresh("&Analysis"); }
     void slotViewMenuAboutToShow() { menus_.refresh("&View"); }
+    void slotMultiRunMenuAboutToShow() { menus_.refresh("&Multi-Run"); }
+    void onPluginsMenuAboutToShow() { menus_.refresh("&Plugins"); }
+    void slotHelpMenuAboutToShow() { menus_.refresh("&Help"); }
     void slotChangeThreshold();
     void slotChangeColorMaxThreshold();
     void slotChangeClusterSize();
     void slotChangeMultiSliceROISelection() { contrastPanel_->takeMultiSliceROISelection(); }
+    void slotClickedContrastList(QTreeWidgetItem* item, int column);
+    void slotDoubleClickedContrastList(QTreeWidgetItem* item, int column);
+    void slotDeleteAllContrasts();
     void slotConjunctionAnalysis() { contrastPanel_->takeConjunction(); }
     void slotSwitchToSignificanceColorCoding() { session_.changeColorCoding(true); }
     void slotSwitchToMultiMapColorCoding() { session_.changeColorCoding(false); }
@@ -106,11 +115,55 @@ public Q_SLOTS:
     void slotShowOnCurrentEPIs() { session_.showOnCurrentVolume(); }
     void slotShowOnInplanes() { session_.showOnInplanes(); }
     void slotPostProcessData();
-    void onShowROIsAsRectangles() { setROIDisplayStyle(RoiDisplayStyle::Rectangles); }
-    void onShowROIsAsMarkedVoxels() { setROIDisplayStyle(RoiDisplayStyle::MarkedVoxels); }
+    void slotShowHelpHTML() { viewPanel_->showHelp(); }
+    void slotShowIFISHelpHTML() { viewPanel_->showHelp(); }
+
+    // Regions of interest.
+    void slotLoadROIs() { session_.regions.chooseFileToLoad(); }
+    void slotSaveROIs() { session_.regions.chooseFileToSave(); }
+    void slotRemoveROITimeCoursePlots() { session_.regions.removeAll(); }
+    void slotSaveRTPsOption() { toggleLog(&OperatorRequests::saveRTPs); }
+    void slotSaveROITimeCourses() { toggleLog(&OperatorRequests::saveROITimeCourses); }
+    void slotSaveROIBetaTimeCourses() { toggleLog(&OperatorRequests::saveROIBetaTimeCourses); }
+    void onShowTimeCoursesContainer() { timeCourses_->showContainer(); }
+    void onToggleROITimeCoursesDetrended();
+    void slotSwitchAveragingType();
+    void slotUpdateShowROIGLMBetaPlots() { timeCourses_->onShowTCsAndBetas(); }
+    void slotShowROIVoxels() { onShowROIsAsRectanglesAndMarkedVoxels(); }
+    void slotShowMotionPlot();
+    void onShowROIsAsRectangles() { viewPanel_->setROIDisplayStyle(RoiDisplayStyle::Rectangles); }
+    void onShowROIsAsMarkedVoxels() { viewPanel_->setROIDisplayStyle(RoiDisplayStyle::MarkedVoxels); }
     void onShowROIsAsRectanglesAndMarkedVoxels() {
-        setROIDisplayStyle(RoiDisplayStyle::RectanglesAndMarkedVoxels);
+        viewPanel_->setROIDisplayStyle(RoiDisplayStyle::RectanglesAndMarkedVoxels);
     }
+
+    // Of later versions: their entries are disabled, and a call says so.
+    void slotEditVCOSettingsFile() { tellLater("Edit VCO File..."); }
+    void slotEditMasterVCOFileSettings() { tellLater("Edit MasterVCO File..."); }
+    void slotRenameDICOMFiles() { tellLater("Rename DICOM Files..."); }
+    void slotVMR2VMRCoregistration() { tellLater("VMR-VMR Coregistration..."); }
+    void slotStimulationProtocol() { tellLater("Stimulation Protocol..."); }
+    void onOfflineSVMDlg() { tellLater("SVM Training..."); }
+    void onRFEDlg() { tellLater("RFE Training..."); }
+    void onRealTimeSVMClassification() { tellLater("Real-Time SVM Classification..."); }
+    void slotShowNeurofeedbackDlg() { tellLater("Neurofeedback... "); }
+    void slotShowBOLDDecoder() { tellLater("BOLD Decoder... "); }
+    void slotROIGLM() { tellLater("ROI GLM..."); }
+    void slotSwitchToEPI3DView() { tellLater("Volume View"); }
+    void slotSwitchToVMRView() { tellLater("Anatomical Volume View"); }
+    void updateVMRSwitchForMac() { refreshViewButtons(); }
+    void slotSwitchToSurfaceView() { tellLater("Surface View"); }
+    void slotSwitchToSurfaceViewLeftMesh() { tellLater("Surface View"); }
+    void slotSwitchToSurfaceViewRightMesh() { tellLater("Surface View"); }
+    void slotLoadVOIs() { tellLater("Anatomical Volume View"); }
+    void slotSaveVOIs() { tellLater("Anatomical Volume View"); }
+    void slotMultiRunMenuActivated() { tellLater("<Single-run analysis>"); }
+    void slotSelectMVCOFile() { tellLater("<Single-run analysis>"); }
+    void slotRunSelectedInTC1(int) { tellLater("<Single-run analysis>"); }
+    void slotRunSelectedInTC2(int) { tellLater("<Single-run analysis>"); }
+    void slotRunSelectedInTC3(int) { tellLater("<Single-run analysis>"); }
+    void onCallPlugin() { tellLater("<No plug-ins>"); }
+    void onToggleShowPluginMaps() { tellLater("<No plug-ins>"); }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -124,7 +177,9 @@ protected:
 
 private:
     void connectPanels();
-    void setROIDisplayStyle(RoiDisplayStyle style);
+    void toggleLog(bool OperatorRequests::* log);
+    /// Says what an entry that can't be chosen yet waits for.
+    void tellLater(const char* entry);
 
     EventPump& pump_;
     RunSession session_;
@@ -136,6 +191,6 @@ private:
     LogPanel* logPanel_;
     InputPanel* inputPanel_;
     ContrastPanel* contrastPanel_;
-    RoiDisplayStyle roiDisplayStyle_ = RoiDisplayStyle::RectanglesAndMarkedVoxels;
+    TimeCoursesContainer* timeCourses_;
     bool endAfterRun_ = false;
 };

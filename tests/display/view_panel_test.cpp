@@ -1,0 +1,66 @@
+// What the operator does on the slices during a run.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/view_panel.h"
+
+#include "display/qt_cortivo_view.h"
+#include "run/loop/session_fixture.h"
+
+#include <QTest>
+
+class ViewPanelTest : public SessionFixture {
+protected:
+    QtCortivoView& view() { return *panel.findChild<QtCortivoView*>("FunctionalView"); }
+    /// The view paints itself, as it would before the operator's next action.
+    QtCortivoView& paintedView() {
+        (void)view().grab();
+        return view();
+    }
+    QPoint at(int slice, int x, int y) {
+        const MosaicTiles tiles = paintedView().tiles();
+        const int place = placeOfSlice(tiles.layout, slice, tiles.nrOfSlices);
+        return tiles.areaOf(place, {x, y, 1, 1}).center().toPoint();
+    }
+    void drag(int slice, QPoint from, QPoint to) {
+        QTest::mousePress(&view(), Qt::LeftButton, {}, at(slice, from.x(), from.y()));
+        QTest::mouseMove(&view(), at(slice, to.x(), to.y()));
+        QTest::mouseRelease(&view(), Qt::LeftButton, {}, at(slice, to.x(), to.y()));
+    }
+    QWidget window;
+    ViewPanel panel{session, &window};
+};
+
+TEST_F(ViewPanelTest, RegionsAreDrawnWhileVolumesArrive) {
+    session.requests.thresholds.Threshold = 100.0f;
+    panel.resize(600, 500);
+    writeSession(42, 2, {{"MultiSliceROISelection:", "1"}});
+    ProbeListener operatorHand(session.listeners, ListenerPlace::Dialogs);
+    operatorHand.onEndOfVolume = [this](int volume) {
+        panel.update(true);
+        if (volume == 10) {
+            const QImage before = paintedView().mosaic();
+            drag(1, {2, 1}, {5, 3});
+            EXPECT_NE(paintedView().mosaic(), before) << "its voxels are marked at once";
+            panel.setROIDisplayStyle(RoiDisplayStyle::Rectangles);
+            EXPECT_EQ(paintedView().mosaic(), before);
+        }
+        if (volume == 20)
+            QTest::mouseClick(&view(), Qt::LeftButton, {}, at(1, 2, 1));
+        const size_t voxel = 64 + 8 + 2;
+        if (volume >= 21) {
+            session.requests.overlayVolumeMode = volume == 21 ? 0 : 1;
+            panel.update(true);
+            EXPECT_TRUE(view().readOutText().startsWith(
+                QString("x 3  y 2  slice 2   volume %1: %2")
+                    .arg(volume == 21 ? 1 : volume + 1)
+                    .arg(scriptedSample(voxel, volume == 21 ? 0 : volume))))
+                << view().readOutText().toStdString();
+        }
+    };
+    session.runButtonPressed();
+    ASSERT_EQ(session.regions.list()->count(), 1);
+    const RegionOfInterest& region = (*session.regions.list())[0];
+    EXPECT_EQ((std::array{region.FromSlice, region.Left, region.Right, region.Top, region.Bottom}),
+              (std::array{2, 3, 7, 2, 5}));
+    session.regions.removeAll();
+    EXPECT_FALSE(panel.cancelDrag());
+}
