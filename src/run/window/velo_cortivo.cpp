@@ -191,7 +191,7 @@ void VeloCortivo::nextROIDisplayStyle() {
     }
 }
 
-void VeloCortivo::toggleLog(bool OperatorRequests::* log) {
+void VeloCortivo::toggleLog(bool OperatorRequests::*log) {
     session_.regions.setLog(log, !(session_.requests.*log));
 }
 

@@ -123,8 +123,10 @@ TEST_F(RegionPlots, OptionsOfATimeCourse) {
     auto* row = find<QWidget>("PlotOptions");
     auto* button = find<QToolButton>("ShowOptionsBtn");
     EXPECT_FALSE(row->isVisible() || button->isChecked());
-    button->click();
+    plot->slotToggleOptions();
     EXPECT_TRUE(row->isVisible() && button->isChecked());
+    button->click();
+    EXPECT_FALSE(row->isVisible());
     const auto trigger = [&](const char* name) { plot->findChild<QAction*>(name)->trigger(); };
     trigger("GridOp");
     trigger("ProtocolOp");
@@ -144,6 +146,11 @@ TEST_F(RegionPlots, OptionsOfATimeCourse) {
     EXPECT_TRUE(container.detrended());
     EXPECT_NE(content.curves[0].values, before);
 
+    auto* plotter = plot->findChild<Plotter*>();
+    plotter->zoomIn();
+    plot->clearPlot();
+    plot->refresh();
+    EXPECT_EQ(plotter->shownX(), *content.xRange) << "the zoom of another region";
     plot->clearPlot();
     EXPECT_TRUE(content.curves.empty());
     EXPECT_EQ(find<QLabel>("RegionInfoLbl")->text(), "");
@@ -171,12 +178,17 @@ TEST_F(RegionPlots, BetasAreBarsWithStandardErrors) {
 }
 
 TEST_F(RegionPlots, FixedPlotsAreKeptAndFurtherRegionsFloat) {
+    EXPECT_EQ(container.objectName(), "TimeCoursesContainer");
     EXPECT_FALSE(container.isVisible());
     addRegions(2);
     EXPECT_EQ(visible().join(' '), "TimeCourse1 TimeCourse2 BetaPlot1 BetaPlot2");
     const QWidget* first = find<QWidget>("TimeCourse1");
     addRegions(3);
     EXPECT_EQ(visible().size(), 10);
+    // The third colour, (40, 30, 255), is too dark for the ground of a plot.
+    EXPECT_EQ(contentOf("TimeCourse3").curves[0].color, QColor(88, 80, 255));
+    EXPECT_EQ(find<QWidget>("TimeCourse3")->findChild<QLabel*>()->palette().windowText().color(),
+              QColor(88, 80, 255));
     auto* fourth = find<QWidget>("RegionSlot4");
     auto* fifth = find<QWidget>("RegionSlot5");
     EXPECT_TRUE(fourth->isWindow());
