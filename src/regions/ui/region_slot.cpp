@@ -25,8 +25,7 @@ RegionSlot::RegionSlot(RunSession& session, RegionPlotSettings& settings, int sl
     plots_->setSpacing(4);
     plots_->addWidget(timeCourse_, 5);
     plots_->addWidget(betas_, 3);
-    timeCourse_->hide();
-    betas_->hide();
+    setRegion(-1);
 }
 
 void RegionSlot::addRunChoice() {

@@ -138,7 +138,7 @@ std::vector<RegionSlot*> TimeCoursesContainer::usedSlots() const {
 void TimeCoursesContainer::arrange() {
     QGridLayout* grid = ui_->SlotsLayout;
     const int used = std::min(nrOfRegions_, fixedSlots);
-    const int rows = std::clamp(ui_->NrOfRowsSpBx->value(), 1, std::max(used, 1));
+    const int rows = std::min(ui_->NrOfRowsSpBx->value(), std::max(used, 1));
     const int columns = (used + rows - 1) / rows;
     for (int i = 0; i < fixedSlots; ++i) {
         RegionSlot* slot = slots_[size_t(i)];
@@ -161,9 +161,8 @@ void TimeCoursesContainer::onNrOfRowsChanged(int new_nrows) {
 
 void TimeCoursesContainer::showPlots(ShownPlots shown) {
     settings_.shown = shown;
-    ui_->ShowTCsBtn->setChecked(shown == ShownPlots::TimeCourses);
-    ui_->ShowBetasBtn->setChecked(shown == ShownPlots::Betas);
-    ui_->ShowBothBtn->setChecked(shown == ShownPlots::Both);
+    QToolButton* buttons[] = {ui_->ShowTCsBtn, ui_->ShowBetasBtn, ui_->ShowBothBtn};
+    buttons[int(shown)]->setChecked(true); // and no other
     for (RegionSlot* slot : usedSlots())
         slot->showPlots();
     refreshPlots();

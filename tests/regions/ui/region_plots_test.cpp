@@ -92,6 +92,8 @@ TEST_F(RegionPlots, CurvesStandOnTheProtocol) {
     EXPECT_EQ(content.xStart, 1.0);
     EXPECT_EQ(content.xRange, (PlotRange{0.5, 60.5}));
     EXPECT_EQ(content.lines.at(0).at, 40.0);
+    EXPECT_EQ(content.lines.at(0).text, "1003.0");
+    EXPECT_EQ(content.xLabel + ", " + content.yLabel, "Volume, Signal");
     ASSERT_EQ(content.bands.size(), 8u);
     EXPECT_EQ(content.bands[3].name, "Faces");
     EXPECT_EQ(content.bands[3].from, 5.5);
@@ -119,9 +121,12 @@ TEST_F(RegionPlots, OptionsOfATimeCourse) {
     auto* plot = find<TimeCoursePlotDlg>("TimeCourse1");
     EXPECT_EQ(plot->windowTitle(), "ROI Signal Time Course");
     auto* row = find<QWidget>("PlotOptions");
+    auto* button = find<QToolButton>("ShowOptionsBtn");
+    EXPECT_FALSE(row->isVisible() || button->isChecked());
+    plot->slotToggleOptions();
+    EXPECT_TRUE(row->isVisible() && button->isChecked());
+    button->click();
     EXPECT_FALSE(row->isVisible());
-    find<QToolButton>("ShowOptionsBtn")->click();
-    EXPECT_TRUE(row->isVisible());
     const auto trigger = [&](const char* name) { plot->findChild<QAction*>(name)->trigger(); };
     trigger("GridOp");
     trigger("ProtocolOp");
@@ -133,14 +138,22 @@ TEST_F(RegionPlots, OptionsOfATimeCourse) {
     for (const float value : content.curves[0].values)
         sum += double(value);
     EXPECT_NEAR(sum, 0.0, 1e-3);
+    EXPECT_EQ(content.lines.at(0).text, "-0.50");
+    EXPECT_EQ(content.yLabel, "% signal change");
     EXPECT_NEAR(double(content.curves[0].values[6]), 100 * (1022.0 / 1008.0 - 1), 1e-3);
     const std::vector<float> before = content.curves[0].values;
     container.setDetrended(true);
     EXPECT_TRUE(container.detrended());
     EXPECT_NE(content.curves[0].values, before);
 
+    auto* plotter = plot->findChild<Plotter*>();
+    plotter->zoomIn();
+    plot->clearPlot();
+    plot->refresh();
+    EXPECT_EQ(plotter->shownX(), *content.xRange) << "the zoom of another region";
     plot->clearPlot();
     EXPECT_TRUE(content.curves.empty());
+    EXPECT_EQ(find<QLabel>("RegionInfoLbl")->text(), "");
     session.settings.ParadigmHelpFile = "/nowhere.html";
     messages.expect(MessageLevel::Warning, "WARNING: Unable to open help file \"/nowhere.html\"!");
     trigger("HelpAction");
@@ -165,12 +178,17 @@ TEST_F(RegionPlots, BetasAreBarsWithStandardErrors) {
 }
 
 TEST_F(RegionPlots, FixedPlotsAreKeptAndFurtherRegionsFloat) {
+    EXPECT_EQ(container.objectName(), "TimeCoursesContainer");
     EXPECT_FALSE(container.isVisible());
     addRegions(2);
     EXPECT_EQ(visible().join(' '), "TimeCourse1 TimeCourse2 BetaPlot1 BetaPlot2");
     const QWidget* first = find<QWidget>("TimeCourse1");
     addRegions(3);
     EXPECT_EQ(visible().size(), 10);
+    // The third colour, (40, 30, 255), is too dark for the ground of a plot.
+    EXPECT_EQ(contentOf("TimeCourse3").curves[0].color, QColor(88, 80, 255));
+    EXPECT_EQ(find<QWidget>("TimeCourse3")->findChild<QLabel*>()->palette().windowText().color(),
+              QColor(88, 80, 255));
     auto* fourth = find<QWidget>("RegionSlot4");
     auto* fifth = find<QWidget>("RegionSlot5");
     EXPECT_TRUE(fourth->isWindow());
@@ -236,6 +254,8 @@ TEST_F(RegionPlots, RowsAndButtonsArrangeThePlots) {
         find<QToolButton>(button)->click();
         EXPECT_EQ(visible().join(' '), plots);
     }
+    container.onShowOnlyBetas();
+    EXPECT_TRUE(find<QToolButton>("ShowBetasBtn")->isChecked());
     for (int i = 1; i <= TimeCoursesContainer::fixedSlots; ++i) {
         EXPECT_FALSE(find<QLineEdit>(QString("MultiRunTC%1").arg(i))->isVisible());
         EXPECT_FALSE(find<QScrollBar>(QString("MultiRunTC%1ScrollBar").arg(i))->isVisible());
@@ -255,6 +275,7 @@ TEST_F(RegionPlots, RangesAreOwnOrCommon) {
     auto* minimum = find<QDoubleSpinBox>("MinValueSpBx");
     auto* maximum = find<QDoubleSpinBox>("MaxValueSpBx");
     EXPECT_FALSE(minimum->isEnabled() || contentOf("BetaPlot1").yRange);
+    EXPECT_TRUE(minimum->value() == -1.0 && maximum->value() == 3.0);
     find<QRadioButton>("CommonBetaScalingOp")->click();
     EXPECT_TRUE(minimum->isEnabled() && maximum->isEnabled());
     maximum->setValue(5.0);
@@ -271,8 +292,7 @@ TEST_F(RegionPlots, RangesAreOwnOrCommon) {
     find<QRadioButton>("CommonTCScalingOp")->click();
     const PlotRange common = *contentOf("TimeCourse1").yRange;
     EXPECT_EQ(contentOf("TimeCourse2").yRange, common);
-    EXPECT_LE(common.from, 1000.0);
-    EXPECT_GE(common.to, 2044.0);
+    EXPECT_EQ(common, (PlotRange{1000.0, 2200.0})); // of 1000 to 2044
     // In another unit a plot doesn't share the range.
     find<TimeCoursePlotDlg>("TimeCourse2")->findChild<QAction*>("PercentOp")->trigger();
     EXPECT_LT(contentOf("TimeCourse1").yRange->to, 1100.0);
@@ -293,6 +313,7 @@ TEST_F(RegionPlots, AveragesFollowTheRun) {
     EXPECT_EQ(content.xLabel, "Time (scans)");
     EXPECT_EQ(content.yLabel, "fMRI response (% BOLD signal)");
     EXPECT_EQ(content.xStart, -2.0);
+    EXPECT_EQ(content.lines.at(0).at, 0.0);
     ASSERT_EQ(content.curves.size(), 2u); // not that of "Rest"
     EXPECT_EQ(content.curves[0].legend, "Faces");
     ASSERT_EQ(content.curves[0].errors.size(), 13u);
@@ -332,7 +353,7 @@ TEST_F(RegionPlots, AveragesThatCanNotBeDrawn) {
     addRegions(1);
     messages.expect(MessageLevel::Warning, "INTERNAL ERROR: Plot dialog not available!");
     find<TimeCoursePlotDlg>("TimeCourse1")->drawAverages();
-    container.onShowAverages();
+    find<QToolButton>("AverageBtn")->click();
     ASSERT_TRUE(averages());
     for (int i = 0; i < 7; ++i) {
         document->protocol.conditions.push_back(document->protocol.conditions[1]);
@@ -347,6 +368,30 @@ TEST_F(RegionPlots, AveragesThatCanNotBeDrawn) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_FALSE(averages());
     EXPECT_EQ(messages.shownModeless().size(), 2);
+}
+
+// Regions come and go while the run pumps events.
+TEST_F(SessionFixture, PlotsFollowARun) {
+    writeSession(30, 0);
+    TimeCoursesContainer container(session, nullptr);
+    std::vector<size_t> lengths;
+    script.atVolume = [&](int volume) {
+        if (volume == 5)
+            EXPECT_TRUE(session.regions.selectRectangle({1, 2, 5, 2, 5}));
+        else if (volume == 25)
+            session.regions.removeAll();
+    };
+    ProbeListener probe(session.listeners, ListenerPlace::Logs);
+    probe.onStep = [&](VolumeStep step, const VolumeAtHand&) {
+        const auto* plot = container.findChild<QWidget*>("TimeCourse1");
+        if (step == VolumeStep::Plots && plot->isVisible())
+            lengths.push_back(plot->findChild<Plotter*>()->content().curves[0].values.size());
+        return true;
+    };
+    session.runButtonPressed();
+    ASSERT_EQ(lengths.size(), 20u);
+    for (size_t i = 0; i < lengths.size(); ++i)
+        EXPECT_EQ(lengths[i], i + 6);
 }
 
 TEST(AveragingLabels, FollowTheInterval) {
