@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/qt_cortivo_view.h"
 
-#include "base/file_writing.h"
 #include "base/messages.h"
-#include "base/paths.h"
+#include "dialogs/bitmap_saving.h"
+#include "dialogs/dialog_setup.h"
 #include "display/overlay_legend.h"
 #include "display/slice_mosaic.h"
 #include "display/tile_marks.h"
 #include "run/document/qt_cortivo_doc.h"
 
-#include <QBuffer>
-#include <QDesktopServices>
-#include <QFileInfo>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QToolTip>
-#include <QUrl>
 
 namespace {
 
@@ -33,14 +29,6 @@ double scaleFactor(QSizeF room, QSize picture) {
         std::min(room.width() / picture.width(), room.height() / picture.height());
     const double whole = std::floor(largest);
     return whole >= largest * leastShareOfWholeFactor ? whole : largest;
-}
-
-void saveBitmap(const QImage& picture, const QString& path) {
-    QByteArray content;
-    QBuffer buffer(&content);
-    if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "BMP") ||
-        !writeFileAtomically(path, content))
-        showModelessWarning(QString("WARNING: Unable to write bitmap file \"%1\"!").arg(path));
 }
 
 } // namespace
@@ -153,16 +141,11 @@ void QtCortivoView::slotSaveAsBMP() {
         painter.setFont(font);
         drawROIs(painter, tilesOn(picture.rect()));
     }
-    chooseFileToSave("Save Bitmap File", document_->project.targetFolder, "Bitmaps (*.bmp)",
-                     [picture](const QString& path) { saveBitmap(picture, path); });
+    saveBitmapAs(picture, document_->project.targetFolder);
 }
 
 void QtCortivoView::slotShowHelpHTML() {
-    if (helpFile_.isEmpty())
-        return;
-    if (!QFileInfo(helpFile_).isFile() ||
-        !QDesktopServices::openUrl(QUrl::fromLocalFile(helpFile_)))
-        showModelessWarning(QString("WARNING: Unable to open help file \"%1\"!").arg(helpFile_));
+    openHelpFile(helpFile_);
 }
 
 QRect QtCortivoView::readOutLine() const {

@@ -10,11 +10,10 @@
 
 namespace {
 
-constexpr int nrOfColorsInTurn = 6;
 constexpr int middleGrey = 128;
 
 QColor colorOfRegion(const RegionColorTable& colors, int region) {
-    return toQColor(colors[size_t(region % nrOfColorsInTurn)]);
+    return toQColor(regionColor(colors, region));
 }
 
 /// From 0, limited to the slice; empty without a rectangle.

@@ -103,6 +103,14 @@ void ViewPanel::showHelp() {
 void ViewPanel::dock(QDockWidget& window) {
     area_->addDockWidget(Qt::BottomDockWidgetArea, &window);
     window.hide();
+    // Its size is the operator's from then on.
+    connect(&window, &QDockWidget::visibilityChanged, this, [this, &window](bool visible) {
+        if (!visible || window.isFloating() || dockSized_)
+            return;
+        constexpr double share = 0.42;
+        area_->resizeDocks({&window}, {int(area_->height() * share)}, Qt::Vertical);
+        dockSized_ = true;
+    });
 }
 
 void ViewPanel::showSlices() {

@@ -55,6 +55,7 @@ private:
 
     RunSession& session_;
     QMainWindow* area_; ///< the views in its middle, docked windows around them
+    bool dockSized_ = false;
     QtCortivoView* functionalView_ = nullptr;
     RoiDisplayStyle roiDisplayStyle_ = RoiDisplayStyle::RectanglesAndMarkedVoxels;
     QToolButton* slices_ = nullptr;

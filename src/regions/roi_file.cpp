@@ -231,13 +231,6 @@ void reportVoxelsOutside(const QString& fileName, const SavedRegions& saved) {
 
 } // namespace
 
-QString roiFilePath(const QString& fileName, const QString& projectPath) {
-    if (!fileName.isEmpty())
-        return fileName;
-    return projectPath.isEmpty() ? QStringLiteral("Selected.roi")
-                                 : paths::withoutExtension(projectPath) + ".roi";
-}
-
 RoiFileResult parseROIFile(const QString& text, const VolumeSize& size, SavedRegions& saved) {
     return RoiReader(text, size, saved).read();
 }

@@ -33,9 +33,6 @@ struct SavedRegions {
 
 enum class RoiFileResult { Ok, IncompatibleVersion, Damaged, OutOfMemory };
 
-/// The file name; if that is empty, the project's with ".roi", or "Selected.roi" without a project.
-[[nodiscard]] QString roiFilePath(const QString& fileName, const QString& projectPath);
-
 /// Reads the text of a file for volumes of this size. Each key is looked at before its value is
 /// taken. Counts are checked against what the text and the volume can hold. Voxels outside the
 /// volume are left out and counted, and their places in the sorted list with them; a sorted list

@@ -236,10 +236,4 @@ TEST(RoiFile, SaysWhatIsWrongWithAFile) {
     EXPECT_FALSE(writeROIFile(folder.path(), {}, {}));
 }
 
-TEST(RoiFile, TakesItsNameFromTheProject) {
-    EXPECT_EQ(roiFilePath("a/b.roi", "c/d.fmr"), "a/b.roi");
-    EXPECT_EQ(roiFilePath("", "c/d.e.fmr"), "c/d.e.roi");
-    EXPECT_EQ(roiFilePath("", ""), "Selected.roi");
-}
-
 } // namespace

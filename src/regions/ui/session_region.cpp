@@ -3,6 +3,7 @@
 
 #include "dialogs/appearance.h"
 #include "regions/region_time_courses.h"
+#include "run/document/region_colors.h"
 
 namespace {
 
@@ -15,12 +16,6 @@ QColor readable(const QColor& color) {
     const double share = (leastBrightness - brightness) / (255.0 - brightness);
     const auto mixed = [share](int channel) { return int(channel + share * (255 - channel)); };
     return {mixed(color.red()), mixed(color.green()), mixed(color.blue())};
-}
-
-/// As on the slices.
-RgbColor regionColor(const RegionColorTable& colors, int number) {
-    constexpr int distinctColors = 6;
-    return colors[size_t(number % distinctColors)];
 }
 
 } // namespace

@@ -16,6 +16,11 @@ RegionColorTable builtInRegionColors() {
     return table;
 }
 
+const RgbColor& regionColor(const RegionColorTable& colors, int number) {
+    constexpr int colorsInTurn = 6;
+    return colors[size_t(number % colorsInTurn)];
+}
+
 void parseRegionColors(const QString& text, RegionColorTable& colors) {
     TokenStream stream(text);
     const int count = std::clamp(stream.integer(), 0, int(nrOfRegionColors));

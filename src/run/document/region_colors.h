@@ -13,6 +13,9 @@ using RegionColorTable = std::array<RgbColor, nrOfRegionColors>;
 /// Six distinct colours, repeated.
 [[nodiscard]] RegionColorTable builtInRegionColors();
 
+/// The colour of a region by its number, from 0: the first six in turn.
+[[nodiscard]] const RgbColor& regionColor(const RegionColorTable& colors, int number);
+
 /// Replaces the first entries by those of a text: a count, at most 20 of which are used, then as
 /// many triples of red, green and blue, clamped to 0 to 255. Stops at an incomplete triple.
 void parseRegionColors(const QString& text, RegionColorTable& colors);

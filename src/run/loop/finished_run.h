@@ -12,6 +12,9 @@
 [[nodiscard]] QString resultPath(const FMRProject& project, const QString& extension,
                                  const QString& unnamed);
 
+/// The file of the run's regions.
+[[nodiscard]] QString regionFilePath(const FMRProject& project);
+
 /// Asks whether files that could not be written into `folder` are to be tried again.
 [[nodiscard]] bool askToSaveAgain(const QString& folder);
 

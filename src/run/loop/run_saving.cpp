@@ -26,10 +26,6 @@ struct SaveStep {
     std::function<bool()> write;
 };
 
-QString regionFileName(const FMRProject& project) {
-    return resultPath(project, ".roi", "Selected.roi");
-}
-
 // What the project file states beside the settings: the live layout and the protocol.
 void updateProjectForSaving(const RunParts& run) {
     QtCortivoDoc& document = run.document;
@@ -81,7 +77,7 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
          }},
         {-1,
          [&] {
-             return writeROIFile(regionFileName(project), document.regions, run.requests.regions);
+             return writeROIFile(regionFilePath(project), document.regions, run.requests.regions);
          }},
         {-1,
          [&, volumes] {
@@ -119,7 +115,7 @@ bool filesReadBack(const RunParts& run) {
         header.size() != project.size() || header.NrOfVolumes != volumes)
         return false;
     QStringList others{document.protocol.protocolPath, resultPath(project, ".mps", "Maps.mps"),
-                       resultPath(project, ".ctr", "Contrasts.ctr"), regionFileName(project),
+                       resultPath(project, ".ctr", "Contrasts.ctr"), regionFilePath(project),
                        firstVolumeFileName(project)};
     if (run.settings.MotionCorrection && !document.motion.motionParameters[0].empty())
         others << motionParametersFileName(project);
@@ -136,6 +132,10 @@ QString resultPath(const FMRProject& project, const QString& extension, const QS
     const QString name = paths::fileName(project.projectPath);
     return paths::join(project.targetFolder,
                        name.isEmpty() ? unnamed : paths::withoutExtension(name) + extension);
+}
+
+QString regionFilePath(const FMRProject& project) {
+    return resultPath(project, ".roi", "Selected.roi");
 }
 
 bool askToSaveAgain(const QString& folder) {

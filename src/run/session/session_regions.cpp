@@ -148,7 +148,7 @@ void SessionRegions::chooseFileToSave() {
     if (!mayChange())
         return;
     ::chooseFileToSave(
-        "Save ROI File", resultPath(document_->project, ".roi", "Selected.roi"), fileFilter,
+        "Save ROI File", regionFilePath(document_->project), fileFilter,
         [this](const QString& fileName) {
             if (document_)
                 static_cast<void>(
@@ -171,7 +171,7 @@ void SessionRegions::samplesChanged() {
 }
 
 void SessionRegions::loadSaved() {
-    const QString fileName = resultPath(document_->project, ".roi", "Selected.roi");
+    const QString fileName = regionFilePath(document_->project);
     SavedRegions saved;
     if (QFileInfo(fileName).isFile() && readROIFile(fileName, document_->project.size(), saved))
         placeSavedRegions(run(), saved);

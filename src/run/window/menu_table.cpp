@@ -154,6 +154,7 @@ constexpr MenuEntry entries[] = {
     {"&View", "Remove ROI Time Course Plots", &Window::slotRemoveROITimeCoursePlots, Regions, regionsExist},
     {"&View", "Display Detrended ROI Time Courses", &Window::onToggleROITimeCoursesDetrended, Always, nullptr, MenuGroup::Toggle, showsDetrended, separator, "Show the curves without their linear trend; files and feedback are not changed"},
     {"&View", "Show Motion Plot", &Window::slotShowMotionPlot},
+    {.menu = "&View", .text = "Show Response Plot", .slot = &Window::slotShowResponsePlot, .endsSection = separator},
     {.menu = "&View", .text = "Switch Window Size", .slot = &Window::slotSwitchWindowSize},
     {.menu = "&Multi-Run", .text = "<Single-run analysis>", .slot = &Window::slotMultiRunMenuActivated, .phase = Later, .toolTip = "The analysis of several runs comes in a later version"},
     {.menu = "&Plugins", .text = "<No plug-ins>", .slot = &Window::onCallPlugin, .phase = Later, .toolTip = "Plug-ins come in a later version"},

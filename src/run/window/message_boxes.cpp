@@ -196,7 +196,12 @@ void MessageBoxes::show(MessageLevel level, const QString& text, const QString& 
     waitForBox(iconOf(level), text, title, QMessageBox::Ok);
 }
 
+// A warning that comes at every volume would cover the screen with boxes.
 void MessageBoxes::showModeless(MessageLevel level, const QString& text) {
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* open = qobject_cast<QMessageBox*>(widget);
+            open && open->isVisible() && !open->isModal() && open->text() == text)
+            return open->raise();
     auto* box = new QMessageBox(boxParent());
     setUp(*box, iconOf(level), text, programTitle);
     box->setStandardButtons(QMessageBox::Ok);

@@ -131,6 +131,7 @@ public Q_SLOTS:
     void slotUpdateShowROIGLMBetaPlots() { timeCourses_->onShowTCsAndBetas(); }
     void slotShowROIVoxels() { onShowROIsAsRectanglesAndMarkedVoxels(); }
     void slotShowMotionPlot();
+    void slotShowResponsePlot();
     void onShowROIsAsRectangles() { viewPanel_->setROIDisplayStyle(RoiDisplayStyle::Rectangles); }
     void onShowROIsAsMarkedVoxels() {
         viewPanel_->setROIDisplayStyle(RoiDisplayStyle::MarkedVoxels);

@@ -112,34 +112,57 @@ TEST_F(MainWindow, ButtonsFollowWhatTheLookAtTheSettingsFileFinds) {
 }
 
 TEST_F(MainWindow, MenusFollowThePhase) {
-    const auto all = [this] {
-        return QStringList{enabledEntries("&File").join(", "),
-                           enabledEntries("&Analysis").join(", "),
-                           enabledEntries("&View").join(", ")};
+    const QString logs =
+        "Log ROI Time Point Files (RTPs)|Log ROI Time Courses (ERT)|Log ROI Betas (BTC)";
+    const QString overlay = "Overlay On First Func Volume*|Overlay On Current Func Volume|";
+    const QString views =
+        "Show ROIs With Rectangles|Show ROIs With Highlighted Voxels|"
+        "Show ROIs With Rectangles And Highlighted Voxels*|Show ROI Time Courses Container|";
+    const QString lastViews = "Display Detrended ROI Time Courses|Show Motion Plot|Show Response "
+                              "Plot|Switch Window Size";
+    const auto expectMenus = [this](const QString& file, const QString& analysis,
+                                    const QString& view) {
+        EXPECT_EQ(enabledEntries("&File").join('|').toStdString(), file.toStdString());
+        EXPECT_EQ(enabledEntries("&Analysis").join('|').toStdString(), analysis.toStdString());
+        EXPECT_EQ(enabledEntries("&View").join('|').toStdString(), view.toStdString());
     };
-    const QString overlay = "Overlay On First Func Volume*, Overlay On Current Func Volume, ";
-    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Recover Run..., Replay Run..., Close, Exit",
-                                  "", overlay + "Switch Window Size"}));
+    expectMenus("Set New VCO File...|Recover Run...|Replay Run...|Close|Exit",
+                "Epoch-Based Averaging*|" + logs, overlay + views + lastViews);
     prepare(1, Phase::Recording);
-    EXPECT_EQ(all(), (QStringList{"Save View As BMP..., Close, Exit",
-                                  "Colors Code Significance, Colors Code Contrasts*",
-                                  "Multi-Slice View, " + overlay + "Switch Window Size"}));
+    expectMenus("Save View As BMP...|Close|Exit",
+                "Colors Code Significance|Colors Code Contrasts*|Epoch-Based Averaging*|" + logs,
+                "Multi-Slice View|" + overlay + views + lastViews);
     document().project.NrOfVolumes = 3;
     ASSERT_TRUE(document().project.allocateVolumes());
     window_->session().report.currentVolume = 2;
+    document().regions.add({});
+    expectMenus("Save View As BMP...|Close|Exit",
+                "Colors Code Significance|Colors Code Contrasts*|Epoch-Based Averaging*|Load "
+                "ROIs...|Save ROIs...|" +
+                    logs,
+                "Multi-Slice View|" + overlay + views + "Remove ROI Time Course Plots|" +
+                    lastViews);
     window_->slotSwitchToSignificanceColorCoding();
+    window_->slotSaveROITimeCourses();
+    window_->slotSwitchAveragingType();
+    window_->onToggleROITimeCoursesDetrended();
+    window_->nextROIDisplayStyle();
     requests().pendingOverlayInplane = 0;
     window_->slotShowOnCurrentEPIs();
     runOver();
-    EXPECT_EQ(all(), (QStringList{"Set New VCO File..., Recover Run..., Replay Run..., Save View "
-                                  "As BMP..., Close, Exit",
-                                  "Colors Code Significance*, Colors Code Contrasts, "
-                                  "Post-Processing...",
-                                  "Multi-Slice View, Overlay On First Func Volume, Overlay On "
-                                  "Current Func Volume*, Overlay On Inplanes, Switch Window "
-                                  "Size"}));
+    expectMenus("Set New VCO File...|Recover Run...|Replay Run...|Save View As BMP...|Close|Exit",
+                "Colors Code Significance*|Colors Code Contrasts|Epoch-Based "
+                "Averaging|Post-Processing...|Load ROIs...|Save ROIs...|Log ROI Time Point Files "
+                "(RTPs)|Log ROI Time Courses (ERT)*|Log ROI Betas (BTC)",
+                "Multi-Slice View|Overlay On First Func Volume|Overlay On Current Func "
+                "Volume*|Overlay On Inplanes|Show ROIs With Rectangles|Show ROIs With Highlighted "
+                "Voxels*|Show ROIs With Rectangles And Highlighted Voxels|Show ROI Time Courses "
+                "Container|Remove ROI Time Course Plots|Display Detrended ROI Time "
+                "Courses*|Show Motion Plot|Show Response Plot|Switch Window Size");
     window_->slotShowOnInplanes();
     EXPECT_TRUE(enabledEntries("&View").contains("Overlay On Inplanes*"));
+    window_->slotRemoveROITimeCoursePlots();
+    EXPECT_TRUE(document().regions.empty());
 }
 
 TEST_F(MainWindow, ClosingDuringARunStopsItAndKeepsTheWindow) {
