@@ -11,7 +11,6 @@
 #include "run/window/program_dialogs.h"
 #include "run/window/title_row.h"
 #include "run/window/window_layout.h"
-#include "stats/ui/contrast_list.h"
 #include "volume/ui/postprocessing_dialog.h"
 
 #include <QApplication>
@@ -192,7 +191,7 @@ void VeloCortivo::nextROIDisplayStyle() {
     }
 }
 
-void VeloCortivo::toggleLog(bool OperatorRequests::*log) {
+void VeloCortivo::toggleLog(bool OperatorRequests::* log) {
     session_.regions.setLog(log, !(session_.requests.*log));
 }
 

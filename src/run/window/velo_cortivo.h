@@ -132,9 +132,7 @@ public Q_SLOTS:
     void slotShowROIVoxels() { onShowROIsAsRectanglesAndMarkedVoxels(); }
     void slotShowMotionPlot();
     void onShowROIsAsRectangles() { viewPanel_->setROIDisplayStyle(RoiDisplayStyle::Rectangles); }
-    void onShowROIsAsMarkedVoxels() {
-        viewPanel_->setROIDisplayStyle(RoiDisplayStyle::MarkedVoxels);
-    }
+    void onShowROIsAsMarkedVoxels() { viewPanel_->setROIDisplayStyle(RoiDisplayStyle::MarkedVoxels); }
     void onShowROIsAsRectanglesAndMarkedVoxels() {
         viewPanel_->setROIDisplayStyle(RoiDisplayStyle::RectanglesAndMarkedVoxels);
     }
@@ -179,7 +177,7 @@ protected:
 
 private:
     void connectPanels();
-    void toggleLog(bool OperatorRequests::*log);
+    void toggleLog(bool OperatorRequests::* log);
     /// Says what an entry that can't be chosen yet waits for.
     void tellLater(const char* entry);
 

@@ -19,11 +19,12 @@ const QColor limitColor(0xff, 0xb3, 0x47);
 PlotContent emptyContent(const PlottedMotion& plotted, const QString& title, const QString& unit) {
     PlotContent content;
     content.title = title;
-    content.xLabel = "Volume";
     content.yLabel = unit;
     content.xStart = 1.0;
     content.xRange = PlotRange{0.5, std::max(plotted.nrOfVolumes, 1) + 0.5};
     content.bands = plotted.bands;
+    for (PlotBand& band : content.bands)
+        band.name.clear();
     content.note = plotted.note;
     if (plotted.measured > 0) {
         PlotLine current;
@@ -59,6 +60,7 @@ PlotContent courseContent(const PlottedMotion& plotted, std::span<const float> v
     PlotContent content = emptyContent(plotted, title, unit);
     PlotCurve curve;
     curve.color = plotColors::accent;
+    content.xLabel = "Volume"; // below the upper ones there are others
     curve.values = measuredPart(values, plotted);
     content.curves.push_back(std::move(curve));
     return content;
@@ -77,7 +79,9 @@ QString number(std::span<const float> values, int volume, int decimals) {
 } // namespace
 
 PlotContent translationContent(const PlottedMotion& plotted) {
-    return parameterContent(plotted, 0, "Translation", "mm");
+    PlotContent content = parameterContent(plotted, 0, "Translation", "mm");
+    content.bands = plotted.bands; // with their names, once for all four
+    return content;
 }
 
 PlotContent rotationContent(const PlottedMotion& plotted) {

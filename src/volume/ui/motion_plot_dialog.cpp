@@ -21,6 +21,7 @@ MotionPlotDlg::MotionPlotDlg(RunSession& session, QWidget* parent)
     setWindowTitle("Motion Plot");
     readOut_->setObjectName("MotionReadOutLbl");
     readOut_->setFont(numberFont(font(), 0.9));
+    readOut_->setWordWrap(true); // only where the window is narrow
     readOut_->setToolTip("The volume that was measured last. Framewise displacement after Power et "
                          "al. 2012, with rotations as arcs on a sphere of 50 mm radius; DVARS is "
                          "the change from one volume to the next in percent of the mean signal");

@@ -3,6 +3,7 @@
 
 #include "dialogs/appearance.h"
 #include "display/plots/plot_colors.h"
+#include "display/plots/plot_ranges.h"
 
 #include <algorithm>
 #include <map>
@@ -92,6 +93,19 @@ private:
     std::map<std::pair<size_t, int>, PlotMarks> marks_;
 };
 
+/// From a little below 0, where the marks of omissions stand.
+std::optional<PlotRange> reactionRange(const std::vector<PlotMarks>& all) {
+    constexpr double margin = 0.05;
+    double largest = 0.0;
+    for (const PlotMarks& marks : all)
+        for (const QPointF& point : marks.points)
+            largest = std::max(largest, point.y());
+    if (largest == 0.0)
+        return {};
+    const double top = roundedOut({0.0, largest * (1 + margin)}).to;
+    return PlotRange{-margin * top, top};
+}
+
 } // namespace
 
 std::vector<PlotBand> protocolBands(const StimulationProtocol& protocol, float TR) {
@@ -125,6 +139,7 @@ PlotContent responseContent(const StimulationProtocol& protocol, float TR, int n
     for (size_t table = 0; table < protocol.responseConditions.size(); ++table)
         marks.add(table);
     content.marks = std::move(marks).marks();
+    content.yRange = reactionRange(content.marks);
     PlotLine current;
     current.at = lastVolume + 1.0;
     current.color = plotColors::quietText;
