@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "volume/motion_correction.h"
+
 #include <array>
 #include <cstdint>
 #include <span>
+#include <vector>
 
 /// Radius of the sphere on which rotations are turned into millimetres.
 inline constexpr double headRadiusMillimetres = 50.0;
@@ -24,3 +27,24 @@ inline constexpr double framewiseDisplacementLimit = 0.5;
 /// lengths differ.
 [[nodiscard]] double volumeDVARS(std::span<const int16_t> before, std::span<const int16_t> now,
                                  std::span<const uint8_t> mask);
+
+/// Framewise displacement of the volumes from 0 to nrOfVolumes - 1. NaN where there is none: at
+/// those below `first`, which have no predecessor with parameters of its own, and where the
+/// parameters end.
+[[nodiscard]] std::vector<float> framewiseDisplacements(const MotionCorrection& motion,
+                                                        int nrOfVolumes, int first);
+
+/// DVARS of the volumes of a run, computed once for each of them.
+class RunDVARS {
+public:
+    void clear() { values_.clear(); }
+    /// Computes values that are missing up to volume nrOfVolumes - 1, at most `atMost` of them.
+    /// False when some are left. Without a mask of the size of the volumes there are none.
+    bool update(const RunVolumes& volumes, int nrOfVolumes, std::span<const uint8_t> mask,
+                int atMost);
+    /// In percent, from volume 0, which has none (NaN).
+    [[nodiscard]] const std::vector<float>& values() const { return values_; }
+
+private:
+    std::vector<float> values_;
+};

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QColor>
+#include <QPointF>
 #include <QString>
 #include <optional>
 #include <vector>
@@ -14,6 +15,17 @@ struct PlotCurve {
     std::vector<float> values; ///< values that are not finite leave a gap
     std::vector<float> errors; ///< half lengths of the error bars, or empty
     double width = 1.5;        ///< logical pixels
+};
+
+enum class PlotMarkShape { Disc, Circle, Cross };
+
+/// Single points, each at a place of its own: events.
+struct PlotMarks {
+    QString legend; ///< empty for none
+    QColor color;
+    PlotMarkShape shape = PlotMarkShape::Disc;
+    std::vector<QPointF>
+        points; ///< in the units of the axes; those that are not finite are left out
 };
 
 /// A coloured stretch of the background, in units of x: an interval of the protocol.
@@ -56,7 +68,8 @@ struct PlotContent {
     double xStart = 0.0;
     double xStep = 1.0;
     std::vector<PlotCurve> curves;
-    std::vector<PlotBar> bars; ///< a plot with bars has no curves, and names below them
+    std::vector<PlotMarks> marks; ///< read out with the curves' point that they are next to
+    std::vector<PlotBar> bars;    ///< a plot with bars has no curves, and names below them
     std::vector<PlotBand> bands;
     std::vector<PlotLine> lines;
     std::optional<PlotRange> xRange;

@@ -29,11 +29,14 @@ private:
     void paintLineText(const PlotLine& line, const QPointF& at);
     void paintCurve(const PlotCurve& curve);
     void paintCurveErrors(const PlotCurve& curve, int from, int to);
+    void paintMark(const QPointF& at, PlotMarkShape shape, const QColor& color);
+    void paintMarks(const PlotMarks& marks);
     void paintBars();
     void paintErrorBar(double x, double value, double error, double capHalf);
     void paintFrame();
     void paintNumbers();
     void paintBarNames();
+    void paintLegendMark(const PlotLegendEntry& entry);
     void paintLegend();
     void paintLabels();
     void paintNote();
@@ -60,6 +63,8 @@ void PlotPainter::paint() {
     paintBars();
     for (const PlotCurve& curve : content_.curves)
         paintCurve(curve);
+    for (const PlotMarks& marks : content_.marks)
+        paintMarks(marks);
     painter_.restore();
     paintFrame();
     painter_.setFont(layout_.textFont);
@@ -185,6 +190,27 @@ void PlotPainter::paintCurve(const PlotCurve& curve) {
     }
 }
 
+void PlotPainter::paintMark(const QPointF& at, PlotMarkShape shape, const QColor& color) {
+    constexpr double radius = 3.5;
+    painter_.setPen(QPen(color, 1.5));
+    painter_.setBrush(shape == PlotMarkShape::Disc ? QBrush(color) : QBrush(Qt::NoBrush));
+    if (shape != PlotMarkShape::Cross)
+        return painter_.drawEllipse(at, radius, radius);
+    const QPointF diagonal(radius, radius);
+    const QPointF other(radius, -radius);
+    painter_.drawLine(QLineF(at - diagonal, at + diagonal));
+    painter_.drawLine(QLineF(at - other, at + other));
+}
+
+void PlotPainter::paintMarks(const PlotMarks& marks) {
+    painter_.save();
+    painter_.setRenderHint(QPainter::Antialiasing);
+    for (const QPointF& point : marks.points)
+        if (std::isfinite(point.x()) && std::isfinite(point.y()))
+            paintMark({xOf(point.x()), yOf(point.y())}, marks.shape, readableColor(marks.color));
+    painter_.restore();
+}
+
 double PlotPainter::barWidth() const {
     return axes_.width() / (layout_.geometry.x.to - layout_.geometry.x.from);
 }
@@ -246,15 +272,25 @@ void PlotPainter::paintBarNames() {
     }
 }
 
+void PlotPainter::paintLegendMark(const PlotLegendEntry& entry) {
+    QColor color = readableColor(entry.color);
+    if (entry.shape) {
+        painter_.save();
+        painter_.setRenderHint(QPainter::Antialiasing);
+        paintMark(entry.mark.center(), *entry.shape, color);
+        return painter_.restore();
+    }
+    const double thickness = entry.isBand ? entry.mark.height() * 0.6 : 3;
+    if (entry.isBand)
+        color.setAlphaF(0.6f);
+    painter_.fillRect(QRectF(entry.mark.left(), entry.mark.center().y() - thickness / 2,
+                             entry.mark.width(), thickness),
+                      color);
+}
+
 void PlotPainter::paintLegend() {
     for (const PlotLegendEntry& entry : layout_.legend) {
-        QColor color = readableColor(entry.color);
-        const double thickness = entry.isBand ? entry.mark.height() * 0.6 : 3;
-        if (entry.isBand)
-            color.setAlphaF(0.6f);
-        painter_.fillRect(QRectF(entry.mark.left(), entry.mark.center().y() - thickness / 2,
-                                 entry.mark.width(), thickness),
-                          color);
+        paintLegendMark(entry);
         painter_.setPen(plotColors::text);
         text(entry.text, Qt::AlignLeft | Qt::AlignVCenter, entry.name);
     }

@@ -47,6 +47,9 @@ std::vector<PlotLegendEntry> legendEntries(const PlotContent& content) {
     for (const PlotCurve& curve : content.curves)
         if (!curve.legend.isEmpty())
             entries.push_back({{}, {}, curve.legend, curve.color, false});
+    for (const PlotMarks& marks : content.marks)
+        if (!marks.legend.isEmpty())
+            entries.push_back({{}, {}, marks.legend, marks.color, false, marks.shape});
     std::set<QString> names;
     for (const PlotBand& band : content.bands)
         if (!band.name.isEmpty() && names.insert(band.name).second)

@@ -30,13 +30,14 @@ struct PlotTick {
     QString text;
 };
 
-/// An entry of the legend; a band has a square, a curve a line.
+/// An entry of the legend; a band has a square, a curve a line, marks their shape.
 struct PlotLegendEntry {
     QRectF mark;
     QRectF text;
     QString name;
     QColor color;
     bool isBand = false;
+    std::optional<PlotMarkShape> shape = {};
 };
 
 /// The places of texts are empty where a text is left out.

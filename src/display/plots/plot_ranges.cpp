@@ -94,6 +94,9 @@ Extent dataExtentY(const PlotContent& content) {
     Extent extent;
     for (const PlotCurve& curve : content.curves)
         addCurve(extent, curve);
+    for (const PlotMarks& marks : content.marks)
+        for (const QPointF& point : marks.points)
+            extent.add(point.y());
     for (const PlotBar& bar : content.bars) {
         const double error = std::isfinite(bar.error) ? std::abs(double(bar.error)) : 0.0;
         extent.add(0.0);
@@ -131,6 +134,9 @@ PlotRange wholeXRange(const PlotContent& content) {
             extent.add(content.xStart);
             extent.add(content.xStart + content.xStep * double(curve.values.size() - 1));
         }
+    for (const PlotMarks& marks : content.marks)
+        for (const QPointF& point : marks.points)
+            extent.add(point.x());
     for (const PlotBand& band : content.bands) {
         extent.add(band.from);
         extent.add(band.to);
@@ -194,7 +200,14 @@ std::vector<QString> tickTexts(const std::vector<double>& ticks) {
 
 bool hasData(const PlotContent& content) {
     const auto isFinite = [](float value) { return std::isfinite(value); };
+    const auto isPlace = [](const QPointF& p) {
+        return std::isfinite(p.x()) && std::isfinite(p.y());
+    };
+    const auto hasPlace = [&](const PlotMarks& marks) {
+        return std::any_of(marks.points.begin(), marks.points.end(), isPlace);
+    };
     return !content.bars.empty() ||
+           std::any_of(content.marks.begin(), content.marks.end(), hasPlace) ||
            std::any_of(content.curves.begin(), content.curves.end(), [&](const PlotCurve& curve) {
                return std::any_of(curve.values.begin(), curve.values.end(), isFinite);
            });

@@ -70,5 +70,10 @@ QString readOut(const PlotContent& content, double x) {
     lines << bandsAt(content, x);
     for (size_t curve = 0; curve < content.curves.size(); ++curve)
         lines << named(nameOf(content, curve), valueOf(content.curves[curve], index));
+    for (const PlotMarks& marks : content.marks)
+        for (const QPointF& point : marks.points)
+            if (std::isfinite(point.y()) && pointNearX(content, point.x()) == index)
+                lines << named(marks.legend.isEmpty() ? content.yLabel : marks.legend,
+                               readOutNumber(point.y()));
     return lines.join('\n');
 }

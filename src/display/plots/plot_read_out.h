@@ -7,6 +7,6 @@
 /// A number as a read-out shows it.
 [[nodiscard]] QString readOutNumber(double value);
 
-/// One line for each of: the place, the intervals there, and the curves at their point next to `x`;
-/// or the bar there.
+/// One line for each of: the place, the intervals there, the curves at their point next to `x`, the
+/// marks there; or the bar there.
 [[nodiscard]] QString readOut(const PlotContent& content, double x);

@@ -5,6 +5,7 @@
 #include "display/plots/plot_colors.h"
 #include "display/plots/plot_drawing.h"
 #include "regions/time_course_statistics.h"
+#include "run/protocol/ui/protocol_plot_content.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,19 +30,6 @@ QString sliceText(const std::vector<int>& slices) {
     if (*first == *last)
         return QString(" · slice %1").arg(*first + 1);
     return QString(" · slices %1-%2").arg(*first + 1).arg(*last + 1);
-}
-
-/// The unit of a protocol: its first number, and its length.
-struct ProtocolUnit {
-    int first;
-    double volumes;
-};
-
-/// The place of an interval, whose bounds are inclusive, on an axis of volumes from 1.
-PlotBand bandOf(const ProtocolCondition& condition, size_t interval, const ProtocolUnit& unit) {
-    const auto place = [&unit](double time) { return (time - unit.first) * unit.volumes + 0.5; };
-    return {place(condition.from[interval]), place(condition.to[interval] + 1.0),
-            toQColor(condition.color), condition.name};
 }
 
 /// What turns a beta of the fit into the units of ROIBetas.
@@ -110,18 +98,6 @@ std::vector<float> shownCurve(const PlottedRegion& plotted, const TimeCourseDisp
     std::vector<float> curve =
         display.detrended ? detrended(values) : std::vector<float>(values.begin(), values.end());
     return display.percent ? percentOfMean(curve) : curve;
-}
-
-std::vector<PlotBand> protocolBands(const StimulationProtocol& protocol, float TR) {
-    std::vector<PlotBand> bands;
-    const bool inVolumes = protocol.resolutionOfTime == ResolutionOfTime::Volumes;
-    if (!inVolumes && !(TR > 0))
-        return bands;
-    const ProtocolUnit unit = inVolumes ? ProtocolUnit{1, 1.0} : ProtocolUnit{0, 1.0 / double(TR)};
-    for (const ProtocolCondition& condition : protocol.conditions)
-        for (size_t i = 0; i < size_t(condition.nrOfIntervals); ++i)
-            bands.push_back(bandOf(condition, i, unit));
-    return bands;
 }
 
 PlotContent timeCourseContent(const PlottedRegion& plotted, const StimulationProtocol& protocol,

@@ -36,9 +36,6 @@ struct TimeCourseDisplay {
 /// The same in percent and without its trend, as wanted.
 [[nodiscard]] std::vector<float> shownCurve(const PlottedRegion& plotted,
                                             const TimeCourseDisplay& display);
-/// The intervals of all conditions, in volumes from 1; a volume reaches half a volume to both sides
-/// of its number. `TR` in milliseconds.
-[[nodiscard]] std::vector<PlotBand> protocolBands(const StimulationProtocol& protocol, float TR);
 /// The time course over the volumes of the run, from 1. The range of the values is that of the
 /// data, or the one given.
 [[nodiscard]] PlotContent timeCourseContent(const PlottedRegion& plotted,

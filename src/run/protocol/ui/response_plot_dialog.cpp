@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/protocol/ui/response_plot_dialog.h"
+
+#include "dialogs/dialog_setup.h"
+#include "display/plots/plotter.h"
+#include "run/protocol/ui/protocol_plot_content.h"
+#include "run/session/run_session.h"
+
+ResponsePlotDlg::ResponsePlotDlg(RunSession& session, QWidget* parent)
+    : Plot2DDlg(parent), session_(session) {
+    setObjectName("ResponsePlot");
+    setTitle("Response Plot");
+    session_.listeners.add(*this, ListenerPlace::Plots);
+    takeVolumes();
+}
+
+// Kept, since another settings file may be chosen, with which the report begins anew.
+void ResponsePlotDlg::takeVolumes() {
+    const QtCortivoDoc* document = session_.functionalDocument.get();
+    volumes_ = document ? recordedVolumes(session_.report, document->project) : 0;
+    if (isVisible())
+        refresh();
+}
+
+void ResponsePlotDlg::documentsLeaving() {
+    volumes_ = 0;
+    init();
+}
+
+void ResponsePlotDlg::runPrepared(QtCortivoDoc&) {
+    takeVolumes();
+}
+
+bool ResponsePlotDlg::atStep(VolumeStep step, const VolumeAtHand&) {
+    if (step == VolumeStep::Plots)
+        takeVolumes();
+    return true;
+}
+
+void ResponsePlotDlg::loopEnded(QtCortivoDoc&) {
+    takeVolumes();
+}
+
+void ResponsePlotDlg::showEvent(QShowEvent* event) {
+    Plot2DDlg::showEvent(event);
+    refresh();
+}
+
+void ResponsePlotDlg::refresh() {
+    const QtCortivoDoc* document = session_.functionalDocument.get();
+    if (!document)
+        return init();
+    const FMRProject& project = document->project;
+    plotter().setSaveFolder(project.targetFolder);
+    setContent(
+        responseContent(document->protocol, project.TR, int(project.volumes.size()), volumes_ - 1));
+}
+
+void openResponsePlot(RunSession& session, QWidget& window) {
+    auto* dialog = window.findChild<ResponsePlotDlg*>();
+    if (!dialog)
+        dialog = new ResponsePlotDlg(session, &window);
+    showInFront(*dialog);
+}
