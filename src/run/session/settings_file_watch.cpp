@@ -237,10 +237,10 @@ void SettingsFileWatch::askForFolder(bool beforeAppExec) {
 bool SettingsFileWatch::setSettingsFile(const QString& name) {
     QString chosen = name;
     if (chosen.isEmpty())
-        chosen = chooseFileToOpen("Open File",
-                                  master_.settingsDirectory.isEmpty() ? folders_.dataPath
-                                                                      : master_.settingsDirectory,
-                                  "Velo-Cortivo settings files (*.vco)");
+        chosen = waitForFileToOpen("Open File",
+                                   master_.settingsDirectory.isEmpty() ? folders_.dataPath
+                                                                       : master_.settingsDirectory,
+                                   "Velo-Cortivo settings files (*.vco)");
     // Auto-start may have begun a run while the chooser was open.
     if (chosen.isEmpty() || !session_.phase.isIdle() || !session_.mayLeaveRun())
         return false;
@@ -333,13 +333,13 @@ void SettingsFileWatch::choosePreLoadedRegions() {
     // The lit state of the button shows auto-advance; a click does not change it.
     showControls();
     session_.requests.preLoadROIFile =
-        chooseFileToOpen("Open File", master_.settingsDirectory, "Region files (*.roi)");
+        waitForFileToOpen("Open File", master_.settingsDirectory, "Region files (*.roi)");
     showControls();
 }
 
 void SettingsFileWatch::choosePreLoadedVolumesOfInterest() {
     showControls();
-    const QString file = chooseFileToOpen("Open File", master_.settingsDirectory,
-                                          "Volume of interest files (*.voi)");
+    const QString file = waitForFileToOpen("Open File", master_.settingsDirectory,
+                                           "Volume of interest files (*.voi)");
     session_.requests.preLoadVOI = session_.requests.preLoadVOI || !file.isEmpty();
 }
