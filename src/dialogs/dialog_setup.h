@@ -21,6 +21,11 @@ void returnToControl(QWidget& control);
 /// `frame` moved, and made smaller if need be, to fit into `area`.
 [[nodiscard]] QRect placedWithin(const QRect& area, const QRect& frame);
 
+/// The place of the n-th small window, n from 0: beside the main window where the screen has room,
+/// else over its right edge below the middle; each one 20 pixels from the one before. Slices at the
+/// left stay free.
+[[nodiscard]] QPoint placeBeside(const QRect& area, const QRect& main, QSize frame, int n);
+
 /// Moves a shown window, and makes it smaller if need be, so that it fits on its screen with its
 /// frame. For windows with a position of their own, and after resizing.
 void keepOnScreen(QWidget& window);

@@ -66,9 +66,11 @@ void PlotPainter::paint() {
     for (const PlotMarks& marks : content_.marks)
         paintMarks(marks);
     painter_.restore();
-    paintFrame();
     painter_.setFont(layout_.textFont);
-    paintLines();
+    if (hasAxes(content_)) {
+        paintFrame();
+        paintLines();
+    }
     paintBarNames();
     paintLegend();
     paintLabels();

@@ -114,16 +114,15 @@ void TimeCoursesContainer::resizeFloating(int count) {
     }
 }
 
-// Each window stands a little below and to the right of the one before.
 void TimeCoursesContainer::placeFloating(RegionSlot& window, int number) {
-    constexpr int offset = 20; // pixels for each region
-    constexpr QSize size(420, 260);
+    constexpr QSize size(272, 282);
+    constexpr QSize frame = size + QSize(8, 28); // of the window's manager, about
     window.setWindowFlags(Qt::Dialog);
     window.setAttribute(Qt::WA_ShowWithoutActivating);
     window.setContentsMargins(6, 6, 6, 6);
     window.resize(size);
     const QWidget* main = parentWidget() ? parentWidget()->window() : window.window();
-    window.move(main->geometry().topLeft() + QPoint(offset, offset) * (number + 1));
+    window.move(placeBeside(screenArea(main), main->geometry(), frame, number - fixedSlots));
     window.show();
     keepOnScreen(window);
 }

@@ -21,7 +21,8 @@ PlotContent emptyContent(const PlottedMotion& plotted, const QString& title, con
     content.title = title;
     content.yLabel = unit;
     content.xStart = 1.0;
-    content.xRange = PlotRange{0.5, std::max(plotted.nrOfVolumes, 1) + 0.5};
+    if (plotted.nrOfVolumes > 0)
+        content.xRange = PlotRange{0.5, plotted.nrOfVolumes + 0.5};
     content.bands = plotted.bands;
     for (PlotBand& band : content.bands)
         band.name.clear();

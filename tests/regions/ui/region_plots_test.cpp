@@ -194,7 +194,7 @@ TEST_F(RegionPlots, FixedPlotsAreKeptAndFurtherRegionsFloat) {
     EXPECT_TRUE(fourth->isWindow());
     EXPECT_EQ(fourth->windowTitle(), "ROI Signal Time Course");
     EXPECT_FALSE(find<QWidget>("TimeCourse3")->isWindow());
-    EXPECT_EQ(fifth->pos() - fourth->pos(), QPoint(20, 20));
+    EXPECT_EQ((fifth->pos() - fourth->pos()).manhattanLength(), 40);
 
     // Closing a window leaves its region, which is shown again on demand.
     fourth->close();
