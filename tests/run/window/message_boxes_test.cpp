@@ -213,8 +213,9 @@ TEST_F(Boxes, ChooseFilesThatExistAndGiveNewOnesTheirExtension) {
     };
     openBeside("missing.roi");
     EXPECT_EQ(opened, "");
-    EXPECT_EQ(open<QMessageBox>().at(0)->text(),
-              QString("WARNING: There is no file \"%1\".").arg(file("missing.roi")));
+    QMessageBox* const told = open<QMessageBox>().at(0);
+    EXPECT_EQ(told->text(), QString("WARNING: There is no file \"%1\".").arg(file("missing.roi")));
+    told->close();
     openBeside("old.roi");
     EXPECT_EQ(opened, file("old.roi"));
     showWindow();

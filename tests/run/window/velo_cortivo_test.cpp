@@ -33,8 +33,9 @@ TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
     window_->session().report.currentVolume = 0;
     // Each of these has an event loop of its own unless it is told otherwise.
     window_->slotLoadROIs();
-    const QPointer<QFileDialog> regions = window_->findChild<QFileDialog*>();
-    ASSERT_TRUE(regions && regions->isVisible());
+    const auto* regions = window_->findChild<QFileDialog*>();
+    ASSERT_NE(regions, nullptr);
+    EXPECT_TRUE(regions->isVisible());
     click(0, ContrastList::Color);
     const QColorDialog* chooser = nullptr;
     for (const QWidget* widget : QApplication::topLevelWidgets())
