@@ -25,9 +25,9 @@ inline constexpr QSize windowFrame(8, 28);
 /// `frame` moved, and made smaller if need be, to fit into `area`.
 [[nodiscard]] QRect placedWithin(const QRect& area, const QRect& frame);
 
-/// The place of the n-th window beside the slices, n from 0: beside the main window where the screen has room,
-/// else over its right edge below the middle; each one 20 pixels from the one before. Slices at the
-/// left stay free.
+/// The place of the n-th window beside the slices, n from 0: beside the main window where the
+/// screen has room, else over its right edge below the middle; each one 20 pixels from the one
+/// before. Slices at the left stay free.
 [[nodiscard]] QPoint placeBeside(const QRect& area, const QRect& main, QSize frame, int n);
 
 /// Shows a modeless window of curves or raises it. It opens at such a place, and later where the

@@ -128,8 +128,8 @@ void TimeCoursesContainer::placeFloating(RegionSlot& window, int number) {
     window.setContentsMargins(6, 6, 6, 6);
     window.resize(size);
     const QWidget* main = parentWidget() ? parentWidget()->window() : window.window();
-    window.move(placeBeside(screenArea(main), main->geometry(), size + windowFrame,
-                            number - fixedSlots));
+    window.move(
+        placeBeside(screenArea(main), main->geometry(), size + windowFrame, number - fixedSlots));
     window.show();
     keepOnScreen(window);
 }
