@@ -125,7 +125,6 @@ QDialog QGroupBox::indicator { width: 20px; height: 16px; image: url(:/images/co
 QDialog QGroupBox::indicator:checked { image: url(:/images/contrast_on.png); }
 QDialog QPushButton { min-width: 64px; }
 QDialog QPushButton:default { background: #1f4b47; }
-QFileDialog QToolButton { padding: 1px; border-radius: 4px; }
 #WindowButtonsFrm QToolButton { background: transparent; border-color: transparent; }
 #WindowButtonsFrm QToolButton:hover, #WindowButtonsFrm QToolButton:focus {
     border-color: #2fc4b2; }

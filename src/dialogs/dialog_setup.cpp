@@ -96,6 +96,17 @@ QPoint placeBeside(const QRect& area, const QRect& main, QSize frame, int n) {
            offset * n;
 }
 
+void showBeside(QDialog& dialog) {
+    if (!dialog.testAttribute(Qt::WA_Moved)) {
+        const QWidget* main = dialog.parentWidget()->window();
+        const bool sized = dialog.testAttribute(Qt::WA_Resized);
+        const QSize frame = (sized ? dialog.size() : dialog.sizeHint()) + windowFrame;
+        dialog.move(placeBeside(screenArea(main), main->geometry(), frame, 0));
+    }
+    showInFront(dialog);
+    keepOnScreen(dialog);
+}
+
 void keepOnScreen(QWidget& window) {
     const QRect frame = window.frameGeometry();
     const QRect placed = placedWithin(screenArea(&window), frame);

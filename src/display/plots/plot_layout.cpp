@@ -11,7 +11,7 @@
 namespace {
 
 constexpr double smallWidth = 220; // logical pixels
-constexpr double smallHeight = 130;
+constexpr double smallHeight = 120;
 constexpr double largeWidth = 700;
 constexpr double heightForXLabel = 150;
 constexpr double gap = 4;

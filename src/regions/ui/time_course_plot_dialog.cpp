@@ -161,7 +161,7 @@ void TimeCoursePlotDlg::openAveragingWindow() {
         AveragingWindow = new AveragingPlotDlg(session_, settings_, this);
         connect(AveragingWindow, &AveragingPlotDlg::edited, this, &TimeCoursePlotDlg::drawAverages);
     }
-    showInFront(*AveragingWindow);
+    showBeside(*AveragingWindow);
     drawAverages();
 }
 

@@ -37,6 +37,13 @@ TimeCoursesContainer::TimeCoursesContainer(RunSession& session, QWidget* parent)
 TimeCoursesContainer::~TimeCoursesContainer() = default;
 
 void TimeCoursesContainer::connectControls() {
+    connect(this, &QDockWidget::topLevelChanged, this, [this](bool floating) {
+        constexpr QSize comfortable(700, 300);
+        if (!floating)
+            return;
+        resize(size().expandedTo(comfortable));
+        keepOnScreen(*this);
+    });
     connect(ui_->NrOfRowsSpBx, &QSpinBox::valueChanged, this,
             &TimeCoursesContainer::onNrOfRowsChanged);
     connect(ui_->ShowTCsBtn, &QToolButton::clicked, this, &TimeCoursesContainer::onShowOnlyTCs);
@@ -116,13 +123,13 @@ void TimeCoursesContainer::resizeFloating(int count) {
 
 void TimeCoursesContainer::placeFloating(RegionSlot& window, int number) {
     constexpr QSize size(272, 282);
-    constexpr QSize frame = size + QSize(8, 28); // of the window's manager, about
     window.setWindowFlags(Qt::Dialog);
     window.setAttribute(Qt::WA_ShowWithoutActivating);
     window.setContentsMargins(6, 6, 6, 6);
     window.resize(size);
     const QWidget* main = parentWidget() ? parentWidget()->window() : window.window();
-    window.move(placeBeside(screenArea(main), main->geometry(), frame, number - fixedSlots));
+    window.move(
+        placeBeside(screenArea(main), main->geometry(), size + windowFrame, number - fixedSlots));
     window.show();
     keepOnScreen(window);
 }

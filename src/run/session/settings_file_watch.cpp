@@ -332,8 +332,11 @@ bool SettingsFileWatch::playBesideCurrentFile(const PlayOptions& options,
 void SettingsFileWatch::choosePreLoadedRegions() {
     // The lit state of the button shows auto-advance; a click does not change it.
     showControls();
-    session_.requests.preLoadROIFile =
-        waitForFileToOpen("Open File", master_.settingsDirectory, "Region files (*.roi)");
+    // The regions of earlier runs are saved with their results.
+    const QtCortivoDoc* document = session_.functionalDocument.get();
+    session_.requests.preLoadROIFile = waitForFileToOpen(
+        "Open File", document ? document->project.targetFolder : master_.settingsDirectory,
+        "ROI definition files (*.roi)");
     showControls();
 }
 

@@ -141,6 +141,7 @@ void setUp(QFileDialog& dialog, const QString& title, const QString& place, cons
                       QFileDialog::ReadOnly);
     for (QAbstractItemView* view : dialog.findChildren<QAbstractItemView*>())
         view->setDragEnabled(false);
+    dialog.setStyleSheet("QToolButton { padding: 1px; }"); // they are small, their icons larger
     const QFileInfo info(place);
     if (place.isEmpty() || info.isDir())
         return dialog.setDirectory(place);

@@ -2,6 +2,7 @@
 #include "volume/ui/motion_plot_content.h"
 
 #include "display/plots/plot_colors.h"
+#include "display/plots/plot_ranges.h"
 #include "volume/motion_quality.h"
 
 #include <algorithm>
@@ -67,6 +68,16 @@ PlotContent courseContent(const PlottedMotion& plotted, std::span<const float> v
     return content;
 }
 
+/// From 0, since a displacement is never below it, and up to the limit at least.
+PlotRange displacementRange(std::span<const float> values) {
+    constexpr double margin = 1.04;
+    double largest = framewiseDisplacementLimit;
+    for (const float value : values)
+        if (std::isfinite(value))
+            largest = std::max(largest, double(value));
+    return roundedOut({0.0, largest * margin});
+}
+
 /// Right-aligned, a dash where there is none.
 QString number(std::span<const float> values, int volume, int decimals) {
     constexpr int width = 7;
@@ -98,6 +109,8 @@ PlotContent displacementContent(const PlottedMotion& plotted) {
     limit.color = limitColor;
     limit.text = QString("%1 mm").arg(framewiseDisplacementLimit);
     content.lines.push_back(limit);
+    if (plotted.measured > 0)
+        content.yRange = displacementRange(plotted.displacement);
     return content;
 }
 

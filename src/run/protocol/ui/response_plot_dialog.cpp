@@ -67,5 +67,5 @@ void openResponsePlot(RunSession& session, QWidget& window) {
     auto* dialog = window.findChild<ResponsePlotDlg*>();
     if (!dialog)
         dialog = new ResponsePlotDlg(session, &window);
-    showInFront(*dialog);
+    showBeside(*dialog);
 }
