@@ -94,6 +94,7 @@ TEST_F(Notice, IsRenewedOnlyDuringARun) {
     const auto runs = [this] { return notice.findChild<QTimer*>()->isActive(); };
     notice.documentsArrived(document);
     EXPECT_TRUE(runs());
+    session.phase.enter(Phase::Saving);
     notice.loopEnded(document);
     EXPECT_FALSE(runs());
     session.phase.enter(Phase::Reloading);

@@ -362,6 +362,7 @@ TEST_F(RegionPlots, AveragesFollowTheRun) {
         EXPECT_EQ(content.xLabel, label);
         EXPECT_EQ(content.xStart, start);
     }
+    find<QSpinBox>("BaselineFromSpBx")->setValue(2);
     const float own = content.curves[0].values[0];
     container.setEpochBased(false);
     EXPECT_NE(content.curves[0].values[0], own);
@@ -379,10 +380,12 @@ TEST_F(RegionPlots, AveragesThatCanNotBeDrawn) {
     find<TimeCoursePlotDlg>("TimeCourse1")->drawAverages();
     find<QToolButton>("AverageBtn")->click();
     ASSERT_TRUE(averages());
-    for (int i = 0; i < 7; ++i) {
-        document->protocol.conditions.push_back(document->protocol.conditions[1]);
-        document->protocol.conditions.back().nrOfIntervals = ProtocolCondition::maximumIntervals;
-    }
+    ProtocolCondition full = document->protocol.conditions[1];
+    full.nrOfIntervals = ProtocolCondition::maximumIntervals;
+    full.from.fill(10);
+    full.to.fill(12);
+    for (int i = 0; i < 7; ++i)
+        document->protocol.conditions.push_back(full);
     messages.expectWarning("ERROR: Too many trigger points!");
     passVolume();
     passVolume(); // no second message
