@@ -101,10 +101,11 @@ void showBeside(QDialog& dialog) {
         const QWidget* main = dialog.parentWidget()->window();
         const bool sized = dialog.testAttribute(Qt::WA_Resized);
         const QSize frame = (sized ? dialog.size() : dialog.sizeHint()) + windowFrame;
-        dialog.move(placeBeside(screenArea(main), main->geometry(), frame, 0));
+        const QRect area = screenArea(main);
+        dialog.move(
+            placedWithin(area, {placeBeside(area, main->geometry(), frame, 0), frame}).topLeft());
     }
     showInFront(dialog);
-    keepOnScreen(dialog);
 }
 
 void keepOnScreen(QWidget& window) {

@@ -109,7 +109,7 @@ PlotContent displacementContent(const PlottedMotion& plotted) {
     limit.color = limitColor;
     limit.text = QString("%1 mm").arg(framewiseDisplacementLimit);
     content.lines.push_back(limit);
-    if (plotted.measured > 0)
+    if (plotted.nrOfVolumes > 0)
         content.yRange = displacementRange(plotted.displacement);
     return content;
 }
@@ -133,11 +133,11 @@ QString motionReadOut(const PlottedMotion& plotted) {
     const auto above =
         std::count_if(plotted.displacement.begin(), plotted.displacement.end(),
                       [](float value) { return double(value) > framewiseDisplacementLimit; });
-    return QString("Volume %1   Translation%2 mm   Rotation%3 deg\n"
-                   "Framewise displacement%4 mm   DVARS%5 %   Volumes above %6 mm: %7")
+    return QString("Volume %1   Translation%2 mm\nRotation%3 deg   DVARS%4 %\n"
+                   "Framewise displacement%5 mm   Volumes above %6 mm: %7")
         .arg(std::max(plotted.measured, 0), widthOfCount)
-        .arg(parameters(0), parameters(nrOfAxes), number(plotted.displacement, last, 2),
-             number(plotted.dvars, last, 2))
+        .arg(parameters(0), parameters(nrOfAxes), number(plotted.dvars, last, 2),
+             number(plotted.displacement, last, 2))
         .arg(framewiseDisplacementLimit)
         .arg(above, widthOfCount);
 }
