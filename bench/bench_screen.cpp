@@ -349,6 +349,7 @@ void measure(Laps& laps, const HeadRunSize& size, double budget, bool bestVoxels
         printRow(partNames[part], times);
     }
     printRow("together", totals);
+    std::fflush(stdout);
 }
 
 } // namespace
@@ -360,8 +361,10 @@ int main(int argc, char** argv) {
                 "100, longest\n",
                 nrOfMeasured, nrOfVolumes);
     constexpr double budgets[] = {8.0, 10.0, 20.0};
+    const int only = argc > 1 ? std::atoi(argv[1]) : 0; // number of slices; 0 for all sizes
     for (size_t i = 0; i < std::size(headRunSizes); ++i)
         for (const bool bestVoxels : {false, true})
-            measure(laps, headRunSizes[i], budgets[i], bestVoxels);
+            if (only == 0 || only == headRunSizes[i].slices)
+                measure(laps, headRunSizes[i], budgets[i], bestVoxels);
     return 0;
 }
