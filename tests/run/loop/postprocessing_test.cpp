@@ -43,7 +43,11 @@ TEST_F(PostprocessingTest, ResultIsSavedUnderItsOwnNamesAndTheModelFittedToIt) {
     measure(30);
     const QByteArray measured = content("results/test.stc");
     const std::vector<float> oldMap = samplesOf(document().maps.map(0));
+    ASSERT_TRUE(session.regions.selectRectangle({1, 2, 3, 4, 5})); // one voxel
     ASSERT_TRUE(session.postprocess(options_, true, progress_));
+    for (size_t v = 0; v < 30; ++v)
+        EXPECT_EQ((*session.regions.list())[0].TimeCourseValues[v],
+                  float(document().project.volumes[v][64 * 1 + 8 * 4 + 2]));
     EXPECT_TRUE(std::ranges::is_sorted(progress_.values));
     EXPECT_EQ(progress_.values.back(), 100);
     EXPECT_EQ(document().project.projectPath, path("results/test.fmr"));

@@ -116,6 +116,23 @@ TEST_F(SessionRegionsTest, TheChosenFileIsLoadedAtTheFirstVolumeAndAMissingOneIs
     EXPECT_EQ(volumesIn("results"), 40);
 }
 
+TEST_F(SessionRegionsTest, AFileCanNotAskForEndlessWork) {
+    runWithRegionAt(3);
+    QByteArray text = "FileVersion: 5 SaveVoxelsInROIs: 0 NrOfTCPlots: 1 NrOfTCs: 20\n";
+    for (int i = 0; i < 20; ++i)
+        text += "FromSlice: 2 Left: -2147483648 Right: 2147483647 Top: 9 Bottom: 1\n";
+    put("whole.roi", text);
+    session.requests.thresholds.ClusterSizePixels = 0;
+    session.settings.MultiSliceROISelection = 99; // each region is the whole volume
+    messages.expect(MessageLevel::Warning,
+                    "WARNING: The regions of interest have more voxels than 8 whole volumes. The "
+                    "last 12 regions are left out.");
+    ASSERT_TRUE(session.regions.load(path("whole.roi")));
+    ASSERT_EQ(session.regions.list()->count(), 8);
+    EXPECT_EQ((*session.regions.list())[7].NrOfVoxels(), 8 * 8 * 4);
+    EXPECT_EQ(messages.shown(), messages.shownModeless()) << "the run could be replaced meanwhile";
+}
+
 TEST_F(SessionRegionsTest, RegionsChangeOnlyWhileTheSessionIsIdleOrRecords) {
     EXPECT_FALSE(session.regions.selectRectangle(drag)) << "no document";
     EXPECT_FALSE(session.regions.load(path("any.roi")));
