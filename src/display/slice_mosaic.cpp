@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/slice_mosaic.h"
 
+#include "display/overlay_kernels.h"
 #include "display/slice_mosaic_geometry.h"
-#include "stats/clusters.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
+#include <optional>
 
 namespace {
 
@@ -38,8 +38,8 @@ struct Canvas {
     }
 };
 
-std::array<uint32_t, nrOfOverlayColors> packedColors(const OverlayColorTable& table) {
-    std::array<uint32_t, nrOfOverlayColors> packed;
+PackedColors packedColors(const OverlayColorTable& table) {
+    PackedColors packed;
     const auto channel = [](int value) { return uint32_t(std::clamp(value, 0, 255)); };
     for (size_t i = 0; i < packed.size(); ++i)
         packed[i] = black | channel(table[i].red) << 16 | channel(table[i].green) << 8 |
@@ -53,57 +53,63 @@ public:
     OverlayPainter(const SliceMosaicSource& source, int scale)
         : maps_(*source.maps), thresholds_(source.thresholds),
           significance_(source.significanceColorCoding), scale_(scale),
-          colors_(packedColors(source.colors->active)) {
+          table_(packedColors(source.colors->active)), colors_(size_t(maps_.size.x)) {
         for (unsigned passing = 1; passing < colorOfSet_.size(); ++passing)
-            colorOfSet_[passing] =
-                colors_[size_t(multiMapColorIndex(passing, maps_.NrOfShownMaps))];
+            colorOfSet_[passing] = table_[size_t(multiMapColorIndex(passing, maps_.NrOfShownMaps))];
     }
 
-    void paintSlice(Canvas& canvas, int slice, int column, int row) const {
-        const bool sized = size_t(slice) < maps_.ClusterSizeSlices.size() &&
-                           !maps_.ClusterSizeSlices[size_t(slice)].empty();
-        if (!sized && thresholds_.filtersClusters())
-            return;
-        size_t pixel = 0;
+    /// Works row by row; `colors_` is large enough for one.
+    void paintSlice(Canvas& canvas, int slice, int column, int row) {
+        const int left = column * maps_.size.x * scale_;
         for (int y = 0; y < maps_.size.y; ++y) {
             const int top = (y + row * maps_.size.y) * scale_;
-            for (int x = 0; x < maps_.size.x; ++x, ++pixel) {
-                const unsigned passing = voxelIsShown(maps_, thresholds_, slice, pixel);
-                if (passing == 0)
-                    continue;
-                const uint32_t color =
-                    significance_ ? significanceColor(slice, pixel) : colorOfSet_[passing];
-                canvas.fillSquare((x + column * maps_.size.x) * scale_, top, scale_, color);
+            colorRow(slice, size_t(y) * size_t(maps_.size.x));
+            if (scale_ == 1 && left + maps_.size.x <= canvas.size.width()) {
+                if (top < canvas.size.height())
+                    paintOver(canvas.line(top) + left, colors_);
+                continue;
             }
+            for (int x = 0; x < maps_.size.x; ++x)
+                if (colors_[size_t(x)] != 0)
+                    canvas.fillSquare(left + x * scale_, top, scale_, colors_[size_t(x)]);
         }
     }
 
 private:
-    /// The colour of the largest of the shown values; the first of equal ones wins.
-    [[nodiscard]] uint32_t significanceColor(int slice, size_t pixel) const {
-        const size_t mapSamples = maps_.size.samples();
-        const float* values =
-            maps_.ContrastMaps.data() + size_t(slice) * maps_.size.sliceSamples() + pixel;
-        float largest = -std::numeric_limits<float>::infinity();
-        bool negative = false;
-        for (size_t map = 0; map < size_t(maps_.NrOfShownMaps); ++map) {
-            const float value = values[map * mapSamples];
-            const float shown = valueAsShown(value, maps_.states[map]);
-            if (shown > largest) {
-                largest = shown;
-                negative = value < 0.0f;
-            }
+    /// Puts the colours of a row that begins at this pixel of the slice into colors_, 0 for voxels
+    /// that are not shown.
+    void colorRow(int slice, size_t pixel) {
+        OverlayStretch stretch{size_t(maps_.NrOfShownMaps), {}, {}};
+        for (size_t map = 0; map < stretch.nrOfMaps; ++map) {
+            stretch.values[map] = maps_.ContrastMaps.data() + map * maps_.size.samples() +
+                                  size_t(slice) * maps_.size.sliceSamples() + pixel;
+            stretch.states[map] = maps_.states[map];
         }
-        return colors_[size_t(significanceColorIndex(largest, negative, thresholds_.Threshold,
-                                                     thresholds_.ColorMaxThreshold))];
+        if (significance_)
+            significanceColors(stretch, thresholds_, table_, colors_);
+        else
+            multiMapColors(stretch, thresholds_.Threshold, colorOfSet_, colors_);
+        if (thresholds_.filtersClusters())
+            dropSmallClusters(slice, pixel);
+    }
+    void dropSmallClusters(int slice, size_t pixel) {
+        std::span<const int> sizes;
+        if (size_t(slice) < maps_.ClusterSizeSlices.size())
+            sizes = maps_.ClusterSizeSlices[size_t(slice)];
+        sizes = sizes.subspan(std::min(pixel, sizes.size()));
+        const size_t known = std::min(sizes.size(), colors_.size());
+        for (size_t x = 0; x < known; ++x)
+            colors_[x] = sizes[x] < thresholds_.ClusterSizePixels ? 0 : colors_[x];
+        std::fill(colors_.begin() + ptrdiff_t(known), colors_.end(), 0);
     }
 
     const StatisticalMaps& maps_;
     const OverlayThresholds thresholds_;
     bool significance_;
     int scale_;
-    std::array<uint32_t, nrOfOverlayColors> colors_;
+    PackedColors table_;
     std::array<uint32_t, 1u << ContrastDefinitions::maximumShownMaps> colorOfSet_{};
+    std::vector<uint32_t> colors_; ///< of a row
 };
 
 /// True when there are maps to paint and they match their counts and the grid of the slices.
@@ -141,20 +147,6 @@ int multiMapColorIndex(unsigned passing, int nrOfMaps) {
     return table[passing & 0b1111];
 }
 
-int significanceColorIndex(float shownValue, bool negative, float threshold,
-                           float colorMaxThreshold) {
-    constexpr int strongest = nrOfOverlayColors / 2 - 1;
-    const float range = colorMaxThreshold - threshold;
-    // Also used when the range or the value is NaN.
-    int index = strongest;
-    if (range > 0.0f) {
-        const double position = double((shownValue - threshold) / range) * strongest;
-        if (position < strongest)
-            index = int(std::max(position, 0.0));
-    }
-    return negative ? index + nrOfOverlayColors / 2 : index;
-}
-
 bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source) {
     const std::vector<QImage>& images = source.images();
     const QSize tile = images.empty() ? QSize() : images.front().size();
@@ -174,21 +166,20 @@ bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source) {
     if (nrOfSlices < nrOfPlaces)
         target.fill(black);
 
-    Canvas canvas(target);
-    const int shown = std::min(nrOfSlices, nrOfPlaces);
-    for (int place = 0; place < shown; ++place)
-        copyTile(canvas, images[size_t(sliceAtPlace(source.layout, place, nrOfSlices))],
-                 {place % columns * tile.width(), place / columns * tile.height()}, tile);
-
     const int dimX = source.slices->gridSize().width();
     const int scale = dimX > 0 ? int(std::lround(double(tile.width()) / dimX)) : 0;
-    if (scale < 1 || !overlayIsUsable(source))
-        return true;
-    const OverlayPainter painter(source, scale);
-    for (int place = 0; place < shown; ++place) {
+    std::optional<OverlayPainter> painter;
+    if (scale >= 1 && overlayIsUsable(source))
+        painter.emplace(source, scale);
+    Canvas canvas(target);
+    for (int place = 0; place < std::min(nrOfSlices, nrOfPlaces); ++place) {
+        const int column = place % columns;
+        const int row = place / columns;
         const int slice = sliceAtPlace(source.layout, place, nrOfSlices);
-        if (slice < source.maps->size.slices)
-            painter.paintSlice(canvas, slice, place % columns, place / columns);
+        copyTile(canvas, images[size_t(slice)], {column * tile.width(), row * tile.height()}, tile);
+        // While the tile is still in the cache.
+        if (painter && slice < source.maps->size.slices)
+            painter->paintSlice(canvas, slice, column, row);
     }
     return true;
 }

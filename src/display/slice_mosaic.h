@@ -32,16 +32,11 @@ struct SliceMosaicSource {
 /// reach the threshold, out of `nrOfMaps` (1 to 4) shown ones.
 [[nodiscard]] int multiMapColorIndex(unsigned passing, int nrOfMaps);
 
-/// Index into the significance colours for a value that reaches the threshold, as its map's state
-/// shows it: 0 to 9 in equal steps from Threshold to ColorMaxThreshold and 9 above; 10 more for a
-/// map with a negative value. An empty range of thresholds gives the strongest colour.
-[[nodiscard]] int significanceColorIndex(float shownValue, bool negative, float threshold,
-                                         float colorMaxThreshold);
-
 /// Composes the mosaic at one pixel for each pixel of the tiles. `target` gets the size columns by
 /// rows of tiles, of the size of the first image; its memory is kept where the size stays.
 ///
-/// Each voxel that passes voxelIsShown() becomes a square of s x s pixels with s = tile width /
+/// Each voxel that passes voxelIsShown() gets its colour from multiMapColorIndex() or
+/// significanceColors(), and becomes a square of s x s pixels with s = tile width /
 /// DimX, rounded, at ((x + column * DimX) * s, (y + row * DimY) * s), without interpolation. Maps
 /// that don't have the slices' grid are not painted. False, with a null image, when there are no
 /// slices or the mosaic would be too large (see sliceMosaicSize()).
