@@ -122,7 +122,8 @@ TEST_F(MainWindow, MenusFollowThePhase) {
         "Log ROI Time Point Files (RTPs)|Log ROI Time Courses (ERT)|Log ROI Betas (BTC)";
     const QString overlay = "Overlay On First Func Volume*|Overlay On Current Func Volume|";
     const QString views =
-        "Show ROIs With Rectangles|Show ROIs With Highlighted Voxels|"
+        "Current Func Volume Before Preprocessing|Show ROIs With Rectangles|Show ROIs With "
+        "Highlighted Voxels|"
         "Show ROIs With Rectangles And Highlighted Voxels*|Show ROI Time Courses Container|";
     const QString lastViews = "Display Detrended ROI Time Courses|Show Motion Plot|Show Response "
                               "Plot|Switch Window Size";
@@ -149,13 +150,15 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     window_->nextROIDisplayStyle();
     requests().pendingOverlayInplane = 0;
     window_->slotShowOnCurrentEPIs();
+    window_->slotToggleBeforePreprocessing();
     runOver();
     expectMenus("Set New VCO File...|Recover Run...|Replay Run...|Save View As BMP...|Close|Exit",
                 "Colors Code Significance*|Colors Code Contrasts|Epoch-Based "
                 "Averaging|Post-Processing...|Load ROIs...|Save ROIs...|Log ROI Time Point Files "
                 "(RTPs)|Log ROI Time Courses (ERT)*|Log ROI Betas (BTC)",
                 "Multi-Slice View|Overlay On First Func Volume|Overlay On Current Func "
-                "Volume*|Overlay On Inplanes|Show ROIs With Rectangles|Show ROIs With Highlighted "
+                "Volume*|Overlay On Inplanes|Current Func Volume Before Preprocessing*|Show ROIs "
+                "With Rectangles|Show ROIs With Highlighted "
                 "Voxels*|Show ROIs With Rectangles And Highlighted Voxels|Show ROI Time Courses "
                 "Container|Remove ROI Time Course Plots|Display Detrended ROI Time "
                 "Courses*|Show Motion Plot|Show Response Plot|Switch Window Size");
