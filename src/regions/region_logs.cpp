@@ -2,13 +2,12 @@
 #include "regions/region_logs.h"
 
 #include "base/file_writing.h"
+#include "base/number_text.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QTextStream>
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 
 namespace {
@@ -17,16 +16,6 @@ namespace {
 double meanAt(const RegionOfInterest& region, int volumeIndex) {
     const int last = std::min(volumeIndex, region.NrOfValues() - 1);
     return last < 0 ? 0.0 : double(region.TimeCourseValues[size_t(last)]);
-}
-
-/// The blanks, then the number as by "%*i"; a log lists thousands of voxels at each volume, so it
-/// must be quick.
-void appendNumber(QByteArray& text, int blanks, int width, int number) {
-    std::array<char, 12> digits;
-    const qsizetype length =
-        std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr - digits.data();
-    text.append(blanks + std::max<qsizetype>(width - length, 0), ' ');
-    text.append(digits.data(), length);
 }
 
 void appendVoxels(QByteArray& text, const VoxelList& voxels, std::span<const int16_t> samples,

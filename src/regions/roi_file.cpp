@@ -3,6 +3,7 @@
 
 #include "base/file_writing.h"
 #include "base/messages.h"
+#include "base/number_text.h"
 #include "base/paths.h"
 #include "base/text_reading.h"
 #include "regions/region_time_courses.h"
@@ -200,8 +201,14 @@ bool listIsWhole(const RegionOfInterest& region) {
 
 QByteArray voxelLines(const VoxelList& voxels) {
     QByteArray text = formatted("NrOfVoxels:            %i\n", int(voxels.size()));
-    for (size_t i = 0; i < voxels.size(); ++i)
-        text += formatted("%3i %3i %3i\n", voxels.x[i], voxels.y[i], voxels.z[i]);
+    constexpr qsizetype lineLength = 12;
+    text.reserve(text.size() + lineLength * qsizetype(voxels.size()));
+    for (size_t i = 0; i < voxels.size(); ++i) {
+        appendNumber(text, 0, 3, voxels.x[i]);
+        appendNumber(text, 1, 3, voxels.y[i]);
+        appendNumber(text, 1, 3, voxels.z[i]);
+        text += '\n';
+    }
     return text;
 }
 
@@ -210,7 +217,7 @@ QByteArray rankingLines(const RegionOfInterest& region) {
         formatted("TopVoxelRatio:         %i\nTopVoxelSelectionMode: %i\nSortedVoxelList:      ",
                   int(std::lround(region.TopVoxelRatio * 100.0f)), region.TopVoxelSelectionMode);
     for (const int position : region.SortedVoxelList)
-        text += ' ' + QByteArray::number(position);
+        appendNumber(text, 1, 0, position);
     return text + '\n';
 }
 

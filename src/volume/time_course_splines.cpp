@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/time_course_splines.h"
 
-// See stats/numerics/spline.cpp for the equations; with unit spacing each inner row of the system
-// is c[v - 1] + 4 c[v] + c[v + 1] = 6 * change of slope.
+// First and second derivatives of neighbouring cubics agree at each sample, and the second ones c
+// are 0 at both ends: with unit spacing each inner row of the system is
+// c[v - 1] + 4 c[v] + c[v + 1] = 6 * change of slope.
 
 TimeCourseSplines::TimeCourseSplines(size_t nrOfVolumes)
     : nrOfVolumes_(nrOfVolumes), diagonal_(nrOfVolumes, 1.0),

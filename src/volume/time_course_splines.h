@@ -5,8 +5,7 @@
 #include "volume/time_courses.h"
 
 /// Natural cubic splines through timeCourseBlock time courses. Samples are one volume apart, so the
-/// elimination is the same for all voxels and is done once per run. Values are bit for bit those of
-/// numerics::splineSecondDerivatives() and splineValue(), voxel by voxel.
+/// elimination is the same for all voxels and is done once per run.
 class TimeCourseSplines {
 public:
     explicit TimeCourseSplines(size_t nrOfVolumes);

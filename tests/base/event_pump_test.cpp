@@ -3,19 +3,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/event_pump.h"
 
+#include "support/files.h"
+
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTimer>
-#include <gtest/gtest.h>
 
 namespace {
 
 constexpr int longWait = 20000;
 
 void create(const QString& path) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    writeFile(path, "");
 }
 
 } // namespace

@@ -3,12 +3,11 @@
 #include "base/memory.h"
 #include "base/plain_file.h"
 #include "base/text_reading.h"
+#include "support/files.h"
 
 #include <QDir>
-#include <QFile>
 #include <QScopeGuard>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,9 +16,7 @@ namespace {
 
 void put(const QString& path, const QByteArray& content) {
     QDir().mkpath(path.left(path.lastIndexOf('/')));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(content);
+    writeFile(path, content);
 }
 
 } // namespace
@@ -55,9 +52,7 @@ TEST(TextFile, ALinkStaysAndItsTargetIsWritten) {
     put(folder.filePath("target"), "old");
     ASSERT_TRUE(QFile::link(folder.filePath("target"), folder.filePath("link")));
     ASSERT_TRUE(writeFileAtomically(folder.filePath("link"), "new"));
-    QString text;
-    ASSERT_TRUE(readTextFile(folder.filePath("target"), text));
-    EXPECT_EQ(text, "new");
+    EXPECT_EQ(contentOf(folder.filePath("target")), "new");
     EXPECT_TRUE(QFileInfo(folder.filePath("link")).isSymLink());
 }
 

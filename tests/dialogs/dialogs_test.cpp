@@ -17,8 +17,6 @@
 #include <QVBoxLayout>
 #include <gtest/gtest.h>
 
-namespace {
-
 TEST(NumberFields, ReadWhatIsTyped) {
     QLineEdit field;
     for (const auto& [text, number] : std::vector<std::pair<QString, double>>{
@@ -69,12 +67,10 @@ TEST(DialogSetup, NamesControlsAndWrapsToolTips) {
 
 TEST(DialogSetup, KeepsWindowsOnTheScreen) {
     const QRect area(100, 50, 1000, 700);
-    const std::pair<QRect, QRect> cases[] = {
-        {{200, 100, 300, 200}, {200, 100, 300, 200}},
-        {{0, 0, 300, 200}, {100, 50, 300, 200}},
-        {{1000, 700, 300, 200}, {800, 550, 300, 200}},
-        {{1000, 60, 1200, 900}, area},
-    };
+    const std::pair<QRect, QRect> cases[] = {{{200, 100, 300, 200}, {200, 100, 300, 200}},
+                                             {{0, 0, 300, 200}, {100, 50, 300, 200}},
+                                             {{1000, 700, 300, 200}, {800, 550, 300, 200}},
+                                             {{1000, 60, 1200, 900}, area}};
     for (const auto& [frame, expected] : cases)
         EXPECT_EQ(placedWithin(area, frame), expected) << frame.x() << ' ' << frame.y();
 }
@@ -129,5 +125,3 @@ TEST(ProgressBoxes, WorkThatCanBeCancelledIsByItsButtonAndEscapeOnly) {
     }
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
-
-} // namespace

@@ -63,6 +63,4 @@ TEST_F(ViewPanelTest, RegionsAreDrawnWhileVolumesArrive) {
     const RegionOfInterest& region = (*session.regions.list())[0];
     EXPECT_EQ((std::array{region.FromSlice, region.Left, region.Right, region.Top, region.Bottom}),
               (std::array{2, 3, 7, 2, 5}));
-    session.regions.removeAll();
-    EXPECT_FALSE(panel.cancelDrag());
 }

@@ -1,10 +1,10 @@
 // Runs every target over its corpus, which keeps inputs that once broke a parser.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/fuzz_target.h"
+#include "support/files.h"
 #include "support/scripted_messages.h"
 
 #include <QDirIterator>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -15,10 +15,8 @@ int nrOfFilesTaken(const FuzzTarget& target, const QString& folder) {
     const RecordedProgramEnd programEnd;
     int nrTaken = 0;
     for (QDirIterator files(folder, QDir::Files, QDirIterator::Subdirectories); files.hasNext();) {
-        QFile file(files.next());
-        SCOPED_TRACE(file.fileName().toStdString());
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray bytes = file.readAll();
+        const QByteArray bytes = contentOf(files.next());
+        SCOPED_TRACE(files.filePath().toStdString());
         // With a buffer of exactly this size the sanitizer catches a read beyond its end.
         const std::vector<uint8_t> exact(bytes.begin(), bytes.end());
         nrTaken += target.run(exact);

@@ -57,39 +57,37 @@ bool prt(std::span<const uint8_t> bytes) {
     return good;
 }
 
-// Real-time protocols: the header, then the lines one by one.
-bool rtp(std::span<const uint8_t> bytes) {
+// Protocols that arrive: the header, then the lines one by one.
+template<typename State, typename Parse, typename Apply>
+bool arriving(std::span<const uint8_t> bytes, Parse parse, Apply apply) {
     const QString text = decodedText(QByteArrayView(bytes).toByteArray());
     StimulationProtocol protocol;
-    RealTimeProtocolState state;
-    const HeaderParsing header = parseRTPHeader(text, protocol, state);
+    State state;
+    const HeaderParsing header = parse(text, protocol, state);
     require(header.length >= 0 && header.length <= text.size(), "a header lies inside its text");
     if (!header.good)
         return false;
     for (const QString& line : text.mid(header.length).split('\n'))
-        static_cast<void>(applyRTPLine(line, {50, 2000.0f}, protocol, state));
-    for (const ProtocolContrasts::Contrast& contrast : state.contrasts.table)
-        require(contrast.weights.size() == protocol.conditions.size(), "a weight each");
-    static_cast<void>(volumeConditionIndex(protocol, 50, 2000.0f));
-    return true;
-}
-
-// Logs of stimulation computers: the header, then the lines one by one.
-bool tdat(std::span<const uint8_t> bytes) {
-    const QString text = decodedText(QByteArrayView(bytes).toByteArray());
-    StimulationProtocol protocol;
-    TDATState state;
-    TDATSettings settings;
-    const HeaderParsing header = parseTDATHeader(text, protocol, state, settings);
-    require(header.length >= 0 && header.length <= text.size(), "a header lies inside its text");
-    if (!header.good)
-        return false;
-    for (const QString& line : text.mid(header.length).split('\n'))
-        static_cast<void>(applyTDATLine(line, protocol, state));
+        static_cast<void>(apply(line, protocol, state));
     for (const ProtocolContrasts::Contrast& contrast : state.contrasts.table)
         require(contrast.weights.size() <= protocol.conditions.size(), "a weight each at most");
     static_cast<void>(volumeConditionIndex(protocol, 50, 2000.0f));
     return true;
+}
+
+bool rtp(std::span<const uint8_t> bytes) {
+    return arriving<RealTimeProtocolState>(
+        bytes, parseRTPHeader, [](const QString& line, auto& protocol, auto& state) {
+            return applyRTPLine(line, {50, 2000.0f}, protocol, state);
+        });
+}
+
+bool tdat(std::span<const uint8_t> bytes) {
+    TDATSettings settings;
+    const auto parse = [&](const QString& text, auto& protocol, auto& state) {
+        return parseTDATHeader(text, protocol, state, settings);
+    };
+    return arriving<TDATState>(bytes, parse, applyTDATLine);
 }
 
 // Headers of functional projects.

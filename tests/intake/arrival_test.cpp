@@ -16,11 +16,12 @@ namespace {
 // Rounds stand at 0, 100, 200, ... milliseconds; the last one is the first behind the time-out. The
 // file has half of its size 200 milliseconds before it is whole.
 TEST(AwaitFile, TakesAWholeFileAndLooksAtTheTimeOutBehindEachRound) {
-    for (const auto& [timeOut, arrival, met, end] : {std::tuple{1000, 0, true, 30},
+    const std::tuple<int, int, bool, int> cases[] = {{1000, 0, true, 30},
                                                      {1000, 1050, true, 1130},
                                                      {1000, 1150, false, 1100},
                                                      {0, 50, true, 130},
-                                                     {0, 150, false, 100}}) {
+                                                     {0, 150, false, 100}};
+    for (const auto& [timeOut, arrival, met, end] : cases) {
         SCOPED_TRACE(testing::Message() << timeOut << ' ' << arrival);
         const QTemporaryDir folder;
         SimulatedPump pump;
@@ -46,11 +47,9 @@ void overwrite(const QString& path, const QByteArray& bytes, int second) {
 
 // The first look is at 0 milliseconds, the settling time 30.
 TEST(AwaitFile, SizeAndTimesHoldStillOverTheSettlingTime) {
-    for (const auto& [lastWrite, keepsGrowing, end] : {std::tuple{0, false, 30},
-                                                       {25, false, 60},
-                                                       {85, false, 120},
-                                                       {2000, false, 1020},
-                                                       {85, true, 30}}) {
+    const std::tuple<int, bool, int> cases[] = {
+        {0, false, 30}, {25, false, 60}, {85, false, 120}, {2000, false, 1020}, {85, true, 30}};
+    for (const auto& [lastWrite, keepsGrowing, end] : cases) {
         const QTemporaryDir folder;
         SimulatedPump pump;
         const QString path = folder.filePath("image");

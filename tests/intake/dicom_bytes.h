@@ -3,18 +3,10 @@
 #pragma once
 
 #include "base/byte_reader.h"
-
-#include <QByteArray>
-#include <QFile>
-#include <gtest/gtest.h>
+#include "support/files.h"
 
 inline std::span<const uint8_t> bytesOf(const QByteArray& bytes) {
     return {reinterpret_cast<const uint8_t*>(bytes.constData()), size_t(bytes.size())};
-}
-
-inline void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
 }
 
 class DicomBytes {

@@ -25,8 +25,7 @@ struct EmptySlices : testing::Test {
         return run.pump.milliseconds() - start;
     }
     void expectWarning(const QString& volume) {
-        run.messages.expect(MessageLevel::Warning,
-                            "WARNING: Slice 1 of " + volume + " contains only zeros*");
+        run.messages.expectWarning("WARNING: Slice 1 of " + volume + " contains only zeros*");
     }
 
     IntakeRun run{"ANALYZE_NW", 1, 2, 2};

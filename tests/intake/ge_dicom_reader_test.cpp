@@ -3,7 +3,6 @@
 #include "support/test_data.h"
 
 #include <QCryptographicHash>
-#include <QDir>
 
 namespace {
 
@@ -69,9 +68,8 @@ TEST(GeHdxtDicomReader, SettlesTheWatchFolder) {
         run.write(QString("w/") + firstFile, GeRun::file(1));
         EXPECT_TRUE(reader->readFirstVolume()) << firstFile;
         run.state.watchFolder = run.path("e7/13");
-        run.messages.expect(MessageLevel::Warning,
-                            "Wrong watch folder specified for GE Signa HDxt data. The watch "
-                            "folder must point to a exam or series folder.");
+        run.messages.expectWarning("Wrong watch folder specified for GE Signa HDxt data. The watch "
+                                   "folder must point to a exam or series folder.");
         EXPECT_FALSE(reader->prepare());
     }
 }
@@ -105,18 +103,16 @@ void writeVolume(GeRun& run, const Geometry& geometry) {
 TEST(GeDicomReaders, HeadersGiveSizesAndOfOneTypePositions) {
     const char* noPosition = "ERROR - Can nor get DICOM slice position values!";
     const char* noOrientation = "ERROR - Can nor get DICOM slice orientation values!";
-    struct Case {
-        Geometry geometry;
-        const char* message = nullptr;
-        const char* type = "GE_HDXT_DICOM";
-    };
-    for (const auto& [geometry, message, type] :
-         {Case{},
-          {{}, nullptr, "GE_X_DICOM"},
-          {{.columns = 64},
-           "ERROR - dimensions of DICOM file (1 x 64) do not match those in VCO file (1 x 2) !"},
-          {{.position = ""}, noPosition},
-          {{.orientation = "9\\0\\0\\0\\9\\0"}, noOrientation}}) {
+    const char* noFit =
+        "ERROR - dimensions of DICOM file (1 x 64) do not match those in VCO file (1 x 2) !";
+    const char* hdxt = "GE_HDXT_DICOM";
+    const std::tuple<Geometry, const char*, const char*> cases[] = {
+        {{}, nullptr, hdxt},
+        {{}, nullptr, "GE_X_DICOM"},
+        {{.columns = 64}, noFit, hdxt},
+        {{.position = ""}, noPosition, hdxt},
+        {{.orientation = "9\\0\\0\\0\\9\\0"}, noOrientation, hdxt}};
+    for (const auto& [geometry, message, type] : cases) {
         SCOPED_TRACE(message ? message : type);
         GeRun run(type);
         // From another file; it must not be taken for that of this one.
@@ -124,7 +120,7 @@ TEST(GeDicomReaders, HeadersGiveSizesAndOfOneTypePositions) {
         run.state.header.imageOrientationText = axial.toStdString();
         writeVolume(run, geometry);
         if (message)
-            run.messages.expect(MessageLevel::Warning, message);
+            run.messages.expectWarning(message);
         const auto reader = run.reader();
         ASSERT_TRUE(reader->prepare() && reader->readFirstVolume());
         EXPECT_EQ(reader->readHeaders(), message == nullptr);

@@ -44,7 +44,7 @@ template<typename Read> void expectSizes(Read read, const std::vector<HeaderCase
     for (const auto& [bytes, sizes, message] : cases) {
         ScriptedMessages messages;
         if (message)
-            messages.expect(MessageLevel::Warning, message);
+            messages.expectWarning(message);
         const QString path = folder.filePath("header");
         QFile::remove(path);
         if (!bytes.isNull())
@@ -94,9 +94,7 @@ TEST(GEIHeader, ScannerFiles) {
     for (const auto& [name, start, spacing, distance] :
          {std::tuple{"ge5_scrubbed/113766.003.001", 2158u, 1.01563f, 3.0f},
           {"geadw_scrubbed/I.001", 2186u, 0.625f, 1.5f}}) {
-        QFile file(folder + name);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        QByteArray bytes = file.readAll();
+        QByteArray bytes = contentOf(folder + name);
         put(bytes, 148, start);
         const auto sizes = parseGEIHeader(bytesOf(bytes));
         FMRProject project;

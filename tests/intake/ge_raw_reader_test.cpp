@@ -4,8 +4,6 @@
 
 #include <QDir>
 
-namespace {
-
 TEST(GeINames, FoldersOf999ImagesInStepsOfTwenty) {
     for (const auto& [series, image, index, name] :
          {std::tuple{1, 1, qint64(998), "001/I.999"},
@@ -32,16 +30,15 @@ TEST(GeIReader, ListsItsFilesWhereItCanAndTakesThoseOfTheExactSize) {
     run.pump.after(900, [&] { run.write("003/I.999", header + rawSamples({0x0304})); });
     const auto reader = run.reader();
     ASSERT_TRUE(reader->prepare());
-    QFile list(target.filePath("expected_GE_I_file_list.txt"));
-    ASSERT_TRUE(list.open(QIODevice::ReadOnly));
-    const QStringList names = QString(list.readAll()).split('\n');
+    const QStringList names =
+        QString(contentOf(target.filePath("expected_GE_I_file_list.txt"))).split('\n');
     ASSERT_EQ(names.size(), 11) << "two skipped and three analysed volumes";
     EXPECT_EQ(names[0], run.path("003/I.998"));
     EXPECT_EQ(names[9], run.path("023/I.008"));
     run.project.targetFolder = "/absent/";
     ASSERT_TRUE(reader->prepare() && reader->readFirstVolume());
     EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{0x102, 0x304}));
-    run.messages.expect(MessageLevel::Warning, "ERROR: GE_I file \"*");
+    run.messages.expectWarning("ERROR: GE_I file \"*");
     EXPECT_TRUE(reader->readHeaders()) << "a run goes on without its header";
 }
 
@@ -66,9 +63,7 @@ TEST(GeStanfordReader, SwapsInAnyCaseAndSettlesOnceForAFile) {
         EXPECT_EQ(valuesOf(run.project.volumes[0]), (std::vector{0x300, 0x200, -255}));
         EXPECT_FALSE(reader->readVolume(1));
         run.settings.pFilePath.clear();
-        run.messages.expect(MessageLevel::Warning, "ERROR: The name of the P header file \"*");
+        run.messages.expectWarning("ERROR: The name of the P header file \"*");
         EXPECT_FALSE(reader->prepare());
     }
 }
-
-} // namespace

@@ -99,7 +99,7 @@ TEST(InplaneReader, RefusesNamesAndTypesThatItDoesNotKnow) {
           {"DICOM", "a-b.dcm", noNumber},
           {"GE_EXCITE_DICOM", "i1.MRDC", noNumber}}) {
         InplaneRun run(type, firstName);
-        run.messages.expect(MessageLevel::Warning, message);
+        run.messages.expectWarning(message);
         EXPECT_FALSE(run.read());
         EXPECT_EQ(run.pump.milliseconds(), 0);
     }

@@ -3,8 +3,6 @@
 #include "raw_samples.h"
 #include "support/test_data.h"
 
-namespace {
-
 // Three slices of one sample; one volume is skipped.
 TEST(GrowingFileReader, EachSliceOfTheFirstVolumeHasItsOwnWaitAndLaterOneEachVolume) {
     for (const int whole : {900, 2000}) {
@@ -95,10 +93,10 @@ TEST(AnalyzeHeader, ScannerFilesAndNone) {
     ScriptedMessages messages;
     QString order;
     AnalyzeHeader header;
-    messages.expect(MessageLevel::Warning, "ERROR: File *");
+    messages.expectWarning("ERROR: File *");
     writeFile(folder.filePath("short.hdr"), QByteArray(347, '\0'));
     EXPECT_FALSE(readAnalyzeHeader(folder.filePath("short.hdr"), order, header));
-    messages.expect(MessageLevel::Warning, "Can not open ANALYZE file !");
+    messages.expectWarning("Can not open ANALYZE file !");
     EXPECT_FALSE(readAnalyzeHeader(folder.filePath("none.hdr"), order, header));
     const QString data = scannerDataFolder() + "/analyze75/both_byte_orders/";
     SKIP_WITHOUT(data);
@@ -108,5 +106,3 @@ TEST(AnalyzeHeader, ScannerFilesAndNone) {
         EXPECT_EQ(header.dime.dim, (std::array<int16_t, 8>{4, 6, 6, 8, 1, 1, 1, 1}));
     }
 }
-
-} // namespace

@@ -66,7 +66,7 @@ TEST(SiemensImaReaders, MosaicsThatCannotHoldTheSlicesAreRefused) {
         run.settings.SiemensMosaicSequence = true;
         run.setMosaic(side, side);
         if (*refusal)
-            run.messages.expect(MessageLevel::Warning, QString("ERROR: A mosaic of ") + refusal);
+            run.messages.expectWarning(QString("ERROR: A mosaic of ") + refusal);
         EXPECT_FALSE(run.reader()->readFirstVolume());
         EXPECT_EQ(end.statuses, *refusal ? std::vector<int>() : std::vector{1});
     }
@@ -112,7 +112,7 @@ TEST(SiemensImaReaders, ScannerFiles) {
     EXPECT_EQ(run.project.sliceThickness, 1.2f);
     EXPECT_EQ(run.project.sliceGap, 0.5f) << "the factor is -19222: not known";
     run.settings.SiemensFirstStudyNr = 3;
-    run.messages.expect(MessageLevel::Warning, "ERROR: Can not open .ima file !");
+    run.messages.expectWarning("ERROR: Can not open .ima file !");
     EXPECT_TRUE(run.reader()->readHeaders());
 }
 

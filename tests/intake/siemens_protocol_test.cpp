@@ -33,13 +33,10 @@ TEST(SiemensProtocol, RoundsTimesAndKeepsFirstAndLastPosition) {
 }
 
 TEST(SiemensProtocol, SliceOrderIsHexadecimalBehindPositionsOrDecimalBeforeThem) {
-    for (const auto& [value, nrOfSlices, code] : {std::tuple{" = 0x1\n", 3, 1},
-                                                  {"\t = \t0x2\r\n", 3, 2},
-                                                  {" = 0x4\n", 3, 3},
-                                                  {" = 0x4\n", 4, 5},
-                                                  {"\t = \t2 \t\n", 3, 2},
-                                                  {"\t = \t8\n", 3, 0}, // not verified
-                                                  {" = \n", 3, 0}}) {
+    const std::tuple<const char*, int, int> cases[] = {
+        {" = 0x1\n", 3, 1},      {"\t = \t0x2\r\n", 3, 2}, {" = 0x4\n", 3, 3}, {" = 0x4\n", 4, 5},
+        {"\t = \t2 \t\n", 3, 2}, {"\t = \t8\n", 3, 0},     {" = \n", 3, 0}}; // 0: not verified
+    for (const auto& [value, nrOfSlices, code] : cases) {
         const QByteArray mode = QByteArray("sSliceArray.ucMode") + value;
         for (const QByteArray& text : {slices + mode, mode + times + slices}) {
             const FMRProject project = parsed(text, true, nrOfSlices);
@@ -66,19 +63,16 @@ TEST(SiemensProtocol, ReadingEndsWithOrderOrBlock) {
 }
 
 TEST(SiemensProtocol, ATRThatNoScannerHasLeavesThatOfTheSettings) {
-    for (const auto& [value, expected] : {std::pair{"0", 2000},
-                                          {"nan", 2000},
-                                          {"", 2000},
-                                          {"499", 2000},
-                                          {"100001000", 2000},
-                                          {"500", 1},
-                                          {"100000000", 100000}}) {
+    const std::pair<const char*, int> cases[] = {
+        {"0", 2000},         {"nan", 2000}, {"", 2000},           {"499", 2000},
+        {"100001000", 2000}, {"500", 1},    {"100000000", 100000}};
+    for (const auto& [value, expected] : cases) {
         ScriptedMessages messages;
         if (expected == 2000)
-            messages.expect(MessageLevel::Warning, QString("WARNING: The scanner's protocol states "
-                                                           "a TR of \"%1\" microseconds; the TR "
-                                                           "of the settings file, 2000 ms, stays.")
-                                                       .arg(value));
+            messages.expectWarning(QString("WARNING: The scanner's protocol states "
+                                           "a TR of \"%1\" microseconds; the TR "
+                                           "of the settings file, 2000 ms, stays.")
+                                       .arg(value));
         const FMRProject project = parsed(QByteArray("alTR[0] = ") + value + '\n' + slices);
         EXPECT_EQ(project.TR, float(expected)) << value;
         EXPECT_EQ(project.TimeResolutionVerified, expected != 2000) << value;
@@ -94,7 +88,7 @@ TEST(SiemensProtocol, IsReadInPieces) {
     EXPECT_FALSE(parsed(QByteArray(250, 'x') + times, false).TimeResolutionVerified);
     ScriptedMessages messages;
     FMRProject project;
-    messages.expect(MessageLevel::Warning, "ERROR: File \"/none\" not found !");
+    messages.expectWarning("ERROR: File \"/none\" not found !");
     EXPECT_FALSE(readSiemensProtocol("/none", project));
 }
 

@@ -53,9 +53,8 @@ TEST(SiemensSliceTimes, ScannerFiles) {
           {odd + "03_explicitBE.dcm", 18, 490, 0, 925},
           {odd + "09_explicitLE_undefinedlengths.dcm", 18, 490, 0, 925},
           {odd + "10_acrnema20_like_nopreamble_implicitLE_grouplengths.dcm", 18, 490, 0, 925}}) {
-        QFile file(folder + '/' + name);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-        const std::vector<float> times = siemensSliceTimes(bytesOf(file.readAll()), slices);
+        const QByteArray file = contentOf(folder + '/' + name);
+        const std::vector<float> times = siemensSliceTimes(bytesOf(file), slices);
         ASSERT_EQ(times.size(), size_t(slices)) << name.toStdString();
         EXPECT_NEAR(times[0], first, 1e-3);
         EXPECT_NEAR(times[1], second, 1e-3);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "intake/similar_files.h"
 
-#include "dicom_bytes.h"
 #include "intake_run.h"
 
 #include <QDir>
@@ -28,19 +27,13 @@ TEST(SimilarNames, AreToldWithWhatIsOther) {
          {R"(Compressed: 2 names from "Run-0001.dcm.GZ" to "run-0001.dcm.7z")"}},
         {{"run-0001.dcm"}, {".run-0001.dcm.Xa1"}, {R"(Longer name: ".run-0001.dcm.Xa1")"}},
         {{"I.01"}, {"MRI.01"}, {R"(Longer name: "MRI.01")"}},
-        {{"I.1"}, {"MRI.1"}, {R"(Only other files: "MRI.1")"}},
         {{"run-0001.dcm"}, {"run-1.dcm"}, {R"(Other number of digits: "run-1.dcm")"}},
-        {{"I.003"}, {"I.004"}, {R"(Other number: "I.004")"}},
         {{"run-0003.dcm"},
          {"run-0010.dcm", "run-9.dcm", "run-0011.dcm"},
          {R"(Other number: 3 names from "run-9.dcm" to "run-0011.dcm")"}},
         {{"scan-0007.dcm"}, {"run_7.dcm", "ep2d_0007.dcm"}, {R"(Other prefix: "ep2d_0007.dcm")"}},
-        {{"scan-0007.dcm"}, {"ep2d_0007.xcm"}, {R"(Only other files: "ep2d_0007.xcm")"}},
         {{"run.dcm"}, {"test.dcm"}, {R"(Only other files: "test.dcm")"}},
         {{"run-1.dcm"}, {"run-1.dcm", "test.txt"}, {}},
-        {{"1-1", "run-1-1"},
-         {"RUN-1-1", "1-2"},
-         {R"(Other case: "RUN-1-1")", R"(Other number: "1-2")"}},
         // Files of the same series first, then the same image of another series, then all others.
         {{"1_5_46.dcm"},
          {"1_4_46.dcm", "1_4_45.dcm", "1_5_45.dcm", "1_5_44.dcm"},
@@ -69,15 +62,11 @@ TEST_F(SimilarFiles, TellWhyTheFileItselfIsNotTaken) {
     put("run-0001.dcm", 1999);
     put("test.txt", 10);
     EXPECT_EQ(look(), line(R"(Too small, 1,999 of at least 2,000 bytes: "run-0001.dcm")"));
-    put("run-0001.dcm", 2000);
-    EXPECT_EQ(look(false), look());
     put("run-0001.dcm", 2001);
     EXPECT_EQ(look(), line(R"(It is still changing, or not complete: "run-0001.dcm")"));
     EXPECT_EQ(look(false), line(R"(Too large, 2,001 of exactly 2,000 bytes: "run-0001.dcm")"));
     QFile::remove(folder.filePath("run-0001.dcm"));
     QFile::remove(folder.filePath("test.txt"));
-    ASSERT_TRUE(QDir(folder.path()).mkdir("exam1"));
-    EXPECT_EQ(look(), line(R"(Only folders: "exam1")"));
     ASSERT_TRUE(QDir(folder.path()).mkdir("run-0001.dcm"));
     EXPECT_EQ(look(), line(R"(Not a file: "run-0001.dcm")"));
 }
@@ -85,8 +74,6 @@ TEST_F(SimilarFiles, TellWhyTheFileItselfIsNotTaken) {
 TEST_F(SimilarFiles, AreLookedForInAllFolders) {
     put("run-0002.dcm", 10);
     const QString here = folder.path() + '/';
-    EXPECT_EQ(similarFiles({{here + "run-0001.dcm", here + "run-0003.dcm"}, 10, true}, pump),
-              (QStringList{R"(Other number: "run-0002.dcm")"}));
     EXPECT_EQ(similarFiles({{"/none/run-0001.dcm", here + "run-0001.dcm"}, 10, true}, pump),
               (QStringList{"/none/: The folder does not exist",
                            here + R"(: Other number: "run-0002.dcm")"}));
@@ -99,6 +86,9 @@ TEST_F(SimilarFiles, FillFiveLinesAtMost) {
     const QStringList lines = look();
     ASSERT_EQ(lines.size(), 5);
     EXPECT_EQ(lines.last(), "And more");
+    for (const char* name : {"run-2.dcm", "a-0001.dcm"})
+        ASSERT_TRUE(QFile::remove(folder.filePath(name)));
+    EXPECT_EQ(look().filter("And more"), QStringList());
 }
 
 /// Its clock moves at each look at it.
@@ -140,9 +130,8 @@ TEST(FileWaits, AreToldAsLongAsTheyLast) {
                 latest = run.state.fileWait;
             });
         ASSERT_TRUE(run.reader()->readFirstVolume()) << type;
-        EXPECT_EQ(told, (std::vector<bool>{true, true})) << type;
+        ASSERT_EQ(told, (std::vector<bool>{true, true})) << type;
         EXPECT_FALSE(run.state.fileWait);
-        ASSERT_TRUE(latest);
         EXPECT_TRUE(latest->file.names.contains(run.path(name)));
         EXPECT_EQ(latest->start, 0);
         EXPECT_EQ(latest->timeOutMilliseconds, 1000);

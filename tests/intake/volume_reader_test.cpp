@@ -3,8 +3,6 @@
 
 #include "raw_samples.h"
 
-namespace {
-
 TEST(MosaicReader, LastKeyCountsAndLoopSwapsTheSquareOfItsOwnResolution) {
     const QByteArray thumbnail = DicomBytes().pixels(countedFrom(0, 9)).bytes;
     for (const int resolution : {1, 0, -5, 46340}) {
@@ -46,5 +44,3 @@ TEST(SliceReader, FirstKeyCountsAndLoopGoesByTheSettledOrder) {
     ASSERT_TRUE(reader->readVolume(0));
     EXPECT_EQ(run.project.volumes[0][0], 0x102);
 }
-
-} // namespace

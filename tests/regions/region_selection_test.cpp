@@ -17,20 +17,13 @@ Voxels asTriples(const VoxelList& list) {
 }
 
 TEST(RegionSelection, SlicesAroundTheChosenOne) {
-    struct Case {
-        int slice;
-        int count;
-        int first;
-        int last;
-    };
-    const Case cases[] = {{3, 1, 3, 3},  {3, 2, 3, 4},       {3, 3, 2, 4},  {3, 4, 2, 5},
-                          {3, 5, 1, 5},  {0, 3, 0, 1},       {7, 4, 6, 7},  {8, 3, 7, 7},
-                          {3, 0, 3, 3},  {3, INT_MAX, 0, 7}, {8, 1, 0, -1}, {-1, 1, 0, -1},
-                          {-1, 2, 0, 0}, {INT_MAX, 3, 0, -1}};
-    for (const Case& test : cases) {
-        const SliceRange range = selectedSlices(test.slice, test.count, 8);
-        EXPECT_EQ(std::pair(range.first, range.last), std::pair(test.first, test.last))
-            << "slice " << test.slice << ", " << test.count << " slices";
+    const std::array<int, 4> cases[] = {{3, 1, 3, 3},  {3, 2, 3, 4},       {3, 3, 2, 4},
+                                        {3, 4, 2, 5},  {0, 3, 0, 1},       {7, 4, 6, 7},
+                                        {3, 0, 3, 3},  {3, INT_MAX, 0, 7}, {8, 1, 0, -1},
+                                        {-1, 2, 0, 0}, {INT_MAX, 3, 0, -1}};
+    for (const auto& [slice, count, first, last] : cases) {
+        const SliceRange range = selectedSlices(slice, count, 8);
+        EXPECT_EQ(std::pair(range.first, range.last), std::pair(first, last)) << slice;
     }
 }
 
@@ -62,49 +55,37 @@ TEST(RegionSelection, TakesActiveVoxelsOrElseAll) {
         int nrOfSlices = 1;
         bool onlyMapVoxels = false;
         bool plugins = false;
-        std::function<void(StatisticalMaps&)> change = [](StatisticalMaps&) {};
     };
     const Voxels four = {{2, 1, 1}, {3, 1, 1}, {2, 2, 1}, {3, 2, 1}};
-    const Case cases[] = {
-        {"cluster", {1, 1, 4, 0, 3}, {{2, 1, 1}}, 3},
-        {"corners in any order", {1, 4, 1, 3, 0}, {{2, 1, 1}}},
-        {"the far ends are outside", {1, 0, 2, 0, 1}, {{0, 0, 1}, {1, 0, 1}}},
-        {"smaller clusters", {1, 3, 4, 1, 3}, {{3, 1, 1}, {3, 2, 1}}},
-        {"no cluster sizes", {2, 2, 3, 1, 3}, {{2, 1, 2}, {2, 2, 2}}},
-        {"no active contrast",
-         {1, 2, 4, 1, 3},
-         four,
-         1,
-         false,
-         false,
-         [](StatisticalMaps& maps) { maps.NrOfActiveContrasts = 0; }},
-        {"no maps",
-         {1, 2, 4, 1, 3},
-         four,
-         1,
-         false,
-         false,
-         [](StatisticalMaps& maps) { maps.ContrastMaps.release(); }},
-        {"plug-ins", {1, 0, 5, 0, 4}, {{1, 1, 1}, {3, 2, 2}}, 2, true, true},
-        {"plug-ins, not asked for", {1, 0, 5, 0, 4}, {{2, 1, 1}}, 2, false, true},
-        {"asked for, no plug-ins", {1, 0, 5, 0, 4}, {{2, 1, 1}}, 2, true, false},
-        {"nothing in plug-ins", {1, 2, 4, 1, 3}, four, 1, true, true},
-        {"zero width", {1, 2, 2, 0, 4}, {}},
-        {"zero height", {1, 0, 4, 3, 3}, {}},
-        {"a corner outside", {0, -5, 1, 3, 90}, {{0, 3, 0}}},
-        {"outside", {0, 5, 8, 0, 4}, {}},
-        {"other slice", {3, 0, 5, 0, 4}, {}},
-        {"far away", {INT_MIN, INT_MIN, INT_MAX, INT_MIN, INT_MIN}, {}},
-    };
+    const Case cases[] = {{"cluster", {1, 1, 4, 0, 3}, {{2, 1, 1}}, 3},
+                          {"corners in any order", {1, 4, 1, 3, 0}, {{2, 1, 1}}},
+                          {"the far ends are outside", {1, 0, 2, 0, 1}, {{0, 0, 1}, {1, 0, 1}}},
+                          {"smaller clusters", {1, 3, 4, 1, 3}, {{3, 1, 1}, {3, 2, 1}}},
+                          {"no cluster sizes", {2, 2, 3, 1, 3}, {{2, 1, 2}, {2, 2, 2}}},
+                          {"plug-ins", {1, 0, 5, 0, 4}, {{1, 1, 1}, {3, 2, 2}}, 2, true, true},
+                          {"plug-ins, not asked for", {1, 0, 5, 0, 4}, {{2, 1, 1}}, 2, false, true},
+                          {"asked for, no plug-ins", {1, 0, 5, 0, 4}, {{2, 1, 1}}, 2, true, false},
+                          {"nothing in plug-ins", {1, 2, 4, 1, 3}, four, 1, true, true},
+                          {"zero width", {1, 2, 2, 0, 4}, {}},
+                          {"zero height", {1, 0, 4, 3, 3}, {}},
+                          {"a corner outside", {0, -5, 1, 3, 90}, {{0, 3, 0}}},
+                          {"outside", {0, 5, 8, 0, 4}, {}},
+                          {"other slice", {3, 0, 5, 0, 4}, {}},
+                          {"far away", {INT_MIN, INT_MIN, INT_MAX, INT_MIN, INT_MIN}, {}}};
     for (const Case& test : cases) {
         Selection selection;
-        test.change(selection.contrasts);
         if (test.plugins)
             selection.maps.pluginMaps = {selection.firstPlugin, selection.secondPlugin};
         EXPECT_EQ(asTriples(selectROIVoxels(selection.maps, test.onlyMapVoxels, test.nrOfSlices,
                                             test.rectangle)),
                   test.expected)
             << test.name;
+    }
+    for (const bool noMaps : {false, true}) {
+        Selection selection;
+        noMaps ? selection.contrasts.ContrastMaps.release()
+               : void(selection.contrasts.NrOfActiveContrasts = 0);
+        EXPECT_EQ(asTriples(selectROIVoxels(selection.maps, false, 1, {1, 2, 4, 1, 3})), four);
     }
 }
 

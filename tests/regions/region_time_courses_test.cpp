@@ -79,45 +79,32 @@ TEST_P(RegionTimeCourse, HasItsHistoryAtOnce) {
     const RegionOfInterest& region = create(4);
     expectMeans(region, firstPositions(voxels.size()), 4);
     EXPECT_EQ(region.NrOfValues(), 6);
-    EXPECT_EQ(region.voxels, voxels);
     EXPECT_EQ((std::array{region.FromSlice, region.Left, region.Right, region.Top, region.Bottom}),
               (std::array{3, 6, 2, 4, 8}));
     EXPECT_EQ(region.TopVoxelRatio, 0.25f);
     EXPECT_EQ(region.TopVoxelSelectionMode, 3);
     EXPECT_EQ(&regions[0], &region);
-    std::vector<int64_t> sums(1);
-    addVoxelTimeCourses(project, voxels, sums);
-    EXPECT_EQ(float(double(sums[0]) / double(voxels.size())), region.TimeCourseValues[0]);
 }
 
 TEST_P(RegionTimeCourse, FollowsTheBestVoxelsThroughItsWholeHistory) {
     RegionOfInterest& region = create(1);
-    const size_t count = voxels.size();
-    const std::vector<int> all = firstPositions(count);
+    const std::vector<int> all = firstPositions(voxels.size());
     std::vector<int> ranking(all.rbegin(), all.rend());
-    const auto update = [&](int volumes, bool best) {
-        region.SortedVoxelList = ranking;
-        updateTimeCourse(region, project, volumes, best);
-    };
     // A quarter, rounded: 120 - 2 voxels give 29.5.
-    const size_t quarter = size_t(std::lround(double(count) / 4));
-    const auto expectBest = [&](int volumes) {
-        update(volumes, true);
+    const size_t quarter = size_t(std::lround(double(voxels.size()) / 4));
+    const auto expectBest = [&](int volumes, int stated) {
+        region.SortedVoxelList = ranking;
+        updateTimeCourse(region, project, stated, true);
         expectMeans(region, std::span(ranking).first(quarter), volumes);
     };
-    expectBest(2);
+    expectBest(2, 2);
     std::swap(ranking[0], ranking[quarter]); // few voxels change
-    std::swap(ranking[1], ranking[2]);
-    expectBest(4);
+    expectBest(4, 4);
     std::ranges::rotate(ranking, ranking.begin() + 40); // many do
-    expectBest(4);
-    update(6, false);
+    expectBest(4, 4);
+    updateTimeCourse(region, project, 6, false);
     expectMeans(region, all, 6);
-    update(99, true); // more than there are
-    expectMeans(region, std::span(ranking).first(quarter), 6);
-    ranking.clear();
-    update(6, true);
-    expectMeans(region, all, 6);
+    expectBest(6, 99); // more than there are
 }
 
 // Only forget() makes it look again at volumes whose sums it has.
@@ -137,27 +124,18 @@ TEST_P(RegionTimeCourse, ReadsAVolumeOnceWhileItsVoxelsStay) {
 }
 
 TEST(VoxelsInUse, AreTheFirstOfTheSortedList) {
-    struct Case {
-        bool best;
-        int voxels;
-        float ratio;
-        size_t listed;
-        size_t used; ///< 0 for all
-    };
-    const Case cases[] = {{true, 10, 0.34f, 10, 3}, {true, 10, 0.35f, 10, 4},
-                          {true, 10, 0.04f, 10, 1}, {true, 10, 0.0f, 10, 1},
-                          {true, 2, 0.5f, 2, 1},    {true, 10, 0.5f, 3, 3},
-                          {true, 10, 1.0f, 10, 0},  {true, 1, 0.5f, 1, 0},
-                          {true, 10, 0.5f, 0, 0},   {false, 10, 0.5f, 10, 0}};
-    for (const Case& test : cases) {
+    // Voxels, their share, how many are listed and used; 0 for all.
+    const std::tuple<int, float, size_t, size_t> cases[] = {
+        {10, 0.34f, 10, 3}, {10, 0.35f, 10, 4}, {10, 0.0f, 10, 1}, {2, 0.5f, 2, 1},
+        {10, 0.5f, 3, 3},   {10, 1.0f, 10, 0},  {1, 0.5f, 1, 0},   {10, 0.5f, 0, 0}};
+    for (const auto& [voxels, ratio, listed, nrUsed] : cases) {
         RegionOfInterest region;
-        for (int x = 0; x < test.voxels; ++x)
+        for (int x = 0; x < voxels; ++x)
             region.voxels.append(x, 0, 0);
-        region.TopVoxelRatio = test.ratio;
-        region.SortedVoxelList = firstPositions(test.listed);
-        const std::span<const int> used = voxelsInUse(region, test.best);
-        EXPECT_EQ(used.size(), test.used) << test.voxels << " voxels, ratio " << test.ratio;
-        EXPECT_TRUE(std::ranges::equal(used, firstPositions(test.used)));
+        region.TopVoxelRatio = ratio;
+        region.SortedVoxelList = firstPositions(listed);
+        EXPECT_TRUE(std::ranges::equal(voxelsInUse(region, true), firstPositions(nrUsed))) << ratio;
+        EXPECT_TRUE(voxelsInUse(region, false).empty());
     }
 }
 

@@ -7,8 +7,6 @@
 #include <limits>
 #include <set>
 
-namespace {
-
 TEST(Clusters, ShapesHaveTheSizesThatTheRulesGive) {
     using Case = std::tuple<const char*, std::vector<std::string>, std::set<int>>;
     std::vector<std::string> speckles(220, std::string(220, '.'));
@@ -37,15 +35,15 @@ TEST(Clusters, ShapesHaveTheSizesThatTheRulesGive) {
 }
 
 TEST(Clusters, StateAndSliceDecideWhatIsShown) {
-    using Case = std::tuple<int, float, bool>;
-    for (const auto& [state, value, shown] :
-         {Case{1, 5.0f, true},
-          {1, -5.0f, false},
-          {2, 5.0f, false},
-          {2, -5.0f, true},
-          {3, -3.0f, true},
-          {3, 2.99f, false},
-          {3, std::numeric_limits<float>::quiet_NaN(), false}}) {
+    const std::tuple<int, float, bool> cases[] = {
+        {1, 5.0f, true},
+        {1, -5.0f, false},
+        {2, 5.0f, false},
+        {2, -5.0f, true},
+        {3, -3.0f, true},
+        {3, 2.99f, false},
+        {3, std::numeric_limits<float>::quiet_NaN(), false}};
+    for (const auto& [state, value, shown] : cases) {
         StatisticalMaps maps = mapsInUse(2, 2, 3, 1, state);
         std::ranges::fill(maps.map(0), value);
         OverlayThresholds thresholds{3.0f, -1.0f, 0};
@@ -60,5 +58,3 @@ TEST(Clusters, StateAndSliceDecideWhatIsShown) {
         }
     }
 }
-
-} // namespace

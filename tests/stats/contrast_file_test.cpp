@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/contrast_file.h"
 
-#include "base/text_reading.h"
+#include "support/files.h"
 #include "support/test_data.h"
 
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -39,9 +38,7 @@ TEST(ContrastFile, IsWrittenInItsLayoutAndReadBack) {
     QTemporaryDir folder;
     const QString path = folder.filePath("run.ctr");
     ASSERT_TRUE(writeContrastFile(path, twoContrasts(), 3));
-    QString text;
-    ASSERT_TRUE(readTextFile(path, text));
-    EXPECT_EQ(text, versionThree);
+    EXPECT_EQ(QString(contentOf(path)), versionThree);
     ContrastDefinitions read;
     ASSERT_TRUE(readContrastFile(path, read, threeConditions(), 3));
     EXPECT_EQ(read.ContrastNames, QStringList({"A vs. Rest", "B 'odd'"}));

@@ -4,9 +4,9 @@
 
 #include "base/file_writing.h"
 #include "stats/maps_in_use.h"
+#include "support/files.h"
 #include "support/scripted_messages.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 
 namespace {
@@ -30,12 +30,6 @@ ContrastDefinitions exampleContrasts() {
     contrasts.ContrastNames = {"", "Hände vs. Ruhe"};
     contrasts.ContrastColors = {{1, 2, 3}, {255, 300, 0}};
     return contrasts;
-}
-
-QByteArray contentOf(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return file.readAll();
 }
 
 TEST(MapFile, KeepsTheMapsInUse) {
@@ -79,7 +73,7 @@ TEST(MapFile, RefusesWhatIsDamaged) {
         QByteArray bytes = good;
         bytes.replace(offset, 4, QByteArray::fromHex(replacement));
         ASSERT_TRUE(writeFileAtomically(path, bytes));
-        messages.expect(MessageLevel::Critical, message);
+        messages.expectCritical(message);
         EXPECT_FALSE(readMapFile(path, file)) << offset;
     }
     messages.acceptAnything();

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
 TEST(Probabilities, AgreeWithPublishedTables) {
     // Critical values of Student's t, two-tailed, and of F, upper tail, as statistics books print
     // them: three decimals for t, two for F.
@@ -56,5 +54,3 @@ TEST(ThresholdTexts, ShowTheValueAndItsProbability) {
     EXPECT_EQ(singleRunPanelText(12, 21.96, "T"),
               " volume <b>12</b>,  elapsed time: <b>  22.0</b> secs<br> T<br><br> Ready.<br>");
 }
-
-} // namespace

@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/design_matrix.h"
 
-#include "base/text_reading.h"
+#include "support/files.h"
 #include "support/scripted_messages.h"
 
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -63,11 +62,10 @@ TEST(PredictorNames, ConditionsBeyondTheTableAreLeftOutWithOneWarning) {
         addCondition(protocol, QString("c%1").arg(i), {{i + 1, i + 1}});
     QTemporaryDir folder;
     ScriptedMessages messages;
-    messages.expect(MessageLevel::Warning,
-                    "WARNING: The protocol has more conditions than the design matrix has "
-                    "columns; only the first 49 conditions are modelled.");
-    messages.expect(MessageLevel::Warning, "WARNING: The design matrix has no columns for 1 drift "
-                                           "predictors; only 0 are modelled.");
+    messages.expectWarning("WARNING: The protocol has more conditions than the design matrix has "
+                           "columns; only the first 49 conditions are modelled.");
+    messages.expectWarning("WARNING: The design matrix has no columns for 1 drift "
+                           "predictors; only 0 are modelled.");
     DesignMatrix design;
     const DesignSource source{.protocol = protocol, .NrOfVolumes = 70};
     for (int repetition = 0; repetition < 2; ++repetition)
@@ -173,9 +171,8 @@ TEST(Design, ConfoundsFollowTheirFormulasAndTheDesignIsWritten) {
                             std::cos(3.1425 * double(c) * double(t) / 8.0), 1e-6);
         }
     }
-    QString text;
-    ASSERT_TRUE(readTextFile(folder.filePath("Realtime_DesignMatrix.txt"), text));
-    EXPECT_TRUE(text.startsWith("0.000000  0.000000  1.000000  1.000000  1.000000  1.000000  \n"));
+    EXPECT_TRUE(contentOf(folder.filePath("Realtime_DesignMatrix.txt"))
+                    .startsWith("0.000000  0.000000  1.000000  1.000000  1.000000  1.000000  \n"));
 }
 
 TEST(Onsets, OrderColumnsAndSpaceTheGrowthOfTheModel) {

@@ -5,8 +5,6 @@
 #include "stats/glm_run.h"
 #include "support/scripted_messages.h"
 
-namespace {
-
 TEST(GLMContrasts, AppearAtTheSolutionAfterTheirOnset) {
     GLMTestRun run(40);
     run.addCondition(25, 8);
@@ -38,11 +36,12 @@ TEST(GLMContrasts, AppearAtTheSolutionAfterTheirOnset) {
 
 TEST(BrainMask, HoldsInnerSlicesReadAsUnsigned) {
     GLMTestRun run(1);
+    // In the outer slices, at the threshold, above it; -1 is 65535.
     const std::tuple<size_t, int16_t, bool> cases[] = {{3, 5000, false},
-                                                       {4 * 42 + 3, 5000, false}, // outer slices
+                                                       {4 * 42 + 3, 5000, false},
                                                        {42, 100, false},
-                                                       {43, 101, true}, // above the threshold
-                                                       {44, -1, true}}; // 65535
+                                                       {43, 101, true},
+                                                       {44, -1, true}};
     for (const auto& [voxel, sample, inside] : cases)
         run.project.volumes[0][voxel] = sample;
     ASSERT_TRUE(createBrainMask(run.mask, run.project, 100));
@@ -69,5 +68,3 @@ TEST(GLMUpdate, NoDegreesOfFreedomAndFiftyPredictors) {
     }
     EXPECT_EQ(run.maps.MapDF1, 10);
 }
-
-} // namespace

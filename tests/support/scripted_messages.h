@@ -19,6 +19,9 @@ public:
 
     /// A message, modal or modeless, with this title.
     void expect(MessageLevel level, const QString& text, const QString& title = programTitle);
+    void expectWarning(const QString& text) { expect(MessageLevel::Warning, text); }
+    void expectCritical(const QString& text) { expect(MessageLevel::Critical, text); }
+    void expectInformation(const QString& text) { expect(MessageLevel::Information, text); }
     void expectQuestion(const QString& text, bool answer, const QString& title = programTitle);
     void expectAnnouncement(const QString& text);
     /// Of a file to open or to save, blocking or modeless; an empty answer cancels.

@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/fmr_file.h"
 
-#include "base/text_reading.h"
+#include "support/files.h"
 #include "support/scripted_messages.h"
+#include "support/test_data.h"
 
 #include <QTemporaryDir>
 
@@ -11,10 +12,7 @@ namespace {
 
 /// One of the headers that the parser's fuzz target starts from.
 QString sampleHeader(const char* version) {
-    QString text;
-    EXPECT_TRUE(readTextFile(
-        QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/fmr/version%1.fmr").arg(version), text));
-    return text;
+    return corpusText(QString("fmr/version%1.fmr").arg(version));
 }
 
 FMRHeader parsed(const QString& text, FMRScope scope = FMRScope::Project) {
@@ -92,8 +90,7 @@ TEST(FMRFile, WritesWhatItReads) {
     ASSERT_TRUE(writeFMRHeader(project, path, 21));
     EXPECT_EQ(project.Prefix, "run");
     EXPECT_EQ(project.sliceGap, 0.0f);
-    QString text;
-    ASSERT_TRUE(readTextFile(path, text));
+    const QString text = contentOf(path);
     EXPECT_TRUE(text.startsWith("\nFileVersion:                   5\n"
                                 "NrOfVolumes:                   21\n"
                                 "NrOfSlices:                    3\n"
@@ -115,8 +112,7 @@ TEST(FMRFile, WritesWhatItReads) {
     EXPECT_EQ(again.sliceThickness, 1.0f / 3.0f);
     project.Prefix = "";
     ASSERT_TRUE(writeFMRHeader(project, path, 500));
-    ASSERT_TRUE(readTextFile(path, text));
-    EXPECT_TRUE(text.contains("Prefix:                        \"<none>\"\n"));
+    EXPECT_TRUE(contentOf(path).contains("Prefix:                        \"<none>\"\n"));
 }
 
 TEST(FMRFile, FailuresHaveTheirMessages) {
@@ -126,18 +122,17 @@ TEST(FMRFile, FailuresHaveTheirMessages) {
     const QString blocked = folder.filePath("file/run.fmr");
     QFile file(folder.filePath("file"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    messages.expect(MessageLevel::Warning,
-                    QString("ERROR: Can not open FMR file \"%1\" for writing!").arg(blocked));
+    messages.expectWarning(
+        QString("ERROR: Can not open FMR file \"%1\" for writing!").arg(blocked));
     EXPECT_FALSE(writeFMRHeader(project, blocked, 1));
     FMRHeader header;
     header.NrOfSlices = 77;
-    messages.expect(MessageLevel::Warning,
-                    "ERROR - Can not read FMR file - unexpected tokens encountered!");
+    messages.expectWarning("ERROR - Can not read FMR file - unexpected tokens encountered!");
     EXPECT_FALSE(readFMRHeader(file.fileName(), header));
     file.write("FileVersion: 9\n");
     file.close();
-    messages.expect(MessageLevel::Warning, "ERROR - Unsupported FMR file version\n\nOnly file "
-                                           "versions \"1\" - \"5\" supported!");
+    messages.expectWarning("ERROR - Unsupported FMR file version\n\nOnly file "
+                           "versions \"1\" - \"5\" supported!");
     EXPECT_FALSE(readFMRHeader(file.fileName(), header));
     EXPECT_EQ(header.NrOfSlices, 77);
 }

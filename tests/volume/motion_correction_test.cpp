@@ -2,15 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/motion_correction.h"
 
+#include "support/files.h"
 #include "support/scripted_messages.h"
 #include "volume/fmr_file.h"
 #include "volume/head_volume.h"
-#include "volume/motion_correction.h"
 #include "volume/stc_file.h"
 
 #include <QDir>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 #include <optional>
 
 namespace {
@@ -63,24 +62,21 @@ protected:
 } // namespace
 
 TEST_F(MotionCorrectionTest, FollowsTheHead) {
-    const struct {
-        std::array<float, 6> whole; ///< at the last volume
-        float jumpAt;               ///< part of the run; a drift where negative
-        double bound;               ///< of the mean error in mm and degrees
-    } cases[] = {
+    // The motion at the last volume; the part of the run at which it comes, or a drift; the bound
+    // of the mean error in mm and degrees. The method takes small steps, and so some volumes to
+    // follow a jump.
+    const std::tuple<std::array<float, 6>, float, double> cases[] = {
         {{0.4f, -0.6f, 0.7f, 0.6f, -0.3f, 0.5f}, -1.0f, 0.03},
-        // The method takes small steps, and so some volumes to follow.
-        {{1.0f, 0, 0, 0, 0, 1.0f}, 0.3f, 0.07},
-    };
+        {{1.0f, 0, 0, 0, 0, 1.0f}, 0.3f, 0.07}};
     constexpr int last = 15;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.bound);
+    for (const auto& [whole, jumpAt, bound] : cases) {
+        SCOPED_TRACE(bound);
         makeRun({64, 64, 25}, last + 1);
         double error[2] = {};
         for (int v = 0; v <= last; ++v) {
             const float done = float(v) / last;
-            const float part = c.jumpAt < 0.0f ? done : float(done >= c.jumpAt && v > 0);
-            std::array<float, 6> truth = c.whole;
+            const float part = jumpAt < 0.0f ? done : float(done >= jumpAt && v > 0);
+            std::array<float, 6> truth = whole;
             for (float& value : truth)
                 value *= part;
             measureHead(v, {truth[0], truth[1], truth[2], truth[3], truth[4], truth[5]});
@@ -96,8 +92,8 @@ TEST_F(MotionCorrectionTest, FollowsTheHead) {
                 EXPECT_EQ(copyOf(v), moved);
             }
         }
-        EXPECT_LE(error[0], c.bound);
-        EXPECT_LE(error[1], c.bound);
+        EXPECT_LE(error[0], bound);
+        EXPECT_LE(error[1], bound);
         EXPECT_EQ(parametersOf(0), std::vector<float>(6, 0.0f));
         EXPECT_FALSE(failed);
     }
@@ -125,8 +121,7 @@ TEST_F(MotionCorrectionTest, VolumesWhoseLogCanNotBeWrittenStayAsTheyAre) {
         measureHead(v, {0.3f * float(v)});
         const std::vector<int16_t> measured = copyOf(v);
         if (v == 1) { // the operator is told once
-            messages.expect(MessageLevel::Warning,
-                            "ERROR: Can not open motion correction log file.");
+            messages.expectWarning("ERROR: Can not open motion correction log file.");
         }
         if (v == 3) {
             ASSERT_TRUE(QDir().rmdir(folder.filePath("run_3DMC.log")));
@@ -134,9 +129,7 @@ TEST_F(MotionCorrectionTest, VolumesWhoseLogCanNotBeWrittenStayAsTheyAre) {
         correct(v);
         EXPECT_EQ(copyOf(v) == measured, v < 3) << v;
     }
-    QFile log(folder.filePath("run_3DMC.log"));
-    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-    const QByteArray lines = log.readAll();
+    const QByteArray lines = contentOf(folder.filePath("run_3DMC.log"));
     EXPECT_EQ(lines.count("InterpolationMethod"), 1);
     EXPECT_EQ(lines.count("-> volume:"), 2);
 }
@@ -172,9 +165,9 @@ TEST_F(MotionCorrectionTest, TargetOfAnotherRunMustFit) {
     for (int FMRHeader::*size :
          {&FMRHeader::ResolutionX, &FMRHeader::ResolutionY, &FMRHeader::NrOfSlices}) {
         ++(project.*size);
-        messages.expect(MessageLevel::Warning,
-                        "The provided across-run, same-session target FMR file does not match "
-                        "current (source) FMR file!");
+        messages.expectWarning(
+            "The provided across-run, same-session target FMR file does not match "
+            "current (source) FMR file!");
         EXPECT_FALSE(loadIntraSessionTarget(project.projectPath, project, *motion));
         --(project.*size);
     }

@@ -2,12 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/postprocessing_choices.h"
 
+#include "support/files.h"
 #include "volume/postprocessing_names.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -64,7 +63,6 @@ TEST(PostprocessingChoices, TextsNameOrderSizesAndFiles) {
               "Slices in the order 2, 4, 6, 8, 10, 12 ... 21, 23, 25; one every 80 ms of a TR of "
               "2000 ms");
     EXPECT_EQ(runSizeText(header(), 40), "40 volumes of 64 x 48 x 25 voxels, TR 2000 ms");
-
     QTemporaryDir folder;
     PostprocessingOptions options;
     options.sliceScanTime.checked = true;
@@ -73,10 +71,9 @@ TEST(PostprocessingChoices, TextsNameOrderSizesAndFiles) {
     };
     EXPECT_FALSE(files().replaceOthers);
     for (const char* existing : {"run_SCCA.fmr", "slices_SCCA.stc"}) {
-        QFile file(folder.filePath(existing));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        writeFile(folder.filePath(existing), "");
         EXPECT_TRUE(files().replaceOthers) << existing;
-        EXPECT_TRUE(file.remove());
+        EXPECT_TRUE(QFile::remove(folder.filePath(existing)));
     }
 }
 

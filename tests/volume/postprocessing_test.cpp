@@ -46,12 +46,8 @@ private:
 } // namespace
 
 TEST(PostprocessingNames, RecordEveryChoice) {
-    PostprocessingOptions even = defaultPostprocessingOptions(24);
-    even.sliceScanTime.checked = true;
     const std::pair<QString, PostprocessingOptions> cases[] = {
-        {"_SCCAI2", even},
         {"_SCLM", {{true, true, false, true, false, false, false, true}, {}, {}}},
-        {"_FD2DSS12.35px", {{}, {true, false, true, false, 12.346f}, {}}},
         {"_SCCA_SD3DSS4.00mm_THPGLMF2c_TDTS 4.0s", allSteps()},
     };
     for (const auto& [marks, options] : cases) {
@@ -95,8 +91,8 @@ TEST_F(Postprocessing, LeavesTheRunWhenItIsCancelledOrCanNotBeDone) {
     options = allSteps();
     for (const float cycles : {10.0f, std::nanf("")}) {
         options.temporal.highPassCycles = cycles;
-        messages.expect(MessageLevel::Warning,
-                        cycles > 0 ? "ERROR: A high-pass filter with 10 sines/cosines needs at "
+        messages.expectWarning(cycles > 0
+                                   ? "ERROR: A high-pass filter with 10 sines/cosines needs at "
                                      "least 22 volumes, and the run has 20!"
                                    : "ERROR: The number of sines/cosines of the high-pass filter "
                                      "must be between 0 and 100!");

@@ -73,26 +73,24 @@ bool smoothWhole(FMRProject& run, const SpatialSmoothingOptions& options) {
 } // namespace
 
 TEST(SmoothVolume, IsBitForBitThePlainFormAndCloseToAConvolutionInDouble) {
-    const struct {
-        std::array<int, 3> size;
-        std::array<double, 3> widths;
-    } cases[] = {{{64, 64, 25}, {5 / 3.0, 5 / 3.0, 1.25}},
-                 {{37, 21, 9}, {2.5, 4.1, 3.0}},
-                 {{19, 40, 5}, {7.0, 0.3, 9.0}},
-                 {{5, 4, 3}, {56.0, 56.0, 56.0}},
-                 {{33, 1, 1}, {3.0, std::nan(""), -1.0}}};
+    const std::pair<std::array<int, 3>, std::array<double, 3>> cases[] = {
+        {{64, 64, 25}, {5 / 3.0, 5 / 3.0, 1.25}},
+        {{37, 21, 9}, {2.5, 4.1, 3.0}},
+        {{19, 40, 5}, {7.0, 0.3, 9.0}},
+        {{5, 4, 3}, {56.0, 56.0, 56.0}},
+        {{33, 1, 1}, {3.0, std::nan(""), -1.0}}};
     SpatialSmoothing smoothing; // with the memory of the case before
-    for (const auto& c : cases) {
-        FMRProject run = randomRun(c.size[0], c.size[1], c.size[2]);
-        const std::vector<uint16_t> plain = plainSmoothing<float, uint16_t>(run, c.widths);
+    for (const auto& [size, taken] : cases) {
+        FMRProject run = randomRun(size[0], size[1], size[2]);
+        const std::vector<uint16_t> plain = plainSmoothing<float, uint16_t>(run, taken);
         // The voxels are 3 x 3 x 4 mm, so that the first case is 5 mm.
-        const VoxelWidths widths{c.widths[0], c.widths[1], c.widths[2]};
-        ASSERT_TRUE(c.size[0] == 64 ? smoothing.smoothVolume(run, 0, 5.0f)
-                                    : smoothing.smoothVolume(run, 0, widths));
-        EXPECT_TRUE(std::ranges::equal(samplesOf(run), plain)) << c.size[0];
+        const VoxelWidths widths{taken[0], taken[1], taken[2]};
+        ASSERT_TRUE(size[0] == 64 ? smoothing.smoothVolume(run, 0, 5.0f)
+                                  : smoothing.smoothVolume(run, 0, widths));
+        EXPECT_TRUE(std::ranges::equal(samplesOf(run), plain)) << size[0];
 
-        FMRProject image = randomRun(c.size[0], c.size[1], c.size[2], 3000);
-        const std::vector<double> exact = plainSmoothing<double, double>(image, c.widths);
+        FMRProject image = randomRun(size[0], size[1], size[2], 3000);
+        const std::vector<double> exact = plainSmoothing<double, double>(image, taken);
         ASSERT_TRUE(smoothing.smoothVolume(image, 0, widths));
         for (size_t i = 0; i < exact.size(); ++i)
             ASSERT_NEAR(image.volumes[0][i], std::floor(exact[i] + 0.5), 1.0) << i;
@@ -147,11 +145,10 @@ TEST(SmoothRun, SmoothsInSpaceOrRefusesWithAMessage) {
     FMRProject run = randomRun(6, 5, 4);
     const std::vector<uint16_t> expected = plainSmoothing<float, uint16_t>(run, {2.0, 2.0, 0.0});
     EXPECT_TRUE(smoothWhole(run, {true, true, true, false, 2.0f}));
-    messages.expect(MessageLevel::Warning,
-                    "ERROR: The width of the spatial smoothing must be above 0!");
+    messages.expectWarning("ERROR: The width of the spatial smoothing must be above 0!");
     EXPECT_FALSE(smoothWhole(run, {true, true, false, true, std::nanf("")}));
     run.pixelSizeX = 0.0f;
-    messages.expect(MessageLevel::Warning, "ERROR: The project does not state the size*");
+    messages.expectWarning("ERROR: The project does not state the size*");
     EXPECT_FALSE(smoothWhole(run, {true, true, false, true, 4.0f}));
     EXPECT_TRUE(std::ranges::equal(samplesOf(run), expected));
 }

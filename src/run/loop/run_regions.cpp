@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/run_regions.h"
 
+#include "base/messages.h"
 #include "regions/region_betas.h"
 #include "regions/region_selection.h"
 #include "regions/region_time_courses.h"
 #include "run/loop/run_model.h"
 
 namespace {
+
+/// All voxels of a file's regions together, in whole volumes: a few lines of text can ask for
+/// hundreds of regions as large as a volume.
+constexpr size_t mostVolumesOfRegions = 8;
 
 VoxelList selectedVoxels(const RegionRun& run, const VoxelRectangle& rectangle) {
     const QtCortivoDoc& document = run.document;
@@ -52,10 +57,21 @@ bool addSelectedRegion(const RegionRun& run, const VoxelRectangle& rectangle) {
 
 void placeSavedRegions(const RegionRun& run, const SavedRegions& saved) {
     run.document.regions.clear();
-    for (const SavedRegion& state : saved.regions) {
+    size_t room = mostVolumesOfRegions * run.document.project.size().samples();
+    for (size_t i = 0; i < saved.regions.size(); ++i) {
+        const SavedRegion& state = saved.regions[i];
         VoxelList voxels = state.voxels ? *state.voxels : selectedVoxels(run, state.rectangle);
         if (voxels.size() == 0)
             continue;
+        if (voxels.size() > room) {
+            showModelessWarning(
+                QStringLiteral("WARNING: The regions of interest have more voxels than %1 whole "
+                               "volumes. The last %2 regions are left out.")
+                    .arg(mostVolumesOfRegions)
+                    .arg(saved.regions.size() - i));
+            break;
+        }
+        room -= voxels.size();
         RegionOfInterest& region = addRegion(run, std::move(voxels), state.rectangle);
         region.TopVoxelRatio = state.TopVoxelRatio.value_or(region.TopVoxelRatio);
         region.TopVoxelSelectionMode =

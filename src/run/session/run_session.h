@@ -93,6 +93,9 @@ public:
     void showOnFirstVolume();
     void showOnCurrentVolume();
     void showOnInplanes();
+    /// The current volume is shown as it was measured, or after its correction and smoothing; from
+    /// the next volume on.
+    void showBeforePreprocessing(bool on);
 
     /// Threshold and volume text of the panel between runs; empty without a document.
     [[nodiscard]] QString panelText();

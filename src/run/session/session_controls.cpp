@@ -139,6 +139,10 @@ void RunSession::showOnInplanes() {
     display_.updateViews();
 }
 
+void RunSession::showBeforePreprocessing(bool on) {
+    requests.overlayAfterPreprocessing = !on;
+}
+
 QString RunSession::panelText() {
     if (!functionalDocument)
         return {};

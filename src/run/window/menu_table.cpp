@@ -82,6 +82,10 @@ bool onInplanes(VeloCortivo& window) {
     return window.session().requests.pendingOverlayInplane == 1;
 }
 
+bool showsBeforePreprocessing(VeloCortivo& window) {
+    return !window.session().requests.overlayAfterPreprocessing;
+}
+
 bool onFirstVolume(VeloCortivo& window) {
     return !onInplanes(window) && window.session().requests.overlayVolumeMode == 0;
 }
@@ -146,7 +150,8 @@ constexpr MenuEntry entries[] = {
     {.menu = "&View", .text = "Surface View", .slot = &Window::slotSwitchToSurfaceView, .phase = Later, .endsSection = separator, .toolTip = "Surfaces come in a later version"},
     {"&View", "Overlay On First Func Volume", &Window::slotShowOnEPIs, Always, nullptr, MenuGroup::Overlay, onFirstVolume},
     {"&View", "Overlay On Current Func Volume", &Window::slotShowOnCurrentEPIs, Always, nullptr, MenuGroup::Overlay, onCurrentVolume},
-    {"&View", "Overlay On Inplanes", &Window::slotShowOnInplanes, Always, inplanesExist, MenuGroup::Overlay, onInplanes, separator},
+    {"&View", "Overlay On Inplanes", &Window::slotShowOnInplanes, Always, inplanesExist, MenuGroup::Overlay, onInplanes},
+    {"&View", "Current Func Volume Before Preprocessing", &Window::slotToggleBeforePreprocessing, Always, nullptr, MenuGroup::Toggle, showsBeforePreprocessing, separator, "Show each current volume as it was measured, instead of after motion correction and smoothing, from the next one on"},
     {"&View", "Show ROIs With Rectangles", &Window::onShowROIsAsRectangles, Always, nullptr, MenuGroup::RegionStyle, showsRectangles},
     {"&View", "Show ROIs With Highlighted Voxels", &Window::onShowROIsAsMarkedVoxels, Always, nullptr, MenuGroup::RegionStyle, showsMarkedVoxels},
     {"&View", "Show ROIs With Rectangles And Highlighted Voxels", &Window::onShowROIsAsRectanglesAndMarkedVoxels, Always, nullptr, MenuGroup::RegionStyle, showsBoth, separator},

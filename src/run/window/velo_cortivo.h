@@ -114,6 +114,9 @@ public Q_SLOTS:
     void slotShowOnEPIs() { session_.showOnFirstVolume(); }
     void slotShowOnCurrentEPIs() { session_.showOnCurrentVolume(); }
     void slotShowOnInplanes() { session_.showOnInplanes(); }
+    void slotToggleBeforePreprocessing() {
+        session_.showBeforePreprocessing(session_.requests.overlayAfterPreprocessing);
+    }
     void slotPostProcessData();
     void slotShowHelpHTML() { viewPanel_->showHelp(); }
     void slotShowIFISHelpHTML() { viewPanel_->showHelp(); }

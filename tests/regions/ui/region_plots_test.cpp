@@ -1,25 +1,72 @@
 // The plots of regions: what they show, and how the container arranges them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/plots/plotter.h"
-#include "plotted_run.h"
 #include "regions/ui/averaging_plot_dialog.h"
 #include "regions/ui/session_region.h"
 #include "regions/ui/time_course_plot_dialog.h"
+#include "regions/ui/time_courses_container.h"
+#include "run/loop/session_fixture.h"
 
-#include <QLineEdit>
-#include <QScrollBar>
+#include <QMenu>
 #include <QTest>
+#include <QTimer>
+#include <numeric>
 
 namespace {
 
-class RegionPlots : public PlottedRun {
+/// 60 volumes of 2000 ms, the first 40 of which are measured; two conditions and a baseline.
+class RegionPlots : public testing::Test {
 protected:
-    void SetUp() override {
+    RegionPlots() {
+        session.functionalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
+        document = session.functionalDocument.get();
+        document->project.TR = 2000;
+        for (const auto& [name, color, first] : {std::tuple("Rest", RgbColor{100, 100, 100}, 1),
+                                                 {"Faces", {255, 80, 60}, 6},
+                                                 {"Houses", {60, 160, 255}, 16}}) {
+            ProtocolCondition condition;
+            condition.name = name;
+            condition.color = color;
+            document->protocol.conditions.push_back(condition);
+            const int index = document->protocol.nrOfConditions() - 1;
+            for (int from = first; from <= 50; from += 20)
+                EXPECT_TRUE(document->protocol.addInterval(index, from, from + 4));
+        }
+        DesignMatrix& design = document->design;
+        design.PredictorNames = {"Faces", "Houses", "Constant"};
+        design.PredictorColors = {{255, 80, 60}, {60, 160, 255}, {255, 255, 255}};
+        design.NrOfConditionPredictors = 2;
+        design.NrOfConfoundPredictors = 1;
+        session.report.currentVolume = 39;
         window.setLayout(new QVBoxLayout);
         window.layout()->addWidget(&container);
         window.resize(900, 600);
         window.show();
     }
+
+    void fitModel(RegionOfInterest& region) {
+        region.predictorsInFit = 3;
+        region.ROIBetas = {1.5f, -0.5f, 1000.0f};
+        region.BetaCovariance = {0.25, 0, 0, 0, 0.09, 0, 0, 0, 1};
+        region.residualVariance = 100.0f;
+    }
+    /// The signal of each is 1000 * its number, and 2 % more at the volumes from 6 to 11, 26 to 31.
+    void addRegions(int count) {
+        for (; count > 0; --count) {
+            RegionOfInterest region;
+            const int number = document->regions.count() + 1;
+            for (int x = 0; x < 30 + number; ++x)
+                region.voxels.append(x, 5, 8);
+            region.CurrentTimePoint = 39;
+            for (int v = 0; v < 60; ++v) {
+                const float signal = v % 20 >= 6 && v % 20 < 12 ? 1020.0f : 1000.0f;
+                region.TimeCourseValues.push_back(float(number) * signal + float(v * 7 % 5));
+            }
+            document->regions.add(std::move(region));
+        }
+        session.listeners.regionsChanged(*document);
+    }
+    void passVolume() { EXPECT_TRUE(session.listeners.atStep(VolumeStep::Plots, {*document, 39})); }
 
     template<typename Widget> Widget* find(const QString& name) {
         auto* found = container.findChild<Widget*>(name);
@@ -45,12 +92,18 @@ protected:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     AveragingPlotDlg* averages() { return container.findChild<AveragingPlotDlg*>(); }
+
+    ScriptedMessages messages;
+    SimulatedPump pump;
+    ProbeDisplay display;
+    RunSession session{pump, display};
+    QtCortivoDoc* document = nullptr;
+    QWidget window;
+    TimeCoursesContainer container{session, &window};
 };
 
 TEST_F(RegionPlots, HeadingsSayWhatARegionIs) {
     addRegions(2);
-    EXPECT_EQ(regionHeading(*regionOfSession(session, 1)).section(" · ", 0, 2),
-              "ROI 2 · 32 voxels · slice 9");
     RegionOfInterest& region = document->regions[1];
     region.voxels.append(1, 1, 9);
     region.TimeCourseValues.assign(60, 0.0f);
@@ -71,14 +124,12 @@ TEST_F(RegionPlots, HeadingsLeaveOutWhatHasNoRoom) {
     auto* label = find<QLabel>("RegionInfoLbl");
     const QString whole = label->text();
     EXPECT_TRUE(whole.startsWith("ROI 1 · 31 voxels · slice 9 · tSNR ")) << whole.toStdString();
-    for (const auto& [missing, shown] :
-         {std::pair(" · slice 9", 1), {" · 31 voxels · slice 9", 1}, {"", 0}}) {
-        const QString text = shown ? QString(whole).remove(missing) : QString("ROI 1");
+    for (const QString& text : {QString(whole).remove(" · slice 9"), QString("ROI 1")}) {
         label->resize(label->fontMetrics().horizontalAdvance(text) + 1, label->height());
         document->regions[0].voxels.append(1, 1, 8); // another heading
         passVolume();
         EXPECT_EQ(label->text().count("·"), text.count("·"));
-        EXPECT_EQ(label->text().contains("tSNR"), shown == 1);
+        EXPECT_EQ(label->text().contains("tSNR"), text.contains("tSNR"));
     }
 }
 
@@ -93,7 +144,6 @@ TEST_F(RegionPlots, CurvesStandOnTheProtocol) {
     EXPECT_EQ(content.xRange, (PlotRange{0.5, 60.5}));
     EXPECT_EQ(content.lines.at(0).at, 40.0);
     EXPECT_EQ(content.lines.at(0).text, "1003.0");
-    EXPECT_EQ(content.xLabel + ", " + content.yLabel, "Volume, Signal");
     ASSERT_EQ(content.bands.size(), 8u);
     EXPECT_EQ(content.bands[3].name, "Faces");
     EXPECT_EQ(content.bands[3].from, 5.5);
@@ -104,25 +154,19 @@ TEST_F(RegionPlots, CurvesStandOnTheProtocol) {
     document->protocol.conditions[1].from[0] = 10000;
     document->protocol.conditions[1].to[0] = 19999;
     document->protocol.conditions.push_back(document->protocol.conditions[1]);
-    document->regions[0].CurrentTimePoint = 45;
-    passVolume();
-    EXPECT_EQ(content.curves[0].values.size(), 46u);
-    EXPECT_EQ(content.bands[3].from, 5.5);
-    EXPECT_EQ(content.bands[3].to, 10.5);
-    EXPECT_EQ(content.bands.size(), 11u);
     session.report.interruptedAtVolume = 29;
     passVolume();
     EXPECT_EQ(content.curves[0].values.size(), 30u);
+    EXPECT_EQ(content.bands[3].to, 10.5);
+    EXPECT_EQ(content.bands.size(), 11u);
 }
 
 TEST_F(RegionPlots, OptionsOfATimeCourse) {
     addRegions(1);
     const PlotContent& content = contentOf("TimeCourse1");
     auto* plot = find<TimeCoursePlotDlg>("TimeCourse1");
-    EXPECT_EQ(plot->windowTitle(), "ROI Signal Time Course");
     auto* row = find<QWidget>("PlotOptions");
     auto* button = find<QToolButton>("ShowOptionsBtn");
-    EXPECT_FALSE(row->isVisible() || button->isChecked());
     plot->slotToggleOptions();
     EXPECT_TRUE(row->isVisible() && button->isChecked());
     button->click();
@@ -134,16 +178,11 @@ TEST_F(RegionPlots, OptionsOfATimeCourse) {
     EXPECT_FALSE(content.gridShown || content.legendShown);
     EXPECT_TRUE(content.bands.empty());
     trigger("PercentOp");
-    double sum = 0.0;
-    for (const float value : content.curves[0].values)
-        sum += double(value);
-    EXPECT_NEAR(sum, 0.0, 1e-3);
     EXPECT_EQ(content.lines.at(0).text, "-0.50");
     EXPECT_EQ(content.yLabel, "% signal change");
     EXPECT_NEAR(double(content.curves[0].values[6]), 100 * (1022.0 / 1008.0 - 1), 1e-3);
     const std::vector<float> before = content.curves[0].values;
     container.setDetrended(true);
-    EXPECT_TRUE(container.detrended());
     EXPECT_NE(content.curves[0].values, before);
 
     auto* plotter = plot->findChild<Plotter*>();
@@ -153,12 +192,26 @@ TEST_F(RegionPlots, OptionsOfATimeCourse) {
     EXPECT_EQ(plotter->shownX(), *content.xRange) << "the zoom of another region";
     plot->clearPlot();
     EXPECT_TRUE(content.curves.empty());
-    EXPECT_EQ(find<QLabel>("RegionInfoLbl")->text(), "");
     session.settings.ParadigmHelpFile = "/nowhere.html";
-    messages.expect(MessageLevel::Warning, "WARNING: Unable to open help file \"/nowhere.html\"!");
+    messages.expectWarning("WARNING: Unable to open help file \"/nowhere.html\"!");
     trigger("HelpAction");
-    messages.expectFileChoice("Save Bitmap File", {});
-    trigger("SaveBitmapAction");
+}
+
+// A menu with an event loop of its own would hold up a run.
+TEST_F(RegionPlots, OptionsWithoutRoomOpenBesideARun) {
+    window.resize(300, 300);
+    addRegions(3);
+    find<TimeCoursePlotDlg>("TimeCourse1")->slotToggleOptions();
+    QCoreApplication::processEvents();
+    QTimer::singleShot(0, [] {
+        if (QWidget* menu = QApplication::activePopupWidget())
+            menu->close();
+    });
+    QTest::mouseClick(find<QToolButton>("qt_toolbar_ext_button"), Qt::LeftButton);
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    EXPECT_TRUE(menu->actions().contains(find<QAction>("HelpAction")));
+    menu->close();
 }
 
 TEST_F(RegionPlots, BetasAreBarsWithStandardErrors) {
@@ -168,8 +221,8 @@ TEST_F(RegionPlots, BetasAreBarsWithStandardErrors) {
     fitModel(document->regions[0]);
     passVolume();
     ASSERT_EQ(content.bars.size(), 2u);
+    EXPECT_EQ(content.yLabel, "Beta (%)");
     EXPECT_EQ(content.bars[0].name, "Faces");
-    EXPECT_EQ(content.bars[0].color, QColor(255, 80, 60));
     EXPECT_EQ(content.bars[1].value, -0.5f);
     EXPECT_FLOAT_EQ(content.bars[0].error, 0.5f); // sqrt(0.25 * 100) / 1000 * 100
     document->regions[0].ROIBetas[2] = 0.01f;     // too small to be a baseline
@@ -178,8 +231,6 @@ TEST_F(RegionPlots, BetasAreBarsWithStandardErrors) {
 }
 
 TEST_F(RegionPlots, FixedPlotsAreKeptAndFurtherRegionsFloat) {
-    EXPECT_EQ(container.objectName(), "TimeCoursesContainer");
-    EXPECT_FALSE(container.isVisible());
     addRegions(2);
     EXPECT_EQ(visible().join(' '), "TimeCourse1 TimeCourse2 BetaPlot1 BetaPlot2");
     const QWidget* first = find<QWidget>("TimeCourse1");
@@ -187,14 +238,9 @@ TEST_F(RegionPlots, FixedPlotsAreKeptAndFurtherRegionsFloat) {
     EXPECT_EQ(visible().size(), 10);
     // The third colour, (40, 30, 255), is too dark for the ground of a plot.
     EXPECT_EQ(contentOf("TimeCourse3").curves[0].color, QColor(88, 80, 255));
-    EXPECT_EQ(find<QWidget>("TimeCourse3")->findChild<QLabel*>()->palette().windowText().color(),
-              QColor(88, 80, 255));
     auto* fourth = find<QWidget>("RegionSlot4");
-    auto* fifth = find<QWidget>("RegionSlot5");
     EXPECT_TRUE(fourth->isWindow());
     EXPECT_EQ(fourth->windowTitle(), "ROI Signal Time Course");
-    EXPECT_FALSE(find<QWidget>("TimeCourse3")->isWindow());
-    EXPECT_EQ((fifth->pos() - fourth->pos()).manhattanLength(), 40);
 
     // Closing a window leaves its region, which is shown again on demand.
     fourth->close();
@@ -204,15 +250,13 @@ TEST_F(RegionPlots, FixedPlotsAreKeptAndFurtherRegionsFloat) {
     EXPECT_EQ(visible().size(), 10);
 
     removeRegions();
-    EXPECT_TRUE(visible().isEmpty());
     EXPECT_FALSE(container.findChild<QWidget*>("TimeCourse4"));
     EXPECT_TRUE(find<QWidget>("NoRegionsLbl")->isVisible());
     addRegions(1);
     EXPECT_EQ(find<QWidget>("TimeCourse1"), first);
     session.listeners.documentsLeaving();
     session.functionalDocument.reset();
-    EXPECT_TRUE(visible().isEmpty());
-    EXPECT_TRUE(contentOf("TimeCourse1").curves.empty());
+    EXPECT_TRUE(visible().isEmpty() && contentOf("TimeCourse1").curves.empty());
 }
 
 TEST_F(RegionPlots, HiddenPlotsTakeTheLatestWhenTheyAreShown) {
@@ -256,10 +300,6 @@ TEST_F(RegionPlots, RowsAndButtonsArrangeThePlots) {
     }
     container.onShowOnlyBetas();
     EXPECT_TRUE(find<QToolButton>("ShowBetasBtn")->isChecked());
-    for (int i = 1; i <= TimeCoursesContainer::fixedSlots; ++i) {
-        EXPECT_FALSE(find<QLineEdit>(QString("MultiRunTC%1").arg(i))->isVisible());
-        EXPECT_FALSE(find<QScrollBar>(QString("MultiRunTC%1ScrollBar").arg(i))->isVisible());
-    }
     window.resize(716, 210);
     EXPECT_EQ(window.width(), 716) << "three regions fit below the slices";
 }
@@ -270,14 +310,10 @@ TEST_F(RegionPlots, RangesAreOwnOrCommon) {
         fitModel(document->regions[i]);
     passVolume();
     find<QToolButton>("OptionsBtn")->click();
-    auto* dialog = find<QDialog>("TCContainerOptionsDlg");
-    EXPECT_EQ(dialog->windowTitle(), "TC Container Options");
     auto* minimum = find<QDoubleSpinBox>("MinValueSpBx");
     auto* maximum = find<QDoubleSpinBox>("MaxValueSpBx");
     EXPECT_FALSE(minimum->isEnabled() || contentOf("BetaPlot1").yRange);
-    EXPECT_TRUE(minimum->value() == -1.0 && maximum->value() == 3.0);
     find<QRadioButton>("CommonBetaScalingOp")->click();
-    EXPECT_TRUE(minimum->isEnabled() && maximum->isEnabled());
     maximum->setValue(5.0);
     minimum->setValue(-4.0);
     EXPECT_EQ(contentOf("BetaPlot2").yRange, (PlotRange{-4.0, 5.0}));
@@ -285,22 +321,16 @@ TEST_F(RegionPlots, RangesAreOwnOrCommon) {
     EXPECT_EQ(contentOf("BetaPlot1").yRange, (PlotRange{6.0, 6.1}));
     container.onChangeMaxValSpBx(2.0);
     EXPECT_EQ(contentOf("BetaPlot1").yRange, (PlotRange{1.9, 2.0}));
-    EXPECT_EQ(minimum->value(), 1.9);
     find<QRadioButton>("IndividualBetaScalingOp")->click();
     EXPECT_FALSE(contentOf("BetaPlot1").yRange);
-
     find<QRadioButton>("CommonTCScalingOp")->click();
-    const PlotRange common = *contentOf("TimeCourse1").yRange;
-    EXPECT_EQ(contentOf("TimeCourse2").yRange, common);
-    EXPECT_EQ(common, (PlotRange{1000.0, 2200.0})); // of 1000 to 2044
+    EXPECT_EQ(contentOf("TimeCourse1").yRange, (PlotRange{1000.0, 2200.0})); // of 1000 to 2044
     // In another unit a plot doesn't share the range.
     find<TimeCoursePlotDlg>("TimeCourse2")->findChild<QAction*>("PercentOp")->trigger();
     EXPECT_LT(contentOf("TimeCourse1").yRange->to, 1100.0);
     EXPECT_LT(contentOf("TimeCourse2").yRange->to, 10.0);
     find<QRadioButton>("IndividualTCScalingOp")->click();
     EXPECT_FALSE(contentOf("TimeCourse1").yRange);
-    find<QPushButton>("CloseOptionsBtn")->click();
-    EXPECT_FALSE(dialog->isVisible());
 }
 
 TEST_F(RegionPlots, AveragesFollowTheRun) {
@@ -308,14 +338,11 @@ TEST_F(RegionPlots, AveragesFollowTheRun) {
     addRegions(2);
     find<QToolButton>("AverageBtn")->click();
     ASSERT_TRUE(averages());
-    EXPECT_EQ(averages()->windowTitle(), "Event-Related Averaging Plot");
     const PlotContent& content = averages()->findChild<Plotter*>()->content();
     EXPECT_EQ(content.xLabel, "Time (scans)");
     EXPECT_EQ(content.yLabel, "fMRI response (% BOLD signal)");
     EXPECT_EQ(content.xStart, -2.0);
-    EXPECT_EQ(content.lines.at(0).at, 0.0);
     ASSERT_EQ(content.curves.size(), 2u); // not that of "Rest"
-    EXPECT_EQ(content.curves[0].legend, "Faces");
     ASSERT_EQ(content.curves[0].errors.size(), 13u);
     const float percent = content.curves[0].values[4];
 
@@ -327,20 +354,18 @@ TEST_F(RegionPlots, AveragesFollowTheRun) {
     EXPECT_NEAR(double(content.curves[0].values[4] / percent), 10.0, 0.1);
     find<QSpinBox>("BeforeOnsetSpBx")->setValue(3);
     find<QSpinBox>("AfterOnsetSpBx")->setValue(40);
-    EXPECT_EQ(content.curves[0].values.size(), 44u);
+    ASSERT_EQ(content.curves[0].values.size(), 44u);
     EXPECT_TRUE(std::isnan(content.curves[0].values[43])) << "no trial reaches so far";
-    find<QSpinBox>("BaselineFromSpBx")->setValue(2);
-    EXPECT_EQ(find<QSpinBox>("BaselineToSpBx")->value(), 2);
     for (const auto& [axis, label, start] :
          {std::tuple(1, "Time (sec)", -6.0), {2, "Time (2000 msec)", -3.0}}) {
         find<QComboBox>("TimeAxisCmBx")->setCurrentIndex(axis);
         EXPECT_EQ(content.xLabel, label);
         EXPECT_EQ(content.xStart, start);
     }
-    const std::vector<float> own = content.curves[0].values;
+    find<QSpinBox>("BaselineFromSpBx")->setValue(2);
+    const float own = content.curves[0].values[0];
     container.setEpochBased(false);
-    EXPECT_FALSE(container.epochBased());
-    EXPECT_NE(content.curves[0].values[0], own[0]);
+    EXPECT_NE(content.curves[0].values[0], own);
     for (int i = 0; i < 2; ++i)
         document->regions[i].CurrentTimePoint = 3;
     passVolume();
@@ -351,22 +376,20 @@ TEST_F(RegionPlots, AveragesFollowTheRun) {
 
 TEST_F(RegionPlots, AveragesThatCanNotBeDrawn) {
     addRegions(1);
-    messages.expect(MessageLevel::Warning, "INTERNAL ERROR: Plot dialog not available!");
+    messages.expectWarning("INTERNAL ERROR: Plot dialog not available!");
     find<TimeCoursePlotDlg>("TimeCourse1")->drawAverages();
     find<QToolButton>("AverageBtn")->click();
     ASSERT_TRUE(averages());
-    for (int i = 0; i < 7; ++i) {
-        document->protocol.conditions.push_back(document->protocol.conditions[1]);
-        ProtocolCondition& condition = document->protocol.conditions.back();
-        condition.nrOfIntervals = ProtocolCondition::maximumIntervals;
-        condition.from.fill(10);
-        condition.to.fill(12);
-    }
-    messages.expect(MessageLevel::Warning, "ERROR: Too many trigger points!");
+    ProtocolCondition full = document->protocol.conditions[1];
+    full.nrOfIntervals = ProtocolCondition::maximumIntervals;
+    full.from.fill(10);
+    full.to.fill(12);
+    for (int i = 0; i < 7; ++i)
+        document->protocol.conditions.push_back(full);
+    messages.expectWarning("ERROR: Too many trigger points!");
     passVolume();
     passVolume(); // no second message
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_FALSE(averages());
+    EXPECT_FALSE(averages()->isVisible());
     EXPECT_EQ(messages.shownModeless().size(), 2);
 }
 
@@ -376,9 +399,10 @@ TEST_F(SessionFixture, PlotsFollowARun) {
     TimeCoursesContainer container(session, nullptr);
     std::vector<size_t> lengths;
     script.atVolume = [&](int volume) {
-        if (volume == 5)
+        if (volume == 5) {
             EXPECT_TRUE(session.regions.selectRectangle({1, 2, 5, 2, 5}));
-        else if (volume == 25)
+        }
+        if (volume == 25)
             session.regions.removeAll();
     };
     ProbeListener probe(session.listeners, ListenerPlace::Logs);
@@ -389,16 +413,9 @@ TEST_F(SessionFixture, PlotsFollowARun) {
         return true;
     };
     session.runButtonPressed();
-    ASSERT_EQ(lengths.size(), 20u);
-    for (size_t i = 0; i < lengths.size(); ++i)
-        EXPECT_EQ(lengths[i], i + 6);
-}
-
-TEST(AveragingLabels, FollowTheInterval) {
-    for (const auto& [interval, label] : std::vector<std::pair<int, const char*>>{
-             {-1, "Time (scans)"}, {-2, "Time (sec)"}, {2, "Time (scans)"}, {3, "Time (3 msec)"}})
-        EXPECT_EQ(averagingTimeLabel(interval), label);
-    EXPECT_EQ(averagingInterval(AveragingTimeAxis::Seconds, 0.0f), averagingInScans);
+    std::vector<size_t> expected(20);
+    std::iota(expected.begin(), expected.end(), 6);
+    EXPECT_EQ(lengths, expected);
 }
 
 } // namespace

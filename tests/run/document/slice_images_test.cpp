@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 #include <numeric>
 
-namespace {
-
 TEST(GreyScale, SpansBlackToWhiteAndLimitsTheGain) {
     GreyScale scale;
     EXPECT_EQ(scale.table()[100], 0xff777777u); // 100 * 255 / 215 = 118.6
@@ -17,12 +15,10 @@ TEST(GreyScale, SpansBlackToWhiteAndLimitsTheGain) {
 
 TEST(SliceImages, PaintSamplesByTheDisplayWindow) {
     // Gradation clamp((v - low) / (high - low) * 215, 0, 215), cut to whole numbers.
-    const struct {
-        int low, high, sample;
-        size_t gradation;
-    } cases[] = {{100, 1100, 99, 0},      {100, 1100, 600, 107}, {100, 1100, 5000, 215},
-                 {0, 65535, 0x8000, 107}, {500, 500, 501, 215},  {500, 400, 500, 0},
-                 {0, 1 << 30, 65535, 214}};
+    const std::tuple<int, int, int, size_t> cases[] = {
+        {100, 1100, 99, 0},      {100, 1100, 600, 107}, {100, 1100, 5000, 215},
+        {0, 65535, 0x8000, 107}, {500, 500, 501, 215},  {500, 400, 500, 0},
+        {0, 1 << 30, 65535, 214}};
     for (const auto& [low, high, sample, gradation] : cases) {
         SliceImages slices;
         slices.greyScale.low = low;
@@ -81,5 +77,3 @@ TEST(DisplayRange, LeavesOutBackgroundAndSingleBrightSamples) {
         EXPECT_EQ(scale.high, 1);
     }
 }
-
-} // namespace

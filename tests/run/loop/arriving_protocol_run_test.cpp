@@ -86,7 +86,7 @@ TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
             append("25000 SCAN BLOCKBEGINEND Houses 3000\n26000 SCAN BLOCKBEGINEND Cars 70\n");
         append(QString("%1 SCAN TICK\n").arg(1000 * volume));
     };
-    messages.expect(MessageLevel::Warning, "WARNING: Unexpected condition \"CARS\" found!*");
+    messages.expectWarning("WARNING: Unexpected condition \"CARS\" found!*");
     session.runButtonPressed();
     EXPECT_EQ(session.settings.TR, 1000.0f);
     EXPECT_FALSE(session.settings.MotionCorrection);
@@ -114,8 +114,7 @@ TEST_F(ArrivingProtocolRun, LogThatStopsGrowingEndsTheRun) {
         if (givenUp)
             pump.after(500, [this] { pump.giveUpWaiting(); });
         else
-            messages.expect(MessageLevel::Warning,
-                            "TIME OUT ERROR: expected tdat condition info not available!");
+            messages.expectWarning("TIME OUT ERROR: expected tdat condition info not available!");
         const qint64 start = pump.milliseconds();
         session.runButtonPressed();
         EXPECT_EQ(predictors.size(), 6u);
@@ -131,8 +130,8 @@ TEST_F(ArrivingProtocolRun, LogThatStopsGrowingEndsTheRun) {
 TEST_F(ArrivingProtocolRun, AfterATimeOutModelAndFilesCountTheSameVolumes) {
     writeRun("RealTimeProtocol:", 40, rtpHeader, {{"TimeOutSeconds:", "3"}});
     append("1 0 0\n4 1 0\n9 0 0\n15 0 1\n22 0 0\n25 0 0\n26");
-    messages.expect(MessageLevel::Warning,
-                    "TIME OUT ERROR: expected real time protocol condition info not available!");
+    messages.expectWarning(
+        "TIME OUT ERROR: expected real time protocol condition info not available!");
     session.runButtonPressed();
     FMRHeader header;
     ASSERT_TRUE(readFMRHeader(path("results/test.fmr"), header));
@@ -171,7 +170,7 @@ TEST_F(ArrivingProtocolRun, ProtocolThatIsAheadOrHasEndedIsNotWaitedFor) {
 
 TEST_F(ArrivingProtocolRun, HeaderThatCanNotBeReadEndsTheProgram) {
     writeRun("RealTimeProtocol:", 20, rtpHeader.left(200));
-    messages.expect(MessageLevel::Warning, "ERROR: RTP file is damaged: *");
+    messages.expectWarning("ERROR: RTP file is damaged: *");
     session.runButtonPressed();
     EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
     EXPECT_TRUE(session.report.startFailed);

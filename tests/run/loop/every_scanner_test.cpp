@@ -10,49 +10,52 @@ struct Variant {
     std::function<void(SimulationOptions&)> change = [](SimulationOptions&) {};
 };
 
+using enum ScannerType;
+using Options = SimulationOptions;
+
+void implicitSyntax(Options& o) {
+    o.syntax = TransferSyntax::ImplicitLittle;
+}
+void bigSyntax(Options& o) {
+    o.syntax = TransferSyntax::ExplicitBig;
+}
+void bigSamples(Options& o) {
+    o.rawDataBigEndian = true;
+}
+template<WatchFolderForm form> void watches(Options& o) {
+    o.watchFolder = form;
+}
+
 const Variant variants[] = {
-    {"Mosaic", ScannerType::SiemensMosaic},
-    {"MosaicImplicit", ScannerType::SiemensMosaic,
-     [](auto& o) { o.syntax = TransferSyntax::ImplicitLittle; }},
-    {"MosaicBigEndian", ScannerType::SiemensMosaic,
-     [](auto& o) { o.syntax = TransferSyntax::ExplicitBig; }},
-    {"MosaicSeriesMark", ScannerType::SiemensMosaic,
-     [](auto& o) { o.watchFolder = WatchFolderForm::SeriesMark; }},
-    {"MosaicNumberMark", ScannerType::SiemensMosaic,
-     [](auto& o) { o.watchFolder = WatchFolderForm::NumberMark; }},
-    {"Dicom", ScannerType::Dicom},
-    {"DicomImplicit", ScannerType::Dicom,
-     [](auto& o) { o.syntax = TransferSyntax::ImplicitLittle; }},
-    {"DicomBigEndian", ScannerType::Dicom, [](auto& o) { o.syntax = TransferSyntax::ExplicitBig; }},
-    {"Ima", ScannerType::SiemensIma},
-    {"ImaBigEndian", ScannerType::SiemensIma, [](auto& o) { o.rawDataBigEndian = true; }},
-    {"ImaFolderList", ScannerType::SiemensIma,
-     [](auto& o) { o.watchFolder = WatchFolderForm::List; }},
-    {"ImaMosaicRisingStudy", ScannerType::SiemensImaMosaic},
-    {"ImaMosaicFixedStudy", ScannerType::SiemensImaMosaic,
-     [](auto& o) { o.fixedStudyNumber = true; }},
-    {"ImaMosaicBigEndian", ScannerType::SiemensImaMosaic,
-     [](auto& o) { o.rawDataBigEndian = true; }},
-    {"ImaMosaicInTwoFiles", ScannerType::SiemensImaMosaic, [](auto& o) { o.mosaicTiles = 2; }},
-    {"GeI", ScannerType::GeI},
-    {"GeIPastImage999", ScannerType::GeI, [](auto& o) { o.nrOfVolumes = 205; }},
-    {"GeXDicom", ScannerType::GeXDicom},
-    {"GeHdxtSeries", ScannerType::GeHdxtDicom},
-    {"GeHdxtExam", ScannerType::GeHdxtDicom,
-     [](auto& o) { o.watchFolder = WatchFolderForm::Exam; }},
-    {"GeHdxtAnyOrder", ScannerType::GeHdxtDicom, [](auto& o) { o.shuffledSlices = true; }},
-    {"GeStanford", ScannerType::GeStanford},
-    {"PhilipsRec", ScannerType::PhilipsRec},
-    {"Bruker", ScannerType::Bruker2dseq},
-    {"AnalyzePhilips", ScannerType::PhilipsAnalyze},
-    {"AnalyzePhilipsBigEndian", ScannerType::PhilipsAnalyze,
-     [](auto& o) { o.rawDataBigEndian = true; }},
-    {"AnalyzePhilipsAsItIs", ScannerType::PhilipsAnalyze,
-     [](auto& o) { o.imageTransformation = 0; }},
-    {"AnalyzePhilipsTurned", ScannerType::PhilipsAnalyze,
-     [](auto& o) { o.imageTransformation = 1; }},
-    {"Analyze", ScannerType::AnalyzeNw},
-};
+    {"Mosaic", SiemensMosaic},
+    {"MosaicImplicit", SiemensMosaic, implicitSyntax},
+    {"MosaicBigEndian", SiemensMosaic, bigSyntax},
+    {"MosaicSeriesMark", SiemensMosaic, watches<WatchFolderForm::SeriesMark>},
+    {"MosaicNumberMark", SiemensMosaic, watches<WatchFolderForm::NumberMark>},
+    {"Dicom", Dicom},
+    {"DicomImplicit", Dicom, implicitSyntax},
+    {"DicomBigEndian", Dicom, bigSyntax},
+    {"Ima", SiemensIma},
+    {"ImaBigEndian", SiemensIma, bigSamples},
+    {"ImaFolderList", SiemensIma, watches<WatchFolderForm::List>},
+    {"ImaMosaicRisingStudy", SiemensImaMosaic},
+    {"ImaMosaicFixedStudy", SiemensImaMosaic, [](Options& o) { o.fixedStudyNumber = true; }},
+    {"ImaMosaicBigEndian", SiemensImaMosaic, bigSamples},
+    {"ImaMosaicInTwoFiles", SiemensImaMosaic, [](Options& o) { o.mosaicTiles = 2; }},
+    {"GeI", GeI},
+    {"GeIPastImage999", GeI, [](Options& o) { o.nrOfVolumes = 205; }},
+    {"GeXDicom", GeXDicom},
+    {"GeHdxtSeries", GeHdxtDicom},
+    {"GeHdxtExam", GeHdxtDicom, watches<WatchFolderForm::Exam>},
+    {"GeHdxtAnyOrder", GeHdxtDicom, [](Options& o) { o.shuffledSlices = true; }},
+    {"GeStanford", GeStanford},
+    {"PhilipsRec", PhilipsRec},
+    {"Bruker", Bruker2dseq},
+    {"AnalyzePhilips", PhilipsAnalyze},
+    {"AnalyzePhilipsBigEndian", PhilipsAnalyze, bigSamples},
+    {"AnalyzePhilipsAsItIs", PhilipsAnalyze, [](Options& o) { o.imageTransformation = 0; }},
+    {"AnalyzePhilipsTurned", PhilipsAnalyze, [](Options& o) { o.imageTransformation = 1; }},
+    {"Analyze", AnalyzeNw}};
 
 class EveryScannerTest : public testing::TestWithParam<Variant> {};
 

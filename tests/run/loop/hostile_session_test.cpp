@@ -71,14 +71,9 @@ TEST_P(HostileSessionTest, FirstFileOfAnotherKindIsRefusedWithoutWaiting) {
     const auto changed = [&good](const char* from, const char* to) {
         return QByteArray(good.bytes).replace(QByteArray::fromHex(from), QByteArray::fromHex(to));
     };
-    struct Case {
-        const char* name;
-        QByteArray bytes;
-        QStringList mosaicEndings;
-        QStringList sliceEndings; ///< a run of single slices reads no header
-    };
-    const Case cases[] = {
-        {"smaller than stated",
+    // Endings for mosaics, and for single slices, of which no header is read.
+    const std::tuple<const char*, QByteArray, QStringList, QStringList> cases[] = {
+        {"smaller",
          smaller.files(0)[0].bytes,
          {tooShort, lateFirstFile},
          {tooShort, lateFirstFile}},
@@ -94,13 +89,12 @@ TEST_P(HostileSessionTest, FirstFileOfAnotherKindIsRefusedWithoutWaiting) {
         {"an element of 4 GiB",
          changed("0800050043530a00", "08000500554e0000feffffff"),
          {"ERROR: Read past the end of file, can not read file as regular DICOM!"},
-         {}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+         {}}};
+    for (const auto& [name, bytes, mosaicEndings, sliceEndings] : cases) {
+        SCOPED_TRACE(name);
         const qint64 start = hostile.pump.milliseconds();
-        hostile.write({good.name, c.bytes});
-        expectMessages(hostile.run(), isMosaic() ? c.mosaicEndings : c.sliceEndings);
+        hostile.write({good.name, bytes});
+        expectMessages(hostile.run(), isMosaic() ? mosaicEndings : sliceEndings);
         EXPECT_LT(hostile.pump.milliseconds() - start, 3000);
     }
     QFile huge(hostile.watchFolder() + good.name);
@@ -112,34 +106,27 @@ TEST_P(HostileSessionTest, FirstFileOfAnotherKindIsRefusedWithoutWaiting) {
 }
 
 TEST_P(HostileSessionTest, TroubleInTheMiddleKeepsWhatWasMeasured) {
-    struct Case {
-        const char* name;
-        DeliveryOptions delivery;
-        QStringList endings;
-        int saved;
-    };
     // The settings give a file 30 seconds; the seventh volume is the fifth analysed one.
-    const Case cases[] = {
+    const std::tuple<const char*, DeliveryOptions, QStringList, int> cases[] = {
         {"on time", {}, {}, 10},
         {"late", {.late = {{7, 5000}}}, {}, 10},
         {"too late", {.late = {{7, 40000}}}, {lateFile}, 4},
         {"missing", {.missing = {7}}, {lateFile}, 4},
-        {"truncated", {.truncated = {7}}, {missingKey, lateFile}, 4},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+        {"truncated", {.truncated = {7}}, {missingKey, lateFile}, 4}};
+    for (const auto& [name, delivery, endings, saved] : cases) {
+        SCOPED_TRACE(name);
         HostileSession hostile(GetParam());
         const VolumeSource source{.nrOfVolumes = 12, .files = {}};
-        for (const auto& [volume, due] : deliverySchedule(c.delivery, source)) {
-            const bool truncated = c.delivery.truncated.contains(volume + 1);
+        for (const auto& [volume, due] : deliverySchedule(delivery, source)) {
+            const bool truncated = delivery.truncated.contains(volume + 1);
             for (ScannerFile file : hostile.scan.files(volume)) {
                 if (truncated)
                     file.bytes.truncate(file.bytes.size() / 2);
                 hostile.pump.after(due + 600, [&hostile, file] { hostile.write(file); });
             }
         }
-        expectMessages(hostile.run(), c.endings);
-        EXPECT_EQ(hostile.savedVolumes(), c.saved);
+        expectMessages(hostile.run(), endings);
+        EXPECT_EQ(hostile.savedVolumes(), saved);
         EXPECT_FALSE(hostile.session.report.startFailed);
         hostile.writeAll();
         expectMessages(hostile.run(), {});

@@ -50,7 +50,7 @@ TEST_F(MotionSessionTest, VolumesAreCorrectedSavedAndReloadedWithTheirMotion) {
     // Ended early: the file of parameters agrees with the project file.
     writeHeadSession(32, {{"MotionCorrection:", "1"}});
     script.lastVolume = 19;
-    messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
+    messages.expectWarning("TIME OUT ERROR: expected file did not arrive!");
     session.runButtonPressed();
     EXPECT_TRUE(isMeasured(0));
     QByteArray table = "FileVersion:     2\nType:            DesignMatrix\nNrOfPredictors:  6\n"
@@ -88,32 +88,32 @@ TEST_F(MotionSessionTest, FilesOfParametersThatAreNoGoodSwitchTheCorrectionOff) 
     for (const auto& [text, message] : cases) {
         ASSERT_TRUE(writeFileAtomically(file, text));
         if (!message.isEmpty())
-            messages.expect(MessageLevel::Warning, message);
+            messages.expectWarning(message);
         EXPECT_TRUE(session.reloadData());
         EXPECT_TRUE(motion().motionParameters[0].empty());
         EXPECT_FALSE(session.settings.MotionCorrection);
     }
     ASSERT_TRUE(QFile::remove(file));
-    messages.expect(MessageLevel::Warning,
-                    "ERROR: Can not open .rtc file for loading motion correction parameters !");
+    messages.expectWarning(
+        "ERROR: Can not open .rtc file for loading motion correction parameters !");
     EXPECT_TRUE(session.reloadData());
 }
 
 TEST_F(MotionSessionTest, AFileOfParametersThatCannotBeWrittenLeadsToTheQuestion) {
     writeHeadSession(8, {{"MotionCorrection:", "1"}});
     QDir().mkpath(path("results/test_3DMC.rtc"));
-    messages.expect(MessageLevel::Warning,
-                    "ERROR: Can not open .rtc file for saving motion correction parameters !");
+    messages.expectWarning(
+        "ERROR: Can not open .rtc file for saving motion correction parameters !");
     messages.expectQuestion("WARNING: The recorded data could not be saved completely*", false);
-    messages.expect(MessageLevel::Information, "INFO: All volumes of this run are in its journal*");
+    messages.expectInformation("INFO: All volumes of this run are in its journal*");
     session.runButtonPressed();
     EXPECT_FALSE(session.report.savedCompletely);
 }
 
 TEST_F(MotionSessionTest, DataThatAllowNoCorrectionAreToldOfAfterTheRun) {
     writeHeadSession(18, {{"MotionCorrection:", "1"}, {"NrOfSlices:", "2"}});
-    messages.expect(MessageLevel::Information,
-                    "INFO: This data set did not allow to perform 3D motion correction properly.");
+    messages.expectInformation(
+        "INFO: This data set did not allow to perform 3D motion correction properly.");
     session.runButtonPressed();
     EXPECT_FALSE(session.report.motionCorrectionFailed);
 }

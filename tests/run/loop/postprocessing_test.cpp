@@ -3,24 +3,11 @@
 #include "run/loop/session_fixture.h"
 
 #include "volume/fmr_project.h"
-
-#include <QFile>
+#include "volume/volume_runs.h"
 
 namespace {
 
 const QString processedName = "test_SCCAI2_THPGLMF2c";
-
-/// Collects the reports of progress, and cancels at one of them.
-class ProbeReporter : public ProgressReporter {
-public:
-    void setProgress(int percent) override { percents.push_back(percent); }
-    [[nodiscard]] bool cancelled() const override {
-        return !percents.empty() && percents.back() >= cancelAt;
-    }
-
-    std::vector<int> percents;
-    int cancelAt = 1000;
-};
 
 std::vector<float> samplesOf(std::span<const float> map) {
     return {map.begin(), map.end()};
@@ -47,7 +34,7 @@ protected:
     QString result(const QString& extension) { return "results/" + processedName + extension; }
 
     PostprocessingOptions options_ = defaultPostprocessingOptions(4);
-    ProbeReporter progress_;
+    RecordedProgress progress_;
 };
 
 } // namespace
@@ -56,9 +43,13 @@ TEST_F(PostprocessingTest, ResultIsSavedUnderItsOwnNamesAndTheModelFittedToIt) {
     measure(30);
     const QByteArray measured = content("results/test.stc");
     const std::vector<float> oldMap = samplesOf(document().maps.map(0));
+    ASSERT_TRUE(session.regions.selectRectangle({1, 2, 3, 4, 5})); // one voxel
     ASSERT_TRUE(session.postprocess(options_, true, progress_));
-    EXPECT_TRUE(std::ranges::is_sorted(progress_.percents));
-    EXPECT_EQ(progress_.percents.back(), 100);
+    for (size_t v = 0; v < 30; ++v)
+        EXPECT_EQ((*session.regions.list())[0].TimeCourseValues[v],
+                  float(document().project.volumes[v][64 * 1 + 8 * 4 + 2]));
+    EXPECT_TRUE(std::ranges::is_sorted(progress_.values));
+    EXPECT_EQ(progress_.values.back(), 100);
     EXPECT_EQ(document().project.projectPath, path("results/test.fmr"));
     EXPECT_EQ(content("results/test.stc"), measured);
     const std::vector<float> newMap = samplesOf(document().maps.map(0));
@@ -71,18 +62,18 @@ TEST_F(PostprocessingTest, ResultIsSavedUnderItsOwnNamesAndTheModelFittedToIt) {
     for (size_t v = 0; v < saved.volumes.size(); ++v)
         EXPECT_TRUE(std::ranges::equal(saved.volumes[v], document().project.volumes[v]));
     writeSession(32, 2, {{"ClusterSizePixels:", "1"}, {"ProjectName:", '"' + processedName + '"'}});
-    messages.expect(MessageLevel::Critical, "ERROR: Can not find / open file: *");
+    messages.expectCritical("ERROR: Can not find / open file: *");
     ASSERT_TRUE(session.reloadData());
     EXPECT_EQ(samplesOf(document().maps.map(0)), newMap);
 }
 
 TEST_F(PostprocessingTest, CancellingLeavesTheDataOrTheStatistics) {
     script.lastVolume = 19;
-    messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
+    messages.expectWarning("TIME OUT ERROR: expected file did not arrive!");
     measure(30);
     const std::vector<float> oldMap = samplesOf(document().maps.map(0));
     for (const int percent : {30, 65, 90}) { // in the steps, in writing, in fitting the model
-        ProbeReporter reporter;
+        RecordedProgress reporter;
         reporter.cancelAt = percent;
         EXPECT_FALSE(session.postprocess(options_, true, reporter));
         EXPECT_EQ(isAsMeasured(19), percent < 90);
@@ -101,7 +92,7 @@ TEST_F(PostprocessingTest, AFolderThatIsLostLeadsToAQuestion) {
     for (const bool again : {false, true}) {
         QDir(path("results")).removeRecursively();
         put("results", "");
-        messages.expect(MessageLevel::Warning, "*");
+        messages.expectWarning("*");
         messages.expectQuestion("WARNING: The recorded data could not be saved completely*", again);
         messages.onQuestion = [&] { QFile::remove(path("results")); };
         EXPECT_EQ(session.postprocess(options_, false, progress_), again);

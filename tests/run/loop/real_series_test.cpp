@@ -92,17 +92,15 @@ protected:
 
     void expectHeader(const ExpectedMosaic& first, int volumes) {
         const QByteArray text = content("results/test.fmr");
-        QMap<QByteArray, double> expected{
-            {"NrOfVolumes", volumes},
-            {"ResolutionX", first.numbers[2]},
-            {"ResolutionY", first.numbers[3]},
-            {"TimeResolutionVerified", 1},
-            {"VoxelResolutionVerified", 1},
-            {"PosInfosVerified", 1},
-            {"SliceAcquisitionOrderVerified", first.whole(8) != 0},
-            {"FoVCols", first.numbers[2] * first.numbers[9]},
-            {"FoVRows", first.numbers[3] * first.numbers[10]},
-        };
+        QMap<QByteArray, double> expected{{"NrOfVolumes", volumes},
+                                          {"ResolutionX", first.numbers[2]},
+                                          {"ResolutionY", first.numbers[3]},
+                                          {"TimeResolutionVerified", 1},
+                                          {"VoxelResolutionVerified", 1},
+                                          {"PosInfosVerified", 1},
+                                          {"SliceAcquisitionOrderVerified", first.whole(8) != 0},
+                                          {"FoVCols", first.numbers[2] * first.numbers[9]},
+                                          {"FoVRows", first.numbers[3] * first.numbers[10]}};
         const QByteArrayList fromHeader =
             QByteArray("NrOfSlices TR InterSliceTime TE SliceAcquisitionOrder InplaneResolutionX "
                        "InplaneResolutionY SliceThickness SliceGap Slice1CenterX Slice1CenterY "
@@ -189,9 +187,9 @@ TEST_F(RealSeriesTest, CompressedAndEnhancedFilesAreRefusedByName) {
     const ExpectedMosaic sizes{{}, {}, {384, 384, 64, 64, 35}};
     for (const QString& file : files) {
         SCOPED_TRACE(file.toStdString());
-        messages.expect(MessageLevel::Warning,
-                        "ERROR: File \"" + path("incoming/001_000004_000001.dcm") + "\" is *");
-        messages.expect(MessageLevel::Warning, "TIME OUT: Expected first file did not arrive!");
+        messages.expectWarning("ERROR: File \"" + path("incoming/001_000004_000001.dcm") +
+                               "\" is *");
+        messages.expectWarning("TIME OUT: Expected first file did not arrive!");
         record({file}, sizes, 0);
         EXPECT_TRUE(session.report.startFailed);
         const QString reason = messages.shown().at(messages.shown().size() - 2);

@@ -149,13 +149,3 @@ QString SessionFixture::recordJournal() {
     EXPECT_EQ(kept.size(), 1);
     return path("results/" + kept.value(0));
 }
-
-void SessionFixture::put(const QString& name, const QByteArray& bytes, QIODevice::OpenMode mode) {
-    QFile file(path(name));
-    ASSERT_TRUE(file.open(mode) && file.write(bytes) == bytes.size());
-}
-
-QByteArray SessionFixture::content(const QString& name) const {
-    QFile file(path(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}

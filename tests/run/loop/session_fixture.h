@@ -4,13 +4,12 @@
 
 #include "intake/volume_reader.h"
 #include "run/session/run_session.h"
+#include "support/files.h"
 #include "support/scripted_messages.h"
 #include "support/simulated_pump.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 /// Collects what a run shows.
 class ProbeDisplay : public RunDisplay {
@@ -125,10 +124,17 @@ protected:
     [[nodiscard]] int volumesIn(const QString& folder) const {
         return savedVolumes(content(folder + "/test.stc"), 8 * 8, 4, scriptedSample);
     }
+    /// Runs the settings again, as after another press on a button that is ready.
+    void runAgain() {
+        session.setRunButton(RunButtonState::Ready);
+        session.runButtonPressed();
+    }
     [[nodiscard]] QString path(const QString& name) const { return folder_.filePath(name); }
     void put(const QString& name, const QByteArray& bytes,
-             QIODevice::OpenMode mode = QIODevice::WriteOnly);
-    [[nodiscard]] QByteArray content(const QString& name) const;
+             QIODevice::OpenMode mode = QIODevice::WriteOnly) {
+        writeFile(path(name), bytes, mode);
+    }
+    [[nodiscard]] QByteArray content(const QString& name) const { return contentOf(path(name)); }
     [[nodiscard]] QString progressLog() const { return display.calls.join(' '); }
 
     QTemporaryDir folder_;

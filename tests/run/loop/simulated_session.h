@@ -22,10 +22,9 @@ struct SimulatedSession {
                 write(file);
     }
     void write(const ScannerFile& file) const {
-        QFile target(watchFolder() + file.name);
+        const QString target = watchFolder() + file.name;
         ASSERT_TRUE(!file.name.contains('/') || QDir().mkpath(QFileInfo(target).path()));
-        ASSERT_TRUE(target.open(file.append ? QIODevice::Append : QIODevice::WriteOnly));
-        target.write(file.bytes);
+        writeFile(target, file.bytes, file.append ? QIODevice::Append : QIODevice::WriteOnly);
     }
     /// The messages of one run, in order.
     QStringList run() {
@@ -51,9 +50,7 @@ struct SimulatedSession {
                                                     qsizetype(2 * measured.size()));
     }
     [[nodiscard]] QByteArray saved(const QString& ending) const {
-        QFile file(folder.filePath("results/Simulation-1" + ending));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
+        return contentOf(folder.filePath("results/Simulation-1" + ending));
     }
 
     QTemporaryDir folder;

@@ -3,10 +3,10 @@
 #include "run/protocol/prt_file.h"
 #include "run/protocol/real_time_protocol.h"
 #include "run/protocol/tdat_protocol.h"
+#include "support/files.h"
 #include "support/scripted_messages.h"
 
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -27,9 +27,7 @@ protected:
     ArrivingProtocol() { messages.acceptAnything(); }
 
     void write(const QByteArray& bytes, QIODevice::OpenMode mode = QIODevice::Append) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(mode));
-        file.write(bytes);
+        writeFile(path, bytes, mode);
     }
     /// What is wrong with the header; nothing when it is good.
     QString startRTP(const QString& header) {
@@ -131,10 +129,7 @@ TEST_F(ArrivingProtocol, DamagedHeadersAreRefused) {
             EXPECT_NE(startRTP(rtpHeader.left(i)), "") << i;
         }
     const QString manyConditions = QString("0 H CONDITION N c C 1 NO ").repeated(1001);
-    const struct {
-        const char* before;
-        QString after, message;
-    } changes[] = {
+    const std::tuple<const char*, QString, QString> changes[] = {
         {"Volumes", "sec", "ERROR - Unexpected token for \"ResolutionOfTime\" found: \"sec\" !"},
         {"Conditions: 3", "Conditions: 2000000000", "the number of conditions is wrong."},
         {"Conditions: 3", "Conditions: 1001", "it has more than 1000 conditions."},
@@ -156,10 +151,7 @@ TEST_F(ArrivingProtocol, DamagedHeadersAreRefused) {
 
 TEST_F(ArrivingProtocol, RTPLinesOpenAndCloseIntervals) {
     const QString ms = QString(rtpHeader).replace("Volumes", "ms");
-    const struct {
-        QString header, lines, expected;
-        int coveredTime, incomplete;
-    } cases[] = {
+    const std::tuple<QString, QString, QString, int, int> cases[] = {
         {rtpHeader, "Scan Begin;1 0 0;4 1 0;6 2.5 0;8 0 0.5;11 0 0;14 0 0",
          "1-3 11-1011 | 4-7 | 8-10", 28000, 0},
         {rtpHeader, "1 0 0;4 1 0;8 0 0;scan  end", "1-3 8-20 | 4-7 | ", 42000, 0},
@@ -221,11 +213,7 @@ TEST_F(ArrivingProtocol, TDATLinesOpenAndCloseIntervals) {
     const QString wrongName = "PARSING ERROR in TDAT file: Expected  BLOCK > FACES < ";
     const QString badLine = "WARNING: A line of the .tdat file lacks a value and is ignored, as "
                             "are all others like it:\n\nSCAN BLOCKBEGIN FACES";
-    const struct {
-        QString lines, expected;
-        int coveredTime;
-        QString shown;
-    } cases[] = {
+    const std::tuple<QString, QString, int, QString> cases[] = {
         {"900 SCAN RUNBEGIN;1000 scan BlockBegin Rest;3000 SCAN BLOCKEND REST 1900;"
          "3000 SCAN BLOCKBEGIN FACES",
          "0-1900 | 2000-1002000 | ", 3000, ""},

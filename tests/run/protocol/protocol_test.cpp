@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/protocol/prt_file.h"
+#include "support/files.h"
 #include "support/scripted_messages.h"
 #include "support/test_data.h"
 
-#include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -16,11 +15,7 @@ const QByteArray tables = whole.mid(header.size());
 class ProtocolFile : public testing::Test {
 protected:
     ProtocolFile() { protocol.protocolPath = folder.filePath("a.prt"); }
-    void write(const QByteArray& text) {
-        QFile file(protocol.protocolPath);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text);
-    }
+    void write(const QByteArray& text) { writeFile(protocol.protocolPath, text); }
     QTemporaryDir folder;
     ScriptedMessages messages;
     RecordedProgramEnd programEnd;
@@ -52,9 +47,7 @@ TEST_F(ProtocolFile, IsReadAndWrittenInItsLayout) {
     ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip));
     EXPECT_EQ(protocol.SegmentOffset, 10);
     ASSERT_TRUE(writePRTFile(protocol));
-    QFile file(protocol.protocolPath);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll().toStdString(), laidOut.toStdString());
+    EXPECT_EQ(contentOf(protocol.protocolPath).toStdString(), laidOut.toStdString());
 
     write(whole);
     ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip));
@@ -86,15 +79,14 @@ TEST_F(ProtocolFile, DamagedFilesAreRefusedWithoutChange) {
         protocol.protocolPath = path;
         protocol.experimentName = "before";
         write(text);
-        messages.expect(MessageLevel::Warning,
-                        "ERROR: Protocol file \"" + path + "\" is damaged: *");
+        messages.expectWarning("ERROR: Protocol file \"" + path + "\" is damaged: *");
         EXPECT_FALSE(readPRTFile(protocol, ResponseTable::Read)) << text.constData();
         EXPECT_EQ(protocol.protocolPath, "");
         EXPECT_EQ(protocol.experimentName, "before");
     }
     protocol.protocolPath = folder.filePath("gone.prt");
-    messages.expect(MessageLevel::Warning, "ERROR: Unable to open referenced protocol file > "
-                                           "gone.prt < for reading!");
+    messages.expectWarning("ERROR: Unable to open referenced protocol file > "
+                           "gone.prt < for reading!");
     EXPECT_FALSE(readPRTFile(protocol, ResponseTable::Skip));
     EXPECT_EQ(protocol.protocolPath, "");
     EXPECT_TRUE(programEnd.statuses.empty());
@@ -107,16 +99,16 @@ TEST_F(ProtocolFile, MoreThan300IntervalsAreCutAndTheRestIsReadRight) {
     const QByteArray name(300, 'n');
     write(header + "NrOfConditions: 3\nlong\n310\n" + intervals + "Color: 1 2 3\n" +
           "longer\n310\n" + intervals + "Color: 1 2 3\n" + name + "\n1\n400 401\nColor: 7 8 9\n");
-    messages.expect(MessageLevel::Warning, "WARNING: Condition \"long\" of protocol file has more "
-                                           "than 300 intervals; the first 300 are used.");
-    messages.expect(MessageLevel::Warning, "WARNING: Protocol file \"a.prt\" has a name of more*");
+    messages.expectWarning("WARNING: Condition \"long\" of protocol file has more "
+                           "than 300 intervals; the first 300 are used.");
+    messages.expectWarning("WARNING: Protocol file \"a.prt\" has a name of more*");
     ASSERT_TRUE(readPRTFile(protocol, ResponseTable::Skip));
     EXPECT_EQ(protocol.conditions[0].nrOfIntervals, 300);
     EXPECT_EQ(protocol.conditions[1].to[299], 300);
     EXPECT_EQ(protocol.conditions[2].name, QString(255, 'n'));
     EXPECT_EQ(protocol.conditions[2].color, (RgbColor{7, 8, 9}));
     // One message for each condition that fills up during a run.
-    messages.expect(MessageLevel::Warning, "WARNING: Condition \"long\" has more than*");
+    messages.expectWarning("WARNING: Condition \"long\" has more than*");
     EXPECT_FALSE(protocol.addInterval(0, 1, 2));
     EXPECT_FALSE(protocol.addInterval(0, 3, 4));
     EXPECT_FALSE(protocol.addInterval(3, 3, 4));
@@ -127,7 +119,7 @@ TEST_F(ProtocolFile, ARunWithoutAFileIsRecordedToo) {
     protocol.protocolPath.clear();
     ASSERT_TRUE(writeRecordedPRTFile(protocol, "run1.fmr", folder.path() + '/'));
     EXPECT_TRUE(QFile::exists(folder.filePath("realtime.prt")));
-    messages.expect(MessageLevel::Warning, "ERROR: Unable to open protocol file!");
+    messages.expectWarning("ERROR: Unable to open protocol file!");
     EXPECT_FALSE(writeRecordedPRTFile(protocol, "run1.fmr", folder.path() + "/gone/"));
     EXPECT_EQ(protocol.protocolPath, "");
 }

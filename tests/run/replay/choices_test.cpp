@@ -3,10 +3,9 @@
 #include "base/paths.h"
 #include "run/journal/journal_writer.h"
 #include "run/loop/session_fixture.h"
+#include "run/replay/journal_records.h"
 #include "run/replay/recovery_choices.h"
 #include "run/replay/replay_choices.h"
-
-#include <QDir>
 
 namespace {
 
@@ -158,4 +157,19 @@ TEST_F(ReplayChoicesTest, TheTextTellsWhatWillHappen) {
     EXPECT_TRUE(session.playSavedRun({project, path("test-1.vco"), path("replay/"), false}, true));
     EXPECT_EQ(projectOf(session.settings), path("replay/test.fmr"));
     EXPECT_EQ(projectOf(settingsOfCurrentFile(session.settings)), project);
+}
+
+// One that was written earlier holds all fields in their order; then one with times of slices.
+TEST(JournalRecords, AHeadReadsBackAndIsWrittenAsEver) {
+    const QByteArray earlier = contentOf(VELO_SOURCE_DIR "/tests/fuzz/corpus/run_records/head");
+    std::vector<uint8_t> bytes(earlier.begin(), earlier.end());
+    for (int round = 0; round < 2; ++round) {
+        RunHead head;
+        head.project.sliceTimes = {9.0f};
+        head.project.ProtocolFiles << "former";
+        ASSERT_TRUE(decodeHead(bytes, head));
+        EXPECT_EQ(encodeHead(head), bytes);
+        head.project.sliceTimes = {1.0f, 2.0f};
+        bytes = encodeHead(head);
+    }
 }

@@ -172,11 +172,8 @@ void CrashTrial::expectComesBack(const QString& journal, bool goesOn) {
 CrashTrial::Results CrashTrial::takeResults() {
     Results results;
     QDir folder(path("results"));
-    for (const QString& name : folder.entryList(QDir::Files)) {
-        QFile file(folder.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        results[name] = file.readAll();
-    }
+    for (const QString& name : folder.entryList(QDir::Files))
+        results[name] = contentOf(folder.filePath(name));
     QDir::setCurrent(QDir::tempPath());
     EXPECT_TRUE(folder.removeRecursively());
     return results;

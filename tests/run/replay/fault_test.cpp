@@ -140,22 +140,20 @@ TEST_F(Fault, AFolderThatGoesIsMadeAgainOrAskedFor) {
         std::function<void()> happen;
         int questions;
         int warnings; ///< that the journal ends
-    } faults[] = {
-        {"removed", remove, 0, 1},
-        {"renamed", [&] { rename("-away"); }, 0, 0},
-        {"leads nowhere",
-         [&] {
-             rename("-elsewhere");
-             QFile::link(results + "-missing", results);
-         },
-         1, 0},
-        {"has become a file",
-         [&] {
-             remove();
-             EXPECT_TRUE(QFile(results).open(QIODevice::WriteOnly));
-         },
-         1, 1},
-    };
+    } faults[] = {{"removed", remove, 0, 1},
+                  {"renamed", [&] { rename("-away"); }, 0, 0},
+                  {"leads nowhere",
+                   [&] {
+                       rename("-elsewhere");
+                       QFile::link(results + "-missing", results);
+                   },
+                   1, 0},
+                  {"has become a file",
+                   [&] {
+                       remove();
+                       EXPECT_TRUE(QFile(results).open(QIODevice::WriteOnly));
+                   },
+                   1, 1}};
     for (const auto& fault : faults) {
         SCOPED_TRACE(fault.name);
         bool happened = false;

@@ -36,8 +36,7 @@ TEST_F(PlayingTest, AReplayGivesWhatTheRunGaveInAFolderOfItsOwn) {
                                                      path(folder), atTR},
                                                     true);
         };
-        messages.expect(MessageLevel::Warning,
-                        "ERROR: The results of a replay would replace those*");
+        messages.expectWarning("ERROR: The results of a replay would replace those*");
         EXPECT_FALSE(replay("results/", false));
         const QString again = ofJournal ? "again/" : "again2/";
         for (const bool atTR : {true, false}) {
@@ -140,7 +139,7 @@ TEST_F(PlayingTest, WhatARunBeganWithOutlivesACrashBeforeItsFirstVolume) {
 TEST_F(PlayingTest, OtherSettingsMustFitTheVolumes) {
     recordRun();
     writeSession(20, 0, {{"NrOfSlices:", "5"}});
-    messages.expect(MessageLevel::Warning, "ERROR: The volumes of \"*");
+    messages.expectWarning("ERROR: The volumes of \"*");
     EXPECT_FALSE(play(PlayPurpose::Replay, path("other"), path("test-1.vco")));
     writeSession(20, 0, {{"DriftConfoundPredictors:", "0"}});
     EXPECT_TRUE(play(PlayPurpose::Replay, path("other"), path("test-1.vco")));
@@ -163,9 +162,8 @@ TEST_F(PlayingTest, DamageIsToldAndTheFileStays) {
         damaged.replace(position, qstrlen(bytes), bytes);
         put("run.vcj", damaged);
         session.journal.list().add(journal_);
-        messages.expect(MessageLevel::Warning, "WARNING: The journal \"" + journal_ +
-                                                   "\" is damaged after volume " +
-                                                   QString::number(left) + "*");
+        messages.expectWarning("WARNING: The journal \"" + journal_ +
+                               "\" is damaged after volume " + QString::number(left) + "*");
         EXPECT_TRUE(play(PlayPurpose::Recover));
         EXPECT_EQ(volumesIn("results"), left);
         EXPECT_EQ(content("run.vcj"), damaged);
@@ -173,7 +171,7 @@ TEST_F(PlayingTest, DamageIsToldAndTheFileStays) {
     }
     // The run goes on in a copy.
     const QString copy = path("run-goes-on.vcj");
-    messages.expect(MessageLevel::Warning, "WARNING: The journal \"" + journal_ + "\" is damaged*");
+    messages.expectWarning("WARNING: The journal \"" + journal_ + "\" is damaged*");
     session.keepsJournals = true;
     EXPECT_TRUE(play(PlayPurpose::GoOn));
     session.keepsJournals = false;
@@ -181,14 +179,14 @@ TEST_F(PlayingTest, DamageIsToldAndTheFileStays) {
     // As long as nothing of it is saved it is offered.
     QDir().mkpath(path("blocked/test.stc/x"));
     session.journal.list().add(journal_);
-    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
+    messages.expectWarning("ERROR: Can not write FMR time course (STC) files !");
     messages.expectQuestion("WARNING: The recorded data could not be saved completely in*", false);
-    messages.expect(MessageLevel::Warning, "WARNING: The journal \"*");
+    messages.expectWarning("WARNING: The journal \"*");
     EXPECT_TRUE(play(PlayPurpose::Recover, path("blocked")));
     EXPECT_EQ(session.unfinishedJournals().size(), 1);
     for (const QByteArray& head : {QByteArray("nothing"), whole.left(60)}) {
         put("run.vcj", head);
-        messages.expect(MessageLevel::Warning, "ERROR: \"" + journal_ + "\" is not the*");
+        messages.expectWarning("ERROR: \"" + journal_ + "\" is not the*");
         EXPECT_FALSE(play(PlayPurpose::Recover));
     }
 }
@@ -197,9 +195,9 @@ TEST_F(PlayingTest, ARunThatCouldNotBeSavedIsRecoveredFromItsJournal) {
     writeSession(20, 0);
     // The name of a file of the results is taken by a folder.
     QDir().mkpath(path("results/test.stc/x"));
-    messages.expect(MessageLevel::Warning, "ERROR: Can not write FMR time course (STC) files !");
+    messages.expectWarning("ERROR: Can not write FMR time course (STC) files !");
     messages.expectQuestion("WARNING: The recorded data could not be saved completely in*", false);
-    messages.expect(MessageLevel::Information, "INFO: All volumes of this run are in its journal*");
+    messages.expectInformation("INFO: All volumes of this run are in its journal*");
     session.runButtonPressed();
     ASSERT_EQ(session.unfinishedJournals().size(), 1);
     journal_ = session.unfinishedJournals().front();
@@ -222,7 +220,7 @@ TEST_F(PlayingTest, ARunThatCouldNotBeSavedIsRecoveredFromItsJournal) {
                 session.requestStop();
         };
         if (stopped)
-            messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
+            messages.expectInformation("RECORDING INTERRUPTED BY USER");
         EXPECT_TRUE(play(purpose, path("rescued")));
         EXPECT_EQ(volumesIn("rescued"), volumes);
         EXPECT_EQ(QFile::exists(journal_), stopped);
@@ -260,8 +258,8 @@ TEST_F(PlayingTest, ARunOfAnotherSeriesIsNotGoneOnWith) {
     recordRun();
     cutJournal(journal_, 12);
     script.firstSample = 7; // the scanner's folder holds another series by now
-    messages.expect(MessageLevel::Warning, "ERROR: The first file in folder*");
-    messages.expect(MessageLevel::Information, "INFO: The run is still in its journal*");
+    messages.expectWarning("ERROR: The first file in folder*");
+    messages.expectInformation("INFO: The run is still in its journal*");
     EXPECT_FALSE(play(PlayPurpose::GoOn));
     script.firstSample = 0;
     script.atVolume = [this](int) {

@@ -50,22 +50,14 @@ protected:
         display.whileSaving = once;
         Reporter reporter(once);
         session.setRunButton(RunButtonState::Ready);
-        switch (phase) {
-        case Phase::Idle:
+        if (phase == Phase::Idle)
             once();
-            break;
-        case Phase::Preparing:
-        case Phase::Recording:
-        case Phase::Saving:
-            session.runButtonPressed();
-            break;
-        case Phase::Reloading:
+        else if (phase == Phase::Reloading)
             EXPECT_TRUE(session.reloadData());
-            break;
-        case Phase::PostProcessing:
+        else if (phase == Phase::PostProcessing)
             EXPECT_TRUE(postprocess(reporter));
-            break;
-        }
+        else
+            session.runButtonPressed();
         EXPECT_TRUE(done);
         EXPECT_TRUE(session.phase.isIdle());
         display.whileSaving = display.whenLogged = {};
@@ -79,11 +71,8 @@ protected:
 TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
     Reporter silent;
     const auto starts = [this] { return display.calls.count("starting"); };
-    const struct {
-        const char* name;
-        std::function<bool()> works; ///< does it, and tells whether anything came of it
-        std::set<Phase> phases;
-    } operations[] = {
+    // Does it, and tells whether anything came of it; and where something does.
+    const std::tuple<const char*, std::function<bool()>, std::set<Phase>> operations[] = {
         {"run button starts",
          [&] {
              const auto before = starts();
@@ -123,21 +112,18 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
          [&] { return session.messagesAreModeless(MessageLevel::Critical); },
          {Phase::Saving}},
     };
-    for (const auto& operation : operations)
+    for (const auto& [operation, works, phases] : operations)
         for (const auto& [phase, name] : phaseNames) {
-            SCOPED_TRACE(std::string(operation.name) + ", " + name);
+            SCOPED_TRACE(std::string(operation) + ", " + name);
             bool worked = false;
-            inPhase(phase, [&] { worked = operation.works(); });
-            EXPECT_EQ(worked, operation.phases.contains(phase));
+            inPhase(phase, [&, &act = works] { worked = act(); });
+            EXPECT_EQ(worked, phases.contains(phase));
         }
 }
 
 // A change is on the maps once the session is idle, whenever it was made.
 TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
-    const struct {
-        const char* name;
-        std::function<void(QtCortivoDoc&)> change;
-    } operations[] = {
+    const std::pair<const char*, std::function<void(QtCortivoDoc&)>> operations[] = {
         {"threshold", [&](QtCortivoDoc&) { session.changeThreshold(0.5f); }},
         {"cluster size", [&](QtCortivoDoc&) { session.changeClusterSize(2); }},
         {"contrast",
@@ -145,22 +131,19 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
              toggleContrast(document.contrasts, 1, ContrastPositive);
              session.contrastsChanged();
          }},
-        {"conjunction",
-         [&](QtCortivoDoc& document) {
+        {"conjunction", [&](QtCortivoDoc& document) {
              EXPECT_TRUE(session.changeConjunction(!document.contrasts.ConjunctionAnalysis));
-         }},
-    };
-    for (const auto& operation : operations)
+         }}};
+    for (const auto& [operation, change] : operations)
         for (const auto& [phase, name] : phaseNames) {
             if (phase == Phase::Preparing)
                 continue; // there are no maps yet
-            SCOPED_TRACE(std::string(operation.name) + ", " + name);
+            SCOPED_TRACE(std::string(operation) + ", " + name);
             writeSession(32, 2);
-            session.setRunButton(RunButtonState::Ready);
-            session.runButtonPressed();
-            inPhase(phase, [&] {
+            runAgain();
+            inPhase(phase, [&, &act = change] {
                 if (session.functionalDocument->contrasts.NrOfContrasts > 0)
-                    operation.change(*session.functionalDocument);
+                    act(*session.functionalDocument);
             });
             QtCortivoDoc& document = *session.functionalDocument;
             const StatisticalMaps& shown = document.maps;
@@ -186,9 +169,8 @@ TEST_F(SessionOperations, AChangeWhileTheLastVolumeIsAwaitedIsOnTheMaps) {
         session.showOnFirstVolume();
         session.changeThreshold(0.5f);
     });
-    messages.expect(MessageLevel::Warning, "TIME OUT ERROR: expected file did not arrive!");
-    session.setRunButton(RunButtonState::Ready);
-    session.runButtonPressed();
+    messages.expectWarning("TIME OUT ERROR: expected file did not arrive!");
+    runAgain();
     QtCortivoDoc& document = *session.functionalDocument;
     const auto clusters = document.maps.ClusterSizeSlices;
     computeClusterSizes(document.maps, session.requests.thresholds, false);
@@ -209,8 +191,7 @@ TEST_F(SessionOperations, WithoutADocumentTheControlsDoNothing) {
         EXPECT_FALSE(session.changeConjunction(true));
         EXPECT_TRUE(session.panelText().isEmpty());
     });
-    session.setRunButton(RunButtonState::Ready);
-    session.runButtonPressed();
+    runAgain();
     EXPECT_TRUE(looked);
     EXPECT_FALSE(session.functionalDocument->SignificanceColorCoding);
 }
@@ -255,8 +236,7 @@ TEST_F(SessionOperations, ARunHoldsItsTargetFolderOrAsks) {
     for (const bool answer : {false, true}) {
         messages.expectQuestion("WARNING: Another Velo-Cortivo (process 77 on host elsewhere) *",
                                 answer);
-        session.setRunButton(RunButtonState::Ready);
-        session.runButtonPressed();
+        runAgain();
         EXPECT_EQ(session.report.startFailed, !answer);
         EXPECT_EQ(session.report.currentVolume, answer ? 29 : -1);
     }
@@ -327,18 +307,6 @@ TEST_F(SessionOperations, AReloadThatFailsLeavesNothingOfTheRunBefore) {
     }
     session.settings.settingsFilePath.clear();
     EXPECT_FALSE(session.reloadData()) << "without a word";
-}
-
-TEST_F(SessionOperations, AStoppedRunIsSavedBeforeAnybodyAnswers) {
-    session.setRunButton(RunButtonState::Ready);
-    script.atVolume = [&](int volume) {
-        if (volume == 9)
-            session.runButtonPressed();
-    };
-    messages.expect(MessageLevel::Information, "RECORDING INTERRUPTED BY USER");
-    session.runButtonPressed();
-    EXPECT_EQ(QFileInfo(path("results/test.stc")).size(), 9 * 8 * 8 * 4 * 2);
-    EXPECT_EQ(messages.shownModeless(), QStringList("RECORDING INTERRUPTED BY USER"));
 }
 
 // Post-processing changes the samples.

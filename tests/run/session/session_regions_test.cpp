@@ -48,16 +48,12 @@ TEST_F(SessionRegionsTest, DrawnInMidRunItHasItsHistoryAndComesBackWithAReload) 
     // All voxels of the rectangle respond alike, so which of them a map shows doesn't matter.
     session.requests.thresholds.Threshold = 100.0f;
     runWithRegionAt(20);
-    ASSERT_EQ(session.regions.list()->count(), 1);
     EXPECT_EQ((*session.regions.list())[0].NrOfVoxels(), nrOfDraggedVoxels);
     const std::vector<float> betas = (*session.regions.list())[0].ROIBetas;
-    const QByteArray saved = content("results/test.roi");
-    EXPECT_TRUE(saved.startsWith("FileVersion:           5\n")) << saved.constData();
     ASSERT_TRUE(session.reloadData());
     ASSERT_EQ(session.regions.list()->count(), 1);
     expectCurve(39);
     const RegionOfInterest& region = (*session.regions.list())[0];
-    EXPECT_EQ(region.Left, drag.left + 1);
     ASSERT_EQ(region.ROIBetas.size(), betas.size());
     EXPECT_GT(region.predictorsInFit, 0) << "a reloaded region has its betas at once";
     for (size_t i = 0; i < betas.size(); ++i)
@@ -95,8 +91,7 @@ TEST_F(SessionRegionsTest, ALogThatCannotBeWrittenIsToldOfAndTheRunGoesOn) {
     writeSession(5, 2);
     ASSERT_TRUE(QDir().mkpath(path("results/test_plots.ert")));
     for (int volume = 0; volume < 3; ++volume)
-        messages.expect(MessageLevel::Warning,
-                        "ERROR: Can not open extended ROI time course file (.ERT) !");
+        messages.expectWarning("ERROR: Can not open extended ROI time course file (.ERT) !");
     session.runButtonPressed();
     EXPECT_EQ(volumesIn("results"), 3);
 }
@@ -112,17 +107,30 @@ TEST_F(SessionRegionsTest, TheChosenFileIsLoadedAtTheFirstVolumeAndAMissingOneIs
             atFirstVolume = hand.document.regions.count();
         return true;
     };
-    session.setRunButton(RunButtonState::Ready);
-    session.runButtonPressed();
+    runAgain();
     EXPECT_EQ(atFirstVolume, 1);
     session.requests.preLoadROIFile = path("missing.roi");
-    messages.expect(MessageLevel::Warning,
-                    "ERROR: Can not open .ROI file for loading previously defined "
-                    "regions-of-interest !");
-    session.setRunButton(RunButtonState::Ready);
-    session.runButtonPressed();
+    messages.expectWarning("ERROR: Can not open .ROI file for loading*");
+    runAgain();
     EXPECT_EQ(atFirstVolume, 0);
     EXPECT_EQ(volumesIn("results"), 40);
+}
+
+TEST_F(SessionRegionsTest, AFileCanNotAskForEndlessWork) {
+    runWithRegionAt(3);
+    QByteArray text = "FileVersion: 5 SaveVoxelsInROIs: 0 NrOfTCPlots: 1 NrOfTCs: 20\n";
+    for (int i = 0; i < 20; ++i)
+        text += "FromSlice: 2 Left: -2147483648 Right: 2147483647 Top: 9 Bottom: 1\n";
+    put("whole.roi", text);
+    session.requests.thresholds.ClusterSizePixels = 0;
+    session.settings.MultiSliceROISelection = 99; // each region is the whole volume
+    messages.expect(MessageLevel::Warning,
+                    "WARNING: The regions of interest have more voxels than 8 whole volumes. The "
+                    "last 12 regions are left out.");
+    ASSERT_TRUE(session.regions.load(path("whole.roi")));
+    ASSERT_EQ(session.regions.list()->count(), 8);
+    EXPECT_EQ((*session.regions.list())[7].NrOfVoxels(), 8 * 8 * 4);
+    EXPECT_EQ(messages.shown(), messages.shownModeless()) << "the run could be replaced meanwhile";
 }
 
 TEST_F(SessionRegionsTest, RegionsChangeOnlyWhileTheSessionIsIdleOrRecords) {
@@ -130,16 +138,9 @@ TEST_F(SessionRegionsTest, RegionsChangeOnlyWhileTheSessionIsIdleOrRecords) {
     EXPECT_FALSE(session.regions.load(path("any.roi")));
     session.regions.removeAll();
     EXPECT_EQ(session.regions.list(), nullptr);
-    QStringList accepted;
-    display.whileSaving = [&] {
-        accepted << (session.regions.selectRectangle(drag) ? "saving" : "");
-    };
-    display.whenStarting = [&] {
-        accepted << (session.regions.selectRectangle(drag) ? "preparing" : "");
-    };
+    display.whileSaving = [&] { EXPECT_FALSE(session.regions.selectRectangle(drag)); };
+    display.whenStarting = [&] { EXPECT_FALSE(session.regions.selectRectangle(drag)); };
     runWithRegionAt(5);
-    accepted.removeAll("");
-    EXPECT_EQ(accepted, QStringList());
     EXPECT_TRUE(session.regions.selectRectangle(drag));
     EXPECT_FALSE(session.regions.selectRectangle({1, 3, 3, 0, 8})) << "no width";
     EXPECT_EQ(session.regions.list()->count(), 2);

@@ -3,6 +3,7 @@
 
 #include "base/file_writing.h"
 #include "run/loop/session_fixture.h"
+#include "run/session/settings_file_names.h"
 
 namespace {
 
@@ -73,8 +74,7 @@ TEST_F(SettingsFileWatchTest, ShowsNeighboursAndGoesToThem) {
     watch_->toNeighbour(+1);
     EXPECT_EQ(current(), "r-4.vco");
     EXPECT_TRUE(controls_.controls.previousExists && !controls_.controls.nextExists);
-    messages.expect(MessageLevel::Information,
-                    "INFO: The requested settings file \"r-5.vco\" is not available !");
+    messages.expectInformation("INFO: The requested settings file \"r-5.vco\" is not available !");
     watch_->toNeighbour(+1);
     EXPECT_EQ(current(), "r-4.vco");
     watch_->toNeighbour(-1);
@@ -89,7 +89,7 @@ TEST_F(SettingsFileWatchTest, ShowsNeighboursAndGoesToThem) {
              {"run3.vco", "ERROR: No \"-\" character found separating the run number (name should "
                           "be \"<basename>-<nr>.vco\"."}}) {
         watch_->setSettingsFile(path(name));
-        messages.expect(MessageLevel::Information, text);
+        messages.expectInformation(text);
         watch_->toNeighbour(+1);
     }
 }
@@ -177,7 +177,7 @@ TEST_F(SettingsFileWatchTest, AfterAFailedStartOnlyRunButtonAndANewFileHelp) {
     watch_->look();
     const auto fail = [&] {
         script.firstVolumeComes = false;
-        messages.expect(MessageLevel::Warning, "TIME OUT: Expected first file did not arrive!");
+        messages.expectWarning("TIME OUT: Expected first file did not arrive!");
         session.runButtonPressed();
         script.firstVolumeComes = true;
     };
@@ -212,7 +212,7 @@ TEST_F(SettingsFileWatchTest, AfterAFailedStartOnlyRunButtonAndANewFileHelp) {
     // So it is with a file that cannot be parsed.
     put("bad-1.vco", "FileVersion: 4\nRubbish: 1\n");
     watch_->setSettingsFile(path("bad-1.vco"));
-    messages.expect(MessageLevel::Warning, "*");
+    messages.expectWarning("*");
     watch_->look();
     EXPECT_FALSE(watch_->isRunning() || controls_.controls.reloadPossible);
 }
@@ -242,15 +242,15 @@ TEST_F(SettingsFileWatchTest, TheMasterFileIsWrittenWithTheChoice) {
 
 TEST_F(SettingsFileWatchTest, AMasterFileThatCannotBeReadOrWrittenIsTold) {
     QDir().mkpath(path("app/MasterVCO"));
-    messages.expect(MessageLevel::Critical, "ERROR: \"MasterVCO\" file not found in folder: *");
+    messages.expectCritical("ERROR: \"MasterVCO\" file not found in folder: *");
     messages.expectQuestion("WARNING: The VCO file directory *", false);
     EXPECT_TRUE(watch_->readMasterFile());
     EXPECT_FALSE(watch_->isRunning()) << "the event loop does not run yet";
-    messages.expect(MessageLevel::Critical, "ERROR: Can not update \"MasterVCO\" file !");
+    messages.expectCritical("ERROR: Can not update \"MasterVCO\" file !");
     EXPECT_FALSE(watch_->writeMasterFile());
     QDir(folders_.applicationDataPath).removeRecursively();
     put("app", "");
-    messages.expect(MessageLevel::Critical, "ERROR: Can not update \"MasterVCO\" file !");
+    messages.expectCritical("ERROR: Can not update \"MasterVCO\" file !");
     EXPECT_FALSE(watch_->readMasterFile());
 }
 
@@ -290,9 +290,8 @@ TEST_F(SettingsFileWatchTest, TheSettingsFileOfARecoveredRunBecomesCurrentUnless
         return watch_->playJournal({file, {}, folder, false}, purpose);
     };
     const auto expectPlayed = [&](const QString& name) {
-        messages.expect(MessageLevel::Information, "INFO: The results of \"" + name +
-                                                       "\" are in folder \"" + path("replay/") +
-                                                       "\". The current settings file is still*");
+        messages.expectInformation("INFO: The results of \"" + name + "\" are in folder \"" +
+                                   path("replay/") + "\". The current settings file is still*");
     };
     const QString copy = path("copy.vcj"); // what is recovered goes
     ASSERT_TRUE(QFile::copy(journal, copy) && QFile::rename(journal, path("run.vcj")));
@@ -314,8 +313,31 @@ TEST_F(SettingsFileWatchTest, TheSettingsFileOfARecoveredRunBecomesCurrentUnless
     EXPECT_EQ(session.settings.settingsFilePath, path("other.vco"));
     EXPECT_FALSE(session.report.runFinished) << "of that file";
 
-    messages.expect(MessageLevel::Warning, "ERROR: \"" + path("none.vcj") + "\"*");
+    messages.expectWarning("ERROR: \"" + path("none.vcj") + "\"*");
     EXPECT_FALSE(play(path("none.vcj"), {}, PlayPurpose::Recover));
     EXPECT_TRUE(watch_->isRunning() && !session.report.startFailed) << "not that of this file";
     EXPECT_EQ(current(), "other.vco");
+}
+
+TEST(SettingsFileNames, NameNeighbours) {
+    const std::tuple<QString, int, QString> cases[] = {{"a-b.c-09.vco", 1, "a-b.c-10.vco"},
+                                                       {"run-9", 1, "run-10.vco"},
+                                                       {"run-1.vco", -1, "run-0.vco"},
+                                                       {"run-0.vco", -1, ""},
+                                                       {"-3.vco", 1, "-4.vco"},
+                                                       {".a-3", 1, ""},
+                                                       {"run3.vco", 1, ""},
+                                                       {"run-.vco", 1, ""},
+                                                       {"", 1, ""},
+                                                       {"run-2147483647.vco", 1, ""}};
+    for (const auto& [name, step, neighbour] : cases)
+        EXPECT_EQ(neighbourName(name, step), neighbour) << name.toStdString();
+}
+
+TEST(SettingsFileNames, CountUpToTheFirstGap) {
+    const QStringList files{"/s/r-1.vco", "/s/r-2.vco", "/s/r-9.vco"};
+    const auto isFile = [&](const QString& path) { return files.contains(path); };
+    for (const auto& [name, count] : std::vector<std::pair<QString, int>>{
+             {"r-9.vco", 2}, {"r-77.vco", 2}, {"q-1.vco", 0}, {"r1.vco", 0}, {"r-1", 0}})
+        EXPECT_EQ(countRecordings("/s/", name, isFile), count) << name.toStdString();
 }

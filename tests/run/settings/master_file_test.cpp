@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/settings/master_file.h"
 
+#include "support/files.h"
 #include "support/scripted_messages.h"
 
-#include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
-
-namespace {
 
 constexpr char versionTwo[] = "FileVersion: 2 VCOSettingsDirectory: \"/data/x\" "
                               "VCOSettingsFile: \"run-3.vco\" AutoAdvanceRun: 1 AutoStartVCO: 0 "
@@ -19,9 +16,7 @@ TEST(MasterFile, FirstStartWritesOneThatPointsAtTheSample) {
     MasterFile master;
     EXPECT_EQ(readMasterFile(folder.path() + "/", "/home/me/VCOData/", master),
               MasterFileResult::Created);
-    QFile file(folder.filePath("MasterVCO"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll().toStdString(),
+    EXPECT_EQ(contentOf(folder.filePath("MasterVCO")).toStdString(),
               "\nFileVersion:               2\n\n"
               "VCOSettingsDirectory:      \"/home/me/VCOData/VCO_FacesHouses/\"\n"
               "VCOSettingsFile:           \"VCO_FacesHouses-1.vco\"\n\n"
@@ -42,7 +37,7 @@ TEST(MasterFile, ReadsWhatItWrites) {
     EXPECT_TRUE(read.keepsJournals);
     ScriptedMessages messages;
     for (const QString& unreadable : {QString("/a\"b/"), QString("/a  b/"), QString("/a ;b/")}) {
-        messages.expect(MessageLevel::Critical, "ERROR: Can not update \"MasterVCO\" file !");
+        messages.expectCritical("ERROR: Can not update \"MasterVCO\" file !");
         EXPECT_FALSE(writeMasterFile(folder.path() + "/", {unreadable, "c-1.vco"}));
     }
 }
@@ -75,12 +70,10 @@ TEST(MasterFile, BrokenFilesEndTheProgram) {
           QString(whole).replace("/data/x", QString(5000, 'x'))}) {
         ScriptedMessages messages;
         RecordedProgramEnd end;
-        messages.expect(MessageLevel::Critical, "ERROR: *");
+        messages.expectCritical("ERROR: *");
         MasterFile master;
         EXPECT_FALSE(parseMasterFile(broken, "m", master)) << broken.toStdString();
         EXPECT_EQ(end.statuses, std::vector<int>{1});
         EXPECT_EQ(master.settingsFileName, QString());
     }
 }
-
-} // namespace

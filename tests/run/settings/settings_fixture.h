@@ -2,15 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/text_reading.h"
 #include "run/settings/settings_file.h"
+#include "support/files.h"
 #include "support/scripted_messages.h"
 #include "support/test_data.h"
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 class SettingsFile : public testing::Test {
 protected:
@@ -21,20 +18,14 @@ protected:
     QString dir() const { return folder.path() + '/'; }
 
     void write(const QString& name, const QString& text) const {
-        QFile file(folder.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text.toUtf8());
+        writeFile(folder.filePath(name), text.toUtf8());
     }
     bool readText(const QString& text, SettingsUse use) {
         write("run-1.vco", text);
         return readSettingsFile(settings, use, [this] { ++timerStops; });
     }
 
-    [[nodiscard]] QString writtenText() const {
-        QString text;
-        EXPECT_TRUE(readTextFile(settings.settingsFilePath, text));
-        return text;
-    }
+    [[nodiscard]] QString writtenText() const { return contentOf(settings.settingsFilePath); }
 
     /// A file as an operator writes it.
     static QString operatorText(const char* name) {

@@ -51,13 +51,13 @@ TEST_F(SettingsFile, ReportsAWrongKeyByUseAndKeepsWhatCameBefore) {
     const QString message = "ERROR: Expected \"MatrixSizeX:\" token but found \"MatrixX:\".\n\n"
                             "Check entry name and order of entries in settings file: \"" +
                             settings.settingsFilePath + "\" !\n";
-    messages.expect(MessageLevel::Warning, message);
+    messages.expectWarning(message);
     EXPECT_FALSE(readText(text, SettingsUse::Inspection));
     EXPECT_EQ(timerStops, 1);
     EXPECT_EQ(settings.TimeOutSeconds, 7);
     EXPECT_EQ(settings.MatrixSizeX, 12);
     EXPECT_TRUE(programEnd.statuses.empty());
-    messages.expect(MessageLevel::Critical, message);
+    messages.expectCritical(message);
     EXPECT_FALSE(readText(text, SettingsUse::Run));
     EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
 }
@@ -79,11 +79,10 @@ TEST_F(SettingsFile, AFileCutAtAnyTokenEndsInOneMessage) {
 }
 
 TEST_F(SettingsFile, MissingAndEmptyFiles) {
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: \"" + settings.settingsFilePath + "\" file not found!");
+    messages.expectCritical("ERROR: \"" + settings.settingsFilePath + "\" file not found!");
     EXPECT_FALSE(readSettingsFile(settings, SettingsUse::Run, {}));
-    messages.expect(MessageLevel::Warning,
-                    "ERROR - No content in file \"" + settings.settingsFilePath + "\" found!");
+    messages.expectWarning("ERROR - No content in file \"" + settings.settingsFilePath +
+                           "\" found!");
     EXPECT_FALSE(readText(" ; only a comment\n", SettingsUse::Run));
     EXPECT_EQ(programEnd.statuses, std::vector<int>{1});
 }

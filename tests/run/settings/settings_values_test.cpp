@@ -35,16 +35,15 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
         const QString text = replaced(geText(), before, after);
         programEnd.statuses.clear();
         if (inspected && !message.isEmpty())
-            messages.expect(MessageLevel::Warning, message);
+            messages.expectWarning(message);
         EXPECT_TRUE(!inspected || readText(text, SettingsUse::Inspection));
         if (!message.isEmpty())
-            messages.expect(MessageLevel::Critical, message);
+            messages.expectCritical(message);
         EXPECT_EQ(readText(text, SettingsUse::Run), message.isEmpty());
         EXPECT_EQ(programEnd.statuses.size(), message.isEmpty() ? 0U : 1U);
     }
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: Data type \"XYZ\" not supported!\n\nCheck settings file: \"" +
-                        settings.settingsFilePath + "\".");
+    messages.expectCritical("ERROR: Data type \"XYZ\" not supported!\n\nCheck settings file: \"" +
+                            settings.settingsFilePath + "\".");
     EXPECT_FALSE(readText(replaced(geText(), "GE_STANFORD", "XYZ"), SettingsUse::Inspection));
 }
 
@@ -68,8 +67,7 @@ TEST_F(SettingsFile, WatchFolderMarksTakeTheNewestSeries) {
 TEST_F(SettingsFile, AWatchFolderListNormallyGivesItsFirstName) {
     const QString text =
         replaced(geText(), "WatchFolder: \"./in\"", "WatchFolderList: \"./list.txt\"");
-    messages.expect(MessageLevel::Critical,
-                    "ERROR: Can not open watch folder list file.\nCheck VCO file.");
+    messages.expectCritical("ERROR: Can not open watch folder list file.\nCheck VCO file.");
     EXPECT_FALSE(readText(text, SettingsUse::Inspection));
 
     const QString name = QString(18, 'a') + "\\b";
@@ -84,8 +82,7 @@ TEST_F(SettingsFile, AWatchFolderListNormallyGivesItsFirstName) {
         SCOPED_TRACE(list.toStdString());
         write("list.txt", list);
         if (folders.isEmpty())
-            messages.expect(MessageLevel::Critical,
-                            "ERROR: Can not find directories in watch folder list file.");
+            messages.expectCritical("ERROR: Can not find directories in watch folder list file.");
         EXPECT_EQ(readText(text, SettingsUse::Run), !folders.isEmpty());
         EXPECT_EQ(settings.watchFolderList, folders);
         EXPECT_EQ(settings.watchFolderCount, count);
@@ -123,6 +120,6 @@ TEST_F(SettingsFile, TellsTheProjectOfAnotherFile) {
     EXPECT_EQ(resolveProjectPath("b", dir()), "/x/p.fmr");
     write("c.vco", "TargetFolder: \"./out\" ProjectName: \"p\"");
     EXPECT_EQ(resolveProjectPath(dir() + "c.vco", "/else/"), dir() + "out/p");
-    messages.expect(MessageLevel::Warning, "ERROR: \"" + dir() + "gone.vco\" file not found!");
+    messages.expectWarning("ERROR: \"" + dir() + "gone.vco\" file not found!");
     EXPECT_EQ(resolveProjectPath("gone", dir()), "");
 }

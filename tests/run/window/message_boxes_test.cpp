@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/message_boxes.h"
 
+#include "support/files.h"
+
 #include <QApplication>
 #include <QColorDialog>
-#include <QFile>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -13,7 +14,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -57,8 +57,7 @@ protected:
     Boxes() {
         installMessageHandler(&boxes_);
         showWindow();
-        QFile existing(file("old.roi"));
-        EXPECT_TRUE(existing.open(QIODevice::WriteOnly));
+        writeFile(file("old.roi"), "");
     }
     ~Boxes() override { installMessageHandler(nullptr); }
 
@@ -131,21 +130,19 @@ TEST_F(Boxes, ShowTheirTextAndAreAnsweredOrCancelled) {
         QString result;
         QMessageBox::Icon icon = QMessageBox::NoIcon;
         QString title = programTitle;
-    } cases[] = {
-        {[] { return showInformation(text), ""; }, key(Qt::Key_Return), "",
-         QMessageBox::Information},
-        {[] { return showCritical(text, "Plug-in"), ""; }, pressed(QMessageBox::Ok), "",
-         QMessageBox::Critical, "Plug-in"},
-        {question, pressed(QMessageBox::Yes), "yes", QMessageBox::Question},
-        {question, pressed(QMessageBox::No), "", QMessageBox::Question},
-        {[] { return announce(" Ready", text, "GO"), ""; }, key(Qt::Key_Return), "",
-         QMessageBox::NoIcon, " Ready"},
-        {integer, key(Qt::Key_Return), "4"},
-        {integer, typed("91"), "9"},        // the last digit is not taken
-        {number, typed("1.2346"), "1.234"}, // nor is a fourth decimal
-        {name, typed("a&b"), "a&b"},
-        {name, typed(""), "start"},
-    };
+    } cases[] = {{[] { return showInformation(text), ""; }, key(Qt::Key_Return), "",
+                  QMessageBox::Information},
+                 {[] { return showCritical(text, "Plug-in"), ""; }, pressed(QMessageBox::Ok), "",
+                  QMessageBox::Critical, "Plug-in"},
+                 {question, pressed(QMessageBox::Yes), "yes", QMessageBox::Question},
+                 {question, pressed(QMessageBox::No), "", QMessageBox::Question},
+                 {[] { return announce(" Ready", text, "GO"), ""; }, key(Qt::Key_Return), "",
+                  QMessageBox::NoIcon, " Ready"},
+                 {integer, key(Qt::Key_Return), "4"},
+                 {integer, typed("91"), "9"},        // the last digit is not taken
+                 {number, typed("1.2346"), "1.234"}, // nor is a fourth decimal
+                 {name, typed("a&b"), "a&b"},
+                 {name, typed(""), "start"}};
     for (const auto& row : cases) {
         QApplication::setOverrideCursor(Qt::BusyCursor);
         EXPECT_EQ(answered(row.request, {[&row](QDialog& dialog) {
@@ -213,17 +210,13 @@ TEST_F(Boxes, ChooseFilesThatExistAndGiveNewOnesTheirExtension) {
     };
     openBeside("missing.roi");
     EXPECT_EQ(opened, "");
-    EXPECT_EQ(open<QMessageBox>().at(0)->text(),
-              QString("WARNING: There is no file \"%1\".").arg(file("missing.roi")));
+    QMessageBox* const told = open<QMessageBox>().at(0);
+    EXPECT_EQ(told->text(), QString("WARNING: There is no file \"%1\".").arg(file("missing.roi")));
+    told->close();
     openBeside("old.roi");
     EXPECT_EQ(opened, file("old.roi"));
     showWindow();
-    const struct {
-        QString proposed;
-        QString filter;
-        std::vector<Act> acts;
-        QString result;
-    } cases[] = {
+    const std::tuple<QString, QString, std::vector<Act>, QString> cases[] = {
         {"", "Region files (*.roi)", {typed("NEW.ROI")}, "NEW.ROI"},
         {"new", "Protocols (*.prt *.rtp);;All (*)", {key(Qt::Key_Return)}, "new.prt"},
         {"new.rtp", "Protocols (*.prt *.rtp)", {key(Qt::Key_Return)}, "new.rtp"},

@@ -1,7 +1,5 @@
 // The program itself, as a process with a home of its own, is told to end.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "base/file_writing.h"
-#include "base/text_reading.h"
 #include "run/loop/simulated_session.h"
 #include "run/settings/master_file.h"
 
@@ -31,10 +29,9 @@ SimulationOptions smallScan() {
 class ProgramEnd : public testing::TestWithParam<int>, public SimulatedSession {
 protected:
     ProgramEnd() : SimulatedSession(smallScan()) {
-        QString text;
-        EXPECT_TRUE(readTextFile(path("Simulation-1.vco"), text));
+        QString text = contentOf(path("Simulation-1.vco"));
         text.replace(QRegularExpression("TimeOutSeconds: +30"), "TimeOutSeconds: 600");
-        EXPECT_TRUE(writeFileAtomically(path("Simulation-1.vco"), text.toUtf8()));
+        writeFile(path("Simulation-1.vco"), text.toUtf8());
         MasterFile master;
         master.settingsDirectory = path("");
         master.settingsFileName = "Simulation-1.vco";
@@ -58,9 +55,9 @@ protected:
     /// Waits until a file that the program writes holds the text.
     [[nodiscard]] bool hasWritten(const QString& name, const QByteArray& text) {
         QElapsedTimer watch;
-        QFile file(path(name));
-        for (watch.start(); watch.elapsed() < deadline; file.close())
-            if (const bool found = file.open(QIODevice::ReadOnly) && file.readAll().contains(text);
+        for (watch.start(); watch.elapsed() < deadline;)
+            if (const bool found =
+                    QFile::exists(path(name)) && contentOf(path(name)).contains(text);
                 found || process.waitForFinished(20)) // has it ended?
                 return found;
         return false;

@@ -7,19 +7,13 @@ TEST(WindowLayout, WindowStandsWhereItIsWantedAndCanBeReached) {
     const QRect screen(100, 50, 1920, 1080);
     const QRect laptop(0, 0, 1280, 720);
     const QSize window(1280, 1024);
-    const struct {
-        QRect screen;
-        bool centredX, centredY;
-        QPoint wanted;
-        QPoint position;
-    } places[] = {{screen, true, true, {7, 8}, {420, 78}},
-                  {screen, false, true, {7, 8}, {7, 78}},
-                  {screen, true, false, {7, 8}, {420, 8}},
-                  {laptop, true, true, {7, 8}, {0, 0}}}; // never negative
-    for (const auto& place : places)
-        EXPECT_EQ(
-            windowPosition(place.screen, window, place.centredX, place.centredY, place.wanted),
-            place.position);
+    const std::tuple<QRect, bool, bool, QPoint> places[] = {
+        {screen, true, true, {420, 78}},
+        {screen, false, true, {7, 78}},
+        {screen, true, false, {420, 8}},
+        {laptop, true, true, {0, 0}}}; // never negative
+    for (const auto& [area, centredX, centredY, position] : places)
+        EXPECT_EQ(windowPosition(area, window, centredX, centredY, {7, 8}), position);
     // 80 pixels of the title row stay, and of a window that is too tall its lower edge is reached.
     const std::tuple<QRect, QPoint, QPoint> moves[] = {{screen, {300, 60}, {300, 60}},
                                                        {screen, {-5000, -5000}, {-1100, 50}},

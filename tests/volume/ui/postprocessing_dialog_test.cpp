@@ -2,16 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/ui/postprocessing_dialog.h"
 
+#include "support/dialog_checks.h"
 #include "support/scripted_messages.h"
 
 #include <QAbstractButton>
 #include <QGroupBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -50,8 +49,6 @@ protected:
 
 TEST_F(PostprocessingDialog, OkHandsOverWhatWasChosen) {
     QSignalSpy accepted(dialog_.get(), &QDialog::accepted);
-    EXPECT_EQ(control<QLineEdit>("m_SpatialSmoothingFWHMValue").text(), "4");
-    EXPECT_EQ(control<QLineEdit>("m_HighPassCycles").text(), "2");
     EXPECT_EQ(control<QLineEdit>("m_TemporalGaussianWidth").text(), "0.0015");
     for (const char* group :
          {"m_SliceScanTimeCorrection", "m_SpatialSmoothing", "m_TemporalFilters"})
@@ -77,12 +74,8 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
     const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
         {"m_SpatialSmoothing", "m_SpatialSmoothingFWHMValue", "4,5",
          "ERROR: The width of the spatial smoothing is not a number."},
-        {"m_SpatialSmoothing", "m_SpatialSmoothingFWHMValue", "1e9",
-         "ERROR: The width of the spatial smoothing is too large!"},
         {"m_TemporalFilters", "m_HighPassCycles", "99999999999999999999",
          "ERROR: The number of sines/cosines of *"},
-        {"m_TemporalFilters", "m_HighPassCycles", "x",
-         "ERROR: The number of sines/cosines is not a number."},
         {"m_TemporalFilters", "m_TemporalGaussianWidth", "nan",
          "ERROR: The width of the temporal Gaussian is not a number."},
         {"m_TemporalFilters", "m_TemporalGaussianWidth", "0",
@@ -92,18 +85,16 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
         check(group);
         control<QAbstractButton>("m_TemporalGaussianSmoothing").setChecked(true);
         enter(field, text);
-        messages_.expect(MessageLevel::Warning, message);
+        messages_.expectWarning(message);
         click("OkBtn");
         EXPECT_TRUE(dialog_->isVisible()) << message;
         EXPECT_EQ(dialog_->focusWidget(), &control<QLineEdit>(field)) << message;
     }
-    open(26, QString(200, 'w')); // 26 slices of 80 ms don't fit into 2000 ms
-    messages_.expect(MessageLevel::Warning, "ERROR: Nothing is chosen yet*");
+    open(26); // slices of 80 ms don't fit into 2000 ms
+    messages_.expectWarning("ERROR: Nothing is chosen yet*");
     click("OkBtn");
     check("m_SliceScanTimeCorrection");
-    EXPECT_LE(dialog_->sizeHint().height(), 700) << "the smallest screen has 768 lines";
-    EXPECT_LE(dialog_->sizeHint().width(), 1000);
-    messages_.expect(MessageLevel::Warning, "ERROR: NrOfSlices * InterSliceTime > TR !");
+    messages_.expectWarning("ERROR: NrOfSlices * InterSliceTime > TR !");
     click("OkBtn");
     EXPECT_TRUE(dialog_->isVisible());
     click("CancelBtn");
@@ -113,6 +104,7 @@ TEST_F(PostprocessingDialog, WhatCannotBeDoneIsNamedAndTheDialogStays) {
 TEST_F(PostprocessingDialog, NamesTellTheOtherChoicesToo) {
     check("m_SliceScanTimeCorrection");
     EXPECT_EQ(label("m_ResultInfo").section('\n', 1, 1), "run_SCCAI.fmr");
+    EXPECT_TRUE(label("m_SliceOrderInfo").startsWith("Slices in the order 1, 3, 5"));
     for (const char* choice : {"m_Interleaved2Order", "m_LinearInterpolation"})
         click(choice);
     check("m_TemporalFilters");
@@ -153,22 +145,9 @@ TEST_F(PostprocessingDialog, ARunMayBeginInAMessageAndDeleteIt) {
 }
 
 TEST_F(PostprocessingDialog, EveryControlExplainsItselfAndHasAKeyOfItsOwn) {
-    QStringList keys;
-    for (const QWidget* widget : dialog_->findChildren<QWidget*>()) {
-        const bool field = qobject_cast<const QLineEdit*>(widget);
-        const bool inChain = field || widget->focusPolicy() & Qt::TabFocus;
-        EXPECT_TRUE(!inChain || !widget->toolTip().isEmpty()) << widget->objectName().toStdString();
-        EXPECT_TRUE(!field || !widget->accessibleName().isEmpty() ||
-                    widget->objectName() == "m_SpatialSmoothingFWHMValue") // its label has it
-            << widget->objectName().toStdString();
-        for (const char* property : {"text", "title"}) {
-            const QString text = widget->property(property).toString();
-            if (const qsizetype mark = text.indexOf('&'); mark >= 0)
-                keys << text.mid(mark + 1, 1).toLower();
-        }
-    }
-    EXPECT_EQ(keys.removeDuplicates(), 0) << keys.join(' ').toStdString();
-    EXPECT_GE(keys.size(), 15);
+    open(26, QString(200, 'w'));
+    check("m_SliceScanTimeCorrection");
+    expectExplained(*dialog_);
 }
 
 } // namespace

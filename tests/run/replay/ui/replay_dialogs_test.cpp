@@ -4,11 +4,10 @@
 #include "run/replay/ui/recover_run_dialog.h"
 #include "run/replay/ui/replay_run_dialog.h"
 #include "run/session/settings_file_watch.h"
+#include "support/dialog_checks.h"
 
 #include <QAbstractButton>
-#include <QDir>
 #include <QLabel>
-#include <QLineEdit>
 #include <QTableWidget>
 
 namespace {
@@ -54,7 +53,7 @@ protected:
     void chooseFile(const char* button, const QString& file, const QString& warning = {}) {
         messages.expectFileChoice("Open File", path(file));
         if (!warning.isEmpty())
-            messages.expect(MessageLevel::Warning, warning);
+            messages.expectWarning(warning);
         control(button).click();
     }
 
@@ -79,7 +78,7 @@ TEST_F(ReplayDialogs, AnUnsavedRunIsRecoveredOrGoneOnWith) {
         if (!goOn) { // "old" is the second row, recovered elsewhere
             table().selectRow(1);
             enter("FolderEdit", "nowhere");
-            messages.expect(MessageLevel::Warning, "ERROR: Choose a folder for the results*");
+            messages.expectWarning("ERROR: Choose a folder for the results*");
             control("RecoverBtn").click();
             EXPECT_TRUE(control<QDialog>("RecoverRunDlg").isVisible());
             enter("FolderEdit", path("elsewhere"));
@@ -162,17 +161,17 @@ TEST_F(ReplayDialogs, AReplayTellsWhatWillHappenAndPlaysIt) {
         {"SettingsEdit", path("gone.vco"), path("other.vco")}};
     for (const auto& [name, wrong, right] : faults) {
         enter(name, wrong);
-        messages.expect(MessageLevel::Warning, "ERROR: " + label("PlanInfo"));
+        messages.expectWarning("ERROR: " + label("PlanInfo"));
         control("OkBtn").click();
         EXPECT_EQ(control<QDialog>("ReplayRunDlg").focusWidget(), &control<QLineEdit>(name));
         enter(name, right);
     }
-    messages.expect(MessageLevel::Information, "INFO: The results of \"run.vcj\" are in folder*");
+    messages.expectInformation("INFO: The results of \"run.vcj\" are in folder*");
     control("OkBtn").click();
     EXPECT_FALSE(control<QDialog>("ReplayRunDlg").isVisible());
     EXPECT_EQ(volumesIn("training"), 20);
 
-    messages.expect(MessageLevel::Information, "INFO: The results of \"test.fmr\" are in folder*");
+    messages.expectInformation("INFO: The results of \"test.fmr\" are in folder*");
     openReplayRunDialog(session, *watch_, window_);
     control("FastBtn").click();
     control("OkBtn").click();
@@ -183,18 +182,6 @@ TEST_F(ReplayDialogs, EveryControlExplainsItselfAndFitsTheScreen) {
     crash("cut.vcj", 12);
     openRecoverRunDialog(session, *watch_, window_);
     openReplayRunDialog(session, *watch_, window_);
-    for (const auto* dialog : window_.findChildren<QDialog*>()) {
-        EXPECT_TRUE(dialog->sizeHint().width() <= 1000 && dialog->sizeHint().height() <= 700);
-        QStringList keys;
-        for (const QWidget* widget : dialog->findChildren<QWidget*>()) {
-            const QString name = widget->objectName();
-            const bool ours =
-                name.endsWith("Btn") || name.endsWith("Edit") || name.endsWith("Table");
-            EXPECT_TRUE(!ours || !widget->toolTip().isEmpty()) << name.toStdString();
-            const QString text = widget->property("text").toString();
-            if (const qsizetype mark = text.indexOf('&'); mark >= 0)
-                keys << text.mid(mark + 1, 1).toLower();
-        }
-        EXPECT_EQ(keys.removeDuplicates(), 0) << keys.join(' ').toStdString();
-    }
+    for (const auto* dialog : window_.findChildren<QDialog*>())
+        expectExplained(*dialog);
 }

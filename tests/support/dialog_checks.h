@@ -1,0 +1,26 @@
+// What holds for the controls of every dialog.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+#include <QLineEdit>
+#include <gtest/gtest.h>
+
+/// Each control that takes the keyboard explains itself, no two share a key, and the dialog fits
+/// the smallest screen, which has 768 lines.
+inline void expectExplained(const QDialog& dialog) {
+    EXPECT_TRUE(dialog.sizeHint().width() <= 1000 && dialog.sizeHint().height() <= 700);
+    QStringList keys;
+    for (const QWidget* widget : dialog.findChildren<QWidget*>()) {
+        const QString name = widget->objectName();
+        const bool ours = qobject_cast<const QLineEdit*>(widget) ||
+                          (!name.startsWith("qt_") && widget->focusPolicy() & Qt::TabFocus);
+        EXPECT_TRUE(!ours || !widget->toolTip().isEmpty()) << name.toStdString();
+        for (const char* property : {"text", "title"}) {
+            const QString text = widget->property(property).toString();
+            if (const qsizetype mark = text.indexOf('&'); mark >= 0)
+                keys << text.mid(mark + 1, 1).toLower();
+        }
+    }
+    EXPECT_EQ(keys.removeDuplicates(), 0) << keys.join(' ').toStdString();
+}
