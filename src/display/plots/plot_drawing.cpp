@@ -123,8 +123,8 @@ void PlotPainter::text(const QRectF& room, int alignment, const QString& text) {
                       metrics.elidedText(text, Qt::ElideRight, room.width()));
 }
 
-// Nothing but the background is below them, so most can be painted in their mixture with it, which is
-// much faster than blending; only where they overlap each other they have to be blended.
+// Nothing but the background is below them, so most can be painted in their mixture with it, which
+// is much faster than blending; only where they overlap each other they have to be blended.
 void PlotPainter::paintBands() {
     const double ratio = painter_.device()->devicePixelRatioF();
     PixelColumns painted(axes_, ratio);
