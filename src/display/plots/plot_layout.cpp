@@ -112,6 +112,16 @@ std::vector<PlotTick> ticksAlong(const PlotRange& range, double width, double di
     return ticksOf(range, 2);
 }
 
+/// With some room between them, unless that leaves a single one, which gives no scale.
+std::vector<PlotTick> ticksUp(const PlotRange& range, double height, double line) {
+    constexpr int most = 9;
+    int count = std::clamp(int(height / (1.6 * line)), 2, most);
+    std::vector<PlotTick> ticks = ticksOf(range, count);
+    while (ticks.size() < 2 && (count + 1) * line <= height)
+        ticks = ticksOf(range, ++count);
+    return ticks;
+}
+
 double fontFactor(const QRectF& area, bool small) {
     if (small)
         return 0.8;
@@ -163,9 +173,8 @@ PlotLayout layOutPlot(const QRectF& area, const PlotContent& content, const Plot
     (void)room.takeTop(numbers.height() / 2); // half of the uppermost number stands above
     room.dropRight(digit * 2);
 
-    const int yCount = std::clamp(int(room.rest().height() / (1.6 * numbers.height())), 2, 9);
     if (hasData(content) || content.yRange)
-        layout.yTicks = ticksOf(ranges.y, yCount);
+        layout.yTicks = ticksUp(ranges.y, room.rest().height(), numbers.height());
     const double leastCharacters = small ? 4 : 5;
     (void)room.takeLeft(std::max(double(longestText(layout.yTicks)), leastCharacters) * digit +
                         gap);

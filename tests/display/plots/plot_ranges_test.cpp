@@ -121,4 +121,12 @@ TEST(PlotLayout, LeavesTextsOutWhereThereIsNoRoom) {
     }
 }
 
+TEST(PlotRanges, AxesNeedSomethingThatStandsOnThem) {
+    PlotContent content;
+    content.note = "Wait";
+    EXPECT_FALSE(hasAxes(content));
+    content.bands = {{1, 2, Qt::red, "a"}};
+    EXPECT_TRUE(hasAxes(content));
+}
+
 } // namespace
