@@ -172,14 +172,22 @@ bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source) {
     if (scale >= 1 && overlayIsUsable(source))
         painter.emplace(source, scale);
     Canvas canvas(target);
-    for (int place = 0; place < std::min(nrOfSlices, nrOfPlaces); ++place) {
-        const int column = place % columns;
-        const int row = place / columns;
+    const int shown = std::min(nrOfSlices, nrOfPlaces);
+    const auto paint = [&](int place) {
         const int slice = sliceAtPlace(source.layout, place, nrOfSlices);
-        copyTile(canvas, images[size_t(slice)], {column * tile.width(), row * tile.height()}, tile);
-        // While the tile is still in the cache.
         if (painter && slice < source.maps->size.slices)
-            painter->paintSlice(canvas, slice, column, row);
+            painter->paintSlice(canvas, slice, place % columns, place / columns);
+    };
+    // While the tile is still in the cache; but squares that don't fill their tiles reach into
+    // others, so these come first then.
+    const bool tilesAreFilled = tile == source.slices->gridSize() * scale;
+    for (int place = 0; place < shown; ++place) {
+        copyTile(canvas, images[size_t(sliceAtPlace(source.layout, place, nrOfSlices))],
+                 {place % columns * tile.width(), place / columns * tile.height()}, tile);
+        if (tilesAreFilled)
+            paint(place);
     }
+    for (int place = 0; place < shown && !tilesAreFilled; ++place)
+        paint(place);
     return true;
 }
