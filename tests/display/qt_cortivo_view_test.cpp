@@ -2,6 +2,7 @@
 #include "display/qt_cortivo_view.h"
 
 #include "dialogs/appearance.h"
+#include "display/tile_marks.h"
 #include "run/document/qt_cortivo_doc.h"
 #include "support/scripted_messages.h"
 
@@ -112,10 +113,48 @@ TEST_F(View, DragsAreGivenUp) {
         view.slotDocumentChanged();
         (void)view.grab();
     }
+    // The release went to another window.
+    drag(from, to);
+    QMouseEvent unpressed(QEvent::MouseMove, to, view.mapToGlobal(to), Qt::NoButton, {}, {});
+    QApplication::sendEvent(&view, &unpressed);
+    EXPECT_FALSE(view.cancelDrag());
     QTest::mousePress(&view, Qt::MiddleButton, {}, from);
     QTest::mouseMove(&view, to);
     QTest::mouseRelease(&view, Qt::MiddleButton, {}, to);
     EXPECT_TRUE(selected.empty());
+    drag(at(3, 0, 0), at(3, 7, 7));
+    const QRectF before = view.tiles().area;
+    turnWheel(from, 3);
+    EXPECT_EQ(view.tiles().area, before);
+    drag(from, to); // instead of the release
+    QTest::mouseRelease(&view, Qt::LeftButton, {}, to);
+    ASSERT_EQ(selected.size(), 1u);
+    EXPECT_EQ(selected.front().slice, view.tiles().nearestVoxel(0, from).slice);
+}
+
+TEST_F(View, NamesTheSidesOfThePatient) {
+    const auto grab = [this](float row, bool inplanes) {
+        document.project.position = {.positionInfoValid = 1, .rowDirection = {row, 0, 0}};
+        view.setShowInplanes(inplanes);
+        view.slotDocumentChanged();
+        return view.grab().toImage();
+    };
+    document.slices.InplanePixmaps = document.slices.SlicePixmaps;
+    EXPECT_NE(grab(1, false), grab(-1, false));
+    EXPECT_EQ(grab(1, true), grab(0, false)) << "that of inplanes is not known";
+
+    const MosaicTiles tiles{{1, 1, 0, 1, 1}, 1, {8, 8}, {0, 0, 200, 200}};
+    const auto painted = [&](const PatientSides& sides) {
+        QImage picture(200, 200, QImage::Format_RGB32);
+        picture.fill(Qt::black);
+        QPainter painter(&picture);
+        paintTileMarks(painter, tiles, sides, tiles.area, view.font());
+        return picture;
+    };
+    const QImage both = painted({"R", "L"});
+    EXPECT_EQ(both.copy(0, 0, 100, 200), painted({"R", "R"}).copy(0, 0, 100, 200));
+    EXPECT_EQ(both.copy(100, 0, 100, 200), painted({"L", "L"}).copy(100, 0, 100, 200));
+    EXPECT_NE(both, painted({"R", "R"}));
 }
 
 TEST_F(View, ClicksReadVoxelsOut) {
@@ -130,6 +169,13 @@ TEST_F(View, ClicksReadVoxelsOut) {
     click(at(1, 7, 0));
     click({1, 300}); // beside the slices
     EXPECT_TRUE(readsOut("Drag"));
+    click(at(3, 4, 4));
+    document.mosaic.FirstShownSlice = 4; // 5 6 1 2
+    view.slotDocumentChanged();
+    const auto slices = [this] { return view.grab({0, 0, 700, 500}).toImage(); };
+    const QImage withoutCross = slices();
+    click({1, 300});
+    EXPECT_EQ(slices(), withoutCross) << "its slice is not shown";
     EXPECT_TRUE(selected.empty());
 }
 
@@ -169,6 +215,11 @@ TEST_F(View, SavesRegionsWithTheBitmap) {
     region.Left = region.Top = 3;
     region.Right = region.Bottom = 6;
     document.regions.add(std::move(region));
+    RegionOfInterest& atBorder = document.regions.add({});
+    atBorder.Left = 7;
+    atBorder.Right = 9;
+    atBorder.Top = 3;
+    atBorder.Bottom = 6;
     document.slices.InplanePixmaps.assign(6, QImage(32, 32, QImage::Format_RGB32));
     view.setShowInplanes(true);
     const QTemporaryDir folder;
@@ -178,6 +229,7 @@ TEST_F(View, SavesRegionsWithTheBitmap) {
     const QRgb color = toQColor(builtInRegionColors()[0]).rgb();
     for (const QPoint corner : {QPoint(40, 8), QPoint(39, 19), QPoint(53, 21)})
         EXPECT_EQ(saved.pixel(corner), color) << corner.x() << " " << corner.y();
+    EXPECT_EQ(saved.copy(34, 6, 4, 16), view.mosaic().copy(34, 6, 4, 16)) << "the next tile";
     for (const QPoint inside : {QPoint(45, 14), QPoint(8, 8)})
         EXPECT_EQ(saved.pixel(inside), view.mosaic().pixel(inside));
     EXPECT_NE(saved.copy(54, 8, 8, 8), view.mosaic().copy(54, 8, 8, 8)); // the number
