@@ -85,25 +85,27 @@ private:
     std::normal_distribution<double> noise_;
 };
 
+/// Sums of the voxels at these positions in the list, or of all, straight from the volumes.
+void sumPlainly(const FMRProject& project, const VoxelList& voxels, std::span<const int> used,
+                std::span<int64_t> sums) {
+    for (size_t t = 0; t < sums.size(); ++t) {
+        const std::span<const int16_t> volume = project.volumes[t];
+        sums[t] = 0;
+        for (const int position : used)
+            sums[t] += volume[voxels.offset(size_t(position), runSize)];
+        for (size_t i = 0; used.empty() && i < voxels.size(); ++i)
+            sums[t] += volume[voxels.offset(i, runSize)];
+    }
+}
+
 /// What sums cost without anything kept: the voxels in use, over all volumes.
 double plainTime(const Regions& regions, const FMRProject& project, bool best) {
     std::vector<int64_t> sums(nrOfVolumes);
     std::vector<double> times;
     for (int repeat = 0; repeat < 5; ++repeat)
         times.push_back(milliseconds([&] {
-            for (int i = 0; i < regions.count(); ++i) {
-                const RegionOfInterest& region = regions[i];
-                const std::span<const int> used = voxelsInUse(region, best);
-                if (used.empty()) {
-                    addVoxelTimeCourses(project, region.voxels, sums);
-                    continue;
-                }
-                VoxelList voxels;
-                for (const int p : used)
-                    voxels.append(region.voxels.x[size_t(p)], region.voxels.y[size_t(p)],
-                                  region.voxels.z[size_t(p)]);
-                addVoxelTimeCourses(project, voxels, sums);
-            }
+            for (int i = 0; i < regions.count(); ++i)
+                sumPlainly(project, regions[i].voxels, voxelsInUse(regions[i], best), sums);
         }));
     return median(times);
 }

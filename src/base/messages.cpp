@@ -111,12 +111,19 @@ std::optional<QString> askForText(const InputTexts& texts, const QString& start)
     return currentHandler()->inputText(texts, start);
 }
 
-QString chooseFileToOpen(const QString& title, const QString& place, const QString& filter) {
-    return currentHandler()->chooseFileToOpen(title, place, filter);
+QString waitForFileToOpen(const QString& title, const QString& place, const QString& filter) {
+    return currentHandler()->waitForFileToOpen(title, place, filter);
 }
 
 QString waitForFileToSave(const QString& title, const QString& place, const QString& filter) {
     return currentHandler()->waitForFileToSave(title, place, filter);
+}
+
+void chooseFileToOpen(const QString& title, const QString& place, const QString& filter,
+                      FileChosen chosen, OpenChooser* subject) {
+    if (subject)
+        subject->close();
+    currentHandler()->chooseFileToOpen(title, place, filter, std::move(chosen), subject);
 }
 
 void chooseFileToSave(const QString& title, const QString& place, const QString& filter,

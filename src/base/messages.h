@@ -77,12 +77,14 @@ public:
                                                             const NumberBounds& bounds) = 0;
     [[nodiscard]] virtual std::optional<QString> inputText(const InputTexts& texts,
                                                            const QString& start) = 0;
-    [[nodiscard]] virtual QString chooseFileToOpen(const QString& title, const QString& place,
-                                                   const QString& filter) = 0;
+    [[nodiscard]] virtual QString waitForFileToOpen(const QString& title, const QString& place,
+                                                    const QString& filter) = 0;
     [[nodiscard]] virtual QString waitForFileToSave(const QString& title, const QString& place,
                                                     const QString& filter) = 0;
 
     /// These open a modeless chooser. `subject` has none open; it may be nullptr.
+    virtual void chooseFileToOpen(const QString& title, const QString& place, const QString& filter,
+                                  FileChosen chosen, OpenChooser* subject) = 0;
     virtual void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                                   FileChosen chosen, OpenChooser* subject) = 0;
     virtual void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,
@@ -103,10 +105,14 @@ public:
         return {};
     }
     std::optional<QString> inputText(const InputTexts&, const QString&) override { return {}; }
-    QString chooseFileToOpen(const QString&, const QString&, const QString&) override { return {}; }
+    QString waitForFileToOpen(const QString&, const QString&, const QString&) override {
+        return {};
+    }
     QString waitForFileToSave(const QString&, const QString&, const QString&) override {
         return {};
     }
+    void chooseFileToOpen(const QString&, const QString&, const QString&, FileChosen,
+                          OpenChooser*) override {}
     void chooseFileToSave(const QString&, const QString&, const QString&, FileChosen,
                           OpenChooser*) override {}
     void chooseColor(const QString&, const RgbColor&, ColorChosen, OpenChooser&) override {}
@@ -136,16 +142,18 @@ void announce(const QString& title, const QString& text, const QString& button);
 
 /// Full path of an existing file, or an empty string when the operator cancels. In all file
 /// choosers `place` is the initial folder, or a path whose file name is suggested, and `filter` is
-/// like "Bitmaps (*.bmp)", several joined by ";;".
-[[nodiscard]] QString chooseFileToOpen(const QString& title, const QString& place,
-                                       const QString& filter);
+/// like "Bitmaps (*.bmp)", several joined by ";;". Blocks, as does the next one.
+[[nodiscard]] QString waitForFileToOpen(const QString& title, const QString& place,
+                                        const QString& filter);
 /// Full path of a file to write, with an extension of the filter, or an empty string when the
-/// operator cancels or declines to replace an existing file. Blocks, so it is only for callers that
-/// must return the path.
+/// operator cancels or declines to replace an existing file.
 [[nodiscard]] QString waitForFileToSave(const QString& title, const QString& place,
                                         const QString& filter);
-/// The modeless form: `chosen` is called with the path, or not at all. With a subject, the chooser
-/// and its question about an existing file close when the subject is destroyed.
+/// The modeless forms, for whatever can be done during a run: `chosen` is called with the path, or
+/// not at all. With a subject, the chooser and its question about an existing file close when the
+/// subject is destroyed.
+void chooseFileToOpen(const QString& title, const QString& place, const QString& filter,
+                      FileChosen chosen, OpenChooser* subject = nullptr);
 void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                       FileChosen chosen, OpenChooser* subject = nullptr);
 /// Opens a modeless colour chooser at the colour `start`. `chosen` is called when the operator

@@ -125,16 +125,19 @@ QDialog QGroupBox::indicator { width: 20px; height: 16px; image: url(:/images/co
 QDialog QGroupBox::indicator:checked { image: url(:/images/contrast_on.png); }
 QDialog QPushButton { min-width: 64px; }
 QDialog QPushButton:default { background: #1f4b47; }
-#WindowSizeBtn, #MinimizeBtn, #CloseBtn { background: transparent; border-color: transparent; }
-#WindowSizeBtn:hover, #MinimizeBtn:hover, #CloseBtn:hover, #WindowSizeBtn:focus,
-    #MinimizeBtn:focus, #CloseBtn:focus { border-color: #2fc4b2; }
+#WindowButtonsFrm QToolButton { background: transparent; border-color: transparent; }
+#WindowButtonsFrm QToolButton:hover, #WindowButtonsFrm QToolButton:focus {
+    border-color: #2fc4b2; }
 )");
 }
 
 void wrapToolTips(QWidget& root) {
-    for (QWidget* widget : root.findChildren<QWidget*>())
-        if (!widget->toolTip().isEmpty())
-            widget->setToolTip("<p>" + widget->toolTip().toHtmlEscaped() + "</p>");
+    const QString paragraph = "<p>";
+    for (QWidget* widget : root.findChildren<QWidget*>()) {
+        const QString toolTip = widget->toolTip();
+        if (!toolTip.isEmpty() && !toolTip.startsWith(paragraph)) // a part has wrapped its own
+            widget->setToolTip(paragraph + toolTip.toHtmlEscaped() + "</p>");
+    }
 }
 
 QRect screenArea(const QWidget* widget) {

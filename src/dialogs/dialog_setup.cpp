@@ -83,6 +83,30 @@ QRect placedWithin(const QRect& area, const QRect& frame) {
     return placed;
 }
 
+QPoint placeBeside(const QRect& area, const QRect& main, QSize frame, int n) {
+    constexpr QPoint offset(20, 20);
+    const int freeRight = area.right() - main.right();
+    const int freeLeft = main.left() - area.left();
+    if (std::max(freeLeft, freeRight) >= frame.width()) {
+        const int left = freeRight >= frame.width() ? main.right() + 1 : area.left();
+        return QPoint(left, main.top()) + offset * n;
+    }
+    // To the left and up: the fields of the thresholds, at the bottom, are not covered.
+    return QPoint(main.right() + 1 - frame.width(), main.top() + main.height() * 2 / 5) -
+           offset * n;
+}
+
+void showBeside(QDialog& dialog) {
+    if (!dialog.testAttribute(Qt::WA_Moved)) {
+        const QWidget* main = dialog.parentWidget()->window();
+        const bool sized = dialog.testAttribute(Qt::WA_Resized);
+        const QSize frame = (sized ? dialog.size() : dialog.sizeHint()) + windowFrame;
+        dialog.move(placeBeside(screenArea(main), main->geometry(), frame, 0));
+    }
+    showInFront(dialog);
+    keepOnScreen(dialog);
+}
+
 void keepOnScreen(QWidget& window) {
     const QRect frame = window.frameGeometry();
     const QRect placed = placedWithin(screenArea(&window), frame);

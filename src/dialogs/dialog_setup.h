@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QRect>
+#include <QSize>
 #include <QString>
 
 class QDialog;
@@ -18,8 +19,20 @@ void showInFront(QDialog& dialog);
 /// After a message about a control: gives it the focus, with a text field's content selected.
 void returnToControl(QWidget& control);
 
+/// What the frame of a window's manager adds, about.
+inline constexpr QSize windowFrame(8, 28);
+
 /// `frame` moved, and made smaller if need be, to fit into `area`.
 [[nodiscard]] QRect placedWithin(const QRect& area, const QRect& frame);
+
+/// The place of the n-th window beside the slices, n from 0: beside the main window where the
+/// screen has room, else over its right edge below the middle; each one 20 pixels from the one
+/// before. Slices at the left stay free.
+[[nodiscard]] QPoint placeBeside(const QRect& area, const QRect& main, QSize frame, int n);
+
+/// Shows a modeless window of curves or raises it. It opens at such a place, and later where the
+/// operator left it.
+void showBeside(QDialog& dialog);
 
 /// Moves a shown window, and makes it smaller if need be, so that it fits on its screen with its
 /// frame. For windows with a position of their own, and after resizing.

@@ -42,6 +42,8 @@ public:
     [[nodiscard]] const QImage& mosaic();
     /// Where the voxels lie on the view, as it was composed last; empty when none are shown.
     [[nodiscard]] MosaicTiles tiles() const;
+    /// The height at which each pixel of a slice has one of the view, with the line of read-outs.
+    [[nodiscard]] int unscaledHeight() const { return mosaic_.height() + readOutLine().height(); }
     /// The line with read-outs: of the rectangle that is dragged or the voxel that was clicked,
     /// else what the mouse does.
     [[nodiscard]] QString readOutText() const;

@@ -107,10 +107,19 @@ void ViewPanel::dock(QDockWidget& window) {
     connect(&window, &QDockWidget::visibilityChanged, this, [this, &window](bool visible) {
         if (!visible || window.isFloating() || dockSized_)
             return;
-        constexpr double share = 0.42;
-        area_->resizeDocks({&window}, {int(area_->height() * share)}, Qt::Vertical);
+        area_->resizeDocks({&window}, {firstDockHeight()}, Qt::Vertical);
         dockSized_ = true;
     });
+}
+
+// Plots need some room, slices would like a pixel for each voxel.
+int ViewPanel::firstDockHeight() const {
+    constexpr double least = 0.35;
+    constexpr double most = 0.42;
+    constexpr int separator = 8;
+    const int height = area_->height();
+    const int slices = functionalView_ ? functionalView_->unscaledHeight() : 0;
+    return std::clamp(height - slices - separator, int(height * least), int(height * most));
 }
 
 void ViewPanel::showSlices() {

@@ -50,6 +50,7 @@ Q_SIGNALS:
 
 private:
     void createButtons(QWidget* parent);
+    [[nodiscard]] int firstDockHeight() const;
     /// Passes on what the session has, and has the view repainted.
     void showCurrentState();
 

@@ -84,7 +84,7 @@ VoxelList selectROIVoxels(const SelectionMaps& maps, bool selectOnlyMapVoxels, i
                   maps.size);
     // A list that grows holds its voxels up to three times.
     if (!memoryIsAvailable(box.voxels(), 3 * 3 * sizeof(int))) {
-        showWarning(QStringLiteral("ERROR: Insufficient memory!"));
+        showModelessWarning(QStringLiteral("ERROR: Insufficient memory!"));
         return {};
     }
     const ActiveTest test(maps, selectOnlyMapVoxels);

@@ -55,14 +55,3 @@ void updateTimeCourse(RegionOfInterest& region, const FMRProject& project, int n
         region.TimeCourseValues[t] = float(double(sums[t]) / nrUsed);
     region.CurrentTimePoint = int(count) - 1;
 }
-
-void addVoxelTimeCourses(const FMRProject& project, const VoxelList& voxels,
-                         std::span<int64_t> sums) {
-    const VolumeSize size = project.size();
-    for (size_t t = 0; t < sums.size(); ++t) {
-        const std::span<const int16_t> volume = project.volumes[t];
-        sums[t] = 0;
-        for (size_t i = 0; i < voxels.size(); ++i)
-            sums[t] += volume[voxels.offset(i, size)];
-    }
-}

@@ -23,9 +23,5 @@ RegionOfInterest& createROIFromVoxels(Regions& regions, const FMRProject& projec
 void updateTimeCourse(RegionOfInterest& region, const FMRProject& project, int nrOfVolumes,
                       bool bestVoxelSelection);
 
-/// Sums of the voxels for the volumes 0 to sums.size() - 1 of the project, which must exist.
-void addVoxelTimeCourses(const FMRProject& project, const VoxelList& voxels,
-                         std::span<int64_t> sums);
-
 /// True when the voxel lies in a volume of this size.
 [[nodiscard]] bool isInside(const VolumeSize& size, int x, int y, int z);

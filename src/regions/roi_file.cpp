@@ -221,12 +221,13 @@ void reportVoxelsOutside(const QString& fileName, const SavedRegions& saved) {
         voxels += region.voxelsOutside;
     if (voxels == 0 && saved.regionsOutside == 0)
         return;
-    showWarning(QStringLiteral("WARNING: Not all of the regions-of-interest file \"%1\" fits the "
-                               "volumes of this run. Left out: %2 regions, and %3 voxels of the "
-                               "other regions.")
-                    .arg(fileName)
-                    .arg(saved.regionsOutside)
-                    .arg(voxels));
+    showModelessWarning(
+        QStringLiteral("WARNING: Not all of the regions-of-interest file \"%1\" fits the "
+                       "volumes of this run. Left out: %2 regions, and %3 voxels of the "
+                       "other regions.")
+            .arg(fileName)
+            .arg(saved.regionsOutside)
+            .arg(voxels));
 }
 
 } // namespace
@@ -268,30 +269,33 @@ QByteArray roiFileText(const Regions& regions, const RegionOptions& options) {
 bool readROIFile(const QString& fileName, const VolumeSize& size, SavedRegions& saved) {
     QString text;
     if (!readTextFile(fileName, text)) {
-        showWarning(QStringLiteral(
+        showModelessWarning(QStringLiteral(
             "ERROR: Can not open .ROI file for loading previously defined regions-of-interest !"));
         return false;
     }
     switch (parseROIFile(text, size, saved)) {
     case RoiFileResult::IncompatibleVersion:
-        showWarning(QStringLiteral("ERROR - Incompatible file version \"%1\". Can only read file "
-                                   "version \"3\" - \"5\" files.")
-                        .arg(saved.fileVersion));
+        showModelessWarning(
+            QStringLiteral("ERROR - Incompatible file version \"%1\". Can only read file "
+                           "version \"3\" - \"5\" files.")
+                .arg(saved.fileVersion));
         return false;
     case RoiFileResult::OutOfMemory:
-        showWarning(QStringLiteral("ERROR: Insufficient memory!"));
+        showModelessWarning(QStringLiteral("ERROR: Insufficient memory!"));
         return false;
     case RoiFileResult::Damaged:
-        showWarning(QStringLiteral("ERROR: Can not read the regions-of-interest file \"%1\": %2.")
-                        .arg(fileName, saved.fault));
+        showModelessWarning(
+            QStringLiteral("ERROR: Can not read the regions-of-interest file \"%1\": %2.")
+                .arg(fileName, saved.fault));
         return false;
     case RoiFileResult::Ok:
         break;
     }
     if (saved.regions.empty() && saved.regionsOutside > 0) {
-        showWarning(QStringLiteral("WARNING: The regions-of-interest file \"%1\" holds no region "
-                                   "that lies in the volumes of this run.")
-                        .arg(fileName));
+        showModelessWarning(
+            QStringLiteral("WARNING: The regions-of-interest file \"%1\" holds no region "
+                           "that lies in the volumes of this run.")
+                .arg(fileName));
         return false;
     }
     reportVoxelsOutside(fileName, saved);

@@ -44,7 +44,8 @@ enum class RoiFileResult { Ok, IncompatibleVersion, Damaged, OutOfMemory };
 /// The text of version 5.
 [[nodiscard]] QByteArray roiFileText(const Regions& regions, const RegionOptions& options);
 
-/// Reads the file, with its messages. False after one: it can't be opened, has an unknown version,
+/// Reads the file, with its messages, which are modeless: the run that it is read for is still
+/// there afterwards. False after one: it can't be opened, has an unknown version,
 /// is damaged, or has all its regions outside the volume. A file may hold no regions. Voxels
 /// outside are reported.
 [[nodiscard]] bool readROIFile(const QString& fileName, const VolumeSize& size,

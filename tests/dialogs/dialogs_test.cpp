@@ -60,6 +60,7 @@ TEST(DialogSetup, NamesControlsAndWrapsToolTips) {
         layout->addWidget(widget);
     }
     prepareDialog(dialog);
+    wrapToolTips(dialog); // once more changes nothing
     EXPECT_EQ(bare->toolTip(), "<p>Up to a &lt; b</p>");
     EXPECT_EQ(bare->accessibleName(), "Up to a < b");
     EXPECT_EQ(named->accessibleName(), "Its own");
@@ -76,6 +77,14 @@ TEST(DialogSetup, KeepsWindowsOnTheScreen) {
     };
     for (const auto& [frame, expected] : cases)
         EXPECT_EQ(placedWithin(area, frame), expected) << frame.x() << ' ' << frame.y();
+}
+
+TEST(DialogSetup, SmallWindowsStandBesideTheMainOneOrAtItsRight) {
+    const QRect main(0, 0, 1024, 768);
+    const QSize frame(280, 310);
+    EXPECT_EQ(placeBeside({0, 0, 1304, 768}, main, frame, 2), QPoint(1064, 40));
+    EXPECT_EQ(placeBeside({-280, 0, 1304, 768}, main, frame, 0), QPoint(-280, 0));
+    EXPECT_EQ(placeBeside({0, 0, 1303, 768}, main, frame, 1), QPoint(724, 287));
 }
 
 TEST(DialogSetup, TallContentScrollsOnlyWhereTheScreenIsTooSmall) {

@@ -85,9 +85,6 @@ TEST_P(RegionTimeCourse, HasItsHistoryAtOnce) {
     EXPECT_EQ(region.TopVoxelRatio, 0.25f);
     EXPECT_EQ(region.TopVoxelSelectionMode, 3);
     EXPECT_EQ(&regions[0], &region);
-    std::vector<int64_t> sums(1);
-    addVoxelTimeCourses(project, voxels, sums);
-    EXPECT_EQ(float(double(sums[0]) / double(voxels.size())), region.TimeCourseValues[0]);
 }
 
 TEST_P(RegionTimeCourse, FollowsTheBestVoxelsThroughItsWholeHistory) {

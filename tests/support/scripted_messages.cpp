@@ -61,12 +61,18 @@ void ScriptedMessages::announce(const QString&, const QString& text, const QStri
     meetNext("announcement", text);
 }
 
-QString ScriptedMessages::chooseFileToOpen(const QString& title, const QString&, const QString&) {
+QString ScriptedMessages::waitForFileToOpen(const QString& title, const QString&, const QString&) {
     return meet<QString>("file choice", title).value_or(QString());
 }
 
 QString ScriptedMessages::waitForFileToSave(const QString& title, const QString&, const QString&) {
     return meet<QString>("file choice", title).value_or(QString());
+}
+
+void ScriptedMessages::chooseFileToOpen(const QString& title, const QString& place,
+                                        const QString& filter, FileChosen chosen,
+                                        OpenChooser* subject) {
+    chooseFileToSave(title, place, filter, std::move(chosen), subject);
 }
 
 void ScriptedMessages::chooseFileToSave(const QString& title, const QString&, const QString&,

@@ -43,11 +43,13 @@ public:
     }
     bool ask(const QString& text, const QString& title, DefaultAnswer) override;
     void announce(const QString& title, const QString& text, const QString& button) override;
-    QString chooseFileToOpen(const QString& title, const QString& place,
-                             const QString& filter) override;
+    QString waitForFileToOpen(const QString& title, const QString& place,
+                              const QString& filter) override;
     QString waitForFileToSave(const QString& title, const QString& place,
                               const QString& filter) override;
-    /// Both answer at once.
+    /// These answer at once.
+    void chooseFileToOpen(const QString& title, const QString& place, const QString& filter,
+                          FileChosen chosen, OpenChooser* subject) override;
     void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                           FileChosen chosen, OpenChooser* subject) override;
     void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,

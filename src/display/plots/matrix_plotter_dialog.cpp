@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/plots/matrix_plotter_dialog.h"
 
-#include "base/messages.h"
 #include "base/paths.h"
 #include "base/standard_folders.h"
 #include "dialogs/dialog_setup.h"
 #include "ui_matrix_plotter_dialog.h"
 
-#include <QPointer>
 #include <QSignalBlocker>
 
 MatrixPlotterDlg::MatrixPlotterDlg(QWidget* parent)
@@ -65,9 +63,8 @@ void MatrixPlotterDlg::onSelectSpBxChanged(int new_val) {
 }
 
 void MatrixPlotterDlg::onBrowseLUTFile() {
-    const QPointer<MatrixPlotterDlg> self(this); // a chooser processes events
     const QString folder = paths::join(standardFolders().extensionsPath, "MapLUTs");
-    const QString path = chooseFileToOpen("Open OLT File", folder, "Look-up table files (*.olt)");
-    if (self && !path.isEmpty())
-        ui_->LUTEdit->setText(path);
+    chooseFileToOpen(
+        "Open OLT File", folder, "Look-up table files (*.olt)",
+        [this](const QString& path) { ui_->LUTEdit->setText(path); }, &chooser_);
 }

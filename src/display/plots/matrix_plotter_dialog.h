@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/messages.h"
+
 #include <QDialog>
 #include <memory>
 
@@ -35,4 +37,5 @@ public Q_SLOTS:
 
 private:
     const std::unique_ptr<Ui::MatrixPlotterDlg> ui_;
+    OpenChooser chooser_;
 };

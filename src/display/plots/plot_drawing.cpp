@@ -66,9 +66,11 @@ void PlotPainter::paint() {
     for (const PlotMarks& marks : content_.marks)
         paintMarks(marks);
     painter_.restore();
-    paintFrame();
     painter_.setFont(layout_.textFont);
-    paintLines();
+    if (hasAxes(content_)) {
+        paintFrame();
+        paintLines();
+    }
     paintBarNames();
     paintLegend();
     paintLabels();
@@ -262,7 +264,8 @@ void PlotPainter::paintNumbers() {
 
 void PlotPainter::paintBarNames() {
     const QFontMetricsF metrics = painter_.fontMetrics();
-    if (barWidth() < 2 * metrics.averageCharWidth())
+    constexpr int leastCharacters = 4; // a name cut shorter says nothing
+    if (barWidth() < leastCharacters * metrics.averageCharWidth())
         return; // the read-out has the names
     painter_.setPen(plotColors::quietText);
     for (size_t i = 0; i < content_.bars.size(); ++i) {

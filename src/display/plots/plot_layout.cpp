@@ -11,7 +11,7 @@
 namespace {
 
 constexpr double smallWidth = 220; // logical pixels
-constexpr double smallHeight = 130;
+constexpr double smallHeight = 120;
 constexpr double largeWidth = 700;
 constexpr double heightForXLabel = 150;
 constexpr double gap = 4;
@@ -176,7 +176,7 @@ PlotLayout layOutPlot(const QRectF& area, const PlotContent& content, const Plot
     axes.setWidth(std::max(axes.width(), 1.0));
     axes.setHeight(std::max(axes.height(), 1.0));
     layout.geometry = {axes, ranges.x, ranges.y};
-    if (content.bars.empty())
+    if (content.bars.empty() && hasAxes(content))
         layout.xTicks = ticksAlong(ranges.x, axes.width(), digit);
     if (!layout.xLabel.isEmpty()) {
         layout.xLabel.setLeft(axes.left());

@@ -212,3 +212,7 @@ bool hasData(const PlotContent& content) {
                return std::any_of(curve.values.begin(), curve.values.end(), isFinite);
            });
 }
+
+bool hasAxes(const PlotContent& content) {
+    return hasData(content) || !content.bands.empty() || content.xRange || content.yRange;
+}

@@ -34,3 +34,6 @@ struct PlotRanges {
 
 /// Whether there is any finite value to show.
 [[nodiscard]] bool hasData(const PlotContent& content);
+
+/// Whether the numbers of axes would mean anything: there are data, intervals or a given range.
+[[nodiscard]] bool hasAxes(const PlotContent& content);

@@ -96,7 +96,9 @@ bool AveragingPlotDlg::draw() {
         }
         plotted.push_back(std::move(averages));
     }
-    const float TR = session_.functionalDocument ? session_.functionalDocument->project.TR : 0.0f;
+    const QtCortivoDoc* document = session_.functionalDocument.get();
+    const float TR = document ? document->project.TR : 0.0f;
+    plotter().setSaveFolder(document ? document->project.targetFolder : QString());
     plotter().setContent(averagingContent(plotted, settings_.averaging,
                                           averagingInterval(settings_.timeAxis, TR), TR));
     return true;

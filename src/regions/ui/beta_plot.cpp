@@ -27,8 +27,10 @@ void BetaPlot::refresh() {
     const std::optional<PlottedRegion> plotted = regionOfSession(session_, number_);
     if (!plotted)
         return plotter_->setContent({});
+    const QtCortivoDoc& document = *session_.functionalDocument;
+    plotter_->setSaveFolder(document.project.targetFolder);
     plotter_->setContent(
-        betaContent(*plotted, session_.functionalDocument->design,
+        betaContent(*plotted, document.design,
                     settings_.commonBetaScale ? std::optional(settings_.betaRange) : std::nullopt));
 }
 

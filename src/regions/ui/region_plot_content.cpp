@@ -106,6 +106,8 @@ PlotContent timeCourseContent(const PlottedRegion& plotted, const StimulationPro
     PlotContent content;
     content.xLabel = "Volume";
     content.yLabel = display.percent ? "% signal change" : "Signal";
+    if (display.detrended)
+        content.yLabel += ", detrended";
     content.xStart = 1.0;
     content.xRange = PlotRange{0.5, std::max(plotted.region.NrOfValues(), 1) + 0.5};
     content.yRange = range;

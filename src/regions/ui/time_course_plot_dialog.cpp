@@ -8,6 +8,8 @@
 #include "regions/ui/session_region.h"
 #include "ui_time_course_plot_dialog.h"
 
+#include <QMenu>
+
 namespace {
 
 QFont smaller(QFont font) {
@@ -15,6 +17,23 @@ QFont smaller(QFont font) {
     font.setPointSizeF(font.pointSizeF() * factor);
     return font;
 }
+
+/// Opens the menu of a button below it. Of itself a tool button runs an event loop while its menu
+/// is open, in which a run would stand still.
+class MenuBesideRun : public QObject {
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const auto* button = static_cast<QToolButton*>(watched);
+        const bool pressed = event->type() == QEvent::MouseButtonPress ||
+                             event->type() == QEvent::MouseButtonDblClick;
+        if (!pressed || !button->menu())
+            return false;
+        button->menu()->popup(button->mapToGlobal(QPoint(0, button->height())));
+        return true;
+    }
+};
 
 } // namespace
 
@@ -32,7 +51,9 @@ TimeCoursePlotDlg::TimeCoursePlotDlg(RunSession& session, RegionPlotSettings& se
     connect(ui_->SaveBitmapAction, &QAction::triggered, this, &TimeCoursePlotDlg::slotSaveAsBMP);
     connect(ui_->HelpAction, &QAction::triggered, this, &TimeCoursePlotDlg::slotShowHelpHTML);
     ui_->RegionInfoLbl->setFont(smaller(font()));
-    // The row cuts off what has no room.
+    // The row cuts off what has no room, and has a button for it.
+    if (auto* more = ui_->PlotOptions->findChild<QToolButton*>("qt_toolbar_ext_button"))
+        more->installEventFilter(new MenuBesideRun(more));
     addActions(ui_->PlotOptions->actions());
     setContextMenuPolicy(Qt::ActionsContextMenu);
     wrapToolTips(*this);
@@ -140,7 +161,7 @@ void TimeCoursePlotDlg::openAveragingWindow() {
         AveragingWindow = new AveragingPlotDlg(session_, settings_, this);
         connect(AveragingWindow, &AveragingPlotDlg::edited, this, &TimeCoursePlotDlg::drawAverages);
     }
-    showInFront(*AveragingWindow);
+    showBeside(*AveragingWindow);
     drawAverages();
 }
 

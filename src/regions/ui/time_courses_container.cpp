@@ -37,6 +37,13 @@ TimeCoursesContainer::TimeCoursesContainer(RunSession& session, QWidget* parent)
 TimeCoursesContainer::~TimeCoursesContainer() = default;
 
 void TimeCoursesContainer::connectControls() {
+    connect(this, &QDockWidget::topLevelChanged, this, [this](bool floating) {
+        constexpr QSize comfortable(700, 300);
+        if (!floating)
+            return;
+        resize(size().expandedTo(comfortable));
+        keepOnScreen(*this);
+    });
     connect(ui_->NrOfRowsSpBx, &QSpinBox::valueChanged, this,
             &TimeCoursesContainer::onNrOfRowsChanged);
     connect(ui_->ShowTCsBtn, &QToolButton::clicked, this, &TimeCoursesContainer::onShowOnlyTCs);
@@ -114,16 +121,15 @@ void TimeCoursesContainer::resizeFloating(int count) {
     }
 }
 
-// Each window stands a little below and to the right of the one before.
 void TimeCoursesContainer::placeFloating(RegionSlot& window, int number) {
-    constexpr int offset = 20; // pixels for each region
-    constexpr QSize size(420, 260);
+    constexpr QSize size(272, 282);
     window.setWindowFlags(Qt::Dialog);
     window.setAttribute(Qt::WA_ShowWithoutActivating);
     window.setContentsMargins(6, 6, 6, 6);
     window.resize(size);
     const QWidget* main = parentWidget() ? parentWidget()->window() : window.window();
-    window.move(main->geometry().topLeft() + QPoint(offset, offset) * (number + 1));
+    window.move(
+        placeBeside(screenArea(main), main->geometry(), size + windowFrame, number - fixedSlots));
     window.show();
     keepOnScreen(window);
 }

@@ -123,16 +123,14 @@ void SessionRegions::removeAll() {
 void SessionRegions::chooseFileToLoad() {
     if (!mayChange())
         return;
-    const QString fileName =
-        chooseFileToOpen("Open ROI File", document_->project.targetFolder, fileFilter);
-    if (!fileName.isEmpty())
-        static_cast<void>(load(fileName));
+    chooseFileToOpen(
+        "Open ROI File", document_->project.targetFolder, fileFilter,
+        [this](const QString& fileName) { static_cast<void>(load(fileName)); }, &chooser_);
 }
 
 bool SessionRegions::load(const QString& fileName) {
     SavedRegions saved;
-    // The chooser and the messages of reading process events.
-    if (!mayChange() || !readROIFile(fileName, document_->project.size(), saved) || !mayChange())
+    if (!mayChange() || !readROIFile(fileName, document_->project.size(), saved))
         return false;
     if (saved.regions.empty()) {
         showWarning(QStringLiteral("WARNING: The regions-of-interest file \"%1\" holds no regions.")
@@ -218,6 +216,14 @@ bool SessionRegions::atStep(VolumeStep step, const VolumeAtHand& hand) {
         break;
     }
     return true;
+}
+
+// A volume at which a listener or a protocol ended the run counts, but passed none of the steps.
+void SessionRegions::loopEnded(QtCortivoDoc& document) {
+    if (run().nrOfVolumes == 0 || document.regions.empty())
+        return;
+    updateRegions(run());
+    parts_.listeners.regionsChanged(document);
 }
 
 void SessionRegions::recordPlayed(const RunRecord& record) {

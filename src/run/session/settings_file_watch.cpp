@@ -237,10 +237,10 @@ void SettingsFileWatch::askForFolder(bool beforeAppExec) {
 bool SettingsFileWatch::setSettingsFile(const QString& name) {
     QString chosen = name;
     if (chosen.isEmpty())
-        chosen = chooseFileToOpen("Open File",
-                                  master_.settingsDirectory.isEmpty() ? folders_.dataPath
-                                                                      : master_.settingsDirectory,
-                                  "Velo-Cortivo settings files (*.vco)");
+        chosen = waitForFileToOpen("Open File",
+                                   master_.settingsDirectory.isEmpty() ? folders_.dataPath
+                                                                       : master_.settingsDirectory,
+                                   "Velo-Cortivo settings files (*.vco)");
     // Auto-start may have begun a run while the chooser was open.
     if (chosen.isEmpty() || !session_.phase.isIdle() || !session_.mayLeaveRun())
         return false;
@@ -332,14 +332,17 @@ bool SettingsFileWatch::playBesideCurrentFile(const PlayOptions& options,
 void SettingsFileWatch::choosePreLoadedRegions() {
     // The lit state of the button shows auto-advance; a click does not change it.
     showControls();
-    session_.requests.preLoadROIFile =
-        chooseFileToOpen("Open File", master_.settingsDirectory, "Region files (*.roi)");
+    // The regions of earlier runs are saved with their results.
+    const QtCortivoDoc* document = session_.functionalDocument.get();
+    session_.requests.preLoadROIFile = waitForFileToOpen(
+        "Open File", document ? document->project.targetFolder : master_.settingsDirectory,
+        "ROI definition files (*.roi)");
     showControls();
 }
 
 void SettingsFileWatch::choosePreLoadedVolumesOfInterest() {
     showControls();
-    const QString file = chooseFileToOpen("Open File", master_.settingsDirectory,
-                                          "Volume of interest files (*.voi)");
+    const QString file = waitForFileToOpen("Open File", master_.settingsDirectory,
+                                           "Volume of interest files (*.voi)");
     session_.requests.preLoadVOI = session_.requests.preLoadVOI || !file.isEmpty();
 }

@@ -141,6 +141,7 @@ void setUp(QFileDialog& dialog, const QString& title, const QString& place, cons
                       QFileDialog::ReadOnly);
     for (QAbstractItemView* view : dialog.findChildren<QAbstractItemView*>())
         view->setDragEnabled(false);
+    dialog.setStyleSheet("QToolButton { padding: 1px; }"); // they are small, their icons larger
     const QFileInfo info(place);
     if (place.isEmpty() || info.isDir())
         return dialog.setDirectory(place);
@@ -250,8 +251,8 @@ std::optional<QString> MessageBoxes::inputText(const InputTexts& texts, const QS
     return dialog.wait() ? std::optional(dialog->textValue()) : std::nullopt;
 }
 
-QString MessageBoxes::chooseFileToOpen(const QString& title, const QString& place,
-                                       const QString& filter) {
+QString MessageBoxes::waitForFileToOpen(const QString& title, const QString& place,
+                                        const QString& filter) {
     ModalDialog<QFileDialog> dialog;
     setUp(*dialog, title, place, filter);
     dialog->setFileMode(QFileDialog::ExistingFile);
@@ -271,6 +272,29 @@ QString MessageBoxes::waitForFileToSave(const QString& title, const QString& pla
         waitForBox(QMessageBox::Question, replaceQuestion(path), programTitle,
                    QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
     return mayWrite ? path : QString();
+}
+
+void MessageBoxes::chooseFileToOpen(const QString& title, const QString& place,
+                                    const QString& filter, FileChosen chosen,
+                                    OpenChooser* subject) {
+    auto* dialog = new QFileDialog(boxParent());
+    setUp(*dialog, title, place, filter);
+    // Of a file that must exist it would tell in a box of its own, which would hold up a run.
+    dialog->setFileMode(QFileDialog::AnyFile);
+    const auto request = std::make_shared<OpenRequest>(OpenRequest{dialog});
+    QObject::connect(dialog, &QFileDialog::fileSelected, dialog,
+                     [request, chosen = std::move(chosen)](const QString& path) {
+                         if (request->dropped)
+                             return;
+                         if (QFile::exists(path))
+                             chosen(path);
+                         else
+                             showModelessWarning(
+                                 QStringLiteral("WARNING: There is no file \"%1\".").arg(path));
+                     });
+    if (subject)
+        subject->hold([request] { request->drop(); });
+    showBeside(dialog);
 }
 
 void MessageBoxes::chooseFileToSave(const QString& title, const QString& place,

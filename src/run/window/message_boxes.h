@@ -28,10 +28,12 @@ public:
                                                     const NumberBounds& bounds) override;
     [[nodiscard]] std::optional<QString> inputText(const InputTexts& texts,
                                                    const QString& start) override;
-    [[nodiscard]] QString chooseFileToOpen(const QString& title, const QString& place,
-                                           const QString& filter) override;
+    [[nodiscard]] QString waitForFileToOpen(const QString& title, const QString& place,
+                                            const QString& filter) override;
     [[nodiscard]] QString waitForFileToSave(const QString& title, const QString& place,
                                             const QString& filter) override;
+    void chooseFileToOpen(const QString& title, const QString& place, const QString& filter,
+                          FileChosen chosen, OpenChooser* subject) override;
     void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                           FileChosen chosen, OpenChooser* subject) override;
     void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,

@@ -2,6 +2,7 @@
 #include "volume/ui/motion_plot_content.h"
 
 #include "display/plots/plot_colors.h"
+#include "display/plots/plot_ranges.h"
 #include "volume/motion_quality.h"
 
 #include <algorithm>
@@ -21,7 +22,8 @@ PlotContent emptyContent(const PlottedMotion& plotted, const QString& title, con
     content.title = title;
     content.yLabel = unit;
     content.xStart = 1.0;
-    content.xRange = PlotRange{0.5, std::max(plotted.nrOfVolumes, 1) + 0.5};
+    if (plotted.nrOfVolumes > 0)
+        content.xRange = PlotRange{0.5, plotted.nrOfVolumes + 0.5};
     content.bands = plotted.bands;
     for (PlotBand& band : content.bands)
         band.name.clear();
@@ -66,6 +68,16 @@ PlotContent courseContent(const PlottedMotion& plotted, std::span<const float> v
     return content;
 }
 
+/// From 0, since a displacement is never below it, and up to the limit at least.
+PlotRange displacementRange(std::span<const float> values) {
+    constexpr double margin = 1.04;
+    double largest = framewiseDisplacementLimit;
+    for (const float value : values)
+        if (std::isfinite(value))
+            largest = std::max(largest, double(value));
+    return roundedOut({0.0, largest * margin});
+}
+
 /// Right-aligned, a dash where there is none.
 QString number(std::span<const float> values, int volume, int decimals) {
     constexpr int width = 7;
@@ -97,6 +109,8 @@ PlotContent displacementContent(const PlottedMotion& plotted) {
     limit.color = limitColor;
     limit.text = QString("%1 mm").arg(framewiseDisplacementLimit);
     content.lines.push_back(limit);
+    if (plotted.measured > 0)
+        content.yRange = displacementRange(plotted.displacement);
     return content;
 }
 

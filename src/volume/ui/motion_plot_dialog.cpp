@@ -27,6 +27,7 @@ MotionPlotDlg::MotionPlotDlg(RunSession& session, QWidget* parent)
                          "the change from one volume to the next in percent of the mean signal");
     layOut();
     prepareDialog(*this);
+    resize(640, 560); // beside it the slices and the run button stay visible
     rest_.setSingleShot(true);
     connect(&rest_, &QTimer::timeout, this, &MotionPlotDlg::refresh);
     session_.listeners.add(*this, ListenerPlace::Plots);
@@ -160,5 +161,5 @@ void openMotionPlot(RunSession& session, QWidget& window) {
         dialog = new MotionPlotDlg(session, &window);
     else if (dialog->isVisible())
         dialog->renew();
-    showInFront(*dialog);
+    showBeside(*dialog);
 }

@@ -196,12 +196,29 @@ TEST_F(Boxes, HoldUpARunOnlyWhereAnAnswerIsNeeded) {
 }
 
 TEST_F(Boxes, ChooseFilesThatExistAndGiveNewOnesTheirExtension) {
-    const auto openFile = [this] { return chooseFileToOpen("Open", file(""), "ROI (*.roi)"); };
+    const auto openFile = [this] { return waitForFileToOpen("Open", file(""), "ROI (*.roi)"); };
     EXPECT_EQ(answered(openFile, {typed("old.roi")}), file("old.roi"));
     for (const Act& cancelling : cancellings) {
         EXPECT_EQ(answered(openFile, {cancelling}), "");
         showWindow();
     }
+    // The same without waiting; of a missing file is told at once, in no box that holds up a run.
+    QString opened;
+    const auto openBeside = [&](const QString& name) {
+        chooseFileToOpen("Open", file(""), "ROI (*.roi)",
+                         [&](const QString& path) { opened = path; });
+        typed(name)(*open<QFileDialog>().at(0));
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+        EXPECT_TRUE(open<QFileDialog>().empty());
+    };
+    openBeside("missing.roi");
+    EXPECT_EQ(opened, "");
+    QMessageBox* const told = open<QMessageBox>().at(0);
+    EXPECT_EQ(told->text(), QString("WARNING: There is no file \"%1\".").arg(file("missing.roi")));
+    told->close();
+    openBeside("old.roi");
+    EXPECT_EQ(opened, file("old.roi"));
+    showWindow();
     const struct {
         QString proposed;
         QString filter;
@@ -246,8 +263,11 @@ TEST_F(Boxes, ChoosersCloseWithTheirSubjectAndCallNobody) {
     chooseFileToSave("Save", file("old"), "ROI (*.roi)", unwanted, &subject);
     EXPECT_TRUE(open<QMessageBox>().empty()) << "the question of the chooser before";
     pressed(QMessageBox::Yes)(*box);
+    chooseFileToOpen("Open", file(""), "ROI (*.roi)", unwanted, &subject);
+    QFileDialog* const opening = open<QFileDialog>().at(0);
     subject.close();
     EXPECT_TRUE(open<QFileDialog>().empty());
+    typed("old.roi")(*opening);
 
     // The answer itself may be what ends the subject.
     RgbColor chosen;

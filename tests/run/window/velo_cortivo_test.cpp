@@ -11,6 +11,7 @@
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QFile>
+#include <QFileDialog>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -27,7 +28,14 @@ TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
     prepare(1, Phase::Recording);
     MessageBoxes boxes;
     installMessageHandler(&boxes);
+    document().project.NrOfVolumes = 1;
+    ASSERT_TRUE(document().project.allocateVolumes());
+    window_->session().report.currentVolume = 0;
     // Each of these has an event loop of its own unless it is told otherwise.
+    window_->slotLoadROIs();
+    const auto* regions = window_->findChild<QFileDialog*>();
+    ASSERT_NE(regions, nullptr);
+    EXPECT_TRUE(regions->isVisible());
     click(0, ContrastList::Color);
     const QColorDialog* chooser = nullptr;
     for (const QWidget* widget : QApplication::topLevelWidgets())
@@ -44,6 +52,7 @@ TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
     window_->session().listeners.documentsLeaving();
     EXPECT_FALSE(chooser->isVisible()) << "its contrast has gone";
+    EXPECT_FALSE(regions->isVisible()) << "so has the run of the regions";
     installMessageHandler(&messages_);
     runOver();
 }

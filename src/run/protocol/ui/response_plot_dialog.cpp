@@ -24,7 +24,14 @@ void ResponsePlotDlg::takeVolumes() {
 
 void ResponsePlotDlg::documentsLeaving() {
     volumes_ = 0;
+    drawNothing();
+}
+
+void ResponsePlotDlg::drawNothing() {
     init();
+    PlotContent nothing;
+    nothing.note = "No run yet";
+    setContent(std::move(nothing));
 }
 
 void ResponsePlotDlg::runPrepared(QtCortivoDoc&) {
@@ -49,7 +56,7 @@ void ResponsePlotDlg::showEvent(QShowEvent* event) {
 void ResponsePlotDlg::refresh() {
     const QtCortivoDoc* document = session_.functionalDocument.get();
     if (!document)
-        return init();
+        return drawNothing();
     const FMRProject& project = document->project;
     plotter().setSaveFolder(project.targetFolder);
     setContent(
@@ -60,5 +67,5 @@ void openResponsePlot(RunSession& session, QWidget& window) {
     auto* dialog = window.findChild<ResponsePlotDlg*>();
     if (!dialog)
         dialog = new ResponsePlotDlg(session, &window);
-    showInFront(*dialog);
+    showBeside(*dialog);
 }

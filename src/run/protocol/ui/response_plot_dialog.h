@@ -25,6 +25,7 @@ protected:
 private:
     void takeVolumes();
     void refresh();
+    void drawNothing();
 
     RunSession& session_;
     int volumes_ = 0; ///< measured ones of the run in memory

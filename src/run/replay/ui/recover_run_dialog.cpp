@@ -117,7 +117,7 @@ void RecoverRunDlg::openJournal() {
     const JournalDescription* journal = chosen();
     const QString place =
         journal ? paths::folderWithSlash(journal->path) : session_.settings.TargetFolder;
-    const QString path = chooseFileToOpen("Open File", place, "Journals (*.vcj)");
+    const QString path = waitForFileToOpen("Open File", place, "Journals (*.vcj)");
     if (self && !path.isEmpty())
         addJournal(path);
 }

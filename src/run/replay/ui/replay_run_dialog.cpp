@@ -56,7 +56,7 @@ void ReplayRunDlg::browse(QLineEdit& field, const QString& filter) {
     // The chooser processes events: a run may begin in them and delete the dialog.
     const QPointer<ReplayRunDlg> self(this);
     const QString& start = field.text().isEmpty() ? current_.settingsFilePath : field.text();
-    const QString path = chooseFileToOpen("Open File", paths::folderWithSlash(start), filter);
+    const QString path = waitForFileToOpen("Open File", paths::folderWithSlash(start), filter);
     if (!self || path.isEmpty())
         return;
     if (&field == ui_->SettingsEdit)
