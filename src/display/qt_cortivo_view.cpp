@@ -38,6 +38,7 @@ QtCortivoView::QtCortivoView(QtCortivoDoc* document, const OverlayThresholds& th
     : QWidget(parent), document_(document), thresholds_(thresholds) {
     setObjectName("QtCortivoView");
     setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true); // tells of a release that went elsewhere
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName("Slices");
 }

@@ -51,6 +51,8 @@ void QtCortivoView::mousePressEvent(QMouseEvent* event) {
 
 void QtCortivoView::mouseMoveEvent(QMouseEvent* event) {
     const QPointF position = event->position();
+    if (action_ == MouseAction::None)
+        return;
     // The release went elsewhere, as when another window came to the front.
     if (!(event->buttons() & buttonOfAction())) {
         action_ = MouseAction::None;

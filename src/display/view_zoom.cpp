@@ -39,8 +39,6 @@ void ViewZoom::zoom(double by, QPointF position, const QRectF& fitted, const QRe
 
 void ViewZoom::pan(QPointF by, const QRectF& fitted, const QRectF& room) {
     keepCentre(area(fitted, room).translated(by), room);
-    // So that a way back begins at once where the border has been reached.
-    keepCentre(area(fitted, room), room);
 }
 
 void ViewZoom::keepCentre(const QRectF& area, const QRectF& room) {

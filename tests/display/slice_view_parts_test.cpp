@@ -34,6 +34,23 @@ TEST(PatientSides, FollowTheRowsInPatientCoordinates) {
     EXPECT_FALSE(patientSides(position).known());
 }
 
+TEST(MosaicTiles, FindSlicesWhereTheyAreShown) {
+    for (const int first : {0, 4, -3, 1000})
+        for (int slice = -1; slice <= 6; ++slice) {
+            const SliceMosaicLayout layout{2, 2, first, 1, 1};
+            const int place = placeOfSlice(layout, slice, 6);
+            int expected = -1;
+            for (int candidate = 0; candidate < 4; ++candidate)
+                if (sliceAtPlace(layout, candidate, 6) == slice)
+                    expected = candidate;
+            EXPECT_EQ(place, expected) << first << " " << slice;
+        }
+    const MosaicTiles tiles{{3, 2, 0, 1, 1}, 4, {8, 8}, {10, 10, 30, 20}};
+    EXPECT_EQ(tiles.placeAt({15, 25}), 3);
+    for (const QPointF outside : {QPointF(25, 25), QPointF(9, 15), QPointF(25, 31)})
+        EXPECT_EQ(tiles.placeAt(outside), -1);
+}
+
 TEST(RectangleDrag, SaysWhatItSelects) {
     const RectangleDrag drag{0, {17, 29, 8}, {11, 34, 8}};
     EXPECT_EQ(rectangleText(drag.rectangle(), {7, 9}),

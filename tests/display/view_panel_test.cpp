@@ -42,8 +42,19 @@ TEST_F(ViewPanelTest, RegionsAreDrawnWhileVolumesArrive) {
             const QImage before = paintedView().mosaic();
             drag(1, {2, 1}, {5, 3});
             EXPECT_NE(paintedView().mosaic(), before) << "its voxels are marked at once";
+            const QImage all = paintedView().mosaic();
+            session.functionalDocument->regions[0].SortedVoxelList = {3};
+            session.functionalDocument->regions[0].TopVoxelRatio = 0.1f;
+            session.requests.regions.BestVoxelSelection = true;
+            panel.update(true);
+            EXPECT_NE(paintedView().mosaic(), all) << "only the voxels in use";
+            session.requests.regions.BestVoxelSelection = false;
             panel.setROIDisplayStyle(RoiDisplayStyle::Rectangles);
             EXPECT_EQ(paintedView().mosaic(), before);
+            const QImage oneSlice = view().grab().toImage();
+            session.settings.MultiSliceROISelection = 3;
+            panel.update(true);
+            EXPECT_NE(view().grab().toImage(), oneSlice);
         }
         if (volume == 20)
             QTest::mouseClick(&view(), Qt::LeftButton, {}, at(1, 2, 1));

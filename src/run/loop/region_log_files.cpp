@@ -35,7 +35,8 @@ void RegionLogFiles::writeRTPFile(const QtCortivoDoc& document, const RunSetting
     const std::vector<int>& conditions = document.VolumeConditionIndex;
     const int condition =
         size_t(volume) < conditions.size() ? std::max(conditions[size_t(volume)], 0) : 0;
-    QDir().mkpath(settings.FeedbackTargetFolder);
+    if (!settings.FeedbackTargetFolder.isEmpty())
+        QDir().mkpath(settings.FeedbackTargetFolder);
     // Appears whole, since another program reads it as soon as it is there.
     (void)writeFileAtomically(
         paths::join(settings.FeedbackTargetFolder,

@@ -53,6 +53,9 @@ bool KeyCommands::filter(QObject* watched, QEvent* event) {
 bool KeyCommands::handleKey(int key) {
     RunSession& session = window_.session();
     if (key == Qt::Key_Escape) {
+        // A rectangle that is given up must not end the run.
+        if (window_.cancelDrag())
+            return true;
         session.requests.interruptFlag = true;
         return false; // it still closes a dialog
     }

@@ -56,6 +56,8 @@ public:
     [[nodiscard]] RoiDisplayStyle roiDisplayStyle() const { return viewPanel_->roiDisplayStyle(); }
     [[nodiscard]] const TimeCoursesContainer& timeCourses() const { return *timeCourses_; }
     void nextROIDisplayStyle();
+    /// True when a rectangle was being dragged on the slices; it is given up.
+    bool cancelDrag() { return viewPanel_->cancelDrag(); }
     /// The keyboard goes from a control back to the slices.
     void focusSlices();
 
