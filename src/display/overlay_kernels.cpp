@@ -48,7 +48,8 @@ VELO_SIMD_CLONES void findLargest(const OverlayStretch& stretch, size_t from, si
 
 VELO_SIMD_CLONES void codeSignificance(const LargestValues& largest,
                                        const OverlayThresholds& thresholds,
-                                       const PackedColors& colors, size_t count, uint32_t* result) {
+                                       const PackedColors& colors, size_t count,
+                                       uint32_t* __restrict result) {
     constexpr int half = nrOfOverlayColors / 2;
     constexpr double strongest = half - 1;
     const float threshold = thresholds.Threshold;
@@ -62,8 +63,11 @@ VELO_SIMD_CLONES void codeSignificance(const LargestValues& largest,
         const double limited = inside > 0.0 ? inside : 0.0;
         entries[v] = int(isRange ? limited : strongest) + (largest.value[v] < 0.0f ? half : 0);
     }
-    for (size_t v = 0; v < count; ++v)
-        result[v] = largest.shown[v] >= threshold ? colors[size_t(entries[v])] : 0;
+    const uint32_t* __restrict colorOfEntry = colors.data();
+    for (size_t v = 0; v < count; ++v) {
+        const uint32_t color = colorOfEntry[entries[v]];
+        result[v] = largest.shown[v] >= threshold ? color : 0;
+    }
 }
 
 VELO_SIMD_CLONES void addPassing(const float* values, int state, float threshold, uint32_t bit,
@@ -101,6 +105,14 @@ void multiMapColors(
                    result.data());
     for (uint32_t& entry : result)
         entry = colorOfSet[entry];
+}
+
+VELO_SIMD_CLONES void dropSmallClusters(std::span<const int> sizes, int leastSize,
+                                        std::span<uint32_t> colors) {
+    const size_t known = std::min(sizes.size(), colors.size());
+    for (size_t v = 0; v < known; ++v)
+        colors[v] = sizes[v] < leastSize ? 0 : colors[v];
+    std::ranges::fill(colors.subspan(known), 0);
 }
 
 VELO_SIMD_CLONES void paintOver(uint32_t* pixels, std::span<const uint32_t> colors) {

@@ -34,5 +34,8 @@ void multiMapColors(
     const std::array<uint32_t, 1u << ContrastDefinitions::maximumShownMaps>& colorOfSet,
     std::span<uint32_t> result);
 
+/// Sets the colours of voxels in clusters below this size to 0, and of those without a size.
+void dropSmallClusters(std::span<const int> sizes, int leastSize, std::span<uint32_t> colors);
+
 /// Replaces the pixels by the colours that are not 0.
 void paintOver(uint32_t* pixels, std::span<const uint32_t> colors);

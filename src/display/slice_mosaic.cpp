@@ -89,18 +89,13 @@ private:
             significanceColors(stretch, thresholds_, table_, colors_);
         else
             multiMapColors(stretch, thresholds_.Threshold, colorOfSet_, colors_);
-        if (thresholds_.filtersClusters())
-            dropSmallClusters(slice, pixel);
-    }
-    void dropSmallClusters(int slice, size_t pixel) {
+        if (!thresholds_.filtersClusters())
+            return;
         std::span<const int> sizes;
         if (size_t(slice) < maps_.ClusterSizeSlices.size())
             sizes = maps_.ClusterSizeSlices[size_t(slice)];
-        sizes = sizes.subspan(std::min(pixel, sizes.size()));
-        const size_t known = std::min(sizes.size(), colors_.size());
-        for (size_t x = 0; x < known; ++x)
-            colors_[x] = sizes[x] < thresholds_.ClusterSizePixels ? 0 : colors_[x];
-        std::fill(colors_.begin() + ptrdiff_t(known), colors_.end(), 0);
+        dropSmallClusters(sizes.subspan(std::min(pixel, sizes.size())),
+                          thresholds_.ClusterSizePixels, colors_);
     }
 
     const StatisticalMaps& maps_;

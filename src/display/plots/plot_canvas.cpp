@@ -74,7 +74,8 @@ QPixmap PlotCanvas::picture() {
     const QSize pixels = (QSizeF(size()) * ratio).toSize();
     if (outdated_ || picture_.size() != pixels || picture_.devicePixelRatio() != ratio) {
         outdated_ = false;
-        picture_ = QPixmap(pixels);
+        if (picture_.size() != pixels)
+            picture_ = QPixmap(pixels);
         picture_.setDevicePixelRatio(ratio);
         if (!picture_.isNull()) {
             QPainter painter(&picture_);

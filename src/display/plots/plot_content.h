@@ -34,6 +34,8 @@ struct PlotBand {
     double to = 0.0;
     QColor color;
     QString name;
+
+    bool operator==(const PlotBand&) const = default;
 };
 
 /// One bar of a bar plot, with its error bar.

@@ -56,7 +56,8 @@ public:
     PlotPainter(QPainter& painter, const PlotContent& content, const PlotLayout& layout)
         : painter_(painter), content_(content), layout_(layout), axes_(layout.geometry.axes) {}
 
-    void paint();
+    void paintGround();
+    void paintValues();
 
 private:
     void paintBands();
@@ -90,10 +91,21 @@ private:
     const QRectF axes_;
 };
 
-void PlotPainter::paint() {
+void PlotPainter::paintGround() {
     paintBands();
     if (content_.gridShown)
         paintGrid();
+    if (hasAxes(content_))
+        paintFrame();
+    painter_.setFont(layout_.textFont);
+    paintBarNames();
+    paintLegend();
+    paintLabels();
+    painter_.setFont(layout_.numberFont);
+    paintNumbers();
+}
+
+void PlotPainter::paintValues() {
     painter_.save();
     painter_.setClipRect(axes_);
     paintBars();
@@ -103,17 +115,10 @@ void PlotPainter::paint() {
         paintMarks(marks);
     painter_.restore();
     painter_.setFont(layout_.textFont);
-    if (hasAxes(content_)) {
-        paintFrame();
+    if (hasAxes(content_))
         paintLines();
-    }
-    paintBarNames();
-    paintLegend();
-    paintLabels();
     if (!content_.note.isEmpty() && !hasData(content_))
         paintNote();
-    painter_.setFont(layout_.numberFont);
-    paintNumbers();
 }
 
 /// Longer texts end in an ellipsis.
@@ -368,19 +373,37 @@ void PlotPainter::paintNote() {
 
 } // namespace
 
-PlotGeometry paintPlot(QPainter& painter, const QRectF& area, const PlotContent& content,
-                       const QFont& font) {
-    return paintPlot(painter, area, content, {wholeXRange(content), wholeYRange(content)}, font);
-}
-
-PlotGeometry paintPlot(QPainter& painter, const QRectF& area, const PlotContent& content,
-                       const PlotRanges& ranges, const QFont& font) {
-    const PlotLayout layout = layOutPlot(area, content, ranges, font);
+void paintPlotGround(QPainter& painter, const QRectF& area, const PlotContent& content,
+                     const PlotLayout& layout) {
     painter.save();
     painter.fillRect(area, plotColors::background);
-    PlotPainter(painter, content, layout).paint();
+    PlotPainter(painter, content, layout).paintGround();
     painter.restore();
-    return layout.geometry;
+}
+
+bool haveSameGround(const PlotContent& a, const PlotContent& b) {
+    const auto sameCurve = [](const PlotCurve& x, const PlotCurve& y) {
+        return x.legend == y.legend && x.color == y.color;
+    };
+    const auto sameMarks = [](const PlotMarks& x, const PlotMarks& y) {
+        return x.legend == y.legend && x.color == y.color && x.shape == y.shape;
+    };
+    const auto hasNumbers = [](const PlotContent& content) {
+        return hasData(content) || content.yRange.has_value();
+    };
+    const auto sameName = [](const PlotBar& x, const PlotBar& y) { return x.name == y.name; };
+    return a.gridShown == b.gridShown && a.legendShown == b.legendShown &&
+           hasAxes(a) == hasAxes(b) && hasNumbers(a) == hasNumbers(b) && a.title == b.title &&
+           a.xLabel == b.xLabel && a.yLabel == b.yLabel && a.bands == b.bands &&
+           std::ranges::equal(a.curves, b.curves, sameCurve) &&
+           std::ranges::equal(a.marks, b.marks, sameMarks) &&
+           std::ranges::equal(a.bars, b.bars, sameName);
+}
+
+void paintPlotValues(QPainter& painter, const PlotContent& content, const PlotLayout& layout) {
+    painter.save();
+    PlotPainter(painter, content, layout).paintValues();
+    painter.restore();
 }
 
 QColor readableColor(const QColor& color) {

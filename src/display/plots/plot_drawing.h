@@ -1,4 +1,4 @@
-// Painting a plot on any device.
+// Painting a plot on any device: its ground, and its values over that.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -6,13 +6,14 @@
 
 class QPainter;
 
-/// Paints the plot into the area, background included, with ticks at round numbers. Texts that
-/// don't fit are left out, the axes last.
-PlotGeometry paintPlot(QPainter& painter, const QRectF& area, const PlotContent& content,
-                       const QFont& font);
-/// The same with ranges of axes that are shown instead of the content's own.
-PlotGeometry paintPlot(QPainter& painter, const QRectF& area, const PlotContent& content,
-                       const PlotRanges& ranges, const QFont& font);
+/// Paints what stays while values change: background, intervals, grid, texts and numbers. Texts
+/// that don't fit are left out, the axes last.
+void paintPlotGround(QPainter& painter, const QRectF& area, const PlotContent& content,
+                     const PlotLayout& layout);
+/// Whether both contents have the same ground where their ranges and the area are the same.
+[[nodiscard]] bool haveSameGround(const PlotContent& a, const PlotContent& b);
+/// Paints the values over it.
+void paintPlotValues(QPainter& painter, const PlotContent& content, const PlotLayout& layout);
 
 /// A curve's or bar's colour on the dark background, where a protocol's dark colours are lightened.
 [[nodiscard]] QColor readableColor(const QColor& color);

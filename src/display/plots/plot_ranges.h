@@ -7,6 +7,8 @@
 struct PlotRanges {
     PlotRange x;
     PlotRange y;
+
+    bool operator==(const PlotRanges&) const = default;
 };
 
 /// Whether the range can be shown: finite, rising, and wide enough for numbers to differ in it.

@@ -14,6 +14,8 @@ void Plotter::setContent(PlotContent content) {
     // Only a range that followed from data is worth keeping.
     const std::optional<PlotRange> previous =
         content_.yRange ? std::nullopt : std::optional(whole_.y);
+    if (!haveSameGround(content_, content))
+        ground_.ratio = 0.0;
     content_ = std::move(content);
     whole_ = {wholeXRange(content_), wholeYRange(content_, previous)};
     contentChanged();
@@ -32,8 +34,26 @@ PlotGeometry Plotter::geometryIn(const QRectF& area, const PlotRanges& ranges) c
     return layOutPlot(area, content_, ranges, font()).geometry;
 }
 
+void Plotter::renewGround(const QRectF& area, const PlotRanges& ranges, double ratio) {
+    if (ground_.area == area && ground_.ranges == ranges && ground_.font == font() &&
+        ground_.ratio == ratio)
+        return;
+    ground_ = {QPixmap((area.size() * ratio).toSize()),
+               layOutPlot(area, content_, ranges, font()),
+               area,
+               ranges,
+               font(),
+               ratio};
+    ground_.picture.setDevicePixelRatio(ratio);
+    QPainter painter(&ground_.picture);
+    painter.translate(-area.topLeft());
+    paintPlotGround(painter, area, content_, ground_.layout);
+}
+
 void Plotter::paintContent(QPainter& painter, const QRectF& area, const PlotRanges& ranges) {
-    paintPlot(painter, area, content_, ranges, font());
+    renewGround(area, ranges, painter.device()->devicePixelRatioF());
+    painter.drawPixmap(area.topLeft(), ground_.picture);
+    paintPlotValues(painter, content_, ground_.layout);
 }
 
 QString Plotter::readOutAt(QPoint position) const {

@@ -28,6 +28,19 @@ protected:
     void paintPointer(QPainter& painter, QPoint position) override;
 
 private:
+    /// What does not change from volume to volume, and where it is.
+    struct Ground {
+        QPixmap picture;
+        PlotLayout layout;
+        QRectF area;
+        PlotRanges ranges;
+        QFont font;
+        double ratio = 0.0; ///< of device pixels; 0 for none
+    };
+
+    void renewGround(const QRectF& area, const PlotRanges& ranges, double ratio);
+
     PlotContent content_;
     PlotRanges whole_;
+    Ground ground_;
 };

@@ -35,13 +35,15 @@ std::vector<uint32_t> colorsOfSamples(const GreyScale& scale, const DisplayWindo
 
 void paintSlice(QImage& image, const int16_t* samples, const DisplayWindow& window,
                 const std::vector<uint32_t>& colors) {
+    // In local variables, which the pixels written can't change as far as the compiler knows.
+    const int width = image.width();
+    const auto [low, high] = window;
+    const uint32_t* colorOfSample = colors.data();
     for (int y = 0; y < image.height(); ++y) {
         auto* line = reinterpret_cast<uint32_t*>(image.scanLine(y));
-        const int16_t* row = samples + size_t(y) * size_t(image.width());
-        for (int x = 0; x < image.width(); ++x) {
-            const int sample = uint16_t(row[x]);
-            line[x] = colors[size_t(std::clamp(sample, window.low, window.high) - window.low)];
-        }
+        const int16_t* row = samples + size_t(y) * size_t(width);
+        for (int x = 0; x < width; ++x)
+            line[x] = colorOfSample[std::clamp(int(uint16_t(row[x])), low, high) - low];
     }
 }
 
