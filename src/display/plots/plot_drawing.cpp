@@ -14,6 +14,39 @@ namespace {
 constexpr double bandOpacity = 0.32;
 constexpr double gap = 4;
 
+/// What a band looks like on the bare background.
+QColor bandOnBackground(const QColor& band) {
+    const auto mixed = [](int color, int ground) {
+        return int(std::lround(bandOpacity * color + (1 - bandOpacity) * ground));
+    };
+    const QColor& ground = plotColors::background;
+    return {mixed(band.red(), ground.red()), mixed(band.green(), ground.green()),
+            mixed(band.blue(), ground.blue())};
+}
+
+/// Tells bands that overlap others, in columns of logical pixels.
+class CoveredColumns {
+public:
+    explicit CoveredColumns(const QRectF& axes)
+        : left_(axes.left()), covered_(size_t(std::max(std::ceil(axes.width()), 0.0)) + 1) {}
+
+    /// Whether any of the whole columns from one place to another was covered before; now all are.
+    [[nodiscard]] bool cover(double from, double to) {
+        bool before = false;
+        const auto last = size_t(std::max(std::floor(to - left_), 0.0));
+        for (auto i = size_t(std::max(std::ceil(from - left_), 0.0));
+             i < std::min(last, covered_.size()); ++i) {
+            before |= covered_[i];
+            covered_[i] = true;
+        }
+        return before;
+    }
+
+private:
+    const double left_;
+    std::vector<bool> covered_;
+};
+
 /// Paints one plot whose parts are placed already.
 class PlotPainter {
 public:
@@ -85,7 +118,9 @@ void PlotPainter::text(const QRectF& room, int alignment, const QString& text) {
                       metrics.elidedText(text, Qt::ElideRight, room.width()));
 }
 
+// Blending is several times slower than filling, so only bands that overlap are blended.
 void PlotPainter::paintBands() {
+    CoveredColumns covered(axes_);
     for (const PlotBand& band : content_.bands) {
         if (!std::isfinite(band.from) || !std::isfinite(band.to))
             continue;
@@ -94,8 +129,11 @@ void PlotPainter::paintBands() {
         if (from > axes_.right() || to < axes_.left())
             continue;
         QColor color = readableColor(band.color);
-        color.setAlphaF(float(bandOpacity));
         const double width = std::max(to - from, 1.0); // a short interval can still be seen
+        if (covered.cover(from, from + width))
+            color.setAlphaF(float(bandOpacity));
+        else
+            color = bandOnBackground(color);
         painter_.fillRect(QRectF(from, axes_.top(), width, axes_.height()) & axes_, color);
     }
 }
