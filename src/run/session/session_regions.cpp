@@ -220,6 +220,14 @@ bool SessionRegions::atStep(VolumeStep step, const VolumeAtHand& hand) {
     return true;
 }
 
+// A volume at which a listener or a protocol ended the run counts, but passed none of the steps.
+void SessionRegions::loopEnded(QtCortivoDoc& document) {
+    if (run().nrOfVolumes == 0 || document.regions.empty())
+        return;
+    updateRegions(run());
+    parts_.listeners.regionsChanged(document);
+}
+
 void SessionRegions::recordPlayed(const RunRecord& record) {
     if (!document_ || record.name != regionsRecord)
         return;

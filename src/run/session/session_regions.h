@@ -54,6 +54,7 @@ public:
     void documentsArrived(QtCortivoDoc& functional) override;
     void runPrepared(QtCortivoDoc& functional) override;
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
+    void loopEnded(QtCortivoDoc& document) override;
     void recordPlayed(const RunRecord& record) override;
 
 private:

@@ -200,7 +200,8 @@ void MessageBoxes::show(MessageLevel level, const QString& text, const QString& 
 void MessageBoxes::showModeless(MessageLevel level, const QString& text) {
     for (QWidget* widget : QApplication::topLevelWidgets())
         if (auto* open = qobject_cast<QMessageBox*>(widget);
-            open && open->isVisible() && !open->isModal() && open->text() == text)
+            open && open->isVisible() && !open->isModal() && open->icon() == iconOf(level) &&
+            open->text() == text)
             return open->raise();
     auto* box = new QMessageBox(boxParent());
     setUp(*box, iconOf(level), text, programTitle);

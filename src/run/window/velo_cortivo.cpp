@@ -5,6 +5,7 @@
 #include "dialogs/progress_boxes.h"
 #include "display/waiting_notice.h"
 #include "run/loop/status_text.h"
+#include "run/protocol/ui/response_plot_dialog.h"
 #include "run/replay/ui/recover_run_dialog.h"
 #include "run/replay/ui/replay_run_dialog.h"
 #include "run/window/message_boxes.h"
@@ -12,6 +13,7 @@
 #include "run/window/title_row.h"
 #include "run/window/window_layout.h"
 #include "stats/ui/contrast_list.h"
+#include "volume/ui/motion_plot_dialog.h"
 #include "volume/ui/postprocessing_dialog.h"
 
 #include <QApplication>
@@ -223,7 +225,11 @@ void VeloCortivo::tellLater(const char* entry) {
 }
 
 void VeloCortivo::slotShowMotionPlot() {
-    // openMotionPlot(session_, *this);
+    openMotionPlot(session_, *this);
+}
+
+void VeloCortivo::slotShowResponsePlot() {
+    openResponsePlot(session_, *this);
 }
 
 void VeloCortivo::slotShowLicenseInfoDlg() {

@@ -1,7 +1,9 @@
 // The names by which operators, scripts and other parts know the window, its menus and its plots.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "display/plots/matrix_plotter.h"
 #include "display/plots/matrix_plotter_dialog.h"
 #include "display/plots/plot_2d_dialog.h"
+#include "display/plots/plotter.h"
 #include "display/qt_cortivo_view.h"
 #include "regions/ui/time_course_plot_dialog.h"
 #include "run/window/main_window.h"
@@ -93,7 +95,7 @@ const Slots slotsOfClasses[] = {
      "onChangeSliderRange onSelectedSignalChanged onSelectSliderChanged onSelectSpBxChanged onBrowseLUTFile"},
 };
 
-constexpr const char* entries[] = {
+constexpr const char* prescribedEntries[] = {
     "Set New VCO File...", "Edit VCO File...", "Edit MasterVCO File...", "Rename DICOM Files...",
     "VMR-VMR Coregistration...", "Close", "Exit", "Colors Code Significance", "Colors Code Contrasts",
     "Epoch-Based Averaging", "Stimulation Protocol...", "SVM Training...", "RFE Training...",
@@ -134,7 +136,7 @@ TEST_F(MainWindow, HasEveryMenuEntryInOrder) {
     for (const MenuEntry& entry : menuEntries())
         found << entry.text;
     qsizetype last = -1;
-    for (const char* text : entries) {
+    for (const char* text : prescribedEntries) {
         const qsizetype place = found.indexOf(text);
         EXPECT_GT(place, last) << text;
         last = place;
@@ -149,7 +151,7 @@ TEST_F(MainWindow, EntriesOfLaterVersionsAreDisabledAndSayWhy) {
         if (entry.phase != MenuPhase::Later)
             continue;
         ++nrOfLaterOnes;
-        for (const QAction* action : this->entries(entry.menu))
+        for (const QAction* action : entries(entry.menu))
             if (action->text() == entry.text) {
                 EXPECT_FALSE(action->isEnabled()) << entry.text;
                 EXPECT_EQ(action->toolTip(), entry.toolTip);
