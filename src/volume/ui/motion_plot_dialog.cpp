@@ -81,7 +81,6 @@ void MotionPlotDlg::documentsLeaving() {
 }
 
 void MotionPlotDlg::runPrepared(QtCortivoDoc&) {
-    dvars_.clear();
     takeVolumes();
 }
 
