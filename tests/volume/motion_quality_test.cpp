@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/motion_quality.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -26,16 +27,33 @@ TEST(MotionQuality, DVARSIsTheChangeInPercentOfTheMeanInsideTheMask) {
               0.0);
 }
 
-TEST(MotionQuality, DVARSOfARunComesInPiecesWhereTheMaskFits) {
+TEST(MotionQuality, CoursesLeaveOutWhatHasNoVolumeBefore) {
+    MotionCorrection motion;
+    ASSERT_TRUE(motion.allocateMotionParameters(4));
+    for (size_t v = 0; v < 4; ++v)
+        motion.motionParameters[1][v] = float(v * v); // steps of 1, 3 and 5 mm
+    const std::vector<float> whole = framewiseDisplacements(motion, 5, 1);
+    ASSERT_EQ(whole.size(), 5U);
+    EXPECT_TRUE(std::isnan(whole[0]) && std::isnan(whole[4]));
+    EXPECT_EQ((std::vector<float>{whole.begin() + 1, whole.begin() + 4}),
+              (std::vector<float>{1, 3, 5}));
+    EXPECT_TRUE(std::isnan(framewiseDisplacements(motion, 3, 2)[1]));
+    EXPECT_EQ(framewiseDisplacements(motion, 3, 2)[2], 3.0f);
+
     RunVolumes volumes;
     ASSERT_TRUE(volumes.allocate(4, 2));
     for (size_t v = 0; v < 4; ++v)
-        std::ranges::fill(volumes[v], int16_t(100 << v));
-    RunDVARS run;
-    EXPECT_TRUE(run.update(volumes, 4, std::vector<uint8_t>(3, 1), 9));
-    EXPECT_TRUE(run.values().empty());
-    EXPECT_FALSE(run.update(volumes, 4, std::vector<uint8_t>(2, 1), 2));
-    EXPECT_EQ(run.values().size(), 2u);
-    EXPECT_TRUE(run.update(volumes, 4, std::vector<uint8_t>(2, 1), 2));
-    EXPECT_EQ(run.values().at(3), 100.0f);
+        volumes[v][0] = volumes[v][1] = int16_t(100 + 10 * v);
+    const std::vector<uint8_t> mask(2, 1);
+    RunDVARS dvars;
+    EXPECT_TRUE(dvars.update(volumes, 2, {}, 1)) << "the mask is not made yet";
+    EXPECT_TRUE(dvars.values().empty());
+    EXPECT_FALSE(dvars.update(volumes, 3, mask, 2));
+    EXPECT_TRUE(dvars.update(volumes, 3, mask, 1));
+    volumes[1][0] = 0; // what is known is not computed again
+    EXPECT_TRUE(dvars.update(volumes, 9, mask, 9));
+    ASSERT_EQ(dvars.values().size(), 4U);
+    EXPECT_TRUE(std::isnan(dvars.values()[0]));
+    for (size_t v = 1; v < 4; ++v)
+        EXPECT_NEAR(dvars.values()[v], 1000.0 / (90.0 + 10.0 * double(v)), 1e-5) << v;
 }

@@ -257,7 +257,7 @@ void PlotPainter::paintMarks(const PlotMarks& marks) {
     painter_.save();
     painter_.setRenderHint(QPainter::Antialiasing);
     for (const QPointF& point : marks.points)
-        if (std::isfinite(point.x()) && std::isfinite(point.y()))
+        if (isPlace(point))
             paintMark({xOf(point.x()), yOf(point.y())}, marks.shape, readableColor(marks.color));
     painter_.restore();
 }

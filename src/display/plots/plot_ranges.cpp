@@ -198,11 +198,12 @@ std::vector<QString> tickTexts(const std::vector<double>& ticks) {
     return texts;
 }
 
+bool isPlace(const QPointF& point) {
+    return std::isfinite(point.x()) && std::isfinite(point.y());
+}
+
 bool hasData(const PlotContent& content) {
     const auto isFinite = [](float value) { return std::isfinite(value); };
-    const auto isPlace = [](const QPointF& p) {
-        return std::isfinite(p.x()) && std::isfinite(p.y());
-    };
     const auto hasPlace = [&](const PlotMarks& marks) {
         return std::any_of(marks.points.begin(), marks.points.end(), isPlace);
     };

@@ -34,6 +34,9 @@ struct PlotRanges {
 /// The texts of ticks, all with the same number of decimals, which tell neighbours apart.
 [[nodiscard]] std::vector<QString> tickTexts(const std::vector<double>& ticks);
 
+/// Whether a mark can be shown: both of its coordinates are finite.
+[[nodiscard]] bool isPlace(const QPointF& point);
+
 /// Whether there is any finite value to show.
 [[nodiscard]] bool hasData(const PlotContent& content);
 

@@ -2,6 +2,7 @@
 #include "display/plots/plot_read_out.h"
 
 #include "display/plots/plot_drawing.h"
+#include "display/plots/plot_ranges.h"
 
 #include <QStringList>
 #include <cmath>
@@ -72,7 +73,7 @@ QString readOut(const PlotContent& content, double x) {
         lines << named(nameOf(content, curve), valueOf(content.curves[curve], index));
     for (const PlotMarks& marks : content.marks)
         for (const QPointF& point : marks.points)
-            if (std::isfinite(point.y()) && pointNearX(content, point.x()) == index)
+            if (isPlace(point) && pointNearX(content, point.x()) == index)
                 lines << named(marks.legend.isEmpty() ? content.yLabel : marks.legend,
                                readOutNumber(point.y()));
     return lines.join('\n');

@@ -80,7 +80,7 @@ PlotRange displacementRange(std::span<const float> values) {
 
 /// Right-aligned, a dash where there is none.
 QString number(std::span<const float> values, int volume, int decimals) {
-    constexpr int width = 7;
+    constexpr int width = 6;
     const bool exists = volume >= 0 && size_t(volume) < values.size();
     const float value = exists ? values[size_t(volume)] : std::numeric_limits<float>::quiet_NaN();
     const QString text =
@@ -126,7 +126,7 @@ QString motionReadOut(const PlottedMotion& plotted) {
     const auto parameters = [&](size_t first) {
         QString text;
         for (size_t i = first; i < first + nrOfAxes; ++i)
-            text += QString(" %1%2").arg(
+            text += QString("  %1%2").arg(
                 axisNames[i - first], number(plotted.motion.motionParameters[i].span(), last, 2));
         return text;
     };

@@ -82,7 +82,6 @@ void MotionPlotDlg::documentsLeaving() {
 }
 
 void MotionPlotDlg::runPrepared(QtCortivoDoc&) {
-    dvars_.clear();
     takeVolumes();
 }
 

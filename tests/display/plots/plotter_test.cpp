@@ -50,6 +50,49 @@ protected:
     CountingPlotter plotter;
 };
 
+TEST_F(Plot, HasMarksWithTheirShapesAndReadsThemOut) {
+    PlotContent content = bare();
+    content.curves.clear();
+    content.xRange = PlotRange{0.5, 10.5};
+    content.yRange.reset();
+    content.xStart = 1;
+    for (const auto& [legend, shape, x] : {std::tuple("hit", PlotMarkShape::Disc, 2.0),
+                                           {"miss", PlotMarkShape::Circle, 5.5},
+                                           {"none", PlotMarkShape::Cross, 9.0}})
+        content.marks.push_back({legend, curveColor, shape, {{x, 100}, {x, double(nan)}}});
+    content.marks[0].points.emplace_back(2.0, 300);
+    content.marks[2].points.emplace_back(nan, 200);
+    plotter.setContent(content);
+    EXPECT_GE(plotter.shownY().to, 300.0);
+    EXPECT_LE(plotter.shownY().from, 100.0);
+    EXPECT_EQ(colorAt(2, 100), curveColor);
+    EXPECT_EQ(colorAt(2, 300), curveColor);
+    EXPECT_EQ(colorAt(5.5, 100), ground) << "hollow";
+    const auto beside = [&](double x) {
+        return plotter.picture().toImage().pixelColor(pointAt(x, 100) + QPoint(3, 0));
+    };
+    EXPECT_NE(beside(5.5), ground);
+    EXPECT_NE(beside(2), ground);
+    EXPECT_EQ(beside(9), ground) << "arms of a cross are diagonal";
+    EXPECT_NE(colorAt(9, 100), ground);
+    EXPECT_EQ(plotter.readOutAt(pointAt(2.2, 200)), "x: 2\nhit: 100\nhit: 300");
+    EXPECT_EQ(plotter.readOutAt(pointAt(1, 200)), "x: 1");
+    EXPECT_EQ(plotter.readOutAt(pointAt(6.2, 200)), "x: 6\nmiss: 100");
+}
+
+TEST_F(Plot, BandsThatOverlapAreBothSeen) {
+    PlotContent content = bare();
+    content.bands = {{1, 5, Qt::red, ""}, {4, 8, Qt::green, ""}, {8, 9, Qt::red, ""}};
+    plotter.setContent(content);
+    const QColor alone = colorAt(2, 5);
+    EXPECT_EQ(colorAt(8.5, 5), alone) << "what only touches another is as if it were alone";
+    EXPECT_GT(colorAt(6, 5).green(), ground.green());
+    const QColor both = colorAt(4.5, 5);
+    EXPECT_GT(both.green(), ground.green());
+    EXPECT_GT(both.red(), ground.red());
+    EXPECT_LT(both.red(), alone.red());
+}
+
 TEST_F(Plot, HasCurvesBandsAndLinesWhereTheirValuesAre) {
     for (const int nrOfValues : {11, 501}) { // smooth lines, and strips
         PlotContent content = bare(std::vector<float>(size_t(nrOfValues), 5));
