@@ -13,10 +13,6 @@ namespace {
 
 constexpr int longWait = 20000;
 
-void create(const QString& path) {
-    writeFile(path, "");
-}
-
 } // namespace
 
 TEST(QtEventPump, AWaitEndsWithAChangeOfItsFolders) {
@@ -25,10 +21,10 @@ TEST(QtEventPump, AWaitEndsWithAChangeOfItsFolders) {
     const QStringList both{folder.path() + '/', other.path() + '/', QString()};
     QtEventPump pump;
     const StopWatch watch(pump);
-    QTimer::singleShot(20, [&] { create(other.filePath("image")); });
+    QTimer::singleShot(20, [&] { writeFile(other.filePath("image"), ""); });
     EXPECT_TRUE(pump.pumpWaitForChange(longWait, both));
     // Between two waits.
-    create(folder.filePath("image"));
+    writeFile(folder.filePath("image"), "");
     EXPECT_TRUE(pump.pumpWaitForChange(longWait, both));
     EXPECT_LT(watch.elapsed(), longWait);
     // A folder that comes later.
@@ -36,7 +32,7 @@ TEST(QtEventPump, AWaitEndsWithAChangeOfItsFolders) {
     EXPECT_FALSE(pump.pumpWaitForChange(0, later));
     ASSERT_TRUE(QDir(folder.path()).mkdir("later"));
     EXPECT_FALSE(pump.pumpWaitForChange(10, later));
-    create(folder.filePath("later/image"));
+    writeFile(folder.filePath("later/image"), "");
     EXPECT_TRUE(pump.pumpWaitForChange(longWait, later));
 }
 
@@ -53,7 +49,7 @@ TEST(QtEventPump, APlainWaitIsNotCutShort) {
     const QTemporaryDir folder;
     QtEventPump pump;
     EXPECT_FALSE(pump.pumpWaitForChange(0, {folder.path()}));
-    create(folder.filePath("image"));
+    writeFile(folder.filePath("image"), "");
     const StopWatch watch(pump);
     pump.pumpWait(40);
     EXPECT_GE(watch.elapsed(), 40);

@@ -62,6 +62,8 @@ TEST_F(SimilarFiles, TellWhyTheFileItselfIsNotTaken) {
     put("run-0001.dcm", 1999);
     put("test.txt", 10);
     EXPECT_EQ(look(), line(R"(Too small, 1,999 of at least 2,000 bytes: "run-0001.dcm")"));
+    put("run-0001.dcm", 2000);
+    EXPECT_EQ(look(false), look());
     put("run-0001.dcm", 2001);
     EXPECT_EQ(look(), line(R"(It is still changing, or not complete: "run-0001.dcm")"));
     EXPECT_EQ(look(false), line(R"(Too large, 2,001 of exactly 2,000 bytes: "run-0001.dcm")"));

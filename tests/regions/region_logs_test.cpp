@@ -76,7 +76,6 @@ TEST(RegionLogs, BetaTimeCoursesLeaveOutWhatHasNoBetas) {
     run.regions[1].predictorsInFit = 0;
     const QByteArray head = "TimePoint:      8\nNrOfROIs:       2\n";
     EXPECT_EQ(textOf(7, false), head + first + second + "\n");
-    run.regions[0].ROIBetas[4] = 1.0f; // must not be looked at any more
     run.regions[0].ROIBetas.pop_back();
     run.regions[1].voxels = {};
     EXPECT_EQ(textOf(7, false), head + "ROI:            2\nNrOfVoxels:     0\n\n");
@@ -95,5 +94,4 @@ TEST(RegionLogs, AreAppendedToRegularFilesOnly) {
     for (const QString& other : {pipe, folder.path(), folder.filePath("missing/a.btc")})
         for (const bool create : {true, false})
             EXPECT_FALSE(appendToLog(other, "text", create)) << other.toStdString();
-    EXPECT_FALSE(QFile::exists(folder.filePath("missing")));
 }
