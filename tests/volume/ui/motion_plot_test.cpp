@@ -74,11 +74,10 @@ TEST_F(MotionPlot, ShowsWhatIsMeasuredAndItsLatestNumbers) {
     EXPECT_NEAR(displacement.at(3), 0.5 * arcOfDegree, 1e-6);
     EXPECT_EQ(plot("DisplacementPlot").lines.at(1).at, 0.5);
     EXPECT_NEAR(course("DVARSPlot").at(3), 1000.0 / 120, 1e-5);
-    EXPECT_EQ(
-        readOut(),
-        "Volume     4   Translation X   0.00 Y   0.60 Z   0.00 mm\nRotation X   0.00 Y   0.00 Z   "
-        "0.50 deg   DVARS   8.33 %\nFramewise displacement   0.44 mm   Volumes above 0.5 mm:     "
-        "1");
+    EXPECT_EQ(readOut().toStdString(),
+              "Volume     4   Translation  X  0.00  Y  0.60  Z  0.00 mm\n"
+              "Rotation  X  0.00  Y  0.00  Z  0.50 deg   DVARS  8.33 %\n"
+              "Framewise displacement  0.44 mm   Volumes above 0.5 mm:     1");
 }
 
 TEST_F(MotionPlot, FollowsTheRunOnlyWhileItIsShown) {
