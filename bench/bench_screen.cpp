@@ -361,10 +361,13 @@ int main(int argc, char** argv) {
                 "100, longest\n",
                 nrOfMeasured, nrOfVolumes);
     constexpr double budgets[] = {8.0, 10.0, 20.0};
-    const int only = argc > 1 ? std::atoi(argv[1]) : 0; // number of slices; 0 for all sizes
+    // A number of slices chooses one size; any other number stands for all of them.
+    const int wanted = argc > 1 ? std::atoi(argv[1]) : 0;
+    const bool one = std::ranges::any_of(
+        headRunSizes, [wanted](const auto& size) { return size.slices == wanted; });
     for (size_t i = 0; i < std::size(headRunSizes); ++i)
         for (const bool bestVoxels : {false, true})
-            if (only == 0 || only == headRunSizes[i].slices)
+            if (!one || wanted == headRunSizes[i].slices)
                 measure(laps, headRunSizes[i], budgets[i], bestVoxels);
     return 0;
 }
