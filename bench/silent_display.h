@@ -13,9 +13,14 @@ public:
     void refreshViewButtons() override {}
     void updateViews() override {}
     [[nodiscard]] std::unique_ptr<ProgressReporter> openSavingProgress() override {
-        class SilentProgress : public ProgressReporter {
-            void setProgress(int) override {}
-        };
         return std::make_unique<SilentProgress>();
     }
+    [[nodiscard]] std::unique_ptr<ProgressReporter> openModelProgress(const QString&) override {
+        return std::make_unique<SilentProgress>();
+    }
+
+private:
+    class SilentProgress : public ProgressReporter {
+        void setProgress(int) override {}
+    };
 };

@@ -42,6 +42,8 @@ void ContrastDefinitions::clear() {
     ActiveContrastStates.clear();
     ContrastColors.clear();
     ConjunctionAnalysis = false;
+    shownStatistic = ShownStatistic::T;
+    oneSidedTesting = false;
 }
 
 void generateContrasts(ContrastDefinitions& contrasts, const DesignMatrix& design, int level) {

@@ -17,6 +17,9 @@ enum ContrastState {
     ContrastBoth = 3
 };
 
+/// What the maps of a complete run show; while a run is measured they are t maps.
+enum class ShownStatistic { T, FOfContrast, FOfSelected };
+
 /// One index across all lists. Weights are rows by contrast.
 struct ContrastDefinitions {
     static constexpr int maximumShownMaps = 4;
@@ -29,12 +32,16 @@ struct ContrastDefinitions {
     std::vector<int> ActiveContrastStates; ///< 0 where the model can't estimate it yet
     std::vector<RgbColor> ContrastColors;
     bool ConjunctionAnalysis = false;
+    ShownStatistic shownStatistic = ShownStatistic::T;
+    /// A voxel is shown only where each beta of a contrast has the sign of its weight; maps of a
+    /// complete run.
+    bool oneSidedTesting = false;
     bool ContrastsChanged = false; ///< set by the operator; applied at the next volume
     int BaselineInContrasts = 1;
     int BaselinePosInProtocol = 1;
 
-    /// Removes all contrasts and switches the conjunction off. The two baseline fields are
-    /// unchanged.
+    /// Removes all contrasts, switches the conjunction off and goes back to plain t maps. The two
+    /// baseline fields are unchanged.
     void clear();
 };
 

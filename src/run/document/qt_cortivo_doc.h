@@ -13,6 +13,7 @@
 #include "stats/incremental_glm.h"
 #include "stats/overlay_colors.h"
 #include "stats/statistical_maps.h"
+#include "stats/whole_run_model.h"
 #include "volume/fmr_project.h"
 #include "volume/inplane_scan.h"
 #include "volume/motion_correction.h"
@@ -45,6 +46,9 @@ public:
     BrainMask mask;
     GLMState glm; ///< updated during a run
     FinishedModel finishedModel;
+    WholeRunModel wholeRunModel; ///< of the complete run, or of the runs of a multi-run project
+    bool multiRunDocument =
+        false; ///< of several runs: the project is the first one's, without data
     StatisticalMaps maps;
     Regions regions;
 

@@ -9,6 +9,7 @@ enum class Phase {
     Saving,         ///< from the end of the loop until the run is on disk
     Reloading,      ///< a finished run is loaded from disk
     PostProcessing, ///< the volumes in memory are changed and written under new names
+    Analysing,      ///< the model of a complete run, or of several runs, is fitted
 };
 
 /// Owned by the session. Menus, controls, the timer and all slots query it for what is allowed now.

@@ -29,4 +29,7 @@ public:
     /// The box that shows how far saving has come; it closes when it is deleted. The busy cursor is
     /// on as long.
     [[nodiscard]] virtual std::unique_ptr<ProgressReporter> openSavingProgress() = 0;
+    /// The same for the fit of a model, which can be cancelled. Each report processes events.
+    [[nodiscard]] virtual std::unique_ptr<ProgressReporter>
+    openModelProgress(const QString& text) = 0;
 };

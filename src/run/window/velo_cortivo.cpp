@@ -140,6 +140,11 @@ std::unique_ptr<ProgressReporter> VeloCortivo::openSavingProgress() {
         this, {"SavingProgressDlg", " Saving Analyzed Data... ", " Cancel ", {250, 80}});
 }
 
+std::unique_ptr<ProgressReporter> VeloCortivo::openModelProgress(const QString& text) {
+    return openCancellableProgressBox(
+        this, {"ModelProgressDlg", text, " Abort GLM computation ", {320, 110}}, pump_);
+}
+
 void VeloCortivo::applyWindowSize() {
     frame_.applySize();
     // In the small window the seven lines after a run need all of the panel.

@@ -69,6 +69,7 @@ public:
     void refreshViewButtons() override { viewPanel_->refreshButtons(); }
     void updateViews() override { viewPanel_->update(keys_.controlKeepsFocus()); }
     [[nodiscard]] std::unique_ptr<ProgressReporter> openSavingProgress() override;
+    [[nodiscard]] std::unique_ptr<ProgressReporter> openModelProgress(const QString& text) override;
     void showInputControls(const InputControls& controls) override;
     void showTitle(const QString& title) override;
     void paintNow() override { repaint(); }

@@ -15,6 +15,7 @@ namespace {
 
 constexpr double fitThreshold = 1e-05;
 constexpr double inversionThreshold = 1e-06;
+constexpr double normalThreshold = 1e-10;
 
 using Column = std::vector<double>;
 
@@ -25,8 +26,8 @@ struct Decomposition {
     std::vector<Column> v;
 };
 
-bool allFinite(std::span<const float> values) {
-    return std::all_of(values.begin(), values.end(), [](float x) { return std::isfinite(x); });
+template<typename T> bool allFinite(std::span<const T> values) {
+    return std::all_of(values.begin(), values.end(), [](T x) { return std::isfinite(x); });
 }
 
 double product(const Column& a, const Column& b) {
@@ -99,7 +100,8 @@ bool decompose(Decomposition& parts) {
     return true;
 }
 
-std::vector<Column> columnsOf(std::span<const float> matrix, size_t rows, size_t columns) {
+template<typename T>
+std::vector<Column> columnsOf(std::span<const T> matrix, size_t rows, size_t columns) {
     std::vector<Column> result(columns, Column(rows));
     for (size_t i = 0; i < rows; ++i)
         for (size_t j = 0; j < columns; ++j)
@@ -123,6 +125,18 @@ std::vector<double> invertedAbove(const std::vector<double>& w, double threshold
         if (w[i] > 0.0 && w[i] >= largest * threshold)
             result[i] = 1.0 / w[i];
     return result;
+}
+
+int nrOfKept(const std::vector<double>& inverted) {
+    return int(std::ranges::count_if(inverted, [](double value) { return value != 0.0; }));
+}
+
+double inverseEntry(const Decomposition& parts, const std::vector<double>& inverted, size_t i,
+                    size_t j) {
+    double sum = 0.0;
+    for (size_t k = 0; k < inverted.size(); ++k)
+        sum += parts.v[k][i] * (inverted[k] * parts.u[k][j]);
+    return sum;
 }
 
 /// Largest magnitude in rows and columns that have not been pivots yet. False when there is none
@@ -224,7 +238,7 @@ Elimination eliminateGaussJordan(std::span<double> a, int n, std::span<double> b
 
 bool svdcmp(std::span<float> a, int m, int n, std::span<float> w, std::span<float> v) {
     Decomposition parts;
-    parts.u = columnsOf(a, size_t(m), size_t(n));
+    parts.u = columnsOf<float>(a, size_t(m), size_t(n));
     const bool converged = decompose(parts);
     if (!converged) {
         parts.u.assign(size_t(n), Column(size_t(m), 0.0));
@@ -311,9 +325,11 @@ std::vector<float> svdvar(std::span<const float> v, int k, std::span<const float
     return covariance;
 }
 
-bool invertMatrix(std::span<const float> a, std::span<float> out, int n) {
+bool invertMatrix(std::span<const float> a, std::span<float> out, int n, int* rank) {
     const size_t size = size_t(n);
     std::fill(out.begin(), out.end(), 0.0f);
+    if (rank)
+        *rank = 0;
     if (!allFinite(a))
         return true;
     Decomposition parts;
@@ -324,14 +340,39 @@ bool invertMatrix(std::span<const float> a, std::span<float> out, int n) {
         for (double& value : parts.w)
             value = std::abs(value);
     const std::vector<double> inverted = invertedAbove(parts.w, inversionThreshold);
-    for (size_t i = 0; i < size; ++i) {
-        for (size_t j = 0; j < size; ++j) {
-            double sum = 0.0;
-            for (size_t k = 0; k < size; ++k)
-                sum += parts.v[k][i] * (inverted[k] * parts.u[k][j]);
-            out[i * size + j] = float(sum);
+    if (rank)
+        *rank = nrOfKept(inverted);
+    for (size_t i = 0; i < size; ++i)
+        for (size_t j = 0; j < size; ++j)
+            out[i * size + j] = float(inverseEntry(parts, inverted, i, j));
+    return true;
+}
+
+bool invertNormalMatrix(std::span<const double> xx, int p, NormalInverse& result) {
+    const size_t size = size_t(p);
+    result.inverse.assign(size * size, 0.0);
+    result.rank = 0;
+    if (!allFinite(xx))
+        return true;
+    std::vector<double> scale(size, 0.0);
+    for (size_t j = 0; j < size; ++j)
+        if (xx[j * size + j] > 0.0)
+            scale[j] = 1.0 / std::sqrt(xx[j * size + j]);
+    std::vector<double> scaled(xx.begin(), xx.end());
+    for (size_t i = 0; i < size; ++i)
+        for (size_t j = 0; j < size; ++j)
+            scaled[i * size + j] *= scale[i] * scale[j];
+    Decomposition parts;
+    parts.u = columnsOf<double>(scaled, size, size);
+    if (!decompose(parts))
+        return false;
+    const std::vector<double> inverted = invertedAbove(parts.w, normalThreshold);
+    result.rank = nrOfKept(inverted);
+    for (size_t i = 0; i < size; ++i)
+        for (size_t j = i; j < size; ++j) {
+            const double value = inverseEntry(parts, inverted, i, j) * scale[i] * scale[j];
+            result.inverse[i * size + j] = result.inverse[j * size + i] = value;
         }
-    }
     return true;
 }
 

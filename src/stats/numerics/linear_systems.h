@@ -60,8 +60,23 @@ using BasisFunctions = std::function<void(float x, std::span<float> values)>;
 /// The Moore-Penrose inverse of a (n x n): singular values below 1e-06 times the largest count as
 /// 0, so that collinear predictors share their weight and a singular matrix gives no error. A
 /// matrix with values that are not finite gives zeros, so that one bad weight doesn't end a run.
-/// False only when svdcmp fails.
-[[nodiscard]] bool invertMatrix(std::span<const float> a, std::span<float> out, int n);
+/// `rank`, if given, receives the number of singular values that were kept. False only when svdcmp
+/// fails.
+[[nodiscard]] bool invertMatrix(std::span<const float> a, std::span<float> out, int n,
+                                int* rank = nullptr);
+
+/// The inverse of X'X in double, and the number of directions that X has.
+struct NormalInverse {
+    std::vector<double> inverse; ///< p x p
+    int rank = 0;
+};
+/// Inverts X'X (p x p), scaled to a diagonal of ones first, so that the units of the columns don't
+/// matter. A direction whose eigenvalue is below 1e-10 of the largest is dropped: its betas could
+/// not be told from rounding errors. What is left is a generalised inverse (C. R. Rao, Linear
+/// Statistical Inference, section 1b.5), so that all that can be estimated is right, and equal
+/// columns share their weight. Columns of zeros get zeros, as does a matrix with values that are
+/// not finite. False only when svdcmp fails.
+[[nodiscard]] bool invertNormalMatrix(std::span<const double> xx, int p, NormalInverse& result);
 
 /// The program-wide choice to take the magnitude of singular values before the threshold of
 /// invertMatrix. svdcmp gives none below 0, so that both settings give the same inverse.

@@ -89,6 +89,10 @@ std::unique_ptr<ProgressReporter> ProbeDisplay::openSavingProgress() {
     return std::make_unique<ProbeProgress>(*this);
 }
 
+std::unique_ptr<ProgressReporter> ProbeDisplay::openModelProgress(const QString&) {
+    return std::make_unique<ProbeProgress>(*this);
+}
+
 SessionFixture::SessionFixture() {
     session.makeReader = [this](const IntakeContext& context) {
         return std::make_unique<ScriptedReader>(context, script);

@@ -42,6 +42,7 @@ public:
     void refreshViewButtons() override {}
     void updateViews() override { calls << "views"; }
     std::unique_ptr<ProgressReporter> openSavingProgress() override;
+    std::unique_ptr<ProgressReporter> openModelProgress(const QString& text) override;
 };
 
 /// Listens to a run and does what a test says.

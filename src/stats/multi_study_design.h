@@ -1,0 +1,80 @@
+// Several runs in one model: their list (.mdm), the designs of the runs, the common design.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "stats/design_matrix.h"
+#include "stats/whole_run_glm.h"
+#include "stats/whole_run_model.h"
+
+#include <memory>
+
+/// The list of runs, as the file (.mdm) states it.
+struct MultiStudyList {
+    ZTransformation transformation = ZTransformation::None;
+    SeparatePredictors separation = SeparatePredictors::None;
+    std::vector<GLMStudy> studies;
+
+    bool operator==(const MultiStudyList&) const = default;
+};
+
+/// Appends a study. False, with nothing appended, after a message when one of the files doesn't
+/// exist; a design without readable names is refused with its message too.
+[[nodiscard]] bool addStudyAndDesignMatrix(MultiStudyList& list, const QString& studyFile,
+                                           const QString& designFile);
+
+/// The text of the file. The subjects stand behind the studies, where predictors are separate for
+/// each subject.
+[[nodiscard]] QByteArray mdmText(const MultiStudyList& list);
+/// False when the text is no such file, or ends too soon; `list` is then unchanged.
+[[nodiscard]] bool parseMDM(const QString& text, MultiStudyList& list);
+/// Writes atomically; false after a message.
+[[nodiscard]] bool writeMDMFile(const QString& fileName, const MultiStudyList& list);
+/// False after a message.
+[[nodiscard]] bool readMDMFile(const QString& fileName, MultiStudyList& list);
+
+/// What the design of one run of several is made from.
+struct RunOfStudy {
+    QString studyFile; ///< .fmr
+    int subject = 1;
+    int NrOfVolumes = 0;
+    float TR = 0.0f; ///< milliseconds
+    StimulationProtocol protocol;
+};
+
+/// A condition of several runs.
+struct StudyCondition {
+    QString name;
+    RgbColor color;
+};
+
+/// Condition names over all runs in the order in which they first appear, each with its first
+/// colour. Entry 0 is the baseline.
+[[nodiscard]] std::vector<StudyCondition> unionOfConditions(const std::vector<RunOfStudy>& runs);
+
+/// The design of one run: a column for each condition of the union but the first, its box-car
+/// convolved with the single-gamma response; zeros for a condition that the run doesn't have. False
+/// when memory runs out, which ends the program.
+[[nodiscard]] bool makeRunDesign(DesignMatrix& design, const RunOfStudy& run,
+                                 const std::vector<StudyCondition>& conditions);
+
+/// Writes the design of each run as `stem` + "_run-%i.rtc", from 1, appends the pairs to `list`,
+/// and writes the list as `stem` + ".mdm". False after a message.
+[[nodiscard]] bool createRunDesignMatrices(const std::vector<RunOfStudy>& runs, const QString& stem,
+                                           MultiStudyList& list);
+
+/// The common design of the listed runs and the matrix that they share. Reads the headers of the
+/// projects and the designs. Columns: the conditions, once, or for each study or subject in turn,
+/// then a constant for each study. Separate columns are named "Study %i: " (or "Subject %i: ") +
+/// name, constants "Study signal level (confound)". `colors` are those of the conditions, by
+/// predictor; missing ones are grey. False after a message: a file is missing or damaged, matrix,
+/// slices, number of predictors or of time points differ. Names that differ only give a warning.
+[[nodiscard]] bool assembleMultiStudyDesign(const MultiStudyList& list,
+                                            const std::vector<RgbColor>& colors,
+                                            WholeRunDesign& design, VolumeSize& size);
+
+/// The data of the listed runs, read from their .stc files slice by slice: memory for one slice of
+/// all runs. Null, after a message, when a run's data are missing, too short, or memory runs out.
+[[nodiscard]] std::unique_ptr<SliceSource> openRunsOnDisk(const MultiStudyList& list);
+
+/// conditionOfColumn of a model of several runs that was read from its file.
+[[nodiscard]] std::vector<int> conditionsOfColumns(const WholeRunDesign& design);

@@ -1,0 +1,59 @@
+// Fitting the linear model to complete data, slice by slice.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/progress.h"
+#include "stats/whole_run_model.h"
+
+#include <cstdint>
+#include <span>
+
+struct FMRProject;
+
+/// Where the samples of the studies come from.
+class SliceSource {
+public:
+    virtual ~SliceSource() = default;
+    /// Sets one pointer for each data point, study after study, to the samples of the slice, x
+    /// fastest; they are valid until the next call. False, after a message, when they can't be had.
+    [[nodiscard]] virtual bool loadSlice(int slice, std::span<const int16_t*> points) = 0;
+};
+
+/// The first volumes of the run in memory, as one study.
+class RunInMemory : public SliceSource {
+public:
+    explicit RunInMemory(const FMRProject& project) : project_(project) {}
+    [[nodiscard]] bool loadSlice(int slice, std::span<const int16_t*> points) override;
+
+private:
+    const FMRProject& project_;
+};
+
+enum class WholeRunFit { Done, Cancelled, Failed };
+
+/// Smallest mean of a study's first and last value in a voxel that is fitted, exclusive.
+inline constexpr float wholeRunIntensityLimit = 100.0f;
+
+/// Fits the design to the samples of all voxels and fills `model`. The progress is told after each
+/// slice, and asked there whether to stop. Cancelled or failed (after a message: memory, samples),
+/// the model is released.
+///
+/// A voxel is left out, with zeros in all rows, when in any study the mean of the first and the
+/// last value is at or below the limit; of the second and later studies the second value stands in
+/// for the first. A deviation of z transformation below 0.01 counts as 1. Deviations are those of
+/// the population. A voxel without variance gets R = 0 and betas as fitted, never NaN.
+///
+/// With CorrectSerialCorrelations the data are fitted twice. The lag-one value a of the first fit's
+/// residuals, sum e(t) e(t-1) / sum e(t)^2 within studies, picks the voxel's bin; data and design
+/// are whitened with the bin's value within each study, y(t) - a y(t-1), which takes the first
+/// point of each (D. Cochrane and G. H. Orcutt, Journal of the American Statistical Association 44,
+/// 1949, 32-61), and fitted again.
+///
+/// Sums and inverses are computed in double and kept as float.
+[[nodiscard]] WholeRunFit fitWholeRunModel(WholeRunModel& model, const WholeRunDesign& design,
+                                           const VolumeSize& size, SliceSource& samples,
+                                           ProgressReporter& progress);
+
+/// Writes X as text, one line for each data point, each value "%8.6f  ", into DesignMatrix.txt of a
+/// folder. A file that can't be written is only told of by an information.
+void writeDesignText(const WholeRunDesign& design, const QString& folder);
