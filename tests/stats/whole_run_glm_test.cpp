@@ -141,7 +141,7 @@ protected:
         const std::vector<double>& exact = expectedTable().at(key);
         ASSERT_EQ(found.size(), exact.size()) << key;
         for (size_t i = 0; i < exact.size(); ++i)
-            EXPECT_NEAR(double(found[i]), exact[i], 5e-7 * std::abs(exact[i]) + 1e-8)
+            EXPECT_NEAR(double(found[i]), exact[i], 2e-7 * std::abs(exact[i]) + 2e-9)
                 << key << " " << i;
     }
 };
