@@ -40,11 +40,11 @@ QString regionGLMHindrance(const QtCortivoDoc& document) {
         return QStringLiteral("Select a region first: the model is fitted to its time course");
     if (!model.isValid())
         return QStringLiteral("There is no model of a complete run");
-    if (document.multiRunDocument || model.nrOfStudies() > 1)
-        return QStringLiteral("The model is of several runs, the regions are of one");
     const int values = int(validValues(document.regions[0]).size());
     if (values < fewestROIGLMPoints)
         return QStringLiteral("A region is modelled from %1 volumes on").arg(fewestROIGLMPoints);
+    if (values != model.GLMDataPoints() && model.nrOfStudies() > 1)
+        return QStringLiteral("The model is of several runs, the regions are of one");
     if (values != model.GLMDataPoints())
         return QStringLiteral("The model has %1 volumes, the regions have %2")
             .arg(model.GLMDataPoints())
