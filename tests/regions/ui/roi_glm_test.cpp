@@ -85,6 +85,7 @@ TEST_F(RegionModel, SaysWhatItLacksAndDoesNothingThen) {
         {"The model is of several runs, the regions are of one",
          [&] {
              document->wholeRunModel.studies = {{20, {}, {}}, {20, {}, {}}};
+             document->regions[0].CurrentTimePoint = 30;
          }},
         {"The design of the model is damaged", [&] { document->wholeRunModel.GLMDesign[3] = NAN; }},
         {"There is no model of a complete run", [&] { document->wholeRunModel.release(); }},
