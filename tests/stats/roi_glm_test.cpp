@@ -149,6 +149,20 @@ TEST(ROIGLM, WithoutVarianceOrExplanationThereIsNoCorrelation) {
     EXPECT_NEAR(mean.standardErrors[0], std::sqrt(mean.SSY / 119 / 120), 1e-9);
 }
 
+TEST(ROIGLM, AsManyPredictorsAsPointsLeaveNothingToTest) {
+    Measured full({30});
+    full.design.predictors.resize(30);
+    full.design.GLMDesign.assign(900, 0.0f);
+    for (size_t t = 0; t < 30; ++t)
+        full.design.GLMDesign[t * 31] = 1.0f;
+    const ROIGLM fit = full.fit();
+    EXPECT_EQ(fit.dfResidual(), 0);
+    EXPECT_EQ(fit.MSE + fit.F + fit.t[0], 0.0);
+    EXPECT_EQ(fit.pOfF, 1.0f);
+    EXPECT_NEAR(fit.betas[7], full.curve[7], 1e-3f);
+    expectAllFinite(full.whitened());
+}
+
 TEST(ROIGLM, ColumnsThatSayNothingNewDoNotCount) {
     const Measured plain({120});
     Measured doubled({120});
