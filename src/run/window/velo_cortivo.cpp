@@ -73,6 +73,7 @@ void VeloCortivo::connectPanels() {
     connect(contrastPanel_, &Contrasts::multiSliceEdited, this,
             &Window::slotChangeMultiSliceROISelection);
     connect(contrastPanel_, &Contrasts::conjunctionClicked, this, &Window::slotConjunctionAnalysis);
+    connect(contrastPanel_, &Contrasts::statisticChanged, this, &Window::refreshControls);
     connect(contrastPanel_, &Contrasts::numberEntered, this, &Window::focusSlices);
 }
 
