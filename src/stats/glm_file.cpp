@@ -171,8 +171,8 @@ GLMParseResult parseDevice(QIODevice& device, const VolumeSize& size, WholeRunMo
 QString messageOf(GLMParseResult result, const QString& fileName) {
     switch (result) {
     case GLMParseResult::Damaged:
-        return QStringLiteral("ERROR: GLM file \"%1\" is damaged or ends too early! Remove it, and "
-                              "the model is computed again.")
+        return QStringLiteral("ERROR: GLM file \"%1\" is damaged or ends too early!\n\nWithout "
+                              "this file the model is computed from the data.")
             .arg(fileName);
     case GLMParseResult::OtherDataType:
         return QStringLiteral("ERROR: You try to read a .VMR GLM into a .FMR project !");

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
-#include "stats/finished_model.h"
 #include "stats/glm_run.h"
 
 namespace {
@@ -50,29 +49,6 @@ TEST(GLMAccuracy, RecursionAndBatchAgreeWithLeastSquares) {
             expectClose(double(run.maps.map(0)[v]), exact.t({1, -1, 2, 0, 0}, nrOfVolumes), tScale,
                         "t", v);
         }
-    }
-}
-
-TEST(GLMAccuracy, FinishedModelGivesTheSameMapsAndTheirConjunction) {
-    GLMTestRun run = threeConditions();
-    run.addContrast({0, 1, 0}, ContrastNegative);
-    run.contrasts.ConjunctionAnalysis = true;
-    run.start({11, 21, 150});
-    run.update(0, nrOfVolumes - 1);
-    EXPECT_EQ(run.maps.states, (std::vector<int>{ContrastBoth, ContrastNegative}));
-    FinishedModel model;
-    ASSERT_TRUE(finishModel(model, run.glm, run.project, run.mask, nrOfVolumes));
-    run.glm.release();
-    StatisticalMaps maps;
-    run.contrasts.ConjunctionAnalysis = false;
-    ASSERT_TRUE(computeContrastMaps(model, run.mask, run.contrasts, maps));
-    EXPECT_EQ(maps.states, (std::vector<int>{ContrastPositive, ContrastNegative}));
-    for (size_t v = 0; v < run.voxels(); ++v) {
-        const double a = double(maps.map(0)[v]);
-        const double b = double(maps.map(1)[v]);
-        const double both = a * b > 0 ? std::copysign(std::min(std::abs(a), std::abs(b)), a) : 0;
-        expectClose(double(run.maps.map(0)[v]), both, 0.1, "conjunction", v);
-        expectClose(double(run.maps.map(1)[v]), b, 0.1, "t", v);
     }
 }
 

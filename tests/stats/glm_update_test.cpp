@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
-#include "stats/finished_model.h"
 #include "stats/glm_run.h"
 #include "support/scripted_messages.h"
 

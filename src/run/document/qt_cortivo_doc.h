@@ -9,7 +9,6 @@
 #include "run/protocol/tdat_protocol.h"
 #include "stats/contrasts.h"
 #include "stats/design_matrix.h"
-#include "stats/finished_model.h"
 #include "stats/incremental_glm.h"
 #include "stats/overlay_colors.h"
 #include "stats/statistical_maps.h"
@@ -44,8 +43,7 @@ public:
     DesignMatrix design;
     ContrastDefinitions contrasts;
     BrainMask mask;
-    GLMState glm; ///< updated during a run
-    FinishedModel finishedModel;
+    GLMState glm;                ///< updated during a run
     WholeRunModel wholeRunModel; ///< of the complete run, or of the runs of a multi-run project
     bool multiRunDocument =
         false; ///< of several runs: the project is the first one's, without data

@@ -3,7 +3,6 @@
 
 #include "base/messages.h"
 #include "base/program_end.h"
-#include "stats/clusters.h"
 #include "stats/contrast_file.h"
 
 namespace {
@@ -136,13 +135,16 @@ bool rebuildDesign(DesignMatrix& design, const QtCortivoDoc& document,
     return true;
 }
 
+bool hasConditions(const QtCortivoDoc& document) {
+    if (document.protocol.nrOfConditions() > 0)
+        return true;
+    showCritical("ERROR: No conditions specified!");
+    endProgram(1);
+    return false;
+}
+
 bool prepareModel(QtCortivoDoc& document, const RunSettings& settings) {
-    if (document.protocol.nrOfConditions() == 0) {
-        showCritical("ERROR: No conditions specified!");
-        endProgram(1);
-        return false;
-    }
-    if (!buildDesign(document, settings))
+    if (!hasConditions(document) || !buildDesign(document, settings))
         return false;
     if (!document.glm.allocate(document.design.NrOfPredictors, document.project.volumeSamples())) {
         showWarning("ERROR: Insufficient memory for creating GLM file!");
@@ -153,45 +155,4 @@ bool prepareModel(QtCortivoDoc& document, const RunSettings& settings) {
         return false;
     }
     return true;
-}
-
-namespace {
-
-bool fitVolumes(QtCortivoDoc& document, const RunSettings& settings, OverlayThresholds& thresholds,
-                int nrOfVolumes, const AfterVolume& afterVolume) {
-    if (!prepareModel(document, settings) ||
-        !createBrainMask(document.mask, document.project, brainMaskThreshold))
-        return false;
-    // Known whole by now, also where the protocol arrived during the run.
-    findPredictorOnsets(document.design, document.design.NrOfVolumes);
-    fillGLMStepVolumes(document.design);
-    for (int volume = 0; volume < nrOfVolumes; ++volume) {
-        if (updateGLM(document.glmRun(), volume))
-            document.updateOverlayColors();
-        if (!afterVolume(volume))
-            return false;
-    }
-    if (!finishModel(document.finishedModel, document.glm, document.project, document.mask,
-                     nrOfVolumes))
-        document.finishedModel.release();
-    computeClusterSizes(document.maps, thresholds, document.contrasts.ConjunctionAnalysis);
-    return true;
-}
-
-} // namespace
-
-bool fitModelToVolumes(QtCortivoDoc& document, const RunSettings& settings,
-                       OverlayThresholds& thresholds, int nrOfVolumes,
-                       const AfterVolume& afterVolume) {
-    StatisticalMaps formerMaps = std::exchange(document.maps, {});
-    BrainMask formerMask = std::exchange(document.mask, {});
-    const bool fitted = fitVolumes(document, settings, thresholds, nrOfVolumes, afterVolume);
-    if (!fitted) {
-        document.maps = std::move(formerMaps);
-        document.mask = std::move(formerMask);
-        document.updateOverlayColors();
-    }
-    document.glm.release();
-    releasePredictorColumns(document.design);
-    return fitted;
 }

@@ -1,12 +1,9 @@
-// The model of a run: its names and contrasts, its design, the fit to volumes in memory.
+// The model of a run: its names and contrasts, its design.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "run/document/qt_cortivo_doc.h"
 #include "run/settings/run_settings.h"
-#include "stats/thresholds.h"
-
-#include <functional>
 
 inline constexpr int brainMaskThreshold = 100; // sample value
 
@@ -18,6 +15,9 @@ inline constexpr int brainMaskThreshold = 100; // sample value
 /// its header; else generated. A real-time protocol says itself whether the file is of use.
 void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
                     const QString& contrastFile);
+
+/// False, after a message that ends the program, for a run without conditions: it has no model.
+[[nodiscard]] bool hasConditions(const QtCortivoDoc& document);
 
 /// Builds the design columns and the schedule, and allocates model and maps. Without conditions the
 /// program ends after a message; false also after a message when memory runs out.
@@ -33,14 +33,3 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
 /// fewer than 12 volumes, which gets no model.
 [[nodiscard]] QStringList conditionsThatNeverEnter(const QtCortivoDoc& document,
                                                    const RunSettings& settings);
-
-/// Called after each volume, with its index; false ends the fit.
-using AfterVolume = std::function<bool(int volume)>;
-
-/// Makes the brain mask and fits the model volume by volume, as during a run, so that the maps are
-/// those of the run's end; then finds the clusters. The design must have its names and the
-/// contrasts their definitions. False after a message, or when `afterVolume` ends it: mask, maps
-/// and finished model are then what they were.
-[[nodiscard]] bool fitModelToVolumes(QtCortivoDoc& document, const RunSettings& settings,
-                                     OverlayThresholds& thresholds, int nrOfVolumes,
-                                     const AfterVolume& afterVolume);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/finished_run.h"
 
-#include "run/loop/run_model.h"
+#include "run/loop/run_statistics.h"
 #include "volume/postprocessing.h"
 #include "volume/postprocessing_names.h"
 
@@ -36,18 +36,6 @@ bool writeFiles(FMRProject& project, int nrOfVolumes, const PostprocessingOption
     }
 }
 
-bool fitAgain(const RunParts& run, int nrOfVolumes, ProgressReporter& progress) {
-    const auto afterVolume = [&](int volume) {
-        progress.setProgress((volume + 1) * 100 / nrOfVolumes);
-        return !progress.cancelled();
-    };
-    if (!fitModelToVolumes(run.document, run.settings, run.requests.thresholds, nrOfVolumes,
-                           afterVolume))
-        return false;
-    run.report.mapsPresent = run.document.maps.NrOfActiveContrasts > 0;
-    return true;
-}
-
 } // namespace
 
 bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
@@ -70,6 +58,7 @@ bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
     backup.release();
     if (run.requests.overlayVolumeMode != 0)
         run.document.slices.updateSlicePixmaps(project.volumes[size_t(nrOfMeasuredVolumes) - 1]);
-    const bool fitted = !recomputeStatistics || fitAgain(run, nrOfMeasuredVolumes, statistics);
+    const bool fitted = !recomputeStatistics ||
+                        fitCompleteRun(run, nrOfMeasuredVolumes, statistics) == WholeRunFit::Done;
     return written && fitted;
 }

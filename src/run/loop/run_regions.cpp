@@ -41,7 +41,7 @@ void computeBetas(const RegionRun& run) {
     // After a run its live model is gone.
     DesignMatrix design;
     if (rebuildDesign(design, document, run.settings))
-        computeROIBetas(document.regions, design, document.finishedModel.isValid());
+        computeROIBetas(document.regions, design, document.wholeRunModel.isValid());
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_model.h"
 #include "run/loop/run_preparation.h"
+#include "run/loop/run_statistics.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/prt_file.h"
 #include "run/settings/settings_file.h"
@@ -53,16 +54,6 @@ void showSlices(FMRProject& project, QtCortivoDoc& document) {
     showFirstVolume(document);
 }
 
-bool fitModel(const RunParts& run) {
-    constexpr int volumesBetweenEvents = 10;
-    return fitModelToVolumes(run.document, run.settings, run.requests.thresholds,
-                             run.document.project.NrOfVolumes, [&run](int volume) {
-                                 if (volume % volumesBetweenEvents == 0)
-                                     run.pump.processEvents();
-                                 return true;
-                             });
-}
-
 } // namespace
 
 bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
@@ -79,7 +70,7 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
                                           paths::fileName(settings.settingsFilePath),
                                           paths::fileName(project.projectPath)));
     run.pump.processEvents();
-    if (!loadProject(run) || !readRecordedProtocol(document, settings))
+    if (!loadProject(run) || !readRecordedProtocol(document, settings) || !hasConditions(document))
         return false;
     const QString contrasts = contrastFilePath({}, project.projectPath);
     setUpContrasts(document, settings, exists(contrasts) ? contrasts : settings.ContrastFile);
@@ -90,11 +81,9 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     // Without its motion a run is shown all the same.
     if (settings.MotionCorrection)
         (void)loadMotionParameters(document.motion, project, settings.MotionCorrection);
-    if (!fitModel(run))
-        return false;
+    modelAfterReload(run);
     document.VolumeConditionIndex =
         volumeConditionIndex(document.protocol, project.NrOfVolumes, project.TR);
     run.report.currentVolume = project.NrOfVolumes;
-    run.report.mapsPresent = document.maps.NrOfActiveContrasts > 0;
     return true;
 }

@@ -7,6 +7,7 @@
 #include "base/text_reading.h"
 #include "regions/roi_file.h"
 #include "run/loop/motion_parameters_file.h"
+#include "run/loop/run_statistics.h"
 #include "run/protocol/prt_file.h"
 #include "stats/contrast_file.h"
 #include "stats/map_file.h"
@@ -56,6 +57,9 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
          }},
         {5,
          [&, volumes, dataWritten] {
+             // A model that an earlier run left under the name is not that of these data.
+             for (const QString& model : {modelFilePath(project), modelDesignFilePath(project)})
+                 QFile::remove(model);
              return *dataWritten = writeSTCData(project, volumes, &progress, &run.pump, 5, 80);
          }},
         // Without its data a header would misread those that an earlier run left under the name. It

@@ -215,12 +215,9 @@ void VolumeLoop::showMaps() {
     backgroundChanged_ = false;
 }
 
-// The model of the whole run stays, in the form from which maps are computed again when contrasts
-// change; the live state, the motion target and the design columns go.
+// The maps stay until those of the complete run's model replace them; the live state, the motion
+// target and the design columns go.
 void VolumeLoop::releaseModel() {
-    if (!finishModel(document_.finishedModel, document_.glm, document_.project, document_.mask,
-                     recordedVolumes(run_.report, document_.project)))
-        document_.finishedModel.release();
     document_.glm.release();
     document_.motion.releaseTarget();
     releasePredictorColumns(document_.design);

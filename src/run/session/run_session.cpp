@@ -7,6 +7,7 @@
 #include "run/loop/finished_run.h"
 #include "run/loop/run_preparation.h"
 #include "run/loop/run_protocol.h"
+#include "run/loop/run_statistics.h"
 #include "run/loop/status_text.h"
 #include "run/loop/volume_loop.h"
 #include "run/settings/settings_file.h"
@@ -107,7 +108,14 @@ bool RunSession::measureRun() {
     const bool done =
         startRun(source, [this, &source] { journal.begin(parts(), source.inputs()); });
     endJournal(done);
+    fitModel(done);
     return done;
+}
+
+// Once the data are on disk: whatever becomes of the fit, the run is safe.
+void RunSession::fitModel(bool runDone) {
+    if (runDone && report.currentVolume >= 0 && !pump_.waitsGivenUp())
+        fitAfterRun(parts());
 }
 
 // False when the run did not start.
@@ -216,7 +224,8 @@ void RunSession::replaceDocuments() {
 }
 
 bool RunSession::messagesAreModeless(MessageLevel level) const {
-    return phase.now() == Phase::Saving || (phase.runActive() && level != MessageLevel::Critical);
+    return phase.now() == Phase::Saving || phase.now() == Phase::Analysing ||
+           (phase.runActive() && level != MessageLevel::Critical);
 }
 
 void RunSession::setRunButton(RunButtonState state) {

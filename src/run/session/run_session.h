@@ -108,7 +108,8 @@ public:
     /// Threshold and volume text of the panel between runs; empty without a document.
     [[nodiscard]] QString panelText();
     /// Whether a message must not wait for an answer: while a run is recorded, unless it ends the
-    /// program (critical), and while data are only in memory.
+    /// program (critical), while data are only in memory, and while a model is fitted, after which
+    /// the next run may start by itself.
     [[nodiscard]] bool messagesAreModeless(MessageLevel level) const;
     void setRunButton(RunButtonState state);
     /// As it is shown; NoSettingsFile refuses a start.
@@ -141,6 +142,7 @@ private:
     /// `prepared` is called before the first volume is read.
     [[nodiscard]] bool startRun(RunSource& source, const std::function<void()>& prepared = {});
     [[nodiscard]] bool recordRun(RunSource& source, const std::function<void()>& prepared);
+    void fitModel(bool runDone);
     [[nodiscard]] JournalEnding journalEnding() const;
     void endJournal(bool runDone);
     void endPlayedJournal(const JournalRun& source, const QString& path);

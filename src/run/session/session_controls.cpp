@@ -1,23 +1,10 @@
 // Operations on the controls of maps and background: when what they change is computed.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/run_statistics.h"
 #include "run/loop/status_text.h"
 #include "run/session/run_session.h"
 #include "stats/clusters.h"
 #include "stats/thresholds.h"
-#include "stats/whole_run_maps.h"
-
-namespace {
-
-// Nothing without a model.
-bool recomputeMaps(QtCortivoDoc& document) {
-    if (document.wholeRunModel.isValid())
-        return computeContrastMaps(document.wholeRunModel, document.mask, document.contrasts,
-                                   document.maps);
-    return computeContrastMaps(document.finishedModel, document.mask, document.contrasts,
-                               document.maps);
-}
-
-} // namespace
 
 // What changes before a run has ended belongs to it: see OperatorRecords.
 void RunSession::noteChange() {
@@ -88,14 +75,12 @@ void RunSession::shiftStartOffset(bool up) {
 void RunSession::contrastsChanged() {
     if (!functionalDocument)
         return;
-    QtCortivoDoc& document = *functionalDocument;
-    document.contrasts.ContrastsChanged = !phase.isIdle();
+    functionalDocument->contrasts.ContrastsChanged = !phase.isIdle();
     noteChange();
     // A run that ended before its first solution has no model and no maps.
-    if (!phase.isIdle() || !recomputeMaps(document))
+    if (!phase.isIdle() || !showModel(parts()))
         return;
-    document.updateOverlayColors();
-    mapsChanged();
+    display_.updateViews();
 }
 
 bool RunSession::changeConjunction(bool wanted) {

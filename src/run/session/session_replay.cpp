@@ -87,6 +87,7 @@ bool RunSession::playJournal(const PlayOptions& options, PlayPurpose purpose) {
             journal.end(JournalEnding::Unfinished); // it holds more than was played
         else if (purpose == PlayPurpose::Recover && done && report.currentVolume >= 0)
             endPlayedJournal(source, options.path);
+        fitModel(done);
         return done;
     });
 }
@@ -97,6 +98,8 @@ bool RunSession::playSavedRun(const PlayOptions& options, bool isOwn) {
            hasFolderOfItsOwn(options.targetFolder, paths::folderWithSlash(options.path)) &&
            inPhase(Phase::Preparing, [&] {
                settings.settingsFilePath = options.settingsFile;
-               return startRun(source);
+               const bool done = startRun(source);
+               fitModel(done);
+               return done;
            });
 }

@@ -89,8 +89,21 @@ std::unique_ptr<ProgressReporter> ProbeDisplay::openSavingProgress() {
     return std::make_unique<ProbeProgress>(*this);
 }
 
-std::unique_ptr<ProgressReporter> ProbeDisplay::openModelProgress(const QString&) {
-    return std::make_unique<ProbeProgress>(*this);
+std::unique_ptr<ProgressReporter> ProbeDisplay::openModelProgress(const QString& text) {
+    class ModelProgress : public ProgressReporter {
+    public:
+        explicit ModelProgress(ProbeDisplay& display) : display_(display) {}
+        void setProgress(int) override {
+            if (display_.whileModelling)
+                display_.whileModelling();
+        }
+        [[nodiscard]] bool cancelled() const override { return display_.modelCancelled; }
+
+    private:
+        ProbeDisplay& display_;
+    };
+    modelText = text;
+    return std::make_unique<ModelProgress>(*this);
 }
 
 SessionFixture::SessionFixture() {

@@ -19,6 +19,9 @@ public:
     std::vector<RunButtonState> buttonStates;
     std::vector<int> progress;
     std::function<void()> whileSaving;
+    std::function<void()> whileModelling;
+    QString modelText;           ///< of the latest fit of a model
+    bool modelCancelled = false; ///< the operator stops it
     std::function<void()> whenLogged;
     std::function<void()> whenStarting;
     std::function<void()> whenEnded;

@@ -35,9 +35,10 @@ protected:
         trial_.followsRegions = false;
         trial_.run(-1, 0);
         expected_ = trial_.takeResults();
-        // Only what the saving writes.
+        // Only what the saving writes: the model is fitted after it, and again at a reload.
         for (const QString& name : expected_.keys())
-            if (name.endsWith(".txt") || name.endsWith(".log"))
+            if (name.endsWith(".txt") || name.endsWith(".log") || name.endsWith(".glm") ||
+                name.endsWith("_run-1.rtc"))
                 expected_.remove(name);
         EXPECT_EQ(expected_.size(), 8);
         CrashTrial::prepare(session_, trial_.path(""));
@@ -128,6 +129,7 @@ TEST_F(FullDisk, ARunThatIsSavedAtLastLeavesNoPartOfIt) {
     trial_.messages.acceptAnything(true);
     EXPECT_TRUE(session_.mayLeaveRun());
     EXPECT_TRUE(trial_.journals().isEmpty());
+    expected_.remove("Simulation-1.mps"); // by now the maps are those of the complete run
     expectAllInResults();
 }
 

@@ -3,12 +3,15 @@
 #include "run/loop/session_fixture.h"
 #include "stats/clusters.h"
 #include "stats/thresholds.h"
+#include "stats/whole_run_maps.h"
 
 namespace {
 
 const std::map<Phase, const char*> phaseNames = {
-    {Phase::Idle, "idle"},     {Phase::Preparing, "preparing"}, {Phase::Recording, "recording"},
-    {Phase::Saving, "saving"}, {Phase::Reloading, "reloading"}, {Phase::PostProcessing, "post"}};
+    {Phase::Idle, "idle"},           {Phase::Preparing, "preparing"},
+    {Phase::Recording, "recording"}, {Phase::Saving, "saving"},
+    {Phase::Reloading, "reloading"}, {Phase::PostProcessing, "post"},
+    {Phase::Analysing, "analysing"}};
 
 class Reporter : public ProgressReporter {
 public:
@@ -25,28 +28,6 @@ protected:
         options_.temporal.checked = true;
         writeSession(32, 2);
         session.runButtonPressed(); // there is a run in memory and on disk
-    }
-
-    /// A model of the run in memory whose first condition explains a different part of each voxel.
-    void putWholeRunModel() {
-        WholeRunModel& model = session.functionalDocument->wholeRunModel;
-        const int points = 30;
-        model.release();
-        model.studies = {{points, "test.fmr", "test.rtc", 1}};
-        model.predictors.resize(3);
-        model.conditionOfColumn = {0, 1, -1};
-        model.size = session.functionalDocument->project.size();
-        model.rank = 3;
-        model.GLMInverse = {0.1f, 0.0f, 0.0f, 0.0f, 0.1f, 0.0f, 0.0f, 0.0f, 0.1f};
-        for (int t = 0; t < points; ++t)
-            for (const bool on : {t % 3 == 0, t % 3 == 1, true})
-                model.GLMDesign.push_back(float(on));
-        ASSERT_TRUE(model.GLMMaps.allocate(size_t(model.nrOfMapRows()) * model.nrOfVoxels()));
-        std::ranges::fill(model.row(WholeRunModel::correlationRow()), 0.6f);
-        std::ranges::fill(model.row(WholeRunModel::totalRow()), 100.0f);
-        for (int row = 0; row < 2; ++row)
-            for (size_t v = 0; v < model.nrOfVoxels(); ++v)
-                model.row(2 + row)[v] = float(v % 7) - 3.0f * float(row);
     }
 
     bool postprocess(ProgressReporter& progress) {
@@ -70,6 +51,7 @@ protected:
         };
         display.whenLogged = once; // Preparing and Reloading, with their documents
         display.whileSaving = once;
+        display.whileModelling = once;
         Reporter reporter(once);
         session.setRunButton(RunButtonState::Ready);
         if (phase == Phase::Idle)
@@ -82,7 +64,7 @@ protected:
             session.runButtonPressed();
         EXPECT_TRUE(done);
         EXPECT_TRUE(session.phase.isIdle());
-        display.whileSaving = display.whenLogged = {};
+        display.whileSaving = display.whileModelling = display.whenLogged = {};
     }
 
     PostprocessingOptions options_;
@@ -128,8 +110,6 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
          {Phase::Idle}},
         {"choice of the statistic",
          [&] {
-             if (session.functionalDocument)
-                 putWholeRunModel();
              return session.changeShownStatistic(ShownStatistic::T, -1) &&
                     session.changeOneSidedTesting(false);
          },
@@ -137,10 +117,10 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
         {"active for plug-ins", [&] { return session.phase.runActive(); }, {Phase::Recording}},
         {"warnings wait for nobody",
          [&] { return session.messagesAreModeless(MessageLevel::Warning); },
-         {Phase::Recording, Phase::Saving}},
+         {Phase::Recording, Phase::Saving, Phase::Analysing}},
         {"nor do errors",
          [&] { return session.messagesAreModeless(MessageLevel::Critical); },
-         {Phase::Saving}},
+         {Phase::Saving, Phase::Analysing}},
     };
     for (const auto& [operation, works, phases] : operations)
         for (const auto& [phase, name] : phaseNames) {
@@ -179,7 +159,7 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
             const StatisticalMaps& shown = document.maps;
             const auto clusters = shown.ClusterSizeSlices;
             const std::vector<int> contrastOfMap = shown.contrastOfMap;
-            ASSERT_TRUE(computeContrastMaps(document.finishedModel, document.mask,
+            ASSERT_TRUE(computeContrastMaps(document.wholeRunModel, document.mask,
                                             document.contrasts, document.maps));
             computeClusterSizes(document.maps, session.requests.thresholds,
                                 document.contrasts.ConjunctionAnalysis);
@@ -190,15 +170,13 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
 }
 
 TEST_F(SessionOperations, FAndConjunctionExcludeEachOther) {
-    EXPECT_FALSE(session.changeShownStatistic(ShownStatistic::FOfSelected, -1)) << "no model";
-    putWholeRunModel();
     QtCortivoDoc& document = *session.functionalDocument;
     ContrastDefinitions& contrasts = document.contrasts;
     EXPECT_TRUE(session.changeConjunction(true));
     EXPECT_TRUE(session.changeShownStatistic(ShownStatistic::FOfSelected, -1));
     EXPECT_FALSE(contrasts.ConjunctionAnalysis);
     EXPECT_EQ(document.maps.NrOfShownMaps, 1);
-    EXPECT_TRUE(session.panelText().contains("<b>F</b>(2,27) = "));
+    EXPECT_TRUE(session.panelText().contains("<b>F</b>(2,26) = ")) << "30 volumes, 4 columns";
     messages.expectInformation("INFO: The conjunction is one of t maps*");
     EXPECT_FALSE(session.changeConjunction(true));
 
@@ -215,6 +193,8 @@ TEST_F(SessionOperations, FAndConjunctionExcludeEachOther) {
     EXPECT_EQ(document.maps.MapType, MapKind::T);
     EXPECT_TRUE(session.changeOneSidedTesting(true));
     EXPECT_TRUE(std::ranges::all_of(document.maps.map(0), [](float t) { return t >= 0.0f; }));
+    document.wholeRunModel.release();
+    EXPECT_FALSE(session.changeShownStatistic(ShownStatistic::FOfSelected, -1)) << "no model";
 }
 
 TEST_F(SessionOperations, AChangeWhileTheLastVolumeIsAwaitedIsOnTheMaps) {
