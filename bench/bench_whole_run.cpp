@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
 #include <random>
 
 namespace {
@@ -50,14 +51,26 @@ WholeRunDesign makeDesign() {
     return design;
 }
 
-double milliseconds(WholeRunModel& model, const WholeRunDesign& design, const FMRProject& project) {
+/// Milliseconds of the clock and of the processor.
+struct Times {
+    double clock = 1e9;
+    double processor = 1e9;
+};
+
+/// Lowers the times to those of one more fit.
+void measure(Times& best, WholeRunModel& model, const WholeRunDesign& design,
+             const FMRProject& project) {
     using Clock = std::chrono::steady_clock;
     RunInMemory samples(project);
     NoProgress progress;
     const Clock::time_point start = Clock::now();
+    const std::clock_t processorStart = std::clock();
     if (fitWholeRunModel(model, design, project.size(), samples, progress) != WholeRunFit::Done)
         std::fputs("the fit failed\n", stderr);
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+    const double processor = double(std::clock() - processorStart) * 1000.0 / CLOCKS_PER_SEC;
+    const std::chrono::duration<double, std::milli> clock = Clock::now() - start;
+    best.clock = std::min(best.clock, clock.count());
+    best.processor = std::min(best.processor, processor);
 }
 
 } // namespace
@@ -69,8 +82,8 @@ int main() {
         return 1;
     }
     std::printf("Milliseconds, best of 5; %d volumes of 104 x 104 x 72 in memory, %d predictors, "
-                "all voxels\n",
-                nrOfVolumes, nrOfPredictors);
+                "all voxels\n%-30s    clock  processor  budget\n",
+                nrOfVolumes, nrOfPredictors, "");
     struct Case {
         const char* name;
         ZTransformation transformation;
@@ -85,10 +98,11 @@ int main() {
         design.transformation = each.transformation;
         design.CorrectSerialCorrelations = each.corrects;
         WholeRunModel model;
-        double best = 1e9;
+        Times best;
         for (int i = 0; i < 5; ++i)
-            best = std::min(best, milliseconds(model, design, project));
-        std::printf("%-30s  %7.0f  budget %5.0f\n", each.name, best, each.budget);
+            measure(best, model, design, project);
+        std::printf("%-30s  %7.0f  %9.0f  %6.0f\n", each.name, best.clock, best.processor,
+                    each.budget);
     }
     return 0;
 }

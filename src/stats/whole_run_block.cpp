@@ -81,7 +81,6 @@ void WholeRunBlock::formSums(std::span<const int16_t* const> points) {
     sums_.fill(0.0);
     squares_.fill(0.0);
     std::ranges::fill(products_.span(), 0.0);
-    std::ranges::fill(betas_.span(), 0.0);
     for (const StudyDesign& study : equations_.studies) {
         if (standardise)
             takeStandardisedStudy(study, points);
