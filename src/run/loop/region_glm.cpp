@@ -54,20 +54,23 @@ QString regionGLMHindrance(const QtCortivoDoc& document) {
     return {};
 }
 
-bool computeRegionGLM(const QtCortivoDoc& document, int roiIndex, bool correctSerialCorrelations,
-                      const QString& dataFolder, RegionGLM& result) {
+std::optional<RegionGLM> computeRegionGLM(const QtCortivoDoc& document, int roiIndex,
+                                          bool correctSerialCorrelations,
+                                          const QString& dataFolder) {
     const WholeRunModel& design = document.wholeRunModel;
     if (roiIndex < 0 || roiIndex >= document.regions.count() || !design.isValid())
-        return false;
+        return {};
     const std::span<const float> curve = validValues(document.regions[roiIndex]);
-    result = {};
-    if (!fitROIGLM(design, curve, result.fit))
-        return false;
+    RegionGLM model;
+    if (!fitROIGLM(design, curve, model.fit))
+        return {};
     if (correctSerialCorrelations &&
-        !fitWhitenedROIGLM(design, curve, result.fit, result.whitened.emplace()))
-        return false;
-    if (result.fit.explainsNothing())
+        !fitWhitenedROIGLM(design, curve, model.fit, model.whitened.emplace()))
+        return {};
+    if (model.fit.explainsNothing())
         showModelessWarning("WARNING: overdetermined matrix or no variance in time series !");
-    result.page = paths::join(dataFolder, "HTMLOutput/ROI_GLM_Info.html");
-    return writePage(result, predictorNames(design));
+    model.page = paths::join(dataFolder, "HTMLOutput/ROI_GLM_Info.html");
+    if (!writePage(model, predictorNames(design)))
+        return {};
+    return model;
 }

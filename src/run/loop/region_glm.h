@@ -19,9 +19,9 @@ struct RegionGLM {
 [[nodiscard]] QString regionGLMHindrance(const QtCortivoDoc& document);
 
 /// Fits the design of the document's model to the values of a region so far, with the correction a
-/// second time, and writes HTMLOutput/ROI_GLM_Info.html below `dataFolder`. False without a message
-/// when there is no such region or its values can't be modelled; false after one when the page
-/// can't be written. Of a region that the model explains nothing of a modeless warning tells.
-[[nodiscard]] bool computeRegionGLM(const QtCortivoDoc& document, int roiIndex,
-                                    bool correctSerialCorrelations, const QString& dataFolder,
-                                    RegionGLM& result);
+/// second time, and writes HTMLOutput/ROI_GLM_Info.html below `dataFolder`. Nothing without a
+/// message when there is no such region or its values can't be modelled; nothing after one when the
+/// page can't be written. Of a region that the model explains nothing of a modeless warning tells.
+[[nodiscard]] std::optional<RegionGLM> computeRegionGLM(const QtCortivoDoc& document, int roiIndex,
+                                                        bool correctSerialCorrelations,
+                                                        const QString& dataFolder);

@@ -163,11 +163,9 @@ QString SessionRegions::roiGLMHindrance() const {
 
 std::optional<RegionGLM> SessionRegions::computeROIGLM(int roiIndex,
                                                        bool correctSerialCorrelations) {
-    std::optional<RegionGLM> model(std::in_place);
-    if (!parts_.phase.isIdle() || !document_ ||
-        !computeRegionGLM(*document_, roiIndex, correctSerialCorrelations, dataFolder_, *model))
-        model.reset();
-    return model;
+    if (!parts_.phase.isIdle() || !document_)
+        return {};
+    return computeRegionGLM(*document_, roiIndex, correctSerialCorrelations, dataFolder_);
 }
 
 void SessionRegions::setLog(bool OperatorRequests::*log, bool on) {

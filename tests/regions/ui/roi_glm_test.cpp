@@ -11,6 +11,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QPushButton>
 #include <QTest>
 #include <QTextBrowser>
@@ -61,6 +62,9 @@ protected:
     QByteArray page() { return contentOf(folder.filePath("data/HTMLOutput/ROI_GLM_Info.html")); }
     template<typename Widget> Widget* find(const char* name) {
         return window.findChild<Widget*>(name);
+    }
+    static void deleteWhatLeft() {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     void accept() { QTest::mouseClick(find<QPushButton>("OkBtn"), Qt::LeftButton); }
 
@@ -129,10 +133,14 @@ TEST_F(RegionModel, AFlatCurveIsWarnedOfAndHasATable) {
 TEST_F(RegionModel, IsChosenInADialogAndShownInTwoWindows) {
     openROIGLMDialog(session, window);
     expectExplained(*window.findChild<ROIGLMDlg*>());
-    EXPECT_TRUE(find<QComboBox>("RegionCmBx")->isVisible());
+    EXPECT_TRUE(find<QComboBox>("RegionCmBx")->isVisible() &&
+                find<QLabel>("RegionLbl")->isVisible());
+    EXPECT_EQ(find<QComboBox>("RegionCmBx")->count(), 2);
     find<QComboBox>("RegionCmBx")->setCurrentText("ROI 2");
     find<QCheckBox>("CorrectSerialCorrelationsOp")->setChecked(true);
     accept();
+    deleteWhatLeft();
+    EXPECT_FALSE(window.findChild<ROIGLMDlg*>());
     EXPECT_EQ(page(), expectedPage(1));
     auto* plot = find<Plot2DDlg>("GLMPlot");
     auto* browser = find<QTextBrowser>("InformationBrowser");
@@ -150,7 +158,8 @@ TEST_F(RegionModel, IsChosenInADialogAndShownInTwoWindows) {
         document->regions[0].TimeCourseValues[t] = 1.0f + float(t % 3);
     document->regions[0].CurrentTimePoint = 39;
     openROIGLMDialog(session, window);
-    EXPECT_FALSE(find<QComboBox>("RegionCmBx")->isVisible());
+    EXPECT_FALSE(find<QComboBox>("RegionCmBx")->isVisible() ||
+                 find<QLabel>("RegionLbl")->isVisible());
     accept();
     EXPECT_FALSE(browser->toPlainText().contains("After Correction"));
     EXPECT_EQ(plot->plotter().content().title, "test · ROI 1");
@@ -168,10 +177,17 @@ TEST_F(RegionModel, APageThatCannotBeWrittenOpensNoWindow) {
 }
 
 TEST_F(RegionModel, TheDialogClosesWithItsRegions) {
-    openROIGLMDialog(session, window);
-    session.listeners.regionsChanged(*document);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_FALSE(window.findChild<ROIGLMDlg*>());
+    const std::function<void()> changes[] = {[&] { session.listeners.regionsChanged(*document); },
+                                             [&] { session.listeners.settingsFileChanged(); },
+                                             [&] { session.listeners.documentsLeaving(); }};
+    for (const std::function<void()>& change : changes) {
+        openROIGLMDialog(session, window);
+        ASSERT_TRUE(window.findChild<ROIGLMDlg*>());
+        change();
+        EXPECT_FALSE(window.findChild<ROIGLMDlg*>()->isVisible());
+        deleteWhatLeft();
+        EXPECT_FALSE(window.findChild<ROIGLMDlg*>());
+    }
 }
 
 TEST_F(RegionModel, ThePlotHasTheCurvesOfTheLastTable) {
