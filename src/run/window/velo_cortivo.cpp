@@ -4,6 +4,7 @@
 #include "dialogs/appearance.h"
 #include "dialogs/progress_boxes.h"
 #include "display/waiting_notice.h"
+#include "regions/ui/roi_glm_dialog.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/ui/response_plot_dialog.h"
 #include "run/replay/ui/recover_run_dialog.h"
@@ -35,6 +36,7 @@ VeloCortivo::VeloCortivo(const StandardFolders& folders, EventPump& pump)
     session_.licencePermits = licencePermits;
     session_.journal.setPlaces(folders.dataPath,
                                JournalList(folders.applicationDataPath + "OpenJournals"));
+    session_.regions.setDataFolder(folders.dataPath);
     wrapToolTips(*this);
     initDefaultPalettes();
     qApp->installEventFilter(this);
@@ -256,6 +258,10 @@ void VeloCortivo::slotRecoverRun() {
 
 void VeloCortivo::slotReplayRun() {
     openReplayRunDialog(session_, watch_, *this);
+}
+
+void VeloCortivo::slotROIGLM() {
+    openROIGLMDialog(session_, *this);
 }
 
 void VeloCortivo::slotPostProcessData() {
