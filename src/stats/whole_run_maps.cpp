@@ -153,8 +153,8 @@ void computeBlock(const WholeRunModel& model, const MapPlan& plan, size_t first,
         else
             computeFValues(plan.comparisons[size_t(map)].forms, block, values);
         // One F map stands for all contrasts.
-        const bool ofAll = maps.NrOfActiveContrasts < active.count;
-        for (int c = ofAll ? 0 : map; plan.oneSided && c < (ofAll ? active.count : map + 1); ++c)
+        const int last = maps.NrOfActiveContrasts < active.count ? active.count : map + 1;
+        for (int c = map; plan.oneSided && c < last; ++c)
             keepAgreeingSigns(active.row(c), block, values);
     }
     if (plan.conjunction)

@@ -276,6 +276,18 @@ TEST(WholeRunMaps, AConditionThatIsMissingTakesItsContrastsFromTheStudy) {
     EXPECT_EQ(mapsOf(model, select({4})).NrOfActiveContrasts, 0);
 }
 
+TEST(WholeRunMaps, FIsExactWhereTheColumnsThatStayAreNearlyEqual) {
+    WholeRunDesign design = makeDesign();
+    for (size_t t = 0; t < 2 * points; ++t)
+        design.GLMDesign[t * p + 1] = design.GLMDesign[t * p] + design.GLMDesign[t * p + 1] / 512;
+    const WholeRunModel model = fittedModel(false, design);
+    ContrastDefinitions contrasts = select({4});
+    contrasts.ContrastWeights[4] = {0, 0, 1};
+    const float t = mapsOf(model, contrasts).map(0)[0];
+    contrasts.shownStatistic = Shown::FOfContrast;
+    EXPECT_NEAR(mapsOf(model, contrasts).map(0)[0], t * t, 2e-4f * t * t);
+}
+
 TEST(WholeRunMaps, AreZeroWhereNothingCanBeTested) {
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
     for (const Shown shown : {Shown::T, Shown::FOfContrast}) {
@@ -291,7 +303,7 @@ TEST(WholeRunMaps, AreZeroWhereNothingCanBeTested) {
         const StatisticalMaps maps = mapsOf(model, select({1}, Shown::FOfContrast));
         EXPECT_EQ(values(maps), std::vector<float>(5, 0.0f));
         EXPECT_EQ(maps.MapDF1, 0);
-        model.GLMDesign[0] = nan;
+        model.GLMDesign[p - 1] = nan;
         EXPECT_EQ(values(mapsOf(model, select({0}, Shown::FOfContrast))), values(maps));
 
         ContrastDefinitions contrasts = select({0});
