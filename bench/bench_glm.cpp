@@ -5,6 +5,7 @@
 #include "stats/incremental_glm.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int nrOfVolumes = 300;
 constexpr int nrOfConditions = 6; // with the constant and the trend 8 predictors
+constexpr int manyDriftTerms = 10;
 constexpr int nrOfContrasts = 3;
 
 struct Size {
@@ -51,12 +53,12 @@ struct BenchmarkRun {
 
     GLMRun parts() { return {project, design, contrasts, mask, glm, maps}; }
 
-    [[nodiscard]] bool prepare(const Size& size) {
+    [[nodiscard]] bool prepare(const Size& size, int driftTerms) {
         project.ResolutionX = size.columns;
         project.ResolutionY = size.rows;
         project.NrOfSlices = size.slices;
         project.NrOfVolumes = nrOfVolumes;
-        makeDesign();
+        makeDesign(driftTerms);
         makeContrasts();
         return makeVolumes() && createBrainMask(mask, project, 100) &&
                glm.allocate(design.NrOfPredictors, project.volumeSamples()) &&
@@ -64,11 +66,11 @@ struct BenchmarkRun {
     }
 
 private:
-    void makeDesign() {
+    void makeDesign(int driftTerms) {
         design.NrOfVolumes = nrOfVolumes;
         design.NrOfConditionPredictors = nrOfConditions;
-        design.NrOfConfoundPredictors = 2;
-        design.NrOfPredictors = nrOfConditions + 2;
+        design.NrOfConfoundPredictors = 1 + driftTerms;
+        design.NrOfPredictors = nrOfConditions + 1 + driftTerms;
         for (int j = 0; j < design.NrOfPredictors; ++j)
             for (int t = 0; t < nrOfVolumes; ++t)
                 design.PredictorColumns[size_t(j)].push_back(predictor(j, t));
@@ -76,8 +78,8 @@ private:
     }
     static float predictor(int column, int volume) {
         if (column < nrOfConditions)
-            return std::max(0.0f, std::sin(float(volume * 6 + column * 60) * 0.0174533f));
-        return column == nrOfConditions ? 1.0f : float(volume) / nrOfVolumes * 2 - 1;
+            return std::max(0.0f, std::sin(float(volume * 6 + column * 50) * 0.0174533f));
+        return std::cos(float((column - nrOfConditions) * volume) / nrOfVolumes * 3.1416f);
     }
     void makeContrasts() {
         contrasts.NrOfContrasts = nrOfContrasts;
@@ -114,7 +116,7 @@ double batchMilliseconds(BenchmarkRun& run, int nrOfVolumesInModel) {
 
 bool printSize(const Size& size) {
     BenchmarkRun run;
-    if (!run.prepare(size)) {
+    if (!run.prepare(size, 1)) {
         std::fputs("not enough memory\n", stderr);
         return false;
     }
@@ -145,14 +147,39 @@ bool printSize(const Size& size) {
     return true;
 }
 
+/// Median time of a volume, with t maps, after a solution from the first volumes.
+double volumeMilliseconds(BenchmarkRun& run, int nrOfVolumesInModel) {
+    batchMilliseconds(run, nrOfVolumesInModel);
+    VolumeCounter counter;
+    run.glm.GLMStartVolume = counter.volume;
+    run.contrasts.ContrastsChanged = true;
+    return medianMilliseconds(49, [&] { updateGLM(run.parts(), counter.next()); });
+}
+
+bool printGrowingRank(const Size& size) {
+    BenchmarkRun run;
+    if (!run.prepare(size, manyDriftTerms)) {
+        std::fputs("not enough memory\n", stderr);
+        return false;
+    }
+    const double whole = volumeMilliseconds(run, 300);
+    const double lacking = volumeMilliseconds(run, 100);
+    std::printf("%3d x %3d x %2d  %7.2f  %7.2f  %6.2f  %8d\n", size.columns, size.rows, size.slices,
+                whole, lacking, lacking / whole, run.glm.nrOfDirections);
+    return true;
+}
+
 } // namespace
 
 int main() {
     std::printf("Milliseconds, medians; 8 predictors, 3 contrasts, all voxels of the inner slices\n"
                 "size            memcpy   update   ratio   +t maps +clusters  budget  batch100  "
                 "batch300\n");
-    for (const Size& size : {Size{64, 64, 25, 2}, Size{74, 74, 36, 6}, Size{104, 104, 72, 25}})
-        if (!printSize(size))
-            return 1;
-    return 0;
+    const std::array sizes{Size{64, 64, 25, 2}, Size{74, 74, 36, 6}, Size{104, 104, 72, 25}};
+    if (!std::ranges::all_of(sizes, printSize))
+        return 1;
+    std::printf("\nUpdate and t maps, %d drift terms, 17 predictors\n"
+                "size            whole   lacking   ratio  directions\n",
+                manyDriftTerms);
+    return std::ranges::all_of(sizes, printGrowingRank) ? 0 : 1;
 }

@@ -76,7 +76,7 @@ bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& de
         ++glm.GLMStepIndex;
     glm.nrOfActivePredictors = batch.p;
     glm.ActivePredictors = std::move(columns);
-    if (solveIncompleteDesign(glm, batch, design, project, mask))
+    if (solveInDouble(glm, batch, design, project, mask))
         return true;
     glm.nrOfDirections = batch.p;
     glm.iXX.assign(batch.inverse.begin(), batch.inverse.end());

@@ -2,40 +2,50 @@
 #include "stats/glm_sums.h"
 
 #include "base/simd_clones.h"
+#include "stats/design_matrix.h"
 #include "stats/glm_kernels.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
-/// Voxels whose sums and betas stay in the first-level cache together while they are multiplied.
-constexpr size_t solvedTogether = 64;
+/// As many doubles as a register of AVX2 holds; on other machines the compiler takes two.
+using Lanes [[gnu::vector_size(32)]] = double;
+constexpr size_t lanes = sizeof(Lanes) / sizeof(double);
+/// Voxels that are solved together: two registers for each beta.
+constexpr size_t tileVoxels = 2 * lanes;
 
-/// Rows 0 to rows - 1 of `betas` = the same rows of the inverse times the sums.
-template<size_t rows>
-[[gnu::always_inline]] inline void multiplyRows(const double* inverse, size_t p, const double* sums,
-                                                size_t sumsStride, size_t count, double* betas,
-                                                size_t stride) {
-    alignas(64) double results[rows][solvedTogether] = {};
-    for (size_t k = 0; k < p; ++k) {
-        const double* __restrict row = sums + k * sumsStride;
-        for (size_t v = 0; v < count; ++v)
-            for (size_t i = 0; i < rows; ++i)
-                results[i][v] += inverse[i * p + k] * row[v];
-    }
-    for (size_t i = 0; i < rows; ++i)
-        std::copy_n(results[i], count, betas + i * stride);
+/// The sums of a few voxels, row by row, so that they stay in the first-level cache.
+struct Tile {
+    Lanes rows[DesignMatrix::maximumPredictors + 1][2] = {};
+};
+
+/// A copy of a known size is two registers, any other a call or a slow loop.
+[[gnu::always_inline]] inline void copyRow(const void* from, size_t count, void* to) {
+    if (count == tileVoxels)
+        std::memcpy(to, from, tileVoxels * sizeof(double));
+    else
+        std::memcpy(to, from, count * sizeof(double));
 }
 
-[[gnu::always_inline]] inline void residualSquares(size_t p, const double* sums, size_t sumsStride,
-                                                   size_t count, double* values, size_t stride) {
-    double* __restrict squares = values + p * stride;
-    std::copy_n(sums + p * sumsStride, count, squares);
-    for (size_t j = 0; j < p; ++j)
-        for (size_t v = 0; v < count; ++v)
-            squares[v] -= values[j * stride + v] * sums[j * sumsStride + v];
-    for (size_t v = 0; v < count; ++v)
-        squares[v] = std::max(0.0, squares[v]);
+/// `rows` betas of a tile, from `first` on; takes what they explain off the last row of the tile.
+template<size_t rows>
+[[gnu::always_inline]] inline void solveRows(const double* inverse, size_t p, size_t first,
+                                             Tile& tile, size_t count, double* values,
+                                             size_t stride) {
+    Lanes betas[rows][2] = {};
+    for (size_t k = 0; k < p; ++k)
+        for (size_t i = 0; i < rows; ++i) {
+            const double factor = inverse[(first + i) * p + k];
+            betas[i][0] += factor * tile.rows[k][0];
+            betas[i][1] += factor * tile.rows[k][1];
+        }
+    for (size_t i = 0; i < rows; ++i) {
+        tile.rows[p][0] -= betas[i][0] * tile.rows[first + i][0];
+        tile.rows[p][1] -= betas[i][1] * tile.rows[first + i][1];
+        copyRow(betas[i], count, values + (first + i) * stride);
+    }
 }
 
 } // namespace
@@ -60,18 +70,22 @@ void addVolumeToSums(std::span<const double> x, const int16_t* samples,
 VELO_SIMD_CLONES
 void solveFromSums(std::span<const double> inverse, size_t p, const SumsReference& reference,
                    const double* sums, size_t count, double* values, size_t stride) {
-    for (size_t first = 0; first < count; first += solvedTogether) {
-        const size_t part = std::min(solvedTogether, count - first);
+    Tile tile;
+    for (size_t first = 0; first < count; first += tileVoxels) {
+        const size_t part = std::min(tileVoxels, count - first);
+        for (size_t k = 0; k <= p; ++k)
+            copyRow(sums + k * count + first, part, tile.rows[k]);
         double* betas = values + first;
         size_t i = 0;
         for (; i + 4 <= p; i += 4)
-            multiplyRows<4>(inverse.data() + i * p, p, sums + first, count, part,
-                            betas + i * stride, stride);
+            solveRows<4>(inverse.data(), p, i, tile, part, betas, stride);
         for (; i < p; ++i)
-            multiplyRows<1>(inverse.data() + i * p, p, sums + first, count, part,
-                            betas + i * stride, stride);
-        residualSquares(p, sums + first, count, part, betas, stride);
+            solveRows<1>(inverse.data(), p, i, tile, part, betas, stride);
+        copyRow(tile.rows[p], part, betas + p * stride);
     }
+    double* squares = values + p * stride;
+    for (size_t v = 0; v < count; ++v)
+        squares[v] = std::max(0.0, squares[v]);
     double* constant = values + reference.constant * stride;
     if (reference.samples)
         for (size_t v = 0; v < count; ++v)

@@ -9,14 +9,22 @@
 
 namespace {
 
-/// Smallest over largest eigenvalue of X'X, with columns of unit length, from which on the batch
-/// solution in float and the recursion are exact enough.
-constexpr double completeDesign = 1e-4;
+// Where a batch solution in float misses the t values of one in double by more than 1e-3 although
+// the inverse has kept all directions: below this ratio of the smallest to the largest eigenvalue
+// of X'X, with columns of unit length, and in sums over more volumes than these. The recursion, in
+// double, is exact from any design on that has all directions. docs/performance.md has the figures.
+constexpr double smallestEigenvalueInFloat = 1e-2;
+constexpr int mostVolumesInFloat = 100;
+
+bool isExactInFloat(const BatchDesign& batch, const numerics::NormalInverse& normal) {
+    return batch.rank == batch.p && batch.n <= mostVolumesInFloat &&
+           normal.smallestEigenvalue >= smallestEigenvalueInFloat;
+}
 
 bool invert(GrowingRank& growth, int p, numerics::NormalInverse& normal) {
     if (!numerics::invertNormalMatrix(growth.xx, p, normal))
         return false;
-    growth.open = normal.rank < p || normal.smallestEigenvalue < completeDesign;
+    growth.open = normal.rank < p;
     return true;
 }
 
@@ -52,7 +60,7 @@ size_t voxelsOf(const BrainMask& mask) {
 void solveVoxels(GLMState& glm, const BatchDesign& batch, const FMRProject& project,
                  const BrainMask& mask) {
     const size_t p = size_t(batch.p);
-    const bool keep = glm.growth.sums.allocate(voxelsOf(mask) * (p + 1));
+    const bool keep = glm.growth.open && glm.growth.sums.allocate(voxelsOf(mask) * (p + 1));
     std::vector<double> x(p);
     std::vector<double> scratch(keep ? 0 : (p + 1) * glmBlockVoxels);
     size_t position = 0;
@@ -73,17 +81,16 @@ void solveVoxels(GLMState& glm, const BatchDesign& batch, const FMRProject& proj
 
 } // namespace
 
-bool solveIncompleteDesign(GLMState& glm, const BatchDesign& batch, const DesignMatrix& design,
-                           const FMRProject& project, const BrainMask& mask) {
+bool solveInDouble(GLMState& glm, const BatchDesign& batch, const DesignMatrix& design,
+                   const FMRProject& project, const BrainMask& mask) {
     GrowingRank& growth = glm.growth;
     growth.release();
     growth.xx = normalMatrix(batch.x, size_t(batch.p));
     numerics::NormalInverse normal;
-    if (!invert(growth, batch.p, normal) || (batch.rank == batch.p && !growth.open)) {
+    if (!invert(growth, batch.p, normal) || isExactInFloat(batch, normal)) {
         growth.release();
         return false;
     }
-    growth.open = true;
     growth.constant = constantOf(glm.ActivePredictors, design);
     takeInverse(glm, normal);
     solveVoxels(glm, batch, project, mask);

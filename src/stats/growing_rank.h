@@ -1,4 +1,4 @@
-// The live model while its design lacks directions, or nearly does.
+// The live model while its design lacks directions.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -15,9 +15,10 @@ struct GLMState;
 
 /// At the start of a long run slow drift terms can't be told from the constant, and an inverse
 /// leaves directions out that the recursion can never bring back. From such a solution on the model
-/// is solved at each volume from sums over all volumes, in double, until the design is complete.
+/// is solved at each volume from sums over all volumes, in double, until the design has all
+/// directions; then the recursion goes on.
 struct GrowingRank {
-    bool open = false;         ///< the design is not complete
+    bool open = false;         ///< the design lacks directions
     int constant = -1;         ///< column of ones in the model; -1 without one
     std::vector<double> xx;    ///< p x p, X'X
     ZeroedBuffer<double> sums; ///< p + 1 per voxel of the mask, block by block; see glm_sums.h.
@@ -33,17 +34,18 @@ enum class Growth {
     Solved, ///< all voxels are solved
 };
 
-/// If the design lacks directions, or nearly does: opens the model's GrowingRank, sets iXX and
-/// nrOfDirections and solves all voxels from the volumes of the batch design, whose columns are the
-/// active predictors. Else false, with GrowingRank released and the rest unchanged.
-[[nodiscard]] bool solveIncompleteDesign(GLMState& glm, const BatchDesign& batch,
-                                         const DesignMatrix& design, const FMRProject& project,
-                                         const BrainMask& mask);
+/// If the design lacks directions, or the solution in float is not exact enough: sets iXX and
+/// nrOfDirections and solves all voxels in double from the volumes of the batch design, whose
+/// columns are the active predictors. GrowingRank is then open if directions lack. Else false, with
+/// GrowingRank released and the rest unchanged.
+[[nodiscard]] bool solveInDouble(GLMState& glm, const BatchDesign& batch,
+                                 const DesignMatrix& design, const FMRProject& project,
+                                 const BrainMask& mask);
 
 /// Takes a volume with the predictors workspace.x into X'X. The sums give iXX and nrOfDirections
 /// anew; without their memory the model is solved from all volumes where the design has gained a
-/// direction. GrowingRank is no longer open once the design is complete; its sums stay for the
-/// volume, to be released after it.
+/// direction. GrowingRank is no longer open once it has all; its sums stay for the volume, to be
+/// released after it.
 [[nodiscard]] Growth growRank(GLMState& glm, const DesignMatrix& design, const FMRProject& project,
                               const BrainMask& mask, int volumeIndex);
 

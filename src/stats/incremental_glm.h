@@ -43,7 +43,7 @@ struct GLMState {
     ZeroedBuffer<double> values;
     size_t nrOfVoxels = 0;
     int nrOfActivePredictors = 1; ///< p
-    int nrOfDirections = 1;       ///< rank of the design; p but for a design that is not complete
+    int nrOfDirections = 1;       ///< of the design, as a rule p
     std::vector<double> iXX;      ///< p x p, row-major
     std::vector<int> ActivePredictors;
     int GLMStartVolume = notStarted;
@@ -84,14 +84,13 @@ struct GLMRun {
 /// when the overlay colours must be recomputed because the active contrasts were refreshed: at a
 /// batch solution, and at every volume once ContrastsChanged is set.
 ///
-/// While the design lacks directions, or nearly does, the model is solved from sums at each volume;
-/// see growing_rank.h. Contrasts that it can't estimate have maps of 0.
+/// While the design lacks directions the model is solved from sums at each volume, see
+/// growing_rank.h, and contrasts that it can't estimate have maps of 0.
 ///
 /// Sets NrOfActiveContrasts, states, contrastOfMap and MapDF1 of the maps: n - p, or n less the
-/// directions that the design has, at least 0.
-/// MapType becomes t at the first solution. With conjunction the first map holds its result and has
-/// state 3. Does nothing when the project lacks the volume, or when its size or that of the mask
-/// differs from the model's.
+/// directions that the design has, at least 0. MapType becomes t at the first solution. With
+/// conjunction the first map holds its result and has state 3. Does nothing when the project lacks
+/// the volume, or when its size or that of the mask differs from the model's.
 ///
 /// The recursion is recursive least squares without forgetting (Haykin, Adaptive Filter Theory,
 /// chapter on the RLS algorithm).

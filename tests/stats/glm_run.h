@@ -6,6 +6,7 @@
 #include "stats/numerics/linear_systems.h"
 
 #include <cmath>
+#include <numeric>
 #include <random>
 
 /// 7 x 6 x 5 voxels. Slices 1 to 3 hold signal around 1000 but for some voxels below the mask's
@@ -61,6 +62,13 @@ struct GLMTestRun {
                 design.PredictorColumns[size_t(design.NrOfPredictors + c)].push_back(
                     c == 0 ? 1.0f : float(t) / float(project.volumes.size()) * 2 - 1);
         design.NrOfPredictors += nrOfColumns;
+    }
+
+    /// The constant and so many drift terms, as a run has them.
+    void addDriftTerms(int nrOfTerms) {
+        design.NrOfConfoundPredictors = 1 + nrOfTerms;
+        EXPECT_TRUE(fillConfoundColumns(design, {{}, 2000.0f, design.NrOfVolumes, 1, nrOfTerms}));
+        design.NrOfPredictors += 1 + nrOfTerms;
     }
 
     void addContrast(std::vector<int> weights, int state = ContrastPositive) {
