@@ -9,7 +9,9 @@ namespace {
 
 class ProbeProgress : public ProgressReporter {
 public:
-    explicit ProbeProgress(ProbeDisplay& display) : display_(display) {}
+    explicit ProbeProgress(ProbeDisplay& display, bool aborts = false)
+        : display_(display), aborts_(aborts) {}
+    bool cancelled() const override { return aborts_; }
     void setProgress(int percent) override {
         display_.progress.push_back(percent);
         if (display_.whileSaving)
@@ -18,6 +20,7 @@ public:
 
 private:
     ProbeDisplay& display_;
+    bool aborts_;
 };
 
 class ScriptedReader : public VolumeReader {
@@ -89,8 +92,9 @@ std::unique_ptr<ProgressReporter> ProbeDisplay::openSavingProgress() {
     return std::make_unique<ProbeProgress>(*this);
 }
 
-std::unique_ptr<ProgressReporter> ProbeDisplay::openModelProgress(const QString&) {
-    return std::make_unique<ProbeProgress>(*this);
+std::unique_ptr<ProgressReporter> ProbeDisplay::openModelProgress(const QString& text) {
+    calls << text;
+    return std::make_unique<ProbeProgress>(*this, abortsModel);
 }
 
 SessionFixture::SessionFixture() {

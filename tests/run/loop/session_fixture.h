@@ -18,6 +18,7 @@ public:
     QStringList logTexts;
     std::vector<RunButtonState> buttonStates;
     std::vector<int> progress;
+    bool abortsModel = false; ///< the operator, at the first report of a fit
     std::function<void()> whileSaving;
     std::function<void()> whenLogged;
     std::function<void()> whenStarting;
