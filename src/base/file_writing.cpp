@@ -39,6 +39,11 @@ bool forceOutData(int) {
 void forceOutFolder(const QString&) {}
 #endif
 
+bool openToReplace(QSaveFile& file) {
+    const QFileInfo existing(file.fileName());
+    return (!existing.exists() || existing.isFile()) && file.open(QIODevice::WriteOnly);
+}
+
 bool commitFile(QSaveFile& file) {
     if (!file.flush() || !forceOutData(file.handle()))
         file.cancelWriting();
@@ -49,16 +54,8 @@ bool commitFile(QSaveFile& file) {
 }
 
 bool writeFileAtomically(const QString& path, const QByteArray& content) {
-    // A folder, a pipe or a device must not be replaced by a file.
-    const QFileInfo existing(path);
-    if (existing.exists() && !existing.isFile())
-        return false;
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    if (file.write(content) != content.size())
-        return false;
-    return commitFile(file);
+    return openToReplace(file) && file.write(content) == content.size() && commitFile(file);
 }
 
 QByteArray formatted(const char* format, ...) {

@@ -12,6 +12,10 @@ class QSaveFile;
 /// link stays, and its target is replaced.
 [[nodiscard]] bool writeFileAtomically(const QString& path, const QByteArray& content);
 
+/// Opens a file for writing in the same way. False where its name is no regular file: a folder, a
+/// pipe or a device must be neither opened nor replaced.
+[[nodiscard]] bool openToReplace(QSaveFile& file);
+
 /// Ends the writing of a file in the same way: forces out what was written and renames. To be used
 /// instead of commit(), which renames also a file whose last block found no room on the disk.
 [[nodiscard]] bool commitFile(QSaveFile& file);

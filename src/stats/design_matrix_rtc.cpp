@@ -119,7 +119,11 @@ RTCFile rtcFileOf(const DesignMatrix& design) {
 }
 
 bool writeDesignMatrixRTC(const DesignMatrix& design, const QString& fileName) {
-    if (writeFileAtomically(fileName, rtcText(rtcFileOf(design), RTCNumbers::Plain)))
+    return writeDesignMatrixRTC(rtcFileOf(design), fileName);
+}
+
+bool writeDesignMatrixRTC(const RTCFile& design, const QString& fileName) {
+    if (writeFileAtomically(fileName, rtcText(design, RTCNumbers::Plain)))
         return true;
     showWarning("ERROR: Can not open .rtc file for writing design matrix file !");
     return false;
@@ -146,5 +150,8 @@ QString readPredictorNamesOfRTC(const QString& fileName) {
         showWarning("Error reading file: Unknown file format!");
         return {};
     }
-    return file.type == "DesignMatrix" ? file.names.join(", ") : QString(" ");
+    if (file.type != "DesignMatrix")
+        return " ";
+    const QString names = file.names.join(", ");
+    return names.isNull() ? QString("") : names;
 }

@@ -46,10 +46,12 @@ enum class RTCNumbers {
 
 /// Writes the design of a run with plain numbers, atomically. False after a message.
 [[nodiscard]] bool writeDesignMatrixRTC(const DesignMatrix& design, const QString& fileName);
+/// The same for any design.
+[[nodiscard]] bool writeDesignMatrixRTC(const RTCFile& design, const QString& fileName);
 /// Writes any design with aligned numbers, atomically. False after a message.
 [[nodiscard]] bool writeGLMDesignMatrixRTC(const RTCFile& design, const QString& fileName);
 
 /// Predictor names of a design matrix file, joined by ", ". A version 1 file or one of another type
-/// gives " "; a file that can't be opened or has an unknown format gives an empty string after a
-/// message.
+/// gives " "; a file that can't be opened or has an unknown format gives a null string after a
+/// message. No name, or a single empty one, gives an empty string that is not null.
 [[nodiscard]] QString readPredictorNamesOfRTC(const QString& fileName);

@@ -2,7 +2,6 @@
 #include "stats/finished_model.h"
 
 #include "base/messages.h"
-#include "base/program_end.h"
 #include "stats/glm_blocks.h"
 
 #include <algorithm>
@@ -35,16 +34,6 @@ void finishBlock(FinishedModel& model, const GLMState& glm, std::span<const int1
     for (int j = 0; j < p; ++j)
         std::copy_n(glm.row(j).begin() + ptrdiff_t(first), count,
                     model.row(firstBetaRow + j).begin() + ptrdiff_t(first));
-}
-
-bool allocateMissingMaps(const FinishedModel& model, const ContrastDefinitions& contrasts,
-                         StatisticalMaps& maps) {
-    const bool present = maps.size == model.size && maps.nrOfMaps >= contrasts.NrOfContrasts;
-    if (present || maps.allocateMaps(contrasts.NrOfContrasts, model.size))
-        return true;
-    showCritical("ERROR: Not enough memory for contrast maps - terminating Cortivo...");
-    endProgram(1);
-    return false;
 }
 
 void computeVariances(const FinishedModel& model, size_t first, size_t count, float* variances) {
@@ -95,7 +84,7 @@ bool computeContrastMaps(const FinishedModel& model, const BrainMask& mask,
                          ContrastDefinitions& contrasts, StatisticalMaps& maps) {
     if (!model.isValid() || mask.voxels.size() != model.nrOfVoxels())
         return false;
-    if (!allocateMissingMaps(model, contrasts, maps))
+    if (!allocateMissingMaps(contrasts, model.size, maps))
         return false;
     ActiveContrasts active;
     refreshActiveContrasts(active, contrasts, maps, model.ActivePredictors);

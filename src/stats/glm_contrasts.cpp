@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/glm_contrasts.h"
 
+#include "base/messages.h"
+#include "base/program_end.h"
 #include "stats/contrasts.h"
 #include "stats/glm_kernels.h"
 #include "stats/numerics/matrix_products.h"
@@ -31,6 +33,16 @@ void limitStates(ContrastDefinitions& contrasts, std::span<const int> activePred
 }
 
 } // namespace
+
+bool allocateMissingMaps(const ContrastDefinitions& contrasts, const VolumeSize& size,
+                         StatisticalMaps& maps) {
+    const bool present = maps.size == size && maps.nrOfMaps >= contrasts.NrOfContrasts;
+    if (present || maps.allocateMaps(contrasts.NrOfContrasts, size))
+        return true;
+    showCritical("ERROR: Not enough memory for contrast maps - terminating Cortivo...");
+    endProgram(1);
+    return false;
+}
 
 void refreshActiveContrasts(ActiveContrasts& active, ContrastDefinitions& contrasts,
                             StatisticalMaps& maps, std::span<const int> activePredictors) {
@@ -73,6 +85,12 @@ void markConjunction(const ContrastDefinitions& contrasts, StatisticalMaps& maps
         maps.states.front() = ContrastBoth;
 }
 
+void conjoinBlockMaps(const ActiveContrasts& active, size_t first, size_t count,
+                      StatisticalMaps& maps) {
+    for (int c = 1; c < active.count; ++c)
+        conjoinMaps(maps.map(c).data() + first, count, maps.map(0).data() + first);
+}
+
 void computeBlockMaps(const ActiveContrasts& active, const BlockEstimates& estimates, size_t first,
                       size_t count, bool withConjunction, StatisticalMaps& maps) {
     for (int c = 0; c < active.count; ++c) {
@@ -80,8 +98,6 @@ void computeBlockMaps(const ActiveContrasts& active, const BlockEstimates& estim
         computeTValues(contrast, estimates.betas, estimates.stride, estimates.variances, count,
                        maps.map(c).data() + first);
     }
-    if (!withConjunction)
-        return;
-    for (int c = 1; c < active.count; ++c)
-        conjoinMaps(maps.map(c).data() + first, count, maps.map(0).data() + first);
+    if (withConjunction)
+        conjoinBlockMaps(active, first, count, maps);
 }

@@ -2,12 +2,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "volume/volume_geometry.h"
+
 #include <cstddef>
 #include <span>
 #include <vector>
 
 struct ContrastDefinitions;
 struct StatisticalMaps;
+
+/// Makes room for a map of each contrast where there is none yet. False, after a message, when
+/// memory runs out, which ends the program.
+[[nodiscard]] bool allocateMissingMaps(const ContrastDefinitions& contrasts, const VolumeSize& size,
+                                       StatisticalMaps& maps);
 
 /// The active contrasts over the columns of a model, in the order of the contrast list.
 struct ActiveContrasts {
@@ -25,7 +32,8 @@ struct ActiveContrasts {
 
 /// Activates the selected contrasts: ActiveContrastStates become the selection states, or 0 where a
 /// weight falls on a column that is not in the model (`activePredictors`: design columns in model
-/// order). Sets NrOfActiveContrasts, states and contrastOfMap of the maps, limited to the maps
+/// order; -1 where a column of the model has no weight, and more than once where several columns
+/// share one). Sets NrOfActiveContrasts, states and contrastOfMap of the maps, limited to the maps
 /// allocated.
 void refreshActiveContrasts(ActiveContrasts& active, ContrastDefinitions& contrasts,
                             StatisticalMaps& maps, std::span<const int> activePredictors);
@@ -46,6 +54,11 @@ struct BlockEstimates {
     size_t stride = 0;            ///< between rows
     const float* variances = nullptr;
 };
+
+/// Combines the maps of all active contrasts in the first one, for the voxels first to first +
+/// count - 1.
+void conjoinBlockMaps(const ActiveContrasts& active, size_t first, size_t count,
+                      StatisticalMaps& maps);
 
 /// Writes the t values of all active contrasts for the voxels first to first + count - 1. If
 /// `withConjunction`, the first map gets the conjunction instead.

@@ -3,6 +3,7 @@
 
 #include "base/simd_clones.h"
 #include "stats/numerics/failures.h"
+#include "stats/row_sums.h"
 
 #include <cmath>
 
@@ -24,20 +25,7 @@ template<int rows>
     }
 }
 
-/// sums += weight[0] * row 0, then weight[1] * row 1, ..., in float.
-template<int rows>
-[[gnu::always_inline]] inline void addRows(const float* weights, size_t weightStride,
-                                           const float* values, size_t stride, size_t count,
-                                           float* __restrict sums) {
-    for (size_t v = 0; v < count; ++v) {
-        float sum = sums[v];
-        for (int j = 0; j < rows; ++j)
-            sum += weights[size_t(j) * weightStride] * values[size_t(j) * stride + v];
-        sums[v] = sum;
-    }
-}
-
-/// The same with products in float and sums in double.
+/// sums += weight[0] * row 0, ..., with products in float and sums in double.
 template<int rows>
 [[gnu::always_inline]] inline void addRowsInDouble(const float* weights, const float* values,
                                                    size_t stride, size_t count,
@@ -48,23 +36,6 @@ template<int rows>
             sum += double(weights[j] * values[size_t(j) * stride + v]);
         sums[v] = sum;
     }
-}
-
-/// sums = the weighted sum of `nrOfRows` rows, in float, rows in order.
-[[gnu::always_inline]] inline void sumRows(const float* weights, size_t weightStride, int nrOfRows,
-                                           const float* values, size_t stride, size_t count,
-                                           float* sums) {
-    std::fill_n(sums, count, 0.0f);
-    int j = 0;
-    for (; j + 8 <= nrOfRows; j += 8)
-        addRows<8>(weights + size_t(j) * weightStride, weightStride, values + size_t(j) * stride,
-                   stride, count, sums);
-    for (; j + 4 <= nrOfRows; j += 4)
-        addRows<4>(weights + size_t(j) * weightStride, weightStride, values + size_t(j) * stride,
-                   stride, count, sums);
-    for (; j < nrOfRows; ++j)
-        addRows<1>(weights + size_t(j) * weightStride, weightStride, values + size_t(j) * stride,
-                   stride, count, sums);
 }
 
 /// One step over the contrasts of a voxel: of two values with the same sign the one nearer to 0,

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/map_file.h"
 
+#include "base/data_stream.h"
 #include "base/file_writing.h"
 #include "base/messages.h"
 
 #include <QDataStream>
 #include <QFile>
 #include <QSaveFile>
-#include <QtEndian>
 #include <algorithm>
 #include <cmath>
 #include <span>
@@ -18,37 +18,6 @@ constexpr quint32 fileMark = 0x53504D56; // "VMPS" in the file
 constexpr qint32 fileVersion = 1;
 constexpr qint32 largestSize = 4096;   // along one axis, far above any matrix
 constexpr quint32 longestName = 65536; // bytes
-constexpr size_t floatsAtOnce = 16384; // converted and written at once
-
-void prepare(QDataStream& stream) {
-    stream.setVersion(11);
-    stream.setByteOrder(QDataStream::LittleEndian);
-}
-
-// Floats go through a small buffer, so that saving large maps needs no second copy of them.
-
-void writeFloats(QDataStream& stream, std::span<const float> values) {
-    std::vector<char> bytes(std::min(values.size(), floatsAtOnce) * sizeof(float));
-    while (!values.empty() && stream.status() == QDataStream::Ok) {
-        const std::span<const float> piece = values.first(std::min(values.size(), floatsAtOnce));
-        qToLittleEndian<float>(piece.data(), qsizetype(piece.size()), bytes.data());
-        stream.writeRawData(bytes.data(), int(piece.size_bytes()));
-        values = values.subspan(piece.size());
-    }
-}
-
-bool readFloats(QDataStream& stream, std::span<float> values) {
-    std::vector<char> bytes(std::min(values.size(), floatsAtOnce) * sizeof(float));
-    while (!values.empty()) {
-        const std::span<float> piece = values.first(std::min(values.size(), floatsAtOnce));
-        const int size = int(piece.size_bytes());
-        if (stream.readRawData(bytes.data(), size) != size)
-            return false;
-        qFromLittleEndian<float>(bytes.data(), qsizetype(piece.size()), piece.data());
-        values = values.subspan(piece.size());
-    }
-    return true;
-}
 
 /// The contrast of a map, with indices checked.
 struct MapInUse {
@@ -158,7 +127,7 @@ QString readMap(QDataStream& stream, const QString& fileName, size_t voxels, Map
 /// The whole file. An empty message for success.
 QString readContent(QFile& device, const QString& fileName, MapFile& file) {
     QDataStream stream(&device);
-    prepare(stream);
+    makeLittleEndian(stream);
     qint32 nrOfMaps = 0;
     QString message = readHeader(stream, fileName, file, nrOfMaps);
     if (!message.isEmpty())
@@ -181,11 +150,11 @@ QString readContent(QFile& device, const QString& fileName, MapFile& file) {
 bool writeMapFile(const QString& fileName, const StatisticalMaps& maps,
                   const OverlayThresholds& thresholds, const ContrastDefinitions& contrasts) {
     QSaveFile device(fileName);
-    bool written = device.open(QIODevice::WriteOnly);
+    bool written = openToReplace(device);
     if (written) {
         const std::vector<MapInUse> used = mapsInUse(maps, contrasts);
         QDataStream stream(&device);
-        prepare(stream);
+        makeLittleEndian(stream);
         stream << fileMark << fileVersion << qint32(maps.size.x) << qint32(maps.size.y)
                << qint32(maps.size.slices) << qint32(used.size());
         for (const MapInUse& map : used)

@@ -7,6 +7,7 @@
 #include "base/plain_file.h"
 #include "base/program_end.h"
 #include "volume/fmr_file.h"
+#include "volume/saved_series.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -15,51 +16,18 @@
 
 namespace {
 
-constexpr qint64 sliceFileHeaderBytes = 4;
-
 bool fail(const QString& text) {
     showCritical(text);
     endProgram(1);
     return false;
 }
 
-QString tooShort(const QString& fileName) {
-    return "ERROR: The .stc file holds fewer samples than its header states: " + fileName;
-}
-
 bool failShort(const QString& fileName) {
-    return fail(tooShort(fileName));
+    return fail(stcTooShort(fileName));
 }
 
 QString notOpened(const QString& fileName) {
     return "ERROR: Can not open .stc file: " + fileName;
-}
-
-qint64 sliceBytes(const FMRHeader& header) {
-    return qint64(header.sliceSamples() * sizeof(int16_t));
-}
-
-/// Slice files are named with the prefix of the header, which may have lost its "-".
-QString sliceFileName(const FMRHeader& header, const QString& folder, int slice) {
-    const QString number = QString::number(slice + 1) + ".stc";
-    const QString plain = paths::join(folder, header.Prefix + number);
-    const QString dashed = paths::join(folder, header.Prefix + "-" + number);
-    return !QFileInfo::exists(plain) && QFileInfo::exists(dashed) ? dashed : plain;
-}
-
-/// The data file to read.
-QString dataFileName(const FMRHeader& header, const QString& folder) {
-    const QString plain = paths::join(folder, header.Prefix + ".stc");
-    return QFileInfo::exists(plain) ? plain
-                                    : paths::join(folder, prefixOfFiles(header.Prefix) + ".stc");
-}
-
-bool readSamples(QIODevice& file, std::span<int16_t> samples) {
-    const qint64 bytes = qint64(samples.size_bytes());
-    if (file.read(reinterpret_cast<char*>(samples.data()), bytes) != bytes)
-        return false;
-    qFromLittleEndian<quint16>(samples.data(), qsizetype(samples.size()), samples.data());
-    return true;
 }
 
 std::span<int16_t> sliceOf(FMRProject& project, int volume, int slice) {
@@ -119,11 +87,11 @@ bool checkSliceFile(const FMRProject& project, const QString& fileName) {
     if (!openPlainFile(file))
         return fail(notOpened(fileName));
     std::array<int16_t, 2> sizes{};
-    if (!readSamples(file, sizes))
+    if (!readSTCSamples(file, sizes))
         return failShort(fileName);
     if (sizes[0] != project.ResolutionX || sizes[1] != project.ResolutionY)
         return fail("ERROR: Unexpected .stc file dimensions, quitting Cortivo NX...");
-    const qint64 needed = sliceFileHeaderBytes + sliceBytes(project) * project.NrOfVolumes;
+    const qint64 needed = stcSliceFileHeaderBytes + stcSliceBytes(project) * project.NrOfVolumes;
     return file.size() >= needed || failShort(fileName);
 }
 
@@ -142,11 +110,8 @@ bool writeSTCData(const FMRProject& project, int nrOfVolumesWritten, ProgressRep
                   EventPump* pump, int from, int to) {
     const int nrOfVolumes = std::max(std::min(nrOfVolumesWritten, project.NrOfVolumes), 0);
     QSaveFile file(stcFileName(project));
-    // A pipe or a device must be neither opened nor replaced.
-    const QFileInfo existing(file.fileName());
-    const bool free = !existing.exists() || existing.isFile();
-    if (free && file.open(QIODevice::WriteOnly) &&
-        writeSlices(project, nrOfVolumes, file, progress, pump, from, to) && commitFile(file))
+    if (openToReplace(file) && writeSlices(project, nrOfVolumes, file, progress, pump, from, to) &&
+        commitFile(file))
         return true;
     if (!progress || !progress->cancelled())
         showWarning("ERROR: Can not write FMR time course (STC) files !");
@@ -157,12 +122,12 @@ bool stcDataReadBack(const FMRProject& project, int nrOfVolumesWritten, EventPum
     const int nrOfVolumes = std::max(std::min(nrOfVolumesWritten, project.NrOfVolumes), 0);
     QFile file(stcFileName(project));
     if (!openPlainFile(file) ||
-        file.size() != sliceBytes(project) * project.NrOfSlices * nrOfVolumes)
+        file.size() != stcSliceBytes(project) * project.NrOfSlices * nrOfVolumes)
         return false;
     std::vector<int16_t> found(project.sliceSamples());
     for (int slice = 0; slice < project.NrOfSlices; ++slice) {
         for (int volume = 0; volume < nrOfVolumes; ++volume)
-            if (!readSamples(file, found) ||
+            if (!readSTCSamples(file, found) ||
                 !std::ranges::equal(found, project.volumes[size_t(volume)].subspan(
                                                size_t(slice) * found.size(), found.size())))
                 return false;
@@ -174,16 +139,16 @@ bool stcDataReadBack(const FMRProject& project, int nrOfVolumesWritten, EventPum
 bool checkSTCFiles(const FMRProject& project) {
     if (project.DataStorageFormat == 1) {
         for (int slice = 0; slice < project.NrOfSlices; ++slice)
-            if (!checkSliceFile(project, sliceFileName(project, project.targetFolder, slice)))
+            if (!checkSliceFile(project, stcSliceFileName(project, project.targetFolder, slice)))
                 return false;
         return true;
     }
-    const QString name = dataFileName(project, project.targetFolder);
+    const QString name = stcDataFileName(project, project.targetFolder);
     QFile file(name);
     if (!openPlainFile(file))
         return fail(notOpened(name));
     // A division, since the product of hostile sizes may overflow 64 bits.
-    const qint64 volumeBytes = sliceBytes(project) * project.NrOfSlices;
+    const qint64 volumeBytes = stcSliceBytes(project) * project.NrOfSlices;
     const bool holdsAll = volumeBytes > 0 && file.size() / volumeBytes >= project.NrOfVolumes;
     return holdsAll || failShort(name);
 }
@@ -193,17 +158,18 @@ bool readSTCData(FMRProject& project) {
         return false;
     if (project.DataStorageFormat == 1) {
         for (int slice = 0; slice < project.NrOfSlices; ++slice)
-            if (!readSliceSTC(project, slice, sliceFileName(project, project.targetFolder, slice)))
+            if (!readSliceSTC(project, slice,
+                              stcSliceFileName(project, project.targetFolder, slice)))
                 return false;
         return true;
     }
-    const QString name = dataFileName(project, project.targetFolder);
+    const QString name = stcDataFileName(project, project.targetFolder);
     QFile file(name);
     if (!openPlainFile(file))
         return fail(notOpened(name));
     for (int slice = 0; slice < project.NrOfSlices; ++slice)
         for (int volume = 0; volume < project.NrOfVolumes; ++volume)
-            if (!readSamples(file, sliceOf(project, volume, slice)))
+            if (!readSTCSamples(file, sliceOf(project, volume, slice)))
                 return failShort(name);
     return true;
 }
@@ -213,66 +179,23 @@ bool readSliceSTC(FMRProject& project, int slice, const QString& fileName) {
         !checkSliceFile(project, fileName))
         return false;
     QFile file(fileName);
-    if (!openPlainFile(file) || !file.seek(sliceFileHeaderBytes))
+    if (!openPlainFile(file) || !file.seek(stcSliceFileHeaderBytes))
         return fail(notOpened(fileName));
     for (int volume = 0; volume < project.NrOfVolumes; ++volume)
-        if (!readSamples(file, sliceOf(project, volume, slice)))
+        if (!readSTCSamples(file, sliceOf(project, volume, slice)))
             return failShort(fileName);
     return true;
 }
 
-namespace {
-
-/// The data files of a saved run, in the folder of its header.
-class SavedSeries {
-public:
-    SavedSeries(FMRHeader& header, const QString& targetFMR)
-        : header_(header), folder_(paths::folderWithSlash(targetFMR)) {
-        if (header_.Prefix.endsWith('-'))
-            header_.Prefix.chop(1);
-        common_ = dataFileName(header_, folder_);
-    }
-
-    [[nodiscard]] QString nameOf(int slice) const {
-        return perSlice() ? sliceFileName(header_, folder_, slice) : common_;
-    }
-    /// Where the samples of a slice begin at this volume.
-    [[nodiscard]] qint64 offset(int slice, int volume) const {
-        return (perSlice() ? sliceFileHeaderBytes : seriesBytes() * slice) +
-               sliceBytes(header_) * volume;
-    }
-    /// Why the first of the files can't be read; empty when it can.
-    [[nodiscard]] QString fault() const {
-        const QFileInfo file(nameOf(0));
-        if (!file.isFile())
-            return QString("ERROR: Can not find / open stc file: %1 !").arg(nameOf(0));
-        const bool isShort = perSlice() ? file.size() - sliceFileHeaderBytes < seriesBytes()
-                                        : file.size() / seriesBytes() < header_.NrOfSlices;
-        return isShort ? tooShort(nameOf(0)) : QString();
-    }
-
-private:
-    [[nodiscard]] bool perSlice() const { return header_.DataStorageFormat == 1; }
-    [[nodiscard]] qint64 seriesBytes() const {
-        return std::max(sliceBytes(header_) * header_.NrOfVolumes, qint64(1));
-    }
-
-    FMRHeader& header_;
-    QString folder_;
-    QString common_;
-};
-
-} // namespace
-
 QString savedDataFault(FMRHeader header, const QString& targetFMR) {
-    return SavedSeries(header, targetFMR).fault();
+    return SavedSeries(header, targetFMR).fault(0);
 }
 
 bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header, Volume& samples) {
     if (!readFMRHeader(targetFMR, header))
         return false;
     const SavedSeries series(header, targetFMR);
-    const QString fault = series.fault();
+    const QString fault = series.fault(0);
     if (!fault.isEmpty())
         return fail(fault);
     if (volume < 0 || volume >= header.NrOfVolumes)
@@ -285,8 +208,8 @@ bool readSTCVolume(int volume, const QString& targetFMR, FMRHeader& header, Volu
         if (!openPlainFile(file))
             return fail(QString("ERROR: Can not find / open stc file: %1 !").arg(name));
         if (!file.seek(series.offset(slice, volume)) ||
-            !readSamples(file, samples.span().subspan(size_t(slice) * header.sliceSamples(),
-                                                      header.sliceSamples())))
+            !readSTCSamples(file, samples.span().subspan(size_t(slice) * header.sliceSamples(),
+                                                         header.sliceSamples())))
             return failShort(name);
     }
     return true;

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/map_kernels.h"
+
+#include "base/simd_clones.h"
+#include "stats/row_sums.h"
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr float smallestError = 1e-06f;
+constexpr float smallestVariance = smallestError * smallestError;
+
+/// What is not finite comes from a file whose values are no model's.
+[[gnu::always_inline]] inline float finiteOrZero(float value) {
+    return std::fabs(value) <= std::numeric_limits<float>::max() ? value : 0.0f;
+}
+
+/// The same as sumRows where each voxel takes its weights from its bin's table.
+[[gnu::always_inline]] inline void sumRowsOfBins(const float* weights, size_t binStride, int p,
+                                                 const FittedBlock& block, float* __restrict sums) {
+    std::fill_n(sums, block.count, 0.0f);
+    for (int j = 0; j < p; ++j) {
+        const float* row = block.betas + size_t(j) * block.stride;
+        for (size_t v = 0; v < block.count; ++v)
+            sums[v] += weights[size_t(block.bins[v]) * binStride + size_t(j)] * row[v];
+    }
+}
+
+} // namespace
+
+VELO_SIMD_CLONES
+void computeResidualVariances(const float* correlations, const float* totals,
+                              float degreesOfFreedom, size_t count, float* __restrict variances) {
+    if (!(degreesOfFreedom > 0.0f)) {
+        std::fill_n(variances, count, 0.0f);
+        return;
+    }
+    for (size_t v = 0; v < count; ++v) {
+        const float r = correlations[v];
+        const float residual = totals[v] * ((1.0f - r) * (1.0f + r));
+        variances[v] = r > 0.0f ? residual / degreesOfFreedom : 0.0f;
+    }
+}
+
+VELO_SIMD_CLONES
+void computeTValuesOfBins(std::span<const float> weights, std::span<const float> contrastVariances,
+                          const FittedBlock& block, float* __restrict tValues) {
+    alignas(64) float effects[glmBlockVoxels];
+    sumRows(weights.data(), 1, int(weights.size()), block.betas, block.stride, block.count,
+            effects);
+    const float* variances = contrastVariances.data();
+    for (size_t v = 0; v < block.count; ++v) {
+        const float error = std::sqrt(block.variances[v] * variances[block.bins[v]]);
+        const float t = finiteOrZero(effects[v] / error);
+        tValues[v] = error >= smallestError ? t : 0.0f;
+    }
+}
+
+VELO_SIMD_CLONES
+void computeFValues(const SquaredForms& forms, int p, const FittedBlock& block,
+                    float* __restrict fValues) {
+    alignas(64) float sums[glmBlockVoxels];
+    const size_t binStride = size_t(forms.nrOfForms) * size_t(p);
+    std::fill_n(fValues, block.count, 0.0f);
+    for (int form = 0; form < forms.nrOfForms; ++form) {
+        const float* weights = forms.weights.data() + size_t(form) * size_t(p);
+        if (forms.nrOfBins == 1)
+            sumRows(weights, 1, p, block.betas, block.stride, block.count, sums);
+        else
+            sumRowsOfBins(weights, binStride, p, block, sums);
+        for (size_t v = 0; v < block.count; ++v)
+            fValues[v] += sums[v] * sums[v];
+    }
+    for (size_t v = 0; v < block.count; ++v) {
+        const float F = finiteOrZero(fValues[v] / block.variances[v]);
+        fValues[v] = block.variances[v] >= smallestVariance ? F : 0.0f;
+    }
+}
+
+VELO_SIMD_CLONES
+void keepAgreeingSigns(std::span<const float> weights, const FittedBlock& block,
+                       float* __restrict values) {
+    for (size_t j = 0; j < weights.size(); ++j) {
+        if (weights[j] == 0.0f)
+            continue;
+        const float sign = weights[j] > 0.0f ? 1.0f : -1.0f;
+        const float* betas = block.betas + j * block.stride;
+        for (size_t v = 0; v < block.count; ++v)
+            values[v] = betas[v] * sign > 0.0f ? values[v] : 0.0f;
+    }
+}
