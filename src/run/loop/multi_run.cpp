@@ -156,7 +156,7 @@ bool Analysis::loadRuns() {
             return false;
         }
         RunOfStudy& study = runs_.emplace_back();
-        if (!loadRunOfStudy(study, project_, i, path, noProtocol))
+        if (!readRunHeader(study, project_, i, path) || !readRunProtocol(study, noProtocol))
             return false;
         if (size_t(i) < run_.settings.MergeSubjects.size())
             study.subject = run_.settings.MergeSubjects[size_t(i)];
@@ -279,8 +279,8 @@ QString projectPathOf(const MultiRunProject& project, int index) {
                : QString();
 }
 
-bool loadRunOfStudy(RunOfStudy& study, const MultiRunProject& project, int index,
-                    const QString& path, const QString& noProtocolText) {
+bool readRunHeader(RunOfStudy& study, const MultiRunProject& project, int index,
+                   const QString& path) {
     FMRHeader header;
     study.studyFile = paths::withDefaultExtension(path, "fmr");
     if (!readFMRHeader(study.studyFile, header))
@@ -290,11 +290,14 @@ bool loadRunOfStudy(RunOfStudy& study, const MultiRunProject& project, int index
     study.protocol.protocolPath =
         protocolOfSavedRun(header, paths::folderWithSlash(study.studyFile),
                            statedProtocol(project.multiRunFiles[index], project.settingsFolder));
-    if (!exists(study.protocol.protocolPath)) {
-        showCritical(noProtocolText);
-        return false;
-    }
-    return readPRTFile(study.protocol, ResponseTable::Read);
+    return true;
+}
+
+bool readRunProtocol(RunOfStudy& study, const QString& missingText) {
+    if (exists(study.protocol.protocolPath))
+        return readPRTFile(study.protocol, ResponseTable::Read);
+    showCritical(missingText);
+    return false;
 }
 
 MultiRunEnd analyseMultiRun(const RunParts& run, const MultiRunProject& project,

@@ -25,10 +25,12 @@ struct MultiRunProject {
 /// of which a missing file has been told.
 [[nodiscard]] QString projectPathOf(const MultiRunProject& project, int index);
 
-/// Where the design of a listed run comes from: header and protocol of the saved run. With `path`
-/// as projectPathOf() gives it. False, after a message, when one of them is missing or damaged.
-[[nodiscard]] bool loadRunOfStudy(RunOfStudy& study, const MultiRunProject& project, int index,
-                                  const QString& path, const QString& noProtocolText);
+/// What the header of a listed run states, with `path` as projectPathOf() gives it, and where the
+/// protocol of the run is. False, after a message, when the header is missing or damaged.
+[[nodiscard]] bool readRunHeader(RunOfStudy& study, const MultiRunProject& project, int index,
+                                 const QString& path);
+/// Reads the protocol from there. False after a message: `missingText` where there is no file.
+[[nodiscard]] bool readRunProtocol(RunOfStudy& study, const QString& missingText);
 
 /// What the plots need of an analysis that is done.
 struct MultiRunAnalysis {

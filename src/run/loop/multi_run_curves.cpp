@@ -2,10 +2,9 @@
 #include "run/loop/multi_run_curves.h"
 
 #include "base/messages.h"
-#include "base/paths.h"
 #include "regions/region_betas.h"
 #include "regions/region_time_courses.h"
-#include "volume/fmr_file.h"
+#include "volume/stc_slice_reader.h"
 
 #include <numeric>
 
@@ -17,14 +16,14 @@ constexpr char noProtocol[] = "ERROR: Unable to open protocol file for time cour
 bool makeDesign(PlottedRun& plotted, const std::vector<StudyCondition>& conditions,
                 const DesignMatrix& names) {
     const RunOfStudy& study = plotted.study;
-    DesignMatrix columns;
+    RTCFile columns;
     if (!makeRunDesign(columns, study, conditions))
         return false;
     DesignMatrix& design = plotted.design;
     design = names;
     design.NrOfVolumes = study.NrOfVolumes;
     for (size_t i = 0; i < size_t(design.NrOfConditionPredictors); ++i)
-        design.PredictorColumns[i] = std::move(columns.PredictorColumns[i]);
+        design.PredictorColumns[i] = std::move(columns.columns[i]);
     if (!fillConfoundColumns(design, {study.protocol, study.TR, study.NrOfVolumes, 1, 0}))
         return false;
     // A condition that the run doesn't have has no onset, and so no beta.
@@ -32,23 +31,28 @@ bool makeDesign(PlottedRun& plotted, const std::vector<StudyCondition>& conditio
     return true;
 }
 
-/// Sums of a region's voxels at each data point, slice by slice.
-bool sumSlices(const VoxelList& voxels, std::span<const int> positions, const VolumeSize& size,
-               SliceSource& samples, std::span<double> sums) {
-    std::vector<const int16_t*> points(sums.size());
-    for (int slice = 0; slice < size.slices; ++slice) {
+/// Sums of a region's voxels at each volume, slice by slice. False after a message.
+bool sumSlices(const VoxelList& voxels, std::span<const int> positions, STCSliceReader& run,
+               std::span<double> sums) {
+    const FMRHeader& header = run.header();
+    ZeroedBuffer<int16_t> samples;
+    if (!samples.allocate(run.samplesOfSlice())) {
+        showCritical("ERROR: Insufficient memory for creating GLM slice time courses!");
+        return false;
+    }
+    for (int slice = 0; slice < header.NrOfSlices; ++slice) {
         std::vector<size_t> offsets;
         for (const int position : positions)
             if (voxels.z[size_t(position)] == slice)
-                offsets.push_back(size_t(voxels.y[size_t(position)]) * size_t(size.x) +
+                offsets.push_back(size_t(voxels.y[size_t(position)]) * size_t(header.ResolutionX) +
                                   size_t(voxels.x[size_t(position)]));
         if (offsets.empty())
             continue;
-        if (!samples.loadSlice(slice, points))
+        if (!run.readSlice(slice, samples.span()))
             return false;
-        for (size_t point = 0; point < points.size(); ++point)
+        for (size_t volume = 0; volume < sums.size(); ++volume)
             for (const size_t offset : offsets)
-                sums[point] += double(points[point][offset]);
+                sums[volume] += double(samples.data()[volume * header.sliceSamples() + offset]);
     }
     return true;
 }
@@ -65,12 +69,9 @@ bool loadPlottedRun(PlottedRun& plotted, const MultiRunProject& project, int ind
         return false;
     }
     plotted = PlottedRun{};
-    plotted.projectPath = paths::withDefaultExtension(path, "fmr");
-    FMRHeader header;
-    if (!readFMRHeader(plotted.projectPath, header))
+    if (!readRunHeader(plotted.study, project, index, path))
         return false;
-    plotted.size = header.size();
-    if (loadRunOfStudy(plotted.study, project, index, path, noProtocol))
+    if (readRunProtocol(plotted.study, noProtocol))
         return makeDesign(plotted, conditions, names);
     plotted.study.protocol.clearProtocol();
     return true;
@@ -83,7 +84,10 @@ bool loadCurve(RegionOfInterest& region, const PlottedRun& plotted, const Volume
     region.ROIBetas.clear();
     region.BetaCovariance.clear();
     region.predictorsInFit = 0;
-    if (plotted.size != size) {
+    const std::unique_ptr<STCSliceReader> run = STCSliceReader::open(plotted.study.studyFile);
+    if (!run)
+        return false;
+    if (run->header().size() != size) {
         showWarning("ERROR: Different image resolution of functional data files!");
         return false;
     }
@@ -93,16 +97,14 @@ bool loadCurve(RegionOfInterest& region, const PlottedRun& plotted, const Volume
         positions.resize(region.voxels.size());
         std::iota(positions.begin(), positions.end(), 0);
     }
-    MultiStudyList list;
-    list.studies.push_back({plotted.study.NrOfVolumes, plotted.projectPath, {}, 1});
-    const std::unique_ptr<SliceSource> samples = openRunsOnDisk(list);
-    std::vector<double> sums(size_t(std::max(plotted.study.NrOfVolumes, 0)));
-    if (!samples || !sumSlices(region.voxels, positions, size, *samples, sums))
+    std::vector<double> sums(size_t(run->header().NrOfVolumes));
+    if (!sumSlices(region.voxels, positions, *run, sums))
         return false;
     for (const double sum : sums)
         region.TimeCourseValues.push_back(float(sum / double(positions.size())));
     region.CurrentTimePoint = int(sums.size()) - 1;
-    if (plotted.design.NrOfPredictors > 0)
+    // Without a protocol there is no design, and a run may have been replaced since it was made.
+    if (plotted.design.NrOfPredictors > 0 && plotted.design.NrOfVolumes == int(sums.size()))
         computeROIBetas(region, plotted.design);
     return true;
 }

@@ -6,8 +6,6 @@
 
 /// One run of an analysed project, as the plots of regions show it.
 struct PlottedRun {
-    QString projectPath;
-    VolumeSize size;
     RunOfStudy study;    ///< without conditions where its protocol could not be read
     DesignMatrix design; ///< of the run alone: the conditions of all runs, then a constant
 };

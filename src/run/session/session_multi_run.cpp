@@ -108,7 +108,7 @@ std::optional<PlottedRunChoice> SessionMultiRun::choice(int plot) const {
         plot >= document_->regions.count())
         return {};
     const PlottedRun* run = runOfRegion(plot);
-    return PlottedRunChoice{run ? paths::fileName(run->projectPath) : QString(),
+    return PlottedRunChoice{run ? paths::fileName(run->study.studyFile) : QString(),
                             values_[size_t(plot)], project_.nrOfMultiRunFiles};
 }
 
