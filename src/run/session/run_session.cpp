@@ -98,6 +98,7 @@ void RunSession::keepChosenROISlices() {
 }
 
 void RunSession::changeSettingsFile(const QString& path) {
+    multiRun.forget(); // before the plots look at it
     listeners.settingsFileChanged();
     chosenROISlices_.reset();
     report.currentVolume = -1;
@@ -108,7 +109,6 @@ void RunSession::changeSettingsFile(const QString& path) {
     settings.settingsFilePath = path;
     settings.Title.clear();
     settings.MergeType = false;
-    multiRun.forget();
 }
 
 bool RunSession::analyseRuns() {

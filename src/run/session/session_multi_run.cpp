@@ -71,7 +71,8 @@ void SessionMultiRun::select(int index) {
 }
 
 bool SessionMultiRun::showsProject() const {
-    return document_ && parts_.report.ofSeveralRuns && parts_.report.runFinished;
+    return document_ && project_.multiRunProject && parts_.report.ofSeveralRuns &&
+           parts_.report.runFinished;
 }
 
 int SessionMultiRun::indexOfValue(int value) const {
@@ -84,7 +85,7 @@ int SessionMultiRun::indexOfRegion(int region) const {
 }
 
 void SessionMultiRun::showRun(int plot, int value) {
-    if (!project_.multiRunProject || plot < 0 || plot >= plotsWithChoice || !showsProject())
+    if (plot < 0 || plot >= plotsWithChoice || !showsProject())
         return;
     if (value == -1)
         value = project_.nrOfMultiRunFiles - 1;

@@ -1,10 +1,8 @@
 // Projects of several runs: saved runs are analysed together, and shown one by one.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/loop/session_fixture.h"
+#include "run/loop/multi_run_fixture.h"
 
 namespace {
-
-constexpr VoxelRectangle drag{1, 2, 6, 1, 4}; // 4 x 3 voxels of slice 1
 
 double measuredMean(int volume) {
     double sum = 0.0;
@@ -14,42 +12,8 @@ double measuredMean(int volume) {
     return sum / ((drag.right - drag.left) * (drag.bottom - drag.top));
 }
 
-class SessionMultiRunTest : public SessionFixture {
+class SessionMultiRunTest : public MultiRunFixture {
 protected:
-    /// Two saved runs, "one" of 40 and "two" of 30 volumes, which has another condition.
-    SessionMultiRunTest() {
-        record("one", 40, defaultProtocol());
-        record("two", 30, defaultProtocol().replace("Houses", "Tools"));
-        QDir(folder_.path()).mkdir("both");
-        list("\"one\" \"two.vco\" \"./one.vco\"");
-    }
-    void record(const QString& name, int volumes, const QString& protocol) {
-        writeSession(
-            volumes, 0,
-            {{"TargetFolder:", "\"./" + name + "\""}, {"ProjectName:", "\"" + name + "\""}},
-            protocol);
-        session.runButtonPressed();
-        ASSERT_TRUE(session.report.savedCompletely);
-        put(name + ".vco", content("test-1.vco"));
-    }
-    /// Writes the project and makes it current.
-    void list(const QString& files) {
-        put("all.mvco", ("FileVersion: 4 MergeType: 1 Title: \"\" ParadigmHelpFile: \"\" "
-                         "IFISfMRIAnalysisTests: t IFISfMRIAnalysisOptions: t "
-                         "MergeAverageTimeCourse: 0 MergeSeparatePredictors: 0 "
-                         "TargetFolder: \"./both\" ProjectName: \"both\" MergeFiles: " +
-                         files)
-                            .toUtf8());
-        session.changeSettingsFile(path("all.mvco"));
-        session.requests.thresholds.Threshold = 100.0f; // the whole rectangle is taken
-        display.calls.clear();
-        session.setRunButton(RunButtonState::Ready);
-    }
-    [[nodiscard]] bool analysed() {
-        session.runButtonPressed();
-        EXPECT_TRUE(session.phase.isIdle());
-        return session.report.runFinished;
-    }
     [[nodiscard]] const RegionOfInterest& region(int number) {
         return (*session.regions.list())[number];
     }
@@ -64,7 +28,17 @@ protected:
 } // namespace
 
 TEST_F(SessionMultiRunTest, TheRunButtonAnalysesTheListedRunsOnce) {
+    int reports = 0;
+    display.whileSaving = [&] {
+        ++reports;
+        EXPECT_EQ(session.phase.now(), Phase::Analysing);
+        session.runButtonPressed();
+        EXPECT_FALSE(session.reloadData() || session.regions.selectRectangle(drag));
+    };
     ASSERT_TRUE(analysed());
+    display.whileSaving = {};
+    EXPECT_GT(reports, 0);
+    EXPECT_EQ(display.calls.count("starting"), 1);
     EXPECT_EQ(display.logTexts.last(),
               "<body style=\"font-size:9pt\"> Current settings file: \"<b>all.mvco</b>\"."
               "<br><br> Multi-run project \"<b>both</b>\" analyzed.<br><br> Ready<br></body>");
@@ -88,6 +62,34 @@ TEST_F(SessionMultiRunTest, TheRunButtonAnalysesTheListedRunsOnce) {
     session.runButtonPressed();
     EXPECT_FALSE(session.reloadData());
     EXPECT_TRUE(display.calls.isEmpty());
+}
+
+TEST_F(SessionMultiRunTest, TheSettingsSayWhichModelIsFitted) {
+    const QString names = "\"one\" \"two\" \"one\" ";
+    struct Case {
+        bool separate;
+        const char* keys;
+        SeparatePredictors separation;
+        int predictors;
+    };
+    // Three conditions and three constants.
+    const Case cases[] = {
+        {false, "MergeSubjects: 1 2 1", SeparatePredictors::None, 3 + 3},
+        {true, "", SeparatePredictors::Studies, 3 * 3 + 3},
+        {true, "MergeZTransformation: 1 MergeSubjects: 1 2 1 MergeCorrectSerialCorrelations: 1",
+         SeparatePredictors::Subjects, 2 * 3 + 3}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.keys);
+        QFile::remove(path("both/both.glm"));
+        list(names + c.keys, c.separate);
+        ASSERT_TRUE(analysed());
+        const WholeRunModel& model = session.functionalDocument->wholeRunModel;
+        const bool all = c.separation == SeparatePredictors::Subjects;
+        EXPECT_EQ(model.separation, c.separation);
+        EXPECT_EQ(model.GLMPredictors(), c.predictors);
+        EXPECT_EQ(model.transformation, all ? ZTransformation::Study : ZTransformation::None);
+        EXPECT_EQ(model.CorrectSerialCorrelations, all);
+    }
 }
 
 TEST_F(SessionMultiRunTest, EachPlotShowsTheRunThatWasChosenForIt) {
