@@ -96,14 +96,14 @@ QPoint placeBeside(const QRect& area, const QRect& main, QSize frame, int n) {
            offset * n;
 }
 
-void showBeside(QDialog& dialog) {
+void showBeside(QDialog& dialog, int n) {
     if (!dialog.testAttribute(Qt::WA_Moved)) {
         const QWidget* main = dialog.parentWidget()->window();
         const bool sized = dialog.testAttribute(Qt::WA_Resized);
         const QSize frame = (sized ? dialog.size() : dialog.sizeHint()) + windowFrame;
         const QRect area = screenArea(main);
         dialog.move(
-            placedWithin(area, {placeBeside(area, main->geometry(), frame, 0), frame}).topLeft());
+            placedWithin(area, {placeBeside(area, main->geometry(), frame, n), frame}).topLeft());
     }
     showInFront(dialog);
 }

@@ -31,8 +31,8 @@ inline constexpr QSize windowFrame(8, 28);
 [[nodiscard]] QPoint placeBeside(const QRect& area, const QRect& main, QSize frame, int n);
 
 /// Shows a modeless window of curves or raises it. It opens at such a place, and later where the
-/// operator left it.
-void showBeside(QDialog& dialog);
+/// operator left it. `n` as for placeBeside(), for windows that open together.
+void showBeside(QDialog& dialog, int n = 0);
 
 /// Moves a shown window, and makes it smaller if need be, so that it fits on its screen with its
 /// frame. For windows with a position of their own, and after resizing.

@@ -105,6 +105,8 @@ void paintEntries(QPainter& painter, QRect area, const OverlayLegend& legend) {
 QString shownMapName(const StatisticalMaps& maps, const ContrastDefinitions& contrasts, int map) {
     if (contrasts.ConjunctionAnalysis)
         return "Conjunction";
+    if (maps.MapType == MapKind::F && contrasts.shownStatistic == ShownStatistic::FOfSelected)
+        return "Selected contrasts";
     if (size_t(map) >= maps.contrastOfMap.size())
         return {};
     return contrasts.ContrastNames.value(maps.contrastOfMap[size_t(map)]);

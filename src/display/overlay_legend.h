@@ -40,7 +40,8 @@ struct OverlayLegend {
                                               const OverlayColors& colors,
                                               bool significanceColorCoding);
 
-/// Name of a shown map's contrast, or "Conjunction".
+/// Name of a shown map's contrast; "Conjunction", or "Selected contrasts" where one F map is of all
+/// of them.
 [[nodiscard]] QString shownMapName(const StatisticalMaps& maps,
                                    const ContrastDefinitions& contrasts, int map);
 /// "t", "R" or "F".

@@ -113,6 +113,15 @@ void switchContrastsOff(ContrastDefinitions& contrasts) {
 }
 
 bool setConjunction(ContrastDefinitions& contrasts, bool on) {
-    contrasts.ConjunctionAnalysis = on && nrOfSelectedContrasts(contrasts) >= 2;
+    contrasts.ConjunctionAnalysis = on && nrOfSelectedContrasts(contrasts) >= 2 &&
+                                    contrasts.shownStatistic == ShownStatistic::T;
     return contrasts.ConjunctionAnalysis == on;
+}
+
+bool showStatistic(ContrastDefinitions& contrasts, ShownStatistic statistic, int contrast) {
+    if (statistic == ShownStatistic::FOfContrast && !selectContrastAlone(contrasts, contrast))
+        return false;
+    contrasts.shownStatistic = statistic;
+    contrasts.ConjunctionAnalysis &= statistic == ShownStatistic::T;
+    return true;
 }

@@ -64,5 +64,9 @@ void switchContrastsOff(ContrastDefinitions& contrasts);
 /// Number of selection states above 0.
 [[nodiscard]] int nrOfSelectedContrasts(const ContrastDefinitions& contrasts);
 /// Switches the conjunction on or off. False, with the conjunction off, when `on` but fewer than
-/// two contrasts are selected.
+/// two contrasts are selected, or while F is shown.
 [[nodiscard]] bool setConjunction(ContrastDefinitions& contrasts, bool on);
+/// Chooses what the maps show. F of one contrast selects `contrast` alone; F switches the
+/// conjunction off, since it has no sign. False, without a change, when there is no such contrast.
+[[nodiscard]] bool showStatistic(ContrastDefinitions& contrasts, ShownStatistic statistic,
+                                 int contrast);

@@ -2,6 +2,7 @@
 #include "stats/glm_batch.h"
 
 #include "stats/glm_blocks.h"
+#include "stats/growing_rank.h"
 #include "stats/numerics/failures.h"
 #include "stats/numerics/linear_systems.h"
 #include "stats/numerics/matrix_products.h"
@@ -46,7 +47,7 @@ bool makeBatchDesign(BatchDesign& batch, const DesignMatrix& design,
             batch.x[size_t(t) * size_t(p) + size_t(j)] = designValue(design, columns[size_t(j)], t);
     numerics::t_intel_matrix_matrix_mult_f(batch.x.data(), batch.x.data(), xx.data(), p, p, n, true,
                                            false);
-    return numerics::invertMatrix(xx, batch.inverse, p);
+    return numerics::invertMatrix(xx, batch.inverse, p, &batch.rank);
 }
 
 float designValue(const DesignMatrix& design, int column, int volumeIndex) {
@@ -75,6 +76,9 @@ bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& de
         ++glm.GLMStepIndex;
     glm.nrOfActivePredictors = batch.p;
     glm.ActivePredictors = std::move(columns);
+    if (solveIncompleteDesign(glm, batch, design, project, mask))
+        return true;
+    glm.nrOfDirections = batch.p;
     glm.iXX.assign(batch.inverse.begin(), batch.inverse.end());
     solveVoxels(glm, project, mask, batch, scratch);
     return true;

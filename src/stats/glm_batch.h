@@ -16,11 +16,11 @@ struct GLMState;
 
 /// Solves the model from the volumes 0 to volumeIndex with all condition columns whose onset has
 /// passed, then all confound columns. Sets predictors, iXX, betas and RSS of the voxels in the
-/// mask, start volume and step. A column that is missing or too short counts as 0 there; the
-/// pseudo-inverse drops a column of zeros. False, with the state unchanged, when the inversion
-/// fails or memory runs out (both end the program), when the volumes differ in size from the model,
-/// or when the model is not allocated for this many predictors; preparing a run allocates it for
-/// the whole design.
+/// mask, start volume and step. A column that is missing or too short counts as 0 there. If the
+/// design lacks directions, or nearly does, the model is solved in double; see growing_rank.h.
+/// False, with the state unchanged, when the inversion fails or memory runs out (both end the
+/// program), when the volumes differ in size from the model, or when the model is not allocated for
+/// this many predictors; preparing a run allocates it for the whole design.
 [[nodiscard]] bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& design,
                               const BrainMask& mask, int volumeIndex);
 

@@ -58,6 +58,7 @@ struct BatchDesign {
     int n = 0;
     std::vector<float> x;       ///< n x p, row by volume
     std::vector<float> inverse; ///< p x p, of X'X
+    int rank = 0;               ///< directions that the inverse has kept
 };
 
 /// Working memory of the batch solution, for one block.

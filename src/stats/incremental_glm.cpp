@@ -5,6 +5,7 @@
 #include "stats/glm_blocks.h"
 
 #include <algorithm>
+#include <optional>
 
 bool GLMState::allocate(int nrOfPredictors, size_t voxels) {
     release();
@@ -30,13 +31,16 @@ void sizeWorkspace(GLMWorkspace& workspace, size_t p) {
     workspace.variances.resize(glmBlockVoxels);
 }
 
-/// Updates iXX with one volume's predictors. The unchanged q and mirroring the upper triangle keep
-/// the matrix exactly symmetric.
-RecursiveStep advanceInverse(GLMState& glm, const DesignMatrix& design, int volumeIndex) {
+void takePredictors(GLMState& glm, const DesignMatrix& design, int volumeIndex) {
+    for (size_t j = 0; j < glm.workspace.x.size(); ++j)
+        glm.workspace.x[j] = double(designValue(design, glm.ActivePredictors[j], volumeIndex));
+}
+
+/// Updates iXX with the predictors of a volume. The unchanged q and mirroring the upper triangle
+/// keep the matrix exactly symmetric.
+RecursiveStep advanceInverse(GLMState& glm) {
     GLMWorkspace& work = glm.workspace;
     const size_t p = size_t(glm.nrOfActivePredictors);
-    for (size_t j = 0; j < p; ++j)
-        work.x[j] = double(designValue(design, glm.ActivePredictors[j], volumeIndex));
     double sum = 0.0;
     for (size_t i = 0; i < p; ++i) {
         work.q[i] = 0.0;
@@ -62,6 +66,7 @@ void prepareContrasts(const GLMRun& run, bool refresh) {
     markConjunction(run.contrasts, run.maps);
     std::copy(glm.iXX.begin(), glm.iXX.end(), glm.workspace.inverse.begin());
     computeContrastVariances(glm.activeContrasts, glm.workspace.inverse);
+    withdrawInestimable(glm);
 }
 
 /// True when all active contrasts still have a map of the model's size.
@@ -72,20 +77,44 @@ bool mapsFit(const GLMRun& run) {
            maps.size.samples() == run.glm.nrOfVoxels;
 }
 
-/// Updates betas and residual sums of squares, if there is a step, then the t values while the
-/// block is in the cache.
-void updateVoxels(const GLMRun& run, const RecursiveStep* step, int volumeIndex) {
+/// How a volume reaches the voxels; neither where they are solved already.
+struct VoxelUpdate {
+    std::optional<RecursiveStep> recursion;
+    bool fromSums = false;
+};
+
+/// Takes the volume into the matrices of a model that has been solved before.
+VoxelUpdate advanceModel(const GLMRun& run, int volumeIndex) {
+    GLMState& glm = run.glm;
+    takePredictors(glm, run.design, volumeIndex);
+    const Growth growth = glm.growth.open
+                              ? growRank(glm, run.design, run.project, run.mask, volumeIndex)
+                              : Growth::None;
+    VoxelUpdate update;
+    if (growth == Growth::None)
+        update.recursion = advanceInverse(glm);
+    update.fromSums = growth == Growth::Sums;
+    return update;
+}
+
+/// Updates betas and residual sums of squares, then the t values while the block is in the cache.
+void updateVoxels(const GLMRun& run, const VoxelUpdate& update, int volumeIndex) {
     GLMState& glm = run.glm;
     GLMWorkspace& work = glm.workspace;
     const int16_t* samples = run.project.volumes[size_t(volumeIndex)].data();
-    const float degreesOfFreedom = float(volumeIndex + 1 - glm.nrOfActivePredictors);
+    const float degreesOfFreedom = float(volumeIndex + 1 - glm.nrOfDirections);
     const bool withMaps = glm.activeContrasts.count > 0 && mapsFit(run);
     const bool withConjunction = conjunctionApplies(run.contrasts, run.maps);
     const BlockEstimates estimates{work.betas.data(), glmBlockVoxels, work.variances.data()};
+    size_t position = 0;
     forEachBlock(run.mask, [&](size_t first, size_t count) {
         double* values = glm.values.data() + first;
-        if (step)
-            updateBetasAndResiduals(*step, samples + first, values, glm.nrOfVoxels, count);
+        if (update.recursion)
+            updateBetasAndResiduals(*update.recursion, samples + first, values, glm.nrOfVoxels,
+                                    count);
+        if (update.fromSums)
+            updateBlockFromSums(glm, run.project, volumeIndex, position, first, count);
+        position += count;
         if (!withMaps)
             return;
         copyBetasAndVariances(values, glm.nrOfVoxels, glm.nrOfActivePredictors, degreesOfFreedom,
@@ -113,15 +142,17 @@ bool updateGLM(const GLMRun& run, int volumeIndex) {
         return false;
 
     sizeWorkspace(glm.workspace, size_t(glm.nrOfActivePredictors));
-    RecursiveStep step;
+    VoxelUpdate update;
     if (!solved)
-        step = advanceInverse(glm, run.design, volumeIndex);
+        update = advanceModel(run, volumeIndex);
     // Once set, the flag stays set until the next run, and every volume refreshes the contrasts.
     const bool refresh = solved || run.contrasts.ContrastsChanged;
     prepareContrasts(run, refresh);
-    updateVoxels(run, solved ? nullptr : &step, volumeIndex);
+    updateVoxels(run, update, volumeIndex);
+    if (!glm.growth.open)
+        glm.growth.release();
 
-    run.maps.MapDF1 = std::max(volumeIndex + 1 - glm.nrOfActivePredictors, 0);
+    run.maps.MapDF1 = std::max(volumeIndex + 1 - glm.nrOfDirections, 0);
     run.maps.MapDF2 = 0;
     if (solved && glm.GLMStepIndex < 2)
         run.maps.MapType = MapKind::T;

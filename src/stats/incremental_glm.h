@@ -6,6 +6,7 @@
 #include "stats/contrasts.h"
 #include "stats/design_matrix.h"
 #include "stats/glm_contrasts.h"
+#include "stats/growing_rank.h"
 #include "stats/statistical_maps.h"
 #include "volume/fmr_project.h"
 
@@ -42,11 +43,13 @@ struct GLMState {
     ZeroedBuffer<double> values;
     size_t nrOfVoxels = 0;
     int nrOfActivePredictors = 1; ///< p
+    int nrOfDirections = 1;       ///< rank of the design; p but for a design that is not complete
     std::vector<double> iXX;      ///< p x p, row-major
     std::vector<int> ActivePredictors;
     int GLMStartVolume = notStarted;
     int GLMStepIndex = 0;
     ActiveContrasts activeContrasts; ///< over the model's columns, as of the latest refresh
+    GrowingRank growth;
     GLMWorkspace workspace;
 
     [[nodiscard]] std::span<double> row(int index) {
@@ -85,7 +88,11 @@ struct GLMRun {
 /// when the overlay colours must be recomputed because the active contrasts were refreshed: at a
 /// batch solution, and at every volume once ContrastsChanged is set.
 ///
-/// Sets NrOfActiveContrasts, states, contrastOfMap and MapDF1 (n - p, at least 0) of the maps;
+/// While the design lacks directions, or nearly does, the model is solved from sums at each volume;
+/// see growing_rank.h. Contrasts that it can't estimate have maps of 0.
+///
+/// Sets NrOfActiveContrasts, states, contrastOfMap and MapDF1 of the maps: n - p, or n less the
+/// directions that the design has, at least 0.
 /// MapType becomes t at the first solution. With conjunction the first map holds its result and has
 /// state 3. Does nothing when the project lacks the volume, or when its size or that of the mask
 /// differs from the model's.

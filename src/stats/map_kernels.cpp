@@ -17,14 +17,19 @@ constexpr float smallestVariance = smallestError * smallestError;
     return std::fabs(value) <= std::numeric_limits<float>::max() ? value : 0.0f;
 }
 
-/// The same as sumRows where each voxel takes its weights from its bin's table.
-[[gnu::always_inline]] inline void sumRowsOfBins(const float* weights, size_t binStride, int p,
+/// sums = the weighted sum of some rows of betas, each voxel with the weights of its bin.
+[[gnu::always_inline]] inline void sumRowsOfBins(const float* weights, size_t binStride,
+                                                 std::span<const int> columns,
                                                  const FittedBlock& block, float* __restrict sums) {
     std::fill_n(sums, block.count, 0.0f);
-    for (int j = 0; j < p; ++j) {
-        const float* row = block.betas + size_t(j) * block.stride;
-        for (size_t v = 0; v < block.count; ++v)
-            sums[v] += weights[size_t(block.bins[v]) * binStride + size_t(j)] * row[v];
+    for (size_t j = 0; j < columns.size(); ++j) {
+        const float* row = block.betas + size_t(columns[j]) * block.stride;
+        if (binStride == 0)
+            for (size_t v = 0; v < block.count; ++v)
+                sums[v] += weights[j] * row[v];
+        else
+            for (size_t v = 0; v < block.count; ++v)
+                sums[v] += weights[size_t(block.bins[v]) * binStride + j] * row[v];
     }
 }
 
@@ -59,17 +64,14 @@ void computeTValuesOfBins(std::span<const float> weights, std::span<const float>
 }
 
 VELO_SIMD_CLONES
-void computeFValues(const SquaredForms& forms, int p, const FittedBlock& block,
+void computeFValues(const SquaredForms& forms, const FittedBlock& block,
                     float* __restrict fValues) {
     alignas(64) float sums[glmBlockVoxels];
-    const size_t binStride = size_t(forms.nrOfForms) * size_t(p);
+    const size_t terms = forms.columns.size();
+    const size_t binStride = forms.nrOfBins == 1 ? 0 : size_t(forms.nrOfForms) * terms;
     std::fill_n(fValues, block.count, 0.0f);
-    for (int form = 0; form < forms.nrOfForms; ++form) {
-        const float* weights = forms.weights.data() + size_t(form) * size_t(p);
-        if (forms.nrOfBins == 1)
-            sumRows(weights, 1, p, block.betas, block.stride, block.count, sums);
-        else
-            sumRowsOfBins(weights, binStride, p, block, sums);
+    for (size_t form = 0; form < size_t(forms.nrOfForms); ++form) {
+        sumRowsOfBins(forms.weights.data() + form * terms, binStride, forms.columns, block, sums);
         for (size_t v = 0; v < block.count; ++v)
             fValues[v] += sums[v] * sums[v];
     }

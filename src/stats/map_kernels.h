@@ -28,11 +28,12 @@ void computeTValuesOfBins(std::span<const float> weights, std::span<const float>
 struct SquaredForms {
     int nrOfForms = 0;
     int nrOfBins = 1;
-    std::vector<float> weights; ///< bin by bin, form by form, p weights
+    std::vector<int> columns;   ///< whose betas have weights
+    std::vector<float> weights; ///< bin by bin, form by form, one for each of the columns
 };
 
 /// F of each voxel; 0 where the residual variance is below 1e-12.
-void computeFValues(const SquaredForms& forms, int p, const FittedBlock& block, float* fValues);
+void computeFValues(const SquaredForms& forms, const FittedBlock& block, float* fValues);
 
 /// Sets a value to 0 where a beta doesn't have the sign of its weight. Weights of 0 allow all.
 void keepAgreeingSigns(std::span<const float> weights, const FittedBlock& block, float* values);

@@ -26,12 +26,11 @@ template<typename Choice> bool readChoice(TokenStream& stream, const char* key, 
     return read;
 }
 
-/// A path in double quotes; false without the closing one.
+/// A path in double quotes; false when it is empty or the closing quote is missing.
 bool readPath(const QString& text, TokenStream& stream, QString& path) {
     constexpr int maximumPathLength = 4096;
-    const qsizetype start = stream.position();
-    return readDelimitedString('"', path, stream, maximumPathLength) &&
-           stream.position() > start + 1 && text[stream.position() - 1] == '"';
+    return readDelimitedString('"', path, stream, maximumPathLength) && !path.isEmpty() &&
+           text[stream.position() - 1] == '"';
 }
 
 bool readSubjects(TokenStream& stream, std::vector<GLMStudy>& studies) {
@@ -95,7 +94,7 @@ QByteArray mdmText(const MultiStudyList& list) {
 }
 
 bool parseMDM(const QString& text, MultiStudyList& list) {
-    constexpr qsizetype fewestStudyCharacters = 5; // two pairs of quotes and a blank
+    constexpr qsizetype fewestStudyCharacters = 6; // two letters in quotes
     TokenStream stream(text);
     MultiStudyList read;
     int version = 0;

@@ -222,15 +222,22 @@ bool formsOf(const Matrix& normal, const ReducedRestrictions& restrictions, Matr
     return true;
 }
 
-int nrOfRowsInUse(const Matrix& forms) {
+int nrOfRowsInUse(const Matrix& matrix) {
     int rows = 0;
-    for (size_t i = 0; i < forms.rows; ++i)
-        for (size_t j = 0; j < forms.columns; ++j)
-            if (forms.at(i, j) != 0.0) {
-                ++rows;
-                break;
-            }
+    for (size_t i = 0; i < matrix.rows; ++i) {
+        const auto row = matrix.values.begin() + ptrdiff_t(i * matrix.columns);
+        rows += int(std::any_of(row, row + ptrdiff_t(matrix.columns),
+                                [](double value) { return value != 0.0; }));
+    }
     return rows;
+}
+
+std::vector<int> columnsInUse(const Matrix& matrix) {
+    std::vector<int> columns;
+    for (size_t j = 0; j < matrix.columns; ++j)
+        if (std::ranges::any_of(matrix.column(j), [](double value) { return value != 0.0; }))
+            columns.push_back(int(j));
+    return columns;
 }
 
 } // namespace
@@ -240,18 +247,21 @@ bool compareWithRestricted(const WholeRunDesign& design, std::span<const float> 
     const size_t p = design.predictors.size();
     const ReducedRestrictions rows = reduced(restrictions, p);
     result = {};
-    result.forms.nrOfForms = int(rows.pivots.size());
-    result.forms.nrOfBins = design.CorrectSerialCorrelations ? nrOfSerialCorrelationBins : 1;
-    for (int bin = 0; bin < result.forms.nrOfBins; ++bin) {
-        Matrix forms(rows.pivots.size(), p);
-        if (!formsOf(normalMatrix(design, double(valueOfSerialCorrelationBin(bin))), rows, forms))
+    SquaredForms& forms = result.forms;
+    forms.nrOfForms = int(rows.pivots.size());
+    forms.nrOfBins = design.CorrectSerialCorrelations ? nrOfSerialCorrelationBins : 1;
+    forms.columns = columnsInUse(rows.rows);
+    for (int bin = 0; bin < forms.nrOfBins; ++bin) {
+        Matrix ofBin(rows.pivots.size(), p);
+        if (!formsOf(normalMatrix(design, double(valueOfSerialCorrelationBin(bin))), rows, ofBin))
             return false;
         // In the last bin whitening takes the constants away, so the first one decides.
         if (bin == 0)
-            result.nrOfRestrictions = nrOfRowsInUse(forms);
+            result.nrOfRestrictions = nrOfRowsInUse(ofBin);
         const double scale = 1.0 / std::sqrt(double(std::max(result.nrOfRestrictions, 1)));
-        for (const double weight : forms.values)
-            result.forms.weights.push_back(float(weight * scale));
+        for (size_t i = 0; i < ofBin.rows; ++i)
+            for (const int column : forms.columns)
+                forms.weights.push_back(float(ofBin.at(i, size_t(column)) * scale));
     }
     return true;
 }

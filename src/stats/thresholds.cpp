@@ -20,8 +20,8 @@ void keepColorMaxAbove(OverlayThresholds& thresholds) {
 }
 
 /// Checked because betai ends the program on a ratio that is not a number.
-bool areDegreesOfFreedom(float df) {
-    return std::isfinite(df) && df > 0.0f;
+bool areDegreesOfFreedom(double df) {
+    return std::isfinite(df) && df > 0.0;
 }
 
 QByteArray fThresholdText(const StatisticalMaps& maps, float threshold) {
@@ -50,19 +50,18 @@ OverlayThresholds thresholdsAtStart(float threshold, int clusterSizePixels) {
     return thresholds;
 }
 
-float tProbability(float t, float df) {
+float tProbability(double t, double df) {
     if (std::isnan(t) || !areDegreesOfFreedom(df))
         return 1.0f;
-    return float(numerics::betai(double(0.5f * df), 0.5, double(df / (df + t * t))));
+    return float(numerics::betai(0.5 * df, 0.5, df / (df + t * t)));
 }
 
-float fProbability(float F, float df1, float df2) {
-    if (F < 0.0f)
+float fProbability(double F, double df1, double df2) {
+    if (F < 0.0)
         return 0.0f;
     if (std::isnan(F) || !areDegreesOfFreedom(df1) || !areDegreesOfFreedom(df2))
         return 1.0f;
-    return float(
-        numerics::betai(double(0.5f * df2), double(0.5f * df1), double(df2 / (df2 + df1 * F))));
+    return float(numerics::betai(0.5 * df2, 0.5 * df1, df2 / (df2 + df1 * F)));
 }
 
 QString thresholdText(const StatisticalMaps& maps, const OverlayThresholds& thresholds) {

@@ -23,12 +23,13 @@ struct OverlayThresholds {
 
 /// Two-tailed probability of a t value: the incomplete beta function at df / (df + t * t) with df /
 /// 2 and 1 / 2 (Abramowitz and Stegun, 26.7.1 and 26.5.27). 1 when the value is not a number or the
-/// degrees of freedom are not positive and finite.
-[[nodiscard]] float tProbability(float t, float df);
+/// degrees of freedom are not positive and finite. Arguments are double, so that all digits that
+/// tables print are right.
+[[nodiscard]] float tProbability(double t, double df);
 /// Probability of an F value at least as large: the incomplete beta function at df2 / (df2 + df1 *
 /// F) with df2 / 2 and df1 / 2 (Abramowitz and Stegun, 26.6.2). 0 for a negative F; 1 when the
 /// value is not a number or the degrees of freedom are not positive and finite.
-[[nodiscard]] float fProbability(float F, float df1, float df2);
+[[nodiscard]] float fProbability(double F, double df1, double df2);
 
 /// The lower threshold, with its p value if the degrees of freedom are known, for the information
 /// panel.

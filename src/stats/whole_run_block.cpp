@@ -177,7 +177,7 @@ void WholeRunBlock::correct() {
     Row whitening{};
     for (size_t v = 0; v < count_; ++v) {
         bins_[v] = serialCorrelationBin(float(lagOneBefore_[v]));
-        whitening[v] = double(valueOfSerialCorrelationBin(bins_[v]));
+        whitening[v] = valueOfSerialCorrelationBin(bins_[v]);
     }
     correlation_.sumWhitened(equations_, rows_.data(), whitening, count_, products_.data(), sums_,
                              squares_);

@@ -78,7 +78,7 @@ bool makeNormalEquations(PointMatrix matrix, size_t p, double constant, NormalEq
 }
 
 bool makeBinEquations(const WholeRunDesign& design, int bin, NormalEquations& result) {
-    const double value = double(valueOfSerialCorrelationBin(bin));
+    const double value = valueOfSerialCorrelationBin(bin);
     return makeNormalEquations(whitenedDesign(design, value), size_t(design.GLMPredictors()),
                                1.0 - value, result);
 }

@@ -19,7 +19,7 @@ public:
     [[nodiscard]] virtual bool loadSlice(int slice, std::span<const int16_t*> points) = 0;
 };
 
-/// The first volumes of the run in memory, as one study.
+/// The first volumes of the run in memory, as one study. The fit must be one of the run's size.
 class RunInMemory : public SliceSource {
 public:
     explicit RunInMemory(const FMRProject& project) : project_(project) {}
@@ -41,13 +41,18 @@ inline constexpr float wholeRunIntensityLimit = 100.0f;
 /// A voxel is left out, with zeros in all rows, when in any study the mean of the first and the
 /// last value is at or below the limit; of the second and later studies the second value stands in
 /// for the first. A deviation of z transformation below 0.01 counts as 1. Deviations are those of
-/// the population. A voxel without variance gets R = 0 and betas as fitted, never NaN.
+/// the population. A study without a point at which a condition is not 0 takes them from all its
+/// points. A voxel without variance is left out too, so that no row ever holds NaN.
 ///
 /// With CorrectSerialCorrelations the data are fitted twice. The lag-one value a of the first fit's
 /// residuals, sum e(t) e(t-1) / sum e(t)^2 within studies, picks the voxel's bin; data and design
 /// are whitened with the bin's value within each study, y(t) - a y(t-1), which takes the first
 /// point of each (D. Cochrane and G. H. Orcutt, Journal of the American Statistical Association 44,
 /// 1949, 32-61), and fitted again.
+///
+/// MeanAR1Before and MeanAR1After are the means over the voxels that were not left out; noMeanAR1
+/// where there are none, or without the correction. X must be finite and fit studies and
+/// predictors.
 ///
 /// Sums and inverses are computed in double and kept as float.
 [[nodiscard]] WholeRunFit fitWholeRunModel(WholeRunModel& model, const WholeRunDesign& design,

@@ -151,8 +151,7 @@ void computeBlock(const WholeRunModel& model, const MapPlan& plan, size_t first,
                                      .subspan(size_t(map * plan.nrOfBins), size_t(plan.nrOfBins)),
                                  block, values);
         else
-            computeFValues(plan.comparisons[size_t(map)].forms, active.nrOfPredictors, block,
-                           values);
+            computeFValues(plan.comparisons[size_t(map)].forms, block, values);
         // One F map stands for all contrasts.
         const bool ofAll = maps.NrOfActiveContrasts < active.count;
         for (int c = ofAll ? 0 : map; plan.oneSided && c < (ofAll ? active.count : map + 1); ++c)

@@ -20,8 +20,8 @@ void WholeRunModel::release() {
     *this = WholeRunModel{};
 }
 
-float valueOfSerialCorrelationBin(int bin) {
-    return float(bin + 1) / float(nrOfSerialCorrelationBins);
+double valueOfSerialCorrelationBin(int bin) {
+    return double(bin + 1) / nrOfSerialCorrelationBins;
 }
 
 int serialCorrelationBin(float lagOneValue) {

@@ -117,7 +117,7 @@ struct WholeRunModel : WholeRunDesign {
 };
 
 /// The value that the data of a bin are whitened with: (bin + 1) / 20.
-[[nodiscard]] float valueOfSerialCorrelationBin(int bin);
+[[nodiscard]] double valueOfSerialCorrelationBin(int bin);
 /// trunc(a * 20 + 0.5) - 1 within 0 to 19, for the lag-one value of a voxel before the correction.
 [[nodiscard]] int serialCorrelationBin(float lagOneValue);
 

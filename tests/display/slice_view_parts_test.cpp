@@ -99,6 +99,9 @@ TEST(VoxelReadOut, TellsSampleAndShownMaps) {
     document.maps.NrOfShownMaps = 1;
     document.maps.MapType = MapKind::F;
     EXPECT_EQ(text(1, true), "x 4  y 2  slice 2   volume 2: -7   F: Conjunction 4.31");
+    document.contrasts.ConjunctionAnalysis = false;
+    document.contrasts.shownStatistic = ShownStatistic::FOfSelected;
+    EXPECT_EQ(text(1, true), "x 4  y 2  slice 2   volume 2: -7   F: Selected contrasts 4.31");
     document.maps.size.x = 5; // maps of another grid
     EXPECT_EQ(text(1, true), text(1, false));
     for (const VoxelPosition& outside : {VoxelPosition{4, 0, 0}, {0, 3, 0}, {0, 0, 2}, {-1, 0, 0}})

@@ -16,6 +16,7 @@ struct FuzzTarget {
 [[nodiscard]] std::vector<FuzzTarget> imageHeaderTargets();
 [[nodiscard]] std::vector<FuzzTarget> textFileTargets();
 [[nodiscard]] std::vector<FuzzTarget> journalTargets();
+[[nodiscard]] std::vector<FuzzTarget> modelFileTargets();
 
 /// Aborts when a parser breaks the contract of its header.
 inline void require(bool kept, const char* promise) {

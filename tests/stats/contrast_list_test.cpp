@@ -39,6 +39,19 @@ TEST(AutomaticContrasts, CompareConditionsWithBaselineAndEachOther) {
     EXPECT_EQ(generated(designOf({"Rest", "A", "B"}), 1).NrOfContrasts, 2);
 }
 
+TEST(ShownStatistics, OfOneContrastSelectItAndExcludeTheConjunction) {
+    ContrastDefinitions contrasts = generated(designOf({"Rest", "A", "B"}), 1);
+    ASSERT_TRUE(setConjunction(contrasts, true));
+    EXPECT_FALSE(showStatistic(contrasts, ShownStatistic::FOfContrast, 2)) << "there are two";
+    EXPECT_TRUE(showStatistic(contrasts, ShownStatistic::T, -1));
+    EXPECT_TRUE(contrasts.ConjunctionAnalysis);
+    EXPECT_TRUE(showStatistic(contrasts, ShownStatistic::FOfSelected, -1));
+    EXPECT_FALSE(contrasts.ConjunctionAnalysis || setConjunction(contrasts, true));
+    EXPECT_EQ(nrOfSelectedContrasts(contrasts), 2);
+    EXPECT_TRUE(showStatistic(contrasts, ShownStatistic::FOfContrast, 1));
+    EXPECT_EQ(contrasts.ContrastSelectionStates, (std::vector<int>{0, 1}));
+}
+
 TEST(OverlayTables, MixTheColoursOfTheShownMaps) {
     ContrastDefinitions contrasts;
     contrasts.ContrastColors = {{0, 0, 255}, {3, 101, 0}, {0, 200, 6}, {255, 0, 1}};

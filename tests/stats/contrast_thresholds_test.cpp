@@ -51,6 +51,15 @@ TEST(ThresholdTexts, ShowTheValueAndItsProbability) {
     maps.MapDF2 = 96;
     EXPECT_EQ(thresholdText(maps, {4.5f}),
               " Threshold: <b>F</b>(3,96) =  4.50, <b>p</b> = 0.005342.");
+    maps.MapDF1 = 0; // of maps with unlike degrees of freedom
+    EXPECT_EQ(thresholdText(maps, {4.5f}), " Threshold: <b>F</b> = <b> 4.50</b>");
+    maps.MapType = MapKind::T;
+    EXPECT_EQ(thresholdText(maps, {4.5f}), " Threshold: <b>t</b> = <b> 4.50</b>");
+    for (const MapKind kind : {MapKind::Correlation, MapKind::CrossCorrelation}) {
+        maps.MapType = kind;
+        EXPECT_EQ(thresholdText(maps, {0.4f}), "<b>R</b> > <b> 0.40</b>");
+        EXPECT_EQ(thresholdPrefix(maps), "<b>R</b> > ");
+    }
     EXPECT_EQ(singleRunPanelText(12, 21.96, "T"),
               " volume <b>12</b>,  elapsed time: <b>  22.0</b> secs<br> T<br><br> Ready.<br>");
 }

@@ -93,7 +93,7 @@ TEST_P(GLMKernels, TValues) {
 
 TEST_P(GLMKernels, BatchSolution) {
     const BatchDesign design{p, n, numbers<float>(size_t(p * n), 1),
-                             numbers<float>(size_t(p * p), 0.3)};
+                             numbers<float>(size_t(p * p), 0.3), p};
     std::vector<std::vector<int16_t>> volumes;
     std::vector<const int16_t*> samples;
     for (int t = 0; t < n; ++t)

@@ -67,6 +67,7 @@ struct PlotContent {
     QString title;
     QString xLabel;
     QString yLabel;
+    QString curveLabel; ///< before a curve in the read-out, with "%i" for its number from 1
     double xStart = 0.0;
     double xStep = 1.0;
     std::vector<PlotCurve> curves;

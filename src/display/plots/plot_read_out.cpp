@@ -33,6 +33,15 @@ QString nameOf(const PlotContent& content, size_t curve) {
     return content.yLabel.isEmpty() ? QStringLiteral("y") : content.yLabel;
 }
 
+/// "Curve 1: Data 12.5" where the plot numbers its curves, else "Data: 12.5".
+QString curveLine(const PlotContent& content, size_t curve, const QString& value) {
+    const QString name = nameOf(content, curve);
+    if (content.curveLabel.isEmpty())
+        return named(name, value);
+    return QString(content.curveLabel).replace("%i", QString::number(curve + 1)) + name + ' ' +
+           value;
+}
+
 QString valueOf(const PlotCurve& curve, double index) {
     if (!(index >= 0.0 && index < double(curve.values.size())))
         return dash;
@@ -70,7 +79,7 @@ QString readOut(const PlotContent& content, double x) {
                             readOutNumber(place))};
     lines << bandsAt(content, x);
     for (size_t curve = 0; curve < content.curves.size(); ++curve)
-        lines << named(nameOf(content, curve), valueOf(content.curves[curve], index));
+        lines << curveLine(content, curve, valueOf(content.curves[curve], index));
     for (const PlotMarks& marks : content.marks)
         for (const QPointF& point : marks.points)
             if (isPlace(point) && pointNearX(content, point.x()) == index)

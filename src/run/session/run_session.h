@@ -87,8 +87,16 @@ public:
     void shiftStartOffset(bool up); ///< Shift+Up, Shift+Down
     /// After a change of selection or colours.
     void contrastsChanged();
-    /// False, with the conjunction off, when it is wanted of fewer than two selected contrasts.
+    /// False, with the conjunction off, when it is wanted of fewer than two selected contrasts, or,
+    /// after an information, of F maps.
     bool changeConjunction(bool wanted);
+    /// Whether the next two operations are possible: in an idle session with a model of complete
+    /// data. While a run is measured its maps are t maps.
+    [[nodiscard]] bool mayChangeStatistic() const;
+    /// F of one contrast selects `contrast` alone; for the others it has no meaning. F switches the
+    /// conjunction off. False, without a change, where it isn't possible.
+    bool changeShownStatistic(ShownStatistic statistic, int contrast);
+    bool changeOneSidedTesting(bool on); ///< false, without a change, where it isn't possible
     void changeColorCoding(bool significance);
     /// Slices that the next selection of a region takes in, at least 1; holds until another
     /// settings file is chosen.

@@ -4,6 +4,20 @@
 #include "run/session/run_session.h"
 #include "stats/clusters.h"
 #include "stats/thresholds.h"
+#include "stats/whole_run_maps.h"
+
+namespace {
+
+// Nothing without a model.
+bool recomputeMaps(QtCortivoDoc& document) {
+    if (document.wholeRunModel.isValid())
+        return computeContrastMaps(document.wholeRunModel, document.mask, document.contrasts,
+                                   document.maps);
+    return computeContrastMaps(document.finishedModel, document.mask, document.contrasts,
+                               document.maps);
+}
+
+} // namespace
 
 // What changes before a run has ended belongs to it: see OperatorRecords.
 void RunSession::noteChange() {
@@ -78,16 +92,42 @@ void RunSession::contrastsChanged() {
     document.contrasts.ContrastsChanged = !phase.isIdle();
     noteChange();
     // A run that ended before its first solution has no model and no maps.
-    if (!phase.isIdle() || !computeContrastMaps(document.finishedModel, document.mask,
-                                                document.contrasts, document.maps))
+    if (!phase.isIdle() || !recomputeMaps(document))
         return;
     document.updateOverlayColors();
     mapsChanged();
 }
 
 bool RunSession::changeConjunction(bool wanted) {
-    if (!functionalDocument || !setConjunction(functionalDocument->contrasts, wanted))
+    if (!functionalDocument)
         return false;
+    ContrastDefinitions& contrasts = functionalDocument->contrasts;
+    if (wanted && contrasts.shownStatistic != ShownStatistic::T) {
+        showInformation("INFO: The conjunction is one of t maps, as F has no sign.\n\nChoose "
+                        "\"t Maps\" in the menu of the contrast list first.");
+        return false;
+    }
+    if (!setConjunction(contrasts, wanted))
+        return false;
+    contrastsChanged();
+    return true;
+}
+
+bool RunSession::mayChangeStatistic() const {
+    return phase.isIdle() && functionalDocument && functionalDocument->wholeRunModel.isValid();
+}
+
+bool RunSession::changeShownStatistic(ShownStatistic statistic, int contrast) {
+    if (!mayChangeStatistic() || !showStatistic(functionalDocument->contrasts, statistic, contrast))
+        return false;
+    contrastsChanged();
+    return true;
+}
+
+bool RunSession::changeOneSidedTesting(bool on) {
+    if (!mayChangeStatistic())
+        return false;
+    functionalDocument->contrasts.oneSidedTesting = on;
     contrastsChanged();
     return true;
 }

@@ -156,6 +156,21 @@ void SessionRegions::chooseFileToSave() {
         &chooser_);
 }
 
+QString SessionRegions::roiGLMHindrance() const {
+    if (!parts_.phase.isIdle())
+        return QStringLiteral("Not while a run is measured or worked on");
+    return document_ ? regionGLMHindrance(*document_) : QStringLiteral("There is no run in memory");
+}
+
+std::optional<RegionGLM> SessionRegions::computeROIGLM(int roiIndex,
+                                                       bool correctSerialCorrelations) {
+    std::optional<RegionGLM> model(std::in_place);
+    if (!parts_.phase.isIdle() || !document_ ||
+        !computeRegionGLM(*document_, roiIndex, correctSerialCorrelations, dataFolder_, *model))
+        model.reset();
+    return model;
+}
+
 void SessionRegions::setLog(bool OperatorRequests::*log, bool on) {
     parts_.requests.*log = on;
     if (document_)

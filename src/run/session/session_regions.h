@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/messages.h"
+#include "run/loop/region_glm.h"
 #include "run/loop/region_log_files.h"
 #include "run/loop/run_listeners.h"
 #include "run/loop/run_regions.h"
@@ -45,6 +46,15 @@ public:
     /// Writes them into a file that the operator chooses.
     void chooseFileToSave();
 
+    /// Where pages with tables go, into HTMLOutput: the program's data folder.
+    void setDataFolder(const QString& folder) { dataFolder_ = folder; }
+    /// Why no region can be modelled now; empty when one can, and computeROIGLM() does something.
+    [[nodiscard]] QString roiGLMHindrance() const;
+    /// Fits the model of the complete run to the time course of the region and writes the page with
+    /// its table, as computeRegionGLM() says. Nothing comes back when that fails, without a region
+    /// of this number or a model that fits it, and unless the session is idle.
+    std::optional<RegionGLM> computeROIGLM(int roiIndex, bool correctSerialCorrelations);
+
     /// Switches one of the logs (saveRTPs, saveROITimeCourses, saveROIBetaTimeCourses).
     void setLog(bool OperatorRequests::*log, bool on);
     /// The volumes in memory have changed, by post-processing.
@@ -67,5 +77,6 @@ private:
     QtCortivoDoc* document_ = nullptr;
     RegionLogFiles logs_;
     OpenChooser chooser_;
+    QString dataFolder_;
     bool played_ = false; ///< the run is recovered: its regions come from its records
 };

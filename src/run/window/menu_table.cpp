@@ -46,6 +46,10 @@ bool regionsExist(VeloCortivo& window) {
     return regionsMayChange(window) && !window.session().regions.list()->empty();
 }
 
+QString roiGLMHindrance(VeloCortivo& window) {
+    return window.session().regions.roiGLMHindrance();
+}
+
 bool logsTimePoints(VeloCortivo& window) {
     return window.session().requests.saveRTPs;
 }
@@ -140,7 +144,7 @@ constexpr MenuEntry entries[] = {
     {.menu = "&Analysis", .text = "BOLD Decoder... ", .slot = &Window::slotShowBOLDDecoder, .phase = Later, .endsSection = separator, .toolTip = "The letter decoder comes in a later version"},
     {"&Analysis", "Load ROIs...", &Window::slotLoadROIs, Regions, regionsMayChange},
     {"&Analysis", "Save ROIs...", &Window::slotSaveROIs, Regions, regionsExist},
-    {.menu = "&Analysis", .text = "ROI GLM...", .slot = &Window::slotROIGLM, .phase = Later, .endsSection = separator, .toolTip = "The model of a region comes in a later version"},
+    {.menu = "&Analysis", .text = "ROI GLM...", .slot = &Window::slotROIGLM, .phase = Idle, .endsSection = separator, .toolTip = "Fit the model of the run to the time course of a region", .hindrance = roiGLMHindrance},
     {"&Analysis", "Log ROI Time Point Files (RTPs)", &Window::slotSaveRTPsOption, Always, nullptr, MenuGroup::Toggle, logsTimePoints, false, "Write the mean of each region into a file of its own at each volume, into the feedback folder"},
     {"&Analysis", "Log ROI Time Courses (ERT)", &Window::slotSaveROITimeCourses, Always, nullptr, MenuGroup::Toggle, logsTimeCourses, false, "Append the values of all voxels of each region to a file at each volume, in the target folder"},
     {"&Analysis", "Log ROI Betas (BTC)", &Window::slotSaveROIBetaTimeCourses, Always, nullptr, MenuGroup::Toggle, logsBetas, false, "Append the betas of each region to a file at each volume, in the target folder"},
@@ -223,8 +227,11 @@ void MenuTable::refresh(const char* title) {
         const MenuEntry& entry = entries[i];
         if (QLatin1String(entry.menu) != QLatin1String(title))
             continue;
-        actions_[i]->setEnabled(inPhase(entry.phase) &&
+        const QString hindrance = entry.hindrance ? entry.hindrance(window_) : QString();
+        actions_[i]->setEnabled(inPhase(entry.phase) && hindrance.isEmpty() &&
                                 (!entry.possible || entry.possible(window_)));
+        if (entry.hindrance)
+            actions_[i]->setToolTip(hindrance.isEmpty() ? entry.toolTip : hindrance);
         if (entry.checked)
             actions_[i]->setChecked(entry.checked(window_));
     }

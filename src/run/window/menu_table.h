@@ -34,6 +34,9 @@ struct MenuEntry {
     bool endsSection = false;                       ///< a separator follows
     /// What it is for, where the text alone doesn't say it, or why it can't be chosen yet.
     const char* toolTip = nullptr;
+    /// Why it can't be chosen now, which its tool tip says then; empty when it can. Null for
+    /// entries whose tool tip is always the same.
+    QString (*hindrance)(VeloCortivo& window) = nullptr;
 };
 
 [[nodiscard]] std::span<const MenuEntry> menuEntries();

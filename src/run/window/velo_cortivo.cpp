@@ -4,6 +4,7 @@
 #include "dialogs/appearance.h"
 #include "dialogs/progress_boxes.h"
 #include "display/waiting_notice.h"
+#include "regions/ui/roi_glm_dialog.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/ui/response_plot_dialog.h"
 #include "run/replay/ui/recover_run_dialog.h"
@@ -35,6 +36,7 @@ VeloCortivo::VeloCortivo(const StandardFolders& folders, EventPump& pump)
     session_.licencePermits = licencePermits;
     session_.journal.setPlaces(folders.dataPath,
                                JournalList(folders.applicationDataPath + "OpenJournals"));
+    session_.regions.setDataFolder(folders.dataPath);
     wrapToolTips(*this);
     initDefaultPalettes();
     qApp->installEventFilter(this);
@@ -71,6 +73,7 @@ void VeloCortivo::connectPanels() {
     connect(contrastPanel_, &Contrasts::multiSliceEdited, this,
             &Window::slotChangeMultiSliceROISelection);
     connect(contrastPanel_, &Contrasts::conjunctionClicked, this, &Window::slotConjunctionAnalysis);
+    connect(contrastPanel_, &Contrasts::statisticChanged, this, &Window::refreshControls);
     connect(contrastPanel_, &Contrasts::numberEntered, this, &Window::focusSlices);
     using RunChosen = void (Window::*)(int);
     connect(timeCourses_, &TimeCoursesContainer::runChosen, this, [this](int slot, int value) {
@@ -281,6 +284,10 @@ void VeloCortivo::slotRecoverRun() {
 
 void VeloCortivo::slotReplayRun() {
     openReplayRunDialog(session_, watch_, *this);
+}
+
+void VeloCortivo::slotROIGLM() {
+    openROIGLMDialog(session_, *this);
 }
 
 void VeloCortivo::slotPostProcessData() {

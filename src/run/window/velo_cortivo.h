@@ -135,6 +135,7 @@ public Q_SLOTS:
     void onToggleROITimeCoursesDetrended();
     void slotSwitchAveragingType();
     void slotUpdateShowROIGLMBetaPlots() { timeCourses_->onShowTCsAndBetas(); }
+    void slotROIGLM();
     void slotShowROIVoxels() { onShowROIsAsRectanglesAndMarkedVoxels(); }
     void slotShowMotionPlot();
     void slotShowResponsePlot();
@@ -166,7 +167,6 @@ public Q_SLOTS:
     void onRealTimeSVMClassification() { tellLater("Real-Time SVM Classification..."); }
     void slotShowNeurofeedbackDlg() { tellLater("Neurofeedback... "); }
     void slotShowBOLDDecoder() { tellLater("BOLD Decoder... "); }
-    void slotROIGLM() { tellLater("ROI GLM..."); }
     void slotSwitchToEPI3DView() { tellLater("Volume View"); }
     void slotSwitchToVMRView() { tellLater("Anatomical Volume View"); }
     void updateVMRSwitchForMac() { refreshViewButtons(); }

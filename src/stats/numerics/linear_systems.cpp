@@ -352,6 +352,7 @@ bool invertNormalMatrix(std::span<const double> xx, int p, NormalInverse& result
     const size_t size = size_t(p);
     result.inverse.assign(size * size, 0.0);
     result.rank = 0;
+    result.smallestEigenvalue = 0.0;
     if (!allFinite(xx))
         return true;
     std::vector<double> scale(size, 0.0);
@@ -368,9 +369,17 @@ bool invertNormalMatrix(std::span<const double> xx, int p, NormalInverse& result
         return false;
     const std::vector<double> inverted = invertedAbove(parts.w, normalThreshold);
     result.rank = nrOfKept(inverted);
+    if (result.rank > 0)
+        result.smallestEigenvalue =
+            *std::ranges::min_element(parts.w) / *std::ranges::max_element(parts.w);
     for (size_t i = 0; i < size; ++i)
         for (size_t j = i; j < size; ++j) {
-            const double value = inverseEntry(parts, inverted, i, j) * scale[i] * scale[j];
+            // A symmetric matrix is V diag(w) V'. U has lost the digits by which the weakest
+            // directions stand back behind the strongest.
+            double value = 0.0;
+            for (size_t k = 0; k < size; ++k)
+                value += parts.v[k][i] * inverted[k] * parts.v[k][j];
+            value *= scale[i] * scale[j];
             result.inverse[i * size + j] = result.inverse[j * size + i] = value;
         }
     return true;

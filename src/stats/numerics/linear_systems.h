@@ -69,6 +69,9 @@ using BasisFunctions = std::function<void(float x, std::span<float> values)>;
 struct NormalInverse {
     std::vector<double> inverse; ///< p x p
     int rank = 0;
+    /// Over the largest one, of the scaled matrix; 0 with a column of zeros. Above 1e-10 where no
+    /// direction is dropped.
+    double smallestEigenvalue = 0.0;
 };
 /// Inverts X'X (p x p), scaled to a diagonal of ones first, so that the units of the columns don't
 /// matter. A direction whose eigenvalue is below 1e-10 of the largest is dropped: its betas could

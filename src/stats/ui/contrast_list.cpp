@@ -3,8 +3,11 @@
 
 #include "dialogs/appearance.h"
 
+#include <QActionGroup>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMenu>
 
 namespace {
 
@@ -20,7 +23,7 @@ QIcon stateIcon(const QString& path) {
 
 ContrastList::ContrastList(QWidget* parent)
     : QTreeWidget(parent), off_(stateIcon(":/images/contrast_off.png")),
-      on_(stateIcon(":/images/contrast_on.png")) {
+      on_(stateIcon(":/images/contrast_on.png")), menu_(new QMenu(this)) {
     setObjectName("ContrastList");
     setHeaderLabels({"Contrast", "+", QString(QChar(0x2212)), QString()});
     setRootIsDecorated(false);
@@ -42,15 +45,82 @@ ContrastList::ContrastList(QWidget* parent)
         "Contrasts of the run. Click + to show positive values, \u2212 to show negative "
         "ones (at most four contrasts at once), and the colour to choose another. The keys +, "
         "\u2212 and C do the same for the current contrast. A double click on a name shows this "
-        "contrast alone");
+        "contrast alone. The right button or the Menu key offers t and F maps");
     connect(this, &QTreeWidget::itemClicked, this, &ContrastList::slotClickedContrastList);
     connect(this, &QTreeWidget::itemDoubleClicked, this,
             &ContrastList::slotDoubleClickedContrastList);
+    makeMenu();
+}
+
+void ContrastList::makeMenu() {
+    menu_->setObjectName("ContrastStatisticMenu");
+    menu_->setToolTipsVisible(true);
+    addStatistic("&t Maps", "ShowTMaps", ShownStatistic::T);
+    addStatistic("&F of This Contrast", "ShowFOfContrast", ShownStatistic::FOfContrast);
+    addStatistic("F of &All Selected Contrasts", "ShowFOfSelected", ShownStatistic::FOfSelected);
+    menu_->addSeparator();
+    oneSided_ = menu_->addAction("&One-Sided (Betas Agree With Weights)");
+    oneSided_->setObjectName("OneSidedTesting");
+    oneSided_->setCheckable(true);
+    connect(oneSided_, &QAction::triggered, this, &ContrastList::oneSidedTestingChosen);
+}
+
+void ContrastList::addStatistic(const QString& text, const char* name, ShownStatistic statistic) {
+    auto* group = menu_->findChild<QActionGroup*>();
+    if (!group)
+        group = new QActionGroup(menu_);
+    QAction* action = menu_->addAction(text);
+    action->setObjectName(name);
+    action->setCheckable(true);
+    action->setData(int(statistic));
+    group->addAction(action);
+    connect(action, &QAction::triggered, this,
+            [this, statistic] { Q_EMIT statisticChosen(statistic, menuContrast_); });
+}
+
+void ContrastList::setStatisticCanChange(bool can) {
+    statisticCanChange_ = can;
+}
+
+void ContrastList::refreshMenu() {
+    static const QHash<QString, QString> toolTips = {
+        {"ShowTMaps", "The t value of each selected contrast"},
+        {"ShowFOfContrast", "Shows this contrast alone: how much its conditions explain together, "
+                            "whatever the sign of each"},
+        {"ShowFOfSelected", "One map: how much all selected contrasts explain together"},
+        {"OneSidedTesting", "Show only voxels in which the beta of each condition has the sign of "
+                            "its weight"}};
+    for (QAction* action : menu_->actions()) {
+        action->setEnabled(statisticCanChange_);
+        action->setToolTip(statisticCanChange_
+                               ? toolTips.value(action->objectName())
+                               : "Needs the model of a complete run; while a run is measured, its "
+                                 "maps are t maps");
+        if (action->actionGroup())
+            action->setChecked(action->data() == int(contrasts_->shownStatistic));
+        else if (action == oneSided_)
+            action->setChecked(contrasts_->oneSidedTesting);
+        if (action->objectName() == "ShowFOfContrast" && menuContrast_ < 0)
+            action->setEnabled(false);
+    }
+}
+
+void ContrastList::contextMenuEvent(QContextMenuEvent* event) {
+    if (!contrasts_)
+        return;
+    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+    QTreeWidgetItem* item = byKey ? currentItem() : itemAt(event->pos());
+    menuContrast_ = item ? indexOfTopLevelItem(item) : -1;
+    Q_EMIT statisticMenuOpening();
+    refreshMenu();
+    menu_->popup(byKey && item ? viewport()->mapToGlobal(visualItemRect(item).bottomLeft())
+                               : event->globalPos());
 }
 
 void ContrastList::setContrasts(ContrastDefinitions* contrasts) {
     contrasts_ = contrasts;
     colorChooser_.close();
+    menu_->close();
     clear();
     if (!contrasts_)
         return;

@@ -92,10 +92,27 @@ void ContrastPanel::connectControls() {
     connect(multiSlice_, &QSpinBox::valueChanged, this, &ContrastPanel::multiSliceEdited);
     connect(conjunction_, &QCheckBox::clicked, this, &ContrastPanel::conjunctionClicked);
     connect(list_, &ContrastList::contrastsEdited, this, [this] { session_.contrastsChanged(); });
+    connectStatistics();
     // Once a number is entered the keys scroll the slices again.
     for (const QAbstractSpinBox* box : findChildren<QAbstractSpinBox*>())
         connect(box->findChild<QLineEdit*>(), &QLineEdit::returnPressed, this,
                 &ContrastPanel::numberEntered);
+}
+
+void ContrastPanel::connectStatistics() {
+    connect(list_, &ContrastList::statisticMenuOpening, this,
+            [this] { list_->setStatisticCanChange(session_.mayChangeStatistic()); });
+    connect(list_, &ContrastList::statisticChosen, this,
+            [this](ShownStatistic statistic, int contrast) {
+                if (!session_.changeShownStatistic(statistic, contrast))
+                    return;
+                list_->showRows();
+                conjunction_->setChecked(
+                    session_.functionalDocument->contrasts.ConjunctionAnalysis);
+                Q_EMIT statisticChanged();
+            });
+    connect(list_, &ContrastList::oneSidedTestingChosen, this,
+            [this](bool on) { session_.changeOneSidedTesting(on); });
 }
 
 void ContrastPanel::refresh() {

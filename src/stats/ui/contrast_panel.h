@@ -42,11 +42,14 @@ Q_SIGNALS:
     void clusterSizeEdited();
     void multiSliceEdited();
     void conjunctionClicked();
+    /// Other statistics are shown, so that the text of the threshold has changed.
+    void statisticChanged();
     /// A number was confirmed with the Return key.
     void numberEntered();
 
 private:
     void connectControls();
+    void connectStatistics();
     void addThresholdRows(QGridLayout* grid);
     void addSizeRows(QGridLayout* grid);
 

@@ -27,6 +27,28 @@ protected:
         session.runButtonPressed(); // there is a run in memory and on disk
     }
 
+    /// A model of the run in memory whose first condition explains a different part of each voxel.
+    void putWholeRunModel() {
+        WholeRunModel& model = session.functionalDocument->wholeRunModel;
+        const int points = 30;
+        model.release();
+        model.studies = {{points, "test.fmr", "test.rtc", 1}};
+        model.predictors.resize(3);
+        model.conditionOfColumn = {0, 1, -1};
+        model.size = session.functionalDocument->project.size();
+        model.rank = 3;
+        model.GLMInverse = {0.1f, 0.0f, 0.0f, 0.0f, 0.1f, 0.0f, 0.0f, 0.0f, 0.1f};
+        for (int t = 0; t < points; ++t)
+            for (const bool on : {t % 3 == 0, t % 3 == 1, true})
+                model.GLMDesign.push_back(float(on));
+        ASSERT_TRUE(model.GLMMaps.allocate(size_t(model.nrOfMapRows()) * model.nrOfVoxels()));
+        std::ranges::fill(model.row(WholeRunModel::correlationRow()), 0.6f);
+        std::ranges::fill(model.row(WholeRunModel::totalRow()), 100.0f);
+        for (int row = 0; row < 2; ++row)
+            for (size_t v = 0; v < model.nrOfVoxels(); ++v)
+                model.row(2 + row)[v] = float(v % 7) - 3.0f * float(row);
+    }
+
     bool postprocess(ProgressReporter& progress) {
         return session.postprocess(options_, true, progress);
     }
@@ -104,6 +126,14 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
         {"offer post-processing",
          [&] { return session.volumesForPostprocessing() == 30; },
          {Phase::Idle}},
+        {"choice of the statistic",
+         [&] {
+             if (session.functionalDocument)
+                 putWholeRunModel();
+             return session.changeShownStatistic(ShownStatistic::T, -1) &&
+                    session.changeOneSidedTesting(false);
+         },
+         {Phase::Idle}},
         {"active for plug-ins", [&] { return session.phase.runActive(); }, {Phase::Recording}},
         {"warnings wait for nobody",
          [&] { return session.messagesAreModeless(MessageLevel::Warning); },
@@ -157,6 +187,34 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
             EXPECT_EQ(contrastOfMap, shown.contrastOfMap);
             EXPECT_FALSE(document.contrasts.ContrastsChanged);
         }
+}
+
+TEST_F(SessionOperations, FAndConjunctionExcludeEachOther) {
+    EXPECT_FALSE(session.changeShownStatistic(ShownStatistic::FOfSelected, -1)) << "no model";
+    putWholeRunModel();
+    QtCortivoDoc& document = *session.functionalDocument;
+    ContrastDefinitions& contrasts = document.contrasts;
+    EXPECT_TRUE(session.changeConjunction(true));
+    EXPECT_TRUE(session.changeShownStatistic(ShownStatistic::FOfSelected, -1));
+    EXPECT_FALSE(contrasts.ConjunctionAnalysis);
+    EXPECT_EQ(document.maps.NrOfShownMaps, 1);
+    EXPECT_TRUE(session.panelText().contains("<b>F</b>(2,27) = "));
+    messages.expectInformation("INFO: The conjunction is one of t maps*");
+    EXPECT_FALSE(session.changeConjunction(true));
+
+    const std::vector<float> ofTwo(document.maps.map(0).begin(), document.maps.map(0).end());
+    ASSERT_TRUE(toggleContrast(contrasts, 1, ContrastPositive));
+    session.contrastsChanged();
+    EXPECT_EQ(document.maps.MapDF1, 1) << "of the one that is left";
+    EXPECT_FALSE(session.changeShownStatistic(ShownStatistic::FOfContrast, 9)) << "there is none";
+    EXPECT_EQ(contrasts.shownStatistic, ShownStatistic::FOfSelected);
+    EXPECT_TRUE(session.changeShownStatistic(ShownStatistic::FOfContrast, 1));
+    EXPECT_EQ(contrasts.ContrastSelectionStates, (std::vector<int>{0, 1, 0}));
+    EXPECT_FALSE(std::ranges::equal(document.maps.map(0), ofTwo));
+    EXPECT_TRUE(session.changeShownStatistic(ShownStatistic::T, -1));
+    EXPECT_EQ(document.maps.MapType, MapKind::T);
+    EXPECT_TRUE(session.changeOneSidedTesting(true));
+    EXPECT_TRUE(std::ranges::all_of(document.maps.map(0), [](float t) { return t >= 0.0f; }));
 }
 
 TEST_F(SessionOperations, AChangeWhileTheLastVolumeIsAwaitedIsOnTheMaps) {

@@ -165,6 +165,10 @@ TEST_F(MainWindow, MenusFollowThePhase) {
                 "Courses*|Show Motion Plot|Show Response Plot|Switch Window Size");
     window_->slotShowOnInplanes();
     EXPECT_TRUE(enabledEntries("&View").contains("Overlay On Inplanes*"));
+    for (const QAction* action : entries("&Analysis"))
+        if (action->text() == "ROI GLM...") {
+            EXPECT_EQ(action->toolTip(), "There is no model of a complete run");
+        }
     window_->slotRemoveROITimeCoursePlots();
     EXPECT_TRUE(document().regions.empty());
 }

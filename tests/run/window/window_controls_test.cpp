@@ -197,6 +197,52 @@ TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
     EXPECT_FALSE(conjunction.isChecked());
 }
 
+TEST_F(MainWindow, MenuOfTheContrastListChoosesTheStatistic) {
+    prepare(2);
+    runOver();
+    auto& list = control<ContrastList>("ContrastList");
+    auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
+    const auto openAt = [&](QPoint place, QContextMenuEvent::Reason reason) {
+        QWidget* at = reason == QContextMenuEvent::Keyboard ? &list : list.viewport();
+        QContextMenuEvent event(reason, place, at->mapToGlobal(place));
+        QApplication::sendEvent(at, &event);
+    };
+    const auto action = [&](const char* name) { return list.findChild<QAction*>(name); };
+    openAt({}, QContextMenuEvent::Keyboard);
+    for (const char* name :
+         {"ShowTMaps", "ShowFOfContrast", "ShowFOfSelected", "OneSidedTesting"}) {
+        EXPECT_FALSE(action(name)->isEnabled()) << name;
+        EXPECT_TRUE(action(name)->toolTip().startsWith("Needs the model")) << name;
+    }
+    WholeRunModel& model = document().wholeRunModel;
+    model.size = {1, 1, 1};
+    model.studies = {{3, "", "", 1}};
+    model.predictors.resize(2);
+    model.conditionOfColumn = {0, -1};
+    model.GLMDesign = {1, 1, 0, 1, 0, 1};
+    model.GLMInverse = {1, 0, 0, 1};
+    model.rank = 2;
+    ASSERT_TRUE(model.GLMMaps.allocate(size_t(model.nrOfMapRows())));
+    document().mask = {{1}, {{0, 1}}};
+    conjunction.setChecked(true);
+
+    openAt(list.visualItemRect(list.topLevelItem(1)).center(), QContextMenuEvent::Mouse);
+    EXPECT_TRUE(action("ShowTMaps")->isChecked());
+    action("ShowFOfContrast")->trigger();
+    EXPECT_EQ(document().contrasts.ContrastSelectionStates, (std::vector<int>{0, 1}));
+    EXPECT_FALSE(conjunction.isChecked());
+    EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("F(1,1) ="));
+    openAt(QPoint(5, list.viewport()->height() - 2), QContextMenuEvent::Mouse);
+    EXPECT_FALSE(action("ShowFOfContrast")->isEnabled()) << "below the contrasts";
+    EXPECT_TRUE(action("ShowFOfContrast")->isChecked());
+    action("ShowFOfSelected")->trigger();
+    action("OneSidedTesting")->trigger();
+    EXPECT_EQ(document().contrasts.shownStatistic, ShownStatistic::FOfSelected);
+    EXPECT_TRUE(document().contrasts.oneSidedTesting);
+    window_->session().listeners.documentsLeaving();
+    EXPECT_FALSE(control<QMenu>("ContrastStatisticMenu").isVisible());
+}
+
 TEST_F(MainWindow, IsDraggedByItsFrameAndComesBackToItsPlace) {
     window_->move(0, 0);
     const auto send = [this](QEvent::Type type, QPoint at, Qt::MouseButton cause) {

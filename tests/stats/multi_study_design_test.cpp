@@ -1,0 +1,319 @@
+// Several runs in one model: their list, the designs of the runs, the common design, their data.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stats/multi_study_design.h"
+
+#include "support/files.h"
+#include "support/scripted_messages.h"
+#include "volume/fmr_file.h"
+#include "volume/stc_file.h"
+#include "volume/volume_runs.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+namespace {
+
+ProtocolCondition condition(const QString& name, std::vector<std::pair<int, int>> intervals) {
+    ProtocolCondition result;
+    result.name = name;
+    for (const auto& [from, to] : intervals) {
+        result.from[size_t(result.nrOfIntervals)] = from;
+        result.to[size_t(result.nrOfIntervals++)] = to;
+    }
+    return result;
+}
+
+RunOfStudy runWith(std::vector<ProtocolCondition> conditions, int nrOfVolumes = 12) {
+    RunOfStudy run;
+    run.NrOfVolumes = nrOfVolumes;
+    run.TR = 2000.0f;
+    run.protocol.conditions = std::move(conditions);
+    return run;
+}
+
+class MultiStudy : public testing::Test {
+protected:
+    /// A run of 4 x 2 x 3 voxels on disk, each with a value of its own.
+    static int16_t valueAt(int x, int y, int slice, int volume) {
+        return int16_t(x + 10 * y + 100 * slice + 1000 * volume);
+    }
+    FMRProject saveRun(const QString& name, int nrOfVolumes, int sizeX = 4, int nrOfSlices = 3) {
+        FMRProject project = runOf(sizeX, 2, nrOfSlices, nrOfVolumes, valueAt);
+        project.Prefix = name;
+        project.targetFolder = folder.path() + "/";
+        project.projectPath = path(name + ".fmr");
+        EXPECT_TRUE(writeFMRHeader(project, project.projectPath, nrOfVolumes));
+        EXPECT_TRUE(writeSTCData(project, nrOfVolumes, nullptr, nullptr, 0, 0));
+        return project;
+    }
+    /// A design with value 100 study + 10 t + column.
+    void saveDesign(const QString& name, int study, int points, const QStringList& names) {
+        RTCFile file;
+        file.names = names;
+        file.nrOfDataPoints = points;
+        for (int j = 0; j < names.size(); ++j)
+            for (int t = 0; t < points; ++t) {
+                file.columns.resize(size_t(j) + 1);
+                file.columns[size_t(j)].push_back(float(100 * study + 10 * t + j));
+            }
+        EXPECT_TRUE(writeDesignMatrixRTC(file, path(name + ".rtc")));
+    }
+    /// Runs a, b and c of 2, 3 and 2 volumes with two conditions, of subjects 7, 2 and 7.
+    MultiStudyList threeRuns(SeparatePredictors separation) {
+        MultiStudyList list{ZTransformation::Study, separation, {}};
+        for (int i = 0; i < 3; ++i) {
+            const QString name = QString(QChar('a' + i));
+            const int points = i == 1 ? 3 : 2;
+            saveRun(name, points);
+            saveDesign(name, i, points, {"Hand", "Foot"});
+            EXPECT_TRUE(addStudyAndDesignMatrix(list, path(name + ".fmr"), path(name + ".rtc")));
+            list.studies.back().subject = i == 1 ? 2 : 7;
+        }
+        return list;
+    }
+    [[nodiscard]] QString path(const QString& name) const { return folder.filePath(name); }
+
+    QTemporaryDir folder;
+    ScriptedMessages messages;
+    WholeRunDesign design;
+    VolumeSize size;
+};
+
+TEST_F(MultiStudy, TheListReadsBack) {
+    MultiStudyList list{ZTransformation::StudyModel, SeparatePredictors::Subjects, {}};
+    list.studies = {{0, "/d/a b.fmr", "/d/a.rtc", 3}, {0, "c.fmr", "c.rtc", 1}};
+    const QByteArray text = "FileVersion:         1\n"
+                            "zTransformation:     2\n"
+                            "SeparatePredictors:  2\n\n"
+                            "NrOfStudies:         2\n"
+                            "\"/d/a b.fmr\" \"/d/a.rtc\"\n"
+                            "\"c.fmr\" \"c.rtc\"\n";
+    EXPECT_EQ(mdmText(list), text + "Subjects: 3 1\n");
+    MultiStudyList read;
+    ASSERT_TRUE(parseMDM(text + "Subjects: 3 1\n", read));
+    EXPECT_EQ(read, list);
+    for (qsizetype length = text.size() - 2; length >= 0; --length)
+        EXPECT_FALSE(parseMDM(text.left(length), read)) << length;
+    for (const char* ending : {"Subjects: 3", "Subjects: 3 0", "Persons: 3 1"})
+        EXPECT_FALSE(parseMDM(text + ending, read)) << ending;
+    for (const auto& [from, to] : {std::pair{"ion:         1", "ion: 2"},
+                                   {"zTran", "Tran"},
+                                   {"ors:  2", "ors: 3"},
+                                   {"ies:         2", "ies: 2000000000"}})
+        EXPECT_FALSE(parseMDM(QString(text).replace(from, to), read)) << to;
+    EXPECT_EQ(read, list);
+
+    // Without subjects each study is one; relative names are beside the list.
+    writeFile(path("x.mdm"), text);
+    ASSERT_TRUE(readMDMFile(path("x.mdm"), read));
+    EXPECT_EQ(read.studies[1], (GLMStudy{0, path("c.fmr"), path("c.rtc"), 2}));
+    messages.expectCritical("ERROR: Can not open .mdm file !");
+    EXPECT_FALSE(readMDMFile(path("none.mdm"), read));
+    messages.expectCritical("ERROR: \"" + path("y.mdm") + "\" is no list of runs*");
+    writeFile(path("y.mdm"), text.left(100));
+    EXPECT_FALSE(readMDMFile(path("y.mdm"), read));
+    messages.expectCritical("ERROR: Can not open .mdm file !");
+    EXPECT_FALSE(writeMDMFile(path("no/x.mdm"), list));
+}
+
+TEST_F(MultiStudy, FilesThatAreMissingAreNotAdded) {
+    MultiStudyList list;
+    saveRun("a", 2);
+    messages.expectCritical("ERROR in \"addStudyAndDesignMatrix\": Study file name  \"" +
+                            path("x.fmr") + "\" not found! ");
+    EXPECT_FALSE(addStudyAndDesignMatrix(list, path("x.fmr"), path("a.rtc")));
+    messages.expectCritical("ERROR in \"addStudyAndDesignMatrix\": Design matrix file name  \"" +
+                            path("a.rtc") + "\" not found! ");
+    EXPECT_FALSE(addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")));
+    messages.expectWarning("Error reading file: Unknown file format!");
+    writeFile(path("a.rtc"), "GIF89a");
+    EXPECT_FALSE(addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")));
+    EXPECT_TRUE(list.studies.empty());
+    saveDesign("a", 0, 2, {""});
+    EXPECT_TRUE(addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")));
+}
+
+// Expected columns from NumPy: the box-car convolved with ((k - 2.5 s) / 1.25 s)^2
+// exp(-(k - 2.5 s) / 1.25 s), which sums to 1, in steps of a volume or of a millisecond.
+TEST_F(MultiStudy, RunDesignsHaveAColumnForEachConditionOfAnyRun) {
+    std::vector<RunOfStudy> runs{
+        runWith({condition("Rest", {{1, 1}}), condition("Hand", {{2, 4}, {9, 20}})}),
+        runWith({condition("Foot", {}), condition("Rest", {}),
+                 condition("Hand", {{3000, 7000}, {15500, 99999}})})};
+    runs[1].protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
+    runs[1].subject = 4;
+    for (int i = 0; i < 2; ++i)
+        runs[size_t(i)].studyFile = saveRun(QString("r%1").arg(i), 12).projectPath;
+    const std::vector<StudyCondition> conditions = unionOfConditions(runs);
+    ASSERT_EQ(conditions.size(), 3u);
+    EXPECT_EQ(conditions[0].name, "Rest");
+    EXPECT_EQ(conditions[2].name, "Foot");
+
+    MultiStudyList list{ZTransformation::None, SeparatePredictors::Subjects, {{}}};
+    writeFile(path("all.mdm"), "old");
+    ASSERT_TRUE(createRunDesignMatrices(runs, path("all"), list));
+    MultiStudyList read;
+    ASSERT_TRUE(readMDMFile(path("all.mdm"), read));
+    ASSERT_EQ(read.studies.size(), 2u);
+    EXPECT_EQ(read.studies[1], (GLMStudy{0, runs[1].studyFile, path("all_run-2.rtc"), 4}));
+    EXPECT_EQ(list.studies[1].dataPoints, 12);
+
+    const std::vector<float> expected[] = {{0, 0, 0, 0.339352f, 0.712372f, 0.898346f, 0.628813f,
+                                            0.278410f, 0.099127f, 0.031170f, 0.348400f, 0.714857f},
+                                           {0, 0, 0, 0.007951f, 0.323552f, 0.689633f, 0.568022f,
+                                            0.268348f, 0.098750f, 0.031671f, 0.226141f, 0.622808f}};
+    for (size_t i = 0; i < 2; ++i) {
+        RTCFile file;
+        ASSERT_EQ(parseRTC(contentOf(read.studies[i].designFile), file), RTCParseResult::Ok);
+        EXPECT_EQ(file.names, (QStringList{"Hand", "Foot"}));
+        ASSERT_EQ(file.nrOfDataPoints, 12);
+        for (size_t t = 0; t < 12; ++t)
+            EXPECT_NEAR(file.columns[0][t], expected[i][t], 2e-4) << i << ' ' << t;
+        EXPECT_EQ(file.columns[1], std::vector<float>(12, 0.0f));
+    }
+    list.studies.clear();
+    messages.expectWarning("ERROR: Can not open .rtc file for writing design matrix file !");
+    EXPECT_FALSE(createRunDesignMatrices(runs, path("no/all"), list));
+    EXPECT_TRUE(list.studies.empty());
+}
+
+TEST_F(MultiStudy, ColumnsFollowTheLayout) {
+    // Groups of each study, in steps of two columns, and the names of the groups.
+    const std::tuple<SeparatePredictors, std::vector<int>, QStringList> cases[] = {
+        {SeparatePredictors::None, {0, 0, 0}, {""}},
+        {SeparatePredictors::Studies, {0, 1, 2}, {"Study 1: ", "Study 2: ", "Study 3: "}},
+        {SeparatePredictors::Subjects, {1, 0, 1}, {"Subject 2: ", "Subject 7: "}}};
+    for (const auto& [separation, groups, prefixes] : cases) {
+        const MultiStudyList list = threeRuns(separation);
+        ASSERT_TRUE(assembleMultiStudyDesign(list, {{1, 2, 3}}, design, size));
+        EXPECT_EQ(size, (VolumeSize{4, 2, 3}));
+        EXPECT_EQ(design.transformation, ZTransformation::Study);
+        EXPECT_EQ(design.separation, separation);
+        ASSERT_EQ(design.GLMDataPoints(), 7);
+        const int conditions = 2 * int(prefixes.size());
+        ASSERT_EQ(design.GLMPredictors(), conditions + 3);
+        for (int j = 0; j < conditions + 3; ++j) {
+            const GLMPredictor& predictor = design.predictors[size_t(j)];
+            EXPECT_EQ(predictor.label, QString("Predictor: %1").arg(j + 1));
+            EXPECT_EQ(predictor.name, j < conditions
+                                          ? prefixes[j / 2] + (j % 2 == 0 ? "Hand" : "Foot")
+                                          : QString("Study signal level (confound)"));
+            EXPECT_EQ(predictor.color.green, j >= conditions ? 255 : j % 2 == 0 ? 2 : 128);
+            EXPECT_EQ(design.conditionOfColumn[size_t(j)], j < conditions ? j % 2 : -1);
+        }
+        EXPECT_EQ(conditionsOfColumns(design), design.conditionOfColumn);
+        std::vector<float> expected;
+        for (int study = 0; study < 3; ++study)
+            for (int t = 0; t < (study == 1 ? 3 : 2); ++t) {
+                std::vector<float> row(size_t(conditions + 3), 0.0f);
+                const size_t first = size_t(2 * groups[size_t(study)]);
+                row[first] = float(100 * study + 10 * t);
+                row[first + 1] = row[first] + 1.0f;
+                row[size_t(conditions + study)] = 1.0f;
+                expected.insert(expected.end(), row.begin(), row.end());
+            }
+        EXPECT_EQ(design.GLMDesign, expected);
+    }
+}
+
+TEST_F(MultiStudy, DesignsOfVersionOneHaveNoNamesAndAnyNumberOfColumns) {
+    MultiStudyList list = threeRuns(SeparatePredictors::None);
+    list.studies.resize(1);
+    QByteArray series = "NrOfRTCs: 60\nNrOfValues: 2\n";
+    for (int j = 0; j < 60; ++j)
+        series += "Title: x\na: 1 b: 2 c: 3 d: 4 e: 5 f: 6\n0 1\n";
+    writeFile(path("a.rtc"), series);
+    ASSERT_TRUE(assembleMultiStudyDesign(list, {}, design, size));
+    EXPECT_EQ(design.GLMPredictors(), 61);
+    EXPECT_EQ(design.predictors[1].name, "Predictor 2");
+    EXPECT_EQ(design.GLMDesign[61 + 59], 1.0f);
+}
+
+TEST_F(MultiStudy, RunsThatDoNotFitAreRefused) {
+    const MultiStudyList list = threeRuns(SeparatePredictors::None);
+    const QByteArray head = "FileVersion: 2\nType: ";
+    const std::pair<std::function<void()>, QString> cases[] = {
+        {[&] { saveRun("b", 3, 4, 2); },
+         "ERROR: Different number of slices of functional data files!"},
+        {[&] { saveRun("b", 3, 5); },
+         "ERROR: Different image resolution of functional data files!"},
+        {[&] { saveDesign("b", 0, 3, {"Hand"}); },
+         "ERROR: Different number of predictors in design matrix files!"},
+        {[&] {
+             saveDesign("b", 0, 2, {"Hand", "Foot"});
+         },
+         "ERROR: Different number of time points between design matrix and data files!"},
+        {[&] { writeFile(path("b.rtc"), head + "Motion"); },
+         "ERROR: RTC file is not of type \"DesignMatrix\" !"},
+        {[&] { writeFile(path("b.rtc"), "GIF89a"); }, "Error reading file: Unknown file format!"},
+        {[&] { writeFile(path("b.rtc"), head + "DesignMatrix N: 1 N: 3 \"a\" 0 1e60 0"); },
+         "ERROR: Design matrix file \"" + path("b.rtc") + "\" is damaged or ends too early!"},
+        {[&] { writeFile(path("b.rtc"), head + "DesignMatrix N: 1 N: 3 \"a\" 0 0"); },
+         "ERROR: Design matrix file \"" + path("b.rtc") + "\" is damaged or ends too early!"},
+        {[&] { QFile::remove(path("b.rtc")); },
+         "ERROR: Can not open design matrix file \"" + path("b.rtc") + "\" !"}};
+    for (const auto& [change, message] : cases) {
+        static_cast<void>(threeRuns(SeparatePredictors::None));
+        change();
+        messages.expectCritical(message);
+        EXPECT_FALSE(assembleMultiStudyDesign(list, {}, design, size));
+    }
+    messages.expectCritical("ERROR: The multi-study design lists no runs!");
+    EXPECT_FALSE(assembleMultiStudyDesign({}, {}, design, size));
+    messages.expectWarning("ERROR - Can not open FMR file: \"" + path("b.fmr") + "\" !");
+    QFile::remove(path("b.fmr"));
+    EXPECT_FALSE(assembleMultiStudyDesign(list, {}, design, size));
+    EXPECT_EQ(design.GLMPredictors(), 0);
+
+    static_cast<void>(threeRuns(SeparatePredictors::None));
+    saveDesign("b", 0, 3, {"Foot", "Hand"});
+    messages.expectWarning("WARNING: Predictor names do not match!\n\nPlease check the order*");
+    EXPECT_TRUE(assembleMultiStudyDesign(list, {}, design, size));
+}
+
+TEST_F(MultiStudy, SlicesOfBothFormatsAreReadFromDisk) {
+    const MultiStudyList list = threeRuns(SeparatePredictors::None);
+    // The second run as files of one slice each, behind their sizes.
+    const QByteArray all = contentOf(path("b.stc"));
+    writeFile(path("b.fmr"),
+              contentOf(path("b.fmr"))
+                  .replace("DataStorageFormat:             2", "DataStorageFormat:            1"));
+    const QByteArray sizes("\4\0\2\0", 4);
+    for (int slice = 0; slice < 3; ++slice)
+        writeFile(path(QString("b%1.stc").arg(slice + 1)), sizes + all.mid(slice * 48, 48));
+    QFile::remove(path("b.stc"));
+
+    std::vector<const int16_t*> points(7);
+    const std::unique_ptr<SliceSource> source = openRunsOnDisk(list);
+    ASSERT_TRUE(source);
+    for (const int slice : {2, 0, 1}) {
+        ASSERT_TRUE(source->loadSlice(slice, points));
+        for (size_t t = 0; t < 7; ++t)
+            for (int i = 0; i < 8; ++i)
+                EXPECT_EQ(points[t][i],
+                          valueAt(i % 4, i / 4, slice, t < 2 ? int(t) : (int(t) - 2) % 3))
+                    << slice << ' ' << t;
+    }
+    std::vector<const int16_t*> fewer(6);
+    messages.expectCritical("ERROR: Different number of time points between*");
+    EXPECT_FALSE(source->loadSlice(0, fewer));
+
+    const QString shortText = "ERROR: The .stc file holds fewer samples than its header states: ";
+    QFile::resize(path("c.stc"), 95);
+    messages.expectCritical(shortText + path("c.stc"));
+    EXPECT_FALSE(source->loadSlice(2, points));
+    messages.expectCritical(shortText + path("c.stc"));
+    EXPECT_FALSE(openRunsOnDisk(list));
+    writeFile(path("b2.stc"), QByteArray("\2\0\4\0", 4) + QByteArray(48, '\0'));
+    messages.expectCritical("ERROR: The .stc file has another matrix than its header states: " +
+                            path("b2.stc"));
+    EXPECT_FALSE(openRunsOnDisk(list));
+    QFile::remove(path("b2.stc"));
+    const QString missing = "ERROR: Can not find / open stc file: " + path("b2.stc") + " !";
+    messages.expectCritical(missing);
+    EXPECT_FALSE(source->loadSlice(1, points));
+    messages.expectCritical(missing);
+    EXPECT_FALSE(openRunsOnDisk(list));
+}
+
+} // namespace
