@@ -102,6 +102,15 @@ void fit(RegionOfInterest& region, const DesignMatrix& design, const RegionModel
         turnIntoPercent(region.ROIBetas, design.NrOfConditionPredictors);
 }
 
+void fitOrNot(RegionOfInterest& region, const DesignMatrix& design, bool modelStarted,
+              RegionModel& model) {
+    const int n = std::min(region.CurrentTimePoint + 1, region.NrOfValues());
+    if (modelStarted && prepareModel(model, design, n))
+        fit(region, design, model);
+    else
+        setUnfitted(region, design);
+}
+
 } // namespace
 
 void computeROIBetas(Regions& regions, const DesignMatrix& design, bool modelStarted) {
@@ -109,12 +118,11 @@ void computeROIBetas(Regions& regions, const DesignMatrix& design, bool modelSta
     if (std::ranges::all_of(design.PredictorColumns, isEmpty))
         return;
     RegionModel model;
-    for (int r = 0; r < regions.count(); ++r) {
-        RegionOfInterest& region = regions[r];
-        const int n = std::min(region.CurrentTimePoint + 1, region.NrOfValues());
-        if (modelStarted && prepareModel(model, design, n))
-            fit(region, design, model);
-        else
-            setUnfitted(region, design);
-    }
+    for (int r = 0; r < regions.count(); ++r)
+        fitOrNot(regions[r], design, modelStarted, model);
+}
+
+void computeROIBetas(RegionOfInterest& region, const DesignMatrix& design) {
+    RegionModel model;
+    fitOrNot(region, design, true, model);
 }

@@ -17,3 +17,6 @@
 /// is 1, and nothing counts as fitted. Nothing changes when the design has no columns, as after the
 /// end of a run. X'X and its inverse are computed once for successive regions of one length.
 void computeROIBetas(Regions& regions, const DesignMatrix& design, bool modelStarted);
+
+/// The same for one region, whose run has a design of its own.
+void computeROIBetas(RegionOfInterest& region, const DesignMatrix& design);

@@ -15,17 +15,32 @@ void collectRuns(BrainMask& mask) {
     }
 }
 
-} // namespace
-
-bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold) {
+bool startMask(BrainMask& mask, size_t voxels) {
     mask = BrainMask{};
-    const size_t voxels = project.volumeSamples();
     // The mask and, at worst, a run for every second voxel.
     if (!memoryIsAvailable(voxels, sizeof(uint8_t) + sizeof(BrainMask::Run) / 2)) {
         showModelessWarning("ERROR: Insufficient memory for creating contrast maps!");
         return false;
     }
     mask.voxels.assign(voxels, 0);
+    return true;
+}
+
+} // namespace
+
+bool createMaskOfModel(BrainMask& mask, std::span<const float> values) {
+    if (!startMask(mask, values.size()))
+        return false;
+    for (size_t voxel = 0; voxel < values.size(); ++voxel)
+        mask.voxels[voxel] = values[voxel] > 0.0f;
+    collectRuns(mask);
+    return true;
+}
+
+bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold) {
+    const size_t voxels = project.volumeSamples();
+    if (!startMask(mask, voxels))
+        return false;
     if (project.NrOfSlices < 3 || project.volumes.empty() ||
         project.volumes.samplesOfEach() < voxels)
         return true;

@@ -80,6 +80,10 @@ struct GLMRun {
 /// memory runs out; the run goes on without a model.
 [[nodiscard]] bool createBrainMask(BrainMask& mask, const FMRProject& project, int threshold);
 
+/// Mask of the voxels with a value above 0, for a model whose volumes are not in memory. False like
+/// createBrainMask().
+[[nodiscard]] bool createMaskOfModel(BrainMask& mask, std::span<const float> values);
+
 /// One volume: batch solution when one is due, else the recursive update; contrasts; t values. True
 /// when the overlay colours must be recomputed because the active contrasts were refreshed: at a
 /// batch solution, and at every volume once ContrastsChanged is set.

@@ -32,9 +32,7 @@ void findAMRFile(FMRProject& project) {
     project.ShowAMRFile = 0;
 }
 
-} // namespace
-
-bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadData) {
+bool readHeader(FMRProject& project, const QString& fileName) {
     FMRHeader header;
     if (!readFMRFile(fileName, FMRScope::Project, header))
         return false;
@@ -46,7 +44,20 @@ bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadD
     project.targetFolder = paths::folderWithSlash(fileName);
     project.firstVolume.release();
     project.volumes.clear();
-    if (loadData == LoadData::Yes && !checkSTCFiles(project))
+    return true;
+}
+
+} // namespace
+
+bool loadFMRProjectHeader(FMRProject& project, const QString& fileName) {
+    if (!readHeader(project, fileName))
+        return false;
+    findAMRFile(project);
+    return true;
+}
+
+bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadData) {
+    if (!readHeader(project, fileName) || (loadData == LoadData::Yes && !checkSTCFiles(project)))
         return false;
     if (!project.allocateVolumes()) {
         showCritical("ERROR: Insufficient memory for loading the functional project!");

@@ -76,6 +76,10 @@ struct FMRProject : FMRHeader {
 
 enum class LoadData { No, Yes };
 
+/// Reads the header into the project, which then has no volumes. False after a message; the project
+/// is then unchanged. LoadAMRFile as for loadFMRProject().
+[[nodiscard]] bool loadFMRProjectHeader(FMRProject& project, const QString& fileName);
+
 /// Reads the header into the project, allocates its volumes and, if asked, reads the data. The
 /// sizes in the header are checked against the data files before anything is allocated. False after
 /// a message; an invalid header leaves the project unchanged. Data files that are missing, too

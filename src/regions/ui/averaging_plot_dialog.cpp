@@ -87,10 +87,10 @@ bool AveragingPlotDlg::draw() {
         const std::optional<PlottedRegion> region = regionOfSession(session_, number);
         if (!region)
             continue;
-        const QtCortivoDoc& document = *session_.functionalDocument;
+        const PlottedTiming timing = timingOfRegion(session_, number);
         PlottedAverages averages{number, {}};
-        if (averageTrials(measuredCurve(*region), document.protocol, document.project.TR,
-                          settings_.averaging, averages.averages) != AveragingResult::Ok) {
+        if (averageTrials(measuredCurve(*region), timing.protocol, timing.TR, settings_.averaging,
+                          averages.averages) != AveragingResult::Ok) {
             showModelessWarning("ERROR: Too many trigger points!");
             return false;
         }

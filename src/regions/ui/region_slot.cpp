@@ -3,6 +3,7 @@
 
 #include "regions/ui/beta_plot.h"
 #include "regions/ui/time_course_plot_dialog.h"
+#include "run/session/session_multi_run.h"
 
 #include <QBoxLayout>
 #include <QLineEdit>
@@ -28,21 +29,33 @@ RegionSlot::RegionSlot(RunSession& session, RegionPlotSettings& settings, int sl
     setRegion(-1);
 }
 
-void RegionSlot::addRunChoice() {
+QScrollBar* RegionSlot::addRunChoice() {
     const QString name = QString("MultiRunTC%1").arg(slotNumber_);
-    auto* file = new QLineEdit(this);
-    file->setObjectName(name);
-    file->setReadOnly(true);
-    file->setToolTip("The run that the plots show");
-    auto* bar = new QScrollBar(Qt::Horizontal, this);
-    bar->setObjectName(name + "ScrollBar");
-    bar->setToolTip("Choose the run that the plots show");
+    runFile_ = new QLineEdit(this);
+    runFile_->setObjectName(name);
+    runFile_->setReadOnly(true);
+    runFile_->setToolTip("The run that the plots show");
+    runBar_ = new QScrollBar(Qt::Horizontal, this);
+    runBar_->setObjectName(name + "ScrollBar");
+    runBar_->setToolTip("Choose the run that the plots show");
     auto* row = new QHBoxLayout;
-    row->addWidget(file, 1);
-    row->addWidget(bar, 1);
+    row->addWidget(runFile_, 1);
+    row->addWidget(runBar_, 1);
     static_cast<QVBoxLayout*>(layout())->addLayout(row);
-    file->hide();
-    bar->hide();
+    showRunChoice({});
+    return runBar_;
+}
+
+void RegionSlot::showRunChoice(const std::optional<PlottedRunChoice>& choice) {
+    runFile_->setVisible(choice.has_value());
+    runBar_->setVisible(choice.has_value());
+    if (!choice)
+        return;
+    runFile_->setText(choice->fileName);
+    const QSignalBlocker blocker(runBar_);
+    runBar_->setRange(-1, choice->nrOfRuns);
+    runBar_->setPageStep(1);
+    runBar_->setValue(choice->value);
 }
 
 void RegionSlot::setRegion(int number) {

@@ -5,10 +5,14 @@
 #include "regions/ui/region_plot_settings.h"
 
 #include <QWidget>
+#include <optional>
 
 class BetaPlot;
 class QBoxLayout;
+class QLineEdit;
+class QScrollBar;
 class RunSession;
+struct PlottedRunChoice;
 class TimeCoursePlotDlg;
 
 /// A place in the container, or a window of its own for a region beyond the fixed places. Slot n
@@ -26,8 +30,11 @@ public:
     /// Shows the plots that the settings say, where there is a region.
     void showPlots();
     void refresh();
-    /// Adds the hidden choice of the run that the plots show, for several runs.
-    void addRunChoice();
+    /// Adds the choice of the run that the plots show, hidden at first. Its scroll bar goes one
+    /// step beyond both ends, from where the choice wraps.
+    QScrollBar* addRunChoice();
+    /// Shows the chosen run, or hides the choice where there is none.
+    void showRunChoice(const std::optional<PlottedRunChoice>& choice);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -38,4 +45,6 @@ private:
     QBoxLayout* plots_;
     TimeCoursePlotDlg* timeCourse_;
     BetaPlot* betas_;
+    QLineEdit* runFile_ = nullptr; ///< with its scroll bar, where a run can be chosen
+    QScrollBar* runBar_ = nullptr;
 };

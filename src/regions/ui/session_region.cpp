@@ -36,3 +36,10 @@ std::optional<PlottedRegion> regionOfSession(const RunSession& session, int numb
                          readable(toQColor(regionColor(session.regionColors, number))), last,
                          used == 0 ? region.NrOfVoxels() : int(used)};
 }
+
+PlottedTiming timingOfRegion(const RunSession& session, int number) {
+    if (const PlottedRun* run = session.multiRun.runOfRegion(number))
+        return {run->study.protocol, run->study.TR};
+    const QtCortivoDoc& document = *session.functionalDocument;
+    return {document.protocol, document.project.TR};
+}

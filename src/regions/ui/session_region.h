@@ -9,3 +9,12 @@
 [[nodiscard]] int nrOfRegions(const RunSession& session);
 /// The region of this number; nothing if there is none. Valid until the regions change.
 [[nodiscard]] std::optional<PlottedRegion> regionOfSession(const RunSession& session, int number);
+
+/// What a region's curve is plotted against: the protocol of the run in memory, or of the run that
+/// its plot shows. `TR` in milliseconds.
+struct PlottedTiming {
+    const StimulationProtocol& protocol;
+    float TR;
+};
+/// The session must have a document. Valid as long as the region's curve.
+[[nodiscard]] PlottedTiming timingOfRegion(const RunSession& session, int number);

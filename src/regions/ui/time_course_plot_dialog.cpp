@@ -110,8 +110,9 @@ void TimeCoursePlotDlg::refresh() {
     const QtCortivoDoc& document = *session_.functionalDocument;
     showHeading(regionHeading(*plotted), plotted->color);
     ui_->TimeCoursePlotter->setSaveFolder(document.project.targetFolder);
-    ui_->TimeCoursePlotter->setContent(timeCourseContent(
-        *plotted, document.protocol, document.project.TR, display(), commonRange_));
+    const PlottedTiming timing = timingOfRegion(session_, number_);
+    ui_->TimeCoursePlotter->setContent(
+        timeCourseContent(*plotted, timing.protocol, timing.TR, display(), commonRange_));
 }
 
 void TimeCoursePlotDlg::showHeading(const QString& text, const QColor& color) {

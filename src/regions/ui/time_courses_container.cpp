@@ -11,6 +11,7 @@
 #include "ui_time_courses_container.h"
 
 #include <QGridLayout>
+#include <QScrollBar>
 
 TimeCoursesContainer::TimeCoursesContainer(RunSession& session, QWidget* parent)
     : QDockWidget("ROI Time Courses", parent), session_(session),
@@ -23,7 +24,8 @@ TimeCoursesContainer::TimeCoursesContainer(RunSession& session, QWidget* parent)
     setWidget(contents);
     for (size_t i = 0; i < slots_.size(); ++i) {
         slots_[i] = new RegionSlot(session_, settings_, int(i) + 1, ui_->Slots);
-        slots_[i]->addRunChoice();
+        connect(slots_[i]->addRunChoice(), &QScrollBar::valueChanged, this,
+                [this, i](int value) { Q_EMIT runChosen(int(i), value); });
         connect(&slots_[i]->timeCourse(), &TimeCoursePlotDlg::unitChanged, this,
                 &TimeCoursesContainer::refreshPlots);
     }
@@ -178,6 +180,8 @@ void TimeCoursesContainer::refreshPlots() {
     findCommonRanges();
     for (RegionSlot* slot : usedSlots())
         slot->refresh();
+    for (size_t i = 0; i < slots_.size(); ++i)
+        slots_[i]->showRunChoice(session_.multiRun.choice(int(i)));
     refreshAverages();
 }
 

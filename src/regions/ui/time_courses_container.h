@@ -49,6 +49,10 @@ public:
     void regionsChanged(QtCortivoDoc& functional) override;
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
 
+Q_SIGNALS:
+    /// The operator moved the scroll bar of a fixed slot, from 0, to another run.
+    void runChosen(int slot, int value);
+
 public Q_SLOTS:
     void onNrOfRowsChanged(int new_nrows);
     void onShowOnlyTCs() { showPlots(ShownPlots::TimeCourses); }

@@ -15,6 +15,11 @@
 /// The file of the run's regions.
 [[nodiscard]] QString regionFilePath(const FMRProject& project);
 
+/// The protocol of a saved run, whose header lies in `folder`: the copy as it was recorded; where
+/// that is gone, the one that it was measured with.
+[[nodiscard]] QString protocolOfSavedRun(const FMRHeader& header, const QString& folder,
+                                         const QString& measuredWith);
+
 /// Asks whether files that could not be written into `folder` are to be tried again.
 [[nodiscard]] bool askToSaveAgain(const QString& folder);
 

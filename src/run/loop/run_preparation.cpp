@@ -31,7 +31,10 @@ bool readRunSettings(const RunParts& run, RunSource& source,
     if (!source.readSettings(settings, stopTimer))
         return false;
     if (settings.MergeType) {
-        showWarning("ERROR: Multi-run projects are not supported by this version.");
+        showWarning(QStringLiteral("ERROR: The settings file \"%1\" describes a project of several "
+                                   "runs. Choose it as the current settings file and press the run "
+                                   "button to have them analyzed.")
+                        .arg(settings.settingsFilePath));
         return false;
     }
     OperatorRequests& requests = run.requests;

@@ -33,6 +33,8 @@ RegionOfInterest& addRegion(const RegionRun& run, VoxelList voxels,
 
 void computeBetas(const RegionRun& run) {
     QtCortivoDoc& document = run.document;
+    if (document.multiRunDocument)
+        return;
     if (!document.glm.values.empty()) {
         computeROIBetas(document.regions, document.design,
                         document.glm.GLMStartVolume != GLMState::notStarted);
@@ -84,6 +86,8 @@ void placeSavedRegions(const RegionRun& run, const SavedRegions& saved) {
 
 void updateRegions(const RegionRun& run) {
     Regions& regions = run.document.regions;
+    if (run.document.multiRunDocument)
+        return;
     for (int i = 0; i < regions.count(); ++i)
         updateTimeCourse(regions[i], run.document.project, run.nrOfVolumes,
                          run.requests.regions.BestVoxelSelection);

@@ -8,11 +8,13 @@
 #include "run/settings/run_settings.h"
 
 /// What work on regions needs.
+/// In a document of several runs, which holds no volumes, curves and betas are left to whoever
+/// listens to the regions.
 struct RegionRun {
     QtCortivoDoc& document;
     const RunSettings& settings;
     const OperatorRequests& requests;
-    int nrOfVolumes; ///< that are in memory, processed; at least 1
+    int nrOfVolumes; ///< that are in memory, processed; at least 1 unless there are several runs
 };
 
 /// A new region of the voxels that the rectangle selects, with its history. False when it selects

@@ -22,17 +22,11 @@ bool exists(const QString& path) {
     return QFileInfo(path).isFile();
 }
 
-// The protocol as it was recorded; a run whose copy is gone falls back to the one that it was
-// measured with.
 bool readRecordedProtocol(QtCortivoDoc& document, const RunSettings& settings) {
-    const FMRProject& project = document.project;
-    const QString recorded =
-        project.ProtocolFiles.isEmpty()
-            ? QString()
-            : paths::join(project.targetFolder, paths::fileName(project.ProtocolFiles.first()));
     document.protocol.tdatPath.clear();
     document.protocol.realTimeProtocolPath.clear();
-    document.protocol.protocolPath = exists(recorded) ? recorded : settings.StimulationProtocol;
+    document.protocol.protocolPath = protocolOfSavedRun(
+        document.project, document.project.targetFolder, settings.StimulationProtocol);
     return readPRTFile(document.protocol, ResponseTable::Read);
 }
 
@@ -55,6 +49,15 @@ void showSlices(FMRProject& project, QtCortivoDoc& document) {
 }
 
 } // namespace
+
+QString protocolOfSavedRun(const FMRHeader& header, const QString& folder,
+                           const QString& measuredWith) {
+    const QString recorded =
+        header.ProtocolFiles.isEmpty()
+            ? QString()
+            : paths::join(folder, paths::fileName(header.ProtocolFiles.first()));
+    return exists(recorded) ? recorded : measuredWith;
+}
 
 bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     RunSettings& settings = run.settings;

@@ -88,6 +88,8 @@ QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& 
 
 QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
                         const StatisticalMaps& maps) {
+    if (report.ofSeveralRuns)
+        return multiRunPanelText(thresholdText(maps, requests.thresholds));
     return singleRunPanelText(report.currentVolume + 1, double(report.elapsedRunTime) / 1000.0,
                               thresholdText(maps, requests.thresholds));
 }
@@ -115,4 +117,15 @@ QString reloadedText(const QString& settingsFileName, const QString& projectName
     constexpr int reloadedFontSize = 13; // a size of its own
     return settingsFileHead(reloadedFontSize, settingsFileName) + "\".<br><br> Project \"" +
            bold(projectName.toHtmlEscaped()) + "\" loaded from disk.<br><br> Ready<br></body>";
+}
+
+QString analysingText(int fontSize, const QString& settingsFileName, const QString& projectName) {
+    return settingsFileHead(fontSize, settingsFileName) +
+           "\".<br><br> Analyzing multi-run project \"" + bold(projectName.toHtmlEscaped()) +
+           "\"....<br></body>";
+}
+
+QString analysedText(int fontSize, const QString& settingsFileName, const QString& projectName) {
+    return settingsFileHead(fontSize, settingsFileName) + "\".<br><br> Multi-run project \"" +
+           bold(projectName.toHtmlEscaped()) + "\" analyzed.<br><br> Ready<br></body>";
 }

@@ -39,3 +39,10 @@
 [[nodiscard]] QString reloadingText(int fontSize, const QString& settingsFileName,
                                     const QString& projectName);
 [[nodiscard]] QString reloadedText(const QString& settingsFileName, const QString& projectName);
+
+/// While the runs of a project are analysed, and after that. `projectName` is that of the project's
+/// own results.
+[[nodiscard]] QString analysingText(int fontSize, const QString& settingsFileName,
+                                    const QString& projectName);
+[[nodiscard]] QString analysedText(int fontSize, const QString& settingsFileName,
+                                   const QString& projectName);

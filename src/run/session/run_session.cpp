@@ -5,6 +5,7 @@
 #include "base/paths.h"
 #include "base/text_reading.h"
 #include "run/loop/finished_run.h"
+#include "run/loop/multi_run.h"
 #include "run/loop/run_preparation.h"
 #include "run/loop/run_protocol.h"
 #include "run/loop/run_statistics.h"
@@ -18,8 +19,8 @@
 
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : journal(listeners, pump), regions({settings, phase, report, requests, listeners}),
-      makeReader(makeVolumeReader), pump_(pump), display_(display),
-      operatorRecords_(listeners, requests) {
+      multiRun({settings, requests, report, listeners}), makeReader(makeVolumeReader), pump_(pump),
+      display_(display), operatorRecords_(listeners, requests) {
     numerics::initialiseNumerics();
 }
 
@@ -47,7 +48,13 @@ void RunSession::runButtonPressed() {
         return;
     if (phase.canBeStopped())
         return requests.stopRun();
-    if (phase.isIdle() && runButton_ != RunButtonState::NoSettingsFile && mayLeaveRun())
+    const bool analysed = report.runFinished && report.ofSeveralRuns;
+    if (!phase.isIdle() || analysed || runButton_ == RunButtonState::NoSettingsFile ||
+        !mayLeaveRun())
+        return;
+    if (describesSeveralRuns(settings.settingsFilePath))
+        inPhase(Phase::Analysing, [this] { return analyseRuns(); });
+    else
         inPhase(Phase::Preparing, [this] { return measureRun(); });
 }
 
@@ -82,6 +89,7 @@ void RunSession::requestStop() {
 bool RunSession::inspectSettings() {
     if (!readSettingsFile(settings, SettingsUse::Inspection, stopTimer))
         return false;
+    multiRun.takeSettings();
     keepChosenROISlices();
     return true;
 }
@@ -91,6 +99,7 @@ void RunSession::keepChosenROISlices() {
 }
 
 void RunSession::changeSettingsFile(const QString& path) {
+    multiRun.forget(); // before the plots look at it
     listeners.settingsFileChanged();
     chosenROISlices_.reset();
     report.currentVolume = -1;
@@ -101,6 +110,36 @@ void RunSession::changeSettingsFile(const QString& path) {
     settings.settingsFilePath = path;
     settings.Title.clear();
     settings.MergeType = false;
+}
+
+bool RunSession::analyseRuns() {
+    const QString fileName = paths::fileName(settings.settingsFilePath);
+    report.forgetVolumes();
+    replaceDocuments();
+    MultiRunAnalysis analysis;
+    bool done = readSettingsFile(settings, SettingsUse::Run, stopTimer);
+    if (done) {
+        keepChosenROISlices();
+        multiRun.takeSettings();
+        done = analyseMultiRun(parts(), multiRun.project(), analysis) == MultiRunEnd::Done;
+    }
+    // One that was aborted doesn't start again by itself.
+    report.startFailed = !done;
+    if (!done) {
+        replaceDocuments();
+        setRunButton(RunButtonState::Ready);
+        display_.showLogText(offerText(requests.logFontSize, fileName));
+        return false;
+    }
+    multiRun.takeAnalysis(std::move(analysis));
+    report.runFinished = true;
+    report.savedCompletely = true;
+    setRunButton(RunButtonState::NoSettingsFile);
+    listeners.runPrepared(*functionalDocument);
+    report.outcomeText = analysedText(requests.logFontSize, fileName,
+                                      paths::fileName(multiRun.project().multiRunProjectPath));
+    display_.showLogText(report.outcomeText);
+    return true;
 }
 
 bool RunSession::measureRun() {
@@ -137,6 +176,7 @@ bool RunSession::startRun(RunSource& source, const std::function<void()>& prepar
         report.motionCorrectionFailed = false;
     }
     report.runFinished = true;
+    multiRun.takeSettings();
     setRunButton(RunButtonState::NoSettingsFile);
     return true;
 }
@@ -163,7 +203,8 @@ bool RunSession::recordRun(RunSource& source, const std::function<void()>& prepa
 }
 
 bool RunSession::reloadData() {
-    if (!phase.isIdle() || settings.settingsFilePath.isEmpty() || !mayLeaveRun())
+    if (!phase.isIdle() || settings.settingsFilePath.isEmpty() ||
+        describesSeveralRuns(settings.settingsFilePath) || !mayLeaveRun())
         return false;
     return inPhase(Phase::Reloading, [this] {
         report.forgetVolumes();
@@ -179,6 +220,7 @@ bool RunSession::loadRun() {
     keepChosenROISlices();
     report.runFinished = true;
     report.savedCompletely = true;
+    multiRun.takeSettings();
     setRunButton(RunButtonState::NoSettingsFile);
     listeners.runPrepared(*functionalDocument);
     report.outcomeText = reloadedText(paths::fileName(settings.settingsFilePath),

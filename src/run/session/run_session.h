@@ -16,6 +16,7 @@
 #include "run/replay/journal_run.h"
 #include "run/replay/operator_records.h"
 #include "run/replay/run_journal.h"
+#include "run/session/session_multi_run.h"
 #include "run/session/session_regions.h"
 #include "run/settings/run_settings.h"
 #include "volume/postprocessing_options.h"
@@ -31,8 +32,9 @@ public:
     RunSession(EventPump& pump, RunDisplay& display);
     ~RunSession();
 
-    /// The press of the run button, and auto-start: starts a run and stays until it is saved; while
-    /// a run is prepared or recorded, asks it to stop; in other phases nothing.
+    /// The press of the run button, and auto-start: starts a run and stays until it is saved, or
+    /// analyses the runs of a project, unless that has been done; while a run is prepared or
+    /// recorded, asks it to stop; in other phases nothing.
     void runButtonPressed();
     /// When the run in memory is nowhere else, asks whether to save it first, and does so. False
     /// when it is still nowhere else, and the operator has not given it up.
@@ -41,7 +43,8 @@ public:
     void requestStop();
 
     /// Restores the finished run of the current settings file from its target folder. False, after
-    /// a message, when its files are missing or damaged; false also unless the session is idle.
+    /// a message, when its files are missing or damaged; false also unless the session is idle, and
+    /// for a project of several runs, which the run button analyses.
     bool reloadData();
 
     /// Carries the options out on the run in memory, writes the result under its own names and, if
@@ -123,6 +126,7 @@ public:
     RunListeners listeners;
     RunJournal journal;
     SessionRegions regions;
+    SessionMultiRun multiRun;
     bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file
@@ -139,6 +143,7 @@ private:
     bool inPhase(Phase first, const std::function<bool()>& work);
     [[nodiscard]] RunParts parts();
     [[nodiscard]] bool measureRun();
+    [[nodiscard]] bool analyseRuns();
     /// `prepared` is called before the first volume is read.
     [[nodiscard]] bool startRun(RunSource& source, const std::function<void()>& prepared = {});
     [[nodiscard]] bool recordRun(RunSource& source, const std::function<void()>& prepared);

@@ -6,7 +6,7 @@
 #include "base/messages.h"
 #include "regions/region_ranking.h"
 #include "regions/roi_file.h"
-#include "run/document/run_report.h"
+#include "run/document/plotted_volumes.h"
 #include "run/document/session_phase.h"
 #include "run/loop/finished_run.h"
 
@@ -91,9 +91,10 @@ RegionRun SessionRegions::run() const {
             recordedVolumes(parts_.report, document_->project)};
 }
 
+// A document of several runs has no volumes; its regions get their curves from the saved runs.
 bool SessionRegions::mayChange() const {
     return document_ && (parts_.phase.isIdle() || parts_.phase.runActive()) &&
-           recordedVolumes(parts_.report, document_->project) > 0;
+           plottedVolumes(parts_.report, *document_).measured > 0;
 }
 
 void SessionRegions::noteChange() {

@@ -110,7 +110,8 @@ void SettingsFileWatch::workStarting() {
 void SettingsFileWatch::workEnded() {
     if (session_.report.startFailed)
         return;
-    controls_.reloadPossible = controls_.preLoadPossible = true;
+    controls_.reloadPossible = !session_.multiRun.project().multiRunProject;
+    controls_.preLoadPossible = true;
     showControls();
     timer_.start();
 }
@@ -183,8 +184,9 @@ void SettingsFileWatch::showFinishedFile() {
 
 bool SettingsFileWatch::projectExists() const {
     const RunSettings& settings = session_.settings;
-    return isFile(paths::withDefaultExtension(
-        paths::join(settings.TargetFolder, settings.ProjectName), "fmr"));
+    return !settings.MergeType &&
+           isFile(paths::withDefaultExtension(
+               paths::join(settings.TargetFolder, settings.ProjectName), "fmr"));
 }
 
 void SettingsFileWatch::startRun() {
@@ -258,6 +260,11 @@ bool SettingsFileWatch::setSettingsFile(const QString& name) {
 
 void SettingsFileWatch::chooseSettingsFile() {
     if (session_.phase.isIdle() && setSettingsFile({}))
+        lookOnce();
+}
+
+void SettingsFileWatch::chooseProjectFile(const QString& path) {
+    if (!path.isEmpty() && setSettingsFile(path))
         lookOnce();
 }
 

@@ -75,6 +75,8 @@ public:
     bool setSettingsFile(const QString& name);
     /// The operator's choice, looked at at once also where the timer rests.
     void chooseSettingsFile();
+    /// A project file of the menu Multi-Run, looked at like that; nothing for an empty path.
+    void chooseProjectFile(const QString& path);
     /// Makes the neighbouring recording current, if it exists; says so if not.
     void toNeighbour(int step);
     /// RunSession's operations of the same names; dialogs call these, which keep the current

@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <vector>
 
 /// Fields are named after the keys of the file and initialised with the values of a new file;
 /// derived values follow below. Lengths are in millimetres, times in milliseconds unless the name
@@ -23,6 +24,9 @@ struct RunSettings {
     bool MergeAverageTimeCourse = false;
     bool MergeSeparatePredictors = false;
     QStringList MergeFiles;
+    int MergeZTransformation = 0;   ///< 0 none, 1 of each run, 2 from its points with a condition
+    std::vector<int> MergeSubjects; ///< from 1, of each run; empty: not given
+    bool MergeCorrectSerialCorrelations = false;
 
     // Single run
     bool RawDataBigEndian = false;

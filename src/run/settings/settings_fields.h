@@ -23,7 +23,7 @@ enum class ValueKind {
     Folder,       ///< quoted path of a folder, which gets a "/" at its end
     WatchFolder,  ///< a watch folder, or a file that lists several
     Protocol,     ///< one of the three protocol keys with its quoted path
-    MergeFiles,   ///< quoted names up to the end of the file
+    MergeFiles,   ///< quoted names, then the optional keys of the common model
 };
 
 enum class Presence {

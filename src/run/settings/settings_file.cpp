@@ -26,6 +26,12 @@ bool findQuoted(TokenStream& stream, const char* key, QString& value) {
     return false;
 }
 
+// A settings file that another one lists.
+QString listedSettingsFile(const QString& name, const QString& currentSettingsDir) {
+    const QString path = paths::withDefaultExtension(cleanedPath(name, currentSettingsDir), "vco");
+    return path.contains('/') ? path : paths::join(currentSettingsDir, path);
+}
+
 void beginReading(RunSettings& settings) {
     settings.settingsFileDir =
         paths::folderWithSlash(paths::withForwardSlashes(settings.settingsFilePath));
@@ -97,10 +103,19 @@ bool writeSettingsFile(RunSettings& settings) {
     return written.dataTypeSupported;
 }
 
+bool describesSeveralRuns(const QString& settingsFilePath) {
+    QString text;
+    if (!removeComments(settingsFilePath, commentCharacter, text))
+        return false;
+    TokenStream stream(text);
+    while (!stream.atEnd())
+        if (tokensAgree(stream.word(), "MergeType:"))
+            return stream.integer() >= 1;
+    return false;
+}
+
 QString resolveProjectPath(const QString& vcoFileName, const QString& currentSettingsDir) {
-    QString path = paths::withDefaultExtension(paths::withForwardSlashes(vcoFileName), "vco");
-    if (!path.contains('/'))
-        path = paths::join(currentSettingsDir, path);
+    const QString path = listedSettingsFile(vcoFileName, currentSettingsDir);
     QString text;
     if (!removeComments(path, commentCharacter, text)) {
         showWarning(fileNotFoundText(path));
@@ -115,4 +130,16 @@ QString resolveProjectPath(const QString& vcoFileName, const QString& currentSet
     if (name.contains('/'))
         return name;
     return paths::join(cleanedFolder(folder, paths::folderWithSlash(path)), name);
+}
+
+QString statedProtocol(const QString& vcoFileName, const QString& currentSettingsDir) {
+    const QString path = listedSettingsFile(vcoFileName, currentSettingsDir);
+    QString text;
+    if (!removeComments(path, commentCharacter, text))
+        return {};
+    TokenStream stream(text);
+    QString protocol;
+    return findQuoted(stream, "StimulationProtocol:", protocol)
+               ? cleanedPath(protocol, paths::folderWithSlash(path))
+               : QString();
 }

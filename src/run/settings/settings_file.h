@@ -45,6 +45,13 @@ struct WrittenSettings {
 [[nodiscard]] QString resolveProjectPath(const QString& vcoFileName,
                                          const QString& currentSettingsDir);
 
+/// The protocol that such a settings file states under "StimulationProtocol:"; empty without one,
+/// or when the file can't be read. Shows nothing.
+[[nodiscard]] QString statedProtocol(const QString& vcoFileName, const QString& currentSettingsDir);
+
+/// Whether the file has "MergeType:" set. False also when it can't be read, which is not told.
+[[nodiscard]] bool describesSeveralRuns(const QString& settingsFilePath);
+
 /// The initial values of the window and of a new file.
 [[nodiscard]] RunSettings defaultRunSettings();
 

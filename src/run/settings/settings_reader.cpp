@@ -201,12 +201,70 @@ bool SettingsReader::readProtocol() {
             .arg(shortened(found)));
 }
 
+QString SettingsReader::upcomingWord() const {
+    TokenStream ahead = stream_;
+    return ahead.word();
+}
+
+// Programs that know none of the keys behind the names read on to the end for another quote.
 bool SettingsReader::readMergeFiles(const SettingsField& field) {
     settings_.MergeFiles.clear();
     if (!report_.keyFits(stream_.word(), field.key))
         return false;
     QString name;
-    while (readDelimitedStringInLine(quote, name, stream_))
+    while (upcomingWord().startsWith(quote) && readDelimitedStringInLine(quote, name, stream_))
         settings_.MergeFiles << name;
+    return readMergeOptions();
+}
+
+bool SettingsReader::readMergeOptions() {
+    const char* const keys[] = {
+        "MergeZTransformation:", "MergeSubjects:", "MergeCorrectSerialCorrelations:"};
+    settings_.MergeZTransformation = 0;
+    settings_.MergeSubjects.clear();
+    int correction = 0;
+    bool fits = true;
+    if (tokensAgree(upcomingWord(), keys[0]))
+        fits = readMergeOption(keys[0], 0, 2, settings_.MergeZTransformation);
+    if (fits && tokensAgree(upcomingWord(), keys[1]))
+        fits = readMergeSubjects();
+    if (fits && tokensAgree(upcomingWord(), keys[2]))
+        fits = readMergeOption(keys[2], 0, 1, correction);
+    settings_.MergeCorrectSerialCorrelations = correction != 0;
+    return fits && (stream_.atEnd() || report_.keyFits(stream_.word(), keys[2]));
+}
+
+bool SettingsReader::readMergeOption(const QString& key, int lowest, int highest, int& value) {
+    stream_.word();
+    const QString word = stream_.word();
+    TokenStream number(word);
+    const int read = number.integer();
+    if (number.failed() || read < lowest || read > highest)
+        return report_.fail(badValueText(key, word.isEmpty() ? fileHasEnded : shortened(word)));
+    value = read;
+    return true;
+}
+
+// A number for each run: with one too few or too many it would be a guess whose run is whose.
+bool SettingsReader::readMergeSubjects() {
+    stream_.word();
+    std::vector<int> subjects;
+    while (true) {
+        TokenStream number(upcomingWord());
+        const int subject = number.integer();
+        if (number.failed())
+            break;
+        if (subject < 1)
+            return report_.fail(badValueText("MergeSubjects:", shortened(stream_.word())));
+        subjects.push_back(subject);
+        stream_.word();
+    }
+    if (qsizetype(subjects.size()) != settings_.MergeFiles.size())
+        return report_.fail(QStringLiteral("ERROR: \"MergeSubjects\" states %1 subjects for %2 "
+                                           "runs. Give one number for each name in \"MergeFiles\", "
+                                           "or leave the entry out!")
+                                .arg(subjects.size())
+                                .arg(settings_.MergeFiles.size()));
+    settings_.MergeSubjects = std::move(subjects);
     return true;
 }

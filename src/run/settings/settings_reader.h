@@ -23,6 +23,10 @@ private:
     [[nodiscard]] bool readWatchFolderList();
     [[nodiscard]] bool readProtocol();
     [[nodiscard]] bool readMergeFiles(const SettingsField& field);
+    [[nodiscard]] bool readMergeOptions();
+    [[nodiscard]] bool readMergeOption(const QString& key, int lowest, int highest, int& value);
+    [[nodiscard]] bool readMergeSubjects();
+    [[nodiscard]] QString upcomingWord() const;
     /// Stores the value in its field. Returns what is wrong with it; empty if nothing.
     [[nodiscard]] QString takeValue(const SettingsField& field);
     void setToDefault(const SettingsField& field);

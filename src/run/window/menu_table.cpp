@@ -165,7 +165,6 @@ constexpr MenuEntry entries[] = {
     {"&View", "Show Motion Plot", &Window::slotShowMotionPlot},
     {.menu = "&View", .text = "Show Response Plot", .slot = &Window::slotShowResponsePlot, .endsSection = separator},
     {.menu = "&View", .text = "Switch Window Size", .slot = &Window::slotSwitchWindowSize},
-    {.menu = "&Multi-Run", .text = "<Single-run analysis>", .slot = &Window::slotMultiRunMenuActivated, .phase = Later, .toolTip = "The analysis of several runs comes in a later version"},
     {.menu = "&Plugins", .text = "<No plug-ins>", .slot = &Window::onCallPlugin, .phase = Later, .toolTip = "Plug-ins come in a later version"},
     {.menu = "&Help", .text = "Help On Paradigm", .slot = &Window::slotShowHelpHTML, .possible = paradigmHelpExists, .toolTip = "Open the help file that the settings file names"},
     {"&Help", "License Information...", &Window::slotShowLicenseInfoDlg},
@@ -183,6 +182,7 @@ MenuTable::MenuTable(QMenuBar& bar, VeloCortivo& window) : window_(window) {
     actions_.resize(std::size(entries));
     for (const MenuTitle& title : titles) {
         QMenu* menu = bar.addMenu(title.title);
+        menus_[title.title] = menu;
         menu->setToolTipsVisible(true);
         QObject::connect(menu, &QMenu::aboutToShow, &window, title.aboutToShow);
         for (size_t i = 0; i < actions_.size(); ++i)
@@ -234,5 +234,23 @@ void MenuTable::refresh(const char* title) {
             actions_[i]->setToolTip(hindrance.isEmpty() ? entry.toolTip : hindrance);
         if (entry.checked)
             actions_[i]->setChecked(entry.checked(window_));
+    }
+}
+
+void MenuTable::rebuild(const char* title, const std::vector<MenuRow>& rows) {
+    QMenu& menu = *menus_.at(title);
+    menu.clear();
+    for (const MenuRow& row : rows) {
+        if (!row.slot) {
+            menu.addSeparator();
+            continue;
+        }
+        // A file name may hold the character that marks a mnemonic.
+        QAction* action = menu.addAction(QString(row.text).replace('&', "&&"), &window_, row.slot);
+        action->setData(row.data);
+        action->setEnabled(row.enabled);
+        action->setCheckable(row.checked);
+        action->setChecked(row.checked);
+        action->setToolTip({});
     }
 }

@@ -5,6 +5,7 @@
 #include <QString>
 #include <map>
 #include <span>
+#include <string_view>
 #include <vector>
 
 class QAction;
@@ -40,18 +41,30 @@ struct MenuEntry {
 
 [[nodiscard]] std::span<const MenuEntry> menuEntries();
 
+/// One entry of a menu whose entries are made anew each time it opens.
+struct MenuRow {
+    QString text;
+    void (VeloCortivo::*slot)() = nullptr; ///< finds `data` in its sender; none for a separator
+    int data = 0;
+    bool enabled = true;
+    bool checked = false; ///< has a mark, which is set
+};
+
 /// The menus made from the table.
 class MenuTable {
 public:
     MenuTable(QMenuBar& bar, VeloCortivo& window);
     /// Enables and marks the entries of the menu with this title, as the session stands now.
     void refresh(const char* title);
+    /// Replaces all entries of the menu with this title, which has none in the table.
+    void rebuild(const char* title, const std::vector<MenuRow>& rows);
 
 private:
     [[nodiscard]] QAction* addEntry(QMenu& menu, const MenuEntry& entry);
     [[nodiscard]] bool inPhase(MenuPhase phase) const;
 
     VeloCortivo& window_;
-    std::vector<QAction*> actions_; ///< one for each entry of the table
+    std::map<std::string_view, QMenu*> menus_; ///< by title
+    std::vector<QAction*> actions_;            ///< one for each entry of the table
     std::map<MenuGroup, QActionGroup*> groups_;
 };

@@ -75,6 +75,13 @@ void VeloCortivo::connectPanels() {
     connect(contrastPanel_, &Contrasts::conjunctionClicked, this, &Window::slotConjunctionAnalysis);
     connect(contrastPanel_, &Contrasts::statisticChanged, this, &Window::refreshControls);
     connect(contrastPanel_, &Contrasts::numberEntered, this, &Window::focusSlices);
+    using RunChosen = void (Window::*)(int);
+    connect(timeCourses_, &TimeCoursesContainer::runChosen, this, [this](int slot, int value) {
+        constexpr RunChosen chosen[] = {&Window::slotRunSelectedInTC1,
+                                        &Window::slotRunSelectedInTC2,
+                                        &Window::slotRunSelectedInTC3};
+        (this->*chosen[slot])(value);
+    });
 }
 
 void VeloCortivo::initDefaultPalettes() {
@@ -230,6 +237,25 @@ void VeloCortivo::tellLater(const char* entry) {
     for (const MenuEntry& row : menuEntries())
         if (QLatin1String(row.text) == QLatin1String(entry))
             showModelessInformation(QStringLiteral("%1.").arg(row.toolTip));
+}
+
+void VeloCortivo::slotMultiRunMenuAboutToShow() {
+    using Kind = MultiRunMenuRow::Kind;
+    std::vector<MenuRow> rows;
+    for (const MultiRunMenuRow& row : session_.multiRun.menu()) {
+        const bool isFile = row.kind == Kind::ProjectFile;
+        const auto slot =
+            isFile ? &VeloCortivo::slotSelectMVCOFile : &VeloCortivo::slotMultiRunMenuActivated;
+        const bool enabled = isFile ? session_.phase.isIdle() : row.kind == Kind::Run;
+        rows.push_back({row.text, row.kind == Kind::Separator ? nullptr : slot, row.index, enabled,
+                        row.checked});
+    }
+    menus_.rebuild("&Multi-Run", rows);
+}
+
+int VeloCortivo::chosenRow() const {
+    const auto* action = qobject_cast<const QAction*>(sender());
+    return action ? action->data().toInt() : -1;
 }
 
 void VeloCortivo::slotShowMotionPlot() {

@@ -100,7 +100,7 @@ public Q_SLOTS:
     void slotFileMenuAboutToShow() { menus_.refresh("&File"); }
     void slotAnalysisMenuAboutToShow() { menus_.refresh("&Analysis"); }
     void slotViewMenuAboutToShow() { menus_.refresh("&View"); }
-    void slotMultiRunMenuAboutToShow() { menus_.refresh("&Multi-Run"); }
+    void slotMultiRunMenuAboutToShow();
     void onPluginsMenuAboutToShow() { menus_.refresh("&Plugins"); }
     void slotHelpMenuAboutToShow() { menus_.refresh("&Help"); }
     void slotChangeThreshold();
@@ -147,6 +147,15 @@ public Q_SLOTS:
         viewPanel_->setROIDisplayStyle(RoiDisplayStyle::RectanglesAndMarkedVoxels);
     }
 
+    // Several runs. The first two find in the action that was chosen which row it is.
+    void slotMultiRunMenuActivated() { session_.multiRun.select(chosenRow()); }
+    void slotSelectMVCOFile() {
+        watch_.chooseProjectFile(session_.multiRun.projectFile(chosenRow()));
+    }
+    void slotRunSelectedInTC1(int value) { session_.multiRun.showRun(0, value); }
+    void slotRunSelectedInTC2(int value) { session_.multiRun.showRun(1, value); }
+    void slotRunSelectedInTC3(int value) { session_.multiRun.showRun(2, value); }
+
     // Of later versions: their entries are disabled, and a call says so.
     void slotEditVCOSettingsFile() { tellLater("Edit VCO File..."); }
     void slotEditMasterVCOFileSettings() { tellLater("Edit MasterVCO File..."); }
@@ -166,11 +175,6 @@ public Q_SLOTS:
     void slotSwitchToSurfaceViewRightMesh() { tellLater("Surface View"); }
     void slotLoadVOIs() { tellLater("Anatomical Volume View"); }
     void slotSaveVOIs() { tellLater("Anatomical Volume View"); }
-    void slotMultiRunMenuActivated() { tellLater("<Single-run analysis>"); }
-    void slotSelectMVCOFile() { tellLater("<Single-run analysis>"); }
-    void slotRunSelectedInTC1(int) { tellLater("<Single-run analysis>"); }
-    void slotRunSelectedInTC2(int) { tellLater("<Single-run analysis>"); }
-    void slotRunSelectedInTC3(int) { tellLater("<Single-run analysis>"); }
     void onCallPlugin() { tellLater("<No plug-ins>"); }
     void onToggleShowPluginMaps() { tellLater("<No plug-ins>"); }
 
@@ -187,6 +191,8 @@ protected:
 private:
     void connectPanels();
     void toggleLog(bool OperatorRequests::*log);
+    /// The data of the menu entry that the running slot was called by; -1 for no entry.
+    [[nodiscard]] int chosenRow() const;
     /// Says what an entry that can't be chosen yet waits for.
     void tellLater(const char* entry);
 

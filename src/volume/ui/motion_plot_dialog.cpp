@@ -5,6 +5,7 @@
 #include "dialogs/bitmap_saving.h"
 #include "dialogs/dialog_setup.h"
 #include "display/plots/plotter.h"
+#include "run/document/plotted_volumes.h"
 #include "run/protocol/ui/protocol_plot_content.h"
 #include "run/session/run_session.h"
 
@@ -66,7 +67,7 @@ void MotionPlotDlg::layOut() {
 // Kept, since report and settings change when another settings file is chosen, the run does not.
 void MotionPlotDlg::takeVolumes() {
     const QtCortivoDoc* document = session_.functionalDocument.get();
-    volumes_ = document ? recordedVolumes(session_.report, document->project) : 0;
+    volumes_ = document ? plottedVolumes(session_.report, *document).measured : 0;
     corrected_ = session_.settings.MotionCorrection;
     // The first volume is not aligned to a target of another run, so its parameters say nothing.
     firstDisplaced_ = session_.settings.IntraSessionMotionCorrection ? 2 : 1;
@@ -114,7 +115,7 @@ void MotionPlotDlg::hideEvent(QHideEvent* event) {
 void MotionPlotDlg::computeDVARS() {
     // While they are being changed, volumes don't belong together.
     const QtCortivoDoc* document = session_.functionalDocument.get();
-    if (!document || session_.phase.now() == Phase::PostProcessing)
+    if (!document || document->multiRunDocument || session_.phase.now() == Phase::PostProcessing)
         return;
     constexpr size_t samplesInOneStep = 16'000'000; // some 20 ms
     const FMRProject& project = document->project;
@@ -131,7 +132,7 @@ void MotionPlotDlg::refresh() {
     computeDVARS();
     const FMRProject& project = document->project;
     draw({document->motion, framewiseDisplacements(document->motion, volumes_, firstDisplaced_),
-          dvars_.values(), int(project.volumes.size()), volumes_,
+          dvars_.values(), plottedVolumes(session_.report, *document).planned, volumes_,
           protocolBands(document->protocol, project.TR),
           corrected_ ? "From the second volume on" : "This run is without motion correction"});
 }

@@ -5,9 +5,11 @@
 #include "regions/ui/session_region.h"
 #include "regions/ui/time_course_plot_dialog.h"
 #include "regions/ui/time_courses_container.h"
-#include "run/loop/session_fixture.h"
+#include "run/loop/multi_run_fixture.h"
 
+#include <QLineEdit>
 #include <QMenu>
+#include <QScrollBar>
 #include <QTest>
 #include <QTimer>
 #include <numeric>
@@ -419,3 +421,31 @@ TEST_F(SessionFixture, PlotsFollowARun) {
 }
 
 } // namespace
+
+TEST_F(MultiRunFixture, AScrollBarChoosesTheRunOfAPlotOfAProject) {
+    TimeCoursesContainer container(session, nullptr);
+    QObject::connect(&container, &TimeCoursesContainer::runChosen, &container,
+                     [this](int slot, int value) { session.multiRun.showRun(slot, value); });
+    auto& bar = *container.findChild<QScrollBar*>("MultiRunTC2ScrollBar");
+    ASSERT_TRUE(analysed());
+    ASSERT_TRUE(session.regions.selectRectangle(drag));
+    EXPECT_TRUE(bar.isHidden()) << "there is one region";
+    ASSERT_TRUE(session.regions.selectRectangle(drag));
+    container.showContainer();
+    EXPECT_TRUE(bar.isVisible());
+    EXPECT_EQ(bar.value(), 0);
+    auto& plot = *container.findChild<TimeCoursePlotDlg*>("TimeCourse2");
+    EXPECT_EQ(plot.visibleCurve().size(), 40U);
+    const std::tuple<int, int, const char*> steps[] = {
+        {-1, 2, "one.fmr"}, {3, 0, "one.fmr"}, {1, 1, "two.fmr"}};
+    for (const auto& [wanted, shown, file] : steps) {
+        bar.setValue(wanted);
+        EXPECT_EQ(bar.value(), shown);
+        EXPECT_EQ(container.findChild<QLineEdit*>("MultiRunTC2")->text(), file);
+    }
+    EXPECT_EQ(plot.visibleCurve().size(), 30U);
+    EXPECT_EQ(timingOfRegion(session, 1).protocol.conditions[2].name, "Tools");
+    EXPECT_EQ(timingOfRegion(session, 0).protocol.conditions[2].name, "Houses");
+    session.changeSettingsFile(path("one.vco"));
+    EXPECT_TRUE(bar.isHidden());
+}

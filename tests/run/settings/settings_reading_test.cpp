@@ -96,4 +96,34 @@ TEST_F(SettingsFile, ReadsAMultiRunProject) {
     EXPECT_TRUE(settings.MergeType && settings.MergeAverageTimeCourse);
     EXPECT_FALSE(settings.MergeSeparatePredictors);
     EXPECT_EQ(settings.MergeFiles, QStringList({"a 1", "b.vco"}));
+    EXPECT_TRUE(describesSeveralRuns(settings.settingsFilePath));
+
+    // What stands behind the names, and the message about it.
+    const std::pair<const char*, const char*> options[] = {
+        {"MergeZTransformation: 2 MergeSubjects: 1 2 MergeCorrectSerialCorrelations: 1", nullptr},
+        {"MergeSubjects: 3 1", nullptr},
+        {"MergeZTransformation: 3", "ERROR: Problem reading \"MergeZTransformation\" value (3)*"},
+        {"MergeSubjects: 1", "ERROR: \"MergeSubjects\" states 1 subjects for 2 runs.*"},
+        {"MergeSubjects: 1 2 3", "ERROR: \"MergeSubjects\" states 3 subjects for 2 runs.*"},
+        {"MergeSubjects: 1 0", "ERROR: Problem reading \"MergeSubjects\" value (0)*"},
+        {"MergeCorrectSerialCorrelations:",
+         "ERROR: Problem reading \"MergeCorrectSerialCorrelations\" value (the file has ended)*"},
+        {"MergeSomething: 1", "*"}};
+    for (const auto& [text, message] : options) {
+        if (message)
+            messages.expectWarning(message);
+        EXPECT_EQ(readText(head + "TargetFolder: \"./in\" " + names + " " + text,
+                           SettingsUse::Inspection),
+                  !message)
+            << text;
+        EXPECT_EQ(settings.MergeFiles.size(), 2);
+        if (text == options[0].first) {
+            EXPECT_EQ(settings.MergeZTransformation, 2);
+            EXPECT_EQ(settings.MergeSubjects, std::vector<int>({1, 2}));
+            EXPECT_TRUE(settings.MergeCorrectSerialCorrelations);
+        } else if (text == options[1].first) {
+            EXPECT_EQ(settings.MergeSubjects, std::vector<int>({3, 1}));
+            EXPECT_FALSE(settings.MergeZTransformation || settings.MergeCorrectSerialCorrelations);
+        }
+    }
 }

@@ -6,6 +6,7 @@
 #include "run/journal/journal_writer.h"
 #include "run/replay/journal_records.h"
 #include "run/window/message_boxes.h"
+#include "support/files.h"
 #include "volume/ui/postprocessing_dialog.h"
 
 #include <QCheckBox>
@@ -170,6 +171,40 @@ TEST_F(MainWindow, MenusFollowThePhase) {
         }
     window_->slotRemoveROITimeCoursePlots();
     EXPECT_TRUE(document().regions.empty());
+}
+
+TEST_F(MainWindow, TheMultiRunMenuHasTheProjectsAndTheirRuns) {
+    const auto texts = [this] {
+        QStringList all;
+        for (const QAction* action : entries("&Multi-Run"))
+            all << action->text() + (action->isChecked() ? "*" : "");
+        return all.join('|');
+    };
+    EXPECT_EQ(texts(), "<Single-run analysis>||<No *.mvco files in watch directory>");
+    EXPECT_EQ(enabledEntries("&Multi-Run"), QStringList());
+    const RunSettings& settings = window_->session().settings;
+    const QString folder = QFileInfo(settings.settingsFilePath).path() + "/";
+    writeFile(folder + "a.vco", "TargetFolder: \"./\" ProjectName: \"first\"");
+    writeFile(folder + "b.vco", "TargetFolder: \"./\" ProjectName: \"second\"");
+    writeFile(folder + "a&b.mvco",
+              "FileVersion: 4 MergeType: 1 Title: \"\" ParadigmHelpFile: \"\" "
+              "IFISfMRIAnalysisTests: t IFISfMRIAnalysisOptions: t MergeAverageTimeCourse: 0 "
+              "MergeSeparatePredictors: 0 TargetFolder: \"./\" ProjectName: \"first.fmr\" "
+              "MergeFiles: \"a\" \"b\"");
+    writeFile(folder + "first.fmr", {}); // the run of the project's name, not the project
+    EXPECT_EQ(texts(), "<Single-run analysis>||a&&b.mvco");
+    entries("&Multi-Run").back()->trigger();
+    EXPECT_EQ(settings.settingsFilePath, folder + "a&b.mvco");
+    window_->timerCheckState(false);
+    EXPECT_EQ(window_->windowTitle(), "VCO - a&b.mvco");
+    EXPECT_FALSE(control("ReloadDataBtn").isEnabled());
+    EXPECT_EQ(texts(), "first*|second||a&&b.mvco");
+    entries("&Multi-Run")[1]->trigger();
+    EXPECT_EQ(texts(), "first|second*||a&&b.mvco");
+    prepare(0, Phase::Recording);
+    EXPECT_EQ(enabledEntries("&Multi-Run").join('|'), "first|second*");
+    for (const char* name : {"MultiRunTC1", "MultiRunTC3ScrollBar"})
+        EXPECT_TRUE(control(name).isHidden()) << name;
 }
 
 TEST_F(MainWindow, ClosingDuringARunStopsItAndKeepsTheWindow) {

@@ -3,6 +3,7 @@
 
 #include "dialogs/dialog_setup.h"
 #include "display/plots/plotter.h"
+#include "run/document/plotted_volumes.h"
 #include "run/protocol/ui/protocol_plot_content.h"
 #include "run/session/run_session.h"
 
@@ -17,7 +18,7 @@ ResponsePlotDlg::ResponsePlotDlg(RunSession& session, QWidget* parent)
 // Kept, since another settings file may be chosen, with which the report begins anew.
 void ResponsePlotDlg::takeVolumes() {
     const QtCortivoDoc* document = session_.functionalDocument.get();
-    volumes_ = document ? recordedVolumes(session_.report, document->project) : 0;
+    volumes_ = document ? plottedVolumes(session_.report, *document).measured : 0;
     if (isVisible())
         refresh();
 }
@@ -59,8 +60,8 @@ void ResponsePlotDlg::refresh() {
         return drawNothing();
     const FMRProject& project = document->project;
     plotter().setSaveFolder(project.targetFolder);
-    setContent(
-        responseContent(document->protocol, project.TR, int(project.volumes.size()), volumes_ - 1));
+    const int planned = plottedVolumes(session_.report, *document).planned;
+    setContent(responseContent(document->protocol, project.TR, planned, volumes_ - 1));
 }
 
 void openResponsePlot(RunSession& session, QWidget& window) {

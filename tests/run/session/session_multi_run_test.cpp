@@ -1,0 +1,219 @@
+// Projects of several runs: saved runs are analysed together, and shown one by one.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/multi_run_fixture.h"
+
+namespace {
+
+double measuredMean(int volume) {
+    double sum = 0.0;
+    for (int y = drag.top; y < drag.bottom; ++y)
+        for (int x = drag.left; x < drag.right; ++x)
+            sum += scriptedSample(size_t(64 * drag.slice + 8 * y + x), volume);
+    return sum / ((drag.right - drag.left) * (drag.bottom - drag.top));
+}
+
+class SessionMultiRunTest : public MultiRunFixture {
+protected:
+    [[nodiscard]] const RegionOfInterest& region(int number) {
+        return (*session.regions.list())[number];
+    }
+    [[nodiscard]] QStringList menu() {
+        QStringList texts;
+        for (const MultiRunMenuRow& row : session.multiRun.menu())
+            texts << row.text + (row.checked ? "*" : "");
+        return texts;
+    }
+};
+
+} // namespace
+
+TEST_F(SessionMultiRunTest, TheRunButtonAnalysesTheListedRunsOnce) {
+    int reports = 0;
+    display.whileModelling = [&] {
+        ++reports;
+        EXPECT_EQ(session.phase.now(), Phase::Analysing);
+        session.runButtonPressed();
+        EXPECT_FALSE(session.reloadData() || session.regions.selectRectangle(drag));
+    };
+    ASSERT_TRUE(analysed());
+    display.whileModelling = {};
+    EXPECT_GT(reports, 0);
+    EXPECT_EQ(display.calls.count("starting"), 1);
+    EXPECT_EQ(display.logTexts.last(),
+              "<body style=\"font-size:9pt\"> Current settings file: \"<b>all.mvco</b>\"."
+              "<br><br> Multi-run project \"<b>both</b>\" analyzed.<br><br> Ready<br></body>");
+    EXPECT_TRUE(display.logTexts.join('|').contains(
+        "\".<br><br> Analyzing multi-run project \"<b>both</b>\"....<br></body>"));
+    EXPECT_EQ(display.modelText, " Computing Multi-Run GLM... ");
+    for (const char* file : {"both.mdm", "both.glm", "both_run-1.rtc", "both_run-3.rtc"})
+        EXPECT_TRUE(QFile::exists(path(QString("both/") + file))) << file;
+
+    const QtCortivoDoc& document = *session.functionalDocument;
+    EXPECT_EQ(document.contrasts.ContrastNames,
+              QStringList({"Faces vs. Fixation", "Houses vs. Fixation", "Tools vs. Fixation"}));
+    EXPECT_EQ(document.maps.NrOfActiveContrasts, 3);
+    EXPECT_TRUE(document.project.volumes.empty());
+    EXPECT_EQ(document.wholeRunModel.GLMDataPoints(), 110);
+    EXPECT_EQ(document.mask.runs.size(), 1U) << "all voxels pass the intensity test";
+    EXPECT_TRUE(session.report.mapsPresent);
+
+    display.calls.clear();
+    session.setRunButton(RunButtonState::Finished);
+    session.runButtonPressed();
+    EXPECT_FALSE(session.reloadData());
+    EXPECT_TRUE(display.calls.isEmpty());
+}
+
+TEST_F(SessionMultiRunTest, TheSettingsSayWhichModelIsFitted) {
+    const QString names = "\"one\" \"two\" \"one\" ";
+    struct Case {
+        bool separate;
+        const char* keys;
+        SeparatePredictors separation;
+        int predictors;
+    };
+    // Three conditions and three constants.
+    const Case cases[] = {
+        {false, "MergeSubjects: 1 2 1", SeparatePredictors::None, 3 + 3},
+        {true, "", SeparatePredictors::Studies, 3 * 3 + 3},
+        {true, "MergeZTransformation: 1 MergeSubjects: 1 2 1 MergeCorrectSerialCorrelations: 1",
+         SeparatePredictors::Subjects, 2 * 3 + 3}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.keys);
+        QFile::remove(path("both/both.glm"));
+        list(names + c.keys, c.separate);
+        ASSERT_TRUE(analysed());
+        const WholeRunModel& model = session.functionalDocument->wholeRunModel;
+        const bool all = c.separation == SeparatePredictors::Subjects;
+        EXPECT_EQ(model.separation, c.separation);
+        EXPECT_EQ(model.GLMPredictors(), c.predictors);
+        EXPECT_EQ(model.transformation, all ? ZTransformation::Study : ZTransformation::None);
+        EXPECT_EQ(model.CorrectSerialCorrelations, all);
+    }
+}
+
+TEST_F(SessionMultiRunTest, EachPlotShowsTheRunThatWasChosenForIt) {
+    ASSERT_TRUE(analysed());
+    for (int i = 0; i < 4; ++i)
+        ASSERT_TRUE(session.regions.selectRectangle(drag));
+    // A scroll bar counts from the last of the three runs, and wraps.
+    const std::tuple<int, int, const char*> steps[] = {{1, 1, "two.fmr"},
+                                                       {-1, 2, "one.fmr"},
+                                                       {3, 0, "one.fmr"},
+                                                       {1, 1, "two.fmr"},
+                                                       {7, 1, "two.fmr"}};
+    EXPECT_EQ(session.multiRun.choice(0)->value, 0);
+    EXPECT_EQ(region(0).NrOfValues(), 40);
+    for (const auto& [value, shown, file] : steps) {
+        session.multiRun.showRun(0, value);
+        EXPECT_EQ(session.multiRun.choice(0)->value, shown) << value;
+        EXPECT_EQ(session.multiRun.choice(0)->fileName, file) << value;
+    }
+    ASSERT_EQ(region(0).CurrentTimePoint, 29);
+    for (int volume = 0; volume < 30; ++volume)
+        ASSERT_NEAR(double(region(0).TimeCourseValues[size_t(volume)]), measuredMean(volume), 1e-3);
+    ASSERT_EQ(region(0).ROIBetas.size(), 4U);
+    EXPECT_NE(region(0).ROIBetas[0], 0.0f);
+    EXPECT_EQ(region(0).ROIBetas[1], 0.0f) << "the run has no houses";
+    EXPECT_NE(region(0).ROIBetas[2], 0.0f);
+    EXPECT_EQ(session.multiRun.runOfRegion(0)->study.protocol.conditions[2].name, "Tools");
+
+    EXPECT_EQ(region(1).NrOfValues(), 40) << "the other plots stay";
+    EXPECT_FALSE(session.multiRun.choice(3));
+    EXPECT_EQ(menu(), QStringList({"one*", "two", "one", "", "all.mvco"}));
+    session.multiRun.select(1);
+    EXPECT_EQ(menu()[1], "two*");
+    EXPECT_EQ(region(3).NrOfValues(), 30) << "a plot without a choice of its own";
+
+    QFile::remove(path("two/test.prt"));
+    QFile::remove(path("test.prt"));
+    messages.expectCritical("ERROR: Unable to open protocol file for time course plot!");
+    session.multiRun.showRun(1, 1);
+    EXPECT_EQ(region(1).NrOfValues(), 30);
+    QFile::remove(path("two.vco"));
+    messages.expectWarning("ERROR: \"" + path("two.vco") + "\" file not found!");
+    messages.expectWarning(
+        " ERROR: Can not read vco file \"two.vco\" for multi-run time course analysis.");
+    session.multiRun.showRun(2, 1);
+    EXPECT_EQ(session.multiRun.choice(2)->value, 0) << "the selection stays";
+    messages.expectWarning("ERROR: \"" + path("two.vco") + "\" file not found!");
+    messages.expectWarning(" ERROR: Can not read vco file \"one\" for multi-run analysis.");
+    EXPECT_EQ(menu(), QStringList("one"));
+}
+
+TEST_F(SessionMultiRunTest, WhatCanNotBeAnalysedLeavesNothingAndCanBeMended) {
+    messages.acceptAnything();
+    const auto rewrite = [this](const char* file, const char* before, const char* after) {
+        put(file, content(file).replace(before, after));
+    };
+    // What is broken, and how the message begins.
+    const std::pair<std::function<void()>, const char*> cases[] = {
+        {[&] { display.modelCancelled = true; }, nullptr},
+        {[&] { QFile::rename(path("two.vco"), path("three.vco")); },
+         " ERROR: Can not read vco file \"two.vco\" for multi-run analysis."},
+        {[&] { QFile::remove(path("two/test.prt")), QFile::remove(path("test.prt")); },
+         "ERROR: No protocol file associated with FMR file."},
+        {[&] {
+             rewrite("two/two.fmr", "ResolutionX:                   8",
+                     "ResolutionX:                   4");
+         },
+         "ERROR: Different image resolution of functional data files!"},
+        {[&] { QFile::remove(path("two/test.stc")); }, "ERROR: "},
+        {[&] { QDir(path("both")).mkdir("both_run-2.rtc"); }, "ERROR: "},
+        {[&] { put("both/both.glm", "no model"); }, "ERROR: "}};
+    for (const auto& [damage, text] : cases) {
+        SCOPED_TRACE(text ? text : "aborted");
+        damage();
+        const auto before = messages.shown().size();
+        EXPECT_FALSE(analysed());
+        if (text) {
+            EXPECT_TRUE(messages.shown().last().startsWith(text))
+                << messages.shown().last().toStdString();
+        } else {
+            EXPECT_EQ(messages.shown().size(), before);
+        }
+        EXPECT_FALSE(session.functionalDocument->multiRunDocument || session.report.mapsPresent);
+        EXPECT_TRUE(session.functionalDocument->wholeRunModel.GLMMaps.empty());
+        EXPECT_TRUE(session.report.startFailed) << "it doesn't start again by itself";
+        EXPECT_EQ(content("both/both.glm").size(), QFile::exists(path("both/both.glm")) ? 8 : 0);
+        // Mended by recording the runs anew.
+        display.modelCancelled = false;
+        QDir(path("both")).removeRecursively();
+        record("two", 30, defaultProtocol().replace("Houses", "Tools"));
+        record("one", 40, defaultProtocol());
+        QDir(folder_.path()).mkdir("both");
+        list("\"one\" \"two.vco\"");
+    }
+    EXPECT_TRUE(analysed());
+}
+
+TEST_F(SessionMultiRunTest, AnExistingModelIsShownAlsoForAnotherList) {
+    ASSERT_TRUE(analysed());
+    const QByteArray model = content("both/both.glm");
+    const std::vector<float> houses(session.functionalDocument->maps.map(1).begin(),
+                                    session.functionalDocument->maps.map(1).end());
+    // Of this list the first condition after the baseline is faces, then tools, then houses.
+    list("\"two\" \"one\"");
+    messages.expectInformation(
+        "INFO: The model in file \"" + path("both/both.glm") +
+        "\" is that of other runs than those which \"all.mvco\" lists now.*");
+    ASSERT_TRUE(analysed());
+    EXPECT_NE(display.modelText, " Computing Multi-Run GLM... ");
+    EXPECT_EQ(content("both/both.glm"), model);
+    const QtCortivoDoc& document = *session.functionalDocument;
+    EXPECT_EQ(document.contrasts.ContrastNames.value(2), "Houses vs. Fixation");
+    EXPECT_EQ(std::vector<float>(document.maps.map(2).begin(), document.maps.map(2).end()), houses);
+    EXPECT_EQ(document.wholeRunModel.nrOfStudies(), 3);
+}
+
+TEST_F(SessionMultiRunTest, AMeasuredRunIsTheSingleEntry) {
+    writeSession(16, 2);
+    session.runButtonPressed();
+    const MultiRunProject& project = session.multiRun.project();
+    EXPECT_FALSE(project.multiRunProject);
+    EXPECT_EQ(project.multiRunFiles, QStringList("test-1"));
+    EXPECT_EQ(project.nrOfMultiRunFiles, 1);
+    QFile::remove(path("all.mvco"));
+    EXPECT_EQ(menu(),
+              QStringList({"<Single-run analysis>", "", "<No *.mvco files in watch directory>"}));
+}
