@@ -159,7 +159,7 @@ TEST_F(GLMFile, IsRefusedWhenItLies) {
             << offset << ' ' << replacement;
     }
     WholeRunModel model;
-    const QByteArray endless = good.left(41) + "\3\0\0" + QByteArray(9000, 'x') + good.mid(41);
+    const QByteArray endless = good.left(45) + QByteArray(9000, 'x') + good.mid(45);
     EXPECT_EQ(parse(endless, model), Damaged);
 }
 

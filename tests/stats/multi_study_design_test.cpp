@@ -33,12 +33,16 @@ RunOfStudy runWith(std::vector<ProtocolCondition> conditions, int nrOfVolumes = 
 
 class MultiStudy : public testing::Test {
 protected:
-    /// A run of 4 x 2 x 3 voxels on disk, each with a value of its own.
-    static int16_t valueAt(int x, int y, int slice, int volume) {
-        return int16_t(x + 10 * y + 100 * slice + 1000 * volume);
+    /// A sample of run 0, 1 or 2.
+    static int16_t valueAt(int run, int x, int y, int slice, int volume) {
+        return int16_t(x + 10 * y + 100 * slice + 1000 * volume + 5000 * run);
     }
+    /// A run on disk; its last letter, from "a", is its number.
     FMRProject saveRun(const QString& name, int nrOfVolumes, int sizeX = 4, int nrOfSlices = 3) {
-        FMRProject project = runOf(sizeX, 2, nrOfSlices, nrOfVolumes, valueAt);
+        const int run = name.back().unicode() - 'a';
+        FMRProject project =
+            runOf(sizeX, 2, nrOfSlices, nrOfVolumes,
+                  [run](int x, int y, int z, int t) { return valueAt(run, x, y, z, t); });
         project.Prefix = name;
         project.targetFolder = folder.path() + "/";
         project.projectPath = path(name + ".fmr");
@@ -138,12 +142,12 @@ TEST_F(MultiStudy, FilesThatAreMissingAreNotAdded) {
 TEST_F(MultiStudy, RunDesignsHaveAColumnForEachConditionOfAnyRun) {
     std::vector<RunOfStudy> runs{
         runWith({condition("Rest", {{1, 1}}), condition("Hand", {{2, 4}, {9, 20}})}),
-        runWith({condition("Foot", {}), condition("Rest", {}),
+        runWith({condition("Foot", {{3000, 7000}, {15500, 99999}}), condition("Rest", {}),
                  condition("Hand", {{3000, 7000}, {15500, 99999}})})};
     runs[1].protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
     runs[1].subject = 4;
     for (int i = 0; i < 2; ++i)
-        runs[size_t(i)].studyFile = saveRun(QString("r%1").arg(i), 12).projectPath;
+        runs[size_t(i)].studyFile = saveRun(QChar('a' + i), 12).projectPath;
     const std::vector<StudyCondition> conditions = unionOfConditions(runs);
     ASSERT_EQ(conditions.size(), 3u);
     EXPECT_EQ(conditions[0].name, "Rest");
@@ -169,7 +173,7 @@ TEST_F(MultiStudy, RunDesignsHaveAColumnForEachConditionOfAnyRun) {
         ASSERT_EQ(file.nrOfDataPoints, 12);
         for (size_t t = 0; t < 12; ++t)
             EXPECT_NEAR(file.columns[0][t], expected[i][t], 2e-4) << i << ' ' << t;
-        EXPECT_EQ(file.columns[1], std::vector<float>(12, 0.0f));
+        EXPECT_EQ(file.columns[1], i == 1 ? file.columns[0] : std::vector<float>(12, 0.0f));
     }
     list.studies.clear();
     messages.expectWarning("ERROR: Can not open .rtc file for writing design matrix file !");
@@ -283,6 +287,8 @@ TEST_F(MultiStudy, SlicesOfBothFormatsAreReadFromDisk) {
         writeFile(path(QString("b%1.stc").arg(slice + 1)), sizes + all.mid(slice * 48, 48));
     QFile::remove(path("b.stc"));
 
+    constexpr std::array runs{0, 0, 1, 1, 1, 2, 2};
+    constexpr std::array volumes{0, 1, 0, 1, 2, 0, 1};
     std::vector<const int16_t*> points(7);
     const std::unique_ptr<SliceSource> source = openRunsOnDisk(list);
     ASSERT_TRUE(source);
@@ -290,8 +296,7 @@ TEST_F(MultiStudy, SlicesOfBothFormatsAreReadFromDisk) {
         ASSERT_TRUE(source->loadSlice(slice, points));
         for (size_t t = 0; t < 7; ++t)
             for (int i = 0; i < 8; ++i)
-                EXPECT_EQ(points[t][i],
-                          valueAt(i % 4, i / 4, slice, t < 2 ? int(t) : (int(t) - 2) % 3))
+                EXPECT_EQ(points[t][i], valueAt(runs[t], i % 4, i / 4, slice, volumes[t]))
                     << slice << ' ' << t;
     }
     std::vector<const int16_t*> fewer(6);
