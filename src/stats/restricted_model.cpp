@@ -2,6 +2,7 @@
 #include "stats/restricted_model.h"
 
 #include "stats/numerics/linear_systems.h"
+#include "stats/whole_run_equations.h"
 
 #include <algorithm>
 #include <cmath>
@@ -93,28 +94,6 @@ Matrix nullSpace(const ReducedRestrictions& restrictions) {
         for (size_t i = 0; i < restrictions.pivots.size(); ++i)
             result.at(restrictions.pivots[i], next) = -restrictions.rows.at(i, column);
         ++next;
-    }
-    return result;
-}
-
-/// X'X of the design, whitened with a lag-one value if it corrects serial correlations.
-Matrix normalMatrix(const WholeRunDesign& design, double lagOneValue) {
-    const size_t p = design.predictors.size();
-    const size_t firstPoint = design.CorrectSerialCorrelations ? 1 : 0;
-    Matrix result(p, p);
-    std::vector<double> x(p);
-    const float* study = design.GLMDesign.data();
-    for (const GLMStudy& part : design.studies) {
-        for (size_t t = firstPoint; t < size_t(part.dataPoints); ++t) {
-            const float* point = study + t * p;
-            for (size_t j = 0; j < p; ++j)
-                x[j] = firstPoint == 0 ? double(point[j])
-                                       : double(point[j]) - lagOneValue * double(*(point + j - p));
-            for (size_t i = 0; i < p; ++i)
-                for (size_t j = 0; j < p; ++j)
-                    result.at(i, j) += x[i] * x[j];
-        }
-        study += size_t(part.dataPoints) * p;
     }
     return result;
 }
@@ -253,7 +232,9 @@ bool compareWithRestricted(const WholeRunDesign& design, std::span<const float> 
     forms.columns = columnsInUse(rows.rows);
     for (int bin = 0; bin < forms.nrOfBins; ++bin) {
         Matrix ofBin(rows.pivots.size(), p);
-        if (!formsOf(normalMatrix(design, double(valueOfSerialCorrelationBin(bin))), rows, ofBin))
+        Matrix normal(p, p);
+        normal.values = normalMatrix(design, valueOfSerialCorrelationBin(bin));
+        if (!formsOf(normal, rows, ofBin))
             return false;
         // In the last bin whitening takes the constants away, so the first one decides.
         if (bin == 0)

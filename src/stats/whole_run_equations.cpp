@@ -134,6 +134,13 @@ StudyDesign makeStudyDesign(const WholeRunDesign& design, size_t firstPoint, siz
 
 } // namespace
 
+std::vector<double> normalMatrix(const WholeRunDesign& design, double lagOneValue) {
+    const size_t p = size_t(design.GLMPredictors());
+    return squared(design.CorrectSerialCorrelations ? whitenedDesign(design, lagOneValue)
+                                                    : designInDouble(design),
+                   p);
+}
+
 std::vector<float> inFloat(const std::vector<double>& values) {
     std::vector<float> result(values.size());
     std::ranges::transform(values, result.begin(), [](double value) { return float(value); });

@@ -55,4 +55,7 @@ struct WholeRunEquations {
 /// Sets rank and binInverses of a model.
 void storeDerivedParts(const WholeRunEquations& equations, WholeRunModel& model);
 
+/// X'X in double, p x p; of a design that corrects serial correlations whitened with the value.
+[[nodiscard]] std::vector<double> normalMatrix(const WholeRunDesign& design, double lagOneValue);
+
 [[nodiscard]] std::vector<float> inFloat(const std::vector<double>& values);

@@ -4,9 +4,9 @@
 
 #include "stats/contrasts.h"
 #include "stats/incremental_glm.h"
-#include "stats/numerics/linear_systems.h"
 #include "stats/statistical_maps.h"
 #include "stats/thresholds.h"
+#include "stats/whole_run_glm.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -33,92 +33,46 @@ WholeRunDesign makeDesign() {
     return design;
 }
 
-std::vector<double> samplesOf(size_t voxel, const WholeRunDesign& design) {
-    std::vector<double> y;
-    double noise = 0.0;
-    for (size_t t = 0; t < 2 * points; ++t) {
-        const float* x = design.GLMDesign.data() + t * p;
-        noise = 0.2 * double(voxel + 1) * noise + double((t * t * 37 + voxel * 101 + t * 13) % 97) -
-                48.0;
-        y.push_back(std::floor(9000.0 * double(voxel + 1) + 70.0 * double(t / points) +
-                               double(40 * x[0] - 25.0f * float(voxel) * x[1] + 12 * x[2]) +
-                               noise));
+/// The samples of make_expected_maps.py, point by point; further voxels are 0.
+std::vector<int16_t> samplesOf(const WholeRunDesign& design) {
+    std::vector<int16_t> samples(2 * points * imageSize.samples());
+    for (size_t voxel = 0; voxel < voxels; ++voxel) {
+        double noise = 0.0;
+        for (size_t t = 0; t < 2 * points; ++t) {
+            const float* x = design.GLMDesign.data() + t * p;
+            noise = 0.2 * double(voxel + 1) * noise +
+                    double((t * t * 37 + voxel * 101 + t * 13) % 97) - 48.0;
+            const double effect = double(40 * x[0] - 25.0f * float(voxel) * x[1] + 12 * x[2]);
+            samples[t * imageSize.samples() + voxel] = int16_t(std::floor(
+                9000.0 * double(voxel + 1) + 70.0 * double(t / points) + effect + noise));
+        }
     }
-    return y;
+    return samples;
 }
 
-struct Fit {
-    std::vector<double> inverse;
-    std::vector<double> betas;
-    double residual = 0.0;
-    double total = 0.0;
-    double lagOne = 0.0;
+class OneSlice : public SliceSource {
+public:
+    explicit OneSlice(std::vector<int16_t> samples) : samples_(std::move(samples)) {}
+    bool loadSlice(int /*slice*/, std::span<const int16_t*> times) override {
+        for (size_t t = 0; t < times.size(); ++t)
+            times[t] = samples_.data() + t * imageSize.samples();
+        return true;
+    }
+
+private:
+    std::vector<int16_t> samples_;
 };
 
-/// Least squares in double. A value above 0 whitens both sides first.
-Fit fitOf(const WholeRunDesign& design, const std::vector<double>& y, double a) {
-    std::vector<double> x, data, xx(p * p), xy(p), errors;
-    for (size_t t = 0; t < y.size(); ++t) {
-        if (a > 0.0 && t % points == 0)
-            continue;
-        for (size_t j = 0; j < p; ++j)
-            x.push_back(double(design.GLMDesign[t * p + j]) -
-                        (a > 0.0 ? a * double(design.GLMDesign[(t - 1) * p + j]) : 0.0));
-        data.push_back(y[t] - (a > 0.0 ? a * y[t - 1] : 0.0));
-    }
-    double mean = 0.0;
-    for (size_t t = 0; t < data.size(); ++t) {
-        mean += data[t] / double(data.size());
-        for (size_t i = 0; i < p * p; ++i)
-            xx[i] += x[t * p + i / p] * x[t * p + i % p];
-        for (size_t i = 0; i < p; ++i)
-            xy[i] += x[t * p + i] * data[t];
-    }
-    numerics::NormalInverse inverse;
-    EXPECT_TRUE(numerics::invertNormalMatrix(xx, p, inverse));
-    Fit fit{inverse.inverse, std::vector<double>(p)};
-    for (size_t i = 0; i < p * p; ++i)
-        fit.betas[i / p] += fit.inverse[i] * xy[i % p];
-    for (size_t t = 0; t < data.size(); ++t) {
-        errors.push_back(data[t]);
-        for (size_t i = 0; i < p; ++i)
-            errors[t] -= x[t * p + i] * fit.betas[i];
-        fit.residual += errors[t] * errors[t];
-        fit.total += (data[t] - mean) * (data[t] - mean);
-        fit.lagOne += t % points == 0 ? 0.0 : errors[t] * errors[t - 1];
-    }
-    fit.lagOne /= fit.residual;
-    return fit;
-}
-
-std::vector<float> floats(const std::vector<double>& values) {
-    return {values.begin(), values.end()};
-}
+class Silent : public ProgressReporter {
+    void setProgress(int) override {}
+};
 
 WholeRunModel fittedModel(bool corrected, WholeRunDesign design = makeDesign()) {
     WholeRunModel model;
-    static_cast<WholeRunDesign&>(model) = std::move(design);
-    model.CorrectSerialCorrelations = corrected;
-    model.size = imageSize;
-    model.rank = int(p);
-    EXPECT_TRUE(model.GLMMaps.allocate(size_t(model.nrOfMapRows()) * model.nrOfVoxels()));
-    for (int bin = 0; corrected && bin < nrOfSerialCorrelationBins; ++bin)
-        model.binInverses.push_back(
-            floats(fitOf(model, std::vector<double>(2 * points), (bin + 1) / 20.0).inverse));
-    for (size_t voxel = 0; voxel < voxels; ++voxel) {
-        const std::vector<double> y = samplesOf(voxel, model);
-        Fit fit = fitOf(model, y, 0.0);
-        model.GLMInverse = floats(fit.inverse);
-        if (corrected) {
-            const float lagOne = float(fit.lagOne);
-            model.row(model.AR1BeforeRow())[voxel] = lagOne;
-            fit = fitOf(model, y, (serialCorrelationBin(lagOne) + 1) / 20.0);
-        }
-        model.row(0)[voxel] = float(std::sqrt((fit.total - fit.residual) / fit.total));
-        model.row(1)[voxel] = float(fit.total);
-        for (size_t j = 0; j < p; ++j)
-            model.row(2 + int(j))[voxel] = float(fit.betas[j]);
-    }
+    design.CorrectSerialCorrelations = corrected;
+    OneSlice samples(samplesOf(design));
+    Silent progress;
+    EXPECT_EQ(fitWholeRunModel(model, design, imageSize, samples, progress), WholeRunFit::Done);
     return model;
 }
 
