@@ -7,6 +7,7 @@
 #include "run/loop/run_model.h"
 #include "stats/clusters.h"
 #include "stats/design_matrix_rtc.h"
+#include "stats/design_rank.h"
 #include "stats/glm_batch.h"
 #include "stats/glm_file.h"
 #include "stats/whole_run_maps.h"
@@ -45,6 +46,16 @@ bool makeRunDesign(WholeRunDesign& whole, const RunParts& run, int nrOfVolumes) 
         for (int j = 0; j < design.NrOfPredictors; ++j)
             whole.GLMDesign.push_back(designValue(design, j, t));
     return true;
+}
+
+/// Of a protocol that arrived nothing was known before the run.
+void tellOfArrivedDesign(const RunParts& run, int nrOfVolumes) {
+    const StimulationProtocol& protocol = run.document.protocol;
+    DesignMatrix design;
+    if ((isProtocolPathSet(protocol.tdatPath) ||
+         isProtocolPathSet(protocol.realTimeProtocolPath)) &&
+        rebuildDesign(design, run.document, run.settings))
+        tellOfDependentPredictors(predictorsThatDependOnOthers(design, nrOfVolumes));
 }
 
 /// The design of the model as a file: the run's columns up to its last volume.
@@ -148,7 +159,10 @@ void fitAfterRun(const RunParts& run) {
     const std::unique_ptr<ProgressReporter> progress = run.display.openModelProgress(progressText);
     if (fitCompleteRun(run, volumes, *progress) != WholeRunFit::Done)
         return dropModel(run);
-    if (run.report.savedCompletely && run.document.wholeRunModel.isValid())
+    if (!run.document.wholeRunModel.isValid())
+        return;
+    tellOfArrivedDesign(run, volumes);
+    if (run.report.savedCompletely)
         writeModel(run);
     run.display.updateViews();
 }

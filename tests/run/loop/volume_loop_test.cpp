@@ -225,6 +225,15 @@ TEST_F(VolumeLoopTest, ConditionsThatNeverEnterTheModelAreToldBeforeTheFirstVolu
     EXPECT_TRUE(messages.shownModeless().value(0).endsWith(": Houses."));
 }
 
+TEST_F(VolumeLoopTest, PredictorsThatDependOnOthersAreNamedBeforeTheFirstVolume) {
+    writeSession(18, 2, {{"DriftConfoundPredictors:", "20"}}); // more predictors than volumes
+    messages.expectWarning("WARNING: These predictors can not be told apart*");
+    script.firstVolumeComes = false;
+    messages.expectWarning("TIME OUT: Expected first file did not arrive!");
+    session.runButtonPressed();
+    EXPECT_TRUE(messages.shownModeless().value(0).contains(": Faces, Houses, Constant, DCT-1,"));
+}
+
 TEST_F(VolumeLoopTest, InplanesShowWhereTheyCameAndTheRunGoesOnWithoutThem) {
     QDir().mkpath(path("inplanes"));
     writeSession(14, 2,
