@@ -88,6 +88,11 @@ void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& sourc
 /// it is recomputed only when its inputs have changed: an event changes one or two columns. When
 /// memory runs out the program ends with status 1 after a message; false then.
 [[nodiscard]] bool createConditionPredictors(DesignMatrix& design, const DesignSource& source);
+/// Value and name of a confound at a volume: 0 is the constant; of two the other is a linear trend
+/// from -1 on; of more the others are cosines.
+[[nodiscard]] float confoundValue(int confound, int nrOfConfoundPredictors, int volume,
+                                  int nrOfVolumes);
+[[nodiscard]] QString confoundName(int confound, int nrOfConfoundPredictors);
 /// Fills the confound columns: the constant, then the drift terms. False when memory runs out,
 /// which ends the program with status 1 after a message.
 [[nodiscard]] bool fillConfoundColumns(DesignMatrix& design, const DesignSource& source);

@@ -187,7 +187,8 @@ MultiRunEnd Analysis::fitModel(const QString& modelFile) {
         colors.push_back(conditions_[i].color);
     WholeRunDesign design;
     VolumeSize size;
-    if (!assembleMultiStudyDesign(list_, colors, design, size))
+    if (!assembleMultiStudyDesign(list_, colors, design, size) ||
+        !addDriftTerms(design, run_.settings.MergeDriftConfoundPredictors))
         return MultiRunEnd::Failed;
     design.CorrectSerialCorrelations = run_.settings.MergeCorrectSerialCorrelations;
     writeDesignText(design, document_.workingFolder);
@@ -229,7 +230,7 @@ void Analysis::tellOfOtherRuns(const QString& modelFile) {
                 .arg(modelFile, paths::fileName(run_.settings.settingsFilePath)));
 }
 
-// Names and contrasts are those of a run with all conditions, without drift terms.
+// Names and contrasts are those of a run with all conditions.
 void Analysis::setUpContrasts() {
     StimulationProtocol united;
     for (const StudyCondition& condition : conditions_) {
@@ -238,7 +239,8 @@ void Analysis::setUpContrasts() {
         entry.color = condition.color;
     }
     DesignMatrix& design = document_.design;
-    const DesignSource source{united, document_.project.TR, document_.project.NrOfVolumes, 1, 0};
+    const DesignSource source{united, document_.project.TR, document_.project.NrOfVolumes, 1,
+                              run_.settings.MergeDriftConfoundPredictors};
     buildConditionPredictorNames(design, source);
     buildConfoundPredictorNames(design, source);
     constexpr int againstFirstCondition = 1;

@@ -76,6 +76,7 @@ TEST_F(SessionMultiRunTest, TheSettingsSayWhichModelIsFitted) {
     const Case cases[] = {
         {false, "MergeSubjects: 1 2 1", SeparatePredictors::None, 3 + 3},
         {true, "", SeparatePredictors::Studies, 3 * 3 + 3},
+        {false, "MergeDriftConfoundPredictors: 2", SeparatePredictors::None, 3 + 3 + 3 * 2},
         {true, "MergeZTransformation: 1 MergeSubjects: 1 2 1 MergeCorrectSerialCorrelations: 1",
          SeparatePredictors::Subjects, 2 * 3 + 3}};
     for (const Case& c : cases) {
