@@ -146,7 +146,8 @@ void SessionMultiRun::renewCurve(int region) {
         renewed.TimeCourseValues.clear();
 }
 
-// New regions have no curve yet.
+// New regions have room for a curve and no value in it yet; those whose run could not be read have
+// no room either.
 void SessionMultiRun::regionsChanged(QtCortivoDoc& functional) {
     if (!showsProject())
         return;
