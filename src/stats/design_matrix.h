@@ -91,11 +91,11 @@ void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& sourc
 /// Fills the confound columns: the constant, then the drift terms. False when memory runs out,
 /// which ends the program with status 1 after a message.
 [[nodiscard]] bool fillConfoundColumns(DesignMatrix& design, const DesignSource& source);
-/// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `workingFolder`. When
+/// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `targetFolder`. When
 /// memory runs out the program ends with status 1 after a message; false then. Failure to write the
 /// text file only gives a warning, since nothing in the run reads it.
 [[nodiscard]] bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
-                                            const QString& workingFolder);
+                                            const QString& targetFolder);
 
 /// Writes the box-car of a condition into a zeroed column of volumes: 1, or with
 /// `useConditionWeights` the weight at index max(conditionIndex - 1, 0) of ConditionWeights. For a

@@ -123,7 +123,6 @@ bool Analysis::loadFirstProject(const QString& path) {
     FMRProject& project = document_.project;
     if (!loadFMRProjectHeader(project, path))
         return false;
-    document_.workingFolder = project.targetFolder;
     QDir::setCurrent(project.targetFolder);
     document_.mosaic.MosaicColumns = std::max(project.LayoutNColumns, 1);
     document_.mosaic.MosaicRows = std::max(project.LayoutNRows, 1);
@@ -190,7 +189,7 @@ MultiRunEnd Analysis::fitModel(const QString& modelFile) {
     if (!assembleMultiStudyDesign(list_, colors, design, size))
         return MultiRunEnd::Failed;
     design.CorrectSerialCorrelations = run_.settings.MergeCorrectSerialCorrelations;
-    writeDesignText(design, document_.workingFolder);
+    writeDesignText(design, document_.project.targetFolder);
     const std::unique_ptr<SliceSource> samples = openRunsOnDisk(list_);
     if (!samples)
         return MultiRunEnd::Failed;

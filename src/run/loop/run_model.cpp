@@ -12,7 +12,7 @@ bool buildDesign(QtCortivoDoc& document, const RunSettings& settings) {
     const DesignSource source = designSource(document, settings);
     releasePredictorColumns(design);
     if (!createConditionPredictors(design, source) ||
-        !createConfoundPredictors(design, source, document.workingFolder))
+        !createConfoundPredictors(design, source, document.project.targetFolder))
         return false;
     if (isProtocolPathSet(document.protocol.protocolPath)) {
         findPredictorOnsets(design, source.NrOfVolumes);

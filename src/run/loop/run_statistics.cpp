@@ -64,7 +64,7 @@ RTCFile rtcFileOf(const WholeRunDesign& whole) {
 void writeModel(const RunParts& run) {
     const FMRProject& project = run.document.project;
     WholeRunModel& model = run.document.wholeRunModel;
-    writeDesignText(model, run.document.workingFolder);
+    writeDesignText(model, project.targetFolder);
     if (writeGLMDesignMatrixRTC(rtcFileOf(model), modelDesignFilePath(project)))
         (void)writeGLMFile(modelFilePath(project), model);
 }
