@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/design_rank.h"
 
-#include "stats/design_matrix.h"
-#include "stats/glm_batch.h"
-#include "stats/numerics/linear_systems.h"
-
 std::vector<double> normalMatrix(std::span<const float> x, size_t p) {
     std::vector<double> xx(p * p, 0.0);
     for (size_t t = 0; t + p <= x.size(); t += p)
@@ -41,26 +37,4 @@ bool isEstimable(std::span<const float> contrast, std::span<const double> xx,
         whole += c * c / square;
     }
     return lost <= smallestLoss * smallestLoss * whole;
-}
-
-QStringList predictorsThatDependOnOthers(const DesignMatrix& design, int nrOfVolumes) {
-    const std::vector<int> columns = activePredictorsAt(design, nrOfVolumes - 1);
-    const size_t p = columns.size();
-    std::vector<float> x;
-    for (int t = 0; t < nrOfVolumes; ++t)
-        for (const int column : columns)
-            x.push_back(designValue(design, column, t));
-    const std::vector<double> xx = normalMatrix(x, p);
-    numerics::NormalInverse normal;
-    if (!numerics::invertNormalMatrix(xx, int(p), normal))
-        return {};
-    QStringList names;
-    std::vector<float> single(p, 0.0f);
-    for (size_t j = 0; j < p; ++j) {
-        single[j] = 1.0f;
-        if (xx[j * p + j] > 0.0 && !isEstimable(single, xx, normal.inverse))
-            names << design.PredictorNames.value(columns[j]);
-        single[j] = 0.0f;
-    }
-    return names;
 }

@@ -2,11 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QStringList>
 #include <span>
 #include <vector>
-
-struct DesignMatrix;
 
 /// X'X (p x p) in double of a design in float, n x p, row by volume.
 [[nodiscard]] std::vector<double> normalMatrix(std::span<const float> x, size_t p);
@@ -16,8 +13,3 @@ struct DesignMatrix;
 /// with columns of unit length, counts as estimable: what is lost can't be seen in the data.
 [[nodiscard]] bool isEstimable(std::span<const float> contrast, std::span<const double> xx,
                                std::span<const double> inverse);
-
-/// Names of the predictors that depend on each other in the first `nrOfVolumes` volumes, so that no
-/// data tell their betas apart; in column order. Columns of zeros and conditions whose onset is
-/// later are left out. The columns must be filled and the onsets found.
-[[nodiscard]] QStringList predictorsThatDependOnOthers(const DesignMatrix& design, int nrOfVolumes);
