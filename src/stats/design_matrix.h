@@ -120,6 +120,8 @@ void findPredictorOnsets(DesignMatrix& design, int nrOfVolumes);
 /// not exceed 0.1 within the run, or does so too late for a solution of the schedule to follow.
 /// Call findPredictorOnsets() and fillGLMStepVolumes() first; the protocol must be complete.
 [[nodiscard]] QStringList conditionsWithoutModel(const DesignMatrix& design);
-/// Entry k: the larger of the previous entry plus 1 (10 for the first) and the k-th onset; -1 where
-/// no further column has an onset.
+/// No solution comes before this many volumes; a run that is shorter gets no model.
+inline constexpr int fewestModelVolumes = 12;
+/// Entry k: the larger of the previous entry plus 1 (11, the 12th volume, for the first) and the
+/// k-th onset; -1 where no further column has an onset.
 void fillGLMStepVolumes(DesignMatrix& design);

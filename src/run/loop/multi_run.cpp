@@ -6,12 +6,11 @@
 #include "run/loop/finished_run.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_preparation.h"
+#include "run/loop/run_statistics.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/prt_file.h"
 #include "run/settings/settings_file.h"
-#include "stats/clusters.h"
 #include "stats/glm_file.h"
-#include "stats/whole_run_maps.h"
 #include "volume/first_volume_file.h"
 #include "volume/fmr_file.h"
 #include "volume/stc_file.h"
@@ -246,13 +245,8 @@ void Analysis::setUpContrasts() {
 
 bool Analysis::computeMaps() {
     const WholeRunModel& model = document_.wholeRunModel;
-    if (!createMaskOfModel(document_.mask, model.row(WholeRunModel::totalRow())) ||
-        !computeContrastMaps(model, document_.mask, document_.contrasts, document_.maps))
-        return false;
-    computeClusterSizes(document_.maps, run_.requests.thresholds,
-                        document_.contrasts.ConjunctionAnalysis);
-    document_.updateOverlayColors();
-    return true;
+    return createMaskOfModel(document_.mask, model.row(WholeRunModel::totalRow())) &&
+           showModel(run_);
 }
 
 } // namespace
@@ -306,6 +300,5 @@ MultiRunEnd analyseMultiRun(const RunParts& run, const MultiRunProject& project,
         return end;
     run.report.currentVolume = run.document.project.NrOfVolumes;
     run.report.ofSeveralRuns = true;
-    run.report.mapsPresent = run.document.maps.NrOfActiveContrasts > 0;
     return end;
 }

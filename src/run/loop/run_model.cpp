@@ -107,9 +107,8 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
 
 QStringList conditionsThatNeverEnter(const QtCortivoDoc& document, const RunSettings& settings) {
     // A run that is too short for any model is meant so: a test of the export, a reference scan.
-    constexpr int firstSolution = 12; // volumes
     if (!isProtocolPathSet(document.protocol.protocolPath) ||
-        settings.nrOfAnalysedVolumes() < firstSolution)
+        settings.nrOfAnalysedVolumes() < fewestModelVolumes)
         return {};
     // A design of its own: the document's gets its columns when the loop begins.
     DesignMatrix planned;

@@ -30,6 +30,6 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
 
 /// Conditions of a complete protocol that will never enter the model of this run, by name; see
 /// conditionsWithoutModel(). None for a protocol that arrives during the run, and for a run of
-/// fewer than 12 volumes, which gets no model.
+/// fewer than fewestModelVolumes.
 [[nodiscard]] QStringList conditionsThatNeverEnter(const QtCortivoDoc& document,
                                                    const RunSettings& settings);

@@ -92,7 +92,7 @@ bool readModel(const RunParts& run) {
 } // namespace
 
 QString modelFilePath(const FMRProject& project) {
-    return resultPath(project, ".glm", "vco.glm");
+    return resultPath(project, ".glm", defaultGLMFileName);
 }
 
 QString modelDesignFilePath(const FMRProject& project) {
