@@ -3,6 +3,7 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "run/loop/finished_run.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_preparation.h"
@@ -16,15 +17,10 @@
 #include "volume/stc_file.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 namespace {
 
 constexpr char noProtocol[] = "ERROR: No protocol file associated with FMR file.";
-
-bool exists(const QString& path) {
-    return QFileInfo(path).isFile();
-}
 
 SeparatePredictors separationOf(const RunSettings& settings) {
     if (!settings.MergeSeparatePredictors)
@@ -126,7 +122,7 @@ bool Analysis::loadFirstProject(const QString& path) {
     document_.mosaic.MosaicColumns = std::max(project.LayoutNColumns, 1);
     document_.mosaic.MosaicRows = std::max(project.LayoutNRows, 1);
     run_.requests.pendingOverlayInplane = -1;
-    run_.settings.MotionCorrection = exists(motionParametersFileName(project));
+    run_.settings.MotionCorrection = fileExists(motionParametersFileName(project));
     // Without its motion a run is shown all the same.
     if (run_.settings.MotionCorrection)
         (void)loadMotionParameters(document_.motion, project, run_.settings.MotionCorrection);
@@ -138,7 +134,7 @@ bool Analysis::loadFirstProject(const QString& path) {
 void Analysis::showBackground() {
     FMRProject& project = document_.project;
     FMRHeader header = project;
-    const bool shown = (exists(firstVolumeFileName(project)) && readFirstVolume(project)) ||
+    const bool shown = (fileExists(firstVolumeFileName(project)) && readFirstVolume(project)) ||
                        (savedDataFault(project, project.projectPath).isEmpty() &&
                         readSTCVolume(0, project.projectPath, header, project.firstVolume)) ||
                        project.firstVolume.allocate(project.volumeSamples());
@@ -174,7 +170,7 @@ bool Analysis::writeDesigns() {
 
 MultiRunEnd Analysis::makeModel() {
     const QString modelFile = project_.multiRunProjectPath + ".glm";
-    if (exists(modelFile))
+    if (fileExists(modelFile))
         return readModel(modelFile) ? MultiRunEnd::Done : MultiRunEnd::Failed;
     return fitModel(modelFile);
 }
@@ -287,7 +283,7 @@ bool readRunHeader(RunOfStudy& study, const MultiRunProject& project, int index,
 }
 
 bool readRunProtocol(RunOfStudy& study, const QString& missingText) {
-    if (exists(study.protocol.protocolPath))
+    if (fileExists(study.protocol.protocolPath))
         return readPRTFile(study.protocol, ResponseTable::Read);
     showCritical(missingText);
     return false;

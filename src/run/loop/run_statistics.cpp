@@ -3,6 +3,7 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "run/loop/finished_run.h"
 #include "run/loop/run_model.h"
 #include "stats/clusters.h"
@@ -12,7 +13,6 @@
 #include "stats/whole_run_maps.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 namespace {
 
@@ -157,7 +157,7 @@ void modelAfterReload(const RunParts& run) {
     QtCortivoDoc& document = run.document;
     if (!createBrainMask(document.mask, document.project, brainMaskThreshold))
         return;
-    if (QFileInfo(modelFilePath(document.project)).isFile() && readModel(run)) {
+    if (fileExists(modelFilePath(document.project)) && readModel(run)) {
         (void)showModel(run);
         return;
     }

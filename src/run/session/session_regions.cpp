@@ -4,13 +4,12 @@
 #include "base/byte_reader.h"
 #include "base/byte_writer.h"
 #include "base/messages.h"
+#include "base/plain_file.h"
 #include "regions/region_ranking.h"
 #include "regions/roi_file.h"
 #include "run/document/plotted_volumes.h"
 #include "run/document/session_phase.h"
 #include "run/loop/finished_run.h"
-
-#include <QFileInfo>
 
 namespace {
 
@@ -185,7 +184,7 @@ void SessionRegions::samplesChanged() {
 void SessionRegions::loadSaved() {
     const QString fileName = regionFilePath(document_->project);
     SavedRegions saved;
-    if (QFileInfo(fileName).isFile() && readROIFile(fileName, document_->project.size(), saved))
+    if (fileExists(fileName) && readROIFile(fileName, document_->project.size(), saved))
         placeSavedRegions(run(), saved);
 }
 
