@@ -196,7 +196,6 @@ MultiRunEnd Analysis::fitModel(const QString& modelFile) {
     }
     if (fit != WholeRunFit::Done)
         return fit == WholeRunFit::Cancelled ? MultiRunEnd::Cancelled : MultiRunEnd::Failed;
-    document_.wholeRunModel.GLMType = 2;
     // What could not be kept is shown all the same.
     (void)writeGLMFile(modelFile, document_.wholeRunModel);
     return MultiRunEnd::Done;
