@@ -169,13 +169,13 @@ bool fillConfoundColumns(DesignMatrix& design, const DesignSource& source) {
 }
 
 bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
-                              const QString& workingFolder) {
+                              const QString& targetFolder) {
     if (!fillConfoundColumns(design, source))
         return false;
     const int confounds = design.NrOfConfoundPredictors;
     if (design.NrOfPredictors - confounds != design.NrOfConditionPredictors)
         showCritical("INTERNAL ERROR - NrOfPredictors wrong");
-    const QString path = paths::join(workingFolder, "Realtime_DesignMatrix.txt");
+    const QString path = paths::join(targetFolder, "Realtime_DesignMatrix.txt");
     if (!writeFileAtomically(path, designText(design)))
         showWarning(QString("WARNING: Can not write the text file \"%1\".").arg(path));
     return true;

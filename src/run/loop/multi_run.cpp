@@ -3,29 +3,24 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "run/loop/finished_run.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_preparation.h"
+#include "run/loop/run_statistics.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/prt_file.h"
 #include "run/settings/settings_file.h"
-#include "stats/clusters.h"
 #include "stats/glm_file.h"
-#include "stats/whole_run_maps.h"
 #include "volume/first_volume_file.h"
 #include "volume/fmr_file.h"
 #include "volume/stc_file.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 namespace {
 
 constexpr char noProtocol[] = "ERROR: No protocol file associated with FMR file.";
-
-bool exists(const QString& path) {
-    return QFileInfo(path).isFile();
-}
 
 SeparatePredictors separationOf(const RunSettings& settings) {
     if (!settings.MergeSeparatePredictors)
@@ -123,12 +118,11 @@ bool Analysis::loadFirstProject(const QString& path) {
     FMRProject& project = document_.project;
     if (!loadFMRProjectHeader(project, path))
         return false;
-    document_.workingFolder = project.targetFolder;
     QDir::setCurrent(project.targetFolder);
     document_.mosaic.MosaicColumns = std::max(project.LayoutNColumns, 1);
     document_.mosaic.MosaicRows = std::max(project.LayoutNRows, 1);
     run_.requests.pendingOverlayInplane = -1;
-    run_.settings.MotionCorrection = exists(motionParametersFileName(project));
+    run_.settings.MotionCorrection = fileExists(motionParametersFileName(project));
     // Without its motion a run is shown all the same.
     if (run_.settings.MotionCorrection)
         (void)loadMotionParameters(document_.motion, project, run_.settings.MotionCorrection);
@@ -140,7 +134,7 @@ bool Analysis::loadFirstProject(const QString& path) {
 void Analysis::showBackground() {
     FMRProject& project = document_.project;
     FMRHeader header = project;
-    const bool shown = (exists(firstVolumeFileName(project)) && readFirstVolume(project)) ||
+    const bool shown = (fileExists(firstVolumeFileName(project)) && readFirstVolume(project)) ||
                        (savedDataFault(project, project.projectPath).isEmpty() &&
                         readSTCVolume(0, project.projectPath, header, project.firstVolume)) ||
                        project.firstVolume.allocate(project.volumeSamples());
@@ -176,7 +170,7 @@ bool Analysis::writeDesigns() {
 
 MultiRunEnd Analysis::makeModel() {
     const QString modelFile = project_.multiRunProjectPath + ".glm";
-    if (exists(modelFile))
+    if (fileExists(modelFile))
         return readModel(modelFile) ? MultiRunEnd::Done : MultiRunEnd::Failed;
     return fitModel(modelFile);
 }
@@ -191,7 +185,7 @@ MultiRunEnd Analysis::fitModel(const QString& modelFile) {
         !addDriftTerms(design, run_.settings.MergeDriftConfoundPredictors))
         return MultiRunEnd::Failed;
     design.CorrectSerialCorrelations = run_.settings.MergeCorrectSerialCorrelations;
-    writeDesignText(design, document_.workingFolder);
+    writeDesignText(design, document_.project.targetFolder);
     const std::unique_ptr<SliceSource> samples = openRunsOnDisk(list_);
     if (!samples)
         return MultiRunEnd::Failed;
@@ -203,7 +197,6 @@ MultiRunEnd Analysis::fitModel(const QString& modelFile) {
     }
     if (fit != WholeRunFit::Done)
         return fit == WholeRunFit::Cancelled ? MultiRunEnd::Cancelled : MultiRunEnd::Failed;
-    document_.wholeRunModel.GLMType = 2;
     // What could not be kept is shown all the same.
     (void)writeGLMFile(modelFile, document_.wholeRunModel);
     return MultiRunEnd::Done;
@@ -249,13 +242,8 @@ void Analysis::setUpContrasts() {
 
 bool Analysis::computeMaps() {
     const WholeRunModel& model = document_.wholeRunModel;
-    if (!createMaskOfModel(document_.mask, model.row(WholeRunModel::totalRow())) ||
-        !computeContrastMaps(model, document_.mask, document_.contrasts, document_.maps))
-        return false;
-    computeClusterSizes(document_.maps, run_.requests.thresholds,
-                        document_.contrasts.ConjunctionAnalysis);
-    document_.updateOverlayColors();
-    return true;
+    return createMaskOfModel(document_.mask, model.row(WholeRunModel::totalRow())) &&
+           showModel(run_);
 }
 
 } // namespace
@@ -296,7 +284,7 @@ bool readRunHeader(RunOfStudy& study, const MultiRunProject& project, int index,
 }
 
 bool readRunProtocol(RunOfStudy& study, const QString& missingText) {
-    if (exists(study.protocol.protocolPath))
+    if (fileExists(study.protocol.protocolPath))
         return readPRTFile(study.protocol, ResponseTable::Read);
     showCritical(missingText);
     return false;
@@ -309,6 +297,5 @@ MultiRunEnd analyseMultiRun(const RunParts& run, const MultiRunProject& project,
         return end;
     run.report.currentVolume = run.document.project.NrOfVolumes;
     run.report.ofSeveralRuns = true;
-    run.report.mapsPresent = run.document.maps.NrOfActiveContrasts > 0;
     return end;
 }

@@ -13,7 +13,7 @@ bool buildDesign(QtCortivoDoc& document, const RunSettings& settings) {
     const DesignSource source = designSource(document, settings);
     releasePredictorColumns(design);
     if (!createConditionPredictors(design, source) ||
-        !createConfoundPredictors(design, source, document.workingFolder))
+        !createConfoundPredictors(design, source, document.project.targetFolder))
         return false;
     if (isProtocolPathSet(document.protocol.protocolPath)) {
         findPredictorOnsets(design, source.NrOfVolumes);
@@ -108,9 +108,8 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
 
 ModelLimits limitsOfPlannedModel(const QtCortivoDoc& document, const RunSettings& settings) {
     // A run that is too short for any model is meant so: a test of the export, a reference scan.
-    constexpr int firstSolution = 12; // volumes
     if (!isProtocolPathSet(document.protocol.protocolPath) ||
-        settings.nrOfAnalysedVolumes() < firstSolution)
+        settings.nrOfAnalysedVolumes() < fewestModelVolumes)
         return {};
     // A design of its own: the document's gets its columns when the loop begins.
     DesignMatrix planned;

@@ -34,7 +34,7 @@ struct ModelLimits {
     QStringList dependentPredictors;      ///< see predictorsThatDependOnOthers()
 };
 /// For a complete protocol, over all planned volumes. Nothing for a protocol that arrives during
-/// the run, and for a run of fewer than 12 volumes, which gets no model.
+/// the run, and for a run of fewer than fewestModelVolumes.
 [[nodiscard]] ModelLimits limitsOfPlannedModel(const QtCortivoDoc& document,
                                                const RunSettings& settings);
 

@@ -95,7 +95,6 @@ void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings)
     document.protocol.protocolPath = settings.StimulationProtocol;
     document.mosaic.MosaicColumns = std::max(settings.NrOfColumns, 1);
     document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
-    document.workingFolder = settings.TargetFolder;
 }
 
 void showFirstVolume(QtCortivoDoc& document) {
@@ -199,8 +198,8 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
     copySettingsToDocument(document, settings);
     if (!lockTargetFolder(run))
         return nullptr;
-    if (!document.workingFolder.isEmpty())
-        QDir::setCurrent(document.workingFolder);
+    if (!settings.TargetFolder.isEmpty())
+        QDir::setCurrent(settings.TargetFolder);
     if (!readProtocol(run))
         return nullptr;
     tellOfModelLimits(document, settings);

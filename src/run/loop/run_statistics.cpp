@@ -3,6 +3,7 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "run/loop/finished_run.h"
 #include "run/loop/run_model.h"
 #include "stats/clusters.h"
@@ -13,7 +14,6 @@
 #include "stats/whole_run_maps.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 namespace {
 
@@ -75,7 +75,7 @@ RTCFile rtcFileOf(const WholeRunDesign& whole) {
 void writeModel(const RunParts& run) {
     const FMRProject& project = run.document.project;
     WholeRunModel& model = run.document.wholeRunModel;
-    writeDesignText(model, run.document.workingFolder);
+    writeDesignText(model, project.targetFolder);
     if (writeGLMDesignMatrixRTC(rtcFileOf(model), modelDesignFilePath(project)))
         (void)writeGLMFile(modelFilePath(project), model);
 }
@@ -103,7 +103,7 @@ bool readModel(const RunParts& run) {
 } // namespace
 
 QString modelFilePath(const FMRProject& project) {
-    return resultPath(project, ".glm", "vco.glm");
+    return resultPath(project, ".glm", defaultGLMFileName);
 }
 
 QString modelDesignFilePath(const FMRProject& project) {
@@ -171,7 +171,7 @@ void modelAfterReload(const RunParts& run) {
     QtCortivoDoc& document = run.document;
     if (!createBrainMask(document.mask, document.project, brainMaskThreshold))
         return;
-    if (QFileInfo(modelFilePath(document.project)).isFile() && readModel(run)) {
+    if (fileExists(modelFilePath(document.project)) && readModel(run)) {
         (void)showModel(run);
         return;
     }

@@ -7,7 +7,7 @@
 #include <QDir>
 
 SessionMultiRun::SessionMultiRun(const Parts& parts) : parts_(parts) {
-    // Before the plots, so that they find the curves.
+    // Before the plots, so that they find the curves, or none.
     parts_.listeners.add(*this, ListenerPlace::Regions);
 }
 
@@ -17,13 +17,6 @@ void SessionMultiRun::takeSettings() {
     project_ = multiRunProjectOf(parts_.settings);
     project_.mvcoFileNames = found;
     project_.selectedMultiRun = selected < project_.nrOfMultiRunFiles ? selected : 0;
-}
-
-void SessionMultiRun::forget() {
-    project_ = MultiRunProject{};
-    analysis_ = MultiRunAnalysis{};
-    values_ = {};
-    runs_.clear();
 }
 
 std::vector<MultiRunMenuRow> SessionMultiRun::menu() {
@@ -120,6 +113,13 @@ const PlottedRun* SessionMultiRun::runOfRegion(int region) const {
     return found == runs_.end() ? nullptr : &found->second;
 }
 
+void SessionMultiRun::settingsFileChanged() {
+    project_ = MultiRunProject{};
+    analysis_ = MultiRunAnalysis{};
+    values_ = {};
+    runs_.clear();
+}
+
 void SessionMultiRun::documentsLeaving() {
     document_ = nullptr;
     values_ = {};
@@ -146,7 +146,8 @@ void SessionMultiRun::renewCurve(int region) {
         renewed.TimeCourseValues.clear();
 }
 
-// New regions have no curve yet.
+// New regions have room for a curve and no value in it yet; those whose run could not be read have
+// no room either.
 void SessionMultiRun::regionsChanged(QtCortivoDoc& functional) {
     if (!showsProject())
         return;

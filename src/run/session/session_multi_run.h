@@ -45,8 +45,6 @@ public:
     [[nodiscard]] const MultiRunProject& project() const { return project_; }
     /// The settings have been read, or a run has been measured or reloaded.
     void takeSettings();
-    /// Another settings file is current.
-    void forget();
     /// The conditions of the project in the document.
     void takeAnalysis(MultiRunAnalysis analysis) { analysis_ = std::move(analysis); }
 
@@ -66,6 +64,7 @@ public:
     /// The run whose curve a region has; null where that is the run in memory, or none.
     [[nodiscard]] const PlottedRun* runOfRegion(int region) const;
 
+    void settingsFileChanged() override;
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override { document_ = &functional; }
     void regionsChanged(QtCortivoDoc& functional) override;

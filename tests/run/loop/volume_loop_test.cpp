@@ -298,6 +298,21 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
     EXPECT_TRUE(content("results/test.fmr").contains("\"test.prt\""));
 }
 
+TEST_F(VolumeLoopTest, AFileThatCanNotBeReadBackIsWrittenAgain) {
+    writeSession(16, 2);
+    constexpr int mapsAreWritten = 90;
+    for (const char* name : {"results/test.prt", "results/test.mps"}) {
+        bool lost = false;
+        display.whileSaving = [&] {
+            if (!lost && display.progress.back() == mapsAreWritten)
+                lost = QFile::remove(path(name));
+        };
+        messages.expectQuestion("WARNING: The recorded data could not be saved completely*", true);
+        runAgain();
+        EXPECT_TRUE(lost && session.report.savedCompletely && QFile::exists(path(name))) << name;
+    }
+}
+
 TEST_F(VolumeLoopTest, ContrastFileDecidesWhetherThereIsABaseline) {
     const auto file = [](const char* counts, const char* weights) {
         return QByteArray("FileVersion: 3 NrOfContrasts: 1 ") + counts +

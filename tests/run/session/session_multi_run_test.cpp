@@ -140,6 +140,9 @@ TEST_F(SessionMultiRunTest, EachPlotShowsTheRunThatWasChosenForIt) {
     messages.expectWarning("ERROR: \"" + path("two.vco") + "\" file not found!");
     messages.expectWarning(" ERROR: Can not read vco file \"one\" for multi-run analysis.");
     EXPECT_EQ(menu(), QStringList("one"));
+    session.changeSettingsFile(path("none.vco"));
+    EXPECT_FALSE(session.multiRun.choice(0));
+    EXPECT_EQ(menu().first(), "<Single-run analysis>");
 }
 
 TEST_F(SessionMultiRunTest, WhatCanNotBeAnalysedLeavesNothingAndCanBeMended) {
