@@ -193,21 +193,25 @@ void WholeRunBlock::store(const BlockMaps& maps, size_t voxel) {
     const double origin =
         equations_.transformation == ZTransformation::None ? origins_[voxel] : 0.0;
     const double fitted = fitSquares_[voxel];
-    maps.at(0, voxel) = fitted < 0.0 ? 0.0f : float(std::sqrt(fitted / totals_[voxel]));
-    maps.at(1, voxel) = float(totals_[voxel]);
+    const GLMMapRows rows{int(p)};
+    maps.at(GLMMapRows::correlation, voxel) =
+        fitted < 0.0 ? 0.0f : float(std::sqrt(fitted / totals_[voxel]));
+    maps.at(GLMMapRows::total, voxel) = float(totals_[voxel]);
     for (size_t j = 0; j < p; ++j) {
         const size_t value = j * glmBlockVoxels + voxel;
-        maps.at(2 + j, voxel) = float(betas_[value] + origin * equations.onesBetas[j]);
-        maps.at(2 + p + j, voxel) = float(products_[value] + origin * equations.onesSums[j]);
+        maps.at(GLMMapRows::firstBeta + int(j), voxel) =
+            float(betas_[value] + origin * equations.onesBetas[j]);
+        maps.at(rows.firstSum() + int(j), voxel) =
+            float(products_[value] + origin * equations.onesSums[j]);
     }
     ++nrOfFittedVoxels_;
     if (!correctsSerialCorrelations()) {
-        maps.at(2 + 2 * p, voxel) =
+        maps.at(rows.mean(), voxel) =
             float(sampleSums_[voxel] / double(equations_.n) + origins_[voxel]);
         return;
     }
-    maps.at(2 + 2 * p, voxel) = float(lagOneBefore_[voxel]);
-    maps.at(3 + 2 * p, voxel) = float(lagOneAfter_[voxel]);
+    maps.at(rows.AR1Before(), voxel) = float(lagOneBefore_[voxel]);
+    maps.at(rows.AR1After(), voxel) = float(lagOneAfter_[voxel]);
     sumBefore_ += lagOneBefore_[voxel];
     sumAfter_ += lagOneAfter_[voxel];
 }

@@ -15,7 +15,9 @@ struct BlockMaps {
     float* values = nullptr;
     size_t stride = 0;
 
-    [[nodiscard]] float& at(size_t row, size_t voxel) const { return values[row * stride + voxel]; }
+    [[nodiscard]] float& at(int row, size_t voxel) const {
+        return values[size_t(row) * stride + voxel];
+    }
 };
 
 /// Reuses its memory from block to block. A voxel that is left out keeps the zeros of the maps.

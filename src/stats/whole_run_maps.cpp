@@ -132,15 +132,15 @@ void computeBlock(const WholeRunModel& model, const MapPlan& plan, size_t first,
                   StatisticalMaps& maps) {
     std::array<float, glmBlockVoxels> variances;
     std::array<int, glmBlockVoxels> bins{};
-    computeResidualVariances(model.row(WholeRunModel::correlationRow()).data() + first,
-                             model.row(WholeRunModel::totalRow()).data() + first,
+    computeResidualVariances(model.row(GLMMapRows::correlation).data() + first,
+                             model.row(GLMMapRows::total).data() + first,
                              float(model.degreesOfFreedom()), count, variances.data());
     if (model.CorrectSerialCorrelations)
-        std::transform(model.row(model.AR1BeforeRow()).begin() + ptrdiff_t(first),
-                       model.row(model.AR1BeforeRow()).begin() + ptrdiff_t(first + count),
+        std::transform(model.row(model.rows().AR1Before()).begin() + ptrdiff_t(first),
+                       model.row(model.rows().AR1Before()).begin() + ptrdiff_t(first + count),
                        bins.begin(), serialCorrelationBin);
-    const FittedBlock block{model.row(WholeRunModel::firstBetaRow()).data() + first,
-                            model.nrOfVoxels(), variances.data(), bins.data(), count};
+    const FittedBlock block{model.row(GLMMapRows::firstBeta).data() + first, model.nrOfVoxels(),
+                            variances.data(), bins.data(), count};
     const ActiveContrasts& active = plan.active;
     const bool t = plan.comparisons.empty();
     for (int map = 0; map < maps.NrOfActiveContrasts; ++map) {

@@ -69,6 +69,19 @@ inline constexpr float noMeanAR1 = -2.0f; ///< a mean that was not computed
 /// Inverses for one bin of lag-one values: X'X of the design whitened with the bin's value.
 inline constexpr int nrOfSerialCorrelationBins = 20;
 
+/// Numbers of the rows of the maps of a model with p predictors.
+struct GLMMapRows {
+    int p = 0;
+
+    static constexpr int correlation = 0; ///< R
+    static constexpr int total = 1;       ///< sum of squares
+    static constexpr int firstBeta = 2;
+    [[nodiscard]] int firstSum() const { return firstBeta + p; } ///< of X'y
+    [[nodiscard]] int mean() const { return firstSum() + p; }    ///< without the correction
+    [[nodiscard]] int AR1Before() const { return firstSum() + p; }
+    [[nodiscard]] int AR1After() const { return firstSum() + p + 1; }
+};
+
 struct WholeRunModel : WholeRunDesign {
     int GLMType = 1;               ///< 1 none, 2 fitted, 3 as saved
     VolumeSize size;               ///< of each row of the maps
@@ -91,13 +104,7 @@ struct WholeRunModel : WholeRunDesign {
     [[nodiscard]] int nrOfMapRows() const {
         return 2 * GLMPredictors() + (CorrectSerialCorrelations ? 4 : 3);
     }
-    [[nodiscard]] static int correlationRow() { return 0; }
-    [[nodiscard]] static int totalRow() { return 1; }
-    [[nodiscard]] static int firstBetaRow() { return 2; }
-    [[nodiscard]] int firstSumRow() const { return 2 + GLMPredictors(); } ///< of X'y
-    [[nodiscard]] int meanRow() const { return 2 + 2 * GLMPredictors(); }
-    [[nodiscard]] int AR1BeforeRow() const { return 2 + 2 * GLMPredictors(); }
-    [[nodiscard]] int AR1AfterRow() const { return 3 + 2 * GLMPredictors(); }
+    [[nodiscard]] GLMMapRows rows() const { return {GLMPredictors()}; }
 
     [[nodiscard]] std::span<float> row(int index) {
         return GLMMaps.span().subspan(size_t(index) * nrOfVoxels(), nrOfVoxels());

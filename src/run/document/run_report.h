@@ -24,7 +24,6 @@ struct RunReport {
     qint64 elapsedRunTime = 0;    ///< milliseconds, set after every volume
     CycleTimes times;
     bool motionCorrectionFailed = false;
-    bool ofSeveralRuns = false;  ///< the document is that of a finished multi-run project
     bool mapsPresent = false;    ///< there are maps to show
     bool runFinished = false;    ///< the current settings file has been analysed
     bool savedCompletely = true; ///< the run in memory is on disk, whole
@@ -40,7 +39,6 @@ struct RunReport {
         interruptedAtVolume = -1;
         currentVolume = -1;
         elapsedRunTime = 0;
-        ofSeveralRuns = false;
         mapsPresent = false;
         times = {};
         outcomeText.clear();

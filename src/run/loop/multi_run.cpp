@@ -165,7 +165,9 @@ bool Analysis::writeDesigns() {
     conditions_ = unionOfConditions(runs_);
     list_.transformation = ZTransformation(run_.settings.MergeZTransformation);
     list_.separation = separationOf(run_.settings);
-    return createRunDesignMatrices(runs_, project_.multiRunProjectPath, list_);
+    // The model is that of the list as it is on disk.
+    return createRunDesignMatrices(runs_, project_.multiRunProjectPath, list_) &&
+           readMDMFile(project_.multiRunProjectPath + ".mdm", list_);
 }
 
 MultiRunEnd Analysis::makeModel() {
@@ -242,8 +244,7 @@ void Analysis::setUpContrasts() {
 
 bool Analysis::computeMaps() {
     const WholeRunModel& model = document_.wholeRunModel;
-    return createMaskOfModel(document_.mask, model.row(WholeRunModel::totalRow())) &&
-           showModel(run_);
+    return createMaskOfModel(document_.mask, model.row(GLMMapRows::total)) && showModel(run_);
 }
 
 } // namespace
@@ -296,6 +297,5 @@ MultiRunEnd analyseMultiRun(const RunParts& run, const MultiRunProject& project,
     if (end != MultiRunEnd::Done)
         return end;
     run.report.currentVolume = run.document.project.NrOfVolumes;
-    run.report.ofSeveralRuns = true;
     return end;
 }

@@ -87,11 +87,12 @@ QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& 
 }
 
 QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
-                        const StatisticalMaps& maps) {
-    if (report.ofSeveralRuns)
-        return multiRunPanelText(thresholdText(maps, requests.thresholds));
+                        const QtCortivoDoc& document) {
+    const QString threshold = thresholdText(document.maps, requests.thresholds);
+    if (document.multiRunDocument)
+        return multiRunPanelText(threshold);
     return singleRunPanelText(report.currentVolume + 1, double(report.elapsedRunTime) / 1000.0,
-                              thresholdText(maps, requests.thresholds));
+                              threshold);
 }
 
 QString endingText(int fontSize, Phase phase) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "run/document/operator_requests.h"
+#include "run/document/qt_cortivo_doc.h"
 #include "run/document/run_report.h"
 #include "run/document/session_phase.h"
 #include "run/settings/run_settings.h"
@@ -27,7 +28,7 @@
 
 /// The panel between runs.
 [[nodiscard]] QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
-                                      const StatisticalMaps& maps);
+                                      const QtCortivoDoc& document);
 
 /// The operator has closed the window while the session is not idle.
 [[nodiscard]] QString endingText(int fontSize, Phase phase);

@@ -43,14 +43,17 @@ bool RunSession::inPhase(Phase first, const std::function<bool()>& work) {
     return done;
 }
 
+bool RunSession::ofSeveralRuns() const {
+    return functionalDocument && functionalDocument->multiRunDocument;
+}
+
 void RunSession::runButtonPressed() {
     if (licencePermits && !licencePermits())
         return;
     if (phase.canBeStopped())
         return requests.stopRun();
-    const bool analysed = report.runFinished && report.ofSeveralRuns;
-    if (!phase.isIdle() || analysed || runButton_ == RunButtonState::NoSettingsFile ||
-        !mayLeaveRun())
+    if (!phase.isIdle() || (report.runFinished && ofSeveralRuns()) ||
+        runButton_ == RunButtonState::NoSettingsFile || !mayLeaveRun())
         return;
     if (describesSeveralRuns(settings.settingsFilePath))
         inPhase(Phase::Analysing, [this] { return analyseRuns(); });

@@ -109,7 +109,7 @@ public:
     void showBeforePreprocessing(bool on);
 
     /// Threshold and volume text of the panel between runs; empty without a document. From now on
-    /// it stands for the outcome of the run, which is forgotten.
+    /// it stands in place of the outcome of the run.
     [[nodiscard]] QString panelText();
     /// Whether a message must not wait for an answer: while a run is recorded, unless it ends the
     /// program (critical), while data are only in memory, and while a model is fitted, after which
@@ -148,6 +148,7 @@ private:
     /// `prepared` is called before the first volume is read.
     [[nodiscard]] bool startRun(RunSource& source, const std::function<void()>& prepared = {});
     [[nodiscard]] bool recordRun(RunSource& source, const std::function<void()>& prepared);
+    [[nodiscard]] bool ofSeveralRuns() const;
     void fitModel(bool runDone);
     [[nodiscard]] JournalEnding journalEnding() const;
     void endJournal(bool runDone);

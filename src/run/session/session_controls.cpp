@@ -171,6 +171,5 @@ void RunSession::showBeforePreprocessing(bool on) {
 QString RunSession::panelText() {
     if (!functionalDocument)
         return {};
-    report.outcomeText.clear();
-    return betweenRunsText(report, requests, functionalDocument->maps);
+    return report.outcomeText = betweenRunsText(report, requests, *functionalDocument);
 }

@@ -64,7 +64,7 @@ void SessionMultiRun::select(int index) {
 }
 
 bool SessionMultiRun::showsProject() const {
-    return document_ && project_.multiRunProject && parts_.report.ofSeveralRuns &&
+    return document_ && document_->multiRunDocument && project_.multiRunProject &&
            parts_.report.runFinished;
 }
 
