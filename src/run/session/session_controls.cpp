@@ -172,5 +172,6 @@ QString RunSession::panelText() {
     if (!functionalDocument)
         return {};
     report.outcomeText.clear();
-    return betweenRunsText(report, requests, functionalDocument->maps);
+    return betweenRunsText(report, requests, functionalDocument->maps,
+                           functionalDocument->wholeRunModel);
 }
