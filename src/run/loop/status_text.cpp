@@ -87,11 +87,15 @@ QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& 
 }
 
 QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
-                        const StatisticalMaps& maps) {
+                        const StatisticalMaps& maps, const WholeRunModel& model) {
+    QString text = thresholdText(maps, requests.thresholds);
+    const QString correlation = meanAR1Text(model);
+    if (!correlation.isEmpty())
+        text += "<br>" + correlation;
     if (report.ofSeveralRuns)
-        return multiRunPanelText(thresholdText(maps, requests.thresholds));
+        return multiRunPanelText(text);
     return singleRunPanelText(report.currentVolume + 1, double(report.elapsedRunTime) / 1000.0,
-                              thresholdText(maps, requests.thresholds));
+                              text);
 }
 
 QString endingText(int fontSize, Phase phase) {
