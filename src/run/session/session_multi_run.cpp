@@ -155,10 +155,10 @@ PlottedRun* SessionMultiRun::loaded(int index) {
 void SessionMultiRun::renewCurve(int region) {
     const ModelessMessages modeless(*this);
     RegionOfInterest& renewed = document_->regions[region];
-    const PlottedRun* run = loaded(indexOfRegion(region));
-    if (!run || !loadCurve(renewed, *run, document_->project.size(),
-                           parts_.requests.regions.BestVoxelSelection))
-        renewed.TimeCourseValues.clear();
+    forgetCurve(renewed); // also where the run can't be read
+    if (const PlottedRun* run = loaded(indexOfRegion(region)))
+        (void)loadCurve(renewed, *run, document_->project.size(),
+                        parts_.requests.regions.BestVoxelSelection);
 }
 
 // New regions have no curve yet.

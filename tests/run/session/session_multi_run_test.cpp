@@ -238,17 +238,22 @@ TEST_F(SessionMultiRunTest, WhilePlotsReadARunNoMessageIsWaitedFor) {
         std::vector<bool> modeless;
     };
     ASSERT_TRUE(analysed());
-    ASSERT_TRUE(session.regions.selectRectangle(drag));
+    for (int i = 0; i < 4; ++i)
+        ASSERT_TRUE(session.regions.selectRectangle(drag));
+    EXPECT_FALSE(region(3).ROIBetas.empty());
     Asked asked(session);
     MessageHandler* before = installMessageHandler(&asked);
     EXPECT_FALSE(session.messagesAreModeless(MessageLevel::Critical));
     QFile::remove(path("two/two.fmr"));
     session.multiRun.showRun(0, 1);
+    EXPECT_EQ(region(0).NrOfValues(), 40) << "the plot keeps what it shows";
+    session.multiRun.select(1);
+    EXPECT_TRUE(region(3).NrOfValues() == 0 && region(3).ROIBetas.empty());
     QFile::remove(path("one/test.stc"));
     EXPECT_TRUE(session.regions.selectRectangle(drag));
     installMessageHandler(before);
-    EXPECT_EQ(asked.modeless, std::vector<bool>({true, true}));
-    EXPECT_EQ(region(1).NrOfValues(), 0);
+    EXPECT_EQ(asked.modeless, std::vector<bool>({true, true, true}));
+    EXPECT_EQ(region(4).NrOfValues(), 0);
 }
 
 TEST_F(SessionMultiRunTest, AMeasuredRunIsTheSingleEntry) {
