@@ -43,8 +43,8 @@ struct WholeRunEquations {
     bool containsConstant = false;
 };
 
-/// False when an inversion fails, which ends the program. The design must be one that
-/// isUsableDesign() accepts.
+/// False, after a message, when memory runs out, or when an inversion fails, which ends the
+/// program. The design must be one that isUsableDesign() accepts.
 [[nodiscard]] bool makeWholeRunEquations(const WholeRunDesign& design,
                                          WholeRunEquations& equations);
 

@@ -122,5 +122,5 @@ struct WholeRunModel : WholeRunDesign {
 [[nodiscard]] int serialCorrelationBin(float lagOneValue);
 
 /// Computes what the file does not hold: rank and, with the correction, binInverses.
-/// False when an inversion fails or memory runs out, which end the program.
+/// False after a message when memory runs out, or when an inversion fails, which ends the program.
 [[nodiscard]] bool deriveFromDesign(WholeRunModel& model);
