@@ -8,6 +8,7 @@
 
 #include <limits>
 #include <numbers>
+#include <random>
 
 using namespace numerics;
 
@@ -70,10 +71,11 @@ TEST(InvertNormalMatrix, ManyColumnsFollowTheSameRules) {
                           {"almost equal columns", 1.0, 1e-4, p}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
+        std::mt19937 random(7);
         std::vector<double> x(points * p);
         for (size_t t = 0; t < points; ++t) {
             for (size_t j = 0; j < p; ++j)
-                x[t * p + j] = std::sin(double((j + 2) * (j + 3) * (t + 1)) * 0.37);
+                x[t * p + j] = double(random() % 2001) / 1000.0 - 1.0;
             x[t * p + 9] = c.slope * x[t * p + 8] + c.part * x[t * p + 9];
         }
         const auto multiplied = [](const std::vector<double>& a, const std::vector<double>& b) {
@@ -89,7 +91,7 @@ TEST(InvertNormalMatrix, ManyColumnsFollowTheSameRules) {
         ASSERT_TRUE(invertNormalMatrix(xx, int(p), inverted));
         EXPECT_EQ(inverted.rank, c.rank);
         // X'X iXX X'X = X'X; all are symmetric.
-        const std::vector<double> again = multiplied(multiplied(xx, inverted.inverse), xx);
+        const std::vector<double> again = multiplied(xx, multiplied(inverted.inverse, xx));
         for (size_t i = 0; i < xx.size(); ++i)
             ASSERT_NEAR(again[i], xx[i], 1e-6 * std::sqrt(xx[i / p * (p + 1)] * points)) << i;
         // Zeros, or the same weight as the equal column.
