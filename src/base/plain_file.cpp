@@ -11,6 +11,10 @@
 #include <QDateTime>
 #endif
 
+bool fileExists(const QString& path) {
+    return QFileInfo(path).isFile();
+}
+
 #ifdef Q_OS_UNIX
 
 namespace {

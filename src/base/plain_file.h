@@ -5,6 +5,12 @@
 #include <QFile>
 #include <optional>
 
+/// Whether the path is that of a file; false for a folder.
+[[nodiscard]] bool fileExists(const QString& path);
+
+/// Whether there is a file of this path; a folder is none.
+[[nodiscard]] bool fileExists(const QString& path);
+
 /// Opens a regular file for reading, without blocking. False for anything else (folder, pipe,
 /// device), which is not opened. The type is checked before and after opening, since the name may
 /// be reused in between. The open file has no fileName().

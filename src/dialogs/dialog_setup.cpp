@@ -2,6 +2,7 @@
 #include "dialogs/dialog_setup.h"
 
 #include "base/messages.h"
+#include "base/plain_file.h"
 #include "dialogs/appearance.h"
 #include "ui_text_dialog.h"
 
@@ -12,7 +13,6 @@
 #include <QDesktopServices>
 #include <QDialog>
 #include <QEvent>
-#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QUrl>
@@ -135,6 +135,6 @@ void openTextDialog(QWidget& parent, const char* name, const QString& title, con
 void openHelpFile(const QString& path) {
     if (path.isEmpty())
         return;
-    if (!QFileInfo(path).isFile() || !QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+    if (!fileExists(path) || !QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
         showModelessWarning(QString("WARNING: Unable to open help file \"%1\"!").arg(path));
 }

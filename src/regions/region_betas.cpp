@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "regions/region_betas.h"
 
+#include "stats/design_rank.h"
 #include "stats/glm_batch.h"
 #include "stats/glm_kernels.h"
-#include "stats/numerics/matrix_products.h"
+#include "stats/numerics/linear_systems.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,6 +18,10 @@ constexpr float smallestScale = 0.01f; ///< constants below it give no percentag
 struct RegionModel {
     std::vector<int> columns;
     BatchDesign batch;
+    int rank = 0;
+    /// In double, where the inverse in float has dropped directions of slow drift terms; else
+    /// empty.
+    std::vector<double> inverse;
 };
 
 std::vector<int> columnsAt(const DesignMatrix& design, int volumeIndex) {
@@ -35,36 +40,58 @@ bool prepareModel(RegionModel& model, const DesignMatrix& design, int nrOfVolume
         return true;
     model.columns = columnsAt(design, nrOfVolumes - 1);
     model.batch.n = 0;
-    return model.columns.size() >= 2 &&
-           makeBatchDesign(model.batch, design, model.columns, nrOfVolumes);
+    model.inverse.clear();
+    if (model.columns.size() < 2 ||
+        !makeBatchDesign(model.batch, design, model.columns, nrOfVolumes))
+        return false;
+    model.rank = model.batch.rank;
+    if (model.rank == model.batch.p)
+        return true;
+    numerics::NormalInverse normal;
+    if (!numerics::invertNormalMatrix(normalMatrix(model.batch.x, model.columns.size()),
+                                      model.batch.p, normal))
+        return false;
+    model.rank = normal.rank;
+    model.inverse = std::move(normal.inverse);
+    return true;
 }
 
-std::vector<float> solvedBetas(const BatchDesign& batch, std::span<const float> values) {
+/// Sums and products in this type.
+template<typename Number>
+std::vector<double> solvedBetas(const BatchDesign& batch, const std::vector<Number>& inverse,
+                                std::span<const float> values) {
     const auto p = size_t(batch.p);
-    std::vector<float> xy(p);
+    std::vector<Number> xy(p);
     for (size_t t = 0; t < size_t(batch.n); ++t)
         for (size_t j = 0; j < p; ++j)
-            xy[j] += batch.x[t * p + j] * values[t];
-    std::vector<float> betas(p);
-    numerics::matVec(batch.inverse, xy, betas, batch.p, batch.p);
+            xy[j] += Number(batch.x[t * p + j]) * Number(values[t]);
+    std::vector<double> betas(p);
+    for (size_t i = 0; i < p; ++i) {
+        Number sum = 0;
+        for (size_t j = 0; j < p; ++j)
+            sum += inverse[i * p + j] * xy[j];
+        betas[i] = double(sum);
+    }
     return betas;
 }
 
-float varianceOfResiduals(const BatchDesign& batch, std::span<const float> betas,
+float varianceOfResiduals(const RegionModel& model, std::span<const double> betas,
                           std::span<const float> values) {
+    const BatchDesign& batch = model.batch;
     const auto p = size_t(batch.p);
-    if (batch.n <= batch.p)
+    if (batch.n <= model.rank)
         return 0.0f;
     double sum = 0.0;
     double squareSum = 0.0;
     for (size_t t = 0; t < size_t(batch.n); ++t) {
         double residual = double(values[t]);
         for (size_t j = 0; j < p; ++j)
-            residual -= double(batch.x[t * p + j] * betas[j]);
+            residual -= model.inverse.empty() ? double(batch.x[t * p + j] * float(betas[j]))
+                                              : double(batch.x[t * p + j]) * betas[j];
         sum += residual;
         squareSum += residual * residual;
     }
-    return float((squareSum - sum * sum / batch.n) / (batch.n - batch.p));
+    return float((squareSum - sum * sum / batch.n) / (batch.n - model.rank));
 }
 
 void setUnfitted(RegionOfInterest& region, const DesignMatrix& design) {
@@ -86,16 +113,20 @@ void turnIntoPercent(std::span<float> betas, int nrOfConditions) {
 void fit(RegionOfInterest& region, const DesignMatrix& design, const RegionModel& model) {
     const auto all = size_t(design.NrOfPredictors);
     const auto p = model.columns.size();
-    const std::vector<float> betas = solvedBetas(model.batch, region.TimeCourseValues);
-    region.residualVariance = varianceOfResiduals(model.batch, betas, region.TimeCourseValues);
+    const bool inDouble = !model.inverse.empty();
+    const std::span<const float> values = region.TimeCourseValues;
+    const std::vector<double> betas = inDouble
+                                          ? solvedBetas(model.batch, model.inverse, values)
+                                          : solvedBetas(model.batch, model.batch.inverse, values);
+    region.residualVariance = varianceOfResiduals(model, betas, values);
     region.ROIBetas.assign(all, 0.0f);
     region.BetaCovariance.assign(all * all, 0.0);
     for (size_t i = 0; i < p; ++i) {
         const auto row = size_t(model.columns[i]);
-        region.ROIBetas[row] = betas[i];
+        region.ROIBetas[row] = float(betas[i]);
         for (size_t j = 0; j < p; ++j)
             region.BetaCovariance[row * all + size_t(model.columns[j])] =
-                double(model.batch.inverse[i * p + j]);
+                inDouble ? model.inverse[i * p + j] : double(model.batch.inverse[i * p + j]);
     }
     region.predictorsInFit = int(p);
     if (design.NrOfConditionPredictors < design.NrOfPredictors)

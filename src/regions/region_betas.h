@@ -8,9 +8,10 @@
 /// Solves the model for each region's curve from the volumes 0 to its CurrentTimePoint, with the
 /// condition columns whose onset has passed (all, if no onsets are known) and all confounds, as
 /// solveBatch() does: b = inverse(X'X) X'y in float, the residual sum of squares about the mean
-/// residual in double. Sets ROIBetas, with conditions in percent of the constant if that is above
-/// 0.01 in magnitude, BetaCovariance, residualVariance (0 without degrees of freedom) and
-/// predictorsInFit. BetaCovariance and residualVariance are not scaled.
+/// residual in double; where the inverse in float would drop directions, in double. Sets ROIBetas,
+/// with conditions in percent of the constant if that is above 0.01 in magnitude, BetaCovariance,
+/// residualVariance (0 without degrees of freedom) and predictorsInFit. BetaCovariance and
+/// residualVariance are not scaled.
 ///
 /// `modelStarted` says that the run's own model has been solved. Before that, and for a region
 /// without a volume or with fewer than 2 columns in the model, all betas are 0 and the constant's

@@ -41,15 +41,6 @@ bool insufficientMemory() {
     return false;
 }
 
-float confoundValue(int confound, int nrOfConfoundPredictors, int volume, int nrOfVolumes) {
-    if (confound == 0)
-        return 1.0f;
-    const float time = float(volume) / float(nrOfVolumes);
-    if (nrOfConfoundPredictors == 2)
-        return time * 2.0f - 1.0f;
-    return std::cos(time * 3.1425f * float(confound));
-}
-
 // The box-car of a protocol in milliseconds is a list of intervals; an unchanged list needs no
 // work.
 bool createConditionPredictor(DesignMatrix& design, const DesignSource& source, int condition,
@@ -132,11 +123,9 @@ void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& sourc
                         .arg(drift));
     design.NrOfConfoundPredictors = 1 + drift;
     design.NrOfPredictors = design.NrOfConditionPredictors + design.NrOfConfoundPredictors;
-    addPredictor(design, "Constant", constantColor);
-    if (design.NrOfConfoundPredictors == 2)
-        addPredictor(design, "Linear Trend", driftColor);
-    for (int c = 1; c < design.NrOfConfoundPredictors && design.NrOfConfoundPredictors > 2; ++c)
-        addPredictor(design, QString("DCT-%1").arg(c), driftColor);
+    addPredictor(design, confoundName(0, design.NrOfConfoundPredictors), constantColor);
+    for (int c = 1; c < design.NrOfConfoundPredictors; ++c)
+        addPredictor(design, confoundName(c, design.NrOfConfoundPredictors), driftColor);
 }
 
 bool createConditionPredictors(DesignMatrix& design, const DesignSource& source) {
@@ -146,6 +135,21 @@ bool createConditionPredictors(DesignMatrix& design, const DesignSource& source)
         if (!createConditionPredictor(design, source, j + firstCondition, size_t(j)))
             return insufficientMemory();
     return true;
+}
+
+float confoundValue(int confound, int nrOfConfoundPredictors, int volume, int nrOfVolumes) {
+    if (confound == 0)
+        return 1.0f;
+    const float time = float(volume) / float(nrOfVolumes);
+    if (nrOfConfoundPredictors == 2)
+        return time * 2.0f - 1.0f;
+    return std::cos(time * 3.1425f * float(confound));
+}
+
+QString confoundName(int confound, int nrOfConfoundPredictors) {
+    if (confound == 0)
+        return "Constant";
+    return nrOfConfoundPredictors == 2 ? QString("Linear Trend") : QString("DCT-%1").arg(confound);
 }
 
 bool fillConfoundColumns(DesignMatrix& design, const DesignSource& source) {
@@ -165,13 +169,13 @@ bool fillConfoundColumns(DesignMatrix& design, const DesignSource& source) {
 }
 
 bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
-                              const QString& workingFolder) {
+                              const QString& targetFolder) {
     if (!fillConfoundColumns(design, source))
         return false;
     const int confounds = design.NrOfConfoundPredictors;
     if (design.NrOfPredictors - confounds != design.NrOfConditionPredictors)
         showCritical("INTERNAL ERROR - NrOfPredictors wrong");
-    const QString path = paths::join(workingFolder, "Realtime_DesignMatrix.txt");
+    const QString path = paths::join(targetFolder, "Realtime_DesignMatrix.txt");
     if (!writeFileAtomically(path, designText(design)))
         showWarning(QString("WARNING: Can not write the text file \"%1\".").arg(path));
     return true;

@@ -88,14 +88,19 @@ void buildConfoundPredictorNames(DesignMatrix& design, const DesignSource& sourc
 /// it is recomputed only when its inputs have changed: an event changes one or two columns. When
 /// memory runs out the program ends with status 1 after a message; false then.
 [[nodiscard]] bool createConditionPredictors(DesignMatrix& design, const DesignSource& source);
+/// Value and name of a confound at a volume: 0 is the constant; of two the other is a linear trend
+/// from -1 on; of more the others are cosines.
+[[nodiscard]] float confoundValue(int confound, int nrOfConfoundPredictors, int volume,
+                                  int nrOfVolumes);
+[[nodiscard]] QString confoundName(int confound, int nrOfConfoundPredictors);
 /// Fills the confound columns: the constant, then the drift terms. False when memory runs out,
 /// which ends the program with status 1 after a message.
 [[nodiscard]] bool fillConfoundColumns(DesignMatrix& design, const DesignSource& source);
-/// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `workingFolder`. When
+/// Fills the confound columns and writes `Realtime_DesignMatrix.txt` into `targetFolder`. When
 /// memory runs out the program ends with status 1 after a message; false then. Failure to write the
 /// text file only gives a warning, since nothing in the run reads it.
 [[nodiscard]] bool createConfoundPredictors(DesignMatrix& design, const DesignSource& source,
-                                            const QString& workingFolder);
+                                            const QString& targetFolder);
 
 /// Writes the box-car of a condition into a zeroed column of volumes: 1, or with
 /// `useConditionWeights` the weight at index max(conditionIndex - 1, 0) of ConditionWeights. For a
@@ -120,6 +125,8 @@ void findPredictorOnsets(DesignMatrix& design, int nrOfVolumes);
 /// not exceed 0.1 within the run, or does so too late for a solution of the schedule to follow.
 /// Call findPredictorOnsets() and fillGLMStepVolumes() first; the protocol must be complete.
 [[nodiscard]] QStringList conditionsWithoutModel(const DesignMatrix& design);
-/// Entry k: the larger of the previous entry plus 1 (10 for the first) and the k-th onset; -1 where
-/// no further column has an onset.
+/// No solution comes before this many volumes; a run that is shorter gets no model.
+inline constexpr int fewestModelVolumes = 12;
+/// Entry k: the larger of the previous entry plus 1 (11, the 12th volume, for the first) and the
+/// k-th onset; -1 where no further column has an onset.
 void fillGLMStepVolumes(DesignMatrix& design);

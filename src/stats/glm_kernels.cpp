@@ -173,20 +173,3 @@ void solveBlock(const BatchDesign& design, std::span<const int16_t* const> volum
     for (size_t v = 0; v < count; ++v)
         values[size_t(p) * stride + v] = squareSums[v] - sums[v] * sums[v] / n;
 }
-
-VELO_SIMD_CLONES
-void computeTotalSumsOfSquares(std::span<const int16_t* const> volumes, size_t count,
-                               double* __restrict totals) {
-    alignas(64) double sums[glmBlockVoxels];
-    std::fill_n(sums, count, 0.0);
-    std::fill_n(totals, count, 0.0);
-    for (const int16_t* samples : volumes)
-        for (size_t v = 0; v < count; ++v) {
-            const double sample = double(samples[v]);
-            sums[v] += sample;
-            totals[v] += sample * sample;
-        }
-    const double n = double(volumes.size());
-    for (size_t v = 0; v < count; ++v)
-        totals[v] -= sums[v] * sums[v] / n;
-}

@@ -78,8 +78,3 @@ struct BatchScratch {
 /// block's samples. Writes p rows of betas and the RSS in row p.
 void solveBlock(const BatchDesign& design, std::span<const int16_t* const> volumes, size_t count,
                 BatchScratch& scratch, double* values, size_t stride);
-
-/// Sum of squares about the mean over all volumes for each voxel. Exact up to the last division and
-/// difference, since sums of 16-bit numbers and of their squares are exact integers in a double.
-void computeTotalSumsOfSquares(std::span<const int16_t* const> volumes, size_t count,
-                               double* totals);

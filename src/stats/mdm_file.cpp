@@ -2,6 +2,7 @@
 #include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "base/text_reading.h"
 #include "stats/multi_study_design.h"
 
@@ -62,9 +63,9 @@ bool notFound(const char* what, const QString& name) {
 
 bool addStudyAndDesignMatrix(MultiStudyList& list, const QString& studyFile,
                              const QString& designFile) {
-    if (!QFileInfo(studyFile).isFile())
+    if (!fileExists(studyFile))
         return notFound("Study", studyFile);
-    if (!QFileInfo(designFile).isFile())
+    if (!fileExists(designFile))
         return notFound("Design matrix", designFile);
     if (readPredictorNamesOfRTC(designFile).isNull())
         return false;

@@ -14,6 +14,7 @@ namespace {
 
 constexpr RgbColor unknownColor{128, 128, 128};
 constexpr RgbColor constantColor{255, 255, 255};
+constexpr char confoundMark[] = " (confound)"; ///< ends the names of constants and drift terms
 
 bool fail(const QString& text) {
     showCritical(text);
@@ -117,7 +118,7 @@ void nameColumns(WholeRunDesign& design, const Layout& layout, const QStringList
             addPredictor(design, prefix + name, color, j);
         }
     for (size_t i = 0; i < layout.groupOfStudy.size(); ++i)
-        addPredictor(design, "Study signal level (confound)", constantColor, -1);
+        addPredictor(design, QString("Study signal level") + confoundMark, constantColor, -1);
 }
 
 /// Appends the rows of all studies.
@@ -149,9 +150,19 @@ std::optional<size_t> elementsOf(const Layout& layout, const std::vector<RTCFile
     return size_t(points) * columns;
 }
 
+/// Constants and drift terms, which stand behind all conditions.
+int nrOfConfounds(const WholeRunDesign& design) {
+    int count = 0;
+    for (auto predictor = design.predictors.rbegin();
+         predictor != design.predictors.rend() && predictor->name.endsWith(confoundMark);
+         ++predictor)
+        ++count;
+    return count;
+}
+
 /// Columns of one group of a model of several runs; 0 when the names don't say.
 int conditionsOfGroup(const WholeRunDesign& design) {
-    const int conditions = design.GLMPredictors() - design.nrOfStudies();
+    const int conditions = design.GLMPredictors() - nrOfConfounds(design);
     if (conditions <= 0 || design.separation == SeparatePredictors::None)
         return conditions;
     if (design.separation == SeparatePredictors::Studies)
@@ -196,11 +207,39 @@ bool assembleMultiStudyDesign(const MultiStudyList& list, const std::vector<RgbC
 
 std::vector<int> conditionsOfColumns(const WholeRunDesign& design) {
     std::vector<int> result(size_t(design.GLMPredictors()), -1);
-    const int columns = design.GLMPredictors() - design.nrOfStudies();
+    const int columns = design.GLMPredictors() - nrOfConfounds(design);
     const int conditions = conditionsOfGroup(design);
     if (conditions <= 0 || columns % conditions != 0)
         return result;
     for (int j = 0; j < columns; ++j)
         result[size_t(j)] = j % conditions;
     return result;
+}
+
+bool addDriftTerms(WholeRunDesign& design, int termsOfStudy) {
+    const size_t p = design.predictors.size();
+    const size_t terms = size_t(std::max(termsOfStudy, 0));
+    const size_t all = p + terms * design.studies.size();
+    if (!memoryIsAvailable(size_t(design.GLMDataPoints()) * all, sizeof(float)))
+        return fail("ERROR: Insufficient memory for creating GLM data structure!");
+    for (int study = 1; study <= design.nrOfStudies(); ++study)
+        for (int c = 1; c <= int(terms); ++c)
+            addPredictor(design,
+                         QString("Study %1: %2").arg(study).arg(confoundName(c, termsOfStudy + 1)) +
+                             confoundMark,
+                         unknownColor, -1);
+    std::vector<float> wider;
+    wider.reserve(size_t(design.GLMDataPoints()) * all);
+    auto row = design.GLMDesign.begin();
+    for (size_t study = 0; study < design.studies.size(); ++study)
+        for (int t = 0; t < design.studies[study].dataPoints; ++t, row += ptrdiff_t(p)) {
+            wider.insert(wider.end(), row, row + ptrdiff_t(p));
+            for (size_t of = 0; of < design.studies.size(); ++of)
+                for (int c = 1; c <= int(terms); ++c)
+                    wider.push_back(of == study ? confoundValue(c, termsOfStudy + 1, t,
+                                                                design.studies[study].dataPoints)
+                                                : 0.0f);
+        }
+    design.GLMDesign = std::move(wider);
+    return true;
 }

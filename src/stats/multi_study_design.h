@@ -84,6 +84,11 @@ struct StudyCondition {
                                             const std::vector<RgbColor>& colors,
                                             WholeRunDesign& design, VolumeSize& size);
 
+/// Appends drift terms for each study behind the constants: one is a linear trend, more are
+/// cosines, as in the design of a run. Named "Study %i: " + name + " (confound)". False after a
+/// message when memory runs out.
+[[nodiscard]] bool addDriftTerms(WholeRunDesign& design, int termsOfStudy);
+
 /// The data of the listed runs, read from their .stc files slice by slice: memory for one slice of
 /// all runs. Null, after a message, when a run's data are missing, too short, or memory runs out.
 [[nodiscard]] std::unique_ptr<SliceSource> openRunsOnDisk(const MultiStudyList& list);

@@ -24,7 +24,7 @@ void findPredictorOnsets(DesignMatrix& design, int nrOfVolumes) {
 }
 
 void fillGLMStepVolumes(DesignMatrix& design) {
-    int previous = 10;
+    int previous = fewestModelVolumes - 2; // an index: one before that of the first solution
     design.GLMStepVolumes.assign(design.PredictorOrder.size(), -1);
     for (size_t k = 0; k < design.PredictorOrder.size(); ++k) {
         const int column = design.PredictorOrder[k];

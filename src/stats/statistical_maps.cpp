@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/statistical_maps.h"
 
+#include "stats/contrasts.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -24,7 +26,6 @@ bool StatisticalMaps::allocateMaps(int count, const VolumeSize& sizeOfEach) {
 }
 
 int StatisticalMaps::nrOfMapsToShow(bool conjunction) const {
-    constexpr int maximumShownMaps = 4;
-    return std::min(
-        {NrOfActiveContrasts, conjunction ? 1 : maximumShownMaps, nrOfMaps, int(states.size())});
+    const int most = conjunction ? 1 : ContrastDefinitions::maximumShownMaps;
+    return std::min({NrOfActiveContrasts, most, nrOfMaps, int(states.size())});
 }

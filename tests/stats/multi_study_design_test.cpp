@@ -322,3 +322,29 @@ TEST_F(MultiStudy, SlicesOfBothFormatsAreReadFromDisk) {
 }
 
 } // namespace
+
+TEST(DriftTerms, BelongToOneStudyEachAndToNoCondition) {
+    WholeRunDesign design;
+    design.studies = {{4, "a.fmr", "a.rtc", 1}, {2, "b.fmr", "b.rtc", 1}};
+    for (const char* name :
+         {"Faces", "Houses", "Study signal level (confound)", "Study signal level (confound)"})
+        design.predictors.push_back({"", name, {}});
+    for (int t = 0; t < 6; ++t)
+        for (const float value : {0.1f * float(t), 0.5f, t < 4 ? 1.0f : 0.0f, t < 4 ? 0.0f : 1.0f})
+            design.GLMDesign.push_back(value);
+    WholeRunDesign cosines = design;
+    ASSERT_TRUE(addDriftTerms(design, 1) && addDriftTerms(cosines, 2));
+    EXPECT_EQ(design.predictors.back().name, "Study 2: Linear Trend (confound)");
+    EXPECT_EQ(cosines.predictors[4].name, "Study 1: DCT-1 (confound)");
+    EXPECT_EQ(conditionsOfColumns(design), (std::vector<int>{0, 1, -1, -1, -1, -1}));
+    EXPECT_EQ(conditionsOfColumns(cosines), (std::vector<int>{0, 1, -1, -1, -1, -1, -1, -1}));
+    const float trends[6][2] = {{-1, 0}, {-0.5f, 0}, {0, 0}, {0.5f, 0}, {0, -1}, {0, 0}};
+    for (size_t t = 0; t < 6; ++t) {
+        EXPECT_EQ(design.GLMDesign[t * 6], 0.1f * float(t));
+        for (size_t study = 0; study < 2; ++study)
+            EXPECT_EQ(design.GLMDesign[t * 6 + 4 + study], trends[t][study]) << t;
+    }
+    EXPECT_NEAR(cosines.GLMDesign[1 * 8 + 5], std::cos(0.25 * 3.1425 * 2), 1e-6);
+    EXPECT_NEAR(cosines.GLMDesign[5 * 8 + 6], std::cos(0.5 * 3.1425), 1e-6);
+    EXPECT_EQ(cosines.GLMDesign[5 * 8 + 4], 0.0f);
+}

@@ -67,7 +67,6 @@ protected:
 
 private:
     [[nodiscard]] PlotRanges shown() const;
-    void setZoom(const PlotRange& x, const PlotRange& y);
     bool zoomAround(const QPointF& share, double factorX, double factorY);
     bool move(double shareX, double shareY);
     [[nodiscard]] QRect draggedRectangle() const;

@@ -18,7 +18,6 @@
 #include "volume/motion_correction.h"
 #include "volume/smoothing.h"
 
-#include <QString>
 #include <vector>
 
 /// Owns the data of one run. Algorithms are passed the parts they need, never the document.
@@ -45,8 +44,8 @@ public:
     BrainMask mask;
     GLMState glm;                ///< updated during a run
     WholeRunModel wholeRunModel; ///< of the complete run, or of the runs of a multi-run project
-    bool multiRunDocument =
-        false; ///< of several runs: the project is the first one's, without data
+    /// Of several runs: project, protocol and motion are the first one's, without volumes.
+    bool multiRunDocument = false;
     StatisticalMaps maps;
     Regions regions;
 
@@ -55,9 +54,6 @@ public:
     SliceMosaicLayout mosaic;
     OverlayColors overlayColors;
     bool SignificanceColorCoding = false;
-
-    QString workingFolder; ///< of the settings file
-    QString mapName = "<untitled>";
 
     /// Recomputes the colour tables after a change of contrasts or of the colour coding.
     void updateOverlayColors();

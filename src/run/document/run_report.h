@@ -17,7 +17,9 @@ struct CycleTimes {
 
 /// Written by the session and the loop, read by everybody.
 struct RunReport {
-    int currentVolume = -1;       ///< index of the last valid volume; -1 before a run
+    /// Index of the last valid volume; -1 before a run. Of a run that was reloaded, and of several
+    /// runs, the number of volumes: one more than the last index.
+    int currentVolume = -1;
     int interruptedAtVolume = -1; ///< where the operator stopped the run
     qint64 elapsedRunTime = 0;    ///< milliseconds, set after every volume
     CycleTimes times;
@@ -32,7 +34,8 @@ struct RunReport {
     /// Outcome of the latest run or reload, shown on the panel until something newer happens.
     QString outcomeText;
 
-    /// Resets for a new run, or for none: nothing has been measured.
+    /// Resets for a new run, or for none: nothing has been measured. How the latest run or start
+    /// ended stays.
     void forgetVolumes() {
         interruptedAtVolume = -1;
         currentVolume = -1;

@@ -7,8 +7,8 @@ enum class Phase {
     Preparing,      ///< from the press of the run button to the start of the loop
     Recording,      ///< the volume loop, from its start to its end
     Saving,         ///< from the end of the loop until the run is on disk
-    Reloading,      ///< a finished run is loaded from disk
-    PostProcessing, ///< the volumes in memory are changed and written under new names
+    Reloading,      ///< a finished run is loaded from disk, with its model
+    PostProcessing, ///< the volumes in memory are changed, written under new names and fitted
     Analysing,      ///< the model of a complete run, or of several runs, is fitted
 };
 

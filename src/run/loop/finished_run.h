@@ -1,4 +1,5 @@
-// A run after its loop: saving, reload, post-processing.
+// A run after its loop: saving (run_saving.cpp), reload (run_reload.cpp), post-processing of the
+// volumes in memory (run_postprocessing.cpp).
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -30,8 +31,8 @@
 [[nodiscard]] bool saveRecordedData(const RunParts& run);
 
 /// Loads project, protocol and contrasts of the run that the settings file describes into the empty
-/// document, and fits the model again, volume by volume as it was fitted while the run was
-/// measured, so that the maps are those of the run's end. False after a message.
+/// document. The model of the complete run comes from its file, or is fitted where there is none;
+/// see modelAfterReload(). False after a message.
 [[nodiscard]] bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer);
 
 /// Carries the options out on the first volumes of the run, as many as were measured, writes the

@@ -3,29 +3,24 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "run/loop/finished_run.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_preparation.h"
+#include "run/loop/run_statistics.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/prt_file.h"
 #include "run/settings/settings_file.h"
-#include "stats/clusters.h"
 #include "stats/glm_file.h"
-#include "stats/whole_run_maps.h"
 #include "volume/first_volume_file.h"
 #include "volume/fmr_file.h"
 #include "volume/stc_file.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 namespace {
 
 constexpr char noProtocol[] = "ERROR: No protocol file associated with FMR file.";
-
-bool exists(const QString& path) {
-    return QFileInfo(path).isFile();
-}
 
 SeparatePredictors separationOf(const RunSettings& settings) {
     if (!settings.MergeSeparatePredictors)
@@ -131,12 +126,11 @@ bool Analysis::loadFirstProject(const QString& path) {
     FMRProject& project = document_.project;
     if (!loadFMRProjectHeader(project, path))
         return false;
-    document_.workingFolder = project.targetFolder;
     QDir::setCurrent(project.targetFolder);
     document_.mosaic.MosaicColumns = std::max(project.LayoutNColumns, 1);
     document_.mosaic.MosaicRows = std::max(project.LayoutNRows, 1);
     run_.requests.pendingOverlayInplane = -1;
-    run_.settings.MotionCorrection = exists(motionParametersFileName(project));
+    run_.settings.MotionCorrection = fileExists(motionParametersFileName(project));
     // Without its motion a run is shown all the same.
     if (run_.settings.MotionCorrection)
         (void)loadMotionParameters(document_.motion, project, run_.settings.MotionCorrection);
@@ -148,7 +142,7 @@ bool Analysis::loadFirstProject(const QString& path) {
 void Analysis::showBackground() {
     FMRProject& project = document_.project;
     FMRHeader header = project;
-    const bool shown = (exists(firstVolumeFileName(project)) && readFirstVolume(project)) ||
+    const bool shown = (fileExists(firstVolumeFileName(project)) && readFirstVolume(project)) ||
                        (savedDataFault(project, project.projectPath).isEmpty() &&
                         readSTCVolume(0, project.projectPath, header, project.firstVolume)) ||
                        project.firstVolume.allocate(project.volumeSamples());
@@ -182,7 +176,7 @@ bool Analysis::loadRuns() {
 
 // Before anything is written: runs that don't fit together leave the target folder as it was.
 bool Analysis::openSamples() {
-    if (exists(modelFile_))
+    if (fileExists(modelFile_))
         return true;
     MultiStudyList runs;
     for (const RunOfStudy& run : runs_)
@@ -203,10 +197,11 @@ MultiRunEnd Analysis::fitModel() {
         colors.push_back(conditions_[i].color);
     WholeRunDesign design;
     VolumeSize size;
-    if (!assembleMultiStudyDesign(list_, colors, design, size))
+    if (!assembleMultiStudyDesign(list_, colors, design, size) ||
+        !addDriftTerms(design, run_.settings.MergeDriftConfoundPredictors))
         return MultiRunEnd::Failed;
     design.CorrectSerialCorrelations = run_.settings.MergeCorrectSerialCorrelations;
-    writeDesignText(design, document_.workingFolder);
+    writeDesignText(design, document_.project.targetFolder);
     WholeRunFit fit = WholeRunFit::Failed;
     {
         const std::unique_ptr<ProgressReporter> progress =
@@ -215,7 +210,6 @@ MultiRunEnd Analysis::fitModel() {
     }
     if (fit != WholeRunFit::Done)
         return fit == WholeRunFit::Cancelled ? MultiRunEnd::Cancelled : MultiRunEnd::Failed;
-    document_.wholeRunModel.GLMType = 2;
     // What could not be kept is shown all the same.
     (void)writeGLMFile(modelFile_, document_.wholeRunModel);
     return MultiRunEnd::Done;
@@ -236,9 +230,11 @@ void Analysis::tellOfOtherRuns() {
         return a.studyFile == b.studyFile && a.dataPoints == b.dataPoints;
     };
     const bool sameRuns = std::ranges::equal(model.studies, list_.studies, isSame);
+    const auto confounds = std::ranges::count(conditionsOfColumns(model), -1);
     if (sameRuns && model.transformation == list_.transformation &&
         model.separation == list_.separation &&
-        model.CorrectSerialCorrelations == run_.settings.MergeCorrectSerialCorrelations)
+        model.CorrectSerialCorrelations == run_.settings.MergeCorrectSerialCorrelations &&
+        confounds == model.nrOfStudies() * (1 + run_.settings.MergeDriftConfoundPredictors))
         return;
     showInformation(
         QStringLiteral("INFO: The model in file \"%1\" %2 \"%3\" %4 now. It is shown as it is; "
@@ -249,7 +245,7 @@ void Analysis::tellOfOtherRuns() {
                  paths::fileName(run_.settings.settingsFilePath), sameRuns ? "states" : "lists"));
 }
 
-// Names and contrasts are those of a run with all conditions, without drift terms.
+// Names and contrasts are those of a run with all conditions.
 void Analysis::setUpContrasts() {
     StimulationProtocol united;
     for (const StudyCondition& condition : conditions_) {
@@ -258,7 +254,8 @@ void Analysis::setUpContrasts() {
         entry.color = condition.color;
     }
     DesignMatrix& design = document_.design;
-    const DesignSource source{united, document_.project.TR, document_.project.NrOfVolumes, 1, 0};
+    const DesignSource source{united, document_.project.TR, document_.project.NrOfVolumes, 1,
+                              run_.settings.MergeDriftConfoundPredictors};
     buildConditionPredictorNames(design, source);
     buildConfoundPredictorNames(design, source);
     constexpr int againstFirstCondition = 1;
@@ -267,13 +264,8 @@ void Analysis::setUpContrasts() {
 
 bool Analysis::computeMaps() {
     const WholeRunModel& model = document_.wholeRunModel;
-    if (!createMaskOfModel(document_.mask, model.row(WholeRunModel::totalRow())) ||
-        !computeContrastMaps(model, document_.mask, document_.contrasts, document_.maps))
-        return false;
-    computeClusterSizes(document_.maps, run_.requests.thresholds,
-                        document_.contrasts.ConjunctionAnalysis);
-    document_.updateOverlayColors();
-    return true;
+    return createMaskOfModel(document_.mask, model.row(WholeRunModel::totalRow())) &&
+           showModel(run_);
 }
 
 } // namespace
@@ -314,7 +306,7 @@ bool readRunHeader(RunOfStudy& study, const MultiRunProject& project, int index,
 }
 
 bool readRunProtocol(RunOfStudy& study, const QString& missingText) {
-    if (exists(study.protocol.protocolPath))
+    if (fileExists(study.protocol.protocolPath))
         return readPRTFile(study.protocol, ResponseTable::Read);
     showCritical(missingText);
     return false;
@@ -327,6 +319,5 @@ MultiRunEnd analyseMultiRun(const RunParts& run, const MultiRunProject& project,
         return end;
     run.report.currentVolume = run.document.project.NrOfVolumes;
     run.report.ofSeveralRuns = true;
-    run.report.mapsPresent = run.document.maps.NrOfActiveContrasts > 0;
     return end;
 }

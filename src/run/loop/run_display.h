@@ -7,6 +7,8 @@
 #include <QString>
 #include <memory>
 
+/// As long as the button shows NoSettingsFile it starts no run. It also has this state from the end
+/// of a run to the next look at the settings file, so that no run is started twice.
 enum class RunButtonState { NoSettingsFile = 0, Ready = 1, Finished = 2, Running = 3 };
 
 class RunDisplay {

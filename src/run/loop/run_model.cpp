@@ -4,6 +4,7 @@
 #include "base/messages.h"
 #include "base/program_end.h"
 #include "stats/contrast_file.h"
+#include "stats/design_rank.h"
 
 namespace {
 
@@ -12,7 +13,7 @@ bool buildDesign(QtCortivoDoc& document, const RunSettings& settings) {
     const DesignSource source = designSource(document, settings);
     releasePredictorColumns(design);
     if (!createConditionPredictors(design, source) ||
-        !createConfoundPredictors(design, source, document.workingFolder))
+        !createConfoundPredictors(design, source, document.project.targetFolder))
         return false;
     if (isProtocolPathSet(document.protocol.protocolPath)) {
         findPredictorOnsets(design, source.NrOfVolumes);
@@ -105,11 +106,10 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
     document.updateOverlayColors();
 }
 
-QStringList conditionsThatNeverEnter(const QtCortivoDoc& document, const RunSettings& settings) {
+ModelLimits limitsOfPlannedModel(const QtCortivoDoc& document, const RunSettings& settings) {
     // A run that is too short for any model is meant so: a test of the export, a reference scan.
-    constexpr int firstSolution = 12; // volumes
     if (!isProtocolPathSet(document.protocol.protocolPath) ||
-        settings.nrOfAnalysedVolumes() < firstSolution)
+        settings.nrOfAnalysedVolumes() < fewestModelVolumes)
         return {};
     // A design of its own: the document's gets its columns when the loop begins.
     DesignMatrix planned;
@@ -117,12 +117,17 @@ QStringList conditionsThatNeverEnter(const QtCortivoDoc& document, const RunSett
     if (contrastFileHasNoBaseline(settings.ContrastFile))
         source.BaselinePosInProtocol = 0;
     buildConditionPredictorNames(planned, source);
-    planned.NrOfPredictors = planned.NrOfConditionPredictors;
-    if (!createConditionPredictors(planned, source))
+    // What doesn't fit is told of with the document's own design.
+    source.DriftConfoundPredictors =
+        std::min(source.DriftConfoundPredictors,
+                 DesignMatrix::maximumPredictors - planned.NrOfConditionPredictors - 1);
+    buildConfoundPredictorNames(planned, source);
+    if (!createConditionPredictors(planned, source) || !fillConfoundColumns(planned, source))
         return {};
     findPredictorOnsets(planned, source.NrOfVolumes);
     fillGLMStepVolumes(planned);
-    return conditionsWithoutModel(planned);
+    return {conditionsWithoutModel(planned),
+            predictorsThatDependOnOthers(planned, source.NrOfVolumes)};
 }
 
 bool rebuildDesign(DesignMatrix& design, const QtCortivoDoc& document,
@@ -155,4 +160,15 @@ bool prepareModel(QtCortivoDoc& document, const RunSettings& settings) {
         return false;
     }
     return true;
+}
+
+void tellOfDependentPredictors(const QStringList& predictors) {
+    if (predictors.isEmpty())
+        return;
+    showModelessWarning(
+        QStringLiteral("WARNING: These predictors can not be told apart, since they depend on each "
+                       "other in the whole run: %1.\n\nContrasts that need them will have empty "
+                       "maps. Check the protocol, the number of volumes and "
+                       "\"DriftConfoundPredictors:\".")
+            .arg(predictors.join(", ")));
 }

@@ -28,8 +28,15 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
 [[nodiscard]] bool rebuildDesign(DesignMatrix& design, const QtCortivoDoc& document,
                                  const RunSettings& settings);
 
-/// Conditions of a complete protocol that will never enter the model of this run, by name; see
-/// conditionsWithoutModel(). None for a protocol that arrives during the run, and for a run of
-/// fewer than 12 volumes, which gets no model.
-[[nodiscard]] QStringList conditionsThatNeverEnter(const QtCortivoDoc& document,
-                                                   const RunSettings& settings);
+/// What the model of a planned run will not give, by names of predictors.
+struct ModelLimits {
+    QStringList conditionsThatNeverEnter; ///< see conditionsWithoutModel()
+    QStringList dependentPredictors;      ///< see predictorsThatDependOnOthers()
+};
+/// For a complete protocol, over all planned volumes. Nothing for a protocol that arrives during
+/// the run, and for a run of fewer than fewestModelVolumes.
+[[nodiscard]] ModelLimits limitsOfPlannedModel(const QtCortivoDoc& document,
+                                               const RunSettings& settings);
+
+/// Warns of predictors that no data of this run tell apart, unless there are none.
+void tellOfDependentPredictors(const QStringList& predictors);

@@ -50,15 +50,13 @@ bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
     if (postprocessRun(project, nrOfMeasuredVolumes, options, backup, steps) !=
         PostprocessingResult::Done)
         return false;
-    const bool written = writeFiles(project, nrOfMeasuredVolumes, options, writing);
-    if (!written) {
+    if (!writeFiles(project, nrOfMeasuredVolumes, options, writing)) {
         backup.restore(project);
         return false;
     }
     backup.release();
     if (run.requests.overlayVolumeMode != 0)
         run.document.slices.updateSlicePixmaps(project.volumes[size_t(nrOfMeasuredVolumes) - 1]);
-    const bool fitted = !recomputeStatistics ||
-                        fitCompleteRun(run, nrOfMeasuredVolumes, statistics) == WholeRunFit::Done;
-    return written && fitted;
+    return !recomputeStatistics ||
+           fitCompleteRun(run, nrOfMeasuredVolumes, statistics) == WholeRunFit::Done;
 }

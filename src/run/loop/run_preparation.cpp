@@ -95,7 +95,6 @@ void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings)
     document.protocol.protocolPath = settings.StimulationProtocol;
     document.mosaic.MosaicColumns = std::max(settings.NrOfColumns, 1);
     document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
-    document.workingFolder = settings.TargetFolder;
 }
 
 void showFirstVolume(QtCortivoDoc& document) {
@@ -107,14 +106,15 @@ void showFirstVolume(QtCortivoDoc& document) {
 namespace {
 
 // The operator hears of it before the first volume is waited for, and may mend the protocol.
-void tellOfConditionsWithoutModel(const QtCortivoDoc& document, const RunSettings& settings) {
-    const QStringList names = conditionsThatNeverEnter(document, settings);
-    if (!names.isEmpty())
+void tellOfModelLimits(const QtCortivoDoc& document, const RunSettings& settings) {
+    const ModelLimits limits = limitsOfPlannedModel(document, settings);
+    if (!limits.conditionsThatNeverEnter.isEmpty())
         showModelessWarning(
             QStringLiteral("WARNING: The model will not hold these conditions, since "
                            "their response does not begin in time within the run: "
                            "%1.")
-                .arg(names.join(", ")));
+                .arg(limits.conditionsThatNeverEnter.join(", ")));
+    tellOfDependentPredictors(limits.dependentPredictors);
 }
 
 // A shortage of memory is found here and not in the middle of a run.
@@ -198,11 +198,11 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
     copySettingsToDocument(document, settings);
     if (!lockTargetFolder(run))
         return nullptr;
-    if (!document.workingFolder.isEmpty())
-        QDir::setCurrent(document.workingFolder);
+    if (!settings.TargetFolder.isEmpty())
+        QDir::setCurrent(settings.TargetFolder);
     if (!readProtocol(run))
         return nullptr;
-    tellOfConditionsWithoutModel(document, settings);
+    tellOfModelLimits(document, settings);
     if (!allocateRun(document))
         return nullptr;
     if (settings.ShowGODlgAfterPreparation)

@@ -2,6 +2,7 @@
 #include "run/loop/finished_run.h"
 
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_model.h"
 #include "run/loop/run_preparation.h"
@@ -14,13 +15,8 @@
 #include "volume/fmr_project.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 namespace {
-
-bool exists(const QString& path) {
-    return QFileInfo(path).isFile();
-}
 
 bool readRecordedProtocol(QtCortivoDoc& document, const RunSettings& settings) {
     document.protocol.tdatPath.clear();
@@ -56,7 +52,7 @@ QString protocolOfSavedRun(const FMRHeader& header, const QString& folder,
         header.ProtocolFiles.isEmpty()
             ? QString()
             : paths::join(folder, paths::fileName(header.ProtocolFiles.first()));
-    return exists(recorded) ? recorded : measuredWith;
+    return fileExists(recorded) ? recorded : measuredWith;
 }
 
 bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
@@ -76,10 +72,10 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     if (!loadProject(run) || !readRecordedProtocol(document, settings) || !hasConditions(document))
         return false;
     const QString contrasts = contrastFilePath({}, project.projectPath);
-    setUpContrasts(document, settings, exists(contrasts) ? contrasts : settings.ContrastFile);
+    setUpContrasts(document, settings, fileExists(contrasts) ? contrasts : settings.ContrastFile);
     showSlices(document.project, document);
     // The log of a stimulation computer may have turned the correction off that the settings state.
-    if (isProtocolPathSet(settings.TDatFile) && !exists(motionParametersFileName(project)))
+    if (isProtocolPathSet(settings.TDatFile) && !fileExists(motionParametersFileName(project)))
         settings.MotionCorrection = false;
     // Without its motion a run is shown all the same.
     if (settings.MotionCorrection)

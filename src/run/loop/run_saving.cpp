@@ -25,6 +25,7 @@ namespace {
 struct SaveStep {
     int progressBefore; ///< percent, set before the step; -1 leaves it
     std::function<bool()> write;
+    QString path = {}; ///< what it writes, to be read back; empty where filesReadBack() does more
 };
 
 // What the project file states beside the settings: the live layout and the protocol.
@@ -45,6 +46,11 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
     FMRProject& project = document.project;
     const int volumes = recordedVolumes(run.report, project);
     const auto dataWritten = std::make_shared<bool>(false);
+    const QString maps = resultPath(project, ".mps", "Maps.mps");
+    const QString contrasts = resultPath(project, ".ctr", "Contrasts.ctr");
+    const QString regions = regionFilePath(project);
+    const bool hasMotion =
+        run.settings.MotionCorrection && !document.motion.motionParameters[0].empty();
     return {
         {0,
          // A failure clears the path, and the name of the file with it.
@@ -70,25 +76,24 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
                     isProtocolPathSet(document.protocol.protocolPath);
          }},
         {-1,
-         [&] {
-             return writeMapFile(resultPath(project, ".mps", "Maps.mps"), document.maps,
-                                 run.requests.thresholds, document.contrasts);
-         }},
+         [&, maps] {
+             return writeMapFile(maps, document.maps, run.requests.thresholds, document.contrasts);
+         },
+         maps},
         {90,
-         [&] {
-             return writeContrastFile(resultPath(project, ".ctr", "Contrasts.ctr"),
-                                      document.contrasts, document.design.NrOfContrastPredictors);
-         }},
+         [&, contrasts] {
+             return writeContrastFile(contrasts, document.contrasts,
+                                      document.design.NrOfContrastPredictors);
+         },
+         contrasts},
+        {-1, [&, regions] { return writeROIFile(regions, document.regions, run.requests.regions); },
+         regions},
         {-1,
-         [&] {
-             return writeROIFile(regionFilePath(project), document.regions, run.requests.regions);
-         }},
-        {-1,
-         [&, volumes] {
-             return !run.settings.MotionCorrection ||
-                    saveMotionParameters(document.motion, project, volumes);
-         }},
-        {-1, [&] { return writeFirstVolume(project); }},
+         [&, volumes, hasMotion] {
+             return !hasMotion || saveMotionParameters(document.motion, project, volumes);
+         },
+         hasMotion ? motionParametersFileName(project) : QString()},
+        {-1, [&] { return writeFirstVolume(project); }, firstVolumeFileName(project)},
     };
 }
 
@@ -106,7 +111,7 @@ bool runSteps(std::vector<SaveStep>& steps, ProgressReporter& progress) {
 
 // Whether the files are what was to be written. Samples and sizes are compared; a text or a map
 // that was written whole must come back from the disk.
-bool filesReadBack(const RunParts& run) {
+bool filesReadBack(const RunParts& run, const std::vector<SaveStep>& steps) {
     const QtCortivoDoc& document = run.document;
     const FMRProject& project = document.project;
     const int volumes = recordedVolumes(run.report, project);
@@ -118,16 +123,14 @@ bool filesReadBack(const RunParts& run) {
         parseFMR(text, FMRScope::Inspection, header) != FMRParseResult::Ok ||
         header.size() != project.size() || header.NrOfVolumes != volumes)
         return false;
-    QStringList others{document.protocol.protocolPath, resultPath(project, ".mps", "Maps.mps"),
-                       resultPath(project, ".ctr", "Contrasts.ctr"), regionFilePath(project),
-                       firstVolumeFileName(project)};
-    if (run.settings.MotionCorrection && !document.motion.motionParameters[0].empty())
-        others << motionParametersFileName(project);
-    const bool othersReadable = std::ranges::all_of(others, [](const QString& name) {
+    const auto isReadable = [](const QString& name) {
         QFile file(name);
         return openPlainFile(file) && !file.readAll().isEmpty();
-    });
-    return othersReadable && stcDataReadBack(project, volumes, run.pump);
+    };
+    const bool othersReadable = std::ranges::all_of(
+        steps, [&](const SaveStep& step) { return step.path.isEmpty() || isReadable(step.path); });
+    return isReadable(document.protocol.protocolPath) && othersReadable &&
+           stcDataReadBack(project, volumes, run.pump);
 }
 
 } // namespace
@@ -153,14 +156,15 @@ bool askToSaveAgain(const QString& folder) {
 bool saveRecordedData(const RunParts& run) {
     const FMRProject& project = run.document.project;
     const std::unique_ptr<ProgressReporter> progress = run.display.openSavingProgress();
-    std::vector<SaveStep> steps = saveSteps(run, *progress);
+    const std::vector<SaveStep> steps = saveSteps(run, *progress);
+    std::vector<SaveStep> left = steps;
     for (;;) {
         // The folder was there when the run began; it may have gone since.
         QDir().mkpath(project.targetFolder);
-        if (runSteps(steps, *progress)) {
-            if (filesReadBack(run))
+        if (runSteps(left, *progress)) {
+            if (filesReadBack(run, steps))
                 break;
-            steps = saveSteps(run, *progress);
+            left = steps;
         }
         if (!askToSaveAgain(project.targetFolder))
             return false;

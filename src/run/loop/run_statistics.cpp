@@ -3,16 +3,17 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "run/loop/finished_run.h"
 #include "run/loop/run_model.h"
 #include "stats/clusters.h"
 #include "stats/design_matrix_rtc.h"
+#include "stats/design_rank.h"
 #include "stats/glm_batch.h"
 #include "stats/glm_file.h"
 #include "stats/whole_run_maps.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <algorithm>
 
 namespace {
@@ -48,6 +49,16 @@ bool makeRunDesign(WholeRunDesign& whole, const RunParts& run, int nrOfVolumes) 
     return true;
 }
 
+/// Of a protocol that arrived nothing was known before the run.
+void tellOfArrivedDesign(const RunParts& run, int nrOfVolumes) {
+    const StimulationProtocol& protocol = run.document.protocol;
+    DesignMatrix design;
+    if ((isProtocolPathSet(protocol.tdatPath) ||
+         isProtocolPathSet(protocol.realTimeProtocolPath)) &&
+        rebuildDesign(design, run.document, run.settings))
+        tellOfDependentPredictors(predictorsThatDependOnOthers(design, nrOfVolumes));
+}
+
 /// The design of the model as a file: the run's columns up to its last volume.
 RTCFile rtcFileOf(const WholeRunDesign& whole) {
     RTCFile file;
@@ -65,7 +76,7 @@ RTCFile rtcFileOf(const WholeRunDesign& whole) {
 void writeModel(const RunParts& run) {
     const FMRProject& project = run.document.project;
     WholeRunModel& model = run.document.wholeRunModel;
-    writeDesignText(model, run.document.workingFolder);
+    writeDesignText(model, project.targetFolder);
     if (writeGLMDesignMatrixRTC(rtcFileOf(model), modelDesignFilePath(project)))
         (void)writeGLMFile(modelFilePath(project), model);
 }
@@ -102,7 +113,7 @@ bool readModel(const RunParts& run) {
 } // namespace
 
 QString modelFilePath(const FMRProject& project) {
-    return resultPath(project, ".glm", "vco.glm");
+    return resultPath(project, ".glm", defaultGLMFileName);
 }
 
 QString modelDesignFilePath(const FMRProject& project) {
@@ -158,7 +169,10 @@ void fitAfterRun(const RunParts& run) {
     const std::unique_ptr<ProgressReporter> progress = run.display.openModelProgress(progressText);
     if (fitCompleteRun(run, volumes, *progress) != WholeRunFit::Done)
         return dropModel(run);
-    if (run.report.savedCompletely && run.document.wholeRunModel.isValid())
+    if (!run.document.wholeRunModel.isValid())
+        return;
+    tellOfArrivedDesign(run, volumes);
+    if (run.report.savedCompletely)
         writeModel(run);
     run.display.updateViews();
 }
@@ -167,7 +181,7 @@ void modelAfterReload(const RunParts& run) {
     QtCortivoDoc& document = run.document;
     if (!createBrainMask(document.mask, document.project, brainMaskThreshold))
         return;
-    if (QFileInfo(modelFilePath(document.project)).isFile() && readModel(run)) {
+    if (fileExists(modelFilePath(document.project)) && readModel(run)) {
         (void)showModel(run);
         return;
     }

@@ -5,9 +5,6 @@
 #include "run/loop/run_parts.h"
 #include "stats/whole_run_glm.h"
 
-/// Runs shorter than this get no model, as while they are measured.
-inline constexpr int fewestModelVolumes = 12;
-
 /// The file of the run's model, and that of its design with all confounds.
 [[nodiscard]] QString modelFilePath(const FMRProject& project);
 [[nodiscard]] QString modelDesignFilePath(const FMRProject& project);

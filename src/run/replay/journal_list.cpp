@@ -2,6 +2,7 @@
 #include "run/replay/journal_list.h"
 
 #include "base/file_writing.h"
+#include "base/plain_file.h"
 #include "base/text_reading.h"
 
 #include <QFileInfo>
@@ -30,7 +31,7 @@ void JournalList::change(const std::function<void(QStringList&)>& edit) const {
 
 QStringList JournalList::journals() const {
     QStringList found = read().value_or(QStringList());
-    found.removeIf([](const QString& journal) { return !QFileInfo(journal).isFile(); });
+    found.removeIf([](const QString& journal) { return !fileExists(journal); });
     std::ranges::reverse(found);
     return found;
 }

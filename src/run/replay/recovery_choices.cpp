@@ -2,6 +2,7 @@
 #include "run/replay/recovery_choices.h"
 
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "base/text_reading.h"
 #include "volume/fmr_file.h"
 
@@ -45,7 +46,7 @@ QString endingText(const JournalDescription& journal, qint64 now) {
 
 QString settingsText(const QString& path) {
     return "Settings file: " + path +
-           (QFileInfo(path).isFile() ? "" : " (no longer there; its text is in the journal)");
+           (fileExists(path) ? "" : " (no longer there; its text is in the journal)");
 }
 
 } // namespace

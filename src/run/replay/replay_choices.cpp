@@ -2,6 +2,7 @@
 #include "run/replay/replay_choices.h"
 
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "base/text_reading.h"
 #include "run/replay/journal_description.h"
 #include "run/replay/run_journal.h"
@@ -16,10 +17,6 @@ namespace {
 
 QString quoted(const QString& text) {
     return '"' + text + '"';
-}
-
-bool isFile(const QString& path) {
-    return QFileInfo(path).isFile();
 }
 
 void describeRecordedRun(ReplayableRun& run) {
@@ -60,10 +57,10 @@ QString settingsFault(const ReplayableRun& run, const ReplayChoices& choices) {
     if (!choices.ownSettings && choices.settingsFile.isEmpty())
         return "Choose the settings file.";
     if (!choices.ownSettings)
-        return isFile(choices.settingsFile)
+        return fileExists(choices.settingsFile)
                    ? QString()
                    : "The settings file " + quoted(choices.settingsFile) + " does not exist.";
-    if (run.keepsSettings || isFile(run.settingsFile))
+    if (run.keepsSettings || fileExists(run.settingsFile))
         return {};
     return "A project does not hold its settings, and it is not that of the current settings file: "
            "choose its settings file.";
@@ -86,7 +83,7 @@ QString durationText(double milliseconds) {
 } // namespace
 
 RunSettings settingsOfCurrentFile(RunSettings settings) {
-    if (isFile(settings.settingsFilePath))
+    if (fileExists(settings.settingsFilePath))
         static_cast<void>(readSettingsFile(settings, SettingsUse::Inspection, {}));
     return settings;
 }
@@ -94,7 +91,7 @@ RunSettings settingsOfCurrentFile(RunSettings settings) {
 QString projectOf(const RunSettings& settings) {
     const QString project = paths::withDefaultExtension(
         paths::join(settings.TargetFolder, settings.ProjectName), "fmr");
-    return isFile(project) ? project : QString();
+    return fileExists(project) ? project : QString();
 }
 
 ReplayableRun describeReplayableRun(const QString& path, const RunSettings& current) {
@@ -103,7 +100,7 @@ ReplayableRun describeReplayableRun(const QString& path, const RunSettings& curr
     const QString extension = '.' + paths::extension(run.path);
     if (run.path.isEmpty())
         run.fault = "Choose a run: its journal (.vcj) or its project (.fmr).";
-    else if (!isFile(run.path))
+    else if (!fileExists(run.path))
         run.fault = "The file " + quoted(run.path) + " does not exist.";
     else if (extension == journalExtension)
         describeRecordedRun(run);

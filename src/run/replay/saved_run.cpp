@@ -3,11 +3,10 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "volume/first_volume_file.h"
 #include "volume/fmr_file.h"
 #include "volume/stc_file.h"
-
-#include <QFileInfo>
 
 namespace {
 
@@ -23,7 +22,7 @@ public:
         static_cast<FMRHeader&>(saved) = header_;
         saved.projectPath = path_;
         saved.targetFolder = paths::folderWithSlash(path_);
-        if (QFileInfo(firstVolumeFileName(saved)).isFile() && ::readFirstVolume(saved)) {
+        if (fileExists(firstVolumeFileName(saved)) && ::readFirstVolume(saved)) {
             context_.project.firstVolume = std::move(saved.firstVolume);
             return true;
         }
@@ -90,7 +89,7 @@ bool SavedRun::readSettings(RunSettings& settings, const std::function<void()>& 
         settings.MotionCorrection = false;
         settings.SpatialGaussianSmoothing = false;
     }
-    if (isOwn_ && QFileInfo(recorded).isFile()) {
+    if (isOwn_ && fileExists(recorded)) {
         settings.TDatFile.clear();
         settings.RealTimeProtocol.clear();
         settings.StimulationProtocol = recorded;

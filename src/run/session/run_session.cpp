@@ -99,7 +99,6 @@ void RunSession::keepChosenROISlices() {
 }
 
 void RunSession::changeSettingsFile(const QString& path) {
-    multiRun.forget(); // before the plots look at it
     listeners.settingsFileChanged();
     chosenROISlices_.reset();
     report.currentVolume = -1;

@@ -108,7 +108,8 @@ public:
     /// the next volume on.
     void showBeforePreprocessing(bool on);
 
-    /// Threshold and volume text of the panel between runs; empty without a document.
+    /// Threshold and volume text of the panel between runs; empty without a document. From now on
+    /// it stands for the outcome of the run, which is forgotten.
     [[nodiscard]] QString panelText();
     /// Whether a message must not wait for an answer: while a run is recorded, unless it ends the
     /// program (critical), while data are only in memory, while a model is fitted, after which the

@@ -20,7 +20,7 @@ private:
 };
 
 SessionMultiRun::SessionMultiRun(const Parts& parts) : parts_(parts) {
-    // Before the plots, so that they find the curves.
+    // Before the plots, so that they find the curves, or none.
     parts_.listeners.add(*this, ListenerPlace::Regions);
 }
 
@@ -30,13 +30,6 @@ void SessionMultiRun::takeSettings() {
     project_ = multiRunProjectOf(parts_.settings);
     project_.mvcoFileNames = found;
     project_.selectedMultiRun = selected < project_.nrOfMultiRunFiles ? selected : 0;
-}
-
-void SessionMultiRun::forget() {
-    project_ = MultiRunProject{};
-    analysis_ = MultiRunAnalysis{};
-    values_ = {};
-    runs_.clear();
 }
 
 std::vector<MultiRunMenuRow> SessionMultiRun::menu() {
@@ -134,6 +127,13 @@ const PlottedRun* SessionMultiRun::runOfRegion(int region) const {
     return found == runs_.end() ? nullptr : &found->second;
 }
 
+void SessionMultiRun::settingsFileChanged() {
+    project_ = MultiRunProject{};
+    analysis_ = MultiRunAnalysis{};
+    values_ = {};
+    runs_.clear();
+}
+
 void SessionMultiRun::documentsLeaving() {
     document_ = nullptr;
     values_ = {};
@@ -161,7 +161,8 @@ void SessionMultiRun::renewCurve(int region) {
                         parts_.requests.regions.BestVoxelSelection);
 }
 
-// New regions have no curve yet.
+// New regions have room for a curve and no value in it yet; those whose run could not be read have
+// no room either.
 void SessionMultiRun::regionsChanged(QtCortivoDoc& functional) {
     if (!showsProject())
         return;

@@ -45,8 +45,6 @@ public:
     [[nodiscard]] const MultiRunProject& project() const { return project_; }
     /// The settings have been read, or a run has been measured or reloaded.
     void takeSettings();
-    /// Another settings file is current.
-    void forget();
     /// The conditions of the project in the document.
     void takeAnalysis(MultiRunAnalysis analysis) { analysis_ = std::move(analysis); }
 
@@ -69,6 +67,7 @@ public:
     /// Files of a run are being read for the plots: a message must not be waited for.
     [[nodiscard]] bool readsRun() const { return readers_ > 0; }
 
+    void settingsFileChanged() override;
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override { document_ = &functional; }
     void regionsChanged(QtCortivoDoc& functional) override;

@@ -1,82 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/session/session_regions.h"
 
-#include "base/byte_reader.h"
-#include "base/byte_writer.h"
 #include "base/messages.h"
+#include "base/plain_file.h"
 #include "regions/region_ranking.h"
 #include "regions/roi_file.h"
 #include "run/document/plotted_volumes.h"
 #include "run/document/session_phase.h"
 #include "run/loop/finished_run.h"
+#include "run/session/region_records.h"
 
-#include <QFileInfo>
-
-namespace {
-
-constexpr char regionsRecord[] = "regions";
 constexpr char fileFilter[] = "ROI definition files (*.roi)";
-
-/// Choices and logs as they are now, the ranking of each region (a file holds it only where it is
-/// whole for all of them), then the regions as in their file.
-QByteArray encoded(const OperatorRequests& requests, const Regions& regions) {
-    ByteWriter writer;
-    const RegionOptions& options = requests.regions;
-    for (const bool flag :
-         {requests.saveRTPs, requests.saveROITimeCourses, requests.saveROIBetaTimeCourses,
-          options.SelectOnlyMapVoxels, options.BestVoxelSelection, options.saveMaxPSC})
-        writer.u8(flag);
-    writer.f32(options.TopVoxelRatio);
-    writer.i32(options.TopVoxelSelectionMode);
-    writer.u32(uint32_t(regions.count()));
-    for (int i = 0; i < regions.count(); ++i) {
-        writer.u32(uint32_t(regions[i].SortedVoxelList.size()));
-        for (const int position : regions[i].SortedVoxelList)
-            writer.i32(position);
-    }
-    const std::vector<uint8_t>& bytes = writer.result();
-    return QByteArray(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())) +
-           roiFileText(regions, options);
-}
-
-/// What a record says beside the regions themselves.
-struct RecordedChoices {
-    OperatorRequests requests;
-    std::vector<std::vector<int>> rankings;
-};
-
-/// Reads what encoded() wrote, up to the text of the regions. The choices hold those of the session
-/// before.
-void decode(ByteReader& reader, RecordedChoices& choices) {
-    OperatorRequests& requests = choices.requests;
-    RegionOptions& options = requests.regions;
-    for (bool* flag :
-         {&requests.saveRTPs, &requests.saveROITimeCourses, &requests.saveROIBetaTimeCourses,
-          &options.SelectOnlyMapVoxels, &options.BestVoxelSelection, &options.saveMaxPSC})
-        *flag = reader.u8() != 0;
-    options.TopVoxelRatio = reader.f32();
-    options.TopVoxelSelectionMode = reader.i32();
-    for (uint32_t regions = reader.u32(); regions > 0 && !reader.failed(); --regions) {
-        std::vector<int>& ranking = choices.rankings.emplace_back();
-        for (uint32_t count = reader.u32(); count > 0 && !reader.failed(); --count)
-            ranking.push_back(reader.i32());
-    }
-}
-
-/// The rankings belong to regions with as many voxels.
-void placeRankings(SavedRegions& saved, const std::vector<std::vector<int>>& rankings) {
-    for (size_t i = 0; i < std::min(saved.regions.size(), rankings.size()); ++i) {
-        SavedRegion& region = saved.regions[i];
-        const size_t voxels = region.voxels ? region.voxels->size() : 0;
-        const bool fits = rankings[i].size() == voxels &&
-                          std::ranges::all_of(rankings[i], [voxels](int position) {
-                              return position >= 0 && size_t(position) < voxels;
-                          });
-        region.SortedVoxelList = fits ? rankings[i] : std::vector<int>();
-    }
-}
-
-} // namespace
 
 SessionRegions::SessionRegions(const Parts& parts) : parts_(parts) {
     parts_.listeners.add(*this, ListenerPlace::Regions);
@@ -99,7 +33,7 @@ bool SessionRegions::mayChange() const {
 
 void SessionRegions::noteChange() {
     if (parts_.phase.canBeStopped())
-        parts_.listeners.record({regionsRecord, encoded(parts_.requests, document_->regions)});
+        parts_.listeners.record({regionsRecord, regionRecord(parts_.requests, document_->regions)});
 }
 
 void SessionRegions::listChanged() {
@@ -185,7 +119,7 @@ void SessionRegions::samplesChanged() {
 void SessionRegions::loadSaved() {
     const QString fileName = regionFilePath(document_->project);
     SavedRegions saved;
-    if (QFileInfo(fileName).isFile() && readROIFile(fileName, document_->project.size(), saved))
+    if (fileExists(fileName) && readROIFile(fileName, document_->project.size(), saved))
         placeSavedRegions(run(), saved);
 }
 
@@ -244,17 +178,9 @@ void SessionRegions::recordPlayed(const RunRecord& record) {
     if (!document_ || record.name != regionsRecord)
         return;
     played_ = true;
-    RecordedChoices choices{parts_.requests, {}};
-    ByteReader reader({reinterpret_cast<const uint8_t*>(record.content.constData()),
-                       size_t(record.content.size())});
-    decode(reader, choices);
     SavedRegions saved;
-    if (reader.failed() ||
-        parseROIFile(QString::fromUtf8(record.content.mid(qsizetype(reader.position()))),
-                     document_->project.size(), saved) != RoiFileResult::Ok)
+    if (!parseRegionRecord(record.content, document_->project.size(), parts_.requests, saved))
         return;
-    placeRankings(saved, choices.rankings);
-    parts_.requests = choices.requests;
     if (recordedVolumes(parts_.report, document_->project) > 0) {
         placeSavedRegions(run(), saved);
         parts_.listeners.regionsChanged(*document_);

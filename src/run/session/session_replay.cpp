@@ -1,5 +1,6 @@
 // The journal of a run that has ended, and operations on runs that were recorded before: recover,
-// go on, replay. SPDX-License-Identifier: GPL-3.0-or-later
+// go on, replay.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/messages.h"
 #include "base/paths.h"
 #include "run/loop/status_text.h"

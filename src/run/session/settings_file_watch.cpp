@@ -4,6 +4,7 @@
 #include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "run/loop/status_text.h"
 #include "run/replay/journal_description.h"
 #include "run/session/settings_file_names.h"
@@ -14,10 +15,6 @@
 namespace {
 
 constexpr int checkStateInterval = 1000; // milliseconds
-
-bool isFile(const QString& path) {
-    return QFileInfo(path).isFile();
-}
 
 // Files that are there already are the user's and stay. The sample is a help, not a need: without
 // it the program starts all the same.
@@ -137,7 +134,7 @@ void SettingsFileWatch::look(bool beforeAppExec) {
     }
     const auto neighbourExists = [this](int step) {
         const QString name = neighbourName(master_.settingsFileName, step);
-        return !name.isEmpty() && isFile(master_.settingsDirectory + name);
+        return !name.isEmpty() && fileExists(master_.settingsDirectory + name);
     };
     controls_.previousExists = neighbourExists(-1);
     controls_.nextExists = neighbourExists(+1);
@@ -147,7 +144,7 @@ void SettingsFileWatch::look(bool beforeAppExec) {
 }
 
 void SettingsFileWatch::lookAtFile() {
-    const bool isThere = isFile(currentFile());
+    const bool isThere = fileExists(currentFile());
     if (isThere)
         controlsDisplay_.showTitle("VCO - " + master_.settingsFileName);
     if (!isThere) {
@@ -185,7 +182,7 @@ void SettingsFileWatch::showFinishedFile() {
 bool SettingsFileWatch::projectExists() const {
     const RunSettings& settings = session_.settings;
     return !settings.MergeType &&
-           isFile(paths::withDefaultExtension(
+           fileExists(paths::withDefaultExtension(
                paths::join(settings.TargetFolder, settings.ProjectName), "fmr"));
 }
 
@@ -205,7 +202,8 @@ void SettingsFileWatch::startRun() {
 
 // One number at a time, so that none is skipped when several files have appeared.
 void SettingsFileWatch::advance() {
-    const int found = countRecordings(master_.settingsDirectory, master_.settingsFileName, isFile);
+    const int found =
+        countRecordings(master_.settingsDirectory, master_.settingsFileName, fileExists);
     if (highestRunNumber_ == -1)
         highestRunNumber_ = found;
     if (found <= highestRunNumber_)
@@ -283,7 +281,7 @@ void SettingsFileWatch::toNeighbour(int step) {
         return showInformation(fault);
     const QString name = neighbourName(master_.settingsFileName, step);
     const QString path = master_.settingsDirectory + name;
-    if (name.isEmpty() || !isFile(path))
+    if (name.isEmpty() || !fileExists(path))
         return showInformation(
             QStringLiteral("INFO: The requested settings file \"%1\" is not available !")
                 .arg(name));
@@ -297,7 +295,7 @@ bool SettingsFileWatch::playJournal(const PlayOptions& options, PlayPurpose purp
         return playBesideCurrentFile(options, operation);
     const std::optional<JournalDescription> journal = describeJournal(options.path);
     const QString settingsFile = journal ? journal->head.settings.path : QString();
-    if (!isFile(settingsFile))
+    if (!fileExists(settingsFile))
         return playBesideCurrentFile(options, operation);
     if (!setSettingsFile(settingsFile))
         return false;

@@ -27,6 +27,7 @@ struct RunSettings {
     int MergeZTransformation = 0;   ///< 0 none, 1 of each run, 2 from its points with a condition
     std::vector<int> MergeSubjects; ///< from 1, of each run; empty: not given
     bool MergeCorrectSerialCorrelations = false;
+    int MergeDriftConfoundPredictors = 0; ///< of each run
 
     // Single run
     bool RawDataBigEndian = false;

@@ -218,9 +218,11 @@ bool SettingsReader::readMergeFiles(const SettingsField& field) {
 }
 
 bool SettingsReader::readMergeOptions() {
-    const char* const keys[] = {
-        "MergeZTransformation:", "MergeSubjects:", "MergeCorrectSerialCorrelations:"};
+    const char* const keys[] = {"MergeZTransformation:", "MergeSubjects:",
+                                "MergeCorrectSerialCorrelations:", "MergeDriftConfoundPredictors:"};
+    constexpr int mostDriftTerms = 40; // of a run
     settings_.MergeZTransformation = 0;
+    settings_.MergeDriftConfoundPredictors = 0;
     settings_.MergeSubjects.clear();
     int correction = 0;
     bool fits = true;
@@ -231,7 +233,9 @@ bool SettingsReader::readMergeOptions() {
     if (fits && tokensAgree(upcomingWord(), keys[2]))
         fits = readMergeOption(keys[2], 0, 1, correction);
     settings_.MergeCorrectSerialCorrelations = correction != 0;
-    return fits && (stream_.atEnd() || report_.keyFits(stream_.word(), keys[2]));
+    if (fits && tokensAgree(upcomingWord(), keys[3]))
+        fits = readMergeOption(keys[3], 0, mostDriftTerms, settings_.MergeDriftConfoundPredictors);
+    return fits && (stream_.atEnd() || report_.keyFits(stream_.word(), keys[3]));
 }
 
 bool SettingsReader::readMergeOption(const QString& key, int lowest, int highest, int& value) {

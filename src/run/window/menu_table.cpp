@@ -103,7 +103,6 @@ constexpr char laterClassification[] = "Classification comes in a later version"
 constexpr char laterAnatomy[] = "Anatomy and volumes come in a later version";
 constexpr auto Always = MenuPhase::Always;
 constexpr auto Idle = MenuPhase::Idle;
-constexpr auto Regions = MenuPhase::RegionsMayChange;
 constexpr auto Later = MenuPhase::Later;
 constexpr bool separator = true;
 using Window = VeloCortivo;
@@ -142,8 +141,8 @@ constexpr MenuEntry entries[] = {
     {.menu = "&Analysis", .text = "Post-Processing...", .slot = &Window::slotPostProcessData, .phase = Idle, .possible = runInMemory, .endsSection = separator},
     {.menu = "&Analysis", .text = "Neurofeedback... ", .slot = &Window::slotShowNeurofeedbackDlg, .phase = Later, .toolTip = "Neurofeedback comes in a later version"},
     {.menu = "&Analysis", .text = "BOLD Decoder... ", .slot = &Window::slotShowBOLDDecoder, .phase = Later, .endsSection = separator, .toolTip = "The letter decoder comes in a later version"},
-    {"&Analysis", "Load ROIs...", &Window::slotLoadROIs, Regions, regionsMayChange},
-    {"&Analysis", "Save ROIs...", &Window::slotSaveROIs, Regions, regionsExist},
+    {"&Analysis", "Load ROIs...", &Window::slotLoadROIs, Always, regionsMayChange},
+    {"&Analysis", "Save ROIs...", &Window::slotSaveROIs, Always, regionsExist},
     {.menu = "&Analysis", .text = "ROI GLM...", .slot = &Window::slotROIGLM, .phase = Idle, .endsSection = separator, .toolTip = "Fit the model of the run to the time course of a region", .hindrance = roiGLMHindrance},
     {"&Analysis", "Log ROI Time Point Files (RTPs)", &Window::slotSaveRTPsOption, Always, nullptr, MenuGroup::Toggle, logsTimePoints, false, "Write the mean of each region into a file of its own at each volume, into the feedback folder"},
     {"&Analysis", "Log ROI Time Courses (ERT)", &Window::slotSaveROITimeCourses, Always, nullptr, MenuGroup::Toggle, logsTimeCourses, false, "Append the values of all voxels of each region to a file at each volume, in the target folder"},
@@ -160,7 +159,7 @@ constexpr MenuEntry entries[] = {
     {"&View", "Show ROIs With Highlighted Voxels", &Window::onShowROIsAsMarkedVoxels, Always, nullptr, MenuGroup::RegionStyle, showsMarkedVoxels},
     {"&View", "Show ROIs With Rectangles And Highlighted Voxels", &Window::onShowROIsAsRectanglesAndMarkedVoxels, Always, nullptr, MenuGroup::RegionStyle, showsBoth, separator},
     {"&View", "Show ROI Time Courses Container", &Window::onShowTimeCoursesContainer},
-    {"&View", "Remove ROI Time Course Plots", &Window::slotRemoveROITimeCoursePlots, Regions, regionsExist},
+    {"&View", "Remove ROI Time Course Plots", &Window::slotRemoveROITimeCoursePlots, Always, regionsExist},
     {"&View", "Display Detrended ROI Time Courses", &Window::onToggleROITimeCoursesDetrended, Always, nullptr, MenuGroup::Toggle, showsDetrended, separator, "Show the curves without their linear trend; files and feedback are not changed"},
     {"&View", "Show Motion Plot", &Window::slotShowMotionPlot},
     {.menu = "&View", .text = "Show Response Plot", .slot = &Window::slotShowResponsePlot, .endsSection = separator},
@@ -208,14 +207,11 @@ QAction* MenuTable::addEntry(QMenu& menu, const MenuEntry& entry) {
 }
 
 bool MenuTable::inPhase(MenuPhase phase) const {
-    const SessionPhase& session = window_.session().phase;
     switch (phase) {
     case MenuPhase::Always:
         return true;
     case MenuPhase::Idle:
-        return session.isIdle();
-    case MenuPhase::RegionsMayChange:
-        return session.isIdle() || session.runActive();
+        return window_.session().phase.isIdle();
     case MenuPhase::Later:
         break;
     }

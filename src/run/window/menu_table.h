@@ -14,9 +14,8 @@ class QMenu;
 class QMenuBar;
 class VeloCortivo;
 
-/// When an entry can be chosen: at any time, while the session is idle, or while it is idle or
-/// records (regions can be changed then); or not in this version.
-enum class MenuPhase { Always, Idle, RegionsMayChange, Later };
+/// When an entry can be chosen: at any time, while the session is idle, or not in this version.
+enum class MenuPhase { Always, Idle, Later };
 
 /// Entries with a mark: at most one of a group is marked; those of Toggle are independent.
 enum class MenuGroup { None, Toggle, Colors, Overlay, RegionStyle };

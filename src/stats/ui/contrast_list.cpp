@@ -173,6 +173,8 @@ void ContrastList::slotDeleteAllContrasts() {
 }
 
 void ContrastList::showRows() {
+    if (!contrasts_)
+        return;
     for (int index = 0; index < contrasts_->NrOfContrasts; ++index)
         showRow(index);
 }

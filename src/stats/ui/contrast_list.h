@@ -22,7 +22,7 @@ public:
 
     /// Fills the list; nullptr clears it. The contrasts must outlive the list or the next call.
     void setContrasts(ContrastDefinitions* contrasts);
-    /// Shows the selection anew, after others have changed it.
+    /// Shows selection and colours anew, after others have changed them.
     void showRows();
     /// Enables the entries of the menu, which otherwise say in their tool tips why they are off.
     void setStatisticCanChange(bool can);

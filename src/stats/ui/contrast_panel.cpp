@@ -91,7 +91,7 @@ void ContrastPanel::connectControls() {
     connect(clusterSize_, &QSpinBox::valueChanged, this, &ContrastPanel::clusterSizeEdited);
     connect(multiSlice_, &QSpinBox::valueChanged, this, &ContrastPanel::multiSliceEdited);
     connect(conjunction_, &QCheckBox::clicked, this, &ContrastPanel::conjunctionClicked);
-    connect(list_, &ContrastList::contrastsEdited, this, [this] { session_.contrastsChanged(); });
+    connect(list_, &ContrastList::contrastsEdited, this, &ContrastPanel::takeContrasts);
     connectStatistics();
     // Once a number is entered the keys scroll the slices again.
     for (const QAbstractSpinBox* box : findChildren<QAbstractSpinBox*>())
@@ -106,9 +106,7 @@ void ContrastPanel::connectStatistics() {
             [this](ShownStatistic statistic, int contrast) {
                 if (!session_.changeShownStatistic(statistic, contrast))
                     return;
-                list_->showRows();
-                conjunction_->setChecked(
-                    session_.functionalDocument->contrasts.ConjunctionAnalysis);
+                refresh();
                 Q_EMIT statisticChanged();
             });
     connect(list_, &ContrastList::oneSidedTestingChosen, this,
@@ -124,6 +122,9 @@ void ContrastPanel::refresh() {
     colorMaxThreshold_->setValue(double(thresholds.ColorMaxThreshold));
     clusterSize_->setValue(thresholds.ClusterSizePixels);
     multiSlice_->setValue(session_.settings.MultiSliceROISelection);
+    const QtCortivoDoc* document = session_.functionalDocument.get();
+    conjunction_->setChecked(document && document->contrasts.ConjunctionAnalysis);
+    list_->showRows();
 }
 
 void ContrastPanel::takeThreshold() {
@@ -145,6 +146,12 @@ void ContrastPanel::takeMultiSliceROISelection() {
 void ContrastPanel::takeConjunction() {
     const bool wanted = conjunction_->isChecked();
     conjunction_->setChecked(session_.changeConjunction(wanted) && wanted);
+}
+
+void ContrastPanel::takeContrasts() {
+    session_.contrastsChanged();
+    if (session_.functionalDocument->contrasts.shownStatistic != ShownStatistic::T)
+        Q_EMIT statisticChanged();
 }
 
 void ContrastPanel::documentsLeaving() {

@@ -20,7 +20,8 @@ class ContrastPanel : public QGroupBox, public RunListener {
 public:
     ContrastPanel(RunSession& session, QWidget* parent);
 
-    /// Updates thresholds, cluster size and number of slices in their fields, without signals.
+    /// Shows thresholds, cluster size, number of slices, conjunction and the rows of the list as
+    /// the session has them, without signals.
     void refresh();
 
     /// Pass the value of a control to the session.
@@ -29,6 +30,7 @@ public:
     void takeClusterSize();
     void takeMultiSliceROISelection();
     void takeConjunction();
+    void takeContrasts();
     [[nodiscard]] ContrastList& list() { return *list_; }
 
     void documentsLeaving() override;
@@ -42,7 +44,8 @@ Q_SIGNALS:
     void clusterSizeEdited();
     void multiSliceEdited();
     void conjunctionClicked();
-    /// Other statistics are shown, so that the text of the threshold has changed.
+    /// Another statistic is shown, or F of other contrasts: degrees of freedom and p value in the
+    /// text of the threshold have changed.
     void statisticChanged();
     /// A number was confirmed with the Return key.
     void numberEntered();

@@ -225,6 +225,15 @@ TEST_F(VolumeLoopTest, ConditionsThatNeverEnterTheModelAreToldBeforeTheFirstVolu
     EXPECT_TRUE(messages.shownModeless().value(0).endsWith(": Houses."));
 }
 
+TEST_F(VolumeLoopTest, PredictorsThatDependOnOthersAreNamedBeforeTheFirstVolume) {
+    writeSession(18, 2, {{"DriftConfoundPredictors:", "20"}}); // more predictors than volumes
+    messages.expectWarning("WARNING: These predictors can not be told apart*");
+    script.firstVolumeComes = false;
+    messages.expectWarning("TIME OUT: Expected first file did not arrive!");
+    session.runButtonPressed();
+    EXPECT_TRUE(messages.shownModeless().value(0).contains(": Faces, Houses, Constant, DCT-1,"));
+}
+
 TEST_F(VolumeLoopTest, InplanesShowWhereTheyCameAndTheRunGoesOnWithoutThem) {
     QDir().mkpath(path("inplanes"));
     writeSession(14, 2,
@@ -287,6 +296,21 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
     }
     // The protocol that could not be written at first is named all the same.
     EXPECT_TRUE(content("results/test.fmr").contains("\"test.prt\""));
+}
+
+TEST_F(VolumeLoopTest, AFileThatCanNotBeReadBackIsWrittenAgain) {
+    writeSession(16, 2);
+    constexpr int mapsAreWritten = 90;
+    for (const char* name : {"results/test.prt", "results/test.mps"}) {
+        bool lost = false;
+        display.whileSaving = [&] {
+            if (!lost && display.progress.back() == mapsAreWritten)
+                lost = QFile::remove(path(name));
+        };
+        messages.expectQuestion("WARNING: The recorded data could not be saved completely*", true);
+        runAgain();
+        EXPECT_TRUE(lost && session.report.savedCompletely && QFile::exists(path(name))) << name;
+    }
 }
 
 TEST_F(VolumeLoopTest, ContrastFileDecidesWhetherThereIsABaseline) {

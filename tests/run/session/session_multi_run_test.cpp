@@ -76,6 +76,7 @@ TEST_F(SessionMultiRunTest, TheSettingsSayWhichModelIsFitted) {
     const Case cases[] = {
         {false, "MergeSubjects: 1 2 1", SeparatePredictors::None, 3 + 3},
         {true, "", SeparatePredictors::Studies, 3 * 3 + 3},
+        {false, "MergeDriftConfoundPredictors: 2", SeparatePredictors::None, 3 + 3 + 3 * 2},
         {true, "MergeZTransformation: 1 MergeSubjects: 1 2 1 MergeCorrectSerialCorrelations: 1",
          SeparatePredictors::Subjects, 2 * 3 + 3}};
     for (const Case& c : cases) {
@@ -139,6 +140,9 @@ TEST_F(SessionMultiRunTest, EachPlotShowsTheRunThatWasChosenForIt) {
     messages.expectWarning("ERROR: \"" + path("two.vco") + "\" file not found!");
     messages.expectWarning(" ERROR: Can not read vco file \"one\" for multi-run analysis.");
     EXPECT_EQ(menu(), QStringList("one"));
+    session.changeSettingsFile(path("none.vco"));
+    EXPECT_FALSE(session.multiRun.choice(0));
+    EXPECT_EQ(menu().first(), "<Single-run analysis>");
 }
 
 TEST_F(SessionMultiRunTest, WhatCanNotBeAnalysedLeavesNothingAndCanBeMended) {
@@ -216,7 +220,8 @@ TEST_F(SessionMultiRunTest, AnExistingModelIsShownAlsoForAnotherList) {
     EXPECT_EQ(std::vector<float>(document.maps.map(2).begin(), document.maps.map(2).end()), houses);
     EXPECT_EQ(document.wholeRunModel.nrOfStudies(), 3);
 
-    for (const char* keys : {"MergeZTransformation: 1", "MergeCorrectSerialCorrelations: 1"}) {
+    for (const char* keys : {"MergeZTransformation: 1", "MergeCorrectSerialCorrelations: 1",
+                             "MergeDriftConfoundPredictors: 1"}) {
         list(QString("\"one\" \"two.vco\" \"./one.vco\" ") + keys);
         messages.expectInformation("INFO: The model in file \"" + path("both/both.glm") +
                                    "\" was fitted with other options than those which "

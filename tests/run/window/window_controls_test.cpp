@@ -187,11 +187,15 @@ TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
 
     RunListeners& listeners = window_->session().listeners;
     auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
-    conjunction.setChecked(true);
     listeners.settingsFileChanged();
     EXPECT_EQ(list.topLevelItemCount(), 0);
     listeners.runPrepared(document());
     EXPECT_EQ(list.topLevelItemCount(), 2);
+    document().contrasts.ConjunctionAnalysis = true; // as a recovery sets them
+    document().contrasts.ContrastSelectionStates[1] = ContrastPositive;
+    runOver();
+    EXPECT_TRUE(conjunction.isChecked());
+    EXPECT_EQ(image(ContrastList::Positive), resource("on"));
     listeners.documentsLeaving();
     EXPECT_EQ(list.topLevelItemCount(), 0);
     EXPECT_FALSE(conjunction.isChecked());
@@ -236,6 +240,10 @@ TEST_F(MainWindow, MenuOfTheContrastListChoosesTheStatistic) {
     EXPECT_FALSE(action("ShowFOfContrast")->isEnabled()) << "below the contrasts";
     EXPECT_TRUE(action("ShowFOfContrast")->isChecked());
     action("ShowFOfSelected")->trigger();
+    EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("F(1,1) ="));
+    click(1, ContrastList::Positive);
+    EXPECT_FALSE(control<QTextBrowser>("LogInfos").toPlainText().contains("F(1,1) ="))
+        << "of no contrast";
     action("OneSidedTesting")->trigger();
     EXPECT_EQ(document().contrasts.shownStatistic, ShownStatistic::FOfSelected);
     EXPECT_TRUE(document().contrasts.oneSidedTesting);
