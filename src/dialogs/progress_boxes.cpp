@@ -79,7 +79,8 @@ public:
         box_.setValue(percent);
         pump_.processEvents();
     }
-    [[nodiscard]] bool cancelled() const override { return cancelled_; }
+    /// A request to end the program may have come before the box opened.
+    [[nodiscard]] bool cancelled() const override { return cancelled_ || pump_.waitsGivenUp(); }
 
 private:
     EventPump& pump_;

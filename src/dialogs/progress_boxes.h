@@ -24,7 +24,7 @@ struct ProgressBoxLook {
                                                                 const ProgressBoxLook& look);
 
 /// The same for work that can be cancelled. Each report processes events, so that the button,
-/// Escape and the box's own close button can cancel the work; the box stays until the work has
-/// ended.
+/// Escape and the box's own close button can cancel the work; a request to end the program does so
+/// too. The box stays until the work has ended.
 [[nodiscard]] std::unique_ptr<ProgressReporter>
 openCancellableProgressBox(QWidget* window, const ProgressBoxLook& look, EventPump& pump);

@@ -12,7 +12,7 @@ inline const QString defaultGLMFileName = QStringLiteral("vco.glm");
 
 enum class GLMParseResult {
     Ok,
-    Damaged,             ///< shorter or longer than its counts say, or values that can't be
+    Damaged,             ///< shorter or longer than its counts say, or with impossible values
     OtherDataType,       ///< not of functional slices
     NoFunctionalProject, ///< the file is of functional slices, the project has none: an empty size
     OtherDimensions,     ///< matrix or slices are not `size`

@@ -12,7 +12,7 @@ namespace {
 constexpr float smallestError = 1e-06f;
 constexpr float smallestVariance = smallestError * smallestError;
 
-/// What is not finite comes from a file whose values are no model's.
+/// A file may hold values that no fit gives.
 [[gnu::always_inline]] inline float finiteOrZero(float value) {
     return std::fabs(value) <= std::numeric_limits<float>::max() ? value : 0.0f;
 }

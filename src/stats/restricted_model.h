@@ -7,8 +7,8 @@
 
 /// What a restricted model loses against the whole one, for any voxel.
 struct ModelComparison {
-    /// df1: restrictions that the design can test. One on columns without an effect of their own,
-    /// as they are zeros or depend on those that stay, doesn't count.
+    /// df1: restrictions that the design can test. One on columns that are zeros, or depend on
+    /// those that stay, has nothing to test and doesn't count.
     int nrOfRestrictions = 0;
     /// Sum of squares of these forms = difference of the residual sums of squares / df1. With
     /// serial correlation correction for each bin of whitened designs.

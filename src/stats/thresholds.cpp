@@ -3,6 +3,7 @@
 
 #include "base/file_writing.h"
 #include "stats/numerics/special_functions.h"
+#include "stats/whole_run_model.h"
 
 #include <algorithm>
 #include <cmath>
@@ -75,6 +76,17 @@ QString thresholdText(const StatisticalMaps& maps, const OverlayThresholds& thre
 QString thresholdPrefix(const StatisticalMaps& maps) {
     return isCorrelation(maps.MapType) ? QStringLiteral("<b>R</b> > ")
                                        : QStringLiteral("<b>t</b> > ");
+}
+
+QString meanAR1Text(const WholeRunModel& model) {
+    const auto before = double(model.MeanAR1Before);
+    if (model.MeanAR1Before == noMeanAR1)
+        return {};
+    if (model.MeanAR1After == noMeanAR1)
+        return QString::fromLatin1(formatted(" Mean AR(1) = %6.4f", before));
+    return QString::fromLatin1(formatted(" Before correction of serial correlations, mean AR(1) = "
+                                         "%6.4f  After correction, mean AR(1) = %6.4f",
+                                         before, double(model.MeanAR1After)));
 }
 
 QString singleRunPanelText(int volume, double elapsedSeconds, const QString& thresholdText) {

@@ -6,6 +6,8 @@
 
 #include <QString>
 
+struct WholeRunModel;
+
 /// Which voxels the overlay colours.
 struct OverlayThresholds {
     float Threshold = 3.0f;         ///< smallest value that is coloured
@@ -37,6 +39,9 @@ struct OverlayThresholds {
                                     const OverlayThresholds& thresholds);
 /// Prefix of the lower threshold in the status text of a run: "<b>t</b> > " or "<b>R</b> > ".
 [[nodiscard]] QString thresholdPrefix(const StatisticalMaps& maps);
+/// What the correction of serial correlations has achieved: the mean lag-one value of the residuals
+/// before it and after it. Empty without the one before; without the one after only that is told.
+[[nodiscard]] QString meanAR1Text(const WholeRunModel& model);
 /// The panel's text outside a run, for one loaded run. `volume` counts from 1.
 [[nodiscard]] QString singleRunPanelText(int volume, double elapsedSeconds,
                                          const QString& thresholdText);

@@ -189,7 +189,7 @@ void WholeRunBlock::correct() {
 void WholeRunBlock::store(const BlockMaps& maps, size_t voxel) {
     const size_t p = equations_.p;
     const NormalEquations& equations = equationsOf(voxel);
-    // What the sums left out; a z transformation takes it out for good.
+    // What was subtracted before the sums; a z transformation removes it for good.
     const double origin =
         equations_.transformation == ZTransformation::None ? origins_[voxel] : 0.0;
     const double fitted = fitSquares_[voxel];

@@ -63,8 +63,8 @@ private:
     ZeroedBuffer<double> products_;                          ///< p rows, X'y
     ZeroedBuffer<double> betas_;                             ///< p rows
     std::vector<double> voxelSums_, voxelBetas_, voxelWork_; ///< p values of one voxel
-    Row origins_{};    ///< left out of the samples while sums are formed
-    Row sampleSums_{}; ///< of the samples less their origins
+    Row origins_{};    ///< subtracted from the samples while sums are formed
+    Row sampleSums_{}; ///< of the samples without their origins
     Row sums_{};       ///< of the samples as they are fitted
     Row squares_{};
     Row means_{}, scales_{};               ///< of the z transformation in one study

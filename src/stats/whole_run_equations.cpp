@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/whole_run_equations.h"
 
+#include "base/memory.h"
 #include "base/messages.h"
 #include "stats/numerics/linear_systems.h"
 #include "stats/numerics/matrix_products.h"
@@ -112,6 +113,18 @@ std::vector<char> findScalingPoints(const WholeRunDesign& design, const StudyDes
     return used;
 }
 
+/// Room for the design in double: whole, centred, by study and whitened, the last while it grows,
+/// and for the matrices of all bins.
+bool hasMemory(const WholeRunDesign& design) {
+    constexpr size_t designs = 6;
+    constexpr size_t squares = 4 + 2 * nrOfSerialCorrelationBins;
+    const size_t p = design.predictors.size();
+    if (memoryIsAvailable(designs * design.GLMDesign.size() + squares * p * p, sizeof(double)))
+        return true;
+    showCritical("ERROR: Insufficient memory for creating GLM data structure!");
+    return false;
+}
+
 StudyDesign makeStudyDesign(const WholeRunDesign& design, size_t firstPoint, size_t points) {
     const size_t p = size_t(design.GLMPredictors());
     const float* x = design.GLMDesign.data() + firstPoint * p;
@@ -165,6 +178,8 @@ bool isUsableDesign(const WholeRunDesign& design) {
 
 bool makeWholeRunEquations(const WholeRunDesign& design, WholeRunEquations& equations) {
     equations = {};
+    if (!hasMemory(design))
+        return false;
     equations.p = size_t(design.GLMPredictors());
     equations.n = size_t(design.GLMDataPoints());
     equations.transformation = design.transformation;

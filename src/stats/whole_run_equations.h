@@ -4,7 +4,7 @@
 
 #include "stats/whole_run_model.h"
 
-/// The part of the design that a study's points take part in.
+/// The design of one study's points.
 struct StudyDesign {
     size_t firstPoint = 0; ///< in the model
     size_t points = 0;
@@ -22,7 +22,7 @@ struct StudyDesign {
 struct NormalEquations {
     std::vector<double> inverse; ///< p x p, of X'X
     std::vector<double> centred; ///< p x p, X'X of the columns less their means
-    /// What samples that are larger by 1 add to X'y and to the betas, p values each.
+    /// What a 1, added to every sample, adds to X'y and to the betas; p values each.
     std::vector<double> onesSums;
     std::vector<double> onesBetas;
     int points = 0;
@@ -43,8 +43,8 @@ struct WholeRunEquations {
     bool containsConstant = false;
 };
 
-/// False when an inversion fails, which ends the program. The design must be one that
-/// isUsableDesign() accepts.
+/// False, after a message, when memory runs out, or when an inversion fails, which ends the
+/// program. The design must be one that isUsableDesign() accepts.
 [[nodiscard]] bool makeWholeRunEquations(const WholeRunDesign& design,
                                          WholeRunEquations& equations);
 

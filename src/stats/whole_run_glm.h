@@ -19,7 +19,7 @@ public:
     [[nodiscard]] virtual bool loadSlice(int slice, std::span<const int16_t*> points) = 0;
 };
 
-/// The first volumes of the run in memory, as one study. The fit must be one of the run's size.
+/// The first volumes of the run in memory, as one study. The fit must have the run's size.
 class RunInMemory : public SliceSource {
 public:
     explicit RunInMemory(const FMRProject& project) : project_(project) {}
@@ -34,8 +34,8 @@ enum class WholeRunFit { Done, Cancelled, Failed };
 /// Smallest mean of a study's first and last value in a voxel that is fitted, exclusive.
 inline constexpr float wholeRunIntensityLimit = 100.0f;
 
-/// Fits the design to the samples of all voxels and fills `model`. The progress is told after each
-/// slice, and asked there whether to stop. Cancelled or failed (after a message: memory, samples),
+/// Fits the design to the samples of all voxels and fills `model`. After each slice it
+/// reports progress and can be cancelled. Cancelled or failed (after a message: memory, samples),
 /// the model is released.
 ///
 /// A voxel is left out, with zeros in all rows, when in any study the mean of the first and the
@@ -60,5 +60,5 @@ inline constexpr float wholeRunIntensityLimit = 100.0f;
                                            ProgressReporter& progress);
 
 /// Writes X as text, one line for each data point, each value "%8.6f  ", into DesignMatrix.txt of a
-/// folder. A file that can't be written is only told of by an information.
+/// folder. Where that fails the operator is told, and nothing else happens.
 void writeDesignText(const WholeRunDesign& design, const QString& folder);

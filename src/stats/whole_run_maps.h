@@ -22,7 +22,7 @@ struct StatisticalMaps;
 /// F compares the model with a restricted one (restricted_model.h). Of a contrast whose weights
 /// have one sign the restricted model has all columns but those with a weight; of one with both
 /// signs it is the model in which c . b = 0, and F = t^2. F of all selected contrasts restricts all
-/// of these together, and fills the first map only, which stands in use alone. MapDF1 is the number
+/// of these together, and only the first map is then in use. MapDF1 is the number
 /// of restrictions, MapDF2 = df. Where several F maps of unlike MapDF1 are shown, MapDF1 is 0, as
 /// for unknown. The conjunction is not applied to F maps: F has no sign, so that their state is 1.
 /// Without degrees of freedom MapType stays t.

@@ -17,7 +17,7 @@ struct GLMStudy {
     int dataPoints = 0;
     QString studyFile;  ///< its project (.fmr)
     QString designFile; ///< its design (.rtc)
-    int subject = 1;    ///< from 1; of meaning where predictors are separate for each subject
+    int subject = 1;    ///< from 1; matters where predictors are separate for each subject
 
     bool operator==(const GLMStudy&) const = default;
 };
@@ -66,7 +66,7 @@ struct WholeRunDesign {
 
 inline constexpr float noMeanAR1 = -2.0f; ///< a mean that was not computed
 
-/// Inverses for one bin of lag-one values: X'X of the design whitened with the bin's value.
+/// Voxels are sorted by their lag-one values; those of a bin share one whitened design.
 inline constexpr int nrOfSerialCorrelationBins = 20;
 
 /// Numbers of the rows of the maps of a model with p predictors.
@@ -96,8 +96,8 @@ struct WholeRunModel : WholeRunDesign {
     float MeanAR1After = noMeanAR1;
     /// Rows of one float per voxel: R, the total sum of squares, p betas, p sums X'y, then the mean
     /// of the samples, or, with serial correlation correction, the lag-one value of the residuals
-    /// before and after it. With the correction all but the value before are those of the whitened
-    /// fit. A voxel outside the model has 0 in all rows.
+    /// before and after it. With the correction all rows but that of the value before are those of
+    /// the whitened fit. A voxel outside the model has 0 in all rows.
     ZeroedBuffer<float> GLMMaps;
 
     [[nodiscard]] size_t nrOfVoxels() const { return size.samples(); }
@@ -128,6 +128,6 @@ struct WholeRunModel : WholeRunDesign {
 /// trunc(a * 20 + 0.5) - 1 within 0 to 19, for the lag-one value of a voxel before the correction.
 [[nodiscard]] int serialCorrelationBin(float lagOneValue);
 
-/// Sets what the file does not hold, from what it does: rank and, with the correction, binInverses.
-/// False when an inversion fails or memory runs out, which end the program.
+/// Computes what the file does not hold: rank and, with the correction, binInverses.
+/// False after a message when memory runs out, or when an inversion fails, which ends the program.
 [[nodiscard]] bool deriveFromDesign(WholeRunModel& model);

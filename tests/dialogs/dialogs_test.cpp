@@ -123,5 +123,9 @@ TEST(ProgressBoxes, WorkThatCanBeCancelledIsByItsButtonAndEscapeOnly) {
         EXPECT_TRUE(progress->cancelled());
         EXPECT_TRUE(box.isVisible()) << "until the work has ended";
     }
+    pump.giveUpWaiting();
+    EXPECT_TRUE(
+        openCancellableProgressBox(&window, {"WorkDlg", "Working...", "Stop"}, pump)->cancelled())
+        << "the program is to end";
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }

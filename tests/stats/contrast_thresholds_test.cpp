@@ -1,6 +1,7 @@
 // Thresholds: p values against published tables, the controls, the texts.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/thresholds.h"
+#include "stats/whole_run_model.h"
 
 #include <gtest/gtest.h>
 
@@ -60,6 +61,13 @@ TEST(ThresholdTexts, ShowTheValueAndItsProbability) {
         EXPECT_EQ(thresholdText(maps, {0.4f}), "<b>R</b> > <b> 0.40</b>");
         EXPECT_EQ(thresholdPrefix(maps), "<b>R</b> > ");
     }
+    WholeRunModel model;
+    EXPECT_EQ(meanAR1Text(model), "");
+    model.MeanAR1Before = 0.25f;
+    EXPECT_EQ(meanAR1Text(model), " Mean AR(1) = 0.2500");
+    model.MeanAR1After = -0.01f;
+    EXPECT_EQ(meanAR1Text(model), " Before correction of serial correlations, mean AR(1) = 0.2500  "
+                                  "After correction, mean AR(1) = -0.0100");
     EXPECT_EQ(singleRunPanelText(12, 21.96, "T"),
               " volume <b>12</b>,  elapsed time: <b>  22.0</b> secs<br> T<br><br> Ready.<br>");
 }

@@ -66,11 +66,11 @@ private:
     bool loadFirstProject(const QString& path);
     void showBackground();
     bool loadRuns();
+    bool openSamples();
     bool writeDesigns();
-    MultiRunEnd makeModel();
-    MultiRunEnd fitModel(const QString& modelFile);
-    bool readModel(const QString& modelFile);
-    void tellOfOtherRuns(const QString& modelFile);
+    MultiRunEnd fitModel();
+    bool readModel();
+    void tellOfOtherRuns();
     void setUpContrasts();
     bool computeMaps();
     QString unreadable(int index) const;
@@ -81,6 +81,8 @@ private:
     std::vector<RunOfStudy> runs_;
     std::vector<StudyCondition> conditions_;
     MultiStudyList list_;
+    QString modelFile_;
+    std::unique_ptr<SliceSource> samples_; ///< of all runs; null where the model is read
 };
 
 QString Analysis::unreadable(int index) const {
@@ -99,12 +101,18 @@ MultiRunEnd Analysis::perform(MultiRunAnalysis& analysis) {
         return MultiRunEnd::Failed;
     }
     document_.multiRunDocument = true;
-    if (!loadFirstProject(paths::withDefaultExtension(first, "fmr")) || !loadRuns())
+    modelFile_ = project_.multiRunProjectPath + ".glm";
+    if (!loadFirstProject(paths::withDefaultExtension(first, "fmr")) || !loadRuns() ||
+        !openSamples())
         return MultiRunEnd::Failed;
     run_.display.updateViews();
     if (!writeDesigns())
         return MultiRunEnd::Failed;
-    const MultiRunEnd made = makeModel();
+    MultiRunEnd made = MultiRunEnd::Failed;
+    if (samples_)
+        made = fitModel();
+    else if (readModel())
+        made = MultiRunEnd::Done;
     if (made != MultiRunEnd::Done)
         return made;
     setUpContrasts();
@@ -155,14 +163,29 @@ bool Analysis::loadRuns() {
         if (size_t(i) < run_.settings.MergeSubjects.size())
             study.subject = run_.settings.MergeSubjects[size_t(i)];
     }
+    conditions_ = unionOfConditions(runs_);
+    if (conditions_.empty()) {
+        showCritical("ERROR: No conditions specified!");
+        return false;
+    }
     document_.protocol = runs_.front().protocol;
     document_.VolumeConditionIndex = volumeConditionIndex(
         document_.protocol, document_.project.NrOfVolumes, document_.project.TR);
     return true;
 }
 
+// Before anything is written: runs that don't fit together leave the target folder as it was.
+bool Analysis::openSamples() {
+    if (fileExists(modelFile_))
+        return true;
+    MultiStudyList runs;
+    for (const RunOfStudy& run : runs_)
+        runs.studies.emplace_back().studyFile = run.studyFile;
+    samples_ = openRunsOnDisk(runs);
+    return samples_ != nullptr;
+}
+
 bool Analysis::writeDesigns() {
-    conditions_ = unionOfConditions(runs_);
     list_.transformation = ZTransformation(run_.settings.MergeZTransformation);
     list_.separation = separationOf(run_.settings);
     // The model is that of the list as it is on disk.
@@ -170,14 +193,7 @@ bool Analysis::writeDesigns() {
            readMDMFile(project_.multiRunProjectPath + ".mdm", list_);
 }
 
-MultiRunEnd Analysis::makeModel() {
-    const QString modelFile = project_.multiRunProjectPath + ".glm";
-    if (fileExists(modelFile))
-        return readModel(modelFile) ? MultiRunEnd::Done : MultiRunEnd::Failed;
-    return fitModel(modelFile);
-}
-
-MultiRunEnd Analysis::fitModel(const QString& modelFile) {
+MultiRunEnd Analysis::fitModel() {
     std::vector<RgbColor> colors;
     for (size_t i = 1; i < conditions_.size(); ++i)
         colors.push_back(conditions_[i].color);
@@ -188,41 +204,47 @@ MultiRunEnd Analysis::fitModel(const QString& modelFile) {
         return MultiRunEnd::Failed;
     design.CorrectSerialCorrelations = run_.settings.MergeCorrectSerialCorrelations;
     writeDesignText(design, document_.project.targetFolder);
-    const std::unique_ptr<SliceSource> samples = openRunsOnDisk(list_);
-    if (!samples)
-        return MultiRunEnd::Failed;
     WholeRunFit fit = WholeRunFit::Failed;
     {
         const std::unique_ptr<ProgressReporter> progress =
             run_.display.openModelProgress(" Computing Multi-Run GLM... ");
-        fit = fitWholeRunModel(document_.wholeRunModel, design, size, *samples, *progress);
+        fit = fitWholeRunModel(document_.wholeRunModel, design, size, *samples_, *progress);
     }
     if (fit != WholeRunFit::Done)
         return fit == WholeRunFit::Cancelled ? MultiRunEnd::Cancelled : MultiRunEnd::Failed;
     // What could not be kept is shown all the same.
-    (void)writeGLMFile(modelFile, document_.wholeRunModel);
+    (void)writeGLMFile(modelFile_, document_.wholeRunModel);
     return MultiRunEnd::Done;
 }
 
-bool Analysis::readModel(const QString& modelFile) {
+bool Analysis::readModel() {
     WholeRunModel& model = document_.wholeRunModel;
-    if (!readGLMFile(modelFile, document_.project.size(), model))
+    if (!readGLMFile(modelFile_, document_.project.size(), model))
         return false;
     model.conditionOfColumn = columnsByName(model, conditions_);
-    tellOfOtherRuns(modelFile);
+    tellOfOtherRuns();
     return true;
 }
 
-void Analysis::tellOfOtherRuns(const QString& modelFile) {
+void Analysis::tellOfOtherRuns() {
+    const WholeRunModel& model = document_.wholeRunModel;
     const auto isSame = [](const GLMStudy& a, const GLMStudy& b) {
-        return a.studyFile == b.studyFile;
+        return a.studyFile == b.studyFile && a.dataPoints == b.dataPoints;
     };
-    if (!std::ranges::equal(document_.wholeRunModel.studies, list_.studies, isSame))
-        showInformation(
-            QStringLiteral("INFO: The model in file \"%1\" is that of other runs than those which "
-                           "\"%2\" lists now. It is shown as it is; delete the file to have the "
-                           "listed runs analyzed.")
-                .arg(modelFile, paths::fileName(run_.settings.settingsFilePath)));
+    const bool sameRuns = std::ranges::equal(model.studies, list_.studies, isSame);
+    const auto confounds = std::ranges::count(conditionsOfColumns(model), -1);
+    if (sameRuns && model.transformation == list_.transformation &&
+        model.separation == list_.separation &&
+        model.CorrectSerialCorrelations == run_.settings.MergeCorrectSerialCorrelations &&
+        confounds == model.nrOfStudies() * (1 + run_.settings.MergeDriftConfoundPredictors))
+        return;
+    showInformation(
+        QStringLiteral("INFO: The model in file \"%1\" %2 \"%3\" %4 now. It is shown as it is; "
+                       "delete the file to have the listed runs analyzed.")
+            .arg(modelFile_,
+                 sameRuns ? "was fitted with other options than those which"
+                          : "is that of other runs than those which",
+                 paths::fileName(run_.settings.settingsFilePath), sameRuns ? "states" : "lists"));
 }
 
 // Names and contrasts are those of a run with all conditions.

@@ -21,8 +21,8 @@ struct MultiRunProject {
 /// The project that the settings describe, or the single run, under the base name of its file.
 [[nodiscard]] MultiRunProject multiRunProjectOf(const RunSettings& settings);
 
-/// The .fmr file of a listed run, as its settings file states it. Empty when that can't be read,
-/// of which a missing file has been told.
+/// The .fmr file of a listed run, as its settings file states it. Empty when that can't be read;
+/// a message has then been shown only of a missing file.
 [[nodiscard]] QString projectPathOf(const MultiRunProject& project, int index);
 
 /// What the header of a listed run states, with `path` as projectPathOf() gives it, and where the
@@ -42,7 +42,8 @@ enum class MultiRunEnd { Done, Cancelled, Failed };
 /// Fits, or reads, the model of all listed runs into the document, whose project becomes the header
 /// of the first one, without data; then computes contrast maps and clusters. Writes the designs of
 /// the runs, their list (.mdm) and the model (.glm) as results of the project. An existing model
-/// file is read and never computed anew; when it is that of other runs the operator is told. Failed
+/// file is read and never computed anew; the operator is told when it is that of other runs or
+/// options. Without one, nothing is written before the data of all runs have been found. Failed
 /// after a message; the document is then incomplete.
 [[nodiscard]] MultiRunEnd analyseMultiRun(const RunParts& run, const MultiRunProject& project,
                                           MultiRunAnalysis& analysis);

@@ -77,13 +77,17 @@ bool loadPlottedRun(PlottedRun& plotted, const MultiRunProject& project, int ind
     return true;
 }
 
-bool loadCurve(RegionOfInterest& region, const PlottedRun& plotted, const VolumeSize& size,
-               bool bestVoxelSelection) {
+void forgetCurve(RegionOfInterest& region) {
     region.TimeCourseValues.clear();
     region.CurrentTimePoint = -1;
     region.ROIBetas.clear();
     region.BetaCovariance.clear();
     region.predictorsInFit = 0;
+}
+
+bool loadCurve(RegionOfInterest& region, const PlottedRun& plotted, const VolumeSize& size,
+               bool bestVoxelSelection) {
+    forgetCurve(region);
     const std::unique_ptr<STCSliceReader> run = STCSliceReader::open(plotted.study.studyFile);
     if (!run)
         return false;

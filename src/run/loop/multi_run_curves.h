@@ -17,6 +17,9 @@ struct PlottedRun {
                                   const std::vector<StudyCondition>& conditions,
                                   const DesignMatrix& names);
 
+/// Leaves the region without curve and betas.
+void forgetCurve(RegionOfInterest& region);
+
 /// The region's curve over the whole run, read from its data file, and the betas of the run's own
 /// model. False, after a message, when the data can't be read or the run is not of `size`; the
 /// region then has no curve.

@@ -14,6 +14,7 @@
 #include "stats/whole_run_maps.h"
 
 #include <QFile>
+#include <algorithm>
 
 namespace {
 
@@ -80,6 +81,15 @@ void writeModel(const RunParts& run) {
         (void)writeGLMFile(modelFilePath(project), model);
 }
 
+/// The columns of the file are those of the run's design.
+bool hasColumnsOf(const WholeRunDesign& model, const DesignMatrix& design) {
+    const auto isColumn = [](const GLMPredictor& predictor, const QString& name) {
+        return predictor.name == name;
+    };
+    return model.GLMPredictors() == design.NrOfPredictors &&
+           std::ranges::equal(model.predictors, design.PredictorNames, isColumn);
+}
+
 /// Reads the model of the run's file. False when it can't be read, after a message, or is not that
 /// of this run.
 bool readModel(const RunParts& run) {
@@ -89,7 +99,7 @@ bool readModel(const RunParts& run) {
     if (!readGLMFile(path, document.project.size(), model))
         return false;
     if (model.nrOfStudies() != 1 || model.GLMDataPoints() != document.project.NrOfVolumes ||
-        model.GLMPredictors() != document.design.NrOfPredictors) {
+        !hasColumnsOf(model, document.design)) {
         showWarning(QStringLiteral("WARNING: The model in \"%1\" is that of another run or of "
                                    "another protocol. It is computed again.")
                         .arg(path));

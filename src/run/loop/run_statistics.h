@@ -18,7 +18,7 @@
 /// Maps and clusters of the model that the document has, for its contrasts. False without a model.
 bool showModel(const RunParts& run);
 
-/// Removes the model with its maps: what the live model left behind is no model of the run.
+/// Removes the model and its maps, also those that the live model left behind.
 void dropModel(const RunParts& run);
 
 /// fitCompleteRun() with a progress box, for a run that has ended; when it is saved completely, the

@@ -88,11 +88,14 @@ QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& 
 
 QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
                         const QtCortivoDoc& document) {
-    const QString threshold = thresholdText(document.maps, requests.thresholds);
+    QString text = thresholdText(document.maps, requests.thresholds);
+    const QString correlation = meanAR1Text(document.wholeRunModel);
+    if (!correlation.isEmpty())
+        text += "<br>" + correlation;
     if (document.multiRunDocument)
-        return multiRunPanelText(threshold);
+        return multiRunPanelText(text);
     return singleRunPanelText(report.currentVolume + 1, double(report.elapsedRunTime) / 1000.0,
-                              threshold);
+                              text);
 }
 
 QString endingText(int fontSize, Phase phase) {

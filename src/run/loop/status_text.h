@@ -11,6 +11,8 @@
 
 #include <QString>
 
+struct WholeRunModel;
+
 /// On the current settings file, by what the session does with it. `fontSize` in points.
 [[nodiscard]] QString offerText(int fontSize, const QString& settingsFileName);
 [[nodiscard]] QString waitingText(int fontSize, const QString& settingsFileName);
@@ -26,7 +28,8 @@
 [[nodiscard]] QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& maps,
                                      int volumeIndex, qint64 runMilliseconds);
 
-/// The panel between runs.
+/// The panel between runs: the threshold, and below it what the model says on serial
+/// correlations.
 [[nodiscard]] QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
                                       const QtCortivoDoc& document);
 

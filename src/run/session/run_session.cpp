@@ -268,7 +268,7 @@ void RunSession::replaceDocuments() {
 }
 
 bool RunSession::messagesAreModeless(MessageLevel level) const {
-    return phase.now() == Phase::Saving || phase.now() == Phase::Analysing ||
+    return phase.now() == Phase::Saving || phase.now() == Phase::Analysing || multiRun.readsRun() ||
            (phase.runActive() && level != MessageLevel::Critical);
 }
 

@@ -112,8 +112,8 @@ public:
     /// it stands in place of the outcome of the run.
     [[nodiscard]] QString panelText();
     /// Whether a message must not wait for an answer: while a run is recorded, unless it ends the
-    /// program (critical), while data are only in memory, and while a model is fitted, after which
-    /// the next run may start by itself.
+    /// program (critical), while data are only in memory, while a model is fitted, after which the
+    /// next run may start by itself, and while the plots of a project read one of its runs.
     [[nodiscard]] bool messagesAreModeless(MessageLevel level) const;
     void setRunButton(RunButtonState state);
     /// As it is shown; NoSettingsFile refuses a start.

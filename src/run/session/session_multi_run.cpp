@@ -6,6 +6,19 @@
 
 #include <QDir>
 
+/// While files of a run are read for the plots. A box that is waited for would let auto-start
+/// replace the document in the middle.
+class SessionMultiRun::ModelessMessages {
+public:
+    explicit ModelessMessages(SessionMultiRun& owner) : owner_(owner) { ++owner_.readers_; }
+    ~ModelessMessages() { --owner_.readers_; }
+    ModelessMessages(const ModelessMessages&) = delete;
+    ModelessMessages& operator=(const ModelessMessages&) = delete;
+
+private:
+    SessionMultiRun& owner_;
+};
+
 SessionMultiRun::SessionMultiRun(const Parts& parts) : parts_(parts) {
     // Before the plots, so that they find the curves, or none.
     parts_.listeners.add(*this, ListenerPlace::Regions);
@@ -85,6 +98,7 @@ void SessionMultiRun::showRun(int plot, int value) {
     else if (value == project_.nrOfMultiRunFiles)
         value = 0;
     const int index = indexOfValue(value);
+    const ModelessMessages modeless(*this);
     if (index >= 0 && index < project_.nrOfMultiRunFiles && plot < document_->regions.count()) {
         // Read anew, as its files are now.
         PlottedRun run;
@@ -139,11 +153,12 @@ PlottedRun* SessionMultiRun::loaded(int index) {
 // A region whose run can't be read is left without values, and not tried again until the operator
 // chooses a run.
 void SessionMultiRun::renewCurve(int region) {
+    const ModelessMessages modeless(*this);
     RegionOfInterest& renewed = document_->regions[region];
-    const PlottedRun* run = loaded(indexOfRegion(region));
-    if (!run || !loadCurve(renewed, *run, document_->project.size(),
-                           parts_.requests.regions.BestVoxelSelection))
-        renewed.TimeCourseValues.clear();
+    forgetCurve(renewed); // also where the run can't be read
+    if (const PlottedRun* run = loaded(indexOfRegion(region)))
+        (void)loadCurve(renewed, *run, document_->project.size(),
+                        parts_.requests.regions.BestVoxelSelection);
 }
 
 // New regions have room for a curve and no value in it yet; those whose run could not be read have

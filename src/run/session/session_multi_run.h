@@ -64,12 +64,16 @@ public:
     /// The run whose curve a region has; null where that is the run in memory, or none.
     [[nodiscard]] const PlottedRun* runOfRegion(int region) const;
 
+    /// Files of a run are being read for the plots: a message must not be waited for.
+    [[nodiscard]] bool readsRun() const { return readers_ > 0; }
+
     void settingsFileChanged() override;
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override { document_ = &functional; }
     void regionsChanged(QtCortivoDoc& functional) override;
 
 private:
+    class ModelessMessages;
     [[nodiscard]] bool showsProject() const;
     [[nodiscard]] int indexOfRegion(int region) const;
     [[nodiscard]] int indexOfValue(int value) const;
@@ -82,4 +86,5 @@ private:
     QtCortivoDoc* document_ = nullptr;
     std::array<int, plotsWithChoice> values_{};
     std::map<int, PlottedRun> runs_; ///< by index in the list, as they were read
+    int readers_ = 0;                ///< calls in progress that read files of a run
 };

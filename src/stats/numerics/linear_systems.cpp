@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/numerics/linear_systems.h"
 
+#include "stats/numerics/cholesky.h"
 #include "stats/numerics/failures.h"
 
 #include <algorithm>
@@ -348,6 +349,46 @@ bool invertMatrix(std::span<const float> a, std::span<float> out, int n, int* ra
     return true;
 }
 
+namespace {
+
+double length(const std::vector<double>& values) {
+    return std::sqrt(product(values, values));
+}
+
+/// The inverse of a large scaled matrix without its columns of zeros. False, with `result`
+/// unchanged, unless it is certain that no other direction is to be dropped.
+bool invertLarge(const std::vector<double>& scaled, const std::vector<double>& scale,
+                 NormalInverse& result) {
+    constexpr size_t fewestColumns = 65;
+    constexpr double wellConditioned = 1e-7; // keeps the inverse right to some nine digits
+    const size_t size = scale.size();
+    std::vector<size_t> used;
+    for (size_t j = 0; j < size; ++j)
+        if (scale[j] > 0.0)
+            used.push_back(j);
+    const size_t n = used.size();
+    if (n < fewestColumns)
+        return false;
+    std::vector<double> compact;
+    compact.reserve(n * n);
+    for (const size_t i : used)
+        for (const size_t j : used)
+            compact.push_back(scaled[i * size + j]);
+    const double largest = length(compact); // no eigenvalue is larger
+    if (!invertPositiveDefinite(compact, n) ||
+        !(1.0 / (length(compact) * largest) > wellConditioned))
+        return false;
+    result.rank = int(n);
+    result.smallestEigenvalue = n == size ? 1.0 / (length(compact) * largest) : 0.0;
+    for (size_t i = 0; i < n; ++i)
+        for (size_t j = 0; j < n; ++j)
+            result.inverse[used[i] * size + used[j]] =
+                compact[i * n + j] * scale[used[i]] * scale[used[j]];
+    return true;
+}
+
+} // namespace
+
 bool invertNormalMatrix(std::span<const double> xx, int p, NormalInverse& result) {
     const size_t size = size_t(p);
     result.inverse.assign(size * size, 0.0);
@@ -363,6 +404,8 @@ bool invertNormalMatrix(std::span<const double> xx, int p, NormalInverse& result
     for (size_t i = 0; i < size; ++i)
         for (size_t j = 0; j < size; ++j)
             scaled[i * size + j] *= scale[i] * scale[j];
+    if (invertLarge(scaled, scale, result))
+        return true;
     Decomposition parts;
     parts.u = columnsOf<double>(scaled, size, size);
     if (!decompose(parts))

@@ -70,7 +70,7 @@ struct NormalInverse {
     std::vector<double> inverse; ///< p x p
     int rank = 0;
     /// Over the largest one, of the scaled matrix; 0 with a column of zeros. Above 1e-10 where no
-    /// direction is dropped.
+    /// direction is dropped. Of more than 64 columns only a value that it is not below.
     double smallestEigenvalue = 0.0;
 };
 /// Inverts X'X (p x p), scaled to a diagonal of ones first, so that the units of the columns don't
@@ -78,7 +78,9 @@ struct NormalInverse {
 /// not be told from rounding errors. What is left is a generalised inverse (C. R. Rao, Linear
 /// Statistical Inference, section 1b.5), so that all that can be estimated is right, and equal
 /// columns share their weight. Columns of zeros get zeros, as does a matrix with values that are
-/// not finite. False only when svdcmp fails.
+/// not finite. Of several runs there may be hundreds of columns: more than 64 are inverted by
+/// elimination, which takes a hundredth of the time, unless a direction may have to be dropped.
+/// False only when svdcmp fails.
 [[nodiscard]] bool invertNormalMatrix(std::span<const double> xx, int p, NormalInverse& result);
 
 /// The program-wide choice to take the magnitude of singular values before the threshold of

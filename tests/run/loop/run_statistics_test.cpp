@@ -74,6 +74,8 @@ TEST_F(RunStatistics, AReloadTakesTheFileIfItFitsAndElseComputes) {
     const qsizetype row = qsizetype(document().wholeRunModel.nrOfVoxels() * sizeof(float));
     const qsizetype rows = document().wholeRunModel.nrOfMapRows();
     changed.replace(file.size() - (rows - 2) * row, row, QByteArray(row, 0));
+    QByteArray otherProtocol = file;
+    otherProtocol.replace("Houses", "Houzes");
     struct Case {
         const char* what;
         QByteArray bytes; ///< empty: no file
@@ -84,6 +86,7 @@ TEST_F(RunStatistics, AReloadTakesTheFileIfItFitsAndElseComputes) {
                           {"its file", file, true, nullptr},
                           {"a file of other betas", changed, false, nullptr},
                           {"cut", file.left(file.size() / 2), true, "ERROR: GLM file *"},
+                          {"of another protocol", otherProtocol, true, "WARNING: The model in *"},
                           {"of another run", otherRun, true, "WARNING: The model in *"}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);

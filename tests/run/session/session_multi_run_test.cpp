@@ -163,6 +163,12 @@ TEST_F(SessionMultiRunTest, WhatCanNotBeAnalysedLeavesNothingAndCanBeMended) {
          },
          "ERROR: Different image resolution of functional data files!"},
         {[&] { QFile::remove(path("two/test.stc")); }, "ERROR: "},
+        {[&] {
+             for (const char* run : {"one/test.prt", "two/test.prt"})
+                 put(run, content(run).left(content(run).indexOf("NrOfConditions:")) +
+                              "NrOfConditions: 0");
+         },
+         "ERROR: No conditions specified!"},
         {[&] { QDir(path("both")).mkdir("both_run-2.rtc"); }, "ERROR: "},
         {[&] { put("both/both.glm", "no model"); }, "ERROR: "}};
     for (const auto& [damage, text] : cases) {
@@ -179,6 +185,10 @@ TEST_F(SessionMultiRunTest, WhatCanNotBeAnalysedLeavesNothingAndCanBeMended) {
         EXPECT_FALSE(session.functionalDocument->multiRunDocument || session.report.mapsPresent);
         EXPECT_TRUE(session.functionalDocument->wholeRunModel.GLMMaps.empty());
         EXPECT_TRUE(session.report.startFailed) << "it doesn't start again by itself";
+        if (text && !QDir(path("both/both_run-2.rtc")).exists() &&
+            !QFile::exists(path("both/both.glm"))) {
+            EXPECT_TRUE(QDir(path("both")).isEmpty()) << "files of runs that can't be analysed";
+        }
         EXPECT_EQ(content("both/both.glm").size(), QFile::exists(path("both/both.glm")) ? 8 : 0);
         // Mended by recording the runs anew.
         display.modelCancelled = false;
@@ -209,6 +219,46 @@ TEST_F(SessionMultiRunTest, AnExistingModelIsShownAlsoForAnotherList) {
     EXPECT_EQ(document.contrasts.ContrastNames.value(2), "Houses vs. Fixation");
     EXPECT_EQ(std::vector<float>(document.maps.map(2).begin(), document.maps.map(2).end()), houses);
     EXPECT_EQ(document.wholeRunModel.nrOfStudies(), 3);
+
+    for (const char* keys : {"MergeZTransformation: 1", "MergeCorrectSerialCorrelations: 1",
+                             "MergeDriftConfoundPredictors: 1"}) {
+        list(QString("\"one\" \"two.vco\" \"./one.vco\" ") + keys);
+        messages.expectInformation("INFO: The model in file \"" + path("both/both.glm") +
+                                   "\" was fitted with other options than those which "
+                                   "\"all.mvco\" states now.*");
+        EXPECT_TRUE(analysed());
+    }
+    list("\"one\" \"two.vco\" \"./one.vco\"");
+    EXPECT_TRUE(analysed());
+}
+
+TEST_F(SessionMultiRunTest, WhilePlotsReadARunNoMessageIsWaitedFor) {
+    // A message that is waited for lets auto-start replace the regions that are being read.
+    struct Asked : UnattendedMessages {
+        explicit Asked(RunSession& owner) : session(owner) {}
+        void show(MessageLevel level, const QString&, const QString&) override {
+            modeless.push_back(session.messagesAreModeless(level));
+        }
+        RunSession& session;
+        std::vector<bool> modeless;
+    };
+    ASSERT_TRUE(analysed());
+    for (int i = 0; i < 4; ++i)
+        ASSERT_TRUE(session.regions.selectRectangle(drag));
+    EXPECT_FALSE(region(3).ROIBetas.empty());
+    Asked asked(session);
+    MessageHandler* before = installMessageHandler(&asked);
+    EXPECT_FALSE(session.messagesAreModeless(MessageLevel::Critical));
+    QFile::remove(path("two/two.fmr"));
+    session.multiRun.showRun(0, 1);
+    EXPECT_EQ(region(0).NrOfValues(), 40) << "the plot keeps what it shows";
+    session.multiRun.select(1);
+    EXPECT_TRUE(region(3).NrOfValues() == 0 && region(3).ROIBetas.empty());
+    QFile::remove(path("one/test.stc"));
+    EXPECT_TRUE(session.regions.selectRectangle(drag));
+    installMessageHandler(before);
+    EXPECT_EQ(asked.modeless, std::vector<bool>({true, true, true}));
+    EXPECT_EQ(region(4).NrOfValues(), 0);
 }
 
 TEST_F(SessionMultiRunTest, AMeasuredRunIsTheSingleEntry) {

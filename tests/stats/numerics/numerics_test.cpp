@@ -8,6 +8,7 @@
 
 #include <limits>
 #include <numbers>
+#include <random>
 
 using namespace numerics;
 
@@ -51,6 +52,53 @@ TEST(InvertMatrix, SingularValuesDecideWhatIsInverted) {
     for (const bool absolute : {true, false}) {
         setAbsoluteSingularValues(absolute);
         expectNear(inverse({1, 2, 2, 1}, 2), {-1 / 3., 2 / 3., 2 / 3., -1 / 3.}, 1e-7);
+    }
+}
+
+TEST(InvertNormalMatrix, ManyColumnsFollowTheSameRules) {
+    constexpr size_t p = 70;
+    constexpr size_t points = 100;
+    struct Case {
+        const char* what;
+        double slope; ///< column 9 = slope * column 8 + part * its own values
+        double part;
+        int rank;
+    };
+    const Case cases[] = {{"regular", 0.0, 1.0, p},
+                          {"other units", 0.0, 1e-5, p},
+                          {"a column of zeros", 0.0, 0.0, p - 1},
+                          {"an equal column", 1.0, 0.0, p - 1},
+                          {"columns that differ too little", 1.0, 1e-6, p - 1},
+                          {"columns that differ enough", 1.0, 1e-4, p}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::mt19937 random(7);
+        std::vector<double> x(points * p);
+        for (size_t t = 0; t < points; ++t) {
+            for (size_t j = 0; j < p; ++j)
+                x[t * p + j] = double(random() % 2001) / 1000.0 - 1.0;
+            x[t * p + 9] = c.slope * x[t * p + 8] + c.part * x[t * p + 9];
+        }
+        const auto multiplied = [](const std::vector<double>& a, const std::vector<double>& b) {
+            std::vector<double> result(p * p, 0.0);
+            for (size_t i = 0; i < p; ++i)
+                for (size_t k = 0; k < a.size() / p; ++k)
+                    for (size_t j = 0; j < p; ++j)
+                        result[i * p + j] += a[k * p + i] * b[k * p + j];
+            return result;
+        };
+        const std::vector<double> xx = multiplied(x, x);
+        NormalInverse inverted;
+        ASSERT_TRUE(invertNormalMatrix(xx, int(p), inverted));
+        EXPECT_EQ(inverted.rank, c.rank);
+        // X'X iXX X'X = X'X; all are symmetric.
+        const std::vector<double> again = multiplied(xx, multiplied(inverted.inverse, xx));
+        for (size_t i = 0; i < xx.size(); ++i)
+            ASSERT_NEAR(again[i], xx[i], 1e-6 * std::sqrt(xx[i / p * (p + 1)] * points)) << i;
+        // Zeros, or the same weight as the equal column.
+        if (c.part == 0.0) {
+            EXPECT_NEAR(inverted.inverse[9 * p + 3], c.slope * inverted.inverse[8 * p + 3], 1e-9);
+        }
     }
 }
 
