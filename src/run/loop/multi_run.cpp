@@ -228,10 +228,10 @@ bool Analysis::readModel() {
 
 void Analysis::tellOfOtherRuns() {
     const WholeRunModel& model = document_.wholeRunModel;
-    const auto isSame = [](const GLMStudy& a, const GLMStudy& b) {
-        return a.studyFile == b.studyFile && a.dataPoints == b.dataPoints;
+    const auto isSame = [](const GLMStudy& study, const RunOfStudy& run) {
+        return study.studyFile == run.studyFile && study.dataPoints == run.NrOfVolumes;
     };
-    const bool sameRuns = std::ranges::equal(model.studies, list_.studies, isSame);
+    const bool sameRuns = std::ranges::equal(model.studies, runs_, isSame);
     const auto confounds = std::ranges::count(conditionsOfColumns(model), -1);
     if (sameRuns && model.transformation == list_.transformation &&
         model.separation == list_.separation &&
