@@ -188,9 +188,7 @@ bool Analysis::openSamples() {
 bool Analysis::writeDesigns() {
     list_.transformation = ZTransformation(run_.settings.MergeZTransformation);
     list_.separation = separationOf(run_.settings);
-    // The model is that of the list as it is on disk.
-    return createRunDesignMatrices(runs_, project_.multiRunProjectPath, list_) &&
-           readMDMFile(project_.multiRunProjectPath + ".mdm", list_);
+    return createRunDesignMatrices(runs_, project_.multiRunProjectPath, list_);
 }
 
 MultiRunEnd Analysis::fitModel() {
@@ -199,7 +197,10 @@ MultiRunEnd Analysis::fitModel() {
         colors.push_back(conditions_[i].color);
     WholeRunDesign design;
     VolumeSize size;
-    if (!assembleMultiStudyDesign(list_, colors, design, size) ||
+    // The model is that of the list as it is on disk.
+    MultiStudyList list;
+    if (!readMDMFile(project_.multiRunProjectPath + ".mdm", list) ||
+        !assembleMultiStudyDesign(list, colors, design, size) ||
         !addDriftTerms(design, run_.settings.MergeDriftConfoundPredictors))
         return MultiRunEnd::Failed;
     design.CorrectSerialCorrelations = run_.settings.MergeCorrectSerialCorrelations;
