@@ -233,7 +233,7 @@ bool compareWithRestricted(const WholeRunDesign& design, std::span<const float> 
     for (int bin = 0; bin < forms.nrOfBins; ++bin) {
         Matrix ofBin(rows.pivots.size(), p);
         Matrix normal(p, p);
-        normal.values = normalMatrix(design, valueOfSerialCorrelationBin(bin));
+        normal.values = whitenedNormalMatrix(design, valueOfSerialCorrelationBin(bin));
         if (!formsOf(normal, rows, ofBin))
             return false;
         // In the last bin whitening takes the constants away, so the first one decides.

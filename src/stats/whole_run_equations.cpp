@@ -147,7 +147,7 @@ StudyDesign makeStudyDesign(const WholeRunDesign& design, size_t firstPoint, siz
 
 } // namespace
 
-std::vector<double> normalMatrix(const WholeRunDesign& design, double lagOneValue) {
+std::vector<double> whitenedNormalMatrix(const WholeRunDesign& design, double lagOneValue) {
     const size_t p = size_t(design.GLMPredictors());
     return squared(design.CorrectSerialCorrelations ? whitenedDesign(design, lagOneValue)
                                                     : designInDouble(design),

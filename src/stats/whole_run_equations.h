@@ -56,6 +56,7 @@ struct WholeRunEquations {
 void storeDerivedParts(const WholeRunEquations& equations, WholeRunModel& model);
 
 /// X'X in double, p x p; of a design that corrects serial correlations whitened with the value.
-[[nodiscard]] std::vector<double> normalMatrix(const WholeRunDesign& design, double lagOneValue);
+[[nodiscard]] std::vector<double> whitenedNormalMatrix(const WholeRunDesign& design,
+                                                       double lagOneValue);
 
 [[nodiscard]] std::vector<float> inFloat(const std::vector<double>& values);

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/whole_run_maps.h"
 
+#include "stats/design_rank.h"
 #include "stats/glm_blocks.h"
 #include "stats/glm_contrasts.h"
+#include "stats/numerics/linear_systems.h"
 #include "stats/restricted_model.h"
 
 #include <array>
@@ -72,6 +74,19 @@ std::span<const float> inverseOfBin(const WholeRunModel& model, int bin) {
     return model.CorrectSerialCorrelations ? model.binInverses[size_t(bin)] : model.GLMInverse;
 }
 
+/// Of a design whose columns depend on each other: a contrast that the data don't determine gets a
+/// variance of 0, and with it a map of 0, as in the live model.
+void withdrawInestimable(MapPlan& plan, const WholeRunModel& model) {
+    const std::vector<double> xx = normalMatrix(model.GLMDesign, model.predictors.size());
+    numerics::NormalInverse normal;
+    if (!numerics::invertNormalMatrix(xx, model.GLMPredictors(), normal))
+        return;
+    const size_t bins = size_t(plan.nrOfBins);
+    for (int c = 0; c < plan.active.count; ++c)
+        if (!isEstimable(plan.active.row(c), xx, normal.inverse))
+            std::fill_n(plan.contrastVariances.begin() + ptrdiff_t(size_t(c) * bins), bins, 0.0f);
+}
+
 void planTMaps(MapPlan& plan, const WholeRunModel& model) {
     const size_t bins = size_t(plan.nrOfBins);
     plan.contrastVariances.resize(size_t(plan.active.count) * bins);
@@ -80,6 +95,8 @@ void planTMaps(MapPlan& plan, const WholeRunModel& model) {
         for (size_t c = 0; c < size_t(plan.active.count); ++c)
             plan.contrastVariances[c * bins + bin] = plan.active.variances[c];
     }
+    if (model.rank < model.GLMPredictors())
+        withdrawInestimable(plan, model);
 }
 
 /// Weights of one sign: each of their betas is 0 in the restricted model. Of both signs: their

@@ -16,8 +16,9 @@ struct StatisticalMaps;
 /// outside the mask, and where R <= 0, are 0.
 ///
 /// t = (c . b) / sqrt((c' iXX c) s2) with s2 = (T - T R^2) / df, and 0 where the root is below
-/// 1e-06. With serial correlation correction iXX is that of the voxel's bin. With one-sided testing
-/// a voxel is 0 where the sign of a beta disagrees with its weight.
+/// 1e-06, or where columns that depend on each other leave the contrast undetermined. With serial
+/// correlation correction iXX is that of the voxel's bin. With one-sided testing a voxel is 0 where
+/// the sign of a beta disagrees with its weight.
 ///
 /// F compares the model with a restricted one (restricted_model.h). Of a contrast whose weights
 /// have one sign the restricted model has all columns but those with a weight; of one with both

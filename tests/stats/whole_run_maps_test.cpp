@@ -257,6 +257,10 @@ TEST(WholeRunMaps, AreZeroWhereNothingCanBeTested) {
         const StatisticalMaps maps = mapsOf(model, select({1}, Shown::FOfContrast));
         EXPECT_EQ(values(maps), std::vector<float>(5, 0.0f));
         EXPECT_EQ(maps.MapDF1, 0);
+        // The data tell what both do together, and not what each does.
+        for (const int contrast : {1, 2})
+            EXPECT_EQ(values(mapsOf(model, select({contrast}))), std::vector<float>(5, 0.0f));
+        EXPECT_NE(values(mapsOf(model, select({3})))[0], 0.0f);
         model.GLMDesign[p - 1] = nan;
         EXPECT_EQ(values(mapsOf(model, select({0}, Shown::FOfContrast))), values(maps));
 
