@@ -36,7 +36,11 @@ protected:
 } // namespace
 
 TEST_F(RunStatistics, AfterARunTheModelIsThatOfTheLiveMapsAndOnDisk) {
+    qsizetype callsBefore = 0;
+    display.whileModelling = [&] { callsBefore = display.calls.size(); };
     session.runButtonPressed();
+    EXPECT_GT(callsBefore, 0);
+    EXPECT_TRUE(display.calls.mid(callsBefore).contains("views")) << "the new maps are painted";
     EXPECT_EQ(display.modelText, " Computing Standard GLM... ");
     MapFile live;
     ASSERT_TRUE(readMapFile(path("results/test.mps"), live));

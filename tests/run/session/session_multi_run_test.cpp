@@ -125,6 +125,11 @@ TEST_F(SessionMultiRunTest, EachPlotShowsTheRunThatWasChosenForIt) {
     session.multiRun.select(1);
     EXPECT_EQ(menu()[1], "two*");
     EXPECT_EQ(region(3).NrOfValues(), 30) << "a plot without a choice of its own";
+    list("\"one\" \"two.vco\" \"./one.vco\"");
+    ASSERT_TRUE(analysed());
+    for (int i = 0; i < 4; ++i)
+        ASSERT_TRUE(session.regions.selectRectangle(drag));
+    EXPECT_EQ(session.multiRun.choice(0)->value, 0) << "a new analysis begins anew";
 
     QFile::remove(path("two/test.prt"));
     QFile::remove(path("test.prt"));
@@ -202,24 +207,35 @@ TEST_F(SessionMultiRunTest, WhatCanNotBeAnalysedLeavesNothingAndCanBeMended) {
 }
 
 TEST_F(SessionMultiRunTest, AnExistingModelIsShownAlsoForAnotherList) {
-    ASSERT_TRUE(analysed());
-    const QByteArray model = content("both/both.glm");
-    const std::vector<float> houses(session.functionalDocument->maps.map(1).begin(),
-                                    session.functionalDocument->maps.map(1).end());
-    // Of this list the first condition after the baseline is faces, then tools, then houses.
-    list("\"two\" \"one\"");
-    display.modelText.clear();
-    messages.expectInformation(
-        "INFO: The model in file \"" + path("both/both.glm") +
-        "\" is that of other runs than those which \"all.mvco\" lists now.*");
-    ASSERT_TRUE(analysed());
-    EXPECT_TRUE(display.modelText.isEmpty());
-    EXPECT_EQ(content("both/both.glm"), model);
-    const QtCortivoDoc& document = *session.functionalDocument;
-    EXPECT_EQ(document.contrasts.ContrastNames.value(2), "Houses vs. Fixation");
-    EXPECT_EQ(std::vector<float>(document.maps.map(2).begin(), document.maps.map(2).end()), houses);
-    EXPECT_EQ(document.wholeRunModel.nrOfStudies(), 3);
-
+    const auto mapsByName = [this] {
+        QMap<QString, std::vector<float>> maps;
+        const QtCortivoDoc& document = *session.functionalDocument;
+        for (int i = 0; i < document.maps.NrOfActiveContrasts; ++i)
+            maps[document.contrasts.ContrastNames[i]] = {document.maps.map(i).begin(),
+                                                         document.maps.map(i).end()};
+        return maps;
+    };
+    for (const bool separate : {true, false}) {
+        QFile::remove(path("both/both.glm"));
+        list("\"one\" \"two.vco\" \"./one.vco\"", separate);
+        ASSERT_TRUE(analysed());
+        const QByteArray model = content("both/both.glm");
+        const auto maps = mapsByName();
+        // Of this list the first condition after the baseline is faces, then tools, then houses.
+        list("\"two\" \"one\"", separate);
+        display.modelText.clear();
+        messages.expectInformation(
+            "INFO: The model in file \"" + path("both/both.glm") +
+            "\" is that of other runs than those which \"all.mvco\" lists now.*");
+        ASSERT_TRUE(analysed());
+        EXPECT_TRUE(display.modelText.isEmpty());
+        EXPECT_EQ(content("both/both.glm"), model);
+        const QtCortivoDoc& document = *session.functionalDocument;
+        EXPECT_EQ(document.contrasts.ContrastNames.value(2), "Houses vs. Fixation");
+        EXPECT_EQ(maps.size(), 3);
+        EXPECT_EQ(mapsByName(), maps);
+        EXPECT_EQ(document.wholeRunModel.nrOfStudies(), 3);
+    }
     for (const char* keys : {"MergeZTransformation: 1", "MergeCorrectSerialCorrelations: 1",
                              "MergeDriftConfoundPredictors: 1"}) {
         list(QString("\"one\" \"two.vco\" \"./one.vco\" ") + keys);
