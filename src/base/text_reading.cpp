@@ -3,6 +3,7 @@
 
 #include "base/plain_file.h"
 
+#include <QStringDecoder>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -154,6 +155,13 @@ bool tokensAgree(QString found, QString expected) {
 QString shortened(const QString& text) {
     constexpr qsizetype maximumShown = 64;
     return text.size() > maximumShown ? text.left(maximumShown) + "..." : text;
+}
+
+QString decodedText(const QByteArray& bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
+                                                     QStringDecoder::Flag::ConvertInitialBom);
+    QString text = decoder.decode(bytes);
+    return decoder.hasError() ? QString::fromLatin1(bytes) : text;
 }
 
 bool readTextFile(const QString& path, QString& text) {

@@ -69,6 +69,9 @@ private:
 /// The text shortened for a message: a damaged file can have words of any length.
 [[nodiscard]] QString shortened(const QString& text);
 
+/// Text that may be another program's: UTF-8, or Latin-1 where the bytes are not valid UTF-8.
+[[nodiscard]] QString decodedText(const QByteArray& bytes);
+
 /// The whole of a text file as UTF-8. False, with no message, if it can't be read, is no regular
 /// file (a folder, a pipe, a device) or is larger than 64 MiB.
 [[nodiscard]] bool readTextFile(const QString& path, QString& text);

@@ -5,7 +5,7 @@
 #include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/plain_file.h"
-#include "run/protocol/growing_text_file.h"
+#include "base/text_reading.h"
 
 #include <QBuffer>
 #include <QDataStream>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/protocol/growing_text_file.h"
 
+#include "base/text_reading.h"
+
 #include <QFileInfo>
-#include <QStringDecoder>
 #include <algorithm>
 #include <utility>
 
@@ -13,13 +14,6 @@ constexpr qsizetype bytesPerCall = 1 << 20;
 constexpr QByteArrayView byteOrderMark = "\xEF\xBB\xBF"; // written by some editors
 
 } // namespace
-
-QString decodedText(const QByteArray& bytes) {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
-                                                     QStringDecoder::Flag::ConvertInitialBom);
-    QString text = decoder.decode(bytes);
-    return decoder.hasError() ? QString::fromLatin1(bytes) : text;
-}
 
 qsizetype bytesBefore(const QByteArray& bytes, const QString& text, qsizetype characters) {
     const bool isUtf8 = text.toUtf8() == bytes;

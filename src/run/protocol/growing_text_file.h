@@ -6,9 +6,7 @@
 #include <QFile>
 #include <QString>
 
-/// Text of another program: UTF-8, or Latin-1 when the bytes are not valid UTF-8.
-[[nodiscard]] QString decodedText(const QByteArray& bytes);
-/// Number of bytes that the first `characters` of their decoded text take up.
+/// Number of bytes that the first `characters` of their text, as decodedText() gives it, take up.
 [[nodiscard]] qsizetype bytesBefore(const QByteArray& bytes, const QString& text,
                                     qsizetype characters);
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/messages.h"
+#include "base/text_reading.h"
 #include "run/protocol/real_time_protocol.h"
 
 #include <QFileInfo>

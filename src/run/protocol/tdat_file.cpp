@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/messages.h"
+#include "base/text_reading.h"
 #include "run/protocol/tdat_protocol.h"
 
 bool readTDATFile(const QString& path, const QString& settingsFile, StimulationProtocol& protocol,
