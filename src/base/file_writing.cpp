@@ -71,3 +71,14 @@ QByteArray formatted(const char* format, ...) {
     text.chop(1);
     return text;
 }
+
+bool appendToLog(const QString& path, const QByteArray& text, bool create) {
+    // Opening a pipe or a device for writing can block or have an effect.
+    const QFileInfo entry(path);
+    if (entry.exists() && !entry.isFile())
+        return false;
+    QFile file(path);
+    const QIODevice::OpenMode mode = create ? QIODevice::Truncate : QIODevice::Append;
+    return file.open(QIODevice::WriteOnly | mode) && file.write(text) == text.size() &&
+           file.flush();
+}

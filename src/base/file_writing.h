@@ -12,6 +12,10 @@ class QSaveFile;
 /// link stays, and its target is replaced.
 [[nodiscard]] bool writeFileAtomically(const QString& path, const QByteArray& content);
 
+/// Appends to a log and flushes it, or with `create` replaces it. False when that fails, or when
+/// `path` is a folder, a pipe or a device. The folder must exist.
+[[nodiscard]] bool appendToLog(const QString& path, const QByteArray& text, bool create);
+
 /// Opens a file for writing in the same way. False where its name is no regular file: a folder, a
 /// pipe or a device must be neither opened nor replaced.
 [[nodiscard]] bool openToReplace(QSaveFile& file);

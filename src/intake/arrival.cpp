@@ -68,7 +68,7 @@ bool waitForFile(const QString& fileName, qint64 size, bool atLeast) {
     return stamp && fits(*stamp, size, atLeast);
 }
 
-QString awaitFile(const ExpectedFile& expected, const WaitTimes& times, EventPump& pump) {
+ArrivedFile awaitFile(const ExpectedFile& expected, const WaitTimes& times, EventPump& pump) {
     const StopWatch watch(pump);
     Pauses pauses(expected.names, times, pump);
     for (;;) {
@@ -77,10 +77,11 @@ QString awaitFile(const ExpectedFile& expected, const WaitTimes& times, EventPum
             const auto found = fileStamp(name);
             if (!found || !fits(*found, expected.size, expected.atLeast))
                 continue;
+            const qint64 noticedAt = pump.milliseconds();
             pump.pumpWait(times.settleMilliseconds);
             const bool settled = expected.keepsGrowing || times.settleMilliseconds == 0;
             if (settled || fileStamp(name) == found)
-                return name;
+                return {name, noticedAt};
             unsettled = true;
         }
         if (pump.waitsGivenUp() || watch.elapsed() > times.timeOutMilliseconds)

@@ -53,13 +53,17 @@ private:
     qint64 next_ = 0;
 };
 
+struct ArrivedFile {
+    QString name;         ///< empty when none came
+    qint64 noticedAt = 0; ///< milliseconds of the pump: when it was seen, before it settled
+};
+
 /// Blocks, processing events, until one of the names has passed the arrival test and the size and
 /// times of the file have not changed for the settling time: a copy may be created at its full size
-/// and filled later. Returns the name, or an empty string on a time-out or when the pump gives up
-/// waiting.
+/// and filled later. The result has no name on a time-out or when the pump gives up waiting.
 ///
 /// A change of the folder, if the system reports it, starts the next round early. After one second
 /// the folder is listed in each round, since a network mount may have cached that a file is
 /// missing.
-[[nodiscard]] QString awaitFile(const ExpectedFile& expected, const WaitTimes& times,
-                                EventPump& pump);
+[[nodiscard]] ArrivedFile awaitFile(const ExpectedFile& expected, const WaitTimes& times,
+                                    EventPump& pump);

@@ -20,10 +20,8 @@ std::optional<DicomVolumeReader::Image>
 DicomVolumeReader::awaitImage(const ExpectedFile& expected, Stage stage, size_t nrOfSamples) {
     const StopWatch watch = newWatch();
     const FileWaitScope told = tellWait(expected);
-    const QString path = awaitFile(expected,
-                                   {.timeOutMilliseconds = settings().timeOutMilliseconds,
-                                    .settleMilliseconds = kind_.settleMilliseconds},
-                                   pump());
+    const QString path = awaitPath(expected, {.timeOutMilliseconds = settings().timeOutMilliseconds,
+                                              .settleMilliseconds = kind_.settleMilliseconds});
     if (!path.isEmpty())
         return readImage(path, watch, stage, nrOfSamples);
     if (stage == Stage::FirstVolume && !pump().waitsGivenUp())

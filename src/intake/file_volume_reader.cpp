@@ -32,6 +32,13 @@ FileWaitScope FileVolumeReader::tellWait(const ExpectedFile& expected) {
              .timeOutMilliseconds = settings().timeOutMilliseconds}};
 }
 
+QString FileVolumeReader::awaitPath(const ExpectedFile& expected, const WaitTimes& times) {
+    const ArrivedFile arrived = awaitFile(expected, times, pump());
+    if (!arrived.name.isEmpty())
+        state().lastFileNoticed = arrived.noticedAt;
+    return arrived.name;
+}
+
 bool FileVolumeReader::waitAgain(const StopWatch& watch, int pollMilliseconds) {
     if (pump().waitsGivenUp() || watch.elapsed() > settings().timeOutMilliseconds)
         return false;

@@ -39,6 +39,8 @@ protected:
     /// Tells the display, as long as the result lives, that this file is waited for: until it has
     /// come, can be opened and is whole.
     [[nodiscard]] FileWaitScope tellWait(const ExpectedFile& expected);
+    /// awaitFile(); keeps when the file was noticed.
+    [[nodiscard]] QString awaitPath(const ExpectedFile& expected, const WaitTimes& times);
     /// Waits for the next poll. False, without waiting, if `watch` has passed the time-out of a
     /// file, or when the pump has given up waiting.
     [[nodiscard]] bool waitAgain(const StopWatch& watch, int pollMilliseconds = 100);

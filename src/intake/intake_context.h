@@ -17,6 +17,7 @@ struct IntakeState {
     QString watchFolder;
     /// Set while a run waits for a file or for lines of one.
     std::optional<FileWait> fileWait;
+    qint64 lastFileNoticed = -1; ///< milliseconds of the pump; set by readers of files
 };
 
 struct IntakeContext {

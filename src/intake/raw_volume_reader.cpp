@@ -6,11 +6,10 @@
 std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitSamples(const RawFile& file) {
     const StopWatch watch = newWatch();
     const FileWaitScope told = tellWait(file.expected);
-    const QString path = awaitFile(file.expected,
-                                   {.timeOutMilliseconds = settings().timeOutMilliseconds,
-                                    .pollMilliseconds = file.pollMilliseconds,
-                                    .settleMilliseconds = file.settleMilliseconds},
-                                   pump());
+    const QString path =
+        awaitPath(file.expected, {.timeOutMilliseconds = settings().timeOutMilliseconds,
+                                  .pollMilliseconds = file.pollMilliseconds,
+                                  .settleMilliseconds = file.settleMilliseconds});
     if (path.isEmpty())
         return std::nullopt;
     do {

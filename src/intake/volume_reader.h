@@ -24,6 +24,8 @@ public:
     [[nodiscard]] virtual bool readHeaders() { return true; }
     /// A recorded run has given its last volume: what readVolume() waited for will never come.
     [[nodiscard]] virtual bool isAtEnd() const { return false; }
+    /// The volume that was read last was measured before, in a run that is recovered or goes on.
+    [[nodiscard]] virtual bool playsMeasuredVolumes() const { return false; }
 };
 
 /// The reader of settings.documentDataType, or nullptr for a type that has none. It waits for

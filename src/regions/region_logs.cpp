@@ -4,8 +4,6 @@
 #include "base/file_writing.h"
 #include "base/number_text.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QTextStream>
 #include <algorithm>
 #include <cmath>
@@ -104,15 +102,4 @@ QByteArray betaTimeCourseText(const Regions& regions, const DesignMatrix& design
     stream << '\n';
     stream.flush();
     return text;
-}
-
-bool appendToLog(const QString& path, const QByteArray& text, bool create) {
-    // Opening a pipe or a device for writing can block or have an effect.
-    const QFileInfo entry(path);
-    if (entry.exists() && !entry.isFile())
-        return false;
-    QFile file(path);
-    const QIODevice::OpenMode mode = create ? QIODevice::Truncate : QIODevice::Append;
-    return file.open(QIODevice::WriteOnly | mode) && file.write(text) == text.size() &&
-           file.flush();
 }

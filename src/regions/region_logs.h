@@ -28,7 +28,3 @@
 /// magnitude, has no line of betas.
 [[nodiscard]] QByteArray betaTimeCourseText(const Regions& regions, const DesignMatrix& design,
                                             int volumeIndex, bool withHead);
-
-/// Appends to a log and flushes it, or with `create` replaces it. False when that fails, or when
-/// `path` is a folder, a pipe or a device. The folder must exist.
-[[nodiscard]] bool appendToLog(const QString& path, const QByteArray& text, bool create);

@@ -7,6 +7,7 @@
 #include "run/protocol/prt_file.h"
 #include "run/protocol/real_time_protocol.h"
 #include "run/protocol/tdat_protocol.h"
+#include "run/protocol/volume_tables.h"
 #include "run/settings/settings_file.h"
 #include "run/settings/settings_reader.h"
 #include "run/settings/watch_folders.h"
@@ -47,7 +48,8 @@ bool prt(std::span<const uint8_t> bytes) {
         if (parsePRT(text, withResponses, protocol).result != PRTResult::Good)
             continue;
         good = true;
-        static_cast<void>(volumeConditionIndex(protocol, 50, 2000.0f));
+        VolumeTables tables;
+        buildVolumeTables(tables, protocol, 50, 2000.0f);
         StimulationProtocol again;
         require(parsePRT(QString::fromUtf8(prtText(protocol)), withResponses, again).result ==
                     PRTResult::Good,
@@ -71,7 +73,8 @@ bool arriving(std::span<const uint8_t> bytes, Parse parse, Apply apply) {
         static_cast<void>(apply(line, protocol, state));
     for (const ProtocolContrasts::Contrast& contrast : state.contrasts.table)
         require(contrast.weights.size() <= protocol.conditions.size(), "a weight each at most");
-    static_cast<void>(volumeConditionIndex(protocol, 50, 2000.0f));
+    VolumeTables tables;
+    buildVolumeTables(tables, protocol, 50, 2000.0f);
     return true;
 }
 

@@ -29,10 +29,11 @@ TEST(AwaitFile, TakesAWholeFileAndLooksAtTheTimeOutBehindEachRound) {
         pump.after(arrival - 200, [&path] { writeFile(path, "half"); });
         pump.after(arrival, [&path] { writeFile(path, "half and half"); });
         pump.processEvents();
-        const QString found =
+        const auto [found, noticedAt] =
             awaitFile({{folder.filePath("a"), path}, 13, true},
                       {.timeOutMilliseconds = timeOut, .settleMilliseconds = 30}, pump);
         EXPECT_EQ(found, met ? path : QString());
+        EXPECT_EQ(noticedAt, met ? end - 30 : 0) << "seen before it settled";
         EXPECT_EQ(pump.milliseconds(), end);
     }
 }
@@ -58,7 +59,8 @@ TEST(AwaitFile, SizeAndTimesHoldStillOverTheSettlingTime) {
             pump.after(time, [&path, time] { overwrite(path, "full", time); });
         const QString found =
             awaitFile({{path}, 4, true, keepsGrowing},
-                      {.timeOutMilliseconds = 1000, .settleMilliseconds = 30}, pump);
+                      {.timeOutMilliseconds = 1000, .settleMilliseconds = 30}, pump)
+                .name;
         EXPECT_EQ(found, lastWrite < 1000 ? path : QString());
         EXPECT_EQ(pump.milliseconds(), end) << lastWrite;
     }
@@ -78,7 +80,8 @@ TEST(AwaitFile, AChangeOfTheFolderBringsTheNextRoundsForward) {
         });
         pump.after(whole, [&path] { writeFile(path, "half and half"); });
         EXPECT_EQ(awaitFile({{path}, 13, true},
-                            {.timeOutMilliseconds = 1000, .settleMilliseconds = 30}, pump),
+                            {.timeOutMilliseconds = 1000, .settleMilliseconds = 30}, pump)
+                      .name,
                   path);
         EXPECT_EQ(pump.milliseconds(), end) << told << whole;
         EXPECT_EQ(pump.watchedFolders(), QStringList{folder.path() + '/'});
@@ -89,7 +92,7 @@ TEST(AwaitFile, AFolderThatChangesAllTheTimeMakesNoBusyLoop) {
     SimulatedPump pump;
     for (int time = 1; time < 1200; ++time)
         pump.after(time, [&pump] { pump.changeFolders(); });
-    EXPECT_EQ(awaitFile({{"/none/image"}, 1, true}, {.timeOutMilliseconds = 1000}, pump), "");
+    EXPECT_EQ(awaitFile({{"/none/image"}, 1, true}, {.timeOutMilliseconds = 1000}, pump).name, "");
     EXPECT_GT(pump.nrOfWaits(), 90);
     EXPECT_LE(pump.nrOfWaits(), 112);
 }
@@ -109,7 +112,7 @@ TEST(AwaitFile, TheFolderIsReadInEachRoundFromASecondOn) {
         });
     const QString path = folder.filePath("image");
     pump.after(1310, [&path] { writeFile(path, "image"); });
-    EXPECT_EQ(awaitFile({{path}, 5, true}, {.timeOutMilliseconds = 5000}, pump), path);
+    EXPECT_EQ(awaitFile({{path}, 5, true}, {.timeOutMilliseconds = 5000}, pump).name, path);
     EXPECT_EQ(readings, (std::vector<bool>{false, false, true, true, true}));
 }
 
@@ -128,7 +131,8 @@ TEST(AwaitFile, WaitsForThePermissionToRead) {
     ASSERT_EQ(chmod(path.constData(), 0), 0);
     SimulatedPump pump;
     pump.after(250, [&path] { chmod(path.constData(), 0644); });
-    EXPECT_EQ(awaitFile({{path}, 5, true}, {.timeOutMilliseconds = 1000}, pump), QString(path));
+    EXPECT_EQ(awaitFile({{path}, 5, true}, {.timeOutMilliseconds = 1000}, pump).name,
+              QString(path));
     EXPECT_EQ(pump.milliseconds(), 310);
 }
 

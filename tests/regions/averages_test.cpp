@@ -86,7 +86,9 @@ TEST(EventRelatedAverage, OnsetsAreThoseOfTheConditionOfEachVolume) {
             StimulationProtocol protocol;
             protocol.resolutionOfTime = unit;
             addCondition(protocol, "A", {interval});
-            const std::vector<int> conditions = volumeConditionIndex(protocol, 10, 2000.0f);
+            std::vector<int> conditions;
+            for (int volume = 0; volume < 10; ++volume)
+                conditions.push_back(conditionAtVolume(protocol, volume, 2000.0f));
             const auto onset = std::ranges::find(conditions, 0);
             const auto averages = averagesOf(ramp, protocol, {-1, 1, 0, 0, true, true});
             SCOPED_TRACE(interval.first);

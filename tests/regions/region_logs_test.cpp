@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/file_writing.h"
 #include "regions/region_logs.h"
 
 #include "support/files.h"

@@ -7,6 +7,7 @@
 #include "run/document/slice_mosaic_layout.h"
 #include "run/protocol/real_time_protocol.h"
 #include "run/protocol/tdat_protocol.h"
+#include "run/protocol/volume_tables.h"
 #include "stats/contrasts.h"
 #include "stats/design_matrix.h"
 #include "stats/incremental_glm.h"
@@ -36,9 +37,9 @@ public:
     MotionCorrection motion;
     SpatialSmoothing smoothing;
     StimulationProtocol protocol;
-    RealTimeProtocol realTimeProtocol;     ///< of a run with such a protocol: its file and state
-    TDATProtocol tdatProtocol;             ///< likewise
-    std::vector<int> VolumeConditionIndex; ///< condition of each volume; -1 none
+    RealTimeProtocol realTimeProtocol; ///< of a run with such a protocol: its file and state
+    TDATProtocol tdatProtocol;         ///< likewise
+    VolumeTables volumeTables;         ///< of the protocol as far as it is known
     DesignMatrix design;
     ContrastDefinitions contrasts;
     BrainMask mask;

@@ -13,6 +13,9 @@ struct CycleTimes {
     qint64 feedbackTime = -1; ///< the display of the subject; -1 until one has been drawn
     qint64 fullVolTime = 0;   ///< since the end of the previous cycle
     qint64 volWaitTime = 0;   ///< left at the start of the forced delay; 0 without one
+    /// When the last file of the volume was seen, in milliseconds of the pump's clock; for volumes
+    /// that come without files, when they had been read.
+    qint64 noticedAt = 0;
 };
 
 /// Written by the session and the loop, read by everybody.

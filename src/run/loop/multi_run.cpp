@@ -169,8 +169,8 @@ bool Analysis::loadRuns() {
         return false;
     }
     document_.protocol = runs_.front().protocol;
-    document_.VolumeConditionIndex = volumeConditionIndex(
-        document_.protocol, document_.project.NrOfVolumes, document_.project.TR);
+    buildVolumeTables(document_.volumeTables, document_.protocol, document_.project.NrOfVolumes,
+                      document_.project.TR);
     return true;
 }
 

@@ -32,16 +32,13 @@ void RegionLogFiles::writeVolume(const QtCortivoDoc& document, const RunSettings
 
 void RegionLogFiles::writeRTPFile(const QtCortivoDoc& document, const RunSettings& settings,
                                   int volume) {
-    const std::vector<int>& conditions = document.VolumeConditionIndex;
-    const int condition =
-        size_t(volume) < conditions.size() ? std::max(conditions[size_t(volume)], 0) : 0;
     if (!settings.FeedbackTargetFolder.isEmpty())
         QDir().mkpath(settings.FeedbackTargetFolder);
     // Appears whole, since another program reads it as soon as it is there.
     (void)writeFileAtomically(
         paths::join(settings.FeedbackTargetFolder,
                     QStringLiteral("%1-%2.rtp").arg(settings.projectBaseName).arg(volume + 1)),
-        timePointText(document.regions, condition));
+        timePointText(document.regions, document.volumeTables.condition(volume)));
 }
 
 void RegionLogFiles::writeERTFile(const QtCortivoDoc& document, int volume) {

@@ -86,6 +86,10 @@ void RunListeners::regionsChanged(QtCortivoDoc& functional) {
     callEach([&](RunListener& listener) { return listener.regionsChanged(functional), true; });
 }
 
+void RunListeners::regionsLoaded(QtCortivoDoc& functional) {
+    callEach([&](RunListener& listener) { return listener.regionsLoaded(functional), true; });
+}
+
 bool RunListeners::beforeVolume(const VolumeAtHand& hand) {
     return callEach([&](RunListener& listener) { return listener.beforeVolume(hand); });
 }

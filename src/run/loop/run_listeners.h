@@ -42,6 +42,9 @@ enum class VolumeStep {
 struct VolumeAtHand {
     QtCortivoDoc& document;
     int volume; ///< index, from 0
+    /// It was measured before, in a run that is recovered or goes on: what it gave to the subject
+    /// and to other programs, it has given. A replay gives it again.
+    bool played = false;
 };
 
 /// What a listener wants to find again when the run is recovered or gone on with: a change by the
@@ -72,6 +75,10 @@ public:
     /// Regions were added to the document, or removed from it, or their whole curves have changed;
     /// the views take it up.
     virtual void regionsChanged(QtCortivoDoc& functional) { static_cast<void>(functional); }
+
+    /// Regions came from a file, with the maxima of the feedback display if it holds them; called
+    /// before regionsChanged().
+    virtual void regionsLoaded(QtCortivoDoc& functional) { static_cast<void>(functional); }
 
     /// The samples of the volume are in memory, as they were measured. False ends the run, after
     /// the listener has said why; so it does for the steps.
@@ -128,6 +135,7 @@ public:
     void runPrepared(QtCortivoDoc& functional);
     void settingsFileChanged();
     void regionsChanged(QtCortivoDoc& functional);
+    void regionsLoaded(QtCortivoDoc& functional);
     /// These two stop at the first listener that ends the run, and give false then.
     [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand);
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand);

@@ -81,8 +81,7 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     if (settings.MotionCorrection)
         (void)loadMotionParameters(document.motion, project, settings.MotionCorrection);
     modelAfterReload(run);
-    document.VolumeConditionIndex =
-        volumeConditionIndex(document.protocol, project.NrOfVolumes, project.TR);
+    buildVolumeTables(document.volumeTables, document.protocol, project.NrOfVolumes, project.TR);
     run.report.currentVolume = project.NrOfVolumes;
     return true;
 }

@@ -34,7 +34,9 @@ private:
     void showMaps();
     void releaseModel();
     void save();
-    [[nodiscard]] VolumeAtHand hand() const { return {document_, volumeIndex_}; }
+    [[nodiscard]] VolumeAtHand hand() const {
+        return {document_, volumeIndex_, reader_.playsMeasuredVolumes()};
+    }
     [[nodiscard]] bool step(VolumeStep which) const { return run_.listeners.atStep(which, hand()); }
 
     const RunParts& run_;
@@ -93,6 +95,7 @@ bool VolumeLoop::takeVolume() {
 
 bool VolumeLoop::readVolume() {
     stepClock_.restart();
+    run_.intake.lastFileNoticed = -1;
     if (!reader_.readVolume(volumeIndex_) && !run_.pump.waitsGivenUp()) {
         if (reader_.isAtEnd())
             run_.report.interruptedAtVolume = run_.report.currentVolume;
@@ -101,6 +104,8 @@ bool VolumeLoop::readVolume() {
         return false;
     }
     run_.report.times.readVolTime = stepClock_.elapsed();
+    const qint64 noticed = run_.intake.lastFileNoticed;
+    run_.report.times.noticedAt = noticed < 0 ? run_.pump.milliseconds() : noticed;
     if (!run_.requests.interruptFlag && !run_.pump.waitsGivenUp())
         return true;
     run_.requests.interruptFlag = false;
@@ -123,8 +128,8 @@ bool VolumeLoop::passStepsBeforeModel() {
     if (!step(VolumeStep::LoadRegions) || !step(VolumeStep::RegionTimeCourses) ||
         !step(VolumeStep::Plots))
         return false;
-    document_.VolumeConditionIndex =
-        volumeConditionIndex(document_.protocol, nrOfAnalysedVolumes_, document_.project.TR);
+    buildVolumeTables(document_.volumeTables, document_.protocol, nrOfAnalysedVolumes_,
+                      document_.project.TR);
     if (!step(VolumeStep::Logs) || !step(VolumeStep::Classification))
         return false;
     showToSubject();

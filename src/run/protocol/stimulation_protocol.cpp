@@ -136,11 +136,3 @@ int conditionAtVolume(const StimulationProtocol& protocol, int volumeIndex, floa
             return condition;
     return -1;
 }
-
-std::vector<int> volumeConditionIndex(const StimulationProtocol& protocol, int nrOfVolumes,
-                                      float TR) {
-    std::vector<int> conditions(size_t(std::max(nrOfVolumes, 0)));
-    for (size_t volume = 0; volume < conditions.size(); ++volume)
-        conditions[volume] = conditionAtVolume(protocol, int(volume), TR);
-    return conditions;
-}

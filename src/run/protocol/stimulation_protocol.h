@@ -95,7 +95,3 @@ struct StimulationProtocol {
 /// when the volume's start, volumeIndex times TR (milliseconds), lies in it, both bounds included.
 /// Where intervals of two conditions overlap the one that stands first in the protocol wins.
 [[nodiscard]] int conditionAtVolume(const StimulationProtocol& protocol, int volumeIndex, float TR);
-
-/// conditionAtVolume() for the volumes from 0 to nrOfVolumes - 1.
-[[nodiscard]] std::vector<int> volumeConditionIndex(const StimulationProtocol& protocol,
-                                                    int nrOfVolumes, float TR);

@@ -48,6 +48,9 @@ public:
         return scanner_ && scanner_->readVolume(volume);
     }
     [[nodiscard]] bool isAtEnd() const override { return !scanner_; }
+    [[nodiscard]] bool playsMeasuredVolumes() const override {
+        return run_.purpose_ != PlayPurpose::Replay && !run_.goesOn_;
+    }
 
 private:
     /// Another series may lie in the folder by now.

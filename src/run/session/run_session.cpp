@@ -19,8 +19,9 @@
 
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : journal(listeners, pump), regions({settings, phase, report, requests, listeners}),
-      multiRun({settings, requests, report, listeners}), makeReader(makeVolumeReader), pump_(pump),
-      display_(display), operatorRecords_(listeners, requests) {
+      multiRun({settings, requests, report, listeners}),
+      feedback({settings, phase, report, requests, listeners, pump}), makeReader(makeVolumeReader),
+      pump_(pump), display_(display), operatorRecords_(listeners, requests) {
     numerics::initialiseNumerics();
 }
 

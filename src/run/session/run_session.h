@@ -16,6 +16,7 @@
 #include "run/replay/journal_run.h"
 #include "run/replay/operator_records.h"
 #include "run/replay/run_journal.h"
+#include "run/session/session_feedback.h"
 #include "run/session/session_multi_run.h"
 #include "run/session/session_regions.h"
 #include "run/settings/run_settings.h"
@@ -128,6 +129,7 @@ public:
     RunJournal journal;
     SessionRegions regions;
     SessionMultiRun multiRun;
+    SessionFeedback feedback;
     bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file

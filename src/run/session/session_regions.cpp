@@ -73,6 +73,7 @@ bool SessionRegions::load(const QString& fileName) {
         return false;
     }
     placeSavedRegions(run(), saved);
+    parts_.listeners.regionsLoaded(*document_);
     listChanged();
     return true;
 }
@@ -119,8 +120,10 @@ void SessionRegions::samplesChanged() {
 void SessionRegions::loadSaved() {
     const QString fileName = regionFilePath(document_->project);
     SavedRegions saved;
-    if (fileExists(fileName) && readROIFile(fileName, document_->project.size(), saved))
-        placeSavedRegions(run(), saved);
+    if (!fileExists(fileName) || !readROIFile(fileName, document_->project.size(), saved))
+        return;
+    placeSavedRegions(run(), saved);
+    parts_.listeners.regionsLoaded(*document_);
 }
 
 void SessionRegions::documentsLeaving() {

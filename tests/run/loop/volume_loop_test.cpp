@@ -371,7 +371,7 @@ TEST_F(VolumeLoopTest, SavedRunComesBackWithItsVolumesAndMaps) {
     for (size_t i = 0; i < document.project.volumes[0].size(); ++i)
         ASSERT_EQ(document.project.volumes[17][i], scriptedSample(i, 17));
     EXPECT_EQ(document.protocol.conditions[1].name, "Faces");
-    EXPECT_EQ(document.VolumeConditionIndex[4], 1);
+    EXPECT_EQ(document.volumeTables.VolumeConditionIndex[4], 1);
     EXPECT_TRUE(session.report.mapsPresent);
     EXPECT_EQ(session.volumesForPostprocessing(), 40);
     EXPECT_EQ(document.slices.SlicePixmaps.size(), 4u);

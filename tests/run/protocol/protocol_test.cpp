@@ -129,9 +129,14 @@ TEST(Conditions, AVolumeHasTheFirstConditionThatHolds) {
     for (const auto& [from, to] : {std::pair(2, 3), std::pair(3, 4), std::pair(6, 6)})
         (void)protocol.addInterval(protocol.conditionIndex(QString::number(from)), from, to);
     protocol.resolutionOfTime = ResolutionOfTime::Volumes;
-    EXPECT_EQ(volumeConditionIndex(protocol, 7, 2000.0f),
-              (std::vector<int>{-1, 0, 0, 1, -1, 2, -1}));
+    const auto conditions = [&protocol](int volumes, float TR) {
+        std::vector<int> found;
+        for (int volume = 0; volume < volumes; ++volume)
+            found.push_back(conditionAtVolume(protocol, volume, TR));
+        return found;
+    };
+    EXPECT_EQ(conditions(7, 2000.0f), (std::vector<int>{-1, 0, 0, 1, -1, 2, -1}));
     protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
-    EXPECT_EQ(volumeConditionIndex(protocol, 5, 1.5f), (std::vector<int>{-1, -1, 0, -1, 2}));
-    EXPECT_TRUE(volumeConditionIndex(protocol, -3, 2000.0f).empty());
+    EXPECT_EQ(conditions(5, 1.5f), (std::vector<int>{-1, -1, 0, -1, 2}));
+    EXPECT_EQ(conditionAtVolume(protocol, -3, 2000.0f), -1);
 }

@@ -79,7 +79,7 @@ TEST_F(SessionRegionsTest, LogsFollowTheRegionsFromTheirFirstVolumeOn) {
     ASSERT_EQ(words.size(), 3);
     EXPECT_EQ(words[0], "1");
     EXPECT_NEAR(words[1].toDouble(), measuredMean(8), 1e-4);
-    EXPECT_EQ(words[2].toInt(), session.functionalDocument->VolumeConditionIndex[8]);
+    EXPECT_EQ(words[2].toInt(), session.functionalDocument->volumeTables.VolumeConditionIndex[8]);
     const QByteArray betas = content("results/test_ROI_betas.btc");
     EXPECT_EQ(betas.count("TimePoint:"), 40);
     EXPECT_EQ(betas.count("NrOfVoxels:     12\n"), 32);

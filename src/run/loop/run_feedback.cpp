@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/run_feedback.h"
+
+#include "run/protocol/prt_file.h"
+
+#include "base/text_reading.h"
+
+FeedbackSignals feedbackSignals(const QtCortivoDoc& document, const RunReport& report) {
+    FeedbackSignals signals{.currentVolume = report.currentVolume,
+                            .nrOfVolumes = document.project.NrOfVolumes,
+                            .hasConfounds = document.design.NrOfConfoundPredictors > 0,
+                            .tables = document.volumeTables};
+    const auto constant =
+        size_t(document.design.NrOfPredictors - document.design.NrOfConfoundPredictors);
+    for (int i = 0; i < document.regions.count(); ++i) {
+        const RegionOfInterest& region = document.regions[i];
+        signals.curves.emplace_back(region.TimeCourseValues);
+        // Before a fit the constant is 1, which is no baseline.
+        const bool fitted = region.predictorsInFit > 0 && constant < region.ROIBetas.size();
+        signals.constants.push_back(fitted ? region.ROIBetas[constant] : 0.0f);
+    }
+    return signals;
+}
+
+QStringList conditionNames(const StimulationProtocol& protocol) {
+    QStringList names;
+    for (const ProtocolCondition& condition : protocol.conditions)
+        names << condition.name;
+    return names;
+}
+
+std::optional<StimulationProtocol> plannedProtocol(const RunSettings& settings) {
+    StimulationProtocol protocol;
+    QString text;
+    if (!isProtocolPathSet(settings.StimulationProtocol) ||
+        !readTextFile(settings.StimulationProtocol, text) ||
+        parsePRT(text, false, protocol).result != PRTResult::Good)
+        return {};
+    protocol.protocolPath = settings.StimulationProtocol;
+    return protocol;
+}

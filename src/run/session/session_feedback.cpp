@@ -1,0 +1,287 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/session/session_feedback.h"
+
+#include "base/event_pump.h"
+#include "base/file_writing.h"
+#include "base/plain_file.h"
+#include "feedback/frames/frame_painting.h"
+#include "run/document/session_phase.h"
+#include "run/loop/finished_run.h"
+#include "run/session/feedback_records.h"
+
+#include <QPainter>
+#include <cmath>
+
+namespace {
+
+QString tablePath(const FMRProject& project) {
+    return resultPath(project, "_feedback.tsv", "noname_feedback.tsv");
+}
+
+/// A level was drawn, and the subject could see it.
+bool showsLevel(const FeedbackFrame& frame) {
+    return frame.levelsShown && (frame.kind == FeedbackFrame::Kind::Thermometer ||
+                                 frame.kind == FeedbackFrame::Kind::Classifier);
+}
+
+} // namespace
+
+SessionFeedback::SessionFeedback(const Parts& parts) : parts_(parts) {
+    parts_.listeners.add(*this, ListenerPlace::Feedback);
+}
+
+void SessionFeedback::open(FeedbackScreen& screen) {
+    screen_ = &screen;
+    choices_.type = FeedbackType::Thermometer;
+    choices_.ShowConditionNameAsInstruction = true;
+    setShiftsForTR(choices_, TR());
+    levels_.forgetBaselines();
+    takeMaximaOfRegions();
+    parts_.requests.regions.saveMaxPSC = true;
+    testClassifier();
+    noteChange();
+    update();
+}
+
+void SessionFeedback::close() {
+    screen_ = nullptr;
+    parts_.requests.regions.saveMaxPSC = false;
+}
+
+void SessionFeedback::change(const std::function<void(FeedbackChoices&)>& edit) {
+    const FeedbackChoices before = choices_;
+    edit(choices_);
+    if (choices_ == before)
+        return;
+    keepMaximaInRegions();
+    noteChange();
+    update();
+}
+
+void SessionFeedback::update() {
+    if (!screen_)
+        return;
+    compute();
+    draw();
+    screen_->showPicture();
+    screen_->refreshControls();
+}
+
+int SessionFeedback::nrOfRegions() const {
+    return document_ ? document_->regions.count() : 0;
+}
+
+bool SessionFeedback::classifierPredicts() const {
+    return classifier_ && classifier_->isPredicting();
+}
+
+void SessionFeedback::setClassifier(const ClassifierOutput* classifier) {
+    classifier_ = classifier;
+    testClassifier();
+    if (screen_)
+        screen_->refreshControls();
+}
+
+// The classifier may have stopped to predict at any volume.
+void SessionFeedback::testClassifier() {
+    if (choices_.UseSVMOutput && !classifierPredicts())
+        giveUpClassifierOutput(choices_, nrOfRegions());
+}
+
+StimulationProtocol SessionFeedback::protocol() const {
+    if (document_)
+        return document_->protocol;
+    return plannedProtocol(parts_.settings).value_or(StimulationProtocol());
+}
+
+float SessionFeedback::TR() const {
+    return document_ ? document_->project.TR : parts_.settings.TR;
+}
+
+int SessionFeedback::nrOfVolumes() const {
+    return document_ ? document_->project.NrOfVolumes : parts_.settings.nrOfAnalysedVolumes();
+}
+
+void SessionFeedback::setDelayed(const DelayedFeedbackSettings& settings) {
+    delayed_ = settings;
+    noteChange();
+}
+
+QString SessionFeedback::fault() const {
+    return files_.fault().isEmpty() ? tableFault_ : files_.fault();
+}
+
+void SessionFeedback::noteChange() {
+    if (screen_ && parts_.phase.canBeStopped())
+        parts_.listeners.record({feedbackRecord, encodedFeedback({choices_, delayed_})});
+}
+
+// The maxima belong to the display; regions carry them from and to their file.
+void SessionFeedback::takeMaximaOfRegions() {
+    for (int i = 0; i < std::min(nrOfRegions(), int(choices_.MaxPSC.size())); ++i)
+        choices_.MaxPSC[size_t(i)] = document_->regions[i].MaxPSC;
+}
+
+void SessionFeedback::keepMaximaInRegions() {
+    for (int i = 0; i < std::min(nrOfRegions(), int(choices_.MaxPSC.size())); ++i)
+        document_->regions[i].MaxPSC = choices_.MaxPSC[size_t(i)];
+}
+
+// Also without a screen while a run is recovered: what comes then rests on its histories.
+void SessionFeedback::compute() {
+    curve_ = {};
+    if (!document_) {
+        frame_ = {};
+        return;
+    }
+    settleROIMode(choices_, nrOfRegions());
+    const FeedbackSignals signals = feedbackSignals(*document_, parts_.report);
+    if (choices_.UseSVMOutput) {
+        levels_.update(classifier_, choices_);
+    } else {
+        levels_.update(signals, choices_);
+        keepMaximaInRegions();
+        if (choices_.type == FeedbackType::TimeCourse)
+            curve_ = feedbackCurve(signals, choices_.roiMode);
+    }
+    frame_ = feedbackFrame(levels_.values(), choices_, document_->volumeTables,
+                           conditionNames(document_->protocol));
+}
+
+void SessionFeedback::draw() {
+    const QSize size = screen_->frameSize();
+    if (picture_.size() != size)
+        picture_ = QImage(size, QImage::Format_RGB32);
+    if (picture_.isNull())
+        return;
+    QPainter painter(&picture_);
+    paintFeedbackFrame(painter, size, frame_);
+    if (frame_.kind == FeedbackFrame::Kind::TimeCourse)
+        screen_->paintCurve(painter, size, curve_);
+}
+
+void SessionFeedback::settingsFileChanged() {
+    choices_ = {};
+    delayed_.reset();
+    delayedMessage_.clear();
+}
+
+void SessionFeedback::documentsLeaving() {
+    document_ = nullptr;
+    update();
+}
+
+// A new run begins with nothing, also where it is as long as the one before.
+void SessionFeedback::documentsArrived(QtCortivoDoc& functional) {
+    document_ = &functional;
+    levels_.restart();
+    regionsInTable_ = -1;
+    goesOn_ = false;
+    tableFault_.clear();
+    delayedMessage_.clear();
+}
+
+void SessionFeedback::runPrepared(QtCortivoDoc&) {
+    files_.begin(parts_.settings.FeedbackTargetFolder, parts_.settings.projectBaseName);
+    setShiftsForTR(choices_, TR());
+    noteChange();
+    update();
+}
+
+void SessionFeedback::regionsChanged(QtCortivoDoc&) {
+    update();
+}
+
+void SessionFeedback::regionsLoaded(QtCortivoDoc&) {
+    takeMaximaOfRegions();
+}
+
+// What the subject sees comes first; files follow once the picture is on the screen.
+bool SessionFeedback::drawSubjectDisplay(const VolumeAtHand& hand) {
+    if (hand.played) {
+        goesOn_ = true;
+        compute();
+    }
+    if (!screen_ || hand.played)
+        return false;
+    compute();
+    draw();
+    screen_->showPicture();
+    const qint64 shownAt = parts_.pump.milliseconds();
+    testClassifier();
+    writeFiles(hand.volume);
+    appendRecord(hand, shownAt);
+    screen_->refreshControls();
+    return true;
+}
+
+void SessionFeedback::writeFiles(int volume) {
+    const FeedbackValues& values = levels_.values();
+    switch (choices_.type) {
+    case FeedbackType::Thermometer:
+    case FeedbackType::TimeCourse:
+        return files_.writePicture(picture_, volume);
+    case FeedbackType::PongSubject1:
+        return files_.writeValues(1, values.RelativeLevel, values.TargetLevel, volume);
+    case FeedbackType::PongSubject2:
+        return files_.writeValues(2, values.RelativeLevel, values.TargetLevel, volume);
+    case FeedbackType::Delayed:
+        return updateDelayedFeedback(volume);
+    }
+}
+
+void SessionFeedback::updateDelayedFeedback(int volume) {
+    if (!delayed_)
+        return;
+    const int skipped = document_->project.NrOfSkippedVolumes;
+    const std::optional<DueTrial> trial = dueTrial(*delayed_, document_->protocol, skipped, volume);
+    if (!trial)
+        return;
+    const FeedbackSignals signals = feedbackSignals(*document_, parts_.report);
+    const auto region = size_t(choices_.roiMode);
+    const double change = choices_.roiMode >= 0 && region < signals.curves.size()
+                              ? delayedPercentChange(*delayed_, signals.curves[region],
+                                                     trial->onset, document_->design.hrf)
+                              : 0.0;
+    const double scaled = change * delayed_->ScaleFactor;
+    const bool finite = std::isfinite(scaled);
+    (void)files_.appendTrial(delayed_->fileName, trial->index, finite ? scaled : 0.0);
+    delayedMessage_ =
+        QStringLiteral("SAVED:  %1   %2").arg(trial->index + 1).arg(finite ? scaled : 0.0);
+    if (!finite)
+        delayedMessage_ += "   (no estimate: the constant of the fit is 0)";
+}
+
+void SessionFeedback::appendRecord(const VolumeAtHand& hand, qint64 shownAt) {
+    const QtCortivoDoc& document = hand.document;
+    const QString path = tablePath(document.project);
+    const bool begins = regionsInTable_ < 0;
+    if (begins)
+        regionsInTable_ = std::max(nrOfRegions(), 3);
+    FeedbackRecord record;
+    record.volume = hand.volume;
+    const int condition = document.volumeTables.condition(hand.volume);
+    if (condition < document.protocol.nrOfConditions())
+        record.condition = document.protocol.conditions[size_t(condition)].name;
+    for (int i = 0; i < nrOfRegions(); ++i)
+        record.regionSignals.push_back(
+            document.regions[i].TimeCourseValues.at(size_t(hand.volume)));
+    record.values = levels_.values();
+    record.levelShown = showsLevel(frame_);
+    record.milliseconds = double(shownAt - parts_.report.times.noticedAt);
+    QByteArray text = feedbackRecordLine(record, regionsInTable_);
+    const bool goesOn = begins && goesOn_ && fileExists(path);
+    if (begins && !goesOn)
+        text.prepend(feedbackRecordHead(regionsInTable_));
+    if (!appendToLog(path, text, begins && !goesOn))
+        tableFault_ = QStringLiteral("Not written: \"%1\"").arg(path);
+}
+
+void SessionFeedback::recordPlayed(const RunRecord& record) {
+    if (record.name != feedbackRecord)
+        return;
+    if (const std::optional<RecordedFeedback> recorded = decodedFeedback(record.content)) {
+        choices_ = recorded->choices;
+        delayed_ = recorded->delayed;
+    }
+}

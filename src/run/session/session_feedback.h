@@ -1,0 +1,120 @@
+// The operator's work on the feedback to the subject, and what a run does for it.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "feedback/dry_run.h"
+#include "run/document/operator_requests.h"
+#include "run/loop/feedback_files.h"
+#include "run/loop/run_feedback.h"
+#include "run/loop/run_listeners.h"
+
+#include <functional>
+
+class EventPump;
+class QPainter;
+class SessionPhase;
+
+/// What shows the feedback: the operator's dialog, and through it the subject's screen.
+class FeedbackScreen {
+public:
+    virtual ~FeedbackScreen() = default;
+    /// Of the frames, in pixels.
+    [[nodiscard]] virtual QSize frameSize() const = 0;
+    /// Draws the curve as the plot of its region does.
+    virtual void paintCurve(QPainter& painter, QSize size, const FeedbackCurve& curve) = 0;
+    /// There is another picture. Returns when it is on the screens.
+    virtual void showPicture() = 0;
+    /// Choices or what is possible have changed otherwise than by the operator.
+    virtual void refreshControls() = 0;
+};
+
+/// A member of the session. While a screen is open it computes the feedback of each volume, shows
+/// it, and writes the files of the feedback folder and the table of the run (`_feedback.tsv`).
+/// Without one it does nothing. Choices stay until another settings file is current.
+class SessionFeedback : public RunListener {
+public:
+    struct Parts {
+        const RunSettings& settings;
+        const SessionPhase& phase;
+        RunReport& report;
+        OperatorRequests& requests;
+        RunListeners& listeners;
+        const EventPump& pump;
+    };
+
+    explicit SessionFeedback(const Parts& parts);
+
+    /// The display opens: it begins with the thermometer, the maxima that came with the regions,
+    /// shifts for the TR, and no baseline. The screen, which is not owned, must call close().
+    void open(FeedbackScreen& screen);
+    void close();
+    [[nodiscard]] bool isOpen() const { return screen_ != nullptr; }
+
+    [[nodiscard]] const FeedbackChoices& choices() const { return choices_; }
+    /// Edits the choices, keeps them for a recovery, and shows what comes of them.
+    void change(const std::function<void(FeedbackChoices&)>& edit);
+    /// Computes and shows the current volume again; files are written by the loop alone.
+    void update();
+
+    /// Number of regions of the run in memory; 0 without one.
+    [[nodiscard]] int nrOfRegions() const;
+    [[nodiscard]] bool documentExists() const { return document_ != nullptr; }
+    /// Whether the classifier's output can be chosen.
+    [[nodiscard]] bool classifierPredicts() const;
+    /// Not owned; null for none.
+    void setClassifier(const ClassifierOutput* classifier);
+
+    /// Of the run in memory, else of the protocol that the settings name.
+    [[nodiscard]] StimulationProtocol protocol() const;
+    [[nodiscard]] float TR() const; ///< milliseconds, likewise
+    [[nodiscard]] int nrOfVolumes() const;
+
+    /// Delayed feedback does nothing until it has settings.
+    [[nodiscard]] const std::optional<DelayedFeedbackSettings>& delayed() const { return delayed_; }
+    void setDelayed(const DelayedFeedbackSettings& settings);
+    [[nodiscard]] const QString& delayedMessage() const { return delayedMessage_; }
+
+    [[nodiscard]] const FeedbackValues& values() const { return levels_.values(); }
+    [[nodiscard]] const FeedbackFrame& frame() const { return frame_; }
+    [[nodiscard]] const FeedbackCurve& curve() const { return curve_; }
+    /// What is on the screens and goes into the folder.
+    [[nodiscard]] const QImage& picture() const { return picture_; }
+    /// Files that could not be written, for the operator; empty when all is well.
+    [[nodiscard]] QString fault() const;
+
+    void settingsFileChanged() override;
+    void documentsLeaving() override;
+    void documentsArrived(QtCortivoDoc& functional) override;
+    void runPrepared(QtCortivoDoc& functional) override;
+    void regionsChanged(QtCortivoDoc& functional) override;
+    void regionsLoaded(QtCortivoDoc& functional) override;
+    bool drawSubjectDisplay(const VolumeAtHand& hand) override;
+    void recordPlayed(const RunRecord& record) override;
+
+private:
+    void compute();
+    void draw();
+    void takeMaximaOfRegions();
+    void keepMaximaInRegions();
+    void testClassifier();
+    void noteChange();
+    void writeFiles(int volume);
+    void updateDelayedFeedback(int volume);
+    void appendRecord(const VolumeAtHand& hand, qint64 shownAt);
+
+    Parts parts_;
+    FeedbackScreen* screen_ = nullptr;
+    QtCortivoDoc* document_ = nullptr;
+    const ClassifierOutput* classifier_ = nullptr;
+    FeedbackChoices choices_;
+    FeedbackLevels levels_;
+    FeedbackFrame frame_;
+    FeedbackCurve curve_;
+    QImage picture_;
+    FeedbackFiles files_;
+    std::optional<DelayedFeedbackSettings> delayed_;
+    QString delayedMessage_;
+    QString tableFault_;
+    int regionsInTable_ = -1; ///< columns of the table that is being written; -1 for none yet
+    bool goesOn_ = false;     ///< the run goes on after a part that was played
+};
