@@ -41,6 +41,7 @@ void SessionFeedback::open(FeedbackScreen& screen) {
     testClassifier();
     noteChange();
     update();
+    parts_.listeners.feedbackChanged();
 }
 
 void SessionFeedback::close() {
@@ -56,6 +57,7 @@ void SessionFeedback::change(const std::function<void(FeedbackChoices&)>& edit) 
     keepMaximaInRegions();
     noteChange();
     update();
+    parts_.listeners.feedbackChanged();
 }
 
 void SessionFeedback::update() {
