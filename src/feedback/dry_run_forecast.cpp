@@ -140,8 +140,8 @@ QStringList firstBlocksText(const Forecast& forecast) {
 QStringList lostBaselinesText(const Forecast& forecast) {
     QStringList volumes;
     for (const Block& block : forecast.blocks)
-        if (forecast.first >= 0 && block.known > forecast.first &&
-            block.known < forecast.count() && !block.gives)
+        if (forecast.first >= 0 && block.known > forecast.first && block.known < forecast.count() &&
+            !block.gives)
             volumes << QString::number(block.known + 1);
     if (volumes.isEmpty())
         return {};

@@ -27,20 +27,19 @@ PlotContent curveContent(const FeedbackDryRun& run, const StimulationProtocol& p
 
 void paintPlot(QPainter& painter, QSize size, const PlotContent& content) {
     const QRectF area(QPointF(), size);
-    const PlotLayout layout = layOutPlot(area, content,
-                                         {wholeXRange(content), wholeYRange(content)},
-                                         painter.font());
+    const PlotLayout layout =
+        layOutPlot(area, content, {wholeXRange(content), wholeYRange(content)}, painter.font());
     paintPlotGround(painter, area, content, layout);
     paintPlotValues(painter, content, layout);
 }
 
-SubjectPicture pictureOf(const FeedbackDryRun& run, QSize size,
-                         const StimulationProtocol& protocol, const RunSession& session) {
+SubjectPicture pictureOf(const FeedbackDryRun& run, QSize size, const StimulationProtocol& protocol,
+                         const RunSession& session) {
     SubjectPicture picture{run.frame(), size, {}};
     if (picture.frame.kind == FeedbackFrame::Kind::TimeCourse)
-        picture.paintCurve = [content = curveContent(run, protocol, session.feedback.TR(),
-                                                     session.regionColors)](
-                                 QPainter& painter, QSize area) { paintPlot(painter, area, content); };
+        picture.paintCurve =
+            [content = curveContent(run, protocol, session.feedback.TR(), session.regionColors)](
+                QPainter& painter, QSize area) { paintPlot(painter, area, content); };
     return picture;
 }
 
@@ -88,8 +87,7 @@ QString readOut(const FeedbackDryRun& run) {
 
 bool isSameFolder(const QString& a, const QString& b) {
     const QString canonical = QFileInfo(a).canonicalFilePath();
-    return !b.isEmpty() && !canonical.isEmpty() &&
-           canonical == QFileInfo(b).canonicalFilePath();
+    return !b.isEmpty() && !canonical.isEmpty() && canonical == QFileInfo(b).canonicalFilePath();
 }
 
 } // namespace
@@ -147,7 +145,8 @@ void FeedbackDryRunDlg::connectControls() {
             [this] { showVolume(ui_->VolumeSlider->maximum() - 1); });
     connect(ui_->VolumeSlider, &QSlider::valueChanged, this,
             [this](int volume) { showVolume(volume - 1); });
-    connect(ui_->SpeedCmBx, &QComboBox::activated, this, [this] { setPlaying(player_.isActive()); });
+    connect(ui_->SpeedCmBx, &QComboBox::activated, this,
+            [this] { setPlaying(player_.isActive()); });
     connect(ui_->PictureArea, &RenderArea::resized, this, &FeedbackDryRunDlg::draw);
     connect(ui_->SubjectScreenOp, &QCheckBox::clicked, this, [this](bool on) {
         if (!on)
@@ -267,8 +266,7 @@ void FeedbackDryRunDlg::draw() {
     }
     ui_->ReadOutLbl->setText(readOut(*run_));
     const SubjectPicture shown = pictureOf(*run_, frameSize(), protocol_, session_);
-    ui_->PictureArea->setPicture(
-        imageOf(shown, ui_->PictureArea->size(), devicePixelRatioF()));
+    ui_->PictureArea->setPicture(imageOf(shown, ui_->PictureArea->size(), devicePixelRatioF()));
     if (shown_ && ui_->SubjectScreenOp->isChecked() && !session_.phase.canBeStopped()) {
         subjectSees_ = true;
         shown_(shown);
@@ -321,8 +319,9 @@ void FeedbackDryRunDlg::savePictures() {
     setPlaying(false);
     const QString place =
         paths::join(session_.settings.settingsFileDir, session_.settings.projectBaseName + "-dry");
-    chooseFileToSave("Save Pictures", place, "Pictures (*.png)",
-                     [this](const QString& path) { beginSaving(path); }, &chooser_);
+    chooseFileToSave(
+        "Save Pictures", place, "Pictures (*.png)",
+        [this](const QString& path) { beginSaving(path); }, &chooser_);
 }
 
 // The chosen name begins those of all pictures.

@@ -80,7 +80,6 @@ private:
 [[nodiscard]] QString missingForDryRun(const RunSession& session,
                                        const StimulationProtocol& protocol);
 
-/// Opens the dialog as a child of `window`, or raises it. `shown`, which may be empty, puts pictures
-/// on the subject's screen, which the operator can choose to be done.
-void openFeedbackDryRunDialog(RunSession& session, QWidget& window,
-                              FeedbackDryRunDlg::Shown shown);
+/// Opens the dialog as a child of `window`, or raises it. `shown`, which may be empty, puts
+/// pictures on the subject's screen, which the operator can choose to be done.
+void openFeedbackDryRunDialog(RunSession& session, QWidget& window, FeedbackDryRunDlg::Shown shown);

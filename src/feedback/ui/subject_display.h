@@ -8,7 +8,8 @@
 
 class QScreen;
 
-/// Draws the picture at the resolution of its screen. It takes neither the keyboard nor the mouse, and stays on top.
+/// Draws the picture at the resolution of its screen. It takes neither the keyboard nor the mouse,
+/// and stays on top.
 class SubjectDisplay : public QWidget {
     Q_OBJECT
 
