@@ -3,9 +3,11 @@
 
 #include "dialogs/dialog_setup.h"
 #include "feedback/ui/delayed_feedback_dialog.h"
+#include "feedback/ui/dry_run_dialog.h"
 #include "feedback/ui/feedback_curve_painting.h"
 #include "feedback/ui/feedback_state.h"
 #include "feedback/ui/neurofeedback_options_dialog.h"
+#include "feedback/ui/subject_screen_chooser.h"
 #include "ui_neurofeedback_dialog.h"
 
 #include <QCloseEvent>
@@ -23,9 +25,11 @@ template<typename SpinBox, typename Value> void showValue(SpinBox& field, Value 
 
 } // namespace
 
-NeurofeedbackDlg::NeurofeedbackDlg(RunSession& session, QWidget* parent)
-    : QDialog(parent), session_(session), ui_(std::make_unique<Ui::NeurofeedbackDlg>()) {
+NeurofeedbackDlg::NeurofeedbackDlg(RunSession& session, QWidget& window)
+    : QDialog(&window), session_(session), ui_(std::make_unique<Ui::NeurofeedbackDlg>()),
+      subjectScreen_(new SubjectScreenChooser(window, this)) {
     ui_->setupUi(this);
+    ui_->SubjectScreenLayout->addWidget(subjectScreen_);
     modes_ = {ui_->m_UseTimeCourse1, ui_->m_UseTimeCourse2, ui_->m_UseTimeCourse3,
               ui_->m_UseTC1And2,     ui_->m_UseTC1And3,     ui_->m_UseTC2And3,
               ui_->m_UseTC1And2And3};
@@ -98,6 +102,7 @@ void NeurofeedbackDlg::connectButtons() {
     connect(ui_->OptionsBtn, &QPushButton::clicked, this, &NeurofeedbackDlg::invokeOptionsDlg);
     connect(ui_->DelayedFeedbackOptionsBtn, &QPushButton::clicked, this,
             &NeurofeedbackDlg::onDelayedFeedbackOptions);
+    connect(ui_->DryRunBtn, &QPushButton::clicked, this, &NeurofeedbackDlg::openDryRun);
     connect(ui_->FeedbackArea, &RenderArea::resized, this, [this] { session_.feedback.update(); });
 }
 
@@ -110,9 +115,13 @@ void NeurofeedbackDlg::paintCurve(QPainter& painter, QSize size, const FeedbackC
 }
 
 void NeurofeedbackDlg::showPicture() {
-    ui_->FeedbackArea->setPicture(session_.feedback.picture());
-    if (pictureShown)
-        pictureShown();
+    const SessionFeedback& feedback = session_.feedback;
+    // The subject's screen is painted again when it is uncovered: it has its own copy of the curve.
+    subjectScreen_->showNow({feedback.frame(), frameSize(),
+                             [this, curve = feedback.curve()](QPainter& painter, QSize size) {
+                                 paintCurve(painter, size, curve);
+                             }});
+    ui_->FeedbackArea->setPicture(feedback.picture());
 }
 
 void NeurofeedbackDlg::refreshControls() {
@@ -263,6 +272,12 @@ void NeurofeedbackDlg::invokeOptionsDlg() {
     showInFront(*options_);
 }
 
+void NeurofeedbackDlg::openDryRun() {
+    openFeedbackDryRunDialog(session_, *this, [this](const SubjectPicture& picture) {
+        subjectScreen_->showNow(picture);
+    });
+}
+
 void NeurofeedbackDlg::settingsFileChanged() {
     stopListening();
     setObjectName({}); // until it is gone, another one may be opened
@@ -291,6 +306,7 @@ void NeurofeedbackDlg::hideEvent(QHideEvent* event) {
     for (QDialog* dialog : findChildren<QDialog*>(Qt::FindDirectChildrenOnly))
         dialog->close();
     session_.feedback.close();
+    subjectScreen_->showNow({FeedbackFrame(), frameSize(), {}});
 }
 
 void NeurofeedbackDlg::closeEvent(QCloseEvent* event) {
@@ -313,6 +329,6 @@ void NeurofeedbackDlg::keyPressEvent(QKeyEvent* event) {
 void openNeurofeedbackDialog(RunSession& session, QWidget& window) {
     auto* dialog = window.findChild<NeurofeedbackDlg*>(dialogName);
     if (!dialog)
-        dialog = new NeurofeedbackDlg(session, &window);
+        dialog = new NeurofeedbackDlg(session, window);
     showBeside(*dialog);
 }

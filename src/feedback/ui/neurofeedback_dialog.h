@@ -10,6 +10,7 @@
 #include <memory>
 
 class QRadioButton;
+class SubjectScreenChooser;
 
 namespace Ui {
 class NeurofeedbackDlg;
@@ -22,12 +23,9 @@ class NeurofeedbackDlg : public QDialog, public FeedbackScreen, public RunListen
     Q_OBJECT
 
 public:
-    NeurofeedbackDlg(RunSession& session, QWidget* parent);
+    /// `window` is the main window, which keeps off the subject's screen.
+    NeurofeedbackDlg(RunSession& session, QWidget& window);
     ~NeurofeedbackDlg() override;
-
-    /// Called with each picture, once the operator's copy is drawn: shows it to the subject, and
-    /// returns when it is on that screen. Empty for none.
-    std::function<void()> pictureShown;
 
     [[nodiscard]] QSize frameSize() const override;
     void paintCurve(QPainter& painter, QSize size, const FeedbackCurve& curve) override;
@@ -63,6 +61,7 @@ public Q_SLOTS:
     void setMaxClassifierOutputValue();
     void onDelayedFeedbackOptions();
     void invokeOptionsDlg();
+    void openDryRun();
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -92,6 +91,7 @@ private:
 
     RunSession& session_;
     const std::unique_ptr<Ui::NeurofeedbackDlg> ui_;
+    SubjectScreenChooser* subjectScreen_;
     std::array<QRadioButton*, nrOfROIModes> modes_; ///< by ROIMode
     std::array<QRadioButton*, nrOfTypes> types_;    ///< by FeedbackType
     StimulationProtocol planned_;                   ///< of the settings, for use without a run

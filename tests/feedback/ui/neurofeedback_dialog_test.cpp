@@ -35,7 +35,8 @@ class NeurofeedbackDialog : public SessionFixture {
 protected:
     NeurofeedbackDialog() {
         QString protocol = defaultProtocol();
-        writeSession(30, 0, {{"TR:", "3000"}}, protocol.replace("7 9", "7 22").replace("10 14", "23 28"));
+        writeSession(30, 0, {{"TR:", "3000"}},
+                     protocol.replace("7 9", "7 22").replace("10 14", "23 28"));
         EXPECT_TRUE(session.inspectSettings());
         openNeurofeedbackDialog(session, window);
     }
@@ -265,15 +266,11 @@ TEST_F(NeurofeedbackDialog, ShowsARunAndSaysWhatItShows) {
             EXPECT_TRUE(dialog().isVisible()) << "nor does it end a run";
         }
     };
-    int shown = 0;
-    dialog().pictureShown = [&shown] { ++shown; };
     session.runButtonPressed();
-    EXPECT_GE(shown, 30);
     EXPECT_TRUE(states[1].startsWith("No feedback before volume 11. ")) << states[1].toStdString();
     EXPECT_TRUE(states[25].startsWith("Volume 26: Level ")) << states[25].toStdString();
     EXPECT_EQ(states[29], "Volume 30: the curve, without a level");
-    QImage saved = QImage(path("results/test-30.png")).convertToFormat(QImage::Format_RGB32);
-    qWarning() << saved.isNull() << QDir(path("results")).entryList() << session.feedback.fault();
+    const QImage saved = QImage(path("results/test-30.png")).convertToFormat(QImage::Format_RGB32);
     EXPECT_EQ(saved, picture());
     QTest::keyClick(&dialog(), Qt::Key_Escape);
     EXPECT_FALSE(dialog().isVisible()) << "after the run";
