@@ -41,6 +41,7 @@ void SessionFeedback::open(FeedbackScreen& screen) {
     testClassifier();
     noteChange();
     update();
+    parts_.listeners.feedbackChanged();
 }
 
 void SessionFeedback::close() {
@@ -55,6 +56,7 @@ void SessionFeedback::change(const std::function<void(FeedbackChoices&)>& edit) 
         return;
     noteChange();
     update();
+    parts_.listeners.feedbackChanged();
 }
 
 void SessionFeedback::update() {
