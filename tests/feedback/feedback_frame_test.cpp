@@ -74,9 +74,9 @@ TEST(FeedbackFramePainting, BoxesLevelsBaseLineAndTargetStandWhereTheyBelong) {
     FeedbackFrame hiddenArrow = arrow, curve = arrow;
     hiddenArrow.arrowShown = false;
     curve.kind = Kind::TimeCourse;
-    const QSize small(400, 300); // boxes of 45 x 24, the left edge at 178
-    const QSize odd(643, 487);   // 75 x 42, at 284, or 177 and 391
-    const QSize large(900, 700); // 107 x 64, at 397, or 247 and 547
+    const QSize small(400, 300); // boxes of 32 x 24, the left edge at 184
+    const QSize odd(643, 487);   // 55 x 42, at 294, or 187 and 401
+    const QSize large(900, 700); // 82 x 64, at 409, or 259 and 559
     struct Case {
         const char* name;
         QSize size;
@@ -89,48 +89,48 @@ TEST(FeedbackFramePainting, BoxesLevelsBaseLineAndTargetStandWhereTheyBelong) {
          "0,150 w; 1,150 k; 399,150 w; 398,150 w; 397,150 k; 100,0 w; 100,1 k; 100,299 w;"
          "100,298 w; 100,297 k;"
          // Outlines: the first and the last box, left and right.
-         "200,9 k; 200,10 w; 200,11 w; 200,12 k; 200,22 k; 176,23 k; 177,23 w; 178,23 w; 179,23 k;"
-         "221,23 k; 222,23 w; 223,23 w; 224,23 k; 200,226 w; 200,227 w; 200,228 k; 200,240 k;"
+         "200,9 k; 200,10 w; 200,11 w; 200,12 k; 200,22 k; 182,23 k; 183,23 w; 184,23 w; 185,23 k;"
+         "214,23 k; 215,23 w; 216,23 w; 217,23 k; 200,226 w; 200,227 w; 200,228 k; 200,240 k;"
          "200,250 w; 200,251 w; 200,252 k;"
          // Four boxes from the base line at 179.
-         "200,157 k; 200,158 g; 200,176 g; 200,177 k; 179,166 k; 180,166 g; 219,166 g; 220,166 k;"
+         "200,157 k; 200,158 g; 200,176 g; 200,177 k; 185,166 k; 186,166 g; 212,166 g; 213,166 k;"
          "200,156 w; 200,155 w; 200,154 w; 200,153 k; 200,132 w; 200,133 k; 200,85 k; 200,86 g; "
          "200,104 g; 200,80 k;"
          "200,62 k; 200,200 k;"
          // Base line.
-         "171,179 k; 172,179 o; 229,179 o; 168,179 k; 233,179 k; 200,178 o; 200,180 o; 200,181 k;"
+         "177,179 k; 178,179 o; 222,179 o; 223,179 k; 200,178 o; 200,180 o; 200,181 k;"
          // Target.
-         "200,57 k; 200,58 r; 200,59 r; 200,60 r; 200,61 k; 200,82 r; 200,83 r; 177,71 r; 179,71 r;"
-         "180,71 k; 222,71 r; 224,71 r; 225,71 k"},
+         "200,57 k; 200,58 r; 200,59 r; 200,60 r; 200,61 k; 200,82 r; 200,83 r; 183,71 r; 185,71 r;"
+         "186,71 k; 215,71 r; 217,71 r; 218,71 k"},
         {"below", odd, thermometerFrame({{-3, 10}}, 6),
-         "320,181 k; 320,182 g; 320,218 g; 320,219 k; 285,200 k; 286,200 g; 355,200 g; 356,200 k;"
+         "320,181 k; 320,182 g; 320,218 g; 320,219 k; 295,200 k; 296,200 g; 345,200 g; 346,200 k;"
          "320,224 g; 320,265 k; 320,266 g; 320,302 g; 320,303 k; 320,307 k; 320,160 k;"
-         "320,179 o; 320,222 w; 320,11 r; 320,53 r; 320,32 k; 284,32 r; 359,32 r; 642,200 w;"
+         "320,179 o; 320,222 w; 320,11 r; 320,53 r; 320,32 k; 294,32 r; 349,32 r; 642,200 w;"
          "320,485 w; 320,486 w"},
         {"far above and below", large, thermometerFrame({{99, -99}, {-99, 1}}, 3),
          "300,13 k; 300,14 g; 300,491 k; 300,78 g; 300,20 g; 300,480 k; 600,30 k; 600,465 g;"
-         "600,590 g; 600,648 g; 600,649 k; 600,440 k; 246,40 w; 247,40 w; 354,40 w; 248,40 k; "
-         "546,40 w;"
-         "654,40 w; 243,459 o; 359,459 o; 543,459 o; 659,459 o; 600,587 r; 600,651 r; 300,587 w;"
-         "547,620 r; 899,300 w; 450,300 k"},
+         "600,590 g; 600,648 g; 600,649 k; 600,440 k; 258,40 w; 259,40 w; 341,40 w; 260,40 k; "
+         "558,40 w; 641,40 w; 255,459 o; 346,459 o; 555,459 o; 646,459 o; 600,587 r; 600,651 r; "
+         "300,587 w;"
+         "559,620 r; 899,300 w; 450,300 k"},
         {"whole scale below", small, thermometerFrame({{-1, 0}}, 10),
          "200,11 o; 200,14 g; 200,32 g; 200,35 w; 200,47 k"},
         {"nothing above the top", small, thermometerFrame({{5, 0}}, 10), "200,20 k; 200,11 o"},
         {"no base line", small, thermometerFrame({{1, 0}}, 0),
-         "170,251 k; 200,251 w; 200,230 g; 200,248 g; 200,249 k; 200,210 k"},
+         "181,251 k; 200,251 w; 200,230 g; 200,248 g; 200,249 k; 200,210 k"},
         {"level 0", small, thermometerFrame({{0, 0}}, 5), "200,140 k; 200,120 k; 200,131 o"},
         {"no level shown", small, empty, "200,166 k; 200,95 k; 200,179 o; 200,59 r; 200,155 w"},
         {"second of a pair", odd, thermometerFrame({{0, 3}, {2, 0}}, 0),
          "214,305 r; 428,305 w; 428,347 w; 428,392 g; 428,428 g; 428,350 g; 428,330 k; 214,410 k;"
-         "390,400 w; 466,400 w; 391,400 w; 177,400 w; 252,400 w"},
+         "400,400 w; 456,400 w; 401,400 w; 187,400 w; 242,400 w"},
         {"classifier", small, classifier,
-         "399,150 k; 398,150 w; 397,150 w; 396,150 k; 100,299 k; 100,298 w; 178,23 w; 223,23 w;"
+         "399,150 k; 398,150 w; 397,150 w; 396,150 k; 100,299 k; 100,298 w; 184,23 w; 216,23 w;"
          "200,251 w; 200,131 o; 200,133 k; 200,134 g; 200,152 g; 200,158 g; 200,182 k; 200,120 k"},
-        // Head of 8 pixels from the tip at 170, 95; a shaft of 8 that ends 36 behind the tip.
+        // Head of 8 pixels from the tip at 176, 95; a shaft of 8 that ends 36 behind the tip.
         {"arrow", small, arrow,
-         "169,95 y; 171,95 k; 163,89 y; 163,101 y; 161,99 k; 150,92 y; 150,97 y; 150,89 k;"
-         "150,101 k; 134,95 y; 133,95 k; 200,84 k; 200,83 w"},
-        {"no arrow", small, hiddenArrow, "165,95 k; 200,83 w"},
+         "175,95 y; 177,95 k; 169,89 y; 169,101 y; 167,99 k; 156,92 y; 156,97 y; 156,89 k;"
+         "156,101 k; 140,95 y; 139,95 k; 200,84 k; 200,83 w"},
+        {"no arrow", small, hiddenArrow, "171,95 k; 200,83 w"},
         {"curve", small, curve, "0,0 k; 200,11 k; 399,299 k"},
         {"idle", small, {}, "0,0 b; 200,11 b; 399,299 b"},
     };

@@ -17,16 +17,17 @@ QPen framePen(const QColor& color, int width) {
     return {color, double(width), Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin};
 }
 
-/// The scale of a frame in pixels; all divisions cut toward zero.
+/// The scale of a frame in pixels; all divisions cut toward zero. The bars, too, are as wide as the
+/// height asks for.
 struct Scale {
     int step;
     int width;
 
     explicit Scale(QSize size)
-        : step((size.height() - 60) / thermometerSteps), width((size.width() - 40) / 8) {}
+        : step((size.height() - 60) / thermometerSteps), width((size.height() - 40) / 8) {}
 
-    /// A smaller frame has no room for boxes.
-    [[nodiscard]] bool isVisible() const { return step > 0 && width > 0; }
+    /// A lower frame has no room for boxes.
+    [[nodiscard]] bool isVisible() const { return step > 0; }
     /// The upper edge of the box of a level from 1 to 10, and the base line of a base level. A
     /// target far off the scale, which a condition's name can give, is limited to what can be
     /// computed.

@@ -7,6 +7,8 @@
 #include "regions/region_time_courses.h"
 #include "run/loop/run_model.h"
 
+#include <cmath>
+
 namespace {
 
 /// All voxels of a file's regions together, in whole volumes: a few lines of text can ask for
@@ -46,6 +48,13 @@ void computeBetas(const RegionRun& run) {
         computeROIBetas(document.regions, design, document.wholeRunModel.isValid());
 }
 
+void updateCurves(const RegionRun& run) {
+    Regions& regions = run.document.regions;
+    for (int i = 0; i < regions.count(); ++i)
+        updateTimeCourse(regions[i], run.document.project, run.nrOfVolumes,
+                         run.requests.regions.BestVoxelSelection);
+}
+
 } // namespace
 
 bool addSelectedRegion(const RegionRun& run, const VoxelRectangle& rectangle) {
@@ -79,18 +88,32 @@ void placeSavedRegions(const RegionRun& run, const SavedRegions& saved) {
         region.TopVoxelSelectionMode =
             state.TopVoxelSelectionMode.value_or(region.TopVoxelSelectionMode);
         region.SortedVoxelList = state.SortedVoxelList;
-        region.MaxPSC = state.MaxPSC.value_or(region.MaxPSC);
+        const size_t number = size_t(run.document.regions.count()) - 1;
+        if (number < run.document.DefaultMaxPSC.size())
+            run.document.DefaultMaxPSC[number] =
+                state.MaxPSC.value_or(run.document.DefaultMaxPSC[number]);
     }
     updateRegions(run);
 }
 
 void updateRegions(const RegionRun& run) {
-    Regions& regions = run.document.regions;
-    if (run.document.multiRunDocument)
+    if (run.document.multiRunDocument || run.document.regions.empty())
         return;
+    updateCurves(run);
+    computeBetas(run);
+}
+
+void updateRegionsRounded(const RegionRun& run) {
+    Regions& regions = run.document.regions;
+    if (run.document.multiRunDocument) {
+        for (int i = 0; i < regions.count(); ++i)
+            regions[i].CurrentTimePoint = -1;
+        return;
+    }
+    updateCurves(run);
     for (int i = 0; i < regions.count(); ++i)
-        updateTimeCourse(regions[i], run.document.project, run.nrOfVolumes,
-                         run.requests.regions.BestVoxelSelection);
+        for (float& value : regions[i].TimeCourseValues)
+            value = std::round(value);
     if (!regions.empty())
         computeBetas(run);
 }
