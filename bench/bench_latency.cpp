@@ -1,78 +1,35 @@
 // Latency from noticing a mosaic file to the status text of its volume, at three sizes.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "live_scan.h"
 #include "silent_display.h"
 
 #include "run/session/run_session.h"
-#include "scanner_simulator/simulated_scan.h"
 
-#include <QDir>
 #include <QGuiApplication>
 #include <QTemporaryDir>
-#include <chrono>
 #include <clocale>
 #include <cstdio>
-#include <thread>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double millisecondsBetween(Clock::time_point from, Clock::time_point to) {
-    return std::chrono::duration<double, std::milli>(to - from).count();
-}
-
-// A file counts as noticed when the reader starts to let it settle.
-class NoticingPump : public QtEventPump {
-public:
-    std::vector<Clock::time_point> noticed;
-
-    void pumpWait(int milliseconds) override {
-        constexpr int settling = 30;
-        if (milliseconds == settling)
-            noticed.push_back(Clock::now());
-        QtEventPump::pumpWait(milliseconds);
-    }
-};
-
 class StatusClock : public SilentDisplay {
 public:
-    std::vector<Clock::time_point> texts;
+    std::vector<BenchClock::time_point> texts;
 
-    void showLogText(const QString&) override { texts.push_back(Clock::now()); }
-};
-
-// Writes a volume at each interval, as the scanner does, while the session waits for it.
-class ScannerThread {
-public:
-    ScannerThread(const SimulatedScan& scan, int milliseconds)
-        : thread_([&scan, milliseconds](const std::stop_token& stop) {
-              for (int volume = 0; volume < scan.options().nrOfVolumes; ++volume) {
-                  if (stop.stop_requested() || !scan.writeVolume(volume, scan.watchFolder()))
-                      return;
-                  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-              }
-          }) {}
-
-private:
-    std::jthread thread_;
+    void showLogText(const QString&) override { texts.push_back(BenchClock::now()); }
 };
 
 void measure(int columns, int slices, int volumes) {
     QTemporaryDir folder;
-    SimulationOptions options;
-    options.folder = folder.path();
-    options.sizeX = options.sizeY = columns;
-    options.nrOfSlices = slices;
-    options.nrOfVolumes = volumes;
-    const SimulatedScan scan(options);
-    if (!scan.writeSettings() || !scan.writeProtocol() || !QDir().mkpath(scan.watchFolder())) {
+    const SimulatedScan scan(scanOptions(folder.path(), columns, slices, volumes));
+    if (!prepareScan(scan)) {
         std::printf("can't write to %s\n", folder.path().toLocal8Bit().constData());
         return;
     }
     NoticingPump pump;
     StatusClock display;
     RunSession session(pump, display);
-    session.settings.settingsFilePath = folder.filePath(options.name + "-1.vco");
+    session.settings.settingsFilePath = folder.filePath(scan.options().name + "-1.vco");
     {
         const ScannerThread scanner(scan, 250);
         session.runButtonPressed();

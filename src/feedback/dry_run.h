@@ -13,7 +13,7 @@ enum class MadeUpSignal {
 
 struct DryRunOptions {
     MadeUpSignal signal = MadeUpSignal::IdealResponse;
-    double amplitude = 2.0; ///< percent: of the response, or the noise's standard deviation
+    double amplitude = 2.0; ///< percent: of the greatest response, or the noise's deviation
     int nrOfVolumes = 0;
     int nrOfRegions = 3; ///< all with the same signal
     float TR = 2000.0f;  ///< milliseconds
@@ -24,16 +24,20 @@ struct DryRunOptions {
 [[nodiscard]] std::vector<float> madeUpCurve(const DryRunOptions& options,
                                              const StimulationProtocol& protocol);
 
-/// From which volume on there is feedback from a baseline, and why not before, for the operator.
+/// From which volume on the subject sees a level against a baseline, and why not before, for the
+/// operator. Of a curve or a classifier: from which volume on it is shown.
 struct FeedbackForecast {
     int firstVolume = -1; ///< from 0; -1 when there is none in the whole run
     QString text;
 };
+/// Passes a constant signal through the levels. Output that is blocked counts as shown.
 [[nodiscard]] FeedbackForecast forecastFeedback(const FeedbackChoices& choices,
                                                 const StimulationProtocol& protocol,
                                                 int nrOfVolumes, float TR);
 
-/// Steps through the volumes in the same way as a run does.
+/// Steps through the volumes in the same way as a run does. Without a region that is chosen, ROI 1
+/// is; the percent signal change stands in for a classifier's output. Without memory for the signal
+/// there are no volumes.
 class FeedbackDryRun {
 public:
     FeedbackDryRun(const FeedbackChoices& choices, StimulationProtocol protocol,
@@ -52,6 +56,8 @@ public:
     [[nodiscard]] FeedbackSignals signalsNow() const;
 
 private:
+    void restart();
+
     FeedbackChoices chosen_;  ///< at the start
     FeedbackChoices choices_; ///< now
     StimulationProtocol protocol_;
@@ -60,5 +66,6 @@ private:
     std::vector<float> curve_;
     FeedbackLevels levels_;
     FeedbackFrame frame_;
+    int firstFitted_ = 0; ///< volume from which on the regions have a model
     int volume_ = -1;
 };

@@ -56,6 +56,8 @@ struct ROIsOfMode {
 [[nodiscard]] ROIsOfMode roisOfMode(int roiMode);
 /// A run with this many regions can use the mode.
 [[nodiscard]] bool isModeAvailable(int roiMode, int nrOfRegions);
+/// Each region of the mode has a thermometer of its own.
+[[nodiscard]] bool showsPair(const FeedbackChoices& choices);
 /// What becomes of the mode when the regions have changed: one whose regions are gone is given up;
 /// without a mode, and without the classifier, the first region is taken if there is one.
 void settleROIMode(FeedbackChoices& choices, int nrOfRegions);

@@ -30,7 +30,7 @@ enum class BaselineSource {
     Model,   ///< the constant of the regions' models
 };
 
-/// Regions of fewer volumes than this never show feedback.
+/// The volumes before this one never show feedback.
 inline constexpr int firstLiveVolume = 10;
 
 /// The outcome of one volume. The second of two is used for a pair of thermometers only.
@@ -39,7 +39,10 @@ struct FeedbackValues {
     bool noFeedback = false; ///< suppressed by the no-feedback condition
     bool pair = false;       ///< two thermometers
     bool classifier = false;
-    int volume = -1; ///< that the values are of
+    /// Levels were computed: not for the idle picture and a curve.
+    bool computed = false;
+    int volume = -1; ///< that the values are of; -1 for the classifier's
+    /// Floats, as the baselines: at a baseline that is the signal itself the change is exactly 0.
     float CurValue1 = 0.0f, CurValue2 = 0.0f;
     float Baseline1 = 0.0f, Baseline2 = 0.0f;
     float RelativeLevel = 0.0f;     ///< 1 fills the scale; not computed for a pair, which keeps it
@@ -70,7 +73,18 @@ public:
     [[nodiscard]] const FeedbackValues& values() const { return values_; }
 
 private:
+    void updateVolume(const FeedbackSignals& signals, FeedbackChoices& choices);
+    void findBaseline(const FeedbackSignals& signals, const FeedbackChoices& choices,
+                      bool modeChanged);
+    void findLevel(FeedbackChoices& choices);
+    void findPairOfLevels(FeedbackChoices& choices);
+    /// Enters the change of the signal into the history; its running mean.
+    [[nodiscard]] double percentChange(std::vector<float>& history, float signal, float baseline,
+                                       int nrOfPastValues) const;
+
     FeedbackValues values_;
+    FeedbackChoices choicesBefore_; ///< of the last update, before its maxima followed
+    FeedbackChoices choicesAfter_;
     int lastROIMode_ = noROIMode;
     std::vector<float> PSCHistory1_; ///< fractional signal change of each volume
     std::vector<float> PSCHistory2_;

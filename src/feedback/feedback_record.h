@@ -16,10 +16,10 @@ struct FeedbackRecord {
     double milliseconds = 0.0; ///< from the arrival of the volume's last file to the display
 };
 
-/// The names of the columns, tab separated: volume, condition, the signal of each region,
-/// baseline1, baseline2, relative_level, shown_level1, shown_level2, target1, target2, suppressed,
-/// milliseconds. `nrOfRegions` signals; a run whose regions change in number has "n/a" where a
-/// region isn't.
+/// The names of the columns, tab separated: volume, condition, the signal of each region (roi1
+/// ...), baseline1, baseline2, relative_level, shown_level1, shown_level2, target1, target2,
+/// suppressed, milliseconds. `nrOfRegions` signals; a run whose regions change in number has "n/a"
+/// where a region isn't.
 [[nodiscard]] QByteArray feedbackRecordHead(int nrOfRegions);
 /// One line. What was not computed or not shown is "n/a".
 [[nodiscard]] QByteArray feedbackRecordLine(const FeedbackRecord& record, int nrOfRegions);

@@ -5,6 +5,8 @@
 #include "regions/region_samples.h"
 #include "volume/volume_geometry.h"
 
+#include <array>
+#include <optional>
 #include <vector>
 
 /// A rectangle of voxels on a slice, all from 0. The corners may come in any order; once they are
@@ -37,8 +39,10 @@ struct VoxelList {
     }
 };
 
-inline constexpr int allPredictors = -1;     ///< of TopVoxelSelectionMode
-inline constexpr float defaultMaxPSC = 2.0f; ///< percent
+inline constexpr int allPredictors = -1; ///< of TopVoxelSelectionMode
+/// Percent signal change that fills the feedback display, for the first three regions.
+using FeedbackMaxima = std::array<float, 3>;
+inline constexpr FeedbackMaxima defaultMaxPSC = {2.0f, 2.0f, 2.0f};
 
 /// One region and what is known of its signal. Its number is its position in the list of regions.
 struct RegionOfInterest {
@@ -70,8 +74,6 @@ struct RegionOfInterest {
     float residualVariance = 0.0f; ///< of the fit, in squared units of the data
     int predictorsInFit = 0;       ///< 0 before the first fit
 
-    float MaxPSC = defaultMaxPSC; ///< percent signal change that fills the feedback display
-
     /// The voxels' values, kept side by side for the sums; forget() when voxels or volumes change.
     RegionSamples samples;
 
@@ -85,7 +87,8 @@ struct RegionOptions {
     bool BestVoxelSelection = false;           ///< rank the voxels and use only the best
     float TopVoxelRatio = 0.33f;               ///< of new regions
     int TopVoxelSelectionMode = allPredictors; ///< of new regions
-    bool saveMaxPSC = false; ///< MaxPSC goes into the file: a feedback display exists
+    /// Those of the feedback display while one exists: they go into the file.
+    std::optional<FeedbackMaxima> feedbackMaxima{};
 
     bool operator==(const RegionOptions&) const = default;
 };

@@ -237,6 +237,11 @@ void reportVoxelsOutside(const QString& fileName, const SavedRegions& saved) {
             .arg(voxels));
 }
 
+/// The display has maxima for three regions.
+double maximumOf(const FeedbackMaxima& maxima, int region) {
+    return double(size_t(region) < maxima.size() ? maxima[size_t(region)] : defaultMaxPSC[0]);
+}
+
 } // namespace
 
 RoiFileResult parseROIFile(const QString& text, const VolumeSize& size, SavedRegions& saved) {
@@ -247,13 +252,13 @@ QByteArray roiFileText(const Regions& regions, const RegionOptions& options) {
     bool withRanking = options.BestVoxelSelection;
     for (int i = 0; i < regions.count(); ++i)
         withRanking = withRanking && listIsWhole(regions[i]);
-    QByteArray text =
-        formatted("FileVersion:           %i\n\n"
-                  "SaveVoxelsInROIs:      1\n\n"
-                  "SaveSortedVoxelList:   %i\n\n"
-                  "SaveROIMaxPSC:         %i\n\n"
-                  "NrOfTCPlots:           %i\n\n",
-                  newestVersion, int(withRanking), int(options.saveMaxPSC), regions.count());
+    QByteArray text = formatted("FileVersion:           %i\n\n"
+                                "SaveVoxelsInROIs:      1\n\n"
+                                "SaveSortedVoxelList:   %i\n\n"
+                                "SaveROIMaxPSC:         %i\n\n"
+                                "NrOfTCPlots:           %i\n\n",
+                                newestVersion, int(withRanking),
+                                int(options.feedbackMaxima.has_value()), regions.count());
     for (int i = 0; i < regions.count(); ++i) {
         const RegionOfInterest& region = regions[i];
         text += formatted("NrOfTCs:               1\n"
@@ -266,8 +271,9 @@ QByteArray roiFileText(const Regions& regions, const RegionOptions& options) {
         text += voxelLines(region.voxels);
         if (withRanking)
             text += rankingLines(region);
-        if (options.saveMaxPSC)
-            text += formatted("MaxPSC:              %10.6f\n", double(region.MaxPSC));
+        if (options.feedbackMaxima)
+            text +=
+                formatted("MaxPSC:              %10.6f\n", maximumOf(*options.feedbackMaxima, i));
         text += '\n';
     }
     return text;

@@ -173,7 +173,7 @@ bool roi(std::span<const uint8_t> bytes) {
         createSavedRegion(regions, project, region);
     SavedRegions again;
     const QByteArray written =
-        roiFileText(regions, {.BestVoxelSelection = true, .saveMaxPSC = true});
+        roiFileText(regions, {.BestVoxelSelection = true, .feedbackMaxima = defaultMaxPSC});
     require(parseROIFile(QString::fromUtf8(written), project.size(), again) == RoiFileResult::Ok,
             "a written file reads");
     require(int(again.regions.size()) == regions.count(), "no region is lost");

@@ -29,7 +29,7 @@ std::array<int, 5> sides(const VoxelRectangle& r) {
 struct TwoRegions {
     FMRProject project;
     Regions regions;
-    RegionOptions options{.BestVoxelSelection = true, .saveMaxPSC = true};
+    RegionOptions options{.BestVoxelSelection = true, .feedbackMaxima = {{1.25f, 2.0f, 2.0f}}};
 
     TwoRegions() {
         RegionOfInterest& first =
@@ -37,7 +37,6 @@ struct TwoRegions {
                                 {2, 1, 4, 8, 10}, options);
         first.TopVoxelRatio = 0.334f;
         first.SortedVoxelList = {2, 0, 1};
-        first.MaxPSC = 1.25f;
         RegionOfInterest& second = createROIFromVoxels(regions, project, 0, voxelList({{0, 0, 0}}),
                                                        {0, 0, 1, 0, 1}, options);
         second.TopVoxelRatio = 1.0f;
@@ -84,7 +83,7 @@ TEST(RoiFile, RankingIsWrittenWhereEveryListIsWhole) {
     run.regions[1].SortedVoxelList.clear();
     EXPECT_EQ(QString(roiFileText(run.regions, run.options)), unranked);
     run.regions[1].SortedVoxelList = {0};
-    run.options.saveMaxPSC = false;
+    run.options.feedbackMaxima.reset();
     EXPECT_EQ(QString(roiFileText(run.regions, run.options)),
               without({"MaxPSC"}).replace("SaveROIMaxPSC:         1", "SaveROIMaxPSC:         0"));
 }

@@ -49,6 +49,8 @@ public:
     bool multiRunDocument = false;
     StatisticalMaps maps;
     Regions regions;
+    /// What the feedback display begins with: of the file of regions that was loaded last.
+    FeedbackMaxima DefaultMaxPSC = defaultMaxPSC;
 
     SliceImages slices;
     InplaneScan inplanes; ///< empty if the run has none

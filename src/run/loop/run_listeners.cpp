@@ -90,6 +90,10 @@ void RunListeners::regionsLoaded(QtCortivoDoc& functional) {
     callEach([&](RunListener& listener) { return listener.regionsLoaded(functional), true; });
 }
 
+void RunListeners::feedbackChanged() {
+    callEach([](RunListener& listener) { return listener.feedbackChanged(), true; });
+}
+
 bool RunListeners::beforeVolume(const VolumeAtHand& hand) {
     return callEach([&](RunListener& listener) { return listener.beforeVolume(hand); });
 }

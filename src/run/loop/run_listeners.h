@@ -80,6 +80,9 @@ public:
     /// before regionsChanged().
     virtual void regionsLoaded(QtCortivoDoc& functional) { static_cast<void>(functional); }
 
+    /// The operator has changed the choices for the feedback to the subject, or opened its display.
+    virtual void feedbackChanged() {}
+
     /// The samples of the volume are in memory, as they were measured. False ends the run, after
     /// the listener has said why; so it does for the steps.
     [[nodiscard]] virtual bool beforeVolume(const VolumeAtHand& hand) {
@@ -136,6 +139,7 @@ public:
     void settingsFileChanged();
     void regionsChanged(QtCortivoDoc& functional);
     void regionsLoaded(QtCortivoDoc& functional);
+    void feedbackChanged();
     /// These two stop at the first listener that ends the run, and give false then.
     [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand);
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand);

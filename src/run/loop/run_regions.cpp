@@ -88,7 +88,10 @@ void placeSavedRegions(const RegionRun& run, const SavedRegions& saved) {
         region.TopVoxelSelectionMode =
             state.TopVoxelSelectionMode.value_or(region.TopVoxelSelectionMode);
         region.SortedVoxelList = state.SortedVoxelList;
-        region.MaxPSC = state.MaxPSC.value_or(region.MaxPSC);
+        const size_t number = size_t(run.document.regions.count()) - 1;
+        if (number < run.document.DefaultMaxPSC.size())
+            run.document.DefaultMaxPSC[number] =
+                state.MaxPSC.value_or(run.document.DefaultMaxPSC[number]);
     }
     updateRegions(run);
 }

@@ -53,9 +53,11 @@ bool prepareForPlaying(RunSettings& settings, const PlayOptions& options) {
     if (!options.targetFolder.isEmpty()) {
         const QString former = settings.TargetFolder;
         settings.TargetFolder = paths::withTrailingSlash(options.targetFolder);
-        if (settings.FeedbackTargetFolder.startsWith(former))
-            settings.FeedbackTargetFolder =
-                settings.TargetFolder + settings.FeedbackTargetFolder.mid(former.size());
+        // Programs that poll the run's own folder must not take a replay for a measurement.
+        settings.FeedbackTargetFolder =
+            settings.FeedbackTargetFolder.startsWith(former)
+                ? settings.TargetFolder + settings.FeedbackTargetFolder.mid(former.size())
+                : settings.TargetFolder;
     }
     if (!settings.TargetFolder.isEmpty() && QDir().mkpath(settings.TargetFolder))
         return true;

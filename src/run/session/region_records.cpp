@@ -18,8 +18,9 @@ void decode(ByteReader& reader, RecordedChoices& choices) {
     RegionOptions& options = requests.regions;
     for (bool* flag :
          {&requests.saveRTPs, &requests.saveROITimeCourses, &requests.saveROIBetaTimeCourses,
-          &options.SelectOnlyMapVoxels, &options.BestVoxelSelection, &options.saveMaxPSC})
+          &options.SelectOnlyMapVoxels, &options.BestVoxelSelection})
         *flag = reader.u8() != 0;
+    reader.u8(); // whether there was a feedback display, which has a record of its own
     options.TopVoxelRatio = reader.f32();
     options.TopVoxelSelectionMode = reader.i32();
     for (uint32_t regions = reader.u32(); regions > 0 && !reader.failed(); --regions) {
@@ -47,9 +48,9 @@ void placeRankings(SavedRegions& saved, const std::vector<std::vector<int>>& ran
 QByteArray regionRecord(const OperatorRequests& requests, const Regions& regions) {
     ByteWriter writer;
     const RegionOptions& options = requests.regions;
-    for (const bool flag :
-         {requests.saveRTPs, requests.saveROITimeCourses, requests.saveROIBetaTimeCourses,
-          options.SelectOnlyMapVoxels, options.BestVoxelSelection, options.saveMaxPSC})
+    for (const bool flag : {requests.saveRTPs, requests.saveROITimeCourses,
+                            requests.saveROIBetaTimeCourses, options.SelectOnlyMapVoxels,
+                            options.BestVoxelSelection, options.feedbackMaxima.has_value()})
         writer.u8(flag);
     writer.f32(options.TopVoxelRatio);
     writer.i32(options.TopVoxelSelectionMode);

@@ -34,18 +34,19 @@ void SessionFeedback::open(FeedbackScreen& screen) {
     screen_ = &screen;
     choices_.type = FeedbackType::Thermometer;
     choices_.ShowConditionNameAsInstruction = true;
-    setShiftsForTR(choices_, TR());
+    takeShifts();
     levels_.forgetBaselines();
-    takeMaximaOfRegions();
-    parts_.requests.regions.saveMaxPSC = true;
+    if (document_)
+        choices_.MaxPSC = document_->DefaultMaxPSC;
     testClassifier();
     noteChange();
     update();
+    parts_.listeners.feedbackChanged();
 }
 
 void SessionFeedback::close() {
     screen_ = nullptr;
-    parts_.requests.regions.saveMaxPSC = false;
+    parts_.requests.regions.feedbackMaxima.reset();
 }
 
 void SessionFeedback::change(const std::function<void(FeedbackChoices&)>& edit) {
@@ -53,9 +54,9 @@ void SessionFeedback::change(const std::function<void(FeedbackChoices&)>& edit) 
     edit(choices_);
     if (choices_ == before)
         return;
-    keepMaximaInRegions();
     noteChange();
     update();
+    parts_.listeners.feedbackChanged();
 }
 
 void SessionFeedback::update() {
@@ -116,15 +117,9 @@ void SessionFeedback::noteChange() {
         parts_.listeners.record({feedbackRecord, encodedFeedback({choices_, delayed_})});
 }
 
-// The maxima belong to the display; regions carry them from and to their file.
-void SessionFeedback::takeMaximaOfRegions() {
-    for (int i = 0; i < std::min(nrOfRegions(), int(choices_.MaxPSC.size())); ++i)
-        choices_.MaxPSC[size_t(i)] = document_->regions[i].MaxPSC;
-}
-
-void SessionFeedback::keepMaximaInRegions() {
-    for (int i = 0; i < std::min(nrOfRegions(), int(choices_.MaxPSC.size())); ++i)
-        document_->regions[i].MaxPSC = choices_.MaxPSC[size_t(i)];
+void SessionFeedback::takeShifts() {
+    shiftsTR_ = TR();
+    setShiftsForTR(choices_, shiftsTR_);
 }
 
 // Also without a screen while a run is recovered: what comes then rests on its histories.
@@ -140,10 +135,11 @@ void SessionFeedback::compute() {
         levels_.update(classifier_, choices_);
     } else {
         levels_.update(signals, choices_);
-        keepMaximaInRegions();
         if (choices_.type == FeedbackType::TimeCourse)
             curve_ = feedbackCurve(signals, choices_.roiMode);
     }
+    if (screen_)
+        parts_.requests.regions.feedbackMaxima = choices_.MaxPSC;
     frame_ = feedbackFrame(levels_.values(), choices_, document_->volumeTables,
                            conditionNames(document_->protocol));
 }
@@ -183,7 +179,9 @@ void SessionFeedback::documentsArrived(QtCortivoDoc& functional) {
 
 void SessionFeedback::runPrepared(QtCortivoDoc&) {
     files_.begin(parts_.settings.FeedbackTargetFolder, parts_.settings.projectBaseName);
-    setShiftsForTR(choices_, TR());
+    // Those that the operator set stay, unless volumes turn out to last longer or shorter.
+    if (TR() != shiftsTR_)
+        takeShifts();
     noteChange();
     update();
 }
@@ -192,8 +190,9 @@ void SessionFeedback::regionsChanged(QtCortivoDoc&) {
     update();
 }
 
-void SessionFeedback::regionsLoaded(QtCortivoDoc&) {
-    takeMaximaOfRegions();
+void SessionFeedback::regionsLoaded(QtCortivoDoc& functional) {
+    choices_.MaxPSC = functional.DefaultMaxPSC;
+    noteChange();
 }
 
 // What the subject sees comes first; files follow once the picture is on the screen.

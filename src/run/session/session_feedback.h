@@ -94,8 +94,7 @@ public:
 private:
     void compute();
     void draw();
-    void takeMaximaOfRegions();
-    void keepMaximaInRegions();
+    void takeShifts();
     void testClassifier();
     void noteChange();
     void writeFiles(int volume);
@@ -107,6 +106,7 @@ private:
     QtCortivoDoc* document_ = nullptr;
     const ClassifierOutput* classifier_ = nullptr;
     FeedbackChoices choices_;
+    float shiftsTR_ = 0.0f; ///< that the shifts were computed for, milliseconds
     FeedbackLevels levels_;
     FeedbackFrame frame_;
     FeedbackCurve curve_;

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "feedback/ui/subject_display.h"
+
+#include "dialogs/dialog_setup.h"
+
+#include <QCloseEvent>
+#include <QPainter>
+#include <QScreen>
+
+namespace {
+
+constexpr QSize firstWindowSize(400, 300);
+
+} // namespace
+
+SubjectDisplay::SubjectDisplay() {
+    setObjectName("SubjectDisplay");
+    setWindowTitle("The Subject's Screen");
+    setFocusPolicy(Qt::NoFocus);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_QuitOnClose, false); // the program ends with its main window
+}
+
+// Flags and screen of a window take effect when it is shown anew.
+void SubjectDisplay::becomeWindow(Qt::WindowFlags flags, QScreen& screen) {
+    hide();
+    setWindowFlags(flags | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus);
+    setScreen(&screen);
+}
+
+void SubjectDisplay::showOnScreen(QScreen& screen) {
+    becomeWindow(Qt::Window | Qt::FramelessWindowHint, screen);
+    setCursor(Qt::BlankCursor);
+    setGeometry(screen.geometry());
+    showFullScreen();
+}
+
+void SubjectDisplay::showInWindow(QScreen& screen) {
+    becomeWindow(Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint, screen);
+    unsetCursor();
+    const QRect area = screen.availableGeometry();
+    const QRect frame(area.bottomRight(), firstWindowSize + windowFrame);
+    setGeometry(QRect(placedWithin(area, frame).topLeft() + QPoint(0, windowFrame.height()),
+                      firstWindowSize));
+    showNormal();
+}
+
+void SubjectDisplay::showNow(const SubjectPicture& picture) {
+    picture_ = picture;
+    repaint();
+}
+
+void SubjectDisplay::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    paintSubjectPicture(painter, size(), picture_);
+}
+
+void SubjectDisplay::closeEvent(QCloseEvent* event) {
+    event->accept();
+    Q_EMIT closed();
+}

@@ -1,0 +1,192 @@
+// The feedback of a whole session: shown, written, recorded, in runs that are measured or played.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/session_fixture.h"
+
+namespace {
+
+constexpr VoxelRectangle drag{1, 2, 6, 1, 4};
+constexpr int volumes = 40;
+
+/// Remembers what was shown at each volume.
+class Screen : public FeedbackScreen {
+public:
+    explicit Screen(RunSession& session) : session_(session) {}
+
+    std::map<int, FeedbackFrame> frames; ///< by volume
+    std::function<void(int volume)> whenShown = [](int) {};
+    int curves = 0;
+
+    [[nodiscard]] QSize frameSize() const override { return {300, 200}; }
+    void paintCurve(QPainter&, QSize, const FeedbackCurve&) override { ++curves; }
+    void showPicture() override {
+        if (!session_.phase.runActive())
+            return;
+        frames[session_.report.currentVolume] = session_.feedback.frame();
+        whenShown(session_.report.currentVolume);
+    }
+    void refreshControls() override {}
+
+private:
+    RunSession& session_;
+};
+
+class Classifier : public ClassifierOutput {
+public:
+    bool predicting = true;
+    float value = 0.6f;
+    [[nodiscard]] bool isPredicting() const override { return predicting; }
+    [[nodiscard]] int nrOfClasses() const override { return 2; }
+    [[nodiscard]] bool currentOutput(std::span<float> values) const override {
+        values[0] = value;
+        return true;
+    }
+};
+
+} // namespace
+
+class SessionFeedbackTest : public SessionFixture {
+protected:
+    SessionFeedbackTest() {
+        writeSession(volumes, 0);
+        operatorHand_.onEndOfVolume = [this](int volume) {
+            if (volume == 0 && session.regions.list()->empty()) {
+                EXPECT_TRUE(session.regions.selectRectangle(drag));
+            }
+        };
+    }
+    ~SessionFeedbackTest() override { session.feedback.close(); }
+
+    [[nodiscard]] QString feedbackFile(const QString& ending) const {
+        return path("results/test-" + ending);
+    }
+    [[nodiscard]] QList<QByteArray> table() const {
+        return content("results/test_feedback.tsv").trimmed().split('\n');
+    }
+
+    Screen screen_{session};
+    ProbeListener operatorHand_{session.listeners, ListenerPlace::Dialogs};
+};
+
+TEST_F(SessionFeedbackTest, EachVolumeIsShownThenWrittenThenRecorded) {
+    session.feedback.open(screen_);
+    script.millisecondsPerVolume = 5;
+    screen_.whenShown = [this](int volume) {
+        const bool first = !screen_.frames.contains(volume);
+        EXPECT_FALSE(first && QFile::exists(feedbackFile(QString("%1.png").arg(volume + 1))));
+        EXPECT_TRUE(volume == 0 || QFile::exists(feedbackFile(QString("%1.png").arg(volume))));
+        pump.pumpWait(3); // what painting takes
+    };
+    session.runButtonPressed();
+    EXPECT_TRUE(session.report.savedCompletely);
+    EXPECT_GE(session.report.times.feedbackTime, 3);
+    const QImage last(feedbackFile("40.png"));
+    EXPECT_EQ(last.size(), screen_.frameSize());
+    EXPECT_EQ(last.convertToFormat(QImage::Format_RGB32), session.feedback.picture());
+    const QList<QByteArray> rows = table();
+    ASSERT_EQ(rows.size(), volumes + 1);
+    EXPECT_TRUE(rows[0].startsWith("volume\tcondition"));
+    for (int volume = 0; volume < volumes; ++volume) {
+        EXPECT_TRUE(rows[volume + 1].startsWith(QByteArray::number(volume + 1) + '\t'));
+        EXPECT_GE(rows[volume + 1].split('\t').last().toDouble(), 3.0);
+        EXPECT_EQ(screen_.frames[volume].kind == FeedbackFrame::Kind::Idle, volume < 10);
+    }
+    EXPECT_TRUE(content("results/test.roi").contains("SaveROIMaxPSC:         1"));
+
+    // A run as long as the one before begins with nothing.
+    const QByteArray first = content("results/test_feedback.tsv");
+    screen_.frames.clear();
+    session.regions.removeAll();
+    runAgain();
+    EXPECT_EQ(content("results/test_feedback.tsv"), first);
+}
+
+TEST_F(SessionFeedbackTest, WithoutAScreenNothingIsWrittenAndWhatCanNotBeWrittenStopsNoRun) {
+    session.runButtonPressed();
+    EXPECT_TRUE(session.report.savedCompletely);
+    EXPECT_FALSE(QFile::exists(feedbackFile("20.png")));
+    EXPECT_TRUE(table()[0].isEmpty());
+    EXPECT_TRUE(content("results/test.roi").contains("SaveROIMaxPSC:         0"));
+
+    put("in_the_way", "a file");
+    writeSession(volumes, 0, {{"FeedbackTargetFolder:", '"' + path("in_the_way/fb/") + '"'}});
+    ASSERT_TRUE(QDir().mkpath(path("results/test_feedback.tsv.is_a_folder")));
+    session.feedback.open(screen_);
+    runAgain();
+    EXPECT_EQ(session.report.currentVolume, volumes - 1);
+    EXPECT_TRUE(session.report.savedCompletely);
+    EXPECT_TRUE(session.feedback.fault().contains("in_the_way/fb/test-40.png"));
+    EXPECT_EQ(table().size(), volumes + 1) << "the table is in another folder";
+}
+
+TEST_F(SessionFeedbackTest, TheTypeDecidesWhichFilesAreWritten) {
+    session.feedback.open(screen_);
+    session.feedback.setDelayed(
+        {.condition = 1, .BaselineFrom = -3, .ModulationTo = 3, .UpdateFeedbackFile = 4});
+    screen_.whenShown = [this](int volume) {
+        constexpr FeedbackType types[] = {FeedbackType::Delayed, FeedbackType::PongSubject1,
+                                          FeedbackType::TimeCourse, FeedbackType::PongSubject2};
+        if (volume > 0 && volume % 10 == 0)
+            session.feedback.change(
+                [&](FeedbackChoices& choices) { choices.type = types[size_t(volume / 10)]; });
+    };
+    session.feedback.change([](FeedbackChoices& choices) { choices.type = FeedbackType::Delayed; });
+    session.runButtonPressed();
+    EXPECT_FALSE(QFile::exists(feedbackFile("5.png")));
+    EXPECT_TRUE(content("results/test-s1-15.bpg").contains(' '));
+    EXPECT_FALSE(QFile::exists(feedbackFile("15.png")));
+    EXPECT_TRUE(QFile::exists(feedbackFile("25.png")));
+    EXPECT_GE(screen_.curves, 9);
+    EXPECT_TRUE(content("results/test-s2-40.bpg").endsWith('\n'));
+    EXPECT_TRUE(session.feedback.delayedMessage().startsWith("SAVED:  1   "));
+    EXPECT_EQ(content("results/DelayedFeedback.txt").left(6), "  1   ");
+}
+
+TEST_F(SessionFeedbackTest, ARecoveredRunGivesNothingAgainAndOneThatGoesOnContinuesItsTable) {
+    session.feedback.open(screen_);
+    const QString journal = recordJournal();
+    session.feedback.change([](FeedbackChoices& choices) { choices.DisplayBaseLevel = 1; });
+    const QList<QByteArray> whole = table();
+    ASSERT_EQ(whole.size(), volumes + 1);
+    cutJournal(journal, 25);
+    QByteArray half;
+    for (int row = 0; row <= 25; ++row)
+        half += whole[row] + '\n';
+    put("results/test_feedback.tsv", half);
+    for (const int volume : {20, 30})
+        ASSERT_TRUE(QFile::remove(feedbackFile(QString("%1.png").arg(volume))));
+    EXPECT_TRUE(session.playJournal({journal, {}, {}, false}, PlayPurpose::GoOn));
+    EXPECT_FALSE(QFile::exists(feedbackFile("20.png")));
+    EXPECT_TRUE(QFile::exists(feedbackFile("30.png")));
+    EXPECT_EQ(table().size(), volumes + 1);
+    for (const int row : {15, 26, 30, 40})
+        EXPECT_EQ(table()[row].split('\t').mid(0, 12), whole[row].split('\t').mid(0, 12)) << row;
+    EXPECT_EQ(session.feedback.choices().DisplayBaseLevel, 0) << "as it was recorded";
+}
+
+TEST_F(SessionFeedbackTest, TheClassifierTakesOverAndGivesBack) {
+    Classifier classifier;
+    session.feedback.open(screen_);
+    session.feedback.setClassifier(&classifier);
+    ASSERT_TRUE(session.feedback.classifierPredicts());
+    session.feedback.change(chooseClassifierOutput);
+    screen_.whenShown = [&](int volume) { classifier.predicting = volume != 20; };
+    session.runButtonPressed();
+    EXPECT_EQ(screen_.frames[0].kind, FeedbackFrame::Kind::Classifier);
+    EXPECT_EQ(screen_.frames[0].thermometers.at(0).level, 2) << "5 steps times 0.6 / 1.5";
+    EXPECT_EQ(screen_.frames[21].kind, FeedbackFrame::Kind::Thermometer);
+    EXPECT_EQ(session.feedback.choices().roiMode, useROI1);
+    session.feedback.setClassifier(nullptr);
+}
+
+TEST_F(SessionFeedbackTest, MaximaComeWithRegionsAndChoicesGoWithTheSettingsFile) {
+    session.feedback.open(screen_);
+    session.feedback.change([](FeedbackChoices& choices) { choices.MaxPSC = {3.5f, 1.0f, 1.0f}; });
+    session.runButtonPressed();
+    session.feedback.close();
+    session.feedback.open(screen_);
+    EXPECT_EQ(session.feedback.choices().MaxPSC[0], 2.0f) << "what a display begins with";
+    EXPECT_TRUE(session.regions.load(path("results/test.roi")));
+    EXPECT_EQ(session.feedback.choices().MaxPSC[0], 3.5f);
+    session.changeSettingsFile(path("test-1.vco"));
+    EXPECT_EQ(session.feedback.choices(), FeedbackChoices());
+}
