@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/file_writing.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <cstdarg>
 #include <cstdio>
+#include <filesystem>
 
 #ifdef Q_OS_UNIX
 #include <cerrno>
@@ -39,9 +41,29 @@ bool forceOutData(int) {
 void forceOutFolder(const QString&) {}
 #endif
 
+namespace {
+
+bool isReplaceable(const QFileInfo& existing) {
+    return !existing.exists() || (existing.isFile() && existing.isWritable());
+}
+
+/// To a file that must not be there yet. What can't be written whole is removed.
+bool writeNewFile(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return false;
+    bool written = file.write(content) == content.size() && file.flush();
+    file.close();
+    written = written && file.error() == QFileDevice::NoError;
+    if (!written)
+        file.remove();
+    return written;
+}
+
+} // namespace
+
 bool openToReplace(QSaveFile& file) {
-    const QFileInfo existing(file.fileName());
-    return (!existing.exists() || existing.isFile()) && file.open(QIODevice::WriteOnly);
+    return isReplaceable(QFileInfo(file.fileName())) && file.open(QIODevice::WriteOnly);
 }
 
 bool commitFile(QSaveFile& file) {
@@ -56,6 +78,26 @@ bool commitFile(QSaveFile& file) {
 bool writeFileAtomically(const QString& path, const QByteArray& content) {
     QSaveFile file(path);
     return openToReplace(file) && file.write(content) == content.size() && commitFile(file);
+}
+
+bool writePolledFile(const QString& path, const QByteArray& content) {
+    const QFileInfo existing(path);
+    if (!isReplaceable(existing))
+        return false;
+    const QString target = existing.isSymLink() ? existing.symLinkTarget() : path;
+    // A name of this process, whose leftover after a crash is in nobody's way. QTemporaryFile would
+    // make a file that only its owner can read.
+    const QString aside =
+        target + '.' + QString::number(QCoreApplication::applicationPid()) + ".part";
+    QFile::remove(aside);
+    if (!writeNewFile(aside, content))
+        return false;
+    std::error_code error;
+    std::filesystem::rename(QFile::encodeName(aside).toStdString(),
+                            QFile::encodeName(target).toStdString(), error);
+    if (error)
+        QFile::remove(aside);
+    return !error;
 }
 
 QByteArray formatted(const char* format, ...) {

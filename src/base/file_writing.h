@@ -12,6 +12,11 @@ class QSaveFile;
 /// link stays, and its target is replaced.
 [[nodiscard]] bool writeFileAtomically(const QString& path, const QByteArray& content);
 
+/// The same for a file that another program polls during a run: it appears whole or not at all, but
+/// its data are not forced to the disk. That takes tens of milliseconds, and after a power cut
+/// nobody polls any more.
+[[nodiscard]] bool writePolledFile(const QString& path, const QByteArray& content);
+
 /// Appends to a log and flushes it, or with `create` replaces it. False when that fails, or when
 /// `path` is a folder, a pipe or a device. The folder must exist.
 [[nodiscard]] bool appendToLog(const QString& path, const QByteArray& text, bool create);

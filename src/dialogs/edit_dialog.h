@@ -48,7 +48,6 @@ protected:
     /// Discards edits that were not applied.
     virtual void revert() {}
     [[nodiscard]] virtual bool isChanged() const { return false; }
-
-private:
+    /// The press of Apply.
     void applyAndStay();
 };

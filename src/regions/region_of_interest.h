@@ -39,7 +39,7 @@ struct VoxelList {
     }
 };
 
-inline constexpr int allPredictors = -1;     ///< of TopVoxelSelectionMode
+inline constexpr int allPredictors = -1; ///< of TopVoxelSelectionMode
 /// Percent signal change that fills the feedback display, for the first three regions.
 using FeedbackMaxima = std::array<float, 3>;
 inline constexpr FeedbackMaxima defaultMaxPSC = {2.0f, 2.0f, 2.0f};

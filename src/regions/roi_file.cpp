@@ -252,13 +252,13 @@ QByteArray roiFileText(const Regions& regions, const RegionOptions& options) {
     bool withRanking = options.BestVoxelSelection;
     for (int i = 0; i < regions.count(); ++i)
         withRanking = withRanking && listIsWhole(regions[i]);
-    QByteArray text =
-        formatted("FileVersion:           %i\n\n"
-                  "SaveVoxelsInROIs:      1\n\n"
-                  "SaveSortedVoxelList:   %i\n\n"
-                  "SaveROIMaxPSC:         %i\n\n"
-                  "NrOfTCPlots:           %i\n\n",
-                  newestVersion, int(withRanking), int(options.feedbackMaxima.has_value()), regions.count());
+    QByteArray text = formatted("FileVersion:           %i\n\n"
+                                "SaveVoxelsInROIs:      1\n\n"
+                                "SaveSortedVoxelList:   %i\n\n"
+                                "SaveROIMaxPSC:         %i\n\n"
+                                "NrOfTCPlots:           %i\n\n",
+                                newestVersion, int(withRanking),
+                                int(options.feedbackMaxima.has_value()), regions.count());
     for (int i = 0; i < regions.count(); ++i) {
         const RegionOfInterest& region = regions[i];
         text += formatted("NrOfTCs:               1\n"
@@ -272,7 +272,8 @@ QByteArray roiFileText(const Regions& regions, const RegionOptions& options) {
         if (withRanking)
             text += rankingLines(region);
         if (options.feedbackMaxima)
-            text += formatted("MaxPSC:              %10.6f\n", maximumOf(*options.feedbackMaxima, i));
+            text +=
+                formatted("MaxPSC:              %10.6f\n", maximumOf(*options.feedbackMaxima, i));
         text += '\n';
     }
     return text;

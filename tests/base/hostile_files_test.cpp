@@ -29,7 +29,9 @@ TEST(TextFile, AnythingButARegularFileIsNeitherReadNorReplaced) {
         QString text;
         EXPECT_FALSE(readTextFile(path, text)) << path.toStdString();
         EXPECT_FALSE(writeFileAtomically(path, "x")) << path.toStdString();
+        EXPECT_FALSE(writePolledFile(path, "x")) << path.toStdString();
     }
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::System | QDir::Files), QStringList("pipe"));
 }
 
 // Opening a device or a pipe can have an effect at its other end.
@@ -53,7 +55,25 @@ TEST(TextFile, ALinkStaysAndItsTargetIsWritten) {
     ASSERT_TRUE(QFile::link(folder.filePath("target"), folder.filePath("link")));
     ASSERT_TRUE(writeFileAtomically(folder.filePath("link"), "new"));
     EXPECT_EQ(contentOf(folder.filePath("target")), "new");
+    ASSERT_TRUE(writePolledFile(folder.filePath("link"), "newer"));
+    EXPECT_EQ(contentOf(folder.filePath("target")), "newer");
     EXPECT_TRUE(QFileInfo(folder.filePath("link")).isSymLink());
+}
+
+// Its reader may be another user's program, and may have the old file open.
+TEST(PolledFile, IsReadableLikeAnyOtherAndReplacesWhatIsBeingRead) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("value");
+    put(path, "old and long");
+    QFile reader(path);
+    ASSERT_TRUE(reader.open(QIODevice::ReadOnly));
+    put(path + '.' + QString::number(getpid()) + ".part", "left by a crash");
+    ASSERT_TRUE(writePolledFile(path, "new"));
+    EXPECT_EQ(reader.readAll(), "old and long");
+    EXPECT_EQ(contentOf(path), "new");
+    put(folder.filePath("other"), "");
+    EXPECT_EQ(QFile::permissions(path), QFile::permissions(folder.filePath("other")));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList({"other", "value"}));
 }
 
 TEST(AvailableMemory, IsTheSmallestOfSystemAndControlGroups) {

@@ -23,7 +23,7 @@ struct Scale {
     int width;
 
     explicit Scale(QSize size)
-        : step((size.height() - 60) / thermometerSteps), width((size.width() - 40) / 8) {}
+        : step((size.height() - 60) / thermometerSteps), width((size.height() - 40) / 8) {}
 
     /// A smaller frame has no room for boxes.
     [[nodiscard]] bool isVisible() const { return step > 0 && width > 0; }

@@ -27,6 +27,8 @@ public:
     [[nodiscard]] const QString& fault() const { return fault_; }
 
 private:
+    /// In the folder, which is made if it is missing.
+    [[nodiscard]] QString pathOf(const QString& fileName) const;
     void note(bool written, const QString& path);
 
     QString folder_;

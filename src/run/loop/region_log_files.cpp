@@ -35,7 +35,7 @@ void RegionLogFiles::writeRTPFile(const QtCortivoDoc& document, const RunSetting
     if (!settings.FeedbackTargetFolder.isEmpty())
         QDir().mkpath(settings.FeedbackTargetFolder);
     // Appears whole, since another program reads it as soon as it is there.
-    (void)writeFileAtomically(
+    (void)writePolledFile(
         paths::join(settings.FeedbackTargetFolder,
                     QStringLiteral("%1-%2.rtp").arg(settings.projectBaseName).arg(volume + 1)),
         timePointText(document.regions, document.volumeTables.condition(volume)));

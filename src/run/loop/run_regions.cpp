@@ -7,6 +7,8 @@
 #include "regions/region_time_courses.h"
 #include "run/loop/run_model.h"
 
+#include <cmath>
+
 namespace {
 
 /// All voxels of a file's regions together, in whole volumes: a few lines of text can ask for
@@ -44,6 +46,13 @@ void computeBetas(const RegionRun& run) {
     DesignMatrix design;
     if (rebuildDesign(design, document, run.settings))
         computeROIBetas(document.regions, design, document.wholeRunModel.isValid());
+}
+
+void updateCurves(const RegionRun& run) {
+    Regions& regions = run.document.regions;
+    for (int i = 0; i < regions.count(); ++i)
+        updateTimeCourse(regions[i], run.document.project, run.nrOfVolumes,
+                         run.requests.regions.BestVoxelSelection);
 }
 
 } // namespace
@@ -88,12 +97,23 @@ void placeSavedRegions(const RegionRun& run, const SavedRegions& saved) {
 }
 
 void updateRegions(const RegionRun& run) {
-    Regions& regions = run.document.regions;
-    if (run.document.multiRunDocument)
+    if (run.document.multiRunDocument || run.document.regions.empty())
         return;
+    updateCurves(run);
+    computeBetas(run);
+}
+
+void updateRegionsRounded(const RegionRun& run) {
+    Regions& regions = run.document.regions;
+    if (run.document.multiRunDocument) {
+        for (int i = 0; i < regions.count(); ++i)
+            regions[i].CurrentTimePoint = -1;
+        return;
+    }
+    updateCurves(run);
     for (int i = 0; i < regions.count(); ++i)
-        updateTimeCourse(regions[i], run.document.project, run.nrOfVolumes,
-                         run.requests.regions.BestVoxelSelection);
+        for (float& value : regions[i].TimeCourseValues)
+            value = std::round(value);
     if (!regions.empty())
         computeBetas(run);
 }

@@ -30,3 +30,6 @@ void placeSavedRegions(const RegionRun& run, const SavedRegions& saved);
 void updateRegions(const RegionRun& run);
 /// The samples in memory have changed: the same, from the changed samples.
 void updateRegionsFromChangedSamples(const RegionRun& run);
+/// As updateRegions(), with each value of a curve rounded to a whole number, half away from zero.
+/// Of several runs, the curves are marked as not valid.
+void updateRegionsRounded(const RegionRun& run);

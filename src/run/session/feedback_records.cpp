@@ -81,6 +81,10 @@ bool isValid(const FeedbackChoices& choices) {
            isWithin(choices.DisplayBaseLevel, 0, thermometerSteps) && choices.NoFbCondition >= -1;
 }
 
+bool isValid(const DelayedFeedbackSettings& settings) {
+    return std::isfinite(settings.ScaleFactor) && delayedFeedbackFault(settings).isEmpty();
+}
+
 } // namespace
 
 QByteArray encodedFeedback(const RecordedFeedback& recorded) {
@@ -106,7 +110,7 @@ std::optional<RecordedFeedback> decodedFeedback(const QByteArray& content) {
     if (delayed)
         passDelayed(decoder, recorded.delayed.emplace());
     if (decoder.bytes.failed() || !isValid(recorded.choices) ||
-        (recorded.delayed && !delayedFeedbackFault(*recorded.delayed).isEmpty()))
+        (recorded.delayed && !isValid(*recorded.delayed)))
         return {};
     return recorded;
 }

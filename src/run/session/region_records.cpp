@@ -48,10 +48,9 @@ void placeRankings(SavedRegions& saved, const std::vector<std::vector<int>>& ran
 QByteArray regionRecord(const OperatorRequests& requests, const Regions& regions) {
     ByteWriter writer;
     const RegionOptions& options = requests.regions;
-    for (const bool flag :
-         {requests.saveRTPs, requests.saveROITimeCourses, requests.saveROIBetaTimeCourses,
-          options.SelectOnlyMapVoxels, options.BestVoxelSelection,
-          options.feedbackMaxima.has_value()})
+    for (const bool flag : {requests.saveRTPs, requests.saveROITimeCourses,
+                            requests.saveROIBetaTimeCourses, options.SelectOnlyMapVoxels,
+                            options.BestVoxelSelection, options.feedbackMaxima.has_value()})
         writer.u8(flag);
     writer.f32(options.TopVoxelRatio);
     writer.i32(options.TopVoxelSelectionMode);

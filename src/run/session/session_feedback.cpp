@@ -240,7 +240,7 @@ void SessionFeedback::updateDelayedFeedback(int volume) {
     const auto region = size_t(choices_.roiMode);
     const double change = choices_.roiMode >= 0 && region < signals.curves.size()
                               ? delayedPercentChange(*delayed_, signals.curves[region],
-                                                     trial->onset, document_->design.hrf)
+                                                     trial->onset, document_->design.hrf, TR())
                               : 0.0;
     const double scaled = change * delayed_->ScaleFactor;
     const bool finite = std::isfinite(scaled);

@@ -104,10 +104,47 @@ std::optional<RegionGLM> SessionRegions::computeROIGLM(int roiIndex,
     return computeRegionGLM(*document_, roiIndex, correctSerialCorrelations, dataFolder_);
 }
 
-void SessionRegions::setLog(bool OperatorRequests::*log, bool on) {
-    parts_.requests.*log = on;
+void SessionRegions::forEachRegion(const std::function<void(RegionOfInterest&)>& change) {
+    for (int i = 0; document_ && i < document_->regions.count(); ++i)
+        change(document_->regions[i]);
+}
+
+// During a run the next volume computes the curves anew.
+void SessionRegions::voxelsInUseChanged() {
+    if (!mayChange())
+        return noteChoices();
+    if (parts_.phase.isIdle())
+        updateRegionsRounded(run());
+    listChanged();
+}
+
+void SessionRegions::enableDynamicROIs(bool on) {
+    parts_.requests.regions.BestVoxelSelection = on;
+    if (!on && parts_.phase.runActive())
+        forEachRegion([](RegionOfInterest& region) { region.SortedVoxelList.clear(); });
+    voxelsInUseChanged();
+}
+
+void SessionRegions::changeBestROIVoxelsRatio(float ratio) {
+    parts_.requests.regions.TopVoxelRatio = ratio;
+    forEachRegion([ratio](RegionOfInterest& region) { region.TopVoxelRatio = ratio; });
+    voxelsInUseChanged();
+}
+
+void SessionRegions::changeTopVoxelSelectionMode(int mode) {
+    parts_.requests.regions.TopVoxelSelectionMode = mode;
+    forEachRegion([mode](RegionOfInterest& region) { region.TopVoxelSelectionMode = mode; });
+    noteChoices();
+}
+
+void SessionRegions::noteChoices() {
     if (document_)
         noteChange();
+}
+
+void SessionRegions::setLog(bool OperatorRequests::*log, bool on) {
+    parts_.requests.*log = on;
+    noteChoices();
 }
 
 void SessionRegions::samplesChanged() {

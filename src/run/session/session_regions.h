@@ -9,6 +9,7 @@
 #include "run/loop/run_regions.h"
 
 #include <QString>
+#include <functional>
 
 struct RunReport;
 class SessionPhase;
@@ -55,6 +56,16 @@ public:
     /// of this number or a model that fits it, and unless the session is idle.
     std::optional<RegionGLM> computeROIGLM(int roiIndex, bool correctSerialCorrelations);
 
+    /// Switches the selection of the best voxels of each region. Off during a run it empties their
+    /// rankings; in an idle session the whole curves are computed anew, each value rounded to a
+    /// whole number, and the listeners hear regionsChanged(). These three may be called at any
+    /// time, and hold for new regions too.
+    void enableDynamicROIs(bool on);
+    /// The share of the voxels that is used, 0 to 1, of every region. Curves as above.
+    void changeBestROIVoxelsRatio(float ratio);
+    /// What voxels are ranked by, in every region: allPredictors, or a condition, from 0. The
+    /// ranking of the next volume goes by it.
+    void changeTopVoxelSelectionMode(int mode);
     /// Switches one of the logs (saveRTPs, saveROITimeCourses, saveROIBetaTimeCourses).
     void setLog(bool OperatorRequests::*log, bool on);
     /// The volumes in memory have changed, by post-processing.
@@ -71,6 +82,10 @@ private:
     [[nodiscard]] RegionRun run() const;
     void noteChange();
     void listChanged();
+    void voxelsInUseChanged();
+    /// Records the choices if there is a run for them.
+    void noteChoices();
+    void forEachRegion(const std::function<void(RegionOfInterest&)>& change);
     void loadSaved();
 
     Parts parts_;

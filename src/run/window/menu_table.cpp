@@ -139,7 +139,7 @@ constexpr MenuEntry entries[] = {
     {.menu = "&Analysis", .text = "RFE Training...", .slot = &Window::onRFEDlg, .phase = Later, .toolTip = laterClassification},
     {.menu = "&Analysis", .text = "Real-Time SVM Classification...", .slot = &Window::onRealTimeSVMClassification, .phase = Later, .endsSection = separator, .toolTip = laterClassification},
     {.menu = "&Analysis", .text = "Post-Processing...", .slot = &Window::slotPostProcessData, .phase = Idle, .possible = runInMemory, .endsSection = separator},
-    {.menu = "&Analysis", .text = "Neurofeedback... ", .slot = &Window::slotShowNeurofeedbackDlg, .phase = Later, .toolTip = "Neurofeedback comes in a later version"},
+    {.menu = "&Analysis", .text = "Neurofeedback... ", .slot = &Window::slotShowNeurofeedbackDlg, .toolTip = "What the subject sees of the signal of regions"},
     {.menu = "&Analysis", .text = "BOLD Decoder... ", .slot = &Window::slotShowBOLDDecoder, .phase = Later, .endsSection = separator, .toolTip = "The letter decoder comes in a later version"},
     {"&Analysis", "Load ROIs...", &Window::slotLoadROIs, Always, regionsMayChange},
     {"&Analysis", "Save ROIs...", &Window::slotSaveROIs, Always, regionsExist},

@@ -4,6 +4,7 @@
 #include "dialogs/appearance.h"
 #include "dialogs/progress_boxes.h"
 #include "display/waiting_notice.h"
+#include "feedback/ui/neurofeedback_dialog.h"
 #include "regions/ui/roi_glm_dialog.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/ui/response_plot_dialog.h"
@@ -44,7 +45,9 @@ VeloCortivo::VeloCortivo(const StandardFolders& folders, EventPump& pump)
 
 VeloCortivo::~VeloCortivo() {
     qApp->removeEventFilter(this);
-    session_.listeners.documentsLeaving(); // views go before the documents that they show
+    // Views go before the documents that they show, dialogs before the session that they work on.
+    session_.listeners.documentsLeaving();
+    qDeleteAll(findChildren<QDialog*>(Qt::FindDirectChildrenOnly));
     setProgramAccess(nullptr);
 }
 
@@ -288,6 +291,10 @@ void VeloCortivo::slotReplayRun() {
 
 void VeloCortivo::slotROIGLM() {
     openROIGLMDialog(session_, *this);
+}
+
+void VeloCortivo::slotShowNeurofeedbackDlg() {
+    openNeurofeedbackDialog(session_, *this);
 }
 
 void VeloCortivo::slotPostProcessData() {

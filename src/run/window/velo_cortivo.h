@@ -136,6 +136,7 @@ public Q_SLOTS:
     void slotSwitchAveragingType();
     void slotUpdateShowROIGLMBetaPlots() { timeCourses_->onShowTCsAndBetas(); }
     void slotROIGLM();
+    void slotShowNeurofeedbackDlg();
     void slotShowROIVoxels() { onShowROIsAsRectanglesAndMarkedVoxels(); }
     void slotShowMotionPlot();
     void slotShowResponsePlot();
@@ -165,7 +166,6 @@ public Q_SLOTS:
     void onOfflineSVMDlg() { tellLater("SVM Training..."); }
     void onRFEDlg() { tellLater("RFE Training..."); }
     void onRealTimeSVMClassification() { tellLater("Real-Time SVM Classification..."); }
-    void slotShowNeurofeedbackDlg() { tellLater("Neurofeedback... "); }
     void slotShowBOLDDecoder() { tellLater("BOLD Decoder... "); }
     void slotSwitchToEPI3DView() { tellLater("Volume View"); }
     void slotSwitchToVMRView() { tellLater("Anatomical Volume View"); }

@@ -120,8 +120,8 @@ TEST_F(SessionFeedbackTest, WithoutAScreenNothingIsWrittenAndWhatCanNotBeWritten
 
 TEST_F(SessionFeedbackTest, TheTypeDecidesWhichFilesAreWritten) {
     session.feedback.open(screen_);
-    session.feedback.setDelayed({.condition = 1, .BaselineFrom = -3, .ModulationTo = 3,
-                                 .UpdateFeedbackFile = 4});
+    session.feedback.setDelayed(
+        {.condition = 1, .BaselineFrom = -3, .ModulationTo = 3, .UpdateFeedbackFile = 4});
     screen_.whenShown = [this](int volume) {
         constexpr FeedbackType types[] = {FeedbackType::Delayed, FeedbackType::PongSubject1,
                                           FeedbackType::TimeCourse, FeedbackType::PongSubject2};
