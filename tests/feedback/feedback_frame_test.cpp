@@ -71,8 +71,9 @@ TEST(FeedbackFramePainting, BoxesLevelsBaseLineAndTargetStandWhereTheyBelong) {
     empty.levelsShown = false;
     FeedbackFrame arrow = thermometerFrame({{0, 7}}, 0);
     arrow.arrowMode = arrow.arrowShown = true;
-    FeedbackFrame hiddenArrow = arrow;
+    FeedbackFrame hiddenArrow = arrow, curve = arrow;
     hiddenArrow.arrowShown = false;
+    curve.kind = Kind::TimeCourse;
     const QSize small(400, 300); // boxes of 45 x 24, the left edge at 178
     const QSize odd(643, 487);   // 75 x 42, at 284, or 177 and 391
     const QSize large(900, 700); // 107 x 64, at 397, or 247 and 547
@@ -129,13 +130,7 @@ TEST(FeedbackFramePainting, BoxesLevelsBaseLineAndTargetStandWhereTheyBelong) {
          "169,95 y; 171,95 k; 163,89 y; 163,101 y; 161,99 k; 150,92 y; 150,97 y; 150,89 k;"
          "150,101 k; 135,95 y; 132,95 k; 200,84 k; 200,83 w"},
         {"no arrow", small, hiddenArrow, "165,95 k; 200,83 w"},
-        {"curve", small,
-         [] {
-             FeedbackFrame frame;
-             frame.kind = Kind::TimeCourse;
-             return frame;
-         }(),
-         "0,0 k; 200,11 k; 399,299 k"},
+        {"curve", small, curve, "0,0 k; 200,11 k; 399,299 k"},
         {"idle", small, {}, "0,0 b; 200,11 b; 399,299 b"},
     };
     for (const Case& c : cases)
@@ -235,8 +230,7 @@ TEST(FeedbackFrame, TheInstructionStandsForOneVolumeBeforeItsCondition) {
     const QStringList names = {"Rest", "Press_Left_Hand_3_4", "Press_Left_3"};
     const QStringList expected = {"", "Press Left Hand", "", "Rest", "Press", "", ""};
     FeedbackChoices choices;
-    FeedbackValues values;
-    values.live = true;
+    FeedbackValues values{.live = true};
     const auto instruction = [&](int volume) {
         values.volume = volume;
         return feedbackFrame(values, choices, tables, names).instruction;
@@ -253,16 +247,14 @@ TEST(FeedbackFrame, TheInstructionStandsForOneVolumeBeforeItsCondition) {
 }
 
 TEST(FeedbackFrame, TheNumbersOfOneAndOfTwoThermometers) {
-    FeedbackValues values;
-    values.live = true;
-    values.Baseline1 = 1000.25f;
-    values.Baseline2 = 0.0f;
-    values.CurValue1 = 1234567.0f;
-    values.CurValue2 = 12.5f;
-    values.FbLevel1 = -3;
-    values.FbLevel2 = 12;
-    values.TargetLevel = 7;
-    values.TargetLevel2 = -99;
+    FeedbackValues values{.live = true,
+                          .CurValue1 = 1234567.0f,
+                          .CurValue2 = 12.5f,
+                          .Baseline1 = 1000.25f,
+                          .FbLevel1 = -3,
+                          .FbLevel2 = 12,
+                          .TargetLevel = 7,
+                          .TargetLevel2 = -99};
     FeedbackChoices choices;
     EXPECT_EQ(feedbackFrame(values, choices, {}, {}).values, QStringList());
     choices.ShowValues = true;
@@ -273,6 +265,10 @@ TEST(FeedbackFrame, TheNumbersOfOneAndOfTwoThermometers) {
     EXPECT_EQ(feedbackFrame(values, choices, {}, {}).values,
               QStringList({"Baselines: 1000.25 0", "CurValues: 1.23457e+06 12.5",
                            "FbLevels:  -3 12", "TrgLevels: 7 -99"}));
+    values.pair = false;
+    values.classifier = true;
+    EXPECT_EQ(feedbackFrame(values, choices, {}, {}).values,
+              QStringList({"Baseline: 0", "CurValue: 1.23457e+06", "FbLevel:  -3", "TrgLevel: 0"}));
 }
 
 TEST(FeedbackCurve, IsOfOneRegionOrTheMeanUpToTheCurrentVolume) {

@@ -34,11 +34,11 @@ TEST(FeedbackFiles, TheFirstTrialReplacesTheFileAndTheOthersAreAppended) {
     FeedbackFiles files;
     files.begin(folder.path(), "run");
     EXPECT_TRUE(files.appendTrial("trials.txt", 3, 0.5));
-    EXPECT_EQ(contentOf(path), "of an earlier run\n" + delayedFeedbackLine(3, 0.5));
+    EXPECT_EQ(contentOf(path), "of an earlier run\n" + delayedFeedbackLine(4, 0.5));
     EXPECT_TRUE(files.appendTrial("trials.txt", 0, -2.0));
-    EXPECT_EQ(contentOf(path), delayedFeedbackLine(0, -2.0));
+    EXPECT_EQ(contentOf(path), delayedFeedbackLine(1, -2.0));
     EXPECT_TRUE(QFile::remove(path) && files.appendTrial("trials.txt", 1, 1.0));
-    EXPECT_EQ(contentOf(path), delayedFeedbackLine(1, 1.0));
+    EXPECT_EQ(contentOf(path), delayedFeedbackLine(2, 1.0));
 }
 
 TEST(FeedbackFiles, AFolderThatCanNotBeIsAFaultAndNothingElse) {
