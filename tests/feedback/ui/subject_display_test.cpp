@@ -40,7 +40,7 @@ TEST_F(SubjectScreen, IsChosenAmongTheOthersThanTheOperators) {
     ASSERT_EQ(QGuiApplication::screens().size(), 2);
     const auto* model = qobject_cast<QStandardItemModel*>(box().model());
     ASSERT_EQ(box().count(), 4);
-    EXPECT_EQ(box().itemText(3), "Screen 2: Beam, 800 x 600");
+    EXPECT_EQ(box().itemText(3), "Screen 2: Scanner, 800 x 600");
     EXPECT_FALSE(model->item(2)->isEnabled());
     EXPECT_TRUE(model->item(2)->toolTip().contains("main window"));
     EXPECT_FALSE(display().isVisible());
@@ -71,17 +71,17 @@ TEST_F(SubjectScreen, KeepsTheRatioOfThePicture) {
 
 TEST_F(SubjectScreen, SurvivesToBeUnplugged) {
     choose(3);
-    QScreen* const beam = screen(1);
-    Q_EMIT qApp->screenRemoved(beam);
+    QScreen* const scanner = screen(1);
+    Q_EMIT qApp->screenRemoved(scanner);
     EXPECT_FALSE(display().isVisible());
-    EXPECT_EQ(box().currentText(), "Screen unplugged: Beam");
-    Q_EMIT qApp->screenAdded(beam);
+    EXPECT_EQ(box().currentText(), "Screen unplugged: Scanner");
+    Q_EMIT qApp->screenAdded(scanner);
     EXPECT_TRUE(display().isVisible());
-    EXPECT_EQ(display().geometry(), beam->geometry());
-    EXPECT_EQ(box().currentText(), "Screen 2: Beam, 800 x 600");
+    EXPECT_EQ(display().geometry(), scanner->geometry());
+    EXPECT_EQ(box().currentText(), "Screen 2: Scanner, 800 x 600");
     const_cast<SubjectDisplay&>(display()).setGeometry(1024, 0, 300, 300);
-    Q_EMIT beam->geometryChanged(beam->geometry());
-    EXPECT_EQ(display().geometry(), beam->geometry());
+    Q_EMIT scanner->geometryChanged(scanner->geometry());
+    EXPECT_EQ(display().geometry(), scanner->geometry());
     // The operator's own screen goes: what is left is needed.
     Q_EMIT qApp->screenRemoved(screen(0));
     EXPECT_FALSE(display().isVisible());
