@@ -98,7 +98,7 @@ TEST(FeedbackFramePainting, BoxesLevelsBaseLineAndTargetStandWhereTheyBelong) {
          "200,104 g; 200,80 k;"
          "200,62 k; 200,200 k;"
          // Base line.
-         "177,179 k; 178,179 o; 222,179 o; 223,179 k; 200,178 o; 200,180 o; 200,181 k;"
+         "177,179 k; 178,179 o; 222,179 o; 174,179 k; 226,179 k; 200,178 o; 200,180 o; 200,181 k;"
          // Target.
          "200,57 k; 200,58 r; 200,59 r; 200,60 r; 200,61 k; 200,82 r; 200,83 r; 183,71 r; 185,71 r;"
          "186,71 k; 215,71 r; 217,71 r; 218,71 k"},
@@ -110,14 +110,14 @@ TEST(FeedbackFramePainting, BoxesLevelsBaseLineAndTargetStandWhereTheyBelong) {
         {"far above and below", large, thermometerFrame({{99, -99}, {-99, 1}}, 3),
          "300,13 k; 300,14 g; 300,491 k; 300,78 g; 300,20 g; 300,480 k; 600,30 k; 600,465 g;"
          "600,590 g; 600,648 g; 600,649 k; 600,440 k; 258,40 w; 259,40 w; 341,40 w; 260,40 k; "
-         "558,40 w; 641,40 w; 255,459 o; 346,459 o; 555,459 o; 646,459 o; 600,587 r; 600,651 r; "
-         "300,587 w;"
+         "558,40 w;"
+         "641,40 w; 255,459 o; 346,459 o; 555,459 o; 646,459 o; 600,587 r; 600,651 r; 300,587 w;"
          "559,620 r; 899,300 w; 450,300 k"},
         {"whole scale below", small, thermometerFrame({{-1, 0}}, 10),
          "200,11 o; 200,14 g; 200,32 g; 200,35 w; 200,47 k"},
         {"nothing above the top", small, thermometerFrame({{5, 0}}, 10), "200,20 k; 200,11 o"},
         {"no base line", small, thermometerFrame({{1, 0}}, 0),
-         "181,251 k; 200,251 w; 200,230 g; 200,248 g; 200,249 k; 200,210 k"},
+         "176,251 k; 200,251 w; 200,230 g; 200,248 g; 200,249 k; 200,210 k"},
         {"level 0", small, thermometerFrame({{0, 0}}, 5), "200,140 k; 200,120 k; 200,131 o"},
         {"no level shown", small, empty, "200,166 k; 200,95 k; 200,179 o; 200,59 r; 200,155 w"},
         {"second of a pair", odd, thermometerFrame({{0, 3}, {2, 0}}, 0),
@@ -130,7 +130,7 @@ TEST(FeedbackFramePainting, BoxesLevelsBaseLineAndTargetStandWhereTheyBelong) {
         {"arrow", small, arrow,
          "175,95 y; 177,95 k; 169,89 y; 169,101 y; 167,99 k; 156,92 y; 156,97 y; 156,89 k;"
          "156,101 k; 140,95 y; 139,95 k; 200,84 k; 200,83 w"},
-        {"no arrow", small, hiddenArrow, "171,95 k; 200,83 w"},
+        {"no arrow", small, hiddenArrow, "165,95 k; 200,83 w"},
         {"curve", small, curve, "0,0 k; 200,11 k; 399,299 k"},
         {"idle", small, {}, "0,0 b; 200,11 b; 399,299 b"},
     };
