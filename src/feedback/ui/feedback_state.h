@@ -5,6 +5,6 @@
 #include "run/session/session_feedback.h"
 
 /// What the display lacks, or what it shows now, in one or two lines. `forecast` says from which
-/// volume on there will be feedback; it is asked and added where there is none yet.
+/// volume on there will be feedback; it is asked for where there is none yet.
 [[nodiscard]] QString feedbackStateText(const SessionFeedback& feedback,
                                         const std::function<QString()>& forecast);

@@ -35,8 +35,8 @@ NeurofeedbackDlg::NeurofeedbackDlg(RunSession& session, QWidget& window)
               ui_->m_UseTC1And2And3};
     types_ = {ui_->m_FeedbackBar, ui_->m_FeedbackTimeCourse, ui_->m_FeedbackPongSubject1,
               ui_->m_FeedbackPongSubject2, ui_->DelayedFeedbackOp};
-    // Two lines, so that nothing moves when the text changes.
-    ui_->FeedbackStateLbl->setMinimumHeight(2 * fontMetrics().lineSpacing());
+    // Always two lines: the picture must not change its size when the text does.
+    ui_->FeedbackStateLbl->setFixedHeight(2 * fontMetrics().lineSpacing());
     connectModes();
     connectTypes();
     connectScale();
@@ -182,11 +182,14 @@ void NeurofeedbackDlg::refreshBaseline() {
 
 void NeurofeedbackDlg::refreshState() {
     const SessionFeedback& feedback = session_.feedback;
+    QString reasons = "What the display lacks, or what it shows now";
     ui_->FeedbackStateLbl->setText(feedbackStateText(feedback, [&] {
-        return forecastFeedback(feedback.choices(), currentProtocol(), feedback.nrOfVolumes(),
-                                feedback.TR())
-            .text;
+        reasons = forecastFeedback(feedback.choices(), currentProtocol(), feedback.nrOfVolumes(),
+                                   feedback.TR())
+                      .text;
+        return reasons.section('\n', 0, 0);
     }));
+    ui_->FeedbackStateLbl->setToolTip(reasons);
 }
 
 const StimulationProtocol& NeurofeedbackDlg::currentProtocol() const {
