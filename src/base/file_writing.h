@@ -13,8 +13,8 @@ class QSaveFile;
 [[nodiscard]] bool writeFileAtomically(const QString& path, const QByteArray& content);
 
 /// The same for a file that another program polls during a run: it appears whole or not at all, but
-/// its data are not forced to the disk. That takes tens of milliseconds, and after a power cut
-/// nobody polls any more.
+/// its data are not forced to the disk. That can take tens of milliseconds on a busy one, and after
+/// a power cut nobody polls any more.
 [[nodiscard]] bool writePolledFile(const QString& path, const QByteArray& content);
 
 /// Appends to a log and flushes it, or with `create` replaces it. False when that fails, or when

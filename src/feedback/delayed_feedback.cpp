@@ -65,7 +65,7 @@ QString protocolFault(const PRTParsing& parsing, const StimulationProtocol& prot
 } // namespace
 
 int firstTrialCondition(int nrOfConditions) {
-    return nrOfConditions > 1 ? 1 : nrOfConditions - 1;
+    return std::min(nrOfConditions, 2) - 1;
 }
 
 void fitWindowToCondition(DelayedFeedbackSettings& settings, const ProtocolCondition& condition,

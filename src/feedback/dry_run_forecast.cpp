@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "feedback/dry_run.h"
+#include "feedback/feedback_baseline.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr int blocksAreFoundFrom = 6; // index of the volume
 constexpr int mostListed = 4;
 
 /// Volumes from first to last, from 0.
@@ -106,7 +106,7 @@ Forecast passedThrough(const FeedbackChoices& choices, const StimulationProtocol
 
 /// Whether a block gives a baseline the levels have said; this only names the reason.
 QString whyNoBaseline(const Block& block, int nrOfVolumes) {
-    if (block.volumes.first < blocksAreFoundFrom)
+    if (block.volumes.first < firstBaselineVolume)
         return "a block that starts within the first six volumes is never found";
     if (block.known < firstLiveVolume)
         return "it is over before the first feedback";
@@ -171,8 +171,9 @@ QStringList baselineText(const Forecast& forecast) {
         return forecast.at(volume).live && forecast.at(volume).source == BaselineSource::Current;
     });
     if (!current.empty())
-        lines << QString("The level stays at 0 for %1, each of which is its own baseline.")
-                     .arg(volumesText(current.front()));
+        lines << QString("Until a block has ended the baseline is the signal of one volume, the "
+                         "latest one up to volume %1.")
+                     .arg(firstBaselineVolume + forecast.choices.BaselineEndShift);
     if (forecast.choices.UseTCGLMB0ForBaseline) {
         const auto fitted =
             std::find_if(forecast.volumes.begin(), forecast.volumes.end(), hasBaseline);

@@ -6,17 +6,17 @@
 
 namespace {
 
-ROIsOfMode roisInUse(const FeedbackSignals& signals, const FeedbackChoices& choices) {
+/// Without a mode all three.
+ROIsOfMode roisInUse(const FeedbackChoices& choices) {
     const ROIsOfMode rois = roisOfMode(choices.roiMode);
-    const bool missing = rois.count == 1 && size_t(rois.region[0]) >= signals.curves.size();
-    return rois.count == 0 || missing ? roisOfMode(useROI1And2And3) : rois;
+    return rois.count > 0 ? rois : roisOfMode(useROI1And2And3);
 }
 
 /// `valueOf` gives the value of a region, 0 where there is none.
 template<typename ValueOf>
 SignalPair combined(const FeedbackSignals& signals, const FeedbackChoices& choices,
                     const ValueOf& valueOf) {
-    const ROIsOfMode rois = roisInUse(signals, choices);
+    const ROIsOfMode rois = roisInUse(choices);
     const auto count = size_t(rois.count);
     if (showsPair(choices))
         return {valueOf(size_t(rois.region[0])), valueOf(size_t(rois.region[1]))};

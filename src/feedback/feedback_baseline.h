@@ -11,8 +11,8 @@ struct SignalPair {
 };
 
 /// The signal of the chosen regions at a volume: the two of a pair of thermometers, else the value
-/// of the region or the mean of two or three. A single mode whose region isn't there, and no mode,
-/// count as all three. What isn't there is 0, as is a mean that misses a region.
+/// of the region or the mean of two or three; of all three without a mode. What isn't there is 0,
+/// as is a mean that misses a region.
 [[nodiscard]] SignalPair signalAt(const FeedbackSignals& signals, const FeedbackChoices& choices,
                                   int volume);
 

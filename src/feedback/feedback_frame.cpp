@@ -34,6 +34,10 @@ QString instructionAt(int volume, const VolumeTables& tables, const QStringList&
 }
 
 QStringList valueLines(const FeedbackValues& values) {
+    if (values.classifier) // what is left of the regions' feedback says nothing here
+        return {QStringLiteral("Baseline: 0"),
+                QStringLiteral("CurValue: %1").arg(double(values.CurValue1)),
+                QStringLiteral("FbLevel:  %1").arg(values.FbLevel1), QStringLiteral("TrgLevel: 0")};
     if (!values.pair)
         return {QStringLiteral("Baseline: %1").arg(double(values.Baseline1)),
                 QStringLiteral("CurValue: %1").arg(double(values.CurValue1)),

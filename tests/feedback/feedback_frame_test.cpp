@@ -71,8 +71,9 @@ TEST(FeedbackFramePainting, BoxesLevelsBaseLineAndTargetStandWhereTheyBelong) {
     empty.levelsShown = false;
     FeedbackFrame arrow = thermometerFrame({{0, 7}}, 0);
     arrow.arrowMode = arrow.arrowShown = true;
-    FeedbackFrame hiddenArrow = arrow;
+    FeedbackFrame hiddenArrow = arrow, curve = arrow;
     hiddenArrow.arrowShown = false;
+    curve.kind = Kind::TimeCourse;
     const QSize small(400, 300); // boxes of 45 x 24, the left edge at 178
     const QSize odd(643, 487);   // 75 x 42, at 284, or 177 and 391
     const QSize large(900, 700); // 107 x 64, at 397, or 247 and 547
@@ -93,10 +94,11 @@ TEST(FeedbackFramePainting, BoxesLevelsBaseLineAndTargetStandWhereTheyBelong) {
          "200,250 w; 200,251 w; 200,252 k;"
          // Four boxes from the base line at 179.
          "200,157 k; 200,158 g; 200,176 g; 200,177 k; 179,166 k; 180,166 g; 219,166 g; 220,166 k;"
-         "200,156 w; 200,155 w; 200,154 w; 200,153 k; 200,85 k; 200,86 g; 200,104 g; 200,80 k;"
+         "200,156 w; 200,155 w; 200,154 w; 200,153 k; 200,132 w; 200,133 k; 200,85 k; 200,86 g; "
+         "200,104 g; 200,80 k;"
          "200,62 k; 200,200 k;"
          // Base line.
-         "172,179 o; 229,179 o; 168,179 k; 233,179 k; 200,178 o; 200,180 o; 200,181 k;"
+         "171,179 k; 172,179 o; 229,179 o; 168,179 k; 233,179 k; 200,178 o; 200,180 o; 200,181 k;"
          // Target.
          "200,57 k; 200,58 r; 200,59 r; 200,60 r; 200,61 k; 200,82 r; 200,83 r; 177,71 r; 179,71 r;"
          "180,71 k; 222,71 r; 224,71 r; 225,71 k"},
@@ -127,15 +129,9 @@ TEST(FeedbackFramePainting, BoxesLevelsBaseLineAndTargetStandWhereTheyBelong) {
         // Head of 8 pixels from the tip at 170, 95; a shaft of 8 that ends 36 behind the tip.
         {"arrow", small, arrow,
          "169,95 y; 171,95 k; 163,89 y; 163,101 y; 161,99 k; 150,92 y; 150,97 y; 150,89 k;"
-         "150,101 k; 135,95 y; 132,95 k; 200,84 k; 200,83 w"},
+         "150,101 k; 134,95 y; 133,95 k; 200,84 k; 200,83 w"},
         {"no arrow", small, hiddenArrow, "165,95 k; 200,83 w"},
-        {"curve", small,
-         [] {
-             FeedbackFrame frame;
-             frame.kind = Kind::TimeCourse;
-             return frame;
-         }(),
-         "0,0 k; 200,11 k; 399,299 k"},
+        {"curve", small, curve, "0,0 k; 200,11 k; 399,299 k"},
         {"idle", small, {}, "0,0 b; 200,11 b; 399,299 b"},
     };
     for (const Case& c : cases)
@@ -230,13 +226,12 @@ TEST(FeedbackFrame, ShowsWhatTheChoicesAndTheVolumeAskFor) {
 
 TEST(FeedbackFrame, TheInstructionStandsForOneVolumeBeforeItsCondition) {
     VolumeTables tables;
-    tables.VolumeConditionIndex = {0, 0, 1, 1, 0, 2, 3};
+    tables.VolumeConditionIndex = {0, 1, 1, 1, 0, 2, 3};
     tables.VolumeTablesReady = true;
     const QStringList names = {"Rest", "Press_Left_Hand_3_4", "Press_Left_3"};
-    const QStringList expected = {"", "Press Left Hand", "", "Rest", "Press", "", ""};
+    const QStringList expected = {"Press Left Hand", "", "", "Rest", "Press", "", ""};
     FeedbackChoices choices;
-    FeedbackValues values;
-    values.live = true;
+    FeedbackValues values{.live = true};
     const auto instruction = [&](int volume) {
         values.volume = volume;
         return feedbackFrame(values, choices, tables, names).instruction;
@@ -246,23 +241,21 @@ TEST(FeedbackFrame, TheInstructionStandsForOneVolumeBeforeItsCondition) {
     EXPECT_EQ(instruction(-1), "");
     EXPECT_EQ(instruction(100), "");
     choices.ShowConditionNameAsInstruction = false;
-    EXPECT_EQ(instruction(1), "");
+    EXPECT_EQ(instruction(0), "");
     choices.ShowConditionNameAsInstruction = true;
     tables.VolumeTablesReady = false;
-    EXPECT_EQ(instruction(1), "");
+    EXPECT_EQ(instruction(0), "");
 }
 
 TEST(FeedbackFrame, TheNumbersOfOneAndOfTwoThermometers) {
-    FeedbackValues values;
-    values.live = true;
-    values.Baseline1 = 1000.25f;
-    values.Baseline2 = 0.0f;
-    values.CurValue1 = 1234567.0f;
-    values.CurValue2 = 12.5f;
-    values.FbLevel1 = -3;
-    values.FbLevel2 = 12;
-    values.TargetLevel = 7;
-    values.TargetLevel2 = -99;
+    FeedbackValues values{.live = true,
+                          .CurValue1 = 1234567.0f,
+                          .CurValue2 = 12.5f,
+                          .Baseline1 = 1000.25f,
+                          .FbLevel1 = -3,
+                          .FbLevel2 = 12,
+                          .TargetLevel = 7,
+                          .TargetLevel2 = -99};
     FeedbackChoices choices;
     EXPECT_EQ(feedbackFrame(values, choices, {}, {}).values, QStringList());
     choices.ShowValues = true;
@@ -273,6 +266,10 @@ TEST(FeedbackFrame, TheNumbersOfOneAndOfTwoThermometers) {
     EXPECT_EQ(feedbackFrame(values, choices, {}, {}).values,
               QStringList({"Baselines: 1000.25 0", "CurValues: 1.23457e+06 12.5",
                            "FbLevels:  -3 12", "TrgLevels: 7 -99"}));
+    values.pair = false;
+    values.classifier = true;
+    EXPECT_EQ(feedbackFrame(values, choices, {}, {}).values,
+              QStringList({"Baseline: 0", "CurValue: 1.23457e+06", "FbLevel:  -3", "TrgLevel: 0"}));
 }
 
 TEST(FeedbackCurve, IsOfOneRegionOrTheMeanUpToTheCurrentVolume) {

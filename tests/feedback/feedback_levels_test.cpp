@@ -83,24 +83,26 @@ void choose(FeedbackChoices& choices, const QByteArray& name, const QByteArray& 
         choices.MaxPSC.at(size_t(name.back() - '1')) = value.toFloat();
 }
 
-void expectNear(float value, const QByteArray& expected, const char* name) {
-    EXPECT_NEAR(value, expected.toFloat(), 1e-5f * std::abs(expected.toFloat()) + 1e-7f) << name;
-}
-
 void expectRow(const RecordedRun& run, const Cells& expected) {
     static const char* const sources[] = {"none", "current", "block", "model"};
     const FeedbackValues& values = run.levels.values();
-    EXPECT_EQ(values.noFeedback, expected[0] == "1");
-    EXPECT_EQ(values.FbLevel1, expected[1].toInt());
-    EXPECT_EQ(values.FbLevel2, expected[2].toInt());
-    expectNear(values.RelativeLevel, expected[3], "relative level");
-    EXPECT_EQ(values.TargetLevel, expected[4].toInt());
-    EXPECT_EQ(values.TargetLevel2, expected[5].toInt());
-    expectNear(values.Baseline1, expected[6], "baseline 1");
-    expectNear(values.Baseline2, expected[7], "baseline 2");
-    EXPECT_STREQ(sources[int(values.source)], expected[8]);
-    for (qsizetype i = 0; i < 3; ++i)
-        expectNear(run.choices.MaxPSC[size_t(i)], expected[9 + i], "maximum");
+    EXPECT_EQ(values.computed, run.choices.type != FeedbackType::TimeCourse);
+    EXPECT_FALSE(values.classifier);
+    EXPECT_EQ(values.noFeedback, expected[2] == "1");
+    EXPECT_EQ(values.FbLevel1, expected[3].toInt());
+    EXPECT_EQ(values.FbLevel2, expected[4].toInt());
+    EXPECT_EQ(values.TargetLevel, expected[6].toInt());
+    EXPECT_EQ(values.TargetLevel2, expected[7].toInt());
+    EXPECT_STREQ(sources[int(values.source)], expected[10]);
+    const std::array<float, 3>& maxima = run.choices.MaxPSC;
+    const std::pair<float, qsizetype> reals[] = {{values.CurValue1, 0},     {values.CurValue2, 1},
+                                                 {values.RelativeLevel, 5}, {values.Baseline1, 8},
+                                                 {values.Baseline2, 9},     {maxima[0], 11},
+                                                 {maxima[1], 12},           {maxima[2], 13}};
+    for (const auto& [value, column] : reals) {
+        const float wanted = expected[column].toFloat();
+        EXPECT_NEAR(value, wanted, 1e-5f * std::abs(wanted) + 1e-7f) << column;
+    }
 }
 
 void passVolume(RecordedRun& run, const Cells& cells, float TR) {
@@ -234,7 +236,9 @@ TEST(FeedbackLevels, TheClassifiersFirstPairFillsTheScale) {
         FeedbackLevels levels;
         EXPECT_EQ(levels.update(&classifier, choices).FbLevel1, each.level);
         EXPECT_EQ(classifier.pairs, each.pairs);
-        EXPECT_TRUE(levels.values().live && levels.values().classifier);
+        const FeedbackValues& values = levels.values();
+        EXPECT_TRUE(values.live && values.classifier && values.computed);
+        EXPECT_TRUE(each.level == 0 || values.CurValue1 == each.value);
     }
     FeedbackLevels levels;
     EXPECT_EQ(levels.update(nullptr, FeedbackChoices()).FbLevel1, 0);

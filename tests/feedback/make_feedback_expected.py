@@ -9,8 +9,9 @@ run         name, volumes, regions, TR (ms), unit (1 volumes, 2 ms), confounds, 
 condition   name, then first and last of each interval
 choice      volume, field, value: chosen before this volume is computed
 constant    volume, region, value of the model's constant from then on
-volume      signals, "|", then from volume 10 on: suppressed, level 1, level 2, relative level,
-            target 1, target 2, baseline 1, baseline 2, its source, maximum 1, 2, 3
+volume      signals, "|", then from volume 10 on: signal 1, signal 2, suppressed, level 1,
+            level 2, relative level, target 1, target 2, baseline 1, baseline 2, its source,
+            maximum 1, 2, 3
 """
 import numpy
 
@@ -200,6 +201,7 @@ class Display:
             shift = "NoFbStartShift" if self.condition[t] == quiet else "NoFbStopShift"
             self.suppressed = int(self.condition[t - c[shift]] == quiet)
         current = [F(x) for x in self.signal(t)]
+        self.current = current
         if c["type"] == 1:
             return
         self.find_baseline(t, mode_changed, current)
@@ -211,7 +213,8 @@ class Display:
         (self.pair_levels if pair else self.single_level)(t, current, steps, spin)
 
     def row(self):
-        numbers = [self.suppressed, *self.level, f"{self.relative:.7g}", *self.target,
+        numbers = [*(f"{x:.8g}" for x in self.current), self.suppressed, *self.level,
+                   f"{self.relative:.7g}", *self.target,
                    f"{self.baseline[0]:.8g}", f"{self.baseline[1]:.8g}", self.source,
                    *(f"{m:.7g}" for m in self.maximum)]
         return "\t".join(str(x) for x in numbers)
@@ -258,7 +261,7 @@ RUNS = [
     ("all three", TARGETS, 8, {0: {"roiMode": 6, "MaxPSC1": 1, "MaxPSC3": 4.3}}),
     ("pair 1 2", TARGETS, 9, {0: {"roiMode": 3, "VisualizeROIs": 1, "MaxPSC2": 3}}),
     ("pair 1 3, no mean", TARGETS, 10, {0: {"roiMode": 4, "VisualizeROIs": 1, "NrOfPastValues": 1},
-                                        45: {"NrOfPastValues": 3}}),
+                                        45: {"NrOfPastValues": 2}}),
     ("pair 2 3, base 5", TARGETS, 11, {0: {"roiMode": 5, "VisualizeROIs": 1,
                                            "DisplayBaseLevel": 5}}),
     ("visualized triple", REST, 12, {0: {"roiMode": 6, "VisualizeROIs": 1}}),

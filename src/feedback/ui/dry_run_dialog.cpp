@@ -4,8 +4,7 @@
 #include "base/paths.h"
 #include "dialogs/appearance.h"
 #include "dialogs/dialog_setup.h"
-#include "display/plots/plot_drawing.h"
-#include "regions/ui/region_plot_content.h"
+#include "feedback/ui/feedback_curve_painting.h"
 #include "ui_dry_run_dialog.h"
 
 #include <QFileInfo>
@@ -13,33 +12,18 @@
 
 namespace {
 
-/// The curve as the plot of the region shows its time course.
-PlotContent curveContent(const FeedbackDryRun& run, const StimulationProtocol& protocol, float TR,
-                         const RegionColorTable& colors) {
-    const FeedbackCurve curve = feedbackCurve(run.signalsNow(), run.choices().roiMode);
-    RegionOfInterest region;
-    region.TimeCourseValues = curve.values;
-    const int last = std::min(run.volume(), int(curve.values.size()) - 1);
-    region.TimeCourseValues.resize(size_t(run.nrOfVolumes()));
-    const QColor color = toQColor(regionColor(colors, curve.region));
-    return timeCourseContent({region, curve.region, color, last, 0}, protocol, TR, {}, {});
-}
-
-void paintPlot(QPainter& painter, QSize size, const PlotContent& content) {
-    const QRectF area(QPointF(), size);
-    const PlotLayout layout =
-        layOutPlot(area, content, {wholeXRange(content), wholeYRange(content)}, painter.font());
-    paintPlotGround(painter, area, content, layout);
-    paintPlotValues(painter, content, layout);
-}
-
 SubjectPicture pictureOf(const FeedbackDryRun& run, QSize size, const StimulationProtocol& protocol,
                          const RunSession& session) {
     SubjectPicture picture{run.frame(), size, {}};
-    if (picture.frame.kind == FeedbackFrame::Kind::TimeCourse)
-        picture.paintCurve =
-            [content = curveContent(run, protocol, session.feedback.TR(), session.regionColors)](
-                QPainter& painter, QSize area) { paintPlot(painter, area, content); };
+    if (picture.frame.kind != FeedbackFrame::Kind::TimeCourse)
+        return picture;
+    const FeedbackCurve curve = feedbackCurve(run.signalsNow(), run.choices().roiMode);
+    const QColor color = toQColor(regionColor(session.regionColors, curve.region));
+    picture.paintCurve = [content = feedbackCurveContent(curve, run.volume(), run.nrOfVolumes(),
+                                                         color, {protocol, session.feedback.TR()})](
+                             QPainter& painter, QSize area) {
+        paintCurveContent(painter, area, content);
+    };
     return picture;
 }
 

@@ -3,11 +3,18 @@
 #pragma once
 
 #include "feedback/feedback_curve.h"
+#include "regions/ui/session_region.h"
 
 #include <QSize>
 
 class QPainter;
-class RunSession;
+
+/// The curve, up to `lastVolume`, as the plot of its region shows a time course.
+[[nodiscard]] PlotContent feedbackCurveContent(const FeedbackCurve& curve, int lastVolume,
+                                               int nrOfVolumes, const QColor& color,
+                                               const PlottedTiming& timing);
+/// Draws it into the rectangle from the origin to `size`.
+void paintCurveContent(QPainter& painter, QSize size, const PlotContent& content);
 
 /// Draws the curve into the rectangle from the origin to `size`, in the colour of its region and
 /// over the protocol, as the plot of the region shows its time course. Without a region nothing is

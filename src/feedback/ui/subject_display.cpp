@@ -22,9 +22,11 @@ SubjectDisplay::SubjectDisplay() {
     setAttribute(Qt::WA_QuitOnClose, false); // the program ends with its main window
 }
 
-// Flags and screen of a window take effect when it is shown anew.
+// Flags and screen of a window take effect when it is shown anew. showFullScreen() and showNormal()
+// would ask for the keyboard.
 void SubjectDisplay::becomeWindow(Qt::WindowFlags flags, QScreen& screen) {
     hide();
+    setWindowState(Qt::WindowNoState);
     setWindowFlags(flags | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus);
     setScreen(&screen);
 }
@@ -33,7 +35,8 @@ void SubjectDisplay::showOnScreen(QScreen& screen) {
     becomeWindow(Qt::Window | Qt::FramelessWindowHint, screen);
     setCursor(Qt::BlankCursor);
     setGeometry(screen.geometry());
-    showFullScreen();
+    setWindowState(Qt::WindowFullScreen);
+    setVisible(true);
 }
 
 void SubjectDisplay::showInWindow(QScreen& screen) {
@@ -43,7 +46,7 @@ void SubjectDisplay::showInWindow(QScreen& screen) {
     const QRect frame(area.bottomRight(), firstWindowSize + windowFrame);
     setGeometry(QRect(placedWithin(area, frame).topLeft() + QPoint(0, windowFrame.height()),
                       firstWindowSize));
-    showNormal();
+    setVisible(true);
 }
 
 void SubjectDisplay::showNow(const SubjectPicture& picture) {

@@ -63,7 +63,7 @@ bool FeedbackFiles::appendTrial(const QString& fileName, int trial, double value
     const QString path = pathOf(fileName);
     const std::optional<QByteArray> before = trial == 0 ? QByteArray() : trialsIn(path);
     const bool written =
-        before && writePolledFile(path, *before + delayedFeedbackLine(trial, value));
+        before && writePolledFile(path, *before + delayedFeedbackLine(trial + 1, value));
     if (!written)
         showModelessWarning(
             QStringLiteral("ERROR: Can not open feedback file: \"%1\" !").arg(path));

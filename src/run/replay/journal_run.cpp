@@ -43,13 +43,12 @@ public:
         return true;
     }
     [[nodiscard]] bool readVolume(int volume) override {
-        if (run_.takeVolume(volume, context_.project.volumes[size_t(volume)]))
-            return true;
-        return scanner_ && scanner_->readVolume(volume);
+        played_ = run_.takeVolume(volume, context_.project.volumes[size_t(volume)]);
+        return played_ || (scanner_ && scanner_->readVolume(volume));
     }
     [[nodiscard]] bool isAtEnd() const override { return !scanner_; }
     [[nodiscard]] bool playsMeasuredVolumes() const override {
-        return run_.purpose_ != PlayPurpose::Replay && !run_.goesOn_;
+        return played_ && run_.purpose_ != PlayPurpose::Replay;
     }
 
 private:
@@ -69,6 +68,7 @@ private:
     JournalRun& run_;
     IntakeContext context_;
     std::unique_ptr<VolumeReader> scanner_; ///< null unless the run goes on
+    bool played_ = false;                   ///< the volume that was read last was recorded
 };
 
 JournalRun::JournalRun(PlayOptions options, PlayPurpose purpose, RunListeners& listeners)

@@ -34,11 +34,15 @@ TEST(FeedbackFiles, TheFirstTrialReplacesTheFileAndTheOthersAreAppended) {
     FeedbackFiles files;
     files.begin(folder.path(), "run");
     EXPECT_TRUE(files.appendTrial("trials.txt", 3, 0.5));
-    EXPECT_EQ(contentOf(path), "of an earlier run\n" + delayedFeedbackLine(3, 0.5));
+    EXPECT_EQ(contentOf(path), "of an earlier run\n" + delayedFeedbackLine(4, 0.5));
     EXPECT_TRUE(files.appendTrial("trials.txt", 0, -2.0));
-    EXPECT_EQ(contentOf(path), delayedFeedbackLine(0, -2.0));
+    EXPECT_EQ(contentOf(path), delayedFeedbackLine(1, -2.0));
     EXPECT_TRUE(QFile::remove(path) && files.appendTrial("trials.txt", 1, 1.0));
-    EXPECT_EQ(contentOf(path), delayedFeedbackLine(1, 1.0));
+    EXPECT_EQ(contentOf(path), delayedFeedbackLine(2, 1.0));
+    ASSERT_TRUE(QFile::resize(path, 1 << 20) && files.appendTrial("trials.txt", 1, 1.0));
+    ScriptedMessages messages; // what is larger than a mebibyte is no file of trials
+    messages.expectWarning("ERROR: Can not open feedback file: \"" + path + "\" !");
+    EXPECT_FALSE(files.appendTrial("trials.txt", 2, 1.0));
 }
 
 TEST(FeedbackFiles, AFolderThatCanNotBeIsAFaultAndNothingElse) {
@@ -54,7 +58,10 @@ TEST(FeedbackFiles, AFolderThatCanNotBeIsAFaultAndNothingElse) {
     EXPECT_EQ(files.fault(), "Not written: \"" + folder + "/run-s1-5.bpg\"");
     for (const int trial : {0, 1}) {
         messages.expectWarning("ERROR: Can not open feedback file: \"" + folder + "/trials\" !");
+        files.begin(folder, "run");
+        EXPECT_EQ(files.fault(), "");
         EXPECT_FALSE(files.appendTrial("trials", trial, 1.0));
+        EXPECT_EQ(files.fault(), "Not written: \"" + folder + "/trials\"");
     }
     EXPECT_EQ(messages.shownModeless().size(), 2);
     EXPECT_EQ(contentOf(folder), "a file in its place");

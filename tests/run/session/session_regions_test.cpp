@@ -147,3 +147,54 @@ TEST_F(SessionRegionsTest, RegionsChangeOnlyWhileTheSessionIsIdleOrRecords) {
     session.regions.removeAll();
     EXPECT_TRUE(session.regions.list()->empty());
 }
+
+TEST_F(SessionRegionsTest, TheBestVoxelsAreSwitchedBeforeDuringAndAfterARun) {
+    struct Heard : RunListener {
+        int records = 0, changes = 0;
+        void recordMade(const RunRecord&) override { ++records; }
+        void regionsChanged(QtCortivoDoc&) override { ++changes; }
+    } heard;
+    session.listeners.add(heard, ListenerPlace::Views);
+    SessionRegions& regions = session.regions;
+    const auto region = [&]() -> RegionOfInterest& {
+        return session.functionalDocument->regions[0];
+    };
+    regions.changeBestROIVoxelsRatio(0.5f); // they hold for the regions to come
+    regions.changeTopVoxelSelectionMode(0);
+    regions.enableDynamicROIs(true);
+    writeSession(42, 2, {{"ClusterSizePixels:", "1"}});
+    ProbeListener operatorHand(session.listeners, ListenerPlace::Dialogs);
+    operatorHand.onEndOfVolume = [&](int volume) {
+        if (volume == 3) {
+            EXPECT_TRUE(regions.selectRectangle(drag));
+        }
+        if (volume != 30)
+            return;
+        EXPECT_EQ(region().SortedVoxelList.size(), size_t(nrOfDraggedVoxels));
+        EXPECT_EQ(region().TopVoxelSelectionMode, 0);
+        heard.records = heard.changes = 0;
+        regions.enableDynamicROIs(false);
+        regions.changeTopVoxelSelectionMode(allPredictors);
+        regions.changeBestROIVoxelsRatio(0.1f);
+        EXPECT_EQ(heard.records, 3);
+        EXPECT_EQ(heard.changes, 2);
+        EXPECT_TRUE(region().SortedVoxelList.empty());
+    };
+    session.runButtonPressed();
+    EXPECT_TRUE(region().SortedVoxelList.empty());
+    EXPECT_EQ(region().TopVoxelSelectionMode, allPredictors);
+    EXPECT_EQ(region().TopVoxelRatio, 0.1f);
+    expectCurve(39); // as it is measured, until a choice is made in an idle session
+
+    heard.changes = 0;
+    regions.enableDynamicROIs(false);
+    EXPECT_EQ(region().TimeCourseValues[5], float(std::round(measuredMean(5))));
+    region().SortedVoxelList = {2, 1, 0};
+    regions.enableDynamicROIs(true);
+    const size_t third = size_t(64 * drag.slice + 8 * drag.top + drag.left + 2);
+    EXPECT_EQ(region().TimeCourseValues[39], float(scriptedSample(third, 39)));
+    EXPECT_EQ(region().SortedVoxelList.size(), 3u) << "the ranking of the run stays";
+    regions.changeBestROIVoxelsRatio(1.0f);
+    EXPECT_EQ(region().TimeCourseValues[39], float(std::round(measuredMean(39))));
+    EXPECT_EQ(heard.changes, 3);
+}
