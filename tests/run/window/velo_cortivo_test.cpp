@@ -322,3 +322,14 @@ TEST_F(MainWindow, UnsavedRunsAreOfferedAtTheStartAndByTheMenu) {
         choose("NotNowBtn");
     }
 }
+
+TEST_F(MainWindow, FeedbackOpensBesideTheSlicesAndGoesWithTheWindow) {
+    window_->slotShowNeurofeedbackDlg();
+    EXPECT_TRUE(window_->session().feedback.isOpen());
+    auto& dialog = control("NeurofeedbackDlg");
+    EXPECT_TRUE(dialog.isVisible());
+    bool gone = false;
+    QObject::connect(&dialog, &QObject::destroyed, qApp, [&gone] { gone = true; });
+    window_.reset();
+    EXPECT_TRUE(gone);
+}
