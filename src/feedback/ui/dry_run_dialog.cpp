@@ -12,6 +12,9 @@
 
 namespace {
 
+constexpr int fewestForecastLines = 3;
+constexpr int mostForecastLines = 7;
+
 SubjectPicture pictureOf(const FeedbackDryRun& run, QSize size, const StimulationProtocol& protocol,
                          const RunSession& session) {
     SubjectPicture picture{run.frame(), size, {}};
@@ -54,9 +57,10 @@ QString levelText(const FeedbackDryRun& run) {
             .arg(double(values.Baseline2), 0, 'f', 1)
             .arg(values.TargetLevel)
             .arg(values.TargetLevel2);
-    const QString level = QString("level %1  ·  baseline %2")
-                              .arg(values.FbLevel1)
-                              .arg(double(values.Baseline1), 0, 'f', 1);
+    const QString baseline = values.Baseline1 > 0.0f
+                                 ? QString("baseline %1").arg(double(values.Baseline1), 0, 'f', 1)
+                                 : "no baseline";
+    const QString level = QString("level %1  ·  %2").arg(values.FbLevel1).arg(baseline);
     const QString target =
         values.TargetLevel > 0 ? QString("target %1").arg(values.TargetLevel) : "no target";
     return level + "  ·  " + target + (values.noFeedback ? "  ·  not shown" : "");
@@ -105,6 +109,9 @@ FeedbackDryRunDlg::FeedbackDryRunDlg(RunSession& session, Shown shown, QWidget* 
       ui_(std::make_unique<Ui::FeedbackDryRunDlg>()) {
     ui_->setupUi(this);
     ui_->ReadOutLbl->setFont(numberFont(font(), 0.9));
+    // Longer texts scroll, so that the picture keeps its size.
+    ui_->ForecastArea->setMinimumHeight(fewestForecastLines * fontMetrics().lineSpacing());
+    ui_->ForecastArea->setMaximumHeight(mostForecastLines * fontMetrics().lineSpacing());
     ui_->SubjectScreenOp->setVisible(shown_ != nullptr);
     for (const int speed : {1, 2, 5, 10, 20})
         ui_->SpeedCmBx->addItem(QString("x%1").arg(speed), speed);

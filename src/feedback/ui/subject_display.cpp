@@ -44,8 +44,8 @@ void SubjectDisplay::showInWindow(QScreen& screen) {
     unsetCursor();
     const QRect area = screen.availableGeometry();
     const QRect frame(area.bottomRight(), firstWindowSize + windowFrame);
-    setGeometry(QRect(placedWithin(area, frame).topLeft() + QPoint(0, windowFrame.height()),
-                      firstWindowSize));
+    resize(firstWindowSize);
+    move(placedWithin(area, frame).topLeft());
     setVisible(true);
 }
 

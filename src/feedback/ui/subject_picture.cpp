@@ -7,7 +7,10 @@
 
 QRectF pictureArea(const SubjectPicture& picture, QSize area) {
     const QSizeF scaled = QSizeF(picture.size).scaled(QSizeF(area), Qt::KeepAspectRatio);
-    return {QPointF(area.width() - scaled.width(), area.height() - scaled.height()) / 2.0, scaled};
+    // At a whole pixel: a line at the edge would fall between two.
+    return {QPoint((area.width() - int(scaled.width())) / 2,
+                   (area.height() - int(scaled.height())) / 2),
+            scaled};
 }
 
 void paintSubjectPicture(QPainter& painter, QSize area, const SubjectPicture& picture) {

@@ -67,6 +67,11 @@ TEST_F(SubjectScreen, KeepsTheRatioOfThePicture) {
              {100, false}, {198, false}, {201, true}, {210, false}, {597, true}, {602, false}})
         EXPECT_EQ(shown.pixelColor(x, 100) == QColor(Qt::white), white) << x;
     EXPECT_EQ(shown.pixelColor(300, 1), QColor(Qt::white));
+    // 900 x 501 on 800 x 600 is 800 x 445.3: its upper edge is at y = 77.
+    chooser_.showNow({frame, {900, 501}, {}});
+    const QImage reduced = const_cast<SubjectDisplay&>(display()).grab().toImage();
+    EXPECT_EQ(reduced.pixelColor(300, 77), QColor(Qt::white));
+    EXPECT_EQ(reduced.pixelColor(300, 76), QColor(Qt::black));
 }
 
 TEST_F(SubjectScreen, SurvivesToBeUnplugged) {
