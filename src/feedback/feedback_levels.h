@@ -68,8 +68,8 @@ public:
     const FeedbackValues& update(const FeedbackSignals& signals, FeedbackChoices& choices);
     /// The values from the first pair of classes; a null classifier, or one that gives nothing,
     /// counts as 0. Always live, and without baseline, target and suppression.
-    const FeedbackValues& update(const ClassifierOutput* classifier,
-                                 const FeedbackChoices& choices, int volume);
+    const FeedbackValues& update(const ClassifierOutput* classifier, const FeedbackChoices& choices,
+                                 int volume);
     [[nodiscard]] const FeedbackValues& values() const { return values_; }
 
 private:

@@ -139,7 +139,8 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     prepare(1, Phase::Recording);
     expectMenus("Save View As BMP...|Close|Exit",
                 "Colors Code Significance|Colors Code Contrasts*|Epoch-Based Averaging*|"
-                "Neurofeedback... |" + logs,
+                "Neurofeedback... |" +
+                    logs,
                 "Multi-Slice View|" + overlay + views + lastViews);
     document().project.NrOfVolumes = 3;
     ASSERT_TRUE(document().project.allocateVolumes());
@@ -156,7 +157,8 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     runOver();
     expectMenus("Set New VCO File...|Recover Run...|Replay Run...|Save View As BMP...|Close|Exit",
                 "Colors Code Significance*|Colors Code Contrasts|Epoch-Based "
-                "Averaging|Post-Processing...|Neurofeedback... |Load ROIs...|Save ROIs...|Log ROI Time Point Files "
+                "Averaging|Post-Processing...|Neurofeedback... |Load ROIs...|Save ROIs...|Log ROI "
+                "Time Point Files "
                 "(RTPs)|Log ROI Time Courses (ERT)*|Log ROI Betas (BTC)",
                 "Multi-Slice View|Overlay On First Func Volume|Overlay On Current Func "
                 "Volume*|Overlay On Inplanes|Current Func Volume Before Preprocessing*|Show ROIs "
@@ -319,4 +321,15 @@ TEST_F(MainWindow, UnsavedRunsAreOfferedAtTheStartAndByTheMenu) {
         EXPECT_TRUE(control<QDialog>(qPrintable(name + QString("RunDlg"))).isVisible());
         choose("NotNowBtn");
     }
+}
+
+TEST_F(MainWindow, FeedbackOpensBesideTheSlicesAndGoesWithTheWindow) {
+    window_->slotShowNeurofeedbackDlg();
+    EXPECT_TRUE(window_->session().feedback.isOpen());
+    auto& dialog = control("NeurofeedbackDlg");
+    EXPECT_TRUE(dialog.isVisible());
+    bool gone = false;
+    QObject::connect(&dialog, &QObject::destroyed, qApp, [&gone] { gone = true; });
+    window_.reset();
+    EXPECT_TRUE(gone);
 }
