@@ -127,7 +127,7 @@ void FeedbackDryRun::goTo(int volume) {
         ++volume_;
         if (choices_.UseSVMOutput) {
             const MadeUpClassifier classifier(curve_[size_t(volume_)]);
-            levels_.update(&classifier, choices_);
+            levels_.update(&classifier, choices_, volume_);
         } else {
             levels_.update(signalsNow(), choices_);
         }

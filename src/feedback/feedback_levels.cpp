@@ -180,7 +180,7 @@ double FeedbackLevels::percentChange(std::vector<float>& history, float signal, 
 }
 
 const FeedbackValues& FeedbackLevels::update(const ClassifierOutput* classifier,
-                                             const FeedbackChoices& choices) {
+                                             const FeedbackChoices& choices, int volume) {
     constexpr int mostClasses = 1000;
     const int classes = classifier ? classifier->nrOfClasses() : 0;
     float value = 0.0f;
@@ -191,7 +191,8 @@ const FeedbackValues& FeedbackLevels::update(const ClassifierOutput* classifier,
     }
     values_.live = values_.classifier = values_.computed = true;
     values_.noFeedback = values_.pair = false;
-    values_.volume = -1;
+    values_.volume = volume;
+    choicesAfter_ = choices; // a return to the regions is no repeat
     values_.CurValue1 = value;
     values_.FbLevel1 = roundedLevel(double(value) / maximumOfClassifier * stepsOfScale(choices));
     return values_;

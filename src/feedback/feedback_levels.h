@@ -41,7 +41,7 @@ struct FeedbackValues {
     bool classifier = false;
     /// Levels were computed: not for the idle picture and a curve.
     bool computed = false;
-    int volume = -1; ///< that the values are of; -1 for the classifier's
+    int volume = -1; ///< that the values are of
     /// Floats, as the baselines: at a baseline that is the signal itself the change is exactly 0.
     float CurValue1 = 0.0f, CurValue2 = 0.0f;
     float Baseline1 = 0.0f, Baseline2 = 0.0f;
@@ -69,7 +69,7 @@ public:
     /// The values from the first pair of classes; a null classifier, or one that gives nothing,
     /// counts as 0. Always live, and without baseline, target and suppression.
     const FeedbackValues& update(const ClassifierOutput* classifier,
-                                 const FeedbackChoices& choices);
+                                 const FeedbackChoices& choices, int volume);
     [[nodiscard]] const FeedbackValues& values() const { return values_; }
 
 private:

@@ -234,14 +234,14 @@ TEST(FeedbackLevels, TheClassifiersFirstPairFillsTheScale) {
         FeedbackChoices choices;
         choices.DisplayBaseLevel = each.baseLevel;
         FeedbackLevels levels;
-        EXPECT_EQ(levels.update(&classifier, choices).FbLevel1, each.level);
+        EXPECT_EQ(levels.update(&classifier, choices, 3).FbLevel1, each.level);
         EXPECT_EQ(classifier.pairs, each.pairs);
         const FeedbackValues& values = levels.values();
         EXPECT_TRUE(values.live && values.classifier && values.computed);
         EXPECT_TRUE(each.level == 0 || values.CurValue1 == each.value);
     }
     FeedbackLevels levels;
-    EXPECT_EQ(levels.update(nullptr, FeedbackChoices()).FbLevel1, 0);
+    EXPECT_EQ(levels.update(nullptr, FeedbackChoices(), 3).FbLevel1, 0);
 }
 
 TEST(FeedbackChoices, LevelsRoundByTheShiftOfNegativeValues) {

@@ -132,7 +132,8 @@ void SessionFeedback::compute() {
     settleROIMode(choices_, nrOfRegions());
     const FeedbackSignals signals = feedbackSignals(*document_, parts_.report);
     if (choices_.UseSVMOutput) {
-        levels_.update(classifier_, choices_);
+        levels_.update(classifier_, choices_,
+                       std::min(signals.currentVolume, signals.nrOfVolumes - 1));
     } else {
         levels_.update(signals, choices_);
         if (choices_.type == FeedbackType::TimeCourse)
