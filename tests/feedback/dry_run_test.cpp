@@ -98,7 +98,8 @@ TEST(DryRun, SaysFromWhichVolumeOnThereIsFeedbackAndWhyNotBefore) {
 }
 
 TEST(DryRun, SignalsAreConstantTheModelsResponseOrNoise) {
-    const StimulationProtocol protocol = protocolOf({{11, 20}}, false);
+    StimulationProtocol protocol = protocolOf({{11, 20}}, false);
+    EXPECT_TRUE(protocol.addInterval(0, 1, 10)) << "rest brings no response";
     const auto curve = [&](MadeUpSignal signal, int nrOfVolumes) {
         return madeUpCurve({signal, 4.0, nrOfVolumes, 1, TR}, protocol);
     };
