@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/file_writing.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <cstdarg>
@@ -85,10 +84,9 @@ bool writePolledFile(const QString& path, const QByteArray& content) {
     if (!isReplaceable(existing))
         return false;
     const QString target = existing.isSymLink() ? existing.symLinkTarget() : path;
-    // A name of this process, whose leftover after a crash is in nobody's way. QTemporaryFile would
-    // make a file that only its owner can read.
-    const QString aside =
-        target + '.' + QString::number(QCoreApplication::applicationPid()) + ".part";
+    // What a crash leaves is replaced when the run is recovered. QTemporaryFile would make a file
+    // that only its owner can read.
+    const QString aside = target + ".part";
     QFile::remove(aside);
     if (!writeNewFile(aside, content))
         return false;
