@@ -73,7 +73,10 @@ void printTimes(const char* name, std::vector<double> times) {
 
 void measure(int columns, int slices, int volumes) {
     QTemporaryDir folder;
-    const SimulatedScan scan(scanOptions(folder.path(), columns, slices, volumes));
+    SimulationOptions options = scanOptions(folder.path(), columns, slices, volumes);
+    options.motion = HeadMotion::Drift; // and its correction
+    options.smoothingWidth = 5;
+    const SimulatedScan scan(options);
     if (!prepareScan(scan)) {
         std::printf("can't write to %s\n", folder.path().toLocal8Bit().constData());
         return;
