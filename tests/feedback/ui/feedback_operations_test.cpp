@@ -133,3 +133,29 @@ TEST_F(FeedbackOperations, ReturnInAFieldPressesNothing) {
     EXPECT_EQ(window_.findChildren<QDialog*>().size(), dialogs);
     EXPECT_TRUE(messages.shown().isEmpty());
 }
+
+TEST_F(FeedbackOperations, ARecoveredRunBringsItsChoicesAndAReplayIsWrittenAnew) {
+    openNeurofeedbackDialog(session, window_);
+    auto& baseLevel = *window_.findChild<QSpinBox*>("BaselineDisplayLevelSpBx");
+    const auto endOfVolume = hand_.onEndOfVolume;
+    hand_.onEndOfVolume = [&](int volume) {
+        endOfVolume(volume);
+        if (volume == 20)
+            baseLevel.setValue(3);
+    };
+    session.setRunButton(RunButtonState::Ready);
+    const QString journal = recordJournal();
+    hand_.onEndOfVolume = endOfVolume;
+    ASSERT_TRUE(QFile::copy(journal, path("copy.vcj")));
+    ASSERT_TRUE(QFile::remove(path("results/test-20.png")));
+    baseLevel.setValue(0);
+    EXPECT_TRUE(session.playJournal({journal, {}, {}, false}, PlayPurpose::Recover));
+    EXPECT_EQ(session.feedback.choices().DisplayBaseLevel, 3);
+    EXPECT_EQ(baseLevel.value(), 3) << "the dialog shows it";
+    EXPECT_FALSE(QFile::exists(path("results/test-20.png"))) << "the subject saw it long ago";
+    baseLevel.setValue(1);
+    EXPECT_TRUE(
+        session.playJournal({path("copy.vcj"), {}, path("again/"), false}, PlayPurpose::Replay));
+    EXPECT_EQ(baseLevel.value(), 1) << "the operator decides anew";
+    EXPECT_TRUE(QFile::exists(path("again/test-20.png")));
+}
