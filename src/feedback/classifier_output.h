@@ -11,7 +11,7 @@ public:
     /// It predicts at each volume of the run.
     [[nodiscard]] virtual bool isPredicting() const = 0;
     [[nodiscard]] virtual int nrOfClasses() const = 0; ///< 0 without a model
-    /// One value for each pair of classes, n (n - 1) / 2, 0 1, 0 2, and so on. False when there is
-    /// none.
+    /// n (n - 1) / 2 values, one for each pair of n classes: 0 and 1, 0 and 2, ..., 1 and 2, ...
+    /// False when there is no prediction.
     [[nodiscard]] virtual bool currentOutput(std::span<float> values) const = 0;
 };

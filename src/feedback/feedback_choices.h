@@ -17,7 +17,10 @@ enum ROIMode {
 };
 inline constexpr int nrOfROIModes = 7;
 
+/// What the subject sees, and what each volume leaves in the feedback folder. The numbers stand in
+/// journals.
 enum class FeedbackType { Thermometer, TimeCourse, PongSubject1, PongSubject2, Delayed };
+inline constexpr int nrOfFeedbackTypes = 5;
 
 inline constexpr int thermometerSteps = 10;
 

@@ -61,10 +61,9 @@ public:
     /// The display was opened: the baselines are 0 until a block ends.
     void forgetBaselines();
 
-    /// The values at the current volume; its position in a run of a number of volumes is limited to
-    /// the last one. With SetToMaxValue the maxima of the choices follow. Not live, without a
-    /// change, before volume firstLiveVolume and without regions. With the curve as feedback the
-    /// current value alone is found.
+    /// The values at the current volume, at most the last one of the run. With SetToMaxValue the
+    /// maxima of the choices follow. Before firstLiveVolume, and without regions, the values are
+    /// not live and the others stay. For a curve the current value alone is found.
     const FeedbackValues& update(const FeedbackSignals& signals, FeedbackChoices& choices);
     /// The values from the first pair of classes; a null classifier, or one that gives nothing,
     /// counts as 0. Always live, and without baseline, target and suppression.

@@ -7,6 +7,7 @@
 #include "run/session/run_session.h"
 #include "ui_delayed_feedback_dialog.h"
 
+#include <QPointer>
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
 
@@ -184,8 +185,11 @@ void openDelayedFeedbackDialog(RunSession& session, QWidget& window) {
     if (!dialog) {
         const QString path = session.settings.StimulationProtocol;
         StimulationProtocol planned;
+        const QPointer<QWidget> parent(&window);
         if (!session.feedback.documentExists() && isProtocolPathSet(path))
             (void)readProtocolForDelayedFeedback(path, planned);
+        if (!parent) // auto-advance took another settings file while a message stood there
+            return;
         dialog = new DelayedFeedbackDlg(session, planned, &window);
     }
     showInFront(*dialog);

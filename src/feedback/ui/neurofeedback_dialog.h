@@ -72,8 +72,6 @@ protected:
     void reject() override;
 
 private:
-    static constexpr size_t nrOfTypes = size_t(FeedbackType::Delayed) + 1;
-
     void connectModes();
     void connectTypes();
     void connectScale();
@@ -92,9 +90,9 @@ private:
     RunSession& session_;
     const std::unique_ptr<Ui::NeurofeedbackDlg> ui_;
     SubjectScreenChooser* subjectScreen_;
-    std::array<QRadioButton*, nrOfROIModes> modes_; ///< by ROIMode
-    std::array<QRadioButton*, nrOfTypes> types_;    ///< by FeedbackType
-    StimulationProtocol planned_;                   ///< of the settings, for use without a run
+    std::array<QRadioButton*, nrOfROIModes> modes_;      ///< by ROIMode
+    std::array<QRadioButton*, nrOfFeedbackTypes> types_; ///< by FeedbackType
+    StimulationProtocol planned_;                        ///< of the settings, for use without a run
     QPointer<QDialog> options_;
 };
 

@@ -32,6 +32,11 @@ void SubjectDisplay::becomeWindow(Qt::WindowFlags flags, QScreen& screen) {
 }
 
 void SubjectDisplay::showOnScreen(QScreen& screen) {
+    // The subject must not see it go and come.
+    if (isVisible() && (windowFlags() & Qt::FramelessWindowHint) && this->screen() == &screen) {
+        setGeometry(screen.geometry());
+        return;
+    }
     becomeWindow(Qt::Window | Qt::FramelessWindowHint, screen);
     setCursor(Qt::BlankCursor);
     setGeometry(screen.geometry());

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int screenRole = Qt::UserRole;     // name of a screen
+constexpr int screenRole = Qt::UserRole;     // screen of an entry, or nullptr
 constexpr int choiceRole = Qt::UserRole + 1; // kind of an entry
 
 } // namespace
@@ -47,19 +47,19 @@ void SubjectScreenChooser::showNow(const SubjectPicture& picture) {
 
 void SubjectScreenChooser::choose(int index) {
     choice_ = box_->itemData(index, choiceRole).value<Choice>();
-    chosenName_ = box_->itemData(index, screenRole).toString();
+    chosen_ = box_->itemData(index, screenRole).value<QScreen*>();
+    chosenName_ = chosen_ ? chosen_->name() : QString();
     apply();
 }
 
 void SubjectScreenChooser::screenAdded(QScreen* screen) {
-    if (std::find(screens_.begin(), screens_.end(), screen) != screens_.end())
+    if (isPluggedIn(screen))
         return;
     screens_.push_back(screen);
     connect(screen, &QScreen::geometryChanged, this, [this, screen] { followScreen(screen); });
-    if (screen == chosenScreen())
-        apply();
-    else
-        listScreens();
+    if (choice_ == Choice::Screen && !chosenScreen() && screen->name() == chosenName_)
+        chosen_ = screen;
+    followScreen(screen);
 }
 
 // Called before the system moves the windows of the screen to another one, where the display must
@@ -84,18 +84,20 @@ void SubjectScreenChooser::followScreen(QScreen* screen) {
         listScreens();
 }
 
+bool SubjectScreenChooser::isPluggedIn(const QScreen* screen) const {
+    return std::find(screens_.begin(), screens_.end(), screen) != screens_.end();
+}
+
+// Not by its name alone, which two screens of a kind may share.
 QScreen* SubjectScreenChooser::chosenScreen() const {
-    const auto found = std::find_if(screens_.begin(), screens_.end(), [this](QScreen* screen) {
-        return choice_ == Choice::Screen && screen->name() == chosenName_;
-    });
-    return found != screens_.end() ? *found : nullptr;
+    return isPluggedIn(chosen_) ? chosen_.get() : nullptr;
 }
 
 // Where the main window stands; not the subject's screen, from which the guard sends it back.
 void SubjectScreenChooser::findHome() {
     QScreen* const subject = chosenScreen();
     QScreen* home = mainWindow_.screen();
-    if (std::find(screens_.begin(), screens_.end(), home) == screens_.end() || home == subject)
+    if (!isPluggedIn(home) || home == subject)
         home = home_;
     if (!home) {
         const auto other = std::find_if(screens_.begin(), screens_.end(),
@@ -104,7 +106,7 @@ void SubjectScreenChooser::findHome() {
     }
     if (!home) { // the subject's screen is the only one that is left
         choice_ = Choice::Off;
-        chosenName_.clear();
+        chosen_ = nullptr;
         home = subject;
     }
     if (home == home_)
@@ -125,12 +127,12 @@ void SubjectScreenChooser::apply() {
     listScreens();
 }
 
-void SubjectScreenChooser::addEntry(const QString& text, Choice choice, const QString& screen) {
+void SubjectScreenChooser::addEntry(const QString& text, Choice choice, QScreen* screen) {
     box_->addItem(text);
     const int index = box_->count() - 1;
     box_->setItemData(index, QVariant::fromValue(choice), choiceRole);
-    box_->setItemData(index, screen, screenRole);
-    if (choice == choice_ && screen == chosenName_)
+    box_->setItemData(index, QVariant::fromValue(screen), screenRole);
+    if (choice == choice_ && screen == chosenScreen())
         box_->setCurrentIndex(index);
 }
 
@@ -143,8 +145,8 @@ void SubjectScreenChooser::disableEntry(int index, const QString& reason) {
 void SubjectScreenChooser::listScreens() {
     const QSignalBlocker quiet(box_);
     box_->clear();
-    addEntry("Off", Choice::Off, {});
-    addEntry("In a window", Choice::Window, {});
+    addEntry("Off", Choice::Off);
+    addEntry("In a window", Choice::Window);
     int number = 0;
     for (QScreen* screen : screens_) {
         const QSize pixels = screen->size() * screen->devicePixelRatio();
@@ -153,13 +155,13 @@ void SubjectScreenChooser::listScreens() {
                      .arg(screen->name())
                      .arg(pixels.width())
                      .arg(pixels.height()),
-                 Choice::Screen, screen->name());
+                 Choice::Screen, screen);
         if (screen == home_)
             disableEntry(box_->count() - 1,
                          "The main window stands on this screen: move it to another one first");
     }
     if (choice_ == Choice::Screen && !chosenScreen()) {
-        addEntry("Screen unplugged: " + chosenName_, Choice::Screen, chosenName_);
+        addEntry("Screen unplugged: " + chosenName_, Choice::Screen);
         disableEntry(box_->count() - 1, "The display returns when the screen does");
     }
 }

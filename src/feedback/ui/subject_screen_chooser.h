@@ -35,8 +35,10 @@ private:
     void findHome();
     void apply();
     void listScreens();
-    void addEntry(const QString& text, Choice choice, const QString& screen);
+    void addEntry(const QString& text, Choice choice, QScreen* screen = nullptr);
     void disableEntry(int index, const QString& reason);
+    [[nodiscard]] bool isPluggedIn(const QScreen* screen) const;
+    /// The subject's screen; null while there is none.
     [[nodiscard]] QScreen* chosenScreen() const;
 
     QWidget& mainWindow_;
@@ -46,5 +48,6 @@ private:
     std::vector<QScreen*> screens_; ///< that are plugged in
     QPointer<QScreen> home_;        ///< the main window stands on it
     Choice choice_ = Choice::Off;
-    QString chosenName_; ///< of the subject's screen, which may be unplugged
+    QPointer<QScreen> chosen_;
+    QString chosenName_; ///< by which the chosen screen is known when it is plugged in again
 };

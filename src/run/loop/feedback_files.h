@@ -1,9 +1,8 @@
-// What a run leaves in the feedback folder for other programs, and its table of the feedback.
+// What a run leaves in the feedback folder for other programs. Its table is in the target folder.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "feedback/delayed_feedback.h"
-#include "feedback/feedback_record.h"
 
 #include <QImage>
 #include <QString>

@@ -76,7 +76,7 @@ bool isValid(const FeedbackChoices& choices) {
         if (!isWithin(shift, 0, mostVolumes))
             return false;
     return isWithin(choices.roiMode, noROIMode, nrOfROIModes - 1) &&
-           isWithin(int(choices.type), 0, int(FeedbackType::Delayed)) &&
+           isWithin(int(choices.type), 0, nrOfFeedbackTypes - 1) &&
            isWithin(choices.NrOfPastValues, 0, mostVolumes) &&
            isWithin(choices.DisplayBaseLevel, 0, thermometerSteps) && choices.NoFbCondition >= -1;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "feedback/dry_run.h"
+#include "feedback/feedback_record.h"
 #include "run/document/operator_requests.h"
 #include "run/loop/feedback_files.h"
 #include "run/loop/run_feedback.h"
@@ -24,7 +25,7 @@ public:
     virtual void paintCurve(QPainter& painter, QSize size, const FeedbackCurve& curve) = 0;
     /// There is another picture. Returns when it is on the screens.
     virtual void showPicture() = 0;
-    /// Choices or what is possible have changed otherwise than by the operator.
+    /// Choices, values or what is possible may have changed, by whomever: the controls show them.
     virtual void refreshControls() = 0;
 };
 

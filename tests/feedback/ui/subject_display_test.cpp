@@ -16,6 +16,15 @@ namespace {
     qputenv("QT_QPA_PLATFORM",
             "offscreen:configfile=" VELO_SOURCE_DIR "/tests/feedback/ui/two_screens.json");
 
+class HideCounter : public QObject {
+public:
+    int count = 0;
+    bool eventFilter(QObject*, QEvent* event) override {
+        count += event->type() == QEvent::Hide;
+        return false;
+    }
+};
+
 class SubjectScreen : public testing::Test {
 protected:
     SubjectScreen() {
@@ -85,8 +94,12 @@ TEST_F(SubjectScreen, SurvivesToBeUnplugged) {
     EXPECT_EQ(display().geometry(), scanner->geometry());
     EXPECT_EQ(box().currentText(), "Screen 2: Scanner, 800 x 600");
     const_cast<SubjectDisplay&>(display()).setGeometry(1024, 0, 300, 300);
+    HideCounter hidden;
+    const_cast<SubjectDisplay&>(display()).installEventFilter(&hidden);
     Q_EMIT scanner->geometryChanged(scanner->geometry());
     EXPECT_EQ(display().geometry(), scanner->geometry());
+    choose(3);
+    EXPECT_EQ(hidden.count, 0) << "it would flicker";
     // The operator's own screen goes: what is left is needed.
     Q_EMIT qApp->screenRemoved(screen(0));
     EXPECT_FALSE(display().isVisible());

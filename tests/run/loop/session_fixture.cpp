@@ -166,3 +166,41 @@ QString SessionFixture::recordJournal() {
     EXPECT_EQ(kept.size(), 1);
     return path("results/" + kept.value(0));
 }
+
+void SessionFixture::inPhase(Phase phase, const std::function<void()>& operation) {
+    bool done = false;
+    const auto once = [&] {
+        if (done || session.phase.now() != phase)
+            return;
+        done = true;
+        operation();
+    };
+    ProbeListener probe(session.listeners, ListenerPlace::Dialogs);
+    probe.onStep = [&](VolumeStep step, const VolumeAtHand& hand) {
+        if (hand.volume == 20 && step == VolumeStep::Plots)
+            once();
+        return true;
+    };
+    display.whenLogged = once; // Preparing and Reloading, with their documents
+    display.whileSaving = once;
+    display.whileModelling = once;
+    Reporter reporter(once);
+    session.setRunButton(RunButtonState::Ready);
+    if (phase == Phase::Idle)
+        once();
+    else if (phase == Phase::Reloading)
+        EXPECT_TRUE(session.reloadData());
+    else if (phase == Phase::PostProcessing)
+        EXPECT_TRUE(postprocess(reporter));
+    else
+        session.runButtonPressed();
+    EXPECT_TRUE(done);
+    EXPECT_TRUE(session.phase.isIdle());
+    display.whileSaving = display.whileModelling = display.whenLogged = {};
+}
+
+bool SessionFixture::postprocess(ProgressReporter& progress) {
+    PostprocessingOptions options;
+    options.temporal.checked = true;
+    return session.postprocess(options, true, progress);
+}

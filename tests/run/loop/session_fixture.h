@@ -10,6 +10,7 @@
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <map>
 
 /// Collects what a run shows.
 class ProbeDisplay : public RunDisplay {
@@ -106,6 +107,23 @@ using MeasuredSample = std::function<int(size_t voxel, int volume)>;
 [[nodiscard]] int savedVolumes(const QByteArray& data, size_t sliceSamples, size_t nrOfSlices,
                                const MeasuredSample& measured);
 
+/// The phases of a session, with names for traces.
+inline const std::map<Phase, const char*> phaseNames = {
+    {Phase::Idle, "idle"},           {Phase::Preparing, "preparing"},
+    {Phase::Recording, "recording"}, {Phase::Saving, "saving"},
+    {Phase::Reloading, "reloading"}, {Phase::PostProcessing, "post"},
+    {Phase::Analysing, "analysing"}};
+
+/// Does something at each report of progress.
+class Reporter : public ProgressReporter {
+public:
+    explicit Reporter(std::function<void()> atReport = [] {}) : atReport_(std::move(atReport)) {}
+    void setProgress(int) override { atReport_(); }
+
+private:
+    std::function<void()> atReport_;
+};
+
 /// Cuts a journal behind its first volumes, as a crash does.
 void cutJournal(const QString& path, int volumes);
 
@@ -128,6 +146,10 @@ protected:
     [[nodiscard]] int volumesIn(const QString& folder) const {
         return savedVolumes(content(folder + "/test.stc"), 8 * 8, 4, scriptedSample);
     }
+    /// Calls `operation` once while the session, which has a run of more than 20 volumes in memory
+    /// and on disk, is in the phase, and returns when it is idle.
+    void inPhase(Phase phase, const std::function<void()>& operation);
+    bool postprocess(ProgressReporter& progress);
     /// Runs the settings again, as after another press on a button that is ready.
     void runAgain() {
         session.setRunButton(RunButtonState::Ready);

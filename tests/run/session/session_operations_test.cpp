@@ -7,67 +7,12 @@
 
 namespace {
 
-const std::map<Phase, const char*> phaseNames = {
-    {Phase::Idle, "idle"},           {Phase::Preparing, "preparing"},
-    {Phase::Recording, "recording"}, {Phase::Saving, "saving"},
-    {Phase::Reloading, "reloading"}, {Phase::PostProcessing, "post"},
-    {Phase::Analysing, "analysing"}};
-
-class Reporter : public ProgressReporter {
-public:
-    explicit Reporter(std::function<void()> atReport = [] {}) : atReport_(std::move(atReport)) {}
-    void setProgress(int) override { atReport_(); }
-
-private:
-    std::function<void()> atReport_;
-};
-
 class SessionOperations : public SessionFixture {
 protected:
     SessionOperations() {
-        options_.temporal.checked = true;
         writeSession(32, 2);
         session.runButtonPressed(); // there is a run in memory and on disk
     }
-
-    bool postprocess(ProgressReporter& progress) {
-        return session.postprocess(options_, true, progress);
-    }
-
-    /// Calls `operation` once while the session is in the phase, and returns when it is idle.
-    void inPhase(Phase phase, const std::function<void()>& operation) {
-        bool done = false;
-        const auto once = [&] {
-            if (done || session.phase.now() != phase)
-                return;
-            done = true;
-            operation();
-        };
-        ProbeListener probe(session.listeners, ListenerPlace::Dialogs);
-        probe.onStep = [&](VolumeStep step, const VolumeAtHand& hand) {
-            if (hand.volume == 20 && step == VolumeStep::Plots)
-                once();
-            return true;
-        };
-        display.whenLogged = once; // Preparing and Reloading, with their documents
-        display.whileSaving = once;
-        display.whileModelling = once;
-        Reporter reporter(once);
-        session.setRunButton(RunButtonState::Ready);
-        if (phase == Phase::Idle)
-            once();
-        else if (phase == Phase::Reloading)
-            EXPECT_TRUE(session.reloadData());
-        else if (phase == Phase::PostProcessing)
-            EXPECT_TRUE(postprocess(reporter));
-        else
-            session.runButtonPressed();
-        EXPECT_TRUE(done);
-        EXPECT_TRUE(session.phase.isIdle());
-        display.whileSaving = display.whileModelling = display.whenLogged = {};
-    }
-
-    PostprocessingOptions options_;
 };
 
 } // namespace
