@@ -41,7 +41,7 @@ DelayedFeedbackSettings firstSettings(const RunSession& session,
 DelayedFeedbackDlg::DelayedFeedbackDlg(RunSession& session, const StimulationProtocol& planned,
                                        QWidget* parent)
     : EditDialog(parent), session_(session), ui_(std::make_unique<Ui::DelayedFeedbackDlg>()),
-      protocol_(session.feedback.documentExists() ? session.feedback.protocol() : planned),
+      protocol_(session.feedback.awaitsRun() ? planned : session.feedback.protocol()),
       settings_(firstSettings(session, protocol_)) {
     ui_->setupUi(this);
     fillConditions();
@@ -184,7 +184,7 @@ void openDelayedFeedbackDialog(RunSession& session, QWidget& window) {
     if (!dialog) {
         const QString path = session.settings.StimulationProtocol;
         StimulationProtocol planned;
-        if (!session.feedback.documentExists() && isProtocolPathSet(path))
+        if (session.feedback.awaitsRun() && isProtocolPathSet(path))
             (void)readProtocolForDelayedFeedback(path, planned);
         dialog = new DelayedFeedbackDlg(session, planned, &window);
     }
