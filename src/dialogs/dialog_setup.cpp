@@ -91,6 +91,9 @@ QPoint placeBeside(const QRect& area, const QRect& main, QSize frame, int n) {
         const int left = freeRight >= frame.width() ? main.right() + 1 : area.left();
         return QPoint(left, main.top()) + offset * n;
     }
+    // A tall one would cover the run button.
+    if (frame.height() > main.height() * 3 / 5)
+        return QPoint(main.left(), main.top() + main.height() * 2 / 5) + offset * n;
     // To the left and up: the fields of the thresholds, at the bottom, are not covered.
     return QPoint(main.right() + 1 - frame.width(), main.top() + main.height() * 2 / 5) -
            offset * n;

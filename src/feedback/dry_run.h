@@ -28,6 +28,7 @@ struct DryRunOptions {
 /// operator. Of a curve or a classifier: from which volume on it is shown.
 struct FeedbackForecast {
     int firstVolume = -1; ///< from 0; -1 when there is none in the whole run
+    std::vector<int> baselines; ///< volumes, from 0, at which a block that has ended gives one
     QString text;
 };
 /// Passes a constant signal through the levels. Output that is blocked counts as shown.

@@ -210,5 +210,9 @@ FeedbackForecast forecastFeedback(const FeedbackChoices& choices,
     }
     if (choices.BlockOutput)
         lines << "No output to the subject is chosen: the boxes stay empty all the same.";
-    return {forecast.first, lines.join('\n')};
+    std::vector<int> baselines;
+    for (const Block& block : forecast.blocks)
+        if (block.gives)
+            baselines.push_back(block.known);
+    return {forecast.first, std::move(baselines), lines.join('\n')};
 }

@@ -81,6 +81,7 @@ TEST(DialogSetup, SmallWindowsStandBesideTheMainOneOrAtItsRight) {
     EXPECT_EQ(placeBeside({0, 0, 1304, 768}, main, frame, 2), QPoint(1064, 40));
     EXPECT_EQ(placeBeside({-280, 0, 1304, 768}, main, frame, 0), QPoint(-280, 0));
     EXPECT_EQ(placeBeside({0, 0, 1303, 768}, main, frame, 1), QPoint(724, 287));
+    EXPECT_EQ(placeBeside(main, main, {500, 680}, 0).x(), 0); // the run button stays free
 }
 
 TEST(DialogSetup, TallContentScrollsOnlyWhereTheScreenIsTooSmall) {

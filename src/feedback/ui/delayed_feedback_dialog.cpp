@@ -42,7 +42,7 @@ DelayedFeedbackSettings firstSettings(const RunSession& session,
 DelayedFeedbackDlg::DelayedFeedbackDlg(RunSession& session, const StimulationProtocol& planned,
                                        QWidget* parent)
     : EditDialog(parent), session_(session), ui_(std::make_unique<Ui::DelayedFeedbackDlg>()),
-      protocol_(session.feedback.documentExists() ? session.feedback.protocol() : planned),
+      protocol_(session.feedback.awaitsRun() ? planned : session.feedback.protocol()),
       settings_(firstSettings(session, protocol_)) {
     ui_->setupUi(this);
     fillConditions();
@@ -186,7 +186,7 @@ void openDelayedFeedbackDialog(RunSession& session, QWidget& window) {
         const QString path = session.settings.StimulationProtocol;
         StimulationProtocol planned;
         const QPointer<QWidget> parent(&window);
-        if (!session.feedback.documentExists() && isProtocolPathSet(path))
+        if (session.feedback.awaitsRun() && isProtocolPathSet(path))
             (void)readProtocolForDelayedFeedback(path, planned);
         if (!parent) // auto-advance took another settings file while a message stood there
             return;

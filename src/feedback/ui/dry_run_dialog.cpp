@@ -94,7 +94,7 @@ QString missingForDryRun(const RunSession& session, const StimulationProtocol& p
         return {};
     if (protocol.nrOfConditions() > 0)
         return "The settings file has no volumes to analyse.";
-    if (session.feedback.documentExists())
+    if (!session.feedback.awaitsRun())
         return "The run in memory has no protocol: a dry run needs one.";
     if (isProtocolPathSet(settings.TDatFile) || isProtocolPathSet(settings.RealTimeProtocol))
         return "The protocol arrives during the run: a dry run needs one that is known before.";
@@ -109,7 +109,8 @@ FeedbackDryRunDlg::FeedbackDryRunDlg(RunSession& session, Shown shown, QWidget* 
       ui_(std::make_unique<Ui::FeedbackDryRunDlg>()) {
     ui_->setupUi(this);
     ui_->ReadOutLbl->setFont(numberFont(font(), 0.9));
-    // Longer texts scroll, so that the picture keeps its size.
+    // Always two lines, and longer texts scroll, so that the picture keeps its size.
+    ui_->ReadOutLbl->setFixedHeight(2 * QFontMetrics(ui_->ReadOutLbl->font()).lineSpacing());
     ui_->ForecastArea->setMinimumHeight(fewestForecastLines * fontMetrics().lineSpacing());
     ui_->ForecastArea->setMaximumHeight(mostForecastLines * fontMetrics().lineSpacing());
     ui_->SubjectScreenOp->setVisible(shown_ != nullptr);
@@ -361,5 +362,5 @@ void openFeedbackDryRunDialog(RunSession& session, QWidget& window,
     auto* dialog = window.findChild<FeedbackDryRunDlg*>();
     if (!dialog)
         dialog = new FeedbackDryRunDlg(session, std::move(shown), &window);
-    showInFront(*dialog);
+    showBeside(*dialog);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "feedback/ui/feedback_state.h"
 
+#include <algorithm>
+
 namespace {
 
 QString conditionName(const SessionFeedback& feedback, int index) {
@@ -32,7 +34,24 @@ QString baselineText(const FeedbackValues& values) {
     return {};
 }
 
-QString liveText(const SessionFeedback& feedback, const std::function<QString()>& forecast) {
+QString firstLine(const FeedbackForecast& forecast) {
+    return forecast.text.section('\n', 0, 0);
+}
+
+/// After the first feedback a baseline is missing where other regions were chosen, the display was
+/// opened anew, or a block was too short.
+QString missingBaselineText(const FeedbackForecast& forecast, int volume) {
+    if (forecast.firstVolume < 0 || volume < forecast.firstVolume)
+        return "No baseline yet: " + firstLine(forecast);
+    const auto next = std::ranges::upper_bound(forecast.baselines, volume);
+    if (next == forecast.baselines.end())
+        return "No baseline now: level 0, and no further block ends before the run does";
+    return QStringLiteral("No baseline now: level 0 until the next block has ended, at volume %1")
+        .arg(*next + 1);
+}
+
+QString liveText(const SessionFeedback& feedback,
+                 const std::function<FeedbackForecast()>& forecast) {
     const FeedbackChoices& choices = feedback.choices();
     const FeedbackValues& values = feedback.values();
     const QString volume = QStringLiteral("Volume %1: ").arg(values.volume + 1);
@@ -44,28 +63,27 @@ QString liveText(const SessionFeedback& feedback, const std::function<QString()>
         return volume + QStringLiteral("Suppressed by condition \"%1\"")
                             .arg(conditionName(feedback, choices.NoFbCondition));
     if (values.source == BaselineSource::None)
-        return "No baseline yet: " + (choices.UseTCGLMB0ForBaseline
-                                          ? QStringLiteral("the model has no constant yet")
-                                          : forecast());
+        return choices.UseTCGLMB0ForBaseline
+                   ? QStringLiteral("No baseline yet: the model has no constant yet")
+                   : missingBaselineText(forecast(), values.volume);
     return volume + levelText(values) + ", " + baselineText(values);
 }
 
 } // namespace
 
 QString feedbackStateText(const SessionFeedback& feedback,
-                          const std::function<QString()>& forecast) {
+                          const std::function<FeedbackForecast()>& forecast) {
     const QString fault = feedback.fault();
     if (!fault.isEmpty())
         return fault;
-    if (!feedback.documentExists())
-        return "No run yet. " + forecast();
+    if (feedback.awaitsRun())
+        return "No run yet. " + firstLine(forecast());
     const FeedbackChoices& choices = feedback.choices();
     if (!choices.UseSVMOutput && feedback.nrOfRegions() == 0)
         return QStringLiteral("No regions yet: select them on the slices or load them. ") +
-               forecast();
+               firstLine(forecast());
     if (!feedback.values().live)
-        return QStringLiteral("No feedback before volume %1. ").arg(firstLiveVolume + 1) +
-               forecast();
+        return firstLine(forecast());
     const QString text = liveText(feedback, forecast);
     return choices.BlockOutput ? "No output to subject. " + text : text;
 }

@@ -184,16 +184,16 @@ void NeurofeedbackDlg::refreshState() {
     const SessionFeedback& feedback = session_.feedback;
     QString reasons = "What the display lacks, or what it shows now";
     ui_->FeedbackStateLbl->setText(feedbackStateText(feedback, [&] {
-        reasons = forecastFeedback(feedback.choices(), currentProtocol(), feedback.nrOfVolumes(),
-                                   feedback.TR())
-                      .text;
-        return reasons.section('\n', 0, 0);
+        FeedbackForecast forecast = forecastFeedback(feedback.choices(), currentProtocol(),
+                                                     feedback.nrOfVolumes(), feedback.TR());
+        reasons = forecast.text;
+        return forecast;
     }));
     ui_->FeedbackStateLbl->setToolTip(reasons);
 }
 
 const StimulationProtocol& NeurofeedbackDlg::currentProtocol() const {
-    return session_.feedback.documentExists() ? session_.functionalDocument->protocol : planned_;
+    return session_.feedback.awaitsRun() ? planned_ : session_.functionalDocument->protocol;
 }
 
 void NeurofeedbackDlg::change(const std::function<void(FeedbackChoices&)>& edit) {

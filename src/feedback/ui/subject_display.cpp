@@ -6,6 +6,7 @@
 #include <QCloseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QWindow>
 
 namespace {
 
@@ -28,6 +29,8 @@ void SubjectDisplay::becomeWindow(Qt::WindowFlags flags, QScreen& screen) {
     hide();
     setWindowState(Qt::WindowNoState);
     setWindowFlags(flags | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus);
+    if (windowHandle())
+        windowHandle()->setTransientParent(nullptr);
     setScreen(&screen);
 }
 
@@ -44,13 +47,17 @@ void SubjectDisplay::showOnScreen(QScreen& screen) {
     setVisible(true);
 }
 
-void SubjectDisplay::showInWindow(QScreen& screen) {
-    becomeWindow(Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint, screen);
+void SubjectDisplay::showInWindow(QScreen& screen, QWidget& mainWindow) {
+    // Of the kinds of windows only dialogs stand above the window that they belong to.
+    becomeWindow(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint, screen);
     unsetCursor();
     const QRect area = screen.availableGeometry();
     const QRect frame(area.bottomRight(), firstWindowSize + windowFrame);
     resize(firstWindowSize);
     move(placedWithin(area, frame).topLeft());
+    // A main window that fills its screen would hide one that does not belong to it.
+    (void)winId();
+    windowHandle()->setTransientParent(mainWindow.window()->windowHandle());
     setVisible(true);
 }
 

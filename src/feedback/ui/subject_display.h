@@ -18,8 +18,8 @@ public:
 
     /// Covers the whole screen, without frame and pointer, and follows its size.
     void showOnScreen(QScreen& screen);
-    /// A small window on `screen`, which the operator can move and close.
-    void showInWindow(QScreen& screen);
+    /// A small window on `screen`, above the main one, which the operator can move and close.
+    void showInWindow(QScreen& screen, QWidget& mainWindow);
 
     /// Draws it, if the display is shown, and returns when that is done.
     void showNow(const SubjectPicture& picture);

@@ -121,7 +121,7 @@ void SubjectScreenChooser::apply() {
     if (subject)
         display_.showOnScreen(*subject);
     else if (choice_ == Choice::Window && home_)
-        display_.showInWindow(*home_);
+        display_.showInWindow(*home_, mainWindow_);
     else
         display_.hide();
     listScreens();

@@ -90,17 +90,17 @@ void SessionFeedback::testClassifier() {
 }
 
 StimulationProtocol SessionFeedback::protocol() const {
-    if (document_)
-        return document_->protocol;
-    return plannedProtocol(parts_.settings).value_or(StimulationProtocol());
+    if (awaitsRun())
+        return plannedProtocol(parts_.settings).value_or(StimulationProtocol());
+    return document_->protocol;
 }
 
 float SessionFeedback::TR() const {
-    return document_ ? document_->project.TR : parts_.settings.TR;
+    return awaitsRun() ? parts_.settings.TR : document_->project.TR;
 }
 
 int SessionFeedback::nrOfVolumes() const {
-    return document_ ? document_->project.NrOfVolumes : parts_.settings.nrOfAnalysedVolumes();
+    return awaitsRun() ? parts_.settings.nrOfAnalysedVolumes() : document_->project.NrOfVolumes;
 }
 
 void SessionFeedback::setDelayed(const DelayedFeedbackSettings& settings) {
@@ -158,6 +158,7 @@ void SessionFeedback::draw() {
 }
 
 void SessionFeedback::settingsFileChanged() {
+    settingsChanged_ = true;
     choices_ = {};
     delayed_.reset();
     delayedMessage_.clear();
@@ -171,6 +172,7 @@ void SessionFeedback::documentsLeaving() {
 // A new run begins with nothing, also where it is as long as the one before.
 void SessionFeedback::documentsArrived(QtCortivoDoc& functional) {
     document_ = &functional;
+    settingsChanged_ = false;
     levels_.restart();
     regionsInTable_ = -1;
     goesOn_ = false;

@@ -60,12 +60,14 @@ public:
     /// Number of regions of the run in memory; 0 without one.
     [[nodiscard]] int nrOfRegions() const;
     [[nodiscard]] bool documentExists() const { return document_ != nullptr; }
+    /// What is planned counts: there is no run in memory, or it is that of another settings file.
+    [[nodiscard]] bool awaitsRun() const { return !document_ || settingsChanged_; }
     /// Whether the classifier's output can be chosen.
     [[nodiscard]] bool classifierPredicts() const;
     /// Not owned; null for none.
     void setClassifier(const ClassifierOutput* classifier);
 
-    /// Of the run in memory, else of the protocol that the settings name.
+    /// Of the run in memory; while a run is awaited, of the protocol that the settings name.
     [[nodiscard]] StimulationProtocol protocol() const;
     [[nodiscard]] float TR() const; ///< milliseconds, likewise
     [[nodiscard]] int nrOfVolumes() const;
@@ -105,6 +107,7 @@ private:
     Parts parts_;
     FeedbackScreen* screen_ = nullptr;
     QtCortivoDoc* document_ = nullptr;
+    bool settingsChanged_ = false; ///< since the documents arrived
     const ClassifierOutput* classifier_ = nullptr;
     FeedbackChoices choices_;
     float shiftsTR_ = 0.0f; ///< that the shifts were computed for, milliseconds

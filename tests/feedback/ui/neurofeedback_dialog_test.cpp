@@ -118,6 +118,32 @@ TEST_F(NeurofeedbackDialog, BeginsWithTheThermometerAndThePlannedProtocol) {
     EXPECT_TRUE(find<QCheckBox>("BlockOutputOp").isChecked());
 }
 
+// The run of the settings before is still in memory: what counts is the one that comes.
+TEST_F(NeurofeedbackDialog, AnotherSettingsFileBringsItsOwnProtocol) {
+    arrive(1);
+    writeSession(24, 0, {{"TR:", "1500"}}, defaultProtocol().replace("Houses", "Up_7"));
+    session.listeners.settingsFileChanged();
+    EXPECT_TRUE(session.inspectSettings());
+    EXPECT_TRUE(session.feedback.documentExists());
+    openNeurofeedbackDialog(session, window);
+    EXPECT_EQ(find<QComboBox>("BaselineCondCmBx").itemText(2), "Up_7");
+    EXPECT_EQ(find<QSpinBox>("BaselineStartShiftTRsSpBx").value(), 4);
+    EXPECT_EQ(session.feedback.nrOfVolumes(), 24);
+    EXPECT_TRUE(state().startsWith("No run yet. ")) << state().toStdString();
+    arrive(1);
+    EXPECT_EQ(session.feedback.nrOfVolumes(), 30);
+}
+
+TEST_F(NeurofeedbackDialog, SaysWhenTheNextBaselineComes) {
+    arrive(2);
+    session.functionalDocument->volumeTables = {};
+    session.feedback.update();
+    click("m_UseTimeCourse2");
+    EXPECT_TRUE(state().contains("until the next block has ended, at volume ") ||
+                state().contains("no further block ends"))
+        << state().toStdString();
+}
+
 TEST_F(NeurofeedbackDialog, ModesAreThoseOfTheRegions) {
     constexpr const char* expected[] = {"-------", "*------", "*+-+---", "*++++++"};
     for (int regions = 0; regions <= 3; ++regions) {
@@ -267,7 +293,7 @@ TEST_F(NeurofeedbackDialog, ShowsARunAndSaysWhatItShows) {
         }
     };
     session.runButtonPressed();
-    EXPECT_TRUE(states[1].startsWith("No feedback before volume 11. ")) << states[1].toStdString();
+    EXPECT_TRUE(states[1].startsWith("Feedback from volume ")) << states[1].toStdString();
     EXPECT_TRUE(states[25].startsWith("Volume 26: Level ")) << states[25].toStdString();
     EXPECT_EQ(states[29], "Volume 30: the curve, without a level");
     const QImage saved = QImage(path("results/test-30.png")).convertToFormat(QImage::Format_RGB32);
