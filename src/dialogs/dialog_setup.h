@@ -26,8 +26,9 @@ inline constexpr QSize windowFrame(8, 28);
 [[nodiscard]] QRect placedWithin(const QRect& area, const QRect& frame);
 
 /// The place of the n-th window beside the slices, n from 0: beside the main window where the
-/// screen has room, else over its right edge below the middle, so that slices at the left stay free;
-/// a tall one over its left edge, so that the run button does. Each is 20 pixels from the one before.
+/// screen has room, else over its right edge below the middle, so that slices at the left stay
+/// free; a tall one over its left edge, so that the run button does. Each is 20 pixels from the one
+/// before.
 [[nodiscard]] QPoint placeBeside(const QRect& area, const QRect& main, QSize frame, int n);
 
 /// Shows a modeless window of curves or raises it. It opens at such a place, and later where the

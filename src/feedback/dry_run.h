@@ -27,7 +27,7 @@ struct DryRunOptions {
 /// From which volume on the subject sees a level against a baseline, and why not before, for the
 /// operator. Of a curve or a classifier: from which volume on it is shown.
 struct FeedbackForecast {
-    int firstVolume = -1; ///< from 0; -1 when there is none in the whole run
+    int firstVolume = -1;       ///< from 0; -1 when there is none in the whole run
     std::vector<int> baselines; ///< volumes, from 0, at which a block that has ended gives one
     QString text;
 };

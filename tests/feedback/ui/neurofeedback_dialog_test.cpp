@@ -123,6 +123,7 @@ TEST_F(NeurofeedbackDialog, AnotherSettingsFileBringsItsOwnProtocol) {
     arrive(1);
     writeSession(24, 0, {{"TR:", "1500"}}, defaultProtocol().replace("Houses", "Up_7"));
     session.listeners.settingsFileChanged();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(session.inspectSettings());
     EXPECT_TRUE(session.feedback.documentExists());
     openNeurofeedbackDialog(session, window);
@@ -134,14 +135,20 @@ TEST_F(NeurofeedbackDialog, AnotherSettingsFileBringsItsOwnProtocol) {
     EXPECT_EQ(session.feedback.nrOfVolumes(), 30);
 }
 
+// At volume 21: a block has ended that the regions missed.
 TEST_F(NeurofeedbackDialog, SaysWhenTheNextBaselineComes) {
     arrive(2);
-    session.functionalDocument->volumeTables = {};
-    session.feedback.update();
+    StimulationProtocol& protocol = session.functionalDocument->protocol;
+    protocol.conditions[0].to[1] = 12;
+    protocol.conditions[2].from[0] = 13;
     click("m_UseTimeCourse2");
-    EXPECT_TRUE(state().contains("until the next block has ended, at volume ") ||
-                state().contains("no further block ends"))
+    EXPECT_TRUE(state().endsWith("no further block ends before the run does"))
         << state().toStdString();
+    protocol.conditions[2].to[0] = 15;
+    EXPECT_TRUE(protocol.addInterval(0, 16, 25));
+    EXPECT_TRUE(protocol.addInterval(2, 26, 30));
+    session.feedback.update();
+    EXPECT_TRUE(state().endsWith("at volume 27")) << state().toStdString();
 }
 
 TEST_F(NeurofeedbackDialog, ModesAreThoseOfTheRegions) {
