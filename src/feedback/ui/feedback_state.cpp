@@ -3,12 +3,6 @@
 
 namespace {
 
-QString conditionName(const SessionFeedback& feedback, int index) {
-    const StimulationProtocol protocol = feedback.protocol();
-    return index >= 0 && index < protocol.nrOfConditions() ? protocol.conditions[size_t(index)].name
-                                                           : QString();
-}
-
 QString levelText(const FeedbackValues& values) {
     if (values.pair)
         return QStringLiteral("Levels %1 and %2").arg(values.FbLevel1).arg(values.FbLevel2);
@@ -40,9 +34,9 @@ QString liveText(const SessionFeedback& feedback, const std::function<QString()>
         return QStringLiteral("Output of the classifier: level %1").arg(values.FbLevel1);
     if (choices.type == FeedbackType::TimeCourse)
         return volume + "the curve, without a level";
-    if (values.noFeedback)
+    if (values.hidesLevel())
         return volume + QStringLiteral("Suppressed by condition \"%1\"")
-                            .arg(conditionName(feedback, choices.NoFbCondition));
+                            .arg(conditionName(feedback.protocol(), choices.NoFbCondition));
     if (values.source == BaselineSource::None)
         return "No baseline yet: " + (choices.UseTCGLMB0ForBaseline
                                           ? QStringLiteral("the model has no constant yet")
