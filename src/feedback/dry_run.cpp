@@ -103,7 +103,7 @@ std::vector<float> madeUpCurve(const DryRunOptions& options, const StimulationPr
 FeedbackDryRun::FeedbackDryRun(const FeedbackChoices& choices, StimulationProtocol protocol,
                                const DryRunOptions& options)
     : chosen_(choices), protocol_(std::move(protocol)), options_(options),
-      curve_(madeUpCurve(options, protocol_)) {
+      conditionNames_(conditionNames(protocol_)), curve_(madeUpCurve(options, protocol_)) {
     options_.nrOfVolumes = int(curve_.size());
     settleROIMode(chosen_, options_.nrOfRegions);
     buildVolumeTables(tables_, protocol_, nrOfVolumes(), options_.TR);
@@ -132,17 +132,11 @@ void FeedbackDryRun::goTo(int volume) {
             levels_.update(signalsNow(), choices_);
         }
     }
-    QStringList names;
-    for (const ProtocolCondition& condition : protocol_.conditions)
-        names << condition.name;
-    frame_ = feedbackFrame(levels_.values(), choices_, tables_, names);
+    frame_ = feedbackFrame(levels_.values(), choices_, tables_, conditionNames_);
 }
 
 QString FeedbackDryRun::conditionName() const {
-    const auto condition = size_t(tables_.condition(volume_));
-    return volume_ >= 0 && condition < protocol_.conditions.size()
-               ? protocol_.conditions[condition].name
-               : QString();
+    return volume_ >= 0 ? ::conditionName(protocol_, tables_.condition(volume_)) : QString();
 }
 
 FeedbackSignals FeedbackDryRun::signalsNow() const {

@@ -63,6 +63,7 @@ private:
     FeedbackChoices choices_; ///< now
     StimulationProtocol protocol_;
     DryRunOptions options_;
+    QStringList conditionNames_;
     VolumeTables tables_;
     std::vector<float> curve_;
     FeedbackLevels levels_;

@@ -50,9 +50,8 @@ QString volumesText(const Stretch& stretch) {
 }
 
 QString conditionText(const Forecast& forecast, int condition) {
-    return condition >= 0 && condition < forecast.protocol.nrOfConditions()
-               ? "\"" + forecast.protocol.conditions[size_t(condition)].name + "\""
-               : QStringLiteral("the condition");
+    const QString name = conditionName(forecast.protocol, condition);
+    return name.isEmpty() ? QStringLiteral("the condition") : '"' + name + '"';
 }
 
 /// The stretches of volumes for which something holds.

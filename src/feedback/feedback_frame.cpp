@@ -63,10 +63,7 @@ FeedbackFrame feedbackFrame(const FeedbackValues& values, const FeedbackChoices&
         return frame;
     frame.thermometers = thermometers(values);
     frame.baseLevel = std::clamp(choices.DisplayBaseLevel, 0, thermometerSteps);
-    // Only a single thermometer is suppressed: a pair goes on, and the classifier knows no
-    // conditions.
-    const bool suppressed = values.noFeedback && !values.pair && !values.classifier;
-    frame.levelsShown = !choices.BlockOutput && !suppressed;
+    frame.levelsShown = !choices.BlockOutput && !values.hidesLevel();
     frame.arrowMode = choices.ArrowMode && !values.classifier;
     frame.arrowShown = frame.arrowMode && frame.levelsShown && choices.ArrowLevel > 0;
     if (choices.ShowConditionNameAsInstruction)

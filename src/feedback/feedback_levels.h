@@ -36,7 +36,7 @@ inline constexpr int firstLiveVolume = 10;
 /// The outcome of one volume. The second of two is used for a pair of thermometers only.
 struct FeedbackValues {
     bool live = false;       ///< else the idle picture is shown
-    bool noFeedback = false; ///< suppressed by the no-feedback condition
+    bool noFeedback = false; ///< the no-feedback condition holds, after its shifts
     bool pair = false;       ///< two thermometers
     bool classifier = false;
     /// Levels were computed: not for the idle picture and a curve.
@@ -49,6 +49,10 @@ struct FeedbackValues {
     int FbLevel1 = 4, FbLevel2 = 4; ///< in steps, negative below the base line
     int TargetLevel = 0, TargetLevel2 = 0;
     BaselineSource source = BaselineSource::None;
+
+    /// Only a single thermometer is suppressed: a pair goes on, and the classifier knows no
+    /// conditions.
+    [[nodiscard]] bool hidesLevel() const { return noFeedback && !pair && !classifier; }
 };
 
 /// Computes the level volume by volume. Fed with numbers only: a recorded run can be passed

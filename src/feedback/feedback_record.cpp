@@ -67,7 +67,7 @@ QByteArray feedbackRecordLine(const FeedbackRecord& record, int nrOfRegions) {
     cells << realText(ofRegions, values.Baseline1) << realText(pair, values.Baseline2)
           << realText(ofRegions && !pair, values.RelativeLevel) << levelText(shown, values.FbLevel1)
           << levelText(shown && pair, values.FbLevel2) << targetText(ofRegions, values.TargetLevel)
-          << targetText(pair, values.TargetLevel2)
-          << levelText(live, values.noFeedback && !values.pair) << numberText(record.milliseconds);
+          << targetText(pair, values.TargetLevel2) << levelText(live, values.hidesLevel())
+          << numberText(record.milliseconds);
     return row(cells);
 }

@@ -59,8 +59,7 @@ DelayedFeedbackDlg::~DelayedFeedbackDlg() = default;
 void DelayedFeedbackDlg::fillConditions() {
     const QSignalBlocker quiet(ui_->ReferenceConditionCmBx);
     ui_->ReferenceConditionCmBx->clear();
-    for (const ProtocolCondition& condition : protocol_.conditions)
-        ui_->ReferenceConditionCmBx->addItem(condition.name);
+    ui_->ReferenceConditionCmBx->addItems(conditionNames(protocol_));
     ui_->MillisecondLbl->setVisible(protocol_.resolutionOfTime == ResolutionOfTime::Milliseconds);
 }
 

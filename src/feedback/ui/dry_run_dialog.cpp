@@ -63,7 +63,7 @@ QString levelText(const FeedbackDryRun& run) {
     const QString level = QString("level %1  ·  %2").arg(values.FbLevel1).arg(baseline);
     const QString target =
         values.TargetLevel > 0 ? QString("target %1").arg(values.TargetLevel) : "no target";
-    return level + "  ·  " + target + (values.noFeedback ? "  ·  not shown" : "");
+    return level + "  ·  " + target + (values.hidesLevel() ? "  ·  not shown" : "");
 }
 
 QString readOut(const FeedbackDryRun& run) {

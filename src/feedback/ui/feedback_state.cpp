@@ -5,12 +5,6 @@
 
 namespace {
 
-QString conditionName(const SessionFeedback& feedback, int index) {
-    const StimulationProtocol protocol = feedback.protocol();
-    return index >= 0 && index < protocol.nrOfConditions() ? protocol.conditions[size_t(index)].name
-                                                           : QString();
-}
-
 QString levelText(const FeedbackValues& values) {
     if (values.pair)
         return QStringLiteral("Levels %1 and %2").arg(values.FbLevel1).arg(values.FbLevel2);
@@ -59,9 +53,9 @@ QString liveText(const SessionFeedback& feedback,
         return QStringLiteral("Output of the classifier: level %1").arg(values.FbLevel1);
     if (choices.type == FeedbackType::TimeCourse)
         return volume + "the curve, without a level";
-    if (values.noFeedback)
+    if (values.hidesLevel())
         return volume + QStringLiteral("Suppressed by condition \"%1\"")
-                            .arg(conditionName(feedback, choices.NoFbCondition));
+                            .arg(conditionName(feedback.protocol(), choices.NoFbCondition));
     if (values.source == BaselineSource::None)
         return choices.UseTCGLMB0ForBaseline
                    ? QStringLiteral("No baseline yet: the model has no constant yet")

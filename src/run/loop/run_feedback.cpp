@@ -22,13 +22,6 @@ FeedbackSignals feedbackSignals(const QtCortivoDoc& document, const RunReport& r
     return signals;
 }
 
-QStringList conditionNames(const StimulationProtocol& protocol) {
-    QStringList names;
-    for (const ProtocolCondition& condition : protocol.conditions)
-        names << condition.name;
-    return names;
-}
-
 std::optional<StimulationProtocol> plannedProtocol(const RunSettings& settings) {
     StimulationProtocol protocol;
     QString text;

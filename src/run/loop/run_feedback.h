@@ -11,8 +11,6 @@
 /// until it changes.
 [[nodiscard]] FeedbackSignals feedbackSignals(const QtCortivoDoc& document,
                                               const RunReport& report);
-/// The names of the conditions of a protocol, in its order.
-[[nodiscard]] QStringList conditionNames(const StimulationProtocol& protocol);
 /// The protocol that the settings name, for use before a run; nothing, without a message, for one
 /// that arrives during the run and when it can't be read.
 [[nodiscard]] std::optional<StimulationProtocol> plannedProtocol(const RunSettings& settings);

@@ -80,7 +80,8 @@ public:
     /// before regionsChanged().
     virtual void regionsLoaded(QtCortivoDoc& functional) { static_cast<void>(functional); }
 
-    /// The operator has changed the choices for the feedback to the subject, or opened its display.
+    /// The operator has changed the choices for the feedback to the subject, opened its display, or
+    /// loaded regions, which bring maxima.
     virtual void feedbackChanged() {}
 
     /// The samples of the volume are in memory, as they were measured. False ends the run, after

@@ -136,3 +136,15 @@ int conditionAtVolume(const StimulationProtocol& protocol, int volumeIndex, floa
             return condition;
     return -1;
 }
+
+QStringList conditionNames(const StimulationProtocol& protocol) {
+    QStringList names;
+    for (const ProtocolCondition& condition : protocol.conditions)
+        names << condition.name;
+    return names;
+}
+
+QString conditionName(const StimulationProtocol& protocol, int index) {
+    return index >= 0 && index < protocol.nrOfConditions() ? protocol.conditions[size_t(index)].name
+                                                           : QString();
+}

@@ -90,6 +90,11 @@ struct StimulationProtocol {
 /// True when a path is set.
 [[nodiscard]] bool isProtocolPathSet(const QString& path); // neither empty nor "<none>"
 
+/// The names of the conditions, in their order.
+[[nodiscard]] QStringList conditionNames(const StimulationProtocol& protocol);
+/// The name of a condition; empty where no condition has this index.
+[[nodiscard]] QString conditionName(const StimulationProtocol& protocol, int index);
+
 /// Index of the condition that holds at a volume, counted from 0 among the analysed ones; -1 when
 /// none does. In volumes an interval covers volumes from - 1 to to - 1; in milliseconds it holds
 /// when the volume's start, volumeIndex times TR (milliseconds), lies in it, both bounds included.

@@ -85,8 +85,10 @@ void SessionFeedback::setClassifier(const ClassifierOutput* classifier) {
 
 // The classifier may have stopped to predict at any volume.
 void SessionFeedback::testClassifier() {
-    if (choices_.UseSVMOutput && !classifierPredicts())
-        giveUpClassifierOutput(choices_, nrOfRegions());
+    if (!choices_.UseSVMOutput || classifierPredicts())
+        return;
+    giveUpClassifierOutput(choices_, nrOfRegions());
+    noteChange();
 }
 
 StimulationProtocol SessionFeedback::protocol() const {
@@ -162,6 +164,8 @@ void SessionFeedback::settingsFileChanged() {
     choices_ = {};
     delayed_.reset();
     delayedMessage_.clear();
+    files_ = {};
+    tableFault_.clear();
 }
 
 void SessionFeedback::documentsLeaving() {
@@ -196,6 +200,7 @@ void SessionFeedback::regionsChanged(QtCortivoDoc&) {
 void SessionFeedback::regionsLoaded(QtCortivoDoc& functional) {
     choices_.MaxPSC = functional.DefaultMaxPSC;
     noteChange();
+    parts_.listeners.feedbackChanged();
 }
 
 // What the subject sees comes first; files follow once the picture is on the screen.
@@ -262,12 +267,10 @@ void SessionFeedback::appendRecord(const VolumeAtHand& hand, qint64 shownAt) {
         regionsInTable_ = std::max(nrOfRegions(), 3);
     FeedbackRecord record;
     record.volume = hand.volume;
-    const int condition = document.volumeTables.condition(hand.volume);
-    if (condition < document.protocol.nrOfConditions())
-        record.condition = document.protocol.conditions[size_t(condition)].name;
-    for (int i = 0; i < nrOfRegions(); ++i)
-        record.regionSignals.push_back(
-            document.regions[i].TimeCourseValues.at(size_t(hand.volume)));
+    record.condition =
+        conditionName(document.protocol, document.volumeTables.condition(hand.volume));
+    for (const std::span<const float> curve : feedbackSignals(document, parts_.report).curves)
+        record.regionSignals.push_back(curve[size_t(hand.volume)]);
     record.values = levels_.values();
     record.levelShown = showsLevel(frame_);
     record.milliseconds = double(shownAt - parts_.report.times.noticedAt);
@@ -275,8 +278,11 @@ void SessionFeedback::appendRecord(const VolumeAtHand& hand, qint64 shownAt) {
     const bool goesOn = begins && goesOn_ && fileExists(path);
     if (begins && !goesOn)
         text.prepend(feedbackRecordHead(regionsInTable_));
-    if (!appendToLog(path, text, begins && !goesOn))
-        tableFault_ = QStringLiteral("Not written: \"%1\"").arg(path);
+    if (appendToLog(path, text, begins && !goesOn))
+        return;
+    tableFault_ = QStringLiteral("Not written: \"%1\"").arg(path);
+    if (begins) // the next volume writes the head
+        regionsInTable_ = -1;
 }
 
 void SessionFeedback::recordPlayed(const RunRecord& record) {

@@ -116,6 +116,23 @@ TEST_F(SessionFeedbackTest, WithoutAScreenNothingIsWrittenAndWhatCanNotBeWritten
     EXPECT_TRUE(session.report.savedCompletely);
     EXPECT_TRUE(session.feedback.fault().contains("in_the_way/fb/test-40.png"));
     EXPECT_EQ(table().size(), volumes + 1) << "the table is in another folder";
+
+    // A table that could not begin does so when it can, with its head.
+    const QString tsv = path("results/test_feedback.tsv");
+    ASSERT_TRUE(QFile::remove(tsv) && QDir().mkpath(tsv));
+    writeSession(volumes, 0);
+    screen_.whenShown = [&](int volume) {
+        if (volume == 30)
+            QDir().rmdir(tsv);
+    };
+    runAgain();
+    EXPECT_TRUE(session.report.savedCompletely);
+    EXPECT_EQ(session.feedback.fault(), "Not written: \"" + tsv + '"');
+    ASSERT_EQ(table().size(), 11);
+    EXPECT_TRUE(table()[0].startsWith("volume\t"));
+    screen_.whenShown = [](int) {};
+    runAgain();
+    EXPECT_EQ(session.feedback.fault(), "");
 }
 
 TEST_F(SessionFeedbackTest, TheTypeDecidesWhichFilesAreWritten) {
@@ -183,10 +200,15 @@ TEST_F(SessionFeedbackTest, MaximaComeWithRegionsAndChoicesGoWithTheSettingsFile
     session.feedback.change([](FeedbackChoices& choices) { choices.MaxPSC = {3.5f, 1.0f, 1.0f}; });
     session.runButtonPressed();
     session.feedback.close();
+    session.feedback.change(
+        [](FeedbackChoices& choices) { choices.ShowConditionNameAsInstruction = false; });
+    session.feedback.setDelayed({});
     session.feedback.open(screen_);
     EXPECT_EQ(session.feedback.choices().MaxPSC[0], 2.0f) << "what a display begins with";
+    EXPECT_TRUE(session.feedback.choices().ShowConditionNameAsInstruction);
     EXPECT_TRUE(session.regions.load(path("results/test.roi")));
     EXPECT_EQ(session.feedback.choices().MaxPSC[0], 3.5f);
     session.changeSettingsFile(path("test-1.vco"));
     EXPECT_EQ(session.feedback.choices(), FeedbackChoices());
+    EXPECT_FALSE(session.feedback.delayed());
 }
