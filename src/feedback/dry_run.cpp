@@ -107,7 +107,10 @@ FeedbackDryRun::FeedbackDryRun(const FeedbackChoices& choices, StimulationProtoc
     options_.nrOfVolumes = int(curve_.size());
     settleROIMode(chosen_, options_.nrOfRegions);
     buildVolumeTables(tables_, protocol_, nrOfVolumes(), options_.TR);
-    firstFitted_ = firstFittedVolume(protocol_, nrOfVolumes(), options_.TR);
+    // The dialog asks at each volume; a response in milliseconds takes long to compute.
+    firstFitted_ = chosen_.UseTCGLMB0ForBaseline
+                       ? firstFittedVolume(protocol_, nrOfVolumes(), options_.TR)
+                       : nrOfVolumes();
     restart();
 }
 

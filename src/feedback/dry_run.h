@@ -68,6 +68,6 @@ private:
     std::vector<float> curve_;
     FeedbackLevels levels_;
     FeedbackFrame frame_;
-    int firstFitted_ = 0; ///< volume from which on the regions have a model
+    int firstFitted_ = 0; ///< volume from which on the regions have a model, where it is used
     int volume_ = -1;
 };
