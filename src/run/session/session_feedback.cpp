@@ -265,7 +265,7 @@ void SessionFeedback::appendRecord(const VolumeAtHand& hand, qint64 shownAt) {
     const bool begins = regionsInTable_ < 0;
     if (begins)
         regionsInTable_ = std::max(nrOfRegions(), 3);
-    FeedbackRecord record;
+    FeedbackRow record;
     record.volume = hand.volume;
     record.condition =
         conditionName(document.protocol, document.volumeTables.condition(hand.volume));
@@ -274,10 +274,10 @@ void SessionFeedback::appendRecord(const VolumeAtHand& hand, qint64 shownAt) {
     record.values = levels_.values();
     record.levelShown = showsLevel(frame_);
     record.milliseconds = double(shownAt - parts_.report.times.noticedAt);
-    QByteArray text = feedbackRecordLine(record, regionsInTable_);
+    QByteArray text = feedbackTableRow(record, regionsInTable_);
     const bool goesOn = begins && goesOn_ && fileExists(path);
     if (begins && !goesOn)
-        text.prepend(feedbackRecordHead(regionsInTable_));
+        text.prepend(feedbackTableHead(regionsInTable_));
     if (appendToLog(path, text, begins && !goesOn))
         return;
     tableFault_ = QStringLiteral("Not written: \"%1\"").arg(path);

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "feedback/dry_run.h"
-#include "feedback/feedback_record.h"
+#include "feedback/feedback_table.h"
 #include "run/document/operator_requests.h"
 #include "run/loop/feedback_files.h"
 #include "run/loop/run_feedback.h"

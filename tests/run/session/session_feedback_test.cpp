@@ -7,6 +7,15 @@ namespace {
 constexpr VoxelRectangle drag{1, 2, 6, 1, 4};
 constexpr int volumes = 40;
 
+/// Baseline blocks that end after volumes 10 and 24.
+QString blocks() {
+    return "\nFileVersion: 2\nResolutionOfTime: Volumes\nExperiment: Test\n"
+           "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 255 255 255\n"
+           "TimeCourseThick: 3\nReferenceFuncColor: 80 80 80\nReferenceFuncThick: 2\n"
+           "NrOfConditions: 2\n\nRest\n3\n7 14\n19 26\n33 40\nColor: 100 100 100\n"
+           "\nUp_7\n3\n1 6\n15 18\n27 32\nColor: 255 0 0\n";
+}
+
 /// Remembers what was shown at each volume.
 class Screen : public FeedbackScreen {
 public:
@@ -15,10 +24,12 @@ public:
     std::map<int, FeedbackFrame> frames; ///< by volume
     std::function<void(int volume)> whenShown = [](int) {};
     int curves = 0;
+    int pictures = 0;
 
     [[nodiscard]] QSize frameSize() const override { return {300, 200}; }
     void paintCurve(QPainter&, QSize, const FeedbackCurve&) override { ++curves; }
     void showPicture() override {
+        ++pictures;
         if (!session_.phase.runActive())
             return;
         frames[session_.report.currentVolume] = session_.feedback.frame();
@@ -47,7 +58,7 @@ public:
 class SessionFeedbackTest : public SessionFixture {
 protected:
     SessionFeedbackTest() {
-        writeSession(volumes, 0);
+        writeSession(volumes, 0, {}, blocks());
         operatorHand_.onEndOfVolume = [this](int volume) {
             if (volume == 0 && session.regions.list()->empty()) {
                 EXPECT_TRUE(session.regions.selectRectangle(drag));
@@ -69,6 +80,10 @@ protected:
 
 TEST_F(SessionFeedbackTest, EachVolumeIsShownThenWrittenThenRecorded) {
     session.feedback.open(screen_);
+    EXPECT_EQ(screen_.pictures, 1);
+    EXPECT_EQ(session.feedback.picture().pixelColor(250, 150), QColor(0, 0, 50)) << "idle";
+    session.feedback.change([](FeedbackChoices& choices) { choices.NrOfPastValues = 1; });
+    EXPECT_EQ(screen_.pictures, 2);
     script.millisecondsPerVolume = 5;
     screen_.whenShown = [this](int volume) {
         const bool first = !screen_.frames.contains(volume);
@@ -90,6 +105,14 @@ TEST_F(SessionFeedbackTest, EachVolumeIsShownThenWrittenThenRecorded) {
         EXPECT_GE(rows[volume + 1].split('\t').last().toDouble(), 3.0);
         EXPECT_EQ(screen_.frames[volume].kind == FeedbackFrame::Kind::Idle, volume < 10);
     }
+    // Columns: roi1 2, baseline1 5, relative 7, target 10; the maximum is 2 percent.
+    const QList<QByteArray> cells = rows[32].split('\t');
+    EXPECT_GT(cells[5].toDouble(), 0.0);
+    EXPECT_NEAR(cells[7].toDouble(),
+                (cells[2].toDouble() / cells[5].toDouble() - 1.0) * 100.0 / 2.0, 1e-4);
+    EXPECT_NE(cells[7].toDouble(), 0.0);
+    EXPECT_EQ(cells[1], "Up_7");
+    EXPECT_EQ(cells[10], "7");
     EXPECT_TRUE(content("results/test.roi").contains("SaveROIMaxPSC:         1"));
 
     // A run as long as the one before begins with nothing.
@@ -108,7 +131,8 @@ TEST_F(SessionFeedbackTest, WithoutAScreenNothingIsWrittenAndWhatCanNotBeWritten
     EXPECT_TRUE(content("results/test.roi").contains("SaveROIMaxPSC:         0"));
 
     put("in_the_way", "a file");
-    writeSession(volumes, 0, {{"FeedbackTargetFolder:", '"' + path("in_the_way/fb/") + '"'}});
+    writeSession(volumes, 0, {{"FeedbackTargetFolder:", '"' + path("in_the_way/fb/") + '"'}},
+                 blocks());
     ASSERT_TRUE(QDir().mkpath(path("results/test_feedback.tsv.is_a_folder")));
     session.feedback.open(screen_);
     runAgain();
@@ -197,8 +221,12 @@ TEST_F(SessionFeedbackTest, TheClassifierTakesOverAndGivesBack) {
 
 TEST_F(SessionFeedbackTest, MaximaComeWithRegionsAndChoicesGoWithTheSettingsFile) {
     session.feedback.open(screen_);
-    session.feedback.change([](FeedbackChoices& choices) { choices.MaxPSC = {3.5f, 1.0f, 1.0f}; });
+    session.feedback.change([](FeedbackChoices& choices) {
+        choices.MaxPSC = {3.5f, 1.0f, 1.0f};
+        choices.NoFbStartShift = 7;
+    });
     session.runButtonPressed();
+    EXPECT_EQ(session.feedback.choices().NoFbStartShift, 7) << "the TR is that of the settings";
     session.feedback.close();
     session.feedback.change(
         [](FeedbackChoices& choices) { choices.ShowConditionNameAsInstruction = false; });

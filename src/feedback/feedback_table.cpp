@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "feedback/feedback_record.h"
+#include "feedback/feedback_table.h"
 
 #include <QList>
 #include <cmath>
@@ -34,7 +34,7 @@ QByteArray row(const QList<QByteArray>& cells) {
 
 } // namespace
 
-QByteArray feedbackRecordHead(int nrOfRegions) {
+QByteArray feedbackTableHead(int nrOfRegions) {
     QList<QByteArray> cells = {"volume", "condition"};
     for (int region = 1; region <= nrOfRegions; ++region)
         cells << "roi" + QByteArray::number(region);
@@ -50,24 +50,24 @@ QByteArray feedbackRecordHead(int nrOfRegions) {
     return row(cells);
 }
 
-QByteArray feedbackRecordLine(const FeedbackRecord& record, int nrOfRegions) {
-    const FeedbackValues& values = record.values;
+QByteArray feedbackTableRow(const FeedbackRow& given, int nrOfRegions) {
+    const FeedbackValues& values = given.values;
     const bool ofRegions = values.computed && !values.classifier;
     const bool pair = ofRegions && values.pair;
-    const bool shown = values.computed && record.levelShown;
+    const bool shown = values.computed && given.levelShown;
     const bool live = values.live && !values.classifier;
     const auto targetText = [](bool known, int target) {
         return levelText(known && target != noTargetLevel, target);
     };
-    QList<QByteArray> cells = {QByteArray::number(record.volume + 1), nameText(record.condition)};
+    QList<QByteArray> cells = {QByteArray::number(given.volume + 1), nameText(given.condition)};
     for (size_t region = 0; int(region) < nrOfRegions; ++region)
-        cells << (region < record.regionSignals.size()
-                      ? numberText(double(record.regionSignals[region]))
+        cells << (region < given.regionSignals.size()
+                      ? numberText(double(given.regionSignals[region]))
                       : notAvailable);
     cells << realText(ofRegions, values.Baseline1) << realText(pair, values.Baseline2)
           << realText(ofRegions && !pair, values.RelativeLevel) << levelText(shown, values.FbLevel1)
           << levelText(shown && pair, values.FbLevel2) << targetText(ofRegions, values.TargetLevel)
           << targetText(pair, values.TargetLevel2) << levelText(live, values.hidesLevel())
-          << numberText(record.milliseconds);
+          << numberText(given.milliseconds);
     return row(cells);
 }

@@ -7,7 +7,7 @@
 #include <QByteArray>
 
 /// A row, with what the subject was given at a volume.
-struct FeedbackRecord {
+struct FeedbackRow {
     int volume = 0;    ///< from 0; the file counts from 1
     QString condition; ///< name; empty without a protocol
     std::vector<float> regionSignals;
@@ -20,6 +20,6 @@ struct FeedbackRecord {
 /// ...), baseline1, baseline2, relative_level, shown_level1, shown_level2, target1, target2,
 /// suppressed, milliseconds. `nrOfRegions` signals; a run whose regions change in number has "n/a"
 /// where a region isn't.
-[[nodiscard]] QByteArray feedbackRecordHead(int nrOfRegions);
+[[nodiscard]] QByteArray feedbackTableHead(int nrOfRegions);
 /// One line. What was not computed or not shown is "n/a".
-[[nodiscard]] QByteArray feedbackRecordLine(const FeedbackRecord& record, int nrOfRegions);
+[[nodiscard]] QByteArray feedbackTableRow(const FeedbackRow& given, int nrOfRegions);
