@@ -11,6 +11,7 @@
 
 #include <QPainter>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -217,7 +218,7 @@ bool SessionFeedback::drawSubjectDisplay(const VolumeAtHand& hand) {
     const qint64 shownAt = parts_.pump.milliseconds();
     testClassifier();
     writeFiles(hand.volume);
-    appendRecord(hand, shownAt);
+    appendRow(hand, shownAt);
     screen_->refreshControls();
     return true;
 }
@@ -259,22 +260,23 @@ void SessionFeedback::updateDelayedFeedback(int volume) {
         delayedMessage_ += "   (no estimate: the constant of the fit is 0)";
 }
 
-void SessionFeedback::appendRecord(const VolumeAtHand& hand, qint64 shownAt) {
+void SessionFeedback::appendRow(const VolumeAtHand& hand, qint64 shownAt) {
     const QtCortivoDoc& document = hand.document;
     const QString path = tablePath(document.project);
     const bool begins = regionsInTable_ < 0;
     if (begins)
         regionsInTable_ = std::max(nrOfRegions(), 3);
-    FeedbackRow record;
-    record.volume = hand.volume;
-    record.condition =
-        conditionName(document.protocol, document.volumeTables.condition(hand.volume));
+    FeedbackRow row;
+    row.volume = hand.volume;
+    row.condition = conditionName(document.protocol, document.volumeTables.condition(hand.volume));
     for (const std::span<const float> curve : feedbackSignals(document, parts_.report).curves)
-        record.regionSignals.push_back(curve[size_t(hand.volume)]);
-    record.values = levels_.values();
-    record.levelShown = showsLevel(frame_);
-    record.milliseconds = double(shownAt - parts_.report.times.noticedAt);
-    QByteArray text = feedbackTableRow(record, regionsInTable_);
+        row.regionSignals.push_back(size_t(hand.volume) < curve.size()
+                                        ? curve[size_t(hand.volume)]
+                                        : std::numeric_limits<float>::quiet_NaN());
+    row.values = levels_.values();
+    row.levelShown = showsLevel(frame_);
+    row.milliseconds = double(shownAt - parts_.report.times.noticedAt);
+    QByteArray text = feedbackTableRow(row, regionsInTable_);
     const bool goesOn = begins && goesOn_ && fileExists(path);
     if (begins && !goesOn)
         text.prepend(feedbackTableHead(regionsInTable_));

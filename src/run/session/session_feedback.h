@@ -102,7 +102,7 @@ private:
     void noteChange();
     void writeFiles(int volume);
     void updateDelayedFeedback(int volume);
-    void appendRecord(const VolumeAtHand& hand, qint64 shownAt);
+    void appendRow(const VolumeAtHand& hand, qint64 shownAt);
 
     Parts parts_;
     FeedbackScreen* screen_ = nullptr;
