@@ -25,11 +25,14 @@ public:
     std::function<void(int volume)> whenShown = [](int) {};
     int curves = 0;
     int pictures = 0;
+    bool idleBetweenRuns = false;
 
     [[nodiscard]] QSize frameSize() const override { return {300, 200}; }
     void paintCurve(QPainter&, QSize, const FeedbackCurve&) override { ++curves; }
     void showPicture() override {
         ++pictures;
+        idleBetweenRuns = idleBetweenRuns || (session_.phase.now() == Phase::Preparing &&
+                                              session_.feedback.frame() == FeedbackFrame());
         if (!session_.phase.runActive())
             return;
         frames[session_.report.currentVolume] = session_.feedback.frame();
@@ -79,8 +82,10 @@ protected:
 };
 
 TEST_F(SessionFeedbackTest, EachVolumeIsShownThenWrittenThenRecorded) {
+    session.settings.TR = 3000.0f;
     session.feedback.open(screen_);
     EXPECT_EQ(screen_.pictures, 1);
+    EXPECT_EQ(session.feedback.choices().BaselineStartShift, 2) << "6 seconds of volumes of 3";
     EXPECT_EQ(session.feedback.picture().pixelColor(250, 150), QColor(0, 0, 50)) << "idle";
     session.feedback.change([](FeedbackChoices& choices) { choices.NrOfPastValues = 1; });
     EXPECT_EQ(screen_.pictures, 2);
@@ -94,6 +99,7 @@ TEST_F(SessionFeedbackTest, EachVolumeIsShownThenWrittenThenRecorded) {
     session.runButtonPressed();
     EXPECT_TRUE(session.report.savedCompletely);
     EXPECT_GE(session.report.times.feedbackTime, 3);
+    EXPECT_EQ(session.feedback.choices().BaselineStartShift, 3) << "the run's TR is 2 seconds";
     const QImage last(feedbackFile("40.png"));
     EXPECT_EQ(last.size(), screen_.frameSize());
     EXPECT_EQ(last.convertToFormat(QImage::Format_RGB32), session.feedback.picture());
@@ -119,7 +125,12 @@ TEST_F(SessionFeedbackTest, EachVolumeIsShownThenWrittenThenRecorded) {
     const QByteArray first = content("results/test_feedback.tsv");
     screen_.frames.clear();
     session.regions.removeAll();
+    EXPECT_EQ(session.feedback.frame(), FeedbackFrame());
+    session.regions.load(path("results/test.roi"));
+    EXPECT_NE(session.feedback.frame(), FeedbackFrame());
+    screen_.idleBetweenRuns = false;
     runAgain();
+    EXPECT_TRUE(screen_.idleBetweenRuns);
     EXPECT_EQ(content("results/test_feedback.tsv"), first);
 }
 
@@ -176,10 +187,12 @@ TEST_F(SessionFeedbackTest, TheTypeDecidesWhichFilesAreWritten) {
     EXPECT_TRUE(content("results/test-s1-15.bpg").contains(' '));
     EXPECT_FALSE(QFile::exists(feedbackFile("15.png")));
     EXPECT_TRUE(QFile::exists(feedbackFile("25.png")));
-    EXPECT_GE(screen_.curves, 9);
+    EXPECT_EQ(screen_.curves, 11) << "at volume 20 after the change";
     EXPECT_TRUE(content("results/test-s2-40.bpg").endsWith('\n'));
     EXPECT_TRUE(session.feedback.delayedMessage().startsWith("SAVED:  1   "));
     EXPECT_EQ(content("results/DelayedFeedback.txt").left(6), "  1   ");
+    session.feedback.open(screen_);
+    EXPECT_EQ(session.feedback.choices().type, FeedbackType::Thermometer);
 }
 
 TEST_F(SessionFeedbackTest, ARecoveredRunGivesNothingAgainAndOneThatGoesOnContinuesItsTable) {
@@ -216,7 +229,9 @@ TEST_F(SessionFeedbackTest, TheClassifierTakesOverAndGivesBack) {
     EXPECT_EQ(screen_.frames[0].thermometers.at(0).level, 2) << "5 steps times 0.6 / 1.5";
     EXPECT_EQ(screen_.frames[21].kind, FeedbackFrame::Kind::Thermometer);
     EXPECT_EQ(session.feedback.choices().roiMode, useROI1);
+    session.feedback.change(chooseClassifierOutput);
     session.feedback.setClassifier(nullptr);
+    EXPECT_FALSE(session.feedback.choices().UseSVMOutput);
 }
 
 TEST_F(SessionFeedbackTest, MaximaComeWithRegionsAndChoicesGoWithTheSettingsFile) {
