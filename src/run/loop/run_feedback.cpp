@@ -5,8 +5,24 @@
 
 #include "base/text_reading.h"
 
+namespace {
+
+/// The operator may ask for a picture while the curves do not hold the volume yet that was read
+/// last: the one before it counts until they do.
+int latestFollowedVolume(const QtCortivoDoc& document, const RunReport& report) {
+    int volume = report.currentVolume;
+    for (int i = 0; i < document.regions.count(); ++i) {
+        const RegionOfInterest& region = document.regions[i];
+        if (region.CurrentTimePoint + 1 < region.NrOfValues())
+            volume = std::min(volume, region.CurrentTimePoint);
+    }
+    return volume;
+}
+
+} // namespace
+
 FeedbackSignals feedbackSignals(const QtCortivoDoc& document, const RunReport& report) {
-    FeedbackSignals signals{.currentVolume = report.currentVolume,
+    FeedbackSignals signals{.currentVolume = latestFollowedVolume(document, report),
                             .nrOfVolumes = document.project.NrOfVolumes,
                             .hasConfounds = document.design.NrOfConfoundPredictors > 0,
                             .tables = document.volumeTables};

@@ -134,6 +134,20 @@ TEST_F(SessionFeedbackTest, EachVolumeIsShownThenWrittenThenRecorded) {
     EXPECT_EQ(content("results/test_feedback.tsv"), first);
 }
 
+// As while a replay waits for its TR: the curves do not hold the volume yet that was read.
+TEST_F(SessionFeedbackTest, AnUpdateBeforeTheRegionsFollowShowsTheVolumeBefore) {
+    session.feedback.open(screen_);
+    int compared = 0;
+    operatorHand_.onBeforeVolume = [&](int volume) {
+        const FeedbackFrame before = session.feedback.frame();
+        session.feedback.update();
+        EXPECT_EQ(session.feedback.frame(), before) << volume;
+        return ++compared > 0;
+    };
+    session.runButtonPressed();
+    EXPECT_EQ(compared, volumes);
+}
+
 TEST_F(SessionFeedbackTest, WithoutAScreenNothingIsWrittenAndWhatCanNotBeWrittenStopsNoRun) {
     session.runButtonPressed();
     EXPECT_TRUE(session.report.savedCompletely);
