@@ -20,9 +20,11 @@
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : journal(listeners, pump), regions({settings, phase, report, requests, listeners}),
       multiRun({settings, requests, report, listeners}),
-      feedback({settings, phase, report, requests, listeners, pump}), makeReader(makeVolumeReader),
-      pump_(pump), display_(display), operatorRecords_(listeners, requests) {
+      feedback({settings, phase, report, requests, listeners, pump}),
+      classifier({settings, phase, listeners}), makeReader(makeVolumeReader), pump_(pump),
+      display_(display), operatorRecords_(listeners, requests) {
     numerics::initialiseNumerics();
+    feedback.setClassifier(&classifier);
 }
 
 RunSession::~RunSession() = default;
@@ -255,6 +257,17 @@ bool RunSession::postprocess(const PostprocessingOptions& options, bool recomput
                display_.showLogText(report.outcomeText);
                return true;
            });
+}
+
+bool RunSession::analyse(const QString& text, const std::function<bool(ProgressReporter&)>& work) {
+    if (!phase.isIdle()) {
+        showModelessInformation("This has to wait until the run has ended and is saved.");
+        return false;
+    }
+    return inPhase(Phase::Analysing, [&] {
+        const auto progress = display_.openModelProgress(text);
+        return work(*progress);
+    });
 }
 
 void RunSession::replaceDocuments() {

@@ -16,6 +16,7 @@
 #include "run/replay/journal_run.h"
 #include "run/replay/operator_records.h"
 #include "run/replay/run_journal.h"
+#include "run/session/session_classifier.h"
 #include "run/session/session_feedback.h"
 #include "run/session/session_multi_run.h"
 #include "run/session/session_regions.h"
@@ -58,6 +59,11 @@ public:
     /// Volumes of the run in memory that post-processing would work on; 0 without a run, and unless
     /// the session is idle.
     [[nodiscard]] int volumesForPostprocessing() const;
+
+    /// Does long work on data of its own in the phase Analysing, so that no run starts meanwhile,
+    /// under a box with this text in which it can be cancelled. False without doing anything, after
+    /// a modeless information, unless the session is idle; else what the work gives.
+    bool analyse(const QString& text, const std::function<bool(ProgressReporter&)>& work);
 
     /// The journals of runs whose results are not on disk, the latest first, without those that a
     /// running program writes.
@@ -130,6 +136,7 @@ public:
     SessionRegions regions;
     SessionMultiRun multiRun;
     SessionFeedback feedback;
+    SessionClassifier classifier;
     bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file

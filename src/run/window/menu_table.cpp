@@ -99,7 +99,6 @@ bool onCurrentVolume(VeloCortivo& window) {
 }
 
 constexpr char laterEditors[] = "The editors of settings and protocols come in a later version";
-constexpr char laterClassification[] = "Classification comes in a later version";
 constexpr char laterAnatomy[] = "Anatomy and volumes come in a later version";
 constexpr auto Always = MenuPhase::Always;
 constexpr auto Idle = MenuPhase::Idle;
@@ -135,9 +134,9 @@ constexpr MenuEntry entries[] = {
     {"&Analysis", "Colors Code Contrasts", &Window::slotSwitchToMultiMapColorCoding, Always, documentExists, MenuGroup::Colors, codesContrasts, separator},
     {"&Analysis", "Epoch-Based Averaging", &Window::slotSwitchAveragingType, Always, nullptr, MenuGroup::Toggle, averagesEpochs, false, "Each trial has its own baseline in the event-related average; otherwise all trials share one"},
     {.menu = "&Analysis", .text = "Stimulation Protocol...", .slot = &Window::slotStimulationProtocol, .phase = Later, .endsSection = separator, .toolTip = laterEditors},
-    {.menu = "&Analysis", .text = "SVM Training...", .slot = &Window::onOfflineSVMDlg, .phase = Later, .toolTip = laterClassification},
-    {.menu = "&Analysis", .text = "RFE Training...", .slot = &Window::onRFEDlg, .phase = Later, .toolTip = laterClassification},
-    {.menu = "&Analysis", .text = "Real-Time SVM Classification...", .slot = &Window::onRealTimeSVMClassification, .phase = Later, .endsSection = separator, .toolTip = laterClassification},
+    {.menu = "&Analysis", .text = "SVM Training...", .slot = &Window::onOfflineSVMDlg, .toolTip = "Estimate single trials of finished runs, cut out patterns and train a classifier"},
+    {.menu = "&Analysis", .text = "RFE Training...", .slot = &Window::onRFEDlg, .toolTip = "Find the voxels of a region that tell two conditions apart"},
+    {.menu = "&Analysis", .text = "Real-Time SVM Classification...", .slot = &Window::onRealTimeSVMClassification, .endsSection = separator, .toolTip = "Let a trained classifier predict while a run is measured"},
     {.menu = "&Analysis", .text = "Post-Processing...", .slot = &Window::slotPostProcessData, .phase = Idle, .possible = runInMemory, .endsSection = separator},
     {.menu = "&Analysis", .text = "Neurofeedback... ", .slot = &Window::slotShowNeurofeedbackDlg, .toolTip = "What the subject sees of the signal of regions"},
     {.menu = "&Analysis", .text = "BOLD Decoder... ", .slot = &Window::slotShowBOLDDecoder, .phase = Later, .endsSection = separator, .toolTip = "The letter decoder comes in a later version"},

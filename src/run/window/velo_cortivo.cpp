@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/window/velo_cortivo.h"
 
+#include "classify/ui/multi_voxel_dialog.h"
+#include "classify/ui/real_time_svm_dialog.h"
+#include "classify/ui/rfe_dialog.h"
 #include "dialogs/appearance.h"
 #include "dialogs/progress_boxes.h"
 #include "display/waiting_notice.h"
@@ -295,6 +298,18 @@ void VeloCortivo::slotROIGLM() {
 
 void VeloCortivo::slotShowNeurofeedbackDlg() {
     openNeurofeedbackDialog(session_, *this);
+}
+
+void VeloCortivo::onOfflineSVMDlg() {
+    openMultiVoxelPatternDialog(session_, *this);
+}
+
+void VeloCortivo::onRFEDlg() {
+    openRFEDialog(session_, *this);
+}
+
+void VeloCortivo::onRealTimeSVMClassification() {
+    openRealTimeSVMDialog(session_, *this);
 }
 
 void VeloCortivo::slotPostProcessData() {

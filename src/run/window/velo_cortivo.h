@@ -137,6 +137,9 @@ public Q_SLOTS:
     void slotUpdateShowROIGLMBetaPlots() { timeCourses_->onShowTCsAndBetas(); }
     void slotROIGLM();
     void slotShowNeurofeedbackDlg();
+    void onOfflineSVMDlg();
+    void onRFEDlg();
+    void onRealTimeSVMClassification();
     void slotShowROIVoxels() { onShowROIsAsRectanglesAndMarkedVoxels(); }
     void slotShowMotionPlot();
     void slotShowResponsePlot();
@@ -163,9 +166,6 @@ public Q_SLOTS:
     void slotRenameDICOMFiles() { tellLater("Rename DICOM Files..."); }
     void slotVMR2VMRCoregistration() { tellLater("VMR-VMR Coregistration..."); }
     void slotStimulationProtocol() { tellLater("Stimulation Protocol..."); }
-    void onOfflineSVMDlg() { tellLater("SVM Training..."); }
-    void onRFEDlg() { tellLater("RFE Training..."); }
-    void onRealTimeSVMClassification() { tellLater("Real-Time SVM Classification..."); }
     void slotShowBOLDDecoder() { tellLater("BOLD Decoder... "); }
     void slotSwitchToEPI3DView() { tellLater("Volume View"); }
     void slotSwitchToVMRView() { tellLater("Anatomical Volume View"); }

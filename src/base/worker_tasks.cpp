@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/worker_tasks.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace {
+
+/// What the workers share: the tasks that are still to begin, and how many have ended.
+class TaskList {
+public:
+    explicit TaskList(int count) : count_(count) {}
+
+    /// The next task; -1 when there is none.
+    int take(const std::stop_token& stop) {
+        const std::lock_guard lock(mutex_);
+        return stop.stop_requested() || next_ == count_ ? -1 : next_++;
+    }
+    void noteEnd() {
+        const std::lock_guard lock(mutex_);
+        ++ended_;
+        changed_.notify_one();
+    }
+    void noteWorkerEnd() {
+        const std::lock_guard lock(mutex_);
+        ++workersEnded_;
+        changed_.notify_one();
+    }
+    /// Waits a little for a change. The number of ended tasks.
+    int waitForChange(bool& workersDone, int nrOfWorkers) {
+        constexpr auto reportInterval = std::chrono::milliseconds(20);
+        std::unique_lock lock(mutex_);
+        changed_.wait_for(lock, reportInterval, [&] { return workersEnded_ == nrOfWorkers; });
+        workersDone = workersEnded_ == nrOfWorkers;
+        return ended_;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    int count_;
+    int next_ = 0;
+    int ended_ = 0;
+    int workersEnded_ = 0;
+};
+
+} // namespace
+
+bool doTasks(int nrOfTasks, const std::function<void(int, const std::stop_token&)>& work,
+             ProgressReporter& progress) {
+    return doTasks(nrOfTasks, work, progress, int(std::thread::hardware_concurrency()));
+}
+
+bool doTasks(int nrOfTasks, const std::function<void(int, const std::stop_token&)>& work,
+             ProgressReporter& progress, int nrOfThreads) {
+    TaskList tasks(std::max(nrOfTasks, 0));
+    std::stop_source stop;
+    const int count = std::clamp(nrOfThreads, 1, std::max(nrOfTasks, 1));
+    std::vector<std::jthread> workers;
+    for (int i = 0; i < count; ++i)
+        workers.emplace_back([&tasks, &work, token = stop.get_token()] {
+            for (int task = tasks.take(token); task >= 0; task = tasks.take(token)) {
+                work(task, token);
+                tasks.noteEnd();
+            }
+            tasks.noteWorkerEnd();
+        });
+    const StepProgress report(progress);
+    for (bool workersDone = false; !workersDone;) {
+        const int ended = tasks.waitForChange(workersDone, count);
+        if (!report.advance(ended, nrOfTasks))
+            stop.request_stop();
+    }
+    return !stop.stop_requested();
+}

@@ -1,0 +1,18 @@
+// Checking a model file before libsvm's reader, which trusts what it reads, sees it.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "classify/svm_library.h"
+
+#include <QByteArray>
+#include <QString>
+
+/// What is wrong with the content of a model file, as a sentence; empty when libsvm can read it and
+/// this program can use it: a machine for two or more classes (C-SVC or nu-SVC with a linear,
+/// polynomial, RBF or sigmoid kernel), with as many labels, constants and support vectors as it
+/// states, indices of features that are positive and rise within each support vector, and finite
+/// numbers.
+[[nodiscard]] QString faultOfModelFile(const QByteArray& content);
+
+/// Checks and loads. False after a message, with the model unchanged.
+[[nodiscard]] bool loadModel(const QString& path, SVMModel& model);

@@ -1,0 +1,131 @@
+// The operator's work with finished runs: from single trials to a trained machine.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "classify/cross_validation.h"
+#include "classify/feature_scaling.h"
+#include "classify/svm_prediction.h"
+#include "classify/svm_weights.h"
+#include "classify/trial_maps.h"
+#include "classify/trial_options.h"
+#include "run/document/qt_cortivo_doc.h"
+#include "stats/thresholds.h"
+
+#include <memory>
+
+class RunSession;
+
+/// What the operator chooses, beside the options of the estimation.
+struct TrainingChoices {
+    bool multiClass = false; ///< all conditions; otherwise two
+    QString class1;          ///< of two classes: labels 1 and -1
+    QString class2;
+    int region = 0;               ///< of the run in memory, from 0
+    bool trainingPatterns = true; ///< otherwise patterns to test with
+    ScalingOptions scaling;
+    SVMOptions svm;
+    bool crossValidates = false;
+    CrossValidationOptions folds;
+    bool searchLinear = false; ///< for C, with the linear kernel
+    bool searchRBF = false;    ///< likewise with RBF
+    int nrOfPermutations = 1000;
+
+    bool operator==(const TrainingChoices&) const = default;
+};
+
+/// What shows the work: the dialog; a test collects what it is told.
+class TrainingDisplay {
+public:
+    virtual ~TrainingDisplay() = default;
+    /// A line, or several, for the log.
+    virtual void log(const QString& text) = 0;
+    /// Lists, files or choices have changed: the controls show them.
+    virtual void refreshControls() = 0;
+    /// The private document has new maps: the view of its slices shows them.
+    virtual void showMaps() = 0;
+};
+
+/// Lists of runs, trial files and classes, the patterns and the model, and each operation on them.
+/// Runs are loaded into a document of its own, so that the run in memory stays as it is; that run
+/// gives the regions. Long work is done in the session's phase Analysing, with a progress box, and
+/// can be stopped; a stopped operation has changed nothing and has written no file. Operations that
+/// need an idle session say so, in a modeless box, and do nothing while it isn't. Each returns
+/// false after a message.
+class ClassifierTraining {
+public:
+    ClassifierTraining(RunSession& session, TrainingDisplay& display);
+    ~ClassifierTraining();
+
+    TrialOptions options;    ///< of the estimation; edited by the dialog
+    TrainingChoices choices; ///< likewise
+
+    // Runs and the estimation of their trials.
+
+    /// Project files (.fmr). One that is listed stays where it is; one whose header can't be read
+    /// is left out after its message. Conditions are those of the first run's protocol.
+    void addRuns(const QStringList& paths);
+    void clearRuns();
+    [[nodiscard]] const QStringList& runs() const { return runs_; }
+    /// The conditions of a run's protocol, for its row; all are selected at first but the first
+    /// one, which is the baseline.
+    [[nodiscard]] const QStringList& conditions() const { return conditions_; }
+    void selectConditions(const QStringList& names) { selectedConditions_ = names; }
+    [[nodiscard]] const QStringList& selectedConditions() const { return selectedConditions_; }
+    /// The conditions of the run in this row are shown.
+    void showRun(int row);
+    /// Sets the post-onset value from the distances of the trials, and logs them.
+    bool suggestWindow();
+    /// Estimates all trials of the selected conditions in all runs, and writes each run's `.fmp`
+    /// and settings file beside it.
+    bool estimateTrials();
+
+    // Patterns of a region.
+
+    bool addTrialFiles(const QStringList& paths);
+    void clearTrialFiles();
+    [[nodiscard]] const QStringList& trialFiles() const { return trialFiles_; }
+    [[nodiscard]] const std::vector<TrialClass>& classes() const { return classes_; }
+    /// The regions of the run in memory, by number from 1: "ROI 1", ...
+    [[nodiscard]] QStringList regions() const;
+    /// Cuts the region's voxels out of all trial files into a file of patterns, and writes the
+    /// voxels that were used.
+    bool createPatterns();
+
+    // Training and testing.
+
+    void choosePatterns(const QString& path); ///< (.mvp) for training and testing
+    [[nodiscard]] const QString& patternPath() const { return patternPath_; }
+    /// Reads the patterns into memory, as they are in the file.
+    [[nodiscard]] bool readPatterns(PatternSet& patterns) const;
+    bool train();
+    bool chooseModel(const QString& path); ///< (.svm), with the scaling that lies beside it
+    [[nodiscard]] const QString& modelPath() const { return modelPath_; }
+    bool test();
+    /// The cross-validated accuracy beside that of shuffled labels.
+    bool testByPermutations();
+
+    /// Of the last training or test; empty before one.
+    [[nodiscard]] const PredictionReport& predictions() const { return predictions_; }
+    [[nodiscard]] const PermutationTest& permutationTest() const { return permutations_; }
+    /// The run that was loaded last with its weights as maps; null without one.
+    [[nodiscard]] QtCortivoDoc* document() { return document_.get(); }
+    OverlayThresholds thresholds; ///< of the maps of that document, for the view of its slices
+    /// Where files of training are written: the target folder of the run that was loaded last, else
+    /// that of the first trial file; with "/" at the end.
+    [[nodiscard]] QString folder() const;
+
+private:
+    RunSession& session_;
+    TrainingDisplay& display_;
+    QStringList runs_;
+    QStringList conditions_;
+    QStringList selectedConditions_;
+    QStringList trialFiles_;
+    std::vector<TrialClass> classes_;
+    QString patternPath_;
+    QString modelPath_;
+    FeatureScaling scaling_;
+    PredictionReport predictions_;
+    PermutationTest permutations_;
+    std::unique_ptr<QtCortivoDoc> document_;
+};

@@ -1,0 +1,55 @@
+// One map for each trial of a run, and their file (.fmp).
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "base/memory.h"
+#include "volume/volume_geometry.h"
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+#include <span>
+#include <vector>
+
+/// One float per voxel, x fastest, then y, then slices; map after map.
+struct TrialMaps {
+    VolumeSize size;
+    QStringList names; ///< of the maps
+    ZeroedBuffer<float> values;
+
+    [[nodiscard]] int count() const { return int(names.size()); }
+    [[nodiscard]] std::span<float> map(int index) {
+        return values.span().subspan(size_t(index) * size.samples(), size.samples());
+    }
+    [[nodiscard]] std::span<const float> map(int index) const {
+        return values.span().subspan(size_t(index) * size.samples(), size.samples());
+    }
+};
+
+/// "<condition>_Trial-<number>", the number from 1 within the condition.
+[[nodiscard]] QString trialMapName(const QString& condition, int trial);
+/// The condition of a name: what stands before its last "_", if "Trial-" follows there.
+[[nodiscard]] std::optional<QString> conditionOfMap(const QString& mapName);
+
+/// A condition and how many trials it has.
+struct TrialClass {
+    QString name;
+    int nrOfTrials = 0;
+
+    bool operator==(const TrialClass&) const = default;
+};
+/// The conditions in order of their first map. None when one of the names is not a trial's.
+[[nodiscard]] std::vector<TrialClass> classesOfMaps(const QStringList& mapNames);
+
+/// Name of the file of a run: the project file's name without ".fmr", and "_Trials.fmp".
+[[nodiscard]] QString trialMapsFileName(const QString& projectFile);
+
+/// Writes the file as a whole or not at all. False after "Can not open specified file for saving
+/// map data !".
+[[nodiscard]] bool writeTrialMaps(const QString& path, const TrialMaps& maps);
+/// Reads names and sizes; `maps` gets no values. All counts are checked against the file's length
+/// before anything is allocated. False after "Unable to open map file for reading!", or a message
+/// about what is damaged; `maps` is unchanged then.
+[[nodiscard]] bool readTrialMapNames(const QString& path, TrialMaps& maps);
+/// Reads everything. False likewise, and when memory runs out.
+[[nodiscard]] bool readTrialMaps(const QString& path, TrialMaps& maps);

@@ -1,0 +1,9 @@
+// The dialog of recursive feature elimination.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+class QWidget;
+class RunSession;
+
+/// Opens the dialog as a child of `window`, or brings the open one to the front, and returns.
+void openRFEDialog(RunSession& session, QWidget& window);

@@ -1,0 +1,72 @@
+// The operator's work with a classifier during a run, and what a run does for it.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "classify/live_classifier.h"
+#include "feedback/classifier_output.h"
+#include "run/loop/run_listeners.h"
+
+class SessionPhase;
+struct RunSettings;
+
+/// What shows the classifier: the operator's dialog.
+class ClassifierScreen {
+public:
+    virtual ~ClassifierScreen() = default;
+    virtual void log(const QString& text) = 0;
+    /// Choices, model or state may have changed, by whomever: the controls show them.
+    virtual void refreshControls() = 0;
+};
+
+/// A member of the session. While it predicts it takes the step of each volume, and writes the
+/// estimated patterns (`OnlineClassifiedPatterns.mvp`) when prediction is switched off, which the
+/// end of a run does.
+class SessionClassifier : public RunListener, public ClassifierOutput {
+public:
+    struct Parts {
+        const RunSettings& settings;
+        const SessionPhase& phase;
+        RunListeners& listeners;
+    };
+
+    explicit SessionClassifier(const Parts& parts);
+
+    /// The display opens: the estimation settings and the voxels of the training are read from the
+    /// target folder, and the log says which were found. The screen, which is not owned, must call
+    /// close(), which switches prediction off.
+    void open(ClassifierScreen& screen);
+    void close();
+    [[nodiscard]] bool isOpen() const { return screen_ != nullptr; }
+
+    [[nodiscard]] const LiveOptions& options() const { return options_; }
+    void setOptions(const LiveOptions& options);
+    [[nodiscard]] const QString& modelPath() const { return modelPath_; }
+    void chooseModel(const QString& path);
+    /// Switches prediction on or off. It stays off, after a message, without a model that can be
+    /// used.
+    void toggleIncrementalPrediction();
+    [[nodiscard]] bool IncrementalPredictionOn() const { return IncrementalPredictionOn_; }
+
+    [[nodiscard]] bool isPredicting() const override { return IncrementalPredictionOn_; }
+    [[nodiscard]] int nrOfClasses() const override;
+    bool currentOutput(std::span<float> values) const override;
+    [[nodiscard]] int predictedClass() const; ///< from 1; 0 when there is no prediction
+
+    void settingsFileChanged() override;
+    void documentsLeaving() override;
+    void documentsArrived(QtCortivoDoc& functional) override;
+    void runPrepared(QtCortivoDoc& functional) override;
+    bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
+    void loopEnded(QtCortivoDoc& document) override;
+    void recordPlayed(const RunRecord& record) override;
+
+private:
+    Parts parts_;
+    ClassifierScreen* screen_ = nullptr;
+    QtCortivoDoc* document_ = nullptr;
+    LiveClassifier classifier_;
+    LiveOptions options_ = defaultLiveOptions();
+    VoxelList voxels_;
+    QString modelPath_;
+    bool IncrementalPredictionOn_ = false;
+};
