@@ -248,6 +248,10 @@ private:
     bool hasFeatures_ = false;
 };
 
+QString tooLargeFault() {
+    return QStringLiteral("It is larger than a model can be.");
+}
+
 bool refuse(const QString& path, const QString& fault) {
     showCritical(
         QStringLiteral("ERROR: The model file \"%1\" can not be used!\n\n%2").arg(path, fault));
@@ -258,7 +262,7 @@ bool refuse(const QString& path, const QString& fault) {
 
 QString faultOfModelFile(const QByteArray& content) {
     if (content.size() > largestFile)
-        return QStringLiteral("It is larger than a model can be.");
+        return tooLargeFault();
     return ModelChecker({content.constData(), size_t(content.size())}).fault();
 }
 
@@ -267,7 +271,9 @@ bool loadModel(const QString& path, SVMModel& model) {
     QFile file(path);
     if (!openPlainFile(file))
         return refuse(path, QStringLiteral("It can not be opened for reading."));
-    const QByteArray content = file.read(largestFile + 1);
+    if (file.size() > largestFile)
+        return refuse(path, tooLargeFault());
+    const QByteArray content = file.readAll();
     const QString fault = faultOfModelFile(content);
     if (!fault.isEmpty())
         return refuse(path, fault);
