@@ -63,8 +63,10 @@ private:
 
 enum class SVMResult { Done, Stopped, OutOfMemory };
 
-/// A piece of work for libsvm. What it prints is collected here and goes nowhere else. Several may
-/// work at the same time, each on its own thread.
+/// A piece of work for libsvm. What it prints is collected here and goes nowhere else, but for one
+/// line: where its solver gives up after ten million iterations, libsvm itself says so on the
+/// standard error output, and a warning is collected here. Several may work at the same time, each
+/// on its own thread.
 class SVMTrainer {
 public:
     /// The work ends early, within a thousand iterations, once `stop` asks for it.

@@ -30,10 +30,10 @@ PatternSet noisyPatterns(const std::vector<int>& labels, int exemplarsPerClass) 
 }
 
 /// Two classes that overlap so much that the solver would need millions of iterations.
-PatternSet overlapping() {
+PatternSet overlapping(int count = 60) {
     PatternSet patterns;
     patterns.nrOfFeatures = 2;
-    for (int i = 0; i < 60; ++i)
+    for (int i = 0; i < count; ++i)
         patterns.append(i % 2 ? 1.0 : -1.0,
                         std::vector{double(i * 7919 % 61), double(i * 104729 % 67)});
     return patterns;
@@ -167,6 +167,16 @@ TEST(SVMTrainer, IsStoppedByAnotherThread) {
     EXPECT_TRUE(model.isEmpty());
 }
 
+TEST(SVMTrainer, WarnsOfASolverThatGaveUp) {
+    testing::internal::CaptureStderr();
+    SVMModel model;
+    SVMTrainer trainer;
+    EXPECT_EQ(trainer.train(overlapping(6), endless(), model), SVMResult::Done);
+    EXPECT_NE(trainer.printed().find("WARNING: libsvm gave up"), std::string::npos);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "\nWARNING: reaching max number of iterations\n");
+}
+
 TEST(SVMTrainer, KeepsWhatLibsvmPrintsFromTheConsole) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
@@ -177,6 +187,7 @@ TEST(SVMTrainer, KeepsWhatLibsvmPrintsFromTheConsole) {
     EXPECT_EQ(trainer.train(oneClass, {}, model), SVMResult::Done);
     EXPECT_EQ(trainer.crossValidate(oneClass, {}, 3, 1, predicted), SVMResult::Done);
     EXPECT_NE(trainer.printed().find("only one class"), std::string::npos);
+    EXPECT_EQ(trainer.printed().find("gave up"), std::string::npos);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
