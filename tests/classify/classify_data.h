@@ -10,7 +10,7 @@
 struct Planted {
     int trials = 40;
     int features = 30;
-    int informative = 30; ///< the first features; the others are noise
+    int informative = 30;  ///< the first features; the others are noise
     double strength = 1.0; ///< distance of the class means, in standard deviations of the noise
     int runs = 2;
     int classes = 2;
