@@ -41,9 +41,10 @@ public:
     virtual void log(const QString& text) = 0;
     /// Lists, files or choices have changed: the controls show them.
     virtual void refreshControls() = 0;
-    /// The private document is about to be replaced: the view of its slices lets go of it.
-    virtual void documentLeaving() {}
-    /// There is a private document, or it has new maps: the view of its slices shows them.
+    /// The private document or its maps are about to go, or to be replaced: the view of its slices
+    /// lets go of them.
+    virtual void mapsLeaving() = 0;
+    /// The private document has new maps: the view of its slices shows them.
     virtual void showMaps() = 0;
 };
 
