@@ -41,6 +41,9 @@ public:
     virtual void log(const QString& text) = 0;
     /// Lists, files or choices have changed: the controls show them.
     virtual void refreshControls() = 0;
+    /// The private document or its maps are about to go, or to be replaced: the view of its slices
+    /// lets go of them.
+    virtual void mapsLeaving() = 0;
     /// The private document has new maps: the view of its slices shows them.
     virtual void showMaps() = 0;
 };
