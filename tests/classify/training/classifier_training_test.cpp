@@ -259,8 +259,11 @@ TEST_F(ClassifierTrainingTest, WhatCanNotBeDoneIsSaid) {
 }
 
 TEST_F(ClassifierTrainingTest, OneConditionIsAskedAbout) {
-    training.addRuns({writeRun("one")});
+    training.addRuns({writeRun("one", trainingProtocol().replace("45 46", "60 61"))});
     training.selectConditions({"Faces"});
+    training.options.preOnset = 0;
+    training.options.postOnset = 1;
+    training.options.zNormalization = true;
     const QString question = "You have selected only 1 condition.\n\nYou may run single-trial "
                              "analysis, but you need to select at least 2 conditions to perform "
                              "classifier training.\n\nDo you want to coninue?";
@@ -270,6 +273,8 @@ TEST_F(ClassifierTrainingTest, OneConditionIsAskedAbout) {
     EXPECT_FALSE(training.estimateTrials());
     messages.expectQuestion(question, true);
     EXPECT_TRUE(training.estimateTrials());
+    EXPECT_EQ(logged.count("z normalization skipped - less than 3 data points\n"), 3);
+    EXPECT_EQ(logged.count("Trial 3 of \"Faces\" begins behind the last volume"), 1);
     messages.expectWarning("Not enough conditions!*");
     EXPECT_FALSE(training.addTrialFiles({path("one_Trials.fmp")}));
 }
