@@ -264,6 +264,8 @@ TEST_F(ClassifierTrainingTest, OneConditionIsAskedAbout) {
     training.options.preOnset = 0;
     training.options.postOnset = 1;
     training.options.zNormalization = true;
+    training.options.estimate = TrialEstimate::Beta;
+    training.options.intensityLimit = 1003; // which some voxels of the first volume reach
     const QString question = "You have selected only 1 condition.\n\nYou may run single-trial "
                              "analysis, but you need to select at least 2 conditions to perform "
                              "classifier training.\n\nDo you want to coninue?";
@@ -275,6 +277,11 @@ TEST_F(ClassifierTrainingTest, OneConditionIsAskedAbout) {
     EXPECT_TRUE(training.estimateTrials());
     EXPECT_EQ(logged.count("z normalization skipped - less than 3 data points\n"), 3);
     EXPECT_EQ(logged.count("Trial 3 of \"Faces\" begins behind the last volume"), 1);
+    TrialMaps maps;
+    ASSERT_TRUE(readTrialMaps(path("one_Trials.fmp"), maps));
+    for (size_t i = 0; i < trainingSize.samples(); ++i)
+        EXPECT_TRUE(maps.map(0)[i] == 0.0f || scriptedSample(i + 3, 0) % 5 >= 3) << i;
+    EXPECT_NE(*std::max_element(maps.map(0).begin(), maps.map(0).end()), 0.0f);
     messages.expectWarning("Not enough conditions!*");
     EXPECT_FALSE(training.addTrialFiles({path("one_Trials.fmp")}));
 }
