@@ -248,12 +248,6 @@ private:
     bool hasFeatures_ = false;
 };
 
-bool refuse(const QString& path, const QString& fault) {
-    showCritical(
-        QStringLiteral("ERROR: The model file \"%1\" can not be used!\n\n%2").arg(path, fault));
-    return false;
-}
-
 } // namespace
 
 QString faultOfModelFile(const QByteArray& content) {
@@ -263,18 +257,26 @@ QString faultOfModelFile(const QByteArray& content) {
 }
 
 // libsvm reads a private copy of what was checked, since another program may change the file.
-bool loadModel(const QString& path, SVMModel& model) {
+QString readModel(const QString& path, SVMModel& model) {
     QFile file(path);
     if (!openPlainFile(file))
-        return refuse(path, QStringLiteral("It can not be opened for reading."));
+        return QStringLiteral("It can not be opened for reading.");
     const QByteArray content = file.read(largestFile + 1);
     const QString fault = faultOfModelFile(content);
     if (!fault.isEmpty())
-        return refuse(path, fault);
+        return fault;
     const QTemporaryDir folder;
     QFile copy(folder.filePath("model.svm"));
     if (!folder.isValid() || !copy.open(QIODevice::WriteOnly) ||
         copy.write(content) != content.size() || !copy.flush() || !model.load(copy.fileName()))
-        return refuse(path, QStringLiteral("There is no room for a temporary copy of it."));
-    return true;
+        return QStringLiteral("There is no room for a temporary copy of it.");
+    return {};
+}
+
+bool loadModel(const QString& path, SVMModel& model) {
+    const QString fault = readModel(path, model);
+    if (!fault.isEmpty())
+        showCritical(
+            QStringLiteral("ERROR: The model file \"%1\" can not be used!\n\n%2").arg(path, fault));
+    return fault.isEmpty();
 }

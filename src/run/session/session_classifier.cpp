@@ -6,6 +6,7 @@
 #include "base/paths.h"
 #include "base/plain_file.h"
 #include "classify/pattern_file.h"
+#include "classify/svm_model_check.h"
 #include "classify/trial_settings_file.h"
 #include "classify/voxels_file.h"
 #include "run/document/qt_cortivo_doc.h"
@@ -149,7 +150,7 @@ void SessionClassifier::switchOn() {
     SVMModel model;
     const QString fault = readModel(modelPath_, model);
     if (!fault.isEmpty())
-        return refuse("Can not use specified model file: " + fault + inFile);
+        return refuse("Can not use specified model file" + inFile + "\n\n" + fault);
     begin(std::move(model));
 }
 
@@ -250,9 +251,10 @@ void SessionClassifier::restart() {
         log(QStringLiteral("Loaded model \"%1\"").arg(modelPath_));
         classifier_.start(std::move(model), voxels_);
     } else {
-        const QString text = QStringLiteral("WARNING: %1 This run is predicted with what was read "
-                                            "from \"%2\" before.")
-                                 .arg(fault, modelPath_);
+        const QString text =
+            QStringLiteral("WARNING: The model file \"%1\" can no longer be used. %2 This run is "
+                           "predicted with what was read from it before.")
+                .arg(modelPath_, fault);
         log(text);
         showModelessWarning(text);
         classifier_.restart(voxels_);

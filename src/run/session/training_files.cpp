@@ -6,7 +6,6 @@
 #include "base/text_reading.h"
 #include "classify/feature_scaling.h"
 #include "classify/live_classifier.h"
-#include "classify/svm_model_check.h"
 #include "classify/trial_settings_file.h"
 #include "classify/voxels_file.h"
 
@@ -43,16 +42,6 @@ TrainingFiles readTrainingFiles(const QStringList& folders) {
     files.voxelsPath = paths::join(files.folder, voxelsFileName);
     files.voxels = readVoxels(files.voxelsPath);
     return files;
-}
-
-QString readModel(const QString& path, SVMModel& model) {
-    QFile file(path);
-    if (!openPlainFile(file))
-        return QStringLiteral("The model file can't be read.");
-    const QString fault = faultOfModelFile(file.readAll());
-    if (!fault.isEmpty())
-        return fault;
-    return model.load(path) ? QString() : QStringLiteral("The library does not take this model.");
 }
 
 QStringList misgivings(const ClassifierUse& use) {

@@ -24,10 +24,6 @@ struct TrainingFiles {
 /// The voxels in a file; nothing when there are none.
 [[nodiscard]] std::optional<VoxelList> readVoxels(const QString& path);
 
-/// Reads a model. What is wrong with it, as a sentence, with the model unchanged; empty when
-/// nothing is.
-[[nodiscard]] QString readModel(const QString& path, SVMModel& model);
-
 /// What makes the classifier fit a run badly, in sentences for the operator.
 struct ClassifierUse {
     QString modelPath;
