@@ -30,9 +30,11 @@ QString stateText(const SessionClassifier& classifier) {
                               .arg(classifier.NrOfVoxelsUsed());
     if (!classifier.IncrementalPredictionOn())
         return "Off: " + model;
-    const QString text = QStringLiteral("Predicting with %1, %2 patterns so far")
+    const int patterns = classifier.NrOfOnlinePatterns();
+    const QString text = QStringLiteral("Predicting with %1, %2 %3 so far")
                              .arg(model)
-                             .arg(classifier.NrOfOnlinePatterns());
+                             .arg(patterns)
+                             .arg(patterns == 1 ? "pattern" : "patterns");
     return classifier.options().mode == PredictionMode::Continuous
                ? text + ". This mode makes no predictions."
                : text;

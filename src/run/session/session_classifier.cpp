@@ -14,6 +14,8 @@
 #include "run/session/classifier_records.h"
 #include "run/settings/run_settings.h"
 
+#include <QDir>
+
 SessionClassifier::SessionClassifier(const Parts& parts) : parts_(parts) {
     parts_.listeners.add(*this, ListenerPlace::Classification);
 }
@@ -175,9 +177,10 @@ void SessionClassifier::switchOff() {
 }
 
 void SessionClassifier::savePatterns() {
-    const QString folder = targetFolder();
-    if (folder.isEmpty()) // there has been no run
+    if (!document_ || document_->project.targetFolder.isEmpty()) // there has been no run
         return;
+    const QString& folder = document_->project.targetFolder;
+    QDir().mkpath(folder);
     const QString path = paths::join(folder, onlinePatternsFileName);
     if (writeFileAtomically(path,
                             patternFileContent(classifier_.patterns(), PatternFileForm::Text)))
