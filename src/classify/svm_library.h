@@ -24,8 +24,9 @@ struct SVMOptions {
 };
 
 /// A trained machine, for two or more classes. Class slots are numbered from 0 in the order in
-/// which the labels first appeared in the training patterns; pairs of slots come in the order (0,
-/// 1), (0, 2), ..., (1, 2), ...
+/// which the labels first appeared in the training patterns, but libsvm puts 1 before -1 where
+/// these are the two labels; older files may have them the other way round. Pairs of slots come in
+/// the order (0, 1), (0, 2), ..., (1, 2), ...
 class SVMModel {
 public:
     SVMModel();
