@@ -3,8 +3,8 @@
 #include "classify/live_classifier.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <random>
 
 namespace {
@@ -13,8 +13,6 @@ constexpr VolumeSize runSize{104, 104, 40};
 constexpr int nrOfVolumes = 100;
 constexpr int nrOfVoxels = 2000;
 constexpr int nrOfExemplars = 60;
-
-using Clock = std::chrono::steady_clock;
 
 SVMModel modelOf(SVMKernel kernel, int classes) {
     std::mt19937 random(3);
@@ -51,12 +49,12 @@ void printStep(const RunVolumes& volumes, const char* name, PredictionMode mode,
     for (int volume = 30; volume < nrOfVolumes; ++volume) {
         protocol.conditions[1].from[0] = volume - 11; // each one is a trial's last
         protocol.conditions[1].to[0] = volume;
-        const Clock::time_point start = Clock::now();
+        const std::clock_t start = std::clock();
         const bool made =
             classifier
                 .step({volumes, runSize, protocol, volume, nrOfVolumes, 2000.0f}, options, fault)
                 .has_value();
-        times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+        times.push_back(double(std::clock() - start) * 1e3 / CLOCKS_PER_SEC);
         if (!made)
             std::printf("no prediction at volume %d\n", volume);
     }
@@ -74,7 +72,8 @@ int main() {
     for (size_t v = 0; v < volumes.size(); ++v)
         for (int16_t& sample : volumes[v])
             sample = int16_t(800 + int(random() % 400));
-    std::printf("%d voxels, windows of 14 volumes, %d support vectors at most; milliseconds\n",
+    std::printf("%d voxels, windows of 14 volumes, %d support vectors at most; milliseconds of "
+                "processor time\n",
                 nrOfVoxels, nrOfExemplars);
     std::printf("%-40s %8s %8s\n", "step", "median", "longest");
     printStep(volumes, "end of trial, linear", PredictionMode::EndOfTrial,
