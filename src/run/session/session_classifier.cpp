@@ -179,6 +179,9 @@ void SessionClassifier::switchOff() {
 void SessionClassifier::savePatterns() {
     if (!document_ || document_->project.targetFolder.isEmpty()) // there has been no run
         return;
+    // Those of an earlier run are not given up for none.
+    if (classifier_.patterns().count() == 0)
+        return log("No patterns were estimated, so none are saved.");
     const QString& folder = document_->project.targetFolder;
     QDir().mkpath(folder);
     const QString path = paths::join(folder, onlinePatternsFileName);

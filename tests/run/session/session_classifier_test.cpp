@@ -240,7 +240,7 @@ TEST_F(SessionClassifierTest, WhatFitsTheRunBadlyIsToldBeforeIt) {
     EXPECT_FALSE(messages.shownModeless()[0].contains("outside this run"));
     EXPECT_TRUE(messages.shownModeless()[1].contains("outside this run"));
     EXPECT_TRUE(screen_.predictions().isEmpty());
-    EXPECT_TRUE(content("results/OnlineClassifiedPatterns.mvp").contains("NrOfExemplars: 0\n"));
+    EXPECT_TRUE(content("results/OnlineClassifiedPatterns.mvp").isEmpty()) << "no file for none";
 }
 
 TEST_F(SessionClassifierTest, ARecoveredRunCompletesItsPatterns) {
