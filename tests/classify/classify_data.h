@@ -42,9 +42,9 @@ inline PatternSet plantedPatterns(const Planted& planted) {
     return patterns;
 }
 
-class Reporter : public ProgressReporter {
+class CollectedReports : public ProgressReporter {
 public:
-    explicit Reporter(bool cancels = false) : cancels_(cancels) {}
+    explicit CollectedReports(bool cancels = false) : cancels_(cancels) {}
     void setProgress(int percent) override { reports.push_back(percent); }
     [[nodiscard]] bool cancelled() const override { return cancels_; }
 

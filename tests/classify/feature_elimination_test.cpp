@@ -28,7 +28,7 @@ PatternSet smallPatterns() {
 
 EliminationResult eliminate(const PatternSet& patterns, const EliminationOptions& options,
                             const VoxelList* places = nullptr, int nrOfThreads = 1) {
-    Reporter quiet;
+    CollectedReports quiet;
     EliminationResult result = eliminateFeatures(patterns, options, places, quiet, nrOfThreads);
     EXPECT_EQ(result.result, SVMResult::Done);
     return result;
@@ -110,7 +110,7 @@ TEST(FeatureElimination, SaysWhyPatternsCanNotBeUsed) {
         EliminationOptions options = quickOptions();
         EXPECT_FALSE(faultOfPatterns(patterns, options));
         fault.spoil(patterns, options);
-        Reporter quiet;
+        CollectedReports quiet;
         const EliminationResult result = eliminateFeatures(patterns, options, nullptr, quiet);
         ASSERT_TRUE(result.fault) << fault.text.toStdString();
         EXPECT_EQ(result.fault->text, fault.text);
@@ -205,7 +205,7 @@ TEST(FeatureElimination, TheNumberOfThreadsDoesNotMatterAndTheSeedDoes) {
         EXPECT_TRUE(sameResult(eliminate(smallPatterns(), options, nullptr, threads), one));
     options.seed = 2;
     EXPECT_FALSE(sameResult(eliminate(smallPatterns(), options), one));
-    Reporter cancelling(true);
+    CollectedReports cancelling(true);
     const EliminationResult stopped =
         eliminateFeatures(smallPatterns(), options, nullptr, cancelling);
     EXPECT_EQ(stopped.result, SVMResult::Stopped);
@@ -229,7 +229,7 @@ TEST(FeatureElimination, FindsTheVoxelsThatCarryADistinction) {
     EliminationOptions options;
     options.steps = 4;
     options.finalPercent = 12.5;
-    Reporter reporter;
+    CollectedReports reporter;
     const EliminationResult result = eliminateFeatures(patterns, options, nullptr, reporter);
     ASSERT_EQ(result.voxels.size(), 25u);
     int found = 0;
