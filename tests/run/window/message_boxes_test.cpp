@@ -215,6 +215,18 @@ TEST_F(Boxes, ChooseFilesThatExistAndGiveNewOnesTheirExtension) {
     told->close();
     openBeside("old.roi");
     EXPECT_EQ(opened, file("old.roi"));
+    QStringList several;
+    for (const char* names : {"\"old.roi\" \"missing.roi\"", "\"old.roi\" \"other.roi\""}) {
+        QFile(file("old.roi")).copy(file("other.roi"));
+        chooseFilesToOpen("Open", file(""), "ROI (*.roi)",
+                          [&](const QStringList& paths) { several = paths; });
+        EXPECT_TRUE(several.isEmpty());
+        typed(names)(*open<QFileDialog>().at(0));
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+        for (QMessageBox* box : open<QMessageBox>())
+            box->close();
+    }
+    EXPECT_EQ(several, QStringList({file("old.roi"), file("other.roi")}));
     showWindow();
     const std::tuple<QString, QString, std::vector<Act>, QString> cases[] = {
         {"", "Region files (*.roi)", {typed("NEW.ROI")}, "NEW.ROI"},
