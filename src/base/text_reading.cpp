@@ -164,6 +164,11 @@ QString decodedText(const QByteArray& bytes) {
     return decoder.hasError() ? QString::fromLatin1(bytes) : text;
 }
 
+QByteArray encodedText(const QString& text) {
+    const QByteArray bytes = text.toLatin1();
+    return decodedText(bytes) == text ? bytes : text.toUtf8();
+}
+
 bool readTextFile(const QString& path, QString& text) {
     // Settings and protocols are a few kilobytes; a larger file is not one of ours and is not read
     // into memory.

@@ -71,6 +71,8 @@ private:
 
 /// Text that may be another program's: UTF-8, or Latin-1 where the bytes are not valid UTF-8.
 [[nodiscard]] QString decodedText(const QByteArray& bytes);
+/// Bytes that decodedText() gives the text back from: Latin-1 where that can be, else UTF-8.
+[[nodiscard]] QByteArray encodedText(const QString& text);
 
 /// The whole of a text file as UTF-8. False, with no message, if it can't be read, is no regular
 /// file (a folder, a pipe, a device) or is larger than 64 MiB.

@@ -28,7 +28,7 @@ struct CurrentTrial {
     int onset = 0; ///< as the protocol states it; 0 for none
     int end = 0;
     int condition = 0; ///< from 0 in the protocol; the first one is the baseline
-    [[nodiscard]] int duration() const { return end - onset; }
+    [[nodiscard]] int duration() const { return trialDuration(onset, end); }
 };
 /// Of all conditions but the first, the trial that began last: its start - 1 is not after the
 /// volume (index from 0). Of several that begin together the last one in the protocol counts.

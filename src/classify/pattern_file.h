@@ -12,8 +12,8 @@ enum class PatternFileForm { Binary, Text };
 /// Label and features as they are; the runs are not in the file.
 [[nodiscard]] QByteArray patternFileContent(const PatternSet& patterns, PatternFileForm form);
 /// Counts are checked against the content before anything is allocated. False, with `patterns`
-/// unchanged, when the content is cut, has another version, or counts that it can't hold; `fault`
-/// then says what is wrong.
+/// unchanged, when the content is cut or longer than stated, has another version, no exemplar or no
+/// feature, or a number that is not finite; `fault` then says what is wrong, after a colon.
 [[nodiscard]] bool parsePatternFile(const QByteArray& content, PatternFileForm form,
                                     PatternSet& patterns, QString& fault);
 /// The form that a content has: a text begins with its keyword.
@@ -28,6 +28,6 @@ enum class PatternFileForm { Binary, Text };
 [[nodiscard]] bool writePatternFile(const QString& path, const PatternSet& patterns,
                                     PatternFileForm form);
 /// Reads either form, and the list of runs where there is one that fits. False after "Unable to
-/// open multi-voxel pattern file \"%1\" for reading!", or a message about what is wrong with it.
-/// Numbers that are not finite are refused.
+/// open multi-voxel pattern file \"%1\" for reading!", or a message about what is wrong with it. A
+/// list of runs that does not fit is ignored after a warning, which is modeless.
 [[nodiscard]] bool readPatternFile(const QString& path, PatternSet& patterns);

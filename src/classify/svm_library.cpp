@@ -2,6 +2,7 @@
 #include "classify/svm_library.h"
 
 #include "base/file_writing.h"
+#include "base/memory.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -66,6 +67,8 @@ void fillNodes(std::span<const double> features, svm_node* nodes) {
 struct Problem {
     explicit Problem(const PatternSet& patterns) : labels(patterns.labels) {
         const size_t length = size_t(patterns.nrOfFeatures) + 1;
+        if (!memoryIsAvailable(length * labels.size(), sizeof(svm_node)))
+            throw std::bad_alloc();
         nodes.resize(length * labels.size());
         for (size_t i = 0; i < labels.size(); ++i) {
             exemplars.push_back(nodes.data() + i * length);
@@ -182,7 +185,7 @@ SVMResult SVMTrainer::run(const std::function<void()>& work) {
         result = SVMResult::OutOfMemory;
     }
     currentOutput = nullptr;
-    return stop_.stop_requested() ? SVMResult::Stopped : result;
+    return result;
 }
 
 SVMResult SVMTrainer::train(const PatternSet& patterns, const SVMOptions& options,

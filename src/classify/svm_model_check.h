@@ -11,7 +11,7 @@
 /// this program can use it: a machine for two or more classes (C-SVC or nu-SVC with a linear,
 /// polynomial, RBF or sigmoid kernel), with as many labels, constants and support vectors as it
 /// states, indices of features that are positive and rise within each support vector, and finite
-/// numbers.
+/// numbers. A machine for this program has at most 1000 classes and 2^24 features.
 [[nodiscard]] QString faultOfModelFile(const QByteArray& content);
 
 /// Checks and loads. False after a message, with the model unchanged.

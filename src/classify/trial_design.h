@@ -19,6 +19,10 @@ struct TrialDesign {
     std::vector<double> solution; ///< (X'X)^-1 X', p x n: times y it gives the betas
 };
 
+/// End minus start, at most a thousand million in magnitude: a damaged protocol can state any
+/// numbers.
+[[nodiscard]] int trialDuration(int start, int end);
+
 /// Volumes after the onset of a trial of this length: `postOnset`, and with the option the trial's
 /// duration too.
 [[nodiscard]] int volumesAfterOnset(const TrialOptions& options, int duration);

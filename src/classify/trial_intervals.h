@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "classify/trial_options.h"
+#include "classify/trial_design.h"
 #include "run/protocol/stimulation_protocol.h"
 
 #include <QString>
@@ -17,7 +17,7 @@ struct Trial {
     int start = 0;
     int end = 0;
 
-    [[nodiscard]] int duration() const { return end - start; }
+    [[nodiscard]] int duration() const { return trialDuration(start, end); }
 };
 
 /// The trials of the conditions, condition after condition in the protocol's order, each in the

@@ -5,8 +5,10 @@
 #include "base/memory.h"
 #include "volume/volume_geometry.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
@@ -41,8 +43,15 @@ struct TrialClass {
 /// The conditions in order of their first map. None when one of the names is not a trial's.
 [[nodiscard]] std::vector<TrialClass> classesOfMaps(const QStringList& mapNames);
 
-/// Name of the file of a run: the project file's name without ".fmr", and "_Trials.fmp".
+/// The file of a run: its project file, in the same folder, without ".fmr", and "_Trials.fmp".
 [[nodiscard]] QString trialMapsFileName(const QString& projectFile);
+
+/// All of the file before the values: two numbers of 16 bits, each 1; number of maps and sizes in
+/// 32 bits; the names, each with a zero behind it, in Latin-1 or, where that can't be, UTF-8.
+[[nodiscard]] QByteArray trialMapsHeader(const TrialMaps& maps);
+enum class TrialMapsResult { Ok, OtherVersion, Damaged, OutOfMemory };
+/// Reads a file's bytes. `maps` is unchanged unless the result is Ok; its values are finite then.
+[[nodiscard]] TrialMapsResult parseTrialMaps(std::span<const uint8_t> bytes, TrialMaps& maps);
 
 /// Writes the file as a whole or not at all. False after "Can not open specified file for saving
 /// map data !".
@@ -51,5 +60,5 @@ struct TrialClass {
 /// before anything is allocated. False after "Unable to open map file for reading!", or a message
 /// about what is damaged; `maps` is unchanged then.
 [[nodiscard]] bool readTrialMapNames(const QString& path, TrialMaps& maps);
-/// Reads everything. False likewise, and when memory runs out.
+/// Reads everything. False likewise, and when memory runs out. A value that is not finite is 0.
 [[nodiscard]] bool readTrialMaps(const QString& path, TrialMaps& maps);

@@ -189,11 +189,9 @@ QString messageOf(GLMParseResult result, const QString& fileName) {
     return {};
 }
 
-/// Bytes that decodedText() gives the text back from, and the zero.
+/// The text's bytes, and a zero.
 void writeText(QDataStream& stream, const QString& text) {
-    QByteArray bytes = text.toLatin1();
-    if (decodedText(bytes) != text)
-        bytes = text.toUtf8();
+    QByteArray bytes = encodedText(text);
     bytes.replace('\0', "");
     bytes.truncate(longestText);
     stream.writeRawData(bytes.constData(), int(bytes.size() + 1));

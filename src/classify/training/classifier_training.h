@@ -113,6 +113,13 @@ public:
     /// The run that was loaded last with its weights as maps; null without one.
     [[nodiscard]] QtCortivoDoc* document() { return document_.get(); }
     OverlayThresholds thresholds; ///< of the maps of that document, for the view of its slices
+    /// Names of the maps of the last training: one of two classes, else one for each class; none
+    /// where weights and voxels don't fit together.
+    [[nodiscard]] QStringList mapNames() const;
+    /// Puts one of these maps into the document, from 0, or with allMaps all of them, of which a
+    /// view shows the first four; they were all there after the training.
+    void selectMap(int map);
+    static constexpr int allMaps = -1;
     /// Where files of training are written: the target folder of the run that was loaded last, else
     /// that of the first trial file; with "/" at the end.
     [[nodiscard]] QString folder() const;
