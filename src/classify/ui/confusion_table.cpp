@@ -50,8 +50,8 @@ void ConfusionTable::showReport(const PredictionReport& report) {
     const size_t n = classes.size();
     std::vector<size_t> places; // of the classes in the report's own order
     for (const NamedClass& named : classes)
-        places.push_back(size_t(std::ranges::find(report.labels, named.label) -
-                                report.labels.begin()));
+        places.push_back(
+            size_t(std::ranges::find(report.labels, named.label) - report.labels.begin()));
     table.setRowCount(int(n));
     table.setColumnCount(int(n));
     for (size_t row = 0; row < n; ++row) {

@@ -31,8 +31,7 @@ void addClass(const PatternSet& patterns, const NamedClass& named, PlotMatrix& a
     for (double& value : mean)
         value /= double(all.rows - first + 1);
     addRow(means, mean);
-    all.name +=
-        QStringLiteral(" %1: rows %2 to %3.").arg(named.name).arg(first).arg(all.rows);
+    all.name += QStringLiteral(" %1: rows %2 to %3.").arg(named.name).arg(first).arg(all.rows);
     means.name += QStringLiteral(" Row %1: %2.").arg(means.rows).arg(named.name);
 }
 
@@ -45,8 +44,10 @@ QString percentText(int nrOfRight, int nrOfTrials) {
 std::vector<PlotMatrix> patternMatrices(const PatternSet& patterns) {
     if (patterns.count() == 0)
         return {};
-    PlotMatrix all{"Trials by voxels."};
-    PlotMatrix means{"Means of the classes."};
+    PlotMatrix all;
+    PlotMatrix means;
+    all.name = "Trials by voxels.";
+    means.name = "Means of the classes.";
     all.columns = means.columns = patterns.nrOfFeatures;
     all.values.reserve(patterns.values.size());
     for (const NamedClass& named : classesOfLabels(patterns.labels))
@@ -68,15 +69,13 @@ PlotContent permutationContent(const PermutationTest& test, int nrOfTrials) {
     content.yLabel = "Shufflings";
     for (int from = least; from <= most; from += width) {
         const bool ofTrueLabels = from <= test.nrOfRight && test.nrOfRight < from + width;
-        const auto count = std::ranges::count_if(test.shuffledRight, [&](int right) {
-            return from <= right && right < from + width;
-        });
+        const auto count = std::ranges::count_if(
+            test.shuffledRight, [&](int right) { return from <= right && right < from + width; });
         if (ofTrueLabels)
             content.lines.push_back({double(content.bars.size()), Qt::Vertical, trueLabelsColor,
                                      "true labels: " + percentText(test.nrOfRight, nrOfTrials)});
-        content.bars.push_back(
-            {percentText(from, nrOfTrials), ofTrueLabels ? trueLabelsColor : plotColors::accent,
-             float(count)});
+        content.bars.push_back({percentText(from, nrOfTrials),
+                                ofTrueLabels ? trueLabelsColor : plotColors::accent, float(count)});
     }
     content.title = QStringLiteral("p = %1: %2 of %3 shufflings were at least as accurate")
                         .arg(QString::number(test.p(), 'g', 3))

@@ -1,47 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/ui/weights_window.h"
 
+#include "classify/training/classifier_training.h"
 #include "dialogs/dialog_setup.h"
 #include "display/qt_cortivo_view.h"
-#include "run/document/qt_cortivo_doc.h"
 #include "stats/clusters.h"
 #include "ui_weights_window.h"
 
-#include <algorithm>
-
-namespace {
-
-/// Exchanges two maps; `contrastOfMap` says whose they are.
-void exchange(StatisticalMaps& maps, int a, int b) {
-    if (a == b)
-        return;
-    std::ranges::swap_ranges(maps.map(a), maps.map(b));
-    std::swap(maps.states[size_t(a)], maps.states[size_t(b)]);
-    std::swap(maps.contrastOfMap[size_t(a)], maps.contrastOfMap[size_t(b)]);
-}
-
-/// Only the first maps are in use, so the one that is to be shown alone becomes the first.
-void useOnly(StatisticalMaps& maps, int contrast) {
-    const auto found = std::ranges::find(maps.contrastOfMap, contrast);
-    if (found == maps.contrastOfMap.end())
-        return;
-    exchange(maps, 0, int(found - maps.contrastOfMap.begin()));
-    maps.NrOfActiveContrasts = 1;
-}
-
-void useAll(StatisticalMaps& maps) {
-    maps.NrOfActiveContrasts = int(maps.contrastOfMap.size());
-    for (int map = 0; map < maps.NrOfActiveContrasts; ++map) {
-        const auto found = std::ranges::find(maps.contrastOfMap, map);
-        if (found != maps.contrastOfMap.end())
-            exchange(maps, map, int(found - maps.contrastOfMap.begin()));
-    }
-}
-
-} // namespace
-
-WeightsWindow::WeightsWindow(OverlayThresholds& thresholds, QWidget* parent)
-    : QDialog(parent), thresholds_(thresholds), ui_(std::make_unique<Ui::WeightsWindow>()) {
+WeightsWindow::WeightsWindow(ClassifierTraining& training, QWidget* parent)
+    : QDialog(parent), training_(training), ui_(std::make_unique<Ui::WeightsWindow>()) {
     ui_->setupUi(this);
     connectControls();
     prepareDialog(*this);
@@ -55,11 +22,11 @@ WeightsWindow::~WeightsWindow() {
 void WeightsWindow::connectControls() {
     connect(ui_->MapCmBx, &QComboBox::activated, this, &WeightsWindow::chooseMap);
     connect(ui_->ThresholdSpBx, &QDoubleSpinBox::valueChanged, this, [this](double value) {
-        changeThreshold(thresholds_, float(value));
+        changeThreshold(training_.thresholds, float(value));
         mapsChanged();
     });
     connect(ui_->MaximumSpBx, &QDoubleSpinBox::valueChanged, this, [this](double value) {
-        changeColorMaxThreshold(thresholds_, float(value));
+        changeColorMaxThreshold(training_.thresholds, float(value));
         mapsChanged();
     });
     connect(ui_->ColorsCodeWeightOp, &QCheckBox::clicked, this, [this](bool on) {
@@ -74,34 +41,33 @@ void WeightsWindow::connectControls() {
     connect(ui_->CloseBtn, &QPushButton::clicked, this, &QDialog::reject);
 }
 
-void WeightsWindow::showDocument(QtCortivoDoc& document) {
-    if (document_ != &document) {
+bool WeightsWindow::showMaps() {
+    QtCortivoDoc* document = training_.document();
+    if (!document || training_.mapNames().isEmpty())
+        return false;
+    if (document_ != document) {
         leaveDocument();
-        document_ = &document;
-        view_ = new QtCortivoView(document_, thresholds_, this);
+        document_ = document;
+        view_ = new QtCortivoView(document_, training_.thresholds, this);
         view_->setObjectName("WeightsView");
         view_->setStatisticName("Weight");
         ui_->DialogLayout->insertWidget(0, view_, 1);
     }
     fillMaps();
-    refreshThresholds();
     ui_->ColorsCodeWeightOp->setChecked(document_->SignificanceColorCoding);
     mapsChanged();
+    return true;
 }
 
 void WeightsWindow::leaveDocument() {
-    if (!document_)
-        return;
-    useAll(document_->maps);
     hide();
     delete view_;
     view_ = nullptr;
     document_ = nullptr;
-    ui_->MapCmBx->clear();
 }
 
 void WeightsWindow::fillMaps() {
-    const QStringList& names = document_->contrasts.ContrastNames;
+    const QStringList names = training_.mapNames();
     ui_->MapCmBx->clear();
     if (names.size() > 1)
         ui_->MapCmBx->addItem("All maps");
@@ -110,12 +76,7 @@ void WeightsWindow::fillMaps() {
 }
 
 void WeightsWindow::chooseMap(int index) {
-    if (!document_)
-        return;
-    const bool all = ui_->MapCmBx->count() == 1 || index == 0;
-    useAll(document_->maps);
-    if (!all)
-        useOnly(document_->maps, index - 1);
+    training_.selectMap(ui_->MapCmBx->count() > 1 ? index - 1 : ClassifierTraining::allMaps);
     mapsChanged();
 }
 
@@ -125,8 +86,8 @@ void WeightsWindow::refreshThresholds() {
         field.setSingleStep(value < 1.0f ? 0.01 : 0.1);
         field.setValue(double(value));
     };
-    show(*ui_->ThresholdSpBx, thresholds_.Threshold);
-    show(*ui_->MaximumSpBx, thresholds_.ColorMaxThreshold);
+    show(*ui_->ThresholdSpBx, training_.thresholds.Threshold);
+    show(*ui_->MaximumSpBx, training_.thresholds.ColorMaxThreshold);
 }
 
 void WeightsWindow::mapsChanged() {
@@ -134,7 +95,7 @@ void WeightsWindow::mapsChanged() {
         return;
     refreshThresholds();
     ui_->MaximumSpBx->setEnabled(document_->SignificanceColorCoding);
-    computeClusterSizes(document_->maps, thresholds_, false);
+    computeClusterSizes(document_->maps, training_.thresholds, false);
     document_->updateOverlayColors();
     view_->slotDocumentChanged();
 }

@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "stats/thresholds.h"
-
 #include <QDialog>
 #include <memory>
 
+class ClassifierTraining;
 class QtCortivoDoc;
 class QtCortivoView;
 
@@ -19,14 +18,13 @@ class WeightsWindow : public QDialog {
     Q_OBJECT
 
 public:
-    /// The thresholds, which are those of the documents, are not owned; the operator changes them
-    /// here.
-    WeightsWindow(OverlayThresholds& thresholds, QWidget* parent);
+    /// Document, maps and thresholds are those of the training, which is not owned.
+    WeightsWindow(ClassifierTraining& training, QWidget* parent);
     ~WeightsWindow() override;
 
-    /// Shows the maps of a document, which lives until leaveDocument() or another one comes.
-    void showDocument(QtCortivoDoc& document);
-    /// Lets go of the document, with all of its maps in use again, and hides the window.
+    /// Takes the document with its maps, all of which are in use. False without any.
+    [[nodiscard]] bool showMaps();
+    /// Lets go of the document and hides the window.
     void leaveDocument();
 
 private:
@@ -36,7 +34,7 @@ private:
     void refreshThresholds();
     void mapsChanged();
 
-    OverlayThresholds& thresholds_;
+    ClassifierTraining& training_;
     const std::unique_ptr<Ui::WeightsWindow> ui_;
     QtCortivoDoc* document_ = nullptr;
     QtCortivoView* view_ = nullptr;

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QColorDialog>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -221,7 +222,10 @@ TEST_F(Boxes, ChooseFilesThatExistAndGiveNewOnesTheirExtension) {
         chooseFilesToOpen("Open", file(""), "ROI (*.roi)",
                           [&](const QStringList& paths) { several = paths; });
         EXPECT_TRUE(several.isEmpty());
-        typed(names)(*open<QFileDialog>().at(0));
+        QFileDialog* const opener = open<QFileDialog>().at(0);
+        const auto* listed = opener->findChild<QFileSystemModel*>(); // fills beside us
+        EXPECT_TRUE(QTest::qWaitFor([&] { return listed->rowCount(listed->index(file(""))) > 1; }));
+        typed(names)(*opener);
         EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
         for (QMessageBox* box : open<QMessageBox>())
             box->close();
