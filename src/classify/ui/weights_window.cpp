@@ -76,8 +76,9 @@ void WeightsWindow::fillMaps() {
 }
 
 void WeightsWindow::chooseMap(int index) {
+    // Of the new maps the training tells as of those after a training, all of which are shown.
     training_.selectMap(ui_->MapCmBx->count() > 1 ? index - 1 : ClassifierTraining::allMaps);
-    mapsChanged();
+    ui_->MapCmBx->setCurrentIndex(index);
 }
 
 void WeightsWindow::refreshThresholds() {

@@ -217,19 +217,13 @@ TEST_F(Boxes, ChooseFilesThatExistAndGiveNewOnesTheirExtension) {
     openBeside("old.roi");
     EXPECT_EQ(opened, file("old.roi"));
     QStringList several;
-    for (const char* names : {"\"old.roi\" \"missing.roi\"", "\"old.roi\" \"other.roi\""}) {
-        QFile(file("old.roi")).copy(file("other.roi"));
-        chooseFilesToOpen("Open", file(""), "ROI (*.roi)",
-                          [&](const QStringList& paths) { several = paths; });
-        EXPECT_TRUE(several.isEmpty());
-        QFileDialog* const opener = open<QFileDialog>().at(0);
-        const auto* listed = opener->findChild<QFileSystemModel*>(); // fills beside us
-        EXPECT_TRUE(QTest::qWaitFor([&] { return listed->rowCount(listed->index(file(""))) > 1; }));
-        typed(names)(*opener);
-        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-        for (QMessageBox* box : open<QMessageBox>())
-            box->close();
-    }
+    QFile(file("old.roi")).copy(file("other.roi"));
+    chooseFilesToOpen("Open", file(""), "ROI (*.roi)",
+                      [&](const QStringList& paths) { several = paths; });
+    QFileDialog* const opener = open<QFileDialog>().at(0);
+    const auto* listed = opener->findChild<QFileSystemModel*>(); // fills beside us
+    EXPECT_TRUE(QTest::qWaitFor([&] { return listed->rowCount(listed->index(file(""))) > 1; }));
+    typed("\"old.roi\" \"other.roi\"")(*opener);
     EXPECT_EQ(several, QStringList({file("old.roi"), file("other.roi")}));
     showWindow();
     const std::tuple<QString, QString, std::vector<Act>, QString> cases[] = {
