@@ -171,24 +171,32 @@ struct ChooserTexts {
     QString filter;
 };
 
-/// A chooser of existing files that is not waited for. Of those that don't exist it tells.
-void openChooser(const ChooserTexts& texts, QFileDialog::FileMode mode, FilesChosen chosen,
-                 OpenChooser* subject) {
-    auto* dialog = new QFileDialog(boxParent());
+/// A chooser of files that exist, which is not waited for. Of one that doesn't exist the toolkit
+/// would tell in a box that holds up a run.
+class FileOpener : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+
+    void accept() override {
+        const QStringList paths = selectedFiles();
+        const auto missing = std::ranges::find_if_not(
+            paths, [](const QString& path) { return QFile::exists(path); });
+        if (missing == paths.end())
+            return QFileDialog::accept();
+        reject();
+        showModelessWarning(QStringLiteral("WARNING: There is no file \"%1\".").arg(*missing));
+    }
+};
+
+void openFileOpener(const ChooserTexts& texts, QFileDialog::FileMode mode, FilesChosen chosen,
+                    OpenChooser* subject) {
+    auto* dialog = new FileOpener(boxParent());
     setUp(*dialog, texts.title, texts.place, texts.filter);
-    // Of one file that must exist it would tell in a box of its own, which would hold up a run.
     dialog->setFileMode(mode);
     const auto request = std::make_shared<OpenRequest>(OpenRequest{dialog});
     QObject::connect(dialog, &QFileDialog::filesSelected, dialog,
                      [request, chosen = std::move(chosen)](const QStringList& paths) {
-                         if (request->dropped)
-                             return;
-                         const auto missing = std::ranges::find_if_not(
-                             paths, [](const QString& path) { return QFile::exists(path); });
-                         if (missing != paths.end())
-                             showModelessWarning(
-                                 QStringLiteral("WARNING: There is no file \"%1\".").arg(*missing));
-                         else if (!paths.isEmpty())
+                         if (!request->dropped)
                              chosen(paths);
                      });
     if (subject)
@@ -311,13 +319,13 @@ void MessageBoxes::chooseFileToOpen(const QString& title, const QString& place,
     const auto takeFirst = [chosen = std::move(chosen)](const QStringList& paths) {
         chosen(paths.first());
     };
-    openChooser({title, place, filter}, QFileDialog::AnyFile, takeFirst, subject);
+    openFileOpener({title, place, filter}, QFileDialog::ExistingFile, takeFirst, subject);
 }
 
 void MessageBoxes::chooseFilesToOpen(const QString& title, const QString& place,
                                      const QString& filter, FilesChosen chosen,
                                      OpenChooser* subject) {
-    openChooser({title, place, filter}, QFileDialog::ExistingFiles, std::move(chosen), subject);
+    openFileOpener({title, place, filter}, QFileDialog::ExistingFiles, std::move(chosen), subject);
 }
 
 void MessageBoxes::chooseFileToSave(const QString& title, const QString& place,
