@@ -126,6 +126,13 @@ void chooseFileToOpen(const QString& title, const QString& place, const QString&
     currentHandler()->chooseFileToOpen(title, place, filter, std::move(chosen), subject);
 }
 
+void chooseFilesToOpen(const QString& title, const QString& place, const QString& filter,
+                       FilesChosen chosen, OpenChooser* subject) {
+    if (subject)
+        subject->close();
+    currentHandler()->chooseFilesToOpen(title, place, filter, std::move(chosen), subject);
+}
+
 void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                       FileChosen chosen, OpenChooser* subject) {
     if (subject)

@@ -4,7 +4,7 @@
 
 #include "base/rgb_color.h"
 
-#include <QString>
+#include <QStringList>
 #include <functional>
 #include <optional>
 
@@ -13,6 +13,8 @@ enum class DefaultAnswer { Yes, No };
 
 /// Takes the path that the operator chose.
 using FileChosen = std::function<void(const QString& path)>;
+/// Takes the paths that the operator chose, at least one.
+using FilesChosen = std::function<void(const QStringList& paths)>;
 /// Takes the colour that the operator chose.
 using ColorChosen = std::function<void(const RgbColor& color)>;
 
@@ -85,6 +87,9 @@ public:
     /// These open a modeless chooser. `subject` has none open; it may be nullptr.
     virtual void chooseFileToOpen(const QString& title, const QString& place, const QString& filter,
                                   FileChosen chosen, OpenChooser* subject) = 0;
+    virtual void chooseFilesToOpen(const QString& title, const QString& place,
+                                   const QString& filter, FilesChosen chosen,
+                                   OpenChooser* subject) = 0;
     virtual void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                                   FileChosen chosen, OpenChooser* subject) = 0;
     virtual void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,
@@ -113,6 +118,8 @@ public:
     }
     void chooseFileToOpen(const QString&, const QString&, const QString&, FileChosen,
                           OpenChooser*) override {}
+    void chooseFilesToOpen(const QString&, const QString&, const QString&, FilesChosen,
+                           OpenChooser*) override {}
     void chooseFileToSave(const QString&, const QString&, const QString&, FileChosen,
                           OpenChooser*) override {}
     void chooseColor(const QString&, const RgbColor&, ColorChosen, OpenChooser&) override {}
@@ -154,6 +161,9 @@ void announce(const QString& title, const QString& text, const QString& button);
 /// subject is destroyed.
 void chooseFileToOpen(const QString& title, const QString& place, const QString& filter,
                       FileChosen chosen, OpenChooser* subject = nullptr);
+/// The same for one file or several.
+void chooseFilesToOpen(const QString& title, const QString& place, const QString& filter,
+                       FilesChosen chosen, OpenChooser* subject = nullptr);
 void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                       FileChosen chosen, OpenChooser* subject = nullptr);
 /// Opens a modeless colour chooser at the colour `start`. `chosen` is called when the operator

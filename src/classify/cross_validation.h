@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/progress.h"
-#include "classify/svm_library.h"
+#include "classify/svm_tasks.h"
 
 #include <QStringList>
 
@@ -21,7 +20,8 @@ struct CrossValidationOptions {
 };
 
 /// What is wrong with cross-validating these patterns so, as a sentence; empty if nothing is: fewer
-/// than 2 folds, exemplars or classes, or fewer than 2 runs for folds by run.
+/// than 2 folds, exemplars or classes; for folds by run fewer than 2 runs, or a run without which
+/// only one class is left.
 [[nodiscard]] QString faultOfFolds(const PatternSet& patterns,
                                    const CrossValidationOptions& options);
 
@@ -49,9 +49,11 @@ struct CSearch {
     int bestExponent = -5;
     double C = 1.0; ///< e^bestExponent; because of the truncation it may not be one that was tried
 };
-/// On all cores, with the same result as on one.
+/// One value after the other goes to the next free thread; the result doesn't depend on their
+/// number.
 [[nodiscard]] CSearch searchC(const PatternSet& patterns, const SVMOptions& options,
-                              const CrossValidationOptions& folds, ProgressReporter& progress);
+                              const CrossValidationOptions& folds, ProgressReporter& progress,
+                              int nrOfThreads = oneThreadPerCore);
 
 /// The accuracy of shuffled labels beside that of the true ones.
 struct PermutationTest {
@@ -64,8 +66,10 @@ struct PermutationTest {
     /// 39).
     [[nodiscard]] double p() const;
 };
-/// Labels are shuffled within runs. On all cores, with the same result as on one.
+/// Labels are shuffled within runs, by generators with the seeds that follow that of the folds. The
+/// result doesn't depend on the number of threads.
 [[nodiscard]] PermutationTest testByPermutation(const PatternSet& patterns,
                                                 const SVMOptions& options,
                                                 const CrossValidationOptions& folds,
-                                                int nrOfPermutations, ProgressReporter& progress);
+                                                int nrOfPermutations, ProgressReporter& progress,
+                                                int nrOfThreads = oneThreadPerCore);

@@ -252,12 +252,6 @@ QString tooLargeFault() {
     return QStringLiteral("It is larger than a model can be.");
 }
 
-bool refuse(const QString& path, const QString& fault) {
-    showCritical(
-        QStringLiteral("ERROR: The model file \"%1\" can not be used!\n\n%2").arg(path, fault));
-    return false;
-}
-
 } // namespace
 
 QString faultOfModelFile(const QByteArray& content) {
@@ -267,20 +261,28 @@ QString faultOfModelFile(const QByteArray& content) {
 }
 
 // libsvm reads a private copy of what was checked, since another program may change the file.
-bool loadModel(const QString& path, SVMModel& model) {
+QString readModel(const QString& path, SVMModel& model) {
     QFile file(path);
     if (!openPlainFile(file))
-        return refuse(path, QStringLiteral("It can not be opened for reading."));
+        return QStringLiteral("It can not be opened for reading.");
     if (file.size() > largestFile)
-        return refuse(path, tooLargeFault());
+        return tooLargeFault();
     const QByteArray content = file.readAll();
     const QString fault = faultOfModelFile(content);
     if (!fault.isEmpty())
-        return refuse(path, fault);
+        return fault;
     const QTemporaryDir folder;
     QFile copy(folder.filePath("model.svm"));
     if (!folder.isValid() || !copy.open(QIODevice::WriteOnly) ||
         copy.write(content) != content.size() || !copy.flush() || !model.load(copy.fileName()))
-        return refuse(path, QStringLiteral("There is no room for a temporary copy of it."));
-    return true;
+        return QStringLiteral("There is no room for a temporary copy of it.");
+    return {};
+}
+
+bool loadModel(const QString& path, SVMModel& model) {
+    const QString fault = readModel(path, model);
+    if (!fault.isEmpty())
+        showCritical(
+            QStringLiteral("ERROR: The model file \"%1\" can not be used!\n\n%2").arg(path, fault));
+    return fault.isEmpty();
 }

@@ -24,7 +24,7 @@ struct OverlayLegend {
 
     bool overlayShown = false; ///< without, the legend is empty
     bool significanceColorCoding = false;
-    QString statistic; ///< "t", "R" or "F"
+    QString statistic; ///< "t", "R" or "F", or what a view calls it
     float threshold = 0.0f;
     float colorMaxThreshold = 0.0f;
     bool positive = false; ///< a shown map colours positive values

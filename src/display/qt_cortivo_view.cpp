@@ -114,6 +114,8 @@ void QtCortivoView::composeMosaic() {
         source.thresholds = thresholds_;
         legend_ = makeOverlayLegend(document_->maps, thresholds_, document_->contrasts,
                                     document_->overlayColors, document_->SignificanceColorCoding);
+        if (!statisticName_.isEmpty())
+            legend_.statistic = statisticName_;
     }
     shownLayout_ = document_->mosaic;
     nrOfShownSlices_ = int(source.images().size());

@@ -35,6 +35,8 @@ public:
     /// The volume whose samples are read out, or firstVolumeAsRead.
     void setVolumeReadOut(int volume);
     void setRegionMarking(const RegionMarking& marking);
+    /// What the legend calls the values of the maps; empty for what their kind says.
+    void setStatisticName(const QString& name) { statisticName_ = name; }
     /// The help file of the paradigm, as the settings name it; empty for none.
     void setHelpFile(const QString& path) { helpFile_ = path; }
 
@@ -127,6 +129,7 @@ private:
     bool overlayShown_ = true;
     int readOutVolume_ = firstVolumeAsRead;
     RegionMarking marking_;
+    QString statisticName_;
     QString helpFile_;
 
     ViewZoom zoom_;

@@ -4,6 +4,7 @@
 #include "classify/voxels_file.h"
 #include "support/files.h"
 #include "support/scripted_messages.h"
+#include "support/test_data.h"
 
 #include <QTemporaryDir>
 #include <limits>
@@ -102,18 +103,7 @@ TEST(TrialMapsFile, TellsWhatWentWrong) {
     EXPECT_FALSE(readTrialMaps(path, maps));
 }
 
-const QString settingsText = QStringLiteral("FileVersion:   1\n\n"
-                                            "UsedGLMSettings:\n"
-                                            "StandardTwoGamma:                1\n"
-                                            "ConditionDurationForTrialWindow: 0\n"
-                                            "AddedLinearPredictor:            1\n"
-                                            "TrialWindowPreOnsetValue:        3\n"
-                                            "TrialWindowPostOnsetValue:       12\n"
-                                            "TrialsEstimatedAsTValues:        0\n"
-                                            "TrialsEstimatedAsBValues:        1\n"
-                                            "TrialsEstimatedAsPercentValues:  0\n"
-                                            "TrialsTimeCourseZNormalized:     0\n"
-                                            "IntensityExclusionCriterion:     150\n");
+const QString settingsText = corpusText("trial_settings/SingleTrialGLMSettings.txt");
 
 TEST(TrialSettingsFile, IsWrittenAndRead) {
     TrialOptions options{.preOnset = 3,
@@ -155,9 +145,8 @@ TEST(TrialSettingsFile, IsCheckedAndClamped) {
 TEST(VoxelsFile, IsWrittenAndRead) {
     VoxelList voxels;
     voxels.append(3, 12, 0);
-    voxels.append(103, 7, 71);
-    const QString text = "FileVersion:   1\n\nNrOfVoxels: 2\n\n"
-                         "    3   12    0\n  103    7   71\n";
+    voxels.append(63, 7, 24);
+    const QString text = corpusText("trained_voxels/VoxelsUsedForTraining.txt");
     EXPECT_EQ(voxelsText(voxels), text.toUtf8());
     EXPECT_EQ(parseVoxels(text), voxels);
     EXPECT_EQ(parseVoxels("FileVersion: 1 NrOfVoxels: 1 1 2 3")->size(), 1u);
@@ -171,20 +160,9 @@ TEST(VoxelsFile, IsWrittenAndRead) {
 }
 
 TEST(VoxelsFile, TellsVoxelsOutsideAVolume) {
-    const VolumeSize size{104, 13, 72};
-    for (const auto& [x, y, z, inside] : {std::tuple{103, 12, 71, true},
-                                          {104, 0, 0, false},
-                                          {0, 13, 0, false},
-                                          {0, 0, 72, false},
-                                          {-1, 0, 0, false},
-                                          {0, -1, 0, false},
-                                          {0, 0, -1, false},
-                                          {0, 0, 0, true}}) {
-        VoxelList voxels;
-        voxels.append(1, 1, 1);
-        voxels.append(x, y, z);
-        EXPECT_EQ(voxelsInside(voxels, size), inside) << x << ' ' << y << ' ' << z;
-    }
+    EXPECT_TRUE(voxelsInside({{1, 103, 0}, {1, 12, 0}, {1, 71, 0}}, {104, 13, 72}));
+    for (const auto& [x, y, z] : {std::tuple{104, 0, 0}, {0, 13, 0}, {0, 0, 72}, {-1, 0, 0}})
+        EXPECT_FALSE(voxelsInside({{1, x}, {1, y}, {1, z}}, {104, 13, 72})) << x << y << z;
 }
 
 } // namespace

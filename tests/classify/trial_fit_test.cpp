@@ -141,6 +141,10 @@ TEST(TrialFit, ComparesTheLastPointWithThoseBefore) {
     const float t = 18.0f / std::sqrt(8.0f / 3.0f * 1.25f);
     EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::TValue, false}, samples), t);
     EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::TValue, true}, samples), t);
+    EXPECT_FLOAT_EQ(valueOf({lastPointDesign(3, false), TrialEstimate::Beta, true}, {1, 1, 4}),
+                    3.0f / std::sqrt(2.0f)); // three points are enough to normalize
+    EXPECT_FALSE(
+        TrialFit({lastPointDesign(3, false), TrialEstimate::Beta, true}).skipsNormalization());
     // The trend goes on: the last point lies 2 above it.
     EXPECT_NEAR(valueOf({lastPointDesign(5, true), TrialEstimate::Beta, false}, {5, 6, 7, 8, 11}),
                 2.0f, 1e-5f);

@@ -75,6 +75,13 @@ void ScriptedMessages::chooseFileToOpen(const QString& title, const QString& pla
     chooseFileToSave(title, place, filter, std::move(chosen), subject);
 }
 
+void ScriptedMessages::chooseFilesToOpen(const QString& title, const QString&, const QString&,
+                                         FilesChosen chosen, OpenChooser*) {
+    const auto answer = meet<QString>("file choice", title);
+    if (answer && !answer->isEmpty())
+        chosen(answer->split('\n'));
+}
+
 void ScriptedMessages::chooseFileToSave(const QString& title, const QString&, const QString&,
                                         FileChosen chosen, OpenChooser*) {
     const auto answer = meet<QString>("file choice", title);

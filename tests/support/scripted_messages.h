@@ -24,7 +24,8 @@ public:
     void expectInformation(const QString& text) { expect(MessageLevel::Information, text); }
     void expectQuestion(const QString& text, bool answer, const QString& title = programTitle);
     void expectAnnouncement(const QString& text);
-    /// Of a file to open or to save, blocking or modeless; an empty answer cancels.
+    /// Of a file to open or to save, blocking or modeless; an empty answer cancels. Several files
+    /// to open are joined by line ends.
     void expectFileChoice(const QString& title, const QString& answer);
     void expectColorChoice(const QString& title, const RgbColor& answer);
     /// All messages so far, one for each line end.
@@ -53,6 +54,8 @@ public:
     /// These answer at once.
     void chooseFileToOpen(const QString& title, const QString& place, const QString& filter,
                           FileChosen chosen, OpenChooser* subject) override;
+    void chooseFilesToOpen(const QString& title, const QString& place, const QString& filter,
+                           FilesChosen chosen, OpenChooser* subject) override;
     void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                           FileChosen chosen, OpenChooser* subject) override;
     void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,

@@ -11,9 +11,13 @@
 #include "run/document/qt_cortivo_doc.h"
 #include "stats/thresholds.h"
 
+#include <map>
 #include <memory>
+#include <optional>
 
 class RunSession;
+struct MadePatterns;
+struct PatternPlan;
 
 /// What the operator chooses, beside the options of the estimation.
 struct TrainingChoices {
@@ -41,6 +45,9 @@ public:
     virtual void log(const QString& text) = 0;
     /// Lists, files or choices have changed: the controls show them.
     virtual void refreshControls() = 0;
+    /// The private document or its maps are about to go, or to be replaced: the view of its slices
+    /// lets go of them.
+    virtual void mapsLeaving() = 0;
     /// The private document has new maps: the view of its slices shows them.
     virtual void showMaps() = 0;
 };
@@ -48,7 +55,8 @@ public:
 /// Lists of runs, trial files and classes, the patterns and the model, and each operation on them.
 /// Runs are loaded into a document of its own, so that the run in memory stays as it is; that run
 /// gives the regions. Long work is done in the session's phase Analysing, with a progress box, and
-/// can be stopped; a stopped operation has changed nothing and has written no file. Operations that
+/// can be stopped; a stopped operation has changed nothing and has written no file, but for the
+/// estimation of several runs: those that are done keep their files. Operations that
 /// need an idle session say so, in a modeless box, and do nothing while it isn't. Each returns
 /// false after a message.
 class ClassifierTraining {
@@ -61,8 +69,9 @@ public:
 
     // Runs and the estimation of their trials.
 
-    /// Project files (.fmr). One that is listed stays where it is; one whose header can't be read
-    /// is left out after its message. Conditions are those of the first run's protocol.
+    /// Project files (.fmr). One that is listed stays where it is; one whose header or protocol
+    /// can't be read is left out after its message. Conditions are those of the first run's
+    /// protocol.
     void addRuns(const QStringList& paths);
     void clearRuns();
     [[nodiscard]] const QStringList& runs() const { return runs_; }
@@ -76,7 +85,9 @@ public:
     /// Sets the post-onset value from the distances of the trials, and logs them.
     bool suggestWindow();
     /// Estimates all trials of the selected conditions in all runs, and writes each run's `.fmp`
-    /// and settings file beside it.
+    /// and settings file beside it when its last trial is done. A mean response is taken over the
+    /// voxels of the chosen region, if there is one and it is of a run of the same size; otherwise
+    /// over all voxels at or above the intensity limit.
     bool estimateTrials();
 
     // Patterns of a region.
@@ -110,22 +121,53 @@ public:
     /// The run that was loaded last with its weights as maps; null without one.
     [[nodiscard]] QtCortivoDoc* document() { return document_.get(); }
     OverlayThresholds thresholds; ///< of the maps of that document, for the view of its slices
+    /// Names of the maps of the last training: one of two classes, else one for each class; none
+    /// where weights and voxels don't fit together.
+    [[nodiscard]] QStringList mapNames() const;
+    /// Puts one of these maps into the document, from 0, or with allMaps all of them, of which a
+    /// view shows the first four; they were all there after the training.
+    void selectMap(int map);
+    static constexpr int allMaps = -1;
     /// Where files of training are written: the target folder of the run that was loaded last, else
     /// that of the first trial file; with "/" at the end.
     [[nodiscard]] QString folder() const;
 
 private:
+    /// False, after a modeless information, unless the session is idle.
+    [[nodiscard]] bool isIdle();
+    [[nodiscard]] const RegionOfInterest* chosenRegion() const;
+    void listConditions(const StimulationProtocol& protocol);
+    /// The protocols of all runs, checked. False after a message.
+    [[nodiscard]] bool readProtocols(std::vector<StimulationProtocol>& protocols) const;
+    void addTrialFile(const QString& path, const std::vector<TrialClass>& classes);
+    void gatherClasses();
+    [[nodiscard]] bool planPatterns(PatternPlan& plan) const;
+    [[nodiscard]] bool writePatterns(const PatternPlan& plan, const MadePatterns& made);
+    void replaceDocument(std::unique_ptr<QtCortivoDoc> document);
+
+    /// Patterns for training, without a fault and scaled. False after a message.
+    [[nodiscard]] bool readScaledPatterns(PatternSet& patterns, FeatureScaling& scaling,
+                                          bool forFolds) const;
+    [[nodiscard]] bool readModel(SVMModel& model) const;
+    void showWeights();
+    /// The voxels of the features; none, after a line in the log, where they don't fit.
+    [[nodiscard]] std::optional<VoxelList> voxelsOfFeatures(int nrOfFeatures) const;
+    void loadDocument();
+
     RunSession& session_;
     TrainingDisplay& display_;
     QStringList runs_;
     QStringList conditions_;
     QStringList selectedConditions_;
     QStringList trialFiles_;
+    std::map<QString, std::vector<TrialClass>> classesOfFiles_;
     std::vector<TrialClass> classes_;
     QString patternPath_;
     QString modelPath_;
     FeatureScaling scaling_;
     PredictionReport predictions_;
     PermutationTest permutations_;
+    std::vector<SVMWeights> weights_; ///< of the last training, if they are maps
+    VoxelList weightVoxels_;
     std::unique_ptr<QtCortivoDoc> document_;
 };

@@ -1,6 +1,495 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/ui/multi_voxel_dialog.h"
 
+#include "base/paths.h"
+#include "classify/ui/confusion_table.h"
+#include "classify/ui/hrf_params_dialog.h"
+#include "classify/ui/svm_options_dialog.h"
+#include "classify/ui/training_plots.h"
+#include "classify/ui/weights_window.h"
+#include "dialogs/dialog_setup.h"
+#include "display/plots/matrix_plotter_dialog.h"
+#include "display/plots/plot_2d_dialog.h"
+#include "display/plots/plotter.h"
+#include "run/session/run_session.h"
+#include "ui_multi_voxel_dialog.h"
+
+#include <QScopedValueRollback>
+
+namespace {
+
+constexpr int postOnsetOfFixedWindow = 22;
+constexpr int postOnsetAfterTrial = 6; ///< of a window that follows the length of the trial
+constexpr int mostLogLines = 20000;
+
+const QString patternFilter = "Multi-voxel pattern files (*.mvp)";
+const QString modelFilter = "Trained SVM model files (*.svm)";
+
+/// File names with their paths as tool tips. The current row stays, or becomes the first one.
+void showFiles(QListWidget& list, const QStringList& paths) {
+    const int row = list.currentRow();
+    list.clear();
+    for (const QString& path : paths) {
+        auto* item = new QListWidgetItem(paths::fileName(path), &list);
+        item->setToolTip(path);
+    }
+    list.setCurrentRow(std::clamp(row, paths.isEmpty() ? -1 : 0, int(paths.size()) - 1));
+}
+
+/// The name of the file; its path is the tool tip.
+void showFile(QLineEdit& field, const QString& path) {
+    field.setText(paths::fileName(path));
+    field.setToolTip(path.isEmpty() ? field.accessibleName() + ": none yet" : path);
+}
+
+void showNames(QComboBox& box, const QStringList& names, const QString& chosen) {
+    box.clear();
+    box.addItems(names);
+    box.setCurrentIndex(int(names.indexOf(chosen)));
+}
+
+} // namespace
+
+MultiVoxelPatternClassificationDlg::MultiVoxelPatternClassificationDlg(RunSession& session,
+                                                                       QWidget& window)
+    : QDialog(&window), session_(session),
+      ui_(std::make_unique<Ui::MultiVoxelPatternClassificationDlg>()), training_(session, *this),
+      weights_(new WeightsWindow(training_, this)), confusion_(new ConfusionTable(this)),
+      patternPlot_(new MatrixPlotterDlg(this)), permutationPlot_(new Plot2DDlg(this)) {
+    patternPlot_->setObjectName("PatternPlot");
+    patternPlot_->setWindowTitle("Patterns");
+    permutationPlot_->setObjectName("PermutationPlot");
+    permutationPlot_->setTitle("Permutation Test");
+    permutationPlot_->resize(620, 400);
+    ui_->setupUi(this);
+    QFont logFont("Courier New");
+    logFont.setStyleHint(QFont::Monospace);
+    ui_->LogPredictionsTxEd->setFont(logFont);
+    ui_->LogPredictionsTxEd->setMaximumBlockCount(mostLogLines);
+    QPushButton* clear = ui_->BtnBox->addButton("Clear Lo&g", QDialogButtonBox::ResetRole);
+    clear->setObjectName("ClearLogBtn");
+    clear->setToolTip("Empty the list of results");
+    ui_->BtnBox->button(QDialogButtonBox::Close)->setObjectName("CloseBtn");
+    ui_->BtnBox->button(QDialogButtonBox::Close)
+        ->setToolTip("Close the dialog; what was done stays");
+    for (QPushButton* button : findChildren<QPushButton*>())
+        button->setAutoDefault(false); // Return belongs to the fields
+    connectEstimation();
+    connectPatterns();
+    connectMachine();
+    connect(ui_->BtnBox, &QDialogButtonBox::clicked, this, &Self::btnInBoxClicked);
+    prepareDialog(*this);
+    refreshControls();
+    session_.listeners.add(*this, ListenerPlace::Dialogs);
+}
+
+// The windows show what the training owns, which goes before them otherwise.
+MultiVoxelPatternClassificationDlg::~MultiVoxelPatternClassificationDlg() {
+    delete weights_;
+}
+
+void MultiVoxelPatternClassificationDlg::connectEstimation() {
+    connect(ui_->AddTCDataBtn, &QPushButton::clicked, this, &Self::addTimeCourseData);
+    connect(ui_->ClearTCDataBtn, &QPushButton::clicked, this, &Self::clearTimeCourseData);
+    connect(ui_->InputTCDataLsWdg, &QListWidget::currentRowChanged, this,
+            &Self::currentRowOfTCDataChanged);
+    connect(ui_->ConditionsLsWdg, &QListWidget::itemSelectionChanged, this, &Self::readConditions);
+    connect(ui_->FitHRFParamsOptionsBtn, &QPushButton::clicked, this, &Self::onFitHRFOptionsDlg);
+    connect(ui_->AutoSuggestWindowBtn, &QPushButton::clicked, this,
+            &Self::onAutoSuggestPrePostWindow);
+    connect(ui_->UseConditionDurationForTrialWindowOp, &QCheckBox::clicked, this,
+            &Self::onUseConditionDuration);
+    connect(ui_->GoBtn, &QPushButton::clicked, this, &Self::go);
+    for (QSpinBox* field : {ui_->PreOnsetSpBx, ui_->PostOnsetSpBx, ui_->ExcludeValuesSmallerSpBx})
+        connect(field, &QSpinBox::valueChanged, this, &Self::readOptions);
+    for (QAbstractButton* choice :
+         std::initializer_list<QAbstractButton*>{ui_->UseStandard2GammaOp, ui_->UseAdjusted2GammaOp,
+                                                 ui_->UseEmpiricalMeanResponseAsPredictorOp,
+                                                 ui_->AddTrialLinearTrendOp, ui_->zNormalizationOp})
+        connect(choice, &QAbstractButton::toggled, this, &Self::readOptions);
+}
+
+void MultiVoxelPatternClassificationDlg::connectPatterns() {
+    connect(ui_->LoadTrainingDataBtn, &QPushButton::clicked, this, &Self::loadTrainingData);
+    connect(ui_->ClearTrainingDataBtn, &QPushButton::clicked, this, &Self::clearTrainingDataFMPs);
+    connect(ui_->VOIsLsWdg, &QListWidget::currentRowChanged, this, &Self::readChoices);
+    for (QComboBox* box : {ui_->SelectedClass1CmBx, ui_->SelectedClass2CmBx})
+        connect(box, &QComboBox::currentIndexChanged, this, &Self::readChoices);
+    connect(ui_->MultiClassOp, &QCheckBox::clicked, this, &Self::onMultiClassOption);
+    connect(ui_->CreateTrainingMVPOp, &QRadioButton::toggled, this, &Self::readChoices);
+    connect(ui_->CreateMVPBtn, &QPushButton::clicked, this, &Self::createROITrainingTestData);
+}
+
+void MultiVoxelPatternClassificationDlg::connectMachine() {
+    for (QPushButton* button : {ui_->SelectTrainingMVPBtn, ui_->SelectTestMVPBtn})
+        connect(button, &QPushButton::clicked, this, &Self::selectTrainingMVPFile);
+    connect(ui_->PlotPatternsBtn, &QPushButton::clicked, this, &Self::onPlotPatterns);
+    connect(ui_->KernelsCmBx, &QComboBox::currentIndexChanged, this, &Self::readChoices);
+    connect(ui_->SVMOptionsBtn, &QPushButton::clicked, this, &Self::onSVMOptionsDlg);
+    for (QCheckBox* box : {ui_->NFoldCrossValidationOp, ui_->FoldsByRunOp})
+        connect(box, &QCheckBox::toggled, this, &Self::readChoices);
+    for (QSpinBox* field : {ui_->NrOfFoldsSpBx, ui_->NrOfPermutationsSpBx})
+        connect(field, &QSpinBox::valueChanged, this, &Self::readChoices);
+    connect(ui_->TrainSVMBtn, &QPushButton::clicked, this, &Self::trainSVM);
+    connect(ui_->SelectModelSVMBtn, &QPushButton::clicked, this, &Self::selectModelSVMFile);
+    connect(ui_->SelectTrainedClassifierFileBtn, &QPushButton::clicked, this,
+            &Self::selectClassifierFile);
+    connect(ui_->ShowWeightsBtn, &QPushButton::clicked, this, &Self::showWeights);
+    connect(ui_->PermutationTestBtn, &QPushButton::clicked, this, &Self::onPermutationTest);
+    connect(ui_->TestSVMBtn, &QPushButton::clicked, this, &Self::testSVMOnPostRunData);
+    connect(ui_->ConfusionTableBtn, &QPushButton::clicked, this, &Self::showConfusionTable);
+}
+
+void MultiVoxelPatternClassificationDlg::log(const QString& text) {
+    ui_->LogPredictionsTxEd->appendPlainText(text);
+}
+
+void MultiVoxelPatternClassificationDlg::mapsLeaving() {
+    weights_->leaveDocument();
+    ui_->ShowWeightsBtn->setEnabled(false);
+}
+
+void MultiVoxelPatternClassificationDlg::showMaps() {
+    ui_->ShowWeightsBtn->setEnabled(true);
+    showWeights();
+}
+
+void MultiVoxelPatternClassificationDlg::documentsLeaving() {
+    const QScopedValueRollback<bool> leaving(regionsGone_, true);
+    refreshControls();
+}
+
+// Controls and the training.
+
+void MultiVoxelPatternClassificationDlg::readOptions() {
+    if (showing_)
+        return;
+    TrialOptions& options = training_.options;
+    options.preOnset = ui_->PreOnsetSpBx->value();
+    options.postOnset = ui_->PostOnsetSpBx->value();
+    options.response = ui_->UseAdjusted2GammaOp->isChecked() ? TrialResponse::AdjustedTwoGamma
+                       : ui_->UseEmpiricalMeanResponseAsPredictorOp->isChecked()
+                           ? TrialResponse::MeanResponse
+                           : TrialResponse::StandardTwoGamma;
+    options.linearTrend = ui_->AddTrialLinearTrendOp->isChecked();
+    options.zNormalization = ui_->zNormalizationOp->isChecked();
+    options.intensityLimit = ui_->ExcludeValuesSmallerSpBx->value();
+    enableControls();
+}
+
+void MultiVoxelPatternClassificationDlg::readChoices() {
+    if (showing_)
+        return;
+    TrainingChoices& choices = training_.choices;
+    choices.region = std::max(ui_->VOIsLsWdg->currentRow(), 0);
+    choices.class1 = ui_->SelectedClass1CmBx->currentText();
+    choices.class2 = ui_->SelectedClass2CmBx->currentText();
+    choices.trainingPatterns = ui_->CreateTrainingMVPOp->isChecked();
+    choices.svm.kernel = SVMKernel(std::max(ui_->KernelsCmBx->currentIndex(), 0));
+    choices.crossValidates = ui_->NFoldCrossValidationOp->isChecked();
+    choices.folds.nrOfFolds = ui_->NrOfFoldsSpBx->value();
+    choices.folds.folds = ui_->FoldsByRunOp->isChecked() ? FoldKind::ByRun : FoldKind::Random;
+    choices.nrOfPermutations = ui_->NrOfPermutationsSpBx->value();
+    enableControls();
+}
+
+void MultiVoxelPatternClassificationDlg::readConditions() {
+    if (showing_)
+        return;
+    QStringList names;
+    for (int row = 0; row < ui_->ConditionsLsWdg->count(); ++row)
+        if (ui_->ConditionsLsWdg->item(row)->isSelected())
+            names << ui_->ConditionsLsWdg->item(row)->text();
+    training_.selectConditions(names);
+}
+
+void MultiVoxelPatternClassificationDlg::refreshControls() {
+    {
+        const QScopedValueRollback<bool> filling(showing_, true);
+        showRuns();
+        showOptions();
+        showClasses();
+        showChoices();
+        showPaths();
+    }
+    enableControls();
+}
+
+void MultiVoxelPatternClassificationDlg::showRuns() {
+    showFiles(*ui_->InputTCDataLsWdg, training_.runs());
+    ui_->ConditionsLsWdg->clear();
+    ui_->ConditionsLsWdg->addItems(training_.conditions());
+    for (int row = 0; row < ui_->ConditionsLsWdg->count(); ++row) {
+        QListWidgetItem* item = ui_->ConditionsLsWdg->item(row);
+        item->setSelected(training_.selectedConditions().contains(item->text()));
+    }
+}
+
+void MultiVoxelPatternClassificationDlg::showOptions() {
+    const TrialOptions& options = training_.options;
+    ui_->PreOnsetSpBx->setValue(options.preOnset);
+    ui_->PostOnsetSpBx->setValue(options.postOnset);
+    ui_->PostOnsetLbl->setText(options.useTrialDuration ? "Pos&t-trial:" : "Pos&t-onset:");
+    ui_->UseConditionDurationForTrialWindowOp->setChecked(options.useTrialDuration);
+    ui_->ExcludeValuesSmallerSpBx->setValue(options.intensityLimit);
+    (options.response == TrialResponse::AdjustedTwoGamma ? ui_->UseAdjusted2GammaOp
+     : options.response == TrialResponse::MeanResponse ? ui_->UseEmpiricalMeanResponseAsPredictorOp
+                                                       : ui_->UseStandard2GammaOp)
+        ->setChecked(true);
+    ui_->AddTrialLinearTrendOp->setChecked(options.linearTrend);
+    (options.estimate == TrialEstimate::Beta          ? ui_->CreateSingleTrialEstimatesAsBetasOp
+     : options.estimate == TrialEstimate::PercentBeta ? ui_->CreateSingleTrialEstimatesAsPercBetasOp
+                                                      : ui_->CreateSingleTrialEstimatesAsTsOp)
+        ->setChecked(true);
+    ui_->zNormalizationOp->setChecked(options.zNormalization);
+}
+
+void MultiVoxelPatternClassificationDlg::showClasses() {
+    showFiles(*ui_->TrialDataFilesLsWdg, training_.trialFiles());
+    const TrainingChoices& choices = training_.choices;
+    ui_->VOIsLsWdg->clear();
+    if (!regionsGone_)
+        ui_->VOIsLsWdg->addItems(training_.regions());
+    ui_->VOIsLsWdg->setCurrentRow(std::min(choices.region, ui_->VOIsLsWdg->count() - 1));
+    QStringList names;
+    for (const TrialClass& trials : training_.classes())
+        names << trials.name;
+    showNames(*ui_->SelectedClass1CmBx, names, choices.class1);
+    showNames(*ui_->SelectedClass2CmBx, names, choices.class2);
+}
+
+void MultiVoxelPatternClassificationDlg::showChoices() {
+    const TrainingChoices& choices = training_.choices;
+    ui_->MultiClassOp->setChecked(choices.multiClass);
+    (choices.trainingPatterns ? ui_->CreateTrainingMVPOp : ui_->CreateTestMVPOp)->setChecked(true);
+    ui_->KernelsCmBx->setCurrentIndex(int(choices.svm.kernel));
+    ui_->NFoldCrossValidationOp->setChecked(choices.crossValidates);
+    ui_->NrOfFoldsSpBx->setValue(choices.folds.nrOfFolds);
+    ui_->FoldsByRunOp->setChecked(choices.folds.folds == FoldKind::ByRun);
+    ui_->NrOfPermutationsSpBx->setValue(choices.nrOfPermutations);
+}
+
+void MultiVoxelPatternClassificationDlg::showPaths() {
+    for (QLineEdit* field : {ui_->ROITrainingDataFileEd, ui_->TestDataFileEd})
+        showFile(*field, training_.patternPath());
+    for (QLineEdit* field : {ui_->TrainedModelFileEd, ui_->TrainedClassifierFileEd})
+        showFile(*field, training_.modelPath());
+}
+
+void MultiVoxelPatternClassificationDlg::enableControls() {
+    const TrialOptions& options = training_.options;
+    const TrainingChoices& choices = training_.choices;
+    ui_->AutoSuggestWindowBtn->setEnabled(!options.useTrialDuration);
+    ui_->FitHRFParamsOptionsBtn->setEnabled(options.response == TrialResponse::AdjustedTwoGamma);
+    ui_->zNormalizationOp->setEnabled(options.estimate == TrialEstimate::Beta);
+    ui_->zNormalizationOp->setToolTip(
+        options.estimate == TrialEstimate::Beta
+            ? "Give each trial window the mean 0 and the standard deviation 1"
+        : options.estimate == TrialEstimate::TValue
+            ? "Only with betas: z normalization of a window can not change its t value"
+            : "Only with betas: percent changes need the mean of the window");
+    for (QComboBox* box : {ui_->SelectedClass1CmBx, ui_->SelectedClass2CmBx})
+        box->setEnabled(!choices.multiClass);
+    ui_->NrOfFoldsSpBx->setEnabled(choices.folds.folds == FoldKind::Random);
+    const bool patterns = !training_.patternPath().isEmpty();
+    for (QPushButton* button :
+         {ui_->PlotPatternsBtn, ui_->TrainSVMBtn, ui_->PermutationTestBtn, ui_->TestSVMBtn})
+        button->setEnabled(patterns);
+    ui_->ShowWeightsBtn->setEnabled(!training_.mapNames().isEmpty());
+    ui_->ConfusionTableBtn->setEnabled(!training_.predictions().targets.empty());
+}
+
+QString MultiVoxelPatternClassificationDlg::startFolder() const {
+    const QString folder = training_.folder();
+    return folder.isEmpty() ? session_.settings.TargetFolder : folder;
+}
+
+// Estimation of trials.
+
+void MultiVoxelPatternClassificationDlg::go() {
+    runSingleTrialGLM();
+}
+
+void MultiVoxelPatternClassificationDlg::runSingleTrialGLM() {
+    static_cast<void>(training_.estimateTrials());
+}
+
+void MultiVoxelPatternClassificationDlg::btnInBoxClicked(QAbstractButton* button) {
+    if (ui_->BtnBox->buttonRole(button) == QDialogButtonBox::ResetRole)
+        ui_->LogPredictionsTxEd->clear();
+    else
+        reject();
+}
+
+void MultiVoxelPatternClassificationDlg::addTimeCourseData() {
+    chooseFilesToOpen(
+        "Select One or More FMR Files", startFolder(), "Functional projects (*.fmr)",
+        [this](const QStringList& paths) { training_.addRuns(paths); }, &chooser_);
+}
+
+void MultiVoxelPatternClassificationDlg::clearTimeCourseData() {
+    training_.clearRuns();
+}
+
+void MultiVoxelPatternClassificationDlg::currentRowOfTCDataChanged(int row) {
+    if (!showing_)
+        training_.showRun(row);
+}
+
+void MultiVoxelPatternClassificationDlg::onFitHRFOptionsDlg() {
+    auto* dialog = new HRFParamsDlg(
+        training_.options.adjustedHRF,
+        [this](const TwoGammaHRFParams& params) { training_.options.adjustedHRF = params; }, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
+}
+
+void MultiVoxelPatternClassificationDlg::onUseConditionDuration() {
+    const bool follows = ui_->UseConditionDurationForTrialWindowOp->isChecked();
+    training_.options.useTrialDuration = follows;
+    training_.options.postOnset = follows ? postOnsetAfterTrial : postOnsetOfFixedWindow;
+    refreshControls();
+}
+
+void MultiVoxelPatternClassificationDlg::onAutoSuggestPrePostWindow() {
+    static_cast<void>(training_.suggestWindow());
+    refreshControls();
+}
+
+void MultiVoxelPatternClassificationDlg::chooseEstimate(TrialEstimate estimate) {
+    training_.options.estimate = estimate;
+    if (estimate != TrialEstimate::Beta)
+        training_.options.zNormalization = false;
+    refreshControls();
+}
+
+void MultiVoxelPatternClassificationDlg::on_CreateSingleTrialEstimatesAsTsOp_clicked() {
+    chooseEstimate(TrialEstimate::TValue);
+}
+
+void MultiVoxelPatternClassificationDlg::on_CreateSingleTrialEstimatesAsBetasOp_clicked() {
+    chooseEstimate(TrialEstimate::Beta);
+}
+
+void MultiVoxelPatternClassificationDlg::on_CreateSingleTrialEstimatesAsPercBetasOp_clicked() {
+    chooseEstimate(TrialEstimate::PercentBeta);
+}
+
+// Patterns.
+
+void MultiVoxelPatternClassificationDlg::loadTrainingData() {
+    chooseFilesToOpen(
+        "Select One or More FMP Files", startFolder(), "Real-time FMR map files (*.fmp)",
+        [this](const QStringList& paths) { static_cast<void>(training_.addTrialFiles(paths)); },
+        &chooser_);
+}
+
+void MultiVoxelPatternClassificationDlg::clearTrainingDataFMPs() {
+    training_.clearTrialFiles();
+}
+
+void MultiVoxelPatternClassificationDlg::onMultiClassOption() {
+    training_.choices.multiClass = ui_->MultiClassOp->isChecked();
+    enableControls();
+}
+
+void MultiVoxelPatternClassificationDlg::createROITrainingTestData() {
+    static_cast<void>(training_.createPatterns());
+}
+
+void MultiVoxelPatternClassificationDlg::selectTrainingMVPFile() {
+    chooseFileToOpen(
+        "Select MVP File", startFolder(), patternFilter,
+        [this](const QString& path) { training_.choosePatterns(path); }, &chooser_);
+}
+
+void MultiVoxelPatternClassificationDlg::onPlotPatterns() {
+    PatternSet patterns;
+    if (training_.patternPath().isEmpty() || !training_.readPatterns(patterns))
+        return;
+    patternPlot_->plotter().setSaveFolder(training_.folder());
+    patternPlot_->plotter().setMatrices(patternMatrices(patterns));
+    patternPlot_->setWindowTitle("Patterns - " + paths::fileName(training_.patternPath()));
+    showBeside(*patternPlot_, 1);
+}
+
+// Training and testing.
+
+void MultiVoxelPatternClassificationDlg::onSVMOptionsDlg() {
+    const TrainingChoices& now = training_.choices;
+    auto* dialog = new SVMOptionsDlg(
+        {now.scaling, now.svm, now.searchLinear, now.searchRBF},
+        [this](const SVMTrainingOptions& options) {
+            TrainingChoices& choices = training_.choices;
+            choices.scaling = options.scaling;
+            choices.svm = options.svm;
+            choices.searchLinear = options.searchLinear;
+            choices.searchRBF = options.searchRBF;
+        },
+        this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
+}
+
+void MultiVoxelPatternClassificationDlg::trainSVM() {
+    if (training_.train() && confusion_->isVisible())
+        showConfusionTable();
+}
+
+void MultiVoxelPatternClassificationDlg::chooseModel() {
+    chooseFileToOpen(
+        "Select SVM File", startFolder(), modelFilter,
+        [this](const QString& path) { static_cast<void>(training_.chooseModel(path)); }, &chooser_);
+}
+
+void MultiVoxelPatternClassificationDlg::selectModelSVMFile() {
+    chooseModel();
+}
+
+void MultiVoxelPatternClassificationDlg::selectClassifierFile() {
+    chooseModel();
+}
+
+void MultiVoxelPatternClassificationDlg::testSVMOnPostRunData() {
+    if (training_.test() && confusion_->isVisible())
+        showConfusionTable();
+}
+
+void MultiVoxelPatternClassificationDlg::onPermutationTest() {
+    PatternSet patterns;
+    if (training_.patternPath().isEmpty() || !training_.testByPermutations() ||
+        !training_.readPatterns(patterns))
+        return;
+    permutationPlot_->plotter().setSaveFolder(training_.folder());
+    permutationPlot_->setContent(permutationContent(training_.permutationTest(), patterns.count()));
+    showBeside(*permutationPlot_, 1);
+}
+
+void MultiVoxelPatternClassificationDlg::showWeights() {
+    if (weights_->showMaps())
+        showBeside(*weights_, 1);
+}
+
+void MultiVoxelPatternClassificationDlg::showConfusionTable() {
+    if (training_.predictions().targets.empty())
+        return;
+    confusion_->showReport(training_.predictions());
+    showBeside(*confusion_, 1);
+}
+
+void MultiVoxelPatternClassificationDlg::hideEvent(QHideEvent* event) {
+    QDialog::hideEvent(event);
+    if (event->spontaneous())
+        return;
+    chooser_.close();
+    for (QDialog* dialog : findChildren<QDialog*>(Qt::FindDirectChildrenOnly))
+        dialog->close();
+}
+
 void openMultiVoxelPatternDialog(RunSession& session, QWidget& window) {
-    static_cast<void>(session), static_cast<void>(window);
+    auto* dialog = window.findChild<MultiVoxelPatternClassificationDlg*>();
+    if (!dialog)
+        dialog = new MultiVoxelPatternClassificationDlg(session, window);
+    dialog->refreshControls();
+    showInFront(*dialog);
 }

@@ -1,2 +1,102 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/ui/weights_window.h"
+
+#include "classify/training/classifier_training.h"
+#include "dialogs/dialog_setup.h"
+#include "display/qt_cortivo_view.h"
+#include "stats/clusters.h"
+#include "ui_weights_window.h"
+
+WeightsWindow::WeightsWindow(ClassifierTraining& training, QWidget* parent)
+    : QDialog(parent), training_(training), ui_(std::make_unique<Ui::WeightsWindow>()) {
+    ui_->setupUi(this);
+    connectControls();
+    prepareDialog(*this);
+    resize(760, 560);
+}
+
+WeightsWindow::~WeightsWindow() {
+    delete view_; // before the combo box and the fields go
+}
+
+void WeightsWindow::connectControls() {
+    connect(ui_->MapCmBx, &QComboBox::activated, this, &WeightsWindow::chooseMap);
+    connect(ui_->ThresholdSpBx, &QDoubleSpinBox::valueChanged, this, [this](double value) {
+        changeThreshold(training_.thresholds, float(value));
+        mapsChanged();
+    });
+    connect(ui_->MaximumSpBx, &QDoubleSpinBox::valueChanged, this, [this](double value) {
+        changeColorMaxThreshold(training_.thresholds, float(value));
+        mapsChanged();
+    });
+    connect(ui_->ColorsCodeWeightOp, &QCheckBox::clicked, this, [this](bool on) {
+        if (document_)
+            document_->SignificanceColorCoding = on;
+        mapsChanged();
+    });
+    connect(ui_->SaveBtn, &QPushButton::clicked, this, [this] {
+        if (view_)
+            view_->slotSaveAsBMP();
+    });
+    connect(ui_->CloseBtn, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+bool WeightsWindow::showMaps() {
+    QtCortivoDoc* document = training_.document();
+    if (!document || training_.mapNames().isEmpty())
+        return false;
+    if (document_ != document) {
+        leaveDocument();
+        document_ = document;
+        view_ = new QtCortivoView(document_, training_.thresholds, this);
+        view_->setObjectName("WeightsView");
+        view_->setStatisticName("Weight");
+        ui_->DialogLayout->insertWidget(0, view_, 1);
+    }
+    fillMaps();
+    ui_->ColorsCodeWeightOp->setChecked(document_->SignificanceColorCoding);
+    mapsChanged();
+    return true;
+}
+
+void WeightsWindow::leaveDocument() {
+    hide();
+    delete view_;
+    view_ = nullptr;
+    document_ = nullptr;
+}
+
+void WeightsWindow::fillMaps() {
+    const QStringList names = training_.mapNames();
+    ui_->MapCmBx->clear();
+    if (names.size() > 1)
+        ui_->MapCmBx->addItem("All maps");
+    ui_->MapCmBx->addItems(names);
+    ui_->MapCmBx->setEnabled(names.size() > 1);
+}
+
+void WeightsWindow::chooseMap(int index) {
+    // Of the new maps the training tells as of those after a training, all of which are shown.
+    training_.selectMap(ui_->MapCmBx->count() > 1 ? index - 1 : ClassifierTraining::allMaps);
+    ui_->MapCmBx->setCurrentIndex(index);
+}
+
+void WeightsWindow::refreshThresholds() {
+    const auto show = [](QDoubleSpinBox& field, float value) {
+        const QSignalBlocker quiet(field);
+        field.setSingleStep(value < 1.0f ? 0.01 : 0.1);
+        field.setValue(double(value));
+    };
+    show(*ui_->ThresholdSpBx, training_.thresholds.Threshold);
+    show(*ui_->MaximumSpBx, training_.thresholds.ColorMaxThreshold);
+}
+
+void WeightsWindow::mapsChanged() {
+    if (!document_)
+        return;
+    refreshThresholds();
+    ui_->MaximumSpBx->setEnabled(document_->SignificanceColorCoding);
+    computeClusterSizes(document_->maps, training_.thresholds, false);
+    document_->updateOverlayColors();
+    view_->slotDocumentChanged();
+}

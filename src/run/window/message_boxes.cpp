@@ -165,6 +165,45 @@ QString pathToSave(const QFileDialog& dialog) {
     return path + first;
 }
 
+struct ChooserTexts {
+    QString title;
+    QString place;
+    QString filter;
+};
+
+/// A chooser of files that exist, which is not waited for. Of one that doesn't exist the toolkit
+/// would tell in a box that holds up a run.
+class FileOpener : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+
+    void accept() override {
+        const QStringList paths = selectedFiles();
+        const auto missing = std::ranges::find_if_not(
+            paths, [](const QString& path) { return QFile::exists(path); });
+        if (missing == paths.end())
+            return QFileDialog::accept();
+        reject();
+        showModelessWarning(QStringLiteral("WARNING: There is no file \"%1\".").arg(*missing));
+    }
+};
+
+void openFileOpener(const ChooserTexts& texts, QFileDialog::FileMode mode, FilesChosen chosen,
+                    OpenChooser* subject) {
+    auto* dialog = new FileOpener(boxParent());
+    setUp(*dialog, texts.title, texts.place, texts.filter);
+    dialog->setFileMode(mode);
+    const auto request = std::make_shared<OpenRequest>(OpenRequest{dialog});
+    QObject::connect(dialog, &QFileDialog::filesSelected, dialog,
+                     [request, chosen = std::move(chosen)](const QStringList& paths) {
+                         if (!request->dropped)
+                             chosen(paths);
+                     });
+    if (subject)
+        subject->hold([request] { request->drop(); });
+    showBeside(dialog);
+}
+
 void setUp(QInputDialog& dialog, const InputTexts& texts) {
     constexpr int lineLength = 50; // characters
     dialog.setWindowTitle(texts.title);
@@ -277,24 +316,16 @@ QString MessageBoxes::waitForFileToSave(const QString& title, const QString& pla
 void MessageBoxes::chooseFileToOpen(const QString& title, const QString& place,
                                     const QString& filter, FileChosen chosen,
                                     OpenChooser* subject) {
-    auto* dialog = new QFileDialog(boxParent());
-    setUp(*dialog, title, place, filter);
-    // Of a file that must exist it would tell in a box of its own, which would hold up a run.
-    dialog->setFileMode(QFileDialog::AnyFile);
-    const auto request = std::make_shared<OpenRequest>(OpenRequest{dialog});
-    QObject::connect(dialog, &QFileDialog::fileSelected, dialog,
-                     [request, chosen = std::move(chosen)](const QString& path) {
-                         if (request->dropped)
-                             return;
-                         if (QFile::exists(path))
-                             chosen(path);
-                         else
-                             showModelessWarning(
-                                 QStringLiteral("WARNING: There is no file \"%1\".").arg(path));
-                     });
-    if (subject)
-        subject->hold([request] { request->drop(); });
-    showBeside(dialog);
+    const auto takeFirst = [chosen = std::move(chosen)](const QStringList& paths) {
+        chosen(paths.first());
+    };
+    openFileOpener({title, place, filter}, QFileDialog::ExistingFile, takeFirst, subject);
+}
+
+void MessageBoxes::chooseFilesToOpen(const QString& title, const QString& place,
+                                     const QString& filter, FilesChosen chosen,
+                                     OpenChooser* subject) {
+    openFileOpener({title, place, filter}, QFileDialog::ExistingFiles, std::move(chosen), subject);
 }
 
 void MessageBoxes::chooseFileToSave(const QString& title, const QString& place,

@@ -34,6 +34,8 @@ public:
                                             const QString& filter) override;
     void chooseFileToOpen(const QString& title, const QString& place, const QString& filter,
                           FileChosen chosen, OpenChooser* subject) override;
+    void chooseFilesToOpen(const QString& title, const QString& place, const QString& filter,
+                           FilesChosen chosen, OpenChooser* subject) override;
     void chooseFileToSave(const QString& title, const QString& place, const QString& filter,
                           FileChosen chosen, OpenChooser* subject) override;
     void chooseColor(const QString& title, const RgbColor& start, ColorChosen chosen,

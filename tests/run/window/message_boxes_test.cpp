@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QColorDialog>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -215,6 +216,15 @@ TEST_F(Boxes, ChooseFilesThatExistAndGiveNewOnesTheirExtension) {
     told->close();
     openBeside("old.roi");
     EXPECT_EQ(opened, file("old.roi"));
+    QStringList several;
+    QFile(file("old.roi")).copy(file("other.roi"));
+    chooseFilesToOpen("Open", file(""), "ROI (*.roi)",
+                      [&](const QStringList& paths) { several = paths; });
+    QFileDialog* const opener = open<QFileDialog>().at(0);
+    const auto* listed = opener->findChild<QFileSystemModel*>(); // fills beside us
+    EXPECT_TRUE(QTest::qWaitFor([&] { return listed->rowCount(listed->index(file(""))) > 1; }));
+    typed("\"old.roi\" \"other.roi\"")(*opener);
+    EXPECT_EQ(several, QStringList({file("old.roi"), file("other.roi")}));
     showWindow();
     const std::tuple<QString, QString, std::vector<Act>, QString> cases[] = {
         {"", "Region files (*.roi)", {typed("NEW.ROI")}, "NEW.ROI"},
