@@ -67,6 +67,7 @@ bool putWeightMaps(QtCortivoDoc& document, const std::vector<SVMWeights>& weight
     return true;
 }
 
+// Many features share the work of a classifier: weights of a large region may all be tiny.
 OverlayThresholds weightThresholds(const std::vector<SVMWeights>& weights) {
     OverlayThresholds thresholds;
     thresholds.Threshold = 0.01f;
@@ -75,6 +76,18 @@ OverlayThresholds weightThresholds(const std::vector<SVMWeights>& weights) {
     for (const SVMWeights& row : weights)
         for (const double value : row.values)
             largest = std::max(largest, std::fabs(float(value)));
+    if (largest > 0.0f && largest < thresholds.Threshold)
+        thresholds.Threshold = largest / 10.0f;
     changeColorMaxThreshold(thresholds, largest);
     return thresholds;
+}
+
+void changeWeightThreshold(OverlayThresholds& thresholds, float value) {
+    thresholds.Threshold = std::max(value, smallestWeightThreshold);
+    changeStrongestWeight(thresholds, thresholds.ColorMaxThreshold);
+}
+
+void changeStrongestWeight(OverlayThresholds& thresholds, float value) {
+    thresholds.ColorMaxThreshold =
+        value > thresholds.Threshold ? value : 2.0f * thresholds.Threshold;
 }

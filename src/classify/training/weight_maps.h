@@ -16,6 +16,12 @@
 [[nodiscard]] bool putWeightMaps(QtCortivoDoc& document, const std::vector<SVMWeights>& weights,
                                  const VoxelList& voxels, int row);
 
-/// The lower one is 0.01, the upper one the largest magnitude, if that is more; single voxels are
-/// shown.
+/// The lower one is 0.01, or a tenth of the largest magnitude if no weight reaches that; the upper
+/// one is the largest magnitude, if that is more; single voxels are shown.
 [[nodiscard]] OverlayThresholds weightThresholds(const std::vector<SVMWeights>& weights);
+inline constexpr float smallestWeightThreshold = 1e-8f;
+/// The lower threshold as entered, at least the smallest one. Weights have no scale of their own:
+/// an upper one that is not above it becomes its double.
+void changeWeightThreshold(OverlayThresholds& thresholds, float value);
+/// The upper threshold as entered; if not above the lower one, the double of that.
+void changeStrongestWeight(OverlayThresholds& thresholds, float value);
