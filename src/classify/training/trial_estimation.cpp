@@ -13,22 +13,6 @@
 
 namespace {
 
-/// The progress of one of several parts as progress of the whole.
-class PartProgress : public ProgressReporter {
-public:
-    PartProgress(ProgressReporter& whole, int part, int nrOfParts)
-        : whole_(whole), part_(part), nrOfParts_(nrOfParts) {}
-    void setProgress(int percent) override {
-        whole_.setProgress((100 * part_ + percent) / nrOfParts_);
-    }
-    [[nodiscard]] bool cancelled() const override { return whole_.cancelled(); }
-
-private:
-    ProgressReporter& whole_;
-    int part_;
-    int nrOfParts_;
-};
-
 /// Numbers in protocols may be any; beyond what a run can have they would overflow.
 bool isPossible(const Trial& trial) {
     return trial.start >= -maximumFMRVolumes && trial.start <= trial.end &&
@@ -210,7 +194,7 @@ EstimationOutcome estimateRuns(const EstimationPlan& plan,
     EstimationOutcome outcome;
     const int count = int(plan.runs.size());
     for (int i = 0; i < count && outcome.end == EstimationEnd::Done; ++i) {
-        PartProgress part(progress, i, count);
+        PartProgress part(progress, 100 * i / count, 100 * (i + 1) / count);
         outcome.run = plan.runs[i];
         outcome.end = estimateOneRun(plan, i, outcome, log, part);
     }
