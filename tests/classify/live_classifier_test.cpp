@@ -191,13 +191,13 @@ TEST_F(LiveClassifierTest, EstimatesAndPredictsAsOffline) {
     options.mode = PredictionMode::WithinCondition;
     for (const auto& [volume, window] :
          {std::pair(21, std::vector{18, 19, 20, 21}), {24, {18, 19, 20, 24}}})
-        expectLike(volume, window, lastPointDesign(4, options.trial.linearTrend),
+        expectLike(volume, window, lastPointDesign(4, options.trial),
                    QString("Time point:   %1  last trial onset:   20 duration:   4  "
                            "condition id:  3  predicted value: ")
                        .arg(volume));
     options.pointPreOnset = 12;
     expectLike(11, {0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11},
-               lastPointDesign(15, options.trial.linearTrend),
+               lastPointDesign(15, options.trial),
                "Time point:   11  last trial onset:   10 duration:   4  condition id:  2  "
                "predicted value: ");
 }

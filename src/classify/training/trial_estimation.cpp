@@ -59,7 +59,7 @@ private:
 TrialDesign RunEstimation::designOf(int duration) const {
     return options_.response == TrialResponse::MeanResponse
                ? measuredResponseDesign(measuredResponse(curve_, trials_, duration, options_),
-                                        options_.linearTrend)
+                                        options_)
                : trialDesign(options_, duration, project_.TR);
 }
 

@@ -18,8 +18,6 @@
 
 namespace {
 
-constexpr int postOnsetOfFixedWindow = 22;
-constexpr int postOnsetAfterTrial = 6; ///< of a window that follows the length of the trial
 constexpr int mostLogLines = 20000;
 
 const QString patternFilter = "Multi-voxel pattern files (*.mvp)";
@@ -286,9 +284,9 @@ void MultiVoxelPatternClassificationDlg::enableControls() {
     const TrainingChoices& choices = training_.choices;
     ui_->AutoSuggestWindowBtn->setEnabled(!options.useTrialDuration);
     ui_->FitHRFParamsOptionsBtn->setEnabled(options.response == TrialResponse::AdjustedTwoGamma);
-    ui_->zNormalizationOp->setEnabled(options.estimate == TrialEstimate::Beta);
+    ui_->zNormalizationOp->setEnabled(canBeNormalized(options.estimate));
     ui_->zNormalizationOp->setToolTip(
-        options.estimate == TrialEstimate::Beta
+        canBeNormalized(options.estimate)
             ? "Give each trial window the mean 0 and the standard deviation 1"
         : options.estimate == TrialEstimate::TValue
             ? "Only with betas: z normalization of a window can not change its t value"
@@ -350,9 +348,8 @@ void MultiVoxelPatternClassificationDlg::onFitHRFOptionsDlg() {
 }
 
 void MultiVoxelPatternClassificationDlg::onUseConditionDuration() {
-    const bool follows = ui_->UseConditionDurationForTrialWindowOp->isChecked();
-    training_.options.useTrialDuration = follows;
-    training_.options.postOnset = follows ? postOnsetAfterTrial : postOnsetOfFixedWindow;
+    chooseTrialDuration(training_.options,
+                        ui_->UseConditionDurationForTrialWindowOp->isChecked());
     refreshControls();
 }
 
@@ -361,23 +358,21 @@ void MultiVoxelPatternClassificationDlg::onAutoSuggestPrePostWindow() {
     refreshControls();
 }
 
-void MultiVoxelPatternClassificationDlg::chooseEstimate(TrialEstimate estimate) {
-    training_.options.estimate = estimate;
-    if (estimate != TrialEstimate::Beta)
-        training_.options.zNormalization = false;
+void MultiVoxelPatternClassificationDlg::selectEstimate(TrialEstimate estimate) {
+    chooseEstimate(training_.options, estimate);
     refreshControls();
 }
 
 void MultiVoxelPatternClassificationDlg::on_CreateSingleTrialEstimatesAsTsOp_clicked() {
-    chooseEstimate(TrialEstimate::TValue);
+    selectEstimate(TrialEstimate::TValue);
 }
 
 void MultiVoxelPatternClassificationDlg::on_CreateSingleTrialEstimatesAsBetasOp_clicked() {
-    chooseEstimate(TrialEstimate::Beta);
+    selectEstimate(TrialEstimate::Beta);
 }
 
 void MultiVoxelPatternClassificationDlg::on_CreateSingleTrialEstimatesAsPercBetasOp_clicked() {
-    chooseEstimate(TrialEstimate::PercentBeta);
+    selectEstimate(TrialEstimate::PercentBeta);
 }
 
 // Patterns.

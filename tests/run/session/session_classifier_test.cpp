@@ -134,7 +134,7 @@ TEST_F(SessionClassifierTest, ARunIsPredictedVolumeByVolumeAndTheSubjectSeesIt) 
         for (int v = onset + 1; v < onset + 5; ++v, ++prediction) {
             SCOPED_TRACE(v);
             const std::vector<double> features =
-                offline({onset - 3, onset - 2, onset - 1, onset, v}, lastPointDesign(5, false));
+                offline({onset - 3, onset - 2, onset - 1, onset, v}, lastPointDesign(5, {}));
             const double value = predicted(features);
             EXPECT_TRUE(lines[prediction].contains(
                 QString("%1  predicted class:  %2").arg(value, 9).arg(value > 0 ? 1 : 2)));
