@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/svm_library.h"
 
-#include "classify/svm_model_check.h"
+#include "classify/svm_model_file.h"
 #include "classify/svm_prediction.h"
 #include "support/files.h"
 
@@ -95,7 +95,7 @@ TEST_P(SVMTools, GiveTheSameModelPredictionsAndFolds) {
     ASSERT_TRUE(model.save(ownModel));
     EXPECT_EQ(contentOf(ownModel).toStdString(), contentOf(toolModel).toStdString());
 
-    ASSERT_TRUE(loadModel(toolModel, model));
+    ASSERT_TRUE(readModelFile(toolModel, model));
     EXPECT_EQ(model.nrOfFeatures(), 6);
     const PatternSet others = noisyPatterns(labels, 40);
     writeFile(patternPath, toolText(others));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "classify/svm_model_check.h"
+#include "classify/svm_model_file.h"
 #include "classify/svm_prediction.h"
 #include "classify/svm_weights.h"
 #include "support/files.h"
@@ -16,7 +16,7 @@ SVMModel loaded(const QByteArray& content) {
     const ScriptedMessages messages;
     writeFile(folder.filePath("model.svm"), content);
     SVMModel model;
-    EXPECT_TRUE(loadModel(folder.filePath("model.svm"), model));
+    EXPECT_TRUE(readModelFile(folder.filePath("model.svm"), model));
     return model;
 }
 
@@ -156,7 +156,7 @@ TEST(PredictionReport, CountsWhatIsRightAndWhatIsTakenForWhat) {
     EXPECT_EQ(PredictionReport().percentRight(), 0.0);
 }
 
-TEST(SVMModelCheck, TakesWhatLibsvmCanRead) {
+TEST(SVMModelFile, TakesWhatLibsvmCanRead) {
     for (const QByteArray& content :
          {threeClassModel, QByteArray(threeClassModel).replace("\n", "\r\n"),
           QByteArray(threeClassModel).replace(" \n", "\n"),
@@ -167,7 +167,7 @@ TEST(SVMModelCheck, TakesWhatLibsvmCanRead) {
         EXPECT_EQ(faultOfModelFile(content), "");
 }
 
-TEST(SVMModelCheck, SaysWhatIsWrong) {
+TEST(SVMModelFile, SaysWhatIsWrong) {
     struct Damage {
         const char *from, *to, *fault;
     };
@@ -219,7 +219,7 @@ TEST(SVMModelCheck, SaysWhatIsWrong) {
     EXPECT_EQ(faultOfModelFile(empty), "Line 11: no support vector has a feature.");
 }
 
-TEST(SVMModelCheck, RefusesAModelThatWasCutAnywhere) {
+TEST(SVMModelFile, RefusesAModelThatWasCutAnywhere) {
     for (qsizetype bytes = 0; bytes < threeClassModel.size(); ++bytes)
         EXPECT_NE(faultOfModelFile(threeClassModel.left(bytes)), "") << bytes;
     PatternSet patterns;
@@ -239,7 +239,7 @@ TEST(SVMModelCheck, RefusesAModelThatWasCutAnywhere) {
 }
 
 // Whatever passes the check is read by libsvm, and silently.
-TEST(SVMModelCheck, KeepsWhatLibsvmCanNotReadFromIt) {
+TEST(SVMModelFile, KeepsWhatLibsvmCanNotReadFromIt) {
     testing::internal::CaptureStderr();
     for (qsizetype at = 0; at < threeClassModel.size(); ++at)
         for (const char character : {' ', '\n', ':', '9', '-', '\0'}) {
@@ -252,7 +252,7 @@ TEST(SVMModelCheck, KeepsWhatLibsvmCanNotReadFromIt) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(SVMModelCheck, ShowsAMessageAndKeepsTheModel) {
+TEST(SVMModelFile, ShowsAMessageAndKeepsTheModel) {
     const QTemporaryDir folder;
     const QString path = folder.filePath("model.svm");
     ScriptedMessages messages;
@@ -260,7 +260,7 @@ TEST(SVMModelCheck, ShowsAMessageAndKeepsTheModel) {
     for (const char* fault : {"It can not be opened for reading.", "Line 1: the file ends here."}) {
         messages.expectCritical("ERROR: The model file \"" + path + "\" can not be used!\n\n" +
                                 fault);
-        EXPECT_FALSE(loadModel(path, model));
+        EXPECT_FALSE(readModelFile(path, model));
         EXPECT_EQ(model.nrOfClasses(), 3);
         writeFile(path, "svm_type");
     }

@@ -4,9 +4,8 @@
 #include "base/paths.h"
 #include "base/plain_file.h"
 #include "base/program_end.h"
-#include "base/text_reading.h"
 #include "classify/pattern_file.h"
-#include "classify/svm_model_check.h"
+#include "classify/svm_model_file.h"
 #include "classify/training/classifier_training.h"
 #include "classify/training/finished_runs.h"
 #include "classify/training/machine_training.h"
@@ -32,16 +31,7 @@ void tellEnd(SVMResult result, const QString& stopped, TrainingDisplay& display)
 
 /// Voxels beside the patterns; nothing where they are not, or not whole.
 std::optional<VoxelList> voxelsBeside(const QString& patternPath) {
-    QString text;
-    return readTextFile(paths::folderWithSlash(patternPath) + voxelsFileName, text)
-               ? parseVoxels(text)
-               : std::nullopt;
-}
-
-QString mismatchText(size_t nrOfVoxels, int nrOfFeatures) {
-    return QStringLiteral("Expected %1 ROI voxels, but %2 SVM features found")
-        .arg(nrOfVoxels)
-        .arg(nrOfFeatures);
+    return readVoxels(paths::folderWithSlash(patternPath) + voxelsFileName);
 }
 
 } // namespace
@@ -173,7 +163,7 @@ bool ClassifierTraining::chooseModel(const QString& path) {
     FeatureScaling scaling;
     if (!fileExists(path))
         return fail("Can not find specified model file");
-    if (!loadModel(path, model) || !readScalingOfModel(path, scaling))
+    if (!readModelFile(path, model) || !readScalingOfModel(path, scaling))
         return false;
     modelPath_ = path;
     scaling_ = std::move(scaling);
@@ -186,7 +176,7 @@ bool ClassifierTraining::readModel(SVMModel& model) const {
         return fail("No model file available!\n\nFirst train or load a SVM classifier.");
     if (!fileExists(modelPath_))
         return fail("Can not find specified model file");
-    return loadModel(modelPath_, model);
+    return readModelFile(modelPath_, model);
 }
 
 bool ClassifierTraining::test() {

@@ -6,7 +6,7 @@
 #include "base/paths.h"
 #include "base/plain_file.h"
 #include "classify/pattern_file.h"
-#include "classify/svm_model_check.h"
+#include "classify/svm_model_file.h"
 #include "classify/trial_settings_file.h"
 #include "classify/voxels_file.h"
 #include "run/document/qt_cortivo_doc.h"
@@ -150,7 +150,7 @@ void SessionClassifier::switchOn() {
     if (!fileExists(modelPath_))
         return refuse("Can not find specified model file" + inFile);
     SVMModel model;
-    const QString fault = readModel(modelPath_, model);
+    const QString fault = readModelQuietly(modelPath_, model);
     if (!fault.isEmpty())
         return refuse("Can not use specified model file" + inFile + "\n\n" + fault);
     begin(std::move(model));
@@ -163,7 +163,7 @@ void SessionClassifier::begin(SVMModel model) {
     for (const char* line :
          {"Output printed if full trial data available", "", "Starting incremental prediction..."})
         log(line);
-    warnOfMisgivings();
+    warnOfUse();
     tell();
 }
 
@@ -195,14 +195,14 @@ void SessionClassifier::savePatterns() {
             .arg(path));
 }
 
-void SessionClassifier::warnOfMisgivings() {
+void SessionClassifier::warnOfUse() {
     ClassifierUse use{modelPath_, classifier_.model(), voxels_, options_.trial.intensityLimit};
     // Before a run is prepared its document is empty.
     if (document_ && !document_->project.volumes.empty()) {
         use.size = document_->project.size();
         use.protocolInVolumes = document_->protocol.resolutionOfTime == ResolutionOfTime::Volumes;
     }
-    const QStringList sentences = misgivings(use);
+    const QStringList sentences = classifierWarnings(use);
     for (const QString& sentence : sentences)
         log("WARNING: " + sentence);
     if (!sentences.isEmpty())
@@ -252,7 +252,7 @@ void SessionClassifier::runPrepared(QtCortivoDoc&) {
 // The model may have been trained again since prediction was switched on.
 void SessionClassifier::restart() {
     SVMModel model;
-    const QString fault = readModel(modelPath_, model);
+    const QString fault = readModelQuietly(modelPath_, model);
     if (fault.isEmpty()) {
         log(QStringLiteral("Loaded model \"%1\"").arg(modelPath_));
         classifier_.start(std::move(model), voxels_);
@@ -266,7 +266,7 @@ void SessionClassifier::restart() {
         classifier_.restart(voxels_);
     }
     last_.reset();
-    warnOfMisgivings();
+    warnOfUse();
 }
 
 bool SessionClassifier::atStep(VolumeStep step, const VolumeAtHand& hand) {

@@ -83,7 +83,7 @@ private:
     void begin(SVMModel model);
     void restart();
     void savePatterns();
-    void warnOfMisgivings();
+    void warnOfUse();
     void log(const QString& text);
     void noteChange();
     void tell();
