@@ -143,7 +143,7 @@ EstimationEnd estimateOneRun(const EstimationPlan& plan, int index, EstimationOu
                              ProgressReporter& progress) {
     auto document = loadFinishedRun(outcome.run);
     if (!document)
-        return EstimationEnd::Told;
+        return EstimationEnd::MessageShown;
     document->protocol = plan.protocols[size_t(index)];
     FMRProject& project = document->project;
     const std::vector<Trial> trials = trialsOf(document->protocol, plan.conditions);
@@ -157,7 +157,7 @@ EstimationEnd estimateOneRun(const EstimationPlan& plan, int index, EstimationOu
         return end;
     const QString trialFile = trialMapsFileName(outcome.run);
     if (!writeResults(trialFile, maps, plan.options))
-        return EstimationEnd::Told;
+        return EstimationEnd::MessageShown;
     log(QStringLiteral("Estimated %1 trials of \"%2\": \"%3\"")
             .arg(maps.count())
             .arg(paths::fileName(outcome.run), paths::fileName(trialFile)));
@@ -206,7 +206,7 @@ QString estimationFault(const EstimationOutcome& outcome) {
     switch (outcome.end) {
     case EstimationEnd::Done:
     case EstimationEnd::Stopped:
-    case EstimationEnd::Told:
+    case EstimationEnd::MessageShown:
         return {};
     case EstimationEnd::NoTrials:
         return QStringLiteral("The selected conditions have no trials in \"%1\".").arg(run);

@@ -22,14 +22,14 @@ SessionClassifier::SessionClassifier(const Parts& parts) : parts_(parts) {
 
 void SessionClassifier::open(ClassifierScreen& screen) {
     screen_ = &screen;
-    if (!IncrementalPredictionOn_)
+    if (!isPredicting())
         readTraining();
-    noteChange();
+    recordChoices();
     screen.refreshControls();
 }
 
 void SessionClassifier::close() {
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         switchOff();
     screen_ = nullptr;
 }
@@ -39,15 +39,15 @@ void SessionClassifier::log(const QString& text) {
         screen_->log(text);
 }
 
-void SessionClassifier::noteChange() {
-    if ((screen_ || IncrementalPredictionOn_) && parts_.phase.canBeStopped())
+void SessionClassifier::recordChoices() {
+    if ((screen_ || isPredicting()) && parts_.phase.canBeStopped())
         parts_.listeners.record(
             {classifierRecord,
-             encodedClassifier({options_, modelPath_, voxelsPath_, IncrementalPredictionOn_})});
+             encodedClassifier({options_, modelPath_, voxelsPath_, isPredicting()})});
 }
 
-void SessionClassifier::tell() {
-    noteChange();
+void SessionClassifier::announceChange() {
+    recordChoices();
     parts_.listeners.classifierChanged();
     if (screen_)
         screen_->refreshControls();
@@ -57,7 +57,7 @@ void SessionClassifier::setOptions(const LiveOptions& options) {
     if (options == options_)
         return;
     options_ = options;
-    noteChange();
+    recordChoices();
 }
 
 QString SessionClassifier::targetFolder() const {
@@ -120,18 +120,18 @@ void SessionClassifier::takeNewTraining() {
 }
 
 void SessionClassifier::chooseModel(const QString& path) {
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         return;
     modelPath_ = path;
     if (voxelsPath_.isEmpty()) // those beside the model may serve
         takeNewTraining();
-    noteChange();
+    recordChoices();
     if (screen_)
         screen_->refreshControls();
 }
 
 void SessionClassifier::toggleIncrementalPrediction() {
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         switchOff();
     else
         switchOn();
@@ -159,21 +159,19 @@ void SessionClassifier::switchOn() {
 void SessionClassifier::begin(SVMModel model) {
     classifier_.start(std::move(model), voxels_);
     last_.reset();
-    IncrementalPredictionOn_ = true;
     for (const char* line :
          {"Output printed if full trial data available", "", "Starting incremental prediction..."})
         log(line);
     warnOfUse();
-    tell();
+    announceChange();
 }
 
 void SessionClassifier::switchOff() {
-    IncrementalPredictionOn_ = false;
+    classifier_.stop();
     log("Incremental prediction completed.");
     log("");
     savePatterns();
-    classifier_.stop();
-    tell();
+    announceChange();
 }
 
 void SessionClassifier::savePatterns() {
@@ -225,7 +223,7 @@ int SessionClassifier::predictedClass() const {
 
 // The model stays: the next run is often that for which it was trained.
 void SessionClassifier::settingsFileChanged() {
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         switchOff();
     options_ = defaultLiveOptions();
     settingsText_.clear();
@@ -240,11 +238,11 @@ void SessionClassifier::documentsArrived(QtCortivoDoc& functional) {
 }
 
 void SessionClassifier::runPrepared(QtCortivoDoc&) {
-    if (screen_ || IncrementalPredictionOn_)
+    if (screen_ || isPredicting())
         takeNewTraining();
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         restart();
-    noteChange();
+    recordChoices();
     if (screen_)
         screen_->refreshControls();
 }
@@ -270,7 +268,7 @@ void SessionClassifier::restart() {
 }
 
 bool SessionClassifier::atStep(VolumeStep step, const VolumeAtHand& hand) {
-    if (step != VolumeStep::Classification || !IncrementalPredictionOn_)
+    if (step != VolumeStep::Classification || !isPredicting())
         return true;
     const QtCortivoDoc& document = hand.document;
     const FMRProject& project = document.project;
@@ -291,7 +289,7 @@ bool SessionClassifier::atStep(VolumeStep step, const VolumeAtHand& hand) {
 }
 
 void SessionClassifier::loopEnded(QtCortivoDoc&) {
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         toggleIncrementalPrediction();
 }
 
@@ -303,7 +301,7 @@ void SessionClassifier::recordPlayed(const RunRecord& record) {
     if (!recorded)
         return;
     options_ = recorded->options;
-    if (!recorded->isPredicting && IncrementalPredictionOn_)
+    if (!recorded->isPredicting && isPredicting())
         switchOff();
     const bool differs = modelPath_ != recorded->modelPath || voxelsPath_ != recorded->voxelsPath;
     if (differs) {
@@ -311,7 +309,7 @@ void SessionClassifier::recordPlayed(const RunRecord& record) {
         voxelsPath_ = recorded->voxelsPath;
         voxels_ = readVoxels(voxelsPath_).value_or(VoxelList());
     }
-    if (recorded->isPredicting && (differs || !IncrementalPredictionOn_))
+    if (recorded->isPredicting && (differs || !isPredicting()))
         switchOn();
     if (screen_)
         screen_->refreshControls();
