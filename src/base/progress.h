@@ -17,8 +17,7 @@ public:
 /// The progress of one part of a work, 0 to 100, as a range of percent of the whole.
 class PartProgress : public ProgressReporter {
 public:
-    PartProgress(ProgressReporter& whole, int from, int to)
-        : whole_(whole), from_(from), to_(to) {}
+    PartProgress(ProgressReporter& whole, int from, int to) : whole_(whole), from_(from), to_(to) {}
     void setProgress(int percent) override {
         whole_.setProgress(from_ + percent * (to_ - from_) / 100);
     }

@@ -1,4 +1,4 @@
-// A classifier that speaks during a run: fed with volumes, without widgets and without a session.
+// The classifier of a run: it is given volumes, and knows neither widgets nor a session.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

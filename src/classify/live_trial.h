@@ -43,7 +43,7 @@ struct CurrentTrial {
 
 /// What a step estimates: the volumes of its window, and the design that fits it.
 struct LiveWindow {
-    std::vector<int> volumes;
+    std::vector<int> volumes; ///< indices from 0
     TrialDesign design;
 };
 /// At the end of a trial: the window from pre volumes before the onset to post behind it, once all

@@ -1,4 +1,4 @@
-// The voxels that a classifier was trained with, in the order of its features
+// The voxels that a classifier was trained with, in the order of its features; coordinates from 0
 // (VoxelsUsedForTraining.txt).
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once

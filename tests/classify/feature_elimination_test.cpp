@@ -2,8 +2,8 @@
 #include "classify/feature_elimination.h"
 
 #include "classify/classify_data.h"
-#include "classify/score_smoothing.h"
 #include "classify/trial_folds.h"
+#include "classify/voxel_scores.h"
 
 #include <QRegularExpression>
 #include <algorithm>
@@ -108,7 +108,7 @@ TEST(FeatureElimination, SaysWhyPatternsCanNotBeUsed) {
     for (const Case& fault : cases) {
         PatternSet patterns = smallPatterns();
         EliminationOptions options = quickOptions();
-        EXPECT_FALSE(faultOfPatterns(patterns, options));
+        EXPECT_FALSE(faultOfElimination(patterns, options));
         fault.spoil(patterns, options);
         CollectedReports quiet;
         const EliminationResult result = eliminateFeatures(patterns, options, nullptr, quiet);

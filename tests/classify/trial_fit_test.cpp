@@ -160,9 +160,9 @@ TEST(TrialFit, GivesZeroWhereNothingCanBeSaid) {
     EXPECT_EQ(valueOf({design, TrialEstimate::Beta, true}, {-700, -700, -700, -700}), 0.0f);
     // A response of ones: it can't be told from the constant, and they share the mean.
     const std::vector<double> ones(4, 1.0);
-    EXPECT_NEAR(valueOf({measuredResponseDesign(ones, {}), TrialEstimate::Beta, false},
-                        {90, 110, 95, 105}),
-                50.0f, 1e-4f);
+    EXPECT_NEAR(
+        valueOf({measuredResponseDesign(ones, {}), TrialEstimate::Beta, false}, {90, 110, 95, 105}),
+        50.0f, 1e-4f);
 }
 
 TEST(TrialDesign, TakesWhatTheOptionsSay) {

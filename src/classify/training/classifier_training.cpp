@@ -81,7 +81,7 @@ ClassifierTraining::ClassifierTraining(RunSession& session, TrainingDisplay& dis
 
 ClassifierTraining::~ClassifierTraining() = default;
 
-// The session tells of it; there is no work to be done.
+// Unless the session is idle, analyse() tells the operator to wait; its work here is empty.
 bool ClassifierTraining::isIdle() {
     return session_.phase.isIdle() || session_.analyse({}, [](ProgressReporter&) { return true; });
 }
@@ -287,7 +287,7 @@ bool ClassifierTraining::createPatterns() {
                               return made.end == PatternEnd::Done;
                           }) &&
         made.end == PatternEnd::Done)
-        return false; // another work has begun meanwhile
+        return false; // other work has begun meanwhile
     if (made.end != PatternEnd::Done) {
         tellFault(patternFault(made), made.end == PatternEnd::UnknownClass);
         return false;

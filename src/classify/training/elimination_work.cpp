@@ -85,7 +85,7 @@ struct Inputs {
 bool readInputs(const EliminationFiles& files, const EliminationOptions& options, Inputs& inputs) {
     if (!filesAreGiven(files) || !readPatternFile(files.patterns, inputs.patterns))
         return false;
-    if (const auto fault = faultOfPatterns(inputs.patterns, options)) {
+    if (const auto fault = faultOfElimination(inputs.patterns, options)) {
         warn(fault->text, fault->detail);
         return false;
     }

@@ -18,11 +18,11 @@ struct PatternPlan {
     VolumeSize size;         ///< of the run that the region is in
 };
 
-/// How the making of patterns has ended.
+/// How the creation of patterns has ended.
 enum class PatternEnd {
     Done,
     Stopped,      ///< by the operator
-    MessageShown,         ///< after a message of the reader
+    MessageShown, ///< by whoever read a file
     ClassMissing, ///< a file lacks a class
     OtherSize,    ///< the maps of a file have another size than the run
     UnknownClass, ///< a trial of a class that has no label

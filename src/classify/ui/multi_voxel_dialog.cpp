@@ -62,7 +62,7 @@ MultiVoxelPatternClassificationDlg::MultiVoxelPatternClassificationDlg(RunSessio
     session_.listeners.add(*this, ListenerPlace::Dialogs);
 }
 
-// The windows show what the training owns, which goes before them otherwise.
+// The window shows what the training owns, so it must go first.
 MultiVoxelPatternClassificationDlg::~MultiVoxelPatternClassificationDlg() {
     delete weights_;
 }
@@ -184,8 +184,7 @@ void MultiVoxelPatternClassificationDlg::onFitHRFOptionsDlg() {
 }
 
 void MultiVoxelPatternClassificationDlg::onUseConditionDuration() {
-    chooseTrialDuration(training_.options,
-                        ui_->UseConditionDurationForTrialWindowOp->isChecked());
+    chooseTrialDuration(training_.options, ui_->UseConditionDurationForTrialWindowOp->isChecked());
     refreshControls();
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr char dialogName[] = "RealTimeSVMClassificationDlg";
 
-/// A value that is the same must not disturb the operator who is writing another one.
+/// Setting the same value again would disturb the operator who is typing another one.
 void showValue(QSpinBox& field, int value) {
     const QSignalBlocker quiet(field);
     if (field.value() != value)

@@ -76,7 +76,7 @@ void WeightsWindow::fillMaps() {
 }
 
 void WeightsWindow::chooseMap(int index) {
-    // Of the new maps the training tells as of those after a training, all of which are shown.
+    // This ends in showMaps(), which fills the list anew.
     training_.selectMap(ui_->MapCmBx->count() > 1 ? index - 1 : ClassifierTraining::allMaps);
     ui_->MapCmBx->setCurrentIndex(index);
 }

@@ -105,8 +105,8 @@ void SessionClassifier::readTraining() {
     takeVoxels(files);
 }
 
-// What the run's folder holds counts. Where it holds nothing new, what was read before stays, with
-// what the operator has changed of it.
+// Files in the run's folder replace what was read before if they differ from it. Otherwise that
+// stays, with what the operator has changed of it.
 void SessionClassifier::takeNewTraining() {
     const TrainingFiles files = findTrainingFiles();
     const bool newSettings = files.settings && files.settingsText != settingsText_;
@@ -177,7 +177,7 @@ void SessionClassifier::switchOff() {
 void SessionClassifier::savePatterns() {
     if (!document_ || document_->project.targetFolder.isEmpty()) // there has been no run
         return;
-    // Those of an earlier run are not given up for none.
+    // An empty file must not replace the patterns of an earlier run.
     if (classifier_.patterns().count() == 0)
         return log("No patterns were estimated, so none are saved.");
     const QString& folder = document_->project.targetFolder;

@@ -17,7 +17,7 @@ class ClassifierScreen {
 public:
     virtual ~ClassifierScreen() = default;
     virtual void log(const QString& text) = 0;
-    /// Choices, model or state may have changed, by whomever: the controls show them.
+    /// Choices, model or state may have changed: the controls show them.
     virtual void refreshControls() = 0;
 };
 
@@ -95,7 +95,7 @@ private:
     std::optional<LivePrediction> last_; ///< stays when prediction ends, for the screen
     LiveOptions options_ = defaultLiveOptions();
     QString settingsText_; ///< of the file that the options were taken from
-    VoxelList voxels_; ///< for the next start; the classifier has a copy
+    VoxelList voxels_;     ///< for the next start; the classifier has a copy
     QString voxelsPath_;
     QString modelPath_;
 };
