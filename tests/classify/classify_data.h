@@ -1,10 +1,13 @@
-// Made-up patterns, and a reporter for long work.
+// Made-up patterns, a reporter for long work, and the tools of libsvm.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/file_writing.h"
 #include "base/progress.h"
-#include "classify/pattern_set.h"
+#include "classify/feature_elimination.h"
 
+#include <QProcess>
+#include <gtest/gtest.h>
 #include <random>
 
 struct Planted {
@@ -53,3 +56,30 @@ public:
 private:
     bool cancels_;
 };
+
+/// An elimination that is small and quick.
+inline EliminationOptions quickOptions() {
+    return {.firstLevelFolds = 3, .secondLevelFolds = 2, .steps = 3, .svm = {}};
+}
+
+/// In the format of libsvm's own tools.
+inline QByteArray toolText(const PatternSet& patterns) {
+    QByteArray text;
+    for (int i = 0; i < patterns.count(); ++i) {
+        text += formatted("%g", patterns.labels[size_t(i)]);
+        int index = 0;
+        for (const double value : patterns.features(i))
+            text += formatted(" %d:%.17g", ++index, value);
+        text += '\n';
+    }
+    return text;
+}
+
+/// What the tool printed.
+inline QByteArray runTool(const QString& tool, const QStringList& arguments) {
+    QProcess process;
+    process.start(tool, arguments);
+    EXPECT_TRUE(process.waitForFinished() && process.exitCode() == 0)
+        << tool.toStdString() << " is needed: scripts/install_packages test";
+    return process.readAllStandardOutput();
+}

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/cross_validation.h"
 
-#include "base/file_writing.h"
 #include "classify/classify_data.h"
 #include "support/files.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <cmath>
 
@@ -17,18 +15,13 @@ CrossValidationOptions byRun() {
     return folds;
 }
 
-/// As svm-train reads them.
-QByteArray exemplarLines(const PatternSet& patterns, bool ofRun, int run) {
-    QByteArray text;
-    for (int i = 0; i < patterns.count(); ++i) {
-        if ((patterns.runs[size_t(i)] == run) != ofRun)
-            continue;
-        text += formatted("%g", patterns.labels[size_t(i)]);
-        for (int f = 0; f < patterns.nrOfFeatures; ++f)
-            text += formatted(" %d:%.17g", f + 1, patterns.features(i)[size_t(f)]);
-        text += '\n';
-    }
-    return text;
+/// Numbers of the exemplars of a run, or of all others.
+std::vector<int> exemplarsOf(const PatternSet& patterns, int run, bool others) {
+    std::vector<int> numbers;
+    for (int i = 0; i < patterns.count(); ++i)
+        if ((patterns.runs[size_t(i)] == run) != others)
+            numbers.push_back(i);
+    return numbers;
 }
 
 /// One sentence, and how the patterns or folds come to deserve it.
@@ -75,43 +68,22 @@ TEST(CrossValidation, LeavesOutOneRunAfterTheOther) {
     const auto path = [&](const char* name) { return folder.filePath(name); };
     int nrOfRight = 0;
     for (const int run : {0, 1, 2}) {
-        writeFile(path("train"), exemplarLines(patterns, false, run));
-        writeFile(path("test"), exemplarLines(patterns, true, run));
-        if (QProcess::execute("svm-train", {"-q", "-t", "0", path("train"), path("model")}) != 0)
-            GTEST_SKIP() << "libsvm-tools are not installed";
-        QProcess predict;
-        predict.start("svm-predict", {path("test"), path("model"), path("predicted")});
-        ASSERT_TRUE(predict.waitForFinished());
+        const std::vector<int> tested = exemplarsOf(patterns, run, false);
+        writeFile(path("train"), toolText(patterns.exemplars(exemplarsOf(patterns, run, true))));
+        writeFile(path("test"), toolText(patterns.exemplars(tested)));
+        runTool("svm-train", {"-q", "-t", "0", path("train"), path("model")});
+        runTool("svm-predict", {path("test"), path("model"), path("predicted")});
         const QList<QByteArray> predicted = contentOf(path("predicted")).trimmed().split('\n');
-        qsizetype next = 0;
-        for (size_t i = 0; i < patterns.runs.size(); ++i) {
-            if (patterns.runs[i] != run)
-                continue;
-            const double label = predicted[next++].toDouble();
-            EXPECT_EQ(validation.predictedLabels[i], label) << i;
-            nrOfRight += label == patterns.labels[i] ? 1 : 0;
+        ASSERT_EQ(size_t(predicted.size()), tested.size());
+        for (size_t i = 0; i < tested.size(); ++i) {
+            const double label = predicted[qsizetype(i)].toDouble();
+            EXPECT_EQ(validation.predictedLabels[size_t(tested[i])], label) << tested[i];
+            nrOfRight += label == patterns.labels[size_t(tested[i])] ? 1 : 0;
         }
     }
     EXPECT_EQ(validation.nrOfRight, nrOfRight);
     EXPECT_LT(nrOfRight, patterns.count()) << "too easy to tell a mistake";
     EXPECT_GT(nrOfRight, patterns.count() / 2);
-}
-
-// Noise is right by chance: over the data sets together as often as a binomial variable, within 4
-// standard deviations (exemplars of one cross-validation are nearly independent). Leaving single
-// exemplars out would be biased, so the folds are many less than exemplars.
-TEST(CrossValidation, IsRightByChanceOnNoise) {
-    int nrOfRight = 0;
-    int count = 0;
-    for (unsigned seed = 1; seed <= 50; ++seed) {
-        const PatternSet noise =
-            plantedPatterns({.trials = 40, .features = 10, .strength = 0.0, .seed = seed});
-        CrossValidationOptions folds;
-        folds.nrOfFolds = 4;
-        nrOfRight += crossValidate(noise, {}, folds).nrOfRight;
-        count += noise.count();
-    }
-    EXPECT_NEAR(nrOfRight, 0.5 * count, 4.0 * std::sqrt(0.25 * count));
 }
 
 TEST(CrossValidation, NoMoreFoldsThanExemplars) {

@@ -2,25 +2,14 @@
 #include "classify/feature_elimination.h"
 
 #include "classify/classify_data.h"
-#include "classify/trial_folds.h"
 #include "classify/voxel_scores.h"
 
 #include <QRegularExpression>
 #include <algorithm>
 #include <cmath>
-#include <gtest/gtest.h>
 #include <set>
 
 namespace {
-
-/// Small and quick.
-EliminationOptions quickOptions() {
-    EliminationOptions options;
-    options.firstLevelFolds = 3;
-    options.secondLevelFolds = 2;
-    options.steps = 3;
-    return options;
-}
 
 PatternSet smallPatterns() {
     return plantedPatterns({.trials = 20, .features = 12, .informative = 4, .strength = 1.5});
@@ -119,33 +108,6 @@ TEST(FeatureElimination, SaysWhyPatternsCanNotBeUsed) {
     }
 }
 
-// 10 trials of a class in 3 folds: 3 each, and one is dropped.
-TEST(FeatureElimination, FoldsHaveEqualShapesAndShareNoTrial) {
-    const PatternSet patterns = smallPatterns();
-    std::vector<int> all;
-    for (int i = 0; i < patterns.count(); ++i)
-        all.push_back(i);
-    std::mt19937 generator(5);
-    const std::vector<TrialFold> folds = dealFolds(patterns, all, 3, generator);
-    ASSERT_EQ(folds.size(), 3u);
-    std::set<int> dealt;
-    for (const TrialFold& fold : folds) {
-        EXPECT_EQ(fold.class1.size(), 3u);
-        EXPECT_EQ(fold.class2.size(), 3u);
-        for (const int exemplar : fold.class1)
-            EXPECT_EQ(patterns.labels[size_t(exemplar)], 1.0);
-        for (const int exemplar : fold.exemplars())
-            dealt.insert(exemplar);
-    }
-    EXPECT_EQ(dealt.size(), 18u);
-    EXPECT_FALSE(std::is_sorted(folds[0].class1.begin(), folds[0].class1.end()) &&
-                 std::is_sorted(folds[1].class1.begin(), folds[1].class1.end()));
-    const std::vector<int> others = exemplarsOfOthers(folds, 1);
-    EXPECT_EQ(others.size(), 12u);
-    for (const int exemplar : folds[1].exemplars())
-        EXPECT_EQ(std::count(others.begin(), others.end(), exemplar), 0);
-}
-
 TEST(FeatureElimination, TheLogTellsEachStep) {
     const EliminationResult result = eliminate(smallPatterns(), quickOptions());
     // 0.3^(1/3) = 0.669: 12, 8.03, 5.36, 3.35.
@@ -184,18 +146,22 @@ TEST(FeatureElimination, TheLogTellsEachStep) {
                    line.section(": ", -1).replace(QRegularExpression("[0-9.]+"), "N");
     EXPECT_EQ(log.join('\n').toStdString(), expected.join('\n').toStdString());
 
-    // A fold's trials are tested, and the parts of its levels are those of the other folds.
-    std::set<int> tested;
-    for (const int line : {2, 3})
+    // Exemplars of class 1 have the odd numbers here. No trial is in two folds, and the trials of a
+    // fold have no part in its levels.
+    std::set<int> dealt;
+    bool sorted = true;
+    for (int line = 2; line < 8; ++line) {
+        const std::vector<int> exemplars = exemplarsIn(result.log[line]);
+        dealt.insert(exemplars.begin(), exemplars.end());
+        sorted = sorted && std::ranges::is_sorted(exemplars);
+        for (const int exemplar : exemplars)
+            EXPECT_EQ(exemplar % 2, (line + 1) % 2) << line;
+    }
+    EXPECT_EQ(dealt.size(), 18u);
+    EXPECT_FALSE(sorted);
+    for (const int line : {2, 3, 9, 10, 11, 12})
         for (const int exemplar : exemplarsIn(result.log[line]))
-            tested.insert(exemplar);
-    std::set<int> trained;
-    for (const int line : {9, 10, 11, 12})
-        for (const int exemplar : exemplarsIn(result.log[line]))
-            trained.insert(exemplar);
-    EXPECT_EQ(trained.size(), 12u);
-    for (const int exemplar : tested)
-        EXPECT_FALSE(trained.contains(exemplar)) << exemplar;
+            EXPECT_EQ(dealt.erase(exemplar), 1u) << exemplar;
 }
 
 TEST(FeatureElimination, TheNumberOfThreadsDoesNotMatterAndTheSeedDoes) {
@@ -275,20 +241,20 @@ TEST(FeatureElimination, UnivariateScoresAreRatiosOrMeans) {
         patterns.append(i % 2 ? 1.0 : 2.0,
                         std::vector{2.0 + 0.1 * sign, 9.0 + 3.0 * sign, 5.0, -30.0 + sign});
     }
+    const auto chosen = [&](bool meansOnly, int count) {
+        return highestScores(univariateScores(patterns, meansOnly), count);
+    };
+    EXPECT_EQ(chosen(false, 1), std::vector{0});
+    EXPECT_EQ(chosen(true, 1), std::vector{1});
+    EXPECT_EQ(chosen(false, 2), (std::vector{0, 2}));
+    EXPECT_EQ(chosen(true, 3), (std::vector{0, 1, 2}));
     EliminationOptions options = quickOptions();
     options.finalPercent = 100.0;
-    options.univariateSelection = true;
-    const auto chosen = [&](bool meansOnly, double percent) {
-        options.univariateMeansOnly = meansOnly;
-        options.univariatePercent = percent;
-        std::vector<int> voxels = eliminate(patterns, options).voxels;
-        std::sort(voxels.begin(), voxels.end());
-        return voxels;
-    };
-    EXPECT_EQ(chosen(false, 25.0), std::vector{0});
-    EXPECT_EQ(chosen(true, 25.0), std::vector{1});
-    EXPECT_EQ(chosen(false, 50.0), (std::vector{0, 2}));
-    EXPECT_EQ(chosen(true, 75.0), (std::vector{0, 1, 2}));
+    options.univariateSelection = options.univariateMeansOnly = true;
+    options.univariatePercent = 25.0;
+    EXPECT_EQ(eliminate(patterns, options).voxels, std::vector{1});
+    options.univariateMeansOnly = false;
+    EXPECT_EQ(eliminate(patterns, options).voxels, std::vector{0});
 }
 
 TEST(ScoreSmoothing, IsAWeightedMeanOfListedNeighbours) {

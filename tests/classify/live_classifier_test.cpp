@@ -77,18 +77,6 @@ protected:
     QString fault;
 };
 
-std::vector<int> range(int first, int last) {
-    std::vector<int> numbers;
-    for (int i = first; i <= last; ++i)
-        numbers.push_back(i);
-    return numbers;
-}
-
-std::vector<int> joined(std::vector<int> first, const std::vector<int>& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
-
 } // namespace
 
 TEST(CurrentTrial, IsTheLatestOfAllConditionsButTheFirst) {
@@ -136,15 +124,19 @@ TEST_F(LiveClassifierTest, WithinAConditionEachVolumeFromDelayToDelayedEndIsDue)
         bool useDuration;
         std::vector<int> due;
     };
-    const std::vector<int> usual = joined(joined(range(11, 14), range(21, 24)), {31, 32});
+    const std::vector<int> usual{11, 12, 13, 14, 21, 22, 23, 24, 31, 32};
     const Case cases[] = {
         {1, 2, 0, false, usual},
         {36, 2, 0, false, usual},
         {37, 2, 0, false, {}}, // 40 points are not below 40 volumes
         {36, 2, 0, true, {}},
         {35, 2, 0, true, {31, 32}}, // the third trial is shorter by 2
-        {1, 0, 0, false, joined(joined(range(9, 12), range(19, 22)), {29, 30})},
-        {1, 2, 3, false, joined(joined(range(11, 17), range(21, 27)), range(31, 35))}};
+        {1, 0, 0, false, {9, 10, 11, 12, 19, 20, 21, 22, 29, 30}},
+        {1,
+         2,
+         3,
+         false,
+         {11, 12, 13, 14, 15, 16, 17, 21, 22, 23, 24, 25, 26, 27, 31, 32, 33, 34, 35}}};
     for (const Case& c : cases) {
         options.pointPreOnset = c.pre;
         options.haemodynamicDelay = c.delay;

@@ -83,32 +83,21 @@ TEST(SVMWeights, OfSeveralClassesAddTheirPairsByRisingLabel) {
     EXPECT_EQ(svmConstants(model), (std::vector{0.0, -1.0, 2.0}));
 }
 
-// With a linear kernel the decision values themselves follow from weights and constants.
+// With a linear kernel the decision values, which libsvm computes, follow from weights and
+// constants.
 TEST(SVMWeights, ReproduceTheDecisionValuesOfALinearMachine) {
-    PatternSet patterns;
-    patterns.nrOfFeatures = 4;
-    for (int i = 0; i < 40; ++i)
-        patterns.append(4 - i % 4, std::vector{i * 37 % 11 / 9.0, i * 53 % 13 / 9.0 + i % 4 * 0.3,
-                                               i * 17 % 7 / 5.0, i % 4 == 2 ? 1.0 : i % 5 * 0.2});
-    SVMModel model;
-    ASSERT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
-    const std::vector<SVMWeights> weights = svmWeights(model);
-    const std::vector<double> constants = svmConstants(model);
-    for (int exemplar = 0; exemplar < 10; ++exemplar) {
-        const std::vector<double> pairs = predict(model, patterns.features(exemplar)).pairValues;
-        std::vector<double> sums(4, 0.0);
-        for (size_t i = 0, pair = 0; i < 4; ++i)
-            for (size_t j = i + 1; j < 4; ++j, ++pair) {
-                sums[i] += pairs[pair] - constants[pair];
-                sums[j] -= pairs[pair] - constants[pair];
-            }
-        for (size_t slot = 0; slot < 4; ++slot) {
-            const SVMWeights& row = weights[3 - slot]; // labels fall from 4 in the patterns
-            ASSERT_EQ(row.label, model.labels()[slot]);
-            EXPECT_NEAR(std::inner_product(row.values.begin(), row.values.end(),
-                                           patterns.features(exemplar).begin(), 0.0),
-                        sums[slot], 1e-12);
-        }
+    const SVMModel model = loaded(QByteArray(threeClassModel).replace("rbf\ngamma 0.5", "linear"));
+    const std::vector<double> features{0.7, -1.3, 2.9};
+    const std::vector<double> pairs = predict(model, features).pairValues;
+    const std::vector<double> b = svmConstants(model);
+    const double margins[] = {pairs[0] - b[0], pairs[1] - b[1], pairs[2] - b[2]};
+    // The slots are of labels 3, 1, 2; the weights rise by label.
+    const double expected[] = {margins[2] - margins[0], -margins[1] - margins[2],
+                               margins[0] + margins[1]};
+    for (size_t row = 0; row < 3; ++row) {
+        const std::vector<double>& weights = svmWeights(model)[row].values;
+        EXPECT_NEAR(std::inner_product(weights.begin(), weights.end(), features.begin(), 0.0),
+                    expected[row], 1e-12);
     }
 }
 
@@ -222,20 +211,6 @@ TEST(SVMModelFile, SaysWhatIsWrong) {
 TEST(SVMModelFile, RefusesAModelThatWasCutAnywhere) {
     for (qsizetype bytes = 0; bytes < threeClassModel.size(); ++bytes)
         EXPECT_NE(faultOfModelFile(threeClassModel.left(bytes)), "") << bytes;
-    PatternSet patterns;
-    patterns.nrOfFeatures = 40;
-    for (int i = 0; i < 30; ++i) {
-        patterns.append(i % 3, std::vector<double>(40, i * 7 % 13));
-        patterns.features(i)[size_t(i)] = 0.1 * i;
-    }
-    const QTemporaryDir folder;
-    SVMModel model;
-    ASSERT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
-    ASSERT_TRUE(model.save(folder.filePath("model.svm")));
-    const QByteArray content = contentOf(folder.filePath("model.svm"));
-    EXPECT_EQ(faultOfModelFile(content), "");
-    for (qsizetype bytes = 0; bytes < content.size(); bytes += 64)
-        EXPECT_NE(faultOfModelFile(content.left(bytes)), "") << bytes;
 }
 
 // Whatever passes the check is read by libsvm, and silently.
