@@ -45,6 +45,21 @@ inline PatternSet plantedPatterns(const Planted& planted) {
     return patterns;
 }
 
+/// A model with as many classes as there are labels, in this order; class slot i is higher in
+/// feature i.
+inline SVMModel modelOf(const std::vector<double>& labels, int features) {
+    PatternSet patterns;
+    patterns.nrOfFeatures = features;
+    for (size_t i = 0; i < labels.size(); ++i) {
+        std::vector<double> values(size_t(features), 0.1);
+        values[i] = 3.0;
+        patterns.append(labels[i], values);
+    }
+    SVMModel model;
+    EXPECT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
+    return model;
+}
+
 class CollectedReports : public ProgressReporter {
 public:
     explicit CollectedReports(bool cancels = false) : cancels_(cancels) {}

@@ -1,10 +1,9 @@
 // When a run predicts, from which volumes, and that it estimates as an offline analysis does.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/live_classifier.h"
-#include "classify/trial_fit.h"
 
-#include <gtest/gtest.h>
-#include <random>
+#include "classify/classify_data.h"
+#include "classify/trial_fit.h"
 
 namespace {
 
@@ -28,20 +27,6 @@ StimulationProtocol twoConditions() {
     return protocol;
 }
 
-/// A model of as many classes as there are labels, in this order; class slot i is 3 in feature i.
-SVMModel modelOf(const std::vector<double>& labels, int features = 3) {
-    PatternSet patterns;
-    patterns.nrOfFeatures = features;
-    for (size_t i = 0; i < labels.size(); ++i) {
-        std::vector<double> values(size_t(features), 0.1);
-        values[i] = 3.0;
-        patterns.append(labels[i], values);
-    }
-    SVMModel model;
-    EXPECT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
-    return model;
-}
-
 class LiveClassifierTest : public testing::Test {
 protected:
     LiveClassifierTest() {
@@ -60,7 +45,7 @@ protected:
     /// Volumes at which there was a prediction.
     std::vector<int> predictions() {
         std::vector<int> due;
-        classifier.start(modelOf({1, -1}), voxels);
+        classifier.start(modelOf({1, -1}, 3), voxels);
         for (int v = 0; v < nrOfVolumes; ++v) {
             if (classifier.step(at(v), options, fault))
                 due.push_back(v);
@@ -152,7 +137,7 @@ TEST_F(LiveClassifierTest, EstimatesAndPredictsAsOffline) {
     const auto expectLike = [&](int volume, std::vector<int> window, const TrialDesign& design,
                                 const QString& line) {
         SCOPED_TRACE(volume);
-        classifier.start(modelOf({2, 1}), voxels);
+        classifier.start(modelOf({2, 1}, 3), voxels);
         const std::optional<LivePrediction> made = classifier.step(at(volume), options, fault);
         ASSERT_TRUE(made);
         const size_t places[] = {9, 15, 0}; // x + 4 y + 12 z
@@ -163,7 +148,7 @@ TEST_F(LiveClassifierTest, EstimatesAndPredictsAsOffline) {
         EXPECT_EQ(classifier.patterns().values, features);
         EXPECT_EQ(classifier.patterns().labels, std::vector<double>{0.0});
         EXPECT_EQ(classifier.patterns().nrOfFeatures, 3);
-        const double value = -modelOf({2, 1}).decisionValues(features)[0]; // class 2 comes first
+        const double value = -modelOf({2, 1}, 3).decisionValues(features)[0]; // class 2 comes first
         EXPECT_EQ(made->prediction.output, value);
         ASSERT_EQ(classifier.pairValues().size(), 1u);
         EXPECT_EQ(classifier.pairValues()[0], float(value));
@@ -195,7 +180,7 @@ TEST_F(LiveClassifierTest, EstimatesAndPredictsAsOffline) {
 }
 
 TEST_F(LiveClassifierTest, OfSeveralClassesAllPairsAreGiven) {
-    classifier.start(modelOf({2, 3, 1}), voxels);
+    classifier.start(modelOf({2, 3, 1}, 3), voxels);
     const std::optional<LivePrediction> made = classifier.step(at(22), options, fault);
     ASSERT_TRUE(made);
     EXPECT_EQ(classifier.nrOfClasses(), 3);
@@ -215,7 +200,7 @@ TEST_F(LiveClassifierTest, AMisfitIsSaidAndPredictsNothing) {
     EXPECT_FALSE(classifier.step(at(15), options, fault));
     EXPECT_EQ(fault, "") << "the trial is done with";
     voxels.x[2] = 4;
-    classifier.start(modelOf({1, -1}), voxels);
+    classifier.start(modelOf({1, -1}, 3), voxels);
     EXPECT_FALSE(classifier.step(at(14), options, fault));
     EXPECT_TRUE(fault.contains("outside this run"));
     EXPECT_EQ(classifier.patterns().count(), 0);

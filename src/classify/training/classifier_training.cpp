@@ -77,7 +77,7 @@ void tellFault(const QString& text, bool fatal) {
 } // namespace
 
 ClassifierTraining::ClassifierTraining(RunSession& session, TrainingDisplay& display)
-    : session_(session), display_(display) {}
+    : weightMaps(display), session_(session), display_(display) {}
 
 ClassifierTraining::~ClassifierTraining() = default;
 
@@ -178,16 +178,10 @@ bool ClassifierTraining::estimateTrials() {
             addTrialFile(file, classesOfMaps(maps.names));
     }
     if (outcome.document)
-        replaceDocument(std::move(outcome.document));
+        weightMaps.setDocument(std::move(outcome.document));
     display_.refreshControls();
     tellFault(estimationFault(outcome), endsProgram(outcome.end));
     return done;
-}
-
-void ClassifierTraining::replaceDocument(std::unique_ptr<QtCortivoDoc> document) {
-    display_.mapsLeaving();
-    weights_.clear();
-    document_ = std::move(document);
 }
 
 void ClassifierTraining::addTrialFile(const QString& path, const std::vector<TrialClass>& classes) {
@@ -322,7 +316,7 @@ bool ClassifierTraining::writePatterns(const PatternPlan& plan, const MadePatter
 }
 
 QString ClassifierTraining::folder() const {
-    if (document_)
-        return document_->project.targetFolder;
+    if (const QtCortivoDoc* run = weightMaps.document())
+        return run->project.targetFolder;
     return paths::folderWithSlash(trialFiles_.value(0));
 }

@@ -168,6 +168,6 @@ void MultiVoxelPatternClassificationDlg::enableControls() {
     for (QPushButton* button :
          {ui_->PlotPatternsBtn, ui_->TrainSVMBtn, ui_->PermutationTestBtn, ui_->TestSVMBtn})
         button->setEnabled(patterns);
-    ui_->ShowWeightsBtn->setEnabled(!training_.mapNames().isEmpty());
+    ui_->ShowWeightsBtn->setEnabled(!training_.weightMaps.names().isEmpty());
     ui_->ConfusionTableBtn->setEnabled(!training_.predictions().targets.empty());
 }

@@ -29,7 +29,7 @@ MultiVoxelPatternClassificationDlg::MultiVoxelPatternClassificationDlg(RunSessio
                                                                        QWidget& window)
     : QDialog(&window), session_(session),
       ui_(std::make_unique<Ui::MultiVoxelPatternClassificationDlg>()), training_(session, *this),
-      weights_(new WeightsWindow(training_, this)), confusion_(new ConfusionTable(this)),
+      weights_(new WeightsWindow(training_.weightMaps, this)), confusion_(new ConfusionTable(this)),
       patternPlot_(new MatrixPlotterDlg(this)), permutationPlot_(new Plot2DDlg(this)) {
     patternPlot_->setObjectName("PatternPlot");
     patternPlot_->setWindowTitle("Patterns");
