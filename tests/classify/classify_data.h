@@ -1,10 +1,10 @@
-// Made-up patterns, a reporter for long work, and the tools of libsvm.
+// Made-up patterns and models, and the tools of libsvm.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/file_writing.h"
-#include "base/progress.h"
 #include "classify/feature_elimination.h"
+#include "support/recorded_progress.h"
 
 #include <QProcess>
 #include <gtest/gtest.h>
@@ -59,18 +59,6 @@ inline SVMModel modelOf(const std::vector<double>& labels, int features) {
     EXPECT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
     return model;
 }
-
-class CollectedReports : public ProgressReporter {
-public:
-    explicit CollectedReports(bool cancels = false) : cancels_(cancels) {}
-    void setProgress(int percent) override { reports.push_back(percent); }
-    [[nodiscard]] bool cancelled() const override { return cancels_; }
-
-    std::vector<int> reports;
-
-private:
-    bool cancels_;
-};
 
 /// An elimination that is small and quick.
 inline EliminationOptions quickOptions() {

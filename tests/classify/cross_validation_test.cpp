@@ -103,7 +103,7 @@ TEST(CrossValidation, TheFirstBestCIsTruncated) {
         double best;
         int truncated;
     };
-    CollectedReports quiet;
+    RecordedProgress quiet;
     CrossValidationOptions folds;
     folds.nrOfFolds = 3;
     for (const Case& data : {Case{16, 1, -0.5, 0}, Case{12, 2, 0.5, 0}, Case{55, 5, 2.0, 2}}) {
@@ -132,7 +132,8 @@ TEST(CrossValidation, TheFirstBestCIsTruncated) {
 
 TEST(CrossValidation, StopsWhenAsked) {
     const PatternSet patterns = plantedPatterns({});
-    CollectedReports cancelling(true);
+    RecordedProgress cancelling;
+    cancelling.cancelAt = 0;
     EXPECT_EQ(searchC(patterns, {}, {}, cancelling).result, SVMResult::Stopped);
     EXPECT_EQ(testByPermutation(patterns, {}, {}, 100, cancelling).result, SVMResult::Stopped);
 }
@@ -147,7 +148,7 @@ TEST(PermutationTest, CountsTheTrueLabelsAsOneOfTheShufflings) {
 
 TEST(PermutationTest, TheNumberOfThreadsDoesNotMatter) {
     const PatternSet patterns = plantedPatterns({.trials = 24, .strength = 2.0, .runs = 2});
-    CollectedReports quiet;
+    RecordedProgress quiet;
     const PermutationTest one = testByPermutation(patterns, {}, byRun(), 30, quiet, 1);
     EXPECT_EQ(one.nrOfRight, crossValidate(patterns, {}, byRun()).nrOfRight);
     EXPECT_LT(one.p(), 0.05);
@@ -161,7 +162,7 @@ TEST(PermutationTest, LabelsStayInTheirRun) {
     PatternSet patterns = plantedPatterns({.trials = 24, .strength = 0.5});
     for (size_t i = 0; i < patterns.runs.size(); ++i)
         patterns.runs[i] = patterns.labels[i] == 1.0 ? 4 : 9;
-    CollectedReports quiet;
+    RecordedProgress quiet;
     const PermutationTest test = testByPermutation(patterns, {}, {}, 5, quiet);
     EXPECT_EQ(test.atLeast(), 5);
     EXPECT_EQ(test.shuffledRight, std::vector<int>(5, test.nrOfRight));
@@ -171,7 +172,7 @@ TEST(PermutationTest, LabelsStayInTheirRun) {
 // probability of 0.1 %, 1.95 / sqrt(n).
 TEST(PermutationTest, PIsUniformOnNoise) {
     std::vector<double> ps;
-    CollectedReports quiet;
+    RecordedProgress quiet;
     CrossValidationOptions folds;
     folds.nrOfFolds = 4;
     constexpr int dataSets = 40;

@@ -17,7 +17,7 @@ PatternSet smallPatterns() {
 
 EliminationResult eliminate(const PatternSet& patterns, const EliminationOptions& options,
                             const VoxelList* places = nullptr, int nrOfThreads = 1) {
-    CollectedReports quiet;
+    RecordedProgress quiet;
     EliminationResult result = eliminateFeatures(patterns, options, places, quiet, nrOfThreads);
     EXPECT_EQ(result.result, SVMResult::Done);
     return result;
@@ -99,7 +99,7 @@ TEST(FeatureElimination, SaysWhyPatternsCanNotBeUsed) {
         EliminationOptions options = quickOptions();
         EXPECT_FALSE(faultOfElimination(patterns, options));
         fault.spoil(patterns, options);
-        CollectedReports quiet;
+        RecordedProgress quiet;
         const EliminationResult result = eliminateFeatures(patterns, options, nullptr, quiet);
         ASSERT_TRUE(result.fault) << fault.text.toStdString();
         EXPECT_EQ(result.fault->text, fault.text);
@@ -171,7 +171,8 @@ TEST(FeatureElimination, TheNumberOfThreadsDoesNotMatterAndTheSeedDoes) {
         EXPECT_TRUE(sameResult(eliminate(smallPatterns(), options, nullptr, threads), one));
     options.seed = 2;
     EXPECT_FALSE(sameResult(eliminate(smallPatterns(), options), one));
-    CollectedReports cancelling(true);
+    RecordedProgress cancelling;
+    cancelling.cancelAt = 0;
     const EliminationResult stopped =
         eliminateFeatures(smallPatterns(), options, nullptr, cancelling);
     EXPECT_EQ(stopped.result, SVMResult::Stopped);
@@ -195,7 +196,7 @@ TEST(FeatureElimination, FindsTheVoxelsThatCarryADistinction) {
     EliminationOptions options;
     options.steps = 4;
     options.finalPercent = 12.5;
-    CollectedReports reporter;
+    RecordedProgress reporter;
     const EliminationResult result = eliminateFeatures(patterns, options, nullptr, reporter);
     ASSERT_EQ(result.voxels.size(), 25u);
     int found = 0;
@@ -210,8 +211,8 @@ TEST(FeatureElimination, FindsTheVoxelsThatCarryADistinction) {
     ASSERT_EQ(result.meanAccuracy.size(), 5u);
     for (const double accuracy : result.meanAccuracy)
         EXPECT_GT(accuracy, 70.0);
-    EXPECT_TRUE(std::is_sorted(reporter.reports.begin(), reporter.reports.end()));
-    EXPECT_EQ(reporter.reports.back(), 100);
+    EXPECT_TRUE(std::is_sorted(reporter.values.begin(), reporter.values.end()));
+    EXPECT_EQ(reporter.values.back(), 100);
 }
 
 // The test fold has no part in the choice: on noise the accuracy stays at chance at each level,
