@@ -94,11 +94,11 @@ TEST(SVMWeights, ReproduceTheDecisionValuesOfALinearMachine) {
     // The slots are of labels 3, 1, 2; the weights rise by label.
     const double expected[] = {margins[2] - margins[0], -margins[1] - margins[2],
                                margins[0] + margins[1]};
-    for (size_t row = 0; row < 3; ++row) {
-        const std::vector<double>& weights = svmWeights(model)[row].values;
-        EXPECT_NEAR(std::inner_product(weights.begin(), weights.end(), features.begin(), 0.0),
-                    expected[row], 1e-12);
-    }
+    const std::vector<SVMWeights> weights = svmWeights(model);
+    for (size_t row = 0; row < 3; ++row)
+        EXPECT_NEAR(
+            std::inner_product(features.begin(), features.end(), weights[row].values.begin(), 0.0),
+            expected[row], 1e-12);
 }
 
 /// With the only feature at 0, only the constants decide: one for each pair.
