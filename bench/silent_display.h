@@ -18,6 +18,9 @@ public:
     [[nodiscard]] std::unique_ptr<ProgressReporter> openModelProgress(const QString&) override {
         return std::make_unique<SilentProgress>();
     }
+    [[nodiscard]] std::unique_ptr<ProgressReporter> openAnalysisProgress(const QString&) override {
+        return std::make_unique<SilentProgress>();
+    }
 
 private:
     class SilentProgress : public ProgressReporter {

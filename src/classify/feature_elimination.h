@@ -3,8 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/progress.h"
-#include "classify/svm_library.h"
+#include "classify/svm_tasks.h"
 #include "regions/region_of_interest.h"
 
 #include <QStringList>
@@ -48,16 +47,23 @@ struct EliminationResult {
 };
 
 /// Number of voxels at each level, from level 0 to `steps`: each is round(previous x f) with f =
-/// (percent / 100)^(1 / steps).
+/// (percent / 100)^(1 / steps), halves up; 0 where too many are removed.
 [[nodiscard]] std::vector<int> voxelsAtLevels(int nrOfVoxels, int steps, double finalPercent);
 
-/// Exactly two classes of the same size, with enough trials for the folds.
+/// Voxels that an elimination starts with: all of them, or the percent that the univariate
+/// selection leaves, rounded.
+[[nodiscard]] int voxelsAfterUnivariateSelection(int nrOfVoxels, const EliminationOptions& options);
+
+/// Needed are exactly two classes of the same size, with enough trials for the folds, and at least
+/// one voxel at each level.
 [[nodiscard]] std::optional<EliminationFault> faultOfPatterns(const PatternSet& patterns,
                                                               const EliminationOptions& options);
 
-/// `places` has one voxel for each feature, or is null: scores are not smoothed then. First-level
-/// folds go to all cores, with the same result as on one.
+/// `places` has one voxel for each feature, or is null: scores are not smoothed then. Each
+/// first-level fold goes to the next free thread; the result doesn't depend on their number, since
+/// the random orders of a fold have a generator of their own.
 [[nodiscard]] EliminationResult eliminateFeatures(const PatternSet& patterns,
                                                   const EliminationOptions& options,
                                                   const VoxelList* places,
-                                                  ProgressReporter& progress);
+                                                  ProgressReporter& progress,
+                                                  int nrOfThreads = oneThreadPerCore);

@@ -26,8 +26,10 @@ struct LivePrediction {
     SVMPrediction prediction;
     bool twoClasses = true;
 };
-/// Its line in the log.
+/// Its line in the log. The time point counts from 0 for two classes, and from 1 for more.
 [[nodiscard]] QString predictionLine(const LivePrediction& prediction);
+/// Of a model with another number of features than there are voxels.
+[[nodiscard]] QString misfitLine(int nrOfVoxels, int nrOfFeatures);
 
 /// Estimates the current trial the way it is done offline, and asks the model.
 class LiveClassifier {
@@ -35,13 +37,16 @@ public:
     /// Predicts from now on with these voxels, in the order of the model's features. Patterns and
     /// the trial that was predicted last are forgotten.
     void start(SVMModel model, VoxelList voxels);
-    /// The model goes; the patterns stay until the next start.
+    /// The same with the model that it has.
+    void restart(VoxelList voxels);
+    /// The model and the output go; the patterns stay until the next start.
     void stop();
     [[nodiscard]] bool isPredicting() const { return !model_.isEmpty(); }
     [[nodiscard]] const SVMModel& model() const { return model_; }
+    [[nodiscard]] int nrOfVoxels() const { return int(voxels_.size()); }
 
     /// The step of a volume. Nothing where there is none to make: output is invalid then. A
-    /// mismatch of model, voxels and run is said in `fault` once for each volume.
+    /// mismatch of model, voxels and run is said in `fault` where a prediction was due.
     [[nodiscard]] std::optional<LivePrediction> step(const LiveRun& run, const LiveOptions& options,
                                                      QString& fault);
 
@@ -54,6 +59,12 @@ public:
     [[nodiscard]] const PatternSet& patterns() const { return patterns_; }
 
 private:
+    [[nodiscard]] std::optional<LiveWindow> dueWindow(const CurrentTrial& trial, const LiveRun& run,
+                                                      const LiveOptions& options) const;
+    [[nodiscard]] QString faultOf(const LiveRun& run) const;
+    [[nodiscard]] std::vector<double> pattern(LiveWindow window, const LiveRun& run,
+                                              const TrialOptions& options) const;
+
     SVMModel model_;
     VoxelList voxels_;
     std::vector<float> pairValues_;

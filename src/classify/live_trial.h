@@ -5,6 +5,7 @@
 #include "classify/trial_design.h"
 #include "run/protocol/stimulation_protocol.h"
 
+#include <QStringList>
 #include <optional>
 
 /// How a run is classified. Continuous can be chosen, and predicts nothing.
@@ -20,8 +21,13 @@ struct LiveOptions {
 
     bool operator==(const LiveOptions&) const = default;
 };
-/// Pre-onset 1, post-onset 8, t values.
+/// Pre-onset 1, post-onset 8, t values, z normalization.
 [[nodiscard]] LiveOptions defaultLiveOptions();
+/// Takes the settings of an estimation for both modes, with what a run does not know put right: it
+/// has the standard response only, and never normalizes windows for percent changes.
+void takeTrialSettings(const TrialOptions& settings, LiveOptions& options);
+/// How trials are estimated, in lines for the log.
+[[nodiscard]] QStringList trialSettingsReport(const TrialOptions& options);
 
 /// The trial that counts at a volume.
 struct CurrentTrial {
@@ -31,7 +37,8 @@ struct CurrentTrial {
     [[nodiscard]] int duration() const { return trialDuration(onset, end); }
 };
 /// Of all conditions but the first, the trial that began last: its start - 1 is not after the
-/// volume (index from 0). Of several that begin together the last one in the protocol counts.
+/// volume (index from 0). Of several that begin together the last one in the protocol counts. None
+/// where the protocol is in milliseconds.
 [[nodiscard]] CurrentTrial currentTrial(const StimulationProtocol& protocol, int volume);
 
 /// What a step estimates: the volumes of its window, and the design that fits it.

@@ -185,6 +185,10 @@ SVMResult SVMTrainer::run(const std::function<void()>& work) {
         result = SVMResult::OutOfMemory;
     }
     currentOutput = nullptr;
+    if (printed_.find("#iter = 10000000\n") != std::string::npos)
+        printed_ +=
+            "\nWARNING: libsvm gave up after 10000000 iterations; a smaller C or scaled features "
+            "may help\n";
     return result;
 }
 

@@ -24,8 +24,9 @@ struct SVMOptions {
 };
 
 /// A trained machine, for two or more classes. Class slots are numbered from 0 in the order in
-/// which the labels first appeared in the training patterns; pairs of slots come in the order (0,
-/// 1), (0, 2), ..., (1, 2), ...
+/// which the labels first appeared in the training patterns, but libsvm puts 1 before -1 where
+/// these are the two labels; older files may have them the other way round. Pairs of slots come in
+/// the order (0, 1), (0, 2), ..., (1, 2), ...
 class SVMModel {
 public:
     SVMModel();
@@ -62,8 +63,10 @@ private:
 
 enum class SVMResult { Done, Stopped, OutOfMemory };
 
-/// A piece of work for libsvm. What it prints is collected here and goes nowhere else. Several may
-/// work at the same time, each on its own thread.
+/// A piece of work for libsvm. What it prints is collected here and goes nowhere else, but for one
+/// line: where its solver gives up after ten million iterations, libsvm itself says so on the
+/// standard error output, and a warning is collected here. Several may work at the same time, each
+/// on its own thread.
 class SVMTrainer {
 public:
     /// The work ends early, within a thousand iterations, once `stop` asks for it.

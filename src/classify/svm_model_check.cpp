@@ -248,33 +248,41 @@ private:
     bool hasFeatures_ = false;
 };
 
-bool refuse(const QString& path, const QString& fault) {
-    showCritical(
-        QStringLiteral("ERROR: The model file \"%1\" can not be used!\n\n%2").arg(path, fault));
-    return false;
+QString tooLargeFault() {
+    return QStringLiteral("It is larger than a model can be.");
 }
 
 } // namespace
 
 QString faultOfModelFile(const QByteArray& content) {
     if (content.size() > largestFile)
-        return QStringLiteral("It is larger than a model can be.");
+        return tooLargeFault();
     return ModelChecker({content.constData(), size_t(content.size())}).fault();
 }
 
 // libsvm reads a private copy of what was checked, since another program may change the file.
-bool loadModel(const QString& path, SVMModel& model) {
+QString readModel(const QString& path, SVMModel& model) {
     QFile file(path);
     if (!openPlainFile(file))
-        return refuse(path, QStringLiteral("It can not be opened for reading."));
-    const QByteArray content = file.read(largestFile + 1);
+        return QStringLiteral("It can not be opened for reading.");
+    if (file.size() > largestFile)
+        return tooLargeFault();
+    const QByteArray content = file.readAll();
     const QString fault = faultOfModelFile(content);
     if (!fault.isEmpty())
-        return refuse(path, fault);
+        return fault;
     const QTemporaryDir folder;
     QFile copy(folder.filePath("model.svm"));
     if (!folder.isValid() || !copy.open(QIODevice::WriteOnly) ||
         copy.write(content) != content.size() || !copy.flush() || !model.load(copy.fileName()))
-        return refuse(path, QStringLiteral("There is no room for a temporary copy of it."));
-    return true;
+        return QStringLiteral("There is no room for a temporary copy of it.");
+    return {};
+}
+
+bool loadModel(const QString& path, SVMModel& model) {
+    const QString fault = readModel(path, model);
+    if (!fault.isEmpty())
+        showCritical(
+            QStringLiteral("ERROR: The model file \"%1\" can not be used!\n\n%2").arg(path, fault));
+    return fault.isEmpty();
 }

@@ -14,5 +14,8 @@
 /// numbers. A machine for this program has at most 1000 classes and 2^24 features.
 [[nodiscard]] QString faultOfModelFile(const QByteArray& content);
 
-/// Checks and loads. False after a message, with the model unchanged.
+/// Checks and loads without a message. What is wrong, as a sentence, with the model unchanged;
+/// empty when it was loaded.
+[[nodiscard]] QString readModel(const QString& path, SVMModel& model);
+/// The same with a message. False after it, with the model unchanged.
 [[nodiscard]] bool loadModel(const QString& path, SVMModel& model);

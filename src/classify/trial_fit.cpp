@@ -15,6 +15,7 @@ constexpr int maximumPredictors = 3;
 constexpr int constantColumn = 1;
 constexpr double smallestDeviation = 0.01;
 constexpr double smallestError = 1e-06;
+constexpr double smallestConstant = 1e-09; // as a share of the beta; below it is mere rounding
 
 /// What all voxels share.
 struct Setup {
@@ -153,7 +154,8 @@ void computeValues(const Setup& setup, const Block& block, float* __restrict val
             const double error = std::sqrt(block.residuals[v] * setup.varianceFactor);
             value = error >= smallestError ? beta / error : 0.0;
         } else if (setup.estimate == TrialEstimate::PercentBeta && beta > 0.0) {
-            value = beta / block.betas[constantColumn][v] * 100.0;
+            const double constant = block.betas[constantColumn][v];
+            value = std::fabs(constant) >= smallestConstant * beta ? beta / constant * 100.0 : 0.0;
         }
         values[v] = finiteOrZero(float(value));
     }

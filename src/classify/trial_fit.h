@@ -15,7 +15,8 @@
 /// - a beta is b[0]; a percent change 100 b[0] / b[1], but b[0] itself where that is not above 0;
 ///   a t value b[0] / sqrt((SSy - SSf) / (n - p) (X'X)^-1[0][0]), where SSy and SSf are the sums of
 ///   squares about the mean of y and of the fit, neither below 0. A denominator below 1e-6, or none
-///   since n is not above p, gives 0. Whatever is not finite is 0.
+///   since n is not above p, gives 0. Whatever is not finite is 0, and so is the percent change of
+///   a constant that is mere rounding, below 1e-9 of the beta.
 struct TrialFit {
     TrialDesign design;
     TrialEstimate estimate = TrialEstimate::TValue;

@@ -1,2 +1,323 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "classify/feature_elimination.h"
+
+#include "classify/classify_data.h"
+#include "classify/score_smoothing.h"
+#include "classify/trial_folds.h"
+
+#include <QRegularExpression>
+#include <algorithm>
+#include <cmath>
 #include <gtest/gtest.h>
+#include <set>
+
+namespace {
+
+/// Small and quick.
+EliminationOptions quickOptions() {
+    EliminationOptions options;
+    options.firstLevelFolds = 3;
+    options.secondLevelFolds = 2;
+    options.steps = 3;
+    return options;
+}
+
+PatternSet smallPatterns() {
+    return plantedPatterns({.trials = 20, .features = 12, .informative = 4, .strength = 1.5});
+}
+
+EliminationResult eliminate(const PatternSet& patterns, const EliminationOptions& options,
+                            const VoxelList* places = nullptr, int nrOfThreads = 1) {
+    CollectedReports quiet;
+    EliminationResult result = eliminateFeatures(patterns, options, places, quiet, nrOfThreads);
+    EXPECT_EQ(result.result, SVMResult::Done);
+    return result;
+}
+
+/// Voxels in a row along x.
+VoxelList row(int count) {
+    VoxelList voxels;
+    for (int x = 0; x < count; ++x)
+        voxels.append(x, 3, 2);
+    return voxels;
+}
+
+bool sameResult(const EliminationResult& a, const EliminationResult& b) {
+    return a.voxels == b.voxels && a.weights == b.weights && a.meanAccuracy == b.meanAccuracy &&
+           a.log == b.log;
+}
+
+/// The exemplars of a line of the log, after its ": ".
+std::vector<int> exemplarsIn(const QString& line) {
+    std::vector<int> numbers;
+    for (const QString& word : line.section(": ", -1).split(' '))
+        numbers.push_back(word.toInt());
+    return numbers;
+}
+
+} // namespace
+
+// f = (P / 100)^(1 / S); P = 25 in 2 steps gives f = 1/2.
+TEST(FeatureElimination, NumbersOfVoxelsFollowTheLevelFactor) {
+    EXPECT_EQ(voxelsAtLevels(200, 2, 25.0), (std::vector{200, 100, 50}));
+    EXPECT_EQ(voxelsAtLevels(10, 2, 25.0), (std::vector{10, 5, 3})) << "halves up";
+    EXPECT_EQ(voxelsAtLevels(7, 3, 100.0), (std::vector{7, 7, 7, 7}));
+    EXPECT_EQ(voxelsAtLevels(1, 1, 49.0).back(), 0);
+    // 0.5^(1/3) = 0.7937: 4.76, 3.97, 3.17.
+    EXPECT_EQ(voxelsAtLevels(6, 3, 50.0), (std::vector{6, 5, 4, 3}));
+    EliminationOptions options;
+    EXPECT_EQ(voxelsAfterUnivariateSelection(9, options), 9);
+    options.univariateSelection = true;
+    EXPECT_EQ(voxelsAfterUnivariateSelection(9, options), 5) << "4.5";
+}
+
+TEST(FeatureElimination, SaysWhyPatternsCanNotBeUsed) {
+    struct Case {
+        QString text;
+        QString detail;
+        std::function<void(PatternSet&, EliminationOptions&)> spoil;
+    };
+    const QString twoClasses = "At present RFE only works for learning tasks with 2 classes.";
+    const std::vector<Case> cases = {
+        {"Not enough classes for RFE", twoClasses,
+         [](PatternSet& p, auto&) { p.labels.assign(p.labels.size(), 1.0); }},
+        {"Too many classes for RFE", twoClasses, [](PatternSet& p, auto&) { p.labels[3] = 2.0; }},
+        {"Unequal number of trials (9/11) per class!",
+         "At present, RFE requires an equal number of trials per classs",
+         [](PatternSet& p, auto&) { p.labels[0] = -1.0; }},
+        {"Not enough trials (10 / 10) for learning when using \"11\" first-level folds",
+         "Can not continue!", [](auto&, EliminationOptions& o) { o.firstLevelFolds = 11; }},
+        {"Not enough trials (6 / 6) for learning when using \"7\" second-level folds",
+         "Can not continue!", [](auto&, EliminationOptions& o) { o.secondLevelFolds = 7; }},
+        {"Each level needs at least 2 folds.", "Can not continue!",
+         [](auto&, EliminationOptions& o) { o.secondLevelFolds = 1; }},
+        {"Each level needs at least 2 folds.", "Can not continue!",
+         [](auto&, EliminationOptions& o) { o.firstLevelFolds = 1; }},
+        {"Univariate selection removes too many voxels.",
+         "Increase percent selection value or skip univariate selection",
+         [](auto&, EliminationOptions& o) {
+             o.univariateSelection = true;
+             o.univariatePercent = 4.0;
+         }},
+        {"RFE selection removes too many voxels.", "Increase percent selection value",
+         [](auto&, EliminationOptions& o) {
+             o.steps = 1;
+             o.finalPercent = 4.0;
+         }},
+    };
+    for (const Case& fault : cases) {
+        PatternSet patterns = smallPatterns();
+        EliminationOptions options = quickOptions();
+        EXPECT_FALSE(faultOfPatterns(patterns, options));
+        fault.spoil(patterns, options);
+        CollectedReports quiet;
+        const EliminationResult result = eliminateFeatures(patterns, options, nullptr, quiet);
+        ASSERT_TRUE(result.fault) << fault.text.toStdString();
+        EXPECT_EQ(result.fault->text, fault.text);
+        EXPECT_EQ(result.fault->detail, fault.detail);
+        EXPECT_TRUE(result.log.isEmpty() && result.voxels.empty());
+    }
+}
+
+// 10 trials of a class in 3 folds: 3 each, and one is dropped.
+TEST(FeatureElimination, FoldsHaveEqualShapesAndShareNoTrial) {
+    const PatternSet patterns = smallPatterns();
+    std::vector<int> all;
+    for (int i = 0; i < patterns.count(); ++i)
+        all.push_back(i);
+    std::mt19937 generator(5);
+    const std::vector<TrialFold> folds = dealFolds(patterns, all, 3, generator);
+    ASSERT_EQ(folds.size(), 3u);
+    std::set<int> dealt;
+    for (const TrialFold& fold : folds) {
+        EXPECT_EQ(fold.class1.size(), 3u);
+        EXPECT_EQ(fold.class2.size(), 3u);
+        for (const int exemplar : fold.class1)
+            EXPECT_EQ(patterns.labels[size_t(exemplar)], 1.0);
+        for (const int exemplar : fold.exemplars())
+            dealt.insert(exemplar);
+    }
+    EXPECT_EQ(dealt.size(), 18u);
+    EXPECT_FALSE(std::is_sorted(folds[0].class1.begin(), folds[0].class1.end()) &&
+                 std::is_sorted(folds[1].class1.begin(), folds[1].class1.end()));
+    const std::vector<int> others = exemplarsOfOthers(folds, 1);
+    EXPECT_EQ(others.size(), 12u);
+    for (const int exemplar : folds[1].exemplars())
+        EXPECT_EQ(std::count(others.begin(), others.end(), exemplar), 0);
+}
+
+TEST(FeatureElimination, TheLogTellsEachStep) {
+    const EliminationResult result = eliminate(smallPatterns(), quickOptions());
+    // 0.3^(1/3) = 0.669: 12, 8.03, 5.36, 3.35.
+    EXPECT_EQ(result.nrOfVoxels, (std::vector{12.0, 8.0, 5.0, 3.0}));
+    QStringList expected = {"Random orders with seed 1", "First-level folds:"};
+    for (const int fold : {1, 2, 3})
+        for (const int kind : {1, 2})
+            expected << QString("Fold %1 patterns for class %2: N N N").arg(fold).arg(kind);
+    const std::vector<int> counts = {12, 8, 5, 3};
+    for (int fold = 0; fold < 3; ++fold) {
+        expected << "RFE: no. of trials=12  no. of features=12";
+        for (int level = 0; level <= 3; ++level) {
+            for (const int part : {1, 2})
+                for (const int kind : {1, 2})
+                    expected << QString("   RFE level %1: Fold %2 patterns for class %3: N N N")
+                                    .arg(level)
+                                    .arg(part)
+                                    .arg(kind);
+            expected << "   Running SVM with C=1 and linear kernel"
+                     << "   Running SVM with C=1 and linear kernel"
+                     << "   Average accuracy value for separate test data set: N%";
+            if (level < 3)
+                expected << QString("   RFE level %1- Voxels reduced from N_prev=%2 to N=%3")
+                                .arg(level)
+                                .arg(counts[size_t(level)])
+                                .arg(counts[size_t(level) + 1]);
+        }
+    }
+    expected << QString("No. of RFE voxels per fold: 3  No. of unique voxels merged over folds: "
+                        "%1 from which top 3 voxels have been finally selected.")
+                    .arg(result.mergedVoxels);
+    QStringList log = result.log;
+    for (QString& line : log)
+        if (line.contains("patterns for class") || line.contains("Average"))
+            line = line.section(": ", 0, -2) + ": " +
+                   line.section(": ", -1).replace(QRegularExpression("[0-9.]+"), "N");
+    EXPECT_EQ(log.join('\n').toStdString(), expected.join('\n').toStdString());
+
+    // A fold's trials are tested, and the parts of its levels are those of the other folds.
+    std::set<int> tested;
+    for (const int line : {2, 3})
+        for (const int exemplar : exemplarsIn(result.log[line]))
+            tested.insert(exemplar);
+    std::set<int> trained;
+    for (const int line : {9, 10, 11, 12})
+        for (const int exemplar : exemplarsIn(result.log[line]))
+            trained.insert(exemplar);
+    EXPECT_EQ(trained.size(), 12u);
+    for (const int exemplar : tested)
+        EXPECT_FALSE(trained.contains(exemplar)) << exemplar;
+}
+
+TEST(FeatureElimination, TheNumberOfThreadsDoesNotMatterAndTheSeedDoes) {
+    EliminationOptions options = quickOptions();
+    const EliminationResult one = eliminate(smallPatterns(), options);
+    for (const int threads : {2, 5})
+        EXPECT_TRUE(sameResult(eliminate(smallPatterns(), options, nullptr, threads), one));
+    options.seed = 2;
+    EXPECT_FALSE(sameResult(eliminate(smallPatterns(), options), one));
+    CollectedReports cancelling(true);
+    const EliminationResult stopped =
+        eliminateFeatures(smallPatterns(), options, nullptr, cancelling);
+    EXPECT_EQ(stopped.result, SVMResult::Stopped);
+    EXPECT_TRUE(stopped.voxels.empty());
+}
+
+TEST(FeatureElimination, AllVoxelsStayAt100Percent) {
+    EliminationOptions options = quickOptions();
+    options.finalPercent = 100.0;
+    const EliminationResult result = eliminate(smallPatterns(), options);
+    EXPECT_EQ(result.voxels.size(), 12u);
+    EXPECT_EQ(result.mergedVoxels, 12);
+    EXPECT_EQ(result.nrOfVoxels, std::vector(4, 12.0));
+    for (size_t i = 1; i < 12; ++i)
+        EXPECT_GE(std::abs(result.weights[i - 1]), std::abs(result.weights[i]));
+}
+
+TEST(FeatureElimination, FindsTheVoxelsThatCarryADistinction) {
+    const PatternSet patterns =
+        plantedPatterns({.trials = 40, .features = 200, .informative = 20, .strength = 1.6});
+    EliminationOptions options;
+    options.steps = 4;
+    options.finalPercent = 12.5;
+    CollectedReports reporter;
+    const EliminationResult result = eliminateFeatures(patterns, options, nullptr, reporter);
+    ASSERT_EQ(result.voxels.size(), 25u);
+    int found = 0;
+    for (size_t i = 0; i < result.voxels.size(); ++i) {
+        if (result.voxels[i] >= 20)
+            continue;
+        ++found;
+        // Even features are higher in class 1.
+        EXPECT_EQ(result.weights[i] > 0.0, result.voxels[i] % 2 == 0) << result.voxels[i];
+    }
+    EXPECT_GE(found, 15);
+    ASSERT_EQ(result.meanAccuracy.size(), 5u);
+    for (const double accuracy : result.meanAccuracy)
+        EXPECT_GT(accuracy, 70.0);
+    EXPECT_TRUE(std::is_sorted(reporter.reports.begin(), reporter.reports.end()));
+    EXPECT_EQ(reporter.reports.back(), 100);
+}
+
+// The test fold has no part in the choice: on noise the accuracy stays at chance at each level,
+// over the data sets within 4 standard deviations.
+TEST(FeatureElimination, IsRightByChanceOnNoise) {
+    constexpr int dataSets = 20;
+    std::vector<double> sums(4, 0.0);
+    for (unsigned seed = 1; seed <= dataSets; ++seed) {
+        const PatternSet noise =
+            plantedPatterns({.trials = 24, .features = 40, .strength = 0.0, .seed = seed});
+        EliminationOptions options = quickOptions();
+        options.univariateSelection = seed % 2 == 0;
+        const std::vector<double> accuracy = eliminate(noise, options).meanAccuracy;
+        for (size_t level = 0; level < 4; ++level)
+            sums[level] += accuracy[level] / dataSets;
+    }
+    for (const double mean : sums)
+        EXPECT_NEAR(mean, 50.0, 4.0 * 50.0 / std::sqrt(24.0 * dataSets));
+}
+
+// Feature 0 has the best ratio, 1 the best mean, 2 the best mean of those without deviation.
+TEST(FeatureElimination, UnivariateScoresAreRatiosOrMeans) {
+    PatternSet patterns;
+    patterns.nrOfFeatures = 4;
+    for (int i = 0; i < 20; ++i) {
+        const double sign = i % 4 < 2 ? 1.0 : -1.0;
+        patterns.append(i % 2 ? 1.0 : 2.0,
+                        std::vector{2.0 + 0.1 * sign, 9.0 + 3.0 * sign, 5.0, -30.0 + sign});
+    }
+    EliminationOptions options = quickOptions();
+    options.finalPercent = 100.0;
+    options.univariateSelection = true;
+    const auto chosen = [&](bool meansOnly, double percent) {
+        options.univariateMeansOnly = meansOnly;
+        options.univariatePercent = percent;
+        std::vector<int> voxels = eliminate(patterns, options).voxels;
+        std::sort(voxels.begin(), voxels.end());
+        return voxels;
+    };
+    EXPECT_EQ(chosen(false, 25.0), std::vector{0});
+    EXPECT_EQ(chosen(true, 25.0), std::vector{1});
+    EXPECT_EQ(chosen(false, 50.0), (std::vector{0, 2}));
+    EXPECT_EQ(chosen(true, 75.0), (std::vector{0, 1, 2}));
+}
+
+TEST(ScoreSmoothing, IsAWeightedMeanOfListedNeighbours) {
+    // Of FWHM 2 the weights at 0, 1 and 2 voxels are 1, 1/2 and 1/16; 3 is beyond 3 deviations.
+    const std::vector<double> scores = {0.0, 0.0, 0.0, 17.0, 0.0, 0.0, 0.0};
+    const std::vector<double> smoothed = smoothedScores(scores, row(7), 2.0);
+    const double whole = 1.0 + 2 * 0.5 + 2 * 0.0625;
+    EXPECT_NEAR(smoothed[3], 17.0 / whole, 1e-4);
+    EXPECT_NEAR(smoothed[2], 8.5 / whole, 1e-4);
+    EXPECT_NEAR(smoothed[1], 17.0 * 0.0625 / (whole - 0.0625), 1e-4) << "at the edge";
+    EXPECT_EQ(smoothed[0], 0.0);
+    for (const double score : smoothedScores(std::vector(7, 3.0), row(7), 5.0))
+        EXPECT_NEAR(score, 3.0, 1e-12);
+    EXPECT_EQ(smoothedScores(scores, row(7), 0.0), scores);
+    // Diagonal neighbours, in any order of the list: d^2 = 3 weighs 1/8.
+    VoxelList pair;
+    pair.append(9, 9, 9);
+    pair.append(8, 8, 8);
+    EXPECT_NEAR(smoothedScores(std::vector{9.0, 0.0}, pair, 2.0)[1], 1.0, 1e-4);
+}
+
+// Voxels that carry the distinction stand side by side: smoothing keeps neighbours of them.
+TEST(ScoreSmoothing, TakesPartInTheRanking) {
+    EliminationOptions options = quickOptions();
+    options.smoothRanking = true;
+    const VoxelList places = row(12);
+    EXPECT_TRUE(
+        sameResult(eliminate(smallPatterns(), options), eliminate(smallPatterns(), quickOptions())))
+        << "places are not known";
+    EXPECT_FALSE(sameResult(eliminate(smallPatterns(), options, &places),
+                            eliminate(smallPatterns(), quickOptions(), &places)));
+}

@@ -1,2 +1,258 @@
+// When a run predicts, from which volumes, and that it estimates as an offline analysis does.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "classify/live_classifier.h"
+#include "classify/trial_fit.h"
+
 #include <gtest/gtest.h>
+#include <random>
+
+namespace {
+
+constexpr VolumeSize size{4, 3, 2};
+constexpr int nrOfVolumes = 40;
+constexpr float TR = 2000.0f;
+
+void addCondition(StimulationProtocol& protocol, const std::vector<std::pair<int, int>>& trials) {
+    ProtocolCondition& condition = protocol.conditions.emplace_back();
+    for (const auto& [from, to] : trials) {
+        condition.from[size_t(condition.nrOfIntervals)] = from;
+        condition.to[size_t(condition.nrOfIntervals++)] = to;
+    }
+}
+
+StimulationProtocol twoConditions() {
+    StimulationProtocol protocol;
+    addCondition(protocol, {{1, 9}, {14, 19}});
+    addCondition(protocol, {{10, 13}, {30, 31}});
+    addCondition(protocol, {{20, 23}});
+    return protocol;
+}
+
+/// A model of as many classes as there are labels, in this order; class slot i is 3 in feature i.
+SVMModel modelOf(const std::vector<double>& labels, int features = 3) {
+    PatternSet patterns;
+    patterns.nrOfFeatures = features;
+    for (size_t i = 0; i < labels.size(); ++i) {
+        std::vector<double> values(size_t(features), 0.1);
+        values[i] = 3.0;
+        patterns.append(labels[i], values);
+    }
+    SVMModel model;
+    EXPECT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
+    return model;
+}
+
+class LiveClassifierTest : public testing::Test {
+protected:
+    LiveClassifierTest() {
+        EXPECT_TRUE(volumes.allocate(nrOfVolumes, size.samples()));
+        std::mt19937 random(7);
+        for (int v = 0; v < nrOfVolumes; ++v)
+            for (int16_t& sample : volumes[size_t(v)])
+                sample = int16_t(900 + int(random() % 200));
+        voxels.append(1, 2, 0);
+        voxels.append(3, 0, 1);
+        voxels.append(0, 0, 0);
+        options.trial.preOnset = 2;
+        options.trial.postOnset = 5;
+    }
+    LiveRun at(int volume) { return {volumes, size, protocol, volume, nrOfVolumes, TR}; }
+    /// Volumes at which there was a prediction.
+    std::vector<int> predictions() {
+        std::vector<int> due;
+        classifier.start(modelOf({1, -1}), voxels);
+        for (int v = 0; v < nrOfVolumes; ++v) {
+            if (classifier.step(at(v), options, fault))
+                due.push_back(v);
+            EXPECT_EQ(classifier.outputValid(), !due.empty() && due.back() == v) << v;
+        }
+        return due;
+    }
+
+    RunVolumes volumes;
+    VoxelList voxels;
+    StimulationProtocol protocol = twoConditions();
+    LiveOptions options = defaultLiveOptions();
+    LiveClassifier classifier;
+    QString fault;
+};
+
+std::vector<int> range(int first, int last) {
+    std::vector<int> numbers;
+    for (int i = first; i <= last; ++i)
+        numbers.push_back(i);
+    return numbers;
+}
+
+std::vector<int> joined(std::vector<int> first, const std::vector<int>& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+} // namespace
+
+TEST(CurrentTrial, IsTheLatestOfAllConditionsButTheFirst) {
+    StimulationProtocol protocol = twoConditions();
+    addCondition(protocol, {{30, 35}, {0, 3}});
+    const std::tuple<int, int, int, int> cases[] = {
+        // volume, onset, end, condition
+        {0, 0, 3, 3},    {8, 0, 3, 3},    {9, 10, 13, 1},  {18, 10, 13, 1},
+        {19, 20, 23, 2}, {28, 20, 23, 2}, {29, 30, 35, 3}, {39, 30, 35, 3}};
+    for (const auto& [volume, onset, end, condition] : cases) {
+        const CurrentTrial trial = currentTrial(protocol, volume);
+        EXPECT_EQ(std::tuple(volume, trial.onset, trial.end, trial.condition),
+                  std::tuple(volume, onset, end, condition));
+    }
+    protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
+    EXPECT_EQ(currentTrial(protocol, 39).onset, 0);
+    protocol.resolutionOfTime = ResolutionOfTime::Volumes;
+    protocol.conditions.resize(1);
+    EXPECT_EQ(currentTrial(protocol, 39).onset, 0) << "the baseline alone";
+}
+
+TEST_F(LiveClassifierTest, TrialEndsAreDueOneVolumeBeforeTheirWindowIsComplete) {
+    options.mode = PredictionMode::EndOfTrial;
+    struct Case {
+        int pre, post;
+        bool useDuration;
+        std::vector<int> due;
+    };
+    const Case cases[] = {
+        {2, 5, false, {14, 24, 34}}, {2, 5, true, {17, 27, 35}}, {2, 9, false, {18, 28, 38}},
+        {2, 10, false, {39}}, // the others are replaced before they are due
+        {2, 11, false, {}},          {2, 0, false, {9, 19, 29}}, {33, 5, false, {14, 24, 34}},
+        {34, 5, false, {}}};
+    for (const Case& c : cases) {
+        options.trial.preOnset = c.pre;
+        options.trial.postOnset = c.post;
+        options.trial.useTrialDuration = c.useDuration;
+        EXPECT_EQ(predictions(), c.due) << c.pre << ' ' << c.post << ' ' << c.useDuration;
+    }
+}
+
+TEST_F(LiveClassifierTest, WithinAConditionEachVolumeFromDelayToDelayedEndIsDue) {
+    struct Case {
+        int pre, delay, post;
+        bool useDuration;
+        std::vector<int> due;
+    };
+    const std::vector<int> usual = joined(joined(range(11, 14), range(21, 24)), {31, 32});
+    const Case cases[] = {
+        {1, 2, 0, false, usual},
+        {36, 2, 0, false, usual},
+        {37, 2, 0, false, {}}, // 40 points are not below 40 volumes
+        {36, 2, 0, true, {}},
+        {35, 2, 0, true, {31, 32}}, // the third trial is shorter by 2
+        {1, 0, 0, false, joined(joined(range(9, 12), range(19, 22)), {29, 30})},
+        {1, 2, 3, false, joined(joined(range(11, 17), range(21, 27)), range(31, 35))}};
+    for (const Case& c : cases) {
+        options.pointPreOnset = c.pre;
+        options.haemodynamicDelay = c.delay;
+        options.postCondition = c.post;
+        options.trial.useTrialDuration = c.useDuration;
+        EXPECT_EQ(predictions(), c.due) << c.pre << ' ' << c.delay << ' ' << c.post;
+    }
+    options.mode = PredictionMode::Continuous;
+    EXPECT_EQ(predictions(), std::vector<int>{});
+}
+
+TEST_F(LiveClassifierTest, EstimatesAndPredictsAsOffline) {
+    const auto expectLike = [&](int volume, std::vector<int> window, const TrialDesign& design,
+                                const QString& line) {
+        SCOPED_TRACE(volume);
+        classifier.start(modelOf({2, 1}), voxels);
+        const std::optional<LivePrediction> made = classifier.step(at(volume), options, fault);
+        ASSERT_TRUE(made);
+        const size_t places[] = {9, 15, 0}; // x + 4 y + 12 z
+        std::vector<float> values(3);
+        estimateVoxels({design, options.trial.estimate, options.trial.zNormalization}, volumes,
+                       window, places, values);
+        const std::vector<double> features(values.begin(), values.end());
+        EXPECT_EQ(classifier.patterns().values, features);
+        EXPECT_EQ(classifier.patterns().labels, std::vector<double>{0.0});
+        EXPECT_EQ(classifier.patterns().nrOfFeatures, 3);
+        const double value = -modelOf({2, 1}).decisionValues(features)[0]; // class 2 comes first
+        EXPECT_EQ(made->prediction.output, value);
+        ASSERT_EQ(classifier.pairValues().size(), 1u);
+        EXPECT_EQ(classifier.pairValues()[0], float(value));
+        EXPECT_EQ(classifier.predictedClass(), value > 0 ? 1 : 2);
+        EXPECT_EQ(predictionLine(*made), line + QString("%1").arg(value, 9) +
+                                             "  predicted class:  " + (value > 0 ? "1" : "2"));
+    };
+    options.mode = PredictionMode::EndOfTrial;
+    for (const TrialEstimate estimate :
+         {TrialEstimate::TValue, TrialEstimate::Beta, TrialEstimate::PercentBeta}) {
+        options.trial.estimate = estimate;
+        options.trial.linearTrend = !options.trial.linearTrend;
+        expectLike(14, {8, 9, 10, 11, 12, 13, 14, 14}, trialDesign(options.trial, 3, TR),
+                   "Time point:   14  last trial onset:   10 duration:   4  condition id:  2  "
+                   "predicted value: ");
+    }
+    options.mode = PredictionMode::WithinCondition;
+    for (const auto& [volume, window] :
+         {std::pair(21, std::vector{18, 19, 20, 21}), {24, {18, 19, 20, 24}}})
+        expectLike(volume, window, lastPointDesign(4, options.trial.linearTrend),
+                   QString("Time point:   %1  last trial onset:   20 duration:   4  "
+                           "condition id:  3  predicted value: ")
+                       .arg(volume));
+    options.pointPreOnset = 12;
+    expectLike(11, {0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11},
+               lastPointDesign(15, options.trial.linearTrend),
+               "Time point:   11  last trial onset:   10 duration:   4  condition id:  2  "
+               "predicted value: ");
+}
+
+TEST_F(LiveClassifierTest, OfSeveralClassesAllPairsAreGiven) {
+    classifier.start(modelOf({2, 3, 1}), voxels);
+    const std::optional<LivePrediction> made = classifier.step(at(22), options, fault);
+    ASSERT_TRUE(made);
+    EXPECT_EQ(classifier.nrOfClasses(), 3);
+    EXPECT_EQ(classifier.pairValues().size(), 3u);
+    EXPECT_EQ(predictionLine(*made), "Time point:   23  last trial onset:   20 duration:   4  "
+                                     "condition id:  3  predicted class:  " +
+                                         QString::number(classifier.predictedClass()));
+}
+
+TEST_F(LiveClassifierTest, AMisfitIsSaidAndPredictsNothing) {
+    options.mode = PredictionMode::EndOfTrial;
+    classifier.start(modelOf({1, -1}, 5), voxels);
+    EXPECT_FALSE(classifier.step(at(14), options, fault));
+    EXPECT_EQ(fault, "Classifier does not fit to test data! Expected 3 ROI voxels, but 5 SVM "
+                     "features found");
+    fault.clear();
+    EXPECT_FALSE(classifier.step(at(15), options, fault));
+    EXPECT_EQ(fault, "") << "the trial is done with";
+    voxels.x[2] = 4;
+    classifier.start(modelOf({1, -1}), voxels);
+    EXPECT_FALSE(classifier.step(at(14), options, fault));
+    EXPECT_TRUE(fault.contains("outside this run"));
+    EXPECT_EQ(classifier.patterns().count(), 0);
+}
+
+TEST(LiveOptions, FollowTheSettingsOfTheTraining) {
+    LiveOptions options = defaultLiveOptions();
+    EXPECT_TRUE(options.trial.zNormalization && !options.trial.linearTrend);
+    takeTrialSettings({.preOnset = 3,
+                       .postOnset = 7,
+                       .useTrialDuration = true,
+                       .response = TrialResponse::MeanResponse,
+                       .linearTrend = true,
+                       .estimate = TrialEstimate::PercentBeta,
+                       .zNormalization = true,
+                       .intensityLimit = 12},
+                      options);
+    EXPECT_EQ(options.pointPreOnset, 3);
+    EXPECT_EQ(options.trial.response, TrialResponse::StandardTwoGamma);
+    EXPECT_EQ(trialSettingsReport(options.trial),
+              (QStringList{"Adding linear predictor:                   1",
+                           "Using trial duration for data window:      1",
+                           "Data window pre-onset:                     3",
+                           "Data window post-trial:                    7",
+                           "Estimating trial responses as percent change values",
+                           "Voxels will be excluded (estimated value set to 0) if intensities "
+                           "lower than: 12"}));
+    EXPECT_EQ(trialSettingsReport(defaultLiveOptions().trial).mid(3, 3),
+              (QStringList{"Data window post-onset:                    8",
+                           "Estimating trial responses as t values",
+                           "Trial time courses will be z normalized"}));
+}

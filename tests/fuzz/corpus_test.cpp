@@ -25,8 +25,8 @@ int nrOfFilesTaken(const FuzzTarget& target, const QString& folder) {
 }
 
 TEST(FuzzCorpus, EveryTargetTakesItsFiles) {
-    for (const auto& targets :
-         {imageHeaderTargets(), textFileTargets(), journalTargets(), modelFileTargets()})
+    for (const auto& targets : {imageHeaderTargets(), textFileTargets(), journalTargets(),
+                                modelFileTargets(), classificationTargets()})
         for (const FuzzTarget& target : targets)
             EXPECT_GT(nrOfFilesTaken(target,
                                      QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/") + target.name),

@@ -72,6 +72,30 @@ TEST(SimulatedMotion, MovesTheHeadAsItSays) {
     }
 }
 
+// Each voxel of the fine pattern follows its condition more than the other; their means do not.
+TEST(FinePattern, TellsConditionsApartInVoxelsOnly) {
+    SimulationOptions options;
+    options.code = 0.02;
+    options.noise = 0.0;
+    const SimulatedScan scan(options);
+    const std::vector<int8_t> preferences = scan.preferences();
+    const std::vector<uint16_t> rest = scan.volume(2 + 0);
+    const std::vector<uint16_t> faces = scan.volume(2 + 19);
+    const std::vector<uint16_t> houses = scan.volume(2 + 39);
+    double sums[3] = {};
+    int count[3] = {};
+    for (size_t voxel = 0; voxel < preferences.size(); ++voxel)
+        if (preferences[voxel] != 0) {
+            const double difference = (double(faces[voxel]) - houses[voxel]) / rest[voxel];
+            sums[preferences[voxel] + 1] += difference;
+            ++count[preferences[voxel] + 1];
+        }
+    EXPECT_GT(count[0] + count[2], 100);
+    EXPECT_NEAR(double(count[0]) / count[2], 1.0, 0.25);
+    EXPECT_NEAR(sums[2] / count[2], 0.04, 0.008); // 2 % more of one, 2 % less of the other
+    EXPECT_NEAR(sums[0] / count[0], -0.04, 0.008);
+}
+
 TEST(SampleSession, IsWhatTheSimulatorWritesByDefault) {
     QTemporaryDir folder;
     SimulationOptions options;

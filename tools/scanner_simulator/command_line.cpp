@@ -25,6 +25,9 @@ void addOptions(QCommandLineParser& parser) {
         {"block", "Volumes of a block of the protocol (default: 10).", "count"},
         {"noise", "Standard deviation of the noise (default: 8; brain 650-1130).", "value"},
         {"amplitude", "Response of active regions, percent (default: 2.5).", "percent"},
+        {"code",
+         "Strength of a fine pattern that tells the conditions apart, percent (default: 0).",
+         "percent"},
         {"motion", "Motion of the head: none (default), drift or jumps.", "kind"},
         {"smoothing", "Width of the smoothing in the settings (default: 0, off).", "millimetres"},
         {"seed", "Seed of all random numbers (default: 1).", "number"},
@@ -156,6 +159,9 @@ void takeSimulation(const QCommandLineParser& parser, Values& values, SimulatorC
     double percent = simulation.amplitude * 100.0;
     values.real("amplitude", percent);
     simulation.amplitude = percent / 100.0;
+    percent = simulation.code * 100.0;
+    values.real("code", percent);
+    simulation.code = percent / 100.0;
     if (parser.isSet("matrix"))
         if (const auto size = values.pair("matrix", parser.value("matrix"), 'x'))
             std::tie(simulation.sizeX, simulation.sizeY) = *size;

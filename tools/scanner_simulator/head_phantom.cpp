@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "head_phantom.h"
 
+#include "random_numbers.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -73,6 +75,7 @@ HeadPhantom::HeadPhantom(const ScanGeometry& geometry)
         regions_[0][side] = {{sign * 36.0, 26.0, -level}, halfAxis};
         regions_[1][side] = {{sign * 27.0, -18.0, level}, halfAxis};
     }
+    codedRegion_ = {{0.0, 48.0, 0.0}, {16.0, 12.0, height}};
 }
 
 double HeadPhantom::share(const Ellipsoid& ellipsoid, const Point& point) const {
@@ -116,6 +119,17 @@ int HeadPhantom::activeCondition(const Point& point) const {
             if (region.squaredRadius(point) <= 1.0)
                 return condition + 1;
     return 0;
+}
+
+int HeadPhantom::preference(const Point& point) const {
+    if (codedRegion_.squaredRadius(point) > 1.0)
+        return 0;
+    constexpr double cube = 3.0; // millimetres
+    const auto index = [](double place) {
+        return uint64_t(int64_t(std::floor(place / cube)) + 100);
+    };
+    const uint64_t place = index(point.x) << 32 | index(point.y) << 16 | index(point.z);
+    return (RandomNumbers(place).bits() & 1) != 0 ? 1 : -1;
 }
 
 double HeadPhantom::pulsationWeight(const Point& point) {

@@ -36,6 +36,10 @@ public:
     [[nodiscard]] bool isBrain(const Point& point) const;
     /// 1 or 2: the condition whose regions hold the point; 0 outside all.
     [[nodiscard]] int activeCondition(const Point& point) const;
+    /// In the region of the fine pattern, at the back of the head: 1 where the voxel there prefers
+    /// the first condition, -1 where it prefers the second; 0 outside. The pattern has cubes of 3
+    /// mm, and moves with the head.
+    [[nodiscard]] int preference(const Point& point) const;
     /// Strength of pulsation, from 0 to 1: highest near the large vessels at the centre.
     [[nodiscard]] static double pulsationWeight(const Point& point);
 
@@ -48,6 +52,7 @@ private:
 
     double borderWidth_; ///< millimetres
     Ellipsoid regions_[nrOfConditions][2];
+    Ellipsoid codedRegion_;
     Ellipsoid scalp_{{0, 0, 0}, {73, 88, 82}};
     Ellipsoid skull_{{0, 0, 0}, {68, 83, 77}};
     Ellipsoid brain_{{0, 0, 0}, {63, 78, 72}};

@@ -7,6 +7,7 @@
 #include "watch_folder.h"
 
 #include <QDir>
+#include <functional>
 
 namespace {
 
@@ -117,6 +118,22 @@ void addOverlays(SettingsLines& lines) {
     lines.quoted("FeedbackTargetFolder:", "./results/");
 }
 
+/// The size of a volume, then a character for each voxel.
+QByteArray voxelCharacters(const ScanGeometry& geometry,
+                           const std::function<char(size_t voxel)>& characterOf) {
+    QByteArray text = formatted("%i %i %i\n", geometry.sizeX, geometry.sizeY, geometry.nrOfSlices);
+    size_t voxel = 0;
+    for (int slice = 0; slice < geometry.nrOfSlices; ++slice) {
+        text += '\n';
+        for (int y = 0; y < geometry.sizeY; ++y) {
+            for (int x = 0; x < geometry.sizeX; ++x, ++voxel)
+                text += characterOf(voxel);
+            text += '\n';
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 RunDescription runDescription(const SimulationOptions& options, const ScanGeometry& geometry) {
@@ -168,22 +185,25 @@ QByteArray activeText(const ScanGeometry& geometry,
                       "# then slices with a blank line between them. 0 responds to none.\n";
     for (size_t condition = 1; condition < conditions.size(); ++condition)
         text += formatted("# %i ", int(condition)) + conditions[condition].name.toUtf8() + '\n';
-    text += formatted("%i %i %i\n", geometry.sizeX, geometry.sizeY, geometry.nrOfSlices);
-    size_t voxel = 0;
-    for (int slice = 0; slice < geometry.nrOfSlices; ++slice) {
-        text += '\n';
-        for (int y = 0; y < geometry.sizeY; ++y) {
-            for (int x = 0; x < geometry.sizeX; ++x, ++voxel)
-                text += char('0' + active[voxel]);
-            text += '\n';
-        }
-    }
-    return text;
+    return text +
+           voxelCharacters(geometry, [&](size_t voxel) { return char('0' + active[voxel]); });
+}
+
+QByteArray preferenceText(const ScanGeometry& geometry,
+                          const std::vector<SimulatedCondition>& conditions,
+                          const std::vector<int8_t>& preferences) {
+    QByteArray text = "# Voxels of the head at rest with a fine pattern: they respond to both\n"
+                      "# conditions, and more to the one that they prefer.\n"
+                      "# One character for each voxel, ordered as in active.txt.\n";
+    text += "# + " + conditions[1].name.toUtf8() + "\n# - " + conditions[2].name.toUtf8() + '\n';
+    return text + voxelCharacters(geometry, [&](size_t voxel) {
+               return preferences[voxel] == 0 ? '.' : preferences[voxel] > 0 ? '+' : '-';
+           });
 }
 
 QByteArray truthReadme() {
     return "What was put into each simulated run, in a folder named after its settings file:\n"
            "motion.txt has the position of the head in each volume, active.txt the map of the\n"
-           "voxels that respond to a condition. Both files explain themselves in their first\n"
-           "lines.\n";
+           "voxels that respond to a condition; with a fine pattern code.txt has the one that\n"
+           "each of its voxels prefers. The files explain themselves in their first lines.\n";
 }

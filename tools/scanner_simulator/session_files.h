@@ -27,4 +27,9 @@ struct RunDescription {
 [[nodiscard]] QByteArray activeText(const ScanGeometry& geometry,
                                     const std::vector<SimulatedCondition>& conditions,
                                     const std::vector<uint8_t>& active);
+/// One character for each voxel: "+" where a voxel of the fine pattern prefers the first condition,
+/// "-" where it prefers the second, "." elsewhere.
+[[nodiscard]] QByteArray preferenceText(const ScanGeometry& geometry,
+                                        const std::vector<SimulatedCondition>& conditions,
+                                        const std::vector<int8_t>& preferences);
 [[nodiscard]] QByteArray truthReadme();

@@ -41,6 +41,8 @@ SimulatedScan::RestingHead SimulatedScan::headAt(const HeadPose& pose) const {
                 head.pulsation.push_back(inHead ? float(HeadPhantom::pulsationWeight(point))
                                                 : 0.0f);
                 head.condition.push_back(inHead ? uint8_t(phantom_.activeCondition(point)) : 0);
+                if (options_.code > 0.0)
+                    head.preference.push_back(int8_t(phantom_.preference(point)));
             }
     return head;
 }
@@ -56,12 +58,18 @@ void SimulatedScan::fillSlice(int volume, int slice, const RestingHead& head, Ra
     for (int condition = 1; condition <= HeadPhantom::nrOfConditions; ++condition)
         response[size_t(condition)] =
             float(options_.amplitude * dynamics_.response(condition, seconds));
+    // Voxels of the fine pattern respond to both conditions, on the mean alike.
+    const float bothConditions = response[1] + response[2];
+    const float difference =
+        float(options_.code * (dynamics_.response(1, seconds) - dynamics_.response(2, seconds)));
     const float noise = float(options_.noise);
     const size_t first = size_t(slice) * geometry_.sliceVoxels();
     for (size_t i = 0; i < geometry_.sliceVoxels(); ++i) {
         const size_t voxel = first + i;
-        const float factor =
-            steady + response[head.condition[voxel]] + pulsation * head.pulsation[voxel];
+        const int preference = head.preference.empty() ? 0 : head.preference[voxel];
+        const float activity = preference == 0 ? response[head.condition[voxel]]
+                                               : bothConditions + float(preference) * difference;
+        const float factor = steady + activity + pulsation * head.pulsation[voxel];
         // Magnitude images have no sign: noise in the air around the head becomes positive.
         const float value = std::fabs(head.signal[voxel] * factor + noise * random.gaussian());
         samples[voxel] = uint16_t(std::min(value, largestSample) + 0.5f);
@@ -140,7 +148,13 @@ bool SimulatedScan::writeTruth() const {
             if (map[voxel] != 0)
                 active[voxel] = uint8_t(condition);
     }
-    return QDir().mkpath(folder) && writeFileAtomically(folder + "motion.txt", motionText(poses)) &&
+    const bool codeWritten =
+        options_.code == 0.0 ||
+        (QDir().mkpath(folder) &&
+         writeFileAtomically(folder + "code.txt",
+                             preferenceText(geometry_, conditions(), preferences())));
+    return codeWritten && QDir().mkpath(folder) &&
+           writeFileAtomically(folder + "motion.txt", motionText(poses)) &&
            writeFileAtomically(folder + "active.txt",
                                activeText(geometry_, conditions(), active)) &&
            writeFileAtomically(paths::join(options_.folder, "truth/README.txt"), truthReadme());
@@ -152,6 +166,11 @@ std::vector<uint8_t> SimulatedScan::activeVoxels(int condition) const {
         for (size_t voxel = 0; voxel < map.size(); ++voxel)
             map[voxel] = atRest_.condition[voxel] == condition ? 1 : 0;
     return map;
+}
+
+std::vector<int8_t> SimulatedScan::preferences() const {
+    return atRest_.preference.empty() ? std::vector<int8_t>(geometry_.voxels(), 0)
+                                      : atRest_.preference;
 }
 
 std::vector<uint8_t> SimulatedScan::brainVoxels() const {

@@ -55,6 +55,9 @@ public:
     [[nodiscard]] std::vector<uint8_t> activeVoxels(int condition) const;
     /// The same for the brain without its border, where voxels also hold other tissue.
     [[nodiscard]] std::vector<uint8_t> brainVoxels() const;
+    /// For each voxel of the head at rest: 1 or -1 for the condition that a voxel of the fine
+    /// pattern prefers, the first or the second; 0 elsewhere.
+    [[nodiscard]] std::vector<int8_t> preferences() const;
 
 private:
     /// The part that is constant while the head is at rest.
@@ -62,6 +65,7 @@ private:
         std::vector<float> signal;
         std::vector<float> pulsation;
         std::vector<uint8_t> condition; ///< of the active region; 0 elsewhere
+        std::vector<int8_t> preference; ///< empty without a fine pattern
     };
     void fillSlice(int volume, int slice, const RestingHead& head, class RandomNumbers& random,
                    uint16_t* samples) const;

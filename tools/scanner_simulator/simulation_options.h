@@ -66,6 +66,8 @@ struct SimulationOptions {
     int blockLength = 10;       ///< volumes of one block of the protocol
     double noise = 8.0;         ///< standard deviation in sample units
     double amplitude = 0.025;   ///< full response of an active region, as a fraction of its signal
+    /// Of a region in which each voxel prefers one of the conditions; 0: there is none.
+    double code = 0.0; ///< how much more it responds to that one, as a fraction of its signal
     HeadMotion motion = HeadMotion::None;
     int smoothingWidth = 0; ///< FWHM in the settings, millimetres; 0: none
     uint64_t seed = 1;

@@ -12,9 +12,11 @@ struct EliminationFiles {
     QString region;   ///< .roi, or empty: nothing is saved then
 };
 
-/// Checks the files, eliminates under a progress box, saves the region and the map of weights, and
-/// gives the result; its log holds all lines. Nothing after a message, when it was stopped, or
-/// unless the session is idle; files are then untouched.
+/// Checks the files, eliminates under a progress box, saves the region (`<region>_RFE.roi`) and the
+/// map of weights (`<region>_RFE-<steps>_V-<voxels>.vom`) beside the file of the region, and gives
+/// the result; its log holds all lines. Nothing after a message, when it was stopped, or unless the
+/// session is idle; files are then untouched. A file that can't be written is told of, and the
+/// result given all the same.
 [[nodiscard]] std::optional<EliminationResult> runElimination(RunSession& session,
                                                               const EliminationFiles& files,
                                                               const EliminationOptions& options);

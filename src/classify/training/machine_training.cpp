@@ -21,6 +21,13 @@ bool searchesC(const TrainingChoices& choices) {
            (choices.svm.kernel == SVMKernel::RBF && choices.searchRBF);
 }
 
+/// What libsvm has printed, if anything.
+void logPrinted(const std::string& printed, const std::function<void(const QString&)>& log) {
+    const QString text = QString::fromStdString(printed).trimmed();
+    if (!text.isEmpty())
+        log(text);
+}
+
 SVMResult validate(const PatternSet& patterns, const TrainingChoices& choices, SVMOptions& options,
                    const std::function<void(const QString&)>& log, ProgressReporter& progress) {
     log(foldsReport(patterns, choices.folds));
@@ -42,7 +49,7 @@ SVMResult validate(const PatternSet& patterns, const TrainingChoices& choices, S
         progress);
     if (result != SVMResult::Done)
         return result;
-    log(QString::fromStdString(validation.printed).trimmed());
+    logPrinted(validation.printed, log);
     log(crossValidationReport(validation, patterns, choices.folds));
     return result;
 }
@@ -89,7 +96,7 @@ TrainedMachine trainMachine(const PatternSet& patterns, const TrainingChoices& c
         },
         progress);
     if (machine.result == SVMResult::Done)
-        log(QString::fromStdString(printed).trimmed());
+        logPrinted(printed, log);
     return machine;
 }
 

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "base/file_writing.h"
+#include "base/plain_file.h"
 
-#include <QFile>
 #include <QStringList>
 #include <optional>
 #include <vector>
@@ -16,8 +16,10 @@ public:
     explicit RestoredFiles(const QStringList& paths) {
         for (const QString& path : paths) {
             QFile file(path);
-            const bool opened = file.open(QIODevice::ReadOnly);
-            files_.push_back({path, opened ? std::optional(file.readAll()) : std::nullopt});
+            if (openPlainFile(file))
+                files_.push_back({path, file.readAll()});
+            else if (!fileExists(path))
+                files_.push_back({path, std::nullopt});
         }
     }
     ~RestoredFiles() {

@@ -58,7 +58,8 @@ public:
         : project_(project), trials_(trials), options_(options) {}
 
     EstimationEnd makeFits(const std::vector<size_t>& responsePlaces, ProgressReporter& progress);
-    void logSkips(QStringList& log) const;
+    /// Where the data don't allow what is wanted of a trial.
+    void logLimits(QStringList& log) const;
     [[nodiscard]] bool fillMaps(TrialMaps& maps, ProgressReporter& progress) const;
 
 private:
@@ -100,10 +101,16 @@ EstimationEnd RunEstimation::makeFits(const std::vector<size_t>& responsePlaces,
     return EstimationEnd::Done;
 }
 
-void RunEstimation::logSkips(QStringList& log) const {
-    for (const Trial& trial : trials_)
+void RunEstimation::logLimits(QStringList& log) const {
+    for (const Trial& trial : trials_) {
         if (fits_.at(trial.duration()).skipsNormalization())
             log << "z normalization skipped - less than 3 data points";
+        if (size_t(std::max(trial.start, 0)) >= project_.volumes.size())
+            log << QStringLiteral("WARNING: Trial %1 of \"%2\" begins behind the last volume: "
+                                  "its values mean nothing")
+                       .arg(trial.number)
+                       .arg(trial.condition);
+    }
 }
 
 bool RunEstimation::fillMaps(TrialMaps& maps, ProgressReporter& progress) const {
@@ -193,7 +200,7 @@ EstimationEnd estimateRun(const FMRProject& project, const std::vector<Trial>& t
     end = run.makeFits(responsePlaces, progress);
     if (end != EstimationEnd::Done)
         return end;
-    run.logSkips(log);
+    run.logLimits(log);
     return run.fillMaps(maps, progress) ? EstimationEnd::Done : EstimationEnd::Stopped;
 }
 

@@ -34,4 +34,7 @@ public:
     /// The same for the fit of a model, which can be cancelled. Each report processes events.
     [[nodiscard]] virtual std::unique_ptr<ProgressReporter>
     openModelProgress(const QString& text) = 0;
+    /// The same for the long work of a dialog.
+    [[nodiscard]] virtual std::unique_ptr<ProgressReporter>
+    openAnalysisProgress(const QString& text) = 0;
 };

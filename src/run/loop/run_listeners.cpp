@@ -94,6 +94,10 @@ void RunListeners::feedbackChanged() {
     callEach([](RunListener& listener) { return listener.feedbackChanged(), true; });
 }
 
+void RunListeners::classifierChanged() {
+    callEach([](RunListener& listener) { return listener.classifierChanged(), true; });
+}
+
 bool RunListeners::beforeVolume(const VolumeAtHand& hand) {
     return callEach([&](RunListener& listener) { return listener.beforeVolume(hand); });
 }

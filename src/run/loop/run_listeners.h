@@ -84,6 +84,9 @@ public:
     /// loaded regions, which bring maxima.
     virtual void feedbackChanged() {}
 
+    /// The classifier of the run was switched on or off.
+    virtual void classifierChanged() {}
+
     /// The samples of the volume are in memory, as they were measured. False ends the run, after
     /// the listener has said why; so it does for the steps.
     [[nodiscard]] virtual bool beforeVolume(const VolumeAtHand& hand) {
@@ -141,6 +144,7 @@ public:
     void regionsChanged(QtCortivoDoc& functional);
     void regionsLoaded(QtCortivoDoc& functional);
     void feedbackChanged();
+    void classifierChanged();
     /// These two stop at the first listener that ends the run, and give false then.
     [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand);
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand);

@@ -265,7 +265,7 @@ bool RunSession::analyse(const QString& text, const std::function<bool(ProgressR
         return false;
     }
     return inPhase(Phase::Analysing, [&] {
-        const auto progress = display_.openModelProgress(text);
+        const auto progress = display_.openAnalysisProgress(text);
         return work(*progress);
     });
 }

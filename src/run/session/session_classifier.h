@@ -5,9 +5,12 @@
 #include "classify/live_classifier.h"
 #include "feedback/classifier_output.h"
 #include "run/loop/run_listeners.h"
+#include "run/session/training_files.h"
 
 class SessionPhase;
 struct RunSettings;
+
+inline const QString onlinePatternsFileName = QStringLiteral("OnlineClassifiedPatterns.mvp");
 
 /// What shows the classifier: the operator's dialog.
 class ClassifierScreen {
@@ -31,9 +34,10 @@ public:
 
     explicit SessionClassifier(const Parts& parts);
 
-    /// The display opens: the estimation settings and the voxels of the training are read from the
-    /// target folder, and the log says which were found. The screen, which is not owned, must call
-    /// close(), which switches prediction off.
+    /// The display opens: unless it predicts, the estimation settings and the voxels of the
+    /// training are read, and the log says which were found. They lie in the target folder of the
+    /// run in memory, or of the settings; else beside the model. The screen, which is not owned,
+    /// must call close(), which switches prediction off.
     void open(ClassifierScreen& screen);
     void close();
     [[nodiscard]] bool isOpen() const { return screen_ != nullptr; }
@@ -41,7 +45,10 @@ public:
     [[nodiscard]] const LiveOptions& options() const { return options_; }
     void setOptions(const LiveOptions& options);
     [[nodiscard]] const QString& modelPath() const { return modelPath_; }
+    /// Does nothing while it predicts.
     void chooseModel(const QString& path);
+    /// The folder to look for models in.
+    [[nodiscard]] QString targetFolder() const;
     /// Switches prediction on or off. It stays off, after a message, without a model that can be
     /// used.
     void toggleIncrementalPrediction();
@@ -52,6 +59,11 @@ public:
     bool currentOutput(std::span<float> values) const override;
     [[nodiscard]] int predictedClass() const; ///< from 1; 0 when there is no prediction
 
+    /// Since prediction was switched on or a run began.
+    [[nodiscard]] int NrOfOnlinePatterns() const { return classifier_.patterns().count(); }
+    [[nodiscard]] const std::optional<LivePrediction>& lastPrediction() const { return last_; }
+    [[nodiscard]] int NrOfVoxelsUsed() const { return int(voxels_.size()); }
+
     void settingsFileChanged() override;
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override;
@@ -61,12 +73,30 @@ public:
     void recordPlayed(const RunRecord& record) override;
 
 private:
+    [[nodiscard]] TrainingFiles findTrainingFiles() const;
+    void readTraining();
+    void takeNewTraining();
+    void takeVoxels(const TrainingFiles& files);
+    void takeSettings(const TrainingFiles& files);
+    void switchOn();
+    void switchOff();
+    void begin(SVMModel model);
+    void restart();
+    void savePatterns();
+    void warnOfMisgivings();
+    void log(const QString& text);
+    void noteChange();
+    void tell();
+
     Parts parts_;
     ClassifierScreen* screen_ = nullptr;
     QtCortivoDoc* document_ = nullptr;
     LiveClassifier classifier_;
+    std::optional<LivePrediction> last_;
     LiveOptions options_ = defaultLiveOptions();
+    QString settingsText_; ///< of the file that the options were taken from
     VoxelList voxels_;
+    QString voxelsPath_;
     QString modelPath_;
     bool IncrementalPredictionOn_ = false;
 };

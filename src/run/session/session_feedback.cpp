@@ -85,11 +85,12 @@ void SessionFeedback::setClassifier(const ClassifierOutput* classifier) {
 }
 
 // The classifier may have stopped to predict at any volume.
-void SessionFeedback::testClassifier() {
+bool SessionFeedback::testClassifier() {
     if (!choices_.UseSVMOutput || classifierPredicts())
-        return;
+        return false;
     giveUpClassifierOutput(choices_, nrOfRegions());
     noteChange();
+    return true;
 }
 
 StimulationProtocol SessionFeedback::protocol() const {
@@ -196,6 +197,13 @@ void SessionFeedback::runPrepared(QtCortivoDoc&) {
 
 void SessionFeedback::regionsChanged(QtCortivoDoc&) {
     update();
+}
+
+void SessionFeedback::classifierChanged() {
+    if (testClassifier())
+        update();
+    else if (screen_)
+        screen_->refreshControls();
 }
 
 void SessionFeedback::regionsLoaded(QtCortivoDoc& functional) {

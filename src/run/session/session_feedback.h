@@ -91,6 +91,7 @@ public:
     void runPrepared(QtCortivoDoc& functional) override;
     void regionsChanged(QtCortivoDoc& functional) override;
     void regionsLoaded(QtCortivoDoc& functional) override;
+    void classifierChanged() override;
     bool drawSubjectDisplay(const VolumeAtHand& hand) override;
     void recordPlayed(const RunRecord& record) override;
 
@@ -98,7 +99,7 @@ private:
     void compute();
     void draw();
     void takeShifts();
-    void testClassifier();
+    bool testClassifier();
     void noteChange();
     void writeFiles(int volume);
     void updateDelayedFeedback(int volume);

@@ -161,6 +161,10 @@ std::unique_ptr<ProgressReporter> VeloCortivo::openModelProgress(const QString& 
         this, {"ModelProgressDlg", text, " Abort GLM computation ", {320, 110}}, pump_);
 }
 
+std::unique_ptr<ProgressReporter> VeloCortivo::openAnalysisProgress(const QString& text) {
+    return openCancellableProgressBox(this, {"AnalysisProgressDlg", text, "Stop"}, pump_);
+}
+
 void VeloCortivo::applyWindowSize() {
     frame_.applySize();
     // In the small window the seven lines after a run need all of the panel.

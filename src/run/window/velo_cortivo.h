@@ -70,6 +70,8 @@ public:
     void updateViews() override { viewPanel_->update(keys_.controlKeepsFocus()); }
     [[nodiscard]] std::unique_ptr<ProgressReporter> openSavingProgress() override;
     [[nodiscard]] std::unique_ptr<ProgressReporter> openModelProgress(const QString& text) override;
+    [[nodiscard]] std::unique_ptr<ProgressReporter>
+    openAnalysisProgress(const QString& text) override;
     void showInputControls(const InputControls& controls) override;
     void showTitle(const QString& title) override;
     void paintNow() override { repaint(); }

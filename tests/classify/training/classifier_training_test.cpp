@@ -1,2 +1,409 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <gtest/gtest.h>
+#include "classify/pattern_file.h"
+#include "classify/training/machine_training.h"
+#include "classify/training/mean_response.h"
+#include "classify/training/pattern_creation.h"
+#include "classify/training/training_fixture.h"
+#include "classify/training/training_reports.h"
+#include "classify/trial_settings_file.h"
+#include "classify/voxels_file.h"
+
+namespace {
+
+class ClassifierTrainingTest : public TrainingFixture {
+protected:
+    void estimateTwoRuns() {
+        training.addRuns({writeRun("one"), writeRun("two")});
+        training.options.estimate = TrialEstimate::Beta;
+        ASSERT_TRUE(training.estimateTrials());
+    }
+    void makePatternsOfTwoRuns() {
+        estimateTwoRuns();
+        loadRegion();
+        ASSERT_TRUE(training.createPatterns());
+    }
+    /// A file of patterns with a feature that is the label, and one of noise.
+    QString writePatterns(const std::vector<double>& labels, const QString& name = "x.mvp") {
+        PatternSet patterns;
+        patterns.nrOfFeatures = 2;
+        for (const double label : labels)
+            patterns.append(label, std::vector<double>{label, double(patterns.count() % 3)});
+        EXPECT_TRUE(writePatternFile(path(name), patterns, PatternFileForm::Binary));
+        training.choosePatterns(path(name));
+        return path(name);
+    }
+    [[nodiscard]] bool hasLogged(const QString& text) const {
+        return logged.contains(text) || (ADD_FAILURE() << logged.toStdString(), false);
+    }
+};
+
+} // namespace
+
+TEST_F(ClassifierTrainingTest, RunsBecomeTrialsPatternsAMachineAndMaps) {
+    training.addRuns({writeRun("one"), writeRun("two"), path("one.fmr")});
+    EXPECT_EQ(training.runs().size(), 2);
+    EXPECT_EQ(training.conditions(), QStringList({"Fixation", "Faces", "Houses", "Tools"}));
+    EXPECT_EQ(training.selectedConditions(), QStringList({"Faces", "Houses", "Tools"}));
+    training.options.estimate = TrialEstimate::Beta;
+    ASSERT_TRUE(training.estimateTrials());
+    EXPECT_EQ(parseTrialSettings(content("SingleTrialGLMSettings.txt")), training.options);
+
+    TrialMaps maps;
+    ASSERT_TRUE(readTrialMaps(path("two_Trials.fmp"), maps));
+    ASSERT_EQ(maps.names.join(' '), "Faces_Trial-1 Faces_Trial-2 Faces_Trial-3 Houses_Trial-1 "
+                                    "Houses_Trial-2 Houses_Trial-3 Tools_Trial-1 Tools_Trial-2 "
+                                    "Tools_Trial-3");
+    // Each pair of voxels responds to its own condition, with a beta of 100.
+    for (int map = 0; map < 8; ++map)
+        for (size_t voxel = size_t(map / 3) * 2; voxel < size_t(map / 3) * 2 + 2; ++voxel)
+            EXPECT_NEAR(maps.map(map)[regionVoxels().offset(voxel, trainingSize)], 100.0, 6.0);
+    EXPECT_EQ(training.classes(),
+              (std::vector<TrialClass>{{"Faces", 6}, {"Houses", 6}, {"Tools", 6}}));
+    EXPECT_EQ(training.choices.class2, "Houses");
+
+    loadRegion();
+    ASSERT_TRUE(training.createPatterns());
+    EXPECT_TRUE(hasLogged("No. of all training data trials per class: Faces - 6, Houses - 6\n"));
+    EXPECT_EQ(training.patternPath(), path("Train_ROI 1_Faces-Houses_6-6.mvp"));
+    EXPECT_EQ(parseVoxels(content(voxelsFileName)), regionVoxels());
+    EXPECT_EQ(filesNamed("*.roi"), QStringList({voxelsRegionFileName}));
+    PatternSet patterns;
+    ASSERT_TRUE(training.readPatterns(patterns));
+    EXPECT_EQ(patterns.labels, (std::vector<double>{1, 1, 1, -1, -1, -1, 1, 1, 1, -1, -1, -1}));
+    EXPECT_EQ(patterns.runs, (std::vector<int>{0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1}));
+    EXPECT_EQ(float(patterns.features(7)[3]), maps.map(1)[regionVoxels().offset(3, trainingSize)]);
+
+    training.choices.crossValidates = true;
+    training.choices.folds.folds = FoldKind::ByRun;
+    training.choices.scaling.mode = ScalingMode::Standardize;
+    logged.clear();
+    hooks.clear();
+    ASSERT_TRUE(training.train());
+    EXPECT_TRUE(logged.startsWith("Features have been standardized (mean = 0, s = 1\n"));
+    EXPECT_TRUE(hasLogged("2-fold cross validation accuracy: 100%\n\nRunning SVM with C=1 and "
+                          "linear kernel\n"));
+    EXPECT_TRUE(hasLogged("SVM training result - value of b: "));
+    EXPECT_TRUE(hasLogged("Accuracy (full training set): 100%\n"));
+    EXPECT_EQ(training.modelPath(), path("Model_ROI 1_Faces-Houses_6-6.svm"));
+    EXPECT_EQ(hooks, QStringList({"maps"}));
+    QtCortivoDoc& document = *training.document();
+    EXPECT_EQ(document.contrasts.ContrastNames, QStringList({"SVM Weights"}));
+    EXPECT_EQ(document.contrasts.ContrastColors[0], (RgbColor{255, 0, 0}));
+    EXPECT_EQ(document.maps.states, std::vector<int>{3});
+    const auto weight = [&](size_t voxel) {
+        return document.maps.map(0)[regionVoxels().offset(voxel, trainingSize)];
+    };
+    EXPECT_GT(weight(0), 0.1f); // speaks for faces
+    EXPECT_LT(weight(2), -0.1f);
+    EXPECT_EQ(document.maps.map(0)[0], 0.0f);
+    float largest = 0.0f;
+    for (size_t voxel = 0; voxel < 6; ++voxel)
+        largest = std::max(largest, std::fabs(weight(voxel)));
+    EXPECT_EQ(training.thresholds, (OverlayThresholds{0.01f, largest, 1}));
+    const double output = training.predictions().predictions[5].output;
+    EXPECT_EQ(document.slices.SlicePixmaps.size(), 3u);
+
+    // The scaling comes back with the model, whatever is chosen meanwhile.
+    training.choices.trainingPatterns = false;
+    ASSERT_TRUE(training.createPatterns());
+    EXPECT_EQ(filesNamed("Test*.mvp"), QStringList({"Test_ROI 1_Faces-Houses_6-6.mvp"}));
+    training.choices.scaling = {};
+    ASSERT_TRUE(training.chooseModel(training.modelPath()));
+    logged.clear();
+    ASSERT_TRUE(training.test());
+    EXPECT_TRUE(hasLogged("Features have been standardized"));
+    EXPECT_TRUE(hasLogged("Test data - prediction accuracy (assuming labels are known): 100%\n"));
+    EXPECT_NEAR(training.predictions().predictions[5].output, output, 1e-6); // libsvm rounds
+    EXPECT_EQ(training.predictions().confusion, (std::vector<int>{6, 0, 0, 6}));
+}
+
+TEST_F(ClassifierTrainingTest, SeveralClassesHaveAMapEachOfWhichOneCanBeSeenAlone) {
+    training.choices.multiClass = true;
+    training.choices.crossValidates = training.choices.searchLinear = true;
+    training.choices.folds.nrOfFolds = 3;
+    makePatternsOfTwoRuns();
+    ASSERT_TRUE(training.train());
+    EXPECT_EQ(logged.count("Testing parameter C="), 40);
+    EXPECT_TRUE(hasLogged("Testing parameter C=0.00673795 with 3-fold cross validation - "
+                          "Accuracy: 100%\n"));
+    EXPECT_TRUE(hasLogged("Setting C to value resulting in best generalization performance: "
+                          "C=0.00673795\n"));
+    EXPECT_NEAR(training.choices.svm.C, std::exp(-5.0), 1e-12);
+    EXPECT_TRUE(hasLogged("SVM training result - values of b's: "));
+    const QStringList names{"SVM Pref Weights, Class 1", "SVM Pref Weights, Class 2",
+                            "SVM Pref Weights, Class 3"};
+    EXPECT_EQ(training.mapNames(), names);
+    EXPECT_EQ(training.document()->maps.NrOfShownMaps, 3);
+    const size_t ofTools = regionVoxels().offset(4, trainingSize);
+    const float weight = training.document()->maps.map(2)[ofTools];
+    EXPECT_GT(weight, training.document()->maps.map(0)[ofTools]);
+    training.selectMap(2);
+    EXPECT_EQ(training.document()->maps.NrOfShownMaps, 1);
+    EXPECT_EQ(training.document()->maps.map(0)[ofTools], weight);
+    EXPECT_EQ(training.document()->contrasts.ContrastColors[0], (RgbColor{0, 0, 255}));
+    training.selectMap(3); // none
+    training.estimateTrials();
+    EXPECT_TRUE(training.mapNames().isEmpty());
+    EXPECT_EQ(hooks.last(), "leaving");
+}
+
+TEST_F(ClassifierTrainingTest, WithoutARunTheWeightsAreNotShown) {
+    writePatterns({1, -1, 1, -1, 1, -1}, "Learn_a_b.c.mvp");
+    training.choices.svm.kernel = SVMKernel::RBF;
+    ASSERT_TRUE(training.train());
+    EXPECT_TRUE(hasLogged("Running SVM with C=1 and RBF (radial basis function) kernel\n"));
+    EXPECT_EQ(training.modelPath(), path("Model_a_b.c.svm"));
+    EXPECT_TRUE(hasLogged("the weights are not shown as maps."));
+    EXPECT_EQ(training.document(), nullptr);
+
+    training.addRuns({writeRun("one")});
+    put(voxelsFileName, voxelsText(regionVoxels()));
+    ASSERT_TRUE(training.train());
+    EXPECT_TRUE(hasLogged("Expected 6 ROI voxels, but 2 SVM features found"));
+    EXPECT_TRUE(training.mapNames().isEmpty());
+
+    logged.clear();
+    training.choices.nrOfPermutations = 20;
+    training.choices.folds.nrOfFolds = 3;
+    ASSERT_TRUE(training.testByPermutations());
+    EXPECT_TRUE(hasLogged("Cross-validated accuracy: 100%\np = "));
+    EXPECT_TRUE(hasLogged(" of 20 shufflings were at least as accurate\n"));
+    EXPECT_LT(training.permutationTest().p(), 0.5);
+}
+
+TEST_F(ClassifierTrainingTest, WhatCanNotBeDoneIsSaid) {
+    struct Case {
+        std::function<void()> prepare;
+        QString message;
+        bool (ClassifierTraining::*operation)();
+    };
+    training.addRuns({writeRun("one")});
+    training.options.estimate = TrialEstimate::Beta;
+    ASSERT_TRUE(training.estimateTrials());
+    const QString run = path("one.fmr");
+    const QStringList all = training.selectedConditions();
+    const auto runOf = [&](const QString& protocol) {
+        return [this, protocol] {
+            training.clearRuns();
+            training.addRuns({writeRun("other", protocol)});
+            training.selectConditions({"Faces", "Houses"});
+        };
+    };
+    const auto estimate = &ClassifierTraining::estimateTrials;
+    const auto create = &ClassifierTraining::createPatterns;
+    const auto train = &ClassifierTraining::train;
+    const auto test = &ClassifierTraining::test;
+    const auto chance = &ClassifierTraining::testByPermutations;
+    const QString protocol = trainingProtocol();
+    const std::vector<Case> cases = {
+        {[&] { training.clearRuns(); }, "No time course data available*", estimate},
+        {[&] { training.addRuns({run}), training.selectConditions({}); },
+         "No condition selected; you must*", &ClassifierTraining::suggestWindow},
+        {[&] {
+             training.selectConditions({"Faces", "Dogs"});
+         },
+         "At least one protocol does not contain all selected conditions!", estimate},
+        {runOf(QString(protocol).replace("Time: Volumes", "Time: msec")),
+         "At present, protocols must have \"volume\" resolution.\n\nYou may convert the "
+         "resolution of protocol \"other.prt\" from*",
+         estimate},
+        {runOf(QString(protocol).replace("45 46", "46 45")), "The protocol of \"other.fmr\" has a*",
+         estimate},
+        {runOf(QString(protocol).replace("45 46", "45 2147483647")), "The protocol of*", estimate},
+        {[&] { QFile::remove(path("other.prt")); }, "At least one protocol not found for checks",
+         estimate},
+        {[&] {
+             runOf(protocol)();
+             training.options.postOnset = 57; // 60 points of 60 volumes
+         },
+         "Can not estimate all trials!\n\nNot enough data points*", estimate},
+        {[&] {
+             training.options.postOnset = 5;
+             training.options.response = TrialResponse::MeanResponse;
+             training.options.intensityLimit = 30000; // no voxel
+             loadRegion({8, 8, 2});                   // of another run
+         },
+         "The mean response to the trials of \"other.fmr\" is flat*", estimate},
+        {[&] { training.options = {}, session.functionalDocument.reset(); },
+         "You must specify/load ROIs before*", create},
+        {[&] { loadRegion(), training.choices.region = 1; },
+         "No ROI selected for SVM data creation", create},
+        {[&] { training.choices.region = 0, training.choices.class2 = "Faces"; },
+         "Can not continue - two conditions do not differ!\n\nYou must*", create},
+        {[&] { training.choices.class2 = "Dogs"; },
+         "FMP file \"one_Trials.fmp\" does not contain selected conditions!\n\nCan not continue!",
+         create},
+        {[&] {
+             training.choices.class2 = "Tools", loadRegion({8, 8, 4});
+         },
+         "The maps of \"one_Trials.fmp\" have another size*", create},
+        {[&] { training.clearTrialFiles(); }, "No trial data files available!*", create},
+        {[&] {}, "No patterns available!*", chance},
+        {[&] {}, "No model file available!\n\nFirst train or load a SVM classifier.", test},
+        {[&] {
+             writePatterns({1, 1, 1});
+         },
+         "All exemplars are of one class*", train},
+        {[&] {
+             writePatterns({1, 0.5});
+         },
+         "The patterns have labels that*", train},
+        {[&] {
+             writePatterns({1, -1}), training.choices.svm.C = 0.0;
+         },
+         "C must be*", train},
+        {[&] { training.choices.svm.C = 1.0, training.choices.folds.nrOfFolds = 1; },
+         "Cross-validation needs at least 2 folds.", chance},
+    };
+    for (const Case& each : cases) {
+        each.prepare();
+        messages.expectWarning(each.message);
+        EXPECT_FALSE((training.*each.operation)()) << each.message.toStdString();
+        EXPECT_EQ(messages.shown().size(), &each - cases.data() + 1) << each.message.toStdString();
+    }
+    EXPECT_EQ(filesNamed("*.fmp *.svm *.mvp"), QStringList());
+    EXPECT_TRUE(filesNamed("other_Trials.fmp").isEmpty());
+}
+
+TEST_F(ClassifierTrainingTest, OneConditionIsAskedAbout) {
+    training.addRuns({writeRun("one", trainingProtocol().replace("45 46", "60 61"))});
+    training.selectConditions({"Faces"});
+    training.options.preOnset = 0;
+    training.options.postOnset = 1;
+    training.options.zNormalization = true;
+    training.options.estimate = TrialEstimate::Beta;
+    training.options.intensityLimit = 1003; // which some voxels of the first volume reach
+    const QString question = "You have selected only 1 condition.\n\nYou may run single-trial "
+                             "analysis, but you need to select at least 2 conditions to perform "
+                             "classifier training.\n\nDo you want to coninue?";
+    messages.expectQuestion(question, false);
+    messages.expectInformation(
+        "For classifier training, you need to select at least two conditions.");
+    EXPECT_FALSE(training.estimateTrials());
+    messages.expectQuestion(question, true);
+    EXPECT_TRUE(training.estimateTrials());
+    EXPECT_EQ(logged.count("z normalization skipped - less than 3 data points\n"), 3);
+    EXPECT_EQ(logged.count("Trial 3 of \"Faces\" begins behind the last volume"), 1);
+    TrialMaps maps;
+    ASSERT_TRUE(readTrialMaps(path("one_Trials.fmp"), maps));
+    for (size_t i = 0; i < trainingSize.samples(); ++i)
+        EXPECT_TRUE(maps.map(0)[i] == 0.0f || scriptedSample(i + 3, 0) % 5 >= 3) << i;
+    EXPECT_NE(*std::max_element(maps.map(0).begin(), maps.map(0).end()), 0.0f);
+    messages.expectWarning("Not enough conditions!*");
+    EXPECT_FALSE(training.addTrialFiles({path("one_Trials.fmp")}));
+}
+
+TEST_F(ClassifierTrainingTest, TheWindowFollowsTheSmallestDistanceOfTrials) {
+    training.addRuns({writeRun("one")});
+    training.selectConditions({"Faces", "Houses"});
+    ASSERT_TRUE(training.suggestWindow());
+    EXPECT_EQ(training.options.postOnset, 51 - 45 - 2 - 1);
+    EXPECT_TRUE(hasLogged("Interval: 10  Frequency: 4"));
+}
+
+TEST_F(ClassifierTrainingTest, WhatIsStoppedHasWrittenNothing) {
+    makePatternsOfTwoRuns();
+    const QStringList before = filesNamed("*");
+    const PatternSet none;
+    display.modelCancelled = true;
+    training.choices.trainingPatterns = false;
+    training.options.preOnset = 1;
+    for (const auto operation :
+         {&ClassifierTraining::estimateTrials, &ClassifierTraining::createPatterns,
+          &ClassifierTraining::train, &ClassifierTraining::testByPermutations})
+        EXPECT_FALSE((training.*operation)());
+    EXPECT_EQ(filesNamed("*"), before);
+    EXPECT_NE(parseTrialSettings(content(trialSettingsFileName)), training.options);
+    EXPECT_TRUE(training.modelPath().isEmpty());
+    EXPECT_TRUE(hasLogged("The training was stopped.\n"));
+
+    // Nothing begins while something else goes on.
+    display.modelCancelled = false;
+    int refusals = 0;
+    display.whileModelling = [&] {
+        if (refusals++ > 0)
+            return;
+        messages.expectInformation("This has to wait until the run has ended and is saved.");
+        EXPECT_FALSE(training.test());
+    };
+    EXPECT_TRUE(training.train());
+    EXPECT_GT(refusals, 0);
+}
+
+TEST_F(ClassifierTrainingTest, FilesThatCanNotBeWrittenLeaveTheOthersAsTheyWere) {
+    makePatternsOfTwoRuns();
+    const QByteArray voxels = content(voxelsFileName);
+    session.functionalDocument->regions[0].voxels.append(0, 0, 0);
+    QDir().mkdir(path("Test_ROI 1_Faces-Houses_6-6.mvp"));
+    training.choices.trainingPatterns = false;
+    messages.expectCritical("Unable to open multi-voxel pattern file for writing!");
+    EXPECT_FALSE(training.createPatterns());
+    EXPECT_EQ(content(voxelsFileName), voxels);
+
+    const QString model = path("Model_ROI 1_Faces-Houses_6-6.svm");
+    QDir().mkdir(model);
+    messages.expectCritical("Unable to write the model: *");
+    EXPECT_FALSE(training.train());
+    EXPECT_FALSE(QFile::exists(scalingPath(model)));
+    EXPECT_TRUE(training.modelPath().isEmpty());
+
+    const QByteArray settings = content(trialSettingsFileName);
+    QFile::remove(path("one_Trials.fmp"));
+    QDir().mkdir(path("one_Trials.fmp"));
+    training.options.preOnset = 1;
+    messages.expectCritical("Can not open specified file for saving map data !");
+    EXPECT_FALSE(training.estimateTrials());
+    EXPECT_EQ(content(trialSettingsFileName), settings);
+}
+
+TEST_F(ClassifierTrainingTest, AModelMustFitThePatterns) {
+    writePatterns({1, -1, 1, -1});
+    training.choices.scaling.mode = ScalingMode::Range;
+    ASSERT_TRUE(training.train());
+    loadRegion();
+    training.addRuns({writeRun("one")});
+    ASSERT_TRUE(training.estimateTrials());
+    ASSERT_TRUE(training.createPatterns());
+    messages.expectWarning("Classifier does not fit to test data!");
+    EXPECT_FALSE(training.test());
+    EXPECT_TRUE(hasLogged("Expected 6 ROI voxels, but 2 SVM features found"));
+    put("Model_x_scaling.txt", "FileVersion: 1\n");
+    messages.expectCritical("The scaling of the model is damaged: *");
+    EXPECT_FALSE(training.chooseModel(path("Model_x.svm")));
+    QFile::remove(path("Model_x.svm"));
+    for (const auto& operation : {std::function([&] { return training.test(); }),
+                                  std::function([&] { return training.chooseModel("x"); })}) {
+        messages.expectWarning("Can not find specified model file");
+        EXPECT_FALSE(operation());
+    }
+    EXPECT_TRUE((training.choosePatterns(""), !training.train())); // without a message
+}
+
+TEST(MeanResponseTest, IsTheMeanOfTheWindowsFromTheirFirstPointOn) {
+    TrialOptions options;
+    options.preOnset = 1;
+    options.postOnset = 2;
+    const std::vector<Trial> trials = {{"A", 1, 2, 3}, {"B", 1, 5, 6}, {"A", 2, 0, 4}};
+    // Windows 1 to 4 and 4 to 7, whose last point repeats the one before; mean 2, 4, 7, 6.
+    const std::vector<double> curve = {0, 1, 3, 5, 3, 5, 9};
+    EXPECT_EQ(measuredResponse(curve, trials, 1, options),
+              (std::vector<double>{0.0, 0.4, 1.0, 0.8}));
+    EXPECT_TRUE(measuredResponse(std::vector<double>(7, 3.0), trials, 1, options).empty());
+
+    RunVolumes volumes;
+    ASSERT_TRUE(volumes.allocate(2, 3));
+    const std::vector<int16_t> samples = {1, 5, 9};
+    std::copy(samples.begin(), samples.end(), volumes[0].begin());
+    volumes[1][1] = 4;
+    Reporter quiet;
+    EXPECT_EQ(meanCurve(volumes, {}, 5, quiet), (std::vector<double>{7.0, 2.0}));
+    EXPECT_EQ(meanCurve(volumes, {0, 1}, 5, quiet), (std::vector<double>{3.0, 2.0}));
+}
+
+TEST(TrainingNamesTest, FilesAreNamedAfterWhatIsInThem) {
+    EXPECT_EQ(patternFileName(true, "ROI 1-2", {"a/b", "c", "d"}, {3, 4, 5}),
+              "Train_ROI 1_2_a_b-c-d_3-4-5.mvp");
+    EXPECT_EQ(modelPathOf("/d.e/Train_ROI 1_A-B_3-3.mvp"), "/d.e/Model_ROI 1_A-B_3-3.svm");
+    EXPECT_EQ(modelPathOf("Test_x_y.mvp"), "Model_Test_x_y.svm");
+    EXPECT_EQ(modelPathOf("Training.mvp"), "Model_Training.svm");
+}

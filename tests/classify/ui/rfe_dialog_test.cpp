@@ -1,2 +1,121 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <gtest/gtest.h>
+#include "classify/ui/rfe_dialog.h"
+
+#include "classify/classify_data.h"
+#include "classify/pattern_file.h"
+#include "display/plots/plot_2d_dialog.h"
+#include "display/plots/plotter.h"
+#include "regions/roi_file.h"
+#include "run/loop/session_fixture.h"
+#include "support/dialog_checks.h"
+
+#include <QAbstractButton>
+#include <QGroupBox>
+#include <QPlainTextEdit>
+#include <QSpinBox>
+
+namespace {
+
+class RFEDialog : public SessionFixture {
+protected:
+    RFEDialog() {
+        openRFEDialog(session, window_);
+        dialog_ = window_.findChild<RFEDlg*>();
+    }
+    template<typename Widget> Widget& control(const char* name) {
+        auto* widget = dialog_->findChild<Widget*>(name);
+        EXPECT_NE(widget, nullptr) << name;
+        return *widget;
+    }
+    void click(const char* name) { control<QAbstractButton>(name).click(); }
+    void set(const char* name, int value) { control<QSpinBox>(name).setValue(value); }
+    void set(const char* name, double value) { control<QDoubleSpinBox>(name).setValue(value); }
+    QString text(const char* name) { return control<QLineEdit>(name).text(); }
+    /// Writes files of 40 features and chooses them.
+    void chooseFiles() {
+        const PatternSet patterns =
+            plantedPatterns({.trials = 20, .features = 40, .strength = 1.0});
+        ASSERT_TRUE(writePatternFile(path("Train.mvp"), patterns, PatternFileForm::Binary));
+        Regions regions;
+        VoxelList& voxels = regions.add({}).voxels;
+        for (int i = 0; i < patterns.nrOfFeatures; ++i)
+            voxels.append(i, 1, 1);
+        ASSERT_TRUE(writeROIFile(path("my.roi"), regions, {}));
+        messages.expectFileChoice("Select MVP File", path("Train.mvp"));
+        click("SelectTrainingDataBtn");
+        messages.expectFileChoice("Open ROI File", path("my.roi"));
+        click("SelectROIFileBtn");
+    }
+
+    QWidget window_;
+    RFEDlg* dialog_ = nullptr;
+};
+
+} // namespace
+
+TEST_F(RFEDialog, ExplainsItselfAndOpensOnce) {
+    expectExplained(*dialog_);
+    EXPECT_EQ(dialog_->windowTitle(), "Recursive Feature Elimination");
+    EXPECT_FALSE(dialog_->isModal());
+    openRFEDialog(session, window_);
+    EXPECT_EQ(window_.findChildren<RFEDlg*>().size(), 1);
+    EXPECT_EQ(dialog_->options(), EliminationOptions());
+}
+
+TEST_F(RFEDialog, ShowsTheNumbersThatFollowFromTheChoices) {
+    EXPECT_EQ(text("NrOfSplitsEd"), "16");
+    EXPECT_EQ(text("FinalNrOfVoxelsEd"), QString());
+    chooseFiles();
+    EXPECT_EQ(text("VoxelsByLevelEd"), "40, 35, 31, 27, 24, ..., 12");
+    set("FirstLevelFoldsSpBx", 5);
+    set("SecondLevelFoldsSpBx", 3);
+    EXPECT_EQ(text("NrOfSplitsEd"), "15");
+    set("EliminationStepsSpBx", 2);
+    set("RFEPercentSpBx", 25.0);
+    EXPECT_EQ(text("VoxelsByLevelEd"), "40, 20, 10");
+    control<QGroupBox>("UnivariateFeatureSelectionOp").setChecked(true);
+    set("UnivariatePercentSpBx", 10.0);
+    EXPECT_EQ(text("FinalNrOfVoxelsEd"), "1");
+    EXPECT_FALSE(control<QWidget>("SmoothingFWHMSpBx").isEnabled());
+    click("SmoothRankingOp");
+    set("SmoothingFWHMSpBx", 3.5);
+    click("UnivariateMeansOnlyOp");
+    set("SeedSpBx", 7);
+    const EliminationOptions expected{.firstLevelFolds = 5,
+                                      .secondLevelFolds = 3,
+                                      .steps = 2,
+                                      .finalPercent = 25.0,
+                                      .smoothRanking = true,
+                                      .smoothingFWHM = 3.5,
+                                      .univariateSelection = true,
+                                      .univariatePercent = 10.0,
+                                      .univariateMeansOnly = true,
+                                      .svm = {},
+                                      .seed = 7};
+    EXPECT_EQ(dialog_->options(), expected);
+}
+
+TEST_F(RFEDialog, EliminatesAndPlots) {
+    messages.expectWarning("MVP file with training data not found!*");
+    click("StartRFEBtn");
+    chooseFiles();
+    set("EliminationStepsSpBx", 2);
+    click("StartRFEBtn");
+    const QString log = control<QPlainTextEdit>("LogTxEd").toPlainText();
+    EXPECT_TRUE(log.contains("   RFE level 1- Voxels reduced from N_prev=22 to N=12"));
+    EXPECT_TRUE(log.contains("    2      12"));
+    EXPECT_TRUE(QFile::exists(path("my_RFE-2_V-12.vom")));
+    auto& plot = control<Plot2DDlg>("RFEPlotDlg");
+    EXPECT_EQ(plot.windowTitle(), "Generalization Results for Initial Voxel Set and 2 RFE Levels");
+    const PlotContent& content = plot.plotter().content();
+    EXPECT_EQ(content.xRange, (PlotRange{-1.0, 3.0}));
+    EXPECT_EQ(content.yRange, (PlotRange{0.0, 110.0}));
+    ASSERT_EQ(content.curves.size(), 1u);
+    EXPECT_EQ(content.curves[0].values.size(), 3u);
+    ASSERT_EQ(content.lines.size(), 1u);
+    EXPECT_EQ(content.lines[0].at, 50.0);
+    if (const QString pictures = qEnvironmentVariable("VELO_PICTURES"); !pictures.isEmpty()) {
+        dialog_->grab().save(pictures + "/rfe.png");
+        plot.grab().save(pictures + "/rfe_plot.png");
+    }
+}

@@ -47,6 +47,9 @@ public:
     void updateViews() override { calls << "views"; }
     std::unique_ptr<ProgressReporter> openSavingProgress() override;
     std::unique_ptr<ProgressReporter> openModelProgress(const QString& text) override;
+    std::unique_ptr<ProgressReporter> openAnalysisProgress(const QString& text) override {
+        return openModelProgress(text);
+    }
 };
 
 /// Listens to a run and does what a test says.

@@ -19,6 +19,10 @@ protected:
 
 TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
     Reporter silent;
+    put("results/VoxelsUsedForTraining.txt", "FileVersion:   1\n\nNrOfVoxels: 1\n\n1 1 1\n");
+    put("one.svm", "svm_type c_svc\nkernel_type linear\nnr_class 2\ntotal_sv 2\nrho 0\n"
+                   "label 1 -1\nnr_sv 1 1\nSV\n1 1:1\n-1 1:-1\n");
+    session.classifier.chooseModel(path("one.svm"));
     const auto starts = [this] { return display.calls.count("starting"); };
     // Does it, and tells whether anything came of it; and where something does.
     const std::tuple<const char*, std::function<bool()>, std::set<Phase>> operations[] = {
@@ -59,6 +63,16 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
                     session.changeOneSidedTesting(false);
          },
          {Phase::Idle}},
+        {"prediction by a classifier",
+         [&] {
+             session.classifier.toggleIncrementalPrediction();
+             const bool on = session.classifier.isPredicting();
+             if (on)
+                 session.classifier.toggleIncrementalPrediction();
+             return on && !session.classifier.isPredicting();
+         },
+         {Phase::Idle, Phase::Preparing, Phase::Recording, Phase::Saving, Phase::Reloading,
+          Phase::PostProcessing, Phase::Analysing}},
         {"active for plug-ins", [&] { return session.phase.runActive(); }, {Phase::Recording}},
         {"warnings wait for nobody",
          [&] { return session.messagesAreModeless(MessageLevel::Warning); },

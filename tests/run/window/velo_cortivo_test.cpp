@@ -128,6 +128,7 @@ TEST_F(MainWindow, MenusFollowThePhase) {
         "Show ROIs With Rectangles And Highlighted Voxels*|Show ROI Time Courses Container|";
     const QString lastViews = "Display Detrended ROI Time Courses|Show Motion Plot|Show Response "
                               "Plot|Switch Window Size";
+    const QString training = "SVM Training...|RFE Training...|Real-Time SVM Classification...|";
     const auto expectMenus = [this](const QString& file, const QString& analysis,
                                     const QString& view) {
         EXPECT_EQ(enabledEntries("&File").join('|').toStdString(), file.toStdString());
@@ -135,12 +136,12 @@ TEST_F(MainWindow, MenusFollowThePhase) {
         EXPECT_EQ(enabledEntries("&View").join('|').toStdString(), view.toStdString());
     };
     expectMenus("Set New VCO File...|Recover Run...|Replay Run...|Close|Exit",
-                "Epoch-Based Averaging*|Neurofeedback... |" + logs, overlay + views + lastViews);
+                "Epoch-Based Averaging*|" + training + "Neurofeedback... |" + logs,
+                overlay + views + lastViews);
     prepare(1, Phase::Recording);
     expectMenus("Save View As BMP...|Close|Exit",
-                "Colors Code Significance|Colors Code Contrasts*|Epoch-Based Averaging*|"
-                "Neurofeedback... |" +
-                    logs,
+                "Colors Code Significance|Colors Code Contrasts*|Epoch-Based Averaging*|" +
+                    training + "Neurofeedback... |" + logs,
                 "Multi-Slice View|" + overlay + views + lastViews);
     document().project.NrOfVolumes = 3;
     ASSERT_TRUE(document().project.allocateVolumes());
@@ -157,9 +158,11 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     runOver();
     expectMenus("Set New VCO File...|Recover Run...|Replay Run...|Save View As BMP...|Close|Exit",
                 "Colors Code Significance*|Colors Code Contrasts|Epoch-Based "
-                "Averaging|Post-Processing...|Neurofeedback... |Load ROIs...|Save ROIs...|Log ROI "
-                "Time Point Files "
-                "(RTPs)|Log ROI Time Courses (ERT)*|Log ROI Betas (BTC)",
+                "Averaging|" +
+                    training +
+                    "Post-Processing...|Neurofeedback... |Load ROIs...|Save ROIs...|Log ROI "
+                    "Time Point Files "
+                    "(RTPs)|Log ROI Time Courses (ERT)*|Log ROI Betas (BTC)",
                 "Multi-Slice View|Overlay On First Func Volume|Overlay On Current Func "
                 "Volume*|Overlay On Inplanes|Current Func Volume Before Preprocessing*|Show ROIs "
                 "With Rectangles|Show ROIs With Highlighted "

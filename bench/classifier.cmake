@@ -1,0 +1,1 @@
+velo_program(bench_classifier SOURCES bench_classifier.cpp USES classify)

@@ -1,0 +1,36 @@
+// What a training leaves beside its run, for the classifier of later runs.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "classify/svm_library.h"
+#include "classify/trial_options.h"
+#include "regions/region_of_interest.h"
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+struct TrainingFiles {
+    QString folder;                       ///< that they were read from
+    QString settingsText;                 ///< as it is in the file; empty without one
+    std::optional<TrialOptions> settings; ///< of the estimation
+    QString voxelsPath;
+    std::optional<VoxelList> voxels; ///< in the order of the features
+};
+/// Reads them, as far as they are there and whole, from the first of the folders that has a list of
+/// voxels; where none has, from the first one. They belong together, so they come from one folder.
+[[nodiscard]] TrainingFiles readTrainingFiles(const QStringList& folders);
+
+/// The voxels in a file; nothing when there are none.
+[[nodiscard]] std::optional<VoxelList> readVoxels(const QString& path);
+
+/// What makes the classifier fit a run badly, in sentences for the operator.
+struct ClassifierUse {
+    QString modelPath;
+    const SVMModel& model;
+    const VoxelList& voxels;
+    int intensityLimit = 0;
+    std::optional<VolumeSize> size{}; ///< of the run, where it is known
+    bool protocolInVolumes = true;
+};
+[[nodiscard]] QStringList misgivings(const ClassifierUse& use);
