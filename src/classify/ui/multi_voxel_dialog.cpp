@@ -326,5 +326,5 @@ void openMultiVoxelPatternDialog(RunSession& session, QWidget& window) {
     if (!dialog)
         dialog = new MultiVoxelPatternClassificationDlg(session, window);
     dialog->refreshControls();
-    showInFront(*dialog);
+    showBeside(*dialog);
 }
