@@ -126,13 +126,16 @@ void ClassifierTraining::showRun(int row) {
     display_.refreshControls();
 }
 
-bool ClassifierTraining::readProtocols(std::vector<StimulationProtocol>& protocols) const {
+bool ClassifierTraining::hasRunsAndConditions() const {
     if (runs_.isEmpty())
         return fail("No time course data available as input!\n\nAdd functional data sets and then "
                     "try again.");
-    if (selectedConditions_.isEmpty())
-        return fail("No condition selected; you must select at least one condition in the "
-                    "protocol condition list in order to run single-trial analysis.");
+    return !selectedConditions_.isEmpty() ||
+           fail("No condition selected; you must select at least one condition in the "
+                "protocol condition list in order to run single-trial analysis.");
+}
+
+bool ClassifierTraining::readProtocols(std::vector<StimulationProtocol>& protocols) const {
     const QStringList conditions = selectedConditions_;
     for (const QString& run : QStringList(runs_)) {
         StimulationProtocol protocol;
@@ -145,7 +148,7 @@ bool ClassifierTraining::readProtocols(std::vector<StimulationProtocol>& protoco
 
 bool ClassifierTraining::suggestWindow() {
     std::vector<StimulationProtocol> protocols;
-    if (!readProtocols(protocols))
+    if (!hasRunsAndConditions() || !readProtocols(protocols))
         return false;
     IntervalHistogram histogram;
     for (const StimulationProtocol& protocol : protocols)
@@ -158,8 +161,10 @@ bool ClassifierTraining::suggestWindow() {
 }
 
 bool ClassifierTraining::estimateTrials() {
+    if (!isIdle() || !hasRunsAndConditions() || !wantsToGoOn(selectedConditions_.size()))
+        return false;
     EstimationPlan plan{runs_, {}, selectedConditions_, options, {}, {}};
-    if (!isIdle() || !readProtocols(plan.protocols) || !wantsToGoOn(plan.conditions.size()))
+    if (!readProtocols(plan.protocols))
         return false;
     if (const RegionOfInterest* region = chosenRegion()) {
         plan.region = region->voxels;

@@ -113,6 +113,8 @@ private:
     [[nodiscard]] bool isIdle();
     [[nodiscard]] const RegionOfInterest* chosenRegion() const;
     void listConditions(const StimulationProtocol& protocol);
+    /// There is something to estimate. False after a message.
+    [[nodiscard]] bool hasRunsAndConditions() const;
     /// The protocols of all runs, checked. False after a message.
     [[nodiscard]] bool readProtocols(std::vector<StimulationProtocol>& protocols) const;
     void addTrialFile(const QString& path, const std::vector<TrialClass>& classes);

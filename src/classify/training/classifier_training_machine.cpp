@@ -81,7 +81,8 @@ bool ClassifierTraining::train() {
         return false;
     modelPath_ = modelPathOf(source);
     scaling_ = scaling;
-    choices.svm.C = machine.options.C;
+    if (machine.options.C != chosen.svm.C) // of a search
+        choices.svm.C = machine.options.C;
     predictions_ = std::move(machine.predictions);
     display_.log(constantsReport(svmConstants(machine.model)));
     display_.log(trainingPredictions(predictions_));

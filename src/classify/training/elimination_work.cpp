@@ -5,6 +5,7 @@
 #include "base/paths.h"
 #include "base/plain_file.h"
 #include "classify/pattern_file.h"
+#include "classify/training/machine_training.h"
 #include "regions/roi_file.h"
 #include "regions/vom_file.h"
 #include "run/session/run_session.h"
@@ -87,6 +88,10 @@ bool readInputs(const EliminationFiles& files, const EliminationOptions& options
         return false;
     if (const auto fault = faultOfElimination(inputs.patterns, options)) {
         warn(fault->text, fault->detail);
+        return false;
+    }
+    if (const QString fault = faultOfTraining(inputs.patterns, options.svm); !fault.isEmpty()) {
+        warn(fault, "Can not continue!");
         return false;
     }
     return readRegion(files, inputs.patterns.nrOfFeatures, inputs.region);
