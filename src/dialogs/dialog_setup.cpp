@@ -14,13 +14,32 @@
 #include <QDialog>
 #include <QEvent>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QUrl>
+#include <algorithm>
 #include <set>
 
 namespace {
 
 constexpr int titleBarHeight = 40; // pixels that are kept free for the window's own frame
+
+/// Pages ask for the sizes of their parts before these have their style, and what scrolls doesn't
+/// tell of a change.
+void renewSizeHints(const QWidget& dialog) {
+    QWidgetList parts = dialog.findChildren<QWidget*>();
+    parts.removeIf([&dialog](const QWidget* part) { return part->window() != &dialog; });
+    for (QWidget* part : parts)
+        part->ensurePolished();
+    std::ranges::reverse(parts); // what is inside first
+    for (QWidget* part : parts) {
+        if (QLayout* layout = part->layout()) {
+            layout->invalidate();
+            layout->activate();
+        }
+        part->updateGeometry();
+    }
+}
 
 /// Sets the size of a dialog when it is shown for the first time; a top-level window would
 /// otherwise be limited to two thirds of the screen.
@@ -30,9 +49,11 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override {
         auto* dialog = static_cast<QWidget*>(watched);
-        if (event->type() == QEvent::Show && !dialog->testAttribute(Qt::WA_Resized))
-            dialog->resize(
-                dialog->sizeHint().boundedTo(screenArea(dialog).size() - QSize(0, titleBarHeight)));
+        if (event->type() != QEvent::Show || dialog->testAttribute(Qt::WA_Resized))
+            return false;
+        renewSizeHints(*dialog);
+        dialog->resize(
+            dialog->sizeHint().boundedTo(screenArea(dialog).size() - QSize(0, titleBarHeight)));
         return false;
     }
 };

@@ -11,8 +11,13 @@ FittingScrollArea::FittingScrollArea(QWidget* parent) : QScrollArea(parent) {
 }
 
 QSize FittingScrollArea::sizeHint() const {
-    return widget() ? widget()->sizeHint().expandedTo(widget()->minimumSize())
-                    : QScrollArea::sizeHint();
+    if (!widget())
+        return QScrollArea::sizeHint();
+    // The hint of a layout leaves out widgets that take whatever height there is.
+    return widget()
+        ->sizeHint()
+        .expandedTo(widget()->minimumSizeHint())
+        .expandedTo(widget()->minimumSize());
 }
 
 QSize FittingScrollArea::minimumSizeHint() const {

@@ -268,9 +268,13 @@ QString QtCortivoView::readOutText() const {
     if (action_ == MouseAction::Rectangle)
         return rectangleText(drag_.rectangle(), slicesOfDrag());
     if (readOut_ && document_)
-        if (const auto known = voxelReadOut(*document_, *readOut_, readOutVolume_, overlayShown_))
+        if (auto known = voxelReadOut(*document_, *readOut_, readOutVolume_, overlayShown_)) {
+            if (!statisticName_.isEmpty())
+                known->statistic = statisticName_;
             return voxelReadOutText(*known);
-    return "Drag: region   Click: voxel   Wheel: zoom";
+        }
+    return selectsRegions_ ? "Drag: region   Click: voxel   Wheel: zoom"
+                           : "Click: voxel   Wheel: zoom";
 }
 
 void QtCortivoView::keyPressEvent(QKeyEvent* event) {

@@ -35,8 +35,10 @@ public:
     /// The volume whose samples are read out, or firstVolumeAsRead.
     void setVolumeReadOut(int volume);
     void setRegionMarking(const RegionMarking& marking);
-    /// What the legend calls the values of the maps; empty for what their kind says.
+    /// What legend and read-out call the values of the maps; empty for what their kind says.
     void setStatisticName(const QString& name) { statisticName_ = name; }
+    /// Whether a drag selects a rectangle; it does at first.
+    void setSelectsRegions(bool on) { selectsRegions_ = on; }
     /// The help file of the paradigm, as the settings name it; empty for none.
     void setHelpFile(const QString& path) { helpFile_ = path; }
 
@@ -130,6 +132,7 @@ private:
     int readOutVolume_ = firstVolumeAsRead;
     RegionMarking marking_;
     QString statisticName_;
+    bool selectsRegions_ = true;
     QString helpFile_;
 
     ViewZoom zoom_;

@@ -67,7 +67,7 @@ void QtCortivoView::mouseMoveEvent(QMouseEvent* event) {
     }
     const bool farEnough =
         (position - pressed_).manhattanLength() >= QApplication::startDragDistance();
-    if (action_ == MouseAction::Click && drag_.place >= 0 && farEnough)
+    if (selectsRegions_ && action_ == MouseAction::Click && drag_.place >= 0 && farEnough)
         action_ = MouseAction::Rectangle;
     if (action_ != MouseAction::Rectangle)
         return;

@@ -62,7 +62,7 @@ TEST(PatternFile, IgnoresAListOfRunsThatDoesNotFit) {
     const QString path = folder.filePath("Train.mvp");
     ASSERT_TRUE(writePatternFile(path, twoExemplars(), PatternFileForm::Binary));
     for (const char* list :
-         {"", "FileVersion: 1 NrOfExemplars: 3 1 2 3", "FileVersion: 2 NrOfExemplars: 2 1 2",
+         {"", "FileVersion: 1 NrOfExemplars: 3 1 2", "FileVersion: 2 NrOfExemplars: 2 1 2",
           "FileVersion: 1 NrOf: 2 1 2", "FileVersion: 1 NrOfExemplars: 2 1",
           "FileVersion: 1 NrOfExemplars: 2 0 1", "FileVersion: 1 NrOfExemplars: 2 1 2 3"}) {
         SCOPED_TRACE(list);

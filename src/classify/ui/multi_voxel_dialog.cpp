@@ -39,6 +39,7 @@ void showFiles(QListWidget& list, const QStringList& paths) {
 /// The name of the file; its path is the tool tip.
 void showFile(QLineEdit& field, const QString& path) {
     field.setText(paths::fileName(path));
+    field.setCursorPosition(0);
     field.setToolTip(path.isEmpty() ? field.accessibleName() + ": none yet" : path);
 }
 
@@ -66,12 +67,16 @@ MultiVoxelPatternClassificationDlg::MultiVoxelPatternClassificationDlg(RunSessio
     logFont.setStyleHint(QFont::Monospace);
     ui_->LogPredictionsTxEd->setFont(logFont);
     ui_->LogPredictionsTxEd->setMaximumBlockCount(mostLogLines);
-    QPushButton* clear = ui_->BtnBox->addButton("Clear Lo&g", QDialogButtonBox::ResetRole);
-    clear->setObjectName("ClearLogBtn");
-    clear->setToolTip("Empty the list of results");
-    ui_->BtnBox->button(QDialogButtonBox::Close)->setObjectName("CloseBtn");
-    ui_->BtnBox->button(QDialogButtonBox::Close)
-        ->setToolTip("Close the dialog; what was done stays");
+    const auto addButton = [this](const char* name, const QString& text, const QString& toolTip,
+                                  QDialogButtonBox::ButtonRole role) {
+        QPushButton* button = ui_->BtnBox->addButton(text, role);
+        button->setObjectName(name);
+        button->setToolTip(toolTip);
+    };
+    addButton("ClearLogBtn", "Empt&y Log", "Forget the list of results",
+              QDialogButtonBox::ResetRole);
+    addButton("CloseBtn", "Close", "Close the dialog; what was done stays",
+              QDialogButtonBox::RejectRole);
     for (QPushButton* button : findChildren<QPushButton*>())
         button->setAutoDefault(false); // Return belongs to the fields
     connectEstimation();
@@ -121,8 +126,8 @@ void MultiVoxelPatternClassificationDlg::connectPatterns() {
 }
 
 void MultiVoxelPatternClassificationDlg::connectMachine() {
-    for (QPushButton* button : {ui_->SelectTrainingMVPBtn, ui_->SelectTestMVPBtn})
-        connect(button, &QPushButton::clicked, this, &Self::selectTrainingMVPFile);
+    for (QToolButton* button : {ui_->SelectTrainingMVPBtn, ui_->SelectTestMVPBtn})
+        connect(button, &QToolButton::clicked, this, &Self::selectTrainingMVPFile);
     connect(ui_->PlotPatternsBtn, &QPushButton::clicked, this, &Self::onPlotPatterns);
     connect(ui_->KernelsCmBx, &QComboBox::currentIndexChanged, this, &Self::readChoices);
     connect(ui_->SVMOptionsBtn, &QPushButton::clicked, this, &Self::onSVMOptionsDlg);
@@ -131,8 +136,8 @@ void MultiVoxelPatternClassificationDlg::connectMachine() {
     for (QSpinBox* field : {ui_->NrOfFoldsSpBx, ui_->NrOfPermutationsSpBx})
         connect(field, &QSpinBox::valueChanged, this, &Self::readChoices);
     connect(ui_->TrainSVMBtn, &QPushButton::clicked, this, &Self::trainSVM);
-    connect(ui_->SelectModelSVMBtn, &QPushButton::clicked, this, &Self::selectModelSVMFile);
-    connect(ui_->SelectTrainedClassifierFileBtn, &QPushButton::clicked, this,
+    connect(ui_->SelectModelSVMBtn, &QToolButton::clicked, this, &Self::selectModelSVMFile);
+    connect(ui_->SelectTrainedClassifierFileBtn, &QToolButton::clicked, this,
             &Self::selectClassifierFile);
     connect(ui_->ShowWeightsBtn, &QPushButton::clicked, this, &Self::showWeights);
     connect(ui_->PermutationTestBtn, &QPushButton::clicked, this, &Self::onPermutationTest);
@@ -491,5 +496,5 @@ void openMultiVoxelPatternDialog(RunSession& session, QWidget& window) {
     if (!dialog)
         dialog = new MultiVoxelPatternClassificationDlg(session, window);
     dialog->refreshControls();
-    showInFront(*dialog);
+    showBeside(*dialog);
 }

@@ -12,7 +12,6 @@ WeightsWindow::WeightsWindow(ClassifierTraining& training, QWidget* parent)
     ui_->setupUi(this);
     connectControls();
     prepareDialog(*this);
-    resize(760, 560);
 }
 
 WeightsWindow::~WeightsWindow() {
@@ -51,6 +50,7 @@ bool WeightsWindow::showMaps() {
         view_ = new QtCortivoView(document_, training_.thresholds, this);
         view_->setObjectName("WeightsView");
         view_->setStatisticName("Weight");
+        view_->setSelectsRegions(false);
         ui_->DialogLayout->insertWidget(0, view_, 1);
     }
     fillMaps();

@@ -21,6 +21,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTabWidget>
@@ -218,7 +219,7 @@ TEST_F(MultiVoxelDialog, TrainsAClassifierFromARunOnDisk) {
     click("GoBtn");
     EXPECT_FALSE(weights.isVisible());
     EXPECT_FALSE(enabled("ShowWeightsBtn"));
-    find<QDialogButtonBox>("BtnBox").button(QDialogButtonBox::Close)->click();
+    find<QDialogButtonBox>("BtnBox").findChild<QPushButton*>("CloseBtn")->click();
     EXPECT_FALSE(find("PermutationPlot").isVisible());
     session.listeners.documentsLeaving();
     EXPECT_TRUE(listed("VOIsLsWdg").isEmpty());

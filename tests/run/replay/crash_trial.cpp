@@ -160,11 +160,13 @@ void CrashTrial::expectComesBack(const QString& journal, bool goesOn) {
     const auto [volumes, changes] = countJournal(journal);
     goesOn = goesOn || volumes == 0;
     SCOPED_TRACE(testing::Message() << "volumes " << volumes << ", changes " << changes);
+    // The volume in flight may have been given to another program before it was in the journal.
+    QFile::remove(path(QString("results/Simulation-1-%1.rtp").arg(volumes + 1)));
     play(journal, goesOn ? PlayPurpose::GoOn : PlayPurpose::Recover, changes);
     Results found = takeResults();
     run(goesOn || volumes == analysedVolumes ? -1 : volumes, goesOn ? 1000 : changes);
     const Results expected = takeResults();
-    EXPECT_EQ(found.keys().join(' '), expected.keys().join(' '));
+    EXPECT_EQ(found.keys().join(' ').toStdString(), expected.keys().join(' ').toStdString());
     for (const QString& name : expected.keys())
         EXPECT_TRUE(found[name] == expected[name]) << qPrintable(name);
 }
