@@ -102,7 +102,7 @@ TEST(FeatureElimination, SaysWhyPatternsCanNotBeUsed) {
     EliminationOptions most = quickOptions();
     most.firstLevelFolds = 10;
     most.secondLevelFolds = 9;
-    EXPECT_FALSE(faultOfPatterns(smallPatterns(), most)) << "one trial in each fold";
+    EXPECT_FALSE(faultOfElimination(smallPatterns(), most)) << "one trial in each fold";
     for (const Case& fault : cases) {
         PatternSet patterns = smallPatterns();
         EliminationOptions options = quickOptions();
