@@ -123,6 +123,11 @@ TEST_F(EliminationWork, FaultsAreToldAndLeaveNoFile) {
     put("all.roi", "FileVersion: 9");
     messages.expectWarning("Unequal*");
     EXPECT_FALSE(run());
+    patterns_ = plantedPatterns({.trials = 20, .features = nrOfFeatures});
+    std::ranges::replace(patterns_.labels, -1.0, 1.5);
+    write();
+    messages.expectWarning("The patterns have labels that are not whole numbers.*");
+    EXPECT_FALSE(run());
     put("Train_ROI 2_A-B_10-10.mvp", "no patterns");
     messages.expectCritical("ERROR: The multi-voxel pattern file*");
     EXPECT_FALSE(run());
