@@ -77,11 +77,11 @@ void tellFault(const QString& text, bool fatal) {
 } // namespace
 
 ClassifierTraining::ClassifierTraining(RunSession& session, TrainingDisplay& display)
-    : session_(session), display_(display) {}
+    : weightMaps(display), session_(session), display_(display) {}
 
 ClassifierTraining::~ClassifierTraining() = default;
 
-// The session tells of it; there is no work to be done.
+// Unless the session is idle, analyse() tells the operator to wait; its work here is empty.
 bool ClassifierTraining::isIdle() {
     return session_.phase.isIdle() || session_.analyse({}, [](ProgressReporter&) { return true; });
 }
@@ -183,16 +183,10 @@ bool ClassifierTraining::estimateTrials() {
             addTrialFile(file, classesOfMaps(maps.names));
     }
     if (outcome.document)
-        replaceDocument(std::move(outcome.document));
+        weightMaps.setDocument(std::move(outcome.document));
     display_.refreshControls();
     tellFault(estimationFault(outcome), endsProgram(outcome.end));
     return done;
-}
-
-void ClassifierTraining::replaceDocument(std::unique_ptr<QtCortivoDoc> document) {
-    display_.mapsLeaving();
-    weights_.clear();
-    document_ = std::move(document);
 }
 
 void ClassifierTraining::addTrialFile(const QString& path, const std::vector<TrialClass>& classes) {
@@ -292,7 +286,7 @@ bool ClassifierTraining::createPatterns() {
                               return made.end == PatternEnd::Done;
                           }) &&
         made.end == PatternEnd::Done)
-        return false; // another work has begun meanwhile
+        return false; // other work has begun meanwhile
     if (made.end != PatternEnd::Done) {
         tellFault(patternFault(made), made.end == PatternEnd::UnknownClass);
         return false;
@@ -327,7 +321,7 @@ bool ClassifierTraining::writePatterns(const PatternPlan& plan, const MadePatter
 }
 
 QString ClassifierTraining::folder() const {
-    if (document_)
-        return document_->project.targetFolder;
+    if (const QtCortivoDoc* run = weightMaps.document())
+        return run->project.targetFolder;
     return paths::folderWithSlash(trialFiles_.value(0));
 }

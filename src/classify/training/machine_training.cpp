@@ -4,7 +4,6 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/plain_file.h"
-#include "base/text_reading.h"
 #include "classify/training/restored_files.h"
 #include "classify/training/training_reports.h"
 
@@ -148,8 +147,7 @@ bool readScalingOfModel(const QString& modelPath, FeatureScaling& scaling) {
         scaling = {};
         return true;
     }
-    QString text;
-    const auto parsed = readTextFile(path, text) ? parseScaling(text) : std::nullopt;
+    const std::optional<FeatureScaling> parsed = readScaling(modelPath);
     if (!parsed) {
         showCritical(QStringLiteral("The scaling of the model is damaged: %1\n\nTrain the model "
                                     "again.")

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/ui/weights_window.h"
 
-#include "classify/training/classifier_training.h"
+#include "classify/training/weight_maps.h"
 #include "dialogs/dialog_setup.h"
 #include "display/qt_cortivo_view.h"
 #include "stats/clusters.h"
 #include "ui_weights_window.h"
 
-WeightsWindow::WeightsWindow(ClassifierTraining& training, QWidget* parent)
-    : QDialog(parent), training_(training), ui_(std::make_unique<Ui::WeightsWindow>()) {
+WeightsWindow::WeightsWindow(WeightMaps& maps, QWidget* parent)
+    : QDialog(parent), maps_(maps), ui_(std::make_unique<Ui::WeightsWindow>()) {
     ui_->setupUi(this);
     connectControls();
     prepareDialog(*this);
@@ -21,11 +21,11 @@ WeightsWindow::~WeightsWindow() {
 void WeightsWindow::connectControls() {
     connect(ui_->MapCmBx, &QComboBox::activated, this, &WeightsWindow::chooseMap);
     connect(ui_->ThresholdSpBx, &QDoubleSpinBox::valueChanged, this, [this](double value) {
-        changeThreshold(training_.thresholds, float(value));
+        changeThreshold(maps_.thresholds, float(value));
         mapsChanged();
     });
     connect(ui_->MaximumSpBx, &QDoubleSpinBox::valueChanged, this, [this](double value) {
-        changeColorMaxThreshold(training_.thresholds, float(value));
+        changeColorMaxThreshold(maps_.thresholds, float(value));
         mapsChanged();
     });
     connect(ui_->ColorsCodeWeightOp, &QCheckBox::clicked, this, [this](bool on) {
@@ -41,13 +41,13 @@ void WeightsWindow::connectControls() {
 }
 
 bool WeightsWindow::showMaps() {
-    QtCortivoDoc* document = training_.document();
-    if (!document || training_.mapNames().isEmpty())
+    QtCortivoDoc* document = maps_.document();
+    if (!document || maps_.names().isEmpty())
         return false;
     if (document_ != document) {
         leaveDocument();
         document_ = document;
-        view_ = new QtCortivoView(document_, training_.thresholds, this);
+        view_ = new QtCortivoView(document_, maps_.thresholds, this);
         view_->setObjectName("WeightsView");
         view_->setStatisticName("Weight");
         view_->setSelectsRegions(false);
@@ -67,7 +67,7 @@ void WeightsWindow::leaveDocument() {
 }
 
 void WeightsWindow::fillMaps() {
-    const QStringList names = training_.mapNames();
+    const QStringList names = maps_.names();
     ui_->MapCmBx->clear();
     if (names.size() > 1)
         ui_->MapCmBx->addItem("All maps");
@@ -76,8 +76,8 @@ void WeightsWindow::fillMaps() {
 }
 
 void WeightsWindow::chooseMap(int index) {
-    // Of the new maps the training tells as of those after a training, all of which are shown.
-    training_.selectMap(ui_->MapCmBx->count() > 1 ? index - 1 : ClassifierTraining::allMaps);
+    // This ends in showMaps(), which fills the list anew.
+    maps_.select(ui_->MapCmBx->count() > 1 ? index - 1 : WeightMaps::allMaps);
     ui_->MapCmBx->setCurrentIndex(index);
 }
 
@@ -87,8 +87,8 @@ void WeightsWindow::refreshThresholds() {
         field.setSingleStep(value < 1.0f ? 0.01 : 0.1);
         field.setValue(double(value));
     };
-    show(*ui_->ThresholdSpBx, training_.thresholds.Threshold);
-    show(*ui_->MaximumSpBx, training_.thresholds.ColorMaxThreshold);
+    show(*ui_->ThresholdSpBx, maps_.thresholds.Threshold);
+    show(*ui_->MaximumSpBx, maps_.thresholds.ColorMaxThreshold);
 }
 
 void WeightsWindow::mapsChanged() {
@@ -96,7 +96,7 @@ void WeightsWindow::mapsChanged() {
         return;
     refreshThresholds();
     ui_->MaximumSpBx->setEnabled(document_->SignificanceColorCoding);
-    computeClusterSizes(document_->maps, training_.thresholds, false);
+    computeClusterSizes(document_->maps, maps_.thresholds, false);
     document_->updateOverlayColors();
     view_->slotDocumentChanged();
 }
