@@ -92,7 +92,7 @@ private:
         for (const double weight : found_.weights)
             scores.push_back(std::abs(weight));
         if (task_.options.smoothRanking && task_.places)
-            scores = smoothedScores(scores, placesOfVoxels(), task_.options.smoothingFWHM);
+            scores = smoothedScores(scores, placesOfVoxels(), task_.options.smoothingFWHM, stop_);
         const int before = patterns_.nrOfFeatures;
         keep(highestScores(scores, count));
         found_.log << QStringLiteral("   RFE level %1- Voxels reduced from N_prev=%2 to N=%3")

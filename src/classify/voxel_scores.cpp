@@ -110,7 +110,7 @@ std::vector<double> univariateScores(const PatternSet& training, bool meansOnly)
 }
 
 std::vector<double> smoothedScores(std::span<const double> scores, const VoxelList& places,
-                                   double fwhm) {
+                                   double fwhm, const std::stop_token& stop) {
     std::vector<double> result(scores.begin(), scores.end());
     if (!(fwhm > 0.0))
         return result;
@@ -119,7 +119,7 @@ std::vector<double> smoothedScores(std::span<const double> scores, const VoxelLi
         sorted.push_back({places.z[i], places.y[i], places.x[i], scores[i]});
     std::stable_sort(sorted.begin(), sorted.end(), isBefore);
     const Kernel kernel(fwhm);
-    for (size_t i = 0; i < scores.size(); ++i)
+    for (size_t i = 0; i < scores.size() && !stop.stop_requested(); ++i)
         result[i] = kernel.meanAround({places.z[i], places.y[i], places.x[i]}, sorted);
     return result;
 }

@@ -2,11 +2,15 @@
 #include "classify/feature_elimination.h"
 
 #include "classify/classify_data.h"
+#include "classify/shuffling.h"
+#include "classify/svm_weights.h"
 #include "classify/voxel_scores.h"
 
 #include <QRegularExpression>
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <numeric>
 #include <set>
 
 namespace {
@@ -94,6 +98,10 @@ TEST(FeatureElimination, SaysWhyPatternsCanNotBeUsed) {
              o.finalPercent = 4.0;
          }},
     };
+    EliminationOptions most = quickOptions();
+    most.firstLevelFolds = 10;
+    most.secondLevelFolds = 9;
+    EXPECT_FALSE(faultOfElimination(smallPatterns(), most)) << "one trial in each fold";
     for (const Case& fault : cases) {
         PatternSet patterns = smallPatterns();
         EliminationOptions options = quickOptions();
@@ -106,6 +114,21 @@ TEST(FeatureElimination, SaysWhyPatternsCanNotBeUsed) {
         EXPECT_EQ(result.fault->detail, fault.detail);
         EXPECT_TRUE(result.log.isEmpty() && result.voxels.empty());
     }
+}
+
+// Each of the 6 orders of 3 values comes in a sixth of the draws, within 5 standard deviations.
+TEST(Shuffling, AllOrdersAreEquallyProbable) {
+    constexpr int draws = 6000;
+    std::map<std::vector<int>, int> counts;
+    std::mt19937 generator(1);
+    for (int draw = 0; draw < draws; ++draw) {
+        std::vector<int> values = {1, 2, 3};
+        shuffle(std::span(values), generator);
+        ++counts[values];
+    }
+    ASSERT_EQ(counts.size(), 6u);
+    for (const auto& [order, count] : counts)
+        EXPECT_NEAR(count, draws / 6.0, 5.0 * std::sqrt(draws * 5.0 / 36.0));
 }
 
 TEST(FeatureElimination, TheLogTellsEachStep) {
@@ -188,8 +211,19 @@ TEST(FeatureElimination, AllVoxelsStayAt100Percent) {
     EXPECT_EQ(result.voxels.size(), 12u);
     EXPECT_EQ(result.mergedVoxels, 12);
     EXPECT_EQ(result.nrOfVoxels, std::vector(4, 12.0));
-    for (size_t i = 1; i < 12; ++i)
-        EXPECT_GE(std::abs(result.weights[i - 1]), std::abs(result.weights[i]));
+    // Weights are means: smaller than those of a machine on all trials, since fewer leave a wider
+    // margin. A sum over the folds would be larger.
+    SVMModel model;
+    ASSERT_EQ(SVMTrainer().train(smallPatterns(), {}, model), SVMResult::Done);
+    const std::vector<double> whole = svmWeights(model)[0].values;
+    double squares = 0.0;
+    for (size_t i = 0; i < 12; ++i) {
+        EXPECT_GE(std::abs(result.weights[i > 0 ? i - 1 : 0]), std::abs(result.weights[i]));
+        squares += result.weights[i] * result.weights[i];
+    }
+    const double expected = std::inner_product(whole.begin(), whole.end(), whole.begin(), 0.0);
+    EXPECT_LT(squares, expected);
+    EXPECT_GT(squares, 0.05 * expected);
 }
 
 TEST(FeatureElimination, FindsTheVoxelsThatCarryADistinction) {

@@ -188,6 +188,8 @@ TEST_F(LiveClassifierTest, OfSeveralClassesAllPairsAreGiven) {
     EXPECT_EQ(predictionLine(*made), "Time point:   23  last trial onset:   20 duration:   4  "
                                      "condition id:  3  predicted class:  " +
                                          QString::number(classifier.predictedClass()));
+    classifier.restart(voxels);
+    EXPECT_EQ(classifier.predictedClass(), 0);
 }
 
 TEST_F(LiveClassifierTest, AMisfitIsSaidAndPredictsNothing) {

@@ -47,14 +47,11 @@ bool ClassifierTraining::readScaledPatterns(PatternSet& patterns, FeatureScaling
                                             bool forFolds) const {
     if (!readPatterns(patterns))
         return false;
+    scaling = learnScaling(patterns, choices.scaling);
+    applyScaling(scaling, patterns);
     QString fault = faultOfTraining(patterns, choices.svm);
     if (fault.isEmpty() && forFolds)
         fault = faultOfFolds(patterns, choices.folds);
-    if (fault.isEmpty()) {
-        scaling = learnScaling(patterns, choices.scaling);
-        applyScaling(scaling, patterns);
-        fault = faultOfTraining(patterns, choices.svm);
-    }
     return fault.isEmpty() || fail(fault);
 }
 
@@ -77,6 +74,9 @@ bool ClassifierTraining::train() {
         tellEnd(machine.result, "The training was stopped.", display_);
         return false;
     }
+    if (!isUsable(machine.model))
+        return fail("The training has not led to a classifier: values of the kernel are too "
+                    "large.\n\nScale the features, or use a smaller degree or gamma.");
     if (!saveMachine(modelPathOf(source), machine.model, scaling))
         return false;
     modelPath_ = modelPathOf(source);

@@ -8,11 +8,25 @@
 #include "classify/training/training_reports.h"
 
 #include <cmath>
+#include <numeric>
 
 namespace {
 
 bool isWholeLabel(double label) {
     return std::fabs(label) <= 1e6 && label == std::trunc(label);
+}
+
+/// libsvm keeps products of exemplars in single precision: those of larger ones overflow.
+bool productsFit(const PatternSet& patterns) {
+    constexpr double largestProduct = 1e37;
+    for (int i = 0; i < patterns.count(); ++i) {
+        const std::span<const double> features = patterns.features(i);
+        const double square =
+            std::inner_product(features.begin(), features.end(), features.begin(), 0.0);
+        if (!(square <= largestProduct))
+            return false;
+    }
+    return true;
 }
 
 bool searchesC(const TrainingChoices& choices) {
@@ -58,9 +72,9 @@ SVMResult validate(const PatternSet& patterns, const TrainingChoices& choices, S
 QString faultOfTraining(const PatternSet& patterns, const SVMOptions& options) {
     if (patterns.count() == 0 || patterns.nrOfFeatures == 0)
         return "The file of patterns has no exemplars, or these have no features.";
-    if (!patterns.isFinite())
-        return "The patterns hold values that are not finite.\n\nCreate them again, or change "
-               "their scaling.";
+    if (!patterns.isFinite() || !productsFit(patterns))
+        return "The patterns hold values that are not finite, or too large.\n\nCreate them again, "
+               "or change their scaling.";
     if (!std::all_of(patterns.labels.begin(), patterns.labels.end(), isWholeLabel))
         return "The patterns have labels that are not whole numbers.";
     if (labelCounts(patterns).size() < 2)
@@ -97,6 +111,13 @@ TrainedMachine trainMachine(const PatternSet& patterns, const TrainingChoices& c
     if (machine.result == SVMResult::Done)
         logPrinted(printed, log);
     return machine;
+}
+
+bool isUsable(const SVMModel& model) {
+    const std::vector<double> rho = model.rho();
+    const std::vector<int> vectors = model.supportVectorsOfClasses();
+    return std::all_of(rho.begin(), rho.end(), [](double value) { return std::isfinite(value); }) &&
+           std::any_of(vectors.begin(), vectors.end(), [](int count) { return count > 0; });
 }
 
 QString modelPathOf(const QString& patternPath) {

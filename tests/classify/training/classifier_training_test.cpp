@@ -47,6 +47,8 @@ TEST_F(ClassifierTrainingTest, RunsBecomeTrialsPatternsAMachineAndMaps) {
     training.options.estimate = TrialEstimate::Beta;
     ASSERT_TRUE(training.estimateTrials());
     EXPECT_EQ(parseTrialSettings(content("SingleTrialGLMSettings.txt")), training.options);
+    EXPECT_TRUE(hasLogged("Estimated 9 trials of \"two.fmr\": \"two_Trials.fmp\"\n"));
+    EXPECT_TRUE(std::ranges::is_sorted(display.progress)) << "from 0 to 100 once for both runs";
 
     TrialMaps maps;
     ASSERT_TRUE(readTrialMaps(path("two_Trials.fmp"), maps));
@@ -252,7 +254,21 @@ TEST_F(ClassifierTrainingTest, WhatCanNotBeDoneIsSaid) {
              writePatterns({1, -1}), training.choices.svm.C = 0.0;
          },
          "C must be*", train},
-        {[&] { training.choices.svm.C = 1.0, training.choices.folds.nrOfFolds = 1; },
+        {[&] {
+             training.choices.svm = {SVMKernel::Polynomial, 1.0, 1e4, 20};
+         },
+         "The training has not led to a classifier*", train},
+        {[&] {
+             PatternSet large;
+             large.nrOfFeatures = 1;
+             large.labels = {1, -1};
+             large.values = {1e19, -1e19};
+             ASSERT_TRUE(writePatternFile(path("x.mvp"), large, PatternFileForm::Binary));
+         },
+         "The patterns hold values that are not finite, or too large.*", train},
+        {[&] {
+             writePatterns({1, -1}), training.choices.folds.nrOfFolds = 1;
+         },
          "Cross-validation needs at least 2 folds.", chance},
     };
     for (const Case& each : cases) {
@@ -348,6 +364,15 @@ TEST_F(ClassifierTrainingTest, FilesThatCanNotBeWrittenLeaveTheOthersAsTheyWere)
     EXPECT_TRUE(training.modelPath().isEmpty());
 
     const QByteArray settings = content(trialSettingsFileName);
+    const QByteArray maps = content("one_Trials.fmp");
+    QFile::rename(path(trialSettingsFileName), path("settings"));
+    QDir().mkdir(path(trialSettingsFileName));
+    messages.expectCritical("Unable to write the settings of the estimation: *");
+    training.options.postOnset = 4;
+    EXPECT_FALSE(training.estimateTrials());
+    EXPECT_EQ(content("one_Trials.fmp"), maps);
+    QDir().rmdir(path(trialSettingsFileName));
+    QFile::rename(path("settings"), path(trialSettingsFileName));
     QFile::remove(path("one_Trials.fmp"));
     QDir().mkdir(path("one_Trials.fmp"));
     training.options.preOnset = 1;

@@ -113,6 +113,11 @@ TEST_F(EliminationWork, FaultsAreToldAndLeaveNoFile) {
     messages.expectWarning("Unequal number of trials (9/11) per class!\n\nAt present, RFE requires "
                            "an equal number of trials per classs");
     EXPECT_FALSE(run());
+    patterns_ = plantedPatterns({.trials = 20, .features = nrOfFeatures});
+    std::ranges::replace(patterns_.labels, -1.0, 1.5);
+    write();
+    messages.expectWarning("The patterns have labels that are not whole numbers.*");
+    EXPECT_FALSE(run());
     put("Train_ROI 2_A-B_10-10.mvp", "no patterns");
     messages.expectCritical("ERROR: The multi-voxel pattern file*");
     EXPECT_FALSE(run());

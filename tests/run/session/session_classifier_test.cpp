@@ -180,7 +180,10 @@ TEST_F(SessionClassifierTest, OncePerTrialAndASecondRunBeginsAnewWithTheSameSett
 }
 
 TEST_F(SessionClassifierTest, WithoutAUsableModelItStaysOff) {
+    session.settings.TargetFolder.clear();
+    QDir::setCurrent(path("results")); // where there are training files, but of no run
     session.classifier.open(screen_);
+    EXPECT_EQ(session.classifier.NrOfVoxelsUsed(), 0);
     messages.expectWarning("No model file available!\n\nFirst train or load a SVM classifier.");
     session.classifier.toggleIncrementalPrediction();
     session.classifier.chooseModel(path("none.svm"));
@@ -204,6 +207,7 @@ TEST_F(SessionClassifierTest, ARunOutlivesAModelThatVanishesAndAFolderThatTakesN
     EXPECT_EQ(screen_.predictions().size(), 12);
     EXPECT_EQ(messages.shownModeless().size(), 2);
     ASSERT_TRUE(screen_.lines.last().startsWith("Not saved: "));
+    EXPECT_EQ(screen_.lines.filter("The model file \"" + model() + "\" can no longer").size(), 1);
 }
 
 TEST_F(SessionClassifierTest, WhatFitsTheRunBadlyIsToldBeforeIt) {
