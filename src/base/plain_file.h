@@ -5,9 +5,6 @@
 #include <QFile>
 #include <optional>
 
-/// Whether the path is that of a file; false for a folder.
-[[nodiscard]] bool fileExists(const QString& path);
-
 /// Whether there is a file of this path; a folder is none.
 [[nodiscard]] bool fileExists(const QString& path);
 

@@ -14,6 +14,21 @@ public:
     [[nodiscard]] virtual bool cancelled() const { return false; }
 };
 
+/// The progress of one part of a work, 0 to 100, as a range of percent of the whole.
+class PartProgress : public ProgressReporter {
+public:
+    PartProgress(ProgressReporter& whole, int from, int to) : whole_(whole), from_(from), to_(to) {}
+    void setProgress(int percent) override {
+        whole_.setProgress(from_ + percent * (to_ - from_) / 100);
+    }
+    [[nodiscard]] bool cancelled() const override { return whole_.cancelled(); }
+
+private:
+    ProgressReporter& whole_;
+    int from_;
+    int to_;
+};
+
 /// Maps a step's own progress to a range of percent, and reports cancelling.
 class StepProgress {
 public:

@@ -50,15 +50,12 @@ private:
 } // namespace
 
 bool doTasks(int nrOfTasks, const std::function<void(int, const std::stop_token&)>& work,
-             ProgressReporter& progress) {
-    return doTasks(nrOfTasks, work, progress, int(std::thread::hardware_concurrency()));
-}
-
-bool doTasks(int nrOfTasks, const std::function<void(int, const std::stop_token&)>& work,
              ProgressReporter& progress, int nrOfThreads) {
     TaskList tasks(std::max(nrOfTasks, 0));
     std::stop_source stop;
-    const int count = std::clamp(nrOfThreads, 1, std::max(nrOfTasks, 1));
+    const int wanted =
+        nrOfThreads == oneThreadPerCore ? int(std::thread::hardware_concurrency()) : nrOfThreads;
+    const int count = std::clamp(wanted, 1, std::max(nrOfTasks, 1));
     std::vector<std::jthread> workers;
     for (int i = 0; i < count; ++i)
         workers.emplace_back([&tasks, &work, token = stop.get_token()] {

@@ -7,15 +7,13 @@
 #include <functional>
 #include <stop_token>
 
-/// Calls `task` once for each index below `nrOfTasks`, on worker threads, in any order. A task
-/// works on memory of its own and on what nobody changes meanwhile, shows no message, and ends
+inline constexpr int oneThreadPerCore = 0;
+
+/// Calls `work` once for each index below `nrOfTasks`, on worker threads, in any order. A task
+/// works on memory of its own and on what nobody else changes meanwhile, shows no message, and ends
 /// early once `stop` asks for it. The caller's thread reports the share of tasks that are done
 /// every 20 ms, which keeps the window alive. Returns when no worker runs any more: true when all
 /// tasks were done, false when they were cancelled.
 [[nodiscard]] bool doTasks(int nrOfTasks,
                            const std::function<void(int task, const std::stop_token& stop)>& work,
-                           ProgressReporter& progress);
-/// The same with a stated number of threads, at least 1.
-[[nodiscard]] bool doTasks(int nrOfTasks,
-                           const std::function<void(int task, const std::stop_token& stop)>& work,
-                           ProgressReporter& progress, int nrOfThreads);
+                           ProgressReporter& progress, int nrOfThreads = oneThreadPerCore);

@@ -1,61 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/elimination_fold.h"
 
-#include "classify/score_smoothing.h"
 #include "classify/svm_prediction.h"
 #include "classify/svm_weights.h"
 #include "classify/trial_folds.h"
-#include "stats/numerics/sorting.h"
+#include "classify/voxel_scores.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numeric>
 
 namespace {
-
-/// Positions of the `count` highest scores, ascending; of equal ones the later.
-std::vector<int> bestOf(const std::vector<double>& scores, int count) {
-    const std::vector<float> keys(scores.begin(), scores.end());
-    const std::vector<int> order = numerics::indexx(keys);
-    std::vector<int> best(order.end() - count, order.end());
-    std::sort(best.begin(), best.end());
-    return best;
-}
-
-struct MeanAndDeviation {
-    double mean = 0.0;
-    double deviation = 0.0; ///< of the population
-};
-
-MeanAndDeviation ofClass(const PatternSet& patterns, bool class1, int feature) {
-    MeanAndDeviation result;
-    int count = 0;
-    for (int i = 0; i < patterns.count(); ++i)
-        if (isOfClass1(patterns.labels[size_t(i)]) == class1) {
-            result.mean += patterns.features(i)[size_t(feature)];
-            ++count;
-        }
-    result.mean /= count;
-    double squares = 0.0;
-    for (int i = 0; i < patterns.count(); ++i)
-        if (isOfClass1(patterns.labels[size_t(i)]) == class1)
-            squares += std::pow(patterns.features(i)[size_t(feature)] - result.mean, 2);
-    result.deviation = std::sqrt(squares / count);
-    return result;
-}
-
-std::vector<double> univariateScores(const PatternSet& training, bool meansOnly) {
-    std::vector<double> scores;
-    for (int feature = 0; feature < training.nrOfFeatures; ++feature) {
-        const MeanAndDeviation first = ofClass(training, true, feature);
-        const MeanAndDeviation second = ofClass(training, false, feature);
-        const bool inDeviations = !meansOnly && first.deviation > 0.0 && second.deviation > 0.0;
-        scores.push_back(
-            inDeviations ? std::max(first.mean / first.deviation, second.mean / second.deviation)
-                         : std::max(first.mean, second.mean));
-    }
-    return scores;
-}
 
 /// The steps of a fold, on fewer and fewer voxels.
 class FoldElimination {
@@ -101,7 +55,7 @@ private:
         const int before = patterns_.nrOfFeatures;
         const std::vector<double> scores = univariateScores(patterns_.exemplars(task_.training),
                                                             task_.options.univariateMeansOnly);
-        keep(bestOf(scores, voxelsAfterUnivariateSelection(before, task_.options)));
+        keep(highestScores(scores, voxelsAfterUnivariateSelection(before, task_.options)));
         found_.log << QStringLiteral("Univariate selection: Voxels reduced from N_prev=%1 to N=%2")
                           .arg(before)
                           .arg(patterns_.nrOfFeatures);
@@ -138,9 +92,9 @@ private:
         for (const double weight : found_.weights)
             scores.push_back(std::abs(weight));
         if (task_.options.smoothRanking && task_.places)
-            scores = smoothedScores(scores, placesOfVoxels(), task_.options.smoothingFWHM);
+            scores = smoothedScores(scores, placesOfVoxels(), task_.options.smoothingFWHM, stop_);
         const int before = patterns_.nrOfFeatures;
-        keep(bestOf(scores, count));
+        keep(highestScores(scores, count));
         found_.log << QStringLiteral("   RFE level %1- Voxels reduced from N_prev=%2 to N=%3")
                           .arg(level)
                           .arg(before)

@@ -107,8 +107,8 @@ int voxelsAfterUnivariateSelection(int nrOfVoxels, const EliminationOptions& opt
                                        : nrOfVoxels;
 }
 
-std::optional<EliminationFault> faultOfPatterns(const PatternSet& patterns,
-                                                const EliminationOptions& options) {
+std::optional<EliminationFault> faultOfElimination(const PatternSet& patterns,
+                                                   const EliminationOptions& options) {
     const size_t classes = labelCounts(patterns).size();
     if (classes != 2)
         return EliminationFault{classes < 2 ? "Not enough classes for RFE"
@@ -143,7 +143,7 @@ EliminationResult eliminateFeatures(const PatternSet& patterns, const Eliminatio
                                     const VoxelList* places, ProgressReporter& progress,
                                     int nrOfThreads) {
     EliminationResult result;
-    result.fault = faultOfPatterns(patterns, options);
+    result.fault = faultOfElimination(patterns, options);
     if (result.fault)
         return result;
     const std::vector<int> counts =

@@ -56,8 +56,8 @@ struct EliminationResult {
 
 /// Needed are exactly two classes of the same size, with enough trials for the folds, and at least
 /// one voxel at each level.
-[[nodiscard]] std::optional<EliminationFault> faultOfPatterns(const PatternSet& patterns,
-                                                              const EliminationOptions& options);
+[[nodiscard]] std::optional<EliminationFault> faultOfElimination(const PatternSet& patterns,
+                                                                 const EliminationOptions& options);
 
 /// `places` has one voxel for each feature, or is null: scores are not smoothed then. Each
 /// first-level fold goes to the next free thread; the result doesn't depend on their number, since

@@ -128,6 +128,11 @@ QByteArray scalingText(const FeatureScaling& scaling) {
     return text;
 }
 
+std::optional<FeatureScaling> readScaling(const QString& modelPath) {
+    QString text;
+    return readTextFile(scalingPath(modelPath), text) ? parseScaling(text) : std::nullopt;
+}
+
 std::optional<FeatureScaling> parseScaling(const QString& text) {
     TokenStream stream(text);
     const auto isKey = [&stream](const char* key) { return tokensAgree(stream.word(), key); };

@@ -44,5 +44,7 @@ void applyScaling(const FeatureScaling& scaling, PatternSet& patterns);
 /// be told, and new data can be scaled alike.
 [[nodiscard]] QString scalingPath(const QString& modelPath);
 [[nodiscard]] QByteArray scalingText(const FeatureScaling& scaling);
+/// Of a model, from the file beside it; nothing when there is none, or it is damaged.
+[[nodiscard]] std::optional<FeatureScaling> readScaling(const QString& modelPath);
 /// Nothing when the text is cut, or not such a file, or has a number that is not finite.
 [[nodiscard]] std::optional<FeatureScaling> parseScaling(const QString& text);

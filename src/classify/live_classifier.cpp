@@ -20,11 +20,8 @@ QString predictionLine(const LivePrediction& prediction) {
            QStringLiteral("  predicted class: %1").arg(prediction.prediction.classNumber, 2);
 }
 
-QString misfitLine(int nrOfVoxels, int nrOfFeatures) {
-    return QStringLiteral("Classifier does not fit to test data! Expected %1 ROI voxels, but %2 "
-                          "SVM features found")
-        .arg(nrOfVoxels)
-        .arg(nrOfFeatures);
+QString misfitLine(size_t nrOfVoxels, int nrOfFeatures) {
+    return "Classifier does not fit to test data! " + mismatchText(nrOfVoxels, nrOfFeatures);
 }
 
 void LiveClassifier::start(SVMModel model, VoxelList voxels) {
@@ -64,7 +61,7 @@ std::optional<LiveWindow> LiveClassifier::dueWindow(const CurrentTrial& trial, c
 
 QString LiveClassifier::faultOf(const LiveRun& run) const {
     if (nrOfVoxels() != model_.nrOfFeatures())
-        return misfitLine(nrOfVoxels(), model_.nrOfFeatures());
+        return misfitLine(voxels_.size(), model_.nrOfFeatures());
     return voxelsInside(voxels_, run.size)
                ? QString()
                : QStringLiteral("No prediction: some voxels of the training lie outside this run");

@@ -1,4 +1,4 @@
-// A classifier that speaks during a run: fed with volumes, without widgets and without a session.
+// The classifier of a run: it is given volumes, and knows neither widgets nor a session.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -29,7 +29,7 @@ struct LivePrediction {
 /// Its line in the log. The time point counts from 0 for two classes, and from 1 for more.
 [[nodiscard]] QString predictionLine(const LivePrediction& prediction);
 /// Of a model with another number of features than there are voxels.
-[[nodiscard]] QString misfitLine(int nrOfVoxels, int nrOfFeatures);
+[[nodiscard]] QString misfitLine(size_t nrOfVoxels, int nrOfFeatures);
 
 /// Estimates the current trial the way it is done offline, and asks the model.
 class LiveClassifier {

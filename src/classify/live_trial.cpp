@@ -85,7 +85,7 @@ std::optional<LiveWindow> windowWithinCondition(const CurrentTrial& trial,
         return {};
     const int before = options.pointPreOnset + delay;
     LiveWindow window{windowVolumes(trial.onset - options.pointPreOnset - 1, before, volume + 1),
-                      lastPointDesign(before + 1, options.trial.linearTrend)};
+                      lastPointDesign(before + 1, options.trial)};
     window.volumes.push_back(volume);
     return window;
 }

@@ -11,13 +11,13 @@
 /// How a run is classified. Continuous can be chosen, and predicts nothing.
 enum class PredictionMode { EndOfTrial, WithinCondition, Continuous };
 
-/// The choices of the operator for a run.
+/// The choices of the operator for a run; volumes are 0 to mostWindowVolumes.
 struct LiveOptions {
     PredictionMode mode = PredictionMode::WithinCondition;
     TrialOptions trial;        ///< of EndOfTrial; its estimate counts for both modes
-    int pointPreOnset = 1;     ///< of WithinCondition: volumes before the onset, 0 to 999
-    int haemodynamicDelay = 2; ///< volumes after the onset until the first prediction, 0 to 999
-    int postCondition = 0;     ///< volumes after the delayed end that are predicted too, 0 to 999
+    int pointPreOnset = 1;     ///< of WithinCondition: volumes before the onset
+    int haemodynamicDelay = 2; ///< volumes after the onset until the first prediction
+    int postCondition = 0;     ///< volumes after the delayed end that are predicted too
 
     bool operator==(const LiveOptions&) const = default;
 };
@@ -43,7 +43,7 @@ struct CurrentTrial {
 
 /// What a step estimates: the volumes of its window, and the design that fits it.
 struct LiveWindow {
-    std::vector<int> volumes;
+    std::vector<int> volumes; ///< indices from 0
     TrialDesign design;
 };
 /// At the end of a trial: the window from pre volumes before the onset to post behind it, once all

@@ -28,15 +28,15 @@ struct Output {
     const std::stop_token& stop;
     std::unique_lock<std::mutex>* deal = nullptr;
 };
-thread_local Output* currentOutput = nullptr;
+thread_local Output* outputOfThread = nullptr;
 
 void takeOutput(const char* text) {
-    if (!currentOutput)
+    if (!outputOfThread)
         return;
-    if (currentOutput->deal && currentOutput->deal->owns_lock())
-        currentOutput->deal->unlock();
-    currentOutput->printed->append(text);
-    if (currentOutput->stop.stop_requested())
+    if (outputOfThread->deal && outputOfThread->deal->owns_lock())
+        outputOfThread->deal->unlock();
+    outputOfThread->printed->append(text);
+    if (outputOfThread->stop.stop_requested())
         throw StopRequested();
 }
 
@@ -175,7 +175,7 @@ SVMResult SVMTrainer::run(const std::function<void()>& work) {
     static const bool installed = (svm_set_print_string_function(takeOutput), true);
     static_cast<void>(installed);
     Output output{&printed_, stop_};
-    currentOutput = &output;
+    outputOfThread = &output;
     SVMResult result = SVMResult::Done;
     try {
         work();
@@ -184,7 +184,7 @@ SVMResult SVMTrainer::run(const std::function<void()>& work) {
     } catch (const std::bad_alloc&) {
         result = SVMResult::OutOfMemory;
     }
-    currentOutput = nullptr;
+    outputOfThread = nullptr;
     if (printed_.find("#iter = 10000000\n") != std::string::npos)
         printed_ +=
             "\nWARNING: libsvm gave up after 10000000 iterations; a smaller C or scaled features "
@@ -212,7 +212,7 @@ SVMResult SVMTrainer::crossValidate(const PatternSet& patterns, const SVMOptions
         const svm_parameter parameter = parameters(options, patterns.nrOfFeatures);
         std::vector<double> predicted(patterns.labels.size());
         std::unique_lock deal(dealing);
-        currentOutput->deal = &deal;
+        outputOfThread->deal = &deal;
         std::srand(seed);
         svm_cross_validation(&problem.problem, &parameter, nrOfFolds, predicted.data());
         predictedLabels = std::move(predicted);

@@ -51,7 +51,7 @@ public:
 
     /// Writes libsvm's own format, as a whole or not at all.
     [[nodiscard]] bool save(const QString& path) const;
-    /// Reads a file of that format, which was checked before (svm_model_check.h). False, with the
+    /// Reads a file of that format, which was checked before (svm_model_file.h). False, with the
     /// model unchanged, when libsvm does not take it.
     [[nodiscard]] bool load(const QString& path);
 

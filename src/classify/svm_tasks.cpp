@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/svm_tasks.h"
 
-#include "base/worker_tasks.h"
-
 #include <atomic>
 #include <new>
 
@@ -28,8 +26,5 @@ SVMResult doSVMTasks(int nrOfTasks, const SVMTask& work, ProgressReporter& progr
         if (ofTask != SVMResult::Done)
             result = ofTask;
     };
-    const bool done = nrOfThreads == oneThreadPerCore
-                          ? doTasks(nrOfTasks, doTask, progress)
-                          : doTasks(nrOfTasks, doTask, progress, nrOfThreads);
-    return done ? result.load() : SVMResult::Stopped;
+    return doTasks(nrOfTasks, doTask, progress, nrOfThreads) ? result.load() : SVMResult::Stopped;
 }

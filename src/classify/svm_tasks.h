@@ -2,15 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/progress.h"
+#include "base/worker_tasks.h"
 #include "classify/svm_library.h"
 
 #include <functional>
 
 /// One task; a failure to allocate may leave it as std::bad_alloc.
 using SVMTask = std::function<SVMResult(int task, const std::stop_token& stop)>;
-
-inline constexpr int oneThreadPerCore = 0;
 
 /// Calls `work` once for each index below `nrOfTasks`, as doTasks() does. Not Done when one of the
 /// tasks wasn't; those that had not begun are then left out.

@@ -42,10 +42,10 @@ std::vector<double> solutionOf(const TrialDesign& design) {
     return solution;
 }
 
-TrialDesign designOf(std::span<const double> response, bool linearTrend) {
+TrialDesign designOf(std::span<const double> response, const TrialOptions& options) {
     TrialDesign design;
     const size_t n = response.size();
-    const size_t p = linearTrend ? 3 : 2;
+    const size_t p = options.linearTrend ? 3 : 2;
     if (n == 0 || !memoryIsAvailable(n, 2 * p * sizeof(double)))
         return design;
     design.nrOfPoints = int(n);
@@ -54,7 +54,7 @@ TrialDesign designOf(std::span<const double> response, bool linearTrend) {
     for (size_t i = 0; i < n; ++i) {
         design.X.push_back(response[i]);
         design.X.push_back(1.0);
-        if (linearTrend)
+        if (options.linearTrend)
             design.X.push_back(n > 1 ? double(i) / double(n - 1) : 0.0);
     }
     numerics::NormalInverse inverse;
@@ -95,19 +95,19 @@ TrialDesign trialDesign(const TrialOptions& options, int duration, float TR) {
                                          : TwoGammaHRFParams();
     const std::vector<float> response =
         convolveColumn(box, twoGammaKernel(roundedTR(TR), params, oversampling));
-    return designOf(std::vector<double>(response.begin(), response.end()), options.linearTrend);
+    return designOf(std::vector<double>(response.begin(), response.end()), options);
 }
 
-TrialDesign measuredResponseDesign(std::span<const double> response, bool linearTrend) {
-    return designOf(response, linearTrend);
+TrialDesign measuredResponseDesign(std::span<const double> response, const TrialOptions& options) {
+    return designOf(response, options);
 }
 
-TrialDesign lastPointDesign(int nrOfPoints, bool linearTrend) {
+TrialDesign lastPointDesign(int nrOfPoints, const TrialOptions& options) {
     if (nrOfPoints < 1 || !memoryIsAvailable(size_t(nrOfPoints), sizeof(double)))
         return {};
     std::vector<double> response(size_t(nrOfPoints), 0.0);
     response.back() = 1.0;
-    return designOf(response, linearTrend);
+    return designOf(response, options);
 }
 
 std::vector<int> windowVolumes(int first, int count, int nrOfMeasuredVolumes) {

@@ -7,11 +7,14 @@
 #include <span>
 #include <vector>
 
+/// Columns of a design: response, constant, linear trend. The fit has room for so many per voxel.
+inline constexpr int maximumPredictors = 3;
+
 /// Columns: the response, a constant 1, and with a trend i / (n - 1). What a fit needs of it is
 /// computed once for all voxels.
 struct TrialDesign {
     int nrOfPoints = 0;     ///< n
-    int nrOfPredictors = 0; ///< p: 2, or 3 with a trend
+    int nrOfPredictors = 0; ///< p: 2, or 3 with a trend; at most maximumPredictors
     std::vector<double> X;  ///< n x p, row by row
     /// (X'X)^-1, p x p. Where X lacks directions, the generalised inverse that
     /// numerics::invertNormalMatrix gives.
@@ -36,9 +39,9 @@ struct TrialDesign {
 [[nodiscard]] TrialDesign trialDesign(const TrialOptions& options, int duration, float TR);
 /// The same with a measured response (n values) in place of the convolved box.
 [[nodiscard]] TrialDesign measuredResponseDesign(std::span<const double> response,
-                                                 bool linearTrend);
+                                                 const TrialOptions& options);
 /// A predictor that is 1 at the last of n points only, without a response.
-[[nodiscard]] TrialDesign lastPointDesign(int nrOfPoints, bool linearTrend);
+[[nodiscard]] TrialDesign lastPointDesign(int nrOfPoints, const TrialOptions& options);
 
 /// Indices, from 0, of the volumes in a window of `count` points from `first` on. A point behind
 /// the last measured volume repeats that one; a point before the run takes volume 0.

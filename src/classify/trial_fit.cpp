@@ -11,7 +11,6 @@ namespace {
 
 // Blocks of voxels: their sums stay in the first-level cache.
 constexpr size_t blockVoxels = 256;
-constexpr int maximumPredictors = 3;
 constexpr int constantColumn = 1;
 constexpr double smallestDeviation = 0.01;
 constexpr double smallestError = 1e-06;

@@ -1,4 +1,5 @@
-// Dealing the trials of two classes into folds.
+// The folds of feature elimination: trials of two classes, as many of each. Those of
+// cross-validation are libsvm's, or runs (svm_library.h, cross_validation.h).
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

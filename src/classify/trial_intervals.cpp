@@ -8,10 +8,9 @@
 namespace {
 
 constexpr int longestInterval = 1000000;
-constexpr int mostVolumes = 999;
 
 int postOnsetFor(int interval, int preOnset) {
-    return std::clamp(interval - preOnset - 1, 0, mostVolumes);
+    return std::clamp(interval - preOnset - 1, 0, mostWindowVolumes);
 }
 
 } // namespace

@@ -36,7 +36,7 @@ void addIntervals(IntervalHistogram& histogram, const std::vector<Trial>& trials
 
 /// What the histogram suggests for the window.
 struct WindowSuggestion {
-    int postOnset = 0;  ///< 0 to 999; as it is where there are no two trials
+    int postOnset = 0;  ///< 0 to mostWindowVolumes; unchanged where there are no two trials
     QStringList report; ///< lines for the log
 };
 /// The smallest distance - pre - 1.

@@ -11,7 +11,6 @@
 namespace {
 
 constexpr int fileVersion = 1;
-constexpr int mostVolumes = 999;
 
 /// Values in the order of their lines.
 enum Line {
@@ -84,8 +83,8 @@ std::optional<TrialOptions> parseTrialSettings(const QString& text) {
         value = *number;
     }
     TrialOptions options;
-    options.preOnset = std::clamp(values[PreOnset], 0, mostVolumes);
-    options.postOnset = std::clamp(values[PostOnset], 0, mostVolumes);
+    options.preOnset = std::clamp(values[PreOnset], 0, mostWindowVolumes);
+    options.postOnset = std::clamp(values[PostOnset], 0, mostWindowVolumes);
     options.useTrialDuration = values[ConditionDuration] != 0;
     options.response = values[StandardTwoGamma] != 0 ? TrialResponse::StandardTwoGamma
                                                      : TrialResponse::MeanResponse;

@@ -43,6 +43,11 @@ std::optional<VoxelList> parseVoxels(const QString& text) {
     return stream.failed() ? std::nullopt : std::optional(voxels);
 }
 
+std::optional<VoxelList> readVoxels(const QString& path) {
+    QString text;
+    return readTextFile(path, text) ? parseVoxels(text) : std::nullopt;
+}
+
 bool voxelsInside(const VoxelList& voxels, const VolumeSize& size) {
     const auto isInside = [](int coordinate, int limit) {
         return coordinate >= 0 && coordinate < limit;
@@ -52,4 +57,10 @@ bool voxelsInside(const VoxelList& voxels, const VolumeSize& size) {
             !isInside(voxels.z[i], size.slices))
             return false;
     return true;
+}
+
+QString mismatchText(size_t nrOfVoxels, int nrOfFeatures) {
+    return QStringLiteral("Expected %1 ROI voxels, but %2 SVM features found")
+        .arg(nrOfVoxels)
+        .arg(nrOfFeatures);
 }

@@ -29,6 +29,7 @@ constexpr int titleBarHeight = 40; // pixels that are kept free for the window's
 /// tell of a change.
 void renewSizeHints(const QWidget& dialog) {
     QWidgetList parts = dialog.findChildren<QWidget*>();
+    parts.removeIf([&dialog](const QWidget* part) { return part->window() != &dialog; });
     for (QWidget* part : parts)
         part->ensurePolished();
     std::ranges::reverse(parts); // what is inside first

@@ -1,10 +1,13 @@
-// Made-up patterns, and a reporter for long work.
+// Made-up patterns and models, and the tools of libsvm.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/progress.h"
-#include "classify/pattern_set.h"
+#include "base/file_writing.h"
+#include "classify/feature_elimination.h"
+#include "support/recorded_progress.h"
 
+#include <QProcess>
+#include <gtest/gtest.h>
 #include <random>
 
 struct Planted {
@@ -42,14 +45,44 @@ inline PatternSet plantedPatterns(const Planted& planted) {
     return patterns;
 }
 
-class CollectedReports : public ProgressReporter {
-public:
-    explicit CollectedReports(bool cancels = false) : cancels_(cancels) {}
-    void setProgress(int percent) override { reports.push_back(percent); }
-    [[nodiscard]] bool cancelled() const override { return cancels_; }
+/// A model with as many classes as there are labels, in this order; class slot i is higher in
+/// feature i.
+inline SVMModel modelOf(const std::vector<double>& labels, int features) {
+    PatternSet patterns;
+    patterns.nrOfFeatures = features;
+    for (size_t i = 0; i < labels.size(); ++i) {
+        std::vector<double> values(size_t(features), 0.1);
+        values[i] = 3.0;
+        patterns.append(labels[i], values);
+    }
+    SVMModel model;
+    EXPECT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
+    return model;
+}
 
-    std::vector<int> reports;
+/// An elimination that is small and quick.
+inline EliminationOptions quickOptions() {
+    return {.firstLevelFolds = 3, .secondLevelFolds = 2, .steps = 3, .svm = {}};
+}
 
-private:
-    bool cancels_;
-};
+/// In the format of libsvm's own tools.
+inline QByteArray toolText(const PatternSet& patterns) {
+    QByteArray text;
+    for (int i = 0; i < patterns.count(); ++i) {
+        text += formatted("%g", patterns.labels[size_t(i)]);
+        int index = 0;
+        for (const double value : patterns.features(i))
+            text += formatted(" %d:%.17g", ++index, value);
+        text += '\n';
+    }
+    return text;
+}
+
+/// What the tool printed.
+inline QByteArray runTool(const QString& tool, const QStringList& arguments) {
+    QProcess process;
+    process.start(tool, arguments);
+    EXPECT_TRUE(process.waitForFinished() && process.exitCode() == 0)
+        << tool.toStdString() << " is needed: scripts/install_packages test";
+    return process.readAllStandardOutput();
+}

@@ -1,10 +1,9 @@
 // When a run predicts, from which volumes, and that it estimates as an offline analysis does.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/live_classifier.h"
-#include "classify/trial_fit.h"
 
-#include <gtest/gtest.h>
-#include <random>
+#include "classify/classify_data.h"
+#include "classify/trial_fit.h"
 
 namespace {
 
@@ -28,20 +27,6 @@ StimulationProtocol twoConditions() {
     return protocol;
 }
 
-/// A model of as many classes as there are labels, in this order; class slot i is 3 in feature i.
-SVMModel modelOf(const std::vector<double>& labels, int features = 3) {
-    PatternSet patterns;
-    patterns.nrOfFeatures = features;
-    for (size_t i = 0; i < labels.size(); ++i) {
-        std::vector<double> values(size_t(features), 0.1);
-        values[i] = 3.0;
-        patterns.append(labels[i], values);
-    }
-    SVMModel model;
-    EXPECT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
-    return model;
-}
-
 class LiveClassifierTest : public testing::Test {
 protected:
     LiveClassifierTest() {
@@ -60,7 +45,7 @@ protected:
     /// Volumes at which there was a prediction.
     std::vector<int> predictions() {
         std::vector<int> due;
-        classifier.start(modelOf({1, -1}), voxels);
+        classifier.start(modelOf({1, -1}, 3), voxels);
         for (int v = 0; v < nrOfVolumes; ++v) {
             if (classifier.step(at(v), options, fault))
                 due.push_back(v);
@@ -76,18 +61,6 @@ protected:
     LiveClassifier classifier;
     QString fault;
 };
-
-std::vector<int> range(int first, int last) {
-    std::vector<int> numbers;
-    for (int i = first; i <= last; ++i)
-        numbers.push_back(i);
-    return numbers;
-}
-
-std::vector<int> joined(std::vector<int> first, const std::vector<int>& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
 
 } // namespace
 
@@ -136,15 +109,19 @@ TEST_F(LiveClassifierTest, WithinAConditionEachVolumeFromDelayToDelayedEndIsDue)
         bool useDuration;
         std::vector<int> due;
     };
-    const std::vector<int> usual = joined(joined(range(11, 14), range(21, 24)), {31, 32});
+    const std::vector<int> usual{11, 12, 13, 14, 21, 22, 23, 24, 31, 32};
     const Case cases[] = {
         {1, 2, 0, false, usual},
         {36, 2, 0, false, usual},
         {37, 2, 0, false, {}}, // 40 points are not below 40 volumes
         {36, 2, 0, true, {}},
         {35, 2, 0, true, {31, 32}}, // the third trial is shorter by 2
-        {1, 0, 0, false, joined(joined(range(9, 12), range(19, 22)), {29, 30})},
-        {1, 2, 3, false, joined(joined(range(11, 17), range(21, 27)), range(31, 35))}};
+        {1, 0, 0, false, {9, 10, 11, 12, 19, 20, 21, 22, 29, 30}},
+        {1,
+         2,
+         3,
+         false,
+         {11, 12, 13, 14, 15, 16, 17, 21, 22, 23, 24, 25, 26, 27, 31, 32, 33, 34, 35}}};
     for (const Case& c : cases) {
         options.pointPreOnset = c.pre;
         options.haemodynamicDelay = c.delay;
@@ -160,7 +137,7 @@ TEST_F(LiveClassifierTest, EstimatesAndPredictsAsOffline) {
     const auto expectLike = [&](int volume, std::vector<int> window, const TrialDesign& design,
                                 const QString& line) {
         SCOPED_TRACE(volume);
-        classifier.start(modelOf({2, 1}), voxels);
+        classifier.start(modelOf({2, 1}, 3), voxels);
         const std::optional<LivePrediction> made = classifier.step(at(volume), options, fault);
         ASSERT_TRUE(made);
         const size_t places[] = {9, 15, 0}; // x + 4 y + 12 z
@@ -171,7 +148,7 @@ TEST_F(LiveClassifierTest, EstimatesAndPredictsAsOffline) {
         EXPECT_EQ(classifier.patterns().values, features);
         EXPECT_EQ(classifier.patterns().labels, std::vector<double>{0.0});
         EXPECT_EQ(classifier.patterns().nrOfFeatures, 3);
-        const double value = -modelOf({2, 1}).decisionValues(features)[0]; // class 2 comes first
+        const double value = -modelOf({2, 1}, 3).decisionValues(features)[0]; // class 2 comes first
         EXPECT_EQ(made->prediction.output, value);
         ASSERT_EQ(classifier.pairValues().size(), 1u);
         EXPECT_EQ(classifier.pairValues()[0], float(value));
@@ -191,19 +168,19 @@ TEST_F(LiveClassifierTest, EstimatesAndPredictsAsOffline) {
     options.mode = PredictionMode::WithinCondition;
     for (const auto& [volume, window] :
          {std::pair(21, std::vector{18, 19, 20, 21}), {24, {18, 19, 20, 24}}})
-        expectLike(volume, window, lastPointDesign(4, options.trial.linearTrend),
+        expectLike(volume, window, lastPointDesign(4, options.trial),
                    QString("Time point:   %1  last trial onset:   20 duration:   4  "
                            "condition id:  3  predicted value: ")
                        .arg(volume));
     options.pointPreOnset = 12;
     expectLike(11, {0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11},
-               lastPointDesign(15, options.trial.linearTrend),
+               lastPointDesign(15, options.trial),
                "Time point:   11  last trial onset:   10 duration:   4  condition id:  2  "
                "predicted value: ");
 }
 
 TEST_F(LiveClassifierTest, OfSeveralClassesAllPairsAreGiven) {
-    classifier.start(modelOf({2, 3, 1}), voxels);
+    classifier.start(modelOf({2, 3, 1}, 3), voxels);
     const std::optional<LivePrediction> made = classifier.step(at(22), options, fault);
     ASSERT_TRUE(made);
     EXPECT_EQ(classifier.nrOfClasses(), 3);
@@ -211,6 +188,8 @@ TEST_F(LiveClassifierTest, OfSeveralClassesAllPairsAreGiven) {
     EXPECT_EQ(predictionLine(*made), "Time point:   23  last trial onset:   20 duration:   4  "
                                      "condition id:  3  predicted class:  " +
                                          QString::number(classifier.predictedClass()));
+    classifier.restart(voxels);
+    EXPECT_EQ(classifier.predictedClass(), 0);
 }
 
 TEST_F(LiveClassifierTest, AMisfitIsSaidAndPredictsNothing) {
@@ -223,7 +202,7 @@ TEST_F(LiveClassifierTest, AMisfitIsSaidAndPredictsNothing) {
     EXPECT_FALSE(classifier.step(at(15), options, fault));
     EXPECT_EQ(fault, "") << "the trial is done with";
     voxels.x[2] = 4;
-    classifier.start(modelOf({1, -1}), voxels);
+    classifier.start(modelOf({1, -1}, 3), voxels);
     EXPECT_FALSE(classifier.step(at(14), options, fault));
     EXPECT_TRUE(fault.contains("outside this run"));
     EXPECT_EQ(classifier.patterns().count(), 0);

@@ -1,31 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/svm_library.h"
 
-#include "classify/svm_model_check.h"
+#include "classify/classify_data.h"
+#include "classify/svm_model_file.h"
 #include "classify/svm_prediction.h"
 #include "support/files.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
-#include <thread>
 
 namespace {
 
-/// Patterns of classes whose means differ, in the order of these labels.
-PatternSet noisyPatterns(const std::vector<int>& labels, int exemplarsPerClass) {
-    PatternSet patterns;
-    patterns.nrOfFeatures = 6;
-    uint32_t random = 12345;
-    for (int i = 0; i < exemplarsPerClass * int(labels.size()); ++i) {
-        const size_t slot = size_t(i) % labels.size();
-        std::vector<double> features;
-        for (size_t f = 0; f < 6; ++f) {
-            random = random * 1664525U + 1013904223U;
-            features.push_back(double(random >> 8) / double(1 << 24) + (f == slot ? 0.6 : 0.0));
-        }
-        patterns.append(labels[slot], features);
-    }
+/// Patterns of classes whose means differ, in the order of these labels. More begin with the same.
+PatternSet labelledPatterns(const std::vector<int>& labels, int exemplarsPerClass) {
+    const int classes = int(labels.size());
+    PatternSet patterns = plantedPatterns({.trials = exemplarsPerClass * classes,
+                                           .features = 6,
+                                           .informative = 6,
+                                           .strength = 1.2,
+                                           .classes = classes});
+    for (size_t i = 0; i < patterns.labels.size(); ++i)
+        patterns.labels[i] = labels[i % labels.size()];
     return patterns;
 }
 
@@ -45,28 +39,6 @@ SVMOptions endless() {
     return options;
 }
 
-/// In the format of libsvm's own tools.
-QByteArray toolText(const PatternSet& patterns) {
-    QByteArray text;
-    for (int i = 0; i < patterns.count(); ++i) {
-        text += QByteArray::number(patterns.labels[size_t(i)], 'g', 17);
-        int index = 0;
-        for (const double value : patterns.features(i))
-            text += ' ' + QByteArray::number(++index) + ':' + QByteArray::number(value, 'g', 17);
-        text += '\n';
-    }
-    return text;
-}
-
-/// What the tool printed.
-QByteArray runTool(const QString& tool, const QStringList& arguments) {
-    QProcess process;
-    process.start(tool, arguments);
-    EXPECT_TRUE(process.waitForFinished() && process.exitCode() == 0)
-        << tool.toStdString() << " is needed: scripts/install_packages test";
-    return process.readAllStandardOutput();
-}
-
 struct ToolCase {
     SVMOptions options; ///< the tool takes its numbers as float, so that these are exact as floats
     std::vector<int> labels;
@@ -79,7 +51,7 @@ TEST_P(SVMTools, GiveTheSameModelPredictionsAndFolds) {
     const QTemporaryDir folder;
     const QString patternPath = folder.filePath("patterns");
     const QString toolModel = folder.filePath("tool.svm"), ownModel = folder.filePath("own.svm");
-    const PatternSet patterns = noisyPatterns(labels, 20);
+    const PatternSet patterns = labelledPatterns(labels, 20);
     writeFile(patternPath, toolText(patterns));
     QStringList arguments{"-t", QString::number(int(options.kernel)),
                           "-c", QString::number(options.C),
@@ -95,9 +67,9 @@ TEST_P(SVMTools, GiveTheSameModelPredictionsAndFolds) {
     ASSERT_TRUE(model.save(ownModel));
     EXPECT_EQ(contentOf(ownModel).toStdString(), contentOf(toolModel).toStdString());
 
-    ASSERT_TRUE(loadModel(toolModel, model));
+    ASSERT_TRUE(readModelFile(toolModel, model));
     EXPECT_EQ(model.nrOfFeatures(), 6);
-    const PatternSet others = noisyPatterns(labels, 40);
+    const PatternSet others = labelledPatterns(labels, 40);
     writeFile(patternPath, toolText(others));
     runTool("svm-predict", {patternPath, toolModel, folder.filePath("predicted")});
     QByteArray predicted;
@@ -127,7 +99,7 @@ INSTANTIATE_TEST_SUITE_P(Kernels, SVMTools,
                                          ToolCase{{SVMKernel::Linear, 1.0}, {1, 2, 3, 4}}));
 
 TEST(SVMTrainer, DealsOtherFoldsWithAnotherSeed) {
-    const PatternSet patterns = noisyPatterns({1, -1}, 40);
+    const PatternSet patterns = labelledPatterns({1, -1}, 40);
     std::vector<double> first, second, other;
     ASSERT_EQ(SVMTrainer().crossValidate(patterns, {}, 5, 7, first), SVMResult::Done);
     ASSERT_EQ(SVMTrainer().crossValidate(patterns, {}, 5, 7, second), SVMResult::Done);
@@ -155,18 +127,6 @@ TEST(SVMTrainer, LeavesTheSolverWhenItIsStopped) {
     EXPECT_EQ(predicted.size(), 60U);
 }
 
-TEST(SVMTrainer, IsStoppedByAnotherThread) {
-    SVMModel model;
-    SVMResult result = SVMResult::Done;
-    std::jthread worker([&](const std::stop_token& stop) {
-        result = SVMTrainer(stop).train(overlapping(), endless(), model);
-    });
-    worker.request_stop();
-    worker.join();
-    EXPECT_EQ(result, SVMResult::Stopped);
-    EXPECT_TRUE(model.isEmpty());
-}
-
 TEST(SVMTrainer, WarnsOfASolverThatGaveUp) {
     testing::internal::CaptureStderr();
     SVMModel model;
@@ -180,7 +140,7 @@ TEST(SVMTrainer, WarnsOfASolverThatGaveUp) {
 TEST(SVMTrainer, KeepsWhatLibsvmPrintsFromTheConsole) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    PatternSet oneClass = noisyPatterns({1}, 3);
+    PatternSet oneClass = labelledPatterns({1}, 3);
     SVMModel model;
     std::vector<double> predicted;
     SVMTrainer trainer;

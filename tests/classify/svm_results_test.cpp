@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "classify/svm_model_check.h"
+#include "classify/svm_model_file.h"
 #include "classify/svm_prediction.h"
 #include "classify/svm_weights.h"
 #include "support/files.h"
@@ -16,7 +16,7 @@ SVMModel loaded(const QByteArray& content) {
     const ScriptedMessages messages;
     writeFile(folder.filePath("model.svm"), content);
     SVMModel model;
-    EXPECT_TRUE(loadModel(folder.filePath("model.svm"), model));
+    EXPECT_TRUE(readModelFile(folder.filePath("model.svm"), model));
     return model;
 }
 
@@ -83,33 +83,22 @@ TEST(SVMWeights, OfSeveralClassesAddTheirPairsByRisingLabel) {
     EXPECT_EQ(svmConstants(model), (std::vector{0.0, -1.0, 2.0}));
 }
 
-// With a linear kernel the decision values themselves follow from weights and constants.
+// With a linear kernel the decision values, which libsvm computes, follow from weights and
+// constants.
 TEST(SVMWeights, ReproduceTheDecisionValuesOfALinearMachine) {
-    PatternSet patterns;
-    patterns.nrOfFeatures = 4;
-    for (int i = 0; i < 40; ++i)
-        patterns.append(4 - i % 4, std::vector{i * 37 % 11 / 9.0, i * 53 % 13 / 9.0 + i % 4 * 0.3,
-                                               i * 17 % 7 / 5.0, i % 4 == 2 ? 1.0 : i % 5 * 0.2});
-    SVMModel model;
-    ASSERT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
+    const SVMModel model = loaded(QByteArray(threeClassModel).replace("rbf\ngamma 0.5", "linear"));
+    const std::vector<double> features{0.7, -1.3, 2.9};
+    const std::vector<double> pairs = predict(model, features).pairValues;
+    const std::vector<double> b = svmConstants(model);
+    const double margins[] = {pairs[0] - b[0], pairs[1] - b[1], pairs[2] - b[2]};
+    // The slots are of labels 3, 1, 2; the weights rise by label.
+    const double expected[] = {margins[2] - margins[0], -margins[1] - margins[2],
+                               margins[0] + margins[1]};
     const std::vector<SVMWeights> weights = svmWeights(model);
-    const std::vector<double> constants = svmConstants(model);
-    for (int exemplar = 0; exemplar < 10; ++exemplar) {
-        const std::vector<double> pairs = predict(model, patterns.features(exemplar)).pairValues;
-        std::vector<double> sums(4, 0.0);
-        for (size_t i = 0, pair = 0; i < 4; ++i)
-            for (size_t j = i + 1; j < 4; ++j, ++pair) {
-                sums[i] += pairs[pair] - constants[pair];
-                sums[j] -= pairs[pair] - constants[pair];
-            }
-        for (size_t slot = 0; slot < 4; ++slot) {
-            const SVMWeights& row = weights[3 - slot]; // labels fall from 4 in the patterns
-            ASSERT_EQ(row.label, model.labels()[slot]);
-            EXPECT_NEAR(std::inner_product(row.values.begin(), row.values.end(),
-                                           patterns.features(exemplar).begin(), 0.0),
-                        sums[slot], 1e-12);
-        }
-    }
+    for (size_t row = 0; row < 3; ++row)
+        EXPECT_NEAR(
+            std::inner_product(features.begin(), features.end(), weights[row].values.begin(), 0.0),
+            expected[row], 1e-12);
 }
 
 /// With the only feature at 0, only the constants decide: one for each pair.
@@ -156,7 +145,7 @@ TEST(PredictionReport, CountsWhatIsRightAndWhatIsTakenForWhat) {
     EXPECT_EQ(PredictionReport().percentRight(), 0.0);
 }
 
-TEST(SVMModelCheck, TakesWhatLibsvmCanRead) {
+TEST(SVMModelFile, TakesWhatLibsvmCanRead) {
     for (const QByteArray& content :
          {threeClassModel, QByteArray(threeClassModel).replace("\n", "\r\n"),
           QByteArray(threeClassModel).replace(" \n", "\n"),
@@ -167,7 +156,7 @@ TEST(SVMModelCheck, TakesWhatLibsvmCanRead) {
         EXPECT_EQ(faultOfModelFile(content), "");
 }
 
-TEST(SVMModelCheck, SaysWhatIsWrong) {
+TEST(SVMModelFile, SaysWhatIsWrong) {
     struct Damage {
         const char *from, *to, *fault;
     };
@@ -219,27 +208,13 @@ TEST(SVMModelCheck, SaysWhatIsWrong) {
     EXPECT_EQ(faultOfModelFile(empty), "Line 11: no support vector has a feature.");
 }
 
-TEST(SVMModelCheck, RefusesAModelThatWasCutAnywhere) {
+TEST(SVMModelFile, RefusesAModelThatWasCutAnywhere) {
     for (qsizetype bytes = 0; bytes < threeClassModel.size(); ++bytes)
         EXPECT_NE(faultOfModelFile(threeClassModel.left(bytes)), "") << bytes;
-    PatternSet patterns;
-    patterns.nrOfFeatures = 40;
-    for (int i = 0; i < 30; ++i) {
-        patterns.append(i % 3, std::vector<double>(40, i * 7 % 13));
-        patterns.features(i)[size_t(i)] = 0.1 * i;
-    }
-    const QTemporaryDir folder;
-    SVMModel model;
-    ASSERT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
-    ASSERT_TRUE(model.save(folder.filePath("model.svm")));
-    const QByteArray content = contentOf(folder.filePath("model.svm"));
-    EXPECT_EQ(faultOfModelFile(content), "");
-    for (qsizetype bytes = 0; bytes < content.size(); bytes += 64)
-        EXPECT_NE(faultOfModelFile(content.left(bytes)), "") << bytes;
 }
 
 // Whatever passes the check is read by libsvm, and silently.
-TEST(SVMModelCheck, KeepsWhatLibsvmCanNotReadFromIt) {
+TEST(SVMModelFile, KeepsWhatLibsvmCanNotReadFromIt) {
     testing::internal::CaptureStderr();
     for (qsizetype at = 0; at < threeClassModel.size(); ++at)
         for (const char character : {' ', '\n', ':', '9', '-', '\0'}) {
@@ -252,7 +227,7 @@ TEST(SVMModelCheck, KeepsWhatLibsvmCanNotReadFromIt) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(SVMModelCheck, ShowsAMessageAndKeepsTheModel) {
+TEST(SVMModelFile, ShowsAMessageAndKeepsTheModel) {
     const QTemporaryDir folder;
     const QString path = folder.filePath("model.svm");
     ScriptedMessages messages;
@@ -260,7 +235,7 @@ TEST(SVMModelCheck, ShowsAMessageAndKeepsTheModel) {
     for (const char* fault : {"It can not be opened for reading.", "Line 1: the file ends here."}) {
         messages.expectCritical("ERROR: The model file \"" + path + "\" can not be used!\n\n" +
                                 fault);
-        EXPECT_FALSE(loadModel(path, model));
+        EXPECT_FALSE(readModelFile(path, model));
         EXPECT_EQ(model.nrOfClasses(), 3);
         writeFile(path, "svm_type");
     }

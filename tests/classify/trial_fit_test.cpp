@@ -46,6 +46,8 @@ RunVolumes makeRun() {
     return volumes;
 }
 
+const TrialOptions trend{.linearTrend = true};
+
 /// One trial of a run with these samples in its only voxel.
 float valueOf(const TrialFit& fit, const std::vector<int>& samples) {
     RunVolumes volumes;
@@ -134,33 +136,33 @@ TEST(TrialFit, LeavesDarkVoxelsAsTheyAre) {
 
 TEST(TrialFit, ComparesTheLastPointWithThoseBefore) {
     const std::vector<int> samples{10, 12, 14, 12, 30};
-    const TrialDesign design = lastPointDesign(5, false);
+    const TrialDesign design = lastPointDesign(5, {});
     EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::Beta, false}, samples), 18.0f);
     EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::PercentBeta, false}, samples), 150.0f);
     // Squared residuals 8, and 3 degrees of freedom.
     const float t = 18.0f / std::sqrt(8.0f / 3.0f * 1.25f);
     EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::TValue, false}, samples), t);
     EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::TValue, true}, samples), t);
-    EXPECT_FLOAT_EQ(valueOf({lastPointDesign(3, false), TrialEstimate::Beta, true}, {1, 1, 4}),
+    EXPECT_FLOAT_EQ(valueOf({lastPointDesign(3, {}), TrialEstimate::Beta, true}, {1, 1, 4}),
                     3.0f / std::sqrt(2.0f)); // three points are enough to normalize
     EXPECT_FALSE(
-        TrialFit({lastPointDesign(3, false), TrialEstimate::Beta, true}).skipsNormalization());
+        TrialFit({lastPointDesign(3, {}), TrialEstimate::Beta, true}).skipsNormalization());
     // The trend goes on: the last point lies 2 above it.
-    EXPECT_NEAR(valueOf({lastPointDesign(5, true), TrialEstimate::Beta, false}, {5, 6, 7, 8, 11}),
+    EXPECT_NEAR(valueOf({lastPointDesign(5, trend), TrialEstimate::Beta, false}, {5, 6, 7, 8, 11}),
                 2.0f, 1e-5f);
 }
 
 TEST(TrialFit, GivesZeroWhereNothingCanBeSaid) {
-    const TrialDesign design = lastPointDesign(4, false);
+    const TrialDesign design = lastPointDesign(4, {});
     EXPECT_EQ(valueOf({design, TrialEstimate::TValue, false}, {9, 9, 9, 40}), 0.0f); // no error
     EXPECT_EQ(valueOf({design, TrialEstimate::PercentBeta, false}, {0, 0, 0, 40}), 0.0f);
-    EXPECT_EQ(valueOf({lastPointDesign(2, false), TrialEstimate::TValue, false}, {1, 9}), 0.0f);
+    EXPECT_EQ(valueOf({lastPointDesign(2, {}), TrialEstimate::TValue, false}, {1, 9}), 0.0f);
     EXPECT_EQ(valueOf({design, TrialEstimate::Beta, true}, {-700, -700, -700, -700}), 0.0f);
     // A response of ones: it can't be told from the constant, and they share the mean.
     const std::vector<double> ones(4, 1.0);
-    EXPECT_NEAR(valueOf({measuredResponseDesign(ones, false), TrialEstimate::Beta, false},
-                        {90, 110, 95, 105}),
-                50.0f, 1e-4f);
+    EXPECT_NEAR(
+        valueOf({measuredResponseDesign(ones, {}), TrialEstimate::Beta, false}, {90, 110, 95, 105}),
+        50.0f, 1e-4f);
 }
 
 TEST(TrialDesign, TakesWhatTheOptionsSay) {
@@ -176,8 +178,8 @@ TEST(TrialDesign, TakesWhatTheOptionsSay) {
     options.response = TrialResponse::AdjustedTwoGamma;
     EXPECT_NE(trialDesign(options, 2, 2000.0f).X, standard.X);
     const std::vector<double> last{0, 0, 0, 1};
-    EXPECT_EQ(measuredResponseDesign(last, true).solution, lastPointDesign(4, true).solution);
-    EXPECT_EQ(measuredResponseDesign(last, true).X,
+    EXPECT_EQ(measuredResponseDesign(last, trend).solution, lastPointDesign(4, trend).solution);
+    EXPECT_EQ(measuredResponseDesign(last, trend).X,
               (std::vector<double>{0, 1, 0, 0, 1, 1.0 / 3, 0, 1, 2.0 / 3, 1, 1, 1}));
 }
 
@@ -191,8 +193,8 @@ TEST(TrialDesign, StandsDamagedProtocols) {
     EXPECT_EQ(volumesAfterOnset(options, trialDuration(-5, 2147483647)), 1000000000);
     EXPECT_EQ(trialDesign(options, -8, 2000.0f).nrOfPoints, 0);
     EXPECT_EQ(trialDesign(options, -7, 2000.0f).nrOfPoints, 1);
-    EXPECT_EQ(lastPointDesign(0, true).nrOfPoints, 0);
-    EXPECT_EQ(lastPointDesign(1, true).X, (std::vector<double>{1, 1, 0}));
+    EXPECT_EQ(lastPointDesign(0, trend).nrOfPoints, 0);
+    EXPECT_EQ(lastPointDesign(1, trend).X, (std::vector<double>{1, 1, 0}));
     options.useTrialDuration = false;
     EXPECT_EQ(trialDesign(options, 1000000000, 0.0f).nrOfPoints, 8);
     EXPECT_EQ(windowVolumes(-2, 6, 3), (std::vector{0, 0, 0, 1, 2, 2}));

@@ -1,7 +1,7 @@
 // Files of the classification of trials: estimates, settings, patterns, machines.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/pattern_file.h"
-#include "classify/svm_model_check.h"
+#include "classify/svm_model_file.h"
 #include "classify/svm_weights.h"
 #include "classify/trial_maps.h"
 #include "classify/trial_settings_file.h"

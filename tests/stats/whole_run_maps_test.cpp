@@ -7,6 +7,7 @@
 #include "stats/statistical_maps.h"
 #include "stats/thresholds.h"
 #include "stats/whole_run_glm.h"
+#include "support/recorded_progress.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -63,15 +64,11 @@ private:
     std::vector<int16_t> samples_;
 };
 
-class Silent : public ProgressReporter {
-    void setProgress(int) override {}
-};
-
 WholeRunModel fittedModel(bool corrected, WholeRunDesign design = makeDesign()) {
     WholeRunModel model;
     design.CorrectSerialCorrelations = corrected;
     OneSlice samples(samplesOf(design));
-    Silent progress;
+    RecordedProgress progress;
     EXPECT_EQ(fitWholeRunModel(model, design, imageSize, samples, progress), WholeRunFit::Done);
     return model;
 }

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/progress.h"
+#include "support/recorded_progress.h"
 #include "volume/fmr_project.h"
 
 #include <functional>
@@ -35,13 +35,3 @@ inline std::vector<int16_t> samplesOf(const FMRProject& project) {
         samples.insert(samples.end(), project.volumes[v].begin(), project.volumes[v].end());
     return samples;
 }
-
-/// Collects the values, and cancels once `cancelAt` percent are reached.
-struct RecordedProgress : ProgressReporter {
-    void setProgress(int percent) override { values.push_back(percent); }
-    [[nodiscard]] bool cancelled() const override {
-        return !values.empty() && values.back() >= cancelAt;
-    }
-    std::vector<int> values;
-    int cancelAt = 101;
-};

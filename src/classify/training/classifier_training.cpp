@@ -77,11 +77,11 @@ void tellFault(const QString& text, bool fatal) {
 } // namespace
 
 ClassifierTraining::ClassifierTraining(RunSession& session, TrainingDisplay& display)
-    : session_(session), display_(display) {}
+    : weightMaps(display), session_(session), display_(display) {}
 
 ClassifierTraining::~ClassifierTraining() = default;
 
-// The session tells of it; there is no work to be done.
+// Unless the session is idle, analyse() tells the operator to wait; its work here is empty.
 bool ClassifierTraining::isIdle() {
     return session_.phase.isIdle() || session_.analyse({}, [](ProgressReporter&) { return true; });
 }
@@ -126,13 +126,16 @@ void ClassifierTraining::showRun(int row) {
     display_.refreshControls();
 }
 
-bool ClassifierTraining::readProtocols(std::vector<StimulationProtocol>& protocols) const {
+bool ClassifierTraining::hasRunsAndConditions() const {
     if (runs_.isEmpty())
         return fail("No time course data available as input!\n\nAdd functional data sets and then "
                     "try again.");
-    if (selectedConditions_.isEmpty())
-        return fail("No condition selected; you must select at least one condition in the "
-                    "protocol condition list in order to run single-trial analysis.");
+    return !selectedConditions_.isEmpty() ||
+           fail("No condition selected; you must select at least one condition in the "
+                "protocol condition list in order to run single-trial analysis.");
+}
+
+bool ClassifierTraining::readProtocols(std::vector<StimulationProtocol>& protocols) const {
     const QStringList conditions = selectedConditions_;
     for (const QString& run : QStringList(runs_)) {
         StimulationProtocol protocol;
@@ -145,7 +148,7 @@ bool ClassifierTraining::readProtocols(std::vector<StimulationProtocol>& protoco
 
 bool ClassifierTraining::suggestWindow() {
     std::vector<StimulationProtocol> protocols;
-    if (!readProtocols(protocols))
+    if (!hasRunsAndConditions() || !readProtocols(protocols))
         return false;
     IntervalHistogram histogram;
     for (const StimulationProtocol& protocol : protocols)
@@ -158,8 +161,10 @@ bool ClassifierTraining::suggestWindow() {
 }
 
 bool ClassifierTraining::estimateTrials() {
+    if (!isIdle() || !hasRunsAndConditions() || !wantsToGoOn(selectedConditions_.size()))
+        return false;
     EstimationPlan plan{runs_, {}, selectedConditions_, options, {}, {}};
-    if (!isIdle() || !readProtocols(plan.protocols) || !wantsToGoOn(plan.conditions.size()))
+    if (!readProtocols(plan.protocols))
         return false;
     if (const RegionOfInterest* region = chosenRegion()) {
         plan.region = region->voxels;
@@ -178,16 +183,10 @@ bool ClassifierTraining::estimateTrials() {
             addTrialFile(file, classesOfMaps(maps.names));
     }
     if (outcome.document)
-        replaceDocument(std::move(outcome.document));
+        weightMaps.setDocument(std::move(outcome.document));
     display_.refreshControls();
     tellFault(estimationFault(outcome), endsProgram(outcome.end));
     return done;
-}
-
-void ClassifierTraining::replaceDocument(std::unique_ptr<QtCortivoDoc> document) {
-    display_.mapsLeaving();
-    weights_.clear();
-    document_ = std::move(document);
 }
 
 void ClassifierTraining::addTrialFile(const QString& path, const std::vector<TrialClass>& classes) {
@@ -287,7 +286,7 @@ bool ClassifierTraining::createPatterns() {
                               return made.end == PatternEnd::Done;
                           }) &&
         made.end == PatternEnd::Done)
-        return false; // another work has begun meanwhile
+        return false; // other work has begun meanwhile
     if (made.end != PatternEnd::Done) {
         tellFault(patternFault(made), made.end == PatternEnd::UnknownClass);
         return false;
@@ -322,7 +321,7 @@ bool ClassifierTraining::writePatterns(const PatternPlan& plan, const MadePatter
 }
 
 QString ClassifierTraining::folder() const {
-    if (document_)
-        return document_->project.targetFolder;
+    if (const QtCortivoDoc* run = weightMaps.document())
+        return run->project.targetFolder;
     return paths::folderWithSlash(trialFiles_.value(0));
 }

@@ -5,11 +5,11 @@
 #include "classify/cross_validation.h"
 #include "classify/feature_scaling.h"
 #include "classify/svm_prediction.h"
-#include "classify/svm_weights.h"
+#include "classify/training/training_display.h"
+#include "classify/training/weight_maps.h"
 #include "classify/trial_maps.h"
 #include "classify/trial_options.h"
-#include "run/document/qt_cortivo_doc.h"
-#include "stats/thresholds.h"
+#include "run/protocol/stimulation_protocol.h"
 
 #include <map>
 #include <memory>
@@ -37,21 +37,6 @@ struct TrainingChoices {
     bool operator==(const TrainingChoices&) const = default;
 };
 
-/// What shows the work: the dialog; a test collects what it is told.
-class TrainingDisplay {
-public:
-    virtual ~TrainingDisplay() = default;
-    /// A line, or several, for the log.
-    virtual void log(const QString& text) = 0;
-    /// Lists, files or choices have changed: the controls show them.
-    virtual void refreshControls() = 0;
-    /// The private document or its maps are about to go, or to be replaced: the view of its slices
-    /// lets go of them.
-    virtual void mapsLeaving() = 0;
-    /// The private document has new maps: the view of its slices shows them.
-    virtual void showMaps() = 0;
-};
-
 /// Lists of runs, trial files and classes, the patterns and the model, and each operation on them.
 /// Runs are loaded into a document of its own, so that the run in memory stays as it is; that run
 /// gives the regions. Long work is done in the session's phase Analysing, with a progress box, and
@@ -66,6 +51,7 @@ public:
 
     TrialOptions options;    ///< of the estimation; edited by the dialog
     TrainingChoices choices; ///< likewise
+    WeightMaps weightMaps;   ///< of the last training, over the run that was loaded last
 
     // Runs and the estimation of their trials.
 
@@ -118,16 +104,6 @@ public:
     /// Of the last training or test; empty before one.
     [[nodiscard]] const PredictionReport& predictions() const { return predictions_; }
     [[nodiscard]] const PermutationTest& permutationTest() const { return permutations_; }
-    /// The run that was loaded last with its weights as maps; null without one.
-    [[nodiscard]] QtCortivoDoc* document() { return document_.get(); }
-    OverlayThresholds thresholds; ///< of the maps of that document, for the view of its slices
-    /// Names of the maps of the last training: one of two classes, else one for each class; none
-    /// where weights and voxels don't fit together.
-    [[nodiscard]] QStringList mapNames() const;
-    /// Puts one of these maps into the document, from 0, or with allMaps all of them, of which a
-    /// view shows the first four; they were all there after the training.
-    void selectMap(int map);
-    static constexpr int allMaps = -1;
     /// Where files of training are written: the target folder of the run that was loaded last, else
     /// that of the first trial file; with "/" at the end.
     [[nodiscard]] QString folder() const;
@@ -137,19 +113,20 @@ private:
     [[nodiscard]] bool isIdle();
     [[nodiscard]] const RegionOfInterest* chosenRegion() const;
     void listConditions(const StimulationProtocol& protocol);
+    /// There is something to estimate. False after a message.
+    [[nodiscard]] bool hasRunsAndConditions() const;
     /// The protocols of all runs, checked. False after a message.
     [[nodiscard]] bool readProtocols(std::vector<StimulationProtocol>& protocols) const;
     void addTrialFile(const QString& path, const std::vector<TrialClass>& classes);
     void gatherClasses();
     [[nodiscard]] bool planPatterns(PatternPlan& plan) const;
     [[nodiscard]] bool writePatterns(const PatternPlan& plan, const MadePatterns& made);
-    void replaceDocument(std::unique_ptr<QtCortivoDoc> document);
 
     /// Patterns for training, without a fault and scaled. False after a message.
     [[nodiscard]] bool readScaledPatterns(PatternSet& patterns, FeatureScaling& scaling,
                                           bool forFolds) const;
     [[nodiscard]] bool readModel(SVMModel& model) const;
-    void showWeights();
+    void showWeights(std::vector<SVMWeights> weights);
     /// The voxels of the features; none, after a line in the log, where they don't fit.
     [[nodiscard]] std::optional<VoxelList> voxelsOfFeatures(int nrOfFeatures) const;
     void loadDocument();
@@ -167,7 +144,4 @@ private:
     FeatureScaling scaling_;
     PredictionReport predictions_;
     PermutationTest permutations_;
-    std::vector<SVMWeights> weights_; ///< of the last training, if they are maps
-    VoxelList weightVoxels_;
-    std::unique_ptr<QtCortivoDoc> document_;
 };

@@ -3,15 +3,12 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/plain_file.h"
-#include "base/program_end.h"
-#include "base/text_reading.h"
 #include "classify/pattern_file.h"
-#include "classify/svm_model_check.h"
+#include "classify/svm_model_file.h"
 #include "classify/training/classifier_training.h"
 #include "classify/training/finished_runs.h"
 #include "classify/training/machine_training.h"
 #include "classify/training/training_reports.h"
-#include "classify/training/weight_maps.h"
 #include "classify/voxels_file.h"
 #include "run/session/run_session.h"
 
@@ -32,16 +29,7 @@ void tellEnd(SVMResult result, const QString& stopped, TrainingDisplay& display)
 
 /// Voxels beside the patterns; nothing where they are not, or not whole.
 std::optional<VoxelList> voxelsBeside(const QString& patternPath) {
-    QString text;
-    return readTextFile(paths::folderWithSlash(patternPath) + voxelsFileName, text)
-               ? parseVoxels(text)
-               : std::nullopt;
-}
-
-QString mismatchText(size_t nrOfVoxels, int nrOfFeatures) {
-    return QStringLiteral("Expected %1 ROI voxels, but %2 SVM features found")
-        .arg(nrOfVoxels)
-        .arg(nrOfFeatures);
+    return readVoxels(paths::folderWithSlash(patternPath) + voxelsFileName);
 }
 
 } // namespace
@@ -59,14 +47,11 @@ bool ClassifierTraining::readScaledPatterns(PatternSet& patterns, FeatureScaling
                                             bool forFolds) const {
     if (!readPatterns(patterns))
         return false;
+    scaling = learnScaling(patterns, choices.scaling);
+    applyScaling(scaling, patterns);
     QString fault = faultOfTraining(patterns, choices.svm);
     if (fault.isEmpty() && forFolds)
         fault = faultOfFolds(patterns, choices.folds);
-    if (fault.isEmpty()) {
-        scaling = learnScaling(patterns, choices.scaling);
-        applyScaling(scaling, patterns);
-        fault = faultOfTraining(patterns, choices.svm);
-    }
     return fault.isEmpty() || fail(fault);
 }
 
@@ -89,16 +74,19 @@ bool ClassifierTraining::train() {
         tellEnd(machine.result, "The training was stopped.", display_);
         return false;
     }
+    if (!isUsable(machine.model))
+        return fail("The training has not led to a classifier: values of the kernel are too "
+                    "large.\n\nScale the features, or use a smaller degree or gamma.");
     if (!saveMachine(modelPathOf(source), machine.model, scaling))
         return false;
     modelPath_ = modelPathOf(source);
     scaling_ = scaling;
-    choices.svm.C = machine.options.C;
+    if (machine.options.C != chosen.svm.C) // of a search
+        choices.svm.C = machine.options.C;
     predictions_ = std::move(machine.predictions);
-    weights_ = svmWeights(machine.model);
     display_.log(constantsReport(svmConstants(machine.model)));
     display_.log(trainingPredictions(predictions_));
-    showWeights();
+    showWeights(svmWeights(machine.model));
     display_.refreshControls();
     return true;
 }
@@ -110,7 +98,7 @@ std::optional<VoxelList> ClassifierTraining::voxelsOfFeatures(int nrOfFeatures) 
         fault = QStringLiteral("Can not find \"%1\" beside the patterns").arg(voxelsFileName);
     else if (voxels->size() != size_t(nrOfFeatures))
         fault = mismatchText(voxels->size(), nrOfFeatures);
-    else if (!voxelsInside(*voxels, document_->project.size()))
+    else if (!voxelsInside(*voxels, weightMaps.document()->project.size()))
         fault = "The voxels of the region lie outside the run";
     if (fault.isEmpty())
         return voxels;
@@ -120,7 +108,7 @@ std::optional<VoxelList> ClassifierTraining::voxelsOfFeatures(int nrOfFeatures) 
 
 // The run that is listed last, for its slices.
 void ClassifierTraining::loadDocument() {
-    if (document_ || runs_.isEmpty())
+    if (weightMaps.document() || runs_.isEmpty())
         return;
     std::unique_ptr<QtCortivoDoc> document;
     const QString run = runs_.last();
@@ -128,44 +116,23 @@ void ClassifierTraining::loadDocument() {
         document = loadFinishedRun(run);
         return document != nullptr;
     }));
-    document_ = std::move(document);
-    if (document_)
-        document_->project.volumes.clear();
+    if (!document)
+        return;
+    document->project.volumes.clear();
+    weightMaps.setDocument(std::move(document));
 }
 
-void ClassifierTraining::showWeights() {
+void ClassifierTraining::showWeights(std::vector<SVMWeights> weights) {
     loadDocument();
-    if (!document_) {
+    std::optional<VoxelList> voxels;
+    if (weightMaps.document())
+        voxels = voxelsOfFeatures(int(weights.front().values.size()));
+    else
         display_.log("No run is loaded - the weights are not shown as maps.");
-        weights_.clear();
-        return;
-    }
-    const auto voxels = voxelsOfFeatures(int(weights_.front().values.size()));
-    if (!voxels) {
-        display_.mapsLeaving();
-        weights_.clear();
-        document_->contrasts.clear();
-        static_cast<void>(document_->maps.allocateMaps(0, document_->project.size()));
-        return;
-    }
-    weightVoxels_ = *voxels;
-    thresholds = weightThresholds(weights_);
-    selectMap(allMaps);
-}
-
-QStringList ClassifierTraining::mapNames() const {
-    return weightMapNames(weights_);
-}
-
-void ClassifierTraining::selectMap(int map) {
-    if (!document_ || weights_.empty() || map < allMaps || map >= int(weights_.size()))
-        return;
-    if (!putWeightMaps(*document_, weights_, weightVoxels_, map)) {
-        showCritical("ERROR: Not enough memory for contrast maps - terminating Cortivo...");
-        endProgram(1);
-        return;
-    }
-    display_.showMaps();
+    if (voxels)
+        weightMaps.show(std::move(weights), std::move(*voxels));
+    else
+        weightMaps.clear();
 }
 
 bool ClassifierTraining::chooseModel(const QString& path) {
@@ -173,7 +140,7 @@ bool ClassifierTraining::chooseModel(const QString& path) {
     FeatureScaling scaling;
     if (!fileExists(path))
         return fail("Can not find specified model file");
-    if (!loadModel(path, model) || !readScalingOfModel(path, scaling))
+    if (!readModelFile(path, model) || !readScalingOfModel(path, scaling))
         return false;
     modelPath_ = path;
     scaling_ = std::move(scaling);
@@ -186,7 +153,7 @@ bool ClassifierTraining::readModel(SVMModel& model) const {
         return fail("No model file available!\n\nFirst train or load a SVM classifier.");
     if (!fileExists(modelPath_))
         return fail("Can not find specified model file");
-    return loadModel(modelPath_, model);
+    return readModelFile(modelPath_, model);
 }
 
 bool ClassifierTraining::test() {

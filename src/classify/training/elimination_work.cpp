@@ -3,12 +3,13 @@
 
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "classify/pattern_file.h"
+#include "classify/training/machine_training.h"
 #include "regions/roi_file.h"
 #include "regions/vom_file.h"
 #include "run/session/run_session.h"
 
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <algorithm>
 #include <numeric>
@@ -17,10 +18,6 @@ namespace {
 
 /// The region's file need not belong to the run in memory.
 constexpr VolumeSize anyVolume{32768, 32768, 32768};
-
-bool isFile(const QString& path) {
-    return !path.isEmpty() && QFileInfo(path).isFile();
-}
 
 void warn(const QString& text, const QString& detail) {
     showWarning(text + "\n\n" + detail);
@@ -49,7 +46,7 @@ const SavedRegion* matchingRegion(const SavedRegions& saved, int nrOfFeatures, i
 bool readRegion(const EliminationFiles& files, int nrOfFeatures,
                 std::optional<SavedRegion>& region) {
     SavedRegions saved;
-    if (!isFile(files.region))
+    if (!fileExists(files.region))
         return true;
     if (!readROIFile(files.region, anyVolume, saved))
         return false;
@@ -68,13 +65,13 @@ bool readRegion(const EliminationFiles& files, int nrOfFeatures,
 }
 
 bool filesAreGiven(const EliminationFiles& files) {
-    if (!isFile(files.patterns)) {
+    if (!fileExists(files.patterns)) {
         warn("MVP file with training data not found!",
              "Select a MVP file using the Browse (\"...\") button. To create a MVP file, use the "
              "tools in the \"Multi-Voxel Pattern Classification\" dialog.");
         return false;
     }
-    return isFile(files.region) ||
+    return fileExists(files.region) ||
            askQuestion("ROI file with voxel coordinates not found! Visualization of resulting "
                        "weights and rank smoothing not possible\n\nSelect a ROI file using the "
                        "Browse (\"...\") button. Do you want to continue?");
@@ -89,8 +86,12 @@ struct Inputs {
 bool readInputs(const EliminationFiles& files, const EliminationOptions& options, Inputs& inputs) {
     if (!filesAreGiven(files) || !readPatternFile(files.patterns, inputs.patterns))
         return false;
-    if (const auto fault = faultOfPatterns(inputs.patterns, options)) {
+    if (const auto fault = faultOfElimination(inputs.patterns, options)) {
         warn(fault->text, fault->detail);
+        return false;
+    }
+    if (const QString fault = faultOfTraining(inputs.patterns, options.svm); !fault.isEmpty()) {
+        warn(fault, "Can not continue!");
         return false;
     }
     return readRegion(files, inputs.patterns.nrOfFeatures, inputs.region);

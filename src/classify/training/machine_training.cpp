@@ -4,16 +4,30 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/plain_file.h"
-#include "base/text_reading.h"
 #include "classify/training/restored_files.h"
 #include "classify/training/training_reports.h"
 
+#include <QRegularExpression>
 #include <cmath>
+#include <numeric>
 
 namespace {
 
 bool isWholeLabel(double label) {
     return std::fabs(label) <= 1e6 && label == std::trunc(label);
+}
+
+/// libsvm keeps products of exemplars in single precision: those of larger ones overflow.
+bool productsFit(const PatternSet& patterns) {
+    constexpr double largestProduct = 1e37;
+    for (int i = 0; i < patterns.count(); ++i) {
+        const std::span<const double> features = patterns.features(i);
+        const double square =
+            std::inner_product(features.begin(), features.end(), features.begin(), 0.0);
+        if (!(square <= largestProduct))
+            return false;
+    }
+    return true;
 }
 
 bool searchesC(const TrainingChoices& choices) {
@@ -23,7 +37,10 @@ bool searchesC(const TrainingChoices& choices) {
 
 /// What libsvm has printed, if anything.
 void logPrinted(const std::string& printed, const std::function<void(const QString&)>& log) {
-    const QString text = QString::fromStdString(printed).trimmed();
+    // The solver's marks of its progress, of which there may be thousands, tell nothing afterwards.
+    static const QRegularExpression marks(QStringLiteral("^[.*]+\\n?"),
+                                          QRegularExpression::MultilineOption);
+    const QString text = QString::fromStdString(printed).remove(marks).trimmed();
     if (!text.isEmpty())
         log(text);
 }
@@ -59,9 +76,9 @@ SVMResult validate(const PatternSet& patterns, const TrainingChoices& choices, S
 QString faultOfTraining(const PatternSet& patterns, const SVMOptions& options) {
     if (patterns.count() == 0 || patterns.nrOfFeatures == 0)
         return "The file of patterns has no exemplars, or these have no features.";
-    if (!patterns.isFinite())
-        return "The patterns hold values that are not finite.\n\nCreate them again, or change "
-               "their scaling.";
+    if (!patterns.isFinite() || !productsFit(patterns))
+        return "The patterns hold values that are not finite, or too large.\n\nCreate them again, "
+               "or change their scaling.";
     if (!std::all_of(patterns.labels.begin(), patterns.labels.end(), isWholeLabel))
         return "The patterns have labels that are not whole numbers.";
     if (labelCounts(patterns).size() < 2)
@@ -100,6 +117,13 @@ TrainedMachine trainMachine(const PatternSet& patterns, const TrainingChoices& c
     return machine;
 }
 
+bool isUsable(const SVMModel& model) {
+    const std::vector<double> rho = model.rho();
+    const std::vector<int> vectors = model.supportVectorsOfClasses();
+    return std::all_of(rho.begin(), rho.end(), [](double value) { return std::isfinite(value); }) &&
+           std::any_of(vectors.begin(), vectors.end(), [](int count) { return count > 0; });
+}
+
 QString modelPathOf(const QString& patternPath) {
     QString name = paths::fileName(patternPath);
     if (name.startsWith("Train") || name.startsWith("Learn"))
@@ -127,8 +151,7 @@ bool readScalingOfModel(const QString& modelPath, FeatureScaling& scaling) {
         scaling = {};
         return true;
     }
-    QString text;
-    const auto parsed = readTextFile(path, text) ? parseScaling(text) : std::nullopt;
+    const std::optional<FeatureScaling> parsed = readScaling(modelPath);
     if (!parsed) {
         showCritical(QStringLiteral("The scaling of the model is damaged: %1\n\nTrain the model "
                                     "again.")

@@ -6,7 +6,8 @@
 #include "classify/training/classifier_training.h"
 
 /// Why no machine can be trained with these patterns and options; empty when one can: labels are
-/// whole numbers of at least two classes, features exist and are finite, C is above 0.
+/// whole numbers of at least two classes, features exist and are finite and not too large, C is
+/// above 0.
 [[nodiscard]] QString faultOfTraining(const PatternSet& patterns, const SVMOptions& options);
 
 /// What a training gives.
@@ -22,6 +23,9 @@ struct TrainedMachine {
                                           const TrainingChoices& choices,
                                           const std::function<void(const QString&)>& log,
                                           ProgressReporter& progress);
+
+/// It has support vectors and finite constants; it has not where a kernel's values overflowed.
+[[nodiscard]] bool isUsable(const SVMModel& model);
 
 /// "Model_..." beside the patterns: of their name, what stands before and at the first "_" goes if
 /// it begins with "Train" or "Learn".

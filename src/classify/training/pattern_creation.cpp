@@ -49,7 +49,7 @@ PatternEnd appendTrials(const TrialMaps& maps, int run, const PatternPlan& plan,
 PatternEnd addFile(int run, const PatternPlan& plan, MadePatterns& made) {
     TrialMaps maps;
     if (!readTrialMaps(made.file, maps))
-        return PatternEnd::Told;
+        return PatternEnd::MessageShown;
     const PatternEnd fault = faultOf(maps, plan); // the file may have changed
     return fault == PatternEnd::Done ? appendTrials(maps, run, plan, made) : fault;
 }
@@ -69,7 +69,7 @@ MadePatterns checkTrialFiles(const PatternPlan& plan) {
     for (const QString& file : plan.trialFiles) {
         TrialMaps maps;
         made.file = file;
-        made.end = readTrialMapNames(file, maps) ? faultOf(maps, plan) : PatternEnd::Told;
+        made.end = readTrialMapNames(file, maps) ? faultOf(maps, plan) : PatternEnd::MessageShown;
         if (made.end != PatternEnd::Done)
             return made;
         exemplars += size_t(maps.count());
@@ -96,7 +96,7 @@ QString patternFault(const MadePatterns& made) {
     switch (made.end) {
     case PatternEnd::Done:
     case PatternEnd::Stopped:
-    case PatternEnd::Told:
+    case PatternEnd::MessageShown:
         return {};
     case PatternEnd::ClassMissing:
         return QStringLiteral("FMP file \"%1\" does not contain selected conditions!\n\nCan not "

@@ -18,11 +18,11 @@ struct PatternPlan {
     VolumeSize size;         ///< of the run that the region is in
 };
 
-/// How the making of patterns has ended.
+/// How the creation of patterns has ended.
 enum class PatternEnd {
     Done,
     Stopped,      ///< by the operator
-    Told,         ///< after a message of the reader
+    MessageShown, ///< by whoever read a file
     ClassMissing, ///< a file lacks a class
     OtherSize,    ///< the maps of a file have another size than the run
     UnknownClass, ///< a trial of a class that has no label
@@ -42,7 +42,7 @@ struct MadePatterns {
 /// of an exemplar is the number of its file.
 [[nodiscard]] MadePatterns makePatterns(const PatternPlan& plan, ProgressReporter& progress);
 
-/// The message about how it has ended; empty for Done, Stopped and Told.
+/// The message about how it has ended; empty for Done, Stopped and MessageShown.
 [[nodiscard]] QString patternFault(const MadePatterns& made);
 
 /// "Train_ROI 1_Faces-Houses_20-20.mvp", or "Test_...". A "/" in the name of a class becomes "_".

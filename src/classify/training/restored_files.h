@@ -10,13 +10,13 @@
 #include <vector>
 
 /// Small files as they were: they come back with the end of this object, unless what was written
-/// into them is kept.
+/// into them is kept. One that is too large to be one of these files doesn't.
 class RestoredFiles {
 public:
     explicit RestoredFiles(const QStringList& paths) {
         for (const QString& path : paths) {
             QFile file(path);
-            if (openPlainFile(file))
+            if (openPlainFile(file) && file.size() <= largestSize)
                 files_.push_back({path, file.readAll()});
             else if (!fileExists(path))
                 files_.push_back({path, std::nullopt});
@@ -35,6 +35,7 @@ public:
     void keep() { files_.clear(); }
 
 private:
+    static constexpr qint64 largestSize = qint64(64) << 20;
     struct SavedFile {
         QString path;
         std::optional<QByteArray> content; ///< none: there was no file

@@ -13,22 +13,6 @@
 
 namespace {
 
-/// The progress of one of several parts as progress of the whole.
-class PartProgress : public ProgressReporter {
-public:
-    PartProgress(ProgressReporter& whole, int part, int nrOfParts)
-        : whole_(whole), part_(part), nrOfParts_(nrOfParts) {}
-    void setProgress(int percent) override {
-        whole_.setProgress((100 * part_ + percent) / nrOfParts_);
-    }
-    [[nodiscard]] bool cancelled() const override { return whole_.cancelled(); }
-
-private:
-    ProgressReporter& whole_;
-    int part_;
-    int nrOfParts_;
-};
-
 /// Numbers in protocols may be any; beyond what a run can have they would overflow.
 bool isPossible(const Trial& trial) {
     return trial.start >= -maximumFMRVolumes && trial.start <= trial.end &&
@@ -75,7 +59,7 @@ private:
 TrialDesign RunEstimation::designOf(int duration) const {
     return options_.response == TrialResponse::MeanResponse
                ? measuredResponseDesign(measuredResponse(curve_, trials_, duration, options_),
-                                        options_.linearTrend)
+                                        options_)
                : trialDesign(options_, duration, project_.TR);
 }
 
@@ -159,7 +143,7 @@ EstimationEnd estimateOneRun(const EstimationPlan& plan, int index, EstimationOu
                              ProgressReporter& progress) {
     auto document = loadFinishedRun(outcome.run);
     if (!document)
-        return EstimationEnd::Told;
+        return EstimationEnd::MessageShown;
     document->protocol = plan.protocols[size_t(index)];
     FMRProject& project = document->project;
     const std::vector<Trial> trials = trialsOf(document->protocol, plan.conditions);
@@ -173,7 +157,7 @@ EstimationEnd estimateOneRun(const EstimationPlan& plan, int index, EstimationOu
         return end;
     const QString trialFile = trialMapsFileName(outcome.run);
     if (!writeResults(trialFile, maps, plan.options))
-        return EstimationEnd::Told;
+        return EstimationEnd::MessageShown;
     log(QStringLiteral("Estimated %1 trials of \"%2\": \"%3\"")
             .arg(maps.count())
             .arg(paths::fileName(outcome.run), paths::fileName(trialFile)));
@@ -210,7 +194,7 @@ EstimationOutcome estimateRuns(const EstimationPlan& plan,
     EstimationOutcome outcome;
     const int count = int(plan.runs.size());
     for (int i = 0; i < count && outcome.end == EstimationEnd::Done; ++i) {
-        PartProgress part(progress, i, count);
+        PartProgress part(progress, 100 * i / count, 100 * (i + 1) / count);
         outcome.run = plan.runs[i];
         outcome.end = estimateOneRun(plan, i, outcome, log, part);
     }
@@ -222,7 +206,7 @@ QString estimationFault(const EstimationOutcome& outcome) {
     switch (outcome.end) {
     case EstimationEnd::Done:
     case EstimationEnd::Stopped:
-    case EstimationEnd::Told:
+    case EstimationEnd::MessageShown:
         return {};
     case EstimationEnd::NoTrials:
         return QStringLiteral("The selected conditions have no trials in \"%1\".").arg(run);

@@ -15,7 +15,7 @@
 enum class EstimationEnd {
     Done,
     Stopped,          ///< by the operator
-    Told,             ///< after a message of whoever has read or written
+    MessageShown,     ///< by whoever read or wrote a file
     NoTrials,         ///< the selected conditions have none
     WindowTooLong,    ///< a window has as many points as the run has volumes, or more
     ImpossibleTrial,  ///< it ends before it begins, or lies outside of what a run can have
@@ -57,5 +57,5 @@ struct EstimationOutcome {
                                              const std::function<void(const QString&)>& log,
                                              ProgressReporter& progress);
 
-/// The message about how an estimation has ended; empty for Done, Stopped and Told.
+/// The message about how an estimation has ended; empty for Done, Stopped and MessageShown.
 [[nodiscard]] QString estimationFault(const EstimationOutcome& outcome);

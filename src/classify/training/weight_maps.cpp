@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/training/weight_maps.h"
 
+#include "base/messages.h"
+#include "base/program_end.h"
+
 #include <array>
 #include <numeric>
 
@@ -33,9 +36,7 @@ ContrastDefinitions contrastsOf(const QStringList& names, const std::vector<int>
     return contrasts;
 }
 
-} // namespace
-
-QStringList weightMapNames(const std::vector<SVMWeights>& weights) {
+QStringList mapNames(const std::vector<SVMWeights>& weights) {
     if (weights.size() == 1)
         return {"SVM Weights"};
     QStringList names;
@@ -44,16 +45,17 @@ QStringList weightMapNames(const std::vector<SVMWeights>& weights) {
     return names;
 }
 
-bool putWeightMaps(QtCortivoDoc& document, const std::vector<SVMWeights>& weights,
-                   const VoxelList& voxels, int row) {
-    std::vector<int> rows(row < 0 ? weights.size() : 1, row);
-    if (row < 0)
+/// One row, or with allMaps all of them. False, without maps, when memory runs out.
+bool putMaps(QtCortivoDoc& document, const std::vector<SVMWeights>& weights,
+             const VoxelList& voxels, int row) {
+    std::vector<int> rows(row == WeightMaps::allMaps ? weights.size() : 1, row);
+    if (row == WeightMaps::allMaps)
         std::iota(rows.begin(), rows.end(), 0);
     StatisticalMaps& maps = document.maps;
     document.contrasts.clear();
     if (!maps.allocateMaps(int(rows.size()), document.project.size()))
         return false;
-    document.contrasts = contrastsOf(weightMapNames(weights), rows);
+    document.contrasts = contrastsOf(mapNames(weights), rows);
     for (size_t i = 0; i < rows.size(); ++i)
         for (size_t voxel = 0; voxel < voxels.size(); ++voxel)
             maps.map(int(i))[voxels.offset(voxel, maps.size)] =
@@ -66,6 +68,8 @@ bool putWeightMaps(QtCortivoDoc& document, const std::vector<SVMWeights>& weight
     document.updateOverlayColors();
     return true;
 }
+
+} // namespace
 
 // Many features share the work of a classifier: weights of a large region may all be tiny.
 OverlayThresholds weightThresholds(const std::vector<SVMWeights>& weights) {
@@ -90,4 +94,40 @@ void changeWeightThreshold(OverlayThresholds& thresholds, float value) {
 void changeStrongestWeight(OverlayThresholds& thresholds, float value) {
     thresholds.ColorMaxThreshold =
         value > thresholds.Threshold ? value : 2.0f * thresholds.Threshold;
+}
+
+void WeightMaps::setDocument(std::unique_ptr<QtCortivoDoc> document) {
+    clear();
+    document_ = std::move(document);
+}
+
+void WeightMaps::clear() {
+    weights_.clear();
+    if (!document_)
+        return;
+    display_.mapsLeaving();
+    document_->contrasts.clear();
+    static_cast<void>(document_->maps.allocateMaps(0, document_->project.size()));
+}
+
+void WeightMaps::show(std::vector<SVMWeights> weights, VoxelList voxels) {
+    weights_ = std::move(weights);
+    voxels_ = std::move(voxels);
+    thresholds = weightThresholds(weights_);
+    select(allMaps);
+}
+
+QStringList WeightMaps::names() const {
+    return mapNames(weights_);
+}
+
+void WeightMaps::select(int map) {
+    if (!document_ || weights_.empty() || map < allMaps || map >= int(weights_.size()))
+        return;
+    if (!putMaps(*document_, weights_, voxels_, map)) {
+        showCritical("ERROR: Not enough memory for contrast maps - terminating Cortivo...");
+        endProgram(1);
+        return;
+    }
+    display_.showMaps();
 }

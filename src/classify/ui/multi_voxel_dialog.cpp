@@ -18,36 +18,10 @@
 
 namespace {
 
-constexpr int postOnsetOfFixedWindow = 22;
-constexpr int postOnsetAfterTrial = 6; ///< of a window that follows the length of the trial
 constexpr int mostLogLines = 20000;
 
 const QString patternFilter = "Multi-voxel pattern files (*.mvp)";
 const QString modelFilter = "Trained SVM model files (*.svm)";
-
-/// File names with their paths as tool tips. The current row stays, or becomes the first one.
-void showFiles(QListWidget& list, const QStringList& paths) {
-    const int row = list.currentRow();
-    list.clear();
-    for (const QString& path : paths) {
-        auto* item = new QListWidgetItem(paths::fileName(path), &list);
-        item->setToolTip(path);
-    }
-    list.setCurrentRow(std::clamp(row, paths.isEmpty() ? -1 : 0, int(paths.size()) - 1));
-}
-
-/// The name of the file; its path is the tool tip.
-void showFile(QLineEdit& field, const QString& path) {
-    field.setText(paths::fileName(path));
-    field.setCursorPosition(0);
-    field.setToolTip(path.isEmpty() ? field.accessibleName() + ": none yet" : path);
-}
-
-void showNames(QComboBox& box, const QStringList& names, const QString& chosen) {
-    box.clear();
-    box.addItems(names);
-    box.setCurrentIndex(int(names.indexOf(chosen)));
-}
 
 } // namespace
 
@@ -55,7 +29,7 @@ MultiVoxelPatternClassificationDlg::MultiVoxelPatternClassificationDlg(RunSessio
                                                                        QWidget& window)
     : QDialog(&window), session_(session),
       ui_(std::make_unique<Ui::MultiVoxelPatternClassificationDlg>()), training_(session, *this),
-      weights_(new WeightsWindow(training_, this)), confusion_(new ConfusionTable(this)),
+      weights_(new WeightsWindow(training_.weightMaps, this)), confusion_(new ConfusionTable(this)),
       patternPlot_(new MatrixPlotterDlg(this)), permutationPlot_(new Plot2DDlg(this)) {
     patternPlot_->setObjectName("PatternPlot");
     patternPlot_->setWindowTitle("Patterns");
@@ -88,7 +62,7 @@ MultiVoxelPatternClassificationDlg::MultiVoxelPatternClassificationDlg(RunSessio
     session_.listeners.add(*this, ListenerPlace::Dialogs);
 }
 
-// The windows show what the training owns, which goes before them otherwise.
+// The window shows what the training owns, so it must go first.
 MultiVoxelPatternClassificationDlg::~MultiVoxelPatternClassificationDlg() {
     delete weights_;
 }
@@ -164,146 +138,6 @@ void MultiVoxelPatternClassificationDlg::documentsLeaving() {
     refreshControls();
 }
 
-// Controls and the training.
-
-void MultiVoxelPatternClassificationDlg::readOptions() {
-    if (showing_)
-        return;
-    TrialOptions& options = training_.options;
-    options.preOnset = ui_->PreOnsetSpBx->value();
-    options.postOnset = ui_->PostOnsetSpBx->value();
-    options.response = ui_->UseAdjusted2GammaOp->isChecked() ? TrialResponse::AdjustedTwoGamma
-                       : ui_->UseEmpiricalMeanResponseAsPredictorOp->isChecked()
-                           ? TrialResponse::MeanResponse
-                           : TrialResponse::StandardTwoGamma;
-    options.linearTrend = ui_->AddTrialLinearTrendOp->isChecked();
-    options.zNormalization = ui_->zNormalizationOp->isChecked();
-    options.intensityLimit = ui_->ExcludeValuesSmallerSpBx->value();
-    enableControls();
-}
-
-void MultiVoxelPatternClassificationDlg::readChoices() {
-    if (showing_)
-        return;
-    TrainingChoices& choices = training_.choices;
-    choices.region = std::max(ui_->VOIsLsWdg->currentRow(), 0);
-    choices.class1 = ui_->SelectedClass1CmBx->currentText();
-    choices.class2 = ui_->SelectedClass2CmBx->currentText();
-    choices.trainingPatterns = ui_->CreateTrainingMVPOp->isChecked();
-    choices.svm.kernel = SVMKernel(std::max(ui_->KernelsCmBx->currentIndex(), 0));
-    choices.crossValidates = ui_->NFoldCrossValidationOp->isChecked();
-    choices.folds.nrOfFolds = ui_->NrOfFoldsSpBx->value();
-    choices.folds.folds = ui_->FoldsByRunOp->isChecked() ? FoldKind::ByRun : FoldKind::Random;
-    choices.nrOfPermutations = ui_->NrOfPermutationsSpBx->value();
-    enableControls();
-}
-
-void MultiVoxelPatternClassificationDlg::readConditions() {
-    if (showing_)
-        return;
-    QStringList names;
-    for (int row = 0; row < ui_->ConditionsLsWdg->count(); ++row)
-        if (ui_->ConditionsLsWdg->item(row)->isSelected())
-            names << ui_->ConditionsLsWdg->item(row)->text();
-    training_.selectConditions(names);
-}
-
-void MultiVoxelPatternClassificationDlg::refreshControls() {
-    {
-        const QScopedValueRollback<bool> filling(showing_, true);
-        showRuns();
-        showOptions();
-        showClasses();
-        showChoices();
-        showPaths();
-    }
-    enableControls();
-}
-
-void MultiVoxelPatternClassificationDlg::showRuns() {
-    showFiles(*ui_->InputTCDataLsWdg, training_.runs());
-    ui_->ConditionsLsWdg->clear();
-    ui_->ConditionsLsWdg->addItems(training_.conditions());
-    for (int row = 0; row < ui_->ConditionsLsWdg->count(); ++row) {
-        QListWidgetItem* item = ui_->ConditionsLsWdg->item(row);
-        item->setSelected(training_.selectedConditions().contains(item->text()));
-    }
-}
-
-void MultiVoxelPatternClassificationDlg::showOptions() {
-    const TrialOptions& options = training_.options;
-    ui_->PreOnsetSpBx->setValue(options.preOnset);
-    ui_->PostOnsetSpBx->setValue(options.postOnset);
-    ui_->PostOnsetLbl->setText(options.useTrialDuration ? "Pos&t-trial:" : "Pos&t-onset:");
-    ui_->UseConditionDurationForTrialWindowOp->setChecked(options.useTrialDuration);
-    ui_->ExcludeValuesSmallerSpBx->setValue(options.intensityLimit);
-    (options.response == TrialResponse::AdjustedTwoGamma ? ui_->UseAdjusted2GammaOp
-     : options.response == TrialResponse::MeanResponse ? ui_->UseEmpiricalMeanResponseAsPredictorOp
-                                                       : ui_->UseStandard2GammaOp)
-        ->setChecked(true);
-    ui_->AddTrialLinearTrendOp->setChecked(options.linearTrend);
-    (options.estimate == TrialEstimate::Beta          ? ui_->CreateSingleTrialEstimatesAsBetasOp
-     : options.estimate == TrialEstimate::PercentBeta ? ui_->CreateSingleTrialEstimatesAsPercBetasOp
-                                                      : ui_->CreateSingleTrialEstimatesAsTsOp)
-        ->setChecked(true);
-    ui_->zNormalizationOp->setChecked(options.zNormalization);
-}
-
-void MultiVoxelPatternClassificationDlg::showClasses() {
-    showFiles(*ui_->TrialDataFilesLsWdg, training_.trialFiles());
-    const TrainingChoices& choices = training_.choices;
-    ui_->VOIsLsWdg->clear();
-    if (!regionsGone_)
-        ui_->VOIsLsWdg->addItems(training_.regions());
-    ui_->VOIsLsWdg->setCurrentRow(std::min(choices.region, ui_->VOIsLsWdg->count() - 1));
-    QStringList names;
-    for (const TrialClass& trials : training_.classes())
-        names << trials.name;
-    showNames(*ui_->SelectedClass1CmBx, names, choices.class1);
-    showNames(*ui_->SelectedClass2CmBx, names, choices.class2);
-}
-
-void MultiVoxelPatternClassificationDlg::showChoices() {
-    const TrainingChoices& choices = training_.choices;
-    ui_->MultiClassOp->setChecked(choices.multiClass);
-    (choices.trainingPatterns ? ui_->CreateTrainingMVPOp : ui_->CreateTestMVPOp)->setChecked(true);
-    ui_->KernelsCmBx->setCurrentIndex(int(choices.svm.kernel));
-    ui_->NFoldCrossValidationOp->setChecked(choices.crossValidates);
-    ui_->NrOfFoldsSpBx->setValue(choices.folds.nrOfFolds);
-    ui_->FoldsByRunOp->setChecked(choices.folds.folds == FoldKind::ByRun);
-    ui_->NrOfPermutationsSpBx->setValue(choices.nrOfPermutations);
-}
-
-void MultiVoxelPatternClassificationDlg::showPaths() {
-    for (QLineEdit* field : {ui_->ROITrainingDataFileEd, ui_->TestDataFileEd})
-        showFile(*field, training_.patternPath());
-    for (QLineEdit* field : {ui_->TrainedModelFileEd, ui_->TrainedClassifierFileEd})
-        showFile(*field, training_.modelPath());
-}
-
-void MultiVoxelPatternClassificationDlg::enableControls() {
-    const TrialOptions& options = training_.options;
-    const TrainingChoices& choices = training_.choices;
-    ui_->AutoSuggestWindowBtn->setEnabled(!options.useTrialDuration);
-    ui_->FitHRFParamsOptionsBtn->setEnabled(options.response == TrialResponse::AdjustedTwoGamma);
-    ui_->zNormalizationOp->setEnabled(options.estimate == TrialEstimate::Beta);
-    ui_->zNormalizationOp->setToolTip(
-        options.estimate == TrialEstimate::Beta
-            ? "Give each trial window the mean 0 and the standard deviation 1"
-        : options.estimate == TrialEstimate::TValue
-            ? "Only with betas: z normalization of a window can not change its t value"
-            : "Only with betas: percent changes need the mean of the window");
-    for (QComboBox* box : {ui_->SelectedClass1CmBx, ui_->SelectedClass2CmBx})
-        box->setEnabled(!choices.multiClass);
-    ui_->NrOfFoldsSpBx->setEnabled(choices.folds.folds == FoldKind::Random);
-    const bool patterns = !training_.patternPath().isEmpty();
-    for (QPushButton* button :
-         {ui_->PlotPatternsBtn, ui_->TrainSVMBtn, ui_->PermutationTestBtn, ui_->TestSVMBtn})
-        button->setEnabled(patterns);
-    ui_->ShowWeightsBtn->setEnabled(!training_.mapNames().isEmpty());
-    ui_->ConfusionTableBtn->setEnabled(!training_.predictions().targets.empty());
-}
-
 QString MultiVoxelPatternClassificationDlg::startFolder() const {
     const QString folder = training_.folder();
     return folder.isEmpty() ? session_.settings.TargetFolder : folder;
@@ -351,9 +185,7 @@ void MultiVoxelPatternClassificationDlg::onFitHRFOptionsDlg() {
 }
 
 void MultiVoxelPatternClassificationDlg::onUseConditionDuration() {
-    const bool follows = ui_->UseConditionDurationForTrialWindowOp->isChecked();
-    training_.options.useTrialDuration = follows;
-    training_.options.postOnset = follows ? postOnsetAfterTrial : postOnsetOfFixedWindow;
+    chooseTrialDuration(training_.options, ui_->UseConditionDurationForTrialWindowOp->isChecked());
     refreshControls();
 }
 
@@ -362,23 +194,21 @@ void MultiVoxelPatternClassificationDlg::onAutoSuggestPrePostWindow() {
     refreshControls();
 }
 
-void MultiVoxelPatternClassificationDlg::chooseEstimate(TrialEstimate estimate) {
-    training_.options.estimate = estimate;
-    if (estimate != TrialEstimate::Beta)
-        training_.options.zNormalization = false;
+void MultiVoxelPatternClassificationDlg::selectEstimate(TrialEstimate estimate) {
+    chooseEstimate(training_.options, estimate);
     refreshControls();
 }
 
 void MultiVoxelPatternClassificationDlg::on_CreateSingleTrialEstimatesAsTsOp_clicked() {
-    chooseEstimate(TrialEstimate::TValue);
+    selectEstimate(TrialEstimate::TValue);
 }
 
 void MultiVoxelPatternClassificationDlg::on_CreateSingleTrialEstimatesAsBetasOp_clicked() {
-    chooseEstimate(TrialEstimate::Beta);
+    selectEstimate(TrialEstimate::Beta);
 }
 
 void MultiVoxelPatternClassificationDlg::on_CreateSingleTrialEstimatesAsPercBetasOp_clicked() {
-    chooseEstimate(TrialEstimate::PercentBeta);
+    selectEstimate(TrialEstimate::PercentBeta);
 }
 
 // Patterns.
@@ -498,5 +328,5 @@ void openMultiVoxelPatternDialog(RunSession& session, QWidget& window) {
     if (!dialog)
         dialog = new MultiVoxelPatternClassificationDlg(session, window);
     dialog->refreshControls();
-    showInFront(*dialog);
+    showBeside(*dialog);
 }

@@ -50,7 +50,6 @@ public Q_SLOTS:
     void clearTimeCourseData();
     void currentRowOfTCDataChanged(int row);
     void onFitHRFOptionsDlg();
-    /// The post-onset value becomes 6 where the window follows the trials, else 22.
     void onUseConditionDuration();
     void onAutoSuggestPrePostWindow();
     void on_CreateSingleTrialEstimatesAsTsOp_clicked();
@@ -85,7 +84,7 @@ private:
     void readOptions();
     void readChoices();
     void readConditions();
-    void chooseEstimate(TrialEstimate estimate);
+    void selectEstimate(TrialEstimate estimate);
     // From the training to the controls.
     void showOptions();
     void showChoices();

@@ -12,10 +12,8 @@
 namespace {
 
 constexpr char dialogName[] = "RealTimeSVMClassificationDlg";
-constexpr int postTrialVolumes = 6;  // that the option begins with
-constexpr int postOnsetVolumes = 22; // likewise without it
 
-/// A value that is the same must not disturb the operator who is writing another one.
+/// Setting the same value again would disturb the operator who is typing another one.
 void showValue(QSpinBox& field, int value) {
     const QSignalBlocker quiet(field);
     if (field.value() != value)
@@ -109,9 +107,7 @@ void RealTimeSVMClassificationDlg::selectMode(PredictionMode mode) {
 
 void RealTimeSVMClassificationDlg::onUseConditionDuration() {
     change([this](LiveOptions& options) {
-        options.trial.useTrialDuration = ui_->UseTrialDurationForDataWindowOp->isChecked();
-        options.trial.postOnset =
-            options.trial.useTrialDuration ? postTrialVolumes : postOnsetVolumes;
+        chooseTrialDuration(options.trial, ui_->UseTrialDurationForDataWindowOp->isChecked());
     });
 }
 

@@ -2,6 +2,7 @@
 #include "classify/ui/rfe_dialog.h"
 
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "classify/pattern_file.h"
 #include "classify/training/elimination_work.h"
 #include "classify/voxels_file.h"
@@ -12,7 +13,6 @@
 #include "run/session/run_session.h"
 #include "ui_rfe_dialog.h"
 
-#include <QFileInfo>
 #include <QPointer>
 
 namespace {
@@ -169,7 +169,7 @@ void RFEDlg::takeTrainingData() {
         return;
     takenPath_ = path;
     PatternSet patterns;
-    const bool known = QFileInfo(path).isFile() && readPatternFile(path, patterns);
+    const bool known = fileExists(path) && readPatternFile(path, patterns);
     nrOfFeatures_ = known ? patterns.nrOfFeatures : 0;
     refreshNumbers();
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/ui/weights_window.h"
 
-#include "classify/training/classifier_training.h"
 #include "classify/training/weight_maps.h"
 #include "dialogs/dialog_setup.h"
 #include "display/qt_cortivo_view.h"
@@ -14,8 +13,8 @@ constexpr int weightDecimals = 8;
 
 } // namespace
 
-WeightsWindow::WeightsWindow(ClassifierTraining& training, QWidget* parent)
-    : QDialog(parent), training_(training), ui_(std::make_unique<Ui::WeightsWindow>()) {
+WeightsWindow::WeightsWindow(WeightMaps& maps, QWidget* parent)
+    : QDialog(parent), maps_(maps), ui_(std::make_unique<Ui::WeightsWindow>()) {
     ui_->setupUi(this);
     connectControls();
     prepareDialog(*this);
@@ -34,11 +33,11 @@ void WeightsWindow::connectControls() {
     }
     connect(ui_->MapCmBx, &QComboBox::activated, this, &WeightsWindow::chooseMap);
     connect(ui_->ThresholdSpBx, &QDoubleSpinBox::valueChanged, this, [this](double value) {
-        changeWeightThreshold(training_.thresholds, float(value));
+        changeWeightThreshold(maps_.thresholds, float(value));
         mapsChanged();
     });
     connect(ui_->MaximumSpBx, &QDoubleSpinBox::valueChanged, this, [this](double value) {
-        changeStrongestWeight(training_.thresholds, float(value));
+        changeStrongestWeight(maps_.thresholds, float(value));
         mapsChanged();
     });
     connect(ui_->ColorsCodeWeightOp, &QCheckBox::clicked, this, [this](bool on) {
@@ -54,15 +53,15 @@ void WeightsWindow::connectControls() {
 }
 
 bool WeightsWindow::showMaps() {
-    QtCortivoDoc* document = training_.document();
-    if (!document || training_.mapNames().isEmpty())
+    QtCortivoDoc* document = maps_.document();
+    if (!document || maps_.names().isEmpty())
         return false;
     if (document_ != document) {
         leaveDocument();
         document_ = document;
         // One map has one colour; which class a weight speaks for is then told by its sign alone.
-        document_->SignificanceColorCoding = training_.mapNames().size() == 1;
-        view_ = new QtCortivoView(document_, training_.thresholds, this);
+        document_->SignificanceColorCoding = maps_.names().size() == 1;
+        view_ = new QtCortivoView(document_, maps_.thresholds, this);
         view_->setObjectName("WeightsView");
         view_->setStatisticName("Weight");
         view_->setSelectsRegions(false);
@@ -82,7 +81,7 @@ void WeightsWindow::leaveDocument() {
 }
 
 void WeightsWindow::fillMaps() {
-    const QStringList names = training_.mapNames();
+    const QStringList names = maps_.names();
     ui_->MapCmBx->clear();
     if (names.size() > 1)
         ui_->MapCmBx->addItem("All maps");
@@ -91,8 +90,8 @@ void WeightsWindow::fillMaps() {
 }
 
 void WeightsWindow::chooseMap(int index) {
-    // Of the new maps the training tells as of those after a training, all of which are shown.
-    training_.selectMap(ui_->MapCmBx->count() > 1 ? index - 1 : ClassifierTraining::allMaps);
+    // This ends in showMaps(), which fills the list anew.
+    maps_.select(ui_->MapCmBx->count() > 1 ? index - 1 : WeightMaps::allMaps);
     ui_->MapCmBx->setCurrentIndex(index);
 }
 
@@ -101,8 +100,8 @@ void WeightsWindow::refreshThresholds() {
         const QSignalBlocker quiet(field);
         field.setValue(double(value));
     };
-    show(*ui_->ThresholdSpBx, training_.thresholds.Threshold);
-    show(*ui_->MaximumSpBx, training_.thresholds.ColorMaxThreshold);
+    show(*ui_->ThresholdSpBx, maps_.thresholds.Threshold);
+    show(*ui_->MaximumSpBx, maps_.thresholds.ColorMaxThreshold);
 }
 
 void WeightsWindow::mapsChanged() {
@@ -110,7 +109,7 @@ void WeightsWindow::mapsChanged() {
         return;
     refreshThresholds();
     ui_->MaximumSpBx->setEnabled(document_->SignificanceColorCoding);
-    computeClusterSizes(document_->maps, training_.thresholds, false);
+    computeClusterSizes(document_->maps, maps_.thresholds, false);
     document_->updateOverlayColors();
     view_->slotDocumentChanged();
 }

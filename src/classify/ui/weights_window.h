@@ -1,13 +1,13 @@
-// The slices of a run with the weights of a trained machine over them.
+// The slices of a run with the weights of a trained model over them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include <QDialog>
 #include <memory>
 
-class ClassifierTraining;
 class QtCortivoDoc;
 class QtCortivoView;
+class WeightMaps;
 
 namespace Ui {
 class WeightsWindow;
@@ -18,8 +18,8 @@ class WeightsWindow : public QDialog {
     Q_OBJECT
 
 public:
-    /// Document, maps and thresholds are those of the training, which is not owned.
-    WeightsWindow(ClassifierTraining& training, QWidget* parent);
+    /// `maps` are not owned.
+    WeightsWindow(WeightMaps& maps, QWidget* parent);
     ~WeightsWindow() override;
 
     /// Takes the document with its maps, all of which are in use. False without any.
@@ -34,7 +34,7 @@ private:
     void refreshThresholds();
     void mapsChanged();
 
-    ClassifierTraining& training_;
+    WeightMaps& maps_;
     const std::unique_ptr<Ui::WeightsWindow> ui_;
     QtCortivoDoc* document_ = nullptr;
     QtCortivoView* view_ = nullptr;

@@ -9,22 +9,6 @@
 
 namespace {
 
-/// A share of the whole progress.
-class ProgressShare : public ProgressReporter {
-public:
-    ProgressShare(ProgressReporter& whole, int from, int to)
-        : whole_(whole), from_(from), to_(to) {}
-    void setProgress(int percent) override {
-        whole_.setProgress(from_ + percent * (to_ - from_) / 100);
-    }
-    [[nodiscard]] bool cancelled() const override { return whole_.cancelled(); }
-
-private:
-    ProgressReporter& whole_;
-    int from_;
-    int to_;
-};
-
 bool writeFiles(FMRProject& project, int nrOfVolumes, const PostprocessingOptions& options,
                 ProgressReporter& progress) {
     for (;;) {
@@ -43,9 +27,9 @@ bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
                             ProgressReporter& progress) {
     FMRProject& project = run.document.project;
     // By and large what the steps take of the time.
-    ProgressShare steps(progress, 0, 60);
-    ProgressShare writing(progress, 60, recomputeStatistics ? 80 : 100);
-    ProgressShare statistics(progress, 80, 100);
+    PartProgress steps(progress, 0, 60);
+    PartProgress writing(progress, 60, recomputeStatistics ? 80 : 100);
+    PartProgress statistics(progress, 80, 100);
     VolumeBackup backup;
     if (postprocessRun(project, nrOfMeasuredVolumes, options, backup, steps) !=
         PostprocessingResult::Done)

@@ -7,7 +7,6 @@
 namespace {
 
 constexpr uint8_t version = 1;
-constexpr int mostVolumes = 999;
 
 /// Passes over everything that is recorded, in one order for both ways. `Recorded` may be const.
 template<typename Archive, typename Recorded>
@@ -49,7 +48,7 @@ bool isValid(const LiveOptions& options) {
     for (const int volumes :
          {options.pointPreOnset, options.haemodynamicDelay, options.postCondition,
           options.trial.preOnset, options.trial.postOnset})
-        if (volumes < 0 || volumes > mostVolumes)
+        if (volumes < 0 || volumes > mostWindowVolumes)
             return false;
     const int mode = int(options.mode);
     const int estimate = int(options.trial.estimate);

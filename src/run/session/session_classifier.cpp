@@ -6,7 +6,7 @@
 #include "base/paths.h"
 #include "base/plain_file.h"
 #include "classify/pattern_file.h"
-#include "classify/svm_model_check.h"
+#include "classify/svm_model_file.h"
 #include "classify/trial_settings_file.h"
 #include "classify/voxels_file.h"
 #include "run/document/qt_cortivo_doc.h"
@@ -22,14 +22,14 @@ SessionClassifier::SessionClassifier(const Parts& parts) : parts_(parts) {
 
 void SessionClassifier::open(ClassifierScreen& screen) {
     screen_ = &screen;
-    if (!IncrementalPredictionOn_)
+    if (!isPredicting())
         readTraining();
-    noteChange();
+    recordChoices();
     screen.refreshControls();
 }
 
 void SessionClassifier::close() {
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         switchOff();
     screen_ = nullptr;
 }
@@ -39,15 +39,15 @@ void SessionClassifier::log(const QString& text) {
         screen_->log(text);
 }
 
-void SessionClassifier::noteChange() {
-    if ((screen_ || IncrementalPredictionOn_) && parts_.phase.canBeStopped())
+void SessionClassifier::recordChoices() {
+    if ((screen_ || isPredicting()) && parts_.phase.canBeStopped())
         parts_.listeners.record(
             {classifierRecord,
-             encodedClassifier({options_, modelPath_, voxelsPath_, IncrementalPredictionOn_})});
+             encodedClassifier({options_, modelPath_, voxelsPath_, isPredicting()})});
 }
 
-void SessionClassifier::tell() {
-    noteChange();
+void SessionClassifier::announceChange() {
+    recordChoices();
     parts_.listeners.classifierChanged();
     if (screen_)
         screen_->refreshControls();
@@ -57,7 +57,7 @@ void SessionClassifier::setOptions(const LiveOptions& options) {
     if (options == options_)
         return;
     options_ = options;
-    noteChange();
+    recordChoices();
 }
 
 QString SessionClassifier::targetFolder() const {
@@ -105,8 +105,8 @@ void SessionClassifier::readTraining() {
     takeVoxels(files);
 }
 
-// What the run's folder holds counts. Where it holds nothing new, what was read before stays, with
-// what the operator has changed of it.
+// Files in the run's folder replace what was read before if they differ from it. Otherwise that
+// stays, with what the operator has changed of it.
 void SessionClassifier::takeNewTraining() {
     const TrainingFiles files = findTrainingFiles();
     const bool newSettings = files.settings && files.settingsText != settingsText_;
@@ -120,18 +120,18 @@ void SessionClassifier::takeNewTraining() {
 }
 
 void SessionClassifier::chooseModel(const QString& path) {
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         return;
     modelPath_ = path;
     if (voxelsPath_.isEmpty()) // those beside the model may serve
         takeNewTraining();
-    noteChange();
+    recordChoices();
     if (screen_)
         screen_->refreshControls();
 }
 
 void SessionClassifier::toggleIncrementalPrediction() {
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         switchOff();
     else
         switchOn();
@@ -150,7 +150,7 @@ void SessionClassifier::switchOn() {
     if (!fileExists(modelPath_))
         return refuse("Can not find specified model file" + inFile);
     SVMModel model;
-    const QString fault = readModel(modelPath_, model);
+    const QString fault = readModelQuietly(modelPath_, model);
     if (!fault.isEmpty())
         return refuse("Can not use specified model file" + inFile + "\n\n" + fault);
     begin(std::move(model));
@@ -159,27 +159,25 @@ void SessionClassifier::switchOn() {
 void SessionClassifier::begin(SVMModel model) {
     classifier_.start(std::move(model), voxels_);
     last_.reset();
-    IncrementalPredictionOn_ = true;
     for (const char* line :
          {"Output printed if full trial data available", "", "Starting incremental prediction..."})
         log(line);
-    warnOfMisgivings();
-    tell();
+    warnOfUse();
+    announceChange();
 }
 
 void SessionClassifier::switchOff() {
-    IncrementalPredictionOn_ = false;
+    classifier_.stop();
     log("Incremental prediction completed.");
     log("");
     savePatterns();
-    classifier_.stop();
-    tell();
+    announceChange();
 }
 
 void SessionClassifier::savePatterns() {
     if (!document_ || document_->project.targetFolder.isEmpty()) // there has been no run
         return;
-    // Those of an earlier run are not given up for none.
+    // An empty file must not replace the patterns of an earlier run.
     if (classifier_.patterns().count() == 0)
         return log("No patterns were estimated, so none are saved.");
     const QString& folder = document_->project.targetFolder;
@@ -195,14 +193,14 @@ void SessionClassifier::savePatterns() {
             .arg(path));
 }
 
-void SessionClassifier::warnOfMisgivings() {
+void SessionClassifier::warnOfUse() {
     ClassifierUse use{modelPath_, classifier_.model(), voxels_, options_.trial.intensityLimit};
     // Before a run is prepared its document is empty.
     if (document_ && !document_->project.volumes.empty()) {
         use.size = document_->project.size();
         use.protocolInVolumes = document_->protocol.resolutionOfTime == ResolutionOfTime::Volumes;
     }
-    const QStringList sentences = misgivings(use);
+    const QStringList sentences = classifierWarnings(use);
     for (const QString& sentence : sentences)
         log("WARNING: " + sentence);
     if (!sentences.isEmpty())
@@ -225,7 +223,7 @@ int SessionClassifier::predictedClass() const {
 
 // The model stays: the next run is often that for which it was trained.
 void SessionClassifier::settingsFileChanged() {
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         switchOff();
     options_ = defaultLiveOptions();
     settingsText_.clear();
@@ -240,11 +238,11 @@ void SessionClassifier::documentsArrived(QtCortivoDoc& functional) {
 }
 
 void SessionClassifier::runPrepared(QtCortivoDoc&) {
-    if (screen_ || IncrementalPredictionOn_)
+    if (screen_ || isPredicting())
         takeNewTraining();
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         restart();
-    noteChange();
+    recordChoices();
     if (screen_)
         screen_->refreshControls();
 }
@@ -252,7 +250,7 @@ void SessionClassifier::runPrepared(QtCortivoDoc&) {
 // The model may have been trained again since prediction was switched on.
 void SessionClassifier::restart() {
     SVMModel model;
-    const QString fault = readModel(modelPath_, model);
+    const QString fault = readModelQuietly(modelPath_, model);
     if (fault.isEmpty()) {
         log(QStringLiteral("Loaded model \"%1\"").arg(modelPath_));
         classifier_.start(std::move(model), voxels_);
@@ -266,11 +264,11 @@ void SessionClassifier::restart() {
         classifier_.restart(voxels_);
     }
     last_.reset();
-    warnOfMisgivings();
+    warnOfUse();
 }
 
 bool SessionClassifier::atStep(VolumeStep step, const VolumeAtHand& hand) {
-    if (step != VolumeStep::Classification || !IncrementalPredictionOn_)
+    if (step != VolumeStep::Classification || !isPredicting())
         return true;
     const QtCortivoDoc& document = hand.document;
     const FMRProject& project = document.project;
@@ -291,7 +289,7 @@ bool SessionClassifier::atStep(VolumeStep step, const VolumeAtHand& hand) {
 }
 
 void SessionClassifier::loopEnded(QtCortivoDoc&) {
-    if (IncrementalPredictionOn_)
+    if (isPredicting())
         toggleIncrementalPrediction();
 }
 
@@ -303,7 +301,7 @@ void SessionClassifier::recordPlayed(const RunRecord& record) {
     if (!recorded)
         return;
     options_ = recorded->options;
-    if (!recorded->isPredicting && IncrementalPredictionOn_)
+    if (!recorded->isPredicting && isPredicting())
         switchOff();
     const bool differs = modelPath_ != recorded->modelPath || voxelsPath_ != recorded->voxelsPath;
     if (differs) {
@@ -311,7 +309,7 @@ void SessionClassifier::recordPlayed(const RunRecord& record) {
         voxelsPath_ = recorded->voxelsPath;
         voxels_ = readVoxels(voxelsPath_).value_or(VoxelList());
     }
-    if (recorded->isPredicting && (differs || !IncrementalPredictionOn_))
+    if (recorded->isPredicting && (differs || !isPredicting()))
         switchOn();
     if (screen_)
         screen_->refreshControls();

@@ -17,7 +17,7 @@ class ClassifierScreen {
 public:
     virtual ~ClassifierScreen() = default;
     virtual void log(const QString& text) = 0;
-    /// Choices, model or state may have changed, by whomever: the controls show them.
+    /// Choices, model or state may have changed: the controls show them.
     virtual void refreshControls() = 0;
 };
 
@@ -52,9 +52,9 @@ public:
     /// Switches prediction on or off. It stays off, after a message, without a model that can be
     /// used.
     void toggleIncrementalPrediction();
-    [[nodiscard]] bool IncrementalPredictionOn() const { return IncrementalPredictionOn_; }
+    [[nodiscard]] bool IncrementalPredictionOn() const { return isPredicting(); }
 
-    [[nodiscard]] bool isPredicting() const override { return IncrementalPredictionOn_; }
+    [[nodiscard]] bool isPredicting() const override { return classifier_.isPredicting(); }
     [[nodiscard]] int nrOfClasses() const override;
     bool currentOutput(std::span<float> values) const override;
     [[nodiscard]] int predictedClass() const; ///< from 1; 0 when there is no prediction
@@ -83,20 +83,19 @@ private:
     void begin(SVMModel model);
     void restart();
     void savePatterns();
-    void warnOfMisgivings();
+    void warnOfUse();
     void log(const QString& text);
-    void noteChange();
-    void tell();
+    void recordChoices();
+    void announceChange();
 
     Parts parts_;
     ClassifierScreen* screen_ = nullptr;
     QtCortivoDoc* document_ = nullptr;
-    LiveClassifier classifier_;
-    std::optional<LivePrediction> last_;
+    LiveClassifier classifier_;          ///< it has a model while it predicts, and else none
+    std::optional<LivePrediction> last_; ///< stays when prediction ends, for the screen
     LiveOptions options_ = defaultLiveOptions();
     QString settingsText_; ///< of the file that the options were taken from
-    VoxelList voxels_;
+    VoxelList voxels_;     ///< for the next start; the classifier has a copy
     QString voxelsPath_;
     QString modelPath_;
-    bool IncrementalPredictionOn_ = false;
 };

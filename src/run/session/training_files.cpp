@@ -12,19 +12,11 @@
 namespace {
 
 bool isScaled(const QString& modelPath) {
-    QString text;
-    if (!readTextFile(scalingPath(modelPath), text))
-        return false;
-    const std::optional<FeatureScaling> scaling = parseScaling(text);
+    const std::optional<FeatureScaling> scaling = readScaling(modelPath);
     return scaling && scaling->options.mode != ScalingMode::None;
 }
 
 } // namespace
-
-std::optional<VoxelList> readVoxels(const QString& path) {
-    QString text;
-    return readTextFile(path, text) ? parseVoxels(text) : std::nullopt;
-}
 
 TrainingFiles readTrainingFiles(const QStringList& folders) {
     const auto found = std::ranges::find_if(folders, [](const QString& folder) {
@@ -44,7 +36,7 @@ TrainingFiles readTrainingFiles(const QStringList& folders) {
     return files;
 }
 
-QStringList misgivings(const ClassifierUse& use) {
+QStringList classifierWarnings(const ClassifierUse& use) {
     QStringList sentences;
     const QString name = paths::fileName(use.modelPath);
     if (isScaled(use.modelPath))
@@ -60,7 +52,7 @@ QStringList misgivings(const ClassifierUse& use) {
         sentences << QStringLiteral("There is no list of the voxels that the model was trained "
                                     "with, so nothing will be predicted.");
     else if (int(use.voxels.size()) != use.model.nrOfFeatures())
-        sentences << misfitLine(int(use.voxels.size()), use.model.nrOfFeatures());
+        sentences << misfitLine(use.voxels.size(), use.model.nrOfFeatures());
     if (use.size && !voxelsInside(use.voxels, *use.size))
         sentences << QStringLiteral("Some voxels of the training lie outside this run, so nothing "
                                     "will be predicted.");

@@ -21,10 +21,7 @@ struct TrainingFiles {
 /// voxels; where none has, from the first one. They belong together, so they come from one folder.
 [[nodiscard]] TrainingFiles readTrainingFiles(const QStringList& folders);
 
-/// The voxels in a file; nothing when there are none.
-[[nodiscard]] std::optional<VoxelList> readVoxels(const QString& path);
-
-/// What makes the classifier fit a run badly, in sentences for the operator.
+/// A classifier, and the run that it is to be used in.
 struct ClassifierUse {
     QString modelPath;
     const SVMModel& model;
@@ -33,4 +30,5 @@ struct ClassifierUse {
     std::optional<VolumeSize> size{}; ///< of the run, where it is known
     bool protocolInVolumes = true;
 };
-[[nodiscard]] QStringList misgivings(const ClassifierUse& use);
+/// What makes the classifier fit the run badly, in sentences for the operator.
+[[nodiscard]] QStringList classifierWarnings(const ClassifierUse& use);

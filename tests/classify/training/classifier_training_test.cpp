@@ -65,6 +65,8 @@ TEST_F(ClassifierTrainingTest, RunsBecomeTrialsPatternsAMachineAndMaps) {
     training.options.estimate = TrialEstimate::Beta;
     ASSERT_TRUE(training.estimateTrials());
     EXPECT_EQ(parseTrialSettings(content("SingleTrialGLMSettings.txt")), training.options);
+    EXPECT_TRUE(hasLogged("Estimated 9 trials of \"two.fmr\": \"two_Trials.fmp\"\n"));
+    EXPECT_TRUE(std::ranges::is_sorted(display.progress)) << "from 0 to 100 once for both runs";
 
     TrialMaps maps;
     ASSERT_TRUE(readTrialMaps(path("two_Trials.fmp"), maps));
@@ -104,7 +106,7 @@ TEST_F(ClassifierTrainingTest, RunsBecomeTrialsPatternsAMachineAndMaps) {
     EXPECT_TRUE(hasLogged("Accuracy (full training set): 100%\n"));
     EXPECT_EQ(training.modelPath(), path("Model_ROI 1_Faces-Houses_6-6.svm"));
     EXPECT_EQ(hooks, QStringList({"maps"}));
-    QtCortivoDoc& document = *training.document();
+    QtCortivoDoc& document = *training.weightMaps.document();
     EXPECT_EQ(document.contrasts.ContrastNames, QStringList({"SVM Weights"}));
     EXPECT_EQ(document.contrasts.ContrastColors[0], (RgbColor{255, 0, 0}));
     EXPECT_EQ(document.maps.states, std::vector<int>{3});
@@ -117,7 +119,7 @@ TEST_F(ClassifierTrainingTest, RunsBecomeTrialsPatternsAMachineAndMaps) {
     float largest = 0.0f;
     for (size_t voxel = 0; voxel < 6; ++voxel)
         largest = std::max(largest, std::fabs(weight(voxel)));
-    EXPECT_EQ(training.thresholds, (OverlayThresholds{0.01f, largest, 1}));
+    EXPECT_EQ(training.weightMaps.thresholds, (OverlayThresholds{0.01f, largest, 1}));
     const double output = training.predictions().predictions[5].output;
     EXPECT_EQ(document.slices.SlicePixmaps.size(), 3u);
 
@@ -150,18 +152,18 @@ TEST_F(ClassifierTrainingTest, SeveralClassesHaveAMapEachOfWhichOneCanBeSeenAlon
     EXPECT_TRUE(hasLogged("SVM training result - values of b's: "));
     const QStringList names{"SVM Pref Weights, Class 1", "SVM Pref Weights, Class 2",
                             "SVM Pref Weights, Class 3"};
-    EXPECT_EQ(training.mapNames(), names);
-    EXPECT_EQ(training.document()->maps.NrOfShownMaps, 3);
+    EXPECT_EQ(training.weightMaps.names(), names);
+    EXPECT_EQ(training.weightMaps.document()->maps.NrOfShownMaps, 3);
     const size_t ofTools = regionVoxels().offset(4, trainingSize);
-    const float weight = training.document()->maps.map(2)[ofTools];
-    EXPECT_GT(weight, training.document()->maps.map(0)[ofTools]);
-    training.selectMap(2);
-    EXPECT_EQ(training.document()->maps.NrOfShownMaps, 1);
-    EXPECT_EQ(training.document()->maps.map(0)[ofTools], weight);
-    EXPECT_EQ(training.document()->contrasts.ContrastColors[0], (RgbColor{0, 0, 255}));
-    training.selectMap(3); // none
+    const float weight = training.weightMaps.document()->maps.map(2)[ofTools];
+    EXPECT_GT(weight, training.weightMaps.document()->maps.map(0)[ofTools]);
+    training.weightMaps.select(2);
+    EXPECT_EQ(training.weightMaps.document()->maps.NrOfShownMaps, 1);
+    EXPECT_EQ(training.weightMaps.document()->maps.map(0)[ofTools], weight);
+    EXPECT_EQ(training.weightMaps.document()->contrasts.ContrastColors[0], (RgbColor{0, 0, 255}));
+    training.weightMaps.select(3); // none
     training.estimateTrials();
-    EXPECT_TRUE(training.mapNames().isEmpty());
+    EXPECT_TRUE(training.weightMaps.names().isEmpty());
     EXPECT_EQ(hooks.last(), "leaving");
 }
 
@@ -172,13 +174,13 @@ TEST_F(ClassifierTrainingTest, WithoutARunTheWeightsAreNotShown) {
     EXPECT_TRUE(hasLogged("Running SVM with C=1 and RBF (radial basis function) kernel\n"));
     EXPECT_EQ(training.modelPath(), path("Model_a_b.c.svm"));
     EXPECT_TRUE(hasLogged("the weights are not shown as maps."));
-    EXPECT_EQ(training.document(), nullptr);
+    EXPECT_EQ(training.weightMaps.document(), nullptr);
 
     training.addRuns({writeRun("one")});
     put(voxelsFileName, voxelsText(regionVoxels()));
     ASSERT_TRUE(training.train());
     EXPECT_TRUE(hasLogged("Expected 6 ROI voxels, but 2 SVM features found"));
-    EXPECT_TRUE(training.mapNames().isEmpty());
+    EXPECT_TRUE(training.weightMaps.names().isEmpty());
 
     logged.clear();
     training.choices.nrOfPermutations = 20;
@@ -270,7 +272,21 @@ TEST_F(ClassifierTrainingTest, WhatCanNotBeDoneIsSaid) {
              writePatterns({1, -1}), training.choices.svm.C = 0.0;
          },
          "C must be*", train},
-        {[&] { training.choices.svm.C = 1.0, training.choices.folds.nrOfFolds = 1; },
+        {[&] {
+             training.choices.svm = {SVMKernel::Polynomial, 1.0, 1e4, 20};
+         },
+         "The training has not led to a classifier*", train},
+        {[&] {
+             PatternSet large;
+             large.nrOfFeatures = 1;
+             large.labels = {1, -1};
+             large.values = {1e19, -1e19};
+             ASSERT_TRUE(writePatternFile(path("x.mvp"), large, PatternFileForm::Binary));
+         },
+         "The patterns hold values that are not finite, or too large.*", train},
+        {[&] {
+             writePatterns({1, -1}), training.choices.folds.nrOfFolds = 1;
+         },
          "Cross-validation needs at least 2 folds.", chance},
     };
     for (const Case& each : cases) {
@@ -366,6 +382,15 @@ TEST_F(ClassifierTrainingTest, FilesThatCanNotBeWrittenLeaveTheOthersAsTheyWere)
     EXPECT_TRUE(training.modelPath().isEmpty());
 
     const QByteArray settings = content(trialSettingsFileName);
+    const QByteArray maps = content("one_Trials.fmp");
+    QFile::rename(path(trialSettingsFileName), path("settings"));
+    QDir().mkdir(path(trialSettingsFileName));
+    messages.expectCritical("Unable to write the settings of the estimation: *");
+    training.options.postOnset = 4;
+    EXPECT_FALSE(training.estimateTrials());
+    EXPECT_EQ(content("one_Trials.fmp"), maps);
+    QDir().rmdir(path(trialSettingsFileName));
+    QFile::rename(path("settings"), path(trialSettingsFileName));
     QFile::remove(path("one_Trials.fmp"));
     QDir().mkdir(path("one_Trials.fmp"));
     training.options.preOnset = 1;

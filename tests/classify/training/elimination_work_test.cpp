@@ -10,15 +10,6 @@ namespace {
 
 constexpr int nrOfFeatures = 12;
 
-EliminationOptions quickOptions() {
-    EliminationOptions options;
-    options.firstLevelFolds = 3;
-    options.secondLevelFolds = 2;
-    options.steps = 3;
-    options.smoothRanking = true;
-    return options;
-}
-
 /// Two regions: one of `others` voxels, then one of 12 with x from 20.
 void writeRegions(const QString& path, int others) {
     Regions regions;
@@ -43,7 +34,9 @@ protected:
         ASSERT_TRUE(writePatternFile(files_.patterns, patterns_, PatternFileForm::Binary));
     }
     std::optional<EliminationResult> run() {
-        return runElimination(session, files_, quickOptions());
+        EliminationOptions options = quickOptions();
+        options.smoothRanking = true;
+        return runElimination(session, files_, options);
     }
     [[nodiscard]] QStringList results() const {
         return QDir(folder_.path()).entryList({"*_RFE*"}, QDir::Files, QDir::Name);
@@ -120,8 +113,10 @@ TEST_F(EliminationWork, FaultsAreToldAndLeaveNoFile) {
     messages.expectWarning("Unequal number of trials (9/11) per class!\n\nAt present, RFE requires "
                            "an equal number of trials per classs");
     EXPECT_FALSE(run());
-    put("all.roi", "FileVersion: 9");
-    messages.expectWarning("Unequal*");
+    patterns_ = plantedPatterns({.trials = 20, .features = nrOfFeatures});
+    std::ranges::replace(patterns_.labels, -1.0, 1.5);
+    write();
+    messages.expectWarning("The patterns have labels that are not whole numbers.*");
     EXPECT_FALSE(run());
     put("Train_ROI 2_A-B_10-10.mvp", "no patterns");
     messages.expectCritical("ERROR: The multi-voxel pattern file*");

@@ -29,9 +29,7 @@ protected:
         return voxels;
     }
     [[nodiscard]] static QString trainingProtocol() {
-        return "FileVersion: 2\nResolutionOfTime: Volumes\nExperiment: Test\n"
-               "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 255 255 255\n"
-               "TimeCourseThick: 3\nReferenceFuncColor: 80 80 80\nReferenceFuncThick: 2\n"
+        return defaultProtocol().section("NrOfConditions:", 0, 0) +
                "NrOfConditions: 4\nFixation\n1\n1 3\nColor: 1 1 1\n"
                "Faces\n3\n5 6\n25 26\n45 46\nColor: 1 1 1\n"
                "Houses\n3\n15 16\n35 36\n51 52\nColor: 1 1 1\n"

@@ -33,7 +33,7 @@ namespace {
 constexpr VoxelRectangle drag{1, 2, 6, 1, 4}; // 4 x 3 voxels of slice 1
 
 /// Two conditions of four trials each beside the baseline, and a third one of two.
-const char trials[] = "\nFixation\n1\n1 3\nColor: 100 100 100\n"
+const char trials[] = "NrOfConditions: 4\nFixation\n1\n1 3\nColor: 100 100 100\n"
                       "\nFaces\n4\n4 6\n16 18\n28 30\n40 42\nColor: 255 0 0\n"
                       "\nHouses\n4\n10 12\n22 24\n34 36\n46 48\nColor: 0 0 255\n"
                       "\nTools\n2\n52 54\n58 59\nColor: 0 255 0\n";
@@ -44,9 +44,7 @@ protected:
 
     /// A run of 80 volumes on disk and in memory, with a region.
     void measureRun() {
-        const QString head = defaultProtocol().section("\nFixation", 0, 0);
-        writeSession(80, 0, {},
-                     QString(head).replace("NrOfConditions: 3", "NrOfConditions: 4") + trials);
+        writeSession(80, 0, {}, defaultProtocol().section("NrOfConditions:", 0, 0) + trials);
         session.runButtonPressed();
         ASSERT_TRUE(session.regions.selectRectangle(drag));
     }

@@ -1,5 +1,6 @@
 // The dialog of the classifier of a run, driven by its controls.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "classify/classify_data.h"
 #include "classify/ui/real_time_svm_dialog.h"
 #include "classify/voxels_file.h"
 #include "run/loop/session_fixture.h"
@@ -31,13 +32,7 @@ protected:
         voxels.append(2, 2, 0);
         QDir().mkpath(path("results"));
         put("results/VoxelsUsedForTraining.txt", voxelsText(voxels));
-        PatternSet patterns;
-        patterns.nrOfFeatures = 2;
-        for (const double label : {1.0, -1.0})
-            patterns.append(label, std::vector{label, 0.5});
-        SVMModel model;
-        EXPECT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
-        EXPECT_TRUE(model.save(path("results/Model_a.svm")));
+        EXPECT_TRUE(modelOf({1, -1}, 2).save(path("results/Model_a.svm")));
         openRealTimeSVMDialog(session, window);
     }
     template<typename Widget> Widget* find(const char* name) {

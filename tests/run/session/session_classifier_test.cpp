@@ -1,5 +1,7 @@
 // The classifier of a whole session: what it reads, predicts, gives to the subject, saves, and
-// finds again in runs that are played. SPDX-License-Identifier: GPL-3.0-or-later
+// finds again in runs that are played.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "classify/classify_data.h"
 #include "classify/feature_scaling.h"
 #include "classify/pattern_file.h"
 #include "classify/trial_fit.h"
@@ -13,13 +15,8 @@ namespace {
 constexpr int volumes = 40;
 
 /// Trials at volumes 10 to 13, 20 to 23 and 30 to 33.
-QString trials() {
-    return "\nFileVersion: 2\nResolutionOfTime: Volumes\nExperiment: Test\n"
-           "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 255 255 255\n"
-           "TimeCourseThick: 3\nReferenceFuncColor: 80 80 80\nReferenceFuncThick: 2\n"
-           "NrOfConditions: 3\n\nRest\n2\n1 9\n14 19\nColor: 100 100 100\n"
-           "\nUp\n2\n10 13\n30 33\nColor: 255 0 0\n\nDown\n1\n20 23\nColor: 0 255 0\n";
-}
+const char trials[] = "\nRest\n2\n1 9\n14 19\nColor: 100 100 100\n"
+                      "\nUp\n2\n10 13\n30 33\nColor: 255 0 0\n\nDown\n1\n20 23\nColor: 0 255 0\n";
 
 class Screen : public ClassifierScreen {
 public:
@@ -45,22 +42,12 @@ private:
     RunSession& session_;
 };
 
-void saveModel(const QString& path, int features) {
-    PatternSet patterns;
-    patterns.nrOfFeatures = features;
-    for (const double label : {1.0, -1.0})
-        patterns.append(label, std::vector<double>(size_t(features), label));
-    SVMModel model;
-    ASSERT_EQ(SVMTrainer().train(patterns, {}, model), SVMResult::Done);
-    ASSERT_TRUE(model.save(path));
-}
-
 } // namespace
 
 class SessionClassifierTest : public SessionFixture {
 protected:
     SessionClassifierTest() {
-        writeSession(volumes, 0, {}, trials());
+        writeSession(volumes, 0, {}, defaultProtocol().section("Fixation", 0, 0) + trials);
         session.settings.TargetFolder = path("results/");
         for (const auto& [x, y, z] : {std::tuple(1, 2, 0), {7, 7, 3}, {0, 0, 1}, {4, 1, 2}})
             voxels_.append(x, y, z);
@@ -68,7 +55,7 @@ protected:
         put("results/VoxelsUsedForTraining.txt", voxelsText(voxels_));
         trial_.postOnset = 4;
         put("results/SingleTrialGLMSettings.txt", trialSettingsText(trial_));
-        saveModel(model(), 4);
+        EXPECT_TRUE(modelOf({1, -1}, 4).save(model()));
     }
     ~SessionClassifierTest() override { session.classifier.close(); }
 
@@ -134,7 +121,7 @@ TEST_F(SessionClassifierTest, ARunIsPredictedVolumeByVolumeAndTheSubjectSeesIt) 
         for (int v = onset + 1; v < onset + 5; ++v, ++prediction) {
             SCOPED_TRACE(v);
             const std::vector<double> features =
-                offline({onset - 3, onset - 2, onset - 1, onset, v}, lastPointDesign(5, false));
+                offline({onset - 3, onset - 2, onset - 1, onset, v}, lastPointDesign(5, {}));
             const double value = predicted(features);
             EXPECT_TRUE(lines[prediction].contains(
                 QString("%1  predicted class:  %2").arg(value, 9).arg(value > 0 ? 1 : 2)));
@@ -193,7 +180,10 @@ TEST_F(SessionClassifierTest, OncePerTrialAndASecondRunBeginsAnewWithTheSameSett
 }
 
 TEST_F(SessionClassifierTest, WithoutAUsableModelItStaysOff) {
+    session.settings.TargetFolder.clear();
+    QDir::setCurrent(path("results")); // where there are training files, but of no run
     session.classifier.open(screen_);
+    EXPECT_EQ(session.classifier.NrOfVoxelsUsed(), 0);
     messages.expectWarning("No model file available!\n\nFirst train or load a SVM classifier.");
     session.classifier.toggleIncrementalPrediction();
     session.classifier.chooseModel(path("none.svm"));
@@ -217,6 +207,7 @@ TEST_F(SessionClassifierTest, ARunOutlivesAModelThatVanishesAndAFolderThatTakesN
     EXPECT_EQ(screen_.predictions().size(), 12);
     EXPECT_EQ(messages.shownModeless().size(), 2);
     ASSERT_TRUE(screen_.lines.last().startsWith("Not saved: "));
+    EXPECT_EQ(screen_.lines.filter("The model file \"" + model() + "\" can no longer").size(), 1);
 }
 
 TEST_F(SessionClassifierTest, WhatFitsTheRunBadlyIsToldBeforeIt) {

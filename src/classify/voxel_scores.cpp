@@ -1,11 +1,36 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "classify/score_smoothing.h"
+#include "classify/voxel_scores.h"
+
+#include "classify/trial_folds.h"
+#include "stats/numerics/sorting.h"
 
 #include <algorithm>
 #include <cmath>
 #include <tuple>
 
 namespace {
+
+struct MeanAndDeviation {
+    double mean = 0.0;
+    double deviation = 0.0; ///< of the population
+};
+
+MeanAndDeviation ofClass(const PatternSet& patterns, bool class1, int feature) {
+    MeanAndDeviation result;
+    int count = 0;
+    for (int i = 0; i < patterns.count(); ++i)
+        if (isOfClass1(patterns.labels[size_t(i)]) == class1) {
+            result.mean += patterns.features(i)[size_t(feature)];
+            ++count;
+        }
+    result.mean /= count;
+    double squares = 0.0;
+    for (int i = 0; i < patterns.count(); ++i)
+        if (isOfClass1(patterns.labels[size_t(i)]) == class1)
+            squares += std::pow(patterns.features(i)[size_t(feature)] - result.mean, 2);
+    result.deviation = std::sqrt(squares / count);
+    return result;
+}
 
 constexpr double fwhmPerDeviation = 2.3548; // 2 sqrt(2 ln 2)
 constexpr double reach = 3.0;               // standard deviations
@@ -71,8 +96,21 @@ private:
 
 } // namespace
 
+std::vector<double> univariateScores(const PatternSet& training, bool meansOnly) {
+    std::vector<double> scores;
+    for (int feature = 0; feature < training.nrOfFeatures; ++feature) {
+        const MeanAndDeviation first = ofClass(training, true, feature);
+        const MeanAndDeviation second = ofClass(training, false, feature);
+        const bool inDeviations = !meansOnly && first.deviation > 0.0 && second.deviation > 0.0;
+        scores.push_back(
+            inDeviations ? std::max(first.mean / first.deviation, second.mean / second.deviation)
+                         : std::max(first.mean, second.mean));
+    }
+    return scores;
+}
+
 std::vector<double> smoothedScores(std::span<const double> scores, const VoxelList& places,
-                                   double fwhm) {
+                                   double fwhm, const std::stop_token& stop) {
     std::vector<double> result(scores.begin(), scores.end());
     if (!(fwhm > 0.0))
         return result;
@@ -81,7 +119,15 @@ std::vector<double> smoothedScores(std::span<const double> scores, const VoxelLi
         sorted.push_back({places.z[i], places.y[i], places.x[i], scores[i]});
     std::stable_sort(sorted.begin(), sorted.end(), isBefore);
     const Kernel kernel(fwhm);
-    for (size_t i = 0; i < scores.size(); ++i)
+    for (size_t i = 0; i < scores.size() && !stop.stop_requested(); ++i)
         result[i] = kernel.meanAround({places.z[i], places.y[i], places.x[i]}, sorted);
     return result;
+}
+
+std::vector<int> highestScores(const std::vector<double>& scores, int count) {
+    const std::vector<float> keys(scores.begin(), scores.end());
+    const std::vector<int> order = numerics::indexx(keys);
+    std::vector<int> best(order.end() - count, order.end());
+    std::sort(best.begin(), best.end());
+    return best;
 }

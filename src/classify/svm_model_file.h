@@ -1,4 +1,4 @@
-// Checking a model file before libsvm's reader, which trusts what it reads, sees it.
+// Reading a model file (.svm): it is checked first, since libsvm's reader trusts what it reads.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -14,8 +14,8 @@
 /// numbers. A machine for this program has at most 1000 classes and 2^24 features.
 [[nodiscard]] QString faultOfModelFile(const QByteArray& content);
 
-/// Checks and loads without a message. What is wrong, as a sentence, with the model unchanged;
-/// empty when it was loaded.
-[[nodiscard]] QString readModel(const QString& path, SVMModel& model);
+/// Checks and reads without a message. What is wrong, as a sentence, with the model unchanged;
+/// empty when it was read.
+[[nodiscard]] QString readModelQuietly(const QString& path, SVMModel& model);
 /// The same with a message. False after it, with the model unchanged.
-[[nodiscard]] bool loadModel(const QString& path, SVMModel& model);
+[[nodiscard]] bool readModelFile(const QString& path, SVMModel& model);

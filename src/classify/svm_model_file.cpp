@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "classify/svm_model_check.h"
+#include "classify/svm_model_file.h"
 
 #include "base/messages.h"
 #include "base/plain_file.h"
@@ -261,7 +261,7 @@ QString faultOfModelFile(const QByteArray& content) {
 }
 
 // libsvm reads a private copy of what was checked, since another program may change the file.
-QString readModel(const QString& path, SVMModel& model) {
+QString readModelQuietly(const QString& path, SVMModel& model) {
     QFile file(path);
     if (!openPlainFile(file))
         return QStringLiteral("It can not be opened for reading.");
@@ -279,8 +279,8 @@ QString readModel(const QString& path, SVMModel& model) {
     return {};
 }
 
-bool loadModel(const QString& path, SVMModel& model) {
-    const QString fault = readModel(path, model);
+bool readModelFile(const QString& path, SVMModel& model) {
+    const QString fault = readModelQuietly(path, model);
     if (!fault.isEmpty())
         showCritical(
             QStringLiteral("ERROR: The model file \"%1\" can not be used!\n\n%2").arg(path, fault));
