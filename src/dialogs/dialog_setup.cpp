@@ -137,6 +137,8 @@ void showBeside(QDialog& dialog, int n) {
     if (!dialog.testAttribute(Qt::WA_Moved)) {
         const QWidget* main = dialog.parentWidget()->window();
         const bool sized = dialog.testAttribute(Qt::WA_Resized);
+        if (!sized)
+            renewSizeHints(dialog); // it would otherwise be placed for a smaller size than it gets
         const QSize frame = (sized ? dialog.size() : dialog.sizeHint()) + windowFrame;
         const QRect area = screenArea(main);
         dialog.move(

@@ -46,9 +46,9 @@ RealTimeSVMClassificationDlg::RealTimeSVMClassificationDlg(RunSession& session, 
     ui_->setupUi(this);
     ui_->btnInBox->button(QDialogButtonBox::Close)
         ->setToolTip("Close the dialog, which ends the prediction");
-    QFont font("Courier New");
+    QFont font = ui_->LogPredictionsTxEd->font(); // "Courier New"
     font.setStyleHint(QFont::Monospace);
-    font.setPointSizeF(0.9 * font.pointSizeF()); // a prediction fits into two lines
+    font.setPixelSize(std::max(QFontInfo(font).pixelSize() - 1, 1)); // two lines for a prediction
     ui_->LogPredictionsTxEd->setFont(font);
     connectControls();
     prepareDialog(*this);
