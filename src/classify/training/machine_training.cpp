@@ -7,6 +7,7 @@
 #include "classify/training/restored_files.h"
 #include "classify/training/training_reports.h"
 
+#include <QRegularExpression>
 #include <cmath>
 #include <numeric>
 
@@ -36,7 +37,10 @@ bool searchesC(const TrainingChoices& choices) {
 
 /// What libsvm has printed, if anything.
 void logPrinted(const std::string& printed, const std::function<void(const QString&)>& log) {
-    const QString text = QString::fromStdString(printed).trimmed();
+    // The solver's marks of its progress, of which there may be thousands, tell nothing afterwards.
+    static const QRegularExpression marks(QStringLiteral("^[.*]+\\n?"),
+                                          QRegularExpression::MultilineOption);
+    const QString text = QString::fromStdString(printed).remove(marks).trimmed();
     if (!text.isEmpty())
         log(text);
 }
