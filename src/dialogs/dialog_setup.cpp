@@ -13,6 +13,7 @@
 #include <QDesktopServices>
 #include <QDialog>
 #include <QEvent>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
@@ -68,9 +69,21 @@ bool needsName(const QWidget* widget) {
                         qobject_cast<const QAbstractItemView*>(widget);
 }
 
+/// The size hint of a group leaves out the check mark before its title.
+void makeRoomForTitles(QDialog& dialog) {
+    for (QGroupBox* group : dialog.findChildren<QGroupBox*>()) {
+        if (!group->isCheckable())
+            continue;
+        const QFontMetrics metrics(group->font());
+        const int title = metrics.size(Qt::TextShowMnemonic, group->title()).width();
+        group->setMinimumWidth(std::max(group->minimumWidth(), title + 7 * metrics.height() / 2));
+    }
+}
+
 } // namespace
 
 void prepareDialog(QDialog& dialog) {
+    makeRoomForTitles(dialog);
     std::set<const QWidget*> labelled;
     for (const QLabel* label : dialog.findChildren<QLabel*>())
         labelled.insert(label->buddy());

@@ -5,6 +5,15 @@
 #include <cmath>
 #include <limits>
 
+int decimalsFor(double value) {
+    constexpr double twoDecimals = 0.0095; // 0.01 as a float is smaller
+    constexpr int most = 9;
+    const double magnitude = std::abs(value);
+    if (magnitude == 0.0 || !(magnitude < twoDecimals))
+        return 2;
+    return int(std::min(1.0 - std::floor(std::log10(magnitude)), double(most)));
+}
+
 ThresholdSpinBox::ThresholdSpinBox(QWidget* parent) : QDoubleSpinBox(parent) {
     setDecimals(4); // the smallest threshold is 0.0001
     setRange(0.0, 9999.0);
@@ -13,7 +22,8 @@ ThresholdSpinBox::ThresholdSpinBox(QWidget* parent) : QDoubleSpinBox(parent) {
 
 QString ThresholdSpinBox::textFromValue(double value) const {
     const bool twoSuffice = std::abs(value * 100.0 - std::round(value * 100.0)) < 1e-3;
-    return locale().toString(value, 'f', twoSuffice ? 2 : 4);
+    const int decimals = std::min(decimalsFor(value), this->decimals());
+    return locale().toString(value, 'f', twoSuffice && decimals == 2 ? 2 : std::max(decimals, 4));
 }
 
 double numberIn(const QLineEdit& field) {

@@ -6,7 +6,12 @@
 
 class QLineEdit;
 
-/// A spin box for thresholds: two decimals, or four if the value needs them.
+/// Decimals that show two digits of a small value: 2 for 0 and from 0.01 on, 4 for 0.0031, at
+/// most 9.
+[[nodiscard]] int decimalsFor(double value);
+
+/// A spin box for thresholds: two decimals, or four if the value needs them, or as many as a
+/// smaller one needs where more are allowed.
 class ThresholdSpinBox : public QDoubleSpinBox {
 public:
     explicit ThresholdSpinBox(QWidget* parent);

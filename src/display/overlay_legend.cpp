@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/overlay_legend.h"
 
+#include "dialogs/number_fields.h"
 #include "display/slice_mosaic.h"
 
 #include <QFontMetrics>
@@ -22,8 +23,10 @@ QColor colorOf(const RgbColor& color) {
     return {channel(color.red), channel(color.green), channel(color.blue)};
 }
 
-QString thresholdNumber(float value) {
-    return QString::number(double(value), 'f', 2).rightJustified(numberWidth);
+/// Both thresholds have the decimals that the lower one needs.
+QString thresholdNumber(const OverlayLegend& legend, float value) {
+    return QString::number(double(value), 'f', decimalsFor(double(legend.threshold)))
+        .rightJustified(numberWidth);
 }
 
 /// Colours of the single maps and, for two, of their overlap; overlaps of more maps are evident
@@ -54,8 +57,8 @@ void paintBar(QPainter& painter, const QRect& bar, const OverlayLegend& legend, 
     const int left = bar.right() + line / 4;
     const QRect upper(left, bar.top() - line / 4, line * 10, line);
     const QRect lower(left, bar.bottom() + 1 + line / 4 - line, line * 10, line);
-    painter.drawText(upper, Qt::AlignLeft | Qt::AlignVCenter, thresholdNumber(top));
-    painter.drawText(lower, Qt::AlignLeft | Qt::AlignVCenter, thresholdNumber(bottom));
+    painter.drawText(upper, Qt::AlignLeft | Qt::AlignVCenter, thresholdNumber(legend, top));
+    painter.drawText(lower, Qt::AlignLeft | Qt::AlignVCenter, thresholdNumber(legend, bottom));
 }
 
 void paintScale(QPainter& painter, const QRect& area, const OverlayLegend& legend) {
@@ -145,11 +148,12 @@ QString legendText(const OverlayLegend& legend) {
     if (!legend.overlayShown)
         return "No statistical map is shown.";
     QStringList lines{QString("%1 from %2, strongest colour at %3")
-                          .arg(legend.statistic, thresholdNumber(legend.threshold).trimmed(),
-                               thresholdNumber(legend.colorMaxThreshold).trimmed())};
+                          .arg(legend.statistic,
+                               thresholdNumber(legend, legend.threshold).trimmed(),
+                               thresholdNumber(legend, legend.colorMaxThreshold).trimmed())};
     if (!legend.significanceColorCoding)
         lines[0] = QString("%1 from %2")
-                       .arg(legend.statistic, thresholdNumber(legend.threshold).trimmed());
+                       .arg(legend.statistic, thresholdNumber(legend, legend.threshold).trimmed());
     for (const OverlayLegend::Entry& entry : legend.entries)
         lines << entry.name;
     return lines.join('\n');
@@ -183,7 +187,7 @@ void paintOverlayLegend(QPainter& painter, const QRect& area, const OverlayLegen
         painter.setFont(numberFont(font));
         painter.setPen(quietTextColor);
         painter.drawText(head.adjusted(offset, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                         atLeast + QString::number(double(legend.threshold), 'f', 2));
+                         atLeast + thresholdNumber(legend, legend.threshold).trimmed());
         painter.setFont(font);
         paintEntries(painter, rest, legend);
     }

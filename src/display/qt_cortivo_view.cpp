@@ -4,6 +4,7 @@
 #include "base/messages.h"
 #include "dialogs/bitmap_saving.h"
 #include "dialogs/dialog_setup.h"
+#include "dialogs/number_fields.h"
 #include "display/overlay_legend.h"
 #include "display/slice_mosaic.h"
 #include "display/tile_marks.h"
@@ -271,6 +272,7 @@ QString QtCortivoView::readOutText() const {
         if (auto known = voxelReadOut(*document_, *readOut_, readOutVolume_, overlayShown_)) {
             if (!statisticName_.isEmpty())
                 known->statistic = statisticName_;
+            known->decimals = decimalsFor(double(thresholds_.Threshold));
             return voxelReadOutText(*known);
         }
     return selectsRegions_ ? "Drag: region   Click: voxel   Wheel: zoom"

@@ -52,7 +52,8 @@ QString voxelReadOutText(const VoxelReadOut& readOut) {
         text += QString("   volume %1: %2").arg(readOut.volume + 1).arg(readOut.value);
     QStringList maps;
     for (const VoxelReadOut::MapValue& map : readOut.maps)
-        maps << QString("%1 %2").arg(map.name, QString::number(double(map.value), 'f', 2));
+        maps << QString("%1 %2").arg(map.name,
+                                     QString::number(double(map.value), 'f', readOut.decimals));
     if (!maps.isEmpty())
         text += "   " + readOut.statistic + ": " + maps.join(", ");
     return text;

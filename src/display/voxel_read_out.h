@@ -20,6 +20,7 @@ struct VoxelReadOut {
     int volume = -1; ///< from 0; -1 when nothing has been measured
     int value = 0;   ///< in that volume, signed as in the model and the curves
     QString statistic;
+    int decimals = 2; ///< of the values of maps
     std::vector<MapValue> maps;
 };
 

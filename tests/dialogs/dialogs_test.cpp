@@ -44,6 +44,18 @@ TEST(NumberFields, ReadWhatIsTyped) {
         EXPECT_EQ(box.text(), text);
         EXPECT_EQ(box.value(), text.toDouble()) << "what is shown counts";
     }
+    box.setDecimals(8);
+    for (const auto& [value, text] :
+         std::vector<std::pair<double, QString>>{{0.0, "0.00"},
+                                                 {2.5, "2.50"},
+                                                 {0.01, "0.01"},
+                                                 {0.0031, "0.0031"},
+                                                 {4.7e-6, "0.0000047"}}) {
+        box.setValue(value);
+        EXPECT_EQ(box.text(), text);
+    }
+    EXPECT_EQ(decimalsFor(double(0.01f)), 2);
+    EXPECT_EQ(decimalsFor(-1e-20), 9);
 }
 
 TEST(DialogSetup, NamesControlsAndWrapsToolTips) {

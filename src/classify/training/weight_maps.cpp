@@ -69,7 +69,10 @@ bool putMaps(QtCortivoDoc& document, const std::vector<SVMWeights>& weights,
     return true;
 }
 
-OverlayThresholds thresholdsOf(const std::vector<SVMWeights>& weights) {
+} // namespace
+
+// Many features share the work of a classifier: weights of a large region may all be tiny.
+OverlayThresholds weightThresholds(const std::vector<SVMWeights>& weights) {
     OverlayThresholds thresholds;
     thresholds.Threshold = 0.01f;
     thresholds.ClusterSizePixels = 1;
@@ -77,11 +80,21 @@ OverlayThresholds thresholdsOf(const std::vector<SVMWeights>& weights) {
     for (const SVMWeights& row : weights)
         for (const double value : row.values)
             largest = std::max(largest, std::fabs(float(value)));
+    if (largest > 0.0f && largest < thresholds.Threshold)
+        thresholds.Threshold = largest / 10.0f;
     changeColorMaxThreshold(thresholds, largest);
     return thresholds;
 }
 
-} // namespace
+void changeWeightThreshold(OverlayThresholds& thresholds, float value) {
+    thresholds.Threshold = std::max(value, smallestWeightThreshold);
+    changeStrongestWeight(thresholds, thresholds.ColorMaxThreshold);
+}
+
+void changeStrongestWeight(OverlayThresholds& thresholds, float value) {
+    thresholds.ColorMaxThreshold =
+        value > thresholds.Threshold ? value : 2.0f * thresholds.Threshold;
+}
 
 void WeightMaps::setDocument(std::unique_ptr<QtCortivoDoc> document) {
     clear();
@@ -100,7 +113,7 @@ void WeightMaps::clear() {
 void WeightMaps::show(std::vector<SVMWeights> weights, VoxelList voxels) {
     weights_ = std::move(weights);
     voxels_ = std::move(voxels);
-    thresholds = thresholdsOf(weights_);
+    thresholds = weightThresholds(weights_);
     select(allMaps);
 }
 

@@ -9,6 +9,16 @@
 
 #include <memory>
 
+inline constexpr float smallestWeightThreshold = 1e-8f;
+/// The lower one is 0.01, or a tenth of the largest magnitude if no weight reaches that; the upper
+/// one is the largest magnitude, if that is more; single voxels are shown.
+[[nodiscard]] OverlayThresholds weightThresholds(const std::vector<SVMWeights>& weights);
+/// The lower threshold as entered, at least the smallest one. Weights have no scale of their own:
+/// an upper one that is not above it becomes its double.
+void changeWeightThreshold(OverlayThresholds& thresholds, float value);
+/// The upper threshold as entered; if not above the lower one, the double of that.
+void changeStrongestWeight(OverlayThresholds& thresholds, float value);
+
 /// Owns a run, whose contrasts and maps it replaces by rows of weights, and tells the display of
 /// what comes and goes. Each voxel takes the weight of its feature, others 0. Both signs are shown;
 /// the first row is red, the second green, ...
@@ -21,9 +31,8 @@ public:
     /// Takes another run, which has no weights yet.
     void setDocument(std::unique_ptr<QtCortivoDoc> document);
 
-    /// Shows all rows. There is a run, in which the voxels lie, one for each weight. The lower
-    /// threshold becomes 0.01, the upper one the largest magnitude, if that is more; single voxels
-    /// are shown. Ends the program after a message when memory runs out.
+    /// Shows all rows. There is a run, in which the voxels lie, one for each weight. The
+    /// thresholds become weightThresholds(). Ends the program after a message when memory runs out.
     void show(std::vector<SVMWeights> weights, VoxelList voxels);
     /// There are no weights.
     void clear();

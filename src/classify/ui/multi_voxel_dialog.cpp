@@ -151,6 +151,7 @@ void MultiVoxelPatternClassificationDlg::go() {
 
 void MultiVoxelPatternClassificationDlg::runSingleTrialGLM() {
     static_cast<void>(training_.estimateTrials());
+    activateWindow(); // the progress box gave the keys to the main window
 }
 
 void MultiVoxelPatternClassificationDlg::btnInBoxClicked(QAbstractButton* button) {
@@ -230,6 +231,7 @@ void MultiVoxelPatternClassificationDlg::onMultiClassOption() {
 
 void MultiVoxelPatternClassificationDlg::createROITrainingTestData() {
     static_cast<void>(training_.createPatterns());
+    activateWindow();
 }
 
 void MultiVoxelPatternClassificationDlg::selectTrainingMVPFile() {

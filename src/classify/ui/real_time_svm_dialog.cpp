@@ -48,6 +48,7 @@ RealTimeSVMClassificationDlg::RealTimeSVMClassificationDlg(RunSession& session, 
         ->setToolTip("Close the dialog, which ends the prediction");
     QFont font("Courier New");
     font.setStyleHint(QFont::Monospace);
+    font.setPointSizeF(0.9 * font.pointSizeF()); // a prediction fits into two lines
     ui_->LogPredictionsTxEd->setFont(font);
     connectControls();
     prepareDialog(*this);

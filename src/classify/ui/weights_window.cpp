@@ -7,6 +7,12 @@
 #include "stats/clusters.h"
 #include "ui_weights_window.h"
 
+namespace {
+
+constexpr int weightDecimals = 8;
+
+} // namespace
+
 WeightsWindow::WeightsWindow(WeightMaps& maps, QWidget* parent)
     : QDialog(parent), maps_(maps), ui_(std::make_unique<Ui::WeightsWindow>()) {
     ui_->setupUi(this);
@@ -19,13 +25,19 @@ WeightsWindow::~WeightsWindow() {
 }
 
 void WeightsWindow::connectControls() {
+    for (QDoubleSpinBox* field : {ui_->ThresholdSpBx, ui_->MaximumSpBx}) {
+        field->setDecimals(weightDecimals);
+        field->setMinimum(double(smallestWeightThreshold));
+        field->setStepType(QAbstractSpinBox::AdaptiveDecimalStepType);
+        field->setKeyboardTracking(false); // the beginning of "0.002" is no threshold
+    }
     connect(ui_->MapCmBx, &QComboBox::activated, this, &WeightsWindow::chooseMap);
     connect(ui_->ThresholdSpBx, &QDoubleSpinBox::valueChanged, this, [this](double value) {
-        changeThreshold(maps_.thresholds, float(value));
+        changeWeightThreshold(maps_.thresholds, float(value));
         mapsChanged();
     });
     connect(ui_->MaximumSpBx, &QDoubleSpinBox::valueChanged, this, [this](double value) {
-        changeColorMaxThreshold(maps_.thresholds, float(value));
+        changeStrongestWeight(maps_.thresholds, float(value));
         mapsChanged();
     });
     connect(ui_->ColorsCodeWeightOp, &QCheckBox::clicked, this, [this](bool on) {
@@ -47,6 +59,8 @@ bool WeightsWindow::showMaps() {
     if (document_ != document) {
         leaveDocument();
         document_ = document;
+        // One map has one colour; which class a weight speaks for is then told by its sign alone.
+        document_->SignificanceColorCoding = maps_.names().size() == 1;
         view_ = new QtCortivoView(document_, maps_.thresholds, this);
         view_->setObjectName("WeightsView");
         view_->setStatisticName("Weight");
@@ -84,7 +98,6 @@ void WeightsWindow::chooseMap(int index) {
 void WeightsWindow::refreshThresholds() {
     const auto show = [](QDoubleSpinBox& field, float value) {
         const QSignalBlocker quiet(field);
-        field.setSingleStep(value < 1.0f ? 0.01 : 0.1);
         field.setValue(double(value));
     };
     show(*ui_->ThresholdSpBx, maps_.thresholds.Threshold);

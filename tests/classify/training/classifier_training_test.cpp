@@ -5,6 +5,7 @@
 #include "classify/training/pattern_creation.h"
 #include "classify/training/training_fixture.h"
 #include "classify/training/training_reports.h"
+#include "classify/training/weight_maps.h"
 #include "classify/trial_settings_file.h"
 #include "classify/voxels_file.h"
 
@@ -36,6 +37,23 @@ protected:
         return logged.contains(text) || (ADD_FAILURE() << logged.toStdString(), false);
     }
 };
+
+TEST(WeightThresholds, ShowSmallWeights) {
+    SVMWeights weights;
+    weights.values = {0.001, -0.004, 0.0};
+    OverlayThresholds thresholds = weightThresholds({weights});
+    EXPECT_EQ(thresholds, (OverlayThresholds{0.0004f, 0.004f, 1}));
+    changeWeightThreshold(thresholds, 0.003f);
+    EXPECT_EQ(thresholds, (OverlayThresholds{0.003f, 0.004f, 1}));
+    changeWeightThreshold(thresholds, 0.005f);
+    EXPECT_EQ(thresholds, (OverlayThresholds{0.005f, 0.01f, 1}));
+    changeStrongestWeight(thresholds, 0.001f);
+    EXPECT_EQ(thresholds, (OverlayThresholds{0.005f, 0.01f, 1}));
+    changeWeightThreshold(thresholds, 0.0f);
+    EXPECT_EQ(thresholds.Threshold, smallestWeightThreshold);
+    weights.values = {0.02};
+    EXPECT_EQ(weightThresholds({weights}), (OverlayThresholds{0.01f, 0.02f, 1}));
+}
 
 } // namespace
 

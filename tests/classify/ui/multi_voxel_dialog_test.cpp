@@ -26,6 +26,7 @@
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QTableWidget>
+#include <QTest>
 
 namespace {
 
@@ -204,6 +205,14 @@ TEST_F(MultiVoxelDialog, TrainsAClassifierFromARunOnDisk) {
     auto& weights = find<WeightsWindow>("WeightsWindow");
     EXPECT_TRUE(weights.isVisible());
     EXPECT_EQ(find<QComboBox>("MapCmBx").itemText(0), "SVM Weights");
+    EXPECT_TRUE(find<QCheckBox>("ColorsCodeWeightOp").isChecked())
+        << "only the sign tells the class";
+    // Typed digit by digit: the beginning of a small number is not taken for it.
+    auto& threshold = find<QDoubleSpinBox>("ThresholdSpBx");
+    threshold.selectAll();
+    QTest::keyClicks(&threshold, "0.0025");
+    QTest::keyClick(&threshold, Qt::Key_Return);
+    EXPECT_EQ(threshold.text(), "0.0025");
     click("TestSVMBtn");
     EXPECT_TRUE(log().contains("Test data - prediction accuracy")) << log().toStdString();
     click("ConfusionTableBtn");
