@@ -42,7 +42,7 @@ TEST(WeightThresholds, ShowSmallWeights) {
     SVMWeights weights;
     weights.values = {0.001, -0.004, 0.0};
     OverlayThresholds thresholds = weightThresholds({weights});
-    EXPECT_EQ(thresholds, (OverlayThresholds{0.0004f, 0.004f, 1}));
+    EXPECT_EQ(thresholds, (OverlayThresholds{0.004f / 10.0f, 0.004f, 1}));
     changeWeightThreshold(thresholds, 0.003f);
     EXPECT_EQ(thresholds, (OverlayThresholds{0.003f, 0.004f, 1}));
     changeWeightThreshold(thresholds, 0.005f);
