@@ -116,6 +116,7 @@ TEST_F(LiveClassifierTest, WithinAConditionEachVolumeFromDelayToDelayedEndIsDue)
         {37, 2, 0, false, {}}, // 40 points are not below 40 volumes
         {36, 2, 0, true, {}},
         {35, 2, 0, true, {31, 32}}, // the third trial is shorter by 2
+        {34, 2, 3, false, {}},
         {1, 0, 0, false, {9, 10, 11, 12, 19, 20, 21, 22, 29, 30}},
         {1,
          2,

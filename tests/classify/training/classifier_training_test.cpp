@@ -173,6 +173,7 @@ TEST_F(ClassifierTrainingTest, WithoutARunTheWeightsAreNotShown) {
     ASSERT_TRUE(training.train());
     EXPECT_TRUE(hasLogged("Running SVM with C=1 and RBF (radial basis function) kernel\n"));
     EXPECT_EQ(training.modelPath(), path("Model_a_b.c.svm"));
+    EXPECT_TRUE(training.test());
     EXPECT_TRUE(hasLogged("the weights are not shown as maps."));
     EXPECT_EQ(training.weightMaps.document(), nullptr);
 

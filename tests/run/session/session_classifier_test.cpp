@@ -168,6 +168,8 @@ TEST_F(SessionClassifierTest, OncePerTrialAndASecondRunBeginsAnewWithTheSameSett
     session.classifier.toggleIncrementalPrediction();
     runAgain();
     EXPECT_EQ(session.classifier.options(), options) << "the same file changes nothing";
+    EXPECT_EQ(screen_.lines.filter("Training files in").size(), 1);
+    EXPECT_EQ(screen_.lines.filter("Loaded \"").size(), 2);
     EXPECT_EQ(content("results/OnlineClassifiedPatterns.mvp"), first);
     EXPECT_EQ(session.classifier.NrOfOnlinePatterns(), 3);
 
@@ -175,6 +177,7 @@ TEST_F(SessionClassifierTest, OncePerTrialAndASecondRunBeginsAnewWithTheSameSett
     trial_.postOnset = 5;
     put("results/SingleTrialGLMSettings.txt", trialSettingsText(trial_));
     runAgain();
+    EXPECT_EQ(screen_.lines.filter("Training files in").size(), 2);
     EXPECT_EQ(session.classifier.options().trial.postOnset, 5);
     EXPECT_EQ(session.classifier.options().haemodynamicDelay, 7);
 }
