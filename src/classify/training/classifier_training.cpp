@@ -316,6 +316,7 @@ bool ClassifierTraining::writePatterns(const PatternPlan& plan, const MadePatter
         return false;
     old.keep();
     patternPath_ = path;
+    display_.log(QStringLiteral("Saved patterns: \"%1\"").arg(path));
     display_.refreshControls();
     return true;
 }

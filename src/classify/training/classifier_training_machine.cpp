@@ -80,6 +80,7 @@ bool ClassifierTraining::train() {
     if (!saveMachine(modelPathOf(source), machine.model, scaling))
         return false;
     modelPath_ = modelPathOf(source);
+    display_.log(QStringLiteral("Saved model: \"%1\"").arg(modelPath_));
     scaling_ = scaling;
     if (machine.options.C != chosen.svm.C) // of a search
         choices.svm.C = machine.options.C;

@@ -160,8 +160,10 @@ void CrashTrial::expectComesBack(const QString& journal, bool goesOn) {
     const auto [volumes, changes] = countJournal(journal);
     goesOn = goesOn || volumes == 0;
     SCOPED_TRACE(testing::Message() << "volumes " << volumes << ", changes " << changes);
-    // The volume in flight may have been given to another program before it was in the journal.
-    QFile::remove(path(QString("results/Simulation-1-%1.rtp").arg(volumes + 1)));
+    // The volume in flight may have been given, or half given, to another program before it was in
+    // the journal.
+    for (const char* name : {"results/Simulation-1-%1.rtp", "results/Simulation-1-%1.rtp.part"})
+        QFile::remove(path(QString(name).arg(volumes + 1)));
     play(journal, goesOn ? PlayPurpose::GoOn : PlayPurpose::Recover, changes);
     Results found = takeResults();
     run(goesOn || volumes == analysedVolumes ? -1 : volumes, goesOn ? 1000 : changes);
