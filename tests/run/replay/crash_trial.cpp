@@ -160,25 +160,31 @@ void CrashTrial::expectComesBack(const QString& journal, bool goesOn) {
     const auto [volumes, changes] = countJournal(journal);
     goesOn = goesOn || volumes == 0;
     SCOPED_TRACE(testing::Message() << "volumes " << volumes << ", changes " << changes);
-    // The volume in flight may have been given, or half given, to another program before it was in
-    // the journal.
-    for (const char* name : {"results/Simulation-1-%1.rtp", "results/Simulation-1-%1.rtp.part"})
-        QFile::remove(path(QString(name).arg(volumes + 1)));
+    const Results left = results();
     play(journal, goesOn ? PlayPurpose::GoOn : PlayPurpose::Recover, changes);
     Results found = takeResults();
     run(goesOn || volumes == analysedVolumes ? -1 : volumes, goesOn ? 1000 : changes);
     const Results expected = takeResults();
+    // Of the volume in flight the killed run may have left files that a run without it hasn't.
+    for (const QString& name : left.keys())
+        if (!expected.contains(name) && found.value(name) == left[name])
+            found.remove(name);
     EXPECT_EQ(found.keys().join(' ').toStdString(), expected.keys().join(' ').toStdString());
     for (const QString& name : expected.keys())
         EXPECT_TRUE(found[name] == expected[name]) << qPrintable(name);
 }
 
-CrashTrial::Results CrashTrial::takeResults() {
+CrashTrial::Results CrashTrial::results() const {
     Results results;
-    QDir folder(path("results"));
+    const QDir folder(path("results"));
     for (const QString& name : folder.entryList(QDir::Files))
         results[name] = contentOf(folder.filePath(name));
-    QDir::setCurrent(QDir::tempPath());
-    EXPECT_TRUE(folder.removeRecursively());
     return results;
+}
+
+CrashTrial::Results CrashTrial::takeResults() {
+    const Results found = results();
+    QDir::setCurrent(QDir::tempPath());
+    EXPECT_TRUE(QDir(path("results")).removeRecursively());
+    return found;
 }

@@ -56,6 +56,7 @@ public:
     void expectComesBack(const QString& journal, bool goesOn);
     /// Moves the results away; all files of the run by name.
     [[nodiscard]] Results takeResults();
+    [[nodiscard]] Results results() const; ///< the same, which stay
 
     ScriptedMessages messages;
     RecordedProgramEnd programEnd;
