@@ -1,10 +1,10 @@
 // Time of the classifier's step during a run: design, estimation, prediction.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/live_classifier.h"
+#include "processor_time.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <random>
 
 namespace {
@@ -49,12 +49,13 @@ void printStep(const RunVolumes& volumes, const char* name, PredictionMode mode,
     for (int volume = 30; volume < nrOfVolumes; ++volume) {
         protocol.conditions[1].from[0] = volume - 11; // each one is a trial's last
         protocol.conditions[1].to[0] = volume;
-        const std::clock_t start = std::clock();
-        const bool made =
-            classifier
-                .step({volumes, runSize, protocol, volume, nrOfVolumes, 2000.0f}, options, fault)
-                .has_value();
-        times.push_back(double(std::clock() - start) * 1e3 / CLOCKS_PER_SEC);
+        bool made = false;
+        times.push_back(milliseconds([&] {
+            made = classifier
+                       .step({volumes, runSize, protocol, volume, nrOfVolumes, 2000.0f}, options,
+                             fault)
+                       .has_value();
+        }));
         if (!made)
             std::printf("no prediction at volume %d\n", volume);
     }

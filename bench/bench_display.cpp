@@ -2,13 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/region_marks.h"
 #include "display/slice_mosaic.h"
+#include "processor_time.h"
 #include "stats/clusters.h"
 
 #include <QPainter>
-#include <algorithm>
 #include <cstdio>
-#include <ctime>
-#include <functional>
 
 namespace {
 
@@ -22,18 +20,7 @@ struct Size {
 constexpr int nrOfMaps = 3;
 constexpr int nrOfRegions = 6;
 
-/// Median of many runs, in milliseconds of processor time, so that other programs don't count.
-double medianTime(const std::function<void()>& work) {
-    constexpr int runs = 101;
-    std::vector<double> times;
-    for (int i = 0; i < runs; ++i) {
-        const std::clock_t start = std::clock();
-        work();
-        times.push_back(double(std::clock() - start) * 1e3 / CLOCKS_PER_SEC);
-    }
-    std::nth_element(times.begin(), times.begin() + runs / 2, times.end());
-    return times[runs / 2];
-}
+constexpr int runs = 101;
 
 std::vector<int16_t> someSamples(const Size& size) {
     std::vector<int16_t> samples(size_t(size.matrix) * size_t(size.matrix) * size_t(size.slices));
@@ -99,20 +86,20 @@ void measure(const Size& size) {
         for (size_t pixel = 0; pixel < maps.size.sliceSamples(); ++pixel)
             passing += voxelIsShown(maps, source.thresholds, slice, pixel) != 0;
     QImage mosaic;
-    const double grey = medianTime([&] { slices.updateSlicePixmaps(samples); });
+    const double grey = medianTime(runs, [&] { slices.updateSlicePixmaps(samples); });
     const auto compose = [&] { (void)composeSliceMosaic(mosaic, source); };
-    const double contrasts = medianTime(compose);
+    const double contrasts = medianTime(runs, compose);
     source.significanceColorCoding = true;
-    const double significance = medianTime(compose);
+    const double significance = medianTime(runs, compose);
     QImage view(700, 560, QImage::Format_RGB32);
-    const double drawn = medianTime([&] {
+    const double drawn = medianTime(runs, [&] {
         QPainter painter(&view);
         painter.drawImage(QRectF(0, 0, 560, 560), mosaic);
     });
     const Regions regions = someRegions(size);
     const MosaicTiles tiles{source.layout, size.slices, {size.matrix, size.matrix}, mosaic.rect()};
     std::vector<RegionFrame> frames;
-    const double marked = medianTime([&] {
+    const double marked = medianTime(runs, [&] {
         markRegionVoxels(mosaic, tiles, regions, {});
         frames = regionFrames(regions, {}, {size.matrix, size.matrix, size.slices});
     });

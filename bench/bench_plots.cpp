@@ -1,28 +1,15 @@
 // Times of one plot of a region: its new content, and painting it.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/plots/plotter.h"
+#include "processor_time.h"
 
 #include <QApplication>
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <ctime>
-#include <functional>
 
 namespace {
 
-/// Median of many runs, in milliseconds of processor time, so that other programs don't count.
-double medianTime(const std::function<void()>& work) {
-    constexpr int runs = 201;
-    std::vector<double> times;
-    for (int i = 0; i < runs; ++i) {
-        const std::clock_t start = std::clock();
-        work();
-        times.push_back(double(std::clock() - start) * 1e3 / CLOCKS_PER_SEC);
-    }
-    std::nth_element(times.begin(), times.begin() + runs / 2, times.end());
-    return times[runs / 2];
-}
+constexpr int runs = 201;
 
 /// A noisy curve over twenty intervals of two conditions, with a line at the current volume.
 PlotContent timeCourse(int nrOfValues) {
@@ -52,8 +39,8 @@ PlotContent betas() {
 void measure(const char* name, const PlotContent& content, QSize size) {
     Plotter plotter;
     plotter.resize(size);
-    const double given = medianTime([&] { plotter.setContent(content); });
-    const double painted = medianTime([&] {
+    const double given = medianTime(runs, [&] { plotter.setContent(content); });
+    const double painted = medianTime(runs, [&] {
         plotter.setContent(content);
         (void)plotter.picture();
     });

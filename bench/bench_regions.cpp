@@ -1,11 +1,11 @@
 // Times of the regions at the end of a long run: sums with and without ranking, ranking, creation.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "processor_time.h"
 #include "regions/region_ranking.h"
 #include "regions/region_time_courses.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <functional>
 #include <numeric>
 #include <random>
@@ -30,16 +30,9 @@ void evictCaches() {
         ++other[i];
 }
 
-double milliseconds(const std::function<void()>& work) {
+double coldMilliseconds(const std::function<void()>& work) {
     evictCaches();
-    const std::clock_t start = std::clock();
-    work();
-    return double(std::clock() - start) * 1e3 / CLOCKS_PER_SEC;
-}
-
-double median(std::vector<double> times) {
-    std::ranges::nth_element(times, times.begin() + ptrdiff_t(times.size() / 2));
-    return times[times.size() / 2];
+    return milliseconds(work);
 }
 
 VoxelList rectangle(const Layout& layout, int number) {
@@ -103,7 +96,7 @@ double plainTime(const Regions& regions, const FMRProject& project, bool best) {
     std::vector<int64_t> sums(nrOfVolumes);
     std::vector<double> times;
     for (int repeat = 0; repeat < 5; ++repeat)
-        times.push_back(milliseconds([&] {
+        times.push_back(coldMilliseconds([&] {
             for (int i = 0; i < regions.count(); ++i)
                 sumPlainly(project, regions[i].voxels, voxelsInUse(regions[i], best), sums);
         }));
@@ -123,10 +116,10 @@ Times volumeTimes(Regions& regions, const FMRProject& project, DriftingModel& mo
     for (int volume = nrOfVolumes - 101; volume < nrOfVolumes; ++volume) {
         if (best) {
             model.nextVolume(regions);
-            ranking.push_back(
-                milliseconds([&] { rankROIVoxels(regions, model.glm, model.design, runSize); }));
+            ranking.push_back(coldMilliseconds(
+                [&] { rankROIVoxels(regions, model.glm, model.design, runSize); }));
         }
-        sums.push_back(milliseconds([&] {
+        sums.push_back(coldMilliseconds([&] {
             for (int i = 0; i < regions.count(); ++i)
                 updateTimeCourse(regions[i], project, volume + 1, best);
         }));
@@ -139,7 +132,7 @@ void measure(const Layout& layout, const FMRProject& project, DriftingModel& mod
         Regions regions;
         RegionOptions options;
         options.BestVoxelSelection = best;
-        const double creation = milliseconds([&] {
+        const double creation = coldMilliseconds([&] {
             for (int i = 0; i < layout.nrOfRegions; ++i)
                 createROIFromVoxels(regions, project, nrOfVolumes - 101, rectangle(layout, i), {},
                                     options);

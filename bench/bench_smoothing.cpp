@@ -1,5 +1,6 @@
 // Times of spatial smoothing of a volume, and of the post-processing of a run, at three sizes.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "processor_time.h"
 #include "volume/frequency_smoothing.h"
 #include "volume/high_pass.h"
 #include "volume/run_smoothing.h"
@@ -8,11 +9,8 @@
 
 #include <QDir>
 #include <QTemporaryDir>
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
-#include <functional>
 #include <random>
 
 namespace {
@@ -31,21 +29,6 @@ struct Size {
 class SilentProgress : public ProgressReporter {
     void setProgress(int) override {}
 };
-
-double milliseconds(const std::function<void()>& work) {
-    const std::clock_t start = std::clock();
-    work();
-    return double(std::clock() - start) * 1e3 / CLOCKS_PER_SEC;
-}
-
-/// Median of many runs, in milliseconds of processor time, so that other programs don't count.
-double medianTime(int runs, const std::function<void()>& work) {
-    std::vector<double> times;
-    for (int i = 0; i < runs; ++i)
-        times.push_back(milliseconds(work));
-    std::ranges::nth_element(times, times.begin() + runs / 2);
-    return times[size_t(runs / 2)];
-}
 
 void require(bool succeeded) {
     if (!succeeded)

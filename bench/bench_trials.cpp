@@ -1,12 +1,10 @@
 // Times of the estimation of single trials: all voxels of a finished run, and a region during one.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/trial_fit.h"
+#include "processor_time.h"
 #include "volume/volume_geometry.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <ctime>
-#include <functional>
 #include <random>
 
 namespace {
@@ -15,20 +13,6 @@ constexpr int nrOfVolumes = 300;
 constexpr int nrOfTrials = 40;
 constexpr VolumeSize runSize{104, 104, 72};
 constexpr size_t regionVoxels = 2000;
-
-double milliseconds(const std::function<void()>& work) {
-    const std::clock_t start = std::clock();
-    work();
-    return double(std::clock() - start) * 1e3 / CLOCKS_PER_SEC;
-}
-
-double medianTime(int runs, const std::function<void()>& work) {
-    std::vector<double> times;
-    for (int i = 0; i < runs; ++i)
-        times.push_back(milliseconds(work));
-    std::ranges::nth_element(times, times.begin() + runs / 2);
-    return times[size_t(runs / 2)];
-}
 
 TrialFit fitOf(int points, TrialEstimate estimate, bool zNormalization, bool linearTrend) {
     const TrialOptions options{.preOnset = 2, .postOnset = points - 3, .linearTrend = linearTrend};

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/byte_views.h"
+
 #include <QString>
 #include <bit>
 #include <cstdint>
@@ -55,10 +57,7 @@ public:
     double f64() { return std::bit_cast<double>(u64()); }
 
     /// Bytes after their number, a u32. Empty, and failed(), when there are fewer.
-    QByteArray sizedBytes() {
-        const std::span<const uint8_t> bytes = take(u32());
-        return {reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())};
-    }
+    QByteArray sizedBytes() { return byteArray(take(u32())); }
     /// UTF-8 as sizedBytes().
     QString text() { return QString::fromUtf8(sizedBytes()); }
 

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/byte_views.h"
+
 #include <QString>
 #include <algorithm>
 #include <bit>
@@ -34,7 +36,7 @@ public:
     /// UTF-8, written like bytes().
     void text(const QString& text) {
         const QByteArray encoded = text.toUtf8();
-        bytes({reinterpret_cast<const uint8_t*>(encoded.constData()), size_t(encoded.size())});
+        bytes(bytesOf(encoded));
     }
     [[nodiscard]] const std::vector<uint8_t>& result() const { return result_; }
 

@@ -2,6 +2,7 @@
 #include "classify/pattern_file.h"
 
 #include "base/byte_reader.h"
+#include "base/byte_views.h"
 #include "base/data_stream.h"
 #include "base/file_writing.h"
 #include "base/memory.h"
@@ -92,8 +93,7 @@ QString readExemplars(int exemplars, PatternSet& patterns, NextNumber nextNumber
 }
 
 QString parseBinary(const QByteArray& content, PatternSet& patterns) {
-    ByteReader reader(
-        {reinterpret_cast<const uint8_t*>(content.constData()), size_t(content.size())});
+    ByteReader reader(bytesOf(content));
     const int version = reader.i16();
     const int exemplars = reader.i32();
     patterns.nrOfFeatures = reader.i32();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/trial_maps.h"
 
+#include "base/byte_views.h"
 #include "base/data_stream.h"
 #include "base/file_writing.h"
 #include "base/messages.h"
@@ -175,8 +176,7 @@ QByteArray trialMapsHeader(const TrialMaps& maps) {
 
 TrialMapsResult parseTrialMaps(std::span<const uint8_t> bytes, TrialMaps& maps) {
     QBuffer buffer;
-    buffer.setData(QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
-                                           qsizetype(bytes.size())));
+    buffer.setData(byteArrayView(bytes));
     if (!buffer.open(QIODevice::ReadOnly))
         return TrialMapsResult::Damaged;
     return parseDevice(buffer, Content::NamesAndValues, maps);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/glm_file.h"
 
+#include "base/byte_views.h"
 #include "base/data_stream.h"
 #include "base/file_writing.h"
 #include "base/messages.h"
@@ -213,8 +214,7 @@ void writeStart(QDataStream& stream, const WholeRunModel& model) {
 
 GLMParseResult parseGLM(std::span<const uint8_t> bytes, const VolumeSize& size,
                         WholeRunModel& model) {
-    const QByteArray view = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
-                                                    qsizetype(bytes.size()));
+    const QByteArray view = byteArrayView(bytes);
     QBuffer buffer;
     buffer.setData(view);
     if (!buffer.open(QIODevice::ReadOnly))

@@ -5,10 +5,6 @@
 #include "base/byte_reader.h"
 #include "support/files.h"
 
-inline std::span<const uint8_t> bytesOf(const QByteArray& bytes) {
-    return {reinterpret_cast<const uint8_t*>(bytes.constData()), size_t(bytes.size())};
-}
-
 class DicomBytes {
 public:
     explicit DicomBytes(ByteOrder order = ByteOrder::Little, bool explicitVR = true)

@@ -2,6 +2,7 @@
 #include "run/replay/journal_records.h"
 
 #include "base/byte_reader.h"
+#include "base/byte_views.h"
 #include "base/byte_writer.h"
 
 #include <QtEndian>
@@ -17,9 +18,7 @@ public:
     void field(bool value) { u8(value ? 1 : 0); }
     void field(float value) { f32(value); }
     void field(const QString& value) { text(value); }
-    void field(const QByteArray& value) {
-        bytes({reinterpret_cast<const uint8_t*>(value.constData()), size_t(value.size())});
-    }
+    void field(const QByteArray& value) { bytes(bytesOf(value)); }
     void field(const QStringList& values) {
         u32(uint32_t(values.size()));
         for (const QString& value : values)

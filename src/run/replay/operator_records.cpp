@@ -2,6 +2,7 @@
 #include "run/replay/operator_records.h"
 
 #include "base/byte_reader.h"
+#include "base/byte_views.h"
 #include "base/byte_writer.h"
 #include "run/document/qt_cortivo_doc.h"
 
@@ -23,8 +24,7 @@ QByteArray encoded(const OverlayThresholds& thresholds, const ContrastDefinition
         for (const int channel : {color.red, color.green, color.blue})
             writer.i32(channel);
     }
-    const std::vector<uint8_t>& bytes = writer.result();
-    return {reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())};
+    return byteArray(writer.result());
 }
 
 } // namespace
@@ -37,8 +37,7 @@ void OperatorRecords::changed() {
 void OperatorRecords::recordPlayed(const RunRecord& record) {
     if (!document_ || record.name != mapsRecord)
         return;
-    ByteReader reader({reinterpret_cast<const uint8_t*>(record.content.constData()),
-                       size_t(record.content.size())});
+    ByteReader reader(bytesOf(record.content));
     OverlayThresholds thresholds;
     thresholds.Threshold = reader.f32();
     thresholds.ColorMaxThreshold = reader.f32();

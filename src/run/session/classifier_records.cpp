@@ -2,6 +2,7 @@
 #include "run/session/classifier_records.h"
 
 #include "base/byte_reader.h"
+#include "base/byte_views.h"
 #include "base/byte_writer.h"
 
 namespace {
@@ -62,13 +63,11 @@ QByteArray encodedClassifier(const RecordedClassifier& recorded) {
     Encoder encoder;
     encoder.bytes.u8(version);
     passRecord(encoder, recorded);
-    const std::vector<uint8_t>& bytes = encoder.bytes.result();
-    return {reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())};
+    return byteArray(encoder.bytes.result());
 }
 
 std::optional<RecordedClassifier> decodedClassifier(const QByteArray& content) {
-    Decoder decoder{ByteReader(
-        {reinterpret_cast<const uint8_t*>(content.constData()), size_t(content.size())})};
+    Decoder decoder{ByteReader(bytesOf(content))};
     if (decoder.bytes.u8() != version)
         return {};
     RecordedClassifier recorded;

@@ -2,6 +2,7 @@
 #include "run/session/feedback_records.h"
 
 #include "base/byte_reader.h"
+#include "base/byte_views.h"
 #include "base/byte_writer.h"
 
 #include <cmath>
@@ -94,13 +95,11 @@ QByteArray encodedFeedback(const RecordedFeedback& recorded) {
     encoder.flag(recorded.delayed.has_value());
     if (recorded.delayed)
         passDelayed(encoder, *recorded.delayed);
-    const std::vector<uint8_t>& bytes = encoder.bytes.result();
-    return {reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())};
+    return byteArray(encoder.bytes.result());
 }
 
 std::optional<RecordedFeedback> decodedFeedback(const QByteArray& content) {
-    Decoder decoder{ByteReader(
-        {reinterpret_cast<const uint8_t*>(content.constData()), size_t(content.size())})};
+    Decoder decoder{ByteReader(bytesOf(content))};
     if (decoder.bytes.u8() != version)
         return {};
     RecordedFeedback recorded;

@@ -2,6 +2,7 @@
 #include "run/session/region_records.h"
 
 #include "base/byte_reader.h"
+#include "base/byte_views.h"
 #include "base/byte_writer.h"
 
 namespace {
@@ -60,16 +61,13 @@ QByteArray regionRecord(const OperatorRequests& requests, const Regions& regions
         for (const int position : regions[i].SortedVoxelList)
             writer.i32(position);
     }
-    const std::vector<uint8_t>& bytes = writer.result();
-    return QByteArray(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size())) +
-           roiFileText(regions, options);
+    return byteArray(writer.result()) + roiFileText(regions, options);
 }
 
 bool parseRegionRecord(const QByteArray& content, const VolumeSize& size,
                        OperatorRequests& requests, SavedRegions& regions) {
     RecordedChoices choices{requests, {}};
-    ByteReader reader(
-        {reinterpret_cast<const uint8_t*>(content.constData()), size_t(content.size())});
+    ByteReader reader(bytesOf(content));
     decode(reader, choices);
     SavedRegions saved;
     if (reader.failed() ||

@@ -1,5 +1,6 @@
 // Journals that are whole, cut, damaged or hostile.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/byte_views.h"
 #include "journal_content.h"
 #include "run/journal/journal_framing.h"
 
@@ -14,10 +15,6 @@ const QByteArray knownJournal =
                         "d5524543070000000600000000000000e2e2af76766f6c756d65"
                         "d55245430403020100000000000000006f5fbff2");
 const std::vector<Record> knownRecords{{7, "volume"}, {0x01020304, ""}};
-
-std::span<const uint8_t> bytesOf(const QByteArray& bytes) {
-    return ::bytesOf(std::string_view(bytes.constData(), size_t(bytes.size())));
-}
 
 ReadBack readBytes(const QByteArray& bytes) {
     // With a buffer of exactly this size the sanitizer catches a read beyond its end.
@@ -56,7 +53,8 @@ protected:
 TEST_F(JournalScan, WriterAndReaderAgreeWithKnownBytes) {
     {
         JournalWriter writer(createJournalFile(file_.fileName()));
-        EXPECT_TRUE(writer.add(7, {::bytesOf("vol"), {}, ::bytesOf("ume")}));
+        EXPECT_TRUE(writer.add(
+            7, {::bytesOf(std::string_view("vol")), {}, ::bytesOf(std::string_view("ume"))}));
         EXPECT_TRUE(writer.add(0x01020304, {}));
     }
     ASSERT_TRUE(file_.open(QIODevice::ReadOnly));
