@@ -3,6 +3,7 @@
 #pragma once
 
 #include "regions/region_of_interest.h"
+#include "run/document/plugin_maps.h"
 #include "stats/thresholds.h"
 
 #include <QString>
@@ -22,6 +23,7 @@ struct OperatorRequests {
     int pendingOverlayVMR = -1;
     int pendingOverlaySRF = -1;
     OverlayThresholds thresholds; ///< of the maps; reset from the settings at each start
+    RegisteredPluginMaps pluginMaps;
 
     bool saveRTPs = false;
     bool saveROITimeCourses = false;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "regions/regions.h"
+#include "run/document/plugin_maps.h"
 #include "run/document/slice_images.h"
 #include "run/document/slice_mosaic_layout.h"
 #include "run/protocol/real_time_protocol.h"
@@ -48,6 +49,7 @@ public:
     /// Of several runs: project, protocol and motion are the first one's, without volumes.
     bool multiRunDocument = false;
     StatisticalMaps maps;
+    PluginMapValues pluginMaps;
     Regions regions;
     /// What the feedback display begins with: of the file of regions that was loaded last.
     FeedbackMaxima DefaultMaxPSC = defaultMaxPSC;

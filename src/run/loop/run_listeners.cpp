@@ -98,6 +98,14 @@ void RunListeners::classifierChanged() {
     callEach([](RunListener& listener) { return listener.classifierChanged(), true; });
 }
 
+void RunListeners::mapListChanged() {
+    callEach([](RunListener& listener) { return listener.mapListChanged(), true; });
+}
+
+void RunListeners::pluginThresholdApplied(float shown) {
+    callEach([&](RunListener& listener) { return listener.pluginThresholdApplied(shown), true; });
+}
+
 bool RunListeners::beforeVolume(const VolumeAtHand& hand) {
     return callEach([&](RunListener& listener) { return listener.beforeVolume(hand); });
 }

@@ -17,10 +17,10 @@ enum class ListenerPlace {
     Regions,
     Plots,
     Logs,
+    PlugIn, ///< hears of the end of a run before those that work on it
     Classification,
     Feedback,
     Decoder,
-    PlugIn,
     Dialogs,
     Player, ///< of a recorded run: plays what the others have recorded
 };
@@ -87,6 +87,13 @@ public:
     /// The classifier of the run was switched on or off.
     virtual void classifierChanged() {}
 
+    /// Maps of a plug-in were registered or taken away, their names or what is shown of them has
+    /// changed, or they take the place of the contrasts, or leave it to these.
+    virtual void mapListChanged() {}
+    /// The threshold of a plug-in's maps holds now. `shown` is what the number field of the lower
+    /// threshold shows: the upper one where that was raised with it.
+    virtual void pluginThresholdApplied(float shown) { static_cast<void>(shown); }
+
     /// The samples of the volume are in memory, as they were measured. False ends the run, after
     /// the listener has said why; so it does for the steps.
     [[nodiscard]] virtual bool beforeVolume(const VolumeAtHand& hand) {
@@ -145,6 +152,8 @@ public:
     void regionsLoaded(QtCortivoDoc& functional);
     void feedbackChanged();
     void classifierChanged();
+    void mapListChanged();
+    void pluginThresholdApplied(float shown);
     /// These two stop at the first listener that ends the run, and give false then.
     [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand);
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand);

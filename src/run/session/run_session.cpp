@@ -21,8 +21,10 @@ RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : journal(listeners, pump), regions({settings, phase, report, requests, listeners}),
       multiRun({settings, requests, report, listeners}),
       feedback({settings, phase, report, requests, listeners, pump}),
-      classifier({settings, phase, listeners}), makeReader(makeVolumeReader), pump_(pump),
-      display_(display), operatorRecords_(listeners, requests) {
+      classifier({settings, phase, listeners}),
+      pluginMaps({phase, requests, listeners, display, [this] { mapsChanged(); }}),
+      makeReader(makeVolumeReader), pump_(pump), display_(display),
+      operatorRecords_(listeners, requests) {
     numerics::initialiseNumerics();
     feedback.setClassifier(&classifier);
 }

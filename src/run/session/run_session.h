@@ -19,6 +19,7 @@
 #include "run/session/session_classifier.h"
 #include "run/session/session_feedback.h"
 #include "run/session/session_multi_run.h"
+#include "run/session/session_plugin_maps.h"
 #include "run/session/session_regions.h"
 #include "run/settings/run_settings.h"
 #include "volume/postprocessing_options.h"
@@ -137,6 +138,7 @@ public:
     SessionMultiRun multiRun;
     SessionFeedback feedback;
     SessionClassifier classifier;
+    SessionPluginMaps pluginMaps;
     bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file

@@ -163,7 +163,6 @@ constexpr MenuEntry entries[] = {
     {"&View", "Show Motion Plot", &Window::slotShowMotionPlot},
     {.menu = "&View", .text = "Show Response Plot", .slot = &Window::slotShowResponsePlot, .endsSection = separator},
     {.menu = "&View", .text = "Switch Window Size", .slot = &Window::slotSwitchWindowSize},
-    {.menu = "&Plugins", .text = "<No plug-ins>", .slot = &Window::onCallPlugin, .phase = Later, .toolTip = "Plug-ins come in a later version"},
     {.menu = "&Help", .text = "Help On Paradigm", .slot = &Window::slotShowHelpHTML, .possible = paradigmHelpExists, .toolTip = "Open the help file that the settings file names"},
     {"&Help", "License Information...", &Window::slotShowLicenseInfoDlg},
     {"&Help", "About Velo-Cortivo ", &Window::slotShowAboutDlg},

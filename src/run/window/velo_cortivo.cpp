@@ -30,7 +30,8 @@ VeloCortivo::VeloCortivo(const StandardFolders& folders, EventPump& pump)
       menus_(*createTitleRow(*this), *this), viewPanel_(new ViewPanel(session_, this)),
       logPanel_(new LogPanel(this)), inputPanel_(new InputPanel(this)),
       contrastPanel_(new ContrastPanel(session_, this)),
-      timeCourses_(new TimeCoursesContainer(session_, this)) {
+      timeCourses_(new TimeCoursesContainer(session_, this)),
+      plugins_({session_, pump, folders.pluginsPath, *this}) {
     setProgramAccess(this);
     setObjectName("VeloCortivo");
     setWindowTitle("Velo-Cortivo");
@@ -79,6 +80,8 @@ void VeloCortivo::connectPanels() {
     connect(contrastPanel_, &Contrasts::multiSliceEdited, this,
             &Window::slotChangeMultiSliceROISelection);
     connect(contrastPanel_, &Contrasts::conjunctionClicked, this, &Window::slotConjunctionAnalysis);
+    connect(contrastPanel_, &Contrasts::showPluginMapsClicked, this,
+            &Window::onToggleShowPluginMaps);
     connect(contrastPanel_, &Contrasts::statisticChanged, this, &Window::refreshControls);
     connect(contrastPanel_, &Contrasts::numberEntered, this, &Window::focusSlices);
     using RunChosen = void (Window::*)(int);
@@ -261,6 +264,17 @@ void VeloCortivo::slotMultiRunMenuAboutToShow() {
                         row.checked});
     }
     menus_.rebuild("&Multi-Run", rows);
+}
+
+void VeloCortivo::onPluginsMenuAboutToShow() {
+    std::vector<MenuRow> rows;
+    const std::vector<PluginDescription>& plugins = plugins_.discover().plugins;
+    for (size_t i = 0; i < plugins.size(); ++i) {
+        if (i == 0)
+            rows.push_back({});
+        rows.push_back({plugins[i].menuText(), &VeloCortivo::onCallPlugin, int(i)});
+    }
+    menus_.rebuild("&Plugins", rows);
 }
 
 int VeloCortivo::chosenRow() const {

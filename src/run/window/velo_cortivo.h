@@ -4,6 +4,7 @@
 
 #include "display/log_panel.h"
 #include "display/view_panel.h"
+#include "plugin/host/plugin_host.h"
 #include "plugin/host/program_access.h"
 #include "regions/ui/time_courses_container.h"
 #include "run/loop/run_display.h"
@@ -29,6 +30,7 @@ public:
     ~VeloCortivo() override;
 
     [[nodiscard]] RunSession& session() override { return session_; }
+    [[nodiscard]] PluginHost& plugins() override { return plugins_; }
 
     /// Reads MasterVCO and takes what it says. False when there is neither a file nor a way to make
     /// one: the window then has its default size and place.
@@ -103,7 +105,7 @@ public Q_SLOTS:
     void slotAnalysisMenuAboutToShow() { menus_.refresh("&Analysis"); }
     void slotViewMenuAboutToShow() { menus_.refresh("&View"); }
     void slotMultiRunMenuAboutToShow();
-    void onPluginsMenuAboutToShow() { menus_.refresh("&Plugins"); }
+    void onPluginsMenuAboutToShow();
     void slotHelpMenuAboutToShow() { menus_.refresh("&Help"); }
     void slotChangeThreshold();
     void slotChangeColorMaxThreshold();
@@ -162,6 +164,10 @@ public Q_SLOTS:
     void slotRunSelectedInTC2(int value) { session_.multiRun.showRun(1, value); }
     void slotRunSelectedInTC3(int value) { session_.multiRun.showRun(2, value); }
 
+    // Plug-ins. The first finds in the action that was chosen which it is.
+    void onCallPlugin() { plugins_.launch(chosenRow()); }
+    void onToggleShowPluginMaps() { contrastPanel_->takeShowPluginMaps(); }
+
     // Of later versions: their entries are disabled, and a call says so.
     void slotEditVCOSettingsFile() { tellLater("Edit VCO File..."); }
     void slotEditMasterVCOFileSettings() { tellLater("Edit MasterVCO File..."); }
@@ -177,8 +183,6 @@ public Q_SLOTS:
     void slotSwitchToSurfaceViewRightMesh() { tellLater("Surface View"); }
     void slotLoadVOIs() { tellLater("Anatomical Volume View"); }
     void slotSaveVOIs() { tellLater("Anatomical Volume View"); }
-    void onCallPlugin() { tellLater("<No plug-ins>"); }
-    void onToggleShowPluginMaps() { tellLater("<No plug-ins>"); }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -209,5 +213,6 @@ private:
     InputPanel* inputPanel_;
     ContrastPanel* contrastPanel_;
     TimeCoursesContainer* timeCourses_;
+    PluginHost plugins_;
     bool endAfterRun_ = false;
 };

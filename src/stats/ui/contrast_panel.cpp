@@ -37,7 +37,7 @@ void addNumberRow(QGridLayout* grid, const QString& label, QAbstractSpinBox* box
 ContrastPanel::ContrastPanel(RunSession& session, QWidget* parent)
     : QGroupBox("Contrasts and maps", parent), session_(session), list_(new ContrastList(this)),
       conjunction_(new QCheckBox("Conjunction of contrasts", this)),
-      pluginMaps_(new QCheckBox("Maps of plug-ins", this)), threshold_(new ThresholdSpinBox(this)),
+      pluginMaps_(new QCheckBox("Show plugin maps", this)), threshold_(new ThresholdSpinBox(this)),
       colorMaxThreshold_(new ThresholdSpinBox(this)), clusterSize_(new QSpinBox(this)),
       multiSlice_(new QSpinBox(this)) {
     setObjectName("ContrastBackgroundGrpBx");
@@ -45,9 +45,8 @@ ContrastPanel::ContrastPanel(RunSession& session, QWidget* parent)
     conjunction_->setToolTip("Show only voxels in which all selected contrasts agree; needs at "
                              "least two of them");
     pluginMaps_->setObjectName("TogglePluginMapsOp");
-    pluginMaps_->setToolTip("Show the maps of plug-ins instead of the contrasts; no plug-in is "
-                            "loaded");
-    pluginMaps_->setEnabled(false);
+    pluginMaps_->setToolTip("Show the maps of the plug-in instead of the contrasts");
+    pluginMaps_->hide(); // until a plug-in registers maps
     auto* grid = new QGridLayout;
     grid->setVerticalSpacing(8);
     grid->setColumnStretch(0, 1);
@@ -91,6 +90,7 @@ void ContrastPanel::connectControls() {
     connect(clusterSize_, &QSpinBox::valueChanged, this, &ContrastPanel::clusterSizeEdited);
     connect(multiSlice_, &QSpinBox::valueChanged, this, &ContrastPanel::multiSliceEdited);
     connect(conjunction_, &QCheckBox::clicked, this, &ContrastPanel::conjunctionClicked);
+    connect(pluginMaps_, &QCheckBox::clicked, this, &ContrastPanel::showPluginMapsClicked);
     connect(list_, &ContrastList::contrastsEdited, this, &ContrastPanel::takeContrasts);
     connectStatistics();
     // Once a number is entered the keys scroll the slices again.
@@ -152,6 +152,21 @@ void ContrastPanel::takeContrasts() {
     session_.contrastsChanged();
     if (session_.functionalDocument->contrasts.shownStatistic != ShownStatistic::T)
         Q_EMIT statisticChanged();
+}
+
+void ContrastPanel::takeShowPluginMaps() {
+    session_.pluginMaps.show(pluginMaps_->isChecked());
+}
+
+void ContrastPanel::mapListChanged() {
+    const RegisteredPluginMaps& maps = session_.requests.pluginMaps;
+    pluginMaps_->setVisible(maps.count() > 0);
+    pluginMaps_->setChecked(maps.shown);
+}
+
+void ContrastPanel::pluginThresholdApplied(float shown) {
+    const QSignalBlocker blocker(threshold_);
+    threshold_->setValue(double(shown));
 }
 
 void ContrastPanel::documentsLeaving() {

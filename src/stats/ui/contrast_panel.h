@@ -31,11 +31,14 @@ public:
     void takeMultiSliceROISelection();
     void takeConjunction();
     void takeContrasts();
+    void takeShowPluginMaps();
     [[nodiscard]] ContrastList& list() { return *list_; }
 
     void documentsLeaving() override;
     void runPrepared(QtCortivoDoc& functional) override;
     void settingsFileChanged() override;
+    void mapListChanged() override;
+    void pluginThresholdApplied(float shown) override;
 
 Q_SIGNALS:
     /// The operator changed a control; the take functions pass its value on.
@@ -44,6 +47,7 @@ Q_SIGNALS:
     void clusterSizeEdited();
     void multiSliceEdited();
     void conjunctionClicked();
+    void showPluginMapsClicked();
     /// Another statistic is shown, or F of other contrasts: degrees of freedom and p value in the
     /// text of the threshold have changed.
     void statisticChanged();
