@@ -50,11 +50,12 @@ QMap<QString, QString> textsOf(const std::vector<Answer>& answers) {
 /// Compares all numbers with the truth.
 void expectTruth(const std::vector<Answer>& answers, const RunTruth& truth, const Moment& moment) {
     const QMap<QString, QString> texts = textsOf(answers);
+    static const QRegularExpression fitted("Beta|betas|Map|maps|Mean");
     for (const Answer& answer : answers) {
         if (texts.contains(answer.name))
             continue;
         const double expected = truth.answer(moment, answer.name, answer.arguments);
-        const bool computed = answer.name.contains(QRegularExpression("Beta|betas|Map|maps|Mean"));
+        const bool computed = answer.name.contains(fitted);
         const double tolerance = computed ? 1e-3 + 1e-4 * std::abs(expected) : 1e-9;
         QStringList arguments;
         for (const int argument : answer.arguments)
