@@ -89,7 +89,7 @@ TEST_F(PluginFunctions, AnswerAsTheRunGoesOn) {
     EXPECT_EQ(textsOf(asked.back().second).value("tGetProjectName", "-"), QString());
     beginProgram();
     ask(nothing);
-    EXPECT_EQ(textsOf(asked.back().second).value("tGetPluginsPath"), "/plugins/Plugins_64/");
+    EXPECT_EQ(textsOf(asked.back().second).value("tGetPluginsPath"), path("Plugins_64/"));
 
     writeSession(42, 2, {{"FeedbackTargetFolder:", QString("\"%1\"").arg(path("fb"))}},
                  defaultProtocol().section("Fixation", 0, 0) + protocol);
@@ -102,7 +102,7 @@ TEST_F(PluginFunctions, AnswerAsTheRunGoesOn) {
     EXPECT_EQ(asked.size(), 2u + 2 + 2 * 40 + 1);
     EXPECT_EQ(textsOf(probe.ask("probeState")),
               (QMap<QString, QString>{{"tGetVCOPath", QCoreApplication::applicationDirPath() + "/"},
-                                      {"tGetPluginsPath", "/plugins/Plugins_64/"},
+                                      {"tGetPluginsPath", path("Plugins_64/")},
                                       {"tGetProjectName", "test"},
                                       {"tGetWatchFolder", path("incoming/")},
                                       {"tGetTargetFolder", path("results/")},
