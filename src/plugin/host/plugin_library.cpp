@@ -5,6 +5,8 @@
 #include "plugin/host/plugin_object.h"
 #include "plugin/sdk/velo_cortivo_plugin.h"
 
+#include <QFile>
+#include <dlfcn.h>
 #include <exception>
 
 namespace {
@@ -14,10 +16,9 @@ QString copied(const char* text) {
 }
 
 /// Its function, unless something else bears the name.
-template<typename Function> Function resolved(QLibrary& library, const char* name) {
-    const QFunctionPointer found = library.resolve(name);
-    return isLoadedCode(reinterpret_cast<const void*>(found)) ? reinterpret_cast<Function>(found)
-                                                              : nullptr;
+template<typename Function> Function resolved(void* library, const char* name) {
+    void* found = library ? ::dlsym(library, name) : nullptr;
+    return isLoadedCode(found) ? reinterpret_cast<Function>(found) : nullptr;
 }
 
 } // namespace
@@ -34,21 +35,18 @@ std::optional<QString> thrownBy(const std::function<void()>& work) {
 }
 
 PluginLibrary::~PluginLibrary() {
-    if (library_.isLoaded())
-        library_.unload();
+    if (library_)
+        ::dlclose(library_);
 }
 
 bool PluginLibrary::open(const QString& path) {
     fault_ = libraryFileFault(path);
     if (!fault_.isEmpty())
         return false;
-    library_.setFileName(path);
-    library_.setLoadHints(QLibrary::ResolveAllSymbolsHint);
-    if (library_.load())
-        return true;
-    // The loader puts the path, once or twice, in front of what it has to say.
-    fault_ = library_.errorString().section(path + ": ", -1);
-    return false;
+    library_ = ::dlopen(QFile::encodeName(path).constData(), RTLD_NOW | RTLD_LOCAL);
+    if (!library_)
+        fault_ = QString::fromLocal8Bit(::dlerror()).remove(path + ": ");
+    return library_ != nullptr;
 }
 
 QString PluginLibrary::text(const char* function) {

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QLibrary>
 #include <QString>
 #include <functional>
 #include <optional>
@@ -12,7 +11,7 @@ class VeloCortivoPlugin;
 /// Does the work, which calls code of a plug-in; gives what was thrown in it.
 [[nodiscard]] std::optional<QString> thrownBy(const std::function<void()>& work);
 
-/// Closes the library when it is destroyed.
+/// Closes the library when it is destroyed. Others that have it open keep it open.
 class PluginLibrary {
 public:
     PluginLibrary() = default;
@@ -33,6 +32,6 @@ public:
     [[nodiscard]] VeloCortivoPlugin* create();
 
 private:
-    QLibrary library_;
+    void* library_ = nullptr; ///< of the system's loader, which counts its users; QLibrary does not
     QString fault_;
 };
