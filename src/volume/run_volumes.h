@@ -32,7 +32,7 @@ public:
         return buffers_[volume].span();
     }
     /// size() pointers, one for each volume, for plug-ins.
-    [[nodiscard]] int16_t* const* table() const { return table_.data(); }
+    [[nodiscard]] int16_t** table() { return table_.data(); }
 
 private:
     std::vector<Volume> buffers_;
