@@ -68,18 +68,16 @@ void measure(const Size& size) {
     SliceImages slices;
     computeDisplayRange(slices.greyScale, samples);
     slices.createSlicePixmaps(samples, {size.matrix, size.matrix, size.slices});
-    StatisticalMaps maps;
+    QtCortivoDoc document(QtCortivoDoc::Kind::Functional);
+    StatisticalMaps& maps = document.maps;
     if (!fillMaps(maps, size)) {
         std::printf("%3d: not enough memory\n", size.matrix);
         return;
     }
-    OverlayColors colors;
     SliceMosaicSource source;
     source.slices = &slices;
     source.layout.MosaicColumns = size.columns;
     source.layout.MosaicRows = size.rows;
-    source.maps = &maps;
-    source.colors = &colors;
 
     size_t passing = 0;
     for (int slice = 0; slice < size.slices; ++slice)
@@ -87,9 +85,12 @@ void measure(const Size& size) {
             passing += voxelIsShown(maps, source.thresholds, slice, pixel) != 0;
     QImage mosaic;
     const double grey = medianTime(runs, [&] { slices.updateSlicePixmaps(samples); });
-    const auto compose = [&] { (void)composeSliceMosaic(mosaic, source); };
+    const auto compose = [&] {
+        source.maps = shownContrastMaps(document);
+        (void)composeSliceMosaic(mosaic, source);
+    };
     const double contrasts = medianTime(runs, compose);
-    source.significanceColorCoding = true;
+    document.SignificanceColorCoding = true;
     const double significance = medianTime(runs, compose);
     QImage view(700, 560, QImage::Format_RGB32);
     const double drawn = medianTime(runs, [&] {

@@ -31,13 +31,12 @@ QString thresholdNumber(const OverlayLegend& legend, float value) {
 
 /// Colours of the single maps and, for two, of their overlap; overlaps of more maps are evident
 /// mixtures.
-void addEntries(OverlayLegend& legend, const StatisticalMaps& maps,
-                const ContrastDefinitions& contrasts) {
-    for (int map = 0; map < maps.NrOfShownMaps; ++map) {
-        const size_t index = size_t(multiMapColorIndex(1u << map, maps.NrOfShownMaps));
-        legend.entries.push_back({shownMapName(maps, contrasts, map), legend.scale[index]});
+void addEntries(OverlayLegend& legend, const ShownMaps& maps) {
+    for (int map = 0; map < maps.count(); ++map) {
+        const size_t index = size_t(multiMapColorIndex(1u << map, maps.count()));
+        legend.entries.push_back({maps.names[map], legend.scale[index]});
     }
-    if (maps.NrOfShownMaps == 2)
+    if (maps.count() == 2)
         legend.entries.push_back({"Both", legend.scale[size_t(multiMapColorIndex(0b11, 2))]});
 }
 
@@ -105,42 +104,22 @@ void paintEntries(QPainter& painter, QRect area, const OverlayLegend& legend) {
 
 } // namespace
 
-QString shownMapName(const StatisticalMaps& maps, const ContrastDefinitions& contrasts, int map) {
-    if (contrasts.ConjunctionAnalysis)
-        return "Conjunction";
-    if (maps.MapType == MapKind::F && contrasts.shownStatistic == ShownStatistic::FOfSelected)
-        return "Selected contrasts";
-    if (size_t(map) >= maps.contrastOfMap.size())
-        return {};
-    return contrasts.ContrastNames.value(maps.contrastOfMap[size_t(map)]);
-}
-
-QString statisticOf(MapKind kind) {
-    if (kind == MapKind::F)
-        return "F";
-    return kind == MapKind::Correlation || kind == MapKind::CrossCorrelation ? "R" : "t";
-}
-
-OverlayLegend makeOverlayLegend(const StatisticalMaps& maps, const OverlayThresholds& thresholds,
-                                const ContrastDefinitions& contrasts, const OverlayColors& colors,
-                                bool significanceColorCoding) {
+OverlayLegend makeOverlayLegend(const ShownMaps& maps, const OverlayThresholds& thresholds) {
     OverlayLegend legend;
-    legend.overlayShown =
-        maps.NrOfShownMaps > 0 && maps.NrOfShownMaps <= maps.nrOfMapsToShow(false);
+    legend.overlayShown = !maps.empty();
     if (!legend.overlayShown)
         return legend;
-    legend.significanceColorCoding = significanceColorCoding;
-    legend.statistic = statisticOf(maps.MapType);
+    legend.significanceColorCoding = maps.significanceColorCoding;
+    legend.statistic = maps.statistic;
     legend.threshold = thresholds.Threshold;
     legend.colorMaxThreshold = thresholds.ColorMaxThreshold;
-    for (int map = 0; map < maps.NrOfShownMaps; ++map) {
-        const int state = maps.states[size_t(map)];
+    for (const int state : maps.states) {
         legend.positive |= state != ContrastNegative;
         legend.negative |= (state & ContrastNegative) != 0;
     }
-    std::transform(colors.active.begin(), colors.active.end(), legend.scale.begin(), colorOf);
-    if (!significanceColorCoding)
-        addEntries(legend, maps, contrasts);
+    std::transform(maps.colors.begin(), maps.colors.end(), legend.scale.begin(), colorOf);
+    if (!maps.significanceColorCoding)
+        addEntries(legend, maps);
     return legend;
 }
 

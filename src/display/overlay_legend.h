@@ -3,7 +3,7 @@
 #pragma once
 
 #include "dialogs/appearance.h"
-#include "stats/overlay_colors.h"
+#include "display/shown_maps.h"
 #include "stats/thresholds.h"
 
 #include <QColor>
@@ -16,7 +16,7 @@ class QPainter;
 class QRect;
 
 struct OverlayLegend {
-    /// The colour of a contrast, or of the overlap of several.
+    /// The colour of a map, or of the overlap of several.
     struct Entry {
         QString name;
         QColor color;
@@ -24,28 +24,18 @@ struct OverlayLegend {
 
     bool overlayShown = false; ///< without, the legend is empty
     bool significanceColorCoding = false;
-    QString statistic; ///< "t", "R" or "F", or what a view calls it
+    QString statistic; ///< as the maps say
     float threshold = 0.0f;
     float colorMaxThreshold = 0.0f;
     bool positive = false; ///< a shown map colours positive values
     bool negative = false;
     std::array<QColor, nrOfOverlayColors> scale;
-    std::vector<Entry> entries; ///< with contrast colours only
+    std::vector<Entry> entries; ///< where each map has a colour of its own
 };
 
 /// The legend of the shown maps.
-[[nodiscard]] OverlayLegend makeOverlayLegend(const StatisticalMaps& maps,
-                                              const OverlayThresholds& thresholds,
-                                              const ContrastDefinitions& contrasts,
-                                              const OverlayColors& colors,
-                                              bool significanceColorCoding);
-
-/// Name of a shown map's contrast; "Conjunction", or "Selected contrasts" where one F map is of all
-/// of them.
-[[nodiscard]] QString shownMapName(const StatisticalMaps& maps,
-                                   const ContrastDefinitions& contrasts, int map);
-/// "t", "R" or "F".
-[[nodiscard]] QString statisticOf(MapKind kind);
+[[nodiscard]] OverlayLegend makeOverlayLegend(const ShownMaps& maps,
+                                              const OverlayThresholds& thresholds);
 
 /// The thresholds and all names in full, for a tool tip.
 [[nodiscard]] QString legendText(const OverlayLegend& legend);

@@ -97,6 +97,16 @@ void QtCortivoView::renderSlices() {
         cancelDrag();
 }
 
+ShownMaps QtCortivoView::overlay() const {
+    if (!overlayShown_ || document_->kind() != QtCortivoDoc::Kind::Functional)
+        return {};
+    ShownMaps maps =
+        pluginMaps_ ? shownMaps(*document_, *pluginMaps_) : shownContrastMaps(*document_);
+    if (!statisticName_.isEmpty())
+        maps.statistic = statisticName_;
+    return maps;
+}
+
 void QtCortivoView::composeMosaic() {
     nrOfShownSlices_ = 0;
     shownGrid_ = {};
@@ -108,16 +118,9 @@ void QtCortivoView::composeMosaic() {
     source.slices = &document_->slices;
     source.showInplanes = showInplanes_;
     source.layout = document_->mosaic;
-    source.colors = &document_->overlayColors;
-    source.significanceColorCoding = document_->SignificanceColorCoding;
-    if (overlayShown_ && document_->kind() == QtCortivoDoc::Kind::Functional) {
-        source.maps = &document_->maps;
-        source.thresholds = thresholds_;
-        legend_ = makeOverlayLegend(document_->maps, thresholds_, document_->contrasts,
-                                    document_->overlayColors, document_->SignificanceColorCoding);
-        if (!statisticName_.isEmpty())
-            legend_.statistic = statisticName_;
-    }
+    source.maps = overlay();
+    source.thresholds = thresholds_;
+    legend_ = makeOverlayLegend(source.maps, thresholds_);
     shownLayout_ = document_->mosaic;
     nrOfShownSlices_ = int(source.images().size());
     shownGrid_ = document_->slices.gridSize();
@@ -269,9 +272,7 @@ QString QtCortivoView::readOutText() const {
     if (action_ == MouseAction::Rectangle)
         return rectangleText(drag_.rectangle(), slicesOfDrag());
     if (readOut_ && document_)
-        if (auto known = voxelReadOut(*document_, *readOut_, readOutVolume_, overlayShown_)) {
-            if (!statisticName_.isEmpty())
-                known->statistic = statisticName_;
+        if (auto known = voxelReadOut(*document_, *readOut_, readOutVolume_, overlay())) {
             known->decimals = decimalsFor(double(thresholds_.Threshold));
             return voxelReadOutText(*known);
         }

@@ -1,4 +1,4 @@
-// The 2-D view of the main window: all slices of a run with the statistical maps over them.
+// The 2-D view of the main window: all slices of a run with the maps over them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -32,6 +32,8 @@ public:
     void setShowInplanes(bool show);
     /// Switches the maps on or off; they are on at first.
     void setOverlayShown(bool shown);
+    /// Maps of plug-ins that may take the place of the contrasts; not owned, null for none.
+    void setPluginMaps(const RegisteredPluginMaps* registered) { pluginMaps_ = registered; }
     /// The volume whose samples are read out, or firstVolumeAsRead.
     void setVolumeReadOut(int volume);
     void setRegionMarking(const RegionMarking& marking);
@@ -100,6 +102,8 @@ private:
     /// The whole mosaic's area in the view, in logical pixels, aligned to those of the screen.
     [[nodiscard]] QRectF fittedArea() const;
     [[nodiscard]] QString toolTipAt(QPoint position) const;
+    /// The maps over the slices; empty when they are off.
+    [[nodiscard]] ShownMaps overlay() const;
     void renderSlices();
     void composeMosaic();
     void scroll(void (*step)(SliceMosaicLayout& layout, int nrOfSlices));
@@ -117,6 +121,7 @@ private:
 
     QtCortivoDoc* document_;
     const OverlayThresholds& thresholds_;
+    const RegisteredPluginMaps* pluginMaps_ = nullptr;
     QImage mosaic_;
     // As the mosaic was composed: the document may be ahead of what is on the screen.
     SliceMosaicLayout shownLayout_;

@@ -51,11 +51,10 @@ PackedColors packedColors(const OverlayColorTable& table) {
 class OverlayPainter {
 public:
     OverlayPainter(const SliceMosaicSource& source, int scale)
-        : maps_(*source.maps), thresholds_(source.thresholds),
-          significance_(source.significanceColorCoding), scale_(scale),
-          table_(packedColors(source.colors->active)), colors_(size_t(maps_.size.x)) {
+        : maps_(source.maps), thresholds_(source.thresholds), scale_(scale),
+          table_(packedColors(maps_.colors)), colors_(size_t(maps_.size.x)) {
         for (unsigned passing = 1; passing < colorOfSet_.size(); ++passing)
-            colorOfSet_[passing] = table_[size_t(multiMapColorIndex(passing, maps_.NrOfShownMaps))];
+            colorOfSet_[passing] = table_[size_t(multiMapColorIndex(passing, maps_.count()))];
     }
 
     /// Works row by row; `colors_` is large enough for one.
@@ -79,40 +78,37 @@ private:
     /// Puts the colours of a row that begins at this pixel of the slice into colors_, 0 for voxels
     /// that are not shown.
     void colorRow(int slice, size_t pixel) {
-        OverlayStretch stretch{size_t(maps_.NrOfShownMaps), {}, {}};
+        OverlayStretch stretch{maps_.values.size(), {}, {}};
         for (size_t map = 0; map < stretch.nrOfMaps; ++map) {
-            stretch.values[map] = maps_.ContrastMaps.data() + map * maps_.size.samples() +
-                                  size_t(slice) * maps_.size.sliceSamples() + pixel;
+            stretch.values[map] =
+                maps_.values[map].data() + size_t(slice) * maps_.size.sliceSamples() + pixel;
             stretch.states[map] = maps_.states[map];
         }
-        if (significance_)
+        if (maps_.significanceColorCoding)
             significanceColors(stretch, thresholds_, table_, colors_);
         else
             multiMapColors(stretch, thresholds_.Threshold, colorOfSet_, colors_);
-        if (!thresholds_.filtersClusters())
+        if (!maps_.clusterSizes || !thresholds_.filtersClusters())
             return;
         std::span<const int> sizes;
-        if (size_t(slice) < maps_.ClusterSizeSlices.size())
-            sizes = maps_.ClusterSizeSlices[size_t(slice)];
+        if (size_t(slice) < maps_.clusterSizes->size())
+            sizes = (*maps_.clusterSizes)[size_t(slice)];
         dropSmallClusters(sizes.subspan(std::min(pixel, sizes.size())),
                           thresholds_.ClusterSizePixels, colors_);
     }
 
-    const StatisticalMaps& maps_;
+    const ShownMaps& maps_;
     const OverlayThresholds thresholds_;
-    bool significance_;
     int scale_;
     PackedColors table_;
     std::array<uint32_t, 1u << ContrastDefinitions::maximumShownMaps> colorOfSet_{};
     std::vector<uint32_t> colors_; ///< of a row
 };
 
-/// True when there are maps to paint and they match their counts and the grid of the slices.
+/// True when there are maps to paint and they match the grid of the slices.
 bool overlayIsUsable(const SliceMosaicSource& source) {
-    const StatisticalMaps* maps = source.maps;
-    return maps && source.colors && maps->NrOfShownMaps > 0 &&
-           maps->NrOfShownMaps <= maps->nrOfMapsToShow(false) &&
-           QSize(maps->size.x, maps->size.y) == source.slices->gridSize();
+    const ShownMaps& maps = source.maps;
+    return !maps.empty() && QSize(maps.size.x, maps.size.y) == source.slices->gridSize();
 }
 
 /// Copies a slice into its tile; the rest of the tile is black.
@@ -170,7 +166,7 @@ bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source) {
     const int shown = std::min(nrOfSlices, nrOfPlaces);
     const auto paint = [&](int place) {
         const int slice = sliceAtPlace(source.layout, place, nrOfSlices);
-        if (painter && slice < source.maps->size.slices)
+        if (painter && slice < source.maps.size.slices)
             painter->paintSlice(canvas, slice, place % columns, place / columns);
     };
     // While the tile is still in the cache; but squares that don't fill their tiles reach into

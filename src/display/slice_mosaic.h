@@ -1,11 +1,10 @@
-// The picture of all slices with the statistical maps painted over them.
+// The picture of all slices with the maps painted over them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "display/shown_maps.h"
 #include "run/document/slice_images.h"
 #include "run/document/slice_mosaic_layout.h"
-#include "stats/overlay_colors.h"
-#include "stats/statistical_maps.h"
 #include "stats/thresholds.h"
 
 #include <QImage>
@@ -16,10 +15,8 @@ struct SliceMosaicSource {
     const SliceImages* slices = nullptr;
     bool showInplanes = false; ///< high-resolution slices, where there are any
     SliceMosaicLayout layout;
-    const StatisticalMaps* maps = nullptr; ///< nullptr for no overlay
+    ShownMaps maps; ///< empty for no overlay
     OverlayThresholds thresholds;
-    const OverlayColors* colors = nullptr; ///< needed with maps
-    bool significanceColorCoding = false;
 
     /// The images that make the tiles.
     [[nodiscard]] const std::vector<QImage>& images() const {

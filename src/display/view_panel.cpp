@@ -72,7 +72,8 @@ void ViewPanel::update(bool keepFocus) {
 void ViewPanel::showCurrentState() {
     const OperatorRequests& requests = session_.requests;
     functionalView_->setShowInplanes(requests.pendingOverlayInplane == 1);
-    functionalView_->setOverlayShown(session_.report.mapsPresent);
+    // Those of a plug-in need no model.
+    functionalView_->setOverlayShown(session_.report.mapsPresent || requests.pluginMaps.shown);
     functionalView_->setHelpFile(session_.settings.ParadigmHelpFile);
     functionalView_->setRegionMarking(
         {.style = roiDisplayStyle_,
@@ -146,6 +147,7 @@ void ViewPanel::documentsLeaving() {
 void ViewPanel::documentsArrived(QtCortivoDoc& functional) {
     functionalView_ = new QtCortivoView(&functional, session_.requests.thresholds, this);
     functionalView_->setObjectName("FunctionalView");
+    functionalView_->setPluginMaps(&session_.requests.pluginMaps);
     area_->centralWidget()->layout()->addWidget(functionalView_);
     functionalView_->hide();
     connect(functionalView_, &QtCortivoView::rectangleSelected, this,

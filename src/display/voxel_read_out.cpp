@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/voxel_read_out.h"
 
-#include "display/overlay_legend.h"
+#include "display/shown_maps.h"
 #include "regions/region_time_courses.h"
 #include "run/document/qt_cortivo_doc.h"
 
@@ -20,7 +20,7 @@ std::span<const int16_t> samplesOf(const FMRProject& project, int volume) {
 } // namespace
 
 std::optional<VoxelReadOut> voxelReadOut(const QtCortivoDoc& document, const VoxelPosition& voxel,
-                                         int volume, bool mapsShown) {
+                                         int volume, const ShownMaps& maps) {
     const VolumeSize size = document.project.size();
     if (!isInside(size, voxel.x, voxel.y, voxel.slice))
         return {};
@@ -33,13 +33,9 @@ std::optional<VoxelReadOut> voxelReadOut(const QtCortivoDoc& document, const Vox
         readOut.volume = std::max(volume, 0);
         readOut.value = samples[offset];
     }
-    const StatisticalMaps& maps = document.maps;
-    readOut.statistic = statisticOf(maps.MapType);
-    const bool usable = mapsShown && maps.size == size;
-    const int shown = usable ? std::min(maps.NrOfShownMaps, maps.nrOfMapsToShow(false)) : 0;
-    for (int map = 0; map < shown; ++map)
-        readOut.maps.push_back(
-            {shownMapName(maps, document.contrasts, map), maps.map(map)[offset]});
+    readOut.statistic = maps.statistic;
+    for (int map = 0; map < maps.count() && maps.size == size; ++map)
+        readOut.maps.push_back({maps.names[map], maps.values[size_t(map)][offset]});
     return readOut;
 }
 

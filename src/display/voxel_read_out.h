@@ -9,11 +9,12 @@
 #include <vector>
 
 class QtCortivoDoc;
+struct ShownMaps;
 
 struct VoxelReadOut {
     struct MapValue {
-        QString name; ///< of the contrast
-        float value;  ///< with its sign, whichever signs the map shows
+        QString name;
+        float value; ///< with its sign, whichever signs the map shows
     };
 
     VoxelPosition voxel;
@@ -27,10 +28,11 @@ struct VoxelReadOut {
 /// A volume as it was read, before any correction: the first one, which the slices show at first.
 inline constexpr int firstVolumeAsRead = -1;
 
-/// The sample of a volume that is measured, or firstVolumeAsRead, and with `mapsShown` the values
-/// of the shown maps. Nothing for a voxel outside the run's volume.
-[[nodiscard]] std::optional<VoxelReadOut>
-voxelReadOut(const QtCortivoDoc& document, const VoxelPosition& voxel, int volume, bool mapsShown);
+/// The sample of a volume that is measured, or firstVolumeAsRead, and the values of the maps if
+/// they have the size of the run's volumes. Nothing for a voxel outside these.
+[[nodiscard]] std::optional<VoxelReadOut> voxelReadOut(const QtCortivoDoc& document,
+                                                       const VoxelPosition& voxel, int volume,
+                                                       const ShownMaps& maps);
 
 /// In one line, all numbers from 1.
 [[nodiscard]] QString voxelReadOutText(const VoxelReadOut& readOut);

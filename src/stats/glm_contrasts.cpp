@@ -64,7 +64,7 @@ void refreshActiveContrasts(ActiveContrasts& active, ContrastDefinitions& contra
     }
     active.count = int(maps.states.size());
     active.variances.assign(maps.states.size(), 0.0f);
-    maps.NrOfActiveContrasts = active.count;
+    maps.useMaps(active.count);
 }
 
 void computeContrastVariances(ActiveContrasts& active, std::span<const float> iXX) {

@@ -25,6 +25,12 @@ bool StatisticalMaps::allocateMaps(int count, const VolumeSize& sizeOfEach) {
     return true;
 }
 
+void StatisticalMaps::useMaps(int count) {
+    for (int map = count; map < std::min(NrOfActiveContrasts, nrOfMaps); ++map)
+        std::ranges::fill(this->map(map), 0.0f);
+    NrOfActiveContrasts = count;
+}
+
 int StatisticalMaps::nrOfMapsToShow(bool conjunction) const {
     const int most = conjunction ? 1 : ContrastDefinitions::maximumShownMaps;
     return std::min({NrOfActiveContrasts, most, nrOfMaps, int(states.size())});

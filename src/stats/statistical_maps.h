@@ -27,7 +27,7 @@ struct StatisticalMaps {
     VolumeSize size;                  ///< of each map, as allocated
     ZeroedBuffer<float> ContrastMaps; ///< map after map, one for each defined contrast
     int nrOfMaps = 0;                 ///< in ContrastMaps
-    int NrOfActiveContrasts = 0;      ///< the first this many maps are in use
+    int NrOfActiveContrasts = 0;      ///< the first this many maps are in use; the others are 0
     /// For each map in use: selection state 1 to 3 and the contrast that it belongs to.
     std::vector<int> states;
     std::vector<int> contrastOfMap;
@@ -52,6 +52,8 @@ struct StatisticalMaps {
     /// cluster sizes. False, with none allocated, when memory runs out; the caller shows the
     /// message.
     [[nodiscard]] bool allocateMaps(int count, const VolumeSize& sizeOfEach);
+    /// Changes NrOfActiveContrasts; maps that are not in use any more become 0.
+    void useMaps(int count);
     /// How many maps are to be overlaid: the one map of a conjunction, else the first four of those
     /// in use. Maps that are not allocated don't count.
     [[nodiscard]] int nrOfMapsToShow(bool conjunction) const;

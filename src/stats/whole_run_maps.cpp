@@ -132,7 +132,7 @@ bool planFMaps(MapPlan& plan, const WholeRunModel& model, bool allInOne) {
 /// F has no sign: it is shown where it is large, whatever values a contrast shows.
 void describeFMaps(const MapPlan& plan, StatisticalMaps& maps) {
     const size_t count = plan.comparisons.size();
-    maps.NrOfActiveContrasts = int(count);
+    maps.useMaps(int(count));
     maps.states.assign(count, ContrastPositive);
     maps.contrastOfMap.resize(count);
     if (maps.MapDF1 < 1 || count == 0)

@@ -15,9 +15,9 @@ constexpr float infinity = std::numeric_limits<float>::infinity();
 
 /// Slices of 4 x 3 voxels, all white, with zeroed maps of state 3.
 struct Scene {
-    SliceImages slices;
-    StatisticalMaps maps;
-    OverlayColors colors;
+    QtCortivoDoc document{QtCortivoDoc::Kind::Functional};
+    SliceImages& slices = document.slices;
+    StatisticalMaps& maps = document.maps;
     SliceMosaicSource source;
     QImage mosaic;
 
@@ -28,10 +28,8 @@ struct Scene {
         maps = mapsInUse(4, 3, nrOfSlices, nrOfMaps, ContrastBoth);
         source.thresholds.ClusterSizePixels = 1;
         for (int i = 0; i < nrOfOverlayColors; ++i)
-            colors.active[size_t(i)] = {i + 1, 2 * i, 3 * i};
+            document.overlayColors.active[size_t(i)] = {i + 1, 2 * i, 3 * i};
         source.slices = &slices;
-        source.maps = &maps;
-        source.colors = &colors;
         source.layout.MosaicColumns = nrOfSlices;
         source.layout.MosaicRows = 1;
     }
@@ -39,6 +37,7 @@ struct Scene {
         maps.map(map)[size_t(slice * 12 + y * 4 + x)] = value;
     }
     QRgb pixel(int x, int y) {
+        source.maps = shownContrastMaps(document);
         EXPECT_TRUE(composeSliceMosaic(mosaic, source));
         return mosaic.pixel(x, y);
     }
@@ -85,7 +84,7 @@ TEST(SliceMosaic, CodesSignificance) {
     };
     for (const auto& [values, states, index] : cases) {
         Scene scene(1, int(values.size()));
-        scene.source.significanceColorCoding = true;
+        scene.document.SignificanceColorCoding = true;
         scene.maps.states = states;
         for (size_t map = 0; map < values.size(); ++map)
             scene.set(int(map), 0, 3, 2, values[map]);

@@ -61,7 +61,7 @@ TEST(RectangleDrag, SaysWhatItSelects) {
 TEST(VoxelReadOut, TellsSampleAndShownMaps) {
     QtCortivoDoc document(QtCortivoDoc::Kind::Functional);
     FMRProject& project = document.project;
-    EXPECT_FALSE(voxelReadOut(document, {0, 0, 16}, 0, true));
+    EXPECT_FALSE(voxelReadOut(document, {0, 0, 16}, 0, {}));
     project.ResolutionX = 4;
     project.ResolutionY = 3;
     project.NrOfSlices = 2;
@@ -70,7 +70,8 @@ TEST(VoxelReadOut, TellsSampleAndShownMaps) {
     const VoxelPosition voxel{3, 1, 1};
     const size_t offset = 12 + 4 + 3;
     project.volumes[1][offset] = -7;
-    EXPECT_EQ(voxelReadOutText(*voxelReadOut(document, voxel, firstVolumeAsRead, true)),
+    EXPECT_EQ(voxelReadOutText(
+                  *voxelReadOut(document, voxel, firstVolumeAsRead, shownContrastMaps(document))),
               "x 4  y 2  slice 2");
     ASSERT_TRUE(project.firstVolume.allocate(24));
     project.firstVolume.span()[offset] = 812;
@@ -83,14 +84,15 @@ TEST(VoxelReadOut, TellsSampleAndShownMaps) {
     document.maps.map(0)[offset] = 4.314f;
     document.maps.map(1)[offset] = -1.2f;
     const auto text = [&](int volume, bool mapsShown) {
-        return voxelReadOutText(*voxelReadOut(document, voxel, volume, mapsShown));
+        return voxelReadOutText(*voxelReadOut(
+            document, voxel, volume, mapsShown ? shownContrastMaps(document) : ShownMaps{}));
     };
     EXPECT_EQ(text(firstVolumeAsRead, true),
               "x 4  y 2  slice 2   volume 1: 812   t: Faces 4.31, Houses -1.20");
     EXPECT_EQ(text(1, false), "x 4  y 2  slice 2   volume 2: -7");
     const auto legend = [&](bool significance) {
-        return legendText(makeOverlayLegend(document.maps, {2.5f, 9.0f}, document.contrasts,
-                                            document.overlayColors, significance));
+        document.SignificanceColorCoding = significance;
+        return legendText(makeOverlayLegend(shownContrastMaps(document), {2.5f, 9.0f}));
     };
     EXPECT_TRUE(legend(false).startsWith("t from 2.50\nFaces\nHouses"))
         << qPrintable(legend(false));
@@ -105,7 +107,7 @@ TEST(VoxelReadOut, TellsSampleAndShownMaps) {
     document.maps.size.x = 5; // maps of another grid
     EXPECT_EQ(text(1, true), text(1, false));
     for (const VoxelPosition& outside : {VoxelPosition{4, 0, 0}, {0, 3, 0}, {0, 0, 2}, {-1, 0, 0}})
-        EXPECT_FALSE(voxelReadOut(document, outside, 1, true));
+        EXPECT_FALSE(voxelReadOut(document, outside, 1, {}));
 }
 
 /// Regions on three slices of 8 x 6.

@@ -38,6 +38,13 @@ void RegisteredPluginMaps::setState(int map, int state) {
         states_[map] = state;
 }
 
+void RegisteredPluginMaps::showAlone(int map) {
+    if (!exists(map))
+        return;
+    const int before = state(map);
+    states_ = {{map, before == ContrastOff ? int(ContrastBoth) : before}};
+}
+
 bool PluginMapValues::allocate(int count, const VolumeSize& sizeOfEach) {
     size = sizeOfEach;
     NrOfPluginMaps = 0;
@@ -59,10 +66,12 @@ std::vector<int> shownPluginMaps(const RegisteredPluginMaps& registered,
     if (!registered.shown)
         return maps;
     const int count = std::min(registered.count(), values.NrOfPluginMaps);
-    for (const auto& [map, state] : registered.states())
-        if (map < count && state != ContrastOff &&
-            maps.size() < size_t(ContrastDefinitions::maximumShownMaps))
+    for (const auto& [map, state] : registered.states()) {
+        if (map >= count || maps.size() == size_t(ContrastDefinitions::maximumShownMaps))
+            break;
+        if (state != ContrastOff)
             maps.push_back(map);
+    }
     return maps;
 }
 

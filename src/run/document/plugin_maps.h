@@ -34,6 +34,8 @@ public:
     /// Both do nothing for an index out of bounds.
     void setName(int map, const QString& name);
     void setState(int map, int state);
+    /// The others are not shown any more; with both signs if it was not shown.
+    void showAlone(int map);
 
     /// The states by map, in ascending order; maps that are missing are not shown.
     [[nodiscard]] const std::map<int, int>& states() const { return states_; }

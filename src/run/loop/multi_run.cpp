@@ -102,8 +102,8 @@ MultiRunEnd Analysis::perform(MultiRunAnalysis& analysis) {
     }
     document_.multiRunDocument = true;
     modelFile_ = project_.multiRunProjectPath + ".glm";
-    if (!loadFirstProject(paths::withDefaultExtension(first, "fmr")) || !loadRuns() ||
-        !openSamples())
+    if (!loadFirstProject(paths::withDefaultExtension(first, "fmr")) || !preparePluginMaps(run_) ||
+        !loadRuns() || !openSamples())
         return MultiRunEnd::Failed;
     run_.display.updateViews();
     if (!writeDesigns())

@@ -97,6 +97,27 @@ void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings)
     document.mosaic.MosaicRows = std::max(settings.NrOfRows, 1);
 }
 
+bool preparePluginMaps(const RunParts& run) {
+    RegisteredPluginMaps& maps = run.requests.pluginMaps;
+    if (maps.count() < 1) {
+        maps.shown = false;
+        run.listeners.mapListChanged();
+        return true;
+    }
+    const VolumeSize size = run.document.project.size();
+    if (run.document.pluginMaps.allocate(maps.count(), size))
+        return true;
+    // As a number of bytes it may be beyond any integer.
+    const double gigabytes =
+        double(maps.count()) * double(size.samples()) * double(sizeof(float)) / 1e9;
+    showWarning(QStringLiteral("ERROR: The plug-in has registered %1 maps, which need %2 GB of "
+                               "memory. There is not as much.\n\nClose the window of the plug-in "
+                               "and start again.")
+                    .arg(maps.count())
+                    .arg(gigabytes, 0, 'f', 1));
+    return false;
+}
+
 void showFirstVolume(QtCortivoDoc& document) {
     const FMRProject& project = document.project;
     computeDisplayRange(document.slices.greyScale, project.firstVolume.span());
@@ -216,5 +237,5 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
     showFirstVolume(document);
     prepareInplanes(run);
     setUpContrasts(document, settings, settings.ContrastFile);
-    return run.pump.waitsGivenUp() ? nullptr : std::move(reader);
+    return run.pump.waitsGivenUp() || !preparePluginMaps(run) ? nullptr : std::move(reader);
 }

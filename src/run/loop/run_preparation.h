@@ -14,5 +14,9 @@
 /// The values of the settings that the document keeps.
 void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings);
 
+/// The maps that a plug-in has registered, zeroed; without any they are not shown. False, after a
+/// message, when there is not enough memory for them: the run does not start.
+[[nodiscard]] bool preparePluginMaps(const RunParts& run);
+
 /// Display range and slice images from the first volume.
 void showFirstVolume(QtCortivoDoc& document);

@@ -18,11 +18,10 @@ constexpr size_t mostVolumesOfRegions = 8;
 VoxelList selectedVoxels(const RegionRun& run, const VoxelRectangle& rectangle) {
     const QtCortivoDoc& document = run.document;
     const OverlayThresholds& thresholds = run.requests.thresholds;
-    const SelectionMaps maps{document.project.size(),
-                             document.maps,
-                             thresholds.Threshold,
-                             thresholds.ClusterSizePixels,
-                             {}};
+    SelectionMaps maps{document.project.size(), document.maps, thresholds.Threshold,
+                       thresholds.ClusterSizePixels};
+    for (const int map : shownPluginMaps(run.requests.pluginMaps, document.pluginMaps))
+        maps.pluginMaps.push_back(document.pluginMaps.map(map));
     return selectROIVoxels(maps, run.requests.regions.SelectOnlyMapVoxels,
                            std::max(run.settings.MultiSliceROISelection, 1), rectangle);
 }

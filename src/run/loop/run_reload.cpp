@@ -74,6 +74,8 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     const QString contrasts = contrastFilePath({}, project.projectPath);
     setUpContrasts(document, settings, fileExists(contrasts) ? contrasts : settings.ContrastFile);
     showSlices(document.project, document);
+    if (!preparePluginMaps(run))
+        return false;
     // The log of a stimulation computer may have turned the correction off that the settings state.
     if (isProtocolPathSet(settings.TDatFile) && !fileExists(motionParametersFileName(project)))
         settings.MotionCorrection = false;

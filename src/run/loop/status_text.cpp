@@ -23,9 +23,13 @@ QString seconds(qint64 milliseconds) {
     return QString::number(double(milliseconds) / 1000.0, 'f', 1);
 }
 
+// What a plug-in's values are is its own matter: no statistic, no probability.
+const QString pluginMapPrefix = "<b>map</b> > ";
+
 // "<b>t</b> > <b>3</b>": which statistic passes which threshold.
 QString thresholdPart(const OperatorRequests& requests, const StatisticalMaps& maps) {
-    return thresholdPrefix(maps) + bold(QString::number(double(requests.thresholds.Threshold)));
+    return (requests.pluginMaps.shown ? pluginMapPrefix : thresholdPrefix(maps)) +
+           bold(QString::number(double(requests.thresholds.Threshold)));
 }
 
 QString overlayPart(const OperatorRequests& requests) {
@@ -88,7 +92,10 @@ QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& 
 
 QString betweenRunsText(const RunReport& report, const OperatorRequests& requests,
                         const QtCortivoDoc& document) {
-    QString text = thresholdText(document.maps, requests.thresholds);
+    QString text =
+        requests.pluginMaps.shown
+            ? pluginMapPrefix + bold(QString::number(double(requests.thresholds.Threshold), 'f', 2))
+            : thresholdText(document.maps, requests.thresholds);
     const QString correlation = meanAR1Text(document.wholeRunModel);
     if (!correlation.isEmpty())
         text += "<br>" + correlation;

@@ -215,7 +215,7 @@ void VolumeLoop::showMaps() {
                             document_.contrasts.ConjunctionAnalysis);
         run_.report.mapsPresent = true;
     }
-    if (modelled || backgroundChanged_)
+    if (modelled || backgroundChanged_ || run_.requests.pluginMaps.shown)
         run_.display.updateViews();
     backgroundChanged_ = false;
 }

@@ -3,6 +3,8 @@
 
 #include "run/document/session_phase.h"
 
+#include <cmath>
+
 SessionPluginMaps::SessionPluginMaps(const Parts& parts) : parts_(parts) {
     parts_.listeners.add(*this, ListenerPlace::PlugIn);
 }
@@ -23,6 +25,8 @@ void SessionPluginMaps::setState(int map, int state) {
 }
 
 void SessionPluginMaps::setThreshold(float threshold) {
+    if (!std::isfinite(threshold))
+        return;
     parts_.requests.pluginMaps.threshold = threshold;
     if (document_)
         applyThreshold();
@@ -40,28 +44,35 @@ void SessionPluginMaps::applyThreshold() {
 
 void SessionPluginMaps::updateList() {
     parts_.listeners.mapListChanged();
-    // A run shows its maps at the end of each volume.
     if (!parts_.phase.runActive())
         parts_.display.updateViews();
 }
 
 void SessionPluginMaps::clear() {
     parts_.requests.pluginMaps.clear();
-    updateList();
+    shownChanged();
 }
 
 void SessionPluginMaps::show(bool shown) {
-    RegisteredPluginMaps& maps = parts_.requests.pluginMaps;
-    maps.shown = shown;
-    parts_.listeners.mapListChanged();
-    if (document_)
-        parts_.display.updateViews();
+    parts_.requests.pluginMaps.shown = shown;
+    shownChanged();
 }
 
 void SessionPluginMaps::toggleState(int map, int bit) {
     const RegisteredPluginMaps& maps = parts_.requests.pluginMaps;
     setState(map, maps.state(map) ^ bit);
-    updateList();
+    shownChanged();
+}
+
+void SessionPluginMaps::showAlone(int map) {
+    parts_.requests.pluginMaps.showAlone(map);
+    shownChanged();
+}
+
+void SessionPluginMaps::shownChanged() {
+    parts_.listeners.mapListChanged();
+    if (document_)
+        parts_.display.updateViews();
 }
 
 void SessionPluginMaps::documentsLeaving() {

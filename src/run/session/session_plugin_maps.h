@@ -30,18 +30,20 @@ public:
     bool registerMaps(int count);
     void setName(int map, const QString& name);
     void setState(int map, int state);
-    /// For this run and those to come: becomes the lower threshold; an upper one that is not above
-    /// it any more becomes it plus 1.0. The number field of the lower threshold shows the one that
-    /// was set last.
+    /// Ignored unless finite. For this run and those to come: becomes the lower threshold; an upper
+    /// one that is not above it any more becomes it plus 1.0. The number field of the lower
+    /// threshold shows the one that was set last.
     void setThreshold(float threshold);
+    /// The list, and between runs the views; a run shows its maps at the end of each volume.
     void updateList();
     /// The plug-in is closed: there are no maps any more.
     void clear();
 
     /// By plug-in or operator.
     void show(bool shown);
-    /// By the operator: the mark of a column.
+    /// By the operator: the mark of a column, and a map by itself.
     void toggleState(int map, int bit);
+    void showAlone(int map);
 
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override;
@@ -49,6 +51,8 @@ public:
 
 private:
     void applyThreshold();
+    /// What is shown has changed: list and views.
+    void shownChanged();
 
     Parts parts_;
     QtCortivoDoc* document_ = nullptr;

@@ -142,6 +142,11 @@ void SessionRegions::noteChoices() {
         noteChange();
 }
 
+void SessionRegions::setSelectOnlyMapVoxels(bool on) {
+    parts_.requests.regions.SelectOnlyMapVoxels = on;
+    noteChoices();
+}
+
 void SessionRegions::setLog(bool OperatorRequests::*log, bool on) {
     parts_.requests.*log = on;
     noteChoices();

@@ -66,6 +66,8 @@ public:
     /// What voxels are ranked by, in every region: allPredictors, or a condition, from 0. The
     /// ranking of the next volume goes by it.
     void changeTopVoxelSelectionMode(int mode);
+    /// Whether a drag selects only voxels in which a shown map of a plug-in reaches the threshold.
+    void setSelectOnlyMapVoxels(bool on);
     /// Switches one of the logs (saveRTPs, saveROITimeCourses, saveROIBetaTimeCourses).
     void setLog(bool OperatorRequests::*log, bool on);
     /// The volumes in memory have changed, by post-processing.

@@ -46,6 +46,10 @@ bool regionsExist(VeloCortivo& window) {
     return regionsMayChange(window) && !window.session().regions.list()->empty();
 }
 
+bool selectsOnlyMapVoxels(VeloCortivo& window) {
+    return window.session().requests.regions.SelectOnlyMapVoxels;
+}
+
 QString roiGLMHindrance(VeloCortivo& window) {
     return window.session().regions.roiGLMHindrance();
 }
@@ -142,7 +146,8 @@ constexpr MenuEntry entries[] = {
     {.menu = "&Analysis", .text = "BOLD Decoder... ", .slot = &Window::slotShowBOLDDecoder, .phase = Later, .endsSection = separator, .toolTip = "The letter decoder comes in a later version"},
     {"&Analysis", "Load ROIs...", &Window::slotLoadROIs, Always, regionsMayChange},
     {"&Analysis", "Save ROIs...", &Window::slotSaveROIs, Always, regionsExist},
-    {.menu = "&Analysis", .text = "ROI GLM...", .slot = &Window::slotROIGLM, .phase = Idle, .endsSection = separator, .toolTip = "Fit the model of the run to the time course of a region", .hindrance = roiGLMHindrance},
+    {.menu = "&Analysis", .text = "ROI GLM...", .slot = &Window::slotROIGLM, .phase = Idle, .toolTip = "Fit the model of the run to the time course of a region", .hindrance = roiGLMHindrance},
+    {"&Analysis", "Select Only Voxels Of Plug-In Maps", &Window::onToggleSelectOnlyMapVoxels, Always, nullptr, MenuGroup::Toggle, selectsOnlyMapVoxels, separator, "A drag on a slice selects the voxels in which a shown map of the plug-in reaches the lower threshold"},
     {"&Analysis", "Log ROI Time Point Files (RTPs)", &Window::slotSaveRTPsOption, Always, nullptr, MenuGroup::Toggle, logsTimePoints, false, "Write the mean of each region into a file of its own at each volume, into the feedback folder"},
     {"&Analysis", "Log ROI Time Courses (ERT)", &Window::slotSaveROITimeCourses, Always, nullptr, MenuGroup::Toggle, logsTimeCourses, false, "Append the values of all voxels of each region to a file at each volume, in the target folder"},
     {"&Analysis", "Log ROI Betas (BTC)", &Window::slotSaveROIBetaTimeCourses, Always, nullptr, MenuGroup::Toggle, logsBetas, false, "Append the betas of each region to a file at each volume, in the target folder"},

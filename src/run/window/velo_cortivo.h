@@ -131,6 +131,9 @@ public Q_SLOTS:
     // Regions of interest.
     void slotLoadROIs() { session_.regions.chooseFileToLoad(); }
     void slotSaveROIs() { session_.regions.chooseFileToSave(); }
+    void onToggleSelectOnlyMapVoxels() {
+        session_.regions.setSelectOnlyMapVoxels(!session_.requests.regions.SelectOnlyMapVoxels);
+    }
     void slotRemoveROITimeCoursePlots() { session_.regions.removeAll(); }
     void slotSaveRTPsOption() { toggleLog(&OperatorRequests::saveRTPs); }
     void slotSaveROITimeCourses() { toggleLog(&OperatorRequests::saveROITimeCourses); }

@@ -41,11 +41,6 @@ ContrastList::ContrastList(QWidget* parent)
         header()->resizeSection(column, 32);
         headerItem()->setTextAlignment(column, Qt::AlignCenter);
     }
-    setToolTip(
-        "Contrasts of the run. Click + to show positive values, \u2212 to show negative "
-        "ones (at most four contrasts at once), and the colour to choose another. The keys +, "
-        "\u2212 and C do the same for the current contrast. A double click on a name shows this "
-        "contrast alone. The right button or the Menu key offers t and F maps");
     connect(this, &QTreeWidget::itemClicked, this, &ContrastList::slotClickedContrastList);
     connect(this, &QTreeWidget::itemDoubleClicked, this,
             &ContrastList::slotDoubleClickedContrastList);
@@ -90,6 +85,7 @@ void ContrastList::refreshMenu() {
         {"ShowFOfSelected", "One map: how much all selected contrasts explain together"},
         {"OneSidedTesting", "Show only voxels in which the beta of each condition has the sign of "
                             "its weight"}};
+    const ContrastDefinitions* contrasts = rows_->statistic();
     for (QAction* action : menu_->actions()) {
         action->setEnabled(statisticCanChange_);
         action->setToolTip(statisticCanChange_
@@ -97,16 +93,16 @@ void ContrastList::refreshMenu() {
                                : "Needs the model of a complete run; while a run is measured, its "
                                  "maps are t maps");
         if (action->actionGroup())
-            action->setChecked(action->data() == int(contrasts_->shownStatistic));
+            action->setChecked(action->data() == int(contrasts->shownStatistic));
         else if (action == oneSided_)
-            action->setChecked(contrasts_->oneSidedTesting);
+            action->setChecked(contrasts->oneSidedTesting);
         if (action->objectName() == "ShowFOfContrast" && menuContrast_ < 0)
             action->setEnabled(false);
     }
 }
 
 void ContrastList::contextMenuEvent(QContextMenuEvent* event) {
-    if (!contrasts_)
+    if (!rows_ || !rows_->statistic())
         return;
     const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
     QTreeWidgetItem* item = byKey ? currentItem() : itemAt(event->pos());
@@ -117,66 +113,95 @@ void ContrastList::contextMenuEvent(QContextMenuEvent* event) {
                                : event->globalPos());
 }
 
-void ContrastList::setContrasts(ContrastDefinitions* contrasts) {
-    contrasts_ = contrasts;
+void ContrastList::setRows(MapRows* rows) {
+    rows_ = rows;
     colorChooser_.close();
     menu_->close();
     clear();
-    if (!contrasts_)
+    shown_.clear();
+    nrOfUnlisted_ = 0;
+    if (!rows_)
         return;
-    for (int index = 0; index < contrasts_->NrOfContrasts; ++index) {
-        auto* item = new QTreeWidgetItem(this);
-        item->setText(Name, contrasts_->ContrastNames.value(index));
-        item->setToolTip(Name, contrasts_->ContrastNames.value(index));
-        showRow(index);
-    }
+    headerItem()->setText(Name, rows_->title());
+    setToolTip(rows_->toolTip());
+    showRows();
 }
 
-void ContrastList::showRow(int index) {
-    QTreeWidgetItem* item = topLevelItem(index);
-    const int state = contrasts_->ContrastSelectionStates[size_t(index)];
-    const RgbColor& color = contrasts_->ContrastColors[size_t(index)];
-    QIcon& sample = colors_[toQColor(color).rgb()];
+// Only what differs: a plug-in may have its list shown anew at each volume.
+void ContrastList::showRows() {
+    if (!rows_)
+        return;
+    std::vector<MapRow> rows = rows_->rows();
+    const bool sameItems = rows.size() == shown_.size() && rows_->nrOfUnlisted() == nrOfUnlisted_;
+    shown_.swap(rows);
+    if (!sameItems)
+        makeItems(shown_.size());
+    for (size_t index = 0; index < shown_.size(); ++index)
+        if (!sameItems || shown_[index] != rows[index])
+            showRow(index);
+}
+
+void ContrastList::makeItems(size_t nrOfRows) {
+    clear();
+    QList<QTreeWidgetItem*> items;
+    for (size_t index = 0; index < nrOfRows; ++index)
+        items << new QTreeWidgetItem;
+    nrOfUnlisted_ = rows_->nrOfUnlisted();
+    if (nrOfUnlisted_ > 0) {
+        auto* more = new QTreeWidgetItem({QStringLiteral("\u2026 and %1 more").arg(nrOfUnlisted_)});
+        more->setFlags(Qt::NoItemFlags);
+        items << more;
+    }
+    addTopLevelItems(items);
+}
+
+void ContrastList::showRow(size_t index) {
+    QTreeWidgetItem* item = topLevelItem(int(index));
+    const MapRow& row = shown_[index];
+    item->setText(Name, row.name);
+    item->setToolTip(Name, row.name);
+    item->setIcon(Positive, row.state & ContrastPositive ? on_ : off_);
+    item->setIcon(Negative, row.state & ContrastNegative ? on_ : off_);
+    if (!row.color) {
+        item->setIcon(Color, {});
+        return;
+    }
+    QIcon& sample = colors_[toQColor(*row.color).rgb()];
     if (sample.isNull())
-        sample = colorIcon(color, colorIconSize);
-    item->setIcon(Positive, state & ContrastPositive ? on_ : off_);
-    item->setIcon(Negative, state & ContrastNegative ? on_ : off_);
+        sample = colorIcon(*row.color, colorIconSize);
     item->setIcon(Color, sample);
 }
 
-void ContrastList::slotClickedContrastList(QTreeWidgetItem* item, int column) {
+int ContrastList::indexOfRow(QTreeWidgetItem* item) const {
     const int index = indexOfTopLevelItem(item);
-    if (!contrasts_ || index < 0 || index >= contrasts_->NrOfContrasts)
+    return rows_ && size_t(index) < shown_.size() ? index : -1;
+}
+
+void ContrastList::slotClickedContrastList(QTreeWidgetItem* item, int column) {
+    const int index = indexOfRow(item);
+    if (index < 0)
         return;
-    if (column == Positive)
-        toggle(index, ContrastPositive);
-    else if (column == Negative)
-        toggle(index, ContrastNegative);
-    else if (column == Color)
-        editColor(index);
+    if (column == Color)
+        return editColor(index);
+    if (column != Positive && column != Negative)
+        return;
+    rows_->toggle(index, column == Positive ? ContrastPositive : ContrastNegative);
+    showRows();
 }
 
 void ContrastList::slotDoubleClickedContrastList(QTreeWidgetItem* item, int column) {
-    const int index = indexOfTopLevelItem(item);
-    if (!contrasts_ || column != Name || !selectContrastAlone(*contrasts_, index))
+    const int index = indexOfRow(item);
+    if (index < 0 || column != Name)
         return;
+    rows_->showAlone(index);
     showRows();
-    Q_EMIT contrastsEdited();
 }
 
 void ContrastList::slotDeleteAllContrasts() {
-    if (!contrasts_)
+    if (!rows_)
         return;
-    switchContrastsOff(*contrasts_);
+    rows_->switchAllOff();
     showRows();
-    Q_EMIT contrastsEdited();
-}
-
-void ContrastList::showRows() {
-    if (!contrasts_)
-        return;
-    for (int index = 0; index < contrasts_->NrOfContrasts; ++index)
-        showRow(index);
 }
 
 void ContrastList::keyPressEvent(QKeyEvent* event) {
@@ -193,22 +218,16 @@ void ContrastList::keyPressEvent(QKeyEvent* event) {
         QTreeWidget::keyPressEvent(event);
 }
 
-void ContrastList::toggle(int index, ContrastState bit) {
-    if (!toggleContrast(*contrasts_, index, bit))
-        return;
-    showRow(index);
-    Q_EMIT contrastsEdited();
-}
-
-// The chooser is modeless, so that a run continues. It closes when the contrasts are removed.
+// The chooser is modeless, so that a run continues. It closes when the rows are removed.
 void ContrastList::editColor(int index) {
+    const MapRow& row = shown_[size_t(index)];
+    if (!rows_->colorsCanChange() || !row.color)
+        return;
     chooseColor(
-        "Color of " + contrasts_->ContrastNames.value(index),
-        contrasts_->ContrastColors[size_t(index)],
+        "Color of " + row.name, *row.color,
         [this, index](const RgbColor& chosen) {
-            contrasts_->ContrastColors[size_t(index)] = chosen;
-            showRow(index);
-            Q_EMIT contrastsEdited();
+            rows_->setColor(index, chosen);
+            showRows();
         },
         colorChooser_);
 }

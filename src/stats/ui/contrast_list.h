@@ -1,9 +1,9 @@
-// The contrast list: selection, sign and colour of the contrasts.
+// The list of contrasts, or of the maps of a plug-in: selection, sign and colour.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/messages.h"
-#include "stats/contrasts.h"
+#include "stats/ui/map_rows.h"
 
 #include <QHash>
 #include <QIcon>
@@ -11,7 +11,7 @@
 
 class QMenu;
 
-/// Shows a run's contrasts and changes their selection and colours. It does not own them.
+/// Shows the rows of a source and passes on what the operator does with them.
 class ContrastList : public QTreeWidget {
     Q_OBJECT
 
@@ -20,16 +20,14 @@ public:
 
     explicit ContrastList(QWidget* parent);
 
-    /// Fills the list; nullptr clears it. The contrasts must outlive the list or the next call.
-    void setContrasts(ContrastDefinitions* contrasts);
-    /// Shows selection and colours anew, after others have changed them.
+    /// Fills the list; nullptr clears it. The source is not owned and must outlive the next call.
+    void setRows(MapRows* rows);
+    /// Shows the rows anew, after others have changed them.
     void showRows();
     /// Enables the entries of the menu, which otherwise say in their tool tips why they are off.
     void setStatisticCanChange(bool can);
 
 Q_SIGNALS:
-    /// Selection or colours have changed.
-    void contrastsEdited();
     /// The menu is about to open: setStatisticCanChange() is called now.
     void statisticMenuOpening();
     /// An entry of the menu was chosen. `contrast` is the one that the menu was opened on, or -1.
@@ -38,27 +36,31 @@ Q_SIGNALS:
 
 public Q_SLOTS:
     void slotClickedContrastList(QTreeWidgetItem* item, int column);
-    /// A double click on a name shows this contrast alone.
+    /// A double click on a name shows this contrast or map alone.
     void slotDoubleClickedContrastList(QTreeWidgetItem* item, int column);
     /// Switches all contrasts off.
     void slotDeleteAllContrasts();
 
 protected:
-    /// +, - and C act like clicks in the columns of the current contrast.
+    /// +, - and C act like clicks in the columns of the current row.
     void keyPressEvent(QKeyEvent* event) override;
-    /// Opens the menu of the statistics, also by the Menu key.
+    /// Opens the menu of the statistics, also by the Menu key, where the rows have one.
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     void makeMenu();
     void addStatistic(const QString& text, const char* name, ShownStatistic statistic);
     void refreshMenu();
-    void toggle(int index, ContrastState bit);
+    /// The index of one of the rows; -1 for other items.
+    [[nodiscard]] int indexOfRow(QTreeWidgetItem* item) const;
     void editColor(int index);
-    void showRow(int index);
+    void makeItems(size_t nrOfRows);
+    void showRow(size_t index);
 
-    ContrastDefinitions* contrasts_ = nullptr;
-    OpenChooser colorChooser_; ///< of one of the contrasts
+    MapRows* rows_ = nullptr;
+    std::vector<MapRow> shown_; ///< what the items show
+    int nrOfUnlisted_ = 0;      ///< of which the last item tells
+    OpenChooser colorChooser_;  ///< of one of the rows
     // Not made anew for each run, as Qt keeps what it has drawn of an icon.
     const QIcon off_;
     const QIcon on_;

@@ -35,8 +35,9 @@ void addNumberRow(QGridLayout* grid, const QString& label, QAbstractSpinBox* box
 } // namespace
 
 ContrastPanel::ContrastPanel(RunSession& session, QWidget* parent)
-    : QGroupBox("Contrasts and maps", parent), session_(session), list_(new ContrastList(this)),
-      conjunction_(new QCheckBox("Conjunction of contrasts", this)),
+    : QGroupBox("Contrasts and maps", parent), session_(session),
+      contrasts_([this] { takeContrasts(); }), mapsOfPlugin_(session),
+      list_(new ContrastList(this)), conjunction_(new QCheckBox("Conjunction of contrasts", this)),
       pluginMaps_(new QCheckBox("Show plugin maps", this)), threshold_(new ThresholdSpinBox(this)),
       colorMaxThreshold_(new ThresholdSpinBox(this)), clusterSize_(new QSpinBox(this)),
       multiSlice_(new QSpinBox(this)) {
@@ -62,6 +63,7 @@ ContrastPanel::ContrastPanel(RunSession& session, QWidget* parent)
     layout->addSpacing(4);
     layout->addLayout(grid);
     connectControls();
+    fillList();
     session_.listeners.add(*this, ListenerPlace::Views);
 }
 
@@ -91,7 +93,6 @@ void ContrastPanel::connectControls() {
     connect(multiSlice_, &QSpinBox::valueChanged, this, &ContrastPanel::multiSliceEdited);
     connect(conjunction_, &QCheckBox::clicked, this, &ContrastPanel::conjunctionClicked);
     connect(pluginMaps_, &QCheckBox::clicked, this, &ContrastPanel::showPluginMapsClicked);
-    connect(list_, &ContrastList::contrastsEdited, this, &ContrastPanel::takeContrasts);
     connectStatistics();
     // Once a number is entered the keys scroll the slices again.
     for (const QAbstractSpinBox* box : findChildren<QAbstractSpinBox*>())
@@ -158,27 +159,48 @@ void ContrastPanel::takeShowPluginMaps() {
     session_.pluginMaps.show(pluginMaps_->isChecked());
 }
 
+void ContrastPanel::fillList() {
+    pluginMapsListed_ = session_.requests.pluginMaps.shown;
+    if (pluginMapsListed_)
+        list_->setRows(&mapsOfPlugin_);
+    else
+        list_->setRows(&contrasts_);
+    conjunction_->setEnabled(!pluginMapsListed_);
+}
+
 void ContrastPanel::mapListChanged() {
     const RegisteredPluginMaps& maps = session_.requests.pluginMaps;
     pluginMaps_->setVisible(maps.count() > 0);
     pluginMaps_->setChecked(maps.shown);
+    if (maps.shown == pluginMapsListed_) {
+        list_->showRows();
+        return;
+    }
+    fillList();
+    Q_EMIT statisticChanged();
 }
 
+// Also where the upper threshold was raised with the lower one, the box of the lower one shows what
+// was set last.
 void ContrastPanel::pluginThresholdApplied(float shown) {
+    refresh();
     const QSignalBlocker blocker(threshold_);
     threshold_->setValue(double(shown));
 }
 
 void ContrastPanel::documentsLeaving() {
-    list_->setContrasts(nullptr);
+    contrasts_.setContrasts(nullptr);
+    fillList();
     conjunction_->setChecked(false);
 }
 
 void ContrastPanel::runPrepared(QtCortivoDoc& functional) {
-    list_->setContrasts(&functional.contrasts);
+    contrasts_.setContrasts(&functional.contrasts);
+    fillList();
     refresh();
 }
 
 void ContrastPanel::settingsFileChanged() {
-    list_->setContrasts(nullptr);
+    contrasts_.setContrasts(nullptr);
+    fillList();
 }

@@ -3,6 +3,8 @@
 #pragma once
 
 #include "run/loop/run_listeners.h"
+#include "stats/ui/contrast_rows.h"
+#include "stats/ui/plugin_map_rows.h"
 
 #include <QGroupBox>
 
@@ -48,8 +50,8 @@ Q_SIGNALS:
     void multiSliceEdited();
     void conjunctionClicked();
     void showPluginMapsClicked();
-    /// Another statistic is shown, or F of other contrasts: degrees of freedom and p value in the
-    /// text of the threshold have changed.
+    /// Another statistic is shown, or F of other contrasts, or maps of a plug-in: what the text of
+    /// the threshold says beside the number has changed.
     void statisticChanged();
     /// A number was confirmed with the Return key.
     void numberEntered();
@@ -59,8 +61,14 @@ private:
     void connectStatistics();
     void addThresholdRows(QGridLayout* grid);
     void addSizeRows(QGridLayout* grid);
+    /// Fills the list with the contrasts or the maps of the plug-in, as the operator or the plug-in
+    /// wants.
+    void fillList();
 
     RunSession& session_;
+    ContrastRows contrasts_;
+    PluginMapRows mapsOfPlugin_;
+    bool pluginMapsListed_ = false;
     ContrastList* list_;
     QCheckBox* conjunction_;
     QCheckBox* pluginMaps_;
