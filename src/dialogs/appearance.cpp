@@ -37,6 +37,10 @@ QPalette darkPalette() {
     return palette;
 }
 
+QColor warningColor() {
+    return {0xff, 0xb4, 0x54};
+}
+
 QColor toQColor(const RgbColor& color) {
     const auto channel = [](int value) { return std::clamp(value, 0, 255); };
     return {channel(color.red), channel(color.green), channel(color.blue)};

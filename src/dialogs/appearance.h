@@ -13,6 +13,8 @@ class QFont;
 class QWidget;
 
 [[nodiscard]] QPalette darkPalette();
+/// Of a text that asks for the operator's attention.
+[[nodiscard]] QColor warningColor();
 /// Channels are clamped to 0 to 255.
 [[nodiscard]] QColor toQColor(const RgbColor& color);
 /// A framed colour swatch, which looks the same in a selected row.

@@ -3,24 +3,23 @@
 #pragma once
 
 #include "base/event_pump.h"
-#include "plugin/host/plugin_library.h"
 
 #include <QString>
-#include <functional>
 #include <memory>
 
-/// Owns the object and its library. Exceptions are caught and become fault(); each call is timed;
-/// while one waits in a dialog no other is made.
+class VeloCortivoPlugin;
+
+/// Owns the object, whose library stays open as long. Exceptions are caught and become fault();
+/// each call is timed; while one is on the stack no other is made.
 class GuardedPlugin {
 public:
-    GuardedPlugin(EventPump& pump, std::unique_ptr<PluginLibrary> library,
-                  VeloCortivoPlugin* plugin);
-    /// Deletes the object, which must not be in a call, and closes its library.
+    GuardedPlugin(EventPump& pump, std::unique_ptr<VeloCortivoPlugin> plugin);
+    /// Deletes the object, which must not be in a call.
     ~GuardedPlugin();
     GuardedPlugin(const GuardedPlugin&) = delete;
     GuardedPlugin& operator=(const GuardedPlugin&) = delete;
 
-    /// Their result; false too when they throw.
+    /// Their result; false too when they throw, and when they are not called.
     [[nodiscard]] bool initPlugin();
     [[nodiscard]] bool executeAtLaunch();
     void executeBeforeVolume();
@@ -34,10 +33,9 @@ public:
     [[nodiscard]] qint64 lastCall() const { return lastCall_; }
 
 private:
-    bool call(const char* operation, const std::function<bool()>& work);
+    bool call(const char* name, bool (*operation)(VeloCortivoPlugin& plugin));
 
     EventPump& pump_;
-    std::unique_ptr<PluginLibrary> library_;
     std::unique_ptr<VeloCortivoPlugin> plugin_;
     QString fault_;
     qint64 lastCall_ = 0;

@@ -9,13 +9,15 @@
 /// What a library says of itself; a text that it doesn't export is empty.
 struct PluginDescription {
     QString path;
-    QString name;        ///< not empty
+    QString name;        ///< one line, not empty, at most 100 characters
     QString description; ///< may hold HTML, with links relative to the folder of the library
     QString author;
     QString helpFile;
 
     /// The name with "..." behind it, unless it ends so already.
     [[nodiscard]] QString menuText() const;
+    /// Full path of the help file; empty for none.
+    [[nodiscard]] QString helpPath() const;
 };
 
 struct PluginCatalogue {

@@ -1,16 +1,85 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/host/plugin_dialog.h"
 
+#include "dialogs/appearance.h"
+#include "dialogs/dialog_setup.h"
+#include "run/document/session_phase.h"
 #include "ui_plugin_dialog.h"
 
-PluginDlg::PluginDlg(const QString& pluginName, QWidget& window)
-    : QDialog(&window), form_(std::make_unique<Ui::PluginDlg>()) {
+#include <QCloseEvent>
+
+PluginDlg::PluginDlg(const QString& pluginName, const SessionPhase& phase, QWidget& window)
+    : QDialog(&window), phase_(phase), form_(std::make_unique<Ui::PluginDlg>()) {
     form_->setupUi(this);
+    setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(pluginName);
+    constexpr int mostLines = 10'000;
+    form_->LogTxt->document()->setMaximumBlockCount(mostLines);
+    form_->TimesLbl->setTextFormat(Qt::PlainText);
+    setHelpFile({});
+    prepareDialog(*this);
+    resize(600, 400);
+    connect(form_->HelpBtn, &QToolButton::clicked, this, [this] { openHelpFile(helpFile_); });
+    form_->LogTxt->viewport()->installEventFilter(this);
 }
 
-PluginDlg::~PluginDlg() = default;
+PluginDlg::~PluginDlg() {
+    leave();
+}
+
+void PluginDlg::leave() {
+    if (left_)
+        return;
+    left_ = true;
+    setObjectName({}); // until it is gone, another one may be opened
+    Q_EMIT closed();
+}
 
 void PluginDlg::log(const QString& text) {
     form_->LogTxt->append(text);
+}
+
+void PluginDlg::showTimes(const QString& text, bool warning) {
+    QPalette palette;
+    if (warning)
+        palette.setColor(QPalette::WindowText, warningColor());
+    form_->TimesLbl->setPalette(palette);
+    form_->TimesLbl->setText(text);
+}
+
+void PluginDlg::setHelpFile(const QString& path) {
+    helpFile_ = path;
+    form_->HelpBtn->setVisible(!path.isEmpty());
+}
+
+void PluginDlg::showBesideWindow() {
+    const QWidget* window = parentWidget()->window();
+    const QRect main = window->frameGeometry();
+    const QSize frame = size() + windowFrame;
+    const QPoint place(main.right() + 1, main.bottom() + 1 - frame.height());
+    move(placedWithin(screenArea(window), {place, frame}).topLeft());
+    showInFront(*this);
+}
+
+void PluginDlg::closeEvent(QCloseEvent* event) {
+    QDialog::reject();
+    event->accept();
+}
+
+void PluginDlg::hideEvent(QHideEvent* event) {
+    QDialog::hideEvent(event);
+    if (event->spontaneous()) // minimized
+        return;
+    leave();
+    deleteLater();
+}
+
+// Dragging selected text would hold up a run.
+bool PluginDlg::eventFilter(QObject*, QEvent* event) {
+    return event->type() == QEvent::MouseButtonPress && !phase_.isIdle();
+}
+
+void PluginDlg::reject() {
+    if (!phase_.canBeStopped())
+        QDialog::reject();
 }

@@ -5,14 +5,19 @@
 #include "base/event_pump.h"
 #include "plugin/host/guarded_plugin.h"
 #include "plugin/host/plugin_catalogue.h"
+#include "plugin/host/plugin_library.h"
+#include "plugin/host/plugin_menu.h"
+#include "plugin/host/plugin_times.h"
 #include "run/loop/run_listeners.h"
 
 #include <QPointer>
 #include <QString>
 #include <memory>
+#include <vector>
 
 class PluginDlg;
 class QWidget;
+class RunDisplay;
 class RunSession;
 
 /// Runs at most one plug-in at a time, until its window is closed. A plug-in that is closed while
@@ -22,7 +27,9 @@ public:
     struct Parts {
         RunSession& session;
         EventPump& pump;
-        QString pluginFolder; ///< with "/" at the end
+        RunDisplay& display;
+        QString pluginFolder; ///< with "/" at the end, as the next one
+        QString dataFolder;   ///< where choosers start as long as no settings file is current
         QWidget& window;      ///< the window of a plug-in stands beside it
     };
 
@@ -36,9 +43,13 @@ public:
     /// A plug-in object exists and is called.
     [[nodiscard]] bool isRunning() const { return plugin_ != nullptr; }
 
-    /// What can be launched now, read anew from the folder; nothing while a plug-in is active.
+    /// What can be launched now, read anew from the folder; nothing while a plug-in is active or
+    /// about to be. In an idle session the libraries of plug-ins that have ended are closed first.
     const PluginCatalogue& discover();
+    /// The menu of what discover() finds.
+    [[nodiscard]] std::vector<PluginMenuRow> menuRows();
     /// Launches a plug-in of the latest catalogue. A message says when there is nothing to launch.
+    /// Does nothing while a plug-in is active.
     void launch(int index);
     /// Closes the plug-in's window and with it the plug-in.
     void close();
@@ -46,19 +57,43 @@ public:
     /// A line in the window of the plug-in; ignored without one.
     void log(const QString& text);
 
-    /// Where file dialogs of plug-ins start, with "/" at the end.
-    [[nodiscard]] const QString& lastUsedFolder() const { return lastUsedFolder_; }
+    /// Where file dialogs of plug-ins start, with "/" at the end: the folder that was used last,
+    /// else the target folder of the settings, else the data folder.
+    [[nodiscard]] QString lastUsedFolder() const;
     void setLastUsedFolder(const QString& folder);
 
+    void runPrepared(QtCortivoDoc& functional) override;
     [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand) override;
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
     void loopEnded(QtCortivoDoc& document) override;
 
 private:
+    using Operation = void (GuardedPlugin::*)();
+
+    [[nodiscard]] bool isBusy() const { return launching_ || !activePath_.isEmpty(); }
+    [[nodiscard]] bool createObject();
+    void start();
+    void openWindow();
+    void endAtLaunch();
+    void windowClosed();
+    void deletePlugin();
+    /// Milliseconds of the call; nothing when none was made.
+    std::optional<qint64> call(Operation operation);
+    void endCall();
+    void tellFault();
+    void reportTime(const VolumeAtHand& hand);
+    void showTimes(const VolumeAtHand& hand);
+
     Parts parts_;
     PluginCatalogue catalogue_;
+    PluginDescription description_; ///< of the active plug-in
     QString activePath_;
     QPointer<PluginDlg> dialog_;
+    /// Of plug-ins that ran, so that no code of theirs goes away in a run.
+    std::vector<std::unique_ptr<PluginLibrary>> libraries_;
     std::unique_ptr<GuardedPlugin> plugin_;
+    PluginTimes times_;
     QString lastUsedFolder_;
+    bool launching_ = false;
+    bool closing_ = false; ///< the window was closed while a call was on the stack
 };

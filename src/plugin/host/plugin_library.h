@@ -4,15 +4,15 @@
 
 #include <QLibrary>
 #include <QString>
+#include <functional>
+#include <optional>
 
 class VeloCortivoPlugin;
 
-/// Why the file can't be a library for this machine: it is empty, cut short, no library, or one for
-/// another processor. Empty when it looks like one. The system's loader trusts a library's sizes,
-/// and a file that is shorter than these say ends the program.
-[[nodiscard]] QString libraryFileFault(const QString& path);
+/// Does the work, which calls code of a plug-in; gives what was thrown in it.
+[[nodiscard]] std::optional<QString> thrownBy(const std::function<void()>& work);
 
-/// Closes the library when it is destroyed, unless keepOpen() was called.
+/// Closes the library when it is destroyed.
 class PluginLibrary {
 public:
     PluginLibrary() = default;
@@ -23,19 +23,16 @@ public:
     /// False when it can't be opened, for the reason that fault() gives; so are libraries that need
     /// a function that the program doesn't have.
     [[nodiscard]] bool open(const QString& path);
+    /// Why the latest step failed.
     [[nodiscard]] const QString& fault() const { return fault_; }
-    /// Result of a function without arguments that gives a text; empty without such a function, and
-    /// when it throws.
+    /// Result of a function without arguments that gives a text, cut to the size that the interface
+    /// states; empty without such a function, and when it throws.
     [[nodiscard]] QString text(const char* function);
-    /// Calls createPlugin(). Null without that function, when it throws or gives null, or when the
-    /// object that it gives can't be a plug-in; fault() says which.
+    /// Calls createPlugin(). Null without that function, and then fault() is empty; null too when
+    /// it throws or gives null, or when the object that it gives can't be a plug-in.
     [[nodiscard]] VeloCortivoPlugin* create();
 
 private:
     QLibrary library_;
     QString fault_;
 };
-
-/// Why the object can't be a plug-in: its table of functions lacks some, or points to no code.
-/// Empty when nothing is seen. What a class without exported symbols lacks can't be seen.
-[[nodiscard]] QString pluginObjectFault(const VeloCortivoPlugin* plugin);

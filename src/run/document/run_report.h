@@ -12,6 +12,7 @@ struct CycleTimes {
     qint64 readVolTime = 0;   ///< reading, with the wait for the files
     qint64 feedbackTime = -1; ///< the display of the subject; -1 until one has been drawn
     qint64 fullVolTime = 0;   ///< since the end of the previous cycle
+    qint64 pluginTime = -1;   ///< both calls of the plug-in; -1 when none was made
     qint64 volWaitTime = 0;   ///< left at the start of the forced delay; 0 without one
     /// When the last file of the volume was seen, in milliseconds of the pump's clock; for volumes
     /// that come without files, when they had been read.
@@ -26,6 +27,7 @@ struct RunReport {
     int interruptedAtVolume = -1; ///< where the operator stopped the run
     qint64 elapsedRunTime = 0;    ///< milliseconds, set after every volume
     CycleTimes times;
+    QString slowPlugin; ///< name of the plug-in when its pluginTime is more than half of the TR
     bool motionCorrectionFailed = false;
     bool mapsPresent = false;    ///< there are maps to show
     bool runFinished = false;    ///< the current settings file has been analysed
@@ -44,6 +46,7 @@ struct RunReport {
         elapsedRunTime = 0;
         mapsPresent = false;
         times = {};
+        slowPlugin.clear();
         outcomeText.clear();
     }
 };

@@ -39,6 +39,18 @@ QString overlayPart(const OperatorRequests& requests) {
                                               : "<br>OverlayOnVolume: Current-BeforePP";
 }
 
+// Nothing as long as no plug-in runs.
+QString pluginPart(const RunReport& report) {
+    if (report.times.pluginTime < 0)
+        return {};
+    const QString time =
+        QStringLiteral("<br>PluginTime: <b>%1</b> ms").arg(report.times.pluginTime);
+    return report.slowPlugin.isEmpty()
+               ? time
+               : time + "   " +
+                     bold(report.slowPlugin.toHtmlEscaped() + " took more than half of the TR");
+}
+
 } // namespace
 
 QString processingText(int fontSize, const QString& settingsFileName) {
@@ -80,7 +92,7 @@ QString volumeStatusText(const RunReport& report, const OperatorRequests& reques
                .arg(report.times.fullVolTime)
                .arg(report.times.volWaitTime)
                .arg(requests.startOffsetSeconds) +
-           overlayPart(requests) + (last ? "<br> Ready.<br></body>" : "</body>");
+           overlayPart(requests) + pluginPart(report) + (last ? "<br> Ready.<br></body>" : "</body>");
 }
 
 QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& maps,
@@ -112,6 +124,12 @@ QString endingText(int fontSize, Phase phase) {
     if (phase == Phase::Preparing)
         work = " The start of the run ends with its first volume, or when its time-out has passed.";
     return bodyStart(fontSize) + work + "<br><br>The program ends after that.<br></body>";
+}
+
+QString pluginEndedText(int fontSize, const QString& pluginName) {
+    return bodyStart(fontSize) + " The plug-in \"" + bold(pluginName.toHtmlEscaped()) +
+           "\" has ended at its launch.<br><br>Start the program again before another plug-in can "
+           "run.<br></body>";
 }
 
 QString postprocessedText(int fontSize, const QString& projectName) {

@@ -36,6 +36,9 @@ struct WholeRunModel;
 /// The operator has closed the window while the session is not idle.
 [[nodiscard]] QString endingText(int fontSize, Phase phase);
 
+/// A plug-in ended itself when it was launched.
+[[nodiscard]] QString pluginEndedText(int fontSize, const QString& pluginName);
+
 /// After post-processing: where the result lies.
 [[nodiscard]] QString postprocessedText(int fontSize, const QString& projectName);
 

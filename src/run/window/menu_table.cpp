@@ -250,6 +250,6 @@ void MenuTable::rebuild(const char* title, const std::vector<MenuRow>& rows) {
         action->setEnabled(row.enabled);
         action->setCheckable(row.checked);
         action->setChecked(row.checked);
-        action->setToolTip({});
+        action->setToolTip(row.toolTip);
     }
 }

@@ -47,6 +47,7 @@ struct MenuRow {
     int data = 0;
     bool enabled = true;
     bool checked = false; ///< has a mark, which is set
+    QString toolTip = {};
 };
 
 /// The menus made from the table.

@@ -31,7 +31,7 @@ VeloCortivo::VeloCortivo(const StandardFolders& folders, EventPump& pump)
       logPanel_(new LogPanel(this)), inputPanel_(new InputPanel(this)),
       contrastPanel_(new ContrastPanel(session_, this)),
       timeCourses_(new TimeCoursesContainer(session_, this)),
-      plugins_({session_, pump, folders.pluginsPath, *this}) {
+      plugins_({session_, pump, *this, folders.pluginsPath, folders.dataPath, *this}) {
     setProgramAccess(this);
     setObjectName("VeloCortivo");
     setWindowTitle("Velo-Cortivo");
@@ -268,12 +268,12 @@ void VeloCortivo::slotMultiRunMenuAboutToShow() {
 
 void VeloCortivo::onPluginsMenuAboutToShow() {
     std::vector<MenuRow> rows;
-    const std::vector<PluginDescription>& plugins = plugins_.discover().plugins;
-    for (size_t i = 0; i < plugins.size(); ++i) {
-        if (i == 0)
-            rows.push_back({});
-        rows.push_back({plugins[i].menuText(), &VeloCortivo::onCallPlugin, int(i)});
-    }
+    for (const PluginMenuRow& row : plugins_.menuRows())
+        rows.push_back({.text = row.text,
+                        .slot = row.text.isEmpty() ? nullptr : &VeloCortivo::onCallPlugin,
+                        .data = row.index,
+                        .enabled = row.index >= 0,
+                        .toolTip = row.toolTip});
     menus_.rebuild("&Plugins", rows);
 }
 
