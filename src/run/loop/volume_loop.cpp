@@ -27,6 +27,7 @@ private:
     [[nodiscard]] bool passStepsAfterModel();
     void preprocess();
     void showToSubject();
+    void buildTables();
     void updateModel();
     void showBackground(bool afterPreprocessing);
     void holdToTR();
@@ -59,6 +60,8 @@ LoopEnd VolumeLoop::execute() {
         closeProtocol(document_);
         return LoopEnd::NotStarted;
     }
+    // For those that ask before the first volume is worked on.
+    buildTables();
     runClock_.restart();
     cycleClock_.restart();
     for (volumeIndex_ = 0; volumeIndex_ < nrOfAnalysedVolumes_; ++volumeIndex_)
@@ -128,12 +131,16 @@ bool VolumeLoop::passStepsBeforeModel() {
     if (!step(VolumeStep::LoadRegions) || !step(VolumeStep::RegionTimeCourses) ||
         !step(VolumeStep::Plots))
         return false;
-    buildVolumeTables(document_.volumeTables, document_.protocol, nrOfAnalysedVolumes_,
-                      document_.project.TR);
+    buildTables();
     if (!step(VolumeStep::Logs) || !step(VolumeStep::Classification))
         return false;
     showToSubject();
     return step(VolumeStep::LetterDecoder);
+}
+
+void VolumeLoop::buildTables() {
+    buildVolumeTables(document_.volumeTables, document_.protocol, nrOfAnalysedVolumes_,
+                      document_.project.TR);
 }
 
 void VolumeLoop::showToSubject() {
