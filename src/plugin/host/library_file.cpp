@@ -83,7 +83,7 @@ QString dynamicSegmentFault(const std::vector<Segment>& segments) {
     if (dynamic == segments.end())
         return noLibrary;
     return dynamic->p_filesz >= sizeof(DynamicEntry) && isLoaded(*dynamic, segments) ? QString()
-                                                                                      : damaged;
+                                                                                     : damaged;
 }
 
 } // namespace

@@ -13,8 +13,7 @@ QString paragraph(const QString& html) {
 /// As HTML also where it is plain text, so that it wraps.
 QString toolTipOf(const PluginDescription& plugin) {
     const QString& description = plugin.description;
-    return paragraph(Qt::mightBeRichText(description) ? description
-                                                      : description.toHtmlEscaped()) +
+    return paragraph(Qt::mightBeRichText(description) ? description : description.toHtmlEscaped()) +
            paragraph(plugin.author.isEmpty() ? QString()
                                              : "Author: " + plugin.author.toHtmlEscaped());
 }
@@ -43,8 +42,7 @@ std::vector<PluginMenuRow> pluginMenuRows(const PluginCatalogue& catalogue,
     else
         rows.push_back({});
     for (size_t i = 0; i < catalogue.plugins.size(); ++i)
-        rows.push_back(
-            {catalogue.plugins[i].menuText(), toolTipOf(catalogue.plugins[i]), int(i)});
+        rows.push_back({catalogue.plugins[i].menuText(), toolTipOf(catalogue.plugins[i]), int(i)});
     if (!catalogue.refused.isEmpty())
         rows.push_back(refusedRow(catalogue.refused));
     return rows;

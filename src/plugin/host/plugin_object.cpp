@@ -9,7 +9,8 @@
 namespace {
 
 // Of the table of virtual functions (Itanium C++ ABI, 2.5.2): the object points behind the offset
-// to the top and the type information, to two entries for the destructor and one for each operation.
+// to the top and the type information, to two entries for the destructor and one for each
+// operation.
 constexpr size_t nrOfEntries = 7;
 
 /// The part of a loaded file that holds an address.

@@ -21,8 +21,9 @@ void PluginTimes::endVolume(int volume) {
 }
 
 QString pluginTimesText(const PluginTimes& times, double TR) {
-    const QString longest =
-        QStringLiteral("Longest: %1 ms (volume %2)").arg(times.longest).arg(times.longestVolume + 1);
+    const QString longest = QStringLiteral("Longest: %1 ms (volume %2)")
+                                .arg(times.longest)
+                                .arg(times.longestVolume + 1);
     return callText("Before volume", times.before) + callText("After volume", times.after) +
            longest + (isLongFor(times.ofVolume(), TR) ? "   more than half of the TR" : "");
 }

@@ -92,7 +92,8 @@ QString volumeStatusText(const RunReport& report, const OperatorRequests& reques
                .arg(report.times.fullVolTime)
                .arg(report.times.volWaitTime)
                .arg(requests.startOffsetSeconds) +
-           overlayPart(requests) + pluginPart(report) + (last ? "<br> Ready.<br></body>" : "</body>");
+           overlayPart(requests) + pluginPart(report) +
+           (last ? "<br> Ready.<br></body>" : "</body>");
 }
 
 QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& maps,
