@@ -1,0 +1,178 @@
+// The dialogs of plug-ins, and the texts that they give back.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plugin/functions/probe.h"
+
+#include <climits>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+/// Writes down what is shown and gives prepared answers.
+class Operator : public UnattendedMessages {
+public:
+    Operator() : previous_(installMessageHandler(this)) {}
+    ~Operator() override { installMessageHandler(previous_); }
+
+    QStringList seen;
+    bool accepts = true;
+    QString answer;
+
+    void show(MessageLevel level, const QString& text, const QString& title) override {
+        seen << QString("%1 %2: %3").arg(QString::number(int(level)), title, text);
+    }
+    bool ask(const QString& text, const QString& title, DefaultAnswer) override {
+        seen << title + ": " + text;
+        return accepts;
+    }
+    std::optional<int> inputInteger(const InputTexts& texts, int start,
+                                    const IntegerBounds& bounds) override {
+        seen << QString("%1: %2 %3 in %4..%5")
+                    .arg(texts.title, texts.text)
+                    .arg(start)
+                    .arg(bounds.minimum)
+                    .arg(bounds.maximum);
+        return accepts ? std::optional(start) : std::nullopt;
+    }
+    std::optional<double> inputNumber(const InputTexts& texts, double start,
+                                      const NumberBounds& bounds) override {
+        seen << QString("%1: %2 %3 in %4..%5 to %6")
+                    .arg(texts.title, texts.text)
+                    .arg(start)
+                    .arg(bounds.minimum)
+                    .arg(bounds.maximum)
+                    .arg(bounds.decimals);
+        return accepts ? std::optional(start) : std::nullopt;
+    }
+    std::optional<QString> inputText(const InputTexts& texts, const QString& start) override {
+        seen << texts.title + ": " + texts.text + " " + start;
+        return accepts ? std::optional(answer) : std::nullopt;
+    }
+    QString waitForFileToOpen(const QString& title, const QString& place,
+                              const QString& filter) override {
+        seen << "open " + title + ": " + place + " " + filter;
+        return accepts ? answer : QString();
+    }
+    QString waitForFileToSave(const QString& title, const QString& place,
+                              const QString& filter) override {
+        seen << "save " + title + ": " + place + " " + filter;
+        return accepts ? answer : QString();
+    }
+
+private:
+    MessageHandler* previous_;
+};
+
+using Buffer = std::array<char, veloCortivoTextSize + 1>;
+
+} // namespace
+
+class PluginDialogs : public ProbedSession {
+protected:
+    Operator operatorHand;
+    const ProbeFunctions& call = probe.functions();
+    QStringList& seen = operatorHand.seen;
+};
+
+TEST_F(PluginDialogs, AskForNumbersWithinTheirBounds) {
+    struct Case {
+        int start, min, max, accepted, cancelled;
+        bool shown;
+    };
+    for (const Case& c : {Case{5, 1, 9, 5, 0, true},
+                          {-3, 1, 9, 1, 0, true},
+                          {12, 1, 9, 9, 0, true},
+                          {5, 3, 2, 2, 2, false},
+                          {0, INT_MIN, INT_MAX, 0, INT_MAX, true}}) {
+        SCOPED_TRACE(c.start);
+        seen.clear();
+        operatorHand.accepts = true;
+        EXPECT_EQ(call.getIntegerInput("n", c.start, c.min, c.max), c.accepted);
+        EXPECT_EQ(call.getFloatInput("x", float(c.start), float(c.min), float(c.max)),
+                  float(c.accepted));
+        const QString integer = "Velo-Cortivo Plugin: n %1 in %2..%3";
+        const QString number = "Velo-Cortivo Plugin: x %1 in %2..%3 to 3";
+        const auto boxes = c.shown ? QStringList{integer.arg(c.accepted).arg(c.min).arg(c.max),
+                                                 number.arg(double(c.accepted))
+                                                     .arg(double(float(c.min)))
+                                                     .arg(double(float(c.max)))}
+                                   : QStringList();
+        EXPECT_EQ(seen, boxes);
+        operatorHand.accepts = false;
+        EXPECT_EQ(call.getIntegerInput("n", c.start, c.min, c.max), c.cancelled);
+        EXPECT_EQ(call.getFloatInput("x", float(c.start), float(c.min), float(c.max)),
+                  float(c.min) - 1.0f);
+        EXPECT_EQ(seen.isEmpty(), !c.shown);
+    }
+    EXPECT_TRUE(std::isnan(call.getFloatInput("x", 0, std::nanf(""), 1)));
+}
+
+TEST_F(PluginDialogs, TellAndAsk) {
+    call.logText("without a window");
+    call.logText(nullptr);
+    call.messageBox("Gr\xc3\xbc\xc3\x9f");
+    EXPECT_TRUE(call.yesNoMessageBox("Go?"));
+    operatorHand.accepts = false;
+    EXPECT_FALSE(call.yesNoMessageBox(nullptr));
+    EXPECT_EQ(seen, (QStringList{QString::fromUtf8("0 Velo-Cortivo Plugin: Gr\xc3\xbc\xc3\x9f"),
+                                 "Velo-Cortivo Plugin: Go?", "Velo-Cortivo Plugin: "}));
+}
+
+TEST_F(PluginDialogs, ChooseFilesFromTheFolderThatWasUsedLast) {
+    using Function = decltype(&tGetOpenFileName);
+    beginProgram();
+    Buffer out;
+    for (const auto& [function, kind] : {std::pair<Function, QString>(call.getOpenFileName, "open"),
+                                         {call.getSaveFileName, "save"}}) {
+        SCOPED_TRACE(kind.toStdString());
+        host.setLastUsedFolder("/used/");
+        seen.clear();
+        operatorHand.accepts = true;
+        operatorHand.answer = "/maps/one.map";
+        EXPECT_TRUE(function("Maps", "", "Maps (*.map)", out.data()));
+        EXPECT_STREQ(out.data(), "/maps/one.map");
+        EXPECT_EQ(host.lastUsedFolder(), "/maps/");
+        EXPECT_TRUE(function("Maps", "two.map", "", nullptr));
+        operatorHand.accepts = false;
+        EXPECT_FALSE(function(nullptr, "/other/three.map", nullptr, out.data()));
+        EXPECT_STREQ(out.data(), "");
+        EXPECT_EQ(host.lastUsedFolder(), "/maps/");
+        EXPECT_EQ(seen,
+                  (QStringList{kind + " Maps: /used/ Maps (*.map)", kind + " Maps: /maps/two.map ",
+                               kind + " Velo-Cortivo Plugin: /other/three.map "}));
+    }
+}
+
+TEST_F(PluginDialogs, CutLongTextsBetweenCharacters) {
+    constexpr size_t most = veloCortivoTextSize - 1;
+    const QString umlaut = QString::fromUtf8("\xc3\xbc"),
+                  face = QString::fromUtf8("\xf0\x9f\x98\x80");
+    struct Case {
+        QString text;
+        size_t bytes;
+    };
+    for (const Case& c : {Case{"short", 5},
+                          {QString(qsizetype(most), 'a'), most},
+                          {QString(5000, 'a'), most},
+                          {umlaut.repeated(3000), most - 1},
+                          {"a" + umlaut.repeated(3000), most},
+                          {QString::fromUtf8("\xe2\x82\xac").repeated(4000), most},
+                          {QString(qsizetype(most - 1), 'a') + face, most - 1},
+                          {face.repeated(3000), most - 3}}) {
+        Buffer out;
+        out.fill('#');
+        operatorHand.answer = c.text;
+        EXPECT_TRUE(call.getTextInput("t", "d", out.data()));
+        const std::string text = out.data();
+        EXPECT_EQ(text.size(), c.bytes);
+        EXPECT_TRUE(c.text.toStdString().starts_with(text));
+        EXPECT_EQ(out[veloCortivoTextSize], '#');
+    }
+    operatorHand.accepts = false;
+    Buffer out;
+    out.fill('#');
+    EXPECT_FALSE(call.getTextInput("t", nullptr, out.data()));
+    EXPECT_STREQ(out.data(), "");
+    EXPECT_EQ(seen.first(), "Velo-Cortivo Plugin: t d");
+    EXPECT_EQ(seen.last(), "Velo-Cortivo Plugin: t ");
+}
