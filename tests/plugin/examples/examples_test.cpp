@@ -238,7 +238,7 @@ TEST_F(PluginExamples, SmoothnessFindsTheGaussianAndTheCorrelations) {
                   {"MosaicResolutionX:", "128"},
                   {"MosaicResolutionY:", "128"},
                   {"NrOfSlices:", "16"}});
-    // A bright head that reaches through all slices, in the dark.
+    // A bright head that reaches through all slices, in the dark; all of it drifts.
     std::mt19937 random(1);
     script.atVolume = [&](int volume) {
         const std::vector<double> noise = smoothNoise(random);
@@ -246,7 +246,8 @@ TEST_F(PluginExamples, SmoothnessFindsTheGaussianAndTheCorrelations) {
         for (size_t i = 0; i < noise.size(); ++i) {
             const size_t x = i % 32, y = i / 32 % 32;
             const bool head = x > 3 && x < 29 && y > 2 && y < 27;
-            samples[i] = int16_t(std::lround((head ? 20000.0 : 5000.0) + noise[i]));
+            const double drift = volume * (600.0 + 12.0 * double(x));
+            samples[i] = int16_t(std::lround((head ? 15000.0 : 2000.0) + drift + noise[i]));
         }
     };
     const std::vector<VoxelRectangle> rectangles = {
