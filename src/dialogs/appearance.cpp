@@ -135,13 +135,16 @@ QDialog QPushButton:default { background: #1f4b47; }
 )");
 }
 
-void wrapToolTips(QWidget& root) {
+QString wrappedToolTip(const QString& toolTip) {
     const QString paragraph = "<p>";
-    for (QWidget* widget : root.findChildren<QWidget*>()) {
-        const QString toolTip = widget->toolTip();
-        if (!toolTip.isEmpty() && !toolTip.startsWith(paragraph)) // a part has wrapped its own
-            widget->setToolTip(paragraph + toolTip.toHtmlEscaped() + "</p>");
-    }
+    if (toolTip.isEmpty() || toolTip.startsWith(paragraph)) // a part has wrapped its own
+        return toolTip;
+    return paragraph + toolTip.toHtmlEscaped() + "</p>";
+}
+
+void wrapToolTips(QWidget& root) {
+    for (QWidget* widget : root.findChildren<QWidget*>())
+        widget->setToolTip(wrappedToolTip(widget->toolTip()));
 }
 
 QRect screenArea(const QWidget* widget) {

@@ -24,8 +24,9 @@ class QWidget;
 [[nodiscard]] QFont numberFont(const QFont& font, double factor = 1.0);
 /// Style sheet of the main window's panels and controls.
 [[nodiscard]] QString windowStyleSheet();
-/// Makes the tool tips of all controls below `root` HTML, which wraps: as one line a long tool tip
-/// would cover the slices.
+/// A tool tip as HTML, which wraps: as one line a long one would cover the slices.
+[[nodiscard]] QString wrappedToolTip(const QString& toolTip);
+/// Wraps the tool tips of all controls below `root`; those set later are wrapped one by one.
 void wrapToolTips(QWidget& root);
 /// The available area of a widget's screen.
 [[nodiscard]] QRect screenArea(const QWidget* widget);

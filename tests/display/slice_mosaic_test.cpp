@@ -118,6 +118,50 @@ TEST(SliceMosaic, DrawsSquaresOverInplaneSlices) {
                 << x << " " << y;
 }
 
+TEST(SliceMosaic, MapsOfPluginsTakeThePlaceOfContrasts) {
+    Scene scene(2, 1);
+    RegisteredPluginMaps registered;
+    ASSERT_TRUE(registered.registerMaps(6));
+    for (const auto& [map, state] : {std::pair(0, 0), {1, 3}, {3, 2}, {4, 1}})
+        registered.setState(map, state);
+    registered.setName(3, "three");
+    PluginMapValues& values = scene.document.pluginMaps;
+    ASSERT_TRUE(values.allocate(5, {4, 3, 2}));
+    const auto set = [&](int map, int x, float value) {
+        values.PluginMaps[size_t(map) * 24 + 12 + size_t(x)] = value; // slice 1, y 0
+    };
+    set(1, 0, -infinity);
+    set(3, 1, -9.0f);
+    set(4, 1, nan);
+    set(3, 2, 9.0f);
+    set(0, 3, 9.0f); // not shown
+    scene.set(0, 1, 3, 1, 9.0f);
+    scene.source.thresholds.ClusterSizePixels = 4; // no cluster is as large
+    const auto row = [&](int y) {
+        scene.source.maps = shownMaps(scene.document, registered);
+        EXPECT_TRUE(composeSliceMosaic(scene.mosaic, scene.source));
+        std::vector<QRgb> pixels;
+        for (int x = 4; x < 8; ++x)
+            pixels.push_back(scene.mosaic.pixel(x, y));
+        return pixels;
+    };
+    const std::vector<QRgb> none(4, grey);
+    EXPECT_EQ(row(0), none) << "contrasts are shown";
+    registered.shown = true;
+    const auto colorOf = [](const RgbColor& color) {
+        return qRgb(color.red, color.green, color.blue);
+    };
+    EXPECT_EQ(row(0),
+              (std::vector{colorOf(pluginMapColor(0)), colorOf(pluginMapColor(1)), grey, grey}));
+    EXPECT_EQ(row(1), none) << "the contrast's voxel";
+    EXPECT_EQ(scene.source.maps.names.join('|'), "no name|three|no name");
+    EXPECT_EQ(scene.source.maps.statistic, "map");
+    scene.document.SignificanceColorCoding = true;
+    EXPECT_EQ(row(0), (std::vector{qRgb(0, 255, 75), qRgb(0, 255, 75), grey, grey}));
+    ASSERT_TRUE(values.allocate(1, {4, 3, 2}));
+    EXPECT_TRUE(shownMaps(scene.document, registered).empty()) << "registered after the start";
+}
+
 TEST(SliceMosaic, RefusesWhatItCanNotShow) {
     Scene scene(2, 1);
     for (const SliceMosaicLayout& layout :

@@ -75,3 +75,29 @@ TEST_F(ViewPanelTest, RegionsAreDrawnWhileVolumesArrive) {
     EXPECT_EQ((std::array{region.FromSlice, region.Left, region.Right, region.Top, region.Bottom}),
               (std::array{2, 3, 7, 2, 5}));
 }
+
+TEST_F(ViewPanelTest, MapsOfAPluginNeedNoModel) {
+    window.resize(620, 520);
+    panel.resize(600, 500);
+    window.show();
+    writeSession(5, 2); // too short for a model
+    ASSERT_TRUE(session.pluginMaps.registerMaps(1));
+    session.pluginMaps.show(true);
+    ProbeListener plugin(session.listeners, ListenerPlace::PlugIn);
+    plugin.onStep = [](VolumeStep, const VolumeAtHand& hand) {
+        hand.document.pluginMaps.PluginMaps[64 + 8 + 2] = -9.0f;
+        return true;
+    };
+    session.runButtonPressed();
+    ASSERT_FALSE(session.report.mapsPresent);
+    const auto mosaic = [this] {
+        panel.update(true);
+        return paintedView().mosaic();
+    };
+    const QImage painted = mosaic();
+    QTest::mouseClick(&view(), Qt::LeftButton, {}, at(1, 2, 1));
+    EXPECT_TRUE(view().readOutText().endsWith("map: no name -9.00"))
+        << view().readOutText().toStdString();
+    session.pluginMaps.show(false);
+    EXPECT_NE(mosaic(), painted);
+}

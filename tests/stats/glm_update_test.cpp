@@ -26,10 +26,13 @@ TEST(GLMContrasts, AppearAtTheSolutionAfterTheirOnset) {
     run.contrasts.ContrastSelectionStates = {0, 0, 1};
     EXPECT_FALSE(updateGLM(run.parts(), 26));
     EXPECT_EQ(run.maps.contrastOfMap, (std::vector<int>{0, 1}));
+    const auto isZero = [](float value) { return value == 0.0f; };
+    EXPECT_FALSE(std::ranges::all_of(run.maps.map(1), isZero));
     run.contrasts.ContrastsChanged = true;
     for (const int volume : {27, 28}) { // the flag stays set
         EXPECT_TRUE(updateGLM(run.parts(), volume));
         EXPECT_EQ(run.maps.contrastOfMap, std::vector<int>{2});
+        EXPECT_TRUE(std::ranges::all_of(run.maps.map(1), isZero)) << "out of use";
     }
 }
 

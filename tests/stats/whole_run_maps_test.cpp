@@ -172,12 +172,16 @@ TEST(WholeRunMaps, FOfSeveralContrastsAreMapsOfTheirOwn) {
     ContrastDefinitions contrasts = select({2, 3}, Shown::FOfContrast);
     contrasts.ContrastSelectionStates[2] = ContrastNegative;
     contrasts.ConjunctionAnalysis = true;
-    const StatisticalMaps maps = mapsOf(model, contrasts);
+    StatisticalMaps maps = mapsOf(model, contrasts);
     EXPECT_EQ(maps.contrastOfMap, (std::vector<int>{2, 3}));
     EXPECT_EQ(maps.states, (std::vector<int>{1, 1})) << "F has no sign";
     EXPECT_EQ(maps.MapDF1, 0) << "1 and 2";
     EXPECT_NEAR(maps.map(0)[0], plain[6].voxels[0], 1e-2f);
     EXPECT_NEAR(maps.map(1)[0], plain[7].voxels[0], 1e-2f);
+    contrasts.shownStatistic = Shown::FOfSelected;
+    ASSERT_TRUE(computeContrastMaps(model, wholeImage(), contrasts, maps));
+    EXPECT_EQ(maps.NrOfActiveContrasts, 1);
+    EXPECT_EQ(values(maps, 1), std::vector<float>(maps.size.samples(), 0.0f)) << "out of use";
 }
 
 TEST(WholeRunMaps, ConjunctionAndOneSidedTesting) {

@@ -48,6 +48,7 @@ void RegisteredPluginMaps::showAlone(int map) {
 bool PluginMapValues::allocate(int count, const VolumeSize& sizeOfEach) {
     size = sizeOfEach;
     NrOfPluginMaps = 0;
+    PluginMaps.release(); // also where there is not enough memory
     const size_t samples = size.samples();
     if (count < 1 || !memoryIsAvailable(size_t(count), samples * sizeof(float)) ||
         !PluginMaps.allocate(size_t(count) * samples))

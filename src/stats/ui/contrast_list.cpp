@@ -123,7 +123,7 @@ void ContrastList::setRows(MapRows* rows) {
     if (!rows_)
         return;
     headerItem()->setText(Name, rows_->title());
-    setToolTip(rows_->toolTip());
+    setToolTip(wrappedToolTip(rows_->toolTip()));
     showRows();
 }
 

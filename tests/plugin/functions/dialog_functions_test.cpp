@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/functions/probe.h"
 
+#include <QTextEdit>
 #include <climits>
 #include <cmath>
 #include <limits>
@@ -116,6 +117,19 @@ TEST_F(PluginDialogs, TellAndAsk) {
     EXPECT_FALSE(call.yesNoMessageBox(nullptr));
     EXPECT_EQ(seen, (QStringList{QString::fromUtf8("0 Velo-Cortivo Plugin: Gr\xc3\xbc\xc3\x9f"),
                                  "Velo-Cortivo Plugin: Go?", "Velo-Cortivo Plugin: "}));
+}
+
+TEST_F(PluginDialogs, LogIntoTheWindowOfThePlugin) {
+    ASSERT_TRUE(QDir().mkpath(host.pluginFolder()) &&
+                QFile::copy(Probe::path(), host.pluginFolder() + "probe.so"));
+    beginProgram();
+    ASSERT_EQ(host.discover().plugins.size(), 1u);
+    host.launch(0);
+    const auto* text = window.findChild<QTextEdit*>("LogTxt");
+    ASSERT_TRUE(text);
+    EXPECT_EQ(text->toPlainText(), QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
+                                                     "e\nfrom the probe"));
+    host.close();
 }
 
 TEST_F(PluginDialogs, ChooseFilesFromTheFolderThatWasUsedLast) {

@@ -20,6 +20,9 @@ struct Answer {
 
 class Probe {
 public:
+    [[nodiscard]] static QString path() {
+        return QCoreApplication::applicationDirPath() + "/libprobe_plugin.so";
+    }
     Probe() {
         library_.setLoadHints(QLibrary::ResolveAllSymbolsHint);
         EXPECT_TRUE(library_.load()) << library_.errorString().toStdString();
@@ -42,7 +45,7 @@ public:
     }
 
 private:
-    QLibrary library_{QCoreApplication::applicationDirPath() + "/libprobe_plugin.so"};
+    QLibrary library_{path()};
 };
 
 /// A session and a host that plug-ins find once the program has begun.
@@ -53,7 +56,7 @@ protected:
 
     Probe probe;
     QWidget window;
-    PluginHost host{{session, pump, "/plugins/Plugins_64/", window}};
+    PluginHost host{{session, pump, display, path("Plugins_64/"), path("data/"), window}};
 
 private:
     struct Program : ProgramAccess {

@@ -180,7 +180,28 @@ void transform() {
     t_fftwf_free(spectrum);
 }
 
+class LoggingPlugin : public VeloCortivoPlugin {
+    bool initPlugin() override {
+        tLogText("There is no window yet");
+        return true;
+    }
+    bool executeAtLaunch() override {
+        tLogText("Gr\xc3\xbc\xc3\x9f"
+                 "e");
+        tLogText("from the probe");
+        return true;
+    }
+};
+
 } // namespace
+
+VELO_CORTIVO_EXPORT const char* getPluginName() {
+    return "Probe";
+}
+
+VELO_CORTIVO_EXPORT VeloCortivoPlugin* createPlugin() {
+    return new LoggingPlugin;
+}
 
 VELO_CORTIVO_EXPORT const char* probeState() {
     askTexts();

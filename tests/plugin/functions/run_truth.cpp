@@ -9,6 +9,8 @@ constexpr int volumes = 40;
 constexpr size_t conditions = 2;
 constexpr int firstSolution = 11;
 constexpr double unwritten = -77;
+constexpr int size[] = {8, 8, 4};
+constexpr int defaultSize[] = {64, 64, 16}; ///< of a document that is still empty
 /// Those whose arrays the probe reads.
 constexpr int places[5][3] = {{0, 0, 1}, {7, 7, 2}, {3, 4, 1}, {0, 0, 0}, {7, 7, 3}};
 
@@ -173,7 +175,7 @@ double RunTruth::answer(const Moment& moment, const QString& name,
     if (name == "tGetVersionOfVCO")
         return std::vector{3, 2, 5}[size_t(a[0])];
     if (name == "tGetDimsOfFunctionalData")
-        return moment.document ? a[0] == 2 ? 4 : 8 : unwritten;
+        return !moment.document ? unwritten : (moment.prepared ? size : defaultSize)[a[0]];
     if (name.contains("ROI") && !a.empty())
         return region(moment, name, a);
     if (name == "tGetValueOfDesignMatrix" || name == "design")

@@ -35,6 +35,7 @@ TEST_F(SessionMultiRunTest, TheRunButtonAnalysesTheListedRunsOnce) {
         session.runButtonPressed();
         EXPECT_FALSE(session.reloadData() || session.regions.selectRectangle(drag));
     };
+    ASSERT_TRUE(session.pluginMaps.registerMaps(2));
     ASSERT_TRUE(analysed());
     display.whileModelling = {};
     EXPECT_GT(reports, 0);
@@ -56,6 +57,7 @@ TEST_F(SessionMultiRunTest, TheRunButtonAnalysesTheListedRunsOnce) {
     EXPECT_EQ(document.wholeRunModel.GLMDataPoints(), 110);
     EXPECT_EQ(document.mask.runs.size(), 1U) << "all voxels pass the intensity test";
     EXPECT_TRUE(session.report.mapsPresent);
+    EXPECT_EQ(document.pluginMaps.PluginMaps.size(), 2 * document.project.volumeSamples());
 
     display.calls.clear();
     session.setRunButton(RunButtonState::Finished);

@@ -120,7 +120,8 @@ TEST_F(MainWindow, ButtonsFollowWhatTheLookAtTheSettingsFileFinds) {
 
 TEST_F(MainWindow, MenusFollowThePhase) {
     const QString logs =
-        "Log ROI Time Point Files (RTPs)|Log ROI Time Courses (ERT)|Log ROI Betas (BTC)";
+        "Select Only Voxels Of Plug-In Maps|Log ROI Time Point Files (RTPs)|Log ROI Time "
+        "Courses (ERT)|Log ROI Betas (BTC)";
     const QString overlay = "Overlay On First Func Volume*|Overlay On Current Func Volume|";
     const QString views =
         "Current Func Volume Before Preprocessing|Show ROIs With Rectangles|Show ROIs With "
@@ -149,6 +150,7 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     document().regions.add({});
     window_->slotSwitchToSignificanceColorCoding();
     window_->slotSaveROITimeCourses();
+    window_->onToggleSelectOnlyMapVoxels();
     window_->slotSwitchAveragingType();
     window_->onToggleROITimeCoursesDetrended();
     window_->nextROIDisplayStyle();
@@ -160,8 +162,8 @@ TEST_F(MainWindow, MenusFollowThePhase) {
                 "Colors Code Significance*|Colors Code Contrasts|Epoch-Based "
                 "Averaging|" +
                     training +
-                    "Post-Processing...|Neurofeedback... |Load ROIs...|Save ROIs...|Log ROI "
-                    "Time Point Files "
+                    "Post-Processing...|Neurofeedback... |Load ROIs...|Save ROIs...|Select "
+                    "Only Voxels Of Plug-In Maps*|Log ROI Time Point Files "
                     "(RTPs)|Log ROI Time Courses (ERT)*|Log ROI Betas (BTC)",
                 "Multi-Slice View|Overlay On First Func Volume|Overlay On Current Func "
                 "Volume*|Overlay On Inplanes|Current Func Volume Before Preprocessing*|Show ROIs "

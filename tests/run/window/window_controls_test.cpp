@@ -251,6 +251,65 @@ TEST_F(MainWindow, MenuOfTheContrastListChoosesTheStatistic) {
     EXPECT_FALSE(control<QMenu>("ContrastStatisticMenu").isVisible());
 }
 
+TEST_F(MainWindow, MapsOfAPluginTakeThePlaceOfTheContrasts) {
+    prepare(2);
+    runOver();
+    auto& list = control<ContrastList>("ContrastList");
+    auto& option = control<QCheckBox>("TogglePluginMapsOp");
+    auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
+    SessionPluginMaps& maps = window_->session().pluginMaps;
+    const RegisteredPluginMaps& registered = requests().pluginMaps;
+    const auto header = [&] { return list.headerItem()->text(ContrastList::Name); };
+    EXPECT_TRUE(option.isHidden());
+    ASSERT_TRUE(maps.registerMaps(1002));
+    ASSERT_TRUE(document().pluginMaps.allocate(1002, {1, 1, 1}));
+    EXPECT_TRUE(option.isVisible() && !option.isChecked());
+    EXPECT_EQ(list.topLevelItemCount(), 2);
+    option.click();
+    EXPECT_TRUE(registered.shown);
+    EXPECT_FALSE(conjunction.isEnabled());
+    EXPECT_TRUE(list.toolTip().startsWith("<p>Maps of the plug-in"));
+    EXPECT_TRUE(control<QTextBrowser>("LogInfos").toPlainText().contains("map > 3.00"));
+    EXPECT_EQ(header(), "Map");
+    ASSERT_EQ(list.topLevelItemCount(), 1001);
+    EXPECT_EQ(list.topLevelItem(1000)->text(0), QString(QChar(0x2026)) + " and 2 more");
+    maps.setName(1, "second");
+    maps.updateList();
+    EXPECT_EQ(list.topLevelItem(1)->text(0), "second");
+
+    const auto hasColor = [&](int row) {
+        return !list.topLevelItem(row)->icon(ContrastList::Color).isNull();
+    };
+    click(1, ContrastList::Negative);
+    QTest::keyClick(&list, Qt::Key_Plus);
+    EXPECT_EQ(registered.state(1), 3);
+    click(1, ContrastList::Positive);
+    EXPECT_EQ(registered.state(1), 2);
+    EXPECT_TRUE(hasColor(0) && hasColor(1) && !hasColor(2));
+    click(1, ContrastList::Color); // no chooser opens: it would have to be expected
+    for (const int row : {1, 1000}) {
+        window_->slotDoubleClickedContrastList(list.topLevelItem(row), ContrastList::Name);
+        EXPECT_EQ(registered.states(), (std::map<int, int>{{1, 2}}));
+    }
+    EXPECT_FALSE(hasColor(0));
+    window_->slotClickedContrastList(list.topLevelItem(1000), ContrastList::Positive);
+    EXPECT_EQ(registered.states(), (std::map<int, int>{{1, 2}}));
+    QContextMenuEvent menu(QContextMenuEvent::Keyboard, {}, {});
+    QApplication::sendEvent(&list, &menu);
+    EXPECT_FALSE(control<QMenu>("ContrastStatisticMenu").isVisible());
+
+    maps.setThreshold(20.0f);
+    EXPECT_EQ(control<QDoubleSpinBox>("ThresholdSpBx").value(), 21.0);
+    EXPECT_EQ(control<QDoubleSpinBox>("ColorMaxThresholdSpBx").value(), 21.0);
+    EXPECT_EQ(requests().thresholds.Threshold, 20.0f);
+    prepare(2);
+    EXPECT_EQ(list.topLevelItemCount(), 1001) << "they stay for the next run";
+    maps.clear();
+    EXPECT_TRUE(option.isHidden() && !option.isChecked() && conjunction.isEnabled());
+    EXPECT_EQ(header(), "Contrast");
+    EXPECT_EQ(list.topLevelItem(1)->text(0), "contrast 1");
+}
+
 TEST_F(MainWindow, IsDraggedByItsFrameAndComesBackToItsPlace) {
     window_->move(0, 0);
     const auto send = [this](QEvent::Type type, QPoint at, Qt::MouseButton cause) {
