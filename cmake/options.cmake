@@ -3,6 +3,7 @@
 
 option(VELO_TESTS "Build the tests" ON)
 option(VELO_BENCHMARKS "Build the benchmarks" ON)
+option(VELO_EXAMPLES "Build the example plug-ins" ON)
 option(VELO_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
 option(VELO_SANITIZERS "Address and undefined behaviour sanitizers" OFF)
 option(VELO_FUZZERS "Build the fuzz targets (needs clang)" OFF)
