@@ -38,6 +38,6 @@ set(CPACK_DEBIAN_PLUGIN_KIT_PACKAGE_NAME velo-cortivo-plugin-dev)
 set(CPACK_DEBIAN_PLUGIN_KIT_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_PLUGIN_KIT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_PLUGIN_KIT_PACKAGE_RECOMMENDS "g++, cmake, make")
-set(CPACK_COMPONENT_PLUGIN_KIT_DESCRIPTION "What plug-ins of Velo-Cortivo are built with: header,
- CMake package, template and examples.")
+set(CPACK_DEBIAN_PLUGIN_KIT_DESCRIPTION
+    "What plug-ins of Velo-Cortivo are written with: header, CMake package, template, examples.")
 include(CPack)
