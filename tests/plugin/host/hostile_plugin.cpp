@@ -131,7 +131,8 @@ VELO_CORTIVO_EXPORT const char* getPluginName() {
     return "Short";
 }
 VELO_CORTIVO_EXPORT void* createPlugin() {
-    return new ShortPlugin;
+    static ShortPlugin plugin; // one that is refused is not deleted
+    return &plugin;
 }
 
 #elif defined(FIXTURE_UNKNOWN_FUNCTION)

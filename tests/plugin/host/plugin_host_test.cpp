@@ -277,6 +277,36 @@ TEST_F(PluginHostTest, ShowsItsTimesAndNamesOneThatIsSlow) {
     EXPECT_TRUE(display.logTexts.filter("PluginTime").isEmpty());
 }
 
+TEST_F(PluginHostTest, MayRegisterMapsWhenAndAsManyAsItLikes) {
+    PluginScript& plugin = addScripted();
+    const auto fillMaps = [this] {
+        std::ranges::fill(session.functionalDocument->pluginMaps.PluginMaps.span(), 7.5f);
+        return true;
+    };
+    plugin.on = {{"executeBeforeVolume",
+                  [this] {
+                      EXPECT_TRUE(session.report.currentVolume != 2 ||
+                                  session.pluginMaps.registerMaps(1000));
+                      session.pluginMaps.show(true);
+                      return true;
+                  }},
+                 {"executeAfterVolume", fillMaps},
+                 {"executeAfterRun", fillMaps}};
+    launch();
+    expectWholeRun("registered too late");
+    EXPECT_EQ(session.functionalDocument->pluginMaps.NrOfPluginMaps, 0);
+    expectWholeRun("registered before");
+    EXPECT_EQ(session.functionalDocument->pluginMaps.NrOfPluginMaps, 1000);
+    EXPECT_EQ(session.functionalDocument->pluginMaps.map(999).back(), 7.5f);
+
+    EXPECT_TRUE(session.pluginMaps.registerMaps(std::numeric_limits<int>::max()));
+    messages.expectWarning("ERROR: The plug-in has registered 2147483647 maps*");
+    runAgain();
+    EXPECT_TRUE(session.report.startFailed);
+    host.close();
+    expectWholeRun("closed");
+}
+
 TEST_F(PluginHostTest, CodeOfAnEndedPluginStaysUntilTheSessionIsIdle) {
     const QByteArray file = QFile::encodeName(addPlugin(host.pluginFolder(), "null_object"));
     const auto isOpen = [&] {
