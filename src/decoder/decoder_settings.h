@@ -1,0 +1,68 @@
+// What the operator sets for the decoding of letters.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "decoder/letter_code.h"
+
+#include <array>
+#include <vector>
+
+/// Three ROIs that tell the tasks apart, then three helper ROIs, one for each task, that follow the
+/// onset and the duration well.
+inline constexpr int nrOfDecoderROIs = 6;
+inline constexpr int nrOfTaskROIs = 3;
+inline constexpr int leastDecoderROIs = 3;
+
+/// By task: the weight of each ROI.
+using TaskWeights = std::array<std::array<float, nrOfDecoderROIs>, LetterCode::nrOfTasks>;
+
+/// Which ROIs show the shape of a task's response. The numbers stand in files.
+enum class HelperVOIs {
+    OnlyHelpers = 1, ///< the task's helper ROI
+    OnlyTasks = 2,   ///< the task's own ROI
+    Both = 3         ///< half of each
+};
+
+/// Points are volumes. Ranges: window sizes at least 1, skips of the run and at the begin at least
+/// 0, tau 0 to 1, the mean's points within the window that is compared.
+struct DecoderSettings {
+    int NrOfDataROIs = nrOfDecoderROIs;
+    int NrOfTimePoints = 0; ///< expected volumes of the run, without those that are skipped
+    int FullWindowSize = 42;
+    int IdealResponseWindowSize = 40;
+    int SkipAtBeginOfWindow = 3; ///< until the response starts
+    int SkipAtEndOfWindow = -1;  ///< negative: the response runs on into the next window
+    int SkipTimePointsAtBegin = 0;
+    /// The points of the compared window, from 0, both included, whose mean is 100 %.
+    int MeanForPercSignalFrom = 0;
+    int MeanForPercSignalTo = 2;
+    int NrOfLetters = 1000;
+    int TimerInterval = 200; ///< milliseconds
+    HelperVOIs HelperVOIsMode = HelperVOIs::Both;
+    bool UseCorr = true;
+    bool UseBeta = true;
+    bool ABCDMode = false;
+    float CorrBetaTau = 0.5f;       ///< weight of beta in the sum
+    TaskWeights TaskVOIWeights{};   ///< each task's row scaled to unit length, see scaledWeights()
+    std::vector<float> extraLines;  ///< points at which the plots have a vertical line
+
+    /// Points that are correlated: those of the reference within the window.
+    [[nodiscard]] int nrOfComparedPoints() const;
+    /// The four letters need both scores.
+    [[nodiscard]] bool findsFourLetters() const { return ABCDMode && UseCorr && UseBeta; }
+    bool operator==(const DecoderSettings&) const = default;
+};
+
+/// 1 at the task's own ROI.
+[[nodiscard]] TaskWeights defaultTaskWeights();
+/// Each task's row divided by its length; a row of zeros stays.
+[[nodiscard]] TaskWeights scaledWeights(const TaskWeights& weights);
+[[nodiscard]] DecoderSettings defaultDecoderSettings();
+
+/// First point of a letter's window, from 0 in the run: what the decoding compares begins here.
+[[nodiscard]] long long firstPointOfLetter(const DecoderSettings& settings, int letter);
+/// Whether the data have all points of the letter's window.
+[[nodiscard]] bool windowIsWhole(const DecoderSettings& settings, int letter);
+/// Whether a letter's window ends with this volume, from 0. The remainder keeps its sign, so
+/// nothing ends before the first window is whole.
+[[nodiscard]] bool windowEndsAt(const DecoderSettings& settings, int volume);

@@ -1,0 +1,11 @@
+// The log of a decoded letter, for the output file and the window.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "decoder/letter_decoding.h"
+
+#include <QString>
+
+/// All numbers of the decoding, ROIs and tasks from 1, in lines of nine values in width 10; then
+/// the letters with their scores.
+[[nodiscard]] QString decodingLog(const DecoderSettings& settings, const LetterDecoding& decoding);

@@ -1,0 +1,38 @@
+// The code of letters: task, onset and duration.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QChar>
+#include <QString>
+#include <optional>
+
+/// A letter is one of three mental tasks, started at one of three onsets and held for one of three
+/// durations.
+struct LetterCode {
+    static constexpr int nrOfTasks = 3;
+    static constexpr int nrOfOnsets = 3;
+    static constexpr int nrOfDurations = 3;
+    static constexpr int nrOfReferences = nrOfOnsets * nrOfDurations; ///< courses of a response
+    static constexpr int nrOfLetters = nrOfTasks * nrOfReferences;
+
+    int task = 0;      ///< from 0
+    int reference = 0; ///< onset * 3 + duration, from 0
+
+    [[nodiscard]] int onset() const { return reference / nrOfDurations; }
+    [[nodiscard]] int duration() const { return reference % nrOfDurations; }
+    bool operator==(const LetterCode&) const = default;
+};
+
+/// Instead of a letter where there is none.
+inline constexpr QChar noLetter = u'-';
+
+/// "_" for the first code, then "A" to "Z"; by task, then onset, then duration.
+[[nodiscard]] QChar letterOf(const LetterCode& code);
+/// Nothing for a character that has no code; a blank is read as "_", small letters as capitals.
+[[nodiscard]] std::optional<LetterCode> codeOf(QChar letter);
+/// "10-10", "10-20" to "30-30", the onset first.
+[[nodiscard]] QString referenceName(int reference);
+
+/// In the four-letter mode only "A", "E", "U" and "Y" can be found, which are called A, C, B and D.
+[[nodiscard]] bool isOfFourLetters(const LetterCode& code);
+[[nodiscard]] QChar fourLetterName(QChar letter);

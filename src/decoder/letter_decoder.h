@@ -1,0 +1,52 @@
+// The decoder of a run: which letter is due when, and what has been decoded so far.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "decoder/letter_decoding.h"
+
+#include <QString>
+
+/// Fed with curves; a run that is measured and a file of curves pass through the same object.
+class LetterDecoder {
+public:
+    /// Of a run (true) windows are decoded one volume after they are whole, of a file at once.
+    enum class Source { Run, File };
+
+    /// Begins anew: no letters, no curves. Without references nothing is decoded.
+    void begin(const DecoderSettings& settings, ReferenceCurves references, Source source);
+    [[nodiscard]] bool isReady() const; ///< references fit the settings, points are known
+    [[nodiscard]] const DecoderSettings& settings() const { return settings_; }
+    /// Choices that may change between two letters: scores, four-letter mode.
+    void changeScores(bool useCorr, bool useBeta);
+    void changeABCDMode(bool on);
+
+    /// One volume: `curves` hold the volumes 0 to `volume`, at least. The letter that was decoded
+    /// at this volume; nothing as a rule.
+    std::optional<LetterDecoding> takeVolume(int volume, const ROICurves& curves);
+    /// The run has ended: decodes the window that ended with its last volume.
+    std::optional<LetterDecoding> endRun(const ROICurves& curves);
+    /// By the operator, not while a run is active: one letter on or back, clamped to the slots.
+    /// Going back also takes the last letter and its blank off each string, two characters, before
+    /// the letter is decoded again.
+    std::optional<LetterDecoding> goToNextLetter(const ROICurves& curves);
+    std::optional<LetterDecoding> goToPreviousLetter(const ROICurves& curves);
+
+    [[nodiscard]] int currentLetter() const { return letter_; } ///< -1 at first
+    [[nodiscard]] int currentVolume() const { return volume_; } ///< -1 at first
+    /// All decoded letters of rank 1, 2, 3: each followed by a blank.
+    [[nodiscard]] const QString& decodedText(int rank) const { return texts_[size_t(rank)]; }
+    /// The latest decoding.
+    [[nodiscard]] const std::optional<LetterDecoding>& latest() const { return latest_; }
+
+private:
+    std::optional<LetterDecoding> decode(const ROICurves& curves);
+
+    DecoderSettings settings_ = defaultDecoderSettings();
+    ReferenceCurves references_;
+    Source source_ = Source::Run;
+    int letter_ = -1;
+    int volume_ = -1;
+    bool windowEnded_ = false;
+    std::array<QString, 3> texts_;
+    std::optional<LetterDecoding> latest_;
+};

@@ -1,0 +1,67 @@
+// The decoding of one letter: the curves of a window against the reference responses.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "decoder/decoder_settings.h"
+
+#include <array>
+#include <span>
+#include <vector>
+
+/// Nine curves of equal length, in percent or any other scale.
+using ReferenceCurves = std::array<std::vector<float>, LetterCode::nrOfReferences>;
+/// Six curves; of ROIs that don't exist all 0.5.
+using ROICurves = std::array<std::vector<float>, nrOfDecoderROIs>;
+
+/// [reference][ROI]
+using ReferenceByROI = std::array<std::array<float, nrOfDecoderROIs>, LetterCode::nrOfReferences>;
+/// [reference][task]
+using ReferenceByTask =
+    std::array<std::array<float, LetterCode::nrOfTasks>, LetterCode::nrOfReferences>;
+
+/// One of the best letters. Nothing found: noLetter, with the score that the search starts with.
+struct RankedLetter {
+    static constexpr float startScore = -1.0f;
+
+    QChar letter = noLetter; ///< under its name in the four-letter mode
+    float score = startScore;
+    LetterCode code{-1, -1}; ///< -1 for none
+
+    [[nodiscard]] bool found() const { return code.task >= 0; }
+};
+
+struct LetterDecoding {
+    int letter = 0;         ///< index, from 0
+    ROICurves curves;       ///< of the window, in percent of the mean of its base points
+    ReferenceByROI corr{};  ///< Pearson; of UseCorr
+    ReferenceByROI beta{};  ///< slopes; of UseBeta
+    ReferenceByROI normalizedBeta{}; ///< divided by the greatest norm over the ROIs
+    int referenceOfGreatestNorm = 0; ///< the first of equal ones
+    ReferenceByTask shape{};         ///< of both scores
+    ReferenceByTask pattern{};       ///< likewise
+    ReferenceByTask product{};       ///< likewise; 0 where both factors are negative
+    /// What the ranking scans: the weighted sum, or with correlation alone the weighted
+    /// correlations. In the four-letter mode -1 for the others.
+    ReferenceByTask score{};
+    std::array<int, LetterCode::nrOfTasks> bestReference{}; ///< by task: the first of the greatest
+    std::array<RankedLetter, 3> best; ///< ranks 1 to 3
+};
+
+/// Slope and constant of a curve on a reference, by least squares over [1, reference], with the
+/// inverse of the 2 x 2 matrix X'X. 0 and the curve's mean where the reference doesn't vary.
+void fitGLMForLetter(int nrOfPoints, std::span<const float> curve, std::span<const float> reference,
+                     float& slope, float& constant);
+
+/// Pearson's correlation; 0 where one of them doesn't vary.
+[[nodiscard]] float correlation(std::span<const float> curve, std::span<const float> reference);
+
+/// The points of the window in percent of the mean of its base points, unless that is 0.
+[[nodiscard]] std::vector<float> percentSignal(const DecoderSettings& settings,
+                                               std::span<const float> window);
+
+/// Decodes a letter from curves of the whole run so far. Nothing when its window is not whole, when
+/// a reference has fewer points than are compared, or a curve fewer than the window needs. Sums are
+/// double, results float.
+[[nodiscard]] std::optional<LetterDecoding> decodeLetter(const DecoderSettings& settings,
+                                                         const ReferenceCurves& references,
+                                                         const ROICurves& curves, int letter);
