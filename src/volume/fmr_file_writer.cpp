@@ -3,21 +3,13 @@
 
 #include "base/file_writing.h"
 #include "base/messages.h"
+#include "base/number_text.h"
 #include "base/paths.h"
 #include "base/text_reading.h"
 
-#include <charconv>
 #include <cmath>
 
 namespace {
-
-/// The shortest form that reads back as the same float.
-QByteArray shortest(float value) {
-    std::array<char, 32> text{};
-    const auto result =
-        std::to_chars(text.data(), text.data() + text.size(), std::isfinite(value) ? value : 0.0f);
-    return QByteArray(text.data(), result.ptr - text.data());
-}
 
 QByteArray roundedHalfUp(float value) {
     return QByteArray::number(std::isfinite(value) ? std::floor(double(value) + 0.5) : 0.0, 'f', 0);
@@ -32,7 +24,9 @@ public:
     void add(const char* key, const QByteArray& value) { text_ += key + value + '\n'; }
     void add(const char* key, int value) { add(key, QByteArray::number(value)); }
     void add(const char* key, bool value) { add(key, int(value)); }
-    void add(const char* key, float value) { add(key, shortest(value)); }
+    void add(const char* key, float value) {
+        add(key, shortestText(std::isfinite(value) ? value : 0.0f));
+    }
     void addQuoted(const char* key, const QByteArray& text) { add(key, text + '"'); }
     void addQuotedOrNone(const char* key, const QString& text) {
         addQuoted(key, text.isEmpty() ? QByteArray("<none>") : quotable(text));

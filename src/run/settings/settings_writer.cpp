@@ -1,23 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/settings/settings_file.h"
 
+#include "base/number_text.h"
 #include "base/text_reading.h"
 #include "run/settings/settings_fields.h"
 #include "run/settings/settings_paths.h"
 
-#include <charconv>
-
 namespace {
 
 constexpr int keyColumns = 34;
-
-// The fewest digits that read back as the same value.
-QString shortestForm(float value) {
-    std::array<char, 64> digits{};
-    const std::to_chars_result result =
-        std::to_chars(digits.data(), digits.data() + digits.size(), value);
-    return QString::fromLatin1(digits.data(), result.ptr - digits.data());
-}
 
 QString entry(const QString& key, const QString& value) {
     return key.leftJustified(keyColumns) + value + '\n';
@@ -38,7 +29,7 @@ QString valueText(const SettingsField& field, const RunSettings& settings) {
     if (const auto* flag = std::get_if<bool RunSettings::*>(&field.member))
         return settings.**flag ? "1" : "0";
     if (const auto* real = std::get_if<float RunSettings::*>(&field.member))
-        return shortestForm(settings.**real);
+        return QString::fromLatin1(shortestText(settings.**real));
     const QString& text = settings.*std::get<QString RunSettings::*>(field.member);
     if (field.kind == ValueKind::Word)
         return text;
