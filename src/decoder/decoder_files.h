@@ -11,8 +11,10 @@
 /// "IdealResponses_rg.rtc": the reference file that comes with the program.
 inline const QString idealResponsesFileName = QStringLiteral("IdealResponses_rg.rtc");
 
+/// Six decimals.
 [[nodiscard]] QByteArray weightsText(const TaskWeights& weights);
-/// Nothing for a text that is cut, of another size, or holds something else than numbers.
+/// Nothing for a text that is cut, of another size, or holds something else than numbers between
+/// -1e6 and 1e6.
 [[nodiscard]] std::optional<TaskWeights> parseWeights(const QString& text);
 
 /// The scaled weights, six values a line in width 9, each followed by a blank
@@ -22,25 +24,34 @@ inline const QString idealResponsesFileName = QStringLiteral("IdealResponses_rg.
 /// The fields that the file has.
 [[nodiscard]] QByteArray decoderSettingsText(const DecoderSettings& settings);
 /// Fields that the file doesn't have keep the value of `start`. Nothing for a text that is cut,
-/// has its keys in another order, or values out of range.
+/// has its keys in another order or more than it announces, or whose values are out of range: see
+/// DecoderSettings, and at least one point must be left to compare.
 [[nodiscard]] std::optional<DecoderSettings> parseDecoderSettings(const QString& text,
                                                                   const DecoderSettings& start);
 
-/// The nine curves of a design matrix file. Nothing after a message: "This file must contain 9 time
-/// courses but has %1", or "INFO - Problem loading RTC file with ideal responses!".
+/// The nine curves of a design matrix file (version 2 of .rtc), by position; all of one length, at
+/// least one point. Nothing after a message: "This file must contain 9 time courses but has %1", or
+/// "INFO - Problem loading RTC file with ideal responses!".
 [[nodiscard]] std::optional<ReferenceCurves> loadReferences(const QString& path);
-/// Three to six curves of a version 1 file ("NrOfRTCs:", "NrOfValues:"); missing ROIs are filled
-/// with 0.5. Nothing after "INFO - Problem loading RTC file with VOI time courses!".
+
+/// Curves of a run that lie in a file.
 struct OfflineCurves {
-    int nrOfROIs = 0;
+    int nrOfROIs = 0; ///< 3 to 6
     int nrOfTimePoints = 0;
-    ROICurves curves;
+    ROICurves curves; ///< of ROIs that the file doesn't have all 0.5
 };
+/// Three to six curves of a version 1 file ("NrOfRTCs:", "NrOfValues:"), with at least one point.
+/// Nothing after "INFO - Problem loading RTC file with VOI time courses!".
 [[nodiscard]] std::optional<OfflineCurves> loadOfflineCurves(const QString& path);
 
-/// The text of a reference file (version 2 of .rtc), named as the references are.
+/// The text of a reference file (version 2 of .rtc), named as the references are, numbers
+/// right-aligned in width 12.
 [[nodiscard]] QByteArray referencesText(const ReferenceCurves& references);
-/// Responses of the two-gamma function to the nine courses, for windows of `nrOfPoints` with `TR` in
-/// milliseconds, as percent signal change above 100: a task begins 0, 10 or 20 s behind the begin
-/// of the compared window and is held for 10, 20 or 30 s.
+/// Writes it, atomically. False after "ERROR: Unable to open file \"%1\"!".
+[[nodiscard]] bool writeReferences(const ReferenceCurves& references, const QString& path);
+
+/// Responses of the two-gamma function to the nine courses, for windows of `nrOfPoints` with `TR`
+/// in milliseconds, as percent signal change above 100: a task begins 0, 10 or 20 s behind the
+/// begin of the compared window and is held for 10, 20 or 30 s. One that lasted would reach 101.
+/// All 100 without a TR.
 [[nodiscard]] ReferenceCurves idealResponses(int nrOfPoints, double TR);

@@ -13,6 +13,10 @@ inline constexpr int nrOfDecoderROIs = 6;
 inline constexpr int nrOfTaskROIs = 3;
 inline constexpr int leastDecoderROIs = 3;
 
+/// The greatest window, skip or position in a plot that a file may state, in points.
+inline constexpr int mostDecoderPoints = 100000;
+inline constexpr int mostExtraLines = 1000;
+
 /// By task: the weight of each ROI.
 using TaskWeights = std::array<std::array<float, nrOfDecoderROIs>, LetterCode::nrOfTasks>;
 
@@ -42,9 +46,9 @@ struct DecoderSettings {
     bool UseCorr = true;
     bool UseBeta = true;
     bool ABCDMode = false;
-    float CorrBetaTau = 0.5f;       ///< weight of beta in the sum
-    TaskWeights TaskVOIWeights{};   ///< each task's row scaled to unit length, see scaledWeights()
-    std::vector<float> extraLines;  ///< points at which the plots have a vertical line
+    float CorrBetaTau = 0.5f;      ///< weight of beta in the sum
+    TaskWeights TaskVOIWeights{};  ///< each task's row scaled to unit length, see scaledWeights()
+    std::vector<float> extraLines; ///< points at which the plots have a vertical line
 
     /// Points that are correlated: those of the reference within the window.
     [[nodiscard]] int nrOfComparedPoints() const;

@@ -10,11 +10,14 @@
 
 enum class ResponseROIs { Tasks, Helpers, All }; ///< 1-3, 4-6, 1-6
 
+/// All in volumes. Ranges: window and duration 1 to 999, the others 0 to 999.
 struct EmpiricalOptions {
+    static constexpr int mostPoints = 999;
+
     int WindowTimePoints = 40; ///< of each response
     int PreTrialBeginDataPoints = 5;
     int PostTrialDataPoints = 10;
-    int ShortestTaskDuration = 15; ///< volumes
+    int ShortestTaskDuration = 15;
     ResponseROIs rois = ResponseROIs::Tasks;
 };
 
@@ -23,9 +26,18 @@ struct EmpiricalOptions {
                                      const StimulationProtocol& protocol);
 
 /// The nine task conditions behind the rest condition give three durations (condition 1 + 3 * task
-/// + duration), averaged over tasks, trials and the chosen ROIs, in percent of the mean of the
-/// points before the onset; the responses of later onsets are the same curves, later by the onset's
-/// volumes. `TR` in milliseconds. Nothing without a fault above only where a duration has no trial.
+/// + duration). The response to a duration begins `PreTrialBeginDataPoints` before the onset; each
+/// of its points is the mean over the tasks, trials and chosen ROIs that have it. A trial is taken
+/// in percent of its mean before the onset, or where it has no point there, of its first point; a
+/// trial whose base is 0 or whose onset is not in the data is left out. Points behind the task and
+/// `PostTrialDataPoints`, and points that no trial has, are 100.
+///
+/// The references of later onsets are the same curves, later by 10 or 20 s in volumes, and 100
+/// before. `TR` in milliseconds; without one, times of the protocol that are in milliseconds give
+/// nothing, and the shortest duration stands for 10 s.
+///
+/// `curves` are those of the ROIs in their order. Nothing where empiricalFault() has one, an option
+/// is out of range, or a duration has no trial.
 [[nodiscard]] std::optional<ReferenceCurves>
 empiricalResponses(const EmpiricalOptions& options, std::span<const std::vector<float>> curves,
                    const StimulationProtocol& protocol, double TR);

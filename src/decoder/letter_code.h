@@ -14,6 +14,9 @@ struct LetterCode {
     static constexpr int nrOfDurations = 3;
     static constexpr int nrOfReferences = nrOfOnsets * nrOfDurations; ///< courses of a response
     static constexpr int nrOfLetters = nrOfTasks * nrOfReferences;
+    /// Milliseconds between two onsets, and between two durations: onsets at 0, 10 and 20 s,
+    /// durations of 10, 20 and 30 s.
+    static constexpr double timeStep = 10000.0;
 
     int task = 0;      ///< from 0
     int reference = 0; ///< onset * 3 + duration, from 0

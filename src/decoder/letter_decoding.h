@@ -31,10 +31,10 @@ struct RankedLetter {
 };
 
 struct LetterDecoding {
-    int letter = 0;         ///< index, from 0
-    ROICurves curves;       ///< of the window, in percent of the mean of its base points
-    ReferenceByROI corr{};  ///< Pearson; of UseCorr
-    ReferenceByROI beta{};  ///< slopes; of UseBeta
+    int letter = 0;                  ///< index, from 0
+    ROICurves curves;                ///< of the window, in percent of the mean of its base points
+    ReferenceByROI corr{};           ///< Pearson; of UseCorr
+    ReferenceByROI beta{};           ///< slopes; of UseBeta
     ReferenceByROI normalizedBeta{}; ///< divided by the greatest norm over the ROIs
     int referenceOfGreatestNorm = 0; ///< the first of equal ones
     ReferenceByTask shape{};         ///< of both scores
@@ -44,7 +44,7 @@ struct LetterDecoding {
     /// correlations. In the four-letter mode -1 for the others.
     ReferenceByTask score{};
     std::array<int, LetterCode::nrOfTasks> bestReference{}; ///< by task: the first of the greatest
-    std::array<RankedLetter, 3> best; ///< ranks 1 to 3
+    std::array<RankedLetter, 3> best;                       ///< ranks 1 to 3
 };
 
 /// Slope and constant of a curve on a reference, by least squares over [1, reference], with the

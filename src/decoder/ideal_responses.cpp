@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/decoder_files.h"
+#include "stats/hrf.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double fullPercent = 100.0;
+
+/// The response to a task that begins at 0 and lasts, one value for each millisecond, up to 1 at
+/// the end of the kernel.
+std::vector<double> lastingResponse() {
+    std::vector<double> kernel;
+    twoGammaHRF(0.001, {}, 1, kernel);
+    std::vector<double> response(kernel.size());
+    for (size_t i = 1; i < kernel.size(); ++i)
+        response[i] = response[i - 1] + (kernel[i - 1] + kernel[i]) / 2.0;
+    for (double& value : response)
+        value /= response.back();
+    return response;
+}
+
+double valueAt(const std::vector<double>& response, double milliseconds) {
+    const double last = double(response.size() - 1);
+    return response[size_t(std::lround(std::clamp(milliseconds, 0.0, last)))];
+}
+
+} // namespace
+
+ReferenceCurves idealResponses(int nrOfPoints, double TR) {
+    ReferenceCurves references;
+    references.fill(std::vector<float>(size_t(std::max(nrOfPoints, 0)), float(fullPercent)));
+    if (!std::isfinite(TR) || TR <= 0.0)
+        return references;
+    const std::vector<double> response = lastingResponse();
+    for (int r = 0; r < LetterCode::nrOfReferences; ++r) {
+        const LetterCode code{0, r};
+        const double begin = LetterCode::timeStep * code.onset();
+        const double end = begin + LetterCode::timeStep * (code.duration() + 1);
+        std::vector<float>& curve = references[size_t(r)];
+        for (size_t point = 0; point < curve.size(); ++point) {
+            const double time = TR * double(point);
+            curve[point] = float(fullPercent + valueAt(response, time - begin) -
+                                 valueAt(response, time - end));
+        }
+    }
+    return references;
+}
