@@ -7,6 +7,9 @@
 #include "base/text_reading.h"
 #include "stats/design_matrix_rtc.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
 
 constexpr int fileVersion = 1;
@@ -49,12 +52,17 @@ private:
     bool ok_ = true;
 };
 
+// A number that is too large for a float has become infinite.
+bool isFinite(const std::vector<float>& curve) {
+    return std::ranges::all_of(curve, [](float value) { return std::isfinite(value); });
+}
+
 /// The curves of a file as they stand in it; false where it can't be read.
 bool readCurves(const QString& path, RTCFile& file) {
     QString text;
     return readTextFile(path, text) &&
            parseRTC(text, file, RTCScope::All, RTCTitle::Line) == RTCParseResult::Ok &&
-           file.nrOfDataPoints > 0;
+           file.nrOfDataPoints > 0 && std::ranges::all_of(file.columns, isFinite);
 }
 
 } // namespace

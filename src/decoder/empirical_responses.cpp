@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr float base = 100.0f;
+constexpr float fullSignal = 100.0f;
 constexpr int nrOfConditions = 1 + LetterCode::nrOfTasks * LetterCode::nrOfDurations;
 
 struct ROIRange {
@@ -56,16 +56,16 @@ public:
             return;
         hasTrial_ = true;
         const int begin = onset - pre_; // of the response, perhaps before the data
-        const int end = int(std::min(size_t(begin + length_), curve.size()));
+        const int end = std::min(begin + length_, int(curve.size()));
         for (int volume = first; volume < end; ++volume) {
             const auto point = size_t(volume - begin);
-            sums_[point] += double(curve[size_t(volume)]) / mean * double(base);
+            sums_[point] += double(curve[size_t(volume)]) / mean * double(fullSignal);
             ++counts_[point];
         }
     }
     [[nodiscard]] bool hasTrial() const { return hasTrial_; }
     [[nodiscard]] std::vector<float> response() const {
-        std::vector<float> response(sums_.size(), base);
+        std::vector<float> response(sums_.size(), fullSignal);
         for (size_t point = 0; point < response.size(); ++point)
             if (counts_[point] > 0)
                 response[point] = float(sums_[point] / counts_[point]);
@@ -90,7 +90,7 @@ private:
 /// The response, `volumes` later.
 std::vector<float> later(const std::vector<float>& response, double volumes) {
     const auto shift = size_t(std::min(volumes, double(response.size())));
-    std::vector<float> curve(response.size(), base);
+    std::vector<float> curve(response.size(), fullSignal);
     std::copy(response.begin(), response.end() - std::ptrdiff_t(shift),
               curve.begin() + std::ptrdiff_t(shift));
     return curve;

@@ -25,8 +25,9 @@ int nrOfFilesTaken(const FuzzTarget& target, const QString& folder) {
 }
 
 TEST(FuzzCorpus, EveryTargetTakesItsFiles) {
-    for (const auto& targets : {imageHeaderTargets(), textFileTargets(), journalTargets(),
-                                modelFileTargets(), classificationTargets(), pluginTargets()})
+    for (const auto& targets :
+         {imageHeaderTargets(), textFileTargets(), journalTargets(), modelFileTargets(),
+          classificationTargets(), decoderTargets(), pluginTargets()})
         for (const FuzzTarget& target : targets)
             EXPECT_GT(nrOfFilesTaken(target,
                                      QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/") + target.name),

@@ -18,6 +18,7 @@ struct FuzzTarget {
 [[nodiscard]] std::vector<FuzzTarget> journalTargets();
 [[nodiscard]] std::vector<FuzzTarget> modelFileTargets();
 [[nodiscard]] std::vector<FuzzTarget> classificationTargets();
+[[nodiscard]] std::vector<FuzzTarget> decoderTargets();
 [[nodiscard]] std::vector<FuzzTarget> pluginTargets();
 
 /// Aborts when a parser breaks the contract of its header.

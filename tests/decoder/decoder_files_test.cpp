@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/decoder_files.h"
+#include "support/files.h"
+#include "support/scripted_messages.h"
+
+#include <QTemporaryDir>
+
+namespace {
+
+const QByteArray wgt = "FileVersion: 1\n"
+                       "NrOfTasks:   3\n"
+                       "NrOfVOIs:    6\n"
+                       " 1.000000 -0.250000 0.000000 0.333333 0.000000 0.000000\n"
+                       " 0.000000 1.000000 0.000000 0.000000 12.500000 0.000000\n"
+                       " 0.000000 0.000000 1.000000 0.000000 0.000000 -1000000.000000\n";
+
+const QByteArray bds = "Version: 1\n"
+                       "\n"
+                       "SkipTimePointsAtBegin:   2\n"
+                       "\n"
+                       "FullWindowSize:          42\n"
+                       "SkipAtBeginOfWindow:     3\n"
+                       "SkipAtEndOfWindow:       -1\n"
+                       "IdealResponseWindowSize: 40\n"
+                       "HelperVOIsMode:          1\n"
+                       "CorrBetaTau:             0.3\n"
+                       "\n"
+                       "MeanForPercSignalFrom:   1\n"
+                       "MeanForPercSignalTo:     39\n"
+                       "\n"
+                       "NrOfExtraPlotLines:      2\n"
+                       "7.5\n"
+                       "100000\n";
+
+template<typename Parse>
+void expectRefusedWhereCut(const QByteArray& whole, qsizetype shortest, const Parse& parse) {
+    for (qsizetype size = 0; size < whole.size() - shortest; ++size)
+        EXPECT_FALSE(parse(QString::fromUtf8(whole.left(size)))) << size;
+}
+
+struct Change {
+    const char* from;
+    const char* to;
+};
+
+template<typename Parse>
+void expectRefused(const QByteArray& whole, const std::vector<Change>& changes,
+                   const Parse& parse) {
+    for (const Change& change : changes) {
+        QByteArray text = whole;
+        text.replace(change.from, change.to);
+        ASSERT_NE(text, whole) << change.from;
+        EXPECT_FALSE(parse(QString::fromUtf8(text))) << change.from << " -> " << change.to;
+    }
+}
+
+TEST(WeightsFile, IsReadAndWrittenByteForByte) {
+    const auto weights = parseWeights(wgt);
+    ASSERT_TRUE(weights);
+    EXPECT_EQ((*weights)[0][1], -0.25f);
+    EXPECT_EQ((*weights)[1][4], 12.5f);
+    EXPECT_EQ(weightsText(*weights), wgt);
+    EXPECT_EQ(parseWeights(wgt.simplified().replace("FileVersion:", "fileversion")), weights);
+    TaskWeights scaled{};
+    scaled[0] = {0.577350269f, -1.0f, 0.0f, 0.0f, 0.0f, 0.000123456789f};
+    EXPECT_EQ(scaledWeightsText(scaled).split('\n')[0],
+              "  0.57735        -1         0         0         0 0.000123457 ");
+    EXPECT_EQ(scaledWeightsText(scaled).count('\n'), 3);
+}
+
+TEST(WeightsFile, IsRefusedWhereItIsDamaged) {
+    expectRefusedWhereCut(wgt, 16, parseWeights); // behind the last sign a shorter number is one
+    expectRefused(wgt,
+                  {{"FileVersion: 1", "FileVersion: 2"},
+                   {"NrOfTasks:   3", "NrOfTasks: 2147483648"},
+                   {"NrOfTasks:   3", "NrOfTasks: -3"},
+                   {"NrOfVOIs:    6", "NrOfVOIs: 7"},
+                   {"NrOfVOIs:", "NrOfROIs:"},
+                   {"0.333333", "0,333333"},
+                   {"0.333333", "nan"},
+                   {"0.333333", "inf"},
+                   {"0.333333", "1e39"},
+                   {"0.333333", "-1000001"},
+                   {"0.333333", "0.333333 0"}},
+                  parseWeights);
+}
+
+TEST(DecoderSettingsFile, IsReadAndWrittenByteForByte) {
+    DecoderSettings settings = defaultDecoderSettings();
+    settings.NrOfLetters = 12; // not in the file
+    const auto read = parseDecoderSettings(bds, settings);
+    settings.SkipTimePointsAtBegin = 2;
+    settings.HelperVOIsMode = HelperVOIs::OnlyHelpers;
+    settings.CorrBetaTau = 0.3f;
+    settings.MeanForPercSignalFrom = 1;
+    settings.MeanForPercSignalTo = 39;
+    settings.extraLines = {7.5f, 100000.0f};
+    EXPECT_EQ(read, settings);
+    EXPECT_EQ(decoderSettingsText(settings), bds);
+    settings.extraLines = {1.0f};
+    EXPECT_EQ(parseDecoderSettings(bds.simplified(), settings), read);
+}
+
+TEST(DecoderSettingsFile, IsRefusedWhereItIsDamaged) {
+    const auto parse = [](const QString& text) {
+        return parseDecoderSettings(text, defaultDecoderSettings());
+    };
+    expectRefusedWhereCut(bds, 6, parse);
+    expectRefused(bds,
+                  {{"Version: 1", "Version: 2"},
+                   {"Begin:   2", "Begin: -1"},
+                   {"Begin:   2", "Begin: 100001"},
+                   {"FullWindowSize:          42", "FullWindowSize: 0"},
+                   {"FullWindowSize:          42", "FullWindowSize: 2147483648"},
+                   {"FullWindowSize:          42", "FullWindowSize: 2"},
+                   {"SkipAtBeginOfWindow:     3", "SkipAtBeginOfWindow: 43"},
+                   {"SkipAtBeginOfWindow:     3", "SkipAtBeginOfWindow: -3"},
+                   {"SkipAtEndOfWindow:       -1", "SkipAtEndOfWindow: 39"},
+                   {"SkipAtEndOfWindow:       -1", "SkipAtEndOfWindow: -100001"},
+                   {"SkipAtEndOfWindow", "SkipAtBeginOfWindow"},
+                   {"IdealResponseWindowSize: 40", "IdealResponseWindowSize: 39"},
+                   {"IdealResponseWindowSize: 40", "IdealResponseWindowSize: 40.5"},
+                   {"Mode:          1", "Mode: 0"},
+                   {"Mode:          1", "Mode: 4"},
+                   {"0.3", "0,3"},
+                   {"0.3", "nan"},
+                   {"0.3", "-0.1"},
+                   {"0.3", "1.01"},
+                   {"From:   1", "From: -1"},
+                   {"From:   1", "From: 40"},
+                   {"To:     39", "To: 0"},
+                   {"To:     39", "To: 40"},
+                   {"Lines:      2", "Lines: 1"},
+                   {"Lines:      2", "Lines: 3"},
+                   {"Lines:      2", "Lines: -1"},
+                   {"Lines:      2", "Lines: 2147483647"},
+                   {"7.5", "-0.5"},
+                   {"7.5", "x"},
+                   {"100000", "100001"}},
+                  parse);
+    QString most = bds;
+    most.replace("Lines:      2", "Lines: 1000").append(QString("1\n").repeated(998));
+    EXPECT_TRUE(parse(most));
+    EXPECT_FALSE(parse(most.replace("Lines: 1000", "Lines: 1001") + "1\n"));
+}
+
+/// The text of a file with each loader's message for it.
+class CurveFiles : public testing::Test {
+protected:
+    template<typename Load> auto load(const Load& loader, const QByteArray& text) const {
+        writeFile(path_, text);
+        return loader(path_);
+    }
+    [[nodiscard]] QString path() const { return path_; }
+    ScriptedMessages messages_;
+
+private:
+    QTemporaryDir folder_;
+    QString path_ = folder_.filePath("curves.rtc");
+};
+
+QByteArray seriesText(int count, const QByteArray& values) {
+    QByteArray text = "NrOfRTCs: " + QByteArray::number(count) + "\nNrOfValues: 2\n";
+    for (int i = 0; i < count; ++i)
+        text += "Title: VOI Task " + QByteArray::number(i) +
+                "\nA: 1\nB: 2\nC: 3\nD: 4\nE: 5\nF: 6\n" + values + '\n';
+    return text;
+}
+
+TEST_F(CurveFiles, ReferencesAreReadAndWrittenByteForByte) {
+    ReferenceCurves references;
+    for (size_t r = 0; r < references.size(); ++r)
+        references[r] = {100.0f + float(r), -0.5f};
+    ASSERT_TRUE(writeReferences(references, path()));
+    const QByteArray text = contentOf(path());
+    EXPECT_EQ(text,
+              "FileVersion:     2\n"
+              "Type:            DesignMatrix\n"
+              "NrOfPredictors:  9\n"
+              "NrOfDataPoints:  2\n"
+              "\n"
+              "\"10-10\" \"10-20\" \"10-30\" \"20-10\" \"20-20\" \"20-30\" \"30-10\" \"30-20\" "
+              "\"30-30\"\n"
+              "  100.000000   101.000000   102.000000   103.000000   104.000000   105.000000 "
+              "  106.000000   107.000000   108.000000\n"
+              "   -0.500000    -0.500000    -0.500000    -0.500000    -0.500000    -0.500000 "
+              "   -0.500000    -0.500000    -0.500000\n");
+    EXPECT_EQ(loadReferences(path()), references);
+    messages_.expectWarning("ERROR: Unable to open file \"/nowhere/a.rtc\"!");
+    EXPECT_FALSE(writeReferences(references, "/nowhere/a.rtc"));
+
+    const QString problem = "INFO - Problem loading RTC file with ideal responses!";
+    for (const Change& change : {Change{"NrOfDataPoints:  2", "NrOfDataPoints:  3"},
+                                 {"NrOfDataPoints:  2", "NrOfDataPoints:  0"},
+                                 {"NrOfDataPoints:  2", "NrOfDataPoints:  -2147483648"},
+                                 {"NrOfPredictors:  9", "NrOfPredictors:  2147483647"},
+                                 {"DesignMatrix", "Motion"},
+                                 {"FileVersion:     2", "FileVersion: 1"},
+                                 {"106.000000", "nan"},
+                                 {"106.000000", "1e39"}}) {
+        messages_.expectInformation(problem);
+        EXPECT_FALSE(load(loadReferences, QByteArray(text).replace(change.from, change.to)))
+            << change.to;
+    }
+    messages_.expectInformation(problem);
+    EXPECT_FALSE(loadReferences("/nowhere/a.rtc"));
+    messages_.expectInformation(problem);
+    EXPECT_FALSE(load(loadReferences, seriesText(9, "1 2")));
+    messages_.expectWarning("This file must contain 9 time courses but has 8");
+    EXPECT_FALSE(
+        load(loadReferences, QByteArray(text).replace("NrOfPredictors:  9", "NrOfPredictors:  8")));
+}
+
+TEST_F(CurveFiles, OfflineCurvesAreOfThreeToSixROIs) {
+    for (int count = 3; count <= 6; ++count) {
+        const auto offline = load(loadOfflineCurves, seriesText(count, "400.25 -3"));
+        ASSERT_TRUE(offline) << count;
+        EXPECT_EQ(offline->nrOfROIs, count);
+        EXPECT_EQ(offline->nrOfTimePoints, 2);
+        for (int roi = 0; roi < nrOfDecoderROIs; ++roi)
+            EXPECT_EQ(offline->curves[size_t(roi)],
+                      roi < count ? (std::vector{400.25f, -3.0f}) : std::vector(2, 0.5f));
+    }
+    for (const QByteArray& text :
+         {seriesText(2, "1 2"), seriesText(7, "1 2"), seriesText(3, "1"), seriesText(3, "1 nan"),
+          seriesText(3, "1 -1e39"), seriesText(3, "").replace("Values: 2", "Values: 0"),
+          seriesText(3, "1 2").replace("Values: 2", "Values: 2147483647"),
+          referencesText(idealResponses(2, 2000.0)), QByteArray()}) {
+        messages_.expectInformation("INFO - Problem loading RTC file with VOI time courses!");
+        EXPECT_FALSE(load(loadOfflineCurves, text)) << text.left(200).toStdString();
+    }
+}
+
+} // namespace

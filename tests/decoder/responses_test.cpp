@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/decoder_files.h"
+#include "decoder/empirical_responses.h"
+#include "support/files.h"
+
+#include <limits>
+
+namespace {
+
+using Cells = QList<QByteArray>;
+
+/// What make_responses_expected.py made, rows of one kind.
+std::vector<Cells> expectedRows(const QByteArray& kind) {
+    std::vector<Cells> rows;
+    const QByteArray table = contentOf(VELO_SOURCE_DIR "/tests/decoder/expected_responses.tsv");
+    for (const QByteArray& line : table.trimmed().split('\n'))
+        if (line.startsWith(kind))
+            rows.push_back(line.split('\t'));
+    return rows;
+}
+
+void expectCurve(const std::vector<float>& curve, const Cells& values, double tolerance) {
+    ASSERT_EQ(curve.size(), size_t(values.size()));
+    for (size_t point = 0; point < curve.size(); ++point)
+        EXPECT_NEAR(curve[point], values[qsizetype(point)].toDouble(), tolerance) << point;
+}
+
+TEST(IdealResponses, AreThoseOfTheClosedForm) {
+    const std::vector<Cells> rows = expectedRows("ideal");
+    ASSERT_EQ(rows.size(), 18u);
+    for (const Cells& row : rows) {
+        SCOPED_TRACE(row.first(4).join(' ').toStdString());
+        expectCurve(idealResponses(row[1].toInt(), row[2].toDouble())[size_t(row[3].toInt())],
+                    row.mid(4), 2e-4); // percent; of the steps of 1 ms
+    }
+    for (const double TR : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_EQ(idealResponses(3, TR)[8], std::vector<float>(3, 100.0f));
+    EXPECT_TRUE(idealResponses(-1, 2000.0)[0].empty());
+}
+
+TEST(IdealResponses, StandInTheFileThatComesWithTheProgram) {
+    const DecoderSettings settings = defaultDecoderSettings();
+    const double TR = 70000.0 / settings.FullWindowSize;
+    const ReferenceCurves references = idealResponses(settings.IdealResponseWindowSize, TR);
+    const QString fresh = "decoder_" + idealResponsesFileName; // in the folder of the test
+    QFile::remove(fresh);
+    const QByteArray kept =
+        contentOf(VELO_SOURCE_DIR "/src/resources/decoder/" + idealResponsesFileName);
+    if (kept == referencesText(references))
+        return;
+    ASSERT_TRUE(writeReferences(references, fresh));
+    FAIL() << "The file in the tree should be " << QFileInfo(fresh).filePath().toStdString();
+}
+
+constexpr int nrOfVolumes = 385;
+
+std::vector<std::vector<float>> trainingRun() {
+    std::vector<std::vector<float>> curves;
+    for (int roi = 0; roi < nrOfDecoderROIs; ++roi) {
+        unsigned state = 815u + unsigned(roi);
+        std::vector<float>& curve = curves.emplace_back();
+        for (int volume = 0; volume < nrOfVolumes; ++volume) {
+            state = (state * 1103515245u + 12345u) & 0x7FFFFFFFu;
+            curve.push_back(float(1000 + 100 * roi + int((state >> 12) % 301)));
+        }
+    }
+    std::fill_n(curves[1].begin() + 26, 6, 0.0f);
+    return curves;
+}
+
+/// One to three trials of each condition; some are cut by an end of the data, or behind it. With a
+/// TR in milliseconds, up to 0.4 volumes beside the begin of a volume.
+StimulationProtocol trainingProtocol(int TR) {
+    StimulationProtocol protocol;
+    if (TR > 0)
+        protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
+    for (int c = 0; c < 10; ++c) {
+        protocol.conditionIndex(QString("Condition %1").arg(c));
+        for (int i = 0; c > 0 && i < 1 + c % 3; ++i) {
+            const int volume = 31 * (c - 1) + 113 * i;
+            const int from = TR > 0 ? volume * TR + (c - 5) * (TR / 10) : volume + 1;
+            protocol.addInterval(c, from, from + 5);
+        }
+    }
+    return protocol;
+}
+
+TEST(EmpiricalResponses, AreTheMeanOfTheTrials) {
+    const std::vector<std::vector<float>> curves = trainingRun();
+    const std::vector<Cells> rows = expectedRows("empirical");
+    ASSERT_EQ(rows.size(), 45u);
+    for (const Cells& row : rows) {
+        SCOPED_TRACE(row.first(9).join(' ').toStdString());
+        const EmpiricalOptions options{.WindowTimePoints = row[1].toInt(),
+                                       .PreTrialBeginDataPoints = row[2].toInt(),
+                                       .PostTrialDataPoints = row[3].toInt(),
+                                       .ShortestTaskDuration = row[4].toInt(),
+                                       .rois = ResponseROIs(row[5].toInt())};
+        const int TR = row[7].toInt();
+        const auto responses =
+            empiricalResponses(options, curves, trainingProtocol(row[6] == "1" ? TR : 0), TR);
+        ASSERT_TRUE(responses);
+        expectCurve((*responses)[size_t(row[8].toInt())], row.mid(9), 1e-4);
+    }
+}
+
+TEST(EmpiricalResponses, SayWhyTheyCannotBeMade) {
+    const QString few = "WARNING - Can not create reference file: not enough ROIs.";
+    const QString conditions = "WARNING - Can not create reference file: protocol needs to have 10 "
+                               "conditions (rest + 3 tasks with 3 durations).";
+    struct Case {
+        ResponseROIs rois;
+        int nrOfROIs;
+        int nrOfConditions;
+        QString fault;
+    };
+    const std::vector<std::vector<float>> run = trainingRun();
+    for (const Case& c : {Case{ResponseROIs::Tasks, 3, 10, {}},
+                          {ResponseROIs::Tasks, 2, 10, few},
+                          {ResponseROIs::Tasks, 2, 9, few},
+                          {ResponseROIs::Tasks, 3, 9, conditions},
+                          {ResponseROIs::Helpers, 6, 11, conditions},
+                          {ResponseROIs::Helpers, 5, 10, few},
+                          {ResponseROIs::All, 5, 10, few},
+                          {ResponseROIs::All, 6, 10, {}}}) {
+        SCOPED_TRACE(c.nrOfROIs);
+        StimulationProtocol protocol = trainingProtocol(0);
+        protocol.conditions.resize(size_t(c.nrOfConditions));
+        EXPECT_EQ(empiricalFault({.rois = c.rois}, c.nrOfROIs, protocol), c.fault);
+        EXPECT_EQ(empiricalResponses({.rois = c.rois}, std::span(run).first(size_t(c.nrOfROIs)),
+                                     protocol, 2000.0)
+                      .has_value(),
+                  c.fault.isEmpty());
+    }
+    for (const EmpiricalOptions& options :
+         {EmpiricalOptions{.WindowTimePoints = 0},
+          {.WindowTimePoints = 1000},
+          {.PreTrialBeginDataPoints = -1},
+          {.PostTrialDataPoints = std::numeric_limits<int>::max()},
+          {.ShortestTaskDuration = 0}})
+        EXPECT_FALSE(empiricalResponses(options, run, trainingProtocol(0), 2000.0));
+    // A duration without a trial, and times that can't be turned into volumes.
+    StimulationProtocol protocol = trainingProtocol(0);
+    for (const size_t c : {3, 6, 9})
+        protocol.conditions[c].nrOfIntervals = 0;
+    EXPECT_FALSE(empiricalResponses({}, run, protocol, 2000.0));
+    EXPECT_FALSE(empiricalResponses({}, run, trainingProtocol(2000), 0.0));
+}
+
+} // namespace
