@@ -42,9 +42,9 @@ struct DecoderSettings {
     bool UseCorr = true;
     bool UseBeta = true;
     bool ABCDMode = false;
-    float CorrBetaTau = 0.5f;       ///< weight of beta in the sum
-    TaskWeights TaskVOIWeights{};   ///< each task's row scaled to unit length, see scaledWeights()
-    std::vector<float> extraLines;  ///< points at which the plots have a vertical line
+    float CorrBetaTau = 0.5f;      ///< weight of beta in the sum
+    TaskWeights TaskVOIWeights{};  ///< each task's row scaled to unit length, see scaledWeights()
+    std::vector<float> extraLines; ///< points at which the plots have a vertical line
 
     /// Points that are correlated: those of the reference within the window.
     [[nodiscard]] int nrOfComparedPoints() const;
