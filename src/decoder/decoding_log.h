@@ -6,6 +6,10 @@
 
 #include <QString>
 
+/// What the plots show between their curves, where both scores are in use.
+[[nodiscard]] QString multiplicationLabel();
+[[nodiscard]] QString weightedSumLabel(const DecoderSettings& settings);
+
 /// All numbers of the decoding, ROIs and tasks from 1, in lines of nine values in width 10; then
-/// the letters with their scores.
+/// the letters with their scores, and an empty line. `settings` are those of the decoding.
 [[nodiscard]] QString decodingLog(const DecoderSettings& settings, const LetterDecoding& decoding);

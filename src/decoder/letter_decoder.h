@@ -14,31 +14,33 @@ public:
 
     /// Begins anew: no letters, no curves. Without references nothing is decoded.
     void begin(const DecoderSettings& settings, ReferenceCurves references, Source source);
-    [[nodiscard]] bool isReady() const; ///< references fit the settings, points are known
+    [[nodiscard]] bool isReady() const; ///< references fit the settings, points and ROIs are known
     [[nodiscard]] const DecoderSettings& settings() const { return settings_; }
     /// Choices that may change between two letters: scores, four-letter mode.
     void changeScores(bool useCorr, bool useBeta);
     void changeABCDMode(bool on);
 
-    /// One volume: `curves` hold the volumes 0 to `volume`, at least. The letter that was decoded
-    /// at this volume; nothing as a rule.
+    /// One volume, in the order of the run: `curves` hold the volumes 0 to `volume`, at least. The
+    /// letter that was decoded at this volume; nothing as a rule.
     std::optional<LetterDecoding> takeVolume(int volume, const ROICurves& curves);
     /// The run has ended: decodes the window that ended with its last volume.
     std::optional<LetterDecoding> endRun(const ROICurves& curves);
     /// By the operator, not while a run is active: one letter on or back, clamped to the slots.
-    /// Going back also takes the last letter and its blank off each string, two characters, before
-    /// the letter is decoded again.
+    /// Going back also takes two letters off each string, that from which it goes and that to which
+    /// it goes, which is decoded anew; so it does at the first letter.
     std::optional<LetterDecoding> goToNextLetter(const ROICurves& curves);
     std::optional<LetterDecoding> goToPreviousLetter(const ROICurves& curves);
 
     [[nodiscard]] int currentLetter() const { return letter_; } ///< -1 at first
     [[nodiscard]] int currentVolume() const { return volume_; } ///< -1 at first
-    /// All decoded letters of rank 1, 2, 3: each followed by a blank.
+    /// All decoded letters of a rank (0 to 2), one character each.
     [[nodiscard]] const QString& decodedText(int rank) const { return texts_[size_t(rank)]; }
     /// The latest decoding.
     [[nodiscard]] const std::optional<LetterDecoding>& latest() const { return latest_; }
 
 private:
+    std::optional<LetterDecoding> goTo(int letter, const ROICurves& curves);
+    std::optional<LetterDecoding> decodeNext(const ROICurves& curves);
     std::optional<LetterDecoding> decode(const ROICurves& curves);
 
     DecoderSettings settings_ = defaultDecoderSettings();

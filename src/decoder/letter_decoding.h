@@ -5,6 +5,7 @@
 #include "decoder/decoder_settings.h"
 
 #include <array>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -38,10 +39,10 @@ struct LetterDecoding {
     ReferenceByROI normalizedBeta{}; ///< divided by the greatest norm over the ROIs
     int referenceOfGreatestNorm = 0; ///< the first of equal ones
     ReferenceByTask shape{};         ///< of both scores
-    ReferenceByTask pattern{};       ///< likewise
-    ReferenceByTask product{};       ///< likewise; 0 where both factors are negative
-    /// What the ranking scans: the weighted sum, or with correlation alone the weighted
-    /// correlations. In the four-letter mode -1 for the others.
+    ReferenceByTask pattern{};       ///< of normalized betas; of UseBeta
+    ReferenceByTask product{};       ///< of both scores; 0 where both factors are negative
+    /// What the ranking scans: the weighted sum, or with one score alone its weighted sum over
+    /// ROIs. -1 for those that the four-letter mode can't find, and without any score.
     ReferenceByTask score{};
     std::array<int, LetterCode::nrOfTasks> bestReference{}; ///< by task: the first of the greatest
     std::array<RankedLetter, 3> best;                       ///< ranks 1 to 3
@@ -59,9 +60,13 @@ void fitGLMForLetter(int nrOfPoints, std::span<const float> curve, std::span<con
 [[nodiscard]] std::vector<float> percentSignal(const DecoderSettings& settings,
                                                std::span<const float> window);
 
-/// Decodes a letter from curves of the whole run so far. Nothing when its window is not whole, when
-/// a reference has fewer points than are compared, or a curve fewer than the window needs. Sums are
-/// double, results float.
+/// Whether there are points to compare and all references have them.
+[[nodiscard]] bool referencesFit(const DecoderSettings& settings,
+                                 const ReferenceCurves& references);
+
+/// Decodes a letter from curves of the whole run so far. Nothing when its window is not whole, the
+/// references don't fit, or a curve has fewer points in the window than are compared; behind these,
+/// the window may go on into what is not measured yet. Sums are double, results float.
 [[nodiscard]] std::optional<LetterDecoding> decodeLetter(const DecoderSettings& settings,
                                                          const ReferenceCurves& references,
                                                          const ROICurves& curves, int letter);

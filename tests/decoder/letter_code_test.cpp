@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/decoder_settings.h"
+
+namespace {
+
+TEST(LetterCode, GoesThroughTasksThenOnsetsThenDurations) {
+    const QString letters = QStringLiteral("_ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+    for (int i = 0; i < letters.size(); ++i) {
+        const LetterCode code{i / 9, i % 9};
+        EXPECT_EQ(letterOf(code), letters[i]);
+        EXPECT_EQ(codeOf(letters[i]), code);
+        EXPECT_EQ(codeOf(letters[i].toLower()), code);
+    }
+    EXPECT_EQ(codeOf(u' '), (LetterCode{0, 0}));
+    for (const QChar other : {QChar(u'-'), QChar(u'1'), QChar(u'[')})
+        EXPECT_FALSE(codeOf(other)) << int(other.unicode());
+    for (const LetterCode& none : {LetterCode{-1, 0}, {3, 0}, {0, -1}, {0, 9}})
+        EXPECT_EQ(letterOf(none), u'-');
+    EXPECT_EQ((LetterCode{0, 5}.onset()), 1);
+    EXPECT_EQ((LetterCode{0, 5}.duration()), 2);
+    EXPECT_EQ(referenceName(0), "10-10");
+    EXPECT_EQ(referenceName(5), "20-30");
+}
+
+TEST(DecoderSettings, ScalesWeightsToUnitLength) {
+    const TaskWeights scaled = scaledWeights({{{3, 0, 4, 0, 0, 0}, {}, {-2, 0, 0, 0, 0, 0}}});
+    const TaskWeights expected{{{0.6f, 0, 0.8f, 0, 0, 0}, {}, {-1, 0, 0, 0, 0, 0}}};
+    EXPECT_EQ(scaled, expected);
+    EXPECT_EQ(defaultDecoderSettings().TaskVOIWeights, defaultTaskWeights());
+}
+
+TEST(DecoderSettings, OddWindowsAreNoTrap) {
+    DecoderSettings settings;
+    settings.NrOfTimePoints = 100;
+    settings.FullWindowSize = 1;
+    EXPECT_FALSE(windowEndsAt(settings, 0)); // the response of the first window runs on by a volume
+    EXPECT_TRUE(windowEndsAt(settings, 1));
+    EXPECT_FALSE(windowEndsAt(settings, 100));
+    EXPECT_EQ(settings.nrOfComparedPoints(), 0);
+    settings.FullWindowSize = 0;
+    EXPECT_FALSE(windowEndsAt(settings, 50));
+    EXPECT_FALSE(windowIsWhole(settings, -1));
+    settings.FullWindowSize = 2147483647;
+    EXPECT_FALSE(windowIsWhole(settings, 2147483647));
+    EXPECT_EQ(settings.nrOfComparedPoints(), 40);
+}
+
+} // namespace
