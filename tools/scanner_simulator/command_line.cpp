@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "command_line.h"
 
+#include "mental_tasks.h"
+
 #include <QCommandLineParser>
 #include <cmath>
 #include <tuple>
@@ -28,6 +30,13 @@ void addOptions(QCommandLineParser& parser) {
         {"code",
          "Strength of a fine pattern that tells the conditions apart, percent (default: 0).",
          "percent"},
+        {"spell",
+         "The subject spells letters and blanks by mental tasks, 70 s each, instead of seeing "
+         "blocks. The TR is 1667 unless it is given, and the text sets the number of volumes.",
+         "text"},
+        {"train", "Each task and duration of the spelling this often, instead of blocks.",
+         "trials"},
+        {"response-delay", "The subject responds this much later (default: 0).", "seconds"},
         {"motion", "Motion of the head: none (default), drift or jumps.", "kind"},
         {"smoothing", "Width of the smoothing in the settings (default: 0, off).", "millimetres"},
         {"seed", "Seed of all random numbers (default: 1).", "number"},
@@ -129,6 +138,21 @@ private:
     QString problem_;
 };
 
+/// The skipped volumes are known already. Tasks need their number of volumes.
+void takeTasks(const QCommandLineParser& parser, Values& values, SimulationOptions& simulation) {
+    values.text("spell", simulation.spelledText);
+    values.integer("train", simulation.trainingTrials);
+    values.real("response-delay", simulation.responseDelay);
+    for (const char* const option : {"spell", "train"})
+        if (parser.isSet(option) && !simulation.hasTasks())
+            values.refuse(option, parser.value(option));
+    if (simulation.hasTasks())
+        simulation.repetitionTime = repetitionTimeOfTasks;
+    values.integer("tr", simulation.repetitionTime);
+    if (simulation.hasTasks())
+        simulation.nrOfVolumes = simulation.nrOfVolumesToSkip + volumesOfTasks(simulation);
+}
+
 void takeSimulation(const QCommandLineParser& parser, Values& values, SimulatorCommand& command) {
     SimulationOptions& simulation = command.simulation;
     std::map<QString, ScannerType> types;
@@ -148,9 +172,9 @@ void takeSimulation(const QCommandLineParser& parser, Values& values, SimulatorC
     values.text("name", simulation.name);
     values.integer("run", simulation.run);
     values.integer("slices", simulation.nrOfSlices);
-    values.integer("volumes", simulation.nrOfVolumes);
     values.integer("skip", simulation.nrOfVolumesToSkip);
-    values.integer("tr", simulation.repetitionTime);
+    takeTasks(parser, values, simulation);
+    values.integer("volumes", simulation.nrOfVolumes);
     values.integer("fov", simulation.fieldOfView);
     values.integer("block", simulation.blockLength);
     values.integer("smoothing", simulation.smoothingWidth);
@@ -247,6 +271,8 @@ QString problemOfKind(const SimulatorCommand& command) {
         return "A replay needs the type SIEMENS_DICOM_MOSAIC or DICOM.";
     if (simulation.protocol != ProtocolKind::Prt)
         return "A replay has a .prt protocol.";
+    if (simulation.hasTasks())
+        return "The subject of a replay can't be given tasks.";
     return {};
 }
 

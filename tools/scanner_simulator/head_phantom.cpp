@@ -74,6 +74,11 @@ HeadPhantom::HeadPhantom(const ScanGeometry& geometry)
         const double sign = side == 0 ? -1.0 : 1.0;
         regions_[0][side] = {{sign * 36.0, 26.0, -level}, halfAxis};
         regions_[1][side] = {{sign * 27.0, -18.0, level}, halfAxis};
+        // Away from the others already in x and y, however few slices there are.
+        const Point places[] = {{30.0, -48.0, 0.0}, {48.0, -2.0, 0.0}, {30.0, 52.0, 0.0}};
+        for (int task = 0; task < 3; ++task)
+            taskRegions_[3 * side + task] = {{sign * places[task].x, places[task].y, 0.0},
+                                             {8.0, 8.0, 0.8 * height}};
     }
     codedRegion_ = {{0.0, 48.0, 0.0}, {16.0, 12.0, height}};
 }
@@ -118,6 +123,13 @@ int HeadPhantom::activeCondition(const Point& point) const {
         for (const Ellipsoid& region : regions_[condition])
             if (region.squaredRadius(point) <= 1.0)
                 return condition + 1;
+    return 0;
+}
+
+int HeadPhantom::taskRegion(const Point& point) const {
+    for (int region = 0; region < nrOfTaskRegions; ++region)
+        if (taskRegions_[region].squaredRadius(point) <= 1.0)
+            return region + 1;
     return 0;
 }
 

@@ -28,7 +28,8 @@ private:
 /// vary smoothly; borders are blurred over about one voxel, like partial volume effects.
 class HeadPhantom {
 public:
-    static constexpr int nrOfConditions = 2; ///< conditions with active regions
+    static constexpr int nrOfConditions = 2;  ///< conditions with active regions
+    static constexpr int nrOfTaskRegions = 6; ///< of mental tasks
 
     explicit HeadPhantom(const ScanGeometry& geometry);
     [[nodiscard]] double signal(const Point& point) const;
@@ -36,6 +37,9 @@ public:
     [[nodiscard]] bool isBrain(const Point& point) const;
     /// 1 or 2: the condition whose regions hold the point; 0 outside all.
     [[nodiscard]] int activeCondition(const Point& point) const;
+    /// 1 to 6: the region of mental tasks that holds the point, 1 to 3 in one hemisphere, 4 to 6 in
+    /// the other; 0 outside all. They share no point with the other regions.
+    [[nodiscard]] int taskRegion(const Point& point) const;
     /// In the region of the fine pattern, at the back of the head: 1 where the voxel there prefers
     /// the first condition, -1 where it prefers the second; 0 outside. The pattern has cubes of 3
     /// mm, and moves with the head.
@@ -53,6 +57,7 @@ private:
     double borderWidth_; ///< millimetres
     Ellipsoid regions_[nrOfConditions][2];
     Ellipsoid codedRegion_;
+    Ellipsoid taskRegions_[nrOfTaskRegions];
     Ellipsoid scalp_{{0, 0, 0}, {73, 88, 82}};
     Ellipsoid skull_{{0, 0, 0}, {68, 83, 77}};
     Ellipsoid brain_{{0, 0, 0}, {63, 78, 72}};

@@ -28,6 +28,12 @@ bool holdsIn(const SimulatedCondition& condition, int volume) {
     return false;
 }
 
+const char* experiment(const SimulationOptions& options) {
+    if (!options.spelledText.isEmpty())
+        return "Spelling";
+    return options.trainingTrials > 0 ? "Training" : "FacesAndHouses";
+}
+
 QByteArray colorWithCommas(const SimulatedCondition& condition) {
     return formatted("%i,%i,%i", condition.color[0], condition.color[1], condition.color[2]);
 }
@@ -82,10 +88,14 @@ QByteArray tdatContrastTable(const std::vector<SimulatedCondition>& conditions) 
 
 } // namespace
 
-QByteArray prtText(const std::vector<SimulatedCondition>& conditions) {
+QByteArray prtText(const ProtocolSource& source) {
+    const std::vector<SimulatedCondition>& conditions = source.conditions;
     QByteArray text = "\nFileVersion:        2\n\n"
                       "ResolutionOfTime:   Volumes\n\n"
-                      "Experiment:         Faces and houses\n\n"
+                      "Experiment:         " +
+                      QByteArray(source.options.hasTasks() ? experiment(source.options)
+                                                           : "Faces and houses") +
+                      "\n\n"
                       "BackgroundColor:    0 0 0\n"
                       "TextColor:          255 255 255\n\n"
                       "TimeCourseColor:    255 255 255\n"
@@ -107,7 +117,8 @@ QByteArray prtText(const std::vector<SimulatedCondition>& conditions) {
 QByteArray rtpHeader(const ProtocolSource& source) {
     QByteArray text = "FileVersion: 1\n"
                       "ResolutionOfTime: Volumes\n"
-                      "Experiment: FacesAndHouses\n" +
+                      "Experiment: " +
+                      QByteArray(experiment(source.options)) + '\n' +
                       formatted("NrOfConditions: %i\n", int(source.conditions.size()));
     for (size_t i = 0; i < source.conditions.size(); ++i) {
         const SimulatedCondition& condition = source.conditions[i];
@@ -142,7 +153,7 @@ QByteArray tdatHeader(const ProtocolSource& source) {
     const SimulationOptions& options = source.options;
     return tdatEntry("TDatFileVersion 5") +
            tdatEntry(formatted("ScannerVolumeDuration %i", options.repetitionTime)) +
-           tdatEntry("RunCondition FacesAndHouses") +
+           tdatEntry(QByteArray("RunCondition ") + experiment(options)) +
            tdatEntry(formatted("MotionCorrection %i", options.motion == HeadMotion::None ? 0 : 1)) +
            tdatEntry("ResponseWindowFormat 0") +
            tdatEntry(QByteArray("fMRIAnalysisTests Events:") + eventWord) +
@@ -199,7 +210,7 @@ QByteArray protocolHeader(const ProtocolSource& source) {
     case ProtocolKind::Prt:
         break;
     }
-    return prtText(source.conditions);
+    return prtText(source);
 }
 
 QByteArray protocolLines(const ProtocolSource& source, int volume) {

@@ -12,8 +12,8 @@ struct ProtocolSource {
     const std::vector<SimulatedCondition>& conditions;
 };
 
-/// A protocol of conditions in volumes, complete (.prt).
-[[nodiscard]] QByteArray prtText(const std::vector<SimulatedCondition>& conditions);
+/// A protocol in volumes, complete (.prt).
+[[nodiscard]] QByteArray prtText(const ProtocolSource& source);
 
 /// Real-time protocol in volumes (.rtp): the content of the file before the run.
 [[nodiscard]] QByteArray rtpHeader(const ProtocolSource& source);

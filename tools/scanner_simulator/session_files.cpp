@@ -178,13 +178,13 @@ QByteArray motionText(const std::vector<HeadPose>& poses) {
 }
 
 QByteArray activeText(const ScanGeometry& geometry,
-                      const std::vector<SimulatedCondition>& conditions,
+                      const std::vector<RespondingRegion>& regions,
                       const std::vector<uint8_t>& active) {
     QByteArray text = "# Voxels of the head at rest that respond to a condition.\n"
                       "# One digit for each voxel: x fastest, a row of x on each line, then y,\n"
                       "# then slices with a blank line between them. 0 responds to none.\n";
-    for (size_t condition = 1; condition < conditions.size(); ++condition)
-        text += formatted("# %i ", int(condition)) + conditions[condition].name.toUtf8() + '\n';
+    for (size_t region = 0; region < regions.size(); ++region)
+        text += formatted("# %i ", int(region + 1)) + regions[region].name.toUtf8() + '\n';
     return text +
            voxelCharacters(geometry, [&](size_t voxel) { return char('0' + active[voxel]); });
 }
@@ -205,5 +205,7 @@ QByteArray truthReadme() {
     return "What was put into each simulated run, in a folder named after its settings file:\n"
            "motion.txt has the position of the head in each volume, active.txt the map of the\n"
            "voxels that respond to a condition; with a fine pattern code.txt has the one that\n"
-           "each of its voxels prefers. The files explain themselves in their first lines.\n";
+           "each of its voxels prefers. With mental tasks active.txt maps their regions, which\n"
+           "regions.roi has for the program, and spelling.txt has the letters. The texts explain\n"
+           "themselves in their first lines.\n";
 }

@@ -23,9 +23,9 @@ struct RunDescription {
 [[nodiscard]] QByteArray settingsText(const RunDescription& run);
 /// One line for each volume, translations in millimetres and rotations in degrees.
 [[nodiscard]] QByteArray motionText(const std::vector<HeadPose>& poses);
-/// One digit for each voxel: the condition it responds to.
+/// One digit for each voxel: the region that it is in, from 1, or 0.
 [[nodiscard]] QByteArray activeText(const ScanGeometry& geometry,
-                                    const std::vector<SimulatedCondition>& conditions,
+                                    const std::vector<RespondingRegion>& regions,
                                     const std::vector<uint8_t>& active);
 /// One character for each voxel: "+" where a voxel of the fine pattern prefers the first condition,
 /// "-" where it prefers the second, "." elsewhere.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulated_dynamics.h"
 
+#include "mental_tasks.h"
 #include "random_numbers.h"
 
 #include <algorithm>
@@ -27,7 +28,22 @@ double driftCourse(double part, double turns) {
     return 0.7 * part + 0.3 * std::sin(fullTurn * turns * part);
 }
 
+std::vector<RespondingRegion> regionsOf(const SimulationOptions& options) {
+    if (!options.hasTasks())
+        return {{"Faces", {1, 0}}, {"Houses", {0, 1}}};
+    return {{"Task 1", {1, 0.2, 0.2}}, {"Task 2", {0.2, 1, 0.2}}, {"Task 3", {0.2, 0.2, 1}},
+            {"Helper 1", {1, 0, 0}},   {"Helper 2", {0, 1, 0}},   {"Helper 3", {0, 0, 1}}};
+}
+
 } // namespace
+
+std::vector<StimulusTime> timesOf(const SimulatedCondition& condition, int repetitionTime) {
+    std::vector<StimulusTime> times;
+    for (const ProtocolInterval& interval : condition.intervals)
+        times.push_back(
+            {(interval.from - 1) * repetitionTime / 1000.0, interval.to * repetitionTime / 1000.0});
+    return times;
+}
 
 std::vector<SimulatedCondition> blockProtocol(const SimulationOptions& options) {
     std::vector<SimulatedCondition> conditions = {{"Fixation", {120, 120, 120}, {}},
@@ -52,23 +68,36 @@ double stepResponse(double seconds) {
 }
 
 SimulatedDynamics::SimulatedDynamics(const SimulationOptions& options)
-    : options_(options), conditions_(blockProtocol(options)),
-      secondsPerVolume_(options.repetitionTime / 1000.0) {
+    : options_(options),
+      conditions_(options.hasTasks() ? taskProtocol(options) : blockProtocol(options)),
+      regions_(regionsOf(options)), secondsPerVolume_(options.repetitionTime / 1000.0) {
+    if (options.hasTasks())
+        stimuli_ = taskTimes(options);
+    else
+        for (size_t condition = 1; condition < conditions_.size(); ++condition)
+            stimuli_.push_back(timesOf(conditions_[condition], options.repetitionTime));
     RandomNumbers random(options.seed * 1000003u + uint64_t(options.run));
     heartPhase_ = fullTurn * random.uniform();
     breathPhase_ = fullTurn * random.uniform();
 }
 
-double SimulatedDynamics::response(int condition, double seconds) const {
+double SimulatedDynamics::response(size_t region, double seconds) const {
+    const double analysed =
+        seconds - options_.nrOfVolumesToSkip * secondsPerVolume_ - options_.responseDelay;
+    double sum = 0.0;
+    for (size_t stimulus = 0; stimulus < stimuli_.size(); ++stimulus)
+        if (const double weight = regions_[region].weights[stimulus]; weight > 0.0)
+            sum += weight * responseTo(stimuli_[stimulus], analysed);
+    return sum;
+}
+
+double SimulatedDynamics::responseTo(const std::vector<StimulusTime>& times, double seconds) const {
     // Stimuli longer ago than this have no effect any more.
     constexpr double memory = 60.0;
     double sum = 0.0;
-    for (const ProtocolInterval& interval : conditions_[size_t(condition)].intervals) {
-        const double start = (options_.nrOfVolumesToSkip + interval.from - 1) * secondsPerVolume_;
-        const double end = (options_.nrOfVolumesToSkip + interval.to) * secondsPerVolume_;
-        if (seconds > start && seconds < end + memory)
-            sum += stepResponse(seconds - start) - stepResponse(seconds - end);
-    }
+    for (const StimulusTime& time : times)
+        if (seconds > time.start && seconds < time.end + memory)
+            sum += stepResponse(seconds - time.start) - stepResponse(seconds - time.end);
     return sum;
 }
 

@@ -18,6 +18,15 @@ struct SimulatedCondition {
     std::vector<ProtocolInterval> intervals;
 };
 
+/// In seconds from the start of the first analysed volume.
+struct StimulusTime {
+    double start;
+    double end;
+};
+
+[[nodiscard]] std::vector<StimulusTime> timesOf(const SimulatedCondition& condition,
+                                                int repetitionTime);
+
 /// Conditions in protocol order, the baseline first: blocks of equal length, with one of baseline
 /// before each block of a condition, to the end of the run.
 [[nodiscard]] std::vector<SimulatedCondition> blockProtocol(const SimulationOptions& options);
@@ -29,12 +38,19 @@ struct SimulatedCondition {
 /// of a gamma density is the closed form of the Erlang distribution.
 [[nodiscard]] double stepResponse(double seconds);
 
+/// Voxels that respond alike. Faces and Houses have a region each. Mental tasks have six: one for
+/// each task, which answers to the other two by a fifth, and one for each that answers to it alone.
+struct RespondingRegion {
+    QString name;
+    std::vector<double> weights; ///< by stimulus: its share of the full response
+};
+
 /// Factors at one moment of a run, in seconds from the start of the measurement.
 class SimulatedDynamics {
 public:
     explicit SimulatedDynamics(const SimulationOptions& options);
-    /// Response of a condition, 0 at rest and about 1 at the end of a long block.
-    [[nodiscard]] double response(int condition, double seconds) const;
+    /// Response of a region, from 0: 0 at rest and about 1 at the end of a long block.
+    [[nodiscard]] double response(size_t region, double seconds) const;
     /// Drift as a fraction of the signal: a trend and one slow wave.
     [[nodiscard]] double drift(double seconds) const;
     /// Heart beat and breathing as a fraction of the signal where they are strongest.
@@ -44,13 +60,17 @@ public:
     /// Where the head is; at rest until the first analysed volume is measured.
     [[nodiscard]] HeadPose pose(int volume) const;
     [[nodiscard]] const std::vector<SimulatedCondition>& conditions() const { return conditions_; }
+    [[nodiscard]] const std::vector<RespondingRegion>& regions() const { return regions_; }
 
 private:
+    [[nodiscard]] double responseTo(const std::vector<StimulusTime>& times, double seconds) const;
     [[nodiscard]] HeadPose driftPose(int volume) const;
     [[nodiscard]] HeadPose jumpPose(int volume) const;
 
     SimulationOptions options_;
     std::vector<SimulatedCondition> conditions_;
+    std::vector<RespondingRegion> regions_;
+    std::vector<std::vector<StimulusTime>> stimuli_; ///< conditions behind the baseline, or tasks
     double secondsPerVolume_;
     double heartPhase_;
     double breathPhase_;

@@ -3,8 +3,10 @@
 
 #include "base/file_writing.h"
 #include "base/paths.h"
+#include "mental_tasks.h"
 #include "protocol_files.h"
 #include "random_numbers.h"
+#include "region_file.h"
 #include "session_files.h"
 #include "watch_folder.h"
 
@@ -30,7 +32,7 @@ SimulatedScan::RestingHead SimulatedScan::headAt(const HeadPose& pose) const {
     RestingHead head;
     head.signal.reserve(geometry_.voxels());
     head.pulsation.reserve(geometry_.voxels());
-    head.condition.reserve(geometry_.voxels());
+    head.region.reserve(geometry_.voxels());
     for (int slice = 0; slice < geometry_.nrOfSlices; ++slice)
         for (int y = 0; y < geometry_.sizeY; ++y)
             for (int x = 0; x < geometry_.sizeX; ++x) {
@@ -40,11 +42,15 @@ SimulatedScan::RestingHead SimulatedScan::headAt(const HeadPose& pose) const {
                 head.signal.push_back(float(signal));
                 head.pulsation.push_back(inHead ? float(HeadPhantom::pulsationWeight(point))
                                                 : 0.0f);
-                head.condition.push_back(inHead ? uint8_t(phantom_.activeCondition(point)) : 0);
+                head.region.push_back(inHead ? uint8_t(regionAt(point)) : 0);
                 if (options_.code > 0.0)
                     head.preference.push_back(int8_t(phantom_.preference(point)));
             }
     return head;
+}
+
+int SimulatedScan::regionAt(const Point& point) const {
+    return options_.hasTasks() ? phantom_.taskRegion(point) : phantom_.activeCondition(point);
 }
 
 void SimulatedScan::fillSlice(int volume, int slice, const RestingHead& head, RandomNumbers& random,
@@ -54,20 +60,19 @@ void SimulatedScan::fillSlice(int volume, int slice, const RestingHead& head, Ra
         (volume + double(slice) / geometry_.nrOfSlices) * options_.repetitionTime / 1000.0;
     const float steady = float(dynamics_.saturation(volume) * (1.0 + dynamics_.drift(seconds)));
     const float pulsation = float(dynamics_.pulsation(seconds));
-    std::array<float, HeadPhantom::nrOfConditions + 1> response{};
-    for (int condition = 1; condition <= HeadPhantom::nrOfConditions; ++condition)
-        response[size_t(condition)] =
-            float(options_.amplitude * dynamics_.response(condition, seconds));
+    std::array<float, HeadPhantom::nrOfTaskRegions + 1> response{}; // by region from 1
+    for (size_t region = 0; region < dynamics_.regions().size(); ++region)
+        response[region + 1] = float(options_.amplitude * dynamics_.response(region, seconds));
     // Voxels of the fine pattern respond to both conditions, on the mean alike.
     const float bothConditions = response[1] + response[2];
     const float difference =
-        float(options_.code * (dynamics_.response(1, seconds) - dynamics_.response(2, seconds)));
+        float(options_.code * (dynamics_.response(0, seconds) - dynamics_.response(1, seconds)));
     const float noise = float(options_.noise);
     const size_t first = size_t(slice) * geometry_.sliceVoxels();
     for (size_t i = 0; i < geometry_.sliceVoxels(); ++i) {
         const size_t voxel = first + i;
         const int preference = head.preference.empty() ? 0 : head.preference[voxel];
-        const float activity = preference == 0 ? response[head.condition[voxel]]
+        const float activity = preference == 0 ? response[head.region[voxel]]
                                                : bothConditions + float(preference) * difference;
         const float factor = steady + activity + pulsation * head.pulsation[voxel];
         // Magnitude images have no sign: noise in the air around the head becomes positive.
@@ -141,30 +146,27 @@ bool SimulatedScan::writeTruth() const {
     poses.reserve(size_t(options_.nrOfVolumes));
     for (int volume = 0; volume < options_.nrOfVolumes; ++volume)
         poses.push_back(pose(volume));
-    std::vector<uint8_t> active(geometry_.voxels(), 0);
-    for (int condition = 1; condition <= HeadPhantom::nrOfConditions; ++condition) {
-        const std::vector<uint8_t> map = activeVoxels(condition);
-        for (size_t voxel = 0; voxel < map.size(); ++voxel)
-            if (map[voxel] != 0)
-                active[voxel] = uint8_t(condition);
-    }
-    const bool codeWritten =
-        options_.code == 0.0 ||
-        (QDir().mkpath(folder) &&
-         writeFileAtomically(folder + "code.txt",
-                             preferenceText(geometry_, conditions(), preferences())));
-    return codeWritten && QDir().mkpath(folder) &&
-           writeFileAtomically(folder + "motion.txt", motionText(poses)) &&
-           writeFileAtomically(folder + "active.txt",
-                               activeText(geometry_, conditions(), active)) &&
-           writeFileAtomically(paths::join(options_.folder, "truth/README.txt"), truthReadme());
+    std::vector<std::pair<const char*, QByteArray>> files = {
+        {"motion.txt", motionText(poses)},
+        {"active.txt", activeText(geometry_, dynamics_.regions(), atRest_.region)},
+        {"../README.txt", truthReadme()}};
+    if (options_.code > 0.0)
+        files.emplace_back("code.txt", preferenceText(geometry_, conditions(), preferences()));
+    if (!options_.spelledText.isEmpty())
+        files.emplace_back("spelling.txt", spellingText(options_));
+    if (options_.hasTasks())
+        files.emplace_back("regions.roi", regionFileText(geometry_, atRest_.region,
+                                                         HeadPhantom::nrOfTaskRegions));
+    return QDir().mkpath(folder) && std::ranges::all_of(files, [&](const auto& file) {
+               return writeFileAtomically(folder + file.first, file.second);
+           });
 }
 
-std::vector<uint8_t> SimulatedScan::activeVoxels(int condition) const {
+std::vector<uint8_t> SimulatedScan::activeVoxels(int region) const {
     std::vector<uint8_t> map(geometry_.voxels(), 0);
-    if (condition > 0)
+    if (region > 0)
         for (size_t voxel = 0; voxel < map.size(); ++voxel)
-            map[voxel] = atRest_.condition[voxel] == condition ? 1 : 0;
+            map[voxel] = atRest_.region[voxel] == region ? 1 : 0;
     return map;
 }
 

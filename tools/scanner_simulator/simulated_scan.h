@@ -50,9 +50,10 @@ public:
 
     /// Where the head is while a volume is measured.
     [[nodiscard]] HeadPose pose(int volume) const { return dynamics_.pose(volume); }
-    /// One byte for each voxel of the head at rest: 1 where its centre lies in a region that
-    /// responds to the condition. The baseline has none.
-    [[nodiscard]] std::vector<uint8_t> activeVoxels(int condition) const;
+    /// One byte for each voxel of the head at rest: 1 where its centre lies in the region, from 1:
+    /// the condition that it responds to, or with mental tasks one of the six. The baseline, 0, has
+    /// none.
+    [[nodiscard]] std::vector<uint8_t> activeVoxels(int region) const;
     /// The same for the brain without its border, where voxels also hold other tissue.
     [[nodiscard]] std::vector<uint8_t> brainVoxels() const;
     /// For each voxel of the head at rest: 1 or -1 for the condition that a voxel of the fine
@@ -64,11 +65,12 @@ private:
     struct RestingHead {
         std::vector<float> signal;
         std::vector<float> pulsation;
-        std::vector<uint8_t> condition; ///< of the active region; 0 elsewhere
+        std::vector<uint8_t> region;    ///< active region, from 1; 0 elsewhere
         std::vector<int8_t> preference; ///< empty without a fine pattern
     };
     void fillSlice(int volume, int slice, const RestingHead& head, class RandomNumbers& random,
                    uint16_t* samples) const;
+    [[nodiscard]] int regionAt(const Point& point) const;
     [[nodiscard]] RestingHead headAt(const HeadPose& pose) const;
 
     SimulationOptions options_;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "simulation_options.h"
 
+#include "mental_tasks.h"
+
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -140,10 +142,13 @@ QString problemOf(const SimulationOptions& options) {
         {"matrix columns", double(options.sizeX), 8, 256},
         {"matrix rows", double(options.sizeY), 8, 256},
         {"number of slices", double(options.nrOfSlices), 1, 256},
+        // Each letter, or trial, also gives Rest an interval, and there is one more of them.
+        {"number of letters", double(options.spelledText.size()), 0, largestNrOfIntervals - 1},
+        {"number of trials", double(options.trainingTrials), 0, 33},
+        {"TR", double(options.repetitionTime), 10, 60000},
         {"number of volumes", double(options.nrOfVolumes), 1, 9999},
         {"number of volumes to skip", double(options.nrOfVolumesToSkip), 0,
          double(options.nrOfVolumes - 1)},
-        {"TR", double(options.repetitionTime), 10, 60000},
         {"field of view", double(options.fieldOfView), 32, 1000},
         {"slice distance", options.sliceDistance, 0, 100},
         {"block length", double(options.blockLength), 1, 10000},
@@ -151,6 +156,7 @@ QString problemOf(const SimulationOptions& options) {
         {"noise", options.noise, 0, 1000},
         {"amplitude", options.amplitude, -1, 1},
         {"code", options.code, 0, 1},
+        {"delay of the response", options.responseDelay, 0, 30},
         {"width of smoothing", double(options.smoothingWidth), 0, 100},
         {"number of mosaic tiles in a row", double(options.mosaicTiles), 0, 16},
         {"image transformation", double(options.imageTransformation), 0, 2},
@@ -165,12 +171,16 @@ QString problemOf(const SimulationOptions& options) {
                 .arg(range.largest);
     // Every other block is baseline.
     const int analysed = options.nrOfVolumes - options.nrOfVolumesToSkip;
-    if ((analysed + options.blockLength - 1) / options.blockLength > 2 * largestNrOfIntervals)
+    if (!options.hasTasks() &&
+        (analysed + options.blockLength - 1) / options.blockLength > 2 * largestNrOfIntervals)
         return QString("Blocks of %1 volumes give a condition more than %2 intervals.")
             .arg(options.blockLength)
             .arg(largestNrOfIntervals);
     if (!isFileName(options.name))
         return QString("The name \"%1\" can't be the beginning of file names.").arg(options.name);
+    if (options.hasTasks())
+        if (QString problem = problemOfTasks(options); !problem.isEmpty())
+            return problem;
     if (QString problem = problemOfWatchFolder(options); !problem.isEmpty())
         return problem;
     if (QString problem = problemOfMosaic(options); !problem.isEmpty())

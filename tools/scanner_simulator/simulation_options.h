@@ -68,6 +68,9 @@ struct SimulationOptions {
     double amplitude = 0.025;   ///< full response of an active region, as a fraction of its signal
     /// Of a region in which each voxel prefers one of the conditions; 0: there is none.
     double code = 0.0; ///< how much more it responds to that one, as a fraction of its signal
+    QString spelledText;        ///< coded by mental tasks instead of the blocks; empty: none
+    int trainingTrials = 0;     ///< of each mental task and duration, instead of the blocks
+    double responseDelay = 0.0; ///< seconds by which the subject responds later than others
     HeadMotion motion = HeadMotion::None;
     int smoothingWidth = 0; ///< FWHM in the settings, millimetres; 0: none
     uint64_t seed = 1;
@@ -79,7 +82,13 @@ struct SimulationOptions {
     bool shuffledSlices = false; ///< GE HDxt: slices of a volume are written in any order
     int imageTransformation =
         2; ///< ANALYZE: 0 none, 1 rotated by 180 degrees, 2 rows from bottom to top
+
+    /// Mental tasks instead of blocks.
+    [[nodiscard]] bool hasTasks() const { return !spelledText.isEmpty() || trainingTrials > 0; }
 };
+
+/// Milliseconds: a letter of 70 s has 42 volumes.
+inline constexpr int repetitionTimeOfTasks = 1667;
 
 /// Series number of a run.
 [[nodiscard]] int seriesNumber(const SimulationOptions& options);
