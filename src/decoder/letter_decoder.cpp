@@ -4,10 +4,9 @@
 #include <algorithm>
 #include <utility>
 
-void LetterDecoder::begin(const DecoderSettings& settings, ReferenceCurves references,
-                          Source source) {
+void LetterDecoder::begin(DecoderSettings settings, ReferenceCurves references, Source source) {
     *this = {};
-    settings_ = settings;
+    settings_ = std::move(settings);
     references_ = std::move(references);
     source_ = source;
 }
