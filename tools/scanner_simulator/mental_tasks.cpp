@@ -14,11 +14,11 @@ constexpr int nrOfTasks = 3;
 constexpr int nrOfOnsets = 3;
 constexpr int nrOfDurations = 3;
 constexpr int nrOfTrained = nrOfTasks * nrOfDurations;
-constexpr double windowLength = 70.0;  ///< seconds of a letter
-constexpr double responseBegin = 5.0;  ///< seconds from the begin of a window to the first onset
-constexpr double unit = 10.0;          ///< seconds between onsets, and between durations
-constexpr double longestCode = 50.0;   ///< seconds to the end of the last and longest task
-constexpr double trainingRest = 20.0;  ///< seconds
+constexpr double windowLength = 70.0;   ///< seconds of a letter
+constexpr double responseBegin = 5.0;   ///< seconds from the begin of a window to the first onset
+constexpr double unit = 10.0;           ///< seconds between onsets, and between durations
+constexpr double longestCode = 50.0;    ///< seconds to the end of the last and longest task
+constexpr double trainingRest = 20.0;   ///< seconds
 constexpr int slowestRepetition = 5000; ///< milliseconds; a slower one has no volume of rest
 
 constexpr char letters[] = "_ABCDEFGHIJKLMNOPQRSTUVWXYZ";
@@ -101,9 +101,11 @@ std::vector<SpelledLetter> spelledLetters(const SimulationOptions& options) {
     for (const QChar character : options.spelledText) {
         const int code = std::max(0, codeOf(character));
         const int onset = code / nrOfDurations % nrOfOnsets;
-        const double start =
-            (from - 1 + delay) * options.repetitionTime / 1000.0 + unit * onset;
-        spelled.push_back({QChar(letters[code]), code, from, code / (nrOfOnsets * nrOfDurations),
+        const double start = (from - 1 + delay) * options.repetitionTime / 1000.0 + unit * onset;
+        spelled.push_back({QChar(letters[code]),
+                           code,
+                           from,
+                           code / (nrOfOnsets * nrOfDurations),
                            {start, start + unit * (code % nrOfDurations + 1)}});
         from += volumesOfLetter(options);
     }
@@ -159,10 +161,11 @@ std::vector<SimulatedCondition> taskProtocol(const SimulationOptions& options) {
 }
 
 QByteArray spellingText(const SimulationOptions& options) {
-    QByteArray text = "# What the simulated subject spells, one line for each letter.\n"
-                      "# letter, its code from 0 to 26, first volume of its window (analysed ones,\n"
-                      "# from 1), task from 1, begin of the task in seconds from the start of the\n"
-                      "# first analysed volume, and how many seconds it is held\n";
+    QByteArray text =
+        "# What the simulated subject spells, one line for each letter.\n"
+        "# letter, its code from 0 to 26, first volume of its window (analysed ones,\n"
+        "# from 1), task from 1, begin of the task in seconds from the start of the\n"
+        "# first analysed volume, and how many seconds it is held\n";
     for (const SpelledLetter& letter : spelledLetters(options))
         text += formatted("%c %2i %5i %2i %10.3f %3.0f\n", letter.letter.toLatin1(), letter.code,
                           letter.from, letter.task + 1, letter.time.start,

@@ -4,12 +4,13 @@
 
 #include "simulated_dynamics.h"
 
-/// A letter is one of three tasks, begun at one of three onsets and held for one of three durations.
+/// A letter is one of three tasks, begun at one of three onsets and held for one of three
+/// durations.
 struct SpelledLetter {
-    QChar letter; ///< "_" or "A" to "Z"
-    int code;     ///< 0 for "_" to 26 for "Z": task * 9 + onset * 3 + duration
-    int from;     ///< first volume of its window: analysed ones from 1
-    int task;     ///< from 0
+    QChar letter;      ///< "_" or "A" to "Z"
+    int code;          ///< 0 for "_" to 26 for "Z": task * 9 + onset * 3 + duration
+    int from;          ///< first volume of its window: analysed ones from 1
+    int task;          ///< from 0
     StimulusTime time; ///< of the task
 };
 

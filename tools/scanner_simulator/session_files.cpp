@@ -177,8 +177,7 @@ QByteArray motionText(const std::vector<HeadPose>& poses) {
     return text;
 }
 
-QByteArray activeText(const ScanGeometry& geometry,
-                      const std::vector<RespondingRegion>& regions,
+QByteArray activeText(const ScanGeometry& geometry, const std::vector<RespondingRegion>& regions,
                       const std::vector<uint8_t>& active) {
     QByteArray text = "# Voxels of the head at rest that respond to a condition.\n"
                       "# One digit for each voxel: x fastest, a row of x on each line, then y,\n"

@@ -155,8 +155,8 @@ bool SimulatedScan::writeTruth() const {
     if (!options_.spelledText.isEmpty())
         files.emplace_back("spelling.txt", spellingText(options_));
     if (options_.hasTasks())
-        files.emplace_back("regions.roi", regionFileText(geometry_, atRest_.region,
-                                                         HeadPhantom::nrOfTaskRegions));
+        files.emplace_back("regions.roi",
+                           regionFileText(geometry_, atRest_.region, HeadPhantom::nrOfTaskRegions));
     return QDir().mkpath(folder) && std::ranges::all_of(files, [&](const auto& file) {
                return writeFileAtomically(folder + file.first, file.second);
            });

@@ -1,0 +1,123 @@
+// Letters that the simulated subject codes by mental tasks.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "regions/roi_file.h"
+#include "scanner_simulator/command_line.h"
+#include "scanner_simulator/mental_tasks.h"
+#include "scanner_simulator/simulated_scan.h"
+#include "support/files.h"
+
+#include <QTemporaryDir>
+
+namespace {
+
+SimulationOptions optionsOf(const QStringList& arguments) {
+    const SimulatorCommand command = parseCommandLine(QStringList{"simulator"} + arguments);
+    EXPECT_EQ(command.problem, QString());
+    return command.simulation;
+}
+
+/// "from-to" of each interval, followed by a blank.
+std::string intervalsOf(const SimulatedCondition& condition) {
+    std::string text;
+    for (const ProtocolInterval& interval : condition.intervals)
+        text += std::to_string(interval.from) + "-" + std::to_string(interval.to) + " ";
+    return text;
+}
+
+TEST(Spelling, CodesALetterByTaskOnsetAndDuration) {
+    const SimulationOptions options = optionsOf({"--spell", "e Rz", "--skip", "1"});
+    EXPECT_EQ(options.repetitionTime, 1667);
+    EXPECT_EQ(options.nrOfVolumes, 1 + 4 * 42 + 1);
+    const QByteArray text = spellingText(options);
+    EXPECT_EQ(text.mid(text.indexOf("\nE") + 1).toStdString(), // 3 volumes of 1.667 s and the onset
+              "E  5     1  1     15.001  30\n_  0    43  1     75.015  10\n"
+              "R 18    85  3    145.029  10\nZ 26   127  3    235.043  30\n");
+    const std::vector<SimulatedCondition> protocol = taskProtocol(options);
+    ASSERT_EQ(protocol.size(), 2u);
+    EXPECT_EQ(intervalsOf(protocol[0]), "1-3 34-45 76-87 118-129 160-169 ");
+    EXPECT_EQ(intervalsOf(protocol[1]), "4-33 46-75 88-117 130-159 ");
+}
+
+TEST(Training, HasTrialsOfEachTaskAndDurationWithRestAround) {
+    const SimulationOptions options = optionsOf({"--train", "2"});
+    const std::vector<SimulatedCondition> protocol = taskProtocol(options);
+    ASSERT_EQ(protocol.size(), 10u);
+    EXPECT_EQ(protocol[6].name, "Task2_30s");
+    std::vector<int> conditionOf(size_t(options.nrOfVolumes - options.nrOfVolumesToSkip) + 1, -1);
+    for (int condition = 0; condition < 10; ++condition)
+        for (const ProtocolInterval& interval : protocol[size_t(condition)].intervals) {
+            const int length = condition == 0 ? 12 : 6 * ((condition - 1) % 3 + 1);
+            EXPECT_EQ(interval.to - interval.from + 1, length) << condition;
+            for (int volume = interval.from; volume <= interval.to; ++volume)
+                EXPECT_EQ(std::exchange(conditionOf.at(size_t(volume)), condition), -1) << volume;
+        }
+    std::vector<int> order;
+    for (size_t volume = 1; volume < conditionOf.size(); ++volume)
+        if (conditionOf[volume] != 0 && conditionOf[volume - 1] == 0)
+            order.push_back(conditionOf[volume]);
+    ASSERT_EQ(order.size(), 18u);
+    EXPECT_NE(order, std::vector<int>({1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
+    for (const auto begin : {order.begin(), order.begin() + 9})
+        EXPECT_EQ(std::set<int>(begin, begin + 9).size(), 9u);
+    EXPECT_EQ(taskTimes(options)[1].size(), 6u);
+}
+
+TEST(MentalTasks, AreRefusedWhereTheyDoNotFit) {
+    const QStringList rejected[] = {{"--spell", "A1"},
+                                    {"--spell", ""},
+                                    {"--train", "0"},
+                                    {"--train", "34"},
+                                    {"--spell", "A", "--train", "1"},
+                                    {"--spell", "A", "--volumes", "44"},
+                                    {"--spell", "A", "--tr", "5001"},
+                                    {"--spell", "A", "--code", "1"},
+                                    {"--spell", "A", "--replay", "folder"},
+                                    {"--response-delay", "31"}};
+    for (const QStringList& arguments : rejected)
+        EXPECT_NE(parseCommandLine(QStringList{"simulator"} + arguments).problem, QString())
+            << arguments.join(' ').toStdString();
+}
+
+// The regions that the operator loads lie in the brain, clear of the others, and answer as coded.
+// Expected: the two-gamma response to 10 s, convolved with NumPy, a mean over the three slices.
+TEST(MentalTasks, AreAnsweredByTheirRegions) {
+    const struct {
+        const char* delay;
+        int peak; ///< volume, from 0
+    } cases[] = {{"0", 9}, {"5.001", 12}};
+    const std::vector<int8_t> pattern = SimulatedScan(optionsOf({"--code", "1"})).preferences();
+    const SimulatedScan blocks{SimulationOptions()};
+    const std::vector<uint8_t> brain = blocks.brainVoxels();
+    const std::vector<uint8_t> others[] = {blocks.activeVoxels(1), blocks.activeVoxels(2)};
+    for (const auto& test : cases) {
+        QTemporaryDir folder;
+        const SimulatedScan scan(
+            optionsOf({"--spell", "I", "--amplitude", "100", "--noise", "0", "--response-delay",
+                       test.delay, "--out", folder.path()}));
+        ASSERT_TRUE(scan.writeTruth());
+        SavedRegions saved;
+        const VolumeSize size{64, 64, 25};
+        ASSERT_EQ(
+            parseROIFile(contentOf(folder.filePath("truth/Simulation-1/regions.roi")), size, saved),
+            RoiFileResult::Ok);
+        ASSERT_EQ(saved.regions.size(), 6u);
+        const std::vector<uint16_t> rest = scan.volume(2);
+        const std::vector<uint16_t> peak = scan.volume(2 + test.peak);
+        const double shares[] = {0.2, 1.0, 0.2, 0.0, 1.0, 0.0}; // "I" is the second task
+        for (size_t region = 0; region < 6; ++region) {
+            const VoxelList& voxels = *saved.regions[region].voxels;
+            EXPECT_GT(voxels.size(), 40u);
+            double sums[2] = {};
+            for (size_t position = 0; position < voxels.size(); ++position) {
+                const size_t voxel = voxels.offset(position, size);
+                sums[0] += rest[voxel];
+                sums[1] += peak[voxel];
+                EXPECT_TRUE(brain[voxel] == 1 && pattern[voxel] == 0 && others[0][voxel] == 0 &&
+                            others[1][voxel] == 0);
+            }
+            EXPECT_NEAR(sums[1] / sums[0] - 1.0, shares[region] * 1.1326, 0.015) << region;
+        }
+    }
+}
+
+} // namespace
