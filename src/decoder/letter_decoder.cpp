@@ -49,7 +49,7 @@ std::optional<LetterDecoding> LetterDecoder::goToPreviousLetter(const ROICurves&
 }
 
 std::optional<LetterDecoding> LetterDecoder::goTo(int letter, const ROICurves& curves) {
-    letter_ = std::clamp(letter, 0, std::max(settings_.NrOfLetters - 1, 0));
+    letter_ = std::clamp(letter, 0, std::max(settings_.NrOfLetters, 1) - 1);
     return decode(curves);
 }
 

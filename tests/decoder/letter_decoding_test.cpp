@@ -244,9 +244,8 @@ TEST(LetterDecoder, FollowsARunAndTheOperator) {
         for (int rank = 0; rank < 3; ++rank)
             end += u'/' + decoder.decodedText(rank);
         EXPECT_EQ(end.toLatin1(), c.expected[3]);
-        if (decoder.latest()) {
-            EXPECT_EQ(lettersOf(*decoder.latest()), steps.back().right(3));
-        }
+        ASSERT_TRUE(decoder.latest());
+        EXPECT_EQ(lettersOf(*decoder.latest()), steps.back().right(3));
         decoder.begin(decoder.settings(), references, LetterDecoder::Source::Run);
         EXPECT_EQ(decoder.settings().FullWindowSize, settings.FullWindowSize);
         EXPECT_EQ(decoder.currentLetter() + decoder.currentVolume(), -2);
@@ -264,8 +263,10 @@ TEST(LetterDecoder, NeedsFittingReferencesAndROIs) {
         decoder.begin(settings, references, LetterDecoder::Source::File);
         EXPECT_EQ(decoder.isReady(), nrOfROIs == 3 || nrOfROIs == 6);
     }
-    decoder.begin(defaultDecoderSettings(), references, LetterDecoder::Source::File);
-    EXPECT_FALSE(decoder.isReady()); // the number of volumes is not known
+    DecoderSettings endless = c.settings;
+    endless.NrOfTimePoints = 0;
+    decoder.begin(endless, references, LetterDecoder::Source::File);
+    EXPECT_FALSE(decoder.isReady());
     references[8].resize(5);
     decoder.begin(c.settings, references, LetterDecoder::Source::File);
     EXPECT_FALSE(decoder.isReady());
