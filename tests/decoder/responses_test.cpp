@@ -139,10 +139,12 @@ TEST(EmpiricalResponses, SayWhyTheyCannotBeMade) {
           {.PostTrialDataPoints = std::numeric_limits<int>::max()},
           {.ShortestTaskDuration = 0}})
         EXPECT_FALSE(empiricalResponses(options, run, trainingProtocol(0), 2000.0));
-    // A duration without a trial, and times that can't be turned into volumes.
+    // A duration whose only trial begins behind the data, and times that can't be turned into
+    // volumes.
     StimulationProtocol protocol = trainingProtocol(0);
     for (const size_t c : {3, 6, 9})
         protocol.conditions[c].nrOfIntervals = 0;
+    protocol.addInterval(9, nrOfVolumes + 1, nrOfVolumes + 9);
     EXPECT_FALSE(empiricalResponses({}, run, protocol, 2000.0));
     EXPECT_FALSE(empiricalResponses({}, run, trainingProtocol(2000), 0.0));
 }
