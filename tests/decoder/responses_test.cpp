@@ -33,7 +33,8 @@ TEST(IdealResponses, AreThoseOfTheClosedForm) {
         expectCurve(idealResponses(row[1].toInt(), row[2].toDouble())[size_t(row[3].toInt())],
                     row.mid(4), 2e-4); // percent; of the steps of 1 ms
     }
-    for (const double TR : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()})
+    for (const double TR : {0.0, -1.0, std::numeric_limits<double>::infinity(),
+                            std::numeric_limits<double>::quiet_NaN()})
         EXPECT_EQ(idealResponses(3, TR)[8], std::vector<float>(3, 100.0f));
     EXPECT_TRUE(idealResponses(-1, 2000.0)[0].empty());
 }
