@@ -48,8 +48,7 @@ bool windowIsWhole(const DecoderSettings& settings, int letter) {
 }
 
 bool windowEndsAt(const DecoderSettings& settings, int volume) {
-    if (settings.FullWindowSize < 1 || volume < settings.SkipTimePointsAtBegin ||
-        volume >= settings.NrOfTimePoints)
+    if (settings.FullWindowSize < 1 || volume >= settings.NrOfTimePoints)
         return false;
     const long long behindEnd = std::max(-(long long)(settings.SkipAtEndOfWindow), 0LL);
     const long long point = (long long)(volume)-settings.SkipTimePointsAtBegin - behindEnd;

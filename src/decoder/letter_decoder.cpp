@@ -4,10 +4,9 @@
 #include <algorithm>
 #include <utility>
 
-void LetterDecoder::begin(const DecoderSettings& settings, ReferenceCurves references,
-                          Source source) {
+void LetterDecoder::begin(DecoderSettings settings, ReferenceCurves references, Source source) {
     *this = {};
-    settings_ = settings;
+    settings_ = std::move(settings);
     references_ = std::move(references);
     source_ = source;
 }
@@ -50,7 +49,7 @@ std::optional<LetterDecoding> LetterDecoder::goToPreviousLetter(const ROICurves&
 }
 
 std::optional<LetterDecoding> LetterDecoder::goTo(int letter, const ROICurves& curves) {
-    letter_ = std::clamp(letter, 0, std::max(settings_.NrOfLetters - 1, 0));
+    letter_ = std::clamp(letter, 0, std::max(settings_.NrOfLetters, 1) - 1);
     return decode(curves);
 }
 

@@ -13,7 +13,7 @@ public:
     enum class Source { Run, File };
 
     /// Begins anew: no letters, no curves. Without references nothing is decoded.
-    void begin(const DecoderSettings& settings, ReferenceCurves references, Source source);
+    void begin(DecoderSettings settings, ReferenceCurves references, Source source);
     [[nodiscard]] bool isReady() const; ///< references fit the settings, points and ROIs are known
     [[nodiscard]] const DecoderSettings& settings() const { return settings_; }
     /// Choices that may change between two letters: scores, four-letter mode.

@@ -117,8 +117,7 @@ void combineScores(const DecoderSettings& settings, LetterDecoding& decoding) {
             const double pattern = double(decoding.pattern[r][task]);
             if (shape >= 0.0 || pattern >= 0.0)
                 decoding.product[r][task] = float(shape * pattern);
-            const bool masked =
-                settings.findsFourLetters() && !isOfFourLetters({int(task), int(r)});
+            const bool masked = settings.ABCDMode && !isOfFourLetters({int(task), int(r)});
             decoding.score[r][task] =
                 masked ? RankedLetter::startScore : float((1.0 - tau) * shape + tau * pattern);
         }

@@ -244,6 +244,12 @@ TEST(LetterDecoder, FollowsARunAndTheOperator) {
         for (int rank = 0; rank < 3; ++rank)
             end += u'/' + decoder.decodedText(rank);
         EXPECT_EQ(end.toLatin1(), c.expected[3]);
+        ASSERT_TRUE(decoder.latest());
+        EXPECT_EQ(lettersOf(*decoder.latest()), steps.back().right(3));
+        decoder.begin(decoder.settings(), references, LetterDecoder::Source::Run);
+        EXPECT_EQ(decoder.settings().FullWindowSize, settings.FullWindowSize);
+        EXPECT_EQ(decoder.currentLetter() + decoder.currentVolume(), -2);
+        EXPECT_TRUE(decoder.decodedText(0).isEmpty() && !decoder.latest());
     }
 }
 
@@ -257,6 +263,10 @@ TEST(LetterDecoder, NeedsFittingReferencesAndROIs) {
         decoder.begin(settings, references, LetterDecoder::Source::File);
         EXPECT_EQ(decoder.isReady(), nrOfROIs == 3 || nrOfROIs == 6);
     }
+    DecoderSettings endless = c.settings;
+    endless.NrOfTimePoints = 0;
+    decoder.begin(endless, references, LetterDecoder::Source::File);
+    EXPECT_FALSE(decoder.isReady());
     references[8].resize(5);
     decoder.begin(c.settings, references, LetterDecoder::Source::File);
     EXPECT_FALSE(decoder.isReady());
@@ -265,16 +275,25 @@ TEST(LetterDecoder, NeedsFittingReferencesAndROIs) {
     EXPECT_EQ(decoder.currentVolume(), -1);
 }
 
+TEST(LetterDecoding, ABaseBehindTheWindowIsCut) {
+    DecoderSettings settings;
+    settings.MeanForPercSignalFrom = 1;
+    settings.MeanForPercSignalTo = 5;
+    const std::vector<float> window{3, 2, 6};
+    EXPECT_EQ(percentSignal(settings, std::span(window).first(2)), (std::vector<float>{150, 100}));
+    EXPECT_EQ(percentSignal(settings, std::span(window).first(1)), (std::vector<float>{3}));
+}
+
 TEST(LetterDecoding, ASlopeHasItsConstant) {
-    const std::vector<float> curve{5, 7, 6, 10}, reference{1, 2, 3, 4},
+    const std::vector<float> curve{5, 7, 6, 10}, reference{2, 3, 4, 5},
         flat{0.1f, 0.1f, 0.1f, 0.1f};
     float slope = 9.0f, constant = 9.0f;
     fitGLMForLetter(4, curve, reference, slope, constant);
     EXPECT_FLOAT_EQ(slope, 1.4f);
-    EXPECT_FLOAT_EQ(constant, 3.5f);
+    EXPECT_FLOAT_EQ(constant, 2.1f);
     fitGLMForLetter(3, curve, reference, slope, constant);
     EXPECT_FLOAT_EQ(slope, 0.5f);
-    EXPECT_FLOAT_EQ(constant, 5.0f);
+    EXPECT_FLOAT_EQ(constant, 4.5f);
     fitGLMForLetter(4, curve, flat, slope, constant);
     EXPECT_EQ(slope, 0.0f);
     EXPECT_FLOAT_EQ(constant, 7.0f);

@@ -195,7 +195,7 @@ def write_streams(rng, count):
         volumes = list("v" * rng.choice([c["points"], c["points"] + 2, 70]))
         for change in rng.choice(["", "c", "cb", "f", "fF"]):
             volumes.insert(rng.randrange(len(volumes)), change)
-        events = "".join(volumes + ["e"] + rng.choices("npp", k=6))
+        events = "".join(volumes + ["e", "e"] + rng.choices("npp", k=6))
         begin = "n" if seed % 5 == 0 else "p" if seed % 5 == 1 else ""
         text = "".join("%d%s" % (len(list(same)), event) for event, same in itertools.groupby(begin + events))
         print("stream", *["%s" % value for value in c.values()], int(live), text,
