@@ -32,7 +32,7 @@ double valueAt(const std::vector<double>& response, double milliseconds) {
 ReferenceCurves idealResponses(int nrOfPoints, double TR) {
     ReferenceCurves references;
     references.fill(std::vector<float>(size_t(std::max(nrOfPoints, 0)), float(fullPercent)));
-    if (!std::isfinite(TR) || TR <= 0.0)
+    if (!std::isfinite(TR))
         return references;
     const std::vector<double> response = lastingResponse();
     for (int r = 0; r < LetterCode::nrOfReferences; ++r) {

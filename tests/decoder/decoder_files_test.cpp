@@ -225,7 +225,9 @@ TEST_F(CurveFiles, OfflineCurvesAreOfThreeToSixROIs) {
          {seriesText(2, "1 2"), seriesText(7, "1 2"), seriesText(3, "1"), seriesText(3, "1 nan"),
           seriesText(3, "1 -1e39"), seriesText(3, "").replace("Values: 2", "Values: 0"),
           seriesText(3, "1 2").replace("Values: 2", "Values: 2147483647"),
-          referencesText(idealResponses(2, 2000.0)), QByteArray()}) {
+          QByteArray("FileVersion: 2 Type: DesignMatrix NrOfPredictors: 3 NrOfDataPoints: 1 "
+                     "\"a\" \"b\" \"c\" 1 2 3"),
+          QByteArray()}) {
         messages_.expectInformation("INFO - Problem loading RTC file with VOI time courses!");
         EXPECT_FALSE(load(loadOfflineCurves, text)) << text.left(200).toStdString();
     }

@@ -33,7 +33,8 @@ TEST(IdealResponses, AreThoseOfTheClosedForm) {
         expectCurve(idealResponses(row[1].toInt(), row[2].toDouble())[size_t(row[3].toInt())],
                     row.mid(4), 2e-4); // percent; of the steps of 1 ms
     }
-    for (const double TR : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()})
+    for (const double TR : {0.0, -1.0, std::numeric_limits<double>::infinity(),
+                            std::numeric_limits<double>::quiet_NaN()})
         EXPECT_EQ(idealResponses(3, TR)[8], std::vector<float>(3, 100.0f));
     EXPECT_TRUE(idealResponses(-1, 2000.0)[0].empty());
 }
@@ -139,10 +140,12 @@ TEST(EmpiricalResponses, SayWhyTheyCannotBeMade) {
           {.PostTrialDataPoints = std::numeric_limits<int>::max()},
           {.ShortestTaskDuration = 0}})
         EXPECT_FALSE(empiricalResponses(options, run, trainingProtocol(0), 2000.0));
-    // A duration without a trial, and times that can't be turned into volumes.
+    // A duration whose only trial begins behind the data, and times that can't be turned into
+    // volumes.
     StimulationProtocol protocol = trainingProtocol(0);
     for (const size_t c : {3, 6, 9})
         protocol.conditions[c].nrOfIntervals = 0;
+    protocol.addInterval(9, nrOfVolumes + 1, nrOfVolumes + 9);
     EXPECT_FALSE(empiricalResponses({}, run, protocol, 2000.0));
     EXPECT_FALSE(empiricalResponses({}, run, trainingProtocol(2000), 0.0));
 }

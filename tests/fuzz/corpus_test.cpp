@@ -25,14 +25,10 @@ int nrOfFilesTaken(const FuzzTarget& target, const QString& folder) {
 }
 
 TEST(FuzzCorpus, EveryTargetTakesItsFiles) {
-    for (const auto& targets :
-         {imageHeaderTargets(), textFileTargets(), journalTargets(), modelFileTargets(),
-          classificationTargets(), decoderTargets(), pluginTargets()})
-        for (const FuzzTarget& target : targets)
-            EXPECT_GT(nrOfFilesTaken(target,
-                                     QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/") + target.name),
-                      0)
-                << target.name;
+    for (const FuzzTarget& target : allTargets())
+        EXPECT_GT(
+            nrOfFilesTaken(target, QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/") + target.name), 0)
+            << target.name;
 }
 
 } // namespace

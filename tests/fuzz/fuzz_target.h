@@ -21,6 +21,16 @@ struct FuzzTarget {
 [[nodiscard]] std::vector<FuzzTarget> decoderTargets();
 [[nodiscard]] std::vector<FuzzTarget> pluginTargets();
 
+/// All of them, for the fuzzer and the test alike.
+[[nodiscard]] inline std::vector<FuzzTarget> allTargets() {
+    std::vector<FuzzTarget> all;
+    for (const auto& targets :
+         {imageHeaderTargets(), textFileTargets(), journalTargets(), modelFileTargets(),
+          classificationTargets(), decoderTargets(), pluginTargets()})
+        all.insert(all.end(), targets.begin(), targets.end());
+    return all;
+}
+
 /// Aborts when a parser breaks the contract of its header.
 inline void require(bool kept, const char* promise) {
     if (kept)

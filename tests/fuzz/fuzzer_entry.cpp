@@ -14,11 +14,9 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const auto run = [] {
-        for (const auto& targets : {imageHeaderTargets(), textFileTargets(), journalTargets(),
-                                    modelFileTargets(), classificationTargets()})
-            for (const FuzzTarget& target : targets)
-                if (std::string_view(target.name) == VELO_FUZZ_TARGET)
-                    return target.run;
+        for (const FuzzTarget& target : allTargets())
+            if (std::string_view(target.name) == VELO_FUZZ_TARGET)
+                return target.run;
         std::abort();
     }();
     run({data, size});
