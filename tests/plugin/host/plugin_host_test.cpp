@@ -79,6 +79,12 @@ TEST_F(PluginHostTest, CallsItInItsPlacesOfARun) {
     EXPECT_EQ(plugin.calls.size(), size_t(2 + 2 * volumes + 1));
     EXPECT_EQ(plugin.calls[1], "executeAtLaunch");
 
+    {
+        const PhaseScope cannotBegin(session.phase, Phase::Recording);
+        session.listeners.loopEnded(*session.functionalDocument);
+    }
+    EXPECT_EQ(plugin.calls.size(), size_t(2 + 2 * volumes + 1)) << "a run that did not begin";
+
     // It stays for the next run, and until its window is closed.
     expectWholeRun("second run");
     EXPECT_EQ(plugin.calls.size(), size_t(2 + 2 * (2 * volumes + 1)));
@@ -232,8 +238,10 @@ TEST_F(PluginHostTest, ShowsItsTimesAndNamesOneThatIsSlow) {
         pump.pumpWait(milliseconds);
         return true;
     };
-    plugin.on["executeBeforeVolume"] = [&] { return take(100); };
+    int before = 100;
+    plugin.on["executeBeforeVolume"] = [&] { return take(before); };
     plugin.on["executeAfterVolume"] = [&] {
+        EXPECT_EQ(session.report.times.pluginTime, before) << "so far";
         constexpr int times[volumes] = {20, 900, 901, 12, 1900, 12}; // at a TR of 2 s
         return take(times[session.report.currentVolume]);
     };
@@ -265,7 +273,7 @@ TEST_F(PluginHostTest, ShowsItsTimesAndNamesOneThatIsSlow) {
     EXPECT_TRUE(status[2].endsWith("<br>PluginTime: <b>1001</b> ms   <b>Scripted took more than "
                                    "half of the TR</b></body>"));
     // The next run begins anew; one without the plug-in has no such line.
-    plugin.on.erase("executeBeforeVolume");
+    before = 0;
     expectWholeRun("second run");
     EXPECT_EQ(lines[volumes],
               "Before volume: 0 ms   After volume: 20 ms   Longest: 20 ms (volume 1)");
