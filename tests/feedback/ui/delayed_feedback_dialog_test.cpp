@@ -44,16 +44,6 @@ TEST_F(DelayedFeedbackDialog, BeginsWithThePlannedProtocolAndItsDefaults) {
     EXPECT_EQ(dialog()->windowTitle(), "Delayed Feedback Settings");
     EXPECT_EQ(conditions(), (QStringList{"Fixation", "Faces", "Houses"}));
     EXPECT_EQ(applied(), DelayedFeedbackSettings{.condition = 1});
-    for (const char* name :
-         {"BaselineFromSpBx", "BaselineToSpBx", "ModulationFromSpBx", "ModulationToSpBx"})
-        EXPECT_TRUE(find<QSpinBox>(name)->minimum() == -999 &&
-                    find<QSpinBox>(name)->maximum() == 999);
-    EXPECT_EQ(find<QSpinBox>("UpdateFeedbackFileSpBx")->minimum(), 0);
-    EXPECT_EQ(find<QDoubleSpinBox>("ScaleFactorDSpBx")->minimum(), -99.0);
-    EXPECT_EQ(find<QDoubleSpinBox>("ScaleFactorDSpBx")->value(), 10.0);
-    EXPECT_EQ(find<QLineEdit>("DelayedFeedbackFileNameEd")->text(), "DelayedFeedback.txt");
-    EXPECT_TRUE(find<QLineEdit>("MessageEd")->isReadOnly() &&
-                find<QLineEdit>("MessageEd")->text().isEmpty());
     EXPECT_FALSE(find<QLabel>("MillisecondLbl")->isVisible());
 }
 
@@ -120,12 +110,4 @@ TEST_F(DelayedFeedbackDialog, FollowsRunsAndGoesWithTheSettingsFile) {
     EXPECT_TRUE(dialog()->isVisible());
     EXPECT_EQ(value("BaselineFromSpBx"), -8);
     EXPECT_TRUE(session.feedback.delayed());
-}
-
-TEST_F(DelayedFeedbackDialog, WithoutAUsableProtocolTheListIsEmpty) {
-    session.settings.StimulationProtocol = path("missing.prt");
-    messages.expectWarning("ERROR: Can not open protocol file: \"" + path("missing.prt") + "\" !");
-    openDelayedFeedbackDialog(session, window);
-    EXPECT_EQ(conditions(), QStringList());
-    EXPECT_EQ(applied().condition, -1);
 }

@@ -41,14 +41,10 @@ TEST_F(DryRunDialog, StepsAndPlaysThroughTheVolumes) {
     expectExplained(control<QDialog>("FeedbackDryRunDlg"));
     EXPECT_EQ(control<QSlider>("VolumeSlider").maximum(), 40);
     EXPECT_TRUE(label("ForecastLbl").contains("eedback"));
-    struct Press {
-        const char* button;
-        int volume;
-    };
-    for (const auto& [button, expected] :
-         {Press{"StepBackBtn", 1}, Press{"StepBtn", 2}, Press{"StepBtn", 3},
-          Press{"StepBackBtn", 2}, Press{"LastBtn", 40}, Press{"StepBtn", 40},
-          Press{"FirstBtn", 1}}) {
+    const std::pair<const char*, int> presses[] = {
+        {"StepBackBtn", 1}, {"StepBtn", 2},  {"StepBtn", 3}, {"StepBackBtn", 2},
+        {"LastBtn", 40},    {"StepBtn", 40}, {"FirstBtn", 1}};
+    for (const auto& [button, expected] : presses) {
         control(button).click();
         EXPECT_EQ(volume(), expected) << button;
     }
@@ -120,18 +116,15 @@ TEST_F(DryRunDialog, SavesPicturesWhereTheOperatorSaysOnly) {
 }
 
 TEST_F(DryRunDialog, SaysWhatIsMissing) {
-    struct Case {
-        QString line, value, text;
-    };
-    for (const auto& [line, value, text] :
-         {Case{"StimulationProtocol", "<none>", "names no protocol"},
-          Case{"StimulationProtocol", "gone.prt", "gone.prt\" can not be read"},
-          Case{"RealTimeProtocol", "x.rtp", "arrives during the run"}}) {
+    const std::tuple<QString, QString, const char*> cases[] = {
+        {"<none>", "", "names no protocol"},
+        {"gone.prt", "", "gone.prt\" can not be read"},
+        {"<none>", "x.rtp", "arrives during the run"}};
+    for (const auto& [protocol, arriving, text] : cases) {
         session.settings = {};
         session.settings.NrOfVolumes = 40;
-        session.settings.StimulationProtocol = line[0] == 'S' ? value : "<none>";
-        session.settings.RealTimeProtocol = line[0] == 'R' ? value : "";
-        EXPECT_TRUE(missingForDryRun(session, session.feedback.protocol()).contains(text))
-            << text.toStdString();
+        session.settings.StimulationProtocol = protocol;
+        session.settings.RealTimeProtocol = arriving;
+        EXPECT_TRUE(missingForDryRun(session, session.feedback.protocol()).contains(text)) << text;
     }
 }
