@@ -11,47 +11,41 @@
 
 namespace {
 
-class DryRunDialog : public SessionFixture {
+class DryRunDialog : public SessionFixture, protected DrivenWindow {
 protected:
     DryRunDialog() { writeSession(40, 0); }
     /// Opens the dialog for the current settings.
     void open() {
         EXPECT_TRUE(session.inspectSettings());
         openFeedbackDryRunDialog(
-            session, window_, [this](const SubjectPicture& picture) { shown_ << picture.frame; });
+            session, window, [this](const SubjectPicture& picture) { shown_ << picture.frame; });
     }
-    template<typename Widget = QAbstractButton> Widget& control(const char* name) {
-        auto* widget = window_.findChild<Widget*>(name);
-        EXPECT_NE(widget, nullptr) << name;
-        return *widget;
-    }
-    int volume() { return control<QSlider>("VolumeSlider").value(); }
-    QString label(const char* name) { return control<QLabel>(name).text(); }
-    void tick() { QMetaObject::invokeMethod(&control<QDialog>("FeedbackDryRunDlg"), "advance"); }
-    bool plays() { return control("PlayBtn").text() == "&Pause"; }
+    int volume() { return find<QSlider>("VolumeSlider").value(); }
+    QString label(const char* name) { return find<QLabel>(name).text(); }
+    void tick() { QMetaObject::invokeMethod(&find<QDialog>("FeedbackDryRunDlg"), "advance"); }
+    bool plays() { return find<QAbstractButton>("PlayBtn").text() == "&Pause"; }
 
     QList<FeedbackFrame> shown_;
-    QWidget window_; ///< goes before the session, and the dialog with it
 };
 
 } // namespace
 
 TEST_F(DryRunDialog, StepsAndPlaysThroughTheVolumes) {
     open();
-    expectExplained(control<QDialog>("FeedbackDryRunDlg"));
-    EXPECT_EQ(control<QSlider>("VolumeSlider").maximum(), 40);
+    expectExplained(find<QDialog>("FeedbackDryRunDlg"));
+    EXPECT_EQ(find<QSlider>("VolumeSlider").maximum(), 40);
     EXPECT_TRUE(label("ForecastLbl").contains("eedback"));
     const std::pair<const char*, int> presses[] = {
         {"StepBackBtn", 1}, {"StepBtn", 2},  {"StepBtn", 3}, {"StepBackBtn", 2},
         {"LastBtn", 40},    {"StepBtn", 40}, {"FirstBtn", 1}};
     for (const auto& [button, expected] : presses) {
-        control(button).click();
+        click(button);
         EXPECT_EQ(volume(), expected) << button;
     }
-    control("LastBtn").click();
-    control("PlayBtn").click();
+    click("LastBtn");
+    click("PlayBtn");
     EXPECT_EQ(volume(), 1) << "at the end it begins anew";
-    control<QSlider>("VolumeSlider").setValue(39);
+    find<QSlider>("VolumeSlider").setValue(39);
     EXPECT_TRUE(plays());
     tick();
     EXPECT_EQ(volume(), 40);
@@ -61,9 +55,9 @@ TEST_F(DryRunDialog, StepsAndPlaysThroughTheVolumes) {
 
 TEST_F(DryRunDialog, FollowsTheChoicesAndShowsThemToTheSubjectIfWanted) {
     open();
-    control("LastBtn").click();
+    click("LastBtn");
     EXPECT_TRUE(shown_.isEmpty());
-    control("SubjectScreenOp").click();
+    click("SubjectScreenOp");
     ASSERT_EQ(shown_.size(), 1);
     session.feedback.change([](FeedbackChoices& choices) { choices.DisplayBaseLevel = 4; });
     EXPECT_EQ(shown_.last().baseLevel, 4);
@@ -71,30 +65,30 @@ TEST_F(DryRunDialog, FollowsTheChoicesAndShowsThemToTheSubjectIfWanted) {
         [](FeedbackChoices& choices) { choices.type = FeedbackType::TimeCourse; });
     EXPECT_EQ(shown_.last().kind, FeedbackFrame::Kind::TimeCourse);
     EXPECT_TRUE(label("ForecastLbl").contains("curve"));
-    control<QDialog>("FeedbackDryRunDlg").hide();
+    find<QDialog>("FeedbackDryRunDlg").hide();
     EXPECT_EQ(shown_.last(), FeedbackFrame());
 }
 
 TEST_F(DryRunDialog, RestsDuringARunAndGoesWithTheSettingsFile) {
     open();
-    control("SubjectScreenOp").click();
-    control("PlayBtn").click();
+    click("SubjectScreenOp");
+    click("PlayBtn");
     script.atVolume = [&](int at) {
         if (at != 20)
             return;
         shown_.clear();
         EXPECT_FALSE(plays());
         for (const char* button : {"PlayBtn", "StepBtn"})
-            control(button).click();
+            click(button);
         EXPECT_TRUE(label("ReadOutLbl").startsWith("A run is measured"));
         EXPECT_TRUE(shown_.isEmpty());
     };
     session.runButtonPressed();
-    control("StepBtn").click();
+    click("StepBtn");
     EXPECT_TRUE(label("ReadOutLbl").startsWith("Volume 2 of 40"));
     session.changeSettingsFile(path("test-1.vco"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_EQ(window_.findChild<QDialog*>(), nullptr);
+    EXPECT_EQ(window.findChild<QDialog*>(), nullptr);
 }
 
 TEST_F(DryRunDialog, SavesPicturesWhereTheOperatorSaysOnly) {
@@ -104,14 +98,14 @@ TEST_F(DryRunDialog, SavesPicturesWhereTheOperatorSaysOnly) {
     session.settings.FeedbackTargetFolder = path("feedback/");
     messages.expectFileChoice("Save Pictures", path("feedback/x.png"));
     messages.expectWarning("ERROR: \"" + path("feedback/") + "\" is the feedback folder*");
-    control("SaveBtn").click();
+    click("SaveBtn");
     messages.expectFileChoice("Save Pictures", path("pictures/dry.png"));
-    control("SaveBtn").click();
-    for (int i = 0; i < 100000 && control("SaveBtn").text() == "&Stop Saving"; ++i)
+    click("SaveBtn");
+    for (int i = 0; i < 100000 && find<QAbstractButton>("SaveBtn").text() == "&Stop Saving"; ++i)
         QCoreApplication::processEvents();
     EXPECT_EQ(label("ReadOutLbl"), "40 pictures were saved.");
     EXPECT_EQ(QDir(path("pictures")).entryList(QDir::Files).size(), 40);
-    EXPECT_EQ(QImage(path("pictures/dry-40.png")).size(), control<QWidget>("PictureArea").size());
+    EXPECT_EQ(QImage(path("pictures/dry-40.png")).size(), find<QWidget>("PictureArea").size());
     EXPECT_TRUE(QDir(path("feedback")).isEmpty());
 }
 
