@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "feedback/delayed_feedback.h"
 
+#include "support/conditions.h"
 #include "support/files.h"
 #include "support/scripted_messages.h"
 
@@ -63,10 +64,8 @@ TEST(DelayedPercentChange, WithoutASignalThereIsNoEstimate) {
 
 TEST(DueTrial, IsTheLatestAtExactlyTheVolumeOfItsUpdate) {
     StimulationProtocol protocol;
-    (void)protocol.conditionIndex("Rest");
-    const int condition = protocol.conditionIndex("Faces");
-    for (const int from : {3, 50, 20, 30, 20})
-        ASSERT_TRUE(protocol.addInterval(condition, from, from + 3));
+    addCondition(protocol, "Rest", {});
+    addCondition(protocol, "Faces", {{3, 6}, {50, 53}, {20, 23}, {30, 33}, {20, 23}});
     struct Case {
         int update, skipped, volume;
         int trial; ///< -1 for none
@@ -83,8 +82,8 @@ TEST(DueTrial, IsTheLatestAtExactlyTheVolumeOfItsUpdate) {
     };
     for (const Case& test : cases) {
         const std::optional<DueTrial> due =
-            dueTrial({.condition = condition, .UpdateFeedbackFile = test.update}, protocol,
-                     test.skipped, test.volume);
+            dueTrial({.condition = 1, .UpdateFeedbackFile = test.update}, protocol, test.skipped,
+                     test.volume);
         EXPECT_EQ(due ? due->index : -1, test.trial) << test.update << ' ' << test.volume;
         EXPECT_EQ(due ? due->onset : 0, test.onset) << test.update << ' ' << test.volume;
     }
