@@ -61,7 +61,7 @@ TEST(DryRun, SaysFromWhichVolumeOnThereIsFeedbackAndWhyNotBefore) {
         {"its end is not live", {{1, 6}, {8, 20}, {31, 40}}, 70, 31, "before the first"},
         {"5 volumes: 3 are left", {{1, 10}, {16, 25}, {36, 40}}, 70, 36, "fewer than 4"},
         {"6 volumes: 4 are left", {{1, 10}, {17, 25}}, 70, 17, "volumes 11 to 16"},
-        {"a later block takes it away", {{11, 20}, {31, 40}, {43, 50}}, 70, 31, "44 on the level"},
+        {"hidden later", {{11, 20}, {31, 40}, {43, 50}}, 70, 31, "volume 44 on the level is 0"},
         {"no block ends", {}, 70, -1, "\"Rest\" ends"},
         {"the run ends first", blocks, 31, -1, "the run ends first"},
         {"too short a run", blocks, 10, -1, "no feedback"},
@@ -71,7 +71,7 @@ TEST(DryRun, SaysFromWhichVolumeOnThereIsFeedbackAndWhyNotBefore) {
         {"no model", {}, 70, -1, "no model", ofModel},
         {"a curve", blocks, 70, 10, "curve is shown from volume 11", curve},
         {"a classifier", blocks, 70, 0, "classifier", classifier},
-        {"a long end shift", blocks, 70, 38, "one volume, the latest one up to volume", longShift},
+        {"long end shift", blocks, 70, 38, "one volume, the latest one up to volume 14", longShift},
         {"blocked", blocks, 70, 31, "boxes stay empty", blocked}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

@@ -84,6 +84,23 @@ TEST_F(MultiVoxelDialog, BeginsWithItsDefaults) {
         EXPECT_EQ(pages.currentWidget()->objectName(), page);
         expectExplained(dialog());
     }
+    const std::pair<const char*, const char*> texts[] = {
+        {"UseConditionDurationForTrialWindowOp", "Use trial duration"},
+        {"UseStandard2GammaOp", "Use 2gamma HRF"},
+        {"UseAdjusted2GammaOp", "Fit 2Gamma to individual response"},
+        {"UseEmpiricalMeanResponseAsPredictorOp", "Use mean response as pred shape"},
+        {"AddTrialLinearTrendOp", "Linear trend"},
+        {"cAddTrialDerivativeOp", "Derivative"},
+        {"CreateSingleTrialEstimatesAsTsOp", "T values"},
+        {"CreateSingleTrialEstimatesAsBetasOp", "Betas"},
+        {"CreateSingleTrialEstimatesAsPercBetasOp", "Betas (% change)"},
+        {"zNormalizationOp", "z normalization"},
+        {"MultiClassOp", "Multi-class"},
+        {"CreateTrainingMVPOp", "Training data"},
+        {"NFoldCrossValidationOp", "Cross-validation,"},
+        {"FoldsByRunOp", "Leave one run out"}};
+    for (const auto& [name, text] : texts)
+        EXPECT_EQ(find<QAbstractButton>(name).text().remove('&'), text);
     QStringList checked;
     for (const auto* button : window.findChildren<QAbstractButton*>())
         if (button->isChecked())

@@ -48,6 +48,7 @@ protected:
 TEST_F(RealTimeSVMDialog, BeginsWithItsDefaultsAndEditsTheSession) {
     expectExplained(*dialog());
     EXPECT_EQ(dialog()->windowTitle(), "Real-Time SVM Classification");
+    EXPECT_EQ(find<QGroupBox>(groups[2]).title().remove('&'), "Continous TR-by-TR prediction");
     EXPECT_TRUE(find<QPlainTextEdit>("LogPredictionsTxEd")
                     .toPlainText()
                     .endsWith("Loaded \"VoxelsUsedForTraining.txt\" file containing 2 voxels"));

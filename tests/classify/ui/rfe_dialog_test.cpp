@@ -44,6 +44,7 @@ protected:
 
 TEST_F(RFEDialog, ExplainsItselfAndOpensOnce) {
     expectExplained(dialog());
+    EXPECT_EQ(dialog().windowTitle(), "Recursive Feature Elimination");
     openRFEDialog(session, window);
     EXPECT_EQ(window.findChildren<RFEDlg*>().size(), 1);
     EXPECT_EQ(dialog().options(), EliminationOptions());

@@ -230,6 +230,7 @@ TEST_F(RegionPlots, FixedPlotsAreKeptAndFurtherRegionsFloat) {
     EXPECT_EQ(contentOf("TimeCourse3").curves[0].color, QColor(88, 80, 255));
     auto* fourth = find<QWidget>("RegionSlot4");
     EXPECT_TRUE(fourth->isWindow());
+    EXPECT_EQ(fourth->windowTitle(), "ROI Signal Time Course");
 
     // Closing a window leaves its region, which is shown again on demand.
     fourth->close();
@@ -328,6 +329,8 @@ TEST_F(RegionPlots, AveragesFollowTheRun) {
     find<QToolButton>("AverageBtn")->click();
     ASSERT_TRUE(averages());
     const PlotContent& content = averages()->findChild<Plotter*>()->content();
+    EXPECT_EQ(content.xLabel, "Time (scans)");
+    EXPECT_EQ(content.yLabel, "fMRI response (% BOLD signal)");
     EXPECT_EQ(content.xStart, -2.0);
     ASSERT_EQ(content.curves.size(), 2u); // not that of "Rest"
     ASSERT_EQ(content.curves[0].errors.size(), 13u);

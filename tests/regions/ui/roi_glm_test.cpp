@@ -128,6 +128,8 @@ TEST_F(RegionModel, IsChosenInADialogAndShownInTwoWindows) {
     auto& plot = find<Plot2DDlg>("GLMPlot");
     auto& browser = find<QTextBrowser>("InformationBrowser");
     EXPECT_TRUE(plot.isVisible() && browser.isVisible());
+    EXPECT_EQ(plot.windowTitle(), "GLM - Data, Model and Residuals");
+    EXPECT_EQ(browser.window()->windowTitle(), "ROI Time Course - GLM Results");
     EXPECT_TRUE(browser.toPlainText().contains("After Correction of Serial Correlations"));
     expectExplained(*window.findChild<InformationBrowserDlg*>());
 
