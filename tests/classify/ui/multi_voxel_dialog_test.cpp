@@ -107,6 +107,8 @@ TEST_F(MultiVoxelDialog, BeginsWithItsDefaults) {
             checked << button->objectName();
     EXPECT_EQ(checked.join(' '),
               "UseStandard2GammaOp CreateSingleTrialEstimatesAsTsOp CreateTrainingMVPOp");
+    EXPECT_EQ(find<QComboBox>("KernelsCmBx").itemText(2), "RBF");
+    EXPECT_EQ(find<QPlainTextEdit>("LogPredictionsTxEd").font().family(), "Courier New");
     for (const char* name : {"FitHRFParamsOptionsBtn", "PlotPatternsBtn", "TrainSVMBtn",
                              "TestSVMBtn", "ShowWeightsBtn", "ConfusionTableBtn"})
         EXPECT_FALSE(enabled(name)) << name;
@@ -157,13 +159,16 @@ TEST_F(MultiVoxelDialog, TrainsAClassifierFromARunOnDisk) {
     EXPECT_EQ(listed("VOIsLsWdg"), QStringList("ROI 1"));
     estimate();
     EXPECT_EQ(listed("InputTCDataLsWdg"), QStringList("test.fmr"));
+    EXPECT_EQ(find<QListWidget>("InputTCDataLsWdg").item(0)->toolTip(), path("results/test.fmr"));
     EXPECT_EQ(listed("ConditionsLsWdg"), QStringList({"Fixation", "Faces", "Houses", "Tools"}));
     EXPECT_EQ(find<QListWidget>("ConditionsLsWdg").selectedItems().size(), 3);
     EXPECT_EQ(listed("TrialDataFilesLsWdg"), QStringList("test_Trials.fmp"));
     EXPECT_EQ(find<QComboBox>("SelectedClass2CmBx").currentText(), "Houses");
 
     click("CreateMVPBtn");
-    EXPECT_EQ(fileIn("ROITrainingDataFileEd"), "Train_ROI 1_Faces-Houses_4-4.mvp");
+    const QString patterns = "Train_ROI 1_Faces-Houses_4-4.mvp";
+    EXPECT_EQ(fileIn("ROITrainingDataFileEd"), patterns);
+    EXPECT_EQ(find<QLineEdit>("ROITrainingDataFileEd").toolTip(), path("results/" + patterns));
     click("PlotPatternsBtn");
     EXPECT_EQ(find<MatrixPlotterDlg>("PatternPlot").plotter().nrOfMatrices(), 2);
 

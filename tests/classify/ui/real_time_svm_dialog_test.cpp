@@ -48,6 +48,7 @@ protected:
 TEST_F(RealTimeSVMDialog, BeginsWithItsDefaultsAndEditsTheSession) {
     expectExplained(*dialog());
     EXPECT_EQ(dialog()->windowTitle(), "Real-Time SVM Classification");
+    EXPECT_EQ(find<QPlainTextEdit>("LogPredictionsTxEd").font().family(), "Courier New");
     EXPECT_EQ(find<QGroupBox>(groups[2]).title().remove('&'), "Continous TR-by-TR prediction");
     EXPECT_TRUE(find<QPlainTextEdit>("LogPredictionsTxEd")
                     .toPlainText()
@@ -98,6 +99,7 @@ TEST_F(RealTimeSVMDialog, PredictsDuringARunAndShowsIt) {
     click("PredictBtn");
     EXPECT_EQ(predictText(), "Predict");
     chooseModel();
+    EXPECT_EQ(find<QLineEdit>("TrainedClassifierFileEd").toolTip(), path("results/Model_a.svm"));
     click("PredictBtn");
     EXPECT_EQ(predictText(), "Predicting...");
     EXPECT_FALSE(find<QPushButton>("SelectTrainedClassfierFileBtn").isEnabled());

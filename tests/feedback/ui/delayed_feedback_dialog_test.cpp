@@ -37,6 +37,8 @@ TEST_F(DelayedFeedbackDialog, BeginsWithThePlannedProtocolAndItsDefaults) {
     EXPECT_EQ(dialog()->windowTitle(), "Delayed Feedback Settings");
     EXPECT_EQ(conditions(), (QStringList{"Fixation", "Faces", "Houses"}));
     EXPECT_EQ(applied(), DelayedFeedbackSettings{.condition = 1});
+    EXPECT_EQ(find<QDoubleSpinBox>("ScaleFactorDSpBx").value(), 10.0);
+    EXPECT_EQ(find<QLineEdit>("DelayedFeedbackFileNameEd").text(), "DelayedFeedback.txt");
     EXPECT_FALSE(find<QLabel>("MillisecondLbl").isVisible());
 }
 

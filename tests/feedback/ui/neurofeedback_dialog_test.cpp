@@ -148,6 +148,7 @@ TEST_F(NeurofeedbackDialog, ModesAreThoseOfTheRegions) {
         arrive(regions);
         EXPECT_EQ(modes(), expected[regions]);
         EXPECT_EQ(find<QRadioButton>("AverageROIsOp").isEnabled(), regions >= 2);
+        EXPECT_EQ(find<QRadioButton>("VisualizeMultipleROIsOp").isEnabled(), regions >= 2);
     }
     for (int mode = 0; mode < nrOfROIModes; ++mode)
         for (int clicks = 0; clicks < 2; ++clicks) {
