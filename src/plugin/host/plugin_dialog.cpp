@@ -7,6 +7,8 @@
 #include "ui_plugin_dialog.h"
 
 #include <QCloseEvent>
+#include <QScrollBar>
+#include <QTextCursor>
 
 PluginDlg::PluginDlg(const QString& pluginName, const SessionPhase& phase, QWidget& window)
     : QDialog(&window), phase_(phase), form_(std::make_unique<Ui::PluginDlg>()) {
@@ -35,8 +37,17 @@ void PluginDlg::leave() {
     Q_EMIT closed();
 }
 
+// As plain text, also where it looks like HTML: "a < b".
 void PluginDlg::log(const QString& text) {
-    form_->LogTxt->append(text);
+    QScrollBar& bar = *form_->LogTxt->verticalScrollBar();
+    const bool showsLatest = bar.value() == bar.maximum();
+    QTextCursor end(form_->LogTxt->document());
+    end.movePosition(QTextCursor::End);
+    if (!form_->LogTxt->document()->isEmpty())
+        end.insertBlock();
+    end.insertText(text);
+    if (showsLatest)
+        bar.setValue(bar.maximum());
 }
 
 void PluginDlg::showTimes(const QString& text, bool warning) {
