@@ -207,6 +207,35 @@ TEST_F(PluginHostTest, ItsWindowMayBeClosedAtAnyTime) {
         }
 }
 
+TEST_F(PluginHostTest, ARunThatIsStoppedInACallIsSaved) {
+    PluginScript& plugin = addScripted();
+    const std::function<void()> stop = [this] { session.runButtonPressed(); };
+    // As a signal to end does: open dialogs are cancelled, and nothing is waited for any more.
+    const std::function<void()> endProgram = [this] {
+        pump.giveUpWaiting();
+        dialog()->close();
+        session.requestStop();
+    };
+    messages.acceptAnything();
+    launch();
+    for (const auto& [end, place] : {std::pair(stop, "executeBeforeVolume"),
+                                     {stop, "executeAfterVolume"},
+                                     {endProgram, "executeAfterVolume"}}) {
+        plugin.calls.clear();
+        plugin.on = {{place, [&, &end = end] {
+                          if (session.report.currentVolume == 2)
+                              end();
+                          return true;
+                      }}};
+        runAgain();
+        EXPECT_EQ(volumesIn("results"), 3);
+        EXPECT_TRUE(session.report.savedCompletely);
+        EXPECT_EQ(std::ranges::count(plugin.calls, "executeBeforeVolume"), 3);
+        EXPECT_EQ(plugin.calls.back(), pump.waitsGivenUp() ? "destructor" : "executeAfterRun");
+    }
+    expectClosed(plugin, "the program ends");
+}
+
 TEST_F(PluginHostTest, NoCallIsMadeWhileAnotherWaits) {
     PluginScript& plugin = addScripted();
     plugin.on["executeAtLaunch"] = [this] {

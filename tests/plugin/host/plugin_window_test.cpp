@@ -8,6 +8,7 @@
 
 #include <QTextBlock>
 #include <QTextEdit>
+#include <QTimer>
 #include <QToolButton>
 
 class PluginWindow : public MainWindow {
@@ -92,4 +93,29 @@ TEST_F(PluginWindow, TheEndOfTheProgramClosesThePlugin) {
     window_.reset();
     EXPECT_EQ(script.alive, 0);
     EXPECT_EQ(script.calls.back(), "destructor");
+}
+
+// As a signal to end does it, while the plug-in waits in a dialog.
+TEST_F(PluginWindow, TheEndOfTheProgramMayComeInAnyCall) {
+    for (const char* operation : {"initPlugin", "executeAtLaunch", "destructor"}) {
+        PluginScript& script = scriptOf(addPlugin(folders_.pluginsPath, "scripted"));
+        int rejected = 0;
+        script.on = {{operation, [&] {
+                          QDialog box(window_.get());
+                          QObject::connect(&box, &QDialog::rejected, [&] { ++rejected; });
+                          QTimer::singleShot(0, [this] { window_->endProgramOrderly(); });
+                          box.exec();
+                          EXPECT_EQ(script.alive, 1) << operation;
+                          return true;
+                      }}};
+        window_->show();
+        entries("&Plugins").at(1)->trigger();
+        if (auto* dialog = window_->findChild<PluginDlg*>("PluginDlg"))
+            dialog->close();
+        EXPECT_EQ(rejected, 1) << operation;
+        EXPECT_FALSE(window_->isVisible()) << operation;
+        EXPECT_EQ(script.alive, 0) << operation;
+        script.on.clear();
+        QDir(folders_.pluginsPath).removeRecursively();
+    }
 }
