@@ -17,7 +17,6 @@ PluginDlg::PluginDlg(const QString& pluginName, const SessionPhase& phase, QWidg
     setWindowTitle(pluginName);
     constexpr int mostLines = 10'000;
     form_->LogTxt->document()->setMaximumBlockCount(mostLines);
-    form_->TimesLbl->setTextFormat(Qt::PlainText);
     setHelpFile({});
     prepareDialog(*this);
     resize(600, 400);
