@@ -19,7 +19,6 @@ PluginDlg::PluginDlg(const QString& pluginName, const SessionPhase& phase, QWidg
     form_->LogTxt->document()->setMaximumBlockCount(mostLines);
     setHelpFile({});
     prepareDialog(*this);
-    resize(600, 400);
     connect(form_->HelpBtn, &QToolButton::clicked, this, [this] { openHelpFile(helpFile_); });
     form_->LogTxt->viewport()->installEventFilter(this);
 }

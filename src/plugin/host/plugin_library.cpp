@@ -55,7 +55,6 @@ QString PluginLibrary::text(const char* function) {
 }
 
 VeloCortivoPlugin* PluginLibrary::create() {
-    fault_.clear();
     const auto call = resolved<VeloCortivoPlugin* (*)()>(library_, "createPlugin");
     if (!call)
         return nullptr;
