@@ -71,7 +71,7 @@ bool isLoadedCode(const void* address) {
 }
 
 QString pluginObjectFault(const VeloCortivoPlugin* plugin) {
-    const QString noPlugin = QStringLiteral("The object of createPlugin() is no plug-in.");
+    const QString noPlugin = QStringLiteral("The object of createPlugin() is not a plug-in.");
     if (!plugin || !isAligned(plugin))
         return noPlugin;
     const auto* table = *reinterpret_cast<const void* const* const*>(plugin);

@@ -108,7 +108,9 @@ TEST_F(PluginHostTest, SaysWhyItCouldNotLaunch) {
         EXPECT_TRUE(!reason.contains("cut") || QFile::resize(file, 5000));
         messages.expectWarning("Could not launch plugin \"" + file + "\"." +
                                (reason.isEmpty() ? "" : "\n\n" + reason));
+        EXPECT_TRUE(session.pluginMaps.registerMaps(1)) << "as its createPlugin() may do";
         host.launch(0);
+        EXPECT_EQ(nrOfMaps(), 0) << name;
         EXPECT_EQ(host.activePath(), "") << name;
         EXPECT_EQ(dialog(), nullptr) << name;
     }
@@ -213,8 +215,57 @@ TEST_F(PluginHostTest, ItsWindowMayBeClosedAtAnyTime) {
         }
 }
 
+TEST_F(PluginHostTest, ARunThatIsStoppedInACallIsSaved) {
+    PluginScript& plugin = addScripted();
+    const std::function<void()> stop = [this] { session.runButtonPressed(); };
+    // As a signal to end does: open dialogs are cancelled, and nothing is waited for any more.
+    const std::function<void()> endProgram = [this] {
+        pump.giveUpWaiting();
+        dialog()->close();
+        session.requestStop();
+    };
+    messages.acceptAnything();
+    launch();
+    for (const auto& [end, place] : {std::pair(stop, "executeBeforeVolume"),
+                                     {stop, "executeAfterVolume"},
+                                     {endProgram, "executeAfterVolume"}}) {
+        plugin.calls.clear();
+        plugin.on = {{place, [&, &end = end] {
+                          if (session.report.currentVolume == 2)
+                              end();
+                          return true;
+                      }}};
+        runAgain();
+        EXPECT_EQ(volumesIn("results"), 3);
+        EXPECT_TRUE(session.report.savedCompletely);
+        EXPECT_EQ(std::ranges::count(plugin.calls, "executeBeforeVolume"), 3);
+        EXPECT_EQ(plugin.calls.back(), pump.waitsGivenUp() ? "destructor" : "executeAfterRun");
+    }
+    expectClosed(plugin, "the program ends");
+}
+
+TEST_F(PluginHostTest, IsCalledWhereverVolumesAreAnalysedAnew) {
+    PluginScript& plugin = addScripted();
+    const QString journal = recordJournal();
+    launch();
+    for (const auto& [purpose, folder] :
+         {std::pair(PlayPurpose::Replay, path("again/")), {PlayPurpose::Recover, QString()}}) {
+        plugin.calls.clear();
+        EXPECT_TRUE(session.playJournal({journal, {}, folder, false}, purpose));
+        EXPECT_EQ(plugin.calls.size(), size_t(2 * volumes + 1));
+    }
+    plugin.calls.clear();
+    Reporter reporter;
+    EXPECT_TRUE(session.reloadData());
+    EXPECT_TRUE(postprocess(reporter));
+    EXPECT_TRUE(plugin.calls.empty());
+    session.changeSettingsFile(path("other.vco"));
+    EXPECT_TRUE(host.isRunning());
+}
+
 TEST_F(PluginHostTest, NoCallIsMadeWhileAnotherWaits) {
     PluginScript& plugin = addScripted();
+    plugin.on["initPlugin"] = [this] { return host.menuRows().empty(); };
     plugin.on["executeAtLaunch"] = [this] {
         // As in a dialog, while the timer starts the next run.
         EXPECT_TRUE(host.menuRows().empty());
@@ -272,6 +323,9 @@ TEST_F(PluginHostTest, ShowsItsTimesAndNamesOneThatIsSlow) {
     EXPECT_TRUE(status[1].endsWith("<br>PluginTime: <b>1000</b> ms</body>"));
     EXPECT_TRUE(status[2].endsWith("<br>PluginTime: <b>1001</b> ms   <b>Scripted took more than "
                                    "half of the TR</b></body>"));
+    PluginTimes launchedBetween;
+    launchedBetween.after = 5;
+    EXPECT_EQ(launchedBetween.ofVolume(), 5);
     // The next run begins anew; one without the plug-in has no such line.
     before = 0;
     expectWholeRun("second run");
