@@ -97,6 +97,7 @@ void PluginHost::endAtLaunch() {
     deletePlugin();
     parts_.display.showLogText(
         pluginEndedText(parts_.session.requests.logFontSize, description_.name));
+    endedAtLaunch_ = description_.name;
 }
 
 void PluginHost::close() {
