@@ -98,6 +98,7 @@ void PluginHost::endAtLaunch() {
     deletePlugin();
     parts_.display.showLogText(
         pluginEndedText(parts_.session.requests.logFontSize, description_.name));
+    endedAtLaunch_ = description_.name;
 }
 
 void PluginHost::close() {

@@ -7,6 +7,7 @@
 #include "support/dialog_checks.h"
 
 #include <QTextBlock>
+#include <QTextBrowser>
 #include <QTextEdit>
 #include <QTimer>
 #include <QToolButton>
@@ -67,6 +68,23 @@ TEST_F(PluginWindow, StandsBesideTheMainWindowAndKeepsTheLatestLines) {
     control<QToolButton>("HelpBtn").click();
     PluginDlg withoutHelp("Plug-in", window_->session().phase, *window_);
     EXPECT_TRUE(withoutHelp.findChild<QToolButton*>("HelpBtn")->isHidden());
+}
+
+TEST_F(PluginWindow, ThePanelKeepsSayingThatNoOtherCanBeLaunched) {
+    PluginScript& script = scriptOf(addPlugin(folders_.pluginsPath, "scripted"));
+    script.on["executeAtLaunch"] = [] { return false; };
+    entries("&Plugins").at(1)->trigger();
+    const auto panel = [this] { return control<QTextBrowser>("LogInfos").toPlainText(); };
+    const QString atLaunch = panel();
+    const QString note = "\"Scripted\" has ended at its launch.";
+    EXPECT_EQ(atLaunch.count(note), 1);
+    window_->timerCheckState(); // as once a second
+    EXPECT_NE(panel(), atLaunch);
+    EXPECT_EQ(panel().count(note), 1);
+    prepare(1);
+    runOver();
+    window_->refreshControls();
+    EXPECT_EQ(panel().count(note), 1);
 }
 
 TEST_F(PluginWindow, EscapeStopsARunButDoesNotCloseIt) {
