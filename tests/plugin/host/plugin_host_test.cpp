@@ -98,6 +98,7 @@ TEST_F(PluginHostTest, SaysWhyItCouldNotLaunch) {
     const std::pair<const char*, QString> rows[] = {
         {"data_for_functions", ""},
         {"null_object", "createPlugin() gave no object."},
+        {"stray_object", "The object of createPlugin() is not a plug-in."},
         {"throwing_create", "createPlugin: no device"},
         {"missing_slots", damaged},
         {"scripted", "The file is cut short."}};
