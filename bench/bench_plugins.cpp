@@ -186,7 +186,9 @@ int main(int argc, char** argv) {
     std::printf("Milliseconds of processor time for a volume, the last %d of %d, %d runs each\n",
                 int(nrOfMeasured), nrOfVolumes, rounds);
     const QString plugins = QCoreApplication::applicationDirPath() + "/../plugin_examples/";
+    const int slices = argc > 1 ? std::atoi(argv[1]) : 0; // of the only size; 0 for all
     for (const HeadRunSize& size : headRunSizes)
-        measure(size, plugins);
+        if (slices == 0 || slices == size.slices)
+            measure(size, plugins);
     return 0;
 }
