@@ -1,6 +1,7 @@
 // Times of the slice view for one volume: grey images, mosaic with maps, drawing into the view.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/region_marks.h"
+#include "display/shown_maps.h"
 #include "display/slice_mosaic.h"
 #include "processor_time.h"
 #include "stats/clusters.h"
@@ -45,6 +46,22 @@ bool fillMaps(StatisticalMaps& maps, const Size& size) {
     OverlayThresholds thresholds;
     computeClusterSizes(maps, thresholds, false);
     return true;
+}
+
+/// The same values as maps of a plug-in.
+RegisteredPluginMaps copyToPluginMaps(QtCortivoDoc& document) {
+    RegisteredPluginMaps registered;
+    registered.registerMaps(nrOfMaps);
+    registered.shown = true;
+    const StatisticalMaps& maps = document.maps;
+    if (!document.pluginMaps.allocate(nrOfMaps, maps.size))
+        return {};
+    for (int map = 0; map < nrOfMaps; ++map) {
+        registered.setState(map, ContrastBoth);
+        std::ranges::copy(maps.map(map), document.pluginMaps.PluginMaps.data() +
+                                             size_t(map) * maps.size.samples());
+    }
+    return registered;
 }
 
 /// Together they hold each voxel once.
@@ -92,6 +109,12 @@ void measure(const Size& size) {
     const double contrasts = medianTime(runs, compose);
     document.SignificanceColorCoding = true;
     const double significance = medianTime(runs, compose);
+    document.SignificanceColorCoding = false;
+    const RegisteredPluginMaps registered = copyToPluginMaps(document);
+    const double plugin = medianTime(runs, [&] {
+        source.maps = shownMaps(document, registered);
+        (void)composeSliceMosaic(mosaic, source);
+    });
     QImage view(700, 560, QImage::Format_RGB32);
     const double drawn = medianTime(runs, [&] {
         QPainter painter(&view);
@@ -104,16 +127,18 @@ void measure(const Size& size) {
         markRegionVoxels(mosaic, tiles, regions, {});
         frames = regionFrames(regions, {}, {size.matrix, size.matrix, size.slices});
     });
-    std::printf("%3d x %3d x %2d  %7zu  %8.2f  %17.2f  %20.2f  %8.2f  %11.2f\n", size.matrix,
-                size.matrix, size.slices, passing, grey, contrasts, significance, drawn, marked);
+    std::printf("%3d x %3d x %2d  %7zu  %8.2f  %17.2f  %20.2f  %16.2f  %8.2f  %11.2f\n",
+                size.matrix, size.matrix, size.slices, passing, grey, contrasts, significance,
+                plugin, drawn, marked);
 }
 
 } // namespace
 
 int main() {
     std::printf("Milliseconds of processor time, median of 101, 3 maps shown\n");
-    std::printf("size           colored      grey  mosaic, contrasts  mosaic, significance  draw "
-                "560  all voxels in regions\n");
+    std::printf("size           colored      grey  mosaic, contrasts  mosaic, significance  "
+                "mosaic, plug-in  "
+                "draw 560  all voxels in regions\n");
     for (const Size& size : {Size{64, 25, 5, 5}, Size{74, 36, 6, 6}, Size{104, 72, 9, 8}})
         measure(size);
 }

@@ -18,7 +18,8 @@ install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)
 
 set(kit_doc ${CMAKE_INSTALL_DATAROOTDIR}/doc/velo-cortivo-plugin-dev)
 install(FILES LICENSE DESTINATION ${kit_doc} RENAME copyright COMPONENT plugin_kit)
-install(FILES docs/plugins.md DESTINATION ${kit_doc} COMPONENT plugin_kit)
+install(FILES docs/plugins.md docs/plugins_menu.png docs/plugins_run.png DESTINATION ${kit_doc}
+        COMPONENT plugin_kit)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME velo-cortivo)

@@ -68,47 +68,43 @@ TEST(FeatureElimination, SaysWhyPatternsCanNotBeUsed) {
     struct Case {
         QString text;
         QString detail;
-        std::function<void(PatternSet&, EliminationOptions&)> spoil;
+        EliminationOptions options = quickOptions();
+        std::vector<double> firstLabels = {}; ///< in the place of 1, -1, 1, -1
     };
+    const auto with = [](int first, int second) {
+        return EliminationOptions{
+            .firstLevelFolds = first, .secondLevelFolds = second, .steps = 3, .svm = {}};
+    };
+    EliminationOptions univariate = quickOptions(), percent = quickOptions();
+    univariate.univariateSelection = true;
+    univariate.univariatePercent = 4.0;
+    percent.steps = 1;
+    percent.finalPercent = 4.0;
     const QString twoClasses = "At present RFE only works for learning tasks with 2 classes.";
+    const QString stop = "Can not continue!";
     const std::vector<Case> cases = {
-        {"Not enough classes for RFE", twoClasses,
-         [](PatternSet& p, auto&) { p.labels.assign(p.labels.size(), 1.0); }},
-        {"Too many classes for RFE", twoClasses, [](PatternSet& p, auto&) { p.labels[3] = 2.0; }},
+        {"Not enough classes for RFE", twoClasses, quickOptions(), std::vector(20, 1.0)},
+        {"Too many classes for RFE", twoClasses, quickOptions(), {1, -1, 1, 2}},
         {"Unequal number of trials (9/11) per class!",
          "At present, RFE requires an equal number of trials per classs",
-         [](PatternSet& p, auto&) { p.labels[0] = -1.0; }},
-        {"Not enough trials (10 / 10) for learning when using \"11\" first-level folds",
-         "Can not continue!", [](auto&, EliminationOptions& o) { o.firstLevelFolds = 11; }},
-        {"Not enough trials (6 / 6) for learning when using \"7\" second-level folds",
-         "Can not continue!", [](auto&, EliminationOptions& o) { o.secondLevelFolds = 7; }},
-        {"Each level needs at least 2 folds.", "Can not continue!",
-         [](auto&, EliminationOptions& o) { o.secondLevelFolds = 1; }},
-        {"Each level needs at least 2 folds.", "Can not continue!",
-         [](auto&, EliminationOptions& o) { o.firstLevelFolds = 1; }},
+         quickOptions(),
+         {-1}},
+        {"Not enough trials (10 / 10) for learning when using \"11\" first-level folds", stop,
+         with(11, 2)},
+        {"Not enough trials (6 / 6) for learning when using \"7\" second-level folds", stop,
+         with(3, 7)},
+        {"Each level needs at least 2 folds.", stop, with(3, 1)},
+        {"Each level needs at least 2 folds.", stop, with(1, 2)},
         {"Univariate selection removes too many voxels.",
-         "Increase percent selection value or skip univariate selection",
-         [](auto&, EliminationOptions& o) {
-             o.univariateSelection = true;
-             o.univariatePercent = 4.0;
-         }},
-        {"RFE selection removes too many voxels.", "Increase percent selection value",
-         [](auto&, EliminationOptions& o) {
-             o.steps = 1;
-             o.finalPercent = 4.0;
-         }},
-    };
-    EliminationOptions most = quickOptions();
-    most.firstLevelFolds = 10;
-    most.secondLevelFolds = 9;
-    EXPECT_FALSE(faultOfElimination(smallPatterns(), most)) << "one trial in each fold";
+         "Increase percent selection value or skip univariate selection", univariate},
+        {"RFE selection removes too many voxels.", "Increase percent selection value", percent}};
+    EXPECT_FALSE(faultOfElimination(smallPatterns(), with(2, 2)));
+    EXPECT_FALSE(faultOfElimination(smallPatterns(), with(10, 9))) << "one trial in each fold";
     for (const Case& fault : cases) {
         PatternSet patterns = smallPatterns();
-        EliminationOptions options = quickOptions();
-        EXPECT_FALSE(faultOfElimination(patterns, options));
-        fault.spoil(patterns, options);
+        std::ranges::copy(fault.firstLabels, patterns.labels.begin());
         RecordedProgress quiet;
-        const EliminationResult result = eliminateFeatures(patterns, options, nullptr, quiet);
+        const EliminationResult result = eliminateFeatures(patterns, fault.options, nullptr, quiet);
         ASSERT_TRUE(result.fault) << fault.text.toStdString();
         EXPECT_EQ(result.fault->text, fault.text);
         EXPECT_EQ(result.fault->detail, fault.detail);
@@ -143,12 +139,9 @@ TEST(FeatureElimination, TheLogTellsEachStep) {
     for (int fold = 0; fold < 3; ++fold) {
         expected << "RFE: no. of trials=12  no. of features=12";
         for (int level = 0; level <= 3; ++level) {
-            for (const int part : {1, 2})
-                for (const int kind : {1, 2})
-                    expected << QString("   RFE level %1: Fold %2 patterns for class %3: N N N")
-                                    .arg(level)
-                                    .arg(part)
-                                    .arg(kind);
+            for (const char* part : {"1 patterns for class 1", "1 patterns for class 2",
+                                     "2 patterns for class 1", "2 patterns for class 2"})
+                expected << QString("   RFE level %1: Fold %2: N N N").arg(level).arg(part);
             expected << "   Running SVM with C=1 and linear kernel"
                      << "   Running SVM with C=1 and linear kernel"
                      << "   Average accuracy value for separate test data set: N%";

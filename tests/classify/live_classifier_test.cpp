@@ -4,6 +4,7 @@
 
 #include "classify/classify_data.h"
 #include "classify/trial_fit.h"
+#include "support/conditions.h"
 
 namespace {
 
@@ -11,19 +12,11 @@ constexpr VolumeSize size{4, 3, 2};
 constexpr int nrOfVolumes = 40;
 constexpr float TR = 2000.0f;
 
-void addCondition(StimulationProtocol& protocol, const std::vector<std::pair<int, int>>& trials) {
-    ProtocolCondition& condition = protocol.conditions.emplace_back();
-    for (const auto& [from, to] : trials) {
-        condition.from[size_t(condition.nrOfIntervals)] = from;
-        condition.to[size_t(condition.nrOfIntervals++)] = to;
-    }
-}
-
 StimulationProtocol twoConditions() {
     StimulationProtocol protocol;
-    addCondition(protocol, {{1, 9}, {14, 19}});
-    addCondition(protocol, {{10, 13}, {30, 31}});
-    addCondition(protocol, {{20, 23}});
+    addCondition(protocol, "A", {{1, 9}, {14, 19}});
+    addCondition(protocol, "B", {{10, 13}, {30, 31}});
+    addCondition(protocol, "C", {{20, 23}});
     return protocol;
 }
 
@@ -66,7 +59,7 @@ protected:
 
 TEST(CurrentTrial, IsTheLatestOfAllConditionsButTheFirst) {
     StimulationProtocol protocol = twoConditions();
-    addCondition(protocol, {{30, 35}, {0, 3}});
+    addCondition(protocol, "D", {{30, 35}, {0, 3}});
     const std::tuple<int, int, int, int> cases[] = {
         // volume, onset, end, condition
         {0, 0, 3, 3},    {8, 0, 3, 3},    {9, 10, 13, 1},  {18, 10, 13, 1},
@@ -110,19 +103,14 @@ TEST_F(LiveClassifierTest, WithinAConditionEachVolumeFromDelayToDelayedEndIsDue)
         std::vector<int> due;
     };
     const std::vector<int> usual{11, 12, 13, 14, 21, 22, 23, 24, 31, 32};
+    const std::vector<int> longer{11, 12, 13, 14, 15, 16, 17, 21, 22, 23,
+                                  24, 25, 26, 27, 31, 32, 33, 34, 35};
     const Case cases[] = {
-        {1, 2, 0, false, usual},
-        {36, 2, 0, false, usual},
-        {37, 2, 0, false, {}}, // 40 points are not below 40 volumes
-        {36, 2, 0, true, {}},
-        {35, 2, 0, true, {31, 32}}, // the third trial is shorter by 2
-        {34, 2, 3, false, {}},
-        {1, 0, 0, false, {9, 10, 11, 12, 19, 20, 21, 22, 29, 30}},
-        {1,
-         2,
-         3,
-         false,
-         {11, 12, 13, 14, 15, 16, 17, 21, 22, 23, 24, 25, 26, 27, 31, 32, 33, 34, 35}}};
+        {1, 2, 0, false, usual}, {36, 2, 0, false, usual},
+        {37, 2, 0, false, {}},                               // 40 points are not below 40 volumes
+        {36, 2, 0, true, {}},    {35, 2, 0, true, {31, 32}}, // the third trial is shorter by 2
+        {34, 2, 3, false, {}},   {1, 0, 0, false, {9, 10, 11, 12, 19, 20, 21, 22, 29, 30}},
+        {1, 2, 3, false, longer}};
     for (const Case& c : cases) {
         options.pointPreOnset = c.pre;
         options.haemodynamicDelay = c.delay;

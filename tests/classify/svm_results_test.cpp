@@ -109,16 +109,10 @@ SVMPrediction votesOf(const QByteArray& rho) {
 }
 
 TEST(SVMPrediction, OfSeveralClassesIsTheLabelOfMostVotes) {
-    struct Votes {
-        const char* rho;
-        int label;
-    };
-    for (const auto& [rho, label] :
-         std::initializer_list<Votes>{{"-1 -1 -1", 5},
-                                      {"1 -1 -1", 2},
-                                      {"1 1 1", 9},
-                                      {"-1 1 -1", 5},   // a tie of all
-                                      {"0 0 -1", 2}}) { // 0 is the second's
+    // The fourth is a tie of all; 0 is the second's.
+    constexpr std::pair<const char*, int> votes[] = {
+        {"-1 -1 -1", 5}, {"1 -1 -1", 2}, {"1 1 1", 9}, {"-1 1 -1", 5}, {"0 0 -1", 2}};
+    for (const auto& [rho, label] : votes) {
         const SVMPrediction prediction = votesOf(rho);
         EXPECT_EQ(prediction.classNumber, label) << rho;
         EXPECT_EQ(prediction.label, label);
@@ -131,8 +125,7 @@ TEST(PredictionReport, CountsWhatIsRightAndWhatIsTakenForWhat) {
     PatternSet patterns;
     patterns.nrOfFeatures = 1;
     for (const auto& [label, feature] :
-         {std::pair(1.0, 1.0), std::pair(1.0, 2.0), std::pair(1.0, -1.0), std::pair(-1.0, -1.0),
-          std::pair(0.0, 1.0)})
+         {std::pair(1.0, 1.0), {1.0, 2.0}, {1.0, -1.0}, {-1.0, -1.0}, {0.0, 1.0}})
         patterns.append(label, std::vector{feature});
     const PredictionReport report = predictAll(loaded(twoClassModel("-1 1")), patterns);
     // The machine takes features below 0.25 for label 1.
@@ -146,14 +139,13 @@ TEST(PredictionReport, CountsWhatIsRightAndWhatIsTakenForWhat) {
 }
 
 TEST(SVMModelFile, TakesWhatLibsvmCanRead) {
-    for (const QByteArray& content :
-         {threeClassModel, QByteArray(threeClassModel).replace("\n", "\r\n"),
-          QByteArray(threeClassModel).replace(" \n", "\n"),
-          QByteArray(threeClassModel)
-              .replace("rbf", "sigmoid")
-              .replace("nr_class", "coef0 -1\nnr_class"),
-          QByteArray(threeClassModel).replace("label", "probA 1 1 1\nprobB 0 0 1e-5\nlabel")})
-        EXPECT_EQ(faultOfModelFile(content), "");
+    constexpr std::pair<const char*, const char*> changes[] = {
+        {"\n", "\r\n"},
+        {" \n", "\n"},
+        {"rbf", "sigmoid\ncoef0 -1"},
+        {"label", "probA 1 1 1\nprobB 0 0 1e-5\nlabel"}};
+    for (const auto& [from, to] : changes)
+        EXPECT_EQ(faultOfModelFile(QByteArray(threeClassModel).replace(from, to)), "") << to;
 }
 
 TEST(SVMModelFile, SaysWhatIsWrong) {

@@ -60,25 +60,17 @@ TEST(TrialMapsFile, IsRefusedWhereItIsDamaged) {
     maps.names = QStringList{"kept"};
     for (qsizetype size = 0; size < whole.size(); size += size < 80 ? 1 : 64)
         EXPECT_EQ(parse(whole.left(size), maps), TrialMapsResult::Damaged) << size;
-    struct Change {
-        int offset;
-        QByteArray bytes;
-        TrialMapsResult result;
-    };
-    const QByteArray most("\xff\xff\xff\x7f", 4);
-    for (const Change& change : {Change{0, "\2", TrialMapsResult::OtherVersion},
-                                 {2, "\2", TrialMapsResult::OtherVersion},
-                                 {4, most, TrialMapsResult::Damaged},
-                                 {4, "\4", TrialMapsResult::Damaged},
-                                 {4, QByteArray(4, '\xff'), TrialMapsResult::Damaged},
-                                 {8, most, TrialMapsResult::Damaged},
-                                 {8, QByteArray(4, '\0'), TrialMapsResult::Damaged},
-                                 {12, QByteArray("\0\x10", 2), TrialMapsResult::Damaged},
-                                 {16, "\xff", TrialMapsResult::Damaged},
-                                 {16, QByteArray(4, '\xff'), TrialMapsResult::Damaged}}) {
-        QByteArray bytes = whole;
-        bytes.replace(change.offset, change.bytes.size(), change.bytes);
-        EXPECT_EQ(parse(bytes, maps), change.result) << change.offset;
+    using enum TrialMapsResult;
+    // Where bytes are replaced, and by what.
+    constexpr std::tuple<int, const char*, TrialMapsResult> changes[] = {
+        {0, "02", OtherVersion},  {2, "02", OtherVersion},  {4, "ffffff7f", Damaged},
+        {4, "04", Damaged},       {4, "ffffffff", Damaged}, {8, "ffffff7f", Damaged},
+        {8, "00000000", Damaged}, {12, "0010", Damaged},    {16, "ff", Damaged},
+        {16, "ffffffff", Damaged}};
+    for (const auto& [offset, hex, result] : changes) {
+        const QByteArray bytes = QByteArray::fromHex(hex);
+        EXPECT_EQ(parse(QByteArray(whole).replace(offset, bytes.size(), bytes), maps), result)
+            << offset << ' ' << hex;
     }
     EXPECT_EQ(maps.names, QStringList{"kept"});
     // A name without an end, in a file that is long enough.

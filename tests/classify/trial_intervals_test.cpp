@@ -1,20 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/trial_intervals.h"
 
+#include "support/conditions.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 
 StimulationProtocol makeProtocol() {
     StimulationProtocol protocol;
-    const auto add = [&](const QString& name, const std::vector<std::pair<int, int>>& intervals) {
-        const int condition = protocol.conditionIndex(name);
-        for (const auto& [from, to] : intervals)
-            EXPECT_TRUE(protocol.addInterval(condition, from, to));
-    };
-    add("Rest", {{1, 9}});
-    add("Left", {{10, 12}, {40, 42}});
-    add("Right", {{60, 61}, {20, 25}, {40, 44}});
+    addCondition(protocol, "Rest", {{1, 9}});
+    addCondition(protocol, "Left", {{10, 12}, {40, 42}});
+    addCondition(protocol, "Right", {{60, 61}, {20, 25}, {40, 44}});
     return protocol;
 }
 

@@ -104,6 +104,8 @@ TEST(VoxelReadOut, TellsSampleAndShownMaps) {
     document.contrasts.ConjunctionAnalysis = false;
     document.contrasts.shownStatistic = ShownStatistic::FOfSelected;
     EXPECT_EQ(text(1, true), "x 4  y 2  slice 2   volume 2: -7   F: Selected contrasts 4.31");
+    document.contrasts.shownStatistic = ShownStatistic::FOfContrast;
+    EXPECT_EQ(text(1, true), "x 4  y 2  slice 2   volume 2: -7   F: Faces 4.31");
     document.maps.size.x = 5; // maps of another grid
     EXPECT_EQ(text(1, true), text(1, false));
     for (const VoxelPosition& outside : {VoxelPosition{4, 0, 0}, {0, 3, 0}, {0, 0, 2}, {-1, 0, 0}})

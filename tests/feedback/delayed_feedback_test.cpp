@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "feedback/delayed_feedback.h"
 
+#include "support/conditions.h"
 #include "support/files.h"
 #include "support/scripted_messages.h"
 
@@ -63,10 +64,8 @@ TEST(DelayedPercentChange, WithoutASignalThereIsNoEstimate) {
 
 TEST(DueTrial, IsTheLatestAtExactlyTheVolumeOfItsUpdate) {
     StimulationProtocol protocol;
-    (void)protocol.conditionIndex("Rest");
-    const int condition = protocol.conditionIndex("Faces");
-    for (const int from : {3, 50, 20, 30, 20})
-        ASSERT_TRUE(protocol.addInterval(condition, from, from + 3));
+    addCondition(protocol, "Rest", {});
+    addCondition(protocol, "Faces", {{3, 6}, {50, 53}, {20, 23}, {30, 33}, {20, 23}});
     struct Case {
         int update, skipped, volume;
         int trial; ///< -1 for none
@@ -83,8 +82,8 @@ TEST(DueTrial, IsTheLatestAtExactlyTheVolumeOfItsUpdate) {
     };
     for (const Case& test : cases) {
         const std::optional<DueTrial> due =
-            dueTrial({.condition = condition, .UpdateFeedbackFile = test.update}, protocol,
-                     test.skipped, test.volume);
+            dueTrial({.condition = 1, .UpdateFeedbackFile = test.update}, protocol, test.skipped,
+                     test.volume);
         EXPECT_EQ(due ? due->index : -1, test.trial) << test.update << ' ' << test.volume;
         EXPECT_EQ(due ? due->onset : 0, test.onset) << test.update << ' ' << test.volume;
     }
@@ -120,9 +119,6 @@ TEST(DelayedFeedbackSettings, TheWindowFollowsTheFirstInterval) {
         EXPECT_EQ(settings.ModulationTo, test.modulationTo) << test.to << ' ' << test.TR;
         EXPECT_EQ(settings.UpdateFeedbackFile, test.update) << test.to << ' ' << test.TR;
     }
-    const std::pair<int, int> firstOnes[] = {{0, -1}, {1, 0}, {2, 1}, {5, 1}};
-    for (const auto& [conditions, first] : firstOnes)
-        EXPECT_EQ(firstTrialCondition(conditions), first);
 }
 
 TEST(DelayedFeedbackSettings, SayWhyTheyCannotBeUsed) {
@@ -130,14 +126,11 @@ TEST(DelayedFeedbackSettings, SayWhyTheyCannotBeUsed) {
         DelayedFeedbackSettings settings;
         const char* fault; ///< a part of it; empty for none
     };
-    const Case cases[] = {
-        {{}, ""},
-        {{.ModulationFrom = -8, .ModulationTo = -8}, ""},
-        {{.ModulationFrom = -9}, "begin before the baseline"},
-        {{.ModulationFrom = 11}, "end before it begins"},
-        {{.ModulationTo = 15}, ""},
-        {{.ModulationTo = 16}, "end after the volume"},
-    };
+    const Case cases[] = {{{.ModulationFrom = -8, .ModulationTo = -8}, ""},
+                          {{.ModulationFrom = -9}, "begin before the baseline"},
+                          {{.ModulationFrom = 11}, "end before it begins"},
+                          {{.ModulationTo = 15}, ""},
+                          {{.ModulationTo = 16}, "end after the volume"}};
     for (const Case& test : cases) {
         const QString fault = delayedFeedbackFault(test.settings);
         EXPECT_TRUE(*test.fault ? fault.contains(test.fault) : fault.isEmpty())

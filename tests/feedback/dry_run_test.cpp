@@ -36,56 +36,43 @@ FeedbackChoices choicesWith(const std::function<void(FeedbackChoices&)>& edit) {
 
 TEST(DryRun, SaysFromWhichVolumeOnThereIsFeedbackAndWhyNotBefore) {
     const std::vector<std::pair<int, int>> blocks{{11, 20}, {31, 40}, {51, 60}};
+    using Edit = void (*)(FeedbackChoices&);
     struct Case {
         const char* name;
         std::vector<std::pair<int, int>> tasks;
         int nrOfVolumes;
-        std::function<void(FeedbackChoices&)> edit;
         int first; ///< from 0
         QString text;
+        Edit edit = [](FeedbackChoices&) {};
     };
-    const auto asTheyAre = [](FeedbackChoices&) {};
+    const Edit suppressed = [](FeedbackChoices& c) { c.NoFbCondition = 0, c.NoFbStopShift = 2; };
+    const Edit suppressedPair = [](FeedbackChoices& c) {
+        c.NoFbCondition = 0, c.NoFbStopShift = 2;
+        c.roiMode = useROI1And2, c.VisualizeROIs = true;
+    };
+    const Edit ofModel = [](FeedbackChoices& c) { c.UseTCGLMB0ForBaseline = true; };
+    const Edit curve = [](FeedbackChoices& c) { c.type = FeedbackType::TimeCourse; };
+    const Edit classifier = [](FeedbackChoices& c) { c.UseSVMOutput = true; };
+    const Edit longShift = [](FeedbackChoices& c) { c.BaselineEndShift = 8; };
+    const Edit blocked = [](FeedbackChoices& c) { c.BlockOutput = true; };
     const std::vector<Case> cases{
-        {"the first block is never found", blocks, 70, asTheyAre, 31, "first six volumes"},
-        {"a later start", {{1, 6}, {17, 30}}, 70, asTheyAre, 17, "volumes 7 to 16"},
-        {"its end is not live", {{1, 6}, {8, 20}, {31, 40}}, 70, asTheyAre, 31, "before the first"},
-        {"5 volumes: 3 are left", {{1, 10}, {16, 25}, {36, 40}}, 70, asTheyAre, 36, "fewer than 4"},
-        {"6 volumes: 4 are left", {{1, 10}, {17, 25}}, 70, asTheyAre, 17, "volumes 11 to 16"},
-        {"a later block takes it away",
-         {{11, 20}, {31, 40}, {43, 50}},
-         70,
-         asTheyAre,
-         31,
-         "volume 44 on the level is 0"},
-        {"no block ends", {}, 70, asTheyAre, -1, "\"Rest\" ends"},
-        {"the run ends first", blocks, 31, asTheyAre, -1, "the run ends first"},
-        {"too short a run", blocks, 10, asTheyAre, -1, "no feedback"},
-        {"suppressed until the task has lasted 1 volume", blocks, 70,
-         [](FeedbackChoices& c) { c.NoFbCondition = 0, c.NoFbStopShift = 2; }, 32,
-         "because of \"Rest\""},
-        {"a pair is not suppressed", blocks, 70,
-         [](FeedbackChoices& c) {
-             c.NoFbCondition = 0, c.NoFbStopShift = 2;
-             c.roiMode = useROI1And2, c.VisualizeROIs = true;
-         },
-         31, "Feedback from volume 32 on"},
-        {"the response exceeds 0.1 at volume index 12", blocks, 70,
-         [](FeedbackChoices& c) { c.UseTCGLMB0ForBaseline = true; }, 13, "from volume 14 on"},
-        {"no model",
-         {},
-         70,
-         [](FeedbackChoices& c) { c.UseTCGLMB0ForBaseline = true; },
-         -1,
-         "no model"},
-        {"a curve", blocks, 70, [](FeedbackChoices& c) { c.type = FeedbackType::TimeCourse; }, 10,
-         "curve is shown from volume 11"},
-        {"a classifier", blocks, 70, [](FeedbackChoices& c) { c.UseSVMOutput = true; }, 0,
-         "classifier"},
-        {"a long end shift", blocks, 70, [](FeedbackChoices& c) { c.BaselineEndShift = 8; }, 38,
-         "one volume, the latest one up to volume 14"},
-        {"blocked", blocks, 70, [](FeedbackChoices& c) { c.BlockOutput = true; }, 31,
-         "boxes stay empty"},
-    };
+        {"the first block is never found", blocks, 70, 31, "first six volumes"},
+        {"a later start", {{1, 6}, {17, 30}}, 70, 17, "volumes 7 to 16"},
+        {"its end is not live", {{1, 6}, {8, 20}, {31, 40}}, 70, 31, "before the first"},
+        {"5 volumes: 3 are left", {{1, 10}, {16, 25}, {36, 40}}, 70, 36, "fewer than 4"},
+        {"6 volumes: 4 are left", {{1, 10}, {17, 25}}, 70, 17, "volumes 11 to 16"},
+        {"hidden later", {{11, 20}, {31, 40}, {43, 50}}, 70, 31, "volume 44 on the level is 0"},
+        {"no block ends", {}, 70, -1, "\"Rest\" ends"},
+        {"the run ends first", blocks, 31, -1, "the run ends first"},
+        {"too short a run", blocks, 10, -1, "no feedback"},
+        {"until the task has lasted 1 volume", blocks, 70, 32, "because of \"Rest\"", suppressed},
+        {"a pair is not", blocks, 70, 31, "Feedback from volume 32 on", suppressedPair},
+        {"it exceeds 0.1 at index 12", blocks, 70, 13, "from volume 14 on", ofModel},
+        {"no model", {}, 70, -1, "no model", ofModel},
+        {"a curve", blocks, 70, 10, "curve is shown from volume 11", curve},
+        {"a classifier", blocks, 70, 0, "classifier", classifier},
+        {"long end shift", blocks, 70, 38, "one volume, the latest one up to volume 14", longShift},
+        {"blocked", blocks, 70, 31, "boxes stay empty", blocked}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const FeedbackForecast forecast =
@@ -93,8 +80,8 @@ TEST(DryRun, SaysFromWhichVolumeOnThereIsFeedbackAndWhyNotBefore) {
         EXPECT_EQ(forecast.firstVolume, c.first);
         EXPECT_TRUE(forecast.text.contains(c.text)) << forecast.text.toStdString();
     }
-    EXPECT_EQ(
-        forecastFeedback(choicesWith(asTheyAre), protocolOf(blocks, true), 70, TR).firstVolume, 31);
+    const FeedbackChoices asTheyAre = choicesWith([](FeedbackChoices&) {});
+    EXPECT_EQ(forecastFeedback(asTheyAre, protocolOf(blocks, true), 70, TR).firstVolume, 31);
 }
 
 TEST(DryRun, SignalsAreConstantTheModelsResponseOrNoise) {

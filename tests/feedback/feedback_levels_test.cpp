@@ -245,18 +245,11 @@ TEST(FeedbackLevels, TheClassifiersFirstPairFillsTheScale) {
 }
 
 TEST(FeedbackChoices, LevelsRoundByTheShiftOfNegativeValues) {
-    for (const auto& [value, level] : {std::pair(2.5, 3),
-                                       {2.49, 2},
-                                       {0.5, 1},
-                                       {-0.5, 0},
-                                       {-0.51, -1},
-                                       {-2.5, -2},
-                                       {-2.51, -3},
-                                       {-0.0, 0},
-                                       {1e300, 1000000000},
-                                       {-1e300, -1000000000},
-                                       {double(INFINITY), 0},
-                                       {double(NAN), 0}})
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    constexpr std::pair<double, int> cases[] = {
+        {2.5, 3},    {2.49, 2},     {0.5, 1}, {-0.5, 0},           {-0.51, -1},          {-2.5, -2},
+        {-2.51, -3}, {infinite, 0}, {NAN, 0}, {1e300, 1000000000}, {-1e300, -1000000000}};
+    for (const auto& [value, level] : cases)
         EXPECT_EQ(roundedLevel(value), level) << value;
 }
 
@@ -272,19 +265,6 @@ TEST(FeedbackChoices, ModesNeedTheirRegions) {
             settleROIMode(choices, regions);
             EXPECT_EQ(choices.roiMode, available ? mode : regions > 0 ? useROI1 : noROIMode);
         }
-}
-
-TEST(FeedbackChoices, TheClassifierTakesThePlaceOfRegions) {
-    FeedbackChoices choices;
-    choices.roiMode = useROI2And3;
-    chooseClassifierOutput(choices);
-    settleROIMode(choices, 3);
-    EXPECT_EQ(choices.roiMode, noROIMode);
-    EXPECT_EQ(choices.DisplayBaseLevel, 5);
-    EXPECT_EQ(shownMaxima(choices).first, 1.5);
-    giveUpClassifierOutput(choices, 2);
-    EXPECT_FALSE(choices.UseSVMOutput);
-    EXPECT_EQ(choices.roiMode, useROI1);
 }
 
 TEST(FeedbackChoices, FieldsShowAndStoreTheMaximaOfTheMode) {
@@ -310,21 +290,16 @@ TEST(FeedbackChoices, FieldsShowAndStoreTheMaximaOfTheMode) {
 }
 
 TEST(FeedbackChoices, ShiftsAreSixAndTwoSeconds) {
-    for (const auto& [TR, start, end] : {std::tuple(2000.0f, 3, 1),
-                                         {1500.0f, 4, 1},
-                                         {1250.0f, 5, 2},
-                                         {800.0f, 8, 3},
-                                         {4000.0f, 2, 1},
-                                         {0.0f, 9, 9},
-                                         {NAN, 9, 9},
-                                         {-2000.0f, 9, 9}}) {
-        FeedbackChoices choices;
-        choices.BaselineStartShift = choices.NoFbStartShift = 9;
-        choices.BaselineEndShift = choices.NoFbStopShift = 9;
+    constexpr std::tuple<float, int, int> cases[] = {
+        {2000.0f, 3, 1}, {1500.0f, 4, 1}, {1250.0f, 5, 2}, {800.0f, 8, 3},
+        {4000.0f, 2, 1}, {0.0f, 9, 9},    {NAN, 9, 9},     {-2000.0f, 9, 9}};
+    for (const auto& [TR, start, end] : cases) {
+        FeedbackChoices choices{.NoFbStartShift = 9, .NoFbStopShift = 9};
+        choices.BaselineStartShift = choices.BaselineEndShift = 9;
         setShiftsForTR(choices, TR);
-        EXPECT_EQ(choices.BaselineStartShift, start) << TR;
-        EXPECT_EQ(choices.BaselineEndShift, end) << TR;
-        EXPECT_EQ(choices.NoFbStartShift, start) << TR;
-        EXPECT_EQ(choices.NoFbStopShift, end) << TR;
+        EXPECT_EQ(std::pair(choices.BaselineStartShift, choices.BaselineEndShift),
+                  std::pair(start, end))
+            << TR;
+        EXPECT_EQ(std::pair(choices.NoFbStartShift, choices.NoFbStopShift), std::pair(start, end));
     }
 }

@@ -1,21 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "regions/event_related_average.h"
 #include "regions/time_course_statistics.h"
+#include "support/conditions.h"
 
 #include <gtest/gtest.h>
 #include <limits>
 #include <numeric>
 
 namespace {
-
-using Interval = std::pair<int, int>;
-
-void addCondition(StimulationProtocol& protocol, const QString& name,
-                  const std::vector<Interval>& intervals) {
-    const int condition = protocol.conditionIndex(name);
-    for (const auto& [from, to] : intervals)
-        EXPECT_TRUE(protocol.addInterval(condition, from, to));
-}
 
 std::vector<ConditionAverage> averagesOf(const std::vector<float>& values,
                                          const StimulationProtocol& protocol,
@@ -78,11 +70,10 @@ TEST(EventRelatedAverage, OnsetsAreThoseOfTheConditionOfEachVolume) {
     std::vector<float> ramp(10);
     std::iota(ramp.begin(), ramp.end(), 1.0f);
     constexpr int least = std::numeric_limits<int>::min();
-    const std::vector<Interval> intervals{{-5, 3},      {0, 0},         {1, 1},
-                                          {10, 10},     {11, 12},       {2000, 2000},
-                                          {2001, 3999}, {18001, 90000}, {least, 90000}};
+    const Intervals intervals{{-5, 3},      {0, 0},       {1, 1},         {10, 10},      {11, 12},
+                              {2000, 2000}, {2001, 3999}, {18001, 90000}, {least, 90000}};
     for (const ResolutionOfTime unit : {ResolutionOfTime::Volumes, ResolutionOfTime::Milliseconds})
-        for (const Interval& interval : intervals) {
+        for (const auto& interval : intervals) {
             StimulationProtocol protocol;
             protocol.resolutionOfTime = unit;
             addCondition(protocol, "A", {interval});
@@ -102,8 +93,8 @@ TEST(EventRelatedAverage, OnsetsAreThoseOfTheConditionOfEachVolume) {
 TEST(EventRelatedAverage, TellsOfTooManyTrials) {
     StimulationProtocol protocol;
     std::vector<ConditionAverage> averages;
-    for (int i = 0; i < maximumTrials; ++i)
-        addCondition(protocol, QString("C%1").arg(i / 300), {{2, 2}});
+    for (int left = maximumTrials; left > 0; left -= 300)
+        addCondition(protocol, "C", Intervals(size_t(std::min(left, 300)), {2, 2}));
     addCondition(protocol, "rest", {{2, 2}});
     EXPECT_EQ(averageTrials(curve, protocol, 0, {}, averages), AveragingResult::Ok);
     EXPECT_EQ(averages.size(), 7u);

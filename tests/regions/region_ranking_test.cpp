@@ -62,20 +62,15 @@ TEST(RegionRanking, AgreesWithAnIndependentOne) {
 }
 
 TEST(RegionRanking, NothingHappensWithoutAConditionOrWithAModelOfAnotherSize) {
-    const std::pair<const char*, std::function<void(RankedRun&)>> cases[] = {
-        {"only confounds",
-         [](RankedRun& run) {
-             run.glm.ActivePredictors = {3, 4};
-         }},
-        {"before the first fit", [](RankedRun& run) { run.glm.ActivePredictors.clear(); }},
-        {"no model", [](RankedRun& run) { run.glm.release(); }},
-        {"other size", [](RankedRun& run) { run.size.y = 2; }}};
-    for (const auto& [name, change] : cases) {
-        RankedRun run;
-        const RegionOfInterest& region = run.add(0.5f, allPredictors);
-        change(run);
-        run.rank();
-        EXPECT_EQ(region.SortedVoxelList, Order{7}) << name;
+    RankedRun confoundsOnly, unfitted, noModel, otherSize;
+    confoundsOnly.glm.ActivePredictors = {3, 4};
+    unfitted.glm.ActivePredictors.clear();
+    noModel.glm.release();
+    otherSize.size.y = 2;
+    for (RankedRun* run : {&confoundsOnly, &unfitted, &noModel, &otherSize}) {
+        const RegionOfInterest& region = run->add(0.5f, allPredictors);
+        run->rank();
+        EXPECT_EQ(region.SortedVoxelList, Order{7});
     }
 }
 

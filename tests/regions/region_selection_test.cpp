@@ -81,12 +81,11 @@ TEST(RegionSelection, TakesActiveVoxelsOrElseAll) {
                   test.expected)
             << test.name;
     }
-    for (const bool noMaps : {false, true}) {
-        Selection selection;
-        noMaps ? selection.contrasts.ContrastMaps.release()
-               : void(selection.contrasts.NrOfActiveContrasts = 0);
-        EXPECT_EQ(asTriples(selectROIVoxels(selection.maps, false, 1, {1, 2, 4, 1, 3})), four);
-    }
+    Selection inactive, noMaps;
+    inactive.contrasts.NrOfActiveContrasts = 0;
+    noMaps.contrasts.ContrastMaps.release();
+    for (const Selection* selection : {&inactive, &noMaps})
+        EXPECT_EQ(asTriples(selectROIVoxels(selection->maps, false, 1, {1, 2, 4, 1, 3})), four);
 }
 
 } // namespace

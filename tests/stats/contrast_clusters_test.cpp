@@ -35,14 +35,10 @@ TEST(Clusters, ShapesHaveTheSizesThatTheRulesGive) {
 }
 
 TEST(Clusters, StateAndSliceDecideWhatIsShown) {
+    constexpr float none = std::numeric_limits<float>::quiet_NaN();
     const std::tuple<int, float, bool> cases[] = {
-        {1, 5.0f, true},
-        {1, -5.0f, false},
-        {2, 5.0f, false},
-        {2, -5.0f, true},
-        {3, -3.0f, true},
-        {3, 2.99f, false},
-        {3, std::numeric_limits<float>::quiet_NaN(), false}};
+        {1, 5.0f, true},  {1, -5.0f, false}, {2, 5.0f, false}, {2, -5.0f, true},
+        {3, -3.0f, true}, {3, 2.99f, false}, {3, none, false}};
     for (const auto& [state, value, shown] : cases) {
         StatisticalMaps maps = mapsInUse(2, 2, 3, 1, state);
         std::ranges::fill(maps.map(0), value);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/design_matrix.h"
 
+#include "support/conditions.h"
 #include "support/files.h"
 #include "support/scripted_messages.h"
 
@@ -9,23 +10,12 @@
 
 namespace {
 
-void addCondition(StimulationProtocol& protocol, const QString& name,
-                  const std::vector<std::pair<int, int>>& intervals) {
-    ProtocolCondition condition;
-    condition.name = name;
-    condition.color = {int(protocol.conditions.size()), 2, 3};
-    for (const auto& [from, to] : intervals) {
-        condition.from[size_t(condition.nrOfIntervals)] = from;
-        condition.to[size_t(condition.nrOfIntervals++)] = to;
-    }
-    protocol.conditions.push_back(condition);
-}
-
 StimulationProtocol threeConditions() {
     StimulationProtocol protocol;
     addCondition(protocol, "Rest", {{1, 5}});
     addCondition(protocol, "Left", {{0, 2}, {9, 99}});
     addCondition(protocol, "Right", {{4, 6}});
+    protocol.conditions[1].color = {1, 2, 3};
     return protocol;
 }
 
@@ -126,7 +116,7 @@ TEST(Design, ColumnsThatGrowWithTheirEventsAreThoseMadeAtOnce) {
         [&] { protocol.addInterval(1, 2000, 1002000); },
         [&] { protocol.conditions[1].to[0] = 7000; },
         [&] {
-            growing.ConditionWeights = {0.5f, 1.0f};
+            growing.ConditionWeights = std::vector{0.5f, 1.0f};
         },
         [&] { growing.hrf.timeToPeak = 5.0f; },
         [&] { source.TR = 1500.0f; },

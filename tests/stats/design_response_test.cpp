@@ -14,12 +14,12 @@ void expectNear(const std::vector<T>& found, const std::vector<double>& expected
         EXPECT_NEAR(double(found[i]), expected[i], bound) << "at " << i;
 }
 
-StimulationProtocol protocolOf(ResolutionOfTime resolution) {
+const StimulationProtocol inVolumes;
+const StimulationProtocol inMilliseconds = [] {
     StimulationProtocol protocol;
-    protocol.resolutionOfTime = resolution;
+    protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
     return protocol;
-}
-
+}();
 } // namespace
 
 TEST(SingleGammaKernel, HasUnitSumAndItsDelay) {
@@ -32,8 +32,7 @@ TEST(SingleGammaKernel, HasUnitSumAndItsDelay) {
 }
 
 TEST(ConvolveWithHRF, VolumesMatchTheReference) {
-    const StimulationProtocol protocol = protocolOf(ResolutionOfTime::Volumes);
-    const DesignSource source{.protocol = protocol, .TR = 2000.0f, .NrOfVolumes = 18};
+    const DesignSource source{.protocol = inVolumes, .TR = 2000.0f, .NrOfVolumes = 18};
     std::vector<float> column(18, 0.0f);
     std::fill_n(column.begin() + 2, 6, 1.0f);
     ASSERT_TRUE(convolveWithHRF(column, HRFModel::TwoGamma, 0, TwoGammaHRFParams(), source, {}));
@@ -45,8 +44,7 @@ TEST(ConvolveWithHRF, VolumesMatchTheReference) {
 }
 
 TEST(ConvolveWithHRF, MillisecondsMatchTheReference) {
-    const StimulationProtocol protocol = protocolOf(ResolutionOfTime::Milliseconds);
-    const DesignSource source{.protocol = protocol, .TR = 2000.4f, .NrOfVolumes = 14};
+    const DesignSource source{.protocol = inMilliseconds, .TR = 2000.4f, .NrOfVolumes = 14};
     std::vector<float> column(14, 7.0f);
     const std::vector<MillisecondInterval> intervals = {{3000, 9500, "a", 750}};
     ASSERT_TRUE(
@@ -58,15 +56,14 @@ TEST(ConvolveWithHRF, MillisecondsMatchTheReference) {
 }
 
 TEST(ConvolveWithHRF, ImpossibleTimesNeitherCrashNorTakeTheMemory) {
-    const StimulationProtocol milliseconds = protocolOf(ResolutionOfTime::Milliseconds);
     for (const float TR : {0.0f, float(NAN)}) {
         std::vector<float> few(5, 1.0f);
         EXPECT_TRUE(convolveWithHRF(few, HRFModel::TwoGamma, 0, TwoGammaHRFParams(),
-                                    {.protocol = milliseconds, .TR = TR, .NrOfVolumes = 5}, {}));
+                                    {.protocol = inMilliseconds, .TR = TR, .NrOfVolumes = 5}, {}));
         EXPECT_TRUE(std::ranges::all_of(few, [](float x) { return std::isfinite(x); }));
     }
     std::vector<float> many(1000000, 1.0f);
     EXPECT_FALSE(convolveWithHRF(many, HRFModel::TwoGamma, 0, TwoGammaHRFParams(),
-                                 {.protocol = milliseconds, .TR = 1e9f, .NrOfVolumes = 1000000},
+                                 {.protocol = inMilliseconds, .TR = 1e9f, .NrOfVolumes = 1000000},
                                  {}));
 }

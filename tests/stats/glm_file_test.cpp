@@ -70,10 +70,9 @@ QByteArray expectedBytes(const WholeRunModel& model, bool corrected) {
     return bytes;
 }
 
-GLMParseResult parse(const QByteArray& bytes, WholeRunModel& model,
-                     const VolumeSize& size = exampleSize) {
+GLMParseResult parse(const QByteArray& bytes, WholeRunModel& model) {
     const std::vector<uint8_t> exact(bytes.begin(), bytes.end());
-    return parseGLM(exact, size, model);
+    return parseGLM(exact, exampleSize, model);
 }
 
 class GLMFile : public testing::Test {
@@ -93,19 +92,10 @@ TEST_F(GLMFile, HasEachByteAndComesBack) {
 
         WholeRunModel read;
         ASSERT_TRUE(readGLMFile(path, exampleSize, read));
-        model.predictors[1].color = {2, 255, 0};
-        EXPECT_EQ(read.predictors, model.predictors);
-        EXPECT_EQ(read.studies, model.studies);
-        EXPECT_EQ(read.GLMDesign, model.GLMDesign);
-        EXPECT_EQ(read.GLMInverse, model.GLMInverse);
-        EXPECT_TRUE(std::ranges::equal(read.GLMMaps.span(), model.GLMMaps.span()));
-        EXPECT_EQ(read.transformation, model.transformation);
-        EXPECT_EQ(read.separation, model.separation);
-        EXPECT_EQ(read.MeanAR1Before, model.MeanAR1Before);
-        EXPECT_EQ(read.MeanAR1After, model.MeanAR1After);
         EXPECT_EQ(read.rank, model.rank);
-        EXPECT_TRUE(read.isValid());
-        EXPECT_TRUE(read.conditionOfColumn.empty());
+        EXPECT_TRUE(read.isValid() && read.conditionOfColumn.empty());
+        ASSERT_TRUE(writeGLMFile(path, read));
+        EXPECT_EQ(contentOf(path).toHex(), bytes.toHex());
     }
 }
 
@@ -120,9 +110,6 @@ TEST_F(GLMFile, IsRefusedWhenCutOrTooLong) {
     EXPECT_EQ(parse(good.chopped(1), model), GLMParseResult::Damaged);
     EXPECT_EQ(parse(good + '\0', model), GLMParseResult::Damaged);
     EXPECT_EQ(parse(good, model), GLMParseResult::Ok);
-    EXPECT_EQ(parse(good, model, {2, 3, 2}), GLMParseResult::OtherDimensions);
-    EXPECT_EQ(parse(good, model, {3, 2, 1}), GLMParseResult::OtherDimensions);
-    EXPECT_EQ(parse(good, model, {}), GLMParseResult::NoFunctionalProject);
 }
 
 TEST_F(GLMFile, IsRefusedWhenItLies) {
@@ -175,6 +162,7 @@ TEST_F(GLMFile, TellsWhyItIsNotRead) {
         {anatomical, exampleSize, "You try to read a .VMR GLM into a .FMR project !"},
         {good, {3, 2, 0}, "You try to read a FMR GLM into a VMR or SRF project !"},
         {good, {3, 2, 3}, "Dimensions of FMR GLM do not fit to loaded .FMR project !"},
+        {good, {2, 3, 2}, "Dimensions of FMR GLM do not fit to loaded .FMR project !"},
         {good.chopped(4), exampleSize, "GLM file \"*"}};
     for (const auto& [bytes, size, message] : cases) {
         writeFile(path, bytes);

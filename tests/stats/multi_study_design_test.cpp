@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stats/multi_study_design.h"
 
+#include "support/conditions.h"
 #include "support/files.h"
 #include "support/scripted_messages.h"
 #include "volume/fmr_file.h"
@@ -12,16 +13,6 @@
 #include <QTemporaryDir>
 
 namespace {
-
-ProtocolCondition condition(const QString& name, std::vector<std::pair<int, int>> intervals) {
-    ProtocolCondition result;
-    result.name = name;
-    for (const auto& [from, to] : intervals) {
-        result.from[size_t(result.nrOfIntervals)] = from;
-        result.to[size_t(result.nrOfIntervals++)] = to;
-    }
-    return result;
-}
 
 RunOfStudy runWith(std::vector<ProtocolCondition> conditions, int nrOfVolumes = 12) {
     RunOfStudy run;
@@ -141,9 +132,9 @@ TEST_F(MultiStudy, FilesThatAreMissingAreNotAdded) {
 // exp(-(k - 2.5 s) / 1.25 s), which sums to 1, in steps of a volume or of a millisecond.
 TEST_F(MultiStudy, RunDesignsHaveAColumnForEachConditionOfAnyRun) {
     std::vector<RunOfStudy> runs{
-        runWith({condition("Rest", {{1, 1}}), condition("Hand", {{2, 4}, {9, 20}})}),
-        runWith({condition("Foot", {{3000, 7000}, {15500, 99999}}), condition("Rest", {}),
-                 condition("Hand", {{3000, 7000}, {15500, 99999}})})};
+        runWith({conditionWith("Rest", {{1, 1}}), conditionWith("Hand", {{2, 4}, {9, 20}})}),
+        runWith({conditionWith("Foot", {{3000, 7000}, {15500, 99999}}), conditionWith("Rest", {}),
+                 conditionWith("Hand", {{3000, 7000}, {15500, 99999}})})};
     runs[1].protocol.resolutionOfTime = ResolutionOfTime::Milliseconds;
     runs[1].subject = 4;
     for (int i = 0; i < 2; ++i)
@@ -236,6 +227,7 @@ TEST_F(MultiStudy, DesignsOfVersionOneHaveNoNamesAndAnyNumberOfColumns) {
 TEST_F(MultiStudy, RunsThatDoNotFitAreRefused) {
     const MultiStudyList list = threeRuns(SeparatePredictors::None);
     const QByteArray head = "FileVersion: 2\nType: ";
+    const QStringList names{"Hand", "Foot"};
     const std::pair<std::function<void()>, QString> cases[] = {
         {[&] { saveRun("b", 3, 4, 2); },
          "ERROR: Different number of slices of functional data files!"},
@@ -243,9 +235,7 @@ TEST_F(MultiStudy, RunsThatDoNotFitAreRefused) {
          "ERROR: Different image resolution of functional data files!"},
         {[&] { saveDesign("b", 0, 3, {"Hand"}); },
          "ERROR: Different number of predictors in design matrix files!"},
-        {[&] {
-             saveDesign("b", 0, 2, {"Hand", "Foot"});
-         },
+        {[&] { saveDesign("b", 0, 2, names); },
          "ERROR: Different number of time points between design matrix and data files!"},
         {[&] { writeFile(path("b.rtc"), head + "Motion"); },
          "ERROR: RTC file is not of type \"DesignMatrix\" !"},

@@ -3,6 +3,7 @@
 
 #include "stats/whole_run_glm.h"
 #include "support/files.h"
+#include "support/recorded_progress.h"
 #include "support/scripted_messages.h"
 #include "volume/fmr_project.h"
 
@@ -116,14 +117,6 @@ const Table& expectedTable() {
     return table;
 }
 
-class Progress : public ProgressReporter {
-public:
-    std::vector<int> told;
-    size_t cancelAfter = 100;
-    void setProgress(int percent) override { told.push_back(percent); }
-    bool cancelled() const override { return told.size() >= cancelAfter; }
-};
-
 struct Case {
     const char* name;
     int nrOfStudies;
@@ -153,12 +146,12 @@ TEST_P(WholeRun, IsThatOfLeastSquaresInDouble) {
     design.transformation = each.transformation;
     design.CorrectSerialCorrelations = each.corrects;
     RunInMemory samples(project);
-    Progress progress;
+    RecordedProgress progress;
     WholeRunModel model;
     ASSERT_EQ(fitWholeRunModel(model, design, size, samples, progress), WholeRunFit::Done);
     EXPECT_TRUE(model.isValid());
     EXPECT_EQ(model.GLMType, 2);
-    EXPECT_EQ(progress.told, (std::vector<int>{50, 100}));
+    EXPECT_EQ(progress.values, (std::vector<int>{50, 100}));
     for (size_t v = 0; v < size.samples(); ++v) {
         std::vector<float> found;
         for (int row = 0; row < model.nrOfMapRows(); ++row)
@@ -216,21 +209,21 @@ TEST(WholeRunStops, LeavingNothing) {
     struct Stop {
         WholeRunFit result;
         int badSlice;
-        size_t cancelAfter;
+        int cancelAt; ///< percent
         VolumeSize volume;
         int morePoints;
         const char* message;
     };
+    using enum WholeRunFit;
     const VolumeSize huge = {32767, 32767, 30000};
     const char* const points =
         "ERROR: Different number of time points between design matrix and data files!";
-    for (const Stop& stop : {Stop{WholeRunFit::Cancelled, 9, 1, size, 0, nullptr},
-                             Stop{WholeRunFit::Cancelled, 9, 2, size, 0, nullptr},
-                             Stop{WholeRunFit::Failed, 1, 9, size, 0, nullptr},
-                             Stop{WholeRunFit::Failed, 9, 9, size, 1, points},
-                             Stop{WholeRunFit::Failed, 9, 9, {17, 16, 3}, 0, points},
-                             Stop{WholeRunFit::Failed, 9, 9, huge, 0,
-                                  "ERROR: Insufficient memory for creating GLM data structure!"}}) {
+    const char* const memory = "ERROR: Insufficient memory for creating GLM data structure!";
+    const Stop stops[] = {
+        {Cancelled, 9, 50, size, 0, nullptr},     {Cancelled, 9, 100, size, 0, nullptr},
+        {Failed, 1, 101, size, 0, nullptr},       {Failed, 9, 101, size, 1, points},
+        {Failed, 9, 101, {17, 16, 3}, 0, points}, {Failed, 9, 101, huge, 0, memory}};
+    for (const Stop& stop : stops) {
         ScriptedMessages messages;
         if (stop.message != nullptr)
             messages.expectCritical(stop.message);
@@ -240,8 +233,8 @@ TEST(WholeRunStops, LeavingNothing) {
         for (int i = 0; i < 4 * stop.morePoints; ++i)
             design.GLMDesign.push_back(1.0f);
         DamagedRun samples(project, stop.badSlice);
-        Progress progress;
-        progress.cancelAfter = stop.cancelAfter;
+        RecordedProgress progress;
+        progress.cancelAt = stop.cancelAt;
         WholeRunModel model;
         EXPECT_EQ(fitWholeRunModel(model, design, stop.volume, samples, progress), stop.result);
         EXPECT_TRUE(model.GLMMaps.empty() && model.GLMDesign.empty() && model.studies.empty());
@@ -255,7 +248,7 @@ TEST(WholeRunStops, AtDesignsThatAreDamaged) {
         messages.expectCritical(message);
         const FMRProject project = projectOf(1);
         RunInMemory samples(project);
-        Progress progress;
+        RecordedProgress progress;
         WholeRunModel model;
         EXPECT_EQ(fitWholeRunModel(model, design, size, samples, progress), WholeRunFit::Failed);
     };

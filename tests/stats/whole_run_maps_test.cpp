@@ -51,17 +51,14 @@ std::vector<int16_t> samplesOf(const WholeRunDesign& design) {
     return samples;
 }
 
-class OneSlice : public SliceSource {
-public:
-    explicit OneSlice(std::vector<int16_t> samples) : samples_(std::move(samples)) {}
+struct OneSlice : SliceSource {
+    std::vector<int16_t> samples;
+    explicit OneSlice(std::vector<int16_t> all) : samples(std::move(all)) {}
     bool loadSlice(int /*slice*/, std::span<const int16_t*> times) override {
         for (size_t t = 0; t < times.size(); ++t)
-            times[t] = samples_.data() + t * imageSize.samples();
+            times[t] = samples.data() + t * imageSize.samples();
         return true;
     }
-
-private:
-    std::vector<int16_t> samples_;
 };
 
 WholeRunModel fittedModel(bool corrected, WholeRunDesign design = makeDesign()) {

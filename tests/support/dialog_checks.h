@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QAbstractButton>
 #include <QDialog>
 #include <QLineEdit>
 #include <QStackedWidget>
@@ -40,3 +41,20 @@ inline void expectExplained(const QDialog& dialog) {
     }
     EXPECT_EQ(keys.removeDuplicates(), 0) << keys.join(' ').toStdString();
 }
+
+/// A window whose dialogs are driven by the object names of their controls. As a base beside that
+/// of the session it goes first, and the dialogs with it.
+class DrivenWindow {
+protected:
+    template<typename Widget = QWidget> Widget& find(const char* name) {
+        auto* widget = window.findChild<Widget*>(name);
+        EXPECT_NE(widget, nullptr) << name;
+        return *widget;
+    }
+    void click(const char* name) {
+        auto& button = find<QAbstractButton>(name);
+        EXPECT_TRUE(button.isEnabled()) << name;
+        button.click();
+    }
+    QWidget window;
+};

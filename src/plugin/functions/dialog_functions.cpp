@@ -3,6 +3,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "plugin/functions/running_program.h"
+#include "plugin/host/plugin_text.h"
 #include "plugin/sdk/velo_cortivo_plugin.h"
 
 using namespace plugin_functions;
@@ -22,11 +23,11 @@ using Chooser = QString(const QString& title, const QString& place, const QStrin
 
 bool chooseFile(Chooser* choose, const char* caption, const char* path, const char* filter,
                 char* out) {
-    const QString heading = textOf(caption);
+    const QString heading = pluginText(caption);
     const QString file =
-        choose(heading.isEmpty() ? title : heading, startOf(textOf(path)), textOf(filter));
+        choose(heading.isEmpty() ? title : heading, startOf(pluginText(path)), pluginText(filter));
     copyText(file, out);
-    // The program may have ended behind the dialog.
+    // The program may have ended while the dialog was open.
     if (!file.isEmpty() && host())
         host()->setLastUsedFolder(paths::folderWithSlash(file));
     return !file.isEmpty();
@@ -36,31 +37,31 @@ bool chooseFile(Chooser* choose, const char* caption, const char* path, const ch
 
 void tLogText(const char* text) {
     if (host())
-        host()->log(textOf(text));
+        host()->log(pluginText(text));
 }
 
 void tMessageBox(const char* text) {
-    showInformation(textOf(text), title);
+    showInformation(pluginText(text), title);
 }
 
 bool tYesNoMessageBox(const char* text) {
-    return askQuestion(textOf(text), title);
+    return askQuestion(pluginText(text), title);
 }
 
 int tGetIntegerInput(const char* text, int defaultValue, int min, int max) {
     // Below the smallest integer comes the largest one, as in the machine.
     const int cancelled = int(unsigned(min) - 1u);
-    return askForInteger({title, textOf(text)}, defaultValue, {min, max}).value_or(cancelled);
+    return askForInteger({title, pluginText(text)}, defaultValue, {min, max}).value_or(cancelled);
 }
 
 float tGetFloatInput(const char* text, float defaultValue, float min, float max) {
     const NumberBounds bounds{double(min), double(max), 3};
-    const auto number = askForNumber({title, textOf(text)}, double(defaultValue), bounds);
+    const auto number = askForNumber({title, pluginText(text)}, double(defaultValue), bounds);
     return number ? float(*number) : min - 1.0f;
 }
 
 bool tGetTextInput(const char* text, const char* defaultText, char* out) {
-    const auto answer = askForText({title, textOf(text)}, textOf(defaultText));
+    const auto answer = askForText({title, pluginText(text)}, pluginText(defaultText));
     copyText(answer.value_or(QString()), out);
     return answer.has_value();
 }

@@ -1,6 +1,7 @@
 // The maps of the plug-in itself.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/functions/running_program.h"
+#include "plugin/host/plugin_text.h"
 #include "plugin/sdk/velo_cortivo_plugin.h"
 
 using namespace plugin_functions;
@@ -11,7 +12,7 @@ bool tRegisterMaps(int count) {
 
 void tSetPluginMapName(int index, const char* name) {
     if (session())
-        session()->pluginMaps.setName(index, textOf(name));
+        session()->pluginMaps.setName(index, pluginLine(pluginText(name)));
 }
 
 void tSetDisplayStatusOfMap(int index, int status) {

@@ -28,7 +28,7 @@ int tGetCurrentTimePoint() {
     return volume < run->project.NrOfVolumes ? volume + 1 : run->project.NrOfVolumes;
 }
 
-// Of a run that was reloaded the current volume is behind the table's end.
+// After a reload the current volume is beyond the end of the table.
 int tGetCurrentProtocolCondition() {
     const QtCortivoDoc* run = document();
     if (!run)

@@ -49,10 +49,6 @@ std::optional<size_t> voxelOffset(const VolumeSize& size, int x, int y, int z) {
     return (size_t(z) * size_t(size.y) + size_t(y)) * size_t(size.x) + size_t(x);
 }
 
-QString textOf(const char* text) {
-    return QString::fromLocal8Bit(text);
-}
-
 void copyText(const QString& text, char* out) {
     if (!out)
         return;

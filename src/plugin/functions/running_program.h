@@ -29,8 +29,6 @@ namespace plugin_functions {
 /// Where the voxel's value lies in an array of this size; nothing outside it.
 [[nodiscard]] std::optional<size_t> voxelOffset(const VolumeSize& size, int x, int y, int z);
 
-/// Empty for null.
-[[nodiscard]] QString textOf(const char* text);
 /// Copies the text, cut to veloCortivoTextSize with the closing zero at the border of a character.
 /// Does nothing for null.
 void copyText(const QString& text, char* out);

@@ -16,7 +16,7 @@ using DynamicEntry = ElfW(Dyn);
 
 constexpr qint64 largestLibrary = qint64(1) << 30; // bytes
 
-const QString noLibrary = QStringLiteral("It is no shared library.");
+const QString noLibrary = QStringLiteral("It is not a shared library.");
 const QString cutShort = QStringLiteral("The file is cut short.");
 const QString damaged = QStringLiteral("The file is damaged.");
 
@@ -54,7 +54,7 @@ QString headerFault(const FileHeader& header, const LibraryKind& wanted, uint64_
     return {};
 }
 
-/// The loader maps one segment behind the other, over whatever is there when they overlap.
+/// The loader maps one segment after the other, over whatever is there when they overlap.
 QString loadedSegmentsFault(const std::vector<Segment>& segments, uint64_t size) {
     uint64_t end = 0;
     for (const Segment& segment : segments) {
@@ -119,7 +119,7 @@ QString libraryFileFault(const QString& path) {
     if (!openPlainFile(file))
         return fileExists(path) || !QFileInfo::exists(path)
                    ? QStringLiteral("The file can't be read.")
-                   : QStringLiteral("It is no file.");
+                   : QStringLiteral("It is not a file.");
     if (file.size() > largestLibrary)
         return QStringLiteral("The file is larger than 1 GiB.");
     return libraryFault(file, kindOfThisProgram());

@@ -3,20 +3,15 @@
 
 #include "base/paths.h"
 #include "plugin/host/plugin_library.h"
+#include "plugin/host/plugin_text.h"
 
 #include <QDir>
 
 namespace {
 
-/// One line of a menu.
-QString menuName(const QString& name) {
-    constexpr qsizetype longest = 100; // characters
-    return name.simplified().left(longest);
-}
-
 PluginDescription described(PluginLibrary& library, const QString& path,
                             const QString& pluginFolder) {
-    return {path, menuName(library.text("getPluginName")),
+    return {path, pluginLine(library.text("getPluginName")),
             descriptionWithLinks(library.text("getPluginDescription"), path, pluginFolder),
             library.text("getAuthor"), library.text("getHelpFile")};
 }

@@ -14,7 +14,7 @@ struct PluginDescription {
     QString author;
     QString helpFile;
 
-    /// The name with "..." behind it, unless it ends so already.
+    /// The name with "..." after it, unless it ends so already.
     [[nodiscard]] QString menuText() const;
     /// Full path of the help file; empty for none.
     [[nodiscard]] QString helpPath() const;

@@ -7,6 +7,8 @@
 #include "ui_plugin_dialog.h"
 
 #include <QCloseEvent>
+#include <QScrollBar>
+#include <QTextCursor>
 
 PluginDlg::PluginDlg(const QString& pluginName, const SessionPhase& phase, QWidget& window)
     : QDialog(&window), phase_(phase), form_(std::make_unique<Ui::PluginDlg>()) {
@@ -15,10 +17,8 @@ PluginDlg::PluginDlg(const QString& pluginName, const SessionPhase& phase, QWidg
     setWindowTitle(pluginName);
     constexpr int mostLines = 10'000;
     form_->LogTxt->document()->setMaximumBlockCount(mostLines);
-    form_->TimesLbl->setTextFormat(Qt::PlainText);
     setHelpFile({});
     prepareDialog(*this);
-    resize(600, 400);
     connect(form_->HelpBtn, &QToolButton::clicked, this, [this] { openHelpFile(helpFile_); });
     form_->LogTxt->viewport()->installEventFilter(this);
 }
@@ -35,8 +35,17 @@ void PluginDlg::leave() {
     Q_EMIT closed();
 }
 
+// As plain text, also where it looks like HTML: "a < b".
 void PluginDlg::log(const QString& text) {
-    form_->LogTxt->append(text);
+    QScrollBar& bar = *form_->LogTxt->verticalScrollBar();
+    const bool showsLatest = bar.value() == bar.maximum();
+    QTextCursor end(form_->LogTxt->document());
+    end.movePosition(QTextCursor::End);
+    if (!form_->LogTxt->document()->isEmpty())
+        end.insertBlock();
+    end.insertText(text);
+    if (showsLatest)
+        bar.setValue(bar.maximum());
 }
 
 void PluginDlg::showTimes(const QString& text, bool warning) {

@@ -21,7 +21,7 @@ public:
     PluginDlg(const QString& pluginName, const SessionPhase& phase, QWidget& window);
     ~PluginDlg() override;
 
-    /// The latest 10,000 lines are kept.
+    /// Adds the text as it is, without HTML. The latest 10,000 lines are kept.
     void log(const QString& text);
     /// The line with times below the text; `warning` is coloured.
     void showTimes(const QString& text, bool warning);

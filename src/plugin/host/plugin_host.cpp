@@ -60,6 +60,7 @@ bool PluginHost::createObject() {
     const QString fault = library->fault();
     libraries_.push_back(std::move(library));
     if (!object) {
+        parts_.session.pluginMaps.clear(); // createPlugin() may have registered some
         tellNotLaunched(description_.path, fault);
         return false;
     }
@@ -97,6 +98,7 @@ void PluginHost::endAtLaunch() {
     deletePlugin();
     parts_.display.showLogText(
         pluginEndedText(parts_.session.requests.logFontSize, description_.name));
+    endedAtLaunch_ = description_.name;
 }
 
 void PluginHost::close() {

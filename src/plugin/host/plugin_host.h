@@ -43,6 +43,9 @@ public:
     /// A plug-in object exists and is called.
     [[nodiscard]] bool isRunning() const { return plugin_ != nullptr; }
 
+    /// Name of the plug-in whose executeAtLaunch() gave false; empty for none.
+    [[nodiscard]] const QString& endedAtLaunch() const { return endedAtLaunch_; }
+
     /// What can be launched now, read anew from the folder; nothing while a plug-in is active or
     /// about to be. In an idle session the libraries of plug-ins that have ended are closed first.
     const PluginCatalogue& discover();
@@ -94,6 +97,7 @@ private:
     std::unique_ptr<GuardedPlugin> plugin_;
     PluginTimes times_;
     QString lastUsedFolder_;
+    QString endedAtLaunch_;
     bool launching_ = false;
     bool closing_ = false; ///< the window was closed while a call was on the stack
 };

@@ -3,6 +3,7 @@
 
 #include "plugin/host/library_file.h"
 #include "plugin/host/plugin_object.h"
+#include "plugin/host/plugin_text.h"
 #include "plugin/sdk/velo_cortivo_plugin.h"
 
 #include <QFile>
@@ -10,10 +11,6 @@
 #include <exception>
 
 namespace {
-
-QString copied(const char* text) {
-    return QString::fromLocal8Bit(text, qsizetype(qstrnlen(text, veloCortivoTextSize - 1)));
-}
 
 /// Its function, unless something else bears the name.
 template<typename Function> Function resolved(void* library, const char* name) {
@@ -28,7 +25,7 @@ std::optional<QString> thrownBy(const std::function<void()>& work) {
         work();
         return std::nullopt;
     } catch (const std::exception& exception) {
-        return copied(exception.what());
+        return pluginText(exception.what());
     } catch (...) {
         return QStringLiteral("an exception of unknown type");
     }
@@ -52,13 +49,12 @@ bool PluginLibrary::open(const QString& path) {
 QString PluginLibrary::text(const char* function) {
     const auto call = resolved<const char* (*)()>(library_, function);
     QString text;
-    if (!call || thrownBy([&] { text = copied(call()); }))
+    if (!call || thrownBy([&] { text = pluginText(call()); }))
         return {};
     return text;
 }
 
 VeloCortivoPlugin* PluginLibrary::create() {
-    fault_.clear();
     const auto call = resolved<VeloCortivoPlugin* (*)()>(library_, "createPlugin");
     if (!call)
         return nullptr;

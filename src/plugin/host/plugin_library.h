@@ -27,8 +27,9 @@ public:
     /// Result of a function without arguments that gives a text, cut to the size that the interface
     /// states; empty without such a function, and when it throws.
     [[nodiscard]] QString text(const char* function);
-    /// Calls createPlugin(). Null without that function, and then fault() is empty; null too when
-    /// it throws or gives null, or when the object that it gives can't be a plug-in.
+    /// Of an open library, once: calls createPlugin(). Null without that function, and then fault()
+    /// is empty; null too when it throws or gives null, or when the object that it gives can't be a
+    /// plug-in.
     [[nodiscard]] VeloCortivoPlugin* create();
 
 private:

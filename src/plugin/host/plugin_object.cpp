@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plugin/host/plugin_object.h"
 
+#include <cerrno>
 #include <cstring>
 #include <dlfcn.h>
 #include <link.h>
 #include <span>
+#include <sys/uio.h>
+#include <unistd.h>
 
 namespace {
 
@@ -64,6 +67,16 @@ bool isPureVirtual(const void* function) {
            std::strcmp(info.dli_sname, "__cxa_pure_virtual") == 0;
 }
 
+/// Whether a pointer can be read there. The system answers what would otherwise end the program; it
+/// may be forbidden to, as in some containers.
+bool isReadable(const void* address) {
+    const void* content = nullptr;
+    const iovec here{&content, sizeof content};
+    const iovec there{const_cast<void*>(address), sizeof content};
+    return ::process_vm_readv(::getpid(), &here, 1, &there, 1, 0) == ssize_t(sizeof content) ||
+           errno != EFAULT;
+}
+
 } // namespace
 
 bool isLoadedCode(const void* address) {
@@ -71,8 +84,8 @@ bool isLoadedCode(const void* address) {
 }
 
 QString pluginObjectFault(const VeloCortivoPlugin* plugin) {
-    const QString noPlugin = QStringLiteral("The object of createPlugin() is no plug-in.");
-    if (!plugin || !isAligned(plugin))
+    const QString noPlugin = QStringLiteral("The object of createPlugin() is not a plug-in.");
+    if (!plugin || !isAligned(plugin) || !isReadable(plugin))
         return noPlugin;
     const auto* table = *reinterpret_cast<const void* const* const*>(plugin);
     if (!isAligned(table) || loadedPart(table).end == 0)

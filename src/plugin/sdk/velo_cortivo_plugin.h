@@ -63,10 +63,11 @@ public:
 // first volume to its last, so within executeBeforeVolume() and executeAfterVolume().
 //
 // Pointers to data are valid until the next document replaces them: fetch them anew in each call,
-// and never free them. No function checks the pointers that it is given, and none shows a message.
+// and after each dialog that waits, as a run may have begun meanwhile; never free them. No function
+// checks the pointers that it is given, and none shows a message.
 
 /// Bytes that every buffer for a text must have, the closing zero included. Texts are in the local
-/// 8-bit encoding; a longer one is cut.
+/// 8-bit encoding; a longer one is cut, also one that the plug-in gives.
 enum { veloCortivoTextSize = 4096 };
 
 extern "C" {
@@ -136,7 +137,7 @@ short** tGetTimeCourseData(void);
 /// Contrasts of the run; 0 without a document.
 int tGetNrOfContrasts(void);
 /// A map for each contrast, of which the first ones belong to the contrasts that are selected, in
-/// their order; those behind are 0. Null without a document, or before maps exist.
+/// their order; the others are 0. Null without a document, or before maps exist.
 float* tGetContrastMaps(void);
 /// Value of the map in this place; 0.0 when any index is out of bounds.
 float tGetMapValueOfVoxel(int contrast, int x, int y, int z);
@@ -172,13 +173,14 @@ int tGetCurrentClassifierOutput(float* out);
 /// a change. The first map is shown for positive and negative values, the others not at all; all
 /// are named "no name".
 bool tRegisterMaps(int count);
-/// Ignored for an index out of bounds, like the next one.
+/// Ignored for an index out of bounds, like the next one. Shown as one line of at most 100
+/// characters.
 void tSetPluginMapName(int index, const char* name);
 /// 0 not shown, 1 positive values, 2 negative values, 3 both. At most four maps are shown at a
 /// time, the first ones with a status above 0.
 void tSetDisplayStatusOfMap(int index, int status);
 /// Smallest value that is coloured, for this run and those to come; 2.5 at first. The operator's
-/// thresholds follow.
+/// thresholds follow. Ignored unless finite.
 void tSetPluginMapsThreshold(float threshold);
 /// Shows the maps of the plug-in over the slices and in the list, in place of the contrasts.
 void tShowPluginMaps(bool show);
@@ -186,14 +188,15 @@ void tShowPluginMaps(bool show);
 /// follow at the end of each volume.
 void tUpdateMapList(void);
 /// The maps, one volume of values each, to be filled; 0 at the start of a run. Null without a
-/// document, or if none were registered before its run.
+/// document, or if none were registered before its run. As many as were registered then: a later
+/// tRegisterMaps() changes neither number nor place of them.
 float* tGetPluginMaps(void);
 
 // Dialogs and log ------------------------------------------------------------------------------
 // All but the first two wait for the operator, and the run waits with them; its volumes are
 // analysed as soon as the operator has answered.
 
-/// A line in the window of the plug-in; ignored when there is none.
+/// A line in the window of the plug-in, as plain text; ignored when there is none.
 void tLogText(const char* text);
 /// Information with an OK button. While a run is recorded it doesn't wait for an answer.
 void tMessageBox(const char* text);

@@ -111,7 +111,7 @@ bool preparePluginMaps(const RunParts& run) {
     const double gigabytes =
         double(maps.count()) * double(size.samples()) * double(sizeof(float)) / 1e9;
     showWarning(QStringLiteral("ERROR: The plug-in has registered %1 maps, which need %2 GB of "
-                               "memory. There is not as much.\n\nClose the window of the plug-in "
+                               "memory. There is not that much.\n\nClose the window of the plug-in "
                                "and start again.")
                     .arg(maps.count())
                     .arg(gigabytes, 0, 'f', 1));

@@ -129,8 +129,15 @@ QString endingText(int fontSize, Phase phase) {
 
 QString pluginEndedText(int fontSize, const QString& pluginName) {
     return bodyStart(fontSize) + " The plug-in \"" + bold(pluginName.toHtmlEscaped()) +
-           "\" has ended at its launch.<br><br>Start the program again before another plug-in can "
-           "run.<br></body>";
+           "\" has ended at its launch.<br>Start the program again before another plug-in can run."
+           "<br></body>";
+}
+
+QString withPluginEnded(QString panelText, const QString& pluginName, int fontSize) {
+    // Texts that the model's part writes have no body.
+    panelText.remove("</body>");
+    return panelText + (panelText.endsWith("<br>") ? "" : "<br>") +
+           pluginEndedText(fontSize, pluginName).remove(bodyStart(fontSize));
 }
 
 QString postprocessedText(int fontSize, const QString& projectName) {

@@ -36,8 +36,9 @@ struct WholeRunModel;
 /// The operator has closed the window while the session is not idle.
 [[nodiscard]] QString endingText(int fontSize, Phase phase);
 
-/// A plug-in ended itself when it was launched.
+/// A plug-in ended itself when it was launched; and a text of the panel with that below it.
 [[nodiscard]] QString pluginEndedText(int fontSize, const QString& pluginName);
+[[nodiscard]] QString withPluginEnded(QString panelText, const QString& pluginName, int fontSize);
 
 /// After post-processing: where the result lies.
 [[nodiscard]] QString postprocessedText(int fontSize, const QString& projectName);

@@ -50,6 +50,9 @@ void SessionPluginMaps::updateList() {
 
 void SessionPluginMaps::clear() {
     parts_.requests.pluginMaps.clear();
+    // The next plug-in must not find the values of this one, nor room for another number of maps.
+    if (document_)
+        document_->pluginMaps = {};
     shownChanged();
 }
 

@@ -36,7 +36,7 @@ public:
     void setThreshold(float threshold);
     /// The list, and between runs the views; a run shows its maps at the end of each volume.
     void updateList();
-    /// The plug-in is closed: there are no maps any more.
+    /// The plug-in is closed: there are no maps any more, nor their values in the document.
     void clear();
 
     /// By plug-in or operator.

@@ -99,6 +99,19 @@ void showBeside(QDialog* dialog) {
     dialog->show();
 }
 
+// A warning that comes at every volume would cover the screen with boxes.
+void showBoxBeside(QMessageBox::Icon icon, const QString& text, const QString& title) {
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (auto* open = qobject_cast<QMessageBox*>(widget);
+            open && open->isVisible() && !open->isModal() && open->icon() == icon &&
+            open->text() == text && open->windowTitle() == title)
+            return open->raise();
+    auto* box = new QMessageBox(boxParent());
+    setUp(*box, icon, text, title);
+    box->setStandardButtons(QMessageBox::Ok);
+    showBeside(box);
+}
+
 /// What is open of a request that is not waited for.
 struct OpenRequest {
     QPointer<QDialog> dialog;
@@ -231,22 +244,14 @@ void cancelDialogsForGood() {
 }
 
 void MessageBoxes::show(MessageLevel level, const QString& text, const QString& title) {
-    if (title == programTitle && isModeless(level))
-        return showModeless(level, text);
-    waitForBox(iconOf(level), text, title, QMessageBox::Ok);
+    if (isModeless(level))
+        showBoxBeside(iconOf(level), text, title);
+    else
+        waitForBox(iconOf(level), text, title, QMessageBox::Ok);
 }
 
-// A warning that comes at every volume would cover the screen with boxes.
 void MessageBoxes::showModeless(MessageLevel level, const QString& text) {
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (auto* open = qobject_cast<QMessageBox*>(widget);
-            open && open->isVisible() && !open->isModal() && open->icon() == iconOf(level) &&
-            open->text() == text)
-            return open->raise();
-    auto* box = new QMessageBox(boxParent());
-    setUp(*box, iconOf(level), text, programTitle);
-    box->setStandardButtons(QMessageBox::Ok);
-    showBeside(box);
+    showBoxBeside(iconOf(level), text, programTitle);
 }
 
 bool MessageBoxes::ask(const QString& text, const QString& title, DefaultAnswer defaultAnswer) {

@@ -13,8 +13,8 @@ void cancelDialogsForGood();
 /// goes, the box goes with it and counts as cancelled.
 class MessageBoxes : public MessageHandler {
 public:
-    /// Tells whether the program's own messages of a level are modeless now: a run goes on, and is
-    /// saved, whether somebody answers or not.
+    /// Tells whether messages of a level, those of plug-ins too, are modeless now: a run goes on,
+    /// and is saved, whether somebody answers or not.
     std::function<bool(MessageLevel)> isModeless = [](MessageLevel) { return false; };
 
     void show(MessageLevel level, const QString& text, const QString& title) override;

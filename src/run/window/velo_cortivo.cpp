@@ -144,6 +144,14 @@ void VeloCortivo::refreshControls() {
         showLogText(session_.panelText());
 }
 
+// Between runs the panel is written anew once a second; why the menu of plug-ins stays empty must
+// not be lost with that.
+void VeloCortivo::showLogText(const QString& html) {
+    const QString& ended = plugins_.endedAtLaunch();
+    const bool told = ended.isEmpty() || !session_.phase.isIdle();
+    logPanel_->showText(told ? html : withPluginEnded(html, ended, session_.requests.logFontSize));
+}
+
 void VeloCortivo::showInputControls(const InputControls& controls) {
     inputPanel_->showControls(controls);
 }

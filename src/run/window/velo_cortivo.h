@@ -67,7 +67,7 @@ public:
     void workStarting() override;
     void workEnded() override;
     void setRunButtonState(RunButtonState state) override { inputPanel_->showRunButton(state); }
-    void showLogText(const QString& html) override { logPanel_->showText(html); }
+    void showLogText(const QString& html) override;
     void refreshViewButtons() override { viewPanel_->refreshButtons(); }
     void updateViews() override { viewPanel_->update(keys_.controlKeepsFocus()); }
     [[nodiscard]] std::unique_ptr<ProgressReporter> openSavingProgress() override;

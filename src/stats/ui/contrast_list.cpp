@@ -159,7 +159,7 @@ void ContrastList::showRow(size_t index) {
     QTreeWidgetItem* item = topLevelItem(int(index));
     const MapRow& row = shown_[index];
     item->setText(Name, row.name);
-    item->setToolTip(Name, row.name);
+    item->setToolTip(Name, "<p>" + row.name.toHtmlEscaped() + "</p>"); // not as HTML
     item->setIcon(Positive, row.state & ContrastPositive ? on_ : off_);
     item->setIcon(Negative, row.state & ContrastNegative ? on_ : off_);
     if (!row.color) {

@@ -5,7 +5,7 @@
 
 QString PluginMapRows::toolTip() const {
     return "Maps of the plug-in. Click + to show positive values and \u2212 to show negative ones; "
-           "the first four maps with a mark are shown, in the colours that stand behind them. The "
+           "the first four maps with a mark are shown, in the colours beside them. The "
            "keys + and \u2212 do the same for the current map. A double click on a name shows this "
            "map alone";
 }

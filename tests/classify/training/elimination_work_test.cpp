@@ -108,11 +108,6 @@ TEST_F(EliminationWork, FaultsAreToldAndLeaveNoFile) {
     write();
     messages.expectWarning("No matching ROI file found\n\n\"all.roi\" has no region of 13 voxels*");
     EXPECT_FALSE(run());
-    patterns_.labels[0] = -1.0;
-    write();
-    messages.expectWarning("Unequal number of trials (9/11) per class!\n\nAt present, RFE requires "
-                           "an equal number of trials per classs");
-    EXPECT_FALSE(run());
     patterns_ = plantedPatterns({.trials = 20, .features = nrOfFeatures});
     std::ranges::replace(patterns_.labels, -1.0, 1.5);
     write();

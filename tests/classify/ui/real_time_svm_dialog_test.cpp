@@ -22,7 +22,7 @@ constexpr const char* groups[] = {"TrialEstimationApproachGrpBx",
 
 } // namespace
 
-class RealTimeSVMDialog : public SessionFixture {
+class RealTimeSVMDialog : public SessionFixture, protected DrivenWindow {
 protected:
     RealTimeSVMDialog() {
         writeSession(40, 0);
@@ -35,29 +35,23 @@ protected:
         EXPECT_TRUE(modelOf({1, -1}, 2).save(path("results/Model_a.svm")));
         openRealTimeSVMDialog(session, window);
     }
-    template<typename Widget> Widget* find(const char* name) {
-        return window.findChild<Widget*>(name);
-    }
-    QDialog* dialog() { return find<QDialog>("RealTimeSVMClassificationDlg"); }
-    QString text(const char* label) { return find<QLabel>(label)->text().remove('&'); }
-    void click(const char* name) { QTest::mouseClick(find<QPushButton>(name), Qt::LeftButton); }
+    QDialog* dialog() { return window.findChild<QDialog*>("RealTimeSVMClassificationDlg"); }
+    QString text(const char* label) { return find<QLabel>(label).text().remove('&'); }
     void chooseModel() {
         messages.expectFileChoice("Select SVM File", path("results/Model_a.svm"));
         click("SelectTrainedClassfierFileBtn");
     }
-    QString predictText() { return find<QPushButton>("PredictBtn")->text().remove('&'); }
+    QString predictText() { return find<QPushButton>("PredictBtn").text().remove('&'); }
     const LiveOptions& options() { return session.classifier.options(); }
-
-    QWidget window;
 };
 
 TEST_F(RealTimeSVMDialog, BeginsWithItsDefaultsAndEditsTheSession) {
     expectExplained(*dialog());
     EXPECT_EQ(dialog()->windowTitle(), "Real-Time SVM Classification");
-    EXPECT_EQ(find<QGroupBox>(groups[2])->title().remove('&'), "Continous TR-by-TR prediction");
-    EXPECT_EQ(find<QPlainTextEdit>("LogPredictionsTxEd")->font().family(), "Courier New");
+    EXPECT_EQ(find<QPlainTextEdit>("LogPredictionsTxEd").font().family(), "Courier New");
+    EXPECT_EQ(find<QGroupBox>(groups[2]).title().remove('&'), "Continous TR-by-TR prediction");
     EXPECT_TRUE(find<QPlainTextEdit>("LogPredictionsTxEd")
-                    ->toPlainText()
+                    .toPlainText()
                     .endsWith("Loaded \"VoxelsUsedForTraining.txt\" file containing 2 voxels"));
     EXPECT_EQ(text("PostOnsetLbl"), "Post-onset:");
     LiveOptions expected = defaultLiveOptions();
@@ -68,21 +62,20 @@ TEST_F(RealTimeSVMDialog, BeginsWithItsDefaultsAndEditsTheSession) {
         {"HRDelaySpBx", 2, expected.haemodynamicDelay},
         {"PostCondPointEstimationSpBx", 0, expected.postCondition}};
     for (const auto& [name, value, field] : fields) {
-        EXPECT_EQ(find<QSpinBox>(name)->value(), value) << name;
-        EXPECT_EQ(find<QSpinBox>(name)->maximum(), 999);
+        EXPECT_EQ(find<QSpinBox>(name).value(), value) << name;
         field = value + 3;
-        find<QSpinBox>(name)->setValue(field);
+        find<QSpinBox>(name).setValue(field);
         EXPECT_EQ(options(), expected) << name;
     }
-    find<QCheckBox>("UseTrialDurationForDataWindowOp")->click();
+    find<QCheckBox>("UseTrialDurationForDataWindowOp").click();
     EXPECT_FALSE(options().trial.useTrialDuration) << "of the mode that is not chosen";
-    QTest::keyClick(find<QGroupBox>(groups[0]), Qt::Key_Space);
+    QTest::keyClick(&find<QGroupBox>(groups[0]), Qt::Key_Space);
     for (const auto& [label, post] : {std::pair("Post-trial:", 6), {"Post-onset:", 22}}) {
-        find<QCheckBox>("UseTrialDurationForDataWindowOp")->click();
+        find<QCheckBox>("UseTrialDurationForDataWindowOp").click();
         EXPECT_EQ(text("PostOnsetLbl"), label);
         EXPECT_EQ(options().trial.postOnset, post);
         EXPECT_EQ(options().trial.useTrialDuration, post == 6);
-        EXPECT_EQ(find<QSpinBox>("PostOnsetSpBx")->value(), post);
+        EXPECT_EQ(find<QSpinBox>("PostOnsetSpBx").value(), post);
     }
 }
 
@@ -92,12 +85,12 @@ TEST_F(RealTimeSVMDialog, OneModeIsChosenAndItsGroupAloneIsEnabled) {
                                                       {2, PredictionMode::Continuous},
                                                       {1, PredictionMode::WithinCondition}};
     for (const auto& [chosen, mode] : choices) {
-        QTest::keyClick(find<QGroupBox>(groups[chosen]), Qt::Key_Space);
+        QTest::keyClick(&find<QGroupBox>(groups[chosen]), Qt::Key_Space);
         EXPECT_EQ(options().mode, mode);
         for (int group = 0; group < 3; ++group)
-            EXPECT_EQ(find<QGroupBox>(groups[group])->isChecked(), group == chosen) << group;
-        EXPECT_EQ(find<QSpinBox>("PreOnsetSpBx")->isEnabled(), chosen == 0);
-        EXPECT_EQ(find<QSpinBox>("HRDelaySpBx")->isEnabled(), chosen == 1);
+            EXPECT_EQ(find<QGroupBox>(groups[group]).isChecked(), group == chosen) << group;
+        EXPECT_EQ(find<QSpinBox>("PreOnsetSpBx").isEnabled(), chosen == 0);
+        EXPECT_EQ(find<QSpinBox>("HRDelaySpBx").isEnabled(), chosen == 1);
     }
 }
 
@@ -106,16 +99,14 @@ TEST_F(RealTimeSVMDialog, PredictsDuringARunAndShowsIt) {
     click("PredictBtn");
     EXPECT_EQ(predictText(), "Predict");
     chooseModel();
-    auto* file = find<QLineEdit>("TrainedClassifierFileEd");
-    EXPECT_EQ(file->text(), "Model_a.svm");
-    EXPECT_EQ(file->toolTip(), path("results/Model_a.svm"));
+    EXPECT_EQ(find<QLineEdit>("TrainedClassifierFileEd").toolTip(), path("results/Model_a.svm"));
     click("PredictBtn");
     EXPECT_EQ(predictText(), "Predicting...");
-    EXPECT_FALSE(find<QPushButton>("SelectTrainedClassfierFileBtn")->isEnabled());
+    EXPECT_FALSE(find<QPushButton>("SelectTrainedClassfierFileBtn").isEnabled());
     ProbeListener operatorHand(session.listeners, ListenerPlace::Dialogs);
     operatorHand.onEndOfVolume = [this](int volume) {
         EXPECT_EQ(text("PredictedValueLbl") == "No prediction yet", volume < 5);
-        EXPECT_EQ(find<QLabel>("PredictedClassLbl")->isEnabled(),
+        EXPECT_EQ(find<QLabel>("PredictedClassLbl").isEnabled(),
                   session.classifier.predictedClass() > 0);
         if (volume == 5) {
             EXPECT_EQ(text("ClassifierStateLbl"),
@@ -131,7 +122,7 @@ TEST_F(RealTimeSVMDialog, PredictsDuringARunAndShowsIt) {
     EXPECT_EQ(predictText(), "Predict");
     EXPECT_EQ(text("ClassifierStateLbl"), "Off: Model_a.svm, 2 voxels");
     EXPECT_TRUE(find<QPlainTextEdit>("LogPredictionsTxEd")
-                    ->toPlainText()
+                    .toPlainText()
                     .contains("Incremental prediction completed."));
     QTest::keyClick(dialog(), Qt::Key_Escape);
     EXPECT_FALSE(dialog()->isVisible());
@@ -147,7 +138,7 @@ TEST_F(RealTimeSVMDialog, GoesWithTheSettingsFileAndEndsThePrediction) {
     EXPECT_FALSE(session.classifier.IncrementalPredictionOn());
     openRealTimeSVMDialog(session, window);
     EXPECT_NE(dialog(), first);
-    EXPECT_EQ(find<QLineEdit>("TrainedClassifierFileEd")->text(), "Model_a.svm");
+    EXPECT_EQ(find<QLineEdit>("TrainedClassifierFileEd").text(), "Model_a.svm");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_FALSE(guard);
     EXPECT_TRUE(session.classifier.isOpen()) << "the old one has not closed the new one";

@@ -11,51 +11,41 @@
 
 namespace {
 
-class DryRunDialog : public SessionFixture {
+class DryRunDialog : public SessionFixture, protected DrivenWindow {
 protected:
     DryRunDialog() { writeSession(40, 0); }
     /// Opens the dialog for the current settings.
     void open() {
         EXPECT_TRUE(session.inspectSettings());
         openFeedbackDryRunDialog(
-            session, window_, [this](const SubjectPicture& picture) { shown_ << picture.frame; });
+            session, window, [this](const SubjectPicture& picture) { shown_ << picture.frame; });
     }
-    template<typename Widget = QAbstractButton> Widget& control(const char* name) {
-        auto* widget = window_.findChild<Widget*>(name);
-        EXPECT_NE(widget, nullptr) << name;
-        return *widget;
-    }
-    int volume() { return control<QSlider>("VolumeSlider").value(); }
-    QString label(const char* name) { return control<QLabel>(name).text(); }
-    void tick() { QMetaObject::invokeMethod(&control<QDialog>("FeedbackDryRunDlg"), "advance"); }
-    bool plays() { return control("PlayBtn").text() == "&Pause"; }
+    int volume() { return find<QSlider>("VolumeSlider").value(); }
+    QString label(const char* name) { return find<QLabel>(name).text(); }
+    void tick() { QMetaObject::invokeMethod(&find<QDialog>("FeedbackDryRunDlg"), "advance"); }
+    bool plays() { return find<QAbstractButton>("PlayBtn").text() == "&Pause"; }
 
     QList<FeedbackFrame> shown_;
-    QWidget window_; ///< goes before the session, and the dialog with it
 };
 
 } // namespace
 
 TEST_F(DryRunDialog, StepsAndPlaysThroughTheVolumes) {
     open();
-    expectExplained(control<QDialog>("FeedbackDryRunDlg"));
-    EXPECT_EQ(control<QSlider>("VolumeSlider").maximum(), 40);
+    expectExplained(find<QDialog>("FeedbackDryRunDlg"));
+    EXPECT_EQ(find<QSlider>("VolumeSlider").maximum(), 40);
     EXPECT_TRUE(label("ForecastLbl").contains("eedback"));
-    struct Press {
-        const char* button;
-        int volume;
-    };
-    for (const auto& [button, expected] :
-         {Press{"StepBackBtn", 1}, Press{"StepBtn", 2}, Press{"StepBtn", 3},
-          Press{"StepBackBtn", 2}, Press{"LastBtn", 40}, Press{"StepBtn", 40},
-          Press{"FirstBtn", 1}}) {
-        control(button).click();
+    const std::pair<const char*, int> presses[] = {
+        {"StepBackBtn", 1}, {"StepBtn", 2},  {"StepBtn", 3}, {"StepBackBtn", 2},
+        {"LastBtn", 40},    {"StepBtn", 40}, {"FirstBtn", 1}};
+    for (const auto& [button, expected] : presses) {
+        click(button);
         EXPECT_EQ(volume(), expected) << button;
     }
-    control("LastBtn").click();
-    control("PlayBtn").click();
+    click("LastBtn");
+    click("PlayBtn");
     EXPECT_EQ(volume(), 1) << "at the end it begins anew";
-    control<QSlider>("VolumeSlider").setValue(39);
+    find<QSlider>("VolumeSlider").setValue(39);
     EXPECT_TRUE(plays());
     tick();
     EXPECT_EQ(volume(), 40);
@@ -65,9 +55,9 @@ TEST_F(DryRunDialog, StepsAndPlaysThroughTheVolumes) {
 
 TEST_F(DryRunDialog, FollowsTheChoicesAndShowsThemToTheSubjectIfWanted) {
     open();
-    control("LastBtn").click();
+    click("LastBtn");
     EXPECT_TRUE(shown_.isEmpty());
-    control("SubjectScreenOp").click();
+    click("SubjectScreenOp");
     ASSERT_EQ(shown_.size(), 1);
     session.feedback.change([](FeedbackChoices& choices) { choices.DisplayBaseLevel = 4; });
     EXPECT_EQ(shown_.last().baseLevel, 4);
@@ -75,30 +65,30 @@ TEST_F(DryRunDialog, FollowsTheChoicesAndShowsThemToTheSubjectIfWanted) {
         [](FeedbackChoices& choices) { choices.type = FeedbackType::TimeCourse; });
     EXPECT_EQ(shown_.last().kind, FeedbackFrame::Kind::TimeCourse);
     EXPECT_TRUE(label("ForecastLbl").contains("curve"));
-    control<QDialog>("FeedbackDryRunDlg").hide();
+    find<QDialog>("FeedbackDryRunDlg").hide();
     EXPECT_EQ(shown_.last(), FeedbackFrame());
 }
 
 TEST_F(DryRunDialog, RestsDuringARunAndGoesWithTheSettingsFile) {
     open();
-    control("SubjectScreenOp").click();
-    control("PlayBtn").click();
+    click("SubjectScreenOp");
+    click("PlayBtn");
     script.atVolume = [&](int at) {
         if (at != 20)
             return;
         shown_.clear();
         EXPECT_FALSE(plays());
         for (const char* button : {"PlayBtn", "StepBtn"})
-            control(button).click();
+            click(button);
         EXPECT_TRUE(label("ReadOutLbl").startsWith("A run is measured"));
         EXPECT_TRUE(shown_.isEmpty());
     };
     session.runButtonPressed();
-    control("StepBtn").click();
+    click("StepBtn");
     EXPECT_TRUE(label("ReadOutLbl").startsWith("Volume 2 of 40"));
     session.changeSettingsFile(path("test-1.vco"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_EQ(window_.findChild<QDialog*>(), nullptr);
+    EXPECT_EQ(window.findChild<QDialog*>(), nullptr);
 }
 
 TEST_F(DryRunDialog, SavesPicturesWhereTheOperatorSaysOnly) {
@@ -108,30 +98,27 @@ TEST_F(DryRunDialog, SavesPicturesWhereTheOperatorSaysOnly) {
     session.settings.FeedbackTargetFolder = path("feedback/");
     messages.expectFileChoice("Save Pictures", path("feedback/x.png"));
     messages.expectWarning("ERROR: \"" + path("feedback/") + "\" is the feedback folder*");
-    control("SaveBtn").click();
+    click("SaveBtn");
     messages.expectFileChoice("Save Pictures", path("pictures/dry.png"));
-    control("SaveBtn").click();
-    for (int i = 0; i < 100000 && control("SaveBtn").text() == "&Stop Saving"; ++i)
+    click("SaveBtn");
+    for (int i = 0; i < 100000 && find<QAbstractButton>("SaveBtn").text() == "&Stop Saving"; ++i)
         QCoreApplication::processEvents();
     EXPECT_EQ(label("ReadOutLbl"), "40 pictures were saved.");
     EXPECT_EQ(QDir(path("pictures")).entryList(QDir::Files).size(), 40);
-    EXPECT_EQ(QImage(path("pictures/dry-40.png")).size(), control<QWidget>("PictureArea").size());
+    EXPECT_EQ(QImage(path("pictures/dry-40.png")).size(), find<QWidget>("PictureArea").size());
     EXPECT_TRUE(QDir(path("feedback")).isEmpty());
 }
 
 TEST_F(DryRunDialog, SaysWhatIsMissing) {
-    struct Case {
-        QString line, value, text;
-    };
-    for (const auto& [line, value, text] :
-         {Case{"StimulationProtocol", "<none>", "names no protocol"},
-          Case{"StimulationProtocol", "gone.prt", "gone.prt\" can not be read"},
-          Case{"RealTimeProtocol", "x.rtp", "arrives during the run"}}) {
+    const std::tuple<QString, QString, const char*> cases[] = {
+        {"<none>", "", "names no protocol"},
+        {"gone.prt", "", "gone.prt\" can not be read"},
+        {"<none>", "x.rtp", "arrives during the run"}};
+    for (const auto& [protocol, arriving, text] : cases) {
         session.settings = {};
         session.settings.NrOfVolumes = 40;
-        session.settings.StimulationProtocol = line[0] == 'S' ? value : "<none>";
-        session.settings.RealTimeProtocol = line[0] == 'R' ? value : "";
-        EXPECT_TRUE(missingForDryRun(session, session.feedback.protocol()).contains(text))
-            << text.toStdString();
+        session.settings.StimulationProtocol = protocol;
+        session.settings.RealTimeProtocol = arriving;
+        EXPECT_TRUE(missingForDryRun(session, session.feedback.protocol()).contains(text)) << text;
     }
 }

@@ -129,6 +129,16 @@ TEST_F(PluginDialogs, LogIntoTheWindowOfThePlugin) {
     ASSERT_TRUE(text);
     EXPECT_EQ(text->toPlainText(), QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
                                                      "e\nfrom the probe"));
+    // As they are, but not beyond the size that the interface states.
+    const QString umlauts = QString::fromUtf8("\xc3\xbc").repeated(3000);
+    for (const auto& [given, shown] :
+         {std::pair<std::string, QString>("a < b, <b>c</b> &lt;", "a < b, <b>c</b> &lt;"),
+          {"<p>two</p>\n lines", "<p>two</p>\n lines"},
+          {"no \xff letter", QString("no ") + QChar(QChar::ReplacementCharacter) + " letter"},
+          {umlauts.toStdString(), umlauts.left(2047)}}) {
+        call.logText(given.c_str());
+        EXPECT_TRUE(text->toPlainText().endsWith("\n" + shown)) << shown.toStdString();
+    }
     host.close();
 }
 

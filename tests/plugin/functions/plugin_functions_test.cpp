@@ -205,6 +205,8 @@ TEST_F(PluginFunctions, PassOnWhatAPluginShows) {
     EXPECT_TRUE(call.registerMaps(3));
     EXPECT_EQ(maps.count(), 3);
     call.setPluginMapName(1, "M\xc3\xbc");
+    call.setPluginMapName(2, ("a\n\tb " + std::string(5000, 'x')).c_str());
+    EXPECT_EQ(maps.name(2), "a b " + QString(96, 'x'));
     call.setDisplayStatusOfMap(2, 2);
     call.setPluginMapsThreshold(1.25f);
     call.showPluginMaps(true);

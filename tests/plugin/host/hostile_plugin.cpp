@@ -102,6 +102,15 @@ VELO_CORTIVO_EXPORT VeloCortivoPlugin* createPlugin() {
     return nullptr;
 }
 
+#elif defined(FIXTURE_STRAY_OBJECT)
+
+VELO_CORTIVO_EXPORT const char* getPluginName() {
+    return "Stray";
+}
+VELO_CORTIVO_EXPORT void* createPlugin() {
+    return reinterpret_cast<void*>(0x1000);
+}
+
 #elif defined(FIXTURE_THROWING_CREATE)
 
 VELO_CORTIVO_EXPORT const char* getPluginName() {

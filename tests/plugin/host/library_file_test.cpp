@@ -50,7 +50,7 @@ TEST(LibraryFile, CutAnywhereIsRefused) {
     EXPECT_EQ(faultOf(whole), "");
     for (qsizetype size = 0; size < whole.size(); size += 64) {
         const QString expected = size == 0   ? "The file is empty."
-                                 : size < 64 ? "It is no shared library."
+                                 : size < 64 ? "It is not a shared library."
                                              : "The file is cut short.";
         ASSERT_EQ(faultOf(whole.left(size)), expected) << size;
     }
@@ -78,7 +78,7 @@ TEST(LibraryFile, WhatItsHeadersSayIsChecked) {
         };
     };
     const QString other = "It was made for another kind of processor.";
-    const QString none = "It is no shared library.";
+    const QString none = "It is not a shared library.";
     const QString cut = "The file is cut short.";
     const QString damaged = "The file is damaged.";
     const std::tuple<const char*, QString, Change> rows[] = {
@@ -118,10 +118,10 @@ TEST(LibraryFile, OnlyFilesAreOpened) {
     ASSERT_EQ(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
     const std::pair<QString, QString> rows[] = {
         {path("missing"), "The file can't be read."},
-        {folder.path(), "It is no file."},
-        {path("pipe"), "It is no file."},
-        {"/dev/zero", "It is no file."},
-        {path("text"), "It is no shared library."},
+        {folder.path(), "It is not a file."},
+        {path("pipe"), "It is not a file."},
+        {"/dev/zero", "It is not a file."},
+        {path("text"), "It is not a shared library."},
         {path("large"), "The file is larger than 1 GiB."},
         {fixture("unknown_function"), "undefined symbol: tOfALaterVersion"}};
     for (const auto& [file, fault] : rows) {
@@ -144,7 +144,7 @@ TEST(PluginObject, NeedsATableOfSevenFunctions) {
     tables[3][5] = ::dlsym(RTLD_DEFAULT, "__cxa_pure_virtual");
     const Table onHeap = tables[0];
     const QString incomplete = "The class of its object lacks operations of the plug-in interface.";
-    const QString none = "The object of createPlugin() is no plug-in.";
+    const QString none = "The object of createPlugin() is not a plug-in.";
     const std::pair<const void*, QString> rows[] = {
         {&tables[0], ""},
         {&tables[1], incomplete},

@@ -21,7 +21,7 @@ TEST(PluginCatalogue, ListsTheLibrariesOfTheFolderByName) {
     const PluginCatalogue catalogue = readPlugins(place);
     ASSERT_EQ(catalogue.plugins.size(), 4u);
     EXPECT_EQ(catalogue.refused.join('|').toStdString(),
-              "<i>.so: It is no shared library.|empty.so: The file is empty.|"
+              "<i>.so: It is not a shared library.|empty.so: The file is empty.|"
               "unknown_function.so: undefined symbol: tOfALaterVersion");
     const PluginDescription& scripted = catalogue.plugins[3];
     EXPECT_EQ(scripted.path, place + "scripted.so");
@@ -40,7 +40,7 @@ TEST(PluginCatalogue, ListsTheLibrariesOfTheFolderByName) {
     EXPECT_EQ(rows[4].toolTip, "<p>Follows <a href=\"script.html\">its script</a></p>"
                                "<p>Author: A &amp; B</p>");
     EXPECT_TRUE(
-        rows[5].toolTip.startsWith("<p>&lt;i&gt;.so: It is no shared library.</p><p>empty"));
+        rows[5].toolTip.startsWith("<p>&lt;i&gt;.so: It is not a shared library.</p><p>empty"));
 }
 
 TEST(PluginCatalogue, SaysWhatIsMissing) {

@@ -79,6 +79,12 @@ TEST_F(PluginHostTest, CallsItInItsPlacesOfARun) {
     EXPECT_EQ(plugin.calls.size(), size_t(2 + 2 * volumes + 1));
     EXPECT_EQ(plugin.calls[1], "executeAtLaunch");
 
+    {
+        const PhaseScope cannotBegin(session.phase, Phase::Recording);
+        session.listeners.loopEnded(*session.functionalDocument);
+    }
+    EXPECT_EQ(plugin.calls.size(), size_t(2 + 2 * volumes + 1)) << "a run that did not begin";
+
     // It stays for the next run, and until its window is closed.
     expectWholeRun("second run");
     EXPECT_EQ(plugin.calls.size(), size_t(2 + 2 * (2 * volumes + 1)));
@@ -92,6 +98,7 @@ TEST_F(PluginHostTest, SaysWhyItCouldNotLaunch) {
     const std::pair<const char*, QString> rows[] = {
         {"data_for_functions", ""},
         {"null_object", "createPlugin() gave no object."},
+        {"stray_object", "The object of createPlugin() is not a plug-in."},
         {"throwing_create", "createPlugin: no device"},
         {"missing_slots", damaged},
         {"scripted", "The file is cut short."}};
@@ -102,7 +109,9 @@ TEST_F(PluginHostTest, SaysWhyItCouldNotLaunch) {
         EXPECT_TRUE(!reason.contains("cut") || QFile::resize(file, 5000));
         messages.expectWarning("Could not launch plugin \"" + file + "\"." +
                                (reason.isEmpty() ? "" : "\n\n" + reason));
+        EXPECT_TRUE(session.pluginMaps.registerMaps(1)) << "as its createPlugin() may do";
         host.launch(0);
+        EXPECT_EQ(nrOfMaps(), 0) << name;
         EXPECT_EQ(host.activePath(), "") << name;
         EXPECT_EQ(dialog(), nullptr) << name;
     }
@@ -207,8 +216,57 @@ TEST_F(PluginHostTest, ItsWindowMayBeClosedAtAnyTime) {
         }
 }
 
+TEST_F(PluginHostTest, ARunThatIsStoppedInACallIsSaved) {
+    PluginScript& plugin = addScripted();
+    const std::function<void()> stop = [this] { session.runButtonPressed(); };
+    // As a signal to end does: open dialogs are cancelled, and nothing is waited for any more.
+    const std::function<void()> endProgram = [this] {
+        pump.giveUpWaiting();
+        dialog()->close();
+        session.requestStop();
+    };
+    messages.acceptAnything();
+    launch();
+    for (const auto& [end, place] : {std::pair(stop, "executeBeforeVolume"),
+                                     {stop, "executeAfterVolume"},
+                                     {endProgram, "executeAfterVolume"}}) {
+        plugin.calls.clear();
+        plugin.on = {{place, [&, &end = end] {
+                          if (session.report.currentVolume == 2)
+                              end();
+                          return true;
+                      }}};
+        runAgain();
+        EXPECT_EQ(volumesIn("results"), 3);
+        EXPECT_TRUE(session.report.savedCompletely);
+        EXPECT_EQ(std::ranges::count(plugin.calls, "executeBeforeVolume"), 3);
+        EXPECT_EQ(plugin.calls.back(), pump.waitsGivenUp() ? "destructor" : "executeAfterRun");
+    }
+    expectClosed(plugin, "the program ends");
+}
+
+TEST_F(PluginHostTest, IsCalledWhereverVolumesAreAnalysedAnew) {
+    PluginScript& plugin = addScripted();
+    const QString journal = recordJournal();
+    launch();
+    for (const auto& [purpose, folder] :
+         {std::pair(PlayPurpose::Replay, path("again/")), {PlayPurpose::Recover, QString()}}) {
+        plugin.calls.clear();
+        EXPECT_TRUE(session.playJournal({journal, {}, folder, false}, purpose));
+        EXPECT_EQ(plugin.calls.size(), size_t(2 * volumes + 1));
+    }
+    plugin.calls.clear();
+    Reporter reporter;
+    EXPECT_TRUE(session.reloadData());
+    EXPECT_TRUE(postprocess(reporter));
+    EXPECT_TRUE(plugin.calls.empty());
+    session.changeSettingsFile(path("other.vco"));
+    EXPECT_TRUE(host.isRunning());
+}
+
 TEST_F(PluginHostTest, NoCallIsMadeWhileAnotherWaits) {
     PluginScript& plugin = addScripted();
+    plugin.on["initPlugin"] = [this] { return host.menuRows().empty(); };
     plugin.on["executeAtLaunch"] = [this] {
         // As in a dialog, while the timer starts the next run.
         EXPECT_TRUE(host.menuRows().empty());
@@ -232,8 +290,10 @@ TEST_F(PluginHostTest, ShowsItsTimesAndNamesOneThatIsSlow) {
         pump.pumpWait(milliseconds);
         return true;
     };
-    plugin.on["executeBeforeVolume"] = [&] { return take(100); };
+    int before = 100;
+    plugin.on["executeBeforeVolume"] = [&] { return take(before); };
     plugin.on["executeAfterVolume"] = [&] {
+        EXPECT_EQ(session.report.times.pluginTime, before) << "so far";
         constexpr int times[volumes] = {20, 900, 901, 12, 1900, 12}; // at a TR of 2 s
         return take(times[session.report.currentVolume]);
     };
@@ -264,8 +324,11 @@ TEST_F(PluginHostTest, ShowsItsTimesAndNamesOneThatIsSlow) {
     EXPECT_TRUE(status[1].endsWith("<br>PluginTime: <b>1000</b> ms</body>"));
     EXPECT_TRUE(status[2].endsWith("<br>PluginTime: <b>1001</b> ms   <b>Scripted took more than "
                                    "half of the TR</b></body>"));
+    PluginTimes launchedBetween;
+    launchedBetween.after = 5;
+    EXPECT_EQ(launchedBetween.ofVolume(), 5);
     // The next run begins anew; one without the plug-in has no such line.
-    plugin.on.erase("executeBeforeVolume");
+    before = 0;
     expectWholeRun("second run");
     EXPECT_EQ(lines[volumes],
               "Before volume: 0 ms   After volume: 20 ms   Longest: 20 ms (volume 1)");

@@ -7,7 +7,9 @@
 #include "support/dialog_checks.h"
 
 #include <QTextBlock>
+#include <QTextBrowser>
 #include <QTextEdit>
+#include <QTimer>
 #include <QToolButton>
 
 class PluginWindow : public MainWindow {
@@ -64,8 +66,25 @@ TEST_F(PluginWindow, StandsBesideTheMainWindowAndKeepsTheLatestLines) {
     const QString help = folders_.pluginsPath + "scripted.html";
     messages_.expectWarning("WARNING: Unable to open help file \"" + help + "\"!");
     control<QToolButton>("HelpBtn").click();
-    dialog().setHelpFile({});
-    EXPECT_FALSE(control<QToolButton>("HelpBtn").isVisible());
+    PluginDlg withoutHelp("Plug-in", window_->session().phase, *window_);
+    EXPECT_TRUE(withoutHelp.findChild<QToolButton*>("HelpBtn")->isHidden());
+}
+
+TEST_F(PluginWindow, ThePanelKeepsSayingThatNoOtherCanBeLaunched) {
+    PluginScript& script = scriptOf(addPlugin(folders_.pluginsPath, "scripted"));
+    script.on["executeAtLaunch"] = [] { return false; };
+    entries("&Plugins").at(1)->trigger();
+    const auto panel = [this] { return control<QTextBrowser>("LogInfos").toPlainText(); };
+    const QString atLaunch = panel();
+    const QString note = "\"Scripted\" has ended at its launch.";
+    EXPECT_EQ(atLaunch.count(note), 1);
+    window_->timerCheckState(); // as once a second
+    EXPECT_NE(panel(), atLaunch);
+    EXPECT_EQ(panel().count(note), 1);
+    prepare(1);
+    runOver();
+    window_->refreshControls();
+    EXPECT_EQ(panel().count(note), 1);
 }
 
 TEST_F(PluginWindow, EscapeStopsARunButDoesNotCloseIt) {
@@ -92,4 +111,29 @@ TEST_F(PluginWindow, TheEndOfTheProgramClosesThePlugin) {
     window_.reset();
     EXPECT_EQ(script.alive, 0);
     EXPECT_EQ(script.calls.back(), "destructor");
+}
+
+// As a signal to end does it, while the plug-in waits in a dialog.
+TEST_F(PluginWindow, TheEndOfTheProgramMayComeInAnyCall) {
+    for (const char* operation : {"initPlugin", "executeAtLaunch", "destructor"}) {
+        PluginScript& script = scriptOf(addPlugin(folders_.pluginsPath, "scripted"));
+        int rejected = 0;
+        script.on = {{operation, [&] {
+                          QDialog box(window_.get());
+                          QObject::connect(&box, &QDialog::rejected, [&] { ++rejected; });
+                          QTimer::singleShot(0, [this] { window_->endProgramOrderly(); });
+                          box.exec();
+                          EXPECT_EQ(script.alive, 1) << operation;
+                          return true;
+                      }}};
+        window_->show();
+        entries("&Plugins").at(1)->trigger();
+        if (auto* dialog = window_->findChild<PluginDlg*>("PluginDlg"))
+            dialog->close();
+        EXPECT_EQ(rejected, 1) << operation;
+        EXPECT_FALSE(window_->isVisible()) << operation;
+        EXPECT_EQ(script.alive, 0) << operation;
+        script.on.clear();
+        QDir(folders_.pluginsPath).removeRecursively();
+    }
 }

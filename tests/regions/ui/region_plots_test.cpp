@@ -17,20 +17,14 @@
 namespace {
 
 /// 60 volumes of 2000 ms, the first 40 of which are measured; two conditions and a baseline.
-class RegionPlots : public testing::Test {
+class RegionPlots : public SessionFixture {
 protected:
     RegionPlots() {
         session.functionalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
         document = session.functionalDocument.get();
         document->project.TR = 2000;
-        for (const auto& [name, color, first] : {std::tuple("Rest", RgbColor{100, 100, 100}, 1),
-                                                 {"Faces", {255, 80, 60}, 6},
-                                                 {"Houses", {60, 160, 255}, 16}}) {
-            ProtocolCondition condition;
-            condition.name = name;
-            condition.color = color;
-            document->protocol.conditions.push_back(condition);
-            const int index = document->protocol.nrOfConditions() - 1;
+        for (const auto& [name, first] : {std::pair("Rest", 1), {"Faces", 6}, {"Houses", 16}}) {
+            const int index = document->protocol.conditionIndex(name);
             for (int from = first; from <= 50; from += 20)
                 EXPECT_TRUE(document->protocol.addInterval(index, from, from + 4));
         }
@@ -40,8 +34,7 @@ protected:
         design.NrOfConditionPredictors = 2;
         design.NrOfConfoundPredictors = 1;
         session.report.currentVolume = 39;
-        window.setLayout(new QVBoxLayout);
-        window.layout()->addWidget(&container);
+        (new QVBoxLayout(&window))->addWidget(&container);
         window.resize(900, 600);
         window.show();
     }
@@ -95,10 +88,6 @@ protected:
     }
     AveragingPlotDlg* averages() { return container.findChild<AveragingPlotDlg*>(); }
 
-    ScriptedMessages messages;
-    SimulatedPump pump;
-    ProbeDisplay display;
-    RunSession session{pump, display};
     QtCortivoDoc* document = nullptr;
     QWidget window;
     TimeCoursesContainer container{session, &window};
@@ -141,7 +130,6 @@ TEST_F(RegionPlots, CurvesStandOnTheProtocol) {
     ASSERT_EQ(content.curves.size(), 1u);
     EXPECT_EQ(content.curves[0].values.size(), 40u);
     EXPECT_EQ(content.curves[0].values[6], 1022.0f);
-    EXPECT_EQ(content.curves[0].color, QColor(255, 40, 50));
     EXPECT_EQ(content.xStart, 1.0);
     EXPECT_EQ(content.xRange, (PlotRange{0.5, 60.5}));
     EXPECT_EQ(content.lines.at(0).at, 40.0);
@@ -433,16 +421,12 @@ TEST_F(MultiRunFixture, AScrollBarChoosesTheRunOfAPlotOfAProject) {
     ASSERT_TRUE(session.regions.selectRectangle(drag));
     container.showContainer();
     EXPECT_TRUE(bar.isVisible());
-    EXPECT_EQ(bar.value(), 0);
     auto& plot = *container.findChild<TimeCoursePlotDlg*>("TimeCourse2");
     EXPECT_EQ(plot.visibleCurve().size(), 40U);
-    const std::tuple<int, int, const char*> steps[] = {
-        {-1, 2, "one.fmr"}, {3, 0, "one.fmr"}, {1, 1, "two.fmr"}};
-    for (const auto& [wanted, shown, file] : steps) {
-        bar.setValue(wanted);
-        EXPECT_EQ(bar.value(), shown);
-        EXPECT_EQ(container.findChild<QLineEdit*>("MultiRunTC2")->text(), file);
-    }
+    bar.setValue(-1);
+    EXPECT_EQ(bar.value(), 2) << "it wraps";
+    bar.setValue(1);
+    EXPECT_EQ(container.findChild<QLineEdit*>("MultiRunTC2")->text(), "two.fmr");
     EXPECT_EQ(plot.visibleCurve().size(), 30U);
     EXPECT_EQ(timingOfRegion(session, 1).protocol.conditions[2].name, "Tools");
     EXPECT_EQ(timingOfRegion(session, 0).protocol.conditions[2].name, "Houses");

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dialogs/information_browser.h"
 #include "display/plots/plot_2d_dialog.h"
-#include "display/plots/plot_read_out.h"
 #include "display/plots/plotter.h"
 #include "regions/ui/roi_glm_dialog.h"
 #include "regions/ui/roi_glm_windows.h"
@@ -19,14 +18,14 @@
 namespace {
 
 /// A run of 40 volumes with the model of one condition, a constant and two regions.
-class RegionModel : public testing::Test {
+class RegionModel : public SessionFixture, protected DrivenWindow {
 protected:
     RegionModel() {
         session.functionalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
         document = session.functionalDocument.get();
         document->project.projectPath = "results/test.fmr";
         session.listeners.documentsArrived(*document);
-        session.regions.setDataFolder(folder.path() + "/data/");
+        session.regions.setDataFolder(path("data/"));
         WholeRunModel& model = document->wholeRunModel;
         model.studies = {{40, "test.fmr", "test.rtc"}};
         model.predictors = {{"Predictor: 1", "Faces", {}}, {"Predictor: 2", "", {}}};
@@ -59,22 +58,13 @@ protected:
         EXPECT_TRUE(fitWhitenedROIGLM(document->wholeRunModel, curve, fit, second));
         return roiGLMTable(fit, &second, {"Faces", "Predictor: 2"});
     }
-    QByteArray page() { return contentOf(folder.filePath("data/HTMLOutput/ROI_GLM_Info.html")); }
-    template<typename Widget> Widget* find(const char* name) {
-        return window.findChild<Widget*>(name);
-    }
+    QByteArray page() { return content("data/HTMLOutput/ROI_GLM_Info.html"); }
     static void deleteWhatLeft() {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
-    void accept() { QTest::mouseClick(find<QPushButton>("OkBtn"), Qt::LeftButton); }
+    ROIGLMDlg* dialog() { return window.findChild<ROIGLMDlg*>(); }
 
-    QTemporaryDir folder;
-    ScriptedMessages messages;
-    SimulatedPump pump;
-    ProbeDisplay display;
-    RunSession session{pump, display};
     QtCortivoDoc* document = nullptr;
-    QWidget window;
 };
 
 } // namespace
@@ -108,22 +98,16 @@ TEST_F(RegionModel, SaysWhatItLacksAndDoesNothingThen) {
         EXPECT_EQ(session.regions.roiGLMHindrance(), hindrance);
         EXPECT_EQ(session.regions.computeROIGLM(0, false).has_value(), !*hindrance) << hindrance;
         openROIGLMDialog(session, window);
-        EXPECT_EQ(window.findChild<ROIGLMDlg*>() != nullptr, !*hindrance) << hindrance;
-        delete window.findChild<ROIGLMDlg*>();
+        EXPECT_EQ(dialog() != nullptr, !*hindrance) << hindrance;
+        delete dialog();
     }
-}
-
-TEST_F(RegionModel, RegionsHaveNumbersFromZeroOn) {
-    for (const int number : {-1, 2})
-        EXPECT_FALSE(session.regions.computeROIGLM(number, false));
-    EXPECT_EQ(page(), "");
-    ASSERT_TRUE(session.regions.computeROIGLM(1, true));
-    EXPECT_EQ(page(), expectedPage(1));
 }
 
 TEST_F(RegionModel, AFlatCurveIsWarnedOfAndHasATable) {
     document->regions[0].TimeCourseValues.assign(40, 1000.1f);
     messages.expectWarning("WARNING: overdetermined matrix or no variance in time series !");
+    for (const int outside : {-1, 2})
+        EXPECT_FALSE(session.regions.computeROIGLM(outside, false));
     ASSERT_TRUE(session.regions.computeROIGLM(0, false));
     EXPECT_EQ(messages.shown(), messages.shownModeless());
     EXPECT_TRUE(page().contains("<td>1</td><td> 0.000</td><td> 0.000</td><td> 0.000</td>"
@@ -132,23 +116,21 @@ TEST_F(RegionModel, AFlatCurveIsWarnedOfAndHasATable) {
 
 TEST_F(RegionModel, IsChosenInADialogAndShownInTwoWindows) {
     openROIGLMDialog(session, window);
-    expectExplained(*window.findChild<ROIGLMDlg*>());
-    EXPECT_TRUE(find<QComboBox>("RegionCmBx")->isVisible() &&
-                find<QLabel>("RegionLbl")->isVisible());
-    EXPECT_EQ(find<QComboBox>("RegionCmBx")->count(), 2);
-    find<QComboBox>("RegionCmBx")->setCurrentText("ROI 2");
-    find<QCheckBox>("CorrectSerialCorrelationsOp")->setChecked(true);
-    accept();
+    expectExplained(*dialog());
+    EXPECT_TRUE(find<QLabel>("RegionLbl").isVisible());
+    EXPECT_EQ(find<QComboBox>("RegionCmBx").count(), 2);
+    find<QComboBox>("RegionCmBx").setCurrentText("ROI 2");
+    find<QCheckBox>("CorrectSerialCorrelationsOp").setChecked(true);
+    click("OkBtn");
     deleteWhatLeft();
-    EXPECT_FALSE(window.findChild<ROIGLMDlg*>());
+    EXPECT_FALSE(dialog());
     EXPECT_EQ(page(), expectedPage(1));
-    auto* plot = find<Plot2DDlg>("GLMPlot");
-    auto* browser = find<QTextBrowser>("InformationBrowser");
-    ASSERT_TRUE(plot && browser);
-    EXPECT_TRUE(plot->isVisible() && browser->isVisible());
-    EXPECT_EQ(plot->windowTitle(), "GLM - Data, Model and Residuals");
-    EXPECT_EQ(browser->window()->windowTitle(), "ROI Time Course - GLM Results");
-    EXPECT_TRUE(browser->toPlainText().contains("After Correction of Serial Correlations"));
+    auto& plot = find<Plot2DDlg>("GLMPlot");
+    auto& browser = find<QTextBrowser>("InformationBrowser");
+    EXPECT_TRUE(plot.isVisible() && browser.isVisible());
+    EXPECT_EQ(plot.windowTitle(), "GLM - Data, Model and Residuals");
+    EXPECT_EQ(browser.window()->windowTitle(), "ROI Time Course - GLM Results");
+    EXPECT_TRUE(browser.toPlainText().contains("After Correction of Serial Correlations"));
     expectExplained(*window.findChild<InformationBrowserDlg*>());
 
     // The next fit is shown in the same windows.
@@ -158,22 +140,21 @@ TEST_F(RegionModel, IsChosenInADialogAndShownInTwoWindows) {
         document->regions[0].TimeCourseValues[t] = 1.0f + float(t % 3);
     document->regions[0].CurrentTimePoint = 39;
     openROIGLMDialog(session, window);
-    EXPECT_FALSE(find<QComboBox>("RegionCmBx")->isVisible() ||
-                 find<QLabel>("RegionLbl")->isVisible());
-    accept();
-    EXPECT_FALSE(browser->toPlainText().contains("After Correction"));
-    EXPECT_EQ(plot->plotter().content().title, "test · ROI 1");
+    EXPECT_FALSE(find<QLabel>("RegionLbl").isVisible());
+    click("OkBtn");
+    EXPECT_FALSE(browser.toPlainText().contains("After Correction"));
+    EXPECT_EQ(plot.plotter().content().title, "test · ROI 1");
     EXPECT_EQ(window.findChildren<Plot2DDlg*>().size(), 1);
-    QTest::mouseClick(find<QPushButton>("CloseBtn"), Qt::LeftButton);
-    EXPECT_FALSE(browser->isVisible());
+    click("CloseBtn");
+    EXPECT_FALSE(browser.isVisible());
 }
 
 TEST_F(RegionModel, APageThatCannotBeWrittenOpensNoWindow) {
-    writeFile(folder.filePath("data"), "a file where the folder should be");
+    put("data", "a file where the folder should be");
     openROIGLMDialog(session, window);
     messages.expectWarning("ERROR: Can not save HTML table file - Write protection ?");
-    accept();
-    EXPECT_FALSE(find<Plot2DDlg>("GLMPlot") || find<QTextBrowser>("InformationBrowser"));
+    click("OkBtn");
+    EXPECT_FALSE(window.findChild<Plot2DDlg*>() || window.findChild<QTextBrowser*>());
 }
 
 TEST_F(RegionModel, TheDialogClosesWithItsRegions) {
@@ -182,11 +163,11 @@ TEST_F(RegionModel, TheDialogClosesWithItsRegions) {
                                              [&] { session.listeners.documentsLeaving(); }};
     for (const std::function<void()>& change : changes) {
         openROIGLMDialog(session, window);
-        ASSERT_TRUE(window.findChild<ROIGLMDlg*>());
+        ASSERT_TRUE(dialog());
         change();
-        EXPECT_FALSE(window.findChild<ROIGLMDlg*>()->isVisible());
+        EXPECT_FALSE(dialog()->isVisible());
         deleteWhatLeft();
-        EXPECT_FALSE(window.findChild<ROIGLMDlg*>());
+        EXPECT_FALSE(dialog());
     }
 }
 
@@ -205,8 +186,6 @@ TEST_F(RegionModel, ThePlotHasTheCurvesOfTheLastTable) {
         EXPECT_EQ(content.curves[i].legend, curves[i].first);
         EXPECT_EQ(content.curves[i].values, curves[i].second);
     }
-    EXPECT_EQ(readOut(content, 3), "Time: 3\nCurve 1: Data 14\nCurve 2: Model 13\n"
-                                   "Curve 3: Residuals 13");
     model.whitened = model.fit;
     model.whitened->data = {3, 4};
     model.whitened->whitenedBy = 0.25;

@@ -80,13 +80,31 @@ TEST_F(SessionPluginMapsTest, ARunShowsThemFromTheVolumeAtWhichTheyAreFilled) {
     ASSERT_TRUE(session.reloadData());
     EXPECT_EQ(session.functionalDocument->pluginMaps.map(2)[filled + 1], 0.0f);
     EXPECT_EQ(plugin_.thresholdsShown, std::vector{10.5f});
+    for (const auto& change : {std::function<void()>([this] { maps().toggleState(2, 1); }),
+                               {[this] { maps().showAlone(1); }},
+                               {[this] { maps().clear(); }}}) {
+        display.calls.clear();
+        change();
+        EXPECT_EQ(progressLog(), "views");
+    }
+    // The next plug-in doesn't find what this one has left.
+    EXPECT_EQ(session.functionalDocument->pluginMaps.NrOfPluginMaps, 0);
+    EXPECT_TRUE(session.functionalDocument->pluginMaps.PluginMaps.empty());
+    // Between two documents.
+    session.listeners.documentsLeaving();
+    display.calls.clear();
+    maps().show(true);
+    maps().setThreshold(3.0f);
+    EXPECT_EQ(progressLog(), "");
+    EXPECT_EQ(thresholds().Threshold, 9.5f);
 }
 
 TEST_F(SessionPluginMapsTest, TooManyKeepARunFromStartingUntilThePluginIsClosed) {
     writeSession(12, 2);
-    const char* told = "ERROR: The plug-in has registered 2147483647 maps, which need 2199.0 GB of "
-                       "memory. There is not as much.\n\nClose the window of the plug-in and start "
-                       "again.";
+    const char* told =
+        "ERROR: The plug-in has registered 2147483647 maps, which need 2199.0 GB of "
+        "memory. There is not that much.\n\nClose the window of the plug-in and start "
+        "again.";
     ASSERT_TRUE(maps().registerMaps(std::numeric_limits<int>::max()));
     messages.expectWarning(told);
     session.runButtonPressed();

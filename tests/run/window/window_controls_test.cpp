@@ -273,9 +273,10 @@ TEST_F(MainWindow, MapsOfAPluginTakeThePlaceOfTheContrasts) {
     EXPECT_EQ(header(), "Map");
     ASSERT_EQ(list.topLevelItemCount(), 1001);
     EXPECT_EQ(list.topLevelItem(1000)->text(0), QString(QChar(0x2026)) + " and 2 more");
-    maps.setName(1, "second");
+    maps.setName(1, "<i>second</i>");
     maps.updateList();
-    EXPECT_EQ(list.topLevelItem(1)->text(0), "second");
+    EXPECT_EQ(list.topLevelItem(1)->text(0), "<i>second</i>");
+    EXPECT_EQ(list.topLevelItem(1)->toolTip(0), "<p>&lt;i&gt;second&lt;/i&gt;</p>");
 
     const auto hasColor = [&](int row) {
         return !list.topLevelItem(row)->icon(ContrastList::Color).isNull();

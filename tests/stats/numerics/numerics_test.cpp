@@ -106,15 +106,11 @@ TEST(Svdfit, WeightedParabolaMatchesTheReference) {
     const std::vector<float> x = {0, 1, 2, 3, 4, 5, 6};
     const std::vector<float> y = {1, 2.5f, 3.1f, 7.2f, 11.9f, 19, 24.5f};
     const std::vector<float> sigma = {1, 2, 1, 0.5f, 1, 2, 1};
+    const auto parabola = [](float at, std::span<float> values) {
+        values[0] = 1, values[1] = at, values[2] = at * at;
+    };
     SVDFit fit;
-    ASSERT_TRUE(svdfit(
-        x, y, sigma, 3,
-        [](float at, std::span<float> values) {
-            values[0] = 1;
-            values[1] = at;
-            values[2] = at * at;
-        },
-        fit));
+    ASSERT_TRUE(svdfit(x, y, sigma, 3, parabola, fit));
     expectNear(fit.coefficients, {0.8992470719, 0.1872141662, 0.6320552147}, 1e-6);
     EXPECT_NEAR(fit.chiSquare, 1.2261712214, 1e-6);
 }

@@ -3,6 +3,7 @@
 #include <velo_cortivo_plugin.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
