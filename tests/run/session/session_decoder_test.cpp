@@ -126,6 +126,7 @@ TEST_F(SessionDecoderTest, ALetterComesOneVolumeAfterItsWindowOrAtTheEndOfTheRun
         for (const QString& picture : pictures("*"))
             QFile::remove(path("feedback/" + picture));
         QFile::remove(path(output_));
+        QFile::remove(path("results/ScaledTaskVOIWeights.txt"));
         screen.letters.clear();
         screen.lines.clear();
         selectAt_ = test.selectAt;
@@ -142,6 +143,7 @@ TEST_F(SessionDecoderTest, ALetterComesOneVolumeAfterItsWindowOrAtTheEndOfTheRun
         EXPECT_TRUE(letters.startsWith(best) || best.startsWith(letters));
         letters = best;
         EXPECT_EQ(content(output_), screen.lines.toUtf8());
+        EXPECT_TRUE(QFile::exists(path("results/ScaledTaskVOIWeights.txt")));
         EXPECT_EQ(screen.lines.count("Rank 1: "), best.size());
         EXPECT_EQ(pictures("LetterDisplay-*.png").size(), test.volumes);
         EXPECT_TRUE(QFile::exists(path("feedback/LetterDisplay-1.png")));
