@@ -241,6 +241,9 @@ TEST_F(SessionDecoderTest, TheOperatorGoesThroughTheLettersOfAFinishedRun) {
     EXPECT_EQ(session.decoder.decoder().decodedText(0), best.first(2));
     session.regions.removeAll();
     EXPECT_EQ(session.decoder.letterHindrance(), "The run needs 6 to 6 ROIs");
+    session.changeSettingsFile(path("other-1.vco"));
+    EXPECT_EQ(session.decoder.letterHindrance(), "There is no run in memory");
+    EXPECT_EQ(text(), "  ");
 }
 
 TEST_F(SessionDecoderTest, AnOutputFileThatCanNotBeOpenedSkipsTheLetter) {
