@@ -47,6 +47,9 @@ int openDescriptor(const QString& path) {
 } // namespace
 
 bool openPlainFile(QFile& file, QIODevice::OpenMode mode) {
+    if (file.fileName().startsWith(
+            ":/")) // a resource of the program, of which there is no descriptor
+        return file.open(mode);
     const int descriptor = openDescriptor(file.fileName());
     if (descriptor < 0)
         return false;

@@ -5,7 +5,9 @@
 #include <utility>
 
 void LetterDecoder::begin(DecoderSettings settings, ReferenceCurves references, Source source) {
+    auto mayDecode = std::move(mayDecode_);
     *this = {};
+    mayDecode_ = std::move(mayDecode);
     settings_ = std::move(settings);
     references_ = std::move(references);
     source_ = source;
@@ -59,7 +61,8 @@ std::optional<LetterDecoding> LetterDecoder::decodeNext(const ROICurves& curves)
 }
 
 std::optional<LetterDecoding> LetterDecoder::decode(const ROICurves& curves) {
-    if (!isReady() || letter_ >= settings_.NrOfLetters)
+    if (!isReady() || letter_ >= settings_.NrOfLetters || !windowIsWhole(settings_, letter_) ||
+        (mayDecode_ && !mayDecode_()))
         return std::nullopt;
     std::optional<LetterDecoding> decoding = decodeLetter(settings_, references_, curves, letter_);
     if (!decoding)

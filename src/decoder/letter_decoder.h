@@ -5,6 +5,7 @@
 #include "decoder/letter_decoding.h"
 
 #include <QString>
+#include <functional>
 
 /// Fed with curves; a run that is measured and a file of curves pass through the same object.
 class LetterDecoder {
@@ -14,6 +15,9 @@ public:
 
     /// Begins anew: no letters, no curves. Without references nothing is decoded.
     void begin(DecoderSettings settings, ReferenceCurves references, Source source);
+    /// Asked before each letter whose window is whole; where it gives false the letter is skipped:
+    /// it is counted, but neither decoded nor appended. Without one all are decoded.
+    void setGate(std::function<bool()> mayDecode) { mayDecode_ = std::move(mayDecode); }
     [[nodiscard]] bool isReady() const; ///< references fit the settings, points and ROIs are known
     [[nodiscard]] const DecoderSettings& settings() const { return settings_; }
     /// Choices that may change between two letters: scores, four-letter mode.
@@ -47,6 +51,7 @@ private:
     std::optional<LetterDecoding> decodeNext(const ROICurves& curves);
     std::optional<LetterDecoding> decode(const ROICurves& curves);
 
+    std::function<bool()> mayDecode_;
     DecoderSettings settings_ = defaultDecoderSettings();
     ReferenceCurves references_;
     Source source_ = Source::Run;

@@ -21,7 +21,7 @@ RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : journal(listeners, pump), regions({settings, phase, report, requests, listeners}),
       multiRun({settings, requests, report, listeners}),
       feedback({settings, phase, report, requests, listeners, pump}),
-      classifier({settings, phase, listeners}),
+      classifier({settings, phase, listeners}), decoder({settings, phase, report, listeners}),
       pluginMaps({phase, requests, listeners, display, [this] { mapsChanged(); }}),
       makeReader(makeVolumeReader), pump_(pump), display_(display),
       operatorRecords_(listeners, requests) {

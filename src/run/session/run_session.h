@@ -17,6 +17,7 @@
 #include "run/replay/operator_records.h"
 #include "run/replay/run_journal.h"
 #include "run/session/session_classifier.h"
+#include "run/session/session_decoder.h"
 #include "run/session/session_feedback.h"
 #include "run/session/session_multi_run.h"
 #include "run/session/session_plugin_maps.h"
@@ -138,6 +139,7 @@ public:
     SessionMultiRun multiRun;
     SessionFeedback feedback;
     SessionClassifier classifier;
+    SessionDecoder decoder;
     SessionPluginMaps pluginMaps;
     bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();

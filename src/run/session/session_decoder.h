@@ -5,6 +5,7 @@
 #include "decoder/decoder_files.h"
 #include "decoder/empirical_responses.h"
 #include "decoder/letter_decoder.h"
+#include "run/loop/feedback_files.h"
 #include "run/loop/run_listeners.h"
 
 #include <QImage>
@@ -29,19 +30,27 @@ public:
 /// What the operator prepares: settings, and the files with references and, offline, the data.
 struct DecoderPreparation {
     DecoderSettings settings = defaultDecoderSettings(); ///< weights as entered, not yet scaled
-    QString referencesPath = idealResponsesFileName; ///< without a folder: the one of the program
+    /// Without a folder it is looked for in the target folder, then among those of the program. Its
+    /// curves must have IdealResponseWindowSize points.
+    QString referencesPath = idealResponsesFileName;
     bool offline = false;
-    QString dataPath; ///< offline: the curves
+    /// Offline: the curves. The file must have the NrOfDataROIs and the NrOfTimePoints of the
+    /// settings.
+    QString dataPath;
 };
 
 /// A member of the session. While its window is open it takes the step of each volume, decodes the
 /// letter that is due, and writes log, letters and pictures. Offline it decodes a file of curves.
+///
+/// Letters that became due while the window was closed, or while the run had too few regions, are
+/// decoded at the next volume, without pictures. What volumes gave that are played in a recovery,
+/// log and pictures, is not given again. The preparation stays for further runs.
 class SessionDecoder : public RunListener {
 public:
     struct Parts {
         const RunSettings& settings;
         const SessionPhase& phase;
-        RunReport& report;
+        const RunReport& report;
         RunListeners& listeners;
     };
 
@@ -52,31 +61,44 @@ public:
     void close();
     [[nodiscard]] bool isOpen() const { return screen_ != nullptr; }
 
-    /// As the preparation dialog begins: expected time points are those of the run.
+    /// As the preparation dialog begins: expected time points are those of the run, unless the
+    /// decoder works offline.
     [[nodiscard]] DecoderPreparation preparation() const;
-    /// Loads references and data, scales the weights, writes ScaledTaskVOIWeights.txt. False, after
-    /// a message and without any data, when something can't be loaded.
+    /// Loads references and data, scales the weights, writes ScaledTaskVOIWeights.txt, and begins
+    /// with the first letter. False, after a message and without any data, when something can't be
+    /// loaded or doesn't fit the settings. A run that is longer or shorter than the one that it was
+    /// prepared for is expected to have its own number of volumes.
     bool prepare(const DecoderPreparation& preparation);
-    /// "Reload ROI Data": the offline curves anew, from the first letter.
+    /// "Reload ROI Data": the offline curves anew, from the first letter. False like prepare(), and
+    /// unless it works offline.
     bool reloadROIDataForOfflineAnalysis();
 
     void useOnlyCorrForComparisonWithIdealResponses();
     void useCorrForShapeAndBetaForTaskSelection();
     void changeABCDMode(bool on);
-    /// Why another letter can't be gone to now; empty when it can.
+    /// Why another letter can't be gone to now; empty when it can. Going to one does nothing then.
     [[nodiscard]] QString letterHindrance() const;
     void goToNextLetter();
     void goToPreviousLetter();
-    /// Offline: one volume more, as the timer has it. False at the end of the data.
+    /// Offline: one volume more, as the timer has it. False at the end of the data, without data,
+    /// and while a run is prepared or recorded.
     bool nextTR();
 
     [[nodiscard]] const LetterDecoder& decoder() const { return decoder_; }
     /// What is decoded: of the run so far, or of the file.
     [[nodiscard]] const ROICurves& curves() const { return curves_; }
     [[nodiscard]] const ReferenceCurves& references() const { return references_; }
+    [[nodiscard]] bool isOffline() const { return preparation_.offline; }
+    /// Where letters are logged: the target folder, or that of the data. Auto-Decoded.txt for data
+    /// without a name, else `_AUTODECODED_<name>.txt`.
+    [[nodiscard]] QString outputPath() const;
+    /// Pictures that could not be written, for the operator; empty when all is well.
+    [[nodiscard]] QString fault() const;
 
-    /// Makes reference responses from the run in memory, or from a file of curves and a protocol,
-    /// and writes them. False after a message.
+    /// Why reference responses can't be made from the run in memory now; empty when they can.
+    [[nodiscard]] QString responsesHindrance() const;
+    /// Makes reference responses from the run in memory, or from a file of curves and a protocol in
+    /// volumes, and writes them. False after a message.
     bool createEmpiricalResponses(const EmpiricalOptions& options, const QString& path);
     bool createEmpiricalResponses(const EmpiricalOptions& options, const QString& curvesPath,
                                   const QString& protocolPath, const QString& path);
@@ -85,21 +107,47 @@ public:
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override;
     void runPrepared(QtCortivoDoc& functional) override;
+    void regionsChanged(QtCortivoDoc& functional) override;
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
     void loopEnded(QtCortivoDoc& document) override;
 
 private:
-    void takeCurves(const QtCortivoDoc& document, int volume);
-    void take(const std::optional<LetterDecoding>& decoding);
-    void writeLog(const LetterDecoding& decoding);
-    void savePicture(const LetterDecoding& decoding);
+    [[nodiscard]] QString targetFolder() const;
+    [[nodiscard]] QString outputFolder() const;
+    [[nodiscard]] QString dataName() const;
+    [[nodiscard]] QString referencesPath() const;
+    [[nodiscard]] int pointsOfRun() const;
+    [[nodiscard]] bool isPrepared() const { return !references_[0].empty(); }
+    [[nodiscard]] bool runHasROIs() const;
+    bool loadReferencesOfPreparation();
+    bool loadData();
+    void writeScaledWeights();
+    void restart();
+    void changeScores(bool useCorr, bool useBeta);
+    void refresh();
+    void log(const QString& text);
+
+    void takeCurves(int volume);
+    void takeMeasuredCurves();
+    void takeVolumes(const VolumeAtHand& hand);
+    void goTo(std::optional<LetterDecoding> (LetterDecoder::*step)(const ROICurves&));
+    void take(const std::optional<LetterDecoding>& decoding, bool withPicture);
+    bool appendToOutput(const QByteArray& text);
+    void savePicture(int letter);
+    bool writeResponses(const EmpiricalOptions& options, std::span<const std::vector<float>> curves,
+                        const StimulationProtocol& protocol, double TR, const QString& path);
 
     Parts parts_;
     DecoderScreen* screen_ = nullptr;
     QtCortivoDoc* document_ = nullptr;
+    bool settingsChanged_ = false; ///< since the documents arrived
     DecoderPreparation preparation_;
+    int preparedPoints_ = 0; ///< volumes of the run that it was prepared for
     LetterDecoder decoder_;
-    ReferenceCurves references_;
+    ReferenceCurves references_; ///< empty unless it is prepared
     ROICurves curves_;
-    int nrOfOfflinePoints_ = 0;
+    bool played_ = false; ///< the letter at hand became due at a volume that is played
+    int lastPlayed_ = -1; ///< volume
+    FeedbackFiles displays_;
+    FeedbackFiles pictures_;
 };
