@@ -207,13 +207,10 @@ void BOLDDecodingSettingsDlg::selectRealTimeAnalysisOp() {
     refreshData();
 }
 
-// A file brings its own number of regions and points.
 void BOLDDecodingSettingsDlg::refreshData() {
     const bool offline = ui_->OfflineAnalysisOp->isChecked();
     ui_->OfflineRTCFileEd->setEnabled(offline);
     ui_->SelectOfflineRTCFileBtn->setEnabled(offline);
-    ui_->NrOfVOIsSpBx->setEnabled(!offline);
-    ui_->NrOfTimePointsSpBx->setEnabled(!offline);
 }
 
 void BOLDDecodingSettingsDlg::loadWeights() {

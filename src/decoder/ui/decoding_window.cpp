@@ -148,10 +148,14 @@ void BOLDDecodingMW::fitGLMForLetter(int nrOfPoints, float* curve, float* refere
     ::fitGLMForLetter(nrOfPoints, {curve, points}, {reference, points}, slope, constant);
 }
 
+bool BOLDDecodingMW::mayRunWithTimer() const {
+    return decoder_.isOffline() && decoder_.letterHindrance().isEmpty();
+}
+
 void BOLDDecodingMW::runWithTimer() {
     if (timer_.isActive())
         timer_.stop();
-    else if (decoder_.mayRunWithTimer())
+    else if (mayRunWithTimer())
         timer_.start(decoder_.decoder().settings().TimerInterval);
     refreshActions();
 }
@@ -164,7 +168,7 @@ void BOLDDecodingMW::nextTR() {
 }
 
 void BOLDDecodingMW::slotPreparationMenuAboutToShow() {
-    refreshActions();
+    ui_->EmpiricalFromVCOAction->setEnabled(decoder_.responsesHindrance().isEmpty());
 }
 
 void BOLDDecodingMW::useOnlyCorrForComparisonWithIdealResponses() {
@@ -194,7 +198,8 @@ void BOLDDecodingMW::refresh() {
     refreshReferences();
     refreshLetters();
     refreshActions();
-    ui_->StatusBar->showMessage(decoderStateText(decoder_.decoder()));
+    const QString fault = decoder_.fault();
+    ui_->StatusBar->showMessage(fault.isEmpty() ? decoderStateText(decoder_.decoder()) : fault);
 }
 
 void BOLDDecodingMW::refreshPlots() {
@@ -219,8 +224,8 @@ void BOLDDecodingMW::refreshReferences() {
 void BOLDDecodingMW::refreshLetters() {
     const LetterDecoder& decoder = decoder_.decoder();
     const DecoderSettings& settings = decoder.settings();
-    ui_->LetterMatrix->setBest(decoder.latest(), settings.findsFourLetters());
-    ui_->LetterMatrix->setStage(stageAt(settings, decoder.currentVolume()));
+    ui_->LetterDisplay->setBest(decoder.latest(), settings.findsFourLetters());
+    ui_->LetterDisplay->setStage(stageAt(settings, decoder.currentVolume()));
     int rank = 0;
     for (QLineEdit* field : {ui_->DecodedText1Ed, ui_->DecodedText2Ed, ui_->DecodedText3Ed}) {
         const QString& text = decoder.decodedText(rank++);
@@ -231,21 +236,20 @@ void BOLDDecodingMW::refreshLetters() {
 
 void BOLDDecodingMW::refreshActions() {
     const DecoderSettings& settings = decoder_.decoder().settings();
-    const bool offline = decoder_.preparation().offline;
-    const bool mayGo = decoder_.letterHindrance().isEmpty();
+    const bool mayGo = decoder_.letterHindrance().isEmpty() && !timer_.isActive();
     for (QAction* action :
          {ui_->NextLetterAction, ui_->PreviousLetterAction, ui_->ProcessLetterAction})
-        action->setEnabled(mayGo && !timer_.isActive());
-    ui_->RunWithTimerAction->setEnabled(timer_.isActive() || decoder_.mayRunWithTimer());
+        action->setEnabled(mayGo);
+    ui_->RunWithTimerAction->setEnabled(timer_.isActive() || mayRunWithTimer());
     ui_->RunWithTimerAction->setChecked(timer_.isActive());
-    ui_->ReloadROIDataAction->setEnabled(offline);
+    ui_->ReloadROIDataAction->setEnabled(decoder_.isOffline());
     ui_->ABCDModeAction->setChecked(settings.ABCDMode);
     ui_->OnlyCorrAction->setChecked(settings.UseCorr && !settings.UseBeta);
     ui_->CorrAndBetaAction->setChecked(settings.UseCorr && settings.UseBeta);
 }
 
 QImage BOLDDecodingMW::letterDisplay() {
-    return ui_->LetterMatrix->grab().toImage();
+    return ui_->LetterDisplay->grab().toImage();
 }
 
 QImage BOLDDecodingMW::windowPicture() {

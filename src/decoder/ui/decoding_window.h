@@ -65,6 +65,7 @@ private:
     void connectActions();
     void connectCurveActions();
     void showInDataPlot(ShownROIs shown);
+    [[nodiscard]] bool mayRunWithTimer() const;
     void refreshActions();
     void refreshPlots();
     void refreshReferences();

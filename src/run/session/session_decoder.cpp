@@ -246,6 +246,10 @@ void SessionDecoder::goToPreviousLetter() {
     goTo(&LetterDecoder::goToPreviousLetter);
 }
 
+void SessionDecoder::processCurrentLetterWindow() {
+    goTo(&LetterDecoder::processCurrentLetterWindow);
+}
+
 void SessionDecoder::goTo(
     std::optional<LetterDecoding> (LetterDecoder::*step)(const ROICurves& curves)) {
     if (!letterHindrance().isEmpty())

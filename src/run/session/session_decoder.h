@@ -80,6 +80,8 @@ public:
     [[nodiscard]] QString letterHindrance() const;
     void goToNextLetter();
     void goToPreviousLetter();
+    /// The current letter once more, whose result is appended again.
+    void processCurrentLetterWindow();
     /// Offline: one volume more, as the timer has it. False at the end of the data, without data,
     /// and while a run is prepared or recorded.
     bool nextTR();
