@@ -43,8 +43,8 @@ void setUpTable(QTableWidget& table) {
             item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
             table.setItem(row, column, item);
         }
-    table.setMinimumHeight(table.horizontalHeader()->sizeHint().height() +
-                           visibleRows * table.rowHeight(0) + 2 * table.frameWidth() + 2);
+    table.setFixedHeight(table.horizontalHeader()->sizeHint().height() +
+                         visibleRows * table.rowHeight(0) + 2 * table.frameWidth() + 2);
 }
 
 } // namespace
@@ -237,8 +237,7 @@ void BOLDDecodingSettingsDlg::saveWeights() {
         return;
     chooseFileToSave(
         "Select file for storing VOI weighting pattern for each task", {}, weightsFilter,
-        [text = weightsText(*weights)](const QString& path) { writeText(path, text); },
-        &chooser_);
+        [text = weightsText(*weights)](const QString& path) { writeText(path, text); }, &chooser_);
 }
 
 void BOLDDecodingSettingsDlg::loadDefaultSettings() {
@@ -265,9 +264,7 @@ void BOLDDecodingSettingsDlg::saveDefaultSettings() {
         return showWarning(fault);
     chooseFileToSave(
         "Save BDS File", {}, settingsFilter,
-        [text = decoderSettingsText(settings)](const QString& path) {
-            writeText(path, text);
-        },
+        [text = decoderSettingsText(settings)](const QString& path) { writeText(path, text); },
         &chooser_);
 }
 

@@ -212,8 +212,8 @@ void BOLDDecodingMW::refreshReferences() {
     const DecoderSettings& settings = decoder.settings();
     for (int reference = 0; reference < LetterCode::nrOfReferences; ++reference) {
         ReferencePlot& plot = *references_[size_t(reference)];
-        plot.setContent(referencePlotContent(settings, reference,
-                                             decoder_.references()[size_t(reference)]));
+        plot.setContent(
+            referencePlotContent(settings, reference, decoder_.references()[size_t(reference)]));
         std::optional<std::array<TaskMark, LetterCode::nrOfTasks>> marks;
         if (decoder.latest())
             marks = marksOf(*decoder.latest(), reference, settings.UseCorr && settings.UseBeta);

@@ -17,8 +17,8 @@ namespace Ui {
 class BOLDDecodingMW;
 }
 
-/// Shows what the session's decoder finds: the curves of the latest letter, its scores with the nine
-/// references, the letters and the log. The decoder works while this window is shown.
+/// Shows what the session's decoder finds: the curves of the latest letter, its scores with the
+/// nine references, the letters and the log. The decoder works while this window is shown.
 class BOLDDecodingMW : public QMainWindow, public DecoderScreen {
     Q_OBJECT
 
@@ -76,7 +76,7 @@ private:
     std::array<QCheckBox*, nrOfDecoderROIs> dataCurves_;
     std::array<ReferencePlot*, LetterCode::nrOfReferences> references_;
     ShownROIs shown_ = 0b111111;
-    QTimer timer_;
+    QTimer timer_{this};
 };
 
 /// Shows the window, as a child of the main one, or raises it.

@@ -55,15 +55,14 @@ EmpiricalOptions CreateEmpiricalResponsesDlg::options() const {
     options.PreTrialBeginDataPoints = ui_->PreTrialBeginDataPointsSpBx->value();
     options.PostTrialDataPoints = ui_->PostTrialDataPointsSpBx->value();
     options.ShortestTaskDuration = ui_->ShortestTaskDurationSpBx->value();
-    options.rois = ui_->IncludeSMAsForIdealResponsesBtn->isChecked()      ? ResponseROIs::All
+    options.rois = ui_->IncludeSMAsForIdealResponsesBtn->isChecked()     ? ResponseROIs::All
                    : ui_->UseOnlySMAROIsForIdealResponsesOp->isChecked() ? ResponseROIs::Helpers
                                                                          : ResponseROIs::Tasks;
     return options;
 }
 
 QLineEdit* CreateEmpiricalResponsesDlg::missingFile() const {
-    for (QLineEdit* field :
-         {ui_->DataRTCFileEd, ui_->ProtocolFileEd, ui_->IdealResponsesFileEd})
+    for (QLineEdit* field : {ui_->DataRTCFileEd, ui_->ProtocolFileEd, ui_->IdealResponsesFileEd})
         if (!field->isHidden() && field->text().trimmed().isEmpty())
             return field;
     return nullptr;

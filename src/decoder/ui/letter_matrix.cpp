@@ -20,11 +20,16 @@ QPixmap pictureOfStage(int stage) {
     return QPixmap(QStringLiteral(":/resources/%1.bmp").arg(isStage ? names[stage] : "cue"));
 }
 
-/// The largest size in which a wide letter fits into the cell.
+/// The largest size in which the widest letter fits into the cell.
 QFont letterFont(const QFont& base, const QRectF& cell) {
+    constexpr double leastSize = 8.0;
     QFont font = base;
     font.setBold(true);
-    font.setPixelSize(std::max(8, int(std::min(cell.height() * 0.82, cell.width() * 0.92))));
+    double size = std::max(cell.height() * 0.82, leastSize);
+    font.setPixelSize(int(size));
+    const double room = cell.width() - 6.0;
+    size *= std::min(1.0, room / QFontMetricsF(font).horizontalAdvance(u'W'));
+    font.setPixelSize(std::max(int(size), int(leastSize)));
     return font;
 }
 
@@ -61,8 +66,8 @@ QRectF LetterMatrix::lettersArea() const {
 
 QRectF LetterMatrix::cell(const LetterCode& code) const {
     const QRectF area = lettersArea();
-    const double width = (area.width() - (LetterCode::nrOfOnsets - 1) * groupGap) /
-                         LetterCode::nrOfReferences;
+    const double width =
+        (area.width() - (LetterCode::nrOfOnsets - 1) * groupGap) / LetterCode::nrOfReferences;
     const double rowHeight =
         (area.height() - (LetterCode::nrOfTasks - 1) * groupGap) / LetterCode::nrOfTasks;
     return {area.left() + code.reference * width + code.onset() * groupGap,
@@ -120,9 +125,9 @@ void LetterMatrix::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const double width = this->width() - 2 * margin;
-    painter.drawPixmap(QRectF(margin, margin, width,
-                              picture_.height() * width / std::max(picture_.width(), 1)),
-                       picture_, picture_.rect());
+    painter.drawPixmap(
+        QRectF(margin, margin, width, picture_.height() * width / std::max(picture_.width(), 1)),
+        picture_, picture_.rect());
     paintCaptions(painter);
     painter.setFont(letterFont(font(), cell({0, 0})));
     for (int task = 0; task < LetterCode::nrOfTasks; ++task)

@@ -7,9 +7,9 @@
 #include <QPixmap>
 #include <QWidget>
 
-/// Three rows of tasks; in each nine letters, by onset and then by duration. Above them stands where
-/// in the time of a letter the subject is. The best three letters are filled with the colours of
-/// their ranks; letters whose task is performed in the current stage are bright and underlined.
+/// Three rows of tasks; in each nine letters, by onset and then by duration. Above them stands
+/// where in the time of a letter the subject is. The best three letters are filled with the colours
+/// of their ranks; letters whose task is performed in the current stage are bright and underlined.
 class LetterMatrix : public QWidget {
     Q_OBJECT
 
@@ -19,8 +19,8 @@ public:
     /// -1 for the cue, before the first letter.
     void setStage(int stage);
     [[nodiscard]] int stage() const { return stage_; }
-    /// Nothing for no marks. `fourLetters`: only those that the four-letter mode can find are shown,
-    /// under their names.
+    /// Nothing for no marks. `fourLetters`: only those that the four-letter mode can find are
+    /// shown, under their names.
     void setBest(const std::optional<LetterDecoding>& decoding, bool fourLetters);
     /// The place of a letter in the widget.
     [[nodiscard]] QRectF cell(const LetterCode& code) const;
