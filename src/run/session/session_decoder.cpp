@@ -57,7 +57,7 @@ void SessionDecoder::log(const QString& text) {
 }
 
 QString SessionDecoder::targetFolder() const {
-    const bool ofRun = document_ && !settingsChanged_ && !document_->project.targetFolder.isEmpty();
+    const bool ofRun = document_ && !document_->project.targetFolder.isEmpty();
     return ofRun ? document_->project.targetFolder : parts_.settings.TargetFolder;
 }
 
@@ -90,7 +90,7 @@ QString SessionDecoder::fault() const {
 }
 
 int SessionDecoder::pointsOfRun() const {
-    const bool ofRun = document_ && !settingsChanged_ && document_->project.NrOfVolumes > 0;
+    const bool ofRun = document_ && document_->project.NrOfVolumes > 0;
     return std::max(ofRun ? document_->project.NrOfVolumes : parts_.settings.nrOfAnalysedVolumes(),
                     0);
 }
@@ -230,7 +230,7 @@ QString SessionDecoder::letterHindrance() const {
         return QStringLiteral("The decoding is not prepared");
     if (preparation_.offline)
         return {};
-    if (!document_)
+    if (!document_ || recordedVolumes(parts_.report, document_->project) == 0)
         return QStringLiteral("There is no run in memory");
     return runHasROIs() ? QString()
                         : QStringLiteral("The run needs %1 to %2 ROIs")
@@ -340,11 +340,9 @@ void SessionDecoder::loopEnded(QtCortivoDoc&) {
     take(decoder_.endRun(curves_), lastPlayed_ < decoder_.currentVolume());
 }
 
+// The document stays for a while, but names and folders are those of another run.
 void SessionDecoder::settingsFileChanged() {
-    settingsChanged_ = true;
-    if (!preparation_.offline)
-        restart();
-    refresh();
+    documentsLeaving();
 }
 
 void SessionDecoder::documentsLeaving() {
@@ -356,7 +354,6 @@ void SessionDecoder::documentsLeaving() {
 
 void SessionDecoder::documentsArrived(QtCortivoDoc& functional) {
     document_ = &functional;
-    settingsChanged_ = false;
     lastPlayed_ = -1;
 }
 

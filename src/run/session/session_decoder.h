@@ -142,7 +142,6 @@ private:
     Parts parts_;
     DecoderScreen* screen_ = nullptr;
     QtCortivoDoc* document_ = nullptr;
-    bool settingsChanged_ = false; ///< since the documents arrived
     DecoderPreparation preparation_;
     int preparedPoints_ = 0; ///< volumes of the run that it was prepared for
     LetterDecoder decoder_;

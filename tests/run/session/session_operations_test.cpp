@@ -23,6 +23,11 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
     put("one.svm", "svm_type c_svc\nkernel_type linear\nnr_class 2\ntotal_sv 2\nrho 0\n"
                    "label 1 -1\nnr_sv 1 1\nSV\n1 1:1\n-1 1:-1\n");
     session.classifier.chooseModel(path("one.svm"));
+    put("curves.rtc", "NrOfRTCs: 3\nNrOfValues: 2\n" +
+                          QByteArray("VOI\nA: 1 B: 2 C: 3 D: 4 E: 5 F: 6\n100\n101\n").repeated(3));
+    DecoderPreparation offline{.offline = true, .dataPath = path("curves.rtc")};
+    offline.settings.NrOfDataROIs = 3;
+    offline.settings.NrOfTimePoints = 2;
     const auto starts = [this] { return display.calls.count("starting"); };
     // Does it, and tells whether anything came of it; and where something does.
     const std::tuple<const char*, std::function<bool()>, std::set<Phase>> operations[] = {
@@ -73,6 +78,27 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
          },
          {Phase::Idle, Phase::Preparing, Phase::Recording, Phase::Saving, Phase::Reloading,
           Phase::PostProcessing, Phase::Analysing}},
+        {"preparation of the letter decoder",
+         [&] {
+             return session.decoder.prepare(offline) &&
+                    session.decoder.reloadROIDataForOfflineAnalysis();
+         },
+         {Phase::Idle, Phase::Preparing, Phase::Recording, Phase::Saving, Phase::Reloading,
+          Phase::PostProcessing, Phase::Analysing}},
+        {"another letter, or volume of a file",
+         [&] {
+             session.decoder.reloadROIDataForOfflineAnalysis();
+             session.decoder.goToNextLetter();
+             session.decoder.goToNextLetter();
+             session.decoder.goToPreviousLetter();
+             const bool goes = session.decoder.decoder().currentLetter() == 0;
+             EXPECT_EQ(session.decoder.letterHindrance().isEmpty(), goes);
+             return session.decoder.nextTR() && goes;
+         },
+         {Phase::Idle, Phase::Saving, Phase::Reloading, Phase::PostProcessing, Phase::Analysing}},
+        {"responses for the letter decoder",
+         [&] { return session.decoder.responsesHindrance().isEmpty(); },
+         {Phase::Idle, Phase::Saving, Phase::Reloading, Phase::PostProcessing, Phase::Analysing}},
         {"active for plug-ins", [&] { return session.phase.runActive(); }, {Phase::Recording}},
         {"warnings wait for nobody",
          [&] { return session.messagesAreModeless(MessageLevel::Warning); },
