@@ -54,6 +54,8 @@ BOLDDecodingSettingsDlg::BOLDDecodingSettingsDlg(SessionDecoder& decoder, QWidge
       preparation_(decoder.preparation()) {
     ui_->setupUi(this);
     setUpTable(*ui_->TaskVOIWeightsTable);
+    // A group box does not make room for its title.
+    ui_->RoleGrpBx->setMinimumWidth(fontMetrics().horizontalAdvance(ui_->RoleGrpBx->title()) + 32);
     connectControls();
     setUpEditing();
     showPreparation();
