@@ -217,9 +217,8 @@ void SessionDecoder::takeCurves(int volume) {
                                       : std::vector<float>(size_t(std::max(volume + 1, 0)), 0.5f);
 }
 
-// While a run is recorded each volume does it.
 void SessionDecoder::takeMeasuredCurves() {
-    if (!preparation_.offline && document_ && !parts_.phase.runActive())
+    if (!preparation_.offline && document_)
         takeCurves(recordedVolumes(parts_.report, document_->project) - 1);
 }
 

@@ -76,7 +76,7 @@ protected:
         session.settings.NrOfVolumesToSkip = 0;
     }
     void selectRegions() {
-        for (int i = 0; i < nrOfRegions; ++i)
+        for (int i = 0; i < nrOfRegions_; ++i)
             EXPECT_TRUE(session.regions.selectRectangle({i % 4, i, i + 2, i, i + 2}));
     }
     [[nodiscard]] DecoderPreparation own() const {
@@ -93,7 +93,7 @@ protected:
     }
     [[nodiscard]] QString text() const { return lettersOf(session.decoder.decoder()); }
 
-    static constexpr int nrOfRegions = 6;
+    int nrOfRegions_ = 6;
     const QString output_ = "results/_AUTODECODED_test.txt";
     std::function<void(int)> atVolume;
     int selectAt_ = 0;
@@ -200,6 +200,27 @@ TEST_F(SessionDecoderTest, AFileOfTheCurvesGivesTheLettersOfTheRun) {
     }
 }
 
+TEST_F(SessionDecoderTest, ARunNeedsThreeToSixRegionsAndThoseThatAreExpected) {
+    Screen screen(session);
+    const std::tuple<int, int, int> cases[] = {
+        {2, 2, 0}, {3, 3, 3}, {5, 6, 0}, {6, 5, 3}, {7, 6, 0}};
+    for (const auto& [regions, expected, letters] : cases) {
+        SCOPED_TRACE(regions);
+        screen.letters.clear();
+        nrOfRegions_ = regions;
+        write(32);
+        DecoderPreparation preparation = own();
+        preparation.settings.NrOfDataROIs = expected;
+        ASSERT_TRUE(session.decoder.prepare(preparation));
+        session.runButtonPressed();
+        EXPECT_EQ(int(screen.letters.size()), letters);
+        EXPECT_EQ(session.decoder.letterHindrance().isEmpty(), letters > 0);
+        EXPECT_EQ(session.decoder.curves()[5], regions < 6 || expected < 6
+                                                   ? std::vector<float>(32, 0.5f)
+                                                   : (*session.regions.list())[5].TimeCourseValues);
+    }
+}
+
 TEST_F(SessionDecoderTest, TheOperatorGoesThroughTheLettersOfAFinishedRun) {
     Screen screen(session);
     ASSERT_TRUE(session.decoder.prepare(own()));
@@ -293,6 +314,9 @@ TEST_F(SessionDecoderTest, APlayedVolumeGivesNothingAgain) {
         EXPECT_EQ(pictures("BOLDDecoder-*"), QStringList("BOLDDecoder-test-3.png"));
         ASSERT_TRUE(QFile::rename(path("kept.vcj"), journal));
     }
+    atVolume = {};
+    runAgain();
+    EXPECT_EQ(content(output_).count("Letter "), 6) << "the next run is measured";
 }
 
 TEST_F(SessionDecoderTest, ResponsesAreMadeFromARunOrFromFiles) {
@@ -310,7 +334,9 @@ TEST_F(SessionDecoderTest, ResponsesAreMadeFromARunOrFromFiles) {
                              .PostTrialDataPoints = 3,
                              .ShortestTaskDuration = 2};
     ASSERT_TRUE(session.decoder.createEmpiricalResponses(options, path("run.rtc")));
-    EXPECT_TRUE(loadReferences(path("run.rtc")));
+    const auto references = loadReferences(path("run.rtc"));
+    ASSERT_TRUE(references);
+    EXPECT_EQ((*references)[3][5], (*references)[0][0]) << "10 s later";
     ROICurves curves;
     for (size_t i = 0; i < curves.size(); ++i)
         curves[i] = (*session.regions.list())[int(i)].TimeCourseValues;
