@@ -98,7 +98,7 @@ PlotContent referencePlotContent(const DecoderSettings& settings, int reference,
 
 QString decoderStateText(const LetterDecoder& decoder) {
     if (!decoder.isReady())
-        return "Not prepared";
+        return {};
     const QString letter = decoder.currentLetter() < 0
                                ? QStringLiteral("No letter yet")
                                : QStringLiteral("Letter %1").arg(decoder.currentLetter() + 1);

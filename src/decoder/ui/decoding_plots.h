@@ -23,5 +23,5 @@ using ShownROIs = std::bitset<nrOfDecoderROIs>;
 /// A reference over the points that are compared.
 [[nodiscard]] PlotContent referencePlotContent(const DecoderSettings& settings, int reference,
                                                const std::vector<float>& curve);
-/// What the letter matrix and the texts say about where the decoder is.
+/// Where the decoder is; empty before it is ready.
 [[nodiscard]] QString decoderStateText(const LetterDecoder& decoder);

@@ -198,8 +198,10 @@ void BOLDDecodingMW::refresh() {
     refreshReferences();
     refreshLetters();
     refreshActions();
-    const QString fault = decoder_.fault();
-    ui_->StatusBar->showMessage(fault.isEmpty() ? decoderStateText(decoder_.decoder()) : fault);
+    QStringList state{decoderStateText(decoder_.decoder()), decoder_.dataHindrance(),
+                      decoder_.fault()};
+    state.removeAll({});
+    ui_->StatusBar->showMessage(state.join("  ·  "));
 }
 
 void BOLDDecodingMW::refreshPlots() {

@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QStatusBar>
+#include <QTest>
 
 using DecodingWindow = DecoderFixture;
 
@@ -68,7 +69,7 @@ TEST_F(DecodingWindow, NothingIsPossibleBeforeThePreparation) {
     for (const char* name : {"NextLetterAction", "PreviousLetterAction", "ProcessLetterAction",
                              "RunWithTimerAction", "ReloadROIDataAction"})
         EXPECT_FALSE(find<QAction>(name).isEnabled()) << name;
-    EXPECT_EQ(find<QStatusBar>("StatusBar").currentMessage(), "Not prepared");
+    EXPECT_EQ(find<QStatusBar>("StatusBar").currentMessage(), "The decoding is not prepared");
     EXPECT_FALSE(find<Plotter>("DataPlotter").content().note.isEmpty());
     decoding->runWithTimer();
     EXPECT_FALSE(find<QAction>("RunWithTimerAction").isChecked());
@@ -78,8 +79,12 @@ TEST_F(DecodingWindow, NothingIsPossibleBeforeThePreparation) {
 
 TEST_F(DecodingWindow, GoesFromLetterToLetter) {
     prepareOffline();
+    auto& best = find<QLineEdit>("DecodedText1Ed");
+    decoding->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(decoding));
+    best.setFocus();
     for (int i = 0; i < 4; ++i)
-        trigger("NextLetterAction");
+        QTest::keyClick(&best, Qt::Key_F6);
     EXPECT_EQ(decoded()[0], "VELO");
     EXPECT_EQ(decoded()[1].size(), 4);
     EXPECT_TRUE(find<QPlainTextEdit>("LogEd").toPlainText().contains("\nRank 1: O ("));
