@@ -29,6 +29,13 @@ protected:
     CreateEmpiricalResponsesDlg& openResponses() {
         return *decoding->findChild<CreateEmpiricalResponsesDlg*>();
     }
+    /// The first response that the dialog makes.
+    std::vector<float> made() {
+        QFile::remove(path("made.rtc"));
+        click("OkBtn");
+        const auto responses = loadReferences(path("made.rtc"));
+        return responses ? responses->front() : std::vector<float>();
+    }
     void set(const char* name, int value) { find<QSpinBox>(name).setValue(value); }
     [[nodiscard]] const DecoderSettings& applied() { return session.decoder.decoder().settings(); }
     [[nodiscard]] QTableWidgetItem& weight(int task, int roi) {
@@ -98,9 +105,15 @@ TEST_F(DecoderDialogs, HandOverWhatIsSet) {
     expected.extraLines = {0.0f, 7.5f};
     EXPECT_EQ(applied(), expected);
     EXPECT_EQ(find<Plotter>("ReferencePlot1").content().lines.size(), 2u);
+    EXPECT_EQ(session.decoder.preparation().referencesPath, path("own.rtc"));
     // The dialog shows them again, and Cancel keeps them.
     openSettings();
-    EXPECT_TRUE(find<QAbstractButton>("UseOnlySMAVOIsOp").isChecked());
+    EXPECT_EQ(find<QSpinBox>("NrOfTimePointsSpBx").value(), // again that of the run
+              session.settings.NrOfVolumes - session.settings.NrOfVolumesToSkip);
+    set("NrOfTimePointsSpBx", 200);
+    click("OkBtn");
+    EXPECT_EQ(applied(), expected);
+    openSettings();
     EXPECT_EQ(weight(1, 4).text(), "-4");
     EXPECT_EQ(find<QSpinBox>("ExtraLineNrSpBx").maximum(), 2);
     click("UseOnlyTaskVOIsOp");
@@ -241,18 +254,31 @@ TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
         protocol +=
             QString("C%1\n1\n%2 %3\nColor: 9 9 9\n").arg(i).arg(6 + 12 * i).arg(14 + 12 * i);
     put("training.prt", protocol.toLatin1());
-    for (const auto& [button, loadable] : {std::pair{"UseThreeTaskROIsForIdealResponsesOp", true},
-                                           std::pair{"UseOnlySMAROIsForIdealResponsesOp", true},
-                                           std::pair{"IncludeSMAsForIdealResponsesBtn", true}}) {
-        QFile::remove(path("made.rtc"));
+    // The helpers respond half as much as the regions of the tasks.
+    double greatest = 0.0;
+    for (const auto& [button, share] : {std::pair{"UseThreeTaskROIsForIdealResponsesOp", 1.0},
+                                        {"UseOnlySMAROIsForIdealResponsesOp", 0.5},
+                                        {"IncludeSMAsForIdealResponsesBtn", 0.75}}) {
         click(button);
-        EXPECT_TRUE(dialog.isVisible());
-        click("OkBtn");
-        const auto responses = loadReferences(path("made.rtc"));
-        ASSERT_EQ(responses.has_value(), loadable) << button;
-        EXPECT_EQ(responses->front().size(), 40u);
+        const std::vector<float> response = made();
+        ASSERT_EQ(response.size(), 40u) << button;
+        const double now = double(std::ranges::max(response)) - 100.0;
+        if (greatest == 0.0)
+            greatest = now;
+        EXPECT_GT(now, 0.01);
+        EXPECT_NEAR(now, greatest * share, 0.005) << button;
         dialog.show();
     }
+    // The shortest response ends 9 + 2 + 4 points behind its begin.
+    set("WindowTimePointsSpBx", 30);
+    set("ShortestTaskDurationSpBx", 9);
+    set("PreTrialBeginDataPointsSpBx", 2);
+    set("PostTrialDataPointsSpBx", 4);
+    const std::vector<float> response = made();
+    ASSERT_EQ(response.size(), 30u);
+    EXPECT_NE(response[14], 100.0f);
+    EXPECT_TRUE(std::all_of(response.begin() + 15, response.end(),
+                            [](float value) { return value == 100.0f; }));
 }
 
 TEST_F(DecoderDialogs, MakeResponsesOnlyOfARunWithRegions) {

@@ -51,16 +51,18 @@ protected:
     BOLDDecodingMW* decoding = nullptr; ///< a child of the window
 
 private:
-    /// The task's region and its helper respond as the reference does.
+    /// The task's region responds as the reference does, its helper half as much.
     [[nodiscard]] QByteArray curvesOf(const QString& word, const ReferenceCurves& references) {
         ROICurves curves;
         curves.fill(std::vector<float>(size_t(nrOfVolumes()), 100.0f));
         for (int letter = 0; letter < word.size(); ++letter) {
             const LetterCode code = *codeOf(word[letter]);
             const auto first = firstPointOfLetter(settings_, letter);
-            for (const int roi : {code.task, code.task + nrOfTaskROIs})
-                std::ranges::copy(references[size_t(code.reference)],
-                                  curves[size_t(roi)].begin() + first);
+            for (const auto& [roi, share] :
+                 {std::pair{code.task, 1.0f}, {code.task + nrOfTaskROIs, 0.5f}})
+                std::ranges::transform(
+                    references[size_t(code.reference)], curves[size_t(roi)].begin() + first,
+                    [share](float value) { return 100 + share * (value - 100); });
         }
         QByteArray text = "NrOfRTCs: 6\nNrOfValues: " + QByteArray::number(nrOfVolumes()) + '\n';
         for (const std::vector<float>& curve : curves) {

@@ -20,6 +20,15 @@ QColor fillingOf(LetterMatrix& matrix, QChar letter) {
     return matrix.grab().toImage().pixelColor(int(cell.left() + 8), int(cell.top() + 4));
 }
 
+/// Nothing is written in the cell.
+bool isBlank(LetterMatrix& matrix, QChar letter) {
+    const QImage cell =
+        matrix.grab(matrix.cell(*codeOf(letter)).adjusted(8, 8, -8, -8).toRect()).toImage();
+    QImage plain = cell;
+    plain.fill(cell.pixelColor(0, 0));
+    return cell == plain;
+}
+
 QStringList legends(const Plotter& plot) {
     QStringList names;
     for (const PlotCurve& curve : plot.content().curves)
@@ -111,9 +120,9 @@ TEST_F(DecodingWindow, TheReferencePlotsShowTheScoresInTheColoursOfTheRanks) {
     const TaskMark found = best.marks()->at(2);
     EXPECT_EQ(found, (TaskMark{QColor(255, 20, 50), found.score, found.product, true}));
     EXPECT_EQ(best.marks()->at(0).color, QColor(200, 200, 200));
-    // Correlation and normalized beta of the task's own region and helper: 1, and 1 / sqrt(2).
-    EXPECT_EQ(found.score, "0.85");
-    EXPECT_EQ(found.product, "0.71");
+    // Of the correlation, which is 1, and the normalized beta of the task's region, 1 / sqrt(1.25).
+    EXPECT_EQ(found.score, "0.95");
+    EXPECT_EQ(found.product, "0.89");
     trigger("OnlyCorrAction");
     EXPECT_FALSE(session.decoder.decoder().settings().UseBeta);
     trigger("ProcessLetterAction");
@@ -130,6 +139,9 @@ TEST_F(DecodingWindow, TheFourLetterModeFindsFourLetters) {
     for (int i = 0; i < 2; ++i)
         trigger("NextLetterAction");
     EXPECT_EQ(decoded()[0].back(), 'C'); // "E"
+    auto& matrix = find<LetterMatrix>("LetterDisplay");
+    EXPECT_TRUE(isBlank(matrix, 'I') && isBlank(matrix, 'Z'));
+    EXPECT_FALSE(isBlank(matrix, 'A') || isBlank(matrix, 'Y'));
     trigger("ABCDModeAction");
     EXPECT_FALSE(session.decoder.decoder().settings().ABCDMode);
 }
@@ -194,8 +206,11 @@ TEST_F(DecodingWindow, TheSlopeOfALetter) {
 
 TEST_F(DecodingWindow, TheDecoderWorksWhileTheWindowIsShown) {
     EXPECT_TRUE(session.decoder.isOpen());
+    prepareOffline();
+    decoding->runWithTimer();
     trigger("SettingsAction");
     decoding->close();
+    EXPECT_FALSE(decoding->findChild<QTimer*>()->isActive());
     EXPECT_FALSE(session.decoder.isOpen());
     EXPECT_FALSE(decoding->findChild<BOLDDecodingSettingsDlg*>()->isVisible());
     openBOLDDecoder(session, window);
