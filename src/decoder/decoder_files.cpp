@@ -138,15 +138,13 @@ std::optional<DecoderSettings> parseDecoderSettings(const QString& text,
         reader.integer("HelperVOIsMode:", int(HelperVOIs::OnlyHelpers), int(HelperVOIs::Both)));
     reader.key("CorrBetaTau:");
     settings.CorrBetaTau = reader.real(0.0, 1.0);
-    const int lastPoint = settings.IdealResponseWindowSize - 1;
-    settings.MeanForPercSignalFrom = reader.integer("MeanForPercSignalFrom:", 0, lastPoint);
-    settings.MeanForPercSignalTo =
-        reader.integer("MeanForPercSignalTo:", settings.MeanForPercSignalFrom, lastPoint);
+    settings.MeanForPercSignalFrom = reader.integer("MeanForPercSignalFrom:", 0, most);
+    settings.MeanForPercSignalTo = reader.integer("MeanForPercSignalTo:", 0, most);
     const int nrOfLines = reader.integer("NrOfExtraPlotLines:", 0, mostExtraLines);
     settings.extraLines.clear();
     for (int i = 0; i < nrOfLines && reader.ok(); ++i)
         settings.extraLines.push_back(reader.real(0.0, most));
-    if (!reader.isRead() || settings.nrOfComparedPoints() < 1)
+    if (!reader.isRead() || !decoderSettingsFault(settings).isEmpty())
         return std::nullopt;
     return settings;
 }

@@ -54,3 +54,31 @@ bool windowEndsAt(const DecoderSettings& settings, int volume) {
     const long long point = (long long)(volume)-settings.SkipTimePointsAtBegin - behindEnd;
     return point >= 0 && point % settings.FullWindowSize == settings.FullWindowSize - 1;
 }
+
+int stageAt(const DecoderSettings& settings, int volume) {
+    const long long point = (long long)(volume)-settings.SkipTimePointsAtBegin;
+    if (volume < 0 || point < 0 || settings.FullWindowSize < 1)
+        return -1;
+    const long long step =
+        point % settings.FullWindowSize * LetterCode::nrOfTimeSteps / settings.FullWindowSize;
+    return int(std::min<long long>(step, LetterCode::nrOfStages - 1));
+}
+
+QString decoderSettingsFault(const DecoderSettings& settings) {
+    if (settings.FullWindowSize < 1 || settings.IdealResponseWindowSize < 1)
+        return "The full window and the ideal response window need at least one point.";
+    if (settings.SkipTimePointsAtBegin < 0 || settings.SkipAtBeginOfWindow < 0)
+        return "The points that are skipped at the begin must not be negative.";
+    if (settings.nrOfComparedPoints() < 1)
+        return "The skips leave no point of the window to compare: make them smaller or the full "
+               "window larger.";
+    if (settings.MeanForPercSignalFrom < 0 ||
+        settings.MeanForPercSignalTo < settings.MeanForPercSignalFrom ||
+        settings.MeanForPercSignalTo >= settings.IdealResponseWindowSize)
+        return QStringLiteral("The mean for percent signal change must lie within the ideal "
+                              "response window: points 0 to %1, the first one not behind the last.")
+            .arg(settings.IdealResponseWindowSize - 1);
+    if (!(settings.CorrBetaTau >= 0.0f && settings.CorrBetaTau <= 1.0f))
+        return "The weight of beta must be a number from 0 to 1.";
+    return {};
+}

@@ -17,12 +17,19 @@ struct LetterCode {
     /// Milliseconds between two onsets, and between two durations: onsets at 0, 10 and 20 s,
     /// durations of 10, 20 and 30 s.
     static constexpr double timeStep = 10000.0;
+    /// The 70 s of a letter: five stages of one time step, and the rest of two.
+    static constexpr int nrOfStages = 6;
+    static constexpr int nrOfTimeSteps = 7;
 
     int task = 0;      ///< from 0
     int reference = 0; ///< onset * 3 + duration, from 0
 
     [[nodiscard]] int onset() const { return reference / nrOfDurations; }
     [[nodiscard]] int duration() const { return reference % nrOfDurations; }
+    /// Whether the task is performed in this stage of the letter's window.
+    [[nodiscard]] bool isPerformedIn(int stage) const {
+        return stage >= onset() && stage <= onset() + duration();
+    }
     bool operator==(const LetterCode&) const = default;
 };
 

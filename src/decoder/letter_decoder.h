@@ -34,6 +34,10 @@ public:
     /// it goes, which is decoded anew; so it does at the first letter.
     std::optional<LetterDecoding> goToNextLetter(const ROICurves& curves);
     std::optional<LetterDecoding> goToPreviousLetter(const ROICurves& curves);
+    /// The current letter once more, whose result is appended again.
+    std::optional<LetterDecoding> processCurrentLetterWindow(const ROICurves& curves) {
+        return decode(curves);
+    }
 
     [[nodiscard]] int currentLetter() const { return letter_; } ///< -1 at first
     [[nodiscard]] int currentVolume() const { return volume_; } ///< -1 at first

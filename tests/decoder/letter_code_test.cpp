@@ -45,4 +45,17 @@ TEST(DecoderSettings, OddWindowsAreNoTrap) {
     EXPECT_EQ(settings.nrOfComparedPoints(), 40);
 }
 
+TEST(LetterCode, StagesOfALetter) {
+    DecoderSettings settings; // 42 volumes of 70 s
+    settings.SkipTimePointsAtBegin = 3;
+    const std::pair<int, int> stages[] = {{-1, -1}, {2, -1}, {3, 0},  {8, 0}, {9, 1},
+                                          {32, 4},  {33, 5}, {44, 5}, {45, 0}};
+    for (const auto& [volume, stage] : stages)
+        EXPECT_EQ(stageAt(settings, volume), stage) << volume;
+    for (int stage = -1; stage < LetterCode::nrOfStages; ++stage) {
+        EXPECT_EQ(codeOf('E')->isPerformedIn(stage), stage >= 1 && stage <= 3) << stage;
+        EXPECT_EQ(codeOf('_')->isPerformedIn(stage), stage == 0) << stage;
+    }
+}
+
 } // namespace

@@ -223,8 +223,11 @@ void SessionDecoder::takeMeasuredCurves() {
 }
 
 QString SessionDecoder::letterHindrance() const {
-    if (parts_.phase.canBeStopped())
-        return QStringLiteral("Not while a run is measured");
+    return parts_.phase.canBeStopped() ? QStringLiteral("Not while a run is measured")
+                                       : dataHindrance();
+}
+
+QString SessionDecoder::dataHindrance() const {
     if (!decoder_.isReady())
         return QStringLiteral("The decoding is not prepared");
     if (preparation_.offline)
@@ -243,6 +246,10 @@ void SessionDecoder::goToNextLetter() {
 
 void SessionDecoder::goToPreviousLetter() {
     goTo(&LetterDecoder::goToPreviousLetter);
+}
+
+void SessionDecoder::processCurrentLetterWindow() {
+    goTo(&LetterDecoder::processCurrentLetterWindow);
 }
 
 void SessionDecoder::goTo(

@@ -78,8 +78,12 @@ public:
     void changeABCDMode(bool on);
     /// Why another letter can't be gone to now; empty when it can. Going to one does nothing then.
     [[nodiscard]] QString letterHindrance() const;
+    /// What keeps any letter from being decoded, also during a run; empty when nothing does.
+    [[nodiscard]] QString dataHindrance() const;
     void goToNextLetter();
     void goToPreviousLetter();
+    /// The current letter once more, whose result is appended again.
+    void processCurrentLetterWindow();
     /// Offline: one volume more, as the timer has it. False at the end of the data, without data,
     /// and while a run is prepared or recorded.
     bool nextTR();

@@ -143,7 +143,7 @@ constexpr MenuEntry entries[] = {
     {.menu = "&Analysis", .text = "Real-Time SVM Classification...", .slot = &Window::onRealTimeSVMClassification, .endsSection = separator, .toolTip = "Let a trained classifier predict while a run is measured"},
     {.menu = "&Analysis", .text = "Post-Processing...", .slot = &Window::slotPostProcessData, .phase = Idle, .possible = runInMemory, .endsSection = separator},
     {.menu = "&Analysis", .text = "Neurofeedback... ", .slot = &Window::slotShowNeurofeedbackDlg, .toolTip = "What the subject sees of the signal of regions"},
-    {.menu = "&Analysis", .text = "BOLD Decoder... ", .slot = &Window::slotShowBOLDDecoder, .phase = Later, .endsSection = separator, .toolTip = "The letter decoder comes in a later version"},
+    {.menu = "&Analysis", .text = "BOLD Decoder... ", .slot = &Window::slotShowBOLDDecoder, .endsSection = separator, .toolTip = "Read letters from the signal of regions"},
     {"&Analysis", "Load ROIs...", &Window::slotLoadROIs, Always, regionsMayChange},
     {"&Analysis", "Save ROIs...", &Window::slotSaveROIs, Always, regionsExist},
     {.menu = "&Analysis", .text = "ROI GLM...", .slot = &Window::slotROIGLM, .phase = Idle, .toolTip = "Fit the model of the run to the time course of a region", .hindrance = roiGLMHindrance},

@@ -4,6 +4,7 @@
 #include "classify/ui/multi_voxel_dialog.h"
 #include "classify/ui/real_time_svm_dialog.h"
 #include "classify/ui/rfe_dialog.h"
+#include "decoder/ui/decoding_window.h"
 #include "dialogs/appearance.h"
 #include "dialogs/progress_boxes.h"
 #include "display/waiting_notice.h"
@@ -52,6 +53,7 @@ VeloCortivo::~VeloCortivo() {
     // Views go before the documents that they show, dialogs before the session that they work on.
     session_.listeners.documentsLeaving();
     qDeleteAll(findChildren<QDialog*>(Qt::FindDirectChildrenOnly));
+    qDeleteAll(findChildren<QMainWindow*>(Qt::FindDirectChildrenOnly));
     setProgramAccess(nullptr);
 }
 
@@ -324,6 +326,10 @@ void VeloCortivo::slotROIGLM() {
 
 void VeloCortivo::slotShowNeurofeedbackDlg() {
     openNeurofeedbackDialog(session_, *this);
+}
+
+void VeloCortivo::slotShowBOLDDecoder() {
+    openBOLDDecoder(session_, *this);
 }
 
 void VeloCortivo::onOfflineSVMDlg() {

@@ -177,7 +177,7 @@ public Q_SLOTS:
     void slotRenameDICOMFiles() { tellLater("Rename DICOM Files..."); }
     void slotVMR2VMRCoregistration() { tellLater("VMR-VMR Coregistration..."); }
     void slotStimulationProtocol() { tellLater("Stimulation Protocol..."); }
-    void slotShowBOLDDecoder() { tellLater("BOLD Decoder... "); }
+    void slotShowBOLDDecoder();
     void slotSwitchToEPI3DView() { tellLater("Volume View"); }
     void slotSwitchToVMRView() { tellLater("Anatomical Volume View"); }
     void updateVMRSwitchForMac() { refreshViewButtons(); }

@@ -137,12 +137,12 @@ TEST_F(MainWindow, MenusFollowThePhase) {
         EXPECT_EQ(enabledEntries("&View").join('|').toStdString(), view.toStdString());
     };
     expectMenus("Set New VCO File...|Recover Run...|Replay Run...|Close|Exit",
-                "Epoch-Based Averaging*|" + training + "Neurofeedback... |" + logs,
+                "Epoch-Based Averaging*|" + training + "Neurofeedback... |BOLD Decoder... |" + logs,
                 overlay + views + lastViews);
     prepare(1, Phase::Recording);
     expectMenus("Save View As BMP...|Close|Exit",
                 "Colors Code Significance|Colors Code Contrasts*|Epoch-Based Averaging*|" +
-                    training + "Neurofeedback... |" + logs,
+                    training + "Neurofeedback... |BOLD Decoder... |" + logs,
                 "Multi-Slice View|" + overlay + views + lastViews);
     document().project.NrOfVolumes = 3;
     ASSERT_TRUE(document().project.allocateVolumes());
@@ -162,7 +162,8 @@ TEST_F(MainWindow, MenusFollowThePhase) {
                 "Colors Code Significance*|Colors Code Contrasts|Epoch-Based "
                 "Averaging|" +
                     training +
-                    "Post-Processing...|Neurofeedback... |Load ROIs...|Save ROIs...|Select "
+                    "Post-Processing...|Neurofeedback... |BOLD Decoder... |Load ROIs...|Save "
+                    "ROIs...|Select "
                     "Only Voxels Of Plug-In Maps*|Log ROI Time Point Files "
                     "(RTPs)|Log ROI Time Courses (ERT)*|Log ROI Betas (BTC)",
                 "Multi-Slice View|Overlay On First Func Volume|Overlay On Current Func "
@@ -326,6 +327,13 @@ TEST_F(MainWindow, UnsavedRunsAreOfferedAtTheStartAndByTheMenu) {
         EXPECT_TRUE(control<QDialog>(qPrintable(name + QString("RunDlg"))).isVisible());
         choose("NotNowBtn");
     }
+}
+
+TEST_F(MainWindow, TheDecoderGoesBeforeTheSessionThatItWorksOn) {
+    window_->slotShowBOLDDecoder();
+    EXPECT_TRUE(window_->session().decoder.isOpen());
+    EXPECT_TRUE(control("BOLDDecodingMW").isVisible());
+    window_.reset();
 }
 
 TEST_F(MainWindow, FeedbackOpensBesideTheSlicesAndGoesWithTheWindow) {

@@ -1,0 +1,305 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/ui/decoding_settings_dialog.h"
+
+#include "base/file_writing.h"
+#include "base/number_text.h"
+#include "base/text_reading.h"
+#include "decoder/ui/decoding_plots.h"
+#include "dialogs/dialog_setup.h"
+#include "ui_decoding_settings_dialog.h"
+
+#include <QHeaderView>
+#include <QSignalBlocker>
+
+namespace {
+
+const QString curvesFilter = QStringLiteral("RTC files (*.rtc)");
+const QString weightsFilter = QStringLiteral("WGT files (*.wgt)");
+const QString settingsFilter = QStringLiteral("BDS files (*.bds)");
+constexpr int visibleRows = LetterCode::nrOfTasks;
+
+/// The text of a file that the operator chose; nothing after a message.
+std::optional<QString> textOf(const QString& path) {
+    QString text;
+    if (readTextFile(path, text))
+        return text;
+    showWarning(QStringLiteral("ERROR: Can not open file \"%1\" for writing.").arg(path));
+    return std::nullopt;
+}
+
+void setUpTable(QTableWidget& table) {
+    QStringList tasks;
+    QStringList regions;
+    for (int task = 1; task <= LetterCode::nrOfTasks; ++task)
+        tasks << QStringLiteral("Task %1").arg(task);
+    for (int roi = 0; roi < nrOfDecoderROIs; ++roi)
+        regions << decoderROIName(roi).replace(' ', '\n').replace("VOI\n", "VOI ");
+    table.setVerticalHeaderLabels(tasks);
+    table.setHorizontalHeaderLabels(regions);
+    table.horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    for (int row = 0; row < table.rowCount(); ++row)
+        for (int column = 0; column < table.columnCount(); ++column) {
+            auto* item = new QTableWidgetItem;
+            item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            table.setItem(row, column, item);
+        }
+    table.setFixedHeight(table.horizontalHeader()->sizeHint().height() +
+                         visibleRows * table.rowHeight(0) + 2 * table.frameWidth() + 2);
+}
+
+} // namespace
+
+BOLDDecodingSettingsDlg::BOLDDecodingSettingsDlg(SessionDecoder& decoder, QWidget* parent)
+    : EditDialog(parent), decoder_(decoder), ui_(std::make_unique<Ui::BOLDDecodingSettingsDlg>()),
+      preparation_(decoder.preparation()) {
+    ui_->setupUi(this);
+    setUpTable(*ui_->TaskVOIWeightsTable);
+    // A group box does not make room for its title.
+    ui_->RoleGrpBx->setMinimumWidth(fontMetrics().horizontalAdvance(ui_->RoleGrpBx->title()) + 32);
+    connectControls();
+    setUpEditing();
+    showPreparation();
+}
+
+BOLDDecodingSettingsDlg::~BOLDDecodingSettingsDlg() = default;
+
+void BOLDDecodingSettingsDlg::connectControls() {
+    using Dialog = BOLDDecodingSettingsDlg;
+    const std::pair<QAbstractButton*, void (Dialog::*)()> slotsOfButtons[] = {
+        {ui_->SelectIdealResponsesRTCFileBtn, &Dialog::selectIdealResponsesRTCFile},
+        {ui_->SelectOfflineRTCFileBtn, &Dialog::selectOfflineRTCFile},
+        {ui_->OfflineAnalysisOp, &Dialog::selectOfflineAnalysisOp},
+        {ui_->RealTimeAnalysisOp, &Dialog::selectRealTimeAnalysisOp},
+        {ui_->LoadWeightsBtn, &Dialog::loadWeights},
+        {ui_->SaveWeightsBtn, &Dialog::saveWeights},
+        {ui_->LoadDefaultSettingsBtn, &Dialog::loadDefaultSettings},
+        {ui_->SaveDefaultSettingsBtn, &Dialog::saveDefaultSettings}};
+    for (const auto& [button, slot] : slotsOfButtons)
+        connect(button, &QAbstractButton::clicked, this, slot);
+    connect(ui_->NrOfExtraLinesSpBx, &QSpinBox::valueChanged, this,
+            &Dialog::onNrOfExtraLinesChanged);
+    connect(ui_->ExtraLineNrSpBx, &QSpinBox::valueChanged, this, &Dialog::onExtraLineNrChanged);
+    connect(ui_->ExtraLineAtPointDSpBx, &QDoubleSpinBox::valueChanged, this,
+            &Dialog::onExtraLineAtPointChanged);
+}
+
+void BOLDDecodingSettingsDlg::showPreparation() {
+    (preparation_.offline ? ui_->OfflineAnalysisOp : ui_->RealTimeAnalysisOp)->setChecked(true);
+    ui_->OfflineRTCFileEd->setText(preparation_.dataPath);
+    ui_->IdealResponsesRTCFileEd->setText(preparation_.referencesPath);
+    ui_->NrOfVOIsSpBx->setValue(preparation_.settings.NrOfDataROIs);
+    ui_->NrOfTimePointsSpBx->setValue(preparation_.settings.NrOfTimePoints);
+    showWeights(preparation_.settings.TaskVOIWeights);
+    showSettings(preparation_.settings);
+    refreshData();
+}
+
+// What a settings file holds.
+void BOLDDecodingSettingsDlg::showSettings(const DecoderSettings& settings) {
+    ui_->SkipTimePointsAtBeginSpBx->setValue(settings.SkipTimePointsAtBegin);
+    ui_->FullWindowSizeSpBx->setValue(settings.FullWindowSize);
+    ui_->SkipAtBeginSpBx->setValue(settings.SkipAtBeginOfWindow);
+    ui_->SkipAtEndSpBx->setValue(settings.SkipAtEndOfWindow);
+    ui_->IdealResponseWindowSizeSpBx->setValue(settings.IdealResponseWindowSize);
+    ui_->UseTaskAndSMAVOIsOp->setChecked(settings.HelperVOIsMode == HelperVOIs::Both);
+    ui_->UseOnlyTaskVOIsOp->setChecked(settings.HelperVOIsMode == HelperVOIs::OnlyTasks);
+    ui_->UseOnlySMAVOIsOp->setChecked(settings.HelperVOIsMode == HelperVOIs::OnlyHelpers);
+    ui_->CorrBetaTauDSpBx->setValue(double(settings.CorrBetaTau));
+    ui_->MeanForPercSignalFromSpBx->setValue(settings.MeanForPercSignalFrom);
+    ui_->MeanForPercSignalToSpBx->setValue(settings.MeanForPercSignalTo);
+    extraLines_ = settings.extraLines;
+    {
+        const QSignalBlocker quiet(ui_->NrOfExtraLinesSpBx);
+        ui_->NrOfExtraLinesSpBx->setValue(int(extraLines_.size()));
+    }
+    showExtraLine();
+}
+
+void BOLDDecodingSettingsDlg::showWeights(const TaskWeights& weights) {
+    for (size_t task = 0; task < weights.size(); ++task)
+        for (size_t roi = 0; roi < weights[task].size(); ++roi)
+            ui_->TaskVOIWeightsTable->item(int(task), int(roi))
+                ->setText(QString::fromLatin1(shortestText(weights[task][roi])));
+}
+
+void BOLDDecodingSettingsDlg::showExtraLine() {
+    const bool any = !extraLines_.empty();
+    const QSignalBlocker quietNumber(ui_->ExtraLineNrSpBx);
+    const QSignalBlocker quietPoint(ui_->ExtraLineAtPointDSpBx);
+    ui_->ExtraLineNrSpBx->setMaximum(any ? int(extraLines_.size()) : 1);
+    ui_->ExtraLineNrSpBx->setEnabled(any);
+    ui_->ExtraLineAtPointDSpBx->setEnabled(any);
+    const auto line = size_t(ui_->ExtraLineNrSpBx->value() - 1);
+    ui_->ExtraLineAtPointDSpBx->setValue(any ? double(extraLines_[line]) : 0.0);
+}
+
+void BOLDDecodingSettingsDlg::onNrOfExtraLinesChanged(int nrOfLines) {
+    extraLines_.resize(size_t(std::clamp(nrOfLines, 0, mostExtraLines)));
+    showExtraLine();
+}
+
+void BOLDDecodingSettingsDlg::onExtraLineNrChanged(int) {
+    showExtraLine();
+}
+
+void BOLDDecodingSettingsDlg::onExtraLineAtPointChanged(double point) {
+    if (const auto line = size_t(ui_->ExtraLineNrSpBx->value() - 1); line < extraLines_.size())
+        extraLines_[line] = float(point);
+}
+
+DecoderSettings BOLDDecodingSettingsDlg::readSettings() const {
+    DecoderSettings settings = preparation_.settings;
+    settings.NrOfDataROIs = ui_->NrOfVOIsSpBx->value();
+    settings.NrOfTimePoints = ui_->NrOfTimePointsSpBx->value();
+    settings.SkipTimePointsAtBegin = ui_->SkipTimePointsAtBeginSpBx->value();
+    settings.FullWindowSize = ui_->FullWindowSizeSpBx->value();
+    settings.SkipAtBeginOfWindow = ui_->SkipAtBeginSpBx->value();
+    settings.SkipAtEndOfWindow = ui_->SkipAtEndSpBx->value();
+    settings.IdealResponseWindowSize = ui_->IdealResponseWindowSizeSpBx->value();
+    settings.HelperVOIsMode = ui_->UseTaskAndSMAVOIsOp->isChecked() ? HelperVOIs::Both
+                              : ui_->UseOnlyTaskVOIsOp->isChecked() ? HelperVOIs::OnlyTasks
+                                                                    : HelperVOIs::OnlyHelpers;
+    settings.CorrBetaTau = float(ui_->CorrBetaTauDSpBx->value());
+    settings.MeanForPercSignalFrom = ui_->MeanForPercSignalFromSpBx->value();
+    settings.MeanForPercSignalTo = ui_->MeanForPercSignalToSpBx->value();
+    settings.extraLines = extraLines_;
+    return settings;
+}
+
+std::optional<TaskWeights> BOLDDecodingSettingsDlg::readWeights() {
+    QString text = QStringLiteral("FileVersion: 1\nNrOfTasks: %1\nNrOfVOIs: %2\n")
+                       .arg(LetterCode::nrOfTasks)
+                       .arg(nrOfDecoderROIs);
+    for (int row = 0; row < LetterCode::nrOfTasks; ++row)
+        for (int column = 0; column < nrOfDecoderROIs; ++column)
+            text += ui_->TaskVOIWeightsTable->item(row, column)->text() + ' ';
+    std::optional<TaskWeights> weights = parseWeights(text);
+    if (!weights) {
+        showWarning("Each weight of a VOI must be a number, with a point before its decimals.");
+        ui_->TaskVOIWeightsTable->setFocus();
+    }
+    return weights;
+}
+
+void BOLDDecodingSettingsDlg::selectIdealResponsesRTCFile() {
+    chooseFileToOpen(
+        "Select RTC file with 9 ideal responses", ui_->IdealResponsesRTCFileEd->text(),
+        curvesFilter, [this](const QString& path) { ui_->IdealResponsesRTCFileEd->setText(path); },
+        &chooser_);
+}
+
+void BOLDDecodingSettingsDlg::selectOfflineRTCFile() {
+    chooseFileToOpen(
+        "Select RTC file with 3 or 4 VOI time courses", ui_->OfflineRTCFileEd->text(), curvesFilter,
+        [this](const QString& path) { ui_->OfflineRTCFileEd->setText(path); }, &chooser_);
+}
+
+void BOLDDecodingSettingsDlg::selectVOITimeCoursesRTCFile() {
+    selectOfflineAnalysisOp();
+    selectOfflineRTCFile();
+}
+
+void BOLDDecodingSettingsDlg::selectOfflineAnalysisOp() {
+    ui_->OfflineAnalysisOp->setChecked(true);
+    refreshData();
+}
+
+void BOLDDecodingSettingsDlg::selectRealTimeAnalysisOp() {
+    ui_->RealTimeAnalysisOp->setChecked(true);
+    refreshData();
+}
+
+void BOLDDecodingSettingsDlg::refreshData() {
+    const bool offline = ui_->OfflineAnalysisOp->isChecked();
+    ui_->OfflineRTCFileEd->setEnabled(offline);
+    ui_->SelectOfflineRTCFileBtn->setEnabled(offline);
+}
+
+void BOLDDecodingSettingsDlg::loadWeights() {
+    chooseFileToOpen(
+        "Select file containing VOI weighting pattern for each task", {}, weightsFilter,
+        [this](const QString& path) { openWeights(path); }, &chooser_);
+}
+
+void BOLDDecodingSettingsDlg::openWeights(const QString& path) {
+    const std::optional<QString> text = textOf(path);
+    if (!text)
+        return;
+    if (const std::optional<TaskWeights> weights = parseWeights(*text))
+        showWeights(*weights);
+    else
+        showWarning(QStringLiteral("The file \"%1\" does not hold the weights of 3 tasks and 6 "
+                                   "VOIs.")
+                        .arg(path));
+}
+
+void BOLDDecodingSettingsDlg::saveWeights() {
+    const std::optional<TaskWeights> weights = readWeights();
+    if (!weights)
+        return;
+    chooseFileToSave(
+        "Select file for storing VOI weighting pattern for each task", {}, weightsFilter,
+        [text = weightsText(*weights)](const QString& path) { writeText(path, text); }, &chooser_);
+}
+
+void BOLDDecodingSettingsDlg::loadDefaultSettings() {
+    chooseFileToOpen(
+        "Load BDS File", {}, settingsFilter, [this](const QString& path) { openSettings(path); },
+        &chooser_);
+}
+
+void BOLDDecodingSettingsDlg::openSettings(const QString& path) {
+    const std::optional<QString> text = textOf(path);
+    if (!text)
+        return;
+    if (const std::optional<DecoderSettings> settings = parseDecoderSettings(*text, readSettings()))
+        showSettings(*settings);
+    else
+        showWarning(
+            QStringLiteral("The file \"%1\" does not hold valid settings of the letter decoder.")
+                .arg(path));
+}
+
+void BOLDDecodingSettingsDlg::saveDefaultSettings() {
+    const DecoderSettings settings = readSettings();
+    if (const QString fault = decoderSettingsFault(settings); !fault.isEmpty())
+        return showWarning(fault);
+    chooseFileToSave(
+        "Save BDS File", {}, settingsFilter,
+        [text = decoderSettingsText(settings)](const QString& path) { writeText(path, text); },
+        &chooser_);
+}
+
+void BOLDDecodingSettingsDlg::writeText(const QString& path, const QByteArray& text) {
+    if (!writeFileAtomically(path, text))
+        showWarning(
+            QStringLiteral("ERROR: Can not open output file \"%1\" for writing.").arg(path));
+}
+
+bool BOLDDecodingSettingsDlg::apply() {
+    DecoderPreparation edited = preparation_;
+    edited.settings = readSettings();
+    if (const QString fault = decoderSettingsFault(edited.settings); !fault.isEmpty()) {
+        showWarning(fault);
+        return false;
+    }
+    const std::optional<TaskWeights> weights = readWeights();
+    if (!weights)
+        return false;
+    edited.settings.TaskVOIWeights = *weights;
+    edited.referencesPath = ui_->IdealResponsesRTCFileEd->text().trimmed();
+    edited.offline = ui_->OfflineAnalysisOp->isChecked();
+    edited.dataPath = ui_->OfflineRTCFileEd->text().trimmed();
+    return decoder_.prepare(edited);
+}
+
+void openDecodingSettingsDialog(SessionDecoder& decoder, QWidget& window) {
+    auto* dialog = window.findChild<BOLDDecodingSettingsDlg*>({}, Qt::FindDirectChildrenOnly);
+    if (dialog && !dialog->isVisible()) {
+        delete dialog; // it shows what was prepared when it was made
+        dialog = nullptr;
+    }
+    if (!dialog)
+        dialog = new BOLDDecodingSettingsDlg(decoder, &window);
+    showInFront(*dialog);
+}

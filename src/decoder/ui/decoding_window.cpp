@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/ui/decoding_window.h"
+
+#include "decoder/decoding_log.h"
+#include "decoder/ui/decoding_settings_dialog.h"
+#include "decoder/ui/empirical_responses_dialog.h"
+#include "decoder/ui/reference_plot.h"
+#include "dialogs/appearance.h"
+#include "dialogs/dialog_setup.h"
+#include "run/session/run_session.h"
+#include "ui_decoding_window.h"
+
+#include <QActionGroup>
+#include <QSignalBlocker>
+
+namespace {
+
+constexpr double logFontFactor = 0.8;
+constexpr double letterFontFactor = 1.4;
+
+QString scoreText(float score) {
+    return QString::number(double(score), 'f', 2);
+}
+
+/// The scores of a reference with the tasks.
+std::array<TaskMark, LetterCode::nrOfTasks> marksOf(const LetterDecoding& decoding, int reference,
+                                                    bool hasProducts) {
+    std::array<TaskMark, LetterCode::nrOfTasks> marks;
+    for (size_t task = 0; task < marks.size(); ++task) {
+        const auto row = size_t(reference);
+        marks[task] = {.color = rankColor(rankOf(decoding.best, {int(task), reference})),
+                       .score = scoreText(decoding.score[row][task]),
+                       .product = hasProducts ? scoreText(decoding.product[row][task]) : QString(),
+                       .isBest = decoding.bestReference[task] == reference};
+    }
+    return marks;
+}
+
+QString scoresLabel(const DecoderSettings& settings) {
+    if (settings.UseCorr && settings.UseBeta)
+        return weightedSumLabel(settings) + u'\n' + multiplicationLabel() + ", below the sum";
+    return "The correlation score is shown in middle of plots\n";
+}
+
+} // namespace
+
+BOLDDecodingMW::BOLDDecodingMW(SessionDecoder& decoder, QWidget* parent)
+    : QMainWindow(parent, Qt::Window), decoder_(decoder),
+      ui_(std::make_unique<Ui::BOLDDecodingMW>()) {
+    ui_->setupUi(this);
+    dataCurves_ = {ui_->DataCurve1Op, ui_->DataCurve2Op, ui_->DataCurve3Op,
+                   ui_->DataCurve4Op, ui_->DataCurve5Op, ui_->DataCurve6Op};
+    references_ = {ui_->ReferencePlot1, ui_->ReferencePlot2, ui_->ReferencePlot3,
+                   ui_->ReferencePlot4, ui_->ReferencePlot5, ui_->ReferencePlot6,
+                   ui_->ReferencePlot7, ui_->ReferencePlot8, ui_->ReferencePlot9};
+    ui_->DataPlotter->setFocusPolicy(Qt::StrongFocus);
+    ui_->DataCurvesPanel->hide();
+    ui_->LogEd->setFont(numberFont(font(), logFontFactor));
+    int rank = 0;
+    for (QLineEdit* field : {ui_->DecodedText1Ed, ui_->DecodedText2Ed, ui_->DecodedText3Ed}) {
+        QPalette colors = field->palette();
+        colors.setColor(QPalette::Text, rankColor(rank++));
+        field->setPalette(colors);
+        field->setFont(numberFont(font(), letterFontFactor));
+    }
+    connectActions();
+    connectCurveActions();
+    wrapToolTips(*this);
+    refresh();
+}
+
+// Hidden while it still is a window, so that the session lets go of it.
+BOLDDecodingMW::~BOLDDecodingMW() {
+    hide();
+}
+
+void BOLDDecodingMW::connectActions() {
+    using Window = BOLDDecodingMW;
+    const std::pair<QAction*, void (Window::*)()> slotsOfActions[] = {
+        {ui_->SettingsAction, &Window::callSettingsDlg},
+        {ui_->EmpiricalFromVCOAction, &Window::createEmpiricalIdealResponsesFileFromVCO},
+        {ui_->EmpiricalFromRTCAction, &Window::createEmpiricalIdealResponsesFileFromRTC},
+        {ui_->RunWithTimerAction, &Window::runWithTimer},
+        {ui_->NextLetterAction, &Window::goToNextLetter},
+        {ui_->PreviousLetterAction, &Window::goToPreviousLetter},
+        {ui_->ProcessLetterAction, &Window::processCurrentLetterWindow},
+        {ui_->ReloadROIDataAction, &Window::reloadROIDataForOfflineAnalysis},
+        {ui_->ABCDModeAction, &Window::checkABCDMode},
+        {ui_->OnlyCorrAction, &Window::useOnlyCorrForComparisonWithIdealResponses},
+        {ui_->CorrAndBetaAction, &Window::useCorrForShapeAndBetaForTaskSelection}};
+    for (const auto& [action, slot] : slotsOfActions)
+        connect(action, &QAction::triggered, this, slot);
+    auto* scores = new QActionGroup(this);
+    scores->addAction(ui_->OnlyCorrAction);
+    scores->addAction(ui_->CorrAndBetaAction);
+    connect(ui_->PreparationMenu, &QMenu::aboutToShow, this,
+            &Window::slotPreparationMenuAboutToShow);
+    connect(ui_->DecodingMenu, &QMenu::aboutToShow, this, &Window::refreshActions);
+    connect(&timer_, &QTimer::timeout, this, &Window::nextTR);
+}
+
+void BOLDDecodingMW::connectCurveActions() {
+    using Window = BOLDDecodingMW;
+    const std::pair<QAction*, void (Window::*)()> slotsOfActions[] = {
+        {ui_->AllCurvesAction, &Window::showAllCurvesInDataPlot},
+        {ui_->TaskCurvesAction, &Window::showTaskCurvesInDataPlot},
+        {ui_->SMACurvesAction, &Window::showSMACurvesInDataPlot},
+        {ui_->TaskAndSMA1Action, &Window::showTaskAndSMA1InDataPlot},
+        {ui_->TaskAndSMA2Action, &Window::showTaskAndSMA2InDataPlot},
+        {ui_->TaskAndSMA3Action, &Window::showTaskAndSMA3InDataPlot},
+        {ui_->ManageDataCurvesAction, &Window::manageDataCurves}};
+    for (const auto& [action, slot] : slotsOfActions)
+        connect(action, &QAction::triggered, this, slot);
+    for (size_t roi = 0; roi < dataCurves_.size(); ++roi)
+        connect(dataCurves_[roi], &QCheckBox::clicked, this, [this, roi](bool on) {
+            ShownROIs shown = shown_;
+            showInDataPlot(shown.set(roi, on));
+        });
+}
+
+void BOLDDecodingMW::callSettingsDlg() {
+    openDecodingSettingsDialog(decoder_, *this);
+}
+
+void BOLDDecodingMW::createEmpiricalIdealResponsesFileFromVCO() {
+    openEmpiricalResponsesDialog(decoder_, EmpiricalSource::Run, *this);
+}
+
+void BOLDDecodingMW::createEmpiricalIdealResponsesFileFromRTC() {
+    openEmpiricalResponsesDialog(decoder_, EmpiricalSource::Files, *this);
+}
+
+void BOLDDecodingMW::showInDataPlot(ShownROIs shown) {
+    shown_ = shown;
+    for (size_t roi = 0; roi < dataCurves_.size(); ++roi)
+        dataCurves_[roi]->setChecked(shown_[roi]);
+    ui_->DataPlotter->setContent(dataPlotContent(decoder_.decoder(), decoder_.curves(), shown_));
+}
+
+void BOLDDecodingMW::manageDataCurves() {
+    ui_->DataCurvesPanel->setVisible(ui_->DataCurvesPanel->isHidden());
+    ui_->ManageDataCurvesAction->setChecked(!ui_->DataCurvesPanel->isHidden());
+}
+
+void BOLDDecodingMW::fitGLMForLetter(int nrOfPoints, float* curve, float* reference, float& slope) {
+    const auto points = size_t(std::max(nrOfPoints, 0));
+    float constant = 0.0f;
+    ::fitGLMForLetter(nrOfPoints, {curve, points}, {reference, points}, slope, constant);
+}
+
+bool BOLDDecodingMW::mayRunWithTimer() const {
+    return decoder_.isOffline() && decoder_.letterHindrance().isEmpty();
+}
+
+void BOLDDecodingMW::runWithTimer() {
+    if (timer_.isActive())
+        timer_.stop();
+    else if (mayRunWithTimer())
+        timer_.start(decoder_.decoder().settings().TimerInterval);
+    refreshActions();
+}
+
+void BOLDDecodingMW::nextTR() {
+    if (decoder_.nextTR())
+        return;
+    timer_.stop();
+    refreshActions();
+}
+
+void BOLDDecodingMW::slotPreparationMenuAboutToShow() {
+    ui_->EmpiricalFromVCOAction->setEnabled(decoder_.responsesHindrance().isEmpty());
+}
+
+void BOLDDecodingMW::useOnlyCorrForComparisonWithIdealResponses() {
+    decoder_.useOnlyCorrForComparisonWithIdealResponses();
+}
+
+void BOLDDecodingMW::useCorrForShapeAndBetaForTaskSelection() {
+    decoder_.useCorrForShapeAndBetaForTaskSelection();
+}
+
+void BOLDDecodingMW::reloadROIDataForOfflineAnalysis() {
+    timer_.stop();
+    (void)decoder_.reloadROIDataForOfflineAnalysis();
+    refresh();
+}
+
+void BOLDDecodingMW::checkABCDMode() {
+    decoder_.changeABCDMode(ui_->ABCDModeAction->isChecked());
+}
+
+void BOLDDecodingMW::log(const QString& text) {
+    ui_->LogEd->appendPlainText(text);
+}
+
+void BOLDDecodingMW::refresh() {
+    refreshPlots();
+    refreshReferences();
+    refreshLetters();
+    refreshActions();
+    QStringList state{decoderStateText(decoder_.decoder()), decoder_.dataHindrance(),
+                      decoder_.fault()};
+    state.removeAll({});
+    ui_->StatusBar->showMessage(state.join("  ·  "));
+}
+
+void BOLDDecodingMW::refreshPlots() {
+    ui_->DataPlotter->setContent(dataPlotContent(decoder_.decoder(), decoder_.curves(), shown_));
+    ui_->ScoresLbl->setText(scoresLabel(decoder_.decoder().settings()));
+}
+
+void BOLDDecodingMW::refreshReferences() {
+    const LetterDecoder& decoder = decoder_.decoder();
+    const DecoderSettings& settings = decoder.settings();
+    for (int reference = 0; reference < LetterCode::nrOfReferences; ++reference) {
+        ReferencePlot& plot = *references_[size_t(reference)];
+        plot.setContent(
+            referencePlotContent(settings, reference, decoder_.references()[size_t(reference)]));
+        std::optional<std::array<TaskMark, LetterCode::nrOfTasks>> marks;
+        if (decoder.latest())
+            marks = marksOf(*decoder.latest(), reference, settings.UseCorr && settings.UseBeta);
+        plot.setMarks(marks);
+    }
+}
+
+void BOLDDecodingMW::refreshLetters() {
+    const LetterDecoder& decoder = decoder_.decoder();
+    const DecoderSettings& settings = decoder.settings();
+    ui_->LetterDisplay->setBest(decoder.latest(), settings.findsFourLetters());
+    ui_->LetterDisplay->setStage(stageAt(settings, decoder.currentVolume()));
+    int rank = 0;
+    for (QLineEdit* field : {ui_->DecodedText1Ed, ui_->DecodedText2Ed, ui_->DecodedText3Ed}) {
+        const QString& text = decoder.decodedText(rank++);
+        if (field->text() != text)
+            field->setText(text); // the cursor goes to the end, which stays in view
+    }
+}
+
+void BOLDDecodingMW::refreshActions() {
+    const DecoderSettings& settings = decoder_.decoder().settings();
+    const bool mayGo = decoder_.letterHindrance().isEmpty() && !timer_.isActive();
+    for (QAction* action :
+         {ui_->NextLetterAction, ui_->PreviousLetterAction, ui_->ProcessLetterAction})
+        action->setEnabled(mayGo);
+    ui_->RunWithTimerAction->setEnabled(timer_.isActive() || mayRunWithTimer());
+    ui_->RunWithTimerAction->setChecked(timer_.isActive());
+    ui_->ReloadROIDataAction->setEnabled(decoder_.isOffline());
+    ui_->ABCDModeAction->setChecked(settings.ABCDMode);
+    ui_->OnlyCorrAction->setChecked(settings.UseCorr && !settings.UseBeta);
+    ui_->CorrAndBetaAction->setChecked(settings.UseCorr && settings.UseBeta);
+}
+
+QImage BOLDDecodingMW::letterDisplay() {
+    return ui_->LetterDisplay->grab().toImage();
+}
+
+QImage BOLDDecodingMW::windowPicture() {
+    return grab().toImage();
+}
+
+void BOLDDecodingMW::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (event->spontaneous())
+        return;
+    decoder_.open(*this);
+    refresh();
+}
+
+void BOLDDecodingMW::hideEvent(QHideEvent* event) {
+    QMainWindow::hideEvent(event);
+    if (event->spontaneous())
+        return;
+    timer_.stop();
+    for (QDialog* dialog : findChildren<QDialog*>(Qt::FindDirectChildrenOnly))
+        dialog->close();
+    decoder_.close();
+}
+
+void openBOLDDecoder(RunSession& session, QWidget& window) {
+    auto* decoder = window.findChild<BOLDDecodingMW*>({}, Qt::FindDirectChildrenOnly);
+    if (!decoder) {
+        decoder = new BOLDDecodingMW(session.decoder, &window);
+        const QRect area = screenArea(&window);
+        const QSize frame = decoder->sizeHint() + windowFrame;
+        decoder->move(
+            placedWithin(area, {placeBeside(area, window.geometry(), frame, 0), frame}).topLeft());
+    }
+    decoder->show();
+    keepOnScreen(*decoder);
+    decoder->raise();
+    decoder->activateWindow();
+}

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/ui/empirical_responses_dialog.h"
+
+#include "dialogs/dialog_setup.h"
+#include "run/session/session_decoder.h"
+#include "ui_empirical_responses_dialog.h"
+
+namespace {
+
+const QString curvesFilter = QStringLiteral("RTC files (*.rtc)");
+
+} // namespace
+
+CreateEmpiricalResponsesDlg::CreateEmpiricalResponsesDlg(SessionDecoder& decoder,
+                                                         EmpiricalSource source, QWidget* parent)
+    : EditDialog(parent), decoder_(decoder), source_(source),
+      ui_(std::make_unique<Ui::CreateEmpiricalResponsesDlg>()) {
+    ui_->setupUi(this);
+    // Responses of another length than the window that is compared could not be loaded.
+    ui_->WindowTimePointsSpBx->setValue(decoder_.decoder().settings().IdealResponseWindowSize);
+    for (QWidget* part : std::initializer_list<QWidget*>{
+             ui_->DataRTCFileLbl, ui_->DataRTCFileEd, ui_->SelectDataRTCFileBtn,
+             ui_->ProtocolFileLbl, ui_->ProtocolFileEd, ui_->SelectProtocolFileBtn})
+        part->setVisible(source_ == EmpiricalSource::Files);
+    connect(ui_->SelectDataRTCFileBtn, &QPushButton::clicked, this, [this] {
+        browse(*ui_->DataRTCFileEd, "Select RTC file with VOI time courses", curvesFilter);
+    });
+    connect(ui_->SelectProtocolFileBtn, &QPushButton::clicked, this, [this] {
+        browse(*ui_->ProtocolFileEd, "Select protocol file", "Protocol files (*.prt)");
+    });
+    connect(ui_->SelectIdealResponsesFileBtn, &QPushButton::clicked, this,
+            &CreateEmpiricalResponsesDlg::browseResponses);
+    setUpEditing();
+}
+
+CreateEmpiricalResponsesDlg::~CreateEmpiricalResponsesDlg() = default;
+
+void CreateEmpiricalResponsesDlg::browse(QLineEdit& field, const QString& title,
+                                         const QString& filter) {
+    chooseFileToOpen(
+        title, field.text(), filter, [&field](const QString& path) { field.setText(path); },
+        &chooser_);
+}
+
+void CreateEmpiricalResponsesDlg::browseResponses() {
+    chooseFileToSave(
+        "Select RTC file for the empirical responses", ui_->IdealResponsesFileEd->text(),
+        curvesFilter, [this](const QString& path) { ui_->IdealResponsesFileEd->setText(path); },
+        &chooser_);
+}
+
+EmpiricalOptions CreateEmpiricalResponsesDlg::options() const {
+    EmpiricalOptions options;
+    options.WindowTimePoints = ui_->WindowTimePointsSpBx->value();
+    options.PreTrialBeginDataPoints = ui_->PreTrialBeginDataPointsSpBx->value();
+    options.PostTrialDataPoints = ui_->PostTrialDataPointsSpBx->value();
+    options.ShortestTaskDuration = ui_->ShortestTaskDurationSpBx->value();
+    options.rois = ui_->IncludeSMAsForIdealResponsesBtn->isChecked()     ? ResponseROIs::All
+                   : ui_->UseOnlySMAROIsForIdealResponsesOp->isChecked() ? ResponseROIs::Helpers
+                                                                         : ResponseROIs::Tasks;
+    return options;
+}
+
+QLineEdit* CreateEmpiricalResponsesDlg::missingFile() const {
+    for (QLineEdit* field : {ui_->DataRTCFileEd, ui_->ProtocolFileEd, ui_->IdealResponsesFileEd})
+        if (!field->isHidden() && field->text().trimmed().isEmpty())
+            return field;
+    return nullptr;
+}
+
+bool CreateEmpiricalResponsesDlg::apply() {
+    if (QLineEdit* missing = missingFile()) {
+        showWarning("Choose all files of this dialog first.");
+        returnToControl(*missing);
+        return false;
+    }
+    const QString responses = ui_->IdealResponsesFileEd->text();
+    return source_ == EmpiricalSource::Run
+               ? decoder_.createEmpiricalResponses(options(), responses)
+               : decoder_.createEmpiricalResponses(options(), ui_->DataRTCFileEd->text(),
+                                                   ui_->ProtocolFileEd->text(), responses);
+}
+
+void openEmpiricalResponsesDialog(SessionDecoder& decoder, EmpiricalSource source,
+                                  QWidget& window) {
+    delete window.findChild<CreateEmpiricalResponsesDlg*>({}, Qt::FindDirectChildrenOnly);
+    showInFront(*new CreateEmpiricalResponsesDlg(decoder, source, &window));
+}

@@ -1,0 +1,294 @@
+// The dialogs of the letter decoder, driven by their controls.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/ui/empirical_responses_dialog.h"
+#include "decoder_fixture.h"
+#include "display/plots/plotter.h"
+#include "support/dialog_checks.h"
+
+#include <QDoubleSpinBox>
+
+namespace {
+
+/// Labels, titles and texts of buttons, without the marks of their keys.
+QStringList textsOf(const QWidget& dialog) {
+    QStringList texts;
+    for (const QWidget* widget : dialog.findChildren<QWidget*>())
+        for (const char* property : {"text", "title"})
+            texts << widget->property(property).toString().remove('&');
+    return texts;
+}
+
+} // namespace
+
+class DecoderDialogs : public DecoderFixture {
+protected:
+    BOLDDecodingSettingsDlg& openSettings() {
+        trigger("SettingsAction");
+        return *decoding->findChild<BOLDDecodingSettingsDlg*>();
+    }
+    CreateEmpiricalResponsesDlg& openResponses() {
+        return *decoding->findChild<CreateEmpiricalResponsesDlg*>();
+    }
+    /// The first response that the dialog makes.
+    std::vector<float> made() {
+        QFile::remove(path("made.rtc"));
+        click("OkBtn");
+        const auto responses = loadReferences(path("made.rtc"));
+        return responses ? responses->front() : std::vector<float>();
+    }
+    void set(const char* name, int value) { find<QSpinBox>(name).setValue(value); }
+    [[nodiscard]] const DecoderSettings& applied() { return session.decoder.decoder().settings(); }
+    [[nodiscard]] QTableWidgetItem& weight(int task, int roi) {
+        return *find<QTableWidget>("TaskVOIWeightsTable").item(task, roi);
+    }
+};
+
+TEST_F(DecoderDialogs, NameTheSettings) {
+    const BOLDDecodingSettingsDlg& dialog = openSettings();
+    expectExplained(dialog);
+    EXPECT_EQ(dialog.windowTitle(), "Decoding Preparation");
+    for (const char* text :
+         {"Skip time points at begin of run:", "'Begin of run' starts after 'skipped volumes'",
+          "Full window size:", "Ideal response window size:", "Skip at begin:",
+          "Points until start of (ideal) hemodynamic response",
+          "Skip at end:", "If negative, hemo response is expected to extend into next data window",
+          "Mean for percent signal change   From:", "Number of VOIs:",
+          "Number of expected time points:",
+          "Role of helper VOIs (e.g. SMAs) for finding response shape via correlation",
+          "Use 3 task VOIs and 3 task-specific SMA ROIs (6 ROIs)", "Use only SMA VOIs (3 ROIs)",
+          "Use only task VOIs (3 ROIs)", "Letter assignment option",
+          "Version 1 (used for default visual decoding)",
+          "Version 2 (used for default auditory decoding)",
+          "Weight (0.0 corr only, 1.0 beta only, 0.5 both contribute equally):"})
+        EXPECT_TRUE(textsOf(dialog).contains(text)) << text;
+    for (const char* slot :
+         {"selectIdealResponsesRTCFile()", "selectVOITimeCoursesRTCFile()", "loadWeights()",
+          "saveWeights()", "selectOfflineRTCFile()", "selectOfflineAnalysisOp()",
+          "selectRealTimeAnalysisOp()", "onNrOfExtraLinesChanged(int)", "onExtraLineNrChanged(int)",
+          "onExtraLineAtPointChanged(double)", "loadDefaultSettings()", "saveDefaultSettings()"})
+        EXPECT_GE(dialog.metaObject()->indexOfSlot(slot), 0) << slot;
+    EXPECT_EQ(find<QLineEdit>("IdealResponsesRTCFileEd").text(), "IdealResponses_rg.rtc");
+    EXPECT_FALSE(find<QAbstractButton>("LetterAssignment2Op").isEnabled());
+}
+
+TEST_F(DecoderDialogs, HandOverWhatIsSet) {
+    openSettings();
+    set("NrOfVOIsSpBx", 5);
+    set("NrOfTimePointsSpBx", 200);
+    set("SkipTimePointsAtBeginSpBx", 4);
+    set("FullWindowSizeSpBx", 45);
+    set("SkipAtBeginSpBx", 2);
+    set("SkipAtEndSpBx", -3);
+    set("MeanForPercSignalFromSpBx", 1);
+    set("MeanForPercSignalToSpBx", 5);
+    find<QDoubleSpinBox>("CorrBetaTauDSpBx").setValue(0.25);
+    click("UseOnlySMAVOIsOp");
+    weight(1, 1).setText("3");
+    weight(1, 4).setText("-4");
+    set("NrOfExtraLinesSpBx", 2);
+    set("ExtraLineNrSpBx", 2);
+    find<QDoubleSpinBox>("ExtraLineAtPointDSpBx").setValue(7.5);
+    find<QLineEdit>("IdealResponsesRTCFileEd").setText(path("own.rtc"));
+    click("OkBtn");
+    DecoderSettings expected;
+    expected.NrOfDataROIs = 5;
+    expected.NrOfTimePoints = 200;
+    expected.SkipTimePointsAtBegin = 4;
+    expected.FullWindowSize = 45;
+    expected.SkipAtBeginOfWindow = 2;
+    expected.SkipAtEndOfWindow = -3;
+    expected.MeanForPercSignalFrom = 1;
+    expected.MeanForPercSignalTo = 5;
+    expected.CorrBetaTau = 0.25f;
+    expected.HelperVOIsMode = HelperVOIs::OnlyHelpers;
+    expected.TaskVOIWeights = {{{1}, {0, 0.6f, 0, 0, -0.8f}, {0, 0, 1}}};
+    expected.extraLines = {0.0f, 7.5f};
+    EXPECT_EQ(applied(), expected);
+    EXPECT_EQ(find<Plotter>("ReferencePlot1").content().lines.size(), 2u);
+    EXPECT_EQ(session.decoder.preparation().referencesPath, path("own.rtc"));
+    // The dialog shows them again, and Cancel keeps them.
+    openSettings();
+    EXPECT_EQ(find<QSpinBox>("NrOfTimePointsSpBx").value(), // again that of the run
+              session.settings.NrOfVolumes - session.settings.NrOfVolumesToSkip);
+    set("NrOfTimePointsSpBx", 200);
+    click("OkBtn");
+    EXPECT_EQ(applied(), expected);
+    openSettings();
+    EXPECT_EQ(weight(1, 4).text(), "-4");
+    EXPECT_EQ(find<QSpinBox>("ExtraLineNrSpBx").maximum(), 2);
+    click("UseOnlyTaskVOIsOp");
+    click("CancelBtn");
+    EXPECT_EQ(applied(), expected);
+}
+
+TEST_F(DecoderDialogs, RefuseWhatDoesNotFit) {
+    const BOLDDecodingSettingsDlg& dialog = openSettings();
+    set("MeanForPercSignalToSpBx", 40);
+    messages.expectWarning("The mean for percent signal change must lie*");
+    click("OkBtn");
+    set("MeanForPercSignalToSpBx", 2);
+    set("SkipAtBeginSpBx", 43);
+    for (const char* button : {"OkBtn", "SaveDefaultSettingsBtn"}) {
+        messages.expectWarning("The skips leave no point*");
+        click(button);
+    }
+    set("SkipAtBeginSpBx", 3);
+    weight(0, 0).setText("1,5");
+    for (const char* button : {"OkBtn", "SaveWeightsBtn"}) {
+        messages.expectWarning("Each weight of a VOI must be a number*");
+        click(button);
+    }
+    weight(0, 0).setText("1");
+    click("OfflineAnalysisOp");
+    find<QLineEdit>("OfflineRTCFileEd").setText(path("none.rtc"));
+    messages.expectInformation("INFO - Problem loading RTC file with VOI time courses!");
+    click("OkBtn");
+    EXPECT_TRUE(dialog.isVisible());
+}
+
+TEST_F(DecoderDialogs, KeepWeightsAndSettingsInFiles) {
+    openSettings();
+    weight(2, 5).setText("0.25");
+    set("FullWindowSizeSpBx", 60);
+    set("NrOfTimePointsSpBx", 99);
+    click("UseOnlyTaskVOIsOp");
+    const struct {
+        const char* button;
+        const char* title;
+        const char* file;
+    } saved[] = {
+        {"SaveWeightsBtn", "Select file for storing VOI weighting pattern for each task", "a.wgt"},
+        {"SaveDefaultSettingsBtn", "Save BDS File", "a.bds"}};
+    for (const auto& [button, title, file] : saved) {
+        messages.expectFileChoice(title, path(file));
+        click(button);
+        messages.expectFileChoice(title, path("none/") + file);
+        messages.expectWarning("ERROR: Can not open output file \"" + path("none/") + file +
+                               "\" for writing.");
+        click(button);
+    }
+    weight(2, 5).setText("9");
+    set("FullWindowSizeSpBx", 50);
+    set("NrOfTimePointsSpBx", 88);
+    click("UseOnlySMAVOIsOp");
+    put("bad", "Version: 2");
+    const struct {
+        const char* button;
+        const char* title;
+        const char* file;
+    } loaded[] = {
+        {"LoadWeightsBtn", "Select file containing VOI weighting pattern for each task", "a.wgt"},
+        {"LoadDefaultSettingsBtn", "Load BDS File", "a.bds"}};
+    for (const auto& [button, title, file] : loaded) {
+        messages.expectFileChoice(title, path("none"));
+        messages.expectWarning("ERROR: Can not open file \"" + path("none") + "\" for writing.");
+        click(button);
+        messages.expectFileChoice(title, path("bad"));
+        messages.expectWarning("The file \"" + path("bad") + "\" does not hold*");
+        click(button);
+        messages.expectFileChoice(title, path(file));
+        click(button);
+    }
+    EXPECT_EQ(weight(2, 5).text(), "0.25");
+    EXPECT_EQ(find<QSpinBox>("FullWindowSizeSpBx").value(), 60);
+    EXPECT_EQ(find<QSpinBox>("NrOfTimePointsSpBx").value(), 88); // not in the file
+    EXPECT_TRUE(find<QAbstractButton>("UseOnlyTaskVOIsOp").isChecked());
+}
+
+TEST_F(DecoderDialogs, ChooseReferencesAndData) {
+    BOLDDecodingSettingsDlg& dialog = openSettings();
+    EXPECT_FALSE(find<QLineEdit>("OfflineRTCFileEd").isEnabled());
+    messages.expectFileChoice("Select RTC file with 3 or 4 VOI time courses", "/data.rtc");
+    dialog.selectVOITimeCoursesRTCFile();
+    EXPECT_TRUE(find<QAbstractButton>("OfflineAnalysisOp").isChecked());
+    EXPECT_EQ(find<QLineEdit>("OfflineRTCFileEd").text(), "/data.rtc");
+    EXPECT_TRUE(find<QLineEdit>("OfflineRTCFileEd").isEnabled());
+    messages.expectFileChoice("Select RTC file with 9 ideal responses", "/r.rtc");
+    click("SelectIdealResponsesRTCFileBtn");
+    EXPECT_EQ(find<QLineEdit>("IdealResponsesRTCFileEd").text(), "/r.rtc");
+    click("RealTimeAnalysisOp");
+    EXPECT_FALSE(find<QLineEdit>("OfflineRTCFileEd").isEnabled());
+}
+
+TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
+    trigger("EmpiricalFromRTCAction");
+    CreateEmpiricalResponsesDlg& dialog = openResponses();
+    expectExplained(dialog);
+    EXPECT_EQ(dialog.windowTitle(), "Create Empirical Responses");
+    for (const char* text :
+         {"Window time points:", "Pre-trial points:", "Post-trial points:",
+          "Shortest task duration:", "Use ROIs optimized for disentangling mental tasks (1-3)",
+          "Use ROIs optimized for temporal BOLD characteristics (4-6)", "Use all six ROIs (1-6)",
+          "RTC file:", "Data RTC file:", "Protocol file:"})
+        EXPECT_TRUE(textsOf(dialog).contains(text)) << text;
+    const struct {
+        const char* name;
+        int value;
+    } defaults[] = {{"WindowTimePointsSpBx", 40},
+                    {"PreTrialBeginDataPointsSpBx", 5},
+                    {"PostTrialDataPointsSpBx", 10},
+                    {"ShortestTaskDurationSpBx", 15}};
+    for (const auto& [name, value] : defaults)
+        EXPECT_EQ(find<QSpinBox>(name).value(), value) << name;
+    EXPECT_EQ(find<QSpinBox>("WindowTimePointsSpBx").minimum(), 1);
+    EXPECT_EQ(find<QSpinBox>("WindowTimePointsSpBx").maximum(), 999);
+    messages.expectWarning("Choose all files of this dialog first.");
+    click("OkBtn");
+    const struct {
+        const char* button;
+        const char* title;
+        const char* file;
+    } choices[] = {
+        {"SelectDataRTCFileBtn", "Select RTC file with VOI time courses", "word.rtc"},
+        {"SelectProtocolFileBtn", "Select protocol file", "training.prt"},
+        {"SelectIdealResponsesFileBtn", "Select RTC file for the empirical responses", "made.rtc"}};
+    for (const auto& [button, title, file] : choices) {
+        messages.expectFileChoice(title, path(file));
+        click(button);
+    }
+    QString protocol = "FileVersion: 2\nResolutionOfTime: Volumes\nExperiment: t\n"
+                       "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 1 1 1\n"
+                       "TimeCourseThick: 2\nReferenceFuncColor: 0 0 80\nReferenceFuncThick: 2\n"
+                       "NrOfConditions: 10\n";
+    for (int i = 0; i < 10; ++i)
+        protocol +=
+            QString("C%1\n1\n%2 %3\nColor: 9 9 9\n").arg(i).arg(6 + 12 * i).arg(14 + 12 * i);
+    put("training.prt", protocol.toLatin1());
+    // The helpers respond half as much as the regions of the tasks.
+    double greatest = 0.0;
+    for (const auto& [button, share] : {std::pair{"UseThreeTaskROIsForIdealResponsesOp", 1.0},
+                                        {"UseOnlySMAROIsForIdealResponsesOp", 0.5},
+                                        {"IncludeSMAsForIdealResponsesBtn", 0.75}}) {
+        click(button);
+        const std::vector<float> response = made();
+        ASSERT_EQ(response.size(), 40u) << button;
+        const double now = double(std::ranges::max(response)) - 100.0;
+        if (greatest == 0.0)
+            greatest = now;
+        EXPECT_GT(now, 0.01);
+        EXPECT_NEAR(now, greatest * share, 0.005) << button;
+        dialog.show();
+    }
+    // The shortest response ends 9 + 2 + 4 points behind its begin.
+    set("WindowTimePointsSpBx", 30);
+    set("ShortestTaskDurationSpBx", 9);
+    set("PreTrialBeginDataPointsSpBx", 2);
+    set("PostTrialDataPointsSpBx", 4);
+    const std::vector<float> response = made();
+    ASSERT_EQ(response.size(), 30u);
+    EXPECT_NE(response[14], 100.0f);
+    EXPECT_TRUE(std::all_of(response.begin() + 15, response.end(),
+                            [](float value) { return value == 100.0f; }));
+}
+
+TEST_F(DecoderDialogs, MakeResponsesOnlyOfARunWithRegions) {
+    decoding->createEmpiricalIdealResponsesFileFromVCO();
+    EXPECT_FALSE(find<QLineEdit>("DataRTCFileEd").isVisible());
+    EXPECT_FALSE(find<QLineEdit>("ProtocolFileEd").isVisible());
+    find<QLineEdit>("IdealResponsesFileEd").setText(path("made.rtc"));
+    messages.acceptAnything();
+    click("OkBtn");
+    EXPECT_EQ(messages.shown().size(), 1);
+    EXPECT_TRUE(openResponses().isVisible());
+    EXPECT_FALSE(QFile::exists(path("made.rtc")));
+}

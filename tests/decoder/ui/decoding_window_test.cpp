@@ -1,0 +1,221 @@
+// The window of the letter decoder, operated by the names of its actions.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/ui/letter_matrix.h"
+#include "decoder/ui/reference_plot.h"
+#include "decoder_fixture.h"
+
+#include <QCheckBox>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QStatusBar>
+#include <QTest>
+
+using DecodingWindow = DecoderFixture;
+
+namespace {
+
+/// The middle of the upper edge of a letter's cell, where nothing but its filling is.
+QColor fillingOf(LetterMatrix& matrix, QChar letter) {
+    const QRectF cell = matrix.cell(*codeOf(letter));
+    return matrix.grab().toImage().pixelColor(int(cell.left() + 8), int(cell.top() + 4));
+}
+
+/// Nothing is written in the cell.
+bool isBlank(LetterMatrix& matrix, QChar letter) {
+    const QImage cell =
+        matrix.grab(matrix.cell(*codeOf(letter)).adjusted(8, 8, -8, -8).toRect()).toImage();
+    QImage plain = cell;
+    plain.fill(cell.pixelColor(0, 0));
+    return cell == plain;
+}
+
+QStringList legends(const Plotter& plot) {
+    QStringList names;
+    for (const PlotCurve& curve : plot.content().curves)
+        names << curve.legend;
+    return names;
+}
+
+} // namespace
+
+TEST_F(DecodingWindow, HasItsSlotsAndTheTextsOfItsActions) {
+    EXPECT_EQ(decoding->windowTitle(), "Decoding Of BOLD Letters");
+    for (const char* slot : {"callSettingsDlg()",
+                             "createEmpiricalIdealResponsesFileFromVCO()",
+                             "createEmpiricalIdealResponsesFileFromRTC()",
+                             "showAllCurvesInDataPlot()",
+                             "showTaskCurvesInDataPlot()",
+                             "showSMACurvesInDataPlot()",
+                             "showTaskAndSMA1InDataPlot()",
+                             "showTaskAndSMA2InDataPlot()",
+                             "showTaskAndSMA3InDataPlot()",
+                             "manageDataCurves()",
+                             "fitGLMForLetter(int,float*,float*,float&)",
+                             "runWithTimer()",
+                             "processCurrentLetterWindow()",
+                             "goToNextLetter()",
+                             "goToPreviousLetter()",
+                             "nextTR()",
+                             "slotPreparationMenuAboutToShow()",
+                             "useOnlyCorrForComparisonWithIdealResponses()",
+                             "useCorrForShapeAndBetaForTaskSelection()",
+                             "reloadROIDataForOfflineAnalysis()",
+                             "checkABCDMode()"})
+        EXPECT_GE(decoding->metaObject()->indexOfSlot(slot), 0) << slot;
+    QStringList texts;
+    for (const QAction* action : decoding->findChildren<QAction*>())
+        texts << action->text();
+    for (const char* text : {"Run With Timer", "Next Letter", "Previous Letter", "Reload ROI Data",
+                             "Manage Data Curves", "ABCD Mode", "Corr for Shape and Task Selection",
+                             "Corr For Shape, Beta For Task"})
+        EXPECT_TRUE(texts.contains(text)) << text;
+    EXPECT_EQ(find<QWidget>("DecodedTextGrpBx").property("title"), "Decoded Text");
+    EXPECT_TRUE(decoding->minimumSizeHint().width() <= 1016 &&
+                decoding->minimumSizeHint().height() <= 700);
+}
+
+TEST_F(DecodingWindow, NothingIsPossibleBeforeThePreparation) {
+    for (const char* name : {"NextLetterAction", "PreviousLetterAction", "ProcessLetterAction",
+                             "RunWithTimerAction", "ReloadROIDataAction"})
+        EXPECT_FALSE(find<QAction>(name).isEnabled()) << name;
+    EXPECT_EQ(find<QStatusBar>("StatusBar").currentMessage(), "The decoding is not prepared");
+    EXPECT_FALSE(find<Plotter>("DataPlotter").content().note.isEmpty());
+    decoding->runWithTimer();
+    EXPECT_FALSE(find<QAction>("RunWithTimerAction").isChecked());
+    Q_EMIT find<QMenu>("PreparationMenu").aboutToShow();
+    EXPECT_FALSE(find<QAction>("EmpiricalFromVCOAction").isEnabled());
+}
+
+TEST_F(DecodingWindow, GoesFromLetterToLetter) {
+    prepareOffline();
+    auto& best = find<QLineEdit>("DecodedText1Ed");
+    decoding->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(decoding));
+    best.setFocus();
+    for (int i = 0; i < 4; ++i)
+        QTest::keyClick(&best, Qt::Key_F6);
+    EXPECT_EQ(decoded()[0], "VELO");
+    EXPECT_EQ(decoded()[1].size(), 4);
+    EXPECT_TRUE(find<QPlainTextEdit>("LogEd").toPlainText().contains("\nRank 1: O ("));
+    auto& matrix = find<LetterMatrix>("LetterDisplay");
+    EXPECT_EQ(fillingOf(matrix, 'O'), QColor(255, 20, 50));
+    EXPECT_EQ(fillingOf(matrix, decoded()[1].back()), QColor(50, 200, 50));
+    EXPECT_EQ(fillingOf(matrix, decoded()[2].back()), QColor(0, 200, 255));
+    trigger("PreviousLetterAction");
+    EXPECT_EQ(decoded()[0], "VEL");
+    trigger("ProcessLetterAction");
+    EXPECT_EQ(decoded()[0], "VELL");
+    EXPECT_TRUE(QFile::exists(path("feedback/BOLDDecoder-word-3.png")));
+    trigger("ReloadROIDataAction");
+    EXPECT_EQ(decoded(), QStringList({"", "", ""}));
+    EXPECT_EQ(fillingOf(matrix, 'L'), fillingOf(matrix, 'Z'));
+}
+
+TEST_F(DecodingWindow, TheReferencePlotsShowTheScoresInTheColoursOfTheRanks) {
+    prepareOffline();
+    trigger("NextLetterAction"); // "V": the third task, onset 10 s, duration 20 s
+    const auto& best = find<ReferencePlot>("ReferencePlot5");
+    EXPECT_EQ(best.content().title, "20-20");
+    ASSERT_TRUE(best.marks());
+    const TaskMark found = best.marks()->at(2);
+    EXPECT_EQ(found, (TaskMark{QColor(255, 20, 50), found.score, found.product, true}));
+    EXPECT_EQ(best.marks()->at(0).color, QColor(200, 200, 200));
+    // Of the correlation, which is 1, and the normalized beta of the task's region, 1 / sqrt(1.25).
+    EXPECT_EQ(found.score, "0.95");
+    EXPECT_EQ(found.product, "0.89");
+    trigger("OnlyCorrAction");
+    EXPECT_FALSE(session.decoder.decoder().settings().UseBeta);
+    trigger("ProcessLetterAction");
+    EXPECT_EQ(best.marks()->at(2).product, "");
+    EXPECT_EQ(best.marks()->at(2).score, "1.00");
+    trigger("CorrAndBetaAction");
+    EXPECT_TRUE(session.decoder.decoder().settings().UseBeta);
+}
+
+TEST_F(DecodingWindow, TheFourLetterModeFindsFourLetters) {
+    prepareOffline();
+    trigger("ABCDModeAction");
+    EXPECT_TRUE(session.decoder.decoder().settings().ABCDMode);
+    for (int i = 0; i < 2; ++i)
+        trigger("NextLetterAction");
+    EXPECT_EQ(decoded()[0].back(), 'C'); // "E"
+    auto& matrix = find<LetterMatrix>("LetterDisplay");
+    EXPECT_TRUE(isBlank(matrix, 'I') && isBlank(matrix, 'Z'));
+    EXPECT_FALSE(isBlank(matrix, 'A') || isBlank(matrix, 'Y'));
+    trigger("ABCDModeAction");
+    EXPECT_FALSE(session.decoder.decoder().settings().ABCDMode);
+}
+
+TEST_F(DecodingWindow, TheTimerTakesTheVolumesOfTheFile) {
+    prepareOffline();
+    decoding->runWithTimer();
+    EXPECT_TRUE(find<QAction>("RunWithTimerAction").isChecked());
+    EXPECT_FALSE(find<QAction>("NextLetterAction").isEnabled());
+    auto* timer = decoding->findChild<QTimer*>();
+    EXPECT_EQ(timer->interval(), 200);
+    EXPECT_TRUE(timer->isActive());
+    decoding->nextTR();
+    auto& matrix = find<LetterMatrix>("LetterDisplay");
+    EXPECT_EQ(matrix.stage(), 0);
+    for (int volume = 1; volume < 12; ++volume)
+        decoding->nextTR();
+    EXPECT_EQ(matrix.stage(), 1);
+    EXPECT_EQ(find<QStatusBar>("StatusBar").currentMessage(), "No letter yet  ·  volume 12 of 170");
+    for (int volume = 12; volume <= nrOfVolumes(); ++volume)
+        decoding->nextTR();
+    EXPECT_EQ(decoded()[0], "VELO");
+    EXPECT_FALSE(timer->isActive());
+    EXPECT_FALSE(find<QAction>("RunWithTimerAction").isChecked());
+}
+
+TEST_F(DecodingWindow, ChoosesTheCurvesOfTheDataPlot) {
+    prepareOffline();
+    const struct {
+        const char* action;
+        QString legends;
+    } cases[] = {{"TaskCurvesAction", "VOI Task 1,VOI Task 2,VOI Task 3"},
+                 {"SMACurvesAction", "SMA 1,SMA 2,SMA 3"},
+                 {"TaskAndSMA1Action", "VOI Task 1,SMA 1"},
+                 {"TaskAndSMA2Action", "VOI Task 2,SMA 2"},
+                 {"TaskAndSMA3Action", "VOI Task 3,SMA 3"},
+                 {"AllCurvesAction", "VOI Task 1,VOI Task 2,VOI Task 3,SMA 1,SMA 2,SMA 3"}};
+    const auto& plot = find<Plotter>("DataPlotter");
+    for (const auto& [action, expected] : cases) {
+        trigger(action);
+        EXPECT_EQ(legends(plot).join(','), expected);
+    }
+    EXPECT_EQ(plot.content().curves[0].values.size(), size_t(nrOfVolumes()));
+    trigger("ManageDataCurvesAction");
+    EXPECT_TRUE(find<QCheckBox>("DataCurve2Op").isVisible());
+    click("DataCurve2Op");
+    EXPECT_FALSE(legends(plot).contains("VOI Task 2"));
+    trigger("NextLetterAction");
+    EXPECT_EQ(plot.content().title, "Window of letter 1");
+    EXPECT_EQ(legends(plot).size(), 5);
+    trigger("ManageDataCurvesAction");
+    EXPECT_FALSE(find<QCheckBox>("DataCurve2Op").isVisible());
+}
+
+TEST_F(DecodingWindow, TheSlopeOfALetter) {
+    std::array<float, 4> reference{0, 1, 2, 5};
+    std::array<float, 4> curve{1, 4, 7, 16};
+    float slope = 0.0f;
+    decoding->fitGLMForLetter(4, curve.data(), reference.data(), slope);
+    EXPECT_FLOAT_EQ(slope, 3.0f);
+}
+
+TEST_F(DecodingWindow, TheDecoderWorksWhileTheWindowIsShown) {
+    EXPECT_TRUE(session.decoder.isOpen());
+    prepareOffline();
+    decoding->runWithTimer();
+    trigger("SettingsAction");
+    decoding->close();
+    EXPECT_FALSE(decoding->findChild<QTimer*>()->isActive());
+    EXPECT_FALSE(session.decoder.isOpen());
+    EXPECT_FALSE(decoding->findChild<BOLDDecodingSettingsDlg*>()->isVisible());
+    openBOLDDecoder(session, window);
+    EXPECT_EQ(window.findChildren<BOLDDecodingMW*>().size(), 1);
+    EXPECT_TRUE(session.decoder.isOpen());
+    delete decoding;
+    EXPECT_FALSE(session.decoder.isOpen());
+}
