@@ -72,6 +72,9 @@ ArrivedFile awaitFile(const ExpectedFile& expected, const WaitTimes& times, Even
     const StopWatch watch(pump);
     Pauses pauses(expected.names, times, pump);
     for (;;) {
+        // Taken before the look: a box that is answered late holds up the events, and the file may
+        // have come meanwhile.
+        const bool timeIsUp = watch.elapsed() > times.timeOutMilliseconds;
         bool unsettled = false;
         for (const QString& name : expected.names) {
             const auto found = fileStamp(name);
@@ -84,7 +87,7 @@ ArrivedFile awaitFile(const ExpectedFile& expected, const WaitTimes& times, Even
                 return {name, noticedAt};
             unsettled = true;
         }
-        if (pump.waitsGivenUp() || watch.elapsed() > times.timeOutMilliseconds)
+        if (pump.waitsGivenUp() || timeIsUp)
             return {};
         // A file that changes is tested again without a pause: its settling time was one.
         if (!unsettled)

@@ -49,7 +49,7 @@ void overwrite(const QString& path, const QByteArray& bytes, int second) {
 // The first look is at 0 milliseconds, the settling time 30.
 TEST(AwaitFile, SizeAndTimesHoldStillOverTheSettlingTime) {
     const std::tuple<int, bool, int> cases[] = {
-        {0, false, 30}, {25, false, 60}, {85, false, 120}, {2000, false, 1020}, {85, true, 30}};
+        {0, false, 30}, {25, false, 60}, {85, false, 120}, {2000, false, 1050}, {85, true, 30}};
     for (const auto& [lastWrite, keepsGrowing, end] : cases) {
         const QTemporaryDir folder;
         SimulatedPump pump;
@@ -63,6 +63,21 @@ TEST(AwaitFile, SizeAndTimesHoldStillOverTheSettlingTime) {
                 .name;
         EXPECT_EQ(found, lastWrite < 1000 ? path : QString());
         EXPECT_EQ(pump.milliseconds(), end) << lastWrite;
+    }
+}
+
+// Answered a minute later, while a wait goes on: in its pause, or while the file settles.
+TEST(AwaitFile, ABoxThatHoldsUpTheEventsIsNoTimeOut) {
+    for (const int opened : {50, 110}) {
+        const QTemporaryDir folder;
+        SimulatedPump pump;
+        const QString path = folder.filePath("image");
+        pump.after(60, [&path] { overwrite(path, "full", 1); });
+        pump.after(20'000, [&path] { overwrite(path, "FULL", 2); });
+        pump.after(opened, [&pump] { pump.pumpWait(60'000); });
+        const ArrivedFile found = awaitFile(
+            {{path}, 4, true}, {.timeOutMilliseconds = 1000, .settleMilliseconds = 30}, pump);
+        EXPECT_EQ(found.name, path) << opened;
     }
 }
 

@@ -26,7 +26,7 @@ void SimulatedPump::waitUnless(int milliseconds, const bool& done) {
         runDue();
     }
     if (!done)
-        now_ = end;
+        now_ = std::max(now_, end); // an action may have waited for longer
 }
 
 void SimulatedPump::after(qint64 milliseconds, std::function<void()> action) {

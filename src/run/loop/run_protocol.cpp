@@ -118,11 +118,14 @@ bool followProtocol(const RunParts& run, const Arriving& arriving, bool& interva
     ProtocolUpdate update = takeLine();
     intervalsChanged = update.intervalsChanged;
     run.pump.processEvents();
+    // Taken before each look: a box that is answered late holds up the events, and lines may have
+    // come meanwhile.
+    bool timeIsUp = false;
     while (!arriving.hasEnded() && !covers(run.document, arriving.coveredVolumes)) {
         if (run.pump.waitsGivenUp())
             return false;
         // While lines come, nothing is waited for: a played run may not wait at all.
-        if (!update.lineTaken && waited.elapsed() > run.settings.timeOutMilliseconds) {
+        if (!update.lineTaken && timeIsUp) {
             showModelessWarning(arriving.timeOutText);
             return false;
         }
@@ -131,6 +134,7 @@ bool followProtocol(const RunParts& run, const Arriving& arriving, bool& interva
             run.pump.processEvents();
         if (!update.lineTaken)
             run.pump.pumpWait(pollMilliseconds);
+        timeIsUp = waited.elapsed() > run.settings.timeOutMilliseconds;
         update = takeLine();
         intervalsChanged |= update.intervalsChanged;
         run.pump.processEvents();

@@ -102,6 +102,22 @@ TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
               (std::vector<int>{1, -1, 0}));
 }
 
+// A box of a plug-in is answered a minute later, and the lines have come meanwhile.
+TEST_F(ArrivingProtocolRun, ABoxThatHoldsUpTheEventsIsNoTimeOut) {
+    for (const int opened : {0, 5, 20}) {
+        writeRun("RealTimeProtocol:", 20, rtpHeaderWith("auto1"), {{"TimeOutSeconds:", "3"}});
+        script.atVolume = [&](int volume) {
+            const QString line = QString("%1 0 0\n").arg(volume + 1);
+            if (volume != 12)
+                return append(volume == 19 ? "SCAN END\n" : line);
+            pump.after(opened, [this] { pump.pumpWait(60'000); });
+            pump.after(10'000, [this, line] { append(line); });
+        };
+        session.runButtonPressed();
+        EXPECT_EQ(predictors.size(), 20u) << opened;
+    }
+}
+
 TEST_F(ArrivingProtocolRun, LogThatStopsGrowingEndsTheRun) {
     for (const bool givenUp : {false, true}) {
         writeRun("TDatFile:", 20, tdatHeader, {{"TimeOutSeconds:", "3"}});
