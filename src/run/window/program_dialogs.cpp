@@ -21,6 +21,7 @@ void showLicenceDialog(QWidget* parent) {
         "<tr><td><b>OpenBLAS</b></td><td>BSD 3-Clause (BSD-3-Clause)</td></tr>"
         "<tr><td><b>FFTW 3</b></td><td>GNU General Public License 2 or later "
         "(GPL-2.0-or-later)</td></tr>"
+        "<tr><td><b>LIBSVM</b></td><td>BSD 3-Clause (BSD-3-Clause)</td></tr>"
         "<tr><td><b>zlib</b></td><td>zlib License (Zlib)</td></tr>"
         "</table>"
         "<p>The full text stands in the file LICENSE of the program.</p>");

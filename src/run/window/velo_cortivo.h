@@ -167,6 +167,8 @@ public Q_SLOTS:
     void slotRunSelectedInTC2(int value) { session_.multiRun.showRun(1, value); }
     void slotRunSelectedInTC3(int value) { session_.multiRun.showRun(2, value); }
 
+    void slotShowBOLDDecoder();
+
     // Plug-ins. The first finds in the action that was chosen which it is.
     void onCallPlugin() { plugins_.launch(chosenRow()); }
     void onToggleShowPluginMaps() { contrastPanel_->takeShowPluginMaps(); }
@@ -177,7 +179,6 @@ public Q_SLOTS:
     void slotRenameDICOMFiles() { tellLater("Rename DICOM Files..."); }
     void slotVMR2VMRCoregistration() { tellLater("VMR-VMR Coregistration..."); }
     void slotStimulationProtocol() { tellLater("Stimulation Protocol..."); }
-    void slotShowBOLDDecoder();
     void slotSwitchToEPI3DView() { tellLater("Volume View"); }
     void slotSwitchToVMRView() { tellLater("Anatomical Volume View"); }
     void updateVMRSwitchForMac() { refreshViewButtons(); }
