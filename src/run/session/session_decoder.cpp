@@ -14,6 +14,7 @@
 #include "run/settings/run_settings.h"
 
 #include <QDir>
+#include <utility>
 
 namespace {
 
@@ -106,15 +107,28 @@ bool SessionDecoder::prepare(const DecoderPreparation& preparation) {
     preparation_ = preparation;
     preparedPoints_ = pointsOfRun();
     references_ = {};
+    curves_ = {};
     const bool loaded = loadReferencesOfPreparation() && loadData();
     if (!loaded)
         references_ = {};
     restart();
     if (loaded)
         writeScaledWeights();
+    recordPreparation();
     takeMeasuredCurves();
     refresh();
     return loaded;
+}
+
+// A name that the target folder has may be another file's where the results of a recovery go.
+RecordedDecoder SessionDecoder::recordedPreparation() const {
+    const QString path = referencesPath();
+    return {preparation_.settings, path.startsWith(':') ? preparation_.referencesPath : path};
+}
+
+void SessionDecoder::recordPreparation() {
+    if (isPrepared() && !preparation_.offline && parts_.phase.canBeStopped())
+        parts_.listeners.record({decoderRecord, encodedDecoder(recordedPreparation())});
 }
 
 bool SessionDecoder::loadReferencesOfPreparation() {
@@ -137,7 +151,6 @@ bool SessionDecoder::loadReferencesOfPreparation() {
 }
 
 bool SessionDecoder::loadData() {
-    curves_ = {};
     if (!preparation_.offline)
         return true;
     std::optional<OfflineCurves> data = loadOfflineCurves(preparation_.dataPath);
@@ -186,6 +199,7 @@ void SessionDecoder::changeScores(bool useCorr, bool useBeta) {
     preparation_.settings.UseCorr = useCorr;
     preparation_.settings.UseBeta = useBeta;
     decoder_.changeScores(useCorr, useBeta);
+    recordPreparation();
     refresh();
 }
 
@@ -200,6 +214,7 @@ void SessionDecoder::useCorrForShapeAndBetaForTaskSelection() {
 void SessionDecoder::changeABCDMode(bool on) {
     preparation_.settings.ABCDMode = on;
     decoder_.changeABCDMode(on);
+    recordPreparation();
     refresh();
 }
 
@@ -357,6 +372,7 @@ void SessionDecoder::documentsLeaving() {
 void SessionDecoder::documentsArrived(QtCortivoDoc& functional) {
     document_ = &functional;
     lastPlayed_ = -1;
+    preparationPlayed_ = false;
 }
 
 void SessionDecoder::runPrepared(QtCortivoDoc&) {
@@ -368,9 +384,33 @@ void SessionDecoder::runPrepared(QtCortivoDoc&) {
         restart();
         if (screen_ && parts_.phase.canBeStopped()) // a reload writes nothing
             writeScaledWeights();
+        recordPreparation();
     }
     takeMeasuredCurves();
     refresh();
+}
+
+// Also without a window, which may open later. Other scores alone leave the letters that there are,
+// and need no file: one that has gone is told of once.
+void SessionDecoder::recordPlayed(const RunRecord& record) {
+    if (record.name != decoderRecord)
+        return;
+    const std::optional<RecordedDecoder> recorded =
+        decodedDecoder(record.content, preparation_.settings);
+    if (!recorded)
+        return;
+    const DecoderSettings& settings = recorded->settings;
+    RecordedDecoder now = recordedPreparation();
+    now.settings.UseCorr = settings.UseCorr;
+    now.settings.UseBeta = settings.UseBeta;
+    now.settings.ABCDMode = settings.ABCDMode;
+    const bool isTaken = std::exchange(preparationPlayed_, true) || isPrepared();
+    if (isTaken && !preparation_.offline && encodedDecoder(now) == record.content) {
+        changeScores(settings.UseCorr, settings.UseBeta);
+        changeABCDMode(settings.ABCDMode);
+    } else {
+        prepare({settings, recorded->referencesPath, false, {}});
+    }
 }
 
 void SessionDecoder::regionsChanged(QtCortivoDoc&) {

@@ -195,6 +195,7 @@ TEST_F(SessionDecoderTest, AFileOfTheCurvesGivesTheLettersOfTheRun) {
         messages.expectInformation(
             QStringLiteral("INFO - Problem loading RTC file with %1!").arg(text));
         EXPECT_FALSE(session.decoder.prepare(offline));
+        EXPECT_TRUE(session.decoder.curves()[0].empty());
         EXPECT_FALSE(session.decoder.nextTR());
         EXPECT_FALSE(session.decoder.letterHindrance().isEmpty());
     }
@@ -317,6 +318,80 @@ TEST_F(SessionDecoderTest, APlayedVolumeGivesNothingAgain) {
     atVolume = {};
     runAgain();
     EXPECT_EQ(content(output_).count("Letter "), 6) << "the next run is measured";
+}
+
+TEST_F(SessionDecoderTest, ARecoveredRunIsDecodedAsItWasPrepared) {
+    Screen screen(session);
+    ASSERT_TRUE(session.decoder.prepare(own()));
+    atVolume = [this](int volume) {
+        if (volume == 12)
+            session.decoder.useOnlyCorrForComparisonWithIdealResponses();
+        if (volume == 22)
+            session.decoder.useCorrForShapeAndBetaForTaskSelection();
+        if (volume == 25)
+            session.decoder.changeABCDMode(true);
+    };
+    const QString journal = recordJournal();
+    atVolume = {};
+    const DecoderSettings settings = session.decoder.preparation().settings;
+    const QString live = text();
+    const QByteArray log = content(output_);
+    // As another session has it: not prepared, or for something else.
+    DecoderPreparation other = session.decoder.preparation();
+    other.settings.NrOfDataROIs = 3;
+    other.referencesPath = "none.rtc";
+    const QString loading = "INFO - Problem loading RTC file with ideal responses!";
+    for (const bool isThere : {true, false}) {
+        SCOPED_TRACE(isThere);
+        messages.expectInformation(loading);
+        EXPECT_FALSE(session.decoder.prepare(other));
+        if (!isThere) {
+            QFile::remove(path("results/own.rtc"));
+            messages.expectInformation(loading); // once
+        }
+        ASSERT_TRUE(QFile::copy(journal, path("copy.vcj")));
+        EXPECT_TRUE(session.playJournal({path("copy.vcj"), {}, path("elsewhere/"), false},
+                                        PlayPurpose::Recover));
+        EXPECT_EQ(session.decoder.preparation().settings, settings);
+        EXPECT_EQ(text(), isThere ? live : "  ");
+        QFile::remove(path("copy.vcj"));
+    }
+    EXPECT_EQ(volumesIn("elsewhere"), 32);
+    EXPECT_EQ(content(output_), log);
+    EXPECT_FALSE(QFile::exists(path("elsewhere/_AUTODECODED_test.txt")));
+}
+
+TEST(DecoderRecords, ComeBackWholeOrNotAtAll) {
+    DecoderSettings settings = defaultDecoderSettings();
+    settings.NrOfDataROIs = 4;
+    settings.NrOfTimePoints = 420;
+    settings.UseBeta = false;
+    settings.ABCDMode = true;
+    settings.CorrBetaTau = 0.3f;
+    settings.TaskVOIWeights[1][4] = 0.123456789f;
+    const QByteArray content = encodedDecoder({settings, "/r.rtc"});
+    DecoderSettings start;
+    start.TimerInterval = 7;
+    const auto decoded = decodedDecoder(content, start);
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(decoded->referencesPath, "/r.rtc");
+    EXPECT_EQ(decoded->settings.TimerInterval, 7);
+    settings.TimerInterval = 7;
+    EXPECT_EQ(decoded->settings, settings);
+    for (qsizetype length = 0; length < content.size(); ++length)
+        EXPECT_FALSE(decodedDecoder(content.left(length), start)) << length;
+    EXPECT_FALSE(decodedDecoder(char(2) + content.mid(1), start)) << "of a later version";
+    using Change = void (*)(DecoderSettings&);
+    for (const Change change :
+         {Change([](DecoderSettings& changed) { changed.NrOfDataROIs = 2; }),
+          Change([](DecoderSettings& changed) { changed.NrOfDataROIs = 7; }),
+          Change([](DecoderSettings& changed) { changed.NrOfTimePoints = -1; }),
+          Change([](DecoderSettings& changed) { changed.CorrBetaTau = 2; }),
+          Change([](DecoderSettings& changed) { changed.TaskVOIWeights[2][5] = NAN; })}) {
+        DecoderSettings changed = settings;
+        change(changed);
+        EXPECT_FALSE(decodedDecoder(encodedDecoder({changed, {}}), start));
+    }
 }
 
 TEST_F(SessionDecoderTest, ResponsesAreMadeFromARunOrFromFiles) {
