@@ -14,7 +14,6 @@
 #include "run/settings/run_settings.h"
 
 #include <QDir>
-#include <utility>
 
 namespace {
 
@@ -404,7 +403,8 @@ void SessionDecoder::recordPlayed(const RunRecord& record) {
     now.settings.UseCorr = settings.UseCorr;
     now.settings.UseBeta = settings.UseBeta;
     now.settings.ABCDMode = settings.ABCDMode;
-    const bool isTaken = std::exchange(preparationPlayed_, true) || isPrepared();
+    const bool isTaken = preparationPlayed_ || isPrepared();
+    preparationPlayed_ = true;
     if (isTaken && !preparation_.offline && encodedDecoder(now) == record.content) {
         changeScores(settings.UseCorr, settings.UseBeta);
         changeABCDMode(settings.ABCDMode);
