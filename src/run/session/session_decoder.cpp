@@ -106,28 +106,16 @@ bool SessionDecoder::prepare(const DecoderPreparation& preparation) {
     preparation_ = preparation;
     preparedPoints_ = pointsOfRun();
     references_ = {};
-    curves_ = {};
     const bool loaded = loadReferencesOfPreparation() && loadData();
     if (!loaded)
         references_ = {};
     restart();
     if (loaded)
         writeScaledWeights();
-    recordPreparation();
     takeMeasuredCurves();
+    recordPreparation();
     refresh();
     return loaded;
-}
-
-// A name that the target folder has may be another file's where the results of a recovery go.
-RecordedDecoder SessionDecoder::recordedPreparation() const {
-    const QString path = referencesPath();
-    return {preparation_.settings, path.startsWith(':') ? preparation_.referencesPath : path};
-}
-
-void SessionDecoder::recordPreparation() {
-    if (isPrepared() && !preparation_.offline && parts_.phase.canBeStopped())
-        parts_.listeners.record({decoderRecord, encodedDecoder(recordedPreparation())});
 }
 
 bool SessionDecoder::loadReferencesOfPreparation() {
@@ -150,6 +138,7 @@ bool SessionDecoder::loadReferencesOfPreparation() {
 }
 
 bool SessionDecoder::loadData() {
+    curves_ = {};
     if (!preparation_.offline)
         return true;
     std::optional<OfflineCurves> data = loadOfflineCurves(preparation_.dataPath);
@@ -387,6 +376,17 @@ void SessionDecoder::runPrepared(QtCortivoDoc&) {
     }
     takeMeasuredCurves();
     refresh();
+}
+
+// A name that the target folder has may be another file's where the results of a recovery go.
+RecordedDecoder SessionDecoder::recordedPreparation() const {
+    const QString path = referencesPath();
+    return {preparation_.settings, path.startsWith(':') ? preparation_.referencesPath : path};
+}
+
+void SessionDecoder::recordPreparation() {
+    if (isPrepared() && !preparation_.offline && parts_.phase.canBeStopped())
+        parts_.listeners.record({decoderRecord, encodedDecoder(recordedPreparation())});
 }
 
 // Also without a window, which may open later. Other scores alone leave the letters that there are,
