@@ -113,6 +113,7 @@ bool SessionDecoder::prepare(const DecoderPreparation& preparation) {
     if (loaded)
         writeScaledWeights();
     takeMeasuredCurves();
+    referencesFrom_ = referencesPath();
     recordPreparation();
     refresh();
     return loaded;
@@ -378,10 +379,10 @@ void SessionDecoder::runPrepared(QtCortivoDoc&) {
     refresh();
 }
 
-// A name that the target folder has may be another file's where the results of a recovery go.
+// A name alone may be another file's by now, and where the results of a recovery go.
 RecordedDecoder SessionDecoder::recordedPreparation() const {
-    const QString path = referencesPath();
-    return {preparation_.settings, path.startsWith(':') ? preparation_.referencesPath : path};
+    const bool ofProgram = referencesFrom_.startsWith(':');
+    return {preparation_.settings, ofProgram ? preparation_.referencesPath : referencesFrom_};
 }
 
 void SessionDecoder::recordPreparation() {

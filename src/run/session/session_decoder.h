@@ -153,6 +153,7 @@ private:
     int preparedPoints_ = 0; ///< volumes of the run that it was prepared for
     LetterDecoder decoder_;
     ReferenceCurves references_; ///< empty unless it is prepared
+    QString referencesFrom_;     ///< the file that they were read from, or could not be
     ROICurves curves_;
     bool played_ = false; ///< the letter at hand became due at a volume that is played
     int lastPlayed_ = -1; ///< volume

@@ -288,6 +288,8 @@ TEST_F(SessionDecoderTest, TheOperatorGoesThroughTheLettersOfAFinishedRun) {
     session.decoder.goToNextLetter();
     session.decoder.goToNextLetter();
     EXPECT_EQ(session.decoder.decoder().decodedText(0), best.first(2));
+    ASSERT_TRUE(session.decoder.prepare(session.decoder.preparation()));
+    EXPECT_EQ(session.decoder.curves()[0].size(), 32u);
     session.regions.removeAll();
     EXPECT_EQ(session.decoder.letterHindrance(), "The run needs 6 to 6 ROIs");
     EXPECT_TRUE(screen.isCurrent());
@@ -353,6 +355,9 @@ TEST_F(SessionDecoderTest, ARecoveredRunIsDecodedAsItWasPrepared) {
     Screen screen(session);
     ASSERT_TRUE(session.decoder.prepare(own()));
     atVolume = [this](int volume) {
+        if (volume == 10) {
+            EXPECT_TRUE(QFile::rename(path("results/own.rtc"), path("own.rtc")));
+        }
         if (volume == 12)
             session.decoder.useOnlyCorrForComparisonWithIdealResponses();
         if (volume == 22)
@@ -362,6 +367,7 @@ TEST_F(SessionDecoderTest, ARecoveredRunIsDecodedAsItWasPrepared) {
     };
     const QString journal = recordJournal();
     atVolume = {};
+    EXPECT_TRUE(QFile::rename(path("own.rtc"), path("results/own.rtc")));
     const DecoderSettings settings = session.decoder.preparation().settings;
     const QString live = text();
     const QByteArray log = content(output_);
@@ -379,15 +385,18 @@ TEST_F(SessionDecoderTest, ARecoveredRunIsDecodedAsItWasPrepared) {
             messages.expectInformation(loading); // once
         }
         ASSERT_TRUE(QFile::copy(journal, path("copy.vcj")));
+        cutJournal(path("copy.vcj"), 31); // with the third window
+        QDir(path("feedback")).removeRecursively();
         EXPECT_TRUE(session.playJournal({path("copy.vcj"), {}, path("elsewhere/"), false},
                                         PlayPurpose::Recover));
         EXPECT_EQ(session.decoder.preparation().settings, settings);
         EXPECT_EQ(text(), isThere ? live : "  ");
+        EXPECT_EQ(pictures("*"), QStringList());
         QFile::remove(path("copy.vcj"));
     }
-    EXPECT_EQ(volumesIn("elsewhere"), 32);
+    EXPECT_EQ(volumesIn("elsewhere"), 31);
     EXPECT_EQ(content(output_), log);
-    EXPECT_FALSE(QFile::exists(path("elsewhere/_AUTODECODED_test.txt")));
+    EXPECT_EQ(content("elsewhere/_AUTODECODED_test.txt"), log.mid(log.indexOf("Letter 3")));
 }
 
 TEST(DecoderRecords, ComeBackWholeOrNotAtAll) {
