@@ -254,16 +254,16 @@ TEST_F(SessionDecoderTest, TheOperatorGoesThroughTheLettersOfAFinishedRun) {
     ASSERT_EQ(best.size(), 3);
     session.decoder.goToPreviousLetter();
     EXPECT_EQ(session.decoder.decoder().decodedText(0), best.first(2));
+    EXPECT_TRUE(screen.isCurrent());
     session.decoder.goToNextLetter();
     EXPECT_EQ(session.decoder.decoder().decodedText(0), best);
     EXPECT_EQ(screen.letters.size(), 5u);
-    EXPECT_TRUE(screen.isCurrent());
 
     // With correlations alone, and of four letters, others are found.
     session.decoder.useOnlyCorrForComparisonWithIdealResponses();
     session.decoder.goToNextLetter();
     EXPECT_EQ(screen.letters.size(), 5u) << "beyond the data";
-    EXPECT_FALSE(session.decoder.preparation().settings.UseBeta);
+    EXPECT_FALSE(session.decoder.decoder().settings().UseBeta);
     EXPECT_TRUE(screen.isCurrent());
     session.decoder.useCorrForShapeAndBetaForTaskSelection();
     session.decoder.changeABCDMode(true);
@@ -409,27 +409,23 @@ TEST(DecoderRecords, ComeBackWholeOrNotAtAll) {
     settings.TaskVOIWeights[1][4] = 0.123456789f;
     const QByteArray content = encodedDecoder({settings, "/r.rtc"});
     DecoderSettings start;
-    start.TimerInterval = 7;
+    start.TimerInterval = settings.TimerInterval = 7; // not recorded
     const auto decoded = decodedDecoder(content, start);
     ASSERT_TRUE(decoded);
     EXPECT_EQ(decoded->referencesPath, "/r.rtc");
-    EXPECT_EQ(decoded->settings.TimerInterval, 7);
-    settings.TimerInterval = 7;
     EXPECT_EQ(decoded->settings, settings);
     for (qsizetype length = 0; length < content.size(); ++length)
         EXPECT_FALSE(decodedDecoder(content.left(length), start)) << length;
     EXPECT_FALSE(decodedDecoder(char(2) + content.mid(1), start)) << "of a later version";
-    using Change = void (*)(DecoderSettings&);
-    for (const Change change :
-         {Change([](DecoderSettings& changed) { changed.NrOfDataROIs = 2; }),
-          Change([](DecoderSettings& changed) { changed.NrOfDataROIs = 7; }),
-          Change([](DecoderSettings& changed) { changed.NrOfTimePoints = -1; }),
-          Change([](DecoderSettings& changed) { changed.CorrBetaTau = 2; }),
-          Change([](DecoderSettings& changed) { changed.TaskVOIWeights[2][5] = NAN; })}) {
-        DecoderSettings changed = settings;
-        change(changed);
+    std::array<DecoderSettings, 5> wrong;
+    wrong.fill(settings);
+    wrong[0].NrOfDataROIs = 2;
+    wrong[1].NrOfDataROIs = 7;
+    wrong[2].NrOfTimePoints = -1;
+    wrong[3].CorrBetaTau = 2.0f;
+    wrong[4].TaskVOIWeights[2][5] = NAN;
+    for (const DecoderSettings& changed : wrong)
         EXPECT_FALSE(decodedDecoder(encodedDecoder({changed, {}}), start));
-    }
 }
 
 TEST_F(SessionDecoderTest, ResponsesAreMadeFromARunOrFromFiles) {
