@@ -138,6 +138,12 @@ TEST(DecoderSettingsFile, IsRefusedWhereItIsDamaged) {
                    {"7.5", "x"},
                    {"250", "100001"}},
                   parse);
+    EXPECT_TRUE(
+        parse("Version: 1 SkipTimePointsAtBegin: 0 FullWindowSize: 1 SkipAtBeginOfWindow: 0 "
+              "SkipAtEndOfWindow: 0 IdealResponseWindowSize: 1 HelperVOIsMode: 1 "
+              "CorrBetaTau: 0 MeanForPercSignalFrom: 0 MeanForPercSignalTo: 0 "
+              "NrOfExtraPlotLines: 0"))
+        << "the least of all";
     QString most = bds;
     most.replace("Lines:      2", "Lines: 1000").append(QString("1\n").repeated(998));
     EXPECT_TRUE(parse(most));

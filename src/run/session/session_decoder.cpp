@@ -113,6 +113,8 @@ bool SessionDecoder::prepare(const DecoderPreparation& preparation) {
     if (loaded)
         writeScaledWeights();
     takeMeasuredCurves();
+    referencesFrom_ = referencesPath();
+    recordPreparation();
     refresh();
     return loaded;
 }
@@ -186,6 +188,7 @@ void SessionDecoder::changeScores(bool useCorr, bool useBeta) {
     preparation_.settings.UseCorr = useCorr;
     preparation_.settings.UseBeta = useBeta;
     decoder_.changeScores(useCorr, useBeta);
+    recordPreparation();
     refresh();
 }
 
@@ -200,6 +203,7 @@ void SessionDecoder::useCorrForShapeAndBetaForTaskSelection() {
 void SessionDecoder::changeABCDMode(bool on) {
     preparation_.settings.ABCDMode = on;
     decoder_.changeABCDMode(on);
+    recordPreparation();
     refresh();
 }
 
@@ -357,6 +361,7 @@ void SessionDecoder::documentsLeaving() {
 void SessionDecoder::documentsArrived(QtCortivoDoc& functional) {
     document_ = &functional;
     lastPlayed_ = -1;
+    preparationPlayed_ = false;
 }
 
 void SessionDecoder::runPrepared(QtCortivoDoc&) {
@@ -368,9 +373,45 @@ void SessionDecoder::runPrepared(QtCortivoDoc&) {
         restart();
         if (screen_ && parts_.phase.canBeStopped()) // a reload writes nothing
             writeScaledWeights();
+        recordPreparation();
     }
     takeMeasuredCurves();
     refresh();
+}
+
+// A name alone may be another file's by now, and where the results of a recovery go.
+RecordedDecoder SessionDecoder::recordedPreparation() const {
+    const bool ofProgram = referencesFrom_.startsWith(':');
+    return {preparation_.settings, ofProgram ? preparation_.referencesPath : referencesFrom_};
+}
+
+void SessionDecoder::recordPreparation() {
+    if (isPrepared() && !preparation_.offline && parts_.phase.canBeStopped())
+        parts_.listeners.record({decoderRecord, encodedDecoder(recordedPreparation())});
+}
+
+// Also without a window, which may open later. Other scores alone leave the letters that there are,
+// and need no file: one that has gone is told of once.
+void SessionDecoder::recordPlayed(const RunRecord& record) {
+    if (record.name != decoderRecord)
+        return;
+    const std::optional<RecordedDecoder> recorded =
+        decodedDecoder(record.content, preparation_.settings);
+    if (!recorded)
+        return;
+    const DecoderSettings& settings = recorded->settings;
+    RecordedDecoder now = recordedPreparation();
+    now.settings.UseCorr = settings.UseCorr;
+    now.settings.UseBeta = settings.UseBeta;
+    now.settings.ABCDMode = settings.ABCDMode;
+    const bool isTaken = preparationPlayed_ || isPrepared();
+    preparationPlayed_ = true;
+    if (isTaken && !preparation_.offline && encodedDecoder(now) == record.content) {
+        changeScores(settings.UseCorr, settings.UseBeta);
+        changeABCDMode(settings.ABCDMode);
+    } else {
+        prepare({settings, recorded->referencesPath, false, {}});
+    }
 }
 
 void SessionDecoder::regionsChanged(QtCortivoDoc&) {

@@ -7,6 +7,7 @@
 #include "decoder/letter_decoder.h"
 #include "run/loop/feedback_files.h"
 #include "run/loop/run_listeners.h"
+#include "run/session/decoder_records.h"
 
 #include <QImage>
 #include <QString>
@@ -44,7 +45,8 @@ struct DecoderPreparation {
 ///
 /// Letters that became due while the window was closed, or while the run had too few regions, are
 /// decoded at the next volume, without pictures. What volumes gave that are played in a recovery,
-/// log and pictures, is not given again. The preparation stays for further runs.
+/// log and pictures, is not given again. The preparation stays for further runs; a recovery takes
+/// that with which the run was measured.
 class SessionDecoder : public RunListener {
 public:
     struct Parts {
@@ -114,6 +116,7 @@ public:
     void regionsChanged(QtCortivoDoc& functional) override;
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
     void loopEnded(QtCortivoDoc& document) override;
+    void recordPlayed(const RunRecord& record) override;
 
 private:
     [[nodiscard]] QString targetFolder() const;
@@ -128,6 +131,8 @@ private:
     void writeScaledWeights();
     void restart();
     void changeScores(bool useCorr, bool useBeta);
+    [[nodiscard]] RecordedDecoder recordedPreparation() const;
+    void recordPreparation();
     void refresh();
     void log(const QString& text);
 
@@ -148,9 +153,12 @@ private:
     int preparedPoints_ = 0; ///< volumes of the run that it was prepared for
     LetterDecoder decoder_;
     ReferenceCurves references_; ///< empty unless it is prepared
+    QString referencesFrom_;     ///< the file that they were read from, or could not be
     ROICurves curves_;
     bool played_ = false; ///< the letter at hand became due at a volume that is played
     int lastPlayed_ = -1; ///< volume
+    bool preparationPlayed_ =
+        false; ///< one was played for this run, whether it could be used or not
     FeedbackFiles displays_;
     FeedbackFiles pictures_;
 };

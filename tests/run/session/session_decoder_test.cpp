@@ -13,14 +13,19 @@ public:
     Screen& operator=(const Screen&) = delete;
 
     QString lines;
+    QStringList notes;                          ///< what was logged beside letters
     std::vector<std::pair<int, Phase>> letters; ///< when they were logged
+    /// It was refreshed since anything changed.
+    [[nodiscard]] bool isCurrent() const { return shown_ == state(); }
     void log(const QString& text) override {
-        if (!text.startsWith("Letter "))
+        if (!text.startsWith("Letter ")) {
+            notes << text;
             return;
+        }
         lines += text;
         letters.emplace_back(session_.report.currentVolume, session_.phase.now());
     }
-    void refresh() override {}
+    void refresh() override { shown_ = state(); }
     [[nodiscard]] QImage letterDisplay() override { return picture(9); }
     /// As wide as letters have been decoded: it is taken when the letter is on it.
     [[nodiscard]] QImage windowPicture() override {
@@ -33,7 +38,18 @@ private:
         image.fill(Qt::white);
         return image;
     }
+    [[nodiscard]] QString state() const {
+        const SessionDecoder& decoder = session_.decoder;
+        return QStringLiteral("%1 %2 %3 %4 %5 %6")
+            .arg(decoder.decoder().decodedText(0), decoder.letterHindrance())
+            .arg(decoder.decoder().currentVolume())
+            .arg(decoder.curves()[0].size())
+            .arg(decoder.preparation().settings.UseBeta)
+            .arg(decoder.preparation().settings.ABCDMode);
+    }
+
     RunSession& session_;
+    QString shown_;
 };
 
 /// Best letters, then second and third.
@@ -104,6 +120,9 @@ TEST_F(SessionDecoderTest, ALetterComesOneVolumeAfterItsWindowOrAtTheEndOfTheRun
     Screen screen(session);
     EXPECT_EQ(own().settings.NrOfTimePoints, 32);
     ASSERT_TRUE(session.decoder.prepare(own()));
+    EXPECT_TRUE(screen.isCurrent());
+    EXPECT_EQ(screen.notes,
+              QStringList("Loaded ideal responses \"" + path("results/own.rtc") + '"'));
     EXPECT_EQ(content("results/ScaledTaskVOIWeights.txt"),
               "      0.5       0.5       0.5         0         0       0.5 \n"
               "        0         1         0         0         0         0 \n"
@@ -235,6 +254,7 @@ TEST_F(SessionDecoderTest, TheOperatorGoesThroughTheLettersOfAFinishedRun) {
     ASSERT_EQ(best.size(), 3);
     session.decoder.goToPreviousLetter();
     EXPECT_EQ(session.decoder.decoder().decodedText(0), best.first(2));
+    EXPECT_TRUE(screen.isCurrent());
     session.decoder.goToNextLetter();
     EXPECT_EQ(session.decoder.decoder().decodedText(0), best);
     EXPECT_EQ(screen.letters.size(), 5u);
@@ -243,7 +263,8 @@ TEST_F(SessionDecoderTest, TheOperatorGoesThroughTheLettersOfAFinishedRun) {
     session.decoder.useOnlyCorrForComparisonWithIdealResponses();
     session.decoder.goToNextLetter();
     EXPECT_EQ(screen.letters.size(), 5u) << "beyond the data";
-    EXPECT_FALSE(session.decoder.preparation().settings.UseBeta);
+    EXPECT_FALSE(session.decoder.decoder().settings().UseBeta);
+    EXPECT_TRUE(screen.isCurrent());
     session.decoder.useCorrForShapeAndBetaForTaskSelection();
     session.decoder.changeABCDMode(true);
     session.decoder.goToPreviousLetter();
@@ -253,18 +274,29 @@ TEST_F(SessionDecoderTest, TheOperatorGoesThroughTheLettersOfAFinishedRun) {
     const QByteArray before = content(output_);
     QFile::remove(path("results/ScaledTaskVOIWeights.txt"));
     session.decoder.changeABCDMode(false);
+    EXPECT_TRUE(screen.isCurrent());
+    session.decoder.close();
+    runAgain();
+    session.decoder.open(screen);
+    EXPECT_TRUE(screen.isCurrent());
+    EXPECT_EQ(session.decoder.curves()[0].size(), 32u);
     ASSERT_TRUE(session.reloadData());
+    EXPECT_TRUE(screen.isCurrent());
     EXPECT_EQ(content(output_), before);
     EXPECT_FALSE(QFile::exists(path("results/ScaledTaskVOIWeights.txt")));
     EXPECT_EQ(session.decoder.letterHindrance(), "");
     session.decoder.goToNextLetter();
     session.decoder.goToNextLetter();
     EXPECT_EQ(session.decoder.decoder().decodedText(0), best.first(2));
+    ASSERT_TRUE(session.decoder.prepare(session.decoder.preparation()));
+    EXPECT_EQ(session.decoder.curves()[0].size(), 32u);
     session.regions.removeAll();
     EXPECT_EQ(session.decoder.letterHindrance(), "The run needs 6 to 6 ROIs");
+    EXPECT_TRUE(screen.isCurrent());
     session.changeSettingsFile(path("other-1.vco"));
     EXPECT_EQ(session.decoder.letterHindrance(), "There is no run in memory");
     EXPECT_EQ(text(), "  ");
+    EXPECT_TRUE(screen.isCurrent());
 }
 
 TEST_F(SessionDecoderTest, AnOutputFileThatCanNotBeOpenedSkipsTheLetter) {
@@ -317,6 +349,83 @@ TEST_F(SessionDecoderTest, APlayedVolumeGivesNothingAgain) {
     atVolume = {};
     runAgain();
     EXPECT_EQ(content(output_).count("Letter "), 6) << "the next run is measured";
+}
+
+TEST_F(SessionDecoderTest, ARecoveredRunIsDecodedAsItWasPrepared) {
+    Screen screen(session);
+    ASSERT_TRUE(session.decoder.prepare(own()));
+    atVolume = [this](int volume) {
+        if (volume == 10) {
+            EXPECT_TRUE(QFile::rename(path("results/own.rtc"), path("own.rtc")));
+        }
+        if (volume == 12)
+            session.decoder.useOnlyCorrForComparisonWithIdealResponses();
+        if (volume == 22)
+            session.decoder.useCorrForShapeAndBetaForTaskSelection();
+        if (volume == 25)
+            session.decoder.changeABCDMode(true);
+    };
+    const QString journal = recordJournal();
+    atVolume = {};
+    EXPECT_TRUE(QFile::rename(path("own.rtc"), path("results/own.rtc")));
+    const DecoderSettings settings = session.decoder.preparation().settings;
+    const QString live = text();
+    const QByteArray log = content(output_);
+    // As another session has it: not prepared, or for something else.
+    DecoderPreparation other = session.decoder.preparation();
+    other.settings.NrOfDataROIs = 3;
+    other.referencesPath = "none.rtc";
+    const QString loading = "INFO - Problem loading RTC file with ideal responses!*";
+    for (const bool isThere : {true, false}) {
+        SCOPED_TRACE(isThere);
+        messages.expectInformation(loading);
+        EXPECT_FALSE(session.decoder.prepare(other));
+        if (!isThere) {
+            QFile::remove(path("results/own.rtc"));
+            messages.expectInformation(loading); // once
+        }
+        ASSERT_TRUE(QFile::copy(journal, path("copy.vcj")));
+        cutJournal(path("copy.vcj"), 31); // with the third window
+        QDir(path("feedback")).removeRecursively();
+        EXPECT_TRUE(session.playJournal({path("copy.vcj"), {}, path("elsewhere/"), false},
+                                        PlayPurpose::Recover));
+        EXPECT_EQ(session.decoder.preparation().settings, settings);
+        EXPECT_EQ(text(), isThere ? live : "  ");
+        EXPECT_EQ(pictures("*"), QStringList());
+        QFile::remove(path("copy.vcj"));
+    }
+    EXPECT_EQ(volumesIn("elsewhere"), 31);
+    EXPECT_EQ(content(output_), log);
+    EXPECT_EQ(content("elsewhere/_AUTODECODED_test.txt"), log.mid(log.indexOf("Letter 3")));
+}
+
+TEST(DecoderRecords, ComeBackWholeOrNotAtAll) {
+    DecoderSettings settings = defaultDecoderSettings();
+    settings.NrOfDataROIs = 4;
+    settings.NrOfTimePoints = 420;
+    settings.UseBeta = false;
+    settings.ABCDMode = true;
+    settings.CorrBetaTau = 0.3f;
+    settings.TaskVOIWeights[1][4] = 0.123456789f;
+    const QByteArray content = encodedDecoder({settings, "/r.rtc"});
+    DecoderSettings start;
+    start.TimerInterval = settings.TimerInterval = 7; // not recorded
+    const auto decoded = decodedDecoder(content, start);
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(decoded->referencesPath, "/r.rtc");
+    EXPECT_EQ(decoded->settings, settings);
+    for (qsizetype length = 0; length < content.size(); ++length)
+        EXPECT_FALSE(decodedDecoder(content.left(length), start)) << length;
+    EXPECT_FALSE(decodedDecoder(char(2) + content.mid(1), start)) << "of a later version";
+    std::array<DecoderSettings, 5> wrong;
+    wrong.fill(settings);
+    wrong[0].NrOfDataROIs = 2;
+    wrong[1].NrOfDataROIs = 7;
+    wrong[2].NrOfTimePoints = -1;
+    wrong[3].CorrBetaTau = 2.0f;
+    wrong[4].TaskVOIWeights[2][5] = NAN;
+    for (const DecoderSettings& changed : wrong)
+        EXPECT_FALSE(decodedDecoder(encodedDecoder({changed, {}}), start));
 }
 
 TEST_F(SessionDecoderTest, ResponsesAreMadeFromARunOrFromFiles) {
