@@ -32,8 +32,10 @@ void setUpTable(QTableWidget& table) {
     QStringList regions;
     for (int task = 1; task <= LetterCode::nrOfTasks; ++task)
         tasks << QStringLiteral("Task %1").arg(task);
-    for (int roi = 0; roi < nrOfDecoderROIs; ++roi)
-        regions << decoderROIName(roi).replace(' ', '\n').replace("VOI\n", "VOI ");
+    for (int roi = 0; roi < nrOfDecoderROIs; ++roi) {
+        QString name = decoderROIName(roi); // on two lines, so that six fit side by side
+        regions << name.replace(name.indexOf(' '), 1, '\n');
+    }
     table.setVerticalHeaderLabels(tasks);
     table.setHorizontalHeaderLabels(regions);
     table.horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
@@ -56,8 +58,8 @@ BOLDDecodingSettingsDlg::BOLDDecodingSettingsDlg(SessionDecoder& decoder, QWidge
         preparation_.dataPath = decoder.samplePath();
     ui_->setupUi(this);
     setUpTable(*ui_->TaskVOIWeightsTable);
-    // A group box does not make room for its title.
-    ui_->RoleGrpBx->setMinimumWidth(fontMetrics().horizontalAdvance(ui_->RoleGrpBx->title()) + 32);
+    // A group box does not make room for its title, so a long one is a label that wraps.
+    ui_->RoleGrpBx->setAccessibleName(ui_->RoleLbl->text());
     connectControls();
     setUpEditing();
     showPreparation();
@@ -91,7 +93,9 @@ void BOLDDecodingSettingsDlg::connectControls() {
 
 void BOLDDecodingSettingsDlg::showPreparation() {
     isOffline_ = preparation_.offline;
-    (isOffline_ ? ui_->OfflineAnalysisOp : ui_->RealTimeAnalysisOp)->setChecked(true);
+    QRadioButton& chosen = *(isOffline_ ? ui_->OfflineAnalysisOp : ui_->RealTimeAnalysisOp);
+    chosen.setChecked(true);
+    chosen.setFocus();
     ui_->OfflineRTCFileEd->setText(preparation_.dataPath);
     shownFile_ = preparation_.dataPath;
     ui_->IdealResponsesRTCFileEd->setText(preparation_.referencesPath);

@@ -16,11 +16,13 @@
 
 namespace {
 
+constexpr QSize comfortableSize(1000, 700);
 constexpr double logFontFactor = 0.8;
 constexpr double letterFontFactor = 1.4;
 
 QString scoreText(float score) {
-    return QString::number(double(score), 'f', 2);
+    const QString text = QString::number(double(score), 'f', 2);
+    return text == "-0.00" ? QStringLiteral("0.00") : text;
 }
 
 /// The scores of a reference with the tasks.
@@ -295,7 +297,10 @@ void openBOLDDecoder(RunSession& session, QWidget& window) {
     if (!decoder) {
         decoder = new BOLDDecodingMW(session.decoder, &window);
         const QRect area = screenArea(&window);
-        const QSize frame = decoder->sizeHint() + windowFrame;
+        // Left alone it would open at two thirds of the screen, too small for its numbers.
+        decoder->resize(
+            decoder->sizeHint().expandedTo(comfortableSize).boundedTo(area.size() - windowFrame));
+        const QSize frame = decoder->size() + windowFrame;
         decoder->move(
             placedWithin(area, {placeBeside(area, window.geometry(), frame, 0), frame}).topLeft());
     }

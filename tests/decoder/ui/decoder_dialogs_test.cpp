@@ -237,6 +237,7 @@ TEST_F(DecoderDialogs, ChooseReferencesAndData) {
 }
 
 TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
+    put("EmpiricalResponses.rtc", "of an earlier run");
     trigger("EmpiricalFromRTCAction");
     CreateEmpiricalResponsesDlg& dialog = openResponses();
     expectExplained(dialog);
@@ -258,7 +259,7 @@ TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
         EXPECT_EQ(find<QSpinBox>(name).value(), value) << name;
     EXPECT_EQ(find<QSpinBox>("WindowTimePointsSpBx").minimum(), 1);
     EXPECT_EQ(find<QSpinBox>("WindowTimePointsSpBx").maximum(), 999);
-    EXPECT_EQ(find<QLineEdit>("IdealResponsesFileEd").text(), path("EmpiricalResponses.rtc"));
+    EXPECT_EQ(find<QLineEdit>("IdealResponsesFileEd").text(), path("EmpiricalResponses-2.rtc"));
     messages.expectWarning("Choose all files of this dialog first.");
     click("OkBtn");
     QString protocol = "FileVersion: 2\nResolutionOfTime: Volumes\nExperiment: t\n"
@@ -320,4 +321,6 @@ TEST_F(DecoderDialogs, MakeResponsesOnlyOfARunWithRegions) {
     EXPECT_EQ(messages.shown().size(), 1);
     EXPECT_TRUE(openResponses().isVisible());
     EXPECT_FALSE(QFile::exists(path("made.rtc")));
+    session.settings.TargetFolder.clear();
+    EXPECT_EQ(session.decoder.proposedResponsesPath("/none/a.rtc"), "/none/EmpiricalResponses.rtc");
 }

@@ -225,6 +225,7 @@ TEST_F(SessionDecoderTest, TheSampleMessageIsPlayedWhereNothingElseCanBe) {
     session.runButtonPressed();
     EXPECT_FALSE(decoder.beginPlaying()) << "the run is in memory";
     session.changeSettingsFile(path("other-1.vco"));
+    session.settings.TargetFolder = path("results/");
     EXPECT_TRUE(decoder.mayPlay());
     ASSERT_TRUE(decoder.beginPlaying());
     EXPECT_EQ(decoder.preparation().dataPath, path("documents/sample/SampleMessage.rtc"));
@@ -261,6 +262,8 @@ TEST_F(SessionDecoderTest, ARunNeedsThreeToSixRegionsAndThoseThatAreExpected) {
         session.runButtonPressed();
         EXPECT_EQ(int(screen.letters.size()), letters);
         EXPECT_EQ(session.decoder.letterHindrance().isEmpty(), letters > 0);
+        EXPECT_EQ(session.decoder.sizeOfRun(),
+                  (CurvesSize{regions == 2 || regions == 7 ? 6 : regions, 32}));
         EXPECT_EQ(session.decoder.curves()[5], regions < 6 || expected < 6
                                                    ? std::vector<float>(32, 0.5f)
                                                    : (*session.regions.list())[5].TimeCourseValues);
