@@ -57,12 +57,72 @@ bool isFinite(const std::vector<float>& curve) {
     return std::ranges::all_of(curve, [](float value) { return std::isfinite(value); });
 }
 
-/// The curves of a file as they stand in it; false where it can't be read.
-bool readCurves(const QString& path, RTCFile& file) {
+/// The curves of a file as they stand in it. Why they can't be read, for the operator; else empty.
+QString readCurves(const QString& path, RTCFile& file) {
     QString text;
-    return readTextFile(path, text) &&
-           parseRTC(text, file, RTCScope::All, RTCTitle::Line) == RTCParseResult::Ok &&
-           file.nrOfDataPoints > 0 && std::ranges::all_of(file.columns, isFinite);
+    if (!readTextFile(path, text))
+        return QStringLiteral("The file \"%1\" can't be read.").arg(path);
+    if (parseRTC(text, file, RTCScope::All, RTCTitle::Line) != RTCParseResult::Ok ||
+        file.nrOfDataPoints < 1)
+        return QStringLiteral("The file \"%1\" is cut or holds something else.").arg(path);
+    if (!std::ranges::all_of(file.columns, isFinite))
+        return QStringLiteral("The file \"%1\" has numbers that are too large.").arg(path);
+    return {};
+}
+
+QString offlineCurvesFault(const QString& path, RTCFile& file) {
+    if (const QString fault = readCurves(path, file); !fault.isEmpty())
+        return fault;
+    if (file.version != 1)
+        return QStringLiteral("The file \"%1\" is a design matrix; the curves of a run begin with "
+                              "\"NrOfRTCs:\".")
+            .arg(path);
+    const auto count = int(file.columns.size());
+    return count >= leastDecoderROIs && count <= nrOfDecoderROIs
+               ? QString()
+               : QStringLiteral("The file \"%1\" has %2 VOIs, but it needs %3 to %4.")
+                     .arg(path)
+                     .arg(count)
+                     .arg(leastDecoderROIs)
+                     .arg(nrOfDecoderROIs);
+}
+
+QString partFault(const QString& path, const CurvesSize& size, const CurvesSize& part) {
+    return size.nrOfROIs >= part.nrOfROIs && size.nrOfTimePoints >= part.nrOfTimePoints
+               ? QString()
+               : QStringLiteral("The file \"%1\" has %2 VOIs and %3 time points, but %4 and %5 are "
+                                "expected.")
+                     .arg(path)
+                     .arg(size.nrOfROIs)
+                     .arg(size.nrOfTimePoints)
+                     .arg(part.nrOfROIs)
+                     .arg(part.nrOfTimePoints);
+}
+
+CurvesSize sizeOf(const RTCFile& file) {
+    return {int(file.columns.size()), file.nrOfDataPoints};
+}
+
+std::optional<OfflineCurves> loadPart(const QString& path, std::optional<CurvesSize> part) {
+    RTCFile file;
+    QString fault = offlineCurvesFault(path, file);
+    if (fault.isEmpty() && part)
+        fault = partFault(path, sizeOf(file), *part);
+    if (!fault.isEmpty()) {
+        showInformation("INFO - Problem loading RTC file with VOI time courses!\n" + fault);
+        return std::nullopt;
+    }
+    OfflineCurves offline{part.value_or(sizeOf(file)), {}};
+    const auto points = size_t(std::max(offline.size.nrOfTimePoints, 0));
+    offline.curves.fill(std::vector<float>(points, 0.5f));
+    for (size_t roi = 0; roi < size_t(std::max(offline.size.nrOfROIs, 0)); ++roi)
+        std::copy_n(file.columns[roi].begin(), points, offline.curves[roi].begin());
+    return offline;
+}
+
+std::nullopt_t referencesRefused(const QString& reason) {
+    showInformation("INFO - Problem loading RTC file with ideal responses!\n" + reason);
+    return std::nullopt;
 }
 
 } // namespace
@@ -151,10 +211,11 @@ std::optional<DecoderSettings> parseDecoderSettings(const QString& text,
 
 std::optional<ReferenceCurves> loadReferences(const QString& path) {
     RTCFile file;
-    if (!readCurves(path, file) || file.version < 2 || file.type != "DesignMatrix") {
-        showInformation("INFO - Problem loading RTC file with ideal responses!");
-        return std::nullopt;
-    }
+    if (const QString fault = readCurves(path, file); !fault.isEmpty())
+        return referencesRefused(fault);
+    if (file.version < 2 || file.type != "DesignMatrix")
+        return referencesRefused(
+            QStringLiteral("The file \"%1\" is no design matrix of version 2.").arg(path));
     if (file.columns.size() != size_t(LetterCode::nrOfReferences)) {
         showWarning(QStringLiteral("This file must contain 9 time courses but has %1")
                         .arg(file.columns.size()));
@@ -165,18 +226,28 @@ std::optional<ReferenceCurves> loadReferences(const QString& path) {
     return references;
 }
 
+std::optional<ReferenceCurves> loadReferences(const QString& path, int nrOfPoints) {
+    std::optional<ReferenceCurves> references = loadReferences(path);
+    if (references && references->front().size() != size_t(nrOfPoints))
+        return referencesRefused(
+            QStringLiteral("The file \"%1\" has %2 points, but the window of ideal responses %3.")
+                .arg(path)
+                .arg(references->front().size())
+                .arg(nrOfPoints));
+    return references;
+}
+
 std::optional<OfflineCurves> loadOfflineCurves(const QString& path) {
+    return loadPart(path, {});
+}
+
+std::optional<OfflineCurves> loadOfflineCurves(const QString& path, CurvesSize part) {
+    return loadPart(path, part);
+}
+
+std::optional<CurvesSize> sizeOfOfflineCurves(const QString& path) {
     RTCFile file;
-    if (!readCurves(path, file) || file.version != 1 ||
-        file.columns.size() < size_t(leastDecoderROIs) ||
-        file.columns.size() > size_t(nrOfDecoderROIs)) {
-        showInformation("INFO - Problem loading RTC file with VOI time courses!");
-        return std::nullopt;
-    }
-    OfflineCurves offline{int(file.columns.size()), file.nrOfDataPoints, {}};
-    offline.curves.fill(std::vector<float>(size_t(file.nrOfDataPoints), 0.5f));
-    std::ranges::move(file.columns, offline.curves.begin());
-    return offline;
+    return offlineCurvesFault(path, file).isEmpty() ? std::optional(sizeOf(file)) : std::nullopt;
 }
 
 QByteArray referencesText(const ReferenceCurves& references) {

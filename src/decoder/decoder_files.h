@@ -31,18 +31,29 @@ inline const QString idealResponsesFileName = QStringLiteral("IdealResponses_rg.
 
 /// The nine curves of a design matrix file (version 2 of .rtc), by position; all of one length, at
 /// least one point. Nothing after a message: "This file must contain 9 time courses but has %1", or
-/// "INFO - Problem loading RTC file with ideal responses!".
+/// "INFO - Problem loading RTC file with ideal responses!", with the reason on a line of its own.
 [[nodiscard]] std::optional<ReferenceCurves> loadReferences(const QString& path);
+/// The same; refused unless they have this number of points.
+[[nodiscard]] std::optional<ReferenceCurves> loadReferences(const QString& path, int nrOfPoints);
 
-/// Curves of a run that lie in a file.
-struct OfflineCurves {
+struct CurvesSize {
     int nrOfROIs = 0; ///< 3 to 6
     int nrOfTimePoints = 0;
-    ROICurves curves; ///< of ROIs that the file doesn't have all 0.5
+    bool operator==(const CurvesSize&) const = default;
+};
+/// Curves of a run that lie in a file.
+struct OfflineCurves {
+    CurvesSize size;
+    ROICurves curves; ///< of ROIs that aren't there all 0.5
 };
 /// Three to six curves of a version 1 file ("NrOfRTCs:", "NrOfValues:"), with at least one point.
-/// Nothing after "INFO - Problem loading RTC file with VOI time courses!".
+/// Nothing after "INFO - Problem loading RTC file with VOI time courses!", with the reason on a
+/// line of its own.
 [[nodiscard]] std::optional<OfflineCurves> loadOfflineCurves(const QString& path);
+/// The first ROIs and time points of such a file; refused where it has fewer of either.
+[[nodiscard]] std::optional<OfflineCurves> loadOfflineCurves(const QString& path, CurvesSize part);
+/// What such a file has; nothing, without a message, where it can't be loaded.
+[[nodiscard]] std::optional<CurvesSize> sizeOfOfflineCurves(const QString& path);
 
 /// The text of a reference file (version 2 of .rtc), named as the references are, numbers
 /// right-aligned in width 12.

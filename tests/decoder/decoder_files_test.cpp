@@ -153,9 +153,13 @@ TEST(DecoderSettingsFile, IsRefusedWhereItIsDamaged) {
 /// The text of a file with each loader's message for it.
 class CurveFiles : public testing::Test {
 protected:
-    template<typename Load> auto load(const Load& loader, const QByteArray& text) const {
+    [[nodiscard]] auto referencesOf(const QByteArray& text) const {
         writeFile(path_, text);
-        return loader(path_);
+        return loadReferences(path_);
+    }
+    [[nodiscard]] auto curvesOf(const QByteArray& text) const {
+        writeFile(path_, text);
+        return loadOfflineCurves(path_);
     }
     [[nodiscard]] QString path() const { return path_; }
     ScriptedMessages messages_;
@@ -195,7 +199,11 @@ TEST_F(CurveFiles, ReferencesAreReadAndWrittenByteForByte) {
     messages_.expectWarning("ERROR: Unable to open file \"/nowhere/a.rtc\"!");
     EXPECT_FALSE(writeReferences(references, "/nowhere/a.rtc"));
 
-    const QString problem = "INFO - Problem loading RTC file with ideal responses!";
+    const QString problem = "INFO - Problem loading RTC file with ideal responses!\n*";
+    messages_.expectInformation(QString(problem).replace(
+        "*", "The file \"" + path() + "\" has 2 points, but the window of ideal responses 3."));
+    EXPECT_FALSE(loadReferences(path(), 3));
+    EXPECT_TRUE(loadReferences(path(), 2));
     for (const Change& change : {Change{"NrOfDataPoints:  2", "NrOfDataPoints:  3"},
                                  {"NrOfDataPoints:  2", "NrOfDataPoints:  0"},
                                  {"NrOfDataPoints:  2", "NrOfDataPoints:  -2147483648"},
@@ -205,37 +213,55 @@ TEST_F(CurveFiles, ReferencesAreReadAndWrittenByteForByte) {
                                  {"106.000000", "nan"},
                                  {"106.000000", "1e39"}}) {
         messages_.expectInformation(problem);
-        EXPECT_FALSE(load(loadReferences, QByteArray(text).replace(change.from, change.to)))
-            << change.to;
+        EXPECT_FALSE(referencesOf(QByteArray(text).replace(change.from, change.to))) << change.to;
     }
     messages_.expectInformation(problem);
     EXPECT_FALSE(loadReferences("/nowhere/a.rtc"));
     messages_.expectInformation(problem);
-    EXPECT_FALSE(load(loadReferences, seriesText(9, "1 2")));
+    EXPECT_FALSE(referencesOf(seriesText(9, "1 2")));
     messages_.expectWarning("This file must contain 9 time courses but has 2");
-    EXPECT_FALSE(load(loadReferences, "FileVersion: 2 Type: DesignMatrix NrOfPredictors: 2 "
-                                      "NrOfDataPoints: 1 \"a\" \"b\" 1 2"));
+    EXPECT_FALSE(referencesOf("FileVersion: 2 Type: DesignMatrix NrOfPredictors: 2 "
+                              "NrOfDataPoints: 1 \"a\" \"b\" 1 2"));
 }
 
 TEST_F(CurveFiles, OfflineCurvesAreOfThreeToSixROIs) {
     for (int count = 3; count <= 6; ++count) {
-        const auto offline = load(loadOfflineCurves, seriesText(count, "400.25 -3"));
+        const auto offline = curvesOf(seriesText(count, "400.25 -3"));
         ASSERT_TRUE(offline) << count;
-        EXPECT_EQ(offline->nrOfROIs, count);
-        EXPECT_EQ(offline->nrOfTimePoints, 2);
-        for (int roi = 0; roi < nrOfDecoderROIs; ++roi)
+        EXPECT_EQ(offline->size, (CurvesSize{count, 2}));
+        EXPECT_EQ(sizeOfOfflineCurves(path()), offline->size);
+        const auto part = loadOfflineCurves(path(), {3, 1});
+        ASSERT_TRUE(part);
+        EXPECT_EQ(part->size, (CurvesSize{3, 1}));
+        for (int roi = 0; roi < nrOfDecoderROIs; ++roi) {
             EXPECT_EQ(offline->curves[size_t(roi)],
                       roi < count ? (std::vector{400.25f, -3.0f}) : std::vector(2, 0.5f));
+            EXPECT_EQ(part->curves[size_t(roi)], std::vector(1, roi < 3 ? 400.25f : 0.5f));
+        }
     }
-    for (const QByteArray& text :
-         {seriesText(2, "1 2"), seriesText(7, "1 2"), seriesText(3, "1"), seriesText(3, "1 nan"),
-          seriesText(3, "1 -1e39"), seriesText(3, "").replace("Values: 2", "Values: 0"),
-          seriesText(3, "1 2").replace("Values: 2", "Values: 2147483647"),
-          QByteArray("FileVersion: 2 Type: DesignMatrix NrOfPredictors: 3 NrOfDataPoints: 1 "
-                     "\"a\" \"b\" \"c\" 1 2 3"),
-          QByteArray()}) {
-        messages_.expectInformation("INFO - Problem loading RTC file with VOI time courses!");
-        EXPECT_FALSE(load(loadOfflineCurves, text)) << text.left(200).toStdString();
+    const QString problem =
+        "INFO - Problem loading RTC file with VOI time courses!\nThe file \"" + path() + "\" ";
+    const std::pair<QByteArray, const char*> refused[] = {
+        {seriesText(2, "1 2"), "has 2 VOIs, but it needs 3 to 6."},
+        {seriesText(7, "1 2"), "has 7 VOIs*"},
+        {seriesText(3, "1"), "is cut*"},
+        {seriesText(3, "1 nan"), "is cut*"},
+        {seriesText(3, "1 -1e39"), "has numbers*"},
+        {seriesText(3, "").replace("Values: 2", "Values: 0"), "is cut*"},
+        {seriesText(3, "1 2").replace("Values: 2", "Values: 2147483647"), "is cut*"},
+        {"FileVersion: 2 Type: DesignMatrix NrOfPredictors: 3 NrOfDataPoints: 1 "
+         "\"a\" \"b\" \"c\" 1 2 3",
+         "is a design matrix*"},
+        {{}, "is cut*"}};
+    for (const auto& [text, reason] : refused) {
+        messages_.expectInformation(problem + reason);
+        EXPECT_FALSE(curvesOf(text)) << text.left(200).toStdString();
+        EXPECT_FALSE(sizeOfOfflineCurves(path()));
+    }
+    EXPECT_TRUE(curvesOf(seriesText(4, "1 2")));
+    for (const CurvesSize& part : {CurvesSize{5, 2}, {4, 3}}) {
+        messages_.expectInformation(problem + "has 4 VOIs and 2 time points, but*");
+        EXPECT_FALSE(loadOfflineCurves(path(), part));
     }
 }
 

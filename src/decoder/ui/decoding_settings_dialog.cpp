@@ -32,8 +32,10 @@ void setUpTable(QTableWidget& table) {
     QStringList regions;
     for (int task = 1; task <= LetterCode::nrOfTasks; ++task)
         tasks << QStringLiteral("Task %1").arg(task);
-    for (int roi = 0; roi < nrOfDecoderROIs; ++roi)
-        regions << decoderROIName(roi).replace(' ', '\n').replace("VOI\n", "VOI ");
+    for (int roi = 0; roi < nrOfDecoderROIs; ++roi) {
+        QString name = decoderROIName(roi); // on two lines, so that six fit side by side
+        regions << name.replace(name.indexOf(' '), 1, '\n');
+    }
     table.setVerticalHeaderLabels(tasks);
     table.setHorizontalHeaderLabels(regions);
     table.horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
@@ -51,11 +53,13 @@ void setUpTable(QTableWidget& table) {
 
 BOLDDecodingSettingsDlg::BOLDDecodingSettingsDlg(SessionDecoder& decoder, QWidget* parent)
     : EditDialog(parent), decoder_(decoder), ui_(std::make_unique<Ui::BOLDDecodingSettingsDlg>()),
-      preparation_(decoder.preparation()) {
+      preparation_(decoder.preparation()), sizeOfRun_(decoder.sizeOfRun()) {
+    if (preparation_.dataPath.isEmpty())
+        preparation_.dataPath = decoder.samplePath();
     ui_->setupUi(this);
     setUpTable(*ui_->TaskVOIWeightsTable);
-    // A group box does not make room for its title.
-    ui_->RoleGrpBx->setMinimumWidth(fontMetrics().horizontalAdvance(ui_->RoleGrpBx->title()) + 32);
+    // A group box does not make room for its title, so a long one is a label that wraps.
+    ui_->RoleGrpBx->setAccessibleName(ui_->RoleLbl->text());
     connectControls();
     setUpEditing();
     showPreparation();
@@ -76,6 +80,10 @@ void BOLDDecodingSettingsDlg::connectControls() {
         {ui_->SaveDefaultSettingsBtn, &Dialog::saveDefaultSettings}};
     for (const auto& [button, slot] : slotsOfButtons)
         connect(button, &QAbstractButton::clicked, this, slot);
+    connect(ui_->OfflineRTCFileEd, &QLineEdit::editingFinished, this, [this] {
+        if (isOffline_ && ui_->OfflineRTCFileEd->text().trimmed() != shownFile_)
+            readOfflineFile();
+    });
     connect(ui_->NrOfExtraLinesSpBx, &QSpinBox::valueChanged, this,
             &Dialog::onNrOfExtraLinesChanged);
     connect(ui_->ExtraLineNrSpBx, &QSpinBox::valueChanged, this, &Dialog::onExtraLineNrChanged);
@@ -84,11 +92,15 @@ void BOLDDecodingSettingsDlg::connectControls() {
 }
 
 void BOLDDecodingSettingsDlg::showPreparation() {
-    (preparation_.offline ? ui_->OfflineAnalysisOp : ui_->RealTimeAnalysisOp)->setChecked(true);
+    isOffline_ = preparation_.offline;
+    QRadioButton& chosen = *(isOffline_ ? ui_->OfflineAnalysisOp : ui_->RealTimeAnalysisOp);
+    chosen.setChecked(true);
+    chosen.setFocus();
     ui_->OfflineRTCFileEd->setText(preparation_.dataPath);
+    shownFile_ = preparation_.dataPath;
     ui_->IdealResponsesRTCFileEd->setText(preparation_.referencesPath);
-    ui_->NrOfVOIsSpBx->setValue(preparation_.settings.NrOfDataROIs);
-    ui_->NrOfTimePointsSpBx->setValue(preparation_.settings.NrOfTimePoints);
+    showSize({preparation_.settings.NrOfDataROIs, preparation_.settings.NrOfTimePoints});
+    ui_->TimerIntervalSpBx->setValue(preparation_.settings.TimerInterval);
     showWeights(preparation_.settings.TaskVOIWeights);
     showSettings(preparation_.settings);
     refreshData();
@@ -151,6 +163,7 @@ DecoderSettings BOLDDecodingSettingsDlg::readSettings() const {
     DecoderSettings settings = preparation_.settings;
     settings.NrOfDataROIs = ui_->NrOfVOIsSpBx->value();
     settings.NrOfTimePoints = ui_->NrOfTimePointsSpBx->value();
+    settings.TimerInterval = ui_->TimerIntervalSpBx->value();
     settings.SkipTimePointsAtBegin = ui_->SkipTimePointsAtBeginSpBx->value();
     settings.FullWindowSize = ui_->FullWindowSizeSpBx->value();
     settings.SkipAtBeginOfWindow = ui_->SkipAtBeginSpBx->value();
@@ -191,7 +204,7 @@ void BOLDDecodingSettingsDlg::selectIdealResponsesRTCFile() {
 void BOLDDecodingSettingsDlg::selectOfflineRTCFile() {
     chooseFileToOpen(
         "Select RTC file with 3 or 4 VOI time courses", ui_->OfflineRTCFileEd->text(), curvesFilter,
-        [this](const QString& path) { ui_->OfflineRTCFileEd->setText(path); }, &chooser_);
+        [this](const QString& path) { takeOfflineFile(path); }, &chooser_);
 }
 
 void BOLDDecodingSettingsDlg::selectVOITimeCoursesRTCFile() {
@@ -201,18 +214,44 @@ void BOLDDecodingSettingsDlg::selectVOITimeCoursesRTCFile() {
 
 void BOLDDecodingSettingsDlg::selectOfflineAnalysisOp() {
     ui_->OfflineAnalysisOp->setChecked(true);
+    if (!isOffline_) {
+        sizeOfRun_ = {ui_->NrOfVOIsSpBx->value(), ui_->NrOfTimePointsSpBx->value()};
+        isOffline_ = true;
+        readOfflineFile();
+    }
     refreshData();
 }
 
 void BOLDDecodingSettingsDlg::selectRealTimeAnalysisOp() {
     ui_->RealTimeAnalysisOp->setChecked(true);
+    if (isOffline_)
+        showSize(sizeOfRun_);
+    isOffline_ = false;
     refreshData();
 }
 
+void BOLDDecodingSettingsDlg::takeOfflineFile(const QString& path) {
+    ui_->OfflineRTCFileEd->setText(path);
+    readOfflineFile();
+}
+
+// A file that can't be decoded leaves the numbers; OK says what is wrong with it.
+void BOLDDecodingSettingsDlg::readOfflineFile() {
+    shownFile_ = ui_->OfflineRTCFileEd->text().trimmed();
+    if (const std::optional<CurvesSize> size = sizeOfOfflineCurves(shownFile_))
+        showSize(*size);
+}
+
+void BOLDDecodingSettingsDlg::showSize(const CurvesSize& size) {
+    ui_->NrOfVOIsSpBx->setValue(size.nrOfROIs);
+    ui_->NrOfTimePointsSpBx->setValue(size.nrOfTimePoints);
+}
+
 void BOLDDecodingSettingsDlg::refreshData() {
-    const bool offline = ui_->OfflineAnalysisOp->isChecked();
-    ui_->OfflineRTCFileEd->setEnabled(offline);
-    ui_->SelectOfflineRTCFileBtn->setEnabled(offline);
+    for (QWidget* control : std::initializer_list<QWidget*>{
+             ui_->OfflineRTCFileLbl, ui_->OfflineRTCFileEd, ui_->SelectOfflineRTCFileBtn,
+             ui_->TimerIntervalLbl, ui_->TimerIntervalSpBx})
+        control->setEnabled(isOffline_);
 }
 
 void BOLDDecodingSettingsDlg::loadWeights() {
@@ -288,7 +327,7 @@ bool BOLDDecodingSettingsDlg::apply() {
         return false;
     edited.settings.TaskVOIWeights = *weights;
     edited.referencesPath = ui_->IdealResponsesRTCFileEd->text().trimmed();
-    edited.offline = ui_->OfflineAnalysisOp->isChecked();
+    edited.offline = isOffline_;
     edited.dataPath = ui_->OfflineRTCFileEd->text().trimmed();
     return decoder_.prepare(edited);
 }

@@ -29,7 +29,9 @@ public Q_SLOTS:
     void loadWeights();
     void saveWeights();
     void selectOfflineRTCFile();
+    /// The numbers of VOIs and time points become those of the file.
     void selectOfflineAnalysisOp();
+    /// They become those of the run again.
     void selectRealTimeAnalysisOp();
     void onNrOfExtraLinesChanged(int nrOfLines);
     /// From 1.
@@ -53,11 +55,17 @@ private:
     void openWeights(const QString& path);
     void openSettings(const QString& path);
     static void writeText(const QString& path, const QByteArray& text);
+    void showSize(const CurvesSize& size);
+    void takeOfflineFile(const QString& path);
+    void readOfflineFile();
     void refreshData();
 
     SessionDecoder& decoder_;
     const std::unique_ptr<Ui::BOLDDecodingSettingsDlg> ui_;
     DecoderPreparation preparation_;
+    CurvesSize sizeOfRun_;   ///< as it was shown last for the real-time analysis
+    bool isOffline_ = false; ///< what is chosen
+    QString shownFile_;      ///< the file whose numbers are shown
     std::vector<float> extraLines_;
     OpenChooser chooser_;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "decoder/ui/decoding_window.h"
 
+#include "base/paths.h"
 #include "decoder/decoding_log.h"
 #include "decoder/ui/decoding_settings_dialog.h"
 #include "decoder/ui/empirical_responses_dialog.h"
@@ -15,11 +16,13 @@
 
 namespace {
 
+constexpr QSize comfortableSize(1000, 700);
 constexpr double logFontFactor = 0.8;
 constexpr double letterFontFactor = 1.4;
 
 QString scoreText(float score) {
-    return QString::number(double(score), 'f', 2);
+    const QString text = QString::number(double(score), 'f', 2);
+    return text == "-0.00" ? QStringLiteral("0.00") : text;
 }
 
 /// The scores of a reference with the tasks.
@@ -34,6 +37,22 @@ std::array<TaskMark, LetterCode::nrOfTasks> marksOf(const LetterDecoding& decodi
                        .isBest = decoding.bestReference[task] == reference};
     }
     return marks;
+}
+
+/// What the timer plays, and how it is gone on with at its end.
+QString dataText(const SessionDecoder& decoder) {
+    if (!decoder.isOffline())
+        return decoder.mayPlay() ? QStringLiteral("\"Run With Timer\" (F5) plays a sample message")
+                                 : QString();
+    if (!decoder.decoder().isReady())
+        return {};
+    const QString path = decoder.preparation().dataPath;
+    const QString data =
+        decoder.isSample() ? QStringLiteral("sample message ") + path : paths::fileName(path);
+    const LetterDecoder& state = decoder.decoder();
+    return state.currentVolume() + 1 < state.settings().NrOfTimePoints
+               ? data
+               : QStringLiteral("\"Reload ROI Data\" begins anew  ·  ") + data;
 }
 
 QString scoresLabel(const DecoderSettings& settings) {
@@ -148,14 +167,10 @@ void BOLDDecodingMW::fitGLMForLetter(int nrOfPoints, float* curve, float* refere
     ::fitGLMForLetter(nrOfPoints, {curve, points}, {reference, points}, slope, constant);
 }
 
-bool BOLDDecodingMW::mayRunWithTimer() const {
-    return decoder_.isOffline() && decoder_.letterHindrance().isEmpty();
-}
-
 void BOLDDecodingMW::runWithTimer() {
     if (timer_.isActive())
         timer_.stop();
-    else if (mayRunWithTimer())
+    else if (decoder_.beginPlaying())
         timer_.start(decoder_.decoder().settings().TimerInterval);
     refreshActions();
 }
@@ -199,7 +214,7 @@ void BOLDDecodingMW::refresh() {
     refreshLetters();
     refreshActions();
     QStringList state{decoderStateText(decoder_.decoder()), decoder_.dataHindrance(),
-                      decoder_.fault()};
+                      decoder_.fault(), dataText(decoder_)};
     state.removeAll({});
     ui_->StatusBar->showMessage(state.join("  ·  "));
 }
@@ -242,10 +257,11 @@ void BOLDDecodingMW::refreshActions() {
     for (QAction* action :
          {ui_->NextLetterAction, ui_->PreviousLetterAction, ui_->ProcessLetterAction})
         action->setEnabled(mayGo);
-    ui_->RunWithTimerAction->setEnabled(timer_.isActive() || mayRunWithTimer());
+    ui_->RunWithTimerAction->setEnabled(timer_.isActive() || decoder_.mayPlay());
     ui_->RunWithTimerAction->setChecked(timer_.isActive());
     ui_->ReloadROIDataAction->setEnabled(decoder_.isOffline());
     ui_->ABCDModeAction->setChecked(settings.ABCDMode);
+    ui_->ABCDModeAction->setEnabled(settings.UseCorr && settings.UseBeta);
     ui_->OnlyCorrAction->setChecked(settings.UseCorr && !settings.UseBeta);
     ui_->CorrAndBetaAction->setChecked(settings.UseCorr && settings.UseBeta);
 }
@@ -281,7 +297,10 @@ void openBOLDDecoder(RunSession& session, QWidget& window) {
     if (!decoder) {
         decoder = new BOLDDecodingMW(session.decoder, &window);
         const QRect area = screenArea(&window);
-        const QSize frame = decoder->sizeHint() + windowFrame;
+        // Left alone it would open at two thirds of the screen, too small for its numbers.
+        decoder->resize(
+            decoder->sizeHint().expandedTo(comfortableSize).boundedTo(area.size() - windowFrame));
+        const QSize frame = decoder->size() + windowFrame;
         decoder->move(
             placedWithin(area, {placeBeside(area, window.geometry(), frame, 0), frame}).topLeft());
     }

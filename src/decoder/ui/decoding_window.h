@@ -65,7 +65,6 @@ private:
     void connectActions();
     void connectCurveActions();
     void showInDataPlot(ShownROIs shown);
-    [[nodiscard]] bool mayRunWithTimer() const;
     void refreshActions();
     void refreshPlots();
     void refreshReferences();

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "decoder/ui/empirical_responses_dialog.h"
 
+#include "base/paths.h"
 #include "dialogs/dialog_setup.h"
 #include "run/session/session_decoder.h"
 #include "ui_empirical_responses_dialog.h"
+
+#include <QDir>
 
 namespace {
 
@@ -30,7 +33,10 @@ CreateEmpiricalResponsesDlg::CreateEmpiricalResponsesDlg(SessionDecoder& decoder
     });
     connect(ui_->SelectIdealResponsesFileBtn, &QPushButton::clicked, this,
             &CreateEmpiricalResponsesDlg::browseResponses);
+    connect(ui_->DataRTCFileEd, &QLineEdit::editingFinished, this,
+            &CreateEmpiricalResponsesDlg::proposeFiles);
     setUpEditing();
+    proposeFiles();
 }
 
 CreateEmpiricalResponsesDlg::~CreateEmpiricalResponsesDlg() = default;
@@ -38,8 +44,24 @@ CreateEmpiricalResponsesDlg::~CreateEmpiricalResponsesDlg() = default;
 void CreateEmpiricalResponsesDlg::browse(QLineEdit& field, const QString& title,
                                          const QString& filter) {
     chooseFileToOpen(
-        title, field.text(), filter, [&field](const QString& path) { field.setText(path); },
+        title, field.text(), filter,
+        [this, &field](const QString& path) {
+            field.setText(path);
+            proposeFiles();
+        },
         &chooser_);
+}
+
+void CreateEmpiricalResponsesDlg::proposeFiles() {
+    const QString curves = ui_->DataRTCFileEd->text().trimmed();
+    if (ui_->IdealResponsesFileEd->text().isEmpty())
+        ui_->IdealResponsesFileEd->setText(decoder_.proposedResponsesPath(curves));
+    if (curves.isEmpty() || !ui_->ProtocolFileEd->text().isEmpty())
+        return;
+    const QDir folder(paths::folderWithSlash(curves));
+    const QStringList protocols = folder.entryList({"*.prt"}, QDir::Files);
+    if (protocols.size() == 1)
+        ui_->ProtocolFileEd->setText(folder.filePath(protocols.front()));
 }
 
 void CreateEmpiricalResponsesDlg::browseResponses() {
@@ -74,11 +96,12 @@ bool CreateEmpiricalResponsesDlg::apply() {
         returnToControl(*missing);
         return false;
     }
-    const QString responses = ui_->IdealResponsesFileEd->text();
+    const QString responses = ui_->IdealResponsesFileEd->text().trimmed();
     return source_ == EmpiricalSource::Run
                ? decoder_.createEmpiricalResponses(options(), responses)
-               : decoder_.createEmpiricalResponses(options(), ui_->DataRTCFileEd->text(),
-                                                   ui_->ProtocolFileEd->text(), responses);
+               : decoder_.createEmpiricalResponses(options(), ui_->DataRTCFileEd->text().trimmed(),
+                                                   ui_->ProtocolFileEd->text().trimmed(),
+                                                   responses);
 }
 
 void openEmpiricalResponsesDialog(SessionDecoder& decoder, EmpiricalSource source,

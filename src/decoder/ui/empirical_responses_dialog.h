@@ -34,6 +34,8 @@ private:
     [[nodiscard]] QLineEdit* missingFile() const;
     void browse(QLineEdit& field, const QString& title, const QString& filter);
     void browseResponses();
+    /// Files that go with the training data, where none were chosen.
+    void proposeFiles();
 
     SessionDecoder& decoder_;
     const EmpiricalSource source_;

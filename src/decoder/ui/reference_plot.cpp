@@ -5,8 +5,18 @@
 #include "display/plots/plot_colors.h"
 
 #include <QPainter>
+#include <algorithm>
 
 namespace {
+
+/// So small that the scores of neighbouring tasks stay apart.
+QFont scoreFont(const QFont& font, double width) {
+    constexpr double largest = 0.8;
+    constexpr double smallest = 0.55;
+    const QFontMetricsF metrics(numberFont(font, largest));
+    const double fitting = largest * width / metrics.horizontalAdvance("-0.00 ");
+    return numberFont(font, std::clamp(fitting, smallest, largest));
+}
 
 /// A mark with the score below it and the product below that.
 void paintMark(QPainter& painter, const QRectF& area, const TaskMark& mark) {
@@ -52,10 +62,10 @@ void ReferencePlot::paintContent(QPainter& painter, const QRectF& area, const Pl
     if (!marks_)
         return;
     painter.save();
-    painter.setFont(numberFont(font(), 0.8));
     const QRectF axes = geometryIn(area, ranges).axes;
-    const double height = 3.0 * painter.fontMetrics().lineSpacing();
     const double width = axes.width() / LetterCode::nrOfTasks;
+    painter.setFont(scoreFont(font(), width));
+    const double height = 3.0 * painter.fontMetrics().lineSpacing();
     QRectF place(axes.left(), axes.center().y() - height / 2, width, height);
     QColor veil = plotColors::background;
     veil.setAlpha(190); // the numbers stay readable over the curve

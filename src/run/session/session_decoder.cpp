@@ -11,9 +11,11 @@
 #include "run/document/run_report.h"
 #include "run/document/session_phase.h"
 #include "run/protocol/prt_file.h"
+#include "run/session/sample_files.h"
 #include "run/settings/run_settings.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace {
 
@@ -65,6 +67,11 @@ QString SessionDecoder::outputFolder() const {
     return preparation_.offline ? paths::folderWithSlash(preparation_.dataPath) : targetFolder();
 }
 
+// Beside a file inside the program nothing can be written.
+bool SessionDecoder::writesOutput() const {
+    return !preparation_.offline || !isInsideProgram(preparation_.dataPath);
+}
+
 QString SessionDecoder::dataName() const {
     return preparation_.offline ? paths::withoutExtension(paths::fileName(preparation_.dataPath))
                                 : parts_.settings.projectBaseName;
@@ -81,8 +88,10 @@ QString SessionDecoder::referencesPath() const {
     const QString& path = preparation_.referencesPath;
     if (path.contains(u'/'))
         return path;
+    // A subject's own responses don't fit the sample.
     const QString inTarget = paths::join(targetFolder(), path);
-    return !targetFolder().isEmpty() && fileExists(inTarget) ? inTarget : ":/decoder/" + path;
+    return !targetFolder().isEmpty() && !isSample() && fileExists(inTarget) ? inTarget
+                                                                            : ":/decoder/" + path;
 }
 
 QString SessionDecoder::fault() const {
@@ -102,16 +111,36 @@ DecoderPreparation SessionDecoder::preparation() const {
     return preparation;
 }
 
+CurvesSize SessionDecoder::sizeOfRun() const {
+    const int count = document_ ? document_->regions.count() : 0;
+    const bool isDecoded = count >= leastDecoderROIs && count <= nrOfDecoderROIs;
+    return {isDecoded ? count : nrOfDecoderROIs, pointsOfRun()};
+}
+
+QString SessionDecoder::samplePath() const {
+    return sampleMessagePath(sampleFolder_);
+}
+
+bool SessionDecoder::isSample() const {
+    return preparation_.offline && isSampleMessage(preparation_.dataPath, sampleFolder_);
+}
+
 bool SessionDecoder::prepare(const DecoderPreparation& preparation) {
+    preparationTried_ = true;
     preparation_ = preparation;
     preparedPoints_ = pointsOfRun();
     references_ = {};
+    curves_ = {};
     const bool loaded = loadReferencesOfPreparation() && loadData();
     if (!loaded)
         references_ = {};
     restart();
-    if (loaded)
+    if (loaded && writesOutput())
         writeScaledWeights();
+    else if (loaded)
+        showInformation(QStringLiteral("The folder \"%1\" can't be written. The sample message is "
+                                       "decoded without files of its results.")
+                            .arg(sampleFolder_));
     takeMeasuredCurves();
     referencesFrom_ = referencesPath();
     recordPreparation();
@@ -121,43 +150,27 @@ bool SessionDecoder::prepare(const DecoderPreparation& preparation) {
 
 bool SessionDecoder::loadReferencesOfPreparation() {
     const QString path = referencesPath();
-    std::optional<ReferenceCurves> references = loadReferences(path);
+    std::optional<ReferenceCurves> references =
+        loadReferences(path, preparation_.settings.IdealResponseWindowSize);
     if (!references)
         return false;
-    const int expected = preparation_.settings.IdealResponseWindowSize;
-    if (references->front().size() != size_t(expected)) {
-        log(QStringLiteral("\"%1\" has %2 points, but the window of ideal responses %3.")
-                .arg(path)
-                .arg(references->front().size())
-                .arg(expected));
-        showInformation("INFO - Problem loading RTC file with ideal responses!");
-        return false;
-    }
     references_ = *std::move(references);
     log(QStringLiteral("Loaded ideal responses \"%1\"").arg(path));
     return true;
 }
 
 bool SessionDecoder::loadData() {
-    curves_ = {};
     if (!preparation_.offline)
         return true;
-    std::optional<OfflineCurves> data = loadOfflineCurves(preparation_.dataPath);
+    const DecoderSettings& settings = preparation_.settings;
+    std::optional<OfflineCurves> data =
+        loadOfflineCurves(preparation_.dataPath, {settings.NrOfDataROIs, settings.NrOfTimePoints});
     if (!data)
         return false;
-    const DecoderSettings& settings = preparation_.settings;
-    if (data->nrOfROIs != settings.NrOfDataROIs ||
-        data->nrOfTimePoints != settings.NrOfTimePoints) {
-        log(QStringLiteral("\"%1\" has %2 VOIs and %3 time points, but %4 and %5 are expected.")
-                .arg(preparation_.dataPath)
-                .arg(data->nrOfROIs)
-                .arg(data->nrOfTimePoints)
-                .arg(settings.NrOfDataROIs)
-                .arg(settings.NrOfTimePoints));
-        showInformation("INFO - Problem loading RTC file with VOI time courses!");
-        return false;
-    }
     curves_ = std::move(data->curves);
+    log((isSample() ? QStringLiteral("Loaded the sample message \"%1\"")
+                    : QStringLiteral("Loaded VOI time courses \"%1\""))
+            .arg(preparation_.dataPath));
     return true;
 }
 
@@ -236,12 +249,39 @@ QString SessionDecoder::dataHindrance() const {
         return QStringLiteral("The decoding is not prepared");
     if (preparation_.offline)
         return {};
-    if (!document_ || recordedVolumes(parts_.report, document_->project) == 0)
+    if (!runIsInMemory())
         return QStringLiteral("There is no run in memory");
     return runHasROIs() ? QString()
                         : QStringLiteral("The run needs %1 to %2 ROIs")
                               .arg(std::max(preparation_.settings.NrOfDataROIs, leastDecoderROIs))
                               .arg(nrOfDecoderROIs);
+}
+
+bool SessionDecoder::runIsInMemory() const {
+    return document_ && recordedVolumes(parts_.report, document_->project) > 0;
+}
+
+bool SessionDecoder::offersSample() const {
+    return !preparationTried_ && !runIsInMemory() && !parts_.phase.canBeStopped();
+}
+
+bool SessionDecoder::mayPlay() const {
+    const bool hasVolumes = decoder_.currentVolume() + 1 < decoder_.settings().NrOfTimePoints;
+    return offersSample() || (preparation_.offline && hasVolumes && letterHindrance().isEmpty());
+}
+
+bool SessionDecoder::beginPlaying() {
+    if (!offersSample())
+        return mayPlay();
+    DecoderPreparation sample;
+    sample.offline = true;
+    sample.dataPath = samplePath();
+    const std::optional<CurvesSize> size = sizeOfOfflineCurves(sample.dataPath);
+    if (size) {
+        sample.settings.NrOfDataROIs = size->nrOfROIs;
+        sample.settings.NrOfTimePoints = size->nrOfTimePoints;
+    }
+    return prepare(sample);
 }
 
 void SessionDecoder::goToNextLetter() {
@@ -266,17 +306,15 @@ void SessionDecoder::goTo(
 }
 
 bool SessionDecoder::nextTR() {
-    const int volume = decoder_.currentVolume() + 1;
-    if (!preparation_.offline || !decoder_.isReady() || parts_.phase.canBeStopped() ||
-        volume >= decoder_.settings().NrOfTimePoints)
+    if (!preparation_.offline || !mayPlay())
         return false;
     played_ = false;
-    take(decoder_.takeVolume(volume, curves_), true);
+    take(decoder_.takeVolume(decoder_.currentVolume() + 1, curves_), true);
     return true;
 }
 
 bool SessionDecoder::appendToOutput(const QByteArray& text) {
-    if (played_)
+    if (played_ || !writesOutput())
         return true;
     const QString path = outputPath();
     if (!outputFolder().isEmpty())
@@ -299,7 +337,7 @@ void SessionDecoder::take(const std::optional<LetterDecoding>& decoding, bool wi
 }
 
 void SessionDecoder::savePicture(int letter) {
-    if (!screen_)
+    if (!screen_ || !writesOutput())
         return;
     const QString& feedbackFolder = parts_.settings.FeedbackTargetFolder;
     const QString name = dataName();
@@ -419,6 +457,18 @@ void SessionDecoder::regionsChanged(QtCortivoDoc&) {
     refresh();
 }
 
+QString SessionDecoder::proposedResponsesPath(const QString& dataPath) const {
+    const QString folder =
+        targetFolder().isEmpty() ? paths::folderWithSlash(dataPath) : targetFolder();
+    if (folder.isEmpty())
+        return {};
+    const QString start = paths::join(folder, QStringLiteral("EmpiricalResponses"));
+    QString path = start + ".rtc";
+    for (int number = 2; QFileInfo::exists(path); ++number)
+        path = start + QStringLiteral("-%1.rtc").arg(number);
+    return path;
+}
+
 QString SessionDecoder::responsesHindrance() const {
     if (parts_.phase.canBeStopped())
         return QStringLiteral("Not while a run is measured");
@@ -453,8 +503,8 @@ bool SessionDecoder::createEmpiricalResponses(const EmpiricalOptions& options,
         return false;
     }
     constexpr double unknownTR = 0.0;
-    return writeResponses(options, std::span(data->curves).first(size_t(data->nrOfROIs)), protocol,
-                          unknownTR, path);
+    return writeResponses(options, std::span(data->curves).first(size_t(data->size.nrOfROIs)),
+                          protocol, unknownTR, path);
 }
 
 bool SessionDecoder::writeResponses(const EmpiricalOptions& options,
@@ -473,5 +523,10 @@ bool SessionDecoder::writeResponses(const EmpiricalOptions& options,
                     "trial.");
         return false;
     }
-    return writeReferences(*responses, path);
+    if (!targetFolder().isEmpty() && paths::folderWithSlash(path) == targetFolder())
+        QDir().mkpath(targetFolder()); // made with the first run, as a rule
+    if (!writeReferences(*responses, path))
+        return false;
+    log(QStringLiteral("Created the empirical responses \"%1\"").arg(path));
+    return true;
 }

@@ -35,8 +35,8 @@ struct DecoderPreparation {
     /// curves must have IdealResponseWindowSize points.
     QString referencesPath = idealResponsesFileName;
     bool offline = false;
-    /// Offline: the curves. The file must have the NrOfDataROIs and the NrOfTimePoints of the
-    /// settings.
+    /// Offline: the curves. Of the file the first NrOfDataROIs and NrOfTimePoints of the settings
+    /// are decoded; it must have them.
     QString dataPath;
 };
 
@@ -66,10 +66,19 @@ public:
     /// As the preparation dialog begins: expected time points are those of the run, unless the
     /// decoder works offline.
     [[nodiscard]] DecoderPreparation preparation() const;
+    /// What the run has: its ROIs, all that can be decoded before any are known, and its volumes.
+    [[nodiscard]] CurvesSize sizeOfRun() const;
+    /// Where the sample message belongs.
+    void setSampleFolder(const QString& folder) { sampleFolder_ = folder; }
+    /// The file of the sample message, as sampleMessagePath() has it.
+    [[nodiscard]] QString samplePath() const;
+    /// Whether it is what is decoded.
+    [[nodiscard]] bool isSample() const;
     /// Loads references and data, scales the weights, writes ScaledTaskVOIWeights.txt, and begins
     /// with the first letter. False, after a message and without any data, when something can't be
     /// loaded or doesn't fit the settings. A run that is longer or shorter than the one that it was
-    /// prepared for is expected to have its own number of volumes.
+    /// prepared for is expected to have its own number of volumes. Of data inside the program
+    /// nothing is written, after a message.
     bool prepare(const DecoderPreparation& preparation);
     /// "Reload ROI Data": the offline curves anew, from the first letter. False like prepare(), and
     /// unless it works offline.
@@ -86,6 +95,12 @@ public:
     void goToPreviousLetter();
     /// The current letter once more, whose result is appended again.
     void processCurrentLetterWindow();
+    /// Whether the timer has volumes to take: offline those of the file that are left; as long as
+    /// nobody has tried to prepare anything and no run is in memory, those of the sample message.
+    [[nodiscard]] bool mayPlay() const;
+    /// The timer begins: prepares the sample message, with default settings, where it is what will
+    /// be played. False where nothing can be played, after a message if the sample is at fault.
+    [[nodiscard]] bool beginPlaying();
     /// Offline: one volume more, as the timer has it. False at the end of the data, without data,
     /// and while a run is prepared or recorded.
     bool nextTR();
@@ -101,10 +116,13 @@ public:
     /// Pictures that could not be written, for the operator; empty when all is well.
     [[nodiscard]] QString fault() const;
 
+    /// A free name for reference responses in the target folder, or before that is known beside
+    /// these data; empty without either.
+    [[nodiscard]] QString proposedResponsesPath(const QString& dataPath = {}) const;
     /// Why reference responses can't be made from the run in memory now; empty when they can.
     [[nodiscard]] QString responsesHindrance() const;
     /// Makes reference responses from the run in memory, or from a file of curves and a protocol in
-    /// volumes, and writes them. False after a message.
+    /// volumes, writes them, and logs where. False after a message.
     bool createEmpiricalResponses(const EmpiricalOptions& options, const QString& path);
     bool createEmpiricalResponses(const EmpiricalOptions& options, const QString& curvesPath,
                                   const QString& protocolPath, const QString& path);
@@ -121,6 +139,9 @@ public:
 private:
     [[nodiscard]] QString targetFolder() const;
     [[nodiscard]] QString outputFolder() const;
+    [[nodiscard]] bool writesOutput() const;
+    [[nodiscard]] bool offersSample() const;
+    [[nodiscard]] bool runIsInMemory() const;
     [[nodiscard]] QString dataName() const;
     [[nodiscard]] QString referencesPath() const;
     [[nodiscard]] int pointsOfRun() const;
@@ -150,6 +171,8 @@ private:
     DecoderScreen* screen_ = nullptr;
     QtCortivoDoc* document_ = nullptr;
     DecoderPreparation preparation_;
+    bool preparationTried_ = false;
+    QString sampleFolder_;
     int preparedPoints_ = 0; ///< volumes of the run that it was prepared for
     LetterDecoder decoder_;
     ReferenceCurves references_; ///< empty unless it is prepared

@@ -1,32 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/session/settings_file_watch.h"
 
-#include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/plain_file.h"
 #include "run/loop/status_text.h"
 #include "run/replay/journal_description.h"
+#include "run/session/sample_files.h"
 #include "run/session/settings_file_names.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 namespace {
 
 constexpr int checkStateInterval = 1000; // milliseconds
-
-// Files that are there already are the user's and stay. The sample is a help, not a need: without
-// it the program starts all the same.
-void laySampleSession(const QString& folder) {
-    QDir().mkpath(folder);
-    const QDir source(":/sample_session");
-    for (const QString& name : source.entryList(QDir::Files)) {
-        QFile file(source.filePath(name));
-        if (!QFile::exists(folder + name) && file.open(QIODevice::ReadOnly))
-            static_cast<void>(writeFileAtomically(folder + name, file.readAll()));
-    }
-}
 
 } // namespace
 
@@ -36,6 +23,7 @@ SettingsFileWatch::SettingsFileWatch(const StandardFolders& folders, RunSession&
     : folders_(folders), session_(session), pump_(pump), display_(display),
       controlsDisplay_(controls) {
     session_.stopTimer = [this] { stop(); };
+    session_.decoder.setSampleFolder(paths::join(folders_.dataPath, sampleFolderName));
     timer_.setInterval(checkStateInterval);
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { look(); });
 }

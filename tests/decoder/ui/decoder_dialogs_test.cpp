@@ -6,6 +6,7 @@
 #include "support/dialog_checks.h"
 
 #include <QDoubleSpinBox>
+#include <QPlainTextEdit>
 
 namespace {
 
@@ -48,25 +49,27 @@ TEST_F(DecoderDialogs, NameTheSettings) {
     expectExplained(dialog);
     EXPECT_EQ(dialog.windowTitle(), "Decoding Preparation");
     for (const char* text :
-         {"Skip time points at begin of run:", "'Begin of run' starts after 'skipped volumes'",
-          "Full window size:", "Ideal response window size:", "Skip at begin:",
+         {"Skip time points at begin of run:",
+          "'Begin of run' starts after 'skipped volumes'",
+          "Full window size:",
+          "Ideal response window size:",
+          "Skip at begin:",
           "Points until start of (ideal) hemodynamic response",
-          "Skip at end:", "If negative, hemo response is expected to extend into next data window",
-          "Mean for percent signal change   From:", "Number of VOIs:",
+          "Skip at end:",
+          "If negative, hemo response is expected to extend into next data window",
+          "Mean for percent signal change   From:",
+          "Number of VOIs:",
           "Number of expected time points:",
+          "Timer interval:",
           "Role of helper VOIs (e.g. SMAs) for finding response shape via correlation",
-          "Use 3 task VOIs and 3 task-specific SMA ROIs (6 ROIs)", "Use only SMA VOIs (3 ROIs)",
-          "Use only task VOIs (3 ROIs)", "Letter assignment option",
+          "Use 3 task VOIs and 3 task-specific SMA ROIs (6 ROIs)",
+          "Use only SMA VOIs (3 ROIs)",
+          "Use only task VOIs (3 ROIs)",
+          "Letter assignment option",
           "Version 1 (used for default visual decoding)",
           "Version 2 (used for default auditory decoding)",
           "Weight (0.0 corr only, 1.0 beta only, 0.5 both contribute equally):"})
         EXPECT_TRUE(textsOf(dialog).contains(text)) << text;
-    for (const char* slot :
-         {"selectIdealResponsesRTCFile()", "selectVOITimeCoursesRTCFile()", "loadWeights()",
-          "saveWeights()", "selectOfflineRTCFile()", "selectOfflineAnalysisOp()",
-          "selectRealTimeAnalysisOp()", "onNrOfExtraLinesChanged(int)", "onExtraLineNrChanged(int)",
-          "onExtraLineAtPointChanged(double)", "loadDefaultSettings()", "saveDefaultSettings()"})
-        EXPECT_GE(dialog.metaObject()->indexOfSlot(slot), 0) << slot;
     EXPECT_EQ(find<QLineEdit>("IdealResponsesRTCFileEd").text(), "IdealResponses_rg.rtc");
     EXPECT_FALSE(find<QAbstractButton>("LetterAssignment2Op").isEnabled());
 }
@@ -75,6 +78,7 @@ TEST_F(DecoderDialogs, HandOverWhatIsSet) {
     openSettings();
     set("NrOfVOIsSpBx", 5);
     set("NrOfTimePointsSpBx", 200);
+    set("TimerIntervalSpBx", 50);
     set("SkipTimePointsAtBeginSpBx", 4);
     set("FullWindowSizeSpBx", 45);
     set("SkipAtBeginSpBx", 2);
@@ -93,6 +97,7 @@ TEST_F(DecoderDialogs, HandOverWhatIsSet) {
     DecoderSettings expected;
     expected.NrOfDataROIs = 5;
     expected.NrOfTimePoints = 200;
+    expected.TimerInterval = 50;
     expected.SkipTimePointsAtBegin = 4;
     expected.FullWindowSize = 45;
     expected.SkipAtBeginOfWindow = 2;
@@ -141,7 +146,7 @@ TEST_F(DecoderDialogs, RefuseWhatDoesNotFit) {
     weight(0, 0).setText("1");
     click("OfflineAnalysisOp");
     find<QLineEdit>("OfflineRTCFileEd").setText(path("none.rtc"));
-    messages.expectInformation("INFO - Problem loading RTC file with VOI time courses!");
+    messages.expectInformation("INFO - Problem loading RTC file with VOI time courses!\n*");
     click("OkBtn");
     EXPECT_TRUE(dialog.isVisible());
 }
@@ -196,21 +201,43 @@ TEST_F(DecoderDialogs, KeepWeightsAndSettingsInFiles) {
 }
 
 TEST_F(DecoderDialogs, ChooseReferencesAndData) {
+    session.decoder.setSampleFolder(path("sample"));
     BOLDDecodingSettingsDlg& dialog = openSettings();
-    EXPECT_FALSE(find<QLineEdit>("OfflineRTCFileEd").isEnabled());
-    messages.expectFileChoice("Select RTC file with 3 or 4 VOI time courses", "/data.rtc");
+    auto& file = find<QLineEdit>("OfflineRTCFileEd");
+    const auto numbers = [this] {
+        return CurvesSize{find<QSpinBox>("NrOfVOIsSpBx").value(),
+                          find<QSpinBox>("NrOfTimePointsSpBx").value()};
+    };
+    EXPECT_EQ(file.text(), path("sample/SampleMessage.rtc"));
+    for (const char* name : {"OfflineRTCFileEd", "TimerIntervalSpBx"})
+        EXPECT_FALSE(find<QWidget>(name).isEnabled()) << name;
+    const CurvesSize ofRun{5, numbers().nrOfTimePoints};
+    set("NrOfVOIsSpBx", 5);
+    click("OfflineAnalysisOp");
+    EXPECT_EQ(numbers(), (CurvesSize{6, 465}));
+    messages.expectFileChoice("Select RTC file with 3 or 4 VOI time courses", path("word.rtc"));
     dialog.selectVOITimeCoursesRTCFile();
-    EXPECT_TRUE(find<QAbstractButton>("OfflineAnalysisOp").isChecked());
-    EXPECT_EQ(find<QLineEdit>("OfflineRTCFileEd").text(), "/data.rtc");
-    EXPECT_TRUE(find<QLineEdit>("OfflineRTCFileEd").isEnabled());
+    EXPECT_EQ(file.text(), path("word.rtc"));
+    EXPECT_EQ(numbers(), (CurvesSize{6, 170}));
+    for (const char* name : {"OfflineRTCFileEd", "TimerIntervalSpBx"})
+        EXPECT_TRUE(find<QWidget>(name).isEnabled()) << name;
+    // Leaving the field takes the numbers of another file, and keeps what was typed for this one.
+    set("NrOfTimePointsSpBx", 100);
+    Q_EMIT file.editingFinished();
+    EXPECT_EQ(numbers(), (CurvesSize{6, 100}));
+    file.setText(path("sample/SampleMessage.rtc"));
+    Q_EMIT file.editingFinished();
+    EXPECT_EQ(numbers(), (CurvesSize{6, 465}));
+    click("RealTimeAnalysisOp");
+    EXPECT_EQ(numbers(), ofRun);
+    EXPECT_FALSE(file.isEnabled());
     messages.expectFileChoice("Select RTC file with 9 ideal responses", "/r.rtc");
     click("SelectIdealResponsesRTCFileBtn");
     EXPECT_EQ(find<QLineEdit>("IdealResponsesRTCFileEd").text(), "/r.rtc");
-    click("RealTimeAnalysisOp");
-    EXPECT_FALSE(find<QLineEdit>("OfflineRTCFileEd").isEnabled());
 }
 
 TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
+    put("EmpiricalResponses.rtc", "of an earlier run");
     trigger("EmpiricalFromRTCAction");
     CreateEmpiricalResponsesDlg& dialog = openResponses();
     expectExplained(dialog);
@@ -232,20 +259,9 @@ TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
         EXPECT_EQ(find<QSpinBox>(name).value(), value) << name;
     EXPECT_EQ(find<QSpinBox>("WindowTimePointsSpBx").minimum(), 1);
     EXPECT_EQ(find<QSpinBox>("WindowTimePointsSpBx").maximum(), 999);
+    EXPECT_EQ(find<QLineEdit>("IdealResponsesFileEd").text(), path("EmpiricalResponses-2.rtc"));
     messages.expectWarning("Choose all files of this dialog first.");
     click("OkBtn");
-    const struct {
-        const char* button;
-        const char* title;
-        const char* file;
-    } choices[] = {
-        {"SelectDataRTCFileBtn", "Select RTC file with VOI time courses", "word.rtc"},
-        {"SelectProtocolFileBtn", "Select protocol file", "training.prt"},
-        {"SelectIdealResponsesFileBtn", "Select RTC file for the empirical responses", "made.rtc"}};
-    for (const auto& [button, title, file] : choices) {
-        messages.expectFileChoice(title, path(file));
-        click(button);
-    }
     QString protocol = "FileVersion: 2\nResolutionOfTime: Volumes\nExperiment: t\n"
                        "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 1 1 1\n"
                        "TimeCourseThick: 2\nReferenceFuncColor: 0 0 80\nReferenceFuncThick: 2\n"
@@ -254,6 +270,19 @@ TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
         protocol +=
             QString("C%1\n1\n%2 %3\nColor: 9 9 9\n").arg(i).arg(6 + 12 * i).arg(14 + 12 * i);
     put("training.prt", protocol.toLatin1());
+    const struct {
+        const char* button;
+        const char* title;
+        const char* file;
+    } choices[] = {
+        {"SelectDataRTCFileBtn", "Select RTC file with VOI time courses", "word.rtc"},
+        {"SelectIdealResponsesFileBtn", "Select RTC file for the empirical responses", "made.rtc"},
+        {"SelectProtocolFileBtn", "Select protocol file", "training.prt"}};
+    for (const auto& [button, title, file] : choices) {
+        messages.expectFileChoice(title, path(file));
+        click(button);
+        EXPECT_EQ(find<QLineEdit>("ProtocolFileEd").text(), path("training.prt")) << "the only one";
+    }
     // The helpers respond half as much as the regions of the tasks.
     double greatest = 0.0;
     for (const auto& [button, share] : {std::pair{"UseThreeTaskROIsForIdealResponsesOp", 1.0},
@@ -269,6 +298,7 @@ TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
         EXPECT_NEAR(now, greatest * share, 0.005) << button;
         dialog.show();
     }
+    EXPECT_TRUE(find<QPlainTextEdit>("LogEd").toPlainText().endsWith(path("made.rtc") + '"'));
     // The shortest response ends 9 + 2 + 4 points behind its begin.
     set("WindowTimePointsSpBx", 30);
     set("ShortestTaskDurationSpBx", 9);
@@ -291,4 +321,6 @@ TEST_F(DecoderDialogs, MakeResponsesOnlyOfARunWithRegions) {
     EXPECT_EQ(messages.shown().size(), 1);
     EXPECT_TRUE(openResponses().isVisible());
     EXPECT_FALSE(QFile::exists(path("made.rtc")));
+    session.settings.TargetFolder.clear();
+    EXPECT_EQ(session.decoder.proposedResponsesPath("/none/a.rtc"), "/none/EmpiricalResponses.rtc");
 }

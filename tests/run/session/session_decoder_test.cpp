@@ -208,15 +208,62 @@ TEST_F(SessionDecoderTest, AFileOfTheCurvesGivesTheLettersOfTheRun) {
     session.decoder.goToNextLetter();
     EXPECT_EQ(text(), QString(live[0]) + ' ' + live[4] + ' ' + live[8]);
 
+    // A part of the file.
     offline.settings.NrOfDataROIs = 5;
+    offline.settings.NrOfTimePoints = 22;
+    ASSERT_TRUE(session.decoder.prepare(offline));
+    while (session.decoder.nextTR())
+        ;
+    EXPECT_EQ(session.decoder.decoder().currentVolume(), 21);
+    EXPECT_EQ(session.decoder.decoder().decodedText(0).size(), 2);
+    EXPECT_EQ(session.decoder.curves()[5], std::vector<float>(22, 0.5f));
+
+    offline.settings.NrOfTimePoints = 33;
     for (const auto& [text, what] : {std::pair("ideal responses", 0), {"VOI time courses", 1}}) {
         offline.settings.IdealResponseWindowSize = 7 + what;
         messages.expectInformation(
-            QStringLiteral("INFO - Problem loading RTC file with %1!").arg(text));
+            QStringLiteral("INFO - Problem loading RTC file with %1!\n*").arg(text));
         EXPECT_FALSE(session.decoder.prepare(offline));
         EXPECT_FALSE(session.decoder.nextTR());
+        EXPECT_FALSE(session.decoder.mayPlay());
+        EXPECT_EQ(session.decoder.curves()[0].size(), 0u);
         EXPECT_FALSE(session.decoder.letterHindrance().isEmpty());
     }
+}
+
+TEST_F(SessionDecoderTest, TheSampleMessageIsPlayedWhereNothingElseCanBe) {
+    SessionDecoder& decoder = session.decoder;
+    const auto played = [&decoder] {
+        while (decoder.nextTR())
+            ;
+        return decoder.decoder().decodedText(0);
+    };
+    decoder.setSampleFolder(path("documents/sample"));
+    put("results/IdealResponses_rg.rtc", content("results/own.rtc")); // of another window
+    atVolume = [&decoder](int) { EXPECT_FALSE(decoder.mayPlay()); };
+    session.runButtonPressed();
+    EXPECT_FALSE(decoder.beginPlaying()) << "the run is in memory";
+    session.changeSettingsFile(path("other-1.vco"));
+    session.settings.TargetFolder = path("results/");
+    EXPECT_TRUE(decoder.mayPlay());
+    ASSERT_TRUE(decoder.beginPlaying());
+    EXPECT_EQ(decoder.preparation().dataPath, path("documents/sample/SampleMessage.rtc"));
+    EXPECT_EQ(played(), "HELLO_WORLD");
+    EXPECT_FALSE(decoder.mayPlay()) << "at its end";
+    EXPECT_TRUE(QFile::exists(path("documents/sample/_AUTODECODED_SampleMessage.txt")));
+    decoder.useOnlyCorrForComparisonWithIdealResponses();
+    EXPECT_TRUE(decoder.reloadROIDataForOfflineAnalysis());
+    EXPECT_EQ(played(), "HELLO_WORLD");
+
+    // Where it can't be laid.
+    QDir(path("documents")).removeRecursively();
+    put("documents", "a file");
+    DecoderPreparation inside = decoder.preparation();
+    inside.dataPath = decoder.samplePath();
+    messages.expectInformation("The folder \"" + path("documents/sample") + "\" can't be written*");
+    ASSERT_TRUE(decoder.prepare(inside));
+    EXPECT_TRUE(decoder.isSample());
+    EXPECT_EQ(played(), "HELLO_WORLD");
 }
 
 TEST_F(SessionDecoderTest, ARunNeedsThreeToSixRegionsAndThoseThatAreExpected) {
@@ -234,6 +281,8 @@ TEST_F(SessionDecoderTest, ARunNeedsThreeToSixRegionsAndThoseThatAreExpected) {
         session.runButtonPressed();
         EXPECT_EQ(int(screen.letters.size()), letters);
         EXPECT_EQ(session.decoder.letterHindrance().isEmpty(), letters > 0);
+        EXPECT_EQ(session.decoder.sizeOfRun(),
+                  (CurvesSize{regions == 2 || regions == 7 ? 6 : regions, 32}));
         EXPECT_EQ(session.decoder.curves()[5], regions < 6 || expected < 6
                                                    ? std::vector<float>(32, 0.5f)
                                                    : (*session.regions.list())[5].TimeCourseValues);

@@ -60,6 +60,10 @@ TEST_F(SettingsFileWatchTest, AFirstStartOffersTheSampleSession) {
     ASSERT_TRUE(watch_->readMasterFile());
     EXPECT_EQ(content("data/VCO_FacesHouses/VCO_FacesHouses.prt"), "of the user");
     EXPECT_TRUE(masterText().contains("\"VCO_FacesHouses-1.vco\""));
+    const QString message = path("data/VCO_FacesHouses/SampleMessage.rtc");
+    EXPECT_TRUE(QFile::remove(message));
+    EXPECT_EQ(session.decoder.samplePath(), message);
+    EXPECT_TRUE(QFile::exists(message)) << "laid again";
     watch_->look();
     EXPECT_EQ(controls_.title, "VCO - VCO_FacesHouses-1.vco");
     EXPECT_TRUE(panel().contains("Click the \"<b>Record</b>\" button"));
