@@ -23,8 +23,9 @@ def lasting(t):
 def write_ideal(points, TR):
     for r in range(9):
         begin, held = 10 * (r // 3), 10 * (1 + r % 3)
-        times = [k * TR / 1000 - begin for k in range(points)]
-        values = [100 + lasting(t) - lasting(t - held) for t in times]
+        times = [(k + 0.5) * TR / 1000 - begin for k in range(points)]
+        change = numpy.array([lasting(t) - lasting(t - held) for t in times])
+        values = 100 + 0.5 * change / change.std()
         print("ideal", points, TR, r, *(f"{v:.5f}" for v in values), sep="\t")
 
 
