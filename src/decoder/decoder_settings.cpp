@@ -12,7 +12,7 @@ int DecoderSettings::nrOfComparedPoints() const {
 TaskWeights defaultTaskWeights() {
     TaskWeights weights{};
     for (size_t task = 0; task < weights.size(); ++task)
-        weights[task][task] = 1.0f;
+        weights[task][task] = weights[task][nrOfTaskROIs + task] = 1.0f;
     return weights;
 }
 
@@ -32,7 +32,7 @@ TaskWeights scaledWeights(const TaskWeights& weights) {
 
 DecoderSettings defaultDecoderSettings() {
     DecoderSettings settings;
-    settings.TaskVOIWeights = scaledWeights(defaultTaskWeights());
+    settings.TaskVOIWeights = defaultTaskWeights();
     return settings;
 }
 

@@ -57,10 +57,11 @@ struct DecoderSettings {
     bool operator==(const DecoderSettings&) const = default;
 };
 
-/// 1 at the task's own ROI.
+/// 1 at the task's own ROI and at its helper.
 [[nodiscard]] TaskWeights defaultTaskWeights();
 /// Each task's row divided by its length; a row of zeros stays.
 [[nodiscard]] TaskWeights scaledWeights(const TaskWeights& weights);
+/// With these weights, not scaled yet.
 [[nodiscard]] DecoderSettings defaultDecoderSettings();
 
 /// First point of a letter's window, from 0 in the run: what the decoding compares begins here.

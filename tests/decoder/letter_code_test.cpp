@@ -26,7 +26,6 @@ TEST(DecoderSettings, ScalesWeightsToUnitLength) {
     const TaskWeights scaled = scaledWeights({{{3, 0, 4, 0, 0, 0}, {}, {-2, 0, 0, 0, 0, 0}}});
     const TaskWeights expected{{{0.6f, 0, 0.8f, 0, 0, 0}, {}, {-1, 0, 0, 0, 0, 0}}};
     EXPECT_EQ(scaled, expected);
-    EXPECT_EQ(defaultDecoderSettings().TaskVOIWeights, defaultTaskWeights());
 }
 
 TEST(DecoderSettings, OddWindowsAreNoTrap) {
@@ -49,7 +48,7 @@ TEST(LetterCode, StagesOfALetter) {
     DecoderSettings settings; // 42 volumes of 70 s
     settings.SkipTimePointsAtBegin = 3;
     // Three volumes of cue, five stages of six, and the rest.
-    const std::pair<int, int> stages[] = {{-1, -1}, {2, -1}, {3, -1}, {5, -1},  {6, 0}, {11, 0},
+    const std::pair<int, int> stages[] = {{-1, -1}, {2, -1}, {3, -1}, {5, -1}, {6, 0},   {11, 0},
                                           {12, 1},  {35, 4}, {36, 5}, {44, 5}, {45, -1}, {48, 0}};
     for (const auto& [volume, stage] : stages)
         EXPECT_EQ(stageAt(settings, volume), stage) << volume;

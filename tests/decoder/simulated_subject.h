@@ -39,9 +39,9 @@
             const double seconds = (volume + 0.5) * options.repetitionTime / 1000.0;
             const double wave = 0.25 * std::sin(fullTurn * (seconds * turnsPerSecond + phase));
             const double noise = double(random.gaussian()) / contrastToNoise;
-            curves[roi].push_back(
-                float(base * (1.0 + dynamics.drift(seconds) +
-                              options.amplitude * (dynamics.response(roi, seconds) + wave + noise))));
+            curves[roi].push_back(float(
+                base * (1.0 + dynamics.drift(seconds) +
+                        options.amplitude * (dynamics.response(roi, seconds) + wave + noise))));
         }
     }
     return curves;
@@ -58,9 +58,10 @@
 }
 
 /// The text as a decoder with these settings and responses reads it.
-[[nodiscard]] inline QString decodedText(DecoderSettings settings, const ReferenceCurves& references,
-                                         const ROICurves& curves) {
+[[nodiscard]] inline QString
+decodedText(DecoderSettings settings, const ReferenceCurves& references, const ROICurves& curves) {
     settings.NrOfTimePoints = int(curves[0].size());
+    settings.TaskVOIWeights = scaledWeights(settings.TaskVOIWeights);
     LetterDecoder decoder;
     decoder.begin(settings, references, LetterDecoder::Source::File);
     for (int volume = 0; volume < settings.NrOfTimePoints; ++volume)
