@@ -63,6 +63,7 @@ struct OfflineCurves {
 
 /// Responses of the two-gamma function to the nine courses, for windows of `nrOfPoints` with `TR`
 /// in milliseconds, as percent signal change above 100: a task begins 0, 10 or 20 s behind the
-/// begin of the compared window and is held for 10, 20 or 30 s. The response to a task that lasts
-/// comes to rest at 101. All 100 without a TR.
+/// begin of the compared window and is held for 10, 20 or 30 s. A point is the response in the
+/// middle of its volume. Each curve has a standard deviation of 0.5 % over its points, unless it
+/// has none. All 100 without a TR.
 [[nodiscard]] ReferenceCurves idealResponses(int nrOfPoints, double TR);

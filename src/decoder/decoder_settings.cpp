@@ -12,7 +12,7 @@ int DecoderSettings::nrOfComparedPoints() const {
 TaskWeights defaultTaskWeights() {
     TaskWeights weights{};
     for (size_t task = 0; task < weights.size(); ++task)
-        weights[task][task] = 1.0f;
+        weights[task][task] = weights[task][nrOfTaskROIs + task] = 1.0f;
     return weights;
 }
 
@@ -32,7 +32,7 @@ TaskWeights scaledWeights(const TaskWeights& weights) {
 
 DecoderSettings defaultDecoderSettings() {
     DecoderSettings settings;
-    settings.TaskVOIWeights = scaledWeights(defaultTaskWeights());
+    settings.TaskVOIWeights = defaultTaskWeights();
     return settings;
 }
 
@@ -59,8 +59,10 @@ int stageAt(const DecoderSettings& settings, int volume) {
     const long long point = (long long)(volume)-settings.SkipTimePointsAtBegin;
     if (volume < 0 || point < 0 || settings.FullWindowSize < 1)
         return -1;
-    const long long step =
-        point % settings.FullWindowSize * LetterCode::nrOfTimeSteps / settings.FullWindowSize;
+    const long long compared = point % settings.FullWindowSize - settings.SkipAtBeginOfWindow;
+    if (compared < 0)
+        return -1;
+    const long long step = compared * LetterCode::nrOfTimeSteps / settings.FullWindowSize;
     return int(std::min<long long>(step, LetterCode::nrOfStages - 1));
 }
 

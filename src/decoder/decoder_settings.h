@@ -57,10 +57,11 @@ struct DecoderSettings {
     bool operator==(const DecoderSettings&) const = default;
 };
 
-/// 1 at the task's own ROI.
+/// 1 at the task's own ROI and at its helper.
 [[nodiscard]] TaskWeights defaultTaskWeights();
 /// Each task's row divided by its length; a row of zeros stays.
 [[nodiscard]] TaskWeights scaledWeights(const TaskWeights& weights);
+/// With these weights, not scaled yet.
 [[nodiscard]] DecoderSettings defaultDecoderSettings();
 
 /// First point of a letter's window, from 0 in the run: what the decoding compares begins here.
@@ -70,7 +71,9 @@ struct DecoderSettings {
 /// Whether a letter's window ends with this volume, from 0. The remainder keeps its sign, so
 /// nothing ends before the first window is whole.
 [[nodiscard]] bool windowEndsAt(const DecoderSettings& settings, int volume);
-/// The stage of its letter in which a volume is measured, from 0; -1 before the first window.
+/// The stage of its letter in which a volume is measured: 0 to 5 from the begin of the compared
+/// window on. -1 while the subject sees the cue: before the first window, and in each window during
+/// the points that are skipped at its begin.
 [[nodiscard]] int stageAt(const DecoderSettings& settings, int volume);
 
 /// What is out of range or doesn't fit together, for the operator; empty when nothing is.

@@ -38,14 +38,14 @@ int onsetVolume(const StimulationProtocol& protocol, int from, double TR) {
     return TR > 0.0 && volume >= 0.0 && volume < 1e9 ? int(volume) : -1;
 }
 
-/// The mean response to a duration, point by point.
+/// The mean response to a duration, point by point from those before the onset.
 class ResponseAverage {
 public:
-    explicit ResponseAverage(const EmpiricalOptions& options, int duration)
+    ResponseAverage(const EmpiricalOptions& options, int duration)
         : pre_(options.PreTrialBeginDataPoints),
-          length_(std::min(options.WindowTimePoints, options.ShortestTaskDuration * (duration + 1) +
-                                                         pre_ + options.PostTrialDataPoints)),
-          sums_(size_t(options.WindowTimePoints)), counts_(sums_.size()) {}
+          sums_(size_t(options.ShortestTaskDuration * (duration + 1) + pre_ +
+                       options.PostTrialDataPoints)),
+          counts_(sums_.size()) {}
 
     void addTrial(const std::vector<float>& curve, int onset) {
         if (onset < 0 || size_t(onset) >= curve.size())
@@ -56,7 +56,7 @@ public:
             return;
         hasTrial_ = true;
         const int begin = onset - pre_; // of the response, perhaps before the data
-        const int end = std::min(begin + length_, int(curve.size()));
+        const int end = std::min(begin + int(sums_.size()), int(curve.size()));
         for (int volume = first; volume < end; ++volume) {
             const auto point = size_t(volume - begin);
             sums_[point] += double(curve[size_t(volume)]) / mean * double(fullSignal);
@@ -64,11 +64,17 @@ public:
         }
     }
     [[nodiscard]] bool hasTrial() const { return hasTrial_; }
-    [[nodiscard]] std::vector<float> response() const {
-        std::vector<float> response(sums_.size(), fullSignal);
-        for (size_t point = 0; point < response.size(); ++point)
+    /// With the task's begin at the point `onset`.
+    [[nodiscard]] std::vector<float> response(int nrOfPoints, double onset) const {
+        std::vector<float> response(size_t(nrOfPoints), fullSignal);
+        for (size_t i = 0; i < response.size(); ++i) {
+            const double gathered = double(i) - onset + pre_;
+            if (gathered < 0.0 || gathered >= double(sums_.size()))
+                continue;
+            const auto point = size_t(gathered);
             if (counts_[point] > 0)
-                response[point] = float(sums_[point] / counts_[point]);
+                response[i] = float(sums_[point] / counts_[point]);
+        }
         return response;
     }
 
@@ -81,20 +87,10 @@ private:
     }
 
     int pre_;
-    int length_;
     std::vector<double> sums_;
     std::vector<int> counts_;
     bool hasTrial_ = false;
 };
-
-/// The response, `volumes` later.
-std::vector<float> later(const std::vector<float>& response, double volumes) {
-    const auto shift = size_t(std::min(volumes, double(response.size())));
-    std::vector<float> curve(response.size(), fullSignal);
-    std::copy(response.begin(), response.end() - std::ptrdiff_t(shift),
-              curve.begin() + std::ptrdiff_t(shift));
-    return curve;
-}
 
 } // namespace
 
@@ -128,10 +124,9 @@ std::optional<ReferenceCurves> empiricalResponses(const EmpiricalOptions& option
         }
         if (!average.hasTrial())
             return std::nullopt;
-        const std::vector<float> response = average.response();
         for (int onset = 0; onset < LetterCode::nrOfOnsets; ++onset)
             references[size_t(onset * LetterCode::nrOfDurations + duration)] =
-                later(response, onset * onsetStep);
+                average.response(options.WindowTimePoints, onset * onsetStep);
     }
     return references;
 }

@@ -8,6 +8,7 @@
 namespace {
 
 constexpr double fullPercent = 100.0;
+constexpr double commonDeviation = 0.5; ///< percent
 
 /// The response to a task that begins at 0 and lasts, one value for each millisecond, up to 1 at
 /// the end of the kernel.
@@ -27,6 +28,21 @@ double valueAt(const std::vector<double>& response, double milliseconds) {
     return response[size_t(std::lround(std::clamp(milliseconds, 0.0, last)))];
 }
 
+/// Slopes on references of one spread can be compared as correlations can; of others, those on the
+/// small responses to short tasks would be greater.
+void takeCommonDeviation(std::vector<double>& response) {
+    double sum = 0.0, squares = 0.0;
+    for (const double value : response) {
+        sum += value;
+        squares += value * value;
+    }
+    const auto n = double(response.size());
+    const double variance = n > 0.0 ? squares / n - sum / n * (sum / n) : 0.0;
+    if (variance > 0.0)
+        for (double& value : response)
+            value *= commonDeviation / std::sqrt(variance);
+}
+
 } // namespace
 
 ReferenceCurves idealResponses(int nrOfPoints, double TR) {
@@ -40,11 +56,15 @@ ReferenceCurves idealResponses(int nrOfPoints, double TR) {
         const double begin = LetterCode::timeStep * code.onset();
         const double end = begin + LetterCode::timeStep * (code.duration() + 1);
         std::vector<float>& curve = references[size_t(r)];
-        for (size_t point = 0; point < curve.size(); ++point) {
-            const double time = TR * double(point);
-            curve[point] = float(fullPercent + valueAt(response, time - begin) -
-                                 valueAt(response, time - end));
+        std::vector<double> change(curve.size());
+        for (size_t point = 0; point < change.size(); ++point) {
+            // The slices of a volume are measured during the whole TR.
+            const double time = TR * (double(point) + 0.5);
+            change[point] = valueAt(response, time - begin) - valueAt(response, time - end);
         }
+        takeCommonDeviation(change);
+        std::ranges::transform(change, curve.begin(),
+                               [](double value) { return float(fullPercent + value); });
     }
     return references;
 }

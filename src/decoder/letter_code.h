@@ -17,7 +17,8 @@ struct LetterCode {
     /// Milliseconds between two onsets, and between two durations: onsets at 0, 10 and 20 s,
     /// durations of 10, 20 and 30 s.
     static constexpr double timeStep = 10000.0;
-    /// The 70 s of a letter: five stages of one time step, and the rest of two.
+    /// The full window is seven time steps, 70 s: the cue, then five stages of one time step each,
+    /// and what is left for rest.
     static constexpr int nrOfStages = 6;
     static constexpr int nrOfTimeSteps = 7;
 
@@ -26,7 +27,7 @@ struct LetterCode {
 
     [[nodiscard]] int onset() const { return reference / nrOfDurations; }
     [[nodiscard]] int duration() const { return reference % nrOfDurations; }
-    /// Whether the task is performed in this stage of the letter's window.
+    /// Whether the task is performed in this stage, which may be -1 for the cue.
     [[nodiscard]] bool isPerformedIn(int stage) const {
         return stage >= onset() && stage <= onset() + duration();
     }

@@ -46,7 +46,7 @@ struct Case {
 
 TaskWeights weightsOf(const QByteArray& kind, int seed) {
     if (kind == "own")
-        return defaultTaskWeights();
+        return {{{1}, {0, 1}, {0, 0, 1}}};
     Noise noise(seed);
     TaskWeights weights;
     for (auto& row : weights)

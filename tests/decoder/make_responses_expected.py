@@ -23,8 +23,9 @@ def lasting(t):
 def write_ideal(points, TR):
     for r in range(9):
         begin, held = 10 * (r // 3), 10 * (1 + r % 3)
-        times = [k * TR / 1000 - begin for k in range(points)]
-        values = [100 + lasting(t) - lasting(t - held) for t in times]
+        times = [(k + 0.5) * TR / 1000 - begin for k in range(points)]
+        change = numpy.array([lasting(t) - lasting(t - held) for t in times])
+        values = 100 + 0.5 * change / change.std()
         print("ideal", points, TR, r, *(f"{v:.5f}" for v in values), sep="\t")
 
 
@@ -59,8 +60,8 @@ def write_empirical(window, pre, post, shortest, rois, ms, TR):
             base = before.mean() if len(before) else data[roi, onset]
             if base == 0:
                 continue
-            row = numpy.full(window, numpy.nan)
-            for k in range(min(window, shortest * (d + 1) + pre + post)):
+            row = numpy.full(shortest * (d + 1) + pre + post, numpy.nan)
+            for k in range(len(row)):
                 if 0 <= onset - pre + k < VOLUMES:
                     row[k] = data[roi, onset - pre + k] / base * 100
             rows[d].append(row)
@@ -69,8 +70,10 @@ def write_empirical(window, pre, post, shortest, rois, ms, TR):
         known = numpy.ma.masked_invalid(rows[r % 3])
         mean = known.mean(axis=0).filled(100)
         curve = numpy.full(window, 100.0)
-        shift = min(step * (r // 3), window)
-        curve[shift:] = mean[:window - shift]
+        for k in range(window):
+            from_onset = k - step * (r // 3)  # volumes from the task's begin
+            if -pre <= from_onset < len(mean) - pre:
+                curve[k] = mean[from_onset + pre]
         print("empirical", window, pre, post, shortest, rois, ms, TR, r, *(f"{v:.4f}" for v in curve), sep="\t")
 
 

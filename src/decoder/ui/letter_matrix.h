@@ -16,7 +16,7 @@ class LetterMatrix : public QWidget {
 public:
     explicit LetterMatrix(QWidget* parent = nullptr);
 
-    /// -1 for the cue, before the first letter.
+    /// -1 for the cue, before each letter.
     void setStage(int stage);
     [[nodiscard]] int stage() const { return stage_; }
     /// Nothing for no marks. `fourLetters`: only those that the four-letter mode can find are

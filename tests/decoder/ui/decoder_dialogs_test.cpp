@@ -106,7 +106,7 @@ TEST_F(DecoderDialogs, HandOverWhatIsSet) {
     expected.MeanForPercSignalTo = 5;
     expected.CorrBetaTau = 0.25f;
     expected.HelperVOIsMode = HelperVOIs::OnlyHelpers;
-    expected.TaskVOIWeights = {{{1}, {0, 0.6f, 0, 0, -0.8f}, {0, 0, 1}}};
+    expected.TaskVOIWeights = scaledWeights({{{1, 0, 0, 1}, {0, 3, 0, 0, -4}, {0, 0, 1, 0, 0, 1}}});
     expected.extraLines = {0.0f, 7.5f};
     EXPECT_EQ(applied(), expected);
     EXPECT_EQ(find<Plotter>("ReferencePlot1").content().lines.size(), 2u);
