@@ -22,12 +22,17 @@ public:
     explicit NumberReader(const QString& text) : stream_(text) {}
 
     void key(const char* name) { take(tokensAgree(stream_.word(), name)); }
+    /// A key with the only value that can be read.
+    void key(const char* name, int value) {
+        key(name);
+        integer(value, value);
+    }
     int integer(int minimum, int maximum) {
         bool isNumber = false;
         const int number = stream_.word().toInt(&isNumber);
         return take(isNumber && number >= minimum && number <= maximum) ? number : minimum;
     }
-    /// A comma or anything else behind the digits is a fault: "0,5" must not be read as 0.
+    /// A comma or anything else after the digits is a fault: "0,5" must not be read as 0.
     float real(double minimum, double maximum) {
         bool isNumber = false;
         const double number = stream_.word().toDouble(&isNumber);
@@ -114,7 +119,7 @@ std::optional<OfflineCurves> loadPart(const QString& path, std::optional<CurvesS
     }
     OfflineCurves offline{part.value_or(sizeOf(file)), {}};
     const auto points = size_t(std::max(offline.size.nrOfTimePoints, 0));
-    offline.curves.fill(std::vector<float>(points, 0.5f));
+    offline.curves.fill(std::vector<float>(points, missingROIValue));
     for (size_t roi = 0; roi < size_t(std::max(offline.size.nrOfROIs, 0)); ++roi)
         std::copy_n(file.columns[roi].begin(), points, offline.curves[roi].begin());
     return offline;
@@ -126,6 +131,10 @@ std::nullopt_t referencesRefused(const QString& reason) {
 }
 
 } // namespace
+
+QString outputFileFault(const QString& path) {
+    return QStringLiteral("ERROR: Can not open output file \"%1\" for writing.").arg(path);
+}
 
 QByteArray weightsText(const TaskWeights& weights) {
     QByteArray text = formatted("FileVersion: %i\nNrOfTasks:   %i\nNrOfVOIs:    %i\n", fileVersion,
@@ -140,14 +149,34 @@ QByteArray weightsText(const TaskWeights& weights) {
 
 std::optional<TaskWeights> parseWeights(const QString& text) {
     NumberReader reader(text);
-    static_cast<void>(reader.integer("FileVersion:", fileVersion, fileVersion));
-    static_cast<void>(reader.integer("NrOfTasks:", LetterCode::nrOfTasks, LetterCode::nrOfTasks));
-    static_cast<void>(reader.integer("NrOfVOIs:", nrOfDecoderROIs, nrOfDecoderROIs));
+    reader.key("FileVersion:", fileVersion);
+    reader.key("NrOfTasks:", LetterCode::nrOfTasks);
+    reader.key("NrOfVOIs:", nrOfDecoderROIs);
     TaskWeights weights{};
     for (auto& row : weights)
         for (float& weight : row)
             weight = reader.real(-largestWeight, largestWeight);
     return reader.isRead() ? std::optional(weights) : std::nullopt;
+}
+
+TypedWeights typedWeights(const WeightCells& cells) {
+    TypedWeights typed;
+    for (size_t task = 0; task < cells.size(); ++task)
+        for (size_t roi = 0; roi < cells[task].size(); ++roi) {
+            bool isNumber = false;
+            const double weight = cells[task][roi].trimmed().toDouble(&isNumber);
+            if (!isNumber || !(std::fabs(weight) <= largestWeight)) {
+                typed.fault = QStringLiteral("The weight of %1 for task %2 must be a number from "
+                                             "%3 to %4, with a point before its decimals.")
+                                  .arg(decoderROIName(int(roi)))
+                                  .arg(task + 1)
+                                  .arg(-largestWeight, 0, 'f', 0)
+                                  .arg(largestWeight, 0, 'f', 0);
+                return typed;
+            }
+            typed.weights[task][roi] = float(weight);
+        }
+    return typed;
 }
 
 QByteArray scaledWeightsText(const TaskWeights& scaled) {
@@ -188,7 +217,7 @@ std::optional<DecoderSettings> parseDecoderSettings(const QString& text,
     constexpr int most = mostDecoderPoints;
     DecoderSettings settings = start;
     NumberReader reader(text);
-    static_cast<void>(reader.integer("Version:", fileVersion, fileVersion));
+    reader.key("Version:", fileVersion);
     settings.SkipTimePointsAtBegin = reader.integer("SkipTimePointsAtBegin:", 0, most);
     settings.FullWindowSize = reader.integer("FullWindowSize:", 1, most);
     settings.SkipAtBeginOfWindow = reader.integer("SkipAtBeginOfWindow:", 0, most);

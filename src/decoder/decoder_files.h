@@ -11,11 +11,26 @@
 /// "IdealResponses_rg.rtc": the reference file that comes with the program.
 inline const QString idealResponsesFileName = QStringLiteral("IdealResponses_rg.rtc");
 
+/// Of the files of curves, for file choosers.
+inline const QString rtcFilesFilter = QStringLiteral("RTC files (*.rtc)");
+
+/// What the operator is told when an output file can't be written.
+[[nodiscard]] QString outputFileFault(const QString& path);
+
 /// Six decimals.
 [[nodiscard]] QByteArray weightsText(const TaskWeights& weights);
 /// Nothing for a text that is cut, of another size, or holds something else than numbers between
 /// -1e6 and 1e6.
 [[nodiscard]] std::optional<TaskWeights> parseWeights(const QString& text);
+
+/// Weights as they are typed, by task and ROI.
+using WeightCells = std::array<std::array<QString, nrOfDecoderROIs>, LetterCode::nrOfTasks>;
+struct TypedWeights {
+    TaskWeights weights{};
+    QString fault; ///< names the first cell without a number of the range above; else empty
+};
+/// Each cell by itself: an empty one is a fault, as two numbers in one are.
+[[nodiscard]] TypedWeights typedWeights(const WeightCells& cells);
 
 /// The scaled weights, six values a line in width 9, each followed by a blank
 /// (ScaledTaskVOIWeights.txt).
@@ -44,7 +59,7 @@ struct CurvesSize {
 /// Curves of a run that lie in a file.
 struct OfflineCurves {
     CurvesSize size;
-    ROICurves curves; ///< of ROIs that aren't there all 0.5
+    ROICurves curves; ///< of ROIs that aren't there all missingROIValue
 };
 /// Three to six curves of a version 1 file ("NrOfRTCs:", "NrOfValues:"), with at least one point.
 /// Nothing after "INFO - Problem loading RTC file with VOI time courses!", with the reason on a
@@ -60,10 +75,3 @@ struct OfflineCurves {
 [[nodiscard]] QByteArray referencesText(const ReferenceCurves& references);
 /// Writes it, atomically. False after "ERROR: Unable to open file \"%1\"!".
 [[nodiscard]] bool writeReferences(const ReferenceCurves& references, const QString& path);
-
-/// Responses of the two-gamma function to the nine courses, for windows of `nrOfPoints` with `TR`
-/// in milliseconds, as percent signal change above 100: a task begins 0, 10 or 20 s behind the
-/// begin of the compared window and is held for 10, 20 or 30 s. A point is the response in the
-/// middle of its volume. Each curve has a standard deviation of 0.5 % over its points, unless it
-/// has none. All 100 without a TR.
-[[nodiscard]] ReferenceCurves idealResponses(int nrOfPoints, double TR);

@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr float fullSignal = 100.0f;
 constexpr int nrOfConditions = 1 + LetterCode::nrOfTasks * LetterCode::nrOfDurations;
 
 struct ROIRange {
@@ -59,14 +58,15 @@ public:
         const int end = std::min(begin + int(sums_.size()), int(curve.size()));
         for (int volume = first; volume < end; ++volume) {
             const auto point = size_t(volume - begin);
-            sums_[point] += double(curve[size_t(volume)]) / mean * double(fullSignal);
+            sums_[point] += double(curve[size_t(volume)]) / mean * fullPercent;
             ++counts_[point];
         }
     }
     [[nodiscard]] bool hasTrial() const { return hasTrial_; }
-    /// With the task's begin at the point `onset`.
+    /// With the task's start at the point `onset`.
     [[nodiscard]] std::vector<float> response(int nrOfPoints, double onset) const {
-        std::vector<float> response(size_t(nrOfPoints), fullSignal);
+        constexpr auto full = float(fullPercent);
+        std::vector<float> response(size_t(nrOfPoints), full);
         for (size_t i = 0; i < response.size(); ++i) {
             const double gathered = double(i) - onset + pre_;
             if (gathered < 0.0 || gathered >= double(sums_.size()))

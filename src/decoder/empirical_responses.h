@@ -25,14 +25,14 @@ struct EmpiricalOptions {
 [[nodiscard]] QString empiricalFault(const EmpiricalOptions& options, int nrOfROIs,
                                      const StimulationProtocol& protocol);
 
-/// The nine task conditions behind the rest condition give three durations (condition 1 + 3 * task
+/// The nine task conditions after the rest condition give three durations (condition 1 + 3 * task
 /// + duration). The response to a duration is gathered from `PreTrialBeginDataPoints` before the
-/// onset to `PostTrialDataPoints` behind the task (ShortestTaskDuration * (1 + duration)); each of
+/// onset to `PostTrialDataPoints` after the task (ShortestTaskDuration * (1 + duration)); each of
 /// its points is the mean over the tasks, trials and chosen ROIs that have it. A trial is taken in
 /// percent of its mean before the onset, or where it has no point there, of its first point; a
 /// trial whose base is 0 or whose onset is not in the data is left out.
 ///
-/// The references have this response with the task beginning at their onset: 0, 10 and 20 s in
+/// The references have this response with the task starting at their onset: 0, 10 and 20 s in
 /// volumes from their first point, which is the first one that a decoding compares. Points that
 /// were not gathered, and points that no trial has, are 100. `TR` in milliseconds; without one,
 /// times of the protocol that are in milliseconds give nothing, and the shortest duration stands

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "decoder/decoder_files.h"
+#include "decoder/ideal_responses.h"
+
 #include "stats/hrf.h"
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 
 namespace {
 
-constexpr double fullPercent = 100.0;
 constexpr double commonDeviation = 0.5; ///< percent
 
 /// The response to a task that begins at 0 and lasts, one value for each millisecond, up to 1 at

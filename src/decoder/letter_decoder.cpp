@@ -5,12 +5,15 @@
 #include <utility>
 
 void LetterDecoder::begin(DecoderSettings settings, ReferenceCurves references, Source source) {
-    auto mayDecode = std::move(mayDecode_);
     *this = {};
-    mayDecode_ = std::move(mayDecode);
     settings_ = std::move(settings);
     references_ = std::move(references);
     source_ = source;
+}
+
+void LetterDecoder::restart(int nrOfTimePoints) {
+    settings_.NrOfTimePoints = nrOfTimePoints;
+    begin(settings_, references_, source_);
 }
 
 bool LetterDecoder::isReady() const {
@@ -27,42 +30,41 @@ void LetterDecoder::changeABCDMode(bool on) {
     settings_.ABCDMode = on;
 }
 
-std::optional<LetterDecoding> LetterDecoder::takeVolume(int volume, const ROICurves& curves) {
+bool LetterDecoder::takeVolume(int volume) {
     if (!isReady())
-        return std::nullopt;
+        return false;
     volume_ = volume;
     const bool ends = windowEndsAt(settings_, volume);
     const bool endedBefore = std::exchange(windowEnded_, ends && source_ == Source::Run);
-    return (source_ == Source::Run ? endedBefore : ends) ? decodeNext(curves) : std::nullopt;
+    const bool isDue = source_ == Source::Run ? endedBefore : ends;
+    if (isDue)
+        ++letter_;
+    return isDue;
 }
 
-std::optional<LetterDecoding> LetterDecoder::endRun(const ROICurves& curves) {
-    return std::exchange(windowEnded_, false) ? decodeNext(curves) : std::nullopt;
+bool LetterDecoder::endRun() {
+    if (!std::exchange(windowEnded_, false))
+        return false;
+    ++letter_;
+    return true;
 }
 
-std::optional<LetterDecoding> LetterDecoder::goToNextLetter(const ROICurves& curves) {
-    return goTo(letter_ + 1, curves);
-}
-
-std::optional<LetterDecoding> LetterDecoder::goToPreviousLetter(const ROICurves& curves) {
+void LetterDecoder::goToPreviousLetter() {
     for (QString& text : texts_)
         text.chop(2);
-    return goTo(letter_ - 1, curves);
+    goTo(letter_ - 1);
 }
 
-std::optional<LetterDecoding> LetterDecoder::goTo(int letter, const ROICurves& curves) {
+void LetterDecoder::goTo(int letter) {
     letter_ = std::clamp(letter, 0, std::max(settings_.NrOfLetters, 1) - 1);
-    return decode(curves);
 }
 
-std::optional<LetterDecoding> LetterDecoder::decodeNext(const ROICurves& curves) {
-    ++letter_;
-    return decode(curves);
+bool LetterDecoder::canDecode() const {
+    return isReady() && letter_ < settings_.NrOfLetters && windowIsWhole(settings_, letter_);
 }
 
 std::optional<LetterDecoding> LetterDecoder::decode(const ROICurves& curves) {
-    if (!isReady() || letter_ >= settings_.NrOfLetters || !windowIsWhole(settings_, letter_) ||
-        (mayDecode_ && !mayDecode_()))
+    if (!canDecode())
         return std::nullopt;
     std::optional<LetterDecoding> decoding = decodeLetter(settings_, references_, curves, letter_);
     if (!decoding)

@@ -5,39 +5,42 @@
 #include "decoder/letter_decoding.h"
 
 #include <QString>
-#include <functional>
 
-/// Fed with curves; a run that is measured and a file of curves pass through the same object.
+/// Fed with volumes; a run that is measured and a file of curves pass through the same object. It
+/// owns the settings and the references that are in use. A letter takes two steps, since there may
+/// be something to prepare between them: it becomes the current one, and it is decoded.
 class LetterDecoder {
 public:
-    /// Of a run (true) windows are decoded one volume after they are whole, of a file at once.
+    /// Letters of a run are due one volume after their window is whole, those of a file at once.
     enum class Source { Run, File };
 
-    /// Begins anew: no letters, no curves. Without references nothing is decoded.
+    /// Begins anew: no letters, no volumes. Without references nothing is decoded.
     void begin(DecoderSettings settings, ReferenceCurves references, Source source);
-    /// Asked before each letter whose window is whole; where it gives false the letter is skipped:
-    /// it is counted, but neither decoded nor appended. Without one all are decoded.
-    void setGate(std::function<bool()> mayDecode) { mayDecode_ = std::move(mayDecode); }
+    /// The same with the settings and references in use, and perhaps another number of volumes.
+    void restart() { restart(settings_.NrOfTimePoints); }
+    void restart(int nrOfTimePoints);
     [[nodiscard]] bool isReady() const; ///< references fit the settings, points and ROIs are known
     [[nodiscard]] const DecoderSettings& settings() const { return settings_; }
+    [[nodiscard]] const ReferenceCurves& references() const { return references_; }
     /// Choices that may change between two letters: scores, four-letter mode.
     void changeScores(bool useCorr, bool useBeta);
     void changeABCDMode(bool on);
 
-    /// One volume, in the order of the run: `curves` hold the volumes 0 to `volume`, at least. The
-    /// letter that was decoded at this volume; nothing as a rule.
-    std::optional<LetterDecoding> takeVolume(int volume, const ROICurves& curves);
-    /// The run has ended: decodes the window that ended with its last volume.
-    std::optional<LetterDecoding> endRun(const ROICurves& curves);
+    /// One volume, in the order of the run. Whether a letter is due, which is the current one then.
+    [[nodiscard]] bool takeVolume(int volume);
+    /// The run has ended. Whether a letter is due: that whose window ended with the last volume.
+    [[nodiscard]] bool endRun();
     /// By the operator, not while a run is active: one letter on or back, clamped to the slots.
     /// Going back also takes two letters off each string, that from which it goes and that to which
-    /// it goes, which is decoded anew; so it does at the first letter.
-    std::optional<LetterDecoding> goToNextLetter(const ROICurves& curves);
-    std::optional<LetterDecoding> goToPreviousLetter(const ROICurves& curves);
-    /// The current letter once more, whose result is appended again.
-    std::optional<LetterDecoding> processCurrentLetterWindow(const ROICurves& curves) {
-        return decode(curves);
-    }
+    /// it goes, which is to be decoded anew; so it does at the first letter.
+    void goToNextLetter() { goTo(letter_ + 1); }
+    void goToPreviousLetter();
+
+    /// Whether the current letter has a slot and its window lies within the data.
+    [[nodiscard]] bool canDecode() const;
+    /// Decodes the current letter and appends it to the decoded texts. `curves` hold the volumes so
+    /// far, at least. Nothing where it can't be decoded, or the curves are too short.
+    std::optional<LetterDecoding> decode(const ROICurves& curves);
 
     [[nodiscard]] int currentLetter() const { return letter_; } ///< -1 at first
     [[nodiscard]] int currentVolume() const { return volume_; } ///< -1 at first
@@ -47,11 +50,8 @@ public:
     [[nodiscard]] const std::optional<LetterDecoding>& latest() const { return latest_; }
 
 private:
-    std::optional<LetterDecoding> goTo(int letter, const ROICurves& curves);
-    std::optional<LetterDecoding> decodeNext(const ROICurves& curves);
-    std::optional<LetterDecoding> decode(const ROICurves& curves);
+    void goTo(int letter);
 
-    std::function<bool()> mayDecode_;
     DecoderSettings settings_ = defaultDecoderSettings();
     ReferenceCurves references_;
     Source source_ = Source::Run;

@@ -34,7 +34,7 @@ Sums sumsOf(std::span<const float> curve, std::span<const float> reference) {
     return sums;
 }
 
-/// Cuts the window out of each curve, in percent. What lies behind the points that are compared may
+/// Cuts the window out of each curve, in percent. What lies after the points that are compared may
 /// not have been measured yet, and is then missing.
 bool cutWindows(const DecoderSettings& settings, const ROICurves& curves,
                 LetterDecoding& decoding) {
@@ -53,16 +53,15 @@ bool cutWindows(const DecoderSettings& settings, const ROICurves& curves,
 
 void compareWithReferences(const DecoderSettings& settings, const ReferenceCurves& references,
                            LetterDecoding& decoding) {
-    const int compared = settings.nrOfComparedPoints();
+    const auto compared = size_t(settings.nrOfComparedPoints());
     for (size_t roi = 0; roi < decoding.curves.size(); ++roi) {
-        const std::span<const float> curve(decoding.curves[roi].data(), size_t(compared));
+        const auto curve = std::span<const float>(decoding.curves[roi]).first(compared);
         for (size_t r = 0; r < references.size(); ++r) {
-            const std::span<const float> reference(references[r].data(), size_t(compared));
-            float constant = 0.0f;
+            const auto reference = std::span<const float>(references[r]).first(compared);
             if (settings.UseCorr)
                 decoding.corr[r][roi] = correlation(curve, reference);
             if (settings.UseBeta)
-                fitGLMForLetter(compared, curve, reference, decoding.beta[r][roi], constant);
+                decoding.beta[r][roi] = fitGLMForLetter(curve, reference).slope;
         }
     }
 }
@@ -70,14 +69,11 @@ void compareWithReferences(const DecoderSettings& settings, const ReferenceCurve
 /// All betas are divided by one norm, so that references stay comparable.
 void normalizeBetas(LetterDecoding& decoding) {
     double greatest = 0.0;
-    for (size_t r = 0; r < decoding.beta.size(); ++r) {
+    for (const auto& betas : decoding.beta) {
         double squares = 0.0;
-        for (const float beta : decoding.beta[r])
+        for (const float beta : betas)
             squares += double(beta) * double(beta);
-        if (squares > greatest) {
-            greatest = squares;
-            decoding.referenceOfGreatestNorm = int(r);
-        }
+        greatest = std::max(greatest, squares);
     }
     const double norm = greatest > 0.0 ? std::sqrt(greatest) : 1.0;
     for (size_t r = 0; r < decoding.beta.size(); ++r)
@@ -172,24 +168,17 @@ void rankLetters(const DecoderSettings& settings, LetterDecoding& decoding) {
 
 } // namespace
 
-void fitGLMForLetter(int nrOfPoints, std::span<const float> curve, std::span<const float> reference,
-                     float& slope, float& constant) {
-    slope = constant = 0.0f;
-    const auto limit = size_t(std::max(nrOfPoints, 0));
-    const Sums s = sumsOf(curve.first(std::min(curve.size(), limit)),
-                          reference.first(std::min(reference.size(), limit)));
+LetterFit fitGLMForLetter(std::span<const float> curve, std::span<const float> reference) {
+    const Sums s = sumsOf(curve, reference);
     if (s.n == 0.0)
-        return;
-    if (s.xx == 0.0) {
-        constant = float(double(curve[0]) + s.y / s.n);
-        return;
-    }
+        return {};
+    if (s.xx == 0.0)
+        return {0.0f, float(double(curve[0]) + s.y / s.n)};
     // X'X = [n x; x xx], X'y = [y; xy]; the constant is that of the curves from their first points.
     const double determinant = s.n * s.xx - s.x * s.x;
     const double b = (s.n * s.xy - s.x * s.y) / determinant;
-    slope = float(b);
-    constant = float(double(curve[0]) + (s.xx * s.y - s.x * s.xy) / determinant -
-                     b * double(reference[0]));
+    return {float(b), float(double(curve[0]) + (s.xx * s.y - s.x * s.xy) / determinant -
+                            b * double(reference[0]))};
 }
 
 float correlation(std::span<const float> curve, std::span<const float> reference) {
@@ -203,19 +192,19 @@ float correlation(std::span<const float> curve, std::span<const float> reference
 
 std::vector<float> percentSignal(const DecoderSettings& settings, std::span<const float> window) {
     std::vector<float> percent(window.begin(), window.end());
-    const long long last =
-        std::min<long long>(settings.MeanForPercSignalTo, (long long)(window.size()) - 1);
+    const int points = int(std::min(window.size(), size_t(settings.nrOfComparedPoints())));
+    const int last = std::min(settings.MeanForPercSignalTo, points - 1);
     const int first = std::max(settings.MeanForPercSignalFrom, 0);
     if (first > last)
         return percent;
     double sum = 0.0;
-    for (long long point = first; point <= last; ++point)
+    for (int point = first; point <= last; ++point)
         sum += double(window[size_t(point)]);
     if (sum == 0.0)
         return percent;
     const double base = sum / double(last - first + 1);
     for (float& value : percent)
-        value = float(double(value) / base * 100.0);
+        value = float(double(value) / base * fullPercent);
     return percent;
 }
 

@@ -11,7 +11,13 @@
 
 /// Nine curves of equal length, in percent or any other scale.
 using ReferenceCurves = std::array<std::vector<float>, LetterCode::nrOfReferences>;
-/// Six curves; of ROIs that don't exist all 0.5.
+/// What the curve of a ROI that doesn't exist is filled with. It has no variance, so it says
+/// nothing.
+inline constexpr float missingROIValue = 0.5f;
+/// The base of a curve in percent.
+inline constexpr double fullPercent = 100.0;
+
+/// Six curves; of ROIs that don't exist all missingROIValue.
 using ROICurves = std::array<std::vector<float>, nrOfDecoderROIs>;
 
 /// [reference][ROI]
@@ -37,7 +43,6 @@ struct LetterDecoding {
     ReferenceByROI corr{};           ///< Pearson; of UseCorr
     ReferenceByROI beta{};           ///< slopes; of UseBeta
     ReferenceByROI normalizedBeta{}; ///< divided by the greatest norm over the ROIs
-    int referenceOfGreatestNorm = 0; ///< the first of equal ones
     ReferenceByTask shape{};         ///< of both scores
     ReferenceByTask pattern{};       ///< of normalized betas; of UseBeta
     ReferenceByTask product{};       ///< of both scores; 0 where both factors are negative
@@ -48,15 +53,22 @@ struct LetterDecoding {
     std::array<RankedLetter, 3> best;                       ///< ranks 1 to 3
 };
 
-/// Slope and constant of a curve on a reference, by least squares over [1, reference], with the
-/// inverse of the 2 x 2 matrix X'X. 0 and the curve's mean where the reference doesn't vary.
-void fitGLMForLetter(int nrOfPoints, std::span<const float> curve, std::span<const float> reference,
-                     float& slope, float& constant);
+struct LetterFit {
+    float slope = 0.0f;
+    float constant = 0.0f;
+};
+/// A curve on a reference by least squares over [1, reference], with the inverse of the 2 x 2
+/// matrix X'X, over the points that both have. 0 and the curve's mean where the reference doesn't
+/// vary.
+[[nodiscard]] LetterFit fitGLMForLetter(std::span<const float> curve,
+                                        std::span<const float> reference);
 
 /// Pearson's correlation; 0 where one of them doesn't vary.
 [[nodiscard]] float correlation(std::span<const float> curve, std::span<const float> reference);
 
-/// The points of the window in percent of the mean of its base points, unless that is 0.
+/// The points of the window in percent of the mean of its base points, unless that is 0. Only
+/// points that are compared are taken as base: those after them may not be measured yet in a run,
+/// whose letters must be those of its file.
 [[nodiscard]] std::vector<float> percentSignal(const DecoderSettings& settings,
                                                std::span<const float> window);
 
@@ -65,7 +77,7 @@ void fitGLMForLetter(int nrOfPoints, std::span<const float> curve, std::span<con
                                  const ReferenceCurves& references);
 
 /// Decodes a letter from curves of the whole run so far. Nothing when its window is not whole, the
-/// references don't fit, or a curve has fewer points in the window than are compared; behind these,
+/// references don't fit, or a curve has fewer points in the window than are compared; after these,
 /// the window may go on into what is not measured yet. Sums are double, results float.
 [[nodiscard]] std::optional<LetterDecoding> decodeLetter(const DecoderSettings& settings,
                                                          const ReferenceCurves& references,

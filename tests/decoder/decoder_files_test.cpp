@@ -85,6 +85,20 @@ TEST(WeightsFile, IsRefusedWhereItIsDamaged) {
                   parseWeights);
 }
 
+TEST(TypedWeights, AreReadCellByCell) {
+    WeightCells cells;
+    for (auto& row : cells)
+        row.fill("0");
+    cells[1] = {"1", " -2.5 ", "1e6", "0", "0", "0"};
+    EXPECT_EQ(typedWeights(cells).weights[1], (std::array<float, 6>{1, -2.5f, 1e6f}));
+    EXPECT_EQ(typedWeights(cells).fault, "");
+    for (const char* cell : {"", "1 0", "1,5", "x", "nan", "1000001", "-1e7"}) {
+        cells[2][3] = cell;
+        EXPECT_TRUE(typedWeights(cells).fault.startsWith("The weight of SMA 1 for task 3 must"))
+            << cell;
+    }
+}
+
 TEST(DecoderSettingsFile, IsReadAndWrittenByteForByte) {
     DecoderSettings settings = defaultDecoderSettings();
     settings.NrOfLetters = 12; // not in the file

@@ -178,14 +178,11 @@ TEST(LetterDecoding, GivesWhatTheFormulasGive) {
         if (!decoding)
             continue;
         EXPECT_EQ(lettersOf(*decoding), c.expected[0]);
-        if (c.settings.UseBeta) {
-            EXPECT_EQ(decoding->referenceOfGreatestNorm, c.expected[1].toInt());
-        }
         QByteArray best;
         for (const int reference : decoding->bestReference)
             best += QByteArray::number(reference);
-        EXPECT_EQ(best, c.expected[2]);
-        expectNumbers(numbersOf(decodingLog(c.settings, *decoding)), c.expected.mid(3));
+        EXPECT_EQ(best, c.expected[1]);
+        expectNumbers(numbersOf(decodingLog(c.settings, *decoding)), c.expected.mid(2));
     }
 }
 
@@ -202,6 +199,9 @@ TEST(LetterDecoder, FollowsARunAndTheOperator) {
         LetterDecoder decoder;
         decoder.begin(settings, references,
                       live ? LetterDecoder::Source::Run : LetterDecoder::Source::File);
+        const auto decodeIf = [&](bool isDue, const ROICurves& soFar) {
+            return isDue ? decoder.decode(soFar) : std::nullopt;
+        };
         const auto handle = [&](char event) -> std::optional<LetterDecoding> {
             ROICurves soFar = curves;
             switch (event) {
@@ -209,13 +209,15 @@ TEST(LetterDecoder, FollowsARunAndTheOperator) {
                 if (live)
                     for (std::vector<float>& curve : soFar)
                         curve.resize(size_t(decoder.currentVolume() + 2));
-                return decoder.takeVolume(decoder.currentVolume() + 1, soFar);
+                return decodeIf(decoder.takeVolume(decoder.currentVolume() + 1), soFar);
             case 'e':
-                return decoder.endRun(curves);
+                return decodeIf(decoder.endRun(), curves);
             case 'n':
-                return decoder.goToNextLetter(curves);
+                decoder.goToNextLetter();
+                return decoder.decode(curves);
             case 'p':
-                return decoder.goToPreviousLetter(curves);
+                decoder.goToPreviousLetter();
+                return decoder.decode(curves);
             case 'f':
             case 'F':
                 decoder.changeABCDMode(event == 'f');
@@ -246,8 +248,11 @@ TEST(LetterDecoder, FollowsARunAndTheOperator) {
         EXPECT_EQ(end.toLatin1(), c.expected[3]);
         ASSERT_TRUE(decoder.latest());
         EXPECT_EQ(lettersOf(*decoder.latest()), steps.back().right(3));
-        decoder.begin(decoder.settings(), references, LetterDecoder::Source::Run);
-        EXPECT_EQ(decoder.settings().FullWindowSize, settings.FullWindowSize);
+        decoder.restart(77);
+        settings = decoder.settings();
+        EXPECT_EQ(settings.NrOfTimePoints, 77);
+        EXPECT_EQ(settings.FullWindowSize, c.settings.FullWindowSize);
+        EXPECT_EQ(decoder.references(), references);
         EXPECT_EQ(decoder.currentLetter() + decoder.currentVolume(), -2);
         EXPECT_TRUE(decoder.decodedText(0).isEmpty() && !decoder.latest());
     }
@@ -270,35 +275,63 @@ TEST(LetterDecoder, NeedsFittingReferencesAndROIs) {
     references[8].resize(5);
     decoder.begin(c.settings, references, LetterDecoder::Source::File);
     EXPECT_FALSE(decoder.isReady());
-    EXPECT_FALSE(decoder.goToNextLetter(curvesOf(c, references)));
-    EXPECT_FALSE(decoder.takeVolume(0, {}));
+    decoder.goToNextLetter();
+    EXPECT_FALSE(decoder.decode(curvesOf(c, references)));
+    EXPECT_FALSE(decoder.takeVolume(0));
     EXPECT_EQ(decoder.currentVolume(), -1);
 }
 
-TEST(LetterDecoding, ABaseBehindTheWindowIsCut) {
+TEST(LetterDecoding, TheBaseIsOfPointsThatAreCompared) {
     DecoderSettings settings;
     settings.MeanForPercSignalFrom = 1;
     settings.MeanForPercSignalTo = 5;
     const std::vector<float> window{3, 2, 6};
     EXPECT_EQ(percentSignal(settings, std::span(window).first(2)), (std::vector<float>{150, 100}));
     EXPECT_EQ(percentSignal(settings, std::span(window).first(1)), (std::vector<float>{3}));
+    settings.SkipAtEndOfWindow = settings.FullWindowSize - settings.SkipAtBeginOfWindow - 2;
+    EXPECT_EQ(percentSignal(settings, window), (std::vector<float>{150, 100, 300}));
+    EXPECT_FALSE(decoderSettingsFault(settings).isEmpty());
+    settings.MeanForPercSignalTo = 1;
+    EXPECT_TRUE(decoderSettingsFault(settings).isEmpty());
+}
+
+TEST(DecoderSettings, SayWhichHelpersAreMissing) {
+    const struct {
+        int nrOfROIs;
+        HelperVOIs mode;
+        bool useBeta;
+        const char* note;
+    } cases[] = {
+        {3, HelperVOIs::Both, true,
+         "Helper ROIs 1 to 3 are missing: the shape of their tasks counts half"},
+        {4, HelperVOIs::OnlyHelpers, true,
+         "Helper ROIs 2 to 3 are missing: the shape of their tasks counts as 0"},
+        {5, HelperVOIs::Both, true, "Helper ROI 3 is missing: the shape of its task counts half"},
+        {6, HelperVOIs::Both, true, ""},
+        {3, HelperVOIs::OnlyTasks, true, ""},
+        {3, HelperVOIs::OnlyHelpers, false, ""}};
+    for (const auto& [nrOfROIs, mode, useBeta, note] : cases) {
+        DecoderSettings settings;
+        settings.NrOfDataROIs = nrOfROIs;
+        settings.HelperVOIsMode = mode;
+        settings.UseBeta = useBeta;
+        EXPECT_EQ(missingHelpersNote(settings).toStdString(), note);
+    }
 }
 
 TEST(LetterDecoding, ASlopeHasItsConstant) {
     const std::vector<float> curve{5, 7, 6, 10}, reference{2, 3, 4, 5},
         flat{0.1f, 0.1f, 0.1f, 0.1f};
-    float slope = 9.0f, constant = 9.0f;
-    fitGLMForLetter(4, curve, reference, slope, constant);
-    EXPECT_FLOAT_EQ(slope, 1.4f);
-    EXPECT_FLOAT_EQ(constant, 2.1f);
-    fitGLMForLetter(3, curve, reference, slope, constant);
-    EXPECT_FLOAT_EQ(slope, 0.5f);
-    EXPECT_FLOAT_EQ(constant, 4.5f);
-    fitGLMForLetter(4, curve, flat, slope, constant);
-    EXPECT_EQ(slope, 0.0f);
-    EXPECT_FLOAT_EQ(constant, 7.0f);
-    fitGLMForLetter(9, curve, {}, slope, constant);
-    EXPECT_EQ(constant, 0.0f);
+    const std::tuple<std::span<const float>, float, float> cases[] = {
+        {reference, 1.4f, 2.1f},
+        {std::span(reference).first(3), 0.5f, 4.5f},
+        {flat, 0.0f, 7.0f},
+        {{}, 0.0f, 0.0f}};
+    for (const auto& [against, slope, constant] : cases) {
+        const LetterFit fit = fitGLMForLetter(curve, against);
+        EXPECT_FLOAT_EQ(fit.slope, slope);
+        EXPECT_FLOAT_EQ(fit.constant, constant);
+    }
 }
 
 } // namespace

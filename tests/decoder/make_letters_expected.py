@@ -81,7 +81,7 @@ def decode(c, references, curves, letter):
     corr, beta = numpy.zeros((6, 9)), numpy.zeros((6, 9))
     for roi in range(6):
         y = numpy.array(curves[roi, start:start + c["ideal"]], float)
-        base = y[c["from"]:c["to"] + 1]
+        base = y[c["from"]:min(c["to"] + 1, n)]
         if len(base) and numpy.mean(base) != 0:
             y = numpy.array(numpy.float32(y / numpy.mean(base) * 100), float)  # kept as float
         y = y[:n]
@@ -91,8 +91,7 @@ def decode(c, references, curves, letter):
                 corr[roi, r] = numpy.corrcoef(x, y)[0, 1]
                 beta[roi, r] = numpy.linalg.lstsq(numpy.column_stack([numpy.ones(n), x]), y, rcond=None)[0][1]
     norms = numpy.sqrt(numpy.sum(beta ** 2, axis=0))
-    greatest = next(r for r in range(9) if norms[r] > max(norms) * (1 - 1e-9) or max(norms) == 0)
-    normalized = beta / norms[greatest] if max(norms) > 0 else beta
+    normalized = beta / max(norms) if max(norms) > 0 else beta
     w = make_weights(c)
     for k in range(3):
         if w[k].any():
@@ -128,7 +127,7 @@ def decode(c, references, curves, letter):
     if c["abcd"] and c["corr"] and c["beta"]:
         ranks = [(FOUR.get(name, name), s) for name, s in ranks]
     best = [int(numpy.argmax(score[k])) for k in range(3)]
-    return tables, ranks, greatest if c["beta"] else 0, best
+    return tables, ranks, best
 
 
 def make_case(rng, seed):
@@ -166,10 +165,10 @@ def write_windows(rng, count):
         print("window", *["%s" % value for value in c.values()], *cells, sep="\t")
 
 
-def expected_cells(tables, ranks, greatest, best):
+def expected_cells(tables, ranks, best):
     numbers = [value for table in tables for column in table for value in column]
     letters = "".join(name for name, _ in ranks)
-    return [letters, greatest, "%d%d%d" % tuple(best),
+    return [letters, "%d%d%d" % tuple(best),
             *["%.7g" % value for value in numbers + [s for _, s in ranks]]]
 
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "decoder/decoder_files.h"
 #include "decoder/empirical_responses.h"
+#include "decoder/ideal_responses.h"
 #include "support/files.h"
 
 #include <limits>
@@ -70,7 +71,7 @@ std::vector<std::vector<float>> trainingRun() {
 }
 
 /// One to three trials of each condition; some are cut by an end of the data, or behind it. With a
-/// TR in milliseconds, up to 0.4 volumes beside the begin of a volume.
+/// TR in milliseconds, up to 0.4 volumes beside the start of a volume.
 StimulationProtocol trainingProtocol(int TR) {
     StimulationProtocol protocol;
     if (TR > 0)

@@ -65,7 +65,8 @@ decodedText(DecoderSettings settings, const ReferenceCurves& references, const R
     LetterDecoder decoder;
     decoder.begin(settings, references, LetterDecoder::Source::File);
     for (int volume = 0; volume < settings.NrOfTimePoints; ++volume)
-        static_cast<void>(decoder.takeVolume(volume, curves));
+        if (decoder.takeVolume(volume))
+            decoder.decode(curves);
     return decoder.decodedText(0);
 }
 

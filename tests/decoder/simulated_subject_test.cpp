@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "decoder/simulated_subject.h"
 
-#include "decoder/decoder_files.h"
 #include "decoder/empirical_responses.h"
+#include "decoder/ideal_responses.h"
 
 namespace {
 

@@ -75,7 +75,7 @@ TEST(SimulatedMotion, MovesTheHeadAsItSays) {
 // Each voxel of the fine pattern follows its condition more than the other; their means do not.
 TEST(FinePattern, TellsConditionsApartInVoxelsOnly) {
     SimulationOptions options;
-    options.code = 0.02;
+    options.patternStrength = 0.02;
     options.noise = 0.0;
     const SimulatedScan scan(options);
     const std::vector<int8_t> preferences = scan.preferences();

@@ -183,9 +183,9 @@ void takeSimulation(const QCommandLineParser& parser, Values& values, SimulatorC
     double percent = simulation.amplitude * 100.0;
     values.real("amplitude", percent);
     simulation.amplitude = percent / 100.0;
-    percent = simulation.code * 100.0;
+    percent = simulation.patternStrength * 100.0;
     values.real("code", percent);
-    simulation.code = percent / 100.0;
+    simulation.patternStrength = percent / 100.0;
     if (parser.isSet("matrix"))
         if (const auto size = values.pair("matrix", parser.value("matrix"), 'x'))
             std::tie(simulation.sizeX, simulation.sizeY) = *size;

@@ -15,7 +15,7 @@ constexpr int nrOfOnsets = 3;
 constexpr int nrOfDurations = 3;
 constexpr int nrOfTrained = nrOfTasks * nrOfDurations;
 constexpr double windowLength = 70.0;   ///< seconds of a letter
-constexpr double responseBegin = 5.0;   ///< seconds from the begin of a window to the first onset
+constexpr double responseBegin = 5.0;   ///< seconds from the start of a window to the first onset
 constexpr double unit = 10.0;           ///< seconds between onsets, and between durations
 constexpr double longestCode = 50.0;    ///< seconds to the end of the last and longest task
 constexpr double trainingRest = 20.0;   ///< seconds
@@ -132,7 +132,7 @@ QString problemOfTasks(const SimulationOptions& options) {
         return "A run is either a training or spells a text.";
     if (options.repetitionTime > slowestRepetition)
         return QString("Tasks of 10 s need a TR up to %1 ms.").arg(slowestRepetition);
-    if (options.code > 0.0)
+    if (options.patternStrength > 0.0)
         return "The fine pattern answers to the blocks of Faces and Houses only.";
     const int needed = volumesOfTasks(options) + options.nrOfVolumesToSkip;
     if (options.nrOfVolumes != needed)
@@ -164,7 +164,7 @@ QByteArray spellingText(const SimulationOptions& options) {
     QByteArray text =
         "# What the simulated subject spells, one line for each letter.\n"
         "# letter, its code from 0 to 26, first volume of its window (analysed ones,\n"
-        "# from 1), task from 1, begin of the task in seconds from the start of the\n"
+        "# from 1), task from 1, start of the task in seconds from the start of the\n"
         "# first analysed volume, and how many seconds it is held\n";
     for (const SpelledLetter& letter : spelledLetters(options))
         text += formatted("%c %2i %5i %2i %10.3f %3.0f\n", letter.letter.toLatin1(), letter.code,

@@ -19,14 +19,14 @@ struct SpelledLetter {
 /// The letters of the spelled text.
 [[nodiscard]] std::vector<SpelledLetter> spelledLetters(const SimulationOptions& options);
 
-/// Analysed volumes of the run: one window for each letter and a volume behind the last, or all
+/// Analysed volumes of the run: one window for each letter and a volume after the last, or all
 /// trials of the training. Any options are accepted.
 [[nodiscard]] int volumesOfTasks(const SimulationOptions& options);
 /// What is wrong with the text or the training, as a sentence for the user; empty when nothing is.
 [[nodiscard]] QString problemOfTasks(const SimulationOptions& options);
 
 /// By task, when it is done. The onsets of a letter, 0, 10 and 20 s, count from the volume that
-/// begins 5 s behind the begin of its window, since a decoder compares from there on.
+/// begins 5 s after the start of its window, since a decoder compares from there on.
 [[nodiscard]] std::vector<std::vector<StimulusTime>> taskTimes(const SimulationOptions& options);
 
 /// Spelling: Rest, and a block for each letter over the time in which its task may be done.

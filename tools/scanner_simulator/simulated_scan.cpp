@@ -43,7 +43,7 @@ SimulatedScan::RestingHead SimulatedScan::headAt(const HeadPose& pose) const {
                 head.pulsation.push_back(inHead ? float(HeadPhantom::pulsationWeight(point))
                                                 : 0.0f);
                 head.region.push_back(inHead ? uint8_t(regionAt(point)) : 0);
-                if (options_.code > 0.0)
+                if (options_.patternStrength > 0.0)
                     head.preference.push_back(int8_t(phantom_.preference(point)));
             }
     return head;
@@ -65,8 +65,8 @@ void SimulatedScan::fillSlice(int volume, int slice, const RestingHead& head, Ra
         response[region + 1] = float(options_.amplitude * dynamics_.response(region, seconds));
     // Voxels of the fine pattern respond to both conditions, on the mean alike.
     const float bothConditions = response[1] + response[2];
-    const float difference =
-        float(options_.code * (dynamics_.response(0, seconds) - dynamics_.response(1, seconds)));
+    const float difference = float(options_.patternStrength * (dynamics_.response(0, seconds) -
+                                                               dynamics_.response(1, seconds)));
     const float noise = float(options_.noise);
     const size_t first = size_t(slice) * geometry_.sliceVoxels();
     for (size_t i = 0; i < geometry_.sliceVoxels(); ++i) {
@@ -150,7 +150,7 @@ bool SimulatedScan::writeTruth() const {
         {"motion.txt", motionText(poses)},
         {"active.txt", activeText(geometry_, dynamics_.regions(), atRest_.region)},
         {"../README.txt", truthReadme()}};
-    if (options_.code > 0.0)
+    if (options_.patternStrength > 0.0)
         files.emplace_back("code.txt", preferenceText(geometry_, conditions(), preferences()));
     if (!options_.spelledText.isEmpty())
         files.emplace_back("spelling.txt", spellingText(options_));

@@ -155,7 +155,7 @@ QString problemOf(const SimulationOptions& options) {
         {"run number", double(options.run), 1, 999},
         {"noise", options.noise, 0, 1000},
         {"amplitude", options.amplitude, -1, 1},
-        {"code", options.code, 0, 1},
+        {"code", options.patternStrength, 0, 1},
         {"delay of the response", options.responseDelay, 0, 30},
         {"width of smoothing", double(options.smoothingWidth), 0, 100},
         {"number of mosaic tiles in a row", double(options.mosaicTiles), 0, 16},

@@ -67,7 +67,8 @@ struct SimulationOptions {
     double noise = 8.0;         ///< standard deviation in sample units
     double amplitude = 0.025;   ///< full response of an active region, as a fraction of its signal
     /// Of a region in which each voxel prefers one of the conditions; 0: there is none.
-    double code = 0.0;      ///< how much more it responds to that one, as a fraction of its signal
+    double patternStrength =
+        0.0;                ///< how much more it responds to that one, as a fraction of its signal
     QString spelledText;    ///< coded by mental tasks instead of the blocks; empty: none
     int trainingTrials = 0; ///< of each mental task and duration, instead of the blocks
     double responseDelay = 0.0; ///< seconds by which the subject responds later than others

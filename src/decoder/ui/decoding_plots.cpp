@@ -37,11 +37,6 @@ bool isEmpty(const ROICurves& curves) {
 
 } // namespace
 
-QString decoderROIName(int roi) {
-    return roi < nrOfTaskROIs ? QStringLiteral("VOI Task %1").arg(roi + 1)
-                              : QStringLiteral("SMA %1").arg(roi - nrOfTaskROIs + 1);
-}
-
 QColor rankColor(int rank) {
     switch (rank) {
     case 0:

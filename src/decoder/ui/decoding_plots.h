@@ -10,8 +10,6 @@
 /// By ROI: whether its curve is shown.
 using ShownROIs = std::bitset<nrOfDecoderROIs>;
 
-/// "VOI Task 1" to "SMA 3".
-[[nodiscard]] QString decoderROIName(int roi);
 /// Of ranks 0 to 2; grey for any other.
 [[nodiscard]] QColor rankColor(int rank);
 /// The rank of a code among the best three, from 0; -1 for none.

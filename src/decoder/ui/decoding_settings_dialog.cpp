@@ -13,7 +13,6 @@
 
 namespace {
 
-const QString curvesFilter = QStringLiteral("RTC files (*.rtc)");
 const QString weightsFilter = QStringLiteral("WGT files (*.wgt)");
 const QString settingsFilter = QStringLiteral("BDS files (*.bds)");
 constexpr int visibleRows = LetterCode::nrOfTasks;
@@ -23,6 +22,7 @@ std::optional<QString> textOf(const QString& path) {
     QString text;
     if (readTextFile(path, text))
         return text;
+    // The text is prescribed, though nothing is written.
     showWarning(QStringLiteral("ERROR: Can not open file \"%1\" for writing.").arg(path));
     return std::nullopt;
 }
@@ -84,6 +84,8 @@ void BOLDDecodingSettingsDlg::connectControls() {
         if (isOffline_ && ui_->OfflineRTCFileEd->text().trimmed() != shownFile_)
             readOfflineFile();
     });
+    connect(ui_->CorrBetaTauDSpBx, &QDoubleSpinBox::valueChanged, this,
+            [this](double tau) { tau_ = float(tau); });
     connect(ui_->NrOfExtraLinesSpBx, &QSpinBox::valueChanged, this,
             &Dialog::onNrOfExtraLinesChanged);
     connect(ui_->ExtraLineNrSpBx, &QSpinBox::valueChanged, this, &Dialog::onExtraLineNrChanged);
@@ -116,7 +118,11 @@ void BOLDDecodingSettingsDlg::showSettings(const DecoderSettings& settings) {
     ui_->UseTaskAndSMAVOIsOp->setChecked(settings.HelperVOIsMode == HelperVOIs::Both);
     ui_->UseOnlyTaskVOIsOp->setChecked(settings.HelperVOIsMode == HelperVOIs::OnlyTasks);
     ui_->UseOnlySMAVOIsOp->setChecked(settings.HelperVOIsMode == HelperVOIs::OnlyHelpers);
-    ui_->CorrBetaTauDSpBx->setValue(double(settings.CorrBetaTau));
+    tau_ = settings.CorrBetaTau;
+    {
+        const QSignalBlocker quiet(ui_->CorrBetaTauDSpBx);
+        ui_->CorrBetaTauDSpBx->setValue(double(tau_));
+    }
     ui_->MeanForPercSignalFromSpBx->setValue(settings.MeanForPercSignalFrom);
     ui_->MeanForPercSignalToSpBx->setValue(settings.MeanForPercSignalTo);
     extraLines_ = settings.extraLines;
@@ -172,7 +178,7 @@ DecoderSettings BOLDDecodingSettingsDlg::readSettings() const {
     settings.HelperVOIsMode = ui_->UseTaskAndSMAVOIsOp->isChecked() ? HelperVOIs::Both
                               : ui_->UseOnlyTaskVOIsOp->isChecked() ? HelperVOIs::OnlyTasks
                                                                     : HelperVOIs::OnlyHelpers;
-    settings.CorrBetaTau = float(ui_->CorrBetaTauDSpBx->value());
+    settings.CorrBetaTau = tau_;
     settings.MeanForPercSignalFrom = ui_->MeanForPercSignalFromSpBx->value();
     settings.MeanForPercSignalTo = ui_->MeanForPercSignalToSpBx->value();
     settings.extraLines = extraLines_;
@@ -180,31 +186,30 @@ DecoderSettings BOLDDecodingSettingsDlg::readSettings() const {
 }
 
 std::optional<TaskWeights> BOLDDecodingSettingsDlg::readWeights() {
-    QString text = QStringLiteral("FileVersion: 1\nNrOfTasks: %1\nNrOfVOIs: %2\n")
-                       .arg(LetterCode::nrOfTasks)
-                       .arg(nrOfDecoderROIs);
-    for (int row = 0; row < LetterCode::nrOfTasks; ++row)
-        for (int column = 0; column < nrOfDecoderROIs; ++column)
-            text += ui_->TaskVOIWeightsTable->item(row, column)->text() + ' ';
-    std::optional<TaskWeights> weights = parseWeights(text);
-    if (!weights) {
-        showWarning("Each weight of a VOI must be a number, with a point before its decimals.");
-        ui_->TaskVOIWeightsTable->setFocus();
-    }
-    return weights;
+    WeightCells cells;
+    for (size_t task = 0; task < cells.size(); ++task)
+        for (size_t roi = 0; roi < cells[task].size(); ++roi)
+            cells[task][roi] = ui_->TaskVOIWeightsTable->item(int(task), int(roi))->text();
+    const TypedWeights typed = typedWeights(cells);
+    if (typed.fault.isEmpty())
+        return typed.weights;
+    showWarning(typed.fault);
+    ui_->TaskVOIWeightsTable->setFocus();
+    return std::nullopt;
 }
 
 void BOLDDecodingSettingsDlg::selectIdealResponsesRTCFile() {
     chooseFileToOpen(
         "Select RTC file with 9 ideal responses", ui_->IdealResponsesRTCFileEd->text(),
-        curvesFilter, [this](const QString& path) { ui_->IdealResponsesRTCFileEd->setText(path); },
-        &chooser_);
+        rtcFilesFilter,
+        [this](const QString& path) { ui_->IdealResponsesRTCFileEd->setText(path); }, &chooser_);
 }
 
 void BOLDDecodingSettingsDlg::selectOfflineRTCFile() {
+    // The title is prescribed; a file may have up to 6.
     chooseFileToOpen(
-        "Select RTC file with 3 or 4 VOI time courses", ui_->OfflineRTCFileEd->text(), curvesFilter,
-        [this](const QString& path) { takeOfflineFile(path); }, &chooser_);
+        "Select RTC file with 3 or 4 VOI time courses", ui_->OfflineRTCFileEd->text(),
+        rtcFilesFilter, [this](const QString& path) { takeOfflineFile(path); }, &chooser_);
 }
 
 void BOLDDecodingSettingsDlg::selectVOITimeCoursesRTCFile() {
@@ -311,8 +316,7 @@ void BOLDDecodingSettingsDlg::saveDefaultSettings() {
 
 void BOLDDecodingSettingsDlg::writeText(const QString& path, const QByteArray& text) {
     if (!writeFileAtomically(path, text))
-        showWarning(
-            QStringLiteral("ERROR: Can not open output file \"%1\" for writing.").arg(path));
+        showWarning(outputFileFault(path));
 }
 
 bool BOLDDecodingSettingsDlg::apply() {

@@ -66,6 +66,7 @@ private:
     CurvesSize sizeOfRun_;   ///< as it was shown last for the real-time analysis
     bool isOffline_ = false; ///< what is chosen
     QString shownFile_;      ///< the file whose numbers are shown
+    float tau_ = 0.0f;       ///< with all digits of a file, until another one is entered
     std::vector<float> extraLines_;
     OpenChooser chooser_;
 };

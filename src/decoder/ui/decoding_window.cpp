@@ -55,6 +55,10 @@ QString dataText(const SessionDecoder& decoder) {
                : QStringLiteral("\"Reload ROI Data\" begins anew  ·  ") + data;
 }
 
+QString helpersText(const LetterDecoder& decoder) {
+    return decoder.isReady() ? missingHelpersNote(decoder.settings()) : QString();
+}
+
 QString scoresLabel(const DecoderSettings& settings) {
     if (settings.UseCorr && settings.UseBeta)
         return weightedSumLabel(settings) + u'\n' + multiplicationLabel() + ", below the sum";
@@ -82,6 +86,8 @@ BOLDDecodingMW::BOLDDecodingMW(SessionDecoder& decoder, QWidget* parent)
         field->setPalette(colors);
         field->setFont(numberFont(font(), letterFontFactor));
     }
+    for (QAction* action : findChildren<QAction*>())
+        toolTips_[action] = action->toolTip();
     connectActions();
     connectCurveActions();
     wrapToolTips(*this);
@@ -163,8 +169,7 @@ void BOLDDecodingMW::manageDataCurves() {
 
 void BOLDDecodingMW::fitGLMForLetter(int nrOfPoints, float* curve, float* reference, float& slope) {
     const auto points = size_t(std::max(nrOfPoints, 0));
-    float constant = 0.0f;
-    ::fitGLMForLetter(nrOfPoints, {curve, points}, {reference, points}, slope, constant);
+    slope = ::fitGLMForLetter({curve, points}, {reference, points}).slope;
 }
 
 void BOLDDecodingMW::runWithTimer() {
@@ -183,7 +188,7 @@ void BOLDDecodingMW::nextTR() {
 }
 
 void BOLDDecodingMW::slotPreparationMenuAboutToShow() {
-    ui_->EmpiricalFromVCOAction->setEnabled(decoder_.responsesHindrance().isEmpty());
+    setHindrance(*ui_->EmpiricalFromVCOAction, decoder_.responsesHindrance());
 }
 
 void BOLDDecodingMW::useOnlyCorrForComparisonWithIdealResponses() {
@@ -196,7 +201,7 @@ void BOLDDecodingMW::useCorrForShapeAndBetaForTaskSelection() {
 
 void BOLDDecodingMW::reloadROIDataForOfflineAnalysis() {
     timer_.stop();
-    (void)decoder_.reloadROIDataForOfflineAnalysis();
+    static_cast<void>(decoder_.reloadROIDataForOfflineAnalysis());
     refresh();
 }
 
@@ -214,7 +219,7 @@ void BOLDDecodingMW::refresh() {
     refreshLetters();
     refreshActions();
     QStringList state{decoderStateText(decoder_.decoder()), decoder_.dataHindrance(),
-                      decoder_.fault(), dataText(decoder_)};
+                      helpersText(decoder_.decoder()), decoder_.fault(), dataText(decoder_)};
     state.removeAll({});
     ui_->StatusBar->showMessage(state.join("  ·  "));
 }
@@ -230,7 +235,7 @@ void BOLDDecodingMW::refreshReferences() {
     for (int reference = 0; reference < LetterCode::nrOfReferences; ++reference) {
         ReferencePlot& plot = *references_[size_t(reference)];
         plot.setContent(
-            referencePlotContent(settings, reference, decoder_.references()[size_t(reference)]));
+            referencePlotContent(settings, reference, decoder.references()[size_t(reference)]));
         std::optional<std::array<TaskMark, LetterCode::nrOfTasks>> marks;
         if (decoder.latest())
             marks = marksOf(*decoder.latest(), reference, settings.UseCorr && settings.UseBeta);
@@ -251,17 +256,26 @@ void BOLDDecodingMW::refreshLetters() {
     }
 }
 
+void BOLDDecodingMW::setHindrance(QAction& action, const QString& hindrance) {
+    action.setEnabled(hindrance.isEmpty());
+    action.setToolTip(hindrance.isEmpty() ? toolTips_.value(&action) : hindrance);
+}
+
 void BOLDDecodingMW::refreshActions() {
     const DecoderSettings& settings = decoder_.decoder().settings();
-    const bool mayGo = decoder_.letterHindrance().isEmpty() && !timer_.isActive();
+    const bool plays = timer_.isActive();
+    const QString ofLetters =
+        plays ? QStringLiteral("Not while the timer runs") : decoder_.letterHindrance();
     for (QAction* action :
          {ui_->NextLetterAction, ui_->PreviousLetterAction, ui_->ProcessLetterAction})
-        action->setEnabled(mayGo);
-    ui_->RunWithTimerAction->setEnabled(timer_.isActive() || decoder_.mayPlay());
-    ui_->RunWithTimerAction->setChecked(timer_.isActive());
-    ui_->ReloadROIDataAction->setEnabled(decoder_.isOffline());
+        setHindrance(*action, ofLetters);
+    setHindrance(*ui_->RunWithTimerAction, plays ? QString() : decoder_.playHindrance());
+    ui_->RunWithTimerAction->setChecked(plays);
+    setHindrance(*ui_->ReloadROIDataAction, decoder_.reloadHindrance());
     ui_->ABCDModeAction->setChecked(settings.ABCDMode);
-    ui_->ABCDModeAction->setEnabled(settings.UseCorr && settings.UseBeta);
+    setHindrance(*ui_->ABCDModeAction, settings.UseCorr && settings.UseBeta
+                                           ? QString()
+                                           : QStringLiteral("Four letters need both scores"));
     ui_->OnlyCorrAction->setChecked(settings.UseCorr && !settings.UseBeta);
     ui_->CorrAndBetaAction->setChecked(settings.UseCorr && settings.UseBeta);
 }

@@ -5,6 +5,7 @@
 #include "decoder/ui/decoding_plots.h"
 #include "run/session/session_decoder.h"
 
+#include <QHash>
 #include <QMainWindow>
 #include <QTimer>
 #include <memory>
@@ -66,6 +67,8 @@ private:
     void connectCurveActions();
     void showInDataPlot(ShownROIs shown);
     void refreshActions();
+    /// Empty: the action is possible, and has its own tool tip.
+    void setHindrance(QAction& action, const QString& hindrance);
     void refreshPlots();
     void refreshReferences();
     void refreshLetters();
@@ -74,6 +77,7 @@ private:
     const std::unique_ptr<Ui::BOLDDecodingMW> ui_;
     std::array<QCheckBox*, nrOfDecoderROIs> dataCurves_;
     std::array<ReferencePlot*, LetterCode::nrOfReferences> references_;
+    QHash<const QAction*, QString> toolTips_; ///< of actions that are possible
     ShownROIs shown_ = 0b111111;
     QTimer timer_{this};
 };

@@ -8,12 +8,6 @@
 
 #include <QDir>
 
-namespace {
-
-const QString curvesFilter = QStringLiteral("RTC files (*.rtc)");
-
-} // namespace
-
 CreateEmpiricalResponsesDlg::CreateEmpiricalResponsesDlg(SessionDecoder& decoder,
                                                          EmpiricalSource source, QWidget* parent)
     : EditDialog(parent), decoder_(decoder), source_(source),
@@ -26,7 +20,7 @@ CreateEmpiricalResponsesDlg::CreateEmpiricalResponsesDlg(SessionDecoder& decoder
              ui_->ProtocolFileLbl, ui_->ProtocolFileEd, ui_->SelectProtocolFileBtn})
         part->setVisible(source_ == EmpiricalSource::Files);
     connect(ui_->SelectDataRTCFileBtn, &QPushButton::clicked, this, [this] {
-        browse(*ui_->DataRTCFileEd, "Select RTC file with VOI time courses", curvesFilter);
+        browse(*ui_->DataRTCFileEd, "Select RTC file with VOI time courses", rtcFilesFilter);
     });
     connect(ui_->SelectProtocolFileBtn, &QPushButton::clicked, this, [this] {
         browse(*ui_->ProtocolFileEd, "Select protocol file", "Protocol files (*.prt)");
@@ -67,7 +61,7 @@ void CreateEmpiricalResponsesDlg::proposeFiles() {
 void CreateEmpiricalResponsesDlg::browseResponses() {
     chooseFileToSave(
         "Select RTC file for the empirical responses", ui_->IdealResponsesFileEd->text(),
-        curvesFilter, [this](const QString& path) { ui_->IdealResponsesFileEd->setText(path); },
+        rtcFilesFilter, [this](const QString& path) { ui_->IdealResponsesFileEd->setText(path); },
         &chooser_);
 }
 

@@ -9,10 +9,9 @@
 #include "classify/svm_model_file.h"
 #include "classify/trial_settings_file.h"
 #include "classify/voxels_file.h"
-#include "run/document/qt_cortivo_doc.h"
 #include "run/document/session_phase.h"
 #include "run/session/classifier_records.h"
-#include "run/settings/run_settings.h"
+#include "run/session/target_folder.h"
 
 #include <QDir>
 
@@ -60,13 +59,9 @@ void SessionClassifier::setOptions(const LiveOptions& options) {
     recordChoices();
 }
 
-QString SessionClassifier::targetFolder() const {
-    const bool ofRun = document_ && !document_->project.targetFolder.isEmpty();
-    return ofRun ? document_->project.targetFolder : parts_.settings.TargetFolder;
-}
-
 TrainingFiles SessionClassifier::findTrainingFiles() const {
-    QStringList folders{targetFolder(), paths::folderWithSlash(modelPath_)};
+    QStringList folders{targetFolderOf(document_, parts_.settings),
+                        paths::folderWithSlash(modelPath_)};
     folders.removeAll(QString());
     return readTrainingFiles(folders);
 }

@@ -2,19 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "decoder/decoder_files.h"
-#include "decoder/empirical_responses.h"
 #include "decoder/letter_decoder.h"
-#include "run/loop/feedback_files.h"
 #include "run/loop/run_listeners.h"
+#include "run/session/decoded_run.h"
+#include "run/session/decoder_output.h"
+#include "run/session/decoder_preparation.h"
 #include "run/session/decoder_records.h"
 
-#include <QImage>
-#include <QString>
-
 class SessionPhase;
-struct RunReport;
-struct RunSettings;
 
 /// What shows the decoder: its window.
 class DecoderScreen {
@@ -28,20 +23,10 @@ public:
     [[nodiscard]] virtual QImage windowPicture() = 0;
 };
 
-/// What the operator prepares: settings, and the files with references and, offline, the data.
-struct DecoderPreparation {
-    DecoderSettings settings = defaultDecoderSettings(); ///< weights as entered, not yet scaled
-    /// Without a folder it is looked for in the target folder, then among those of the program. Its
-    /// curves must have IdealResponseWindowSize points.
-    QString referencesPath = idealResponsesFileName;
-    bool offline = false;
-    /// Offline: the curves. Of the file the first NrOfDataROIs and NrOfTimePoints of the settings
-    /// are decoded; it must have them.
-    QString dataPath;
-};
-
 /// A member of the session. While its window is open it takes the step of each volume, decodes the
-/// letter that is due, and writes log, letters and pictures. Offline it decodes a file of curves.
+/// letter that is due, and writes log, letters and pictures. Offline it decodes a file of curves; a
+/// run that is measured beside it gives nothing, not even pictures of the letter display, since who
+/// polls for those would get the letters of the file.
 ///
 /// Letters that became due while the window was closed, or while the run had too few regions, are
 /// decoded at the next volume, without pictures. What volumes gave that are played in a recovery,
@@ -67,7 +52,7 @@ public:
     /// decoder works offline.
     [[nodiscard]] DecoderPreparation preparation() const;
     /// What the run has: its ROIs, all that can be decoded before any are known, and its volumes.
-    [[nodiscard]] CurvesSize sizeOfRun() const;
+    [[nodiscard]] CurvesSize sizeOfRun() const { return run_.size(); }
     /// Where the sample message belongs.
     void setSampleFolder(const QString& folder) { sampleFolder_ = folder; }
     /// The file of the sample message, as sampleMessagePath() has it.
@@ -91,13 +76,17 @@ public:
     [[nodiscard]] QString letterHindrance() const;
     /// What keeps any letter from being decoded, also during a run; empty when nothing does.
     [[nodiscard]] QString dataHindrance() const;
+    /// Why the timer has no volumes to take; empty when it has: offline those of the file that are
+    /// left; as long as nobody has tried to prepare anything and no run is in memory, those of the
+    /// sample message.
+    [[nodiscard]] QString playHindrance() const;
+    [[nodiscard]] bool mayPlay() const { return playHindrance().isEmpty(); }
+    /// Why there is nothing to reload; empty when there is.
+    [[nodiscard]] QString reloadHindrance() const;
     void goToNextLetter();
     void goToPreviousLetter();
     /// The current letter once more, whose result is appended again.
     void processCurrentLetterWindow();
-    /// Whether the timer has volumes to take: offline those of the file that are left; as long as
-    /// nobody has tried to prepare anything and no run is in memory, those of the sample message.
-    [[nodiscard]] bool mayPlay() const;
     /// The timer begins: prepares the sample message, with default settings, where it is what will
     /// be played. False where nothing can be played, after a message if the sample is at fault.
     [[nodiscard]] bool beginPlaying();
@@ -108,13 +97,9 @@ public:
     [[nodiscard]] const LetterDecoder& decoder() const { return decoder_; }
     /// What is decoded: of the run so far, or of the file.
     [[nodiscard]] const ROICurves& curves() const { return curves_; }
-    [[nodiscard]] const ReferenceCurves& references() const { return references_; }
-    [[nodiscard]] bool isOffline() const { return preparation_.offline; }
-    /// Where letters are logged: the target folder, or that of the data. Auto-Decoded.txt for data
-    /// without a name, else `_AUTODECODED_<name>.txt`.
-    [[nodiscard]] QString outputPath() const;
-    /// Pictures that could not be written, for the operator; empty when all is well.
-    [[nodiscard]] QString fault() const;
+    [[nodiscard]] bool isOffline() const { return sources_.offline; }
+    /// What could not be written, for the operator; empty when all is well.
+    [[nodiscard]] QString fault() const { return output_.fault(); }
 
     /// A free name for reference responses in the target folder, or before that is known beside
     /// these data; empty without either.
@@ -137,20 +122,12 @@ public:
     void recordPlayed(const RunRecord& record) override;
 
 private:
-    [[nodiscard]] QString targetFolder() const;
-    [[nodiscard]] QString outputFolder() const;
-    [[nodiscard]] bool writesOutput() const;
+    [[nodiscard]] DecoderPlace place() const;
     [[nodiscard]] bool offersSample() const;
-    [[nodiscard]] bool runIsInMemory() const;
-    [[nodiscard]] QString dataName() const;
-    [[nodiscard]] QString referencesPath() const;
-    [[nodiscard]] int pointsOfRun() const;
-    [[nodiscard]] bool isPrepared() const { return !references_[0].empty(); }
-    [[nodiscard]] bool runHasROIs() const;
-    bool loadReferencesOfPreparation();
-    bool loadData();
-    void writeScaledWeights();
-    void restart();
+    [[nodiscard]] QString fileHindrance() const;
+    [[nodiscard]] bool isPrepared() const { return !decoder_.references()[0].empty(); }
+    void logPrepared();
+    void restart(int nrOfTimePoints);
     void changeScores(bool useCorr, bool useBeta);
     [[nodiscard]] RecordedDecoder recordedPreparation() const;
     void recordPreparation();
@@ -159,29 +136,26 @@ private:
 
     void takeCurves(int volume);
     void takeMeasuredCurves();
-    void takeVolumes(const VolumeAtHand& hand);
-    void goTo(std::optional<LetterDecoding> (LetterDecoder::*step)(const ROICurves&));
-    void take(const std::optional<LetterDecoding>& decoding, bool withPicture);
-    bool appendToOutput(const QByteArray& text);
-    void savePicture(int letter);
-    bool writeResponses(const EmpiricalOptions& options, std::span<const std::vector<float>> curves,
-                        const StimulationProtocol& protocol, double TR, const QString& path);
+    std::optional<int> takeVolumes(const VolumeAtHand& hand);
+    std::optional<int> decodeCurrentLetter(bool played);
+    void showLetter(std::optional<int> letter);
+    bool createResponses(const EmpiricalOptions& options, const TrainingRun& run,
+                         const QString& path);
 
     Parts parts_;
     DecoderScreen* screen_ = nullptr;
-    QtCortivoDoc* document_ = nullptr;
-    DecoderPreparation preparation_;
+    DecodedRun run_;
+    DecoderSources sources_;
+    TaskWeights enteredWeights_ =
+        defaultTaskWeights(); ///< of which the decoder has the scaled ones
+    LetterDecoder decoder_;   ///< has the settings; references only where it is prepared
+    QString referencesFrom_;  ///< the file that they were read from, or could not be
+    ROICurves curves_;
     bool preparationTried_ = false;
     QString sampleFolder_;
     int preparedPoints_ = 0; ///< volumes of the run that it was prepared for
-    LetterDecoder decoder_;
-    ReferenceCurves references_; ///< empty unless it is prepared
-    QString referencesFrom_;     ///< the file that they were read from, or could not be
-    ROICurves curves_;
-    bool played_ = false; ///< the letter at hand became due at a volume that is played
-    int lastPlayed_ = -1; ///< volume
+    int lastPlayed_ = -1;    ///< volume
     bool preparationPlayed_ =
         false; ///< one was played for this run, whether it could be used or not
-    FeedbackFiles displays_;
-    FeedbackFiles pictures_;
+    DecoderOutput output_;
 };

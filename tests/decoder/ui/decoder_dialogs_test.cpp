@@ -39,6 +39,17 @@ protected:
     }
     void set(const char* name, int value) { find<QSpinBox>(name).setValue(value); }
     [[nodiscard]] const DecoderSettings& applied() { return session.decoder.decoder().settings(); }
+    /// Rest and nine tasks, one trial each: the onset of the first, volumes from each to the next.
+    static QString tenConditions(int first, int step) {
+        QString protocol =
+            "FileVersion: 2\nResolutionOfTime: Volumes\nExperiment: t\n"
+            "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 1 1 1\n"
+            "TimeCourseThick: 2\nReferenceFuncColor: 0 0 80\nReferenceFuncThick: 2\n"
+            "NrOfConditions: 10\n";
+        for (int i = 0; i < 10; ++i)
+            protocol += QString("C%1\n1\n%2 %2\nColor: 9 9 9\n").arg(i).arg(first + step * i);
+        return protocol;
+    }
     [[nodiscard]] QTableWidgetItem& weight(int task, int roi) {
         return *find<QTableWidget>("TaskVOIWeightsTable").item(task, roi);
     }
@@ -81,6 +92,7 @@ TEST_F(DecoderDialogs, HandOverWhatIsSet) {
     set("TimerIntervalSpBx", 50);
     set("SkipTimePointsAtBeginSpBx", 4);
     set("FullWindowSizeSpBx", 45);
+    set("IdealResponseWindowSizeSpBx", 38);
     set("SkipAtBeginSpBx", 2);
     set("SkipAtEndSpBx", -3);
     set("MeanForPercSignalFromSpBx", 1);
@@ -92,6 +104,7 @@ TEST_F(DecoderDialogs, HandOverWhatIsSet) {
     set("NrOfExtraLinesSpBx", 2);
     set("ExtraLineNrSpBx", 2);
     find<QDoubleSpinBox>("ExtraLineAtPointDSpBx").setValue(7.5);
+    EXPECT_TRUE(writeReferences(idealResponses(38, TR), path("own.rtc")));
     find<QLineEdit>("IdealResponsesRTCFileEd").setText(path("own.rtc"));
     click("OkBtn");
     DecoderSettings expected;
@@ -100,6 +113,7 @@ TEST_F(DecoderDialogs, HandOverWhatIsSet) {
     expected.TimerInterval = 50;
     expected.SkipTimePointsAtBegin = 4;
     expected.FullWindowSize = 45;
+    expected.IdealResponseWindowSize = 38;
     expected.SkipAtBeginOfWindow = 2;
     expected.SkipAtEndOfWindow = -3;
     expected.MeanForPercSignalFrom = 1;
@@ -138,12 +152,14 @@ TEST_F(DecoderDialogs, RefuseWhatDoesNotFit) {
         click(button);
     }
     set("SkipAtBeginSpBx", 3);
-    weight(0, 0).setText("1,5");
+    weight(0, 0).setText("1 0");
+    weight(0, 1).setText("");
     for (const char* button : {"OkBtn", "SaveWeightsBtn"}) {
-        messages.expectWarning("Each weight of a VOI must be a number*");
+        messages.expectWarning("The weight of VOI Task 1 for task 1 must be a number*");
         click(button);
     }
     weight(0, 0).setText("1");
+    weight(0, 1).setText("0");
     click("OfflineAnalysisOp");
     find<QLineEdit>("OfflineRTCFileEd").setText(path("none.rtc"));
     messages.expectInformation("INFO - Problem loading RTC file with VOI time courses!\n*");
@@ -198,6 +214,12 @@ TEST_F(DecoderDialogs, KeepWeightsAndSettingsInFiles) {
     EXPECT_EQ(find<QSpinBox>("FullWindowSizeSpBx").value(), 60);
     EXPECT_EQ(find<QSpinBox>("NrOfTimePointsSpBx").value(), 88); // not in the file
     EXPECT_TRUE(find<QAbstractButton>("UseOnlyTaskVOIsOp").isChecked());
+    // All digits of a file, which the box doesn't show.
+    put("a.bds", content("a.bds").replace("Tau:             0.5", "Tau:             0.333"));
+    messages.expectFileChoice("Load BDS File", path("a.bds"));
+    click("LoadDefaultSettingsBtn");
+    click("OkBtn");
+    EXPECT_EQ(applied().CorrBetaTau, 0.333f);
 }
 
 TEST_F(DecoderDialogs, ChooseReferencesAndData) {
@@ -217,6 +239,10 @@ TEST_F(DecoderDialogs, ChooseReferencesAndData) {
     EXPECT_EQ(numbers(), (CurvesSize{6, 465}));
     messages.expectFileChoice("Select RTC file with 3 or 4 VOI time courses", path("word.rtc"));
     dialog.selectVOITimeCoursesRTCFile();
+    EXPECT_EQ(file.text(), path("word.rtc"));
+    file.clear();
+    messages.expectFileChoice("Select RTC file with 3 or 4 VOI time courses", path("word.rtc"));
+    click("SelectOfflineRTCFileBtn");
     EXPECT_EQ(file.text(), path("word.rtc"));
     EXPECT_EQ(numbers(), (CurvesSize{6, 170}));
     for (const char* name : {"OfflineRTCFileEd", "TimerIntervalSpBx"})
@@ -262,14 +288,7 @@ TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
     EXPECT_EQ(find<QLineEdit>("IdealResponsesFileEd").text(), path("EmpiricalResponses-2.rtc"));
     messages.expectWarning("Choose all files of this dialog first.");
     click("OkBtn");
-    QString protocol = "FileVersion: 2\nResolutionOfTime: Volumes\nExperiment: t\n"
-                       "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 1 1 1\n"
-                       "TimeCourseThick: 2\nReferenceFuncColor: 0 0 80\nReferenceFuncThick: 2\n"
-                       "NrOfConditions: 10\n";
-    for (int i = 0; i < 10; ++i)
-        protocol +=
-            QString("C%1\n1\n%2 %3\nColor: 9 9 9\n").arg(i).arg(6 + 12 * i).arg(14 + 12 * i);
-    put("training.prt", protocol.toLatin1());
+    put("training.prt", tenConditions(6, 12).toLatin1());
     const struct {
         const char* button;
         const char* title;
@@ -316,11 +335,17 @@ TEST_F(DecoderDialogs, MakeResponsesOnlyOfARunWithRegions) {
     EXPECT_FALSE(find<QLineEdit>("DataRTCFileEd").isVisible());
     EXPECT_FALSE(find<QLineEdit>("ProtocolFileEd").isVisible());
     find<QLineEdit>("IdealResponsesFileEd").setText(path("made.rtc"));
-    messages.acceptAnything();
+    messages.expectInformation("There is no run in memory.");
     click("OkBtn");
-    EXPECT_EQ(messages.shown().size(), 1);
     EXPECT_TRUE(openResponses().isVisible());
-    EXPECT_FALSE(QFile::exists(path("made.rtc")));
     session.settings.TargetFolder.clear();
     EXPECT_EQ(session.decoder.proposedResponsesPath("/none/a.rtc"), "/none/EmpiricalResponses.rtc");
+    writeSession(32, 0, {}, tenConditions(2, 3));
+    session.runButtonPressed();
+    messages.expectWarning("WARNING - Can not create reference file: not enough ROIs.");
+    click("OkBtn");
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(session.regions.selectRectangle({i % 4, i, i + 2, i, i + 2}));
+    EXPECT_EQ(made().size(), 40u);
+    EXPECT_FALSE(openResponses().isVisible());
 }

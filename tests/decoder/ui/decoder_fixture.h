@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "decoder/ideal_responses.h"
 #include "decoder/ui/decoding_settings_dialog.h"
 #include "decoder/ui/decoding_window.h"
 #include "run/loop/session_fixture.h"

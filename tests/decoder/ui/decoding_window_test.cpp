@@ -56,13 +56,19 @@ TEST_F(DecodingWindow, HasTheTextsOfItsActions) {
 }
 
 TEST_F(DecodingWindow, NothingIsPossibleBeforeThePreparation) {
-    for (const char* name :
-         {"NextLetterAction", "PreviousLetterAction", "ProcessLetterAction", "ReloadROIDataAction"})
+    Q_EMIT find<QMenu>("PreparationMenu").aboutToShow();
+    for (const auto& [name, hindrance] :
+         {std::pair("NextLetterAction", "The decoding is not prepared"),
+          {"PreviousLetterAction", "The decoding is not prepared"},
+          {"ProcessLetterAction", "The decoding is not prepared"},
+          {"ReloadROIDataAction", "Only time courses of a file are reloaded"},
+          {"EmpiricalFromVCOAction", "There is no run in memory"}}) {
         EXPECT_FALSE(find<QAction>(name).isEnabled()) << name;
+        EXPECT_EQ(find<QAction>(name).toolTip(), hindrance);
+    }
+    EXPECT_TRUE(find<QAction>("RunWithTimerAction").toolTip().startsWith("Offline: decode"));
     EXPECT_TRUE(state().startsWith("The decoding is not prepared"));
     EXPECT_FALSE(find<Plotter>("DataPlotter").content().note.isEmpty());
-    Q_EMIT find<QMenu>("PreparationMenu").aboutToShow();
-    EXPECT_FALSE(find<QAction>("EmpiricalFromVCOAction").isEnabled());
 }
 
 TEST_F(DecodingWindow, TheTimerPlaysTheSampleAsLongAsNothingIsPrepared) {
@@ -119,7 +125,7 @@ TEST_F(DecodingWindow, TheReferencePlotsShowTheScoresInTheColoursOfTheRanks) {
     EXPECT_EQ(found.product, "0.89");
     trigger("OnlyCorrAction");
     EXPECT_FALSE(session.decoder.decoder().settings().UseBeta);
-    EXPECT_FALSE(find<QAction>("ABCDModeAction").isEnabled());
+    EXPECT_EQ(find<QAction>("ABCDModeAction").toolTip(), "Four letters need both scores");
     trigger("ProcessLetterAction");
     EXPECT_EQ(best.marks()->at(2).product, "");
     EXPECT_EQ(best.marks()->at(2).score, "1.00");
@@ -145,7 +151,7 @@ TEST_F(DecodingWindow, TheTimerTakesTheVolumesOfTheFile) {
     prepareOffline();
     decoding->runWithTimer();
     EXPECT_TRUE(find<QAction>("RunWithTimerAction").isChecked());
-    EXPECT_FALSE(find<QAction>("NextLetterAction").isEnabled());
+    EXPECT_EQ(find<QAction>("NextLetterAction").toolTip(), "Not while the timer runs");
     auto* timer = decoding->findChild<QTimer*>();
     EXPECT_EQ(timer->interval(), 200);
     EXPECT_TRUE(timer->isActive());
@@ -162,6 +168,9 @@ TEST_F(DecodingWindow, TheTimerTakesTheVolumesOfTheFile) {
     EXPECT_FALSE(timer->isActive());
     EXPECT_FALSE(find<QAction>("RunWithTimerAction").isChecked());
     EXPECT_FALSE(find<QAction>("RunWithTimerAction").isEnabled());
+    EXPECT_EQ(find<QAction>("RunWithTimerAction").toolTip(),
+              "All volumes of the file have been taken");
+    EXPECT_EQ(find<QAction>("NextLetterAction").toolTip(), "Decode the next letter");
     EXPECT_TRUE(state().contains("begins anew"));
 }
 

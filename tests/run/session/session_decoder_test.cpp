@@ -1,5 +1,6 @@
 // The letter decoder of a whole session: live, offline, by the operator's hand, and what it leaves.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/ideal_responses.h"
 #include "run/loop/simulated_session.h"
 #include "scanner_simulator/command_line.h"
 
@@ -25,7 +26,11 @@ public:
         lines += text;
         letters.emplace_back(session_.report.currentVolume, session_.phase.now());
     }
-    void refresh() override { shown_ = state(); }
+    int refreshes = 0;
+    void refresh() override {
+        ++refreshes;
+        shown_ = state();
+    }
     [[nodiscard]] QImage letterDisplay() override { return picture(9); }
     /// As wide as letters have been decoded: it is taken when the letter is on it.
     [[nodiscard]] QImage windowPicture() override {
@@ -150,6 +155,13 @@ TEST_F(SessionDecoderTest, ALetterComesOneVolumeAfterItsWindowOrAtTheEndOfTheRun
         screen.lines.clear();
         selectAt_ = test.selectAt;
         write(test.volumes);
+        int before = 0;
+        atVolume = [&](int volume) {
+            if (volume > test.selectAt + 1) {
+                EXPECT_EQ(screen.refreshes, before + 1) << volume;
+            }
+            before = screen.refreshes;
+        };
         session.runButtonPressed();
         std::vector<int> at;
         for (const auto& [volume, phase] : screen.letters)
@@ -202,9 +214,11 @@ TEST_F(SessionDecoderTest, AFileOfTheCurvesGivesTheLettersOfTheRun) {
     EXPECT_EQ(content("data/_AUTODECODED_run.one.txt"), lettersOfRun + lettersOfRun);
     EXPECT_EQ(pictures("BOLDDecoder-run.one-*").size(), 3);
 
-    // A run beside it is not decoded.
+    // A run beside it is not decoded, and gives no display of the file's letters.
+    QDir(path("feedback")).removeRecursively();
     runAgain();
     EXPECT_EQ(content(output_), lettersOfRun);
+    EXPECT_EQ(pictures("*"), QStringList());
     session.decoder.goToNextLetter();
     EXPECT_EQ(text(), QString(live[0]) + ' ' + live[4] + ' ' + live[8]);
 
@@ -229,6 +243,24 @@ TEST_F(SessionDecoderTest, AFileOfTheCurvesGivesTheLettersOfTheRun) {
         EXPECT_EQ(session.decoder.curves()[0].size(), 0u);
         EXPECT_FALSE(session.decoder.letterHindrance().isEmpty());
     }
+}
+
+TEST_F(SessionDecoderTest, AWindowThatIsNotMeasuredYetHasTheNumbersOfTheFile) {
+    Screen screen(session);
+    EXPECT_TRUE(writeReferences(idealResponses(12, 7000.0), path("results/own.rtc")));
+    DecoderPreparation preparation = own();
+    preparation.settings.IdealResponseWindowSize = 12; // 9 of which are compared
+    preparation.settings.MeanForPercSignalTo = 11;
+    ASSERT_TRUE(session.decoder.prepare(preparation));
+    session.runButtonPressed();
+    EXPECT_EQ(screen.letters.size(), 2u);
+    put("run.rtc", curvesText(session.decoder.curves(), 6));
+    preparation.offline = true;
+    preparation.dataPath = path("run.rtc");
+    ASSERT_TRUE(session.decoder.prepare(preparation));
+    while (session.decoder.nextTR())
+        ;
+    EXPECT_EQ(content("_AUTODECODED_run.txt"), content(output_));
 }
 
 TEST_F(SessionDecoderTest, TheSampleMessageIsPlayedWhereNothingElseCanBe) {
@@ -280,6 +312,8 @@ TEST_F(SessionDecoderTest, ARunNeedsThreeToSixRegionsAndThoseThatAreExpected) {
         ASSERT_TRUE(session.decoder.prepare(preparation));
         session.runButtonPressed();
         EXPECT_EQ(int(screen.letters.size()), letters);
+        EXPECT_EQ(screen.notes.filter("Helper ROI").size(), expected < 6);
+        screen.notes.clear();
         EXPECT_EQ(session.decoder.letterHindrance().isEmpty(), letters > 0);
         EXPECT_EQ(session.decoder.sizeOfRun(),
                   (CurvesSize{regions == 2 || regions == 7 ? 6 : regions, 32}));
@@ -340,7 +374,7 @@ TEST_F(SessionDecoderTest, TheOperatorGoesThroughTheLettersOfAFinishedRun) {
     ASSERT_TRUE(session.decoder.prepare(session.decoder.preparation()));
     EXPECT_EQ(session.decoder.curves()[0].size(), 32u);
     session.regions.removeAll();
-    EXPECT_EQ(session.decoder.letterHindrance(), "The run needs 6 to 6 ROIs");
+    EXPECT_EQ(session.decoder.letterHindrance(), "The run needs 6 ROIs");
     EXPECT_TRUE(screen.isCurrent());
     session.changeSettingsFile(path("other-1.vco"));
     EXPECT_EQ(session.decoder.letterHindrance(), "There is no run in memory");
@@ -367,6 +401,20 @@ TEST_F(SessionDecoderTest, AnOutputFileThatCanNotBeOpenedSkipsTheLetter) {
     EXPECT_EQ(session.decoder.decoder().currentLetter(), 2);
     EXPECT_EQ(pictures("BOLDDecoder-*"), QStringList("BOLDDecoder-test-1.png"));
     EXPECT_EQ(content("kept.txt"), screen.lines.toUtf8());
+}
+
+TEST_F(SessionDecoderTest, ALetterThatIsNotWrittenIsAFault) {
+    DecoderOutput output;
+    const DecoderPlace place{path("results"), {}};
+    ASSERT_TRUE(output.prepareLog(place));
+    EXPECT_TRUE(QFile::rename(path("results/Auto-Decoded.txt"), path("kept.txt")));
+    EXPECT_TRUE(QDir().mkpath(place.logPath()));
+    output.appendLetter(place, "A");
+    EXPECT_EQ(output.fault(), "Not written: \"" + path("results/Auto-Decoded.txt") + '"');
+    EXPECT_TRUE(QDir().rmdir(place.logPath()));
+    output.appendLetter(place, "B");
+    EXPECT_EQ(output.fault(), "");
+    EXPECT_EQ(content("results/Auto-Decoded.txt"), "B");
 }
 
 TEST_F(SessionDecoderTest, APlayedVolumeGivesNothingAgain) {

@@ -330,7 +330,7 @@ TEST_F(MainWindow, UnsavedRunsAreOfferedAtTheStartAndByTheMenu) {
 }
 
 TEST_F(MainWindow, TheDecoderGoesBeforeTheSessionThatItWorksOn) {
-    window_->slotShowBOLDDecoder();
+    choose("BOLD Decoder... ");
     EXPECT_TRUE(window_->session().decoder.isOpen());
     EXPECT_TRUE(control("BOLDDecodingMW").isVisible());
     window_.reset();
