@@ -25,9 +25,7 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
     session.classifier.chooseModel(path("one.svm"));
     put("curves.rtc", "NrOfRTCs: 3\nNrOfValues: 2\n" +
                           QByteArray("VOI\nA: 1 B: 2 C: 3 D: 4 E: 5 F: 6\n100\n101\n").repeated(3));
-    DecoderPreparation offline{.offline = true, .dataPath = path("curves.rtc")};
-    offline.settings.NrOfDataROIs = 3;
-    offline.settings.NrOfTimePoints = 2;
+    const DecoderPreparation offline = offlinePreparation(path("curves.rtc"));
     const auto starts = [this] { return display.calls.count("starting"); };
     // Does it, and tells whether anything came of it; and where something does.
     const std::tuple<const char*, std::function<bool()>, std::set<Phase>> operations[] = {
