@@ -1,5 +1,6 @@
 // Correct letters against contrast-to-noise, and what the decoder adds to the time of a volume.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/ideal_responses.h"
 #include "decoder/simulated_subject.h"
 #include "processor_time.h"
 #include "run/document/qt_cortivo_doc.h"
