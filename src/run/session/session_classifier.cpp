@@ -59,9 +59,12 @@ void SessionClassifier::setOptions(const LiveOptions& options) {
     recordChoices();
 }
 
+QString SessionClassifier::targetFolder() const {
+    return targetFolderOf(document_, parts_.settings);
+}
+
 TrainingFiles SessionClassifier::findTrainingFiles() const {
-    QStringList folders{targetFolderOf(document_, parts_.settings),
-                        paths::folderWithSlash(modelPath_)};
+    QStringList folders{targetFolder(), paths::folderWithSlash(modelPath_)};
     folders.removeAll(QString());
     return readTrainingFiles(folders);
 }

@@ -48,6 +48,7 @@ public:
     /// Does nothing while it predicts.
     void chooseModel(const QString& path);
     /// The folder to look for models in.
+    [[nodiscard]] QString targetFolder() const;
     /// Switches prediction on or off. It stays off, after a message, without a model that can be
     /// used.
     void toggleIncrementalPrediction();

@@ -41,8 +41,14 @@ bool SessionDecoder::prepare(const DecoderPreparation& preparation) {
     decoder_.begin(std::move(settings), std::move(data->references),
                    sources_.offline ? LetterDecoder::Source::File : LetterDecoder::Source::Run);
     curves_ = std::move(data->curves);
-    if (loaded)
+    if (loaded) {
         logPrepared();
+        output_.writeScaledWeights(place(), decoder_.settings().TaskVOIWeights);
+        if (!place().isWritable)
+            showInformation(QStringLiteral("The folder \"%1\" can't be written. The sample message "
+                                           "is decoded without files of its results.")
+                                .arg(sampleFolder_));
+    }
     takeMeasuredCurves();
     recordPreparation();
     refresh();
@@ -57,11 +63,6 @@ void SessionDecoder::logPrepared() {
                 .arg(sources_.dataPath));
     if (const QString note = missingHelpersNote(decoder_.settings()); !note.isEmpty())
         log(note);
-    output_.writeScaledWeights(place(), decoder_.settings().TaskVOIWeights);
-    if (!place().isWritable)
-        showInformation(QStringLiteral("The folder \"%1\" can't be written. The sample message is "
-                                       "decoded without files of its results.")
-                            .arg(sampleFolder_));
 }
 
 bool SessionDecoder::reloadROIDataForOfflineAnalysis() {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "decoder/curves_text.h"
 #include "decoder/ideal_responses.h"
 #include "decoder/ui/decoding_settings_dialog.h"
 #include "decoder/ui/decoding_window.h"
@@ -65,13 +66,7 @@ private:
                     references[size_t(code.reference)], curves[size_t(roi)].begin() + first,
                     [share](float value) { return 100 + share * (value - 100); });
         }
-        QByteArray text = "NrOfRTCs: 6\nNrOfValues: " + QByteArray::number(nrOfVolumes()) + '\n';
-        for (const std::vector<float>& curve : curves) {
-            text += "Title: VOI\nA: 1 B: 2 C: 3 D: 4 E: 5 F: 6\n";
-            for (const float value : curve)
-                text += QByteArray::number(double(value)) + '\n';
-        }
-        return text;
+        return curvesText(curves, curves.size());
     }
 
     const DecoderSettings settings_ = defaultDecoderSettings();

@@ -1,5 +1,6 @@
 // The letter decoder of a whole session: live, offline, by the operator's hand, and what it leaves.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "decoder/curves_text.h"
 #include "decoder/ideal_responses.h"
 #include "run/loop/simulated_session.h"
 #include "scanner_simulator/command_line.h"
@@ -60,18 +61,6 @@ private:
 /// Best letters, then second and third.
 QString lettersOf(const LetterDecoder& decoder) {
     return decoder.decodedText(0) + ' ' + decoder.decodedText(1) + ' ' + decoder.decodedText(2);
-}
-
-/// The first curves, as a file of curves.
-QByteArray curvesText(const ROICurves& curves, size_t count) {
-    QByteArray text = "NrOfRTCs: " + QByteArray::number(count) + "\nNrOfValues: ";
-    text += QByteArray::number(curves[0].size()) + '\n';
-    for (size_t i = 0; i < count; ++i) {
-        text += "Title: VOI\nA: 1 B: 2 C: 3 D: 4 E: 5 F: 6\n";
-        for (const float value : curves[i])
-            text += QByteArray::number(double(value), 'g', 9) + '\n';
-    }
-    return text;
 }
 
 } // namespace
