@@ -12,11 +12,16 @@
 #include "ui_decoding_window.h"
 
 #include <QActionGroup>
+#include <QEvent>
 #include <QSignalBlocker>
 
 namespace {
 
 constexpr QSize comfortableSize(1000, 700);
+/// In front of the main window, which messages and the end of a run raise; X11 keeps no other kind
+/// of window there.
+constexpr Qt::WindowFlags windowKind = Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                                       Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint;
 constexpr double logFontFactor = 0.8;
 constexpr double letterFontFactor = 1.4;
 
@@ -34,7 +39,8 @@ std::array<TaskMark, LetterCode::nrOfTasks> marksOf(const LetterDecoding& decodi
         marks[task] = {.color = rankColor(rankOf(decoding.best, {int(task), reference})),
                        .score = scoreText(decoding.score[row][task]),
                        .product = hasProducts ? scoreText(decoding.product[row][task]) : QString(),
-                       .isBest = decoding.bestReference[task] == reference};
+                       .isBest = decoding.bestReference[task] == reference &&
+                                 decoding.score[row][task] > RankedLetter::startScore};
     }
     return marks;
 }
@@ -64,7 +70,7 @@ QString scoresLabel(const DecoderSettings& settings) {
 } // namespace
 
 BOLDDecodingMW::BOLDDecodingMW(SessionDecoder& decoder, QWidget* parent)
-    : QMainWindow(parent, Qt::Window), decoder_(decoder),
+    : QMainWindow(parent, windowKind), decoder_(decoder),
       ui_(std::make_unique<Ui::BOLDDecodingMW>()) {
     ui_->setupUi(this);
     dataCurves_ = {ui_->DataCurve1Op, ui_->DataCurve2Op, ui_->DataCurve3Op,
@@ -272,6 +278,11 @@ QImage BOLDDecodingMW::letterDisplay() {
 
 QImage BOLDDecodingMW::windowPicture() {
     return grab().toImage();
+}
+
+// Menus would clear the state; no action has a status tip that could take its place.
+bool BOLDDecodingMW::event(QEvent* event) {
+    return event->type() == QEvent::StatusTip || QMainWindow::event(event);
 }
 
 void BOLDDecodingMW::showEvent(QShowEvent* event) {

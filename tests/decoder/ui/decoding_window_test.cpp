@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QStatusBar>
+#include <QStatusTipEvent>
 #include <QTest>
 
 class DecodingWindow : public DecoderFixture {
@@ -43,6 +44,7 @@ QStringList legends(const Plotter& plot) {
 
 TEST_F(DecodingWindow, HasTheTextsOfItsActions) {
     EXPECT_EQ(decoding->windowTitle(), "Decoding Of BOLD Letters");
+    EXPECT_EQ(decoding->windowType(), Qt::Dialog); // messages don't raise the main window over it
     QStringList texts;
     for (const QAction* action : decoding->findChildren<QAction*>())
         texts << action->text();
@@ -63,6 +65,9 @@ TEST_F(DecodingWindow, NothingIsPossibleBeforeThePreparation) {
     EXPECT_FALSE(find<Plotter>("DataPlotter").content().note.isEmpty());
     Q_EMIT find<QMenu>("PreparationMenu").aboutToShow();
     EXPECT_FALSE(find<QAction>("EmpiricalFromVCOAction").isEnabled());
+    QStatusTipEvent ofMenu{QString()}; // as the mouse on a menu sends it
+    QApplication::sendEvent(decoding, &ofMenu);
+    EXPECT_TRUE(state().startsWith("The decoding is not prepared"));
 }
 
 TEST_F(DecodingWindow, TheTimerPlaysTheSampleAsLongAsNothingIsPrepared) {
@@ -137,6 +142,11 @@ TEST_F(DecodingWindow, TheFourLetterModeFindsFourLetters) {
     auto& matrix = find<LetterMatrix>("LetterDisplay");
     EXPECT_TRUE(isBlank(matrix, 'I') && isBlank(matrix, 'Z'));
     EXPECT_FALSE(isBlank(matrix, 'A') || isBlank(matrix, 'Y'));
+    for (int plot = 1; plot <= LetterCode::nrOfReferences; ++plot) // the second task has no letter
+        EXPECT_FALSE(find<ReferencePlot>(QStringLiteral("ReferencePlot%1").arg(plot).toLatin1())
+                         .marks()
+                         ->at(1)
+                         .isBest);
     trigger("ABCDModeAction");
     EXPECT_FALSE(session.decoder.decoder().settings().ABCDMode);
 }
