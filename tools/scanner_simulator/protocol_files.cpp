@@ -88,13 +88,17 @@ QByteArray tdatContrastTable(const std::vector<SimulatedCondition>& conditions) 
 
 } // namespace
 
+QByteArray experimentName(const SimulationOptions& options) {
+    return options.hasTasks() ? experiment(options) : "Faces and houses";
+}
+
 QByteArray prtText(const ProtocolSource& source) {
     const std::vector<SimulatedCondition>& conditions = source.conditions;
     QByteArray text =
         "\nFileVersion:        2\n\n"
         "ResolutionOfTime:   Volumes\n\n"
         "Experiment:         " +
-        QByteArray(source.options.hasTasks() ? experiment(source.options) : "Faces and houses") +
+        experimentName(source.options) +
         "\n\n"
         "BackgroundColor:    0 0 0\n"
         "TextColor:          255 255 255\n\n"
