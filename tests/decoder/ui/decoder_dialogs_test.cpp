@@ -299,15 +299,15 @@ TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
         dialog.show();
     }
     EXPECT_TRUE(find<QPlainTextEdit>("LogEd").toPlainText().endsWith(path("made.rtc") + '"'));
-    // The shortest response ends 9 + 2 + 4 points behind its begin.
+    // The shortest response ends 9 + 4 points behind the onset.
     set("WindowTimePointsSpBx", 30);
     set("ShortestTaskDurationSpBx", 9);
     set("PreTrialBeginDataPointsSpBx", 2);
     set("PostTrialDataPointsSpBx", 4);
     const std::vector<float> response = made();
     ASSERT_EQ(response.size(), 30u);
-    EXPECT_NE(response[14], 100.0f);
-    EXPECT_TRUE(std::all_of(response.begin() + 15, response.end(),
+    EXPECT_NE(response[12], 100.0f);
+    EXPECT_TRUE(std::all_of(response.begin() + 13, response.end(),
                             [](float value) { return value == 100.0f; }));
 }
 

@@ -119,15 +119,16 @@ TEST_F(DecodingWindow, TheReferencePlotsShowTheScoresInTheColoursOfTheRanks) {
     const TaskMark found = best.marks()->at(2);
     EXPECT_EQ(found, (TaskMark{QColor(255, 20, 50), found.score, found.product, true}));
     EXPECT_EQ(best.marks()->at(0).color, QColor(200, 200, 200));
-    // Of the correlation, which is 1, and the normalized beta of the task's region, 1 / sqrt(1.25).
-    EXPECT_EQ(found.score, "0.95");
-    EXPECT_EQ(found.product, "0.89");
+    // Of the correlation, which is 1, and the normalized betas of the task's region and its helper,
+    // 1 / sqrt(1.25) and half of it, both weighted with 1 / sqrt(2).
+    EXPECT_EQ(found.score, "0.97");
+    EXPECT_EQ(found.product, "0.95");
     trigger("OnlyCorrAction");
     EXPECT_FALSE(session.decoder.decoder().settings().UseBeta);
     EXPECT_FALSE(find<QAction>("ABCDModeAction").isEnabled());
     trigger("ProcessLetterAction");
     EXPECT_EQ(best.marks()->at(2).product, "");
-    EXPECT_EQ(best.marks()->at(2).score, "1.00");
+    EXPECT_EQ(best.marks()->at(2).score, "1.41"); // two correlations of 1
     trigger("CorrAndBetaAction");
     EXPECT_TRUE(session.decoder.decoder().settings().UseBeta);
 }
@@ -161,7 +162,7 @@ TEST_F(DecodingWindow, TheTimerTakesTheVolumesOfTheFile) {
     EXPECT_TRUE(timer->isActive());
     decoding->nextTR();
     auto& matrix = find<LetterMatrix>("LetterDisplay");
-    EXPECT_EQ(matrix.stage(), 0);
+    EXPECT_EQ(matrix.stage(), -1) << "the cue";
     for (int volume = 1; volume < 12; ++volume)
         decoding->nextTR();
     EXPECT_EQ(matrix.stage(), 1);
