@@ -13,6 +13,7 @@
 
 #include <QActionGroup>
 #include <QEvent>
+#include <QScrollBar>
 #include <QSignalBlocker>
 
 namespace {
@@ -212,6 +213,9 @@ void BOLDDecodingMW::checkABCDMode() {
 
 void BOLDDecodingMW::log(const QString& text) {
     ui_->LogEd->appendPlainText(text);
+    // It would no longer follow once a first letter has brought the horizontal bar.
+    QScrollBar& bar = *ui_->LogEd->verticalScrollBar();
+    bar.setValue(bar.maximum());
 }
 
 void BOLDDecodingMW::refresh() {

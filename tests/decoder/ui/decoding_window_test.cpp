@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QStatusTipEvent>
 #include <QTest>
@@ -91,11 +92,15 @@ TEST_F(DecodingWindow, GoesFromLetterToLetter) {
     decoding->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(decoding));
     best.setFocus();
-    for (int i = 0; i < 4; ++i)
+    auto& log = find<QPlainTextEdit>("LogEd");
+    for (int i = 0; i < 4; ++i) {
+        log.verticalScrollBar()->setValue(0);
         QTest::keyClick(&best, Qt::Key_F6);
+    }
     EXPECT_EQ(decoded()[0], "VELO");
     EXPECT_EQ(decoded()[1].size(), 4);
-    EXPECT_TRUE(find<QPlainTextEdit>("LogEd").toPlainText().contains("\nRank 1: O ("));
+    EXPECT_TRUE(log.toPlainText().contains("\nRank 1: O ("));
+    EXPECT_EQ(log.verticalScrollBar()->value(), log.verticalScrollBar()->maximum());
     auto& matrix = find<LetterMatrix>("LetterDisplay");
     EXPECT_EQ(fillingOf(matrix, 'O'), QColor(255, 20, 50));
     EXPECT_EQ(fillingOf(matrix, decoded()[1].back()), QColor(50, 200, 50));
