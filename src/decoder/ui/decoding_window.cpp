@@ -20,9 +20,9 @@ namespace {
 
 constexpr QSize comfortableSize(1000, 700);
 /// In front of the main window, which messages and the end of a run raise; X11 keeps no other kind
-/// of window there.
+/// of window there. It can't be minimized, since window managers take the main window along.
 constexpr Qt::WindowFlags windowKind = Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
-                                       Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint;
+                                       Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint;
 constexpr double logFontFactor = 0.8;
 constexpr double letterFontFactor = 1.4;
 
