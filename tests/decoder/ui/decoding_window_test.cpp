@@ -66,9 +66,6 @@ TEST_F(DecodingWindow, NothingIsPossibleBeforeThePreparation) {
     EXPECT_FALSE(find<Plotter>("DataPlotter").content().note.isEmpty());
     Q_EMIT find<QMenu>("PreparationMenu").aboutToShow();
     EXPECT_FALSE(find<QAction>("EmpiricalFromVCOAction").isEnabled());
-    QStatusTipEvent ofMenu{QString()}; // as the mouse on a menu sends it
-    QApplication::sendEvent(decoding, &ofMenu);
-    EXPECT_TRUE(state().startsWith("The decoding is not prepared"));
 }
 
 TEST_F(DecodingWindow, TheTimerPlaysTheSampleAsLongAsNothingIsPrepared) {
@@ -179,6 +176,12 @@ TEST_F(DecodingWindow, TheTimerTakesTheVolumesOfTheFile) {
     EXPECT_FALSE(find<QAction>("RunWithTimerAction").isChecked());
     EXPECT_FALSE(find<QAction>("RunWithTimerAction").isEnabled());
     EXPECT_TRUE(state().contains("begins anew"));
+}
+
+TEST_F(DecodingWindow, MenusLeaveTheStateLine) {
+    QStatusTipEvent ofMenu{QString()}; // as the mouse on a menu sends it
+    QApplication::sendEvent(decoding, &ofMenu);
+    EXPECT_TRUE(state().startsWith("The decoding is not prepared"));
 }
 
 TEST_F(DecodingWindow, ChoosesTheCurvesOfTheDataPlot) {
