@@ -88,20 +88,23 @@ QByteArray tdatContrastTable(const std::vector<SimulatedCondition>& conditions) 
 
 } // namespace
 
+QByteArray experimentName(const SimulationOptions& options) {
+    return options.hasTasks() ? experiment(options) : "Faces and houses";
+}
+
 QByteArray prtText(const ProtocolSource& source) {
     const std::vector<SimulatedCondition>& conditions = source.conditions;
-    QByteArray text =
-        "\nFileVersion:        2\n\n"
-        "ResolutionOfTime:   Volumes\n\n"
-        "Experiment:         " +
-        QByteArray(source.options.hasTasks() ? experiment(source.options) : "Faces and houses") +
-        "\n\n"
-        "BackgroundColor:    0 0 0\n"
-        "TextColor:          255 255 255\n\n"
-        "TimeCourseColor:    255 255 255\n"
-        "TimeCourseThick:    3\n"
-        "ReferenceFuncColor: 80 80 80\n"
-        "ReferenceFuncThick: 2\n\n";
+    QByteArray text = "\nFileVersion:        2\n\n"
+                      "ResolutionOfTime:   Volumes\n\n"
+                      "Experiment:         " +
+                      experimentName(source.options) +
+                      "\n\n"
+                      "BackgroundColor:    0 0 0\n"
+                      "TextColor:          255 255 255\n\n"
+                      "TimeCourseColor:    255 255 255\n"
+                      "TimeCourseThick:    3\n"
+                      "ReferenceFuncColor: 80 80 80\n"
+                      "ReferenceFuncThick: 2\n\n";
     text += formatted("NrOfConditions:  %i\n", int(conditions.size()));
     for (const SimulatedCondition& condition : conditions) {
         text += '\n' + condition.name.toUtf8() + '\n';

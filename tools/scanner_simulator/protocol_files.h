@@ -12,6 +12,8 @@ struct ProtocolSource {
     const std::vector<SimulatedCondition>& conditions;
 };
 
+/// What is measured, for the operator.
+[[nodiscard]] QByteArray experimentName(const SimulationOptions& options);
 /// A protocol in volumes, complete (.prt).
 [[nodiscard]] QByteArray prtText(const ProtocolSource& source);
 

@@ -137,8 +137,8 @@ QByteArray voxelCharacters(const ScanGeometry& geometry,
 } // namespace
 
 RunDescription runDescription(const SimulationOptions& options, const ScanGeometry& geometry) {
-    return {"Faces and houses, simulated, run " + QString::number(options.run), options, geometry,
-            scannerFormat(options)};
+    return {experimentName(options) + ", simulated, run " + QString::number(options.run), options,
+            geometry, scannerFormat(options)};
 }
 
 QString settingsFileName(const SimulationOptions& options) {

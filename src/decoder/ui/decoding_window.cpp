@@ -12,11 +12,17 @@
 #include "ui_decoding_window.h"
 
 #include <QActionGroup>
+#include <QEvent>
+#include <QScrollBar>
 #include <QSignalBlocker>
 
 namespace {
 
 constexpr QSize comfortableSize(1000, 700);
+/// In front of the main window, which messages and the end of a run raise; X11 keeps no other kind
+/// of window there. It can't be minimized, since window managers take the main window along.
+constexpr Qt::WindowFlags windowKind = Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                                       Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint;
 constexpr double logFontFactor = 0.8;
 constexpr double letterFontFactor = 1.4;
 
@@ -34,7 +40,8 @@ std::array<TaskMark, LetterCode::nrOfTasks> marksOf(const LetterDecoding& decodi
         marks[task] = {.color = rankColor(rankOf(decoding.best, {int(task), reference})),
                        .score = scoreText(decoding.score[row][task]),
                        .product = hasProducts ? scoreText(decoding.product[row][task]) : QString(),
-                       .isBest = decoding.bestReference[task] == reference};
+                       .isBest = decoding.bestReference[task] == reference &&
+                                 decoding.score[row][task] > RankedLetter::startScore};
     }
     return marks;
 }
@@ -68,7 +75,7 @@ QString scoresLabel(const DecoderSettings& settings) {
 } // namespace
 
 BOLDDecodingMW::BOLDDecodingMW(SessionDecoder& decoder, QWidget* parent)
-    : QMainWindow(parent, Qt::Window), decoder_(decoder),
+    : QMainWindow(parent, windowKind), decoder_(decoder),
       ui_(std::make_unique<Ui::BOLDDecodingMW>()) {
     ui_->setupUi(this);
     dataCurves_ = {ui_->DataCurve1Op, ui_->DataCurve2Op, ui_->DataCurve3Op,
@@ -211,6 +218,9 @@ void BOLDDecodingMW::checkABCDMode() {
 
 void BOLDDecodingMW::log(const QString& text) {
     ui_->LogEd->appendPlainText(text);
+    // It would no longer follow once a first letter has brought the horizontal bar.
+    QScrollBar& bar = *ui_->LogEd->verticalScrollBar();
+    bar.setValue(bar.maximum());
 }
 
 void BOLDDecodingMW::refresh() {
@@ -286,6 +296,11 @@ QImage BOLDDecodingMW::letterDisplay() {
 
 QImage BOLDDecodingMW::windowPicture() {
     return grab().toImage();
+}
+
+// Menus would clear the state; no action has a status tip that could take its place.
+bool BOLDDecodingMW::event(QEvent* event) {
+    return event->type() == QEvent::StatusTip || QMainWindow::event(event);
 }
 
 void BOLDDecodingMW::showEvent(QShowEvent* event) {

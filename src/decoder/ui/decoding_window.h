@@ -59,6 +59,7 @@ public Q_SLOTS:
     void checkABCDMode();
 
 protected:
+    bool event(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 

@@ -7,7 +7,9 @@
 #include <QCheckBox>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QStatusBar>
+#include <QStatusTipEvent>
 #include <QTest>
 
 class DecodingWindow : public DecoderFixture {
@@ -43,6 +45,7 @@ QStringList legends(const Plotter& plot) {
 
 TEST_F(DecodingWindow, HasTheTextsOfItsActions) {
     EXPECT_EQ(decoding->windowTitle(), "Decoding Of BOLD Letters");
+    EXPECT_EQ(decoding->windowType(), Qt::Dialog); // messages don't raise the main window over it
     QStringList texts;
     for (const QAction* action : decoding->findChildren<QAction*>())
         texts << action->text();
@@ -92,11 +95,15 @@ TEST_F(DecodingWindow, GoesFromLetterToLetter) {
     decoding->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(decoding));
     best.setFocus();
-    for (int i = 0; i < 4; ++i)
+    auto& log = find<QPlainTextEdit>("LogEd");
+    for (int i = 0; i < 4; ++i) {
+        log.verticalScrollBar()->setValue(0);
         QTest::keyClick(&best, Qt::Key_F6);
+    }
     EXPECT_EQ(decoded()[0], "VELO");
     EXPECT_EQ(decoded()[1].size(), 4);
-    EXPECT_TRUE(find<QPlainTextEdit>("LogEd").toPlainText().contains("\nRank 1: O ("));
+    EXPECT_TRUE(log.toPlainText().contains("\nRank 1: O ("));
+    EXPECT_EQ(log.verticalScrollBar()->value(), log.verticalScrollBar()->maximum());
     auto& matrix = find<LetterMatrix>("LetterDisplay");
     EXPECT_EQ(fillingOf(matrix, 'O'), QColor(255, 20, 50));
     EXPECT_EQ(fillingOf(matrix, decoded()[1].back()), QColor(50, 200, 50));
@@ -144,6 +151,11 @@ TEST_F(DecodingWindow, TheFourLetterModeFindsFourLetters) {
     auto& matrix = find<LetterMatrix>("LetterDisplay");
     EXPECT_TRUE(isBlank(matrix, 'I') && isBlank(matrix, 'Z'));
     EXPECT_FALSE(isBlank(matrix, 'A') || isBlank(matrix, 'Y'));
+    for (int plot = 1; plot <= LetterCode::nrOfReferences; ++plot) // the second task has no letter
+        EXPECT_FALSE(find<ReferencePlot>(QStringLiteral("ReferencePlot%1").arg(plot).toLatin1())
+                         .marks()
+                         ->at(1)
+                         .isBest);
     trigger("ABCDModeAction");
     EXPECT_FALSE(session.decoder.decoder().settings().ABCDMode);
 }
@@ -173,6 +185,12 @@ TEST_F(DecodingWindow, TheTimerTakesTheVolumesOfTheFile) {
               "All volumes of the file have been taken");
     EXPECT_EQ(find<QAction>("NextLetterAction").toolTip(), "Decode the next letter");
     EXPECT_TRUE(state().contains("begins anew"));
+}
+
+TEST_F(DecodingWindow, MenusLeaveTheStateLine) {
+    QStatusTipEvent ofMenu{QString()}; // as the mouse on a menu sends it
+    QApplication::sendEvent(decoding, &ofMenu);
+    EXPECT_TRUE(state().startsWith("The decoding is not prepared"));
 }
 
 TEST_F(DecodingWindow, ChoosesTheCurvesOfTheDataPlot) {
