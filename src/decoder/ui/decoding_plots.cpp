@@ -22,8 +22,10 @@ PlotContent emptyContent(const DecoderSettings& settings) {
     return content;
 }
 
-void addCurves(PlotContent& content, const ROICurves& curves, ShownROIs shown) {
-    for (int roi = 0; roi < nrOfDecoderROIs; ++roi)
+// Curves of missing ROIs would only squeeze the others together.
+void addCurves(PlotContent& content, const DecoderSettings& settings, const ROICurves& curves,
+               ShownROIs shown) {
+    for (int roi = 0; roi < std::min(settings.NrOfDataROIs, nrOfDecoderROIs); ++roi)
         if (shown[size_t(roi)])
             content.curves.push_back({.legend = decoderROIName(roi),
                                       .color = roiColors[size_t(roi)],
@@ -62,7 +64,7 @@ PlotContent dataPlotContent(const LetterDecoder& decoder, const ROICurves& curve
         content.title = QStringLiteral("Window of letter %1").arg(latest->letter + 1);
         content.xLabel = "Point";
         content.yLabel = "% signal";
-        addCurves(content, latest->curves, shown);
+        addCurves(content, decoder.settings(), latest->curves, shown);
         return content;
     }
     PlotContent content;
@@ -74,7 +76,7 @@ PlotContent dataPlotContent(const LetterDecoder& decoder, const ROICurves& curve
     content.xLabel = "Volume";
     content.yLabel = "Signal";
     content.xStart = 1.0;
-    addCurves(content, curves, shown);
+    addCurves(content, decoder.settings(), curves, shown);
     return content;
 }
 

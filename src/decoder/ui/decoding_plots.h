@@ -15,7 +15,8 @@ using ShownROIs = std::bitset<nrOfDecoderROIs>;
 /// The rank of a code among the best three, from 0; -1 for none.
 [[nodiscard]] int rankOf(const std::array<RankedLetter, 3>& best, const LetterCode& code);
 
-/// The window of the latest letter in percent; before the first one the curves so far.
+/// The window of the latest letter in percent; before the first one the curves so far. Those of
+/// ROIs that aren't used are left out.
 [[nodiscard]] PlotContent dataPlotContent(const LetterDecoder& decoder, const ROICurves& curves,
                                           ShownROIs shown);
 /// A reference over the points that are compared.

@@ -219,6 +219,12 @@ TEST_F(DecodingWindow, ChoosesTheCurvesOfTheDataPlot) {
     EXPECT_EQ(legends(plot).size(), 5);
     trigger("ManageDataCurvesAction");
     EXPECT_FALSE(find<QCheckBox>("DataCurve2Op").isVisible());
+
+    DecoderPreparation ofThree = session.decoder.preparation();
+    ofThree.settings.NrOfDataROIs = 3;
+    ASSERT_TRUE(session.decoder.prepare(ofThree));
+    trigger("AllCurvesAction");
+    EXPECT_EQ(legends(plot).size(), 3) << "those of missing ROIs";
 }
 
 TEST_F(DecodingWindow, TheSlopeOfALetter) {
