@@ -1,0 +1,92 @@
+// Files of anatomies, and of what links them to a run.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fuzz/fuzz_target.h"
+#include "volume/anatomy/pos_file.h"
+#include "volume/anatomy/tal_file.h"
+#include "volume/anatomy/trf_file.h"
+#include "volume/anatomy/vmr_layout.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+QString textOf(std::span<const uint8_t> bytes) {
+    return QString::fromUtf8(QByteArrayView(bytes));
+}
+
+bool isFinite(const FMRPositionInfo& position) {
+    const auto finite = [](float value) { return std::isfinite(value); };
+    return std::ranges::all_of(position.sliceCenterFirst, finite) &&
+           std::ranges::all_of(position.sliceCenterLast, finite) &&
+           std::ranges::all_of(position.rowDirection, finite) &&
+           std::ranges::all_of(position.columnDirection, finite) && finite(position.fovRows) &&
+           finite(position.fovColumns);
+}
+
+// Anatomical volumes: what stands before and behind the voxels.
+bool vmr(std::span<const uint8_t> bytes) {
+    VMRHeader header;
+    const VMRStart start = parseVMRStart(bytes, header);
+    if (start.result != VMRParseResult::Good)
+        return false;
+    require(start.length <= std::min(bytes.size(), longestVMRStart), "the start lies in the file");
+    require(voxelsOfBlock(header) > 0, "no side is 0");
+    VMRHeader again;
+    const std::vector<uint8_t> written = vmrStartBytes(header);
+    if (header.hasExtendedHeader || !readsAsVersion(header.DimX))
+        require(parseVMRStart(written, again).result == VMRParseResult::Good &&
+                    again.DimX == header.DimX && again.DimY == header.DimY &&
+                    again.DimZ == header.DimZ &&
+                    again.hasExtendedHeader == header.hasExtendedHeader,
+                "a written start reads");
+    if (voxelsOfBlock(header) > bytes.size() - start.length)
+        return false;
+    const bool good = parseVMREnd(bytes.subspan(start.length + voxelsOfBlock(header)), header);
+    require(isFinite(header.position), "places are numbers");
+    require(good || header.position.positionInfoValid == 0, "a damaged end gives no place");
+    return good;
+}
+
+// Positions of slices.
+bool pos(std::span<const uint8_t> bytes) {
+    PositionFile file;
+    if (!parsePositions(textOf(bytes), file))
+        return false;
+    require(isFinite(file.position) && std::isfinite(file.sliceThickness) &&
+                std::isfinite(file.gapThickness),
+            "positions are numbers");
+    require(file.position.positionInfoValid == int(file.hasCentres()), "valid with centres");
+    return true;
+}
+
+// Transformations.
+bool trf(std::span<const uint8_t> bytes) {
+    TransformationFile file;
+    if (!parseTransformation(textOf(bytes), "fuzz_ACPC.trf", file))
+        return false;
+    TransformationFile again;
+    require(parseTransformation(
+                QString::fromUtf8(transformationText(file.matrices[0], "a", textOf(bytes))), "",
+                again) &&
+                again.hasMatrix,
+            "a written transformation reads");
+    constexpr double lastDecimal = 1e-16;
+    for (size_t i = 0; i < 16; ++i)
+        require(std::abs(double(again.matrices[0].at(i / 4, i % 4)) -
+                         double(file.matrices[0].at(i / 4, i % 4))) <= lastDecimal,
+                "no value changes");
+    return true;
+}
+
+// Reference points.
+bool tal(std::span<const uint8_t> bytes) {
+    TalairachPoints points;
+    return parseTalairachPoints(textOf(bytes), points);
+}
+
+} // namespace
+
+std::vector<FuzzTarget> anatomyTargets() {
+    return {{"vmr", vmr}, {"pos", pos}, {"trf", trf}, {"tal", tal}};
+}
