@@ -11,29 +11,20 @@
 
 namespace {
 
-constexpr Vector3 none{0, 0, 0};
-
 TEST(PositionFile, EachVersion) {
-    struct Row {
-        const char* file;
-        int version, system;
-        Vector3 first, last;
-    };
-    for (const auto& [name, version, system, first, last] :
-         {Row{"version1.pos", 1, 3, none, none}, Row{"version2.pos", 2, 2, none, none},
-          Row{"version3.pos", 3, 2, {-4.5f, 8, -20}, {1.5f, -2, 30.25f}}}) {
-        SCOPED_TRACE(name);
+    for (const auto& [version, system] : {std::pair{1, 3}, {2, 2}, {3, 2}}) {
+        SCOPED_TRACE(version);
         PositionFile file;
-        ASSERT_TRUE(parsePositions(corpusText(QString("pos/") + name), file));
-        EXPECT_EQ(file.version, version);
-        EXPECT_EQ(file.position.coordinateSystem, system);
-        EXPECT_EQ(file.position.positionInfoValid, version == 3);
-        EXPECT_EQ(file.position.sliceCenterFirst, first);
-        EXPECT_EQ(file.position.sliceCenterLast, last);
-        EXPECT_EQ(file.position.rowDirection, (Vector3{1, 0, 0}));
-        EXPECT_EQ(file.position.columnDirection, (Vector3{0, 0.6f, -0.8f}));
-        EXPECT_TRUE(file.rows == 128 && file.columns == 64 && file.position.fovRows == 256.0f &&
-                    file.position.fovColumns == 192.5f && file.sliceThickness == 3.0f &&
+        ASSERT_TRUE(parsePositions(corpusText(QString("pos/version%1.pos").arg(version)), file));
+        const FMRPositionInfo& position = file.position;
+        EXPECT_TRUE(file.version == version && position.coordinateSystem == system);
+        EXPECT_EQ(position.positionInfoValid, version == 3);
+        EXPECT_EQ(position.sliceCenterFirst, version < 3 ? Vector3{} : (Vector3{-4.5f, 8, -20}));
+        EXPECT_EQ(position.sliceCenterLast, version < 3 ? Vector3{} : (Vector3{1.5f, -2, 30.25f}));
+        EXPECT_EQ(position.rowDirection, (Vector3{1, 0, 0}));
+        EXPECT_EQ(position.columnDirection, (Vector3{0, 0.6f, -0.8f}));
+        EXPECT_TRUE(file.rows == 128 && file.columns == 64 && position.fovRows == 256.0f &&
+                    position.fovColumns == 192.5f && file.sliceThickness == 3.0f &&
                     file.gapThickness == 0.75f);
     }
 }
@@ -58,27 +49,31 @@ TEST(AnatomyTexts, CutOffAnywhere) {
                       [](const QString& text, TransformationFile& file) {
                           return parseTransformation(text, "a.trf", file);
                       });
+    PositionFile positions;
+    EXPECT_FALSE(parsePositions(corpusText("pos/huge_number.pos"), positions));
 }
 
 TEST(TransformationFile, EachForm) {
     struct Row {
-        const char* file;
+        const char* name;
         bool taken, first, second;
         int type, system, volumes;
+        float framed;
     };
-    for (const Row& row : {Row{"version5.trf", true, true, false, 2, 0, 0},
-                           {"version3.trf", true, false, false, 1, 1, 4},
-                           {"version4.trf", true, true, false, 1, 1, 4},
-                           {"two_matrices.trf", true, true, true, 1, 1, 4},
-                           {"one_of_two.trf", true, true, false, 1, 1, 4},
-                           {"brain_ACPC.trf", true, true, false, 2, 0, 0},
-                           {"other_format.trf", true, false, false, 2, 0, 0},
-                           {"version2.trf", false, false, false, 0, 2, 0},
-                           {"second_cut.trf", false, false, false, 0, 2, 0},
-                           {"not_a_number.trf", false, false, false, 0, 2, 0}}) {
-        SCOPED_TRACE(row.file);
+    for (const Row& row : {Row{"version5.trf", true, true, false, 2, 0, 0, 0},
+                           {"version3.trf", true, false, false, 1, 1, 4, 0},
+                           {"version4.trf", true, true, false, 1, 1, 4, 0},
+                           {"two_matrices.trf", true, true, true, 1, 1, 4, 0},
+                           {"one_of_two.trf", true, true, false, 1, 1, 4, 0},
+                           {"brain_ACPC.trf", true, true, false, 2, 0, 0, 0.5f},
+                           {"brain_aACPC.trf", true, true, false, 2, 0, 0, 0.5f},
+                           {"brain_TAL.trf", true, true, false, 2, 0, 0, 0},
+                           {"other_format.trf", true, false, false, 2, 0, 0, 0},
+                           {"version2.trf", false, false, false, 0, 2, 0, 0},
+                           {"not_a_number.trf", false, false, false, 0, 2, 0, 0}}) {
+        SCOPED_TRACE(row.name);
         TransformationFile file;
-        EXPECT_EQ(parseTransformation(corpusText(QString("trf/") + row.file), row.file, file),
+        EXPECT_EQ(parseTransformation(corpusText(QString("trf/") + row.name), row.name, file),
                   row.taken);
         EXPECT_TRUE(file.hasMatrix == row.first && file.hasSecondMatrix == row.second);
         EXPECT_TRUE(file.TransformationType == row.type && file.CoordinateSystem == row.system &&
@@ -86,30 +81,15 @@ TEST(TransformationFile, EachForm) {
         EXPECT_EQ(file.matrices[0].at(1, 3), row.first ? -12345.6748046875f : 0.0f);
         EXPECT_EQ(file.matrices[0].at(2, 1), row.first ? 2.25f : 0.0f);
         EXPECT_EQ(file.matrices[1].at(1, 3), row.second ? 8.0f : 0.0f);
+        EXPECT_EQ(file.framingCube ? file.framingCube->value : 0.0f, row.framed);
     }
-}
-
-TEST(TransformationFile, TheNameDecidesOnTheFramingCube) {
-    const QString text = corpusText("trf/brain_ACPC.trf");
-    for (const char* name : {"a_ACPC.trf", "/b/a_aACPC.trf"}) {
-        TransformationFile file;
-        ASSERT_TRUE(parseTransformation(text, name, file) && file.framingCube) << name;
-        EXPECT_TRUE(file.framingCube->side == 384 && file.framingCube->value == 0.5f) << name;
-    }
-    TransformationFile file;
-    EXPECT_TRUE(parseTransformation(text, "a_TAL.trf", file) && !file.framingCube);
 }
 
 TEST(TransformationFile, IsWrittenByteForByte) {
-    C3dMatrix matrix;
-    matrix.at(0, 3) = 0.1f;
-    matrix.at(1, 1) = -0.5f;
-    matrix.at(1, 2) = 1e-7f;
-    matrix.at(1, 3) = -12345.675f;
-    matrix.at(2, 1) = 2.25f;
-    matrix.at(2, 3) = 3.0f;
-    EXPECT_EQ(QString(transformationText(matrix, "a b.fmr", "\"c\".vmr")),
-              corpusText("trf/version5.trf"));
+    const QString text = corpusText("trf/version5.trf");
+    TransformationFile file;
+    ASSERT_TRUE(parseTransformation(text, "", file));
+    EXPECT_EQ(QString(transformationText(file.matrices[0], "a b.fmr", "\"c\".vmr")), text);
 }
 
 TEST(TalairachFile, EachVersion) {
@@ -128,29 +108,21 @@ TEST(TalairachFile, EachVersion) {
 }
 
 TEST(AnatomyTexts, MessagesOfFilesThatCannotBeRead) {
-    const QTemporaryDir folder;
-    const QString& path = folder.path(); // a folder is no file
+    const QTemporaryDir folder; // a folder is no file
     const QString cut = folder.filePath("cut");
     writeFile(cut, "FileVersion: 4 1 2");
-    const QString damaged =
-        "ERROR: The %1 file \"%2\" is damaged: it ends too early, or has no number where one "
-        "belongs !";
     ScriptedMessages messages;
-    messages.expectWarning(QString("ERROR: Can not open POS file: \"%1\" !").arg(path));
-    messages.expectWarning(QString("ERROR: Can not open TAL file \"%1\" !").arg(path));
-    messages.expectWarning(QString("ERROR: Can not open TRF file: \"%1\" !").arg(path));
-    messages.expectWarning(damaged.arg("POS", cut));
-    messages.expectWarning(damaged.arg("TAL", cut));
+    messages.expectWarning("ERROR: Can not open POS file: \"" + folder.path() + "\" !");
+    messages.expectWarning("ERROR: Can not open TAL file \"" + folder.path() + "\" !");
+    messages.expectWarning("ERROR: The POS file \"" + cut + "\" is damaged: *");
+    messages.expectWarning("ERROR: The TAL file \"" + cut + "\" is damaged: *");
+    messages.expectWarning("ERROR: Can not open TRF file: \"" + folder.path() + "\" !");
     PositionFile positions;
     TalairachPoints points;
     TransformationFile transformation;
-    EXPECT_FALSE(readPositionFile(path, positions));
-    EXPECT_FALSE(readTalairachFile(path, points));
-    EXPECT_FALSE(readTransformationFile(path, transformation));
-    EXPECT_FALSE(readPositionFile(cut, positions));
-    EXPECT_FALSE(readTalairachFile(cut, points));
-    EXPECT_FALSE(parsePositions(corpusText("pos/huge_number.pos"), positions));
-    EXPECT_FALSE(parseTalairachPoints(corpusText("tal/seven_points.tal"), points));
+    for (const QString& path : {folder.path(), cut})
+        EXPECT_TRUE(!readPositionFile(path, positions) && !readTalairachFile(path, points));
+    EXPECT_FALSE(readTransformationFile(folder.path(), transformation));
 }
 
 } // namespace

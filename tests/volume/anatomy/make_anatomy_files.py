@@ -93,16 +93,15 @@ save("version3.trf", "FileVersion: 3\n" + OTHER)
 save("version4.trf", MATRIX_HEAD.format(4) + OTHER + "Flag: 1\n")
 save("two_matrices.trf", MATRIX_HEAD.format(5) + OTHER + "Flag: 1\nMatrices: 1\n" + SECOND)
 save("one_of_two.trf", MATRIX_HEAD.format(5) + OTHER + "Flag: 1\nMatrices: 0\n")
-save("second_cut.trf", MATRIX_HEAD.format(5) + OTHER + "Flag: 1\nMatrices: 1\n" + SECOND[:30])
-save("brain_ACPC.trf", MATRIX_HEAD.format(6) + "TransformationType: 2\nCoordinateSystem: 0\n"
-     + "ACPCVMRFramingCube: 384\nResolution: 0.5\n")
+for space in ["ACPC", "aACPC", "TAL"]:
+    save(f"brain_{space}.trf", MATRIX_HEAD.format(6) + "TransformationType: 2\nCoordinateSystem: 0\n"
+         + "ACPCVMRFramingCube: 384\nResolution: 0.5\n")
 save("other_format.trf", "FileVersion: 4\nDataFormat: Parameters\nType: 2\nSystem: 0\n")
 save("not_a_number.trf", MATRIX_HEAD.format(5).replace("12345", "nan")
      + "TransformationType: 2\nCoordinateSystem: 0\n")
 
-NAMES = ["AC", "PC", "AP", "PP", "SP", "IP", "RP", "LP"]
+NAMES = ["AC", "PC", "AP", "PP", "SP", "IP", "LP", "RP"]
 POINTS = "".join(f"{name}: {i + 1} {10 * i} {-i}\n" for i, name in enumerate(NAMES))
 save("version1.tal", "VMRFile: my first brain.vmr \n" + POINTS)
 save("version1_stated.tal", "FileVersion: 1\nVMRFile: my first brain.vmr\n" + POINTS)
 save("version2.tal", '\nFileVersion: 2\nVMRFile: "my brain.vmr"\n' + POINTS + "Cube: 256\nVoxel: 1.0\n")
-save("seven_points.tal", "VMRFile: brain.vmr\n" + POINTS.rsplit("LP", 1)[0])
