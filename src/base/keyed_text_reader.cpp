@@ -64,7 +64,8 @@ QString KeyedTextReader::quotedAfter(const char* key) {
     constexpr int longest = 4096; // the names of files can be paths
     pass(key);
     QString text;
-    if (good() && !readDelimitedStringInLine('"', text, stream_, longest))
+    if (good() &&
+        (!readDelimitedStringInLine('"', text, stream_, longest + 1) || text.size() > longest))
         fail(QStringLiteral("no text in double quotes"));
     return text;
 }

@@ -138,6 +138,7 @@ QImage indexedImage(const QImage& image, const std::vector<uint8_t>& entries) {
     QImage indexed(image.size(), QImage::Format_Indexed8);
     if (colored.isNull() || indexed.isNull())
         return {};
+    std::fill_n(indexed.bits(), indexed.sizeInBytes(), uchar(0)); // also what fills up the rows
     constexpr int dotsPerMetre = 2835; // stated, as the default depends on the screen
     indexed.setDotsPerMeterX(dotsPerMetre);
     indexed.setDotsPerMeterY(dotsPerMetre);
