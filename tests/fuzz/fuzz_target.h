@@ -21,6 +21,7 @@ struct FuzzTarget {
 [[nodiscard]] std::vector<FuzzTarget> decoderTargets();
 [[nodiscard]] std::vector<FuzzTarget> pluginTargets();
 [[nodiscard]] std::vector<FuzzTarget> anatomyTargets();
+[[nodiscard]] std::vector<FuzzTarget> sliceSpaceTargets();
 
 /// All of them, for the fuzzer and the test alike.
 [[nodiscard]] inline std::vector<FuzzTarget> allTargets() {
@@ -28,6 +29,7 @@ struct FuzzTarget {
     for (const auto& targets :
          {imageHeaderTargets(), textFileTargets(), journalTargets(), modelFileTargets(),
           classificationTargets(), decoderTargets(), pluginTargets(), anatomyTargets()})
+          classificationTargets(), decoderTargets(), pluginTargets(), sliceSpaceTargets()})
         all.insert(all.end(), targets.begin(), targets.end());
     return all;
 }
