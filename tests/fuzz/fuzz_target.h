@@ -22,6 +22,7 @@ struct FuzzTarget {
 [[nodiscard]] std::vector<FuzzTarget> pluginTargets();
 [[nodiscard]] std::vector<FuzzTarget> anatomyTargets();
 [[nodiscard]] std::vector<FuzzTarget> sliceSpaceTargets();
+[[nodiscard]] std::vector<FuzzTarget> niftiTargets();
 
 /// All of them, for the fuzzer and the test alike.
 [[nodiscard]] inline std::vector<FuzzTarget> allTargets() {
@@ -30,6 +31,7 @@ struct FuzzTarget {
          {imageHeaderTargets(), textFileTargets(), journalTargets(), modelFileTargets(),
           classificationTargets(), decoderTargets(), pluginTargets(), anatomyTargets()})
           classificationTargets(), decoderTargets(), pluginTargets(), sliceSpaceTargets()})
+          classificationTargets(), decoderTargets(), pluginTargets(), niftiTargets()})
         all.insert(all.end(), targets.begin(), targets.end());
     return all;
 }
