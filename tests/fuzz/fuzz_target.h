@@ -29,9 +29,8 @@ struct FuzzTarget {
     std::vector<FuzzTarget> all;
     for (const auto& targets :
          {imageHeaderTargets(), textFileTargets(), journalTargets(), modelFileTargets(),
-          classificationTargets(), decoderTargets(), pluginTargets(), anatomyTargets()})
-          classificationTargets(), decoderTargets(), pluginTargets(), sliceSpaceTargets()})
-          classificationTargets(), decoderTargets(), pluginTargets(), niftiTargets()})
+          classificationTargets(), decoderTargets(), pluginTargets(), anatomyTargets(),
+          sliceSpaceTargets(), niftiTargets()})
         all.insert(all.end(), targets.begin(), targets.end());
     return all;
 }
