@@ -16,6 +16,7 @@
 #include "run/replay/journal_run.h"
 #include "run/replay/operator_records.h"
 #include "run/replay/run_journal.h"
+#include "run/session/session_anatomy.h"
 #include "run/session/session_classifier.h"
 #include "run/session/session_decoder.h"
 #include "run/session/session_feedback.h"
@@ -141,6 +142,7 @@ public:
     SessionClassifier classifier;
     SessionDecoder decoder;
     SessionPluginMaps pluginMaps;
+    SessionAnatomy anatomy;
     bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file
