@@ -23,8 +23,8 @@ RunSession::RunSession(EventPump& pump, RunDisplay& display)
       feedback({settings, phase, report, requests, listeners, pump}),
       classifier({settings, phase, listeners}), decoder({settings, phase, report, listeners}),
       pluginMaps({phase, requests, listeners, display, [this] { mapsChanged(); }}),
-      anatomy(*this, display), makeReader(makeVolumeReader), pump_(pump), display_(display),
-      operatorRecords_(listeners, requests) {
+      anatomy(*this, display), vois(*this), makeReader(makeVolumeReader), pump_(pump),
+      display_(display), operatorRecords_(listeners, requests) {
     numerics::initialiseNumerics();
     feedback.setClassifier(&classifier);
 }

@@ -23,6 +23,7 @@
 #include "run/session/session_multi_run.h"
 #include "run/session/session_plugin_maps.h"
 #include "run/session/session_regions.h"
+#include "run/session/session_vois.h"
 #include "run/settings/run_settings.h"
 #include "volume/postprocessing_options.h"
 
@@ -143,6 +144,7 @@ public:
     SessionDecoder decoder;
     SessionPluginMaps pluginMaps;
     SessionAnatomy anatomy;
+    SessionVOIs vois;
     bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file
