@@ -25,7 +25,17 @@ struct AnatomicalCube {
     AnatomicalSpaces spaces;
 
     [[nodiscard]] bool empty() const { return volume.empty(); }
+    /// As those of the mapping; nothing without a known place.
+    [[nodiscard]] std::optional<C3dVector> functionalPlace(const C3dVector& cubePoint) const {
+        return mapping ? std::optional(mapping->functionalPlace(cubePoint)) : std::nullopt;
+    }
+    [[nodiscard]] std::optional<C3dVector> cubePlace(const C3dVector& functionalPoint) const {
+        return mapping ? std::optional(mapping->cubePlace(functionalPoint)) : std::nullopt;
+    }
 };
+
+/// The voxel that a point of the cube lies in; points outside give the nearest one at its border.
+[[nodiscard]] CubeVoxel nearestCubeVoxel(const C3dVector& point);
 
 struct Anatomy {
     AnatomicalCube functional; ///< made from the run's slices: the "Volume" view
