@@ -4,6 +4,7 @@
 #include "base/paths.h"
 #include "base/plain_file.h"
 #include "run/loop/motion_parameters_file.h"
+#include "run/loop/run_anatomy.h"
 #include "run/loop/run_model.h"
 #include "run/loop/run_preparation.h"
 #include "run/loop/run_statistics.h"
@@ -74,6 +75,9 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     const QString contrasts = contrastFilePath({}, project.projectPath);
     setUpContrasts(document, settings, fileExists(contrasts) ? contrasts : settings.ContrastFile);
     showSlices(document.project, document);
+    prepareVmrOverlay(anatomyRun(run));
+    computeVmrToFunctional(anatomyRun(run));
+    showSavedCubes(anatomyRun(run));
     if (!preparePluginMaps(run))
         return false;
     // The log of a stimulation computer may have turned the correction off that the settings state.

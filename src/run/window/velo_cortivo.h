@@ -185,8 +185,8 @@ public Q_SLOTS:
     void slotSwitchToSurfaceView() { tellLater("Surface View"); }
     void slotSwitchToSurfaceViewLeftMesh() { tellLater("Surface View"); }
     void slotSwitchToSurfaceViewRightMesh() { tellLater("Surface View"); }
-    void slotLoadVOIs() { tellLater("Anatomical Volume View"); }
-    void slotSaveVOIs() { tellLater("Anatomical Volume View"); }
+    void slotLoadVOIs() { session_.vois.chooseFileToLoad(); }
+    void slotSaveVOIs() { session_.vois.chooseFileToSave(); }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {

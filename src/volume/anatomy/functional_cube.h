@@ -24,5 +24,7 @@ struct FunctionalSlices {
                                                                bool mirrorSlices);
 
 /// Clears the cube of `volume` and fills it with trilinear values in the window's range, 0 to 225.
+/// A voxel that no functional voxel covers stays 0; the outer half of a border voxel continues its
+/// value.
 /// DimX to DimZ become 256, the offsets 0. False when memory runs out or a size isn't above 0.
 [[nodiscard]] bool mapFunctionalToCube(const FunctionalSlices& slices, VMRVolume& volume);

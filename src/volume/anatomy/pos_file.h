@@ -8,7 +8,9 @@
 
 struct PositionFile {
     int version = 1;
-    FMRPositionInfo position; ///< without centres below version 3: positionInfoValid is then 0
+    /// Without centres below version 3: positionInfoValid is then 0. The coordinate system is the
+    /// first value of the file.
+    FMRPositionInfo position;
     int rows = 0;
     int columns = 0;
     float sliceThickness = 0.0f;

@@ -9,6 +9,12 @@
 #include <array>
 #include <optional>
 
+/// The cube that an AC-PC volume is framed in.
+struct FramingCube {
+    int side = 0;       ///< voxels
+    float value = 0.0f; ///< the number with a key of its own behind it
+};
+
 struct TransformationFile {
     /// The two slots of the anatomical view: the alignment, and the one beside it.
     std::array<C3dMatrix, 2> matrices;
@@ -17,7 +23,7 @@ struct TransformationFile {
     int TransformationType = 0;
     int CoordinateSystem = 2;
     int NrOfTransformationVolumes = 0;
-    std::optional<float> framingCube; ///< of _ACPC.trf and _aACPC.trf, version 6 and later
+    std::optional<FramingCube> framingCube; ///< of _ACPC.trf and _aACPC.trf, version 6 and later
 };
 
 /// False for a version below 3, or a text that ends early or holds no number where one belongs, or
