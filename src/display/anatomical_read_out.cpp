@@ -2,7 +2,6 @@
 #include "display/anatomical_read_out.h"
 
 #include "display/shown_maps.h"
-#include "regions/region_time_courses.h"
 #include "run/document/qt_cortivo_doc.h"
 
 namespace {
@@ -38,30 +37,21 @@ void addFunctional(std::vector<ReadOutLine>& lines, const VoxelReadOut& readOut)
 
 } // namespace
 
-std::optional<VoxelPosition> functionalVoxelAt(const CubeMapping& mapping, const VolumeSize& run,
-                                               const CubeVoxel& voxel) {
-    const C3dVector point =
-        mapping.cubeToFunctional * C3dVector{float(voxel.x), float(voxel.y), float(voxel.z)};
-    const VoxelPosition nearest{nearestVoxel(point.x), nearestVoxel(point.y),
-                                nearestVoxel(point.z)};
-    if (!isInside(run, nearest.x, nearest.y, nearest.slice))
-        return {};
-    return nearest;
-}
-
 AnatomicalReadOut anatomicalReadOut(const AnatomicalCube& cube, const CubeVoxel& voxel,
-                                    const QtCortivoDoc* run, int volume, const ShownMaps& maps) {
+                                    const QtCortivoDoc& run, int volume, const ShownMaps& maps) {
     AnatomicalReadOut readOut;
     readOut.cubeName = cube.name;
     readOut.voxel = voxel;
     readOut.intensity = cube.volume.cube[cubeIndex(voxel.x, voxel.y, voxel.z)];
-    readOut.coordinates =
-        spaceCoordinates(cube.spaces, {float(voxel.x), float(voxel.y), float(voxel.z)});
-    readOut.isMapped = cube.mapping.has_value();
-    if (!run || !cube.mapping)
-        return readOut;
-    if (const auto functional = functionalVoxelAt(*cube.mapping, run->project.size(), voxel))
-        readOut.functional = voxelReadOut(*run, *functional, volume, maps);
+    const C3dVector point{float(voxel.x), float(voxel.y), float(voxel.z)};
+    readOut.coordinates = spaceCoordinates(cube.spaces, point);
+    const auto place = cube.functionalPlace(point);
+    readOut.isMapped = place.has_value();
+    if (place) {
+        const VoxelPosition functional{nearestVoxel(place->x), nearestVoxel(place->y),
+                                       nearestVoxel(place->z)};
+        readOut.functional = voxelReadOut(run, functional, volume, maps);
+    }
     return readOut;
 }
 

@@ -20,15 +20,10 @@ struct AnatomicalReadOut {
     std::optional<VoxelReadOut> functional; ///< nothing outside the run
 };
 
-/// Of a cube that is not empty. `run` is null without one; `volume` and `maps` as for
-/// voxelReadOut().
+/// Of a cube that is not empty; `volume` and `maps` as for voxelReadOut().
 [[nodiscard]] AnatomicalReadOut anatomicalReadOut(const AnatomicalCube& cube,
-                                                  const CubeVoxel& voxel, const QtCortivoDoc* run,
+                                                  const CubeVoxel& voxel, const QtCortivoDoc& run,
                                                   int volume, const ShownMaps& maps);
-
-/// The voxel of the run that a voxel of the cube shows; nothing outside the run.
-[[nodiscard]] std::optional<VoxelPosition>
-functionalVoxelAt(const CubeMapping& mapping, const VolumeSize& run, const CubeVoxel& voxel);
 
 struct ReadOutLine {
     QString name; ///< empty for a line that goes on with the one above

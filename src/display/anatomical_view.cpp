@@ -48,7 +48,7 @@ void AnatomicalView::slotDocumentChanged() {
 
 CubeVoxel AnatomicalView::cross() const {
     const CubeVoxel& voxel = sources_.anatomy.cross[size_t(sources_.anatomy.shown)];
-    return movedVoxel(SectionAxis::X, voxel, 0, 0, 0); // within the cube
+    return movedVoxel(SectionAxis::X, voxel, 0, 0, 0); // limited to the cube
 }
 
 ShownMaps AnatomicalView::overlay() const {
@@ -147,7 +147,7 @@ std::vector<ReadOutLine> AnatomicalView::readOut() const {
     if (cube().volume.cube.size() != cubeVoxels)
         return {};
     AnatomicalReadOut known =
-        anatomicalReadOut(cube(), cross(), &sources_.run, readOutVolume_, overlay());
+        anatomicalReadOut(cube(), cross(), sources_.run, readOutVolume_, overlay());
     if (known.functional)
         known.functional->decimals = decimalsFor(double(sources_.thresholds.Threshold));
     return readOutLines(known);
