@@ -11,9 +11,14 @@
 [[nodiscard]] QByteArray voiText(const VolumeOfInterest& volumes);
 
 enum class VOIParseResult { Ok, UnknownVersion, Empty, Damaged };
-/// `volumes` is defined only after Ok.
-[[nodiscard]] VOIParseResult parseVOIs(const QString& text, VolumeOfInterest& volumes);
+/// Entries of the header may come in any order, and those of older versions may be missing: their
+/// values are then the defaults, but the reference space is empty. Lines with other keys are passed
+/// over; a text that begins with a key but no version is of version 1. Colours are limited to 0 to
+/// 255, coordinates are taken as they are. What follows the last volume is not read. `volumes` is
+/// changed only for Ok. `fault` gets "line 17: ..." of a damaged text.
+[[nodiscard]] VOIParseResult parseVOIs(const QString& text, VolumeOfInterest& volumes,
+                                       QString* fault = nullptr);
 
-/// False after a message; `volumes` is then unchanged.
+/// False after a message, which is modal; `volumes` is then unchanged.
 [[nodiscard]] bool readVOIFile(const QString& path, VolumeOfInterest& volumes);
 [[nodiscard]] bool writeVOIFile(const QString& path, const VolumeOfInterest& volumes);

@@ -26,7 +26,7 @@ struct MappedVOI {
     int minX = 300, maxX = 0, minY = 300, maxY = 0, minZ = 300, maxZ = 0;
     /// The rounded mean of the lowest and the highest z: the slice of its region.
     int slice = 0;
-    bool sliceOutOfBounds = false;
+    bool sliceOutOfBounds = false; ///< only where no voxel lies in the run
 };
 
 struct MappedVOIs {
@@ -35,6 +35,8 @@ struct MappedVOIs {
     int voxelsOutOfRange = 0;       ///< that lie outside the cube and were skipped
 };
 
-/// False when memory runs out. Numbers above 254 leave the image alone.
+/// Each voxel of the cube goes to its nearest voxel of the run, halves up, and is left out where
+/// that isn't in the run. False when memory runs out; `mapped` is then empty. Volumes from the
+/// 256th on leave the image alone; of volumes that overlap it has the last.
 [[nodiscard]] bool mapVOIsToFunctional(const VolumeOfInterest& volumes, const VOIMapping& mapping,
                                        MappedVOIs& mapped);

@@ -20,13 +20,14 @@ struct FuzzTarget {
 [[nodiscard]] std::vector<FuzzTarget> classificationTargets();
 [[nodiscard]] std::vector<FuzzTarget> decoderTargets();
 [[nodiscard]] std::vector<FuzzTarget> pluginTargets();
+[[nodiscard]] std::vector<FuzzTarget> anatomyTargets();
 
 /// All of them, for the fuzzer and the test alike.
 [[nodiscard]] inline std::vector<FuzzTarget> allTargets() {
     std::vector<FuzzTarget> all;
     for (const auto& targets :
          {imageHeaderTargets(), textFileTargets(), journalTargets(), modelFileTargets(),
-          classificationTargets(), decoderTargets(), pluginTargets()})
+          classificationTargets(), decoderTargets(), pluginTargets(), anatomyTargets()})
         all.insert(all.end(), targets.begin(), targets.end());
     return all;
 }

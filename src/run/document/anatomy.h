@@ -20,21 +20,18 @@ enum class ShownCube { Functional, Anatomical };
 struct AnatomicalCube {
     VMRVolume volume;
     QString name; ///< of its file, without a folder; of the functional cube what it shows
-    /// Nothing without a known place: the cube is shown, and carries no maps. In Talairach space it
-    /// takes the voxels of the AC-PC cube, to which scaling() takes those of this one.
+    /// Nothing without a known place: the cube is shown, and carries no maps.
     std::optional<CubeMapping> mapping;
     AnatomicalSpaces spaces;
 
     [[nodiscard]] bool empty() const { return volume.empty(); }
-    /// What lies between the voxels of the cube and its mapping; null where there is nothing.
-    [[nodiscard]] const TalairachScaling* scaling() const {
-        return spaces.cube == CubeSpace::Talairach && spaces.talairach ? &*spaces.talairach
-                                                                       : nullptr;
+    /// As those of the mapping; nothing without a known place.
+    [[nodiscard]] std::optional<C3dVector> functionalPlace(const C3dVector& cubePoint) const {
+        return mapping ? std::optional(mapping->functionalPlace(cubePoint)) : std::nullopt;
     }
-    /// The place of a point of the cube in the run and back, both in voxels from 0, not rounded and
-    /// not limited to what there is. Nothing without a known place.
-    [[nodiscard]] std::optional<C3dVector> functionalPlace(const C3dVector& cubePoint) const;
-    [[nodiscard]] std::optional<C3dVector> cubePlace(const C3dVector& functionalPoint) const;
+    [[nodiscard]] std::optional<C3dVector> cubePlace(const C3dVector& functionalPoint) const {
+        return mapping ? std::optional(mapping->cubePlace(functionalPoint)) : std::nullopt;
+    }
 };
 
 /// The voxel that a point of the cube lies in; points outside give the nearest one at its border.

@@ -130,6 +130,8 @@ bool mapRunIntoAnatomy(const AnatomyRun& run) {
     anatomy.fmrToVmrHeaderMatrix = headers->fmrToVmrHeaderMatrix;
     anatomy.vmrToFunctionalMatrix = *toRun;
     cube.mapping = cubeMapping(*toRun, project, slicesAreMirrored(run));
+    if (cube.mapping && cube.spaces.cube == CubeSpace::Talairach)
+        cube.mapping->talairach = cube.spaces.talairach;
     return cube.mapping.has_value();
 }
 

@@ -120,9 +120,8 @@ bool SessionVOIs::mapToRegions(const VolumeOfInterest& volumes, RegionPlacing pl
         showModelessWarning("WARNING: " + fault);
         return false;
     }
-    VOIMapping mapping{*cube.mapping, {}, session_.functionalDocument->project.size()};
-    if (cube.scaling())
-        mapping.talairach = *cube.scaling();
+    const VOIMapping mapping{*cube.mapping, cube.mapping->talairach,
+                             session_.functionalDocument->project.size()};
     MappedVOIs mapped;
     if (!mapVOIsToFunctional(volumes, mapping, mapped)) {
         showModelessWarning("ERROR: Insufficient memory!");

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "volume/anatomy/talairach_scaling.h"
 #include "volume/c3d_matrix.h"
 #include "volume/fmr_project.h"
 
@@ -43,6 +44,17 @@ computeHeaderAlignment(const FMRPositionInfo& vmr, const FMRPositionInfo& functi
 struct CubeMapping {
     C3dMatrix cubeToFunctional; ///< cube voxel to functional voxel, both from 0
     C3dMatrix functionalToCube;
+    /// Of a cube in Talairach space, to be undone first: the matrices are for the AC-PC cube.
+    std::optional<TalairachScaling> talairach{};
+
+    /// Not rounded, and not limited to what there is.
+    [[nodiscard]] C3dVector functionalPlace(const C3dVector& cubePoint) const {
+        return cubeToFunctional * (talairach ? talairach->toACPC(cubePoint) : cubePoint);
+    }
+    [[nodiscard]] C3dVector cubePlace(const C3dVector& functionalPoint) const {
+        const C3dVector point = functionalToCube * functionalPoint;
+        return talairach ? talairach->toTalairach(point) : point;
+    }
 };
 
 /// From vmrToFunctionalMatrix(): the centre of the cube is 127.5, that of the functional grid

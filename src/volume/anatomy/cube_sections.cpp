@@ -39,6 +39,33 @@ VELO_SIMD_CLONES void addAxis(const RowCoordinates& axis, int32_t* indices) {
     }
 }
 
+// The matrix is not that of the section's axes: each point by itself.
+void mapScaledSection(const CubeMapping& mapping, const VolumeSize& functional, SectionAxis axis,
+                      const CubeVoxel& cross, std::span<int32_t> indices) {
+    // Each axis is scaled by itself.
+    std::array<C3dVector, cubeSide> scaled;
+    for (int i = 0; i < cubeSide; ++i)
+        scaled[size_t(i)] = mapping.talairach->toACPC({float(i), float(i), float(i)});
+    const auto inside = [](int voxel, int voxels) { return voxel >= 0 && voxel < voxels; };
+    for (int row = 0; row < cubeSide; ++row)
+        for (int column = 0; column < cubeSide; ++column) {
+            const CubeVoxel voxel = sectionVoxel(axis, column, row, cross);
+            const C3dVector point =
+                mapping.cubeToFunctional * C3dVector{scaled[size_t(withinCube(voxel.x))].x,
+                                                     scaled[size_t(withinCube(voxel.y))].y,
+                                                     scaled[size_t(withinCube(voxel.z))].z};
+            const int x = nearestVoxel(point.x);
+            const int y = nearestVoxel(point.y);
+            const int z = nearestVoxel(point.z);
+            indices[size_t(row) * cubeSide + size_t(column)] =
+                inside(x, functional.x) && inside(y, functional.y) && inside(z, functional.slices)
+                    ? int32_t((size_t(z) * size_t(functional.y) + size_t(y)) *
+                                  size_t(functional.x) +
+                              size_t(x))
+                    : outsideRun;
+        }
+}
+
 } // namespace
 
 CubeVoxel sectionVoxel(SectionAxis axis, int column, int row, const CubeVoxel& cross) {
@@ -80,6 +107,8 @@ void mapSection(const CubeMapping& mapping, const VolumeSize& functional, Sectio
         std::ranges::fill(indices, outsideRun);
         return;
     }
+    if (mapping.talairach)
+        return mapScaledSection(mapping, functional, axis, cross, indices);
     const std::array<int, 3> counts{functional.x, functional.y, functional.slices};
     const std::array<int, 3> strides{1, functional.x, int(functional.sliceSamples())};
     const bool alongX = axis == SectionAxis::Z;

@@ -15,8 +15,11 @@ SpaceCoordinates spaceCoordinates(const AnatomicalSpaces& spaces, const C3dVecto
     constexpr C3dVector atlasAC{talairachAC, talairachAC, talairachAC};
     const auto& scaling = spaces.talairach;
     SpaceCoordinates coordinates;
-    if (spaces.cubeToScanner)
-        coordinates.scanner = *spaces.cubeToScanner * cubeVoxel;
+    if (spaces.cubeToScanner) {
+        const bool scaled = spaces.cube == CubeSpace::Talairach && scaling;
+        coordinates.scanner =
+            *spaces.cubeToScanner * (scaled ? scaling->toACPC(cubeVoxel) : cubeVoxel);
+    }
     if (spaces.cube == CubeSpace::ACPC) {
         coordinates.acpc =
             fromCommissure(cubeVoxel, scaling ? scaling->anteriorCommissure() : atlasAC);

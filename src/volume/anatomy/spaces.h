@@ -15,7 +15,7 @@ enum class CubeSpace { Native, ACPC, Talairach, Functional };
 /// What is known of the spaces around a cube.
 struct AnatomicalSpaces {
     CubeSpace cube = CubeSpace::Native;
-    std::optional<C3dMatrix> cubeToScanner;    ///< cube voxel to scanner millimetres
+    std::optional<C3dMatrix> cubeToScanner;    ///< cube voxel (Talairach: AC-PC) to scanner mm
     std::optional<TalairachScaling> talairach; ///< from the reference points of a .tal file
 };
 
