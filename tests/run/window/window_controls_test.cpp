@@ -399,7 +399,7 @@ TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {
     control("ContrastList").setFocus();
     window_->updateViews();
     EXPECT_EQ(window_->focusWidget(), &control("ContrastList")) << "the operator went there";
-    window_->focusSlices();
+    window_->focusView();
     EXPECT_EQ(window_->focusWidget(), &view);
     auto& box = control<QDoubleSpinBox>("ThresholdSpBx");
     QTest::mouseClick(box.findChild<QLineEdit*>(), Qt::LeftButton);
