@@ -29,14 +29,26 @@ std::optional<VoxelReadOut> voxelReadOut(const QtCortivoDoc& document, const Vox
     VoxelReadOut readOut;
     readOut.voxel = voxel;
     const std::span<const int16_t> samples = samplesOf(document.project, volume);
-    if (!samples.empty()) {
-        readOut.volume = std::max(volume, 0);
+    readOut.volume = volume;
+    if (!samples.empty())
         readOut.value = samples[offset];
-    }
     readOut.statistic = maps.statistic;
     for (int map = 0; map < maps.count() && maps.size == size; ++map)
         readOut.maps.push_back({maps.names[map], maps.values[size_t(map)][offset]});
     return readOut;
+}
+
+QString sampleText(const VoxelReadOut& readOut) {
+    if (!readOut.value)
+        return {};
+    const QString volume = readOut.volume == firstVolumeAsRead
+                               ? QString("first volume as read")
+                               : QString("volume %1").arg(readOut.volume + 1);
+    return QString("%1: %2").arg(volume).arg(*readOut.value);
+}
+
+QString mapValueText(const VoxelReadOut& readOut, const VoxelReadOut::MapValue& map) {
+    return QString::number(double(map.value), 'f', readOut.decimals);
 }
 
 QString voxelReadOutText(const VoxelReadOut& readOut) {
@@ -44,12 +56,11 @@ QString voxelReadOutText(const VoxelReadOut& readOut) {
                        .arg(readOut.voxel.x + 1)
                        .arg(readOut.voxel.y + 1)
                        .arg(readOut.voxel.slice + 1);
-    if (readOut.volume >= 0)
-        text += QString("   volume %1: %2").arg(readOut.volume + 1).arg(readOut.value);
+    if (const QString sample = sampleText(readOut); !sample.isEmpty())
+        text += "   " + sample;
     QStringList maps;
     for (const VoxelReadOut::MapValue& map : readOut.maps)
-        maps << QString("%1 %2").arg(map.name,
-                                     QString::number(double(map.value), 'f', readOut.decimals));
+        maps << map.name + ' ' + mapValueText(readOut, map);
     if (!maps.isEmpty())
         text += "   " + readOut.statistic + ": " + maps.join(", ");
     return text;
