@@ -3,6 +3,7 @@
 
 #include "base/paths.h"
 #include "base/plain_file.h"
+#include "run/loop/background_files.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_anatomy.h"
 #include "run/loop/run_model.h"
@@ -63,8 +64,6 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
         return false;
     copySettingsToDocument(document, settings);
     run.requests.thresholds = thresholdsAtStart(settings.Threshold, settings.ClusterSizePixels);
-    // A saved run has no inplanes.
-    run.requests.pendingOverlayInplane = -1;
     const FMRProject& project = document.project;
     run.display.showLogText(reloadingText(run.requests.logFontSize,
                                           paths::fileName(settings.settingsFilePath),
@@ -75,6 +74,9 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     const QString contrasts = contrastFilePath({}, project.projectPath);
     setUpContrasts(document, settings, fileExists(contrasts) ? contrasts : settings.ContrastFile);
     showSlices(document.project, document);
+    settings.OverlayInplaneData = settings.OverlayInplaneData && readInplaneImages(document);
+    run.requests.pendingOverlayInplane =
+        settings.OverlayInplaneData ? settings.pendingOverlayInplane : -1;
     prepareVmrOverlay(anatomyRun(run));
     computeVmrToFunctional(anatomyRun(run));
     showSavedCubes(anatomyRun(run));

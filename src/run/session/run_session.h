@@ -19,6 +19,7 @@
 #include "run/session/session_anatomy.h"
 #include "run/session/session_classifier.h"
 #include "run/session/session_decoder.h"
+#include "run/session/session_export.h"
 #include "run/session/session_feedback.h"
 #include "run/session/session_multi_run.h"
 #include "run/session/session_plugin_maps.h"
@@ -145,6 +146,7 @@ public:
     SessionPluginMaps pluginMaps;
     SessionAnatomy anatomy;
     SessionVOIs vois;
+    SessionExport exports{*this};
     bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file
