@@ -2,7 +2,6 @@
 #include "display/anatomical_picture.h"
 
 #include "display/overlay_coloring.h"
-#include "regions/region_time_courses.h"
 
 #include <algorithm>
 #include <optional>
@@ -40,9 +39,6 @@ public:
         if (!mapsAreUsable(source))
             return;
         coloring_.emplace(source.maps, source.thresholds);
-        if (const TalairachScaling* scaling = source.cube->scaling())
-            for (int voxel = 0; voxel < cubeSide; ++voxel)
-                scaled_.push_back(scaling->toACPC({float(voxel), float(voxel), float(voxel)}));
         voxels_.resize(sectionPixels);
         colors_.resize(stretchLength);
     }
@@ -53,7 +49,7 @@ public:
             pixels[pixel] = greys_[intensities_[pixel]];
         if (!coloring_)
             return;
-        mapVoxels(axis);
+        mapSection(*source_.cube->mapping, source_.run, axis, source_.cross, voxels_);
         for (size_t first = 0; first < sectionPixels; first += stretchLength) {
             const auto stretch = std::span(voxels_).subspan(first, stretchLength);
             if (std::ranges::all_of(stretch, [](int32_t voxel) { return voxel < 0; }))
@@ -64,32 +60,10 @@ public:
     }
 
 private:
-    void mapVoxels(SectionAxis axis) {
-        const CubeMapping& mapping = *source_.cube->mapping;
-        if (scaled_.empty())
-            return mapSection(mapping, source_.run, axis, source_.cross, voxels_);
-        const VolumeSize& run = source_.run;
-        for (size_t pixel = 0; pixel < sectionPixels; ++pixel) {
-            const CubeVoxel at =
-                sectionVoxel(axis, int(pixel % cubeSide), int(pixel / cubeSide), source_.cross);
-            const C3dVector place = mapping.cubeToFunctional * C3dVector{scaled_[size_t(at.x)].x,
-                                                                         scaled_[size_t(at.y)].y,
-                                                                         scaled_[size_t(at.z)].z};
-            const int x = nearestVoxel(place.x);
-            const int y = nearestVoxel(place.y);
-            const int z = nearestVoxel(place.z);
-            voxels_[pixel] =
-                isInside(run, x, y, z) ? int32_t((z * run.y + y) * run.x + x) : outsideRun;
-        }
-    }
-
     const AnatomicalPictureSource& source_;
     GreyTable greys_;
     std::vector<uint8_t> intensities_;
     std::optional<OverlayColoring> coloring_; ///< with maps to paint
-    /// In Talairach space, which is stretched along each axis by itself: where the voxels of that
-    /// number lie in the AC-PC cube.
-    std::vector<C3dVector> scaled_;
     std::vector<int32_t> voxels_;
     std::vector<uint32_t> colors_;
 };

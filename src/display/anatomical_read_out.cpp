@@ -6,11 +6,11 @@
 
 namespace {
 
-/// In columns, in a font of fixed width.
+constexpr int numberWidth = 7; ///< characters, in a font of fixed width
+
 QString pointText(const C3dVector& point) {
-    constexpr int width = 7;
     const auto number = [](float value) {
-        return QString::number(double(value), 'f', 1).rightJustified(width);
+        return QString::number(double(value), 'f', 1).rightJustified(numberWidth);
     };
     return number(point.x) + number(point.y) + number(point.z);
 }
@@ -30,7 +30,8 @@ void addFunctional(std::vector<ReadOutLine>& lines, const VoxelReadOut& readOut)
         lines.push_back({{}, sample});
     QString statistic = readOut.statistic;
     for (const VoxelReadOut::MapValue& map : readOut.maps) {
-        lines.push_back({statistic, mapValueText(readOut, map) + "  " + map.name});
+        lines.push_back(
+            {statistic, mapValueText(readOut, map).rightJustified(numberWidth) + "  " + map.name});
         statistic.clear();
     }
 }

@@ -48,12 +48,27 @@ void paintLetters(QPainter& painter, const QRectF& area, const SectionSides& sid
     paint(upsideDown ? sides.top : sides.bottom, area.center().x(), area.bottom() - y);
 }
 
+QString placeText(SectionAxis axis, const CubeVoxel& cross) {
+    return axis == SectionAxis::X   ? QString("x %1").arg(cross.x)
+           : axis == SectionAxis::Y ? QString("y %1").arg(cross.y)
+                                    : QString("z %1").arg(cross.z);
+}
+
+/// In the lower left corner; without the name where that would reach the letter in the middle.
+void paintTitle(QPainter& painter, const QRectF& area, const SectionSides& sides, SectionAxis axis,
+                const CubeVoxel& cross) {
+    const QFontMetrics metrics = painter.fontMetrics();
+    const double room = area.width() / 2 - metrics.height();
+    const QString full = sectionTitle(sides, axis, cross);
+    const QString& title = metrics.horizontalAdvance(full) < room ? full : placeText(axis, cross);
+    const QSizeF size(metrics.horizontalAdvance(title) + 6, metrics.height());
+    paintLabel(painter, {{area.left() + 2, area.bottom() - size.height() - 1}, size}, title);
+}
+
 } // namespace
 
 QString sectionTitle(const SectionSides& sides, SectionAxis axis, const CubeVoxel& cross) {
-    const QString place = axis == SectionAxis::X   ? QString("x %1").arg(cross.x)
-                          : axis == SectionAxis::Y ? QString("y %1").arg(cross.y)
-                                                   : QString("z %1").arg(cross.z);
+    const QString place = placeText(axis, cross);
     return sides.name.isEmpty() ? place : sides.name + "  " + place;
 }
 
@@ -68,10 +83,7 @@ void paintSection(QPainter& painter, const QImage& image, const SectionFields& f
     paintCross(painter, area, fields.areaOf(axis, cross));
     painter.setFont(numberFont(font, 0.8));
     painter.setPen(labelColor);
-    const QString title = sectionTitle(sides, axis, cross);
-    const QFontMetrics metrics = painter.fontMetrics();
-    const QSizeF size(metrics.horizontalAdvance(title) + 6, metrics.height());
-    paintLabel(painter, {{area.left() + 2, area.bottom() - size.height() - 1}, size}, title);
+    paintTitle(painter, area, sides, axis, cross);
     painter.setFont(numberFont(font));
     paintLetters(painter, area, sides, upsideDown);
     painter.restore();

@@ -108,10 +108,9 @@ TEST(AnatomicalPicture, FollowsTheScalingOfTalairachSpace) {
     points.referencePoint6 = {120, 160, 128};
     points.referencePoint7 = {120, 125, 50};
     points.referencePoint8 = {120, 125, 200};
-    AnatomicalSpaces& spaces = scene.anatomy.anatomical.spaces;
-    spaces.cube = CubeSpace::Talairach;
-    spaces.talairach = TalairachScaling::fromPoints(points);
-    ASSERT_TRUE(spaces.talairach);
+    CubeMapping& mapping = *scene.anatomy.anatomical.mapping;
+    mapping.talairach = TalairachScaling::fromPoints(points);
+    ASSERT_TRUE(mapping.talairach);
     AnatomicalPictureSource source;
     source.cube = &scene.anatomy.anatomical;
     source.run = scene.size;

@@ -86,7 +86,7 @@ TEST_F(Sections, KeysAndWheelMoveTheCrossToTheBorders) {
     QTest::keyClick(&view, Qt::Key_PageUp);
     EXPECT_EQ(cross().y, 0);
     // With the head below in the cube, the section is turned and the keys with it.
-    scene.anatomy.anatomical.spaces.cubeToScanner = C3dMatrix::rotationX(-90);
+    scene.anatomy.anatomical.spaces.cubeToScanner = C3dMatrix::rotationX(90);
     cross() = {5, 100, 5};
     view.slotDocumentChanged();
     QTest::mouseClick(&view, Qt::LeftButton, {}, at(Z, cross()));
@@ -130,7 +130,7 @@ TEST_F(Sections, ReadOutTellsPlaceSampleAndMaps) {
     scene.anatomy.anatomical.spaces.cubeToScanner = C3dMatrix::translation(-100, -100, -100);
     view.slotDocumentChanged();
     EXPECT_EQ(readOut().join('|').toStdString(),
-              "Cube: x 128 y 130 z 127|Intensity: 15|Scanner: 28.0 30.0 27.0|"
+              "Cube: x 128 y 130 z 127|Intensity: 115|Scanner: 28.0 30.0 27.0|"
               "Run: x 10 y 9 slice 6|: first volume as read: 321|t: -4.25 Faces");
     const QImage known = view.grab().toImage();
     view.setOverlayShown(false);
