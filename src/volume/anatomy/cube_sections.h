@@ -38,6 +38,7 @@ void cutSection(std::span<const uint8_t> cube, SectionAxis axis, const CubeVoxel
 inline constexpr int32_t outsideRun = -1;
 /// For each point of the section the index of its nearest functional voxel (x fastest, then y, then
 /// slices) by nearestVoxel(), or outsideRun. 256 x 256 entries, row by row. Computed incrementally
-/// along rows; cheap enough for each volume (three sections well under 5 ms).
+/// along rows; cheap enough for each volume (three sections well under 5 ms; of a Talairach
+/// cube, whose points are scaled one by one, under 10 ms).
 void mapSection(const CubeMapping& mapping, const VolumeSize& functional, SectionAxis axis,
                 const CubeVoxel& cross, std::span<int32_t> indices);
