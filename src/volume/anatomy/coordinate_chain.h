@@ -18,8 +18,9 @@
 
 /// The frame of a stack of slices: its axes are the row, column and stack directions, its origin is
 /// the centre of the stack. The matrix takes millimetres of the frame to those of the scanner.
-/// Nothing for a record without usable directions. A stack of one slice takes the cross product of
-/// row and column directions.
+/// Nothing for a record without usable directions: of no length, not finite, or not at right angles
+/// within 3 degrees; positionInfoValid is left to the caller. A stack of one slice takes the cross
+/// product of row and column directions.
 [[nodiscard]] std::optional<C3dMatrix> frameToScanner(const FMRPositionInfo& position);
 
 struct HeaderAlignment {

@@ -23,19 +23,25 @@ struct RowCoordinates {
 };
 
 // Adds the part of this axis to the indices, or makes them outsideRun. The sum is that of
-// C3dMatrix, in its order, so that each point gets the voxel of nearestVoxel().
-VELO_SIMD_CLONES void addAxis(const RowCoordinates& axis, int32_t* indices) {
+// C3dMatrix, in its order, so that each point gets the voxel of nearestVoxel(). Masks instead of
+// branches, which the compiler turns into vectors.
+VELO_SIMD_CLONES void addAxis(const RowCoordinates& row, int32_t* indices) {
+    static_assert(outsideRun == ~0);
+    const RowCoordinates axis = row;
     const float last = float(axis.count - 1);
     const float end = float(axis.count) - 0.5f;
     for (int i = 0; i < cubeSide; ++i) {
         const float x = axis.xTerm + axis.stepX * float(i);
         const float z = axis.zTerm + axis.stepZ * float(i);
         const float coordinate = x + (axis.yTerm + (z + axis.translation));
-        const float bounded = std::min(std::max(coordinate, 0.0f), last);
+        const float above = coordinate > 0.0f ? coordinate : 0.0f;
+        const float bounded = above < last ? above : last;
         const int whole = int(bounded);
-        const int voxel = whole + (bounded - float(whole) >= 0.5f ? 1 : 0);
-        const bool inside = (coordinate >= -0.5f) & (coordinate < end) & (indices[i] >= 0);
-        indices[i] = inside ? indices[i] + voxel * axis.stride : outsideRun;
+        const int voxel = whole + int(bounded - float(whole) >= 0.5f);
+        const int32_t index = indices[i];
+        const int32_t inside =
+            -(int32_t(coordinate >= -0.5f) & int32_t(coordinate < end) & int32_t(index >= 0));
+        indices[i] = ((index + voxel * axis.stride) & inside) | ~inside;
     }
 }
 

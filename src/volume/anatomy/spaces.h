@@ -25,5 +25,9 @@ struct SpaceCoordinates {
     std::optional<C3dVector> talairach; ///< likewise
 };
 
+/// What is known of the point of the cube, in voxels. AC-PC and Talairach coordinates are given for
+/// cubes in one of these spaces, whose axes run back (x), down (y) and to the left (z); between the
+/// two they need the reference points. Without these the anterior commissure of an AC-PC cube is
+/// taken to be at talairachAC, as it is in a Talairach cube.
 [[nodiscard]] SpaceCoordinates spaceCoordinates(const AnatomicalSpaces& spaces,
                                                 const C3dVector& cubeVoxel);

@@ -72,11 +72,11 @@ TEST(CubeSections, NothingLiesInARunWithoutAPlace) {
     C3dMatrix undefined, far;
     undefined.at(1, 1) = std::numeric_limits<float>::quiet_NaN();
     far.at(0, 3) = 3e38f;
-    const std::pair<C3dMatrix, VolumeSize> cases[] = {{undefined, {64, 64, 20}},
-                                                      {far, {64, 64, 20}},
-                                                      {C3dMatrix(), {64, 0, 20}},
-                                                      {C3dMatrix(), {100000, 100000, 20}}};
-    for (const auto& [matrix, run] : cases) {
+    for (const auto& [matrix, run] :
+         std::initializer_list<std::pair<C3dMatrix, VolumeSize>>{{undefined, {64, 64, 20}},
+                                                                 {far, {64, 64, 20}},
+                                                                 {{}, {64, 0, 20}},
+                                                                 {{}, {100000, 100000, 20}}}) {
         std::vector<int32_t> indices(points, 5);
         mapSection({matrix, {}}, run, SectionAxis::Z, {}, indices);
         EXPECT_EQ(indices, std::vector<int32_t>(points, outsideRun));

@@ -8,16 +8,16 @@
 namespace {
 
 TalairachPoints brain() {
-    TalairachPoints points;
-    points.referencePoint1 = {130, 126, 128};
-    points.referencePoint2 = {157, 126, 128};
-    points.referencePoint3 = {58, 140, 120};
-    points.referencePoint4 = {229, 130, 115};
-    points.referencePoint5 = {150, 48, 131};
-    points.referencePoint6 = {140, 170, 150};
-    points.referencePoint7 = {140, 110, 62};
-    points.referencePoint8 = {141, 111, 199};
-    return points;
+    return {1,
+            "",
+            {130, 126, 128},
+            {157, 126, 128},
+            {58, 140, 120},
+            {229, 130, 115},
+            {150, 48, 131},
+            {140, 170, 150},
+            {140, 110, 62},
+            {141, 111, 199}};
 }
 
 void expectNear(const std::optional<C3dVector>& actual, const C3dVector& expected) {
@@ -73,11 +73,8 @@ TEST(Talairach, SidesMayBeNamedInEitherOrderAndNothingElse) {
 }
 
 TEST(Spaces, OnlyWhatIsKnownIsGiven) {
-    AnatomicalSpaces spaces;
-    SpaceCoordinates coordinates = spaceCoordinates(spaces, {1, 2, 3});
-    EXPECT_FALSE(coordinates.scanner || coordinates.acpc || coordinates.talairach);
-    spaces.cubeToScanner = C3dMatrix::translation(-10, -20, -30);
-    coordinates = spaceCoordinates(spaces, {1, 2, 3});
+    SpaceCoordinates coordinates =
+        spaceCoordinates({CubeSpace::Native, C3dMatrix::translation(-10, -20, -30), {}}, {1, 2, 3});
     expectNear(coordinates.scanner, {-9, -18, -27});
     EXPECT_FALSE(coordinates.acpc || coordinates.talairach);
     coordinates = spaceCoordinates({CubeSpace::ACPC, {}, {}}, {100, 110, 120});
