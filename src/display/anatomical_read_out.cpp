@@ -26,8 +26,10 @@ void addFunctional(std::vector<ReadOutLine>& lines, const VoxelReadOut& readOut)
                                 .arg(readOut.voxel.x + 1)
                                 .arg(readOut.voxel.y + 1)
                                 .arg(readOut.voxel.slice + 1)});
-    if (const QString sample = sampleText(readOut); !sample.isEmpty())
-        lines.push_back({{}, sample});
+    // Numbers first: names may be too long for a small view.
+    if (readOut.value)
+        lines.push_back({"Value", QString::number(*readOut.value).rightJustified(numberWidth) +
+                                      "  " + volumeName(readOut.volume)});
     QString statistic = readOut.statistic;
     for (const VoxelReadOut::MapValue& map : readOut.maps) {
         lines.push_back(

@@ -38,13 +38,9 @@ std::optional<VoxelReadOut> voxelReadOut(const QtCortivoDoc& document, const Vox
     return readOut;
 }
 
-QString sampleText(const VoxelReadOut& readOut) {
-    if (!readOut.value)
-        return {};
-    const QString volume = readOut.volume == firstVolumeAsRead
-                               ? QString("first volume as read")
-                               : QString("volume %1").arg(readOut.volume + 1);
-    return QString("%1: %2").arg(volume).arg(*readOut.value);
+QString volumeName(int volume) {
+    return volume == firstVolumeAsRead ? QString("first volume as read")
+                                       : QString("volume %1").arg(volume + 1);
 }
 
 QString mapValueText(const VoxelReadOut& readOut, const VoxelReadOut::MapValue& map) {
@@ -56,8 +52,8 @@ QString voxelReadOutText(const VoxelReadOut& readOut) {
                        .arg(readOut.voxel.x + 1)
                        .arg(readOut.voxel.y + 1)
                        .arg(readOut.voxel.slice + 1);
-    if (const QString sample = sampleText(readOut); !sample.isEmpty())
-        text += "   " + sample;
+    if (readOut.value)
+        text += QString("   %1: %2").arg(volumeName(readOut.volume)).arg(*readOut.value);
     QStringList maps;
     for (const VoxelReadOut::MapValue& map : readOut.maps)
         maps << map.name + ' ' + mapValueText(readOut, map);

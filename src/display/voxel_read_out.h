@@ -36,8 +36,8 @@ struct VoxelReadOut {
                                                        const VoxelPosition& voxel, int volume,
                                                        const ShownMaps& maps);
 
-/// The volume and its value, "volume 3: 812"; empty when it wasn't measured.
-[[nodiscard]] QString sampleText(const VoxelReadOut& readOut);
+/// "volume 3", or "first volume as read".
+[[nodiscard]] QString volumeName(int volume);
 /// The value of a map with its decimals.
 [[nodiscard]] QString mapValueText(const VoxelReadOut& readOut, const VoxelReadOut::MapValue& map);
 /// In one line, all numbers from 1.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/anatomical_picture.h"
 
-#include "display/anatomical_read_out.h"
 #include "display/anatomical_scene.h"
 #include "display/section_fields.h"
 #include "display/section_sides.h"
@@ -93,40 +92,6 @@ TEST(AnatomicalPicture, IsThatOfEachPixelByItself) {
     const AnatomicalCube none;
     source.cube = &none;
     EXPECT_FALSE(composeSections(images, source));
-}
-
-// In Talairach space the maps lie where the read-out says they do.
-TEST(AnatomicalPicture, FollowsTheScalingOfTalairachSpace) {
-    AnatomicalScene scene;
-    scene.makeMaps(2, ContrastBoth);
-    TalairachPoints points;
-    points.referencePoint1 = {120, 125, 128};
-    points.referencePoint2 = {146, 125, 128};
-    points.referencePoint3 = {60, 125, 128};
-    points.referencePoint4 = {230, 125, 128};
-    points.referencePoint5 = {120, 40, 128};
-    points.referencePoint6 = {120, 160, 128};
-    points.referencePoint7 = {120, 125, 50};
-    points.referencePoint8 = {120, 125, 200};
-    CubeMapping& mapping = *scene.anatomy.anatomical.mapping;
-    mapping.talairach = TalairachScaling::fromPoints(points);
-    ASSERT_TRUE(mapping.talairach);
-    AnatomicalPictureSource source;
-    source.cube = &scene.anatomy.anatomical;
-    source.run = scene.size;
-    source.maps = shownContrastMaps(scene.run);
-    source.thresholds.ClusterSizePixels = 1;
-    source.cross = {130, 126, 125};
-    SectionImages images;
-    ASSERT_TRUE(composeSections(images, source));
-    int wrong = 0;
-    for (const SectionAxis axis : axes)
-        for (int row = 0; row < 256; ++row)
-            for (int column = 0; column < 256; ++column)
-                wrong += images[size_t(axis)].pixel(column, row) !=
-                         plainPixel(scene, sectionVoxel(axis, column, row, source.cross), 0, 225,
-                                    false, 1);
-    EXPECT_EQ(wrong, 0);
 }
 
 TEST(SectionSides, FollowTheWayToTheScanner) {

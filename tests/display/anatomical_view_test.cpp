@@ -131,7 +131,7 @@ TEST_F(Sections, ReadOutTellsPlaceSampleAndMaps) {
     view.slotDocumentChanged();
     EXPECT_EQ(readOut().join('|').toStdString(),
               "Cube: x 128 y 130 z 127|Intensity: 115|Scanner: 28.0 30.0 27.0|"
-              "Run: x 10 y 9 slice 6|: first volume as read: 321|t: -4.25 Faces");
+              "Run: x 10 y 9 slice 6|Value: 321 first volume as read|t: -4.25 Faces");
     const QImage known = view.grab().toImage();
     view.setOverlayShown(false);
     EXPECT_FALSE(readOut().join('|').contains("Faces"));

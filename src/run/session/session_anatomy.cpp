@@ -168,6 +168,8 @@ void SessionAnatomy::documentsLeaving() {
 
 void SessionAnatomy::documentsArrived(QtCortivoDoc&) {
     session_.requests.loadedAnatomy = loadedFile();
+    if (!anatomy())
+        return;
     anatomy()->cross = cross_;
     anatomy()->windowLow = windowLow_;
     anatomy()->windowHigh = windowHigh_;
@@ -175,6 +177,8 @@ void SessionAnatomy::documentsArrived(QtCortivoDoc&) {
 
 // What was shown of the run before is shown of this one, where it has that.
 void SessionAnatomy::runPrepared(QtCortivoDoc&) {
+    if (!anatomy())
+        return;
     const ShownCube wanted = chosen_;
     setShown(wanted == ShownCube::Anatomical && hasAnatomy() ? wanted : ShownCube::Functional);
     chosen_ = wanted;

@@ -22,6 +22,10 @@ bool functionalCubeShown(VeloCortivo& window) {
     return window.documentShown() && window.session().anatomy.hasFunctionalCube();
 }
 
+QString exportHindrance(VeloCortivo& window) {
+    return window.session().exports.hindrance();
+}
+
 QString anatomyHindrance(VeloCortivo& window) {
     if (window.documentShown() && window.session().anatomy.hasAnatomy())
         return {};
@@ -139,7 +143,8 @@ constexpr MenuEntry entries[] = {
     {.menu = "&File", .text = "Edit MasterVCO File...", .slot = &Window::slotEditMasterVCOFileSettings, .phase = Later, .toolTip = laterEditors},
     {.menu = "&File", .text = "Rename DICOM Files...", .slot = &Window::slotRenameDICOMFiles, .phase = Later, .endsSection = separator, .toolTip = laterEditors},
     {.menu = "&File", .text = "VMR-VMR Coregistration...", .slot = &Window::slotVMR2VMRCoregistration, .phase = Later, .endsSection = separator, .toolTip = "Registration of anatomies comes in a later version"},
-    {.menu = "&File", .text = "Load Anatomy...", .slot = &Window::slotLoadAnatomy, .phase = Idle, .endsSection = separator, .toolTip = "Show this run and those that follow over an anatomy (.vmr, NIfTI)"},
+    {.menu = "&File", .text = "Load Anatomy...", .slot = &Window::slotLoadAnatomy, .phase = Idle, .toolTip = "Show this run and those that follow over an anatomy (.vmr, NIfTI)"},
+    {.menu = "&File", .text = "Export As NIfTI...", .slot = &Window::slotExportAsNifti, .phase = Idle, .endsSection = separator, .toolTip = "Write the run in memory, its maps and its mask as NIfTI files", .hindrance = exportHindrance},
     {"&File", "Recover Run...", &Window::slotRecoverRun, Idle},
     {"&File", "Replay Run...", &Window::slotReplayRun, Idle},
     {.menu = "&File", .text = "Save View As BMP...", .slot = &Window::slotSaveAsBMP, .possible = documentShown, .endsSection = separator},

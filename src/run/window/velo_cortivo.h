@@ -121,6 +121,7 @@ public Q_SLOTS:
     void slotSwitchToEPI3DView();
     void slotSwitchToVMRView();
     void slotLoadAnatomy();
+    void slotExportAsNifti() { session_.exports.chooseFileAndExport(); }
     void slotShowOnEPIs() { session_.showOnFirstVolume(); }
     void slotShowOnCurrentEPIs() { session_.showOnCurrentVolume(); }
     void slotShowOnInplanes() { session_.showOnInplanes(); }

@@ -158,7 +158,8 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     window_->slotShowOnCurrentEPIs();
     window_->slotToggleBeforePreprocessing();
     runOver();
-    expectMenus("Set New VCO File...|Load Anatomy...|Recover Run...|Replay Run...|Save View As "
+    expectMenus("Set New VCO File...|Load Anatomy...|Export As NIfTI...|Recover Run...|Replay "
+                "Run...|Save View As "
                 "BMP...|Close|Exit",
                 "Colors Code Significance*|Colors Code Contrasts|Epoch-Based "
                 "Averaging|" +
