@@ -71,7 +71,6 @@ TEST(VOIFile, SaysWhatIsWrongAndChangesNothing) {
         {"", version},
         {"no file of volumes", version},
         {"FileVersion: 5", version},
-        {"FileVersion: 0", version},
         {"FileVersion: four", version},
         {"FileVersion: 4", damaged.arg(1).arg("\"NrOfVOIs:\" is missing")},
         {changed("ReferenceSpace:", "ReferenceSpace"),
@@ -80,9 +79,7 @@ TEST(VOIFile, SaysWhatIsWrongAndChangesNothing) {
          damaged.arg(19).arg(lie.arg(2000000000))},
         {changed("VOIs:                   2", "VOIs: -1"), damaged.arg(19).arg(lie.arg(-1))},
         {changed("Voxels: 3", "Voxels: 2147483647"), damaged.arg(24).arg(lie.arg(2147483647))},
-        {changed("Voxels: 3", "Voxels: 4"), damaged.arg(29).arg("no valid number")},
         {changed("Voxels: 3", "Voxels: 2"), damaged.arg(27).arg("\"NameOfVOI:\" is missing")},
-        {changed("127", "nan"), damaged.arg(25).arg("no valid number")},
         {changed("127", "99999999999"), damaged.arg(25).arg("no valid number")}};
     VolumeOfInterest read = twoVolumes();
     for (const auto& [text, message] : cases) {

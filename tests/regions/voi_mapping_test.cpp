@@ -10,27 +10,30 @@
 
 namespace {
 
-constexpr VolumeSize run{64, 64, 20};
-
-C3dMatrix matrixOf(const std::array<float, 12>& rows) {
-    C3dMatrix matrix;
-    for (size_t i = 0; i < rows.size(); ++i)
-        matrix.at(i / 4, i % 4) = rows[i];
-    return matrix;
-}
+/// Coordinates of voxel after voxel.
+using Coordinates = std::vector<int>;
 
 VOIMapping mappingBy(const std::array<float, 12>& rows) {
     VOIMapping mapping;
-    mapping.cube.cubeToFunctional = matrixOf(rows);
-    mapping.functional = run;
+    for (size_t i = 0; i < rows.size(); ++i)
+        mapping.cube.cubeToFunctional.at(i / 4, i % 4) = rows[i];
+    mapping.functional = {64, 64, 20};
     return mapping;
 }
 
-std::vector<VOIVoxel> listed(const VoxelList& voxels) {
-    std::vector<VOIVoxel> list;
-    for (size_t i = 0; i < voxels.size(); ++i)
-        list.push_back({voxels.x[i], voxels.y[i], voxels.z[i]});
-    return list;
+void add(VolumeOfInterest& volumes, const Coordinates& coordinates) {
+    std::vector<VOIVoxel> voxels;
+    for (size_t i = 0; i < coordinates.size(); i += 3)
+        voxels.push_back({coordinates[i], coordinates[i + 1], coordinates[i + 2]});
+    volumes.add("", {}, voxels);
+}
+
+Coordinates coordinatesOf(const MappedVOI& volume) {
+    Coordinates coordinates;
+    for (size_t i = 0; i < volume.voxels.size(); ++i)
+        coordinates.insert(coordinates.end(),
+                           {volume.voxels.x[i], volume.voxels.y[i], volume.voxels.z[i]});
+    return coordinates;
 }
 
 MappedVOIs mapped(const VolumeOfInterest& volumes, const VOIMapping& mapping) {
@@ -40,29 +43,18 @@ MappedVOIs mapped(const VolumeOfInterest& volumes, const VOIMapping& mapping) {
 }
 
 // Voxels of 3 x 3.5 x 4 mm, turned by -23 and 17 degrees: matrix and expected voxels from NumPy, in
-// double precision. One cube voxel stands there twice.
+// double precision. One voxel stands there twice.
 TEST(VOIMapping, AgreesWithAnotherImplementation) {
-    const VOIMapping mapping = mappingBy({0.306835f, 0.130244f, 0, -22.927529f,          //
-                                          -0.106759f, 0.251509f, -0.083535f, 21.595054f, //
-                                          -0.02856f, 0.067282f, 0.239076f, -25.51936f});
     VolumeOfInterest volumes;
-    volumes.add("Inside and outside", {},
-                {{205, 149, 159},
-                 {197, 141, 175},
-                 {185, 79, 49},
-                 {128, 127, 128},
-                 {199, 40, 127},
-                 {60, 121, 182},
-                 {128, 127, 128},
-                 {214, 181, 178},
-                 {162, 148, 99},
-                 {187, 68, 190}});
-    volumes.add("Outside", {}, {{213, 121, 77}, {185, 79, 49}});
-    const MappedVOIs result = mapped(volumes, mapping);
+    add(volumes, {205, 149, 159, 197, 141, 175, 185, 79,  49,  128, 127, 128, 199, 40, 127,
+                  60,  121, 182, 128, 127, 128, 214, 181, 178, 162, 148, 99,  187, 68, 190});
+    add(volumes, {213, 121, 77, 185, 79, 49});
+    const MappedVOIs result = mapped(
+        volumes, mappingBy({0.306835f, 0.130244f, 0, -22.927529f, -0.106759f, 0.251509f, -0.083535f,
+                            21.595054f, -0.02856f, 0.067282f, 0.239076f, -25.51936f}));
     const MappedVOI& first = result.volumes[0];
-    EXPECT_EQ(listed(first.voxels),
-              (std::vector<VOIVoxel>{
-                  {59, 24, 17}, {33, 29, 10}, {43, 0, 2}, {33, 29, 10}, {46, 33, 3}, {43, 3, 19}}));
+    EXPECT_EQ(coordinatesOf(first),
+              (Coordinates{59, 24, 17, 33, 29, 10, 43, 0, 2, 33, 29, 10, 46, 33, 3, 43, 3, 19}));
     EXPECT_EQ((std::array{first.minX, first.maxX, first.minY, first.maxY, first.minZ, first.maxZ}),
               (std::array{33, 59, 0, 33, 2, 19}));
     EXPECT_EQ(first.slice, 11); // of 2 and 19, halves up
@@ -75,63 +67,39 @@ TEST(VOIMapping, AgreesWithAnotherImplementation) {
     EXPECT_EQ(std::ranges::count(result.image, 0), std::ptrdiff_t(cubeVoxels) - 10);
 }
 
-TEST(VOIMapping, VoxelsOutsideTheCubeAreCountedAndLeftOut) {
-    const VOIMapping identity = mappingBy({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0});
+TEST(VOIMapping, HalvesGoUpAndWhatIsNoPlaceGoesNowhere) {
     constexpr int largest = std::numeric_limits<int>::max();
     VolumeOfInterest volumes;
-    volumes.add("", {},
-                {{-1, 0, 0}, {0, 256, 0}, {0, 0, largest}, {-largest - 1, 0, 0}, {7, 8, 9}});
-    const MappedVOIs result = mapped(volumes, identity);
-    EXPECT_EQ(result.voxelsOutOfRange, 4);
-    EXPECT_EQ(listed(result.volumes[0].voxels), (std::vector<VOIVoxel>{{7, 8, 9}}));
-}
-
-TEST(VOIMapping, HalvesGoUpAndWhatIsNoPlaceGoesNowhere) {
-    VolumeOfInterest volumes;
-    volumes.add("", {}, {{5, 63, 19}});
-    const std::vector<VOIVoxel> halves{{6, 63, 19}};
-    EXPECT_EQ(listed(mapped(volumes, mappingBy({1, 0, 0, 0.5f, 0, 1, 0, 0.49f, 0, 0, 1, -0.5f}))
-                         .volumes[0]
-                         .voxels),
-              halves);
-    for (const float bad : {NAN, INFINITY, -INFINITY, 3e38f, -3e38f, 0.5f}) {
-        const auto rows =
-            std::array{1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f, 0.0f, 0.0f, 1.0f, bad};
-        EXPECT_EQ(mapped(volumes, mappingBy(rows)).volumes[0].voxels.size(), 0u) << bad;
+    add(volumes, {-1, 0, 0, 0, 256, 0, 0, 0, largest, -largest - 1, 0, 0, 5, 63, 19});
+    const std::pair<float, Coordinates> cases[] = {{-0.5f, {6, 63, 19}}, {0.5f, {}},  {NAN, {}},
+                                                   {INFINITY, {}},       {3e38f, {}}, {-3e38f, {}}};
+    for (const auto& [shift, expected] : cases) {
+        const MappedVOIs result =
+            mapped(volumes, mappingBy({1, 0, 0, 0.5f, 0, 1, 0, 0.49f, 0, 0, 1, shift}));
+        EXPECT_EQ(coordinatesOf(result.volumes[0]), expected) << shift;
+        EXPECT_EQ(result.voxelsOutOfRange, 4);
     }
 }
 
 // A brain twice the size of the atlas (70 mm before the AC, 74 above it, 68 beside it).
 TEST(VOIMapping, TalairachScalingIsUndoneFirst) {
-    TalairachPoints points;
-    points.referencePoint1 = {100, 110, 120};
-    points.referencePoint2 = {146, 110, 120};
-    points.referencePoint3 = {100 - 140, 110, 120};
-    points.referencePoint4 = {304, 110, 120};
-    points.referencePoint5 = {100, 110 - 148, 120};
-    points.referencePoint6 = {100, 194, 120};
-    points.referencePoint7 = {100, 110, 120 - 136};
-    points.referencePoint8 = {100, 110, 120 + 136};
+    constexpr int x = 100, y = 110, z = 120; // of the AC
     VOIMapping mapping = mappingBy({0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, 0.5f, -60});
-    mapping.talairach = TalairachScaling::fromPoints(points);
+    mapping.talairach = TalairachScaling::fromPoints({2,
+                                                      "",
+                                                      {x, y, z},
+                                                      {146, y, z},
+                                                      {x - 140, y, z},
+                                                      {304, y, z},
+                                                      {x, y - 148, z},
+                                                      {x, 194, z},
+                                                      {x, y, z - 136},
+                                                      {x, y, z + 136}});
     ASSERT_TRUE(mapping.talairach);
     VolumeOfInterest volumes;
-    volumes.add("", {}, {{128, 128, 128}, {120, 121, 135}});
-    // (100, 110, 120) and (84, 96, 134) in AC-PC space.
-    EXPECT_EQ(listed(mapped(volumes, mapping).volumes[0].voxels),
-              (std::vector<VOIVoxel>{{50, 55, 0}, {42, 48, 7}}));
-}
-
-TEST(VOIMapping, NumbersThatTheImageCanNotHoldStillBecomeRegions) {
-    VolumeOfInterest volumes;
-    for (int number = 0; number < 256; ++number)
-        volumes.add("", {}, {{number, 1, 2}});
-    VOIMapping identity = mappingBy({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0});
-    identity.functional = {256, 2, 3};
-    const MappedVOIs result = mapped(volumes, identity);
-    EXPECT_EQ(result.image[cubeIndex(254, 1, 2)], 255);
-    EXPECT_EQ(result.image[cubeIndex(255, 1, 2)], 0);
-    EXPECT_EQ(result.volumes[255].voxels.x, std::vector{255});
+    add(volumes, {128, 128, 128, 120, 121, 135}); // (100, 110, 120), (84, 96, 134) in AC-PC space
+    EXPECT_EQ(coordinatesOf(mapped(volumes, mapping).volumes[0]),
+              (Coordinates{50, 55, 0, 42, 48, 7}));
 }
 
 } // namespace

@@ -84,11 +84,8 @@ TEST(VomFile, DamagedTextIsRefusedAndChangesNothing) {
         {"IncludeNVMPValues:          2", "IncludeNVMPValues: 2000000000", "line 8: " + lie},
         {"IncludeNVMPValues:          2", "IncludeVMPValues: 1",
          "line 8: values of maps that are not listed"},
-        {"IncludeNVMPValues:          2", "IncludeNVMPValues: 1",
-         "line 12: \"NrOfVOMs:\" is missing"},
         {"VOMs:                   2", "VOMs: 2000000000", "line 16: " + lie},
         {"Voxels: 2", "Voxels: 2000000000", "line 21: " + lie},
-        {"Voxels: 2", "Voxels: 1", "line 23: \"NameOfVOM:\" is missing"},
         {"-0.25 7", "-0.25", "line 25: no valid number"},
         {"16777216", "1e+39", "line 23: a number out of range"},
         {"16777216", "nan", "line 23: no valid number"}};

@@ -2,41 +2,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/document/amr_file.h"
 
-#include "base/byte_views.h"
-#include "base/byte_writer.h"
 #include "support/files.h"
 #include "support/scripted_messages.h"
-#include "support/test_data.h"
 
 #include <QTemporaryDir>
-#include <QtEndian>
 
 namespace {
 
-// Two images of 3 x 2 pixels, with the indices 10 11 117 / 224 225 10 and 225 225 225 / 10 10 10.
-QByteArray twoImages() {
-    return contentOf(VELO_SOURCE_DIR "/tests/fuzz/corpus/amr/two.amr");
+// two.amr has two images of 3 x 2 pixels, with the indices 10 11 117 / 224 225 10 and
+// 225 225 225 / 10 10 10.
+QByteArray corpusBytes(const char* name) {
+    return contentOf(QString(VELO_SOURCE_DIR "/tests/fuzz/corpus/amr/") + name);
 }
-
-constexpr qsizetype firstImage = 2;
-constexpr qsizetype imageBytes = 14 + 40 + 4 * 256 + 2 * 4;
 
 QRgb grey(int level) {
     return qRgb(level, level, level);
 }
 
-QImage imageOf(const std::vector<std::vector<QRgb>>& rows) {
-    QImage image(int(rows[0].size()), int(rows.size()), QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            image.setPixel(x, y, rows[size_t(y)][size_t(x)]);
+QImage imageOf(int width, const std::vector<QRgb>& pixels) {
+    QImage image(width, int(pixels.size()) / width, QImage::Format_RGB32);
+    std::ranges::copy(pixels, reinterpret_cast<QRgb*>(image.bits()));
     return image;
 }
 
-// Levels of gradations: 0, 1, 107, 214, 215 of 215 are 0, 1, 127, 254, 255 of 255.
+// Gradations 0, 1, 107, 214, 215 of 215 are 0, 1, 127, 254, 255 of 255.
 std::vector<QImage> imagesOfTwo() {
-    return {imageOf({{grey(0), grey(1), grey(127)}, {grey(254), grey(255), grey(0)}}),
-            imageOf({{grey(255), grey(255), grey(255)}, {grey(0), grey(0), grey(0)}})};
+    return {imageOf(3, {grey(0), grey(1), grey(127), grey(254), grey(255), grey(0)}),
+            imageOf(3, {grey(255), grey(255), grey(255), grey(0), grey(0), grey(0)})};
 }
 
 AmrParseResult parsed(const QByteArray& bytes, int nrOfSlices, AmrFile& file) {
@@ -50,7 +42,7 @@ TEST(AmrFile, IsWrittenAsLaidDownAndReadBack) {
     const QTemporaryDir folder;
     const QString path = folder.filePath("run.amr");
     ASSERT_TRUE(writeAMR(path, imagesOfTwo(), GreyScale(), significanceColors()));
-    EXPECT_EQ(contentOf(path), twoImages());
+    EXPECT_EQ(contentOf(path), corpusBytes("two.amr"));
     AmrFile file;
     ASSERT_TRUE(readAMR(path, 2, file));
     EXPECT_EQ(file.images, imagesOfTwo());
@@ -70,21 +62,19 @@ TEST(AmrFile, PixelsGoToTheGreyOfTheirBrightness) {
         {dark, grey(1), 53},        {dark, grey(2), 137},       {dark, grey(255), 221},
         {red, qRgb(127, 0, 0), 117}};
     for (const auto& [scale, color, expected] : cases) {
-        const QByteArray bytes = amrBytes({imageOf({{color}})}, scale, significanceColors());
+        const QByteArray bytes = amrBytes({imageOf(1, {color})}, scale, significanceColors());
         EXPECT_EQ(int(uint8_t(bytes[bytes.size() - 4])), expected) << color;
     }
 }
 
 TEST(AmrFile, MissingColoursAreWhiteAndHighIndicesAre225) {
     AmrFile file;
-    ASSERT_EQ(
-        parsed(contentOf(VELO_SOURCE_DIR "/tests/fuzz/corpus/amr/short_palette.amr"), 2, file),
-        AmrParseResult::Ok);
+    ASSERT_EQ(parsed(corpusBytes("short_palette.amr"), 2, file), AmrParseResult::Ok);
     EXPECT_EQ(file.greyTable[0], qRgb(1, 1, 1));
     EXPECT_EQ(file.greyTable[1], 0xffffffffu);
     EXPECT_EQ(file.overlayColors[19], (RgbColor{255, 255, 255}));
 
-    QByteArray bytes = twoImages();
+    QByteArray bytes = corpusBytes("two.amr");
     bytes[bytes.size() - 1 - 3] = char(230); // the top row stands last, with a byte of padding
     ASSERT_EQ(parsed(bytes, 2, file), AmrParseResult::Ok);
     EXPECT_EQ(file.images[1].pixel(0, 0), grey(255));
@@ -93,7 +83,7 @@ TEST(AmrFile, MissingColoursAreWhiteAndHighIndicesAre225) {
 TEST(AmrFile, OtherNumbersThanSlices) {
     const QTemporaryDir folder;
     const QString path = folder.filePath("%1%2.amr");
-    writeFile(path, twoImages());
+    writeFile(path, corpusBytes("two.amr"));
     ScriptedMessages messages;
     AmrFile file;
     messages.expectWarning("WARNING: \"" + path +
@@ -115,7 +105,8 @@ TEST(AmrFile, OtherNumbersThanSlices) {
 
 TEST(AmrFile, DamagedImagesAreRefused) {
     AmrFile file;
-    const QByteArray whole = twoImages();
+    const QByteArray whole = corpusBytes("two.amr");
+    const qsizetype second = 2 + (whole.size() - 2) / 2;
     for (qsizetype length = 2; length < whole.size(); length += 7)
         EXPECT_EQ(parsed(whole.left(length), 2, file), AmrParseResult::Damaged) << length;
     // Offset in the second image, number of bytes, value.
@@ -128,16 +119,10 @@ TEST(AmrFile, DamagedImagesAreRefused) {
     for (const auto& [offset, size, value] : cases) {
         QByteArray bytes = whole;
         for (int i = 0; i < size; ++i)
-            bytes[firstImage + imageBytes + offset + i] = char(value >> (8 * i));
+            bytes[second + offset + i] = char(value >> (8 * i));
         EXPECT_EQ(parsed(bytes, 2, file), AmrParseResult::Damaged) << offset << ' ' << value;
     }
     EXPECT_TRUE(file.images.empty());
-}
-
-TEST(AmrFile, IsNamedAfterTheProject) {
-    EXPECT_EQ(amrPath("/a.b/run.x.fmr"), "/a.b/run.x.amr");
-    EXPECT_EQ(amrPath("/a.b/run"), "/a.b/realtime.amr");
-    EXPECT_EQ(inplaneAmrPath("run.fmr"), "run_Inplane.amr");
 }
 
 } // namespace
