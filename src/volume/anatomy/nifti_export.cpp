@@ -86,7 +86,7 @@ bool writeFile(const QString& path, const NiftiHeader& header, const NiftiMeanin
                   writer.finish() && commitFile(file);
     }
     if (!written)
-        error = QString("ERROR: Can not write \"%1\" !").arg(path);
+        error = QString("Can not write \"%1\" !").arg(path);
     return written;
 }
 
