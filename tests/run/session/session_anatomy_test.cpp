@@ -1,5 +1,6 @@
 // Anatomy in whole sessions: its place over the run, its files, what can't be read.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/document/amr_file.h"
 #include "run/session/anatomy_session.h"
 
 namespace {
@@ -77,6 +78,19 @@ TEST(SessionAnatomyTest, ImageHeadersPlaceTheRunInTheAnatomy) {
     const Point slice = run.scan.geometry().sliceCentreInScanner(3);
     expectCubePoint(run.anatomy().anatomical, {9, 21, 3},
                     inAnatomy({slice.x + (9 - 16) * 6.0, slice.y + (21 - 16) * 6.0, slice.z}));
+}
+
+TEST(SessionAnatomyTest, WithoutCentresOfTheRunTheAnatomyIsShownWithoutMaps) {
+    AnatomySession run;
+    writeFile(run.watchFolder() + run.session.settings.philipsFilePrefix + "00001.pos",
+              anatomyPositions(2));
+    const QStringList told = run.run();
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told.first().contains("00001.pos\" is of version 2"));
+    EXPECT_EQ(run.messages.shownModeless(), told);
+    EXPECT_TRUE(run.session.anatomy.hasAnatomy());
+    EXPECT_FALSE(run.anatomy().anatomical.mapping);
+    EXPECT_EQ(run.session.requests.pendingOverlayVMR, 0);
 }
 
 TEST(SessionAnatomyTest, WhatCanNotBeReadIsToldWithoutHoldingUpTheRun) {
@@ -176,6 +190,28 @@ TEST(SessionAnatomyTest, TheCubeIsSavedAndComesBackWithAReload) {
     EXPECT_EQ(run.messages.shown(), run.messages.shownModeless());
 }
 
+TEST(SessionAnatomyTest, AReloadedRunShowsTheImagesThatItsProjectNames) {
+    AnatomySession run;
+    EXPECT_EQ(run.run(), QStringList());
+    const QString project = run.folder.filePath("results/Simulation-1.fmr");
+    run.put(
+        "results/Simulation-1.fmr",
+        contentOf(project).replace("\"<none>\"\nShowAMRFile", "\"/old/back.amr\"\nShowAMRFile"));
+    const auto slices = [&]() -> const std::vector<QImage>& {
+        return run.session.functionalDocument->slices.SlicePixmaps;
+    };
+    const std::vector<QImage> measured = slices();
+    for (const int side : {32, 31}) {
+        QImage white(side, side, QImage::Format_RGB32);
+        white.fill(Qt::white);
+        ASSERT_TRUE(writeAMR(run.folder.filePath("results/back.amr"), std::vector(6, white), {},
+                             significanceColors()));
+        ASSERT_TRUE(run.session.reloadData());
+        EXPECT_EQ(slices()[5], side == 32 ? white : measured[5]);
+    }
+    EXPECT_TRUE(run.messages.shown().last().contains("not of the size"));
+}
+
 TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     AnatomySession run;
     run.setOverlay(0, {});
@@ -193,7 +229,9 @@ TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     EXPECT_TRUE(isPlaced());
     EXPECT_TRUE(run.session.reloadData());
     EXPECT_TRUE(isPlaced());
-    // Over the run in memory at once.
+    // Over the run in memory at once, from the middle on.
+    anatomy.functionalVoxelClicked(1, 2, 3);
+    EXPECT_NE(run.anatomy().cross[1], CubeVoxel());
     int changes = 0;
     anatomy.changed = [&] { ++changes; };
     run.put("bare.vmr", vmrWith(1, 1, 1));
@@ -201,6 +239,7 @@ TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     EXPECT_TRUE(run.messages.shownModeless().last().startsWith("INFO: The place of the anatomy"));
     EXPECT_FALSE(run.anatomy().anatomical.mapping);
     EXPECT_EQ(run.anatomy().shown, ShownCube::Anatomical);
+    EXPECT_EQ(run.anatomy().cross[1], CubeVoxel());
     EXPECT_EQ(run.session.requests.pendingOverlayVMR, 1);
     EXPECT_EQ(changes, 1);
     run.session.settings.settingsFilePath = run.folder.filePath("Simulation-2.vco");

@@ -75,6 +75,23 @@ TEST(SessionVOIsTest, VolumesOfInterestBecomeRegionsWithTheirMean) {
     EXPECT_EQ(run.session.report.currentVolume, 23);
 }
 
+TEST(SessionVOIsTest, AnotherConventionOfLeftAndRightIsTold) {
+    AnatomySession run;
+    run.put("areas.voi", voiFile("CV", {{inAnatomy(AnatomySession::placeInScanner(10, 12, 3))}}));
+    EXPECT_EQ(run.run(), QStringList());
+    for (const auto& [ofAnatomy, told] : {std::pair(0, 0), {1, 0}, {2, 1}}) {
+        // Behind the voxels: no past transformations, the convention, two bytes of no meaning.
+        run.put("anatomy.vmr",
+                vmrWith(1, 1, 1) + QByteArray(4, '\0') + char(ofAnatomy) + QByteArray(2, '\0'));
+        ASSERT_TRUE(run.session.reloadData());
+        const qsizetype before = run.messages.shownModeless().size();
+        EXPECT_TRUE(run.session.vois.load(run.folder.filePath("areas.voi")));
+        EXPECT_EQ(run.messages.shownModeless().size(), before + told) << ofAnatomy;
+        EXPECT_EQ(run.messages.shown().filter("neurological").size(), told);
+        EXPECT_EQ((*run.session.regions.list())[0].voxels, (VoxelList{{10}, {12}, {3}}));
+    }
+}
+
 TEST(SessionExportTest, ARunIsExportedWithItsMapsAndMask) {
     AnatomySession run;
     EXPECT_FALSE(run.session.exports.exportAsNifti(run.folder.filePath("none.nii")));
