@@ -21,6 +21,7 @@ void expectCubePoint(const AnatomicalCube& cube, const C3dVector& voxel, const P
 
 TEST(SessionAnatomyTest, APositionFilePlacesTheRunInTheAnatomy) {
     AnatomySession run;
+    EXPECT_FALSE(run.session.anatomy.hasAnatomy() || run.session.anatomy.hasFunctionalCube());
     EXPECT_EQ(run.run(), QStringList());
     ASSERT_TRUE(run.session.anatomy.hasAnatomy() && run.session.anatomy.hasFunctionalCube());
     EXPECT_EQ(run.session.requests.pendingOverlayVMR, 0);
@@ -90,6 +91,7 @@ TEST(SessionAnatomyTest, WithoutCentresOfTheRunTheAnatomyIsShownWithoutMaps) {
     EXPECT_EQ(run.messages.shownModeless(), told);
     EXPECT_TRUE(run.session.anatomy.hasAnatomy());
     EXPECT_FALSE(run.anatomy().anatomical.mapping);
+    EXPECT_FALSE(run.anatomy().functional.spaces.cubeToScanner);
     EXPECT_EQ(run.session.requests.pendingOverlayVMR, 0);
 }
 
@@ -131,6 +133,7 @@ TEST(SessionAnatomyTest, WhatCanNotBeReadIsToldWithoutHoldingUpTheRun) {
         EXPECT_TRUE(told.first().startsWith(row.message)) << told.first().toStdString();
         EXPECT_EQ(run.messages.shownModeless().size(), modeless + 1);
         EXPECT_FALSE(run.session.anatomy.hasAnatomy());
+        EXPECT_EQ(run.anatomy().vmrPosition.positionInfoValid, 0);
         EXPECT_EQ(run.session.settings.OverlayOnVMRMode, 0);
         EXPECT_EQ(run.session.requests.pendingOverlayVMR, -1);
         EXPECT_EQ(run.session.report.currentVolume, 23);
@@ -141,6 +144,7 @@ TEST(SessionAnatomyTest, TalairachSpaceIsUndoneOnTheWayToTheRun) {
     AnatomySession run;
     run.put("shift.trf", "FileVersion: 5\nDataFormat: Matrix\n1 0 0 2\n0 1 0 -3\n0 0 1 4\n0 0 0 1\n"
                          "TransformationType: 2\nCoordinateSystem: 0\n");
+    run.put("anatomy.vmr", vmrWith(100, 110, 120) + vmrEnd(neurologicalConvention));
     // Half as large as the atlas along x, in front of the anterior commissure.
     run.put("brain.tal", "FileVersion: 2\nVMR: \"a\"\nAC: 128 128 128\nPC: 151 128 128\n"
                          "AP: 93 128 128\nPP: 230 128 128\nSP: 128 54 128\nIP: 128 170 128\n"
@@ -156,6 +160,8 @@ TEST(SessionAnatomyTest, TalairachSpaceIsUndoneOnTheWayToTheRun) {
     ASSERT_LT(point.x, 128.0);
     point.x = 128.0 - 2.0 * (128.0 - point.x);
     expectCubePoint(run.anatomy().anatomical, {14, 6, 3}, point);
+    const auto shown = spaceCoordinates(run.anatomy().anatomical.spaces, {128, 128, 140});
+    EXPECT_EQ(shown.talairach->x, 12.0f);
     // The sections through it show the voxel there.
     const CubeVoxel cross = nearestCubeVoxel({float(point.x), float(point.y), float(point.z)});
     std::vector<int32_t> indices(size_t(256) * 256);
@@ -221,7 +227,15 @@ TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     EXPECT_FALSE(anatomy.load(run.folder.filePath("missing.vmr")));
     EXPECT_EQ(anatomy.loadedFile(), "");
     EXPECT_TRUE(anatomy.load(run.folder.filePath("other.vmr")));
-    EXPECT_EQ(run.run(), QStringList());
+    bool loadedInRun = false;
+    ProbeListener probe(run.session.listeners, ListenerPlace::Plots);
+    probe.onStep = [&](VolumeStep step, const VolumeAtHand& hand) {
+        if (step == VolumeStep::Plots && hand.volume == 0)
+            loadedInRun = anatomy.load(run.folder.filePath("anatomy.vmr"));
+        return true;
+    };
+    EXPECT_EQ(run.run(), QStringList("This has to wait until the run has ended and is saved."));
+    EXPECT_FALSE(loadedInRun);
     const auto isPlaced = [&] {
         return anatomy.hasAnatomy() && run.anatomy().anatomical.name == "other.vmr" &&
                run.anatomy().anatomical.mapping;
