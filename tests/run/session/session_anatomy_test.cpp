@@ -183,7 +183,11 @@ TEST(SessionAnatomyTest, TheCubeIsSavedAndComesBackWithAReload) {
               QByteArray("\0\1\0\1\0\1", 6) +
                   QByteArray(reinterpret_cast<const char*>(cube.data()), qsizetype(cube.size())));
     EXPECT_EQ(run.saved(".amr").left(4), QByteArray("\6\0BM", 4)) << "six images";
+    run.session.anatomy.changeWindow(10, 90);
     ASSERT_TRUE(run.session.reloadData());
+    EXPECT_EQ(run.anatomy().windowLow, 10);
+    EXPECT_EQ(run.anatomy().windowHigh, 90);
+    EXPECT_EQ(run.anatomy().functional.name, "First volume");
     EXPECT_EQ(run.anatomy().functional.volume.cube, cube);
     EXPECT_TRUE(run.anatomy().functional.mapping && run.anatomy().anatomical.mapping);
     // One that was changed is shown as it is; one that is damaged is made anew.
@@ -248,10 +252,13 @@ TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     EXPECT_NE(run.anatomy().cross[1], CubeVoxel());
     int changes = 0;
     anatomy.changed = [&] { ++changes; };
-    run.put("bare.vmr", vmrWith(1, 1, 1));
+    QByteArray atlasSpace = vmrEnd(1);
+    atlasSpace.back() = 1;
+    run.put("bare.vmr", vmrWith(1, 1, 1) + atlasSpace);
     EXPECT_TRUE(anatomy.load(run.folder.filePath("bare.vmr")));
     EXPECT_TRUE(run.messages.shownModeless().last().startsWith("INFO: The place of the anatomy"));
     EXPECT_FALSE(run.anatomy().anatomical.mapping);
+    EXPECT_EQ(run.anatomy().anatomical.spaces.cube, CubeSpace::Talairach);
     EXPECT_EQ(run.anatomy().shown, ShownCube::Anatomical);
     EXPECT_EQ(run.anatomy().cross[1], CubeVoxel());
     EXPECT_EQ(run.session.requests.pendingOverlayVMR, 1);

@@ -80,7 +80,9 @@ TEST(SessionVOIsTest, VolumesOfInterestBecomeRegionsWithTheirMean) {
 
 TEST(SessionVOIsTest, AnotherConventionOfLeftAndRightIsTold) {
     AnatomySession run;
-    run.put("areas.voi", voiFile("CV", {{inAnatomy(AnatomySession::placeInScanner(10, 12, 3))}}));
+    // The name of the space is another program's, for the anatomy's own.
+    run.put("areas.voi",
+            voiFile("native", {{inAnatomy(AnatomySession::placeInScanner(10, 12, 3))}}));
     EXPECT_EQ(run.run(), QStringList());
     for (const auto& [ofAnatomy, told] : {std::pair(0, 0), {1, 0}, {2, 1}}) {
         run.put("anatomy.vmr", vmrWith(1, 1, 1) + vmrEnd(ofAnatomy));
