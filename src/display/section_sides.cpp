@@ -26,8 +26,8 @@ Direction directionOf(const AnatomicalCube& cube, const CubeVoxel& step) {
     const CubeSpace space = cube.spaces.cube;
     if (space != CubeSpace::ACPC && space != CubeSpace::Talairach)
         return {};
-    constexpr int neurological = 2;
-    const float toTheLeft = cube.volume.LeftRightConvention == neurological ? -1.0f : 1.0f;
+    const float toTheLeft =
+        cube.volume.LeftRightConvention == neurologicalConvention ? -1.0f : 1.0f;
     return {along(0, 0, toTheLeft), along(1, 0, 0), along(0, -1, 0)};
 }
 

@@ -18,10 +18,8 @@ void include(int value, int& lowest, int& highest) {
 }
 
 void takeVoxel(const VOIVoxel& voxel, const VOIMapping& mapping, MappedVOI& mapped) {
-    C3dVector point{float(voxel.x), float(voxel.y), float(voxel.z)};
-    if (mapping.talairach)
-        point = mapping.talairach->toACPC(point);
-    point = mapping.cube.cubeToFunctional * point;
+    const C3dVector point =
+        mapping.cube.functionalPlace({float(voxel.x), float(voxel.y), float(voxel.z)});
     const int x = nearestVoxel(point.x);
     const int y = nearestVoxel(point.y);
     const int z = nearestVoxel(point.z);

@@ -5,17 +5,13 @@
 #include "regions/region_of_interest.h"
 #include "regions/volume_of_interest.h"
 #include "volume/anatomy/coordinate_chain.h"
-#include "volume/anatomy/talairach_scaling.h"
 #include "volume/volume_geometry.h"
 
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 struct VOIMapping {
-    CubeMapping cube;
-    /// Set when the volumes are in Talairach space and the run's cube isn't: it is undone first.
-    std::optional<TalairachScaling> talairach;
+    CubeMapping cube; ///< of the cube that the volumes are in
     VolumeSize functional;
 };
 

@@ -34,6 +34,15 @@ def slice_centre(protocol, index):
     return [float(protocol.get(f"sSliceArray.asSlice[{index}].sPosition.{axis}", 0)) for axis in axes]
 
 
+def end_centres(protocol, slices, data):
+    """Of the first and the last tile. The first is that end of the list whose level the tags name."""
+    centres = [slice_centre(protocol, 0), slice_centre(protocol, slices - 1)]
+    row, column = numpy.array(data.ImageOrientationPatient, float).reshape(2, 3)
+    level = numpy.cross(row, column)
+    place = numpy.dot(level, numpy.array(data.ImagePositionPatient, float))
+    return sorted(centres, key=lambda centre: abs(numpy.dot(level, centre) - place))
+
+
 def order_code(text, slices):
     # Hexadecimal up to B17, decimal later.
     code = {1: 1, 2: 2, 4: 3}.get(int(text, 0), 0)
@@ -61,6 +70,7 @@ def row_of(path, name):
         return None
     slices = int(protocol["sSliceArray.lSize"])
     volume, width, height = split(data.pixel_array, slices)
+    first, last = end_centres(protocol, slices, data)
     digest = hashlib.sha256(numpy.ascontiguousarray(volume).astype("<u2").tobytes()).hexdigest()
     repetition = float(protocol["alTR[0]"]) / 1000
     thickness = float(data.get("SliceThickness", 0))
@@ -69,8 +79,7 @@ def row_of(path, name):
                order_code(protocol["sSliceArray.ucMode"], slices),
                float(data.PixelSpacing[1]), float(data.PixelSpacing[0]), thickness,
                float(data.SpacingBetweenSlices) - thickness,
-               *slice_centre(protocol, 0), *slice_centre(protocol, slices - 1),
-               *map(float, data.ImageOrientationPatient)]
+               *first, *last, *map(float, data.ImageOrientationPatient)]
     return "\t".join([name, digest] + [f"{number:.9g}" for number in numbers])
 
 

@@ -85,17 +85,17 @@ TEST(VOIMapping, HalvesGoUpAndWhatIsNoPlaceGoesNowhere) {
 TEST(VOIMapping, TalairachScalingIsUndoneFirst) {
     constexpr int x = 100, y = 110, z = 120; // of the AC
     VOIMapping mapping = mappingBy({0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, 0.5f, -60});
-    mapping.talairach = TalairachScaling::fromPoints({2,
-                                                      "",
-                                                      {x, y, z},
-                                                      {146, y, z},
-                                                      {x - 140, y, z},
-                                                      {304, y, z},
-                                                      {x, y - 148, z},
-                                                      {x, 194, z},
-                                                      {x, y, z - 136},
-                                                      {x, y, z + 136}});
-    ASSERT_TRUE(mapping.talairach);
+    mapping.cube.talairach = TalairachScaling::fromPoints({2,
+                                                           "",
+                                                           {x, y, z},
+                                                           {146, y, z},
+                                                           {x - 140, y, z},
+                                                           {304, y, z},
+                                                           {x, y - 148, z},
+                                                           {x, 194, z},
+                                                           {x, y, z - 136},
+                                                           {x, y, z + 136}});
+    ASSERT_TRUE(mapping.cube.talairach);
     VolumeOfInterest volumes;
     add(volumes, {128, 128, 128, 120, 121, 135}); // (100, 110, 120), (84, 96, 134) in AC-PC space
     EXPECT_EQ(coordinatesOf(mapped(volumes, mapping).volumes[0]),

@@ -19,6 +19,22 @@ bool writeInplaneImages(const QtCortivoDoc& document) {
                     document.slices.greyScale, document.overlayColors.active);
 }
 
+bool readBackgroundImages(QtCortivoDoc& document) {
+    const FMRProject& project = document.project;
+    const ModelessMessages nobodyWaits;
+    AmrFile file;
+    if (project.LoadAMRFile.isEmpty() || !readAMR(project.LoadAMRFile, project.NrOfSlices, file))
+        return false;
+    if (file.images.front().size() != document.slices.gridSize()) {
+        showWarning(QStringLiteral("WARNING: The images in \"%1\" are not of the size of the "
+                                   "slices. The slices of the run are shown.")
+                        .arg(project.LoadAMRFile));
+        return false;
+    }
+    document.slices.SlicePixmaps = std::move(file.images);
+    return true;
+}
+
 bool readInplaneImages(QtCortivoDoc& document) {
     const QString path = inplaneAmrPath(document.project.projectPath);
     const ModelessMessages nobodyWaits;

@@ -8,6 +8,10 @@
 [[nodiscard]] bool writeFirstVolumeImages(const QtCortivoDoc& document);
 /// False after a message.
 [[nodiscard]] bool writeInplaneImages(const QtCortivoDoc& document);
+/// The slices show the images of the file that the project names, where it names one. False, with
+/// the slices as they were, without such a file, and after a modeless message when it can't be read
+/// or has not the size of the slices.
+bool readBackgroundImages(QtCortivoDoc& document);
 /// Of a run that is reloaded. False without such a file, and after a modeless message; the document
 /// then has no inplanes.
 [[nodiscard]] bool readInplaneImages(QtCortivoDoc& document);

@@ -4,6 +4,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/plain_file.h"
+#include "run/loop/background_files.h"
 #include "run/loop/finished_run.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_anatomy.h"
@@ -150,6 +151,7 @@ void Analysis::showBackground() {
     if (!shown)
         return;
     showFirstVolume(document_);
+    readBackgroundImages(document_);
     prepareVmrOverlay(anatomyRun(run_));
     computeVmrToFunctional(anatomyRun(run_));
     showSavedCubes(anatomyRun(run_));

@@ -19,19 +19,6 @@ bool refuse(const QString& text) {
     return false;
 }
 
-bool readCentres(const QString& path, FMRPositionInfo& position) {
-    PositionFile file;
-    if (!readPositionFile(path, file))
-        return false;
-    if (!file.hasCentres())
-        return refuse(QStringLiteral("ERROR: The POS file \"%1\" is of version %2, which has no "
-                                     "centres of slices. Version 3 is needed.")
-                          .arg(path)
-                          .arg(file.version));
-    position = file.position;
-    return true;
-}
-
 bool readAlignment(const RunSettings& settings, std::array<C3dMatrix, 2>& matrices) {
     const QString& path = settings.ACPCTransformationFile;
     TransformationFile file;
@@ -66,13 +53,14 @@ bool loadByMode(const AnatomyRun& run) {
     Anatomy& anatomy = run.anatomy;
     AnatomicalCube& cube = anatomy.anatomical;
     const int mode = settings.OverlayOnVMRMode;
-    if (!readCentres(settings.FMRVMRAlignVMRPosFile, anatomy.vmrPosition) ||
+    if (!readSlicePositions(settings.FMRVMRAlignVMRPosFile, anatomy.vmrPosition) ||
         (mode != native && !readAlignment(settings, anatomy.alignmentMatrices)) ||
         (mode == talairach && !readScaling(settings, cube.spaces.talairach)) ||
         !loadVMR(volumeOfMode(settings), cube.volume, mode != native))
         return false;
     constexpr CubeSpace spaces[] = {CubeSpace::Native, CubeSpace::ACPC, CubeSpace::Talairach};
     cube.spaces.cube = spaces[mode - native];
+    cube.spaces.LeftRightConvention = cube.volume.LeftRightConvention;
     cube.name = paths::fileName(volumeOfMode(settings));
     return true;
 }
@@ -103,7 +91,7 @@ bool readAnatomyFile(const QString& path, VMRVolume& volume) {
         return false;
     const QString positions = paths::withoutExtension(path) + ".pos";
     if (volume.position.positionInfoValid == 0 && fileExists(positions))
-        static_cast<void>(readCentres(positions, volume.position));
+        static_cast<void>(readSlicePositions(positions, volume.position));
     return true;
 }
 
@@ -119,6 +107,7 @@ void placeLoadedAnatomy(Anatomy& anatomy, VMRVolume volume, const QString& path)
         cube.spaces.cube = CubeSpace::Talairach;
     else
         anatomy.vmrPosition = volume.position;
+    cube.spaces.LeftRightConvention = volume.LeftRightConvention;
     cube.volume = std::move(volume);
     cube.name = paths::fileName(path);
 }

@@ -11,31 +11,22 @@
 
 namespace {
 
-bool readRunPositions(const QString& path, FMRPositionInfo& position) {
-    const ModelessMessages nobodyWaits;
-    PositionFile file;
-    if (!readPositionFile(path, file))
-        return false;
-    position = file.position;
-    return position.positionInfoValid != 0;
-}
-
 /// Of the slices of the run: image headers state them, or a file of the scanner.
 bool takeFunctionalPosition(const AnatomyRun& run) {
     FMRPositionInfo& position = run.anatomy.functionalPosition;
     const RunSettings& settings = run.settings;
     const FMRProject& project = run.document.project;
+    const ModelessMessages nobodyWaits;
+    position = {};
     if (project.position.positionInfoValid != 0)
         position = centredOnGrid(project.position, project);
     else if (run.anatomy.anatomical.empty())
-        position = {}; // nobody needs them
+        return false; // nobody needs them
     else if (settings.documentDataType == "ANALYZE_NW")
-        return readRunPositions(
+        return readSlicePositions(
             paths::join(settings.WatchFolder, settings.philipsFilePrefix + "00001.pos"), position);
     else if (settings.documentDataType == "PHILIPS_ANALYZE_DRIN")
-        return readRunPositions(settings.FMRVMRAlignFMRPosFile, position);
-    else
-        position = {};
+        return readSlicePositions(settings.FMRVMRAlignFMRPosFile, position);
     return position.positionInfoValid != 0;
 }
 

@@ -74,6 +74,7 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     const QString contrasts = contrastFilePath({}, project.projectPath);
     setUpContrasts(document, settings, fileExists(contrasts) ? contrasts : settings.ContrastFile);
     showSlices(document.project, document);
+    readBackgroundImages(document);
     settings.OverlayInplaneData = settings.OverlayInplaneData && readInplaneImages(document);
     run.requests.pendingOverlayInplane =
         settings.OverlayInplaneData ? settings.pendingOverlayInplane : -1;

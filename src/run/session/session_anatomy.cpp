@@ -68,6 +68,7 @@ void SessionAnatomy::place(VMRVolume volume, const QString& path) {
             QStringLiteral("INFO: The place of the anatomy \"%1\" over the slices of the run is "
                            "not known, so it is shown without maps.")
                 .arg(shown.anatomical.name));
+    shown.cross[size_t(ShownCube::Anatomical)] = CubeVoxel();
     setShown(ShownCube::Anatomical);
     moveOtherCross(shown);
     tellVoxel(shown);

@@ -65,6 +65,24 @@ void tellWhatIsOutside(const VolumeOfInterest& volumes, const MappedVOIs& mapped
                  (more > 0 ? QStringLiteral(" and %1 more").arg(more) : QString())));
 }
 
+// Which side is which is then a matter of the program that wrote them; the voxels are those of the
+// cube all the same.
+void tellOfOtherConvention(const VolumeOfInterest& volumes, const VMRHeader& anatomy) {
+    const QString names[] = {QStringLiteral("radiological"), QStringLiteral("neurological")};
+    const auto isKnown = [](int convention) {
+        return convention == 1 || convention == neurologicalConvention;
+    };
+    const int ofVolumes = volumes.LeftRightConvention;
+    const int ofAnatomy = anatomy.LeftRightConvention;
+    if (!isKnown(ofVolumes) || !isKnown(ofAnatomy) || ofVolumes == ofAnatomy)
+        return;
+    showModelessWarning(
+        QStringLiteral("WARNING: The file of the volumes of interest states the %1 convention of "
+                       "left and right, and the anatomy the %2 one. The voxels are taken as they "
+                       "stand in the file: see whether their regions lie on the right side.")
+            .arg(names[ofVolumes - 1], names[ofAnatomy - 1]));
+}
+
 VoxelRectangle boundsOf(const MappedVOI& volume) {
     return {volume.slice, volume.minX, volume.maxX + 1, volume.minY, volume.maxY + 1};
 }
@@ -114,14 +132,15 @@ bool SessionVOIs::load(const QString& path) {
 }
 
 bool SessionVOIs::mapToRegions(const VolumeOfInterest& volumes, RegionPlacing placing) {
+    if (!session_.anatomicalDocument)
+        return false;
     const AnatomicalCube& cube = session_.anatomicalDocument->anatomy.anatomical;
     const QString fault = mappingFault(volumes, cube);
     if (!fault.isEmpty()) {
         showModelessWarning("WARNING: " + fault);
         return false;
     }
-    const VOIMapping mapping{*cube.mapping, cube.mapping->talairach,
-                             session_.functionalDocument->project.size()};
+    const VOIMapping mapping{*cube.mapping, session_.functionalDocument->project.size()};
     MappedVOIs mapped;
     if (!mapVOIsToFunctional(volumes, mapping, mapped)) {
         showModelessWarning("ERROR: Insufficient memory!");
@@ -137,6 +156,7 @@ bool SessionVOIs::mapToRegions(const VolumeOfInterest& volumes, RegionPlacing pl
         region.voxels = std::move(mapped.volumes[i].voxels);
         addVolume(inRun, volumes, i);
     }
+    tellOfOtherConvention(volumes, cube.volume);
     tellWhatIsOutside(volumes, mapped);
     if (regions.regions.empty() || !session_.regions.take(regions, placing))
         return false;

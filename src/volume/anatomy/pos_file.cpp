@@ -50,3 +50,18 @@ bool readPositionFile(const QString& path, PositionFile& file) {
                     .arg(path));
     return false;
 }
+
+bool readSlicePositions(const QString& path, FMRPositionInfo& position) {
+    PositionFile file;
+    if (!readPositionFile(path, file))
+        return false;
+    if (!file.hasCentres()) {
+        showWarning(QString("ERROR: The POS file \"%1\" is of version %2, which has no centres of "
+                            "slices. Version 3 is needed.")
+                        .arg(path)
+                        .arg(file.version));
+        return false;
+    }
+    position = file.position;
+    return true;
+}

@@ -24,3 +24,6 @@ struct PositionFile {
 [[nodiscard]] bool parsePositions(const QString& text, PositionFile& file);
 /// False after a message.
 [[nodiscard]] bool readPositionFile(const QString& path, PositionFile& file);
+/// Where the slices lie, with their centres. False after a message, also for a file that has none;
+/// unchanged then.
+[[nodiscard]] bool readSlicePositions(const QString& path, FMRPositionInfo& position);

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/anatomy/spaces.h"
 
-namespace {
-
-// A voxel of an AC-PC or Talairach cube, whose axes run back, down and left, in millimetres to the
-// right, front and top of the anterior commissure.
-C3dVector fromCommissure(const C3dVector& voxel, const C3dVector& commissure) {
-    return {commissure.z - voxel.z, commissure.x - voxel.x, commissure.y - voxel.y};
-}
-
-} // namespace
-
 SpaceCoordinates spaceCoordinates(const AnatomicalSpaces& spaces, const C3dVector& cubeVoxel) {
     constexpr C3dVector atlasAC{talairachAC, talairachAC, talairachAC};
     const auto& scaling = spaces.talairach;
+    // The axes of these cubes run back, down and to a side; coordinates to the right, front and
+    // top.
+    const float right = spaces.LeftRightConvention == neurologicalConvention ? 1.0f : -1.0f;
+    const auto from = [right](const C3dVector& commissure, const C3dVector& voxel) {
+        return C3dVector{right * (voxel.z - commissure.z), commissure.x - voxel.x,
+                         commissure.y - voxel.y};
+    };
     SpaceCoordinates coordinates;
     if (spaces.cubeToScanner) {
         const bool scaled = spaces.cube == CubeSpace::Talairach && scaling;
@@ -21,15 +18,13 @@ SpaceCoordinates spaceCoordinates(const AnatomicalSpaces& spaces, const C3dVecto
             *spaces.cubeToScanner * (scaled ? scaling->toACPC(cubeVoxel) : cubeVoxel);
     }
     if (spaces.cube == CubeSpace::ACPC) {
-        coordinates.acpc =
-            fromCommissure(cubeVoxel, scaling ? scaling->anteriorCommissure() : atlasAC);
+        coordinates.acpc = from(scaling ? scaling->anteriorCommissure() : atlasAC, cubeVoxel);
         if (scaling)
-            coordinates.talairach = fromCommissure(scaling->toTalairach(cubeVoxel), atlasAC);
+            coordinates.talairach = from(atlasAC, scaling->toTalairach(cubeVoxel));
     } else if (spaces.cube == CubeSpace::Talairach) {
-        coordinates.talairach = fromCommissure(cubeVoxel, atlasAC);
+        coordinates.talairach = from(atlasAC, cubeVoxel);
         if (scaling)
-            coordinates.acpc =
-                fromCommissure(scaling->toACPC(cubeVoxel), scaling->anteriorCommissure());
+            coordinates.acpc = from(scaling->anteriorCommissure(), scaling->toACPC(cubeVoxel));
     }
     return coordinates;
 }

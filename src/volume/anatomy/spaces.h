@@ -17,6 +17,7 @@ struct AnatomicalSpaces {
     CubeSpace cube = CubeSpace::Native;
     std::optional<C3dMatrix> cubeToScanner;    ///< cube voxel (Talairach: AC-PC) to scanner mm
     std::optional<TalairachScaling> talairach; ///< from the reference points of a .tal file
+    int LeftRightConvention = 0;               ///< that of the cube's VMRHeader
 };
 
 struct SpaceCoordinates {
@@ -26,8 +27,9 @@ struct SpaceCoordinates {
 };
 
 /// What is known of the point of the cube, in voxels. AC-PC and Talairach coordinates are given for
-/// cubes in one of these spaces, whose axes run back (x), down (y) and to the left (z); between the
-/// two they need the reference points. Without these the anterior commissure of an AC-PC cube is
-/// taken to be at talairachAC, as it is in a Talairach cube.
+/// cubes in one of these spaces, whose axes run back (x), down (y) and to the left (z; to the right
+/// by the neurological convention); between the two they need the reference points. Without these
+/// the anterior commissure of an AC-PC cube is taken to be at talairachAC, as it is in a Talairach
+/// cube.
 [[nodiscard]] SpaceCoordinates spaceCoordinates(const AnatomicalSpaces& spaces,
                                                 const C3dVector& cubeVoxel);

@@ -15,6 +15,9 @@ inline constexpr float cubeCentre = 127.5f;
 /// Intensities of anatomy are 0 to 225; the values above are colours of maps in files.
 inline constexpr int maximumAnatomicalIntensity = 225;
 
+/// VMRHeader::LeftRightConvention of a cube whose voxels run from left to right.
+inline constexpr int neurologicalConvention = 2;
+
 /// x fastest, then y, then z.
 [[nodiscard]] constexpr size_t cubeIndex(int x, int y, int z) {
     return (size_t(z) * cubeSide + size_t(y)) * cubeSide + size_t(x);

@@ -28,6 +28,12 @@ inline QByteArray vmrWith(int x, int y, int z) {
     return bytes;
 }
 
+/// What stands behind the voxels: no past transformations, the convention of left and right, two
+/// bytes of no meaning.
+inline QByteArray vmrEnd(int convention) {
+    return QByteArray(4, '\0') + char(convention) + QByteArray(2, '\0');
+}
+
 inline QByteArray posText(const Point& first, const Point& last, const Point& row,
                           const Point& column, int version = 3) {
     const auto line = [](const Point& p) {

@@ -1,5 +1,6 @@
 // Anatomy in whole sessions: its place over the run, its files, what can't be read.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/document/amr_file.h"
 #include "run/session/anatomy_session.h"
 
 namespace {
@@ -20,6 +21,7 @@ void expectCubePoint(const AnatomicalCube& cube, const C3dVector& voxel, const P
 
 TEST(SessionAnatomyTest, APositionFilePlacesTheRunInTheAnatomy) {
     AnatomySession run;
+    EXPECT_FALSE(run.session.anatomy.hasAnatomy() || run.session.anatomy.hasFunctionalCube());
     EXPECT_EQ(run.run(), QStringList());
     ASSERT_TRUE(run.session.anatomy.hasAnatomy() && run.session.anatomy.hasFunctionalCube());
     EXPECT_EQ(run.session.requests.pendingOverlayVMR, 0);
@@ -79,6 +81,20 @@ TEST(SessionAnatomyTest, ImageHeadersPlaceTheRunInTheAnatomy) {
                     inAnatomy({slice.x + (9 - 16) * 6.0, slice.y + (21 - 16) * 6.0, slice.z}));
 }
 
+TEST(SessionAnatomyTest, WithoutCentresOfTheRunTheAnatomyIsShownWithoutMaps) {
+    AnatomySession run;
+    writeFile(run.watchFolder() + run.session.settings.philipsFilePrefix + "00001.pos",
+              anatomyPositions(2));
+    const QStringList told = run.run();
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told.first().contains("00001.pos\" is of version 2"));
+    EXPECT_EQ(run.messages.shownModeless(), told);
+    EXPECT_TRUE(run.session.anatomy.hasAnatomy());
+    EXPECT_FALSE(run.anatomy().anatomical.mapping);
+    EXPECT_FALSE(run.anatomy().functional.spaces.cubeToScanner);
+    EXPECT_EQ(run.session.requests.pendingOverlayVMR, 0);
+}
+
 TEST(SessionAnatomyTest, WhatCanNotBeReadIsToldWithoutHoldingUpTheRun) {
     const QByteArray native = "FMRVMRAlignVMRPosFile: \"./%1\"\nIntraSessionVMRFile: \"./%2\"\n";
     const QByteArray acpc = "FMRVMRAlignVMRPosFile: \"./anatomy.pos\"\n"
@@ -117,6 +133,7 @@ TEST(SessionAnatomyTest, WhatCanNotBeReadIsToldWithoutHoldingUpTheRun) {
         EXPECT_TRUE(told.first().startsWith(row.message)) << told.first().toStdString();
         EXPECT_EQ(run.messages.shownModeless().size(), modeless + 1);
         EXPECT_FALSE(run.session.anatomy.hasAnatomy());
+        EXPECT_EQ(run.anatomy().vmrPosition.positionInfoValid, 0);
         EXPECT_EQ(run.session.settings.OverlayOnVMRMode, 0);
         EXPECT_EQ(run.session.requests.pendingOverlayVMR, -1);
         EXPECT_EQ(run.session.report.currentVolume, 23);
@@ -127,6 +144,7 @@ TEST(SessionAnatomyTest, TalairachSpaceIsUndoneOnTheWayToTheRun) {
     AnatomySession run;
     run.put("shift.trf", "FileVersion: 5\nDataFormat: Matrix\n1 0 0 2\n0 1 0 -3\n0 0 1 4\n0 0 0 1\n"
                          "TransformationType: 2\nCoordinateSystem: 0\n");
+    run.put("anatomy.vmr", vmrWith(100, 110, 120) + vmrEnd(neurologicalConvention));
     // Half as large as the atlas along x, in front of the anterior commissure.
     run.put("brain.tal", "FileVersion: 2\nVMR: \"a\"\nAC: 128 128 128\nPC: 151 128 128\n"
                          "AP: 93 128 128\nPP: 230 128 128\nSP: 128 54 128\nIP: 128 170 128\n"
@@ -142,6 +160,8 @@ TEST(SessionAnatomyTest, TalairachSpaceIsUndoneOnTheWayToTheRun) {
     ASSERT_LT(point.x, 128.0);
     point.x = 128.0 - 2.0 * (128.0 - point.x);
     expectCubePoint(run.anatomy().anatomical, {14, 6, 3}, point);
+    const auto shown = spaceCoordinates(run.anatomy().anatomical.spaces, {128, 128, 140});
+    EXPECT_EQ(shown.talairach->x, 12.0f);
     // The sections through it show the voxel there.
     const CubeVoxel cross = nearestCubeVoxel({float(point.x), float(point.y), float(point.z)});
     std::vector<int32_t> indices(size_t(256) * 256);
@@ -163,7 +183,11 @@ TEST(SessionAnatomyTest, TheCubeIsSavedAndComesBackWithAReload) {
               QByteArray("\0\1\0\1\0\1", 6) +
                   QByteArray(reinterpret_cast<const char*>(cube.data()), qsizetype(cube.size())));
     EXPECT_EQ(run.saved(".amr").left(4), QByteArray("\6\0BM", 4)) << "six images";
+    run.session.anatomy.changeWindow(10, 90);
     ASSERT_TRUE(run.session.reloadData());
+    EXPECT_EQ(run.anatomy().windowLow, 10);
+    EXPECT_EQ(run.anatomy().windowHigh, 90);
+    EXPECT_EQ(run.anatomy().functional.name, "First volume");
     EXPECT_EQ(run.anatomy().functional.volume.cube, cube);
     EXPECT_TRUE(run.anatomy().functional.mapping && run.anatomy().anatomical.mapping);
     // One that was changed is shown as it is; one that is damaged is made anew.
@@ -176,6 +200,28 @@ TEST(SessionAnatomyTest, TheCubeIsSavedAndComesBackWithAReload) {
     EXPECT_EQ(run.messages.shown(), run.messages.shownModeless());
 }
 
+TEST(SessionAnatomyTest, AReloadedRunShowsTheImagesThatItsProjectNames) {
+    AnatomySession run;
+    EXPECT_EQ(run.run(), QStringList());
+    const QString project = run.folder.filePath("results/Simulation-1.fmr");
+    run.put(
+        "results/Simulation-1.fmr",
+        contentOf(project).replace("\"<none>\"\nShowAMRFile", "\"/old/back.amr\"\nShowAMRFile"));
+    const auto slices = [&]() -> const std::vector<QImage>& {
+        return run.session.functionalDocument->slices.SlicePixmaps;
+    };
+    const std::vector<QImage> measured = slices();
+    for (const int side : {32, 31}) {
+        QImage white(side, side, QImage::Format_RGB32);
+        white.fill(Qt::white);
+        ASSERT_TRUE(writeAMR(run.folder.filePath("results/back.amr"), std::vector(6, white), {},
+                             significanceColors()));
+        ASSERT_TRUE(run.session.reloadData());
+        EXPECT_EQ(slices()[5], side == 32 ? white : measured[5]);
+    }
+    EXPECT_TRUE(run.messages.shown().last().contains("not of the size"));
+}
+
 TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     AnatomySession run;
     run.setOverlay(0, {});
@@ -185,7 +231,15 @@ TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     EXPECT_FALSE(anatomy.load(run.folder.filePath("missing.vmr")));
     EXPECT_EQ(anatomy.loadedFile(), "");
     EXPECT_TRUE(anatomy.load(run.folder.filePath("other.vmr")));
-    EXPECT_EQ(run.run(), QStringList());
+    bool loadedInRun = false;
+    ProbeListener probe(run.session.listeners, ListenerPlace::Plots);
+    probe.onStep = [&](VolumeStep step, const VolumeAtHand& hand) {
+        if (step == VolumeStep::Plots && hand.volume == 0)
+            loadedInRun = anatomy.load(run.folder.filePath("anatomy.vmr"));
+        return true;
+    };
+    EXPECT_EQ(run.run(), QStringList("This has to wait until the run has ended and is saved."));
+    EXPECT_FALSE(loadedInRun);
     const auto isPlaced = [&] {
         return anatomy.hasAnatomy() && run.anatomy().anatomical.name == "other.vmr" &&
                run.anatomy().anatomical.mapping;
@@ -193,14 +247,20 @@ TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     EXPECT_TRUE(isPlaced());
     EXPECT_TRUE(run.session.reloadData());
     EXPECT_TRUE(isPlaced());
-    // Over the run in memory at once.
+    // Over the run in memory at once, from the middle on.
+    anatomy.functionalVoxelClicked(1, 2, 3);
+    EXPECT_NE(run.anatomy().cross[1], CubeVoxel());
     int changes = 0;
     anatomy.changed = [&] { ++changes; };
-    run.put("bare.vmr", vmrWith(1, 1, 1));
+    QByteArray atlasSpace = vmrEnd(1);
+    atlasSpace.back() = 1;
+    run.put("bare.vmr", vmrWith(1, 1, 1) + atlasSpace);
     EXPECT_TRUE(anatomy.load(run.folder.filePath("bare.vmr")));
     EXPECT_TRUE(run.messages.shownModeless().last().startsWith("INFO: The place of the anatomy"));
     EXPECT_FALSE(run.anatomy().anatomical.mapping);
+    EXPECT_EQ(run.anatomy().anatomical.spaces.cube, CubeSpace::Talairach);
     EXPECT_EQ(run.anatomy().shown, ShownCube::Anatomical);
+    EXPECT_EQ(run.anatomy().cross[1], CubeVoxel());
     EXPECT_EQ(run.session.requests.pendingOverlayVMR, 1);
     EXPECT_EQ(changes, 1);
     run.session.settings.settingsFilePath = run.folder.filePath("Simulation-2.vco");

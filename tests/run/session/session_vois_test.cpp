@@ -38,6 +38,9 @@ TEST(SessionVOIsTest, VolumesOfInterestBecomeRegionsWithTheirMean) {
         const Regions& regions = *run.session.regions.list();
         ASSERT_EQ(regions.count(), 1);
         EXPECT_EQ(regions[0].voxels, (VoxelList{{10, 11}, {12, 12}, {3, 3}}));
+        EXPECT_EQ((std::array{regions[0].FromSlice, regions[0].Left, regions[0].Right,
+                              regions[0].Top, regions[0].Bottom}),
+                  (std::array{4, 11, 13, 13, 14}));
         for (const int volume : {0, 23}) {
             const auto samples = run.session.functionalDocument->project.volumes[size_t(volume)];
             const size_t first = size_t((3 * 32 + 12) * 32 + 10);
@@ -73,6 +76,23 @@ TEST(SessionVOIsTest, VolumesOfInterestBecomeRegionsWithTheirMean) {
     EXPECT_TRUE(told.first().contains("no anatomy with a known place"));
     EXPECT_EQ(run.messages.shownModeless().last(), told.first());
     EXPECT_EQ(run.session.report.currentVolume, 23);
+}
+
+TEST(SessionVOIsTest, AnotherConventionOfLeftAndRightIsTold) {
+    AnatomySession run;
+    // The name of the space is another program's, for the anatomy's own.
+    run.put("areas.voi",
+            voiFile("native", {{inAnatomy(AnatomySession::placeInScanner(10, 12, 3))}}));
+    EXPECT_EQ(run.run(), QStringList());
+    for (const auto& [ofAnatomy, told] : {std::pair(0, 0), {1, 0}, {2, 1}}) {
+        run.put("anatomy.vmr", vmrWith(1, 1, 1) + vmrEnd(ofAnatomy));
+        ASSERT_TRUE(run.session.reloadData());
+        const qsizetype before = run.messages.shownModeless().size();
+        EXPECT_TRUE(run.session.vois.load(run.folder.filePath("areas.voi")));
+        EXPECT_EQ(run.messages.shownModeless().size(), before + told) << ofAnatomy;
+        EXPECT_EQ(run.messages.shown().filter("neurological").size(), told);
+        EXPECT_EQ((*run.session.regions.list())[0].voxels, (VoxelList{{10}, {12}, {3}}));
+    }
 }
 
 TEST(SessionExportTest, ARunIsExportedWithItsMapsAndMask) {

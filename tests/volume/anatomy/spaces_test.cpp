@@ -80,6 +80,8 @@ TEST(Spaces, OnlyWhatIsKnownIsGiven) {
     coordinates = spaceCoordinates({CubeSpace::ACPC, {}, {}}, {100, 110, 120});
     expectNear(coordinates.acpc, {8, 28, 18});
     EXPECT_FALSE(coordinates.scanner || coordinates.talairach);
+    coordinates = spaceCoordinates({CubeSpace::ACPC, {}, {}, 2}, {100, 110, 120});
+    expectNear(coordinates.acpc, {-8, 28, 18}); // the neurological convention
 }
 
 } // namespace
