@@ -68,8 +68,10 @@ void SessionAnatomy::place(VMRVolume volume, const QString& path) {
             QStringLiteral("INFO: The place of the anatomy \"%1\" over the slices of the run is "
                            "not known, so it is shown without maps.")
                 .arg(shown.anatomical.name));
-    setShown(ShownCube::Anatomical);
+    // The cross stays on the voxel of the run that it marks.
+    shown.shown = ShownCube::Functional;
     moveOtherCross(shown);
+    setShown(ShownCube::Anatomical);
     tellVoxel(shown);
 }
 
@@ -182,4 +184,6 @@ void SessionAnatomy::runPrepared(QtCortivoDoc&) {
     const ShownCube wanted = chosen_;
     setShown(wanted == ShownCube::Anatomical && hasAnatomy() ? wanted : ShownCube::Functional);
     chosen_ = wanted;
+    // The slices may lie elsewhere than those of the run before.
+    moveOtherCross(*anatomy());
 }
