@@ -55,6 +55,10 @@ bool SessionAnatomy::load(const QString& path) {
     loadedSeries_ = seriesOf(session_.settings.settingsFilePath);
     if (anatomy() && hasFunctionalCube())
         place(std::move(volume), path);
+    else
+        showModelessInformation(
+            QStringLiteral("INFO: The anatomy \"%1\" will be shown with the next run.")
+                .arg(paths::fileName(path)));
     return true;
 }
 

@@ -185,6 +185,7 @@ TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     EXPECT_FALSE(anatomy.load(run.folder.filePath("missing.vmr")));
     EXPECT_EQ(anatomy.loadedFile(), "");
     EXPECT_TRUE(anatomy.load(run.folder.filePath("other.vmr")));
+    EXPECT_TRUE(run.messages.shownModeless().last().endsWith("shown with the next run."));
     EXPECT_EQ(run.run(), QStringList());
     const auto isPlaced = [&] {
         return anatomy.hasAnatomy() && run.anatomy().anatomical.name == "other.vmr" &&
