@@ -102,7 +102,9 @@ QRect AnatomicalView::legendArea() const {
 }
 
 QRectF AnatomicalView::room() const {
-    return QRectF(0, 0, legendArea().left() - fontMetrics().height() / 2, height());
+    // With a pixel around the sections, for the frame of the active one.
+    const QRect area(0, 0, legendArea().left() - fontMetrics().height() / 2, height());
+    return area.adjusted(1, 1, -1, -1);
 }
 
 SectionFields AnatomicalView::fieldsIn(const QRectF& room, double pixelRatio) const {

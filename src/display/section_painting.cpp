@@ -54,13 +54,16 @@ QString placeText(SectionAxis axis, const CubeVoxel& cross) {
                                     : QString("z %1").arg(cross.z);
 }
 
-/// In the lower left corner; without the name where that would reach the letter in the middle.
+/// In the lower left corner; without the name where that would reach the letter in the middle, and
+/// not at all where the number would.
 void paintTitle(QPainter& painter, const QRectF& area, const SectionSides& sides, SectionAxis axis,
                 const CubeVoxel& cross) {
     const QFontMetrics metrics = painter.fontMetrics();
     const double room = area.width() / 2 - metrics.height();
     const QString full = sectionTitle(sides, axis, cross);
     const QString& title = metrics.horizontalAdvance(full) < room ? full : placeText(axis, cross);
+    if (metrics.horizontalAdvance(title) > room)
+        return;
     const QSizeF size(metrics.horizontalAdvance(title) + 6, metrics.height());
     paintLabel(painter, {{area.left() + 2, area.bottom() - size.height() - 1}, size}, title);
 }

@@ -145,6 +145,11 @@ QString postprocessedText(int fontSize, const QString& projectName) {
            bold(projectName.toHtmlEscaped()) + "\".<br><br> Ready.<br></body>";
 }
 
+QString exportedText(int fontSize, const QString& fileName) {
+    return bodyStart(fontSize) + " Run exported as \"" + bold(fileName.toHtmlEscaped()) +
+           "\".<br><br> Ready.<br></body>";
+}
+
 QString reloadingText(int fontSize, const QString& settingsFileName, const QString& projectName) {
     return settingsFileHead(fontSize, settingsFileName) + "\".<br><br> Loading project \"" +
            bold(projectName.toHtmlEscaped()) + "\" from disk....<br></body>";

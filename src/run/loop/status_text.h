@@ -42,6 +42,8 @@ struct WholeRunModel;
 
 /// After post-processing: where the result lies.
 [[nodiscard]] QString postprocessedText(int fontSize, const QString& projectName);
+/// After an export: the file with the volumes.
+[[nodiscard]] QString exportedText(int fontSize, const QString& fileName);
 
 /// While a finished run is loaded from disk, and after that.
 [[nodiscard]] QString reloadingText(int fontSize, const QString& settingsFileName,

@@ -63,7 +63,8 @@ private:
 } // namespace
 
 bool SavedRun::open() {
-    if (!readFMRHeader(options_.path, header_))
+    // With the positions of its slices, for the anatomy.
+    if (!readFMRFile(options_.path, FMRScope::Project, header_))
         return false;
     const QString fault = savedDataFault(header_, options_.path);
     if (!fault.isEmpty())

@@ -55,6 +55,10 @@ bool SessionAnatomy::load(const QString& path) {
     loadedSeries_ = seriesOf(session_.settings.settingsFilePath);
     if (anatomy() && hasFunctionalCube())
         place(std::move(volume), path);
+    else
+        showModelessInformation(
+            QStringLiteral("INFO: The anatomy \"%1\" will be shown with the next run.")
+                .arg(paths::fileName(path)));
     return true;
 }
 
@@ -69,8 +73,10 @@ void SessionAnatomy::place(VMRVolume volume, const QString& path) {
                            "not known, so it is shown without maps.")
                 .arg(shown.anatomical.name));
     shown.cross[size_t(ShownCube::Anatomical)] = CubeVoxel();
-    setShown(ShownCube::Anatomical);
+    // The cross stays on the voxel of the run that it marks, where its place is known.
+    shown.shown = ShownCube::Functional;
     moveOtherCross(shown);
+    setShown(ShownCube::Anatomical);
     tellVoxel(shown);
 }
 
@@ -183,4 +189,6 @@ void SessionAnatomy::runPrepared(QtCortivoDoc&) {
     const ShownCube wanted = chosen_;
     setShown(wanted == ShownCube::Anatomical && hasAnatomy() ? wanted : ShownCube::Functional);
     chosen_ = wanted;
+    // The slices may lie elsewhere than those of the run before.
+    moveOtherCross(*anatomy());
 }

@@ -18,9 +18,9 @@ public:
     SessionAnatomy(RunSession& session, RunDisplay& display);
 
     /// Loads an anatomy (.vmr, .nii, .nii.gz) for the run in memory and those that follow of the
-    /// same series of settings files; possible in an idle session, with or without a run, of which
-    /// it is then shown. False after a message: an information unless the session is idle, else
-    /// that of the reader, and the anatomy that was there stays.
+    /// same series of settings files; possible in an idle session, with a run, over which it
+    /// is then shown, or without, which an information says. False after a message: an information
+    /// unless the session is idle, else that of the reader, and the anatomy that was there stays.
     bool load(const QString& path);
     /// The anatomy that was loaded; empty for that of the settings file.
     [[nodiscard]] const QString& loadedFile() const;

@@ -4,6 +4,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 #include "run/loop/results_export.h"
+#include "run/loop/status_text.h"
 #include "run/session/run_session.h"
 
 namespace {
@@ -49,5 +50,8 @@ bool SessionExport::exportAsNifti(const QString& path) {
     });
     if (!error.isEmpty())
         showWarning("ERROR: " + error);
+    if (done)
+        session_.report.outcomeText =
+            exportedText(session_.requests.logFontSize, paths::fileName(path));
     return done;
 }

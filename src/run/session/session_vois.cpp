@@ -46,9 +46,10 @@ QString mappingFault(const VolumeOfInterest& volumes, const AnatomicalCube& cube
 // Each kind once: a file can have thousands of them.
 void tellWhatIsOutside(const VolumeOfInterest& volumes, const MappedVOIs& mapped) {
     if (mapped.voxelsOutOfRange > 0)
-        showModelessWarning(QStringLiteral("VOXEL OUT OF RANGE\n\n%1 voxels of the volumes of "
-                                           "interest are outside the anatomy.")
-                                .arg(mapped.voxelsOutOfRange));
+        showModelessWarning(
+            QStringLiteral("VOXEL OUT OF RANGE\n\nVoxels of the volumes of interest "
+                           "outside the anatomy: %1.")
+                .arg(mapped.voxelsOutOfRange));
     QStringList names;
     for (size_t i = 0; i < mapped.volumes.size(); ++i)
         if (mapped.volumes[i].sliceOutOfBounds)
@@ -58,9 +59,9 @@ void tellWhatIsOutside(const VolumeOfInterest& volumes, const MappedVOIs& mapped
         return;
     const qsizetype more = names.size() - mostNames;
     showModelessWarning(
-        QStringLiteral("SLICE OUT OF BOUNDS\n\n%1 volumes of interest have no voxel in the slices "
-                       "of the run and make no region: %2.")
-            .arg(names.size())
+        QStringLiteral(
+            "SLICE OUT OF BOUNDS\n\nVolumes of interest without a voxel in the slices of "
+            "the run, which make no region: %1.")
             .arg(names.first(std::min(mostNames, names.size())).join(", ") +
                  (more > 0 ? QStringLiteral(" and %1 more").arg(more) : QString())));
 }

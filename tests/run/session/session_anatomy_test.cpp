@@ -231,6 +231,7 @@ TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     EXPECT_FALSE(anatomy.load(run.folder.filePath("missing.vmr")));
     EXPECT_EQ(anatomy.loadedFile(), "");
     EXPECT_TRUE(anatomy.load(run.folder.filePath("other.vmr")));
+    EXPECT_TRUE(run.messages.shownModeless().last().endsWith("shown with the next run."));
     bool loadedInRun = false;
     ProbeListener probe(run.session.listeners, ListenerPlace::Plots);
     probe.onStep = [&](VolumeStep step, const VolumeAtHand& hand) {
@@ -247,9 +248,18 @@ TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
     EXPECT_TRUE(isPlaced());
     EXPECT_TRUE(run.session.reloadData());
     EXPECT_TRUE(isPlaced());
-    // Over the run in memory at once, from the middle on.
-    anatomy.functionalVoxelClicked(1, 2, 3);
-    EXPECT_NE(run.anatomy().cross[1], CubeVoxel());
+    // Over the run in memory at once, with the cross on the same voxel of the run.
+    anatomy.functionalVoxelClicked(20, 11, 4);
+    run.put("near.vmr", vmrWith(1, 1, 1));
+    run.put("near.pos", posText({-94.5, -30.0, 5.0}, {160.5, -30.0, 5.0}, {0, 1, 0}, {0, 0, -1}));
+    EXPECT_TRUE(anatomy.load(run.folder.filePath("near.vmr")));
+    const CubeVoxel& cross = run.anatomy().cross[1];
+    const auto under =
+        run.anatomy().anatomical.functionalPlace({float(cross.x), float(cross.y), float(cross.z)});
+    ASSERT_TRUE(under);
+    EXPECT_EQ(nearestVoxel(under->x), 20);
+    EXPECT_EQ(nearestVoxel(under->y), 11);
+    EXPECT_EQ(nearestVoxel(under->z), 4);
     int changes = 0;
     anatomy.changed = [&] { ++changes; };
     QByteArray atlasSpace = vmrEnd(1);

@@ -117,19 +117,41 @@ TEST(SessionExportTest, ARunIsExportedWithItsMapsAndMask) {
     ASSERT_GT(maps, 0);
     EXPECT_EQ(exported("run_maps.nii").size(), 352 + qsizetype(4) * maps * 32 * 32 * 6);
     EXPECT_EQ(exported("run_mask.nii").size(), 352 + 32 * 32 * 6);
+    EXPECT_TRUE(run.session.report.outcomeText.contains("run.nii"));
     EXPECT_FALSE(run.session.exports.exportAsNifti("/nowhere/run.nii.gz"));
     EXPECT_TRUE(run.messages.shown().last().startsWith("ERROR: "));
+}
+
+namespace {
+
+bool playAgain(AnatomySession& run) {
+    PlayOptions options;
+    options.path = run.folder.filePath("results/Simulation-1.fmr");
+    options.settingsFile = run.folder.filePath("Simulation-1.vco");
+    options.targetFolder = run.folder.filePath("again/");
+    return run.session.playSavedRun(options, true);
+}
+
+} // namespace
+
+TEST(PlayedAnatomyTest, ASavedRunLiesWhereItWasMeasured) {
+    AnatomySession run(ScannerType::GeHdxtDicom);
+    EXPECT_EQ(run.run(), QStringList());
+    const C3dVector voxel{9, 21, 3};
+    const C3dVector measured = *run.anatomy().anatomical.cubePlace(voxel);
+    ASSERT_TRUE(playAgain(run));
+    const auto played = run.anatomy().anatomical.cubePlace(voxel);
+    ASSERT_TRUE(played);
+    EXPECT_NEAR(played->x, measured.x, 1e-3);
+    EXPECT_NEAR(played->y, measured.y, 1e-3);
+    EXPECT_NEAR(played->z, measured.z, 1e-3);
 }
 
 TEST(PlayedAnatomyTest, ARunIsPlayedAgainWithoutItsAnatomy) {
     AnatomySession run;
     EXPECT_EQ(run.run(), QStringList());
     ASSERT_TRUE(QFile::remove(run.folder.filePath("anatomy.vmr")));
-    PlayOptions options;
-    options.path = run.folder.filePath("results/Simulation-1.fmr");
-    options.settingsFile = run.folder.filePath("Simulation-1.vco");
-    options.targetFolder = run.folder.filePath("again/");
-    ASSERT_TRUE(run.session.playSavedRun(options, true));
+    ASSERT_TRUE(playAgain(run));
     EXPECT_EQ(run.session.report.currentVolume, 23);
     EXPECT_FALSE(run.session.anatomy.hasAnatomy());
     EXPECT_TRUE(run.session.anatomy.hasFunctionalCube());
