@@ -51,12 +51,19 @@ bool SplineMotionLevel::setTarget(const SplineVolume& target, size_t maximumSamp
                 c.index = uint32_t((size_t(z) * size_t(sizeY) + size_t(y)) * size_t(sizeX) + size_t(x));
                 candidates.push_back(c);
             }
-    count_ = std::min(maximumSamples, candidates.size()) / lanes * lanes;
+    count_ = std::min(maximumSamples, candidates.size()) / (4 * lanes) * (4 * lanes);
     std::nth_element(candidates.begin(), candidates.begin() + ptrdiff_t(count_), candidates.end(),
                      [](const Candidate& a, const Candidate& b) { return a.strength > b.strength; });
     candidates.resize(count_);
-    // In the order of the volume, so that the source is read from front to back.
+    // In the order of the volume, so that the source is read from front to back; the first part,
+    // which stands for all of them in the first steps, is every fourth.
     std::ranges::sort(candidates, {}, &Candidate::index);
+    std::vector<Candidate> ordered;
+    ordered.reserve(count_);
+    for (size_t part = 0; part < 4; ++part)
+        for (size_t i = part; i < count_; i += 4)
+            ordered.push_back(candidates[i]);
+    candidates = std::move(ordered);
     for (auto* set : {&positions_[0], &positions_[1], &positions_[2], &moved_, &scratch_})
         set->resize(count_);
     for (auto& values : derivatives_)
@@ -105,12 +112,12 @@ VELO_SIMD_CLONES static void toVoxels(const std::array<std::vector<float>, 3>& p
 
 VELO_SIMD_CLONES void SplineMotionLevel::accumulate(const SplineVolume& source,
                                                     const C3dMatrix& motion, double brightness,
-                                                    double scale, Sums& sums) {
+                                                    double scale, size_t count, Sums& sums) {
     std::array<std::array<float, blockSize>, 3> voxels;
     std::array<float, blockSize> inside;
     const float bright = float(brightness), bound = float(huberBound * scale);
-    for (size_t begin = 0; begin < count_; begin += blockSize) {
-        const size_t n = std::min(blockSize, count_ - begin);
+    for (size_t begin = 0; begin < count; begin += blockSize) {
+        const size_t n = std::min(blockSize, count - begin);
         toVoxels(positions_, begin, n, motion, grid_, voxels, inside);
         source.sample({voxels[0].data(), voxels[1].data(), voxels[2].data()}, n, &moved_[begin]);
         Lanes block[nrOfProducts] = {};
@@ -143,9 +150,9 @@ VELO_SIMD_CLONES void SplineMotionLevel::accumulate(const SplineVolume& source,
     }
 }
 
-double SplineMotionLevel::residualScale(double brightness) {
+double SplineMotionLevel::residualScale(double brightness, size_t count) {
     size_t n = 0;
-    for (size_t i = 0; i < count_; i += 7)
+    for (size_t i = 0; i < count; i += 7)
         if (moved_[i] > notInside)
             scratch_[n++] = std::abs(moved_[i] - float(brightness) * derivatives_[6][i]);
     if (n == 0)
@@ -158,10 +165,12 @@ std::optional<SplineMotionFit> SplineMotionLevel::fit(const SplineVolume& source
                                                       const Limits& limits) {
     SplineMotionFit result;
     double brightness = 1.0, scale = 1e9;
+    bool rough = true;
     for (int step = 0; step < limits.steps; ++step) {
         Sums sums;
-        accumulate(source, motion, brightness, scale, sums);
-        if (sums.used < count_ / 4 || sums.used < 64)
+        const size_t count = rough ? count_ / 4 : count_;
+        accumulate(source, motion, brightness, scale, count, sums);
+        if (sums.used < count / 4 || sums.used < 64)
             return std::nullopt;
         std::array<double, 49> h{};
         std::array<double, 7> change{};
@@ -193,9 +202,12 @@ std::optional<SplineMotionFit> SplineMotionLevel::fit(const SplineVolume& source
                  C3dMatrix::rotationY(float(-u[4] * degrees)) *
                  C3dMatrix::rotationZ(float(-u[5] * degrees)) *
                  C3dMatrix::translation(float(-u[0]), float(-u[1]), float(-u[2]));
-        scale = residualScale(brightness);
-        if (shift + angle * headRadius < limits.precision)
+        scale = residualScale(brightness, count);
+        const double moved = shift + angle * headRadius;
+        if (!rough && moved < limits.precision)
             break;
+        if (moved < limits.roughPrecision)
+            rough = false;
     }
     result.transformation = rigidTransformation(motion);
     return result;

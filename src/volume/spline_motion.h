@@ -32,7 +32,8 @@ public:
     /// source. Nothing when too few samples lie inside the source or the equations are singular.
     struct Limits {
         int steps;        ///< at most
-        double precision; ///< millimetres: ends when a step moves the head's surface by less
+        double roughPrecision; ///< millimetres: a step that moves the surface less is rough enough
+        double precision; ///< ends when a step moves the head's surface by less
     };
     [[nodiscard]] std::optional<SplineMotionFit> fit(const SplineVolume& source, C3dMatrix& motion,
                                                      const Limits& limits);
@@ -41,8 +42,8 @@ private:
     static constexpr size_t nrOfUnknowns = nrOfMotionParameters + 1;
     struct Sums;
     void accumulate(const SplineVolume& source, const C3dMatrix& motion, double brightness,
-                    double scale, Sums& sums);
-    [[nodiscard]] double residualScale(double brightness);
+                    double scale, size_t count, Sums& sums);
+    [[nodiscard]] double residualScale(double brightness, size_t count);
 
     VolumeGrid grid_;
     size_t count_ = 0;

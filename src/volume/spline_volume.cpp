@@ -20,6 +20,7 @@ constexpr Recursions quintic{{-0.43057534709997430f, -0.04309628820326465f}, 2, 
 constexpr float negligible = 1e-8f; // below the precision of float
 constexpr int linesAtOnce = 16; ///< along x, where neighbours stand side by side
 constexpr size_t blockSize = 64; ///< positions
+constexpr size_t readBeyond = 2; ///< coefficients behind the last one
 
 /// One recursion there and back along `n` rows of `width` values that lie `stride` apart; each value
 /// of a row belongs to a line of its own. `start` has room for a row.
@@ -76,7 +77,7 @@ template<size_t taps> struct AxisTaps {
 };
 
 /// The weights for a position that is `t` beyond a voxel.
-inline void splineWeights(float t, std::array<float, 4>& w) {
+[[gnu::always_inline]] inline void splineWeights(float t, std::array<float, 4>& w) {
     const float u = 1.0f - t;
     w[0] = u * u * u * (1.0f / 6.0f);
     w[1] = (2.0f / 3.0f) - t * t * (2.0f - t) * 0.5f;
@@ -84,7 +85,7 @@ inline void splineWeights(float t, std::array<float, 4>& w) {
     w[3] = t * t * t * (1.0f / 6.0f);
 }
 
-inline void splineWeights(float t, std::array<float, 6>& w) {
+[[gnu::always_inline]] inline void splineWeights(float t, std::array<float, 6>& w) {
     const float u = 1.0f - t, t2 = t * t, u2 = u * u;
     const auto middle = [](float x, float x2) {
         return 0.55f + x2 * (-0.5f + x2 * (0.25f - x * (1.0f / 12.0f)));
@@ -103,7 +104,7 @@ inline void splineWeights(float t, std::array<float, 6>& w) {
 }
 
 template<size_t taps>
-inline void findTaps(const float* positions, size_t count, int size, AxisTaps<taps>& found) {
+[[gnu::always_inline]] inline void findTaps(const float* positions, size_t count, int size, AxisTaps<taps>& found) {
     const float last = float(size - 1);
     for (size_t i = 0; i < count; ++i) {
         const float inside = std::min(std::max(positions[i], 0.0f), last);
@@ -125,7 +126,7 @@ inline Four fourAt(const float* values) {
 }
 
 /// The coefficients around one position times their weights, from the first of them.
-inline float weightedSum(const float* corner, size_t rowStride, size_t sliceStride,
+[[gnu::always_inline]] inline float weightedSum(const float* corner, size_t rowStride, size_t sliceStride,
                          const std::array<float, 4>& x, const std::array<float, 4>& y,
                          const std::array<float, 4>& z) {
     Four sum{};
@@ -139,27 +140,29 @@ inline float weightedSum(const float* corner, size_t rowStride, size_t sliceStri
     return (sum[0] * x[0] + sum[1] * x[1]) + (sum[2] * x[2] + sum[3] * x[3]);
 }
 
-inline float weightedSum(const float* corner, size_t rowStride, size_t sliceStride,
+using Eight = float __attribute__((vector_size(32)));
+
+/// Each row is read with two coefficients more, which get no weight.
+[[gnu::always_inline]] inline float weightedSum(const float* corner, size_t rowStride, size_t sliceStride,
                          const std::array<float, 6>& x, const std::array<float, 6>& y,
                          const std::array<float, 6>& z) {
-    // Coefficients 0 to 3 and 2 to 5 of each row.
-    Four left{}, right{};
+    Eight sum{};
     for (size_t k = 0; k < 6; ++k) {
         const float* row = corner + k * sliceStride;
-        Four planeLeft = fourAt(row) * y[0], planeRight = fourAt(row + 2) * y[0];
-        for (size_t j = 1; j < 6; ++j) {
-            planeLeft += fourAt(row + j * rowStride) * y[j];
-            planeRight += fourAt(row + j * rowStride + 2) * y[j];
+        Eight plane{};
+        for (size_t j = 0; j < 6; ++j) {
+            Eight values;
+            std::memcpy(&values, row + j * rowStride, sizeof values);
+            plane += values * y[j];
         }
-        left += planeLeft * z[k];
-        right += planeRight * z[k];
+        sum += plane * z[k];
     }
-    return ((left[0] * x[0] + left[1] * x[1]) + (left[2] * x[2] + left[3] * x[3])) +
-           (right[2] * x[4] + right[3] * x[5]);
+    return ((sum[0] * x[0] + sum[1] * x[1]) + (sum[2] * x[2] + sum[3] * x[3])) +
+           (sum[4] * x[4] + sum[5] * x[5]);
 }
 
 template<size_t taps>
-inline void sampleBlock(const float* coefficients, size_t rowStride, size_t sliceStride,
+[[gnu::always_inline]] inline void sampleBlock(const float* coefficients, size_t rowStride, size_t sliceStride,
                         const std::array<int, 3>& size, const std::array<const float*, 3>& positions,
                         size_t count, float* values) {
     AxisTaps<taps> x, y, z;
@@ -189,7 +192,7 @@ bool SplineVolume::allocate(const VolumeGrid& grid, SplineDegree degree) {
     const auto extended = [&](size_t axis) { return size_t(grid.size[axis] + before_ + behind_); };
     rowStride_ = extended(0);
     sliceStride_ = rowStride_ * extended(1);
-    if (coefficients_.allocate(sliceStride_ * extended(2)) &&
+    if (coefficients_.allocate(sliceStride_ * extended(2) + readBeyond) &&
         lines_.allocate(size_t(linesAtOnce) * extended(0) + sliceStride_))
         return true;
     coefficients_.release();
