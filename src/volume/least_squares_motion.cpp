@@ -33,10 +33,8 @@ constexpr double largestTurn = 0.5;   ///< radians
 
 using Lanes = float __attribute__((vector_size(MotionSamples::lanes * sizeof(float))));
 
-Lanes lanesAt(const float* values) {
-    Lanes result;
-    std::memcpy(&result, values, sizeof result);
-    return result;
+void load(const float* values, Lanes& lanes) {
+    std::memcpy(&lanes, values, sizeof lanes);
 }
 
 struct BlockOfVoxels {
@@ -105,28 +103,27 @@ bool LeastSquaresMotion::setTarget(const VolumeGrid& grid, std::span<const int16
     return true;
 }
 
-VELO_SIMD_CLONES void LeastSquaresMotion::accumulate(const State& state, size_t count,
-                                                     Sums& sums) {
+VELO_SIMD_CLONES void LeastSquaresMotion::accumulate(const State& state, size_t count, Sums& sums) {
     constexpr size_t lanes = MotionSamples::lanes;
     BlockOfVoxels block;
     const float brightness = float(state.brightness), bound = float(huberBound * state.scale);
     for (size_t begin = 0; begin < count; begin += blockSize) {
         const size_t n = std::min(blockSize, count - begin);
         moveBlock(samples_, begin, n, state.motion, block);
-        source_.sample({block.positions[0].data(), block.positions[1].data(),
-                        block.positions[2].data()},
-                       n, &moved_[begin]);
+        source_.sample(
+            {block.positions[0].data(), block.positions[1].data(), block.positions[2].data()}, n,
+            &moved_[begin]);
         Lanes products[nrOfProducts] = {};
         for (size_t i = 0; i < n; i += lanes) {
-            Lanes d[nrOfUnknowns];
+            Lanes d[nrOfUnknowns], residual, weight;
             for (size_t k = 0; k < nrOfMotionParameters; ++k)
-                d[k] = lanesAt(&samples_.derivatives[k][begin + i]);
-            d[nrOfMotionParameters] = lanesAt(&samples_.values[begin + i]);
-            const Lanes residual =
-                lanesAt(&moved_[begin + i]) - brightness * d[nrOfMotionParameters];
+                load(&samples_.derivatives[k][begin + i], d[k]);
+            load(&samples_.values[begin + i], d[nrOfMotionParameters]);
+            load(&moved_[begin + i], residual);
+            load(&block.inside[i], weight);
+            residual -= brightness * d[nrOfMotionParameters];
             const Lanes magnitude = residual < 0.0f ? -residual : residual;
-            const Lanes weight = lanesAt(&block.inside[i]) *
-                                 (magnitude > bound ? bound / magnitude : Lanes{} + 1.0f);
+            weight *= magnitude > bound ? bound / magnitude : Lanes{} + 1.0f;
             size_t p = 0;
             for (size_t k = 0; k < nrOfUnknowns; ++k) {
                 const Lanes weighted = weight * d[k];

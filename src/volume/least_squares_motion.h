@@ -1,5 +1,5 @@
-// Rigid motion by robust least squares with true derivatives: the exact method of motion correction.
-// SPDX-License-Identifier: GPL-3.0-or-later
+// Rigid motion by robust least squares with true derivatives: the exact method of motion
+// correction. SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "volume/motion_samples.h"
@@ -26,8 +26,8 @@ public:
         double residual = 0.0; ///< standard deviation, from the median, in units of the samples
     };
     /// The motion of a volume, found from a first guess. Nothing when the volume doesn't determine
-    /// one: it is blank, or another one, too much of the target is outside of it, or the steps don't
-    /// come to an end.
+    /// one: it is blank, or another one, too much of the target is outside of it, or the steps
+    /// don't come to an end.
     [[nodiscard]] std::optional<Result> fit(std::span<const int16_t> volume,
                                             const RigidTransformation& start);
 

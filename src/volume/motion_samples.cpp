@@ -6,7 +6,8 @@
 
 namespace {
 
-/// Voxels at a border have a neighbour on one side only. A volume of one or two slices has no others.
+/// Voxels at a border have a neighbour on one side only. A volume of one or two slices has no
+/// others.
 struct Inside {
     explicit Inside(int size) : first(size > 2 ? 1 : 0), end(size - first) {}
     int first;
@@ -36,9 +37,8 @@ public:
         for (size_t axis = 0; axis < 3; ++axis) {
             if (voxel[axis] == 0 || voxel[axis] == grid_.size[axis] - 1)
                 continue;
-            const float slope =
-                (sample(index + strides_[axis]) - sample(index - strides_[axis])) /
-                (2.0f * grid_.spacing[axis]);
+            const float slope = (sample(index + strides_[axis]) - sample(index - strides_[axis])) /
+                                (2.0f * grid_.spacing[axis]);
             sum += slope * slope;
         }
         return sum;
@@ -124,7 +124,8 @@ MotionSamples chooseMotionSamples(const SplineVolume& target, std::span<const in
     if (volume.size() != samples.grid.samples() || target.empty())
         return {};
     try {
-        const std::vector<std::array<int, 3>> voxels = inParts(steepestVoxels(samples.grid, volume));
+        const std::vector<std::array<int, 3>> voxels =
+            inParts(steepestVoxels(samples.grid, volume));
         for (auto& values : samples.positions)
             values.reserve(voxels.size());
         for (auto& values : samples.derivatives)

@@ -28,7 +28,8 @@ struct MotionSamples {
     [[nodiscard]] size_t count() const { return values.size(); }
 };
 
-/// Chooses the voxels with the steepest slopes, and none at the border of the volume. `target` holds
-/// the samples of `volume`. Empty when memory runs out, or when the volume has too few voxels.
+/// Chooses the voxels with the steepest slopes, and none at the border of the volume. `target`
+/// holds the samples of `volume`. Empty when memory runs out, or when the volume has too few
+/// voxels.
 [[nodiscard]] MotionSamples chooseMotionSamples(const SplineVolume& target,
                                                 std::span<const int16_t> volume);

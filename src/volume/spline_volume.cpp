@@ -18,12 +18,12 @@ struct Recursions {
 constexpr Recursions cubic{{-0.26794919243112270f, 0.0f}, 1, 6.0f}; // sqrt(3) - 2
 constexpr Recursions quintic{{-0.43057534709997430f, -0.04309628820326465f}, 2, 120.0f};
 constexpr float negligible = 1e-8f; // below the precision of float
-constexpr int linesAtOnce = 16; ///< along x, where neighbours stand side by side
-constexpr size_t blockSize = 64; ///< positions
-constexpr size_t readBeyond = 2; ///< coefficients behind the last one
+constexpr int linesAtOnce = 16;     ///< along x, where neighbours stand side by side
+constexpr size_t blockSize = 64;    ///< positions
+constexpr size_t readBeyond = 2;    ///< coefficients behind the last one
 
-/// One recursion there and back along `n` rows of `width` values that lie `stride` apart; each value
-/// of a row belongs to a line of its own. `start` has room for a row.
+/// One recursion there and back along `n` rows of `width` values that lie `stride` apart; each
+/// value of a row belongs to a line of its own. `start` has room for a row.
 VELO_SIMD_CLONES void filterLines(float* values, int n, size_t stride, size_t width, float pole,
                                   float gain, float* start) {
     const auto row = [=](int i) { return values + size_t(i) * stride; };
@@ -104,7 +104,8 @@ template<size_t taps> struct AxisTaps {
 }
 
 template<size_t taps>
-[[gnu::always_inline]] inline void findTaps(const float* positions, size_t count, int size, AxisTaps<taps>& found) {
+[[gnu::always_inline]] inline void findTaps(const float* positions, size_t count, int size,
+                                            AxisTaps<taps>& found) {
     const float last = float(size - 1);
     for (size_t i = 0; i < count; ++i) {
         const float inside = std::min(std::max(positions[i], 0.0f), last);
@@ -126,9 +127,10 @@ inline Four fourAt(const float* values) {
 }
 
 /// The coefficients around one position times their weights, from the first of them.
-[[gnu::always_inline]] inline float weightedSum(const float* corner, size_t rowStride, size_t sliceStride,
-                         const std::array<float, 4>& x, const std::array<float, 4>& y,
-                         const std::array<float, 4>& z) {
+[[gnu::always_inline]] inline float weightedSum(const float* corner, size_t rowStride,
+                                                size_t sliceStride, const std::array<float, 4>& x,
+                                                const std::array<float, 4>& y,
+                                                const std::array<float, 4>& z) {
     Four sum{};
     for (size_t k = 0; k < 4; ++k) {
         const float* row = corner + k * sliceStride;
@@ -143,9 +145,10 @@ inline Four fourAt(const float* values) {
 using Eight = float __attribute__((vector_size(32)));
 
 /// Each row is read with two coefficients more, which get no weight.
-[[gnu::always_inline]] inline float weightedSum(const float* corner, size_t rowStride, size_t sliceStride,
-                         const std::array<float, 6>& x, const std::array<float, 6>& y,
-                         const std::array<float, 6>& z) {
+[[gnu::always_inline]] inline float weightedSum(const float* corner, size_t rowStride,
+                                                size_t sliceStride, const std::array<float, 6>& x,
+                                                const std::array<float, 6>& y,
+                                                const std::array<float, 6>& z) {
     Eight sum{};
     for (size_t k = 0; k < 6; ++k) {
         const float* row = corner + k * sliceStride;
@@ -162,9 +165,10 @@ using Eight = float __attribute__((vector_size(32)));
 }
 
 template<size_t taps>
-[[gnu::always_inline]] inline void sampleBlock(const float* coefficients, size_t rowStride, size_t sliceStride,
-                        const std::array<int, 3>& size, const std::array<const float*, 3>& positions,
-                        size_t count, float* values) {
+[[gnu::always_inline]] inline void sampleBlock(const float* coefficients, size_t rowStride,
+                                               size_t sliceStride, const std::array<int, 3>& size,
+                                               const std::array<const float*, 3>& positions,
+                                               size_t count, float* values) {
     AxisTaps<taps> x, y, z;
     findTaps(positions[0], count, size[0], x);
     findTaps(positions[1], count, size[1], y);

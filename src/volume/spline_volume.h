@@ -13,8 +13,8 @@
 enum class SplineDegree { Cubic = 3, Quintic = 5 };
 
 /// The interpolating B-spline of a volume (M. Unser, Splines: a perfect fit for signal and
-/// image processing, IEEE Signal Processing Magazine 16(6), 1999, 22-38). At the voxels it has their
-/// values. Beyond the outermost voxels the volume is continued by mirroring at them.
+/// image processing, IEEE Signal Processing Magazine 16(6), 1999, 22-38). At the voxels it has
+/// their values. Beyond the outermost voxels the volume is continued by mirroring at them.
 class SplineVolume {
 public:
     /// Work space for volumes of these sizes. False, and empty, when memory runs out.
