@@ -16,6 +16,7 @@
 class ByteWriter {
 public:
     void u8(uint8_t value) { number(value, 1); }
+    void u16(uint16_t value) { number(value, 2); }
     void u32(uint32_t value) { number(value, 4); }
     void u64(uint64_t value) { number(value, 8); }
     void i32(int32_t value) { u32(uint32_t(value)); }

@@ -35,7 +35,24 @@ MessageHandler*& currentHandler() {
     return handler;
 }
 
+int modelessScopes = 0; // of the one thread that shows messages
+
+void showUnlessModeless(MessageLevel level, const QString& text, const QString& title) {
+    if (modelessScopes > 0)
+        currentHandler()->showModeless(level, text);
+    else
+        currentHandler()->show(level, text, title);
+}
+
 } // namespace
+
+ModelessMessages::ModelessMessages() {
+    ++modelessScopes;
+}
+
+ModelessMessages::~ModelessMessages() {
+    --modelessScopes;
+}
 
 void OpenChooser::close() {
     // Closing may re-enter this function.
@@ -55,11 +72,11 @@ MessageHandler* installMessageHandler(MessageHandler* handler) {
 }
 
 void showInformation(const QString& text, const QString& title) {
-    currentHandler()->show(MessageLevel::Information, text, title);
+    showUnlessModeless(MessageLevel::Information, text, title);
 }
 
 void showWarning(const QString& text, const QString& title) {
-    currentHandler()->show(MessageLevel::Warning, text, title);
+    showUnlessModeless(MessageLevel::Warning, text, title);
 }
 
 void showCritical(const QString& text, const QString& title) {

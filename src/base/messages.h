@@ -134,6 +134,18 @@ void showWarning(const QString& text, const QString& title = programTitle);
 void showCritical(const QString& text, const QString& title = programTitle);
 void showModelessInformation(const QString& text);
 void showModelessWarning(const QString& text);
+
+/// While one exists, what showInformation() and showWarning() tell is modeless: for steps that read
+/// files without which the work goes on, and whose readers are used where somebody waits for them
+/// too. Critical messages, after which the program may end, stay as they are.
+class ModelessMessages {
+public:
+    ModelessMessages();
+    ~ModelessMessages();
+    ModelessMessages(const ModelessMessages&) = delete;
+    ModelessMessages& operator=(const ModelessMessages&) = delete;
+};
+
 [[nodiscard]] bool askQuestion(const QString& text, const QString& title = programTitle);
 /// The same where Yes may lose something: Return means No.
 [[nodiscard]] bool askBeforeLoss(const QString& text);

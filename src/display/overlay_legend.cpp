@@ -2,7 +2,7 @@
 #include "display/overlay_legend.h"
 
 #include "dialogs/number_fields.h"
-#include "display/slice_mosaic.h"
+#include "display/overlay_coloring.h"
 
 #include <QFontMetrics>
 #include <QPainter>

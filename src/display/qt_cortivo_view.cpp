@@ -63,6 +63,11 @@ void QtCortivoView::setVolumeReadOut(int volume) {
     update(readOutLine());
 }
 
+void QtCortivoView::markVoxel(const std::optional<VoxelPosition>& voxel) {
+    readOut_ = voxel;
+    update();
+}
+
 void QtCortivoView::setRegionMarking(const RegionMarking& marking) {
     if (marking == marking_)
         return;

@@ -36,6 +36,8 @@ public:
     void setPluginMaps(const RegisteredPluginMaps* registered) { pluginMaps_ = registered; }
     /// The volume whose samples are read out, or firstVolumeAsRead.
     void setVolumeReadOut(int volume);
+    /// Reads a voxel out as if it had been clicked, or none; told of by nobody.
+    void markVoxel(const std::optional<VoxelPosition>& voxel);
     void setRegionMarking(const RegionMarking& marking);
     /// What legend and read-out call the values of the maps; empty for what their kind says.
     void setStatisticName(const QString& name) { statisticName_ = name; }
@@ -74,6 +76,8 @@ Q_SIGNALS:
     /// The operator has dragged a rectangle over these voxels; it is inside the slice and not
     /// empty.
     void rectangleSelected(const VoxelRectangle& rectangle);
+    /// The operator has clicked on this voxel, which is read out.
+    void voxelClicked(const VoxelPosition& voxel);
 
 protected:
     bool event(QEvent* event) override;

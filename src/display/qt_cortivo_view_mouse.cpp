@@ -96,6 +96,8 @@ void QtCortivoView::mouseDoubleClickEvent(QMouseEvent* event) {
     readOut_ = readOutBeforeClick_;
     zoom_.reset();
     update();
+    if (readOut_)
+        Q_EMIT voxelClicked(*readOut_);
 }
 
 void QtCortivoView::click() {
@@ -105,6 +107,8 @@ void QtCortivoView::click() {
         readOut_.reset();
     else
         readOut_ = drag_.first;
+    if (readOut_)
+        Q_EMIT voxelClicked(*readOut_);
 }
 
 bool QtCortivoView::cancelDrag() {

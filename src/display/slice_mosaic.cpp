@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/slice_mosaic.h"
 
-#include "display/overlay_kernels.h"
+#include "display/overlay_coloring.h"
 #include "display/slice_mosaic_geometry.h"
 
 #include <algorithm>
@@ -38,70 +38,34 @@ struct Canvas {
     }
 };
 
-PackedColors packedColors(const OverlayColorTable& table) {
-    PackedColors packed;
-    const auto channel = [](int value) { return uint32_t(std::clamp(value, 0, 255)); };
-    for (size_t i = 0; i < packed.size(); ++i)
-        packed[i] = black | channel(table[i].red) << 16 | channel(table[i].green) << 8 |
-                    channel(table[i].blue);
-    return packed;
-}
-
 /// Paints the shown maps over the tiles of one mosaic.
 class OverlayPainter {
 public:
     OverlayPainter(const SliceMosaicSource& source, int scale)
-        : maps_(source.maps), thresholds_(source.thresholds), scale_(scale),
-          table_(packedColors(maps_.colors)), colors_(size_t(maps_.size.x)) {
-        for (unsigned passing = 1; passing < colorOfSet_.size(); ++passing)
-            colorOfSet_[passing] = table_[size_t(multiMapColorIndex(passing, maps_.count()))];
-    }
+        : size_(source.maps.size), scale_(scale), coloring_(source.maps, source.thresholds),
+          colors_(size_t(size_.x)) {}
 
     /// Works row by row; `colors_` is large enough for one.
     void paintSlice(Canvas& canvas, int slice, int column, int row) {
-        const int left = column * maps_.size.x * scale_;
-        for (int y = 0; y < maps_.size.y; ++y) {
-            const int top = (y + row * maps_.size.y) * scale_;
-            colorRow(slice, size_t(y) * size_t(maps_.size.x));
-            if (scale_ == 1 && left + maps_.size.x <= canvas.size.width()) {
+        const int left = column * size_.x * scale_;
+        for (int y = 0; y < size_.y; ++y) {
+            const int top = (y + row * size_.y) * scale_;
+            coloring_.colorStretch(slice, size_t(y) * size_t(size_.x), colors_);
+            if (scale_ == 1 && left + size_.x <= canvas.size.width()) {
                 if (top < canvas.size.height())
                     paintOver(canvas.line(top) + left, colors_);
                 continue;
             }
-            for (int x = 0; x < maps_.size.x; ++x)
+            for (int x = 0; x < size_.x; ++x)
                 if (colors_[size_t(x)] != 0)
                     canvas.fillSquare(left + x * scale_, top, scale_, colors_[size_t(x)]);
         }
     }
 
 private:
-    /// Puts the colours of a row that begins at this pixel of the slice into colors_, 0 for voxels
-    /// that are not shown.
-    void colorRow(int slice, size_t pixel) {
-        OverlayStretch stretch{maps_.values.size(), {}, {}};
-        for (size_t map = 0; map < stretch.nrOfMaps; ++map) {
-            stretch.values[map] =
-                maps_.values[map].data() + size_t(slice) * maps_.size.sliceSamples() + pixel;
-            stretch.states[map] = maps_.states[map];
-        }
-        if (maps_.significanceColorCoding)
-            significanceColors(stretch, thresholds_, table_, colors_);
-        else
-            multiMapColors(stretch, thresholds_.Threshold, colorOfSet_, colors_);
-        if (!maps_.clusterSizes || !thresholds_.filtersClusters())
-            return;
-        std::span<const int> sizes;
-        if (size_t(slice) < maps_.clusterSizes->size())
-            sizes = (*maps_.clusterSizes)[size_t(slice)];
-        dropSmallClusters(sizes.subspan(std::min(pixel, sizes.size())),
-                          thresholds_.ClusterSizePixels, colors_);
-    }
-
-    const ShownMaps& maps_;
-    const OverlayThresholds thresholds_;
+    VolumeSize size_;
     int scale_;
-    PackedColors table_;
-    std::array<uint32_t, 1u << ContrastDefinitions::maximumShownMaps> colorOfSet_{};
+    OverlayColoring coloring_;
     std::vector<uint32_t> colors_; ///< of a row
 };
 
@@ -126,17 +90,6 @@ void copyTile(Canvas& canvas, const QImage& image, QPoint corner, QSize tile) {
 }
 
 } // namespace
-
-int multiMapColorIndex(unsigned passing, int nrOfMaps) {
-    // By set of passing maps, bit i for map i. The colours of sets of three maps that hold map 3
-    // and those of pairs with it don't follow the order of the bits.
-    static constexpr std::array<int, 16> table{0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 10, 12, 13, 14};
-    constexpr unsigned firstThree = 0b111;
-    // Three shown maps that all pass take the entry of a fourth map.
-    if (nrOfMaps == 3 && passing == firstThree)
-        return 7;
-    return table[passing & 0b1111];
-}
 
 bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source) {
     const std::vector<QImage>& images = source.images();

@@ -25,15 +25,10 @@ struct SliceMosaicSource {
     }
 };
 
-/// Index into the contrast colours for a voxel at which the maps with a bit in `passing` (not 0)
-/// reach the threshold, out of `nrOfMaps` (1 to 4) shown ones.
-[[nodiscard]] int multiMapColorIndex(unsigned passing, int nrOfMaps);
-
 /// Composes the mosaic at one pixel for each pixel of the tiles. `target` gets the size columns by
 /// rows of tiles, of the size of the first image; its memory is kept where the size stays.
 ///
-/// Each voxel that passes voxelIsShown() gets its colour from multiMapColorIndex() or
-/// significanceColors(), and becomes a square of s x s pixels with s = tile width /
+/// Each voxel that OverlayColoring shows becomes a square of s x s pixels with s = tile width /
 /// DimX, rounded, at ((x + column * DimX) * s, (y + row * DimY) * s), without interpolation. Maps
 /// that don't have the slices' grid are not painted. False, with a null image, when there are no
 /// slices or the mosaic would be too large (see sliceMosaicSize()).

@@ -22,12 +22,12 @@ void paintBorders(QPainter& painter, const MosaicTiles& tiles) {
     }
 }
 
+} // namespace
+
 void paintLabel(QPainter& painter, const QRectF& ground, const QString& text) {
     painter.fillRect(ground, labelGround);
     painter.drawText(ground, Qt::AlignCenter, text);
 }
-
-} // namespace
 
 void paintTileMarks(QPainter& painter, const MosaicTiles& tiles, const PatientSides& sides,
                     const QRectF& visible, const QFont& font) {

@@ -14,6 +14,9 @@ class QPainter;
 inline const QColor labelColor(196, 202, 210);
 inline const QColor labelGround(0, 0, 0, 150);
 
+/// A text in the middle of a ground that keeps it readable on bright pictures.
+void paintLabel(QPainter& painter, const QRectF& ground, const QString& text);
+
 /// Lines between the tiles; in the visible part of each that is large enough for it, the number of
 /// its slice, from 1, and the sides where they are known.
 void paintTileMarks(QPainter& painter, const MosaicTiles& tiles, const PatientSides& sides,

@@ -29,14 +29,22 @@ std::optional<VoxelReadOut> voxelReadOut(const QtCortivoDoc& document, const Vox
     VoxelReadOut readOut;
     readOut.voxel = voxel;
     const std::span<const int16_t> samples = samplesOf(document.project, volume);
-    if (!samples.empty()) {
-        readOut.volume = std::max(volume, 0);
+    readOut.volume = volume;
+    if (!samples.empty())
         readOut.value = samples[offset];
-    }
     readOut.statistic = maps.statistic;
     for (int map = 0; map < maps.count() && maps.size == size; ++map)
         readOut.maps.push_back({maps.names[map], maps.values[size_t(map)][offset]});
     return readOut;
+}
+
+QString volumeName(int volume) {
+    return volume == firstVolumeAsRead ? QString("first volume as read")
+                                       : QString("volume %1").arg(volume + 1);
+}
+
+QString mapValueText(const VoxelReadOut& readOut, const VoxelReadOut::MapValue& map) {
+    return QString::number(double(map.value), 'f', readOut.decimals);
 }
 
 QString voxelReadOutText(const VoxelReadOut& readOut) {
@@ -44,12 +52,11 @@ QString voxelReadOutText(const VoxelReadOut& readOut) {
                        .arg(readOut.voxel.x + 1)
                        .arg(readOut.voxel.y + 1)
                        .arg(readOut.voxel.slice + 1);
-    if (readOut.volume >= 0)
-        text += QString("   volume %1: %2").arg(readOut.volume + 1).arg(readOut.value);
+    if (readOut.value)
+        text += QString("   %1: %2").arg(volumeName(readOut.volume)).arg(*readOut.value);
     QStringList maps;
     for (const VoxelReadOut::MapValue& map : readOut.maps)
-        maps << QString("%1 %2").arg(map.name,
-                                     QString::number(double(map.value), 'f', readOut.decimals));
+        maps << map.name + ' ' + mapValueText(readOut, map);
     if (!maps.isEmpty())
         text += "   " + readOut.statistic + ": " + maps.join(", ");
     return text;

@@ -11,6 +11,10 @@
 class QtCortivoDoc;
 struct ShownMaps;
 
+/// A volume as it was read, before any correction: the first one, which the slices show at first.
+/// Where volumes are skipped at the start, it is none of those that are counted.
+inline constexpr int firstVolumeAsRead = -1;
+
 struct VoxelReadOut {
     struct MapValue {
         QString name;
@@ -18,15 +22,13 @@ struct VoxelReadOut {
     };
 
     VoxelPosition voxel;
-    int volume = -1; ///< from 0; -1 when nothing has been measured
-    int value = 0;   ///< in that volume, signed as in the model and the curves
+    int volume = firstVolumeAsRead; ///< from 0, or this
+    /// In that volume, signed as in the model and the curves; nothing when it wasn't measured.
+    std::optional<int> value;
     QString statistic;
     int decimals = 2; ///< of the values of maps
     std::vector<MapValue> maps;
 };
-
-/// A volume as it was read, before any correction: the first one, which the slices show at first.
-inline constexpr int firstVolumeAsRead = -1;
 
 /// The sample of a volume that is measured, or firstVolumeAsRead, and the values of the maps if
 /// they have the size of the run's volumes. Nothing for a voxel outside these.
@@ -34,5 +36,9 @@ inline constexpr int firstVolumeAsRead = -1;
                                                        const VoxelPosition& voxel, int volume,
                                                        const ShownMaps& maps);
 
+/// "volume 3", or "first volume as read".
+[[nodiscard]] QString volumeName(int volume);
+/// The value of a map with its decimals.
+[[nodiscard]] QString mapValueText(const VoxelReadOut& readOut, const VoxelReadOut::MapValue& map);
 /// In one line, all numbers from 1.
 [[nodiscard]] QString voxelReadOutText(const VoxelReadOut& readOut);

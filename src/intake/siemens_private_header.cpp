@@ -17,6 +17,7 @@ namespace {
 
 // Lines longer than this are read in pieces.
 constexpr size_t longestLine = 254;
+constexpr std::string_view blockEnd = "### ASCCONV END";
 
 bool holds(std::string_view line, std::string_view key) {
     return line.find(key) != std::string_view::npos;
@@ -28,6 +29,16 @@ std::string_view valueOf(std::string_view line) {
     if (equals == std::string_view::npos || line.size() < equals + 2)
         return {};
     return line.substr(equals + 2);
+}
+
+// The digits of a small number. Older software writes "0x" before them; newer software writes a tab
+// where older software writes a blank.
+std::string_view digitsOf(std::string_view value) {
+    value.remove_prefix(std::min(value.find_first_not_of(" \t"), value.size()));
+    value = value.substr(0, value.find_last_not_of(" \t") + 1);
+    if (value.starts_with("0x"))
+        value.remove_prefix(2);
+    return value;
 }
 
 // Microseconds to whole milliseconds, rounded half up.
@@ -44,6 +55,9 @@ public:
 
     /// False when nothing more is wanted.
     bool take(std::string_view line) {
+        takeNumbering(line);
+        if (onlyNumbering_)
+            return !holds(line, blockEnd);
         if (holds(line, "sSliceArray.asSlice[0].sPosition"))
             positionsMet_ = true;
         takeTimes(line);
@@ -53,9 +67,11 @@ public:
         if (order)
             takeSliceOrder(valueOf(line));
         orderMet_ |= order;
-        // If the order precedes the slices, these end with the block.
-        const bool last = order || (orderMet_ && holds(line, "### ASCCONV END"));
-        return !(last && positionsMet_ && repetitionTimeMet_);
+        // If the order precedes the slices, these end with the block. Behind it comes the numbering
+        // of the images.
+        const bool ended = orderMet_ && holds(line, blockEnd);
+        onlyNumbering_ = (order || ended) && positionsMet_ && repetitionTimeMet_;
+        return !(onlyNumbering_ && ended);
     }
 
     /// True when slice positions were found.
@@ -68,6 +84,8 @@ public:
         const bool interleaved = project_.SliceAcquisitionOrder == 3;
         if (project_.SliceAcquisitionOrderVerified && interleaved && project_.NrOfSlices % 2 == 0)
             project_.SliceAcquisitionOrder = 5;
+        if (imagesFromLastSlice())
+            std::swap(project_.position.sliceCenterFirst, project_.position.sliceCenterLast);
         return positionsMet_;
     }
 
@@ -110,16 +128,32 @@ private:
     }
 
     void takeSliceOrder(std::string_view value) {
-        // Newer software writes a tab where older software writes a blank.
-        value.remove_prefix(std::min(value.find_first_not_of(" \t"), value.size()));
-        value = value.substr(0, value.find_last_not_of(" \t") + 1);
-        if (value.starts_with("0x"))
-            value.remove_prefix(2);
         constexpr std::array<std::string_view, 3> modes{"1", "2", "4"};
-        const auto mode = std::ranges::find(modes, value);
+        const auto mode = std::ranges::find(modes, digitsOf(value));
         project_.SliceAcquisitionOrderVerified = mode != modes.end();
         if (mode != modes.end())
             project_.SliceAcquisitionOrder = int(mode - modes.begin()) + 1;
+    }
+
+    /// The block states for each main orientation whether images are numbered against the list of
+    /// slices.
+    void takeNumbering(std::string_view line) {
+        constexpr std::array<std::string_view, 3> keys{"sSliceArray.ucImageNumbSag",
+                                                       "sSliceArray.ucImageNumbCor",
+                                                       "sSliceArray.ucImageNumbTra"};
+        for (size_t axis = 0; axis < keys.size(); ++axis)
+            if (holds(line, keys[axis]))
+                numberedFromLast_[axis] = digitsOf(valueOf(line)) == "1";
+    }
+
+    /// Which orientation counts: that of the axis along which the slices lie furthest apart.
+    [[nodiscard]] bool imagesFromLastSlice() const {
+        const FMRPositionInfo& position = project_.position;
+        Vector3 extent;
+        for (size_t axis = 0; axis < extent.size(); ++axis)
+            extent[axis] =
+                std::abs(position.sliceCenterLast[axis] - position.sliceCenterFirst[axis]);
+        return numberedFromLast_[size_t(std::ranges::max_element(extent) - extent.begin())];
     }
 
     FMRProject& project_;
@@ -129,6 +163,8 @@ private:
     bool timeRefused_ = false;
     QString refusedTime_; ///< as the file states it
     std::array<bool, 3> axisMet_{};
+    bool onlyNumbering_ = false; ///< all else has been read
+    std::array<bool, 3> numberedFromLast_{};
 };
 
 constexpr uint16_t privateGroup = 0x0019;

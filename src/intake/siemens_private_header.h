@@ -12,6 +12,10 @@
 /// NrOfSlices, whole milliseconds) and TE, slice order, centres of the first and last slice, which
 /// are zeroed first. True when the block gives slice positions.
 ///
+/// The centres are those of the first and the last image. Where the block numbers images of the
+/// slices' orientation from the last slice on, they change places: the tiles of a mosaic are then
+/// stored from the last slice. The slice order stays as it is stated, by the list of slices.
+///
 /// Slice order: 1 ascending, 2 descending, 3 interleaved, 5 interleaved with an even number of
 /// slices, where the scanner starts with the second slice. Software up to B17 states it in
 /// hexadecimal digits after the slices, later software in decimal ones before them.

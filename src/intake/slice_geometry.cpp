@@ -3,8 +3,7 @@
 
 #include "base/text_reading.h"
 #include "intake/header_numbers.h"
-
-#include <cmath>
+#include "volume/vectors.h"
 
 namespace {
 
@@ -25,24 +24,6 @@ std::vector<float> numbersOf(const std::string& text, size_t count) {
 
 Vector3 vectorAt(const std::vector<float>& numbers, size_t start) {
     return {numbers[start], numbers[start + 1], numbers[start + 2]};
-}
-
-// A zero vector stays as it is.
-Vector3 normalised(const Vector3& v) {
-    const double length =
-        std::sqrt(double(v[0]) * v[0] + double(v[1]) * v[1] + double(v[2]) * v[2]);
-    if (!(length > 0.0))
-        return v;
-    return {float(v[0] / length), float(v[1] / length), float(v[2] / length)};
-}
-
-Vector3 cross(const Vector3& a, const Vector3& b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-Vector3 moved(const Vector3& point, const Vector3& direction, float distance) {
-    return {point[0] + direction[0] * distance, point[1] + direction[1] * distance,
-            point[2] + direction[2] * distance};
 }
 
 } // namespace

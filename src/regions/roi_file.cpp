@@ -2,10 +2,10 @@
 #include "regions/roi_file.h"
 
 #include "base/file_writing.h"
+#include "base/keyed_text_reader.h"
 #include "base/messages.h"
 #include "base/number_text.h"
 #include "base/paths.h"
-#include "base/text_reading.h"
 #include "regions/region_time_courses.h"
 
 #include <algorithm>
@@ -26,52 +26,32 @@ int fromZero(int value) {
 class RoiReader {
 public:
     RoiReader(const QString& text, const VolumeSize& size, SavedRegions& saved)
-        : text_(text), stream_(text), size_(size), saved_(saved) {}
+        : text_(text), size_(size), saved_(saved) {}
 
     RoiFileResult read() {
         saved_ = SavedRegions();
         const int nrOfWindows = readHeader();
         for (int window = 0; window < nrOfWindows && good(); ++window)
             readWindow();
-        if (!good()) {
+        if (!good())
             saved_.regions.clear();
-            saved_.fault = QStringLiteral("line %1: %2")
-                               .arg(text_.left(stream_.position()).count('\n') + 1)
-                               .arg(fault_.isEmpty() ? QStringLiteral("no valid number") : fault_);
-        }
+        saved_.fault = text_.fault();
         return good() ? RoiFileResult::Ok : failure_;
     }
 
 private:
-    [[nodiscard]] bool good() const { return fault_.isEmpty() && !stream_.failed(); }
+    [[nodiscard]] bool good() const { return text_.good(); }
 
     void fail(const QString& fault, RoiFileResult failure = RoiFileResult::Damaged) {
         if (!good())
             return;
-        fault_ = fault;
+        text_.fail(fault);
         failure_ = failure;
     }
 
-    /// Moves behind the key if it comes next.
-    bool nextIs(const char* key) {
-        if (!good() || stream_.atEnd())
-            return false;
-        const QString word = stream_.word();
-        if (tokensAgree(word, key))
-            return true;
-        stream_.seek(stream_.position() - word.size());
-        return false;
-    }
-
-    /// Stays where it is after a fault, so that the line of the fault is known.
-    int integer() { return good() ? stream_.integer() : 0; }
-
-    int integerAfter(const char* key) {
-        if (nextIs(key))
-            return integer();
-        fail(QStringLiteral("\"%1\" is missing").arg(key));
-        return 0;
-    }
+    bool nextIs(const char* key) { return text_.nextIs(key); }
+    int integer() { return text_.integer(); }
+    int integerAfter(const char* key) { return text_.integerAfter(key); }
 
     /// The number of windows.
     int readHeader() {
@@ -99,7 +79,7 @@ private:
             readTimeCourse();
         if (!nextIs("MaxPSC:"))
             return;
-        const auto maxPSC = float(stream_.real());
+        const auto maxPSC = float(text_.real());
         for (size_t i = first; i < saved_.regions.size() && std::isfinite(maxPSC); ++i)
             saved_.regions[i].MaxPSC = maxPSC;
     }
@@ -128,16 +108,12 @@ private:
             ++saved_.regionsOutside;
     }
 
-    [[nodiscard]] bool textHolds(int nrOfVoxels) const {
-        const qsizetype shortestVoxel = 2 * nrOfCoordinates(); // a digit and a blank each
-        return nrOfVoxels <= (text_.size() - stream_.position()) / shortestVoxel;
-    }
-
     [[nodiscard]] int nrOfCoordinates() const { return saved_.fileVersion == 3 ? 2 : 3; }
 
     void readVoxels(SavedRegion& region) {
         const int listed = integerAfter("NrOfVoxels:");
-        if (listed < 0 || !textHolds(listed))
+        const int shortestVoxel = 2 * nrOfCoordinates(); // a digit and a blank each
+        if (listed < 0 || !text_.textHolds(listed, shortestVoxel))
             fail(QStringLiteral("%1 voxels are stated, which the file does not hold").arg(listed));
         else if (size_t(listed) > size_.samples())
             fail(QStringLiteral("a region of %1 voxels, more than the volumes of the run have")
@@ -185,13 +161,11 @@ private:
 
     static constexpr int leftOut = -1;
 
-    const QString& text_;
-    TokenStream stream_;
+    KeyedTextReader text_;
     const VolumeSize& size_;
     SavedRegions& saved_;
     bool withVoxels_ = false;
     std::vector<int> newPositions_; ///< for each listed voxel of the region that is being read
-    QString fault_;
     RoiFileResult failure_ = RoiFileResult::Damaged;
 };
 

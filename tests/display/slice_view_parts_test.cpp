@@ -88,7 +88,7 @@ TEST(VoxelReadOut, TellsSampleAndShownMaps) {
             document, voxel, volume, mapsShown ? shownContrastMaps(document) : ShownMaps{}));
     };
     EXPECT_EQ(text(firstVolumeAsRead, true),
-              "x 4  y 2  slice 2   volume 1: 812   t: Faces 4.31, Houses -1.20");
+              "x 4  y 2  slice 2   first volume as read: 812   t: Faces 4.31, Houses -1.20");
     EXPECT_EQ(text(1, false), "x 4  y 2  slice 2   volume 2: -7");
     const auto legend = [&](bool significance) {
         document.SignificanceColorCoding = significance;

@@ -63,8 +63,9 @@ TEST_F(ViewPanelTest, RegionsAreDrawnWhileVolumesArrive) {
             session.requests.overlayVolumeMode = volume == 21 ? 0 : 1;
             panel.update(true);
             EXPECT_TRUE(view().readOutText().startsWith(
-                QString("x 3  y 2  slice 2   volume %1: %2")
-                    .arg(volume == 21 ? 1 : volume + 1)
+                QString("x 3  y 2  slice 2   %1: %2")
+                    .arg(volume == 21 ? QString("first volume as read")
+                                      : QString("volume %1").arg(volume + 1))
                     .arg(scriptedSample(voxel, volume == 21 ? 0 : volume))))
                 << view().readOutText().toStdString();
         }

@@ -20,13 +20,17 @@ struct FuzzTarget {
 [[nodiscard]] std::vector<FuzzTarget> classificationTargets();
 [[nodiscard]] std::vector<FuzzTarget> decoderTargets();
 [[nodiscard]] std::vector<FuzzTarget> pluginTargets();
+[[nodiscard]] std::vector<FuzzTarget> anatomyTargets();
+[[nodiscard]] std::vector<FuzzTarget> sliceSpaceTargets();
+[[nodiscard]] std::vector<FuzzTarget> niftiTargets();
 
 /// All of them, for the fuzzer and the test alike.
 [[nodiscard]] inline std::vector<FuzzTarget> allTargets() {
     std::vector<FuzzTarget> all;
     for (const auto& targets :
          {imageHeaderTargets(), textFileTargets(), journalTargets(), modelFileTargets(),
-          classificationTargets(), decoderTargets(), pluginTargets()})
+          classificationTargets(), decoderTargets(), pluginTargets(), anatomyTargets(),
+          sliceSpaceTargets(), niftiTargets()})
         all.insert(all.end(), targets.begin(), targets.end());
     return all;
 }

@@ -3,6 +3,7 @@
 
 #include "dicom_bytes.h"
 #include "support/scripted_messages.h"
+#include "support/test_data.h"
 
 namespace {
 
@@ -60,6 +61,36 @@ TEST(SiemensProtocol, ReadingEndsWithOrderOrBlock) {
     for (const QByteArray& text :
          {slices + mode + other, times + slices + "### ASCCONV END ###\n" + other})
         EXPECT_EQ(parsed(text).position.sliceCenterLast[2], 99);
+}
+
+// The orientation of the list counts, which lies along Tra here; the key stands before the slices
+// or behind the order.
+TEST(SiemensProtocol, ImagesNumberedFromTheLastSliceExchangeTheCentres) {
+    const QByteArray mode = "sSliceArray.ucMode = 0x1\n";
+    const std::pair<const char*, float> cases[] = {
+        {"Tra\t = \t1\n", 5}, {"Tra = 0x1\n", 5}, {"Tra = 0x0\n", -3}, {"Cor = 0x1\n", -3}};
+    for (const auto& [numbering, first] : cases) {
+        const QByteArray line = QByteArray("sSliceArray.ucImageNumb") + numbering;
+        EXPECT_EQ(parsed(times + slices + mode + line).position.sliceCenterFirst[2], first)
+            << line.data();
+        EXPECT_EQ(parsed(mode + line + times + slices).position.sliceCenterFirst[2], first)
+            << line.data();
+    }
+}
+
+// The centre of the first tile by the position tags of the same file, as another reader has them.
+TEST(SiemensProtocol, CentresOfScannerFilesAreThoseOfTheStoredTiles) {
+    const QString folder = scannerDataFolder() + "/siemens_mosaic/";
+    SKIP_WITHOUT(folder);
+    for (const auto& [name, first] : std::initializer_list<std::pair<const char*, Vector3>>{
+             {"fifty_slices/001/IM-0001-0001.dcm", {-1.447f, 7.718f, 88.392f}},
+             {"software_versions/D13/ep2d_Asc_HF_10/IM-0009-0001.dcm", {0.000f, -5.061f, 59.163f}},
+             {"software_versions/D13/ep2d_Asc_2/IM-0001-0001.dcm", {0.000f, -27.157f, -61.306f}}}) {
+        FMRProject project;
+        ASSERT_TRUE(readSiemensProtocol(folder + name, project));
+        for (size_t axis = 0; axis < 3; ++axis)
+            EXPECT_NEAR(project.position.sliceCenterFirst[axis], first[axis], 0.01) << name;
+    }
 }
 
 TEST(SiemensProtocol, ATRThatNoScannerHasLeavesThatOfTheSettings) {

@@ -31,6 +31,8 @@ struct OperatorRequests {
     RegionOptions regions;
     QString preLoadROIFile;
     bool preLoadVOI = false;
+    /// Takes the place of the anatomy that the settings file names; empty for that one.
+    QString loadedAnatomy;
     int logFontSize = 9; ///< points, of the panel
 
     /// For a second press of the run button: also ends a forced delay.

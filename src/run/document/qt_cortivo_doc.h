@@ -3,6 +3,7 @@
 #pragma once
 
 #include "regions/regions.h"
+#include "run/document/anatomy.h"
 #include "run/document/plugin_maps.h"
 #include "run/document/slice_images.h"
 #include "run/document/slice_mosaic_layout.h"
@@ -57,6 +58,7 @@ public:
     SliceImages slices;
     InplaneScan inplanes; ///< empty if the run has none
     SliceMosaicLayout mosaic;
+    Anatomy anatomy; ///< of the anatomical document
     OverlayColors overlayColors;
     bool SignificanceColorCoding = false;
 

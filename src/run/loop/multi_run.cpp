@@ -6,6 +6,7 @@
 #include "base/plain_file.h"
 #include "run/loop/finished_run.h"
 #include "run/loop/motion_parameters_file.h"
+#include "run/loop/run_anatomy.h"
 #include "run/loop/run_preparation.h"
 #include "run/loop/run_statistics.h"
 #include "run/loop/status_text.h"
@@ -146,8 +147,12 @@ void Analysis::showBackground() {
                        (savedDataFault(project, project.projectPath).isEmpty() &&
                         readSTCVolume(0, project.projectPath, header, project.firstVolume)) ||
                        project.firstVolume.allocate(project.volumeSamples());
-    if (shown)
-        showFirstVolume(document_);
+    if (!shown)
+        return;
+    showFirstVolume(document_);
+    prepareVmrOverlay(anatomyRun(run_));
+    computeVmrToFunctional(anatomyRun(run_));
+    showSavedCubes(anatomyRun(run_));
 }
 
 bool Analysis::loadRuns() {

@@ -19,6 +19,7 @@ struct RunParts {
     OperatorRequests& requests;
     IntakeState& intake;
     QtCortivoDoc& document;
+    QtCortivoDoc& anatomical;
     RunListeners& listeners;
     RunDisplay& display;
     EventPump& pump;

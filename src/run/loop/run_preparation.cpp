@@ -6,6 +6,7 @@
 #include "base/paths.h"
 #include "base/program_end.h"
 #include "intake/inplane_reader.h"
+#include "run/loop/run_anatomy.h"
 #include "run/loop/run_model.h"
 #include "run/loop/run_protocol.h"
 #include "volume/motion_correction.h"
@@ -224,6 +225,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
     if (!readProtocol(run))
         return nullptr;
     tellOfModelLimits(document, settings);
+    prepareVmrOverlay(anatomyRun(run));
     if (!allocateRun(document))
         return nullptr;
     if (settings.ShowGODlgAfterPreparation)
@@ -236,6 +238,8 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
     document.maps.MapType = MapKind::T;
     showFirstVolume(document);
     prepareInplanes(run);
+    computeVmrToFunctional(anatomyRun(run));
+    prepareCubes(anatomyRun(run));
     setUpContrasts(document, settings, settings.ContrastFile);
     return run.pump.waitsGivenUp() || !preparePluginMaps(run) ? nullptr : std::move(reader);
 }

@@ -65,8 +65,9 @@ bool addSelectedRegion(const RegionRun& run, const VoxelRectangle& rectangle) {
     return true;
 }
 
-void placeSavedRegions(const RegionRun& run, const SavedRegions& saved) {
-    run.document.regions.clear();
+void placeSavedRegions(const RegionRun& run, const SavedRegions& saved, RegionPlacing placing) {
+    if (placing == RegionPlacing::Replace)
+        run.document.regions.clear();
     size_t room = mostVolumesOfRegions * run.document.project.size().samples();
     for (size_t i = 0; i < saved.regions.size(); ++i) {
         const SavedRegion& state = saved.regions[i];

@@ -21,9 +21,11 @@ struct RegionRun {
 /// none.
 [[nodiscard]] bool addSelectedRegion(const RegionRun& run, const VoxelRectangle& rectangle);
 
-/// Replaces the regions by those of a file, read for the size of the run's volumes. Of a file with
-/// more voxels than can be followed the last regions are left out, with a warning.
-void placeSavedRegions(const RegionRun& run, const SavedRegions& saved);
+enum class RegionPlacing { Replace, Add };
+/// Replaces the regions by those of a file, read for the size of the run's volumes, or adds these.
+/// Of a file with more voxels than can be followed the last regions are left out, with a warning.
+void placeSavedRegions(const RegionRun& run, const SavedRegions& saved,
+                       RegionPlacing placing = RegionPlacing::Replace);
 
 /// Curves and betas of all regions, from all volumes so far. After a run, for which the design has
 /// to be built again, this takes longer.

@@ -3,7 +3,9 @@
 
 #include "base/paths.h"
 #include "base/plain_file.h"
+#include "run/loop/background_files.h"
 #include "run/loop/motion_parameters_file.h"
+#include "run/loop/run_anatomy.h"
 #include "run/loop/run_model.h"
 #include "run/loop/run_preparation.h"
 #include "run/loop/run_statistics.h"
@@ -62,8 +64,6 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
         return false;
     copySettingsToDocument(document, settings);
     run.requests.thresholds = thresholdsAtStart(settings.Threshold, settings.ClusterSizePixels);
-    // A saved run has no inplanes.
-    run.requests.pendingOverlayInplane = -1;
     const FMRProject& project = document.project;
     run.display.showLogText(reloadingText(run.requests.logFontSize,
                                           paths::fileName(settings.settingsFilePath),
@@ -74,6 +74,12 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     const QString contrasts = contrastFilePath({}, project.projectPath);
     setUpContrasts(document, settings, fileExists(contrasts) ? contrasts : settings.ContrastFile);
     showSlices(document.project, document);
+    settings.OverlayInplaneData = settings.OverlayInplaneData && readInplaneImages(document);
+    run.requests.pendingOverlayInplane =
+        settings.OverlayInplaneData ? settings.pendingOverlayInplane : -1;
+    prepareVmrOverlay(anatomyRun(run));
+    computeVmrToFunctional(anatomyRun(run));
+    showSavedCubes(anatomyRun(run));
     if (!preparePluginMaps(run))
         return false;
     // The log of a stimulation computer may have turned the correction off that the settings state.

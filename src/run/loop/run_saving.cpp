@@ -6,11 +6,15 @@
 #include "base/plain_file.h"
 #include "base/text_reading.h"
 #include "regions/roi_file.h"
+#include "run/document/amr_file.h"
+#include "run/loop/background_files.h"
 #include "run/loop/motion_parameters_file.h"
+#include "run/loop/run_anatomy.h"
 #include "run/loop/run_statistics.h"
 #include "run/protocol/prt_file.h"
 #include "stats/contrast_file.h"
 #include "stats/map_file.h"
+#include "volume/anatomy/vmr_file.h"
 #include "volume/first_volume_file.h"
 #include "volume/fmr_file.h"
 #include "volume/stc_file.h"
@@ -41,6 +45,33 @@ void updateProjectForSaving(const RunParts& run) {
         project.ProtocolFiles << paths::fileName(document.protocol.protocolPath);
 }
 
+// What an earlier run left under the names is not of this one.
+std::vector<SaveStep> inplaneSteps(const QtCortivoDoc& document) {
+    const QString path = inplaneAmrPath(document.project.projectPath);
+    if (document.slices.InplanePixmaps.empty()) {
+        QFile::remove(path);
+        return {};
+    }
+    return {{-1, [&document] { return writeInplaneImages(document); }, path}};
+}
+
+std::vector<SaveStep> cubeSteps(const RunParts& run) {
+    const FMRProject& project = run.document.project;
+    const VMRVolume& cube = run.anatomical.anatomy.functional.volume;
+    const bool ofInplanes = !run.document.inplanes.samples.span().empty();
+    for (const bool inplanes : {false, true})
+        if (inplanes != ofInplanes || cube.empty())
+            QFile::remove(cubeFilePath(project, inplanes));
+    if (cube.empty())
+        return {};
+    const QString path = cubeFilePath(project, ofInplanes);
+    return {{-1, [&cube, path] { return saveVMR(path, cube); }, path}};
+}
+
+void insertAt(std::vector<SaveStep>& steps, size_t place, const std::vector<SaveStep>& more) {
+    steps.insert(steps.begin() + ptrdiff_t(place), more.begin(), more.end());
+}
+
 std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress) {
     QtCortivoDoc& document = run.document;
     FMRProject& project = document.project;
@@ -51,7 +82,7 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
     const QString regions = regionFilePath(project);
     const bool hasMotion =
         run.settings.MotionCorrection && !document.motion.motionParameters[0].empty();
-    return {
+    std::vector<SaveStep> steps = {
         {0,
          // A failure clears the path, and the name of the file with it.
          [&run, &document, &project, path = document.protocol.protocolPath] {
@@ -61,6 +92,7 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
              updateProjectForSaving(run);
              return written;
          }},
+        {-1, [&] { return writeFirstVolumeImages(document); }, amrPath(project.projectPath)},
         {5,
          [&, volumes, dataWritten] {
              // A model that an earlier run left under the name is not that of these data.
@@ -95,6 +127,9 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
          hasMotion ? motionParametersFileName(project) : QString()},
         {-1, [&] { return writeFirstVolume(project); }, firstVolumeFileName(project)},
     };
+    insertAt(steps, steps.size() - 1, cubeSteps(run));
+    insertAt(steps, 1, inplaneSteps(document)); // behind the protocol
+    return steps;
 }
 
 bool runSteps(std::vector<SaveStep>& steps, ProgressReporter& progress) {

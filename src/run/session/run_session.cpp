@@ -23,8 +23,8 @@ RunSession::RunSession(EventPump& pump, RunDisplay& display)
       feedback({settings, phase, report, requests, listeners, pump}),
       classifier({settings, phase, listeners}), decoder({settings, phase, report, listeners}),
       pluginMaps({phase, requests, listeners, display, [this] { mapsChanged(); }}),
-      makeReader(makeVolumeReader), pump_(pump), display_(display),
-      operatorRecords_(listeners, requests) {
+      anatomy(*this, display), vois(*this), makeReader(makeVolumeReader), pump_(pump),
+      display_(display), operatorRecords_(listeners, requests) {
     numerics::initialiseNumerics();
     feedback.setClassifier(&classifier);
 }
@@ -32,8 +32,9 @@ RunSession::RunSession(EventPump& pump, RunDisplay& display)
 RunSession::~RunSession() = default;
 
 RunParts RunSession::parts() {
-    return {settings,  phase,    report, requests,   intake, *functionalDocument,
-            listeners, display_, pump_,  targetLock_};
+    return {
+        settings,  phase,    report, requests,   intake, *functionalDocument, *anatomicalDocument,
+        listeners, display_, pump_,  targetLock_};
 }
 
 bool RunSession::inPhase(Phase first, const std::function<bool()>& work) {

@@ -16,12 +16,15 @@
 #include "run/replay/journal_run.h"
 #include "run/replay/operator_records.h"
 #include "run/replay/run_journal.h"
+#include "run/session/session_anatomy.h"
 #include "run/session/session_classifier.h"
 #include "run/session/session_decoder.h"
+#include "run/session/session_export.h"
 #include "run/session/session_feedback.h"
 #include "run/session/session_multi_run.h"
 #include "run/session/session_plugin_maps.h"
 #include "run/session/session_regions.h"
+#include "run/session/session_vois.h"
 #include "run/settings/run_settings.h"
 #include "volume/postprocessing_options.h"
 
@@ -141,6 +144,9 @@ public:
     SessionClassifier classifier;
     SessionDecoder decoder;
     SessionPluginMaps pluginMaps;
+    SessionAnatomy anatomy;
+    SessionVOIs vois;
+    SessionExport exports{*this};
     bool keepsJournals = false; ///< also of runs that are saved, to be replayed
     RegionColorTable regionColors = builtInRegionColors();
     std::function<void()> stopTimer; ///< stops the periodic look at the settings file

@@ -72,7 +72,13 @@ bool SessionRegions::load(const QString& fileName) {
                         .arg(fileName));
         return false;
     }
-    placeSavedRegions(run(), saved);
+    return take(saved, RegionPlacing::Replace);
+}
+
+bool SessionRegions::take(const SavedRegions& saved, RegionPlacing placing) {
+    if (!mayChange())
+        return false;
+    placeSavedRegions(run(), saved, placing);
     parts_.listeners.regionsLoaded(*document_);
     listChanged();
     return true;

@@ -44,6 +44,8 @@ public:
     /// False when nothing was loaded.
     void chooseFileToLoad();
     bool load(const QString& fileName);
+    /// Regions that another part of the session has made, as if from a file; at least one.
+    bool take(const SavedRegions& saved, RegionPlacing placing);
     /// Writes them into a file that the operator chooses.
     void chooseFileToSave();
 

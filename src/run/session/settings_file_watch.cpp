@@ -337,5 +337,6 @@ void SettingsFileWatch::choosePreLoadedVolumesOfInterest() {
     showControls();
     const QString file = waitForFileToOpen("Open File", master_.settingsDirectory,
                                            "Volume of interest files (*.voi)");
-    session_.requests.preLoadVOI = session_.requests.preLoadVOI || !file.isEmpty();
+    if (!file.isEmpty())
+        static_cast<void>(session_.vois.preLoad(file));
 }

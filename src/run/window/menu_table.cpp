@@ -18,6 +18,21 @@ bool documentExists(VeloCortivo& window) {
     return window.session().functionalDocument != nullptr;
 }
 
+bool functionalCubeShown(VeloCortivo& window) {
+    return window.documentShown() && window.session().anatomy.hasFunctionalCube();
+}
+
+QString exportHindrance(VeloCortivo& window) {
+    return window.session().exports.hindrance();
+}
+
+QString anatomyHindrance(VeloCortivo& window) {
+    if (window.documentShown() && window.session().anatomy.hasAnatomy())
+        return {};
+    return "There is no anatomy: the settings file names none that can be used (OverlayOnVMRMode), "
+           "and none was loaded";
+}
+
 bool runInMemory(VeloCortivo& window) {
     return window.session().volumesForPostprocessing() > 0;
 }
@@ -103,7 +118,6 @@ bool onCurrentVolume(VeloCortivo& window) {
 }
 
 constexpr char laterEditors[] = "The editors of settings and protocols come in a later version";
-constexpr char laterAnatomy[] = "Anatomy and volumes come in a later version";
 constexpr auto Always = MenuPhase::Always;
 constexpr auto Idle = MenuPhase::Idle;
 constexpr auto Later = MenuPhase::Later;
@@ -129,6 +143,8 @@ constexpr MenuEntry entries[] = {
     {.menu = "&File", .text = "Edit MasterVCO File...", .slot = &Window::slotEditMasterVCOFileSettings, .phase = Later, .toolTip = laterEditors},
     {.menu = "&File", .text = "Rename DICOM Files...", .slot = &Window::slotRenameDICOMFiles, .phase = Later, .endsSection = separator, .toolTip = laterEditors},
     {.menu = "&File", .text = "VMR-VMR Coregistration...", .slot = &Window::slotVMR2VMRCoregistration, .phase = Later, .endsSection = separator, .toolTip = "Registration of anatomies comes in a later version"},
+    {.menu = "&File", .text = "Load Anatomy...", .slot = &Window::slotLoadAnatomy, .phase = Idle, .toolTip = "Show this run and those that follow over an anatomy (.vmr, NIfTI)"},
+    {.menu = "&File", .text = "Export As NIfTI...", .slot = &Window::slotExportAsNifti, .phase = Idle, .endsSection = separator, .toolTip = "Write the run in memory, its maps and its mask as NIfTI files", .hindrance = exportHindrance},
     {"&File", "Recover Run...", &Window::slotRecoverRun, Idle},
     {"&File", "Replay Run...", &Window::slotReplayRun, Idle},
     {.menu = "&File", .text = "Save View As BMP...", .slot = &Window::slotSaveAsBMP, .possible = documentShown, .endsSection = separator},
@@ -146,14 +162,16 @@ constexpr MenuEntry entries[] = {
     {.menu = "&Analysis", .text = "BOLD Decoder... ", .slot = &Window::slotShowBOLDDecoder, .endsSection = separator, .toolTip = "Read letters from the signal of regions"},
     {"&Analysis", "Load ROIs...", &Window::slotLoadROIs, Always, regionsMayChange},
     {"&Analysis", "Save ROIs...", &Window::slotSaveROIs, Always, regionsExist},
+    {.menu = "&Analysis", .text = "Load VOIs...", .slot = &Window::slotLoadVOIs, .possible = regionsMayChange, .toolTip = "Replace the regions by volumes of interest, which lie in the space of the anatomy"},
+    {.menu = "&Analysis", .text = "Save VOIs...", .slot = &Window::slotSaveVOIs, .possible = regionsExist, .toolTip = "Write the volumes of interest that the regions were made of"},
     {.menu = "&Analysis", .text = "ROI GLM...", .slot = &Window::slotROIGLM, .phase = Idle, .toolTip = "Fit the model of the run to the time course of a region", .hindrance = roiGLMHindrance},
     {"&Analysis", "Select Only Voxels Of Plug-In Maps", &Window::onToggleSelectOnlyMapVoxels, Always, nullptr, MenuGroup::Toggle, selectsOnlyMapVoxels, separator, "A drag on a slice selects the voxels in which a shown map of the plug-in reaches the lower threshold"},
     {"&Analysis", "Log ROI Time Point Files (RTPs)", &Window::slotSaveRTPsOption, Always, nullptr, MenuGroup::Toggle, logsTimePoints, false, "Write the mean of each region into a file of its own at each volume, into the feedback folder"},
     {"&Analysis", "Log ROI Time Courses (ERT)", &Window::slotSaveROITimeCourses, Always, nullptr, MenuGroup::Toggle, logsTimeCourses, false, "Append the values of all voxels of each region to a file at each volume, in the target folder"},
     {"&Analysis", "Log ROI Betas (BTC)", &Window::slotSaveROIBetaTimeCourses, Always, nullptr, MenuGroup::Toggle, logsBetas, false, "Append the betas of each region to a file at each volume, in the target folder"},
     {.menu = "&View", .text = "Multi-Slice View", .slot = &Window::slotSwitchToFMRView, .possible = documentShown},
-    {.menu = "&View", .text = "Volume View", .slot = &Window::slotSwitchToEPI3DView, .phase = Later, .toolTip = laterAnatomy},
-    {.menu = "&View", .text = "Anatomical Volume View", .slot = &Window::slotSwitchToVMRView, .phase = Later, .toolTip = laterAnatomy},
+    {.menu = "&View", .text = "Volume View", .slot = &Window::slotSwitchToEPI3DView, .possible = functionalCubeShown, .toolTip = "Three sections through the functional volume"},
+    {.menu = "&View", .text = "Anatomical Volume View", .slot = &Window::slotSwitchToVMRView, .toolTip = "Three sections through the anatomy", .hindrance = anatomyHindrance},
     {.menu = "&View", .text = "Surface View", .slot = &Window::slotSwitchToSurfaceView, .phase = Later, .endsSection = separator, .toolTip = "Surfaces come in a later version"},
     {"&View", "Overlay On First Func Volume", &Window::slotShowOnEPIs, Always, nullptr, MenuGroup::Overlay, onFirstVolume},
     {"&View", "Overlay On Current Func Volume", &Window::slotShowOnCurrentEPIs, Always, nullptr, MenuGroup::Overlay, onCurrentVolume},

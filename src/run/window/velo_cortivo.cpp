@@ -75,6 +75,8 @@ void VeloCortivo::connectPanels() {
     using Window = VeloCortivo;
     inputPanel_->connectTo(*this);
     connect(viewPanel_, &ViewPanel::slicesWanted, this, &Window::slotSwitchToFMRView);
+    connect(viewPanel_, &ViewPanel::volumeWanted, this, &Window::slotSwitchToEPI3DView);
+    connect(viewPanel_, &ViewPanel::anatomyWanted, this, &Window::slotSwitchToVMRView);
     connect(contrastPanel_, &Contrasts::thresholdEdited, this, &Window::slotChangeThreshold);
     connect(contrastPanel_, &Contrasts::colorMaxThresholdEdited, this,
             &Window::slotChangeColorMaxThreshold);
@@ -85,7 +87,7 @@ void VeloCortivo::connectPanels() {
     connect(contrastPanel_, &Contrasts::showPluginMapsClicked, this,
             &Window::onToggleShowPluginMaps);
     connect(contrastPanel_, &Contrasts::statisticChanged, this, &Window::refreshControls);
-    connect(contrastPanel_, &Contrasts::numberEntered, this, &Window::focusSlices);
+    connect(contrastPanel_, &Contrasts::numberEntered, this, &Window::focusView);
     using RunChosen = void (Window::*)(int);
     connect(timeCourses_, &TimeCoursesContainer::runChosen, this, [this](int slot, int value) {
         constexpr RunChosen chosen[] = {&Window::slotRunSelectedInTC1,
@@ -216,9 +218,34 @@ void VeloCortivo::slotSwitchToFMRView() {
     refreshViewButtons();
 }
 
-void VeloCortivo::focusSlices() {
+void VeloCortivo::slotSwitchToEPI3DView() {
+    showSections(ShownCube::Functional);
+}
+
+void VeloCortivo::slotSwitchToVMRView() {
+    showSections(ShownCube::Anatomical);
+}
+
+void VeloCortivo::showSections(ShownCube cube) {
+    viewPanel_->showSections(cube);
+    updateViews();
+    refreshViewButtons();
+}
+
+void VeloCortivo::slotLoadAnatomy() {
+    chooseFileToOpen(
+        "Load Anatomy", session_.settings.settingsFileDir,
+        "Anatomical volumes (*.vmr *.nii *.nii.gz)",
+        [this](const QString& path) {
+            if (session_.anatomy.load(path))
+                slotSwitchToVMRView();
+        },
+        &anatomyChooser_);
+}
+
+void VeloCortivo::focusView() {
     keys_.releaseFocus();
-    viewPanel_->focusSlices();
+    viewPanel_->focusView();
 }
 
 void VeloCortivo::nextROIDisplayStyle() {

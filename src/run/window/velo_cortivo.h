@@ -58,10 +58,10 @@ public:
     [[nodiscard]] RoiDisplayStyle roiDisplayStyle() const { return viewPanel_->roiDisplayStyle(); }
     [[nodiscard]] const TimeCoursesContainer& timeCourses() const { return *timeCourses_; }
     void nextROIDisplayStyle();
-    /// True when a rectangle was being dragged on the slices; it is given up.
+    /// True when something was being dragged on a view; it is given up.
     bool cancelDrag() { return viewPanel_->cancelDrag(); }
-    /// The keyboard goes from a control back to the slices.
-    void focusSlices();
+    /// The keyboard goes from a control back to the view.
+    void focusView();
 
     // What a run shows.
     void workStarting() override;
@@ -118,6 +118,10 @@ public Q_SLOTS:
     void slotSwitchToSignificanceColorCoding() { session_.changeColorCoding(true); }
     void slotSwitchToMultiMapColorCoding() { session_.changeColorCoding(false); }
     void slotSwitchToFMRView();
+    void slotSwitchToEPI3DView();
+    void slotSwitchToVMRView();
+    void slotLoadAnatomy();
+    void slotExportAsNifti() { session_.exports.chooseFileAndExport(); }
     void slotShowOnEPIs() { session_.showOnFirstVolume(); }
     void slotShowOnCurrentEPIs() { session_.showOnCurrentVolume(); }
     void slotShowOnInplanes() { session_.showOnInplanes(); }
@@ -131,6 +135,8 @@ public Q_SLOTS:
     // Regions of interest.
     void slotLoadROIs() { session_.regions.chooseFileToLoad(); }
     void slotSaveROIs() { session_.regions.chooseFileToSave(); }
+    void slotLoadVOIs() { session_.vois.chooseFileToLoad(); }
+    void slotSaveVOIs() { session_.vois.chooseFileToSave(); }
     void onToggleSelectOnlyMapVoxels() {
         session_.regions.setSelectOnlyMapVoxels(!session_.requests.regions.SelectOnlyMapVoxels);
     }
@@ -179,14 +185,10 @@ public Q_SLOTS:
     void slotRenameDICOMFiles() { tellLater("Rename DICOM Files..."); }
     void slotVMR2VMRCoregistration() { tellLater("VMR-VMR Coregistration..."); }
     void slotStimulationProtocol() { tellLater("Stimulation Protocol..."); }
-    void slotSwitchToEPI3DView() { tellLater("Volume View"); }
-    void slotSwitchToVMRView() { tellLater("Anatomical Volume View"); }
     void updateVMRSwitchForMac() { refreshViewButtons(); }
     void slotSwitchToSurfaceView() { tellLater("Surface View"); }
     void slotSwitchToSurfaceViewLeftMesh() { tellLater("Surface View"); }
     void slotSwitchToSurfaceViewRightMesh() { tellLater("Surface View"); }
-    void slotLoadVOIs() { tellLater("Anatomical Volume View"); }
-    void slotSaveVOIs() { tellLater("Anatomical Volume View"); }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -200,6 +202,7 @@ protected:
 
 private:
     void connectPanels();
+    void showSections(ShownCube cube);
     void toggleLog(bool OperatorRequests::*log);
     /// The data of the menu entry that the running slot was called by; -1 for no entry.
     [[nodiscard]] int chosenRow() const;
@@ -207,6 +210,7 @@ private:
     void tellLater(const char* entry);
 
     EventPump& pump_;
+    OpenChooser anatomyChooser_;
     RunSession session_;
     SettingsFileWatch watch_;
     WindowFrame frame_;

@@ -253,7 +253,14 @@ TEST_F(VolumeLoopTest, InplanesShowWhereTheyCameAndTheRunGoesOnWithoutThem) {
     ASSERT_EQ(session.functionalDocument->slices.InplanePixmaps.size(), 4u);
     EXPECT_EQ(session.functionalDocument->slices.InplanePixmaps[3].size(), QSize(16, 24));
     ASSERT_TRUE(session.reloadData());
-    EXPECT_EQ(session.requests.pendingOverlayInplane, -1) << "saved runs have none";
+    EXPECT_EQ(session.requests.pendingOverlayInplane, 1);
+    ASSERT_EQ(session.functionalDocument->slices.InplanePixmaps.size(), 4u);
+    EXPECT_EQ(session.functionalDocument->slices.InplanePixmaps[3].size(), QSize(16, 24));
+    EXPECT_EQ(session.anatomicalDocument->anatomy.functional.name, "Inplanes");
+    EXPECT_FALSE(QFile::exists(path("results/test_EPI.vmr"))) << "of the run before";
+    ASSERT_TRUE(QFile::remove(path("results/test_Inplane.amr")));
+    ASSERT_TRUE(session.reloadData());
+    EXPECT_EQ(session.requests.pendingOverlayInplane, -1);
 }
 
 TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
@@ -267,10 +274,12 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
     };
     for (const bool again : {false, true}) {
         messages.expectWarning("ERROR: Unable to open protocol file!");
+        messages.expectWarning("ERROR: Can not open .AMR file for saving !");
         messages.expectWarning("ERROR: Can not write FMR time course (STC) files !");
         messages.expectCritical("ERROR: Unable to write map file*");
         messages.expectCritical("ERROR: Unable to open contrasts file \"*");
         messages.expectWarning("ERROR: Can not open .roi file for saving*");
+        messages.expectWarning("ERROR: Can not open .VMR file for saving !");
         messages.expectCritical("Error: Can not open file to save first volume.");
         messages.expectQuestion("WARNING: The recorded data could not be saved completely in "
                                 "folder*",

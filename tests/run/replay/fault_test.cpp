@@ -40,7 +40,7 @@ protected:
             if (name.endsWith(".txt") || name.endsWith(".log") || name.endsWith(".glm") ||
                 name.endsWith("_run-1.rtc"))
                 expected_.remove(name);
-        EXPECT_EQ(expected_.size(), 8);
+        EXPECT_EQ(expected_.size(), 10);
         CrashTrial::prepare(session_, trial_.path(""));
     }
     /// Runs it again; questions get this answer after `beforeAnswer`. The number of questions, and

@@ -45,6 +45,7 @@ protected:
         window_->workStarting();
         session.listeners.documentsLeaving();
         session.functionalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Functional);
+        session.anatomicalDocument = std::make_unique<QtCortivoDoc>(QtCortivoDoc::Kind::Anatomical);
         session.listeners.documentsArrived(document());
         ContrastDefinitions& contrasts = document().contrasts;
         contrasts.NrOfContrasts = nrOfContrasts;

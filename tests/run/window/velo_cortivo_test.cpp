@@ -136,7 +136,7 @@ TEST_F(MainWindow, MenusFollowThePhase) {
         EXPECT_EQ(enabledEntries("&Analysis").join('|').toStdString(), analysis.toStdString());
         EXPECT_EQ(enabledEntries("&View").join('|').toStdString(), view.toStdString());
     };
-    expectMenus("Set New VCO File...|Recover Run...|Replay Run...|Close|Exit",
+    expectMenus("Set New VCO File...|Load Anatomy...|Recover Run...|Replay Run...|Close|Exit",
                 "Epoch-Based Averaging*|" + training + "Neurofeedback... |BOLD Decoder... |" + logs,
                 overlay + views + lastViews);
     prepare(1, Phase::Recording);
@@ -158,12 +158,14 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     window_->slotShowOnCurrentEPIs();
     window_->slotToggleBeforePreprocessing();
     runOver();
-    expectMenus("Set New VCO File...|Recover Run...|Replay Run...|Save View As BMP...|Close|Exit",
+    expectMenus("Set New VCO File...|Load Anatomy...|Export As NIfTI...|Recover Run...|Replay "
+                "Run...|Save View As "
+                "BMP...|Close|Exit",
                 "Colors Code Significance*|Colors Code Contrasts|Epoch-Based "
                 "Averaging|" +
                     training +
                     "Post-Processing...|Neurofeedback... |BOLD Decoder... |Load ROIs...|Save "
-                    "ROIs...|Select "
+                    "ROIs...|Load VOIs...|Save VOIs...|Select "
                     "Only Voxels Of Plug-In Maps*|Log ROI Time Point Files "
                     "(RTPs)|Log ROI Time Courses (ERT)*|Log ROI Betas (BTC)",
                 "Multi-Slice View|Overlay On First Func Volume|Overlay On Current Func "

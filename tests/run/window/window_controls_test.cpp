@@ -47,7 +47,12 @@ TEST_F(MainWindow, EachButtonAndEntryDoesWhatItSays) {
         {"ToEndBtn", [&] { missing("VCO_FacesHouses-2.vco"); }, said},
         {"AutoAdvanceRunBtn", [&] { chosen("/a.roi"); },
          [&] { return requests().preLoadROIFile == "/a.roi" && !isLit("AutoAdvanceRunBtn"); }},
-        {"AutoStartRunBtn", [&] { chosen("/a.voi"); },
+        {"AutoStartRunBtn",
+         [&] {
+             writeFile(home_.path() + "/a.voi", "FileVersion: 4\nNrOfVOIs: 1\nNameOfVOI: A\n"
+                                                "ColorOfVOI: 255 0 0\nNrOfVoxels: 1\n1 2 3\n");
+             messages_.expectFileChoice("Open File", home_.path() + "/a.voi");
+         },
          [&] { return requests().preLoadVOI && !isLit("AutoStartRunBtn"); }},
         {"EPISlicesBtn", hideView, [&] { return viewShown() && isLit("EPISlicesBtn"); }},
         {"Multi-Slice View", hideView, viewShown},
@@ -399,7 +404,7 @@ TEST_F(MainWindow, ViewTakesWhatTheSessionHasAndTheKeyboard) {
     control("ContrastList").setFocus();
     window_->updateViews();
     EXPECT_EQ(window_->focusWidget(), &control("ContrastList")) << "the operator went there";
-    window_->focusSlices();
+    window_->focusView();
     EXPECT_EQ(window_->focusWidget(), &view);
     auto& box = control<QDoubleSpinBox>("ThresholdSpBx");
     QTest::mouseClick(box.findChild<QLineEdit*>(), Qt::LeftButton);

@@ -1,0 +1,1 @@
+velo_program(bench_anatomy SOURCES bench_anatomy.cpp USES anatomy)

@@ -1,0 +1,210 @@
+// Anatomy in whole sessions: its place over the run, its files, what can't be read.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/session/anatomy_session.h"
+
+namespace {
+
+void expectCubePoint(const AnatomicalCube& cube, const C3dVector& voxel, const Point& expected) {
+    const auto point = cube.cubePlace(voxel);
+    ASSERT_TRUE(point);
+    EXPECT_NEAR(point->x, expected.x, 0.01);
+    EXPECT_NEAR(point->y, expected.y, 0.01);
+    EXPECT_NEAR(point->z, expected.z, 0.01);
+    const auto back = cube.functionalPlace(*point);
+    EXPECT_NEAR(back->x, voxel.x, 0.001);
+    EXPECT_NEAR(back->y, voxel.y, 0.001);
+    EXPECT_NEAR(back->z, voxel.z, 0.001);
+}
+
+} // namespace
+
+TEST(SessionAnatomyTest, APositionFilePlacesTheRunInTheAnatomy) {
+    AnatomySession run;
+    EXPECT_EQ(run.run(), QStringList());
+    ASSERT_TRUE(run.session.anatomy.hasAnatomy() && run.session.anatomy.hasFunctionalCube());
+    EXPECT_EQ(run.session.requests.pendingOverlayVMR, 0);
+    const AnatomicalCube& cube = run.anatomy().anatomical;
+    EXPECT_EQ(cube.volume.cube[cubeIndex(100, 110, 120)], 200);
+    const Point place = AnatomySession::placeInScanner(20, 11, 4);
+    const Point expected = inAnatomy(place);
+    expectCubePoint(cube, {20, 11, 4}, expected);
+    for (const AnatomicalCube* shown :
+         std::initializer_list<const AnatomicalCube*>{&cube, &run.anatomy().functional}) {
+        const C3dVector point = *shown->cubePlace({20, 11, 4});
+        const auto scanner = spaceCoordinates(shown->spaces, point).scanner;
+        ASSERT_TRUE(scanner);
+        EXPECT_NEAR(scanner->x, place.x, 0.01);
+        EXPECT_NEAR(scanner->y, place.y, 0.01);
+        EXPECT_NEAR(scanner->z, place.z, 0.01);
+    }
+    // The operator moves about.
+    std::array<int, 3> marked{};
+    run.session.anatomy.voxelMarked = [&](int x, int y, int z) { marked = {x, y, z}; };
+    ASSERT_TRUE(run.session.anatomy.show(ShownCube::Anatomical));
+    run.session.anatomy.functionalVoxelClicked(20, 11, 4);
+    EXPECT_EQ(run.anatomy().cross[1],
+              (CubeVoxel{int(std::floor(expected.x + 0.5)), int(std::floor(expected.y + 0.5)),
+                         int(std::floor(expected.z + 0.5))}));
+    run.session.anatomy.moveCross({-5, 999, 0});
+    EXPECT_EQ(run.anatomy().cross[1], (CubeVoxel{0, 255, 0}));
+    EXPECT_EQ(marked, (std::array{-1, -1, -1}));
+    run.session.anatomy.moveCross(nearestCubeVoxel(*cube.cubePlace({8, 9, 1})));
+    EXPECT_EQ(marked, (std::array{8, 9, 1}));
+    const CubeVoxel& other = run.anatomy().cross[0];
+    const auto there =
+        run.anatomy().functional.functionalPlace({float(other.x), float(other.y), float(other.z)});
+    EXPECT_NEAR(there->x, 8.0, 0.25);
+    EXPECT_NEAR(there->z, 1.0, 0.3);
+}
+
+TEST(SessionAnatomyTest, ReverseOrderHoldsWhereHeadersDoNotStateTheOrder) {
+    AnatomySession run;
+    run.flipSlices();
+    EXPECT_EQ(run.run(), QStringList());
+    const Point place = AnatomySession::placeInScanner(20, 11, 5 - 4);
+    expectCubePoint(run.anatomy().anatomical, {20, 11, 4}, inAnatomy(place));
+    const AnatomicalCube& cube = run.anatomy().functional;
+    const auto scanner = spaceCoordinates(cube.spaces, *cube.cubePlace({20, 11, 4})).scanner;
+    EXPECT_NEAR(scanner->y, place.y, 0.01);
+    EXPECT_NEAR(scanner->z, place.z, 0.01);
+}
+
+TEST(SessionAnatomyTest, ImageHeadersPlaceTheRunInTheAnatomy) {
+    AnatomySession run(ScannerType::GeHdxtDicom);
+    run.flipSlices(); // of no effect
+    EXPECT_EQ(run.run(), QStringList());
+    // The headers give the centre of the first voxel.
+    const Point slice = run.scan.geometry().sliceCentreInScanner(3);
+    expectCubePoint(run.anatomy().anatomical, {9, 21, 3},
+                    inAnatomy({slice.x + (9 - 16) * 6.0, slice.y + (21 - 16) * 6.0, slice.z}));
+}
+
+TEST(SessionAnatomyTest, WhatCanNotBeReadIsToldWithoutHoldingUpTheRun) {
+    const QByteArray native = "FMRVMRAlignVMRPosFile: \"./%1\"\nIntraSessionVMRFile: \"./%2\"\n";
+    const QByteArray acpc = "FMRVMRAlignVMRPosFile: \"./anatomy.pos\"\n"
+                            "ACPCTransformationFile: \"./%1\"\nACPCVMRFile: \"./%2\"\n";
+    const QByteArray atlas = "FMRVMRAlignVMRPosFile: \"./anatomy.pos\"\n"
+                             "ACPCTransformationFile: \"./good.trf\"\n"
+                             "TalairachCerebrumBorderFile: \"./%1\"\nTalairachVMRFile: \"./%2\"\n";
+    const struct {
+        int mode;
+        const QByteArray& files;
+        const char* first;
+        const char* second;
+        const char* message;
+    } rows[] = {{1, native, "missing.pos", "anatomy.vmr", "ERROR: Can not open POS file"},
+                {1, native, "old.pos", "anatomy.vmr", "ERROR: The POS file"},
+                {1, native, "anatomy.pos", "missing.vmr", "Can not open specified VMR file !"},
+                {2, acpc, "missing.trf", "anatomy.vmr", "ERROR: Can not open TRF file"},
+                {2, acpc, "singular.trf", "anatomy.vmr", "ERROR: The TRF file"},
+                {3, atlas, "missing.tal", "anatomy.vmr", "ERROR: Can not open TAL file"},
+                {3, atlas, "flat.tal", "anatomy.vmr", "ERROR: The reference points"}};
+    AnatomySession run;
+    run.put("old.pos", anatomyPositions(2));
+    const QByteArray trf = "FileVersion: 5\nDataFormat: Matrix\n1 0 0 0\n0 1 0 0\n0 0 %1 0\n"
+                           "0 0 0 1\nTransformationType: 2\nCoordinateSystem: 0\n";
+    run.put("good.trf", QByteArray(trf).replace("%1", "1"));
+    run.put("singular.trf", QByteArray(trf).replace("%1", "0"));
+    run.put("flat.tal", "FileVersion: 2\nVMR: \"a\"\n" +
+                            QByteArray("P: 128 128 128\n").repeated(8) + "A: 1\nB: 1\n");
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.first) + " " + row.second);
+        run.setOverlay(row.mode,
+                       QByteArray(row.files).replace("%1", row.first).replace("%2", row.second));
+        const qsizetype modeless = run.messages.shownModeless().size();
+        const QStringList told = run.run();
+        ASSERT_EQ(told.size(), 1);
+        EXPECT_TRUE(told.first().startsWith(row.message)) << told.first().toStdString();
+        EXPECT_EQ(run.messages.shownModeless().size(), modeless + 1);
+        EXPECT_FALSE(run.session.anatomy.hasAnatomy());
+        EXPECT_EQ(run.session.settings.OverlayOnVMRMode, 0);
+        EXPECT_EQ(run.session.requests.pendingOverlayVMR, -1);
+        EXPECT_EQ(run.session.report.currentVolume, 23);
+    }
+}
+
+TEST(SessionAnatomyTest, TalairachSpaceIsUndoneOnTheWayToTheRun) {
+    AnatomySession run;
+    run.put("shift.trf", "FileVersion: 5\nDataFormat: Matrix\n1 0 0 2\n0 1 0 -3\n0 0 1 4\n0 0 0 1\n"
+                         "TransformationType: 2\nCoordinateSystem: 0\n");
+    // Half as large as the atlas along x, in front of the anterior commissure.
+    run.put("brain.tal", "FileVersion: 2\nVMR: \"a\"\nAC: 128 128 128\nPC: 151 128 128\n"
+                         "AP: 93 128 128\nPP: 230 128 128\nSP: 128 54 128\nIP: 128 170 128\n"
+                         "LP: 128 128 196\nRP: 128 128 60\nA: 1\nB: 1\n");
+    run.setOverlay(3, "FMRVMRAlignVMRPosFile: \"./anatomy.pos\"\n"
+                      "ACPCTransformationFile: \"./shift.trf\"\n"
+                      "TalairachCerebrumBorderFile: \"./brain.tal\"\n"
+                      "TalairachVMRFile: \"./anatomy.vmr\"\n");
+    EXPECT_EQ(run.run(), QStringList());
+    // A point of the native anatomy lies at inverse(L) of it in the AC-PC cube.
+    Point point = inAnatomy(AnatomySession::placeInScanner(14, 6, 3));
+    point = {point.x - 2.0, point.y + 3.0, point.z - 4.0};
+    ASSERT_LT(point.x, 128.0);
+    point.x = 128.0 - 2.0 * (128.0 - point.x);
+    expectCubePoint(run.anatomy().anatomical, {14, 6, 3}, point);
+    // The sections through it show the voxel there.
+    const CubeVoxel cross = nearestCubeVoxel({float(point.x), float(point.y), float(point.z)});
+    std::vector<int32_t> indices(size_t(256) * 256);
+    const std::tuple<SectionAxis, int, int> sections[] = {{SectionAxis::X, cross.z, cross.y},
+                                                          {SectionAxis::Y, cross.z, cross.x},
+                                                          {SectionAxis::Z, cross.x, cross.y}};
+    for (const auto& [axis, column, row] : sections) {
+        mapSection(*run.anatomy().anatomical.mapping, {32, 32, 6}, axis, cross, indices);
+        EXPECT_EQ(indices[size_t(256 * row + column)], (3 * 32 + 6) * 32 + 14);
+    }
+}
+
+TEST(SessionAnatomyTest, TheCubeIsSavedAndComesBackWithAReload) {
+    AnatomySession run;
+    EXPECT_EQ(run.run(), QStringList());
+    const std::vector<uint8_t> cube = run.anatomy().functional.volume.cube;
+    EXPECT_GT(*std::ranges::max_element(cube), 200);
+    EXPECT_EQ(run.saved("_EPI.vmr"),
+              QByteArray("\0\1\0\1\0\1", 6) +
+                  QByteArray(reinterpret_cast<const char*>(cube.data()), qsizetype(cube.size())));
+    EXPECT_EQ(run.saved(".amr").left(4), QByteArray("\6\0BM", 4)) << "six images";
+    ASSERT_TRUE(run.session.reloadData());
+    EXPECT_EQ(run.anatomy().functional.volume.cube, cube);
+    EXPECT_TRUE(run.anatomy().functional.mapping && run.anatomy().anatomical.mapping);
+    // One that was changed is shown as it is; one that is damaged is made anew.
+    run.put("results/Simulation-1_EPI.vmr", vmrWith(1, 2, 3));
+    ASSERT_TRUE(run.session.reloadData());
+    EXPECT_EQ(run.anatomy().functional.volume.cube[cubeIndex(1, 2, 3)], 200);
+    run.put("results/Simulation-1_EPI.vmr", "short");
+    ASSERT_TRUE(run.session.reloadData());
+    EXPECT_EQ(run.anatomy().functional.volume.cube, cube);
+    EXPECT_EQ(run.messages.shown(), run.messages.shownModeless());
+}
+
+TEST(SessionAnatomyTest, TheOperatorsAnatomyHoldsForTheSeriesOfSettingsFiles) {
+    AnatomySession run;
+    run.setOverlay(0, {});
+    run.put("other.vmr", vmrWith(10, 20, 30));
+    run.put("other.pos", anatomyPositions());
+    SessionAnatomy& anatomy = run.session.anatomy;
+    EXPECT_FALSE(anatomy.load(run.folder.filePath("missing.vmr")));
+    EXPECT_EQ(anatomy.loadedFile(), "");
+    EXPECT_TRUE(anatomy.load(run.folder.filePath("other.vmr")));
+    EXPECT_EQ(run.run(), QStringList());
+    const auto isPlaced = [&] {
+        return anatomy.hasAnatomy() && run.anatomy().anatomical.name == "other.vmr" &&
+               run.anatomy().anatomical.mapping;
+    };
+    EXPECT_TRUE(isPlaced());
+    EXPECT_TRUE(run.session.reloadData());
+    EXPECT_TRUE(isPlaced());
+    // Over the run in memory at once.
+    int changes = 0;
+    anatomy.changed = [&] { ++changes; };
+    run.put("bare.vmr", vmrWith(1, 1, 1));
+    EXPECT_TRUE(anatomy.load(run.folder.filePath("bare.vmr")));
+    EXPECT_TRUE(run.messages.shownModeless().last().startsWith("INFO: The place of the anatomy"));
+    EXPECT_FALSE(run.anatomy().anatomical.mapping);
+    EXPECT_EQ(run.anatomy().shown, ShownCube::Anatomical);
+    EXPECT_EQ(run.session.requests.pendingOverlayVMR, 1);
+    EXPECT_EQ(changes, 1);
+    run.session.settings.settingsFilePath = run.folder.filePath("Simulation-2.vco");
+    EXPECT_EQ(anatomy.loadedFile(), run.folder.filePath("bare.vmr"));
+    run.session.settings.settingsFilePath = run.folder.filePath("Another-2.vco");
+    EXPECT_EQ(anatomy.loadedFile(), "");
+}
