@@ -5,6 +5,7 @@
 #include "volume/fmr_project.h"
 #include "volume/head_volume.h"
 #include "volume/motion_evaluation.h"
+#include "volume/motion_tracking.h"
 
 #include <cstdio>
 #include <functional>
@@ -12,7 +13,8 @@
 
 namespace {
 
-/// How differences are summed. The first is the program's; the others show what it costs.
+/// How differences are summed. The first is that of the standard method; the others show what it
+/// costs.
 struct Variant {
     const char* name;
     bool allVoxels;       ///< instead of the sparse grid
@@ -20,7 +22,7 @@ struct Variant {
     bool means;           ///< steps are compared by the mean of the squares instead of their sum
 };
 constexpr Variant variants[] = {
-    {"the program", false, false, false},  {"means", false, false, true},
+    {"standard", false, false, false},     {"means", false, false, true},
     {"all voxels", true, false, false},    {"true derivatives", false, true, false},
     {"voxels, deriv.", true, true, false}, {"all three", true, true, true}};
 
@@ -115,11 +117,66 @@ struct Errors {
     std::array<double, nrOfMotionParameters> of{}; ///< mean of each parameter
     double mean[2] = {}; ///< of translations, in millimetres, and of rotations, in degrees
     double largest[2] = {};
+    double displacement = 0.0; ///< mean inside the head, millimetres
     double steps = 0.0;
     /// Mean square at the true position divided by that at the estimate. Above 1 no search could
     /// have found the true position: it is not where the volumes agree best.
     double truthByFound = 0.0;
 };
+
+/// Mean distance between the places to which two motions take the points of a head.
+double displacementBetween(const VolumeGrid& grid, const RigidTransformation& a,
+                           const RigidTransformation& b) {
+    const C3dMatrix first = a.matrix(), second = b.matrix();
+    constexpr double semiAxes[3] = {68.0, 86.0, 48.0}; // millimetres
+    double sum = 0.0;
+    int count = 0;
+    for (int z = 0; z < grid.size[2]; ++z)
+        for (int y = 0; y < grid.size[1]; y += 2)
+            for (int x = 0; x < grid.size[0]; x += 2) {
+                const C3dVector p{grid.position(0, x), grid.position(1, y), grid.position(2, z)};
+                if (std::hypot(double(p.x) / semiAxes[0], double(p.y) / semiAxes[1],
+                               double(p.z) / semiAxes[2]) > 1.0)
+                    continue;
+                const C3dVector q = first * p, r = second * p;
+                sum += std::hypot(double(q.x - r.x), double(q.y - r.y), double(q.z - r.z));
+                ++count;
+            }
+    return sum / count;
+}
+
+void addErrors(const Course& course, int v, const RigidTransformation& found, int steps,
+               Errors& errors) {
+    const std::array<double, nrOfMotionParameters> truth = asArray(course.truth(v));
+    const std::array<double, nrOfMotionParameters> values = asArray(found);
+    for (size_t i = 0; i < nrOfMotionParameters; ++i) {
+        const double error = std::abs(values[i] - truth[i]);
+        errors.of[i] += error / (course.nrOfVolumes - 1);
+        errors.mean[i / 3] += error / (3 * (course.nrOfVolumes - 1));
+        errors.largest[i / 3] = std::max(errors.largest[i / 3], error);
+    }
+    errors.displacement +=
+        displacementBetween(course.grid, found, course.truth(v)) / (course.nrOfVolumes - 1);
+    errors.steps += double(steps) / (course.nrOfVolumes - 1);
+}
+
+/// The methods of least squares.
+Errors followExactly(const Course& course) {
+    std::vector<int16_t> target(course.grid.samples()), source(course.grid.samples());
+    course.measure(0, target);
+    MotionTracking tracking;
+    Errors errors;
+    if (!tracking.setTarget(course.grid, target))
+        return errors;
+    for (int v = 1; v < course.nrOfVolumes; ++v) {
+        course.measure(v, source);
+        const MotionTracking::Found found = tracking.follow(source);
+        if (!found.good)
+            std::printf("    volume %d was not found\n", v);
+        addErrors(course, v, found.transformation, found.steps, errors);
+    }
+    return errors;
+}
 
 Errors follow(const Course& course, const Variant& variant) {
     std::vector<int16_t> target(course.grid.samples()), source(course.grid.samples());
@@ -139,14 +196,7 @@ Errors follow(const Course& course, const Variant& variant) {
             },
             start, failed);
         found = asArray(fit.transformation);
-        const std::array<double, nrOfMotionParameters> truth = asArray(course.truth(v));
-        for (size_t i = 0; i < nrOfMotionParameters; ++i) {
-            const double error = std::abs(found[i] - truth[i]);
-            errors.of[i] += error / (course.nrOfVolumes - 1);
-            errors.mean[i / 3] += error / (3 * (course.nrOfVolumes - 1));
-            errors.largest[i / 3] = std::max(errors.largest[i / 3], error);
-        }
-        errors.steps += double(fit.steps) / (course.nrOfVolumes - 1);
+        addErrors(course, v, fit.transformation, fit.steps, errors);
         const auto meanSquareAt = [&](const RigidTransformation& t) {
             MotionEquations equations;
             evaluation.evaluate(source, t, equations);
@@ -226,13 +276,18 @@ Course realRun(const QString& fmrFile, const QString& reference) {
             [motion](int v) { return motion[size_t(v)]; }};
 }
 
+void printErrors(const Course& course, const char* method, const Errors& e) {
+    std::printf("%3d x %3d x %2d  %-12s  %-16s  %7.4f  %7.4f %7.4f  %7.4f %7.4f  %5.1f  %11.3f\n",
+                course.grid.size[0], course.grid.size[1], course.grid.size[2], course.name, method,
+                e.displacement, e.mean[0], e.mean[1], e.largest[0], e.largest[1], e.steps,
+                e.truthByFound);
+}
+
 void printCourse(const Course& course, bool allVariants) {
+    printErrors(course, "least squares", followExactly(course));
     for (const Variant& variant : variants) {
         const Errors e = follow(course, variant);
-        std::printf("%3d x %3d x %2d  %-12s  %-16s  %8.3f %8.3f  %8.3f %8.3f  %5.1f  %11.3f\n",
-                    course.grid.size[0], course.grid.size[1], course.grid.size[2], course.name,
-                    variant.name, e.mean[0], e.mean[1], e.largest[0], e.largest[1], e.steps,
-                    e.truthByFound);
+        printErrors(course, variant.name, e);
         if (allVariants) {
             std::printf("    mean of each:");
             for (const double error : e.of)
@@ -267,9 +322,11 @@ void printSize(std::array<int, 3> voxels, std::array<float, 3> millimetres, bool
 /// Arguments: none for simulated heads at three sizes, the program's variant; "all" for the
 /// smallest size, all variants; a project file and a file of its motion for that run, all variants.
 int main(int argc, char** argv) {
-    std::printf("Absolute errors: mean of translations (mm) and rotations (degrees), then largest\n"
-                "size            course        evaluation        mean mm mean deg    max mm  max "
-                "deg  steps  truth/found\n");
+    std::printf(
+        "Mean displacement left inside the head (mm); absolute errors: mean of translations "
+        "(mm) and rotations (degrees), then largest\n"
+        "size            course        method              left     mm      deg     max mm "
+        "max deg  steps  truth/found\n");
     if (argc > 2) {
         printCourse(realRun(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2])),
                     true);

@@ -3,6 +3,7 @@
 
 #include "base/messages.h"
 #include "volume/fmr_file.h"
+#include "volume/spline_resampling.h"
 #include "volume/stc_file.h"
 
 #include <QFile>
@@ -45,13 +46,20 @@ bool MotionCorrection::prepare(const FMRProject& project) {
         showModelessWarning("ERROR: Insufficient memory for creating VTC volume!");
         return false;
     }
-    if (!allocateMotionParameters(project.NrOfVolumes) ||
-        !evaluator_.setTarget(grid_, motionTarget.span())) {
+    volumesNotFound.clear();
+    if (!allocateMotionParameters(project.NrOfVolumes) || !prepareMethod()) {
         showModelessWarning(
             "ERROR: Insufficient memory for creating volume for motion correction!");
         return false;
     }
     return true;
+}
+
+bool MotionCorrection::prepareMethod() {
+    if (method == MotionMethod::Standard)
+        return evaluator_.setTarget(grid_, motionTarget.span());
+    return tracking_.setTarget(grid_, motionTarget.span()) &&
+           (method != MotionMethod::LeastSquares || spline_.allocate(grid_, SplineDegree::Cubic));
 }
 
 // Motion seldom continues: part of the last estimate is a better start than all or none of it.
@@ -62,23 +70,42 @@ MotionParameters MotionCorrection::startValues(int v) const {
     return start;
 }
 
+MotionFit MotionCorrection::findMotion(std::span<const int16_t> volume, int v,
+                                       bool& motionCorrectionFailed) {
+    if (method == MotionMethod::Standard)
+        return fitMotion(
+            [&](const RigidTransformation& transformation, MotionEquations& equations) {
+                evaluator_.evaluate(volume, transformation, equations);
+            },
+            startValues(v), motionCorrectionFailed);
+    const MotionTracking::Found found = tracking_.follow(volume);
+    if (!found.good)
+        volumesNotFound.push_back(v);
+    return {found.transformation, found.steps};
+}
+
+void MotionCorrection::resample(std::span<const int16_t> volume,
+                                const RigidTransformation& transformation) {
+    if (method != MotionMethod::LeastSquares)
+        return resampleVolume(grid_, volume, motionResampled_.span(), transformation);
+    spline_.setSamples(volume);
+    resampleVolume(spline_, motionResampled_.span(), transformation);
+}
+
 void MotionCorrection::correctVolumeMotion(FMRProject& project, int v,
                                            bool& motionCorrectionFailed) {
     if (v == 1)
         prepared_ = prepare(project);
     if (!prepared_ || v < 1 || size_t(v) >= motionParameters[0].size() ||
         size_t(v) >= project.volumes.size() || project.volumes.samplesOfEach() != grid_.samples() ||
-        !log_.open(project, grid_))
+        !log_.open(project, motionLogHead(method, grid_)))
         return;
     // The volume itself is the source: it is replaced only when the result is complete.
     const std::span<int16_t> volume = project.volumes[size_t(v)];
-    const MotionFit fit = fitMotion(
-        [&](const RigidTransformation& transformation, MotionEquations& equations) {
-            evaluator_.evaluate(volume, transformation, equations);
-        },
-        startValues(v), motionCorrectionFailed);
-    log_.add(motionLogLine(v, fit));
-    resampleVolume(grid_, volume, motionResampled_.span(), fit.transformation);
+    const MotionFit fit = findMotion(volume, v, motionCorrectionFailed);
+    const bool found = volumesNotFound.empty() || volumesNotFound.back() != v;
+    log_.add(motionLogLine(v, fit, found));
+    resample(volume, fit.transformation);
     const RigidTransformation& t = fit.transformation;
     const std::array<float, nrOfMotionParameters> values{t.tx, t.ty, t.tz, t.rx, t.ry, t.rz};
     for (size_t i = 0; i < nrOfMotionParameters; ++i)

@@ -4,16 +4,22 @@
 
 #include "volume/motion_evaluation.h"
 #include "volume/motion_log.h"
+#include "volume/motion_method.h"
+#include "volume/motion_tracking.h"
 
 /// Part of a document. Without a target nothing is corrected.
 class MotionCorrection {
 public:
+    MotionMethod method = MotionMethod::Standard;
     /// The volume to which all others are aligned; of the size of the run's volumes.
     Volume motionTarget;
     /// Six arrays with one value for each analysed volume: X, Y, Z translation in millimetres and
     /// X, Y, Z rotation in degrees. Those of volume 0, and of volumes that were not corrected, are
     /// 0. Empty until volume 1 is corrected.
     std::array<ZeroedBuffer<float>, nrOfMotionParameters> motionParameters;
+    /// Volumes whose motion was not found, in rising order: they have the parameters of the last
+    /// one whose motion was. Only the methods of least squares tell.
+    std::vector<int> volumesNotFound;
 
     /// Zeroed arrays of this length. False, with all of them empty, when memory runs out.
     [[nodiscard]] bool allocateMotionParameters(int nrOfVolumes);
@@ -26,8 +32,10 @@ public:
     /// parameters 0, when memory runs out (at volume 1, for the whole run) or the log can't be
     /// opened; a modeless box tells the operator.
     ///
-    /// A failed fit sets `motionCorrectionFailed` and counts as no motion. While the flag is set,
-    /// by whichever volume or run, volumes are moved by their start values, without a fit.
+    /// With the standard method a failed fit sets `motionCorrectionFailed` and counts as no motion.
+    /// While the flag is set, by whichever volume or run, volumes are moved by their start values,
+    /// without a fit. With the others the volume is moved like the last good one, and the next is
+    /// fitted from there.
     void correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed);
 
     /// At the end of a run. The parameters stay.
@@ -35,11 +43,18 @@ public:
 
 private:
     [[nodiscard]] bool prepare(const FMRProject& project);
+    [[nodiscard]] bool prepareMethod();
     [[nodiscard]] MotionParameters startValues(int v) const;
+    /// The motion of volume `v`; notes it when there is none to be found.
+    [[nodiscard]] MotionFit findMotion(std::span<const int16_t> volume, int v,
+                                       bool& motionCorrectionFailed);
+    void resample(std::span<const int16_t> volume, const RigidTransformation& transformation);
 
     VolumeGrid grid_;
-    MotionEvaluator evaluator_;
-    Volume motionResampled_; ///< work space
+    MotionEvaluator evaluator_; ///< of the standard method
+    MotionTracking tracking_;   ///< of the others
+    SplineVolume spline_;       ///< of the volume that is resampled
+    Volume motionResampled_;    ///< work space
     MotionLog log_;
     bool prepared_ = false;
 };

@@ -21,7 +21,11 @@ QString motionLogFileName(const FMRProject& project) {
                                                  : QString("REALTIME_3DMC.log"));
 }
 
-QByteArray motionLogHead(const VolumeGrid& grid) {
+QByteArray motionLogHead(MotionMethod method, const VolumeGrid& grid) {
+    if (method == MotionMethod::LeastSquares)
+        return "InterpolationMethod: CubicBSpline\nFitMethod: LeastSquares\n\n";
+    if (method == MotionMethod::LeastSquaresTrilinear)
+        return "InterpolationMethod: Trilinear\nFitMethod: LeastSquares\n\n";
     const int x = motionSamplingStep(grid.size[0]);
     const int y = motionSamplingStep(grid.size[1]);
     const int z = motionSamplingStep(grid.size[2]);
@@ -33,15 +37,16 @@ QByteArray motionLogHead(const VolumeGrid& grid) {
     return text + formatted("MaxNrOfLevMarqIterations: %i\n\n", MaxNrOfLevMarqIterations);
 }
 
-QByteArray motionLogLine(int volume, const MotionFit& fit) {
+QByteArray motionLogLine(int volume, const MotionFit& fit, bool found) {
     const RigidTransformation& t = fit.transformation;
     return formatted("-> volume: %4i   n_its: %4i   dx: %6.4f mm  dy: %6.4f mm  dz: %6.4f mm    "
-                     "rx: %6.4f degs   ry: %6.4f degs  rz: %6.4f degs\n",
+                     "rx: %6.4f degs   ry: %6.4f degs  rz: %6.4f degs%s\n",
                      volume + 1, fit.steps, double(t.tx), double(t.ty), double(t.tz), double(t.rx),
-                     double(t.ry), double(t.rz));
+                     double(t.ry), double(t.rz),
+                     found ? "" : "   not found, as for the last volume that was");
 }
 
-bool MotionLog::open(const FMRProject& project, const VolumeGrid& grid) {
+bool MotionLog::open(const FMRProject& project, const QByteArray& head) {
     file_.setFileName(motionLogFileName(project));
     const QIODevice::OpenMode mode = started_ ? QIODevice::Append : QIODevice::Truncate;
     const auto open = [&] { return file_.open(QIODevice::WriteOnly | mode); };
@@ -52,7 +57,6 @@ bool MotionLog::open(const FMRProject& project, const VolumeGrid& grid) {
         return false;
     }
     if (!started_) {
-        const QByteArray head = motionLogHead(grid);
         started_ = file_.write(head) == head.size() && file_.flush();
     }
     return true;

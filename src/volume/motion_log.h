@@ -3,6 +3,7 @@
 #pragma once
 
 #include "volume/motion_fit.h"
+#include "volume/motion_method.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -12,17 +13,17 @@
 [[nodiscard]] QString motionLogFileName(const FMRProject& project);
 
 /// The lines before those of the volumes.
-[[nodiscard]] QByteArray motionLogHead(const VolumeGrid& grid);
+[[nodiscard]] QByteArray motionLogHead(MotionMethod method, const VolumeGrid& grid);
 
-/// The line of a volume, which counts from 0.
-[[nodiscard]] QByteArray motionLogLine(int volume, const MotionFit& fit);
+/// The line of a volume, which counts from 0. `found`: its motion is its own.
+[[nodiscard]] QByteArray motionLogLine(int volume, const MotionFit& fit, bool found = true);
 
 /// Writes the log of one run, record by record.
 class MotionLog {
 public:
     /// Opens the file: at first a new one with its head, later the same for appending. False when
     /// that fails, after a modeless box that is shown once until it works again.
-    [[nodiscard]] bool open(const FMRProject& project, const VolumeGrid& grid);
+    [[nodiscard]] bool open(const FMRProject& project, const QByteArray& head);
     /// Adds a record and closes the file, so that nothing is lost when the program ends.
     void add(const QByteArray& line);
 

@@ -6,6 +6,7 @@
 #include "support/scripted_messages.h"
 #include "volume/fmr_file.h"
 #include "volume/head_volume.h"
+#include "volume/spline_resampling.h"
 #include "volume/stc_file.h"
 
 #include <QDir>
@@ -101,11 +102,12 @@ TEST_F(MotionCorrectionTest, FollowsTheHead) {
 
 TEST_F(MotionCorrectionTest, LogHasItsHeadAndLines) {
     makeRun({32, 33, 15}, 1);
-    EXPECT_EQ(motionLogHead(VolumeGrid(project)),
+    constexpr MotionMethod standard = MotionMethod::Standard;
+    EXPECT_EQ(motionLogHead(standard, VolumeGrid(project)),
               "InterpolationMethod: Trilinear\nFullDataSet: No   (sampling: 2 2 1)\n"
               "MaxNrOfLevMarqIterations: 10\n\n");
     project.ResolutionX = project.ResolutionY = 31;
-    EXPECT_TRUE(motionLogHead(VolumeGrid(project)).contains("\nFullDataSet: Yes\n"));
+    EXPECT_TRUE(motionLogHead(standard, VolumeGrid(project)).contains("\nFullDataSet: Yes\n"));
     const MotionFit fit{{1, -2, 0.12346f, 0.5f, 0, -0.25f}, 11};
     EXPECT_EQ(motionLogLine(0, fit),
               "-> volume:    1   n_its:   11   dx: 1.0000 mm  dy: -2.0000 mm  dz: 0.1235 mm    "
@@ -156,6 +158,61 @@ TEST_F(MotionCorrectionTest, FitsThatFailLeaveTheSamples) {
         }
         EXPECT_EQ(parametersOf(2), std::vector<float>(6, 0.0f));
     }
+}
+
+TEST_F(MotionCorrectionTest, LeastSquaresGoesOnBehindVolumesWithoutMotion) {
+    for (const MotionMethod method :
+         {MotionMethod::LeastSquares, MotionMethod::LeastSquaresTrilinear}) {
+        makeRun({48, 48, 20}, 6);
+        motion->method = method;
+        const auto truth = [](int v) {
+            return std::vector<float>{
+                0.2f * float(v), -0.1f * float(v), 0.3f, 0.2f, 0.1f * float(v), -0.3f};
+        };
+        std::vector<int16_t> measured;
+        for (int v = 0; v < 6; ++v) {
+            const std::vector<float> t = v == 0 ? std::vector<float>(6, 0.0f) : truth(v);
+            measureHead(v, {t[0], t[1], t[2], t[3], t[4], t[5]});
+            if (v == 3)
+                std::ranges::fill(project.volumes[3], int16_t(0));
+            measured = copyOf(v);
+            correct(v);
+        }
+        EXPECT_EQ(motion->volumesNotFound, std::vector<int>{3});
+        EXPECT_EQ(parametersOf(3), parametersOf(2));
+        for (const int v : {1, 2, 4, 5})
+            for (size_t i = 0; i < 6; ++i)
+                EXPECT_NEAR(parametersOf(v)[i], truth(v)[i], 0.03) << v << " " << i;
+        EXPECT_FALSE(failed);
+        const QByteArray log = contentOf(folder.filePath("run_3DMC.log"));
+        EXPECT_EQ(log.count("-> volume:"), 5);
+        EXPECT_EQ(log.count("not found"), 1);
+        EXPECT_EQ(log.startsWith("InterpolationMethod: CubicBSpline\nFitMethod: LeastSquares\n"),
+                  method == MotionMethod::LeastSquares);
+        const std::vector<float> p = parametersOf(5);
+        const RigidTransformation last{p[0], p[1], p[2], p[3], p[4], p[5]};
+        std::vector<int16_t> expected(measured.size());
+        SplineVolume spline;
+        ASSERT_TRUE(spline.allocate(VolumeGrid(project), SplineDegree::Cubic));
+        spline.setSamples(measured);
+        if (method == MotionMethod::LeastSquares)
+            resampleVolume(spline, expected, last);
+        else
+            resampleVolume(VolumeGrid(project), measured, expected, last);
+        EXPECT_EQ(copyOf(5), expected);
+    }
+}
+
+TEST_F(MotionCorrectionTest, LeastSquaresDoesNotBelieveFarJumps) {
+    makeRun({48, 48, 20}, 3);
+    motion->method = MotionMethod::LeastSquares;
+    measureHead(0, {});
+    measureHead(1, {0.0f, 0.0f, 0.0f, 0.0f, 0.0f, 45.0f});
+    measureHead(2, {0.5f});
+    for (int v = 0; v < 3; ++v)
+        correct(v);
+    EXPECT_EQ(motion->volumesNotFound, std::vector<int>{1});
+    EXPECT_NEAR(parametersOf(2)[0], 0.5f, 0.03f);
 }
 
 TEST_F(MotionCorrectionTest, TargetOfAnotherRunMustFit) {

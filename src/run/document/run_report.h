@@ -29,10 +29,11 @@ struct RunReport {
     CycleTimes times;
     QString slowPlugin; ///< name of the plug-in when its pluginTime is more than half of the TR
     bool motionCorrectionFailed = false;
-    bool mapsPresent = false;    ///< there are maps to show
-    bool runFinished = false;    ///< the current settings file has been analysed
-    bool savedCompletely = true; ///< the run in memory is on disk, whole
-    bool onlyInMemory = false;   ///< neither its results nor its journal are
+    int volumesWithoutMotion = 0; ///< whose motion was not found; of the methods that tell
+    bool mapsPresent = false;     ///< there are maps to show
+    bool runFinished = false;     ///< the current settings file has been analysed
+    bool savedCompletely = true;  ///< the run in memory is on disk, whole
+    bool onlyInMemory = false;    ///< neither its results nor its journal are
     /// The latest start failed: only the run button and a newly chosen settings file work.
     bool startFailed = false;
     /// Outcome of the latest run or reload, shown on the panel until something newer happens.
@@ -45,6 +46,7 @@ struct RunReport {
         currentVolume = -1;
         elapsedRunTime = 0;
         mapsPresent = false;
+        volumesWithoutMotion = 0;
         times = {};
         slowPlugin.clear();
         outcomeText.clear();

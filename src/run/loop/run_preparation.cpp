@@ -177,6 +177,7 @@ bool prepareMotionTarget(const RunParts& run, RunSource& source) {
     QtCortivoDoc& document = run.document;
     if (!settings.MotionCorrection)
         return true;
+    document.motion.method = MotionMethod(settings.MotionCorrectionMethod);
     if (settings.IntraSessionMotionCorrection)
         return source.loadMotionTarget(settings, document.project, document.motion);
     return document.motion.motionTarget.allocate(document.project.volumeSamples()) ||

@@ -51,6 +51,16 @@ QString pluginPart(const RunReport& report) {
                      bold(report.slowPlugin.toHtmlEscaped() + " took more than half of the TR");
 }
 
+// Nothing as long as the motion of every volume was found.
+QString motionPart(const RunReport& report) {
+    const int count = report.volumesWithoutMotion;
+    return count == 0
+               ? QString()
+               : "<br>" + bold(QStringLiteral("The motion of %1 was not found")
+                                   .arg(count == 1 ? QStringLiteral("1 volume")
+                                                   : QStringLiteral("%1 volumes").arg(count)));
+}
+
 } // namespace
 
 QString processingText(int fontSize, const QString& settingsFileName) {
@@ -92,7 +102,7 @@ QString volumeStatusText(const RunReport& report, const OperatorRequests& reques
                .arg(report.times.fullVolTime)
                .arg(report.times.volWaitTime)
                .arg(requests.startOffsetSeconds) +
-           overlayPart(requests) + pluginPart(report) +
+           overlayPart(requests) + motionPart(report) + pluginPart(report) +
            (last ? "<br> Ready.<br></body>" : "</body>");
 }
 

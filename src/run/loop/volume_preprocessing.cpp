@@ -7,11 +7,13 @@ namespace {
 
 void correctMotion(const RunParts& run, int volumeIndex) {
     QtCortivoDoc& document = run.document;
-    if (volumeIndex > 0)
+    if (volumeIndex > 0) {
         document.motion.correctVolumeMotion(document.project, volumeIndex,
                                             run.report.motionCorrectionFailed);
-    else if (!run.settings.IntraSessionMotionCorrection)
+        run.report.volumesWithoutMotion = int(document.motion.volumesNotFound.size());
+    } else if (!run.settings.IntraSessionMotionCorrection) {
         document.motion.setMotionTarget(document.project);
+    }
 }
 
 // With a width that can't be used (of 0 nothing would be left of a volume) volumes stay as they

@@ -109,6 +109,7 @@ struct RunSettings {
     QString SRFFileLH;
     QString SRFFileRH;
     QString FeedbackTargetFolder;
+    int MotionCorrectionMethod = 0; ///< a MotionMethod
 
     // Derived
     QString settingsFilePath;

@@ -312,6 +312,9 @@ void addMeshesAndFeedback(Table& t) {
     add(singleRun, Entry(Folder, "FeedbackTargetFolder:", &S::FeedbackTargetFolder)
                        .present(Presence::OptionalAtEnd)
                        .then(FieldEffect::FeedbackFolder));
+    add(singleRun, Entry(Integer, "MotionCorrectionMethod:", &S::MotionCorrectionMethod)
+                       .within(0, 2)
+                       .present(Presence::Extension));
 }
 
 void addIntraSession(Table& t) {

@@ -30,6 +30,9 @@ enum class Presence {
     Required,
     OptionalAtEnd, ///< may be absent at the end of the file; then the default applies
     SkipsOtherKey, ///< optional; another key in its place is skipped with its value
+    /// May be absent at the end of the file, and whatever else stands there is left alone; written
+    /// only where it isn't the default.
+    Extension,
 };
 
 /// Action after a value whose key was right.

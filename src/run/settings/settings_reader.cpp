@@ -50,6 +50,10 @@ bool SettingsReader::readField(const SettingsField& field) {
         setToDefault(field);
         return applyEffect(field.effect);
     }
+    if (field.presence == Presence::Extension && !nextKeyIs(field.key)) {
+        setToDefault(field);
+        return true;
+    }
     switch (field.kind) {
     case ValueKind::None:
         return applyEffect(field.effect);
@@ -63,6 +67,15 @@ bool SettingsReader::readField(const SettingsField& field) {
         return field.presence == Presence::SkipsOtherKey ? readOrSkipOtherKey(field)
                                                          : readKeyAndValue(field);
     }
+}
+
+bool SettingsReader::nextKeyIs(const QString& key) {
+    if (stream_.atEnd())
+        return false;
+    const qsizetype start = stream_.position();
+    const bool same = tokensAgree(stream_.word(), key);
+    stream_.seek(start);
+    return same;
 }
 
 bool SettingsReader::readKeyAndValue(const SettingsField& field) {

@@ -17,6 +17,7 @@ public:
 
 private:
     [[nodiscard]] bool readField(const SettingsField& field);
+    [[nodiscard]] bool nextKeyIs(const QString& key);
     [[nodiscard]] bool readKeyAndValue(const SettingsField& field);
     [[nodiscard]] bool readOrSkipOtherKey(const SettingsField& field);
     [[nodiscard]] bool readWatchFolder(const SettingsField& field);

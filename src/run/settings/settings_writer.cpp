@@ -79,7 +79,9 @@ WrittenSettings settingsText(RunSettings& settings) {
         // Only the head is unconditional; nothing more is written for a multi-run project.
         if (written.MergeType && field.condition != nullptr)
             break;
-        if (!field.applies(written))
+        if (!field.applies(written) ||
+            (field.presence == Presence::Extension &&
+             valueText(field, written) == valueText(field, RunSettings())))
             continue;
         result.text += fieldText(field, written);
         if (field.effect != FieldEffect::DataType)

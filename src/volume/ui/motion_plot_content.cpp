@@ -16,7 +16,14 @@ constexpr size_t nrOfAxes = 3;
 const QColor axisColors[] = {{0xff, 0x6b, 0x5e}, {0x6f, 0xd6, 0x6f}, {0x5c, 0xa8, 0xff}};
 const QColor limitColor(0xff, 0xb3, 0x47);
 
-/// Axes, protocol and mark of the last volume, as all four plots have them.
+PlotLine lineAt(int volume, const QColor& color) {
+    PlotLine line;
+    line.at = volume;
+    line.color = color;
+    return line;
+}
+
+/// Axes, protocol and marks of volumes, as all four plots have them.
 PlotContent emptyContent(const PlottedMotion& plotted, const QString& title, const QString& unit) {
     PlotContent content;
     content.title = title;
@@ -28,12 +35,11 @@ PlotContent emptyContent(const PlottedMotion& plotted, const QString& title, con
     for (PlotBand& band : content.bands)
         band.name.clear();
     content.note = plotted.note;
-    if (plotted.measured > 0) {
-        PlotLine current;
-        current.at = plotted.measured;
-        current.color = plotColors::quietText;
-        content.lines.push_back(current);
-    }
+    for (const int volume : plotted.motion.volumesNotFound)
+        if (volume < plotted.measured)
+            content.lines.push_back(lineAt(volume + 1, limitColor));
+    if (plotted.measured > 0)
+        content.lines.push_back(lineAt(plotted.measured, plotColors::quietText));
     return content;
 }
 

@@ -46,6 +46,17 @@ TEST_F(SettingsFile, TakesValuesInTheirForms) {
     EXPECT_EQ(settings.ROIColorsFile, "before");
 }
 
+TEST_F(SettingsFile, WhatStandsBehindTheLastKeyIsLeftAloneButForItsOwn) {
+    const QString text = geText().trimmed();
+    for (const auto& [end, method] : {std::pair{"", 0},
+                                      {"\nNotes: of the operator", 0},
+                                      {"\nMotionCorrectionMethod: 1\n", 1}}) {
+        settings.MotionCorrectionMethod = 2; // of an earlier file
+        ASSERT_TRUE(readText(text + end, SettingsUse::Inspection)) << end;
+        EXPECT_EQ(settings.MotionCorrectionMethod, method) << end;
+    }
+}
+
 TEST_F(SettingsFile, ReportsAWrongKeyByUseAndKeepsWhatCameBefore) {
     const QString text = geText().replace("MatrixSizeX: 64", "MatrixX: 12");
     const QString message = "ERROR: Expected \"MatrixSizeX:\" token but found \"MatrixX:\".\n\n"

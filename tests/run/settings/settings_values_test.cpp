@@ -23,6 +23,8 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
         {"StimulationProtocol:", "Protocol:",
          "ERROR: Expected \"StimulationProtocol:\" or \"RealTimeProtocol:\" or \"TDatFile:\" token "
          "but found \"Protocol:\".*"},
+        {"./fb\"", "./fb\" MotionCorrectionMethod: 3",
+         QString(problem).replace("(0)", "(3)").arg("MotionCorrectionMethod", "entry")},
         {"NrOfVolumes: 50", "NrOfVolumes: 0", problem.arg("NrOfVolumes", "entry"), false},
         {"./out", "./run-1.vco/out",
          "ERROR: Target folder  \"" + dir() +

@@ -38,6 +38,7 @@ TEST_F(SettingsFile, EveryFieldSurvivesWritingAndReading) {
             written.NrOfVolumes = 1000;
             written.OverlayOnVMRMode = mode;
             written.OverlayOnSRFMode = mode % 3;
+            written.MotionCorrectionMethod = mode % 3;
             written.FirstFileName = "run-0003-0001.dcm";
             written.DicomNameDelimiter = "-";
             written.DicomFirstVolumeNr = 3;

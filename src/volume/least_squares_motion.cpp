@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "volume/least_squares_motion.h"
+
+#include "base/simd_clones.h"
+#include "stats/numerics/linear_systems.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <numbers>
+
+namespace {
+
+constexpr size_t blockSize = 256;
+constexpr float outside = -1e30f; ///< stands for the value of a sample outside the volume
+constexpr size_t leastSamples = 64;
+constexpr double leastShare = 0.25; ///< of the samples inside the volume
+
+/// Residuals beyond so many standard deviations pull no more than these: 95 % efficient where they
+/// are normal.
+constexpr double huberBound = 1.345;
+constexpr double deviationsPerMedian = 1.4826; ///< of the magnitudes of normal residuals
+
+constexpr int maximumSteps = 40;
+/// Millimetres that a step moves the surface of a head at most. Below the first, a part of the
+/// samples can tell no more; below the second the motion is found.
+constexpr double roughPrecision = 0.1;
+constexpr double precision = 0.01;
+constexpr double headRadius = 70.0; ///< millimetres
+/// Larger steps are no improvement of a guess.
+constexpr double largestShift = 30.0; ///< millimetres
+constexpr double largestTurn = 0.5;   ///< radians
+
+using Lanes = float __attribute__((vector_size(MotionSamples::lanes * sizeof(float))));
+
+void load(const float* values, Lanes& lanes) {
+    std::memcpy(&lanes, values, sizeof lanes);
+}
+
+struct BlockOfVoxels {
+    std::array<std::array<float, blockSize>, 3> positions; ///< in voxels of the volume
+    std::array<float, blockSize> inside;                   ///< 1, or 0
+};
+
+[[gnu::always_inline]] inline void moveBlock(const MotionSamples& samples, size_t begin, size_t n,
+                                             const C3dMatrix& motion, BlockOfVoxels& block) {
+    constexpr float tolerance = 1e-3f; // voxels: the outermost ones are inside
+    const float* x = samples.positions[0].data() + begin;
+    const float* y = samples.positions[1].data() + begin;
+    const float* z = samples.positions[2].data() + begin;
+    block.inside.fill(1.0f);
+    for (size_t axis = 0; axis < 3; ++axis) {
+        const float byX = motion.at(axis, 0), byY = motion.at(axis, 1), byZ = motion.at(axis, 2);
+        const float shift = motion.at(axis, 3);
+        const float perMillimetre = 1.0f / samples.grid.spacing[axis];
+        const float half = samples.grid.half(axis);
+        const float last = 2.0f * half + tolerance;
+        float* voxels = block.positions[axis].data();
+        for (size_t i = 0; i < n; ++i) {
+            voxels[i] = (byX * x[i] + byY * y[i] + byZ * z[i] + shift) * perMillimetre + half;
+            const bool within = voxels[i] >= -tolerance && voxels[i] <= last;
+            block.inside[i] = within ? block.inside[i] : 0.0f;
+        }
+    }
+}
+
+C3dMatrix inverseOfSmallMotion(const std::array<double, nrOfMotionParameters>& motion) {
+    constexpr double degrees = 180.0 / std::numbers::pi;
+    const auto turn = [&](size_t k) { return float(-motion[k] * degrees); };
+    // The turns are small, so that their order makes no difference that the next step doesn't see.
+    return C3dMatrix::rotationX(turn(3)) * C3dMatrix::rotationY(turn(4)) *
+           C3dMatrix::rotationZ(turn(5)) *
+           C3dMatrix::translation(float(-motion[0]), float(-motion[1]), float(-motion[2]));
+}
+
+double length(double x, double y, double z) {
+    return std::sqrt(x * x + y * y + z * z);
+}
+
+} // namespace
+
+struct LeastSquaresMotion::Sums {
+    /// The lower triangle of the normal equations row by row, each row followed by its right side.
+    std::array<double, nrOfProducts> products{};
+    size_t used = 0;
+};
+
+struct LeastSquaresMotion::State {
+    C3dMatrix motion; ///< millimetres of the target to those of the volume
+    double brightness = 1.0;
+    double scale = 1e9; ///< standard deviation of the residuals
+    double moved = 0.0; ///< millimetres, by the last step
+};
+
+bool LeastSquaresMotion::setTarget(const VolumeGrid& grid, std::span<const int16_t> target) {
+    samples_ = {};
+    if (target.size() != grid.samples() || !source_.allocate(grid, SplineDegree::Quintic))
+        return false;
+    source_.setSamples(target);
+    samples_ = chooseMotionSamples(source_, target);
+    moved_.assign(samples_.count(), outside);
+    residuals_.assign(samples_.count(), 0.0f);
+    return true;
+}
+
+VELO_SIMD_CLONES void LeastSquaresMotion::accumulate(const State& state, size_t count, Sums& sums) {
+    constexpr size_t lanes = MotionSamples::lanes;
+    BlockOfVoxels block;
+    const float brightness = float(state.brightness), bound = float(huberBound * state.scale);
+    for (size_t begin = 0; begin < count; begin += blockSize) {
+        const size_t n = std::min(blockSize, count - begin);
+        moveBlock(samples_, begin, n, state.motion, block);
+        source_.sample(
+            {block.positions[0].data(), block.positions[1].data(), block.positions[2].data()}, n,
+            &moved_[begin]);
+        Lanes products[nrOfProducts] = {};
+        for (size_t i = 0; i < n; i += lanes) {
+            Lanes d[nrOfUnknowns], residual, weight;
+            for (size_t k = 0; k < nrOfMotionParameters; ++k)
+                load(&samples_.derivatives[k][begin + i], d[k]);
+            load(&samples_.values[begin + i], d[nrOfMotionParameters]);
+            load(&moved_[begin + i], residual);
+            load(&block.inside[i], weight);
+            residual -= brightness * d[nrOfMotionParameters];
+            const Lanes magnitude = residual < 0.0f ? -residual : residual;
+            weight *= magnitude > bound ? bound / magnitude : Lanes{} + 1.0f;
+            size_t p = 0;
+            for (size_t k = 0; k < nrOfUnknowns; ++k) {
+                const Lanes weighted = weight * d[k];
+                for (size_t j = 0; j <= k; ++j)
+                    products[p++] += weighted * d[j];
+                products[p++] += weighted * residual;
+            }
+        }
+        for (size_t p = 0; p < nrOfProducts; ++p)
+            for (size_t j = 0; j < lanes; ++j)
+                sums.products[p] += double(products[p][j]);
+        for (size_t i = 0; i < n; ++i) {
+            if (block.inside[i] > 0.0f)
+                ++sums.used;
+            else
+                moved_[begin + i] = outside;
+        }
+    }
+}
+
+double LeastSquaresMotion::residualScale(double brightness, size_t count) {
+    constexpr size_t distance = 7;
+    size_t n = 0;
+    for (size_t i = 0; i < count; i += distance)
+        if (moved_[i] > outside)
+            residuals_[n++] = std::abs(moved_[i] - float(brightness) * samples_.values[i]);
+    const auto median = residuals_.begin() + ptrdiff_t(n / 2);
+    std::nth_element(residuals_.begin(), median, residuals_.begin() + ptrdiff_t(n));
+    return deviationsPerMedian * double(*median);
+}
+
+bool LeastSquaresMotion::step(State& state, size_t count) {
+    Sums sums;
+    accumulate(state, count, sums);
+    if (sums.used < leastSamples || double(sums.used) < leastShare * double(count))
+        return false;
+    std::array<double, nrOfUnknowns * nrOfUnknowns> equations{};
+    std::array<double, nrOfUnknowns> change{};
+    size_t p = 0;
+    for (size_t k = 0; k < nrOfUnknowns; ++k) {
+        for (size_t j = 0; j <= k; ++j)
+            equations[k * nrOfUnknowns + j] = equations[j * nrOfUnknowns + k] = sums.products[p++];
+        change[k] = sums.products[p++];
+    }
+    if (numerics::eliminateGaussJordan(equations, int(nrOfUnknowns), change, 1) !=
+        numerics::Elimination::Done)
+        return false;
+    state.brightness += change[nrOfMotionParameters];
+    // A volume of another brightness altogether is not one of the run.
+    constexpr double darkest = 0.2, brightest = 5.0;
+    if (!(state.brightness > darkest && state.brightness < brightest))
+        return false;
+    std::array<double, nrOfMotionParameters> motion{};
+    for (size_t k = 0; k < nrOfMotionParameters; ++k)
+        motion[k] = change[k] / state.brightness;
+    const double shift = length(motion[0], motion[1], motion[2]);
+    const double turn = length(motion[3], motion[4], motion[5]);
+    if (!(shift < largestShift && turn < largestTurn))
+        return false;
+    state.motion = state.motion * inverseOfSmallMotion(motion);
+    state.moved = shift + turn * headRadius;
+    state.scale = residualScale(state.brightness, count);
+    return true;
+}
+
+std::optional<LeastSquaresMotion::Result>
+LeastSquaresMotion::fit(std::span<const int16_t> volume, const RigidTransformation& start) {
+    if (samples_.count() < leastSamples || volume.size() != samples_.grid.samples())
+        return std::nullopt;
+    source_.setSamples(volume);
+    State state;
+    state.motion = start.matrix();
+    bool rough = true;
+    for (int steps = 1; steps <= maximumSteps; ++steps) {
+        if (!step(state, rough ? samples_.count() / MotionSamples::parts : samples_.count()))
+            return std::nullopt;
+        if (!rough && state.moved < precision)
+            return Result{rigidTransformation(state.motion), steps, state.scale};
+        rough = rough && state.moved >= roughPrecision;
+    }
+    return std::nullopt;
+}
+
+RigidTransformation rigidTransformation(const C3dMatrix& m) {
+    // Rx Ry Rz has the sine of the turn about y in its upper right corner.
+    const auto degrees = [](double radians) { return float(radians * 180.0 / std::numbers::pi); };
+    const auto element = [&m](size_t row, size_t column) { return double(m.at(row, column)); };
+    RigidTransformation t;
+    t.tx = -m.at(0, 3);
+    t.ty = -m.at(1, 3);
+    t.tz = -m.at(2, 3);
+    t.rx = degrees(std::atan2(-element(1, 2), element(2, 2)));
+    t.ry = degrees(std::asin(std::clamp(element(0, 2), -1.0, 1.0)));
+    t.rz = degrees(std::atan2(-element(0, 1), element(0, 0)));
+    return t;
+}

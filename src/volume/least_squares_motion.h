@@ -1,0 +1,52 @@
+// Rigid motion by robust least squares with true derivatives: the exact method of motion
+// correction. SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "volume/motion_samples.h"
+
+#include <optional>
+
+/// Fits volumes to a target.
+///
+/// Inverse compositional Gauss-Newton steps (S. Baker and I. Matthews, Lucas-Kanade 20 years on,
+/// International Journal of Computer Vision 56(3), 2004, 221-255): the derivatives are those of the
+/// target and are computed once; each step moves the target a little, and the inverse of that is
+/// added to the motion. Values of the volume between its voxels are those of its quintic B-spline.
+/// Each voxel is weighted by its residual (P. J. Huber, Annals of Mathematical Statistics 35, 1964,
+/// 73-101), so that those whose signal changes pull little. The brightness of the whole volume is a
+/// seventh unknown.
+class LeastSquaresMotion {
+public:
+    /// Prepares for volumes like the target. False when memory runs out.
+    [[nodiscard]] bool setTarget(const VolumeGrid& grid, std::span<const int16_t> target);
+
+    struct Result {
+        RigidTransformation transformation;
+        int steps = 0;
+        double residual = 0.0; ///< standard deviation, from the median, in units of the samples
+    };
+    /// The motion of a volume, found from a first guess. Nothing when the volume doesn't determine
+    /// one: it is blank, or another one, too much of the target is outside of it, or the steps
+    /// don't come to an end.
+    [[nodiscard]] std::optional<Result> fit(std::span<const int16_t> volume,
+                                            const RigidTransformation& start);
+
+private:
+    static constexpr size_t nrOfUnknowns = nrOfMotionParameters + 1;
+    static constexpr size_t nrOfProducts = nrOfUnknowns * (nrOfUnknowns + 1) / 2 + nrOfUnknowns;
+    struct Sums;
+    struct State;
+
+    void accumulate(const State& state, size_t count, Sums& sums);
+    /// Improves the motion by a step. False when there is none.
+    [[nodiscard]] bool step(State& state, size_t count);
+    [[nodiscard]] double residualScale(double brightness, size_t count);
+
+    MotionSamples samples_;
+    SplineVolume source_;
+    std::vector<float> moved_;     ///< value of each sample in the volume, or `outside`
+    std::vector<float> residuals_; ///< work space
+};
+
+/// The parameters of a matrix of RigidTransformation::matrix().
+[[nodiscard]] RigidTransformation rigidTransformation(const C3dMatrix& matrix);
