@@ -162,7 +162,7 @@ TEST_F(NiftiExport, WhatIsNotWrittenLeavesTheOldFile) {
     EXPECT_EQ(contentOf(path("run.nii")), "old");
     progress_.cancelAt = 101;
     EXPECT_FALSE(exportSeries(path("missing/run.nii"), run, 4, progress_, error_));
-    EXPECT_TRUE(error_.startsWith("ERROR: Can not write")) << error_.toStdString();
+    EXPECT_TRUE(error_.startsWith("Can not write")) << error_.toStdString();
 }
 
 } // namespace
