@@ -60,7 +60,14 @@ template<typename Row> bool forRows(const VMRVolume& volume, Row row) {
     return true;
 }
 
+bool fillsCube(const VMRHeader& header) {
+    return header.DimX == cubeSide && header.DimY == cubeSide && header.DimZ == cubeSide;
+}
+
 bool readBlock(QFile& file, const VMRVolume& volume, std::vector<uint8_t>& cube) {
+    if (fillsCube(volume))
+        return file.read(reinterpret_cast<char*>(cube.data()), qint64(cubeVoxels)) ==
+               qint64(cubeVoxels);
     return forRows(volume, [&](size_t place) {
         return file.read(reinterpret_cast<char*>(cube.data() + place), volume.DimX) == volume.DimX;
     });
@@ -143,6 +150,8 @@ bool writeBytes(QSaveFile& file, std::span<const uint8_t> bytes) {
 }
 
 bool writeBlock(QSaveFile& file, const VMRVolume& part, std::span<const uint8_t> cube) {
+    if (fillsCube(part) && !cube.empty())
+        return writeBytes(file, cube);
     const std::vector<uint8_t> zeros(size_t(part.DimX), 0);
     return forRows(part, [&](size_t place) {
         return writeBytes(file, cube.empty() ? std::span<const uint8_t>(zeros)

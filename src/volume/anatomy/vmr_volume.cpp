@@ -3,12 +3,12 @@
 
 #include "base/memory.h"
 
-#include <algorithm>
+#include <cstring>
 #include <new>
 
 bool VMRVolume::clearCube() {
     if (cube.size() == cubeVoxels) {
-        std::ranges::fill(cube, uint8_t(0));
+        std::memset(cube.data(), 0, cube.size());
         return true;
     }
     if (!memoryIsAvailable(cubeVoxels, 1))

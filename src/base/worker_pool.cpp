@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/worker_pool.h"
+
+#include <system_error>
+
+namespace {
+
+constexpr uint64_t oneLoop = uint64_t(1) << 32;
+
+size_t partsLeft(uint64_t ticket) {
+    return size_t(ticket % oneLoop);
+}
+
+/// True when the condition came true soon. A volume's loops follow each other within microseconds,
+/// and a thread that sleeps takes longer to come.
+template<typename Condition> bool comesSoon(const Condition& condition) {
+    constexpr int looks = 2000; // 20 to 100 microseconds
+    for (int i = 0; i < looks; ++i) {
+        if (condition())
+            return true;
+#if defined(__x86_64__)
+        __builtin_ia32_pause();
+#endif
+    }
+    return false;
+}
+
+} // namespace
+
+WorkerPool::WorkerPool(int nrOfThreads) {
+    threads_.reserve(size_t(std::max(nrOfThreads - 1, 0)));
+    try {
+        for (int i = 1; i < nrOfThreads; ++i)
+            threads_.emplace_back([this] { runWorker(); });
+    } catch (const std::system_error&) {
+        // Fewer threads only take longer.
+    }
+}
+
+WorkerPool::~WorkerPool() {
+    {
+        const std::lock_guard lock(mutex_);
+        ending_.store(true);
+    }
+    loopBegun_.notify_all();
+    for (std::thread& thread : threads_)
+        thread.join();
+}
+
+// Does a part of the loop of the ticket. False when all are taken; `ticket` is the latest then.
+// What is read of the loop before the exchange is the ticket's if the exchange succeeds: a loop
+// with parts left is not followed by another.
+bool WorkerPool::takePart(uint64_t& ticket) {
+    const Part part = part_.load(std::memory_order_relaxed);
+    const void* context = context_.load(std::memory_order_relaxed);
+    const size_t nrOfParts = nrOfParts_.load(std::memory_order_relaxed);
+    const size_t left = partsLeft(ticket);
+    if (left == 0)
+        return false;
+    if (ticket_.compare_exchange_strong(ticket, ticket - 1, std::memory_order_acq_rel,
+                                        std::memory_order_acquire)) {
+        --ticket;
+        part(context, nrOfParts - left);
+        noteEndOfPart(nrOfParts);
+    }
+    return true;
+}
+
+void WorkerPool::noteEndOfPart(size_t nrOfParts) {
+    if (partsDone_.fetch_add(1, std::memory_order_acq_rel) + 1 < nrOfParts)
+        return;
+    const std::lock_guard lock(mutex_);
+    partsAreDone_.notify_one();
+}
+
+void WorkerPool::runWorker() {
+    uint64_t ticket = 0;
+    while (!ending_.load(std::memory_order_acquire)) {
+        while (takePart(ticket)) {
+        }
+        waitForLoop(ticket);
+        ticket = ticket_.load(std::memory_order_acquire);
+    }
+}
+
+void WorkerPool::waitForLoop(uint64_t old) {
+    const auto begun = [&] {
+        return ticket_.load(std::memory_order_acquire) != old ||
+               ending_.load(std::memory_order_acquire);
+    };
+    if (comesSoon(begun))
+        return;
+    std::unique_lock lock(mutex_);
+    loopBegun_.wait(lock, begun);
+}
+
+void WorkerPool::waitForParts(size_t nrOfParts) {
+    const auto done = [&] { return partsDone_.load(std::memory_order_acquire) == nrOfParts; };
+    if (comesSoon(done))
+        return;
+    std::unique_lock lock(mutex_);
+    partsAreDone_.wait(lock, done);
+}
+
+void WorkerPool::doParts(size_t nrOfParts, Part part, const void* context) {
+    const bool alone = threads_.empty() || nrOfParts < 2;
+    if (alone || inUse_.exchange(true, std::memory_order_acquire)) {
+        for (size_t i = 0; i < nrOfParts; ++i)
+            part(context, i);
+        return;
+    }
+    part_.store(part, std::memory_order_relaxed);
+    context_.store(context, std::memory_order_relaxed);
+    nrOfParts_.store(nrOfParts, std::memory_order_relaxed);
+    partsDone_.store(0, std::memory_order_relaxed);
+    uint64_t ticket = ticket_.load(std::memory_order_relaxed) + oneLoop + nrOfParts;
+    {
+        const std::lock_guard lock(mutex_);
+        ticket_.store(ticket, std::memory_order_release);
+    }
+    loopBegun_.notify_all();
+    while (takePart(ticket)) {
+    }
+    waitForParts(nrOfParts);
+    inUse_.store(false, std::memory_order_release);
+}
+
+WorkerPool& callersThread() {
+    static WorkerPool pool(1);
+    return pool;
+}
+
+int nrOfUsableThreads(int wish) {
+    const int cores = std::max(int(std::thread::hardware_concurrency()), 1);
+    return wish <= 0 ? cores : std::min(wish, cores);
+}
