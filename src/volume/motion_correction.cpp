@@ -92,8 +92,8 @@ void MotionCorrection::resample(std::span<const int16_t> volume,
     resampleVolume(spline_, motionResampled_.span(), transformation);
 }
 
-void MotionCorrection::correctVolumeMotion(FMRProject& project, int v,
-                                           bool& motionCorrectionFailed) {
+void MotionCorrection::correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed,
+                                           WorkerPool&) {
     if (v == 1)
         prepared_ = prepare(project);
     if (!prepared_ || v < 1 || size_t(v) >= motionParameters[0].size() ||

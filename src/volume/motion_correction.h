@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/worker_pool.h"
 #include "volume/motion_evaluation.h"
 #include "volume/motion_log.h"
 #include "volume/motion_method.h"
@@ -36,7 +37,10 @@ public:
     /// While the flag is set, by whichever volume or run, volumes are moved by their start values,
     /// without a fit. With the others the volume is moved like the last good one, and the next is
     /// fitted from there.
-    void correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed);
+    ///
+    /// The result doesn't depend on the number of `workers`.
+    void correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed,
+                             WorkerPool& workers = callersThread());
 
     /// At the end of a run. The parameters stay.
     void releaseTarget() { motionTarget.release(); }

@@ -111,7 +111,8 @@ bool SpatialSmoothing::applyKernels(FMRProject& project, int v, const Kernels& k
     return true;
 }
 
-bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, float fwhmMillimetres) {
+bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, float fwhmMillimetres,
+                                    WorkerPool&) {
     const VoxelWidths widths = voxelWidths(project, double(fwhmMillimetres));
     Kernels kernels;
     return fwhmMillimetres >= 0.0f && kernels[0].setWidth(widths.x) &&
@@ -119,7 +120,8 @@ bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, float fwhmMillim
            applyKernels(project, v, kernels);
 }
 
-bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, const VoxelWidths& widths) {
+bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, const VoxelWidths& widths,
+                                    WorkerPool&) {
     Kernels kernels;
     return makeKernels(widths, kernels) && applyKernels(project, v, kernels);
 }
