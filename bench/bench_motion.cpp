@@ -1,5 +1,7 @@
-// Time of motion correction for one volume at three sizes, compared with its plain form.
+// Time of motion correction for one volume at five sizes, on one thread and on two, compared with
+// its plain form and with a copy of the volume.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "clock_time.h"
 #include "volume/head_volume.h"
 #include "volume/least_squares_motion.h"
 #include "volume/motion_evaluation.h"
@@ -7,66 +9,63 @@
 #include "volume/spline_resampling.h"
 
 #include <cstdio>
-#include <ctime>
 
 namespace {
 
 struct Size {
     std::array<int, 3> voxels;
     std::array<float, 3> millimetres;
-    double budgetMilliseconds;
+    double budgetMilliseconds; ///< 0: none, and the plain form takes too long
+    int nrOfVolumes;
 };
 
 constexpr double noise = 10.0; // sample units, in a head of 900
-
-/// Processor time, so that other programs don't count.
-double milliseconds() {
-    return double(std::clock()) * 1e3 / CLOCKS_PER_SEC;
-}
+constexpr int repeats = 11;
 
 double median(std::vector<double> values) {
     std::ranges::nth_element(values, values.begin() + ptrdiff_t(values.size() / 2));
     return values[values.size() / 2];
 }
 
-/// Cost of one volume.
-struct Times {
-    std::vector<double> fit;
-    std::vector<double> resampling;
-    std::vector<double> steps;
+class StandardCorrection {
+public:
+    [[nodiscard]] bool prepare(const VolumeGrid& grid, std::span<const int16_t> target) {
+        grid_ = grid;
+        return evaluator_.setTarget(grid, target);
+    }
+    MotionFit fit(std::span<const int16_t> source, const MotionParameters& start,
+                  WorkerPool& workers) {
+        bool failed = false;
+        return fitMotion(
+            [&](const RigidTransformation& t, MotionEquations& equations) {
+                evaluator_.evaluate(source, t, equations, workers);
+            },
+            start, failed);
+    }
+    void resample(std::span<const int16_t> source, const RigidTransformation& t,
+                  std::span<int16_t> result, WorkerPool& workers) const {
+        resampleVolume(grid_, source, result, t, workers);
+    }
+
+private:
+    VolumeGrid grid_;
+    MotionEvaluator evaluator_;
 };
 
-template<typename Evaluation, typename Resampling>
-void correct(const MotionParameters& start, const Evaluation& evaluate, const Resampling& resample,
-             Times& times) {
-    bool failed = false;
-    const double begin = milliseconds();
-    const MotionFit fit = fitMotion(evaluate, start, failed);
-    const double fitted = milliseconds();
-    resample(fit.transformation);
-    times.fit.push_back(fitted - begin);
-    times.resampling.push_back(milliseconds() - fitted);
-    times.steps.push_back(fit.steps);
-}
-
-/// The method of least squares.
-class ExactCorrection {
+class LeastSquaresCorrection {
 public:
     [[nodiscard]] bool prepare(const VolumeGrid& grid, std::span<const int16_t> target) {
         return fitting_.setTarget(grid, target) && spline_.allocate(grid, SplineDegree::Cubic);
     }
-    void correct(std::span<const int16_t> source, const MotionParameters& start,
-                 std::span<int16_t> result, Times& times) {
-        const double begin = milliseconds();
-        const auto fit = fitting_.fit(source, transformationOf(start));
-        const double fitted = milliseconds();
-        if (!fit)
-            return;
-        spline_.setSamples(source);
-        resampleVolume(spline_, result, fit->transformation);
-        times.fit.push_back(fitted - begin);
-        times.resampling.push_back(milliseconds() - fitted);
-        times.steps.push_back(fit->steps);
+    MotionFit fit(std::span<const int16_t> source, const MotionParameters& start,
+                  WorkerPool& workers) {
+        const auto found = fitting_.fit(source, transformationOf(start), workers);
+        return found ? MotionFit{found->transformation, found->steps} : MotionFit{};
+    }
+    void resample(std::span<const int16_t> source, const RigidTransformation& t,
+                  std::span<int16_t> result, WorkerPool& workers) {
+        spline_.setSamples(source, workers);
+        resampleVolume(spline_, result, t, workers);
     }
 
 private:
@@ -74,78 +73,125 @@ private:
     SplineVolume spline_;
 };
 
-/// Milliseconds for copying volumes of this size once: what the memory of the machine costs.
-double copyTime(std::span<const int16_t> volume) {
-    constexpr int copies = 20;
-    std::vector<std::vector<int16_t>> to(copies, std::vector<int16_t>(volume.size()));
-    const double begin = milliseconds();
-    for (auto& copy : to)
-        std::ranges::copy(volume, copy.begin());
-    return (milliseconds() - begin) / copies;
+/// Milliseconds for each volume: the best of the repeats.
+struct Times {
+    std::vector<double> fit;
+    std::vector<double> resampling;
+};
+
+double together(const Times& times) {
+    return median(times.fit) + median(times.resampling);
+}
+
+/// One method of correction: its times on one thread and on two.
+template<typename Correction> class Measurement {
+public:
+    [[nodiscard]] bool prepare(const VolumeGrid& grid, std::span<const int16_t> target) {
+        result_.resize(grid.samples());
+        return correction_.prepare(grid, target);
+    }
+    void take(std::span<const int16_t> source, const MotionParameters& start,
+              const std::array<WorkerPool*, 2>& pools) {
+        std::array<double, 2> fit{1e9, 1e9}, resampling{1e9, 1e9};
+        MotionFit found;
+        // In turn, so that a busy moment of the machine hits both.
+        for (int i = 0; i < repeats; ++i)
+            for (size_t p = 0; p < pools.size(); ++p) {
+                fit[p] = std::min(
+                    fit[p], clockTime([&] { found = correction_.fit(source, start, *pools[p]); }));
+                resampling[p] = std::min(resampling[p], clockTime([&] {
+                                             correction_.resample(source, found.transformation,
+                                                                  result_, *pools[p]);
+                                         }));
+            }
+        steps_.push_back(found.steps);
+        for (size_t p = 0; p < pools.size(); ++p) {
+            times_[p].fit.push_back(fit[p]);
+            times_[p].resampling.push_back(resampling[p]);
+        }
+    }
+    void print(const char* name) const {
+        const double one = together(times_[0]), two = together(times_[1]);
+        std::printf("  %-13s  %5.0f  %7.2f  %8.2f  %7.2f  %7.2f  %8.2f  %7.2f  %5.2f  %5.2f  %5.2f",
+                    name, median(steps_), median(times_[0].fit), median(times_[0].resampling), one,
+                    median(times_[1].fit), median(times_[1].resampling), two, one / two,
+                    median(times_[0].fit) / median(times_[1].fit),
+                    median(times_[0].resampling) / median(times_[1].resampling));
+    }
+    [[nodiscard]] double onOneThread() const { return together(times_[0]); }
+
+private:
+    Correction correction_;
+    std::vector<int16_t> result_;
+    std::vector<double> steps_;
+    std::array<Times, 2> times_; ///< on one thread and on two
+};
+
+double plainTime(const VolumeGrid& grid, std::span<const int16_t> target,
+                 std::span<const int16_t> source, const MotionParameters& start) {
+    PlainMotion plain(grid, target, source);
+    return clockTime([&] {
+        bool failed = false;
+        const MotionFit fit =
+            fitMotion([&](const RigidTransformation& t,
+                          MotionEquations& equations) { plain.evaluate(t, equations); },
+                      start, failed);
+        (void)plain.resample(fit.transformation);
+    });
 }
 
 /// Volumes of a drifting head, each fitted from 0.9 times the position of the previous one.
-void measure(const Size& size, int repeats) {
+void measure(const Size& size, const std::array<WorkerPool*, 2>& pools) {
     VolumeGrid grid;
     grid.size = size.voxels;
     grid.spacing = size.millimetres;
     const HeadVolume head(grid);
-    std::vector<int16_t> target(grid.samples()), source(grid.samples()), result(grid.samples());
+    std::vector<int16_t> target(grid.samples()), source(grid.samples());
     head.fill({}, noise, 1, target);
-    MotionEvaluator evaluator;
-    ExactCorrection exact;
-    if (!evaluator.setTarget(grid, target) || !exact.prepare(grid, target))
+    Measurement<StandardCorrection> standard;
+    Measurement<LeastSquaresCorrection> leastSquares;
+    if (!standard.prepare(grid, target) || !leastSquares.prepare(grid, target))
         return;
-    constexpr int nrOfVolumes = 20;
-    Times times, exactTimes, plainTimes;
-    for (int v = 1; v <= nrOfVolumes; ++v) {
-        const float part = float(v) / nrOfVolumes;
+    MotionParameters start{};
+    for (int v = 1; v <= size.nrOfVolumes; ++v) {
+        const float part = float(v) / 20.0f;
         head.fill({0.5f * part, -0.3f * part, 0.4f * part, 0.5f * part, -0.2f * part, 0.3f * part},
                   noise, unsigned(1 + v), source);
-        const double before = 0.9 * double(v - 1) / nrOfVolumes;
-        const MotionParameters start{0.5 * before, -0.3 * before, 0.4 * before,
-                                     0.5 * before, -0.2 * before, 0.3 * before};
-        for (int i = 0; i < repeats; ++i)
-            correct(
-                start,
-                [&](const RigidTransformation& t, MotionEquations& equations) {
-                    evaluator.evaluate(source, t, equations);
-                },
-                [&](const RigidTransformation& t) { resampleVolume(grid, source, result, t); },
-                times);
-        for (int i = 0; i < repeats; ++i)
-            exact.correct(source, start, result, exactTimes);
-        PlainMotion plain(grid, target, source);
-        if (v % 7 == 0)
-            correct(
-                start,
-                [&](const RigidTransformation& t, MotionEquations& equations) {
-                    plain.evaluate(t, equations);
-                },
-                [&](const RigidTransformation& t) { (void)plain.resample(t); }, plainTimes);
+        const double before = 0.9 * double(v - 1) / 20.0;
+        start = {0.5 * before, -0.3 * before, 0.4 * before,
+                 0.5 * before, -0.2 * before, 0.3 * before};
+        standard.take(source, start, pools);
+        leastSquares.take(source, start, pools);
     }
-    const double all = median(times.fit) + median(times.resampling);
-    const double exactAll = median(exactTimes.fit) + median(exactTimes.resampling);
-    std::printf("%3d x %3d x %2d  %5.0f  %6.2f  %8.2f  %6.2f  least squares: %.1f times, a copy: "
-                "%.2f\n",
-                grid.size[0], grid.size[1], grid.size[2], median(exactTimes.steps),
-                median(exactTimes.fit), median(exactTimes.resampling), exactAll, exactAll / all,
-                copyTime(source));
-    std::printf("%3d x %3d x %2d  %5.0f  %6.2f  %8.2f  %6.2f  %6.0f  %7.0f\n", grid.size[0],
-                grid.size[1], grid.size[2], median(times.steps), median(times.fit),
-                median(times.resampling), all, size.budgetMilliseconds,
-                median(plainTimes.fit) + median(plainTimes.resampling));
+    std::printf("%d x %d x %d, a copy of the volume: %.3f\n", grid.size[0], grid.size[1],
+                grid.size[2], bestCopyTime<int16_t>(31, source));
+    standard.print("standard");
+    if (size.budgetMilliseconds > 0.0)
+        std::printf("  budget %.0f, plain form %.0f", size.budgetMilliseconds,
+                    plainTime(grid, target, source, start));
+    std::printf("\n");
+    leastSquares.print("least squares");
+    std::printf("  %.1f times the standard method\n",
+                leastSquares.onOneThread() / standard.onOneThread());
+    std::fflush(stdout);
 }
 
 } // namespace
 
 int main() {
-    std::printf(
-        "Milliseconds of processor time for one volume, medians; a head that drifts, with noise\n"
-        "size            steps     fit  resample     all  budget    plain\n");
-    for (const Size& size :
-         {Size{{64, 64, 25}, {3.0f, 3.0f, 4.0f}, 4}, Size{{74, 74, 36}, {2.6f, 2.6f, 3.3f}, 7},
-          Size{{104, 104, 72}, {2.0f, 2.0f, 2.0f}, 16}})
-        measure(size, 11);
+    WorkerPool one(1), two(2);
+    std::printf("Milliseconds for one volume, medians over volumes of the best of %d; a head that "
+                "drifts, with noise\n"
+                "                        one thread:                  two threads:                 "
+                "times as fast:\n"
+                "                 steps      fit  resample      all      fit  resample      all    "
+                "all    fit  resample\n",
+                repeats);
+    for (const Size& size : {Size{{64, 64, 25}, {3.0f, 3.0f, 4.0f}, 4, 20},
+                             Size{{74, 74, 36}, {2.6f, 2.6f, 3.3f}, 7, 20},
+                             Size{{104, 104, 72}, {2.0f, 2.0f, 2.0f}, 16, 10},
+                             Size{{192, 192, 96}, {1.1f, 1.1f, 1.5f}, 0, 3},
+                             Size{{240, 240, 120}, {0.8f, 0.8f, 1.1f}, 0, 3}})
+        measure(size, {&one, &two});
     return 0;
 }

@@ -1,5 +1,7 @@
-// Times of spatial smoothing of a volume, and of the post-processing of a run, at three sizes.
+// Times of spatial smoothing of a volume at five sizes, on one thread and on two, and of the
+// post-processing of a run at three.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "clock_time.h"
 #include "processor_time.h"
 #include "volume/frequency_smoothing.h"
 #include "volume/high_pass.h"
@@ -35,10 +37,10 @@ void require(bool succeeded) {
         std::fputs("a step failed\n", stderr);
 }
 
-bool prepare(FMRProject& project, const Size& size) {
+bool prepare(FMRProject& project, const Size& size, int volumes = nrOfVolumes) {
     project.ResolutionX = project.ResolutionY = size.matrix;
     project.NrOfSlices = size.slices;
-    project.NrOfVolumes = nrOfVolumes;
+    project.NrOfVolumes = volumes;
     project.pixelSizeX = project.pixelSizeY = size.pixelMillimetres;
     project.sliceThickness = size.sliceMillimetres;
     project.InterSliceTime = project.TR / float(size.slices + 1);
@@ -93,6 +95,27 @@ void printSize(const Size& size) {
                 gaussian / nrOfVolumes);
 }
 
+/// In the space domain; each time another volume, as in a run.
+void printThreads(const Size& size, WorkerPool& one, WorkerPool& two) {
+    constexpr int volumes = 4, repeats = 41;
+    FMRProject project;
+    if (!prepare(project, size, volumes)) {
+        std::printf("%3d: not enough memory\n", size.matrix);
+        return;
+    }
+    SpatialSmoothing smoothing;
+    std::array<double, 2> best{1e9, 1e9};
+    for (int i = 0; i < repeats; ++i)
+        for (const size_t p : {0, 1})
+            best[p] = std::min(best[p], clockTime([&] {
+                                   require(smoothing.smoothVolume(
+                                       project, i % volumes, fwhmMillimetres, p == 0 ? one : two));
+                               }));
+    std::printf("%3d x %3d x %3d  %6.3f  %10.2f  %11.2f  %13.2f\n", size.matrix, size.matrix,
+                size.slices, bestCopyTime<int16_t>(31, project.volumes[0]), best[0], best[1],
+                best[0] / best[1]);
+}
+
 } // namespace
 
 int main() {
@@ -106,4 +129,10 @@ int main() {
                 nrOfVolumes);
     for (const Size& size : {Size{64, 25, 3, 4, 1}, Size{74, 36, 3, 3, 2}, Size{104, 72, 2, 2, 8}})
         printSize(size);
+    std::printf("\nMilliseconds that pass for one volume in the space domain, best of 41\n"
+                "size               copy  one thread  two threads  times as fast\n");
+    WorkerPool one(1), two(2);
+    for (const Size& size : {Size{64, 25, 3, 4, 1}, Size{74, 36, 3, 3, 2}, Size{104, 72, 2, 2, 8},
+                             Size{192, 96, 1.1f, 1.5f, 0}, Size{240, 120, 0.8f, 1.1f, 0}})
+        printThreads(size, one, two);
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/worker_pool.h"
 #include "volume/motion_evaluation.h"
 #include "volume/motion_log.h"
 #include "volume/motion_method.h"
@@ -36,7 +37,10 @@ public:
     /// While the flag is set, by whichever volume or run, volumes are moved by their start values,
     /// without a fit. With the others the volume is moved like the last good one, and the next is
     /// fitted from there.
-    void correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed);
+    ///
+    /// The result doesn't depend on the number of `workers`.
+    void correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed,
+                             WorkerPool& workers = callersThread());
 
     /// At the end of a run. The parameters stay.
     void releaseTarget() { motionTarget.release(); }
@@ -47,8 +51,9 @@ private:
     [[nodiscard]] MotionParameters startValues(int v) const;
     /// The motion of volume `v`; notes it when there is none to be found.
     [[nodiscard]] MotionFit findMotion(std::span<const int16_t> volume, int v,
-                                       bool& motionCorrectionFailed);
-    void resample(std::span<const int16_t> volume, const RigidTransformation& transformation);
+                                       bool& motionCorrectionFailed, WorkerPool& workers);
+    void resample(std::span<const int16_t> volume, const RigidTransformation& transformation,
+                  WorkerPool& workers);
 
     VolumeGrid grid_;
     MotionEvaluator evaluator_; ///< of the standard method

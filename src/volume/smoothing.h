@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/worker_pool.h"
 #include "volume/fmr_project.h"
 #include "volume/gaussian_kernel.h"
 
@@ -19,18 +20,20 @@ struct VoxelWidths {
 /// Three passes over a volume, along X, then Y, then Z. Each computes sums of tap * sample in
 /// float, clamps them to 0 to 32767 and rounds to whole samples (smoothing_kernels.h). A sample
 /// outside the volume is replaced by the centre sample, so that borders keep their intensity. The
-/// object reuses its work memory for all volumes.
+/// object reuses its work memory for all volumes. Results don't depend on the number of workers.
 class SpatialSmoothing {
 public:
     /// Smooths volume v, from 0, in place. A width of 0 gives kernels of zeros, and so a volume of
     /// zeros. False, with the volume unchanged, when the project has no such volume, the width is
     /// negative or NaN, a kernel has more than 101 taps (an unknown voxel size included), or, after
     /// a message, when memory runs out.
-    [[nodiscard]] bool smoothVolume(FMRProject& project, int v, float fwhmMillimetres);
+    [[nodiscard]] bool smoothVolume(FMRProject& project, int v, float fwhmMillimetres,
+                                    WorkerPool& workers = callersThread());
 
     /// The same for widths in voxels. An axis whose width is not above 0 is not smoothed, apart
     /// from clamping; at least one axis has a width.
-    [[nodiscard]] bool smoothVolume(FMRProject& project, int v, const VoxelWidths& widths);
+    [[nodiscard]] bool smoothVolume(FMRProject& project, int v, const VoxelWidths& widths,
+                                    WorkerPool& workers = callersThread());
 
     /// True when no kernel has more than 101 taps and at least one axis has a width.
     [[nodiscard]] static bool isPossible(const VoxelWidths& widths);
@@ -39,12 +42,9 @@ private:
     using Kernels = std::array<GaussianKernel, 3>;
 
     [[nodiscard]] static bool makeKernels(const VoxelWidths& widths, Kernels& kernels);
-    [[nodiscard]] bool applyKernels(FMRProject& project, int v, const Kernels& kernels);
-    [[nodiscard]] bool allocate(const VolumeGeometry& geometry);
-    void smoothSlice(const VolumeGeometry& geometry, const Kernels& kernels, int16_t* slice);
-    void smoothAcrossSlices(const VolumeGeometry& geometry, const GaussianKernel& kernel,
-                            int16_t* samples);
+    [[nodiscard]] bool applyKernels(FMRProject& project, int v, const Kernels& kernels,
+                                    WorkerPool& workers);
+    [[nodiscard]] bool allocate(const VolumeGeometry& geometry, int nrOfThreads);
 
-    ZeroedBuffer<float> slices_;  ///< one slice as read, and one smoothed along X
-    ZeroedBuffer<float> columns_; ///< a block of neighbouring voxels of all slices
+    ZeroedBuffer<float> work_; ///< of each thread workFloats() in turn
 };

@@ -37,6 +37,20 @@ TEST(WorkerPool, WakesThreadsThatSleep) {
     }
 }
 
+TEST(WorkerPool, ThreadsAtWorkHaveNumbersOfTheirOwn) {
+    for (const int threads : {1, 2, 5}) {
+        WorkerPool pool(threads);
+        std::vector<std::atomic<int>> busy(static_cast<size_t>(threads));
+        for (int loop = 0; loop < 200; ++loop)
+            pool.forParts(13, [&](size_t, size_t thread) {
+                ASSERT_LT(thread, busy.size());
+                EXPECT_EQ(busy[thread]++, 0);
+                std::this_thread::yield();
+                --busy[thread];
+            });
+    }
+}
+
 TEST(WorkerPool, SlabsCoverAllIndicesInOrder) {
     for (const int threads : {1, 2, 5}) {
         WorkerPool pool(threads);
