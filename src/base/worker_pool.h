@@ -28,6 +28,8 @@ public:
 
     /// Threads that work, the caller's included.
     [[nodiscard]] int nrOfThreads() const { return int(threads_.size()) + 1; }
+    /// From now on so many, as in the constructor. Not while a loop is worked on.
+    void setNrOfThreads(int nrOfThreads);
 
     /// Calls `work(part)` once for each part below `nrOfParts` (less than 2^32), several at a time,
     /// and returns when all are done. `work` doesn't throw and shows no message. Inside a part, and
@@ -37,6 +39,16 @@ public:
             nrOfParts,
             [](const void* context, size_t part) { (*static_cast<const Work*>(context))(part); },
             &work);
+    }
+
+    /// The same as `work(part, place)`. Parts that are worked on at the same time have different
+    /// places, all below nrOfThreads(): for working memory that can't be shared.
+    template<typename Work> void forPartsAtPlaces(size_t nrOfParts, const Work& work) {
+        std::atomic<size_t> next{0};
+        forParts(std::min(nrOfParts, size_t(nrOfThreads())), [&](size_t place) {
+            for (size_t part = next++; part < nrOfParts; part = next++)
+                work(part, place);
+        });
     }
 
     /// Calls `work(first, last)` for slabs of consecutive indices that cover 0 to `count` - 1,
@@ -54,6 +66,8 @@ public:
 private:
     using Part = void (*)(const void* context, size_t part);
 
+    void startThreads(int nrOfThreads);
+    void endThreads();
     void doParts(size_t nrOfParts, Part part, const void* context);
     void runWorker();
     [[nodiscard]] bool takePart(uint64_t& ticket);

@@ -37,6 +37,24 @@ TEST(WorkerPool, WakesThreadsThatSleep) {
     }
 }
 
+TEST(WorkerPool, PartsAtWorkHavePlacesOfTheirOwn) {
+    WorkerPool pool(2);
+    for (const int threads : {2, 5, 1, 3}) {
+        pool.setNrOfThreads(threads);
+        ASSERT_EQ(pool.nrOfThreads(), threads);
+        std::vector<std::atomic<int>> inside(static_cast<size_t>(threads));
+        std::vector<std::atomic<int>> calls(1000);
+        pool.forPartsAtPlaces(calls.size(), [&](size_t part, size_t place) {
+            EXPECT_EQ(inside.at(place)++, 0);
+            ++calls[part];
+            std::this_thread::yield();
+            --inside[place];
+        });
+        for (const std::atomic<int>& count : calls)
+            EXPECT_EQ(count, 1);
+    }
+}
+
 TEST(WorkerPool, SlabsCoverAllIndicesInOrder) {
     for (const int threads : {1, 2, 5}) {
         WorkerPool pool(threads);
