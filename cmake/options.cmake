@@ -6,6 +6,7 @@ option(VELO_BENCHMARKS "Build the benchmarks" ON)
 option(VELO_EXAMPLES "Build the example plug-ins" ON)
 option(VELO_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
 option(VELO_SANITIZERS "Address and undefined behaviour sanitizers" OFF)
+option(VELO_THREAD_SANITIZER "Thread sanitizer, which excludes the others" OFF)
 option(VELO_FUZZERS "Build the fuzz targets (needs clang)" OFF)
 
 if(NOT CMAKE_BUILD_TYPE)
@@ -55,6 +56,15 @@ if(VELO_SANITIZERS)
         # The sanitizers' own checks confuse these flow analyses.
         -Wno-null-dereference -Wno-maybe-uninitialized)
     target_link_options(velo_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(VELO_THREAD_SANITIZER)
+    if(VELO_SANITIZERS)
+        message(FATAL_ERROR "VELO_THREAD_SANITIZER and VELO_SANITIZERS exclude each other")
+    endif()
+    target_compile_options(velo_options INTERFACE
+        -fsanitize=thread -fno-omit-frame-pointer
+        -Wno-null-dereference -Wno-maybe-uninitialized)
+    target_link_options(velo_options INTERFACE -fsanitize=thread)
 endif()
 if(VELO_FUZZERS)
     if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")

@@ -7,7 +7,7 @@
 // both versions give the same bits. The sanitizers don't support the selection, which runs before
 // they are initialised.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__gnu_linux__) &&   \
-    !defined(__SANITIZE_ADDRESS__)
+    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define VELO_SIMD_CLONES __attribute__((target_clones("default", "avx2")))
 #else
 #define VELO_SIMD_CLONES

@@ -6,6 +6,7 @@
 namespace {
 
 constexpr uint64_t oneLoop = uint64_t(1) << 32;
+constexpr size_t callerNumber = 0;
 
 size_t partsLeft(uint64_t ticket) {
     return size_t(ticket % oneLoop);
@@ -47,7 +48,7 @@ void WorkerPool::startThreads(int nrOfThreads) {
     threads_.reserve(size_t(std::max(nrOfThreads - 1, 0)));
     try {
         for (int i = 1; i < nrOfThreads; ++i)
-            threads_.emplace_back([this] { runWorker(); });
+            threads_.emplace_back([this, i] { runWorker(size_t(i)); });
     } catch (const std::system_error&) {
         // Fewer threads only take longer.
     }
@@ -67,7 +68,7 @@ void WorkerPool::endThreads() {
 // Does a part of the loop of the ticket. False when all are taken; `ticket` is the latest then.
 // What is read of the loop before the exchange is the ticket's if the exchange succeeds: a loop
 // with parts left is not followed by another.
-bool WorkerPool::takePart(uint64_t& ticket) {
+bool WorkerPool::takePart(uint64_t& ticket, size_t thread) {
     const Part part = part_.load(std::memory_order_relaxed);
     const void* context = context_.load(std::memory_order_relaxed);
     const size_t nrOfParts = nrOfParts_.load(std::memory_order_relaxed);
@@ -77,7 +78,7 @@ bool WorkerPool::takePart(uint64_t& ticket) {
     if (ticket_.compare_exchange_strong(ticket, ticket - 1, std::memory_order_acq_rel,
                                         std::memory_order_acquire)) {
         --ticket;
-        part(context, nrOfParts - left);
+        part(context, nrOfParts - left, thread);
         noteEndOfPart(nrOfParts);
     }
     return true;
@@ -90,10 +91,10 @@ void WorkerPool::noteEndOfPart(size_t nrOfParts) {
     partsAreDone_.notify_one();
 }
 
-void WorkerPool::runWorker() {
+void WorkerPool::runWorker(size_t thread) {
     uint64_t ticket = 0;
     while (!ending_.load(std::memory_order_acquire)) {
-        while (takePart(ticket)) {
+        while (takePart(ticket, thread)) {
         }
         waitForLoop(ticket);
         ticket = ticket_.load(std::memory_order_acquire);
@@ -123,7 +124,7 @@ void WorkerPool::doParts(size_t nrOfParts, Part part, const void* context) {
     const bool alone = threads_.empty() || nrOfParts < 2;
     if (alone || inUse_.exchange(true, std::memory_order_acquire)) {
         for (size_t i = 0; i < nrOfParts; ++i)
-            part(context, i);
+            part(context, i, callerNumber);
         return;
     }
     part_.store(part, std::memory_order_relaxed);
@@ -136,7 +137,7 @@ void WorkerPool::doParts(size_t nrOfParts, Part part, const void* context) {
         ticket_.store(ticket, std::memory_order_release);
     }
     loopBegun_.notify_all();
-    while (takePart(ticket)) {
+    while (takePart(ticket, callerNumber)) {
     }
     waitForParts(nrOfParts);
     inUse_.store(false, std::memory_order_release);

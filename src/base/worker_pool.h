@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <mutex>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 /// Splits a loop of a kernel among the caller's thread and threads of its own, which sleep between
@@ -34,21 +35,20 @@ public:
     /// Calls `work(part)` once for each part below `nrOfParts` (less than 2^32), several at a time,
     /// and returns when all are done. `work` doesn't throw and shows no message. Inside a part, and
     /// while another thread uses the pool, the caller does all the parts itself.
+    ///
+    /// Work that needs memory of its own takes the number of its thread as well,
+    /// `work(part, thread)`: 0 for the caller, and below nrOfThreads().
     template<typename Work> void forParts(size_t nrOfParts, const Work& work) {
         doParts(
             nrOfParts,
-            [](const void* context, size_t part) { (*static_cast<const Work*>(context))(part); },
+            [](const void* context, size_t part, size_t thread) {
+                const Work& call = *static_cast<const Work*>(context);
+                if constexpr (std::is_invocable_v<const Work&, size_t, size_t>)
+                    call(part, thread);
+                else
+                    call(part);
+            },
             &work);
-    }
-
-    /// The same as `work(part, place)`. Parts that are worked on at the same time have different
-    /// places, all below nrOfThreads(): for working memory that can't be shared.
-    template<typename Work> void forPartsAtPlaces(size_t nrOfParts, const Work& work) {
-        std::atomic<size_t> next{0};
-        forParts(std::min(nrOfParts, size_t(nrOfThreads())), [&](size_t place) {
-            for (size_t part = next++; part < nrOfParts; part = next++)
-                work(part, place);
-        });
     }
 
     /// Calls `work(first, last)` for slabs of consecutive indices that cover 0 to `count` - 1,
@@ -64,13 +64,13 @@ public:
     }
 
 private:
-    using Part = void (*)(const void* context, size_t part);
+    using Part = void (*)(const void* context, size_t part, size_t thread);
 
     void startThreads(int nrOfThreads);
     void endThreads();
     void doParts(size_t nrOfParts, Part part, const void* context);
-    void runWorker();
-    [[nodiscard]] bool takePart(uint64_t& ticket);
+    void runWorker(size_t thread);
+    [[nodiscard]] bool takePart(uint64_t& ticket, size_t thread);
     void noteEndOfPart(size_t nrOfParts);
     void waitForLoop(uint64_t old);
     void waitForParts(size_t nrOfParts);

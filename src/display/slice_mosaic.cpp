@@ -45,9 +45,9 @@ public:
         : size_(source.maps.size), scale_(scale), coloring_(source.maps, source.thresholds),
           colors_(size_t(nrOfThreads), std::vector<uint32_t>(size_t(size_.x))) {}
 
-    /// Works row by row, with the row of colours of a place in WorkerPool.
-    void paintSlice(Canvas& canvas, int slice, int column, int row, size_t place) {
-        std::vector<uint32_t>& colors = colors_[place];
+    /// Works row by row, with the row of colours of a thread.
+    void paintSlice(Canvas& canvas, int slice, int column, int row, size_t thread) {
+        std::vector<uint32_t>& colors = colors_[thread];
         const int left = column * size_.x * scale_;
         for (int y = 0; y < size_.y; ++y) {
             const int top = (y + row * size_.y) * scale_;
@@ -118,20 +118,20 @@ bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source, WorkerP
         painter.emplace(source, scale, workers.nrOfThreads());
     Canvas canvas(target);
     const int shown = std::min(nrOfSlices, nrOfPlaces);
-    const auto paint = [&](int tileAt, size_t place) {
+    const auto paint = [&](int tileAt, size_t thread) {
         const int slice = sliceAtPlace(source.layout, tileAt, nrOfSlices);
         if (painter && slice < source.maps.size.slices)
-            painter->paintSlice(canvas, slice, tileAt % columns, tileAt / columns, place);
+            painter->paintSlice(canvas, slice, tileAt % columns, tileAt / columns, thread);
     };
     // While the tile is still in the cache; but squares that don't fill their tiles reach into
     // others, so these come first then, and one thread paints in the order of the tiles.
     const bool tilesAreFilled = tile == source.slices->gridSize() * scale;
-    workers.forPartsAtPlaces(size_t(shown), [&](size_t part, size_t place) {
+    workers.forParts(size_t(shown), [&](size_t part, size_t thread) {
         const int tileAt = int(part);
         copyTile(canvas, images[size_t(sliceAtPlace(source.layout, tileAt, nrOfSlices))],
                  {tileAt % columns * tile.width(), tileAt / columns * tile.height()}, tile);
         if (tilesAreFilled)
-            paint(tileAt, place);
+            paint(tileAt, thread);
     });
     for (int tileAt = 0; tileAt < shown && !tilesAreFilled; ++tileAt)
         paint(tileAt, 0);

@@ -159,8 +159,8 @@ void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, b
 
     maps.ClusterSizeSlices.resize(size_t(maps.size.slices));
     maps.clusterScratch.resize(size_t(workers.nrOfThreads()));
-    workers.forPartsAtPlaces(maps.ClusterSizeSlices.size(), [&](size_t slice, size_t place) {
-        sizeClusters(maps, int(slice), thresholds.Threshold, maps.clusterScratch[place],
+    workers.forParts(maps.ClusterSizeSlices.size(), [&](size_t slice, size_t thread) {
+        sizeClusters(maps, int(slice), thresholds.Threshold, maps.clusterScratch[thread],
                      maps.ClusterSizeSlices[slice]);
     });
 }

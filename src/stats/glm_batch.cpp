@@ -13,8 +13,8 @@ void solveVoxels(GLMState& glm, const FMRProject& project, const BrainMask& mask
                  const BatchDesign& batch, std::vector<BatchScratch>& scratch,
                  WorkerPool& workers) {
     forEachBlockOverTime(mask, project, batch.n, workers,
-                         [&](const auto& samples, const MaskBlock& block, size_t place) {
-                             solveBlock(batch, samples, block.count, scratch[place],
+                         [&](const auto& samples, const MaskBlock& block, size_t thread) {
+                             solveBlock(batch, samples, block.count, scratch[thread],
                                         glm.values.data() + block.first, glm.nrOfVoxels);
                          });
 }

@@ -34,16 +34,16 @@ void forEachBlockOfPart(const BrainMask& mask, size_t begin, const Work& work) {
     }
 }
 
-/// Calls `work(block, place)` for each block of consecutive voxels of the mask, several at a time;
-/// places as in WorkerPool. The blocks are always the same ones.
+/// Calls `work(block, thread)` for each block of consecutive voxels of the mask, several at a time;
+/// the threads are numbered as in WorkerPool. The blocks are always the same ones.
 template<typename Work>
 void forEachBlock(const BrainMask& mask, WorkerPool& workers, const Work& work) {
     const size_t voxels = mask.nrOfVoxelsInside();
-    workers.forPartsAtPlaces(
-        (voxels + maskPartVoxels - 1) / maskPartVoxels, [&](size_t part, size_t place) {
-            forEachBlockOfPart(mask, part * maskPartVoxels,
-                               [&](const MaskBlock& block) { work(block, place); });
-        });
+    workers.forParts((voxels + maskPartVoxels - 1) / maskPartVoxels,
+                     [&](size_t part, size_t thread) {
+                         forEachBlockOfPart(mask, part * maskPartVoxels,
+                                            [&](const MaskBlock& block) { work(block, thread); });
+                     });
 }
 
 /// True when the project holds the first `nrOfVolumes` volumes, at least one, each of `voxels`
@@ -54,17 +54,17 @@ void forEachBlock(const BrainMask& mask, WorkerPool& workers, const Work& work) 
            project.volumes.samplesOfEach() == voxels;
 }
 
-/// Calls `work(samples, block, place)` for each block, where `samples` holds, for each of the first
-/// `nrOfVolumes` volumes, a pointer to the block's samples. volumesHaveSize must hold.
+/// Calls `work(samples, block, thread)` for each block, where `samples` holds, for each of the
+/// first `nrOfVolumes` volumes, a pointer to the block's samples. volumesHaveSize must hold.
 template<typename Work>
 void forEachBlockOverTime(const BrainMask& mask, const FMRProject& project, int nrOfVolumes,
                           WorkerPool& workers, const Work& work) {
     std::vector<std::vector<const int16_t*>> samples(size_t(workers.nrOfThreads()));
-    for (auto& ofPlace : samples)
-        ofPlace.resize(size_t(nrOfVolumes));
-    forEachBlock(mask, workers, [&](const MaskBlock& block, size_t place) {
+    for (auto& ofThread : samples)
+        ofThread.resize(size_t(nrOfVolumes));
+    forEachBlock(mask, workers, [&](const MaskBlock& block, size_t thread) {
         for (size_t t = 0; t < size_t(nrOfVolumes); ++t)
-            samples[place][t] = project.volumes[t].data() + block.first;
-        work(samples[place], block, place);
+            samples[thread][t] = project.volumes[t].data() + block.first;
+        work(samples[thread], block, thread);
     });
 }

@@ -59,9 +59,9 @@ void solveVoxels(GLMState& glm, const BatchDesign& batch, const FMRProject& proj
     const size_t sumsOfBlock = (p + 1) * glmBlockVoxels;
     std::vector<double> scratch(keep ? 0 : sumsOfBlock * size_t(workers.nrOfThreads()));
     forEachBlockOverTime(mask, project, batch.n, workers,
-                         [&](const auto& samples, const MaskBlock& block, size_t place) {
+                         [&](const auto& samples, const MaskBlock& block, size_t thread) {
                              double* sums = keep ? glm.growth.sums.data() + block.before * (p + 1)
-                                                 : scratch.data() + place * sumsOfBlock;
+                                                 : scratch.data() + thread * sumsOfBlock;
                              std::fill_n(sums, (p + 1) * block.count, 0.0);
                              const SumsReference reference =
                                  referenceOf(glm.growth, project, block.first);

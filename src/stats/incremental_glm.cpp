@@ -108,7 +108,7 @@ void updateVoxels(const GLMRun& run, const VoxelUpdate& update, int volumeIndex,
     const float degreesOfFreedom = float(volumeIndex + 1 - glm.nrOfDirections);
     const bool withMaps = glm.activeContrasts.count > 0 && mapsFit(run);
     const bool withConjunction = conjunctionApplies(run.contrasts, run.maps);
-    forEachBlock(run.mask, workers, [&](const MaskBlock& block, size_t place) {
+    forEachBlock(run.mask, workers, [&](const MaskBlock& block, size_t thread) {
         const auto [first, count, before] = block;
         double* values = glm.values.data() + first;
         if (update.recursion)
@@ -118,7 +118,7 @@ void updateVoxels(const GLMRun& run, const VoxelUpdate& update, int volumeIndex,
             updateBlockFromSums(glm, run.project, volumeIndex, block);
         if (!withMaps)
             return;
-        GLMWorkspace::Block& work = glm.workspace.blocks[place];
+        GLMWorkspace::Block& work = glm.workspace.blocks[thread];
         copyBetasAndVariances(values, glm.nrOfVoxels, glm.nrOfActivePredictors, degreesOfFreedom,
                               count, work.betas.data(), work.variances.data());
         const BlockEstimates estimates{work.betas.data(), glmBlockVoxels, work.variances.data()};

@@ -64,11 +64,11 @@ void fitSlice(WholeRunModel& model, int slice, std::span<const int16_t* const> p
     const size_t samples = model.size.sliceSamples();
     lagOne.startSlice();
     const size_t parts = (samples + glmBlockVoxels - 1) / glmBlockVoxels;
-    workers.forPartsAtPlaces(parts, [&](size_t part, size_t place) {
+    workers.forParts(parts, [&](size_t part, size_t thread) {
         const size_t first = part * glmBlockVoxels;
         const BlockMaps maps{model.GLMMaps.data() + size_t(slice) * samples + first,
                              model.nrOfVoxels(), lagOne.before(first), lagOne.after(first)};
-        blocks[place]->fit(points, first, std::min(glmBlockVoxels, samples - first), maps);
+        blocks[thread]->fit(points, first, std::min(glmBlockVoxels, samples - first), maps);
     });
     lagOne.takeSlice();
 }

@@ -12,6 +12,8 @@
 namespace {
 
 constexpr size_t blockSize = 256;
+/// Samples whose sums a thread computes at a time.
+constexpr size_t samplesOfPart = 8 * blockSize;
 constexpr float outside = -1e30f; ///< stands for the value of a sample outside the volume
 constexpr size_t leastSamples = 64;
 constexpr double leastShare = 0.25; ///< of the samples inside the volume
@@ -79,12 +81,6 @@ double length(double x, double y, double z) {
 
 } // namespace
 
-struct LeastSquaresMotion::Sums {
-    /// The lower triangle of the normal equations row by row, each row followed by its right side.
-    std::array<double, nrOfProducts> products{};
-    size_t used = 0;
-};
-
 struct LeastSquaresMotion::State {
     C3dMatrix motion; ///< millimetres of the target to those of the volume
     double brightness = 1.0;
@@ -100,15 +96,17 @@ bool LeastSquaresMotion::setTarget(const VolumeGrid& grid, std::span<const int16
     samples_ = chooseMotionSamples(source_, target);
     moved_.assign(samples_.count(), outside);
     residuals_.assign(samples_.count(), 0.0f);
+    partSums_.resize((samples_.count() + samplesOfPart - 1) / samplesOfPart);
     return true;
 }
 
-VELO_SIMD_CLONES void LeastSquaresMotion::accumulate(const State& state, size_t count, Sums& sums) {
+VELO_SIMD_CLONES void LeastSquaresMotion::accumulate(const State& state, size_t first, size_t end,
+                                                     Sums& sums) {
     constexpr size_t lanes = MotionSamples::lanes;
     BlockOfVoxels block;
     const float brightness = float(state.brightness), bound = float(huberBound * state.scale);
-    for (size_t begin = 0; begin < count; begin += blockSize) {
-        const size_t n = std::min(blockSize, count - begin);
+    for (size_t begin = first; begin < end; begin += blockSize) {
+        const size_t n = std::min(blockSize, end - begin);
         moveBlock(samples_, begin, n, state.motion, block);
         source_.sample(
             {block.positions[0].data(), block.positions[1].data(), block.positions[2].data()}, n,
@@ -155,9 +153,23 @@ double LeastSquaresMotion::residualScale(double brightness, size_t count) {
     return deviationsPerMedian * double(*median);
 }
 
-bool LeastSquaresMotion::step(State& state, size_t count) {
+void LeastSquaresMotion::Sums::add(const Sums& part) {
+    for (size_t p = 0; p < nrOfProducts; ++p)
+        products[p] += part.products[p];
+    used += part.used;
+}
+
+bool LeastSquaresMotion::step(State& state, size_t count, WorkerPool& workers) {
+    // The limits of the parts and the order of their sums don't depend on the threads.
+    const size_t nrOfParts = (count + samplesOfPart - 1) / samplesOfPart;
+    workers.forParts(nrOfParts, [&](size_t part) {
+        const size_t first = part * samplesOfPart;
+        partSums_[part] = {};
+        accumulate(state, first, std::min(first + samplesOfPart, count), partSums_[part]);
+    });
     Sums sums;
-    accumulate(state, count, sums);
+    for (size_t part = 0; part < nrOfParts; ++part)
+        sums.add(partSums_[part]);
     if (sums.used < leastSamples || double(sums.used) < leastShare * double(count))
         return false;
     std::array<double, nrOfUnknowns * nrOfUnknowns> equations{};
@@ -189,16 +201,18 @@ bool LeastSquaresMotion::step(State& state, size_t count) {
     return true;
 }
 
-std::optional<LeastSquaresMotion::Result>
-LeastSquaresMotion::fit(std::span<const int16_t> volume, const RigidTransformation& start) {
+std::optional<LeastSquaresMotion::Result> LeastSquaresMotion::fit(std::span<const int16_t> volume,
+                                                                  const RigidTransformation& start,
+                                                                  WorkerPool& workers) {
     if (samples_.count() < leastSamples || volume.size() != samples_.grid.samples())
         return std::nullopt;
-    source_.setSamples(volume);
+    source_.setSamples(volume, workers);
     State state;
     state.motion = start.matrix();
     bool rough = true;
     for (int steps = 1; steps <= maximumSteps; ++steps) {
-        if (!step(state, rough ? samples_.count() / MotionSamples::parts : samples_.count()))
+        if (!step(state, rough ? samples_.count() / MotionSamples::parts : samples_.count(),
+                  workers))
             return std::nullopt;
         if (!rough && state.moved < precision)
             return Result{rigidTransformation(state.motion), steps, state.scale};

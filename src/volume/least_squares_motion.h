@@ -29,23 +29,33 @@ public:
     /// one: it is blank, or another one, too much of the target is outside of it, or the steps
     /// don't come to an end.
     [[nodiscard]] std::optional<Result> fit(std::span<const int16_t> volume,
-                                            const RigidTransformation& start);
+                                            const RigidTransformation& start,
+                                            WorkerPool& workers = callersThread());
 
 private:
     static constexpr size_t nrOfUnknowns = nrOfMotionParameters + 1;
     static constexpr size_t nrOfProducts = nrOfUnknowns * (nrOfUnknowns + 1) / 2 + nrOfUnknowns;
-    struct Sums;
+    struct Sums {
+        /// The lower triangle of the normal equations row by row, each row followed by its right
+        /// side.
+        std::array<double, nrOfProducts> products{};
+        size_t used = 0;
+
+        void add(const Sums& part);
+    };
     struct State;
 
-    void accumulate(const State& state, size_t count, Sums& sums);
+    /// Over the samples from `first` to `end` - 1.
+    void accumulate(const State& state, size_t first, size_t end, Sums& sums);
     /// Improves the motion by a step. False when there is none.
-    [[nodiscard]] bool step(State& state, size_t count);
+    [[nodiscard]] bool step(State& state, size_t count, WorkerPool& workers);
     [[nodiscard]] double residualScale(double brightness, size_t count);
 
     MotionSamples samples_;
     SplineVolume source_;
     std::vector<float> moved_;     ///< value of each sample in the volume, or `outside`
     std::vector<float> residuals_; ///< work space
+    std::vector<Sums> partSums_;
 };
 
 /// The parameters of a matrix of RigidTransformation::matrix().

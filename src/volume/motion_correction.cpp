@@ -71,29 +71,29 @@ MotionParameters MotionCorrection::startValues(int v) const {
 }
 
 MotionFit MotionCorrection::findMotion(std::span<const int16_t> volume, int v,
-                                       bool& motionCorrectionFailed) {
+                                       bool& motionCorrectionFailed, WorkerPool& workers) {
     if (method == MotionMethod::Standard)
         return fitMotion(
             [&](const RigidTransformation& transformation, MotionEquations& equations) {
-                evaluator_.evaluate(volume, transformation, equations);
+                evaluator_.evaluate(volume, transformation, equations, workers);
             },
             startValues(v), motionCorrectionFailed);
-    const MotionTracking::Found found = tracking_.follow(volume);
+    const MotionTracking::Found found = tracking_.follow(volume, workers);
     if (!found.good)
         volumesNotFound.push_back(v);
     return {found.transformation, found.steps};
 }
 
 void MotionCorrection::resample(std::span<const int16_t> volume,
-                                const RigidTransformation& transformation) {
+                                const RigidTransformation& transformation, WorkerPool& workers) {
     if (method != MotionMethod::LeastSquares)
-        return resampleVolume(grid_, volume, motionResampled_.span(), transformation);
-    spline_.setSamples(volume);
-    resampleVolume(spline_, motionResampled_.span(), transformation);
+        return resampleVolume(grid_, volume, motionResampled_.span(), transformation, workers);
+    spline_.setSamples(volume, workers);
+    resampleVolume(spline_, motionResampled_.span(), transformation, workers);
 }
 
 void MotionCorrection::correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed,
-                                           WorkerPool&) {
+                                           WorkerPool& workers) {
     if (v == 1)
         prepared_ = prepare(project);
     if (!prepared_ || v < 1 || size_t(v) >= motionParameters[0].size() ||
@@ -102,15 +102,17 @@ void MotionCorrection::correctVolumeMotion(FMRProject& project, int v, bool& mot
         return;
     // The volume itself is the source: it is replaced only when the result is complete.
     const std::span<int16_t> volume = project.volumes[size_t(v)];
-    const MotionFit fit = findMotion(volume, v, motionCorrectionFailed);
+    const MotionFit fit = findMotion(volume, v, motionCorrectionFailed, workers);
     const bool found = volumesNotFound.empty() || volumesNotFound.back() != v;
     log_.add(motionLogLine(v, fit, found));
-    resample(volume, fit.transformation);
+    resample(volume, fit.transformation, workers);
     const RigidTransformation& t = fit.transformation;
     const std::array<float, nrOfMotionParameters> values{t.tx, t.ty, t.tz, t.rx, t.ry, t.rz};
     for (size_t i = 0; i < nrOfMotionParameters; ++i)
         motionParameters[i][size_t(v)] = values[i];
-    std::ranges::copy(motionResampled_.span(), volume.begin());
+    workers.forSlabs(volume.size(), [&](size_t first, size_t end) {
+        std::copy_n(motionResampled_.data() + first, end - first, volume.data() + first);
+    });
 }
 
 bool loadIntraSessionTarget(const QString& path, const FMRProject& project,

@@ -51,8 +51,9 @@ private:
     [[nodiscard]] MotionParameters startValues(int v) const;
     /// The motion of volume `v`; notes it when there is none to be found.
     [[nodiscard]] MotionFit findMotion(std::span<const int16_t> volume, int v,
-                                       bool& motionCorrectionFailed);
-    void resample(std::span<const int16_t> volume, const RigidTransformation& transformation);
+                                       bool& motionCorrectionFailed, WorkerPool& workers);
+    void resample(std::span<const int16_t> volume, const RigidTransformation& transformation,
+                  WorkerPool& workers);
 
     VolumeGrid grid_;
     MotionEvaluator evaluator_; ///< of the standard method

@@ -22,22 +22,6 @@ float difference(int16_t after, int16_t before) {
     return float(2 * (int(after) - int(before)));
 }
 
-/// The derivatives are those of the resampled value, hence the sign.
-void addVoxel(double d, const std::array<float, nrOfMotionParameters>& motionGradient,
-              MotionEquations& equations) {
-    MotionParameters derivative;
-    for (size_t i = 0; i < nrOfMotionParameters; ++i)
-        derivative[i] = -double(motionGradient[i]);
-    for (size_t i = 0; i < nrOfMotionParameters; ++i) {
-        double* row = &equations.curvature[i * nrOfMotionParameters];
-        for (size_t j = 0; j <= i; ++j)
-            row[j] += derivative[i] * derivative[j];
-        equations.gradient[i] += derivative[i] * d;
-    }
-    equations.sumOfSquares += d * d;
-    ++equations.voxelsUsed;
-}
-
 } // namespace
 
 /// Values at the voxels of a row of the grid and at their neighbours.
@@ -105,37 +89,80 @@ MotionEvaluator::MovedRow MotionEvaluator::moveRow(const VolumeSampler& sampler,
     return moved;
 }
 
-void MotionEvaluator::computeMotionGradients(std::span<const int16_t> source,
-                                             const RigidTransformation& transformation) {
-    const VolumeSampler sampler(grid_, source, transformation);
-    for (const Row& row : rows_) {
-        const MovedRow moved = moveRow(sampler, row);
-        const float cy = leverArm(row.y, grid_.size[1], transformation.ty);
-        const float cz = leverArm(row.z, grid_.size[2], transformation.tz);
-        for (size_t i = 0; i < row.count; ++i) {
-            const size_t voxel = row.first + i;
-            resampledValues_[voxel] = moved.alongRow[row.count + i];
-            const float cx = leverArm(columns_[voxel], grid_.size[0], transformation.tx);
-            const float gx = difference(moved.alongRow[2 * row.count + i], moved.alongRow[i]);
-            const float gy = difference(moved.below[i], moved.above[i]);
-            const float gz = difference(moved.behind[i], moved.before[i]);
-            motionGradients_[voxel] = {0.5f * gx,         0.5f * gy,         0.5f * gz,
-                                       cz * gy - cy * gz, cx * gz - cz * gx, cy * gx - cx * gy};
-        }
+void MotionEvaluator::computeMotionGradients(const VolumeSampler& sampler,
+                                             const RigidTransformation& transformation,
+                                             const Row& row) {
+    const MovedRow moved = moveRow(sampler, row);
+    const float cy = leverArm(row.y, grid_.size[1], transformation.ty);
+    const float cz = leverArm(row.z, grid_.size[2], transformation.tz);
+    for (size_t i = 0; i < row.count; ++i) {
+        const size_t voxel = row.first + i;
+        resampledValues_[voxel] = moved.alongRow[row.count + i];
+        const float cx = leverArm(columns_[voxel], grid_.size[0], transformation.tx);
+        const float gx = difference(moved.alongRow[2 * row.count + i], moved.alongRow[i]);
+        const float gy = difference(moved.below[i], moved.above[i]);
+        const float gz = difference(moved.behind[i], moved.before[i]);
+        motionGradients_[voxel] = {0.5f * gx,         0.5f * gy,         0.5f * gz,
+                                   cz * gy - cy * gz, cx * gz - cz * gx, cy * gx - cx * gy};
     }
 }
 
+// Rows of the lower triangle, and their part of the gradient. The derivatives are those of the
+// resampled value, hence their sign.
+template<size_t firstRow, size_t endRow>
+void MotionEvaluator::sumUp(MotionEquations& equations) const {
+    std::array<double, endRow * endRow> curvature{};
+    std::array<double, endRow> gradient{};
+    for (size_t voxel = 0; voxel < columns_.size(); ++voxel) {
+        if (resampledValues_[voxel] <= intensityThreshold)
+            continue;
+        const double d = double(targetValues_[voxel]) - double(resampledValues_[voxel]);
+        std::array<double, endRow> derivative;
+        for (size_t i = 0; i < endRow; ++i)
+            derivative[i] = -double(motionGradients_[voxel][i]);
+        for (size_t i = firstRow; i < endRow; ++i) {
+            for (size_t j = 0; j <= i; ++j)
+                curvature[i * endRow + j] += derivative[i] * derivative[j];
+            gradient[i] += derivative[i] * d;
+        }
+    }
+    for (size_t i = firstRow; i < endRow; ++i) {
+        for (size_t j = 0; j <= i; ++j)
+            equations.curvature[i * nrOfMotionParameters + j] =
+                equations.curvature[j * nrOfMotionParameters + i] = curvature[i * endRow + j];
+        equations.gradient[i] = gradient[i];
+    }
+}
+
+void MotionEvaluator::sumUpDifferences(MotionEquations& equations) const {
+    double sumOfSquares = 0.0;
+    int voxelsUsed = 0;
+    for (size_t voxel = 0; voxel < columns_.size(); ++voxel) {
+        if (resampledValues_[voxel] <= intensityThreshold)
+            continue;
+        const double d = double(targetValues_[voxel]) - double(resampledValues_[voxel]);
+        sumOfSquares += d * d;
+        ++voxelsUsed;
+    }
+    equations.sumOfSquares = sumOfSquares;
+    equations.voxelsUsed = voxelsUsed;
+}
+
+// Each sum goes over all voxels in their order: the threads share the sums, not the voxels.
 void MotionEvaluator::evaluate(std::span<const int16_t> source,
                                const RigidTransformation& transformation,
-                               MotionEquations& equations) {
-    computeMotionGradients(source, transformation);
-    equations = {};
-    for (size_t voxel = 0; voxel < columns_.size(); ++voxel)
-        if (resampledValues_[voxel] > intensityThreshold)
-            addVoxel(double(targetValues_[voxel]) - double(resampledValues_[voxel]),
-                     motionGradients_[voxel], equations);
-    for (size_t i = 0; i < nrOfMotionParameters; ++i)
-        for (size_t j = 0; j < i; ++j)
-            equations.curvature[j * nrOfMotionParameters + i] =
-                equations.curvature[i * nrOfMotionParameters + j];
+                               MotionEquations& equations, WorkerPool& workers) {
+    const VolumeSampler sampler(grid_, source, transformation);
+    workers.forSlabs(rows_.size(), [&](size_t first, size_t end) {
+        for (size_t row = first; row < end; ++row)
+            computeMotionGradients(sampler, transformation, rows_[row]);
+    });
+    workers.forParts(3, [&](size_t part) {
+        if (part == 0)
+            sumUp<0, 4>(equations);
+        else if (part == 1)
+            sumUp<4, nrOfMotionParameters>(equations);
+        else
+            sumUpDifferences(equations);
+    });
 }

@@ -19,7 +19,7 @@ public:
     /// Sums over all voxels that count, in the order of slices, rows and columns. `source` has the
     /// size of the target.
     void evaluate(std::span<const int16_t> source, const RigidTransformation& transformation,
-                  MotionEquations& equations);
+                  MotionEquations& equations, WorkerPool& workers = callersThread());
 
 private:
     /// A row of the grid. Its voxels above the threshold are stored consecutively.
@@ -33,8 +33,10 @@ private:
     using Gradient = std::array<float, nrOfMotionParameters>;
 
     [[nodiscard]] MovedRow moveRow(const VolumeSampler& sampler, const Row& row) const;
-    void computeMotionGradients(std::span<const int16_t> source,
-                                const RigidTransformation& transformation);
+    void computeMotionGradients(const VolumeSampler& sampler,
+                                const RigidTransformation& transformation, const Row& row);
+    template<size_t firstRow, size_t endRow> void sumUp(MotionEquations& equations) const;
+    void sumUpDifferences(MotionEquations& equations) const;
 
     VolumeGrid grid_;
     std::vector<Row> rows_;

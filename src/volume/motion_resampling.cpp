@@ -181,15 +181,20 @@ void VolumeSampler::sampleRow(const float* columns, size_t count, float row, flo
 }
 
 void resampleVolume(const VolumeGrid& grid, std::span<const int16_t> source,
-                    std::span<int16_t> destination, const RigidTransformation& transformation) {
+                    std::span<int16_t> destination, const RigidTransformation& transformation,
+                    WorkerPool& workers) {
     const VolumeSampler sampler(grid, source, transformation);
-    const size_t rowSize = size_t(grid.size[0]);
-    std::vector<float> columns(rowSize);
-    for (size_t x = 0; x < rowSize; ++x)
-        columns[x] = grid.position(0, int(x));
-    int16_t* values = destination.data();
-    for (int z = 0; z < grid.size[2]; ++z)
-        for (int y = 0; y < grid.size[1]; ++y, values += rowSize)
-            sampler.sampleRow(columns.data(), rowSize, grid.position(1, y), grid.position(2, z),
-                              values);
+    const size_t rowSize = size_t(grid.size[0]), sizeY = size_t(grid.size[1]);
+    workers.forSlabs(sizeY * size_t(grid.size[2]), [&](size_t firstRow, size_t endRow) {
+        std::array<float, blockVoxels> columns;
+        for (size_t begin = 0; begin < rowSize; begin += blockVoxels) {
+            const size_t count = std::min(blockVoxels, rowSize - begin);
+            for (size_t i = 0; i < count; ++i)
+                columns[i] = grid.position(0, int(begin + i));
+            for (size_t row = firstRow; row < endRow; ++row)
+                sampler.sampleRow(columns.data(), count, grid.position(1, int(row % sizeY)),
+                                  grid.position(2, int(row / sizeY)),
+                                  destination.data() + row * rowSize + begin);
+        }
+    });
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/worker_pool.h"
 #include "volume/c3d_matrix.h"
 #include "volume/fmr_project.h"
 
@@ -68,4 +69,5 @@ private:
 /// Applies the transformation to a whole volume. Both spans hold grid.samples() samples and don't
 /// overlap.
 void resampleVolume(const VolumeGrid& grid, std::span<const int16_t> source,
-                    std::span<int16_t> destination, const RigidTransformation& transformation);
+                    std::span<int16_t> destination, const RigidTransformation& transformation,
+                    WorkerPool& workers = callersThread());

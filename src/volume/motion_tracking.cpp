@@ -23,8 +23,8 @@ bool MotionTracking::setTarget(const VolumeGrid& grid, std::span<const int16_t> 
     return fitting_.setTarget(grid, target);
 }
 
-MotionTracking::Found MotionTracking::follow(std::span<const int16_t> volume) {
-    const auto fit = fitting_.fit(volume, last_);
+MotionTracking::Found MotionTracking::follow(std::span<const int16_t> volume, WorkerPool& workers) {
+    const auto fit = fitting_.fit(volume, last_, workers);
     if (!fit || jumpBetween(last_, fit->transformation) > largestJump)
         return {last_, fit ? fit->steps : 0, false};
     last_ = fit->transformation;

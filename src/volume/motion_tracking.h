@@ -20,7 +20,8 @@ public:
         int steps = 0;
         bool good = false;
     };
-    [[nodiscard]] Found follow(std::span<const int16_t> volume);
+    [[nodiscard]] Found follow(std::span<const int16_t> volume,
+                               WorkerPool& workers = callersThread());
 
 private:
     LeastSquaresMotion fitting_;

@@ -24,6 +24,41 @@ void pointAtRows(RowPointers& rows, const GaussianKernel& kernel, const float* f
     }
 }
 
+/// Work space of a thread: one slice as read and one smoothed along X, or a block of columns of all
+/// slices.
+size_t workFloats(const VolumeGeometry& geometry) {
+    return std::max(2 * geometry.sliceSamples(), columnBlock * size_t(geometry.NrOfSlices));
+}
+
+/// Along X and Y.
+void smoothSlice(const VolumeGeometry& geometry, const GaussianKernel& kernelX,
+                 const GaussianKernel& kernelY, int16_t* slice, float* work) {
+    const size_t columns = size_t(geometry.ResolutionX);
+    float* const asRead = work;
+    float* const alongX = asRead + geometry.sliceSamples();
+    convertSamples(slice, geometry.sliceSamples(), asRead);
+    for (size_t first = 0; first < geometry.sliceSamples(); first += columns)
+        smoothAlongRow(kernelX.taps(), {asRead + first, columns}, alongX + first);
+    RowPointers rows;
+    for (int y = 0; y < geometry.ResolutionY; ++y) {
+        pointAtRows(rows, kernelY, alongX, columns, y, geometry.ResolutionY);
+        smoothRows(kernelY.taps(), rows.data(), columns, slice + size_t(y) * columns);
+    }
+}
+
+/// Along Z, `count` neighbours at most `columnBlock`; `samples` are those of the first slice.
+void smoothAcrossSlices(const VolumeGeometry& geometry, const GaussianKernel& kernel,
+                        int16_t* samples, size_t count, float* work) {
+    const size_t sliceSamples = geometry.sliceSamples();
+    for (int z = 0; z < geometry.NrOfSlices; ++z)
+        convertSamples(samples + size_t(z) * sliceSamples, count, work + size_t(z) * columnBlock);
+    RowPointers rows;
+    for (int z = 0; z < geometry.NrOfSlices; ++z) {
+        pointAtRows(rows, kernel, work, columnBlock, z, geometry.NrOfSlices);
+        smoothRows(kernel.taps(), rows.data(), count, samples + size_t(z) * sliceSamples);
+    }
+}
+
 double inVoxels(double millimetres, float voxelSize) {
     return voxelSize > 0.0f ? millimetres / double(voxelSize)
                             : std::numeric_limits<double>::infinity();
@@ -57,71 +92,48 @@ bool SpatialSmoothing::isPossible(const VoxelWidths& widths) {
     return makeKernels(widths, kernels);
 }
 
-bool SpatialSmoothing::allocate(const VolumeGeometry& geometry) {
-    const size_t sliceFloats = 2 * geometry.sliceSamples();
-    const size_t columnFloats = columnBlock * size_t(geometry.NrOfSlices);
-    if ((slices_.size() == sliceFloats || slices_.allocate(sliceFloats)) &&
-        (columns_.size() == columnFloats || columns_.allocate(columnFloats)))
+bool SpatialSmoothing::allocate(const VolumeGeometry& geometry, int nrOfThreads) {
+    const size_t needed = workFloats(geometry) * size_t(nrOfThreads);
+    if (work_.size() >= needed || work_.allocate(needed))
         return true;
     showCritical("ERROR: Insufficient memory for creating STC volume!");
     return false;
 }
 
-void SpatialSmoothing::smoothSlice(const VolumeGeometry& geometry, const Kernels& kernels,
-                                   int16_t* slice) {
-    const size_t columns = size_t(geometry.ResolutionX);
-    float* const asRead = slices_.data();
-    float* const alongX = asRead + geometry.sliceSamples();
-    convertSamples(slice, geometry.sliceSamples(), asRead);
-    for (size_t first = 0; first < geometry.sliceSamples(); first += columns)
-        smoothAlongRow(kernels[0].taps(), {asRead + first, columns}, alongX + first);
-    RowPointers rows;
-    for (int y = 0; y < geometry.ResolutionY; ++y) {
-        pointAtRows(rows, kernels[1], alongX, columns, y, geometry.ResolutionY);
-        smoothRows(kernels[1].taps(), rows.data(), columns, slice + size_t(y) * columns);
-    }
-}
-
-void SpatialSmoothing::smoothAcrossSlices(const VolumeGeometry& geometry,
-                                          const GaussianKernel& kernel, int16_t* samples) {
-    const size_t sliceSamples = geometry.sliceSamples();
-    RowPointers rows;
-    for (size_t first = 0; first < sliceSamples; first += columnBlock) {
-        const size_t count = std::min(columnBlock, sliceSamples - first);
-        for (int z = 0; z < geometry.NrOfSlices; ++z)
-            convertSamples(samples + size_t(z) * sliceSamples + first, count,
-                           columns_.data() + size_t(z) * columnBlock);
-        for (int z = 0; z < geometry.NrOfSlices; ++z) {
-            pointAtRows(rows, kernel, columns_.data(), columnBlock, z, geometry.NrOfSlices);
-            smoothRows(kernel.taps(), rows.data(), count,
-                       samples + size_t(z) * sliceSamples + first);
-        }
-    }
-}
-
-bool SpatialSmoothing::applyKernels(FMRProject& project, int v, const Kernels& kernels) {
+bool SpatialSmoothing::applyKernels(FMRProject& project, int v, const Kernels& kernels,
+                                    WorkerPool& workers) {
     const size_t volumeSamples = project.volumeSamples();
     if (v < 0 || size_t(v) >= project.volumes.size() || volumeSamples == 0 ||
-        project.volumes.samplesOfEach() < volumeSamples || !allocate(project))
+        project.volumes.samplesOfEach() < volumeSamples ||
+        !allocate(project, workers.nrOfThreads()))
         return false;
     int16_t* const samples = project.volumes[size_t(v)].data();
-    for (size_t first = 0; first < volumeSamples; first += project.sliceSamples())
-        smoothSlice(project, kernels, samples + first);
-    smoothAcrossSlices(project, kernels[2], samples);
+    const auto workOf = [&](size_t thread) { return work_.data() + thread * workFloats(project); };
+    const size_t sliceSamples = project.sliceSamples();
+    workers.forParts(size_t(project.NrOfSlices), [&](size_t slice, size_t thread) {
+        smoothSlice(project, kernels[0], kernels[1], samples + slice * sliceSamples,
+                    workOf(thread));
+    });
+    const size_t blocks = (sliceSamples + columnBlock - 1) / columnBlock;
+    workers.forParts(blocks, [&](size_t block, size_t thread) {
+        const size_t first = block * columnBlock;
+        smoothAcrossSlices(project, kernels[2], samples + first,
+                           std::min(columnBlock, sliceSamples - first), workOf(thread));
+    });
     return true;
 }
 
 bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, float fwhmMillimetres,
-                                    WorkerPool&) {
+                                    WorkerPool& workers) {
     const VoxelWidths widths = voxelWidths(project, double(fwhmMillimetres));
     Kernels kernels;
     return fwhmMillimetres >= 0.0f && kernels[0].setWidth(widths.x) &&
            kernels[1].setWidth(widths.y) && kernels[2].setWidth(widths.z) &&
-           applyKernels(project, v, kernels);
+           applyKernels(project, v, kernels, workers);
 }
 
 bool SpatialSmoothing::smoothVolume(FMRProject& project, int v, const VoxelWidths& widths,
-                                    WorkerPool&) {
+                                    WorkerPool& workers) {
     Kernels kernels;
-    return makeKernels(widths, kernels) && applyKernels(project, v, kernels);
+    return makeKernels(widths, kernels) && applyKernels(project, v, kernels, workers);
 }

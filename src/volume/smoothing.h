@@ -42,12 +42,9 @@ private:
     using Kernels = std::array<GaussianKernel, 3>;
 
     [[nodiscard]] static bool makeKernels(const VoxelWidths& widths, Kernels& kernels);
-    [[nodiscard]] bool applyKernels(FMRProject& project, int v, const Kernels& kernels);
-    [[nodiscard]] bool allocate(const VolumeGeometry& geometry);
-    void smoothSlice(const VolumeGeometry& geometry, const Kernels& kernels, int16_t* slice);
-    void smoothAcrossSlices(const VolumeGeometry& geometry, const GaussianKernel& kernel,
-                            int16_t* samples);
+    [[nodiscard]] bool applyKernels(FMRProject& project, int v, const Kernels& kernels,
+                                    WorkerPool& workers);
+    [[nodiscard]] bool allocate(const VolumeGeometry& geometry, int nrOfThreads);
 
-    ZeroedBuffer<float> slices_;  ///< one slice as read, and one smoothed along X
-    ZeroedBuffer<float> columns_; ///< a block of neighbouring voxels of all slices
+    ZeroedBuffer<float> work_; ///< of each thread workFloats() in turn
 };

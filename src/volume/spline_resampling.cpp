@@ -4,25 +4,25 @@
 #include "base/simd_clones.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace {
 
-/// Positions of a row of the result in the source, in voxels, and the values there.
-struct RowOfPositions {
-    explicit RowOfPositions(size_t length) : inside(length), values(length) {
-        for (auto& positions : voxels)
-            positions.resize(length);
-    }
-    std::array<std::vector<float>, 3> voxels;
-    std::vector<float> inside; ///< 1, or 0
-    std::vector<float> values;
+/// Voxels of a row that are worked on together.
+constexpr size_t blockSize = 256;
+
+/// Positions of neighbours in a row of the result in the source, in voxels, and the values there.
+struct BlockOfRow {
+    size_t first;
+    size_t count;
+    std::array<std::array<float, blockSize>, 3> voxels;
+    std::array<float, blockSize> inside; ///< 1, or 0
+    std::array<float, blockSize> values;
 };
 
 VELO_SIMD_CLONES void movePositions(const VolumeGrid& grid, const C3dMatrix& matrix, int y, int z,
-                                    RowOfPositions& row) {
-    const size_t length = row.inside.size();
-    std::ranges::fill(row.inside, 1.0f);
+                                    BlockOfRow& block) {
+    const size_t count = block.count;
+    block.inside.fill(1.0f);
     const float py = grid.position(1, y), pz = grid.position(2, z);
     for (size_t axis = 0; axis < 3; ++axis) {
         const float perMillimetre = 1.0f / grid.spacing[axis];
@@ -32,41 +32,46 @@ VELO_SIMD_CLONES void movePositions(const VolumeGrid& grid, const C3dMatrix& mat
                             grid.half(axis);
         const float step = matrix.at(axis, 0) * grid.spacing[0] * perMillimetre;
         const float end = float(grid.size[axis]) - 0.5f;
-        float* to = row.voxels[axis].data();
-        float* inside = row.inside.data();
-        for (size_t x = 0; x < length; ++x) {
-            to[x] = start + step * float(int(x));
-            const bool within = to[x] >= -0.5f && to[x] < end;
-            inside[x] = within ? inside[x] : 0.0f;
+        float* to = block.voxels[axis].data();
+        float* inside = block.inside.data();
+        const int first = int(block.first);
+        for (size_t i = 0; i < count; ++i) {
+            to[i] = start + step * float(first + int(i));
+            const bool within = to[i] >= -0.5f && to[i] < end;
+            inside[i] = within ? inside[i] : 0.0f;
         }
     }
 }
 
-VELO_SIMD_CLONES void storeRow(const RowOfPositions& row, int16_t* to) {
-    const size_t length = row.inside.size();
-    const float* values = row.values.data();
-    const float* inside = row.inside.data();
-    for (size_t x = 0; x < length; ++x) {
-        const float bounded = std::min(std::max(values[x] * inside[x], 0.0f), 65535.0f);
-        to[x] = int16_t(uint16_t(int(bounded + 0.5f)));
+VELO_SIMD_CLONES void storeBlock(const BlockOfRow& block, int16_t* to) {
+    const size_t count = block.count;
+    const float* values = block.values.data();
+    const float* inside = block.inside.data();
+    for (size_t i = 0; i < count; ++i) {
+        const float bounded = std::min(std::max(values[i] * inside[i], 0.0f), 65535.0f);
+        to[i] = int16_t(uint16_t(int(bounded + 0.5f)));
     }
 }
 
 } // namespace
 
 void resampleVolume(const SplineVolume& source, std::span<int16_t> destination,
-                    const RigidTransformation& transformation) {
+                    const RigidTransformation& transformation, WorkerPool& workers) {
     const VolumeGrid& grid = source.grid();
     if (source.empty() || destination.size() != grid.samples())
         return;
     const C3dMatrix matrix = transformation.matrix();
-    RowOfPositions row(size_t(grid.size[0]));
-    int16_t* to = destination.data();
-    for (int z = 0; z < grid.size[2]; ++z)
-        for (int y = 0; y < grid.size[1]; ++y, to += grid.size[0]) {
-            movePositions(grid, matrix, y, z, row);
-            source.sample({row.voxels[0].data(), row.voxels[1].data(), row.voxels[2].data()},
-                          row.inside.size(), row.values.data());
-            storeRow(row, to);
-        }
+    const size_t sizeX = size_t(grid.size[0]), sizeY = size_t(grid.size[1]);
+    workers.forSlabs(sizeY * size_t(grid.size[2]), [&](size_t firstRow, size_t endRow) {
+        BlockOfRow block;
+        for (size_t row = firstRow; row < endRow; ++row)
+            for (block.first = 0; block.first < sizeX; block.first += blockSize) {
+                block.count = std::min(blockSize, sizeX - block.first);
+                movePositions(grid, matrix, int(row % sizeY), int(row / sizeY), block);
+                source.sample(
+                    {block.voxels[0].data(), block.voxels[1].data(), block.voxels[2].data()},
+                    block.count, block.values.data());
+                storeBlock(block, destination.data() + row * sizeX + block.first);
+            }
+    });
 }

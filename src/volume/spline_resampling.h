@@ -9,4 +9,5 @@
 /// voxel beyond the outermost voxels their value counts; further out it is 0. `destination` holds
 /// source.grid().samples() samples.
 void resampleVolume(const SplineVolume& source, std::span<int16_t> destination,
-                    const RigidTransformation& transformation);
+                    const RigidTransformation& transformation,
+                    WorkerPool& workers = callersThread());

@@ -2,72 +2,29 @@
 #include "volume/spline_volume.h"
 
 #include "base/simd_clones.h"
+#include "volume/spline_filter.h"
 
 #include <cmath>
 #include <cstring>
 
 namespace {
 
-// The samples are the coefficients filtered with the spline's values at the voxels. The inverse is
-// a causal and an anticausal recursion for each pole, and a gain.
-struct Recursions {
-    std::array<float, 2> poles;
-    size_t nrOfPoles;
-    float gain;
-};
-constexpr Recursions cubic{{-0.26794919243112270f, 0.0f}, 1, 6.0f}; // sqrt(3) - 2
-constexpr Recursions quintic{{-0.43057534709997430f, -0.04309628820326465f}, 2, 120.0f};
-constexpr float negligible = 1e-8f; // below the precision of float
-constexpr int linesAtOnce = 16;     ///< along x, where neighbours stand side by side
-constexpr size_t blockSize = 64;    ///< positions
-constexpr size_t readBeyond = 2;    ///< coefficients behind the last one
+constexpr int linesAtOnce = 16;  ///< along x, where neighbours stand side by side
+constexpr size_t blockSize = 64; ///< positions
+constexpr size_t readBeyond = 2; ///< coefficients behind the last one
 
-/// One recursion there and back along `n` rows of `width` values that lie `stride` apart; each
-/// value of a row belongs to a line of its own. `start` has room for a row.
-VELO_SIMD_CLONES void filterLines(float* values, int n, size_t stride, size_t width, float pole,
-                                  float gain, float* start) {
-    const auto row = [=](int i) { return values + size_t(i) * stride; };
-    // Mirrored at both ends, the line has the period 2 n - 2.
-    const int period = 2 * n - 2;
-    const int horizon = int(std::log(negligible) / std::log(-pole)) + 1;
-    const int terms = std::min(horizon, period);
-    std::memset(start, 0, width * sizeof(float));
-    for (int k = terms - 1; k >= 0; --k) {
-        const float* term = row(k < n ? k : period - k);
-        for (size_t i = 0; i < width; ++i)
-            start[i] = start[i] * pole + term[i];
-    }
-    const float ofPeriods = gain / (1.0f - (terms < horizon ? std::pow(pole, float(terms)) : 0.0f));
-    for (size_t i = 0; i < width; ++i)
-        row(0)[i] = start[i] * ofPeriods;
-    for (int k = 1; k < n; ++k) {
-        float* now = row(k);
-        const float* last = row(k - 1);
-        for (size_t i = 0; i < width; ++i)
-            now[i] = now[i] * gain + last[i] * pole;
-    }
-    const float end = pole / (pole * pole - 1.0f);
-    float* last = row(n - 1);
-    const float* beforeLast = row(n - 2);
-    for (size_t i = 0; i < width; ++i)
-        last[i] = end * (last[i] + pole * beforeLast[i]);
-    for (int k = n - 2; k >= 0; --k) {
-        float* now = row(k);
-        const float* next = row(k + 1);
-        for (size_t i = 0; i < width; ++i)
-            now[i] = pole * (next[i] - now[i]);
-    }
-}
-
-/// Turns samples into coefficients.
-void filterLines(float* values, int n, size_t stride, size_t width, SplineDegree degree,
-                 float* start) {
-    if (n < 2)
-        return; // a constant is its own coefficient
-    const Recursions& recursions = degree == SplineDegree::Cubic ? cubic : quintic;
-    for (size_t i = 0; i < recursions.nrOfPoles; ++i)
-        filterLines(values, n, stride, width, recursions.poles[i], i == 0 ? recursions.gain : 1.0f,
-                    start);
+/// Calls `copy(to, from)` for the `before` places before and the `behind` places behind an axis:
+/// what is there is mirrored at its first and last voxel.
+template<typename Copy> void forBorder(int size, int before, int behind, const Copy& copy) {
+    const int period = std::max(2 * size - 2, 1);
+    const auto mirrored = [&](int index) {
+        const int inPeriod = ((index % period) + period) % period;
+        return std::min(inPeriod, period - inPeriod) % size;
+    };
+    for (int i = 1; i <= before; ++i)
+        copy(-i, mirrored(-i));
+    for (int i = 0; i < behind; ++i)
+        copy(size + i, mirrored(size + i));
 }
 
 /// Where the coefficients of a block of positions begin along an axis, and their weights.
@@ -186,6 +143,10 @@ template<size_t taps>
     }
 }
 
+size_t floatsOfLines(const VolumeGrid& grid) {
+    return size_t(linesAtOnce) * size_t(grid.size[0]);
+}
+
 } // namespace
 
 bool SplineVolume::allocate(const VolumeGrid& grid, SplineDegree degree) {
@@ -197,76 +158,81 @@ bool SplineVolume::allocate(const VolumeGrid& grid, SplineDegree degree) {
     rowStride_ = extended(0);
     sliceStride_ = rowStride_ * extended(1);
     if (coefficients_.allocate(sliceStride_ * extended(2) + readBeyond) &&
-        lines_.allocate(size_t(linesAtOnce) * extended(0) + sliceStride_))
+        lines_.allocate(floatsOfLines(grid)))
         return true;
     coefficients_.release();
     return false;
 }
 
-void SplineVolume::setSamples(std::span<const int16_t> samples) {
-    const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
-    const int16_t* from = samples.data();
-    for (int z = 0; z < nrOfSlices; ++z)
-        for (int y = 0; y < sizeY; ++y, from += sizeX) {
-            float* to = &coefficients_[offset(0, y, z)];
-            for (int x = 0; x < sizeX; ++x)
-                to[x] = float(uint16_t(from[x]));
-        }
-    filter();
+bool SplineVolume::haveLinesFor(int nrOfThreads) {
+    const size_t needed = floatsOfLines(grid_) * size_t(nrOfThreads);
+    ZeroedBuffer<float> more;
+    if (lines_.size() < needed && more.allocate(needed))
+        lines_ = std::move(more);
+    return lines_.size() >= needed;
 }
 
-void SplineVolume::filter() {
+void SplineVolume::setSamples(std::span<const int16_t> samples, WorkerPool& workers) {
     const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
-    float* start = lines_.data() + size_t(linesAtOnce) * rowStride_;
-    for (int z = 0; z < nrOfSlices; ++z) {
-        for (int y = 0; y < sizeY; y += linesAtOnce) {
-            // Turned, so that the recursion along a row runs for many rows at once.
-            const int count = std::min(linesAtOnce, sizeY - y);
-            float* turned = lines_.data();
-            for (int j = 0; j < count; ++j)
-                for (int x = 0; x < sizeX; ++x)
-                    turned[x * linesAtOnce + j] = coefficients_[offset(x, y + j, z)];
-            filterLines(turned, sizeX, linesAtOnce, size_t(linesAtOnce), degree_, start);
-            for (int j = 0; j < count; ++j)
-                for (int x = 0; x < sizeX; ++x)
-                    coefficients_[offset(x, y + j, z)] = turned[x * linesAtOnce + j];
-        }
-        filterLines(&coefficients_[offset(0, 0, z)], sizeY, rowStride_, size_t(sizeX), degree_,
-                    start);
-    }
-    // A slice from its first to its last voxel; what lies between the rows is set by the mirroring.
-    const size_t width = size_t(sizeY - 1) * rowStride_ + size_t(sizeX);
-    filterLines(&coefficients_[offset(0, 0, 0)], nrOfSlices, sliceStride_, width, degree_, start);
-    mirrorBorder();
-}
-
-void SplineVolume::mirrorBorder() {
-    const auto mirrored = [](int index, int size) {
-        const int period = std::max(2 * size - 2, 1);
-        const int inPeriod = ((index % period) + period) % period;
-        return std::min(inPeriod, period - inPeriod) % size;
-    };
-    const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
-    const auto beside = [&](int size, const auto& copy) {
-        for (int i = 1; i <= before_; ++i)
-            copy(-i, mirrored(-i, size));
-        for (int i = 0; i < behind_; ++i)
-            copy(size + i, mirrored(size + i, size));
-    };
-    for (int z = 0; z < nrOfSlices; ++z) {
-        for (int y = 0; y < sizeY; ++y)
-            beside(sizeX, [&](int to, int from) {
-                coefficients_[offset(to, y, z)] = coefficients_[offset(from, y, z)];
-            });
-        beside(sizeY, [&](int to, int from) {
-            std::copy_n(&coefficients_[offset(-before_, from, z)], rowStride_,
-                        &coefficients_[offset(-before_, to, z)]);
-        });
-    }
-    beside(nrOfSlices, [&](int to, int from) {
-        std::copy_n(&coefficients_[offset(-before_, -before_, from)], sliceStride_,
-                    &coefficients_[offset(-before_, -before_, to)]);
+    const size_t sliceSamples = size_t(sizeX) * size_t(sizeY);
+    WorkerPool& usable = haveLinesFor(workers.nrOfThreads()) ? workers : callersThread();
+    usable.forParts(size_t(nrOfSlices), [&](size_t z, size_t thread) {
+        filterSlice(int(z), samples.data() + z * sliceSamples,
+                    lines_.data() + thread * floatsOfLines(grid_));
     });
+    // Also where the slices were mirrored: there the lines are copies, and stay so.
+    const size_t blocks = (sliceStride_ + mostSplineLines - 1) / mostSplineLines;
+    usable.forParts(blocks, [&](size_t block) {
+        const size_t first = block * mostSplineLines;
+        filterAcrossSlices(first, std::min(mostSplineLines, sliceStride_ - first));
+    });
+}
+
+/// Along x and y; then the border of the slice is set.
+void SplineVolume::filterSlice(int z, const int16_t* samples, float* turned) {
+    const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
+    for (int y = 0; y < sizeY; y += linesAtOnce) {
+        // Turned, so that the recursion along a row runs for many rows at once.
+        const int count = std::min(linesAtOnce, sizeY - y);
+        for (int j = 0; j < count; ++j) {
+            const int16_t* row = samples + size_t(y + j) * size_t(sizeX);
+            for (int x = 0; x < sizeX; ++x)
+                turned[x * linesAtOnce + j] = float(uint16_t(row[x]));
+        }
+        filterSplineLines(turned, sizeX, linesAtOnce, size_t(linesAtOnce), degree_);
+        for (int j = 0; j < count; ++j) {
+            float* row = &coefficients_[offset(0, y + j, z)];
+            for (int x = 0; x < sizeX; ++x)
+                row[x] = turned[x * linesAtOnce + j];
+        }
+    }
+    for (size_t x = 0; x < size_t(sizeX); x += mostSplineLines)
+        filterSplineLines(&coefficients_[offset(int(x), 0, z)], sizeY, rowStride_,
+                          std::min(mostSplineLines, size_t(sizeX) - x), degree_);
+    mirrorSlice(z);
+}
+
+void SplineVolume::mirrorSlice(int z) {
+    const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
+    for (int y = 0; y < sizeY; ++y)
+        forBorder(sizeX, before_, behind_, [&](int to, int from) {
+            coefficients_[offset(to, y, z)] = coefficients_[offset(from, y, z)];
+        });
+    forBorder(sizeY, before_, behind_, [&](int to, int from) {
+        std::copy_n(&coefficients_[offset(-before_, from, z)], rowStride_,
+                    &coefficients_[offset(-before_, to, z)]);
+    });
+}
+
+/// Along z, for neighbours from `first` on in the extended slices; then what is beyond the slices.
+void SplineVolume::filterAcrossSlices(size_t first, size_t width) {
+    const int nrOfSlices = grid_.size[2];
+    const auto row = [&](int z) {
+        return &coefficients_[size_t(z + before_) * sliceStride_ + first];
+    };
+    filterSplineLines(row(0), nrOfSlices, sliceStride_, width, degree_);
+    forBorder(nrOfSlices, before_, behind_,
+              [&](int to, int from) { std::copy_n(row(from), width, row(to)); });
 }
 
 VELO_SIMD_CLONES void SplineVolume::sample(const Positions& positions, size_t count,

@@ -4,13 +4,11 @@
 
 #include "base/memory.h"
 #include "volume/motion_resampling.h"
+#include "volume/spline_filter.h"
 
 #include <array>
 #include <cstdint>
 #include <span>
-
-/// Cubic for pictures; quintic where a small error of phase counts, as in the estimation of motion.
-enum class SplineDegree { Cubic = 3, Quintic = 5 };
 
 /// The interpolating B-spline of a volume (M. Unser, Splines: a perfect fit for signal and
 /// image processing, IEEE Signal Processing Magazine 16(6), 1999, 22-38). At the voxels it has
@@ -23,7 +21,7 @@ public:
     [[nodiscard]] const VolumeGrid& grid() const { return grid_; }
 
     /// Takes over a volume of grid.samples() samples, read as unsigned.
-    void setSamples(std::span<const int16_t> samples);
+    void setSamples(std::span<const int16_t> samples, WorkerPool& workers = callersThread());
 
     /// Positions in voxels from 0, one array for each axis. Positions outside the volume are moved
     /// to its border.
@@ -39,8 +37,10 @@ public:
     [[nodiscard]] float slope(size_t axis, const std::array<int, 3>& voxel) const;
 
 private:
-    void filter();
-    void mirrorBorder();
+    [[nodiscard]] bool haveLinesFor(int nrOfThreads);
+    void filterSlice(int z, const int16_t* samples, float* turned);
+    void mirrorSlice(int z);
+    void filterAcrossSlices(size_t first, size_t width);
     [[nodiscard]] size_t offset(int x, int y, int z) const {
         return size_t(z + before_) * sliceStride_ + size_t(y + before_) * rowStride_ +
                size_t(x + before_);
@@ -53,5 +53,5 @@ private:
     size_t rowStride_ = 0;
     size_t sliceStride_ = 0;
     ZeroedBuffer<float> coefficients_;
-    ZeroedBuffer<float> lines_; ///< work space of the filter along x
+    ZeroedBuffer<float> lines_; ///< work space of the filter along x, for each thread
 };

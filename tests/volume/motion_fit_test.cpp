@@ -70,8 +70,9 @@ TEST(MotionFit, GivesTheBitsOfThePlainFormForManyVolumes) {
             fitMotion(std::bind(&PlainMotion::evaluate, &plain, _1, _2), start, plainFailed);
         MotionEvaluator evaluator;
         ASSERT_TRUE(evaluator.setTarget(grid, target));
-        const MotionFit found = fitMotion(
-            std::bind(&MotionEvaluator::evaluate, &evaluator, source, _1, _2), start, failed);
+        const MotionFit found = fitMotion(std::bind(&MotionEvaluator::evaluate, &evaluator, source,
+                                                    _1, _2, std::ref(callersThread())),
+                                          start, failed);
         EXPECT_EQ(asList(found.transformation), asList(expected.transformation));
         EXPECT_EQ(found.steps, expected.steps);
         EXPECT_EQ(failed, plainFailed);
