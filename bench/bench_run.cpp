@@ -1,6 +1,8 @@
-// Whole runs through the loop at the three sizes: time of a volume early and late, and memory.
+// Whole runs through the loop: the time of a volume on one thread and on several, or, with the
+// argument "length", its time early and late and the memory of a run.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "head_run.h"
+#include "run_threads.h"
 #include "silent_display.h"
 
 #include "run/session/run_session.h"
@@ -59,6 +61,7 @@ void measure(const HeadRunSize& size, double budget, int volumes, bool preproces
     };
     session.settings.MotionCorrection = preprocessing;
     session.settings.SpatialGaussianSmoothing = preprocessing;
+    session.settings.NrOfThreads = 1;
     if (!writeHeadRun(folder.path(), size, volumes, nrOfConditions, session.settings)) {
         std::printf("can't write to %s\n", folder.path().toLocal8Bit().constData());
         return;
@@ -79,12 +82,7 @@ void measure(const HeadRunSize& size, double budget, int volumes, bool preproces
                 peakMegabytes() - megabytes(volumeBytes));
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    QGuiApplication application(argc, argv);
-    std::setlocale(LC_NUMERIC, "C");
-    const int volumes = argc > 1 ? std::atoi(argv[1]) : 600;
+void measureLength(int volumes) {
     std::printf("Milliseconds of processor time for one volume; motion correction and smoothing of "
                 "5 mm where \"motion\" says yes\n"
                 "size        motion   volumes     ms at 50  ms near end   budget  volumes in MB  "
@@ -93,5 +91,17 @@ int main(int argc, char** argv) {
     for (size_t i = 0; i < std::size(headRunSizes); ++i)
         for (const bool preprocessing : {false, true})
             measure(headRunSizes[i], budgets[i], volumes, preprocessing);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QGuiApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C");
+    if (argc > 1 && std::string_view(argv[1]) == "length")
+        measureLength(argc > 2 ? std::atoi(argv[2]) : 600);
+    else
+        measureThreads(argc > 1 ? std::max(std::atoi(argv[1]), 40) : 60,
+                       argc > 2 ? std::atoi(argv[2]) : 2);
     return 0;
 }

@@ -1,6 +1,6 @@
 velo_library(head_run SOURCES head_run.cpp USES session)
 target_include_directories(head_run PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-velo_program(bench_run SOURCES bench_run.cpp USES head_run)
+velo_program(bench_run UI SOURCES bench_run.cpp run_threads.cpp USES head_run display)
 velo_program(bench_screen UI SOURCES bench_screen.cpp USES head_run window)
 velo_program(bench_feedback UI SOURCES bench_feedback.cpp USES window simulator_core)
 velo_program(bench_latency SOURCES bench_latency.cpp USES session simulator_core)

@@ -29,6 +29,22 @@ template<typename Condition> bool comesSoon(const Condition& condition) {
 } // namespace
 
 WorkerPool::WorkerPool(int nrOfThreads) {
+    startThreads(nrOfThreads);
+}
+
+WorkerPool::~WorkerPool() {
+    endThreads();
+}
+
+void WorkerPool::setNrOfThreads(int nrOfThreads) {
+    if (std::max(nrOfThreads, 1) == this->nrOfThreads())
+        return;
+    endThreads();
+    startThreads(nrOfThreads);
+}
+
+void WorkerPool::startThreads(int nrOfThreads) {
+    ending_.store(false);
     threads_.reserve(size_t(std::max(nrOfThreads - 1, 0)));
     try {
         for (int i = 1; i < nrOfThreads; ++i)
@@ -38,7 +54,7 @@ WorkerPool::WorkerPool(int nrOfThreads) {
     }
 }
 
-WorkerPool::~WorkerPool() {
+void WorkerPool::endThreads() {
     {
         const std::lock_guard lock(mutex_);
         ending_.store(true);
@@ -46,6 +62,7 @@ WorkerPool::~WorkerPool() {
     loopBegun_.notify_all();
     for (std::thread& thread : threads_)
         thread.join();
+    threads_.clear();
 }
 
 // Does a part of the loop of the ticket. False when all are taken; `ticket` is the latest then.

@@ -29,6 +29,8 @@ public:
 
     /// Threads that work, the caller's included.
     [[nodiscard]] int nrOfThreads() const { return int(threads_.size()) + 1; }
+    /// From now on so many, as in the constructor. Not while a loop is worked on.
+    void setNrOfThreads(int nrOfThreads);
 
     /// Calls `work(part)` once for each part below `nrOfParts` (less than 2^32), several at a time,
     /// and returns when all are done. `work` doesn't throw and shows no message. Inside a part, and
@@ -64,6 +66,8 @@ public:
 private:
     using Part = void (*)(const void* context, size_t part, size_t thread);
 
+    void startThreads(int nrOfThreads);
+    void endThreads();
     void doParts(size_t nrOfParts, Part part, const void* context);
     void runWorker(size_t thread);
     [[nodiscard]] bool takePart(uint64_t& ticket, size_t thread);

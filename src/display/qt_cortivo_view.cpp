@@ -131,7 +131,7 @@ void QtCortivoView::composeMosaic() {
     shownGrid_ = document_->slices.gridSize();
     inplanesShown_ = &source.images() == &document_->slices.InplanePixmaps;
     // Without a picture the mosaic is null, and the view says so.
-    if (!composeSliceMosaic(mosaic_, source))
+    if (!composeSliceMosaic(mosaic_, source, workers_ ? *workers_ : callersThread()))
         return;
     markRegionVoxels(mosaic_, tilesOn(mosaic_.rect()), document_->regions, marking_);
     regionFrames_ = regionFrames(document_->regions, marking_,

@@ -13,6 +13,7 @@
 #include <QWidget>
 
 class QtCortivoDoc;
+class WorkerPool;
 
 /// The mosaic is composed once for each change, at one pixel for each pixel of a slice, and drawn
 /// into the view without smoothing. The voxels of regions are marked in it; their frames are drawn
@@ -34,6 +35,8 @@ public:
     void setOverlayShown(bool shown);
     /// Maps of plug-ins that may take the place of the contrasts; not owned, null for none.
     void setPluginMaps(const RegisteredPluginMaps* registered) { pluginMaps_ = registered; }
+    /// The threads that compose the mosaic; not owned. Without them the caller's does.
+    void setWorkers(WorkerPool& workers) { workers_ = &workers; }
     /// The volume whose samples are read out, or firstVolumeAsRead.
     void setVolumeReadOut(int volume);
     /// Reads a voxel out as if it had been clicked, or none; told of by nobody.
@@ -126,6 +129,7 @@ private:
     QtCortivoDoc* document_;
     const OverlayThresholds& thresholds_;
     const RegisteredPluginMaps* pluginMaps_ = nullptr;
+    WorkerPool* workers_ = nullptr;
     QImage mosaic_;
     // As the mosaic was composed: the document may be ahead of what is on the screen.
     SliceMosaicLayout shownLayout_;

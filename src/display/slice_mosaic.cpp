@@ -41,24 +41,25 @@ struct Canvas {
 /// Paints the shown maps over the tiles of one mosaic.
 class OverlayPainter {
 public:
-    OverlayPainter(const SliceMosaicSource& source, int scale)
+    OverlayPainter(const SliceMosaicSource& source, int scale, int nrOfThreads)
         : size_(source.maps.size), scale_(scale), coloring_(source.maps, source.thresholds),
-          colors_(size_t(size_.x)) {}
+          colors_(size_t(nrOfThreads), std::vector<uint32_t>(size_t(size_.x))) {}
 
-    /// Works row by row; `colors_` is large enough for one.
-    void paintSlice(Canvas& canvas, int slice, int column, int row) {
+    /// Works row by row, with the row of colours of a thread.
+    void paintSlice(Canvas& canvas, int slice, int column, int row, size_t thread) {
+        std::vector<uint32_t>& colors = colors_[thread];
         const int left = column * size_.x * scale_;
         for (int y = 0; y < size_.y; ++y) {
             const int top = (y + row * size_.y) * scale_;
-            coloring_.colorStretch(slice, size_t(y) * size_t(size_.x), colors_);
+            coloring_.colorStretch(slice, size_t(y) * size_t(size_.x), colors);
             if (scale_ == 1 && left + size_.x <= canvas.size.width()) {
                 if (top < canvas.size.height())
-                    paintOver(canvas.line(top) + left, colors_);
+                    paintOver(canvas.line(top) + left, colors);
                 continue;
             }
             for (int x = 0; x < size_.x; ++x)
-                if (colors_[size_t(x)] != 0)
-                    canvas.fillSquare(left + x * scale_, top, scale_, colors_[size_t(x)]);
+                if (colors[size_t(x)] != 0)
+                    canvas.fillSquare(left + x * scale_, top, scale_, colors[size_t(x)]);
         }
     }
 
@@ -66,7 +67,7 @@ private:
     VolumeSize size_;
     int scale_;
     OverlayColoring coloring_;
-    std::vector<uint32_t> colors_; ///< of a row
+    std::vector<std::vector<uint32_t>> colors_; ///< of a row, for each thread
 };
 
 /// True when there are maps to paint and they match the grid of the slices.
@@ -91,7 +92,7 @@ void copyTile(Canvas& canvas, const QImage& image, QPoint corner, QSize tile) {
 
 } // namespace
 
-bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source) {
+bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source, WorkerPool& workers) {
     const std::vector<QImage>& images = source.images();
     const QSize tile = images.empty() ? QSize() : images.front().size();
     const QSize size = sliceMosaicSize(source.layout, tile);
@@ -114,24 +115,25 @@ bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source) {
     const int scale = dimX > 0 ? int(std::lround(double(tile.width()) / dimX)) : 0;
     std::optional<OverlayPainter> painter;
     if (scale >= 1 && overlayIsUsable(source))
-        painter.emplace(source, scale);
+        painter.emplace(source, scale, workers.nrOfThreads());
     Canvas canvas(target);
     const int shown = std::min(nrOfSlices, nrOfPlaces);
-    const auto paint = [&](int place) {
-        const int slice = sliceAtPlace(source.layout, place, nrOfSlices);
+    const auto paint = [&](int tileAt, size_t thread) {
+        const int slice = sliceAtPlace(source.layout, tileAt, nrOfSlices);
         if (painter && slice < source.maps.size.slices)
-            painter->paintSlice(canvas, slice, place % columns, place / columns);
+            painter->paintSlice(canvas, slice, tileAt % columns, tileAt / columns, thread);
     };
     // While the tile is still in the cache; but squares that don't fill their tiles reach into
-    // others, so these come first then.
+    // others, so these come first then, and one thread paints in the order of the tiles.
     const bool tilesAreFilled = tile == source.slices->gridSize() * scale;
-    for (int place = 0; place < shown; ++place) {
-        copyTile(canvas, images[size_t(sliceAtPlace(source.layout, place, nrOfSlices))],
-                 {place % columns * tile.width(), place / columns * tile.height()}, tile);
+    workers.forParts(size_t(shown), [&](size_t part, size_t thread) {
+        const int tileAt = int(part);
+        copyTile(canvas, images[size_t(sliceAtPlace(source.layout, tileAt, nrOfSlices))],
+                 {tileAt % columns * tile.width(), tileAt / columns * tile.height()}, tile);
         if (tilesAreFilled)
-            paint(place);
-    }
-    for (int place = 0; place < shown && !tilesAreFilled; ++place)
-        paint(place);
+            paint(tileAt, thread);
+    });
+    for (int tileAt = 0; tileAt < shown && !tilesAreFilled; ++tileAt)
+        paint(tileAt, 0);
     return true;
 }

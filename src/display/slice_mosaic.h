@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/worker_pool.h"
 #include "display/shown_maps.h"
 #include "run/document/slice_images.h"
 #include "run/document/slice_mosaic_layout.h"
@@ -31,5 +32,6 @@ struct SliceMosaicSource {
 /// Each voxel that OverlayColoring shows becomes a square of s x s pixels with s = tile width /
 /// DimX, rounded, at ((x + column * DimX) * s, (y + row * DimY) * s), without interpolation. Maps
 /// that don't have the slices' grid are not painted. False, with a null image, when there are no
-/// slices or the mosaic would be too large (see sliceMosaicSize()).
-[[nodiscard]] bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source);
+/// slices or the mosaic would be too large (see sliceMosaicSize()). The threads share the tiles.
+[[nodiscard]] bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source,
+                                      WorkerPool& workers = callersThread());

@@ -207,6 +207,7 @@ void ViewPanel::createSlices(QtCortivoDoc& functional) {
     functionalView_ = new QtCortivoView(&functional, session_.requests.thresholds, this);
     functionalView_->setObjectName("FunctionalView");
     functionalView_->setPluginMaps(&session_.requests.pluginMaps);
+    functionalView_->setWorkers(session_.workers);
     area_->centralWidget()->layout()->addWidget(functionalView_);
     functionalView_->hide();
     connect(functionalView_, &QtCortivoView::rectangleSelected, this,

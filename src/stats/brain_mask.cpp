@@ -10,7 +10,7 @@ void collectRuns(BrainMask& mask) {
         if (mask.voxels[voxel] == 0)
             continue;
         if (mask.runs.empty() || mask.runs.back().first + mask.runs.back().count != voxel)
-            mask.runs.push_back({voxel, 0});
+            mask.runs.push_back({voxel, 0, mask.nrOfVoxelsInside()});
         ++mask.runs.back().count;
     }
 }

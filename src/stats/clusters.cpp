@@ -132,9 +132,24 @@ void writeSizes(const VolumeSize& size, const ClusterScratch& scratch, std::vect
     }
 }
 
+/// The sizes of one slice.
+void sizeClusters(const StatisticalMaps& maps, int slice, float threshold, ClusterScratch& scratch,
+                  std::vector<int>& sizes) {
+    sizes.assign(maps.size.sliceSamples(), 0);
+    if (slice == 0 || slice == maps.size.slices - 1)
+        return;
+    combineMaps(maps, slice, scratch.combined);
+    if (!anyReaches(scratch.combined, threshold))
+        return;
+    labelSlice(maps.size, threshold, scratch);
+    mergeLabels(scratch);
+    writeSizes(maps.size, scratch, sizes);
+}
+
 } // namespace
 
-void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, bool conjunction) {
+void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, bool conjunction,
+                         WorkerPool& workers) {
     thresholds.Threshold = std::max(thresholds.Threshold, 0.0f);
     thresholds.ColorMaxThreshold = std::max(thresholds.ColorMaxThreshold, 0.0f);
     thresholds.ClusterSizePixels = std::max(thresholds.ClusterSizePixels, 1);
@@ -143,17 +158,9 @@ void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, b
         return;
 
     maps.ClusterSizeSlices.resize(size_t(maps.size.slices));
-    for (int slice = 0; slice < maps.size.slices; ++slice) {
-        std::vector<int>& sizes = maps.ClusterSizeSlices[size_t(slice)];
-        ClusterScratch& scratch = maps.clusterScratch;
-        sizes.assign(maps.size.sliceSamples(), 0);
-        if (slice == 0 || slice == maps.size.slices - 1)
-            continue;
-        combineMaps(maps, slice, scratch.combined);
-        if (!anyReaches(scratch.combined, thresholds.Threshold))
-            continue;
-        labelSlice(maps.size, thresholds.Threshold, scratch);
-        mergeLabels(scratch);
-        writeSizes(maps.size, scratch, sizes);
-    }
+    maps.clusterScratch.resize(size_t(workers.nrOfThreads()));
+    workers.forParts(maps.ClusterSizeSlices.size(), [&](size_t slice, size_t thread) {
+        sizeClusters(maps, int(slice), thresholds.Threshold, maps.clusterScratch[thread],
+                     maps.ClusterSizeSlices[slice]);
+    });
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/worker_pool.h"
 #include "stats/thresholds.h"
 
 /// Raises Threshold and ColorMaxThreshold to 0 and ClusterSizePixels to 1 where they are below,
@@ -14,7 +15,10 @@
 /// The table of equivalent labels holds one link per label; a second equivalence of a label is
 /// dropped. So this is not a full connected-component search: a winding region, such as a spiral,
 /// can count as several clusters. The sizes in saved runs depend on this rule.
-void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, bool conjunction);
+///
+/// The threads share the slices; their number changes no bit of the result.
+void computeClusterSizes(StatisticalMaps& maps, OverlayThresholds& thresholds, bool conjunction,
+                         WorkerPool& workers = callersThread());
 
 /// Which of the shown maps colour a voxel: bit i for map i, 0 when the voxel keeps its grey value.
 /// A map passes where its value, as its state shows it, reaches Threshold. With ClusterSizePixels 1

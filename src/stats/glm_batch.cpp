@@ -10,11 +10,13 @@
 namespace {
 
 void solveVoxels(GLMState& glm, const FMRProject& project, const BrainMask& mask,
-                 const BatchDesign& batch, BatchScratch& scratch) {
-    forEachBlockOverTime(
-        mask, project, batch.n, [&](const auto& samples, size_t first, size_t count) {
-            solveBlock(batch, samples, count, scratch, glm.values.data() + first, glm.nrOfVoxels);
-        });
+                 const BatchDesign& batch, std::vector<BatchScratch>& scratch,
+                 WorkerPool& workers) {
+    forEachBlockOverTime(mask, project, batch.n, workers,
+                         [&](const auto& samples, const MaskBlock& block, size_t thread) {
+                             solveBlock(batch, samples, block.count, scratch[thread],
+                                        glm.values.data() + block.first, glm.nrOfVoxels);
+                         });
 }
 
 } // namespace
@@ -61,25 +63,26 @@ bool isBatchSolutionDue(const GLMState& glm, const DesignMatrix& design, int vol
 }
 
 bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& design,
-                const BrainMask& mask, int volumeIndex) {
+                const BrainMask& mask, int volumeIndex, WorkerPool& workers) {
     const int n = volumeIndex + 1;
     std::vector<int> columns = activePredictorsAt(design, volumeIndex);
     if (columns.empty() || !volumesHaveSize(project, n, glm.nrOfVoxels) ||
         (columns.size() + 1) * glm.nrOfVoxels > glm.values.size())
         return false;
     BatchDesign batch;
-    BatchScratch scratch;
-    if (!makeBatchDesign(batch, design, columns, n) || !scratch.allocate(batch.p, batch.n))
+    std::vector<BatchScratch> scratch(size_t(workers.nrOfThreads()));
+    const auto allocate = [&](BatchScratch& block) { return block.allocate(batch.p, batch.n); };
+    if (!makeBatchDesign(batch, design, columns, n) || !std::ranges::all_of(scratch, allocate))
         return false;
     glm.GLMStartVolume = volumeIndex;
     if (glm.GLMStepIndex < design.NrOfConditionPredictors - 1)
         ++glm.GLMStepIndex;
     glm.nrOfActivePredictors = batch.p;
     glm.ActivePredictors = std::move(columns);
-    if (solveInDouble(glm, batch, design, project, mask))
+    if (solveInDouble(glm, batch, design, project, mask, workers))
         return true;
     glm.nrOfDirections = batch.p;
     glm.iXX.assign(batch.inverse.begin(), batch.inverse.end());
-    solveVoxels(glm, project, mask, batch, scratch);
+    solveVoxels(glm, project, mask, batch, scratch, workers);
     return true;
 }

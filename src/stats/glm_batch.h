@@ -9,6 +9,7 @@ struct BrainMask;
 struct DesignMatrix;
 struct FMRProject;
 struct GLMState;
+class WorkerPool;
 
 /// True when the schedule of the design has a solution at this volume.
 [[nodiscard]] bool isBatchSolutionDue(const GLMState& glm, const DesignMatrix& design,
@@ -23,7 +24,7 @@ struct GLMState;
 /// or when the model is not allocated for this many predictors; preparing a run allocates it for
 /// the whole design.
 [[nodiscard]] bool solveBatch(GLMState& glm, const FMRProject& project, const DesignMatrix& design,
-                              const BrainMask& mask, int volumeIndex);
+                              const BrainMask& mask, int volumeIndex, WorkerPool& workers);
 
 /// The columns of a model solved at this volume: the condition columns whose onset is at or before
 /// it, then all confound columns. Conditions without an entry in PredictorOnsets are left out.

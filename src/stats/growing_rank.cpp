@@ -50,39 +50,33 @@ SumsReference referenceOf(const GrowingRank& growth, const FMRProject& project, 
     return {project.volumes[0].data() + first, size_t(growth.constant)};
 }
 
-size_t voxelsOf(const BrainMask& mask) {
-    size_t count = 0;
-    for (const BrainMask::Run& run : mask.runs)
-        count += run.count;
-    return count;
-}
-
 void solveVoxels(GLMState& glm, const BatchDesign& batch, const FMRProject& project,
-                 const BrainMask& mask) {
+                 const BrainMask& mask, WorkerPool& workers) {
     const size_t p = size_t(batch.p);
-    const bool keep = glm.growth.open && glm.growth.sums.allocate(voxelsOf(mask) * (p + 1));
-    std::vector<double> x(p);
-    std::vector<double> scratch(keep ? 0 : (p + 1) * glmBlockVoxels);
-    size_t position = 0;
-    forEachBlockOverTime(
-        mask, project, batch.n, [&](const auto& samples, size_t first, size_t count) {
-            double* sums = keep ? glm.growth.sums.data() + position * (p + 1) : scratch.data();
-            std::fill_n(sums, (p + 1) * count, 0.0);
-            const SumsReference reference = referenceOf(glm.growth, project, first);
-            for (size_t t = 0; t < samples.size(); ++t) {
-                std::copy_n(batch.x.begin() + ptrdiff_t(t * p), p, x.begin());
-                addVolumeToSums(x, samples[t], reference, count, sums);
-            }
-            solveFromSums(glm.iXX, p, reference, sums, count, glm.values.data() + first,
-                          glm.nrOfVoxels);
-            position += count;
-        });
+    const bool keep =
+        glm.growth.open && glm.growth.sums.allocate(mask.nrOfVoxelsInside() * (p + 1));
+    const std::vector<double> x(batch.x.begin(), batch.x.end());
+    const size_t sumsOfBlock = (p + 1) * glmBlockVoxels;
+    std::vector<double> scratch(keep ? 0 : sumsOfBlock * size_t(workers.nrOfThreads()));
+    forEachBlockOverTime(mask, project, batch.n, workers,
+                         [&](const auto& samples, const MaskBlock& block, size_t thread) {
+                             double* sums = keep ? glm.growth.sums.data() + block.before * (p + 1)
+                                                 : scratch.data() + thread * sumsOfBlock;
+                             std::fill_n(sums, (p + 1) * block.count, 0.0);
+                             const SumsReference reference =
+                                 referenceOf(glm.growth, project, block.first);
+                             for (size_t t = 0; t < samples.size(); ++t)
+                                 addVolumeToSums(std::span(x).subspan(t * p, p), samples[t],
+                                                 reference, block.count, sums);
+                             solveFromSums(glm.iXX, p, reference, sums, block.count,
+                                           glm.values.data() + block.first, glm.nrOfVoxels);
+                         });
 }
 
 } // namespace
 
 bool solveInDouble(GLMState& glm, const BatchDesign& batch, const DesignMatrix& design,
-                   const FMRProject& project, const BrainMask& mask) {
+                   const FMRProject& project, const BrainMask& mask, WorkerPool& workers) {
     GrowingRank& growth = glm.growth;
     growth.release();
     growth.xx = normalMatrix(batch.x, size_t(batch.p));
@@ -93,12 +87,12 @@ bool solveInDouble(GLMState& glm, const BatchDesign& batch, const DesignMatrix& 
     }
     growth.constant = constantOf(glm.ActivePredictors, design);
     takeInverse(glm, normal);
-    solveVoxels(glm, batch, project, mask);
+    solveVoxels(glm, batch, project, mask, workers);
     return true;
 }
 
 Growth growRank(GLMState& glm, const DesignMatrix& design, const FMRProject& project,
-                const BrainMask& mask, int volumeIndex) {
+                const BrainMask& mask, int volumeIndex, WorkerPool& workers) {
     GrowingRank& growth = glm.growth;
     const std::vector<double>& x = glm.workspace.x;
     for (size_t i = 0; i < x.size(); ++i)
@@ -120,14 +114,15 @@ Growth growRank(GLMState& glm, const DesignMatrix& design, const FMRProject& pro
     if (!invert(growth, p, normal))
         return Growth::None;
     takeInverse(glm, normal);
-    solveVoxels(glm, batch, project, mask);
+    solveVoxels(glm, batch, project, mask, workers);
     return Growth::Solved;
 }
 
-void updateBlockFromSums(GLMState& glm, const FMRProject& project, int volumeIndex, size_t position,
-                         size_t first, size_t count) {
+void updateBlockFromSums(GLMState& glm, const FMRProject& project, int volumeIndex,
+                         const MaskBlock& block) {
+    const auto [first, count, before] = block;
     const size_t p = size_t(glm.nrOfActivePredictors);
-    double* sums = glm.growth.sums.data() + position * (p + 1);
+    double* sums = glm.growth.sums.data() + before * (p + 1);
     const SumsReference reference = referenceOf(glm.growth, project, first);
     addVolumeToSums(glm.workspace.x, project.volumes[size_t(volumeIndex)].data() + first, reference,
                     count, sums);

@@ -12,6 +12,8 @@ struct BrainMask;
 struct DesignMatrix;
 struct FMRProject;
 struct GLMState;
+struct MaskBlock;
+class WorkerPool;
 
 /// At the start of a long run slow drift terms can't be told from the constant, and an inverse
 /// leaves directions out that the recursion can never bring back. From such a solution on the model
@@ -40,19 +42,18 @@ enum class Growth {
 /// GrowingRank released and the rest unchanged.
 [[nodiscard]] bool solveInDouble(GLMState& glm, const BatchDesign& batch,
                                  const DesignMatrix& design, const FMRProject& project,
-                                 const BrainMask& mask);
+                                 const BrainMask& mask, WorkerPool& workers);
 
 /// Takes a volume with the predictors workspace.x into X'X. The sums give iXX and nrOfDirections
 /// anew; without their memory the model is solved from all volumes where the design has gained a
 /// direction. GrowingRank is no longer open once it has all; its sums stay for the volume, to be
 /// released after it.
 [[nodiscard]] Growth growRank(GLMState& glm, const DesignMatrix& design, const FMRProject& project,
-                              const BrainMask& mask, int volumeIndex);
+                              const BrainMask& mask, int volumeIndex, WorkerPool& workers);
 
-/// The sums of a block take in the samples of a volume, and give its betas and RSS. `position` is
-/// the number of voxels of the mask before the block.
-void updateBlockFromSums(GLMState& glm, const FMRProject& project, int volumeIndex, size_t position,
-                         size_t first, size_t count);
+/// The sums of a block take in the samples of a volume, and give its betas and RSS.
+void updateBlockFromSums(GLMState& glm, const FMRProject& project, int volumeIndex,
+                         const MaskBlock& block);
 
 /// While the design lacks directions: contrasts that it can't estimate get a variance of 0, and
 /// with it maps of 0.

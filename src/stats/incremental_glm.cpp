@@ -22,13 +22,16 @@ void GLMState::release() {
 
 namespace {
 
-void sizeWorkspace(GLMWorkspace& workspace, size_t p) {
+void sizeWorkspace(GLMWorkspace& workspace, size_t p, int nrOfThreads) {
     workspace.x.resize(p);
     workspace.q.resize(p);
     workspace.gain.resize(p);
     workspace.inverse.resize(p * p);
-    workspace.betas.resize(p * glmBlockVoxels);
-    workspace.variances.resize(glmBlockVoxels);
+    workspace.blocks.resize(size_t(nrOfThreads));
+    for (GLMWorkspace::Block& block : workspace.blocks) {
+        block.betas.resize(p * glmBlockVoxels);
+        block.variances.resize(glmBlockVoxels);
+    }
 }
 
 void takePredictors(GLMState& glm, const DesignMatrix& design, int volumeIndex) {
@@ -84,12 +87,12 @@ struct VoxelUpdate {
 };
 
 /// Takes the volume into the matrices of a model that has been solved before.
-VoxelUpdate advanceModel(const GLMRun& run, int volumeIndex) {
+VoxelUpdate advanceModel(const GLMRun& run, int volumeIndex, WorkerPool& workers) {
     GLMState& glm = run.glm;
     takePredictors(glm, run.design, volumeIndex);
-    const Growth growth = glm.growth.open
-                              ? growRank(glm, run.design, run.project, run.mask, volumeIndex)
-                              : Growth::None;
+    const Growth growth =
+        glm.growth.open ? growRank(glm, run.design, run.project, run.mask, volumeIndex, workers)
+                        : Growth::None;
     VoxelUpdate update;
     if (growth == Growth::None)
         update.recursion = advanceInverse(glm);
@@ -98,27 +101,27 @@ VoxelUpdate advanceModel(const GLMRun& run, int volumeIndex) {
 }
 
 /// Updates betas and residual sums of squares, then the t values while the block is in the cache.
-void updateVoxels(const GLMRun& run, const VoxelUpdate& update, int volumeIndex) {
+void updateVoxels(const GLMRun& run, const VoxelUpdate& update, int volumeIndex,
+                  WorkerPool& workers) {
     GLMState& glm = run.glm;
-    GLMWorkspace& work = glm.workspace;
     const int16_t* samples = run.project.volumes[size_t(volumeIndex)].data();
     const float degreesOfFreedom = float(volumeIndex + 1 - glm.nrOfDirections);
     const bool withMaps = glm.activeContrasts.count > 0 && mapsFit(run);
     const bool withConjunction = conjunctionApplies(run.contrasts, run.maps);
-    const BlockEstimates estimates{work.betas.data(), glmBlockVoxels, work.variances.data()};
-    size_t position = 0;
-    forEachBlock(run.mask, [&](size_t first, size_t count) {
+    forEachBlock(run.mask, workers, [&](const MaskBlock& block, size_t thread) {
+        const auto [first, count, before] = block;
         double* values = glm.values.data() + first;
         if (update.recursion)
             updateBetasAndResiduals(*update.recursion, samples + first, values, glm.nrOfVoxels,
                                     count);
         if (update.fromSums)
-            updateBlockFromSums(glm, run.project, volumeIndex, position, first, count);
-        position += count;
+            updateBlockFromSums(glm, run.project, volumeIndex, block);
         if (!withMaps)
             return;
+        GLMWorkspace::Block& work = glm.workspace.blocks[thread];
         copyBetasAndVariances(values, glm.nrOfVoxels, glm.nrOfActivePredictors, degreesOfFreedom,
                               count, work.betas.data(), work.variances.data());
+        const BlockEstimates estimates{work.betas.data(), glmBlockVoxels, work.variances.data()};
         computeBlockMaps(glm.activeContrasts, estimates, first, count, withConjunction, run.maps);
     });
 }
@@ -132,23 +135,23 @@ bool volumeFits(const GLMRun& run, int volumeIndex) {
 
 } // namespace
 
-bool updateGLM(const GLMRun& run, int volumeIndex) {
+bool updateGLM(const GLMRun& run, int volumeIndex, WorkerPool& workers) {
     if (!volumeFits(run, volumeIndex))
         return false;
     GLMState& glm = run.glm;
     const bool solved = isBatchSolutionDue(glm, run.design, volumeIndex) &&
-                        solveBatch(glm, run.project, run.design, run.mask, volumeIndex);
+                        solveBatch(glm, run.project, run.design, run.mask, volumeIndex, workers);
     if (!solved && volumeIndex <= glm.GLMStartVolume)
         return false;
 
-    sizeWorkspace(glm.workspace, size_t(glm.nrOfActivePredictors));
+    sizeWorkspace(glm.workspace, size_t(glm.nrOfActivePredictors), workers.nrOfThreads());
     VoxelUpdate update;
     if (!solved)
-        update = advanceModel(run, volumeIndex);
+        update = advanceModel(run, volumeIndex, workers);
     // Once set, the flag stays set until the next run, and every volume refreshes the contrasts.
     const bool refresh = solved || run.contrasts.ContrastsChanged;
     prepareContrasts(run, refresh);
-    updateVoxels(run, update, volumeIndex);
+    updateVoxels(run, update, volumeIndex, workers);
     if (!glm.growth.open)
         glm.growth.release();
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/memory.h"
+#include "base/worker_pool.h"
 #include "stats/contrasts.h"
 #include "stats/design_matrix.h"
 #include "stats/glm_contrasts.h"
@@ -20,19 +21,28 @@ struct BrainMask {
     struct Run {
         size_t first;
         size_t count;
+        size_t before = 0; ///< voxels of the mask in the runs before it
     };
     std::vector<uint8_t> voxels; ///< non-zero inside; empty before the mask is made
     std::vector<Run> runs;
+
+    [[nodiscard]] size_t nrOfVoxelsInside() const {
+        return runs.empty() ? 0 : runs.back().before + runs.back().count;
+    }
 };
 
 /// Working memory of the update, kept between volumes to avoid allocation.
 struct GLMWorkspace {
-    std::vector<double> x;        ///< p, the predictors at the volume
-    std::vector<double> q;        ///< p, iXX x
-    std::vector<double> gain;     ///< p, q over the scale of the residual
-    std::vector<float> inverse;   ///< p x p, iXX in float
-    std::vector<float> betas;     ///< of a block of voxels
-    std::vector<float> variances; ///< of a block of voxels
+    /// Of a block of voxels.
+    struct Block {
+        std::vector<float> betas;
+        std::vector<float> variances;
+    };
+    std::vector<double> x;      ///< p, the predictors at the volume
+    std::vector<double> q;      ///< p, iXX x
+    std::vector<double> gain;   ///< p, q over the scale of the residual
+    std::vector<float> inverse; ///< p x p, iXX in float
+    std::vector<Block> blocks;  ///< one for each thread
 };
 
 /// The model. Row j of `values` holds beta j of every voxel, row p the residual sum of squares;
@@ -98,4 +108,6 @@ struct GLMRun {
 ///
 /// The recursion is recursive least squares without forgetting (Haykin, Adaptive Filter Theory,
 /// chapter on the RLS algorithm).
-bool updateGLM(const GLMRun& run, int volumeIndex);
+///
+/// The threads share the voxels; their number changes no bit of the results.
+bool updateGLM(const GLMRun& run, int volumeIndex, WorkerPool& workers = callersThread());

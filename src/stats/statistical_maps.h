@@ -39,7 +39,7 @@ struct StatisticalMaps {
     /// For each slice and pixel the size of its cluster; 0 below threshold. Empty when not
     /// computed.
     std::vector<std::vector<int>> ClusterSizeSlices;
-    ClusterScratch clusterScratch;
+    std::vector<ClusterScratch> clusterScratch; ///< one for each thread
 
     /// Values of a map below nrOfMaps.
     [[nodiscard]] std::span<float> map(int index) {

@@ -204,7 +204,6 @@ void WholeRunBlock::store(const BlockMaps& maps, size_t voxel) {
         maps.at(rows.firstSum() + int(j), voxel) =
             float(products_[value] + origin * equations.onesSums[j]);
     }
-    ++nrOfFittedVoxels_;
     if (!correctsSerialCorrelations()) {
         maps.at(rows.mean(), voxel) =
             float(sampleSums_[voxel] / double(equations_.n) + origins_[voxel]);
@@ -212,12 +211,6 @@ void WholeRunBlock::store(const BlockMaps& maps, size_t voxel) {
     }
     maps.at(rows.AR1Before(), voxel) = float(lagOneBefore_[voxel]);
     maps.at(rows.AR1After(), voxel) = float(lagOneAfter_[voxel]);
-    sumBefore_ += lagOneBefore_[voxel];
-    sumAfter_ += lagOneAfter_[voxel];
-}
-
-float WholeRunBlock::mean(double sum) const {
-    if (!correctsSerialCorrelations() || nrOfFittedVoxels_ == 0)
-        return noMeanAR1;
-    return float(sum / double(nrOfFittedVoxels_));
+    maps.lagOneBefore[voxel] = lagOneBefore_[voxel];
+    maps.lagOneAfter[voxel] = lagOneAfter_[voxel];
 }

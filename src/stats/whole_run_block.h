@@ -14,6 +14,9 @@
 struct BlockMaps {
     float* values = nullptr;
     size_t stride = 0;
+    /// With the correction, of the voxels that are fitted; others are left as they are.
+    double* lagOneBefore = nullptr;
+    double* lagOneAfter = nullptr;
 
     [[nodiscard]] float& at(int row, size_t voxel) const {
         return values[size_t(row) * stride + voxel];
@@ -32,10 +35,6 @@ public:
     void fit(std::span<const int16_t* const> points, size_t first, size_t count,
              const BlockMaps& maps);
 
-    /// Over all voxels fitted so far; without any, or without the correction, noMeanAR1.
-    [[nodiscard]] float meanAR1Before() const { return mean(sumBefore_); }
-    [[nodiscard]] float meanAR1After() const { return mean(sumAfter_); }
-
 private:
     using Row = std::array<double, glmBlockVoxels>;
 
@@ -52,7 +51,6 @@ private:
     [[nodiscard]] const NormalEquations& equationsOf(size_t voxel) const;
     void correct();
     void store(const BlockMaps& maps, size_t voxel);
-    [[nodiscard]] float mean(double sum) const;
 
     const WholeRunEquations& equations_;
     size_t first_ = 0;
@@ -76,7 +74,4 @@ private:
     bool isWhitened_ = false; ///< the sums are those of whitened samples
     std::array<int, glmBlockVoxels> bins_{};
     Row lagOneBefore_{}, lagOneAfter_{};
-    double sumBefore_ = 0.0;
-    double sumAfter_ = 0.0;
-    size_t nrOfFittedVoxels_ = 0;
 };

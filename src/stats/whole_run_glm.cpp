@@ -8,7 +8,45 @@
 #include "stats/whole_run_equations.h"
 #include "volume/fmr_project.h"
 
+#include <cmath>
+#include <limits>
+
 namespace {
+
+/// Lag-one values of a slice, and their means. They are summed voxel by voxel in the order of the
+/// volume, so that the means don't depend on who fits which block.
+class LagOneMeans {
+public:
+    explicit LagOneMeans(size_t sliceSamples) : before_(sliceSamples), after_(sliceSamples) {}
+
+    void startSlice() { std::ranges::fill(before_, notFitted); }
+    [[nodiscard]] double* before(size_t sample) { return before_.data() + sample; }
+    [[nodiscard]] double* after(size_t sample) { return after_.data() + sample; }
+    void takeSlice() {
+        for (size_t i = 0; i < before_.size(); ++i) {
+            if (std::isnan(before_[i]))
+                continue;
+            sumBefore_ += before_[i];
+            sumAfter_ += after_[i];
+            ++nrOfVoxels_;
+        }
+    }
+    [[nodiscard]] float meanBefore() const { return mean(sumBefore_); }
+    [[nodiscard]] float meanAfter() const { return mean(sumAfter_); }
+
+private:
+    static constexpr double notFitted = std::numeric_limits<double>::quiet_NaN();
+
+    [[nodiscard]] float mean(double sum) const {
+        return nrOfVoxels_ == 0 ? noMeanAR1 : float(sum / double(nrOfVoxels_));
+    }
+
+    std::vector<double> before_; ///< NaN: not fitted, or without the correction
+    std::vector<double> after_;
+    double sumBefore_ = 0.0;
+    double sumAfter_ = 0.0;
+    size_t nrOfVoxels_ = 0;
+};
 
 /// Allocates the model's maps and fills all that depends on the design alone.
 bool prepareModel(WholeRunModel& model, const WholeRunEquations& equations) {
@@ -21,32 +59,48 @@ bool prepareModel(WholeRunModel& model, const WholeRunEquations& equations) {
 }
 
 void fitSlice(WholeRunModel& model, int slice, std::span<const int16_t* const> points,
-              WholeRunBlock& block) {
+              std::span<const std::unique_ptr<WholeRunBlock>> blocks, LagOneMeans& lagOne,
+              WorkerPool& workers) {
     const size_t samples = model.size.sliceSamples();
-    for (size_t first = 0; first < samples; first += glmBlockVoxels) {
+    lagOne.startSlice();
+    const size_t parts = (samples + glmBlockVoxels - 1) / glmBlockVoxels;
+    workers.forParts(parts, [&](size_t part, size_t thread) {
+        const size_t first = part * glmBlockVoxels;
         const BlockMaps maps{model.GLMMaps.data() + size_t(slice) * samples + first,
-                             model.nrOfVoxels()};
-        block.fit(points, first, std::min(glmBlockVoxels, samples - first), maps);
-    }
+                             model.nrOfVoxels(), lagOne.before(first), lagOne.after(first)};
+        blocks[thread]->fit(points, first, std::min(glmBlockVoxels, samples - first), maps);
+    });
+    lagOne.takeSlice();
+}
+
+/// One for each thread; none when memory runs out.
+std::vector<std::unique_ptr<WholeRunBlock>> makeBlocks(const WholeRunEquations& equations,
+                                                       int nrOfThreads) {
+    std::vector<std::unique_ptr<WholeRunBlock>> blocks;
+    for (int i = 0; i < nrOfThreads; ++i)
+        if (!blocks.emplace_back(std::make_unique<WholeRunBlock>(equations))->allocate())
+            return {};
+    return blocks;
 }
 
 WholeRunFit fitAllSlices(WholeRunModel& model, const WholeRunEquations& equations,
-                         SliceSource& samples, const StepProgress& progress) {
-    WholeRunBlock block(equations);
-    if (!block.allocate()) {
+                         SliceSource& samples, const StepProgress& progress, WorkerPool& workers) {
+    const auto blocks = makeBlocks(equations, workers.nrOfThreads());
+    if (blocks.empty()) {
         showCritical("ERROR: Insufficient memory for creating GLM slice time courses!");
         return WholeRunFit::Failed;
     }
+    LagOneMeans lagOne(model.size.sliceSamples());
     std::vector<const int16_t*> points(equations.n, nullptr);
     for (int slice = 0; slice < model.size.slices; ++slice) {
         if (!samples.loadSlice(slice, points))
             return WholeRunFit::Failed;
-        fitSlice(model, slice, points, block);
+        fitSlice(model, slice, points, blocks, lagOne, workers);
         if (!progress.advance(slice + 1, model.size.slices))
             return WholeRunFit::Cancelled;
     }
-    model.MeanAR1Before = block.meanAR1Before();
-    model.MeanAR1After = block.meanAR1After();
+    model.MeanAR1Before = lagOne.meanBefore();
+    model.MeanAR1After = lagOne.meanAfter();
     model.GLMType = 2;
     return WholeRunFit::Done;
 }
@@ -68,7 +122,7 @@ bool RunInMemory::loadSlice(int slice, std::span<const int16_t*> points) {
 
 WholeRunFit fitWholeRunModel(WholeRunModel& model, const WholeRunDesign& design,
                              const VolumeSize& size, SliceSource& samples,
-                             ProgressReporter& progress) {
+                             ProgressReporter& progress, WorkerPool& workers) {
     WholeRunDesign copy = design; // which may be the model's own
     model.release();
     WholeRunEquations equations;
@@ -78,7 +132,7 @@ WholeRunFit fitWholeRunModel(WholeRunModel& model, const WholeRunDesign& design,
     model.size = size;
     WholeRunFit result = WholeRunFit::Failed;
     if (prepareModel(model, equations))
-        result = fitAllSlices(model, equations, samples, StepProgress(progress));
+        result = fitAllSlices(model, equations, samples, StepProgress(progress), workers);
     if (result != WholeRunFit::Done)
         model.release();
     return result;

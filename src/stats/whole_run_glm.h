@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/progress.h"
+#include "base/worker_pool.h"
 #include "stats/whole_run_model.h"
 
 #include <cstdint>
@@ -54,10 +55,12 @@ inline constexpr float wholeRunIntensityLimit = 100.0f;
 /// where there are none, or without the correction. X must be finite and fit studies and
 /// predictors.
 ///
-/// Sums and inverses are computed in double and kept as float.
+/// Sums and inverses are computed in double and kept as float. The threads share the voxels of a
+/// slice; their number changes no bit of the model.
 [[nodiscard]] WholeRunFit fitWholeRunModel(WholeRunModel& model, const WholeRunDesign& design,
                                            const VolumeSize& size, SliceSource& samples,
-                                           ProgressReporter& progress);
+                                           ProgressReporter& progress,
+                                           WorkerPool& workers = callersThread());
 
 /// Writes X as text, one line for each data point, each value "%8.6f  ", into DesignMatrix.txt of a
 /// folder. Where that fails the operator is told, and nothing else happens.

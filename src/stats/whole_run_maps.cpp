@@ -181,7 +181,8 @@ void computeBlock(const WholeRunModel& model, const MapPlan& plan, size_t first,
 } // namespace
 
 bool computeContrastMaps(const WholeRunModel& model, const BrainMask& mask,
-                         ContrastDefinitions& contrasts, StatisticalMaps& maps) {
+                         ContrastDefinitions& contrasts, StatisticalMaps& maps,
+                         WorkerPool& workers) {
     if (!model.isValid() || mask.voxels.size() != model.nrOfVoxels() ||
         model.conditionOfColumn.size() != model.predictors.size())
         return false;
@@ -206,7 +207,8 @@ bool computeContrastMaps(const WholeRunModel& model, const BrainMask& mask,
     }
     for (int map = 0; map < maps.NrOfActiveContrasts; ++map)
         std::ranges::fill(maps.map(map), 0.0f);
-    forEachBlock(
-        mask, [&](size_t first, size_t count) { computeBlock(model, plan, first, count, maps); });
+    forEachBlock(mask, workers, [&](const MaskBlock& block, size_t) {
+        computeBlock(model, plan, block.first, block.count, maps);
+    });
     return true;
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/worker_pool.h"
 #include "stats/whole_run_model.h"
 
 struct BrainMask;
@@ -32,4 +33,5 @@ struct StatisticalMaps;
 /// NrOfActiveContrasts, states, contrastOfMap, MapType and degrees of freedom of the maps. False
 /// without a model or its conditionOfColumn, or when the mask differs in size.
 [[nodiscard]] bool computeContrastMaps(const WholeRunModel& model, const BrainMask& mask,
-                                       ContrastDefinitions& contrasts, StatisticalMaps& maps);
+                                       ContrastDefinitions& contrasts, StatisticalMaps& maps,
+                                       WorkerPool& workers = callersThread());

@@ -38,8 +38,10 @@ TEST(WorkerPool, WakesThreadsThatSleep) {
 }
 
 TEST(WorkerPool, ThreadsAtWorkHaveNumbersOfTheirOwn) {
-    for (const int threads : {1, 2, 5}) {
-        WorkerPool pool(threads);
+    WorkerPool pool(2);
+    for (const int threads : {2, 5, 1, 3}) {
+        pool.setNrOfThreads(threads);
+        ASSERT_EQ(pool.nrOfThreads(), threads);
         std::vector<std::atomic<int>> busy(static_cast<size_t>(threads));
         for (int loop = 0; loop < 200; ++loop)
             pool.forParts(13, [&](size_t, size_t thread) {

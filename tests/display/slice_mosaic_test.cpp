@@ -162,6 +162,30 @@ TEST(SliceMosaic, MapsOfPluginsTakeThePlaceOfContrasts) {
     EXPECT_TRUE(shownMaps(scene.document, registered).empty()) << "registered after the start";
 }
 
+TEST(SliceMosaic, ThreadsShareTheTiles) {
+    Scene scene(11, 2);
+    std::vector<int16_t> inplanes(9 * 7 * 11, int16_t(1)); // wider than the squares of the voxels
+    scene.slices.createInplanePixmaps(inplanes, {9, 7, 11});
+    for (int slice = 0; slice < 11; ++slice)
+        for (int i = 0; i < 12; ++i)
+            scene.set(i % 2, slice, i % 4, i / 4, float((slice * 5 + i * 7) % 13 - 6));
+    scene.source.maps = shownContrastMaps(scene.document);
+    for (const bool showInplanes : {false, true}) {
+        scene.source.showInplanes = showInplanes;
+        for (const SliceMosaicLayout& layout :
+             {SliceMosaicLayout{4, 3, 0, 1, 1}, SliceMosaicLayout{3, 2, 0, 1, 1}}) {
+            scene.source.layout = layout;
+            ASSERT_TRUE(composeSliceMosaic(scene.mosaic, scene.source));
+            for (const int threads : {2, 3, 5}) {
+                WorkerPool workers(threads);
+                QImage shared;
+                ASSERT_TRUE(composeSliceMosaic(shared, scene.source, workers));
+                EXPECT_TRUE(shared == scene.mosaic) << threads << " threads";
+            }
+        }
+    }
+}
+
 TEST(SliceMosaic, RefusesWhatItCanNotShow) {
     Scene scene(2, 1);
     for (const SliceMosaicLayout& layout :

@@ -9,8 +9,8 @@
 #include <numeric>
 #include <random>
 
-/// 7 x 6 x 5 voxels. Slices 1 to 3 hold signal around 1000 but for some voxels below the mask's
-/// threshold, so the mask has runs of many lengths.
+/// Unless the size is given, 7 x 6 x 5 voxels. Inner slices hold signal around 1000 but for some
+/// voxels below the mask's threshold, so the mask has runs of many lengths.
 struct GLMTestRun {
     FMRProject project;
     DesignMatrix design;
@@ -23,11 +23,11 @@ struct GLMTestRun {
     GLMRun parts() { return {project, design, contrasts, mask, glm, maps}; }
     size_t voxels() const { return project.volumeSamples(); }
 
-    explicit GLMTestRun(int nrOfVolumes) {
+    explicit GLMTestRun(int nrOfVolumes, const VolumeSize& size = {7, 6, 5}) {
         project.NrOfVolumes = nrOfVolumes;
-        project.ResolutionX = 7;
-        project.ResolutionY = 6;
-        project.NrOfSlices = 5;
+        project.ResolutionX = size.x;
+        project.ResolutionY = size.y;
+        project.NrOfSlices = size.slices;
         EXPECT_TRUE(project.allocateVolumes());
         std::normal_distribution<double> noise(0.0, 12.0);
         for (size_t t = 0; t < project.volumes.size(); ++t) {

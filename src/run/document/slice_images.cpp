@@ -49,14 +49,14 @@ void paintSlice(QImage& image, const int16_t* samples, const DisplayWindow& wind
 
 /// Paints one slice of the samples into each image; the samples must fill them.
 void paintSlices(std::vector<QImage>& images, std::span<const int16_t> samples,
-                 const GreyScale& scale) {
+                 const GreyScale& scale, WorkerPool& workers) {
     const DisplayWindow window(scale);
     const std::vector<uint32_t> colors = colorsOfSamples(scale, window);
-    const int16_t* slice = samples.data();
-    for (QImage& image : images) {
-        paintSlice(image, slice, window, colors);
-        slice += size_t(image.width()) * size_t(image.height());
-    }
+    workers.forParts(images.size(), [&](size_t slice) {
+        QImage& image = images[slice];
+        const size_t sliceSamples = size_t(image.width()) * size_t(image.height());
+        paintSlice(image, samples.data() + slice * sliceSamples, window, colors);
+    });
 }
 
 /// Images of this size; none when this number of samples doesn't fill them or memory runs out.
@@ -130,11 +130,11 @@ void SliceImages::createInplanePixmaps(std::span<const int16_t> samples, const V
     GreyScale scale = greyScale;
     computeDisplayRange(scale, samples);
     InplanePixmaps = blankSlices(samples.size(), size);
-    paintSlices(InplanePixmaps, samples, scale);
+    paintSlices(InplanePixmaps, samples, scale, callersThread());
 }
 
-void SliceImages::updateSlicePixmaps(std::span<const int16_t> samples) {
+void SliceImages::updateSlicePixmaps(std::span<const int16_t> samples, WorkerPool& workers) {
     const QSize grid = gridSize();
     if (samples.size() == size_t(grid.width()) * size_t(grid.height()) * SlicePixmaps.size())
-        paintSlices(SlicePixmaps, samples, greyScale);
+        paintSlices(SlicePixmaps, samples, greyScale, workers);
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "base/worker_pool.h"
 #include "volume/volume_geometry.h"
 
 #include <QImage>
@@ -41,8 +42,10 @@ struct SliceImages {
     /// Creates the images, one for each slice of `samples` (x fastest, then y, then slices; read as
     /// unsigned). There are none when the samples don't fill the slices or memory runs out.
     void createSlicePixmaps(std::span<const int16_t> samples, const VolumeSize& size);
-    /// Repaints the existing images with new samples; does nothing when their number differs.
-    void updateSlicePixmaps(std::span<const int16_t> samples);
+    /// Repaints the existing images with new samples; does nothing when their number differs. The
+    /// threads share the slices.
+    void updateSlicePixmaps(std::span<const int16_t> samples,
+                            WorkerPool& workers = callersThread());
     /// Creates InplanePixmaps with their own display window, from computeDisplayRange(); arguments
     /// as for createSlicePixmaps().
     void createInplanePixmaps(std::span<const int16_t> samples, const VolumeSize& size);

@@ -216,7 +216,8 @@ MultiRunEnd Analysis::fitModel() {
     {
         const std::unique_ptr<ProgressReporter> progress =
             run_.display.openModelProgress(" Computing Multi-Run GLM... ");
-        fit = fitWholeRunModel(document_.wholeRunModel, design, size, *samples_, *progress);
+        fit = fitWholeRunModel(document_.wholeRunModel, design, size, *samples_, *progress,
+                               run_.workers);
     }
     if (fit != WholeRunFit::Done)
         return fit == WholeRunFit::Cancelled ? MultiRunEnd::Cancelled : MultiRunEnd::Failed;

@@ -4,6 +4,7 @@
 
 #include "base/event_pump.h"
 #include "base/folder_lock.h"
+#include "base/worker_pool.h"
 #include "intake/volume_reader.h"
 #include "run/document/operator_requests.h"
 #include "run/document/qt_cortivo_doc.h"
@@ -24,4 +25,8 @@ struct RunParts {
     RunDisplay& display;
     EventPump& pump;
     FolderLock& targetLock; ///< on the target folder, from preparation until the run is saved
+    WorkerPool& workers;    ///< that share the loops over voxels
+
+    /// As many threads as the settings ask for, once these are read.
+    void setUpWorkers() const { workers.setNrOfThreads(nrOfUsableThreads(settings.NrOfThreads)); }
 };

@@ -40,7 +40,8 @@ bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
     }
     backup.release();
     if (run.requests.overlayVolumeMode != 0)
-        run.document.slices.updateSlicePixmaps(project.volumes[size_t(nrOfMeasuredVolumes) - 1]);
+        run.document.slices.updateSlicePixmaps(project.volumes[size_t(nrOfMeasuredVolumes) - 1],
+                                               run.workers);
     return !recomputeStatistics ||
            fitCompleteRun(run, nrOfMeasuredVolumes, statistics) == WholeRunFit::Done;
 }

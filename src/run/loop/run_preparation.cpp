@@ -38,6 +38,7 @@ bool readRunSettings(const RunParts& run, RunSource& source,
                         .arg(settings.settingsFilePath));
         return false;
     }
+    run.setUpWorkers();
     OperatorRequests& requests = run.requests;
     // A version 1 file has no such key, and the flag keeps the value that a start gives it.
     if (settings.forceTRDelayRead)

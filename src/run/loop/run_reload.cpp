@@ -62,6 +62,7 @@ bool reloadRun(const RunParts& run, const std::function<void()>& stopTimer) {
     QtCortivoDoc& document = run.document;
     if (!readSettingsFile(settings, SettingsUse::Reload, stopTimer))
         return false;
+    run.setUpWorkers();
     copySettingsToDocument(document, settings);
     run.requests.thresholds = thresholdsAtStart(settings.Threshold, settings.ClusterSizePixels);
     const FMRProject& project = document.project;

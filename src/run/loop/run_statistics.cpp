@@ -135,7 +135,7 @@ WholeRunFit fitCompleteRun(const RunParts& run, int nrOfVolumes, ProgressReporte
     RunInMemory samples(document.project);
     WholeRunModel model;
     const WholeRunFit fit =
-        fitWholeRunModel(model, design, document.project.size(), samples, progress);
+        fitWholeRunModel(model, design, document.project.size(), samples, progress, run.workers);
     if (fit != WholeRunFit::Done)
         return fit;
     document.mask = std::move(mask);
@@ -147,11 +147,11 @@ WholeRunFit fitCompleteRun(const RunParts& run, int nrOfVolumes, ProgressReporte
 bool showModel(const RunParts& run) {
     QtCortivoDoc& document = run.document;
     if (!computeContrastMaps(document.wholeRunModel, document.mask, document.contrasts,
-                             document.maps))
+                             document.maps, run.workers))
         return false;
     document.updateOverlayColors();
     computeClusterSizes(document.maps, run.requests.thresholds,
-                        document.contrasts.ConjunctionAnalysis);
+                        document.contrasts.ConjunctionAnalysis, run.workers);
     run.report.mapsPresent = document.maps.NrOfActiveContrasts > 0;
     return true;
 }

@@ -160,10 +160,10 @@ void VolumeLoop::showBackground(bool afterPreprocessing) {
         return;
     const FMRProject& project = document_.project;
     if (run_.requests.overlayVolumeMode != 0) {
-        document_.slices.updateSlicePixmaps(project.volumes[size_t(volumeIndex_)]);
+        document_.slices.updateSlicePixmaps(project.volumes[size_t(volumeIndex_)], run_.workers);
         backgroundChanged_ = true;
     } else if (run_.requests.overlayReset) {
-        document_.slices.updateSlicePixmaps(project.firstVolume.span());
+        document_.slices.updateSlicePixmaps(project.firstVolume.span(), run_.workers);
         run_.requests.overlayReset = false;
         backgroundChanged_ = true;
     }
@@ -195,7 +195,7 @@ void VolumeLoop::updateModel() {
     // Without a mask there is no model; the volumes are measured, shown and saved all the same.
     if (volumeIndex_ == 0)
         (void)createBrainMask(document_.mask, document_.project, brainMaskThreshold);
-    if (updateGLM(document_.glmRun(), volumeIndex_))
+    if (updateGLM(document_.glmRun(), volumeIndex_, run_.workers))
         document_.updateOverlayColors();
 }
 
@@ -219,7 +219,7 @@ void VolumeLoop::showMaps() {
     const bool modelled = volumeIndex_ >= document_.glm.GLMStartVolume;
     if (modelled) {
         computeClusterSizes(document_.maps, run_.requests.thresholds,
-                            document_.contrasts.ConjunctionAnalysis);
+                            document_.contrasts.ConjunctionAnalysis, run_.workers);
         run_.report.mapsPresent = true;
     }
     if (modelled || backgroundChanged_ || run_.requests.pluginMaps.shown)

@@ -9,7 +9,7 @@ void correctMotion(const RunParts& run, int volumeIndex) {
     QtCortivoDoc& document = run.document;
     if (volumeIndex > 0) {
         document.motion.correctVolumeMotion(document.project, volumeIndex,
-                                            run.report.motionCorrectionFailed);
+                                            run.report.motionCorrectionFailed, run.workers);
         run.report.volumesWithoutMotion = int(document.motion.volumesNotFound.size());
     } else if (!run.settings.IntraSessionMotionCorrection) {
         document.motion.setMotionTarget(document.project);
@@ -21,7 +21,7 @@ void correctMotion(const RunParts& run, int volumeIndex) {
 void smooth(const RunParts& run, int volumeIndex) {
     FMRProject& project = run.document.project;
     const float fwhm = run.settings.SpatialSmoothingFWHM;
-    if (fwhm > 0.0f && run.document.smoothing.smoothVolume(project, volumeIndex, fwhm))
+    if (fwhm > 0.0f && run.document.smoothing.smoothVolume(project, volumeIndex, fwhm, run.workers))
         return;
     if (volumeIndex == 0 && !SpatialSmoothing::isPossible(voxelWidths(project, double(fwhm))))
         showModelessWarning(

@@ -33,8 +33,8 @@ RunSession::~RunSession() = default;
 
 RunParts RunSession::parts() {
     return {
-        settings,  phase,    report, requests,   intake, *functionalDocument, *anatomicalDocument,
-        listeners, display_, pump_,  targetLock_};
+        settings,  phase,    report, requests,    intake, *functionalDocument, *anatomicalDocument,
+        listeners, display_, pump_,  targetLock_, workers};
 }
 
 bool RunSession::inPhase(Phase first, const std::function<bool()>& work) {
@@ -129,6 +129,7 @@ bool RunSession::analyseRuns() {
     if (done) {
         keepChosenROISlices();
         multiRun.takeSettings();
+        parts().setUpWorkers();
         done = analyseMultiRun(parts(), multiRun.project(), analysis) == MultiRunEnd::Done;
     }
     // One that was aborted doesn't start again by itself.

@@ -5,6 +5,7 @@
 #include "base/event_pump.h"
 #include "base/folder_lock.h"
 #include "base/messages.h"
+#include "base/worker_pool.h"
 #include "intake/intake_context.h"
 #include "run/document/operator_requests.h"
 #include "run/document/qt_cortivo_doc.h"
@@ -132,6 +133,8 @@ public:
     [[nodiscard]] RunButtonState runButton() const { return runButton_; }
 
     RunSettings settings;
+    /// Share the loops over voxels; as many as the settings of the run in memory ask for.
+    WorkerPool workers;
     SessionPhase phase;
     RunReport report;
     OperatorRequests requests;

@@ -17,7 +17,7 @@ void RunSession::noteChange() {
 void RunSession::mapsChanged() {
     if (phase.isIdle())
         computeClusterSizes(functionalDocument->maps, requests.thresholds,
-                            functionalDocument->contrasts.ConjunctionAnalysis);
+                            functionalDocument->contrasts.ConjunctionAnalysis, workers);
     else
         clustersOutdated_ = true;
     report.mapsPresent = true;
@@ -133,7 +133,8 @@ void RunSession::changeMultiSliceROISelection(int slices) {
 void RunSession::resetBackground() {
     if (!requests.overlayReset)
         return;
-    functionalDocument->slices.updateSlicePixmaps(functionalDocument->project.firstVolume.span());
+    functionalDocument->slices.updateSlicePixmaps(functionalDocument->project.firstVolume.span(),
+                                                  workers);
     requests.overlayReset = false;
 }
 

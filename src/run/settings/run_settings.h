@@ -110,6 +110,7 @@ struct RunSettings {
     QString SRFFileRH;
     QString FeedbackTargetFolder;
     int MotionCorrectionMethod = 0; ///< a MotionMethod
+    int NrOfThreads = 0;            ///< for the work on a volume; 0: one for each core
 
     // Derived
     QString settingsFilePath;

@@ -59,6 +59,7 @@ using enum ValueKind;
 constexpr double maximumMatrix = 4096;
 constexpr double maximumMosaic = 16384;
 constexpr double maximumVolumes = 1000000;
+constexpr double maximumThreads = 1024;
 constexpr double hourMilliseconds = 3600000;
 
 bool typeIsOneOf(const RunSettings& settings, std::initializer_list<const char*> types) {
@@ -314,6 +315,9 @@ void addMeshesAndFeedback(Table& t) {
                        .then(FieldEffect::FeedbackFolder));
     add(singleRun, Entry(Integer, "MotionCorrectionMethod:", &S::MotionCorrectionMethod)
                        .within(0, 2)
+                       .present(Presence::Extension));
+    add(singleRun, Entry(Integer, "NrOfThreads:", &S::NrOfThreads)
+                       .within(0, maximumThreads)
                        .present(Presence::Extension));
 }
 

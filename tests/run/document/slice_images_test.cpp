@@ -51,6 +51,20 @@ TEST(SliceImages, KeepTheOrderOfTheSamplesAndRefuseWhatDoesNotFit) {
     EXPECT_TRUE(slices.SlicePixmaps.empty());
 }
 
+TEST(SliceImages, ThreadsShareThem) {
+    std::vector<int16_t> samples(31 * 29 * 11);
+    std::iota(samples.begin(), samples.end(), int16_t(0));
+    SliceImages alone;
+    alone.createSlicePixmaps(samples, {31, 29, 11});
+    for (const int threads : {2, 3, 5}) {
+        WorkerPool workers(threads);
+        SliceImages shared;
+        shared.createSlicePixmaps(std::vector<int16_t>(samples.size()), {31, 29, 11});
+        shared.updateSlicePixmaps(samples, workers);
+        EXPECT_TRUE(shared.SlicePixmaps == alone.SlicePixmaps) << threads << " threads";
+    }
+}
+
 TEST(SliceImages, InplanesHaveADisplayWindowOfTheirOwn) {
     SliceImages slices;
     std::vector<int16_t> samples(2 * 3 * 4, int16_t(7));

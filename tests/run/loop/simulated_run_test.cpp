@@ -15,7 +15,44 @@ double fractionAbove3(std::span<const float> map, const std::vector<uint8_t>& wa
     return all == 0 ? -1.0 : double(above) / double(all);
 }
 
+/// All files of the results, by name.
+QMap<QString, QByteArray> resultsOf(const SimulatedSession& run) {
+    QMap<QString, QByteArray> files;
+    const QDir folder(run.folder.filePath("results"));
+    for (const QString& name : folder.entryList(QDir::Files))
+        files[name] = contentOf(folder.filePath(name));
+    return files;
+}
+
 } // namespace
+
+TEST(SimulatedRun, ThreadsThatShareTheWorkWriteTheSameFiles) {
+    SimulationOptions options;
+    options.sizeX = options.sizeY = 40;
+    options.nrOfSlices = 9;
+    options.nrOfVolumes = 42;
+    options.motion = HeadMotion::Drift;
+    options.smoothingWidth = 6;
+    SimulatedSession run{options};
+    run.writeAll();
+    QMap<QString, QByteArray> alone;
+    for (const int threads : {1, 4}) {
+        // More than the cores, which the settings would not give.
+        ProbeListener probe(run.session.listeners, ListenerPlace::Dialogs);
+        probe.onBeforeVolume = [&](int) {
+            run.session.workers.setNrOfThreads(threads);
+            return true;
+        };
+        run.run();
+        const QMap<QString, QByteArray> files = resultsOf(run);
+        if (alone.isEmpty())
+            alone = files;
+        ASSERT_GE(files.size(), 10);
+        ASSERT_EQ(files.keys(), alone.keys());
+        for (const QString& name : files.keys())
+            EXPECT_TRUE(files[name] == alone[name]) << name.toStdString();
+    }
+}
 
 TEST(SimulatedRun, ActiveRegionsAreFoundAndOthersAreNot) {
     SimulatedSession run{SimulationOptions()};

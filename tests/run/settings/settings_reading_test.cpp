@@ -48,12 +48,18 @@ TEST_F(SettingsFile, TakesValuesInTheirForms) {
 
 TEST_F(SettingsFile, WhatStandsBehindTheLastKeyIsLeftAloneButForItsOwn) {
     const QString text = geText().trimmed();
-    for (const auto& [end, method] : {std::pair{"", 0},
-                                      {"\nNotes: of the operator", 0},
-                                      {"\nMotionCorrectionMethod: 1\n", 1}}) {
+    const std::tuple<const char*, int, int> cases[] = {
+        {"", 0, 0},
+        {"\nNotes: of the operator", 0, 0},
+        {"\nMotionCorrectionMethod: 1\n", 1, 0},
+        {"\nNrOfThreads: 3 Notes: of the operator", 0, 3},
+        {"\nMotionCorrectionMethod: 1\nNrOfThreads: 3\n", 1, 3}};
+    for (const auto& [end, method, threads] : cases) {
         settings.MotionCorrectionMethod = 2; // of an earlier file
+        settings.NrOfThreads = 2;
         ASSERT_TRUE(readText(text + end, SettingsUse::Inspection)) << end;
         EXPECT_EQ(settings.MotionCorrectionMethod, method) << end;
+        EXPECT_EQ(settings.NrOfThreads, threads) << end;
     }
 }
 

@@ -25,6 +25,8 @@ TEST_F(SettingsFile, RefusesValuesThatNoRunCanWorkWith) {
          "but found \"Protocol:\".*"},
         {"./fb\"", "./fb\" MotionCorrectionMethod: 3",
          QString(problem).replace("(0)", "(3)").arg("MotionCorrectionMethod", "entry")},
+        {"./fb\"", "./fb\" NrOfThreads: -1",
+         QString(problem).replace("(0)", "(-1)").arg("NrOfThreads", "entry")},
         {"NrOfVolumes: 50", "NrOfVolumes: 0", problem.arg("NrOfVolumes", "entry"), false},
         {"./out", "./run-1.vco/out",
          "ERROR: Target folder  \"" + dir() +
