@@ -39,6 +39,10 @@ void MotionCorrection::setMotionTarget(const FMRProject& project) {
 }
 
 bool MotionCorrection::prepare(const FMRProject& project) {
+    return prepared_ = allocateFor(project);
+}
+
+bool MotionCorrection::allocateFor(const FMRProject& project) {
     grid_ = VolumeGrid(project);
     if (motionTarget.size() != grid_.samples() || motionTarget.empty())
         return false;
@@ -64,8 +68,8 @@ bool MotionCorrection::prepareMethod() {
 
 // Motion seldom continues: part of the last estimate is a better start than all or none of it.
 MotionParameters MotionCorrection::startValues(int v) const {
-    MotionParameters start;
-    for (size_t i = 0; i < nrOfMotionParameters; ++i)
+    MotionParameters start{};
+    for (size_t i = 0; v > 0 && i < nrOfMotionParameters; ++i)
         start[i] = double(0.9f * motionParameters[i][size_t(v) - 1]);
     return start;
 }
@@ -95,11 +99,17 @@ void MotionCorrection::resample(std::span<const int16_t> volume,
 void MotionCorrection::correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed,
                                            WorkerPool& workers) {
     if (v == 1)
-        prepared_ = prepare(project);
-    if (!prepared_ || v < 1 || size_t(v) >= motionParameters[0].size() ||
+        (void)prepare(project);
+    if (v >= 1)
+        (void)correct(project, v, motionCorrectionFailed, workers);
+}
+
+bool MotionCorrection::correct(FMRProject& project, int v, bool& motionCorrectionFailed,
+                               WorkerPool& workers) {
+    if (!prepared_ || v < 0 || size_t(v) >= motionParameters[0].size() ||
         size_t(v) >= project.volumes.size() || project.volumes.samplesOfEach() != grid_.samples() ||
         !log_.open(project, motionLogHead(method, grid_)))
-        return;
+        return false;
     // The volume itself is the source: it is replaced only when the result is complete.
     const std::span<int16_t> volume = project.volumes[size_t(v)];
     const MotionFit fit = findMotion(volume, v, motionCorrectionFailed, workers);
@@ -113,6 +123,7 @@ void MotionCorrection::correctVolumeMotion(FMRProject& project, int v, bool& mot
     workers.forSlabs(volume.size(), [&](size_t first, size_t end) {
         std::copy_n(motionResampled_.data() + first, end - first, volume.data() + first);
     });
+    return true;
 }
 
 bool loadIntraSessionTarget(const QString& path, const FMRProject& project,

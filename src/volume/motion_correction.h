@@ -21,6 +21,9 @@ public:
     /// Volumes whose motion was not found, in rising order: they have the parameters of the last
     /// one whose motion was. Only the methods of least squares tell.
     std::vector<int> volumesNotFound;
+    /// The motion was found after the run: every volume, the first one included, is aligned to one
+    /// of its own.
+    bool foundAfterRun = false;
 
     /// Zeroed arrays of this length. False, with all of them empty, when memory runs out.
     [[nodiscard]] bool allocateMotionParameters(int nrOfVolumes);
@@ -42,11 +45,22 @@ public:
     void correctVolumeMotion(FMRProject& project, int v, bool& motionCorrectionFailed,
                              WorkerPool& workers = callersThread());
 
+    /// The steps of correctVolumeMotion(), for whoever has all volumes at hand and chooses which
+    /// of them is the target. prepare() is false when memory runs out, after a modeless box;
+    /// correct() takes any volume from 0 on, fits it from the motion of the one before, and is
+    /// false where the volume stays as it is.
+    [[nodiscard]] bool prepare(const FMRProject& project);
+    [[nodiscard]] bool correct(FMRProject& project, int v, bool& motionCorrectionFailed,
+                               WorkerPool& workers);
+    /// To be called first, where the log is saved with the result instead of volume by volume.
+    void keepLog() { log_.keepText(); }
+    [[nodiscard]] const QByteArray& keptLog() const { return log_.text(); }
+
     /// At the end of a run. The parameters stay.
     void releaseTarget() { motionTarget.release(); }
 
 private:
-    [[nodiscard]] bool prepare(const FMRProject& project);
+    [[nodiscard]] bool allocateFor(const FMRProject& project);
     [[nodiscard]] bool prepareMethod();
     [[nodiscard]] MotionParameters startValues(int v) const;
     /// The motion of volume `v`; notes it when there is none to be found.

@@ -47,6 +47,11 @@ QByteArray motionLogLine(int volume, const MotionFit& fit, bool found) {
 }
 
 bool MotionLog::open(const FMRProject& project, const QByteArray& head) {
+    if (keepsText_) {
+        if (text_.isEmpty())
+            text_ = head;
+        return true;
+    }
     file_.setFileName(motionLogFileName(project));
     const QIODevice::OpenMode mode = started_ ? QIODevice::Append : QIODevice::Truncate;
     const auto open = [&] { return file_.open(QIODevice::WriteOnly | mode); };
@@ -63,6 +68,10 @@ bool MotionLog::open(const FMRProject& project, const QByteArray& head) {
 }
 
 void MotionLog::add(const QByteArray& line) {
+    if (keepsText_) {
+        text_ += line;
+        return;
+    }
     const bool written = file_.write(line) == line.size() && file_.flush();
     file_.close();
     if (written)

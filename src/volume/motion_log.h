@@ -27,10 +27,16 @@ public:
     /// Adds a record and closes the file, so that nothing is lost when the program ends.
     void add(const QByteArray& line);
 
+    /// From the first record on nothing is written: the text is kept for whoever saves it.
+    void keepText() { keepsText_ = true; }
+    [[nodiscard]] const QByteArray& text() const { return text_; }
+
 private:
     void warn();
 
     QFile file_;
+    QByteArray text_;
+    bool keepsText_ = false;
     bool started_ = false; ///< the head is written
     bool warned_ = false;
 };

@@ -2,6 +2,7 @@
 #include "volume/postprocessing_choices.h"
 
 #include "volume/high_pass.h"
+#include "volume/run_motion.h"
 #include "volume/run_smoothing.h"
 #include "volume/slice_timing.h"
 
@@ -24,7 +25,8 @@ UnfinishedChoice findUnfinishedChoice(const PostprocessingOptions& options) {
     const TemporalOptions& temporal = options.temporal;
     const bool filters =
         temporal.checked && (temporal.linearTrendRemoval || temporal.highPass || temporal.gaussian);
-    if (!options.sliceScanTime.checked && !options.spatial.checked && !filters)
+    if (!options.sliceScanTime.checked && !options.motion.checked && !options.spatial.checked &&
+        !filters)
         return {PostprocessingChoice::SliceScanTime,
                 "Nothing is chosen yet: check a group, and in the last one a filter."};
     if (options.spatial.checked && std::isnan(options.spatial.fwhm))
@@ -44,6 +46,8 @@ PostprocessingChoice findImpossibleStep(const FMRHeader& header, int nrOfVolumes
     const TemporalOptions& temporal = options.temporal;
     if (options.sliceScanTime.checked && !sliceTimesAreValid(header, options.sliceScanTime))
         return PostprocessingChoice::SliceScanTime;
+    if (options.motion.checked && !runMotionIsPossible(nrOfVolumes, options.motion))
+        return PostprocessingChoice::MotionTarget;
     if (options.spatial.checked && !runSmoothingIsPossible(header, options.spatial))
         return PostprocessingChoice::SpatialWidth;
     if (temporal.checked && temporal.highPass &&

@@ -21,6 +21,7 @@ struct OpenChoices {
 enum class PostprocessingChoice {
     None,
     SliceScanTime,
+    MotionTarget,
     SpatialWidth,
     HighPassCycles,
     TemporalWidth

@@ -27,6 +27,15 @@ QString sliceScanTimeMark(const SliceScanTimeOptions& options) {
     return mark;
 }
 
+QString motionMark(const RunMotionOptions& options) {
+    QString mark = "_3DMC";
+    if (options.method == MotionMethod::LeastSquares)
+        mark += "LS";
+    if (options.method == MotionMethod::LeastSquaresTrilinear)
+        mark += "LST";
+    return options.targetVolume == 0 ? mark : mark + formatted("V%i", options.targetVolume + 1);
+}
+
 QString spatialMark(const SpatialSmoothingOptions& options) {
     const QString mark =
         QString(options.inSpaceDomain ? "_SD" : "_FD") + (options.in2D ? "2D" : "3D");
@@ -50,11 +59,14 @@ QString temporalMark(const TemporalOptions& options) {
 
 PostprocessedNames makePostprocessedNames(const QString& fmrName, const QString& prefix,
                                           const PostprocessingOptions& options) {
-    if (!options.sliceScanTime.checked && !options.spatial.checked && !options.temporal.checked)
+    if (!options.sliceScanTime.checked && !options.motion.checked && !options.spatial.checked &&
+        !options.temporal.checked)
         return {fmrName, prefixOfFiles(prefix)};
     QString marks;
     if (options.sliceScanTime.checked)
         marks += sliceScanTimeMark(options.sliceScanTime);
+    if (options.motion.checked)
+        marks += motionMark(options.motion);
     if (options.spatial.checked)
         marks += spatialMark(options.spatial);
     if (options.temporal.checked)

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "volume/motion_method.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -19,6 +21,13 @@ struct SliceScanTimeOptions {
     /// Use the headers' time of each slice (FMRHeader::sliceTimes) instead of direction and
     /// pattern.
     bool measuredTimes = false;
+};
+
+/// Motion correction of all volumes.
+struct RunMotionOptions {
+    bool checked = false;
+    MotionMethod method = MotionMethod::Standard;
+    int targetVolume = 0; ///< the others are aligned to it; from 0
 };
 
 /// Gaussian smoothing of all volumes.
@@ -50,6 +59,7 @@ struct TemporalOptions {
 
 struct PostprocessingOptions {
     SliceScanTimeOptions sliceScanTime;
+    RunMotionOptions motion;
     SpatialSmoothingOptions spatial;
     TemporalOptions temporal;
 };

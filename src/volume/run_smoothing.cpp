@@ -20,10 +20,11 @@ VoxelWidths widthsOf(const FMRHeader& header, const SpatialSmoothingOptions& opt
 }
 
 bool smoothInSpace(FMRProject& project, int nrOfVolumes, const VoxelWidths& widths,
-                   const StepProgress& progress) {
+                   const StepProgress& progress, WorkerPool& workers) {
     SpatialSmoothing smoothing;
     for (int v = 0; v < nrOfVolumes; ++v)
-        if (!smoothing.smoothVolume(project, v, widths) || !progress.advance(v + 1, nrOfVolumes))
+        if (!smoothing.smoothVolume(project, v, widths, workers) ||
+            !progress.advance(v + 1, nrOfVolumes))
             return false;
     return true;
 }
@@ -90,12 +91,12 @@ bool runSmoothingIsPossible(const FMRHeader& header, const SpatialSmoothingOptio
 }
 
 bool smoothRun(FMRProject& project, int nrOfVolumes, const SpatialSmoothingOptions& options,
-               const StepProgress& progress) {
+               const StepProgress& progress, WorkerPool& workers) {
     if (!runSmoothingIsPossible(project, options))
         return false;
     const int volumes = nrOfCompleteVolumes(project, nrOfVolumes);
     const VoxelWidths widths = widthsOf(project, options);
-    return options.inSpaceDomain ? smoothInSpace(project, volumes, widths, progress)
+    return options.inSpaceDomain ? smoothInSpace(project, volumes, widths, progress, workers)
                                  : smoothInFrequency(project, volumes, widths, progress);
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/progress.h"
+#include "base/worker_pool.h"
 #include "volume/fmr_project.h"
 #include "volume/postprocessing_options.h"
 
@@ -15,7 +16,8 @@
 /// frequency_smoothing.h. In 2-D each slice is smoothed on its own. False after a message, or when
 /// cancelled, with part of the volumes smoothed.
 [[nodiscard]] bool smoothRun(FMRProject& project, int nrOfVolumes,
-                             const SpatialSmoothingOptions& options, const StepProgress& progress);
+                             const SpatialSmoothingOptions& options, const StepProgress& progress,
+                             WorkerPool& workers = callersThread());
 
 /// The full width at half maximum in volumes: data points unchanged, seconds divided by TR. 0 if
 /// that is not a positive number.

@@ -38,6 +38,7 @@ protected:
     ScriptedMessages messages;
     RecordedProgress progress;
     VolumeBackup backup;
+    MotionCorrection motion;
 
 private:
     QString oldFolder_;
@@ -47,7 +48,11 @@ private:
 
 TEST(PostprocessingNames, RecordEveryChoice) {
     const std::pair<QString, PostprocessingOptions> cases[] = {
-        {"_SCLM", {{true, true, false, true, false, false, false, true}, {}, {}}},
+        {"_SCLM", {{true, true, false, true, false, false, false, true}, {}, {}, {}}},
+        {"_3DMC", {{}, {true}, {}, {}}},
+        {"_SCCA_3DMCLSV12_SD3DSS4.00mm",
+         {{true}, {true, MotionMethod::LeastSquares, 11}, {true}, {}}},
+        {"_3DMCLST", {{}, {true, MotionMethod::LeastSquaresTrilinear}, {}, {}}},
         {"_SCCA_SD3DSS4.00mm_THPGLMF2c_TDTS 4.0s", allSteps()},
     };
     for (const auto& [marks, options] : cases) {
@@ -61,7 +66,8 @@ TEST(PostprocessingNames, RecordEveryChoice) {
 TEST_F(Postprocessing, RunsTheCheckedStepsInOrderOnTheMeasuredVolumes) {
     const PostprocessingOptions options = allSteps();
     FMRProject run = makeRun();
-    EXPECT_EQ(postprocessRun(run, 16, options, backup, progress), PostprocessingResult::Done);
+    EXPECT_EQ(postprocessRun(run, 16, options, backup, motion, progress),
+              PostprocessingResult::Done);
     EXPECT_TRUE(std::ranges::is_sorted(progress.values));
     EXPECT_EQ(progress.values.back(), 100);
 
@@ -79,12 +85,12 @@ TEST_F(Postprocessing, LeavesTheRunWhenItIsCancelledOrCanNotBeDone) {
     FMRProject run = makeRun();
     const std::vector<int16_t> before = samplesOf(run);
     progress.cancelAt = 40;
-    EXPECT_EQ(postprocessRun(run, 20, allSteps(), backup, progress),
+    EXPECT_EQ(postprocessRun(run, 20, allSteps(), backup, motion, progress),
               PostprocessingResult::Cancelled);
     EXPECT_EQ(samplesOf(run), before);
     progress = {};
     PostprocessingOptions options;
-    EXPECT_EQ(postprocessRun(run, 20, options, backup, progress),
+    EXPECT_EQ(postprocessRun(run, 20, options, backup, motion, progress),
               PostprocessingResult::NothingToDo);
 
     // The last step can't be done, so the first is not begun.
@@ -96,7 +102,8 @@ TEST_F(Postprocessing, LeavesTheRunWhenItIsCancelledOrCanNotBeDone) {
                                      "least 22 volumes, and the run has 20!"
                                    : "ERROR: The number of sines/cosines of the high-pass filter "
                                      "must be between 0 and 100!");
-        EXPECT_EQ(postprocessRun(run, 20, options, backup, progress), PostprocessingResult::Failed);
+        EXPECT_EQ(postprocessRun(run, 20, options, backup, motion, progress),
+                  PostprocessingResult::Failed);
     }
     EXPECT_EQ(samplesOf(run), before);
     EXPECT_TRUE(progress.values.empty());

@@ -40,7 +40,8 @@
 /// the files can't be written the operator is asked, and they are written again as often as the
 /// answer is Yes. False when nothing was done or not all of it: cancelled, or after a message.
 /// While the data are not written the samples are restored; after that a cancellation keeps the
-/// maps.
+/// maps. The motion that was corrected takes the place of the document's, and its parameters and
+/// log are written with the data.
 [[nodiscard]] bool postprocessRunInMemory(const RunParts& run, int nrOfMeasuredVolumes,
                                           const PostprocessingOptions& options,
                                           bool recomputeStatistics, ProgressReporter& progress);

@@ -78,6 +78,10 @@ void RunListeners::runPrepared(QtCortivoDoc& functional) {
     callEach([&](RunListener& listener) { return listener.runPrepared(functional), true; });
 }
 
+void RunListeners::samplesChanged() {
+    callEach([](RunListener& listener) { return listener.samplesChanged(), true; });
+}
+
 void RunListeners::settingsFileChanged() {
     callEach([](RunListener& listener) { return listener.settingsFileChanged(), true; });
 }

@@ -69,6 +69,9 @@ public:
     virtual void documentsArrived(QtCortivoDoc& functional) { static_cast<void>(functional); }
     /// The run is prepared, or has been reloaded: its sizes, names and contrasts are known.
     virtual void runPrepared(QtCortivoDoc& functional) { static_cast<void>(functional); }
+    /// Post-processing has changed the samples in memory, or given them back, and with them perhaps
+    /// their motion. Its phase is not over yet.
+    virtual void samplesChanged() {}
     /// The operator turned to another settings file: what belongs to the run in memory closes.
     virtual void settingsFileChanged() {}
 
@@ -147,6 +150,7 @@ public:
     void documentsLeaving();
     void documentsArrived(QtCortivoDoc& functional);
     void runPrepared(QtCortivoDoc& functional);
+    void samplesChanged();
     void settingsFileChanged();
     void regionsChanged(QtCortivoDoc& functional);
     void regionsLoaded(QtCortivoDoc& functional);

@@ -52,8 +52,8 @@ QString pluginPart(const RunReport& report) {
 }
 
 // Nothing as long as the motion of every volume was found.
-QString motionPart(const RunReport& report) {
-    const int count = report.volumesWithoutMotion;
+QString motionPart(int volumesWithoutMotion) {
+    const int count = volumesWithoutMotion;
     return count == 0
                ? QString()
                : "<br>" + bold(QStringLiteral("The motion of %1 was not found")
@@ -102,7 +102,7 @@ QString volumeStatusText(const RunReport& report, const OperatorRequests& reques
                .arg(report.times.fullVolTime)
                .arg(report.times.volWaitTime)
                .arg(requests.startOffsetSeconds) +
-           overlayPart(requests) + motionPart(report) + pluginPart(report) +
+           overlayPart(requests) + motionPart(report.volumesWithoutMotion) + pluginPart(report) +
            (last ? "<br> Ready.<br></body>" : "</body>");
 }
 
@@ -150,9 +150,10 @@ QString withPluginEnded(QString panelText, const QString& pluginName, int fontSi
            pluginEndedText(fontSize, pluginName).remove(bodyStart(fontSize));
 }
 
-QString postprocessedText(int fontSize, const QString& projectName) {
+QString postprocessedText(int fontSize, const QString& projectName, int volumesWithoutMotion) {
     return bodyStart(fontSize) + " Post-processed data saved as \"" +
-           bold(projectName.toHtmlEscaped()) + "\".<br><br> Ready.<br></body>";
+           bold(projectName.toHtmlEscaped()) + "\"." + motionPart(volumesWithoutMotion) +
+           "<br><br> Ready.<br></body>";
 }
 
 QString exportedText(int fontSize, const QString& fileName) {

@@ -40,8 +40,10 @@ struct WholeRunModel;
 [[nodiscard]] QString pluginEndedText(int fontSize, const QString& pluginName);
 [[nodiscard]] QString withPluginEnded(QString panelText, const QString& pluginName, int fontSize);
 
-/// After post-processing: where the result lies.
-[[nodiscard]] QString postprocessedText(int fontSize, const QString& projectName);
+/// After post-processing: where the result lies, and how many volumes a motion correction did not
+/// find.
+[[nodiscard]] QString postprocessedText(int fontSize, const QString& projectName,
+                                        int volumesWithoutMotion);
 /// After an export: the file with the volumes.
 [[nodiscard]] QString exportedText(int fontSize, const QString& fileName);
 

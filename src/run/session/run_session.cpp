@@ -252,12 +252,15 @@ bool RunSession::postprocess(const PostprocessingOptions& options, bool recomput
                const bool done =
                    postprocessRunInMemory(parts(), volumes, options, recomputeStatistics, progress);
                regions.samplesChanged();
+               listeners.samplesChanged();
                if (!done)
                    return false;
                const FMRProject& project = functionalDocument->project;
                const QString name = paths::fileName(
                    makePostprocessedNames(project.projectPath, project.Prefix, options).fmrName);
-               report.outcomeText = postprocessedText(requests.logFontSize, name);
+               report.outcomeText =
+                   postprocessedText(requests.logFontSize, name,
+                                     options.motion.checked ? report.volumesWithoutMotion : 0);
                display_.showLogText(report.outcomeText);
                return true;
            });

@@ -68,9 +68,10 @@ void MotionPlotDlg::layOut() {
 void MotionPlotDlg::takeVolumes() {
     const QtCortivoDoc* document = session_.functionalDocument.get();
     volumes_ = document ? plottedVolumes(session_.report, *document).measured : 0;
-    corrected_ = session_.settings.MotionCorrection;
+    const bool correctedLater = document && document->motion.foundAfterRun;
+    corrected_ = session_.settings.MotionCorrection || correctedLater;
     // The first volume is not aligned to a target of another run, so its parameters say nothing.
-    firstDisplaced_ = session_.settings.IntraSessionMotionCorrection ? 2 : 1;
+    firstDisplaced_ = session_.settings.IntraSessionMotionCorrection && !correctedLater ? 2 : 1;
     if (isVisible())
         refresh();
 }
@@ -94,6 +95,13 @@ bool MotionPlotDlg::atStep(VolumeStep step, const VolumeAtHand&) {
 
 void MotionPlotDlg::loopEnded(QtCortivoDoc&) {
     takeVolumes();
+}
+
+void MotionPlotDlg::samplesChanged() {
+    dvars_.clear();
+    takeVolumes();
+    if (isVisible())
+        rest_.start(0); // DVARS when the phase is over
 }
 
 void MotionPlotDlg::showEvent(QShowEvent* event) {

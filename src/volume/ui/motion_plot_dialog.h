@@ -26,6 +26,7 @@ public:
     void runPrepared(QtCortivoDoc& functional) override;
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
     void loopEnded(QtCortivoDoc& document) override;
+    void samplesChanged() override;
 
     /// Draws what is known now. In an idle session DVARS are computed anew, since post-processing
     /// may have changed the volumes; during a run there may be no time for it, and no need.

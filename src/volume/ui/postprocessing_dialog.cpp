@@ -29,6 +29,8 @@ PostprocessingDlg::PostprocessingDlg(const FMRProject& project, int nrOfMeasured
                             runSizeText(header_, nrOfVolumes_));
     // Room for the longest text, so that nothing moves while the operator chooses.
     ui_->m_ResultInfo->setMinimumHeight(resultLines * fontMetrics().lineSpacing());
+    ui_->m_MotionCorrection->setEnabled(nrOfVolumes_ > 1);
+    ui_->m_MotionTarget->setMaximum(std::max(nrOfVolumes_, 1));
     setOptions(defaultPostprocessingOptions(header_.NrOfSlices));
     for (QAbstractButton* button : findChildren<QAbstractButton*>())
         connect(button, &QAbstractButton::toggled, this, &PostprocessingDlg::onChanged);
@@ -36,6 +38,9 @@ PostprocessingDlg::PostprocessingDlg(const FMRProject& project, int nrOfMeasured
         connect(group, &QGroupBox::toggled, this, &PostprocessingDlg::onChanged);
     for (QLineEdit* field : findChildren<QLineEdit*>())
         connect(field, &QLineEdit::textChanged, this, &PostprocessingDlg::onChanged);
+    connect(ui_->m_MotionMethod, &QComboBox::currentIndexChanged, this,
+            &PostprocessingDlg::onChanged);
+    connect(ui_->m_MotionTarget, &QSpinBox::valueChanged, this, &PostprocessingDlg::onChanged);
     setUpEditing();
     onChanged();
     ui_->m_SliceScanTimeCorrection->setFocus();
@@ -63,6 +68,11 @@ void PostprocessingDlg::setOptions(const PostprocessingOptions& options) {
      : times.cubicSplineInterpolation ? ui_->m_CubicSplineInterpolation
                                       : ui_->m_LinearInterpolation)
         ->setChecked(true);
+
+    const RunMotionOptions& motion = options.motion;
+    ui_->m_MotionCorrection->setChecked(motion.checked);
+    ui_->m_MotionMethod->setCurrentIndex(int(motion.method));
+    ui_->m_MotionTarget->setValue(motion.targetVolume + 1);
 
     const SpatialSmoothingOptions& spatial = options.spatial;
     ui_->m_SpatialSmoothing->setChecked(spatial.checked);
@@ -97,6 +107,11 @@ PostprocessingOptions PostprocessingDlg::options() const {
     times.sincInterpolation = ui_->m_SincInterpolation->isChecked();
     times.cubicSplineInterpolation = ui_->m_CubicSplineInterpolation->isChecked();
     times = withAllowedPattern(times, header_.NrOfSlices);
+
+    // The entries are in the order of the methods.
+    options.motion = {ui_->m_MotionCorrection->isChecked(),
+                      MotionMethod(ui_->m_MotionMethod->currentIndex()),
+                      ui_->m_MotionTarget->value() - 1};
 
     options.spatial = {
         ui_->m_SpatialSmoothing->isChecked(), ui_->m_SpatialSmoothingInSpaceDomain->isChecked(),
@@ -155,6 +170,8 @@ QWidget* PostprocessingDlg::controlOf(PostprocessingChoice choice) const {
         break;
     case PostprocessingChoice::SliceScanTime:
         return ui_->m_SliceScanTimeCorrection;
+    case PostprocessingChoice::MotionTarget:
+        return ui_->m_MotionTarget;
     case PostprocessingChoice::SpatialWidth:
         return ui_->m_SpatialSmoothingFWHMValue;
     case PostprocessingChoice::HighPassCycles:

@@ -3,6 +3,7 @@
 #include "run/loop/session_fixture.h"
 
 #include "base/file_writing.h"
+#include "support/recorded_progress.h"
 #include "volume/fmr_file.h"
 #include "volume/head_volume.h"
 
@@ -23,6 +24,7 @@ protected:
         changes.insert("NrOfSlices:", changes.value("NrOfSlices:", "6"));
         writeSession(volumes, 2, changes);
     }
+    QtCortivoDoc& document() { return *session.functionalDocument; }
     FMRProject& project() { return session.functionalDocument->project; }
     [[nodiscard]] const MotionCorrection& motion() const {
         return session.functionalDocument->motion;
@@ -133,4 +135,80 @@ TEST_F(MotionSessionTest, RunsOfOneSessionShareATarget) {
     EXPECT_TRUE(isMeasured(0));
     EXPECT_FALSE(isMeasured(15));
     EXPECT_EQ(content("results/test_3DMC.log").count("-> volume:"), 15);
+}
+
+TEST_F(MotionSessionTest, CorrectedAfterTheRunItIsWhatItWouldHaveBeenLive) {
+    for (const int method : {0, 1, 2}) {
+        SCOPED_TRACE(method);
+        writeHeadSession(26, {{"MotionCorrection:", "1"}});
+        put("test-1.vco", "\nMotionCorrectionMethod: " + QByteArray::number(method),
+            QIODevice::Append);
+        session.runButtonPressed();
+        QMap<QString, QByteArray> live;
+        for (const char* extension : {".stc", "_3DMC.log", "_3DMC.rtc"})
+            live[extension] = content(QString("results/test") + extension);
+        const std::vector<float> liveMap(document().maps.map(0).begin(),
+                                         document().maps.map(0).end());
+
+        ASSERT_TRUE(QDir(path("results")).removeRecursively());
+        writeHeadSession(26, {{"MotionCorrection:", "0"}});
+        session.runButtonPressed();
+        const QByteArray measuredData = content("results/test.stc");
+        PostprocessingOptions options;
+        options.motion = {true, MotionMethod(method), 0};
+        for (const int percent : {20, 59, 65}) {
+            RecordedProgress reporter;
+            reporter.cancelAt = percent;
+            EXPECT_FALSE(session.postprocess(options, true, reporter));
+            EXPECT_TRUE(isMeasured(23));
+            EXPECT_TRUE(motion().motionParameters[0].empty());
+            EXPECT_EQ(QDir(path("results")).entryList({"*3DMC*"}, QDir::Files), QStringList());
+        }
+        RecordedProgress progress;
+        ASSERT_TRUE(session.postprocess(options, true, progress));
+        const QString name = QString("test_3DMC") + (method == 0 ? "" : method == 1 ? "LS" : "LST");
+        for (auto file = live.begin(); file != live.end(); ++file)
+            EXPECT_TRUE(content("results/" + name + file.key()) == file.value())
+                << file.key().toStdString();
+        EXPECT_EQ(content("results/test.stc"), measuredData);
+        EXPECT_TRUE(std::ranges::equal(document().maps.map(0), liveMap));
+        EXPECT_TRUE(motion().foundAfterRun);
+        const RigidTransformation last = motionOf(23);
+        EXPECT_GT(std::abs(last.tx), 0.5f); // of 1.15 mm
+
+        writeHeadSession(26, {{"MotionCorrection:", "1"}, {"ProjectName:", '"' + name + ".fmr\""}});
+        messages.expectCritical("ERROR: Can not find / open file: *");
+        ASSERT_TRUE(session.reloadData());
+        EXPECT_NEAR(motionOf(23).tx, last.tx, 1e-6f);
+    }
+}
+
+TEST_F(MotionSessionTest, ACorrectionThatIsNotOnDiskIsTakenBackAndOneThatIsTellsOfBadVolumes) {
+    const auto head = script.atVolume;
+    script.atVolume = [this, head](int v) {
+        head(v);
+        if (v == 9 || v == 12)
+            std::ranges::fill(project().volumes[size_t(v)], int16_t(0));
+    };
+    writeHeadSession(20, {{"MotionCorrection:", "1"}});
+    messages.acceptAnything(); // the standard method doesn't get over a blank volume
+    session.runButtonPressed();
+    const std::vector<float> live(motion().motionParameters[0].span().begin(),
+                                  motion().motionParameters[0].span().end());
+    PostprocessingOptions options;
+    options.motion = {true, MotionMethod::LeastSquares, 0};
+    RecordedProgress progress;
+    for (const char* inTheWay : {"results/test_3DMCLS_3DMC.rtc", "results/test_3DMCLS_3DMC.log"}) {
+        ASSERT_TRUE(QDir().mkpath(path(inTheWay)));
+        const qsizetype shown = messages.shown().size();
+        EXPECT_FALSE(session.postprocess(options, false, progress));
+        EXPECT_EQ(messages.shown().size(), shown + 2) << "what failed, and the question";
+        EXPECT_TRUE(std::ranges::equal(motion().motionParameters[0].span(), live));
+        EXPECT_FALSE(QFile::exists(path("results/test_3DMCLS.fmr")));
+        ASSERT_TRUE(QDir().rmdir(path(inTheWay)));
+    }
+    ASSERT_TRUE(session.postprocess(options, false, progress));
+    EXPECT_EQ(motion().volumesNotFound, (std::vector{9, 12}));
+    EXPECT_TRUE(display.logTexts.last().contains("The motion of 2 volumes was not found"));
+    EXPECT_EQ(content("results/test_3DMCLS_3DMC.log").count("not found"), 2);
 }

@@ -52,7 +52,7 @@ protected:
 
     // Runs on these files, under names that count up. TR and geometry of the settings are wrong.
     void record(const QStringList& files, const ExpectedMosaic& sizes, int skip,
-                bool motionCorrection = false) {
+                bool motionCorrection = false, int motionMethod = 0) {
         const int analysed = int(files.size()) - skip;
         const QString protocol = defaultProtocol().section("NrOfConditions", 0, 0) +
                                  QString("NrOfConditions: 2\n\nRest\n1\n1 %1\nColor: 9 9 9\n"
@@ -67,6 +67,8 @@ protected:
                       {"NrOfSlices:", QString::number(sizes.whole(4))},
                       {"MotionCorrection:", QString::number(motionCorrection)}},
                      protocol);
+        put("test-1.vco", "\nMotionCorrectionMethod: " + QByteArray::number(motionMethod),
+            QIODevice::Append);
         QDir(path("incoming")).removeRecursively();
         ASSERT_TRUE(QDir().mkpath(path("incoming")));
         for (int i = 0; i < files.size(); ++i)
@@ -171,6 +173,32 @@ TEST_F(RealSeriesTest, MotionIsThatOfAnIndependentEstimate) {
     const std::array<double, nrOfMotionParameters> bounds{0.015, 0.04, 0.035, 0.08, 0.05, 0.03};
     for (size_t i = 0; i < nrOfMotionParameters; ++i)
         EXPECT_LE(sum[i] / 56.0, bounds[i]) << "parameter " << i;
+}
+
+TEST_F(RealSeriesTest, CorrectedAfterTheRunItIsWhatItWouldHaveBeenLive) {
+    const QString folder = scannerDataFolder() + "/siemens_mosaic/run_60_volumes/";
+    SKIP_WITHOUT(folder);
+    QStringList files;
+    for (const QFileInfo& file : QDir(folder).entryInfoList({"*.dcm"}, QDir::Files, QDir::Name))
+        files << file.filePath();
+    for (const int method : {0, 1, 2}) {
+        const auto results = [this](const QString& name) {
+            return content("results/" + name + ".stc") + content("results/" + name + "_3DMC.log") +
+                   content("results/" + name + "_3DMC.rtc");
+        };
+        record(files, {{}, {}, {320, 320, 64, 64, 18}}, 4, true, method);
+        const QByteArray live = results("test");
+        record(files, {{}, {}, {320, 320, 64, 64, 18}}, 4, false);
+        PostprocessingOptions options;
+        options.motion = {true, MotionMethod(method), 0};
+        Reporter progress;
+        ASSERT_TRUE(session.postprocess(options, false, progress));
+        EXPECT_TRUE(results(method == 0   ? "test_3DMC"
+                            : method == 1 ? "test_3DMCLS"
+                                          : "test_3DMCLST") == live)
+            << method;
+        EXPECT_GT(live.size(), 56 * 18 * 64 * 64 * 2);
+    }
 }
 
 TEST_F(RealSeriesTest, CompressedAndEnhancedFilesAreRefusedByName) {

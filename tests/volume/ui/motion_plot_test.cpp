@@ -4,6 +4,7 @@
 
 #include "display/plots/plotter.h"
 #include "run/loop/session_fixture.h"
+#include "volume/head_volume.h"
 
 #include <QLabel>
 #include <QTest>
@@ -145,4 +146,30 @@ TEST_F(MotionPlot, AReloadedRunHasTheValuesThatTheLiveOneHad) {
     const std::vector<float> reloaded = course("DVARSPlot");
     ASSERT_EQ(reloaded.size(), 12U);
     EXPECT_TRUE(std::equal(live.begin() + 1, live.end(), reloaded.begin() + 1));
+}
+
+TEST_F(MotionPlot, ShowsAtOnceWhatPostProcessingCorrects) {
+    writeSession(14, 2,
+                 {{"MatrixSizeX:", "16"},
+                  {"MatrixSizeY:", "16"},
+                  {"MosaicResolutionX:", "48"},
+                  {"MosaicResolutionY:", "48"},
+                  {"NrOfSlices:", "6"}});
+    script.atVolume = [this](int v) {
+        FMRProject& project = document().project;
+        HeadVolume(VolumeGrid(project))
+            .fill({0.1f * float(v)}, 5.0, unsigned(v), project.volumes[size_t(v)]);
+    };
+    openMotionPlot(session, window);
+    session.runButtonPressed();
+    const float before = course("DVARSPlot").at(5);
+    PostprocessingOptions options;
+    options.motion.checked = true;
+    Reporter progress;
+    ASSERT_TRUE(session.postprocess(options, false, progress));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return course("DVARSPlot").size() == 12; }));
+    EXPECT_NE(course("DVARSPlot").at(5), before);
+    EXPECT_EQ(course("TranslationPlot").size(), 12U);
+    EXPECT_EQ(plot("TranslationPlot").note, "From the second volume on");
+    EXPECT_GT(course("DisplacementPlot").at(1), 0.0f);
 }

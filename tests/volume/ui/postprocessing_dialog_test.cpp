@@ -6,9 +6,11 @@
 #include "support/scripted_messages.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -18,14 +20,14 @@ class PostprocessingDialog : public testing::Test {
 protected:
     PostprocessingDialog() { open(25); }
 
-    void open(int nrOfSlices, const QString& name = "run") {
+    void open(int nrOfSlices, const QString& name = "run", int nrOfVolumes = 40) {
         FMRProject project;
         project.projectPath = folder_.filePath(name + ".fmr");
         project.targetFolder = folder_.path() + "/";
         project.Prefix = "slices-";
         project.NrOfSlices = nrOfSlices;
         project.pixelSizeX = project.pixelSizeY = project.sliceThickness = 3.0f;
-        dialog_ = std::make_unique<PostprocessingDlg>(project, 40, nullptr);
+        dialog_ = std::make_unique<PostprocessingDlg>(project, nrOfVolumes, nullptr);
         dialog_->open();
     }
     template<typename Widget> Widget& control(const char* name) {
@@ -50,8 +52,8 @@ protected:
 TEST_F(PostprocessingDialog, OkHandsOverWhatWasChosen) {
     QSignalSpy accepted(dialog_.get(), &QDialog::accepted);
     EXPECT_EQ(control<QLineEdit>("m_TemporalGaussianWidth").text(), "0.0015");
-    for (const char* group :
-         {"m_SliceScanTimeCorrection", "m_SpatialSmoothing", "m_TemporalFilters"})
+    for (const char* group : {"m_SliceScanTimeCorrection", "m_MotionCorrection",
+                              "m_SpatialSmoothing", "m_TemporalFilters"})
         check(group);
     for (const char* choice :
          {"m_DescendingOrder", "m_SequentialOrder", "m_SincInterpolation",
@@ -61,10 +63,12 @@ TEST_F(PostprocessingDialog, OkHandsOverWhatWasChosen) {
     enter("m_SpatialSmoothingFWHMValue", "1.5");
     enter("m_HighPassCycles", "3");
     enter("m_TemporalGaussianWidth", " 2.5 ");
+    QTest::keyClick(&control<QComboBox>("m_MotionMethod"), Qt::Key_Down);
+    enter("qt_spinbox_lineedit", "12");
     // Each choice has its mark in the names.
     EXPECT_EQ(label("m_ResultInfo").section('\n', 1),
-              "run_SCSD_FD2DSS1.50px_THPGLMF3c_TDTS 2.5dp.fmr\n"
-              "slices_SCSD_FD2DSS1.50px_THPGLMF3c_TDTS 2.5dp.stc");
+              "run_SCSD_3DMCLSV12_FD2DSS1.50px_THPGLMF3c_TDTS 2.5dp.fmr\n"
+              "slices_SCSD_3DMCLSV12_FD2DSS1.50px_THPGLMF3c_TDTS 2.5dp.stc");
     QTest::keyClick(&control<QLineEdit>("m_HighPassCycles"), Qt::Key_Return);
     EXPECT_EQ(accepted.size(), 1);
     EXPECT_FALSE(dialog_->recomputeStatistics());
@@ -128,6 +132,16 @@ TEST_F(PostprocessingDialog, OffersOnlyWhatMayBeChosen) {
                                      "m_TemporalGaussInSeconds", "m_TemporalGaussInDataPoints"})
                 EXPECT_EQ(control<QWidget>(name).isEnabled(), on) << name;
         }
+}
+
+TEST_F(PostprocessingDialog, TheTargetIsAVolumeOfTheRun) {
+    EXPECT_FALSE(control<QGroupBox>("m_MotionCorrection").isChecked());
+    check("m_MotionCorrection");
+    EXPECT_EQ(label("m_ResultInfo").section('\n', 1, 1), "run_3DMC.fmr");
+    control<QSpinBox>("m_MotionTarget").setValue(41);
+    EXPECT_EQ(dialog_->options().motion.targetVolume, 39);
+    open(25, "run", 1); // nothing to align
+    EXPECT_FALSE(control<QGroupBox>("m_MotionCorrection").isEnabled());
 }
 
 TEST_F(PostprocessingDialog, ARunMayBeginInAMessageAndDeleteIt) {
