@@ -219,7 +219,7 @@ void SplineVolume::filter() {
     const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
     float* start = lines_.data() + size_t(linesAtOnce) * rowStride_;
     for (int z = 0; z < nrOfSlices; ++z) {
-        for (int y = 0; y < sizeY; y += linesAtOnce) {
+        for (int y = 0; y < sizeY && !smoothed_[0]; y += linesAtOnce) {
             // Turned, so that the recursion along a row runs for many rows at once.
             const int count = std::min(linesAtOnce, sizeY - y);
             float* turned = lines_.data();
@@ -231,41 +231,52 @@ void SplineVolume::filter() {
                 for (int x = 0; x < sizeX; ++x)
                     coefficients_[offset(x, y + j, z)] = turned[x * linesAtOnce + j];
         }
-        filterLines(&coefficients_[offset(0, 0, z)], sizeY, rowStride_, size_t(sizeX), degree_,
-                    start);
+        if (!smoothed_[1])
+            filterLines(&coefficients_[offset(0, 0, z)], sizeY, rowStride_, size_t(sizeX), degree_,
+                        start);
     }
-    // A slice from its first to its last voxel; what lies between the rows is set by the mirroring.
+    // A slice from its first to its last voxel; what lies between the rows is set with the border.
     const size_t width = size_t(sizeY - 1) * rowStride_ + size_t(sizeX);
-    filterLines(&coefficients_[offset(0, 0, 0)], nrOfSlices, sliceStride_, width, degree_, start);
-    mirrorBorder();
+    if (!smoothed_[2])
+        filterLines(&coefficients_[offset(0, 0, 0)], nrOfSlices, sliceStride_, width, degree_,
+                    start);
+    continueBeyondBorder();
 }
 
-void SplineVolume::mirrorBorder() {
+void SplineVolume::continueBeyondBorder() {
     const auto mirrored = [](int index, int size) {
         const int period = std::max(2 * size - 2, 1);
         const int inPeriod = ((index % period) + period) % period;
         return std::min(inPeriod, period - inPeriod) % size;
     };
-    const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
-    const auto beside = [&](int size, const auto& copy) {
-        for (int i = 1; i <= before_; ++i)
-            copy(-i, mirrored(-i, size));
-        for (int i = 0; i < behind_; ++i)
-            copy(size + i, mirrored(size + i, size));
+    // Sets `count` coefficients at `to`: those at `from`, or these reflected at those at `border`.
+    const auto set = [this](bool reflected, size_t to, size_t from, size_t border, size_t count) {
+        float* result = &coefficients_[to];
+        const float* inside = &coefficients_[from];
+        const float* last = &coefficients_[border];
+        for (size_t i = 0; i < count; ++i)
+            result[i] = reflected ? 2.0f * last[i] - inside[i] : inside[i];
     };
+    const auto beside = [&](int size, const auto& setFrom) {
+        for (int i = 1; i <= before_; ++i)
+            setFrom(-i, mirrored(-i, size), 0);
+        for (int i = 0; i < behind_; ++i)
+            setFrom(size + i, mirrored(size + i, size), size - 1);
+    };
+    const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
     for (int z = 0; z < nrOfSlices; ++z) {
         for (int y = 0; y < sizeY; ++y)
-            beside(sizeX, [&](int to, int from) {
-                coefficients_[offset(to, y, z)] = coefficients_[offset(from, y, z)];
+            beside(sizeX, [&](int to, int from, int border) {
+                set(smoothed_[0], offset(to, y, z), offset(from, y, z), offset(border, y, z), 1);
             });
-        beside(sizeY, [&](int to, int from) {
-            std::copy_n(&coefficients_[offset(-before_, from, z)], rowStride_,
-                        &coefficients_[offset(-before_, to, z)]);
+        beside(sizeY, [&](int to, int from, int border) {
+            set(smoothed_[1], offset(-before_, to, z), offset(-before_, from, z),
+                offset(-before_, border, z), rowStride_);
         });
     }
-    beside(nrOfSlices, [&](int to, int from) {
-        std::copy_n(&coefficients_[offset(-before_, -before_, from)], sliceStride_,
-                    &coefficients_[offset(-before_, -before_, to)]);
+    beside(nrOfSlices, [&](int to, int from, int border) {
+        set(smoothed_[2], offset(-before_, -before_, to), offset(-before_, -before_, from),
+            offset(-before_, -before_, border), sliceStride_);
     });
 }
 
