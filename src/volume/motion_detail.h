@@ -12,10 +12,10 @@
 /// edge, by another amount for each fraction of a voxel, and a fit follows these waves.
 ///
 /// The measure is the ratio of fourth to first differences, both squared and weighted by the
-/// square of the slope. For a wave of w radians per voxel it is 8 sin(w/2)^3 / cos(w/2); too sharp
-/// is a ratio above 2, of waves shorter than five voxels. Simulated heads with edges of two voxels
-/// and texture down to three have 0.7 to 1.3, with edges of one voxel 2.8 to 4; a measured head of
-/// 3 mm voxels has 2.9 to 3.7.
+/// square of the slope. For a wave of w radians per voxel it is 8 / sqrt(3) sin(w/2)^3 / cos(w/2);
+/// too sharp is a ratio above 2, that of waves shorter than 4.2 voxels. Simulated heads with edges
+/// of two voxels and texture down to three have 0.7 to 1.3, with edges of one voxel 2.8 to 4; a
+/// measured head of 3 mm voxels has 2.9 to 3.7.
 ///
 /// An axis of less than five voxels is never too sharp.
 [[nodiscard]] std::array<bool, 3> axesTooSharp(const VolumeGrid& grid,
