@@ -1,14 +1,12 @@
 // Accuracy of motion correction on simulated heads, and what limits it.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "base/text_reading.h"
-#include "scanner_simulator/simulated_scan.h"
-#include "volume/fmr_project.h"
-#include "volume/head_volume.h"
+#include "motion_courses.h"
 #include "volume/motion_evaluation.h"
 #include "volume/motion_tracking.h"
 
+#include <cmath>
 #include <cstdio>
-#include <functional>
+#include <numbers>
 #include <utility>
 
 namespace {
@@ -25,15 +23,6 @@ constexpr Variant variants[] = {
     {"standard", false, false, false},     {"means", false, false, true},
     {"all voxels", true, false, false},    {"true derivatives", false, true, false},
     {"voxels, deriv.", true, true, false}, {"all three", true, true, true}};
-
-/// A run whose motion is known.
-struct Course {
-    const char* name;
-    VolumeGrid grid;
-    int nrOfVolumes;
-    std::function<void(int volume, std::span<int16_t> samples)> measure;
-    std::function<RigidTransformation(int volume)> truth;
-};
 
 /// The evaluation of MotionEvaluator, with variants.
 class VariedEvaluation {
@@ -117,33 +106,13 @@ struct Errors {
     std::array<double, nrOfMotionParameters> of{}; ///< mean of each parameter
     double mean[2] = {}; ///< of translations, in millimetres, and of rotations, in degrees
     double largest[2] = {};
-    double displacement = 0.0; ///< mean inside the head, millimetres
+    double displacement = 0.0;        ///< mean inside the head, millimetres
+    double largestDisplacement = 0.0; ///< of the volumes' means
     double steps = 0.0;
     /// Mean square at the true position divided by that at the estimate. Above 1 no search could
     /// have found the true position: it is not where the volumes agree best.
     double truthByFound = 0.0;
 };
-
-/// Mean distance between the places to which two motions take the points of a head.
-double displacementBetween(const VolumeGrid& grid, const RigidTransformation& a,
-                           const RigidTransformation& b) {
-    const C3dMatrix first = a.matrix(), second = b.matrix();
-    constexpr double semiAxes[3] = {68.0, 86.0, 48.0}; // millimetres
-    double sum = 0.0;
-    int count = 0;
-    for (int z = 0; z < grid.size[2]; ++z)
-        for (int y = 0; y < grid.size[1]; y += 2)
-            for (int x = 0; x < grid.size[0]; x += 2) {
-                const C3dVector p{grid.position(0, x), grid.position(1, y), grid.position(2, z)};
-                if (std::hypot(double(p.x) / semiAxes[0], double(p.y) / semiAxes[1],
-                               double(p.z) / semiAxes[2]) > 1.0)
-                    continue;
-                const C3dVector q = first * p, r = second * p;
-                sum += std::hypot(double(q.x - r.x), double(q.y - r.y), double(q.z - r.z));
-                ++count;
-            }
-    return sum / count;
-}
 
 void addErrors(const Course& course, int v, const RigidTransformation& found, int steps,
                Errors& errors) {
@@ -155,8 +124,9 @@ void addErrors(const Course& course, int v, const RigidTransformation& found, in
         errors.mean[i / 3] += error / (3 * (course.nrOfVolumes - 1));
         errors.largest[i / 3] = std::max(errors.largest[i / 3], error);
     }
-    errors.displacement +=
-        displacementBetween(course.grid, found, course.truth(v)) / (course.nrOfVolumes - 1);
+    const double left = displacementBetween(course.grid, found, course.truth(v));
+    errors.displacement += left / (course.nrOfVolumes - 1);
+    errors.largestDisplacement = std::max(errors.largestDisplacement, left);
     errors.steps += double(steps) / (course.nrOfVolumes - 1);
 }
 
@@ -208,79 +178,12 @@ Errors follow(const Course& course, const Variant& variant) {
     return errors;
 }
 
-/// A head with soft edges and much texture, signal 900, noise 10.
-Course smoothHead(const char* name, const VolumeGrid& grid,
-                  const std::function<RigidTransformation(float part)>& motion) {
-    constexpr int nrOfVolumes = 40;
-    const auto truth = [=](int v) { return motion(float(v) / (nrOfVolumes - 1)); };
-    return {name, grid, nrOfVolumes,
-            [head = HeadVolume(grid), truth](int v, std::span<int16_t> samples) {
-                head.fill(truth(v), 10.0, unsigned(v + 1), samples);
-            },
-            truth};
-}
-
-/// The transformation that moves a head with this pose back to rest.
-RigidTransformation transformationOf(const HeadPose& pose) {
-    const PoseInverse toHead(pose);
-    // Its matrix is the transpose of Rx(rx) Ry(ry) Rz(rz).
-    const Point origin = toHead({0, 0, 0}), x = toHead({1, 0, 0}), y = toHead({0, 1, 0});
-    const auto degrees = [](double radians) { return float(radians * 180.0 / std::numbers::pi); };
-    const double ry = std::asin(x.z - origin.z);
-    return {float(-pose.translation[0]),
-            float(-pose.translation[1]),
-            float(-pose.translation[2]),
-            degrees(std::asin(-(y.z - origin.z) / std::cos(ry))),
-            degrees(ry),
-            degrees(std::asin(-(x.y - origin.y) / std::cos(ry)))};
-}
-
-/// The head of the scanner simulator: sharp edges, a skull, a slow change of the signal.
-Course sharpHead(const char* name, const VolumeGrid& grid, HeadMotion motion) {
-    SimulationOptions options;
-    options.sizeX = grid.size[0];
-    options.sizeY = grid.size[1];
-    options.nrOfSlices = grid.size[2];
-    options.fieldOfView = int(std::lround(grid.spacing[0] * float(grid.size[0])));
-    options.sliceDistance = double(grid.spacing[2]);
-    options.motion = motion;
-    options.nrOfVolumes = 150;
-    options.nrOfVolumesToSkip = 0;
-    const auto scan = std::make_shared<SimulatedScan>(options);
-    return {name, grid, options.nrOfVolumes,
-            [scan](int v, std::span<int16_t> samples) {
-                std::ranges::copy(scan->volume(v), samples.begin());
-            },
-            [scan](int v) { return transformationOf(scan->pose(v)); }};
-}
-
-/// A measured run that was saved without correction, and its motion as estimated by another
-/// program: a line of six numbers for each volume.
-Course realRun(const QString& fmrFile, const QString& reference) {
-    const auto project = std::make_shared<FMRProject>();
-    QString text;
-    if (!loadFMRProject(*project, fmrFile, LoadData::Yes) || !readTextFile(reference, text))
-        return {};
-    std::vector<RigidTransformation> motion;
-    for (const QString& line : text.split('\n')) {
-        const QStringList values = line.simplified().split(' ');
-        const auto value = [&](int i) { return values[i].toFloat(); };
-        if (!line.startsWith('#') && values.size() >= int(nrOfMotionParameters))
-            motion.push_back({value(0), value(1), value(2), value(3), value(4), value(5)});
-    }
-    return {"measured run", VolumeGrid(*project),
-            std::min(project->NrOfVolumes, int(motion.size())),
-            [project](int v, std::span<int16_t> samples) {
-                std::ranges::copy(project->volumes[size_t(v)], samples.begin());
-            },
-            [motion](int v) { return motion[size_t(v)]; }};
-}
-
 void printErrors(const Course& course, const char* method, const Errors& e) {
-    std::printf("%3d x %3d x %2d  %-12s  %-16s  %7.4f  %7.4f %7.4f  %7.4f %7.4f  %5.1f  %11.3f\n",
-                course.grid.size[0], course.grid.size[1], course.grid.size[2], course.name, method,
-                e.displacement, e.mean[0], e.mean[1], e.largest[0], e.largest[1], e.steps,
-                e.truthByFound);
+    std::printf(
+        "%3d x %3d x %2d  %-14s  %-16s  %7.4f %7.4f  %7.4f %7.4f  %7.4f %7.4f  %5.1f  %11.3f\n",
+        course.grid.size[0], course.grid.size[1], course.grid.size[2], course.name, method,
+        e.displacement, e.largestDisplacement, e.mean[0], e.mean[1], e.largest[0], e.largest[1],
+        e.steps, e.truthByFound);
 }
 
 void printCourse(const Course& course, bool allVariants) {
@@ -303,18 +206,18 @@ void printSize(std::array<int, 3> voxels, std::array<float, 3> millimetres, bool
     VolumeGrid grid;
     grid.size = voxels;
     grid.spacing = millimetres;
-    const auto part = [](float p) {
-        return RigidTransformation{0.5f * p, -0.4f * p, 0.6f * p, 0.6f * p, -0.3f * p, 0.5f * p};
-    };
-    printCourse(smoothHead("smooth rest", grid, [](float) { return RigidTransformation{}; }),
-                allVariants);
-    printCourse(smoothHead("smooth drift", grid, part), allVariants);
-    printCourse(smoothHead("smooth jumps", grid,
-                           [part](float p) { return part(std::floor(4.0f * p) / 4.0f); }),
-                allVariants);
-    printCourse(sharpHead("sharp rest", grid, HeadMotion::None), allVariants);
-    printCourse(sharpHead("sharp drift", grid, HeadMotion::Drift), allVariants);
-    printCourse(sharpHead("sharp jumps", grid, HeadMotion::Jumps), allVariants);
+    const Course courses[] = {smoothCourse("smooth rest", grid, atRest),
+                              smoothCourse("smooth drift", grid, drift),
+                              withChangedVoxels("  5 % changed", smoothCourse("", grid, drift)),
+                              smoothCourse("smooth jumps 1", grid, jumpsOf(1.0f)),
+                              smoothCourse("smooth jumps 3", grid, jumpsOf(3.0f)),
+                              simulatedCourse("sharp rest", grid, false),
+                              simulatedCourse("sharp drift", grid, true),
+                              withChangedVoxels("  5 % changed", simulatedCourse("", grid, true)),
+                              sharpCourse("sharp jumps 1", grid, jumpsOf(1.0f)),
+                              sharpCourse("sharp jumps 3", grid, jumpsOf(3.0f))};
+    for (const Course& course : courses)
+        printCourse(course, allVariants);
 }
 
 } // namespace
@@ -323,10 +226,10 @@ void printSize(std::array<int, 3> voxels, std::array<float, 3> millimetres, bool
 /// smallest size, all variants; a project file and a file of its motion for that run, all variants.
 int main(int argc, char** argv) {
     std::printf(
-        "Mean displacement left inside the head (mm); absolute errors: mean of translations "
-        "(mm) and rotations (degrees), then largest\n"
-        "size            course        method              left     mm      deg     max mm "
-        "max deg  steps  truth/found\n");
+        "Displacement left inside the head (mm), mean and that of the worst volume; absolute "
+        "errors: mean of translations (mm) and rotations (degrees), then largest\n"
+        "size            course          method               left   worst       mm     deg   "
+        "max mm max deg  steps  truth/found\n");
     if (argc > 2) {
         printCourse(realRun(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2])),
                     true);

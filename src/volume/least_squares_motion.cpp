@@ -3,6 +3,7 @@
 
 #include "base/simd_clones.h"
 #include "stats/numerics/linear_systems.h"
+#include "volume/motion_detail.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +23,8 @@ constexpr double leastShare = 0.25; ///< of the samples inside the volume
 /// are normal.
 constexpr double huberBound = 1.345;
 constexpr double deviationsPerMedian = 1.4826; ///< of the magnitudes of normal residuals
+/// Samples are whole numbers, so that a smaller deviation is none of theirs.
+constexpr double smallestDeviation = 0.5;
 
 constexpr int maximumSteps = 40;
 /// Millimetres that a step moves the surface of a head at most. Below the first, a part of the
@@ -75,6 +78,21 @@ C3dMatrix inverseOfSmallMotion(const std::array<double, nrOfMotionParameters>& m
            C3dMatrix::translation(float(-motion[0]), float(-motion[1]), float(-motion[2]));
 }
 
+/// Of normal residuals, from the median of their magnitudes, which are reordered.
+double standardDeviation(std::vector<float>& magnitudes) {
+    const auto median = magnitudes.begin() + ptrdiff_t(magnitudes.size() / 2);
+    std::nth_element(magnitudes.begin(), median, magnitudes.end());
+    return std::max(deviationsPerMedian * double(*median), smallestDeviation);
+}
+
+using Scales = std::array<float, MotionSamples::nrOfClasses>;
+
+Scales allOf(float value) {
+    Scales scales;
+    scales.fill(value);
+    return scales;
+}
+
 double length(double x, double y, double z) {
     return std::sqrt(x * x + y * y + z * z);
 }
@@ -85,6 +103,8 @@ struct LeastSquaresMotion::State {
     C3dMatrix motion; ///< millimetres of the target to those of the volume
     double brightness = 1.0;
     double scale = 1e9; ///< standard deviation of the residuals
+    /// The same for each class of roughness; at first as good as unlimited.
+    Scales scales = allOf(1e9f);
     double moved = 0.0; ///< millimetres, by the last step
 };
 
@@ -92,10 +112,10 @@ bool LeastSquaresMotion::setTarget(const VolumeGrid& grid, std::span<const int16
     samples_ = {};
     if (target.size() != grid.samples() || !source_.allocate(grid, SplineDegree::Quintic))
         return false;
+    source_.smoothAlong(axesTooSharp(grid, target));
     source_.setSamples(target);
     samples_ = chooseMotionSamples(source_, target);
     moved_.assign(samples_.count(), outside);
-    residuals_.assign(samples_.count(), 0.0f);
     partSums_.resize((samples_.count() + samplesOfPart - 1) / samplesOfPart);
     return true;
 }
@@ -104,23 +124,29 @@ VELO_SIMD_CLONES void LeastSquaresMotion::accumulate(const State& state, size_t 
                                                      Sums& sums) {
     constexpr size_t lanes = MotionSamples::lanes;
     BlockOfVoxels block;
-    const float brightness = float(state.brightness), bound = float(huberBound * state.scale);
+    const float brightness = float(state.brightness), scale = float(state.scale);
+    std::array<float, blockSize> scales;
     for (size_t begin = first; begin < end; begin += blockSize) {
         const size_t n = std::min(blockSize, end - begin);
         moveBlock(samples_, begin, n, state.motion, block);
         source_.sample(
             {block.positions[0].data(), block.positions[1].data(), block.positions[2].data()}, n,
             &moved_[begin]);
+        for (size_t i = 0; i < n; ++i)
+            scales[i] = state.scales[samples_.roughness[begin + i]];
         Lanes products[nrOfProducts] = {};
         for (size_t i = 0; i < n; i += lanes) {
-            Lanes d[nrOfUnknowns], residual, weight;
+            Lanes d[nrOfUnknowns], residual, weight, deviation;
             for (size_t k = 0; k < nrOfMotionParameters; ++k)
                 load(&samples_.derivatives[k][begin + i], d[k]);
             load(&samples_.values[begin + i], d[nrOfMotionParameters]);
             load(&moved_[begin + i], residual);
             load(&block.inside[i], weight);
+            load(&scales[i], deviation);
             residual -= brightness * d[nrOfMotionParameters];
             const Lanes magnitude = residual < 0.0f ? -residual : residual;
+            const Lanes bound = float(huberBound) * deviation, relative = scale / deviation;
+            weight *= relative * relative;
             weight *= magnitude > bound ? bound / magnitude : Lanes{} + 1.0f;
             size_t p = 0;
             for (size_t k = 0; k < nrOfUnknowns; ++k) {
@@ -142,15 +168,21 @@ VELO_SIMD_CLONES void LeastSquaresMotion::accumulate(const State& state, size_t 
     }
 }
 
-double LeastSquaresMotion::residualScale(double brightness, size_t count) {
-    constexpr size_t distance = 7;
-    size_t n = 0;
+void LeastSquaresMotion::measureResiduals(State& state, size_t count) {
+    constexpr size_t distance = 5;
+    constexpr size_t fewest = 32;
+    for (std::vector<float>& residuals : residuals_)
+        residuals.clear();
+    std::vector<float>& all = residuals_.back();
     for (size_t i = 0; i < count; i += distance)
-        if (moved_[i] > outside)
-            residuals_[n++] = std::abs(moved_[i] - float(brightness) * samples_.values[i]);
-    const auto median = residuals_.begin() + ptrdiff_t(n / 2);
-    std::nth_element(residuals_.begin(), median, residuals_.begin() + ptrdiff_t(n));
-    return deviationsPerMedian * double(*median);
+        if (moved_[i] > outside) {
+            all.push_back(std::abs(moved_[i] - float(state.brightness) * samples_.values[i]));
+            residuals_[samples_.roughness[i]].push_back(all.back());
+        }
+    state.scale = standardDeviation(all);
+    for (size_t k = 0; k < state.scales.size(); ++k)
+        state.scales[k] =
+            float(residuals_[k].size() < fewest ? state.scale : standardDeviation(residuals_[k]));
 }
 
 void LeastSquaresMotion::Sums::add(const Sums& part) {
@@ -197,7 +229,7 @@ bool LeastSquaresMotion::step(State& state, size_t count, WorkerPool& workers) {
         return false;
     state.motion = state.motion * inverseOfSmallMotion(motion);
     state.moved = shift + turn * headRadius;
-    state.scale = residualScale(state.brightness, count);
+    measureResiduals(state, count);
     return true;
 }
 

@@ -12,9 +12,12 @@
 /// International Journal of Computer Vision 56(3), 2004, 221-255): the derivatives are those of the
 /// target and are computed once; each step moves the target a little, and the inverse of that is
 /// added to the motion. Values of the volume between its voxels are those of its quintic B-spline.
+/// Along axes on which the target is too sharp for that (axesTooSharp) target and volume are
+/// smoothed, by a bell of 0.71 voxels, since there values between the voxels can't be known.
 /// Each voxel is weighted by its residual (P. J. Huber, Annals of Mathematical Statistics 35, 1964,
-/// 73-101), so that those whose signal changes pull little. The brightness of the whole volume is a
-/// seventh unknown.
+/// 73-101), so that those whose signal changes pull little, and by the spread of the residuals of
+/// voxels that are as rough as it: at edges they are larger. The brightness of the whole volume is
+/// a seventh unknown.
 class LeastSquaresMotion {
 public:
     /// Prepares for volumes like the target. False when memory runs out.
@@ -23,7 +26,9 @@ public:
     struct Result {
         RigidTransformation transformation;
         int steps = 0;
-        double residual = 0.0; ///< standard deviation, from the median, in units of the samples
+        /// Standard deviation of the differences from the target, from their median, in units of
+        /// the samples; smoothed as the volumes are.
+        double residual = 0.0;
     };
     /// The motion of a volume, found from a first guess. Nothing when the volume doesn't determine
     /// one: it is blank, or another one, too much of the target is outside of it, or the steps
@@ -49,12 +54,14 @@ private:
     void accumulate(const State& state, size_t first, size_t end, Sums& sums);
     /// Improves the motion by a step. False when there is none.
     [[nodiscard]] bool step(State& state, size_t count, WorkerPool& workers);
-    [[nodiscard]] double residualScale(double brightness, size_t count);
+    /// The spread of the residuals after a step, on the whole and in each class.
+    void measureResiduals(State& state, size_t count);
 
     MotionSamples samples_;
     SplineVolume source_;
-    std::vector<float> moved_;     ///< value of each sample in the volume, or `outside`
-    std::vector<float> residuals_; ///< work space
+    std::vector<float> moved_; ///< value of each sample in the volume, or `outside`
+    /// Work space: magnitudes, of each class of samples and of all.
+    std::array<std::vector<float>, MotionSamples::nrOfClasses + 1> residuals_;
     std::vector<Sums> partSums_;
 };
 

@@ -22,14 +22,33 @@ template<typename Visit> void forVoxelsInside(const VolumeGrid& grid, const Visi
                 visit(std::array<int, 3>{column, row, slice});
 }
 
-/// The squared slope, from the neighbours: near enough to choose by.
-class Steepness {
+/// The volume around a voxel, by differences of neighbours.
+class Surroundings {
 public:
-    Steepness(const VolumeGrid& grid, std::span<const int16_t> volume)
+    Surroundings(const VolumeGrid& grid, std::span<const int16_t> volume)
         : grid_(grid), volume_(volume), strides_{1, size_t(grid.size[0]),
                                                  size_t(grid.size[0]) * size_t(grid.size[1])} {}
 
-    [[nodiscard]] float at(const std::array<int, 3>& voxel) const {
+    /// The squared slope: near enough to choose by.
+    [[nodiscard]] float steepness(const std::array<int, 3>& voxel) const {
+        return sumOfSquares(voxel, [this](size_t index, size_t axis) {
+            return (sample(index + strides_[axis]) - sample(index - strides_[axis])) /
+                   (2.0f * grid_.spacing[axis]);
+        });
+    }
+    /// The squared second differences: what a voxel differs from its neighbours by.
+    [[nodiscard]] float roughness(const std::array<int, 3>& voxel) const {
+        return sumOfSquares(voxel, [this](size_t index, size_t axis) {
+            return sample(index + strides_[axis]) + sample(index - strides_[axis]) -
+                   2.0f * sample(index);
+        });
+    }
+
+private:
+    /// Over the axes along which the voxel has two neighbours.
+    template<typename Difference>
+    [[nodiscard]] float sumOfSquares(const std::array<int, 3>& voxel,
+                                     const Difference& difference) const {
         size_t index = 0;
         for (size_t axis = 0; axis < 3; ++axis)
             index += size_t(voxel[axis]) * strides_[axis];
@@ -37,14 +56,11 @@ public:
         for (size_t axis = 0; axis < 3; ++axis) {
             if (voxel[axis] == 0 || voxel[axis] == grid_.size[axis] - 1)
                 continue;
-            const float slope = (sample(index + strides_[axis]) - sample(index - strides_[axis])) /
-                                (2.0f * grid_.spacing[axis]);
-            sum += slope * slope;
+            const float found = difference(index, axis);
+            sum += found * found;
         }
         return sum;
     }
-
-private:
     [[nodiscard]] float sample(size_t index) const { return float(uint16_t(volume_[index])); }
 
     VolumeGrid grid_;
@@ -53,14 +69,14 @@ private:
 };
 
 /// The steepness that about `count` voxels exceed, from every 13th of them.
-float leastSteepness(const VolumeGrid& grid, const Steepness& steepness, size_t count) {
+float leastSteepness(const VolumeGrid& grid, const Surroundings& around, size_t count) {
     constexpr size_t distance = 13;
     std::vector<float> some;
     some.reserve(grid.samples() / distance + 1);
     size_t voxels = 0;
     forVoxelsInside(grid, [&](const std::array<int, 3>& voxel) {
         if (voxels++ % distance == 0)
-            some.push_back(steepness.at(voxel));
+            some.push_back(around.steepness(voxel));
     });
     const size_t wanted = count / distance;
     if (wanted >= some.size())
@@ -70,14 +86,12 @@ float leastSteepness(const VolumeGrid& grid, const Steepness& steepness, size_t 
     return *place;
 }
 
-std::vector<std::array<int, 3>> steepestVoxels(const VolumeGrid& grid,
-                                               std::span<const int16_t> volume) {
-    const Steepness steepness(grid, volume);
-    const float least = leastSteepness(grid, steepness, MotionSamples::maximumCount);
+std::vector<std::array<int, 3>> steepestVoxels(const VolumeGrid& grid, const Surroundings& around) {
+    const float least = leastSteepness(grid, around, MotionSamples::maximumCount);
     std::vector<std::array<int, 3>> voxels;
     voxels.reserve(2 * MotionSamples::maximumCount);
     forVoxelsInside(grid, [&](const std::array<int, 3>& voxel) {
-        const float found = steepness.at(voxel);
+        const float found = around.steepness(voxel);
         if (found > least && voxels.size() < voxels.capacity())
             voxels.push_back(voxel);
     });
@@ -116,6 +130,33 @@ void addSample(MotionSamples& samples, const SplineVolume& target,
         samples.derivatives[k].push_back(derivatives[k]);
 }
 
+void addValues(MotionSamples& samples, const SplineVolume& target,
+               const std::vector<std::array<int, 3>>& voxels) {
+    std::array<std::vector<float>, 3> positions;
+    for (size_t axis = 0; axis < 3; ++axis)
+        for (const std::array<int, 3>& voxel : voxels)
+            positions[axis].push_back(float(voxel[axis]));
+    samples.values.resize(voxels.size());
+    target.sample({positions[0].data(), positions[1].data(), positions[2].data()}, voxels.size(),
+                  samples.values.data());
+}
+
+void addRoughness(MotionSamples& samples, const Surroundings& around,
+                  const std::vector<std::array<int, 3>>& voxels) {
+    constexpr size_t classes = MotionSamples::nrOfClasses;
+    std::vector<float> found;
+    for (const std::array<int, 3>& voxel : voxels)
+        found.push_back(around.roughness(voxel));
+    std::vector<float> sorted = found;
+    std::ranges::sort(sorted);
+    std::array<float, classes - 1> limits{};
+    for (size_t i = 0; i < limits.size() && !sorted.empty(); ++i)
+        limits[i] = sorted[(i + 1) * sorted.size() / classes];
+    for (const float roughness : found)
+        samples.roughness.push_back(
+            uint8_t(std::ranges::upper_bound(limits, roughness) - limits.begin()));
+}
+
 } // namespace
 
 MotionSamples chooseMotionSamples(const SplineVolume& target, std::span<const int16_t> volume) {
@@ -124,20 +165,17 @@ MotionSamples chooseMotionSamples(const SplineVolume& target, std::span<const in
     if (volume.size() != samples.grid.samples() || target.empty())
         return {};
     try {
+        const Surroundings around(samples.grid, volume);
         const std::vector<std::array<int, 3>> voxels =
-            inParts(steepestVoxels(samples.grid, volume));
+            inParts(steepestVoxels(samples.grid, around));
         for (auto& values : samples.positions)
             values.reserve(voxels.size());
         for (auto& values : samples.derivatives)
             values.reserve(voxels.size());
-        for (const std::array<int, 3>& voxel : voxels) {
+        for (const std::array<int, 3>& voxel : voxels)
             addSample(samples, target, voxel);
-            const size_t index =
-                (size_t(voxel[2]) * size_t(samples.grid.size[1]) + size_t(voxel[1])) *
-                    size_t(samples.grid.size[0]) +
-                size_t(voxel[0]);
-            samples.values.push_back(float(uint16_t(volume[index])));
-        }
+        addValues(samples, target, voxels);
+        addRoughness(samples, around, voxels);
     } catch (const std::bad_alloc&) {
         return {};
     }

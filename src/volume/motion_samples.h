@@ -13,6 +13,7 @@
 struct MotionSamples {
     static constexpr size_t parts = 4;
     static constexpr size_t lanes = 8; ///< that are worked on at once
+    static constexpr size_t nrOfClasses = 8;
 
     /// The most voxels that are chosen. More make the fit slower and, beyond this number, hardly
     /// more exact: in a head of 3 mm voxels that is the number of all voxels with texture.
@@ -23,7 +24,10 @@ struct MotionSamples {
     /// Changes of the value by a motion of the head: by a millimetre along x, y and z, and by a
     /// radian about x, y and z.
     std::array<std::vector<float>, nrOfMotionParameters> derivatives;
-    std::vector<float> values;
+    std::vector<float> values; ///< of the spline, smoothed where that smooths
+    /// How much the neighbours of a voxel differ from it: 0 for the smoothest of the samples to
+    /// nrOfClasses - 1 for the roughest. The classes are of equal size.
+    std::vector<uint8_t> roughness;
 
     [[nodiscard]] size_t count() const { return values.size(); }
 };

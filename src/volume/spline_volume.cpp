@@ -13,18 +13,30 @@ constexpr int linesAtOnce = 16;  ///< along x, where neighbours stand side by si
 constexpr size_t blockSize = 64; ///< positions
 constexpr size_t readBeyond = 2; ///< coefficients behind the last one
 
-/// Calls `copy(to, from)` for the `before` places before and the `behind` places behind an axis:
-/// what is there is mirrored at its first and last voxel.
-template<typename Copy> void forBorder(int size, int before, int behind, const Copy& copy) {
+/// Calls `set(to, from, border)` for the `before` places before and the `behind` places behind an
+/// axis: `from` is `to` mirrored at the voxel `border`, the first or the last one.
+template<typename Set> void forBorder(int size, int before, int behind, const Set& set) {
     const int period = std::max(2 * size - 2, 1);
     const auto mirrored = [&](int index) {
         const int inPeriod = ((index % period) + period) % period;
         return std::min(inPeriod, period - inPeriod) % size;
     };
     for (int i = 1; i <= before; ++i)
-        copy(-i, mirrored(-i));
+        set(-i, mirrored(-i), 0);
     for (int i = 0; i < behind; ++i)
-        copy(size + i, mirrored(size + i));
+        set(size + i, mirrored(size + i), size - 1);
+}
+
+/// Sets `count` coefficients beyond a border: those mirrored at it, or, where the volume goes on
+/// with the same slope, these reflected at those of the border.
+void continueBeyond(bool sameSlope, const float* mirrored, const float* border, size_t count,
+                    float* result) {
+    if (!sameSlope) {
+        std::copy_n(mirrored, count, result);
+        return;
+    }
+    for (size_t i = 0; i < count; ++i)
+        result[i] = 2.0f * border[i] - mirrored[i];
 }
 
 /// Where the coefficients of a block of positions begin along an axis, and their weights.
@@ -180,7 +192,7 @@ void SplineVolume::setSamples(std::span<const int16_t> samples, WorkerPool& work
         filterSlice(int(z), samples.data() + z * sliceSamples,
                     lines_.data() + thread * floatsOfLines(grid_));
     });
-    // Also where the slices were mirrored: there the lines are copies, and stay so.
+    // Also beside the slices: what lies there is a sum of lines inside, and stays one.
     const size_t blocks = (sliceStride_ + mostSplineLines - 1) / mostSplineLines;
     usable.forParts(blocks, [&](size_t block) {
         const size_t first = block * mostSplineLines;
@@ -188,7 +200,7 @@ void SplineVolume::setSamples(std::span<const int16_t> samples, WorkerPool& work
     });
 }
 
-/// Along x and y; then the border of the slice is set.
+/// Along x and y; then what lies beside the slice is set.
 void SplineVolume::filterSlice(int z, const int16_t* samples, float* turned) {
     const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
     for (int y = 0; y < sizeY; y += linesAtOnce) {
@@ -199,28 +211,30 @@ void SplineVolume::filterSlice(int z, const int16_t* samples, float* turned) {
             for (int x = 0; x < sizeX; ++x)
                 turned[x * linesAtOnce + j] = float(uint16_t(row[x]));
         }
-        filterSplineLines(turned, sizeX, linesAtOnce, size_t(linesAtOnce), degree_);
+        if (!smoothed_[0])
+            filterSplineLines(turned, sizeX, linesAtOnce, size_t(linesAtOnce), degree_);
         for (int j = 0; j < count; ++j) {
             float* row = &coefficients_[offset(0, y + j, z)];
             for (int x = 0; x < sizeX; ++x)
                 row[x] = turned[x * linesAtOnce + j];
         }
     }
-    for (size_t x = 0; x < size_t(sizeX); x += mostSplineLines)
+    for (size_t x = 0; x < size_t(sizeX) && !smoothed_[1]; x += mostSplineLines)
         filterSplineLines(&coefficients_[offset(int(x), 0, z)], sizeY, rowStride_,
                           std::min(mostSplineLines, size_t(sizeX) - x), degree_);
-    mirrorSlice(z);
+    continueBesideSlice(z);
 }
 
-void SplineVolume::mirrorSlice(int z) {
+void SplineVolume::continueBesideSlice(int z) {
     const auto [sizeX, sizeY, nrOfSlices] = grid_.size;
+    const auto at = [&](int x, int y) { return &coefficients_[offset(x, y, z)]; };
     for (int y = 0; y < sizeY; ++y)
-        forBorder(sizeX, before_, behind_, [&](int to, int from) {
-            coefficients_[offset(to, y, z)] = coefficients_[offset(from, y, z)];
+        forBorder(sizeX, before_, behind_, [&](int to, int from, int border) {
+            continueBeyond(smoothed_[0], at(from, y), at(border, y), 1, at(to, y));
         });
-    forBorder(sizeY, before_, behind_, [&](int to, int from) {
-        std::copy_n(&coefficients_[offset(-before_, from, z)], rowStride_,
-                    &coefficients_[offset(-before_, to, z)]);
+    forBorder(sizeY, before_, behind_, [&](int to, int from, int border) {
+        continueBeyond(smoothed_[1], at(-before_, from), at(-before_, border), rowStride_,
+                       at(-before_, to));
     });
 }
 
@@ -230,9 +244,11 @@ void SplineVolume::filterAcrossSlices(size_t first, size_t width) {
     const auto row = [&](int z) {
         return &coefficients_[size_t(z + before_) * sliceStride_ + first];
     };
-    filterSplineLines(row(0), nrOfSlices, sliceStride_, width, degree_);
-    forBorder(nrOfSlices, before_, behind_,
-              [&](int to, int from) { std::copy_n(row(from), width, row(to)); });
+    if (!smoothed_[2])
+        filterSplineLines(row(0), nrOfSlices, sliceStride_, width, degree_);
+    forBorder(nrOfSlices, before_, behind_, [&](int to, int from, int border) {
+        continueBeyond(smoothed_[2], row(from), row(border), width, row(to));
+    });
 }
 
 VELO_SIMD_CLONES void SplineVolume::sample(const Positions& positions, size_t count,

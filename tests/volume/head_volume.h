@@ -11,8 +11,10 @@
 /// Moves the head as the fit describes it: result(p) = source(M p).
 class HeadVolume {
 public:
-    /// Heads of different seeds differ in their texture.
-    explicit HeadVolume(const VolumeGrid& grid, unsigned seed = 1) : grid_(grid), seed_(seed) {
+    /// Heads of different seeds differ in their texture. From tissue to air it is about so many
+    /// voxels.
+    explicit HeadVolume(const VolumeGrid& grid, unsigned seed = 1, double voxelsOfEdge = 2.0)
+        : grid_(grid), seed_(seed), edge_(voxelsOfEdge * double(grid.spacing[0])) {
         // Longer from front to back than wide, as heads are.
         const std::array<double, 3> part{0.36, 0.45, 0.45};
         for (size_t axis = 0; axis < 3; ++axis)
@@ -71,13 +73,13 @@ private:
         for (const auto& wave : waves)
             value += 80.0 * std::sin(wave[0] * p[0] + wave[1] * p[1] + wave[2] * p[2] +
                                      seed_ * 40.0 * wave[0]);
-        // From tissue to air over about two voxels.
         const double radius = std::hypot(p[0] / extent_[0], p[1] / extent_[1], p[2] / extent_[2]);
-        const double edge = 2.0 * double(grid_.spacing[0]) / extent_[0];
+        const double edge = edge_ / extent_[0];
         return value / (1.0 + std::exp((radius - 1.0) / (0.25 * edge)));
     }
 
     VolumeGrid grid_;
     unsigned seed_;
+    double edge_; ///< millimetres
     Point extent_{};
 };

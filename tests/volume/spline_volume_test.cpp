@@ -31,16 +31,21 @@ constexpr std::array<float, 6> xs{0, 2.25f, 0.1f, 4.6f, 5, 3.5f}, ys{0, 1.5f, 3.
 struct Expected {
     SplineDegree degree;
     std::array<float, 6> values;
+    std::array<bool, 3> smoothed{};
 };
 constexpr Expected expectations[] = {
     {SplineDegree::Cubic, {0.0f, 911.3541f, 431.6465f, 271.5921f, 354.0f, 343.3804f}},
-    {SplineDegree::Quintic, {0.0f, 965.0721f, 430.2296f, 266.6778f, 354.0f, 334.6323f}}};
+    {SplineDegree::Quintic, {0.0f, 965.0721f, 430.2296f, 266.6778f, 354.0f, 334.6323f}},
+    {SplineDegree::Quintic,
+     {0.0f, 654.9127f, 437.3678f, 330.7809f, 354.0f, 508.3970f},
+     {true, false, true}}};
 
 TEST(SplineVolume, ValuesAreThoseOfAnotherProgram) {
     const VolumeGrid grid = gridOf({6, 5, 4});
     for (const Expected& expected : expectations) {
         SplineVolume spline;
         ASSERT_TRUE(spline.allocate(grid, expected.degree));
+        spline.smoothAlong(expected.smoothed);
         // The second time from the borders that the first one left.
         for (const std::vector<int16_t>& samples :
              {std::vector<int16_t>(grid.samples(), -1), patternOf(grid)})
