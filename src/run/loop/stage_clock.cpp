@@ -21,6 +21,21 @@ VolumeStage stageOf(VolumeStep step) {
     return VolumeStage::Window;
 }
 
+void StageClock::awaitVolume(IntakeState& intake) {
+    intake.lastFileNoticed = -1;
+    intake.waitedForFiles = 0;
+    eventTime_ = pump_.eventTime();
+    ledger_.awaitVolume(now());
+}
+
+void StageClock::volumeRead(const IntakeState& intake, bool played) {
+    const qint64 noticed = intake.lastFileNoticed; // milliseconds
+    ledger_.volumeRead(now(), {.waited = intake.waitedForFiles,
+                               .noticed = noticed < 0 ? -1 : 1000 * noticed,
+                               .events = pump_.eventTime() - eventTime_,
+                               .played = played});
+}
+
 PlaceCalled StageClock::listenersAs(VolumeStage stage) const {
     return [*this, stage](ListenerPlace place) {
         if (place == ListenerPlace::Journal)

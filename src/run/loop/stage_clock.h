@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "base/event_pump.h"
+#include "intake/intake_context.h"
 #include "run/document/volume_ledger.h"
 #include "run/loop/run_listeners.h"
 
@@ -15,6 +15,10 @@ public:
     StageClock(VolumeLedger& ledger, const EventPump& pump) : ledger_(ledger), pump_(pump) {}
 
     [[nodiscard]] qint64 now() const { return pump_.microseconds(); }
+    /// The reader is about to be asked for a volume: forgets what it told of the one before.
+    void awaitVolume(IntakeState& intake);
+    /// The volume has come and counts.
+    void volumeRead(const IntakeState& intake, bool played);
     void enter(VolumeStage stage) const { ledger_.enter(stage, now()); }
     /// For a hook whose time is counted as `stage`. Journal and plug-in take part in several hooks;
     /// theirs is counted as their own in each.
@@ -23,4 +27,5 @@ public:
 private:
     VolumeLedger& ledger_;
     const EventPump& pump_;
+    qint64 eventTime_ = 0; ///< of the pump, when the volume was asked for
 };

@@ -52,7 +52,7 @@ private:
     StopWatch runClock_;
     StopWatch cycleClock_;
     StopWatch stepClock_;
-    const StageClock stages_;
+    StageClock stages_;
     int volumeIndex_ = 0;
     bool interrupted_ = false;
     bool backgroundChanged_ = false;
@@ -116,10 +116,7 @@ void VolumeLoop::endOfVolume(bool continues) {
 
 bool VolumeLoop::readVolume() {
     stepClock_.restart();
-    run_.intake.lastFileNoticed = -1;
-    run_.intake.waitedForFiles = 0;
-    document_.ledger.awaitVolume(stages_.now());
-    const qint64 eventTime = run_.pump.eventTime();
+    stages_.awaitVolume(run_.intake);
     if (!reader_.readVolume(volumeIndex_) && !run_.pump.waitsGivenUp()) {
         if (reader_.isAtEnd())
             run_.report.interruptedAtVolume = run_.report.currentVolume;
@@ -131,10 +128,7 @@ bool VolumeLoop::readVolume() {
     const qint64 noticed = run_.intake.lastFileNoticed;
     run_.report.times.noticedAt = noticed < 0 ? run_.pump.milliseconds() : noticed;
     if (!run_.requests.interruptFlag && !run_.pump.waitsGivenUp()) {
-        document_.ledger.volumeRead(stages_.now(), {.waited = run_.intake.waitedForFiles,
-                                                    .noticed = noticed < 0 ? -1 : 1000 * noticed,
-                                                    .events = run_.pump.eventTime() - eventTime,
-                                                    .played = reader_.playsMeasuredVolumes()});
+        stages_.volumeRead(run_.intake, reader_.playsMeasuredVolumes());
         return true;
     }
     run_.requests.interruptFlag = false;
