@@ -1,7 +1,9 @@
-// Times of one plot of a region: its new content, and painting it.
+// Times of one plot of a region, and of the strip of times: the new content, and painting it.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/plots/plotter.h"
 #include "processor_time.h"
+#include "run/document/timing_table.h"
+#include "volume/ui/timing_strip_content.h"
 
 #include <QApplication>
 #include <cmath>
@@ -48,6 +50,42 @@ void measure(const char* name, const PlotContent& content, QSize size) {
                 painted);
 }
 
+/// Each volume passes all stages; some take long.
+VolumeLedger ledgerOf(int nrOfVolumes) {
+    constexpr qint64 TR = 2'000'000; // microseconds
+    VolumeLedger ledger;
+    ledger.begin(0, 2000.0);
+    for (qint64 volume = 0; volume < nrOfVolumes; ++volume) {
+        qint64 now = volume * TR;
+        ledger.awaitVolume(now);
+        ledger.volumeRead(now += 20'000, {});
+        for (size_t stage = size_t(VolumeStage::Journal); stage < nrOfVolumeStages; ++stage) {
+            ledger.enter(VolumeStage(stage), now);
+            now += 20'000 + volume * 7919 % 100'000;
+        }
+        ledger.settle(now);
+    }
+    return ledger;
+}
+
+/// All that a volume costs: content, picture, numbers below it, warnings.
+void measureStrip(int nrOfVolumes, QSize size) {
+    const VolumeLedger ledger = ledgerOf(nrOfVolumes);
+    Plotter plotter;
+    plotter.resize(size);
+    const double given = medianTime(runs, [&] {
+        plotter.setContent(timingStripContent(ledger, nrOfVolumes));
+        (void)timingReadOut(ledger);
+        (void)timingWarnings(ledger);
+    });
+    const double painted = medianTime(runs, [&] {
+        plotter.setContent(timingStripContent(ledger, nrOfVolumes));
+        (void)plotter.picture();
+    });
+    std::printf("times of %4d volumes   %4d x %3d  %8.3f  %8.3f\n", nrOfVolumes, size.width(),
+                size.height(), given, painted);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -59,4 +97,6 @@ int main(int argc, char** argv) {
         measure("curve of 5000 points", timeCourse(5000), size);
         measure("6 bars", betas(), size);
     }
+    for (const int nrOfVolumes : {10, 150, 1000})
+        measureStrip(nrOfVolumes, QSize(618, 150));
 }

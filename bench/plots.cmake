@@ -1,1 +1,1 @@
-velo_program(bench_plots UI SOURCES bench_plots.cpp USES plots)
+velo_program(bench_plots UI SOURCES bench_plots.cpp USES plots volume_ui)

@@ -24,7 +24,9 @@ QtEventPump::QtEventPump() = default;
 QtEventPump::~QtEventPump() = default;
 
 void QtEventPump::processEvents() {
+    const qint64 start = microseconds();
     QCoreApplication::processEvents();
+    eventTime_ += microseconds() - start;
 }
 
 void QtEventPump::pumpWait(int milliseconds) {
@@ -58,6 +60,7 @@ void QtEventPump::pumpUntil(int milliseconds, const bool& done) {
     wakeUp.setSingleShot(true);
     wakeUp.start(milliseconds);
     const qint64 end = this->milliseconds() + milliseconds;
+    processEvents();
     while (!done && !waitsGivenUp() && this->milliseconds() < end && wakeUp.isActive())
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
     QCoreApplication::processEvents();
@@ -65,4 +68,8 @@ void QtEventPump::pumpUntil(int milliseconds, const bool& done) {
 
 qint64 QtEventPump::milliseconds() const {
     return programClock().elapsed();
+}
+
+qint64 QtEventPump::microseconds() const {
+    return programClock().nsecsElapsed() / 1000;
 }

@@ -30,6 +30,11 @@ public:
     [[nodiscard]] bool waitsGivenUp() const { return waitsGivenUp_; }
     /// Milliseconds since an arbitrary origin, never going back.
     [[nodiscard]] virtual qint64 milliseconds() const = 0;
+    /// The same clock, finer where there is a finer one.
+    [[nodiscard]] virtual qint64 microseconds() const { return 1000 * milliseconds(); }
+    /// Microseconds that went so far to events which were pending when a wait or processEvents()
+    /// began, as the painting of what was just shown: work, where the rest of a wait is none.
+    [[nodiscard]] virtual qint64 eventTime() const { return 0; }
 
 private:
     bool waitsGivenUp_ = false;
@@ -45,6 +50,8 @@ public:
     void pumpWait(int milliseconds) override;
     bool pumpWaitForChange(int milliseconds, const QStringList& folders) override;
     [[nodiscard]] qint64 milliseconds() const override;
+    [[nodiscard]] qint64 microseconds() const override;
+    [[nodiscard]] qint64 eventTime() const override { return eventTime_; }
 
 private:
     void pumpUntil(int milliseconds, const bool& done);
@@ -52,6 +59,7 @@ private:
 
     std::unique_ptr<QFileSystemWatcher> watcher_; ///< made at the first wait for a change
     bool changed_ = false;                        ///< since the last wait for a change
+    qint64 eventTime_ = 0;
 };
 
 /// Time since its start or last restart, in milliseconds of a pump's clock.

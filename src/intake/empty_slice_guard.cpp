@@ -19,7 +19,9 @@ bool EmptySliceGuard::readFilled(int volume) {
     while (late >= 0 && !context_.pump.waitsGivenUp() &&
            double(waited.elapsed()) < double(context_.project.TR) &&
            total.elapsed() < context_.settings.timeOutMilliseconds) {
+        const qint64 start = context_.pump.microseconds();
         context_.pump.pumpWait(pollMilliseconds);
+        context_.state.waitedForFiles += context_.pump.microseconds() - start;
         // If the file has disappeared meanwhile, what was read is kept.
         if (!readOnce(volume))
             break;

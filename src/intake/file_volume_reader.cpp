@@ -4,6 +4,7 @@
 #include "base/messages.h"
 #include "base/paths.h"
 
+#include <algorithm>
 #include <cstring>
 
 QString FileVolumeReader::watchedPath(const QString& name) const {
@@ -33,16 +34,22 @@ FileWaitScope FileVolumeReader::tellWait(const ExpectedFile& expected) {
 }
 
 QString FileVolumeReader::awaitPath(const ExpectedFile& expected, const WaitTimes& times) {
+    const qint64 start = pump().microseconds();
     const ArrivedFile arrived = awaitFile(expected, times, pump());
-    if (!arrived.name.isEmpty())
+    if (!arrived.name.isEmpty()) {
         state().lastFileNoticed = arrived.noticedAt;
+        // One of several may have been seen while another was awaited.
+        state().waitedForFiles += std::max(1000 * arrived.noticedAt - start, qint64(0));
+    }
     return arrived.name;
 }
 
 bool FileVolumeReader::waitAgain(const StopWatch& watch, int pollMilliseconds) {
     if (pump().waitsGivenUp() || watch.elapsed() > settings().timeOutMilliseconds)
         return false;
+    const qint64 start = pump().microseconds();
     pump().pumpWait(pollMilliseconds);
+    state().waitedForFiles += pump().microseconds() - start;
     return true;
 }
 

@@ -18,6 +18,8 @@ struct IntakeState {
     /// Set while a run waits for a file or for lines of one.
     std::optional<FileWait> fileWait;
     qint64 lastFileNoticed = -1; ///< milliseconds of the pump; set by readers of files
+    /// Microseconds, added up by readers of files: until these were seen, or were there whole.
+    qint64 waitedForFiles = 0;
 };
 
 struct IntakeContext {

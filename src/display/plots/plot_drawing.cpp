@@ -3,6 +3,7 @@
 
 #include "display/plots/curve_painting.h"
 #include "display/plots/plot_colors.h"
+#include "display/plots/stack_painting.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
@@ -109,8 +110,11 @@ void PlotPainter::paintValues() {
     painter_.save();
     painter_.setClipRect(axes_);
     paintBars();
-    for (const PlotCurve& curve : content_.curves)
-        paintCurve(curve);
+    if (content_.stacked)
+        paintStack(painter_, content_, layout_.geometry);
+    else
+        for (const PlotCurve& curve : content_.curves)
+            paintCurve(curve);
     for (const PlotMarks& marks : content_.marks)
         paintMarks(marks);
     painter_.restore();

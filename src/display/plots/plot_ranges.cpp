@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/plots/plot_ranges.h"
 
+#include "display/plots/stack_painting.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -90,10 +92,19 @@ void addCurve(Extent& extent, const PlotCurve& curve) {
     }
 }
 
+void addStack(Extent& extent, const PlotContent& content) {
+    extent.add(0.0);
+    for (size_t point = 0; point < stackedPoints(content); ++point)
+        extent.add(stackHeight(content, point));
+}
+
 Extent dataExtentY(const PlotContent& content) {
     Extent extent;
-    for (const PlotCurve& curve : content.curves)
-        addCurve(extent, curve);
+    if (content.stacked)
+        addStack(extent, content);
+    else
+        for (const PlotCurve& curve : content.curves)
+            addCurve(extent, curve);
     for (const PlotMarks& marks : content.marks)
         for (const QPointF& point : marks.points)
             extent.add(point.y());
@@ -156,7 +167,7 @@ PlotRange wholeYRange(const PlotContent& content, const std::optional<PlotRange>
     const double free = margin * (data.to - data.from);
     // Nothing is to be kept free beyond 0, from which bars start.
     const auto bound = [&](double value, double beyond) {
-        return !content.bars.empty() && value == 0.0 ? 0.0 : value + beyond;
+        return (!content.bars.empty() || content.stacked) && value == 0.0 ? 0.0 : value + beyond;
     };
     return roundedOut({bound(data.from, -free), bound(data.to, free)});
 }

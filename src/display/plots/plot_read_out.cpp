@@ -3,6 +3,7 @@
 
 #include "display/plots/plot_drawing.h"
 #include "display/plots/plot_ranges.h"
+#include "display/plots/stack_painting.h"
 
 #include <QStringList>
 #include <cmath>
@@ -80,6 +81,8 @@ QString readOut(const PlotContent& content, double x) {
     lines << bandsAt(content, x);
     for (size_t curve = 0; curve < content.curves.size(); ++curve)
         lines << curveLine(content, curve, valueOf(content.curves[curve], index));
+    if (content.stacked && index >= 0.0 && index < double(stackedPoints(content)))
+        lines << named(QStringLiteral("Sum"), readOutNumber(stackHeight(content, size_t(index))));
     for (const PlotMarks& marks : content.marks)
         for (const QPointF& point : marks.points)
             if (isPlace(point) && pointNearX(content, point.x()) == index)

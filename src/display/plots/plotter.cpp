@@ -71,6 +71,8 @@ void Plotter::paintPointer(QPainter& painter, QPoint position) {
     const double x = geometry.positionOfX(xOfPoint(content_, int(index)));
     painter.setPen(QPen(plotColors::quietText, 0, Qt::DotLine));
     painter.drawLine(QLineF(x, geometry.axes.top(), x, geometry.axes.bottom()));
+    if (content_.stacked)
+        return; // a bar is seen as it is
     painter.setClipRect(geometry.axes);
     for (const PlotCurve& curve : content_.curves) {
         if (!(index >= 0.0 && index < double(curve.values.size())) ||

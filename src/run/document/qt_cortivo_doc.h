@@ -7,6 +7,7 @@
 #include "run/document/plugin_maps.h"
 #include "run/document/slice_images.h"
 #include "run/document/slice_mosaic_layout.h"
+#include "run/document/volume_ledger.h"
 #include "run/protocol/real_time_protocol.h"
 #include "run/protocol/tdat_protocol.h"
 #include "run/protocol/volume_tables.h"
@@ -60,6 +61,7 @@ public:
     SliceMosaicLayout mosaic;
     Anatomy anatomy; ///< of the anatomical document
     OverlayColors overlayColors;
+    VolumeLedger ledger; ///< times of the volumes; empty of a run that was not measured
     bool SignificanceColorCoding = false;
 
     /// Recomputes the colour tables after a change of contrasts or of the colour coding.

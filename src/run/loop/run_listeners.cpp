@@ -54,13 +54,16 @@ void RunListeners::settle() {
     joining_.clear();
 }
 
-bool RunListeners::callEach(const Call& call) {
+bool RunListeners::callEach(const Call& call, const PlaceCalled& called) {
     ++callDepth_;
     bool goesOn = true;
     // Entries neither move nor vanish while callDepth_ is above 0.
     for (size_t i = 0; i < entries_.size() && goesOn; ++i)
-        if (entries_[i].listener)
+        if (entries_[i].listener) {
+            if (called)
+                called(entries_[i].place);
             goesOn = call(*entries_[i].listener);
+        }
     if (--callDepth_ == 0)
         settle();
     return goesOn;
@@ -110,12 +113,12 @@ void RunListeners::pluginThresholdApplied(float shown) {
     callEach([&](RunListener& listener) { return listener.pluginThresholdApplied(shown), true; });
 }
 
-bool RunListeners::beforeVolume(const VolumeAtHand& hand) {
-    return callEach([&](RunListener& listener) { return listener.beforeVolume(hand); });
+bool RunListeners::beforeVolume(const VolumeAtHand& hand, const PlaceCalled& called) {
+    return callEach([&](RunListener& listener) { return listener.beforeVolume(hand); }, called);
 }
 
-bool RunListeners::atStep(VolumeStep step, const VolumeAtHand& hand) {
-    return callEach([&](RunListener& listener) { return listener.atStep(step, hand); });
+bool RunListeners::atStep(VolumeStep step, const VolumeAtHand& hand, const PlaceCalled& called) {
+    return callEach([&](RunListener& listener) { return listener.atStep(step, hand); }, called);
 }
 
 bool RunListeners::drawSubjectDisplay(const VolumeAtHand& hand) {
@@ -127,8 +130,8 @@ bool RunListeners::drawSubjectDisplay(const VolumeAtHand& hand) {
     return drawn;
 }
 
-void RunListeners::endOfVolume(const VolumeAtHand& hand) {
-    callEach([&](RunListener& listener) { return listener.endOfVolume(hand), true; });
+void RunListeners::endOfVolume(const VolumeAtHand& hand, const PlaceCalled& called) {
+    callEach([&](RunListener& listener) { return listener.endOfVolume(hand), true; }, called);
 }
 
 void RunListeners::loopEnded(QtCortivoDoc& document) {

@@ -133,6 +133,9 @@ private:
     RunListeners* list_ = nullptr;
 };
 
+/// Hears, before each listener of a hook, which place it has: who takes how long.
+using PlaceCalled = std::function<void(ListenerPlace place)>;
+
 /// Calls its listeners in the order of their places, and of their arrival within a place. A hook
 /// may add and remove listeners: one that joins is called from the next hook on, one that leaves is
 /// not called any more.
@@ -159,11 +162,12 @@ public:
     void mapListChanged();
     void pluginThresholdApplied(float shown);
     /// These two stop at the first listener that ends the run, and give false then.
-    [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand);
-    [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand);
+    [[nodiscard]] bool beforeVolume(const VolumeAtHand& hand, const PlaceCalled& called = {});
+    [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand,
+                              const PlaceCalled& called = {});
     /// True when anything was drawn.
     [[nodiscard]] bool drawSubjectDisplay(const VolumeAtHand& hand);
-    void endOfVolume(const VolumeAtHand& hand);
+    void endOfVolume(const VolumeAtHand& hand, const PlaceCalled& called = {});
     void loopEnded(QtCortivoDoc& document);
     /// Keeps something of the run that is being recorded: the journal, if there is one, takes it,
     /// from runPrepared() on. What was changed before that is recorded there.
@@ -178,7 +182,7 @@ private:
     using Call = std::function<bool(RunListener&)>;
 
     /// Calls each of them until one gives false.
-    bool callEach(const Call& call);
+    bool callEach(const Call& call, const PlaceCalled& called = {});
     void insert(const Entry& entry);
     void settle();
 

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/finished_run.h"
 
+#include "base/file_writing.h"
 #include "base/messages.h"
 #include "base/paths.h"
 #include "base/plain_file.h"
 #include "base/text_reading.h"
 #include "regions/roi_file.h"
 #include "run/document/amr_file.h"
+#include "run/document/timing_table.h"
 #include "run/loop/background_files.h"
 #include "run/loop/motion_parameters_file.h"
 #include "run/loop/run_anatomy.h"
@@ -68,6 +70,17 @@ std::vector<SaveStep> cubeSteps(const RunParts& run) {
     return {{-1, [&cube, path] { return saveVMR(path, cube); }, path}};
 }
 
+SaveStep timingStep(const QtCortivoDoc& document) {
+    const QString path = resultPath(document.project, "_timing.tsv", "noname_timing.tsv");
+    const auto write = [&document, path] {
+        if (writeFileAtomically(path, timingTable(document.ledger)))
+            return true;
+        showWarning(QStringLiteral("ERROR: Unable to write table of times \"%1\"!").arg(path));
+        return false;
+    };
+    return {-1, write, path};
+}
+
 void insertAt(std::vector<SaveStep>& steps, size_t place, const std::vector<SaveStep>& more) {
     steps.insert(steps.begin() + ptrdiff_t(place), more.begin(), more.end());
 }
@@ -125,6 +138,7 @@ std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress)
              return !hasMotion || saveMotionParameters(document.motion, project, volumes);
          },
          hasMotion ? motionParametersFileName(project) : QString()},
+        timingStep(document),
         {-1, [&] { return writeFirstVolume(project); }, firstVolumeFileName(project)},
     };
     insertAt(steps, steps.size() - 1, cubeSteps(run));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/status_text.h"
 
+#include "run/document/timing_table.h"
 #include "stats/thresholds.h"
 
 namespace {
@@ -85,15 +86,23 @@ QString finishedText(int fontSize, const QString& settingsFileName, const QStrin
            "Ready.<br></body>";
 }
 
+QString timingPart(const VolumeLedger& ledger) {
+    QString text;
+    for (const QString& warning : timingWarnings(ledger))
+        text += "<br>" + bold(warning);
+    return text;
+}
+
 QString volumeStatusText(const RunReport& report, const OperatorRequests& requests,
-                         const RunSettings& settings, const StatisticalMaps& maps) {
+                         const RunSettings& settings, const QtCortivoDoc& document) {
     const int volume = report.currentVolume;
     const bool last = volume + 1 >= settings.nrOfAnalysedVolumes();
     return bodyStart(requests.logFontSize) +
            QStringLiteral(" volume <b>%1 (%2)</b>,  elapsed time: ")
                .arg(volume + 1)
                .arg(settings.NrOfVolumesToSkip + 1 + volume) +
-           bold(seconds(report.elapsedRunTime)) + " secs,  " + thresholdPart(requests, maps) +
+           bold(seconds(report.elapsedRunTime)) + " secs,  " +
+           thresholdPart(requests, document.maps) +
            QStringLiteral("<br><br>ReadVolTime: <b>%1</b> ms   FeedbackTime: <b>%2</b> ms<br>"
                           "FullVolTime: <b>%3</b> ms   VolWaitTime: <b>%4</b> ms<br>"
                           "StartOffset: <b>%5</b> sec")
@@ -102,7 +111,8 @@ QString volumeStatusText(const RunReport& report, const OperatorRequests& reques
                .arg(report.times.fullVolTime)
                .arg(report.times.volWaitTime)
                .arg(requests.startOffsetSeconds) +
-           overlayPart(requests) + motionPart(report.volumesWithoutMotion) + pluginPart(report) +
+           overlayPart(requests) + motionPart(report.volumesWithoutMotion) +
+           timingPart(document.ledger) + pluginPart(report) +
            (last ? "<br> Ready.<br></body>" : "</body>");
 }
 

@@ -20,9 +20,11 @@ struct WholeRunModel;
 [[nodiscard]] QString finishedText(int fontSize, const QString& settingsFileName,
                                    const QString& title, bool savedCompletely);
 
-/// The status of report.currentVolume.
+/// The status of report.currentVolume, with what the times of the volumes give reason to say.
 [[nodiscard]] QString volumeStatusText(const RunReport& report, const OperatorRequests& requests,
-                                       const RunSettings& settings, const StatisticalMaps& maps);
+                                       const RunSettings& settings, const QtCortivoDoc& document);
+/// What the times of the volumes give reason to say: lines that begin with "<br>", or nothing.
+[[nodiscard]] QString timingPart(const VolumeLedger& ledger);
 
 /// Head of the texts around saving: where the loop stopped and when.
 [[nodiscard]] QString savingTextHead(const OperatorRequests& requests, const StatisticalMaps& maps,

@@ -5,6 +5,7 @@
 #include "run/loop/finished_run.h"
 #include "run/loop/run_model.h"
 #include "run/loop/run_protocol.h"
+#include "run/loop/stage_clock.h"
 #include "run/loop/status_text.h"
 #include "run/protocol/stimulation_protocol.h"
 #include "stats/clusters.h"
@@ -16,7 +17,7 @@ public:
     VolumeLoop(const RunParts& run, VolumeReader& reader)
         : run_(run), document_(run.document), reader_(reader),
           nrOfAnalysedVolumes_(run.settings.nrOfAnalysedVolumes()), runClock_(run.pump),
-          cycleClock_(run.pump), stepClock_(run.pump) {}
+          cycleClock_(run.pump), stepClock_(run.pump), stages_(run.document.ledger, run.pump) {}
 
     LoopEnd execute();
 
@@ -32,13 +33,17 @@ private:
     void showBackground(bool afterPreprocessing);
     void holdToTR();
     void showStatus();
+    void showStatusText();
     void showMaps();
     void releaseModel();
     void save();
     [[nodiscard]] VolumeAtHand hand() const {
         return {document_, volumeIndex_, reader_.playsMeasuredVolumes()};
     }
-    [[nodiscard]] bool step(VolumeStep which) const { return run_.listeners.atStep(which, hand()); }
+    [[nodiscard]] bool step(VolumeStep which) const {
+        return run_.listeners.atStep(which, hand(), stages_.listenersAs(stageOf(which)));
+    }
+    void endOfVolume(bool continues);
 
     const RunParts& run_;
     QtCortivoDoc& document_;
@@ -47,6 +52,7 @@ private:
     StopWatch runClock_;
     StopWatch cycleClock_;
     StopWatch stepClock_;
+    StageClock stages_;
     int volumeIndex_ = 0;
     bool interrupted_ = false;
     bool backgroundChanged_ = false;
@@ -64,6 +70,7 @@ LoopEnd VolumeLoop::execute() {
     buildTables();
     runClock_.restart();
     cycleClock_.restart();
+    document_.ledger.begin(stages_.now(), double(document_.project.TR));
     for (volumeIndex_ = 0; volumeIndex_ < nrOfAnalysedVolumes_; ++volumeIndex_)
         if (!takeVolume())
             break;
@@ -85,6 +92,7 @@ bool VolumeLoop::takeVolume() {
         return false;
     run_.report.currentVolume = volumeIndex_;
     const bool goesOn = passStepsBeforeModel();
+    stages_.enter(VolumeStage::Window);
     run_.pump.processEvents();
     // Also where a step ends the run: the volume was measured, so it counts everywhere.
     updateModel();
@@ -92,13 +100,23 @@ bool VolumeLoop::takeVolume() {
     if (continues)
         showStatus();
     showMaps();
-    run_.listeners.endOfVolume(hand());
+    endOfVolume(continues);
     return continues;
+}
+
+void VolumeLoop::endOfVolume(bool continues) {
+    VolumeLedger& ledger = document_.ledger;
+    ledger.settle(stages_.now()); // for those that show it; their own time is added
+    run_.listeners.endOfVolume(hand(), stages_.listenersAs(VolumeStage::Drawing));
+    // Clusters and views came after the text that is shown.
+    if (continues && ledger.isSlow(ledger.volumes().back()))
+        showStatusText();
+    ledger.settle(stages_.now());
 }
 
 bool VolumeLoop::readVolume() {
     stepClock_.restart();
-    run_.intake.lastFileNoticed = -1;
+    stages_.awaitVolume(run_.intake);
     if (!reader_.readVolume(volumeIndex_) && !run_.pump.waitsGivenUp()) {
         if (reader_.isAtEnd())
             run_.report.interruptedAtVolume = run_.report.currentVolume;
@@ -109,8 +127,10 @@ bool VolumeLoop::readVolume() {
     run_.report.times.readVolTime = stepClock_.elapsed();
     const qint64 noticed = run_.intake.lastFileNoticed;
     run_.report.times.noticedAt = noticed < 0 ? run_.pump.milliseconds() : noticed;
-    if (!run_.requests.interruptFlag && !run_.pump.waitsGivenUp())
+    if (!run_.requests.interruptFlag && !run_.pump.waitsGivenUp()) {
+        stages_.volumeRead(run_.intake, reader_.playsMeasuredVolumes());
         return true;
+    }
     run_.requests.interruptFlag = false;
     interrupted_ = true;
     // Not waited for: the data are in memory only until they are saved.
@@ -122,15 +142,18 @@ bool VolumeLoop::readVolume() {
 }
 
 bool VolumeLoop::passStepsBeforeModel() {
-    const bool goesOn = run_.listeners.beforeVolume(hand());
+    const bool goesOn =
+        run_.listeners.beforeVolume(hand(), stages_.listenersAs(VolumeStage::Window));
     preprocess();
     run_.display.refreshViewButtons();
+    stages_.enter(VolumeStage::Protocol);
     if (!goesOn || !updateProtocol(run_, volumeIndex_))
         return false;
     holdToTR();
     if (!step(VolumeStep::LoadRegions) || !step(VolumeStep::RegionTimeCourses) ||
         !step(VolumeStep::Plots))
         return false;
+    stages_.enter(VolumeStage::Protocol);
     buildTables();
     if (!step(VolumeStep::Logs) || !step(VolumeStep::Classification))
         return false;
@@ -144,14 +167,17 @@ void VolumeLoop::buildTables() {
 }
 
 void VolumeLoop::showToSubject() {
+    stages_.enter(VolumeStage::Feedback);
     stepClock_.restart();
     if (run_.listeners.drawSubjectDisplay(hand()))
         run_.report.times.feedbackTime = stepClock_.elapsed();
 }
 
 void VolumeLoop::preprocess() {
+    stages_.enter(VolumeStage::Drawing);
     showBackground(false);
     preprocessVolume(run_, volumeIndex_);
+    stages_.enter(VolumeStage::Drawing);
     showBackground(true);
 }
 
@@ -180,6 +206,8 @@ void VolumeLoop::holdToTR() {
         return qint64(volumes * tr) - qint64(run_.requests.startOffsetSeconds) * 1000;
     };
     times.volWaitTime = dueAt(volumeIndex_) - runClock_.elapsed();
+    stages_.enter(VolumeStage::Holding);
+    document_.ledger.holdTo(1000 * dueAt(run_.settings.NrOfVolumesToSkip + volumeIndex_));
     constexpr qint64 closeEnough = 10; // milliseconds
     constexpr qint64 longestWait = 50; // so that a stop or a changed offset is seen soon
     while (run_.requests.forceTRDelay && !run_.pump.waitsGivenUp()) {
@@ -189,9 +217,11 @@ void VolumeLoop::holdToTR() {
             break;
         run_.pump.pumpWait(int(std::min(left - closeEnough + 1, longestWait)));
     }
+    stages_.enter(VolumeStage::Window);
 }
 
 void VolumeLoop::updateModel() {
+    stages_.enter(VolumeStage::Model);
     // Without a mask there is no model; the volumes are measured, shown and saved all the same.
     if (volumeIndex_ == 0)
         (void)createBrainMask(document_.mask, document_.project, brainMaskThreshold);
@@ -202,26 +232,34 @@ void VolumeLoop::updateModel() {
 bool VolumeLoop::passStepsAfterModel() {
     if (!step(VolumeStep::AfterModel))
         return false;
+    stages_.enter(VolumeStage::Window);
     run_.pump.processEvents();
     return step(VolumeStep::SelectVoxels);
 }
 
 void VolumeLoop::showStatus() {
+    stages_.enter(VolumeStage::Window);
     run_.report.elapsedRunTime = runClock_.elapsed();
     run_.report.times.fullVolTime = cycleClock_.elapsed();
-    run_.display.showLogText(
-        volumeStatusText(run_.report, run_.requests, run_.settings, document_.maps));
+    showStatusText();
     run_.pump.processEvents();
     cycleClock_.restart();
 }
 
+void VolumeLoop::showStatusText() {
+    run_.display.showLogText(
+        volumeStatusText(run_.report, run_.requests, run_.settings, document_));
+}
+
 void VolumeLoop::showMaps() {
+    stages_.enter(VolumeStage::Maps);
     const bool modelled = volumeIndex_ >= document_.glm.GLMStartVolume;
     if (modelled) {
         computeClusterSizes(document_.maps, run_.requests.thresholds,
                             document_.contrasts.ConjunctionAnalysis, run_.workers);
         run_.report.mapsPresent = true;
     }
+    stages_.enter(VolumeStage::Drawing);
     if (modelled || backgroundChanged_ || run_.requests.pluginMaps.shown)
         run_.display.updateViews();
     backgroundChanged_ = false;
@@ -246,7 +284,8 @@ void VolumeLoop::save() {
         report.savedCompletely
             ? "Recorded data saved as \"<b>" + run_.settings.ProjectName.toHtmlEscaped() + "</b>\"."
             : QString("Recorded data <b>not saved completely</b>.");
-    report.outcomeText = head + "<br> " + outcome + "<br><br> Ready.<br></body>";
+    report.outcomeText =
+        head + "<br> " + outcome + timingPart(document_.ledger) + "<br><br> Ready.<br></body>";
     run_.display.showLogText(report.outcomeText);
 }
 

@@ -33,8 +33,13 @@ void smooth(const RunParts& run, int volumeIndex) {
 } // namespace
 
 void preprocessVolume(const RunParts& run, int volumeIndex) {
-    if (run.settings.MotionCorrection)
+    VolumeLedger& ledger = run.document.ledger;
+    if (run.settings.MotionCorrection) {
+        ledger.enter(VolumeStage::Motion, run.pump.microseconds());
         correctMotion(run, volumeIndex);
-    if (run.settings.SpatialGaussianSmoothing)
+    }
+    if (run.settings.SpatialGaussianSmoothing) {
+        ledger.enter(VolumeStage::Smoothing, run.pump.microseconds());
         smooth(run, volumeIndex);
+    }
 }

@@ -8,6 +8,7 @@
 #include "run/document/plotted_volumes.h"
 #include "run/protocol/ui/protocol_plot_content.h"
 #include "run/session/run_session.h"
+#include "volume/ui/timing_strip_content.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -17,18 +18,24 @@ MotionPlotDlg::MotionPlotDlg(RunSession& session, QWidget* parent)
     : QDialog(parent), session_(session), plots_(new QWidget(this)),
       translations_(addPlot("TranslationPlot")), rotations_(addPlot("RotationPlot")),
       displacement_(addPlot("DisplacementPlot")), dvarsPlot_(addPlot("DVARSPlot")),
-      readOut_(new QLabel(this)) {
+      times_(addPlot("TimingPlot")), readOut_(new QLabel(this)), timesReadOut_(new QLabel(this)) {
     setObjectName("MotionPlot");
     setWindowTitle("Motion Plot");
     readOut_->setObjectName("MotionReadOutLbl");
-    readOut_->setFont(numberFont(font(), 0.9));
-    readOut_->setWordWrap(true); // only where the window is narrow
+    timesReadOut_->setObjectName("TimingReadOutLbl");
+    for (QLabel* label : {readOut_, timesReadOut_}) {
+        label->setFont(numberFont(font(), 0.9));
+        label->setWordWrap(true); // only where the window is narrow
+    }
+    timesReadOut_->setToolTip(
+        "The volume that was done last. What it needed is all of its time but the wait for the "
+        "scanner; it is late when it was not done before the next one was due");
     readOut_->setToolTip("The volume that was measured last. Framewise displacement after Power et "
                          "al. 2012, with rotations as arcs on a sphere of 50 mm radius; DVARS is "
                          "the change from one volume to the next in percent of the mean signal");
     layOut();
     prepareDialog(*this);
-    resize(640, 560); // beside it the slices and the run button stay visible
+    resize(640, 690); // beside it the slices and the run button stay visible
     rest_.setSingleShot(true);
     connect(&rest_, &QTimer::timeout, this, &MotionPlotDlg::refresh);
     session_.listeners.add(*this, ListenerPlace::Plots);
@@ -50,6 +57,7 @@ void MotionPlotDlg::layOut() {
     rows->addWidget(translations_, 1);
     rows->addWidget(rotations_, 1);
     rows->addLayout(quality, 1);
+    rows->addWidget(times_, 1);
 
     auto* save = new QPushButton("&Save Bitmap...", this);
     save->setObjectName("SaveBtn");
@@ -57,7 +65,10 @@ void MotionPlotDlg::layOut() {
     save->setAutoDefault(false);
     connect(save, &QPushButton::clicked, this, &MotionPlotDlg::slotSaveAsBMP);
     auto* bottom = new QHBoxLayout;
-    bottom->addWidget(readOut_, 1);
+    auto* readOuts = new QVBoxLayout;
+    readOuts->addWidget(readOut_);
+    readOuts->addWidget(timesReadOut_);
+    bottom->addLayout(readOuts, 1);
     bottom->addWidget(save, 0, Qt::AlignBottom);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(plots_, 1);
@@ -91,6 +102,12 @@ bool MotionPlotDlg::atStep(VolumeStep step, const VolumeAtHand&) {
     if (step == VolumeStep::Plots)
         takeVolumes();
     return true;
+}
+
+// A volume's times are known when it is done.
+void MotionPlotDlg::endOfVolume(const VolumeAtHand& hand) {
+    if (isVisible())
+        drawTimes(hand.document.ledger, int(hand.document.project.volumes.size()));
 }
 
 void MotionPlotDlg::loopEnded(QtCortivoDoc&) {
@@ -139,6 +156,7 @@ void MotionPlotDlg::refresh() {
         return drawNothing();
     computeDVARS();
     const FMRProject& project = document->project;
+    drawTimes(document->ledger, plottedVolumes(session_.report, *document).planned);
     draw({document->motion, framewiseDisplacements(document->motion, volumes_, firstDisplaced_),
           dvars_.values(), plottedVolumes(session_.report, *document).planned, volumes_,
           protocolBands(document->protocol, project.TR),
@@ -148,6 +166,7 @@ void MotionPlotDlg::refresh() {
 void MotionPlotDlg::drawNothing() {
     const MotionCorrection none;
     draw({none, {}, {}, 0, 0, {}, "No run yet"});
+    drawTimes({}, 0);
 }
 
 void MotionPlotDlg::draw(const PlottedMotion& plotted) {
@@ -156,6 +175,11 @@ void MotionPlotDlg::draw(const PlottedMotion& plotted) {
     displacement_->setContent(displacementContent(plotted));
     dvarsPlot_->setContent(dvarsContent(plotted));
     readOut_->setText(motionReadOut(plotted));
+}
+
+void MotionPlotDlg::drawTimes(const VolumeLedger& ledger, int planned) {
+    times_->setContent(timingStripContent(ledger, planned));
+    timesReadOut_->setText(timingReadOut(ledger));
 }
 
 void MotionPlotDlg::slotSaveAsBMP() {

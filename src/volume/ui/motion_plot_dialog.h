@@ -1,4 +1,4 @@
-// The plot of the head's motion and of what it does to the data.
+// The plot of the head's motion and of what it does to the data, and of the time that this takes.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -12,10 +12,12 @@
 class Plotter;
 class QLabel;
 class RunSession;
+class VolumeLedger;
 
 /// Translations, rotations, framewise displacement and DVARS of the session's run, volume by
-/// volume. Hidden, it draws and computes nothing. DVARS that are missing when it is shown are
-/// computed in steps, between which events are processed.
+/// volume, and below them the time that each volume needed. Hidden, it draws and computes nothing.
+/// DVARS that are missing when it is shown are computed in steps, between which events are
+/// processed.
 class MotionPlotDlg : public QDialog, public RunListener {
     Q_OBJECT
 
@@ -25,6 +27,7 @@ public:
     void documentsLeaving() override;
     void runPrepared(QtCortivoDoc& functional) override;
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
+    void endOfVolume(const VolumeAtHand& hand) override;
     void loopEnded(QtCortivoDoc& document) override;
     void samplesChanged() override;
 
@@ -49,6 +52,7 @@ private:
     void computeDVARS();
     void draw(const PlottedMotion& plotted);
     void drawNothing();
+    void drawTimes(const VolumeLedger& ledger, int planned);
 
     RunSession& session_;
     QWidget* plots_;
@@ -56,7 +60,9 @@ private:
     Plotter* rotations_;
     Plotter* displacement_;
     Plotter* dvarsPlot_;
+    Plotter* times_;
     QLabel* readOut_;
+    QLabel* timesReadOut_;
     QTimer rest_;
     RunDVARS dvars_;
     int volumes_ = 0; ///< measured ones of the run in memory

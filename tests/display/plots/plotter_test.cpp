@@ -136,6 +136,38 @@ TEST_F(Plot, HasBarsFromZeroWithErrorBars) {
     EXPECT_EQ(plotter.readOutAt(pointAt(1, 3)), "Houses: -3");
 }
 
+TEST_F(Plot, StacksItsCurvesAndLosesNoPeak) {
+    const QColor upper(220, 120, 110);
+    PlotContent content = bare({4, 2, -1, nan});
+    content.xStart = 1;
+    content.stacked = true;
+    content.curves.push_back({"Upper", upper, {3, nan, 5}, {}});
+    plotter.setContent(content);
+    const std::tuple<double, double, QColor> cases[] = {
+        {1, 3.7, curveColor}, {1, 4.3, upper},      {1, 6.7, upper},  {1, 7.3, ground},
+        {1.48, 2, ground},    {2, 1.7, curveColor}, {2, 2.3, ground}, {3, 0.3, upper},
+        {3, 4.7, upper},      {3, 5.3, ground},     {4, 0.3, ground}};
+    for (const auto& [x, y, color] : cases)
+        EXPECT_EQ(colorAt(x, y), color) << x << ' ' << y;
+    EXPECT_EQ(plotter.readOutAt(pointAt(1, 9)), "x: 1\nCurve 1: 4\nUpper: 3\nSum: 7");
+    content.yRange.reset();
+    EXPECT_EQ(wholeYRange(content), (PlotRange{0, 8}));
+
+    // Twenty points to a pixel, one of them high.
+    content = bare(std::vector<float>(5000, 1));
+    content.xRange = PlotRange{0, 5000};
+    content.stacked = true;
+    content.curves[0].values[1234] = 9;
+    plotter.setContent(content);
+    const QImage picture = plotter.picture().toImage();
+    const int row = pointAt(0, 8).y();
+    int high = 0;
+    for (int x = 0; x < picture.width(); ++x)
+        high += picture.pixelColor(x, row) == curveColor;
+    EXPECT_EQ(high, 1);
+    EXPECT_EQ(colorAt(3000, 0.5), curveColor);
+}
+
 TEST_F(Plot, ReadsOutThePointAndTheIntervals) {
     PlotContent content = bare({1, 2.5, 3});
     content.curves.push_back({"Model", Qt::red, {4, nan, 6}, {0.5, 0.5, 0.25}});

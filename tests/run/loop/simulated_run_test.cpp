@@ -75,3 +75,36 @@ TEST(SimulatedRun, ActiveRegionsAreFoundAndOthersAreNot) {
         EXPECT_LE(std::abs(fractionAbove3(values, others)), 0.01) << condition;
     }
 }
+
+TEST(SimulatedRun, ABurstOfLateVolumesIsLaidToTheScanner) {
+    SimulationOptions options;
+    options.sizeX = options.sizeY = 16;
+    options.nrOfSlices = 4;
+    options.nrOfVolumes = 10;
+    options.nrOfVolumesToSkip = 0;
+    options.repetitionTime = 1000;
+    SimulatedSession run{options};
+    const auto comesAt = [](int volume) {
+        return 1000 * (volume == 4 || volume == 5 ? 6 : volume);
+    };
+    for (int volume = 0; volume < options.nrOfVolumes; ++volume)
+        run.pump.after(comesAt(volume), [&run, volume] {
+            for (const ScannerFile& file : run.scan.files(volume))
+                run.write(file);
+            run.pump.changeFolders();
+        });
+    EXPECT_EQ(run.run(), QStringList());
+    const std::span<const VolumeTimes> volumes = run.session.functionalDocument->ledger.volumes();
+    ASSERT_EQ(volumes.size(), 10u);
+    constexpr qint64 second = 1'000'000;
+    for (const VolumeTimes& volume : volumes)
+        EXPECT_LE(volume.needed(), second / 10) << "settling";
+    EXPECT_GT(volumes[4].of(VolumeStage::Waiting), 29 * second / 10);
+    EXPECT_EQ(volumes[4].sinceLast, 3 * second);
+    EXPECT_GT(volumes[4].late(), second);
+    EXPECT_EQ(volumes[5].of(VolumeStage::Waiting), 0);
+    EXPECT_EQ(volumes[6].of(VolumeStage::Waiting), 0);
+    EXPECT_LT(volumes[6].late(), 0) << "caught up";
+    EXPECT_TRUE(run.session.report.outcomeText.contains("<br><b>Volume 5 came 2000 ms late</b>"));
+    EXPECT_FALSE(run.session.report.outcomeText.contains("took"));
+}

@@ -279,6 +279,7 @@ TEST_F(VolumeLoopTest, DataStayUntilTheOperatorHasAnsweredWhenTheFolderIsLost) {
         messages.expectCritical("ERROR: Unable to write map file*");
         messages.expectCritical("ERROR: Unable to open contrasts file \"*");
         messages.expectWarning("ERROR: Can not open .roi file for saving*");
+        messages.expectWarning("ERROR: Unable to write table of times*");
         messages.expectWarning("ERROR: Can not open .VMR file for saving !");
         messages.expectCritical("Error: Can not open file to save first volume.");
         messages.expectQuestion("WARNING: The recorded data could not be saved completely in "

@@ -173,3 +173,41 @@ TEST_F(MotionPlot, ShowsAtOnceWhatPostProcessingCorrects) {
     EXPECT_EQ(plot("TranslationPlot").note, "From the second volume on");
     EXPECT_GT(course("DisplacementPlot").at(1), 0.0f);
 }
+
+TEST_F(MotionPlot, TheStripHasTheTimesOfEachVolumeAsSoonAsItIsDone) {
+    writeSession(14, 2, {{"MotionCorrection:", "0"}});
+    openMotionPlot(session, window);
+    EXPECT_FALSE(plot("TimingPlot").note.isEmpty());
+    ProbeListener plugin(session.listeners, ListenerPlace::PlugIn);
+    ProbeListener later(session.listeners, ListenerPlace::Dialogs);
+    script.millisecondsPerVolume = 300;
+    plugin.onBeforeVolume = [this](int volume) {
+        pump.pumpWait(volume == 5 ? 9000 : 100);
+        return true;
+    };
+    later.onEndOfVolume = [this](int volume) {
+        const PlotContent& strip = plot("TimingPlot");
+        EXPECT_EQ(strip.curves.at(0).values.size(), size_t(volume + 1));
+        EXPECT_EQ(strip.yRange->to, volume < 5 ? 2500.0 : 6000.0) << "the TR is in it";
+    };
+    session.runButtonPressed();
+    const PlotContent& strip = plot("TimingPlot");
+    ASSERT_TRUE(strip.stacked);
+    EXPECT_EQ(strip.xRange, (PlotRange{0.5, 12.5}));
+    float sum = 0.0f;
+    for (const PlotCurve& curve : strip.curves) {
+        sum += curve.values.at(5);
+        if (curve.legend == "Reading" || curve.legend == "Plug-in") {
+            EXPECT_EQ(curve.values.at(5), curve.legend == "Reading" ? 300.0f : 9000.0f);
+        }
+    }
+    EXPECT_EQ(sum, 9300.0f) << "nothing else took time, and nothing is left out";
+    EXPECT_EQ(strip.lines.at(1).at, 2000.0);
+    const auto text = [this] { return dialog().findChild<QLabel*>("TimingReadOutLbl")->text(); };
+    EXPECT_EQ(text().toStdString(),
+              "Needed   400 ms, 300 ms of it for reading; in time by  1600 ms\n"
+              "Volumes above 3/4 of the TR:    1");
+    ASSERT_TRUE(session.reloadData());
+    EXPECT_TRUE(plot("TimingPlot").curves.empty()) << "files have no times";
+    EXPECT_EQ(text(), "");
+}
