@@ -1,6 +1,5 @@
-// From the scanner's closing of the last file of a volume to its being taken, and to its feedback on
-// both screens, for the ways in which scanners write.
-// SPDX-License-Identifier: GPL-3.0-or-later
+// From the scanner's closing of the last file of a volume to its being taken, and to its feedback
+// on both screens, for the ways in which scanners write. SPDX-License-Identifier: GPL-3.0-or-later
 #include "feedback_window.h"
 
 #include "run/window/velo_cortivo_application.h"
@@ -21,12 +20,21 @@ struct Way {
 };
 
 constexpr std::array ways{
-    Way{"mosaic, renamed when whole", ScannerType::SiemensMosaic, WayOfWriting::Renamed,
-        {.shortest = 150, .longest = 250}, 30},
-    Way{"mosaic, created and filled", ScannerType::SiemensMosaic, WayOfWriting::InPieces,
-        {.shortest = 150, .longest = 250, .betweenPieces = 15}, 30},
-    Way{"25 files of one slice each", ScannerType::Dicom, WayOfWriting::InPieces,
-        {.shortest = 350, .longest = 450, .betweenPieces = 1}, 10},
+    Way{"mosaic, renamed when whole",
+        ScannerType::SiemensMosaic,
+        WayOfWriting::Renamed,
+        {.shortest = 150, .longest = 250},
+        30},
+    Way{"mosaic, created and filled",
+        ScannerType::SiemensMosaic,
+        WayOfWriting::InPieces,
+        {.shortest = 150, .longest = 250, .betweenPieces = 15},
+        30},
+    Way{"25 files of one slice each",
+        ScannerType::Dicom,
+        WayOfWriting::InPieces,
+        {.shortest = 350, .longest = 450, .betweenPieces = 1},
+        10},
 };
 
 /// Upper ends of the classes of the histogram, in milliseconds; the last one has none.

@@ -91,7 +91,8 @@ private:
                                                    .right = size.x / 2,
                                                    .top = size.y / 3,
                                                    .bottom = size.y / 2});
-        session.feedback.change([](FeedbackChoices& choices) { choices.roiMode = useROI1And2And3; });
+        session.feedback.change(
+            [](FeedbackChoices& choices) { choices.roiMode = useROI1And2And3; });
     }
 
     QtEventPump pump_;

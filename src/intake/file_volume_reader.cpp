@@ -32,17 +32,19 @@ FileWaitScope FileVolumeReader::tellWait(const ExpectedFile& expected) {
              .timeOutMilliseconds = settings().timeOutMilliseconds}};
 }
 
-QString FileVolumeReader::awaitPath(const ExpectedFile& expected, const WaitTimes& times) {
-    const ArrivedFile arrived = awaitFile(expected, times, pump());
+QString FileVolumeReader::awaitPath(const ExpectedFile& expected, const WaitTimes& times,
+                                    const FollowingFiles& following) {
+    const ArrivedFile arrived = arrival_.await(expected, times, following);
     if (!arrived.name.isEmpty())
         state().lastFileNoticed = arrived.noticedAt;
     return arrived.name;
 }
 
-bool FileVolumeReader::waitAgain(const StopWatch& watch, int pollMilliseconds) {
+bool FileVolumeReader::waitAgain(const StopWatch& watch, const QString& fileName,
+                                 int pollMilliseconds) {
     if (pump().waitsGivenUp() || watch.elapsed() > settings().timeOutMilliseconds)
         return false;
-    pump().pumpWait(pollMilliseconds);
+    arrival_.pause({fileName}, pollMilliseconds);
     return true;
 }
 
@@ -59,7 +61,7 @@ bool FileVolumeReader::readPart(const QString& fileName, const FilePart& part,
             return true;
         if (result == FileBytes::Result::NoMemory)
             return failWith(memoryMessage + fileName + " !");
-        if (!waitAgain(watch))
+        if (!waitAgain(watch, fileName))
             return !pump().waitsGivenUp() && failWith("ERROR: Can not open file !");
     }
 }
