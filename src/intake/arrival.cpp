@@ -68,16 +68,19 @@ private:
 
 bool ArrivalWatch::pause(const QStringList& names, int milliseconds) {
     constexpr qint64 leastPause = 2;
-    constexpr qint64 restPerLook = 9;
     const qint64 start = pump_.milliseconds();
     // A look that meets a tick of the clock is not a slow one.
-    const qint64 look = start - pauseEnd_ - 1;
-    const qint64 least = std::min(qint64(milliseconds), std::max(leastPause, restPerLook * look));
+    const qint64 slowLook = start - pauseEnd_ - 1;
+    // A file is often created under another name and renamed at once: the second change of the two
+    // is not held up.
+    const qint64 rest = std::max(lastWasShort_ ? leastPause : 0, slowLook);
+    const qint64 least = std::min(qint64(milliseconds), rest);
     const bool changed = pump_.pumpWaitForChange(milliseconds, foldersOf(names));
     const qint64 left = start + least - pump_.milliseconds();
     if (changed && left > 0)
         pump_.pumpWait(int(left));
     pauseEnd_ = pump_.milliseconds();
+    lastWasShort_ = pauseEnd_ - start < leastPause;
     return changed;
 }
 

@@ -85,7 +85,7 @@ public:
                                     const FollowingFiles& following = {});
     /// Sleeps for this long, or until the folders of the files change; true when they did. A change
     /// told soon after the last pause comes a little later: files that grow all the time are looked
-    /// at every 2 milliseconds at most, and for a tenth of the time.
+    /// at twice in 2 milliseconds at most, and for half of the time.
     bool pause(const QStringList& names, int milliseconds);
 
 private:
@@ -108,5 +108,6 @@ private:
 
     EventPump& pump_;
     qint64 pauseEnd_; ///< the last one's, in milliseconds of the pump
+    bool lastWasShort_ = false;
     std::map<QString, Seen> ahead_;
 };
