@@ -1,57 +1,14 @@
 // From a mosaic file's being noticed to the feedback on the subject's screen, and to its picture in
 // the feedback folder, at three sizes: the real window, three regions, both displays painted.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "live_scan.h"
+#include "feedback_window.h"
 
-#include "run/window/velo_cortivo.h"
 #include "run/window/velo_cortivo_application.h"
 
-#include <QComboBox>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
 
 namespace {
-
-/// When the feedback of each volume was shown and written.
-class FeedbackClock : public RunListener {
-public:
-    std::vector<BenchClock::time_point> written;
-
-    /// Comes after the feedback.
-    bool drawSubjectDisplay(const VolumeAtHand&) override {
-        written.push_back(BenchClock::now());
-        return false;
-    }
-};
-
-void openFeedback(VeloCortivo& window) {
-    window.slotShowNeurofeedbackDlg();
-    if (auto* screens = window.findChild<QComboBox*>("SubjectScreenCmBx"))
-        screens->setCurrentIndex(screens->findText("In a window"));
-    RunSession& session = window.session();
-    const VolumeSize size = session.functionalDocument->project.size();
-    for (int i = 0; i < 3; ++i)
-        (void)session.regions.selectRectangle({.slice = size.slices / 2 + i,
-                                               .left = size.x / 3,
-                                               .right = size.x / 2,
-                                               .top = size.y / 3,
-                                               .bottom = size.y / 2});
-    session.feedback.change([](FeedbackChoices& choices) { choices.roiMode = useROI1And2And3; });
-}
-
-/// Opens the feedback when the first volume is over.
-class Operator : public RunListener {
-public:
-    explicit Operator(VeloCortivo& window) : window_(window) {}
-    void endOfVolume(const VolumeAtHand& hand) override {
-        if (hand.volume == 0)
-            openFeedback(window_);
-    }
-
-private:
-    VeloCortivo& window_;
-};
 
 void printHistogram(const std::vector<double>& times) {
     constexpr double width = 5.0;
@@ -65,12 +22,6 @@ void printHistogram(const std::vector<double>& times) {
     }
 }
 
-void printTimes(const char* name, std::vector<double> times) {
-    std::ranges::sort(times);
-    std::printf("%-28s %6zu %9.1f %9.1f %9.1f\n", name, times.size(), times[times.size() / 2],
-                times[times.size() * 99 / 100], times.back());
-}
-
 void measure(int columns, int slices, int volumes) {
     QTemporaryDir folder;
     SimulationOptions options = scanOptions(folder.path(), columns, slices, volumes);
@@ -81,40 +32,21 @@ void measure(int columns, int slices, int volumes) {
         std::printf("can't write to %s\n", folder.path().toLocal8Bit().constData());
         return;
     }
-    StandardFolders folders;
-    folders.applicationDataPath = folder.filePath("app/");
-    folders.dataPath = folder.filePath("data/");
-    folders.homePath = folder.path() + "/";
-    createStandardFolders(folders);
-    NoticingPump pump;
-    VeloCortivo window(folders, pump);
-    (void)window.readMasterFile();
-    window.initVars();
-    window.applyWindowSize();
-    window.show();
-    FeedbackClock clock;
-    Operator hand(window);
-    RunListeners& listeners = window.session().listeners;
-    listeners.add(clock, ListenerPlace::Decoder);
-    listeners.add(hand, ListenerPlace::Player);
-    window.setSettingsFile(folder.filePath(scan.options().name + "-1.vco"));
-    window.timerCheckState();
+    FeedbackWindow window(folder.path());
     {
-        const ScannerThread scanner(scan, 400);
-        window.slotRealTimeAnalysis();
+        const ScannerThread scanner(scan, {.shortest = 400, .longest = 400});
+        window.run(scan);
     }
-    // The first file is noticed once more, for the first volume. Feedback begins a little later.
     std::vector<double> times;
-    const size_t behind = pump.noticed.size() - clock.written.size();
-    for (size_t i = size_t(firstLiveVolume); i < clock.written.size(); ++i)
-        times.push_back(millisecondsBetween(pump.noticed[i + behind], clock.written[i]));
+    for (const VolumeMoments& volume : window.moments())
+        times.push_back(volume.sinceNoticed);
     if (times.empty())
         return;
-    const QString name = QStringLiteral("%1x%1x%2").arg(columns).arg(slices);
-    printTimes(qPrintable(name), times);
     std::ranges::sort(times);
+    std::printf("%-28s %6zu %9.0f %9.0f %9.0f\n",
+                qPrintable(QStringLiteral("%1x%1x%2").arg(columns).arg(slices)), times.size(),
+                times[times.size() / 2], times[times.size() * 99 / 100], times.back());
     printHistogram(times);
-    QDir::setCurrent(QDir::tempPath());
 }
 
 } // namespace

@@ -1,61 +1,101 @@
-// Latency from noticing a mosaic file to the status text of its volume, at three sizes.
-// SPDX-License-Identifier: GPL-3.0-or-later
-#include "live_scan.h"
-#include "silent_display.h"
+// From the scanner's closing of the last file of a volume to its being taken, and to its feedback
+// on both screens, for the ways in which scanners write. SPDX-License-Identifier: GPL-3.0-or-later
+#include "feedback_window.h"
 
-#include "run/session/run_session.h"
+#include "run/window/velo_cortivo_application.h"
 
-#include <QGuiApplication>
-#include <QTemporaryDir>
+#include <algorithm>
+#include <array>
 #include <clocale>
 #include <cstdio>
 
 namespace {
 
-class StatusClock : public SilentDisplay {
-public:
-    std::vector<BenchClock::time_point> texts;
-
-    void showLogText(const QString&) override { texts.push_back(BenchClock::now()); }
+struct Way {
+    const char* name;
+    ScannerType type;
+    WayOfWriting writing;
+    ScanPace pace;
+    int settling; ///< milliseconds, of this type of data
 };
 
-void measure(int columns, int slices, int volumes) {
+constexpr std::array ways{
+    Way{"mosaic, renamed when whole",
+        ScannerType::SiemensMosaic,
+        WayOfWriting::Renamed,
+        {.shortest = 150, .longest = 250},
+        30},
+    Way{"mosaic, created and filled",
+        ScannerType::SiemensMosaic,
+        WayOfWriting::InPieces,
+        {.shortest = 150, .longest = 250, .betweenPieces = 15},
+        30},
+    Way{"25 files of one slice each",
+        ScannerType::Dicom,
+        WayOfWriting::InPieces,
+        {.shortest = 350, .longest = 450, .betweenPieces = 1},
+        10},
+};
+
+/// Upper ends of the classes of the histogram, in milliseconds; the last one has none.
+constexpr std::array<double, 8> ends{1, 2, 5, 10, 15, 20, 50, 100};
+
+void print(const char* name, std::vector<double> times) {
+    std::ranges::sort(times);
+    std::printf("  %-22s", name);
+    std::array<int, ends.size() + 1> counts{};
+    for (const double time : times)
+        ++counts[size_t(std::ranges::upper_bound(ends, time) - ends.begin())];
+    for (const int count : counts)
+        std::printf(" %6d", count);
+    std::printf(" %8.1f %8.1f %8.1f\n", times[times.size() / 2], times[times.size() * 99 / 100],
+                times.back());
+}
+
+void measure(const Way& way, int volumes) {
     QTemporaryDir folder;
-    const SimulatedScan scan(scanOptions(folder.path(), columns, slices, volumes));
+    SimulationOptions options = scanOptions(folder.path(), 64, 25, volumes + firstLiveVolume + 2);
+    options.type = way.type;
+    const SimulatedScan scan(options);
     if (!prepareScan(scan)) {
         std::printf("can't write to %s\n", folder.path().toLocal8Bit().constData());
         return;
     }
-    NoticingPump pump;
-    StatusClock display;
-    RunSession session(pump, display);
-    session.settings.settingsFilePath = folder.filePath(scan.options().name + "-1.vco");
+    FeedbackWindow window(folder.path());
+    std::vector<double> taken;
+    std::vector<double> shown;
     {
-        const ScannerThread scanner(scan, 250);
-        session.runButtonPressed();
+        const ScannerThread scanner(scan, way.pace, way.writing);
+        window.run(scan);
+        for (const VolumeMoments& volume : window.moments()) {
+            const BenchClock::time_point closed = scanner.closed(volume.measured);
+            taken.push_back(millisecondsBetween(closed, volume.read) - way.settling);
+            shown.push_back(millisecondsBetween(closed, volume.shown));
+        }
     }
-    // The first file is noticed once more, for the first volume; the first text is that of the
-    // start.
-    std::vector<double> times;
-    for (size_t i = 0; i + 1 < pump.noticed.size() && i + 1 < display.texts.size(); ++i)
-        times.push_back(millisecondsBetween(pump.noticed[i + 1], display.texts[i + 1]));
-    if (times.empty())
+    std::printf("%s, %zu volumes, settling %d ms\n", way.name, taken.size(), way.settling);
+    if (taken.empty())
         return;
-    std::sort(times.begin(), times.end());
-    std::printf("%4dx%3dx%2d %6zu %10.1f %10.1f %10.1f\n", columns, columns, slices, times.size(),
-                times[times.size() / 2], times[times.size() * 99 / 100], times.back());
+    print("read, beyond settling", taken);
+    print("feedback shown", shown);
+    std::fflush(stdout);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    QGuiApplication application(argc, argv);
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    VeloCortivoApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C");
-    const int volumes = argc > 1 ? std::atoi(argv[1]) : 102;
-    std::printf("file noticed to status text, settling of 30 ms included, milliseconds\n"
-                "size        files     median   99 of 100    longest\n");
-    measure(64, 25, volumes);
-    measure(74, 36, volumes);
-    measure(104, 72, volumes);
+    const int volumes = argc > 1 ? std::atoi(argv[1]) : 300;
+    std::printf("64x64x25, milliseconds from the closing of the volume's last file\n%-24s",
+                "  volumes per class");
+    for (const char* range :
+         {"0-1", "1-2", "2-5", "5-10", "10-15", "15-20", "20-50", "50-100", ">100"})
+        std::printf(" %6s", range);
+    std::printf("   median 99 of 100 longest\n");
+    for (const Way& way : ways)
+        measure(way, volumes);
     return 0;
 }

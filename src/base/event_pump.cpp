@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/event_pump.h"
 
+#include "base/folder_watch.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QFileSystemWatcher>
 #include <QTimer>
 #include <utility>
 
@@ -34,24 +35,11 @@ void QtEventPump::pumpWait(int milliseconds) {
 }
 
 bool QtEventPump::pumpWaitForChange(int milliseconds, const QStringList& folders) {
-    watch(folders);
+    if (!watch_)
+        watch_ = makeFolderWatch([this] { changed_ = true; });
+    watch_->watch(folders);
     pumpUntil(milliseconds, changed_);
     return std::exchange(changed_, false);
-}
-
-// Folders that don't exist yet, or were replaced, are watched as soon as they exist.
-void QtEventPump::watch(const QStringList& folders) {
-    if (!watcher_) {
-        watcher_ = std::make_unique<QFileSystemWatcher>();
-        QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, watcher_.get(),
-                         [this] { changed_ = true; });
-    }
-    for (const QString& folder : watcher_->directories())
-        if (!folders.contains(folder))
-            watcher_->removePath(folder);
-    for (const QString& folder : folders)
-        if (!folder.isEmpty() && !watcher_->directories().contains(folder))
-            watcher_->addPath(folder);
 }
 
 void QtEventPump::pumpUntil(int milliseconds, const bool& done) {

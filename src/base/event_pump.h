@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <memory>
 
-class QFileSystemWatcher;
+class FolderWatch;
 
 /// Processes interface events and reads the time, which a test simulates.
 class EventPump {
@@ -15,10 +15,12 @@ public:
     virtual void processEvents() = 0;
     /// Handles events for this long. Nothing in the program waits in any other way during a run.
     virtual void pumpWait(int milliseconds) = 0;
-    /// The same, but returns true as soon as a file is created, deleted or renamed in one of the
-    /// folders, if the system reports it. A change since the last wait for the same folders ends it
-    /// at once. Changes made by other machines on a network mount and the growth of a file are not
-    /// reported, so the caller has to poll in any case.
+    /// The same, but returns true as soon as something happens to a file in one of the folders, if
+    /// the system reports it (base/folder_watch.h). A change since the last wait for the same
+    /// folders ends it at once, and so does the first wait for a folder, where files may have come
+    /// before. Changes made by other machines on a network mount are not reported, and on some
+    /// systems neither is the growth of a file, so the caller has to poll in any case. While a file
+    /// grows, one wait after the other ends at once: the caller paces them.
     virtual bool pumpWaitForChange(int milliseconds, const QStringList& folders) {
         static_cast<void>(folders);
         pumpWait(milliseconds);
@@ -55,10 +57,9 @@ public:
 
 private:
     void pumpUntil(int milliseconds, const bool& done);
-    void watch(const QStringList& folders);
 
-    std::unique_ptr<QFileSystemWatcher> watcher_; ///< made at the first wait for a change
-    bool changed_ = false;                        ///< since the last wait for a change
+    std::unique_ptr<FolderWatch> watch_; ///< made at the first wait for a change
+    bool changed_ = false;               ///< since the last wait for a change
     qint64 eventTime_ = 0;
 };
 

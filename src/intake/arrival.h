@@ -3,10 +3,13 @@
 #pragma once
 
 #include "base/event_pump.h"
+#include "base/plain_file.h"
 
 #include <QString>
 #include <QStringList>
 #include <algorithm>
+#include <functional>
+#include <map>
 
 /// The arrival test. True when the name is not empty, the file exists, can be opened for reading,
 /// and holds at least `size` bytes, or exactly that many without `atLeast`.
@@ -58,12 +61,53 @@ struct ArrivedFile {
     qint64 noticedAt = 0; ///< milliseconds of the pump: when it was seen, before it settled
 };
 
-/// Blocks, processing events, until one of the names has passed the arrival test and the size and
-/// times of the file have not changed for the settling time: a copy may be created at its full size
-/// and filled later. The result has no name on a time-out or when the pump gives up waiting.
-///
-/// A change of the folder, if the system reports it, starts the next round early. After one second
-/// the folder is listed in each round, since a network mount may have cached that a file is
-/// missing.
-[[nodiscard]] ArrivedFile awaitFile(const ExpectedFile& expected, const WaitTimes& times,
-                                    EventPump& pump);
+/// The names, of which one will exist, of the first, second, ... file behind an awaited one; empty
+/// behind the last file of a volume. Their sizes have to pass the same test.
+using FollowingFiles = std::function<QStringList(int step)>;
+
+/// The waits of one reader. Between two looks it sleeps until the folder changes, if the system
+/// reports that, or until the next poll.
+class ArrivalWatch {
+public:
+    explicit ArrivalWatch(EventPump& pump) : pump_(pump), pauseEnd_(pump.milliseconds()) {}
+
+    /// Blocks, processing events, until one of the names has passed the arrival test and the size
+    /// and times of the file have not changed for the settling time: a copy may be created at its
+    /// full size and filled later. A change that is told begins the settling anew at once. The
+    /// result has no name on a time-out or when the pump gives up waiting.
+    ///
+    /// While a file settles, those that follow settle too, as far as they have come: what has held
+    /// still for long enough then is not waited for again, neither by this nor by the next call.
+    ///
+    /// After one second the folder is listed in each poll, since a network mount may have cached
+    /// that a file is missing.
+    [[nodiscard]] ArrivedFile await(const ExpectedFile& expected, const WaitTimes& times,
+                                    const FollowingFiles& following = {});
+    /// Sleeps for this long, or until the folders of the files change; true when they did. A change
+    /// told soon after the last pause comes a little later: files that grow all the time are looked
+    /// at twice in 2 milliseconds at most, and for half of the time.
+    bool pause(const QStringList& names, int milliseconds);
+
+private:
+    /// When a file got the stamp that it still has.
+    struct Seen {
+        FileStamp stamp;
+        qint64 since = 0; ///< milliseconds of the pump
+    };
+    /// What one call waits for.
+    struct Awaited {
+        const ExpectedFile& file;
+        const FollowingFiles& following;
+    };
+    class Polls;
+
+    [[nodiscard]] qint64 unchangedSince(const QString& name, const FileStamp& stamp) const;
+    [[nodiscard]] bool settles(const Awaited& awaited, const QString& name, const FileStamp& stamp,
+                               qint64 end);
+    void lookAhead(const Awaited& awaited);
+
+    EventPump& pump_;
+    qint64 pauseEnd_; ///< the last one's, in milliseconds of the pump
+    bool lastWasShort_ = false;
+    std::map<QString, Seen> ahead_;
+};

@@ -17,11 +17,14 @@ ImageKind ImageKind::singleSlice() {
 }
 
 std::optional<DicomVolumeReader::Image>
-DicomVolumeReader::awaitImage(const ExpectedFile& expected, Stage stage, size_t nrOfSamples) {
+DicomVolumeReader::awaitImage(const ExpectedFile& expected, Stage stage, size_t nrOfSamples,
+                              const FollowingFiles& following) {
     const StopWatch watch = newWatch();
     const FileWaitScope told = tellWait(expected);
-    const QString path = awaitPath(expected, {.timeOutMilliseconds = settings().timeOutMilliseconds,
-                                              .settleMilliseconds = kind_.settleMilliseconds});
+    const QString path = awaitPath(expected,
+                                   {.timeOutMilliseconds = settings().timeOutMilliseconds,
+                                    .settleMilliseconds = kind_.settleMilliseconds},
+                                   following);
     if (!path.isEmpty())
         return readImage(path, watch, stage, nrOfSamples);
     if (stage == Stage::FirstVolume && !pump().waitsGivenUp())
@@ -50,7 +53,7 @@ std::optional<DicomVolumeReader::Image> DicomVolumeReader::readImage(const QStri
             return Image{fileName, samples, found->byteOrder};
         // A file that has all its stated data won't grow.
         const bool whole = found && found->statedLength && samples.size() >= *found->statedLength;
-        if (!whole && waitAgain(watch))
+        if (!whole && waitAgain(watch, fileName))
             continue;
         if (pump().waitsGivenUp())
             return std::nullopt;

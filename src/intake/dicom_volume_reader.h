@@ -34,7 +34,8 @@ protected:
     /// message if a file had arrived, or after a message for a damaged file. Files of the first
     /// volume are also checked for being supported.
     [[nodiscard]] std::optional<Image> awaitImage(const ExpectedFile& expected, Stage stage,
-                                                  size_t nrOfSamples);
+                                                  size_t nrOfSamples,
+                                                  const FollowingFiles& following = {});
     /// Reads a file that has arrived, as FileVolumeReader does, with this kind's message.
     [[nodiscard]] bool readWhole(const QString& fileName, const StopWatch& watch);
     /// False, after a message, for a file that is not supported.

@@ -33,9 +33,10 @@ FileWaitScope FileVolumeReader::tellWait(const ExpectedFile& expected) {
              .timeOutMilliseconds = settings().timeOutMilliseconds}};
 }
 
-QString FileVolumeReader::awaitPath(const ExpectedFile& expected, const WaitTimes& times) {
+QString FileVolumeReader::awaitPath(const ExpectedFile& expected, const WaitTimes& times,
+                                    const FollowingFiles& following) {
     const qint64 start = pump().microseconds();
-    const ArrivedFile arrived = awaitFile(expected, times, pump());
+    const ArrivedFile arrived = arrival_.await(expected, times, following);
     if (!arrived.name.isEmpty()) {
         state().lastFileNoticed = arrived.noticedAt;
         // One of several may have been seen while another was awaited.
@@ -44,11 +45,12 @@ QString FileVolumeReader::awaitPath(const ExpectedFile& expected, const WaitTime
     return arrived.name;
 }
 
-bool FileVolumeReader::waitAgain(const StopWatch& watch, int pollMilliseconds) {
+bool FileVolumeReader::waitAgain(const StopWatch& watch, const QString& fileName,
+                                 int pollMilliseconds) {
     if (pump().waitsGivenUp() || watch.elapsed() > settings().timeOutMilliseconds)
         return false;
     const qint64 start = pump().microseconds();
-    pump().pumpWait(pollMilliseconds);
+    arrival_.pause({fileName}, pollMilliseconds);
     state().waitedForFiles += pump().microseconds() - start;
     return true;
 }
@@ -66,7 +68,7 @@ bool FileVolumeReader::readPart(const QString& fileName, const FilePart& part,
             return true;
         if (result == FileBytes::Result::NoMemory)
             return failWith(memoryMessage + fileName + " !");
-        if (!waitAgain(watch))
+        if (!waitAgain(watch, fileName))
             return !pump().waitsGivenUp() && failWith("ERROR: Can not open file !");
     }
 }

@@ -11,7 +11,8 @@ class FileVolumeReader : public VolumeReader {
 protected:
     enum class Stage { FirstVolume, Loop };
 
-    explicit FileVolumeReader(const IntakeContext& context) : context_(context) {}
+    explicit FileVolumeReader(const IntakeContext& context)
+        : context_(context), arrival_(context.pump) {}
 
     [[nodiscard]] RunSettings& settings() { return context_.settings; }
     [[nodiscard]] const RunSettings& settings() const { return context_.settings; }
@@ -39,11 +40,14 @@ protected:
     /// Tells the display, as long as the result lives, that this file is waited for: until it has
     /// come, can be opened and is whole.
     [[nodiscard]] FileWaitScope tellWait(const ExpectedFile& expected);
-    /// awaitFile(); keeps when the file was noticed.
-    [[nodiscard]] QString awaitPath(const ExpectedFile& expected, const WaitTimes& times);
-    /// Waits for the next poll. False, without waiting, if `watch` has passed the time-out of a
-    /// file, or when the pump has given up waiting.
-    [[nodiscard]] bool waitAgain(const StopWatch& watch, int pollMilliseconds = 100);
+    /// ArrivalWatch::await(); keeps when the file was noticed.
+    [[nodiscard]] QString awaitPath(const ExpectedFile& expected, const WaitTimes& times,
+                                    const FollowingFiles& following);
+    /// Waits for the next poll, or until something happens in the folder of the file. False,
+    /// without waiting, if `watch` has passed the time-out of a file, or when the pump has given up
+    /// waiting.
+    [[nodiscard]] bool waitAgain(const StopWatch& watch, const QString& fileName,
+                                 int pollMilliseconds = 100);
     /// Reads the whole file, or `length` bytes at `offset`, into the buffer; one that can't be
     /// opened is tried again until `watch` has passed the time-out. False after a message; for a
     /// file too large for memory it is `memoryMessage`, the file's name and " !".
@@ -80,5 +84,6 @@ private:
     [[nodiscard]] std::span<int16_t> ofRightSize(std::span<int16_t> volume) const;
 
     IntakeContext context_;
+    ArrivalWatch arrival_;
     FileBytes file_;
 };

@@ -64,8 +64,12 @@ bool GeDicomReader::readSlices(Stage stage, int volume, qint64 base) {
     std::vector<int> missing(size_t(project().NrOfSlices));
     std::iota(missing.begin(), missing.end(), 0);
     while (!missing.empty()) {
-        const ExpectedFile expected{namesOf(base, missing), qint64(2 * nrOfSamples), true};
-        auto image = awaitImage(expected, stage, nrOfSamples);
+        const ExpectedFile expected{namesOf(base, missing, 0), qint64(2 * nrOfSamples), true};
+        const auto following = [&](int step) {
+            return size_t(step) + 1 < missing.size() ? namesOf(base, missing, step + 1)
+                                                     : QStringList();
+        };
+        auto image = awaitImage(expected, stage, nrOfSamples, following);
         if (!image)
             return false;
         const auto found = missing.begin() + expected.names.indexOf(image->path);
@@ -116,8 +120,9 @@ bool GeHdxtDicomReader::prepare() {
 
 // The first number counts files as they arrive, the second one slices: all missing slices are
 // looked for.
-QStringList GeHdxtDicomReader::namesOf(qint64 base, const std::vector<int>& missing) const {
-    const qint64 filesRead = project().NrOfSlices - qint64(missing.size());
+QStringList GeHdxtDicomReader::namesOf(qint64 base, const std::vector<int>& missing,
+                                       int step) const {
+    const qint64 filesRead = project().NrOfSlices - qint64(missing.size()) + step;
     QStringList names;
     for (const int slice : missing)
         names << sliceFileName(gePerSeriesOffset_ + filesRead + base, base + slice);
@@ -168,7 +173,7 @@ bool GeHdxtDicomReader::readHeaders() {
     return true;
 }
 
-QStringList GeXDicomReader::namesOf(qint64 base, const std::vector<int>& missing) const {
-    const qint64 count = base + missing.front();
+QStringList GeXDicomReader::namesOf(qint64 base, const std::vector<int>& missing, int step) const {
+    const qint64 count = base + missing[size_t(step)];
     return {sliceFileName(count + settings().GESeriesNr, count)};
 }

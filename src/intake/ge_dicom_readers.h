@@ -20,10 +20,11 @@ protected:
 
     /// Number after the last "." of the first file's name.
     [[nodiscard]] virtual qint64 firstCount() const = 0;
-    /// Names of the files that may come next: the i-th one would hold slice missing[i], counted
-    /// from 0. `base` is the second number of the volume's first slice.
-    [[nodiscard]] virtual QStringList namesOf(qint64 base,
-                                              const std::vector<int>& missing) const = 0;
+    /// Names that the file may have that comes next, or `step` files later: the i-th of those of
+    /// the next one would hold slice missing[i], counted from 0. `base` is the second number of the
+    /// volume's first slice. `step` is less than the number of missing slices.
+    [[nodiscard]] virtual QStringList namesOf(qint64 base, const std::vector<int>& missing,
+                                              int step) const = 0;
 
     [[nodiscard]] QString sliceFileName(qint64 number, qint64 count) const;
     /// Reads sizes and field of view from the first slice. False after a message when the file
@@ -54,7 +55,8 @@ public:
 
 private:
     [[nodiscard]] qint64 firstCount() const override { return 1; }
-    [[nodiscard]] QStringList namesOf(qint64 base, const std::vector<int>& missing) const override;
+    [[nodiscard]] QStringList namesOf(qint64 base, const std::vector<int>& missing,
+                                      int step) const override;
     [[nodiscard]] bool takeCorner(SliceEnd which);
     [[nodiscard]] bool takeDirections();
 
@@ -70,5 +72,6 @@ public:
 
 private:
     [[nodiscard]] qint64 firstCount() const override { return settings().GEFirstImageNr; }
-    [[nodiscard]] QStringList namesOf(qint64 base, const std::vector<int>& missing) const override;
+    [[nodiscard]] QStringList namesOf(qint64 base, const std::vector<int>& missing,
+                                      int step) const override;
 };

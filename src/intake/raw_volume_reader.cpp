@@ -6,18 +6,24 @@
 std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitSamples(const RawFile& file) {
     const StopWatch watch = newWatch();
     const FileWaitScope told = tellWait(file.expected);
-    const QString path =
-        awaitPath(file.expected, {.timeOutMilliseconds = settings().timeOutMilliseconds,
-                                  .pollMilliseconds = file.pollMilliseconds,
-                                  .settleMilliseconds = file.settleMilliseconds});
+    const QString path = awaitPath(file.expected,
+                                   {.timeOutMilliseconds = settings().timeOutMilliseconds,
+                                    .pollMilliseconds = file.pollMilliseconds,
+                                    .settleMilliseconds = file.settleMilliseconds},
+                                   file.following);
     if (path.isEmpty())
         return std::nullopt;
-    do {
+    const qint64 wholeBytes = file.part.offset + file.part.length;
+    for (bool first = true; first || waitAgain(watch, path, file.pollMilliseconds); first = false) {
+        // One that grows is not read each time that it has grown.
+        const auto stamp = fileStamp(path);
+        if (!first && stamp && stamp->size < wholeBytes)
+            continue;
         if (!readPart(path, file.part, watch, "ERROR: Could not allocate memory to read file:"))
             return std::nullopt;
         if (bytes().size() == size_t(file.part.length))
             return RawImage{path, bytes()};
-    } while (waitAgain(watch, file.pollMilliseconds));
+    }
     return std::nullopt;
 }
 
@@ -27,7 +33,8 @@ std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitHeadedFile(const 
         {.expected = file.firstOfRun ? expectedFirstFile(file.name, fileBytes)
                                      : ExpectedFile{{watchedPath(file.name)}, fileBytes, true},
          .part = {.offset = file.headerBytes, .length = file.sampleBytes},
-         .settleMilliseconds = file.settleMilliseconds});
+         .settleMilliseconds = file.settleMilliseconds,
+         .following = file.following});
     if (!image)
         return std::nullopt;
     if (file.firstOfRun)

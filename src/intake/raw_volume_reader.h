@@ -14,6 +14,7 @@ protected:
         FilePart part;
         int settleMilliseconds = 10;
         int pollMilliseconds = 100;
+        FollowingFiles following = {};
     };
     /// Samples as stored in the file, in the reader's buffer until the next read.
     struct RawImage {
@@ -28,6 +29,7 @@ protected:
         qint64 headerBytes = 0;
         qint64 sampleBytes = 0;
         int settleMilliseconds = 10;
+        FollowingFiles following = {};
     };
 
     using FileVolumeReader::FileVolumeReader;

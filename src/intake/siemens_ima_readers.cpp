@@ -30,10 +30,17 @@ bool SiemensImaSliceReader::readSlices(Stage stage, int volume) {
     if (sliceBytes == 0)
         return false;
     for (int slice = 0; slice < project().NrOfSlices; ++slice) {
+        const auto following = [&](int step) {
+            const int next = slice + 1 + step;
+            return next < project().NrOfSlices
+                       ? QStringList{watchedPath(fileName(stage, volume, next))}
+                       : QStringList();
+        };
         const auto image = awaitHeadedFile({.name = fileName(stage, volume, slice),
                                             .firstOfRun = stage == Stage::FirstVolume && slice == 0,
                                             .headerBytes = imaHeaderBytes,
-                                            .sampleBytes = sliceBytes});
+                                            .sampleBytes = sliceBytes,
+                                            .following = following});
         if (!image || !store(image->samples, targetSlice(stage, volume, slice)))
             return false;
     }

@@ -33,6 +33,7 @@ TEST(GeXDicomReader, OnlyTheFirstVolumeCountsFromTheNumberOfTheSettings) {
     ASSERT_TRUE(reader->prepare() && reader->readFirstVolume() && reader->readVolume(0));
     EXPECT_EQ(valuesOf(run.project.firstVolume), (std::vector{40, 41, 50, 51}));
     EXPECT_EQ(valuesOf(run.project.volumes[0]), (std::vector{50, 51, 60, 61}));
+    EXPECT_EQ(run.pump.milliseconds(), 20) << "slices of a volume settle together";
 }
 
 TEST(GeDicomReaders, SamplesAreTheLastBytesOfAWholeFile) {
@@ -169,6 +170,7 @@ TEST(GeHdxtDicomReader, ScannerFiles) {
         EXPECT_NEAR(position.sliceCenterLast[axis], last[axis], 1e-4);
     }
     ASSERT_TRUE(reader->readVolume(0) && reader->readVolume(1));
+    EXPECT_EQ(run.pump.milliseconds(), 30) << "slices of a volume settle together";
     QCryptographicHash hash(QCryptographicHash::Sha256);
     for (const std::span<const int16_t> volume :
          {run.project.firstVolume.span(), run.project.volumes[0], run.project.volumes[1]})
