@@ -1,9 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/memory.h"
 
+#include "base/freed_memory.h"
+
 #include <QByteArray>
 #include <QFile>
 #include <limits>
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -64,12 +74,35 @@ size_t leftInGroups(const QString& root) {
     return left;
 }
 
+#ifdef Q_OS_UNIX
+/// What is left below the limit of the address space.
+size_t leftOfAddressSpace(const QString& root) {
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
+        return noLimit;
+    const QByteArray pages = contentOf(root + "/proc/self/statm").split(' ').value(0);
+    const size_t used = pages.toULongLong() * size_t(::sysconf(_SC_PAGESIZE));
+    return size_t(limit.rlim_cur) - std::min(used, size_t(limit.rlim_cur));
+}
+#else
+size_t leftOfAddressSpace(const QString&) {
+    return noLimit;
+}
+#endif
+
 } // namespace
 
 size_t availableMemoryBytes(const QString& root) {
     constexpr size_t kilobyte = 1024;
     const size_t free = numberOf(contentOf(root + "/proc/meminfo"), "MemAvailable:", noLimit);
-    return std::min(free < noLimit / kilobyte ? free * kilobyte : noLimit, leftInGroups(root));
+    return std::min({free < noLimit / kilobyte ? free * kilobyte : noLimit, leftInGroups(root),
+                     leftOfAddressSpace(root)});
+}
+
+void returnFreedMemory() {
+#ifdef __GLIBC__
+    ::malloc_trim(0);
+#endif
 }
 
 bool memoryIsAvailable(size_t count, size_t size) {

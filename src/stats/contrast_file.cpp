@@ -273,6 +273,18 @@ bool contrastFileHasNoBaseline(const QString& fileName) {
     return readHeader(stream, header, message) && header.baselinePosInProtocol == 0;
 }
 
+int nrOfContrastsInFile(const QString& fileName) {
+    QString text;
+    QString message;
+    if (!readTextFile(fileName, text))
+        return 0;
+    TokenStream stream(text);
+    Header header;
+    return readHeader(stream, header, message) && canHold(header, text.size() - stream.position())
+               ? header.nrOfContrasts
+               : 0;
+}
+
 bool readContrastFile(const QString& fileName, ContrastDefinitions& contrasts,
                       const DesignMatrix& design, int nrOfConditions) {
     QString text;

@@ -34,6 +34,10 @@
 /// then need a separate entry for the baseline. False, without a message, for any other file.
 [[nodiscard]] bool contrastFileHasNoBaseline(const QString& fileName);
 
+/// What the file states, to plan memory with; 0, without a message, for a file that is none or that
+/// can't hold as many.
+[[nodiscard]] int nrOfContrastsInFile(const QString& fileName);
+
 /// Reads a contrast file. On failure false, after a warning and with the contrasts unchanged.
 [[nodiscard]] bool readContrastFile(const QString& fileName, ContrastDefinitions& contrasts,
                                     const DesignMatrix& design, int nrOfConditions);

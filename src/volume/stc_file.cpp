@@ -35,10 +35,11 @@ std::span<int16_t> sliceOf(FMRProject& project, int volume, int slice) {
                                                    project.sliceSamples());
 }
 
-/// Collects samples into large writes.
+/// Collects samples into large writes, and has them forced out on the way: at the end of gigabytes
+/// that would take long, with nobody to process events.
 class SampleWriter {
 public:
-    explicit SampleWriter(QIODevice& file) : file_(file) { buffer_.reserve(flushSize); }
+    explicit SampleWriter(QFileDevice& file) : file_(file) { buffer_.reserve(flushSize); }
 
     bool add(std::span<const int16_t> samples) {
         const qsizetype start = buffer_.size();
@@ -48,17 +49,26 @@ public:
     }
     bool flush() {
         const bool written = file_.write(buffer_) == buffer_.size();
+        notForcedOut_ += buffer_.size();
         buffer_.resize(0);
-        return written;
+        return written && (notForcedOut_ < forceOutSize || forceOut());
     }
 
 private:
     static constexpr qsizetype flushSize = 1 << 20;
-    QIODevice& file_;
+    static constexpr qsizetype forceOutSize = 64 << 20;
+
+    bool forceOut() {
+        notForcedOut_ = 0;
+        return file_.flush() && forceOutData(file_.handle());
+    }
+
+    QFileDevice& file_;
     QByteArray buffer_;
+    qsizetype notForcedOut_ = 0;
 };
 
-bool writeSlices(const FMRProject& project, int nrOfVolumes, QIODevice& file,
+bool writeSlices(const FMRProject& project, int nrOfVolumes, QFileDevice& file,
                  ProgressReporter* progress, EventPump* pump, int from, int to) {
     const std::vector<int16_t> noSamples(project.sliceSamples(), 0);
     SampleWriter writer(file);

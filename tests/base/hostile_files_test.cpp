@@ -9,6 +9,7 @@
 #include <QScopeGuard>
 #include <QTemporaryDir>
 #include <sys/inotify.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -89,4 +90,20 @@ TEST(AvailableMemory, IsTheSmallestOfSystemAndControlGroups) {
     put(root + "/sys/fs/cgroup/slice/memory.current", "400000\n");
     put(root + "/sys/fs/cgroup/slice/memory.stat", "inactive_file 30000\nactive_file 20000\n");
     EXPECT_EQ(availableMemoryBytes(root), 150000U);
+}
+
+// In a process of its own, which is left with the limit.
+TEST(AvailableMemory, IsNoMoreThanTheAddressSpaceHasLeft) {
+    const auto limitAndAsk = [] {
+        QFile sizes("/proc/self/statm");
+        if (!sizes.open(QIODevice::ReadOnly))
+            std::_Exit(2);
+        const size_t used =
+            sizes.readAll().split(' ')[0].toULongLong() * size_t(::sysconf(_SC_PAGESIZE));
+        constexpr size_t left = size_t(32) << 20;
+        const rlimit limit{used + left, RLIM_INFINITY};
+        const bool limited = ::setrlimit(RLIMIT_AS, &limit) == 0;
+        std::_Exit(limited && availableMemoryBytes() <= left ? 0 : 1);
+    };
+    EXPECT_EXIT(limitAndAsk(), testing::ExitedWithCode(0), "");
 }

@@ -166,6 +166,29 @@ TEST_F(STCFile, HugeSizesAreRefusedBeforeMemoryIsTaken) {
     EXPECT_FALSE(loadFMRProject(loaded, project.projectPath, LoadData::No));
 }
 
+// A sparse file of 5.5 GB, more than 2^31 samples.
+TEST_F(STCFile, VolumesFarBehindInALargeFileAreFound) {
+    project = FMRProject();
+    project.NrOfVolumes = 400;
+    project.ResolutionX = project.ResolutionY = 240;
+    project.NrOfSlices = 120;
+    project.targetFolder = folder.path() + "/";
+    project.projectPath = folder.filePath("run.fmr");
+    ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 400));
+    QFile data(stcFileName(project));
+    ASSERT_TRUE(data.open(QIODevice::WriteOnly) && data.resize(qint64(400) * 120 * 240 * 240 * 2));
+    // Sample (239, 239) of the last slice and volume, and of slice 110 of volume 7.
+    ASSERT_TRUE(data.seek(5529600000 - 2) && data.write("\x39\x30") == 2);
+    ASSERT_TRUE(data.seek(((qint64(110) * 400 + 7) * 57600 + 57599) * 2) &&
+                data.write("\x31\x04") == 2);
+    data.close();
+    ASSERT_TRUE(readVolume(399));
+    EXPECT_EQ(volume[6911999], 12345);
+    ASSERT_TRUE(readVolume(7));
+    EXPECT_EQ(volume[size_t(110) * 57600 + 57599], 1073);
+    EXPECT_EQ(volume[6911999], 0);
+}
+
 TEST_F(STCFile, SliceFilesOfOldRunsAreRead) {
     project = makeRun(folder.path(), 2);
     const FMRProject original = makeRun(folder.path(), 2);

@@ -130,6 +130,21 @@ ModelLimits limitsOfPlannedModel(const QtCortivoDoc& document, const RunSettings
             predictorsThatDependOnOthers(planned, source.NrOfVolumes)};
 }
 
+PlannedModelSize plannedModelSize(const QtCortivoDoc& document, const RunSettings& settings) {
+    const bool hasBaseline = document.contrasts.BaselinePosInProtocol != 0 &&
+                             !contrastFileHasNoBaseline(settings.ContrastFile);
+    constexpr int most = DesignMatrix::maximumPredictors;
+    const int conditions =
+        std::clamp(document.protocol.nrOfConditions() - (hasBaseline ? 1 : 0), 0, most - 1);
+    // Comparisons with the baseline, and at level 2 of all pairs.
+    const int level = settings.AutoContrastGenerationLevel;
+    const int pairs = level == 2 ? conditions * (conditions - 1) / 2 : 0;
+    const int generated = level >= 1 ? conditions + pairs : 0;
+    return {std::min(conditions + 1 + std::max(settings.DriftConfoundPredictors, 0), most),
+            std::max({generated, int(broughtContrasts(document).table.size()),
+                      nrOfContrastsInFile(settings.ContrastFile)})};
+}
+
 bool rebuildDesign(DesignMatrix& design, const QtCortivoDoc& document,
                    const RunSettings& settings) {
     const DesignSource source = designSource(document, settings);

@@ -38,5 +38,14 @@ struct ModelLimits {
 [[nodiscard]] ModelLimits limitsOfPlannedModel(const QtCortivoDoc& document,
                                                const RunSettings& settings);
 
+/// How large the model of a planned run will be, as far as settings and protocol tell: a contrast
+/// file may be refused, and contrasts be generated in its place, so the larger number counts.
+struct PlannedModelSize {
+    int nrOfPredictors = 0;
+    int nrOfContrasts = 0;
+};
+[[nodiscard]] PlannedModelSize plannedModelSize(const QtCortivoDoc& document,
+                                                const RunSettings& settings);
+
 /// Warns of predictors that no data of this run tell apart, unless there are none.
 void tellOfDependentPredictors(const QStringList& predictors);

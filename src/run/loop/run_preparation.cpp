@@ -7,6 +7,7 @@
 #include "base/program_end.h"
 #include "intake/inplane_reader.h"
 #include "run/loop/run_anatomy.h"
+#include "run/loop/run_memory.h"
 #include "run/loop/run_model.h"
 #include "run/loop/run_protocol.h"
 #include "volume/motion_correction.h"
@@ -109,14 +110,7 @@ bool preparePluginMaps(const RunParts& run) {
     const VolumeSize size = run.document.project.size();
     if (run.document.pluginMaps.allocate(maps.count(), size))
         return true;
-    // As a number of bytes it may be beyond any integer.
-    const double gigabytes =
-        double(maps.count()) * double(size.samples()) * double(sizeof(float)) / 1e9;
-    showWarning(QStringLiteral("ERROR: The plug-in has registered %1 maps, which need %2 GB of "
-                               "memory. There is not that much.\n\nClose the window of the plug-in "
-                               "and start again.")
-                    .arg(maps.count())
-                    .arg(gigabytes, 0, 'f', 1));
+    tellOfPluginMapsWithoutMemory(run);
     return false;
 }
 
@@ -228,7 +222,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
         return nullptr;
     tellOfModelLimits(document, settings);
     prepareVmrOverlay(anatomyRun(run));
-    if (!allocateRun(document))
+    if (!runFitsIntoMemory(run) || !allocateRun(document))
         return nullptr;
     if (settings.ShowGODlgAfterPreparation)
         announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");

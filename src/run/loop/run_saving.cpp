@@ -158,6 +158,21 @@ bool runSteps(std::vector<SaveStep>& steps, ProgressReporter& progress) {
     return steps.empty();
 }
 
+// In pieces: maps may be as large as what is left of the memory.
+bool isReadable(const QString& name) {
+    QByteArray piece(1 << 20, Qt::Uninitialized);
+    QFile file(name);
+    if (!openPlainFile(file))
+        return false;
+    qint64 total = 0;
+    for (qint64 length = 1; length > 0; total += std::max<qint64>(length, 0)) {
+        length = file.read(piece.data(), piece.size());
+        if (length < 0)
+            return false;
+    }
+    return total > 0;
+}
+
 // Whether the files are what was to be written. Samples and sizes are compared; a text or a map
 // that was written whole must come back from the disk.
 bool filesReadBack(const RunParts& run, const std::vector<SaveStep>& steps) {
@@ -172,10 +187,6 @@ bool filesReadBack(const RunParts& run, const std::vector<SaveStep>& steps) {
         parseFMR(text, FMRScope::Inspection, header) != FMRParseResult::Ok ||
         header.size() != project.size() || header.NrOfVolumes != volumes)
         return false;
-    const auto isReadable = [](const QString& name) {
-        QFile file(name);
-        return openPlainFile(file) && !file.readAll().isEmpty();
-    };
     const bool othersReadable = std::ranges::all_of(
         steps, [&](const SaveStep& step) { return step.path.isEmpty() || isReadable(step.path); });
     return isReadable(document.protocol.protocolPath) && othersReadable &&

@@ -68,6 +68,17 @@ QString processingText(int fontSize, const QString& settingsFileName) {
     return settingsFileHead(fontSize, settingsFileName) + "\".<br><br>Processing...<br></body>";
 }
 
+QString memoryNeedText(int fontSize, const QString& settingsFileName, const QString& need,
+                       const QString& available, bool noneForPostprocessing) {
+    const QString told =
+        QStringLiteral("<br>This run needs %1 of memory of %2 that are free.<br>%3</body>")
+            .arg(bold(need), available,
+                 noneForPostprocessing
+                     ? QStringLiteral("Post-processing will need more than is left.<br>")
+                     : QString());
+    return processingText(fontSize, settingsFileName).replace("</body>", told);
+}
+
 QString offerText(int fontSize, const QString& settingsFileName) {
     return settingsFileHead(fontSize, settingsFileName) +
            "\".<br><br>Click the \"<b>Record</b>\" button to start processing.<br></body>";

@@ -17,6 +17,11 @@ struct WholeRunModel;
 [[nodiscard]] QString offerText(int fontSize, const QString& settingsFileName);
 [[nodiscard]] QString waitingText(int fontSize, const QString& settingsFileName);
 [[nodiscard]] QString processingText(int fontSize, const QString& settingsFileName);
+/// processingText(), with what the run needs of the memory that is available, both with their
+/// units. `noneForPostprocessing`: the run fits, but no copy of it beside it.
+[[nodiscard]] QString memoryNeedText(int fontSize, const QString& settingsFileName,
+                                     const QString& need, const QString& available,
+                                     bool noneForPostprocessing);
 [[nodiscard]] QString finishedText(int fontSize, const QString& settingsFileName,
                                    const QString& title, bool savedCompletely);
 

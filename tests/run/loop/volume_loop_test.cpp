@@ -192,8 +192,8 @@ TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
          MessageLevel::Warning,
          "ERROR: Unable to open referenced protocol file > x.prt < for reading!"},
         {{{"NrOfVolumes:", "999999"}, {"NrOfSlices:", "4096"}},
-         MessageLevel::Critical,
-         "ERROR: Insufficient memory for creating slice time courses!"}};
+         MessageLevel::Warning,
+         "ERROR: This run needs * GB of memory, and * are free. It is not started.*"}};
     for (const auto& [changes, level, text] : cases) {
         SCOPED_TRACE(text.toStdString());
         writeSession(16, 2, changes);
@@ -202,6 +202,8 @@ TEST_F(VolumeLoopTest, StartFailuresSaySoAndLeaveTheButtonUsable) {
         messages.expect(level, text);
         session.runButtonPressed();
         EXPECT_TRUE(session.report.startFailed);
+        EXPECT_TRUE(session.phase.isIdle());
+        EXPECT_TRUE(QDir(path("results")).isEmpty());
         EXPECT_EQ(programEnd.statuses,
                   std::vector<int>(level == MessageLevel::Critical ? 1 : 0, 1));
     }
