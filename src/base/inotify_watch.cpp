@@ -86,18 +86,19 @@ void InotifyWatch::takeNotices() {
                 notifier_.setEnabled(false);
             return;
         }
-        changed_();
         inotify_event notice{};
         for (size_t at = 0; at + sizeof notice <= size_t(length);
              at += sizeof notice + notice.len) {
             std::memcpy(&notice, notices.data() + at, sizeof notice);
             if ((notice.mask & IN_IGNORED) != 0)
                 forget(notice.wd);
+            else
+                changed_();
         }
     }
 }
 
-// The kernel has given up this watch: its folder is gone, or its disk was unmounted.
+// A watch has ended: its folder was left, is gone, or its disk was unmounted.
 void InotifyWatch::forget(int number) {
     std::erase_if(numbers_, [number](const auto& entry) { return entry.second == number; });
 }
