@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/memory.h"
 
-#include "base/freed_memory.h"
-
 #include <QByteArray>
 #include <QFile>
 #include <limits>

@@ -17,6 +17,10 @@
 /// checked before it is made.
 [[nodiscard]] bool memoryIsAvailable(size_t count, size_t size);
 
+/// Gives what was freed back to the system, which the allocator may keep for later. Only then does
+/// availableMemoryBytes() count it.
+void returnFreedMemory();
+
 /// A zeroed array whose allocation may fail without an exception.
 template<typename T> class ZeroedBuffer {
 public:

@@ -56,14 +56,15 @@ bool loadFMRProjectHeader(FMRProject& project, const QString& fileName) {
     return true;
 }
 
-bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadData) {
+bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadData,
+                    EventPump* pump) {
     if (!readHeader(project, fileName) || (loadData == LoadData::Yes && !checkSTCFiles(project)))
         return false;
-    if (!project.allocateVolumes()) {
+    if (!project.allocateVolumes(pump)) {
         showCritical("ERROR: Insufficient memory for loading the functional project!");
         return false;
     }
-    if (loadData == LoadData::Yes && !readSTCData(project))
+    if (loadData == LoadData::Yes && !readSTCData(project, pump))
         return false;
     findAMRFile(project);
     return true;

@@ -68,9 +68,10 @@ struct FMRProject : FMRHeader {
     RunVolumes volumes;
     Volume firstVolume; ///< as it was read, before any correction
 
-    /// Allocates NrOfVolumes zeroed volumes. False, with none allocated, when memory runs out.
-    [[nodiscard]] bool allocateVolumes() {
-        return volumes.allocate(size_t(std::max(NrOfVolumes, 0)), volumeSamples());
+    /// Allocates NrOfVolumes zeroed volumes. False, with none allocated, when memory runs out. A
+    /// pump processes events meanwhile.
+    [[nodiscard]] bool allocateVolumes(EventPump* pump = nullptr) {
+        return volumes.allocate(size_t(std::max(NrOfVolumes, 0)), volumeSamples(), pump);
     }
 };
 
@@ -86,5 +87,6 @@ enum class LoadData { No, Yes };
 /// short or of another matrix end the program with status 1 after a message.
 ///
 /// Afterwards LoadAMRFile names an existing file, or it and ShowAMRFile have been cleared with a
-/// message.
-[[nodiscard]] bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadData);
+/// message. A pump processes events while volumes are allocated and read.
+[[nodiscard]] bool loadFMRProject(FMRProject& project, const QString& fileName, LoadData loadData,
+                                  EventPump* pump = nullptr);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/run_volumes.h"
 
-bool RunVolumes::allocate(size_t count, size_t samples) {
+#include "base/event_pump.h"
+
+bool RunVolumes::allocate(size_t count, size_t samples, EventPump* pump) {
     clear();
     // Single volumes are small, so the available memory is checked for the whole run.
     if (count != 0 &&
@@ -14,6 +16,8 @@ bool RunVolumes::allocate(size_t count, size_t samples) {
             return false;
         }
         table_.push_back(volume.data());
+        if (pump)
+            pump->processEvents();
     }
     return true;
 }

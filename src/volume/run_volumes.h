@@ -8,6 +8,8 @@
 #include <span>
 #include <vector>
 
+class EventPump;
+
 /// Samples of one volume: x fastest, then y, then slices.
 using Volume = ZeroedBuffer<int16_t>;
 
@@ -16,8 +18,8 @@ using Volume = ZeroedBuffer<int16_t>;
 class RunVolumes {
 public:
     /// Replaces the volumes by `count` zeroed ones of `samples` each. False, with none allocated,
-    /// when memory runs out.
-    [[nodiscard]] bool allocate(size_t count, size_t samples);
+    /// when memory runs out. Since gigabytes take seconds, a pump processes events after each.
+    [[nodiscard]] bool allocate(size_t count, size_t samples, EventPump* pump = nullptr);
     void clear();
 
     [[nodiscard]] size_t size() const { return table_.size(); }

@@ -163,24 +163,28 @@ bool checkSTCFiles(const FMRProject& project) {
     return holdsAll || failShort(name);
 }
 
-bool readSTCData(FMRProject& project) {
+bool readSTCData(FMRProject& project, EventPump* pump) {
     if (!isAllocated(project) || !checkSTCFiles(project))
         return false;
-    if (project.DataStorageFormat == 1) {
-        for (int slice = 0; slice < project.NrOfSlices; ++slice)
-            if (!readSliceSTC(project, slice,
-                              stcSliceFileName(project, project.targetFolder, slice)))
-                return false;
-        return true;
-    }
     const QString name = stcDataFileName(project, project.targetFolder);
     QFile file(name);
-    if (!openPlainFile(file))
+    if (project.DataStorageFormat != 1 && !openPlainFile(file))
         return fail(notOpened(name));
-    for (int slice = 0; slice < project.NrOfSlices; ++slice)
+    const auto readSlice = [&](int slice) {
+        if (project.DataStorageFormat == 1)
+            return readSliceSTC(project, slice,
+                                stcSliceFileName(project, project.targetFolder, slice));
         for (int volume = 0; volume < project.NrOfVolumes; ++volume)
             if (!readSTCSamples(file, sliceOf(project, volume, slice)))
                 return failShort(name);
+        return true;
+    };
+    for (int slice = 0; slice < project.NrOfSlices; ++slice) {
+        if (!readSlice(slice))
+            return false;
+        if (pump)
+            pump->processEvents();
+    }
     return true;
 }
 

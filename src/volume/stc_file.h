@@ -34,8 +34,9 @@
 /// 1 after a message; false then. Extra bytes after the data are ignored.
 [[nodiscard]] bool checkSTCFiles(const FMRProject& project);
 
-/// Checks, then reads the data files of either format into the allocated volumes of the project.
-[[nodiscard]] bool readSTCData(FMRProject& project);
+/// Checks, then reads the data files of either format into the allocated volumes of the project. A
+/// pump processes events after each slice.
+[[nodiscard]] bool readSTCData(FMRProject& project, EventPump* pump = nullptr);
 
 /// Reads one volume, from 0, of another run, whose header is `targetFMR` and whose data are beside
 /// it. `header` receives the other run's header. A missing or short data file, a volume that the

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/run_memory.h"
 
-#include "base/freed_memory.h"
+#include "base/memory.h"
 #include "base/messages.h"
 #include "base/paths.h"
 #include "run/journal/journal_writer.h"

@@ -135,8 +135,8 @@ void tellOfModelLimits(const QtCortivoDoc& document, const RunSettings& settings
 }
 
 // A shortage of memory is found here and not in the middle of a run.
-bool allocateRun(QtCortivoDoc& document) {
-    if (!document.project.allocateVolumes())
+bool allocateRun(QtCortivoDoc& document, EventPump& pump) {
+    if (!document.project.allocateVolumes(&pump))
         return failFatally("ERROR: Insufficient memory for creating slice time courses!");
     const size_t samples = document.project.volumeSamples();
     if (!document.project.firstVolume.allocate(samples))
@@ -222,7 +222,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
         return nullptr;
     tellOfModelLimits(document, settings);
     prepareVmrOverlay(anatomyRun(run));
-    if (!runFitsIntoMemory(run) || !allocateRun(document))
+    if (!runFitsIntoMemory(run) || !allocateRun(document, run.pump))
         return nullptr;
     if (settings.ShowGODlgAfterPreparation)
         announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");

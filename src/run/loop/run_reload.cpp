@@ -31,7 +31,7 @@ bool readRecordedProtocol(QtCortivoDoc& document, const RunSettings& settings) {
 bool loadProject(const RunParts& run) {
     QtCortivoDoc& document = run.document;
     const QString path = document.project.projectPath;
-    if (!loadFMRProject(document.project, path, LoadData::Yes))
+    if (!loadFMRProject(document.project, path, LoadData::Yes, &run.pump))
         return false;
     const FMRProject& project = document.project;
     document.mosaic.MosaicColumns = std::max(project.LayoutNColumns, 1);
