@@ -1,4 +1,4 @@
-// Rigid motion by robust least squares with true derivatives, the exact method.
+// Rigid motion by robust least squares with true derivatives.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
