@@ -57,7 +57,7 @@ VolumeLedger ledgerOf(int nrOfVolumes) {
     ledger.begin(0, 2000.0);
     for (qint64 volume = 0; volume < nrOfVolumes; ++volume) {
         qint64 now = volume * TR;
-        ledger.awaitVolume(now);
+        ledger.startVolume(now);
         ledger.volumeRead(now += 20'000, {});
         for (size_t stage = size_t(VolumeStage::Journal); stage < nrOfVolumeStages; ++stage) {
             ledger.enter(VolumeStage(stage), now);

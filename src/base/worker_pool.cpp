@@ -65,9 +65,10 @@ void WorkerPool::endThreads() {
     threads_.clear();
 }
 
-// Does a part of the loop of the ticket. False when all are taken; `ticket` is the latest then.
-// What is read of the loop before the exchange is the ticket's if the exchange succeeds: a loop
-// with parts left is not followed by another.
+// Tries to do the next part of the loop of `ticket`. False when that loop has no parts left. True
+// also where another thread was faster: nothing was done then, and `ticket` is the present one.
+// What is read of the loop before the exchange belongs to the ticket if the exchange succeeds: a
+// loop with parts left is not followed by another.
 bool WorkerPool::takePart(uint64_t& ticket, size_t thread) {
     const Part part = part_.load(std::memory_order_relaxed);
     const void* context = context_.load(std::memory_order_relaxed);

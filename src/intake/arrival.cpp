@@ -69,11 +69,11 @@ private:
 bool ArrivalWatch::pause(const QStringList& names, int milliseconds) {
     constexpr qint64 leastPause = 2;
     const qint64 start = pump_.milliseconds();
-    // A look that meets a tick of the clock is not a slow one.
-    const qint64 slowLook = start - pauseEnd_ - 1;
-    // A file is often created under another name and renamed at once: the second change of the two
-    // is not held up.
-    const qint64 rest = std::max(lastWasShort_ ? leastPause : 0, slowLook);
+    // What the looks since the last pause took. A millisecond may only be a tick of the clock.
+    const qint64 lookTime = start - pauseEnd_ - 1;
+    // A file is often created under another name and renamed at once: of two changes in a row the
+    // second is not held up.
+    const qint64 rest = std::max(lastWasShort_ ? leastPause : 0, lookTime);
     const qint64 least = std::min(qint64(milliseconds), rest);
     const bool changed = pump_.pumpWaitForChange(milliseconds, foldersOf(names));
     const qint64 left = start + least - pump_.milliseconds();

@@ -31,8 +31,8 @@ struct WaitTimes {
     int settleMilliseconds = 10; ///< from the arrival to the reading
 };
 
-/// Looking at a folder of many files on a slow mount must not freeze the window: this spaces the
-/// looks out, so that they take at most a tenth of the time.
+/// Spaces out the looks at a folder, so that they take at most a tenth of the time: listing many
+/// files on a slow mount must not freeze the window.
 class FolderPace {
 public:
     /// `leastRest`: milliseconds from one look to the next at least.
@@ -83,9 +83,9 @@ public:
     /// that a file is missing.
     [[nodiscard]] ArrivedFile await(const ExpectedFile& expected, const WaitTimes& times,
                                     const FollowingFiles& following = {});
-    /// Sleeps for this long, or until the folders of the files change; true when they did. A change
-    /// told soon after the last pause comes a little later: files that grow all the time are looked
-    /// at twice in 2 milliseconds at most, and for half of the time.
+    /// Sleeps for this long, or until the folders of the files change; true when they did. Where
+    /// changes come quickly it returns a little after them: a file that grows all the time is
+    /// looked at no more than twice in 2 milliseconds, and looking takes at most half of the time.
     bool pause(const QStringList& names, int milliseconds);
 
 private:

@@ -9,6 +9,7 @@
 /// Keeps the file buffer from volume to volume, and nothing else: names are formed anew each time.
 class FileVolumeReader : public VolumeReader {
 protected:
+    /// What is read: the first volume, while a run is prepared, or a volume of the loop.
     enum class Stage { FirstVolume, Loop };
 
     explicit FileVolumeReader(const IntakeContext& context)

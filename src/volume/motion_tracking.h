@@ -15,8 +15,8 @@ public:
     [[nodiscard]] bool setTarget(const VolumeGrid& grid, std::span<const int16_t> target);
 
     struct Found {
-        RigidTransformation
-            transformation; ///< where nothing was found that of the last good volume
+        /// Of the last good volume where this one's was not found.
+        RigidTransformation transformation;
         int steps = 0;
         bool good = false;
     };

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-OpenChoices openChoices(const PostprocessingOptions& options, const FMRHeader& header) {
+AvailableChoices availableChoices(const PostprocessingOptions& options, const FMRHeader& header) {
     const SliceScanTimeOptions& times = options.sliceScanTime;
     const TemporalOptions& temporal = options.temporal;
     const bool timesAreKnown =

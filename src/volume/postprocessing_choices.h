@@ -6,7 +6,7 @@
 #include "volume/postprocessing_options.h"
 
 /// Which choices are available, given the others; none in an unchecked group.
-struct OpenChoices {
+struct AvailableChoices {
     bool direction = false;     ///< not with the measured times
     bool measuredTimes = false; ///< the headers have stated one for each slice
     bool interleaved = false; ///< from the first slice of the direction: for odd numbers of slices
@@ -14,8 +14,8 @@ struct OpenChoices {
     bool highPassCycles = false; ///< needs the filter
     bool gaussianWidth = false;  ///< needs the temporal Gaussian
 };
-[[nodiscard]] OpenChoices openChoices(const PostprocessingOptions& options,
-                                      const FMRHeader& header);
+[[nodiscard]] AvailableChoices availableChoices(const PostprocessingOptions& options,
+                                                const FMRHeader& header);
 
 /// A choice that can be incomplete or impossible.
 enum class PostprocessingChoice {

@@ -32,12 +32,12 @@ FMRHeader header(int nrOfSlices = 25) {
 TEST(PostprocessingChoices, MeasuredTimesRuleOutADirection) {
     PostprocessingOptions options = everything();
     FMRHeader run = header();
-    EXPECT_FALSE(openChoices(options, run).measuredTimes) << "the headers have none";
-    EXPECT_TRUE(openChoices(options, run).direction);
+    EXPECT_FALSE(availableChoices(options, run).measuredTimes) << "the headers have none";
+    EXPECT_TRUE(availableChoices(options, run).direction);
     run.sliceTimes.assign(25, 1.0f);
-    EXPECT_TRUE(openChoices(options, run).measuredTimes);
+    EXPECT_TRUE(availableChoices(options, run).measuredTimes);
     options.sliceScanTime.measuredTimes = true;
-    EXPECT_FALSE(openChoices(options, run).direction);
+    EXPECT_FALSE(availableChoices(options, run).direction);
 }
 
 TEST(PostprocessingChoices, OnlyWhatIsChosenMustBePossible) {

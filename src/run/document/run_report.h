@@ -24,8 +24,10 @@ struct RunReport {
     /// Index of the last valid volume; -1 before a run. Of a run that was reloaded, and of several
     /// runs, the number of volumes: one more than the last index.
     int currentVolume = -1;
-    int interruptedAtVolume = -1; ///< where the operator stopped the run
-    qint64 elapsedRunTime = 0;    ///< milliseconds, set after every volume
+    /// The last valid volume of a run that the operator stopped, or that ended with its journal or
+    /// its saved volumes; -1 of others.
+    int interruptedAtVolume = -1;
+    qint64 elapsedRunTime = 0; ///< milliseconds, set after every volume
     CycleTimes times;
     QString slowPlugin; ///< name of the plug-in when its pluginTime is more than half of the TR
     bool motionCorrectionFailed = false;

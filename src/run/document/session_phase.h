@@ -9,7 +9,7 @@ enum class Phase {
     Saving,         ///< from the end of the loop until the run is on disk
     Reloading,      ///< a finished run is loaded from disk, with its model
     PostProcessing, ///< the volumes in memory are changed, written under new names and fitted
-    Analysing,      ///< the model of a complete run, or of several runs, is fitted
+    Analysing,      ///< a model of complete data is fitted, or a dialog does long work
 };
 
 /// Owned by the session. Menus, controls, the timer and all slots query it for what is allowed now.

@@ -47,7 +47,7 @@ void VolumeLedger::begin(qint64 now, double TR) {
         TR_ = std::llround(TR * microseconds);
 }
 
-void VolumeLedger::awaitVolume(qint64 now) {
+void VolumeLedger::startVolume(qint64 now) {
     open_ = false;
     mark_ = now;
 }

@@ -7,12 +7,12 @@
 #include <span>
 #include <vector>
 
-/// Every moment of a volume belongs to one of these, in the order of the columns of the table. The
-/// first two of those that are no work: waiting for the files of the scanner, and the forced delay
-/// of a replay (Holding).
+/// Every moment of a volume belongs to one of these, in the order of the columns of the table. Two
+/// of them are not work: waiting for the files of the scanner (Waiting), and the forced delay of a
+/// replay (Holding).
 enum class VolumeStage {
     Waiting, ///< for the files, until each was seen
-    Reading, ///< with the settling of the files, and work on those that came before the last
+    Reading, ///< of all files of the volume, with the time in which they settle
     Journal,
     PlugIn, ///< both calls
     Motion,
@@ -27,8 +27,8 @@ enum class VolumeStage {
     Decoder,
     Model,   ///< with the t values
     Maps,    ///< clusters
-    Drawing, ///< grey images and views
-    Window   ///< its events, also those before the files came, and all that is left
+    Drawing, ///< grey images; telling the views what to show
+    Window   ///< its events, in which the views are painted, and all that is left
 };
 inline constexpr size_t nrOfVolumeStages = size_t(VolumeStage::Window) + 1;
 
@@ -69,17 +69,17 @@ class VolumeLedger {
 public:
     /// The loop begins; forgets the run before. `TR` in milliseconds.
     void begin(qint64 now, double TR);
-    /// The loop turns to the next volume. One that has been awaited and not read is forgotten.
-    void awaitVolume(qint64 now);
-    /// It has come and counts.
+    /// The loop turns to the next volume, which is listed once it has been read.
+    void startVolume(qint64 now);
+    /// The volume has been read and counts.
     void volumeRead(qint64 now, const VolumeReading& reading);
     /// From now on the volume passes this stage. Without a volume nothing happens.
     void enter(VolumeStage stage, qint64 now);
     /// The volume at hand is held until this time after the start of the run, and the next one by
     /// a TR longer.
     void holdTo(qint64 sinceStart);
-    /// The volume is done so far; it is one of volumes() now. What follows until the next one is
-    /// awaited still belongs to it, up to the last call.
+    /// The volume is done, as far as is known, and is one of volumes() from now on. May be called
+    /// again before the next one starts: time up to the last call belongs to this volume.
     void settle(qint64 now);
 
     /// Those that are done.
@@ -95,8 +95,8 @@ public:
     [[nodiscard]] bool isSlow(const VolumeTimes& volume) const {
         return TR_ > 0 && 4 * volume.needed() > 3 * TR_;
     }
-    /// The volume was waited for, and came more than half a TR later after the one before than it
-    /// should: scanner, network or disk kept it back, not the program.
+    /// The volume was waited for, and came more than one and a half TR after the one before:
+    /// scanner, network or disk kept it back, not the program.
     [[nodiscard]] bool cameLate(const VolumeTimes& volume) const {
         return TR_ > 0 && !volume.played && volume.of(VolumeStage::Waiting) > 0 &&
                2 * volume.sinceLast > 3 * TR_;

@@ -26,7 +26,8 @@ public:
     /// HTML text for the panel LogInfos.
     virtual void showLogText(const QString& html) = 0;
     virtual void refreshViewButtons() = 0;
-    /// Repaints the visible view: slices, maps, both.
+    /// The visible view shows the present state from its next painting on, which comes with the
+    /// events; only then are its slices and maps composed.
     virtual void updateViews() = 0;
     /// The box that shows how far saving has come; it closes when it is deleted. The busy cursor is
     /// on as long.

@@ -56,7 +56,7 @@ size_t wholeRunBytes(const RunMemorySizes& sizes) {
     return sizes.volume.samples() * (rows * sizeof(float) + sizeof(uint8_t));
 }
 
-// As a number of bytes it may be beyond any integer.
+// As an integer it might overflow: a plug-in may register any number of maps.
 double pluginMapBytes(const RunParts& run) {
     return double(run.requests.pluginMaps.count()) * double(run.document.project.volumeSamples()) *
            double(sizeof(float));

@@ -19,8 +19,9 @@ struct RunMemorySizes {
     std::optional<MotionMethod> motion; ///< none without motion correction
 };
 
-/// Bytes, by part. What is small whatever the sizes, and what the program holds without a run, an
-/// anatomy that is loaded included, is not counted.
+/// Bytes, by part. Not counted: what stays small at any size, and what the program holds without a
+/// run, such as a loaded anatomy. Whatever a run allocates by the size of a volume has its line
+/// here.
 struct RunMemory {
     size_t volumes = 0; ///< all of the run
     size_t images = 0;  ///< first and working volume, inplanes, slices, mosaic, cube of the slices
@@ -31,7 +32,8 @@ struct RunMemory {
     size_t wholeRunModel = 0;  ///< after it
     size_t postprocessing = 0; ///< more than the run itself, where it is post-processed
 
-    /// At the most: the live model is freed before the model of the complete run is fitted.
+    /// The most that is in use at any time: the live model is freed before the model of the
+    /// complete run is fitted.
     [[nodiscard]] size_t ofRun() const;
 };
 
@@ -44,10 +46,10 @@ struct RunMemory {
 /// "14.6 GB" (1e9 bytes); in MB below 1 GB.
 [[nodiscard]] QString memoryText(size_t bytes);
 
-/// Compares the need with what is available, which is told in the panel where the need is 1 GB or
-/// more. False, after a warning, when the run, or the maps of a plug-in beside it, don't fit:
-/// nothing has been allocated then.
+/// Compares the need with what is available; from 1 GB on the panel shows both. False, after a
+/// warning, when the run, or the maps of a plug-in beside it, don't fit: nothing has been allocated
+/// then.
 [[nodiscard]] bool runFitsIntoMemory(const RunParts& run);
 
-/// The maps that a plug-in has registered don't fit.
+/// Warns that the maps that a plug-in has registered don't fit.
 void tellOfPluginMapsWithoutMemory(const RunParts& run);

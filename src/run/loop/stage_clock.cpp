@@ -21,11 +21,11 @@ VolumeStage stageOf(VolumeStep step) {
     return VolumeStage::Window;
 }
 
-void StageClock::awaitVolume(IntakeState& intake) {
+void StageClock::startVolume(IntakeState& intake) {
     intake.lastFileNoticed = -1;
     intake.waitedForFiles = 0;
     eventTime_ = pump_.eventTime();
-    ledger_.awaitVolume(now());
+    ledger_.startVolume(now());
 }
 
 void StageClock::volumeRead(const IntakeState& intake, bool played) {

@@ -15,9 +15,9 @@ public:
     StageClock(VolumeLedger& ledger, const EventPump& pump) : ledger_(ledger), pump_(pump) {}
 
     [[nodiscard]] qint64 now() const { return pump_.microseconds(); }
-    /// The reader is about to be asked for a volume: forgets what it told of the one before.
-    void awaitVolume(IntakeState& intake);
-    /// The volume has come and counts.
+    /// The reader is about to be asked for a volume: resets what it said of the one before.
+    void startVolume(IntakeState& intake);
+    /// The volume has been read and counts.
     void volumeRead(const IntakeState& intake, bool played);
     void enter(VolumeStage stage) const { ledger_.enter(stage, now()); }
     /// For a hook whose time is counted as `stage`. Journal and plug-in take part in several hooks;

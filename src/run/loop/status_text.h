@@ -25,10 +25,10 @@ struct WholeRunModel;
 [[nodiscard]] QString finishedText(int fontSize, const QString& settingsFileName,
                                    const QString& title, bool savedCompletely);
 
-/// The status of report.currentVolume, with what the times of the volumes give reason to say.
+/// The status of report.currentVolume, with timingPart().
 [[nodiscard]] QString volumeStatusText(const RunReport& report, const OperatorRequests& requests,
                                        const RunSettings& settings, const QtCortivoDoc& document);
-/// What the times of the volumes give reason to say: lines that begin with "<br>", or nothing.
+/// The sentences of timingWarnings() as lines that begin with "<br>"; empty without any.
 [[nodiscard]] QString timingPart(const VolumeLedger& ledger);
 
 /// Head of the texts around saving: where the loop stopped and when.

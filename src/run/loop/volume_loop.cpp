@@ -7,6 +7,7 @@
 #include "run/loop/run_protocol.h"
 #include "run/loop/stage_clock.h"
 #include "run/loop/status_text.h"
+#include "run/loop/volume_preprocessing.h"
 #include "run/protocol/stimulation_protocol.h"
 #include "stats/clusters.h"
 
@@ -37,11 +38,11 @@ private:
     void showMaps();
     void releaseModel();
     void save();
-    [[nodiscard]] VolumeAtHand hand() const {
+    [[nodiscard]] VolumeAtHand atHand() const {
         return {document_, volumeIndex_, reader_.playsMeasuredVolumes()};
     }
     [[nodiscard]] bool step(VolumeStep which) const {
-        return run_.listeners.atStep(which, hand(), stages_.listenersAs(stageOf(which)));
+        return run_.listeners.atStep(which, atHand(), stages_.listenersAs(stageOf(which)));
     }
     void endOfVolume(bool continues);
 
@@ -66,7 +67,7 @@ LoopEnd VolumeLoop::execute() {
         closeProtocol(document_);
         return LoopEnd::NotStarted;
     }
-    // For those that ask before the first volume is worked on.
+    // Listeners may ask for the tables before the first volume has passed that step.
     buildTables();
     runClock_.restart();
     cycleClock_.restart();
@@ -106,9 +107,9 @@ bool VolumeLoop::takeVolume() {
 
 void VolumeLoop::endOfVolume(bool continues) {
     VolumeLedger& ledger = document_.ledger;
-    ledger.settle(stages_.now()); // for those that show it; their own time is added
-    run_.listeners.endOfVolume(hand(), stages_.listenersAs(VolumeStage::Drawing));
-    // Clusters and views came after the text that is shown.
+    ledger.settle(stages_.now()); // for listeners that show it; their own time is added below
+    run_.listeners.endOfVolume(atHand(), stages_.listenersAs(VolumeStage::Drawing));
+    // The text was written before the clusters and the views: what they took may make it slow.
     if (continues && ledger.isSlow(ledger.volumes().back()))
         showStatusText();
     ledger.settle(stages_.now());
@@ -116,7 +117,7 @@ void VolumeLoop::endOfVolume(bool continues) {
 
 bool VolumeLoop::readVolume() {
     stepClock_.restart();
-    stages_.awaitVolume(run_.intake);
+    stages_.startVolume(run_.intake);
     if (!reader_.readVolume(volumeIndex_) && !run_.pump.waitsGivenUp()) {
         if (reader_.isAtEnd())
             run_.report.interruptedAtVolume = run_.report.currentVolume;
@@ -143,7 +144,7 @@ bool VolumeLoop::readVolume() {
 
 bool VolumeLoop::passStepsBeforeModel() {
     const bool goesOn =
-        run_.listeners.beforeVolume(hand(), stages_.listenersAs(VolumeStage::Window));
+        run_.listeners.beforeVolume(atHand(), stages_.listenersAs(VolumeStage::Window));
     preprocess();
     run_.display.refreshViewButtons();
     stages_.enter(VolumeStage::Protocol);
@@ -169,7 +170,7 @@ void VolumeLoop::buildTables() {
 void VolumeLoop::showToSubject() {
     stages_.enter(VolumeStage::Feedback);
     stepClock_.restart();
-    if (run_.listeners.drawSubjectDisplay(hand()))
+    if (run_.listeners.drawSubjectDisplay(atHand()))
         run_.report.times.feedbackTime = stepClock_.elapsed();
 }
 

@@ -5,7 +5,7 @@
 #include "run/loop/run_parts.h"
 
 enum class LoopEnd {
-    NotStarted,  ///< memory ran out before the first volume; nothing is saved
+    NotStarted,  ///< no memory for the model; no volume was read, nothing is saved
     Complete,    ///< last volume, a time-out, or a listener that ended the run; saved
     Interrupted, ///< the operator's stop; saved likewise
 };
@@ -13,7 +13,3 @@ enum class LoopEnd {
 /// Runs the loop on a prepared run and saves what was recorded. Every failure inside ends the loop
 /// by itself, after its message.
 LoopEnd runVolumeLoop(const RunParts& run, VolumeReader& reader);
-
-/// Motion correction, then smoothing, as the settings ask for them. Volume 0 is never corrected: it
-/// is the target of the others, unless that comes from another run. Processes no events.
-void preprocessVolume(const RunParts& run, int volumeIndex);

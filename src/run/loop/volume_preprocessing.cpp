@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/loop/volume_loop.h"
+#include "run/loop/volume_preprocessing.h"
 
 #include "base/messages.h"
 

@@ -13,7 +13,6 @@
 #include "run/loop/volume_loop.h"
 #include "run/settings/settings_file.h"
 #include "stats/numerics/matrix_products.h"
-#include "volume/postprocessing_names.h"
 
 #include <QScopeGuard>
 
@@ -236,34 +235,6 @@ bool RunSession::loadRun() {
                                       paths::fileName(functionalDocument->project.projectPath));
     display_.showLogText(report.outcomeText);
     return true;
-}
-
-int RunSession::volumesForPostprocessing() const {
-    return phase.isIdle() && functionalDocument
-               ? recordedVolumes(report, functionalDocument->project)
-               : 0;
-}
-
-bool RunSession::postprocess(const PostprocessingOptions& options, bool recomputeStatistics,
-                             ProgressReporter& progress) {
-    const int volumes = volumesForPostprocessing();
-    // It changes the samples in memory, which may be nowhere else.
-    return volumes > 0 && mayLeaveRun() && inPhase(Phase::PostProcessing, [&] {
-               const bool done =
-                   postprocessRunInMemory(parts(), volumes, options, recomputeStatistics, progress);
-               regions.samplesChanged();
-               listeners.samplesChanged();
-               if (!done)
-                   return false;
-               const FMRProject& project = functionalDocument->project;
-               const QString name = paths::fileName(
-                   makePostprocessedNames(project.projectPath, project.Prefix, options).fmrName);
-               report.outcomeText =
-                   postprocessedText(requests.logFontSize, name,
-                                     options.motion.checked ? report.volumesWithoutMotion : 0);
-               display_.showLogText(report.outcomeText);
-               return true;
-           });
 }
 
 bool RunSession::analyse(const QString& text, const std::function<bool(ProgressReporter&)>& work) {

@@ -1,5 +1,7 @@
 // One operator's session: settings, phase, documents, and every operation that the operator has.
-// SPDX-License-Identifier: GPL-3.0-or-later
+// Its functions are in run_session.cpp, session_controls.cpp (maps and background),
+// session_replay.cpp (journals, recovery, replay) and session_postprocessing.cpp; each of its parts
+// has a file of its own. SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/event_pump.h"
@@ -176,6 +178,7 @@ private:
     void endJournal(bool runDone);
     void endPlayedJournal(const JournalRun& source, const QString& path);
     [[nodiscard]] bool loadRun();
+    void showPostprocessed(const PostprocessingOptions& options);
     void replaceDocuments();
     void takeUpChanges();
     void keepChosenROISlices();

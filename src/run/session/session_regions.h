@@ -72,12 +72,11 @@ public:
     void setSelectOnlyMapVoxels(bool on);
     /// Switches one of the logs (saveRTPs, saveROITimeCourses, saveROIBetaTimeCourses).
     void setLog(bool OperatorRequests::*log, bool on);
-    /// The volumes in memory have changed, by post-processing.
-    void samplesChanged();
 
     void documentsLeaving() override;
     void documentsArrived(QtCortivoDoc& functional) override;
     void runPrepared(QtCortivoDoc& functional) override;
+    void samplesChanged() override;
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
     void loopEnded(QtCortivoDoc& document) override;
     void recordPlayed(const RunRecord& record) override;

@@ -313,12 +313,6 @@ void addMeshesAndFeedback(Table& t) {
     add(singleRun, Entry(Folder, "FeedbackTargetFolder:", &S::FeedbackTargetFolder)
                        .present(Presence::OptionalAtEnd)
                        .then(FieldEffect::FeedbackFolder));
-    add(singleRun, Entry(Integer, "MotionCorrectionMethod:", &S::MotionCorrectionMethod)
-                       .within(0, 2)
-                       .present(Presence::Extension));
-    add(singleRun, Entry(Integer, "NrOfThreads:", &S::NrOfThreads)
-                       .within(0, maximumThreads)
-                       .present(Presence::Extension));
 }
 
 void addIntraSession(Table& t) {
@@ -332,11 +326,20 @@ void addIntraSession(Table& t) {
     t.push_back(groupEnd().since(2));
 }
 
+// Keys of this program's own, behind all that others know. New ones come last.
+void addExtensions(Table& t) {
+    const auto add = [&](Entry entry) {
+        t.push_back(entry.onlyIf(singleRun).since(2).present(Presence::Extension));
+    };
+    add(Entry(Integer, "MotionCorrectionMethod:", &S::MotionCorrectionMethod).within(0, 2));
+    add(Entry(Integer, "NrOfThreads:", &S::NrOfThreads).within(0, maximumThreads));
+}
+
 Table makeTable() {
     Table table;
     for (const auto addGroup :
          {addHead, addMultiRun, addFolders, addTypeBlock, addSizes, addNamesAndTimes, addAnalysis,
-          addInplane, addFlip, addIntraSession, addVMR, addMeshesAndFeedback})
+          addInplane, addFlip, addIntraSession, addVMR, addMeshesAndFeedback, addExtensions})
         addGroup(table);
     return table;
 }

@@ -36,8 +36,8 @@ MotionPlotDlg::MotionPlotDlg(RunSession& session, QWidget* parent)
     layOut();
     prepareDialog(*this);
     resize(640, 690); // beside it the slices and the run button stay visible
-    rest_.setSingleShot(true);
-    connect(&rest_, &QTimer::timeout, this, &MotionPlotDlg::refresh);
+    dvarsTimer_.setSingleShot(true);
+    connect(&dvarsTimer_, &QTimer::timeout, this, &MotionPlotDlg::refresh);
     session_.listeners.add(*this, ListenerPlace::Plots);
     takeVolumes();
 }
@@ -88,7 +88,7 @@ void MotionPlotDlg::takeVolumes() {
 }
 
 void MotionPlotDlg::documentsLeaving() {
-    rest_.stop();
+    dvarsTimer_.stop();
     dvars_.clear();
     volumes_ = 0;
     drawNothing();
@@ -118,7 +118,7 @@ void MotionPlotDlg::samplesChanged() {
     dvars_.clear();
     takeVolumes();
     if (isVisible())
-        rest_.start(0); // DVARS when the phase is over
+        dvarsTimer_.start(0); // DVARS when the phase is over
 }
 
 void MotionPlotDlg::showEvent(QShowEvent* event) {
@@ -134,7 +134,7 @@ void MotionPlotDlg::renew() {
 
 void MotionPlotDlg::hideEvent(QHideEvent* event) {
     QDialog::hideEvent(event);
-    rest_.stop();
+    dvarsTimer_.stop();
 }
 
 void MotionPlotDlg::computeDVARS() {
@@ -147,7 +147,7 @@ void MotionPlotDlg::computeDVARS() {
     const size_t atMost = samplesInOneStep / std::max<size_t>(project.volumes.samplesOfEach(), 1);
     if (!dvars_.update(project.volumes, volumes_, document->mask.voxels,
                        int(std::max<size_t>(atMost, 1))))
-        rest_.start(0);
+        dvarsTimer_.start(0);
 }
 
 void MotionPlotDlg::refresh() {

@@ -63,7 +63,7 @@ private:
     Plotter* times_;
     QLabel* readOut_;
     QLabel* timesReadOut_;
-    QTimer rest_;
+    QTimer dvarsTimer_; ///< goes on with DVARS that are missing
     RunDVARS dvars_;
     int volumes_ = 0; ///< measured ones of the run in memory
     bool corrected_ = false;

@@ -149,16 +149,16 @@ QString PostprocessingDlg::resultText() const {
 
 void PostprocessingDlg::onChanged() {
     const PostprocessingOptions chosen = options();
-    const OpenChoices open = openChoices(chosen, header_);
-    ui_->m_AscendingOrder->setEnabled(open.direction);
-    ui_->m_DescendingOrder->setEnabled(open.direction);
-    ui_->m_InterleavedOrder->setEnabled(open.interleaved);
-    ui_->m_MeasuredOrder->setEnabled(open.measuredTimes);
-    ui_->m_LinearTrendRemoval->setEnabled(open.linearTrend);
-    ui_->m_HighPassCycles->setEnabled(open.highPassCycles);
-    ui_->m_TemporalGaussianWidth->setEnabled(open.gaussianWidth);
-    ui_->m_TemporalGaussInSeconds->setEnabled(open.gaussianWidth);
-    ui_->m_TemporalGaussInDataPoints->setEnabled(open.gaussianWidth);
+    const AvailableChoices available = availableChoices(chosen, header_);
+    ui_->m_AscendingOrder->setEnabled(available.direction);
+    ui_->m_DescendingOrder->setEnabled(available.direction);
+    ui_->m_InterleavedOrder->setEnabled(available.interleaved);
+    ui_->m_MeasuredOrder->setEnabled(available.measuredTimes);
+    ui_->m_LinearTrendRemoval->setEnabled(available.linearTrend);
+    ui_->m_HighPassCycles->setEnabled(available.highPassCycles);
+    ui_->m_TemporalGaussianWidth->setEnabled(available.gaussianWidth);
+    ui_->m_TemporalGaussInSeconds->setEnabled(available.gaussianWidth);
+    ui_->m_TemporalGaussInDataPoints->setEnabled(available.gaussianWidth);
     ui_->m_SliceOrderInfo->setText(sliceOrderText(header_, chosen.sliceScanTime));
     const QString unfinished = findUnfinishedChoice(chosen).text;
     ui_->m_ResultInfo->setText(unfinished.isEmpty() ? resultText() : unfinished);

@@ -27,7 +27,7 @@ TEST(VolumeLedger, TellsWaitingFromReadingAndFromTheWindow) {
         VolumeLedger ledger;
         ledger.begin(1000, 2.0);
         ledger.enter(VolumeStage::Model, 1000); // no volume is at hand
-        ledger.awaitVolume(1000);
+        ledger.startVolume(1000);
         ledger.volumeRead(1100, reading);
         EXPECT_TRUE(ledger.volumes().empty());
         ledger.settle(1101);
