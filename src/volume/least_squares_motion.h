@@ -1,5 +1,5 @@
-// Rigid motion by robust least squares with true derivatives: the exact method of motion
-// correction. SPDX-License-Identifier: GPL-3.0-or-later
+// Rigid motion by robust least squares with true derivatives.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "volume/motion_samples.h"
