@@ -1,5 +1,5 @@
-// From the scanner's closing of the last file of a volume to its being taken, and to its feedback
-// on both screens, for the ways in which scanners write. SPDX-License-Identifier: GPL-3.0-or-later
+// From the scanner's closing of the last file of a volume to its feedback on both screens.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "feedback_window.h"
 
 #include "run/window/velo_cortivo_application.h"
