@@ -48,7 +48,7 @@ VELO_SIMD_CLONES void storeBlock(const BlockOfRow& block, int16_t* to) {
     const float* values = block.values.data();
     const float* inside = block.inside.data();
     for (size_t i = 0; i < count; ++i) {
-        const float bounded = std::min(std::max(values[i] * inside[i], 0.0f), 65535.0f);
+        const float bounded = std::min(std::max(0.0f, values[i] * inside[i]), 65535.0f);
         to[i] = int16_t(uint16_t(int(bounded + 0.5f)));
     }
 }

@@ -77,7 +77,8 @@ template<size_t taps>
                                             AxisTaps<taps>& found) {
     const float last = float(size - 1);
     for (size_t i = 0; i < count; ++i) {
-        const float inside = std::min(std::max(positions[i], 0.0f), last);
+        // In this order NaN counts as 0: voxels of an absurd size have no position.
+        const float inside = std::min(std::max(0.0f, positions[i]), last);
         const int32_t index = int32_t(inside);
         std::array<float, taps> weights;
         splineWeights(inside - float(index), weights);

@@ -33,7 +33,7 @@ public:
     void setSamples(std::span<const int16_t> samples, WorkerPool& workers = callersThread());
 
     /// Positions in voxels from 0, one array for each axis. Positions outside the volume are moved
-    /// to its border.
+    /// to its border, and those that are NaN to 0.
     struct Positions {
         const float* x;
         const float* y;

@@ -150,6 +150,16 @@ TEST_F(LeastSquaresMotionTest, RefusesWhatIsNoVolumeOfTheRun) {
     EXPECT_FALSE(motion_.fit(source_, {}));
 }
 
+// As a damaged header states them: positions in millimetres are infinite, or no numbers.
+TEST_F(LeastSquaresMotionTest, VoxelsOfAnAbsurdSizeGiveNoMotion) {
+    for (const float spacing : {1e38f, 1e-40f}) {
+        VolumeGrid grid = grid_;
+        grid.spacing = {spacing, spacing, spacing};
+        ASSERT_TRUE(motion_.setTarget(grid, target_));
+        EXPECT_FALSE(motion_.fit(target_, {})) << spacing;
+    }
+}
+
 TEST(RigidTransformationOfAMatrix, GivesTheParametersBack) {
     const RigidTransformation t{1.5f, -2.0f, 0.25f, 10.0f, -20.0f, 170.0f};
     const RigidTransformation found = rigidTransformation(t.matrix());

@@ -88,9 +88,9 @@ TEST(SplineVolume, SmallVolumesStayInBounds) {
             SplineVolume spline;
             ASSERT_TRUE(spline.allocate(grid, degree));
             spline.setSamples(samples);
-            const std::array<float, 3> x{-50.0f, 0.4f, 50.0f};
-            std::array<float, 3> values{};
-            spline.sample({x.data(), x.data(), x.data()}, 3, values.data());
+            const std::array<float, 4> x{-50.0f, 0.4f, 50.0f, std::nanf("")};
+            std::array<float, 4> values{};
+            spline.sample({x.data(), x.data(), x.data()}, values.size(), values.data());
             for (const float value : values)
                 EXPECT_NEAR(value, 65531.0f, 0.5f);
         }

@@ -71,7 +71,7 @@ QString processingText(int fontSize, const QString& settingsFileName) {
 QString memoryNeedText(int fontSize, const QString& settingsFileName, const QString& need,
                        const QString& available, bool noneForPostprocessing) {
     const QString told =
-        QStringLiteral("<br>This run needs %1 of memory of %2 that are free.<br>%3</body>")
+        QStringLiteral("<br>This run needs %1 of the %2 of memory that are free.<br>%3</body>")
             .arg(bold(need), available,
                  noneForPostprocessing
                      ? QStringLiteral("Post-processing will need more than is left.<br>")
