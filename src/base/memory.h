@@ -8,8 +8,9 @@
 #include <new>
 #include <span>
 
-/// Bytes available without swapping, or within the limits of the process's control groups if that
-/// is less; the largest size_t if neither is known. `root` is prepended to the paths that are read.
+/// Bytes available without swapping, or within the limits of the process's control groups or of its
+/// address space if that is less; the largest size_t if none is known. `root` is prepended to the
+/// paths that are read.
 [[nodiscard]] size_t availableMemoryBytes(const QString& root = QString());
 
 /// True when `count` items of `size` bytes neither overflow nor exceed the available memory.

@@ -37,6 +37,7 @@ TEST_F(RunMemoryTest, IsWhatTheRunTakes) {
         EXPECT_EQ(need().images, 256u * (2 * 2 + 4) + 8 * 64 * 4 + 256 * 256 * 256);
         EXPECT_EQ(need().motion, 2 * document.motion.motionTarget.size() * sizeof(int16_t));
     };
+    messages.expectInformation("INFO: This data set did not allow*"); // scrambled samples
     session.runButtonPressed();
     EXPECT_EQ(reported, 8u * 256 * 5); // four predictors and the sum of squares
     const QtCortivoDoc& document = *session.functionalDocument;

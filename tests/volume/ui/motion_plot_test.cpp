@@ -164,7 +164,7 @@ TEST_F(MotionPlot, ShowsAtOnceWhatPostProcessingCorrects) {
     session.runButtonPressed();
     const float before = course("DVARSPlot").at(5);
     PostprocessingOptions options;
-    options.motion.checked = true;
+    options.motion = {.checked = true, .method = MotionMethod::LeastSquares};
     Reporter progress;
     ASSERT_TRUE(session.postprocess(options, false, progress));
     EXPECT_TRUE(QTest::qWaitFor([&] { return course("DVARSPlot").size() == 12; }));
