@@ -81,68 +81,92 @@ SaveStep timingStep(const QtCortivoDoc& document) {
     return {-1, write, path};
 }
 
-void insertAt(std::vector<SaveStep>& steps, size_t place, const std::vector<SaveStep>& more) {
-    steps.insert(steps.begin() + ptrdiff_t(place), more.begin(), more.end());
+SaveStep protocolStep(const RunParts& run) {
+    QtCortivoDoc& document = run.document;
+    // A failure clears the path, and the name of the file with it.
+    return {0, [&run, &document, path = document.protocol.protocolPath] {
+                const FMRProject& project = document.project;
+                document.protocol.protocolPath = path;
+                const bool written = writeRecordedPRTFile(document.protocol, project.projectPath,
+                                                          project.targetFolder);
+                updateProjectForSaving(run);
+                return written;
+            }};
 }
 
-std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress) {
+// Data, then header: without its data a header would misread those that an earlier run left under
+// the name. It names the protocol, and is written again when that is there.
+std::vector<SaveStep> projectSteps(const RunParts& run, ProgressReporter& progress) {
     QtCortivoDoc& document = run.document;
     FMRProject& project = document.project;
     const int volumes = recordedVolumes(run.report, project);
     const auto dataWritten = std::make_shared<bool>(false);
-    const QString maps = resultPath(project, ".mps", "Maps.mps");
-    const QString contrasts = resultPath(project, ".ctr", "Contrasts.ctr");
-    const QString regions = regionFilePath(project);
-    const bool hasMotion =
-        run.settings.MotionCorrection && !document.motion.motionParameters[0].empty();
-    std::vector<SaveStep> steps = {
-        {0,
-         // A failure clears the path, and the name of the file with it.
-         [&run, &document, &project, path = document.protocol.protocolPath] {
-             document.protocol.protocolPath = path;
-             const bool written =
-                 writeRecordedPRTFile(document.protocol, project.projectPath, project.targetFolder);
-             updateProjectForSaving(run);
-             return written;
-         }},
-        {-1, [&] { return writeFirstVolumeImages(document); }, amrPath(project.projectPath)},
-        {5,
-         [&, volumes, dataWritten] {
-             // A model that an earlier run left under the name is not that of these data.
-             for (const QString& model : {modelFilePath(project), modelDesignFilePath(project)})
-                 QFile::remove(model);
-             return *dataWritten = writeSTCData(project, volumes, &progress, &run.pump, 5, 80);
-         }},
-        // Without its data a header would misread those that an earlier run left under the name. It
-        // names the protocol, and is written again when that is there.
-        {80,
-         [&, volumes, dataWritten] {
-             return *dataWritten && writeFMRHeader(project, project.projectPath, volumes) &&
-                    isProtocolPathSet(document.protocol.protocolPath);
-         }},
-        {-1,
-         [&, maps] {
-             return writeMapFile(maps, document.maps, run.requests.thresholds, document.contrasts);
-         },
-         maps},
-        {90,
-         [&, contrasts] {
-             return writeContrastFile(contrasts, document.contrasts,
-                                      document.design.NrOfContrastPredictors);
-         },
-         contrasts},
-        {-1, [&, regions] { return writeROIFile(regions, document.regions, run.requests.regions); },
-         regions},
-        {-1,
-         [&, volumes, hasMotion] {
-             return !hasMotion || saveMotionParameters(document.motion, project, volumes);
-         },
-         hasMotion ? motionParametersFileName(project) : QString()},
-        timingStep(document),
-        {-1, [&] { return writeFirstVolume(project); }, firstVolumeFileName(project)},
+    const auto writeData = [&run, &project, &progress, volumes, dataWritten] {
+        // A model that an earlier run left under the name is not that of these data.
+        for (const QString& model : {modelFilePath(project), modelDesignFilePath(project)})
+            QFile::remove(model);
+        return *dataWritten = writeSTCData(project, volumes, &progress, &run.pump, 5, 80);
     };
-    insertAt(steps, steps.size() - 1, cubeSteps(run));
-    insertAt(steps, 1, inplaneSteps(document)); // behind the protocol
+    const auto writeHeader = [&document, &project, volumes, dataWritten] {
+        return *dataWritten && writeFMRHeader(project, project.projectPath, volumes) &&
+               isProtocolPathSet(document.protocol.protocolPath);
+    };
+    return {{5, writeData}, {80, writeHeader}};
+}
+
+std::vector<SaveStep> statisticsSteps(const RunParts& run) {
+    const QtCortivoDoc& document = run.document;
+    const QString maps = resultPath(document.project, ".mps", "Maps.mps");
+    const QString contrasts = resultPath(document.project, ".ctr", "Contrasts.ctr");
+    const auto writeMaps = [&run, &document, maps] {
+        return writeMapFile(maps, document.maps, run.requests.thresholds, document.contrasts);
+    };
+    const auto writeContrasts = [&document, contrasts] {
+        return writeContrastFile(contrasts, document.contrasts,
+                                 document.design.NrOfContrastPredictors);
+    };
+    return {{-1, writeMaps, maps}, {90, writeContrasts, contrasts}};
+}
+
+SaveStep regionStep(const RunParts& run) {
+    const QString path = regionFilePath(run.document.project);
+    const auto write = [&run, path] {
+        return writeROIFile(path, run.document.regions, run.requests.regions);
+    };
+    return {-1, write, path};
+}
+
+std::vector<SaveStep> motionSteps(const RunParts& run) {
+    const QtCortivoDoc& document = run.document;
+    const FMRProject& project = document.project;
+    if (!run.settings.MotionCorrection || document.motion.motionParameters[0].empty())
+        return {};
+    const int volumes = recordedVolumes(run.report, project);
+    const auto write = [&document, &project, volumes] {
+        return saveMotionParameters(document.motion, project, volumes);
+    };
+    return {{-1, write, motionParametersFileName(project)}};
+}
+
+/// In the order of the work.
+std::vector<SaveStep> saveSteps(const RunParts& run, ProgressReporter& progress) {
+    const QtCortivoDoc& document = run.document;
+    const FMRProject& project = document.project;
+    std::vector<SaveStep> steps;
+    const auto add = [&steps](const std::vector<SaveStep>& more) {
+        steps.insert(steps.end(), more.begin(), more.end());
+    };
+    add({protocolStep(run)});
+    add(inplaneSteps(document));
+    add({{-1, [&document] { return writeFirstVolumeImages(document); },
+          amrPath(project.projectPath)}});
+    add(projectSteps(run, progress));
+    add(statisticsSteps(run));
+    add({regionStep(run)});
+    add(motionSteps(run));
+    add({timingStep(document)});
+    add(cubeSteps(run));
+    add({{-1, [&project] { return writeFirstVolume(project); }, firstVolumeFileName(project)}});
     return steps;
 }
 
