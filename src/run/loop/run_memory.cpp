@@ -86,9 +86,10 @@ RunMemory memoryOfRun(const RunMemorySizes& sizes) {
     need.motion = motionBytes(sizes);
     need.model = modelBytes(sizes);
     need.wholeRunModel = wholeRunBytes(sizes);
-    // The copy of the volumes and the work space of smoothing, then a second model.
-    need.postprocessing =
-        std::max(need.volumes + sizes.volume.samples() * sizeof(float), need.wholeRunModel);
+    // The copy of the volumes and the work space of the step that needs most, then a second model.
+    RunMemorySizes corrected = sizes;
+    corrected.motion = MotionMethod::LeastSquares;
+    need.postprocessing = std::max(need.volumes + motionBytes(corrected), need.wholeRunModel);
     return need;
 }
 
