@@ -28,6 +28,9 @@ struct WholeRunModel;
 /// The status of report.currentVolume, with what the times of the volumes give reason to say.
 [[nodiscard]] QString volumeStatusText(const RunReport& report, const OperatorRequests& requests,
                                        const RunSettings& settings, const QtCortivoDoc& document);
+/// How many volumes were not corrected, as their motion was not found: a line that begins with
+/// "<br>", or nothing.
+[[nodiscard]] QString motionPart(int volumesWithoutMotion);
 /// What the times of the volumes give reason to say: lines that begin with "<br>", or nothing.
 [[nodiscard]] QString timingPart(const VolumeLedger& ledger);
 
