@@ -220,10 +220,10 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
         QDir::setCurrent(settings.TargetFolder);
     if (!readProtocol(run))
         return nullptr;
-    tellOfModelLimits(document, settings);
     prepareVmrOverlay(anatomyRun(run));
     if (!runFitsIntoMemory(run) || !allocateRun(document, run.pump))
         return nullptr;
+    tellOfModelLimits(document, settings);
     if (settings.ShowGODlgAfterPreparation)
         announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");
 

@@ -52,16 +52,6 @@ QString pluginPart(const RunReport& report) {
                      bold(report.slowPlugin.toHtmlEscaped() + " took more than half of the TR");
 }
 
-// Nothing as long as the motion of every volume was found.
-QString motionPart(int volumesWithoutMotion) {
-    const int count = volumesWithoutMotion;
-    return count == 0
-               ? QString()
-               : "<br>" + bold(QStringLiteral("The motion of %1 was not found")
-                                   .arg(count == 1 ? QStringLiteral("1 volume")
-                                                   : QStringLiteral("%1 volumes").arg(count)));
-}
-
 } // namespace
 
 QString processingText(int fontSize, const QString& settingsFileName) {
@@ -97,6 +87,15 @@ QString finishedText(int fontSize, const QString& settingsFileName, const QStrin
            "Ready.<br></body>";
 }
 
+QString motionPart(int volumesWithoutMotion) {
+    const int count = volumesWithoutMotion;
+    return count == 0
+               ? QString()
+               : "<br>" + bold(QStringLiteral("The motion of %1 was not found")
+                                   .arg(count == 1 ? QStringLiteral("1 volume")
+                                                   : QStringLiteral("%1 volumes").arg(count)));
+}
+
 QString timingPart(const VolumeLedger& ledger) {
     QString text;
     for (const QString& warning : timingWarnings(ledger))
@@ -104,6 +103,7 @@ QString timingPart(const VolumeLedger& ledger) {
     return text;
 }
 
+// Warnings come second: a small panel shows the first lines only.
 QString volumeStatusText(const RunReport& report, const OperatorRequests& requests,
                          const RunSettings& settings, const QtCortivoDoc& document) {
     const int volume = report.currentVolume;
@@ -113,7 +113,8 @@ QString volumeStatusText(const RunReport& report, const OperatorRequests& reques
                .arg(volume + 1)
                .arg(settings.NrOfVolumesToSkip + 1 + volume) +
            bold(seconds(report.elapsedRunTime)) + " secs,  " +
-           thresholdPart(requests, document.maps) +
+           thresholdPart(requests, document.maps) + motionPart(report.volumesWithoutMotion) +
+           timingPart(document.ledger) +
            QStringLiteral("<br><br>ReadVolTime: <b>%1</b> ms   FeedbackTime: <b>%2</b> ms<br>"
                           "FullVolTime: <b>%3</b> ms   VolWaitTime: <b>%4</b> ms<br>"
                           "StartOffset: <b>%5</b> sec")
@@ -122,8 +123,7 @@ QString volumeStatusText(const RunReport& report, const OperatorRequests& reques
                .arg(report.times.fullVolTime)
                .arg(report.times.volWaitTime)
                .arg(requests.startOffsetSeconds) +
-           overlayPart(requests) + motionPart(report.volumesWithoutMotion) +
-           timingPart(document.ledger) + pluginPart(report) +
+           overlayPart(requests) + pluginPart(report) +
            (last ? "<br> Ready.<br></body>" : "</body>");
 }
 

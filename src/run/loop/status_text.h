@@ -28,6 +28,9 @@ struct WholeRunModel;
 /// The status of report.currentVolume, with timingPart().
 [[nodiscard]] QString volumeStatusText(const RunReport& report, const OperatorRequests& requests,
                                        const RunSettings& settings, const QtCortivoDoc& document);
+/// How many volumes were not corrected, since their motion was not found: a line that begins with
+/// "<br>", or nothing.
+[[nodiscard]] QString motionPart(int volumesWithoutMotion);
 /// The sentences of timingWarnings() as lines that begin with "<br>"; empty without any.
 [[nodiscard]] QString timingPart(const VolumeLedger& ledger);
 

@@ -285,8 +285,8 @@ void VolumeLoop::save() {
         report.savedCompletely
             ? "Recorded data saved as \"<b>" + run_.settings.ProjectName.toHtmlEscaped() + "</b>\"."
             : QString("Recorded data <b>not saved completely</b>.");
-    report.outcomeText =
-        head + "<br> " + outcome + timingPart(document_.ledger) + "<br><br> Ready.<br></body>";
+    report.outcomeText = head + "<br> " + outcome + motionPart(report.volumesWithoutMotion) +
+                         timingPart(document_.ledger) + "<br><br> Ready.<br></body>";
     run_.display.showLogText(report.outcomeText);
 }
 

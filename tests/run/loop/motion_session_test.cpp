@@ -212,3 +212,18 @@ TEST_F(MotionSessionTest, ACorrectionThatIsNotOnDiskIsTakenBackAndOneThatIsTells
     EXPECT_TRUE(display.logTexts.last().contains("The motion of 2 volumes was not found"));
     EXPECT_EQ(content("results/test_3DMCLS_3DMC.log").count("not found"), 2);
 }
+
+TEST_F(MotionSessionTest, ABadVolumeIsToldAtTheTopOfThePanelAndWhenTheRunIsSaved) {
+    const auto head = script.atVolume;
+    script.atVolume = [this, head](int v) {
+        head(v);
+        if (v == 9)
+            std::ranges::fill(project().volumes[size_t(v)], int16_t(0));
+    };
+    writeHeadSession(20, {{"MotionCorrection:", "1"}});
+    put("test-1.vco", "\nMotionCorrectionMethod: 1", QIODevice::Append);
+    session.runButtonPressed();
+    const QString told = "<b>The motion of 1 volume was not found</b>";
+    EXPECT_EQ(display.logTexts.filter("volume <b>18 (20)").last().section("<br>", 1, 1), told);
+    EXPECT_TRUE(display.logTexts.last().contains("saved as \"<b>test</b>\".<br>" + told));
+}

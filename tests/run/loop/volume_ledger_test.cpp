@@ -123,7 +123,8 @@ TEST_F(VolumeLedgerTest, AVolumeThatNeedsTooMuchNamesWhoTookIt) {
                     .arg(name);
             };
             const bool slow = milliseconds > 1500;
-            EXPECT_EQ(display.logTexts.filter("volume <b>2 (4)").last().contains(text(2)), slow);
+            const QString panel = display.logTexts.filter("volume <b>2 (4)").last();
+            EXPECT_EQ(panel.section("<br>", 1, 1).startsWith(text(2)), slow) << "at the top";
             EXPECT_EQ(display.logTexts.last().contains(text(4) + " (2 such volumes)</b>"), slow);
             EXPECT_EQ(display.logTexts.filter("of the TR").empty(), !slow);
         }
