@@ -109,7 +109,8 @@ struct VolumeCounter {
 
 double batchMilliseconds(BenchmarkRun& run, int nrOfVolumesInModel) {
     return medianMilliseconds(3, [&] {
-        if (!solveBatch(run.glm, run.project, run.design, run.mask, nrOfVolumesInModel - 1))
+        if (!solveBatch(run.glm, run.project, run.design, run.mask, nrOfVolumesInModel - 1,
+                        callersThread()))
             std::fputs("the batch solution failed\n", stderr);
     });
 }
