@@ -4,6 +4,7 @@
 #include "base/plain_file.h"
 
 #include <QStringDecoder>
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -176,7 +177,8 @@ bool readTextFile(const QString& path, QString& text) {
     QFile file(path);
     if (!openPlainFile(file))
         return false;
-    const QByteArray bytes = file.read(maximumSize + 1);
+    // read() allocates as much as it is asked for.
+    const QByteArray bytes = file.read(std::min(maximumSize, file.size()) + 1);
     if (file.error() != QFileDevice::NoError || bytes.size() > maximumSize)
         return false;
     text = QString::fromUtf8(bytes);

@@ -5,6 +5,8 @@
 #include "run/protocol/stimulation_protocol.h"
 #include "run/settings/settings_file.h"
 
+#include <algorithm>
+
 namespace {
 
 InputFile inputFile(const QString& path) {
@@ -12,7 +14,7 @@ InputFile inputFile(const QString& path) {
     QFile file(path);
     if (!isProtocolPathSet(path) || !openPlainFile(file))
         return {};
-    return {path, file.read(largest)};
+    return {path, file.read(std::min(largest, file.size()))}; // which allocates all of it
 }
 
 } // namespace
