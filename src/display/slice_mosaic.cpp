@@ -90,6 +90,16 @@ void copyTile(Canvas& canvas, const QImage& image, QPoint corner, QSize tile) {
                     size_t(common.width()) * sizeof(uint32_t));
 }
 
+/// The places from `first` on, which have no slice.
+void blackenPlaces(Canvas& canvas, int first, int columns, QSize tile) {
+    const int row = first / columns;
+    const int free = first % columns * tile.width();
+    for (int y = row * tile.height(); y < canvas.size.height(); ++y) {
+        const int from = y < (row + 1) * tile.height() ? free : 0;
+        std::fill_n(canvas.line(y) + from, canvas.size.width() - from, black);
+    }
+}
+
 } // namespace
 
 bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source, WorkerPool& workers) {
@@ -108,9 +118,6 @@ bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source, WorkerP
     const int columns = source.layout.MosaicColumns;
     const int nrOfPlaces = columns * source.layout.MosaicRows;
     const int nrOfSlices = int(images.size());
-    if (nrOfSlices < nrOfPlaces)
-        target.fill(black);
-
     const int dimX = source.slices->gridSize().width();
     const int scale = dimX > 0 ? int(std::lround(double(tile.width()) / dimX)) : 0;
     std::optional<OverlayPainter> painter;
@@ -118,6 +125,7 @@ bool composeSliceMosaic(QImage& target, const SliceMosaicSource& source, WorkerP
         painter.emplace(source, scale, workers.nrOfThreads());
     Canvas canvas(target);
     const int shown = std::min(nrOfSlices, nrOfPlaces);
+    blackenPlaces(canvas, shown, columns, tile);
     const auto paint = [&](int tileAt, size_t thread) {
         const int slice = sliceAtPlace(source.layout, tileAt, nrOfSlices);
         if (painter && slice < source.maps.size.slices)
