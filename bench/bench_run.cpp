@@ -101,7 +101,7 @@ int main(int argc, char** argv) {
     if (argc > 1 && std::string_view(argv[1]) == "length")
         measureLength(argc > 2 ? std::atoi(argv[2]) : 600);
     else
-        measureThreads(argc > 1 ? std::max(std::atoi(argv[1]), 40) : 60,
-                       argc > 2 ? std::atoi(argv[2]) : 2);
+        measureThreads(argc > 1 ? std::max(std::atoi(argv[1]), 1) : 24,
+                       argc > 2 ? std::atoi(argv[2]) : 2, argc > 3 ? std::atoi(argv[3]) : 0);
     return 0;
 }

@@ -7,6 +7,7 @@
 #include "display/shown_maps.h"
 #include "display/slice_mosaic.h"
 #include "run/session/run_session.h"
+#include "volume/motion_resampling.h"
 
 #include <QTemporaryDir>
 #include <chrono>
@@ -26,61 +27,75 @@ constexpr HeadRunSize sizes[] = {{64, 64, 25, 5, 3.0f, 4.0f},
 constexpr int nrOfConditions = 6; // with a constant and a trend eight predictors
 /// All predictors are in the model, which then has the recursion alone to do.
 constexpr int firstMeasuredVolume = 32;
+/// Each volume is measured on one thread in every other run, and on several in those between.
+constexpr int nrOfRuns = 4;
 
 double millisecondsSince(Clock::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-/// What a volume passes, in this order.
-enum Stage { Preprocessing, Model, ClustersAndStatus, Mosaic, nrOfStages };
-constexpr const char* stageNames[] = {"motion, smoothing, grey", "model, t maps", "clusters",
-                                      "mosaic"};
+/// Microseconds of each stage of a volume.
+using StageTimes = decltype(VolumeTimes::stages);
 
-/// Smallest times of a volume, in milliseconds: other programs only make it longer.
+/// Of each volume that is measured, the smallest times over the runs: other programs only make it
+/// longer.
 struct SmallestTimes {
-    double whole = 1e9;
-    std::array<double, nrOfStages> stages;
+    std::vector<StageTimes> stages;
+    std::vector<qint64> whole; ///< without reading
 
-    SmallestTimes() { stages.fill(1e9); }
-    void take(const std::array<double, nrOfStages>& times) {
-        double sum = 0.0;
-        for (size_t i = 0; i < times.size(); ++i) {
-            stages[i] = std::min(stages[i], times[i]);
-            sum += times[i];
-        }
-        whole = std::min(whole, sum);
+    explicit SmallestTimes(int volumes)
+        : stages(size_t(volumes)), whole(size_t(volumes), farTooLong) {
+        for (StageTimes& ofVolume : stages)
+            ofVolume.fill(farTooLong);
     }
+    void take(size_t volume, const VolumeTimes& times) {
+        for (size_t i = 0; i < nrOfVolumeStages; ++i)
+            stages[volume][i] = std::min(stages[volume][i], times.stages[i]);
+        const qint64 all = times.needed() - times.of(VolumeStage::Reading);
+        whole[volume] = std::min(whole[volume], all);
+    }
+
+private:
+    static constexpr qint64 farTooLong = qint64(1) << 40;
 };
 
-/// Times the stages of each volume, and composes the mosaic as a view does. The number of threads
-/// changes from volume to volume, so that both see the same machine.
-class StepTimer : public SilentDisplay, public RunListener {
-public:
-    explicit StepTimer(int nrOfThreads) : nrOfThreads_(nrOfThreads) {}
+/// In milliseconds.
+double median(std::vector<qint64> times) {
+    const auto middle = times.begin() + ptrdiff_t(times.size() / 2);
+    std::nth_element(times.begin(), middle, times.end());
+    return double(*middle) / 1e3;
+}
 
-    void follow(RunSession& session) {
-        session_ = &session;
-        session.listeners.add(*this, ListenerPlace::Dialogs);
-    }
-    /// The volume has been read.
+double median(const SmallestTimes& times, VolumeStage stage) {
+    std::vector<qint64> ofStage;
+    for (const StageTimes& volume : times.stages)
+        ofStage.push_back(volume[size_t(stage)]);
+    return median(ofStage);
+}
+
+/// Whether this volume of this run is shared among threads. Neighbours differ, so that both see the
+/// same machine, and so do the runs, so that both see the same volumes.
+bool isShared(size_t volume, int run) {
+    return (volume + size_t(run)) % 2 == 1;
+}
+
+/// Composes the mosaic as a view does; the number of threads changes from volume to volume.
+class StepDisplay : public SilentDisplay {
+public:
+    StepDisplay(int nrOfThreads, int run) : nrOfThreads_(nrOfThreads), run_(run) {}
+
+    void follow(RunSession& session) { session_ = &session; }
+    /// A volume has been read.
     void begin() {
         // What the last one left to do, such as writing its journal, is not part of this one.
-        std::this_thread::sleep_for(std::chrono::milliseconds(60));
-        shared_ = volume_ % 2 == 1;
-        session_->workers.setNrOfThreads(shared_ ? nrOfThreads_ : 1);
-        last_ = Clock::now();
-    }
-    bool atStep(VolumeStep step, const VolumeAtHand&) override {
-        if (step == VolumeStep::LoadRegions)
-            end(Preprocessing);
-        if (step == VolumeStep::AfterModel)
-            end(Model);
-        return true;
+        if (volume_ >= firstMeasuredVolume)
+            std::this_thread::sleep_for(std::chrono::milliseconds(60));
+        session_->workers.setNrOfThreads(isShared(volume_, run_) ? nrOfThreads_ : 1);
+        ++volume_;
     }
     void updateViews() override {
         if (!session_->phase.runActive())
             return;
-        end(ClustersAndStatus);
         QtCortivoDoc& document = *session_->functionalDocument;
         SliceMosaicSource source;
         source.slices = &document.slices;
@@ -88,26 +103,13 @@ public:
         source.maps = shownContrastMaps(document);
         source.thresholds = session_->requests.thresholds;
         (void)composeSliceMosaic(mosaic_, source, session_->workers);
-        end(Mosaic);
-        if (volume_ >= firstMeasuredVolume)
-            times[shared_ ? 1 : 0].take(ofVolume_);
-        ++volume_;
     }
-
-    std::array<SmallestTimes, 2> times; ///< on one thread, on several
 
 private:
-    void end(Stage stage) {
-        ofVolume_[stage] = millisecondsSince(last_);
-        last_ = Clock::now();
-    }
-
     RunSession* session_ = nullptr;
     const int nrOfThreads_;
-    int volume_ = 0;
-    bool shared_ = false;
-    Clock::time_point last_;
-    std::array<double, nrOfStages> ofVolume_{};
+    const int run_;
+    size_t volume_ = 0;
     QImage mosaic_;
 };
 
@@ -131,47 +133,99 @@ double copyTime(const HeadRunSize& size, WorkerPool& workers) {
     return smallest;
 }
 
-bool runOnce(const HeadRunSize& size, int volumes, StepTimer& timer) {
+/// How much more gets done by several threads than by one when each resamples a volume of its own:
+/// work that is shared can't do better on this machine.
+double ratioOfSeparateWork(const HeadRunSize& size, WorkerPool& workers) {
+    struct Volumes {
+        std::vector<int16_t> source, result;
+    };
+    VolumeGrid grid;
+    grid.size = {size.columns, size.rows, size.slices};
+    std::vector<Volumes> volumes(size_t(workers.nrOfThreads()));
+    for (Volumes& volume : volumes) {
+        volume.source.assign(grid.samples(), 700);
+        volume.result.resize(grid.samples());
+    }
+    constexpr RigidTransformation motion{0.4f, 0.3f, 0.2f, 0.5f, 0.1f, 0.3f};
+    const auto smallestTime = [&](size_t nrOfVolumes) {
+        double smallest = 1e9;
+        for (int repeat = 0; repeat < 9; ++repeat) {
+            const Clock::time_point start = Clock::now();
+            workers.forParts(nrOfVolumes, [&](size_t part) {
+                resampleVolume(grid, volumes[part].source, volumes[part].result, motion);
+            });
+            smallest = std::min(smallest, millisecondsSince(start));
+        }
+        return smallest;
+    };
+    return double(volumes.size()) * smallestTime(1) / smallestTime(volumes.size());
+}
+
+/// Times on one thread and on several.
+using BothTimes = std::array<SmallestTimes, 2>;
+
+bool runOnce(const HeadRunSize& size, int run, int nrOfThreads, BothTimes& times) {
     QTemporaryDir folder;
     QtEventPump pump;
-    RunSession session(pump, timer);
-    timer.follow(session);
+    StepDisplay display(nrOfThreads, run);
+    RunSession session(pump, display);
+    display.follow(session);
     session.makeReader = [&](const IntakeContext& context) {
-        return std::make_unique<HeadRunReader>(context.project, size, [&] { timer.begin(); });
+        return std::make_unique<HeadRunReader>(context.project, size, [&] { display.begin(); });
     };
     session.settings.MotionCorrection = true;
     session.settings.SpatialGaussianSmoothing = true;
     session.settings.NrOfColumns = size.tiles;
     session.settings.NrOfRows = size.tiles;
     session.requests.overlayVolumeMode = 1;
-    if (!writeHeadRun(folder.path(), size, volumes, nrOfConditions, session.settings)) {
+    const size_t measured = times[0].whole.size();
+    if (!writeHeadRun(folder.path(), size, firstMeasuredVolume + int(measured), nrOfConditions,
+                      session.settings)) {
         std::printf("can't write to %s\n", folder.path().toLocal8Bit().constData());
         return false;
     }
     session.runButtonPressed();
+    const auto volumes = session.functionalDocument->ledger.volumes();
+    for (size_t v = firstMeasuredVolume; v < volumes.size(); ++v)
+        times[isShared(v, run)].take(v - firstMeasuredVolume, volumes[v]);
     return session.report.runFinished;
+}
+
+void printTimes(const char* what, double one, double several) {
+    std::printf("  %-17s %8.2f %10.2f %6.2f", what, one, several, one / several);
 }
 
 } // namespace
 
-void measureThreads(int volumes, int nrOfThreads) {
-    std::printf("Milliseconds of one volume by the clock, smallest of %d volumes each\n"
-                "size           1 thread  %d threads  ratio   copy 1   copy %d  ratio\n",
-                (volumes - firstMeasuredVolume) / 2, nrOfThreads, nrOfThreads);
+void measureThreads(int volumes, int nrOfThreads, int columns) {
+    std::printf(
+        "Milliseconds of one volume by the clock, the smallest of %d runs, medians over %d "
+        "volumes\n"
+        "                   1 thread  %d threads  ratio   copy 1   copy %d  ratio  separate work\n",
+        nrOfRuns / 2, volumes, nrOfThreads, nrOfThreads);
     WorkerPool workers(nrOfThreads);
     for (const HeadRunSize& size : sizes) {
-        StepTimer timer(nrOfThreads);
-        if (!runOnce(size, volumes, timer))
-            return;
-        const auto& [one, several] = timer.times;
+        if (columns > 0 && size.columns != columns)
+            continue;
+        BothTimes times{SmallestTimes(volumes), SmallestTimes(volumes)};
+        for (int run = 0; run < nrOfRuns; ++run)
+            if (!runOnce(size, run, nrOfThreads, times))
+                return;
         const double copyOne = copyTime(size, callersThread());
         const double copySeveral = copyTime(size, workers);
-        std::printf("%4dx%3dx%3d %11.2f %10.2f %6.2f %8.2f %8.2f %6.2f\n", size.columns, size.rows,
-                    size.slices, one.whole, several.whole, one.whole / several.whole, copyOne,
-                    copySeveral, copyOne / copySeveral);
-        for (size_t i = 0; i < nrOfStages; ++i)
-            std::printf("  %-23s %8.2f %8.2f %6.2f\n", stageNames[i], one.stages[i],
-                        several.stages[i], one.stages[i] / several.stages[i]);
+        char name[32];
+        std::snprintf(name, sizeof name, "%d x %d x %d", size.columns, size.rows, size.slices);
+        printTimes(name, median(times[0].whole), median(times[1].whole));
+        std::printf(" %8.2f %8.2f %6.2f %14.2f\n", copyOne, copySeveral, copyOne / copySeveral,
+                    ratioOfSeparateWork(size, workers));
+        for (size_t i = 0; i < nrOfVolumeStages; ++i) {
+            const auto stage = VolumeStage(i);
+            const double one = median(times[0], stage);
+            if (stage == VolumeStage::Reading || one < 0.01 * median(times[0].whole))
+                continue;
+            printTimes(nameOf(stage), one, median(times[1], stage));
+            std::printf("\n");
+        }
         std::fflush(stdout);
     }
 }

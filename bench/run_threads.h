@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/// Sends so many volumes (at least 40) of each of five sizes through a session with everything
-/// switched on, and prints the time of a volume on one thread and on `nrOfThreads`.
-void measureThreads(int volumes, int nrOfThreads);
+/// Sends volumes of each of five sizes through sessions with everything switched on, measures so
+/// many of them, and prints the time of a volume on one thread and on `nrOfThreads`, and where it
+/// went. With `columns` above 0, of the size with so many columns only.
+void measureThreads(int volumes, int nrOfThreads, int columns);

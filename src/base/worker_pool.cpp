@@ -3,6 +3,11 @@
 
 #include <system_error>
 
+#ifdef __linux__
+#include <pthread.h>
+#include <sched.h>
+#endif
+
 namespace {
 
 constexpr uint64_t oneLoop = uint64_t(1) << 32;
@@ -54,6 +59,26 @@ void WorkerPool::startThreads(int nrOfThreads) {
     }
 }
 
+// The system wakes a thread on the core of the one that wakes it, as if it were to take over, and
+// brings it to an idle core only when it balances its load, milliseconds later: a volume is done by
+// then. So the threads are kept off the core on which the caller is. Where that isn't possible they
+// run wherever the system lets them.
+void WorkerPool::leaveCallersCore() {
+#ifdef __linux__
+    const int core = sched_getcpu();
+    cpu_set_t cores;
+    if (core < 0 || core == coreLeft_ ||
+        pthread_getaffinity_np(pthread_self(), sizeof cores, &cores) != 0)
+        return;
+    coreLeft_ = core;
+    CPU_CLR(size_t(core), &cores);
+    if (CPU_COUNT(&cores) == 0)
+        return;
+    for (std::thread& thread : threads_)
+        static_cast<void>(pthread_setaffinity_np(thread.native_handle(), sizeof cores, &cores));
+#endif
+}
+
 void WorkerPool::endThreads() {
     {
         const std::lock_guard lock(mutex_);
@@ -63,6 +88,7 @@ void WorkerPool::endThreads() {
     for (std::thread& thread : threads_)
         thread.join();
     threads_.clear();
+    coreLeft_ = -1;
 }
 
 // Tries to do the next part of the loop of `ticket`. False when that loop has no parts left. True
@@ -128,6 +154,7 @@ void WorkerPool::doParts(size_t nrOfParts, Part part, const void* context) {
             part(context, i, callerNumber);
         return;
     }
+    leaveCallersCore();
     part_.store(part, std::memory_order_relaxed);
     context_.store(context, std::memory_order_relaxed);
     nrOfParts_.store(nrOfParts, std::memory_order_relaxed);

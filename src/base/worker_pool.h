@@ -55,7 +55,7 @@ public:
     /// `last` being one behind the slab. The slabs, a few for each thread, depend on the number of
     /// threads, so this is not for sums.
     template<typename Work> void forSlabs(size_t count, const Work& work) {
-        constexpr size_t slabsPerThread = 4; // evens out threads that are held up
+        constexpr size_t slabsPerThread = 16; // evens out threads that are held up
         const size_t threads = size_t(nrOfThreads());
         const size_t slabs =
             threads == 1 ? std::min<size_t>(count, 1) : std::min(count, threads * slabsPerThread);
@@ -68,6 +68,7 @@ private:
 
     void startThreads(int nrOfThreads);
     void endThreads();
+    void leaveCallersCore();
     void doParts(size_t nrOfParts, Part part, const void* context);
     void runWorker(size_t thread);
     [[nodiscard]] bool takePart(uint64_t& ticket, size_t thread);
@@ -89,6 +90,7 @@ private:
     std::condition_variable loopBegun_;
     std::condition_variable partsAreDone_;
     std::vector<std::thread> threads_;
+    int coreLeft_ = -1; ///< on which the threads don't run
 };
 
 /// A pool of the caller's thread alone, for whoever has no other.

@@ -80,6 +80,8 @@ C3dMatrix inverseOfSmallMotion(const std::array<double, nrOfMotionParameters>& m
 
 /// Of normal residuals, from the median of their magnitudes, which are reordered.
 double standardDeviation(std::vector<float>& magnitudes) {
+    if (magnitudes.empty())
+        return smallestDeviation;
     const auto median = magnitudes.begin() + ptrdiff_t(magnitudes.size() / 2);
     std::nth_element(magnitudes.begin(), median, magnitudes.end());
     return std::max(deviationsPerMedian * double(*median), smallestDeviation);
@@ -168,9 +170,10 @@ VELO_SIMD_CLONES void LeastSquaresMotion::accumulate(const State& state, size_t 
     }
 }
 
-void LeastSquaresMotion::measureResiduals(State& state, size_t count) {
+void LeastSquaresMotion::measureResiduals(State& state, size_t count, WorkerPool& workers) {
     constexpr size_t distance = 5;
     constexpr size_t fewest = 32;
+    constexpr size_t nrOfSets = MotionSamples::nrOfClasses + 1;
     for (std::vector<float>& residuals : residuals_)
         residuals.clear();
     std::vector<float>& all = residuals_.back();
@@ -179,10 +182,15 @@ void LeastSquaresMotion::measureResiduals(State& state, size_t count) {
             all.push_back(std::abs(moved_[i] - float(state.brightness) * samples_.values[i]));
             residuals_[samples_.roughness[i]].push_back(all.back());
         }
-    state.scale = standardDeviation(all);
+    std::array<double, nrOfSets> deviations{};
+    workers.forParts(nrOfSets, [&](size_t part) {
+        const size_t k = nrOfSets - 1 - part; // the largest set first
+        if (k == nrOfSets - 1 || residuals_[k].size() >= fewest)
+            deviations[k] = standardDeviation(residuals_[k]);
+    });
+    state.scale = deviations.back();
     for (size_t k = 0; k < state.scales.size(); ++k)
-        state.scales[k] =
-            float(residuals_[k].size() < fewest ? state.scale : standardDeviation(residuals_[k]));
+        state.scales[k] = float(deviations[k] > 0.0 ? deviations[k] : state.scale);
 }
 
 void LeastSquaresMotion::Sums::add(const Sums& part) {
@@ -229,7 +237,7 @@ bool LeastSquaresMotion::step(State& state, size_t count, WorkerPool& workers) {
         return false;
     state.motion = state.motion * inverseOfSmallMotion(motion);
     state.moved = shift + turn * headRadius;
-    measureResiduals(state, count);
+    measureResiduals(state, count, workers);
     return true;
 }
 

@@ -55,7 +55,7 @@ private:
     /// Improves the motion by a step. False when there is none.
     [[nodiscard]] bool step(State& state, size_t count, WorkerPool& workers);
     /// The spread of the residuals after a step, on the whole and in each class.
-    void measureResiduals(State& state, size_t count);
+    void measureResiduals(State& state, size_t count, WorkerPool& workers);
 
     MotionSamples samples_;
     SplineVolume source_;

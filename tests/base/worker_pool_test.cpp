@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/worker_pool.h"
 
+#include <array>
 #include <gtest/gtest.h>
 #include <numeric>
 #include <set>
+
+#ifdef __linux__
+#include <sched.h>
+#endif
 
 namespace {
 
@@ -36,6 +41,37 @@ TEST(WorkerPool, WakesThreadsThatSleep) {
         EXPECT_EQ(inside, 3);
     }
 }
+
+#ifdef __linux__
+std::vector<int> coresOfThisThread() {
+    cpu_set_t set;
+    std::vector<int> cores;
+    EXPECT_EQ(sched_getaffinity(0, sizeof set, &set), 0);
+    for (size_t core = 0; core < CPU_SETSIZE; ++core)
+        if (CPU_ISSET(core, &set))
+            cores.push_back(int(core));
+    return cores;
+}
+
+// Woken on the core of the caller they would wait for it.
+TEST(WorkerPool, ThreadsLeaveTheCallersCoreToIt) {
+    const std::vector<int> cores = coresOfThisThread();
+    if (cores.size() < 2)
+        GTEST_SKIP() << "there is one core";
+    WorkerPool pool(2);
+    std::array<std::vector<int>, 2> ofThread;
+    std::atomic<int> inside{0};
+    pool.forParts(2, [&](size_t, size_t thread) {
+        ofThread[thread] = coresOfThisThread();
+        ++inside;
+        while (inside < 2)
+            std::this_thread::yield();
+    });
+    EXPECT_EQ(ofThread[0], cores);
+    // The system may have moved the caller since.
+    EXPECT_EQ(ofThread[1].size(), cores.size() - 1);
+}
+#endif
 
 TEST(WorkerPool, ThreadsAtWorkHaveNumbersOfTheirOwn) {
     WorkerPool pool(2);

@@ -51,7 +51,20 @@ bool lockToLook(QFile& file) {
     return lockFile(file, LOCK_SH);
 }
 
+/// Nobody reads a journal while its run goes on, so that what is on the disk needs no copy in
+/// memory as well. The next volumes take the memory of the last ones, which is at hand; and runs
+/// and programs of others keep theirs.
+void forgetForcedOut(QFile& file) {
+#ifdef POSIX_FADV_DONTNEED
+    static_cast<void>(::posix_fadvise(file.handle(), 0, 0, POSIX_FADV_DONTNEED));
 #else
+    static_cast<void>(file);
+#endif
+}
+
+#else
+
+void forgetForcedOut(QFile&) {}
 
 bool lockToWrite(QFile&) {
     return true;
@@ -94,6 +107,7 @@ public:
         if (!folderToForceOut_.isEmpty())
             forceOutFolder(folderToForceOut_);
         folderToForceOut_.clear();
+        forgetForcedOut(file_);
         return true;
     }
 

@@ -8,16 +8,21 @@
 
 #ifdef Q_OS_LINUX
 #include <pthread.h>
+#include <sys/resource.h>
 #endif
 
 namespace {
 
-/// Woken by a record, the thread must not take the processor from the loop that has added it. No
-/// more than a request: where it fails, the thread works all the same.
+/// Woken by a record, the thread must not take a processor from the loop that has added it, nor
+/// from the threads that work on the volume. It has a TR, and they have most of it idle. No more
+/// than a request: where it fails, the thread works all the same.
 void yieldToOthers() {
 #ifdef Q_OS_LINUX
     const sched_param parameters{};
     static_cast<void>(pthread_setschedparam(pthread_self(), SCHED_BATCH, &parameters));
+    constexpr id_t callingThread = 0; // on Linux each thread has a value of its own
+    constexpr int lowered = 10;       // a tenth of a processor that others want as well
+    static_cast<void>(setpriority(PRIO_PROCESS, callingThread, lowered));
 #endif
 }
 
