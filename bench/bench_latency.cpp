@@ -35,6 +35,11 @@ constexpr std::array ways{
         WayOfWriting::InPieces,
         {.shortest = 350, .longest = 450, .betweenPieces = 1},
         10},
+    Way{"one file that grows",
+        ScannerType::Bruker2dseq,
+        WayOfWriting::InPieces,
+        {.shortest = 150, .longest = 250, .betweenPieces = 15},
+        0}, // which is over when its first slice has settled
 };
 
 /// Upper ends of the classes of the histogram, in milliseconds; the last one has none.

@@ -21,7 +21,8 @@ using BenchClock = std::chrono::steady_clock;
 
 enum class WayOfWriting {
     Renamed, ///< whole files, which get their name at last
-    InPieces ///< created under their name, written in four pieces, closed
+    InPieces ///< created under their name, or opened again where one file grows, written in four
+             ///< pieces, closed
 };
 
 /// Pauses between volumes, in milliseconds: evenly spread, so that files come at any moment of a
@@ -65,9 +66,10 @@ private:
 
     void write(const ScannerFile& file, std::atomic<BenchClock::time_point>& closed) const {
         const std::string path = (scan_.watchFolder() + '/' + file.name).toStdString();
-        const bool renamed = way_ == WayOfWriting::Renamed;
+        const bool renamed = way_ == WayOfWriting::Renamed && !file.append;
         const std::string first = renamed ? path + ".part" : path;
-        std::ofstream stream(first, std::ios::binary);
+        std::ofstream stream(first,
+                             std::ios::binary | (file.append ? std::ios::app : std::ios::out));
         const auto piece = std::streamsize(renamed ? file.bytes.size() : file.bytes.size() / 4 + 1);
         for (std::streamsize from = 0; from < file.bytes.size(); from += piece) {
             if (from > 0)

@@ -25,8 +25,12 @@ QtEventPump::QtEventPump() = default;
 QtEventPump::~QtEventPump() = default;
 
 void QtEventPump::processEvents() {
+    const bool nested = std::exchange(inEvents_, true);
     const qint64 start = microseconds();
     QCoreApplication::processEvents();
+    if (nested)
+        return;
+    inEvents_ = false;
     eventTime_ += microseconds() - start;
 }
 

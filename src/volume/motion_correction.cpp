@@ -38,6 +38,15 @@ void MotionCorrection::setMotionTarget(const FMRProject& project) {
         std::ranges::copy(project.volumes[0], motionTarget.data());
 }
 
+void MotionCorrection::releaseTarget() {
+    prepared_ = false;
+    motionTarget.release();
+    motionResampled_.release();
+    evaluator_ = {};
+    tracking_ = {};
+    spline_ = {};
+}
+
 bool MotionCorrection::prepare(const FMRProject& project) {
     return prepared_ = allocateFor(project);
 }

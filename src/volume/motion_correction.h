@@ -56,8 +56,8 @@ public:
     void keepLog() { log_.keepText(); }
     [[nodiscard]] const QByteArray& keptLog() const { return log_.text(); }
 
-    /// At the end of a run. The parameters stay.
-    void releaseTarget() { motionTarget.release(); }
+    /// At the end of a run: target and work space go, the parameters stay.
+    void releaseTarget();
 
 private:
     [[nodiscard]] bool allocateFor(const FMRProject& project);

@@ -151,3 +151,22 @@ TEST(QtEventPump, APlainWaitIsNotCutShort) {
     pump.pumpWait(40);
     EXPECT_GE(watch.elapsed(), 40);
 }
+
+// The ledger takes it from waits that are shorter than that otherwise.
+TEST(QtEventPump, EventsInsideEventsAreCountedOnce) {
+    QtEventPump pump;
+    const qint64 start = pump.microseconds();
+    constexpr qint64 work = 3000; // microseconds
+    QTimer::singleShot(0, [&] {
+        QTimer::singleShot(0, [&] {
+            const qint64 end = pump.microseconds() + work;
+            while (pump.microseconds() < end) {
+            }
+        });
+        while (pump.microseconds() < start + work && pump.eventTime() == 0)
+            pump.processEvents();
+    });
+    while (pump.eventTime() < work)
+        pump.processEvents();
+    EXPECT_LE(pump.eventTime(), pump.microseconds() - start);
+}

@@ -7,6 +7,7 @@
 #include "base/program_end.h"
 #include "intake/inplane_reader.h"
 #include "run/loop/run_anatomy.h"
+#include "run/loop/run_disk.h"
 #include "run/loop/run_memory.h"
 #include "run/loop/run_model.h"
 #include "run/loop/run_protocol.h"
@@ -224,6 +225,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
     if (!runFitsIntoMemory(run) || !allocateRun(document, run.pump))
         return nullptr;
     tellOfModelLimits(document, settings);
+    tellOfDiskWithoutRoom(document.project, settings.TargetFolder);
     if (settings.ShowGODlgAfterPreparation)
         announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");
 

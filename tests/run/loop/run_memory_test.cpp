@@ -1,5 +1,6 @@
 // The memory that is told before a run, against what the run then takes.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/run_disk.h"
 #include "run/loop/run_memory.h"
 
 #include "run/loop/session_fixture.h"
@@ -62,4 +63,18 @@ TEST_F(RunMemoryTest, HoldsTheSizesOfSevenTesla) {
     sizes.motion = MotionMethod::LeastSquares;
     EXPECT_GT(memoryOfRun(sizes).ofRun(), 13824000000u + 6912000u * 25 + besides + recording);
     EXPECT_EQ(memoryText(616000000), "616 MB");
+}
+
+TEST_F(RunMemoryTest, ADiskWithoutRoomIsToldOf) {
+    FMRProject project;
+    project.ResolutionX = project.ResolutionY = 8;
+    project.NrOfSlices = 4;
+    project.NrOfVolumes = 20;
+    tellOfDiskWithoutRoom(project, path(""));
+    tellOfDiskWithoutRoom(project, path("no such folder"));
+    project.ResolutionX = project.ResolutionY = 10000;
+    project.NrOfSlices = 1000;
+    project.NrOfVolumes = 1000000; // more than any disk holds
+    messages.expectWarning("WARNING: The journal and the results of this run need 400000000.0 GB*");
+    tellOfDiskWithoutRoom(project, path(""));
 }

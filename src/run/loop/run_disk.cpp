@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "run/loop/run_disk.h"
+
+#include "base/messages.h"
+#include "run/loop/run_memory.h"
+
+#include <QStorageInfo>
+
+size_t diskBytesOfRun(const FMRProject& project) {
+    constexpr size_t copies = 2; // journal and results
+    return copies * size_t(std::max(project.NrOfVolumes, 0)) * project.volumeSamples() *
+           sizeof(int16_t);
+}
+
+void tellOfDiskWithoutRoom(const FMRProject& project, const QString& targetFolder) {
+    const QStorageInfo disk(targetFolder);
+    const size_t needed = diskBytesOfRun(project);
+    if (!disk.isValid() || disk.bytesAvailable() < 0 || size_t(disk.bytesAvailable()) >= needed)
+        return;
+    showModelessWarning(
+        QStringLiteral("WARNING: The journal and the results of this run need %1 on the disk of "
+                       "\"%2\", where %3 are free.\n\nThe run can be measured all the same. Make "
+                       "room before it ends.")
+            .arg(memoryText(needed), targetFolder, memoryText(size_t(disk.bytesAvailable()))));
+}
