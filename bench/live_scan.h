@@ -54,8 +54,13 @@ private:
         std::mt19937 random(1);
         std::uniform_int_distribution<int> pause(pace_.shortest, pace_.longest);
         for (int volume = 0; volume < scan_.options().nrOfVolumes; ++volume) {
+            const auto due = BenchClock::now() + Milliseconds(pause(random));
+            // A scanner has computers of its own: making the next volume must not take a core from
+            // the program that reads the last one.
+            constexpr Milliseconds readingTakes{80};
+            std::this_thread::sleep_for(std::min(Milliseconds(pace_.shortest), readingTakes));
             const std::vector<ScannerFile> files = scan_.files(volume);
-            std::this_thread::sleep_for(Milliseconds(pause(random)));
+            std::this_thread::sleep_until(due);
             for (const ScannerFile& file : files) {
                 if (stop.stop_requested())
                     return;
