@@ -61,7 +61,7 @@ private:
     std::unique_ptr<FolderWatch> watch_; ///< made at the first wait for a change
     bool changed_ = false;               ///< since the last wait for a change
     qint64 eventTime_ = 0;
-    bool inEvents_ = false; ///< in which waits may begin, whose events are counted already
+    bool inEvents_ = false; ///< whose time counts; events may wait for events in their turn
 };
 
 /// Time since its start or last restart, in milliseconds of a pump's clock.

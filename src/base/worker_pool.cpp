@@ -60,9 +60,9 @@ void WorkerPool::startThreads(int nrOfThreads) {
 }
 
 // The system wakes a thread on the core of the one that wakes it, as if it were to take over, and
-// brings it to an idle core only when it balances its load, milliseconds later: a volume is done by
-// then. So the threads are kept off the core on which the caller is. Where that isn't possible they
-// run wherever the system lets them.
+// moves it to an idle core only when it balances its load. By then, milliseconds later, the volume
+// is done. So the threads are kept off the core on which the caller is. Where that isn't possible
+// they run wherever the system lets them.
 void WorkerPool::leaveCallersCore() {
 #ifdef __linux__
     const int core = sched_getcpu();

@@ -90,7 +90,7 @@ private:
     std::condition_variable loopBegun_;
     std::condition_variable partsAreDone_;
     std::vector<std::thread> threads_;
-    int coreLeft_ = -1; ///< on which the threads don't run
+    int coreLeft_ = -1; ///< the core on which the threads don't run, or -1
 };
 
 /// A pool of the caller's thread alone, for whoever has no other.

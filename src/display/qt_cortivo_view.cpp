@@ -113,10 +113,7 @@ ShownMaps QtCortivoView::overlay() const {
 }
 
 void QtCortivoView::composeMosaic() {
-    nrOfShownSlices_ = 0;
-    shownGrid_ = {};
-    regionFrames_.clear();
-    legend_ = {};
+    shown_ = {};
     if (!document_)
         return;
     SliceMosaicSource source;
@@ -125,17 +122,18 @@ void QtCortivoView::composeMosaic() {
     source.layout = document_->mosaic;
     source.maps = overlay();
     source.thresholds = thresholds_;
-    legend_ = makeOverlayLegend(source.maps, thresholds_);
-    shownLayout_ = document_->mosaic;
-    nrOfShownSlices_ = int(source.images().size());
-    shownGrid_ = document_->slices.gridSize();
-    inplanesShown_ = &source.images() == &document_->slices.InplanePixmaps;
+    shown_.legend = makeOverlayLegend(source.maps, thresholds_);
+    shown_.layout = document_->mosaic;
+    shown_.nrOfSlices = int(source.images().size());
+    shown_.grid = document_->slices.gridSize();
+    shown_.inplanes = &source.images() == &document_->slices.InplanePixmaps;
     // Without a picture the mosaic is null, and the view says so.
     if (!composeSliceMosaic(mosaic_, source, workers_ ? *workers_ : callersThread()))
         return;
     markRegionVoxels(mosaic_, tilesOn(mosaic_.rect()), document_->regions, marking_);
-    regionFrames_ = regionFrames(document_->regions, marking_,
-                                 {shownGrid_.width(), shownGrid_.height(), nrOfShownSlices_});
+    shown_.regionFrames =
+        regionFrames(document_->regions, marking_,
+                     {shown_.grid.width(), shown_.grid.height(), shown_.nrOfSlices});
 }
 
 void QtCortivoView::slotSaveAsBMP() {
@@ -189,7 +187,7 @@ QRectF QtCortivoView::fittedArea() const {
 }
 
 MosaicTiles QtCortivoView::tilesOn(const QRectF& area) const {
-    return {shownLayout_, nrOfShownSlices_, shownGrid_, area};
+    return {shown_.layout, shown_.nrOfSlices, shown_.grid, area};
 }
 
 MosaicTiles QtCortivoView::tiles() const {
@@ -204,12 +202,12 @@ void QtCortivoView::paintEvent(QPaintEvent*) {
     if (cleared_)
         return;
     if (mosaic().isNull()) {
-        if (nrOfShownSlices_ > 0) {
+        if (shown_.nrOfSlices > 0) {
             painter.setPen(labelColor);
             painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap,
                              QString("A mosaic of %1 columns and %2 rows can't be shown.")
-                                 .arg(shownLayout_.MosaicColumns)
-                                 .arg(shownLayout_.MosaicRows));
+                                 .arg(shown_.layout.MosaicColumns)
+                                 .arg(shown_.layout.MosaicRows));
         }
         return;
     }
@@ -218,7 +216,7 @@ void QtCortivoView::paintEvent(QPaintEvent*) {
     drawMosaic(painter, tiles().area);
     drawOverMosaic(painter);
     painter.restore();
-    paintOverlayLegend(painter, legendArea(), legend_, font());
+    paintOverlayLegend(painter, legendArea(), shown_.legend, font());
     drawReadOut(painter);
 }
 
@@ -241,7 +239,7 @@ void QtCortivoView::drawOverMosaic(QPainter& painter) const {
     const MosaicTiles shown = tiles();
     // The headers of inplane slices, which may be turned otherwise, are not kept.
     const PatientSides sides =
-        inplanesShown_ ? PatientSides() : patientSides(document_->project.position);
+        shown_.inplanes ? PatientSides() : patientSides(document_->project.position);
     paintTileMarks(painter, shown, sides, room(), font());
     painter.setFont(numberFont(font(), 0.8));
     drawROIs(painter, shown);
@@ -255,7 +253,7 @@ void QtCortivoView::drawOverMosaic(QPainter& painter) const {
 }
 
 void QtCortivoView::drawROIs(QPainter& painter, const MosaicTiles& tiles) const {
-    drawRegionFrames(painter, tiles, regionFrames_, marking_.colors, inplanesShown_ ? 3 : 2);
+    drawRegionFrames(painter, tiles, shown_.regionFrames, marking_.colors, shown_.inplanes ? 3 : 2);
 }
 
 void QtCortivoView::drawReadOut(QPainter& painter) const {
@@ -309,7 +307,7 @@ void QtCortivoView::keyPressEvent(QKeyEvent* event) {
 void QtCortivoView::scroll(void (*step)(SliceMosaicLayout& layout, int nrOfSlices)) {
     if (mosaic().isNull())
         return;
-    step(document_->mosaic, nrOfShownSlices_);
+    step(document_->mosaic, shown_.nrOfSlices);
     slotDocumentChanged();
 }
 
@@ -329,7 +327,7 @@ QString QtCortivoView::toolTipAt(QPoint position) const {
     if (cleared_ || action_ != MouseAction::None)
         return {};
     if (legendArea().contains(position))
-        return legendText(legend_);
+        return legendText(shown_.legend);
     if (readOutLine().contains(position))
         return readOutText();
     const MosaicTiles shown = tiles();
@@ -338,6 +336,6 @@ QString QtCortivoView::toolTipAt(QPoint position) const {
         return {};
     return QString("Slice %1 of %2\nPage Down, + or Right: forward\nPage Up, - or Left: backward\n"
                    "Drag: new region\nClick: values of the voxel\nWheel, Ctrl++, Ctrl+-: zoom")
-        .arg(sliceAtPlace(shownLayout_, place, nrOfShownSlices_) + 1)
-        .arg(nrOfShownSlices_);
+        .arg(sliceAtPlace(shown_.layout, place, shown_.nrOfSlices) + 1)
+        .arg(shown_.nrOfSlices);
 }

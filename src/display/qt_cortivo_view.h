@@ -131,13 +131,16 @@ private:
     const RegisteredPluginMaps* pluginMaps_ = nullptr;
     WorkerPool* workers_ = nullptr;
     QImage mosaic_;
-    // As the mosaic was composed: the document may be ahead of what is on the screen.
-    SliceMosaicLayout shownLayout_;
-    int nrOfShownSlices_ = 0; ///< that the mosaic chooses from
-    QSize shownGrid_;
-    bool inplanesShown_ = false;
-    std::vector<RegionFrame> regionFrames_;
-    OverlayLegend legend_;
+    /// As the mosaic was composed: the document may be ahead of what is on the screen.
+    struct Shown {
+        SliceMosaicLayout layout;
+        int nrOfSlices = 0; ///< that the mosaic chooses from
+        QSize grid;
+        bool inplanes = false;
+        std::vector<RegionFrame> regionFrames;
+        OverlayLegend legend;
+    };
+    Shown shown_;
     bool outdated_ = true; ///< the mosaic is to be composed before it is drawn
     bool cleared_ = false;
     bool showInplanes_ = false;

@@ -122,7 +122,7 @@ bool QtCortivoView::cancelDrag() {
 
 SliceRange QtCortivoView::slicesOfDrag() const {
     return selectedSlices(drag_.first.slice, std::max(marking_.MultiSliceROISelection, 1),
-                          nrOfShownSlices_);
+                          shown_.nrOfSlices);
 }
 
 void QtCortivoView::wheelEvent(QWheelEvent* event) {

@@ -173,10 +173,11 @@ VELO_SIMD_CLONES void LeastSquaresMotion::accumulate(const State& state, size_t 
 void LeastSquaresMotion::measureResiduals(State& state, size_t count, WorkerPool& workers) {
     constexpr size_t distance = 5;
     constexpr size_t fewest = 32;
-    constexpr size_t nrOfSets = MotionSamples::nrOfClasses + 1;
+    constexpr size_t ofAll = MotionSamples::nrOfClasses; // the set of all samples
+    constexpr size_t nrOfSets = ofAll + 1;
     for (std::vector<float>& residuals : residuals_)
         residuals.clear();
-    std::vector<float>& all = residuals_.back();
+    std::vector<float>& all = residuals_[ofAll];
     for (size_t i = 0; i < count; i += distance)
         if (moved_[i] > outside) {
             all.push_back(std::abs(moved_[i] - float(state.brightness) * samples_.values[i]));
@@ -185,10 +186,10 @@ void LeastSquaresMotion::measureResiduals(State& state, size_t count, WorkerPool
     std::array<double, nrOfSets> deviations{};
     workers.forParts(nrOfSets, [&](size_t part) {
         const size_t k = nrOfSets - 1 - part; // the largest set first
-        if (k == nrOfSets - 1 || residuals_[k].size() >= fewest)
+        if (k == ofAll || residuals_[k].size() >= fewest)
             deviations[k] = standardDeviation(residuals_[k]);
     });
-    state.scale = deviations.back();
+    state.scale = deviations[ofAll];
     for (size_t k = 0; k < state.scales.size(); ++k)
         state.scales[k] = float(deviations[k] > 0.0 ? deviations[k] : state.scale);
 }

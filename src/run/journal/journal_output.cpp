@@ -51,9 +51,9 @@ bool lockToLook(QFile& file) {
     return lockFile(file, LOCK_SH);
 }
 
-/// Nobody reads a journal while its run goes on, so that what is on the disk needs no copy in
-/// memory as well. The next volumes take the memory of the last ones, which is at hand; and runs
-/// and programs of others keep theirs.
+/// Nobody reads a journal while its run goes on, so what is on the disk needs no copy in memory.
+/// The next volumes use the pages of the last ones again, which is faster than fresh ones, and
+/// other programs keep theirs.
 void forgetForcedOut(QFile& file) {
 #ifdef POSIX_FADV_DONTNEED
     static_cast<void>(::posix_fadvise(file.handle(), 0, 0, POSIX_FADV_DONTNEED));

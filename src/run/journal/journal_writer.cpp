@@ -14,8 +14,8 @@
 namespace {
 
 /// Woken by a record, the thread must not take a processor from the loop that has added it, nor
-/// from the threads that work on the volume. It has a TR, and they have most of it idle. No more
-/// than a request: where it fails, the thread works all the same.
+/// from the threads that work on the volume, which leave it most of a TR. No more than a request:
+/// where it fails, the thread works all the same.
 void yieldToOthers() {
 #ifdef Q_OS_LINUX
     const sched_param parameters{};

@@ -5,12 +5,18 @@
 #include "run/loop/run_memory.h"
 
 #include <QStorageInfo>
+#include <algorithm>
 
+namespace {
+
+/// The journal and the results take what the samples take, each. The logs are small.
 size_t diskBytesOfRun(const FMRProject& project) {
     constexpr size_t copies = 2; // journal and results
     return copies * size_t(std::max(project.NrOfVolumes, 0)) * project.volumeSamples() *
            sizeof(int16_t);
 }
+
+} // namespace
 
 void tellOfDiskWithoutRoom(const FMRProject& project, const QString& targetFolder) {
     const QStorageInfo disk(targetFolder);

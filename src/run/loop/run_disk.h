@@ -4,10 +4,7 @@
 
 #include "volume/fmr_project.h"
 
-/// Bytes: the journal and the results take what the samples take, each. The logs are small.
-[[nodiscard]] size_t diskBytesOfRun(const FMRProject& project);
-
-/// Warns when the target folder has less room than that for a run that is about to start. It can
-/// start all the same: it stays in memory until there is room, and where the journal has to end,
-/// that is told.
+/// Warns when the target folder has less room than the journal and the results of a run take that
+/// is about to be measured. It can start all the same: it stays in memory until there is room, and
+/// where the journal has to end, that is told. A folder that isn't there is not looked at.
 void tellOfDiskWithoutRoom(const FMRProject& project, const QString& targetFolder);

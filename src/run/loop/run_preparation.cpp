@@ -225,7 +225,8 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
     if (!runFitsIntoMemory(run) || !allocateRun(document, run.pump))
         return nullptr;
     tellOfModelLimits(document, settings);
-    tellOfDiskWithoutRoom(document.project, settings.TargetFolder);
+    if (source.isMeasured())
+        tellOfDiskWithoutRoom(document.project, settings.TargetFolder);
     if (settings.ShowGODlgAfterPreparation)
         announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");
 

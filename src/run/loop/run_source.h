@@ -22,6 +22,8 @@ public:
     /// The reader of the volumes; nullptr when the data type has none.
     [[nodiscard]] virtual std::unique_ptr<VolumeReader>
     makeReader(const IntakeContext& context) = 0;
+    /// It is measured now, once, and has a journal; otherwise it was measured before.
+    [[nodiscard]] virtual bool isMeasured() const { return false; }
     /// For motion correction to another run of the session: the target. False after a message.
     [[nodiscard]] virtual bool loadMotionTarget(const RunSettings& settings,
                                                 const FMRProject& project,

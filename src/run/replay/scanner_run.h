@@ -29,6 +29,7 @@ public:
     [[nodiscard]] std::unique_ptr<VolumeReader> makeReader(const IntakeContext& context) override {
         return makeReader_(context);
     }
+    [[nodiscard]] bool isMeasured() const override { return true; }
     /// As they were when the settings were read: the operator may edit the next run's files while
     /// the first volume is waited for.
     [[nodiscard]] const RunInputs& inputs() const { return inputs_; }
