@@ -9,13 +9,6 @@
 
 namespace {
 
-VolumeGrid gridOf(std::array<int, 3> size, std::array<float, 3> spacing) {
-    VolumeGrid grid;
-    grid.size = size;
-    grid.spacing = spacing;
-    return grid;
-}
-
 std::vector<float> asList(const RigidTransformation& t) {
     return {t.tx, t.ty, t.tz, t.rx, t.ry, t.rz};
 }
