@@ -59,15 +59,6 @@ TEST(Training, HasTrialsOfEachTaskAndDurationWithRestAround) {
     EXPECT_NE(order, std::vector<int>({1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
     for (const auto begin : {order.begin(), order.begin() + 9})
         EXPECT_EQ(std::set<int>(begin, begin + 9).size(), 9u);
-    int nrOfTrials = 0;
-    const std::vector<std::vector<StimulusTime>> times = taskTimes(options);
-    for (int task = 0; task < 3; ++task)
-        for (const StimulusTime& time : times[size_t(task)]) {
-            const size_t volume = size_t(std::lround(time.start / 1.667)) + 1;
-            EXPECT_EQ((conditionOf.at(volume) - 1) / 3, task);
-            ++nrOfTrials;
-        }
-    EXPECT_EQ(nrOfTrials, 18);
 }
 
 TEST(MentalTasks, AreRefusedWhereTheyDoNotFit) {
