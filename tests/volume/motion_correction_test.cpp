@@ -214,6 +214,7 @@ TEST_F(MotionCorrectionTest, TargetOfAnotherRunMustFit) {
     makeRun({8, 7, 3}, 1);
     ASSERT_TRUE(writeSTCData(project, 1, nullptr, nullptr, 0, 100));
     ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 1));
+    EXPECT_TRUE(loadIntraSessionTarget(project.projectPath, project, *motion));
     for (int FMRHeader::*size :
          {&FMRHeader::ResolutionX, &FMRHeader::ResolutionY, &FMRHeader::NrOfSlices}) {
         ++(project.*size);

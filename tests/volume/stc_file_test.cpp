@@ -191,7 +191,7 @@ TEST_F(STCFile, SliceFilesOfOldRunsAreRead) {
     EXPECT_EQ(samplesOf(project), samplesOf(original));
 
     messages.expectCritical("ERROR: Unexpected .stc file dimensions, quitting Cortivo NX...");
-    writeFile(folder.filePath("other.stc"), QByteArray("\x02\0\x04\0", 4) + QByteArray(32, '\0'));
+    writeFile(folder.filePath("other.stc"), QByteArray("\x04\0\x04\0", 4) + QByteArray(32, '\0'));
     EXPECT_FALSE(readSliceSTC(project, 0, folder.filePath("other.stc")));
     EXPECT_EQ(end.statuses, std::vector<int>{1});
 }
