@@ -1,16 +1,17 @@
 // Files of anatomies, and of what links them to a run.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "base/byte_views.h"
 #include "fuzz/fuzz_target.h"
+#include "volume/anatomy/nifti_volume.h"
 #include "volume/anatomy/pos_file.h"
 #include "volume/anatomy/tal_file.h"
 #include "volume/anatomy/trf_file.h"
 #include "volume/anatomy/vmr_layout.h"
 
-namespace {
+#include <QBuffer>
+#include <cmath>
 
-QString textOf(std::span<const uint8_t> bytes) {
-    return QString::fromUtf8(QByteArrayView(bytes));
-}
+namespace {
 
 bool isFinite(const FMRPositionInfo& position) {
     float sum = position.fovRows * 0.0f + position.fovColumns * 0.0f;
@@ -58,9 +59,8 @@ bool trf(std::span<const uint8_t> bytes) {
     if (!parseTransformation(textOf(bytes), "fuzz_ACPC.trf", file))
         return false;
     TransformationFile again;
-    require(parseTransformation(
-                QString::fromUtf8(transformationText(file.matrices[0], "a", textOf(bytes))), "",
-                again) &&
+    require(parseTransformation(textOf(transformationText(file.matrices[0], "a", textOf(bytes))),
+                                "", again) &&
                 again.hasMatrix,
             "a written transformation reads");
     return true;
@@ -72,8 +72,29 @@ bool tal(std::span<const uint8_t> bytes) {
     return parseTalairachPoints(textOf(bytes), points);
 }
 
+// Images in the NIfTI formats, compressed or not.
+bool nifti(std::span<const uint8_t> bytes) {
+    NiftiHeader header;
+    if (parseNiftiHeader(bytes, header).isEmpty()) {
+        for (const int64_t side : header.size)
+            require(side >= 1 && side <= largestNiftiSide, "sides are small");
+        require(header.dataOffset <= 64u << 20 && bytesOf(header.kind) > 0, "data can be found");
+        const std::optional<NiftiPlace> place = header.place();
+        require(!place || place->matrix.inverse(), "a place has an inverse");
+    }
+    QByteArray copy = byteArray(bytes);
+    QBuffer device(&copy);
+    NiftiVolume volume;
+    if (!device.open(QIODevice::ReadOnly) || !readNiftiVolume(device, volume).isEmpty())
+        return false;
+    require(volume.values.size() == volume.header.volumeSamples(), "all voxels are there");
+    for (const float value : volume.values.span())
+        require(std::isfinite(value), "values are finite");
+    return true;
+}
+
 } // namespace
 
 std::vector<FuzzTarget> anatomyTargets() {
-    return {{"vmr", vmr}, {"pos", pos}, {"trf", trf}, {"tal", tal}};
+    return {{"vmr", vmr}, {"pos", pos}, {"trf", trf}, {"tal", tal}, {"nifti", nifti}};
 }

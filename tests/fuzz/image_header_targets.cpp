@@ -87,8 +87,7 @@ bool geIHeader(std::span<const uint8_t> bytes) {
 
 // Headers of GE P files.
 bool gePHeader(std::span<const uint8_t> bytes) {
-    return withSizes(parsePFileHeader(QString::fromUtf8(QByteArrayView(bytes)))).position.fovRows >
-           0.0f;
+    return withSizes(parsePFileHeader(textOf(bytes))).position.fovRows > 0.0f;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Journals, with the checksums that they have and with good ones.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/byte_reader.h"
+#include "base/byte_views.h"
 #include "fuzz/fuzz_target.h"
 #include "run/document/qt_cortivo_doc.h"
 #include "run/journal/journal_framing.h"
@@ -92,8 +93,7 @@ bool runRecords(std::span<const uint8_t> bytes) {
     document.contrasts.ContrastColors.resize(1);
     OperatorRecords operatorRecords(listeners, requests);
     operatorRecords.documentsArrived(document);
-    listeners.play(
-        {"maps", QByteArray(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()))});
+    listeners.play({"maps", byteArray(bytes)});
     listeners.play(record.record);
     require(document.contrasts.ContrastSelectionStates.size() == 1, "contrasts keep their number");
     return isHead || isVolume || isListener;

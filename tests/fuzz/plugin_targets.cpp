@@ -1,6 +1,7 @@
 // Libraries of plug-ins.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/byte_reader.h"
+#include "base/byte_views.h"
 #include "fuzz/fuzz_target.h"
 #include "plugin/host/library_file.h"
 

@@ -13,12 +13,11 @@ namespace {
 // Volumes of interest, and their way to a run.
 bool voi(std::span<const uint8_t> bytes) {
     VolumeOfInterest volumes;
-    if (parseVOIs(QString::fromUtf8(QByteArrayView(bytes)), volumes) != VOIParseResult::Ok)
+    if (parseVOIs(textOf(bytes), volumes) != VOIParseResult::Ok)
         return false;
     const QByteArray written = voiText(volumes);
     VolumeOfInterest again;
-    require(parseVOIs(QString::fromUtf8(written), again) == VOIParseResult::Ok,
-            "written volumes read");
+    require(parseVOIs(textOf(written), again) == VOIParseResult::Ok, "written volumes read");
     require(voiText(again) == written && again.VOIVoxels == volumes.VOIVoxels,
             "written volumes stay as they are");
     VOIMapping mapping;
@@ -39,13 +38,13 @@ bool vom(std::span<const uint8_t> bytes) {
     VomHeader header;
     std::vector<VoxelMap> maps;
     QString fault;
-    const bool good = parseVom(QString::fromUtf8(QByteArrayView(bytes)), header, maps, fault);
+    const bool good = parseVom(textOf(bytes), header, maps, fault);
     require(good == fault.isEmpty(), "a fault is named");
     if (!good)
         return false;
     const QByteArray written = vomFileText(header, maps);
-    require(parseVom(QString::fromUtf8(written), header, maps, fault), "written maps read");
-    require(vomFileText(header, maps) == written, "written maps stay as they are");
+    require(parseVom(textOf(written), header, maps, fault) && vomFileText(header, maps) == written,
+            "written maps stay as they are");
     return true;
 }
 

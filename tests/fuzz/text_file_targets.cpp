@@ -26,7 +26,7 @@ bool readSettings(RunSettings& settings, SettingsUse use, const QString& text) {
 // Settings files, and the lists of watch folders that they name. Inspection only: a run would
 // create the folders in the text, wherever they are.
 bool settingsFile(std::span<const uint8_t> bytes) {
-    const QString text = QString::fromUtf8(QByteArrayView(bytes));
+    const QString text = textOf(bytes);
     static_cast<void>(parseWatchFolderList(text, "fuzz/"));
     RunSettings settings;
     // A multi-run project is written without all its entries, so it can't be read back.
@@ -41,7 +41,7 @@ bool settingsFile(std::span<const uint8_t> bytes) {
 
 // Protocol files.
 bool prt(std::span<const uint8_t> bytes) {
-    const QString text = QString::fromUtf8(QByteArrayView(bytes));
+    const QString text = textOf(bytes);
     bool good = false;
     for (const bool withResponses : {false, true}) {
         StimulationProtocol protocol;
@@ -51,8 +51,7 @@ bool prt(std::span<const uint8_t> bytes) {
         VolumeTables tables;
         buildVolumeTables(tables, protocol, 50, 2000.0f);
         StimulationProtocol again;
-        require(parsePRT(QString::fromUtf8(prtText(protocol)), withResponses, again).result ==
-                    PRTResult::Good,
+        require(parsePRT(textOf(prtText(protocol)), withResponses, again).result == PRTResult::Good,
                 "a written protocol reads");
         require(again.nrOfConditions() == protocol.nrOfConditions(), "no condition is lost");
     }
@@ -95,7 +94,7 @@ bool tdat(std::span<const uint8_t> bytes) {
 
 // Headers of functional projects.
 bool fmr(std::span<const uint8_t> bytes) {
-    const QString text = QString::fromUtf8(QByteArrayView(bytes));
+    const QString text = textOf(bytes);
     bool good = false;
     for (const FMRScope scope : {FMRScope::Inspection, FMRScope::Project}) {
         FMRHeader header;
@@ -103,7 +102,7 @@ bool fmr(std::span<const uint8_t> bytes) {
             continue;
         good = true;
         FMRHeader again;
-        require(parseFMR(QString::fromUtf8(fmrText(header, header.NrOfVolumes)), scope, again) ==
+        require(parseFMR(textOf(fmrText(header, header.NrOfVolumes)), scope, again) ==
                     FMRParseResult::Ok,
                 "a written header reads");
         require(again.NrOfVolumes == header.NrOfVolumes && again.NrOfSlices == header.NrOfSlices &&
@@ -123,12 +122,11 @@ bool ctr(std::span<const uint8_t> bytes) {
     design.NrOfPredictors = nrOfConditions + 1;
     ContrastDefinitions contrasts;
     QString message;
-    if (!parseContrasts(QString::fromUtf8(QByteArrayView(bytes)), contrasts, design, nrOfConditions,
-                        message))
+    if (!parseContrasts(textOf(bytes), contrasts, design, nrOfConditions, message))
         return false;
     const QByteArray written = contrastFileText(contrasts, nrOfConditions);
     ContrastDefinitions again;
-    require(parseContrasts(QString::fromUtf8(written), again, design, nrOfConditions, message),
+    require(parseContrasts(textOf(written), again, design, nrOfConditions, message),
             "a written contrast file reads");
     require(again.ContrastValues == contrasts.ContrastValues, "no weight changes");
     return true;
@@ -165,8 +163,7 @@ bool roi(std::span<const uint8_t> bytes) {
     project.NrOfVolumes = 3;
     require(project.allocateVolumes(), "there is memory");
     SavedRegions saved;
-    if (parseROIFile(QString::fromUtf8(QByteArrayView(bytes)), project.size(), saved) !=
-        RoiFileResult::Ok)
+    if (parseROIFile(textOf(bytes), project.size(), saved) != RoiFileResult::Ok)
         return false;
     Regions regions;
     for (const SavedRegion& region : saved.regions)
@@ -174,7 +171,7 @@ bool roi(std::span<const uint8_t> bytes) {
     SavedRegions again;
     const QByteArray written =
         roiFileText(regions, {.BestVoxelSelection = true, .feedbackMaxima = defaultMaxPSC});
-    require(parseROIFile(QString::fromUtf8(written), project.size(), again) == RoiFileResult::Ok,
+    require(parseROIFile(textOf(written), project.size(), again) == RoiFileResult::Ok,
             "a written file reads");
     require(int(again.regions.size()) == regions.count(), "no region is lost");
     for (int i = 0; i < regions.count(); ++i)

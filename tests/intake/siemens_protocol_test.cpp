@@ -3,7 +3,6 @@
 
 #include "dicom_bytes.h"
 #include "support/scripted_messages.h"
-#include "support/test_data.h"
 
 namespace {
 
@@ -75,21 +74,6 @@ TEST(SiemensProtocol, ImagesNumberedFromTheLastSliceExchangeTheCentres) {
             << line.data();
         EXPECT_EQ(parsed(mode + line + times + slices).position.sliceCenterFirst[2], first)
             << line.data();
-    }
-}
-
-// The centre of the first tile by the position tags of the same file, as another reader has them.
-TEST(SiemensProtocol, CentresOfScannerFilesAreThoseOfTheStoredTiles) {
-    const QString folder = scannerDataFolder() + "/siemens_mosaic/";
-    SKIP_WITHOUT(folder);
-    for (const auto& [name, first] : std::initializer_list<std::pair<const char*, Vector3>>{
-             {"fifty_slices/001/IM-0001-0001.dcm", {-1.447f, 7.718f, 88.392f}},
-             {"software_versions/D13/ep2d_Asc_HF_10/IM-0009-0001.dcm", {0.000f, -5.061f, 59.163f}},
-             {"software_versions/D13/ep2d_Asc_2/IM-0001-0001.dcm", {0.000f, -27.157f, -61.306f}}}) {
-        FMRProject project;
-        ASSERT_TRUE(readSiemensProtocol(folder + name, project));
-        for (size_t axis = 0; axis < 3; ++axis)
-            EXPECT_NEAR(project.position.sliceCenterFirst[axis], first[axis], 0.01) << name;
     }
 }
 

@@ -1,12 +1,10 @@
 // Letters that the simulated subject codes by mental tasks.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "regions/roi_file.h"
 #include "scanner_simulator/command_line.h"
 #include "scanner_simulator/mental_tasks.h"
-#include "scanner_simulator/simulated_scan.h"
-#include "support/files.h"
 
-#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <set>
 
 namespace {
 
@@ -59,15 +57,6 @@ TEST(Training, HasTrialsOfEachTaskAndDurationWithRestAround) {
     EXPECT_NE(order, std::vector<int>({1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
     for (const auto begin : {order.begin(), order.begin() + 9})
         EXPECT_EQ(std::set<int>(begin, begin + 9).size(), 9u);
-    int nrOfTrials = 0;
-    const std::vector<std::vector<StimulusTime>> times = taskTimes(options);
-    for (int task = 0; task < 3; ++task)
-        for (const StimulusTime& time : times[size_t(task)]) {
-            const size_t volume = size_t(std::lround(time.start / 1.667)) + 1;
-            EXPECT_EQ((conditionOf.at(volume) - 1) / 3, task);
-            ++nrOfTrials;
-        }
-    EXPECT_EQ(nrOfTrials, 18);
 }
 
 TEST(MentalTasks, AreRefusedWhereTheyDoNotFit) {
@@ -84,50 +73,6 @@ TEST(MentalTasks, AreRefusedWhereTheyDoNotFit) {
     for (const QStringList& arguments : rejected)
         EXPECT_NE(parseCommandLine(QStringList{"simulator"} + arguments).problem, QString())
             << arguments.join(' ').toStdString();
-}
-
-// The regions that the operator loads lie in the brain, clear of the others, and answer as coded.
-// Expected: the two-gamma response to 10 s, convolved with NumPy, a mean over the three slices.
-TEST(MentalTasks, AreAnsweredByTheirRegions) {
-    const struct {
-        const char* letter; ///< the first of a task
-        size_t task;        ///< from 0
-        const char* delay;
-        int peak; ///< volume, from 0
-    } cases[] = {{"I", 1, "0", 9}, {"R", 2, "5.001", 12}};
-    const std::vector<int8_t> pattern = SimulatedScan(optionsOf({"--code", "1"})).preferences();
-    const SimulatedScan blocks{SimulationOptions()};
-    const std::vector<uint8_t> brain = blocks.brainVoxels();
-    const std::vector<uint8_t> others[] = {blocks.activeVoxels(1), blocks.activeVoxels(2)};
-    for (const auto& test : cases) {
-        QTemporaryDir folder;
-        const SimulatedScan scan(
-            optionsOf({"--spell", test.letter, "--amplitude", "100", "--noise", "0",
-                       "--response-delay", test.delay, "--out", folder.path()}));
-        ASSERT_TRUE(scan.writeTruth());
-        SavedRegions saved;
-        const VolumeSize size{64, 64, 25};
-        ASSERT_EQ(
-            parseROIFile(contentOf(folder.filePath("truth/Simulation-1/regions.roi")), size, saved),
-            RoiFileResult::Ok);
-        ASSERT_EQ(saved.regions.size(), 6u);
-        const std::vector<uint16_t> rest = scan.volume(2);
-        const std::vector<uint16_t> peak = scan.volume(2 + test.peak);
-        for (size_t region = 0; region < 6; ++region) {
-            const VoxelList& voxels = *saved.regions[region].voxels;
-            EXPECT_GT(voxels.size(), 40u);
-            double sums[2] = {};
-            for (size_t position = 0; position < voxels.size(); ++position) {
-                const size_t voxel = voxels.offset(position, size);
-                sums[0] += rest[voxel];
-                sums[1] += peak[voxel];
-                EXPECT_TRUE(brain[voxel] == 1 && pattern[voxel] == 0 && others[0][voxel] == 0 &&
-                            others[1][voxel] == 0);
-            }
-            const double share = region % 3 == test.task ? 1.0 : region < 3 ? 0.2 : 0.0;
-            EXPECT_NEAR(sums[1] / sums[0] - 1.0, share * 1.1326, 0.015) << region;
-        }
-    }
 }
 
 } // namespace

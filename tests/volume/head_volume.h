@@ -8,6 +8,14 @@
 #include <numbers>
 #include <random>
 
+inline VolumeGrid gridOf(const std::array<int, 3>& size,
+                         const std::array<float, 3>& spacing = {1.0f, 1.0f, 1.0f}) {
+    VolumeGrid grid;
+    grid.size = size;
+    grid.spacing = spacing;
+    return grid;
+}
+
 /// Moves the head as the fit describes it: result(p) = source(M p).
 class HeadVolume {
 public:

@@ -8,6 +8,7 @@
 #include "volume/head_volume.h"
 #include "volume/spline_resampling.h"
 #include "volume/stc_file.h"
+#include "volume/volume_runs.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -20,15 +21,9 @@ constexpr double noise = 10.0; // in a head of 900
 class MotionCorrectionTest : public testing::Test {
 protected:
     void makeRun(std::array<int, 3> size, int nrOfVolumes) {
-        project.ResolutionX = size[0];
-        project.ResolutionY = size[1];
-        project.NrOfSlices = size[2];
-        project.NrOfVolumes = nrOfVolumes;
-        project.pixelSizeX = project.pixelSizeY = 3.0f;
-        project.sliceThickness = 4.0f;
+        project = runOf(size[0], size[1], size[2], nrOfVolumes);
         project.targetFolder = folder.path() + "/";
         project.projectPath = folder.filePath("run.fmr");
-        ASSERT_TRUE(project.allocateVolumes());
         motion.emplace();
         failed = false;
         ASSERT_TRUE(motion->motionTarget.allocate(project.volumeSamples()));
@@ -219,6 +214,7 @@ TEST_F(MotionCorrectionTest, TargetOfAnotherRunMustFit) {
     makeRun({8, 7, 3}, 1);
     ASSERT_TRUE(writeSTCData(project, 1, nullptr, nullptr, 0, 100));
     ASSERT_TRUE(writeFMRHeader(project, project.projectPath, 1));
+    EXPECT_TRUE(loadIntraSessionTarget(project.projectPath, project, *motion));
     for (int FMRHeader::*size :
          {&FMRHeader::ResolutionX, &FMRHeader::ResolutionY, &FMRHeader::NrOfSlices}) {
         ++(project.*size);

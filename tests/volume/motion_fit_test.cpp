@@ -9,13 +9,6 @@
 
 namespace {
 
-VolumeGrid gridOf(std::array<int, 3> size, std::array<float, 3> spacing) {
-    VolumeGrid grid;
-    grid.size = size;
-    grid.spacing = spacing;
-    return grid;
-}
-
 std::vector<float> asList(const RigidTransformation& t) {
     return {t.tx, t.ty, t.tz, t.rx, t.ry, t.rz};
 }
@@ -91,9 +84,10 @@ TEST(ResampleVolume, GivesTheBitsOfThePlainFormForAnyMotionAndSize) {
     for (unsigned seed = 0; seed < 100; ++seed) {
         SCOPED_TRACE(seed);
         Random random(seed);
-        const VolumeGrid grid = gridOf(
-            {random.whole(1, seed % 9 == 0 ? 300 : 20), random.whole(1, 12), random.whole(1, 9)},
-            {2.0f + random.real(1.5f), 2.0f + random.real(1.5f), 3.0f});
+        // Some rows are longer than the blocks in which they are sampled.
+        const int columns = seed % 9 == 0 ? random.whole(257, 300) : random.whole(1, 20);
+        const VolumeGrid grid = gridOf({columns, random.whole(1, 12), random.whole(1, 9)},
+                                       {2.0f + random.real(1.5f), 2.0f + random.real(1.5f), 3.0f});
         std::vector<int16_t> source(grid.samples());
         for (int16_t& sample : source)
             sample = int16_t(random.whole(-32768, 32767));
@@ -101,35 +95,6 @@ TEST(ResampleVolume, GivesTheBitsOfThePlainFormForAnyMotionAndSize) {
         const RigidTransformation motion = random.motion(ranges[seed % 4]);
         EXPECT_EQ(resampled(grid, source, motion), PlainMotion(grid, {}, source).resample(motion));
     }
-}
-
-TEST(ResampleVolume, MovesTurnsAndRoundsAsStated) {
-    const VolumeGrid grid = gridOf({4, 3, 3}, {2.0f, 2.0f, 2.0f});
-    std::vector<int16_t> source(36);
-    for (size_t i = 0; i < source.size(); ++i)
-        source[i] = int16_t(5 + i % 4 * 3 + i / 12 * 100); // columns 3 apart, slices 100
-    EXPECT_EQ(resampled(grid, source, {}), source);
-    const auto rowOf = [&](const RigidTransformation& t, size_t slice) {
-        const std::vector<int16_t> result = resampled(grid, source, t);
-        return std::vector<int16_t>(result.begin() + ptrdiff_t(slice) * 12 + 4,
-                                    result.begin() + ptrdiff_t(slice) * 12 + 8);
-    };
-    using Row = std::vector<int16_t>;
-    // A positive translation shows what lies before; -0.5 is cut to 0, outside comes the nearest.
-    EXPECT_EQ(rowOf({1.0f}, 0), (Row{5, 7, 10, 13}));
-    EXPECT_EQ(rowOf({4.0f}, 0), (Row{0, 5, 5, 8}));
-    EXPECT_EQ(rowOf({-3.0f}, 0), (Row{10, 13, 0, 0}));
-    EXPECT_EQ(rowOf({0, 0, 2.0f}, 2), (Row{105, 108, 111, 114}));
-    for (int16_t& sample : source)
-        sample = int16_t(sample + 32760); // some of them above the largest signed one
-    EXPECT_EQ(rowOf({1.0f}, 0), (Row{32765, 32767, int16_t(32770), int16_t(32773)}));
-    // A quarter turn is exact: columns become rows.
-    const VolumeGrid square = gridOf({3, 3, 2}, {1.3f, 1.3f, 1.7f});
-    const std::vector<int16_t> slices{1,  2,  3,  4,  5,  6,  7,  8,  9,
-                                      10, 20, 30, 40, 50, 60, 70, 80, 90};
-    EXPECT_EQ(
-        resampled(square, slices, {0, 0, 0, 0, 0, 90.0f}),
-        (std::vector<int16_t>{3, 6, 9, 2, 5, 8, 1, 4, 7, 30, 60, 90, 20, 50, 80, 10, 40, 70}));
 }
 
 TEST(MotionFit, StepsAsLongAsTheErrorMoves) {

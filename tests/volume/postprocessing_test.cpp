@@ -1,9 +1,11 @@
-// Post-processing as a whole: names, order of the steps, cancelling, files.
+// Post-processing as a whole: choices, names, order of the steps, cancelling.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/postprocessing.h"
 
+#include "support/files.h"
 #include "support/scripted_messages.h"
 #include "volume/high_pass.h"
+#include "volume/postprocessing_choices.h"
 #include "volume/postprocessing_names.h"
 #include "volume/run_smoothing.h"
 #include "volume/slice_timing.h"
@@ -20,6 +22,14 @@ PostprocessingOptions allSteps() {
     options.temporal.gaussian = true;
     options.temporal.gaussianWidth = 4.0f;
     return options;
+}
+
+FMRHeader headerOf(int nrOfSlices) {
+    FMRHeader header;
+    header.NrOfSlices = nrOfSlices;
+    header.ResolutionX = 64;
+    header.ResolutionY = 48;
+    return header;
 }
 
 /// Steps may leave a file in the current folder.
@@ -61,6 +71,55 @@ TEST(PostprocessingNames, RecordEveryChoice) {
         EXPECT_EQ(names.fmrName, "/data/run.v2" + marks + ".fmr");
         EXPECT_EQ(names.prefix, "run" + marks);
     }
+}
+
+TEST(PostprocessingNames, TellWhetherOthersAreReplaced) {
+    QTemporaryDir folder;
+    PostprocessingOptions options;
+    options.sliceScanTime.checked = true;
+    const auto files = [&] {
+        return postprocessedFiles("/elsewhere/run.fmr", "slices-", folder.path() + "/", options);
+    };
+    EXPECT_FALSE(files().replaceOthers);
+    for (const char* existing : {"run_SCCA.fmr", "slices_SCCA.stc"}) {
+        writeFile(folder.filePath(existing), "");
+        EXPECT_TRUE(files().replaceOthers) << existing;
+        EXPECT_TRUE(QFile::remove(folder.filePath(existing)));
+    }
+}
+
+TEST(PostprocessingChoices, MeasuredTimesRuleOutADirection) {
+    PostprocessingOptions options = allSteps();
+    FMRHeader run = headerOf(25);
+    EXPECT_FALSE(availableChoices(options, run).measuredTimes) << "the headers have none";
+    EXPECT_TRUE(availableChoices(options, run).direction);
+    run.sliceTimes.assign(25, 1.0f);
+    EXPECT_TRUE(availableChoices(options, run).measuredTimes);
+    options.sliceScanTime.measuredTimes = true;
+    EXPECT_FALSE(availableChoices(options, run).direction);
+}
+
+TEST(PostprocessingChoices, OnlyWhatIsChosenMustBePossible) {
+    using enum PostprocessingChoice;
+    // A number is ignored without its step.
+    PostprocessingOptions options = allSteps();
+    options.spatial.fwhm = options.temporal.gaussianWidth = std::nanf("");
+    options.spatial.checked = options.temporal.gaussian = false;
+    EXPECT_EQ(findUnfinishedChoice(options).choice, None);
+    options.sliceScanTime.checked = options.temporal.highPass = false;
+    EXPECT_TRUE(findUnfinishedChoice(options).text.startsWith("Nothing is chosen yet"));
+    options.temporal.linearTrendRemoval = true;
+    EXPECT_EQ(findUnfinishedChoice(options).choice, None);
+    // Slices of 80 ms do not fit into 2000 ms, which matters only where they are chosen.
+    EXPECT_EQ(findImpossibleStep(headerOf(26), 40, options), None);
+}
+
+TEST(PostprocessingChoices, TextsNameOrderAndSizes) {
+    const FMRHeader even = headerOf(26);
+    EXPECT_EQ(sliceOrderText(even, defaultPostprocessingOptions(26).sliceScanTime),
+              "Slices in the order 2, 4, 6, 8, 10, 12 ... 21, 23, 25; one every 80 ms of a TR of "
+              "2000 ms");
+    EXPECT_EQ(runSizeText(even, 40), "40 volumes of 64 x 48 x 26 voxels, TR 2000 ms");
 }
 
 TEST_F(Postprocessing, RunsTheCheckedStepsInOrderOnTheMeasuredVolumes) {

@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "volume/spline_volume.h"
 
+#include "volume/head_volume.h"
 #include "volume/spline_resampling.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-VolumeGrid gridOf(std::array<int, 3> size, std::array<float, 3> spacing = {1.0f, 1.0f, 1.0f}) {
-    VolumeGrid grid;
-    grid.size = size;
-    grid.spacing = spacing;
-    return grid;
-}
 
 std::vector<int16_t> patternOf(const VolumeGrid& grid) {
     std::vector<int16_t> samples;
@@ -26,26 +20,20 @@ std::vector<int16_t> patternOf(const VolumeGrid& grid) {
 }
 
 // make_spline_values.py
-constexpr std::array<float, 6> xs{0, 2.25f, 0.1f, 4.6f, 5, 3.5f}, ys{0, 1.5f, 3.9f, 0.3f, 4, 2},
-    zs{0, 1.75f, 2.9f, 0.5f, 3, 1};
-struct Expected {
-    SplineDegree degree;
-    std::array<float, 6> values;
-    std::array<bool, 3> smoothed{};
-};
-constexpr Expected expectations[] = {
-    {SplineDegree::Cubic, {0.0f, 911.3541f, 431.6465f, 271.5921f, 354.0f, 343.3804f}},
-    {SplineDegree::Quintic, {0.0f, 965.0721f, 430.2296f, 266.6778f, 354.0f, 334.6323f}},
-    {SplineDegree::Quintic,
-     {0.0f, 654.9127f, 437.3678f, 330.7809f, 354.0f, 508.3970f},
-     {true, false, true}}};
-
 TEST(SplineVolume, ValuesAreThoseOfAnotherProgram) {
+    const std::array<float, 6> xs{0, 2.25f, 0.1f, 4.6f, 5, 3.5f}, ys{0, 1.5f, 3.9f, 0.3f, 4, 2},
+        zs{0, 1.75f, 2.9f, 0.5f, 3, 1};
+    const std::tuple<SplineDegree, std::array<bool, 3>, std::array<float, 6>> cases[] = {
+        {SplineDegree::Cubic, {}, {0.0f, 911.3541f, 431.6465f, 271.5921f, 354.0f, 343.3804f}},
+        {SplineDegree::Quintic, {}, {0.0f, 965.0721f, 430.2296f, 266.6778f, 354.0f, 334.6323f}},
+        {SplineDegree::Quintic,
+         {true, false, true},
+         {0.0f, 654.9127f, 437.3678f, 330.7809f, 354.0f, 508.3970f}}};
     const VolumeGrid grid = gridOf({6, 5, 4});
-    for (const Expected& expected : expectations) {
+    for (const auto& [degree, smoothed, expected] : cases) {
         SplineVolume spline;
-        ASSERT_TRUE(spline.allocate(grid, expected.degree));
-        spline.smoothAlong(expected.smoothed);
+        ASSERT_TRUE(spline.allocate(grid, degree));
+        spline.smoothAlong(smoothed);
         // The second time from the borders that the first one left.
         for (const std::vector<int16_t>& samples :
              {std::vector<int16_t>(grid.samples(), -1), patternOf(grid)})
@@ -53,7 +41,7 @@ TEST(SplineVolume, ValuesAreThoseOfAnotherProgram) {
         std::array<float, 6> values{};
         spline.sample({xs.data(), ys.data(), zs.data()}, values.size(), values.data());
         for (size_t i = 0; i < values.size(); ++i)
-            EXPECT_NEAR(values[i], expected.values[i], 2e-3f) << int(expected.degree) << " " << i;
+            EXPECT_NEAR(values[i], expected[i], 2e-3f) << int(degree) << " " << i;
     }
 }
 

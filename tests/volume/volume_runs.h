@@ -7,9 +7,13 @@
 
 #include <functional>
 
+inline double blank(int, int, int, int) {
+    return 0.0;
+}
+
 /// A run of 2 s TR whose slices fill the TR; `value` is called with x, y, slice and volume.
 inline FMRProject runOf(int sizeX, int sizeY, int nrOfSlices, int nrOfVolumes,
-                        const std::function<double(int, int, int, int)>& value) {
+                        const std::function<double(int, int, int, int)>& value = blank) {
     FMRProject project;
     project.ResolutionX = sizeX;
     project.ResolutionY = sizeY;

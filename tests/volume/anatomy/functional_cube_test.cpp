@@ -5,15 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
 #include <random>
 
 namespace {
-
-VolumeGeometry geometryOf(const VolumeSize& size, float pixelX, float pixelY, float thickness,
-                          float gap = 0.0f) {
-    return {size.x, size.y, size.slices, pixelX, pixelY, thickness, gap};
-}
 
 std::vector<int16_t> randomSamples(const VolumeGeometry& geometry) {
     std::vector<int16_t> samples(geometry.volumeSamples());
@@ -61,10 +55,10 @@ struct PlainCube {
 
 TEST(FunctionalCube, HoldsTrilinearIntensities) {
     const std::pair<VolumeGeometry, bool> cases[] = {
-        {geometryOf({64, 48, 18}, 3.0f, 3.2f, 3.0f, 0.8f), false},
-        {geometryOf({20, 31, 7}, 6.5f, 4.1f, 9.0f, -0.5f), true},
-        {geometryOf({128, 96, 1}, 2.5f, 2.5f, 5.0f), false}, // beyond the cube; one slice
-        {geometryOf({90, 80, 70}, 0.4f, 0.5f, 0.3f), true},
+        {{64, 48, 18, 3.0f, 3.2f, 3.0f, 0.8f}, false},
+        {{20, 31, 7, 6.5f, 4.1f, 9.0f, -0.5f}, true},
+        {{128, 96, 1, 2.5f, 2.5f, 5.0f}, false}, // beyond the cube; one slice
+        {{90, 80, 70, 0.4f, 0.5f, 0.3f}, true},
     };
     int first = 0;
     for (const auto& [geometry, mirrored] : cases) {
@@ -92,7 +86,7 @@ TEST(FunctionalCube, HoldsTrilinearIntensities) {
 }
 
 TEST(FunctionalCube, ItsMappingPointsAtTheVoxelsThatFilledIt) {
-    const VolumeGeometry geometry = geometryOf({64, 48, 18}, 3.0f, 3.0f, 4.0f);
+    const VolumeGeometry geometry{64, 48, 18, 3.0f, 3.0f, 4.0f};
     std::vector<int16_t> samples(geometry.volumeSamples());
     samples[size_t((13 * 48 + 40) * 64 + 9)] = 1000;
     for (const bool mirrored : {false, true}) {
@@ -113,13 +107,15 @@ TEST(FunctionalCube, ItsMappingPointsAtTheVoxelsThatFilledIt) {
 TEST(FunctionalCube, RefusesSizesThatAreNone) {
     const std::vector<int16_t> samples(64);
     VMRVolume volume;
-    for (const VolumeGeometry& geometry :
-         {geometryOf({4, 4, 4}, 0.0f, 3.0f, 3.0f), geometryOf({4, 4, 4}, 3.0f, 3.0f, 3.0f, -3.0f),
-          geometryOf({4, 4, 4}, 3.0f, std::numeric_limits<float>::quiet_NaN(), 3.0f),
-          geometryOf({4, 0, 4}, 3.0f, 3.0f, 3.0f), geometryOf({4, 4, 5}, 3.0f, 3.0f, 3.0f)})
+    const VolumeGeometry cases[] = {{4, 4, 4, 0, 3, 3},
+                                    {4, 4, 4, 3, 3, 3, -3},
+                                    {4, 4, 4, 3, NAN, 3},
+                                    {4, 0, 4, 3, 3, 3},
+                                    {4, 4, 5, 3, 3, 3}};
+    for (const VolumeGeometry& geometry : cases)
         EXPECT_FALSE(mapFunctionalToCube({samples, geometry, 0, 1, false}, volume));
     // A window without a width.
-    EXPECT_TRUE(mapFunctionalToCube({samples, geometryOf({4, 4, 4}, 3, 3, 3), 7, 7}, volume));
+    EXPECT_TRUE(mapFunctionalToCube({samples, VolumeGeometry{4, 4, 4, 3, 3, 3}, 7, 7}, volume));
 }
 
 } // namespace

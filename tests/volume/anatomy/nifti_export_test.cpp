@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/files.h"
-#include "support/recorded_progress.h"
 #include "volume/anatomy/coordinate_chain.h"
 #include "volume/anatomy/nifti_anatomy.h"
 #include "volume/anatomy/nifti_export.h"
+#include "volume/volume_runs.h"
 
 #include <QTemporaryDir>
 #include <QtEndian>
@@ -11,22 +11,12 @@
 
 namespace {
 
-Vector3 along(const Vector3& start, const Vector3& direction, float distance) {
-    Vector3 result = start;
-    for (size_t i = 0; i < 3; ++i)
-        result[i] += distance * direction[i];
-    return result;
-}
-
 /// 5 x 4 x 3 voxels of 2.5 x 3 x 4.5 mm, whose first centre lies at (-30, 20, 45).
 FMRProject tiltedRun(int nrOfVolumes) {
-    FMRProject run;
-    run.ResolutionX = 5;
-    run.ResolutionY = 4;
-    run.NrOfSlices = 3;
-    run.NrOfVolumes = nrOfVolumes;
+    FMRProject run = runOf(5, 4, 3, nrOfVolumes, [](int x, int y, int slice, int volume) {
+        return 1000 * ((slice * 4 + y) * 5 + x) + volume;
+    });
     run.pixelSizeX = 2.5f;
-    run.pixelSizeY = 3.0f;
     run.sliceThickness = 4.0f;
     run.sliceGap = 0.5f;
     run.TR = 1500.0f;
@@ -35,15 +25,9 @@ FMRProject tiltedRun(int nrOfVolumes) {
     position.positionInfoValid = 1;
     position.rowDirection = {0.9751703f, 0.1608814f, -0.1521842f};
     position.columnDirection = {-0.1976768f, 0.9421547f, -0.2706815f};
-    const Vector3 stack = {-0.0998334f, -0.2940438f, -0.9505638f};
-    // As records from image headers are: half of the field of view from the first voxel.
-    position.sliceCenterFirst = along(along({-30.0f, 20.0f, 45.0f}, position.rowDirection, 6.25f),
-                                      position.columnDirection, 6.0f);
-    position.sliceCenterLast = along(position.sliceCenterFirst, stack, 9.0f);
-    EXPECT_TRUE(run.allocateVolumes());
-    for (size_t volume = 0; volume < run.volumes.size(); ++volume)
-        for (size_t i = 0; i < run.volumeSamples(); ++i)
-            run.volumes[volume][i] = int16_t(uint16_t(1000 * i + volume));
+    // As in image headers: half of the field of view, 6.25 and 6 mm, from the first voxel.
+    position.sliceCenterFirst = {-25.0912464f, 26.6584370f, 42.4247598f};
+    position.sliceCenterLast = {-25.9897470f, 24.0120428f, 33.8696856f};
     return run;
 }
 

@@ -43,7 +43,9 @@ protected:
     std::vector<float> course(const char* name, size_t curve = 0) {
         return plot(name).curves.at(curve).values;
     }
-    QString readOut() { return dialog().findChild<QLabel*>("MotionReadOutLbl")->text(); }
+    std::string textOf(const char* label) {
+        return dialog().findChild<QLabel*>(label)->text().toStdString();
+    }
     void passVolume(int volume) {
         session.report.currentVolume = volume;
         EXPECT_TRUE(session.listeners.atStep(VolumeStep::Plots, {document(), volume}));
@@ -75,7 +77,7 @@ TEST_F(MotionPlot, ShowsWhatIsMeasuredAndItsLatestNumbers) {
     EXPECT_NEAR(displacement.at(3), 0.5 * arcOfDegree, 1e-6);
     EXPECT_EQ(plot("DisplacementPlot").lines.at(1).at, 0.5);
     EXPECT_NEAR(course("DVARSPlot").at(3), 1000.0 / 120, 1e-5);
-    EXPECT_EQ(readOut().toStdString(),
+    EXPECT_EQ(textOf("MotionReadOutLbl"),
               "Volume     4   Translation  X  0.00  Y  0.60  Z  0.00 mm\n"
               "Rotation  X  0.00  Y  0.00  Z  0.50 deg   DVARS  8.33 %\n"
               "Framewise displacement  0.44 mm   Volumes above 0.5 mm:     1");
@@ -128,26 +130,6 @@ TEST_F(MotionPlot, MissingValuesOfALargeRunComeInStepsAndNotWhileVolumesChange) 
     EXPECT_NEAR(course("DVARSPlot").at(3), 1000.0 / 120, 1e-4);
 }
 
-TEST_F(MotionPlot, AReloadedRunHasTheValuesThatTheLiveOneHad) {
-    writeSession(14, 2, {{"MotionCorrection:", "0"}});
-    openMotionPlot(session, window);
-    ProbeListener probe(session.listeners, ListenerPlace::Dialogs);
-    probe.onEndOfVolume = [this](int volume) {
-        // At volume 0 the mask is made after the plots.
-        EXPECT_EQ(course("DVARSPlot").size(), volume == 0 ? 0U : size_t(volume + 1));
-    };
-    session.runButtonPressed();
-    const std::vector<float> live = course("DVARSPlot");
-    ASSERT_EQ(live.size(), 12U);
-    EXPECT_GT(live[11], 0.0f);
-    EXPECT_EQ(plot("TranslationPlot").note, "This run is without motion correction");
-    EXPECT_TRUE(course("TranslationPlot").empty());
-    ASSERT_TRUE(session.reloadData());
-    const std::vector<float> reloaded = course("DVARSPlot");
-    ASSERT_EQ(reloaded.size(), 12U);
-    EXPECT_TRUE(std::equal(live.begin() + 1, live.end(), reloaded.begin() + 1));
-}
-
 TEST_F(MotionPlot, ShowsAtOnceWhatPostProcessingCorrects) {
     writeSession(14, 2,
                  {{"MatrixSizeX:", "16"},
@@ -174,7 +156,7 @@ TEST_F(MotionPlot, ShowsAtOnceWhatPostProcessingCorrects) {
     EXPECT_GT(course("DisplacementPlot").at(1), 0.0f);
 }
 
-TEST_F(MotionPlot, TheStripHasTheTimesOfEachVolumeAsSoonAsItIsDone) {
+TEST_F(MotionPlot, HasWhatEachVolumeGaveAsSoonAsItIsDoneAndAfterAReload) {
     writeSession(14, 2, {{"MotionCorrection:", "0"}});
     openMotionPlot(session, window);
     EXPECT_FALSE(plot("TimingPlot").note.isEmpty());
@@ -186,11 +168,17 @@ TEST_F(MotionPlot, TheStripHasTheTimesOfEachVolumeAsSoonAsItIsDone) {
         return true;
     };
     later.onEndOfVolume = [this](int volume) {
-        const PlotContent& strip = plot("TimingPlot");
-        EXPECT_EQ(strip.curves.at(0).values.size(), size_t(volume + 1));
-        EXPECT_EQ(strip.yRange->to, volume < 5 ? 2500.0 : 6000.0) << "the TR is in it";
+        // At volume 0 the mask is made after the plots.
+        EXPECT_EQ(course("DVARSPlot").size(), volume == 0 ? 0U : size_t(volume + 1));
+        EXPECT_EQ(course("TimingPlot").size(), size_t(volume + 1));
+        EXPECT_EQ(plot("TimingPlot").yRange->to, volume < 5 ? 2500.0 : 6000.0) << "the TR is in it";
     };
     session.runButtonPressed();
+    const std::vector<float> live = course("DVARSPlot");
+    ASSERT_EQ(live.size(), 12U);
+    EXPECT_GT(live[11], 0.0f);
+    EXPECT_EQ(plot("TranslationPlot").note, "This run is without motion correction");
+    EXPECT_TRUE(course("TranslationPlot").empty());
     const PlotContent& strip = plot("TimingPlot");
     ASSERT_TRUE(strip.stacked);
     EXPECT_EQ(strip.xRange, (PlotRange{0.5, 12.5}));
@@ -203,11 +191,14 @@ TEST_F(MotionPlot, TheStripHasTheTimesOfEachVolumeAsSoonAsItIsDone) {
     }
     EXPECT_EQ(sum, 9300.0f) << "nothing else took time, and nothing is left out";
     EXPECT_EQ(strip.lines.at(1).at, 2000.0);
-    const auto text = [this] { return dialog().findChild<QLabel*>("TimingReadOutLbl")->text(); };
-    EXPECT_EQ(text().toStdString(),
+    EXPECT_EQ(textOf("TimingReadOutLbl"),
               "Needed   400 ms, 300 ms of it for reading; in time by  1600 ms\n"
               "Volumes above 3/4 of the TR:    1");
+
     ASSERT_TRUE(session.reloadData());
+    const std::vector<float> reloaded = course("DVARSPlot");
+    ASSERT_EQ(reloaded.size(), 12U);
+    EXPECT_TRUE(std::equal(live.begin() + 1, live.end(), reloaded.begin() + 1));
     EXPECT_TRUE(plot("TimingPlot").curves.empty()) << "files have no times";
-    EXPECT_EQ(text(), "");
+    EXPECT_EQ(textOf("TimingReadOutLbl"), "");
 }
