@@ -70,6 +70,7 @@ bool MotionEvaluator::setTarget(const VolumeGrid& grid, std::span<const int16_t>
 MotionEvaluator::MovedRow MotionEvaluator::moveRow(const VolumeSampler& sampler,
                                                    const Row& row) const {
     std::array<float, 3 * maximumPositions> positions;
+    static_assert(positions.size() <= VolumeSampler::mostColumns);
     const size_t count = row.count;
     for (size_t i = 0; i < count; ++i) {
         const int x = columns_[row.first + i];
@@ -77,15 +78,16 @@ MotionEvaluator::MovedRow MotionEvaluator::moveRow(const VolumeSampler& sampler,
         positions[count + i] = grid_.position(0, x);
         positions[2 * count + i] = grid_.position(0, x + 1);
     }
-    const float* voxels = positions.data() + count;
+    const std::span all = std::span(positions).first(3 * count);
+    const std::span voxels = all.subspan(count, count);
     const auto y = [&](int offset) { return grid_.position(1, row.y + offset); };
     const auto z = [&](int offset) { return grid_.position(2, row.z + offset); };
     MovedRow moved;
-    sampler.sampleRow(positions.data(), 3 * count, y(0), z(0), moved.alongRow.data());
-    sampler.sampleRow(voxels, count, y(-1), z(0), moved.above.data());
-    sampler.sampleRow(voxels, count, y(1), z(0), moved.below.data());
-    sampler.sampleRow(voxels, count, y(0), z(-1), moved.before.data());
-    sampler.sampleRow(voxels, count, y(0), z(1), moved.behind.data());
+    sampler.sampleRow(all, y(0), z(0), moved.alongRow.data());
+    sampler.sampleRow(voxels, y(-1), z(0), moved.above.data());
+    sampler.sampleRow(voxels, y(1), z(0), moved.below.data());
+    sampler.sampleRow(voxels, y(0), z(-1), moved.before.data());
+    sampler.sampleRow(voxels, y(0), z(1), moved.behind.data());
     return moved;
 }
 

@@ -4,13 +4,14 @@
 #include "base/simd_clones.h"
 
 #include <bit>
+#include <cassert>
 #include <cmath>
 #include <cstring>
 
 namespace {
 
-/// Voxels of a row that are processed together; their intermediate values stay in the cache.
-constexpr size_t blockVoxels = 256;
+/// Voxels that are sampled together; their intermediate values stay in the cache.
+constexpr size_t blockVoxels = VolumeSampler::mostColumns;
 
 /// One coordinate along a row of the result: (factor * position + rest) / spacing + half.
 struct Line {
@@ -142,8 +143,9 @@ VolumeSampler::VolumeSampler(const VolumeGrid& grid, std::span<const int16_t> so
                              const RigidTransformation& transformation)
     : grid_(grid), source_(source.data()), matrix_(transformation.matrix()) {}
 
-void VolumeSampler::sampleRow(const float* columns, size_t count, float row, float slice,
+void VolumeSampler::sampleRow(std::span<const float> columns, float row, float slice,
                               int16_t* values) const {
+    assert(columns.size() <= mostColumns);
     const auto line = [&](size_t axis) {
         const float rest =
             matrix_.at(axis, 1) * row + (matrix_.at(axis, 2) * slice + matrix_.at(axis, 3));
@@ -166,18 +168,15 @@ void VolumeSampler::sampleRow(const float* columns, size_t count, float row, flo
         return source_[voxel[2] * sliceSize + voxel[1] * rowSize + voxel[0]];
     };
     Block block;
-    for (size_t done = 0; done < count; done += blockVoxels) {
-        const size_t size = std::min(blockVoxels, count - done);
-        const int inside = locate(x, y, z, columns + done, size, block);
-        // Voxels that are not inside read at voxel 0, which has eight samples if any voxel has.
-        if (inside > 0) {
-            gatherPairs(source_, rowSize, sliceSize, size, block);
-            interpolate(block, size, values + done);
-        }
-        for (size_t i = 0; size_t(inside) < size && i < size; ++i)
-            if (block.inside[i] == 0)
-                values[done + i] = nearest(block, i);
+    const int inside = locate(x, y, z, columns.data(), columns.size(), block);
+    // Voxels that are not inside read at voxel 0, which has eight samples if any voxel has.
+    if (inside > 0) {
+        gatherPairs(source_, rowSize, sliceSize, columns.size(), block);
+        interpolate(block, columns.size(), values);
     }
+    for (size_t i = 0; size_t(inside) < columns.size() && i < columns.size(); ++i)
+        if (block.inside[i] == 0)
+            values[i] = nearest(block, i);
 }
 
 void resampleVolume(const VolumeGrid& grid, std::span<const int16_t> source,
@@ -192,9 +191,9 @@ void resampleVolume(const VolumeGrid& grid, std::span<const int16_t> source,
             for (size_t i = 0; i < count; ++i)
                 columns[i] = grid.position(0, int(begin + i));
             for (size_t row = firstRow; row < endRow; ++row)
-                sampler.sampleRow(columns.data(), count, grid.position(1, int(row % sizeY)),
-                                  grid.position(2, int(row / sizeY)),
-                                  destination.data() + row * rowSize + begin);
+                sampler.sampleRow(
+                    std::span(columns).first(count), grid.position(1, int(row % sizeY)),
+                    grid.position(2, int(row / sizeY)), destination.data() + row * rowSize + begin);
         }
     });
 }

@@ -55,10 +55,12 @@ public:
     VolumeSampler(const VolumeGrid& grid, std::span<const int16_t> source,
                   const RigidTransformation& transformation);
 
-    /// Values of one row of the result. `columns` holds the positions of `count` columns, `row` and
-    /// `slice` are those of the row, all in millimetres from the centre (VolumeGrid::position).
-    void sampleRow(const float* columns, size_t count, float row, float slice,
-                   int16_t* values) const;
+    static constexpr size_t mostColumns = 256; ///< that are sampled at once
+
+    /// Values of one row of the result, or of a part of it: at most mostColumns, as many as
+    /// `columns` has positions. `row` and `slice` are those of the row. All are in millimetres from
+    /// the centre (VolumeGrid::position).
+    void sampleRow(std::span<const float> columns, float row, float slice, int16_t* values) const;
 
 private:
     VolumeGrid grid_;

@@ -97,6 +97,35 @@ TEST(ResampleVolume, GivesTheBitsOfThePlainFormForAnyMotionAndSize) {
     }
 }
 
+TEST(ResampleVolume, MovesTurnsAndRoundsAsStated) {
+    const VolumeGrid grid = gridOf({4, 3, 3}, {2.0f, 2.0f, 2.0f});
+    std::vector<int16_t> source(36);
+    for (size_t i = 0; i < source.size(); ++i)
+        source[i] = int16_t(5 + i % 4 * 3 + i / 12 * 100); // columns 3 apart, slices 100
+    EXPECT_EQ(resampled(grid, source, {}), source);
+    const auto rowOf = [&](const RigidTransformation& t, size_t slice) {
+        const std::vector<int16_t> result = resampled(grid, source, t);
+        return std::vector<int16_t>(result.begin() + ptrdiff_t(slice) * 12 + 4,
+                                    result.begin() + ptrdiff_t(slice) * 12 + 8);
+    };
+    using Row = std::vector<int16_t>;
+    // A positive translation shows what lies before; -0.5 is cut to 0, outside comes the nearest.
+    EXPECT_EQ(rowOf({1.0f}, 0), (Row{5, 7, 10, 13}));
+    EXPECT_EQ(rowOf({4.0f}, 0), (Row{0, 5, 5, 8}));
+    EXPECT_EQ(rowOf({-3.0f}, 0), (Row{10, 13, 0, 0}));
+    EXPECT_EQ(rowOf({0, 0, 2.0f}, 2), (Row{105, 108, 111, 114}));
+    for (int16_t& sample : source)
+        sample = int16_t(sample + 32760); // some of them above the largest signed one
+    EXPECT_EQ(rowOf({1.0f}, 0), (Row{32765, 32767, int16_t(32770), int16_t(32773)}));
+    // A quarter turn is exact: columns become rows.
+    const VolumeGrid square = gridOf({3, 3, 2}, {1.3f, 1.3f, 1.7f});
+    const std::vector<int16_t> slices{1,  2,  3,  4,  5,  6,  7,  8,  9,
+                                      10, 20, 30, 40, 50, 60, 70, 80, 90};
+    EXPECT_EQ(
+        resampled(square, slices, {0, 0, 0, 0, 0, 90.0f}),
+        (std::vector<int16_t>{3, 6, 9, 2, 5, 8, 1, 4, 7, 30, 60, 90, 20, 50, 80, 10, 40, 70}));
+}
+
 TEST(MotionFit, StepsAsLongAsTheErrorMoves) {
     const struct {
         std::vector<double>
