@@ -13,15 +13,9 @@ struct Variant {
 using enum ScannerType;
 using Options = SimulationOptions;
 
-void implicitSyntax(Options& o) {
-    o.syntax = TransferSyntax::ImplicitLittle;
-}
-void bigSyntax(Options& o) {
-    o.syntax = TransferSyntax::ExplicitBig;
-}
-void bigSamples(Options& o) {
-    o.rawDataBigEndian = true;
-}
+const auto implicitSyntax = [](Options& o) { o.syntax = TransferSyntax::ImplicitLittle; };
+const auto bigSyntax = [](Options& o) { o.syntax = TransferSyntax::ExplicitBig; };
+const auto bigSamples = [](Options& o) { o.rawDataBigEndian = true; };
 template<WatchFolderForm form> void watches(Options& o) {
     o.watchFolder = form;
 }

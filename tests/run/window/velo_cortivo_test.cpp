@@ -20,7 +20,6 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTableWidget>
-#include <QTextBrowser>
 #include <QTimer>
 
 TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {

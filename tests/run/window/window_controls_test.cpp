@@ -10,7 +10,6 @@
 #include <QDialog>
 #include <QDoubleSpinBox>
 #include <QLineEdit>
-#include <QTextBrowser>
 #include <QToolButton>
 
 const InputControls allPossible{
