@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/loop/session_fixture.h"
 #include "run/protocol/arriving_headers.h"
-#include "stats/map_file.h"
 #include "volume/fmr_file.h"
 
 namespace {
@@ -64,13 +63,13 @@ TEST_F(ArrivingProtocolRun, RTPConditionsEnterTheModelAsTheyBegin) {
     EXPECT_EQ(predictors.size(), 40u);
     EXPECT_EQ(savedConditions(), "3 Fix ation 3 1 2 9 19 25 40 Color: 100 100 100 "
                                  "Faces 1 3 8 Color: 255 0 0 Houses 1 20 24 Color: 0 0 255");
-    EXPECT_EQ(session.functionalDocument->contrasts.ContrastNames,
+    EXPECT_EQ(document().contrasts.ContrastNames,
               (QStringList{"Faces vs. Fix ation", "Houses vs. Fix ation"}));
-    EXPECT_EQ(session.functionalDocument->protocol.coveredTime, 82000);
+    EXPECT_EQ(document().protocol.coveredTime, 82000);
 
     ASSERT_TRUE(session.reloadData());
-    EXPECT_EQ(session.functionalDocument->protocol.conditions[2].to[0], 24);
-    EXPECT_EQ(session.functionalDocument->contrasts.NrOfContrasts, 2);
+    EXPECT_EQ(document().protocol.conditions[2].to[0], 24);
+    EXPECT_EQ(document().contrasts.NrOfContrasts, 2);
 }
 
 TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
@@ -97,9 +96,8 @@ TEST_F(ArrivingProtocolRun, TDATHeaderChangesTheRunAndIntervalsAreRecorded) {
                                  "HOUSES 1 21000 24000 Color: 0 0 255");
     EXPECT_EQ(entryOf(2), 11);
     EXPECT_EQ(entryOf(3), 25);
-    EXPECT_EQ(session.functionalDocument->contrasts.ContrastNames, (QStringList{"F-H", "F"}));
-    EXPECT_EQ(session.functionalDocument->contrasts.ContrastWeights[0],
-              (std::vector<int>{1, -1, 0}));
+    EXPECT_EQ(document().contrasts.ContrastNames, (QStringList{"F-H", "F"}));
+    EXPECT_EQ(document().contrasts.ContrastWeights[0], (std::vector<int>{1, -1, 0}));
 }
 
 // A box of a plug-in is answered a minute later, and the lines have come meanwhile.
@@ -152,17 +150,11 @@ TEST_F(ArrivingProtocolRun, AfterATimeOutModelAndFilesCountTheSameVolumes) {
     FMRHeader header;
     ASSERT_TRUE(readFMRHeader(path("results/test.fmr"), header));
     EXPECT_EQ(header.NrOfVolumes, session.report.currentVolume + 1);
-    EXPECT_EQ(session.functionalDocument->wholeRunModel.GLMDataPoints(), header.NrOfVolumes);
-    const auto mapsAsFile = [this] {
-        const QtCortivoDoc& document = *session.functionalDocument;
-        EXPECT_TRUE(writeMapFile(path("maps.mps"), document.maps, session.requests.thresholds,
-                                 document.contrasts));
-        return content("maps.mps");
-    };
-    const QByteArray maps = mapsAsFile();
+    EXPECT_EQ(document().wholeRunModel.GLMDataPoints(), header.NrOfVolumes);
+    const std::vector<float> maps = mapValues();
     ASSERT_TRUE(session.reloadData());
-    EXPECT_EQ(session.functionalDocument->wholeRunModel.GLMDataPoints(), header.NrOfVolumes);
-    EXPECT_EQ(mapsAsFile(), maps) << "the model has seen all that was saved";
+    EXPECT_EQ(document().wholeRunModel.GLMDataPoints(), header.NrOfVolumes);
+    EXPECT_EQ(mapValues(), maps) << "the model has seen all that was saved";
 }
 
 TEST_F(ArrivingProtocolRun, ProtocolThatIsAheadOrHasEndedIsNotWaitedFor) {
@@ -181,11 +173,11 @@ TEST_F(ArrivingProtocolRun, ProtocolThatIsAheadOrHasEndedIsNotWaitedFor) {
         EXPECT_EQ(pump.milliseconds(), 0);
         // The kernel's sum is 1, and the block is longer than the kernel.
         if (lines.contains("0.5")) {
-            EXPECT_NEAR(session.functionalDocument->design.PredictorColumns[0][19], 0.5, 1e-5);
+            EXPECT_NEAR(document().design.PredictorColumns[0][19], 0.5, 1e-5);
         }
     }
     // Known up to the end of the last volume, and no line further.
-    EXPECT_EQ(session.functionalDocument->protocol.coveredTime, 40000);
+    EXPECT_EQ(document().protocol.coveredTime, 40000);
 }
 
 TEST_F(ArrivingProtocolRun, HeaderThatCanNotBeReadEndsTheProgram) {

@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr int nrOfSlices = 4;
 constexpr int mosaicBytes = 2 * 32 * 32;
 const QByteArray pixelKey = QByteArray::fromHex("e07f1000");
 const char* const lateFirstFile = "TIME OUT: Expected first file did not arrive!";
@@ -16,11 +15,8 @@ const char* const tooShort = "holds less image data than stated in the settings 
 
 // Twelve volumes of 16 x 16 x 4 samples, two of them skipped.
 SimulationOptions hostileOptions(ScannerType type, int size) {
-    SimulationOptions chosen;
+    SimulationOptions chosen = smallScan(size, 4, 12);
     chosen.type = type;
-    chosen.sizeX = chosen.sizeY = size;
-    chosen.nrOfSlices = nrOfSlices;
-    chosen.nrOfVolumes = 12;
     return chosen;
 }
 
@@ -71,30 +67,31 @@ TEST_P(HostileSessionTest, FirstFileOfAnotherKindIsRefusedWithoutWaiting) {
     const auto changed = [&good](const char* from, const char* to) {
         return QByteArray(good.bytes).replace(QByteArray::fromHex(from), QByteArray::fromHex(to));
     };
-    // Endings for mosaics, and for single slices, of which no header is read.
-    const std::tuple<const char*, QByteArray, QStringList, QStringList> cases[] = {
-        {"smaller",
-         smaller.files(0)[0].bytes,
-         {tooShort, lateFirstFile},
-         {tooShort, lateFirstFile}},
+    const QStringList refused{tooShort, lateFirstFile};
+    const struct {
+        const char* name;
+        QByteArray bytes;
+        QStringList endings;
+        bool isInHeader = false; ///< which is not read of single slices
+    } cases[] = {
+        {"smaller", smaller.files(0)[0].bytes, refused},
         {"compressed",
          changed("312e322e3834302e31303030382e312e322e31", // 1.2.840.10008.1.2.1
                  "312e322e3834302e31303030382e312e322e35"),
-         {"export it uncompressed !", lateFirstFile},
          {"export it uncompressed !", lateFirstFile}},
         {"other dimensions",
          changed("28001100555302002000", "28001100555302004000"),
          {"ERROR - dimensions of DICOM file (32 x 64) do not match those in VCO file (32 x 32) !"},
-         {}},
+         true},
         {"an element of 4 GiB",
          changed("0800050043530a00", "08000500554e0000feffffff"),
          {"ERROR: Read past the end of file, can not read file as regular DICOM!"},
-         {}}};
-    for (const auto& [name, bytes, mosaicEndings, sliceEndings] : cases) {
+         true}};
+    for (const auto& [name, bytes, endings, isInHeader] : cases) {
         SCOPED_TRACE(name);
         const qint64 start = hostile.pump.milliseconds();
         hostile.write({good.name, bytes});
-        expectMessages(hostile.run(), isMosaic() ? mosaicEndings : sliceEndings);
+        expectMessages(hostile.run(), isInHeader && !isMosaic() ? QStringList() : endings);
         EXPECT_LT(hostile.pump.milliseconds() - start, 3000);
     }
     QFile huge(hostile.watchFolder() + good.name);
@@ -105,32 +102,55 @@ TEST_P(HostileSessionTest, FirstFileOfAnotherKindIsRefusedWithoutWaiting) {
     EXPECT_EQ(hostile.savedVolumes(), 10);
 }
 
-TEST_P(HostileSessionTest, TroubleInTheMiddleKeepsWhatWasMeasured) {
+TEST_P(HostileSessionTest, TroubleKeepsWhatWasMeasuredAndNothingIsLostWithinTheTimeOut) {
+    using Trouble = std::function<void(HostileSession&)>;
+    const auto delivered = [](const DeliveryOptions& delivery) -> Trouble {
+        return [delivery](HostileSession& hostile) {
+            const VolumeSource source{.nrOfVolumes = 12, .files = {}};
+            for (const auto& [volume, due] : deliverySchedule(delivery, source))
+                for (ScannerFile file : hostile.scan.files(volume)) {
+                    if (delivery.truncated.contains(volume + 1))
+                        file.bytes.truncate(file.bytes.size() / 2);
+                    hostile.pump.after(due + 600, [&hostile, file] { hostile.write(file); });
+                }
+        };
+    };
+    const Trouble backwards = [](HostileSession& hostile) {
+        for (int volume = 0; volume < 12; ++volume) {
+            std::vector<ScannerFile> files = hostile.scan.files(volume);
+            for (size_t i = 0; i < files.size(); ++i)
+                hostile.pump.after(200 * (volume + 1) - 20 * qint64(i),
+                                   [&hostile, file = files[i]] { hostile.write(file); });
+        }
+    };
+    const Trouble folderAway = [](HostileSession& hostile) {
+        hostile.writeAll();
+        const QString folder = hostile.folder.filePath("incoming");
+        hostile.pump.after(200, [folder] { QDir().rename(folder, folder + "-away"); });
+        hostile.pump.after(9000, [folder] { QDir().rename(folder + "-away", folder); });
+    };
+    const Trouble otherSeries = [](HostileSession& hostile) {
+        hostile.writeAll();
+        for (int volume = 0; volume < 12; ++volume)
+            for (const ScannerFile& file : hostile.scan.files(volume))
+                hostile.write({"2" + file.name, file.bytes + file.bytes});
+    };
     // The settings give a file 30 seconds; the seventh volume is the fifth analysed one.
-    const std::tuple<const char*, DeliveryOptions, QStringList, int> cases[] = {
-        {"on time", {}, {}, 10},
-        {"late", {.late = {{7, 5000}}}, {}, 10},
-        {"too late", {.late = {{7, 40000}}}, {lateFile}, 4},
-        {"missing", {.missing = {7}}, {lateFile}, 4},
-        {"truncated", {.truncated = {7}}, {missingKey, lateFile}, 4}};
-    for (const auto& [name, delivery, endings, saved] : cases) {
+    const std::tuple<const char*, Trouble, QStringList, int> cases[] = {
+        {"backwards", backwards, {}, 10},
+        {"folder away", folderAway, {}, 10},
+        {"other series", otherSeries, {}, 10},
+        {"late", delivered({.late = {{7, 5000}}}), {}, 10},
+        {"too late", delivered({.late = {{7, 40000}}}), {lateFile}, 4},
+        {"missing", delivered({.missing = {7}}), {lateFile}, 4},
+        {"truncated", delivered({.truncated = {7}}), {missingKey, lateFile}, 4}};
+    for (const auto& [name, trouble, endings, saved] : cases) {
         SCOPED_TRACE(name);
         HostileSession hostile(GetParam());
-        const VolumeSource source{.nrOfVolumes = 12, .files = {}};
-        for (const auto& [volume, due] : deliverySchedule(delivery, source)) {
-            const bool truncated = delivery.truncated.contains(volume + 1);
-            for (ScannerFile file : hostile.scan.files(volume)) {
-                if (truncated)
-                    file.bytes.truncate(file.bytes.size() / 2);
-                hostile.pump.after(due + 600, [&hostile, file] { hostile.write(file); });
-            }
-        }
+        trouble(hostile);
         expectMessages(hostile.run(), endings);
         EXPECT_EQ(hostile.savedVolumes(), saved);
         EXPECT_FALSE(hostile.session.report.startFailed);
-        hostile.writeAll();
-        expectMessages(hostile.run(), {});
-        EXPECT_EQ(hostile.savedVolumes(), 10);
     }
 }
 
@@ -163,36 +183,4 @@ TEST_P(HostileSessionTest, AWaitThatIsGivenUpEndsTheRunWithoutAWord) {
             EXPECT_EQ(hostile.session.report.currentVolume, volume == 0 ? -1 : 3);
             EXPECT_TRUE(volume == 0 || hostile.savedVolumes() == 4);
         }
-}
-
-// All files are there, or come within the time-out, but not as quietly as on a good day.
-TEST_P(HostileSessionTest, AnUnsteadyFolderLosesNothing) {
-    using Trouble = std::function<void(HostileSession&)>;
-    const Trouble backwards = [](HostileSession& hostile) {
-        for (int volume = 0; volume < 12; ++volume) {
-            std::vector<ScannerFile> files = hostile.scan.files(volume);
-            for (size_t i = 0; i < files.size(); ++i) {
-                QFile::remove(hostile.watchFolder() + files[i].name);
-                hostile.pump.after(200 * (volume + 1) - 20 * qint64(i),
-                                   [&hostile, file = files[i]] { hostile.write(file); });
-            }
-        }
-    };
-    const Trouble folderAway = [](HostileSession& hostile) {
-        const QString folder = hostile.folder.filePath("incoming");
-        hostile.pump.after(200, [folder] { QDir().rename(folder, folder + "-away"); });
-        hostile.pump.after(9000, [folder] { QDir().rename(folder + "-away", folder); });
-    };
-    const Trouble otherSeries = [](HostileSession& hostile) {
-        for (int volume = 0; volume < 12; ++volume)
-            for (const ScannerFile& file : hostile.scan.files(volume))
-                hostile.write({"2" + file.name, file.bytes + file.bytes});
-    };
-    for (const Trouble& trouble : {backwards, folderAway, otherSeries}) {
-        HostileSession hostile(GetParam());
-        hostile.writeAll();
-        trouble(hostile);
-        expectMessages(hostile.run(), {});
-        EXPECT_EQ(hostile.savedVolumes(), 10);
-    }
 }

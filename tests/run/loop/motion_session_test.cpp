@@ -11,24 +11,32 @@ namespace {
 
 class MotionSessionTest : public SessionFixture {
 protected:
-    MotionSessionTest() {
-        script.atVolume = [this](int v) {
-            std::ranges::copy(measured(v), project().volumes[size_t(v)].data());
-        };
-    }
-    void writeHeadSession(int volumes, QMap<QString, QString> changes) {
+    MotionSessionTest() { measureBlank({}); }
+    /// With motion correction where a method is given.
+    void writeHeadSession(int volumes, std::optional<MotionMethod> method,
+                          QMap<QString, QString> changes = {}) {
         for (const char* key : {"MatrixSizeX:", "MatrixSizeY:"})
             changes[key] = "16";
         for (const char* key : {"MosaicResolutionX:", "MosaicResolutionY:"})
             changes[key] = "48";
         changes.insert("NrOfSlices:", changes.value("NrOfSlices:", "6"));
+        changes["MotionCorrection:"] = QString::number(method.has_value());
         writeSession(volumes, 2, changes);
+        if (method)
+            put("test-1.vco", "\nMotionCorrectionMethod: " + QByteArray::number(int(*method)),
+                QIODevice::Append);
     }
-    QtCortivoDoc& document() { return *session.functionalDocument; }
-    FMRProject& project() { return session.functionalDocument->project; }
-    [[nodiscard]] const MotionCorrection& motion() const {
-        return session.functionalDocument->motion;
+    /// These volumes are measured without a head.
+    void measureBlank(const QList<int>& volumes) {
+        script.atVolume = [this, volumes](int v) {
+            if (volumes.contains(v))
+                std::ranges::fill(project().volumes[size_t(v)], int16_t(0));
+            else
+                std::ranges::copy(measured(v), project().volumes[size_t(v)].data());
+        };
     }
+    FMRProject& project() { return document().project; }
+    [[nodiscard]] const MotionCorrection& motion() const { return document().motion; }
     RigidTransformation motionOf(size_t v) const {
         const auto& p = motion().motionParameters;
         return {p[0][v], p[1][v], p[2][v], p[3][v], p[4][v], p[5][v]};
@@ -50,7 +58,7 @@ protected:
 
 TEST_F(MotionSessionTest, VolumesAreCorrectedSavedAndReloadedWithTheirMotion) {
     // Ended early: the file of parameters agrees with the project file.
-    writeHeadSession(32, {{"MotionCorrection:", "1"}});
+    writeHeadSession(32, MotionMethod::Standard);
     script.lastVolume = 19;
     messages.expectWarning("TIME OUT ERROR: expected file did not arrive!");
     session.runButtonPressed();
@@ -73,7 +81,7 @@ TEST_F(MotionSessionTest, VolumesAreCorrectedSavedAndReloadedWithTheirMotion) {
 }
 
 TEST_F(MotionSessionTest, FilesOfParametersThatAreNoGoodSwitchTheCorrectionOff) {
-    writeHeadSession(18, {{"MotionCorrection:", "1"}});
+    writeHeadSession(18, MotionMethod::Standard);
     session.runButtonPressed();
     const QString file = path("results/test_3DMC.rtc");
     const QByteArray good = content("results/test_3DMC.rtc");
@@ -102,7 +110,7 @@ TEST_F(MotionSessionTest, FilesOfParametersThatAreNoGoodSwitchTheCorrectionOff) 
 }
 
 TEST_F(MotionSessionTest, AFileOfParametersThatCannotBeWrittenLeadsToTheQuestion) {
-    writeHeadSession(8, {{"MotionCorrection:", "1"}});
+    writeHeadSession(8, MotionMethod::Standard);
     QDir().mkpath(path("results/test_3DMC.rtc"));
     messages.expectWarning(
         "ERROR: Can not open .rtc file for saving motion correction parameters !");
@@ -113,7 +121,7 @@ TEST_F(MotionSessionTest, AFileOfParametersThatCannotBeWrittenLeadsToTheQuestion
 }
 
 TEST_F(MotionSessionTest, DataThatAllowNoCorrectionAreToldOfAfterTheRun) {
-    writeHeadSession(18, {{"MotionCorrection:", "1"}, {"NrOfSlices:", "2"}});
+    writeHeadSession(18, MotionMethod::Standard, {{"NrOfSlices:", "2"}});
     messages.expectInformation(
         "INFO: This data set did not allow to perform 3D motion correction properly.");
     session.runButtonPressed();
@@ -121,76 +129,64 @@ TEST_F(MotionSessionTest, DataThatAllowNoCorrectionAreToldOfAfterTheRun) {
 }
 
 TEST_F(MotionSessionTest, RunsOfOneSessionShareATarget) {
-    writeHeadSession(18, {});
+    writeHeadSession(18, std::nullopt);
     session.runButtonPressed();
     ASSERT_TRUE(QFile::rename(path("results/test.stc"), path("target.stc")));
     project().Prefix = "target";
     project().ProtocolFiles.clear();
     ASSERT_TRUE(writeFMRHeader(project(), path("target.fmr"), 16));
 
-    writeHeadSession(18, {{"MotionCorrection:", "1"},
-                          {"IntraSessionMotionCorrection:",
-                           "1\nIntraSessionMotionCorrectionFile: \"" + path("target.fmr") + "\""}});
+    writeHeadSession(18, MotionMethod::Standard,
+                     {{"IntraSessionMotionCorrection:",
+                       "1\nIntraSessionMotionCorrectionFile: \"" + path("target.fmr") + "\""}});
     session.runButtonPressed(); // the same volumes: the first agrees with the target
     EXPECT_TRUE(isMeasured(0));
     EXPECT_FALSE(isMeasured(15));
     EXPECT_EQ(content("results/test_3DMC.log").count("-> volume:"), 15);
 }
 
+// All methods are held against the live correction where they are decided.
 TEST_F(MotionSessionTest, CorrectedAfterTheRunItIsWhatItWouldHaveBeenLive) {
-    for (const int method : {0, 1, 2}) {
-        SCOPED_TRACE(method);
-        writeHeadSession(26, {{"MotionCorrection:", "1"}});
-        put("test-1.vco", "\nMotionCorrectionMethod: " + QByteArray::number(method),
-            QIODevice::Append);
-        session.runButtonPressed();
-        QMap<QString, QByteArray> live;
-        for (const char* extension : {".stc", "_3DMC.log", "_3DMC.rtc"})
-            live[extension] = content(QString("results/test") + extension);
-        const std::vector<float> liveMap(document().maps.map(0).begin(),
-                                         document().maps.map(0).end());
+    const auto results = [this](const QString& name) {
+        return content("results/" + name + ".stc") + content("results/" + name + "_3DMC.log") +
+               content("results/" + name + "_3DMC.rtc");
+    };
+    writeHeadSession(26, MotionMethod::LeastSquares);
+    session.runButtonPressed();
+    const QByteArray live = results("test");
+    const std::vector<float> liveMaps = mapValues();
 
-        ASSERT_TRUE(QDir(path("results")).removeRecursively());
-        writeHeadSession(26, {{"MotionCorrection:", "0"}});
-        session.runButtonPressed();
-        const QByteArray measuredData = content("results/test.stc");
-        PostprocessingOptions options;
-        options.motion = {true, MotionMethod(method), 0};
-        for (const int percent : {20, 59, 65}) {
-            RecordedProgress reporter;
-            reporter.cancelAt = percent;
-            EXPECT_FALSE(session.postprocess(options, true, reporter));
-            EXPECT_TRUE(isMeasured(23));
-            EXPECT_TRUE(motion().motionParameters[0].empty());
-            EXPECT_EQ(QDir(path("results")).entryList({"*3DMC*"}, QDir::Files), QStringList());
-        }
-        RecordedProgress progress;
-        ASSERT_TRUE(session.postprocess(options, true, progress));
-        const QString name = QString("test_3DMC") + (method == 0 ? "" : method == 1 ? "LS" : "LST");
-        for (auto file = live.begin(); file != live.end(); ++file)
-            EXPECT_TRUE(content("results/" + name + file.key()) == file.value())
-                << file.key().toStdString();
-        EXPECT_EQ(content("results/test.stc"), measuredData);
-        EXPECT_TRUE(std::ranges::equal(document().maps.map(0), liveMap));
-        EXPECT_TRUE(motion().foundAfterRun);
-        const RigidTransformation last = motionOf(23);
-        EXPECT_GT(std::abs(last.tx), 0.5f); // of 1.15 mm
-
-        writeHeadSession(26, {{"MotionCorrection:", "1"}, {"ProjectName:", '"' + name + ".fmr\""}});
-        messages.expectCritical("ERROR: Can not find / open file: *");
-        ASSERT_TRUE(session.reloadData());
-        EXPECT_NEAR(motionOf(23).tx, last.tx, 1e-6f);
+    ASSERT_TRUE(QDir(path("results")).removeRecursively());
+    writeHeadSession(26, std::nullopt);
+    session.runButtonPressed();
+    const QByteArray measuredData = content("results/test.stc");
+    PostprocessingOptions options;
+    options.motion = {true, MotionMethod::LeastSquares, 0};
+    for (const int percent : {20, 59, 65}) {
+        RecordedProgress reporter;
+        reporter.cancelAt = percent;
+        EXPECT_FALSE(session.postprocess(options, true, reporter));
+        EXPECT_TRUE(isMeasured(23));
+        EXPECT_TRUE(motion().motionParameters[0].empty());
+        EXPECT_EQ(QDir(path("results")).entryList({"*3DMC*"}, QDir::Files), QStringList());
     }
+    RecordedProgress progress;
+    ASSERT_TRUE(session.postprocess(options, true, progress));
+    EXPECT_TRUE(results("test_3DMCLS") == live);
+    EXPECT_EQ(content("results/test.stc"), measuredData);
+    EXPECT_EQ(mapValues(), liveMaps);
+    EXPECT_TRUE(motion().foundAfterRun);
+    EXPECT_GT(std::abs(motionOf(23).tx), 0.5f); // of 1.15 mm
+
+    writeHeadSession(26, MotionMethod::LeastSquares, {{"ProjectName:", "\"test_3DMCLS.fmr\""}});
+    messages.expectCritical("ERROR: Can not find / open file: *");
+    ASSERT_TRUE(session.reloadData());
+    EXPECT_GT(std::abs(motionOf(23).tx), 0.5f);
 }
 
 TEST_F(MotionSessionTest, ACorrectionThatIsNotOnDiskIsTakenBackAndOneThatIsTellsOfBadVolumes) {
-    const auto head = script.atVolume;
-    script.atVolume = [this, head](int v) {
-        head(v);
-        if (v == 9 || v == 12)
-            std::ranges::fill(project().volumes[size_t(v)], int16_t(0));
-    };
-    writeHeadSession(20, {{"MotionCorrection:", "1"}});
+    measureBlank({9, 12});
+    writeHeadSession(20, MotionMethod::Standard);
     messages.acceptAnything(); // the standard method doesn't get over a blank volume
     session.runButtonPressed();
     const std::vector<float> live(motion().motionParameters[0].span().begin(),
@@ -214,14 +210,8 @@ TEST_F(MotionSessionTest, ACorrectionThatIsNotOnDiskIsTakenBackAndOneThatIsTells
 }
 
 TEST_F(MotionSessionTest, ABadVolumeIsToldAtTheTopOfThePanelAndWhenTheRunIsSaved) {
-    const auto head = script.atVolume;
-    script.atVolume = [this, head](int v) {
-        head(v);
-        if (v == 9)
-            std::ranges::fill(project().volumes[size_t(v)], int16_t(0));
-    };
-    writeHeadSession(20, {{"MotionCorrection:", "1"}});
-    put("test-1.vco", "\nMotionCorrectionMethod: 1", QIODevice::Append);
+    measureBlank({9});
+    writeHeadSession(20, MotionMethod::LeastSquares);
     session.runButtonPressed();
     const QString told = "<b>The motion of 1 volume was not found</b>";
     EXPECT_EQ(display.logTexts.filter("volume <b>18 (20)").last().section("<br>", 1, 1), told);

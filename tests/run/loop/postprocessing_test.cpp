@@ -9,10 +9,6 @@ namespace {
 
 const QString processedName = "test_SCCAI2_THPGLMF2c";
 
-std::vector<float> samplesOf(std::span<const float> map) {
-    return {map.begin(), map.end()};
-}
-
 class PostprocessingTest : public SessionFixture {
 protected:
     PostprocessingTest() {
@@ -23,7 +19,6 @@ protected:
         writeSession(volumes + 2, 2, {{"ClusterSizePixels:", "1"}});
         session.runButtonPressed();
     }
-    QtCortivoDoc& document() { return *session.functionalDocument; }
     bool isAsMeasured(int volume) {
         const std::span<const int16_t> samples = document().project.volumes[size_t(volume)];
         for (size_t i = 0; i < samples.size(); ++i)
@@ -42,7 +37,7 @@ protected:
 TEST_F(PostprocessingTest, ResultIsSavedUnderItsOwnNamesAndTheModelFittedToIt) {
     measure(30);
     const QByteArray measured = content("results/test.stc");
-    const std::vector<float> oldMap = samplesOf(document().maps.map(0));
+    const std::vector<float> oldMaps = mapValues();
     ASSERT_TRUE(session.regions.selectRectangle({1, 2, 3, 4, 5})); // one voxel
     ASSERT_TRUE(session.postprocess(options_, true, progress_));
     for (size_t v = 0; v < 30; ++v)
@@ -52,8 +47,8 @@ TEST_F(PostprocessingTest, ResultIsSavedUnderItsOwnNamesAndTheModelFittedToIt) {
     EXPECT_EQ(progress_.values.back(), 100);
     EXPECT_EQ(document().project.projectPath, path("results/test.fmr"));
     EXPECT_EQ(content("results/test.stc"), measured);
-    const std::vector<float> newMap = samplesOf(document().maps.map(0));
-    EXPECT_NE(newMap, oldMap);
+    const std::vector<float> newMaps = mapValues();
+    EXPECT_NE(newMaps, oldMaps);
 
     // The same data and maps come from the files.
     FMRProject saved;
@@ -64,14 +59,14 @@ TEST_F(PostprocessingTest, ResultIsSavedUnderItsOwnNamesAndTheModelFittedToIt) {
     writeSession(32, 2, {{"ClusterSizePixels:", "1"}, {"ProjectName:", '"' + processedName + '"'}});
     messages.expectCritical("ERROR: Can not find / open file: *");
     ASSERT_TRUE(session.reloadData());
-    EXPECT_EQ(samplesOf(document().maps.map(0)), newMap);
+    EXPECT_EQ(mapValues(), newMaps);
 }
 
 TEST_F(PostprocessingTest, CancellingLeavesTheDataOrTheStatistics) {
     script.lastVolume = 19;
     messages.expectWarning("TIME OUT ERROR: expected file did not arrive!");
     measure(30);
-    const std::vector<float> oldMap = samplesOf(document().maps.map(0));
+    const std::vector<float> oldMaps = mapValues();
     for (const int percent : {30, 65, 90}) { // in the steps, in writing, in fitting the model
         RecordedProgress reporter;
         reporter.cancelAt = percent;
@@ -82,7 +77,7 @@ TEST_F(PostprocessingTest, CancellingLeavesTheDataOrTheStatistics) {
     }
     ASSERT_TRUE(session.postprocess(options_, false, progress_)); // nor does it go on to them
     EXPECT_EQ(content(result(".stc")).size(), 20 * 8 * 8 * 4 * 2);
-    EXPECT_EQ(samplesOf(document().maps.map(0)), oldMap);
+    EXPECT_EQ(mapValues(), oldMaps);
 }
 
 TEST_F(PostprocessingTest, AFolderThatIsLostLeadsToAQuestion) {

@@ -184,33 +184,6 @@ TEST_F(RealSeriesTest, MotionIsThatOfAnIndependentEstimate) {
     }
 }
 
-TEST_F(RealSeriesTest, CorrectedAfterTheRunItIsWhatItWouldHaveBeenLive) {
-    const QString folder = scannerDataFolder() + "/siemens_mosaic/run_60_volumes/";
-    SKIP_WITHOUT(folder);
-    QStringList files;
-    for (const QFileInfo& file : QDir(folder).entryInfoList({"*.dcm"}, QDir::Files, QDir::Name))
-        files << file.filePath();
-    for (const MotionMethod method : {MotionMethod::Standard, MotionMethod::LeastSquares,
-                                      MotionMethod::LeastSquaresTrilinear}) {
-        const auto results = [this](const QString& name) {
-            return content("results/" + name + ".stc") + content("results/" + name + "_3DMC.log") +
-                   content("results/" + name + "_3DMC.rtc");
-        };
-        record(files, {{}, {}, {320, 320, 64, 64, 18}}, 4, method);
-        const QByteArray live = results("test");
-        record(files, {{}, {}, {320, 320, 64, 64, 18}}, 4);
-        PostprocessingOptions options;
-        options.motion = {true, method, 0};
-        Reporter progress;
-        ASSERT_TRUE(session.postprocess(options, false, progress));
-        EXPECT_TRUE(results(method == MotionMethod::Standard       ? "test_3DMC"
-                            : method == MotionMethod::LeastSquares ? "test_3DMCLS"
-                                                                   : "test_3DMCLST") == live)
-            << int(method);
-        EXPECT_GT(live.size(), 56 * 18 * 64 * 64 * 2);
-    }
-}
-
 TEST_F(RealSeriesTest, CompressedAndEnhancedFilesAreRefusedByName) {
     const QString folder = scannerDataFolder() + "/siemens_mosaic/";
     SKIP_WITHOUT(folder);

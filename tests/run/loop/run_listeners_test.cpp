@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Notes its name at the end of a volume, and does then what a test says.
+/// Notes its name in the hooks of a volume, and does at the end of it what a test says.
 class Named : public RunListener {
 public:
     Named(QStringList& log, const char* name) : log_(log), name_(name) {}
@@ -20,14 +20,8 @@ public:
         const auto action = then; // which may set another
         action();
     }
-    bool atStep(VolumeStep, const VolumeAtHand&) override {
-        log_ << name_;
-        return answer;
-    }
-    bool drawSubjectDisplay(const VolumeAtHand&) override {
-        log_ << name_;
-        return answer;
-    }
+    bool atStep(VolumeStep, const VolumeAtHand&) override { return log_ << name_, answer; }
+    bool drawSubjectDisplay(const VolumeAtHand&) override { return log_ << name_, answer; }
 
 private:
     QStringList& log_;
@@ -108,16 +102,12 @@ TEST_F(RunListenersTest, MayLeaveAndJoinInAHook) {
 
 TEST_F(RunListenersTest, OneOfTheTwoMayGoFirst) {
     auto list = std::make_unique<RunListeners>();
-    list->add(views_, ListenerPlace::Views);
     list->add(plots1_, ListenerPlace::Plots);
-    list->remove(plots1_);
     list.reset();
     listeners_.add(plots1_, ListenerPlace::Plots);
-    listeners_.remove(plots1_);
-    listeners_.add(views_, ListenerPlace::Views);
     {
         Named brief(log_, "brief");
         listeners_.add(brief, ListenerPlace::Views);
     }
-    EXPECT_EQ(called(), "views");
+    EXPECT_EQ(called(), "plots1");
 }

@@ -16,11 +16,6 @@ protected:
                      {{"ClusterSizePixels:", "1"}, {"DriftConfoundPredictors:", "2"}});
         script.lastVolume = measured - 1;
     }
-    [[nodiscard]] QtCortivoDoc& document() { return *session.functionalDocument; }
-    [[nodiscard]] std::vector<float> shownMaps() {
-        const std::span<const float> maps = document().maps.ContrastMaps.span();
-        return {maps.begin(), maps.end()};
-    }
     void expectNothingLeft() {
         EXPECT_TRUE(session.phase.isIdle());
         EXPECT_FALSE(document().wholeRunModel.isValid());
@@ -56,8 +51,7 @@ TEST_F(RunStatistics, AfterARunTheModelIsThatOfTheLiveMapsAndOnDisk) {
     EXPECT_EQ(saved.studies[0], (GLMStudy{measured, "test.fmr", "test_WithConfounds_run-1.rtc"}));
     EXPECT_EQ(saved.predictors.back().name, "DCT-2");
     RTCFile design;
-    ASSERT_EQ(parseRTC(content("results/test_WithConfounds_run-1.rtc"), design),
-              RTCParseResult::Ok);
+    ASSERT_EQ(parseRTC(contentOf(design_), design), RTCParseResult::Ok);
     EXPECT_EQ(design.nrOfDataPoints, measured);
     for (size_t t = 0; t < size_t(measured); ++t)
         for (size_t j = 0; j < design.columns.size(); ++j)
@@ -71,7 +65,7 @@ TEST_F(RunStatistics, AReloadTakesTheFileIfItFitsAndElseComputes) {
     const QByteArray otherRun = content("results/test.glm");
     script.lastVolume = measured - 1;
     runAgain();
-    const std::vector<float> maps = shownMaps();
+    const std::vector<float> maps = mapValues();
     const QByteArray file = content("results/test.glm");
     // The betas of the file are what is shown: without them there are no effects.
     QByteArray changed = file;
@@ -103,7 +97,7 @@ TEST_F(RunStatistics, AReloadTakesTheFileIfItFitsAndElseComputes) {
         display.modelText.clear();
         ASSERT_TRUE(session.reloadData());
         EXPECT_EQ(display.modelText.isEmpty(), !c.bytes.isEmpty() && !c.message) << "a fit";
-        EXPECT_EQ(shownMaps() == maps, c.sameMaps);
+        EXPECT_EQ(mapValues() == maps, c.sameMaps);
         EXPECT_EQ(QFile::exists(model_), !c.bytes.isEmpty()) << "a reload writes nothing";
     }
 }

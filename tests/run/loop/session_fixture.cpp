@@ -7,19 +7,6 @@
 
 namespace {
 
-class ProbeProgress : public ProgressReporter {
-public:
-    explicit ProbeProgress(ProbeDisplay& display) : display_(display) {}
-    void setProgress(int percent) override {
-        display_.progress.push_back(percent);
-        if (display_.whileSaving)
-            display_.whileSaving();
-    }
-
-private:
-    ProbeDisplay& display_;
-};
-
 class ScriptedReader : public VolumeReader {
 public:
     ScriptedReader(const IntakeContext& context, const Script& script)
@@ -86,24 +73,21 @@ int16_t scriptedSample(size_t voxel, int volume) {
 }
 
 std::unique_ptr<ProgressReporter> ProbeDisplay::openSavingProgress() {
-    return std::make_unique<ProbeProgress>(*this);
+    return std::make_unique<Reporter>([this](int percent) {
+        progress.push_back(percent);
+        if (whileSaving)
+            whileSaving();
+    });
 }
 
 std::unique_ptr<ProgressReporter> ProbeDisplay::openModelProgress(const QString& text) {
-    class ModelProgress : public ProgressReporter {
-    public:
-        explicit ModelProgress(ProbeDisplay& display) : display_(display) {}
-        void setProgress(int) override {
-            if (display_.whileModelling)
-                display_.whileModelling();
-        }
-        [[nodiscard]] bool cancelled() const override { return display_.modelCancelled; }
-
-    private:
-        ProbeDisplay& display_;
-    };
     modelText = text;
-    return std::make_unique<ModelProgress>(*this);
+    auto reporter = std::make_unique<Reporter>([this](int) {
+        if (whileModelling)
+            whileModelling();
+    });
+    reporter->isCancelled = &modelCancelled;
+    return reporter;
 }
 
 SessionFixture::SessionFixture() {
@@ -184,7 +168,7 @@ void SessionFixture::inPhase(Phase phase, const std::function<void()>& operation
     display.whenLogged = once; // Preparing and Reloading, with their documents
     display.whileSaving = once;
     display.whileModelling = once;
-    Reporter reporter(once);
+    Reporter reporter([&](int) { once(); });
     session.setRunButton(RunButtonState::Ready);
     if (phase == Phase::Idle)
         once();

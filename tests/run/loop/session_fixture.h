@@ -118,14 +118,17 @@ inline const std::map<Phase, const char*> phaseNames = {
     {Phase::Reloading, "reloading"}, {Phase::PostProcessing, "post"},
     {Phase::Analysing, "analysing"}};
 
-/// Does something at each report of progress.
+/// Does something at each report of progress, in percent.
 class Reporter : public ProgressReporter {
 public:
-    explicit Reporter(std::function<void()> atReport = [] {}) : atReport_(std::move(atReport)) {}
-    void setProgress(int) override { atReport_(); }
+    using AtReport = std::function<void(int percent)>;
+    explicit Reporter(AtReport atReport = [](int) {}) : atReport_(std::move(atReport)) {}
+    void setProgress(int percent) override { atReport_(percent); }
+    [[nodiscard]] bool cancelled() const override { return isCancelled && *isCancelled; }
+    const bool* isCancelled = nullptr;
 
 private:
-    std::function<void()> atReport_;
+    AtReport atReport_;
 };
 
 /// Cuts a journal behind its first volumes, as a crash does.
@@ -154,6 +157,12 @@ protected:
     /// and on disk, is in the phase, and returns when it is idle.
     void inPhase(Phase phase, const std::function<void()>& operation);
     bool postprocess(ProgressReporter& progress);
+    [[nodiscard]] QtCortivoDoc& document() const { return *session.functionalDocument; }
+    /// The values of all maps, one map behind the other.
+    [[nodiscard]] std::vector<float> mapValues() const {
+        const std::span<const float> maps = document().maps.ContrastMaps.span();
+        return {maps.begin(), maps.end()};
+    }
     /// Runs the settings again, as after another press on a button that is ready.
     void runAgain() {
         session.setRunButton(RunButtonState::Ready);

@@ -27,10 +27,7 @@ QMap<QString, QByteArray> resultsOf(const SimulatedSession& run) {
 } // namespace
 
 TEST(SimulatedRun, ThreadsThatShareTheWorkWriteTheSameFiles) {
-    SimulationOptions options;
-    options.sizeX = options.sizeY = 40;
-    options.nrOfSlices = 9;
-    options.nrOfVolumes = 42;
+    SimulationOptions options = smallScan(40, 9, 42);
     options.motion = HeadMotion::Drift;
     options.smoothingWidth = 6;
     SimulatedSession run{options};
@@ -77,10 +74,7 @@ TEST(SimulatedRun, ActiveRegionsAreFoundAndOthersAreNot) {
 }
 
 TEST(SimulatedRun, ABurstOfLateVolumesIsLaidToTheScanner) {
-    SimulationOptions options;
-    options.sizeX = options.sizeY = 16;
-    options.nrOfSlices = 4;
-    options.nrOfVolumes = 10;
+    SimulationOptions options = smallScan(16, 4, 10);
     options.nrOfVolumesToSkip = 0;
     options.repetitionTime = 1000;
     SimulatedSession run{options};
@@ -89,8 +83,7 @@ TEST(SimulatedRun, ABurstOfLateVolumesIsLaidToTheScanner) {
     };
     for (int volume = 0; volume < options.nrOfVolumes; ++volume)
         run.pump.after(comesAt(volume), [&run, volume] {
-            for (const ScannerFile& file : run.scan.files(volume))
-                run.write(file);
+            run.writeVolumes(volume, volume + 1);
             run.pump.changeFolders();
         });
     EXPECT_EQ(run.run(), QStringList());

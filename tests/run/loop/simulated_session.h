@@ -5,6 +5,15 @@
 #include "run/loop/session_fixture.h"
 #include "scanner_simulator/simulated_scan.h"
 
+/// Square slices of `size` x `size` voxels.
+[[nodiscard]] inline SimulationOptions smallScan(int size, int nrOfSlices, int nrOfVolumes) {
+    SimulationOptions options;
+    options.sizeX = options.sizeY = size;
+    options.nrOfSlices = nrOfSlices;
+    options.nrOfVolumes = nrOfVolumes;
+    return options;
+}
+
 struct SimulatedSession {
     /// Settings and protocol are written, images are not.
     explicit SimulatedSession(const SimulationOptions& options)
@@ -16,8 +25,10 @@ struct SimulatedSession {
         messages.acceptAnything();
     }
     [[nodiscard]] QString watchFolder() const { return scan.watchFolder(); }
-    void writeAll() const {
-        for (int volume = 0; volume < scan.options().nrOfVolumes; ++volume)
+    void writeAll() const { writeVolumes(0, scan.options().nrOfVolumes); }
+    /// From the first one up to the last one, which is left out.
+    void writeVolumes(int first, int last) const {
+        for (int volume = first; volume < last; ++volume)
             for (const ScannerFile& file : scan.files(volume))
                 write(file);
     }

@@ -4,29 +4,25 @@
 #include <gtest/gtest.h>
 
 TEST(VolumeTables, NamesEndInTargetLevels) {
-    struct {
-        const char* name;
-        int levels;
-        const char* rest;
-        int target1, target2;
-        const char* instruction;
-    } const cases[] = {{"Up_7", 2, "Up", 7, 7, "Up"},
-                       {"Press_Left_3", 2, "Press", 0, 3, "Press"}, // "Left" is no number
-                       {"Press_Left_Hand_3_4", 2, "Press_Left_Hand", 3, 4, "Press Left Hand"},
-                       {"Up_6_8", 1, "Up_6", 8, 8, "Up"},
-                       {"Down_-2", 2, "Down", -2, -2, "Down"},
-                       {"rest_x", 2, "rest", 0, 0, "rest"},
-                       {"_", 2, "", 0, 0, ""},
-                       {"Task", 2, "Task", noTargetLevel, noTargetLevel, "Task"},
-                       {"PreFIXed", 2, "PreFIXed", 0, 0, "PreFIXed"},
-                       {"BaseLine", 1, "BaseLine", 0, 0, "BaseLine"},
-                       {"Arrest", 2, "Arrest", 0, 0, "Arrest"}};
-    for (const auto& each : cases) {
-        const ConditionTargets targets = conditionTargets(each.name, each.levels);
-        EXPECT_EQ(targets.name.toStdString(), each.rest) << each.name;
-        EXPECT_EQ(targets.target1, each.target1) << each.name;
-        EXPECT_EQ(targets.target2, each.target2) << each.name;
-        EXPECT_EQ(instructionText(each.name).toStdString(), each.instruction);
+    // Names, levels, what is left of the name, the targets, and the text for the subject.
+    const std::tuple<const char*, int, const char*, int, int, const char*> cases[] = {
+        {"Up_7", 2, "Up", 7, 7, "Up"},
+        {"Press_Left_3", 2, "Press", 0, 3, "Press"}, // "Left" is no number
+        {"Press_Left_Hand_3_4", 2, "Press_Left_Hand", 3, 4, "Press Left Hand"},
+        {"Up_6_8", 1, "Up_6", 8, 8, "Up"},
+        {"Down_-2", 2, "Down", -2, -2, "Down"},
+        {"rest_x", 2, "rest", 0, 0, "rest"},
+        {"_", 2, "", 0, 0, ""},
+        {"Task", 2, "Task", noTargetLevel, noTargetLevel, "Task"},
+        {"PreFIXed", 2, "PreFIXed", 0, 0, "PreFIXed"},
+        {"BaseLine", 1, "BaseLine", 0, 0, "BaseLine"},
+        {"Arrest", 2, "Arrest", 0, 0, "Arrest"}};
+    for (const auto& [name, levels, rest, target1, target2, instruction] : cases) {
+        SCOPED_TRACE(name);
+        const ConditionTargets targets = conditionTargets(name, levels);
+        EXPECT_EQ(targets.name, rest);
+        EXPECT_EQ(std::pair(targets.target1, targets.target2), std::pair(target1, target2));
+        EXPECT_EQ(instructionText(name), instruction);
     }
 }
 

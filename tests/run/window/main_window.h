@@ -12,6 +12,7 @@
 #include <QMenuBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextBrowser>
 #include <gtest/gtest.h>
 
 class MainWindow : public testing::Test {
@@ -89,6 +90,7 @@ protected:
                     return action->trigger();
         ADD_FAILURE() << control.toStdString() << " is missing";
     }
+    QString panelText() { return control<QTextBrowser>("LogInfos").toPlainText(); }
     void click(int row, int column) {
         auto& list = control<ContrastList>("ContrastList");
         const QRect cell = list.visualRect(list.model()->index(row, column));

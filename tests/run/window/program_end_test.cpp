@@ -14,11 +14,8 @@ namespace {
 
 constexpr int deadline = 60000; // milliseconds; only a fault comes near
 
-SimulationOptions smallScan() {
-    SimulationOptions options;
-    options.sizeX = options.sizeY = 16;
-    options.nrOfSlices = 4;
-    options.nrOfVolumes = 40;
+SimulationOptions movingScan() {
+    SimulationOptions options = smallScan(16, 4, 40);
     options.nrOfVolumesToSkip = 0;
     options.motion = HeadMotion::Drift; // so that volumes are corrected, and the log tells of each
     return options;
@@ -28,7 +25,7 @@ SimulationOptions smallScan() {
 /// for ten minutes.
 class ProgramEnd : public testing::TestWithParam<int>, public SimulatedSession {
 protected:
-    ProgramEnd() : SimulatedSession(smallScan()) {
+    ProgramEnd() : SimulatedSession(movingScan()) {
         QString text = contentOf(path("Simulation-1.vco"));
         text.replace(QRegularExpression("TimeOutSeconds: +30"), "TimeOutSeconds: 600");
         writeFile(path("Simulation-1.vco"), text.toUtf8());
@@ -72,9 +69,7 @@ INSTANTIATE_TEST_SUITE_P(Volumes, ProgramEnd, testing::Values(0, 5)); // that co
 
 TEST_P(ProgramEnd, ARunThatWaitsForAFileIsSavedAtOnce) {
     const int volumes = GetParam();
-    for (int volume = 0; volume < volumes; ++volume)
-        for (const ScannerFile& file : scan.files(volume))
-            write(file);
+    writeVolumes(0, volumes);
     process.start(QCoreApplication::applicationDirPath() + "/../bin/velo-cortivo", QStringList());
     ASSERT_TRUE(volumes > 0 ? hasWritten("results/Simulation-1_3DMC.log", "volume:    5 ")
                             : hasWritten("results/velo-cortivo.lock", ""))

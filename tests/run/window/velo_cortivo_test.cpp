@@ -20,7 +20,6 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTableWidget>
-#include <QTextBrowser>
 #include <QTimer>
 
 TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
@@ -56,28 +55,6 @@ TEST_F(MainWindow, NothingOfTheWindowHoldsUpARun) {
     runOver();
 }
 
-TEST_F(MainWindow, ContrastColumnsToggleSignsOfAtMostFour) {
-    prepare(5, Phase::Recording);
-    const std::vector<int>& states = document().contrasts.ContrastSelectionStates;
-    auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
-    click(0, ContrastList::Positive);
-    conjunction.click();
-    EXPECT_FALSE(conjunction.isChecked() || document().contrasts.ConjunctionAnalysis) << "of one";
-    click(0, ContrastList::Negative);
-    EXPECT_EQ(states[0], ContrastBoth);
-    click(0, ContrastList::Positive);
-    EXPECT_EQ(states[0], ContrastNegative);
-    click(0, ContrastList::Name);
-    QTest::keyClick(&control("ContrastList"), Qt::Key_Plus);
-    QTest::keyClick(&control("ContrastList"), Qt::Key_Plus);
-    EXPECT_EQ(states[0], ContrastNegative);
-    for (int row = 1; row < 5; ++row)
-        click(row, ContrastList::Positive);
-    EXPECT_EQ(states, (std::vector<int>{2, 1, 1, 1, 0}));
-    conjunction.click();
-    EXPECT_TRUE(conjunction.isChecked() && document().contrasts.ConjunctionAnalysis);
-}
-
 TEST_F(MainWindow, PanelsFitBothSizes) {
     prepare(3);
     for (const QSize size : {QSize(1280, 1024), QSize(1024, 768)}) {
@@ -98,52 +75,45 @@ TEST_F(MainWindow, PanelsFitBothSizes) {
     }
 }
 
-TEST_F(MainWindow, ButtonsFollowWhatTheLookAtTheSettingsFileFinds) {
-    const std::pair<const char*, bool InputControls::*> buttons[] = {
-        {"ToBeginBtn", &InputControls::previousExists},
-        {"ToEndBtn", &InputControls::nextExists},
-        {"ReloadDataBtn", &InputControls::reloadPossible},
-        {"AutoAdvanceRunBtn", &InputControls::preLoadPossible},
-        {"AutoStartRunBtn", &InputControls::preLoadPossible}};
-    for (const auto& [name, member] : buttons) {
-        InputControls controls{.preLoadPossible = false, .preLoadedRegions = {}};
-        window_->showInputControls(controls);
-        EXPECT_FALSE(control(name).isEnabled()) << name;
-        controls.*member = true;
-        window_->showInputControls(controls);
-        EXPECT_TRUE(control(name).isEnabled()) << name;
-    }
-    window_->showInputControls({.autoAdvanceRun = true, .preLoadedRegions = "/rois/a&b.roi"});
-    EXPECT_TRUE(control<QPushButton>("AutoAdvanceRunBtn").isChecked());
-    EXPECT_TRUE(control("AutoAdvanceRunBtn").toolTip().contains("/rois/a&amp;b.roi"));
-}
-
 TEST_F(MainWindow, MenusFollowThePhase) {
-    const QString logs =
-        "Select Only Voxels Of Plug-In Maps|Log ROI Time Point Files (RTPs)|Log ROI Time "
-        "Courses (ERT)|Log ROI Betas (BTC)";
-    const QString overlay = "Overlay On First Func Volume*|Overlay On Current Func Volume|";
-    const QString views =
-        "Current Func Volume Before Preprocessing|Show ROIs With Rectangles|Show ROIs With "
-        "Highlighted Voxels|"
-        "Show ROIs With Rectangles And Highlighted Voxels*|Show ROI Time Courses Container|";
-    const QString lastViews = "Display Detrended ROI Time Courses|Show Motion Plot|Show Response "
-                              "Plot|Switch Window Size";
-    const QString training = "SVM Training...|RFE Training...|Real-Time SVM Classification...|";
-    const auto expectMenus = [this](const QString& file, const QString& analysis,
-                                    const QString& view) {
-        EXPECT_EQ(enabledEntries("&File").join('|').toStdString(), file.toStdString());
-        EXPECT_EQ(enabledEntries("&Analysis").join('|').toStdString(), analysis.toStdString());
-        EXPECT_EQ(enabledEntries("&View").join('|').toStdString(), view.toStdString());
+    // Entries by what holds of them at the start, during a run, and after it: they can be chosen
+    // ("e"), are marked too ("M"), or neither.
+    const std::pair<const char*, QString> groups[] = {
+        {"eee",
+         "Close|Exit|SVM Training...|RFE Training...|Real-Time SVM Classification...|"
+         "Neurofeedback... |BOLD Decoder... |Log ROI Time Point Files (RTPs)|Log ROI Betas (BTC)|"
+         "Show ROIs With Rectangles|Show ROI Time Courses Container|Show Motion Plot|"
+         "Show Response Plot|Switch Window Size"},
+        {"e-e", "Set New VCO File...|Load Anatomy...|Recover Run...|Replay Run..."},
+        {"-ee", "Save View As BMP...|Multi-Slice View"},
+        {"--e", "Export As NIfTI...|Post-Processing...|Load ROIs...|Save ROIs...|Load VOIs...|"
+                "Save VOIs...|Overlay On Inplanes|Remove ROI Time Course Plots"},
+        {"-eM", "Colors Code Significance"},
+        {"-Me", "Colors Code Contrasts"},
+        {"MMe", "Epoch-Based Averaging|Overlay On First Func Volume|"
+                "Show ROIs With Rectangles And Highlighted Voxels"},
+        {"eeM", "Select Only Voxels Of Plug-In Maps|Log ROI Time Courses (ERT)|"
+                "Overlay On Current Func Volume|Current Func Volume Before Preprocessing|"
+                "Show ROIs With Highlighted Voxels|Display Detrended ROI Time Courses"}};
+    QMap<QString, QString> states;
+    for (const auto& [state, names] : groups)
+        for (const QString& name : names.split('|'))
+            states[name] = state;
+    const auto expectMenus = [&](qsizetype situation) {
+        qsizetype nrFound = 0;
+        for (const char* menu : {"&File", "&Analysis", "&View"})
+            for (const QAction* action : entries(menu)) {
+                nrFound += states.contains(action->text());
+                const char state = !action->isEnabled() ? '-' : action->isChecked() ? 'M' : 'e';
+                EXPECT_TRUE(action->isSeparator() ||
+                            states.value(action->text(), "---")[situation] == state)
+                    << action->text().toStdString() << ", situation " << situation;
+            }
+        EXPECT_EQ(nrFound, states.size());
     };
-    expectMenus("Set New VCO File...|Load Anatomy...|Recover Run...|Replay Run...|Close|Exit",
-                "Epoch-Based Averaging*|" + training + "Neurofeedback... |BOLD Decoder... |" + logs,
-                overlay + views + lastViews);
+    expectMenus(0);
     prepare(1, Phase::Recording);
-    expectMenus("Save View As BMP...|Close|Exit",
-                "Colors Code Significance|Colors Code Contrasts*|Epoch-Based Averaging*|" +
-                    training + "Neurofeedback... |BOLD Decoder... |" + logs,
-                "Multi-Slice View|" + overlay + views + lastViews);
+    expectMenus(1);
     document().project.NrOfVolumes = 3;
     ASSERT_TRUE(document().project.allocateVolumes());
     window_->session().report.currentVolume = 2;
@@ -158,22 +128,7 @@ TEST_F(MainWindow, MenusFollowThePhase) {
     window_->slotShowOnCurrentEPIs();
     window_->slotToggleBeforePreprocessing();
     runOver();
-    expectMenus("Set New VCO File...|Load Anatomy...|Export As NIfTI...|Recover Run...|Replay "
-                "Run...|Save View As "
-                "BMP...|Close|Exit",
-                "Colors Code Significance*|Colors Code Contrasts|Epoch-Based "
-                "Averaging|" +
-                    training +
-                    "Post-Processing...|Neurofeedback... |BOLD Decoder... |Load ROIs...|Save "
-                    "ROIs...|Load VOIs...|Save VOIs...|Select "
-                    "Only Voxels Of Plug-In Maps*|Log ROI Time Point Files "
-                    "(RTPs)|Log ROI Time Courses (ERT)*|Log ROI Betas (BTC)",
-                "Multi-Slice View|Overlay On First Func Volume|Overlay On Current Func "
-                "Volume*|Overlay On Inplanes|Current Func Volume Before Preprocessing*|Show ROIs "
-                "With Rectangles|Show ROIs With Highlighted "
-                "Voxels*|Show ROIs With Rectangles And Highlighted Voxels|Show ROI Time Courses "
-                "Container|Remove ROI Time Course Plots|Display Detrended ROI Time "
-                "Courses*|Show Motion Plot|Show Response Plot|Switch Window Size");
+    expectMenus(2);
     window_->slotShowOnInplanes();
     EXPECT_TRUE(enabledEntries("&View").contains("Overlay On Inplanes*"));
     for (const QAction* action : entries("&Analysis"))
@@ -323,28 +278,17 @@ TEST_F(MainWindow, UnsavedRunsAreOfferedAtTheStartAndByTheMenu) {
     writer.reset();
     window_->offerUnsavedRuns();
     EXPECT_EQ(control<QTableWidget>("JournalTable").rowCount(), 1);
-    choose("NotNowBtn");
-    for (const char* name : {"Recover", "Replay"}) {
-        choose(name + QString(" Run..."));
-        EXPECT_TRUE(control<QDialog>(qPrintable(name + QString("RunDlg"))).isVisible());
-        choose("NotNowBtn");
-    }
 }
 
-TEST_F(MainWindow, TheDecoderGoesBeforeTheSessionThatItWorksOn) {
+TEST_F(MainWindow, WindowsOfASessionGoBeforeIt) {
     choose("BOLD Decoder... ");
-    EXPECT_TRUE(window_->session().decoder.isOpen());
-    EXPECT_TRUE(control("BOLDDecodingMW").isVisible());
+    choose("Neurofeedback... ");
+    EXPECT_TRUE(window_->session().decoder.isOpen() && window_->session().feedback.isOpen());
+    int gone = 0;
+    for (const char* name : {"BOLDDecodingMW", "NeurofeedbackDlg"}) {
+        EXPECT_TRUE(control(name).isVisible());
+        QObject::connect(&control(name), &QObject::destroyed, qApp, [&gone] { ++gone; });
+    }
     window_.reset();
-}
-
-TEST_F(MainWindow, FeedbackOpensBesideTheSlicesAndGoesWithTheWindow) {
-    window_->slotShowNeurofeedbackDlg();
-    EXPECT_TRUE(window_->session().feedback.isOpen());
-    auto& dialog = control("NeurofeedbackDlg");
-    EXPECT_TRUE(dialog.isVisible());
-    bool gone = false;
-    QObject::connect(&dialog, &QObject::destroyed, qApp, [&gone] { gone = true; });
-    window_.reset();
-    EXPECT_TRUE(gone);
+    EXPECT_EQ(gone, 2);
 }
