@@ -1,10 +1,9 @@
 // The feedback of a whole session: shown, written, recorded, in runs that are measured or played.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/loop/session_fixture.h"
+#include "run/loop/multi_run_fixture.h"
 
 namespace {
 
-constexpr VoxelRectangle drag{1, 2, 6, 1, 4};
 constexpr int volumes = 40;
 
 /// Baseline blocks that end after volumes 10 and 24.

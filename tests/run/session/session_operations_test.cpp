@@ -13,6 +13,15 @@ protected:
         writeSession(32, 2);
         session.runButtonPressed(); // there is a run in memory and on disk
     }
+    QtCortivoDoc& document() { return *session.functionalDocument; }
+    /// The sizes of the clusters that are shown are those of the maps and the thresholds.
+    void expectClusters() {
+        StatisticalMaps& maps = document().maps;
+        const auto shown = maps.ClusterSizeSlices;
+        computeClusterSizes(maps, session.requests.thresholds,
+                            document().contrasts.ConjunctionAnalysis);
+        EXPECT_EQ(shown, maps.ClusterSizeSlices);
+    }
 };
 
 } // namespace
@@ -26,46 +35,41 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
     put("curves.rtc", "NrOfRTCs: 3\nNrOfValues: 2\n" +
                           QByteArray("VOI\nA: 1 B: 2 C: 3 D: 4 E: 5 F: 6\n100\n101\n").repeated(3));
     const DecoderPreparation offline = offlinePreparation(path("curves.rtc"));
-    const auto starts = [this] { return display.calls.count("starting"); };
+    const std::set<Phase> idle{Phase::Idle};
+    const std::set<Phase> stoppable{Phase::Preparing, Phase::Recording};
+    const std::set<Phase> others{Phase::Idle, Phase::Saving, Phase::Reloading,
+                                 Phase::PostProcessing, Phase::Analysing};
+    std::set<Phase> always = others;
+    always.insert(stoppable.begin(), stoppable.end());
+    const auto stops = [&] { return std::exchange(session.requests.interruptFlag, false); };
     // Does it, and tells whether anything came of it; and where something does.
     const std::tuple<const char*, std::function<bool()>, std::set<Phase>> operations[] = {
         {"run button starts",
          [&] {
-             const auto before = starts();
+             const auto before = display.calls.count("starting");
              session.runButtonPressed();
-             session.requests.interruptFlag = false;
-             return starts() > before;
+             stops();
+             return display.calls.count("starting") > before;
          },
-         {Phase::Idle}},
+         idle},
         {"run button stops",
          [&] {
-             const bool idle = session.phase.isIdle();
+             const bool wasIdle = session.phase.isIdle();
              session.requests.forceTRDelay = true;
              session.runButtonPressed();
-             const bool stops = session.requests.interruptFlag && !session.requests.forceTRDelay;
-             session.requests.interruptFlag = false;
-             return stops && !idle;
+             return stops() && !session.requests.forceTRDelay && !wasIdle;
          },
-         {Phase::Preparing, Phase::Recording}},
-        {"stop",
-         [&] {
-             session.requestStop();
-             const bool stops = session.requests.interruptFlag;
-             session.requests.interruptFlag = false;
-             return stops;
-         },
-         {Phase::Preparing, Phase::Recording}},
-        {"reload", [&] { return session.reloadData(); }, {Phase::Idle}},
-        {"post-processing", [&] { return postprocess(silent); }, {Phase::Idle}},
-        {"offer post-processing",
-         [&] { return session.volumesForPostprocessing() == 30; },
-         {Phase::Idle}},
+         stoppable},
+        {"stop", [&] { return session.requestStop(), stops(); }, stoppable},
+        {"reload", [&] { return session.reloadData(); }, idle},
+        {"post-processing", [&] { return postprocess(silent); }, idle},
+        {"offer post-processing", [&] { return session.volumesForPostprocessing() == 30; }, idle},
         {"choice of the statistic",
          [&] {
              return session.changeShownStatistic(ShownStatistic::T, -1) &&
                     session.changeOneSidedTesting(false);
          },
-         {Phase::Idle}},
+         idle},
         {"prediction by a classifier",
          [&] {
              session.classifier.toggleIncrementalPrediction();
@@ -74,15 +78,13 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
                  session.classifier.toggleIncrementalPrediction();
              return on && !session.classifier.isPredicting();
          },
-         {Phase::Idle, Phase::Preparing, Phase::Recording, Phase::Saving, Phase::Reloading,
-          Phase::PostProcessing, Phase::Analysing}},
+         always},
         {"preparation of the letter decoder",
          [&] {
              return session.decoder.prepare(offline) &&
                     session.decoder.reloadROIDataForOfflineAnalysis();
          },
-         {Phase::Idle, Phase::Preparing, Phase::Recording, Phase::Saving, Phase::Reloading,
-          Phase::PostProcessing, Phase::Analysing}},
+         always},
         {"another letter, or volume of a file",
          [&] {
              session.decoder.reloadROIDataForOfflineAnalysis();
@@ -93,10 +95,9 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
              EXPECT_EQ(session.decoder.letterHindrance().isEmpty(), goes);
              return session.decoder.nextTR() && goes;
          },
-         {Phase::Idle, Phase::Saving, Phase::Reloading, Phase::PostProcessing, Phase::Analysing}},
+         others},
         {"responses for the letter decoder",
-         [&] { return session.decoder.responsesHindrance().isEmpty(); },
-         {Phase::Idle, Phase::Saving, Phase::Reloading, Phase::PostProcessing, Phase::Analysing}},
+         [&] { return session.decoder.responsesHindrance().isEmpty(); }, others},
         {"active for plug-ins", [&] { return session.phase.runActive(); }, {Phase::Recording}},
         {"warnings wait for nobody",
          [&] { return session.messagesAreModeless(MessageLevel::Warning); },
@@ -116,16 +117,16 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
 
 // A change is on the maps once the session is idle, whenever it was made.
 TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
-    const std::pair<const char*, std::function<void(QtCortivoDoc&)>> operations[] = {
-        {"threshold", [&](QtCortivoDoc&) { session.changeThreshold(0.5f); }},
-        {"cluster size", [&](QtCortivoDoc&) { session.changeClusterSize(2); }},
+    const std::pair<const char*, std::function<void()>> operations[] = {
+        {"threshold", [&] { session.changeThreshold(0.5f); }},
+        {"cluster size", [&] { session.changeClusterSize(2); }},
         {"contrast",
-         [&](QtCortivoDoc& document) {
-             toggleContrast(document.contrasts, 1, ContrastPositive);
+         [&] {
+             toggleContrast(document().contrasts, 1, ContrastPositive);
              session.contrastsChanged();
          }},
-        {"conjunction", [&](QtCortivoDoc& document) {
-             EXPECT_TRUE(session.changeConjunction(!document.contrasts.ConjunctionAnalysis));
+        {"conjunction", [&] {
+             EXPECT_TRUE(session.changeConjunction(!document().contrasts.ConjunctionAnalysis));
          }}};
     for (const auto& [operation, change] : operations)
         for (const auto& [phase, name] : phaseNames) {
@@ -135,20 +136,16 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
             writeSession(32, 2);
             runAgain();
             inPhase(phase, [&, &act = change] {
-                if (session.functionalDocument->contrasts.NrOfContrasts > 0)
-                    act(*session.functionalDocument);
+                if (document().contrasts.NrOfContrasts > 0)
+                    act();
             });
-            QtCortivoDoc& document = *session.functionalDocument;
-            const StatisticalMaps& shown = document.maps;
-            const auto clusters = shown.ClusterSizeSlices;
-            const std::vector<int> contrastOfMap = shown.contrastOfMap;
-            ASSERT_TRUE(computeContrastMaps(document.wholeRunModel, document.mask,
-                                            document.contrasts, document.maps));
-            computeClusterSizes(document.maps, session.requests.thresholds,
-                                document.contrasts.ConjunctionAnalysis);
-            EXPECT_EQ(clusters, shown.ClusterSizeSlices);
-            EXPECT_EQ(contrastOfMap, shown.contrastOfMap);
-            EXPECT_FALSE(document.contrasts.ContrastsChanged);
+            expectClusters();
+            const std::vector<int> contrastOfMap = document().maps.contrastOfMap;
+            ASSERT_TRUE(computeContrastMaps(document().wholeRunModel, document().mask,
+                                            document().contrasts, document().maps));
+            expectClusters();
+            EXPECT_EQ(contrastOfMap, document().maps.contrastOfMap);
+            EXPECT_FALSE(document().contrasts.ContrastsChanged);
         }
 }
 
