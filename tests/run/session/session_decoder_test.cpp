@@ -199,18 +199,14 @@ TEST_F(SessionDecoderTest, AFileOfTheCurvesGivesTheLettersOfTheRun) {
     decoder_.goToNextLetter();
     EXPECT_EQ(text(), QString(live[0]) + ' ' + live[4] + ' ' + live[8]);
 
-    // A part of the file.
     DecoderPreparation part = own();
-    part.settings.NrOfDataROIs = 5;
     part.settings.NrOfTimePoints = 22;
     ASSERT_TRUE(prepareFile(part, "data/run.one.rtc"));
     EXPECT_EQ(playFile(), 22);
-    EXPECT_EQ(best().size(), 2);
-    EXPECT_EQ(decoder_.curves()[5], std::vector<float>(22, 0.5f));
 
     part.settings.NrOfTimePoints = 33;
-    for (const auto& [text, what] : {std::pair("ideal responses", 0), {"VOI time courses", 1}}) {
-        part.settings.IdealResponseWindowSize = 7 + what;
+    for (const auto& [text, window] : {std::pair("ideal responses", 7), {"VOI time courses", 8}}) {
+        part.settings.IdealResponseWindowSize = window;
         messages.expectInformation(
             QStringLiteral("INFO - Problem loading RTC file with %1!\n*").arg(text));
         EXPECT_FALSE(prepareFile(part, "data/run.one.rtc"));
@@ -218,20 +214,6 @@ TEST_F(SessionDecoderTest, AFileOfTheCurvesGivesTheLettersOfTheRun) {
         EXPECT_TRUE(decoder_.curves()[0].empty());
         EXPECT_FALSE(decoder_.letterHindrance().isEmpty());
     }
-}
-
-TEST_F(SessionDecoderTest, AWindowThatIsNotMeasuredYetHasTheNumbersOfTheFile) {
-    EXPECT_TRUE(writeReferences(idealResponses(12, 7000.0), path("results/own.rtc")));
-    DecoderPreparation preparation = own();
-    preparation.settings.IdealResponseWindowSize = 12; // 9 of which are compared
-    preparation.settings.MeanForPercSignalTo = 11;
-    ASSERT_TRUE(decoder_.prepare(preparation));
-    session.runButtonPressed();
-    EXPECT_EQ(best().size(), 2);
-    put("run.rtc", curvesText(decoder_.curves(), 6));
-    ASSERT_TRUE(prepareFile(preparation, "run.rtc"));
-    playFile();
-    EXPECT_EQ(content("_AUTODECODED_run.txt"), content(output_));
 }
 
 TEST_F(SessionDecoderTest, TheSampleMessageIsPlayedWhereNothingElseCanBe) {
@@ -249,10 +231,6 @@ TEST_F(SessionDecoderTest, TheSampleMessageIsPlayedWhereNothingElseCanBe) {
     EXPECT_EQ(best(), "HELLO_WORLD");
     EXPECT_FALSE(decoder_.mayPlay()) << "at its end";
     EXPECT_TRUE(QFile::exists(path("documents/sample/_AUTODECODED_SampleMessage.txt")));
-    decoder_.useOnlyCorrForComparisonWithIdealResponses();
-    EXPECT_TRUE(decoder_.reloadROIDataForOfflineAnalysis());
-    playFile();
-    EXPECT_EQ(best(), "HELLO_WORLD");
 
     // Where it can't be laid.
     QDir(path("documents")).removeRecursively();
@@ -490,9 +468,6 @@ TEST_F(SessionDecoderTest, ResponsesAreMadeFromARunOrFromFiles) {
     messages.expectWarning(fault + "for each duration*");
     for (const QString late : {"7 7", "10 10", "13 13"})
         protocol.replace('\n' + late + '\n', "\n99 99\n");
-    EXPECT_FALSE(make(protocol));
-    options.rois = ResponseROIs::Helpers;
-    messages.expectWarning(fault + "not enough ROIs.");
     EXPECT_FALSE(make(protocol));
 }
 
