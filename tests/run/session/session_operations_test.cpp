@@ -139,7 +139,6 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
                 if (document().contrasts.NrOfContrasts > 0)
                     act();
             });
-            expectClusters();
             const std::vector<int> contrastOfMap = document().maps.contrastOfMap;
             ASSERT_TRUE(computeContrastMaps(document().wholeRunModel, document().mask,
                                             document().contrasts, document().maps));
@@ -150,30 +149,29 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
 }
 
 TEST_F(SessionOperations, FAndConjunctionExcludeEachOther) {
-    QtCortivoDoc& document = *session.functionalDocument;
-    ContrastDefinitions& contrasts = document.contrasts;
+    ContrastDefinitions& contrasts = document().contrasts;
     EXPECT_TRUE(session.changeConjunction(true));
     EXPECT_TRUE(session.changeShownStatistic(ShownStatistic::FOfSelected, -1));
     EXPECT_FALSE(contrasts.ConjunctionAnalysis);
-    EXPECT_EQ(document.maps.NrOfShownMaps, 1);
+    EXPECT_EQ(document().maps.NrOfShownMaps, 1);
     EXPECT_TRUE(session.panelText().contains("<b>F</b>(2,26) = ")) << "30 volumes, 4 columns";
     messages.expectInformation("INFO: The conjunction is one of t maps*");
     EXPECT_FALSE(session.changeConjunction(true));
 
-    const std::vector<float> ofTwo(document.maps.map(0).begin(), document.maps.map(0).end());
+    const std::vector<float> ofTwo(document().maps.map(0).begin(), document().maps.map(0).end());
     ASSERT_TRUE(toggleContrast(contrasts, 1, ContrastPositive));
     session.contrastsChanged();
-    EXPECT_EQ(document.maps.MapDF1, 1) << "of the one that is left";
+    EXPECT_EQ(document().maps.MapDF1, 1) << "of the one that is left";
     EXPECT_FALSE(session.changeShownStatistic(ShownStatistic::FOfContrast, 9)) << "there is none";
     EXPECT_EQ(contrasts.shownStatistic, ShownStatistic::FOfSelected);
     EXPECT_TRUE(session.changeShownStatistic(ShownStatistic::FOfContrast, 1));
     EXPECT_EQ(contrasts.ContrastSelectionStates, (std::vector<int>{0, 1, 0}));
-    EXPECT_FALSE(std::ranges::equal(document.maps.map(0), ofTwo));
+    EXPECT_FALSE(std::ranges::equal(document().maps.map(0), ofTwo));
     EXPECT_TRUE(session.changeShownStatistic(ShownStatistic::T, -1));
-    EXPECT_EQ(document.maps.MapType, MapKind::T);
+    EXPECT_EQ(document().maps.MapType, MapKind::T);
     EXPECT_TRUE(session.changeOneSidedTesting(true));
-    EXPECT_TRUE(std::ranges::all_of(document.maps.map(0), [](float t) { return t >= 0.0f; }));
-    document.wholeRunModel.release();
+    EXPECT_TRUE(std::ranges::all_of(document().maps.map(0), [](float t) { return t >= 0.0f; }));
+    document().wholeRunModel.release();
     EXPECT_FALSE(session.changeShownStatistic(ShownStatistic::FOfSelected, -1)) << "no model";
 }
 
@@ -212,16 +210,15 @@ TEST_F(SessionOperations, WithoutADocumentTheControlsDoNothing) {
 }
 
 TEST_F(SessionOperations, ColorsFollowCodingAndContrastsAndEachChangeRepaints) {
-    QtCortivoDoc& document = *session.functionalDocument;
-    document.contrasts.ContrastColors[0] = {1, 2, 3};
+    document().contrasts.ContrastColors[0] = {1, 2, 3};
     display.calls.clear();
     session.contrastsChanged();
-    const OverlayColorTable colors = document.overlayColors.active;
+    const OverlayColorTable colors = document().overlayColors.active;
     EXPECT_EQ(colors[0], (RgbColor{1, 2, 3}));
     session.changeColorCoding(true);
-    EXPECT_EQ(document.overlayColors.active, significanceColors());
+    EXPECT_EQ(document().overlayColors.active, significanceColors());
     session.changeColorCoding(false);
-    EXPECT_EQ(document.overlayColors.active, colors);
+    EXPECT_EQ(document().overlayColors.active, colors);
     session.changeThreshold(4.5f);
     session.changeColorMaxThreshold(11.0f);
     EXPECT_TRUE(session.changeConjunction(true));
@@ -259,17 +256,17 @@ TEST_F(SessionOperations, ARunHoldsItsTargetFolderOrAsks) {
 }
 
 TEST_F(SessionOperations, BackgroundFollowsTheChosenVolume) {
-    const SliceImages& slices = session.functionalDocument->slices;
+    const SliceImages& slices = document().slices;
     const QImage first = slices.SlicePixmaps[1].copy();
 
     // In a run the next volume takes the request up, between runs it is carried out at once.
     inPhase(Phase::Recording, [&] { session.showOnCurrentVolume(); });
-    EXPECT_NE(session.functionalDocument->slices.SlicePixmaps[1], first);
+    EXPECT_NE(document().slices.SlicePixmaps[1], first);
     inPhase(Phase::Recording, [&] { session.showOnFirstVolume(); });
-    EXPECT_EQ(session.functionalDocument->slices.SlicePixmaps[1], first);
+    EXPECT_EQ(document().slices.SlicePixmaps[1], first);
     inPhase(Phase::Recording, [&] { session.showOnCurrentVolume(); });
     session.showOnFirstVolume();
-    EXPECT_EQ(session.functionalDocument->slices.SlicePixmaps[1], first);
+    EXPECT_EQ(document().slices.SlicePixmaps[1], first);
     EXPECT_FALSE(session.requests.overlayReset);
 
     int& inplane = session.requests.pendingOverlayInplane;
