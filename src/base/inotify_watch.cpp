@@ -50,7 +50,8 @@ void InotifyWatch::watch(const QStringList& folders) {
 }
 
 // Asked for anew each time: a folder that is watched already keeps its number, and one that took
-// the place of another, also by a change further up in its path, gets one of its own.
+// the place of another, also by a change further up in its path, gets one of its own. The system
+// doesn't give a number twice while the program runs.
 void InotifyWatch::watchFolder(const QString& folder) {
     const int number = ::inotify_add_watch(queue_, QFile::encodeName(folder).constData(), kinds);
     const auto known = numbers_.find(folder);
@@ -90,15 +91,8 @@ void InotifyWatch::takeNotices() {
         for (size_t at = 0; at + sizeof notice <= size_t(length);
              at += sizeof notice + notice.len) {
             std::memcpy(&notice, notices.data() + at, sizeof notice);
-            if ((notice.mask & IN_IGNORED) != 0)
-                forget(notice.wd);
-            else
+            if ((notice.mask & IN_IGNORED) == 0) // a watch has ended: nothing has changed
                 changed_();
         }
     }
-}
-
-// A watch has ended: its folder was left, is gone, or its disk was unmounted.
-void InotifyWatch::forget(int number) {
-    std::erase_if(numbers_, [number](const auto& entry) { return entry.second == number; });
 }

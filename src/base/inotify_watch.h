@@ -22,7 +22,6 @@ private:
     void watchFolder(const QString& folder);
     void leave(int number) const;
     void takeNotices();
-    void forget(int number);
 
     int queue_; ///< descriptor, closed by the destructor
     std::function<void()> changed_;

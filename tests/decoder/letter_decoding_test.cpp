@@ -2,7 +2,7 @@
 #include "decoder/decoding_log.h"
 #include "decoder/letter_decoder.h"
 
-#include "support/files.h"
+#include "support/expected_table.h"
 
 #include <algorithm>
 #include <cmath>
@@ -41,7 +41,7 @@ struct Case {
     int available = 0; ///< volumes
     int nrOfROIs = 0;
     int oddities = 0;
-    QList<QByteArray> expected; ///< the other cells
+    Cells expected; ///< the other cells
 };
 
 TaskWeights weightsOf(const QByteArray& kind, int seed) {
@@ -59,9 +59,9 @@ TaskWeights weightsOf(const QByteArray& kind, int seed) {
     return scaledWeights(weights);
 }
 
-Case caseOf(const QList<QByteArray>& cells) {
+Case caseOf(const Cells& cells) {
     Case c;
-    int column = 1;
+    int column = 0;
     DecoderSettings& s = c.settings;
     for (int* field :
          {&c.seed, &s.FullWindowSize, &s.SkipAtBeginOfWindow, &s.SkipAtEndOfWindow,
@@ -81,10 +81,8 @@ Case caseOf(const QList<QByteArray>& cells) {
 
 std::vector<Case> casesOf(const QByteArray& kind) {
     std::vector<Case> cases;
-    const QByteArray table = contentOf(VELO_SOURCE_DIR "/tests/decoder/expected_letters.tsv");
-    for (const QByteArray& line : table.trimmed().split('\n'))
-        if (const QList<QByteArray> cells = line.split('\t'); cells[0] == kind)
-            cases.push_back(caseOf(cells));
+    for (const Cells& cells : expectedLines("decoder/expected_letters.tsv", kind))
+        cases.push_back(caseOf(cells));
     return cases;
 }
 
@@ -152,7 +150,7 @@ std::vector<double> numbersOf(const QString& log) {
 }
 
 /// Numbers that cancel have the errors of what they are made of.
-void expectNumbers(const std::vector<double>& numbers, const QList<QByteArray>& expected) {
+void expectNumbers(const std::vector<double>& numbers, const Cells& expected) {
     ASSERT_EQ(numbers.size(), size_t(expected.size()));
     double greatest = 0.0;
     for (size_t i = 0; i < numbers.size(); ++i) {

@@ -2,22 +2,15 @@
 #include "decoder/decoder_files.h"
 #include "decoder/empirical_responses.h"
 #include "decoder/ideal_responses.h"
-#include "support/files.h"
+#include "support/expected_table.h"
 
 #include <limits>
 
 namespace {
 
-using Cells = QList<QByteArray>;
-
 /// What make_responses_expected.py made, rows of one kind.
 std::vector<Cells> expectedRows(const QByteArray& kind) {
-    std::vector<Cells> rows;
-    const QByteArray table = contentOf(VELO_SOURCE_DIR "/tests/decoder/expected_responses.tsv");
-    for (const QByteArray& line : table.trimmed().split('\n'))
-        if (line.startsWith(kind))
-            rows.push_back(line.split('\t'));
-    return rows;
+    return expectedLines("decoder/expected_responses.tsv", kind);
 }
 
 void expectCurve(const std::vector<float>& curve, const Cells& values, double tolerance) {
@@ -30,9 +23,9 @@ TEST(IdealResponses, AreThoseOfTheClosedForm) {
     const std::vector<Cells> rows = expectedRows("ideal");
     ASSERT_EQ(rows.size(), 18u);
     for (const Cells& row : rows) {
-        SCOPED_TRACE(row.first(4).join(' ').toStdString());
-        expectCurve(idealResponses(row[1].toInt(), row[2].toDouble())[size_t(row[3].toInt())],
-                    row.mid(4), 2e-4); // percent; of the steps of 1 ms
+        SCOPED_TRACE(row.first(3).join(' ').toStdString());
+        expectCurve(idealResponses(row[0].toInt(), row[1].toDouble())[size_t(row[2].toInt())],
+                    row.mid(3), 2e-4); // percent; of the steps of 1 ms
     }
     for (const double TR : {0.0, -1.0, std::numeric_limits<double>::infinity(),
                             std::numeric_limits<double>::quiet_NaN()})
@@ -92,17 +85,17 @@ TEST(EmpiricalResponses, AreTheMeanOfTheTrials) {
     const std::vector<Cells> rows = expectedRows("empirical");
     ASSERT_EQ(rows.size(), 45u);
     for (const Cells& row : rows) {
-        SCOPED_TRACE(row.first(9).join(' ').toStdString());
-        const EmpiricalOptions options{.WindowTimePoints = row[1].toInt(),
-                                       .PreTrialBeginDataPoints = row[2].toInt(),
-                                       .PostTrialDataPoints = row[3].toInt(),
-                                       .ShortestTaskDuration = row[4].toInt(),
-                                       .rois = ResponseROIs(row[5].toInt())};
-        const int TR = row[7].toInt();
+        SCOPED_TRACE(row.first(8).join(' ').toStdString());
+        const EmpiricalOptions options{.WindowTimePoints = row[0].toInt(),
+                                       .PreTrialBeginDataPoints = row[1].toInt(),
+                                       .PostTrialDataPoints = row[2].toInt(),
+                                       .ShortestTaskDuration = row[3].toInt(),
+                                       .rois = ResponseROIs(row[4].toInt())};
+        const int TR = row[6].toInt();
         const auto responses =
-            empiricalResponses(options, curves, trainingProtocol(row[6] == "1" ? TR : 0), TR);
+            empiricalResponses(options, curves, trainingProtocol(row[5] == "1" ? TR : 0), TR);
         ASSERT_TRUE(responses);
-        expectCurve((*responses)[size_t(row[8].toInt())], row.mid(9), 1e-4);
+        expectCurve((*responses)[size_t(row[7].toInt())], row.mid(8), 1e-4);
     }
 }
 

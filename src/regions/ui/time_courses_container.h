@@ -46,6 +46,7 @@ public:
     void documentsLeaving() override;
     void runPrepared(QtCortivoDoc& functional) override;
     void settingsFileChanged() override { documentsLeaving(); }
+    void playedRunStays(QtCortivoDoc& functional) override { regionsChanged(functional); }
     void regionsChanged(QtCortivoDoc& functional) override;
     [[nodiscard]] bool atStep(VolumeStep step, const VolumeAtHand& hand) override;
 

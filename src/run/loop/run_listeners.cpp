@@ -89,6 +89,10 @@ void RunListeners::settingsFileChanged() {
     callEach([](RunListener& listener) { return listener.settingsFileChanged(), true; });
 }
 
+void RunListeners::playedRunStays(QtCortivoDoc& functional) {
+    callEach([&](RunListener& listener) { return listener.playedRunStays(functional), true; });
+}
+
 void RunListeners::regionsChanged(QtCortivoDoc& functional) {
     callEach([&](RunListener& listener) { return listener.regionsChanged(functional), true; });
 }

@@ -74,6 +74,9 @@ public:
     virtual void samplesChanged() {}
     /// The operator turned to another settings file: what belongs to the run in memory closes.
     virtual void settingsFileChanged() {}
+    /// Called after settingsFileChanged() where the run in memory is one that was played beside the
+    /// current settings file: it stays on the screen, with what chooses how it is shown.
+    virtual void playedRunStays(QtCortivoDoc& functional) { static_cast<void>(functional); }
 
     /// Regions were added to the document, or removed from it, or their whole curves have changed;
     /// the views take it up.
@@ -155,6 +158,7 @@ public:
     void runPrepared(QtCortivoDoc& functional);
     void samplesChanged();
     void settingsFileChanged();
+    void playedRunStays(QtCortivoDoc& functional);
     void regionsChanged(QtCortivoDoc& functional);
     void regionsLoaded(QtCortivoDoc& functional);
     void feedbackChanged();

@@ -119,6 +119,15 @@ void RunSession::changeSettingsFile(const QString& path) {
     settings.MergeType = false;
 }
 
+void RunSession::returnToSettingsFile(const QString& path) {
+    const int currentVolume = report.currentVolume;
+    const qint64 elapsedRunTime = report.elapsedRunTime;
+    changeSettingsFile(path);
+    report.currentVolume = currentVolume;
+    report.elapsedRunTime = elapsedRunTime;
+    listeners.playedRunStays(*functionalDocument);
+}
+
 bool RunSession::analyseRuns() {
     const QString fileName = paths::fileName(settings.settingsFilePath);
     report.forgetVolumes();

@@ -89,6 +89,9 @@ public:
     /// any more, so mayLeaveRun() is asked before; listeners close what belongs to it. For idle
     /// sessions only.
     void changeSettingsFile(const QString& path);
+    /// The settings file `path` is current again after a run of another one was played, which can
+    /// be looked at until the next one begins.
+    void returnToSettingsFile(const QString& path);
     /// Reads the current settings file for display. False after its message.
     [[nodiscard]] bool inspectSettings();
 

@@ -309,7 +309,10 @@ bool SettingsFileWatch::playBesideCurrentFile(const PlayOptions& options,
             isSaved ? session_.functionalDocument->project.targetFolder : QString();
         if (!session_.mayLeaveRun())
             return played;
-        session_.changeSettingsFile(currentFile());
+        if (played)
+            session_.returnToSettingsFile(currentFile());
+        else
+            session_.changeSettingsFile(currentFile());
         session_.report.runFinished = wasFinished;
         timer_.start(); // a start that failed was not that of this file
         // Modeless: the window may have been closed during the run, and the program ends.

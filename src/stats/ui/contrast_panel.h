@@ -39,6 +39,7 @@ public:
     void documentsLeaving() override;
     void runPrepared(QtCortivoDoc& functional) override;
     void settingsFileChanged() override;
+    void playedRunStays(QtCortivoDoc& functional) override { runPrepared(functional); }
     void mapListChanged() override;
     void pluginThresholdApplied(float shown) override;
 

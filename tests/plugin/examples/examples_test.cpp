@@ -1,8 +1,6 @@
 // The example plug-ins in a process that exports the interface, through whole runs.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/host/plugin_host.h"
-#include "plugin/host/program_access.h"
-#include "run/loop/session_fixture.h"
+#include "plugin/program_fixture.h"
 
 #include <QApplication>
 #include <QJsonArray>
@@ -105,12 +103,12 @@ std::vector<double> smoothNoise(std::mt19937& random) {
 
 } // namespace
 
-class PluginExamples : public SessionFixture, public ProgramAccess {
+class PluginExamples : public PluginProgram {
 protected:
-    PluginExamples() { setProgramAccess(this); }
-    ~PluginExamples() override { setProgramAccess(nullptr); }
-    RunSession& session() override { return SessionFixture::session; }
-    PluginHost& plugins() override { return host; }
+    PluginExamples()
+        : PluginProgram(QCoreApplication::applicationDirPath() + "/../plugin_examples/") {
+        beginProgram();
+    }
 
     void launch(const QString& name, const QString& typed = "") {
         const TypingOperator typing(typed);
@@ -155,11 +153,6 @@ protected:
         }
         return course;
     }
-
-    QWidget window;
-    PluginHost host{{SessionFixture::session, pump, display,
-                     QCoreApplication::applicationDirPath() + "/../plugin_examples/",
-                     QDir::tempPath() + "/", window}};
 };
 
 TEST_F(PluginExamples, GreetingFollowsTheRun) {

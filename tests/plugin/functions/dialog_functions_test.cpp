@@ -1,11 +1,12 @@
 // The dialogs of plug-ins, and the texts that they give back.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "plugin/functions/probe.h"
+#include "plugin/host/fixtures.h"
+#include "plugin/program_fixture.h"
+#include "plugin/sdk/velo_cortivo_plugin.h"
 
 #include <QTextEdit>
 #include <climits>
 #include <cmath>
-#include <limits>
 
 namespace {
 
@@ -28,21 +29,13 @@ public:
     }
     std::optional<int> inputInteger(const InputTexts& texts, int start,
                                     const IntegerBounds& bounds) override {
-        seen << QString("%1: %2 %3 in %4..%5")
-                    .arg(texts.title, texts.text)
-                    .arg(start)
-                    .arg(bounds.minimum)
-                    .arg(bounds.maximum);
+        note(texts, start, bounds.minimum, bounds.maximum);
         return accepts ? std::optional(start) : std::nullopt;
     }
     std::optional<double> inputNumber(const InputTexts& texts, double start,
                                       const NumberBounds& bounds) override {
-        seen << QString("%1: %2 %3 in %4..%5 to %6")
-                    .arg(texts.title, texts.text)
-                    .arg(start)
-                    .arg(bounds.minimum)
-                    .arg(bounds.maximum)
-                    .arg(bounds.decimals);
+        note(texts, start, bounds.minimum, bounds.maximum);
+        seen.last() += QString(" to %1").arg(bounds.decimals);
         return accepts ? std::optional(start) : std::nullopt;
     }
     std::optional<QString> inputText(const InputTexts& texts, const QString& start) override {
@@ -61,6 +54,13 @@ public:
     }
 
 private:
+    void note(const InputTexts& texts, double start, double minimum, double maximum) {
+        seen << QString("%1: %2 %3 in %4..%5")
+                    .arg(texts.title, texts.text)
+                    .arg(start, 0, 'g', 10)
+                    .arg(minimum, 0, 'g', 10)
+                    .arg(maximum, 0, 'g', 10);
+    }
     MessageHandler* previous_;
 };
 
@@ -68,67 +68,60 @@ using Buffer = std::array<char, veloCortivoTextSize + 1>;
 
 } // namespace
 
-class PluginDialogs : public ProbedSession {
+class PluginDialogs : public PluginProgram {
 protected:
     Operator operatorHand;
-    const ProbeFunctions& call = probe.functions();
     QStringList& seen = operatorHand.seen;
 };
 
 TEST_F(PluginDialogs, AskForNumbersWithinTheirBounds) {
     struct Case {
         int start, min, max, accepted, cancelled;
-        bool shown;
+        QStringList seen;
     };
-    for (const Case& c : {Case{5, 1, 9, 5, 0, true},
-                          {-3, 1, 9, 1, 0, true},
-                          {12, 1, 9, 9, 0, true},
-                          {5, 3, 2, 2, 2, false},
-                          {0, INT_MIN, INT_MAX, 0, INT_MAX, true}}) {
+    const QString title = "Velo-Cortivo Plugin: ";
+    for (const Case& c : {Case{5, 1, 9, 5, 0, {title + "n 5 in 1..9", title + "x 5 in 1..9 to 3"}},
+                          {-3, 1, 9, 1, 0, {title + "n 1 in 1..9", title + "x 1 in 1..9 to 3"}},
+                          {12, 1, 9, 9, 0, {title + "n 9 in 1..9", title + "x 9 in 1..9 to 3"}},
+                          {5, 3, 2, 2, 2, {}}}) {
         SCOPED_TRACE(c.start);
-        seen.clear();
-        operatorHand.accepts = true;
-        EXPECT_EQ(call.getIntegerInput("n", c.start, c.min, c.max), c.accepted);
-        EXPECT_EQ(call.getFloatInput("x", float(c.start), float(c.min), float(c.max)),
-                  float(c.accepted));
-        const QString integer = "Velo-Cortivo Plugin: n %1 in %2..%3";
-        const QString number = "Velo-Cortivo Plugin: x %1 in %2..%3 to 3";
-        const auto boxes = c.shown ? QStringList{integer.arg(c.accepted).arg(c.min).arg(c.max),
-                                                 number.arg(double(c.accepted))
-                                                     .arg(double(float(c.min)))
-                                                     .arg(double(float(c.max)))}
-                                   : QStringList();
-        EXPECT_EQ(seen, boxes);
-        operatorHand.accepts = false;
-        EXPECT_EQ(call.getIntegerInput("n", c.start, c.min, c.max), c.cancelled);
-        EXPECT_EQ(call.getFloatInput("x", float(c.start), float(c.min), float(c.max)),
-                  float(c.min) - 1.0f);
-        EXPECT_EQ(seen.isEmpty(), !c.shown);
+        for (const bool accepts : {true, false}) {
+            seen.clear();
+            operatorHand.accepts = accepts;
+            const int expected = accepts ? c.accepted : c.cancelled;
+            EXPECT_EQ(tGetIntegerInput("n", c.start, c.min, c.max), expected);
+            EXPECT_EQ(tGetFloatInput("x", float(c.start), float(c.min), float(c.max)),
+                      float(expected));
+            EXPECT_EQ(seen, c.seen);
+        }
     }
-    EXPECT_TRUE(std::isnan(call.getFloatInput("x", 0, std::nanf(""), 1)));
+    EXPECT_EQ(tGetIntegerInput("n", 0, INT_MIN, 0), INT_MAX) << "as in the machine";
+    EXPECT_TRUE(std::isnan(tGetFloatInput("x", 0, std::nanf(""), 1)));
 }
 
 TEST_F(PluginDialogs, TellAndAsk) {
-    call.logText("without a window");
-    call.logText(nullptr);
-    call.messageBox("Gr\xc3\xbc\xc3\x9f");
-    EXPECT_TRUE(call.yesNoMessageBox("Go?"));
+    tLogText("without a window");
+    tLogText(nullptr);
+    tMessageBox("Gr\xc3\xbc\xc3\x9f");
+    EXPECT_TRUE(tYesNoMessageBox("Go?"));
     operatorHand.accepts = false;
-    EXPECT_FALSE(call.yesNoMessageBox(nullptr));
+    EXPECT_FALSE(tYesNoMessageBox(nullptr));
     EXPECT_EQ(seen, (QStringList{QString::fromUtf8("0 Velo-Cortivo Plugin: Gr\xc3\xbc\xc3\x9f"),
                                  "Velo-Cortivo Plugin: Go?", "Velo-Cortivo Plugin: "}));
 }
 
 TEST_F(PluginDialogs, LogIntoTheWindowOfThePlugin) {
-    ASSERT_TRUE(QDir().mkpath(host.pluginFolder()) &&
-                QFile::copy(Probe::path(), host.pluginFolder() + "probe.so"));
+    PluginScript& plugin = scriptOf(addPlugin(host.pluginFolder(), "scripted"));
+    plugin.on["initPlugin"] = [] {
+        tLogText("There is no window yet");
+        return true;
+    };
     beginProgram();
-    ASSERT_EQ(host.discover().plugins.size(), 1u);
+    host.discover();
     host.launch(0);
     const auto* text = window.findChild<QTextEdit*>("LogTxt");
     ASSERT_TRUE(text);
-    EXPECT_EQ(text->toPlainText(), QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
-                                                     "e\nfrom the probe"));
+    EXPECT_EQ(text->toPlainText(), "");
     // As they are, but not beyond the size that the interface states.
     const QString umlauts = QString::fromUtf8("\xc3\xbc").repeated(3000);
     for (const auto& [given, shown] :
@@ -136,8 +129,8 @@ TEST_F(PluginDialogs, LogIntoTheWindowOfThePlugin) {
           {"<p>two</p>\n lines", "<p>two</p>\n lines"},
           {"no \xff letter", QString("no ") + QChar(QChar::ReplacementCharacter) + " letter"},
           {umlauts.toStdString(), umlauts.left(2047)}}) {
-        call.logText(given.c_str());
-        EXPECT_TRUE(text->toPlainText().endsWith("\n" + shown)) << shown.toStdString();
+        tLogText(given.c_str());
+        EXPECT_TRUE(("\n" + text->toPlainText()).endsWith("\n" + shown)) << shown.toStdString();
     }
     host.close();
 }
@@ -146,8 +139,8 @@ TEST_F(PluginDialogs, ChooseFilesFromTheFolderThatWasUsedLast) {
     using Function = decltype(&tGetOpenFileName);
     beginProgram();
     Buffer out;
-    for (const auto& [function, kind] : {std::pair<Function, QString>(call.getOpenFileName, "open"),
-                                         {call.getSaveFileName, "save"}}) {
+    for (const auto& [function, kind] :
+         {std::pair<Function, QString>(tGetOpenFileName, "open"), {tGetSaveFileName, "save"}}) {
         SCOPED_TRACE(kind.toStdString());
         host.setLastUsedFolder("/used/");
         seen.clear();
@@ -175,8 +168,7 @@ TEST_F(PluginDialogs, CutLongTextsBetweenCharacters) {
         QString text;
         size_t bytes;
     };
-    for (const Case& c : {Case{"short", 5},
-                          {QString(qsizetype(most), 'a'), most},
+    for (const Case& c : {Case{QString(qsizetype(most), 'a'), most},
                           {QString(5000, 'a'), most},
                           {umlaut.repeated(3000), most - 1},
                           {"a" + umlaut.repeated(3000), most},
@@ -186,7 +178,7 @@ TEST_F(PluginDialogs, CutLongTextsBetweenCharacters) {
         Buffer out;
         out.fill('#');
         operatorHand.answer = c.text;
-        EXPECT_TRUE(call.getTextInput("t", "d", out.data()));
+        EXPECT_TRUE(tGetTextInput("t", "d", out.data()));
         const std::string text = out.data();
         EXPECT_EQ(text.size(), c.bytes);
         EXPECT_TRUE(c.text.toStdString().starts_with(text));
@@ -195,7 +187,7 @@ TEST_F(PluginDialogs, CutLongTextsBetweenCharacters) {
     operatorHand.accepts = false;
     Buffer out;
     out.fill('#');
-    EXPECT_FALSE(call.getTextInput("t", nullptr, out.data()));
+    EXPECT_FALSE(tGetTextInput("t", nullptr, out.data()));
     EXPECT_STREQ(out.data(), "");
     EXPECT_EQ(seen.first(), "Velo-Cortivo Plugin: t d");
     EXPECT_EQ(seen.last(), "Velo-Cortivo Plugin: t ");

@@ -244,6 +244,10 @@ TEST_F(RegionPlots, FixedPlotsAreKeptAndFurtherRegionsFloat) {
     EXPECT_TRUE(find<QWidget>("NoRegionsLbl")->isVisible());
     addRegions(1);
     EXPECT_EQ(find<QWidget>("TimeCourse1"), first);
+    session.listeners.settingsFileChanged();
+    EXPECT_TRUE(visible().isEmpty());
+    session.listeners.playedRunStays(*document);
+    EXPECT_EQ(visible().size(), 2);
     session.listeners.documentsLeaving();
     session.functionalDocument.reset();
     EXPECT_TRUE(visible().isEmpty() && contentOf("TimeCourse1").curves.empty());

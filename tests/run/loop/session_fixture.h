@@ -68,6 +68,7 @@ public:
     void documentsArrived(QtCortivoDoc&) override { hooks << "arrived"; }
     void runPrepared(QtCortivoDoc&) override { hooks << "prepared"; }
     void settingsFileChanged() override { hooks << "changed"; }
+    void playedRunStays(QtCortivoDoc&) override { hooks << "stays"; }
     bool beforeVolume(const VolumeAtHand& hand) override {
         note("before", hand);
         return !onBeforeVolume || onBeforeVolume(hand.volume);

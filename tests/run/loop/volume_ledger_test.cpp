@@ -131,9 +131,17 @@ TEST_F(VolumeLedgerTest, AVolumeThatNeedsTooMuchNamesWhoTookIt) {
 }
 
 TEST_F(VolumeLedgerTest, TheWaitOfAReplayIsNoWorkAndIsNotLate) {
-    writeSession(8, 2, {{"ForceTRDelay:", "1"}});
+    writeSession(9, 2, {{"ForceTRDelay:", "1"}});
     script.millisecondsPerVolume = 300;
+    ProbeListener view(session.listeners, ListenerPlace::Views);
+    view.onEndOfVolume = [&](int volume) {
+        if (volume < 5)
+            return;
+        session.requests.forceTRDelay = false;
+        spend(5000);
+    };
     session.runButtonPressed();
+    EXPECT_EQ(times(6).due, times(5).due + 1000 * 2000) << "as if it were held on";
     EXPECT_EQ(times(4).of(VolumeStage::Holding), 1000 * 1700);
     EXPECT_EQ(times(4).needed(), 1000 * 300);
     EXPECT_EQ(times(4).due, 1000 * 14000);

@@ -308,7 +308,10 @@ TEST_F(SettingsFileWatchTest, TheSettingsFileOfARecoveredRunBecomesCurrentUnless
     EXPECT_EQ(session.settings.TargetFolder, path("results/")) << "what a reload will read";
 
     expectPlayed("copy.vcj");
+    ProbeListener view(session.listeners, ListenerPlace::Views);
     EXPECT_TRUE(play(copy, path("replay/"), PlayPurpose::Replay));
+    EXPECT_TRUE(view.hooks.join(' ').endsWith("over changed stays")) << "it can be looked at";
+    EXPECT_EQ(recordedVolumes(session.report, session.functionalDocument->project), 14);
     EXPECT_EQ(current(), "other.vco");
     EXPECT_TRUE(session.report.runFinished) << "auto-start must not measure that once more";
     expectPlayed("test.fmr");

@@ -194,7 +194,7 @@ TEST_F(MainWindow, ContrastListShowsSelectionAndEmptiesWithItsRun) {
     auto& conjunction = control<QCheckBox>("ConjunctionOfContrastsOp");
     listeners.settingsFileChanged();
     EXPECT_EQ(list.topLevelItemCount(), 0);
-    listeners.runPrepared(document());
+    listeners.playedRunStays(document());
     EXPECT_EQ(list.topLevelItemCount(), 2);
     document().contrasts.ConjunctionAnalysis = true; // as a recovery sets them
     document().contrasts.ContrastSelectionStates[1] = ContrastPositive;
