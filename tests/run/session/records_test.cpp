@@ -67,6 +67,7 @@ TEST(SessionRecords, ChoicesOfTheClassifier) {
     recorded.options.trial.estimate = TrialEstimate::Beta;
     recorded.options.mode = PredictionMode::Continuous;
     recorded.options.postCondition = 5;
+    recorded.options.trial.useTrialDuration = recorded.options.trial.linearTrend = true;
     const auto back = wholeOrNothing(encodedClassifier(recorded), decodedClassifier);
     ASSERT_TRUE(back);
     EXPECT_EQ(back->options, recorded.options);

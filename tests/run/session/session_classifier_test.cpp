@@ -227,10 +227,12 @@ TEST_F(SessionClassifierTest, ARecoveredRunCompletesItsPatterns) {
             openAndPredict();
         if (volume == 12)
             choose(PredictionMode::EndOfTrial);
+        if (volume == 24)
+            session.classifier.toggleIncrementalPrediction();
     };
     const QString journal = recordJournal();
     const QByteArray whole = content("results/OnlineClassifiedPatterns.mvp");
-    EXPECT_EQ(screen_.predictions().size(), 4) << "two of the first trial, then each trial once";
+    EXPECT_EQ(screen_.predictions().size(), 3) << "two of the first trial, one of the second";
     operatorHand.onEndOfVolume = [](int) {};
     session.classifier.close();
     session.classifier.chooseModel({});
@@ -259,4 +261,6 @@ TEST_F(SessionClassifierTest, TrainingFilesOfAnotherFolderLieBesideTheModel) {
     session.changeSettingsFile(path("test-1.vco"));
     EXPECT_FALSE(session.classifier.IncrementalPredictionOn());
     EXPECT_EQ(session.classifier.options(), defaultLiveOptions());
+    runAgain();
+    EXPECT_EQ(session.classifier.options().trial.postOnset, 4) << "read anew for each series";
 }
