@@ -56,6 +56,7 @@ TEST_F(PlayingTest, ARunIsRecoveredWithTheFilesThatItWasPreparedFrom) {
     QByteArray contrasts = content("results/test.ctr");
     put("own.ctr", contrasts.replace("InitialSelectionState:\n1", "InitialSelectionState:\n0"));
     ASSERT_NE(contrasts, content("results/test.ctr"));
+    script.millisecondsPerVolume = 1500;
     recordRun({{"ContrastFile:", "\"./own.ctr\""}, {"Threshold:", "2.5"}});
     QMap<QString, QByteArray> expected;
     for (const QString name : {"test.mps", "test.ctr", "test.prt", "test.fmr"})
@@ -65,6 +66,13 @@ TEST_F(PlayingTest, ARunIsRecoveredWithTheFilesThatItWasPreparedFrom) {
     const auto description = describeJournal(journal_);
     ASSERT_TRUE(description);
     EXPECT_NEAR(double(description->latestArrival - description->head.startedAt), 0, 10000);
+    VolumeArrival latest;
+    std::span<const uint8_t> samples;
+    JournalCursor cursor(journal_);
+    for (JournalRecord record; cursor.next(record);)
+        EXPECT_TRUE(RecordKind(record.kind) != RecordKind::MeasuredVolume ||
+                    decodeVolume(record.payload, latest, samples));
+    EXPECT_EQ(latest.sinceFirstVolume, 19 * 1500);
     EXPECT_TRUE(play(PlayPurpose::Recover));
     for (const QString& name : expected.keys())
         EXPECT_EQ(content("results/" + name), expected[name]) << qPrintable(name);
