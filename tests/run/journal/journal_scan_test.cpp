@@ -3,8 +3,8 @@
 #include "base/byte_views.h"
 #include "journal_content.h"
 #include "run/journal/journal_framing.h"
+#include "support/files.h"
 
-#include <QFile>
 #include <sys/stat.h>
 
 namespace {
@@ -45,21 +45,20 @@ void expectBeginning(const ReadBack& read, qsizetype count) {
 class JournalScan : public testing::Test {
 protected:
     const QTemporaryDir folder_;
-    QFile file_{folder_.filePath("run.journal")};
+    const QString path_ = folder_.filePath("run.journal");
 };
 
 } // namespace
 
 TEST_F(JournalScan, WriterAndReaderAgreeWithKnownBytes) {
     {
-        JournalWriter writer(createJournalFile(file_.fileName()));
+        JournalWriter writer(createJournalFile(path_));
         EXPECT_TRUE(writer.add(
             7, {::bytesOf(std::string_view("vol")), {}, ::bytesOf(std::string_view("ume"))}));
         EXPECT_TRUE(writer.add(0x01020304, {}));
     }
-    ASSERT_TRUE(file_.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file_.readAll().toHex(), knownJournal.toHex());
-    const ReadBack read = readBack(file_.fileName());
+    EXPECT_EQ(contentOf(path_).toHex(), knownJournal.toHex());
+    const ReadBack read = readBack(path_);
     expectBeginning(read, knownEnds.back());
     EXPECT_EQ(read.result.end, JournalEnd::Whole);
     EXPECT_EQ(read.result.fileBytes, knownEnds.back());
@@ -106,12 +105,11 @@ TEST_F(JournalScan, AHostileLengthIsARecordThatWasCutOff) {
 // The file is as large as it says, since its blocks exist only when they are written.
 TEST_F(JournalScan, ARecordWithoutMemoryForItEndsTheScan) {
     constexpr qint64 length = qint64(1) << 42;
-    ASSERT_TRUE(file_.open(QIODevice::WriteOnly));
-    file_.write(withHeader(length));
-    if (!file_.resize(file_.pos() + length))
+    const QByteArray beginning = withHeader(length);
+    writeFile(path_, beginning);
+    if (!QFile::resize(path_, beginning.size() + length))
         GTEST_SKIP() << "no file of this size here";
-    file_.close();
-    const ReadBack read = readBack(file_.fileName());
+    const ReadBack read = readBack(path_);
     expectBeginning(read, knownEnds.back());
     EXPECT_EQ(read.result.end, JournalEnd::Unreadable);
 }
@@ -119,7 +117,7 @@ TEST_F(JournalScan, ARecordWithoutMemoryForItEndsTheScan) {
 TEST_F(JournalScan, OnlyRegularFilesAreRead) {
     const QString pipe = folder_.filePath("pipe");
     ASSERT_EQ(mkfifo(pipe.toUtf8().constData(), 0600), 0);
-    for (const QString& path : {pipe, folder_.path(), file_.fileName(), QString("/dev/zero")})
+    for (const QString& path : {pipe, folder_.path(), path_, QString("/dev/zero")})
         EXPECT_EQ(readBack(path).result.end, JournalEnd::Unreadable) << path.toStdString();
 }
 
@@ -127,19 +125,15 @@ TEST_F(JournalScan, SkimsTheBeginningsOfPayloadsAndReadsOn) {
     QByteArray bytes = knownJournal;
     bytes[knownEnds[1] - 1] = '?'; // damage that nobody looks at
     JournalRecord record;
-    ASSERT_TRUE(file_.open(QIODevice::WriteOnly) && file_.write(bytes) == bytes.size());
-    file_.close();
-    JournalCursor inFile(file_.fileName());
-    JournalCursor inMemory(bytesOf(bytes));
-    for (JournalCursor* cursor : {&inFile, &inMemory}) {
-        ASSERT_TRUE(cursor->skim(record, 3));
-        EXPECT_EQ(std::string(record.payload.begin(), record.payload.end()), "vol");
-        EXPECT_EQ(cursor->goodBytes(), knownEnds[1]);
-        EXPECT_TRUE(cursor->next(record));
-        EXPECT_EQ(record.kind, knownRecords[1].first);
-        EXPECT_FALSE(cursor->skim(record, 3));
-        EXPECT_EQ(cursor->end(), JournalEnd::Whole);
-    }
+    writeFile(path_, bytes);
+    JournalCursor cursor(path_);
+    ASSERT_TRUE(cursor.skim(record, 3));
+    EXPECT_EQ(std::string(record.payload.begin(), record.payload.end()), "vol");
+    EXPECT_EQ(cursor.goodBytes(), knownEnds[1]);
+    EXPECT_TRUE(cursor.next(record));
+    EXPECT_EQ(record.kind, knownRecords[1].first);
+    EXPECT_FALSE(cursor.skim(record, 3));
+    EXPECT_EQ(cursor.end(), JournalEnd::Whole);
     const QByteArray beginning = bytes.first(knownEnds[1] - 1);
     JournalCursor cut(bytesOf(beginning));
     EXPECT_FALSE(cut.skim(record, 3));

@@ -76,6 +76,12 @@ protected:
 
 class FullDisk : public Fault {
 protected:
+    void limitFromFirstVolumeOn(rlim_t bytes) {
+        display_.whenLogged = [=, this] {
+            limit_.set(bytes);
+            (void)session_.journal.holdsRun(); // the disk has had its time
+        };
+    }
     FileSizeLimit limit_;
 };
 
@@ -104,11 +110,8 @@ TEST_F(FullDisk, AtAnyWriteOfTheSavingLosesNothing) {
 }
 
 TEST_F(FullDisk, EndsTheJournalAndNotTheRun) {
-    for (const qint64 bytes : {20'000, 100'000}) {
-        display_.whenLogged = [&] {
-            limit_.set(bytes);
-            (void)session_.journal.holdsRun(); // the disk has had its time
-        };
+    for (const rlim_t bytes : {20'000, 100'000}) {
+        limitFromFirstVolumeOn(bytes);
         display_.whileSaving = [&] { limit_.lift(); };
         EXPECT_EQ(run(false, [] {}).second, 1);
         EXPECT_TRUE(session_.report.savedCompletely);
@@ -118,10 +121,7 @@ TEST_F(FullDisk, EndsTheJournalAndNotTheRun) {
 
 // The part in the journal must not be offered, and replace the whole, later on.
 TEST_F(FullDisk, ARunThatIsSavedAtLastLeavesNoPartOfIt) {
-    display_.whenLogged = [&] {
-        limit_.set(20'000);
-        (void)session_.journal.holdsRun();
-    };
+    limitFromFirstVolumeOn(20'000);
     run(false, [] {});
     limit_.lift();
     EXPECT_TRUE(session_.report.onlyInMemory);

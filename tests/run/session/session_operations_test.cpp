@@ -1,5 +1,6 @@
 // Every operation of the operator in every phase of a session.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "classify/classify_data.h"
 #include "run/loop/session_fixture.h"
 #include "stats/clusters.h"
 #include "stats/thresholds.h"
@@ -13,59 +14,62 @@ protected:
         writeSession(32, 2);
         session.runButtonPressed(); // there is a run in memory and on disk
     }
+    QtCortivoDoc& document() { return *session.functionalDocument; }
+    /// The sizes of the clusters that are shown are those of the maps and the thresholds.
+    void expectClusters() {
+        StatisticalMaps& maps = document().maps;
+        const auto shown = maps.ClusterSizeSlices;
+        computeClusterSizes(maps, session.requests.thresholds,
+                            document().contrasts.ConjunctionAnalysis);
+        EXPECT_EQ(shown, maps.ClusterSizeSlices);
+    }
 };
 
 } // namespace
 
 TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
     Reporter silent;
-    put("results/VoxelsUsedForTraining.txt", "FileVersion:   1\n\nNrOfVoxels: 1\n\n1 1 1\n");
-    put("one.svm", "svm_type c_svc\nkernel_type linear\nnr_class 2\ntotal_sv 2\nrho 0\n"
-                   "label 1 -1\nnr_sv 1 1\nSV\n1 1:1\n-1 1:-1\n");
+    put("results/VoxelsUsedForTraining.txt", "FileVersion:   1\n\nNrOfVoxels: 2\n\n1 1 1\n2 2 2\n");
+    ASSERT_TRUE(modelOf({1, -1}, 2).save(path("one.svm")));
     session.classifier.chooseModel(path("one.svm"));
     put("curves.rtc", "NrOfRTCs: 3\nNrOfValues: 2\n" +
                           QByteArray("VOI\nA: 1 B: 2 C: 3 D: 4 E: 5 F: 6\n100\n101\n").repeated(3));
     const DecoderPreparation offline = offlinePreparation(path("curves.rtc"));
-    const auto starts = [this] { return display.calls.count("starting"); };
+    const std::set<Phase> idle{Phase::Idle};
+    const std::set<Phase> stoppable{Phase::Preparing, Phase::Recording};
+    const std::set<Phase> others{Phase::Idle, Phase::Saving, Phase::Reloading,
+                                 Phase::PostProcessing, Phase::Analysing};
+    std::set<Phase> always = others;
+    always.insert(stoppable.begin(), stoppable.end());
+    const auto stops = [&] { return std::exchange(session.requests.interruptFlag, false); };
     // Does it, and tells whether anything came of it; and where something does.
     const std::tuple<const char*, std::function<bool()>, std::set<Phase>> operations[] = {
         {"run button starts",
          [&] {
-             const auto before = starts();
+             const auto before = display.calls.count("starting");
              session.runButtonPressed();
-             session.requests.interruptFlag = false;
-             return starts() > before;
+             stops();
+             return display.calls.count("starting") > before;
          },
-         {Phase::Idle}},
+         idle},
         {"run button stops",
          [&] {
-             const bool idle = session.phase.isIdle();
+             const bool wasIdle = session.phase.isIdle();
              session.requests.forceTRDelay = true;
              session.runButtonPressed();
-             const bool stops = session.requests.interruptFlag && !session.requests.forceTRDelay;
-             session.requests.interruptFlag = false;
-             return stops && !idle;
+             return stops() && !session.requests.forceTRDelay && !wasIdle;
          },
-         {Phase::Preparing, Phase::Recording}},
-        {"stop",
-         [&] {
-             session.requestStop();
-             const bool stops = session.requests.interruptFlag;
-             session.requests.interruptFlag = false;
-             return stops;
-         },
-         {Phase::Preparing, Phase::Recording}},
-        {"reload", [&] { return session.reloadData(); }, {Phase::Idle}},
-        {"post-processing", [&] { return postprocess(silent); }, {Phase::Idle}},
-        {"offer post-processing",
-         [&] { return session.volumesForPostprocessing() == 30; },
-         {Phase::Idle}},
+         stoppable},
+        {"stop", [&] { return session.requestStop(), stops(); }, stoppable},
+        {"reload", [&] { return session.reloadData(); }, idle},
+        {"post-processing", [&] { return postprocess(silent); }, idle},
+        {"offer post-processing", [&] { return session.volumesForPostprocessing() == 30; }, idle},
         {"choice of the statistic",
          [&] {
              return session.changeShownStatistic(ShownStatistic::T, -1) &&
                     session.changeOneSidedTesting(false);
          },
-         {Phase::Idle}},
+         idle},
         {"prediction by a classifier",
          [&] {
              session.classifier.toggleIncrementalPrediction();
@@ -74,15 +78,13 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
                  session.classifier.toggleIncrementalPrediction();
              return on && !session.classifier.isPredicting();
          },
-         {Phase::Idle, Phase::Preparing, Phase::Recording, Phase::Saving, Phase::Reloading,
-          Phase::PostProcessing, Phase::Analysing}},
+         always},
         {"preparation of the letter decoder",
          [&] {
              return session.decoder.prepare(offline) &&
                     session.decoder.reloadROIDataForOfflineAnalysis();
          },
-         {Phase::Idle, Phase::Preparing, Phase::Recording, Phase::Saving, Phase::Reloading,
-          Phase::PostProcessing, Phase::Analysing}},
+         always},
         {"another letter, or volume of a file",
          [&] {
              session.decoder.reloadROIDataForOfflineAnalysis();
@@ -93,10 +95,9 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
              EXPECT_EQ(session.decoder.letterHindrance().isEmpty(), goes);
              return session.decoder.nextTR() && goes;
          },
-         {Phase::Idle, Phase::Saving, Phase::Reloading, Phase::PostProcessing, Phase::Analysing}},
+         others},
         {"responses for the letter decoder",
-         [&] { return session.decoder.responsesHindrance().isEmpty(); },
-         {Phase::Idle, Phase::Saving, Phase::Reloading, Phase::PostProcessing, Phase::Analysing}},
+         [&] { return session.decoder.responsesHindrance().isEmpty(); }, others},
         {"active for plug-ins", [&] { return session.phase.runActive(); }, {Phase::Recording}},
         {"warnings wait for nobody",
          [&] { return session.messagesAreModeless(MessageLevel::Warning); },
@@ -116,16 +117,16 @@ TEST_F(SessionOperations, BeginAndStopWorkOnlyWhereTheyMay) {
 
 // A change is on the maps once the session is idle, whenever it was made.
 TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
-    const std::pair<const char*, std::function<void(QtCortivoDoc&)>> operations[] = {
-        {"threshold", [&](QtCortivoDoc&) { session.changeThreshold(0.5f); }},
-        {"cluster size", [&](QtCortivoDoc&) { session.changeClusterSize(2); }},
+    const std::pair<const char*, std::function<void()>> operations[] = {
+        {"threshold", [&] { session.changeThreshold(0.5f); }},
+        {"cluster size", [&] { session.changeClusterSize(2); }},
         {"contrast",
-         [&](QtCortivoDoc& document) {
-             toggleContrast(document.contrasts, 1, ContrastPositive);
+         [&] {
+             toggleContrast(document().contrasts, 1, ContrastPositive);
              session.contrastsChanged();
          }},
-        {"conjunction", [&](QtCortivoDoc& document) {
-             EXPECT_TRUE(session.changeConjunction(!document.contrasts.ConjunctionAnalysis));
+        {"conjunction", [&] {
+             EXPECT_TRUE(session.changeConjunction(!document().contrasts.ConjunctionAnalysis));
          }}};
     for (const auto& [operation, change] : operations)
         for (const auto& [phase, name] : phaseNames) {
@@ -135,48 +136,42 @@ TEST_F(SessionOperations, ControlsTakeEffectInEveryPhase) {
             writeSession(32, 2);
             runAgain();
             inPhase(phase, [&, &act = change] {
-                if (session.functionalDocument->contrasts.NrOfContrasts > 0)
-                    act(*session.functionalDocument);
+                if (document().contrasts.NrOfContrasts > 0)
+                    act();
             });
-            QtCortivoDoc& document = *session.functionalDocument;
-            const StatisticalMaps& shown = document.maps;
-            const auto clusters = shown.ClusterSizeSlices;
-            const std::vector<int> contrastOfMap = shown.contrastOfMap;
-            ASSERT_TRUE(computeContrastMaps(document.wholeRunModel, document.mask,
-                                            document.contrasts, document.maps));
-            computeClusterSizes(document.maps, session.requests.thresholds,
-                                document.contrasts.ConjunctionAnalysis);
-            EXPECT_EQ(clusters, shown.ClusterSizeSlices);
-            EXPECT_EQ(contrastOfMap, shown.contrastOfMap);
-            EXPECT_FALSE(document.contrasts.ContrastsChanged);
+            const std::vector<int> contrastOfMap = document().maps.contrastOfMap;
+            ASSERT_TRUE(computeContrastMaps(document().wholeRunModel, document().mask,
+                                            document().contrasts, document().maps));
+            expectClusters();
+            EXPECT_EQ(contrastOfMap, document().maps.contrastOfMap);
+            EXPECT_FALSE(document().contrasts.ContrastsChanged);
         }
 }
 
 TEST_F(SessionOperations, FAndConjunctionExcludeEachOther) {
-    QtCortivoDoc& document = *session.functionalDocument;
-    ContrastDefinitions& contrasts = document.contrasts;
+    ContrastDefinitions& contrasts = document().contrasts;
     EXPECT_TRUE(session.changeConjunction(true));
     EXPECT_TRUE(session.changeShownStatistic(ShownStatistic::FOfSelected, -1));
     EXPECT_FALSE(contrasts.ConjunctionAnalysis);
-    EXPECT_EQ(document.maps.NrOfShownMaps, 1);
+    EXPECT_EQ(document().maps.NrOfShownMaps, 1);
     EXPECT_TRUE(session.panelText().contains("<b>F</b>(2,26) = ")) << "30 volumes, 4 columns";
     messages.expectInformation("INFO: The conjunction is one of t maps*");
     EXPECT_FALSE(session.changeConjunction(true));
 
-    const std::vector<float> ofTwo(document.maps.map(0).begin(), document.maps.map(0).end());
+    const std::vector<float> ofTwo(document().maps.map(0).begin(), document().maps.map(0).end());
     ASSERT_TRUE(toggleContrast(contrasts, 1, ContrastPositive));
     session.contrastsChanged();
-    EXPECT_EQ(document.maps.MapDF1, 1) << "of the one that is left";
+    EXPECT_EQ(document().maps.MapDF1, 1) << "of the one that is left";
     EXPECT_FALSE(session.changeShownStatistic(ShownStatistic::FOfContrast, 9)) << "there is none";
     EXPECT_EQ(contrasts.shownStatistic, ShownStatistic::FOfSelected);
     EXPECT_TRUE(session.changeShownStatistic(ShownStatistic::FOfContrast, 1));
     EXPECT_EQ(contrasts.ContrastSelectionStates, (std::vector<int>{0, 1, 0}));
-    EXPECT_FALSE(std::ranges::equal(document.maps.map(0), ofTwo));
+    EXPECT_FALSE(std::ranges::equal(document().maps.map(0), ofTwo));
     EXPECT_TRUE(session.changeShownStatistic(ShownStatistic::T, -1));
-    EXPECT_EQ(document.maps.MapType, MapKind::T);
+    EXPECT_EQ(document().maps.MapType, MapKind::T);
     EXPECT_TRUE(session.changeOneSidedTesting(true));
-    EXPECT_TRUE(std::ranges::all_of(document.maps.map(0), [](float t) { return t >= 0.0f; }));
-    document.wholeRunModel.release();
+    EXPECT_TRUE(std::ranges::all_of(document().maps.map(0), [](float t) { return t >= 0.0f; }));
+    document().wholeRunModel.release();
     EXPECT_FALSE(session.changeShownStatistic(ShownStatistic::FOfSelected, -1)) << "no model";
 }
 
@@ -192,10 +187,7 @@ TEST_F(SessionOperations, AChangeWhileTheLastVolumeIsAwaitedIsOnTheMaps) {
     });
     messages.expectWarning("TIME OUT ERROR: expected file did not arrive!");
     runAgain();
-    QtCortivoDoc& document = *session.functionalDocument;
-    const auto clusters = document.maps.ClusterSizeSlices;
-    computeClusterSizes(document.maps, session.requests.thresholds, false);
-    EXPECT_EQ(clusters, document.maps.ClusterSizeSlices);
+    expectClusters();
     EXPECT_FALSE(session.requests.overlayReset);
 }
 
@@ -218,16 +210,15 @@ TEST_F(SessionOperations, WithoutADocumentTheControlsDoNothing) {
 }
 
 TEST_F(SessionOperations, ColorsFollowCodingAndContrastsAndEachChangeRepaints) {
-    QtCortivoDoc& document = *session.functionalDocument;
-    document.contrasts.ContrastColors[0] = {1, 2, 3};
+    document().contrasts.ContrastColors[0] = {1, 2, 3};
     display.calls.clear();
     session.contrastsChanged();
-    const OverlayColorTable colors = document.overlayColors.active;
+    const OverlayColorTable colors = document().overlayColors.active;
     EXPECT_EQ(colors[0], (RgbColor{1, 2, 3}));
     session.changeColorCoding(true);
-    EXPECT_EQ(document.overlayColors.active, significanceColors());
+    EXPECT_EQ(document().overlayColors.active, significanceColors());
     session.changeColorCoding(false);
-    EXPECT_EQ(document.overlayColors.active, colors);
+    EXPECT_EQ(document().overlayColors.active, colors);
     session.changeThreshold(4.5f);
     session.changeColorMaxThreshold(11.0f);
     EXPECT_TRUE(session.changeConjunction(true));
@@ -265,17 +256,17 @@ TEST_F(SessionOperations, ARunHoldsItsTargetFolderOrAsks) {
 }
 
 TEST_F(SessionOperations, BackgroundFollowsTheChosenVolume) {
-    const SliceImages& slices = session.functionalDocument->slices;
+    const SliceImages& slices = document().slices;
     const QImage first = slices.SlicePixmaps[1].copy();
 
     // In a run the next volume takes the request up, between runs it is carried out at once.
     inPhase(Phase::Recording, [&] { session.showOnCurrentVolume(); });
-    EXPECT_NE(session.functionalDocument->slices.SlicePixmaps[1], first);
+    EXPECT_NE(document().slices.SlicePixmaps[1], first);
     inPhase(Phase::Recording, [&] { session.showOnFirstVolume(); });
-    EXPECT_EQ(session.functionalDocument->slices.SlicePixmaps[1], first);
+    EXPECT_EQ(document().slices.SlicePixmaps[1], first);
     inPhase(Phase::Recording, [&] { session.showOnCurrentVolume(); });
     session.showOnFirstVolume();
-    EXPECT_EQ(session.functionalDocument->slices.SlicePixmaps[1], first);
+    EXPECT_EQ(document().slices.SlicePixmaps[1], first);
     EXPECT_FALSE(session.requests.overlayReset);
 
     int& inplane = session.requests.pendingOverlayInplane;
@@ -290,19 +281,15 @@ TEST_F(SessionOperations, BackgroundFollowsTheChosenVolume) {
 }
 
 TEST_F(SessionOperations, OutcomeStandsUntilSomethingNewer) {
-    EXPECT_TRUE(session.report.outcomeText.contains("Recorded data saved as \"<b>test</b>\"."));
-    EXPECT_EQ(display.logTexts.last(), session.report.outcomeText);
-    const QString thresholds = session.panelText();
-    EXPECT_TRUE(thresholds.startsWith(" volume <b>30</b>"));
-    EXPECT_EQ(session.report.outcomeText, thresholds);
+    EXPECT_TRUE(display.logTexts.last().contains("Recorded data saved as \"<b>test</b>\"."));
+    EXPECT_TRUE(session.panelText().startsWith(" volume <b>30</b>"));
     session.report.savedCompletely = false;
     ProbeListener probe(session.listeners, ListenerPlace::Views);
     ASSERT_TRUE(session.reloadData());
     EXPECT_EQ(probe.hooks.join(' '), "leaving arrived prepared");
     EXPECT_TRUE(session.report.runFinished && session.report.savedCompletely);
     EXPECT_EQ(session.runButton(), RunButtonState::NoSettingsFile);
-    EXPECT_TRUE(session.report.outcomeText.contains("loaded from disk"));
-    EXPECT_EQ(display.logTexts.last(), session.report.outcomeText);
+    EXPECT_TRUE(display.logTexts.last().contains("loaded from disk"));
     session.changeSettingsFile(path("other-1.vco"));
     EXPECT_EQ(probe.hooks.last(), "changed");
     EXPECT_TRUE(session.report.outcomeText.isEmpty());

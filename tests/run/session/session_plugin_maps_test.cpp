@@ -8,25 +8,13 @@ constexpr size_t voxels = 8 * 8 * 4;
 constexpr size_t filled = 64 + 8 * 2 + 3; ///< x 3, y 2 of slice 1
 
 /// Fills the maps at the end of each volume, as a plug-in does.
-class MapFiller : public RunListener {
+class MapFiller : public ProbeListener {
 public:
-    explicit MapFiller(RunSession& session) : session_(session) {
-        session.listeners.add(*this, ListenerPlace::PlugIn);
-    }
-    std::function<void(int volume, std::span<float> maps)> fill = [](int, std::span<float>) {};
+    using ProbeListener::ProbeListener;
     int recorded = 0; ///< of the maps
     std::vector<float> thresholdsShown;
-
-    bool atStep(VolumeStep step, const VolumeAtHand& hand) override {
-        if (step == VolumeStep::AfterModel)
-            fill(hand.volume, hand.document.pluginMaps.PluginMaps.span());
-        return true;
-    }
     void recordMade(const RunRecord& record) override { recorded += record.name == "maps"; }
     void pluginThresholdApplied(float shown) override { thresholdsShown.push_back(shown); }
-
-private:
-    RunSession& session_;
 };
 
 } // namespace
@@ -35,7 +23,7 @@ class SessionPluginMapsTest : public SessionFixture {
 protected:
     SessionPluginMaps& maps() { return session.pluginMaps; }
     const OverlayThresholds& thresholds() { return session.requests.thresholds; }
-    MapFiller plugin_{session};
+    MapFiller plugin_{session.listeners, ListenerPlace::PlugIn};
 };
 
 TEST_F(SessionPluginMapsTest, ARunShowsThemFromTheVolumeAtWhichTheyAreFilled) {
@@ -45,14 +33,18 @@ TEST_F(SessionPluginMapsTest, ARunShowsThemFromTheVolumeAtWhichTheyAreFilled) {
     maps().setThreshold(4.0f);
     maps().show(true);
     session.regions.setSelectOnlyMapVoxels(true);
-    plugin_.fill = [this](int volume, std::span<float> values) {
-        ASSERT_EQ(values.size(), 3 * voxels);
-        EXPECT_EQ(values[filled] == 0.0f, volume == 0) << "zeroed for the run";
+    plugin_.onStep = [this](VolumeStep step, const VolumeAtHand& hand) {
+        const std::span<float> values = hand.document.pluginMaps.PluginMaps.span();
+        EXPECT_EQ(values.size(), 3 * voxels);
+        if (step != VolumeStep::AfterModel || values.size() != 3 * voxels)
+            return true;
+        EXPECT_EQ(values[filled] == 0.0f, hand.volume == 0) << "zeroed for the run";
         values[filled] = std::numeric_limits<float>::quiet_NaN();
         values[voxels + filled] = -4.0f;
         values[2 * voxels + filled + 1] = 9.0f; // of a map that is not shown
         maps().updateList();
         display.calls.clear();
+        return true;
     };
     ProbeListener operatorHand(session.listeners, ListenerPlace::Dialogs);
     operatorHand.onEndOfVolume = [this](int volume) {

@@ -1,22 +1,6 @@
 // Regions of a whole session: drawn, followed, logged, saved, reloaded, in every phase.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/loop/session_fixture.h"
-
-namespace {
-
-constexpr VoxelRectangle drag{1, 2, 6, 1, 4}; // 4 x 3 voxels of slice 1
-constexpr int nrOfDraggedVoxels = 12;
-
-/// Mean over the dragged voxels, from the volume as it was measured.
-double measuredMean(int volume) {
-    double sum = 0.0;
-    for (int y = drag.top; y < drag.bottom; ++y)
-        for (int x = drag.left; x < drag.right; ++x)
-            sum += scriptedSample(size_t(64 * drag.slice + 8 * y + x), volume);
-    return sum / ((drag.right - drag.left) * (drag.bottom - drag.top));
-}
-
-} // namespace
+#include "run/session/dragged_region.h"
 
 class SessionRegionsTest : public SessionFixture {
 protected:
@@ -35,11 +19,11 @@ protected:
     }
     int endedAt_ = -1; ///< by a listener: its steps were left out
 
+    RegionOfInterest& region() { return session.functionalDocument->regions[0]; }
     void expectCurve(int lastVolume) {
-        const RegionOfInterest& region = (*session.regions.list())[0];
-        ASSERT_EQ(region.CurrentTimePoint, lastVolume);
+        ASSERT_EQ(region().CurrentTimePoint, lastVolume);
         for (int volume = 0; volume <= lastVolume; ++volume)
-            ASSERT_NEAR(double(region.TimeCourseValues[size_t(volume)]), measuredMean(volume), 1e-3)
+            ASSERT_NEAR(region().TimeCourseValues[size_t(volume)], measuredMean(volume), 1e-3)
                 << volume;
     }
 };
@@ -48,17 +32,15 @@ TEST_F(SessionRegionsTest, DrawnInMidRunItHasItsHistoryAndComesBackWithAReload) 
     // All voxels of the rectangle respond alike, so which of them a map shows doesn't matter.
     session.requests.thresholds.Threshold = 100.0f;
     runWithRegionAt(20);
-    EXPECT_EQ((*session.regions.list())[0].NrOfVoxels(), nrOfDraggedVoxels);
-    const std::vector<float> betas = (*session.regions.list())[0].ROIBetas;
+    EXPECT_EQ(region().NrOfVoxels(), nrOfDraggedVoxels);
+    const std::vector<float> betas = region().ROIBetas;
     ASSERT_TRUE(session.reloadData());
     ASSERT_EQ(session.regions.list()->count(), 1);
     expectCurve(39);
-    const RegionOfInterest& region = (*session.regions.list())[0];
-    ASSERT_EQ(region.ROIBetas.size(), betas.size());
-    EXPECT_GT(region.predictorsInFit, 0) << "a reloaded region has its betas at once";
+    ASSERT_EQ(region().ROIBetas.size(), betas.size());
+    EXPECT_GT(region().predictorsInFit, 0) << "a reloaded region has its betas at once";
     for (size_t i = 0; i < betas.size(); ++i)
-        EXPECT_NEAR(double(region.ROIBetas[i]), double(betas[i]),
-                    1e-4 * std::abs(double(betas[i])));
+        EXPECT_NEAR(region().ROIBetas[i], betas[i], 1e-4 * std::abs(betas[i]));
 }
 
 TEST_F(SessionRegionsTest, TheVolumeAtWhichAListenerEndsTheRunCounts) {
@@ -102,10 +84,9 @@ TEST_F(SessionRegionsTest, TheChosenFileIsLoadedAtTheFirstVolumeAndAMissingOneIs
     session.requests.preLoadROIFile = path("chosen.roi");
     int atFirstVolume = -1;
     ProbeListener probe(session.listeners, ListenerPlace::Plots);
-    probe.onStep = [&](VolumeStep step, const VolumeAtHand& hand) {
-        if (step == VolumeStep::Plots && hand.volume == 0)
-            atFirstVolume = hand.document.regions.count();
-        return true;
+    probe.onEndOfVolume = [&](int volume) {
+        if (volume == 0)
+            atFirstVolume = session.regions.list()->count();
     };
     runAgain();
     EXPECT_EQ(atFirstVolume, 1);
@@ -156,9 +137,6 @@ TEST_F(SessionRegionsTest, TheBestVoxelsAreSwitchedBeforeDuringAndAfterARun) {
     } heard;
     session.listeners.add(heard, ListenerPlace::Views);
     SessionRegions& regions = session.regions;
-    const auto region = [&]() -> RegionOfInterest& {
-        return session.functionalDocument->regions[0];
-    };
     regions.changeBestROIVoxelsRatio(0.5f); // they hold for the regions to come
     regions.changeTopVoxelSelectionMode(0);
     regions.enableDynamicROIs(true);

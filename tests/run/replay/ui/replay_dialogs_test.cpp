@@ -6,7 +6,6 @@
 #include "run/session/settings_file_watch.h"
 #include "support/dialog_checks.h"
 
-#include <QAbstractButton>
 #include <QLabel>
 #include <QTableWidget>
 
@@ -18,7 +17,7 @@ class NoControls : public SettingsFileDisplay {
     void paintNow() override {}
 };
 
-class ReplayDialogs : public SessionFixture {
+class ReplayDialogs : public SessionFixture, protected DrivenWindow {
 protected:
     ReplayDialogs() {
         for (const char* folder : {"app", "data", "home"})
@@ -38,28 +37,22 @@ protected:
         cutJournal(path(name), volumes);
         session.journal.list().add(path(name));
     }
-    template<typename Widget = QAbstractButton> Widget& control(const char* name) {
-        auto* widget = window_.findChild<Widget*>(name);
-        EXPECT_NE(widget, nullptr) << name;
-        return *widget;
-    }
-    QTableWidget& table() { return control<QTableWidget>("JournalTable"); }
-    QString field(const char* name) { return control<QLineEdit>(name).text(); }
-    QString label(const char* name) { return control<QLabel>(name).text(); }
+    QTableWidget& table() { return find<QTableWidget>("JournalTable"); }
+    QString field(const char* name) { return find<QLineEdit>(name).text(); }
+    QString label(const char* name) { return find<QLabel>(name).text(); }
     void enter(const char* name, const QString& text) {
-        control<QLineEdit>(name).clear();
-        control<QLineEdit>(name).insert(text);
+        find<QLineEdit>(name).clear();
+        find<QLineEdit>(name).insert(text);
     }
     void chooseFile(const char* button, const QString& file, const QString& warning = {}) {
         messages.expectFileChoice("Open File", path(file));
         if (!warning.isEmpty())
             messages.expectWarning(warning);
-        control(button).click();
+        click(button);
     }
 
     NoControls controls_;
     std::unique_ptr<SettingsFileWatch> watch_;
-    QWidget window_; ///< goes before the session, and the dialogs with it
 };
 
 } // namespace
@@ -70,7 +63,7 @@ TEST_F(ReplayDialogs, AnUnsavedRunIsRecoveredOrGoneOnWith) {
         crash("old.vcj", 5);
         crash("cut.vcj", 12);
         session.journal.list().add(path("run.vcj")); // saved
-        offerRecovery(session, *watch_, window_);
+        offerRecovery(session, *watch_, window);
         EXPECT_EQ(table().rowCount(), 2);
         EXPECT_EQ(table().item(0, 3)->text(), "12 of 20");
         EXPECT_TRUE(label("JournalInfo").contains(path("cut.vcj")));
@@ -79,12 +72,12 @@ TEST_F(ReplayDialogs, AnUnsavedRunIsRecoveredOrGoneOnWith) {
             table().selectRow(1);
             enter("FolderEdit", "nowhere");
             messages.expectWarning("ERROR: Choose a folder for the results*");
-            control("RecoverBtn").click();
-            EXPECT_TRUE(control<QDialog>("RecoverRunDlg").isVisible());
+            click("RecoverBtn");
+            EXPECT_TRUE(find<QDialog>("RecoverRunDlg").isVisible());
             enter("FolderEdit", path("elsewhere"));
         }
-        control(goOn ? "GoOnBtn" : "RecoverBtn").click();
-        EXPECT_FALSE(control<QDialog>("RecoverRunDlg").isVisible());
+        click(goOn ? "GoOnBtn" : "RecoverBtn");
+        EXPECT_FALSE(find<QDialog>("RecoverRunDlg").isVisible());
         EXPECT_EQ(volumesIn(goOn ? "results" : "elsewhere"), goOn ? 20 : 5);
         EXPECT_EQ(QFile::exists(path("cut.vcj")), !goOn);
     }
@@ -95,30 +88,30 @@ TEST_F(ReplayDialogs, WhileAnUnsavedRunIsOfferedNoneStartsByItself) {
         watch_->look();
         return display.calls.count("starting");
     };
-    offerRecovery(session, *watch_, window_);
-    EXPECT_EQ(window_.findChild<QDialog*>(), nullptr) << "there is none";
+    offerRecovery(session, *watch_, window);
+    EXPECT_EQ(window.findChild<QDialog*>(), nullptr) << "there is none";
     crash("cut.vcj", 12);
     put("next.vco", content("test-1.vco"));
     watch_->setSettingsFile(path("next.vco"));
     watch_->setAutoStart(true);
-    offerRecovery(session, *watch_, window_);
+    offerRecovery(session, *watch_, window);
     EXPECT_EQ(runsAfterALook(), 1) << "that of the set-up";
-    control("NotNowBtn").click();
+    click("NotNowBtn");
     EXPECT_EQ(runsAfterALook(), 2);
     EXPECT_TRUE(QFile::exists(path("cut.vcj")));
 
     watch_->setSettingsFile(path("next.vco"));
-    openRecoverRunDialog(session, *watch_, window_);
+    openRecoverRunDialog(session, *watch_, window);
     EXPECT_EQ(runsAfterALook(), 3);
-    EXPECT_FALSE(control<QDialog>("RecoverRunDlg").isVisible()) << "a run has begun";
+    EXPECT_FALSE(find<QDialog>("RecoverRunDlg").isVisible()) << "a run has begun";
 }
 
 TEST_F(ReplayDialogs, JournalsAreOpenedFromElsewhereAndRemoved) {
-    openRecoverRunDialog(session, *watch_, window_);
+    openRecoverRunDialog(session, *watch_, window);
     for (const char* button : {"RecoverBtn", "GoOnBtn", "RemoveBtn"})
-        EXPECT_FALSE(control(button).isEnabled()) << button;
+        EXPECT_FALSE(find(button).isEnabled()) << button;
     messages.expectFileChoice("Open File", {});
-    control("OpenBtn").click();
+    click("OpenBtn");
     put("none.vcj", "x");
     chooseFile("OpenBtn", "none.vcj", "ERROR: \"" + path("none.vcj") + "\" is not*");
     auto writer = createJournalFile(path("cut.vcj"));
@@ -129,13 +122,13 @@ TEST_F(ReplayDialogs, JournalsAreOpenedFromElsewhereAndRemoved) {
         chooseFile("OpenBtn", journal);
     EXPECT_EQ(table().rowCount(), 2) << "one of them twice";
     for (const char* button : {"RecoverBtn", "GoOnBtn"})
-        EXPECT_FALSE(control(button).isEnabled()) << button << ": that run was over and is saved";
+        EXPECT_FALSE(find(button).isEnabled()) << button << ": that run was over and is saved";
     table().selectRow(1);
-    EXPECT_TRUE(control("RecoverBtn").isEnabled());
+    EXPECT_TRUE(find("RecoverBtn").isEnabled());
     for (const bool sure : {false, true}) {
         messages.expectQuestion("Do you want to delete the journal of the run \"test\"? Its 12*",
                                 sure);
-        control("RemoveBtn").click();
+        click("RemoveBtn");
         EXPECT_EQ(table().rowCount(), sure ? 1 : 2);
         EXPECT_EQ(QFile::exists(path("cut.vcj")), !sure);
     }
@@ -143,7 +136,7 @@ TEST_F(ReplayDialogs, JournalsAreOpenedFromElsewhereAndRemoved) {
 }
 
 TEST_F(ReplayDialogs, AReplayTellsWhatWillHappenAndPlaysIt) {
-    openReplayRunDialog(session, *watch_, window_);
+    openReplayRunDialog(session, *watch_, window);
     EXPECT_EQ(field("RunEdit"), path("results/test.fmr"));
     EXPECT_EQ(field("FolderEdit"), path("results/replay/"));
     EXPECT_TRUE(label("PlanInfo").startsWith("The 20 volumes of \"test\""));
@@ -152,7 +145,7 @@ TEST_F(ReplayDialogs, AReplayTellsWhatWillHappenAndPlaysIt) {
     put("other.vco", content("test-1.vco"));
     chooseFile("BrowseSettingsBtn", "other.vco");
     EXPECT_TRUE(label("PlanInfo").contains("with \"other.vco\", one every 2000 ms"));
-    control("FastBtn").click();
+    click("FastBtn");
     EXPECT_TRUE(label("PlanInfo").contains("as fast as it goes"));
 
     const std::tuple<const char*, QString, QString> faults[] = {
@@ -162,26 +155,26 @@ TEST_F(ReplayDialogs, AReplayTellsWhatWillHappenAndPlaysIt) {
     for (const auto& [name, wrong, right] : faults) {
         enter(name, wrong);
         messages.expectWarning("ERROR: " + label("PlanInfo"));
-        control("OkBtn").click();
-        EXPECT_EQ(control<QDialog>("ReplayRunDlg").focusWidget(), &control<QLineEdit>(name));
+        click("OkBtn");
+        EXPECT_EQ(find<QDialog>("ReplayRunDlg").focusWidget(), &find<QLineEdit>(name));
         enter(name, right);
     }
     messages.expectInformation("INFO: The results of \"run.vcj\" are in folder*");
-    control("OkBtn").click();
-    EXPECT_FALSE(control<QDialog>("ReplayRunDlg").isVisible());
+    click("OkBtn");
+    EXPECT_FALSE(find<QDialog>("ReplayRunDlg").isVisible());
     EXPECT_EQ(volumesIn("training"), 20);
 
     messages.expectInformation("INFO: The results of \"test.fmr\" are in folder*");
-    openReplayRunDialog(session, *watch_, window_);
-    control("FastBtn").click();
-    control("OkBtn").click();
+    openReplayRunDialog(session, *watch_, window);
+    click("FastBtn");
+    click("OkBtn");
     EXPECT_EQ(volumesIn("results/replay"), 20) << "a project, with its own settings";
 }
 
 TEST_F(ReplayDialogs, EveryControlExplainsItselfAndFitsTheScreen) {
     crash("cut.vcj", 12);
-    openRecoverRunDialog(session, *watch_, window_);
-    openReplayRunDialog(session, *watch_, window_);
-    for (const auto* dialog : window_.findChildren<QDialog*>())
+    openRecoverRunDialog(session, *watch_, window);
+    openReplayRunDialog(session, *watch_, window);
+    for (const auto* dialog : window.findChildren<QDialog*>())
         expectExplained(*dialog);
 }
