@@ -96,20 +96,29 @@ def rows_of(pattern, studies, x, transformation, corrects):
     return values + [before, lag_one(residuals)]
 
 
-def show(*cells):
-    print(*[c if isinstance(c, str) else f"{c:.12g}" for c in cells], sep="\t")
+def show(name, *values):
+    print(name, *[f"{value:.12g}" for value in values], sep="\t")
 
 
+# Voxels of a pattern hold its samples, study after study; rows of a design follow each other.
+for k in range(PATTERNS):
+    show(f"samples {k}", *numpy.concatenate([samples(k, s) for s in range(len(LENGTHS))]))
+for name, studies, others in (("run", 1, 2), ("no constant", 1, 1), ("zeros", 1, 3),
+                              ("common", 3, 3), ("studies", 3, 3), ("subjects", 3, 3)):
+    x = design(studies, name)
+    show(f"design {name}", *x.ravel())
+    conditions = x.shape[1] - others
+    show(f"conditions {name}", *[j % 2 if j < conditions else -1 for j in range(x.shape[1])])
 for name, studies, layout, transformation, corrects in CASES:
     x = design(studies, layout)
     found = [rows_of(k, studies, x, transformation, corrects) for k in range(PATTERNS)]
     for k, values in enumerate(found):
-        show(name, f"voxel {k}", *values)
-    show(name, "inverse", *numpy.linalg.pinv(x.T @ x).ravel())
+        show(f"{name}: voxel {k}", *values)
+    show(f"{name}: inverse", *numpy.linalg.pinv(x.T @ x).ravel())
     if corrects:
         inside = numpy.array([values for values in found if values[1] > 0])
-        show(name, "means", *inside[:, -2:].mean(axis=0))
+        show(f"{name}: means", *inside[:, -2:].mean(axis=0))
         xs = numpy.split(x, numpy.cumsum(LENGTHS[:studies])[:-1])
         for number in (0, 13, 19):
             w = numpy.vstack(whitened(xs, (number + 1) / 20))
-            show(name, f"bin {number}", *numpy.linalg.pinv(w.T @ w).ravel())
+            show(f"{name}: bin {number}", *numpy.linalg.pinv(w.T @ w).ravel())

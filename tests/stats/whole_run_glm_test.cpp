@@ -2,46 +2,24 @@
 #include <gtest/gtest.h>
 
 #include "stats/whole_run_glm.h"
-#include "support/files.h"
+#include "support/expected_table.h"
 #include "support/recorded_progress.h"
 #include "support/scripted_messages.h"
 #include "volume/fmr_project.h"
 
 #include <QTemporaryDir>
 #include <cmath>
-#include <map>
 
 namespace {
 
-// Samples and designs are those of make_whole_run_expected.py, in which they are written once more.
+// Samples, designs and expected models are in a table of make_whole_run_expected.py.
 
 constexpr int lengths[] = {61, 45, 50};
-constexpr int subjects[] = {0, 0, 1};
 constexpr size_t nrOfPatterns = 8;       ///< of voxels, in turn
 constexpr VolumeSize size = {17, 16, 2}; ///< a slice is a full block and a part of one
 
-int sixteenths(int condition, int study, int t) {
-    const bool on = (t + 4 * study) / 6 % 3 == condition + 1;
-    return on ? (t * (3 + 2 * condition) + study * 5) % 17 : 0;
-}
-
-std::vector<int> samplesOf(int pattern, int study) {
-    std::vector<int> values;
-    uint32_t state = uint32_t(12345 + 977 * pattern + 7919 * study);
-    int noise = 0;
-    for (int t = 0; t < lengths[study]; ++t) {
-        state = (state * 1103515245u + 12345u) & 0x7fffffffu;
-        noise = (noise * (pattern % 4) >> 2) + int((state >> 16) % 61) - 30;
-        values.push_back(pattern == 6 ? 500
-                                      : 200 + 4900 * pattern % 31000 + 40 * study + noise + t / 4 +
-                                            (pattern * sixteenths(0, study, t) >> 1) -
-                                            sixteenths(1, study, t));
-    }
-    if (pattern == 5 && study > 0) // where the second value stands in for the first
-        values[0] = -20000;
-    if (pattern == 7 && study == 1) // just at the limit
-        values[1] = values.back() = 100;
-    return values;
+template<typename Number = double> std::vector<Number> inTable(const std::string& name) {
+    return expectedNumbers<Number>("stats/expected_whole_run.tsv", name.c_str());
 }
 
 FMRProject projectOf(int nrOfStudies) {
@@ -49,72 +27,25 @@ FMRProject projectOf(int nrOfStudies) {
     project.ResolutionX = size.x;
     project.ResolutionY = size.y;
     project.NrOfSlices = size.slices;
-    project.NrOfVolumes = 0;
-    for (int s = 0; s < nrOfStudies; ++s)
-        project.NrOfVolumes += lengths[s];
+    project.NrOfVolumes = std::accumulate(lengths, lengths + nrOfStudies, 0);
     EXPECT_TRUE(project.allocateVolumes());
-    for (size_t pattern = 0; pattern < nrOfPatterns; ++pattern)
-        for (size_t volume = 0, s = 0; s < size_t(nrOfStudies); ++s)
-            for (const int sample : samplesOf(int(pattern), int(s))) {
-                for (size_t v = pattern; v < size.samples(); v += nrOfPatterns)
-                    project.volumes[volume][v] = int16_t(sample);
-                ++volume;
-            }
+    for (size_t pattern = 0; pattern < nrOfPatterns; ++pattern) {
+        const auto samples = inTable<int16_t>("samples " + std::to_string(pattern));
+        for (size_t t = 0; t < project.volumes.size(); ++t)
+            for (size_t v = pattern; v < size.samples(); v += nrOfPatterns)
+                project.volumes[t][v] = samples[t];
+    }
     return project;
-}
-
-/// The values of a row besides those of the two conditions.
-std::vector<float> confounds(const std::string& layout, int t) {
-    const float trend = float(t) / 64.0f;
-    if (layout == "run")
-        return {1.0f, trend};
-    return layout == "zeros" ? std::vector<float>{0.0f, 1.0f, trend} : std::vector<float>{trend};
 }
 
 WholeRunDesign designOf(int nrOfStudies, const std::string& layout) {
     WholeRunDesign design;
-    for (int s = 0; s < nrOfStudies; ++s) {
+    for (int s = 0; s < nrOfStudies; ++s)
         design.studies.emplace_back().dataPoints = lengths[s];
-        for (int t = 0; t < lengths[s]; ++t) {
-            std::vector<float> row(2);
-            size_t group = 0;
-            if (nrOfStudies == 1) {
-                for (const float value : confounds(layout, t))
-                    row.push_back(value);
-            } else {
-                const size_t groups = layout == "common" ? 1 : layout == "studies" ? 3 : 2;
-                group = layout == "studies" ? size_t(s) : groups == 2 ? size_t(subjects[s]) : 0;
-                row.assign(2 * groups + 3, 0.0f);
-                row[2 * groups + size_t(s)] = 1.0f;
-            }
-            for (int j = 0; j < 2; ++j)
-                row[2 * group + size_t(j)] = float(sixteenths(j, s, t)) / 16.0f;
-            design.GLMDesign.insert(design.GLMDesign.end(), row.begin(), row.end());
-            design.predictors.resize(row.size());
-        }
-    }
-    const size_t others =
-        nrOfStudies == 3 ? 3 : confounds(layout, 0).size(); // behind the conditions
-    for (size_t j = 0; j < design.predictors.size(); ++j)
-        design.conditionOfColumn.push_back(j + others < design.predictors.size() ? int(j % 2) : -1);
+    design.GLMDesign = inTable<float>("design " + layout);
+    design.conditionOfColumn = inTable<int>("conditions " + layout);
+    design.predictors.resize(design.conditionOfColumn.size());
     return design;
-}
-
-using Table = std::map<std::string, std::vector<double>>;
-
-/// Lines of the table by case and name.
-const Table& expectedTable() {
-    static const Table table = [] {
-        Table lines;
-        for (const QByteArray& line :
-             contentOf(VELO_SOURCE_DIR "/tests/stats/expected_whole_run.tsv").split('\n')) {
-            const QList<QByteArray> cells = line.split('\t');
-            for (qsizetype i = 2; i < cells.size(); ++i)
-                lines[(cells[0] + ": " + cells[1]).toStdString()].push_back(cells[i].toDouble());
-        }
-        return lines;
-    }();
-    return table;
 }
 
 struct Case {
@@ -128,14 +59,13 @@ struct Case {
 
 class WholeRun : public testing::TestWithParam<Case> {
 protected:
-    void expectLine(const std::string& name, std::span<const float> found) const {
-        const std::string key = GetParam().name + (": " + name);
-        ASSERT_TRUE(expectedTable().contains(key)) << key;
-        const std::vector<double>& exact = expectedTable().at(key);
-        ASSERT_EQ(found.size(), exact.size()) << key;
+    static std::vector<double> expected(const std::string& name) {
+        return inTable(GetParam().name + (": " + name));
+    }
+    static void expectNear(std::span<const float> found, const std::vector<double>& exact) {
+        ASSERT_EQ(found.size(), exact.size());
         for (size_t i = 0; i < exact.size(); ++i)
-            EXPECT_NEAR(double(found[i]), exact[i], 2e-7 * std::abs(exact[i]) + 2e-9)
-                << key << " " << i;
+            EXPECT_NEAR(double(found[i]), exact[i], 2e-7 * std::abs(exact[i]) + 2e-9) << i;
     }
 };
 
@@ -152,28 +82,31 @@ TEST_P(WholeRun, IsThatOfLeastSquaresInDouble) {
     EXPECT_TRUE(model.isValid());
     EXPECT_EQ(model.GLMType, 2);
     EXPECT_EQ(progress.values, (std::vector<int>{50, 100}));
-    for (size_t v = 0; v < size.samples(); ++v) {
-        std::vector<float> found;
-        for (int row = 0; row < model.nrOfMapRows(); ++row)
-            found.push_back(model.row(row)[v]);
-        expectLine("voxel " + std::to_string(v % nrOfPatterns), found);
+    for (size_t pattern = 0; pattern < nrOfPatterns; ++pattern) {
+        const std::vector<double> exact = expected("voxel " + std::to_string(pattern));
+        for (size_t v = pattern; v < size.samples(); v += nrOfPatterns) {
+            SCOPED_TRACE(v);
+            std::vector<float> found;
+            for (int row = 0; row < model.nrOfMapRows(); ++row)
+                found.push_back(model.row(row)[v]);
+            expectNear(found, exact);
+        }
     }
-    expectLine("inverse", model.GLMInverse);
+    expectNear(model.GLMInverse, expected("inverse"));
     EXPECT_EQ(model.rank, model.GLMPredictors() - each.missingDirections);
     if (!each.corrects) {
         EXPECT_EQ(model.MeanAR1Before, -2.0f);
         EXPECT_EQ(model.MeanAR1After, -2.0f);
         return;
     }
-    expectLine("means", std::array{model.MeanAR1Before, model.MeanAR1After});
-    const auto inverses = model.binInverses;
-    model.binInverses.clear();
+    expectNear(std::array{model.MeanAR1Before, model.MeanAR1After}, expected("means"));
+    const auto inverses = std::exchange(model.binInverses, {});
     model.rank = 0;
     ASSERT_TRUE(deriveFromDesign(model));
     EXPECT_EQ(model.binInverses, inverses);
     EXPECT_EQ(model.rank, model.GLMPredictors() - each.missingDirections);
     for (const size_t bin : {0, 13, 19})
-        expectLine("bin " + std::to_string(bin), inverses[bin]);
+        expectNear(inverses[bin], expected("bin " + std::to_string(bin)));
 }
 
 constexpr auto none = ZTransformation::None;
@@ -208,30 +141,42 @@ private:
 TEST(WholeRunStops, LeavingNothing) {
     struct Stop {
         WholeRunFit result;
-        int badSlice;
-        int cancelAt; ///< percent
-        VolumeSize volume;
-        int morePoints;
-        const char* message;
+        const char* message = nullptr;
+        int badSlice = 9;
+        int cancelAt = 101; ///< percent
+        VolumeSize volume = size;
+        std::function<void(WholeRunDesign&)> damage = [](WholeRunDesign&) {};
     };
     using enum WholeRunFit;
-    const VolumeSize huge = {32767, 32767, 30000};
     const char* const points =
         "ERROR: Different number of time points between design matrix and data files!";
     const char* const memory = "ERROR: Insufficient memory for creating GLM data structure!";
+    const char* const wrongSize = "ERROR: Wrong size of filled design matrix elements";
+    const char* const infinite =
+        "ERROR: The design matrix contains values that are not finite numbers.";
+    const auto addPoint = [](WholeRunDesign& design) {
+        ++design.studies[0].dataPoints;
+        design.GLMDesign.insert(design.GLMDesign.end(), 4, 1.0f);
+    };
     const Stop stops[] = {
-        {Cancelled, 9, 50, size, 0, nullptr},     {Cancelled, 9, 100, size, 0, nullptr},
-        {Failed, 1, 101, size, 0, nullptr},       {Failed, 9, 101, size, 1, points},
-        {Failed, 9, 101, {17, 16, 3}, 0, points}, {Failed, 9, 101, huge, 0, memory}};
+        {.result = Cancelled, .cancelAt = 50},
+        {.result = Cancelled, .cancelAt = 100},
+        {.result = Failed, .badSlice = 1},
+        {.result = Failed, .message = points, .volume = {17, 16, 3}},
+        {.result = Failed, .message = memory, .volume = {32767, 32767, 30000}},
+        {.result = Failed, .message = points, .damage = addPoint},
+        {.result = Failed, .message = infinite, .damage = [](auto& d) { d.GLMDesign[7] = NAN; }},
+        {.result = Failed, .message = wrongSize, .damage = [](auto& d) { d.GLMDesign.pop_back(); }},
+        {.result = Failed, .message = wrongSize, .damage = [](auto& d) { d.studies.resize(2); }},
+        {.result = Failed, .message = wrongSize, .damage = [](auto& d) { d = {}; }}};
+    const FMRProject project = projectOf(1);
     for (const Stop& stop : stops) {
+        SCOPED_TRACE(&stop - stops);
         ScriptedMessages messages;
         if (stop.message != nullptr)
             messages.expectCritical(stop.message);
-        const FMRProject project = projectOf(1);
         WholeRunDesign design = designOf(1, "run");
-        design.studies[0].dataPoints += stop.morePoints;
-        for (int i = 0; i < 4 * stop.morePoints; ++i)
-            design.GLMDesign.push_back(1.0f);
+        stop.damage(design);
         DamagedRun samples(project, stop.badSlice);
         RecordedProgress progress;
         progress.cancelAt = stop.cancelAt;
@@ -240,26 +185,6 @@ TEST(WholeRunStops, LeavingNothing) {
         EXPECT_TRUE(model.GLMMaps.empty() && model.GLMDesign.empty() && model.studies.empty());
         EXPECT_EQ(model.GLMType, 1);
     }
-}
-
-TEST(WholeRunStops, AtDesignsThatAreDamaged) {
-    const auto refuse = [](const WholeRunDesign& design, const QString& message) {
-        ScriptedMessages messages;
-        messages.expectCritical(message);
-        const FMRProject project = projectOf(1);
-        RunInMemory samples(project);
-        RecordedProgress progress;
-        WholeRunModel model;
-        EXPECT_EQ(fitWholeRunModel(model, design, size, samples, progress), WholeRunFit::Failed);
-    };
-    WholeRunDesign design = designOf(1, "run");
-    design.GLMDesign[7] = NAN;
-    refuse(design, "ERROR: The design matrix contains values that are not finite numbers.");
-    design.GLMDesign.pop_back();
-    refuse(design, "ERROR: Wrong size of filled design matrix elements");
-    design.studies.emplace_back();
-    refuse(design, "ERROR: Wrong size of filled design matrix elements");
-    refuse({}, "ERROR: Wrong size of filled design matrix elements");
 }
 
 TEST(WholeRunDesignText, HasALineForEachPoint) {
