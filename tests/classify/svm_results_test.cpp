@@ -32,41 +32,36 @@ const QByteArray threeClassModel =
     "label 3 1 2\nnr_sv 1 2 1\nSV\n"
     "0.5 0.25 1:1 3:2 \n-0.3 0.7 2:1 \n-0.2 0 1:4 \n-0.25 -0.7 3:1 \n";
 
-struct TwoLabels {
-    const char* labels;
-    double first, second; ///< class 1 and 2
-    bool flipped;
-};
-
-class TwoClassModel : public testing::TestWithParam<TwoLabels> {};
-
-TEST_P(TwoClassModel, SpeaksForItsClass1WhateverTheOrderOfItsLabels) {
-    const auto& [labels, first, second, flipped] = GetParam();
-    const SVMModel model = loaded(twoClassModel(labels));
-    const double sign = flipped ? -1.0 : 1.0;
-    EXPECT_EQ(signIsFlipped(model), flipped);
-    for (const double feature : {1.0, -1.0}) {
-        const SVMPrediction prediction = predict(model, std::vector{feature});
-        EXPECT_EQ(prediction.output, sign * (4.0 * feature - 1.0));
-        EXPECT_EQ(prediction.pairValues, std::vector{prediction.output});
-        EXPECT_EQ(prediction.classNumber, prediction.output > 0.0 ? 1 : 2);
-        EXPECT_EQ(prediction.label, prediction.output > 0.0 ? first : second);
+TEST(TwoClassModel, SpeaksForItsClass1WhateverTheOrderOfItsLabels) {
+    struct Case {
+        const char* labels;
+        double first, second; ///< class 1 and 2
+        bool flipped;
+    };
+    for (const Case& c : {Case{"1 -1", 1, -1, false},
+                          {"-1 1", 1, -1, true},
+                          {"1 2", 1, 2, false},
+                          {"2 1", 1, 2, true},
+                          {"4 3", 4, 3, false},
+                          {"-2 3", 3, -2, true}}) {
+        SCOPED_TRACE(c.labels);
+        const SVMModel model = loaded(twoClassModel(c.labels));
+        const double sign = c.flipped ? -1.0 : 1.0;
+        EXPECT_EQ(signIsFlipped(model), c.flipped);
+        for (const double feature : {1.0, 0.25, -1.0}) { // a value of exactly 0 is class 2
+            const SVMPrediction prediction = predict(model, std::vector{feature});
+            EXPECT_EQ(prediction.output, sign * (4.0 * feature - 1.0));
+            EXPECT_EQ(prediction.pairValues, std::vector{prediction.output});
+            EXPECT_EQ(prediction.classNumber, prediction.output > 0.0 ? 1 : 2);
+            EXPECT_EQ(prediction.label, prediction.output > 0.0 ? c.first : c.second);
+        }
+        const std::vector<SVMWeights> weights = svmWeights(model);
+        ASSERT_EQ(weights.size(), 1U);
+        EXPECT_EQ(weights[0].label, c.first);
+        EXPECT_EQ(weights[0].values, std::vector{sign * 4.0});
+        EXPECT_EQ(svmConstants(model), std::vector{-sign});
     }
-    // A value of exactly 0 is class 2.
-    EXPECT_EQ(predict(model, std::vector{0.25}).classNumber, 2);
-    EXPECT_EQ(predict(model, std::vector{0.25}).label, second);
-    const std::vector<SVMWeights> weights = svmWeights(model);
-    ASSERT_EQ(weights.size(), 1U);
-    EXPECT_EQ(weights[0].label, first);
-    EXPECT_EQ(weights[0].values, std::vector{sign * 4.0});
-    EXPECT_EQ(svmConstants(model), std::vector{-sign});
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Labels, TwoClassModel,
-    testing::Values(TwoLabels{"1 -1", 1, -1, false}, TwoLabels{"-1 1", 1, -1, true},
-                    TwoLabels{"1 2", 1, 2, false}, TwoLabels{"2 1", 1, 2, true},
-                    TwoLabels{"4 3", 4, 3, false}, TwoLabels{"-2 3", 3, -2, true}));
 
 TEST(SVMWeights, OfSeveralClassesAddTheirPairsByRisingLabel) {
     const SVMModel model = loaded(threeClassModel);

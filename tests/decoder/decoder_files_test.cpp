@@ -38,19 +38,14 @@ void expectRefusedWhereCut(const QByteArray& whole, qsizetype shortest, const Pa
         EXPECT_FALSE(parse(QString::fromUtf8(whole.left(size)))) << size;
 }
 
-struct Change {
-    const char* from;
-    const char* to;
-};
+using Changes = std::vector<std::pair<const char*, const char*>>;
 
 template<typename Parse>
-void expectRefused(const QByteArray& whole, const std::vector<Change>& changes,
-                   const Parse& parse) {
-    for (const Change& change : changes) {
-        QByteArray text = whole;
-        text.replace(change.from, change.to);
-        ASSERT_NE(text, whole) << change.from;
-        EXPECT_FALSE(parse(QString::fromUtf8(text))) << change.from << " -> " << change.to;
+void expectRefused(const QByteArray& whole, const Changes& changes, const Parse& parse) {
+    for (const auto& [from, to] : changes) {
+        const QByteArray text = QByteArray(whole).replace(from, to);
+        ASSERT_NE(text, whole) << from;
+        EXPECT_FALSE(parse(QString::fromUtf8(text))) << from << " -> " << to;
     }
 }
 
@@ -133,10 +128,8 @@ TEST(DecoderSettingsFile, IsRefusedWhereItIsDamaged) {
                    {"SkipAtEndOfWindow:       -1", "SkipAtEndOfWindow: -100001"},
                    {"SkipAtEndOfWindow", "SkipAtBeginOfWindow"},
                    {"IdealResponseWindowSize: 40", "IdealResponseWindowSize: 39"},
-                   {"IdealResponseWindowSize: 40", "IdealResponseWindowSize: 40.5"},
                    {"Mode:          1", "Mode: 0"},
                    {"Mode:          1", "Mode: 4"},
-                   {"0.3", "0,3"},
                    {"0.3", "nan"},
                    {"0.3", "-0.1"},
                    {"0.3", "1.01"},
@@ -147,7 +140,6 @@ TEST(DecoderSettingsFile, IsRefusedWhereItIsDamaged) {
                    {"Lines:      2", "Lines: 1"},
                    {"Lines:      2", "Lines: 3"},
                    {"Lines:      2", "Lines: -1"},
-                   {"Lines:      2", "Lines: 2147483647"},
                    {"7.5", "-0.5"},
                    {"7.5", "x"},
                    {"250", "100001"}},
@@ -218,21 +210,22 @@ TEST_F(CurveFiles, ReferencesAreReadAndWrittenByteForByte) {
         "*", "The file \"" + path() + "\" has 2 points, but the window of ideal responses 3."));
     EXPECT_FALSE(loadReferences(path(), 3));
     EXPECT_TRUE(loadReferences(path(), 2));
-    for (const Change& change : {Change{"NrOfDataPoints:  2", "NrOfDataPoints:  3"},
-                                 {"NrOfDataPoints:  2", "NrOfDataPoints:  0"},
-                                 {"NrOfDataPoints:  2", "NrOfDataPoints:  -2147483648"},
-                                 {"NrOfPredictors:  9", "NrOfPredictors:  2147483647"},
-                                 {"DesignMatrix", "Motion"},
-                                 {"FileVersion:     2", "FileVersion: 1"},
-                                 {"106.000000", "nan"},
-                                 {"106.000000", "1e39"}}) {
+    const auto expectProblem = [&](const QByteArray& damaged) {
         messages_.expectInformation(problem);
-        EXPECT_FALSE(referencesOf(QByteArray(text).replace(change.from, change.to))) << change.to;
-    }
+        EXPECT_FALSE(referencesOf(damaged)) << damaged.toStdString();
+    };
+    const Changes changes = {{"NrOfDataPoints:  2", "NrOfDataPoints:  3"},
+                             {"NrOfDataPoints:  2", "NrOfDataPoints:  0"},
+                             {"NrOfDataPoints:  2", "NrOfDataPoints:  -2147483648"},
+                             {"NrOfPredictors:  9", "NrOfPredictors:  2147483647"},
+                             {"DesignMatrix", "Motion"},
+                             {"106.000000", "nan"},
+                             {"106.000000", "1e39"}};
+    for (const auto& [from, to] : changes)
+        expectProblem(QByteArray(text).replace(from, to));
+    expectProblem(seriesText(9, "1 2"));
     messages_.expectInformation(problem);
     EXPECT_FALSE(loadReferences("/nowhere/a.rtc"));
-    messages_.expectInformation(problem);
-    EXPECT_FALSE(referencesOf(seriesText(9, "1 2")));
     messages_.expectWarning("This file must contain 9 time courses but has 2");
     EXPECT_FALSE(referencesOf("FileVersion: 2 Type: DesignMatrix NrOfPredictors: 2 "
                               "NrOfDataPoints: 1 \"a\" \"b\" 1 2"));
