@@ -34,11 +34,11 @@ bool isBlank(LetterMatrix& matrix, QChar letter) {
     return cell == plain;
 }
 
-QStringList legends(const Plotter& plot) {
+QString legends(const Plotter& plot) {
     QStringList names;
     for (const PlotCurve& curve : plot.content().curves)
         names << curve.legend;
-    return names;
+    return names.join(',');
 }
 
 } // namespace
@@ -189,26 +189,24 @@ TEST_F(DecodingWindow, TheTimerTakesTheVolumesOfTheFile) {
 
 TEST_F(DecodingWindow, ChoosesTheCurvesOfTheDataPlot) {
     prepareOffline();
-    const std::pair<const char*, QString> cases[] = {
-        {"TaskCurvesAction", "VOI Task 1,VOI Task 2,VOI Task 3"},
-        {"SMACurvesAction", "SMA 1,SMA 2,SMA 3"},
-        {"TaskAndSMA1Action", "VOI Task 1,SMA 1"},
-        {"TaskAndSMA2Action", "VOI Task 2,SMA 2"},
-        {"TaskAndSMA3Action", "VOI Task 3,SMA 3"},
-        {"AllCurvesAction", "VOI Task 1,VOI Task 2,VOI Task 3,SMA 1,SMA 2,SMA 3"}};
     const auto& plot = find<Plotter>("DataPlotter");
-    for (const auto& [action, expected] : cases) {
+    for (const auto& [action, expected] :
+         {std::pair("TaskCurvesAction", "VOI Task 1,VOI Task 2,VOI Task 3"),
+          {"SMACurvesAction", "SMA 1,SMA 2,SMA 3"},
+          {"TaskAndSMA1Action", "VOI Task 1,SMA 1"},
+          {"TaskAndSMA2Action", "VOI Task 2,SMA 2"},
+          {"TaskAndSMA3Action", "VOI Task 3,SMA 3"},
+          {"AllCurvesAction", "VOI Task 1,VOI Task 2,VOI Task 3,SMA 1,SMA 2,SMA 3"}}) {
         trigger(action);
-        EXPECT_EQ(legends(plot).join(','), expected);
+        EXPECT_EQ(legends(plot), expected);
     }
     EXPECT_EQ(plot.content().curves[0].values.size(), size_t(nrOfVolumes()));
     trigger("ManageDataCurvesAction");
     EXPECT_TRUE(find<QCheckBox>("DataCurve2Op").isVisible());
     click("DataCurve2Op");
-    EXPECT_FALSE(legends(plot).contains("VOI Task 2"));
     trigger("NextLetterAction");
     EXPECT_EQ(plot.content().title, "Window of letter 1");
-    EXPECT_EQ(legends(plot).size(), 5);
+    EXPECT_EQ(legends(plot), "VOI Task 1,VOI Task 3,SMA 1,SMA 2,SMA 3");
     trigger("ManageDataCurvesAction");
     EXPECT_FALSE(find<QCheckBox>("DataCurve2Op").isVisible());
 
@@ -216,7 +214,7 @@ TEST_F(DecodingWindow, ChoosesTheCurvesOfTheDataPlot) {
     ofThree.settings.NrOfDataROIs = 3;
     ASSERT_TRUE(session.decoder.prepare(ofThree));
     trigger("AllCurvesAction");
-    EXPECT_EQ(legends(plot).size(), 3) << "those of missing ROIs";
+    EXPECT_EQ(legends(plot), "VOI Task 1,VOI Task 2,VOI Task 3") << "others are missing";
 }
 
 TEST_F(DecodingWindow, TheDecoderWorksWhileTheWindowIsShown) {
