@@ -78,48 +78,39 @@ TEST(CurrentTrial, IsTheLatestOfAllConditionsButTheFirst) {
 
 TEST_F(LiveClassifierTest, TrialEndsAreDueOneVolumeBeforeTheirWindowIsComplete) {
     options.mode = PredictionMode::EndOfTrial;
-    struct Case {
-        int pre, post;
-        bool useDuration;
-        std::vector<int> due;
-    };
-    const Case cases[] = {
+    using Due = std::vector<int>;
+    const std::tuple<int, int, bool, Due> cases[] = {
         {2, 5, false, {14, 24, 34}}, {2, 5, true, {17, 27, 35}}, {2, 9, false, {18, 28, 38}},
         {2, 10, false, {39}}, // the others are replaced before they are due
         {2, 11, false, {}},          {2, 0, false, {9, 19, 29}}, {33, 5, false, {14, 24, 34}},
         {34, 5, false, {}}};
-    for (const Case& c : cases) {
-        options.trial.preOnset = c.pre;
-        options.trial.postOnset = c.post;
-        options.trial.useTrialDuration = c.useDuration;
-        EXPECT_EQ(predictions(), c.due) << c.pre << ' ' << c.post << ' ' << c.useDuration;
+    for (const auto& [pre, post, useDuration, due] : cases) {
+        options.trial.preOnset = pre;
+        options.trial.postOnset = post;
+        options.trial.useTrialDuration = useDuration;
+        EXPECT_EQ(predictions(), due) << pre << ' ' << post << ' ' << useDuration;
     }
 }
 
 TEST_F(LiveClassifierTest, WithinAConditionEachVolumeFromDelayToDelayedEndIsDue) {
-    struct Case {
-        int pre, delay, post;
-        bool useDuration;
-        std::vector<int> due;
-    };
-    const std::vector<int> usual{11, 12, 13, 14, 21, 22, 23, 24, 31, 32};
-    const std::vector<int> longer{11, 12, 13, 14, 15, 16, 17, 21, 22, 23,
-                                  24, 25, 26, 27, 31, 32, 33, 34, 35};
-    const Case cases[] = {
+    using Due = std::vector<int>;
+    const Due usual{11, 12, 13, 14, 21, 22, 23, 24, 31, 32};
+    const Due longer{11, 12, 13, 14, 15, 16, 17, 21, 22, 23, 24, 25, 26, 27, 31, 32, 33, 34, 35};
+    const std::tuple<int, int, int, bool, Due> cases[] = {
         {1, 2, 0, false, usual}, {36, 2, 0, false, usual},
         {37, 2, 0, false, {}},                               // 40 points are not below 40 volumes
         {36, 2, 0, true, {}},    {35, 2, 0, true, {31, 32}}, // the third trial is shorter by 2
         {34, 2, 3, false, {}},   {1, 0, 0, false, {9, 10, 11, 12, 19, 20, 21, 22, 29, 30}},
         {1, 2, 3, false, longer}};
-    for (const Case& c : cases) {
-        options.pointPreOnset = c.pre;
-        options.haemodynamicDelay = c.delay;
-        options.postCondition = c.post;
-        options.trial.useTrialDuration = c.useDuration;
-        EXPECT_EQ(predictions(), c.due) << c.pre << ' ' << c.delay << ' ' << c.post;
+    for (const auto& [pre, delay, post, useDuration, due] : cases) {
+        options.pointPreOnset = pre;
+        options.haemodynamicDelay = delay;
+        options.postCondition = post;
+        options.trial.useTrialDuration = useDuration;
+        EXPECT_EQ(predictions(), due) << pre << ' ' << delay << ' ' << post;
     }
     options.mode = PredictionMode::Continuous;
-    EXPECT_EQ(predictions(), std::vector<int>{});
+    EXPECT_EQ(predictions(), Due{});
 }
 
 TEST_F(LiveClassifierTest, EstimatesAndPredictsAsOffline) {

@@ -191,17 +191,12 @@ TEST(FeatureScaling, IsReportedAndKeptInAFile) {
     const QString text = scalingText(learnScaling(threeExemplars(), {ScalingMode::Standardize}));
     constexpr std::pair<const char*, const char*> damages[] = {
         {"FileVersion:  1", "FileVersion:  2"},
-        {"RangeLow:     -1", "RangeLow:     x"},
         {"Mode:  1", "Mode:  3"},
-        {"Mode:  1", "Mode:  -1"},
         {"Mode:  1", "Mode:  0"},
-        {"Features: 3", "Features: 0"},
         {"5 1\n", "5 0\n"},
         {"Features: 3", "Features: 2147483647"},
         {"5 1\n", "nan 1\n"},
-        {"RangeLow", "RangeHigh"},
-        {"NrOf", "No"},
-        {"RangeHigh", "RangeLow"}};
+        {"RangeLow", "RangeHigh"}};
     for (const auto& [from, to] : damages)
         EXPECT_FALSE(parseScaling(QString(text).replace(from, to))) << to;
 }

@@ -198,56 +198,22 @@ TEST(LetterDecoder, NeedsFittingReferencesAndROIs) {
     EXPECT_EQ(decoder.currentVolume(), -1);
 }
 
-TEST(LetterDecoding, TheBaseIsOfPointsThatAreCompared) {
-    DecoderSettings settings;
-    settings.MeanForPercSignalFrom = 1;
-    settings.MeanForPercSignalTo = 5;
-    const std::vector<float> window{3, 2, 6};
-    EXPECT_EQ(percentSignal(settings, std::span(window).first(2)), (std::vector<float>{150, 100}));
-    EXPECT_EQ(percentSignal(settings, std::span(window).first(1)), (std::vector<float>{3}));
-    settings.SkipAtEndOfWindow = settings.FullWindowSize - settings.SkipAtBeginOfWindow - 2;
-    EXPECT_EQ(percentSignal(settings, window), (std::vector<float>{150, 100, 300}));
-    EXPECT_FALSE(decoderSettingsFault(settings).isEmpty());
-    settings.MeanForPercSignalTo = 1;
-    EXPECT_TRUE(decoderSettingsFault(settings).isEmpty());
-}
-
 TEST(DecoderSettings, SayWhichHelpersAreMissing) {
-    const struct {
-        int nrOfROIs;
-        HelperVOIs mode;
-        bool useBeta;
-        const char* note;
-    } cases[] = {
-        {3, HelperVOIs::Both, true,
-         "Helper ROIs 1 to 3 are missing: the shape of their tasks counts half"},
-        {4, HelperVOIs::OnlyHelpers, true,
+    using enum HelperVOIs;
+    const std::tuple<int, HelperVOIs, bool, const char*> cases[] = {
+        {3, Both, true, "Helper ROIs 1 to 3 are missing: the shape of their tasks counts half"},
+        {4, OnlyHelpers, true,
          "Helper ROIs 2 to 3 are missing: the shape of their tasks counts as 0"},
-        {5, HelperVOIs::Both, true, "Helper ROI 3 is missing: the shape of its task counts half"},
-        {6, HelperVOIs::Both, true, ""},
-        {3, HelperVOIs::OnlyTasks, true, ""},
-        {3, HelperVOIs::OnlyHelpers, false, ""}};
+        {5, Both, true, "Helper ROI 3 is missing: the shape of its task counts half"},
+        {6, Both, true, ""},
+        {3, OnlyTasks, true, ""},
+        {3, OnlyHelpers, false, ""}};
     for (const auto& [nrOfROIs, mode, useBeta, note] : cases) {
         DecoderSettings settings;
         settings.NrOfDataROIs = nrOfROIs;
         settings.HelperVOIsMode = mode;
         settings.UseBeta = useBeta;
         EXPECT_EQ(missingHelpersNote(settings).toStdString(), note);
-    }
-}
-
-TEST(LetterDecoding, ASlopeHasItsConstant) {
-    const std::vector<float> curve{5, 7, 6, 10}, reference{2, 3, 4, 5},
-        flat{0.1f, 0.1f, 0.1f, 0.1f};
-    const std::tuple<std::span<const float>, float, float> cases[] = {
-        {reference, 1.4f, 2.1f},
-        {std::span(reference).first(3), 0.5f, 4.5f},
-        {flat, 0.0f, 7.0f},
-        {{}, 0.0f, 0.0f}};
-    for (const auto& [against, slope, constant] : cases) {
-        const LetterFit fit = fitGLMForLetter(curve, against);
-        EXPECT_FLOAT_EQ(fit.slope, slope);
-        EXPECT_FLOAT_EQ(fit.constant, constant);
     }
 }
 

@@ -97,21 +97,4 @@ TEST(BrainMask, HoldsInnerSlicesReadAsUnsigned) {
     EXPECT_EQ(run.mask.runs[1].first, 48u);
 }
 
-TEST(GLMUpdate, NoDegreesOfFreedomAndFiftyPredictors) {
-    GLMTestRun run(60);
-    for (int c = 0; c < 40; ++c)
-        run.addCondition(c % 7, 3 + c % 5);
-    run.addConfounds(10); // all but the first are equal, and so are some conditions
-    run.addContrast({1});
-    run.start({11, 12});
-    for (int t = 0; t < 60; ++t) {
-        updateGLM(run.parts(), t);
-        const bool free = t + 1 > run.glm.nrOfDirections;
-        ASSERT_EQ(run.maps.MapDF1, t < 11 ? 0 : t + 1 - run.glm.nrOfDirections);
-        for (const float value : run.maps.map(0))
-            ASSERT_TRUE(free || value == 0.0f) << t;
-    }
-    EXPECT_EQ(run.glm.nrOfDirections, 15); // singular values of NumPy above 1e-5
-}
-
 } // namespace

@@ -31,8 +31,9 @@ GLMTestRun driftingRun(int nrOfVolumes, int conditions, int driftTerms) {
 }
 
 TEST(GrowingRank, EveryDesignGivesTheLeastSquaresOfItsDirections) {
-    const std::tuple<int, int, int> cases[] = {{100, 1, 0},  {100, 4, 2}, {300, 1, 1}, {300, 1, 3},
-                                               {300, 2, 10}, {300, 4, 5}, {3000, 2, 2}};
+    const std::tuple<int, int, int> cases[] = {{100, 1, 0},  {100, 4, 2},  {300, 1, 1},
+                                               {300, 1, 3},  {300, 2, 10}, {300, 4, 5},
+                                               {3000, 2, 2}, {60, 2, 47}};
     for (const auto& [volumes, conditions, drift] : cases) {
         GLMTestRun run = driftingRun(volumes, conditions, drift);
         for (int t = 0; t < volumes; ++t) {

@@ -117,19 +117,20 @@ TEST_F(MultiStudy, TheListReadsBack) {
 
 TEST_F(MultiStudy, FilesThatAreMissingAreNotAdded) {
     MultiStudyList list;
+    const auto addA = [&] { return addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")); };
+    const QString missing =
+        "ERROR in \"addStudyAndDesignMatrix\": %1 file name  \"%2\" not found! ";
+    messages.expectCritical(missing.arg("Study", path("a.fmr")));
+    EXPECT_FALSE(addA());
     saveRun("a", 2);
-    messages.expectCritical("ERROR in \"addStudyAndDesignMatrix\": Study file name  \"" +
-                            path("x.fmr") + "\" not found! ");
-    EXPECT_FALSE(addStudyAndDesignMatrix(list, path("x.fmr"), path("a.rtc")));
-    messages.expectCritical("ERROR in \"addStudyAndDesignMatrix\": Design matrix file name  \"" +
-                            path("a.rtc") + "\" not found! ");
-    EXPECT_FALSE(addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")));
+    messages.expectCritical(missing.arg("Design matrix", path("a.rtc")));
+    EXPECT_FALSE(addA());
     messages.expectWarning("Error reading file: Unknown file format!");
     writeFile(path("a.rtc"), "GIF89a");
-    EXPECT_FALSE(addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")));
+    EXPECT_FALSE(addA());
     EXPECT_TRUE(list.studies.empty());
     saveDesign("a", 0, 2, {""});
-    EXPECT_TRUE(addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")));
+    EXPECT_TRUE(addA());
 }
 
 // Expected columns from NumPy: the box-car convolved with ((k - 2.5 s) / 1.25 s)^2

@@ -60,10 +60,11 @@ TEST_F(DecodingWindow, HasTheTextsOfItsActions) {
 
 TEST_F(DecodingWindow, NothingIsPossibleBeforeThePreparation) {
     Q_EMIT find<QMenu>("PreparationMenu").aboutToShow();
+    const QString unprepared = "The decoding is not prepared";
     for (const auto& [name, hindrance] :
-         {std::pair("NextLetterAction", "The decoding is not prepared"),
-          {"PreviousLetterAction", "The decoding is not prepared"},
-          {"ProcessLetterAction", "The decoding is not prepared"},
+         {std::pair("NextLetterAction", unprepared),
+          {"PreviousLetterAction", unprepared},
+          {"ProcessLetterAction", unprepared},
           {"ReloadROIDataAction", "Only time courses of a file are reloaded"},
           {"EmpiricalFromVCOAction", "There is no run in memory"}}) {
         EXPECT_FALSE(find<QAction>(name).isEnabled()) << name;
@@ -79,14 +80,12 @@ TEST_F(DecodingWindow, NothingIsPossibleBeforeThePreparation) {
 TEST_F(DecodingWindow, TheTimerPlaysTheSampleAsLongAsNothingIsPrepared) {
     session.decoder.setSampleFolder(path("sample"));
     EXPECT_TRUE(state().contains("sample message"));
+    const auto& timer = find<QAction>("RunWithTimerAction");
     trigger("RunWithTimerAction");
-    EXPECT_TRUE(find<QAction>("RunWithTimerAction").isChecked());
-    const QString file = path("sample/SampleMessage.rtc");
-    EXPECT_TRUE(
-        find<QPlainTextEdit>("LogEd").toPlainText().endsWith("the sample message \"" + file + '"'));
-    EXPECT_TRUE(state().endsWith("sample message " + file));
+    EXPECT_TRUE(timer.isChecked());
+    EXPECT_TRUE(state().endsWith("sample message " + path("sample/SampleMessage.rtc")));
     trigger("RunWithTimerAction");
-    EXPECT_FALSE(find<QAction>("RunWithTimerAction").isChecked());
+    EXPECT_FALSE(timer.isChecked());
     trigger("NextLetterAction");
     EXPECT_EQ(decoded()[0], "H");
 }
