@@ -33,11 +33,12 @@ TEST(IdealResponses, StandInTheFileThatComesWithTheProgram) {
     const DecoderSettings settings = defaultDecoderSettings();
     const double TR = 70000.0 / settings.FullWindowSize;
     const ReferenceCurves references = idealResponses(settings.IdealResponseWindowSize, TR);
+    const QString file = VELO_SOURCE_DIR "/src/resources/decoder/" + idealResponsesFileName;
     const QString fresh = "decoder_" + idealResponsesFileName; // in the folder of the test
+    if (contentOf(file) == referencesText(references))
+        return;
     ASSERT_TRUE(writeReferences(references, fresh));
-    EXPECT_EQ(contentOf(VELO_SOURCE_DIR "/src/resources/decoder/" + idealResponsesFileName),
-              contentOf(fresh))
-        << "The file in the tree should be " << QFileInfo(fresh).filePath().toStdString();
+    FAIL() << "The file in the tree should be " << QFileInfo(fresh).filePath().toStdString();
 }
 
 std::vector<std::vector<float>> trainingRun() {
