@@ -95,14 +95,13 @@ TEST(TrialFit, ComparesTheLastPointWithThoseBefore) {
     const TrialDesign design = lastPointDesign(5, {});
     EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::Beta, false}, samples), 18.0f);
     EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::PercentBeta, false}, samples), 150.0f);
-    // Squared residuals 8, and 3 degrees of freedom.
-    const float t = 18.0f / std::sqrt(8.0f / 3.0f * 1.25f);
-    EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::TValue, false}, samples), t);
-    EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::TValue, true}, samples), t);
-    EXPECT_FLOAT_EQ(valueOf({lastPointDesign(3, {}), TrialEstimate::Beta, true}, {1, 1, 4}),
-                    3.0f / std::sqrt(2.0f)); // three points are enough to normalize
-    EXPECT_FALSE(
-        TrialFit({lastPointDesign(3, {}), TrialEstimate::Beta, true}).skipsNormalization());
+    // Squared residuals 8, and 3 degrees of freedom, with and without normalization.
+    for (const bool normalizes : {false, true})
+        EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::TValue, normalizes}, samples),
+                        18.0f / std::sqrt(8.0f / 3.0f * 1.25f));
+    const TrialFit ofThree{lastPointDesign(3, {}), TrialEstimate::Beta, true};
+    EXPECT_FALSE(ofThree.skipsNormalization());
+    EXPECT_FLOAT_EQ(valueOf(ofThree, {1, 1, 4}), 3.0f / std::sqrt(2.0f));
     // The trend goes on: the last point lies 2 above it.
     EXPECT_NEAR(valueOf({lastPointDesign(5, trend), TrialEstimate::Beta, false}, {5, 6, 7, 8, 11}),
                 2.0f, 1e-5f);

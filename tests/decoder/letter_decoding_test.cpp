@@ -75,20 +75,6 @@ std::vector<double> numbersOf(const QString& log) {
     return numbers;
 }
 
-/// Numbers that cancel have the errors of what they are made of.
-void expectNumbers(const std::vector<double>& numbers, const std::vector<double>& expected) {
-    ASSERT_EQ(numbers.size(), expected.size());
-    for (size_t i = 0; i < numbers.size(); ++i) {
-        const auto line = std::span(expected).subspan(i / 9 * 9);
-        double greatest = 0.0;
-        for (const double number : line.first(std::min(line.size(), size_t(9))))
-            greatest = std::max(greatest, std::fabs(number));
-        EXPECT_NEAR(numbers[i], expected[i],
-                    1e-5 * std::max(std::fabs(expected[i]), 0.1 * greatest))
-            << i;
-    }
-}
-
 TEST(LetterDecoding, GivesWhatTheFormulasGive) {
     for (const Cells& cells : expectedLines(table, "window")) {
         SCOPED_TRACE(cells.first(19).join('\t').toStdString());
@@ -102,7 +88,11 @@ TEST(LetterDecoding, GivesWhatTheFormulasGive) {
         for (const int reference : decoding->bestReference)
             best += QByteArray::number(reference);
         EXPECT_EQ(best, c.expected[1]);
-        expectNumbers(numbersOf(decodingLog(c.settings, *decoding)), numbersOf(c.expected.mid(2)));
+        const std::vector<double> logged = numbersOf(decodingLog(c.settings, *decoding));
+        const std::vector<double> exact = numbersOf(c.expected.mid(2));
+        ASSERT_EQ(logged.size(), exact.size());
+        for (size_t i = 0; i < exact.size(); ++i)
+            EXPECT_NEAR(logged[i], exact[i], 1e-5 * std::fabs(exact[i]) + 1e-6) << i;
     }
 }
 
@@ -145,18 +135,11 @@ TEST(LetterDecoder, FollowsARunAndTheOperator) {
             }
         };
         QByteArrayList steps;
-        int step = 0, count = 0;
-        for (const char event : c.expected[1]) {
-            if (event >= '0' && event <= '9') {
-                count = 10 * count + event - '0';
-                continue;
-            }
-            for (; count > 0; --count, ++step)
-                if (const auto decoding = handle(event))
-                    steps << QByteArray::number(step) + ':' +
-                                 QByteArray::number(decoder.currentLetter()) + ':' +
-                                 lettersOf(*decoding);
-        }
+        for (int step = 0; step < c.expected[1].size(); ++step)
+            if (const auto decoding = handle(c.expected[1][step]))
+                steps << QByteArray::number(step) + ':' +
+                             QByteArray::number(decoder.currentLetter()) + ':' +
+                             lettersOf(*decoding);
         EXPECT_EQ(steps.join(' '), c.expected[2]);
         QString end =
             QStringLiteral("%1/%2").arg(decoder.currentLetter()).arg(decoder.currentVolume());

@@ -2,7 +2,6 @@
 # Letters of random runs, decoded by NumPy in double, straight from the formulas.
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Usage: make_letters_expected.py [WINDOWS [STREAMS]] > expected_letters.tsv"""
-import itertools
 import random
 import sys
 
@@ -165,7 +164,7 @@ def make_stream(rng):
 
 
 def write_streams(rng, count):
-    """Events, each kind with its count before it: v a volume, e the end of the run, n and p next and previous letter, c correlation alone,
+    """Events: v a volume, e the end of the run, n and p next and previous letter, c correlation alone,
     b both scores, f and F four-letter mode on and off."""
     for number in range(count):
         c = make_stream(rng)
@@ -175,8 +174,7 @@ def write_streams(rng, count):
             volumes.insert(rng.randrange(len(volumes)), change)
         events = "".join(volumes + ["e", "e"] + rng.choices("npp", k=6))
         begin = ["p", "", "", "", "n"][number % 5]
-        text = "".join("%d%s" % (len(list(same)), event) for event, same in itertools.groupby(begin + events))
-        print("stream", *["%s" % value for value in c.values()], int(live), text,
+        print("stream", *["%s" % value for value in c.values()], int(live), begin + events,
               *play(dict(c), references[c["references"]], measured(c, curves), live, begin + events), sep="\t")
 
 

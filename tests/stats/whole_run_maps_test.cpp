@@ -196,30 +196,30 @@ TEST(WholeRunMaps, FIsExactWhereTheColumnsThatStayAreNearlyEqual) {
 
 TEST(WholeRunMaps, AreZeroWhereNothingCanBeTested) {
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    const std::vector<float> zeros(imageSize.samples(), 0.0f);
+    BrainMask mask{{1, 0, 1, 1, 1}, {{0, 1}, {2, 3}}};
     for (const Shown shown : {Shown::T, Shown::FOfContrast}) {
         WholeRunModel model = fittedModel(false);
-        BrainMask mask{{1, 0, 1, 1, 1}, {{0, 1}, {2, 3}}};
         model.row(0)[0] = -0.5f;
         model.row(2)[2] = nan;
-        EXPECT_EQ(values(mapsOf(model, select({0}, shown), mask)), std::vector<float>(5, 0.0f));
-        model = fittedModel(false);
-        for (size_t t = 0; t < 2 * points; ++t) // the same condition under two names
-            model.GLMDesign[t * p + 1] = model.GLMDesign[t * p];
-        model.rank = 4;
-        const StatisticalMaps maps = mapsOf(model, select({1}, Shown::FOfContrast));
-        EXPECT_EQ(values(maps), std::vector<float>(5, 0.0f));
-        EXPECT_EQ(maps.MapDF1, 0);
-        // The data tell what both do together, and not what each does.
-        for (const int contrast : {1, 2})
-            EXPECT_EQ(values(mapsOf(model, select({contrast}))), std::vector<float>(5, 0.0f));
-        EXPECT_NE(values(mapsOf(model, select({3})))[0], 0.0f);
-        model.GLMDesign[p - 1] = nan;
-        EXPECT_EQ(values(mapsOf(model, select({0}, Shown::FOfContrast))), values(maps));
-
-        ContrastDefinitions contrasts = select({0});
-        StatisticalMaps none;
-        mask.voxels.pop_back();
-        EXPECT_FALSE(computeContrastMaps(model, mask, contrasts, none));
-        EXPECT_FALSE(computeContrastMaps(WholeRunModel(), wholeImage(), contrasts, none));
+        EXPECT_EQ(values(mapsOf(model, select({0}, shown), mask)), zeros);
     }
+    WholeRunModel model = fittedModel(false);
+    for (size_t t = 0; t < 2 * points; ++t) // the same condition under two names
+        model.GLMDesign[t * p + 1] = model.GLMDesign[t * p];
+    model.rank = 4;
+    EXPECT_EQ(mapsOf(model, select({1}, Shown::FOfContrast)).MapDF1, 0);
+    EXPECT_EQ(values(mapsOf(model, select({1}, Shown::FOfContrast))), zeros);
+    // The data tell what both do together, and not what each does.
+    for (const int contrast : {1, 2})
+        EXPECT_EQ(values(mapsOf(model, select({contrast}))), zeros);
+    EXPECT_NE(values(mapsOf(model, select({3})))[0], 0.0f);
+    model.GLMDesign[p - 1] = nan;
+    EXPECT_EQ(values(mapsOf(model, select({0}, Shown::FOfContrast))), zeros);
+
+    ContrastDefinitions contrasts = select({0});
+    StatisticalMaps none;
+    mask.voxels.pop_back();
+    EXPECT_FALSE(computeContrastMaps(model, mask, contrasts, none));
+    EXPECT_FALSE(computeContrastMaps(WholeRunModel(), wholeImage(), contrasts, none));
 }

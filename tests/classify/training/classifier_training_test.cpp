@@ -351,19 +351,18 @@ TEST_F(ClassifierTrainingTest, FilesThatCanNotBeWrittenLeaveTheOthersAsTheyWere)
 
     const QByteArray settings = content(trialSettingsFileName);
     const QByteArray maps = content("one_Trials.fmp");
-    QFile::rename(path(trialSettingsFileName), path("settings"));
-    QDir().mkdir(path(trialSettingsFileName));
-    messages.expectCritical("Unable to write the settings of the estimation: *");
     training.options.postOnset = 4;
-    EXPECT_FALSE(training.estimateTrials());
+    const auto expectUnwritable = [&](const QString& name, const QString& message) {
+        QFile::rename(path(name), path("kept"));
+        QDir().mkdir(path(name));
+        messages.expectCritical(message);
+        EXPECT_FALSE(training.estimateTrials());
+        QDir().rmdir(path(name));
+        QFile::rename(path("kept"), path(name));
+    };
+    expectUnwritable(trialSettingsFileName, "Unable to write the settings of the estimation: *");
     EXPECT_EQ(content("one_Trials.fmp"), maps);
-    QDir().rmdir(path(trialSettingsFileName));
-    QFile::rename(path("settings"), path(trialSettingsFileName));
-    QFile::remove(path("one_Trials.fmp"));
-    QDir().mkdir(path("one_Trials.fmp"));
-    training.options.preOnset = 1;
-    messages.expectCritical("Can not open specified file for saving map data !");
-    EXPECT_FALSE(training.estimateTrials());
+    expectUnwritable("one_Trials.fmp", "Can not open specified file for saving map data !");
     EXPECT_EQ(content(trialSettingsFileName), settings);
 }
 
@@ -396,8 +395,7 @@ TEST(MeanResponseTest, IsTheMeanOfTheWindowsFromTheirFirstPointOn) {
     options.postOnset = 2;
     const std::vector<Trial> trials = {{"A", 1, 2, 3}, {"B", 1, 5, 6}, {"A", 2, 0, 4}};
     // Windows 1 to 4 and 4 to 7, whose last point repeats the one before; mean 2, 4, 7, 6.
-    const std::vector<double> curve = {0, 1, 3, 5, 3, 5, 9};
-    EXPECT_EQ(measuredResponse(curve, trials, 1, options),
+    EXPECT_EQ(measuredResponse(std::vector<double>{0, 1, 3, 5, 3, 5, 9}, trials, 1, options),
               (std::vector<double>{0.0, 0.4, 1.0, 0.8}));
     EXPECT_TRUE(measuredResponse(std::vector<double>(7, 3.0), trials, 1, options).empty());
 
