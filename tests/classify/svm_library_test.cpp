@@ -127,29 +127,22 @@ TEST(SVMTrainer, LeavesTheSolverWhenItIsStopped) {
     EXPECT_EQ(predicted.size(), 60U);
 }
 
-TEST(SVMTrainer, WarnsOfASolverThatGaveUp) {
-    testing::internal::CaptureStderr();
-    SVMModel model;
-    SVMTrainer trainer;
-    EXPECT_EQ(trainer.train(overlapping(6), endless(), model), SVMResult::Done);
-    EXPECT_NE(trainer.printed().find("WARNING: libsvm gave up"), std::string::npos);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "\nWARNING: reaching max number of iterations\n");
-}
-
 TEST(SVMTrainer, KeepsWhatLibsvmPrintsFromTheConsole) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    PatternSet oneClass = labelledPatterns({1}, 3);
+    const PatternSet oneClass = labelledPatterns({1}, 3);
     SVMModel model;
     std::vector<double> predicted;
-    SVMTrainer trainer;
+    SVMTrainer trainer, tired;
     EXPECT_EQ(trainer.train(oneClass, {}, model), SVMResult::Done);
     EXPECT_EQ(trainer.crossValidate(oneClass, {}, 3, 1, predicted), SVMResult::Done);
     EXPECT_NE(trainer.printed().find("only one class"), std::string::npos);
     EXPECT_EQ(trainer.printed().find("gave up"), std::string::npos);
+    EXPECT_EQ(tired.train(overlapping(6), endless(), model), SVMResult::Done);
+    EXPECT_NE(tired.printed().find("WARNING: libsvm gave up"), std::string::npos);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "\nWARNING: reaching max number of iterations\n");
 }
 
 } // namespace

@@ -108,11 +108,10 @@ TEST(TrialSettingsFile, IsWrittenAndRead) {
     QString foreign = settingsText;
     foreign.remove("\n\n").replace("\n", "\r\n").replace("1UsedGLM", "1\r\nUsedGLM").chop(2);
     EXPECT_EQ(parseTrialSettings(foreign), options);
+    options.useTrialDuration = options.zNormalization = true;
+    options.response = TrialResponse::MeanResponse;
     for (const TrialEstimate estimate : {TrialEstimate::TValue, TrialEstimate::PercentBeta}) {
-        options = {.useTrialDuration = true,
-                   .response = TrialResponse::MeanResponse,
-                   .estimate = estimate,
-                   .zNormalization = true};
+        options.estimate = estimate;
         EXPECT_EQ(parseTrialSettings(trialSettingsText(options)), options);
     }
     options.response = TrialResponse::AdjustedTwoGamma;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "classify/trial_fit.h"
 
-#include "support/files.h"
+#include "support/expected_table.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,39 +9,20 @@
 
 namespace {
 
-// Samples are those of make_trials_expected.py, in which they are written once more.
-
+/// Written by make_trials_expected.py.
+constexpr const char* table = "classify/expected_trials.tsv";
 constexpr int nrOfVolumes = 40;
-constexpr int nrOfKinds = 6;       ///< of voxels, in turn
+constexpr size_t nrOfKinds = 6;    ///< of voxels, in turn
 constexpr size_t nrOfVoxels = 601; ///< two blocks and a part of one
-
-int sampleOf(int kind, int noise, int t) {
-    switch (kind) {
-    case 0:
-        return noise % 65536 - 32768;
-    case 1:
-        return 500;
-    case 2:
-        return 30000 + noise % 3;
-    case 3:
-        return 800 + noise % 61;
-    case 4:
-        return -300 - noise % 200;
-    default:
-        return 1000 + 7 * t + noise % 11;
-    }
-}
 
 RunVolumes makeRun() {
     RunVolumes volumes;
     EXPECT_TRUE(volumes.allocate(nrOfVolumes, nrOfVoxels));
-    for (int kind = 0; kind < nrOfKinds; ++kind) {
-        uint32_t state = uint32_t(4711 + 977 * kind);
-        for (int t = 0; t < nrOfVolumes; ++t) {
-            state = (state * 1103515245u + 12345u) & 0x7fffffffu;
-            for (size_t v = size_t(kind); v < nrOfVoxels; v += nrOfKinds)
-                volumes[size_t(t)][v] = int16_t(sampleOf(kind, int(state >> 12), t));
-        }
+    for (size_t kind = 0; const Cells& cells : expectedLines(table, "samples")) {
+        const auto samples = numbersOf<int16_t>(cells);
+        for (size_t v = kind++; v < nrOfVoxels; v += nrOfKinds)
+            for (size_t t = 0; t < nrOfVolumes; ++t)
+                volumes[t][v] = samples[t];
     }
     return volumes;
 }
@@ -62,62 +43,37 @@ float valueOf(const TrialFit& fit, const std::vector<int>& samples) {
     return value;
 }
 
-struct Case {
-    TrialOptions options;
-    float TR = 0.0f;
-    int start = 0;
-    int end = 0;
-    std::vector<double> values; ///< of each kind of voxel
-};
-
-std::vector<Case> casesOf(const QByteArray& table) {
-    std::vector<Case> cases;
-    for (const QByteArray& line : table.trimmed().split('\n')) {
-        const QList<QByteArray> cells = line.split('\t');
-        Case c;
-        c.TR = cells[0].toFloat();
-        c.options.preOnset = cells[1].toInt();
-        c.options.postOnset = cells[2].toInt();
-        c.options.useTrialDuration = cells[3] == "1";
-        c.options.linearTrend = cells[4] == "1";
-        c.options.estimate = cells[5] == "t"      ? TrialEstimate::TValue
-                             : cells[5] == "beta" ? TrialEstimate::Beta
-                                                  : TrialEstimate::PercentBeta;
-        c.options.zNormalization = cells[6] == "1";
-        c.start = cells[7].toInt();
-        c.end = cells[8].toInt();
-        for (int kind = 0; kind < nrOfKinds; ++kind)
-            c.values.push_back(cells[9 + kind].toDouble());
-        cases.push_back(c);
-    }
-    return cases;
-}
-
 TEST(TrialFit, GivesWhatTheFormulasGive) {
     const RunVolumes volumes = makeRun();
     std::vector<size_t> backwards(nrOfVoxels);
     std::iota(backwards.rbegin(), backwards.rend(), size_t(0));
-    const std::vector<Case> cases =
-        casesOf(contentOf(VELO_SOURCE_DIR "/tests/classify/expected_trials.tsv"));
-    ASSERT_EQ(cases.size(), 219u);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(&c - cases.data());
-        const int duration = trialDuration(c.start, c.end);
-        const TrialFit fit{trialDesign(c.options, duration, c.TR), c.options.estimate,
-                           c.options.zNormalization};
+    for (const Cells& cells : expectedLines(table, "trial")) {
+        SCOPED_TRACE(cells.join(' ').toStdString());
+        const std::vector<double> numbers = numbersOf(cells);
+        const auto number = [&](size_t column) { return int(numbers[column]); };
+        const TrialOptions options{.preOnset = number(1),
+                                   .postOnset = number(2),
+                                   .useTrialDuration = number(3) == 1,
+                                   .linearTrend = number(4) == 1,
+                                   .estimate = TrialEstimate(number(5)),
+                                   .zNormalization = number(6) == 1};
+        const int start = number(7);
+        const std::span expected = std::span(numbers).subspan(9); // of each kind of voxel
+        const TrialFit fit{trialDesign(options, trialDuration(start, number(8)), float(numbers[0])),
+                           options.estimate, options.zNormalization};
         const std::vector<int> window =
-            windowVolumes(c.start - c.options.preOnset, fit.design.nrOfPoints, nrOfVolumes);
-        EXPECT_EQ(fit.skipsNormalization(), c.options.zNormalization && window.size() == 2 &&
-                                                c.options.estimate != TrialEstimate::PercentBeta);
+            windowVolumes(start - options.preOnset, fit.design.nrOfPoints, nrOfVolumes);
+        EXPECT_EQ(fit.skipsNormalization(), options.zNormalization && window.size() == 2 &&
+                                                options.estimate != TrialEstimate::PercentBeta);
         std::vector<float> values(nrOfVoxels), listed(nrOfVoxels);
         estimateConsecutiveVoxels(fit, volumes, window, 0, -32768, values);
         estimateVoxels(fit, volumes, window, backwards, listed);
         std::ranges::reverse(listed);
         EXPECT_EQ(values, listed); // to the bit
+        // The response is in float, so a small value has the errors of what it is the rest of.
         for (size_t v = 0; v < nrOfVoxels; ++v) {
-            const double expected = c.values[v % nrOfKinds];
-            // The response is in float, so a small value has the errors of what it is the rest of.
-            EXPECT_NEAR(values[v], expected, 1e-5 * std::max(std::fabs(expected), 0.5)) << v;
+            const double exact = expected[v % nrOfKinds];
+            EXPECT_NEAR(values[v], exact, 1e-5 * std::max(std::fabs(exact), 0.5)) << v;
         }
     }
 }
@@ -139,14 +95,13 @@ TEST(TrialFit, ComparesTheLastPointWithThoseBefore) {
     const TrialDesign design = lastPointDesign(5, {});
     EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::Beta, false}, samples), 18.0f);
     EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::PercentBeta, false}, samples), 150.0f);
-    // Squared residuals 8, and 3 degrees of freedom.
-    const float t = 18.0f / std::sqrt(8.0f / 3.0f * 1.25f);
-    EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::TValue, false}, samples), t);
-    EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::TValue, true}, samples), t);
-    EXPECT_FLOAT_EQ(valueOf({lastPointDesign(3, {}), TrialEstimate::Beta, true}, {1, 1, 4}),
-                    3.0f / std::sqrt(2.0f)); // three points are enough to normalize
-    EXPECT_FALSE(
-        TrialFit({lastPointDesign(3, {}), TrialEstimate::Beta, true}).skipsNormalization());
+    // Squared residuals 8, and 3 degrees of freedom, with and without normalization.
+    for (const bool normalizes : {false, true})
+        EXPECT_FLOAT_EQ(valueOf({design, TrialEstimate::TValue, normalizes}, samples),
+                        18.0f / std::sqrt(8.0f / 3.0f * 1.25f));
+    const TrialFit ofThree{lastPointDesign(3, {}), TrialEstimate::Beta, true};
+    EXPECT_FALSE(ofThree.skipsNormalization());
+    EXPECT_FLOAT_EQ(valueOf(ofThree, {1, 1, 4}), 3.0f / std::sqrt(2.0f));
     // The trend goes on: the last point lies 2 above it.
     EXPECT_NEAR(valueOf({lastPointDesign(5, trend), TrialEstimate::Beta, false}, {5, 6, 7, 8, 11}),
                 2.0f, 1e-5f);

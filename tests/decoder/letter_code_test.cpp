@@ -16,10 +16,6 @@ TEST(LetterCode, GoesThroughTasksThenOnsetsThenDurations) {
         EXPECT_FALSE(codeOf(other)) << int(other.unicode());
     for (const LetterCode& none : {LetterCode{-1, 0}, {3, 0}, {0, -1}, {0, 9}})
         EXPECT_EQ(letterOf(none), u'-');
-    EXPECT_EQ((LetterCode{0, 5}.onset()), 1);
-    EXPECT_EQ((LetterCode{0, 5}.duration()), 2);
-    EXPECT_EQ(referenceName(0), "10-10");
-    EXPECT_EQ(referenceName(5), "20-30");
 }
 
 TEST(DecoderSettings, ScalesWeightsToUnitLength) {

@@ -9,124 +9,50 @@
 
 namespace {
 
-// Curves, references and weights are those of make_letters_expected.py, in which they are written
-// once more.
-
-class Noise {
-public:
-    explicit Noise(int seed) : state_(uint32_t(seed)) {}
-    int next(int count) {
-        state_ = (state_ * 1103515245u + 12345u) & 0x7fffffffu;
-        return int(state_ >> 12) % count;
-    }
-
-private:
-    uint32_t state_;
-};
-
-enum Oddity {
-    ConstantROI = 1,
-    ZeroBase = 2,
-    EqualReferences = 4,
-    FlatReference = 8,
-    EqualROIs = 16,
-    AllConstant = 32
-};
+/// Curves, references and cases of make_letters_expected.py.
+constexpr const char* table = "decoder/expected_letters.tsv";
 
 struct Case {
-    int seed = 0;
     DecoderSettings settings;
     int letter = 0;
-    int signal = 0;    ///< first point of the response
-    int available = 0; ///< volumes
-    int nrOfROIs = 0;
-    int oddities = 0;
+    ReferenceCurves references;
+    ROICurves curves;
     Cells expected; ///< the other cells
 };
 
-TaskWeights weightsOf(const QByteArray& kind, int seed) {
-    if (kind == "own")
-        return {{{1}, {0, 1}, {0, 0, 1}}};
-    Noise noise(seed);
-    TaskWeights weights;
-    for (auto& row : weights)
-        for (float& weight : row)
-            weight = float(noise.next(100) - (kind == "signed" ? 50 : 0));
-    if (kind == "equal")
-        weights[1] = weights[2] = weights[0];
-    if (kind == "norow")
-        weights[1].fill(0.0f);
-    return scaledWeights(weights);
+/// The first points of some lines; of curves that aren't in the table 0.5.
+template<typename Curves> Curves curvesOf(const QByteArray& name, size_t count, int points) {
+    Curves curves;
+    curves.fill(std::vector<float>(size_t(points), 0.5f));
+    const std::vector<Cells> lines = expectedLines(table, name);
+    for (size_t i = 0; i < count; ++i)
+        curves[i] = numbersOf<float>(lines[i].first(points));
+    return curves;
 }
 
 Case caseOf(const Cells& cells) {
     Case c;
-    int column = 0;
+    int column = 0, available = 0;
     DecoderSettings& s = c.settings;
     for (int* field :
-         {&c.seed, &s.FullWindowSize, &s.SkipAtBeginOfWindow, &s.SkipAtEndOfWindow,
+         {&s.FullWindowSize, &s.SkipAtBeginOfWindow, &s.SkipAtEndOfWindow,
           &s.IdealResponseWindowSize, &s.SkipTimePointsAtBegin, &s.MeanForPercSignalFrom,
-          &s.MeanForPercSignalTo, &c.letter, &c.signal, &s.NrOfTimePoints, &c.available})
+          &s.MeanForPercSignalTo, &c.letter, &s.NrOfTimePoints, &available})
         *field = cells[column++].toInt();
     s.HelperVOIsMode = HelperVOIs(cells[column++].toInt());
     for (bool* field : {&s.UseCorr, &s.UseBeta, &s.ABCDMode})
         *field = cells[column++] == "1";
     s.CorrBetaTau = cells[column++].toFloat();
-    c.nrOfROIs = cells[column++].toInt();
-    s.TaskVOIWeights = weightsOf(cells[column++], c.seed + 2);
-    c.oddities = cells[column++].toInt();
+    const int nrOfROIs = cells[column++].toInt();
+    const auto weights = numbersOf<float>(cells[column++].split(' '));
+    for (size_t i = 0; i < weights.size(); ++i)
+        s.TaskVOIWeights[i / 6][i % 6] = weights[i];
+    s.TaskVOIWeights = scaledWeights(s.TaskVOIWeights);
+    c.references =
+        curvesOf<ReferenceCurves>("references " + cells[column++], 9, s.IdealResponseWindowSize);
+    c.curves = curvesOf<ROICurves>("curves " + cells[column++], size_t(nrOfROIs), available);
     c.expected = cells.mid(column);
     return c;
-}
-
-std::vector<Case> casesOf(const QByteArray& kind) {
-    std::vector<Case> cases;
-    for (const Cells& cells : expectedLines("decoder/expected_letters.tsv", kind))
-        cases.push_back(caseOf(cells));
-    return cases;
-}
-
-ReferenceCurves referencesOf(const Case& c) {
-    const auto points = size_t(c.settings.IdealResponseWindowSize);
-    Noise noise(c.seed);
-    ReferenceCurves references;
-    for (std::vector<float>& reference : references)
-        for (size_t i = 0; i < points; ++i)
-            reference.push_back(float(noise.next(1000)) / 8.0f);
-    if (c.oddities & EqualReferences) {
-        references[1] = references[0];
-        references[6] = references[2];
-    }
-    if (c.oddities & FlatReference)
-        references[4].assign(points, 0.1f);
-    return references;
-}
-
-ROICurves curvesOf(const Case& c, const ReferenceCurves& references) {
-    Noise noise(c.seed + 1);
-    const std::vector<float>& response = references[size_t(c.seed % 9)];
-    const float scale = (c.seed % 2 == 0 ? 1.0f : -1.0f) / 8.0f;
-    ROICurves curves;
-    curves.fill(std::vector<float>(size_t(c.available), 0.5f));
-    for (int roi = 0; roi < c.nrOfROIs; ++roi)
-        for (int t = 0; t < c.available; ++t) {
-            float& value = curves[size_t(roi)][size_t(t)];
-            value = float(400 + 60 * roi + noise.next(41));
-            const int point = t - c.signal;
-            if (roi % 3 == c.seed % 3 && point >= 0 && point < int(response.size()))
-                value += scale * response[size_t(point)];
-        }
-    if (c.oddities & ConstantROI)
-        std::ranges::fill(curves[1], 0.1f);
-    if (c.oddities & ZeroBase)
-        for (int i = c.settings.MeanForPercSignalFrom; i <= c.settings.MeanForPercSignalTo; ++i)
-            if (c.signal + i < c.available)
-                curves[2][size_t(c.signal + i)] = 0.0f;
-    if (c.oddities & EqualROIs)
-        curves.fill(std::vector<float>(curves[0]));
-    if (c.oddities & AllConstant)
-        curves.fill(std::vector<float>(size_t(c.available), 1234.567f));
-    return curves;
 }
 
 QByteArray lettersOf(const LetterDecoding& decoding) {
@@ -149,29 +75,11 @@ std::vector<double> numbersOf(const QString& log) {
     return numbers;
 }
 
-/// Numbers that cancel have the errors of what they are made of.
-void expectNumbers(const std::vector<double>& numbers, const Cells& expected) {
-    ASSERT_EQ(numbers.size(), size_t(expected.size()));
-    double greatest = 0.0;
-    for (size_t i = 0; i < numbers.size(); ++i) {
-        const double number = expected[qsizetype(i)].toDouble();
-        if (i % 9 == 0) {
-            greatest = 0.0;
-            for (qsizetype j = qsizetype(i); j < std::min(qsizetype(i) + 9, expected.size()); ++j)
-                greatest = std::max(greatest, std::fabs(expected[j].toDouble()));
-        }
-        EXPECT_NEAR(numbers[i], number, 1e-5 * std::max(std::fabs(number), 0.1 * greatest)) << i;
-    }
-}
-
 TEST(LetterDecoding, GivesWhatTheFormulasGive) {
-    const std::vector<Case> cases = casesOf("window");
-    ASSERT_EQ(cases.size(), 210u);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.seed);
-        const ReferenceCurves references = referencesOf(c);
-        const auto decoding =
-            decodeLetter(c.settings, references, curvesOf(c, references), c.letter);
+    for (const Cells& cells : expectedLines(table, "window")) {
+        SCOPED_TRACE(cells.first(19).join('\t').toStdString());
+        const Case c = caseOf(cells);
+        const auto decoding = decodeLetter(c.settings, c.references, c.curves, c.letter);
         ASSERT_EQ(decoding.has_value(), !c.expected.isEmpty());
         if (!decoding)
             continue;
@@ -180,28 +88,29 @@ TEST(LetterDecoding, GivesWhatTheFormulasGive) {
         for (const int reference : decoding->bestReference)
             best += QByteArray::number(reference);
         EXPECT_EQ(best, c.expected[1]);
-        expectNumbers(numbersOf(decodingLog(c.settings, *decoding)), c.expected.mid(2));
+        const std::vector<double> logged = numbersOf(decodingLog(c.settings, *decoding));
+        const std::vector<double> exact = numbersOf(c.expected.mid(2));
+        ASSERT_EQ(logged.size(), exact.size());
+        for (size_t i = 0; i < exact.size(); ++i)
+            EXPECT_NEAR(logged[i], exact[i], 1e-5 * std::fabs(exact[i]) + 1e-6) << i;
     }
 }
 
 TEST(LetterDecoder, FollowsARunAndTheOperator) {
-    const std::vector<Case> cases = casesOf("stream");
-    ASSERT_EQ(cases.size(), 40u);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.seed);
-        const ReferenceCurves references = referencesOf(c);
-        const ROICurves curves = curvesOf(c, references);
+    for (const Cells& cells : expectedLines(table, "stream")) {
+        SCOPED_TRACE(cells.join('\t').toStdString());
+        const Case c = caseOf(cells);
         DecoderSettings settings = c.settings;
         settings.NrOfLetters = c.letter;
         const bool live = c.expected[0] == "1";
         LetterDecoder decoder;
-        decoder.begin(settings, references,
+        decoder.begin(settings, c.references,
                       live ? LetterDecoder::Source::Run : LetterDecoder::Source::File);
         const auto decodeIf = [&](bool isDue, const ROICurves& soFar) {
             return isDue ? decoder.decode(soFar) : std::nullopt;
         };
         const auto handle = [&](char event) -> std::optional<LetterDecoding> {
-            ROICurves soFar = curves;
+            ROICurves soFar = c.curves;
             switch (event) {
             case 'v':
                 if (live)
@@ -209,13 +118,13 @@ TEST(LetterDecoder, FollowsARunAndTheOperator) {
                         curve.resize(size_t(decoder.currentVolume() + 2));
                 return decodeIf(decoder.takeVolume(decoder.currentVolume() + 1), soFar);
             case 'e':
-                return decodeIf(decoder.endRun(), curves);
+                return decodeIf(decoder.endRun(), c.curves);
             case 'n':
                 decoder.goToNextLetter();
-                return decoder.decode(curves);
+                return decoder.decode(c.curves);
             case 'p':
                 decoder.goToPreviousLetter();
-                return decoder.decode(curves);
+                return decoder.decode(c.curves);
             case 'f':
             case 'F':
                 decoder.changeABCDMode(event == 'f');
@@ -226,18 +135,11 @@ TEST(LetterDecoder, FollowsARunAndTheOperator) {
             }
         };
         QByteArrayList steps;
-        int step = 0, count = 0;
-        for (const char event : c.expected[1]) {
-            if (event >= '0' && event <= '9') {
-                count = 10 * count + event - '0';
-                continue;
-            }
-            for (; count > 0; --count, ++step)
-                if (const auto decoding = handle(event))
-                    steps << QByteArray::number(step) + ':' +
-                                 QByteArray::number(decoder.currentLetter()) + ':' +
-                                 lettersOf(*decoding);
-        }
+        for (int step = 0; step < c.expected[1].size(); ++step)
+            if (const auto decoding = handle(c.expected[1][step]))
+                steps << QByteArray::number(step) + ':' +
+                             QByteArray::number(decoder.currentLetter()) + ':' +
+                             lettersOf(*decoding);
         EXPECT_EQ(steps.join(' '), c.expected[2]);
         QString end =
             QStringLiteral("%1/%2").arg(decoder.currentLetter()).arg(decoder.currentVolume());
@@ -250,15 +152,15 @@ TEST(LetterDecoder, FollowsARunAndTheOperator) {
         settings = decoder.settings();
         EXPECT_EQ(settings.NrOfTimePoints, 77);
         EXPECT_EQ(settings.FullWindowSize, c.settings.FullWindowSize);
-        EXPECT_EQ(decoder.references(), references);
+        EXPECT_EQ(decoder.references(), c.references);
         EXPECT_EQ(decoder.currentLetter() + decoder.currentVolume(), -2);
         EXPECT_TRUE(decoder.decodedText(0).isEmpty() && !decoder.latest());
     }
 }
 
 TEST(LetterDecoder, NeedsFittingReferencesAndROIs) {
-    const Case c = casesOf("window").front();
-    ReferenceCurves references = referencesOf(c);
+    const Case c = caseOf(expectedLines(table, "window")[0]);
+    ReferenceCurves references = c.references;
     LetterDecoder decoder;
     for (const int nrOfROIs : {2, 3, 6, 7}) {
         DecoderSettings settings = c.settings;
@@ -274,61 +176,27 @@ TEST(LetterDecoder, NeedsFittingReferencesAndROIs) {
     decoder.begin(c.settings, references, LetterDecoder::Source::File);
     EXPECT_FALSE(decoder.isReady());
     decoder.goToNextLetter();
-    EXPECT_FALSE(decoder.decode(curvesOf(c, references)));
+    EXPECT_FALSE(decoder.decode(c.curves));
     EXPECT_FALSE(decoder.takeVolume(0));
     EXPECT_EQ(decoder.currentVolume(), -1);
 }
 
-TEST(LetterDecoding, TheBaseIsOfPointsThatAreCompared) {
-    DecoderSettings settings;
-    settings.MeanForPercSignalFrom = 1;
-    settings.MeanForPercSignalTo = 5;
-    const std::vector<float> window{3, 2, 6};
-    EXPECT_EQ(percentSignal(settings, std::span(window).first(2)), (std::vector<float>{150, 100}));
-    EXPECT_EQ(percentSignal(settings, std::span(window).first(1)), (std::vector<float>{3}));
-    settings.SkipAtEndOfWindow = settings.FullWindowSize - settings.SkipAtBeginOfWindow - 2;
-    EXPECT_EQ(percentSignal(settings, window), (std::vector<float>{150, 100, 300}));
-    EXPECT_FALSE(decoderSettingsFault(settings).isEmpty());
-    settings.MeanForPercSignalTo = 1;
-    EXPECT_TRUE(decoderSettingsFault(settings).isEmpty());
-}
-
 TEST(DecoderSettings, SayWhichHelpersAreMissing) {
-    const struct {
-        int nrOfROIs;
-        HelperVOIs mode;
-        bool useBeta;
-        const char* note;
-    } cases[] = {
-        {3, HelperVOIs::Both, true,
-         "Helper ROIs 1 to 3 are missing: the shape of their tasks counts half"},
-        {4, HelperVOIs::OnlyHelpers, true,
+    using enum HelperVOIs;
+    const std::tuple<int, HelperVOIs, bool, const char*> cases[] = {
+        {3, Both, true, "Helper ROIs 1 to 3 are missing: the shape of their tasks counts half"},
+        {4, OnlyHelpers, true,
          "Helper ROIs 2 to 3 are missing: the shape of their tasks counts as 0"},
-        {5, HelperVOIs::Both, true, "Helper ROI 3 is missing: the shape of its task counts half"},
-        {6, HelperVOIs::Both, true, ""},
-        {3, HelperVOIs::OnlyTasks, true, ""},
-        {3, HelperVOIs::OnlyHelpers, false, ""}};
+        {5, Both, true, "Helper ROI 3 is missing: the shape of its task counts half"},
+        {6, Both, true, ""},
+        {3, OnlyTasks, true, ""},
+        {3, OnlyHelpers, false, ""}};
     for (const auto& [nrOfROIs, mode, useBeta, note] : cases) {
         DecoderSettings settings;
         settings.NrOfDataROIs = nrOfROIs;
         settings.HelperVOIsMode = mode;
         settings.UseBeta = useBeta;
         EXPECT_EQ(missingHelpersNote(settings).toStdString(), note);
-    }
-}
-
-TEST(LetterDecoding, ASlopeHasItsConstant) {
-    const std::vector<float> curve{5, 7, 6, 10}, reference{2, 3, 4, 5},
-        flat{0.1f, 0.1f, 0.1f, 0.1f};
-    const std::tuple<std::span<const float>, float, float> cases[] = {
-        {reference, 1.4f, 2.1f},
-        {std::span(reference).first(3), 0.5f, 4.5f},
-        {flat, 0.0f, 7.0f},
-        {{}, 0.0f, 0.0f}};
-    for (const auto& [against, slope, constant] : cases) {
-        const LetterFit fit = fitGLMForLetter(curve, against);
-        EXPECT_FLOAT_EQ(fit.slope, slope);
-        EXPECT_FLOAT_EQ(fit.constant, constant);
     }
 }
 

@@ -2,7 +2,6 @@
 # Letters of random runs, decoded by NumPy in double, straight from the formulas.
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Usage: make_letters_expected.py [WINDOWS [STREAMS]] > expected_letters.tsv"""
-import itertools
 import random
 import sys
 
@@ -10,59 +9,42 @@ import numpy
 
 LETTERS = "_ABCDEFGHIJKLMNOPQRSTUVWXYZ"
 FOUR = {"A": "A", "U": "B", "E": "C", "Y": "D"}
-CONSTANT_ROI, ZERO_BASE, EQUAL_REFERENCES, FLAT_REFERENCE, EQUAL_ROIS, ALL_CONSTANT = (1 << i for i in range(6))
+POINTS = 200
 
 
-class Noise:
-    def __init__(self, seed):
-        self.state = seed
-
-    def next(self, count):
-        self.state = (self.state * 1103515245 + 12345) & 0x7FFFFFFF
-        return (self.state >> 12) % count
-
-
-def make_references(c):
-    """[reference][point]; drawn first."""
-    noise = Noise(c["seed"])
-    curves = [[noise.next(1000) / 8 for _ in range(c["ideal"])] for _ in range(9)]
-    if c["flags"] & EQUAL_REFERENCES:
-        curves[1] = curves[0]
-        curves[6] = curves[2]
-    if c["flags"] & FLAT_REFERENCE:
-        curves[4] = [0.1] * c["ideal"]
-    return numpy.float32(curves)
+def make_references(rng):
+    """Sets of [reference][point]: of the odd ones some are equal, and one is flat."""
+    usual = numpy.float32([[rng.randrange(1000) / 8 for _ in range(50)] for _ in range(9)])
+    odd = usual.copy()
+    odd[1], odd[6], odd[4] = odd[0], odd[2], 0.1
+    return {"usual": usual, "odd": odd}
 
 
-def make_curves(c, references):
-    """[ROI][volume]: noise, and in the ROIs of a task the response to a reference."""
-    noise = Noise(c["seed"] + 1)
-    task, reference, sign = c["seed"] % 3, c["seed"] % 9, 1 - 2 * (c["seed"] % 2)
+def make_curves(rng, references):
+    """Sets of [ROI][volume]: noise, and one response to a reference after the other. Of the odd ones
+    one is constant, and one has mean 0 over any three volumes."""
+    usual = numpy.zeros((6, POINTS), numpy.float32)
+    for roi in range(6):
+        for t in range(POINTS):
+            response = (-1) ** (t // 25 + roi) * references["usual"][(t // 50 + 2 * roi) % 9, t % 50] / 8
+            usual[roi, t] = 400 + 60 * roi + rng.randrange(41) + response
+    odd, equal, constant = usual.copy(), usual.copy(), numpy.full_like(usual, 1234.567)
+    odd[1], odd[2], equal[:] = 0.1, numpy.resize([5, -5, 0], POINTS), usual[0]
+    return {"usual": usual, "odd": odd, "equal": equal, "constant": constant}
+
+
+def measured(c, sets):
+    """The first volumes of the measured ROIs; others hold 0.5."""
     curves = numpy.full((6, c["available"]), 0.5, numpy.float32)
-    for roi in range(c["rois"]):
-        for t in range(c["available"]):
-            curves[roi, t] = 400 + 60 * roi + noise.next(41)
-            point = t - c["signal"]
-            if roi % 3 == task and 0 <= point < c["ideal"]:
-                curves[roi, t] += sign * references[reference, point] / 8
-    if c["flags"] & CONSTANT_ROI:
-        curves[1, :] = 0.1
-    if c["flags"] & ZERO_BASE:
-        curves[2, c["signal"] + c["from"]:c["signal"] + c["to"] + 1] = 0
-    if c["flags"] & EQUAL_ROIS:
-        curves[1:] = curves[0]
-    if c["flags"] & ALL_CONSTANT:
-        curves[:] = 1234.567
+    curves[:c["rois"]] = sets[c["curves"]][:c["rois"], :c["available"]]
     return curves
 
 
-def make_weights(c):
+def make_weights(rng, kind):
     """[task][ROI], not scaled."""
-    noise = Noise(c["seed"] + 2)
-    kind = c["weights"]
+    w = numpy.array([[rng.randrange(100) for _ in range(6)] for _ in range(3)])
     if kind == "own":
-        return numpy.eye(3, 6)
-    w = numpy.array([[noise.next(100) for _ in range(6)] for _ in range(3)], float)
+        return numpy.eye(3, 6, dtype=int)
     if kind == "signed":
         w -= 50
     if kind == "equal":
@@ -92,7 +74,7 @@ def decode(c, references, curves, letter):
                 beta[roi, r] = numpy.linalg.lstsq(numpy.column_stack([numpy.ones(n), x]), y, rcond=None)[0][1]
     norms = numpy.sqrt(numpy.sum(beta ** 2, axis=0))
     normalized = beta / max(norms) if max(norms) > 0 else beta
-    w = make_weights(c)
+    w = numpy.array(c["weights"].split(), float).reshape(3, 6)
     for k in range(3):
         if w[k].any():
             w[k] /= numpy.sqrt(numpy.sum(w[k] ** 2))
@@ -130,8 +112,8 @@ def decode(c, references, curves, letter):
     return tables, ranks, best
 
 
-def make_case(rng, seed):
-    c = {"seed": seed}
+def make_case(rng):
+    c = {}
     c["full"] = rng.choice([42, 42, 20, 31])
     c["skipbegin"] = rng.choice([3, 0, 5])
     c["skipend"] = rng.choice([-1, -1, 0, -4, 2])
@@ -141,26 +123,25 @@ def make_case(rng, seed):
     c["from"] = rng.choice([0, 0, 2, 5])
     c["to"] = c["from"] + rng.choice([0, 2, 4, -1])
     c["letter"] = rng.choice([0, 1, 2])
-    c["signal"] = c["full"] * c["letter"] + c["skiprun"] + c["skipbegin"]
-    c["points"] = c["signal"] + c["ideal"] + rng.choice([0, 0, 0, 1, 30, 30, 30, 30, 30, -1])
-    c["available"] = c["signal"] + min(n, c["ideal"]) + rng.choice([0, 0, 1, 40, 40, 40, 40, 40, 40, -1])
+    start = c["full"] * c["letter"] + c["skiprun"] + c["skipbegin"]
+    c["points"] = start + c["ideal"] + rng.choice([0, 0, 0, 1, 30, 30, 30, 30, 30, -1])
+    c["available"] = start + min(n, c["ideal"]) + rng.choice([0, 0, 1, 40, 40, 40, 40, 40, 40, -1])
     c["mode"] = rng.choice([1, 2, 3])
     c["corr"], c["beta"] = rng.choice([(1, 1)] * 5 + [(1, 0)] * 4 + [(0, 1), (0, 0)])
     c["abcd"] = rng.choice([0, 0, 0, 1])
     c["tau"] = rng.choice([0.5, 0, 1, 0.3])
     c["rois"] = rng.choice([6, 6, 6, 3, 4])
-    c["weights"] = rng.choice(["own", "positive", "signed", "signed", "equal", "norow"])
-    flags = [0, CONSTANT_ROI, ZERO_BASE, EQUAL_REFERENCES, FLAT_REFERENCE, EQUAL_ROIS,
-             EQUAL_ROIS | EQUAL_REFERENCES, ALL_CONSTANT]
-    c["flags"] = rng.choice(flags + [0] * 8)
+    kind = rng.choice(["own", "positive", "signed", "signed", "equal", "norow"])
+    c["weights"] = " ".join(str(w) for w in make_weights(rng, kind).ravel())
+    c["references"] = rng.choice(["usual"] * 5 + ["odd"])
+    c["curves"] = rng.choice(["usual"] * 6 + ["odd", "odd", "equal", "constant"])
     return c
 
 
 def write_windows(rng, count):
-    for seed in range(1, count + 1):
-        c = make_case(rng, seed)
-        references = make_references(c)
-        result = decode(c, references, make_curves(c, references), c["letter"])
+    for _ in range(count):
+        c = make_case(rng)
+        result = decode(c, references[c["references"]], measured(c, curves), c["letter"])
         cells = [] if result is None else expected_cells(*result)
         print("window", *["%s" % value for value in c.values()], *cells, sep="\t")
 
@@ -172,11 +153,10 @@ def expected_cells(tables, ranks, best):
             *["%.7g" % value for value in numbers + [s for _, s in ranks]]]
 
 
-def make_stream(rng, seed):
-    c = make_case(rng, seed)
+def make_stream(rng):
+    c = make_case(rng)
     c["ideal"] = min(c["ideal"], c["full"] - c["skipend"] - c["skipbegin"])
     c["letter"] = rng.choice([1, 2, 1000])  # slots
-    c["signal"] = 40
     c["points"] = rng.choice([3 * c["full"], 3 * c["full"] + c["skiprun"] + max(-c["skipend"], 0), 100])
     c["available"] = 170
     c["corr"], c["beta"], c["abcd"] = 1, rng.choice([0, 1]), 0
@@ -184,21 +164,18 @@ def make_stream(rng, seed):
 
 
 def write_streams(rng, count):
-    """Events, each kind with its count before it: v a volume, e the end of the run, n and p next and previous letter, c correlation alone,
+    """Events: v a volume, e the end of the run, n and p next and previous letter, c correlation alone,
     b both scores, f and F four-letter mode on and off."""
-    for seed in range(1, count + 1):
-        c = make_stream(rng, seed)
-        references = make_references(c)
-        curves = make_curves(c, references)
-        live = seed % 3 != 0
+    for number in range(count):
+        c = make_stream(rng)
+        live = number % 3 != 2
         volumes = list("v" * rng.choice([c["points"], c["points"] + 2, 70]))
         for change in rng.choice(["", "c", "cb", "f", "fF"]):
             volumes.insert(rng.randrange(len(volumes)), change)
         events = "".join(volumes + ["e", "e"] + rng.choices("npp", k=6))
-        begin = "n" if seed % 5 == 0 else "p" if seed % 5 == 1 else ""
-        text = "".join("%d%s" % (len(list(same)), event) for event, same in itertools.groupby(begin + events))
-        print("stream", *["%s" % value for value in c.values()], int(live), text,
-              *play(dict(c), references, curves, live, begin + events), sep="\t")
+        begin = ["p", "", "", "", "n"][number % 5]
+        print("stream", *["%s" % value for value in c.values()], int(live), begin + events,
+              *play(dict(c), references[c["references"]], measured(c, curves), live, begin + events), sep="\t")
 
 
 def play(c, references, curves, live, events):
@@ -233,5 +210,12 @@ def play(c, references, curves, live, events):
 
 
 numbers = [int(argument) for argument in sys.argv[1:]] + [210, 40][len(sys.argv) - 1:]
-write_windows(random.Random(1), numbers[0])
-write_streams(random.Random(2), numbers[1])
+generator = random.Random(1)
+references = make_references(generator)
+curves = make_curves(generator, references)
+for kind, sets in (("references", references), ("curves", curves)):
+    for name, rows in sets.items():
+        for row in rows:
+            print("%s %s" % (kind, name), *["%.9g" % value for value in row], sep="\t")
+write_windows(generator, numbers[0])
+write_streams(generator, numbers[1])

@@ -77,6 +77,8 @@ def write_empirical(window, pre, post, shortest, rois, ms, TR):
         print("empirical", window, pre, post, shortest, rois, ms, TR, r, *(f"{v:.4f}" for v in curve), sep="\t")
 
 
+for curve in run():
+    print("run", *(int(v) for v in curve), sep="\t")
 write_ideal(40, 70000 / 42)
 write_ideal(20, 2500)
 write_empirical(40, 5, 10, 6, 0, 0, 1667)

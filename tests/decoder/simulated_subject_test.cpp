@@ -19,13 +19,6 @@ DecoderSettings scores(bool useBeta) {
     return settings;
 }
 
-TEST(SimulatedSubject, AllLettersAreReadAtAContrastToNoiseOfTwo) {
-    const ROICurves curves = subjectCurves(subjectOptions(allLetters, 0, 2), 2.0);
-    for (const bool useBeta : {true, false})
-        EXPECT_EQ(decodedText(scores(useBeta), idealReferences(), curves).toStdString(),
-                  allLetters.toStdString());
-}
-
 // Of 540 letters; the limits are some spreads beside the shares that bench_letters counts.
 TEST(SimulatedSubject, LettersAreReadAsWellAsTheNoiseAllows) {
     const std::tuple<double, int, int> cases[] = {{2.0, 530, 539}, {0.5, 185, 245}};

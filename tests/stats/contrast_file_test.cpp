@@ -9,10 +9,6 @@
 
 namespace {
 
-const QString foreignFile =
-    "ERROR: Can not read file. This file appears not to be a \"contrast (.ctr)\" file!";
-const QString damagedFile = "ERROR: Contrast file is damaged or ends too early!";
-
 /// Three conditions, the first of them the baseline.
 DesignMatrix threeConditions() {
     DesignMatrix design;
@@ -68,8 +64,9 @@ TEST(ContrastFile, BadTextIsRefusedAndChangesNothing) {
     const auto with = [&](const char* before, const char* after) {
         return QString(versionThree).replace(before, after);
     };
+    const QString damaged = "ERROR: Contrast file is damaged or ends too early!";
     const std::pair<QString, QString> cases[] = {
-        {"", foreignFile},
+        {"", "ERROR: Can not read file. This file appears not to be a \"contrast (.ctr)\" file!"},
         {with("FileVersion:           3", "FileVersion: 4"),
          "ERROR: Can not read this new version of contrast files!"},
         {with("NrOfValues:            3", "NrOfValues: 5"),
@@ -77,8 +74,8 @@ TEST(ContrastFile, BadTextIsRefusedAndChangesNothing) {
          "contrasts with 3 predictors"},
         {with("BaselinePosInProtocol: 1", "BaselinePosInProtocol: 0"), baseline.arg(0)},
         {with("BaselinePosInProtocol: 1", "BaselinePosInProtocol: 4"), baseline.arg(4)},
-        {with("NrOfContrasts:         2", "NrOfContrasts: 2147483647"), damagedFile},
-        {versionThree.chopped(5), damagedFile},
+        {with("NrOfContrasts:         2", "NrOfContrasts: 2147483647"), damaged},
+        {versionThree.chopped(5), damaged},
     };
     for (const auto& [text, expected] : cases) {
         ContrastDefinitions contrasts = twoContrasts();

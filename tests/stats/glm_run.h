@@ -3,7 +3,6 @@
 #pragma once
 
 #include "stats/incremental_glm.h"
-#include "stats/numerics/linear_systems.h"
 
 #include <cmath>
 #include <numeric>
@@ -92,48 +91,85 @@ struct GLMTestRun {
     }
 };
 
-/// Ordinary least squares by the normal equations, in double and without the decomposition that the
-/// program's solutions use.
+/// Least squares in double of the active predictors in the first n volumes, by rotations that make
+/// the columns of X orthogonal, once they have unit length. Directions below 1e-5 of the largest
+/// are left out. Responses are taken less the first one.
 struct ExactFit {
-    std::vector<double> betas;
+    int rank = 0;
     double rss = 0;
+    std::vector<double> betas;
 
-    ExactFit(const GLMTestRun& run, const std::vector<int>& columns, size_t voxel, int n)
-        : betas(columns.size()), inverse_(columns.size() * columns.size()) {
-        const size_t p = columns.size();
-        const auto x = [&](size_t t, size_t j) {
-            return double(run.design.PredictorColumns[size_t(columns[j])][t]);
-        };
-        for (size_t t = 0; t < size_t(n); ++t) {
-            const double y = double(run.project.volumes[t][voxel]);
-            for (size_t i = 0; i < p; ++i) {
-                betas[i] += x(t, i) * y;
-                for (size_t j = 0; j < p; ++j)
-                    inverse_[i * p + j] += x(t, i) * x(t, j);
-            }
+    ExactFit(const GLMTestRun& run, size_t voxel, int n) : n_(n) {
+        const std::vector<int>& active = run.glm.ActivePredictors;
+        std::vector<std::vector<double>> columns; // below each, what it is made of
+        for (size_t j = 0; j < active.size(); ++j) {
+            const std::vector<float>& values = run.design.PredictorColumns[size_t(active[j])];
+            std::vector<double>& column = columns.emplace_back(values.begin(), values.begin() + n);
+            const double length = std::sqrt(dot(column, column));
+            column.resize(size_t(n) + active.size());
+            column[size_t(n) + j] = 1.0;
+            for (double& value : column)
+                value /= length;
         }
-        EXPECT_EQ(numerics::eliminateGaussJordan(inverse_, int(p), betas, 1),
-                  numerics::Elimination::Done);
-        for (size_t t = 0; t < size_t(n); ++t) {
-            double e = double(run.project.volumes[t][voxel]);
-            for (size_t j = 0; j < p; ++j)
-                e -= x(t, j) * betas[j];
-            rss += e * e;
+        for (bool rotated = true; rotated;) {
+            rotated = false;
+            for (size_t i = 0; i < columns.size(); ++i)
+                for (size_t j = i + 1; j < columns.size(); ++j)
+                    rotated = rotate(columns[i], columns[j]) || rotated;
+        }
+        std::vector<double> y;
+        for (size_t t = 0; t < size_t(n); ++t)
+            y.push_back(run.project.volumes[t][voxel] - run.project.volumes[0][voxel]);
+        rss = dot(y, y);
+        betas.resize(active.size());
+        double largest = 0;
+        for (const auto& column : columns)
+            largest = std::max(largest, dot(column, column));
+        for (const auto& column : columns) {
+            const double square = dot(column, column);
+            if (square < 1e-10 * largest)
+                continue;
+            ++rank;
+            const double projection = dot(column, y) / std::sqrt(square);
+            rss -= projection * projection;
+            std::vector<double>& direction =
+                directions_.emplace_back(column.begin() + n, column.end());
+            for (size_t j = 0; j < betas.size(); ++j) {
+                direction[j] /= std::sqrt(square);
+                betas[j] += direction[j] * projection;
+            }
         }
     }
 
-    [[nodiscard]] double t(const std::vector<int>& contrast, int n) const {
-        const size_t p = betas.size();
-        double effect = 0;
+    /// Of a contrast of the first predictors.
+    [[nodiscard]] double t(const std::vector<double>& contrast) const {
+        const auto times = [&contrast](const std::vector<double>& values) {
+            return std::inner_product(contrast.begin(), contrast.end(), values.begin(), 0.0);
+        };
         double variance = 0;
-        for (size_t i = 0; i < p; ++i) {
-            effect += contrast[i] * betas[i];
-            for (size_t j = 0; j < p; ++j)
-                variance += contrast[i] * inverse_[i * p + j] * contrast[j];
-        }
-        return effect / std::sqrt(variance * rss / (n - double(p)));
+        for (const auto& direction : directions_)
+            variance += times(direction) * times(direction);
+        return n_ > rank ? times(betas) / std::sqrt(variance * rss / (n_ - rank)) : 0;
     }
 
 private:
-    std::vector<double> inverse_;
+    [[nodiscard]] double dot(const std::vector<double>& a, const std::vector<double>& b) const {
+        return std::inner_product(a.begin(), a.begin() + n_, b.begin(), 0.0);
+    }
+    bool rotate(std::vector<double>& a, std::vector<double>& b) const {
+        const double ab = dot(a, b);
+        const double aa = dot(a, a);
+        const double bb = dot(b, b);
+        if (std::abs(ab) < 1e-14 * std::sqrt(aa * bb) || std::min(aa, bb) < 1e-24)
+            return false;
+        const double angle = 0.5 * std::atan2(2 * ab, aa - bb);
+        const double c = std::cos(angle);
+        const double s = std::sin(angle);
+        for (size_t i = 0; i < a.size(); ++i)
+            std::tie(a[i], b[i]) = std::pair(c * a[i] + s * b[i], c * b[i] - s * a[i]);
+        return true;
+    }
+
+    int n_;
+    std::vector<std::vector<double>> directions_; ///< of unit length, by predictor
 };

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # What NumPy and SciPy find for the models of whole_run_maps_test, as its table.
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Usage: make_expected_maps.py > rows of the table. Needs NumPy and SciPy."""
+"""Usage: make_expected_maps.py > expected_maps.tsv. Needs NumPy and SciPy."""
 import numpy
 import scipy.linalg
 import scipy.stats
@@ -74,21 +74,28 @@ def f_value(x, y, rows):
     return f, df1, scipy.stats.f.sf(f, df1, df2)
 
 
-def row(kind, which, df1, values, p):
-    numbers = ", ".join(f"{value:.5f}f" for value in values)
-    print(f"    {{{kind}, {{{', '.join(map(str, which))}}}, {df1}, {{{numbers}}}, {p:.4g}f}},")
+def show(name, *values):
+    print(name, *[f"{value:.8g}" for value in values], sep="\t")
 
 
+def row(shown, which, df1, values, p):
+    """Correction, kind of statistic, contrasts, first degrees of freedom, the values of the voxels,
+    and the probability of the first."""
+    print("map", int(corrected), shown, " ".join(map(str, which)), sep="\t", end="\t")
+    print(df1, *[f"{value:.8g}" for value in values], f"{p:.4g}", sep="\t")
+
+
+show("design", *design().ravel())
+for voxel in range(VOXELS):
+    show(f"samples {voxel}", *samples(voxel))
 for corrected in (False, True):
-    print(f"// corrected: {corrected}")
     models = [model(voxel, corrected) for voxel in range(VOXELS)]
     for index, weights in enumerate(CONTRASTS):
         t = [t_value(x, y, weights) for x, y in models]
         p = 2 * scipy.stats.t.sf(abs(t[0]), len(models[0][1]) - 5)
-        row("T", [index], len(models[0][1]) - 5, t, p)
-    for kind, choices in (("FOfContrast", [[0], [2], [3], [4]]),
-                          ("FOfSelected", SELECTIONS)):
+        row(0, [index], len(models[0][1]) - 5, t, p)
+    for shown, choices in ((1, [[0], [2], [3], [4]]), (2, SELECTIONS)):
         for choice in choices:
             rows = [r for index in choice for r in restrictions(CONTRASTS[index])]
             f = [f_value(x, y, rows) for x, y in models]
-            row(kind, choice, f[0][1], [value[0] for value in f], f[0][2])
+            row(shown, choice, f[0][1], [value[0] for value in f], f[0][2])

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the pages that roi_glm_test.cpp expects: the model of a region by NumPy in double.
+"""Writes the runs of roi_glm_test.cpp and the pages that it expects: models of a region by NumPy.
 
 Least squares with numpy.linalg.lstsq, standard errors from the pseudo-inverse of X, probabilities
 by Gauss-Legendre integration of the densities. The second table is that of generalised least
@@ -104,7 +104,6 @@ def page(y, X, starts, names):
 
 
 def noise(n):
-    """The same recursion as in the test."""
     state, value, values = 12345, 0.0, []
     for _ in range(n):
         state = (state * 1103515245 + 12345) % 2**31
@@ -128,6 +127,10 @@ def data(points):
     return y.astype(float), X.astype(float), starts, names + ["Trend"] * len(trend)
 
 
-for name, points in (("one_run", [120]), ("two_runs", [50, 40])):
-    with open("%s/roi_glm_%s.html" % (sys.argv[1], name), "w") as file:
-        file.write(page(*data(points)))
+with open("%s/roi_glm_runs.tsv" % sys.argv[1], "w") as table:
+    for name, points in (("one_run", [120]), ("two_runs", [50, 40])):
+        y, X, starts, names = data(points)
+        print(name + " curve", *("%.9g" % value for value in y), sep="\t", file=table)
+        print(name + " design", *("%.9g" % value for value in X.ravel()), sep="\t", file=table)
+        with open("%s/roi_glm_%s.html" % (sys.argv[1], name), "w") as file:
+            file.write(page(y, X, starts, names))

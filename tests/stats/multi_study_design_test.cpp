@@ -46,11 +46,11 @@ protected:
         RTCFile file;
         file.names = names;
         file.nrOfDataPoints = points;
-        for (int j = 0; j < names.size(); ++j)
-            for (int t = 0; t < points; ++t) {
-                file.columns.resize(size_t(j) + 1);
-                file.columns[size_t(j)].push_back(float(100 * study + 10 * t + j));
-            }
+        for (int j = 0; j < names.size(); ++j) {
+            std::vector<float>& column = file.columns.emplace_back();
+            for (int t = 0; t < points; ++t)
+                column.push_back(float(100 * study + 10 * t + j));
+        }
         EXPECT_TRUE(writeDesignMatrixRTC(file, path(name + ".rtc")));
     }
     /// Runs a, b and c of 2, 3 and 2 volumes with two conditions, of subjects 7, 2 and 7.
@@ -83,49 +83,54 @@ TEST_F(MultiStudy, TheListReadsBack) {
                             "NrOfStudies:         2\n"
                             "\"/d/a b.fmr\" \"/d/a.rtc\"\n"
                             "\"c.fmr\" \"c.rtc\"\n";
-    EXPECT_EQ(mdmText(list), text + "Subjects: 3 1\n");
+    const QByteArray withSubjects = text + "Subjects: 3 1\n";
+    EXPECT_EQ(mdmText(list), withSubjects);
     MultiStudyList read;
-    ASSERT_TRUE(parseMDM(text + "Subjects: 3 1\n", read));
+    ASSERT_TRUE(parseMDM(withSubjects, read));
     EXPECT_EQ(read, list);
     for (qsizetype length = text.size() - 2; length >= 0; --length)
         EXPECT_FALSE(parseMDM(text.left(length), read)) << length;
-    for (const char* ending : {"Subjects: 3", "Subjects: 3 0", "Persons: 3 1"})
-        EXPECT_FALSE(parseMDM(text + ending, read)) << ending;
-    for (const auto& [from, to] : {std::pair{"ion:         1", "ion: 2"},
-                                   {"zTran", "Tran"},
-                                   {"ors:  2", "ors: 3"},
-                                   {"ies:         2", "ies: 2000000000"}})
-        EXPECT_FALSE(parseMDM(QString(text).replace(from, to), read)) << to;
+    constexpr std::pair<const char*, const char*> damages[] = {
+        {"ion:         1", "ion: 2"},
+        {"zTran", "Tran"},
+        {"ors:  2", "ors: 3"},
+        {"ies:         2", "ies: 2000000000"},
+        {"3 1", "3"},
+        {"3 1", "3 0"},
+        {"Sub", "Ob"}};
+    for (const auto& [from, to] : damages)
+        EXPECT_FALSE(parseMDM(QString(withSubjects).replace(from, to), read)) << to;
     EXPECT_EQ(read, list);
 
     // Without subjects each study is one; relative names are beside the list.
     writeFile(path("x.mdm"), text);
     ASSERT_TRUE(readMDMFile(path("x.mdm"), read));
     EXPECT_EQ(read.studies[1], (GLMStudy{0, path("c.fmr"), path("c.rtc"), 2}));
+    messages.expectCritical("ERROR: \"" + path("x.mdm") + "\" is no list of runs*");
+    writeFile(path("x.mdm"), text.left(100));
+    EXPECT_FALSE(readMDMFile(path("x.mdm"), read));
     messages.expectCritical("ERROR: Can not open .mdm file !");
-    EXPECT_FALSE(readMDMFile(path("none.mdm"), read));
-    messages.expectCritical("ERROR: \"" + path("y.mdm") + "\" is no list of runs*");
-    writeFile(path("y.mdm"), text.left(100));
-    EXPECT_FALSE(readMDMFile(path("y.mdm"), read));
+    EXPECT_FALSE(readMDMFile(path("no/x.mdm"), read));
     messages.expectCritical("ERROR: Can not open .mdm file !");
     EXPECT_FALSE(writeMDMFile(path("no/x.mdm"), list));
 }
 
 TEST_F(MultiStudy, FilesThatAreMissingAreNotAdded) {
     MultiStudyList list;
+    const auto addA = [&] { return addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")); };
+    const QString missing =
+        "ERROR in \"addStudyAndDesignMatrix\": %1 file name  \"%2\" not found! ";
+    messages.expectCritical(missing.arg("Study", path("a.fmr")));
+    EXPECT_FALSE(addA());
     saveRun("a", 2);
-    messages.expectCritical("ERROR in \"addStudyAndDesignMatrix\": Study file name  \"" +
-                            path("x.fmr") + "\" not found! ");
-    EXPECT_FALSE(addStudyAndDesignMatrix(list, path("x.fmr"), path("a.rtc")));
-    messages.expectCritical("ERROR in \"addStudyAndDesignMatrix\": Design matrix file name  \"" +
-                            path("a.rtc") + "\" not found! ");
-    EXPECT_FALSE(addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")));
+    messages.expectCritical(missing.arg("Design matrix", path("a.rtc")));
+    EXPECT_FALSE(addA());
     messages.expectWarning("Error reading file: Unknown file format!");
     writeFile(path("a.rtc"), "GIF89a");
-    EXPECT_FALSE(addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")));
+    EXPECT_FALSE(addA());
     EXPECT_TRUE(list.studies.empty());
     saveDesign("a", 0, 2, {""});
-    EXPECT_TRUE(addStudyAndDesignMatrix(list, path("a.fmr"), path("a.rtc")));
+    EXPECT_TRUE(addA());
 }
 
 // Expected columns from NumPy: the box-car convolved with ((k - 2.5 s) / 1.25 s)^2
@@ -188,13 +193,14 @@ TEST_F(MultiStudy, ColumnsFollowTheLayout) {
         const int conditions = 2 * int(prefixes.size());
         ASSERT_EQ(design.GLMPredictors(), conditions + 3);
         for (int j = 0; j < conditions + 3; ++j) {
+            const bool isConstant = j >= conditions;
+            const QString name = isConstant ? "Study signal level (confound)"
+                                            : prefixes[j / 2] + (j % 2 == 0 ? "Hand" : "Foot");
             const GLMPredictor& predictor = design.predictors[size_t(j)];
             EXPECT_EQ(predictor.label, QString("Predictor: %1").arg(j + 1));
-            EXPECT_EQ(predictor.name, j < conditions
-                                          ? prefixes[j / 2] + (j % 2 == 0 ? "Hand" : "Foot")
-                                          : QString("Study signal level (confound)"));
-            EXPECT_EQ(predictor.color.green, j >= conditions ? 255 : j % 2 == 0 ? 2 : 128);
-            EXPECT_EQ(design.conditionOfColumn[size_t(j)], j < conditions ? j % 2 : -1);
+            EXPECT_EQ(predictor.name, name);
+            EXPECT_EQ(predictor.color.green, isConstant ? 255 : j % 2 == 0 ? 2 : 128);
+            EXPECT_EQ(design.conditionOfColumn[size_t(j)], isConstant ? -1 : j % 2);
         }
         EXPECT_EQ(conditionsOfColumns(design), design.conditionOfColumn);
         std::vector<float> expected;
@@ -226,37 +232,37 @@ TEST_F(MultiStudy, DesignsOfVersionOneHaveNoNamesAndAnyNumberOfColumns) {
 
 TEST_F(MultiStudy, RunsThatDoNotFitAreRefused) {
     const MultiStudyList list = threeRuns(SeparatePredictors::None);
-    const QByteArray head = "FileVersion: 2\nType: ";
-    const QStringList names{"Hand", "Foot"};
-    const std::pair<std::function<void()>, QString> cases[] = {
-        {[&] { saveRun("b", 3, 4, 2); },
-         "ERROR: Different number of slices of functional data files!"},
-        {[&] { saveRun("b", 3, 5); },
-         "ERROR: Different image resolution of functional data files!"},
-        {[&] { saveDesign("b", 0, 3, {"Hand"}); },
-         "ERROR: Different number of predictors in design matrix files!"},
-        {[&] { saveDesign("b", 0, 2, names); },
-         "ERROR: Different number of time points between design matrix and data files!"},
-        {[&] { writeFile(path("b.rtc"), head + "Motion"); },
-         "ERROR: RTC file is not of type \"DesignMatrix\" !"},
-        {[&] { writeFile(path("b.rtc"), "GIF89a"); }, "Error reading file: Unknown file format!"},
-        {[&] { writeFile(path("b.rtc"), head + "DesignMatrix N: 1 N: 3 \"a\" 0 1e60 0"); },
-         "ERROR: Design matrix file \"" + path("b.rtc") + "\" is damaged or ends too early!"},
-        {[&] { writeFile(path("b.rtc"), head + "DesignMatrix N: 1 N: 3 \"a\" 0 0"); },
-         "ERROR: Design matrix file \"" + path("b.rtc") + "\" is damaged or ends too early!"},
-        {[&] { QFile::remove(path("b.rtc")); },
-         "ERROR: Can not open design matrix file \"" + path("b.rtc") + "\" !"}};
-    for (const auto& [change, message] : cases) {
-        static_cast<void>(threeRuns(SeparatePredictors::None));
-        change();
-        messages.expectCritical(message);
-        EXPECT_FALSE(assembleMultiStudyDesign(list, {}, design, size));
+    const auto expectRefused = [&](const QString& message) {
+        messages.expectCritical("ERROR: " + message);
+        EXPECT_FALSE(assembleMultiStudyDesign(list, {}, design, size)) << message.toStdString();
+    };
+    saveRun("b", 3, 5);
+    expectRefused("Different image resolution of functional data files!");
+    saveRun("b", 3, 4, 2);
+    expectRefused("Different number of slices of functional data files!");
+    saveRun("b", 3);
+    saveDesign("b", 0, 3, {"Hand"});
+    expectRefused("Different number of predictors in design matrix files!");
+    saveDesign("b", 0, 2, {"Hand", "Foot"});
+    expectRefused("Different number of time points between design matrix and data files!");
+    for (const char* damage : {"1e60 0", "0"}) {
+        writeFile(path("b.rtc"), QByteArray("FileVersion: 2\nType: DesignMatrix\n"
+                                            "N: 1 N: 3 \"a\" 0 ") +
+                                     damage);
+        expectRefused("Design matrix file \"" + path("b.rtc") + "\" is damaged or ends too early!");
     }
+    writeFile(path("b.rtc"), "FileVersion: 2\nType: Motion");
+    expectRefused("RTC file is not of type \"DesignMatrix\" !");
+    writeFile(path("b.rtc"), "GIF89a");
+    messages.expectCritical("Error reading file: Unknown file format!");
+    EXPECT_FALSE(assembleMultiStudyDesign(list, {}, design, size));
+    QFile::remove(path("b.rtc"));
+    expectRefused("Can not open design matrix file \"" + path("b.rtc") + "\" !");
+    QFile::remove(path("b.fmr"));
+    messages.expectWarning("ERROR - Can not open FMR file: \"" + path("b.fmr") + "\" !");
+    EXPECT_FALSE(assembleMultiStudyDesign(list, {}, design, size));
     messages.expectCritical("ERROR: The multi-study design lists no runs!");
     EXPECT_FALSE(assembleMultiStudyDesign({}, {}, design, size));
-    messages.expectWarning("ERROR - Can not open FMR file: \"" + path("b.fmr") + "\" !");
-    QFile::remove(path("b.fmr"));
-    EXPECT_FALSE(assembleMultiStudyDesign(list, {}, design, size));
     EXPECT_EQ(design.GLMPredictors(), 0);
 
     static_cast<void>(threeRuns(SeparatePredictors::None));
@@ -293,22 +299,21 @@ TEST_F(MultiStudy, SlicesOfBothFormatsAreReadFromDisk) {
     messages.expectCritical("ERROR: Different number of time points between*");
     EXPECT_FALSE(source->loadSlice(0, fewer));
 
-    const QString shortText = "ERROR: The .stc file holds fewer samples than its header states: ";
+    const auto expectUnreadable = [&](const QString& message, int slice) {
+        messages.expectCritical("ERROR: " + message);
+        EXPECT_FALSE(source->loadSlice(slice, points));
+        messages.expectCritical("ERROR: " + message);
+        EXPECT_FALSE(openRunsOnDisk(list));
+    };
     QFile::resize(path("c.stc"), 95);
-    messages.expectCritical(shortText + path("c.stc"));
-    EXPECT_FALSE(source->loadSlice(2, points));
-    messages.expectCritical(shortText + path("c.stc"));
-    EXPECT_FALSE(openRunsOnDisk(list));
+    expectUnreadable("The .stc file holds fewer samples than its header states: " + path("c.stc"),
+                     2);
     writeFile(path("b2.stc"), QByteArray("\2\0\4\0", 4) + QByteArray(48, '\0'));
     messages.expectCritical("ERROR: The .stc file has another matrix than its header states: " +
                             path("b2.stc"));
     EXPECT_FALSE(openRunsOnDisk(list));
     QFile::remove(path("b2.stc"));
-    const QString missing = "ERROR: Can not find / open stc file: " + path("b2.stc") + " !";
-    messages.expectCritical(missing);
-    EXPECT_FALSE(source->loadSlice(1, points));
-    messages.expectCritical(missing);
-    EXPECT_FALSE(openRunsOnDisk(list));
+    expectUnreadable("Can not find / open stc file: " + path("b2.stc") + " !", 1);
 }
 
 } // namespace
@@ -316,9 +321,8 @@ TEST_F(MultiStudy, SlicesOfBothFormatsAreReadFromDisk) {
 TEST(DriftTerms, BelongToOneStudyEachAndToNoCondition) {
     WholeRunDesign design;
     design.studies = {{4, "a.fmr", "a.rtc", 1}, {2, "b.fmr", "b.rtc", 1}};
-    for (const char* name :
-         {"Faces", "Houses", "Study signal level (confound)", "Study signal level (confound)"})
-        design.predictors.push_back({"", name, {}});
+    const QString level = "Study signal level (confound)";
+    design.predictors = {{"", "Faces", {}}, {"", "Houses", {}}, {"", level, {}}, {"", level, {}}};
     for (int t = 0; t < 6; ++t)
         for (const float value : {0.1f * float(t), 0.5f, t < 4 ? 1.0f : 0.0f, t < 4 ? 0.0f : 1.0f})
             design.GLMDesign.push_back(value);

@@ -3,45 +3,29 @@
 #include "stats/roi_glm.h"
 
 #include "stats/whole_run_model.h"
-#include "support/files.h"
+#include "support/expected_table.h"
 
 #include <cmath>
 #include <limits>
 
 namespace {
 
-/// As in make_roi_glm_pages.py, which wrote the expected pages.
+/// A run of 120 points, or two of 50 and 40, of make_roi_glm_pages.py.
 struct Measured {
     WholeRunDesign design;
-    QStringList names{"Faces <left>", QString::fromUtf8("H\u00e4user")};
+    QStringList names{"Faces <left>", QString::fromUtf8("H\u00e4user"), "Constant 1"};
     std::vector<float> curve;
 
-    explicit Measured(const std::vector<int>& points) {
-        const size_t runs = points.size();
-        for (size_t run = 0; run < runs; ++run) {
-            design.studies.push_back({points[run], {}, {}});
-            names << QString("Constant %1").arg(run + 1);
-        }
-        if (runs == 1)
-            names << "Trend";
-        design.predictors.resize(size_t(names.size()));
-        unsigned state = 12345;
-        double noise = 0.0;
-        int t = 0;
-        for (size_t run = 0; run < runs; ++run)
-            for (const int end = t + points[run]; t < end; ++t) {
-                const double first = t % 20 / 5 == 1 ? 1.0 : 0.0;
-                const double second = t % 18 < 12 ? 0.0 : (t % 18 - 11) / 4.0;
-                design.GLMDesign.insert(design.GLMDesign.end(), {float(first), float(second)});
-                for (size_t constant = 0; constant < runs; ++constant)
-                    design.GLMDesign.push_back(constant == run ? 1.0f : 0.0f);
-                if (runs == 1)
-                    design.GLMDesign.push_back(float(t) / 64.0f);
-                state = (state * 1103515245u + 12345u) % (1u << 31);
-                noise = 0.5 * noise + (int((state >> 16) % 2001) - 1000) / 64.0;
-                curve.push_back(
-                    float(1000.0 + 40.0 * double(run) + 12.0 * first - 5.0 * second + noise));
-            }
+    explicit Measured(const QByteArray& runs = "one_run") {
+        const char* const table = "stats/roi_glm_runs.tsv";
+        design.GLMDesign = expectedNumbers<float>(table, runs + " design");
+        curve = expectedNumbers<float>(table, runs + " curve");
+        const bool one = runs == "one_run";
+        names << (one ? "Trend" : "Constant 2");
+        design.studies = {{one ? 120 : 50, {}, {}}};
+        if (!one)
+            design.studies.push_back({40, {}, {}});
+        design.predictors.resize(4);
     }
     [[nodiscard]] ROIGLM fit() const {
         ROIGLM result;
@@ -55,10 +39,6 @@ struct Measured {
     }
 };
 
-QByteArray expectedPage(const QString& name) {
-    return contentOf(QStringLiteral(VELO_SOURCE_DIR "/tests/stats/") + name);
-}
-
 /// The design of one predictor.
 WholeRunDesign oneColumn(int n) {
     WholeRunDesign design;
@@ -68,21 +48,14 @@ WholeRunDesign oneColumn(int n) {
     return design;
 }
 
-void expectAllFinite(const ROIGLM& fit) {
-    for (const std::vector<double>* values : {&fit.betas, &fit.standardErrors, &fit.t})
-        for (const double value : *values)
-            EXPECT_TRUE(std::isfinite(value));
-}
-
 } // namespace
 
 TEST(ROIGLM, PagesHaveThePrintedDigitsOfDoublePrecision) {
-    for (const auto& [name, points] : {std::pair("roi_glm_one_run.html", std::vector{120}),
-                                       {"roi_glm_two_runs.html", std::vector{50, 40}}}) {
-        const Measured measured(points);
+    for (const QByteArray runs : {"one_run", "two_runs"}) {
+        const Measured measured(runs);
         const ROIGLM second = measured.whitened();
-        const QByteArray expected = expectedPage(name);
-        ASSERT_FALSE(expected.isEmpty()) << name;
+        const QByteArray expected =
+            contentOf(VELO_SOURCE_DIR "/tests/stats/roi_glm_" + runs + ".html");
         EXPECT_EQ(roiGLMTable(measured.fit(), &second, measured.names).toStdString(),
                   expected.toStdString());
         // Without the correction: the same up to its heading, then the same end.
@@ -93,7 +66,7 @@ TEST(ROIGLM, PagesHaveThePrintedDigitsOfDoublePrecision) {
 }
 
 TEST(ROIGLM, CurvesAreThoseOfTheFit) {
-    const Measured measured({50, 40});
+    const Measured measured("two_runs");
     const ROIGLM fit = measured.fit();
     const ROIGLM whitened = measured.whitened();
     EXPECT_EQ(fit.data, measured.curve);
@@ -102,17 +75,15 @@ TEST(ROIGLM, CurvesAreThoseOfTheFit) {
     for (const auto& [point, t] : {std::pair(0u, 1u), {48u, 49u}, {49u, 51u}, {87u, 89u}})
         EXPECT_NEAR(double(whitened.data[point]),
                     double(measured.curve[t]) - fit.AR1 * double(measured.curve[t - 1]), 1e-4);
-    for (const ROIGLM* one : {&fit, &whitened})
-        for (size_t t = 0; t < one->data.size(); ++t)
-            EXPECT_NEAR(one->data[t] - one->model[t], one->residuals[t], 1e-4f);
+    for (const ROIGLM& one : {fit, whitened})
+        for (size_t t = 0; t < one.data.size(); ++t)
+            EXPECT_NEAR(one.data[t] - one.model[t], one.residuals[t], 1e-4f);
 }
 
 TEST(ROIGLM, WantsACurveOfTheDesignsLength) {
-    WholeRunDesign wrong = oneColumn(40);
+    WholeRunDesign wrong = oneColumn(40), infinite = wrong, empty = wrong;
     wrong.studies = {{45, {}, {}}, {-5, {}, {}}};
-    WholeRunDesign infinite = oneColumn(40);
     infinite.GLMDesign[7] = std::numeric_limits<float>::infinity();
-    WholeRunDesign empty = oneColumn(40);
     empty.predictors.clear();
     empty.GLMDesign.clear();
     const std::tuple<WholeRunDesign, int, bool> cases[] = {
@@ -127,45 +98,40 @@ TEST(ROIGLM, WantsACurveOfTheDesignsLength) {
     }
 }
 
-TEST(ROIGLM, WithoutVarianceOrExplanationThereIsNoCorrelation) {
-    Measured flat({120});
+TEST(ROIGLM, WhereNothingCanBeTestedAllIsFinite) {
+    Measured flat, alone, full;
     flat.curve.assign(120, 1000.1f);
-    const ROIGLM fit = flat.fit();
-    EXPECT_TRUE(fit.explainsNothing());
-    EXPECT_EQ(fit.SSY, 0.0);
-    EXPECT_EQ(fit.R + fit.adjustedR + float(fit.F + fit.AR1), 0.0f);
-    EXPECT_EQ(fit.pOfF, 1.0f);
-    expectAllFinite(fit);
-    expectAllFinite(flat.whitened());
-
-    // A constant alone explains nothing of a curve, and its single degree of freedom stays 1.
-    Measured alone({120});
-    alone.design = oneColumn(120);
-    const ROIGLM mean = alone.fit();
-    EXPECT_TRUE(mean.explainsNothing());
-    EXPECT_EQ(mean.dfRegression(), 1);
-    EXPECT_EQ(mean.dfResidual(), 119);
-    EXPECT_EQ(mean.F, 0.0);
-    EXPECT_NEAR(mean.standardErrors[0], std::sqrt(mean.SSY / 119 / 120), 1e-9);
-}
-
-TEST(ROIGLM, AsManyPredictorsAsPointsLeaveNothingToTest) {
-    Measured full({30});
+    alone.design = oneColumn(120); // a constant alone explains nothing of a curve
+    full.curve.resize(30);
+    full.design = oneColumn(30);
     full.design.predictors.resize(30);
     full.design.GLMDesign.assign(900, 0.0f);
     for (size_t t = 0; t < 30; ++t)
         full.design.GLMDesign[t * 31] = 1.0f;
-    const ROIGLM fit = full.fit();
-    EXPECT_EQ(fit.dfResidual(), 0);
-    EXPECT_EQ(fit.MSE + fit.F + fit.t[0], 0.0);
-    EXPECT_EQ(fit.pOfF, 1.0f);
-    EXPECT_NEAR(fit.betas[7], full.curve[7], 1e-3f);
-    expectAllFinite(full.whitened());
+    const std::tuple<Measured, bool, int> cases[] = {
+        {flat, true, 116}, {alone, true, 119}, {full, false, 0}};
+    for (const auto& [measured, explainsNothing, dfResidual] : cases) {
+        const ROIGLM fit = measured.fit();
+        EXPECT_EQ(fit.explainsNothing(), explainsNothing);
+        EXPECT_EQ(fit.dfResidual(), dfResidual);
+        EXPECT_EQ(fit.F, 0.0);
+        EXPECT_EQ(fit.pOfF, 1.0f);
+        for (const ROIGLM& one : {fit, measured.whitened()})
+            for (const std::vector<double>* values : {&one.betas, &one.standardErrors, &one.t})
+                EXPECT_TRUE(
+                    std::ranges::all_of(*values, [](double x) { return std::isfinite(x); }));
+    }
+    EXPECT_EQ(flat.fit().R + flat.fit().adjustedR + float(flat.fit().AR1), 0.0f);
+    EXPECT_EQ(full.fit().MSE + full.fit().t[0], 0.0);
+    EXPECT_NEAR(full.fit().betas[7], full.curve[7], 1e-3f);
+    const ROIGLM mean = alone.fit();
+    EXPECT_EQ(mean.dfRegression(), 1);
+    EXPECT_NEAR(mean.standardErrors[0], std::sqrt(mean.SSY / 119 / 120), 1e-9);
 }
 
 TEST(ROIGLM, ColumnsThatSayNothingNewDoNotCount) {
-    const Measured plain({120});
-    Measured doubled({120});
+    const Measured plain;
+    Measured doubled;
     doubled.design.predictors.resize(6);
     doubled.design.GLMDesign.clear();
     for (size_t t = 0; t < 120; ++t) {

@@ -62,6 +62,10 @@ TEST_F(ClassifierTrainingTest, RunsBecomeTrialsPatternsAMachineAndMaps) {
     EXPECT_EQ(training.runs().size(), 2);
     EXPECT_EQ(training.conditions(), QStringList({"Fixation", "Faces", "Houses", "Tools"}));
     EXPECT_EQ(training.selectedConditions(), QStringList({"Faces", "Houses", "Tools"}));
+    ASSERT_TRUE(training.suggestWindow());
+    EXPECT_EQ(training.options.postOnset, 4 - 2 - 1);
+    EXPECT_TRUE(hasLogged("Interval: 4  Frequency: 4"));
+    training.options.postOnset = 5;
     training.options.estimate = TrialEstimate::Beta;
     ASSERT_TRUE(training.estimateTrials());
     EXPECT_EQ(parseTrialSettings(content("SingleTrialGLMSettings.txt")), training.options);
@@ -186,99 +190,89 @@ TEST_F(ClassifierTrainingTest, WithoutARunTheWeightsAreNotShown) {
     EXPECT_LT(training.permutationTest().p(), 0.5);
 }
 
-TEST_F(ClassifierTrainingTest, WhatCanNotBeDoneIsSaid) {
-    struct Case {
-        std::function<void()> prepare;
-        QString message;
-        bool (ClassifierTraining::*operation)();
+TEST_F(ClassifierTrainingTest, WhatCanNotBeEstimatedIsSaid) {
+    const auto expectRefused = [this](const QString& message) {
+        messages.expectWarning(message);
+        EXPECT_FALSE(training.estimateTrials()) << message.toStdString();
     };
-    training.addRuns({writeRun("one")});
-    training.options.estimate = TrialEstimate::Beta;
-    ASSERT_TRUE(training.estimateTrials());
-    const QString run = path("one.fmr");
-    const QStringList all = training.selectedConditions();
-    const auto runOf = [&](const char* before, const char* after) {
-        return [this, protocol = trainingProtocol().replace(before, after)] {
-            training.clearRuns();
-            training.addRuns({writeRun("other", protocol)});
-            training.selectConditions({"Faces", "Houses"});
-        };
+    const auto chooseRunWith = [this](const char* before, const char* after) {
+        training.clearRuns();
+        training.addRuns({writeRun("one", trainingProtocol().replace(before, after))});
+        training.selectConditions({"Faces", "Houses"});
     };
-    const auto patternsOf = [&](const std::vector<double>& labels, double signal = 1.0) {
-        return [=, this] { writePatterns(labels, "x.mvp", signal); };
+    expectRefused("No time course data available*");
+    chooseRunWith("Time: Volumes", "Time: msec");
+    expectRefused("At present, protocols must have \"volume\" resolution.\n\nYou may convert the "
+                  "resolution of protocol \"one.prt\" from*");
+    for (const char* damage : {"46 45", "45 2147483647"}) {
+        chooseRunWith("45 46", damage);
+        expectRefused("The protocol of \"one.fmr\" has a*");
+    }
+    chooseRunWith("", "");
+    training.selectConditions(QStringList{"Faces", "Dogs"});
+    expectRefused("At least one protocol does not contain all selected conditions!");
+    training.selectConditions({});
+    messages.expectWarning("No condition selected; you must*");
+    EXPECT_FALSE(training.suggestWindow());
+    training.selectConditions({"Faces", "Houses"});
+    training.options.postOnset = 57; // 60 points of 60 volumes
+    expectRefused("Can not estimate all trials!\n\nNot enough data points*");
+    training.options.postOnset = 5;
+    training.options.response = TrialResponse::MeanResponse;
+    training.options.intensityLimit = 30000; // no voxel
+    loadRegion({8, 8, 2});                   // of another run
+    expectRefused("The mean response to the trials of \"one.fmr\" is flat*");
+    QFile::remove(path("one.prt"));
+    expectRefused("At least one protocol not found for checks");
+    EXPECT_TRUE(filesNamed("*.fmp").isEmpty());
+}
+
+TEST_F(ClassifierTrainingTest, WhatCanNotBeLearntIsSaid) {
+    const auto expectRefused = [this](bool (ClassifierTraining::*operation)(),
+                                      const QString& message) {
+        messages.expectWarning(message);
+        EXPECT_FALSE((training.*operation)()) << message.toStdString();
     };
-    const auto estimate = &ClassifierTraining::estimateTrials;
     const auto create = &ClassifierTraining::createPatterns;
     const auto train = &ClassifierTraining::train;
-    const auto test = &ClassifierTraining::test;
     const auto chance = &ClassifierTraining::testByPermutations;
-    constexpr VolumeSize fourSlices{8, 8, 4};
-    TrialOptions& options = training.options;
     TrainingChoices& choices = training.choices;
-    const std::vector<Case> cases = {
-        {[&] { training.clearRuns(); }, "No time course data available*", estimate},
-        {[&] { training.addRuns({run}), training.selectConditions({}); },
-         "No condition selected; you must*", &ClassifierTraining::suggestWindow},
-        {[&] {
-             training.selectConditions(QStringList{"Faces", "Dogs"});
-         },
-         "At least one protocol does not contain all selected conditions!", estimate},
-        {runOf("Time: Volumes", "Time: msec"),
-         "At present, protocols must have \"volume\" resolution.\n\nYou may convert the "
-         "resolution of protocol \"other.prt\" from*",
-         estimate},
-        {runOf("45 46", "46 45"), "The protocol of \"other.fmr\" has a*", estimate},
-        {runOf("45 46", "45 2147483647"), "The protocol of*", estimate},
-        {[&] { QFile::remove(path("other.prt")); }, "At least one protocol not found for checks",
-         estimate},
-        {[&] { runOf("", "")(), options.postOnset = 57; }, // 60 points of 60 volumes
-         "Can not estimate all trials!\n\nNot enough data points*", estimate},
-        {[&] {
-             options.postOnset = 5;
-             options.response = TrialResponse::MeanResponse;
-             options.intensityLimit = 30000; // no voxel
-             loadRegion({8, 8, 2});          // of another run
-         },
-         "The mean response to the trials of \"other.fmr\" is flat*", estimate},
-        {[&] { options = {}, session.functionalDocument.reset(); },
-         "You must specify/load ROIs before*", create},
-        {[&] { loadRegion(), choices.region = 1; }, "No ROI selected for SVM data creation",
-         create},
-        {[&] { choices.region = 0, choices.class2 = "Faces"; },
-         "Can not continue - two conditions do not differ!\n\nYou must*", create},
-        {[&] { choices.class2 = "Dogs"; },
-         "FMP file \"one_Trials.fmp\" does not contain selected conditions!\n\nCan not continue!",
-         create},
-        {[&] { choices.class2 = "Tools", loadRegion(fourSlices); },
-         "The maps of \"one_Trials.fmp\" have another size*", create},
-        {[&] { training.clearTrialFiles(); }, "No trial data files available!*", create},
-        {[&] {}, "No patterns available!*", chance},
-        {[&] {}, "No model file available!\n\nFirst train or load a SVM classifier.", test},
-        {patternsOf({1, 1, 1}), "All exemplars are of one class*", train},
-        {patternsOf({1, 0.5}), "The patterns have labels that*", train},
-        {[&] {
-             patternsOf({1, -1})(), choices.svm.C = 0.0;
-         },
-         "C must be*", train},
-        {[&] {
-             choices.svm = SVMOptions{SVMKernel::Polynomial, 1.0, 1e4, 20};
-         },
-         "The training has not led to a classifier*", train},
-        {patternsOf({1, -1}, 1e19), "The patterns hold values that are not finite, or too large.*",
-         train},
-        {[&] {
-             patternsOf({1, -1})(), choices.folds.nrOfFolds = 1;
-         },
-         "Cross-validation needs at least 2 folds.", chance},
-    };
-    for (const Case& each : cases) {
-        each.prepare();
-        messages.expectWarning(each.message);
-        EXPECT_FALSE((training.*each.operation)()) << each.message.toStdString();
-        EXPECT_EQ(messages.shown().size(), &each - cases.data() + 1) << each.message.toStdString();
-    }
-    EXPECT_EQ(filesNamed("*.fmp *.svm *.mvp"), QStringList());
-    EXPECT_TRUE(filesNamed("other_Trials.fmp").isEmpty());
+    expectRefused(&ClassifierTraining::test,
+                  "No model file available!\n\nFirst train or load a SVM classifier.");
+    expectRefused(chance, "No patterns available!*");
+    training.addRuns({writeRun("one")});
+    ASSERT_TRUE(training.estimateTrials());
+    expectRefused(create, "You must specify/load ROIs before*");
+    loadRegion();
+    choices.region = 1;
+    expectRefused(create, "No ROI selected for SVM data creation");
+    choices.region = 0;
+    choices.class2 = "Faces";
+    expectRefused(create, "Can not continue - two conditions do not differ!\n\nYou must*");
+    choices.class2 = "Dogs";
+    expectRefused(create, "FMP file \"one_Trials.fmp\" does not contain selected conditions!\n\n"
+                          "Can not continue!");
+    choices.class2 = "Tools";
+    loadRegion({8, 8, 4});
+    expectRefused(create, "The maps of \"one_Trials.fmp\" have another size*");
+    training.clearTrialFiles();
+    expectRefused(create, "No trial data files available!*");
+    EXPECT_TRUE(filesNamed("*.mvp").isEmpty());
+
+    writePatterns({1, 1, 1});
+    expectRefused(train, "All exemplars are of one class*");
+    writePatterns({1, 0.5});
+    expectRefused(train, "The patterns have labels that*");
+    writePatterns({1, -1}, "x.mvp", 1e19);
+    expectRefused(train, "The patterns hold values that are not finite, or too large.*");
+    writePatterns({1, -1});
+    choices.folds.nrOfFolds = 1;
+    expectRefused(chance, "Cross-validation needs at least 2 folds.");
+    choices.svm.C = 0.0;
+    expectRefused(train, "C must be*");
+    choices.svm = SVMOptions{SVMKernel::Polynomial, 1.0, 1e4, 20};
+    expectRefused(train, "The training has not led to a classifier*");
+    EXPECT_TRUE(filesNamed("*.svm").isEmpty());
 }
 
 TEST_F(ClassifierTrainingTest, OneConditionIsAskedAbout) {
@@ -307,14 +301,6 @@ TEST_F(ClassifierTrainingTest, OneConditionIsAskedAbout) {
     EXPECT_NE(*std::max_element(maps.map(0).begin(), maps.map(0).end()), 0.0f);
     messages.expectWarning("Not enough conditions!*");
     EXPECT_FALSE(training.addTrialFiles({path("one_Trials.fmp")}));
-}
-
-TEST_F(ClassifierTrainingTest, TheWindowFollowsTheSmallestDistanceOfTrials) {
-    training.addRuns({writeRun("one")});
-    training.selectConditions({"Faces", "Houses"});
-    ASSERT_TRUE(training.suggestWindow());
-    EXPECT_EQ(training.options.postOnset, 51 - 45 - 2 - 1);
-    EXPECT_TRUE(hasLogged("Interval: 10  Frequency: 4"));
 }
 
 TEST_F(ClassifierTrainingTest, WhatIsStoppedHasWrittenNothing) {
@@ -365,19 +351,18 @@ TEST_F(ClassifierTrainingTest, FilesThatCanNotBeWrittenLeaveTheOthersAsTheyWere)
 
     const QByteArray settings = content(trialSettingsFileName);
     const QByteArray maps = content("one_Trials.fmp");
-    QFile::rename(path(trialSettingsFileName), path("settings"));
-    QDir().mkdir(path(trialSettingsFileName));
-    messages.expectCritical("Unable to write the settings of the estimation: *");
     training.options.postOnset = 4;
-    EXPECT_FALSE(training.estimateTrials());
+    const auto expectUnwritable = [&](const QString& name, const QString& message) {
+        QFile::rename(path(name), path("kept"));
+        QDir().mkdir(path(name));
+        messages.expectCritical(message);
+        EXPECT_FALSE(training.estimateTrials());
+        QDir().rmdir(path(name));
+        QFile::rename(path("kept"), path(name));
+    };
+    expectUnwritable(trialSettingsFileName, "Unable to write the settings of the estimation: *");
     EXPECT_EQ(content("one_Trials.fmp"), maps);
-    QDir().rmdir(path(trialSettingsFileName));
-    QFile::rename(path("settings"), path(trialSettingsFileName));
-    QFile::remove(path("one_Trials.fmp"));
-    QDir().mkdir(path("one_Trials.fmp"));
-    training.options.preOnset = 1;
-    messages.expectCritical("Can not open specified file for saving map data !");
-    EXPECT_FALSE(training.estimateTrials());
+    expectUnwritable("one_Trials.fmp", "Can not open specified file for saving map data !");
     EXPECT_EQ(content(trialSettingsFileName), settings);
 }
 
@@ -410,8 +395,7 @@ TEST(MeanResponseTest, IsTheMeanOfTheWindowsFromTheirFirstPointOn) {
     options.postOnset = 2;
     const std::vector<Trial> trials = {{"A", 1, 2, 3}, {"B", 1, 5, 6}, {"A", 2, 0, 4}};
     // Windows 1 to 4 and 4 to 7, whose last point repeats the one before; mean 2, 4, 7, 6.
-    const std::vector<double> curve = {0, 1, 3, 5, 3, 5, 9};
-    EXPECT_EQ(measuredResponse(curve, trials, 1, options),
+    EXPECT_EQ(measuredResponse(std::vector<double>{0, 1, 3, 5, 3, 5, 9}, trials, 1, options),
               (std::vector<double>{0.0, 0.4, 1.0, 0.8}));
     EXPECT_TRUE(measuredResponse(std::vector<double>(7, 3.0), trials, 1, options).empty());
 

@@ -51,26 +51,19 @@ protected:
     MultiVoxelPatternClassificationDlg& dialog() {
         return find<MultiVoxelPatternClassificationDlg>("MultiVoxelPatternClassificationDlg");
     }
-    bool enabled(const char* name) { return find(name).isEnabled(); }
-    QStringList listed(const char* name) {
+    QString listed(const char* name) {
         QStringList texts;
         auto& list = find<QListWidget>(name);
         for (int row = 0; row < list.count(); ++row)
             texts << list.item(row)->text();
-        return texts;
+        return texts.join(' ');
     }
     QString log() { return find<QPlainTextEdit>("LogPredictionsTxEd").toPlainText(); }
-    QString fileIn(const char* name) { return find<QLineEdit>(name).text(); }
 
     void estimate() {
         messages.expectFileChoice("Select One or More FMR Files", path("results/test.fmr"));
         click("AddTCDataBtn");
         click("GoBtn");
-    }
-    void train() {
-        estimate();
-        click("CreateMVPBtn");
-        click("TrainSVMBtn");
     }
 };
 
@@ -107,11 +100,9 @@ TEST_F(MultiVoxelDialog, BeginsWithItsDefaults) {
             checked << button->objectName();
     EXPECT_EQ(checked.join(' '),
               "UseStandard2GammaOp CreateSingleTrialEstimatesAsTsOp CreateTrainingMVPOp");
-    EXPECT_EQ(find<QComboBox>("KernelsCmBx").itemText(2), "RBF");
-    EXPECT_EQ(find<QPlainTextEdit>("LogPredictionsTxEd").font().family(), "Courier New");
     for (const char* name : {"FitHRFParamsOptionsBtn", "PlotPatternsBtn", "TrainSVMBtn",
                              "TestSVMBtn", "ShowWeightsBtn", "ConfusionTableBtn"})
-        EXPECT_FALSE(enabled(name)) << name;
+        EXPECT_FALSE(find(name).isEnabled()) << name;
     dialog().trainSVM();
     dialog().onPlotPatterns();
     openMultiVoxelPatternDialog(session, window);
@@ -119,23 +110,20 @@ TEST_F(MultiVoxelDialog, BeginsWithItsDefaults) {
 }
 
 TEST_F(MultiVoxelDialog, ChoicesOfTheEstimationFollowEachOther) {
-    auto& post = find<QSpinBox>("PostOnsetSpBx");
-    auto& label = find<QLabel>("PostOnsetLbl");
-    for (const auto& [value, text, suggests] :
-         {std::tuple(6, "Post-trial:", false), std::tuple(22, "Post-onset:", true)}) {
+    for (const auto& [value, text] : {std::pair(6, "Post-trial:"), {22, "Post-onset:"}}) {
         click("UseConditionDurationForTrialWindowOp");
-        EXPECT_EQ(post.value(), value);
-        EXPECT_EQ(label.text().remove('&'), text);
-        EXPECT_EQ(enabled("AutoSuggestWindowBtn"), suggests);
+        EXPECT_EQ(find<QSpinBox>("PostOnsetSpBx").value(), value);
+        EXPECT_EQ(find<QLabel>("PostOnsetLbl").text().remove('&'), text);
+        EXPECT_EQ(find("AutoSuggestWindowBtn").isEnabled(), value == 22);
     }
+    const auto& normalization = find<QCheckBox>("zNormalizationOp");
     for (const char* other :
          {"CreateSingleTrialEstimatesAsPercBetasOp", "CreateSingleTrialEstimatesAsTsOp"}) {
         click("CreateSingleTrialEstimatesAsBetasOp");
         click("zNormalizationOp");
-        EXPECT_TRUE(find<QCheckBox>("zNormalizationOp").isChecked());
+        EXPECT_TRUE(normalization.isChecked());
         click(other);
-        EXPECT_FALSE(enabled("zNormalizationOp"));
-        EXPECT_FALSE(find<QCheckBox>("zNormalizationOp").isChecked());
+        EXPECT_FALSE(normalization.isEnabled() || normalization.isChecked());
     }
     click("UseAdjusted2GammaOp");
     const auto edited = [this](const char* button) {
@@ -156,28 +144,27 @@ TEST_F(MultiVoxelDialog, ChoicesOfTheEstimationFollowEachOther) {
 
 TEST_F(MultiVoxelDialog, TrainsAClassifierFromARunOnDisk) {
     measureRun();
-    EXPECT_EQ(listed("VOIsLsWdg"), QStringList("ROI 1"));
+    EXPECT_EQ(listed("VOIsLsWdg"), "ROI 1");
     estimate();
-    EXPECT_EQ(listed("InputTCDataLsWdg"), QStringList("test.fmr"));
+    EXPECT_EQ(listed("InputTCDataLsWdg"), "test.fmr");
     EXPECT_EQ(find<QListWidget>("InputTCDataLsWdg").item(0)->toolTip(), path("results/test.fmr"));
-    EXPECT_EQ(listed("ConditionsLsWdg"), QStringList({"Fixation", "Faces", "Houses", "Tools"}));
+    EXPECT_EQ(listed("ConditionsLsWdg"), "Fixation Faces Houses Tools");
     EXPECT_EQ(find<QListWidget>("ConditionsLsWdg").selectedItems().size(), 3);
-    EXPECT_EQ(listed("TrialDataFilesLsWdg"), QStringList("test_Trials.fmp"));
+    EXPECT_EQ(listed("TrialDataFilesLsWdg"), "test_Trials.fmp");
     EXPECT_EQ(find<QComboBox>("SelectedClass2CmBx").currentText(), "Houses");
-
     click("CreateMVPBtn");
-    const QString patterns = "Train_ROI 1_Faces-Houses_4-4.mvp";
-    EXPECT_EQ(fileIn("ROITrainingDataFileEd"), patterns);
-    EXPECT_EQ(find<QLineEdit>("ROITrainingDataFileEd").toolTip(), path("results/" + patterns));
+    const auto& patterns = find<QLineEdit>("ROITrainingDataFileEd");
+    EXPECT_EQ(patterns.text(), "Train_ROI 1_Faces-Houses_4-4.mvp");
+    EXPECT_EQ(patterns.toolTip(), path("results/" + patterns.text()));
     click("PlotPatternsBtn");
     EXPECT_EQ(find<MatrixPlotterDlg>("PatternPlot").plotter().nrOfMatrices(), 2);
 
     click("TrainSVMBtn");
-    EXPECT_EQ(fileIn("TrainedClassifierFileEd"), "Model_ROI 1_Faces-Houses_4-4.svm");
+    EXPECT_EQ(find<QLineEdit>("TrainedClassifierFileEd").text(),
+              "Model_ROI 1_Faces-Houses_4-4.svm");
     EXPECT_TRUE(QFile::exists(find<QLineEdit>("TrainedModelFileEd").toolTip()));
     auto& weights = find<WeightsWindow>("WeightsWindow");
     EXPECT_TRUE(weights.isVisible());
-    EXPECT_EQ(find<QComboBox>("MapCmBx").itemText(0), "SVM Weights");
     EXPECT_TRUE(find<QCheckBox>("ColorsCodeWeightOp").isChecked())
         << "only the sign tells the class";
     // Typed digit by digit: the beginning of a small number is not taken for it.
@@ -197,12 +184,11 @@ TEST_F(MultiVoxelDialog, TrainsAClassifierFromARunOnDisk) {
 
     // Another estimation replaces the run of the weights; closing takes all windows along.
     click("GoBtn");
-    EXPECT_FALSE(weights.isVisible());
-    EXPECT_FALSE(enabled("ShowWeightsBtn"));
+    EXPECT_FALSE(weights.isVisible() || find("ShowWeightsBtn").isEnabled());
     find<QDialogButtonBox>("BtnBox").findChild<QPushButton*>("CloseBtn")->click();
     EXPECT_FALSE(find("PermutationPlot").isVisible());
     session.listeners.documentsLeaving();
-    EXPECT_TRUE(listed("VOIsLsWdg").isEmpty());
+    EXPECT_EQ(listed("VOIsLsWdg"), "");
     click("ClearLogBtn");
     EXPECT_EQ(log(), "");
 }
@@ -210,19 +196,19 @@ TEST_F(MultiVoxelDialog, TrainsAClassifierFromARunOnDisk) {
 TEST_F(MultiVoxelDialog, ShowsTheWeightsOfEachClass) {
     measureRun();
     click("MultiClassOp");
-    EXPECT_FALSE(enabled("SelectedClass1CmBx"));
-    train();
+    EXPECT_FALSE(find("SelectedClass1CmBx").isEnabled());
+    estimate();
+    click("CreateMVPBtn");
+    click("TrainSVMBtn");
     auto& maps = find<QComboBox>("MapCmBx");
     EXPECT_EQ(maps.count(), 4);
     auto& view = find<QtCortivoView>("WeightsView");
-    std::vector<QImage> pictures;
+    QList<QImage> pictures;
     for (int row = 0; row < maps.count(); ++row) {
         maps.setCurrentIndex(row);
         Q_EMIT maps.activated(row);
-        EXPECT_EQ(maps.currentIndex(), row);
-        pictures.push_back(view.mosaic());
-        for (int before = 0; before < row; ++before)
-            EXPECT_NE(pictures[size_t(before)], pictures.back()) << row;
+        EXPECT_FALSE(pictures.contains(view.mosaic())) << row;
+        pictures << view.mosaic();
     }
     // Sign and size by colour; the threshold takes voxels away.
     click("ColorsCodeWeightOp");
@@ -285,8 +271,6 @@ TEST(ConfusionTable, HasThePercentOfEachRow) {
     PredictionReport report;
     report.labels = {-1, 1};
     report.confusion = {1, 3, 0, 2}; // rows -1 and 1
-    report.targets = {-1, -1, -1, -1, 1, 1};
-    report.nrOfRight = 3;
     ConfusionTable table(nullptr);
     expectExplained(table);
     table.showReport(report);

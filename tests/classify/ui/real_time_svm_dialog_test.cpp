@@ -6,7 +6,6 @@
 #include "run/loop/session_fixture.h"
 #include "support/dialog_checks.h"
 
-#include <QCheckBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -41,6 +40,7 @@ protected:
         messages.expectFileChoice("Select SVM File", path("results/Model_a.svm"));
         click("SelectTrainedClassfierFileBtn");
     }
+    QString log() { return find<QPlainTextEdit>("LogPredictionsTxEd").toPlainText(); }
     QString predictText() { return find<QPushButton>("PredictBtn").text().remove('&'); }
     const LiveOptions& options() { return session.classifier.options(); }
 };
@@ -48,12 +48,8 @@ protected:
 TEST_F(RealTimeSVMDialog, BeginsWithItsDefaultsAndEditsTheSession) {
     expectExplained(*dialog());
     EXPECT_EQ(dialog()->windowTitle(), "Real-Time SVM Classification");
-    EXPECT_EQ(find<QPlainTextEdit>("LogPredictionsTxEd").font().family(), "Courier New");
     EXPECT_EQ(find<QGroupBox>(groups[2]).title().remove('&'), "Continous TR-by-TR prediction");
-    EXPECT_TRUE(find<QPlainTextEdit>("LogPredictionsTxEd")
-                    .toPlainText()
-                    .endsWith("Loaded \"VoxelsUsedForTraining.txt\" file containing 2 voxels"));
-    EXPECT_EQ(text("PostOnsetLbl"), "Post-onset:");
+    EXPECT_TRUE(log().endsWith("Loaded \"VoxelsUsedForTraining.txt\" file containing 2 voxels"));
     LiveOptions expected = defaultLiveOptions();
     const std::tuple<const char*, int, int&> fields[] = {
         {"PreOnsetSpBx", 1, expected.trial.preOnset},
@@ -67,30 +63,24 @@ TEST_F(RealTimeSVMDialog, BeginsWithItsDefaultsAndEditsTheSession) {
         find<QSpinBox>(name).setValue(field);
         EXPECT_EQ(options(), expected) << name;
     }
-    find<QCheckBox>("UseTrialDurationForDataWindowOp").click();
-    EXPECT_FALSE(options().trial.useTrialDuration) << "of the mode that is not chosen";
-    QTest::keyClick(&find<QGroupBox>(groups[0]), Qt::Key_Space);
-    for (const auto& [label, post] : {std::pair("Post-trial:", 6), {"Post-onset:", 22}}) {
-        find<QCheckBox>("UseTrialDurationForDataWindowOp").click();
-        EXPECT_EQ(text("PostOnsetLbl"), label);
-        EXPECT_EQ(options().trial.postOnset, post);
-        EXPECT_EQ(options().trial.useTrialDuration, post == 6);
-        EXPECT_EQ(find<QSpinBox>("PostOnsetSpBx").value(), post);
-    }
-}
-
-TEST_F(RealTimeSVMDialog, OneModeIsChosenAndItsGroupAloneIsEnabled) {
-    const std::pair<int, PredictionMode> choices[] = {{0, PredictionMode::EndOfTrial},
-                                                      {2, PredictionMode::Continuous},
-                                                      {2, PredictionMode::Continuous},
-                                                      {1, PredictionMode::WithinCondition}};
-    for (const auto& [chosen, mode] : choices) {
+    // One mode is chosen, and its group alone is enabled.
+    for (const auto& [chosen, mode] : {std::pair(2, PredictionMode::Continuous),
+                                       {2, PredictionMode::Continuous},
+                                       {1, PredictionMode::WithinCondition},
+                                       {0, PredictionMode::EndOfTrial}}) {
         QTest::keyClick(&find<QGroupBox>(groups[chosen]), Qt::Key_Space);
         EXPECT_EQ(options().mode, mode);
         for (int group = 0; group < 3; ++group)
             EXPECT_EQ(find<QGroupBox>(groups[group]).isChecked(), group == chosen) << group;
         EXPECT_EQ(find<QSpinBox>("PreOnsetSpBx").isEnabled(), chosen == 0);
         EXPECT_EQ(find<QSpinBox>("HRDelaySpBx").isEnabled(), chosen == 1);
+    }
+    for (const auto& [label, post] : {std::pair("Post-trial:", 6), {"Post-onset:", 22}}) {
+        click("UseTrialDurationForDataWindowOp");
+        EXPECT_EQ(text("PostOnsetLbl"), label);
+        EXPECT_EQ(options().trial.postOnset, post);
+        EXPECT_EQ(options().trial.useTrialDuration, post == 6);
+        EXPECT_EQ(find<QSpinBox>("PostOnsetSpBx").value(), post);
     }
 }
 
@@ -121,9 +111,7 @@ TEST_F(RealTimeSVMDialog, PredictsDuringARunAndShowsIt) {
     EXPECT_EQ(session.classifier.NrOfOnlinePatterns(), 8) << "Escape did not end it";
     EXPECT_EQ(predictText(), "Predict");
     EXPECT_EQ(text("ClassifierStateLbl"), "Off: Model_a.svm, 2 voxels");
-    EXPECT_TRUE(find<QPlainTextEdit>("LogPredictionsTxEd")
-                    .toPlainText()
-                    .contains("Incremental prediction completed."));
+    EXPECT_TRUE(log().contains("Incremental prediction completed."));
     QTest::keyClick(dialog(), Qt::Key_Escape);
     EXPECT_FALSE(dialog()->isVisible());
     EXPECT_FALSE(session.classifier.isOpen());

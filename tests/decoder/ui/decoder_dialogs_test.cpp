@@ -38,14 +38,19 @@ protected:
         return responses ? responses->front() : std::vector<float>();
     }
     void set(const char* name, int value) { find<QSpinBox>(name).setValue(value); }
+    /// Clicks a button that asks for a file.
+    void choose(const char* button, const char* title, const QString& file,
+                const QString& warning = {}) {
+        messages.expectFileChoice(title, file);
+        if (!warning.isEmpty())
+            messages.expectWarning(warning);
+        click(button);
+    }
     [[nodiscard]] const DecoderSettings& applied() { return session.decoder.decoder().settings(); }
     /// Rest and nine tasks, one trial each: the onset of the first, volumes from each to the next.
     static QString tenConditions(int first, int step) {
         QString protocol =
-            "FileVersion: 2\nResolutionOfTime: Volumes\nExperiment: t\n"
-            "BackgroundColor: 0 0 0\nTextColor: 255 255 255\nTimeCourseColor: 1 1 1\n"
-            "TimeCourseThick: 2\nReferenceFuncColor: 0 0 80\nReferenceFuncThick: 2\n"
-            "NrOfConditions: 10\n";
+            defaultProtocol().section("NrOfConditions:", 0, 0) + "NrOfConditions: 10\n";
         for (int i = 0; i < 10; ++i)
             protocol += QString("C%1\n1\n%2 %2\nColor: 9 9 9\n").arg(i).arg(first + step * i);
         return protocol;
@@ -87,41 +92,36 @@ TEST_F(DecoderDialogs, NameTheSettings) {
 
 TEST_F(DecoderDialogs, HandOverWhatIsSet) {
     openSettings();
-    set("NrOfVOIsSpBx", 5);
-    set("NrOfTimePointsSpBx", 200);
-    set("TimerIntervalSpBx", 50);
-    set("SkipTimePointsAtBeginSpBx", 4);
-    set("FullWindowSizeSpBx", 45);
-    set("IdealResponseWindowSizeSpBx", 38);
-    set("SkipAtBeginSpBx", 2);
-    set("SkipAtEndSpBx", -3);
-    set("MeanForPercSignalFromSpBx", 1);
-    set("MeanForPercSignalToSpBx", 5);
+    DecoderSettings expected;
+    const std::tuple<const char*, int&, int> numbers[] = {
+        {"NrOfVOIsSpBx", expected.NrOfDataROIs, 5},
+        {"NrOfTimePointsSpBx", expected.NrOfTimePoints, 200},
+        {"TimerIntervalSpBx", expected.TimerInterval, 50},
+        {"SkipTimePointsAtBeginSpBx", expected.SkipTimePointsAtBegin, 4},
+        {"FullWindowSizeSpBx", expected.FullWindowSize, 45},
+        {"IdealResponseWindowSizeSpBx", expected.IdealResponseWindowSize, 38},
+        {"SkipAtBeginSpBx", expected.SkipAtBeginOfWindow, 2},
+        {"SkipAtEndSpBx", expected.SkipAtEndOfWindow, -3},
+        {"MeanForPercSignalFromSpBx", expected.MeanForPercSignalFrom, 1},
+        {"MeanForPercSignalToSpBx", expected.MeanForPercSignalTo, 5}};
+    for (const auto& [name, field, value] : numbers) {
+        set(name, value);
+        field = value;
+    }
     find<QDoubleSpinBox>("CorrBetaTauDSpBx").setValue(0.25);
+    expected.CorrBetaTau = 0.25f;
     click("UseOnlySMAVOIsOp");
+    expected.HelperVOIsMode = HelperVOIs::OnlyHelpers;
     weight(1, 1).setText("3");
     weight(1, 4).setText("-4");
+    expected.TaskVOIWeights = scaledWeights({{{1, 0, 0, 1}, {0, 3, 0, 0, -4}, {0, 0, 1, 0, 0, 1}}});
     set("NrOfExtraLinesSpBx", 2);
     set("ExtraLineNrSpBx", 2);
     find<QDoubleSpinBox>("ExtraLineAtPointDSpBx").setValue(7.5);
+    expected.extraLines = {0.0f, 7.5f};
     EXPECT_TRUE(writeReferences(idealResponses(38, TR), path("own.rtc")));
     find<QLineEdit>("IdealResponsesRTCFileEd").setText(path("own.rtc"));
     click("OkBtn");
-    DecoderSettings expected;
-    expected.NrOfDataROIs = 5;
-    expected.NrOfTimePoints = 200;
-    expected.TimerInterval = 50;
-    expected.SkipTimePointsAtBegin = 4;
-    expected.FullWindowSize = 45;
-    expected.IdealResponseWindowSize = 38;
-    expected.SkipAtBeginOfWindow = 2;
-    expected.SkipAtEndOfWindow = -3;
-    expected.MeanForPercSignalFrom = 1;
-    expected.MeanForPercSignalTo = 5;
-    expected.CorrBetaTau = 0.25f;
-    expected.HelperVOIsMode = HelperVOIs::OnlyHelpers;
-    expected.TaskVOIWeights = scaledWeights({{{1, 0, 0, 1}, {0, 3, 0, 0, -4}, {0, 0, 1, 0, 0, 1}}});
-    expected.extraLines = {0.0f, 7.5f};
     EXPECT_EQ(applied(), expected);
     EXPECT_EQ(find<Plotter>("ReferencePlot1").content().lines.size(), 2u);
     EXPECT_EQ(session.decoder.preparation().referencesPath, path("own.rtc"));
@@ -173,42 +173,27 @@ TEST_F(DecoderDialogs, KeepWeightsAndSettingsInFiles) {
     set("FullWindowSizeSpBx", 60);
     set("NrOfTimePointsSpBx", 99);
     click("UseOnlyTaskVOIsOp");
-    const struct {
-        const char* button;
-        const char* title;
-        const char* file;
-    } saved[] = {
-        {"SaveWeightsBtn", "Select file for storing VOI weighting pattern for each task", "a.wgt"},
-        {"SaveDefaultSettingsBtn", "Save BDS File", "a.bds"}};
-    for (const auto& [button, title, file] : saved) {
-        messages.expectFileChoice(title, path(file));
-        click(button);
-        messages.expectFileChoice(title, path("none/") + file);
-        messages.expectWarning("ERROR: Can not open output file \"" + path("none/") + file +
-                               "\" for writing.");
-        click(button);
+    const QString unwritable = "ERROR: Can not open output file \"%1\" for writing.";
+    for (const auto& [button, title, file] :
+         {std::tuple("SaveWeightsBtn",
+                     "Select file for storing VOI weighting pattern for each task", "a.wgt"),
+          {"SaveDefaultSettingsBtn", "Save BDS File", "a.bds"}}) {
+        choose(button, title, path(file));
+        choose(button, title, path("none/") + file, unwritable.arg(path("none/") + file));
     }
     weight(2, 5).setText("9");
     set("FullWindowSizeSpBx", 50);
     set("NrOfTimePointsSpBx", 88);
     click("UseOnlySMAVOIsOp");
     put("bad", "Version: 2");
-    const struct {
-        const char* button;
-        const char* title;
-        const char* file;
-    } loaded[] = {
-        {"LoadWeightsBtn", "Select file containing VOI weighting pattern for each task", "a.wgt"},
-        {"LoadDefaultSettingsBtn", "Load BDS File", "a.bds"}};
-    for (const auto& [button, title, file] : loaded) {
-        messages.expectFileChoice(title, path("none"));
-        messages.expectWarning("ERROR: Can not open file \"" + path("none") + "\" for writing.");
-        click(button);
-        messages.expectFileChoice(title, path("bad"));
-        messages.expectWarning("The file \"" + path("bad") + "\" does not hold*");
-        click(button);
-        messages.expectFileChoice(title, path(file));
-        click(button);
+    for (const auto& [button, title, file] :
+         {std::tuple("LoadWeightsBtn", "Select file containing VOI weighting pattern for each task",
+                     "a.wgt"),
+          {"LoadDefaultSettingsBtn", "Load BDS File", "a.bds"}}) {
+        choose(button, title, path("none"),
+               "ERROR: Can not open file \"" + path("none") + "\" for writing.");
+        choose(button, title, path("bad"), "The file \"" + path("bad") + "\" does not hold*");
+        choose(button, title, path(file));
     }
     EXPECT_EQ(weight(2, 5).text(), "0.25");
     EXPECT_EQ(find<QSpinBox>("FullWindowSizeSpBx").value(), 60);
@@ -216,37 +201,30 @@ TEST_F(DecoderDialogs, KeepWeightsAndSettingsInFiles) {
     EXPECT_TRUE(find<QAbstractButton>("UseOnlyTaskVOIsOp").isChecked());
     // All digits of a file, which the box doesn't show.
     put("a.bds", content("a.bds").replace("Tau:             0.5", "Tau:             0.333"));
-    messages.expectFileChoice("Load BDS File", path("a.bds"));
-    click("LoadDefaultSettingsBtn");
+    choose("LoadDefaultSettingsBtn", "Load BDS File", path("a.bds"));
     click("OkBtn");
     EXPECT_EQ(applied().CorrBetaTau, 0.333f);
 }
 
 TEST_F(DecoderDialogs, ChooseReferencesAndData) {
     session.decoder.setSampleFolder(path("sample"));
-    BOLDDecodingSettingsDlg& dialog = openSettings();
+    openSettings();
     auto& file = find<QLineEdit>("OfflineRTCFileEd");
     const auto numbers = [this] {
         return CurvesSize{find<QSpinBox>("NrOfVOIsSpBx").value(),
                           find<QSpinBox>("NrOfTimePointsSpBx").value()};
     };
     EXPECT_EQ(file.text(), path("sample/SampleMessage.rtc"));
-    for (const char* name : {"OfflineRTCFileEd", "TimerIntervalSpBx"})
-        EXPECT_FALSE(find<QWidget>(name).isEnabled()) << name;
+    EXPECT_FALSE(file.isEnabled() || find<QWidget>("TimerIntervalSpBx").isEnabled());
     const CurvesSize ofRun{5, numbers().nrOfTimePoints};
     set("NrOfVOIsSpBx", 5);
     click("OfflineAnalysisOp");
     EXPECT_EQ(numbers(), (CurvesSize{6, 465}));
-    messages.expectFileChoice("Select RTC file with 3 or 4 VOI time courses", path("word.rtc"));
-    dialog.selectVOITimeCoursesRTCFile();
-    EXPECT_EQ(file.text(), path("word.rtc"));
-    file.clear();
-    messages.expectFileChoice("Select RTC file with 3 or 4 VOI time courses", path("word.rtc"));
-    click("SelectOfflineRTCFileBtn");
+    EXPECT_TRUE(file.isEnabled() && find<QWidget>("TimerIntervalSpBx").isEnabled());
+    choose("SelectOfflineRTCFileBtn", "Select RTC file with 3 or 4 VOI time courses",
+           path("word.rtc"));
     EXPECT_EQ(file.text(), path("word.rtc"));
     EXPECT_EQ(numbers(), (CurvesSize{6, 170}));
-    for (const char* name : {"OfflineRTCFileEd", "TimerIntervalSpBx"})
-        EXPECT_TRUE(find<QWidget>(name).isEnabled()) << name;
     // Leaving the field takes the numbers of another file, and keeps what was typed for this one.
     set("NrOfTimePointsSpBx", 100);
     Q_EMIT file.editingFinished();
@@ -257,8 +235,7 @@ TEST_F(DecoderDialogs, ChooseReferencesAndData) {
     click("RealTimeAnalysisOp");
     EXPECT_EQ(numbers(), ofRun);
     EXPECT_FALSE(file.isEnabled());
-    messages.expectFileChoice("Select RTC file with 9 ideal responses", "/r.rtc");
-    click("SelectIdealResponsesRTCFileBtn");
+    choose("SelectIdealResponsesRTCFileBtn", "Select RTC file with 9 ideal responses", "/r.rtc");
     EXPECT_EQ(find<QLineEdit>("IdealResponsesRTCFileEd").text(), "/r.rtc");
 }
 
@@ -274,49 +251,34 @@ TEST_F(DecoderDialogs, MakeResponsesFromFiles) {
           "Use ROIs optimized for temporal BOLD characteristics (4-6)", "Use all six ROIs (1-6)",
           "RTC file:", "Data RTC file:", "Protocol file:"})
         EXPECT_TRUE(textsOf(dialog).contains(text)) << text;
-    const struct {
-        const char* name;
-        int value;
-    } defaults[] = {{"WindowTimePointsSpBx", 40},
-                    {"PreTrialBeginDataPointsSpBx", 5},
-                    {"PostTrialDataPointsSpBx", 10},
-                    {"ShortestTaskDurationSpBx", 15}};
-    for (const auto& [name, value] : defaults)
+    for (const auto& [name, value] : {std::pair("WindowTimePointsSpBx", 40),
+                                      {"PreTrialBeginDataPointsSpBx", 5},
+                                      {"PostTrialDataPointsSpBx", 10},
+                                      {"ShortestTaskDurationSpBx", 15}})
         EXPECT_EQ(find<QSpinBox>(name).value(), value) << name;
-    EXPECT_EQ(find<QSpinBox>("WindowTimePointsSpBx").minimum(), 1);
-    EXPECT_EQ(find<QSpinBox>("WindowTimePointsSpBx").maximum(), 999);
     EXPECT_EQ(find<QLineEdit>("IdealResponsesFileEd").text(), path("EmpiricalResponses-2.rtc"));
     messages.expectWarning("Choose all files of this dialog first.");
     click("OkBtn");
     put("training.prt", tenConditions(6, 12).toLatin1());
-    const struct {
-        const char* button;
-        const char* title;
-        const char* file;
-    } choices[] = {
-        {"SelectDataRTCFileBtn", "Select RTC file with VOI time courses", "word.rtc"},
-        {"SelectIdealResponsesFileBtn", "Select RTC file for the empirical responses", "made.rtc"},
-        {"SelectProtocolFileBtn", "Select protocol file", "training.prt"}};
-    for (const auto& [button, title, file] : choices) {
-        messages.expectFileChoice(title, path(file));
-        click(button);
-        EXPECT_EQ(find<QLineEdit>("ProtocolFileEd").text(), path("training.prt")) << "the only one";
-    }
+    choose("SelectDataRTCFileBtn", "Select RTC file with VOI time courses", path("word.rtc"));
+    EXPECT_EQ(find<QLineEdit>("ProtocolFileEd").text(), path("training.prt")) << "the only one";
+    choose("SelectIdealResponsesFileBtn", "Select RTC file for the empirical responses",
+           path("made.rtc"));
+    choose("SelectProtocolFileBtn", "Select protocol file", path("training.prt"));
     // The helpers respond half as much as the regions of the tasks.
-    double greatest = 0.0;
-    for (const auto& [button, share] : {std::pair{"UseThreeTaskROIsForIdealResponsesOp", 1.0},
-                                        {"UseOnlySMAROIsForIdealResponsesOp", 0.5},
-                                        {"IncludeSMAsForIdealResponsesBtn", 0.75}}) {
+    std::vector<double> rises;
+    for (const char* button :
+         {"UseThreeTaskROIsForIdealResponsesOp", "UseOnlySMAROIsForIdealResponsesOp",
+          "IncludeSMAsForIdealResponsesBtn"}) {
         click(button);
         const std::vector<float> response = made();
         ASSERT_EQ(response.size(), 40u) << button;
-        const double now = double(std::ranges::max(response)) - 100.0;
-        if (greatest == 0.0)
-            greatest = now;
-        EXPECT_GT(now, 0.01);
-        EXPECT_NEAR(now, greatest * share, 0.005) << button;
+        rises.push_back(double(std::ranges::max(response)) - 100.0);
         dialog.show();
     }
+    EXPECT_GT(rises[1], 0.01);
+    EXPECT_NEAR(rises[1], 0.5 * rises[0], 0.005);
+    EXPECT_NEAR(rises[2], 0.75 * rises[0], 0.005);
     EXPECT_TRUE(find<QPlainTextEdit>("LogEd").toPlainText().endsWith(path("made.rtc") + '"'));
     // The shortest response ends 9 + 4 points behind the onset.
     set("WindowTimePointsSpBx", 30);
