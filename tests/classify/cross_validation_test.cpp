@@ -140,3 +140,24 @@ TEST(PermutationTest, LabelsStayInTheirRun) {
     EXPECT_EQ(test.atLeast(), 5);
     EXPECT_EQ(test.shuffledRight, std::vector<int>(5, test.nrOfRight));
 }
+
+// On noise p is uniform: the distance of its distribution stays below the Kolmogorov bound for a
+// probability of 0.1 %, 1.95 / sqrt(n).
+TEST(PermutationTest, PIsUniformOnNoise) {
+    std::vector<double> ps;
+    RecordedProgress quiet;
+    CrossValidationOptions folds;
+    folds.nrOfFolds = 4;
+    constexpr int dataSets = 40;
+    for (unsigned seed = 1; seed <= dataSets; ++seed) {
+        folds.seed = 1000 * seed;
+        const PatternSet noise =
+            plantedPatterns({.trials = 32, .features = 4, .strength = 0.0, .seed = seed});
+        ps.push_back(testByPermutation(noise, {}, folds, 19, quiet).p());
+    }
+    std::sort(ps.begin(), ps.end());
+    double distance = 0.0;
+    for (size_t i = 0; i < ps.size(); ++i) // p is at most as small as uniform: ties make it larger
+        distance = std::max(distance, std::abs(double(i + 1) / dataSets - ps[i]));
+    EXPECT_LT(distance, 1.95 / std::sqrt(double(dataSets)));
+}

@@ -233,6 +233,24 @@ TEST(FeatureElimination, FindsTheVoxelsThatCarryADistinction) {
     EXPECT_EQ(reporter.values.back(), 100);
 }
 
+// The test fold has no part in the choice: on noise the accuracy stays at chance at each level,
+// over the data sets within 4 standard deviations.
+TEST(FeatureElimination, IsRightByChanceOnNoise) {
+    constexpr int dataSets = 20;
+    std::vector<double> sums(4, 0.0);
+    for (unsigned seed = 1; seed <= dataSets; ++seed) {
+        const PatternSet noise =
+            plantedPatterns({.trials = 24, .features = 40, .strength = 0.0, .seed = seed});
+        EliminationOptions options = quickOptions();
+        options.univariateSelection = seed % 2 == 0;
+        const std::vector<double> accuracy = eliminate(noise, options).meanAccuracy;
+        for (size_t level = 0; level < 4; ++level)
+            sums[level] += accuracy[level] / dataSets;
+    }
+    for (const double mean : sums)
+        EXPECT_NEAR(mean, 50.0, 4.0 * 50.0 / std::sqrt(24.0 * dataSets));
+}
+
 TEST(FeatureElimination, UnivariateScoresAreRatiosOrMeans) {
     PatternSet patterns;
     patterns.nrOfFeatures = 4;

@@ -7,6 +7,7 @@
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <numeric>
 
 namespace {
 
@@ -75,6 +76,24 @@ TEST(SVMWeights, OfSeveralClassesAddTheirPairsByRisingLabel) {
             EXPECT_NEAR(weights[row].values[f], expected[row][f], 1e-15) << row << ' ' << f;
     }
     EXPECT_EQ(svmConstants(model), (std::vector{0.0, -1.0, 2.0}));
+}
+
+// With a linear kernel the decision values, which libsvm computes, follow from weights and
+// constants.
+TEST(SVMWeights, ReproduceTheDecisionValuesOfALinearMachine) {
+    const SVMModel model = loaded(QByteArray(threeClassModel).replace("rbf\ngamma 0.5", "linear"));
+    const std::vector<double> features{0.7, -1.3, 2.9};
+    const std::vector<double> pairs = predict(model, features).pairValues;
+    const std::vector<double> b = svmConstants(model);
+    const double margins[] = {pairs[0] - b[0], pairs[1] - b[1], pairs[2] - b[2]};
+    // The slots are of labels 3, 1, 2; the weights rise by label.
+    const double expected[] = {margins[2] - margins[0], -margins[1] - margins[2],
+                               margins[0] + margins[1]};
+    const std::vector<SVMWeights> weights = svmWeights(model);
+    for (size_t row = 0; row < 3; ++row)
+        EXPECT_NEAR(
+            std::inner_product(features.begin(), features.end(), weights[row].values.begin(), 0.0),
+            expected[row], 1e-12);
 }
 
 /// With the only feature at 0, only the constants decide: one for each pair.
