@@ -38,6 +38,7 @@ std::vector<MultiRunMenuRow> SessionMultiRun::menu() {
     for (int i = 0; project_.multiRunProject && i < project_.nrOfMultiRunFiles; ++i) {
         const QString path = projectPathOf(project_, i);
         if (path.isEmpty()) {
+            // Whichever it was, the first one is named.
             showWarning(
                 QStringLiteral(" ERROR: Can not read vco file \"%1\" for multi-run analysis.")
                     .arg(project_.multiRunFiles.first()));
