@@ -99,14 +99,15 @@ struct ExactFit {
     double rss = 0;
     std::vector<double> betas;
 
-    ExactFit(const GLMTestRun& run, size_t voxel, int n) : n_(n) {
+    ExactFit(const GLMTestRun& run, size_t voxel, int n)
+        : betas(run.glm.ActivePredictors.size()), n_(n) {
         const std::vector<int>& active = run.glm.ActivePredictors;
         std::vector<std::vector<double>> columns; // below each, what it is made of
         for (size_t j = 0; j < active.size(); ++j) {
             const std::vector<float>& values = run.design.PredictorColumns[size_t(active[j])];
-            std::vector<double>& column = columns.emplace_back(values.begin(), values.begin() + n);
+            std::vector<double>& column = columns.emplace_back(size_t(n) + active.size());
+            std::copy_n(values.begin(), n, column.begin());
             const double length = std::sqrt(dot(column, column));
-            column.resize(size_t(n) + active.size());
             column[size_t(n) + j] = 1.0;
             for (double& value : column)
                 value /= length;
@@ -121,7 +122,6 @@ struct ExactFit {
         for (size_t t = 0; t < size_t(n); ++t)
             y.push_back(run.project.volumes[t][voxel] - run.project.volumes[0][voxel]);
         rss = dot(y, y);
-        betas.resize(active.size());
         double largest = 0;
         for (const auto& column : columns)
             largest = std::max(largest, dot(column, column));

@@ -6,6 +6,7 @@
 #include "volume/spline_resampling.h"
 #include "volume_runs.h"
 
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <map>
 
@@ -92,6 +93,36 @@ TEST(SeveralThreads, GiveTheBitsOfOne) {
                     << name << " of " << size[0] << " columns on " << threads;
         }
     }
+}
+
+TEST(SeveralThreads, CorrectARunAsOneDoes) {
+    const VolumeGrid grid = gridOf({33, 35, 13}, {3.0f, 3.0f, 4.0f});
+    const HeadVolume head(grid);
+    const QTemporaryDir folder;
+    const auto correct = [&](MotionMethod method, int threads) {
+        WorkerPool workers(threads);
+        FMRProject run = runOf(grid.size[0], grid.size[1], grid.size[2], 3);
+        for (unsigned v = 0; v < 3; ++v)
+            head.fill({0.3f * float(v), 0.0f, 0.2f, 0.0f, float(v), 0.0f}, 20.0, v, run.volumes[v]);
+        run.targetFolder = folder.path() + "/";
+        MotionCorrection correction;
+        correction.method = method;
+        EXPECT_TRUE(correction.motionTarget.allocate(grid.samples()));
+        correction.setMotionTarget(run);
+        bool failed = false;
+        std::vector<double> numbers;
+        for (int v = 1; v < 3; ++v) {
+            correction.correctVolumeMotion(run, v, failed, workers);
+            for (const auto& values : correction.motionParameters)
+                numbers.push_back(double(values[size_t(v)]));
+            std::ranges::copy(run.volumes[size_t(v)], std::back_inserter(numbers));
+        }
+        EXPECT_FALSE(failed);
+        return numbers;
+    };
+    for (const MotionMethod method :
+         {MotionMethod::Standard, MotionMethod::LeastSquares, MotionMethod::LeastSquaresTrilinear})
+        EXPECT_TRUE(correct(method, 3) == correct(method, 1)) << int(method);
 }
 
 } // namespace

@@ -74,6 +74,7 @@ TEST_F(SessionPluginMapsTest, ARunShowsThemFromTheVolumeAtWhichTheyAreFilled) {
     EXPECT_EQ(plugin_.thresholdsShown, std::vector{10.5f});
     for (const auto& change : {std::function<void()>([this] { maps().toggleState(2, 1); }),
                                {[this] { maps().showAlone(1); }},
+                               {[this] { maps().show(true); }},
                                {[this] { maps().clear(); }}}) {
         display.calls.clear();
         change();
