@@ -356,7 +356,7 @@ TEST_F(VolumeLoopTest, SavedRunComesBackWithItsVolumesAndMaps) {
     messages.expectWarning("TIME OUT ERROR: expected file did not arrive!");
     session.runButtonPressed();
     const std::vector<float> maps = mapValues();
-    EXPECT_GT(std::ranges::max(maps), 0.0f);
+    EXPECT_TRUE(std::ranges::any_of(maps, [](float value) { return value > 0.0f; }));
 
     ASSERT_TRUE(session.reloadData());
     ASSERT_EQ(document().project.volumes.size(), 40u);
