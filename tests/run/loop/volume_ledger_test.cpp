@@ -130,6 +130,20 @@ TEST_F(VolumeLedgerTest, AVolumeThatNeedsTooMuchNamesWhoTookIt) {
         }
 }
 
+TEST_F(VolumeLedgerTest, EventsOfTheWindowAreCountedAsItsTime) {
+    pump.setEventCost(7);
+    std::vector<qint64> window; // without and with the pace of the TR
+    for (const char* pace : {"0", "1"}) {
+        writeSession(14, 2, {{"ForceTRDelay:", pace}});
+        session.runButtonPressed();
+        for (const size_t volume : {0, 5, 11})
+            EXPECT_EQ(times(volume).of(VolumeStage::Window), times(volume).needed()) << volume;
+        window.push_back(times(5).of(VolumeStage::Window));
+    }
+    EXPECT_GE(window[0], 1000 * 3 * 7);
+    EXPECT_EQ(window[1], window[0]);
+}
+
 TEST_F(VolumeLedgerTest, TheWaitOfAReplayIsNoWorkAndIsNotLate) {
     writeSession(9, 2, {{"ForceTRDelay:", "1"}});
     script.millisecondsPerVolume = 300;
