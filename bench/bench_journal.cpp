@@ -1,13 +1,14 @@
 // What the journal costs the loop: adding a volume while the thread writes to a file beside this
 // program. Wall time, in which other programs count, and processor time of the adding thread.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "clock_time.h"
+#include "processor_time.h"
 #include "run/journal/journal_writer.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <numeric>
 #include <random>
 #include <sys/resource.h>
@@ -23,12 +24,6 @@ struct Times {
     std::vector<double> wall;
     std::vector<double> processor;
 };
-
-double milliseconds(clockid_t clock) {
-    timespec time{};
-    clock_gettime(clock, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) * 1e-6;
-}
 
 long pageFaults() {
     rusage usage{};
@@ -69,11 +64,11 @@ void printSize(const QString& folder, const Size& size, double pauseMilliseconds
         const std::vector<int16_t>& volume = volumes[size_t(v) % volumes.size()];
         if (v == nrOfFirstVolumes)
             faults = pageFaults();
-        const double wall = milliseconds(CLOCK_MONOTONIC);
-        const double processor = milliseconds(CLOCK_THREAD_CPUTIME_ID);
-        good = writer.add(1, {arrival, bytesOf(volume)}) && good;
-        times.processor.push_back(milliseconds(CLOCK_THREAD_CPUTIME_ID) - processor);
-        times.wall.push_back(milliseconds(CLOCK_MONOTONIC) - wall);
+        times.wall.push_back(clockTime([&] {
+            const double before = threadMilliseconds();
+            good = writer.add(1, {arrival, bytesOf(volume)}) && good;
+            times.processor.push_back(threadMilliseconds() - before);
+        }));
         wait(pauseMilliseconds);
     }
     faults = pageFaults() - faults;

@@ -22,19 +22,12 @@ constexpr int rounds = 3; ///< in turn, as the clock of a shared machine varies
 
 enum class Shown { NoPlugin, Contrasts, PluginMap };
 
-/// Of this thread, so that neither other programs nor the journal's thread count.
-double processorMilliseconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) * 1e-6;
-}
-
 /// The host looks at the clock just before and just behind each call of the plug-in, so that the
 /// time between two looks is the plug-in's own.
 class LookedAtPump : public QtEventPump {
 public:
     qint64 milliseconds() const override {
-        const double now = processorMilliseconds();
+        const double now = threadMilliseconds();
         sinceLastLook = now - lastLook_;
         lastLook_ = now;
         return QtEventPump::milliseconds();
@@ -97,8 +90,8 @@ bool PluginRun::openWindow(const QString& pluginFolder) {
     RunSession& session = window_->session();
     session.listeners.add(*this, ListenerPlace::PlugIn);
     session.makeReader = [this](const IntakeContext& context) {
-        return std::make_unique<HeadRunReader>(
-            context.project, size_, [this] { starts_.push_back(processorMilliseconds()); });
+        return std::make_unique<HeadRunReader>(context.project, size_,
+                                               [this] { starts_.push_back(threadMilliseconds()); });
     };
     return shown_ == Shown::NoPlugin || launchPlugin();
 }

@@ -1,6 +1,7 @@
 // What the journal costs a run at its largest size: the loop's own time with and without it, and
 // with a disk that takes half of the data only. The volumes come at the TR.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "processor_time.h"
 #include "silent_display.h"
 
 #include "intake/volume_reader.h"
@@ -27,12 +28,6 @@ constexpr size_t volumeBytes = size_t(matrix) * matrix * slices * sizeof(int16_t
 
 enum class Disk { None, Real, HalfTheDataRate };
 
-double processorMilliseconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) * 1e-6;
-}
-
 /// A moment on both clocks.
 struct Moment {
     Clock::time_point wall;
@@ -40,7 +35,7 @@ struct Moment {
 };
 
 Moment now() {
-    return {Clock::now(), processorMilliseconds()};
+    return {Clock::now(), threadMilliseconds()};
 }
 
 double millisecondsSince(Clock::time_point start) {
@@ -113,7 +108,7 @@ public:
         session.listeners.add(*this, ListenerPlace::Journal);
     }
     [[nodiscard]] bool beforeVolume(const VolumeAtHand&) override {
-        times_.processor.push_back(processorMilliseconds() - hasRead_.processor);
+        times_.processor.push_back(threadMilliseconds() - hasRead_.processor);
         times_.hook.push_back(millisecondsSince(hasRead_.wall));
         return true;
     }

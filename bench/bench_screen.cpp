@@ -2,6 +2,7 @@
 // window at the end of a long run, painted on the offscreen platform.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "head_run.h"
+#include "processor_time.h"
 
 #include "regions/ui/time_courses_container.h"
 #include "run/window/velo_cortivo.h"
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <ctime>
 
 namespace {
 
@@ -49,15 +49,8 @@ constexpr std::array<const char*, nrOfParts> partNames{"sums and betas of the re
                                                        "status text, with painting",
                                                        "the rest"};
 
-/// Processor time of this thread in milliseconds, so that neither other programs nor the journal's
-/// thread count.
-double milliseconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) * 1e-6;
-}
-
-/// Gives each moment of a volume to a part.
+/// Gives each moment of a volume to a part, in processor time of this thread, so that neither other
+/// programs nor the journal's thread count.
 class Laps {
 public:
     using Volume = std::array<double, nrOfParts>;
@@ -67,12 +60,12 @@ public:
         skip();
     }
     void take(Part part) {
-        const double now = milliseconds();
+        const double now = threadMilliseconds();
         current_[part] += now - last_;
         last_ = now;
     }
     /// Since the last call statistics were computed, or nothing that counts.
-    void skip() { last_ = milliseconds(); }
+    void skip() { last_ = threadMilliseconds(); }
     [[nodiscard]] const Volume& volume() const { return current_; }
 
     Part ofMainWindow = Rest; ///< what painting the main window belongs to at the moment

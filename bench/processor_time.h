@@ -7,6 +7,13 @@
 #include <functional>
 #include <vector>
 
+/// Processor time of the calling thread so far, in milliseconds.
+inline double threadMilliseconds() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) * 1e-6;
+}
+
 /// Milliseconds of processor time, so that other programs don't count.
 inline double milliseconds(const std::function<void()>& work) {
     const std::clock_t start = std::clock();

@@ -1,4 +1,4 @@
-// Being told of changes in folders instead of asking again and again.
+// Notification of changes in folders, in place of polling.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

@@ -61,7 +61,7 @@ void compareWithReferences(const DecoderSettings& settings, const ReferenceCurve
             if (settings.UseCorr)
                 decoding.corr[r][roi] = correlation(curve, reference);
             if (settings.UseBeta)
-                decoding.beta[r][roi] = fitGLMForLetter(curve, reference).slope;
+                decoding.beta[r][roi] = fitGLMForLetter(curve, reference);
         }
     }
 }
@@ -168,17 +168,12 @@ void rankLetters(const DecoderSettings& settings, LetterDecoding& decoding) {
 
 } // namespace
 
-LetterFit fitGLMForLetter(std::span<const float> curve, std::span<const float> reference) {
+float fitGLMForLetter(std::span<const float> curve, std::span<const float> reference) {
     const Sums s = sumsOf(curve, reference);
-    if (s.n == 0.0)
-        return {};
     if (s.xx == 0.0)
-        return {0.0f, float(double(curve[0]) + s.y / s.n)};
-    // X'X = [n x; x xx], X'y = [y; xy]; the constant is that of the curves from their first points.
-    const double determinant = s.n * s.xx - s.x * s.x;
-    const double b = (s.n * s.xy - s.x * s.y) / determinant;
-    return {float(b), float(double(curve[0]) + (s.xx * s.y - s.x * s.xy) / determinant -
-                            b * double(reference[0]))};
+        return 0.0f;
+    // X'X = [n x; x xx], X'y = [y; xy]
+    return float((s.n * s.xy - s.x * s.y) / (s.n * s.xx - s.x * s.x));
 }
 
 float correlation(std::span<const float> curve, std::span<const float> reference) {

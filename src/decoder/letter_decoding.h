@@ -53,15 +53,9 @@ struct LetterDecoding {
     std::array<RankedLetter, 3> best;                       ///< ranks 1 to 3
 };
 
-struct LetterFit {
-    float slope = 0.0f;
-    float constant = 0.0f;
-};
-/// A curve on a reference by least squares over [1, reference], with the inverse of the 2 x 2
-/// matrix X'X, over the points that both have. 0 and the curve's mean where the reference doesn't
-/// vary.
-[[nodiscard]] LetterFit fitGLMForLetter(std::span<const float> curve,
-                                        std::span<const float> reference);
+/// The beta of a reference in a curve: the slope by least squares over [1, reference], over the
+/// points that both have. 0 where the reference doesn't vary.
+[[nodiscard]] float fitGLMForLetter(std::span<const float> curve, std::span<const float> reference);
 
 /// Pearson's correlation; 0 where one of them doesn't vary.
 [[nodiscard]] float correlation(std::span<const float> curve, std::span<const float> reference);

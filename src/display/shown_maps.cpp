@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "display/shown_maps.h"
 
+#include "stats/glm_contrasts.h"
+
 namespace {
 
 QString statisticOf(MapKind kind) {
@@ -12,7 +14,7 @@ QString statisticOf(MapKind kind) {
 /// Name of a shown map's contrast, or of what one map says of several.
 QString contrastMapName(const StatisticalMaps& maps, const ContrastDefinitions& contrasts,
                         int map) {
-    if (contrasts.ConjunctionAnalysis)
+    if (conjunctionApplies(contrasts, maps))
         return "Conjunction";
     if (maps.MapType == MapKind::F && contrasts.shownStatistic == ShownStatistic::FOfSelected)
         return "Selected contrasts";

@@ -14,7 +14,7 @@ public:
     [[nodiscard]] bool isWhole() const { return factor_ <= 1.0; }
     void reset() { *this = ViewZoom(); }
 
-    /// The mosaic's area. No more of the room stays empty than at its size is necessary.
+    /// The mosaic's area. Leaves no more of the room empty than its size makes necessary.
     [[nodiscard]] QRectF area(const QRectF& fitted, const QRectF& room) const;
     /// Multiplies the factor, which stays from 1 to `largest`; what is at `position` stays there,
     /// unless a border of the mosaic would leave that of the room.

@@ -22,13 +22,15 @@ size_t nrOfCommonValues(const FeedbackSignals& signals, const ROIsOfMode& region
 
 } // namespace
 
-FeedbackCurve feedbackCurve(const FeedbackSignals& signals, int roiMode) {
-    const ROIsOfMode regions = roisOfMode(roiMode);
-    if (regions.count == 0 || !isModeAvailable(roiMode, int(signals.curves.size())))
+FeedbackCurve feedbackCurve(const FeedbackSignals& signals, const FeedbackChoices& choices) {
+    const ROIsOfMode regions = roisOfMode(choices.roiMode);
+    if (regions.count == 0 || !isModeAvailable(choices.roiMode, int(signals.curves.size())))
         return {};
     FeedbackCurve curve;
     // A mean is drawn by the plot of the first region, whichever regions it is of.
     curve.region = regions.count == 1 ? regions.region[0] : 0;
+    if (choices.BlockOutput)
+        return curve;
     curve.values.resize(nrOfCommonValues(signals, regions));
     for (size_t volume = 0; volume < curve.values.size(); ++volume)
         curve.values[volume] = float(meanAt(signals, regions, volume));

@@ -6,9 +6,10 @@
 
 /// The region whose plot draws the curve, and the curve up to the current volume: that of the
 /// region of a single mode, else the mean of the pair or of the three. Without the regions of the
-/// mode the curve is empty.
+/// mode, and where the subject gets no output (BlockOutput), the curve is empty.
 struct FeedbackCurve {
     int region = 0; ///< from 0
     std::vector<float> values;
 };
-[[nodiscard]] FeedbackCurve feedbackCurve(const FeedbackSignals& signals, int roiMode);
+[[nodiscard]] FeedbackCurve feedbackCurve(const FeedbackSignals& signals,
+                                          const FeedbackChoices& choices);

@@ -37,11 +37,11 @@ bool DicomSliceReader::readSlices(Stage stage, int volume) {
     if (nrOfSamples == 0)
         return false;
     for (int slice = 0; slice < project().NrOfSlices; ++slice) {
-        // Any size counts as arrived, since the length of the header is unknown.
         const auto following = [&](int step) {
             const int next = slice + 1 + step;
             return next < project().NrOfSlices ? namesOf(measured, next) : QStringList();
         };
+        // Any size counts as arrived, since the length of the header is unknown.
         const auto image =
             awaitImage({namesOf(measured, slice), 0, true}, stage, nrOfSamples, following);
         if (!image || !takeSlice(*image, stage, targetSlice(stage, volume, slice)))

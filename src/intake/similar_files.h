@@ -1,4 +1,4 @@
-// What lies in a watch folder in place of the file that a run waits for, told to the operator.
+// Tells the operator what a watch folder holds instead of the awaited file.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

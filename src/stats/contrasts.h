@@ -36,7 +36,8 @@ struct ContrastDefinitions {
     /// A voxel is shown only where each beta of a contrast has the sign of its weight; maps of a
     /// complete run.
     bool oneSidedTesting = false;
-    bool ContrastsChanged = false; ///< set by the operator; applied at the next volume
+    /// The operator changed them during the run: from then on they are applied at each volume.
+    bool ContrastsChanged = false;
     int BaselineInContrasts = 1;
     int BaselinePosInProtocol = 1;
 

@@ -31,7 +31,6 @@ constexpr int maximumSteps = 40;
 /// samples can tell no more; below the second the motion is found.
 constexpr double roughPrecision = 0.1;
 constexpr double precision = 0.01;
-constexpr double headRadius = 70.0; ///< millimetres
 /// Larger steps are no improvement of a guess.
 constexpr double largestShift = 30.0; ///< millimetres
 constexpr double largestTurn = 0.5;   ///< radians
@@ -237,7 +236,7 @@ bool LeastSquaresMotion::step(State& state, size_t count, WorkerPool& workers) {
     if (!(shift < largestShift && turn < largestTurn))
         return false;
     state.motion = state.motion * inverseOfSmallMotion(motion);
-    state.moved = shift + turn * headRadius;
+    state.moved = shift + turn * headSurfaceRadius;
     measureResiduals(state, count, workers);
     return true;
 }

@@ -6,6 +6,9 @@
 
 #include <optional>
 
+/// Millimetres from the centre of a head to its surface, for what a turn moves there.
+inline constexpr double headSurfaceRadius = 70.0;
+
 /// Fits volumes to a target.
 ///
 /// Inverse compositional Gauss-Newton steps (S. Baker and I. Matthews, Lucas-Kanade 20 years on,
@@ -13,7 +16,7 @@
 /// target and are computed once; each step moves the target a little, and the inverse of that is
 /// added to the motion. Values of the volume between its voxels are those of its quintic B-spline.
 /// Along axes on which the target is too sharp for that (axesTooSharp) target and volume are
-/// smoothed, by a bell of 0.71 voxels, since there values between the voxels can't be known.
+/// smoothed with a bell of 0.71 voxels, since values between the voxels can't be recovered there.
 /// Each voxel is weighted by its residual (P. J. Huber, Annals of Mathematical Statistics 35, 1964,
 /// 73-101), so that those whose signal changes pull little, and by the spread of the residuals of
 /// voxels that are as rough as it: at edges they are larger. The brightness of the whole volume is

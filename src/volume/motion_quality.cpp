@@ -36,7 +36,7 @@ MaskedSums maskedSums(const int16_t* before, const int16_t* now, const uint8_t* 
 } // namespace
 
 double framewiseDisplacement(const std::array<float, 6>& before, const std::array<float, 6>& now) {
-    constexpr double millimetresPerDegree = std::numbers::pi / 180.0 * headRadiusMillimetres;
+    constexpr double millimetresPerDegree = std::numbers::pi / 180.0 * framewiseDisplacementRadius;
     double sum = 0.0;
     for (size_t i = 0; i < before.size(); ++i)
         sum += std::abs(double(now[i]) - double(before[i])) * (i < 3 ? 1.0 : millimetresPerDegree);

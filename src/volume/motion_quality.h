@@ -9,15 +9,15 @@
 #include <span>
 #include <vector>
 
-/// Radius of the sphere on which rotations are turned into millimetres.
-inline constexpr double headRadiusMillimetres = 50.0;
+/// Millimetres: radius of the sphere on which rotations are turned into arcs.
+inline constexpr double framewiseDisplacementRadius = 50.0;
 /// A usual limit of framewise displacement in millimetres.
 inline constexpr double framewiseDisplacementLimit = 0.5;
 
 /// Framewise displacement of a volume in millimetres: the sum of the magnitudes of the differences
 /// of the six parameters to those of the volume before (three translations in millimetres, three
-/// rotations in degrees, taken as arcs at headRadiusMillimetres). Power et al. 2012, NeuroImage
-/// 59:2142-2154.
+/// rotations in degrees, taken as arcs at framewiseDisplacementRadius). Power et al. 2012,
+/// NeuroImage 59:2142-2154.
 [[nodiscard]] double framewiseDisplacement(const std::array<float, 6>& before,
                                            const std::array<float, 6>& now);
 

@@ -6,14 +6,12 @@
 
 namespace {
 
-constexpr double headRadius = 70.0; // millimetres
-
 /// Millimetres that a point at the surface of a head moves at most.
 double jumpBetween(const RigidTransformation& a, const RigidTransformation& b) {
     const double shift = std::hypot(double(b.tx - a.tx), double(b.ty - a.ty), double(b.tz - a.tz));
     const double degrees =
         std::hypot(double(b.rx - a.rx), double(b.ry - a.ry), double(b.rz - a.rz));
-    return shift + degrees * std::numbers::pi / 180.0 * headRadius;
+    return shift + degrees * std::numbers::pi / 180.0 * headSurfaceRadius;
 }
 
 } // namespace

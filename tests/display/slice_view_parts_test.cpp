@@ -99,8 +99,10 @@ TEST(VoxelReadOut, TellsSampleAndShownMaps) {
     EXPECT_EQ(legend(true), "t from 2.50, strongest colour at 9.00");
     document.contrasts.ConjunctionAnalysis = true;
     document.maps.NrOfShownMaps = 1;
+    EXPECT_EQ(text(1, true), "x 4  y 2  slice 2   volume 2: -7   t: Conjunction 4.31");
+    document.maps.NrOfActiveContrasts = 1; // of one contrast there is none
+    EXPECT_EQ(text(1, true), "x 4  y 2  slice 2   volume 2: -7   t: Faces 4.31");
     document.maps.MapType = MapKind::F;
-    EXPECT_EQ(text(1, true), "x 4  y 2  slice 2   volume 2: -7   F: Conjunction 4.31");
     document.contrasts.ConjunctionAnalysis = false;
     document.contrasts.shownStatistic = ShownStatistic::FOfSelected;
     EXPECT_EQ(text(1, true), "x 4  y 2  slice 2   volume 2: -7   F: Selected contrasts 4.31");

@@ -285,15 +285,17 @@ TEST(FeedbackCurve, IsOfOneRegionOrTheMeanUpToTheCurrentVolume) {
     for (const Case& c : {Case{useROI2, 1, {3, 5, 7}}, Case{useROI1And2, 0, {2, 3.5f, 5}},
                           Case{useROI2And3, 0, {5.5f, 6.5f, 4.5f}},
                           Case{useROI1And2And3, 0, {4, 5, 4}}, Case{noROIMode, 0, {}}}) {
-        const FeedbackCurve curve = feedbackCurve(signals, c.mode);
+        const FeedbackCurve curve = feedbackCurve(signals, {.roiMode = c.mode});
         EXPECT_EQ(curve.region, c.region) << c.mode;
         EXPECT_EQ(curve.values, c.values) << c.mode;
     }
     signals.currentVolume = 9;
-    EXPECT_EQ(feedbackCurve(signals, useROI1).values, first);
-    EXPECT_EQ(feedbackCurve(signals, useROI3).values, third);
+    EXPECT_EQ(feedbackCurve(signals, {.roiMode = useROI1}).values, first);
+    EXPECT_EQ(feedbackCurve(signals, {.roiMode = useROI3}).values, third);
+    const FeedbackCurve blocked = feedbackCurve(signals, {.roiMode = useROI3, .BlockOutput = true});
+    EXPECT_TRUE(blocked.region == 2 && blocked.values.empty()) << "no output to the subject";
     signals.currentVolume = -1;
-    EXPECT_TRUE(feedbackCurve(signals, useROI1).values.empty());
+    EXPECT_TRUE(feedbackCurve(signals, {.roiMode = useROI1}).values.empty());
     signals.curves.pop_back();
-    EXPECT_TRUE(feedbackCurve(signals, useROI1And3).values.empty());
+    EXPECT_TRUE(feedbackCurve(signals, {.roiMode = useROI1And3}).values.empty());
 }

@@ -1,6 +1,7 @@
 // Letters that the simulated subject codes by mental tasks.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scanner_simulator/command_line.h"
+#include "scanner_simulator/head_phantom.h"
 #include "scanner_simulator/mental_tasks.h"
 
 #include <gtest/gtest.h>
@@ -73,6 +74,29 @@ TEST(MentalTasks, AreRefusedWhereTheyDoNotFit) {
     for (const QStringList& arguments : rejected)
         EXPECT_NE(parseCommandLine(QStringList{"simulator"} + arguments).problem, QString())
             << arguments.join(' ').toStdString();
+}
+
+// A region that reached into the skull would hold voxels that follow no task.
+TEST(TaskRegions, LieInTheBrainAndApartFromOtherRegions) {
+    for (const int nrOfSlices : {4, 25}) {
+        SimulationOptions options;
+        options.nrOfSlices = nrOfSlices;
+        const ScanGeometry geometry(options);
+        const HeadPhantom head(geometry);
+        std::array<int, HeadPhantom::nrOfTaskRegions> voxels{};
+        for (int i = 0; i < int(geometry.voxels()); ++i) {
+            const int inSlice = i % int(geometry.sliceVoxels());
+            const Point point = geometry.voxelCentre(
+                inSlice % options.sizeX, inSlice / options.sizeX, i / int(geometry.sliceVoxels()));
+            const int region = head.taskRegion(point);
+            if (region == 0)
+                continue;
+            ++voxels.at(size_t(region) - 1);
+            EXPECT_TRUE(head.isBrain(point)) << region;
+            EXPECT_TRUE(head.activeCondition(point) == 0 && head.preference(point) == 0) << region;
+        }
+        EXPECT_GE(*std::ranges::min_element(voxels), 20) << nrOfSlices;
+    }
 }
 
 } // namespace

@@ -224,4 +224,11 @@ TEST_F(MotionCorrectionTest, TargetOfAnotherRunMustFit) {
         EXPECT_FALSE(loadIntraSessionTarget(project.projectPath, project, *motion));
         --(project.*size);
     }
+    // Nor is one of another size replaced by a volume of the run, or used.
+    for (const size_t samples : {size_t(0), project.volumeSamples() - 1}) {
+        ASSERT_TRUE(motion->motionTarget.allocate(samples));
+        motion->setMotionTarget(project);
+        EXPECT_EQ(std::ranges::count(motion->motionTarget.span(), 0), ptrdiff_t(samples));
+        EXPECT_FALSE(motion->prepare(project));
+    }
 }

@@ -70,6 +70,8 @@ HeadPhantom::HeadPhantom(const ScanGeometry& geometry)
     const double height = std::min(10.0, 0.5 * geometry.halfCoverage());
     const double level = std::min(20.0, 0.25 * geometry.halfCoverage());
     const Point halfAxis{10.0, 10.0, height};
+    // Those of tasks lie between the two middle slices where their number is even.
+    const double taskHeight = std::max(0.8 * height, 0.6 * geometry.sliceDistance);
     for (int side = 0; side < 2; ++side) {
         const double sign = side == 0 ? -1.0 : 1.0;
         regions_[0][side] = {{sign * 36.0, 26.0, -level}, halfAxis};
@@ -78,7 +80,7 @@ HeadPhantom::HeadPhantom(const ScanGeometry& geometry)
         const Point places[] = {{30.0, -48.0, 0.0}, {48.0, -2.0, 0.0}, {30.0, 52.0, 0.0}};
         for (int task = 0; task < 3; ++task)
             taskRegions_[3 * side + task] = {{sign * places[task].x, places[task].y, 0.0},
-                                             {8.0, 8.0, 0.8 * height}};
+                                             {8.0, 8.0, taskHeight}};
     }
     codedRegion_ = {{0.0, 48.0, 0.0}, {16.0, 12.0, height}};
 }

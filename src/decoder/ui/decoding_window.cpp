@@ -176,7 +176,7 @@ void BOLDDecodingMW::manageDataCurves() {
 
 void BOLDDecodingMW::fitGLMForLetter(int nrOfPoints, float* curve, float* reference, float& slope) {
     const auto points = size_t(std::max(nrOfPoints, 0));
-    slope = ::fitGLMForLetter({curve, points}, {reference, points}).slope;
+    slope = ::fitGLMForLetter({curve, points}, {reference, points});
 }
 
 void BOLDDecodingMW::runWithTimer() {

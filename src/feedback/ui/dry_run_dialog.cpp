@@ -20,7 +20,7 @@ SubjectPicture pictureOf(const FeedbackDryRun& run, QSize size, const Stimulatio
     SubjectPicture picture{run.frame(), size, {}};
     if (picture.frame.kind != FeedbackFrame::Kind::TimeCourse)
         return picture;
-    const FeedbackCurve curve = feedbackCurve(run.signalsNow(), run.choices().roiMode);
+    const FeedbackCurve curve = feedbackCurve(run.signalsNow(), run.choices());
     const QColor color = toQColor(regionColor(session.regionColors, curve.region));
     picture.paintCurve = [content = feedbackCurveContent(curve, run.volume(), run.nrOfVolumes(),
                                                          color, {protocol, session.feedback.TR()})](

@@ -49,7 +49,7 @@ void NeurofeedbackOptionsDlg::fillVoxelSelection() {
     ui_->DynamicROIsTopPercentSpBx->setValue(int(std::lround(100 * double(options.TopVoxelRatio))));
     ui_->TopVoxelSelectionCmBx->clear();
     ui_->TopVoxelSelectionCmBx->addItem("All conditions");
-    ui_->TopVoxelSelectionCmBx->addItems(conditionNames(session_.feedback.protocol()));
+    ui_->TopVoxelSelectionCmBx->addItems(session_.feedback.modelledConditions());
     ui_->TopVoxelSelectionCmBx->setCurrentIndex(options.TopVoxelSelectionMode - allPredictors);
 }
 

@@ -47,10 +47,10 @@ QString suchVolumes(int count) {
 } // namespace
 
 QByteArray timingTable(const VolumeLedger& ledger) {
-    QByteArray table =
-        "volume\tplayed\tnoticed\tsince_last\twait\treading\tjournal\tplugin\tmotion\tsmoothing\t"
-        "protocol\thold\tregions\tplots\tlogs\tclassification\tfeedback\tdecoder\tmodel\tmaps\t"
-        "drawing\twindow\tneeded\ttotal\tdone\tlate\n";
+    QByteArray table = "volume\tplayed\tnoticed\tsince_last\t";
+    for (size_t stage = 0; stage < nrOfVolumeStages; ++stage)
+        table += QByteArray(columnOf(VolumeStage(stage))) + '\t';
+    table += "needed\ttotal\tdone\tlate\n";
     int number = 0;
     for (const VolumeTimes& volume : ledger.volumes())
         table += row(++number, volume);

@@ -11,15 +11,38 @@ bool isWork(size_t stage) {
     return stage != size_t(VolumeStage::Waiting) && stage != size_t(VolumeStage::Holding);
 }
 
+struct StageNames {
+    const char* inSentence;
+    const char* column;
+};
+constexpr auto stageNames = std::to_array<StageNames>({{"the wait", "wait"},
+                                                       {"reading", "reading"},
+                                                       {"the journal", "journal"},
+                                                       {"the plug-in", "plugin"},
+                                                       {"motion correction", "motion"},
+                                                       {"smoothing", "smoothing"},
+                                                       {"the protocol", "protocol"},
+                                                       {"the delay", "hold"},
+                                                       {"the regions", "regions"},
+                                                       {"the plots", "plots"},
+                                                       {"the logs", "logs"},
+                                                       {"classification", "classification"},
+                                                       {"the feedback", "feedback"},
+                                                       {"the decoder", "decoder"},
+                                                       {"the model", "model"},
+                                                       {"clusters", "maps"},
+                                                       {"drawing", "drawing"},
+                                                       {"the window", "window"}});
+static_assert(stageNames.size() == nrOfVolumeStages);
+
 } // namespace
 
 const char* nameOf(VolumeStage stage) {
-    constexpr std::array<const char*, nrOfVolumeStages> names = {
-        "the wait",  "reading",        "the journal",  "the plug-in", "motion correction",
-        "smoothing", "the protocol",   "the delay",    "the regions", "the plots",
-        "the logs",  "classification", "the feedback", "the decoder", "the model",
-        "clusters",  "drawing",        "the window"};
-    return names[size_t(stage)];
+    return stageNames[size_t(stage)].inSentence;
+}
+
+const char* columnOf(VolumeStage stage) {
+    return stageNames[size_t(stage)].column;
 }
 
 qint64 VolumeTimes::total() const {

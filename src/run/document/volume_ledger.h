@@ -34,6 +34,8 @@ inline constexpr size_t nrOfVolumeStages = size_t(VolumeStage::Window) + 1;
 
 /// The stage in a sentence: "motion correction", "the plug-in".
 [[nodiscard]] const char* nameOf(VolumeStage stage);
+/// The heading of its column in the table.
+[[nodiscard]] const char* columnOf(VolumeStage stage);
 
 /// One volume. All times are microseconds; moments count from the start of the run.
 struct VolumeTimes {

@@ -10,17 +10,18 @@
 namespace {
 
 /// The journal and the results take what the samples take, each. The logs are small.
-size_t diskBytesOfRun(const FMRProject& project) {
-    constexpr size_t copies = 2; // journal and results
-    return copies * size_t(std::max(project.NrOfVolumes, 0)) * project.volumeSamples() *
-           sizeof(int16_t);
+size_t diskBytesOfRun(const FMRProject& project, qint64 bytesOfJournal) {
+    const size_t samples =
+        size_t(std::max(project.NrOfVolumes, 0)) * project.volumeSamples() * sizeof(int16_t);
+    return 2 * samples - std::min(samples, size_t(std::max(bytesOfJournal, qint64(0))));
 }
 
 } // namespace
 
-void tellOfDiskWithoutRoom(const FMRProject& project, const QString& targetFolder) {
+void tellOfDiskWithoutRoom(const FMRProject& project, const QString& targetFolder,
+                           qint64 bytesOfJournal) {
     const QStorageInfo disk(targetFolder);
-    const size_t needed = diskBytesOfRun(project);
+    const size_t needed = diskBytesOfRun(project, bytesOfJournal);
     if (!disk.isValid() || disk.bytesAvailable() < 0 || size_t(disk.bytesAvailable()) >= needed)
         return;
     showModelessWarning(

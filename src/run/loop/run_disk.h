@@ -4,7 +4,9 @@
 
 #include "volume/fmr_project.h"
 
-/// Warns when the target folder has less room than the journal and the results of a run take that
-/// is about to be measured. It can start all the same: it stays in memory until there is room, and
-/// where the journal has to end, that is told. A folder that isn't there is not looked at.
-void tellOfDiskWithoutRoom(const FMRProject& project, const QString& targetFolder);
+/// Warns when the target folder has too little room for the journal and the results of the coming
+/// run. When a run goes on, `bytesOfJournal` are on the disk already. The run can start all the
+/// same: its data stay in memory until there is room, and the operator is told if the journal has
+/// to end. A missing folder is not checked.
+void tellOfDiskWithoutRoom(const FMRProject& project, const QString& targetFolder,
+                           qint64 bytesOfJournal);

@@ -226,7 +226,7 @@ std::unique_ptr<VolumeReader> prepareRun(const RunParts& run, RunSource& source,
         return nullptr;
     tellOfModelLimits(document, settings);
     if (source.isMeasured())
-        tellOfDiskWithoutRoom(document.project, settings.TargetFolder);
+        tellOfDiskWithoutRoom(document.project, settings.TargetFolder, source.bytesOfJournal());
     if (settings.ShowGODlgAfterPreparation)
         announce(" Velo-Cortivo", "Press return or click the GO button to start!", "GO");
 

@@ -1,4 +1,4 @@
-// The protocol of a run: read when the run is prepared, or on and on while it arrives.
+// The protocol of a run: read when the run is prepared, or continuously while it arrives.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

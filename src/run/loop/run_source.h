@@ -22,8 +22,10 @@ public:
     /// The reader of the volumes; nullptr when the data type has none.
     [[nodiscard]] virtual std::unique_ptr<VolumeReader>
     makeReader(const IntakeContext& context) = 0;
-    /// It is measured now, once, and has a journal; otherwise it was measured before.
+    /// It is measured now, or the rest of it, once; otherwise it was measured before.
     [[nodiscard]] virtual bool isMeasured() const { return false; }
+    /// What its journal takes on the disk already.
+    [[nodiscard]] virtual qint64 bytesOfJournal() const { return 0; }
     /// For motion correction to another run of the session: the target. False after a message.
     [[nodiscard]] virtual bool loadMotionTarget(const RunSettings& settings,
                                                 const FMRProject& project,

@@ -7,6 +7,7 @@
 #include "run/replay/journal_records.h"
 #include "run/replay/played_run.h"
 
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <vector>
 
@@ -46,6 +47,8 @@ public:
     [[nodiscard]] bool readSettings(RunSettings& settings,
                                     const std::function<void()>& stopTimer) override;
     [[nodiscard]] std::unique_ptr<VolumeReader> makeReader(const IntakeContext& context) override;
+    [[nodiscard]] bool isMeasured() const override { return purpose_ == PlayPurpose::GoOn; }
+    [[nodiscard]] qint64 bytesOfJournal() const override { return QFileInfo(options_.path).size(); }
     [[nodiscard]] bool loadMotionTarget(const RunSettings& settings, const FMRProject& project,
                                         MotionCorrection& motion) override;
 

@@ -1,7 +1,8 @@
 // One operator's session: settings, phase, documents, and every operation that the operator has.
 // Its functions are in run_session.cpp, session_controls.cpp (maps and background),
 // session_replay.cpp (journals, recovery, replay) and session_postprocessing.cpp; each of its parts
-// has a file of its own. SPDX-License-Identifier: GPL-3.0-or-later
+// has a file of its own.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "base/event_pump.h"

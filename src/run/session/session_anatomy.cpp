@@ -53,7 +53,7 @@ bool SessionAnatomy::load(const QString& path) {
         return false;
     loaded_ = path;
     loadedSeries_ = seriesOf(session_.settings.settingsFilePath);
-    if (anatomy() && hasFunctionalCube())
+    if (hasFunctionalCube())
         place(std::move(volume), path);
     else
         showModelessInformation(

@@ -8,10 +8,12 @@
 #include "run/document/session_phase.h"
 #include "run/loop/finished_run.h"
 #include "run/session/feedback_records.h"
+#include "stats/contrast_file.h"
 
 #include <QPainter>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -33,16 +35,22 @@ SessionFeedback::SessionFeedback(const Parts& parts) : parts_(parts) {
 
 void SessionFeedback::open(FeedbackScreen& screen) {
     screen_ = &screen;
+    // The display of a run that goes on after a crash is opened again as it was.
+    if (!(parts_.phase.runActive() && std::exchange(choicesAreRecorded_, false)))
+        takeDefaults();
+    testClassifier();
+    noteChange();
+    update();
+    parts_.listeners.feedbackChanged();
+}
+
+void SessionFeedback::takeDefaults() {
     choices_.type = FeedbackType::Thermometer;
     choices_.ShowConditionNameAsInstruction = true;
     takeShifts();
     levels_.forgetBaselines();
     if (document_)
         choices_.MaxPSC = document_->DefaultMaxPSC;
-    testClassifier();
-    noteChange();
-    update();
-    parts_.listeners.feedbackChanged();
 }
 
 void SessionFeedback::close() {
@@ -99,6 +107,14 @@ StimulationProtocol SessionFeedback::protocol() const {
     return document_->protocol;
 }
 
+QStringList SessionFeedback::modelledConditions() const {
+    // A run that is being prepared has no design yet.
+    if (!awaitsRun() && document_->design.NrOfConditionPredictors > 0)
+        return document_->design.PredictorNames.mid(0, document_->design.NrOfConditionPredictors);
+    const bool hasBaseline = !contrastFileHasNoBaseline(parts_.settings.ContrastFile);
+    return conditionNames(protocol()).mid(hasBaseline ? 1 : 0);
+}
+
 float SessionFeedback::TR() const {
     return awaitsRun() ? parts_.settings.TR : document_->project.TR;
 }
@@ -141,7 +157,7 @@ void SessionFeedback::compute() {
     } else {
         levels_.update(signals, choices_);
         if (choices_.type == FeedbackType::TimeCourse)
-            curve_ = feedbackCurve(signals, choices_.roiMode);
+            curve_ = feedbackCurve(signals, choices_);
     }
     if (screen_)
         parts_.requests.regions.feedbackMaxima = choices_.MaxPSC;
@@ -182,6 +198,7 @@ void SessionFeedback::documentsArrived(QtCortivoDoc& functional) {
     levels_.restart();
     regionsInTable_ = -1;
     goesOn_ = false;
+    choicesAreRecorded_ = false;
     tableFault_.clear();
     delayedMessage_.clear();
 }
@@ -301,5 +318,6 @@ void SessionFeedback::recordPlayed(const RunRecord& record) {
     if (const std::optional<RecordedFeedback> recorded = decodedFeedback(record.content)) {
         choices_ = recorded->choices;
         delayed_ = recorded->delayed;
+        choicesAreRecorded_ = true;
     }
 }

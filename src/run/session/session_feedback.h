@@ -69,6 +69,8 @@ public:
 
     /// Of the run in memory; while a run is awaited, of the protocol that the settings name.
     [[nodiscard]] StimulationProtocol protocol() const;
+    /// Names of the conditions with a column in the design, in the order of the columns, likewise.
+    [[nodiscard]] QStringList modelledConditions() const;
     [[nodiscard]] float TR() const; ///< milliseconds, likewise
     [[nodiscard]] int nrOfVolumes() const;
 
@@ -98,6 +100,7 @@ public:
 private:
     void compute();
     void draw();
+    void takeDefaults();
     void takeShifts();
     bool testClassifier();
     void noteChange();
@@ -122,4 +125,5 @@ private:
     QString tableFault_;
     int regionsInTable_ = -1; ///< columns of the table that is being written; -1 for none yet
     bool goesOn_ = false;     ///< the run goes on after a part that was played
+    bool choicesAreRecorded_ = false; ///< they come from such a part, and no display has shown them
 };

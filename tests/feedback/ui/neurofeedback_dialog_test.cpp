@@ -257,9 +257,12 @@ TEST_F(NeurofeedbackDialog, OptionsTakeTheConditionOfTheRun) {
     EXPECT_TRUE(session.requests.regions.BestVoxelSelection);
     EXPECT_EQ(session.requests.regions.TopVoxelRatio, 0.2f);
     EXPECT_EQ(session.functionalDocument->regions[0].TopVoxelRatio, 0.2f);
-    find<QComboBox>("TopVoxelSelectionCmBx").setCurrentIndex(2);
-    Q_EMIT find<QComboBox>("TopVoxelSelectionCmBx").activated(2);
+    auto& ranking = find<QComboBox>("TopVoxelSelectionCmBx");
+    ranking.setCurrentIndex(2);
+    Q_EMIT ranking.activated(2);
     EXPECT_EQ(session.requests.regions.TopVoxelSelectionMode, 1);
+    EXPECT_EQ(ranking.currentText(), conditionNames(session.feedback.protocol()).value(2))
+        << "the second column of the design: the first condition, the baseline, has none";
 }
 
 TEST_F(NeurofeedbackDialog, ShowsARunAndSaysWhatItShows) {

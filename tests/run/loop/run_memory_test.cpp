@@ -73,11 +73,17 @@ TEST_F(RunMemoryTest, ADiskWithoutRoomIsToldOf) {
     project.ResolutionX = project.ResolutionY = 8;
     project.NrOfSlices = 4;
     project.NrOfVolumes = 20;
-    tellOfDiskWithoutRoom(project, path(""));
-    tellOfDiskWithoutRoom(project, path("no such folder"));
+    tellOfDiskWithoutRoom(project, path(""), 0);
+    tellOfDiskWithoutRoom(project, path("no such folder"), 0);
     project.ResolutionX = project.ResolutionY = 10000;
     project.NrOfSlices = 1000;
     project.NrOfVolumes = 1000000; // more than any disk holds
-    messages.expectWarning("WARNING: The journal and the results of this run need 400000000.0 GB*");
-    tellOfDiskWithoutRoom(project, path(""));
+    const qint64 samples = 200'000'000'000'000'000;
+    const std::pair<qint64, const char*> cases[] = {
+        {0, "400000000.0 GB"}, {samples / 2, "300000000.0 GB"}, {2 * samples, "200000000.0 GB"}};
+    for (const auto& [bytesOfJournal, need] : cases) {
+        messages.expectWarning(
+            QString("WARNING: The journal and the results of this run need %1 *").arg(need));
+        tellOfDiskWithoutRoom(project, path(""), bytesOfJournal);
+    }
 }

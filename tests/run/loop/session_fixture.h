@@ -24,6 +24,7 @@ public:
     QString modelText;           ///< of the latest fit of a model
     bool modelCancelled = false; ///< the operator stops it
     std::function<void()> whenLogged;
+    std::function<void()> whenShown;
     std::function<void()> whenStarting;
     std::function<void()> whenEnded;
 
@@ -44,7 +45,11 @@ public:
             whenLogged();
     }
     void refreshViewButtons() override {}
-    void updateViews() override { calls << "views"; }
+    void updateViews() override {
+        calls << "views";
+        if (whenShown)
+            whenShown();
+    }
     std::unique_ptr<ProgressReporter> openSavingProgress() override;
     std::unique_ptr<ProgressReporter> openModelProgress(const QString& text) override;
     std::unique_ptr<ProgressReporter> openAnalysisProgress(const QString& text) override {

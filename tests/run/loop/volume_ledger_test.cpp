@@ -78,7 +78,7 @@ TEST_F(VolumeLedgerTest, TheTableHoldsEveryMillisecondOfARun) {
 }
 
 TEST_F(VolumeLedgerTest, AVolumeThatNeedsTooMuchNamesWhoTookIt) {
-    enum class At { Reading, Before, Step, Subject, End };
+    enum class At { Reading, Before, Step, Subject, Shown, End };
     const struct {
         ListenerPlace place;
         At at;
@@ -94,6 +94,7 @@ TEST_F(VolumeLedgerTest, AVolumeThatNeedsTooMuchNamesWhoTookIt) {
                   VolumeStage::Regions, "the regions"},
                  {ListenerPlace::Logs, At::Step, VolumeStep::Logs, VolumeStage::Logs, "the logs"},
                  {ListenerPlace::Feedback, At::Subject, {}, VolumeStage::Feedback, "the feedback"},
+                 {ListenerPlace::Views, At::Shown, {}, VolumeStage::Drawing, "drawing"},
                  {ListenerPlace::Views, At::End, {}, VolumeStage::Drawing, "drawing"}};
     for (const auto& [place, at, step, stage, name] : cases)
         for (const int milliseconds : {1500, 1501}) { // three quarters of the TR are still well
@@ -107,12 +108,14 @@ TEST_F(VolumeLedgerTest, AVolumeThatNeedsTooMuchNamesWhoTookIt) {
                 return true;
             };
             script.atVolume = [&](int volume) { spendAt(At::Reading, volume); };
+            display.whenShown = [&] { spendAt(At::Shown, session.report.currentVolume); };
             listener.onBeforeVolume = [&](int volume) { return spendAt(At::Before, volume); };
             listener.onSubjectDisplay = [&](int volume) { return spendAt(At::Subject, volume); };
             listener.onEndOfVolume = [&](int volume) { spendAt(At::End, volume); };
             listener.onStep = [&, wanted = step](VolumeStep now, const VolumeAtHand& hand) {
                 return now != wanted || spendAt(At::Step, hand.volume);
             };
+            session.requests.overlayVolumeMode = 1; // the views change with every volume
             session.runButtonPressed();
             EXPECT_EQ(times(3).of(stage), 1000 * milliseconds);
             EXPECT_EQ(times(3).needed(), 1000 * milliseconds);

@@ -257,6 +257,9 @@ TEST_F(PlayingTest, WhereNoJournalCanBeWrittenTheRunGoesOnWithout) {
 TEST_F(PlayingTest, ARunOfAnotherSeriesIsNotGoneOnWith) {
     recordRun();
     cutJournal(journal_, 12);
+    const JournalRun run({journal_, {}, {}, false}, PlayPurpose::GoOn, session.listeners);
+    EXPECT_TRUE(run.isMeasured());
+    EXPECT_EQ(run.bytesOfJournal(), content("run.vcj").size());
     script.firstSample = 7; // the scanner's folder holds another series by now
     messages.expectWarning("ERROR: The first file in folder*");
     messages.expectInformation("INFO: The run is still in its journal*");

@@ -216,6 +216,31 @@ TEST_F(SessionFeedbackTest, ARecoveredRunGivesNothingAgainAndOneThatGoesOnContin
     EXPECT_EQ(session.feedback.choices().DisplayBaseLevel, 0) << "as it was recorded";
 }
 
+TEST_F(SessionFeedbackTest, TheDisplayOfARunThatGoesOnIsOpenedAgainAsItWas) {
+    session.feedback.open(screen_);
+    session.feedback.change([](FeedbackChoices& choices) {
+        choices.type = FeedbackType::TimeCourse;
+        choices.MaxPSC[0] = 3.5f;
+        choices.NoFbStartShift = 7;
+    });
+    const QString journal = recordJournal();
+    cutJournal(journal, 25);
+    session.feedback.close();
+    session.changeSettingsFile(path("test-1.vco"));
+    ProbeListener probe(session.listeners, ListenerPlace::Dialogs);
+    std::vector<FeedbackType> opened;
+    probe.onEndOfVolume = [&](int volume) {
+        if (volume != 30 && volume != 35)
+            return;
+        session.feedback.open(screen_);
+        opened.push_back(session.feedback.choices().type);
+        EXPECT_EQ(session.feedback.choices().MaxPSC[0] == 3.5f, volume == 30);
+        EXPECT_EQ(session.feedback.choices().NoFbStartShift == 7, volume == 30);
+    };
+    EXPECT_TRUE(session.playJournal({journal, {}, {}, false}, PlayPurpose::GoOn));
+    EXPECT_EQ(opened, (std::vector{FeedbackType::TimeCourse, FeedbackType::Thermometer}));
+}
+
 TEST_F(SessionFeedbackTest, MaximaComeWithRegionsAndChoicesGoWithTheSettingsFile) {
     session.feedback.open(screen_);
     session.feedback.change([](FeedbackChoices& choices) {

@@ -309,7 +309,9 @@ TEST_F(SettingsFileWatchTest, TheSettingsFileOfARecoveredRunBecomesCurrentUnless
 
     expectPlayed("copy.vcj");
     ProbeListener view(session.listeners, ListenerPlace::Views);
+    pump.setEventCost(1);
     EXPECT_TRUE(play(copy, path("replay/"), PlayPurpose::Replay));
+    EXPECT_GT(session.report.elapsedRunTime, 14);
     EXPECT_TRUE(view.hooks.join(' ').endsWith("over changed stays")) << "it can be looked at";
     EXPECT_EQ(recordedVolumes(session.report, session.functionalDocument->project), 14);
     EXPECT_EQ(current(), "other.vco");
