@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -47,6 +48,38 @@ private:
     int workersEnded_ = 0;
 };
 
+using Work = std::function<void(int, const std::stop_token&)>;
+
+/// `nrOfThreads` workers, or as many as the system allows.
+std::vector<std::jthread> startWorkers(int nrOfThreads, TaskList& tasks, const Work& work,
+                                       const std::stop_token& stop) {
+    std::vector<std::jthread> workers;
+    workers.reserve(size_t(nrOfThreads));
+    try {
+        for (int i = 0; i < nrOfThreads; ++i)
+            workers.emplace_back([&tasks, &work, stop] {
+                for (int task = tasks.take(stop); task >= 0; task = tasks.take(stop)) {
+                    work(task, stop);
+                    tasks.noteEnd();
+                }
+                tasks.noteWorkerEnd();
+            });
+    } catch (const std::system_error&) {
+        // Fewer threads only take longer.
+    }
+    return workers;
+}
+
+/// Asks only between two tasks whether they are cancelled.
+bool doTasksInCaller(int nrOfTasks, const Work& work, const StepProgress& report) {
+    for (int task = 0; task < nrOfTasks; ++task) {
+        if (!report.advance(task, nrOfTasks))
+            return false;
+        work(task, std::stop_token());
+    }
+    return report.advance(nrOfTasks, nrOfTasks);
+}
+
 } // namespace
 
 bool doTasks(int nrOfTasks, const std::function<void(int, const std::stop_token&)>& work,
@@ -55,19 +88,13 @@ bool doTasks(int nrOfTasks, const std::function<void(int, const std::stop_token&
     std::stop_source stop;
     const int wanted =
         nrOfThreads == oneThreadPerCore ? int(std::thread::hardware_concurrency()) : nrOfThreads;
-    const int count = std::clamp(wanted, 1, std::max(nrOfTasks, 1));
-    std::vector<std::jthread> workers;
-    for (int i = 0; i < count; ++i)
-        workers.emplace_back([&tasks, &work, token = stop.get_token()] {
-            for (int task = tasks.take(token); task >= 0; task = tasks.take(token)) {
-                work(task, token);
-                tasks.noteEnd();
-            }
-            tasks.noteWorkerEnd();
-        });
+    const int allowed = std::clamp(wanted, 1, std::max(nrOfTasks, 1));
+    const std::vector<std::jthread> workers = startWorkers(allowed, tasks, work, stop.get_token());
     const StepProgress report(progress);
+    if (workers.empty())
+        return doTasksInCaller(std::max(nrOfTasks, 0), work, report);
     for (bool workersDone = false; !workersDone;) {
-        const int ended = tasks.waitForChange(workersDone, count);
+        const int ended = tasks.waitForChange(workersDone, int(workers.size()));
         if (!report.advance(ended, nrOfTasks))
             stop.request_stop();
     }

@@ -14,6 +14,9 @@ inline constexpr int oneThreadPerCore = 0;
 /// early once `stop` asks for it. The caller's thread reports the share of tasks that are done
 /// every 20 ms, which keeps the window alive. Returns when no worker runs any more: true when all
 /// tasks were done, false when they were cancelled.
+///
+/// Where the system allows fewer threads they do all tasks. Where it allows none the caller does
+/// them, and reports between two of them; `stop` never asks then.
 [[nodiscard]] bool doTasks(int nrOfTasks,
                            const std::function<void(int task, const std::stop_token& stop)>& work,
                            ProgressReporter& progress, int nrOfThreads = oneThreadPerCore);

@@ -8,6 +8,11 @@
 #include <thread>
 #include <vector>
 
+#ifdef __linux__
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
+
 namespace {
 
 /// Collects reports, and cancels when a test says so.
@@ -80,3 +85,30 @@ TEST(WorkerTasks, CancellingEndsTheRunningOnesAndBeginsNoOther) {
     EXPECT_EQ(begun, 2);
     EXPECT_EQ(running, 0) << "nobody works on when it returns";
 }
+
+#ifdef __linux__
+// In a process of its own that may start no thread. Root may always, so it becomes somebody else.
+TEST(WorkerTasks, AreDoneByTheCallerWhereTheSystemRefusesThreads) {
+    const auto refuseThreads = [] {
+        const rlimit none{0, 0};
+        return (getuid() != 0 || setuid(65534) == 0) && setrlimit(RLIMIT_NPROC, &none) == 0;
+    };
+    const auto doThem = [] {
+        Probe probe;
+        std::vector<int> calls(4);
+        const bool done = doTasks(
+            4, [&](int task, const std::stop_token&) { ++calls[size_t(task)]; }, probe, 4);
+        return done && calls == std::vector{1, 1, 1, 1} &&
+               probe.reports == std::vector{0, 25, 50, 75, 100};
+    };
+    const auto cancelHalfway = [] {
+        Probe probe;
+        probe.cancels = [&] { return probe.reports.back() == 50; };
+        int begun = 0;
+        const auto count = [&](int, const std::stop_token&) { ++begun; };
+        return !doTasks(4, count, probe, 4) && begun == 2;
+    };
+    EXPECT_EXIT(_exit(refuseThreads() && doThem() && cancelHalfway() ? 0 : 1),
+                testing::ExitedWithCode(0), "");
+}
+#endif
