@@ -52,10 +52,16 @@ bool GeIReader::readSlices(Stage stage, int volume, qint64 firstIndex) {
     if (sliceBytes == 0)
         return false;
     for (int slice = 0; slice < project().NrOfSlices; ++slice) {
+        const auto following = [&](int step) {
+            const int next = slice + 1 + step;
+            return next < project().NrOfSlices ? QStringList{expectedPath(firstIndex + next)}
+                                               : QStringList();
+        };
         const auto image = awaitSamples({.expected = {{expectedPath(firstIndex + slice)},
                                                       geIHeaderBytes + sliceBytes,
                                                       /*atLeast*/ false},
-                                         .part = {.offset = geIHeaderBytes, .length = sliceBytes}});
+                                         .part = {.offset = geIHeaderBytes, .length = sliceBytes},
+                                         .following = following});
         if (!image)
             return false;
         toHostOrder(image->samples);

@@ -42,6 +42,23 @@ TEST(GeIReader, ListsItsFilesWhereItCanAndTakesThoseOfTheExactSize) {
     EXPECT_TRUE(reader->readHeaders()) << "a run goes on without its header";
 }
 
+TEST(GeIReader, SlicesSettleTogether) {
+    IntakeRun run("GE_I", 1, 1, 40);
+    run.settings.NrOfVolumesToSkip = 0;
+    run.settings.GESeriesNr = 3;
+    run.settings.GEFirstImageNr = 980; // the last slices are in the next folder
+    EXPECT_TRUE(QDir(run.folder.path()).mkdir("003") && QDir(run.folder.path()).mkdir("023"));
+    for (int slice = 0; slice < 40; ++slice)
+        run.write(geIFileName({3, 980}, slice), QByteArray(7904, 'h') + rawSamples({slice + 1}));
+    const auto reader = run.reader();
+    ASSERT_TRUE(reader->readVolume(0));
+    EXPECT_EQ(run.pump.milliseconds(), 10);
+    EXPECT_EQ(valuesOf(run.project.volumes[0]), countedFrom(1, 40));
+    const qint64 start = run.pump.milliseconds();
+    EXPECT_FALSE(reader->readVolume(1));
+    EXPECT_GE(run.pump.milliseconds() - start, 1000) << "the first file of a volume is waited for";
+}
+
 // Three slices of one sample.
 TEST(GeStanfordReader, SwapsInAnyCaseAndSettlesOnceForAFile) {
     for (const ByteOrder order : {ByteOrder::Little, ByteOrder::Big}) {
