@@ -22,7 +22,7 @@ DicomVolumeReader::awaitImage(const ExpectedFile& expected, Stage stage, size_t 
     const StopWatch watch = newWatch();
     const FileWaitScope told = tellWait(expected);
     const QString path = awaitPath(expected,
-                                   {.timeOutMilliseconds = settings().timeOutMilliseconds,
+                                   {.timeOutMilliseconds = timeOutMilliseconds(),
                                     .settleMilliseconds = kind_.settleMilliseconds},
                                    following);
     if (!path.isEmpty())

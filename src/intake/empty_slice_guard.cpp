@@ -9,27 +9,35 @@ bool EmptySliceGuard::readOnce(int volume) {
     return volume == firstVolume ? reader_->readFirstVolume() : reader_->readVolume(volume);
 }
 
+// Where the files have gone meanwhile they are waited for only as long as slices are.
+bool EmptySliceGuard::readAgain(int volume, double longestMilliseconds) {
+    IntakeState& state = context_.state;
+    state.longestFileWait = int(std::max(longestMilliseconds, 0.0));
+    const bool read = readOnce(volume);
+    state.longestFileWait = IntakeState::unlimitedWait;
+    return read;
+}
+
 bool EmptySliceGuard::readFilled(int volume) {
     constexpr int pollMilliseconds = 100;
-    const StopWatch total(context_.pump);
     if (!readOnce(volume))
         return false;
     const StopWatch waited(context_.pump);
+    const double longest =
+        std::min(double(context_.project.TR), double(context_.settings.timeOutMilliseconds));
     int late = lateSlice(volume);
-    while (late >= 0 && !context_.pump.waitsGivenUp() &&
-           double(waited.elapsed()) < double(context_.project.TR) &&
-           total.elapsed() < context_.settings.timeOutMilliseconds) {
+    while (late >= 0 && !context_.pump.waitsGivenUp() && double(waited.elapsed()) < longest) {
         const qint64 start = context_.pump.microseconds();
         context_.pump.pumpWait(pollMilliseconds);
         context_.state.waitedForFiles += context_.pump.microseconds() - start;
-        // If the file has disappeared meanwhile, what was read is kept.
-        if (!readOnce(volume))
+        // What was read is kept.
+        if (!readAgain(volume, longest - double(waited.elapsed())))
             break;
         late = lateSlice(volume);
     }
     if (late >= 0 && !context_.pump.waitsGivenUp())
         warn(volume, late);
-    wasEmpty_.swap(isEmpty_);
+    learn(volume);
     return true;
 }
 
@@ -37,7 +45,7 @@ int EmptySliceGuard::lateSlice(int volume) {
     FMRProject& project = context_.project;
     const size_t slices = size_t(std::max(project.NrOfSlices, 0));
     isEmpty_.resize(slices);
-    wasEmpty_.resize(slices);
+    volumesEmpty_.resize(slices);
     std::ranges::fill(isEmpty_, char(0));
     const size_t index = size_t(std::max(volume, 0));
     if (volume != firstVolume && index >= project.volumes.size())
@@ -51,16 +59,33 @@ int EmptySliceGuard::lateSlice(int volume) {
     for (size_t slice = slices; slice-- > 0;) {
         const auto part = samples.subspan(slice * sliceSamples, sliceSamples);
         isEmpty_[slice] = std::ranges::all_of(part, [](int16_t sample) { return sample == 0; });
-        if (isEmpty_[slice] && !wasEmpty_[slice])
+        if (isEmpty_[slice] && volumesEmpty_[slice] < volumesToLearn)
             late = int(slice);
     }
     return late;
 }
 
+// Slices that were not waited for are known already, so that only volumes with slices that came too
+// late add to the counts, until enough of them agree.
+void EmptySliceGuard::learn(int volume) {
+    if (!anyFilled())
+        return;
+    for (size_t slice = 0; slice < isEmpty_.size(); ++slice) {
+        int& count = volumesEmpty_[slice];
+        if (!isEmpty_[slice])
+            count = 0;
+        else
+            count = volume == firstVolume ? volumesToLearn : std::min(count + 1, volumesToLearn);
+    }
+}
+
+bool EmptySliceGuard::anyFilled() const {
+    return std::ranges::find(isEmpty_, char(0)) != isEmpty_.end();
+}
+
 void EmptySliceGuard::warn(int volume, int slice) {
     constexpr int mostWarnings = 3;
-    const bool anyFilled = std::ranges::find(isEmpty_, char(0)) != isEmpty_.end();
-    if (nrOfWarnings_ >= mostWarnings || (volume == firstVolume && anyFilled))
+    if (nrOfWarnings_ >= mostWarnings || (volume == firstVolume && anyFilled()))
         return;
     ++nrOfWarnings_;
     const QString name =

@@ -7,6 +7,10 @@
 #include <algorithm>
 #include <cstring>
 
+int FileVolumeReader::timeOutMilliseconds() const {
+    return std::min(settings().timeOutMilliseconds, state().longestFileWait);
+}
+
 QString FileVolumeReader::watchedPath(const QString& name) const {
     return paths::join(state().watchFolder, name);
 }
@@ -30,7 +34,7 @@ FileWaitScope FileVolumeReader::tellWait(const ExpectedFile& expected) {
             {.file = expected,
              .missingPart = {},
              .start = pump().milliseconds(),
-             .timeOutMilliseconds = settings().timeOutMilliseconds}};
+             .timeOutMilliseconds = timeOutMilliseconds()}};
 }
 
 QString FileVolumeReader::awaitPath(const ExpectedFile& expected, const WaitTimes& times,
@@ -47,7 +51,7 @@ QString FileVolumeReader::awaitPath(const ExpectedFile& expected, const WaitTime
 
 bool FileVolumeReader::waitAgain(const StopWatch& watch, const QString& fileName,
                                  int pollMilliseconds) {
-    if (pump().waitsGivenUp() || watch.elapsed() > settings().timeOutMilliseconds)
+    if (pump().waitsGivenUp() || watch.elapsed() > timeOutMilliseconds())
         return false;
     const qint64 start = pump().microseconds();
     arrival_.pause({fileName}, pollMilliseconds);

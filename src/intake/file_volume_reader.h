@@ -24,6 +24,9 @@ protected:
     [[nodiscard]] EventPump& pump() { return context_.pump; }
     [[nodiscard]] StopWatch newWatch() const { return StopWatch(context_.pump); }
 
+    /// How long a file is waited for: the time-out of the settings, or less where a volume is read
+    /// again.
+    [[nodiscard]] int timeOutMilliseconds() const;
     /// Path of a file in the watched folder.
     [[nodiscard]] QString watchedPath(const QString& name) const;
     /// The index of an analysed volume among the measured ones.

@@ -9,6 +9,8 @@
 #include "run/settings/run_settings.h"
 #include "volume/fmr_project.h"
 
+#include <limits>
+
 /// Lives as long as the program: a header that was parsed once keeps its values.
 struct IntakeState {
     DicomHeader header;
@@ -20,6 +22,10 @@ struct IntakeState {
     qint64 lastFileNoticed = -1; ///< milliseconds of the pump; set by readers of files
     /// Microseconds, added up by readers of files: until these were seen, or were there whole.
     qint64 waitedForFiles = 0;
+    static constexpr int unlimitedWait = std::numeric_limits<int>::max();
+    /// Milliseconds that a file is waited for at most, besides the time-out of the settings; less
+    /// than unlimited while a volume is read again.
+    int longestFileWait = unlimitedWait;
 };
 
 struct IntakeContext {

@@ -7,7 +7,7 @@ std::optional<RawVolumeReader::RawImage> RawVolumeReader::awaitSamples(const Raw
     const StopWatch watch = newWatch();
     const FileWaitScope told = tellWait(file.expected);
     const QString path = awaitPath(file.expected,
-                                   {.timeOutMilliseconds = settings().timeOutMilliseconds,
+                                   {.timeOutMilliseconds = timeOutMilliseconds(),
                                     .pollMilliseconds = file.pollMilliseconds,
                                     .settleMilliseconds = file.settleMilliseconds},
                                    file.following);
