@@ -47,6 +47,11 @@ void chooseClassifierOutput(FeedbackChoices& choices) {
     choices.DisplayBaseLevel = thermometerSteps / 2;
 }
 
+void chooseDelayedFeedback(FeedbackChoices& choices) {
+    choices.type = FeedbackType::Delayed;
+    choices.BlockOutput = false;
+}
+
 void giveUpClassifierOutput(FeedbackChoices& choices, int nrOfRegions) {
     choices.UseSVMOutput = false;
     choices.roiMode = noROIMode;

@@ -67,6 +67,8 @@ void settleROIMode(FeedbackChoices& choices, int nrOfRegions);
 
 /// Takes the classifier's output: no regions, and the base line in the middle of the scale.
 void chooseClassifierOutput(FeedbackChoices& choices);
+/// Takes delayed feedback, which is output: it isn't blocked.
+void chooseDelayedFeedback(FeedbackChoices& choices);
 /// The classifier predicts no longer: ROI 1 takes its place.
 void giveUpClassifierOutput(FeedbackChoices& choices, int nrOfRegions);
 

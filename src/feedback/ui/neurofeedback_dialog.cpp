@@ -235,10 +235,7 @@ void NeurofeedbackDlg::selectedBarFeedback() {
 }
 
 void NeurofeedbackDlg::selectedDelayedFeedback() {
-    change([](FeedbackChoices& choices) {
-        choices.type = FeedbackType::Delayed;
-        choices.BlockOutput = false;
-    });
+    change(chooseDelayedFeedback);
     onDelayedFeedbackOptions();
 }
 

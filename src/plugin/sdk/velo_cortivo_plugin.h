@@ -130,6 +130,8 @@ double* tGetBetaMaps(void);
 float tGetValueOfVoxelAtTime(int x, int y, int z, int timePoint);
 /// A pointer for each volume of the run to its samples, zeros for volumes to come. Null without a
 /// document, or when it holds no volumes (the analysis of several runs).
+/// Only those of the current volume may be changed, in executeBeforeVolume(): what is computed from
+/// a volume is computed once.
 short** tGetTimeCourseData(void);
 
 // Statistical maps -----------------------------------------------------------------------------

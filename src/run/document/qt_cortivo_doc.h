@@ -24,6 +24,13 @@
 
 #include <vector>
 
+/// What the settings of a run say on its design. The settings file of another run may be current
+/// while this one is in memory.
+struct ModelPlan {
+    int nrOfVolumes = 0; ///< to be analysed; a run that ends early has fewer
+    int DriftConfoundPredictors = 1;
+};
+
 /// Owns the data of one run. Algorithms are passed the parts they need, never the document.
 class QtCortivoDoc {
 public:
@@ -44,6 +51,7 @@ public:
     TDATProtocol tdatProtocol;         ///< likewise
     VolumeTables volumeTables;         ///< of the protocol as far as it is known
     DesignMatrix design;
+    ModelPlan plan;
     ContrastDefinitions contrasts;
     BrainMask mask;
     GLMState glm;                ///< updated during a run

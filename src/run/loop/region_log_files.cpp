@@ -20,14 +20,14 @@ void appendRecord(const QString& path, const QByteArray& text, bool& begun, cons
 
 } // namespace
 
-void RegionLogFiles::writeVolume(const QtCortivoDoc& document, const RunSettings& settings,
-                                 const OperatorRequests& requests, int volume) {
-    if (requests.saveRTPs)
-        writeRTPFile(document, settings, volume);
+void RegionLogFiles::writeVolume(const VolumeAtHand& hand, const RunSettings& settings,
+                                 const OperatorRequests& requests) {
+    if (requests.saveRTPs && !hand.played)
+        writeRTPFile(hand.document, settings, hand.volume);
     if (requests.saveROITimeCourses)
-        writeERTFile(document, volume);
+        writeERTFile(hand.document, hand.volume);
     if (requests.saveROIBetaTimeCourses)
-        writeBTCFile(document, volume);
+        writeBTCFile(hand.document, hand.volume);
 }
 
 void RegionLogFiles::writeRTPFile(const QtCortivoDoc& document, const RunSettings& settings,

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "run/document/operator_requests.h"
-#include "run/document/qt_cortivo_doc.h"
+#include "run/loop/run_listeners.h"
 #include "run/settings/run_settings.h"
 
 /// Knows which logs of the run have been begun: the first record of a log, whenever it is switched
@@ -14,9 +14,10 @@ public:
     void restart() { *this = {}; }
 
     /// Writes the logs that are on. A log that can't be written is told of, and the run goes on;
-    /// but nothing is told of the value file that a feedback program polls.
-    void writeVolume(const QtCortivoDoc& document, const RunSettings& settings,
-                     const OperatorRequests& requests, int volume);
+    /// but nothing is told of the value file that a feedback program polls. Of a volume that is
+    /// played, that program has had it.
+    void writeVolume(const VolumeAtHand& hand, const RunSettings& settings,
+                     const OperatorRequests& requests);
 
 private:
     void writeRTPFile(const QtCortivoDoc& document, const RunSettings& settings, int volume);

@@ -8,9 +8,9 @@
 
 namespace {
 
-bool buildDesign(QtCortivoDoc& document, const RunSettings& settings) {
+bool buildDesign(QtCortivoDoc& document) {
     DesignMatrix& design = document.design;
-    const DesignSource source = designSource(document, settings);
+    const DesignSource source = designSource(document);
     releasePredictorColumns(design);
     if (!createConditionPredictors(design, source) ||
         !createConfoundPredictors(design, source, document.project.targetFolder))
@@ -26,9 +26,9 @@ bool buildDesign(QtCortivoDoc& document, const RunSettings& settings) {
 }
 
 // The name lists of the design, and the numbers of its predictors.
-void buildPredictorNames(QtCortivoDoc& document, const RunSettings& settings) {
+void buildPredictorNames(QtCortivoDoc& document) {
     DesignMatrix& design = document.design;
-    const DesignSource source = designSource(document, settings);
+    const DesignSource source = designSource(document);
     buildConditionPredictorNames(design, source);
     buildConfoundPredictorNames(design, source);
     design.NrOfPredictors = design.NrOfConditionPredictors + design.NrOfConfoundPredictors;
@@ -74,11 +74,11 @@ void takeContrasts(QtCortivoDoc& document, const ProtocolContrasts& brought, int
 
 } // namespace
 
-DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings) {
+DesignSource designSource(const QtCortivoDoc& document) {
     // A run that ended early has fewer volumes than its design, also when it is reloaded.
-    const int volumes = std::max(document.project.NrOfVolumes, settings.nrOfAnalysedVolumes());
+    const int volumes = std::max(document.project.NrOfVolumes, document.plan.nrOfVolumes);
     return {document.protocol, document.project.TR, volumes,
-            document.contrasts.BaselinePosInProtocol, settings.DriftConfoundPredictors};
+            document.contrasts.BaselinePosInProtocol, document.plan.DriftConfoundPredictors};
 }
 
 void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
@@ -93,13 +93,13 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
     const int baselinePosition = contrasts.BaselinePosInProtocol;
     if (takesFile && contrastFileHasNoBaseline(contrastFile))
         contrasts.BaselinePosInProtocol = 0;
-    buildPredictorNames(document, settings);
+    buildPredictorNames(document);
     const bool fileRead = takesFile && readContrastFile(contrastFile, contrasts, document.design,
                                                         document.protocol.nrOfConditions());
     if (!fileRead) {
         if (contrasts.BaselinePosInProtocol != baselinePosition) {
             contrasts.BaselinePosInProtocol = baselinePosition;
-            buildPredictorNames(document, settings);
+            buildPredictorNames(document);
         }
         takeContrasts(document, brought, settings.AutoContrastGenerationLevel);
     }
@@ -113,7 +113,7 @@ ModelLimits limitsOfPlannedModel(const QtCortivoDoc& document, const RunSettings
         return {};
     // A design of its own: the document's gets its columns when the loop begins.
     DesignMatrix planned;
-    DesignSource source = designSource(document, settings);
+    DesignSource source = designSource(document);
     if (contrastFileHasNoBaseline(settings.ContrastFile))
         source.BaselinePosInProtocol = 0;
     buildConditionPredictorNames(planned, source);
@@ -145,9 +145,8 @@ PlannedModelSize plannedModelSize(const QtCortivoDoc& document, const RunSetting
                       nrOfContrastsInFile(settings.ContrastFile)})};
 }
 
-bool rebuildDesign(DesignMatrix& design, const QtCortivoDoc& document,
-                   const RunSettings& settings) {
-    const DesignSource source = designSource(document, settings);
+bool rebuildDesign(DesignMatrix& design, const QtCortivoDoc& document) {
+    const DesignSource source = designSource(document);
     design = document.design;
     if (!createConditionPredictors(design, source) || !fillConfoundColumns(design, source))
         return false;
@@ -163,8 +162,8 @@ bool hasConditions(const QtCortivoDoc& document) {
     return false;
 }
 
-bool prepareModel(QtCortivoDoc& document, const RunSettings& settings) {
-    if (!hasConditions(document) || !buildDesign(document, settings))
+bool prepareModel(QtCortivoDoc& document) {
+    if (!hasConditions(document) || !buildDesign(document))
         return false;
     if (!document.glm.allocate(document.design.NrOfPredictors, document.project.volumeSamples())) {
         showWarning("ERROR: Insufficient memory for creating GLM file!");

@@ -8,7 +8,7 @@
 inline constexpr int brainMaskThreshold = 100; // sample value
 
 /// What the design of this run is built from.
-[[nodiscard]] DesignSource designSource(const QtCortivoDoc& document, const RunSettings& settings);
+[[nodiscard]] DesignSource designSource(const QtCortivoDoc& document);
 
 /// Predictor names and contrasts of a run that is prepared or reloaded. Contrasts are those of
 /// `contrastFile`, if it is not empty and fits; else those that an arriving protocol asks for in
@@ -21,12 +21,11 @@ void setUpContrasts(QtCortivoDoc& document, const RunSettings& settings,
 
 /// Builds the design columns and the schedule, and allocates model and maps. Without conditions the
 /// program ends after a message; false also after a message when memory runs out.
-[[nodiscard]] bool prepareModel(QtCortivoDoc& document, const RunSettings& settings);
+[[nodiscard]] bool prepareModel(QtCortivoDoc& document);
 
 /// The design of a run that is over, with its columns and onsets: the document's own has lost its
 /// columns. False when memory runs out, which ends the program after a message.
-[[nodiscard]] bool rebuildDesign(DesignMatrix& design, const QtCortivoDoc& document,
-                                 const RunSettings& settings);
+[[nodiscard]] bool rebuildDesign(DesignMatrix& design, const QtCortivoDoc& document);
 
 /// What the model of a planned run will not give, by names of predictors.
 struct ModelLimits {

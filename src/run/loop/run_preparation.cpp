@@ -94,6 +94,7 @@ void copySettingsToProject(FMRProject& project, const RunSettings& settings) {
 
 void copySettingsToDocument(QtCortivoDoc& document, const RunSettings& settings) {
     copySettingsToProject(document.project, settings);
+    document.plan = {settings.nrOfAnalysedVolumes(), settings.DriftConfoundPredictors};
     document.protocol.tdatPath = settings.TDatFile;
     document.protocol.realTimeProtocolPath = settings.RealTimeProtocol;
     document.protocol.protocolPath = settings.StimulationProtocol;

@@ -181,7 +181,7 @@ bool updateProtocol(const RunParts& run, int volumeIndex) {
     if (intervalsChanged) {
         if (!isTDAT)
             document.design.ConditionWeights = document.realTimeProtocol.state.rtpWeights;
-        if (!createConditionPredictors(document.design, designSource(document, run.settings)))
+        if (!createConditionPredictors(document.design, designSource(document)))
             return false;
     }
     renewSchedule(document, volumeIndex);

@@ -43,7 +43,7 @@ void computeBetas(const RegionRun& run) {
     }
     // After a run its live model is gone.
     DesignMatrix design;
-    if (rebuildDesign(design, document, run.settings))
+    if (rebuildDesign(design, document))
         computeROIBetas(document.regions, design, document.wholeRunModel.isValid());
 }
 

@@ -102,10 +102,12 @@ std::vector<SaveStep> projectSteps(const RunParts& run, ProgressReporter& progre
     const int volumes = recordedVolumes(run.report, project);
     const auto dataWritten = std::make_shared<bool>(false);
     const auto writeData = [&run, &project, &progress, volumes, dataWritten] {
+        *dataWritten = writeSTCData(project, volumes, &progress, &run.pump, 5, 80);
         // A model that an earlier run left under the name is not that of these data.
-        for (const QString& model : {modelFilePath(project), modelDesignFilePath(project)})
-            QFile::remove(model);
-        return *dataWritten = writeSTCData(project, volumes, &progress, &run.pump, 5, 80);
+        if (*dataWritten)
+            for (const QString& model : {modelFilePath(project), modelDesignFilePath(project)})
+                QFile::remove(model);
+        return *dataWritten;
     };
     const auto writeHeader = [&document, &project, volumes, dataWritten] {
         return *dataWritten && writeFMRHeader(project, project.projectPath, volumes) &&

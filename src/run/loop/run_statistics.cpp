@@ -33,7 +33,7 @@ std::vector<int> conditionsOfOwnColumns(const DesignMatrix& design) {
 bool makeRunDesign(WholeRunDesign& whole, const RunParts& run, int nrOfVolumes) {
     const FMRProject& project = run.document.project;
     DesignMatrix design;
-    if (!rebuildDesign(design, run.document, run.settings))
+    if (!rebuildDesign(design, run.document))
         return false;
     whole.studies = {{nrOfVolumes, paths::fileName(project.projectPath),
                       paths::fileName(modelDesignFilePath(project)), 1}};
@@ -55,7 +55,7 @@ void tellOfArrivedDesign(const RunParts& run, int nrOfVolumes) {
     DesignMatrix design;
     if ((isProtocolPathSet(protocol.tdatPath) ||
          isProtocolPathSet(protocol.realTimeProtocolPath)) &&
-        rebuildDesign(design, run.document, run.settings))
+        rebuildDesign(design, run.document))
         tellOfDependentPredictors(predictorsThatDependOnOthers(design, nrOfVolumes));
 }
 

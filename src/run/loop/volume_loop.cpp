@@ -61,7 +61,7 @@ private:
 
 LoopEnd VolumeLoop::execute() {
     run_.phase.enter(Phase::Recording);
-    if (!prepareModel(document_, run_.settings)) {
+    if (!prepareModel(document_)) {
         run_.listeners.loopEnded(document_);
         releaseModel();
         closeProtocol(document_);

@@ -23,6 +23,10 @@ QString hindranceOfData(const RunSession& session) {
 
 } // namespace
 
+SessionExport::SessionExport(RunSession& session) : session_(session) {
+    session_.listeners.add(*this, ListenerPlace::Regions);
+}
+
 QString SessionExport::hindrance() const {
     if (!session_.phase.isIdle())
         return QStringLiteral("Not while a run is measured or worked on");
@@ -34,11 +38,9 @@ void SessionExport::chooseFileAndExport() {
         return;
     const FMRProject& project = session_.functionalDocument->project;
     const QString name = paths::withoutExtension(paths::fileName(project.projectPath)) + ".nii.gz";
-    const QString path = waitForFileToSave(
-        "Export As NIfTI", paths::join(project.targetFolder, name), "NIfTI files (*.nii.gz *.nii)");
-    // While the operator chose, a run may have started by itself.
-    if (!path.isEmpty())
-        static_cast<void>(exportAsNifti(path));
+    chooseFileToSave(
+        "Export As NIfTI", paths::join(project.targetFolder, name), "NIfTI files (*.nii.gz *.nii)",
+        [this](const QString& path) { static_cast<void>(exportAsNifti(path)); }, &chooser_);
 }
 
 bool SessionExport::exportAsNifti(const QString& path) {

@@ -204,7 +204,7 @@ bool SessionRegions::atStep(VolumeStep step, const VolumeAtHand& hand) {
         updateRegions(run());
         break;
     case VolumeStep::Logs:
-        logs_.writeVolume(hand.document, parts_.settings, parts_.requests, hand.volume);
+        logs_.writeVolume(hand, parts_.settings, parts_.requests);
         break;
     case VolumeStep::SelectVoxels:
         if (parts_.requests.regions.BestVoxelSelection)

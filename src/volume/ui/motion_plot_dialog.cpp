@@ -39,6 +39,7 @@ MotionPlotDlg::MotionPlotDlg(RunSession& session, QWidget* parent)
     dvarsTimer_.setSingleShot(true);
     connect(&dvarsTimer_, &QTimer::timeout, this, &MotionPlotDlg::refresh);
     session_.listeners.add(*this, ListenerPlace::Plots);
+    takeCorrection();
     takeVolumes();
 }
 
@@ -75,14 +76,21 @@ void MotionPlotDlg::layOut() {
     layout->addLayout(bottom);
 }
 
-// Kept, since report and settings change when another settings file is chosen, the run does not.
+// Kept, as are the volumes, since report and settings change when another settings file is chosen,
+// the run does not.
+void MotionPlotDlg::takeCorrection() {
+    corrected_ = session_.settings.MotionCorrection;
+    // The first volume is not aligned to a target of another run, so its parameters say nothing.
+    firstDisplaced_ = session_.settings.IntraSessionMotionCorrection ? 2 : 1;
+}
+
 void MotionPlotDlg::takeVolumes() {
     const QtCortivoDoc* document = session_.functionalDocument.get();
     volumes_ = document ? plottedVolumes(session_.report, *document).measured : 0;
-    const bool correctedLater = document && document->motion.foundAfterRun;
-    corrected_ = session_.settings.MotionCorrection || correctedLater;
-    // The first volume is not aligned to a target of another run, so its parameters say nothing.
-    firstDisplaced_ = session_.settings.IntraSessionMotionCorrection && !correctedLater ? 2 : 1;
+    if (document && document->motion.foundAfterRun) {
+        corrected_ = true;
+        firstDisplaced_ = 1;
+    }
     if (isVisible())
         refresh();
 }
@@ -95,6 +103,7 @@ void MotionPlotDlg::documentsLeaving() {
 }
 
 void MotionPlotDlg::runPrepared(QtCortivoDoc&) {
+    takeCorrection();
     takeVolumes();
 }
 

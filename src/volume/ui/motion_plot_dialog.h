@@ -46,6 +46,7 @@ protected:
 private:
     Plotter* addPlot(const char* name);
     void layOut();
+    void takeCorrection();
     void takeVolumes();
     void refresh();
     /// Computes some of the DVARS that are missing; the timer goes on with the rest.

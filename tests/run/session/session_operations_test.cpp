@@ -280,6 +280,24 @@ TEST_F(SessionOperations, BackgroundFollowsTheChosenVolume) {
     }
 }
 
+// The file of the next run is read while the last one is looked at.
+TEST_F(SessionOperations, TheModelOfARunIsThatOfItsOwnSettings) {
+    const auto drawRegion = [&] {
+        EXPECT_TRUE(session.regions.selectRectangle({1, 2, 6, 1, 5}));
+        return document().regions[document().regions.count() - 1].ROIBetas;
+    };
+    const std::vector<float> betas = drawRegion();
+    ASSERT_FALSE(betas.empty());
+    put("other-1.vco", content("test-1.vco")
+                           .replace("NrOfVolumes:                      32",
+                                    "NrOfVolumes:                      99"));
+    session.changeSettingsFile(path("other-1.vco"));
+    ASSERT_TRUE(session.inspectSettings());
+    ASSERT_EQ(session.settings.NrOfVolumes, 99);
+    session.settings.DriftConfoundPredictors = 4;
+    EXPECT_EQ(drawRegion(), betas);
+}
+
 TEST_F(SessionOperations, OutcomeStandsUntilSomethingNewer) {
     EXPECT_TRUE(display.logTexts.last().contains("Recorded data saved as \"<b>test</b>\"."));
     EXPECT_TRUE(session.panelText().startsWith(" volume <b>30</b>"));
