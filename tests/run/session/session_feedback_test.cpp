@@ -234,7 +234,7 @@ TEST_F(SessionFeedbackTest, TheDisplayOfARunThatGoesOnIsOpenedAgainAsItWas) {
             return;
         session.feedback.open(screen_);
         opened.push_back(session.feedback.choices().type);
-        EXPECT_EQ(session.feedback.choices().MaxPSC[0] == 3.5f, volume == 30);
+        EXPECT_EQ(session.feedback.choices().MaxPSC[0], 3.5f) << "of the regions, too";
         EXPECT_EQ(session.feedback.choices().NoFbStartShift == 7, volume == 30);
     };
     EXPECT_TRUE(session.playJournal({journal, {}, {}, false}, PlayPurpose::GoOn));
