@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "base/messages.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "run/loop/status_text.h"
 #include "run/replay/journal_description.h"
 #include "run/replay/saved_run.h"
@@ -15,6 +16,18 @@ bool hasFolderOfItsOwn(const QString& results, const QString& ofTheRun) {
     if (!fault.isEmpty())
         showWarning("ERROR: " + fault);
     return fault.isEmpty();
+}
+
+/// The question whether to save the run in memory comes before a journal is opened: it may be that
+/// of this very run, which goes when the run is saved. True, after an information, when it went.
+bool wentWhenSaved(const QString& journal, bool wasThere) {
+    const bool went = wasThere && !fileExists(journal);
+    if (went)
+        showModelessInformation(
+            QStringLiteral("INFO: The run of the journal \"%1\" is saved now, and the journal was "
+                           "deleted: there is nothing to play.")
+                .arg(journal));
+    return went;
 }
 
 } // namespace
@@ -51,7 +64,7 @@ QStringList RunSession::unfinishedJournals() const {
 void RunSession::endPlayedJournal(const JournalRun& source, const QString& path) {
     if (!source.allPlayed())
         return;
-    const JournalScanResult& scan = source.readSoFar();
+    const JournalScanResult scan = source.readSoFar();
     const QString loss =
         lossText(path, scan, report.currentVolume + 1, source.head().project.size());
     if (!loss.isEmpty()) {
@@ -66,10 +79,12 @@ void RunSession::endPlayedJournal(const JournalRun& source, const QString& path)
 bool RunSession::playJournal(const PlayOptions& options, PlayPurpose purpose) {
     if (!phase.isIdle())
         return false;
+    const bool wasThere = fileExists(options.path);
+    if (!mayLeaveRun() || wentWhenSaved(options.path, wasThere))
+        return false;
     JournalRun source(options, purpose, listeners);
-    if (!mayLeaveRun() || !source.open() ||
-        (purpose == PlayPurpose::Replay &&
-         !hasFolderOfItsOwn(options.targetFolder, source.head().targetFolder)))
+    if (!source.open() || (purpose == PlayPurpose::Replay &&
+                           !hasFolderOfItsOwn(options.targetFolder, source.head().targetFolder)))
         return false;
     if (purpose == PlayPurpose::GoOn)
         source.setContinuation(makeReader, journal);

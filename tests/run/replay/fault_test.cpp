@@ -121,16 +121,23 @@ TEST_F(FullDisk, EndsTheJournalAndNotTheRun) {
 
 // The part in the journal must not be offered, and replace the whole, later on.
 TEST_F(FullDisk, ARunThatIsSavedAtLastLeavesNoPartOfIt) {
-    limitFromFirstVolumeOn(20'000);
-    run(false, [] {});
-    limit_.lift();
-    EXPECT_TRUE(session_.report.onlyInMemory);
-    EXPECT_EQ(trial_.journals().size(), 1);
-    trial_.messages.acceptAnything(true);
-    EXPECT_TRUE(session_.mayLeaveRun());
-    EXPECT_TRUE(trial_.journals().isEmpty());
-    expected_.remove("Simulation-1.mps"); // by now the maps are those of the complete run
-    expectAllInResults();
+    expected_.remove("Simulation-1.mps"); // by then the maps are those of the complete run
+    for (const bool recovers : {false, true}) {
+        limitFromFirstVolumeOn(20'000);
+        run(false, [] {});
+        limit_.lift();
+        display_.whenLogged = {};
+        EXPECT_TRUE(session_.report.onlyInMemory);
+        ASSERT_EQ(trial_.journals().size(), 1);
+        trial_.messages.acceptAnything(true);
+        if (recovers)
+            EXPECT_FALSE(session_.playJournal({trial_.journals().front(), {}, {}, false},
+                                              PlayPurpose::Recover));
+        else
+            EXPECT_TRUE(session_.mayLeaveRun());
+        EXPECT_TRUE(trial_.journals().isEmpty());
+        expectAllInResults();
+    }
 }
 
 TEST_F(Fault, AFolderThatGoesIsMadeAgainOrAskedFor) {
