@@ -13,14 +13,6 @@
 #include <algorithm>
 #include <utility>
 
-namespace {
-
-bool isProtocolLine(const ListenerRecord& record) {
-    return record.record.name == protocolLineRecord;
-}
-
-} // namespace
-
 /// Gives the volumes of the journal; for a run that goes on, those of the scanner after them.
 class JournalReader : public VolumeReader {
 public:
@@ -199,6 +191,7 @@ bool JournalRun::takeVolume(int volume, std::span<int16_t> samples) {
     // First, where the journal has no volume, or one that is none: what is played from here on is
     // recorded again.
     if (!isThere && !goesOn_) {
+        wrongVolume_ = !nextVolume_.empty();
         nextVolume_.clear();
         goOnRecording(volume - 1);
         playProtocol();
@@ -222,49 +215,20 @@ void JournalRun::goOnRecording(int latestVolume) {
     if (!goesOn_)
         return;
     const QString loss =
-        lossText(options_.path, cursor_.result(), latestVolume + 1, head_.project.size());
+        lossText(options_.path, readSoFar(), latestVolume + 1, head_.project.size());
     if (loss.isEmpty())
         return journal_->goOn(options_.path, bytesToKeep_, latestVolume);
-    // A damaged journal stays as it is; a copy of what is good in it is continued.
-    const QString copy =
-        options_.path.chopped(qstrlen(journalExtension)) + "-goes-on" + journalExtension;
-    static_cast<void>(QFile::copy(options_.path, copy)); // without it the next call tells
-    journal_->goOn(copy, bytesToKeep_, latestVolume);
-    journal_->list().remove(options_.path);
+    journal_->goOnInCopy(options_.path, bytesToKeep_, latestVolume);
     showModelessWarning(loss);
 }
 
-void JournalRun::playProtocol() {
-    GrowingTextFile* lines = ownSettings() ? arrivingLines(*document_) : nullptr;
-    if (lines && (!nextVolume_.empty() || !readProtocolOn()))
-        for (const ListenerRecord& record : records_)
-            if (isProtocolLine(record)) {
-                // An empty one was too long to be read and had no effect.
-                if (!record.record.content.isEmpty())
-                    lines->feed(record.record.content + '\n');
-                ++linesPlayed_;
-            }
-    std::erase_if(records_, isProtocolLine);
-}
-
-// The latest volume may have been waiting for lines when the program ended. False when the file is
-// not the one that the journal has followed.
-bool JournalRun::readProtocolOn() {
-    GrowingTextFile& lines = *arrivingLines(*document_);
-    const bool isTDAT = isProtocolPathSet(document_->protocol.tdatPath);
-    const auto lineEnd = isTDAT ? GrowingTextFile::LineEnd::LineFeed
-                                : GrowingTextFile::LineEnd::CarriageReturnOrLineFeed;
-    const QByteArray header = head_.protocol.content.left(head_.protocolHeadBytes);
-    bool isSame = lines.open(head_.protocol.path, QIODevice::ReadOnly, lineEnd) &&
-                  lines.head(false).startsWith(header);
-    if (isSame)
-        lines.skipHead(header.size());
-    QString line;
-    for (qsizetype i = 0; isSame && i < linesPlayed_; ++i)
-        isSame = lines.readLine(line) != GrowingTextFile::ReadResult::Nothing;
-    if (!isSame)
-        lines.close();
-    return isSame;
+JournalScanResult JournalRun::readSoFar() const {
+    JournalScanResult result = cursor_.result();
+    if (wrongVolume_) {
+        result.end = JournalEnd::Damaged;
+        result.goodBytes = bytesToKeep_;
+    }
+    return result;
 }
 
 void JournalRun::playUpTo(RecordMoment moment) {

@@ -39,8 +39,9 @@ public:
     [[nodiscard]] bool allPlayed() const {
         return nextVolume_.empty() && latestPlayed_ >= latestTaken_;
     }
-    /// How far the journal could be read.
-    [[nodiscard]] const JournalScanResult& readSoFar() const { return cursor_.result(); }
+    /// How far the journal could be read; a whole record that is not the volume it has to be is
+    /// damage too.
+    [[nodiscard]] JournalScanResult readSoFar() const;
     /// For GoOn: what reads on, and the journal that is continued.
     void setContinuation(ReaderMaker makeReader, RunJournal& journal);
 
@@ -67,6 +68,7 @@ private:
     void collectRecords();
     void playProtocol();
     [[nodiscard]] bool readProtocolOn();
+    [[nodiscard]] QString protocolFile() const;
     void playUpTo(RecordMoment moment);
     void goOnRecording(int latestVolume);
 
@@ -83,9 +85,10 @@ private:
     qint64 bytesToKeep_ = 0;
     std::vector<ListenerRecord> records_; ///< of the latest volume, not yet played
     qsizetype linesPlayed_ = 0;
-    int latestTaken_ = -1;  ///< volume of the journal, from 0
-    int latestPlayed_ = -1; ///< to its end
-    bool goesOn_ = false;   ///< the recorded part has been played, and the run goes on
+    int latestTaken_ = -1;     ///< volume of the journal, from 0
+    int latestPlayed_ = -1;    ///< to its end
+    bool wrongVolume_ = false; ///< a record is not the volume that comes next
+    bool goesOn_ = false;      ///< the recorded part has been played, and the run goes on
     QTemporaryDir unpacked_;
     QtCortivoDoc* document_ = nullptr;
     ReaderMaker makeScannerReader_;

@@ -21,8 +21,10 @@ RunHead headOf(const RunParts& run, const RunInputs& inputs) {
     head.settings = inputs.settings;
     if (const GrowingTextFile* lines = arrivingLines(document)) {
         const QString& tdat = document.protocol.tdatPath;
-        head.protocol = {isProtocolPathSet(tdat) ? tdat : document.protocol.realTimeProtocolPath,
-                         lines->head(false)};
+        const QString& path =
+            isProtocolPathSet(tdat) ? tdat : document.protocol.realTimeProtocolPath;
+        // A name alone means the current folder, which is another one when the run goes on.
+        head.protocol = {QFileInfo(path).absoluteFilePath(), lines->head(false)};
         head.protocolHeadBytes = lines->skippedBytes();
     } else {
         head.protocol = inputs.protocol;
@@ -33,6 +35,17 @@ RunHead headOf(const RunParts& run, const RunInputs& inputs) {
     head.watchFolder = run.intake.watchFolder;
     head.project = document.project;
     return head;
+}
+
+/// A path that nothing has, in a folder; empty when the name and its numbers are all taken.
+QString freeJournalPath(const QString& folder, const QString& name) {
+    for (int number = 1; number <= mostNames; ++number) {
+        const QString unique = number == 1 ? name : name + '-' + QString::number(number);
+        const QString path = QDir(folder).absoluteFilePath(unique + journalExtension);
+        if (!QFile::exists(path))
+            return path;
+    }
+    return {};
 }
 
 } // namespace
@@ -50,14 +63,9 @@ void RunJournal::createFile(const RunParts& run, const RunInputs& inputs) {
     for (const QString& folder : {targetFolder, fallbackFolder_}) {
         if (folder.isEmpty())
             continue;
-        for (int number = 1; number <= mostNames; ++number) {
-            const QString unique = number == 1 ? name : name + '-' + QString::number(number);
-            path_ = QDir(folder).absoluteFilePath(unique + journalExtension);
-            if (QFile::exists(path_))
-                continue;
+        path_ = freeJournalPath(folder, name);
+        if (!path_.isEmpty())
             start(createOutput(path_), true);
-            break;
-        }
         if (!writer_)
             continue; // what has the name, if anything, is not ours
         if (writeBeginning(run, inputs))
@@ -101,14 +109,35 @@ void RunJournal::begin(const RunParts& run, const RunInputs& inputs) {
 }
 
 void RunJournal::goOn(const QString& path, qint64 wholeBytes, int latestVolume) {
+    continueFile(path, wholeBytes, latestVolume);
+    if (!writer_)
+        tellOfNoContinuation(path);
+}
+
+void RunJournal::goOnInCopy(const QString& path, qint64 wholeBytes, int latestVolume) {
+    const QString copy = freeJournalPath(
+        paths::folderWithSlash(path), paths::withoutExtension(paths::fileName(path)) + "-goes-on");
+    // What has the name by now, if anything, is not ours.
+    if (!copy.isEmpty() && QFile::copy(path, copy))
+        continueFile(copy, wholeBytes, latestVolume);
+    if (!writer_)
+        return tellOfNoContinuation(path);
+    list_.remove(path);
+}
+
+void RunJournal::continueFile(const QString& path, qint64 wholeBytes, int latestVolume) {
     path_ = path;
     volume_ = latestVolume;
     moment_ = RecordMoment::Waiting;
     start(continueJournalFile(path, wholeBytes), false);
     clock_.restart();
     if (writer_) // the file may have been opened from elsewhere, and the program may end once more
-        return list_.add(path_);
-    path_.clear(); // it is not ours to remove
+        list_.add(path_);
+    else
+        path_.clear(); // it is not ours to remove
+}
+
+void RunJournal::tellOfNoContinuation(const QString& path) {
     showModelessWarning(
         QStringLiteral("WARNING: The journal \"%1\" can not be continued. The run "
                        "goes on without: until it is saved, the data of new volumes "

@@ -45,6 +45,9 @@ public:
     void begin(const RunParts& run, const RunInputs& inputs);
     /// Goes on writing into a journal whose run goes on, after its first `wholeBytes` bytes.
     void goOn(const QString& path, qint64 wholeBytes, int latestVolume);
+    /// The same in a copy, "...-goes-on.vcj" or one with a number: a damaged journal stays as it
+    /// is.
+    void goOnInCopy(const QString& path, qint64 wholeBytes, int latestVolume);
     /// The run is over, with its results on disk or not. Does nothing when there is no journal.
     void end(JournalEnding ending);
     /// The same for a journal that was played: `wholeBytes` of it could be read.
@@ -65,6 +68,8 @@ private:
     void createFile(const RunParts& run, const RunInputs& inputs);
     /// Waits for the disk; false when it doesn't take it.
     [[nodiscard]] bool writeBeginning(const RunParts& run, const RunInputs& inputs);
+    void continueFile(const QString& path, qint64 wholeBytes, int latestVolume);
+    void tellOfNoContinuation(const QString& path);
     void start(std::unique_ptr<JournalOutput> output, bool isNew);
     void add(RecordKind kind, std::span<const uint8_t> content,
              std::span<const uint8_t> samples = {});

@@ -1,30 +1,8 @@
 // Recovering and replaying runs, and what happens when that can't be done.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "run/loop/session_fixture.h"
 #include "run/replay/journal_description.h"
+#include "run/replay/playing_fixture.h"
 #include "volume/fmr_file.h"
-
-namespace {
-
-class PlayingTest : public SessionFixture {
-protected:
-    PlayingTest() {
-        QDir().mkpath(path("fallback"));
-        session.journal.setPlaces(path("fallback/"), JournalList(path("OpenJournals")));
-    }
-    /// Runs the session, whose journal is then "run.vcj".
-    void recordRun(const QMap<QString, QString>& changes = {}) {
-        writeSession(20, 0, changes);
-        QFile::remove(journal_);
-        ASSERT_TRUE(QFile::rename(recordJournal(), journal_));
-    }
-    bool play(PlayPurpose purpose, const QString& target = {}, const QString& settings = {}) {
-        return session.playJournal({journal_, settings, target, false}, purpose);
-    }
-    QString journal_ = path("run.vcj");
-};
-
-} // namespace
 
 TEST_F(PlayingTest, AReplayGivesWhatTheRunGaveInAFolderOfItsOwn) {
     recordRun();
