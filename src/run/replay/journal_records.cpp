@@ -4,6 +4,7 @@
 #include "base/byte_reader.h"
 #include "base/byte_views.h"
 #include "base/byte_writer.h"
+#include "run/replay/played_run.h"
 
 #include <QtEndian>
 #include <cstring>
@@ -134,7 +135,8 @@ bool decodeHead(std::span<const uint8_t> payload, RunHead& head) {
     constexpr int mostSamples = 1 << 16; // along an axis
     const auto isLength = [](int length) { return length > 0 && length <= mostSamples; };
     return !reader.failed() && isLength(size.x) && isLength(size.y) && isLength(size.slices) &&
-           head.project.NrOfVolumes > 0 && head.project.NrOfVolumes <= mostVolumes;
+           head.project.NrOfVolumes > 0 && head.project.NrOfVolumes <= mostVolumes &&
+           hasTimesOfARun(head.project);
 }
 
 std::vector<uint8_t> encodeArrival(const VolumeArrival& arrival) {

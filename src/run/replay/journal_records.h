@@ -64,7 +64,7 @@ struct ListenerRecord {
 [[nodiscard]] std::vector<uint8_t> encodeArrival(const VolumeArrival& arrival);
 [[nodiscard]] std::vector<uint8_t> encodeListenerRecord(const ListenerRecord& record);
 
-// False when the bytes are not such a record, or its sizes are not those of a volume.
+// False when the bytes are not such a record, or state sizes or times that no run has.
 [[nodiscard]] bool decodeHead(std::span<const uint8_t> payload, RunHead& head);
 [[nodiscard]] bool decodeListenerRecord(std::span<const uint8_t> payload, ListenerRecord& record);
 /// `samples` receives the part of the payload that holds them, 16 bit little endian.

@@ -136,7 +136,9 @@ bool JournalRun::readSettings(RunSettings& settings, const std::function<void()>
                 head_.watchFolder + settings.documentFirstFileName.mid(settings.WatchFolder.size());
         settings.WatchFolder = head_.watchFolder;
     }
-    return prepareForPlaying(settings, options_);
+    return prepareForPlaying(settings, options_,
+                             purpose_ == PlayPurpose::GoOn ? OutsideFeedback::Stays
+                                                           : OutsideFeedback::IntoResults);
 }
 
 std::unique_ptr<VolumeReader> JournalRun::makeReader(const IntakeContext& context) {

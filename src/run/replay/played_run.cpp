@@ -44,21 +44,40 @@ QString replayFolderFault(const QString& results, const QString& ofTheRun) {
                          .arg(ofTheRun);
 }
 
-bool prepareForPlaying(RunSettings& settings, const PlayOptions& options) {
+QString projectFile(const QString& folder, const QString& projectName) {
+    return paths::join(folder, paths::withDefaultExtension(projectName, "fmr"));
+}
+
+bool hasTimesOfARun(const FMRHeader& header) {
+    constexpr float longestTR = 3600 * 1000; // milliseconds
+    constexpr int mostSkipped = 1000000;
+    return header.TR >= 1.0f && header.TR <= longestTR && header.NrOfSkippedVolumes >= 0 &&
+           header.NrOfSkippedVolumes <= mostSkipped;
+}
+
+namespace {
+
+void moveResults(RunSettings& settings, const QString& folder, OutsideFeedback outsideFeedback) {
+    const QString former = settings.TargetFolder;
+    QString& feedback = settings.FeedbackTargetFolder;
+    settings.TargetFolder = paths::withTrailingSlash(folder);
+    if (!former.isEmpty() && feedback.startsWith(former))
+        feedback = settings.TargetFolder + feedback.mid(former.size());
+    else if (outsideFeedback == OutsideFeedback::IntoResults)
+        feedback = settings.TargetFolder;
+}
+
+} // namespace
+
+bool prepareForPlaying(RunSettings& settings, const PlayOptions& options,
+                       OutsideFeedback outsideFeedback) {
     settings.ShowGODlgAfterPreparation = false;
     settings.OverlayInplaneData = false;
     settings.pendingOverlayInplane = -1;
     settings.ForceTRDelay = options.atTR;
     settings.forceTRDelayRead = true;
-    if (!options.targetFolder.isEmpty()) {
-        const QString former = settings.TargetFolder;
-        settings.TargetFolder = paths::withTrailingSlash(options.targetFolder);
-        // Programs that poll the run's own folder must not take a replay for a measurement.
-        settings.FeedbackTargetFolder =
-            settings.FeedbackTargetFolder.startsWith(former)
-                ? settings.TargetFolder + settings.FeedbackTargetFolder.mid(former.size())
-                : settings.TargetFolder;
-    }
+    if (!options.targetFolder.isEmpty())
+        moveResults(settings, options.targetFolder, outsideFeedback);
     if (!settings.TargetFolder.isEmpty() && QDir().mkpath(settings.TargetFolder))
         return true;
     showWarning(QStringLiteral("ERROR: The folder \"%1\" for the results can not be created. "

@@ -27,9 +27,22 @@ struct PlayOptions {
 /// keeps what the run gave. Empty when they can.
 [[nodiscard]] QString replayFolderFault(const QString& results, const QString& ofTheRun);
 
+/// The project that a run of this name writes into a folder.
+[[nodiscard]] QString projectFile(const QString& folder, const QString& projectName);
+
+/// Whether TR and skipped volumes are those of a run, as a settings file may state them: 1 ms to an
+/// hour, 0 to 1000000. Nothing else is asked of a header that was read.
+[[nodiscard]] bool hasTimesOfARun(const FMRHeader& header);
+
+/// What becomes of a folder for the feedback outside the run's target folder when the results go
+/// into another one. Programs that poll it must not take a replay for a measurement, but go on to
+/// poll for a run that goes on. One inside moves with the results.
+enum class OutsideFeedback { IntoResults, Stays };
+
 /// Nothing is waited for, and nobody is asked: the run has been measured. Creates the folder of the
 /// results; false, after a message, when that fails.
-[[nodiscard]] bool prepareForPlaying(RunSettings& settings, const PlayOptions& options);
+[[nodiscard]] bool prepareForPlaying(RunSettings& settings, const PlayOptions& options,
+                                     OutsideFeedback outsideFeedback);
 
 /// What the scanner said about the volumes; what the settings say about the run stays.
 void restoreHeader(FMRProject& project, const FMRHeader& recorded);

@@ -84,7 +84,7 @@ QString recoveryText(const JournalDescription& journal, qint64 now) {
 
 QString replacementQuestion(const JournalDescription& journal, const QString& targetFolder) {
     const QString folder = typedFolder(targetFolder);
-    const QFileInfo project(folder + journal.head.projectName + ".fmr");
+    const QFileInfo project(projectFile(folder, journal.head.projectName));
     const qint64 written = project.lastModified().toMSecsSinceEpoch();
     QString text;
     FMRHeader header;

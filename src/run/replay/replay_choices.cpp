@@ -6,9 +6,9 @@
 #include "base/text_reading.h"
 #include "run/replay/journal_description.h"
 #include "run/replay/run_journal.h"
+#include "run/replay/saved_run.h"
 #include "run/settings/settings_file.h"
 #include "volume/fmr_file.h"
-#include "volume/stc_file.h"
 
 #include <QFileInfo>
 #include <cmath>
@@ -42,13 +42,12 @@ void describeSavedRun(ReplayableRun& run, const RunSettings& current) {
         run.fault = quoted(run.path) + " is not a project, or it is damaged.";
         return;
     }
-    run.fault = savedDataFault(header, run.path).remove("ERROR: ");
+    run.fault = savedRunFault(header, run.path).remove("ERROR: ");
     run.name = paths::withoutExtension(paths::fileName(run.path));
     run.folder = paths::folderWithSlash(run.path);
     run.nrOfVolumes = header.NrOfVolumes;
     run.TR = double(header.TR);
-    const QFileInfo ofCurrent(
-        paths::withDefaultExtension(paths::join(current.TargetFolder, current.ProjectName), "fmr"));
+    const QFileInfo ofCurrent(projectFile(current.TargetFolder, current.ProjectName));
     if (ofCurrent.isFile() && ofCurrent == QFileInfo(run.path))
         run.settingsFile = current.settingsFilePath;
 }
@@ -89,8 +88,7 @@ RunSettings settingsOfCurrentFile(RunSettings settings) {
 }
 
 QString projectOf(const RunSettings& settings) {
-    const QString project = paths::withDefaultExtension(
-        paths::join(settings.TargetFolder, settings.ProjectName), "fmr");
+    const QString project = projectFile(settings.TargetFolder, settings.ProjectName);
     return fileExists(project) ? project : QString();
 }
 

@@ -62,11 +62,19 @@ private:
 
 } // namespace
 
+QString savedRunFault(const FMRHeader& header, const QString& path) {
+    if (hasTimesOfARun(header))
+        return savedDataFault(header, path);
+    return QStringLiteral("ERROR: \"%1\" is damaged: it states a TR of %2 ms and %3 skipped "
+                          "volumes.")
+        .arg(path, QString::number(double(header.TR)), QString::number(header.NrOfSkippedVolumes));
+}
+
 bool SavedRun::open() {
     // With the positions of its slices, for the anatomy.
     if (!readFMRFile(options_.path, FMRScope::Project, header_))
         return false;
-    const QString fault = savedDataFault(header_, options_.path);
+    const QString fault = savedRunFault(header_, options_.path);
     if (!fault.isEmpty())
         showWarning(fault);
     return fault.isEmpty();
@@ -95,7 +103,7 @@ bool SavedRun::readSettings(RunSettings& settings, const std::function<void()>& 
         settings.RealTimeProtocol.clear();
         settings.StimulationProtocol = recorded;
     }
-    return prepareForPlaying(settings, options_);
+    return prepareForPlaying(settings, options_, OutsideFeedback::IntoResults);
 }
 
 std::unique_ptr<VolumeReader> SavedRun::makeReader(const IntakeContext& context) {

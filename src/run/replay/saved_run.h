@@ -4,6 +4,10 @@
 
 #include "run/replay/played_run.h"
 
+/// Why a saved run with this header can't be played, for the operator: its data, or values that are
+/// not those of a run. Empty when it can.
+[[nodiscard]] QString savedRunFault(const FMRHeader& header, const QString& path);
+
 /// The saved samples are those that were analysed: motion is corrected and volumes are smoothed
 /// again only when other settings ask for it. A saved run does not keep its settings file, so
 /// PlayOptions names one in any case; `isOwn` says that it is the run's own. With that, the run is

@@ -94,8 +94,15 @@ TEST_F(ReplayChoicesTest, WhatCannotBePlayedIsNamed) {
 
 TEST_F(ReplayChoicesTest, RecoveryAsksBeforeItReplacesALaterRun) {
     JournalDescription run = describedRun();
-    run.head.projectName = "test";
-    EXPECT_TRUE(replacementQuestion(run, path("results")).contains("\"test\" with 20 volumes"));
+    // A name with a dot is written as it stands.
+    for (const QString name : {"run1.fmr", "S01_2024.03.12", "test"}) {
+        writeSession(20, 0, {{"ProjectName:", '"' + name + '"'}});
+        session.runButtonPressed();
+        run.head.projectName = name;
+        EXPECT_TRUE(
+            replacementQuestion(run, path("results")).contains('"' + name + "\" with 20 volumes"))
+            << qPrintable(name);
+    }
     EXPECT_TRUE(replacementQuestion(run, path("elsewhere")).isEmpty());
     run.latestArrival = QFileInfo(path("results/test.fmr")).lastModified().toMSecsSinceEpoch();
     EXPECT_TRUE(replacementQuestion(run, path("results")).isEmpty()) << "it was there before";

@@ -25,6 +25,24 @@ TEST_F(PlayingTest, AProtocolInTheResultsIsFollowedFromAnotherFolder) {
     }
 }
 
+// Programs poll the feedback of a run; they must not take another one for it.
+TEST_F(PlayingTest, FeedbackStaysWhereARunThatGoesOnIsFollowed) {
+    using enum PlayPurpose;
+    const std::tuple<const char*, PlayPurpose, const char*> cases[] = {
+        {"poll/", GoOn, "poll/"},         {"results/live/", GoOn, "elsewhere/live/"},
+        {"results/", GoOn, "elsewhere/"}, {"poll/", Recover, "elsewhere/"},
+        {"poll/", Replay, "elsewhere/"},  {"results/live/", Replay, "elsewhere/live/"}};
+    session.keepsJournals = true;
+    for (const auto& [folder, purpose, played] : cases) {
+        recordRun({{"FeedbackTargetFolder:", '"' + path(folder) + '"'}});
+        EXPECT_EQ(session.settings.FeedbackTargetFolder, path(folder));
+        cutJournal(journal_, 12);
+        session.keepsJournals = true;
+        EXPECT_TRUE(play(purpose, path("elsewhere/")));
+        EXPECT_EQ(session.settings.FeedbackTargetFolder, path(played)) << folder << int(purpose);
+    }
+}
+
 TEST_F(PlayingTest, EachGoingOnWithADamagedJournalHasAFileOfItsOwn) {
     recordRun();
     cutJournal(journal_, 15);
