@@ -71,7 +71,7 @@ HeadPhantom::HeadPhantom(const ScanGeometry& geometry)
     const double level = std::min(20.0, 0.25 * geometry.halfCoverage());
     const Point halfAxis{10.0, 10.0, height};
     // Those of tasks lie between the two middle slices where their number is even.
-    const double taskHeight = std::max(0.8 * height, 0.6 * geometry.sliceDistance);
+    const double taskHeight = 0.8 * std::max(height, geometry.sliceDistance);
     for (int side = 0; side < 2; ++side) {
         const double sign = side == 0 ? -1.0 : 1.0;
         regions_[0][side] = {{sign * 36.0, 26.0, -level}, halfAxis};

@@ -291,7 +291,7 @@ TEST_F(SessionOperations, TheModelOfARunIsThatOfItsOwnSettings) {
     put("other-1.vco", content("test-1.vco")
                            .replace("NrOfVolumes:                      32",
                                     "NrOfVolumes:                      99"));
-    session.changeSettingsFile(path("other-1.vco"));
+    session.returnToSettingsFile(path("other-1.vco")); // as after a replay
     ASSERT_TRUE(session.inspectSettings());
     ASSERT_EQ(session.settings.NrOfVolumes, 99);
     session.settings.DriftConfoundPredictors = 4;
