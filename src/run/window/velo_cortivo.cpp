@@ -24,6 +24,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <utility>
 
 VeloCortivo::VeloCortivo(const StandardFolders& folders, EventPump& pump)
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint), pump_(pump), session_(pump, *this),
@@ -111,6 +112,9 @@ void VeloCortivo::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    // Before the run is left: to save it is work too, and where it can't be saved the end of that
+    // must not close the window, and ask, once more.
+    endAfterRun_ = false;
     if (!session_.mayLeaveRun()) {
         event->ignore();
         return;
@@ -137,7 +141,7 @@ void VeloCortivo::workEnded() {
     contrastPanel_->refresh();
     updateViews();
     // Not at once: the caller is still inside the run.
-    if (endAfterRun_)
+    if (std::exchange(endAfterRun_, false))
         QMetaObject::invokeMethod(
             this, [this] { close(); }, Qt::QueuedConnection);
 }

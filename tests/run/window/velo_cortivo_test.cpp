@@ -185,6 +185,28 @@ TEST_F(MainWindow, ClosingDuringARunStopsItAndKeepsTheWindow) {
     EXPECT_FALSE(window_->isVisible());
 }
 
+TEST_F(MainWindow, ACloseThatIsRefusedIsTakenBack) {
+    prepare(0, Phase::Recording);
+    writeFile(home_.path() + "/results", {}); // so that nothing can be saved in it
+    document().project.targetFolder = home_.path() + "/results/";
+    EXPECT_FALSE(window_->close());
+    window_->session().report.onlyInMemory = true;
+    int questions = 0;
+    messages_.onQuestion = [&] { messages_.acceptAnything(++questions == 1); }; // save; not again
+    runOver();
+    for (int i = 0; i < 3; ++i)
+        QCoreApplication::processEvents();
+    EXPECT_EQ(questions, 2);
+    EXPECT_TRUE(window_->isVisible());
+    QTest::keyRelease(window_.get(), Qt::Key_Return);
+    EXPECT_FALSE(requests().interruptFlag) << "a release of a key clears it again";
+    window_->session().report.onlyInMemory = false;
+    prepare(0, Phase::Recording);
+    runOver();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window_->isVisible()) << "the next run doesn't end the program";
+}
+
 TEST_F(MainWindow, AnOrderlyEndAnswersWhatIsOpenAndAsksNoMore) {
     MessageBoxes boxes;
     for (const Phase phase : {Phase::Idle, Phase::Recording, Phase::PostProcessing}) {
