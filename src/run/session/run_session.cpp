@@ -15,6 +15,7 @@
 #include "stats/numerics/matrix_products.h"
 
 #include <QScopeGuard>
+#include <QScopedValueRollback>
 
 RunSession::RunSession(EventPump& pump, RunDisplay& display)
     : journal(listeners, pump), regions({settings, phase, report, requests, listeners}),
@@ -57,8 +58,7 @@ void RunSession::runButtonPressed() {
         return;
     if (phase.canBeStopped())
         return requests.stopRun();
-    if (!phase.isIdle() || (report.runFinished && ofSeveralRuns()) ||
-        runButton_ == RunButtonState::NoSettingsFile || !mayLeaveRun())
+    if (!mayStart() || !mayLeaveRun() || !mayStart())
         return;
     if (describesSeveralRuns(settings.settingsFilePath))
         inPhase(Phase::Analysing, [this] { return analyseRuns(); });
@@ -66,20 +66,33 @@ void RunSession::runButtonPressed() {
         inPhase(Phase::Preparing, [this] { return measureRun(); });
 }
 
+bool RunSession::mayStart() const {
+    return phase.isIdle() && !(report.runFinished && ofSeveralRuns()) &&
+           runButton_ != RunButtonState::NoSettingsFile;
+}
+
+bool RunSession::askToSaveFirst() {
+    const QScopedValueRollback asking(asksToSaveFirst_, true);
+    return askQuestion(
+        QStringLiteral("WARNING: The run \"%1\" is only in memory: neither its results nor its "
+                       "journal could be written.\n\nDo you want to save it in folder \"%2\" "
+                       "first? With \"No\" its data are lost.")
+            .arg(settings.ProjectName, functionalDocument->project.targetFolder));
+}
+
 bool RunSession::mayLeaveRun() {
     if (!report.onlyInMemory || !phase.isIdle())
         return true;
     const bool programEnds = pump_.waitsGivenUp(); // nobody answers any more
-    const bool saveFirst =
-        programEnds ||
-        askQuestion(
-            QStringLiteral("WARNING: The run \"%1\" is only in memory: neither its results nor its "
-                           "journal could be written.\n\nDo you want to save it in folder \"%2\" "
-                           "first? With \"No\" its data are lost.")
-                .arg(settings.ProjectName, functionalDocument->project.targetFolder));
-    // A signal to end may have come during the question, and the run been dealt with.
-    if (!programEnds && pump_.waitsGivenUp())
+    // The question processes events: timers and buttons come here meanwhile.
+    if (!programEnds && asksToSaveFirst_)
         return false;
+    const bool saveFirst = programEnds || askToSaveFirst();
+    // A signal to end may have come during the question, and the run been dealt with.
+    if (!phase.isIdle() || (!programEnds && pump_.waitsGivenUp()))
+        return false;
+    if (!report.onlyInMemory)
+        return true;
     report.onlyInMemory = saveFirst && !inPhase(Phase::Saving, [this] {
                               return report.savedCompletely = saveRecordedData(parts());
                           });
@@ -219,9 +232,13 @@ bool RunSession::recordRun(RunSource& source, const std::function<void()>& prepa
     return runVolumeLoop(run, *reader) != LoopEnd::NotStarted;
 }
 
+bool RunSession::mayReload() const {
+    return phase.isIdle() && !settings.settingsFilePath.isEmpty() &&
+           !describesSeveralRuns(settings.settingsFilePath);
+}
+
 bool RunSession::reloadData() {
-    if (!phase.isIdle() || settings.settingsFilePath.isEmpty() ||
-        describesSeveralRuns(settings.settingsFilePath) || !mayLeaveRun())
+    if (!mayReload() || !mayLeaveRun() || !mayReload())
         return false;
     return inPhase(Phase::Reloading, [this] {
         report.forgetVolumes();

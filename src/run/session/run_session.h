@@ -48,7 +48,9 @@ public:
     /// recorded, asks it to stop; in other phases nothing.
     void runButtonPressed();
     /// When the run in memory is nowhere else, asks whether to save it first, and does so. False
-    /// when it is still nowhere else, and the operator has not given it up.
+    /// when it is still nowhere else, and the operator has not given it up. While the question is
+    /// open it is False for others, who are not asked too, and the run stays what it is. True means
+    /// that the session is as idle as it was; what else was looked at before may have changed.
     [[nodiscard]] bool mayLeaveRun();
     /// Asks a run that is prepared or recorded to stop after the volume that it waits for.
     void requestStop();
@@ -91,7 +93,7 @@ public:
     /// sessions only.
     void changeSettingsFile(const QString& path);
     /// The settings file `path` is current again after a run of another one was played, which can
-    /// be looked at until the next one begins.
+    /// be looked at until the next one begins, and saved by mayLeaveRun() while `settings` are its.
     void returnToSettingsFile(const QString& path);
     /// Reads the current settings file for display. False after its message.
     [[nodiscard]] bool inspectSettings();
@@ -171,6 +173,9 @@ private:
     /// Does the work in its phase, with the display told of its start and its end.
     bool inPhase(Phase first, const std::function<bool()>& work);
     [[nodiscard]] RunParts parts();
+    [[nodiscard]] bool mayStart() const;
+    [[nodiscard]] bool mayReload() const;
+    [[nodiscard]] bool askToSaveFirst();
     [[nodiscard]] bool measureRun();
     [[nodiscard]] bool analyseRuns();
     /// `prepared` is called before the first volume is read.
@@ -195,6 +200,7 @@ private:
     OperatorRecords operatorRecords_;
     RunButtonState runButton_ = RunButtonState::Ready;
     FolderLock targetLock_;
+    bool asksToSaveFirst_ = false;       ///< the question of mayLeaveRun() is open
     bool clustersOutdated_ = false;      ///< by a change outside the idle phase
     std::optional<int> chosenROISlices_; ///< by the operator; reading the settings again keeps it
     QString brokenOffJournal_; ///< of the run that is only in memory; it holds a part of it

@@ -14,9 +14,11 @@ int RunSession::volumesForPostprocessing() const {
 
 bool RunSession::postprocess(const PostprocessingOptions& options, bool recomputeStatistics,
                              ProgressReporter& progress) {
-    const int volumes = volumesForPostprocessing();
     // It changes the samples in memory, which may be nowhere else.
-    if (volumes == 0 || !mayLeaveRun())
+    if (volumesForPostprocessing() == 0 || !mayLeaveRun())
+        return false;
+    const int volumes = volumesForPostprocessing();
+    if (volumes == 0)
         return false;
     return inPhase(Phase::PostProcessing, [&] {
         const bool done =

@@ -346,3 +346,52 @@ TEST_F(SessionOperations, ARunThatIsOnlyInMemoryIsSavedBeforeItIsPostProcessed) 
     EXPECT_TRUE(postprocess(silent));
     EXPECT_TRUE(content("results/test.stc") == measured);
 }
+
+// The question has an event loop of its own, in which the timer looks and buttons are pressed.
+TEST_F(SessionOperations, TheQuestionAboutARunInMemoryIsAskedOnceAndStopsEverythingElse) {
+    const auto nrOfRuns = [this] { return display.calls.count("starting"); };
+    Reporter silent;
+    for (const bool answer : {true, false}) {
+        session.report.onlyInMemory = true;
+        QFile::remove(path("results/test.stc"));
+        messages.expectQuestion("WARNING: The run \"test\" is only in memory*", answer);
+        messages.onQuestion = [&] {
+            const auto before = nrOfRuns();
+            session.setRunButton(RunButtonState::Finished);
+            session.runButtonPressed();
+            EXPECT_FALSE(session.mayLeaveRun() || session.reloadData() || postprocess(silent));
+            EXPECT_EQ(nrOfRuns(), before);
+        };
+        EXPECT_TRUE(session.mayLeaveRun());
+        EXPECT_EQ(QFile::exists(path("results/test.stc")), answer);
+    }
+    // What the answer was about has changed: the run is safe, the session busy, the program ends.
+    const std::tuple<const char*, std::function<void()>, bool> events[] = {
+        {"saved", [this] { session.report.onlyInMemory = false; }, true},
+        {"busy", [this] { session.phase.enter(Phase::Analysing); }, false},
+        {"ends",
+         [this] {
+             pump.giveUpWaiting();
+             EXPECT_TRUE(session.mayLeaveRun());
+             EXPECT_TRUE(QFile::remove(path("results/test.stc"))) << "that saved it";
+         },
+         false}};
+    for (const auto& [name, event, mayLeave] : events) {
+        SCOPED_TRACE(name);
+        session.phase.enter(Phase::Idle);
+        session.report.onlyInMemory = true;
+        messages.expectQuestion("WARNING: The run \"test\" is only in memory*", true);
+        messages.onQuestion = event;
+        EXPECT_EQ(session.mayLeaveRun(), mayLeave);
+        EXPECT_FALSE(QFile::exists(path("results/test.stc")));
+    }
+    session.phase.enter(Phase::Idle);
+}
+
+TEST_F(SessionOperations, PostProcessingTakesTheVolumesThatAreThereAfterTheQuestion) {
+    session.report.onlyInMemory = true;
+    messages.expectQuestion("WARNING: The run \"test\" is only in memory*", false);
+    messages.onQuestion = [this] { session.report.currentVolume = -1; };
+    Reporter silent;
+    EXPECT_FALSE(postprocess(silent));
+}
