@@ -140,7 +140,7 @@ void SettingsFileWatch::lookAtFile() {
         display_.showLogText(waitingText(session_.requests.logFontSize, master_.settingsFileName));
     } else if (session_.report.runFinished) {
         showFinishedFile();
-    } else if (master_.autoStartRun || autoStartPending_) {
+    } else if ((master_.autoStartRun || autoStartPending_) && !session_.report.onlyInMemory) {
         return startRun();
     } else {
         offerFile();
@@ -153,7 +153,9 @@ void SettingsFileWatch::lookAtFile() {
 void SettingsFileWatch::offerFile() {
     session_.setRunButton(RunButtonState::Ready);
     display_.showLogText(offerText(session_.requests.logFontSize, master_.settingsFileName));
-    controls_.reloadPossible = session_.inspectSettings() && projectExists();
+    // A run that was played and is only in memory is saved with its own settings.
+    controls_.reloadPossible =
+        !session_.report.onlyInMemory && session_.inspectSettings() && projectExists();
 }
 
 void SettingsFileWatch::showFinishedFile() {
@@ -307,8 +309,8 @@ bool SettingsFileWatch::playBesideCurrentFile(const PlayOptions& options,
     if (session_.settings.settingsFilePath != currentFile() || played) {
         const QString folder =
             isSaved ? session_.functionalDocument->project.targetFolder : QString();
-        if (!session_.mayLeaveRun())
-            return played;
+        // Also where it is only in memory: it is asked about before the next run, which is that of
+        // the current settings file.
         if (played)
             session_.returnToSettingsFile(currentFile());
         else

@@ -331,6 +331,35 @@ TEST_F(SettingsFileWatchTest, TheSettingsFileOfARecoveredRunBecomesCurrentUnless
     EXPECT_EQ(current(), "other.vco");
 }
 
+// Its settings file is gone: if it were still the session's, the next run would end the program.
+TEST_F(SettingsFileWatchTest, APlayedRunThatIsOnlyInMemoryStaysSoWhileTheCurrentFileIsRight) {
+    beginWith({"r-1.vco", "other.vco"});
+    const QString journal = recordJournal();
+    ASSERT_TRUE(QFile::remove(path("r-1.vco")));
+    watch_->setSettingsFile(path("other.vco"));
+    put("other.vco", content("other.vco").replace("\"test\"", "\"next\""));
+    watch_->look();
+    display.whenEnded = [this] {
+        watch_->workEnded();
+        session.report.savedCompletely = false;
+        session.report.onlyInMemory = true;
+    };
+    EXPECT_TRUE(watch_->playJournal({journal, {}, path("replay/"), false}, PlayPurpose::GoOn));
+    display.whenEnded = [this] { watch_->workEnded(); };
+    EXPECT_EQ(session.settings.settingsFilePath, path("other.vco"));
+    ASSERT_TRUE(QDir(path("replay")).removeRecursively());
+    watch_->setAutoStart(true);
+    watch_->look(); // begins nothing by itself, asks nothing, and leaves the settings of the run
+    EXPECT_EQ(session.settings.ProjectName, "test");
+    EXPECT_EQ(session.runButton(), RunButtonState::Ready);
+    messages.expectQuestion("WARNING: The run \"test\" is only in memory*", true);
+    messages.onQuestion = [this] { watch_->look(); };
+    session.runButtonPressed();
+    EXPECT_EQ(volumesIn("replay"), 14);
+    EXPECT_TRUE(session.report.runFinished && programEnd.statuses.empty());
+    EXPECT_TRUE(QFile::exists(path("results/next.fmr")));
+}
+
 TEST(SettingsFileNames, NameNeighbours) {
     const std::tuple<QString, int, QString> cases[] = {{"a-b.c-09.vco", 1, "a-b.c-10.vco"},
                                                        {"run-9", 1, "run-10.vco"},
