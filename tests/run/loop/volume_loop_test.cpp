@@ -93,10 +93,19 @@ TEST_F(VolumeLoopTest, StopIsLookedAtAfterTheVolumeIsReadAndLeavesItOut) {
         EXPECT_EQ(QFileInfo(path("results/test.stc")).size(), stopAt * 8 * 8 * 4 * 2);
     }
     EXPECT_EQ(messages.shownModeless().size(), 2) << "saved before anybody answers";
-    // A flag that was left set stops the next run, and only that.
+    // A stop that the time-out overtakes is left over: it stops the next run, and only that.
     script.atVolume = {};
+    script.lastVolume = 5;
+    ProbeListener probe(session.listeners, ListenerPlace::PlugIn);
+    probe.onEndOfVolume = [&](int volume) {
+        if (volume == script.lastVolume)
+            session.runButtonPressed();
+    };
+    messages.expectWarning("TIME OUT ERROR: expected file did not arrive!");
+    runAgain();
+    script.lastVolume = Script().lastVolume;
     for (const bool stopped : {true, false}) {
-        session.requests.interruptFlag = stopped;
+        EXPECT_EQ(session.requests.interruptFlag, stopped);
         if (stopped)
             messages.expectInformation("RECORDING INTERRUPTED BY USER");
         runAgain();
