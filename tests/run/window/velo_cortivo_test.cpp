@@ -189,6 +189,7 @@ TEST_F(MainWindow, ACloseThatIsRefusedIsTakenBack) {
     prepare(0, Phase::Recording);
     writeFile(home_.path() + "/results", {}); // so that nothing can be saved in it
     document().project.targetFolder = home_.path() + "/results/";
+    document().project.projectPath = home_.path() + "/results/run.fmr";
     EXPECT_FALSE(window_->close());
     window_->session().report.onlyInMemory = true;
     int questions = 0;
