@@ -11,6 +11,7 @@
 #include "run/loop/run_memory.h"
 #include "run/loop/run_model.h"
 #include "run/loop/run_protocol.h"
+#include "run/settings/settings_paths.h"
 #include "volume/motion_correction.h"
 
 #include <QDir>
@@ -86,8 +87,7 @@ void copySettingsToProject(FMRProject& project, const RunSettings& settings) {
     if (project.pixelSizeY == 0.0f && settings.MatrixSizeY > 0)
         project.pixelSizeY = float(settings.InplaneFoVY) / float(settings.MatrixSizeY);
     project.targetFolder = settings.TargetFolder;
-    project.projectPath = paths::join(settings.TargetFolder,
-                                      paths::withDefaultExtension(settings.ProjectName, "fmr"));
+    project.projectPath = projectFile(settings.TargetFolder, settings.ProjectName);
 }
 
 } // namespace

@@ -44,10 +44,6 @@ QString replayFolderFault(const QString& results, const QString& ofTheRun) {
                          .arg(ofTheRun);
 }
 
-QString projectFile(const QString& folder, const QString& projectName) {
-    return paths::join(folder, paths::withDefaultExtension(projectName, "fmr"));
-}
-
 bool hasTimesOfARun(const FMRHeader& header) {
     constexpr float longestTR = 3600 * 1000; // milliseconds
     constexpr int mostSkipped = 1000000;

@@ -27,9 +27,6 @@ struct PlayOptions {
 /// keeps what the run gave. Empty when they can.
 [[nodiscard]] QString replayFolderFault(const QString& results, const QString& ofTheRun);
 
-/// The project that a run of this name writes into a folder.
-[[nodiscard]] QString projectFile(const QString& folder, const QString& projectName);
-
 /// Whether TR and skipped volumes are those of a run, as a settings file may state them: 1 ms to an
 /// hour, 0 to 1000000. Nothing else is asked of a header that was read.
 [[nodiscard]] bool hasTimesOfARun(const FMRHeader& header);

@@ -4,6 +4,7 @@
 #include "base/paths.h"
 #include "base/plain_file.h"
 #include "base/text_reading.h"
+#include "run/settings/settings_paths.h"
 #include "volume/fmr_file.h"
 
 #include <QDateTime>

@@ -8,6 +8,7 @@
 #include "run/replay/run_journal.h"
 #include "run/replay/saved_run.h"
 #include "run/settings/settings_file.h"
+#include "run/settings/settings_paths.h"
 #include "volume/fmr_file.h"
 
 #include <QFileInfo>

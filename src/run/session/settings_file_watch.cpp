@@ -8,6 +8,7 @@
 #include "run/replay/journal_description.h"
 #include "run/session/sample_files.h"
 #include "run/session/settings_file_names.h"
+#include "run/settings/settings_paths.h"
 
 #include <QFileInfo>
 
@@ -172,8 +173,7 @@ void SettingsFileWatch::showFinishedFile() {
 bool SettingsFileWatch::projectExists() const {
     const RunSettings& settings = session_.settings;
     return !settings.MergeType &&
-           fileExists(paths::withDefaultExtension(
-               paths::join(settings.TargetFolder, settings.ProjectName), "fmr"));
+           fileExists(projectFile(settings.TargetFolder, settings.ProjectName));
 }
 
 void SettingsFileWatch::startRun() {

@@ -16,6 +16,12 @@
     return cleanedPath(paths::withTrailingSlash(paths::withForwardSlashes(value)), settingsFileDir);
 }
 
+/// The project file that a run of this name writes into a folder: ".fmr" is added to a name without
+/// a dot.
+[[nodiscard]] inline QString projectFile(const QString& folder, const QString& projectName) {
+    return paths::join(folder, paths::withDefaultExtension(projectName, "fmr"));
+}
+
 /// A path for writing: a leading settingsFileDir replaced by "./".
 [[nodiscard]] inline QString relativePath(const QString& path, const QString& settingsFileDir) {
     if (settingsFileDir.isEmpty() || !path.startsWith(settingsFileDir))

@@ -1,5 +1,5 @@
-// Journals and projects whose records or values can't be those of a run, though nothing else is
-// wrong. SPDX-License-Identifier: GPL-3.0-or-later
+// Journals and projects whose values can not be those of a run, though nothing else is wrong.
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/replay/playing_fixture.h"
 #include "run/replay/replay_choices.h"
 
