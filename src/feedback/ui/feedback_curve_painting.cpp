@@ -12,8 +12,10 @@ PlotContent feedbackCurveContent(const FeedbackCurve& curve, int lastVolume, int
     shown.TimeCourseValues = curve.values;
     shown.TimeCourseValues.resize(size_t(nrOfVolumes));
     const int last = std::min(lastVolume, int(curve.values.size()) - 1);
-    return timeCourseContent({shown, curve.region, color, last, 0}, timing.protocol, timing.TR, {},
-                             {});
+    PlotContent content = timeCourseContent({shown, curve.region, color, last, 0}, timing.protocol,
+                                            timing.TR, {}, {});
+    content.note.clear(); // it would tell the subject what the operator waits for
+    return content;
 }
 
 void paintCurveContent(QPainter& painter, QSize size, const PlotContent& content) {

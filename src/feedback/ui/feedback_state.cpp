@@ -52,7 +52,8 @@ QString liveText(const SessionFeedback& feedback,
     if (values.classifier)
         return QStringLiteral("Output of the classifier: level %1").arg(values.FbLevel1);
     if (choices.type == FeedbackType::TimeCourse)
-        return volume + "the curve, without a level";
+        return volume +
+               (choices.BlockOutput ? "the curve is not shown" : "the curve, without a level");
     if (values.hidesLevel())
         return volume + QStringLiteral("Suppressed by condition \"%1\"")
                             .arg(conditionName(feedback.protocol(), choices.NoFbCondition));

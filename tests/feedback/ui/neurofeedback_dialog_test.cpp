@@ -279,10 +279,13 @@ TEST_F(NeurofeedbackDialog, ShowsARunAndSaysWhatItShows) {
             QTest::keyClick(&dialog(), Qt::Key_Escape);
             EXPECT_TRUE(dialog().isVisible()) << "nor does it end a run";
         }
+        if (volume == 27 || volume == 28)
+            click("BlockOutputOp");
     };
     session.runButtonPressed();
     EXPECT_TRUE(states[1].startsWith("Feedback from volume ")) << states[1].toStdString();
     EXPECT_TRUE(states[25].startsWith("Volume 26: Level ")) << states[25].toStdString();
+    EXPECT_EQ(states[28], "No output to subject. Volume 29: the curve is not shown");
     EXPECT_EQ(states[29], "Volume 30: the curve, without a level");
     const QImage saved = QImage(path("results/test-30.png")).convertToFormat(QImage::Format_RGB32);
     EXPECT_EQ(saved, picture());
