@@ -307,7 +307,7 @@ TEST_F(PluginFunctions, PassOnWhatAPluginShows) {
     EXPECT_EQ(maps.count(), 3);
     tSetPluginMapName(1, "M\xc3\xbc");
     EXPECT_EQ(maps.name(1), QString::fromUtf8("M\xc3\xbc"));
-    tSetPluginMapName(2, ("a\n\tb " + std::string(5000, 'x')).c_str());
+    tSetPluginMapName(2, ("a\n\tb " + QByteArray(5000, 'x')).constData());
     EXPECT_EQ(maps.name(2), "a b " + QString(96, 'x'));
     tSetDisplayStatusOfMap(2, 2);
     EXPECT_EQ(maps.state(2), 2);
