@@ -11,6 +11,7 @@
 #include "run/settings/settings_paths.h"
 
 #include <QFileInfo>
+#include <utility>
 
 namespace {
 
@@ -199,6 +200,9 @@ void SettingsFileWatch::advance() {
     if (found <= highestRunNumber_)
         return;
     const int next = highestRunNumber_ + 1;
+    // Not at each look: whoever keeps the run in memory needs the window to make room for it.
+    if (next == std::exchange(keptWaiting_, next) && session_.report.onlyInMemory)
+        return;
     if (!setSettingsFile(master_.settingsDirectory + recordingName(master_.settingsFileName, next)))
         return;
     highestRunNumber_ = next;
@@ -237,7 +241,7 @@ bool SettingsFileWatch::setSettingsFile(const QString& name) {
     chosen = paths::withForwardSlashes(chosen);
     master_.settingsDirectory = remembered_.settingsDirectory = paths::folderWithSlash(chosen);
     master_.settingsFileName = remembered_.settingsFileName = paths::fileName(chosen);
-    highestRunNumber_ = -1;
+    highestRunNumber_ = keptWaiting_ = -1;
     autoStartPending_ = false;
     session_.changeSettingsFile(chosen);
     // A crash or a power cut later on must not bring an old session back.

@@ -124,5 +124,7 @@ private:
     bool held_ = false;
     bool autoStartPending_ = false; ///< auto-advance has just moved on to a new file
     int highestRunNumber_ = -1;     ///< highest numbered settings file seen; -1 unknown
+    /// Number of the file that auto-advance has found and not turned to yet; -1 for none.
+    int keptWaiting_ = -1;
     QTimer timer_;
 };

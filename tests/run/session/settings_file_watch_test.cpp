@@ -124,6 +124,23 @@ TEST_F(SettingsFileWatchTest, AutoAdvanceTakesNewFilesOneByOneAndRunsThem) {
     watch_->look();
     EXPECT_EQ(current(), "r-4.vco");
     EXPECT_EQ(nrOfRuns(), 2);
+
+    // A run that can't be saved is asked about once, and keeps the next one waiting.
+    session.report.onlyInMemory = true;
+    document().project.targetFolder = path("r-1.vco/");
+    add("r-5.vco", "r-1.vco");
+    messages.acceptAnything(false);
+    int questions = 0;
+    messages.onQuestion = [&] { messages.acceptAnything(++questions == 1); }; // save; not again
+    watch_->look();
+    const int asked = questions;
+    EXPECT_GT(asked, 0);
+    watch_->look();
+    EXPECT_EQ(questions, asked);
+    EXPECT_EQ(current(), "r-4.vco");
+    session.report.onlyInMemory = false;
+    watch_->look();
+    EXPECT_EQ(current(), "r-5.vco");
 }
 
 TEST_F(SettingsFileWatchTest, AutoStartRunsAFileOnceWhenItIsThere) {
