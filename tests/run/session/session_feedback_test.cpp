@@ -190,6 +190,7 @@ TEST_F(SessionFeedbackTest, TheTypeDecidesWhichFilesAreWritten) {
     EXPECT_TRUE(content("results/test-s2-40.bpg").endsWith('\n'));
     EXPECT_TRUE(session.feedback.delayedMessage().startsWith("SAVED:  1   "));
     EXPECT_EQ(content("results/DelayedFeedback.txt").left(6), "  1   ");
+    EXPECT_NE(content("results/DelayedFeedback.txt").mid(6).trimmed().toDouble(), 0.0);
     session.feedback.open(screen_);
     EXPECT_EQ(session.feedback.choices().type, FeedbackType::Thermometer);
 }
@@ -223,6 +224,10 @@ TEST_F(SessionFeedbackTest, TheDisplayOfARunThatGoesOnIsOpenedAgainAsItWas) {
         choices.MaxPSC[0] = 3.5f;
         choices.NoFbStartShift = 7;
     });
+    screen_.whenShown = [this](int volume) {
+        if (volume == 10)
+            session.feedback.setDelayed({.condition = 1});
+    };
     const QString journal = recordJournal();
     cutJournal(journal, 25);
     session.feedback.close();
@@ -234,6 +239,7 @@ TEST_F(SessionFeedbackTest, TheDisplayOfARunThatGoesOnIsOpenedAgainAsItWas) {
             return;
         session.feedback.open(screen_);
         opened.push_back(session.feedback.choices().type);
+        EXPECT_EQ(session.feedback.delayed().value_or(DelayedFeedbackSettings()).condition, 1);
         EXPECT_EQ(session.feedback.choices().MaxPSC[0], 3.5f) << "of the regions, too";
         EXPECT_EQ(session.feedback.choices().NoFbStartShift == 7, volume == 30);
     };
