@@ -7,8 +7,8 @@
 #include <memory>
 
 /// Tells of what happens to the files of a few folders, not of their subfolders, while the thread
-/// that made it processes events. It only ever saves time: what other machines do on a network
-/// mount is not told, nor anything where the system has no more watches to give.
+/// that made it processes events. It only ever saves time: changes by other machines on
+/// a network mount are not reported, and nothing is once the system has run out of watches.
 class FolderWatch {
 public:
     virtual ~FolderWatch() = default;

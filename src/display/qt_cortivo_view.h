@@ -39,7 +39,7 @@ public:
     void setWorkers(WorkerPool& workers) { workers_ = &workers; }
     /// The volume whose samples are read out, or firstVolumeAsRead.
     void setVolumeReadOut(int volume);
-    /// Reads a voxel out as if it had been clicked, or none; told of by nobody.
+    /// Reads a voxel out as if it had been clicked, or none, without telling anybody.
     void markVoxel(const std::optional<VoxelPosition>& voxel);
     void setRegionMarking(const RegionMarking& marking);
     /// What legend and read-out call the values of the maps; empty for what their kind says.

@@ -7,8 +7,8 @@
 #include <span>
 
 // The sums of a block are p + 1 rows of `count` values: X'y, then y'y. A voxel's y are its samples
-// less a reference sample of its own where the model has a constant, which takes it back in: the
-// mean of a voxel, hundreds of times its changes, would cost as many digits.
+// less a reference sample of its own where the model has a constant, which absorbs it; otherwise
+// the mean of a voxel, hundreds of times larger than its changes, would cost that many digits.
 
 /// How a block is referred to: where the model has a constant.
 struct SumsReference {

@@ -40,7 +40,8 @@ struct OverlayThresholds {
 /// Prefix of the lower threshold in the status text of a run: "<b>t</b> > " or "<b>R</b> > ".
 [[nodiscard]] QString thresholdPrefix(const StatisticalMaps& maps);
 /// What the correction of serial correlations has achieved: the mean lag-one value of the residuals
-/// before it and after it. Empty without the one before; without the one after only that is told.
+/// before it and after it. Empty without the one before; without the one after, only the first is
+/// stated.
 [[nodiscard]] QString meanAR1Text(const WholeRunModel& model);
 /// The panel's text outside a run, for one loaded run. `volume` counts from 1.
 [[nodiscard]] QString singleRunPanelText(int volume, double elapsedSeconds,

@@ -71,7 +71,7 @@ struct PlotContent {
     double xStart = 0.0;
     double xStep = 1.0;
     std::vector<PlotCurve> curves;
-    /// The curves are layers of bars that stand on each other; values below 0 count as 0.
+    /// The curves are drawn as stacked bars; values below 0 count as 0.
     bool stacked = false;
     std::vector<PlotMarks> marks; ///< read out with the curves' point that they are next to
     std::vector<PlotBar> bars;    ///< a plot with bars has no curves, and names below them

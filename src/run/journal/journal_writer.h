@@ -49,7 +49,7 @@ public:
     /// true means that the records before it are on the disk.
     bool finish();
     /// Nobody needs the journal any more: it has failed from now on, what is queued is not written,
-    /// and the disk is waited for only as long as the piece takes that is being written.
+    /// and only the piece that is being written now is waited for.
     void abandon();
 
 private:

@@ -58,7 +58,7 @@ void RunSession::runButtonPressed() {
         return;
     if (phase.canBeStopped())
         return requests.stopRun();
-    if (!mayStart() || !mayLeaveRun() || !mayStart())
+    if (!mayStart() || !mayLeaveRun() || !mayStart()) // the question processes events
         return;
     if (describesSeveralRuns(settings.settingsFilePath))
         inPhase(Phase::Analysing, [this] { return analyseRuns(); });

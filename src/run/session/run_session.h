@@ -49,8 +49,8 @@ public:
     void runButtonPressed();
     /// When the run in memory is nowhere else, asks whether to save it first, and does so. False
     /// when it is still nowhere else, and the operator has not given it up. While the question is
-    /// open it is False for others, who are not asked too, and the run stays what it is. True means
-    /// that the session is as idle as it was; what else was looked at before may have changed.
+    /// open, further calls return false and ask nothing. After true the session is idle, but what
+    /// was looked at before may have changed: the question processes events.
     [[nodiscard]] bool mayLeaveRun();
     /// Asks a run that is prepared or recorded to stop after the volume that it waits for.
     void requestStop();
@@ -93,7 +93,8 @@ public:
     /// sessions only.
     void changeSettingsFile(const QString& path);
     /// The settings file `path` is current again after a run of another one was played, which can
-    /// be looked at until the next one begins, and saved by mayLeaveRun() while `settings` are its.
+    /// be looked at until the next one begins. mayLeaveRun() can save it as long as `settings` are
+    /// its own.
     void returnToSettingsFile(const QString& path);
     /// Reads the current settings file for display. False after its message.
     [[nodiscard]] bool inspectSettings();

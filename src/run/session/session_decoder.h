@@ -25,8 +25,8 @@ public:
 
 /// A member of the session. While its window is open it takes the step of each volume, decodes the
 /// letter that is due, and writes log, letters and pictures. Offline it decodes a file of curves; a
-/// run that is measured beside it gives nothing, not even pictures of the letter display, since who
-/// polls for those would get the letters of the file.
+/// run that is measured beside it produces nothing, not even pictures of the letter display: a
+/// program that polls for them would receive the letters of the file.
 ///
 /// Letters that became due while the window was closed, or while the run had too few regions, are
 /// decoded at the next volume, without pictures. What volumes gave that are played in a recovery,

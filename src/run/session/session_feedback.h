@@ -46,7 +46,8 @@ public:
     explicit SessionFeedback(const Parts& parts);
 
     /// The display opens: it begins with the thermometer, the maxima that came with the regions,
-    /// shifts for the TR, and no baseline. The screen, which is not owned, must call close().
+    /// shifts for the TR, and no baseline. In a run that goes on after a crash it is opened again
+    /// as it was, once. The screen, which is not owned, must call close().
     void open(FeedbackScreen& screen);
     void close();
     [[nodiscard]] bool isOpen() const { return screen_ != nullptr; }
